@@ -1,0 +1,233 @@
+#include "data/pool.hpp"
+
+#include <array>
+#include <cstdlib>
+#include <cstring>
+#include <utility>
+
+#if defined(__SANITIZE_ADDRESS__)
+#define LEXON_ADDRESS_SANITIZER 1
+#elif defined(__has_feature)
+#if __has_feature(address_sanitizer)
+#define LEXON_ADDRESS_SANITIZER 1
+#endif
+#endif
+#ifdef LEXON_ADDRESS_SANITIZER
+#include <sanitizer/asan_interface.h>
+#endif
+
+namespace lexon {
+
+namespace {
+
+// Under the address sanitizer a cell can be touched only while it is given out, so that a use after release shows.
+#ifdef LEXON_ADDRESS_SANITIZER
+void forbid(void* start, std::size_t size) {
+  ASAN_POISON_MEMORY_REGION(start, size);
+}
+void allow(void* start, std::size_t size) {
+  ASAN_UNPOISON_MEMORY_REGION(start, size);
+}
+#else
+void forbid(void*, std::size_t) {}
+void allow(void*, std::size_t) {}
+#endif
+
+constexpr std::array<std::int32_t, 9> kCellSizes = {8, 16, 32, 64, 128, 256, 512, 1024, 4096};
+constexpr std::int64_t kLargestCell = kCellSizes.back();
+constexpr std::int32_t kFirstBlockSize = 65535;
+constexpr int kMaxBlocks = 200;  // of both pools together
+
+struct FreeCell {
+  FreeCell* next;
+};
+static_assert(sizeof(FreeCell) <= static_cast<std::size_t>(kCellSizes.front()));
+
+struct Block {
+  std::int32_t used;  // bytes given out from the start
+  char* start;
+};
+
+// What each pool keeps by size class: the released cells, and the first block that may still have room. A block that
+// has refused a class stays full for it.
+struct Classes {
+  std::array<FreeCell*, kCellSizes.size()> free;
+  std::array<int, kCellSizes.size()> first_open;
+};
+
+// The permanent pool owns the blocks in front of `permanent_count`, the sentence's pool those from there to
+// `top_count`.
+struct Pools {
+  std::int32_t block_size = kFirstBlockSize;
+  int permanent_count = 0;
+  int top_count = 0;
+  std::array<Block, kMaxBlocks> blocks{};
+  Classes permanent{};
+  Classes sentence{};
+};
+
+constinit Pools pools;
+
+std::size_t class_of(std::int64_t size) {
+  std::size_t index = 0;
+  while (kCellSizes[index] < size) ++index;
+  return index;
+}
+
+// A range of the block table, and the count that grows with a new block.
+struct Range {
+  int first;
+  int& end;
+};
+
+void* serve_from_blocks(const Range& range, int& first_open, std::int32_t cell_size) {
+  if (first_open < range.first) first_open = range.first;
+  for (; first_open < range.end; ++first_open) {
+    Block& block = pools.blocks[static_cast<std::size_t>(first_open)];
+    if (block.used + cell_size > pools.block_size) continue;
+    void* cell = block.start + block.used;
+    block.used += cell_size;
+    return cell;
+  }
+  return nullptr;
+}
+
+// The permanent pool must not grow while the sentence's pool holds blocks; should it, that pool's first entry moves.
+void make_room_for_permanent_block() {
+  if (pools.top_count <= pools.permanent_count || pools.top_count >= kMaxBlocks) return;
+  const auto first = static_cast<std::size_t>(pools.permanent_count);
+  pools.blocks[static_cast<std::size_t>(pools.top_count++)] = std::exchange(pools.blocks[first], {});
+}
+
+// Halves the block size as long as the heap refuses; the lowered size stays.
+void* serve_from_new_block(const Range& range, std::int32_t cell_size) {
+  if (range.end >= kMaxBlocks || pools.top_count >= kMaxBlocks) return nullptr;
+  if (&range.end == &pools.permanent_count) make_room_for_permanent_block();
+  for (; cell_size <= pools.block_size; pools.block_size /= 2) {
+    auto* start = static_cast<char*>(std::malloc(static_cast<std::size_t>(pools.block_size)));
+    if (start == nullptr) continue;
+    pools.blocks[static_cast<std::size_t>(range.end)] = {cell_size, start};
+    ++range.end;
+    forbid(start, static_cast<std::size_t>(pools.block_size));
+    return start;
+  }
+  return nullptr;
+}
+
+void* pool_alloc(Classes& classes, const Range& range, std::int64_t size) {
+  if (size < 1) return nullptr;
+  if (size > kLargestCell) return checked_malloc(size);
+  const std::size_t index = class_of(size);
+  void* cell = classes.free[index];
+  if (cell != nullptr) {
+    classes.free[index] = classes.free[index]->next;
+  } else {
+    cell = serve_from_blocks(range, classes.first_open[index], kCellSizes[index]);
+    if (cell == nullptr) cell = serve_from_new_block(range, kCellSizes[index]);
+  }
+  if (cell != nullptr) allow(cell, static_cast<std::size_t>(size));
+  return cell;
+}
+
+void pool_free(Classes& classes, void* cell, std::int64_t size) {
+  if (cell == nullptr || size < 1) return;
+  if (size > kLargestCell) return heap_free_clear(cell);
+  const std::size_t index = class_of(size);
+  FreeCell*& head = classes.free[index];
+  forbid(cell, static_cast<std::size_t>(kCellSizes[index]));
+  allow(cell, sizeof(FreeCell));
+  head = new (cell) FreeCell{head};
+}
+
+void clear_blocks_from(int first) {
+  for (std::size_t i = static_cast<std::size_t>(first); i < pools.blocks.size(); ++i) pools.blocks[i] = {};
+}
+
+char* text_in(void* cell, std::string_view text) {
+  if (cell == nullptr) return nullptr;
+  auto* copy = static_cast<char*>(cell);
+  if (!text.empty()) std::memcpy(copy, text.data(), text.size());
+  copy[text.size()] = '\0';
+  return copy;
+}
+
+}  // namespace
+
+void* perm_alloc(std::int64_t size) {
+  const bool is_first_use = pools.permanent_count == 0 && pools.top_count == 0;
+  if (is_first_use) {
+    pools.block_size = kFirstBlockSize;
+    clear_blocks_from(0);
+    pools.permanent = {};
+  }
+  void* cell = pool_alloc(pools.permanent, {0, pools.permanent_count}, size);
+  if (pools.top_count < pools.permanent_count) pools.top_count = pools.permanent_count;
+  return cell;
+}
+
+void perm_free(void* cell, std::int64_t size) {
+  pool_free(pools.permanent, cell, size);
+}
+
+void* temp_alloc(std::int64_t size) {
+  if (pools.top_count <= pools.permanent_count) {
+    pools.block_size = kFirstBlockSize;
+    clear_blocks_from(pools.permanent_count);
+    pools.sentence = {};
+    pools.top_count = pools.permanent_count;
+  }
+  return pool_alloc(pools.sentence, {pools.permanent_count, pools.top_count}, size);
+}
+
+void temp_free(void* cell, std::int64_t size) {
+  pool_free(pools.sentence, cell, size);
+}
+
+void temp_free_string(char* text) {
+  if (text == nullptr || *text == '\0') return;
+  temp_free(text, static_cast<std::int64_t>(std::strlen(text)) + 1);
+}
+
+int temp_release_all() {
+  for (int i = pools.permanent_count; i < pools.top_count; ++i) {
+    Block& block = pools.blocks[static_cast<std::size_t>(i)];
+    allow(block.start, static_cast<std::size_t>(kFirstBlockSize));
+    std::free(block.start);
+    block = {};
+  }
+  pools.top_count = pools.permanent_count;
+  pools.sentence = {};
+  return 0;
+}
+
+void* checked_malloc(std::int64_t size) {
+  return size < 1 ? nullptr : std::malloc(static_cast<std::size_t>(size));
+}
+
+void heap_free_clear(void*& pointer) {
+  std::free(pointer);
+  pointer = nullptr;
+}
+
+const char* find_char(const char* text, char c) {
+  return text == nullptr || c == '\0' ? nullptr : std::strchr(text, c);
+}
+
+char* temp_text(std::string_view text) {
+  return text_in(temp_alloc(static_cast<std::int64_t>(text.size()) + 1), text);
+}
+
+char* perm_text(std::string_view text) {
+  return text_in(perm_alloc(static_cast<std::int64_t>(text.size()) + 1), text);
+}
+
+PoolFigures pool_figures() {
+  PoolFigures figures{pools.permanent_count, 0, 0};
+  for (int i = pools.permanent_count; i < pools.top_count; ++i) {
+    ++figures.sentence_blocks;
+    figures.sentence_bytes_used += pools.blocks[static_cast<std::size_t>(i)].used;
+  }
+  return figures;
+}
+
+}  // namespace lexon

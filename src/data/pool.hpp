@@ -1,0 +1,82 @@
+// Two pools with one mechanism: one for the rules of a run, one for everything of a sentence.
+//
+// Requests up to 4096 bytes are served in nine size classes from blocks of at most 65535 bytes; larger ones go to
+// the heap. A cell carries no header: whoever gives it back says its size. Cells are not cleared. Not thread-safe.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <new>
+#include <string_view>
+#include <type_traits>
+
+namespace lexon {
+
+// A cell of at least `size` bytes from the permanent pool; it lives for the run. Null if `size` is below 1 or
+// memory is exhausted. Must not be called while the sentence's pool holds blocks.
+[[nodiscard]] void* perm_alloc(std::int64_t size);
+
+// Gives a cell back to the class of `size`, which must be the class it came from. Ignores null.
+void perm_free(void* cell, std::int64_t size);
+
+// As `perm_alloc` and `perm_free`, from the sentence's pool; all its cells die in `temp_release_all`.
+[[nodiscard]] void* temp_alloc(std::int64_t size);
+void temp_free(void* cell, std::int64_t size);
+
+// Gives a string back by its present length plus 1. Ignores null and the empty string.
+void temp_free_string(char* text);
+
+// Frees every block of the sentence's pool and clears its free lists. Cells above 4096 bytes are not covered.
+// Always returns 0.
+int temp_release_all();
+
+// Heap memory for what outlives pools; null if `size` is below 1 or the heap refuses. Freed by `heap_free_clear`.
+[[nodiscard]] void* checked_malloc(std::int64_t size);
+
+// Frees what `pointer` holds, if anything, and sets it to null.
+void heap_free_clear(void*& pointer);
+
+// The first place of `c` in `text`, or null. Never finds the terminator; null for a null text.
+[[nodiscard]] const char* find_char(const char* text, char c);
+
+// A zeroed record from the sentence's pool, or null. Released with `temp_delete`.
+template <typename Record>
+[[nodiscard]] Record* temp_new() {
+  static_assert(std::is_trivially_destructible_v<Record>);
+  void* cell = temp_alloc(static_cast<std::int64_t>(sizeof(Record)));
+  return cell == nullptr ? nullptr : new (cell) Record{};
+}
+
+template <typename Record>
+void temp_delete(Record* record) {
+  temp_free(record, static_cast<std::int64_t>(sizeof(Record)));
+}
+
+// The same from the permanent pool.
+template <typename Record>
+[[nodiscard]] Record* perm_new() {
+  static_assert(std::is_trivially_destructible_v<Record>);
+  void* cell = perm_alloc(static_cast<std::int64_t>(sizeof(Record)));
+  return cell == nullptr ? nullptr : new (cell) Record{};
+}
+
+template <typename Record>
+void perm_delete(Record* record) {
+  perm_free(record, static_cast<std::int64_t>(sizeof(Record)));
+}
+
+// A terminated copy of `text` in the sentence's pool, or null.
+[[nodiscard]] char* temp_text(std::string_view text);
+
+// A terminated copy of `text` in the permanent pool, or null.
+[[nodiscard]] char* perm_text(std::string_view text);
+
+// What the pools hold at present, for tests and benchmarks.
+struct PoolFigures {
+  int permanent_blocks;
+  int sentence_blocks;
+  std::int64_t sentence_bytes_used;  // given out from the blocks' starts; cells on free lists count
+};
+[[nodiscard]] PoolFigures pool_figures();
+
+}  // namespace lexon

@@ -1,0 +1,161 @@
+#include "data/words.hpp"
+
+#include <array>
+#include <cstring>
+#include <utility>
+
+#include "data/pool.hpp"
+
+namespace lexon {
+
+namespace {
+
+constexpr std::int32_t kFixedPart = 10;  // frequency, priority and the rest of a text record
+constexpr std::int32_t kAttrBlockHeader = 12;
+
+std::int32_t length_of(std::string_view text) {
+  return static_cast<std::int32_t>(text.size());
+}
+
+// Copies one text field into `target`. False when memory is exhausted.
+bool copy_field(char*& target, const char* text, std::int32_t length) {
+  target = length > 0 ? field_copy(text, length) : nullptr;
+  return length <= 0 || target != nullptr;
+}
+
+// The buffer is as long as `attr_len` says; the text runs to its terminator.
+bool copy_attrs(WordEntry& copy, const WordEntry& src) {
+  copy.attrs = nullptr;
+  if (src.attr_len <= 0) return true;
+  const std::string_view text = text_or_empty(src.attrs);
+  const auto room = static_cast<std::size_t>(src.attr_len) + 1;
+  const std::size_t size = text.size() + 1 > room ? text.size() + 1 : room;
+  copy.attrs = static_cast<char*>(temp_alloc(static_cast<std::int64_t>(size)));
+  if (copy.attrs == nullptr) return false;
+  std::memcpy(copy.attrs, text.data(), text.size());
+  copy.attrs[text.size()] = '\0';
+  return true;
+}
+
+bool copy_surface(WordEntry& copy, const WordEntry& src, const char* new_hw) {
+  if (new_hw == nullptr) return copy_field(copy.hw, src.hw, src.hw_len);
+  copy.hw_len = length_of(new_hw);
+  copy.total_size += copy.hw_len - src.hw_len;
+  copy.hw = temp_text(new_hw);
+  return copy.hw != nullptr;
+}
+
+bool copy_texts(WordEntry& copy, const WordEntry& src, const char* new_hw) {
+  return copy_surface(copy, src, new_hw) && copy_field(copy.gloss, src.gloss, src.gloss_len) &&
+         copy_field(copy.cw, src.cw, src.cw_len) && copy_attrs(copy, src) && copy_field(copy.id, src.id, src.id_len) &&
+         copy_field(copy.extra1, src.extra1, src.extra1_len) && copy_field(copy.extra2, src.extra2, src.extra2_len);
+}
+
+void entry_free(WordEntry* word) {
+  temp_free_string(word->hw);
+  temp_free_string(word->gloss);
+  temp_free_string(word->cw);
+  temp_free_string(word->attrs);
+  temp_free_string(word->id);
+  temp_free_string(word->extra1);
+  temp_free_string(word->extra2);
+  temp_delete(word);
+}
+
+}  // namespace
+
+char* field_copy(const char* text, std::int32_t length) {
+  if (length <= 0) return nullptr;
+  auto* copy = static_cast<char*>(temp_alloc(static_cast<std::int64_t>(length) + 1));
+  if (copy == nullptr) return nullptr;
+  // A length can outlast a shortened text; nothing behind the terminator is read.
+  const std::size_t present = text == nullptr ? 0 : strnlen(text, static_cast<std::size_t>(length));
+  if (present != 0) std::memcpy(copy, text, present);
+  copy[present] = '\0';
+  return copy;
+}
+
+WordEntry* entry_new(const char* hw, const char* attrs) {
+  if (hw == nullptr || *hw == '\0') return nullptr;
+  auto* word = temp_new<WordEntry>();
+  if (word == nullptr) return nullptr;
+  word->language[0] = word->language[1] = '.';
+  word->hw_len = length_of(hw);
+  word->attr_len = length_of(text_or_empty(attrs));
+  const bool copied = copy_field(word->hw, hw, word->hw_len) && copy_field(word->attrs, attrs, word->attr_len);
+  if (!copied) return nullptr;
+  word->attr_block_size = word->attr_len + kAttrBlockHeader;
+  word->total_size = word->cw_len + word->hw_len + word->gloss_len + word->attr_block_size + kFixedPart;
+  return word;
+}
+
+Status entry_copy(const WordEntry& src, WordEntry*& result, const char* new_hw) {
+  result = nullptr;
+  auto* copy = temp_new<WordEntry>();
+  if (copy == nullptr) return Status::memory;
+  *copy = src;
+  copy->next = nullptr;
+  if (!copy_texts(*copy, src, new_hw)) return Status::memory;
+  result = copy;
+  return Status::ok;
+}
+
+Status entry_list_copy(const WordEntry* src, WordEntry*& result, const char* new_hw) {
+  result = nullptr;
+  for (WordEntry** link = &result; src != nullptr; src = src->next, link = &(*link)->next) {
+    if (const Status s = entry_copy(*src, *link, new_hw); s != Status::ok) return s;
+  }
+  return Status::ok;
+}
+
+void entry_list_free(WordEntry*& head) {
+  while (head != nullptr) entry_free(std::exchange(head, head->next));
+}
+
+void entry_drop_head(WordEntry*& head) {
+  if (head != nullptr) entry_free(std::exchange(head, head->next));
+}
+
+void entry_list_sort(WordEntry*& head) {
+  struct Bucket {
+    WordEntry* first = nullptr;
+    WordEntry* last = nullptr;
+  };
+  if (head == nullptr || head->next == nullptr) return;
+  std::array<Bucket, 256> buckets;
+  for (WordEntry* word = head; word != nullptr; word = word->next) {
+    Bucket& bucket = buckets[word->priority];
+    (bucket.first == nullptr ? bucket.first : bucket.last->next) = word;
+    bucket.last = word;
+  }
+  WordEntry** link = &head;
+  for (auto bucket = buckets.rbegin(); bucket != buckets.rend(); ++bucket) {
+    if (bucket->first == nullptr) continue;
+    *link = bucket->first;
+    link = &bucket->last->next;
+  }
+  *link = nullptr;
+}
+
+Status entry_attrs_set(WordEntry& word, std::string_view attrs) {
+  char* copy = temp_text(attrs);
+  if (copy == nullptr) return Status::memory;
+  temp_free_string(word.attrs);
+  word.attrs = copy;
+  word.attr_len = length_of(attrs);
+  return Status::ok;
+}
+
+void entry_sizes_set(WordEntry& word) {
+  constexpr std::int32_t kLengthField = 2;
+  const bool has_extra2 = word.extra2_len != 0;
+  const bool has_extra1 = has_extra2 || word.extra1_len != 0;
+  const bool has_id = has_extra1 || word.id_len != 0;
+  word.attr_block_size = word.attr_len + kAttrBlockHeader;
+  word.total_size = word.cw_len + word.attr_block_size + word.gloss_len + kFixedPart + word.hw_len;
+  if (has_id) word.total_size += word.id_len + kLengthField;
+  if (has_extra1) word.total_size += word.extra1_len + kLengthField;
+  if (has_extra2) word.total_size += word.extra2_len + kLengthField;
+}
+
+}  // namespace lexon

@@ -1,0 +1,197 @@
+#include "data/nodes.hpp"
+
+#include <gtest/gtest.h>
+
+#include <cstring>
+#include <string>
+
+#include "data/pool.hpp"
+#include "data/sentence.hpp"
+#include "data/state.hpp"
+#include "data/words.hpp"
+
+namespace lexon {
+namespace {
+
+class Nodes : public ::testing::Test {
+ protected:
+  void SetUp() override { sentence_clear(); }
+  void TearDown() override { temp_release_all(); }
+
+  static Node* node_of(const char* hw, const char* attrs) {
+    auto* node = temp_new<Node>();
+    node->kind = kKindWord;
+    node->entries = entry_new(hw, attrs);
+    EXPECT_EQ(node_words_reload(*node), Status::ok);
+    return node;
+  }
+
+  static ScopeAttrs* block_of(int scope, const char* text) {
+    auto* block = temp_new<ScopeAttrs>();
+    block->scope = static_cast<std::uint8_t>(scope);
+    std::strcpy(block->text, text);
+    return block;
+  }
+
+  static std::string scopes(const Node& node) {
+    std::string all;
+    for (const ScopeAttrs* block = node.scope_attrs; block != nullptr; block = block->next) {
+      all += std::to_string(block->scope);
+    }
+    return all;
+  }
+};
+
+TEST_F(Nodes, BlocksMoveToTheFront) {
+  Node* node = node_of("a", nullptr);
+  node->scope_attrs = block_of(1, "");
+  node->scope_attrs->next = block_of(2, "");
+  node->scope_attrs->next->next = block_of(3, "");
+  const std::pair<int, const char*> rows[] = {{3, "312"}, {3, "312"}, {2, "231"}, {9, "231"}};
+  for (const auto& [scope, expected] : rows) {
+    scope_attrs_to_front(*node, scope);
+    EXPECT_EQ(scopes(*node), expected) << scope;
+  }
+}
+
+TEST_F(Nodes, ACopyForInsertionTakesAllWordsAndMarksWhatTheNodeHasGathered) {
+  struct Row {
+    const char* block;
+    const char* attrs;
+    bool used;
+    const char* expected;
+  };
+  const Row rows[] = {
+      {"x", "N,#o,,PL", true, "x,#N,#PL"}, {"x", "N", false, "x"},  {"", "N", true, ""},
+      {"x,#y", "N", true, "x,#y"},         {"x", "#o", true, "x,"}, {"x", nullptr, true, "x,"},
+  };
+  for (const Row& row : rows) {
+    Node* node = node_of("a", row.attrs);
+    node->scope_attrs = block_of(0, row.block);
+    if (row.used) {
+      ASSERT_EQ(match_record_push(*node, kStateStep, nullptr), Status::ok);
+    }
+    Relation relation{0, 0, "agt", node_of("b", nullptr), node, nullptr};
+    Node* copy = nullptr;
+    ASSERT_EQ(node_copy(copy, *node, &relation, 0), Status::ok);
+    EXPECT_STREQ(node->scope_attrs->text, row.expected) << row.block;
+    EXPECT_EQ(relation.to, copy);
+    EXPECT_EQ(copy->origin, node);
+    EXPECT_EQ(copy->source, node);
+    EXPECT_NE(copy->candidates, node->candidates);
+  }
+}
+
+TEST_F(Nodes, MarkedAttributesStopAtTheLimit) {
+  Node* node = node_of("a", std::string(900, 'n').c_str());
+  node->scope_attrs = block_of(0, std::string(200, 'x').c_str());
+  ASSERT_EQ(match_record_push(*node, kStateStep, nullptr), Status::ok);
+  Relation relation{0, 0, "agt", nullptr, node, nullptr};
+  Node* copy = nullptr;
+  ASSERT_EQ(node_copy(copy, *node, &relation, 0), Status::ok);
+  EXPECT_EQ(std::strlen(node->scope_attrs->text), 1024U);
+}
+
+TEST_F(Nodes, ACopyRuleMarksTheCopyAndTheOriginal) {
+  Node* node = node_of("a", "N");
+  ASSERT_EQ(match_record_push(*node, kStateStep, nullptr), Status::ok);
+  Node* copy = nullptr;
+  ASSERT_EQ(node_copy(copy, *node, nullptr, 1), Status::ok);
+  EXPECT_STREQ(copy->candidates->attrs, "#COPY,N");
+  EXPECT_EQ(copy->candidates->next, nullptr);
+  EXPECT_EQ(copy->candidates->attr_len, 7);
+  EXPECT_STREQ(node->candidates->attrs, "#ORIG,N");
+  EXPECT_STREQ(node->candidates->next->attrs, "N") << "undo drops the head";
+  EXPECT_EQ(node->matches->state, kStateChanged);
+}
+
+TEST_F(Nodes, AMergeCopySharesTheSourcesList) {
+  Node* node = node_of("a", nullptr);
+  Node* copy = nullptr;
+  ASSERT_EQ(node_copy(copy, *node, nullptr, 0), Status::ok);
+  EXPECT_STREQ(copy->candidates->attrs == nullptr ? "none" : "some", "none");
+  EXPECT_EQ(copy->candidates->next, node->candidates);
+  sentence.semlst[0].entry = node;
+  ASSERT_EQ(node_copy(copy, *node, nullptr, 0), Status::ok);
+  EXPECT_EQ(copy->candidates->next, nullptr) << "the entry node is copied whole";
+}
+
+TEST_F(Nodes, AReleasedTargetEqualsNoNode) {
+  Node* node = node_of("a", nullptr);
+  state.forced_node = node;
+  Node* released = node;
+  node_free(released);
+  EXPECT_EQ(released, nullptr);
+  EXPECT_EQ(state.forced_node, gone_node());
+  state.forced_node = node_of("b", nullptr);
+  sentence_clear();
+  EXPECT_EQ(state.forced_node, gone_node()) << "left over from an earlier sentence";
+  state.forced_node = nullptr;
+}
+
+TEST_F(Nodes, KindFollowsTheWordInForce) {
+  struct Row {
+    int kind;
+    const char* attrs;
+    int expected;
+  };
+  const Row rows[] = {{1, "@9,TEMP", 2}, {1, "TEMP", 0}, {5, "N", 5},       {5 - 128, "N", 5},
+                      {5, "@9", 2},      {0, "N", 1},    {1 - 128, "N", 1}, {2, nullptr, 1}};
+  for (const Row& row : rows) {
+    Node* node = node_of("a", row.attrs);
+    node->kind = static_cast<std::int8_t>(row.kind);
+    node_kind_recompute(*node);
+    EXPECT_EQ(node->kind, row.expected) << row.kind;
+  }
+}
+
+TEST_F(Nodes, APassedOverElementStaysWhileARecordCanReachItsList) {
+  auto* list = temp_new<CandidateList>();
+  auto* element = temp_new<RuleCandidate>();
+  list->elements = 1;
+  element->list = list;
+  Node* node = node_of("a", nullptr);
+  ASSERT_EQ(match_record_push(*node, kStateHold, element), Status::ok);
+  candidate_passed_over(element);
+  EXPECT_EQ(node->matches->candidate->list, list);
+  match_record_pop(*node);
+  const std::int64_t used = pool_figures().sentence_bytes_used;
+  candidate_passed_over(element);
+  EXPECT_NE(temp_new<RuleCandidate>(), nullptr);
+  EXPECT_EQ(pool_figures().sentence_bytes_used, used) << "the cell has been given back";
+}
+
+TEST_F(Nodes, WhetherAScopeStands) {
+  Node* entry = node_of("a", nullptr);
+  sentence.semlst[1] = {4, entry};
+  sentence.semlst[2] = {5, nullptr};
+  sentence.semlst_count = 4;
+  EXPECT_EQ(scope_is_built(4), 0) << "not linked";
+  entry->left = entry->right = node_of("b", nullptr);
+  ASSERT_EQ(match_record_push(*entry, kStateHold, nullptr), Status::ok);
+  EXPECT_EQ(scope_is_built(4), 0) << "only held";
+  ASSERT_EQ(match_record_push(*entry, kStateStep, nullptr), Status::ok);
+  EXPECT_EQ(scope_is_built(4), 1);
+  EXPECT_EQ(scope_is_built(9), 2) << "a row without entry ends the search";
+  sentence.semlst_count = 1;
+  EXPECT_EQ(scope_is_built(4), 0);
+}
+
+TEST_F(Nodes, ReferencesThatRunInACircleLeadNowhere) {
+  Node* first = node_of("a", nullptr);
+  Node* second = node_of("b", nullptr);
+  first->kind = second->kind = kKindScope;
+  first->scope = 2;
+  second->scope = 1;
+  sentence.semlst[1] = {1, first};
+  sentence.semlst[2] = {2, second};
+  sentence.semlst_count = 3;
+  EXPECT_EQ(scope_final_node(1), nullptr);
+  EXPECT_EQ(scope_unbuilt_target(1), nullptr);
+  second->kind = kKindWord;
+  EXPECT_EQ(scope_final_node(1), second);
+  EXPECT_EQ(scope_entry_node(7), nullptr);
+}
+
+}  // namespace
+}  // namespace lexon

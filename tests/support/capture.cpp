@@ -1,0 +1,45 @@
+#include "support/capture.hpp"
+
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <fstream>
+#include <sstream>
+
+#include "data/state.hpp"
+
+namespace lexon::test {
+
+Capture::Capture() : before_(state.output), stream_(open_memstream(&buffer_, &size_)) { state.output = stream_; }
+
+Capture::~Capture() {
+  state.output = before_;
+  std::fclose(stream_);
+  std::free(buffer_);
+}
+
+std::string Capture::text() {
+  std::fflush(stream_);
+  return std::string(buffer_, size_);
+}
+
+std::FILE* stream_of(const std::string& text) {
+  std::FILE* stream = std::tmpfile();
+  std::fwrite(text.data(), 1, text.size(), stream);
+  std::rewind(stream);
+  return stream;
+}
+
+std::string file_of(const std::string& name, const std::string& text) {
+  const std::string path = ::testing::TempDir() + name;
+  std::ofstream(path, std::ios::binary) << text;
+  return path;
+}
+
+std::string bytes_of(const std::string& path) {
+  std::ostringstream all;
+  all << std::ifstream(path, std::ios::binary).rdbuf();
+  return all.str();
+}
+
+}  // namespace lexon::test

@@ -1,0 +1,68 @@
+#include "support/program.hpp"
+
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <filesystem>
+#include <fstream>
+#include <regex>
+
+#include "support/capture.hpp"
+
+namespace lexon::test {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+[[noreturn]] void become_program(const std::string& path, const std::vector<std::string>& arguments,
+                                 const std::string& folder, const std::string& out, const std::string& error) {
+  std::vector<char*> words{const_cast<char*>(path.c_str())};
+  for (const std::string& argument : arguments) words.push_back(const_cast<char*>(argument.c_str()));
+  words.push_back(nullptr);
+  setsid();  // no terminal: questions are not asked
+  const bool ready = dup2(open("/dev/null", O_RDONLY), 0) >= 0 &&
+                     dup2(open(out.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600), 1) >= 0 &&
+                     dup2(open(error.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600), 2) >= 0 &&
+                     chdir(folder.c_str()) == 0;
+  if (ready) execv(path.c_str(), words.data());
+  _exit(127);
+}
+
+}  // namespace
+
+ProgramResult run_program(const std::string& name, const std::vector<std::string>& arguments,
+                          const std::string& folder) {
+  const std::string path = std::string(LEXON_PROGRAMS) + "/" + name;
+  const std::string stem = fresh_folder("program-" + std::to_string(getpid()));
+  const std::string out = stem + "/out";
+  const std::string error = stem + "/error";
+  const pid_t child = fork();
+  if (child == 0) become_program(path, arguments, folder, out, error);
+  int status = 0;
+  waitpid(child, &status, 0);
+  const int exit_status = WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
+  ProgramResult result{exit_status, bytes_of(out), bytes_of(error)};
+  fs::remove_all(stem);
+  return result;
+}
+
+std::string fresh_folder(const std::string& name) {
+  const fs::path folder = fs::path(::testing::TempDir()) / ("lexon-" + name);
+  fs::remove_all(folder);
+  fs::create_directories(folder);
+  return folder.string();
+}
+
+void write_file(const std::string& path, const std::string& text) {
+  std::ofstream(path, std::ios::binary) << text;
+}
+
+std::string mask_times(const std::string& text) {
+  static const std::regex time_line(";;Time +[0-9.]+\tSec");
+  return std::regex_replace(text, time_line, ";;Time ?\tSec");
+}
+
+}  // namespace lexon::test
