@@ -1,0 +1,314 @@
+// The builder's steps, in order: plan the names; read the entry text into a sort by surface form; pack the records
+// into data blocks; for each further key, sort its texts and pack them into key blocks; write the key trees; write
+// the header; put both files in place.
+//
+// What holds in every dictionary built here, so that a lookup finds each record exactly once by each of its keys:
+//
+// 1. Every data block is a chain of its own: no data block is linked. A lookup by any key but the surface form reads
+//    a chain to its end, so longer chains would only cost time. The same holds for key blocks.
+// 2. Records stand in order of their surface form, block by block; equal ones keep the order of the text, next to each
+//    other. Key entries stand in order of their keys, equal ones in order of the data blocks they name, that is, of
+//    the surface forms. So words of equal priority come out of a lookup by their surface forms, then as in the text.
+// 3. A run of equal keys (records of one surface form, entries of one key) never begins behind other keys in a block
+//    and goes on in the next: it is moved to a new block before. If it fills several blocks, each of them starts with
+//    that key; the last may go on with greater keys.
+// 4. So each block of the dictionary file has one entry in the lowest level of its tree, with its lowest key, and all
+//    blocks that hold a key are those whose entries equal it; or the one block with the greatest lower entry, if no
+//    entry does. That is exactly the set that a search in the tree gives.
+// 5. A key has one key entry for each data block that holds it, however many records there have it.
+// 6. In an index block the same rule holds for runs of equal keys, but a run that is too long for one block goes on
+//    through linked blocks and ends that chain. So on every level a key stands in one chain only, keys of upper levels
+//    are unique, and each is exactly the lowest key of the chain it leads to.
+// 7. An absent text is no key; an empty surface form is one. A tree has at least one entry, over an empty block if
+//    need be, with the empty key.
+//
+// Memory: one sort at a time, within the bound of the options, and beyond it the lowest keys of all blocks of one key
+// field (at most 65,535, seldom more than a few bytes each).
+
+#include "dict/builder.hpp"
+
+#include <algorithm>
+#include <array>
+#include <filesystem>
+#include <memory>
+#include <string_view>
+#include <utility>
+
+#include "data/platform.hpp"
+#include "dict/block_chain.hpp"
+#include "dict/builder_blocks.hpp"
+#include "dict/builder_sort.hpp"
+
+namespace lexon {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr std::int64_t kMaxBadLines = 100;  // more are not reported by a build that fails anyway
+constexpr std::int64_t kMaxRecordBytes = std::int64_t{kMaxBlockNumber - 1} * std::int64_t{kMaxRecordSize};
+
+// A file in the making.
+struct PartFile {
+  std::string target;
+  std::string path;  // the temporary name; empty once the file is in place
+  File stream;
+
+  PartFile() = default;
+  PartFile(const PartFile&) = delete;
+  PartFile& operator=(const PartFile&) = delete;
+  ~PartFile() {
+    stream.reset();
+    if (!path.empty()) (void)std::remove(path.c_str());
+  }
+};
+
+struct Build {
+  const BuildOptions& options;
+  std::FILE* log;
+  BuildFigures& figures;
+  std::string index_name;
+  std::size_t name_size = kShortNameSize;
+  KeyPlan keys = {};
+  PartFile dictionary = {};
+  PartFile index = {};
+  BlockFile dictionary_blocks = {};
+  BlockFile index_blocks = {};
+  std::array<Tree, kSlotCount + 1> trees = {};
+};
+
+bool fail(const Build& build, const std::string& message) {
+  std::fprintf(build.log, "%s\n", message.c_str());
+  return false;
+}
+
+bool fail_sorting(const Build& build) {
+  return fail(build, "cannot write a temporary file for sorting");
+}
+
+bool report(const Build& build, PackResult result, const BlockFile& file) {
+  if (result == PackResult::ok) return true;
+  const bool is_index = &file == &build.index_blocks;
+  const std::string& path = is_index ? build.index.target : build.dictionary.target;
+  if (result == PackResult::write_failed) return fail(build, path + ": cannot write");
+  return fail(build, path + ": too large: it would need more than 65535 blocks of " +
+                         (is_index ? "1024 bytes (64 MiB)" : "4096 bytes (256 MiB)"));
+}
+
+// --- names
+
+bool is_same_file(const std::string& a, const std::string& b) {
+  std::error_code error;
+  return fs::equivalent(a, b, error) && !error;
+}
+
+bool plan_names(Build& build) {
+  const BuildOptions& options = build.options;
+  build.index_name = index_name_of(options.dictionary);
+  const std::string index = (fs::path(options.dictionary).parent_path() / build.index_name).string();
+  build.figures.index = index;
+  build.dictionary.target = options.dictionary;
+  build.index.target = index;
+  if (fs::path(options.dictionary).filename().empty()) return fail(build, options.dictionary + ": not a file name");
+  if (fs::path(options.dictionary).extension() == ".idx") {
+    return fail(build, options.dictionary + ": \".idx\" is for the index file");
+  }
+  if (build.index_name.size() > kLongNameSize) return fail(build, build.index_name + ": the index name is too long");
+  if (build.index_name.front() == ' ') return fail(build, options.dictionary + ": the name begins with a blank");
+  for (const std::string& output : {options.dictionary, index}) {
+    std::error_code error;
+    if (fs::is_directory(output, error)) return fail(build, output + ": is a directory");
+    if (is_same_file(output, options.entries)) return fail(build, output + ": is the entry text itself");
+  }
+  build.name_size = name_size_of(build.index_name);
+  build.keys = {options.key_fields | 1U << kKeyHw, max_key_length(build.name_size)};
+  return true;
+}
+
+bool part_open(const Build& build, PartFile& part) {
+  part.path = temp_file_make_beside(part.target);
+  if (!part.path.empty()) part.stream.reset(std::fopen(part.path.c_str(), "wb+"));
+  return part.stream != nullptr || fail(build, part.target + ": cannot be created");
+}
+
+// --- from the text to sorted records
+
+void report_bad_line(const Build& build, const EntryText& text) {
+  std::fprintf(build.log, "%s:%lld: %s\n", build.options.entries.c_str(), static_cast<long long>(text.line_number()),
+               text.reason().c_str());
+}
+
+bool take_record(Build& build, const EntryText& text, ItemSorter& records, std::int64_t& bytes) {
+  ++build.figures.entries;
+  bytes += static_cast<std::int64_t>(text.record().size());
+  if (bytes > kMaxRecordBytes) return report(build, PackResult::too_many_blocks, build.dictionary_blocks);
+  return records.add(text.record()) || fail_sorting(build);
+}
+
+bool refuse_bad_lines(const Build& build) {
+  const std::int64_t count = build.figures.bad_lines;
+  const char* form = count == 1 ? " bad line" : " bad lines";
+  return fail(build, build.options.entries + ": " + std::to_string(count) + form + ", nothing has been built");
+}
+
+bool read_entries(Build& build, ItemSorter& records) {
+  const std::string& path = build.options.entries;
+  const File stream(std::fopen(path.c_str(), "rb"));
+  if (stream == nullptr || !is_a_file(stream.get())) return fail(build, path + ": cannot be opened");
+  EntryText text(stream.get(), build.keys);
+  std::int64_t bytes = 0;
+  for (EntryText::Line line = text.next(); line != EntryText::Line::end; line = text.next()) {
+    if (line == EntryText::Line::unreadable) return fail(build, path + ": cannot be read to its end");
+    if (line == EntryText::Line::entry && !take_record(build, text, records, bytes)) return false;
+    if (line == EntryText::Line::entry) continue;
+    report_bad_line(build, text);
+    ++build.figures.bad_lines;
+    if (!build.options.skip_bad && build.figures.bad_lines == kMaxBadLines) break;
+  }
+  const bool is_good = build.figures.bad_lines == 0 || build.options.skip_bad;
+  return is_good || refuse_bad_lines(build);
+}
+
+// --- blocks and trees
+
+bool write_tree(Build& build, int key_field, std::vector<ChainStart> chains) {
+  Tree& tree = build.trees[static_cast<std::size_t>(key_field)];
+  const PackResult result = tree_write(build.index_blocks, build.name_size, std::move(chains), tree);
+  // The level below the index, in the dictionary file, counts for keys that have key blocks.
+  if (key_field != kKeyHw) ++tree.levels;
+  return report(build, result, build.index_blocks);
+}
+
+bool write_records(Build& build, ItemSorter& records) {
+  if (!records.start_reading()) return fail_sorting(build);
+  std::vector<ChainStart> chains;
+  BlockPacker packer(build.dictionary_blocks, dict_layout(kDataBlock), LongRun::many_chains, chains);
+  for (ByteView record = records.next(); !record.empty(); record = records.next()) {
+    const PackResult result = packer.add(item_key(record), record);
+    if (result != PackResult::ok) return report(build, result, build.dictionary_blocks);
+  }
+  if (records.failed()) return fail_sorting(build);
+  return report(build, packer.finish(), build.dictionary_blocks) && write_tree(build, kKeyHw, std::move(chains));
+}
+
+// An item for sorting: its size, a key and the data block that holds it.
+void key_item(std::string_view key, std::uint32_t block, Bytes& item) {
+  item.clear();
+  append_u16(item, 2 + key_entry_size(key.size()));
+  append_text(item, key);
+  append_u16(item, block);
+}
+
+bool gather_block_keys(const DictBlock& block, std::uint32_t number, int key_field, ItemSorter& keys) {
+  Bytes item;
+  ByteView record;
+  for (std::size_t at = kDictDataOffset; at < block.content().size(); at += record.size()) {
+    record = record_at(block.content(), at);
+    const std::string_view key = record_field(record, key_field).value_or(std::string_view{});
+    if (key.empty()) continue;
+    key_item(key, number, item);
+    if (!keys.add(item)) return false;
+  }
+  return true;
+}
+
+bool gather_keys(Build& build, std::uint32_t end_block, int key_field, ItemSorter& keys) {
+  DictBlock block;
+  if (std::fflush(build.dictionary.stream.get()) != 0)
+    return report(build, PackResult::write_failed, build.dictionary_blocks);
+  for (std::uint32_t number = kFirstDictBlock; number < end_block; ++number) {
+    const bool is_read = block.read(build.dictionary.stream.get(), dict_block_offset(number));
+    if (!is_read) return fail(build, build.dictionary.target + ": cannot be read back");
+    if (!gather_block_keys(block, number, key_field, keys)) return fail_sorting(build);
+  }
+  return true;
+}
+
+// Packs sorted keys. A key with the same block as the one before says nothing new.
+PackResult pack_keys(ItemSorter& keys, BlockPacker& packer) {
+  Bytes last;
+  for (ByteView item = keys.next(); !item.empty(); item = keys.next()) {
+    const ByteView entry = item.subspan(2);
+    if (std::ranges::equal(entry, last)) continue;
+    if (const PackResult r = packer.add(item_key(item), entry); r != PackResult::ok) return r;
+    last.assign(entry.begin(), entry.end());
+  }
+  return packer.finish();
+}
+
+bool write_keys(Build& build, std::uint32_t end_block, int key_field) {
+  ItemSorter keys(build.options.memory);
+  if (!gather_keys(build, end_block, key_field, keys)) return false;
+  if (!keys.start_reading()) return fail_sorting(build);
+  std::vector<ChainStart> chains;
+  BlockPacker packer(build.dictionary_blocks, dict_layout(kKeyBlock), LongRun::many_chains, chains);
+  const PackResult result = pack_keys(keys, packer);
+  if (keys.failed()) return fail_sorting(build);
+  return report(build, result, build.dictionary_blocks) && write_tree(build, key_field, std::move(chains));
+}
+
+// --- the header, and the end
+
+void slot_store(const Build& build, int key_field, Bytes& header) {
+  const Tree& tree = build.trees[static_cast<std::size_t>(key_field)];
+  std::uint8_t* slot = header.data() + slot_offset(build.name_size, key_field);
+  std::copy(build.index_name.begin(), build.index_name.end(), slot);
+  slot[build.name_size + kSlotLevels] = static_cast<std::uint8_t>(tree.levels);
+  store_u16(slot + build.name_size + kSlotRoot, tree.root);
+}
+
+bool write_header(Build& build) {
+  Bytes header(kDictBlockSize);
+  for (int field = kKeyHw; field <= kSlotCount; ++field) {
+    if (build.keys.has(field)) slot_store(build, field, header);
+  }
+  std::FILE* stream = build.dictionary.stream.get();
+  const bool is_written =
+      std::fseek(stream, 0, SEEK_SET) == 0 && std::fwrite(header.data(), 1, header.size(), stream) == header.size();
+  return is_written || report(build, PackResult::write_failed, build.dictionary_blocks);
+}
+
+bool close_part(const Build& build, PartFile& part) {
+  return std::fclose(part.stream.release()) == 0 || fail(build, part.target + ": cannot write");
+}
+
+bool put_in_place(const Build& build, PartFile& part) {
+  if (!file_move(part.path, part.target)) return fail(build, part.target + ": cannot be put in place");
+  part.path.clear();
+  return true;
+}
+
+bool write_files(Build& build, std::unique_ptr<ItemSorter> records) {
+  if (!part_open(build, build.dictionary) || !part_open(build, build.index)) return false;
+  build.dictionary_blocks = {build.dictionary.stream.get(), kFirstDictBlock};
+  build.index_blocks = {build.index.stream.get(), kFirstIndexBlock};
+  if (!write_header(build) || !write_records(build, *records)) return false;
+  records.reset();
+  const std::uint32_t end_block = build.dictionary_blocks.next;
+  for (int field = kKeyHw + 1; field <= kSlotCount; ++field) {
+    if (build.keys.has(field) && !write_keys(build, end_block, field)) return false;
+  }
+  return write_header(build);
+}
+
+}  // namespace
+
+std::string index_name_of(const std::string& dictionary) {
+  std::string name = fs::path(dictionary).stem().string();
+  std::replace(name.begin(), name.end(), '.', '_');
+  return name + ".idx";
+}
+
+bool dictionary_build(const BuildOptions& options, std::FILE* log, BuildFigures& figures) {
+  figures = {};
+  Build build{.options = options, .log = log, .figures = figures, .index_name = {}};
+  if (!plan_names(build)) return false;
+  auto records = std::make_unique<ItemSorter>(options.memory);
+  if (!read_entries(build, *records) || !write_files(build, std::move(records))) return false;
+  figures.dictionary_blocks = build.dictionary_blocks.next - 1;
+  figures.index_blocks = build.index_blocks.next - 1;
+  if (!close_part(build, build.dictionary) || !close_part(build, build.index)) return false;
+  return put_in_place(build, build.index) && put_in_place(build, build.dictionary);
+}
+
+}  // namespace lexon

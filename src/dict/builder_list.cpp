@@ -1,0 +1,105 @@
+// Listing a dictionary and asking it.
+
+#include "data/chain.hpp"
+#include "data/pool.hpp"
+#include "data/words.hpp"
+#include "dict/block_chain.hpp"
+#include "dict/builder_line.hpp"
+#include "dict/builder_open.hpp"
+#include "dict/builder_tools.hpp"
+#include "dict/entry_text.hpp"
+
+namespace lexon {
+
+namespace {
+
+struct Listing {
+  OpenedDictionary& opened;
+  std::FILE* out;
+  std::FILE* log;
+  std::string line = {};
+
+  bool report(std::int64_t offset, const char* what) const {
+    std::fprintf(log, "%s: offset %lld: %s\n", opened.path.c_str(), static_cast<long long>(offset), what);
+    return false;
+  }
+};
+
+bool list_record(Listing& listing, ByteView record, std::int64_t offset) {
+  StoredRecord stored;
+  if (record.empty() || !stored_record_read(record, stored)) return listing.report(offset, "a damaged record");
+  if (!entry_line_write(record_of(stored), listing.line)) return listing.report(offset, "a record without a text form");
+  std::fwrite(listing.line.data(), 1, listing.line.size(), listing.out);
+  return true;
+}
+
+bool list_block(Listing& listing, const DictBlock& block, std::int64_t block_offset) {
+  bool is_good = true;
+  ByteView record;
+  for (std::size_t at = kDictDataOffset; at < block.content().size(); at += record.size()) {
+    record = record_at(block.content(), at);
+    is_good = list_record(listing, record, block_offset + static_cast<std::int64_t>(at)) && is_good;
+    if (record.empty()) break;
+  }
+  return is_good;
+}
+
+bool list_blocks(Listing& listing) {
+  bool is_good = true;
+  DictBlock block;
+  for (std::uint32_t number = kFirstDictBlock; number <= kMaxBlockNumber; ++number) {
+    const std::int64_t offset = dict_block_offset(number);
+    if (!block.read(listing.opened.dictionary.get(), offset)) break;
+    const std::uint8_t type = block.bytes()[kDictTypeOffset];
+    if (type == kDataBlock) is_good = list_block(listing, block, offset) && is_good;
+    if (type != kDataBlock && type != kKeyBlock) is_good = listing.report(offset, "neither records nor keys");
+  }
+  return is_good;
+}
+
+// Is there nothing behind the last whole block?
+bool ends_with_block(const Listing& listing) {
+  std::FILE* stream = listing.opened.dictionary.get();
+  const long size = std::fseek(stream, 0, SEEK_END) == 0 ? std::ftell(stream) : 0;
+  const long rest = size % static_cast<long>(kDictBlockSize);
+  return rest == 0 || listing.report(size - rest, "the file ends within a block");
+}
+
+void write_word(const WordEntry& word, std::FILE* out) {
+  std::string line;
+  if (!entry_line_write(record_of(word), line)) return entry_print(out, &word, "");
+  std::fwrite(line.data(), 1, line.size(), out);
+}
+
+}  // namespace
+
+bool dictionary_list(const std::string& path, std::FILE* out, std::FILE* log) {
+  OpenedDictionary opened;
+  if (!dictionary_open(path, log, opened)) return false;
+  Listing listing{.opened = opened, .out = out, .log = log};
+  const bool is_good = list_blocks(listing);
+  const bool is_whole = ends_with_block(listing);
+  if (std::fflush(out) == 0) return is_good && is_whole;
+  std::fprintf(log, "the output cannot be written\n");
+  return false;
+}
+
+FindResult dictionary_find(const std::string& path, int key_field, const std::string& key, std::FILE* out,
+                           std::FILE* log) {
+  OpenedDictionary opened;
+  if (!dictionary_open(path, log, opened) || !dictionary_index_open(log, opened)) return FindResult::failed;
+  LookupGroup* groups = nullptr;
+  if (const Status s = dict_lookup(opened.files(), key_field, key.c_str(), groups); s != Status::ok) {
+    std::fprintf(log, "%s: the lookup failed with status %d: damaged, or without this key\n", path.c_str(), code(s));
+    return FindResult::failed;
+  }
+  WordEntry* words = nullptr;
+  groups_flatten(groups, words);
+  entry_list_sort(words);
+  for (const WordEntry& word : chain<&WordEntry::next>(words)) write_word(word, out);
+  const FindResult result = words == nullptr ? FindResult::nothing : FindResult::found;
+  (void)temp_release_all();
+  return std::fflush(out) == 0 ? result : FindResult::failed;
+}
+
+}  // namespace lexon

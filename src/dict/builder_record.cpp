@@ -1,0 +1,123 @@
+#include "dict/builder_record.hpp"
+
+#include <algorithm>
+
+namespace lexon {
+
+namespace {
+
+std::string_view text_of(const char* text, std::int32_t length) {
+  return text == nullptr ? std::string_view{} : std::string_view{text, static_cast<std::size_t>(length)};
+}
+
+std::size_t attr_block_size(const RecordView& record) {
+  return 2 + record.attrs.size() + kRecordFixedPart;
+}
+
+// How many of the texts behind the attributes are written: up to the last that is not empty.
+int texts_behind_attrs(const RecordView& record) {
+  if (!record.extra2.empty()) return 3;
+  if (!record.extra1.empty()) return 2;
+  return record.id.empty() ? 0 : 1;
+}
+
+void fixed_part_append(const RecordView& record, Bytes& out) {
+  append_u32(out, record.frequency);
+  out.push_back(record.priority);
+  out.insert(out.end(), 3, 0);
+  for (const char mark : record.language) out.push_back(static_cast<std::uint8_t>(mark));
+}
+
+// A fixed part may be shorter or longer than ours: what is there counts, the rest keeps its default.
+void fixed_part_read(ByteView part, RecordView& record) {
+  std::array<std::uint8_t, kRecordFixedPart> bytes = {0, 0, 0, 0, 0, 0, 0, 0, '.', '.'};
+  std::copy_n(part.begin(), std::min(part.size(), bytes.size()), bytes.begin());
+  record.frequency = load_u32(bytes.data() + kFixedFrequency);
+  record.priority = bytes[kFixedPriority];
+  record.language = {static_cast<char>(bytes[kFixedLanguage]), static_cast<char>(bytes[kFixedLanguage + 1])};
+}
+
+}  // namespace
+
+void append_u16(Bytes& out, std::size_t value) {
+  out.push_back(static_cast<std::uint8_t>(value >> 8));
+  out.push_back(static_cast<std::uint8_t>(value));
+}
+
+void append_u32(Bytes& out, std::uint32_t value) {
+  append_u16(out, value >> 16);
+  append_u16(out, value & 0xFFFF);
+}
+
+void append_text(Bytes& out, std::string_view text) {
+  append_u16(out, text.size());
+  out.insert(out.end(), text.begin(), text.end());
+}
+
+RecordView record_of(const WordEntry& word) {
+  RecordView record;
+  record.hw = text_of(word.hw, word.hw_len);
+  record.gloss = text_of(word.gloss, word.gloss_len);
+  record.cw = text_of(word.cw, word.cw_len);
+  record.attrs = text_of(word.attrs, word.attr_len);
+  record.frequency = load_u32(word.frequency);
+  record.priority = word.priority;
+  record.language = {word.language[0], word.language[1]};
+  record.id = text_of(word.id, word.id_len);
+  record.extra1 = text_of(word.extra1, word.extra1_len);
+  record.extra2 = text_of(word.extra2, word.extra2_len);
+  return record;
+}
+
+RecordView record_of(const StoredRecord& stored) {
+  RecordView record;
+  record.hw = stored.hw;
+  record.gloss = stored.gloss;
+  record.cw = stored.cw;
+  record.attrs = stored.attrs;
+  fixed_part_read(stored.fixed, record);
+  record.id = stored.id;
+  record.extra1 = stored.extra1;
+  record.extra2 = stored.extra2;
+  return record;
+}
+
+std::size_t record_size(const RecordView& record) {
+  const std::array<std::size_t, 3> behind = {record.id.size(), record.extra1.size(), record.extra2.size()};
+  std::size_t size = 10 + record.hw.size() + record.gloss.size() + record.cw.size() + attr_block_size(record);
+  for (int i = 0; i < texts_behind_attrs(record); ++i) size += 2 + behind[static_cast<std::size_t>(i)];
+  return size;
+}
+
+void record_append(const RecordView& record, Bytes& out) {
+  append_u16(out, record_size(record));
+  append_text(out, record.hw);
+  append_text(out, record.gloss);
+  append_text(out, record.cw);
+  append_u16(out, attr_block_size(record));
+  append_text(out, record.attrs);
+  fixed_part_append(record, out);
+  const std::array<std::string_view, 3> behind = {record.id, record.extra1, record.extra2};
+  for (int i = 0; i < texts_behind_attrs(record); ++i) append_text(out, behind[static_cast<std::size_t>(i)]);
+}
+
+std::string_view record_key(const RecordView& record, int key_field) {
+  switch (key_field) {
+    case kKeyHw: return record.hw;
+    case kKeyGloss: return record.gloss;
+    case kKeyCw: return record.cw;
+    case kKeyId: return record.id;
+    case kKeyExtra1: return record.extra1;
+    case kKeyExtra2: return record.extra2;
+    default: return {};
+  }
+}
+
+const char* key_field_name(int key_field) {
+  constexpr std::array<const char*, kSlotCount + 1> kNames = {nullptr, "hw", "gloss",  "cw",
+                                                              nullptr, "id", "extra1", "extra2"};
+  const bool is_field = key_field > 0 && key_field <= kSlotCount;
+  return is_field ? kNames[static_cast<std::size_t>(key_field)] : nullptr;
+}
+
+}  // namespace lexon

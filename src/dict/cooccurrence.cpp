@@ -1,0 +1,243 @@
+// A pair that stands in the dictionary has its own value. One that does not is asked again with each member of the
+// relation's "sup" list in place of the relation, to any depth, until one gives a value that is not 0. A relation
+// without such a list falls back to its default.
+#include "dict/cooccurrence.hpp"
+
+#include <cstring>
+
+#include "data/output.hpp"
+#include "data/scratch.hpp"
+#include "data/sentence.hpp"
+#include "data/state.hpp"
+#include "data/words.hpp"
+#include "dict/layout.hpp"
+#include "dict/word_lookup.hpp"
+#include "rules/print.hpp"
+
+namespace lexon {
+
+namespace {
+
+constexpr int kFailed = -1;
+
+// A key that does not fit a block stands in no dictionary.
+using Key = Scratch<kDictBlockSize>;
+
+// ---- The value of one pair.
+
+// What is asked, whatever the relation.
+struct Pair {
+  const char* first;
+  const char* second;
+  WordEntry* spent = nullptr;  // chains and members that are done with; released at the end of the check
+};
+
+void spend(Pair& pair, WordEntry* list) {
+  WordEntry** link = &list;
+  while (*link != nullptr) link = &(*link)->next;
+  *link = pair.spent;
+  pair.spent = list;
+}
+
+// The relations that led to the one being asked.
+struct Path {
+  const char* relation;
+  const Path* before;  // null: the first one
+};
+
+bool runs_in_circle(const Path* path, const char* relation) {
+  for (; path != nullptr; path = path->before) {
+    if (std::strcmp(path->relation, relation) == 0) return true;
+  }
+  return false;
+}
+
+void report_circle(const char* relation) {
+  Scratch<kLineSize> message;
+  message.append("the \"sup\" chain of \"").append(relation).append("\" runs in a circle");
+  (void)rule_base_failure(message.c_str());
+}
+
+// wanted: a default above 127 reads as a negative number, and so as a failed lookup
+int relation_value(const char* relation) {
+  WordEntry* words = nullptr;
+  if (words_by_key(sentence.cr_dictionary, kKeyHw, relation, words) != Status::ok) return kFailed;
+  const int value = words == nullptr ? 0 : static_cast<std::int8_t>(words->priority);
+  entry_list_free(words);
+  return value;
+}
+
+// The value of the pair as it stands, or of the relation; or 1 and the relation's members in `chain`. Apart, so that
+// the key does not weigh on the stack of the recursion.
+[[gnu::noinline]] int value_as_it_stands(const Pair& pair, const char* relation, WordEntry*& chain) {
+  Key key;
+  key.append(pair.first).append(relation).append(pair.second);
+  WordEntry* words = nullptr;
+  if (key.fits() && words_by_key(sentence.cr_dictionary, kKeyHw, key.c_str(), words) != Status::ok) return kFailed;
+  if (words == nullptr) {
+    chain = sup_members(relation);
+    return chain != nullptr ? 1 : relation_value(relation);
+  }
+  entry_list_sort(words);
+  const int value = words->priority;
+  entry_list_free(words);
+  return value;
+}
+
+int cooccurrence_value(Pair& pair, const char* relation, WordEntry*& chain, const Path* path) {
+  if (must_leave() != Status::ok || stack_nearly_used()) return kFailed;
+  if (runs_in_circle(path, relation)) {
+    report_circle(relation);
+    return kFailed;
+  }
+  int value = chain == nullptr ? value_as_it_stands(pair, relation, chain) : 1;
+  const Path here{relation, path};
+  while (chain != nullptr) {
+    WordEntry* inner = nullptr;
+    value = cooccurrence_value(pair, text_or_empty(chain->id), inner, &here);
+    spend(pair, inner);
+    if (value != 0) break;
+    WordEntry* failed = chain;
+    chain = chain->next;
+    failed->next = nullptr;
+    spend(pair, failed);
+  }
+  return value;
+}
+
+// ---- The check.
+
+struct Check {
+  const Rule& rule;
+  const char side;
+  WordEntry*& chosen;
+  WordEntry* left;  // the words at hand; the one of `side` moves on
+  WordEntry* right;
+  WordEntry* chain = nullptr;
+  Pair pair{nullptr, nullptr};
+  int best_score = 0;
+  WordEntry* best = nullptr;  // null: no word has scored above 0
+};
+
+const char* word_text(const WordEntry* word) {
+  if (word == nullptr) return "";
+  const char* id = text_or_empty(word->id);
+  return *id != '\0' ? id : text_or_empty(word->hw);
+}
+
+const char* role_of(const Rule& rule) {
+  return rule.lnode->roles != nullptr ? rule.lnode->roles->text : rule.rnode->roles->text;
+}
+
+bool is_needed(const Rule& rule) {
+  const bool inserts = rule.lnode->inserted != 0 || rule.rnode->inserted != 0;
+  const bool has_role = rule.lnode->roles != nullptr || rule.rnode->roles != nullptr;
+  return sentence.cr_dictionary.dictionary != nullptr && inserts && has_role;
+}
+
+// The second text is that of the side whose pattern carries the ROLE; of the left one if both do.
+void set_texts(Check& check) {
+  const bool left_has_role = check.rule.lnode->roles != nullptr;
+  check.pair.first = word_text(left_has_role ? check.right : check.left);
+  check.pair.second = word_text(left_has_role ? check.left : check.right);
+}
+
+void trace_start(const Check& check) {
+  if (state.trace_level < 2) return;
+  out_print("%s;;checking CR for rule:\n", state.trace_indent);
+  rule_print(&check.rule, true);
+}
+
+const char* label_of(const Check& check) {
+  if (check.chosen != nullptr) return text_or_empty(check.chosen->id);
+  return check.chain != nullptr ? text_or_empty(check.chain->id) : role_of(check.rule);
+}
+
+void trace_checked(const Check& check, int score) {
+  if (state.trace_level < 3) return;
+  out_print("%s;;CR checked: %s(%s,%s)=%d\n", state.trace_indent, label_of(check), check.pair.first, check.pair.second,
+            score);
+}
+
+void trace_selected(const Check& check) {
+  if (state.trace_level < 2) return;
+  out_print("%s;;CR selected: %s(%s,%s)=%d;\n", state.trace_indent, label_of(check), check.pair.first,
+            check.pair.second, check.best_score);
+}
+
+// Asks the pair at hand, from the chain that was handed in.
+int score_pair(Check& check) {
+  if (check.chosen == nullptr) spend(check.pair, check.chain);
+  check.chain = check.chosen;
+  set_texts(check);
+  const int score = cooccurrence_value(check.pair, role_of(check.rule), check.chain, nullptr);
+  if (score >= 0) trace_checked(check, score);
+  return score;
+}
+
+// A retry asks one pair, a first check all of them. A tie keeps the first. False: a lookup failed, or the side is bad.
+bool score_words(Check& check) {
+  WordEntry*& word = check.side == 'l' ? check.left : check.right;
+  while (check.left != nullptr && check.right != nullptr) {
+    const int score = score_pair(check);
+    if (score < 0 || (check.side != 'l' && check.side != 'r')) return false;
+    if (score > check.best_score) {
+      check.best_score = score;
+      check.best = word;
+    }
+    word = word->next;
+    if (check.chosen != nullptr) break;
+  }
+  return true;
+}
+
+void move_to_front(WordEntry*& words, WordEntry& word) {
+  for (WordEntry** link = &words; *link != nullptr; link = &(*link)->next) {
+    if (*link != &word) continue;
+    *link = word.next;
+    word.next = words;
+    words = &word;
+    return;
+  }
+}
+
+// A retry that failed keeps what it has not tried.
+int finish(Check& check, int result) {
+  const bool keeps_chain = result >= 0 || check.chosen != nullptr;
+  if (keeps_chain) {
+    check.chosen = check.chain;
+  } else {
+    spend(check.pair, check.chain);
+  }
+  entry_list_free(check.pair.spent);
+  return result;
+}
+
+}  // namespace
+
+WordEntry* sup_members(const char* text) {
+  if (text == nullptr || *text == '\0') return nullptr;
+  Key key;
+  key.append("sup").append(text);
+  WordEntry* members = nullptr;
+  if (!key.fits() || words_by_key(sentence.cr_dictionary, kKeyCw, key.c_str(), members) != Status::ok) return nullptr;
+  entry_list_sort(members);
+  return members;
+}
+
+int cooccurrence_check(WordEntry*& left, WordEntry*& right, const Rule& rule, WordEntry*& chosen, char side) {
+  if (!is_needed(rule)) return 1;
+  Check check{rule, side, chosen, left, right};
+  trace_start(check);
+  if (!score_words(check)) return finish(check, kFailed);
+  WordEntry*& words = side == 'l' ? left : right;
+  const bool all_were_asked = (side == 'l' ? check.left : check.right) == nullptr;
+  if (all_were_asked && check.best != nullptr) move_to_front(words, *check.best);
+  check.left = side == 'l' && check.best != nullptr ? check.best : left;
+  check.right = side != 'l' && check.best != nullptr ? check.best : right;
+  set_texts(check);
+  trace_selected(check);
+  return finish(check, check.best_score);
+}
+
+}  // namespace lexon

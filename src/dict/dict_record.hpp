@@ -1,0 +1,41 @@
+// A record of the dictionary file: its fields in place, and the word made of it.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <string_view>
+
+#include "data/records.hpp"
+#include "data/status.hpp"
+#include "dict/block_reader.hpp"
+
+namespace lexon {
+
+// A record's fields where they stand; all point into the block. A field behind the record's end is empty.
+struct StoredRecord {
+  std::uint16_t total_size = 0;
+  std::string_view hw;
+  std::string_view gloss;
+  std::string_view cw;
+  std::uint16_t attr_block_size = 0;
+  std::string_view attrs;
+  ByteView fixed;  // behind the attributes: normally kRecordFixedPart bytes
+  std::string_view id;
+  std::string_view extra1;
+  std::string_view extra2;
+};
+
+// The record at `at` in a block's content, its size field included; empty if it runs past the content or has no size.
+[[nodiscard]] ByteView record_at(ByteView content, std::size_t at);
+
+// The bytes of one field, counted from 1; none if it lies behind the record's end.
+[[nodiscard]] std::optional<std::string_view> record_field(ByteView record, int key_field);
+
+// Reads all fields; false if the record is damaged: a field runs past its end.
+[[nodiscard]] bool stored_record_read(ByteView record, StoredRecord& stored);
+
+// Makes a word of a record, in the sentence's pool. `entry` is null on failure, and for a damaged record.
+[[nodiscard]] Status record_unpack(ByteView record, WordEntry*& entry);
+
+}  // namespace lexon

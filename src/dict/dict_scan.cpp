@@ -1,0 +1,131 @@
+// Through the blocks of the dictionary file: for the fields that do not order the records, from key blocks to the
+// chains of data blocks they name; then through the data blocks, where each hit that has words gives a group.
+
+#include "data/pool.hpp"
+#include "data/state.hpp"
+#include "data/words.hpp"
+#include "dict/block_chain.hpp"
+#include "dict/block_reader.hpp"
+#include "dict/dict_record.hpp"
+#include "dict/lookup.hpp"
+
+namespace lexon {
+
+namespace {
+
+std::uint8_t type_of(const DictBlock& block) {
+  return block.bytes()[kDictTypeOffset];
+}
+
+// Appends the entries of a key block that equal the key. `is_done` is set where the chain holds nothing more: behind
+// an entry above the key, or where the block is damaged.
+Status scan_key_block(ByteView content, std::string_view key, KeyHits& found, bool& is_done) {
+  BlockReader reader(content, kDictDataOffset);
+  while (reader.more() && !is_done) {
+    const std::string_view entry_key = reader.text();
+    const std::uint16_t block = reader.u16();
+    const int order = key_compare(entry_key, key);
+    is_done = !reader.ok() || order > 0;
+    if (is_done || order != 0) continue;
+    if (const Status s = key_hits_append(found, block); s != Status::ok) return s;
+  }
+  return Status::ok;
+}
+
+Status scan_key_chain(std::FILE* dictionary, std::uint16_t first, std::string_view key, KeyHits& found) {
+  DictChain chain(dictionary, first);
+  for (bool is_done = false; !is_done && chain.advance();) {
+    if (const Status s = must_leave(); s != Status::ok) return s;
+    if (type_of(chain.block()) != kKeyBlock) return Status::not_a_key_block;
+    if (const Status s = scan_key_block(chain.block().content(), key, found, is_done); s != Status::ok) return s;
+  }
+  return Status::ok;
+}
+
+// From the key blocks of `hits` to the data blocks that they name.
+Status scan_key_blocks(std::FILE* dictionary, std::string_view key, KeyHits& hits) {
+  KeyHits found;
+  Status s = Status::ok;
+  while (s == Status::ok && hits.first != nullptr) s = scan_key_chain(dictionary, key_hits_take(hits), key, found);
+  key_hits_free(hits);
+  hits = found;
+  return s;
+}
+
+// What is looked for in data blocks, and where the words go.
+struct DataScan {
+  int key_field;
+  std::string_view key;
+  LookupGroup** link;     // of the group to come
+  WordEntry** word_link;  // of the word to come; null as long as the group in hand has none
+  bool is_done;           // the chain holds nothing more
+};
+
+Status group_open(DataScan& scan, std::int32_t block, std::size_t offset) {
+  auto* group = temp_new<LookupGroup>();
+  if (group == nullptr) return Status::memory;
+  group->block = block;
+  group->offset = static_cast<std::int32_t>(offset);
+  *scan.link = group;
+  scan.link = &group->next;
+  scan.word_link = &group->entries;
+  return Status::ok;
+}
+
+Status append_word(DataScan& scan, ByteView record, std::int32_t block, std::size_t offset) {
+  WordEntry* word = nullptr;
+  if (const Status s = record_unpack(record, word); s != Status::ok || word == nullptr) return s;
+  if (scan.word_link == nullptr) {
+    if (const Status s = group_open(scan, block, offset); s != Status::ok) return s;
+  }
+  *scan.word_link = word;
+  scan.word_link = &word->next;
+  return Status::ok;
+}
+
+Status scan_data_block(DataScan& scan, const DictChain& chain) {
+  const ByteView content = chain.block().content();
+  ByteView record;
+  for (std::size_t at = kDictDataOffset; at < content.size(); at += record.size()) {
+    record = record_at(content, at);
+    scan.is_done = record.empty();
+    if (scan.is_done) return Status::ok;
+    const std::optional<std::string_view> field = record_field(record, scan.key_field);
+    if (!field.has_value()) continue;
+    const int order = key_compare(*field, scan.key);
+    // Records are in the order of the first field, and of no other.
+    scan.is_done = scan.key_field == kKeyHw && order > 0;
+    if (scan.is_done) return Status::ok;
+    if (order != 0) continue;
+    if (const Status s = append_word(scan, record, chain.number(), at); s != Status::ok) return s;
+  }
+  return Status::ok;
+}
+
+Status scan_data_chain(DataScan& scan, std::FILE* dictionary, std::uint16_t first) {
+  scan.word_link = nullptr;
+  scan.is_done = false;
+  DictChain chain(dictionary, first);
+  while (!scan.is_done && chain.advance()) {
+    if (const Status s = must_leave(); s != Status::ok) return s;
+    if (type_of(chain.block()) != kDataBlock) return Status::not_a_data_block;
+    if (const Status s = scan_data_block(scan, chain); s != Status::ok) return s;
+  }
+  return Status::ok;
+}
+
+}  // namespace
+
+Status dict_scan(std::FILE* dictionary, int secondary, int key_field, std::string_view key, KeyHits& hits,
+                 LookupGroup*& groups) {
+  if (key_field > kKeyHw && secondary > 0) {
+    if (const Status s = scan_key_blocks(dictionary, key, hits); s != Status::ok) return s;
+  }
+  DataScan scan{.key_field = key_field, .key = key, .link = &groups, .word_link = nullptr, .is_done = false};
+  while (hits.first != nullptr) {
+    if (const Status s = scan_data_chain(scan, dictionary, key_hits_take(hits)); s != Status::ok) return s;
+  }
+  return Status::ok;
+}
+
+}  // namespace lexon

@@ -1,0 +1,57 @@
+// The binary dictionary and its key tree, read only. Nothing is cached: every lookup reads blocks.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <cstdio>
+
+#include "data/records.hpp"
+#include "data/sentence.hpp"
+#include "data/status.hpp"
+#include "dict/layout.hpp"
+
+namespace lexon {
+
+// The tree of one key field. Heap memory, lives for the run.
+struct IndexDescriptor {
+  char name[kLongNameSize + 1];  // file name of the index, without its padding
+  std::uint8_t unread;           // the byte behind the name
+  std::int8_t levels;            // of the tree; for fields above 1 the lowest is in the dictionary file
+  std::uint16_t number1;         // stored, not read
+  std::uint16_t root;            // block number
+  std::uint32_t number2;         // stored, not read
+};
+
+// What holds for all dictionaries of a run; lives as long. Every `index_slot_read` sets it, so the file read last
+// decides.
+struct IndexNaming {
+  std::size_t name_size;  // kShortNameSize or kLongNameSize
+};
+extern IndexNaming index_naming;
+
+// The words that one hit led to; at least one.
+struct LookupGroup {
+  WordEntry* entries;
+  std::int32_t block;  // where the first of them stands
+  std::int32_t offset;
+  LookupGroup* next;
+};
+
+// Fills slots[key_field] from the header of `stream`, unless it is filled. An empty slot leaves it null, and so does a
+// header that cannot be read. Sets the name size for all later reading. ok or `memory`.
+[[nodiscard]] Status index_slot_read(std::FILE* stream, int key_field, IndexDescriptor** slots);
+
+// Opens the index file of a slot: `prefix` (with its separator) and the name in the slot. Null if the slot is empty,
+// has no tree, or the file cannot be opened. The caller owns the stream.
+[[nodiscard]] std::FILE* index_open(const char* prefix, IndexDescriptor* const* slots, int key_field, bool read_only);
+
+// All words whose field `key_field` is exactly `key`. `groups` is null for none, and on failure. The status also goes
+// to the engine status: `memory`, `index_unreadable` (also for a slot that is not filled), `not_a_key_block`,
+// `not_a_data_block`, or what `must_leave` gives. Damaged records, and what cannot be read of a chain in the
+// dictionary file, count as absent.
+[[nodiscard]] Status dict_lookup(const DictionaryFiles& files, int key_field, const char* key, LookupGroup*& groups);
+
+// Joins the words of all groups in their order and releases the groups; null for none.
+void groups_flatten(LookupGroup* groups, WordEntry*& list);
+
+}  // namespace lexon

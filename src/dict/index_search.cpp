@@ -1,0 +1,95 @@
+// Down the key tree. On each level the chain under every hit is walked for entries equal to the key. If there are none
+// on the whole level, the one entry under which the key would stand leads on.
+
+#include <utility>
+
+#include "data/pool.hpp"
+#include "data/state.hpp"
+#include "dict/block_chain.hpp"
+#include "dict/block_reader.hpp"
+#include "dict/lookup.hpp"
+
+namespace lexon {
+
+namespace {
+
+// What a level is searched for, and what has been found on it.
+struct Level {
+  std::string_view key;
+  KeyHits found = {};
+  // Where the key would stand in the chain in hand: under the greatest entry below it, or else under the first one.
+  std::uint16_t nearest = 0;
+  bool has_nearest = false;
+  bool has_passed = false;  // an entry above the key: the chain holds nothing more
+};
+
+Status search_block(Level& level, ByteView content) {
+  BlockReader reader(content, index_data_offset(index_naming.name_size));
+  while (reader.more()) {
+    const std::string_view key = reader.text();
+    const std::uint16_t block = reader.u16();
+    if (!reader.ok()) return Status::index_unreadable;
+    const int order = key_compare(key, level.key);
+    level.has_passed = order > 0;
+    if (!level.has_passed || !level.has_nearest) level.nearest = block;
+    level.has_nearest = true;
+    if (level.has_passed) return Status::ok;
+    if (order != 0) continue;
+    if (const Status s = key_hits_append(level.found, block); s != Status::ok) return s;
+  }
+  return Status::ok;
+}
+
+Status search_chain(Level& level, std::FILE* index, std::uint16_t first) {
+  level.has_nearest = level.has_passed = false;
+  IndexChain chain(index, first);
+  while (!level.has_passed && chain.advance()) {
+    if (const Status s = must_leave(); s != Status::ok) return s;
+    if (const Status s = search_block(level, chain.block().content()); s != Status::ok) return s;
+  }
+  return chain.is_unreadable() ? Status::index_unreadable : Status::ok;
+}
+
+// The chain of the last hit decides where the key would stand. Chains without any entry lead nowhere.
+Status search_level(Level& level, std::FILE* index, KeyHits& hits) {
+  while (hits.first != nullptr) {
+    if (const Status s = search_chain(level, index, key_hits_take(hits)); s != Status::ok) return s;
+  }
+  const bool leads_on = level.found.first == nullptr && level.has_nearest;
+  return leads_on ? key_hits_append(level.found, level.nearest) : Status::ok;
+}
+
+}  // namespace
+
+Status key_hits_append(KeyHits& hits, std::uint16_t block) {
+  auto* hit = temp_new<KeyHit>();
+  if (hit == nullptr) return Status::memory;
+  hit->block = block;
+  (hits.first == nullptr ? hits.first : hits.last->next) = hit;
+  hits.last = hit;
+  return Status::ok;
+}
+
+std::uint16_t key_hits_take(KeyHits& hits) {
+  KeyHit* hit = std::exchange(hits.first, hits.first->next);
+  const std::uint16_t block = hit->block;
+  temp_delete(hit);
+  return block;
+}
+
+void key_hits_free(KeyHits& hits) {
+  while (hits.first != nullptr) (void)key_hits_take(hits);
+}
+
+Status index_search(std::FILE* index, int levels, std::string_view key, KeyHits& hits) {
+  for (int i = 0; i < levels; ++i) {
+    Level level{.key = key};
+    const Status s = search_level(level, index, hits);
+    key_hits_free(hits);
+    hits = level.found;
+    if (s != Status::ok) return s;
+  }
+  return Status::ok;
+}
+
+}  // namespace lexon

@@ -1,0 +1,23 @@
+// Lookups whose caller wants one list of words.
+#pragma once
+
+#include "data/records.hpp"
+#include "data/sentence.hpp"
+#include "data/status.hpp"
+#include "dict/index.hpp"
+
+namespace lexon {
+
+// The words whose field is exactly `key`, in the dictionary's order; null for none. A dictionary that is not open has
+// none.
+[[nodiscard]] inline Status words_by_key(const DictionaryFiles& files, int key_field, const char* key,
+                                         WordEntry*& words) {
+  words = nullptr;
+  if (files.dictionary == nullptr) return Status::ok;
+  LookupGroup* groups = nullptr;
+  const Status status = dict_lookup(files, key_field, key, groups);
+  if (status == Status::ok) groups_flatten(groups, words);
+  return status;
+}
+
+}  // namespace lexon

@@ -1,0 +1,30 @@
+// The compiled rule files: the rule list (".rul") and the matrix (".mtx"). All numbers are high byte first; neither
+// file has a magic number, a version or a checksum.
+#pragma once
+
+#include <cstdio>
+
+#include "data/status.hpp"
+#include "rules/rule.hpp"
+
+namespace lexon {
+
+// Writes the records of a list, back to back. Returns ok, `memory` or `stopped`; `no_effect` if a rule is too large for
+// the form, which a ";;" line tells, and nothing is written then. A disk that is full is told by a ";;" line alone. The
+// stream stays open.
+[[nodiscard]] Status rule_list_write(const Rule* rules, std::FILE* stream);
+
+// Builds the list in file order. Returns ok, `memory` or `stopped`; `no_effect` if the file is damaged, which a ";;"
+// line tells. `rules` is null unless ok. The stream stays open.
+[[nodiscard]] Status rule_list_read(Rule*& rules, std::FILE* stream);
+
+// Writes `rule_matrix`. Returns ok; a disk that is full is told by a ";;" line alone. The stream stays open: its owner
+// closes it.
+[[nodiscard]] Status rule_matrix_save(std::FILE* stream);
+
+// Reads `rule_matrix`, ties it to `rules` and prepares the search. Returns ok or `memory`; `no_effect` if the file's
+// sizes do not agree with each other or with the list, which a ";;" line tells. `rule_matrix` is zeroed unless ok. The
+// stream stays open: its owner closes it.
+[[nodiscard]] Status rule_matrix_load(std::FILE* stream, Rule* rules);
+
+}  // namespace lexon

@@ -1,0 +1,184 @@
+#include <algorithm>
+#include <utility>
+
+#include "data/output.hpp"
+#include "data/pool.hpp"
+#include "data/state.hpp"
+#include "rules/bytes.hpp"
+#include "rules/compiled.hpp"
+#include "rules/compiled_format.hpp"
+
+namespace lexon {
+namespace {
+
+// What the nested readers give for a record whose lengths do not agree with each other.
+constexpr Status kDamaged = Status::no_effect;
+
+Status whole(const ByteReader& in) {
+  return in.ok() && in.at_end() ? Status::ok : kDamaged;
+}
+
+Status text_read(ByteReader& in, char*& text) {
+  const auto bytes = in.block16();
+  if (!in.ok()) return kDamaged;
+  if (bytes.empty()) return Status::ok;
+  const std::string_view all(reinterpret_cast<const char*>(bytes.data()), bytes.size());
+  const bool is_empty_text = all.front() == '\0';
+  if (!is_empty_text && all.find('\0') != std::string_view::npos) return kDamaged;
+  text = perm_text(is_empty_text ? std::string_view() : all);
+  return text == nullptr ? Status::memory : Status::ok;
+}
+
+Status item_read(ByteReader& in, CondItem& item) {
+  item.op = in.u8();
+  if (const Status status = text_read(in, item.text); status != Status::ok) return status;
+  return item.text == nullptr ? kDamaged : Status::ok;
+}
+
+// Reads a block of records of one kind, each by `read`, into the empty list `head`.
+template <typename Record>
+Status list_read(ByteReader& in, Record*& head, Status (*read)(ByteReader&, Record&)) {
+  ByteReader block(in.block16());
+  for (Record** link = &head; !block.at_end(); link = &(*link)->next) {
+    *link = perm_new<Record>();
+    if (*link == nullptr) return Status::memory;
+    if (const Status status = read(block, **link); status != Status::ok) return status;
+  }
+  return block.ok() && in.ok() ? Status::ok : kDamaged;
+}
+
+Status items_read(ByteReader& in, CondItem*& items) {
+  return list_read(in, items, item_read);
+}
+
+// What the block may leave out at its end.
+Status more_items_read(ByteReader& in, CondItem*& items) {
+  return in.at_end() ? Status::ok : items_read(in, items);
+}
+Status more_text_read(ByteReader& in, char*& text) {
+  return in.at_end() ? Status::ok : text_read(in, text);
+}
+
+Status group_read(ByteReader& in, ContextGroup& group) {
+  group.star = in.u8();
+  if (const Status status = items_read(in, group.hw_conds); status != Status::ok) return status;
+  if (const Status status = more_items_read(in, group.cw_conds); status != Status::ok) return status;
+  return more_items_read(in, group.attr_conds);
+}
+
+Status groups_read(ByteReader& in, ContextGroup*& groups) {
+  return list_read(in, groups, group_read);
+}
+
+Status pattern_fields_read(ByteReader& in, NodePattern& pattern) {
+  pattern.inserted = in.u8();
+  if (const Status status = items_read(in, pattern.hw_conds); status != Status::ok) return status;
+  if (const Status status = more_items_read(in, pattern.cw_conds); status != Status::ok) return status;
+  if (const Status status = more_text_read(in, pattern.hw_action); status != Status::ok) return status;
+  if (const Status status = more_text_read(in, pattern.cw_action); status != Status::ok) return status;
+  for (CondItem** items : {&pattern.attr_conds, &pattern.actions, &pattern.relations, &pattern.roles}) {
+    if (const Status status = more_items_read(in, *items); status != Status::ok) return status;
+  }
+  return whole(in);
+}
+
+// An empty block, a pattern that is missing, is damage as well: no rule can do without.
+Status pattern_read(ByteReader& in, NodePattern*& pattern) {
+  ByteReader block(in.block16());
+  pattern = perm_new<NodePattern>();
+  return pattern == nullptr ? Status::memory : pattern_fields_read(block, *pattern);
+}
+
+void subtype_read(ByteReader& in, Rule& rule) {
+  if (!in.next_is(kSubtypeMark)) return;
+  in.u8();
+  rule.subtype = in.u8();
+}
+
+Status rule_read(ByteReader& in, Rule& rule) {
+  rule.type = in.u8();
+  subtype_read(in, rule);
+  if (const Status status = groups_read(in, rule.pre); status != Status::ok) return status;
+  if (const Status status = pattern_read(in, rule.lnode); status != Status::ok) return status;
+  if (const Status status = groups_read(in, rule.mid); status != Status::ok) return status;
+  if (const Status status = pattern_read(in, rule.rnode); status != Status::ok) return status;
+  if (const Status status = groups_read(in, rule.suf); status != Status::ok) return status;
+  rule.priority = in.u8();
+  return in.ok() ? Status::ok : kDamaged;
+}
+
+// The file through a buffer that always holds one record whole.
+class RecordStream {
+ public:
+  RecordStream(std::FILE* stream, std::span<std::uint8_t> buffer) : stream_(stream), buffer_(buffer) {}
+
+  // Is the file read to its end, and without a fault?
+  [[nodiscard]] bool at_end() { return !available(1) && std::ferror(stream_) == 0; }
+
+  // The next record without its length field; none if the file ends before it does, or if it is too long.
+  [[nodiscard]] bool next(std::span<const std::uint8_t>& record) {
+    constexpr std::size_t kLengthSize = 2;
+    if (!available(kLengthSize)) return false;
+    const std::size_t length = ByteReader(valid()).u16();
+    if (!available(kLengthSize + length)) return false;
+    record = valid().subspan(kLengthSize, length);
+    begin_ += kLengthSize + length;
+    return true;
+  }
+
+ private:
+  [[nodiscard]] std::span<const std::uint8_t> valid() const { return buffer_.subspan(begin_, end_ - begin_); }
+
+  // Sees to it that `count` bytes are in the buffer: moves the rest to its start and fills up behind it.
+  bool available(std::size_t count) {
+    if (end_ - begin_ >= count) return true;
+    std::copy(buffer_.begin() + static_cast<std::ptrdiff_t>(begin_),
+              buffer_.begin() + static_cast<std::ptrdiff_t>(end_), buffer_.begin());
+    end_ -= std::exchange(begin_, 0);
+    end_ += std::fread(buffer_.data() + end_, 1, buffer_.size() - end_, stream_);
+    return end_ >= count;
+  }
+
+  std::FILE* stream_;
+  std::span<std::uint8_t> buffer_;
+  std::size_t begin_ = 0;
+  std::size_t end_ = 0;
+};
+
+Status next_rule_read(RecordStream& file, Rule*& rule) {
+  std::span<const std::uint8_t> record;
+  if (!file.next(record)) return kDamaged;
+  rule = perm_new<Rule>();
+  if (rule == nullptr) return Status::memory;
+  ByteReader in(record);
+  return rule_read(in, *rule);
+}
+
+Status rules_read(RecordStream& file, Rule*& rules) {
+  int number = 0;
+  for (Rule** link = &rules; !file.at_end(); link = &(*link)->next) {
+    if (const Status leave = must_leave(); leave != Status::ok) return leave;
+    ++number;
+    const Status status = next_rule_read(file, *link);
+    if (status == kDamaged) out_print(";;the compiled rule file is damaged at rule no. %d\n", number);
+    if (status != Status::ok) return status;
+  }
+  return Status::ok;
+}
+
+}  // namespace
+
+Status rule_list_read(Rule*& rules, std::FILE* stream) {
+  rules = nullptr;
+  void* const buffer = temp_alloc(kRecordBufferSize);
+  if (buffer == nullptr) return Status::memory;
+  std::rewind(stream);
+  RecordStream file(stream, {static_cast<std::uint8_t*>(buffer), kRecordBufferSize});
+  const Status status = rules_read(file, rules);
+  temp_free(buffer, kRecordBufferSize);
+  // Half a rule base would say other things than the linguist wrote. Its records are lost for the run.
+  if (status != Status::ok) rules = nullptr;
+  return status;
+}
+
+}  // namespace lexon

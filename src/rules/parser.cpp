@@ -1,0 +1,218 @@
+// A rule line is TYPE, PRE, LNODE, MID, RNODE, SUF, the priority, and anything. Each part is read by a step of its own;
+// a step that fails has said why, and the rule is dropped.
+#include "rules/parser.hpp"
+
+#include <array>
+
+#include "data/chain.hpp"
+#include "data/chars.hpp"
+#include "data/output.hpp"
+#include "data/pool.hpp"
+#include "data/sentence.hpp"
+#include "data/state.hpp"
+#include "data/text_line.hpp"
+#include "rules/pattern_parser.hpp"
+
+namespace lexon {
+namespace {
+
+// One rule in the making.
+struct LineReading {
+  RuleParse& parse;
+  const char* cursor;
+  Rule& rule;
+};
+
+bool is_insertion_type(std::uint8_t type) {
+  return type == rule_type::insertion || type == rule_type::insertion_a || type == rule_type::post_insertion;
+}
+
+bool section_failed(const char* section) {
+  out_print(" in %s\n", section);
+  return false;
+}
+
+bool type_read(LineReading& line) {
+  line.rule.type = parse_rule_type(line.cursor);
+  if (line.rule.type == 0) {
+    rule_error_print(line.parse, line.cursor, " in TYPE\n");
+    return false;
+  }
+  line.cursor = skip_blanks(line.cursor);
+  return true;
+}
+
+enum class GroupOrder { of_text, reversed };
+
+bool groups_read(LineReading& line, ContextGroup*& list, GroupOrder order, const char* section) {
+  while (*line.cursor == '(') {
+    ContextGroup* group = nullptr;
+    if (parse_context_group(line.parse, line.cursor, group) != Status::ok) return section_failed(section);
+    if (order == GroupOrder::reversed) {
+      group->next = list;
+      list = group;
+    } else {
+      chain_append<&ContextGroup::next>(list, group);
+    }
+    line.cursor = skip_blanks(line.cursor);
+  }
+  return true;
+}
+
+// A lone starred group without attributes says nothing.
+// wanted: surface forms and concept words that it holds go with it.
+void lone_group_drop(ContextGroup*& list) {
+  const bool is_lone = list != nullptr && list->next == nullptr;
+  if (is_lone && list->star != 0 && list->attr_conds == nullptr) group_list_free(list);
+}
+
+bool pre_read(LineReading& line) {
+  if (!groups_read(line, line.rule.pre, GroupOrder::reversed, "PRE")) return false;
+  lone_group_drop(line.rule.pre);
+  return true;
+}
+
+// `allowed`: does the type, and what has been read of the rule, allow the opener under the cursor?
+bool pattern_read(LineReading& line, char side, bool allowed, NodePattern*& pattern) {
+  const bool is_left = side == 'l';
+  if (!allowed) {
+    rule_error_print(line.parse, line.cursor, is_left ? " in LNODE\n" : " in RNODE\n");
+    return false;
+  }
+  if (parse_node_pattern(line.parse, side, line.cursor, pattern) != Status::ok) {
+    return section_failed(is_left ? "LNODE" : "RNODE");
+  }
+  line.cursor = skip_blanks(line.cursor);
+  return true;
+}
+
+bool lnode_read(LineReading& line) {
+  const std::uint8_t type = line.rule.type;
+  const bool braces = *line.cursor == '{' && type != rule_type::shift_left;
+  const bool quotes = *line.cursor == '"' && (is_insertion_type(type) || type == rule_type::shift_left);
+  return pattern_read(line, 'l', braces || quotes, line.rule.lnode);
+}
+
+bool mid_read(LineReading& line) {
+  const std::uint8_t type = line.rule.type;
+  const bool may_have_mid = type == rule_type::insertion || type == rule_type::post_insertion;
+  if (!may_have_mid && *line.cursor == '(') {
+    rule_error_print(line.parse, line.cursor, ", MID is not allowed\n");
+    return false;
+  }
+  const auto order = line.rule.lnode->inserted == 0 ? GroupOrder::of_text : GroupOrder::reversed;
+  return groups_read(line, line.rule.mid, order, "MID");
+}
+
+bool rnode_read(LineReading& line) {
+  const std::uint8_t type = line.rule.type;
+  // MID stands between two nodes one of which is brought in.
+  const bool may_stand = line.rule.mid == nullptr || line.rule.lnode->inserted != 0;
+  const bool braces = *line.cursor == '{' && type != rule_type::shift_right && may_stand;
+  const bool quotes = *line.cursor == '"' && (is_insertion_type(type) || type == rule_type::shift_right);
+  return pattern_read(line, 'r', braces || quotes, line.rule.rnode);
+}
+
+bool lacks_relation(const Rule& rule) {
+  const bool wants_relation = rule.type == rule_type::less || rule.type == rule_type::greater;
+  return wants_relation && rule.lnode->relations == nullptr && rule.rnode->relations == nullptr;
+}
+
+bool ends_sometime(LineReading& line) {
+  if (lacks_relation(line.rule)) {
+    out_print(";;%s;;WARNING(0,%d), no relation is found in LNODE and RNODE of above rule of type '>' or '<'\n",
+              line.parse.start, line.parse.line);
+    return true;
+  }
+  if (!is_endless_rule(line.rule)) return true;
+  out_print(";;%s;;ERR(0,%d), an endless loop rule\n", line.parse.start, line.parse.line);
+  return false;
+}
+
+bool suf_read(LineReading& line) {
+  if (!groups_read(line, line.rule.suf, GroupOrder::of_text, "SUF")) return false;
+  lone_group_drop(line.rule.suf);
+  return true;
+}
+
+// wanted: the number wraps at 256 without a word, and 0 draws the warning however it came about.
+bool priority_read(LineReading& line) {
+  std::uint8_t& priority = line.rule.priority;
+  if (*line.cursor == 'P') {
+    for (++line.cursor; is_digit(*line.cursor); ++line.cursor) {
+      priority = static_cast<std::uint8_t>(priority * 10 + (*line.cursor - '0'));
+    }
+  }
+  if (priority == 0) {
+    out_print(";;%s;;WARNING(0,%d), no priority in above rule, to be treated as 0\n", line.parse.start,
+              line.parse.line);
+  }
+  return true;
+}
+
+bool rule_read(LineReading& line) {
+  return type_read(line) && pre_read(line) && lnode_read(line) && mid_read(line) && rnode_read(line) &&
+         ends_sometime(line) && suf_read(line) && priority_read(line);
+}
+
+// A list for each priority, so that a rule finds its place at once.
+struct PriorityLists {
+  std::array<Rule*, 256> first{};
+  std::array<Rule*, 256> last{};
+};
+
+void rule_enter(PriorityLists& lists, Rule& rule) {
+  Rule*& first = lists.first[rule.priority];
+  Rule*& last = lists.last[rule.priority];
+  (first == nullptr ? first : last->next) = &rule;
+  last = &rule;
+}
+
+// The lists joined, the highest priority first.
+Rule* rules_joined(const PriorityLists& lists) {
+  Rule* head = nullptr;
+  for (std::size_t priority = 0; priority < lists.first.size(); ++priority) {
+    if (lists.first[priority] == nullptr) continue;
+    lists.last[priority]->next = head;
+    head = lists.first[priority];
+  }
+  return head;
+}
+
+bool is_rule_line(const char* text) {
+  const char first = *skip_blanks(text);
+  return first != ';' && first != '\n';
+}
+
+Status line_parse(RuleParse& parse, PriorityLists& lists) {
+  auto* rule = perm_new<Rule>();
+  if (rule == nullptr) return Status::memory;
+  LineReading line{parse, skip_blanks(parse.start), *rule};
+  if (rule_read(line)) {
+    rule_enter(lists, *rule);
+  } else {
+    rule_list_free(rule);
+  }
+  return Status::ok;
+}
+
+}  // namespace
+
+Status parse_rule_file(std::FILE* stream, Rule*& rules) {
+  rules = nullptr;
+  char text[kLineSize];
+  RuleParse parse{.start = text, .status = state.engine_status};
+  PriorityLists lists;
+  while (text_line_read(stream, text, kLineSize)) {
+    if (const Status leave = must_leave(); leave != Status::ok) return leave;
+    ++parse.line;
+    parse.status = Status::ok;
+    if (!is_rule_line(text)) continue;
+    if (const Status status = line_parse(parse, lists); status != Status::ok) return status;
+  }
+  rules = rules_joined(lists);
+  state.engine_status = parse.status;
+  return parse.status;
+}
+
+}  // namespace lexon

@@ -1,0 +1,30 @@
+// The rule file as text: one rule to a line.
+#pragma once
+
+#include <cstdint>
+#include <cstdio>
+
+#include "data/status.hpp"
+#include "rules/rule.hpp"
+
+namespace lexon {
+
+// Reads all rules of `stream` into a list of falling priority, file order within one. A line that cannot be read is
+// reported on the output and left out. `rules` receives the head, null for none. The result is the status of the
+// last line alone, or `memory` when a rule could not be had (`rules` is null then).
+[[nodiscard]] Status parse_rule_file(std::FILE* stream, Rule*& rules);
+
+// Steps over the TYPE under the cursor and returns its code; 0 if the text is no type.
+[[nodiscard]] std::uint8_t parse_rule_type(const char*& cursor);
+
+// Would the rule fire for ever on one pair of nodes?
+[[nodiscard]] bool is_endless_rule(const Rule& rule);
+
+// Release through the permanent pool; the first two clear the caller's pointer. What they leave behind is lost for
+// the run, which is accepted: a dropped rule is rare.
+void rule_list_free(Rule*& rule);
+void group_list_free(ContextGroup*& group);
+void pattern_free(NodePattern* pattern);
+void item_list_free(CondItem* item);
+
+}  // namespace lexon

@@ -1,0 +1,251 @@
+#include "rules/pattern_parser.hpp"
+
+#include "data/chain.hpp"
+#include "data/output.hpp"
+#include "data/pool.hpp"
+#include "rules/parser.hpp"
+#include "rules/scanners.hpp"
+
+namespace lexon {
+namespace {
+
+int column_of(const RuleParse& parse, const char* position) {
+  return static_cast<int>(position - parse.start);
+}
+
+Status syntax_error(const RuleParse& parse, const char* position, const char* behind) {
+  rule_error_print(parse, position, behind);
+  return Status::no_effect;
+}
+
+// ---- Items ----
+
+// The operator, by the prefix under the cursor, which is stepped over.
+std::uint8_t prefix_op(ItemPlace place, const char*& cursor) {
+  switch (*cursor) {
+    case '^': ++cursor; return kOpNot;
+    case '-': ++cursor; return kOpDelete;
+    case '+': ++cursor; return kOpAdd;
+    default: return place == ItemPlace::action ? kOpAdd : kOpHas;
+  }
+}
+
+// The item behind its prefix. A second "[" opens a concept word, unless a "]" that can close stands behind it: then
+// it is itself the surface form.
+Status item_body_read(ItemPlace place, const char*& cursor, CondItem& item, ItemKind& kind) {
+  kind = ItemKind::attribute;
+  if (*cursor != '[') return scan_attr_token(cursor, item, kAttrTokenLimit);
+  ++cursor;
+  const bool is_cw = *cursor == '[' && !is_hw_text_end(cursor + 1);
+  kind = is_cw ? ItemKind::cw : ItemKind::hw;
+  if (place == ItemPlace::action) item.op = is_cw ? kOpSetCw : kOpSetHw;
+  if (is_cw) ++cursor;
+  item.text = is_cw ? scan_cw_text(cursor) : scan_hw_text(cursor);
+  return item.text == nullptr ? Status::no_effect : Status::ok;
+}
+
+// May `c` not stand behind an item in this place? A section of actions looks for itself.
+bool is_out_of_place(ItemPlace place, char c) {
+  if (place == ItemPlace::group) return c == ':' || c == '}' || c == '"';
+  return place == ItemPlace::cond && c == ')';
+}
+
+Status item_read(const RuleParse& parse, ItemPlace place, const char*& cursor, CondItem& item, ItemKind& kind) {
+  const char* const section = place == ItemPlace::action ? " in ACTION" : " in COND";
+  if (place == ItemPlace::action && *cursor == '^') return syntax_error(parse, cursor, section);
+  item.op = prefix_op(place, cursor);
+  const char* const start = cursor;
+  const Status status = item_body_read(place, cursor, item, kind);
+  if (status == Status::no_effect) return syntax_error(parse, start, section);
+  cursor = skip_commas(cursor);
+  if (is_out_of_place(place, *cursor)) return syntax_error(parse, cursor, section);
+  return status;
+}
+
+// The list of conditions that an item of `kind` belongs to, in a pattern or a group.
+template <typename Owner>
+CondItem*& conditions_of(Owner& owner, ItemKind kind) {
+  switch (kind) {
+    case ItemKind::hw: return owner.hw_conds;
+    case ItemKind::cw: return owner.cw_conds;
+    case ItemKind::attribute: break;
+  }
+  return owner.attr_conds;
+}
+
+// ---- The sections of a pattern ----
+
+struct PatternReading {
+  RuleParse& parse;
+  const char*& cursor;
+  NodePattern& pattern;
+  char side;
+};
+
+bool has_affirmative(const CondItem* conditions) {
+  for (const CondItem& condition : chain<&CondItem::next>(conditions)) {
+    if (condition.op == kOpHas) return true;
+  }
+  return false;
+}
+
+const char* limit_message(ItemKind kind) {
+  return kind == ItemKind::hw ? " more than 2 affirmative condtions of HW are not allowed in COND"
+                              : " more than 2 affirmative condtions of CW are not allowed in COND";
+}
+
+Status cond_section(PatternReading& reading) {
+  const char* const start = reading.cursor;
+  while (!is_section_end(*reading.cursor)) {
+    CondItem* item = nullptr;
+    ItemKind kind{};
+    const Status status = parse_cond_item(reading.parse, ItemPlace::cond, reading.cursor, item, kind);
+    if (status != Status::ok) return status;
+    CondItem*& list = conditions_of(reading.pattern, kind);
+    // wanted: the second affirmative one is refused, whatever the message says of "more than 2".
+    if (kind != ItemKind::attribute && item->op == kOpHas && has_affirmative(list)) {
+      item_list_free(item);
+      return syntax_error(reading.parse, start, limit_message(kind));
+    }
+    chain_append<&CondItem::next>(list, item);
+  }
+  return Status::ok;
+}
+
+Status action_section(PatternReading& reading) {
+  while (!is_section_end(*reading.cursor)) {
+    CondItem* item = nullptr;
+    ItemKind kind{};
+    const Status status = parse_cond_item(reading.parse, ItemPlace::action, reading.cursor, item, kind);
+    if (status != Status::ok) return status;
+    if (kind == ItemKind::hw) reading.pattern.hw_action = item->text;
+    if (kind == ItemKind::cw) reading.pattern.cw_action = item->text;
+    chain_append<&CondItem::next>(reading.pattern.actions, item);
+    if (*reading.cursor == ')') return syntax_error(reading.parse, reading.cursor, " in ACTION");
+  }
+  return Status::ok;
+}
+
+// What a scanner made of an item: it joins the list, or goes with a message at `start`.
+Status scanned_item_keep(const PatternReading& reading, Status scanned, const char* start, CondItem* item,
+                         CondItem*& list, const char* section) {
+  if (scanned == Status::ok) {
+    chain_append<&CondItem::next>(list, item);
+    return Status::ok;
+  }
+  item_list_free(item);
+  return scanned == Status::no_effect ? syntax_error(reading.parse, start, section) : scanned;
+}
+
+Status relation_section(PatternReading& reading) {
+  while (!is_section_end(*reading.cursor)) {
+    const char* const start = reading.cursor;
+    auto* item = perm_new<CondItem>();
+    if (item == nullptr) return Status::memory;
+    item->op = static_cast<std::uint8_t>(reading.side);
+    const Status scanned = scan_relation_label(reading.cursor, *item, kRelationLabelLimit);
+    const Status status = scanned_item_keep(reading, scanned, start, item, reading.pattern.relations, " in RELATION");
+    if (status != Status::ok) return status;
+    reading.cursor = skip_commas(reading.cursor);
+    if (*reading.cursor == ')') return syntax_error(reading.parse, reading.cursor, " in RELATION");
+  }
+  return Status::ok;
+}
+
+bool is_role_sign(char c) {
+  return c == '<' || c == '>';
+}
+
+Status role_read(PatternReading& reading) {
+  auto* item = perm_new<CondItem>();
+  if (item == nullptr) return Status::memory;
+  item->op = static_cast<std::uint8_t>(is_role_sign(*reading.cursor) ? *reading.cursor++ : '<');
+  const char* const start = reading.cursor;
+  const Status scanned = scan_attr_token(reading.cursor, *item, kRoleTokenLimit);
+  const Status status = scanned_item_keep(reading, scanned, start, item, reading.pattern.roles, " in ROLE");
+  reading.cursor = skip_commas(reading.cursor);
+  return status;
+}
+
+Status role_section(PatternReading& reading) {
+  while (!is_section_end(*reading.cursor) && *reading.cursor != ')') {
+    if (const Status status = role_read(reading); status != Status::ok) return status;
+  }
+  const bool is_fifth_section = *reading.cursor == ':';
+  if (!is_fifth_section && *reading.cursor != ')') return Status::ok;
+  out_print(";;%s;;ROLE ERR(%d,%d)", reading.cursor, column_of(reading.parse, reading.cursor), reading.parse.line);
+  return Status::no_effect;
+}
+
+// The closer is not tied to the opener.
+Status closer_read(PatternReading& reading) {
+  reading.cursor = skip_blanks(reading.cursor);
+  if (*reading.cursor != '}' && *reading.cursor != '"') return syntax_error(reading.parse, reading.cursor, "");
+  ++reading.cursor;
+  return Status::ok;
+}
+
+Status sections_read(PatternReading& reading) {
+  if (const Status status = cond_section(reading); status != Status::ok) return status;
+  for (auto* const section : {action_section, relation_section, role_section}) {
+    if (*reading.cursor != ':') break;
+    reading.cursor = skip_blanks(reading.cursor + 1);
+    if (const Status status = section(reading); status != Status::ok) return status;
+  }
+  return closer_read(reading);
+}
+
+// ---- Groups ----
+
+Status group_read(RuleParse& parse, const char*& cursor, ContextGroup& group) {
+  while (*cursor != ')' && *cursor != '\0') {
+    CondItem* item = nullptr;
+    ItemKind kind{};
+    const Status status = parse_cond_item(parse, ItemPlace::group, cursor, item, kind);
+    if (status != Status::ok) return status;
+    chain_append<&CondItem::next>(conditions_of(group, kind), item);
+  }
+  // wanted: a line that ends between two items has no message here.
+  if (*cursor == '\0') return Status::no_effect;
+  ++cursor;
+  if (*cursor == '*') {
+    group.star = 1;
+    ++cursor;
+  }
+  return Status::ok;
+}
+
+}  // namespace
+
+void rule_error_print(const RuleParse& parse, const char* position, const char* behind) {
+  out_print(";;%s;;ERR(%d,%d)%s", position, column_of(parse, position), parse.line, behind);
+}
+
+Status parse_cond_item(RuleParse& parse, ItemPlace place, const char*& cursor, CondItem*& item, ItemKind& kind) {
+  item = perm_new<CondItem>();
+  parse.status = item == nullptr ? Status::memory : item_read(parse, place, cursor, *item, kind);
+  if (parse.status != Status::ok) {
+    item_list_free(item);
+    item = nullptr;
+  }
+  return parse.status;
+}
+
+Status parse_context_group(RuleParse& parse, const char*& cursor, ContextGroup*& group) {
+  cursor = skip_blanks(cursor + 1);
+  group = perm_new<ContextGroup>();
+  parse.status = group == nullptr ? Status::memory : group_read(parse, cursor, *group);
+  if (parse.status != Status::ok) group_list_free(group);
+  return parse.status;
+}
+
+Status parse_node_pattern(RuleParse& parse, char side, const char*& cursor, NodePattern*& pattern) {
+  pattern = perm_new<NodePattern>();
+  if (pattern == nullptr) return parse.status = Status::memory;
+  pattern->inserted = *cursor == '"' ? 1 : 0;
+  cursor = skip_blanks(cursor + 1);
+  PatternReading reading{parse, cursor, *pattern, side};
+  return parse.status = sections_read(reading);
+}
+
+}  // namespace lexon

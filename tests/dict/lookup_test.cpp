@@ -1,0 +1,243 @@
+// Lookups in small dictionaries, their slots, records and key order.
+
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <filesystem>
+#include <string>
+#include <utility>
+
+#include "dict/dict_bytes.hpp"
+#include "dict/dict_record.hpp"
+
+namespace lexon::test {
+namespace {
+
+struct FindRow {
+  const char* what;
+  int field;
+  const char* key;
+  const char* words;
+};
+
+const FindRow kFinds[] = {
+    {"the first of a chain", kKeyHw, "a", "a"},
+    {"not what begins with the key", kKeyHw, "ab", "ab"},
+    {"all records of a key, in the next block of the chain", kKeyHw, "b", "b,b"},
+    {"below an entry of the tree", kKeyHw, "c", "c"},
+    {"equal to an entry of the tree", kKeyHw, "d", "d,d"},
+    {"the last of all", kKeyHw, "f", "f"},
+    {"between keys", kKeyHw, "aa", "none"},
+    {"below all keys", kKeyHw, "A", "none"},
+    {"above all keys", kKeyHw, "z", "none"},
+    {"the empty key", kKeyHw, "", "none"},
+    {"two chains, in the order of the key block", kKeyCw, "u", "d|a,b,c"},
+    {"a longer key of the same block", kKeyCw, "uu", "d"},
+    {"in the second key block of a chain", kKeyCw, "w", "e"},
+    {"a key that one chain of two blocks leads to", kKeyCw, "v", "b"},
+    {"equal to an entry of the tree", kKeyCw, "x", "ab"},
+    {"behind an entry of the tree", kKeyCw, "y", "f"},
+    {"below all keys", kKeyCw, "a", "none"},
+    {"between keys", kKeyCw, "ux", "none"},
+    {"above all keys", kKeyCw, "zz", "none"},
+};
+
+TEST(Lookup, FindsTheSameInFlatAndDeepTrees) {
+  Dictionary flat(header_of(1, 1, 2, 2) + kWords + kCwKeys, kFlatIndex);
+  for (const FindRow& row : kFinds) EXPECT_EQ(flat.find(row.field, row.key), row.words) << row.what;
+  Dictionary deep(header_of(3, 1, 3, 8) + kWords + kCwKeys, kDeepIndex);
+  for (const FindRow& row : kFinds) EXPECT_EQ(deep.find(row.field, row.key), row.words) << row.what << ", deep";
+}
+
+TEST(Lookup, LongNamesMoveTheIndexEntries) {
+  const std::string index = index_block(entry("a", 2) + entry("d", 4) + entry("e", 5), 0, 128) +
+                            index_block(entry("u", 6) + entry("x", 8), 0, 128);
+  Dictionary dictionary(header_of(1, 1, 2, 2, 128, "ninechars.idx") + kWords + kCwKeys, index);
+  for (const FindRow& row : kFinds) EXPECT_EQ(dictionary.find(row.field, row.key), row.words) << row.what;
+}
+
+TEST(Lookup, EqualEntriesOfTheTreeAreAllFollowed) {
+  const std::string words = data(record("k", "")) + data(record("m", "")) + data(record("m", "") + record("n", ""));
+  const std::string index = index_block(entry("k", 2) + entry("m", 2) + entry("m", 3)) +  // 1
+                            index_block(entry("k", 2) + entry("m", 3)) +                  // 2
+                            index_block(entry("m", 4));                                   // 3
+  Dictionary dictionary(header_of(2, 1, 0, 0) + words, index);
+  EXPECT_EQ(dictionary.find(kKeyHw, "m"), "m|m");
+  EXPECT_EQ(dictionary.find(kKeyHw, "k"), "k");
+  EXPECT_EQ(dictionary.find(kKeyHw, "n"), "n");
+}
+
+TEST(Lookup, OtherFields) {
+  const std::string words = header({slot("d.idx", 1, 1), padded("", 22), padded("", 22), padded("", 22),
+                                    slot("d.idx", 1, 6), slot("d.idx", 0, 2)}) +
+                            kWords + keys(entry("i", 4) + entry("i", 5));
+  Dictionary dictionary(words, kFlatIndex);
+  // One level for a field above 1 is a key block of the dictionary.
+  EXPECT_EQ(dictionary.find(kKeyId, "i"), "d|e");
+  EXPECT_EQ(dictionary.find(kKeyId, ""), "none");
+  // Records end behind the id: a field that is not there equals nothing, not even the empty key.
+  EXPECT_EQ(dictionary.find(kKeyExtra1, "", false), "none");
+  EXPECT_EQ(dictionary.find(kKeyGloss, "x"), "22");
+  EXPECT_EQ(dictionary.find(0, "x"), "22");
+  EXPECT_EQ(dictionary.find(8, "x"), "22");
+}
+
+TEST(Lookup, WithoutIndexTheRootChainIsScanned) {
+  Dictionary dictionary(header_of(0, 2, 1, 6) + kWords + kCwKeys, "");
+  EXPECT_EQ(dictionary.find(kKeyHw, "b", false), "b,b");
+  EXPECT_EQ(dictionary.find(kKeyHw, "d", false), "none");  // in another chain
+  EXPECT_EQ(dictionary.find(kKeyCw, "v", false), "b");
+  EXPECT_EQ(dictionary.find(kKeyCw, "x", false), "none");
+}
+
+TEST(Lookup, FlatteningJoinsAllGroups) {
+  Dictionary dictionary(header_of(1, 1, 2, 2) + kWords + kCwKeys, kFlatIndex);
+  LookupGroup* groups = nullptr;
+  std::FILE* stream = stream_of(header_of(1, 1, 2, 2) + kWords + kCwKeys);
+  std::FILE* index = stream_of(kFlatIndex);
+  ASSERT_EQ(dict_lookup({stream, index, dictionary.slots_}, kKeyCw, "u", groups), Status::ok);
+  EXPECT_EQ(groups->block, 4);
+  EXPECT_EQ(groups->next->block, 2);
+  WordEntry* list = nullptr;
+  groups_flatten(groups, list);
+  EXPECT_EQ(words_of(list), "d,a,b,c");
+  groups_flatten(nullptr, list);
+  EXPECT_EQ(list, nullptr);
+  std::fclose(stream);
+  std::fclose(index);
+}
+
+// ---- slots
+
+// name, levels, numbers, and the name size that the file sets.
+std::string slot_text(const std::string& file, int field) {
+  IndexDescriptor* slots[kKeyFields] = {};
+  std::FILE* stream = stream_of(file);
+  EXPECT_EQ(index_slot_read(stream, field, slots), Status::ok);
+  std::fclose(stream);
+  const IndexDescriptor* d = slots[field];
+  std::string result = std::to_string(index_naming.name_size) + " ";
+  if (d == nullptr) return result + "empty";
+  result += std::string(d->name) + " " + static_cast<char>(d->unread) + " " + std::to_string(d->levels) + " " +
+            std::to_string(d->number1) + " " + std::to_string(d->root) + " " + std::to_string(d->number2);
+  std::free(slots[field]);
+  return result;
+}
+
+TEST(Slots, AreReadByTheNameSizeOfTheFirst) {
+  const std::string none12(22, '\0');
+  const std::string none128(138, ' ');
+  EXPECT_EQ(slot_text(header_of(-1, 513, 0, 0, 12, "eightchr.x"), 1), "12 eightchr.x u -1 258 513 50595078");
+  EXPECT_EQ(slot_text(header_of(2, 7, 4, 9, 128, "ninechars.x"), 3), "128 ninechars.x u 4 258 9 50595078");
+  EXPECT_EQ(slot_text(header_of(2, 7, 4, 9), 2), "12 empty");
+  EXPECT_EQ(slot_text(header({none12, none12, slot("abcdefgh.idx", 2, 5)}), 3), "12 abcdefgh.idx u 2 258 5 50595078");
+  EXPECT_EQ(slot_text(header({none128, none128, slot("a b  ", 2, 5, 128)}), 3), "128 a b u 2 258 5 50595078");
+  EXPECT_EQ(slot_text(header({none128}), 1), "128 empty");
+  EXPECT_EQ(slot_text(header({slot(std::string(128, 'x'), 1, 1, 128)}), 1),
+            "128 " + std::string(128, 'x') + " u 1 258 1 50595078");
+  // A header that is cut leaves the slot empty and the name size as it is.
+  EXPECT_EQ(slot_text(header_of(1, 1, 2, 2).substr(0, 4095), 1), "128 empty");
+}
+
+TEST(Slots, AFilledSlotStays) {
+  IndexDescriptor filled{};
+  IndexDescriptor* slots[kKeyFields] = {nullptr, &filled};
+  std::FILE* stream = stream_of(header_of(1, 1, 2, 2, 128, "ninechars.idx"));
+  EXPECT_EQ(index_slot_read(stream, 1, slots), Status::ok);
+  EXPECT_EQ(slots[1], &filled);
+  EXPECT_EQ(filled.root, 0);
+  EXPECT_EQ(index_naming.name_size, 128U);
+  std::fclose(stream);
+}
+
+class IndexOpen : public ::testing::Test {
+ protected:
+  IndexOpen() : name_("lexon-" + std::to_string(getpid()) + ".idx"), path_(file_of(name_, kFlatIndex)) {
+    name_.copy(descriptor_.name, kLongNameSize);
+  }
+  ~IndexOpen() override { std::filesystem::remove(path_); }
+
+  bool opens(int field, std::int8_t levels, const std::string& prefix, bool read_only = true) {
+    descriptor_.levels = levels;
+    IndexDescriptor* slots[kKeyFields] = {};
+    if (field >= 1 && field <= 7) slots[field] = &descriptor_;
+    std::FILE* stream = index_open(prefix.c_str(), slots, field, read_only);
+    if (stream == nullptr) return false;
+    std::fclose(stream);
+    return true;
+  }
+
+  IndexDescriptor descriptor_ = {};
+  std::string name_;
+  std::string path_;
+};
+
+TEST_F(IndexOpen, NeedsATreeInTheIndexFile) {
+  const std::string prefix = ::testing::TempDir();
+  EXPECT_TRUE(opens(kKeyHw, 1, prefix));
+  EXPECT_TRUE(opens(kKeyHw, 1, prefix, false));
+  EXPECT_FALSE(opens(kKeyHw, 0, prefix));
+  EXPECT_FALSE(opens(kKeyHw, -1, prefix));
+  EXPECT_TRUE(opens(kKeyCw, 2, prefix));
+  EXPECT_FALSE(opens(kKeyCw, 1, prefix));
+  EXPECT_FALSE(opens(kKeyHw, 1, prefix + "no-such-folder/"));
+  EXPECT_FALSE(opens(0, 1, prefix));
+  EXPECT_FALSE(opens(9, 1, prefix));
+}
+
+TEST_F(IndexOpen, ALookupOpensTheIndexByItsName) {
+  const std::filesystem::path before = std::filesystem::current_path();
+  std::filesystem::current_path(::testing::TempDir());
+  Dictionary dictionary(header_of(1, 1, 2, 2) + kWords + kCwKeys, "");
+  for (const int field : {kKeyHw, kKeyCw}) name_.copy(dictionary.slots_[field]->name, kLongNameSize);
+  EXPECT_EQ(dictionary.find(kKeyHw, "d", false), "d,d");
+  EXPECT_EQ(dictionary.find(kKeyCw, "u", false), "d|a,b,c");
+  std::filesystem::current_path(before);
+}
+
+// ---- records
+
+TEST(Records, BecomeWords) {
+  const std::string fixed = std::string("\0\1\2\3", 4) + '\xFE' + "???" + "EX";
+  const std::string attributes = text("V,@9") + fixed;
+  const std::pair<std::string, const char*> rows[] = {
+      {sized(text("go") + text("g") + text("c") + text(attributes) + text("i") + text("e") + text("ff")),
+       "40 go g c V,@9 16 66051 254 EX i e ff"},
+      {sized(text("go") + text("") + text("c") + text(text("") + fixed)), "25 go - c - 12 66051 254 EX - - -"},
+      {sized(text("go") + text("") + text("c") + u16(0) + text("i")), "16 go - c - 12 0 0 .. i - -"},
+      {sized(text("go") + text("g")), "9 go g - - 0 0 0 .. - - -"},
+      {sized(text("go") + text("") + text("") + text(text("V") + std::string("\0\0\0\7\5", 5))),
+       "20 go - - V 8 7 5 .. - - -"},
+  };
+  const auto shown = [](const char* t) { return t == nullptr ? std::string("-") : std::string(t); };
+  for (const auto& [bytes, expected] : rows) {
+    WordEntry* w = nullptr;
+    const ByteView view(reinterpret_cast<const std::uint8_t*>(bytes.data()), bytes.size());
+    ASSERT_EQ(record_unpack(view, w), Status::ok);
+    ASSERT_NE(w, nullptr) << expected;
+    const std::string got = std::to_string(w->total_size) + " " + shown(w->hw) + " " + shown(w->gloss) + " " +
+                            shown(w->cw) + " " + shown(w->attrs) + " " + std::to_string(w->attr_block_size) + " " +
+                            std::to_string(load_u32(w->frequency)) + " " + std::to_string(w->priority) + " " +
+                            std::string(w->language, 2) + " " + shown(w->id) + " " + shown(w->extra1) + " " +
+                            shown(w->extra2);
+    EXPECT_EQ(got, expected);
+  }
+  temp_release_all();
+}
+
+TEST(KeyOrder, BytesUnsignedAndPrefixFirst) {
+  EXPECT_EQ(key_compare("ab", 2, "ab", 2), 0);
+  EXPECT_EQ(key_compare("", 0, nullptr, 0), 0);
+  EXPECT_EQ(key_compare(nullptr, 1, nullptr, 2), 0);
+  EXPECT_LT(key_compare("ab", 2, "abc", 3), 0);
+  EXPECT_GT(key_compare("abc", 3, "ab", 2), 0);
+  EXPECT_GT(key_compare("b", 1, "abc", 3), 0);
+  EXPECT_LT(key_compare("abc", 3, "b", 1), 0);
+  EXPECT_LT(key_compare("a", 1, "\xE9", 1), 0);
+  EXPECT_LT(key_compare("", 0, "a", 1), 0);
+  EXPECT_LT(key_compare(nullptr, 0, "a", 1), 0);
+  EXPECT_LT(key_compare("a", 1, nullptr, 0), 0);
+}
+
+}  // namespace
+}  // namespace lexon::test

@@ -1,0 +1,166 @@
+// Building the index: tables, bits, and the files on the way.
+#include "rules/matrix.hpp"
+
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <cstdlib>
+#include <filesystem>
+#include <string>
+
+#include "data/state.hpp"
+#include "support/capture.hpp"
+#include "support/rule_build.hpp"
+
+namespace lexon::test {
+namespace {
+
+namespace fs = std::filesystem;
+
+std::string hex(const std::uint8_t* bytes) {
+  std::string text;
+  for (std::int32_t i = 0; i < rule_matrix.row_bytes; ++i) {
+    char digits[3];
+    std::snprintf(digits, sizeof digits, "%02x", bytes[i]);
+    text += digits;
+  }
+  return text;
+}
+
+// "name:pos row/neg row" for each row; names of more than 20 characters as their first one and their length.
+std::string dump(const MatrixSide& side) {
+  std::string text;
+  for (std::int32_t r = 0; r < side.attr_count; ++r) {
+    const std::string name = side.attr_table[r];
+    const std::int32_t at = r * rule_matrix.row_bytes;
+    text += text.empty() ? "" : " ";
+    text += name.size() > 20 ? name.substr(0, 1) + "*" + std::to_string(name.size()) : name;
+    text += ":" + hex(side.pos_matrix + at) + "/" + hex(side.neg_matrix + at);
+  }
+  return text;
+}
+
+class Matrix : public ::testing::Test {
+ protected:
+  ~Matrix() override {
+    stop_requested = false;
+    rule_matrix_clear();
+    temp_release_all();
+  }
+};
+
+struct BuildCase {
+  const char* name;
+  std::initializer_list<std::string_view> rules;
+  int row_bytes;
+  const char* left;
+  const char* right;
+};
+
+TEST_F(Matrix, HoldsTheConditionsOfBothSides) {
+  const std::string long_name(255, 'x');
+  const std::string rule_with_long_name = "{" + long_name + " B}{}";
+  const BuildCase cases[] = {
+      {"no rules", {}, 1, "", ""},
+      {"one rule", {"{N}{}"}, 1, "N:80/ff", ""},
+      {"eight rules fill one byte",
+       {"{}{}", "{}{}", "{}{}", "{}{}", "{}{}", "{}{}", "{}{}", "{N}{}"},
+       1,
+       "N:01/ff",
+       ""},
+      {"the ninth begins the next byte",
+       {"{}{}", "{}{}", "{}{}", "{}{}", "{}{}", "{}{}", "{}{}", "{}{}", "{N}{^N}"},
+       2,
+       "N:0080/ffff",
+       "N:0000/ff7f"},
+      {"ten rules",
+       {"{N}{}", "{}{}", "{}{}", "{^V}{}", "{}{}", "{}{}", "{}{}", "{}{}", "{}{}", "{N}{}"},
+       2,
+       "N:8040/ffff V:0000/efff",
+       ""},
+      {"the sides have tables of their own", {"{B A}{B}", "{}{C}"}, 1, "A:80/ff B:80/ff", "B:80/ff C:40/ff"},
+      {"names with + and - have rows without bits", {"{+X -Y Z}{}"}, 1, "X:00/ff Y:00/ff Z:80/ff", ""},
+      {"a name may be required and forbidden", {"{A ^A}{}"}, 1, "A:80/7f", ""},
+      {"unsigned byte order", {"{\xC3\xA4 a B}{}"}, 1, "B:80/ff a:80/ff \xC3\xA4:80/ff", ""},
+      {"prefixes come first", {"{ab abc a}{}"}, 1, "a:80/ff ab:80/ff abc:80/ff", ""},
+      {"the empty name has a row", {"{A =}{^}"}, 1, ":80/ff A:80/ff", ":00/7f"},
+      {"quote patterns are indexed too", {"'N'{V}"}, 1, "N:80/ff", "V:80/ff"},
+      {"a name of 255 characters loses one, is not found, and ends the walk over its list",
+       {rule_with_long_name, "{B}{}"},
+       1,
+       "B:40/ff x*254:00/ff",
+       ""},
+  };
+  for (const BuildCase& c : cases) {
+    SCOPED_TRACE(c.name);
+    RuleList rules(c.rules);
+    ASSERT_EQ(rule_matrix_build(rules.head()), Status::ok);
+    EXPECT_EQ(rule_matrix.rules, rules.head());
+    EXPECT_EQ(rule_matrix.rule_count, static_cast<int>(c.rules.size()));
+    EXPECT_EQ(rule_matrix.row_bytes, c.row_bytes);
+    EXPECT_EQ(dump(rule_matrix.left), c.left);
+    EXPECT_EQ(dump(rule_matrix.right), c.right);
+  }
+}
+
+TEST_F(Matrix, PoolsHoldTheNamesOneBehindTheOther) {
+  RuleList rules{"{bc a}{}", "{a d}{}"};
+  ASSERT_EQ(rule_matrix_build(rules.head()), Status::ok);
+  EXPECT_EQ(std::string(rule_matrix.left.attr_pool, rule_matrix.left.pool_size), std::string("a\0bc\0d\0", 7));
+  EXPECT_EQ(rule_matrix.left.matrix_size, 3U);
+  EXPECT_EQ(rule_matrix.right.pool_size, 0U);
+  EXPECT_EQ(rule_matrix.right.matrix_size, 0U);
+}
+
+TEST_F(Matrix, NamesAreFoundByBinarySearch) {
+  std::string pool[] = {"", "A", "AB", "a", "\xC3"};
+  char* table[] = {pool[0].data(), pool[1].data(), pool[2].data(), pool[3].data(), pool[4].data()};
+  for (std::int32_t i = 0; i < 5; ++i) EXPECT_EQ(attr_table_find(pool[i].c_str(), table, 5), i);
+  for (const char* missing : {"0", "AA", "ABC", "B", "\xC3\xA4"}) EXPECT_EQ(attr_table_find(missing, table, 5), -1);
+  EXPECT_EQ(attr_table_find("A", table, 0), -1);
+}
+
+// A fresh working directory, so that files left behind show.
+class MatrixFiles : public Matrix {
+ protected:
+  MatrixFiles() : before_(fs::current_path()), folder_(fs::path(::testing::TempDir()) / "matrix_files") {
+    fs::remove_all(folder_);
+    fs::create_directories(folder_);
+    fs::current_path(folder_);
+  }
+  ~MatrixFiles() override {
+    fs::current_path(before_);
+    fs::remove_all(folder_);
+  }
+
+  const fs::path before_;
+  const fs::path folder_;
+};
+
+TEST_F(MatrixFiles, AreRemovedAfterABuild) {
+  RuleList rules{"{N ^V}{A}"};
+  EXPECT_EQ(rule_matrix_build(rules.head()), Status::ok);
+  EXPECT_TRUE(fs::is_empty(folder_));
+}
+
+TEST_F(MatrixFiles, AreRemovedWhenTheBuildIsStopped) {
+  RuleList rules{"{N ^V}{A}"};
+  stop_requested = true;
+  EXPECT_EQ(rule_matrix_build(rules.head()), Status::stopped);
+  EXPECT_EQ(rule_matrix.rules, nullptr);
+  EXPECT_TRUE(fs::is_empty(folder_));
+}
+
+TEST_F(MatrixFiles, WithoutAPlaceForThemThereIsNoIndex) {
+  fs::remove(folder_);
+  ASSERT_EQ(setenv("TMPDIR", "/nowhere", 1), 0);
+  RuleList rules{"{N}{}"};
+  Capture output;
+  EXPECT_EQ(rule_matrix_build(rules.head()), Status::no_effect);
+  EXPECT_EQ(output.text(), ";;Can't open input file !\n");
+  EXPECT_EQ(rule_matrix.row_bytes, 0);
+  unsetenv("TMPDIR");
+}
+
+}  // namespace
+}  // namespace lexon::test
