@@ -1,0 +1,156 @@
+// The dump spans a tree over the arcs of one scope, breadth first and each arc once, then prints it. An arc that is in
+// the tree is marked by its `used` flag, a node that has been printed by the mark of its kind.
+#include "graph/graph_dump.hpp"
+
+#include <array>
+
+#include "data/chain.hpp"
+#include "data/nodes.hpp"
+#include "data/output.hpp"
+#include "data/pool.hpp"
+#include "data/sentence.hpp"
+#include "data/state.hpp"
+#include "data/words.hpp"
+#include "graph/line_text.hpp"
+
+namespace lexon {
+
+namespace {
+
+constexpr int kArrowIndent = 2;
+constexpr int kChildIndent = 7;
+
+struct DumpBranch {
+  Relation* relation;
+  DumpBranch* children;  // branches of the node at the far end
+  DumpBranch* next;      // next branch of the same node
+};
+
+// What all lines of one dump have in common.
+struct Dump {
+  int scope;
+  const char* prefix;
+};
+
+// Lists of arcs join, so an arc on a node's list need not touch the node.
+bool is_arc_of(const Relation& relation, const Node& node, int scope) {
+  return relation.scope == scope && (relation.from == &node || relation.to == &node);
+}
+
+// The other end. An arc from a node to itself leads to the node.
+Node* far_end(const Relation& relation, const Node& node) {
+  return relation.to == &node ? relation.from : relation.to;
+}
+
+// Takes the node's arcs that hang nowhere yet. Without memory the tree ends here.
+DumpBranch* branches_of(const Node& node, int scope) {
+  DumpBranch* first = nullptr;
+  DumpBranch** link = &first;
+  for (Relation& relation : chain<&Relation::next>(node.relations)) {
+    if (relation.used != 0 || !is_arc_of(relation, node, scope)) continue;
+    *link = temp_new<DumpBranch>();
+    if (*link == nullptr) break;
+    (*link)->relation = &relation;
+    relation.used = 1;
+    link = &(*link)->next;
+  }
+  return first;
+}
+
+// Grows the whole next level before it goes down, so that an arc hangs as near to the entry as it can. Every level
+// takes an arc, so the depth is bounded by their number.
+void branches_grow(const Node& node, DumpBranch* branches, int scope) {
+  for (DumpBranch& branch : chain<&DumpBranch::next>(branches)) {
+    branch.children = branches_of(*far_end(*branch.relation, node), scope);
+  }
+  for (DumpBranch& branch : chain<&DumpBranch::next>(branches)) {
+    branches_grow(*far_end(*branch.relation, node), branch.children, scope);
+  }
+}
+
+// The node with its attributes in the scope; in brackets if it has been printed before.
+void node_print(Node& node, int scope) {
+  const bool again = is_marked(node);
+  // wanted: in brackets, a kind that shares a bit with that of a scope reference looks like one.
+  const bool as_reference = again ? (node.kind & kKindScope) != 0 : node.kind == kKindScope;
+  const char* bracket = again ? "[" : "";
+  char code[3];
+  node_code_write(node.scope, code);
+  if (as_reference) {
+    out_print("%s:%c%c(", bracket, code[0], code[1]);
+  } else if (node.scope != 0) {
+    out_print("%s%s:%c%c(", bracket, text_or_empty(node.name), code[0], code[1]);
+  } else {
+    out_print("%s%s(", bracket, text_or_empty(node.name));
+  }
+  const ScopeAttrs* block = scope_attrs_find(node, scope);
+  out_print("%s)%s\n", block == nullptr ? "" : block->text, again ? "]" : "");
+  mark(node);
+}
+
+void branch_print(Node& node, const DumpBranch* branches, int indent, const Dump& dump) {
+  if (must_leave() != Status::ok) return;
+  if (indent == 0) out_print("%s", dump.prefix);
+  node_print(node, dump.scope);
+  for (const DumpBranch& branch : chain<&DumpBranch::next>(branches)) {
+    const Relation& relation = *branch.relation;
+    const bool inward = relation.to == &node;
+    out_print("%s%*s", dump.prefix, indent + kArrowIndent, "");
+    out_print(inward ? "<%s-" : "-%s>", relation.label);
+    branch_print(*far_end(relation, node), branch.children, indent + kChildIndent, dump);
+  }
+}
+
+// The rows of the scope table whose entries are being cleared at present.
+using RowsOnPath = std::array<bool, kMaxScopes>;
+
+void marks_clear(Node& node, int scope, RowsOnPath& on_path);
+
+// Goes on to the scope that the node refers to. Scopes can refer to each other in a circle; a row that is on the path
+// already clears its marks itself when the walk comes back to it.
+void referred_marks_clear(const Node& reference, RowsOnPath& on_path) {
+  for (std::int32_t i = 0; i < sentence.semlst_count && i < kMaxScopes; ++i) {
+    const auto index = static_cast<std::size_t>(i);
+    const ScopeRow& row = sentence.semlst[index];
+    if (row.entry == nullptr) return;
+    if (row.number != reference.scope) continue;
+    if (on_path[index]) return;
+    on_path[index] = true;
+    marks_clear(*row.entry, row.number, on_path);
+    on_path[index] = false;
+    return;
+  }
+}
+
+void marks_clear(Node& node, int scope, RowsOnPath& on_path) {
+  for (Relation& relation : chain<&Relation::next>(node.relations)) {
+    if (relation.used == 0 || !is_arc_of(relation, node, scope)) continue;
+    relation.used = 0;
+    marks_clear(*far_end(relation, node), scope, on_path);
+  }
+  if ((node.kind & kKindScope) != 0) referred_marks_clear(node, on_path);
+  unmark(node);
+}
+
+}  // namespace
+
+void graph_dump(Node& entry, int indent, int scope, const char* prefix) {
+  DumpBranch* top = branches_of(entry, scope);
+  branches_grow(entry, top, scope);
+  branch_print(entry, top, indent, Dump{scope, prefix});
+}
+
+void graph_marks_clear(Node* node, int scope) {
+  RowsOnPath on_path{};
+  if (node != nullptr) marks_clear(*node, scope, on_path);
+}
+
+void scope_attrs_print(const ScopeAttrs* block, bool first_only) {
+  for (; block != nullptr; block = first_only ? nullptr : block->next) {
+    out_print("  %02d:%s", block->scope, block->text);
+    out_flush();
+  }
+  out_print("\n");
+}
+
+}  // namespace lexon

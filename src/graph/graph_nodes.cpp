@@ -1,0 +1,185 @@
+#include "graph/graph_nodes.hpp"
+
+#include <algorithm>
+#include <cstring>
+#include <string_view>
+
+#include "data/chars.hpp"
+#include "data/pool.hpp"
+#include "data/scratch.hpp"
+#include "data/sentence.hpp"
+#include "data/words.hpp"
+#include "dict/entry_text.hpp"
+#include "dict/index.hpp"
+#include "graph/graph_words.hpp"
+
+namespace lexon {
+
+namespace {
+
+// A row has one node at most, and a node fills one word list at most, so only the table of words can be full.
+static_assert(kMaxGraphNodes >= kMaxGraphWords && kMaxWordLists >= kMaxGraphNodes);
+
+constexpr const char* kUnknownWord = "[]{}  \"\" (TEMP);";
+constexpr const char* kNumberWord = "[0]{} \"\" (NUM,ANUM);";
+
+// The node of the row, or where it is to be put in.
+Node** node_position(const GraphWord& row) {
+  Node** first = sentence.graph_nodes.data();
+  return std::lower_bound(first, first + sentence.graph_node_count, row, [](const Node* node, const GraphWord& r) {
+    return sorts_before(node->name, node->scope, r.name, r.number);
+  });
+}
+
+Node** nodes_end() {
+  return sentence.graph_nodes.data() + sentence.graph_node_count;
+}
+
+bool is_node_of(Node* const* position, const GraphWord& row) {
+  if (position == nodes_end()) return false;
+  return (*position)->scope == row.number && std::strcmp((*position)->name, row.name) == 0;
+}
+
+// The node's blocks are those of a row; dots of the newest one turn to commas.
+void blocks_set(Node& node, ScopeAttrs* blocks) {
+  node.scope_attrs = blocks;
+  if (blocks != nullptr) std::replace(blocks->text, blocks->text + std::strlen(blocks->text), '.', ',');
+}
+
+// The master list of a node of the same concept from `position` on, or null.
+// wanted: only these nodes are looked at, so an instance with a lower number shares nothing.
+WordEntry* words_to_share(Node* const* position, const char* name) {
+  for (; position != nodes_end(); ++position) {
+    WordEntry* entries = (*position)->entries;
+    if (entries == nullptr || entries->cw == nullptr) return nullptr;
+    const int order = std::strcmp(name, entries->cw);
+    if (order == 0) return entries;
+    if (order > 0) return nullptr;
+  }
+  return nullptr;
+}
+
+Status dictionary_words(const char* key, WordEntry*& words) {
+  words = nullptr;
+  if (sentence.dictionary.dictionary == nullptr) return Status::ok;
+  LookupGroup* groups = nullptr;
+  if (const Status s = dict_lookup(sentence.dictionary, kKeyCw, key, groups); s != Status::ok) return s;
+  groups_flatten(groups, words);
+  return Status::ok;
+}
+
+// The dictionary's words of the name as it stands, or else of its part in front of "(".
+Status known_words(const char* name, WordEntry*& words) {
+  if (const Status s = dictionary_words(name, words); s != Status::ok) return s;
+  const char* parenthesis = std::strchr(name, '(');
+  if (words != nullptr || parenthesis == nullptr) return Status::ok;
+  Scratch<sizeof(GraphWord::name)> front;
+  front.append(std::string_view(name, parenthesis));
+  return dictionary_words(front.c_str(), words);
+}
+
+Status scope_reference_words(int number, WordEntry*& words) {
+  words = entry_new("SCOPE:00", "SCOPE");
+  if (words == nullptr) return Status::memory;
+  words->hw[6] = static_cast<char>('0' + number / 10);
+  words->hw[7] = static_cast<char>('0' + number % 10);
+  return Status::ok;
+}
+
+// Finds the words of a row and tells by `kind` where they came from.
+Status words_find(const GraphWord& row, WordEntry*& words, std::int8_t& kind) {
+  if (row.look_up != 0) {
+    if (const Status s = known_words(row.name, words); s != Status::ok) return s;
+    if (words != nullptr) {
+      kind = kKindWord;
+      return Status::ok;
+    }
+    if (const int number = scope_number_of(row); number != 0) {
+      kind = kKindScope;
+      return scope_reference_words(number, words);
+    }
+  }
+  return literal_entry(row.name, words);
+}
+
+// Fills the node's candidates, and a word list of its own as its master list.
+Status words_fill(const GraphWord& row, Node& node) {
+  if (const Status s = words_find(row, node.candidates, node.kind); s != Status::ok) return s;
+  entry_list_sort(node.candidates);
+  if (const Status s = entry_list_copy(node.candidates, node.entries); s != Status::ok) return s;
+  sentence.word_lists[static_cast<std::size_t>(sentence.word_list_count++)] = node.entries;
+  return Status::ok;
+}
+
+// A node of the row that stands in no table yet.
+Status node_make(const GraphWord& row, WordEntry* shared_words, Node*& node) {
+  node = temp_new<Node>();
+  if (node == nullptr) return Status::memory;
+  node->name = temp_text(row.name);
+  if (node->name == nullptr) return Status::memory;
+  node->scope = row.number;
+  if (shared_words == nullptr) return words_fill(row, *node);
+  node->entries = shared_words;
+  return entry_list_copy(shared_words, node->candidates);
+}
+
+bool is_number(std::string_view word) {
+  return std::all_of(word.begin(), word.end(), is_digit);
+}
+
+// What is written of a word: the text in front of the first "(<" or "(>".
+std::string_view surface_of(std::string_view word) {
+  for (std::size_t at = word.find('('); at != word.npos; at = word.find('(', at + 1)) {
+    if (at + 1 < word.size() && (word[at + 1] == '<' || word[at + 1] == '>')) return word.substr(0, at);
+  }
+  return word;
+}
+
+bool text_replace(char*& text, std::int32_t& length, std::string_view by) {
+  char* copy = temp_text(by);
+  if (copy == nullptr) return false;
+  temp_free_string(text);
+  text = copy;
+  length = static_cast<std::int32_t>(by.size());
+  return true;
+}
+
+}  // namespace
+
+Status literal_entry(const char* word, WordEntry*& head) {
+  const std::string_view text(word);
+  WordEntry* entry = nullptr;
+  const char* form = is_number(text) ? kNumberWord : kUnknownWord;  // the empty word counts as a number
+  if (const Status s = parse_entry(form, entry, EntryStorage::sentence_pool, nullptr); s != Status::ok) return s;
+  const bool replaced =
+      text_replace(entry->cw, entry->cw_len, text) && text_replace(entry->hw, entry->hw_len, surface_of(text));
+  if (!replaced) return Status::memory;
+  entry_sizes_set(*entry);
+  entry_list_free(head);
+  head = entry;
+  return Status::ok;
+}
+
+Status node_build(int row_number, Node*& node) {
+  node = nullptr;
+  const GraphWord& row = sentence.graph_words[static_cast<std::size_t>(row_number)];
+  Node** position = node_position(row);
+  if (is_node_of(position, row)) {
+    node = *position;
+    // wanted: the node's place in its table serves as a row number. A word without a node makes them differ, and
+    // the node gets the blocks of another row.
+    const auto place = static_cast<std::size_t>(position - sentence.graph_nodes.data());
+    if (node->scope_attrs != nullptr) blocks_set(*node, sentence.graph_words[place].blocks);
+    return Status::ok;
+  }
+  Node* made = nullptr;
+  if (const Status s = node_make(row, words_to_share(position, row.name), made); s != Status::ok) return s;
+  std::move_backward(position, nodes_end(), nodes_end() + 1);
+  *position = made;
+  ++sentence.graph_node_count;
+  blocks_set(*made, row.blocks);
+  node = made;
+  return Status::ok;
+}
+
+}  // namespace lexon

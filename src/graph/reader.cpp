@@ -1,0 +1,261 @@
+// A sentence is read line by line. Each line is classified by its beginning; the lines of word blocks and the relation
+// lines go into the graph at once, the others turn the reader's few switches or are passed over. What is wrong with a
+// line is told in the output, and the reading goes on.
+#include "graph/reader.hpp"
+
+#include <algorithm>
+#include <array>
+#include <cstring>
+#include <string_view>
+
+#include "data/nodes.hpp"
+#include "data/output.hpp"
+#include "data/pool.hpp"
+#include "data/scratch.hpp"
+#include "data/sentence.hpp"
+#include "data/state.hpp"
+#include "data/text_line.hpp"
+#include "graph/graph_nodes.hpp"
+#include "graph/graph_words.hpp"
+#include "graph/line_text.hpp"
+#include "graph/relations.hpp"
+
+namespace lexon {
+
+namespace {
+
+constexpr std::size_t kTagLength = 9;  // of a block tag's name
+constexpr std::size_t kLabelLength = sizeof(Relation::label) - 1;
+
+struct Reader {
+  std::FILE* input;
+  Node*& root;
+  std::array<char, kLineSize> line;        // is cut in place
+  std::array<char, kLineSize> saved_line;  // as read, for messages
+  Scratch<kTagLength + 1> open_tag;        // the block tag that hides lines; empty if none
+  bool in_graph = false;
+  bool syntax_reported = false;
+};
+
+enum class LineKind {
+  ignored,
+  graph_start,
+  graph_end,
+  block_tag,
+  sentence_end,
+  word_block,
+  skipped_block,
+  sentence_start,
+  relation,
+};
+
+// The first row that a line begins with decides.
+struct LineForm {
+  std::string_view begin;
+  LineKind kind;
+};
+
+constexpr LineForm kFormsEverywhere[] = {
+    {";", LineKind::ignored},        {"<", LineKind::ignored},       {"\n", LineKind::ignored},
+    {"{sem", LineKind::graph_start}, {"{/sem", LineKind::graph_end}, {"{", LineKind::block_tag},
+};
+
+constexpr LineForm kFormsOutsideTags[] = {
+    {"[/S", LineKind::sentence_end}, {"[/", LineKind::ignored},        {"[W", LineKind::word_block},
+    {"[R", LineKind::skipped_block}, {"[S", LineKind::sentence_start}, {"[", LineKind::ignored},
+};
+
+template <std::size_t Count>
+const LineForm* form_of(std::string_view line, const LineForm (&forms)[Count]) {
+  const auto* form =
+      std::find_if(std::begin(forms), std::end(forms), [line](const LineForm& f) { return line.starts_with(f.begin); });
+  return form == std::end(forms) ? nullptr : form;
+}
+
+// `line` is what stands behind the leading blanks.
+LineKind line_kind(const Reader& reader, std::string_view line) {
+  if (line.empty()) return LineKind::ignored;
+  if (const LineForm* form = form_of(line, kFormsEverywhere); form != nullptr) return form->kind;
+  if (!reader.open_tag.empty()) return LineKind::ignored;
+  if (const LineForm* form = form_of(line, kFormsOutsideTags); form != nullptr) return form->kind;
+  return reader.in_graph ? LineKind::relation : LineKind::ignored;
+}
+
+Status line_read(Reader& reader) {
+  if (const Status s = must_leave(); s != Status::ok) return s;
+  return text_line_read(reader.input, reader.line.data(), kLineSize) ? Status::ok : Status::end_of_input;
+}
+
+// A tag line closes the open tag, or else opens another in its place.
+// wanted: a closing tag that matches nothing opens a tag whose name begins with "/".
+void tag_change(Reader& reader, std::string_view line) {
+  const bool closes =
+      line.starts_with("{/") && !reader.open_tag.empty() && line.substr(2).starts_with(reader.open_tag.view());
+  reader.open_tag.clear();
+  if (closes) return;
+  const std::string_view name = line.substr(1, line.find_first_of("\n:}", 1) - 1);
+  reader.open_tag.append(name.substr(0, kTagLength));
+}
+
+// Enters the words up to the end of the block. Here only the first column counts.
+Status word_block_read(Reader& reader) {
+  while (true) {
+    if (const Status s = line_read(reader); s != Status::ok) return s;
+    char* line = reader.line.data();
+    if (std::string_view(line).starts_with("[/W")) return Status::ok;
+    if (*line == ';' || *line == '[' || sentence.refused) continue;
+    line[std::strcspn(line, "\n")] = '\0';
+    // What cannot be entered is missing in the graph, or the sentence is refused.
+    (void)graph_word_add(line, 0);
+  }
+}
+
+Status skipped_block_read(Reader& reader) {
+  while (true) {
+    if (const Status s = line_read(reader); s != Status::ok) return s;
+    if (std::string_view(reader.line.data()).starts_with("[/R")) return Status::ok;
+  }
+}
+
+void syntax_error_report(Reader& reader) {
+  if (!reader.syntax_reported) out_print(";;Syntactic Error\n");
+  reader.syntax_reported = true;
+  out_print("\t%s", reader.saved_line.data());
+  out_flush();
+}
+
+void line_report(const Reader& reader, const char* what) {
+  out_print(";;%s\n\t%s", what, reader.saved_line.data());
+  out_flush();
+}
+
+bool is_missing(const char* text, char wrong_start) {
+  return *text == '\0' || *text == wrong_start;
+}
+
+// What is wrong with the parts of a relation line, or null.
+const char* fault_of(const RelationText& text) {
+  if (is_missing(text.label, ':')) return "Rel is not found";
+  if (is_missing(text.from, '.')) return "From-CW is not found";
+  if (is_missing(text.to, '.')) return "To-CW is not found";
+  return nullptr;
+}
+
+// A new relation in the table; null if the sentence is refused.
+Status relation_new(std::string_view label, int scope, Relation*& relation) {
+  relation = nullptr;
+  if (sentence.graph_relation_count == kMaxRelations) {
+    sentence_refuse("the graph has more than 128 relations");
+    return Status::ok;
+  }
+  relation = temp_new<Relation>();
+  if (relation == nullptr) return Status::memory;
+  label.copy(relation->label, kLabelLength);
+  relation->scope = static_cast<std::uint8_t>(scope);
+  sentence.graph_relations[static_cast<std::size_t>(sentence.graph_relation_count++)] = relation;
+  return Status::ok;
+}
+
+// The node of a word as written, or null.
+Node* node_of(char* text, int scope) {
+  Node* node = nullptr;
+  if (const int row = graph_word_add(text, scope); row >= 0) (void)node_build(row, node);
+  return node;
+}
+
+bool is_entry_of_sentence(const Node& node) {
+  return node.scope_attrs != nullptr && node.scope_attrs->scope == 0 && holds_entry(node);
+}
+
+// Ties two words together. A word without a node, because its lookup failed, leaves the relation unconnected.
+void relation_tie(Reader& reader, const RelationText& text, int scope, Relation& relation) {
+  Node* from = node_of(text.from, scope);
+  if (sentence.refused) return;
+  Node* to = node_of(text.to, scope);
+  if (from == nullptr || to == nullptr) return;
+  relation_connect(*from, *to, relation);
+  if (relation.scope != 0 || reader.root != nullptr) return;
+  if (is_entry_of_sentence(*from)) {
+    reader.root = from;
+  } else if (is_entry_of_sentence(*to)) {
+    reader.root = to;
+  }
+}
+
+Status relation_read(Reader& reader) {
+  RelationText text;
+  if (split_relation(reader.line.data(), text) <= 0) {
+    syntax_error_report(reader);
+    return Status::ok;
+  }
+  if (const char* fault = fault_of(text); fault != nullptr) {
+    line_report(reader, fault);
+    return Status::ok;
+  }
+  const int scope = label_scope(text.label);
+  if (std::strlen(text.label) > kLabelLength) {
+    line_report(reader, "Rel is too long");
+    return Status::ok;
+  }
+  Relation* relation = nullptr;
+  if (const Status s = relation_new(text.label, scope, relation); s != Status::ok) return s;
+  if (relation != nullptr) relation_tie(reader, text, scope, *relation);
+  return Status::ok;
+}
+
+void sentence_start(Reader& reader, const char* line) {
+  out_print("%s", line);
+  out_flush();
+  reader.in_graph = true;
+}
+
+// Reads lines up to the end of the sentence: ok at its end mark, or what ended the reading before.
+Status lines_read(Reader& reader) {
+  while (true) {
+    Status status = line_read(reader);
+    if (status != Status::ok) return status;
+    reader.saved_line = reader.line;
+    const char* line = reader.line.data() + std::strspn(reader.line.data(), " ");
+    switch (line_kind(reader, line)) {
+      case LineKind::ignored: break;
+      case LineKind::graph_start: reader.in_graph = true; break;
+      case LineKind::graph_end: reader.in_graph = false; break;
+      case LineKind::block_tag: tag_change(reader, line); break;
+      case LineKind::sentence_end: return Status::ok;
+      case LineKind::word_block: status = word_block_read(reader); break;
+      case LineKind::skipped_block: status = skipped_block_read(reader); break;
+      case LineKind::sentence_start: sentence_start(reader, line); break;
+      case LineKind::relation:
+        if (!sentence.refused) status = relation_read(reader);
+        break;
+    }
+    if (status != Status::ok) return status;
+  }
+}
+
+// The first word in sort order stands in for an entry that no relation has named.
+void root_choose(Node*& root) {
+  if (node_build(0, root) != Status::ok || holds_entry(*root)) return;
+  out_print(";;No Entry\n");
+  out_flush();
+}
+
+}  // namespace
+
+Status read_graph(std::FILE* input, Node*& root) {
+  root = nullptr;
+  sentence.graph_relations.fill(nullptr);
+  sentence.graph_relation_count = 0;
+  Reader reader{input, root, {}, {}, {}};
+  const Status stop = lines_read(reader);
+  const bool has_come_to_an_end = stop == Status::ok || stop == Status::end_of_input;
+  if (!has_come_to_an_end || root != nullptr || sentence.refused) return stop;
+  if (sentence.graph_word_count != 0) {
+    root_choose(root);
+  } else if (stop == Status::ok) {
+    out_print(";;SEM is Empty\n");
+  }
+  return stop;
+}
+
+}  // namespace lexon

@@ -1,0 +1,79 @@
+#include "graph/relations.hpp"
+
+#include <cstring>
+#include <string_view>
+
+#include "data/chain.hpp"
+#include "data/nodes.hpp"
+#include "data/sentence.hpp"
+
+namespace lexon {
+
+namespace {
+
+// A relation is on the lists of both its ends with one link, so the lists join at it. It stands last on both when it
+// is new, and no list can come to run in a circle.
+void list_append(Relation*& head, Relation& relation) {
+  Relation** link = &head;
+  while (*link != nullptr && *link != &relation) link = &(*link)->next;
+  *link = &relation;
+}
+
+// Appends `mark` and the label, with a comma in front unless the text is empty. A full text stays as it is.
+void role_add(ScopeAttrs& block, char mark, std::string_view label) {
+  constexpr std::size_t kRoleLength = 5;  // what a role counts for, whatever its label
+  std::size_t length = std::strlen(block.text);
+  if (length != 0 && length + kRoleLength >= kAttrLimit) return;
+  if (length != 0) block.text[length++] = ',';
+  block.text[length++] = mark;
+  label.copy(block.text + length, label.size());
+  block.text[length + label.size()] = '\0';
+}
+
+// The longest role, ",>" and five letters, behind the longest text that still gets one.
+static_assert(kAttrLimit - 6 + 2 + sizeof(Relation::label) - 1 < sizeof(ScopeAttrs::text));
+
+// The row of the scope, or the first one without an entry.
+int scope_row(int number) {
+  int index = 1;
+  for (; index < sentence.semlst_count; ++index) {
+    const ScopeRow& row = sentence.semlst[static_cast<std::size_t>(index)];
+    if (row.entry == nullptr || row.number == number) break;
+  }
+  return index;
+}
+
+}  // namespace
+
+bool holds_entry(const Node& node) {
+  const char* text = head_text(node);
+  return text != nullptr && std::strstr(text, "@entry") != nullptr;
+}
+
+void relation_connect(Node& from, Node& to, Relation& relation) {
+  list_append(from.relations, relation);
+  list_append(to.relations, relation);
+  relation.from = &from;
+  relation.to = &to;
+  if (relation.scope != 0) scope_note(relation);
+  ScopeAttrs* out = scope_attrs_find(from, relation.scope);
+  if (out == nullptr) return;
+  role_add(*out, '>', relation.label);
+  if (ScopeAttrs* in = scope_attrs_find(to, relation.scope); in != nullptr) role_add(*in, '<', relation.label);
+}
+
+void scope_note(const Relation& relation) {
+  if (sentence.semlst_count >= kMaxScopes) return;
+  ScopeRow& row = sentence.semlst[static_cast<std::size_t>(scope_row(relation.scope))];
+  if (row.entry != nullptr) return;
+  row.number = relation.scope;
+  if (holds_entry(*relation.to)) {
+    row.entry = relation.to;
+  } else if (holds_entry(*relation.from)) {
+    row.entry = relation.from;
+  }
+  // wanted: a scope without an entry uses up a count for each of its relations, on the same row.
+  ++sentence.semlst_count;
+}
+
+}  // namespace lexon

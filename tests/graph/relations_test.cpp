@@ -1,0 +1,110 @@
+#include "graph/relations.hpp"
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "data/chain.hpp"
+#include "data/sentence.hpp"
+#include "support/graph_text.hpp"
+
+namespace lexon::test {
+namespace {
+
+// The labels on the list of a node.
+std::string list_of(const std::string& name) {
+  std::string all;
+  for (const Relation& arc : chain<&Relation::next>(graph_node(name)->relations)) all += std::string(arc.label) + " ";
+  return all;
+}
+
+TEST(RelationLists, RunTogetherAtASharedArc) {
+  (void)graph_of_lines("r1(a.@entry,b)\nr2(b,c)\nr3(a,d)\nr4(e,f)\nr5(f,f)\n");
+  EXPECT_EQ(list_of("a"), "r1 r2 r3 ");
+  EXPECT_EQ(list_of("b"), "r1 r2 r3 ");
+  EXPECT_EQ(list_of("c"), "r2 r3 ");
+  EXPECT_EQ(list_of("d"), "r3 ");
+  EXPECT_EQ(list_of("e"), "r4 r5 ");
+  EXPECT_EQ(list_of("f"), "r4 r5 ");
+}
+
+struct RoleRow {
+  const char* name;
+  const char* lines;
+  const char* blocks;  // of the word "a"
+};
+
+class Roles : public ::testing::TestWithParam<RoleRow> {};
+
+TEST_P(Roles, StandInTheBlockOfTheScope) {
+  (void)graph_of_lines(GetParam().lines);
+  EXPECT_EQ(blocks_of("a"), GetParam().blocks);
+}
+
+INSTANTIATE_TEST_SUITE_P(Rows, Roles,
+                         ::testing::Values(RoleRow{"of_both_ends", "r1(a,b)\nr2(b,a)\n", "{0:>r1,<r2}"},
+                                           RoleRow{"behind_attributes", "r(a.@x.@y,b)\n", "{0:@x,@y,>r}"},
+                                           RoleRow{"of_an_arc_to_itself", "r(a,a)\n", "{0:>r,<r}"},
+                                           RoleRow{"by_scope", "r1(a,b)\nr2:01(c,a)\n", "{1:<r2}{0:>r1}"},
+                                           RoleRow{"repeated_arcs_repeat_them", "r(a,b)\nr(a,b)\n", "{0:>r,>r}"}),
+                         [](const auto& row) { return row.param.name; });
+
+// A word whose attributes are `length` characters long, as one end of a relation.
+std::size_t text_length_with_role(std::size_t length) {
+  const std::string first = "@" + std::string(499, 'x');
+  const std::string second = "@" + std::string(length - first.size() - 2, 'y');
+  (void)graph_of_lines("[W]\na." + first + "\na." + second + "\n[/W]\nabcde(a,b)\n");
+  return std::string(graph_node("a")->scope_attrs->text).size();
+}
+
+TEST(Roles, StopWhenTheTextIsFull) {
+  EXPECT_EQ(text_length_with_role(1018), 1025U);
+  EXPECT_EQ(text_length_with_role(1019), 1019U);
+}
+
+struct ScopeRows {
+  const char* name;
+  const char* lines;
+  const char* scopes;
+};
+
+class Scopes : public ::testing::TestWithParam<ScopeRows> {};
+
+TEST_P(Scopes, AreNotedByFirstMention) {
+  (void)graph_of_lines(GetParam().lines);
+  EXPECT_EQ(scopes_text(), GetParam().scopes);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Rows, Scopes,
+    ::testing::Values(
+        ScopeRows{"none", "r(a.@entry,b)\n", ""}, ScopeRows{"to_is_asked_first", "r:01(a.@entry,b.@entry)\n", "1=b"},
+        ScopeRows{"then_from", "r:01(a.@entry,b)\n", "1=a"},
+        ScopeRows{"the_first_entry_stays", "r:02(a.@entry,b)\nr:02(c,d.@entry)\nr:01(:03.@entry,e)\n", "2=a; 1=#3"},
+        ScopeRows{"an_entry_of_another_scope_is_none", "r(a.@entry,b)\nr:01(a,b)\n", "1=-"},
+        ScopeRows{"each_arc_of_a_scope_without_entry_takes_a_count", "r:01(a,b)\nr:01(b,c)\nr:01(c,d)\n",
+                  "1=-; 0=-; 0=-"},
+        ScopeRows{"the_next_scope_takes_its_row", "r:01(a,b)\nr:01(b,c)\nr:02(d.@entry,e)\n", "2=d; 0=-; 0=-"},
+        ScopeRows{"an_entry_that_comes_late", "r:01(a,b)\nr:01(b,c.@entry)\nr:02(d.@entry,e)\n", "1=c; 2=d; 0=-"}),
+    [](const auto& row) { return row.param.name; });
+
+TEST(Scopes, MoreThanTheTableHoldsAreNotNoted) {
+  sentence_clear();
+  ScopeAttrs block{0, "@entry", nullptr};
+  Node entry{};
+  entry.scope_attrs = &block;
+  Relation arc{0, 7, "r", &entry, &entry, nullptr};
+  sentence.semlst_count = 254;
+  for (ScopeRow& row : sentence.semlst) row = {1, &entry};
+  sentence.semlst[254] = {0, nullptr};
+  scope_note(arc);
+  EXPECT_EQ(sentence.semlst_count, 255);
+  EXPECT_EQ(sentence.semlst[254].number, 7);
+  arc.scope = 8;
+  scope_note(arc);
+  EXPECT_EQ(sentence.semlst_count, 255);
+  sentence_clear();
+}
+
+}  // namespace
+}  // namespace lexon::test
