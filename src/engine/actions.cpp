@@ -1,0 +1,182 @@
+// The actions of a rule on the words of its two nodes: surface forms set, attributes deleted and added.
+
+#include <algorithm>
+#include <cstring>
+#include <string_view>
+
+#include "data/attr_string.hpp"
+#include "data/chain.hpp"
+#include "data/pool.hpp"
+#include "data/scratch.hpp"
+#include "data/sentence.hpp"
+#include "data/state.hpp"
+#include "data/words.hpp"
+#include "engine/application.hpp"
+#include "engine/apply.hpp"
+#include "rules/rule.hpp"
+
+namespace lexon {
+
+namespace {
+
+using AttrScratch = Scratch<kAttrLimit>;
+
+// One side's actions at work.
+struct Actions {
+  const Rule& rule;
+  const NodePattern& own;
+  const NodePattern& opposite;
+  Node& node;
+  WordEntry& word;  // the node's word in force
+  AttrScratch additions;
+  bool origin_blanked;
+};
+
+void word_changed(Actions& actions) {
+  actions.node.matches->state = kStateChanged;
+}
+
+// Can actions work on this place? They need a word to change, and a record that tells of the change.
+[[nodiscard]] Status actions_have_a_place(const Node* node) {
+  if (node == nullptr || node->candidates == nullptr) return rule_base_failure("acted on a place without a word");
+  return is_fresh(*node) ? rule_base_failure("acted on a node that no rule has matched") : Status::ok;
+}
+
+[[nodiscard]] Status surface_set(Actions& actions, std::string_view text) {
+  // wanted: a boundary keeps its surface form.
+  if (is_boundary(actions.node)) return Status::ok;
+  char* hw = temp_text(text);
+  if (hw == nullptr) return Status::memory;
+  temp_free_string(actions.word.hw);
+  actions.word.hw = hw;
+  actions.word.hw_len = static_cast<std::int32_t>(text.size());
+  // A scope reference with a surface form of its own is a word.
+  if (is_scope_reference(actions.node)) actions.node.kind = kKindWord;
+  word_changed(actions);
+  return Status::ok;
+}
+
+// Overwrites the attribute with commas; the rebuild squeezes them away.
+[[nodiscard]] bool attr_blank(char* attrs, const char* attr) {
+  char* found = attr_find(attrs, attr);
+  if (found == nullptr) return false;
+  std::memset(found, ',', std::strlen(attr));
+  return true;
+}
+
+void attr_delete(Actions& actions, const char* attr) {
+  if (!attr_blank(actions.word.attrs, attr)) return;
+  word_changed(actions);
+  // A role that is taken from a copy dies in the node it was copied from as well.
+  const bool is_role = *attr == '<' || *attr == '>';
+  const Node* origin = actions.node.origin;
+  if (!is_role || origin == nullptr || is_fresh(*origin) || origin->candidates == nullptr) return;
+  if (attr_blank(origin->candidates->attrs, attr)) actions.origin_blanked = true;
+}
+
+// Additions to a scope reference that the rule brings in are carried into the scope instead.
+[[nodiscard]] bool is_carried_into_scope(const Actions& actions) {
+  if (!is_scope_reference(actions.node) || actions.rule.type != rule_type::insertion) return false;
+  return actions.own.inserted != 0 || (actions.opposite.inserted == 0 && no_scope_rule_in_stack(actions.node.matches));
+}
+
+void attr_add(Actions& actions, const char* attr) {
+  AttrScratch& additions = actions.additions;
+  const std::size_t length = additions.size() + std::strlen(attr) + 1;
+  if (static_cast<std::int64_t>(length) + actions.word.attr_len >= kAttrLimit) return;
+  if (is_carried_into_scope(actions)) return;
+  if (attr_find(actions.word.attrs, attr) != nullptr) return;
+  if (!additions.empty() && attr_find(additions.c_str(), attr) != nullptr) return;
+  if (!additions.empty()) additions.append(',');
+  additions.append(attr);
+  word_changed(actions);
+}
+
+[[nodiscard]] Status action_apply(Actions& actions, const CondItem& item) {
+  switch (item.op) {
+    case kOpSetHw: return surface_set(actions, item.text);
+    case kOpDelete: attr_delete(actions, item.text); break;
+    case kOpAdd: attr_add(actions, item.text); break;
+    default: break;  // a concept word changes nothing here
+  }
+  return Status::ok;
+}
+
+void commas_squeeze(char* text) {
+  if (text == nullptr) return;
+  char* end = text + std::strlen(text);
+  const auto both_commas = [](char a, char b) { return a == ',' && b == ','; };
+  *std::unique(text, end, both_commas) = '\0';
+}
+
+// Appends the elements of `attrs` that are not empty.
+void elements_append(AttrScratch& text, std::string_view attrs) {
+  while (!attrs.empty() && text.fits()) {
+    const std::size_t length = std::min(attrs.find(','), attrs.size());
+    if (length > 0) {
+      if (!text.empty()) text.append(',');
+      text.append(attrs.substr(0, length));
+    }
+    attrs.remove_prefix(std::min(length + 1, attrs.size()));
+  }
+}
+
+// New attributes in front of the old ones, without blanks. What a scope reference gains before its scope is
+// generated stands apart from what it had, for scope entry to take along.
+[[nodiscard]] Status attrs_rebuild(Actions& actions) {
+  const char* old = text_or_empty(actions.word.attrs);
+  const bool awaits_scope = is_scope_reference(actions.node) && scope_is_built(actions.node.scope) == 0;
+  AttrScratch text;
+  elements_append(text, actions.additions.view());
+  if (awaits_scope && !text.empty() && std::strstr(old, ",;,") == nullptr) text.append(",;");
+  elements_append(text, old);
+  if (const Status status = entry_attrs_set(actions.word, text.view()); status != Status::ok) return status;
+  actions.word.attr_block_size = actions.word.attr_len + 12;
+  return Status::ok;
+}
+
+// The actions of one side, on a copy of the word that is taken back if they changed nothing.
+[[nodiscard]] Status side_actions_apply(Side side, const Rule& rule, const Window& window) {
+  if (pattern_of(rule, side).actions == nullptr) return Status::ok;
+  Node* node = node_of(window, side);
+  if (const Status status = actions_have_a_place(node); status != Status::ok) return status;
+  WordEntry* copy = nullptr;
+  if (const Status status = entry_copy(*node->candidates, copy); status != Status::ok) return status;
+  copy->next = node->candidates;
+  node->candidates = copy;
+  if (const Status status = node_actions_apply(side, rule, window); status != Status::ok) return status;
+  if (node->matches->state == kStateStep) entry_drop_head(node->candidates);
+  return Status::ok;
+}
+
+}  // namespace
+
+Status node_actions_apply(Side side, const Rule& rule, const Window& window) {
+  Node* node = node_of(window, side);
+  if (const Status status = actions_have_a_place(node); status != Status::ok) return status;
+  const NodePattern& own = pattern_of(rule, side);
+  Actions actions{rule, own, pattern_of(rule, other(side)), *node, *node->candidates, {}, false};
+  for (const CondItem& item : chain<&CondItem::next>(own.actions)) {
+    if (const Status status = action_apply(actions, item); status != Status::ok) return status;
+  }
+  // wanted: the commas are squeezed in the surface form; the attributes of the origin keep their blanks.
+  if (actions.origin_blanked) commas_squeeze(node->origin->candidates->hw);
+  return is_word_changed(node) ? attrs_rebuild(actions) : Status::ok;
+}
+
+Status rule_actions_apply(const Window& window, const RuleCandidate& candidate) {
+  const Rule& rule = *candidate.rule;
+  if (const Status status = side_actions_apply(Side::left, rule, window); status != Status::ok) return status;
+  return side_actions_apply(Side::right, rule, window);
+}
+
+bool no_scope_rule_in_stack(const MatchRecord* records) {
+  for (const MatchRecord& record : chain<&MatchRecord::next>(records)) {
+    if (record.candidate == nullptr) continue;
+    const Rule& rule = *record.candidate->rule;
+    if (rule.type == rule_type::insertion && has_brace_patterns(rule)) return false;
+  }
+  return true;
+}
+
+}  // namespace lexon

@@ -1,0 +1,170 @@
+// Carrying out a rule: its actions, then the movement of its type, then the window is written back.
+
+#include "engine/apply.hpp"
+
+#include "data/nodes.hpp"
+#include "data/output.hpp"
+#include "data/state.hpp"
+#include "engine/application.hpp"
+#include "engine/backtrack.hpp"
+#include "engine/trace.hpp"
+#include "rules/rule.hpp"
+
+namespace lexon {
+
+namespace {
+
+// The window one place to the left. It must not stand at the list's end.
+[[nodiscard]] Status left_step(Window& window) {
+  if (window.lnode == nullptr || window.lnode->left == nullptr) return rule_base_failure("left the list to the left");
+  window = {window.lnode->left, window.lnode};
+  return window_marker_push(*window.lnode);
+}
+
+[[nodiscard]] bool may_step_left(const Window& window) {
+  return window.lnode->left != nullptr;
+}
+
+// Both nodes of the window must have been matched by the same candidate.
+[[nodiscard]] Status records_agree(const Window& window) {
+  if (window.lnode == nullptr || window.rnode == nullptr) return rule_base_failure("applied a rule at an empty place");
+  if (is_fresh(*window.lnode) || is_fresh(*window.rnode))
+    return rule_base_failure("applied a rule to a node that no rule has matched");
+  return window.lnode->matches->candidate == window.rnode->matches->candidate ? Status::ok : Status::no_effect;
+}
+
+void result_trace(const Window& window, const Rule& rule) {
+  for (const Side side : {Side::left, Side::right}) {
+    trace_result_node(side, pattern_of(rule, side).inserted != 0, node_of(window, side));
+  }
+}
+
+// What L, R and ":" do between their actions and their movement.
+[[nodiscard]] Status result_settle(const Window& window, const Rule& rule) {
+  const Status status = records_agree(window);
+  if (status == Status::ok) result_trace(window, rule);
+  return status;
+}
+
+[[nodiscard]] Outcome move_left(Window& window, const RuleCandidate& candidate) {
+  if (const Status status = rule_actions_apply(window, candidate); status != Status::ok) return ended(status);
+  if (window.lnode == nullptr) return ended(Status::ok);
+  if (const Status status = result_settle(window, *candidate.rule); status != Status::ok) return ended(status);
+  window = {window.lnode->left, window.lnode};
+  return window.lnode == nullptr ? done() : done_if_ok(window_marker_push(*window.lnode));
+}
+
+[[nodiscard]] Outcome move_right(Window& window, const RuleCandidate& candidate) {
+  if (const Status status = rule_actions_apply(window, candidate); status != Status::ok) return ended(status);
+  if (window.rnode == nullptr) return ended(Status::ok);
+  if (const Status status = result_settle(window, *candidate.rule); status != Status::ok) return ended(status);
+  out_flush();
+  if (candidate.rule->lnode->inserted != 0) {
+    if (const Status status = left_step(window); status != Status::ok) return ended(status);
+  }
+  window = {window.rnode, window.rnode->right};
+  // wanted: a fresh node gets no marker.
+  const bool wants_marker = window.rnode != nullptr && !is_fresh(*window.rnode);
+  return wants_marker ? done_if_ok(window_marker_push(*window.rnode)) : done();
+}
+
+// An unchanged word keeps the window where it is, and the next list of rules is asked for the same pair.
+[[nodiscard]] Outcome move_insertion(Window& window, const RuleCandidate& candidate) {
+  if (const Status status = rule_actions_apply(window, candidate); status != Status::ok) return ended(status);
+  if (const Status status = result_settle(window, *candidate.rule); status != Status::ok) return ended(status);
+  if (state.trace_level > 1) out_flush();
+  const bool is_new_or_changed = candidate.rule->lnode->inserted != 0 || is_word_changed(window.lnode);
+  return is_new_or_changed && may_step_left(window) ? done_if_ok(left_step(window)) : done();
+}
+
+// Puts the copy right of its source.
+[[nodiscard]] Status copy_link(Node& source, Node& copy) {
+  node_insert_after(source, copy);
+  return window_marker_push(copy);
+}
+
+// Makes the copy of one side's node, not yet in the list; null, and why, if it cannot be made.
+[[nodiscard]] Status copy_make(Side side, Window& window, const RuleCandidate& candidate, Node*& copy) {
+  if (const Status status = rule_actions_apply(window, candidate); status != Status::ok) return status;
+  Node* source = node_of(window, side);
+  const bool has_both = window.lnode != nullptr && source != nullptr;
+  if (!has_both) return rule_base_failure("copied at an empty place");
+  if (is_fresh(*source)) return rule_base_failure("copied a node that no rule has matched");
+  return node_copy(copy, *source, nullptr, 1);
+}
+
+[[nodiscard]] Outcome copy_left(Window& window, const RuleCandidate& candidate) {
+  Node* copy = nullptr;
+  if (const Status status = copy_make(Side::left, window, candidate, copy); copy == nullptr) return ended(status);
+  trace_result_node(Side::left, false, window.lnode);
+  trace_copied_node(copy);
+  trace_result_node(Side::right, false, window.rnode);
+  if (const Status status = copy_link(*window.lnode, *copy); status != Status::ok) return ended(status);
+  if (is_word_changed(window.lnode) && may_step_left(window)) return done_if_ok(left_step(window));
+  window.rnode = copy;
+  return done();
+}
+
+[[nodiscard]] Outcome copy_right(Window& window, const RuleCandidate& candidate) {
+  Node* copy = nullptr;
+  if (const Status status = copy_make(Side::right, window, candidate, copy); copy == nullptr) return ended(status);
+  trace_result_node(Side::left, false, window.lnode);
+  trace_result_node(Side::right, false, window.rnode);
+  trace_copied_node(copy);
+  if (const Status status = copy_link(*window.rnode, *copy); status != Status::ok) return ended(status);
+  // wanted: the left node decides, though the right one was copied.
+  return is_word_changed(window.lnode) && may_step_left(window) ? done_if_ok(left_step(window)) : done();
+}
+
+[[nodiscard]] Outcome word_test(Window& window, RuleCandidate*& candidate, std::int32_t& home_scope) {
+  const Status status = backtrack(window, candidate, home_scope);
+  return is_failure(status) ? ended(status) : done(status);
+}
+
+[[nodiscard]] Outcome rule_carry_out(Window& window, RuleCandidate*& candidate, std::int32_t* home_scope) {
+  switch (candidate->rule->type) {
+    case rule_type::left:
+    case rule_type::post_left: return move_left(window, *candidate);
+    case rule_type::right:
+    case rule_type::post_right: return move_right(window, *candidate);
+    case rule_type::insertion:
+    case rule_type::insertion_a:
+    case rule_type::post_insertion: return move_insertion(window, *candidate);
+    case rule_type::copy_left: return copy_left(window, *candidate);
+    case rule_type::copy_right: return copy_right(window, *candidate);
+    case rule_type::exchange: return done_if_ok(exchange_apply(window, *candidate));
+    case rule_type::merge_left:
+    case rule_type::merge_right: return done_if_ok(merge_apply(window, *candidate));
+    case rule_type::test: return word_test(window, candidate, *home_scope);
+    case rule_type::test_left:
+    case rule_type::test_right: return forced_backtrack(window, candidate, *home_scope);
+    default: return ended(Status::no_effect);
+  }
+}
+
+}  // namespace
+
+Status window_marker_push(Node& node) {
+  return match_record_push(node, kStateStep, nullptr);
+}
+
+Status apply_rule(Window& window, RuleCandidate*& candidate, std::int32_t* home_scope) {
+  trace_rule_applied(*candidate);
+  trace_rule_end_flushed();
+  state.engine_status = Status::ok;
+  const std::uint8_t type = candidate->rule->type;
+  // An undoing inside can end the application at once; the caller's places must not outlive their nodes.
+  const PlaceWatch watch(window.lnode, window.rnode);
+  Window moved = window;
+  RuleCandidate* rest = candidate;
+  const Outcome outcome = rule_carry_out(moved, rest, home_scope);
+  state.engine_status = outcome.status;
+  if (!outcome.writes_back) return outcome.status;
+  window.lnode = moved.lnode;
+  if (moved.lnode != nullptr) window.rnode = moved.lnode->right;
+  if (!is_word_test_type(type)) trace_list(window, false);
+  candidate = rest;
+  return outcome.status;
+}
+
+}  // namespace lexon

@@ -1,0 +1,90 @@
+// Groups are taken from the window outwards. A group with a star is given up as soon as the rest of the chain fits
+// from the node at hand; so its run of nodes is as short as the rest allows.
+#include "engine/context_match.hpp"
+
+#include "data/attr_string.hpp"
+#include "data/chain.hpp"
+#include "data/state.hpp"
+#include "engine/surface.hpp"
+
+namespace lexon {
+
+namespace {
+
+struct Walk {
+  Side side;
+  GroupMark& mark;
+};
+
+bool is_usable(const Node* node) {
+  return node != nullptr && node->candidates != nullptr && (is_boundary(*node) || !is_fresh(*node));
+}
+
+bool group_fits(Side side, const ContextGroup& group, const WordEntry& word) {
+  // wanted: to the left only attributes are tested
+  const bool tests_surface = side == Side::right;
+  if (tests_surface && !test_surface(nullptr, &word, group.hw_conds, group.cw_conds)) return false;
+  for (const CondItem& condition : chain<&CondItem::next>(group.attr_conds)) {
+    if (attr_has(&word, condition.text) != (condition.op != kOpNot)) return false;
+  }
+  return true;
+}
+
+void note_hit(const Walk& walk, const ContextGroup& group, Node& node) {
+  // wanted: to the right a group with a star is not noted
+  if (walk.side == Side::right && group.star != 0) return;
+  GroupMark& mark = walk.mark;
+  if (mark.group == nullptr) return;
+  const bool follows_starred_mark = mark.group->star != 0 && mark.hit == nullptr && mark.group->next == &group;
+  if (&group == mark.group || follows_starred_mark) mark.hit = &node;
+}
+
+// wanted: a walk to the right confirms the link to its first node from the node before it. A list can be lopsided.
+void confirm_link(Side side, Node*& before, Node& node) {
+  if (side == Side::right && before != nullptr) {
+    before->right = &node;
+    node.left = before;
+  }
+  before = nullptr;
+}
+
+// `before`: the node from which the walk came, or null.
+Node* match_groups(const Walk& walk, GroupCursor groups, Node* node, Node* before) {
+  Node* result = nullptr;
+  Node* last = before;
+  while (groups.group != nullptr) {
+    const ContextGroup& group = *groups.group;
+    if (must_leave() != Status::ok || stack_nearly_used() || !is_usable(node)) return nullptr;
+    if (!group_fits(walk.side, group, *node->candidates)) {
+      if (group.star == 0) return nullptr;
+      groups = groups.next();
+      continue;
+    }
+    confirm_link(walk.side, before, *node);
+    if (result == nullptr || walk.side == Side::left) result = node;
+    if (group.star != 0) {
+      Node* rest = match_groups(walk, groups.next(), node, last);
+      if (rest != nullptr) return walk.side == Side::left ? rest : result;
+      before = node;
+    } else {
+      groups = groups.next();
+    }
+    note_hit(walk, group, *node);
+    last = node;
+    node = neighbour(*node, walk.side);
+  }
+  return result;
+}
+
+}  // namespace
+
+Node* match_context(Side side, GroupCursor groups, Node* node, GroupMark& mark) {
+  return match_groups({side, mark}, groups, node, nullptr);
+}
+
+Node* match_context(Side side, const ContextGroup* groups, Node* node) {
+  GroupMark no_mark;
+  return match_context(side, {groups}, node, no_mark);
+}
+
+}  // namespace lexon

@@ -1,0 +1,35 @@
+// The groups of PRE, MID and SUF, held against the nodes beside the window.
+#pragma once
+
+#include "data/records.hpp"
+#include "engine/side.hpp"
+#include "rules/rule.hpp"
+
+namespace lexon {
+
+// A place in a chain of groups that goes on in a second chain.
+struct GroupCursor {
+  const ContextGroup* group;                   // null: the chain has ended
+  const ContextGroup* continuation = nullptr;  // what follows the last group of this chain; null: nothing
+
+  [[nodiscard]] GroupCursor next() const {
+    if (group->next != nullptr) return {group->next, continuation};
+    return {continuation};
+  }
+};
+
+// The group at which the caller wants to know the node.
+struct GroupMark {
+  const ContextGroup* group = nullptr;  // null: none
+  Node* hit = nullptr;                  // the node that `group`, or the group behind it if it has a star, has matched
+};
+
+// Holds the groups against `node` and the nodes on its `side`. Boundaries and nodes that rules have touched can be
+// matched, and no others: a walk that meets another one fails, as does one that does not use up the groups. Returns
+// the last node matched to the left, the first one to the right; null on failure, and when no node was matched.
+[[nodiscard]] Node* match_context(Side side, GroupCursor groups, Node* node, GroupMark& mark);
+
+// The same without a mark. `groups` may be null, and then nothing is matched.
+[[nodiscard]] Node* match_context(Side side, const ContextGroup* groups, Node* node);
+
+}  // namespace lexon

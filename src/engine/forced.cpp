@@ -1,0 +1,106 @@
+// Forced backtracking (?L, ?R): the word in force of one node is wrong, so go back until it has been changed. A target
+// is only ever compared, never read through the pointer: it can be gone.
+
+#include "data/nodes.hpp"
+#include "data/output.hpp"
+#include "data/state.hpp"
+#include "engine/application.hpp"
+#include "engine/backtrack.hpp"
+#include "engine/scope_return.hpp"
+#include "engine/trace.hpp"
+#include "rules/rule.hpp"
+
+namespace lexon {
+
+namespace {
+
+// A forced backtracking that is already under way keeps its target.
+void target_set(const Rule& rule, const Window& window) {
+  if (state.forced_node != nullptr) return;
+  const bool aims_left = rule.type == rule_type::test_left && window.lnode != nullptr;
+  state.forced_node = aims_left ? window.lnode : window.rnode;
+}
+
+[[nodiscard]] bool is_target(const Node* node) {
+  return node != nullptr && node == state.forced_node;
+}
+
+// Is the target in the window, with nothing left to undo but the application that brought it in?
+[[nodiscard]] bool is_target_reached(Side side, const Window& window) {
+  const Node* node = node_of(window, side);
+  if (!is_target(node)) return false;
+  if (is_fresh(*node)) return true;
+  const MatchRecord& record = *node->matches;
+  return record.next == nullptr && record.candidate != nullptr &&
+         pattern_of(*record.candidate->rule, side).inserted != 0;
+}
+
+// Undoes step after step, through finished scopes too, up to the target.
+[[nodiscard]] Outcome undo_to_target(Window& window, RuleCandidate*& candidate, std::int32_t& home_scope) {
+  const PlaceWatch watch(window.lnode, window.rnode);
+  for (;;) {
+    if (const Status status = must_leave(); status != Status::ok) return ended(status);
+    Status status = backtrack(window, candidate, home_scope);
+    if (status == Status::nothing_left) {
+      if (is_at_beginning(window)) return ended(status);
+      if (window.lnode == nullptr) return ended(rule_base_failure("searched on from an empty place"));
+      status = back_into_scope(window, candidate, home_scope);
+      // The search inside can have undone what the window stood on.
+      if (window.lnode == nullptr) return ended(rule_base_failure("searched on from a place that is gone"));
+    }
+    if (is_failure(status)) return ended(status);
+    const bool is_over =
+        state.forced_node == nullptr || is_target_reached(Side::left, window) || is_target_reached(Side::right, window);
+    if (is_over) return done(status);
+  }
+}
+
+[[nodiscard]] bool inserts(Side side, const RuleCandidate* candidate) {
+  return candidate != nullptr && pattern_of(*candidate->rule, side).inserted != 0;
+}
+
+// The target waits in the window beside a node that a rule inserted: the target is given up, and the inserted
+// node is undone.
+[[nodiscard]] bool target_is_given_up(const Window& window, const RuleCandidate* candidate) {
+  if (is_target(window.rnode) && is_untouched(*window.rnode) && inserts(Side::left, candidate)) {
+    state.forced_node = nullptr;
+    trace_forced_ends_in_window(Side::right);
+    out_flush();
+    return true;
+  }
+  // wanted: unlike the right place, the left one must be fresh.
+  if (is_target(window.lnode) && is_fresh(*window.lnode) && inserts(Side::right, candidate)) {
+    state.forced_node = nullptr;
+    trace_forced_ends_in_window(Side::left);
+    return true;
+  }
+  return false;
+}
+
+void unreached_target_trace(const Window& window) {
+  if (state.trace_level < 3 || state.forced_node == nullptr) return;
+  for (const Node* node : {window.lnode, window.rnode}) {
+    if (is_target(node) && is_scope_reference(*node)) return;
+  }
+  dump_list(window, true);
+}
+
+}  // namespace
+
+Outcome forced_backtrack(Window& window, RuleCandidate*& candidate, std::int32_t& home_scope) {
+  target_set(*candidate->rule, window);
+  Outcome outcome = undo_to_target(window, candidate, home_scope);
+  if (!outcome.writes_back) return outcome;
+  const bool was_given_up = target_is_given_up(window, candidate);
+  const bool is_still_aimed =
+      state.forced_node != nullptr && candidate != nullptr && has_brace_patterns(*candidate->rule);
+  if (was_given_up || is_still_aimed) {
+    const Status status = backtrack(window, candidate, home_scope);
+    if (is_failure(status)) return ended(status);
+    outcome = done(status);
+  }
+  unreached_target_trace(window);
+  return outcome;
+}
+
+}  // namespace lexon

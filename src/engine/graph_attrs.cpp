@@ -1,0 +1,86 @@
+// What stands behind ",;" in a graph text is what a reference has brought into the scope: it goes first, the node's
+// own attributes behind a separator of its own.
+#include "engine/graph_attrs.hpp"
+
+#include <algorithm>
+#include <cstring>
+#include <string_view>
+
+#include "data/nodes.hpp"
+#include "data/pool.hpp"
+#include "data/scratch.hpp"
+#include "data/words.hpp"
+
+namespace lexon {
+
+namespace {
+
+constexpr std::string_view kScopeMark = ",;";
+
+using HeadText = Scratch<kAttrLimit + 4>;
+
+// The graph's part of the new attributes, in at most `room` characters.
+void write_graph_part(HeadText& part, std::string_view text, std::size_t room) {
+  const std::size_t mark = text.find(kScopeMark);
+  if (mark == std::string_view::npos || mark + kScopeMark.size() == text.size()) {
+    part.append(text.substr(0, room));
+    return;
+  }
+  const std::string_view own = text.substr(0, mark);
+  const std::string_view brought = text.substr(mark + kScopeMark.size() + 1);
+  const std::size_t needed = brought.size() + kScopeMark.size();
+  if (needed > room) {
+    part.append(brought.substr(0, room));
+    return;
+  }
+  part.append(brought).append(kScopeMark);
+  if (needed + 1 + own.size() <= room) part.append(',').append(own);
+}
+
+// "part" or "part,old", as a new text. Null when memory is exhausted.
+char* joined(std::string_view part, const char* old) {
+  const std::string_view rest = text_or_empty(old);
+  const std::size_t size = part.size() + (old == nullptr ? 0 : 1 + rest.size());
+  auto* text = static_cast<char*>(temp_alloc(static_cast<std::int64_t>(size) + 1));
+  if (text == nullptr) return nullptr;
+  char* end = std::copy(part.begin(), part.end(), text);
+  if (old != nullptr) {
+    *end++ = ',';
+    end = std::copy(rest.begin(), rest.end(), end);
+  }
+  *end = '\0';
+  return text;
+}
+
+// The new length is computed, not measured: it can exceed that of the string.
+Status put_in_front(WordEntry& word, std::string_view text) {
+  const std::int64_t wanted_length = std::int64_t{word.attr_len} + static_cast<std::int64_t>(text.size()) + 1;
+  const auto total = static_cast<std::int32_t>(std::min<std::int64_t>(wanted_length, kAttrLimit - 1));
+  const auto room = static_cast<std::size_t>(std::max(0, total - word.attr_len - 1));
+  HeadText part;
+  write_graph_part(part, text, room);
+  char* attrs = joined(part.view(), word.attrs);
+  if (attrs == nullptr) return Status::memory;
+  temp_free_string(word.attrs);
+  word.attrs = attrs;
+  const std::int32_t growth = total - word.attr_len;
+  word.attr_block_size += growth;
+  word.total_size += growth;
+  word.attr_len = total;
+  return Status::ok;
+}
+
+}  // namespace
+
+Status graph_attrs_into_word(Node& node, const NodePattern& pattern) {
+  if (!is_untouched(node) || node.candidates == nullptr) return Status::ok;
+  if (node.kind < kKindBoundary) node_kind_recompute(node);
+  const std::string_view text = text_or_empty(head_text(node));
+  if (text.empty()) return Status::ok;
+  WordEntry& word = *node.candidates;
+  const bool is_in_word = std::string_view(text_or_empty(word.attrs)).find(text) != std::string_view::npos;
+  if (pattern.inserted == 0 && is_in_word) return Status::ok;
+  return put_in_front(word, text);
+}
+
+}  // namespace lexon

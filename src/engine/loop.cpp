@@ -1,0 +1,212 @@
+// The walk of the window. A pass asks for the rules of the window, lets matching pick the first that fits, enters a
+// scope if the rule brings one in, and has the rule carried out. Where no rule fits, or a rule demands it, the last
+// step is undone.
+
+#include "engine/loop.hpp"
+
+#include <utility>
+
+#include "data/nodes.hpp"
+#include "data/pool.hpp"
+#include "data/sentence.hpp"
+#include "data/state.hpp"
+#include "data/words.hpp"
+#include "engine/apply.hpp"
+#include "engine/backtrack.hpp"
+#include "engine/candidate_pin.hpp"
+#include "engine/match.hpp"
+#include "engine/scope_entry.hpp"
+#include "engine/scope_return.hpp"
+#include "engine/trace.hpp"
+#include "rules/matrix.hpp"
+#include "rules/rule.hpp"
+
+namespace lexon {
+
+namespace {
+
+// One instance of the loop. The status of its last step stands in the engine's state.
+struct Loop {
+  RuleCandidate* candidates;  // the head is the rule being looked at; the rest is what backtracking can resume with
+  Window window;
+  std::int32_t& home_scope;
+};
+
+// Where a pass leads.
+enum class Turn {
+  pass,   // the next pass
+  end,    // the search ran out, unless a finished scope can be gone back into
+  leave,  // the loop returns the engine's status
+};
+
+[[nodiscard]] Turn leave(Status status) {
+  state.engine_status = status;
+  return Turn::leave;
+}
+
+[[nodiscard]] bool is_finished(const Window& window) {
+  return window.lnode != nullptr && is_boundary(*window.lnode) && window.lnode->right == nullptr;
+}
+
+// The first element for which matching gives a result other than "does not fit" becomes the head.
+void rule_choose(Loop& loop) {
+  state.engine_status = Status::ok;
+  while (loop.candidates != nullptr) {
+    RuleCandidate& element = *loop.candidates;
+    if (!is_post_edit_type(element.rule->type)) {
+      state.engine_status = as_status(match_rule(element, loop.window));
+      if (const Status status = must_leave(); status != Status::ok) state.engine_status = status;
+      if (state.engine_status != Status::ok) return;
+    }
+    loop.candidates = element.next;
+    candidate_passed_over(&element);
+  }
+}
+
+// Undoes steps until there is something new to try.
+[[nodiscard]] Turn step_back(Loop& loop) {
+  trace_to_backtrack(loop.candidates != nullptr);
+  do {
+    if (const Status status = must_leave(); status != Status::ok) return leave(status);
+    const CandidateHandover handover(loop.candidates);
+    state.engine_status = backtrack(loop.window, loop.candidates, loop.home_scope);
+  } while (state.engine_status == Status::no_effect);
+  return state.engine_status == Status::ok ? Turn::pass : Turn::end;
+}
+
+// A word test has done its work inside matching, by narrowing the words.
+[[nodiscard]] Turn word_test_done(Loop& loop) {
+  trace_rule_applied(*loop.candidates);
+  trace_list(loop.window, true);
+  loop.candidates = rule_candidates(loop.window.lnode, loop.window.rnode);
+  return Turn::pass;
+}
+
+[[nodiscard]] bool has_passed_the_end(const Window& window) {
+  return window.lnode != nullptr && is_boundary(*window.lnode) && window.rnode == nullptr;
+}
+
+[[nodiscard]] Turn rule_apply(Loop& loop) {
+  const bool is_word_test = is_word_test_type(loop.candidates->rule->type);
+  const CandidateHandover handover(loop.candidates);
+  state.engine_status = apply_rule(loop.window, loop.candidates, &loop.home_scope);
+  if (is_failure(state.engine_status)) return Turn::leave;
+  if (state.engine_status == Status::nothing_left) return Turn::end;
+  if (loop.home_scope != 0 && has_passed_the_end(loop.window)) return leave(Status::ok);
+  // A refused word test consists of backtracking, which has named the next rule.
+  if (!is_word_test) loop.candidates = rule_candidates(loop.window.lnode, loop.window.rnode);
+  return Turn::pass;
+}
+
+// A failed scope is undone in the outer list by one step.
+[[nodiscard]] Turn scope_undo(Loop& loop) {
+  if (const Status status = must_leave(); status != Status::ok) return leave(status);
+  // wanted: one call, even if it asks to be called again.
+  state.engine_status = backtrack(loop.window, loop.candidates, loop.home_scope);
+  return state.engine_status == Status::ok ? Turn::pass : Turn::end;
+}
+
+[[nodiscard]] Turn rule_follow(Loop& loop) {
+  const Rule& rule = *loop.candidates->rule;
+  if (const std::optional<Side> side = scope_to_enter(loop.window, rule); side.has_value()) {
+    const ScopeResult result = scope_enter(*side, loop.window, *loop.candidates, loop.home_scope);
+    if (result.wants_undo) return scope_undo(loop);
+    if (result.status != Status::ok) return leave(result.status);
+  }
+  return rule_apply(loop);
+}
+
+[[nodiscard]] Turn pass(Loop& loop) {
+  if (const Status status = must_leave(); status != Status::ok) return leave(status);
+  if (is_finished(loop.window)) return leave(Status::ok);
+  if (loop.window.rnode == nullptr) {
+    if (loop.window.lnode == nullptr) return leave(rule_base_failure("emptied both places of the window"));
+    loop.window.rnode = loop.window.lnode->right;
+  }
+  rule_choose(loop);
+  const Status status = state.engine_status;
+  const bool is_fit = status == as_status(Fit::yes);
+  if (is_failure(status) && !is_fit) return Turn::leave;
+  if (loop.candidates == nullptr) return step_back(loop);
+  const bool is_word_test = is_word_test_type(loop.candidates->rule->type);
+  if (is_fit && is_word_test) return word_test_done(loop);
+  if (!is_fit && !is_word_test) return step_back(loop);
+  return rule_follow(loop);
+}
+
+// The search ran out. A finished scope can hold another solution.
+[[nodiscard]] Status search_end(Loop& loop) {
+  const bool may_go_back = state.engine_status == Status::nothing_left && loop.candidates != nullptr;
+  if (!may_go_back || is_at_beginning(loop.window)) return state.engine_status;
+  if (loop.window.lnode == nullptr) return state.engine_status = rule_base_failure("searched on from an empty place");
+  state.engine_status = back_into_scope(loop.window, loop.candidates, loop.home_scope);
+  return state.engine_status;
+}
+
+// The node that a nested scope starts from: a copy stands for an entry node that has been used already.
+[[nodiscard]] Status nested_entry_ready(Node*& node) {
+  if (!is_untouched(*node)) {
+    Node* copy = nullptr;
+    const Status status = node_copy(copy, *node, nullptr, 0);
+    if (status == Status::ok) sentence.semlst[static_cast<std::size_t>(state.semlst_cur)].entry = node = copy;
+    return status;
+  }
+  return node->candidates == nullptr ? entry_list_copy(node->entries, node->candidates) : Status::ok;
+}
+
+[[nodiscard]] Status boundary_make(Node*& boundary, const char* hw, const char* attrs) {
+  boundary = temp_new<Node>();
+  if (boundary == nullptr) return Status::memory;
+  boundary->kind = kKindBoundary;
+  boundary->candidates = entry_new(hw, attrs);
+  return boundary->candidates == nullptr ? Status::no_effect : Status::ok;
+}
+
+// Boundaries that a node has from an earlier entry are kept.
+[[nodiscard]] Status boundaries_ready(Node& node, bool nested) {
+  Node* boundary = nullptr;
+  if (node.left == nullptr) {
+    const Status status = boundary_make(boundary, "<<", nested ? "CHEAD" : "SHEAD");
+    if (status != Status::ok) return status;
+    node_insert_before(node, *boundary);
+  }
+  if (node.right != nullptr) return Status::ok;
+  const Status status = boundary_make(boundary, ">>", nested ? "CTAIL" : "STAIL");
+  if (status != Status::ok) return status;
+  node_insert_after(node, *boundary);
+  return entry_list_copy(boundary->candidates, boundary->entries);
+}
+
+}  // namespace
+
+bool is_at_beginning(const Window& window) {
+  const bool is_left_end = window.lnode != nullptr && is_boundary(*window.lnode) && is_fresh(*window.lnode);
+  return is_left_end && (window.rnode == nullptr || is_untouched(*window.rnode));
+}
+
+Status generate_scope(Node* entry, bool nested) {
+  if (stack_nearly_used()) return Status::memory;
+  if (entry == nullptr) return rule_base_failure("generated a scope without an entry");
+  state.engine_status = Status::ok;
+  std::int32_t home_scope = state.semlst_cur;
+  Node* node = entry;
+  if (nested) {
+    if (const Status status = nested_entry_ready(node); status != Status::ok) return status;
+  }
+  if (const Status status = boundaries_ready(*node, nested); status != Status::ok) return status;
+  const Window window{node->left, node};
+  trace_list(window, true);
+  return engine_loop(rule_candidates(window.lnode, window.rnode), window, home_scope);
+}
+
+Status engine_loop(RuleCandidate* candidates, Window window, std::int32_t& home_scope) {
+  if (stack_nearly_used()) return Status::memory;
+  Loop loop{candidates, window, home_scope};
+  Turn turn = Turn::pass;
+  while (turn == Turn::pass) turn = pass(loop);
+  const Status status = turn == Turn::end ? search_end(loop) : state.engine_status;
+  candidates_passed_over(loop.candidates);
+  return status;
+}
+
+}  // namespace lexon

@@ -1,0 +1,86 @@
+// The second pass over a finished list: from its end, with the same window and matching as generation, but only the
+// rules of post-edit, and nothing is undone.
+
+#include "engine/post_edit.hpp"
+
+#include "data/nodes.hpp"
+#include "data/state.hpp"
+#include "engine/apply.hpp"
+#include "engine/match.hpp"
+#include "engine/post_edit_rule.hpp"
+#include "engine/trace.hpp"
+#include "rules/matrix.hpp"
+#include "rules/rule.hpp"
+
+namespace lexon {
+
+namespace {
+
+// The window at the end of the list.
+[[nodiscard]] Window last_window(Node* node) {
+  if (node == nullptr) return {nullptr, nullptr};
+  while (node->right != nullptr && must_leave() == Status::ok) node = node->right;
+  return {node->left, node};
+}
+
+[[nodiscard]] bool is_reference(const Node* node) {
+  return node != nullptr && is_scope_reference(*node);
+}
+
+[[nodiscard]] bool may_run(const Rule& rule, const Window& window) {
+  if (rule.type == rule_type::post_scope_left) return is_reference(window.lnode);
+  if (rule.type == rule_type::post_scope_right) return is_reference(window.rnode);
+  return is_post_edit_type(rule.type);
+}
+
+// The first rule of the list that fits becomes its head; null if none does. `result` is what the last match gave.
+void rule_choose(RuleCandidate*& candidates, Window& window, Status& result) {
+  while (candidates != nullptr) {
+    RuleCandidate& element = *candidates;
+    if (may_run(*element.rule, window)) {
+      // wanted: a failure is overwritten by what the next rule gives.
+      result = as_status(match_rule(element, window));
+      if (const Status status = must_leave(); status != Status::ok) {
+        result = status;
+        return;
+      }
+      if (result == as_status(Fit::yes)) return;
+    }
+    candidates = element.next;
+    candidate_passed_over(&element);
+  }
+}
+
+[[nodiscard]] bool moves_window(const Rule& rule) {
+  return rule.type == rule_type::post_left || rule.type == rule_type::post_right ||
+         rule.type == rule_type::post_insertion;
+}
+
+// One round. False when the pass is over.
+[[nodiscard]] bool round(Window& window, Status& result) {
+  if (const Status status = must_leave(); status != Status::ok) {
+    result = status;
+    return false;
+  }
+  if (window.lnode == nullptr || window.rnode == nullptr) return false;
+  RuleCandidate* candidates = rule_candidates(window.lnode, window.rnode);
+  rule_choose(candidates, window, result);
+  if (candidates == nullptr || result != as_status(Fit::yes)) return false;
+  result =
+      moves_window(*candidates->rule) ? apply_rule(window, candidates, nullptr) : post_edit_rule(window, *candidates);
+  return result == Status::ok;
+}
+
+}  // namespace
+
+Status post_edit(Node* start) {
+  if (stack_nearly_used()) return Status::memory;
+  Window window = last_window(start);
+  trace_list(window, false);
+  Status result = Status::ok;
+  while (round(window, result)) {
+  }
+  return result;
+}
+
+}  // namespace lexon

@@ -1,0 +1,67 @@
+// The marks of co-occurrence choices: "<" or ">", the name of the choice and a comma, in front of a word's attributes.
+
+#include <cstring>
+#include <string_view>
+
+#include "data/scratch.hpp"
+#include "data/state.hpp"
+#include "data/words.hpp"
+#include "engine/apply.hpp"
+#include "engine/side.hpp"
+#include "rules/rule.hpp"
+
+namespace lexon {
+
+namespace {
+
+constexpr std::int32_t kMarkGrowth = 3;  // wanted: one more than the mark's sign and comma
+constexpr std::int32_t kMarkShrink = 1;
+
+// Sets the attributes. `attr_len` follows the growth that is told, which nothing takes for the true length.
+[[nodiscard]] Status attrs_replace(WordEntry& word, std::string_view attrs, std::int32_t growth) {
+  const std::int32_t length = word.attr_len + growth;
+  const Status status = entry_attrs_set(word, attrs);
+  if (status == Status::ok) word.attr_len = length;
+  return status;
+}
+
+// Does `sign` mark a choice for the node of this side?
+[[nodiscard]] bool is_sign_of(const Rule& rule, Side side, char sign) {
+  const bool own_roles = pattern_of(rule, side).roles != nullptr;
+  const bool opposite_roles = pattern_of(rule, other(side)).roles != nullptr;
+  return (sign == '<' && own_roles) || (sign == '>' && opposite_roles);
+}
+
+[[nodiscard]] Status mark_remove(const Rule& rule, Side side, Node* node, const WordEntry& chosen) {
+  if (node == nullptr || node->candidates == nullptr) return Status::ok;
+  WordEntry& word = *node->candidates;
+  std::string_view attrs = text_or_empty(word.attrs);
+  if (attrs.empty() || !is_sign_of(rule, side, attrs.front())) return Status::ok;
+  attrs.remove_prefix(1);
+  const std::string_view id = text_or_empty(chosen.id);
+  if (!attrs.starts_with(id)) return Status::ok;
+  attrs.remove_prefix(id.size());
+  if (attrs.starts_with(',')) attrs.remove_prefix(1);
+  return attrs_replace(word, attrs, -(chosen.id_len + kMarkShrink));
+}
+
+}  // namespace
+
+Status role_mark_add(const Rule& rule, Node* lnode, Node* rnode, const WordEntry& chosen) {
+  if (has_brace_patterns(rule)) return Status::ok;
+  const Side side = rule.lnode->inserted != 0 ? Side::left : Side::right;
+  Node* node = side == Side::left ? lnode : rnode;
+  if (node == nullptr || node->candidates == nullptr) return rule_base_failure("marked a choice on an empty place");
+  WordEntry& word = *node->candidates;
+  Scratch<kAttrLimit + 1> text;
+  text.append(pattern_of(rule, side).roles != nullptr ? '<' : '>').append(text_or_empty(chosen.id)).append(',');
+  text.append(text_or_empty(word.attrs));
+  return attrs_replace(word, text.view(), chosen.id_len + kMarkGrowth);
+}
+
+Status role_mark_remove(const Rule& rule, Node* lnode, Node* rnode, const WordEntry& chosen) {
+  if (const Status status = mark_remove(rule, Side::left, lnode, chosen); status != Status::ok) return status;
+  return mark_remove(rule, Side::right, rnode, chosen);
+}
+
+}  // namespace lexon

@@ -1,0 +1,263 @@
+// Going back into a finished scope. Its list is undone from the right boundary until something new is found to try, and
+// generated to its end again. If that succeeds the outer rule is applied to the new result; if the scope has nothing
+// left, the rule that brought it in is undone, and the outer search goes on with the next word or the next rule.
+//
+//  1-2   does the rule bring in a scope, and on which side?
+//  3-5   the reference forgets what the scope has brought; the scope becomes the current one
+//  6-8   the outer place is kept; the inner window stands beyond the right boundary
+//  9-10  the inner list is undone, and generated on
+//  11    another solution: the outer rule once more
+//  12    none: the outer rule is undone
+
+#include "engine/scope_return.hpp"
+
+#include <optional>
+
+#include "data/nodes.hpp"
+#include "data/output.hpp"
+#include "data/pool.hpp"
+#include "data/scratch.hpp"
+#include "data/sentence.hpp"
+#include "data/state.hpp"
+#include "data/words.hpp"
+#include "engine/apply.hpp"
+#include "engine/backtrack.hpp"
+#include "engine/candidate_pin.hpp"
+#include "engine/scope_entry.hpp"
+#include "engine/side.hpp"
+#include "engine/trace.hpp"
+#include "engine/undo.hpp"
+#include "rules/matrix.hpp"
+
+namespace lexon {
+
+namespace {
+
+// What the steps hand on.
+struct Return {
+  Window& caller;            // set only where a step says so
+  RuleCandidate& candidate;  // of the rule that brought the scope in
+  std::int32_t& home_scope;  // one cell for all depths of one loop
+  Side side;                 // of the reference
+  std::int32_t row;          // of the scope, in the scope table
+  Window outer;
+  Window inner;
+  RuleCandidate* inner_candidate;
+};
+
+[[nodiscard]] Node*& entry_of(const Return& back) {
+  return sentence.semlst[static_cast<std::size_t>(back.row)].entry;
+}
+
+[[nodiscard]] int number_of(const Return& back) {
+  return sentence.semlst[static_cast<std::size_t>(back.row)].number;
+}
+
+// Steps 1 and 2. The left node is asked first.
+[[nodiscard]] std::optional<Side> reference_side(const Window& window, const RuleCandidate* candidate) {
+  if (candidate == nullptr || candidate->rule->type != rule_type::insertion) return std::nullopt;
+  for (const Side side : {Side::left, Side::right}) {
+    if (may_re_enter_scope(node_of(window, side), pattern_of(*candidate->rule, side), *candidate->rule)) return side;
+  }
+  return std::nullopt;
+}
+
+// Step 3.
+[[nodiscard]] Status reference_attrs_reset(Node& reference) {
+  if (reference.candidates == nullptr) return rule_base_failure("went back into a scope whose reference has no word");
+  WordEntry& word = *reference.candidates;
+  Scratch<kAttrLimit + 8> attrs;
+  attrs.append(text_or_empty(head_text(reference))).append(",SCOPE");
+  const std::int32_t length = word.attr_len;
+  const Status status = entry_attrs_set(word, attrs.view());
+  word.attr_len = length;  // wanted: no size of the word follows
+  return status;
+}
+
+// Step 7: the scope's blocks in front. The last node of the list is the result, null without a list.
+[[nodiscard]] Node* scope_attrs_turn(Node* entry, int scope) {
+  Node* last = nullptr;
+  for (Node* node = list_first(entry); node != nullptr && must_leave() == Status::ok; node = node->right) {
+    if (!is_boundary(*node)) scope_attrs_to_front(*node, scope);
+    last = node;
+  }
+  return last;
+}
+
+// Steps 5 to 8.
+[[nodiscard]] Status inner_place_set(Return& back) {
+  if (!trace_indent_grow()) return state.abort = Status::memory;
+  trace_return_into_scope(number_of(back));
+  Node* last = scope_attrs_turn(entry_of(back), number_of(back));
+  if (const Status status = must_leave(); status != Status::ok) return status;
+  const bool was_finished = last != nullptr && is_boundary(*last) && !is_fresh(*last);
+  if (!was_finished) return rule_base_failure("went back into a scope that was not finished");
+  back.inner = {last, nullptr};
+  back.inner_candidate = last->matches->candidate;
+  return Status::ok;
+}
+
+[[nodiscard]] bool is_lost(const Window& window) {
+  return window.lnode == nullptr || window.rnode == nullptr;
+}
+
+// Step 9: undoes the inner list until there is something new to try.
+[[nodiscard]] Status inner_undo(Return& back) {
+  for (;;) {
+    if (const Status status = must_leave(); status != Status::ok) return status;
+    Status status = backtrack(back.inner, back.inner_candidate, back.home_scope);
+    if (status == Status::nothing_left) {
+      if (back.inner_candidate == nullptr || is_lost(back.inner)) return status;
+      trace_return_to_inner_scope();
+      status = back_into_scope(back.inner, back.inner_candidate, back.home_scope);
+      // The search went on inside and has undone what the window stood on: its result is final.
+      if (is_lost(back.inner)) return status;
+    }
+    if (is_failure(status)) return status;
+    if (state.forced_node == nullptr && status == Status::ok) return status;
+  }
+}
+
+// Steps 9 and 10.
+[[nodiscard]] Status inner_search(Return& back) {
+  const PlaceWatch outer_watch(back.outer.lnode, back.outer.rnode);
+  const PlaceWatch inner_watch(back.inner.lnode, back.inner.rnode);
+  if (const Status status = inner_undo(back); status != Status::ok || is_lost(back.inner)) return status;
+  const CandidatePin pin(back.inner_candidate);
+  return engine_loop(back.inner_candidate, back.inner, back.home_scope);
+}
+
+// 11.2
+[[nodiscard]] Status solution_attrs_set(const Return& back) {
+  const Node* reference = node_of(back.outer, back.side);
+  const Node* entry = entry_of(back);
+  const bool has_words =
+      reference != nullptr && reference->candidates != nullptr && entry != nullptr && entry->candidates != nullptr;
+  if (!has_words) return rule_base_failure("finished a scope without a word");
+  WordEntry& word = *reference->candidates;
+  return reference_attrs_join(word, text_or_empty(word.attrs), *entry->candidates);
+}
+
+// 11.4 and 11.5
+[[nodiscard]] Status outer_apply(Return& back, RuleCandidate*& candidate) {
+  if (is_lost(back.outer)) return rule_base_failure("went back into a scope from an empty place");
+  for (Node* node : {back.outer.lnode, back.outer.rnode}) {
+    if (const Status status = match_record_push(*node, kStateStep, &back.candidate); status != Status::ok)
+      return status;
+  }
+  return apply_rule(back.outer, candidate, &back.home_scope);
+}
+
+// Step 11.
+[[nodiscard]] Status solution_take(Return& back) {
+  trace_indent_shrink();
+  trace_return_finished(number_of(back));
+  if (const Status status = solution_attrs_set(back); status != Status::ok) return status;
+  state.semlst_cur = back.home_scope;
+  RuleCandidate* candidate = &back.candidate;
+  if (const Status status = outer_apply(back, candidate); status != Status::ok) {
+    back.caller = back.outer;
+    return status;
+  }
+  return engine_loop(rule_candidates(back.outer.lnode, back.outer.rnode), back.outer, back.home_scope);
+}
+
+// 12.3: the reference is left with its first word as it was read.
+[[nodiscard]] Status reference_reset(Node& reference) {
+  entry_list_free(reference.candidates);
+  return reference.entries == nullptr ? Status::ok : entry_copy(*reference.entries, reference.candidates);
+}
+
+// 12.4: a copy that stood for the entry node goes, and the node itself starts the scope again.
+[[nodiscard]] Status entry_reset(const Return& back) {
+  Node* entry = entry_of(back);
+  if (entry->origin == nullptr) return node_words_reload(*entry);
+  scope_entries_hand_over(*entry, entry->origin);
+  node_unlink_free(entry);
+  return Status::ok;
+}
+
+// 12.7
+[[nodiscard]] Status outer_place_set(Return& back) {
+  if (back.candidate.rule->mid == nullptr) return Status::ok;
+  // wanted: the place is that of the inner search.
+  const RuleCandidate* inner = back.inner_candidate;
+  const bool has_place = inner != nullptr && stands_in_list_of(back.inner.lnode, inner->lnode);
+  if (!has_place) return rule_base_failure("lost the place of a rule with MID");
+  back.outer = {inner->lnode, back.inner.lnode->right};
+  return Status::ok;
+}
+
+// 12.2 to 12.7: the scope and the rule that brought it in are undone.
+[[nodiscard]] Status scope_undo(Return& back) {
+  const PlaceWatch inner_watch(back.inner.lnode, back.inner.rnode);
+  Node* reference = node_of(back.outer, back.side);
+  if (reference == nullptr || entry_of(back) == nullptr) return rule_base_failure("lost the scope that it undid");
+  hold_take(entry_of(back));
+  if (const Status status = reference_reset(*reference); status != Status::ok) return status;
+  if (const Status status = entry_reset(back); status != Status::ok) return status;
+  state.semlst_cur = back.home_scope;
+  if (const Status status = inserted_undo(*back.candidate.rule, back.outer); status != Status::ok) return status;
+  return outer_place_set(back);
+}
+
+// 12.9 and 12.10: the other place of the window goes to its next word, for the same rule again. Without one it gets
+// all words back, for the next rule.
+[[nodiscard]] Status opposite_word_change(Side opposite, Node& node, RuleCandidate*& candidate) {
+  trace_next_entry(opposite, 1);
+  entry_drop_head(node.candidates);
+  if (node.candidates != nullptr) return Status::ok;
+  trace_no_next_entry(opposite);
+  candidate = candidate->next;
+  return node_words_reload(node);
+}
+
+// Step 12.
+[[nodiscard]] Status scope_give_up(Return& back) {
+  trace_indent_shrink();
+  trace_return_failed(number_of(back));
+  if (const Status status = scope_undo(back); status != Status::ok) return status;
+  if (state.forced_node != nullptr) {
+    back.caller = back.outer;
+    return state.engine_status;
+  }
+  const Side opposite = other(back.side);
+  Node* node = node_of(back.outer, opposite);
+  if (node == nullptr) return rule_base_failure("undid a scope beside an empty place");
+  RuleCandidate* candidate = &back.candidate;
+  const bool same_rule_may_go_on = pattern_of(*candidate->rule, back.side).inserted != 0 && is_fresh(*node);
+  if (!same_rule_may_go_on) {
+    candidate = candidate->next;
+  } else if (const Status status = opposite_word_change(opposite, *node, candidate); status != Status::ok) {
+    return status;
+  }
+  return engine_loop(candidate, back.outer, back.home_scope);
+}
+
+}  // namespace
+
+Status back_into_scope(Window& window, RuleCandidate*& candidate, std::int32_t& home_scope) {
+  if (stack_nearly_used()) return Status::memory;
+  state.engine_status = Status::ok;
+  const std::optional<Side> side = reference_side(window, candidate);
+  if (!side.has_value()) {
+    if (state.semlst_cur == 0) trace_search_taken_as_finished();
+    return state.engine_status;
+  }
+  Node& reference = *node_of(window, *side);
+  if (const Status status = reference_attrs_reset(reference); status != Status::ok) return status;
+  home_scope = state.semlst_cur;
+  const int row = scope_row_find(reference.scope);
+  if (row == 0) return Status::ok;
+  state.semlst_cur = row;
+  const CandidatePin pin(candidate);
+  Return back{window, *candidate, home_scope, *side, row, window, {nullptr, nullptr}, nullptr};
+  if (const Status status = inner_place_set(back); status != Status::ok) return status;
+  state.engine_status = inner_search(back);
+  if (const Status status = must_leave(); status != Status::ok) return status;
+  if (is_failure(state.engine_status)) return state.engine_status;
+  state.engine_status = state.engine_status == Status::ok ? solution_take(back) : scope_give_up(back);
+  return state.engine_status;
+}
+
+}  // namespace lexon

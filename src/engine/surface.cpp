@@ -1,0 +1,70 @@
+#include "engine/surface.hpp"
+
+#include <cstring>
+
+#include "data/chain.hpp"
+#include "data/words.hpp"
+#include "engine/trace.hpp"
+
+namespace lexon {
+
+namespace {
+
+bool same_text(const char* text, const char* wanted) {
+  return std::strcmp(text_or_empty(text), wanted) == 0;
+}
+
+// What a condition says of its text; every other operation holds for any word.
+bool holds(const CondItem& condition, bool has_text) {
+  if (condition.op == kOpHas) return has_text;
+  return condition.op != kOpNot || !has_text;
+}
+
+const WordEntry* word_in_force(const Node* node) {
+  return node == nullptr ? nullptr : node->candidates;
+}
+
+// The length of one addition with its comma. The text "@" stands for all attributes of the other node.
+std::int64_t addition_length(const CondItem& action, std::uint8_t type, const WordEntry* other_word) {
+  const bool takes_all = is_stepless_type(type) && std::strcmp(action.text, "@") == 0;
+  if (takes_all && other_word != nullptr && other_word->attrs != nullptr) return std::int64_t{other_word->attr_len} + 1;
+  return static_cast<std::int64_t>(std::strlen(action.text)) + 1;
+}
+
+}  // namespace
+
+bool test_surface_one(const Node* node, const WordEntry& word, const char* hw, const char* cw) {
+  const bool any_surface_fits = node != nullptr && kind_bits(*node) == kKindClassWord;
+  if (hw != nullptr && !any_surface_fits && !same_text(word.hw, hw)) return false;
+  return cw == nullptr || same_text(word.cw, cw);
+}
+
+bool test_surface(const Node* node, const WordEntry* word, const CondItem* hw_conds, const CondItem* cw_conds) {
+  if (word == nullptr) return false;
+  // wanted: on a node with words of a class a negated condition on the surface form fails
+  for (const CondItem& condition : chain<&CondItem::next>(hw_conds)) {
+    if (!holds(condition, test_surface_one(node, *word, condition.text, nullptr))) return false;
+  }
+  for (const CondItem& condition : chain<&CondItem::next>(cw_conds)) {
+    if (!holds(condition, test_surface_one(node, *word, nullptr, condition.text))) return false;
+  }
+  return true;
+}
+
+bool attr_room_ok(Side side, const Rule& rule, const Window& window) {
+  const WordEntry* word = word_in_force(node_of(window, side));
+  const WordEntry* other_word = word_in_force(node_of(window, other(side)));
+  std::int64_t length = word == nullptr ? 0 : word->attr_len;
+  for (const CondItem& action : chain<&CondItem::next>(pattern_of(rule, side).actions)) {
+    if (action.op == kOpAdd) length += addition_length(action, rule.type, other_word);
+  }
+  const bool takes_both_actions = rule.type == rule_type::plus || rule.type == rule_type::minus;
+  for (const CondItem& action : chain<&CondItem::next>(pattern_of(rule, other(side)).actions)) {
+    if (takes_both_actions && action.op == kOpAdd) length += static_cast<std::int64_t>(std::strlen(action.text)) + 1;
+  }
+  if (length < kAttrLimit) return true;
+  trace_attrs_too_long(rule);
+  return false;
+}
+
+}  // namespace lexon

@@ -1,0 +1,192 @@
+// The node list and the words of a node, as the trace shows them.
+
+#include "data/chain.hpp"
+#include "data/nodes.hpp"
+#include "data/output.hpp"
+#include "data/sentence.hpp"
+#include "data/state.hpp"
+#include "data/words.hpp"
+#include "dict/entry_text.hpp"
+#include "engine/trace.hpp"
+#include "rules/print.hpp"
+
+namespace lexon {
+
+namespace {
+
+enum class Form { plain, bracket };
+
+[[nodiscard]] bool shows_cw(const Node& node) {
+  const char* cw = node.candidates->cw;
+  return node.entries != nullptr && !is_boundary(node) && cw != nullptr && *cw != '\0';
+}
+
+// A node with words, behind a "/".
+void print_node(const Node& node, Form form) {
+  const bool plain = form == Form::plain;
+  const char* hw = text_or_empty(node.candidates->hw);
+  if (is_scope_reference(node)) {
+    out_print(plain ? "/SCOPE:%02d" : "/[SCOPE:%02d]", node.scope);
+  } else if (shows_cw(node)) {
+    out_print(plain ? "/%s|cw=%s" : "/[%s|cw=%s]", hw, node.candidates->cw);
+  } else {
+    out_print(plain ? "/%s" : "/[%s]", hw);
+  }
+}
+
+// The nodes from `node` up to, but not including, `end`. A node without words is an error in the list: it is taken
+// out, and the line goes on with its next part.
+void print_up_to(Node* node, const Node* end) {
+  for (; node != nullptr && node != end && must_leave() == Status::ok; node = node->right) {
+    if (node->candidates == nullptr) {
+      // Not released: the graph can still point at it.
+      node_take_out(*node);
+      return;
+    }
+    print_node(*node, Form::plain);
+  }
+}
+
+void print_marked(const Node* node) {
+  if (node != nullptr && node->candidates != nullptr) print_node(*node, Form::bracket);
+}
+
+void print_tail(const Node* node) {
+  for (; node != nullptr && node->candidates != nullptr && must_leave() == Status::ok; node = node->right) {
+    print_node(*node, Form::plain);
+  }
+}
+
+// The leftmost node of the list; null, and a message, if it leads back to itself.
+[[nodiscard]] Node* first_or_loop(Node* node) {
+  while (node->left != nullptr && must_leave() == Status::ok) {
+    if (node->left == node) {
+      dump_node(node, true);
+      out_print("%s;;lnode loop\n", state.trace_indent);
+      return nullptr;
+    }
+    node = node->left;
+  }
+  return node;
+}
+
+void print_word(const WordEntry* word) {
+  entry_print(state.output, word, state.trace_indent);
+}
+
+void print_words(const WordEntry* words) {
+  entry_list_print(state.output, words, state.trace_indent);
+}
+
+// The changed copies, and the word from which they came.
+void print_open_words(const Node& node) {
+  const WordEntry* word = node.candidates;
+  for (const MatchRecord& record : chain<&MatchRecord::next>(node.matches)) {
+    if (record.state == kStateStep || word == nullptr) continue;
+    print_word(word);
+    word = word->next;
+  }
+  print_word(word);
+}
+
+// The words of the entry nodes that a scope reference leads to, through references.
+void dump_scope_entries(int scope) {
+  // References can run in a circle; no way through them is longer than the table.
+  for (int steps = sentence.semlst_count; steps > 0; --steps) {
+    const Node* entry = scope_entry_node(scope);
+    if (entry == nullptr) break;
+    if (is_fresh(*entry)) {
+      out_print("%s-- candidates of scope entry-node --\n", state.trace_indent);
+      print_words(entry->candidates);
+    } else {
+      out_print("%s-- entry of scope entry-node --\n", state.trace_indent);
+      print_word(entry->candidates);
+    }
+    if (!is_scope_reference(*entry)) return;
+    scope = entry->scope;
+  }
+  if (state.trace_level > 1) out_print("%sNo @entry in Scope\n", state.trace_indent);
+  out_flush();
+}
+
+// What the graph says of the node in this scope; it is not merged into the word yet.
+void print_graph_attrs(const Node& node) {
+  if (const char* text = head_text(node); text != nullptr) out_print("%s%s\n", state.trace_indent, text);
+}
+
+void dump_left_place(const Node* lnode, bool with_words) {
+  out_print("%slnode >>>>>\n", state.trace_indent);
+  const bool shows_open_words = with_words && (lnode == nullptr || is_fresh(*lnode));
+  if (shows_open_words) out_print("%s-- word candidates for lnode --\n", state.trace_indent);
+  dump_node(lnode, !shows_open_words);
+}
+
+void dump_right_place(const Window& window, bool with_words) {
+  out_print("%srnode >>>>>\n", state.trace_indent);
+  out_flush();
+  const Node* rnode = window.rnode;
+  if (!with_words) {
+    dump_node(rnode, true);
+    return;
+  }
+  if (rnode != nullptr && !is_fresh(*rnode)) {
+    const Node* lnode = window.lnode;
+    if (lnode != nullptr && is_boundary(*lnode) && is_fresh(*lnode)) print_graph_attrs(*rnode);
+    dump_node(rnode, true);
+    return;
+  }
+  if (rnode != nullptr) print_graph_attrs(*rnode);
+  out_print("%s-- word candidates for rnode --\n", state.trace_indent);
+  dump_node(rnode, false);
+}
+
+}  // namespace
+
+void print_list_line(const Window& window) {
+  out_print("%s", state.trace_indent);
+  if (window.lnode != nullptr) {
+    Node* first = first_or_loop(window.lnode);
+    if (first == nullptr) return;
+    print_up_to(first, window.lnode);
+    print_marked(window.lnode);
+    print_up_to(window.lnode->right, window.rnode);
+  }
+  print_marked(window.rnode);
+  if (window.rnode != nullptr) print_tail(window.rnode->right);
+  out_print("/\n");
+  out_flush();
+}
+
+void dump_list(const Window& window, bool with_words) {
+  const int number = sentence.semlst[static_cast<std::size_t>(state.semlst_cur)].number;
+  out_print("%s=================== NODE LIST:%02d ===================\n", state.trace_indent, number);
+  out_flush();
+  print_list_line(window);
+  out_flush();
+  out_print("%s====================================================\n", state.trace_indent);
+  dump_left_place(window.lnode, with_words);
+  dump_right_place(window, with_words);
+}
+
+void dump_node(const Node* node, bool one) {
+  if (node == nullptr || node->candidates == nullptr) return;
+  if (one) {
+    print_word(node->candidates);
+  } else if (is_fresh(*node)) {
+    print_words(node->candidates);
+  } else {
+    print_open_words(*node);
+  }
+  if (is_scope_reference(*node)) dump_scope_entries(node->scope);
+}
+
+void print_other_rules(const RuleCandidate* list) {
+  out_print("%s-- other applicable rules --\n", state.trace_indent);
+  for (const RuleCandidate& element : chain<&RuleCandidate::next>(list)) {
+    if (is_post_edit_type(element.rule->type)) continue;
+    rule_print(element.rule, true);
+    out_flush();
+  }
+}
+
+}  // namespace lexon

@@ -1,0 +1,303 @@
+#include "engine/loop.hpp"
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "data/words.hpp"
+#include "engine/scope_entry.hpp"
+#include "support/step.hpp"
+
+namespace lexon::test {
+namespace {
+
+struct WalkCase {
+  const char* what;
+  const char* rules;
+  const char* entry;
+  Status status;
+  const char* list;
+};
+
+class Walk : public ::testing::TestWithParam<WalkCase> {};
+
+TEST_P(Walk, EndsWithItsListAndStatus) {
+  use_rules(GetParam().rules);
+  Node* entry = node_of_text(GetParam().entry);
+  sentence.semlst[0].entry = entry;
+  EXPECT_EQ(generate_scope(entry, false), GetParam().status);
+  EXPECT_EQ(text_of_list(entry), GetParam().list);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Table, Walk,
+    ::testing::Values(WalkCase{"WithoutARule", "L{Q}{}P1;", "a/A", Status::nothing_left, "<< a/A >>"},
+                      WalkCase{"WithRulesOfPostEditAlone", "PR{}{}P1;", "a/A", Status::nothing_left, "<< a/A >>"},
+                      WalkCase{"ToTheEnd", "R{SHEAD}{A}P2;\nR{A}{STAIL}P1;", "a/A", Status::ok, "<<(0) a/A(00) >>(0)"},
+                      // The test takes the first word away, and the rules are asked again for the same window.
+                      WalkCase{"BehindAWordTest", "?R{SHEAD}{B}P3;\nR{SHEAD}{A}P2;\nR{A}{STAIL}P1;", "b/B|a/A",
+                               Status::ok, "<<(00) a/A(000) >>(0)"},
+                      // A window with B on its left is refused, and the search goes back until the word is another one.
+                      WalkCase{"ForcedBackToAnotherWord", "?L{B}{STAIL}P9;\nR{SHEAD}{W}P5;\nR{W}{STAIL}P1;",
+                               "b/B,W|a/W", Status::ok, "<<(0) a/W(00) >>(0)"},
+                      WalkCase{"ForcedBackWithoutAnotherWord", "?L{B}{STAIL}P9;\nR{SHEAD}{W}P5;\nR{W}{STAIL}P1;",
+                               "b/B,W", Status::nothing_left, "<< b/B,W >>"}),
+    [](const auto& row) { return row.param.what; });
+
+TEST(Walk, WithoutARuleTellsSo) {
+  use_rules("L{Q}{}P1;");
+  state.trace_level = 2;
+  Capture output;
+  EXPECT_EQ(generate_scope(node_of_text("a/A"), true), Status::nothing_left);
+  EXPECT_EQ(output.text(),
+            "=================== NODE LIST:00 ===================\n"
+            "/[<<]/[a]/>>/\n"
+            "====================================================\n"
+            "lnode >>>>>\n"
+            "-- word candidates for lnode --\n"
+            "[<<]{}  \"\" (CHEAD) <.,0,0>;\n"
+            "rnode >>>>>\n"
+            "-- word candidates for rnode --\n"
+            "[a]{}  \"\" (A) <.,0,0>;\n"
+            ";;No Rule!\n");
+}
+
+// It stays the target and equals no node: no word and no rule is tried on the way back. The window in hand is not at
+// the beginning, so the search counts as finished.
+TEST(Walk, WithATargetThatIsGoneCountsAsFinished) {
+  use_rules("?L{B}{STAIL}P9;\nR{SHEAD}{W}P5;\nR{W}{STAIL}P1;");
+  state.forced_node = gone_node();
+  Capture output;
+  EXPECT_EQ(generate_scope(node_of_text("b/B,W|a/W"), false), Status::ok);
+  EXPECT_EQ(output.text(), ";;semlst_cur:NULL -> Failed!\n");
+  EXPECT_EQ(state.forced_node, gone_node());
+}
+
+TEST(Walk, LeavesAtOnceWhenAsked) {
+  use_rules("R{SHEAD}{A}P2;\nR{A}{STAIL}P1;");
+  const List list("[<<] [a/A] >>");
+  state.trace_level = 4;
+  Capture output;
+  std::int32_t home_scope = 0;
+  stop_requested = true;
+  EXPECT_EQ(engine_loop(nullptr, {list.lnode, list.rnode}, home_scope), Status::stopped);
+  stop_requested = false;
+  state.stack_limit = static_cast<const char*>(__builtin_frame_address(0));
+  EXPECT_EQ(generate_scope(list.rnode, false), Status::memory);
+  // Every loop around it leaves as well.
+  state.stack_limit = nullptr;
+  EXPECT_EQ(engine_loop(nullptr, {list.lnode, list.rnode}, home_scope), Status::memory);
+  EXPECT_EQ(output.text(), "");
+}
+
+TEST(Walk, OverNothingFailsTheRuleBase) {
+  fresh_sentence();
+  Capture output;
+  std::int32_t home_scope = 0;
+  EXPECT_EQ(engine_loop(nullptr, {nullptr, nullptr}, home_scope), Status::rule_base);
+  EXPECT_NE(output.text(), "");
+}
+
+TEST(Beginning, IsAnUntouchedWindowAtTheLeftEnd) {
+  const auto at_beginning = [](const char* text) {
+    fresh_sentence();
+    const List list(text);
+    return is_at_beginning({list.lnode, list.rnode});
+  };
+  EXPECT_TRUE(at_beginning("[<<] [a]"));
+  EXPECT_TRUE(at_beginning("[<<] [a(2)]"));
+  EXPECT_TRUE(at_beginning("[<<]"));
+  EXPECT_FALSE(at_beginning("[<<] [a(0)]"));
+  EXPECT_FALSE(at_beginning("[<<(m)] [a]"));
+  EXPECT_FALSE(at_beginning("[a] [b]"));
+  EXPECT_FALSE(is_at_beginning({nullptr, nullptr}));
+}
+
+// ---- Scopes
+
+// The rules of every scope below: they walk over an entry word with the attribute E. The rule that enters the scope
+// asks for an attribute that nothing in the scope has.
+constexpr const char* kScopeRules = "\nR{CHEAD}{E}P9;\nR{E}{CTAIL}P8;";
+
+// A window with a reference to scope 1, and the scope's entry.
+struct Scene {
+  List list;
+  Node* entry;
+  Window window;
+  RuleCandidate* candidate;
+  Side side;
+  std::int32_t home_scope = -1;
+
+  Scene(const char* text, const char* entry_text)
+      : list(text),
+        entry(node_of_text(entry_text)),
+        window{list.lnode, list.rnode},
+        candidate(Step::candidate_of(rule_matrix.rules)),
+        side(is_scope_reference(*window.rnode) ? Side::right : Side::left) {
+    add_scope(1, entry);
+  }
+
+  ScopeResult enter() { return scope_enter(side, window, *candidate, home_scope); }
+  [[nodiscard]] const Node& ref() const { return *(side == Side::right ? window.rnode : window.lnode); }
+};
+
+struct HandCase {
+  const char* what;
+  const char* rule;
+  const char* list;
+  const char* entry;
+  const char* ref_after;
+  const char* entry_block_after;
+};
+
+class HandedIn : public ::testing::TestWithParam<HandCase> {};
+
+TEST_P(HandedIn, AttributesGoInAndComeOutAgain) {
+  use_rules(std::string(GetParam().rule) + kScopeRules);
+  Scene scene(GetParam().list, GetParam().entry);
+  const ScopeResult result = scene.enter();
+  EXPECT_EQ(result.status, Status::ok);
+  EXPECT_EQ(text_of_node(&scene.ref()), GetParam().ref_after);
+  EXPECT_STREQ(head_text(*scene.entry), GetParam().entry_block_after);
+  EXPECT_EQ(text_of_words(scene.entry->left->candidates), "<</CHEAD");
+  EXPECT_EQ(state.semlst_cur, 0);
+  EXPECT_EQ(scene.home_scope, 0);
+  EXPECT_EQ(state.trace_depth, 0);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Table, HandedIn,
+    ::testing::Values(HandCase{"NothingAdded", ":{Z}\"[q]\"P99;", "[a] [SCOPE:01/A{R}]", "e/E{1:@entry,V}",
+                               "SCOPE:01/A,V,E{R}", "@entry,V"},
+                      HandCase{"AnAddition", ":{Z}\"[q]:+x\"P99;", "[a] [SCOPE:01/A{R}]", "e/E{1:@entry,V}",
+                               "SCOPE:01/A,x,;,V,E{R}", "@entry,V,;,x"},
+                      HandCase{"ASurfaceFormIsATextLikeOthers", ":{Z}\"[q]:[it]\"P99;", "[a] [SCOPE:01/A{R}]",
+                               "e/E{1:@entry,V}", "SCOPE:01/A,it,;,V,E{R}", "@entry,V,;,it"},
+                      HandCase{"ADeletionIsNotHandedIn", ":{Z}\"[q]:-A\"P99;", "[a] [SCOPE:01/A{R}]", "e/E{1:@entry,V}",
+                               "SCOPE:01/A,V,;,E{R}", "@entry,V,;"},
+                      HandCase{"PresentOnTheRight", ":{Z}\"[q]:+A\"P99;", "[a] [SCOPE:01/A{R}]", "e/E{1:@entry,V}",
+                               "SCOPE:01/A,V,;,E{R}", "@entry,V,;"},
+                      HandCase{"PresentOnTheLeft", ":\"[q]:+A\"{Z}P99;", "[SCOPE:01/A{R}] [b]", "e/E{1:@entry,V}",
+                               "SCOPE:01/A,A,;,V,E{R}", "@entry,V,;,A"},
+                      HandCase{"AddedByEarlierRules", ":{Z}\"[q]\"P99;", "[a] [SCOPE:01/y,;,A{R}]", "e/E{1:@entry,V}",
+                               "SCOPE:01/A,y,;,V,E{R,;,y}", "@entry,V,;,y"},
+                      HandCase{"AddedByBoth", ":{Z}\"[q]:+x\"P99;", "[a] [SCOPE:01/y,;,A{R}]", "e/E{1:@entry,V}",
+                               "SCOPE:01/A,x,y,;,V,E{R,;,y}", "@entry,V,;,x,y"},
+                      HandCase{"OfAnEarlierEntry", ":{Z}\"[q]\"P99;", "[a] [SCOPE:01/A{R,;,y}]", "e/E{1:@entry,V}",
+                               "SCOPE:01/A,y,;,V,E{R,;,y}", "@entry,V,;,y"},
+                      HandCase{"LeftBehindIsRemoved", ":{Z}\"[q]\"P99;", "[a] [SCOPE:01/A{R}]", "e/E{1:@entry,V,;,old}",
+                               "SCOPE:01/A,V,E{R}", "@entry,V"},
+                      HandCase{"TheScopesBlockComesToTheFront", ":{Z}\"[q]:+x\"P99;", "[a] [SCOPE:01/A]",
+                               "e/E{top}{1:@entry}", "SCOPE:01/A,x,;,E", "@entry,;,x"}),
+    [](const auto& row) { return row.param.what; });
+
+TEST(HandedIn, StaysInTheBlock) {
+  use_rules(":{Z}\"[q]:+123456,+789\"P99;" + std::string(kScopeRules));
+  const std::string block = "e/E{1:" + std::string(1018, 'q') + "}";
+  Scene scene("[a] [SCOPE:01/A]", block.c_str());
+  EXPECT_EQ(scene.enter().status, Status::ok);
+  EXPECT_EQ(head_text(*scene.entry), std::string(1018, 'q') + ",;,123");
+}
+
+TEST(ScopeEntry, FollowsTheSizesOfTheReference) {
+  use_rules(":{Z}\"[q]\"P99;" + std::string(kScopeRules));
+  Scene scene("[a] [SCOPE:01/A]", "e/E{1:@entry}");
+  EXPECT_EQ(scene.enter().status, Status::ok);
+  const WordEntry& word = *scene.ref().candidates;
+  EXPECT_STREQ(word.attrs, "A,E");
+  EXPECT_EQ(word.attr_len, 3);
+  EXPECT_EQ(word.attr_block_size, 3 + 12);
+  EXPECT_EQ(word.total_size, 8 + 3 + 12 + 10);
+}
+
+TEST(ScopeEntry, OfAUsedEntryTakesACopyOfIt) {
+  use_rules(":{Z}\"[q]\"P99;" + std::string(kScopeRules));
+  Scene scene("[a] [SCOPE:01/A]", "e/E{1:@entry}(0)");
+  EXPECT_EQ(scene.enter().status, Status::ok);
+  const Node* copy = sentence.semlst[1].entry;
+  EXPECT_EQ(copy->origin, scene.entry);
+  EXPECT_EQ(scene.entry->left, nullptr);
+}
+
+TEST(FailedScope, TakesBackWhatWasHandedIn) {
+  const auto failed = [](const char* rule, const char* list) {
+    use_rules(rule);
+    Scene scene(list, "e/E{1:@entry,V}");
+    state.trace_level = 2;
+    Capture output;
+    const ScopeResult result = scene.enter();
+    EXPECT_EQ(result.status, Status::nothing_left);
+    EXPECT_TRUE(result.wants_undo);
+    EXPECT_STREQ(head_text(*scene.entry), "@entry,V");
+    EXPECT_EQ(state.semlst_cur, 0);
+    const std::string text = output.text();
+    return text.substr(text.rfind("\n\t") + 1);
+  };
+  EXPECT_EQ(failed(":{Z}\"[q]:+x\"P99;", "[a] [SCOPE:01/y,;,A]"), "\t;;No Rule!\n;;#1 Scope:01 failed\n");
+  EXPECT_EQ(failed(":\"[q]:+x\"{Z}P99;", "[SCOPE:01/y,;,A] [b]"), "\t;;No Rule!\n;;#2 Scope:01 failed\n");
+}
+
+// Nothing is undone and nothing more is printed.
+TEST(FailedScope, OfALostSentenceSaysNothing) {
+  use_rules(":{Z}\"[q]\"P99;" + std::string(kScopeRules));
+  Scene scene("[a] [SCOPE:01/A]", "e/E{1:@entry}");
+  state.trace_level = 2;
+  Capture output;
+  stop_requested = true;
+  const ScopeResult stopped = scene.enter();
+  stop_requested = false;
+  EXPECT_EQ(stopped.status, Status::stopped);
+  EXPECT_FALSE(stopped.wants_undo);
+  EXPECT_EQ(output.text().find("failed"), std::string::npos);
+}
+
+TEST(FailedScope, BeyondTheDeepestIndentEndsTheSentence) {
+  use_rules(":{Z}\"[q]\"P99;" + std::string(kScopeRules));
+  Scene scene("[a] [SCOPE:01/A]", "e/E{1:@entry}");
+  while (trace_indent_grow()) continue;
+  EXPECT_EQ(scene.enter().status, Status::memory);
+  EXPECT_EQ(must_leave(), Status::memory);
+}
+
+TEST(FailedScope, WithoutAnEntryFailsTheRuleBase) {
+  use_rules(":{Z}\"[q]\"P99;" + std::string(kScopeRules));
+  Scene scene("[a] [SCOPE:01/A]", "e/E{1:@entry}");
+  sentence.semlst[1].entry = nullptr;
+  Capture output;
+  EXPECT_EQ(scene.enter().status, Status::rule_base);
+}
+
+struct WhichCase {
+  const char* what;
+  const char* rule;
+  const char* list;
+  bool built;
+  std::optional<Side> side;
+};
+
+class ScopeToEnter : public ::testing::TestWithParam<WhichCase> {};
+
+TEST_P(ScopeToEnter, IsThatOfAReferenceThatTheRuleBringsIn) {
+  const Step step(GetParam().rule, GetParam().list);
+  const List scope(GetParam().built ? "<< [e(0)] >>" : "<< [e] >>");
+  add_scope(1, scope.lnode);
+  EXPECT_EQ(scope_to_enter(step.window, *step.rule), GetParam().side);
+  for (Node* node : step.list.nodes) node->origin = node;
+  EXPECT_EQ(scope_to_enter(step.window, *step.rule), std::nullopt) << "copies are never entered";
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Table, ScopeToEnter,
+    ::testing::Values(WhichCase{"InsertedRight", ":{}\"[q]\"P1;", "[a] [SCOPE:01]", true, Side::right},
+                      WhichCase{"InsertedLeft", ":\"[q]\"{}P1;", "[SCOPE:01] [b]", true, Side::left},
+                      WhichCase{"OpenRight", ":{A:-A}{}P1;", "[a] [SCOPE:01]", false, Side::right},
+                      WhichCase{"OpenLeft", ":{A:-A}{}P1;", "[SCOPE:01] [b]", false, Side::left},
+                      WhichCase{"RightComesFirst", ":{A:-A}{}P1;", "[SCOPE:01] [SCOPE:01]", false, Side::right},
+                      WhichCase{"BuiltRight", ":{A:-A}{}P1;", "[a] [SCOPE:01]", true, std::nullopt},
+                      WhichCase{"OpenBesideAnInsertedNode", ":\"[q]\"{}P1;", "[a] [SCOPE:01]", false, std::nullopt},
+                      WhichCase{"AnotherType", "L{}{}P1;", "[a] [SCOPE:01]", false, std::nullopt},
+                      WhichCase{"NoReference", ":{}\"[q]\"P1;", "[a] [b]", false, std::nullopt}),
+    [](const auto& row) { return row.param.what; });
+
+}  // namespace
+}  // namespace lexon::test

@@ -1,0 +1,229 @@
+// Pieces of undoing that can be called alone, and what has no defined result.
+
+#include "engine/undo.hpp"
+
+#include <gtest/gtest.h>
+
+#include "data/words.hpp"
+
+#include "support/search.hpp"
+
+namespace lexon::test {
+namespace {
+
+constexpr auto kName = [](const auto& tested) { return tested.param.what; };
+
+// ---- Taking out an inserted node.
+
+struct ArcCase {
+  const char* what;
+  const char* rule;
+  const char* list;   // window: the node that stays and the inserted one, in either order
+  bool points_right;  // from the left node of the window to the right one
+  const char* after;
+  bool is_free;  // the arc can be followed again
+};
+
+class InsertedUndo : public ::testing::TestWithParam<ArcCase> {};
+
+TEST_P(InsertedUndo, FindsTheArcByLabelAndEnds) {
+  const ArcCase& expected = GetParam();
+  Step step(expected.rule, expected.list);
+  Node& from = expected.points_right ? *step.window.lnode : *step.window.rnode;
+  Node& to = expected.points_right ? *step.window.rnode : *step.window.lnode;
+  Relation* other_arc = arc_between(from, to, "obj");
+  other_arc->used = 1;
+  Relation* arc = arc_between(from, to, "agt");
+  arc->used = 1;
+  ASSERT_EQ(inserted_undo(*step.rule, step.window), Status::ok);
+  EXPECT_EQ(step.text(), expected.after);
+  EXPECT_EQ(arc->used == 0, expected.is_free);
+  EXPECT_EQ(other_arc->used, 1);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Arcs, InsertedUndo,
+    ::testing::Values(ArcCase{"RightByItsOwnLabel", ":{}\"::agt:\"P1;", "<< [a] [b] >>", true, "<< [a] [>>]", true},
+                      ArcCase{"RightByTheOtherLabel", ":{::agt:}\"\"P1;", "<< [a] [b] >>", false, "<< [a] [>>]", true},
+                      ArcCase{"LeftByItsOwnLabel", ":\"::agt:\"{}P1;", "<< [b] [a] >>", false, "[<<] [a] >>", true},
+                      ArcCase{"LeftByTheOtherLabel", ":\"\"{::agt:}P1;", "<< [b] [a] >>", true, "[<<] [a] >>", true},
+                      ArcCase{"WrongDirection", ":{}\"::agt:\"P1;", "<< [a] [b] >>", false, "<< [a] [>>]", false},
+                      ArcCase{"BothBraces", "L{::agt:}{}P1;", "<< [a] [b] >>", true, "<< [a] [b] >>", false},
+                      ArcCase{"BehindMid", ":{}(M)*\"::agt:\"P1;", "<< [a] m [b] >>", true, "<< a [m] [>>]", true},
+                      ArcCase{"InFrontOfMid", ":\"::agt:\"(M)*{}P1;", "<< [b] m [a] >>", false, "[<<] [m] a >>", true}),
+    kName);
+
+TEST(InsertedUndo, ResetsANodeOfTheGraph) {
+  Step step(":{}\"::agt:\"P1;", "<< [a] [!b|c] >>");
+  arc_between(*step.window.lnode, *step.window.rnode, "agt");
+  Node& inserted = *step.window.rnode;
+  entry_list_free(inserted.candidates);
+  ASSERT_EQ(inserted_undo(*step.rule, step.window), Status::ok);
+  EXPECT_EQ(text_of_list(&inserted), "b|c");
+}
+
+TEST(InsertedUndo, GivesTheArcOfACopyBackToItsOrigin) {
+  Step step(":{}\"::agt:\"P1;", "<< [a] b(0) >>");
+  Node& source = step.list.at(2);
+  Relation* arc = arc_between(*step.window.lnode, source, "agt");
+  ASSERT_EQ(node_copy(step.window.rnode, source, arc, 0), Status::ok);
+  node_insert_after(*step.window.lnode, *step.window.rnode);
+  arc->used = 1;
+  state.forced_node = step.window.rnode;
+  ASSERT_EQ(inserted_undo(*step.rule, step.window), Status::ok);
+  EXPECT_EQ(step.text(), "<< [a] [b(0)] >>");
+  EXPECT_EQ(arc->to, &source);
+  EXPECT_EQ(arc->used, 0);
+  EXPECT_EQ(state.forced_node, gone_node());
+}
+
+TEST(InsertedUndo, ReloadsTheEntryOfAScopeThatLostItsWords) {
+  Step step(":{}\"::agt:\"P1;", "<< [a] [SCOPE:01] >>");
+  arc_between(*step.window.lnode, *step.window.rnode, "agt");
+  List scope("x|y");
+  add_scope(1, scope.nodes.at(0));
+  entry_list_free(scope.at(0).candidates);
+  ASSERT_EQ(inserted_undo(*step.rule, step.window), Status::ok);
+  EXPECT_EQ(text_of_list(scope.nodes.at(0)), "x|y");
+}
+
+// ---- Holds.
+
+struct HoldCase {
+  const char* what;
+  const char* reference;
+  const char* scopes;
+  bool is_released;
+  const char* after;
+};
+
+class HoldRelease : public ::testing::TestWithParam<HoldCase> {};
+
+TEST_P(HoldRelease, OfAUsedReference) {
+  const HoldCase& hold = GetParam();
+  const std::string list = std::string("<< [") + hold.reference + "] >>";
+  Search search({"", "L{}{}P1;", list.c_str(), "", "", "", hold.scopes}, Before::failed);
+  EXPECT_EQ(hold_release(*search.window().lnode), hold.is_released);
+  EXPECT_EQ(search.scopes_text(), hold.after);
+}
+
+INSTANTIATE_TEST_SUITE_P(Holds, HoldRelease,
+                         ::testing::Values(HoldCase{"Used", "SCOPE:01(0)", "a(2)", true, "a"},
+                                           HoldCase{"ThroughReferences", "SCOPE:01(0)", "SCOPE:02;a(2)", true,
+                                                    "SCOPE:02;a"},
+                                           HoldCase{"Fresh", "SCOPE:01", "a(2)", false, "a(2)"},
+                                           HoldCase{"OnlyAMarker", "SCOPE:01(m)", "a(2)", false, "a(2)"},
+                                           HoldCase{"NoHold", "SCOPE:01(0)", "a(0)", false, "a(0)"},
+                                           HoldCase{"NoEntry", "SCOPE:01(0)", "", false, ""}),
+                         kName);
+
+// ---- The types without a step.
+
+struct SteplessCase {
+  const char* what;
+  const char* rule;
+  const char* copied;  // the node of the pair "x y" that the copy stands for
+  const char* after;
+};
+
+class SteplessUndo : public ::testing::TestWithParam<SteplessCase> {};
+
+// The pair has left the list together, and a copy of one of them stands in its place.
+TEST_P(SteplessUndo, PutsThePairBack) {
+  const SteplessCase& stepless = GetParam();
+  Step step(stepless.rule, "<< [a] [c] b >>");
+  const List pair("x y");
+  step.window.rnode->origin = pair.nodes.at(stepless.copied[0] == 'x' ? 0 : 1);
+  step.matched();
+  ASSERT_EQ(stepless_undo(step.window, *step.rule), Status::ok);
+  EXPECT_EQ(step.text(), stepless.after);
+}
+
+INSTANTIATE_TEST_SUITE_P(Types, SteplessUndo,
+                         ::testing::Values(SteplessCase{"Plus", "+{}{}P1;", "x", "<< a [x] [y] b >>"},
+                                           SteplessCase{"Minus", "-{}{}P1;", "y", "<< a [x] [y] b >>"},
+                                           SteplessCase{"Less", "<{::agt:}{}P1;", "x", "<< a [x] [y] b >>"},
+                                           SteplessCase{"Greater", ">{::agt:}{}P1;", "y", "<< a [x] [y] b >>"}),
+                         kName);
+
+// ---- What has no defined result ends the sentence.
+
+struct LostCase {
+  const char* what;
+  const char* rules;
+  const char* list;
+  Before before;
+  const char* message;
+};
+
+class Lost : public ::testing::TestWithParam<LostCase> {};
+
+TEST_P(Lost, EndsTheSentenceWithAMessage) {
+  const LostCase& lost = GetParam();
+  Search search({"", lost.rules, lost.list, "", "", ""}, lost.before);
+  Capture output;
+  EXPECT_EQ(search.undo().substr(0, 3), "110");
+  EXPECT_EQ(output.text(), std::string(";;the rule base has failed: ") + lost.message + "\n");
+  EXPECT_EQ(must_leave(), Status::rule_base);
+}
+
+INSTANTIATE_TEST_SUITE_P(Undo, Lost,
+                         ::testing::Values(LostCase{"PlusWithoutOrigin", "+{}{}P1;", "<< [a] [b] >>", Before::matched,
+                                                    "undid a rule of a type that has no step"},
+                                           LostCase{"GreaterWithoutOrigin", ">{::agt:}{}P1;", "<< [a] [b] >>",
+                                                    Before::matched, "undid a rule of a type that has no step"},
+                                           LostCase{"ExchangeBesideAFreshNode", "X{}{}P1;", "<< [a] [b] c >>",
+                                                    Before::matched, "undid an exchange whose nodes are not there"},
+                                           LostCase{"ExchangeAtTheEnd", "X{}{}P1;", "<< [a] [>>]", Before::applied,
+                                                    "undid an exchange whose nodes are not there"},
+                                           LostCase{"CopyThatIsNotThere", "CL{}{}P1;", "<< [a] [b] >>", Before::matched,
+                                                    "undid a copy that is not there"},
+                                           LostCase{"MidWithoutPlaces", ":{}(M)*\"[b]\"P1;", "<< [a] [b] >>",
+                                                    Before::matched, "lost the place of a rule with MID"},
+                                           LostCase{"OnlyMarkers", "L{}{}P1;", "<< [a(m)] [b] >>", Before::failed,
+                                                    "undid a step that no rule has made"},
+                                           LostCase{"BoundaryAsInsertedNode", ":{}\"[b]\"P1;", "<< [a] [>>]",
+                                                    Before::matched, "undid an insertion of another node"}),
+                         kName);
+
+TEST(Lost, StackThatIsEmptyOnOneSide) {
+  Search search({"", "L{}{}P1;", "<< [a] [b] >>", "", "", ""}, Before::matched);
+  match_record_pop(search.at(1));
+  Capture output;
+  EXPECT_EQ(search.undo(), "110 P1");
+  EXPECT_EQ(output.text(), ";;the rule base has failed: undid more steps than it has made\n");
+}
+
+TEST(Lost, NodePutBackWithoutItsRule) {
+  Search search({"", "L{}{}P1;", "<< [a] [!b] >>", "", "", ""}, Before::failed);
+  search.candidate() = nullptr;
+  Capture output;
+  EXPECT_EQ(search.undo(), "110 -");
+}
+
+TEST(Lost, EmptyPlaces) {
+  for (const Side side : {Side::left, Side::right}) {
+    Search search({"", "L{}{}P1;", "<< [a] [b] >>", "", "", ""}, Before::failed);
+    node_of(search.window(), side) = nullptr;
+    Capture output;
+    EXPECT_EQ(search.undo(), "110 P1");
+  }
+}
+
+TEST(Lost, OriginThatStillStandsInTheList) {
+  Step step("+{}{}P1;", "<< x [a] [c] b >>");
+  step.window.rnode->origin = &step.list.at(1);
+  step.matched();
+  Capture output;
+  EXPECT_EQ(stepless_undo(step.window, *step.rule), Status::rule_base);
+}
+
+TEST(Lost, NodeOfTheGraphWithoutItsArc) {
+  Step step(":{}\"::agt:\"P1;", "<< [a] [b] >>");
+  step.window.rnode->name = temp_text("b");
+  Capture output;
+  EXPECT_EQ(inserted_undo(*step.rule, step.window), Status::rule_base);
+}
+
+}  // namespace
+}  // namespace lexon::test
