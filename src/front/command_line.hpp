@@ -1,0 +1,32 @@
+// The command line of a run: four paths, then switches.
+#pragma once
+
+#include <span>
+#include <string>
+#include <string_view>
+
+#include "run/settings.hpp"
+
+namespace lexon {
+
+enum class ProgressStyle { automatic, plain, none };
+
+// What the console program wants beside the settings of the run.
+struct CommandLine {
+  RunSettings settings;
+  bool help = false;
+  bool version = false;
+  bool yes = false;  // the answer to every question
+  ProgressStyle progress = ProgressStyle::automatic;
+  std::string error;  // what is wrong with the command line; empty if nothing is
+};
+
+// Reads the words of a command line, the program's name not among them. A switch is "-" or "^" and a letter, of either
+// case, its value joined to it or the next word. Relative paths are made absolute. Anything that is no switch, a fifth
+// bare word and a value that is no number leave an `error`.
+[[nodiscard]] CommandLine command_line_read(std::span<const char* const> words);
+
+// How to call the program.
+[[nodiscard]] const char* usage_text();
+
+}  // namespace lexon

@@ -1,0 +1,158 @@
+// lexon-dict: builds, lists, searches and checks binary dictionaries.
+
+#include <CLI/CLI.hpp>
+
+#include <cstdint>
+#include <cstdio>
+#include <exception>
+#include <string>
+#include <vector>
+
+#include "dict/builder.hpp"
+#include "dict/builder_tools.hpp"
+
+namespace {
+
+using namespace lexon;
+
+// Exit statuses: done; failed, damaged or nothing found; a wrong command line.
+constexpr int kDone = 0;
+constexpr int kFailed = 1;
+constexpr int kUsage = 2;
+
+constexpr const char* kAbout = R"(Builds, lists, searches and checks the dictionaries of lexon.
+
+An entry stands on one line:
+  [HW]{ID} GLOSS "CW" (ATTRIBUTES) <LANGUAGE,FREQUENCY,PRIORITY>;
+HW is the surface form and CW the concept word. Empty lines and lines that begin
+with ";" are comments.)";
+
+struct Arguments {
+  BuildOptions build;
+  std::string dictionary;
+  std::string hw;
+  std::string cw;
+  std::vector<std::string> keys;
+  unsigned memory_mib = 192;
+};
+
+// The bit of a key field by its name; 0 for other names.
+unsigned key_bit(const std::string& name) {
+  for (int field = kKeyHw; field <= kSlotCount; ++field) {
+    if (key_field_name(field) != nullptr && name == key_field_name(field)) return 1U << field;
+  }
+  return 0;
+}
+
+CLI::Validator is_key_name() {
+  const auto check = [](const std::string& name) {
+    return key_bit(name) != 0 ? std::string{} : "a key is hw, gloss, cw, id, extra1 or extra2, not \"" + name + "\"";
+  };
+  return {check, "KEY"};
+}
+
+// "1 entry", "2 entries".
+std::string counted(std::int64_t count, const char* one, const char* many) {
+  return std::to_string(count) + ' ' + (count == 1 ? one : many);
+}
+
+int run_build(Arguments& arguments) {
+  BuildOptions& options = arguments.build;
+  for (const std::string& name : arguments.keys) options.key_fields |= key_bit(name);
+  options.memory = std::size_t{arguments.memory_mib} << 20;
+  BuildFigures figures;
+  if (!dictionary_build(options, stderr, figures)) return kFailed;
+  std::printf("%s in %s (%u blocks), index in %s (%u blocks)", counted(figures.entries, "entry", "entries").c_str(),
+              options.dictionary.c_str(), figures.dictionary_blocks, figures.index.c_str(), figures.index_blocks);
+  if (figures.bad_lines != 0) std::printf(", %s left out", counted(figures.bad_lines, "bad line", "bad lines").c_str());
+  std::printf("\n");
+  return kDone;
+}
+
+int run_list(const Arguments& arguments) {
+  return dictionary_list(arguments.dictionary, stdout, stderr) ? kDone : kFailed;
+}
+
+int run_find(const Arguments& arguments, bool by_hw) {
+  const std::string& key = by_hw ? arguments.hw : arguments.cw;
+  const FindResult result = dictionary_find(arguments.dictionary, by_hw ? kKeyHw : kKeyCw, key, stdout, stderr);
+  if (result == FindResult::nothing) std::fprintf(stderr, "nothing is found\n");
+  return result == FindResult::found ? kDone : kFailed;
+}
+
+int run_check(const Arguments& arguments) {
+  CheckFigures figures;
+  const std::size_t memory = std::size_t{arguments.memory_mib} << 20;
+  const bool is_sound = dictionary_check(arguments.dictionary, stderr, memory, figures);
+  if (is_sound) {
+    const std::string keys = counted(figures.keys - figures.unasked, "key", "keys");
+    std::printf("%s: sound: %s, each found once by each of %s\n", arguments.dictionary.c_str(),
+                counted(figures.records, "entry", "entries").c_str(), keys.c_str());
+  } else if (figures.damages != 0) {
+    std::printf("%s: damaged in %s\n", arguments.dictionary.c_str(),
+                counted(figures.damages, "place", "places").c_str());
+  }
+  return is_sound ? kDone : kFailed;
+}
+
+void add_memory(CLI::App& command, Arguments& arguments) {
+  command.add_option("--memory", arguments.memory_mib, "MiB that sorting may use")
+      ->check(CLI::Range(1U, 4000U))
+      ->capture_default_str();
+}
+
+CLI::App* add_build(CLI::App& app, Arguments& arguments) {
+  CLI::App* command = app.add_subcommand("build", "Make a dictionary from entry text, and its index (.idx) beside it");
+  command->add_option("ENTRIES", arguments.build.entries, "The entry text")->required();
+  command->add_option("OUT", arguments.build.dictionary, "The dictionary to make")->required();
+  command->add_flag("--skip-bad", arguments.build.skip_bad, "Report bad lines and leave them out");
+  command->add_option("--keys", arguments.keys, "Keys to look words up by, besides hw and cw")
+      ->delimiter(',')
+      ->check(is_key_name());
+  add_memory(*command, arguments);
+  return command;
+}
+
+CLI::App* add_with_dictionary(CLI::App& app, const char* name, const char* what, Arguments& arguments) {
+  CLI::App* command = app.add_subcommand(name, what);
+  command->add_option("DIC", arguments.dictionary, "The dictionary")->required();
+  return command;
+}
+
+// Reads the command line and does what it says.
+int run(int argc, char** argv) {
+  Arguments arguments;
+  CLI::App app(kAbout, "lexon-dict");
+  app.set_version_flag("--version", std::string("lexon-dict ") + LEXON_VERSION);
+  app.require_subcommand(1);
+  const CLI::App* build = add_build(app, arguments);
+  const CLI::App* list = add_with_dictionary(app, "list", "Write all entries as text, in order of HW", arguments);
+  CLI::App* find = add_with_dictionary(app, "find", "Write the entries with this HW or CW", arguments);
+  CLI::Option_group* key = find->add_option_group("key");
+  const CLI::Option* hw = key->add_option("--hw", arguments.hw, "The surface form");
+  key->add_option("--cw", arguments.cw, "The concept word");
+  key->require_option(1);
+  CLI::App* check =
+      add_with_dictionary(app, "check", "Look for damage, and ask for every entry by every key", arguments);
+  add_memory(*check, arguments);
+  try {
+    app.parse(argc, argv);
+  } catch (const CLI::ParseError& error) {
+    return app.exit(error) == 0 ? kDone : kUsage;
+  }
+  if (build->parsed()) return run_build(arguments);
+  if (list->parsed()) return run_list(arguments);
+  if (find->parsed()) return run_find(arguments, hw->count() != 0);
+  return run_check(arguments);
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  try {
+    return run(argc, argv);
+  } catch (const std::exception& error) {
+    std::fprintf(stderr, "lexon-dict: %s\n", error.what());
+    return kFailed;
+  }
+}

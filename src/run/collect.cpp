@@ -1,0 +1,75 @@
+// Joining the surface forms of a finished list into one line.
+#include <cstdint>
+#include <cstdio>
+#include <cstring>
+#include <utility>
+
+#include "data/chain.hpp"
+#include "data/state.hpp"
+#include "run/render.hpp"
+
+namespace lexon {
+
+namespace {
+
+constexpr std::ptrdiff_t kMarkStep = 4;  // wanted: the cursor moves on by 4 whatever the length of the label
+constexpr std::ptrdiff_t kMarkRoom = 8;  // the sign, a label of 5 characters, its terminator
+
+// Shows at the word those of its relations that generation has not used.
+bool append_unused_relations(const Node& node, char*& cursor, const char* end, int scope) {
+  for (const Relation& relation : chain<&Relation::next>(node.relations)) {
+    const bool touches = relation.to == &node || relation.from == &node;
+    if (relation.scope != scope || relation.used != 0 || !touches) continue;
+    if (end - cursor < kMarkRoom) return false;
+    std::snprintf(cursor, static_cast<std::size_t>(kMarkRoom), "%c%s", relation.to == &node ? '<' : '>',
+                  relation.label);
+    cursor += kMarkStep;
+  }
+  return true;
+}
+
+bool append_word(const Node& node, char*& cursor, const char* end, int scope) {
+  const WordEntry* word = node.candidates;
+  if (word != nullptr && word->hw != nullptr) {
+    const std::size_t length = std::strlen(word->hw);
+    const std::ptrdiff_t room = end - cursor;
+    if (static_cast<std::ptrdiff_t>(length) >= room || word->hw_len >= room || word->hw_len < 0) return false;
+    if (length != 0) std::memcpy(cursor, word->hw, length + 1);
+    cursor += word->hw_len;
+  }
+  return state.trace_level <= 0 || append_unused_relations(node, cursor, end, scope);
+}
+
+bool append_scope(const Node& reference, char*& cursor, const char* end) {
+  for (std::int32_t i = 1; i < sentence.semlst_count && i < kMaxScopes; ++i) {
+    const ScopeRow& row = sentence.semlst[static_cast<std::size_t>(i)];
+    if (row.number == reference.scope) return collect_sentence(row.entry, cursor, end, row.number);
+  }
+  return true;
+}
+
+bool append_node(const Node& node, char*& cursor, const char* end, int scope) {
+  if (is_scope_reference(node)) return append_scope(node, cursor, end);
+  return node.kind >= kKindBoundary || append_word(node, cursor, end, scope);
+}
+
+// Collects what lies beyond `link`, with the neighbour's link back (`back`) cut meanwhile, so that the walk does not
+// turn round.
+bool collect_beyond(Node* neighbour, Node* Node::*back, char*& cursor, const char* end, int scope) {
+  if (neighbour == nullptr) return true;
+  Node* kept = std::exchange(neighbour->*back, nullptr);
+  const bool fits = collect_sentence(neighbour, cursor, end, scope);
+  neighbour->*back = kept;
+  return fits;
+}
+
+}  // namespace
+
+bool collect_sentence(Node* node, char*& cursor, const char* end, int scope) {
+  if (node == nullptr) return true;
+  if (stack_nearly_used() || must_leave() != Status::ok) return false;
+  return collect_beyond(node->left, &Node::right, cursor, end, scope) && append_node(*node, cursor, end, scope) &&
+         collect_beyond(node->right, &Node::left, cursor, end, scope);
+}
+
+}  // namespace lexon

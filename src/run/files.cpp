@@ -1,0 +1,26 @@
+#include "run/files.hpp"
+
+#include "data/platform.hpp"
+
+namespace lexon {
+
+PathParts path_split(const std::string& path) {
+  const std::size_t slash = path.rfind('/');
+  const std::size_t base = slash == std::string::npos ? 0 : slash + 1;
+  const std::size_t dot = path.rfind('.');
+  const std::size_t end = dot == std::string::npos || dot < base ? path.size() : dot;
+  return {path.substr(0, base), path.substr(base, end - base), path.substr(end)};
+}
+
+std::FILE* file_open(const std::string& path, const char* mode) {
+  std::FILE* stream = std::fopen(path.c_str(), mode);
+  if (stream == nullptr || is_a_file(stream)) return stream;
+  std::fclose(stream);
+  return nullptr;
+}
+
+std::string cannot_open(const char* what, const std::string& path) {
+  return std::string("Can't Open ") + what + " : " + path + "!";
+}
+
+}  // namespace lexon

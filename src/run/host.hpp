@@ -1,0 +1,30 @@
+// What a run needs of a front end.
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+namespace lexon {
+
+struct RunContext;
+
+enum class StepResult { finished, cancelled };
+
+class Host {
+ public:
+  virtual ~Host() = default;
+
+  // Shows the text as an error, before any step has started; the run then ends.
+  virtual void report_stop(const std::string& text) = 0;
+  // Asked once at most, for a co-occurrence dictionary that cannot be opened.
+  virtual bool ask_yes_no(const std::string& text) = 0;
+  // First of all, if the run starts at once. May do nothing.
+  virtual void minimise() = 0;
+  // Starts the right worker and waits for it. Number 0 is the rule step, which has no time limit. `finished` when the
+  // step ended by itself or by its time limit.
+  virtual StepResult run_step(RunContext& context, const char* caption, std::int32_t number) = 0;
+  // Last of all, on every way out.
+  virtual void finish() = 0;
+};
+
+}  // namespace lexon

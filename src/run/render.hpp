@@ -1,0 +1,21 @@
+// The next sentence of the input, as one line of output.
+#pragma once
+
+#include <cstdio>
+
+#include "data/records.hpp"
+#include "data/sentence.hpp"
+#include "data/status.hpp"
+
+namespace lexon {
+
+// Reads, generates, post-edits and prints one sentence. `text` is a buffer of kSentenceSize characters that receives
+// the finished line. `end_of_input` when there is no further sentence; every other status but ok is a failure.
+[[nodiscard]] Status render_sentence(const DictionaryFiles& dictionary, std::FILE* input, char* text,
+                                     const DictionaryFiles& cr_dictionary, bool post_edit);
+
+// Appends the surface forms of the list that `node` stands in, from left to right, scopes included. `cursor` moves on
+// in a buffer that ends at `end`. False when the sentence does not fit.
+[[nodiscard]] bool collect_sentence(Node* node, char*& cursor, const char* end, int scope);
+
+}  // namespace lexon

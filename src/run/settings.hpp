@@ -1,0 +1,31 @@
+// One run, as the front end wants it.
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+namespace lexon {
+
+inline constexpr int kPathLimit = 260;  // characters of a path
+
+// Filled by the front end; the driver only reads it.
+struct RunSettings {
+  std::string input_file;
+  std::string output_file;  // created or truncated first of all
+  std::string rule_file;    // rule text, or a compiled file with the extension ".rul"
+  std::string dictionary_file;
+  std::string cr_dictionary_file;          // empty: the run has none
+  std::string kb_dictionary_file;          // carried along, never opened
+  std::int32_t start_sentence = 1;         // from 1
+  std::int32_t sentence_count = 1;         // 0: all up to the end of the input
+  std::int32_t trace_level = 1;            // the low 8 bits count, as a signed number
+  std::int32_t max_time_per_sentence = 0;  // seconds; 0: limitless
+  bool run_at_once = false;
+  bool show_progress = false;
+  bool post_edit = true;
+  bool rules_conversion_only = false;
+  bool reserved_a = true;
+  bool reserved_b = false;
+};
+
+}  // namespace lexon

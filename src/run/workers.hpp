@@ -1,0 +1,20 @@
+// The bodies of the steps of a run.
+#pragma once
+
+#include "run/context.hpp"
+
+namespace lexon {
+
+// Each sets `run_status` when it is done and flushes the output. After a stop that was asked for they leave the
+// output as it is.
+void convert_worker(RunContext& context);
+void load_worker(RunContext& context);
+void sentence_worker(RunContext& context);
+// A sentence step when the rule step has left no rules: fails at once and reads nothing.
+void no_rules_worker(RunContext& context);
+
+// The worker of the next step: the rule step, as the context says, and from then on a sentence.
+using Worker = void (*)(RunContext&);
+[[nodiscard]] Worker choose_worker(const RunContext& context);
+
+}  // namespace lexon
