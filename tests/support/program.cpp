@@ -33,6 +33,19 @@ namespace {
 
 }  // namespace
 
+int start_program(const std::string& name, const std::vector<std::string>& arguments) {
+  const std::string path = std::string(LEXON_PROGRAMS) + "/" + name;
+  const pid_t child = fork();
+  if (child == 0) become_program(path, arguments, ".", "/dev/null", "/dev/null");
+  return child;
+}
+
+int wait_for_program(int process) {
+  int status = 0;
+  waitpid(process, &status, 0);
+  return WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
+}
+
 ProgramResult run_program(const std::string& name, const std::vector<std::string>& arguments,
                           const std::string& folder) {
   const std::string path = std::string(LEXON_PROGRAMS) + "/" + name;
@@ -41,9 +54,7 @@ ProgramResult run_program(const std::string& name, const std::vector<std::string
   const std::string error = stem + "/error";
   const pid_t child = fork();
   if (child == 0) become_program(path, arguments, folder, out, error);
-  int status = 0;
-  waitpid(child, &status, 0);
-  const int exit_status = WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
+  const int exit_status = wait_for_program(child);
   ProgramResult result{exit_status, bytes_of(out), bytes_of(error)};
   fs::remove_all(stem);
   return result;

@@ -16,6 +16,12 @@ struct ProgramResult {
 [[nodiscard]] ProgramResult run_program(const std::string& name, const std::vector<std::string>& arguments,
                                         const std::string& folder = ".");
 
+// Starts a program and does not wait; its output goes nowhere. The process number, to be waited for.
+[[nodiscard]] int start_program(const std::string& name, const std::vector<std::string>& arguments);
+
+// Waits for a started program; its exit status as above.
+[[nodiscard]] int wait_for_program(int process);
+
 // A fresh empty folder under the test's temporary place.
 [[nodiscard]] std::string fresh_folder(const std::string& name);
 
