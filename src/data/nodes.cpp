@@ -21,14 +21,7 @@ bool is_entry_of_current_scope(const Node& node) {
 
 // Puts `prefix` in front of the word's attributes, and lets its sizes grow by as much.
 Status prefix_attrs(WordEntry& word, std::string_view prefix) {
-  const std::string_view old = text_or_empty(word.attrs);
-  auto* attrs = static_cast<char*>(temp_alloc(static_cast<std::int64_t>(prefix.size() + old.size()) + 1));
-  if (attrs == nullptr) return Status::memory;
-  std::memcpy(attrs, prefix.data(), prefix.size());
-  if (!old.empty()) std::memcpy(attrs + prefix.size(), old.data(), old.size());
-  attrs[prefix.size() + old.size()] = '\0';
-  temp_free_string(word.attrs);
-  word.attrs = attrs;
+  if (const Status s = entry_attrs_prefix(word, prefix); s != Status::ok) return s;
   const auto growth = static_cast<std::int32_t>(prefix.size());
   word.attr_len += growth;
   word.attr_block_size += growth;
@@ -128,14 +121,18 @@ void PlaceWatch::forget(const Node* node) {
   }
 }
 
+void node_empty(Node& node) {
+  if (state.forced_node == &node) state.forced_node = gone_node();
+  entry_list_free(node.candidates);
+  if (!is_fresh(node)) match_record_pop(node);
+}
+
 void node_free(Node*& node) {
   if (node == nullptr) return;
-  Node* const released = node;
-  if (state.forced_node == node) state.forced_node = gone_node();
   const bool shares_its_name = node->source != nullptr && node->source->name == node->name;
   if (!shares_its_name) temp_free_string(node->name);
-  entry_list_free(node->candidates);
-  if (!is_fresh(*node)) match_record_pop(*node);
+  node_empty(*node);
+  Node* const released = node;
   temp_delete(node);
   node = nullptr;
   PlaceWatch::forget(released);

@@ -35,7 +35,10 @@ class PlaceWatch {
   PlaceWatch* outer_;
 };
 
-// Joins the neighbours, releases the words, then does the same.
+// The same but for the node itself and its name: others may still point to it.
+void node_empty(Node& node);
+
+// Joins the neighbours, releases the words, then does as `node_free`.
 void node_unlink_free(Node*& node);
 
 // Reloads `candidates` by a fresh copy of `entries`; the old list is released.

@@ -81,11 +81,8 @@ std::optional<FileTime> file_time(const std::string& path, int& error) {
 }
 
 std::string temp_file_make() {
-  std::array<char, 4096> folder;
-  if (getcwd(folder.data(), folder.size()) != nullptr) {
-    if (std::string name = temp_file_in(folder.data()); !name.empty()) return name;
-  }
-  return temp_file_in(system_temp_folder());
+  std::string name = temp_file_in(system_temp_folder());
+  return name.empty() ? temp_file_in(".") : name;
 }
 
 std::string temp_file_make_beside(const std::string& path) {

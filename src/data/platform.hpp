@@ -18,8 +18,8 @@ struct FileTime {
 };
 [[nodiscard]] std::optional<FileTime> file_time(const std::string& path, int& error);
 
-// Makes an empty private file with an unpredictable name, in the current directory, or in the system's temporary
-// place if that cannot be written. The empty text on failure. The caller removes it.
+// Makes an empty private file with an unpredictable name in the system's temporary place, or in the current folder if
+// that cannot be written. The empty text on failure. The caller removes it.
 [[nodiscard]] std::string temp_file_make();
 
 // The same in the folder of `path`, with the permissions that a new file gets; the empty text on failure.

@@ -1,5 +1,6 @@
 #include "data/words.hpp"
 
+#include <algorithm>
 #include <array>
 #include <cstring>
 #include <utility>
@@ -143,6 +144,17 @@ Status entry_attrs_set(WordEntry& word, std::string_view attrs) {
   temp_free_string(word.attrs);
   word.attrs = copy;
   word.attr_len = length_of(attrs);
+  return Status::ok;
+}
+
+Status entry_attrs_prefix(WordEntry& word, std::string_view prefix) {
+  const std::string_view old = text_or_empty(word.attrs);
+  auto* attrs = static_cast<char*>(temp_alloc(static_cast<std::int64_t>(prefix.size() + old.size()) + 1));
+  if (attrs == nullptr) return Status::memory;
+  char* end = std::copy(prefix.begin(), prefix.end(), attrs);
+  *std::copy(old.begin(), old.end(), end) = '\0';
+  temp_free_string(word.attrs);
+  word.attrs = attrs;
   return Status::ok;
 }
 

@@ -30,6 +30,9 @@ void entry_list_sort(WordEntry*& head);
 // Replaces the word's attributes by a copy of `attrs`, releases the old ones and sets `attr_len` and no other size.
 [[nodiscard]] Status entry_attrs_set(WordEntry& word, std::string_view attrs);
 
+// Puts `prefix` in front of the word's attributes, which may grow beyond their limit. No size of the word follows.
+[[nodiscard]] Status entry_attrs_prefix(WordEntry& word, std::string_view prefix);
+
 // Never null: the text itself, or the empty text for null.
 [[nodiscard]] inline const char* text_or_empty(const char* text) {
   return text == nullptr ? "" : text;

@@ -43,17 +43,20 @@ enum class Held : std::uint8_t { none, has_words, used_up, failed };
   return node_words_reload(*entry) == Status::ok ? Held::used_up : Held::failed;
 }
 
-// Item 7 of both sides: the node leaves the list. The window of a rule with MID is given by the candidate as it now
-// stands, on the side of the node that stays.
+// The window of a rule with MID is given by the candidate as it now stands, on the side of the node that stays.
+[[nodiscard]] Status mid_window_set(Undo& undo, Side staying_side) {
+  Node* staying = undo.candidate == nullptr ? nullptr : noted_place(*undo.candidate, staying_side);
+  const bool has_place = staying != nullptr && stands_in_list_of(node_of(undo.window, staying_side), staying);
+  if (!has_place) return rule_base_failure("lost the place of a rule with MID");
+  undo.window = staying_side == Side::left ? Window{staying, staying->right} : Window{staying->left, staying};
+  return Status::ok;
+}
+
+// Item 7 of both sides: the node leaves the list.
 [[nodiscard]] Stage inserted_take_out(Undo& undo, const Rule& rule, Side inserted) {
   if (const Status status = inserted_undo(rule, undo.window); status != Status::ok) return leave(undo, status);
   if (rule.mid != nullptr) {
-    const RuleCandidate* candidate = undo.candidate;
-    const bool is_right = inserted == Side::right;
-    Node* staying = candidate == nullptr ? nullptr : is_right ? candidate->lnode : candidate->rnode;
-    if (!stands_in_list_of(is_right ? undo.window.lnode : undo.window.rnode, staying))
-      return leave(undo, rule_base_failure("lost the place of a rule with MID"));
-    undo.window = is_right ? Window{staying, staying->right} : Window{staying->left, staying};
+    if (const Status status = mid_window_set(undo, other(inserted)); status != Status::ok) return leave(undo, status);
   }
   undo.caller = undo.window;
   return Stage::end;

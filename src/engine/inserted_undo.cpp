@@ -1,6 +1,7 @@
 // Taking a node that a rule brought in out of the list again. A node of the graph is made ready to be brought in once
 // more; a copy gives its arc back to its origin and is released, and so is a word that came from the dictionary.
 
+#include <cstdint>
 #include <cstring>
 
 #include "data/chain.hpp"
@@ -58,10 +59,20 @@ struct Insertion {
   return entry != nullptr && entry->candidates == nullptr ? node_words_reload(*entry) : Status::ok;
 }
 
-// Nodes of the graph, boundaries and what stands for other nodes outlive an insertion.
-[[nodiscard]] bool may_be_released(const Node& node) {
-  return node.name == nullptr && kind_bits(node) != kKindBoundary && node.merged_with == nullptr &&
-         !is_scope_entry(node);
+// What becomes of a node that leaves the list.
+enum class Leaving : std::uint8_t {
+  reset,     // a node of the graph, ready to be brought in again
+  released,  // a copy or a word from the dictionary: it is gone
+  emptied,   // no arc says how it came in, but others may know it (a boundary, a node of the graph): only its cell stays
+};
+
+[[nodiscard]] bool is_known_to_others(const Node& node) {
+  return node.name != nullptr || kind_bits(node) == kKindBoundary || is_scope_entry(node);
+}
+
+[[nodiscard]] Leaving leaving_of(const Node& inserted, const Relation* arc) {
+  if (arc != nullptr && inserted.origin == nullptr) return Leaving::reset;
+  return is_known_to_others(inserted) ? Leaving::emptied : Leaving::released;
 }
 
 // No arc may lead to a copy that is gone.
@@ -75,30 +86,36 @@ void arcs_give_back(Node& copy) {
 }
 
 // Leaves the list. The neighbours are joined.
-void insertion_end(Node* inserted, bool is_released) {
-  if (is_released) {
+void insertion_end(Node* inserted, Leaving leaving) {
+  if (leaving == Leaving::released) {
     node_unlink_free(inserted);
     return;
   }
   node_take_out(*inserted);
-  // Out of every list: the node of the graph is ready to be brought in again.
-  inserted->left = inserted->right = nullptr;
+  if (leaving == Leaving::emptied) {
+    node_empty(*inserted);
+  } else {
+    // Out of every list: the node of the graph is ready to be brought in again.
+    inserted->left = inserted->right = nullptr;
+  }
 }
 
 [[nodiscard]] Status insertion_undo(Insertion& insertion, const Rule& rule, Window& window) {
   Node& inserted = insertion.inserted;
   Relation* arc = arc_find(insertion, rule);
-  const bool is_released = arc == nullptr || inserted.origin != nullptr;
-  if (is_released && !may_be_released(inserted)) return rule_base_failure("undid an insertion of another node");
+  const Leaving leaving = leaving_of(inserted, arc);
+  // A merge node's words are those of the node that it replaced, which undo of the merge wants back.
+  const bool takes_others_words = leaving != Leaving::reset && inserted.merged_with != nullptr;
+  if (takes_others_words) return rule_base_failure("undid an insertion of another node");
   if (arc != nullptr) arc->used = 0;
-  if (is_released) {
+  if (leaving != Leaving::reset) {
     arcs_give_back(inserted);
   } else if (const Status status = node_reset(inserted); status != Status::ok) {
     return status;
   }
   if (rule.mid != nullptr) insertion.staying = neighbour(inserted, other(insertion.side));
   Node* beyond = neighbour(inserted, insertion.side);
-  insertion_end(&inserted, is_released);
+  insertion_end(&inserted, leaving);
   node_of(window, insertion.side) = beyond;
   node_of(window, other(insertion.side)) = insertion.staying;
   return Status::ok;

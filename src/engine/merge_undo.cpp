@@ -78,7 +78,7 @@ Status exchange_undo(Window& window, const RuleCandidate& candidate) {
     return rule_base_failure("undid an exchange at an empty place");
   Node& first = *window.rnode;
   Node* second = first.right;
-  const bool can_exchange = second != nullptr && !is_fresh(*second) && !is_boundary(*second);
+  const bool can_exchange = second != nullptr && !is_fresh(*second);
   if (!can_exchange) return rule_base_failure("undid an exchange whose nodes are not there");
   for (Node* node : {window.lnode, &first, second}) {
     if (const Status status = record_pop(node); status != Status::ok) return status;

@@ -4,11 +4,9 @@
 
 #include <algorithm>
 #include <cstring>
-#include <string_view>
 
 #include "data/nodes.hpp"
 #include "data/pool.hpp"
-#include "data/scratch.hpp"
 #include "data/sentence.hpp"
 #include "data/state.hpp"
 #include "data/words.hpp"
@@ -58,16 +56,6 @@ void surface_cut(WordEntry& word, Side end, std::size_t cut) {
   }
 }
 
-// wanted: no size of the word follows.
-[[nodiscard]] Status emptied_word_mark(WordEntry& word) {
-  Scratch<kAttrLimit + 1> text;
-  text.append("H#NIL,").append(text_or_empty(word.attrs));
-  const std::int32_t length = word.attr_len;
-  const Status status = entry_attrs_set(word, text.view());
-  word.attr_len = length;
-  return status;
-}
-
 void shift_trace(Side new_side, const Window& window) {
   for (const Side side : {Side::left, Side::right}) {
     if (side == new_side) {
@@ -89,7 +77,8 @@ void shift_trace(Side new_side, const Window& window) {
   if (const Status status = shifted_node_make(word, shifted_text(pattern), node); status != Status::ok) return status;
   surface_cut(word, side, shifted_length(pattern));
   if (word.hw_len == 0) {
-    if (const Status status = emptied_word_mark(word); status != Status::ok) return status;
+    // wanted: no size of the word follows.
+    if (const Status status = entry_attrs_prefix(word, "H#NIL,"); status != Status::ok) return status;
   }
   if (side == Side::left) {
     node_insert_before(*source, *node);

@@ -17,14 +17,6 @@ namespace {
 constexpr std::int32_t kMarkGrowth = 3;  // wanted: one more than the mark's sign and comma
 constexpr std::int32_t kMarkShrink = 1;
 
-// Sets the attributes. `attr_len` follows the growth that is told, which nothing takes for the true length.
-[[nodiscard]] Status attrs_replace(WordEntry& word, std::string_view attrs, std::int32_t growth) {
-  const std::int32_t length = word.attr_len + growth;
-  const Status status = entry_attrs_set(word, attrs);
-  if (status == Status::ok) word.attr_len = length;
-  return status;
-}
-
 // Does `sign` mark a choice for the node of this side?
 [[nodiscard]] bool is_sign_of(const Rule& rule, Side side, char sign) {
   const bool own_roles = pattern_of(rule, side).roles != nullptr;
@@ -42,7 +34,11 @@ constexpr std::int32_t kMarkShrink = 1;
   if (!attrs.starts_with(id)) return Status::ok;
   attrs.remove_prefix(id.size());
   if (attrs.starts_with(',')) attrs.remove_prefix(1);
-  return attrs_replace(word, attrs, -(chosen.id_len + kMarkShrink));
+  // wanted: the length falls by less than the mark had, and by less than it grew.
+  const std::int32_t length = word.attr_len - chosen.id_len - kMarkShrink;
+  const Status status = entry_attrs_set(word, attrs);
+  if (status == Status::ok) word.attr_len = length;
+  return status;
 }
 
 }  // namespace
@@ -53,10 +49,12 @@ Status role_mark_add(const Rule& rule, Node* lnode, Node* rnode, const WordEntry
   Node* node = side == Side::left ? lnode : rnode;
   if (node == nullptr || node->candidates == nullptr) return rule_base_failure("marked a choice on an empty place");
   WordEntry& word = *node->candidates;
-  Scratch<kAttrLimit + 1> text;
-  text.append(pattern_of(rule, side).roles != nullptr ? '<' : '>').append(text_or_empty(chosen.id)).append(',');
-  text.append(text_or_empty(word.attrs));
-  return attrs_replace(word, text.view(), chosen.id_len + kMarkGrowth);
+  const std::string_view id = text_or_empty(chosen.id);
+  Scratch<kAttrLimit + 4> mark;
+  mark.append(pattern_of(rule, side).roles != nullptr ? '<' : '>').append(id).append(',');
+  const Status status = entry_attrs_prefix(word, mark.view());
+  if (status == Status::ok) word.attr_len += chosen.id_len + kMarkGrowth;
+  return status;
 }
 
 Status role_mark_remove(const Rule& rule, Node* lnode, Node* rnode, const WordEntry& chosen) {

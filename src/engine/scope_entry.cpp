@@ -33,6 +33,10 @@ struct ScopeEntry {
   ScopeRow& row;
 };
 
+[[nodiscard]] ScopeRow& current_scope() {
+  return sentence.semlst[static_cast<std::size_t>(state.semlst_cur)];
+}
+
 // A block may be missing; then there is nothing to hand in to.
 void block_append(ScopeAttrs* block, std::string_view text) {
   if (block == nullptr) return;
@@ -93,26 +97,30 @@ void entry_trace(const ScopeEntry& scope, const RuleCandidate& candidate) {
   trace_scope_entered(scope.side, scope.row.number);
 }
 
-[[nodiscard]] Status scope_finished(const ScopeEntry& scope, const Node* ref) {
-  const Node* entry = scope.row.entry;
+// wanted: what stands in the current row when the scope ends counts. A return into deeper scopes can have left one of
+// theirs in force.
+[[nodiscard]] Status scope_finished(const Node* ref) {
+  const ScopeRow& row = current_scope();
   const bool have_words =
-      ref != nullptr && ref->candidates != nullptr && entry != nullptr && entry->candidates != nullptr;
+      ref != nullptr && ref->candidates != nullptr && row.entry != nullptr && row.entry->candidates != nullptr;
   if (!have_words) return rule_base_failure("finished a scope without a word");
   WordEntry& word = *ref->candidates;
   std::string_view own = text_or_empty(word.attrs);
   if (const std::size_t at = own.find(kOwnBehind); at != std::string_view::npos) {
     own.remove_prefix(at + kOwnBehind.size());
   }
-  if (const Status status = reference_attrs_join(word, own, *entry->candidates); status != Status::ok) return status;
+  if (const Status status = reference_attrs_join(word, own, *row.entry->candidates); status != Status::ok)
+    return status;
   trace_indent_shrink();
-  trace_scope_finished(scope.row.number);
+  trace_scope_finished(row.number);
   return Status::ok;
 }
 
-[[nodiscard]] Status scope_failed(const ScopeEntry& scope, Status generated) {
+[[nodiscard]] Status scope_failed(Side side, Status generated) {
+  const ScopeRow& row = current_scope();
   trace_indent_shrink();
-  trace_scope_failed(scope.side, scope.row.number);
-  if (scope.row.entry != nullptr) block_cut(scope.row.entry->scope_attrs);
+  trace_scope_failed(side, row.number);
+  if (row.entry != nullptr) block_cut(row.entry->scope_attrs);
   return generated;
 }
 
@@ -153,7 +161,7 @@ ScopeResult scope_enter(Side side, Window& window, const RuleCandidate& candidat
   home_scope = state.semlst_cur;
   // A scope that the table does not know leaves the current one in force.
   if (const int found = scope_row_find(ref.scope); found != 0) state.semlst_cur = found;
-  ScopeRow& row = sentence.semlst[static_cast<std::size_t>(state.semlst_cur)];
+  ScopeRow& row = current_scope();
   const bool can_enter = row.entry != nullptr && ref.candidates != nullptr;
   if (!can_enter) return {rule_base_failure("entered a scope without an entry"), false};
   const ScopeEntry scope{side, ref, pattern_of(*candidate.rule, side), row};
@@ -164,7 +172,7 @@ ScopeResult scope_enter(Side side, Window& window, const RuleCandidate& candidat
   // A stopped or lost sentence prints nothing more.
   if (const Status status = must_leave(); status != Status::ok) return {status, false};
   const bool has_failed = generated != Status::ok;
-  const Status status = has_failed ? scope_failed(scope, generated) : scope_finished(scope, node_of(window, side));
+  const Status status = has_failed ? scope_failed(side, generated) : scope_finished(node_of(window, side));
   state.semlst_cur = home_scope;
   return {status, has_failed};
 }

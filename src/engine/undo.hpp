@@ -59,6 +59,11 @@ void give_up_rules(Undo& undo, int number);
 // be null.
 bool hold_take(Node* node, const Rule* of = nullptr);
 
+// The place that matching has noted for a rule with MID; null if it has noted none.
+[[nodiscard]] constexpr Node* noted_place(const RuleCandidate& candidate, Side side) {
+  return side == Side::left ? candidate.lnode : candidate.rnode;
+}
+
 // Where the rule with MID of `candidate` works: the two places that matching has noted. They must still stand in the
 // list of `window`, which becomes them.
 [[nodiscard]] Status to_noted_places(Window& window, const RuleCandidate& candidate);

@@ -85,8 +85,8 @@ bool ConsoleHost::wait_for_step() {
   }
 }
 
-void ConsoleHost::count_step(bool cancelled) {
-  if (progress_.number == 0 && !cancelled) {
+void ConsoleHost::count_step(bool is_rule_step, bool cancelled) {
+  if (is_rule_step && !cancelled) {
     rules_failed_ = run_status == run_state::failed;
     return;
   }
@@ -102,9 +102,10 @@ void ConsoleHost::count_step(bool cancelled) {
 }
 
 StepResult ConsoleHost::run_step(RunContext& context, const char* caption, std::int32_t number) {
+  const bool is_rule_step = !context.rule_step_done;
   step_begin(progress_, context, caption, number);
   const bool cancelled = wait_for_step();
-  count_step(cancelled);
+  count_step(is_rule_step, cancelled);
   show_progress(false);
   return cancelled ? StepResult::cancelled : StepResult::finished;
 }
@@ -115,11 +116,12 @@ void ConsoleHost::show_progress(bool last) {
   if (!last && now - last_shown_ < (shows_line_ ? kTick : kPlainInterval)) return;
   last_shown_ = now;
   const double elapsed = seconds_since(start_);
-  const std::int64_t tried = tally_.done + tally_.failed + tally_.over_time;
+  const long long lost = tally_.failed + tally_.over_time;
+  const long long tried = tally_.done + lost;
   const std::string of = wanted_ > 0 ? " of " + std::to_string(wanted_) : std::string();
   std::fprintf(stderr, "%s%s %d%s, %.0f/s, %.1f s, failed %lld%s", shows_line_ ? "\r" : "", progress_.caption.c_str(),
-               progress_.number, of.c_str(), elapsed > 0 ? static_cast<double>(tried) / elapsed : 0.0, elapsed,
-               static_cast<long long>(tally_.failed + tally_.over_time), shows_line_ ? "\033[K" : "\n");
+               progress_.number, of.c_str(), elapsed > 0 ? static_cast<double>(tried) / elapsed : 0.0, elapsed, lost,
+               shows_line_ ? "\033[K" : "\n");
   std::fflush(stderr);
 }
 

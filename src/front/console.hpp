@@ -34,7 +34,7 @@ class ConsoleHost final : public Host {
 
  private:
   bool wait_for_step();
-  void count_step(bool cancelled);
+  void count_step(bool is_rule_step, bool cancelled);
   void show_progress(bool last);
   void show_summary();
 

@@ -13,16 +13,16 @@ namespace lexon {
 namespace {
 
 constexpr std::ptrdiff_t kMarkStep = 4;  // wanted: the cursor moves on by 4 whatever the length of the label
-constexpr std::ptrdiff_t kMarkRoom = 8;  // the sign, a label of 5 characters, its terminator
 
 // Shows at the word those of its relations that generation has not used.
 bool append_unused_relations(const Node& node, char*& cursor, const char* end, int scope) {
   for (const Relation& relation : chain<&Relation::next>(node.relations)) {
     const bool touches = relation.to == &node || relation.from == &node;
     if (relation.scope != scope || relation.used != 0 || !touches) continue;
-    if (end - cursor < kMarkRoom) return false;
-    std::snprintf(cursor, static_cast<std::size_t>(kMarkRoom), "%c%s", relation.to == &node ? '<' : '>',
-                  relation.label);
+    const std::ptrdiff_t room = end - cursor;
+    const char sign = relation.to == &node ? '<' : '>';
+    const int length = std::snprintf(cursor, static_cast<std::size_t>(room), "%c%s", sign, relation.label);
+    if (length >= room || kMarkStep > room) return false;
     cursor += kMarkStep;
   }
   return true;

@@ -99,6 +99,8 @@ bool run_rule_step(RunContext& context, Host& host) {
     if (context.convert) {
       compiled_file_delete(context.compiled_rules);
       compiled_file_delete(context.compiled_matrix);
+    } else {
+      compiled_file_discard(context.compiled_matrix);
     }
     out_print(";;Cancelled!\n");
     return false;

@@ -65,6 +65,7 @@ std::string rule_files_open(const std::string& rule_file, RunContext& context) {
     return cannot_open(kGenerationRule, context.compiled_rules.path);
   }
   if (!open_compiled(context.compiled_matrix, context.rebuild_matrix)) {
+    compiled_file_discard(context.compiled_rules);
     return cannot_open(kGenerationRule, context.compiled_matrix.path);
   }
   return {};

@@ -54,11 +54,13 @@ INSTANTIATE_TEST_SUITE_P(ToTheRight, Shift,
                                                      "<< [/H#NIL,A(0)] [ab/A^0(m)] b(0) >>"}),
                          [](const auto& row) { return row.param.what; });
 
-TEST(Shift, KeepsTheSizesOfAnEmptiedWord) {
-  Step step("P<<\"[ab]\"{}P1;", "<< [a(0)] [ab/A(0)] >>");
+TEST(Shift, KeepsTheSizesAndAllAttributesOfAnEmptiedWord) {
+  const std::string attrs(1023, 'A');
+  Step step("P<<\"[ab]\"{}P1;", "<< [a(0)] [ab/" + attrs + "(0)] >>");
   EXPECT_EQ(post_edit_rule(step.window, *step.candidate), Status::ok);
   EXPECT_EQ(step.window.rnode->candidates->hw_len, 0);
-  EXPECT_EQ(step.window.rnode->candidates->attr_len, 1);
+  EXPECT_EQ(step.window.rnode->candidates->attrs, "H#NIL," + attrs);
+  EXPECT_EQ(step.window.rnode->candidates->attr_len, 1023);
 }
 
 TEST(Shift, OfAPlaceWithoutTextFailsTheRuleBase) {

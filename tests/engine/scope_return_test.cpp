@@ -1,7 +1,7 @@
 #include "engine/scope_return.hpp"
 
-#include <cstdint>
 #include <gtest/gtest.h>
+#include <cstdint>
 
 #include "data/chain.hpp"
 #include "support/search.hpp"
@@ -27,6 +27,7 @@ struct Finished {
     for (const Rule* rule = outer.candidate()->next->rule; rule != nullptr; rule = rule->next) {
       chain_append<&RuleCandidate::next>(walked, Step::candidate_of(rule));
     }
+    share_one_list(walked);
     for (const std::size_t index : {1U, 2U}) {
       EXPECT_EQ(match_record_push(inner.at(index), kStateStep, walked), Status::ok);
     }
@@ -99,7 +100,8 @@ TEST(FailedScope, RuleWithMidHasLostItsPlace) {
 // ---- Another solution.
 
 TEST(ReturnIntoScope, AppliesTheOuterRuleToTheNextSolution) {
-  Finished scope(":{A:::}\"SCOPE::obj:\"P3;\nR{Z:::}{}P2;\nR{N:::}{}P1;", "<< [a/A] [SCOPE:01{>agt}] >>", "<< x/N,@entry >>");
+  Finished scope(":{A:::}\"SCOPE::obj:\"P3;\nR{Z:::}{}P2;\nR{N:::}{}P1;", "<< [a/A] [SCOPE:01{>agt}] >>",
+                 "<< x/N,@entry >>");
   Capture output;
   state.trace_level = 3;
   // No rule goes on in the outer list, the scope is gone back into once more, and has nothing left.
@@ -139,7 +141,7 @@ TEST(ReturnIntoScope, UnfinishedScopeIsAFailureOfTheRules) {
 
 TEST(ReturnIntoScope, LeavesWhenTheStackIsUsedUp) {
   Finished scope(kBringsRight, "<< [a/A] [SCOPE:01] >>", "<< x >>");
-  state.stack_limit = reinterpret_cast<const char*>(~std::uintptr_t{0});
+  state.stack_limit = static_cast<const char*>(__builtin_frame_address(0));
   EXPECT_EQ(scope.go_back(), Status::memory);
   state.stack_limit = nullptr;
 }

@@ -7,6 +7,7 @@
 #include <string_view>
 #include <vector>
 
+#include "data/chain.hpp"
 #include "engine/apply.hpp"
 #include "engine/backtrack.hpp"
 #include "engine/side.hpp"
@@ -35,6 +36,15 @@ struct SearchCase {
   int hold_of = 0;                // the holds on entry nodes belong to this rule, counted from 0
   const char* arc = "";           // label of an arc from the window's left node to the right one, in use
 };
+
+// Elements that `rule_candidates` hands out together live and die together.
+inline void share_one_list(RuleCandidate* head) {
+  for (RuleCandidate& element : chain<&RuleCandidate::next>(head->next)) {
+    temp_delete(element.list);
+    element.list = head->list;
+    ++head->list->elements;
+  }
+}
 
 // The lines of a trace that name branches, without ";;" and the line end.
 inline std::string branches_of(std::string_view trace) {
@@ -84,11 +94,10 @@ class Search {
 
  private:
   void chain_rules() {
-    RuleCandidate* last = step_.candidate;
     for (const Rule* rule = step_.rule->next; rule != nullptr; rule = rule->next) {
-      last->next = Step::candidate_of(rule);
-      last = last->next;
+      chain_append<&RuleCandidate::next>(step_.candidate, Step::candidate_of(rule));
     }
+    share_one_list(step_.candidate);
   }
 
   void read_scopes(const SearchCase& search) {
