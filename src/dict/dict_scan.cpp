@@ -17,6 +17,11 @@ std::uint8_t type_of(const DictBlock& block) {
   return block.bytes()[kDictTypeOffset];
 }
 
+// wanted: a block that cannot be read ends its chain silently, and what has been found stands.
+void note_damage(const DictChain& chain) {
+  if (chain.is_unreadable()) ++lookup_damage.blocks;
+}
+
 // Appends the entries of a key block that equal the key. `is_done` is set where the chain holds nothing more: behind
 // an entry above the key, or where the block is damaged.
 Status scan_key_block(ByteView content, std::string_view key, KeyHits& found, bool& is_done) {
@@ -39,6 +44,7 @@ Status scan_key_chain(std::FILE* dictionary, std::uint16_t first, std::string_vi
     if (type_of(chain.block()) != kKeyBlock) return Status::not_a_key_block;
     if (const Status s = scan_key_block(chain.block().content(), key, found, is_done); s != Status::ok) return s;
   }
+  note_damage(chain);
   return Status::ok;
 }
 
@@ -111,6 +117,7 @@ Status scan_data_chain(DataScan& scan, std::FILE* dictionary, std::uint16_t firs
     if (type_of(chain.block()) != kDataBlock) return Status::not_a_data_block;
     if (const Status s = scan_data_block(scan, chain); s != Status::ok) return s;
   }
+  note_damage(chain);
   return Status::ok;
 }
 

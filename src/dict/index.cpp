@@ -15,6 +15,7 @@
 namespace lexon {
 
 constinit IndexNaming index_naming{kShortNameSize};
+constinit LookupDamage lookup_damage{};
 
 namespace {
 
@@ -101,12 +102,19 @@ std::FILE* index_open(const char* prefix, IndexDescriptor* const* slots, int key
   return descriptor == nullptr ? nullptr : tree_open(*descriptor, key_field, prefix, read_only ? "rb" : "rb+");
 }
 
+namespace {
+bool is_damage(Status s) {
+  return s == Status::index_unreadable || s == Status::not_a_key_block || s == Status::not_a_data_block;
+}
+}  // namespace
+
 Status dict_lookup(const DictionaryFiles& files, int key_field, const char* key, LookupGroup*& groups) {
   groups = nullptr;
   const IndexDescriptor* descriptor = descriptor_at(files.slots, key_field);
   Status s = Status::index_unreadable;
   if (descriptor != nullptr) s = lookup_by(files, *descriptor, key_field, key, groups);
   if (s != Status::ok) groups_free(groups);
+  lookup_damage.blocks += is_damage(s) ? 1 : 0;
   state.engine_status = s;
   return s;
 }

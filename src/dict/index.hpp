@@ -29,6 +29,12 @@ struct IndexNaming {
 };
 extern IndexNaming index_naming;
 
+// What the lookups of a run have met in damaged files. The output has no place for it: the front end tells.
+struct LookupDamage {
+  std::int64_t blocks;  // that could not be read, or were of the wrong kind; one counts as often as it is met
+};
+extern LookupDamage lookup_damage;
+
 // The words that one hit led to; at least one.
 struct LookupGroup {
   WordEntry* entries;

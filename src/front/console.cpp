@@ -7,6 +7,7 @@
 #include <unistd.h>
 
 #include "data/state.hpp"
+#include "dict/index.hpp"
 
 namespace lexon {
 
@@ -136,6 +137,10 @@ void ConsoleHost::show_summary() {
 
 void ConsoleHost::finish() {
   show_summary();
+  if (lookup_damage.blocks != 0) {
+    std::fprintf(stderr, "lexon: damaged blocks met in a dictionary: %lld; \"lexon-dict check\" tells which\n",
+                 static_cast<long long>(lookup_damage.blocks));
+  }
   if (state.output == nullptr) return;
   output_failed_ = std::fflush(state.output) != 0 || std::ferror(state.output) != 0;
   if (output_failed_) std::fprintf(stderr, "lexon: the output could not be written whole\n");

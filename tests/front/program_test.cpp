@@ -126,6 +126,12 @@ TEST_F(Program, ARunThatCannotStartSaysWhy) {
   fs::copy_file(path("rules.txt"), path("rules.mtx"));
   EXPECT_EQ(render({}, {"", path("rules.mtx")}).error, "Please assign rule file with extension \".rul\" or \".txt\"\n");
   EXPECT_EQ(bytes_of(path("output.txt")), "") << "the output has been emptied first of all";
+  fs::remove(path("rules.mtx"));
+  fs::create_directory(path("rules.mtx"));
+  const auto files = [this] { return std::distance(fs::directory_iterator(folder_), fs::directory_iterator()); };
+  const auto before = files();
+  EXPECT_EQ(render({}).error, "Can't Open Generation Rule : " + path("rules.mtx") + "!\n");
+  EXPECT_EQ(files(), before + 1) << "the emptied rules, and nothing else";
 }
 
 TEST_F(Program, AMissingCooccurrenceDictionaryIsAskedFor) {
@@ -136,6 +142,13 @@ TEST_F(Program, AMissingCooccurrenceDictionaryIsAskedFor) {
   EXPECT_EQ(output(), "");
   EXPECT_EQ(render({"-L0", "-C" + path("none.dic"), "--yes"}).exit_status, 0);
   EXPECT_NE(output().find("dog"), std::string::npos);
+}
+
+TEST_F(Program, ADamagedDictionaryIsToldOf) {
+  fs::resize_file(path("words.dic"), 4096);
+  const ProgramResult run = render({"-L0", "-N0"});
+  EXPECT_EQ(run.error.substr(0, 46), "lexon: damaged blocks met in a dictionary: 2; ") << run.error;
+  EXPECT_NE(output().find(";;Failed!"), std::string::npos) << output();
 }
 
 TEST_F(Program, AFailedSentenceShowsInTheExitStatusAndTheNextOneIsRendered) {

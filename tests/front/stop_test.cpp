@@ -81,16 +81,24 @@ std::string many_rules() {
   return text;
 }
 
-TEST_F(Stop, ACancelledConversionLeavesNoCompiledFiles) {
+// A conversion leaves no compiled files; where only the matrix is made anew, the rules stay.
+TEST_F(Stop, ACancelledRuleStepLeavesNothingHalfDone) {
   write_file(path("rules.txt"), many_rules());
-  const int process = start_program("lexon", arguments({}));
-  while (!fs::exists(path("rules.mtx"))) usleep(100);
-  ASSERT_EQ(kill(process, SIGINT), 0);
-  EXPECT_EQ(wait_for_program(process), 130);
-  if (output() != ";;Cancelled!\n") GTEST_SKIP() << "the conversion was over before the signal came";
-  EXPECT_FALSE(fs::exists(path("rules.rul")));
-  EXPECT_FALSE(fs::exists(path("rules.mtx")));
-  EXPECT_EQ(std::distance(fs::directory_iterator(folder_), fs::directory_iterator()), 6) << "nothing else is left";
+  for (const bool converts : {true, false}) {
+    if (!converts) {
+      ASSERT_EQ(run_program("lexon", arguments({"-R"})).exit_status, 0);
+      fs::remove(path("rules.mtx"));
+    }
+    const int process = start_program("lexon", arguments({}));
+    while (!fs::exists(path("rules.mtx"))) usleep(100);
+    ASSERT_EQ(kill(process, SIGINT), 0);
+    EXPECT_EQ(wait_for_program(process), 130);
+    if (output() != ";;Cancelled!\n") GTEST_SKIP() << "the step was over before the signal came";
+    EXPECT_EQ(fs::exists(path("rules.rul")), !converts);
+    EXPECT_EQ(fs::exists(path("rules.mtx")), !converts) << "emptied, and older than the rules";
+    const auto files = std::distance(fs::directory_iterator(folder_), fs::directory_iterator());
+    EXPECT_EQ(files, converts ? 6 : 8) << "nothing else is left";
+  }
 }
 
 // Whenever a conversion is killed, the next run makes the same compiled files and the same sentences.
