@@ -4,8 +4,10 @@
 
 #include <array>
 #include <cstring>
+#include <utility>
 
 #include "data/output.hpp"
+#include "data/pool.hpp"
 #include "data/state.hpp"
 #include "data/text_line.hpp"
 #include "run/context.hpp"
@@ -166,6 +168,13 @@ void run_steps(const RunSettings& settings, RunContext& context, Host& host) {
   run_sentences(settings, context, host);
 }
 
+void release_slots(std::array<IndexDescriptor*, kKeyFields>& slots) {
+  for (IndexDescriptor*& slot : slots) {
+    void* cell = std::exchange(slot, nullptr);
+    heap_free_clear(cell);
+  }
+}
+
 }  // namespace
 
 void run_driver(const RunSettings& settings, Host& host) {
@@ -178,6 +187,8 @@ void run_driver(const RunSettings& settings, Host& host) {
   } else if (!opening.message.empty()) {
     host.report_stop(opening.message);
   }
+  release_slots(context.dictionary_slots);
+  release_slots(context.cr_slots);
   host.finish();
 }
 

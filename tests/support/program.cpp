@@ -7,6 +7,7 @@
 
 #include <filesystem>
 #include <fstream>
+#include <functional>
 #include <regex>
 
 #include "support/capture.hpp"
@@ -61,7 +62,9 @@ ProgramResult run_program(const std::string& name, const std::vector<std::string
 }
 
 std::string fresh_folder(const std::string& name) {
-  const fs::path folder = fs::path(::testing::TempDir()) / ("lexon-" + name);
+  // Two builds may run their tests at the same time.
+  const std::string build = std::to_string(std::hash<std::string>{}(LEXON_PROGRAMS));
+  const fs::path folder = fs::path(::testing::TempDir()) / ("lexon-" + build + "-" + name);
   fs::remove_all(folder);
   fs::create_directories(folder);
   return folder.string();

@@ -1,0 +1,108 @@
+#include <gtest/gtest.h>
+
+#include <array>
+#include <optional>
+#include <string>
+
+#include "run/render.hpp"
+#include "support/step.hpp"
+
+namespace lexon::test {
+namespace {
+
+// The sentence that the list makes from any of its nodes; nothing if it does not fit.
+std::optional<std::string> collected(Node* from) {
+  std::array<char, kSentenceSize> text{};
+  char* cursor = text.data();
+  const bool fits = collect_sentence(from, cursor, text.data() + text.size(), 0);
+  return fits ? std::optional<std::string>(text.data()) : std::nullopt;
+}
+
+struct ListRow {
+  const char* what;
+  const char* list;
+  const char* scope;  // the list of scope 1; its second node is the entry
+  const char* sentence;
+};
+
+class Collect : public ::testing::TestWithParam<ListRow> {};
+
+TEST_P(Collect, WritesFromLeftToRightAndLeavesTheLinks) {
+  fresh_sentence();
+  const List list(GetParam().list);
+  const List scope(GetParam().scope);
+  if (!scope.nodes.empty()) add_scope(1, scope.nodes[1]);
+  const std::string before = text_of_list(list.nodes[0]);
+  for (Node* node : list.nodes) {
+    EXPECT_EQ(collected(node), GetParam().sentence);
+    EXPECT_EQ(text_of_list(node), before);
+  }
+}
+
+INSTANTIATE_TEST_SUITE_P(Rows, Collect,
+                         ::testing::Values(ListRow{"Words", "<< the dog hw=cw >>", "", "thedoghw"},
+                                           ListRow{"BoundaryWithTheMark", "<< a !>>", "", "a>>"},
+                                           ListRow{"ScopeInItsPlace", "<< a SCOPE:01 b >>", "<< c d e >>", "acdeb"},
+                                           ListRow{"ScopeWithoutARow", "<< a SCOPE:02 b >>", "<< c >>", "ab"},
+                                           ListRow{"ReferenceWithTheMark", "<< a !SCOPE:01 >>", "<< c >>",
+                                                   "aSCOPE:01"}),
+                         [](const auto& row) { return row.param.what; });
+
+struct ArcRow {
+  const char* what;
+  int from, to;  // places in the list
+  const char* label;
+  int scope;
+  bool used;
+  int trace_level;
+  const char* sentence;
+};
+
+class Marks : public ::testing::TestWithParam<ArcRow> {};
+
+TEST_P(Marks, ShowTheArcsThatAreLeft) {
+  fresh_sentence();
+  const List list("<< dog sees >>");
+  const ArcRow& row = GetParam();
+  arc_between(list.at(static_cast<std::size_t>(row.from)), list.at(static_cast<std::size_t>(row.to)), row.label,
+              row.scope)
+      ->used = row.used ? 1 : 0;
+  state.trace_level = static_cast<std::int8_t>(row.trace_level);
+  EXPECT_EQ(collected(list.nodes[0]), row.sentence);
+}
+
+// The cursor goes on by four whatever was written.
+INSTANTIATE_TEST_SUITE_P(Rows, Marks,
+                         ::testing::Values(ArcRow{"BothEnds", 2, 1, "agt", 0, false, 1, "dog<agtsees>agt"},
+                                           ArcRow{"NotAtLevelZero", 2, 1, "agt", 0, false, 0, "dogsees"},
+                                           ArcRow{"Used", 2, 1, "agt", 0, true, 1, "dogsees"},
+                                           ArcRow{"OfAnotherScope", 2, 1, "agt", 1, false, 1, "dogsees"},
+                                           ArcRow{"FromANodeToItself", 1, 1, "agt", 0, false, 1, "dog<agtsees"},
+                                           ArcRow{"ShortLabelEndsTheLine", 2, 1, "to", 0, false, 1, "dog<to"},
+                                           ArcRow{"LongLabelIsWrittenOver", 2, 1, "where", 0, false, 1,
+                                                  "dog<whesees>where"}),
+                         [](const auto& row) { return row.param.what; });
+
+TEST(Limit, IsTheLastCharacterOfTheBuffer) {
+  struct Row {
+    int letters;      // of the one word
+    const char* arc;  // from the word to itself, at level 1; none if empty
+    bool fits;
+  };
+  const Row rows[] = {{1023, "", true},      {1024, "", false},      {1019, "agt", true}, {1020, "agt", false},
+                      {1017, "where", true}, {1018, "where", false}, {1020, "to", true},  {1021, "to", false}};
+  for (const Row& row : rows) {
+    fresh_sentence();
+    const List list(std::string(static_cast<std::size_t>(row.letters), 'a'));
+    const std::string arc(row.arc);
+    if (!arc.empty()) arc_between(list.at(0), list.at(0), row.arc);
+    state.trace_level = 1;
+    const std::optional<std::string> sentence = collected(list.nodes[0]);
+    EXPECT_EQ(sentence.has_value(), row.fits) << row.letters << arc;
+    if (!sentence) continue;
+    EXPECT_EQ(sentence->size(), static_cast<std::size_t>(row.letters) + (arc.empty() ? 0 : arc.size() + 1));
+  }
+}
+
+}  // namespace
+}  // namespace lexon::test
