@@ -84,6 +84,32 @@ TEST_P(Golden, RendersAsExpected) {
   EXPECT_EQ(from_first_sentence(render("printed.txt")), from_first_sentence(expected)) << "from printed rules";
 }
 
+// The lines of an output that are sentences.
+std::string sentences_of(const std::string& output) {
+  std::istringstream lines(output);
+  std::string sentences;
+  for (std::string line; std::getline(lines, line);) {
+    if (line.rfind(";;", 0) != 0 && line.rfind("[S", 0) != 0) sentences += line + "\n";
+  }
+  return sentences;
+}
+
+TEST(Examples, EnglishReadsAsWritten) {
+  const std::string source = LEXON_EXAMPLES "/english";
+  const std::string folder = fresh_folder("english");
+  fs::copy_file(source + "/rules.txt", folder + "/rules.txt");
+  for (const char* name : {"entries", "cr"}) {
+    const ProgramResult built =
+        run_program("lexon-dict", {"build", source + "/" + name + ".txt", folder + "/" + name + ".dic"});
+    ASSERT_EQ(built.exit_status, 0) << built.error;
+  }
+  const ProgramResult run =
+      run_program("lexon", {folder + "/entries.dic", folder + "/rules.txt", source + "/input.txt", folder + "/out.txt",
+                            "-L0", "-N0", "-C" + folder + "/cr.dic", "--quiet"});
+  EXPECT_EQ(run.exit_status, 0) << run.error;
+  EXPECT_EQ(sentences_of(bytes_of(folder + "/out.txt")), bytes_of(source + "/expected.txt"));
+}
+
 std::string case_name(const ::testing::TestParamInfo<std::string>& info) {
   std::string name = info.param;
   std::replace_if(
