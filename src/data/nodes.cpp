@@ -238,7 +238,7 @@ void node_take_out(Node& node) {
 }
 
 Node* list_first(Node* node) {
-  while (node != nullptr && node->left != nullptr) node = node->left;
+  while (node != nullptr && node->left != nullptr && node->left != node) node = node->left;
   return node;
 }
 

@@ -81,7 +81,7 @@ void node_insert_before(Node& at, Node& node);
 // Joins the neighbours of `node` to each other. The node keeps its own links.
 void node_take_out(Node& node);
 
-// The first node of the list that `node` stands in.
+// The first node of the list that `node` stands in, or a node that stands beside itself.
 [[nodiscard]] Node* list_first(Node* node);
 
 }  // namespace lexon

@@ -95,7 +95,7 @@ bool settled_attr_holds(const Filter& filter, const CondItem& condition) {
 Fit filter_settled(const Filter& filter) {
   const NodePattern& pattern = filter.pattern;
   const WordEntry* word = filter.node.candidates;
-  if (word == nullptr) return Fit::no;
+  if (word == nullptr) return as_fit(rule_base_failure("tested a node without words"));
   if (has_surface_conditions(pattern) && !test_surface(nullptr, word, pattern.hw_conds, pattern.cw_conds)) {
     return Fit::no;
   }

@@ -1,7 +1,6 @@
 // Taking a node that a rule brought in out of the list again. A node of the graph is made ready to be brought in once
 // more; a copy gives its arc back to its origin and is released, and so is a word that came from the dictionary.
 
-#include <cstdint>
 #include <cstring>
 
 #include "data/chain.hpp"
@@ -59,22 +58,6 @@ struct Insertion {
   return entry != nullptr && entry->candidates == nullptr ? node_words_reload(*entry) : Status::ok;
 }
 
-// What becomes of a node that leaves the list.
-enum class Leaving : std::uint8_t {
-  reset,     // a node of the graph, ready to be brought in again
-  released,  // a copy or a word from the dictionary: it is gone
-  emptied,   // no arc says how it came in, but others may know it (a boundary, a node of the graph): only its cell stays
-};
-
-[[nodiscard]] bool is_known_to_others(const Node& node) {
-  return node.name != nullptr || kind_bits(node) == kKindBoundary || is_scope_entry(node);
-}
-
-[[nodiscard]] Leaving leaving_of(const Node& inserted, const Relation* arc) {
-  if (arc != nullptr && inserted.origin == nullptr) return Leaving::reset;
-  return is_known_to_others(inserted) ? Leaving::emptied : Leaving::released;
-}
-
 // No arc may lead to a copy that is gone.
 void arcs_give_back(Node& copy) {
   if (copy.origin == nullptr) return;
@@ -85,37 +68,30 @@ void arcs_give_back(Node& copy) {
   copy.origin = nullptr;
 }
 
-// Leaves the list. The neighbours are joined.
-void insertion_end(Node* inserted, Leaving leaving) {
-  if (leaving == Leaving::released) {
-    node_unlink_free(inserted);
-    return;
-  }
-  node_take_out(*inserted);
-  if (leaving == Leaving::emptied) {
-    node_empty(*inserted);
-  } else {
-    // Out of every list: the node of the graph is ready to be brought in again.
-    inserted->left = inserted->right = nullptr;
-  }
+// Leaves the list. The neighbours are joined. A node of the graph is ready to be brought in again; a copy, a word from
+// the dictionary, and a node of which no arc says how it came in, are gone.
+void insertion_end(Node& inserted, bool is_reset) {
+  if (!is_reset) return node_unlink_release(inserted);
+  node_take_out(inserted);
+  inserted.left = inserted.right = nullptr;
 }
 
 [[nodiscard]] Status insertion_undo(Insertion& insertion, const Rule& rule, Window& window) {
   Node& inserted = insertion.inserted;
   Relation* arc = arc_find(insertion, rule);
-  const Leaving leaving = leaving_of(inserted, arc);
+  const bool is_reset = arc != nullptr && inserted.origin == nullptr;
   // A merge node's words are those of the node that it replaced, which undo of the merge wants back.
-  const bool takes_others_words = leaving != Leaving::reset && inserted.merged_with != nullptr;
+  const bool takes_others_words = !is_reset && inserted.merged_with != nullptr;
   if (takes_others_words) return rule_base_failure("undid an insertion of another node");
   if (arc != nullptr) arc->used = 0;
-  if (leaving != Leaving::reset) {
+  if (!is_reset) {
     arcs_give_back(inserted);
   } else if (const Status status = node_reset(inserted); status != Status::ok) {
     return status;
   }
   if (rule.mid != nullptr) insertion.staying = neighbour(inserted, other(insertion.side));
   Node* beyond = neighbour(inserted, insertion.side);
-  insertion_end(&inserted, leaving);
+  insertion_end(inserted, is_reset);
   node_of(window, insertion.side) = beyond;
   node_of(window, other(insertion.side)) = insertion.staying;
   return Status::ok;

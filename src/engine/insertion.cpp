@@ -49,7 +49,9 @@ bool stands_in_list(const Node& node, Node* any) {
 Fit offer_node(Match& match, Side side, Node& node) {
   const Fit fit =
       filter_candidates(side, match.rule, match.candidate, window_with(match.window, side, &node), match.chosen);
-  if (fit == Fit::no || !stands_in_list(node, node_of(match.window, other(side)))) return fit;
+  Node* beside = node_of(match.window, other(side));
+  // An arc from a node to itself puts it beside itself: the list shows it, and the next match is refused.
+  if (fit == Fit::no || beside == &node || !stands_in_list(node, beside)) return fit;
   return as_fit(rule_base_failure("a relation brings in a node that stands in the list already and is fresh"));
 }
 

@@ -73,12 +73,14 @@ bool retries_for_another(const Match& match) {
 
 // ---- Turn.
 
-void turn_to_current_scope(const Window& window) {
+Status turn_to_current_scope(const Window& window) {
   Node* first = list_first(window.lnode != nullptr ? window.lnode : window.rnode);
+  if (first != nullptr && first->left == first) return rule_base_failure("put a node beside itself");
   for (Node& node : chain<&Node::right>(first)) {
-    if (must_leave() != Status::ok) return;
+    if (const Status s = must_leave(); s != Status::ok) return s;
     scope_attrs_to_front(node, current_scope());
   }
+  return Status::ok;
 }
 
 // ---- Test.
@@ -89,7 +91,7 @@ bool is_tested(const Match& match, Side side) {
 
 Fit test_node(Match& match, Side side) {
   const Node* node = node_of(match.window, side);
-  if (node == nullptr) return Fit::no;
+  if (node == nullptr) return as_fit(rule_base_failure("tested a place beyond the end of the list"));
   const ContextGroup* beyond = groups_beyond(match.rule, side);
   if (beyond != nullptr && match_context(side, beyond, neighbour(*node, side)) == nullptr) return Fit::no;
   return filter_candidates(side, match.rule, match.candidate, match.window, match.chosen);
@@ -253,7 +255,7 @@ Status hand_over(Match& match, Window& window) {
 
 Fit match_steps(Match& match, Window& window) {
   if (never_fits(match) || retries_for_another(match)) return Fit::no;
-  turn_to_current_scope(match.window);
+  if (const Status s = turn_to_current_scope(match.window); s != Status::ok) return as_fit(s);
   for (const Side side : {Side::left, Side::right}) {
     if (const Fit fit = test_side(match, side); fit != Fit::yes) return fit;
   }

@@ -20,8 +20,6 @@ struct Merge {
 
 [[nodiscard]] Status merge_node_make(Merge& merge, RuleCandidate& candidate) {
   if (const Status status = node_copy(merge.merged, merge.survivor, nullptr, 0); status != Status::ok) return status;
-  // An entry node that is itself a copy has no master list to copy.
-  if (merge.merged->candidates == nullptr) return rule_base_failure("merged an entry node that has no word list");
   Node*& entry = sentence.semlst[static_cast<std::size_t>(state.semlst_cur)].entry;
   if (entry == &merge.survivor) entry = merge.merged;
   merge.merged->relations = merge.survivor.relations;

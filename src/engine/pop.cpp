@@ -47,11 +47,9 @@ namespace {
 [[nodiscard]] Status copy_undo(Window& window, std::uint8_t type) {
   Node* copied = type == rule_type::copy_left ? window.lnode : window.rnode;
   Node* copy = copied == nullptr ? nullptr : copied->right;
-  const bool is_copy =
-      copy != nullptr && copy->source == copied && copy->merged_with == nullptr && !is_scope_entry(*copy);
-  if (!is_copy) return rule_base_failure("undid a copy that is not there");
+  if (copy == nullptr || copy->merged_with != nullptr) return rule_base_failure("undid a copy that is not there");
   if (type == rule_type::copy_left) window.rnode = copy->right;
-  node_unlink_free(copy);
+  node_unlink_release(*copy);
   return Status::ok;
 }
 

@@ -75,6 +75,7 @@ void rule_choose(RuleCandidate*& candidates, Window& window, Status& result) {
 
 Status post_edit(Node* start) {
   if (stack_nearly_used()) return Status::memory;
+  if (start == nullptr) return rule_base_failure("post-edited a scope without an entry");
   Window window = last_window(start);
   trace_list(window, false);
   Status result = Status::ok;

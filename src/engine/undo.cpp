@@ -20,6 +20,7 @@ bool stands_in_list_of(Node* member, const Node* node) {
   if (member == nullptr || node == nullptr) return false;
   for (const Node* at = member; at != nullptr && must_leave() == Status::ok; at = at->left) {
     if (at == node) return true;
+    if (at == at->left) return false;
   }
   for (const Node* at = member->right; at != nullptr && must_leave() == Status::ok; at = at->right) {
     if (at == node) return true;
@@ -33,6 +34,17 @@ Status to_noted_places(Window& window, const RuleCandidate& candidate) {
   if (!has_both) return rule_base_failure("lost the place of a rule with MID");
   window = {candidate.lnode, candidate.rnode};
   return Status::ok;
+}
+
+void node_unlink_release(Node& node) {
+  const bool is_known_to_others = node.name != nullptr || kind_bits(node) == kKindBoundary || is_scope_entry(node);
+  if (is_known_to_others) {
+    node_take_out(node);
+    node_empty(node);
+  } else {
+    Node* released = &node;
+    node_unlink_free(released);
+  }
 }
 
 bool is_unbuilt_reference(const Node& node) {

@@ -68,6 +68,10 @@ bool hold_take(Node* node, const Rule* of = nullptr);
 // list of `window`, which becomes them.
 [[nodiscard]] Status to_noted_places(Window& window, const RuleCandidate& candidate);
 
+// Takes `node` out of the list and releases it. A node that others know (a boundary, a node of the graph, the entry of
+// a scope) loses its words and its newest record but keeps its cell.
+void node_unlink_release(Node& node);
+
 // Does `node` stand in the list of `member`? Both may be null.
 [[nodiscard]] bool stands_in_list_of(Node* member, const Node* node);
 

@@ -73,6 +73,16 @@ TEST(Walk, WithATargetThatIsGoneCountsAsFinished) {
   EXPECT_EQ(state.forced_node, gone_node());
 }
 
+// The way back to a target that is gone takes the inserted word out of the list, and its place in the window with it.
+TEST(Walk, WithATargetThatIsGoneForgetsAnInsertedWord) {
+  use_rules("?R{SHEAD}{D}P2;\n:\"[x],D:::\"{W}P1;");
+  state.forced_node = gone_node();
+  Capture output;
+  Node* entry = node_of_text("a/W");
+  EXPECT_EQ(generate_scope(entry, false), Status::nothing_left);
+  EXPECT_EQ(text_of_list(entry), "<< a/W >>");
+}
+
 TEST(Walk, LeavesAtOnceWhenAsked) {
   use_rules("R{SHEAD}{A}P2;\nR{A}{STAIL}P1;");
   const List list("[<<] [a/A] >>");
