@@ -8,6 +8,7 @@
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
+#include <ctime>
 #include <filesystem>
 #include <fstream>
 #include <string>
@@ -133,27 +134,27 @@ class Input {
   std::FILE* stream_;
 };
 
+// Of this thread: other programs can run beside a benchmark.
+double processor_seconds() {
+  timespec time{};
+  clock_gettime(CLOCK_THREAD_CPUTIME_ID, &time);
+  return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_nsec) * 1e-9;
+}
+
 // What a sentence took. The bytes are all that it had from the pool at its worst moment.
 struct Taken {
-  double seconds = 0.0;
-  std::int64_t pool_bytes = 0;
-  bool done = true;
-
-  Taken& operator+=(const Taken& more) {
-    seconds += more.seconds;
-    pool_bytes = std::max(pool_bytes, more.pool_bytes);
-    done = done && more.done;
-    return *this;
-  }
+  double seconds;
+  std::int64_t pool_bytes;
+  bool done;
 };
 
 // Renders the sentence that the input stands at.
 Taken render(Language& language, std::FILE* input) {
   char text[kSentenceSize];
-  const auto start = Clock::now();
+  const double start = processor_seconds();
   const Status status = render_sentence(language.opened.files(), input, text, {}, true);
-  const std::chrono::duration<double> time = Clock::now() - start;
-  const Taken taken{time.count(), pool_figures().sentence_bytes_used, status == Status::ok};
+  const double seconds = processor_seconds() - start;
+  const Taken taken{seconds, pool_figures().sentence_bytes_used, status == Status::ok};
   (void)temp_release_all();
   return taken;
 }
@@ -163,25 +164,32 @@ Taken render_again(Language& language, Input& input) {
   return render(language, input.stream());
 }
 
+double median(std::vector<double> values) {
+  const auto middle = values.begin() + static_cast<std::ptrdiff_t>(values.size() / 2);
+  std::nth_element(values.begin(), middle, values.end());
+  return *middle;
+}
+
 // ---- The time and the memory of a step.
 
-// What the search adds to a sentence, against one that is the same but for its first words being right.
+// What the search adds to a sentence, against one that is the same but for its first words being right. The two take
+// turns, so that both meet the same machine.
 void search_step(benchmark::State& run, Language& language, int right_words) {
   const int steps = steps_of(right_words);
-  const int rounds = steps_of(kWordsToChoose) / steps;
+  const int rounds = 5 + steps_of(kWordsToChoose) / steps;
   Input searching(right_words);
   Input straight(0);
   std::int64_t pool_bytes = 0;
   for ([[maybe_unused]] auto _ : run) {
-    Taken with_search;
-    Taken without;
+    std::vector<double> added;
     for (int i = 0; i < rounds; ++i) {
-      with_search += render_again(language, searching);
-      without += render_again(language, straight);
+      const Taken with_search = render_again(language, searching);
+      const Taken without = render_again(language, straight);
+      if (!with_search.done || !without.done) return run.SkipWithError("a sentence failed");
+      added.push_back(with_search.seconds - without.seconds);
+      pool_bytes = with_search.pool_bytes;
     }
-    if (!with_search.done || !without.done) return run.SkipWithError("a sentence failed");
-    run.SetIterationTime((with_search.seconds - without.seconds) / (rounds * steps));
-    pool_bytes = with_search.pool_bytes;
+    run.SetIterationTime(median(added) / steps);
   }
   run.counters["steps"] = steps;
   run.counters["pool_bytes"] = static_cast<double>(pool_bytes);
@@ -279,12 +287,6 @@ void long_run(benchmark::State& run, Language& language) {
 }
 
 // ---- The worker.
-
-double median(std::vector<double> values) {
-  const auto middle = values.begin() + static_cast<std::ptrdiff_t>(values.size() / 2);
-  std::nth_element(values.begin(), middle, values.end());
-  return *middle;
-}
 
 template <typename Work>
 double microseconds(Work work) {

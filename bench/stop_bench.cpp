@@ -79,6 +79,7 @@ pid_t start(const std::vector<std::string>& words) {
   std::vector<char*> arguments;
   for (const std::string& word : words) arguments.push_back(const_cast<char*>(word.c_str()));
   arguments.push_back(nullptr);
+  std::fflush(stdout);
   const pid_t child = fork();
   if (child != 0) return child;
   if (std::freopen("/dev/null", "w", stdout) != nullptr) execv(arguments[0], arguments.data());

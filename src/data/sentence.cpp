@@ -8,7 +8,13 @@ namespace lexon {
 constinit Sentence sentence{};
 
 void sentence_clear() {
-  sentence.graph_words.fill(GraphWord{1, 0, {}, nullptr});
+  for (GraphWord& word : sentence.graph_words) {
+    // Not the rest of the name: it is most of the tables.
+    word.look_up = 1;
+    word.number = 0;
+    word.name[0] = '\0';
+    word.blocks = nullptr;
+  }
   sentence.graph_word_count = 0;
   sentence.graph_nodes.fill(nullptr);
   sentence.graph_node_count = 0;

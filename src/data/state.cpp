@@ -11,10 +11,6 @@ namespace {
 constinit Node gone{};
 }  // namespace
 
-Status must_leave() {
-  return stop_requested.load(std::memory_order_relaxed) ? Status::stopped : state.abort;
-}
-
 bool stack_nearly_used() {
   const auto* here = static_cast<const char*>(__builtin_frame_address(0));
   const bool used = state.stack_limit != nullptr && here < state.stack_limit;

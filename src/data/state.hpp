@@ -32,7 +32,9 @@ extern EngineState state;
 extern std::atomic<bool> stop_requested;
 
 // What a loop must return at once: `stopped`, a failure of the rule base, or exhausted stack; ok to go on.
-[[nodiscard]] Status must_leave();
+[[nodiscard]] inline Status must_leave() {
+  return stop_requested.load(std::memory_order_relaxed) ? Status::stopped : state.abort;
+}
 
 // Is the worker's stack nearly used up? Then the sentence is lost: `abort` becomes `memory`.
 [[nodiscard]] bool stack_nearly_used();

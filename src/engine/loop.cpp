@@ -89,8 +89,6 @@ void rule_choose(Loop& loop) {
 [[nodiscard]] Turn rule_apply(Loop& loop) {
   const bool is_word_test = is_word_test_type(loop.candidates->rule->type);
   const CandidateHandover handover(loop.candidates);
-  // A word test that ends at once leaves the window as it was, though it has undone what stood there.
-  const PlaceWatch watch(loop.window.lnode, loop.window.rnode);
   state.engine_status = apply_rule(loop.window, loop.candidates, &loop.home_scope);
   if (is_failure(state.engine_status)) return Turn::leave;
   if (state.engine_status == Status::nothing_left) return Turn::end;

@@ -199,12 +199,22 @@ bool may_be_applied(const Match& match) {
   return is_fresh(*match.window.lnode) && is_fresh(right) && !is_scope_reference(right);
 }
 
+// Post-edit undoes nothing and looks at the newest record alone. There a record takes the place of the one on top, and
+// what only that one held goes back to the pool: a pass without end does not grow.
+void make_room_for_record(Node& node, const Rule& rule) {
+  if (!is_post_edit_type(rule.type) || is_fresh(node)) return;
+  RuleCandidate* before = node.matches->candidate;
+  match_record_pop(node);
+  if (before != nullptr && is_post_edit_type(before->rule->type)) candidates_left_behind(before, nullptr);
+}
+
 Status push_records(Match& match) {
   RuleCandidate& candidate = match.candidate;
   for (const Side side : {Side::left, Side::right}) {
     // With MID the other place of the window has slid away; its record comes with the window.
     const bool has_slid = match.rule.mid != nullptr && inserts(match.rule, other(side));
     if (has_slid) continue;
+    make_room_for_record(*node_of(match.window, side), match.rule);
     const Status s = match_record_push(*node_of(match.window, side), kStateStep, &candidate, match.chosen);
     if (s != Status::ok) return s;
   }

@@ -6,6 +6,7 @@
 #include "data/nodes.hpp"
 #include "data/state.hpp"
 #include "engine/apply.hpp"
+#include "engine/candidate_pin.hpp"
 #include "engine/match.hpp"
 #include "engine/post_edit_rule.hpp"
 #include "engine/trace.hpp"
@@ -66,6 +67,8 @@ void rule_choose(RuleCandidate*& candidates, Window& window, Status& result) {
   RuleCandidate* candidates = rule_candidates(window.lnode, window.rnode);
   rule_choose(candidates, window, result);
   if (candidates == nullptr || result != as_status(Fit::yes)) return false;
+  // A pass inside a scope must not release it.
+  const CandidatePin pin(candidates);
   result =
       moves_window(*candidates->rule) ? apply_rule(window, candidates, nullptr) : post_edit_rule(window, *candidates);
   return result == Status::ok;
