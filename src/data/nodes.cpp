@@ -210,7 +210,7 @@ void candidates_passed_over(RuleCandidate* first, const RuleCandidate* end) {
 }
 
 void candidates_left_behind(RuleCandidate* before, const RuleCandidate* now) {
-  if (before == nullptr || before->list->records != 0) return;
+  if (before == nullptr || before->list == nullptr || before->list->records != 0) return;
   const RuleCandidate* found = before;
   while (found != nullptr && found != now) found = found->next;
   // An element of the same list that stands in front of `before` leads to it.

@@ -205,7 +205,8 @@ void make_room_for_record(Node& node, const Rule& rule) {
   if (!is_post_edit_type(rule.type) || is_fresh(node)) return;
   RuleCandidate* before = node.matches->candidate;
   match_record_pop(node);
-  if (before != nullptr && is_post_edit_type(before->rule->type)) candidates_left_behind(before, nullptr);
+  const bool is_of_post_edit = before != nullptr && before->rule != nullptr && is_post_edit_type(before->rule->type);
+  if (is_of_post_edit) candidates_left_behind(before, nullptr);
 }
 
 Status push_records(Match& match) {

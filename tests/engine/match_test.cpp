@@ -86,7 +86,8 @@ const Case kPlaces[] = {
     {"and of a reference on the right", "?{A}{Q}P1;", "[a/A] [SCOPE:01/SCOPE]", "-1 [a/A] [SCOPE:01/SCOPE]"},
     {"a type without a step, touched", "+{A}{}P1;", "[a/A(0)] [x/X]", "-1 [a/A(0)] [x/X]"},
     {"a type without a step, fresh", "+{A}{}P1;", "[a/A] [x/X]", "1 [a/A(0)] [x/X(0)]"},
-    {"post-edit rules apply to any pair", "PL{A}{}P1;", "[a/A(0)] [x/X(0)]", "1 [a/A(00)] [x/X(00)]"},
+    {"post-edit rules apply to any pair, and replace its records", "PL{A}{}P1;", "[a/A(0)] [x/X(10)]",
+     "1 [a/A(0)] [x/X(00)]"},
     {"the left place is beyond the list", "R{}{}P1;", "<< x/X >>", "110 << x/X >>"},
 };
 
