@@ -30,8 +30,9 @@ std::vector<std::string> case_names() {
 
 // What comes behind the messages of the rule parser.
 std::string from_first_sentence(const std::string& output) {
-  const std::size_t at = output.rfind("[S", 0) == 0 ? 0 : output.find("\n[S");
-  return at == std::string::npos ? output : output.substr(at);
+  if (output.rfind("[S", 0) == 0) return output;
+  const std::size_t line_end = output.find("\n[S");
+  return line_end == std::string::npos ? output : output.substr(line_end + 1);
 }
 
 class Golden : public ::testing::TestWithParam<std::string> {
