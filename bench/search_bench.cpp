@@ -175,7 +175,7 @@ double median(std::vector<double> values) {
 // What the search adds to a sentence, against one that is the same but for its first words being right. The two take
 // turns, so that both meet the same machine.
 void search_step(benchmark::State& run, Language& language, int right_words) {
-  const int steps = steps_of(right_words);
+  const int steps = std::max(1, steps_of(right_words));
   const int rounds = 5 + steps_of(kWordsToChoose) / steps;
   Input searching(right_words);
   Input straight(0);

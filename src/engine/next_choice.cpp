@@ -32,15 +32,25 @@ void forced_target_reach(Side side, const Node& node) {
   }
 }
 
-// Takes the choice in force off the node's word and its record; `rest` is what comes behind it.
-[[nodiscard]] Status choice_take_off(const Rule& rule, Side side, Node& node, WordEntry*& rest) {
+// The other record of the application shares the choice, until it has been taken off once. Of another record nothing is
+// known, and the choice stays in the pool.
+void choice_release(WordEntry* choice, const RuleCandidate* candidate, MatchRecord* twin) {
+  if (twin == nullptr || twin->candidate != candidate) return;
+  if (twin->cooccurrence != nullptr && twin->cooccurrence != choice) return;
+  twin->cooccurrence = nullptr;
+  entry_list_free(choice);
+}
+
+// Takes the choice in force off the node's word and off the records; `rest` is what comes behind it.
+[[nodiscard]] Status choice_take_off(const Undo& undo, Side side, Node& node, WordEntry*& rest) {
+  const Rule& rule = *undo.candidate->rule;
   WordEntry& choice = *node.matches->cooccurrence;
   Node* left = side == Side::left ? &node : nullptr;
   Node* right = side == Side::left ? nullptr : &node;
   if (const Status status = role_mark_remove(rule, left, right, choice); status != Status::ok) return status;
-  // The record of the other node still points to the choice, so it stays in the pool.
   rest = std::exchange(choice.next, nullptr);
   node.matches->cooccurrence = nullptr;
+  choice_release(&choice, node.matches->candidate, node_of(undo.window, other(side))->matches);
   return Status::ok;
 }
 
@@ -67,7 +77,7 @@ Stage next_choice(Undo& undo) {
     if (!has_next_choice(rule, side, node)) continue;
     forced_target_reach(side, node);
     WordEntry* rest = nullptr;
-    if (const Status status = choice_take_off(rule, side, node, rest); status != Status::ok) return leave(undo, status);
+    if (const Status status = choice_take_off(undo, side, node, rest); status != Status::ok) return leave(undo, status);
     const int score =
         cooccurrence_check(undo.window.lnode->candidates, undo.window.rnode->candidates, rule, rest, side_letter(side));
     if (score != 0) return choice_apply(undo, *node.matches, rest);

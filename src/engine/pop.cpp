@@ -69,6 +69,18 @@ namespace {
   return has_both ? Status::ok : rule_base_failure("undid a rule at an empty place");
 }
 
+// The choices that the two records of the application share, or that one of them has kept. Null if there are none, or
+// if the records are not a pair.
+[[nodiscard]] WordEntry* choices_of(const Undo& undo) {
+  const MatchRecord* left = undo.window.lnode->matches;
+  const MatchRecord* right = undo.window.rnode->matches;
+  if (left == nullptr || right == nullptr) return nullptr;
+  if (left->candidate != undo.candidate || right->candidate != undo.candidate) return nullptr;
+  if (left->cooccurrence == nullptr) return right->cooccurrence;
+  const bool are_one = right->cooccurrence == nullptr || right->cooccurrence == left->cooccurrence;
+  return are_one ? left->cooccurrence : nullptr;
+}
+
 // 7.12: the node's changed word and its record.
 [[nodiscard]] Status node_undo(Node& node) {
   if (!is_fresh(node) && node.matches->state == kStateChanged) entry_drop_head(node.candidates);
@@ -103,8 +115,10 @@ namespace {
       return leave(undo, status);
   }
   if (const Stage stage = next_choice(undo); stage != Stage::pop) return stage;
+  WordEntry* choices = choices_of(undo);
   if (const Status status = node_undo(*window.lnode); status != Status::ok) return leave(undo, status);
   if (const Status status = node_undo(*window.rnode); status != Status::ok) return leave(undo, status);
+  entry_list_free(choices);
   undo.caller = window;
   if (rule.type == rule_type::right && is_boundary(*window.rnode)) return Stage::next_rule;
   return scope_test(window, rule);

@@ -1,7 +1,9 @@
 #include "run/step.hpp"
 
+#include <atomic>
 #include <condition_variable>
 #include <mutex>
+#include <thread>
 
 #include "data/platform.hpp"
 #include "data/state.hpp"
@@ -15,30 +17,53 @@ namespace {
 constexpr std::size_t kWorkerStack = std::size_t{256} << 20;
 // What the deepest step below a guard may still need.
 constexpr std::size_t kStackReserve = std::size_t{256} << 10;
+// To wake a thread that sleeps can take longer than a short sentence, so both sides stay awake for about as long.
+constexpr std::chrono::microseconds kAwake{100};
+
+// Waits for a while, without sleeping, for what another thread does.
+template <typename Done>
+void wait_awake(Done done) {
+  const auto end = std::chrono::steady_clock::now() + kAwake;
+  while (!done() && std::chrono::steady_clock::now() < end) std::this_thread::yield();
+}
 
 }  // namespace
 
+// The flags change under the mutex, for who sleeps, and are read without it by who is awake.
 struct WorkerThread::Shared {
   std::mutex mutex;
   std::condition_variable changed;
   void (*body)(RunContext&) = nullptr;
   RunContext* context = nullptr;
-  bool running = false;
-  bool ends = false;
+  std::atomic<bool> running{false};
+  std::atomic<bool> ends{false};
   bool has_thread = false;
   ThreadHandle thread{};
 
+  void set(std::atomic<bool>& flag, bool value) {
+    {
+      const std::lock_guard lock(mutex);
+      flag = value;
+    }
+    changed.notify_all();
+  }
+
+  // False when there is none any more.
+  bool wait_for_step() {
+    const auto is_due = [this] { return running || ends; };
+    wait_awake(is_due);
+    if (!is_due()) {
+      std::unique_lock lock(mutex);
+      changed.wait(lock, is_due);
+    }
+    return running;
+  }
+
   void serve() {
     state.stack_limit = stack_limit_of_this_thread(kStackReserve);
-    std::unique_lock lock(mutex);
-    while (true) {
-      changed.wait(lock, [this] { return running || ends; });
-      if (!running) return;
-      lock.unlock();
+    while (wait_for_step()) {
       body(*context);
-      lock.lock();
-      running = false;
-      changed.notify_all();
+      set(running, false);
     }
   }
 };
@@ -49,32 +74,28 @@ WorkerThread::WorkerThread() : shared_(new Shared) {
 }
 
 WorkerThread::~WorkerThread() {
-  {
-    const std::lock_guard lock(shared_->mutex);
-    shared_->ends = true;
-    shared_->changed.notify_all();
-  }
+  shared_->set(shared_->ends, true);
   if (shared_->has_thread) thread_join(shared_->thread);
   delete shared_;
 }
 
 void WorkerThread::start(void (*body)(RunContext&), RunContext& context) {
   if (!shared_->has_thread) return body(context);
-  const std::lock_guard lock(shared_->mutex);
   shared_->body = body;
   shared_->context = &context;
-  shared_->running = true;
-  shared_->changed.notify_all();
+  shared_->set(shared_->running, true);
 }
 
 bool WorkerThread::is_running() const {
-  const std::lock_guard lock(shared_->mutex);
   return shared_->running;
 }
 
 bool WorkerThread::wait_until(std::chrono::steady_clock::time_point deadline) {
+  const auto is_over = [this] { return !shared_->running; };
+  wait_awake(is_over);
+  if (is_over()) return true;
   std::unique_lock lock(shared_->mutex);
-  return shared_->changed.wait_until(lock, deadline, [this] { return !shared_->running; });
+  return shared_->changed.wait_until(lock, deadline, is_over);
 }
 
 void WorkerThread::wait() {

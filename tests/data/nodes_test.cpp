@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
 #include <cstring>
 #include <string>
 
@@ -159,6 +160,43 @@ TEST_F(Nodes, APassedOverElementStaysWhileARecordCanReachItsList) {
   candidate_passed_over(element);
   EXPECT_NE(temp_new<RuleCandidate>(), nullptr);
   EXPECT_EQ(pool_figures().sentence_bytes_used, used) << "the cell has been given back";
+}
+
+TEST_F(Nodes, WhatIsLeftBehindIsPassedOver) {
+  struct Row {
+    const char* what;
+    int before;  // the elements are counted from 0; -1 is the null element
+    int now;
+    int records;
+    int left;  // elements not given back
+  };
+  constexpr int kElements = 5;
+  constexpr int kOfAnotherList = 4;
+  const Row rows[] = {
+      {"up to the one that comes next", 1, 3, 0, 2},
+      {"all that follow", 1, -1, 0, 1},
+      {"all before another list", 0, kOfAnotherList, 0, 0},
+      {"nothing if it stays", 1, 1, 0, 4},
+      {"nothing behind one in front of it", 2, 1, 0, 4},
+      {"nothing that a record can reach", 0, -1, 1, 4},
+      {"nothing of no list", -1, 1, 0, 4},
+  };
+  for (const Row& row : rows) {
+    auto* list = temp_new<CandidateList>();
+    auto* other_list = temp_new<CandidateList>();
+    *list = {row.records, kElements};  // one more than there are: the list's own cell stays
+    *other_list = {0, 1};
+    std::array<RuleCandidate*, kElements> elements{};
+    for (std::size_t i = kElements; i-- > 0;) {
+      elements[i] = temp_new<RuleCandidate>();
+      elements[i]->list = i == kOfAnotherList ? other_list : list;
+      if (i + 1 < kOfAnotherList) elements[i]->next = elements[i + 1];
+    }
+    const auto element = [&](int index) { return index < 0 ? nullptr : elements.at(static_cast<std::size_t>(index)); };
+    candidates_left_behind(element(row.before), element(row.now));
+    EXPECT_EQ(list->elements, row.left + 1) << row.what;
+    EXPECT_EQ(other_list->elements, 1) << row.what;
+  }
 }
 
 TEST_F(Nodes, WhetherAScopeStands) {

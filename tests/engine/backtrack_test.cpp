@@ -309,7 +309,7 @@ TEST(NextChoice, IsAppliedOnTheRightSide) {
   Capture output;
   state.trace_level = 3;
   EXPECT_EQ(search.undo(), "0 -");
-  EXPECT_EQ(search.text(), "<< [a(0<p>)] [b/<q,N|c(0<q>)] >>");
+  EXPECT_EQ(search.text(), "<< [a(0)] [b/<q,N|c(0<q>)] >>");
   EXPECT_EQ(branches_of(output.text()), "forced backtracking ends");
 }
 
@@ -318,7 +318,7 @@ TEST(NextChoice, IsAppliedOnTheLeftSide) {
   Capture output;
   state.trace_level = 3;
   EXPECT_EQ(search.undo(), "0 -");
-  EXPECT_EQ(search.text(), "[<<(m)] [b/<q,N(0<q>)] a(0<p>) >>");
+  EXPECT_EQ(search.text(), "[<<(m)] [b/<q,N(0<q>)] a(0) >>");
   EXPECT_EQ(branches_of(output.text()), "forced backtrackng ends");
 }
 

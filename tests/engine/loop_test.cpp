@@ -83,6 +83,21 @@ TEST(Walk, WithATargetThatIsGoneForgetsAnInsertedWord) {
   EXPECT_EQ(text_of_list(entry), "<< a/W >>");
 }
 
+// The search tries one word after the other: every try takes its rules, its records and a changed word from the pool.
+TEST(Walk, GivesBackWhatATryTakes) {
+  const auto bytes_of_search = [](int tries) {
+    use_rules("R{SHEAD}{W:+S:}P5;\n?{W}{STAIL}(NEVER)P4;\nR(NEVER){W}{STAIL}P3;\nR{A}{STAIL}P1;");
+    std::string words;
+    for (int i = 0; i < tries; ++i) words += "b/W|";
+    Node* entry = node_of_text(words + "a/A,W");
+    const std::int64_t before = pool_figures().sentence_bytes_used;
+    EXPECT_EQ(generate_scope(entry, false), Status::ok);
+    EXPECT_EQ(text_of_list(entry), "<<(0) a/S,A,W|a/A,W(01) >>(0)");
+    return pool_figures().sentence_bytes_used - before;
+  };
+  EXPECT_EQ(bytes_of_search(100), bytes_of_search(10));
+}
+
 TEST(Walk, LeavesAtOnceWhenAsked) {
   use_rules("R{SHEAD}{A}P2;\nR{A}{STAIL}P1;");
   const List list("[<<] [a/A] >>");

@@ -169,6 +169,7 @@ TEST_F(Candidates, ShareOneListRecord) {
   ASSERT_NE(first->list, nullptr);
   EXPECT_EQ(first->list, first->next->list);
   EXPECT_EQ(first->list->records, 0);
+  EXPECT_EQ(first->list->elements, 2);
   EXPECT_EQ(first->lnode, nullptr);
   EXPECT_NE(rule_candidates(node_of_attrs("A"), nullptr)->list, first->list);
 }
