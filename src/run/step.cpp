@@ -134,7 +134,7 @@ bool step_tick(ProgressState& progress) {
   if (is_running && !time_is_up) return false;
   if (is_running) {
     stop_worker(progress);
-    run_status = run_state::over_time;
+    if (run_status == run_state::running) run_status = run_state::over_time;
   }
   end_step(progress);
   return true;

@@ -16,9 +16,12 @@ constinit std::atomic<std::int32_t> run_status{run_state::running};
 
 namespace {
 
-void end_step(bool succeeded) {
+// A stopped step has no result of its own: who stopped it says what it was.
+void end_step(Status status) {
   out_flush();
-  run_status = succeeded ? run_state::finished : run_state::failed;
+  if (status == Status::stopped) return;
+  const std::int32_t result = status == Status::ok ? run_state::finished : run_state::failed;
+  run_status = status == Status::end_of_input ? run_state::end_of_input : result;
 }
 
 Status parse_and_write_rules(RunContext& context) {
@@ -45,7 +48,7 @@ DictionaryFiles cr_dictionary_of(RunContext& context) {
 void convert_worker(RunContext& context) {
   Status status = parse_and_write_rules(context);
   if (status == Status::ok) status = build_and_save_matrix(context);
-  end_step(status == Status::ok);
+  end_step(status);
 }
 
 void load_worker(RunContext& context) {
@@ -59,22 +62,19 @@ void load_worker(RunContext& context) {
       static_cast<void>(rule_matrix_load(context.compiled_matrix.stream, context.rules));
     }
   }
-  end_step(status == Status::ok);
+  end_step(status);
 }
 
 void sentence_worker(RunContext& context) {
   std::array<char, kSentenceSize> text;
   const Status status = render_sentence(word_dictionary_of(context), context.input, text.data(),
                                         cr_dictionary_of(context), context.post_edit);
-  out_flush();
   static_cast<void>(temp_release_all());
-  const bool is_at_end = status == Status::end_of_input;
-  const std::int32_t result = status == Status::ok ? run_state::finished : run_state::failed;
-  run_status = is_at_end ? run_state::end_of_input : result;
+  end_step(status);
 }
 
 void no_rules_worker(RunContext&) {
-  end_step(false);
+  end_step(Status::no_effect);
 }
 
 Worker choose_worker(const RunContext& context) {

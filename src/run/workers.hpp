@@ -5,8 +5,7 @@
 
 namespace lexon {
 
-// Each sets `run_status` when it is done and flushes the output. After a stop that was asked for they leave the
-// output as it is.
+// Each flushes the output and sets `run_status` when it is done, but not after a stop that was asked for.
 void convert_worker(RunContext& context);
 void load_worker(RunContext& context);
 void sentence_worker(RunContext& context);
