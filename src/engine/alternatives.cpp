@@ -43,9 +43,22 @@ enum class Held : std::uint8_t { none, has_words, used_up, failed };
   return node_words_reload(*entry) == Status::ok ? Held::used_up : Held::failed;
 }
 
-// The window of a rule with MID is given by the candidate as it now stands, on the side of the node that stays.
-[[nodiscard]] Status mid_window_set(Undo& undo, Side staying_side) {
-  Node* staying = undo.candidate == nullptr ? nullptr : noted_place(*undo.candidate, staying_side);
+// What is tried in another way, as it stood before anything was changed.
+struct Retry {
+  const Rule& rule;
+  Node* mid_start;  // the node from which the rule's MID was counted; null without MID
+};
+
+[[nodiscard]] Node* staying_place(const RuleCandidate* candidate, Side inserted) {
+  return candidate == nullptr ? nullptr : noted_place(*candidate, other(inserted));
+}
+
+// The window of a rule with MID is given by the candidate as it now stands, on the side of the node that stays; by
+// the rule that is taken back if the next one, still untried, has noted no place.
+[[nodiscard]] Status mid_window_set(Undo& undo, const Retry& retry, Side inserted) {
+  const Side staying_side = other(inserted);
+  Node* noted = staying_place(undo.candidate, inserted);
+  Node* staying = noted != nullptr ? noted : retry.mid_start;
   const bool has_place = staying != nullptr && stands_in_list_of(node_of(undo.window, staying_side), staying);
   if (!has_place) return rule_base_failure("lost the place of a rule with MID");
   undo.window = staying_side == Side::left ? Window{staying, staying->right} : Window{staying->left, staying};
@@ -53,10 +66,10 @@ enum class Held : std::uint8_t { none, has_words, used_up, failed };
 }
 
 // Item 7 of both sides: the node leaves the list.
-[[nodiscard]] Stage inserted_take_out(Undo& undo, const Rule& rule, Side inserted) {
-  if (const Status status = inserted_undo(rule, undo.window); status != Status::ok) return leave(undo, status);
-  if (rule.mid != nullptr) {
-    if (const Status status = mid_window_set(undo, other(inserted)); status != Status::ok) return leave(undo, status);
+[[nodiscard]] Stage inserted_take_out(Undo& undo, const Retry& retry, Side inserted) {
+  if (const Status status = inserted_undo(retry.rule, undo.window); status != Status::ok) return leave(undo, status);
+  if (retry.rule.mid != nullptr) {
+    if (const Status status = mid_window_set(undo, retry, inserted); status != Status::ok) return leave(undo, status);
   }
   undo.caller = undo.window;
   return Stage::end;
@@ -91,18 +104,18 @@ enum class Held : std::uint8_t { none, has_words, used_up, failed };
   return target.candidates == nullptr ? right_words_used_up(undo) : Stage::alternatives;
 }
 
-[[nodiscard]] Stage right_side(Undo& undo, const Rule& rule) {
+[[nodiscard]] Stage right_side(Undo& undo, const Retry& retry) {
   Node& rnode = *undo.window.rnode;
   const bool is_reference = is_scope_reference(rnode);
-  if (!is_reference && rule.rnode->inserted != 0) mark(rnode);
+  if (!is_reference && retry.rule.rnode->inserted != 0) mark(rnode);
   Node* target = word_node(rnode);
-  if (is_reference && !hold_take(target, &rule)) {
+  if (is_reference && !hold_take(target, &retry.rule)) {
     to_next_rule(undo, 11);
   } else if (const Stage stage = right_word_change(undo, *target); stage != Stage::alternatives) {
     return stage;
   }
   if (!is_reference && target->candidates != nullptr) return Stage::end;
-  return inserted_take_out(undo, rule, Side::right);
+  return inserted_take_out(undo, retry, Side::right);
 }
 
 // ---- The lnode's side.
@@ -150,7 +163,7 @@ enum class Held : std::uint8_t { none, has_words, used_up, failed };
   return target.candidates == nullptr ? left_words_used_up(undo, rule) : Stage::alternatives;
 }
 
-[[nodiscard]] Stage left_side(Undo& undo, const Rule& rule) {
+[[nodiscard]] Stage left_side(Undo& undo, const Retry& retry) {
   Node& lnode = *undo.window.lnode;
   const bool is_reference = is_scope_reference(lnode);
   if (!is_reference) mark(lnode);
@@ -158,11 +171,11 @@ enum class Held : std::uint8_t { none, has_words, used_up, failed };
   // wanted: unlike on the right side, the hold of any rule will do.
   if (is_reference && !hold_take(target)) {
     to_next_rule(undo, 21);
-  } else if (const Stage stage = left_word_change(undo, rule, *target); stage != Stage::alternatives) {
+  } else if (const Stage stage = left_word_change(undo, retry.rule, *target); stage != Stage::alternatives) {
     return stage;
   }
   if (!is_reference && target->candidates != nullptr) return Stage::end;
-  return inserted_take_out(undo, rule, Side::left);
+  return inserted_take_out(undo, retry, Side::left);
 }
 
 }  // namespace
@@ -174,8 +187,11 @@ Stage alternatives(Undo& undo) {
     return leave(undo, rule_base_failure("tried a node again beside an empty place"));
   const Rule& rule = *undo.candidate->rule;
   const bool right_word_is_due = has_brace_patterns(rule) && is_fresh(*window.rnode);
-  if (rule.rnode->inserted != 0 || right_word_is_due) return right_side(undo, rule);
-  return rule.lnode->inserted != 0 ? left_side(undo, rule) : Stage::next_rule;
+  if (rule.rnode->inserted != 0 || right_word_is_due) {
+    return right_side(undo, {rule, staying_place(undo.candidate, Side::right)});
+  }
+  if (rule.lnode->inserted == 0) return Stage::next_rule;
+  return left_side(undo, {rule, staying_place(undo.candidate, Side::left)});
 }
 
 Stage next_rule(Undo& undo) {
