@@ -8,11 +8,15 @@
 #include <array>
 #include <cerrno>
 #include <cstdlib>
+#include <utility>
+
+#include "data/pool.hpp"
 
 namespace lexon {
 
 namespace {
 
+// Makes an empty private file; the empty text on failure.
 std::string temp_file_in(const std::string& folder) {
   std::string name = folder + "/lexon-XXXXXX";
   const int descriptor = mkstemp(name.data());
@@ -34,14 +38,49 @@ bool copy_all(std::FILE* from, std::FILE* to) {
   return std::ferror(from) == 0;
 }
 
+// Copies what is left of `from` into a new file. What cannot be copied whole is not left there in part.
+bool copy_to(std::FILE* from, const std::string& target) {
+  std::FILE* to = std::fopen(target.c_str(), "wb");
+  if (to == nullptr) return false;
+  const bool copied = copy_all(from, to);
+  const bool closed = std::fclose(to) == 0;
+  if (copied && closed) return true;
+  std::remove(target.c_str());
+  return false;
+}
+
 bool file_copy(const std::string& source, const std::string& target) {
   std::FILE* from = std::fopen(source.c_str(), "rb");
   if (from == nullptr) return false;
-  std::FILE* to = std::fopen(target.c_str(), "wb");
-  bool copied = to != nullptr && copy_all(from, to);
-  if (to != nullptr) copied = std::fclose(to) == 0 && copied;
+  const bool copied = copy_to(from, target);
   std::fclose(from);
   return copied;
+}
+
+std::string folder_of(const std::string& path) {
+  const std::size_t slash = path.rfind('/');
+  if (slash == std::string::npos) return ".";
+  return slash == 0 ? "/" : path.substr(0, slash);
+}
+
+// The permissions of any new file, for one that was made private.
+bool make_ordinary(int descriptor) {
+  const mode_t mask = umask(0);
+  umask(mask);
+  return fchmod(descriptor, 0666 & ~mask) == 0;
+}
+
+// Gives the file behind a descriptor a name of its own in `folder`; the empty text if the system cannot.
+std::string link_in(const std::string& folder, int descriptor) {
+  constexpr int kTries = 16;
+  const std::string source = "/proc/self/fd/" + std::to_string(descriptor);
+  for (int i = 0; i < kTries; ++i) {
+    std::string name = temp_file_in(folder);
+    if (name.empty() || std::remove(name.c_str()) != 0) return {};
+    if (linkat(AT_FDCWD, source.c_str(), AT_FDCWD, name.c_str(), AT_SYMLINK_FOLLOW) == 0) return name;
+    if (errno != EEXIST) return {};
+  }
+  return {};
 }
 
 struct ThreadStart {
@@ -80,26 +119,71 @@ std::optional<FileTime> file_time(const std::string& path, int& error) {
   return FileTime{status.st_mtim.tv_sec, status.st_mtim.tv_nsec};
 }
 
-std::string temp_file_make() {
-  std::string name = temp_file_in(system_temp_folder());
-  return name.empty() ? temp_file_in(".") : name;
+TempFile::TempFile() : path_(temp_file_in(system_temp_folder())) {
+  if (path_.empty()) path_ = temp_file_in(".");
 }
 
-std::string temp_file_make_beside(const std::string& path) {
-  const std::size_t slash = path.rfind('/');
-  std::string name = temp_file_in(slash == std::string::npos ? "." : path.substr(0, slash));
-  if (name.empty()) return name;
-  const mode_t mask = umask(0);
-  umask(mask);
-  if (chmod(name.c_str(), 0666 & ~mask) == 0) return name;
-  std::remove(name.c_str());
-  return {};
+TempFile::~TempFile() {
+  if (!path_.empty()) std::remove(path_.c_str());
 }
 
-bool file_move(const std::string& source, const std::string& target) {
-  if (std::rename(source.c_str(), target.c_str()) == 0) return true;
-  if (!file_copy(source, target)) return false;
-  return std::remove(source.c_str()) == 0;
+bool TempFile::move_to(const std::string& target) {
+  if (path_.empty()) return false;
+  const bool moved = std::rename(path_.c_str(), target.c_str()) == 0;
+  if (!moved && !file_copy(path_, target)) return false;
+  if (!moved) std::remove(path_.c_str());
+  path_.clear();
+  return true;
+}
+
+bool DraftFile::open_beside(const std::string& target) {
+  const std::string folder = folder_of(target);
+  int descriptor = open(folder.c_str(), O_TMPFILE | O_RDWR | O_CLOEXEC, 0666);
+  if (descriptor < 0) {
+    path_ = temp_file_in(folder);
+    if (path_.empty()) return false;
+    descriptor = open(path_.c_str(), O_RDWR | O_CLOEXEC);
+    if (descriptor >= 0 && !make_ordinary(descriptor)) close(std::exchange(descriptor, -1));
+  }
+  stream_ = descriptor < 0 ? nullptr : fdopen(descriptor, "wb+");
+  if (stream_ == nullptr && descriptor >= 0) close(descriptor);
+  if (stream_ == nullptr) discard();
+  return stream_ != nullptr;
+}
+
+bool DraftFile::is_whole() {
+  return std::fflush(stream_) == 0 && std::ferror(stream_) == 0;
+}
+
+// Where the file cannot be linked, its content is copied to one that has a name.
+bool DraftFile::take_name(const std::string& target) {
+  if (!path_.empty()) return true;
+  const std::string folder = folder_of(target);
+  path_ = link_in(folder, fileno(stream_));
+  if (!path_.empty()) return true;
+  path_ = temp_file_in(folder);
+  if (path_.empty()) return false;
+  std::rewind(stream_);
+  if (!copy_to(stream_, path_)) return false;
+  const int descriptor = open(path_.c_str(), O_RDWR | O_CLOEXEC);
+  const bool made = descriptor >= 0 && make_ordinary(descriptor);
+  if (descriptor >= 0) close(descriptor);
+  return made;
+}
+
+bool DraftFile::put_in_place(const std::string& target) {
+  bool done = is_whole() && take_name(target);
+  done = std::fclose(std::exchange(stream_, nullptr)) == 0 && done;
+  done = done && std::rename(path_.c_str(), target.c_str()) == 0;
+  if (done) path_.clear();
+  discard();
+  return done;
+}
+
+void DraftFile::discard() {
+  if (stream_ != nullptr) std::fclose(std::exchange(stream_, nullptr));
+  if (!path_.empty()) std::remove(path_.c_str());
+  path_.clear();
 }
 
 void file_time_reset(const std::string& path) {
@@ -114,12 +198,20 @@ bool is_a_file(std::FILE* stream) {
 }
 
 bool file_read_at(std::FILE* stream, std::int64_t offset, void* to, std::size_t size) {
-  return stream != nullptr && pread(fileno(stream), to, size, offset) == static_cast<ssize_t>(size);
+  if (stream == nullptr) return false;
+  auto* bytes = static_cast<char*>(to);
+  // A read may be cut short or interrupted without being at the end.
+  for (std::size_t done = 0; done < size;) {
+    const ssize_t got = pread(fileno(stream), bytes + done, size - done, offset + static_cast<std::int64_t>(done));
+    if (got == 0 || (got < 0 && errno != EINTR)) return false;
+    if (got > 0) done += static_cast<std::size_t>(got);
+  }
+  return true;
 }
 
 bool thread_start(ThreadHandle& thread, std::size_t stack_bytes, void (*body)(void*), void* argument) {
   constexpr std::size_t kLeastStack = std::size_t{1} << 20;
-  auto* start = static_cast<ThreadStart*>(std::malloc(sizeof(ThreadStart)));
+  auto* start = static_cast<ThreadStart*>(checked_malloc(sizeof(ThreadStart)));
   if (start == nullptr) return false;
   *start = {body, argument};
   for (; stack_bytes >= kLeastStack; stack_bytes /= 2) {
@@ -132,7 +224,9 @@ bool thread_start(ThreadHandle& thread, std::size_t stack_bytes, void (*body)(vo
   return false;
 }
 
-void thread_join(ThreadHandle& thread) { pthread_join(thread.id, nullptr); }
+void thread_join(ThreadHandle& thread) {
+  pthread_join(thread.id, nullptr);
+}
 
 const char* stack_limit_of_this_thread(std::size_t reserve) {
   pthread_attr_t attributes;

@@ -18,15 +18,52 @@ struct FileTime {
 };
 [[nodiscard]] std::optional<FileTime> file_time(const std::string& path, int& error);
 
-// Makes an empty private file with an unpredictable name in the system's temporary place, or in the current folder if
-// that cannot be written. The empty text on failure. The caller removes it.
-[[nodiscard]] std::string temp_file_make();
+// A private file of this object, with an unpredictable name in the system's temporary place, or in the current folder
+// if that cannot be written. It is made empty and removed with the object.
+class TempFile {
+ public:
+  TempFile();
+  ~TempFile();
+  TempFile(const TempFile&) = delete;
+  TempFile& operator=(const TempFile&) = delete;
 
-// The same in the folder of `path`, with the permissions that a new file gets; the empty text on failure.
-[[nodiscard]] std::string temp_file_make_beside(const std::string& path);
+  // Empty if the file could not be made.
+  [[nodiscard]] const std::string& path() const { return path_; }
+  // Moves the file to `target`, replacing what is there; copies where a rename cannot do it. Nothing is left under its
+  // own name then; on failure nothing is left under `target` unless it stood there untouched.
+  [[nodiscard]] bool move_to(const std::string& target);
 
-// Moves a file to `target`, replacing what is there; copies where a rename cannot do it.
-[[nodiscard]] bool file_move(const std::string& source, const std::string& target);
+ private:
+  std::string path_;
+};
+
+// A file in the making, in the folder where it shall stand. It has no name where the system can do without, so that a
+// program that is killed leaves nothing; else an unpredictable one. It gets the permissions of any new file.
+class DraftFile {
+ public:
+  DraftFile() = default;
+  ~DraftFile() { discard(); }
+  DraftFile(const DraftFile&) = delete;
+  DraftFile& operator=(const DraftFile&) = delete;
+
+  // Opens it for writing and reading. False if the folder takes no file.
+  [[nodiscard]] bool open_beside(const std::string& target);
+  // Null before it is opened and once it is gone.
+  [[nodiscard]] std::FILE* stream() const { return stream_; }
+  // Writes out what is buffered. False if not all that was written has reached the file.
+  [[nodiscard]] bool is_whole();
+  // Puts what was written in the place of `target` and closes the stream. False if it is not whole or cannot be put
+  // there; then it is gone, and `target` stands as before.
+  [[nodiscard]] bool put_in_place(const std::string& target);
+  // Nothing happens without an open file.
+  void discard();
+
+ private:
+  [[nodiscard]] bool take_name(const std::string& target);
+
+  std::FILE* stream_ = nullptr;
+  std::string path_;  // empty while it has no name
+};
 
 // Puts the file's last-write time far back, so that every other file is newer.
 void file_time_reset(const std::string& path);
@@ -34,8 +71,8 @@ void file_time_reset(const std::string& path);
 // Is the open stream something that can be read or written as a file? False for a directory.
 [[nodiscard]] bool is_a_file(std::FILE* stream);
 
-// Reads exactly `size` bytes at `offset`, past the stream's own buffer and position. False if fewer stand there, or for
-// a null stream.
+// Reads exactly `size` bytes at `offset`, past the stream's own buffer and position. False if fewer stand there, if
+// they cannot be read, or for a null stream.
 [[nodiscard]] bool file_read_at(std::FILE* stream, std::int64_t offset, void* to, std::size_t size);
 
 // A thread with a large stack. `thread_join` must be called once for each that was started.

@@ -5,6 +5,8 @@
 #include <cstring>
 #include <utility>
 
+#include "data/state.hpp"
+
 #if defined(__SANITIZE_ADDRESS__)
 #define LEXON_ADDRESS_SANITIZER 1
 #elif defined(__has_feature)
@@ -16,7 +18,14 @@
 #include <sanitizer/asan_interface.h>
 #endif
 
+// Builds that look for overruns keep cells apart.
+#ifndef LEXON_CELL_GUARD
+#define LEXON_CELL_GUARD 0
+#endif
+
 namespace lexon {
+
+constinit AllocationFault allocation_fault{};
 
 namespace {
 
@@ -35,6 +44,7 @@ void allow(void*, std::size_t) {}
 
 constexpr std::array<std::int32_t, 9> kCellSizes = {8, 16, 32, 64, 128, 256, 512, 1024, 4096};
 constexpr std::int64_t kLargestCell = kCellSizes.back();
+constexpr std::int32_t kCellGuard = LEXON_CELL_GUARD;  // bytes behind each cell that belong to nobody
 constexpr std::int32_t kFirstBlockSize = 65535;
 constexpr int kMaxBlocks = 200;  // of both pools together
 
@@ -55,6 +65,13 @@ struct Classes {
   std::array<int, kCellSizes.size()> first_open;
 };
 
+// What stands in front of a cell of the sentence's pool that is too large for the blocks. Such cells go with the
+// sentence too, whoever still holds them.
+struct alignas(std::max_align_t) LargeCell {
+  LargeCell* next;
+  LargeCell* before;
+};
+
 // The permanent pool owns the blocks in front of `permanent_count`, the sentence's pool those from there to
 // `top_count`.
 struct Pools {
@@ -64,6 +81,7 @@ struct Pools {
   std::array<Block, kMaxBlocks> blocks{};
   Classes permanent{};
   Classes sentence{};
+  LargeCell large{};  // heads the sentence's large cells
 };
 
 constinit Pools pools;
@@ -104,7 +122,7 @@ void* serve_from_new_block(const Range& range, std::int32_t cell_size) {
   if (range.end >= kMaxBlocks || pools.top_count >= kMaxBlocks) return nullptr;
   if (&range.end == &pools.permanent_count) make_room_for_permanent_block();
   for (; cell_size <= pools.block_size; pools.block_size /= 2) {
-    auto* start = static_cast<char*>(std::malloc(static_cast<std::size_t>(pools.block_size)));
+    auto* start = static_cast<char*>(checked_malloc(pools.block_size));
     if (start == nullptr) continue;
     pools.blocks[static_cast<std::size_t>(range.end)] = {cell_size, start};
     ++range.end;
@@ -114,24 +132,44 @@ void* serve_from_new_block(const Range& range, std::int32_t cell_size) {
   return nullptr;
 }
 
-void* pool_alloc(Classes& classes, const Range& range, std::int64_t size) {
-  if (size < 1) return nullptr;
-  if (size > kLargestCell) return checked_malloc(size);
+void* large_alloc(std::int64_t size) {
+  auto* cell = static_cast<LargeCell*>(checked_malloc(static_cast<std::int64_t>(sizeof(LargeCell)) + size));
+  if (cell == nullptr) return nullptr;
+  *cell = {pools.large.next, &pools.large};
+  if (cell->next != nullptr) cell->next->before = cell;
+  pools.large.next = cell;
+  return cell + 1;
+}
+
+void large_free(LargeCell* cell) {
+  cell->before->next = cell->next;
+  if (cell->next != nullptr) cell->next->before = cell->before;
+  std::free(cell);
+}
+
+void* class_alloc(Classes& classes, const Range& range, std::int64_t size) {
+  if (allocation_refused()) return nullptr;
   const std::size_t index = class_of(size);
   void* cell = classes.free[index];
   if (cell != nullptr) {
     classes.free[index] = classes.free[index]->next;
   } else {
-    cell = serve_from_blocks(range, classes.first_open[index], kCellSizes[index]);
-    if (cell == nullptr) cell = serve_from_new_block(range, kCellSizes[index]);
+    const std::int32_t stride = kCellSizes[index] + kCellGuard;
+    cell = serve_from_blocks(range, classes.first_open[index], stride);
+    if (cell == nullptr) cell = serve_from_new_block(range, stride);
   }
   if (cell != nullptr) allow(cell, static_cast<std::size_t>(size));
   return cell;
 }
 
-void pool_free(Classes& classes, void* cell, std::int64_t size) {
-  if (cell == nullptr || size < 1) return;
-  if (size > kLargestCell) return heap_free_clear(cell);
+// A refusal ends the step, also where the caller could go on without the cell: what is half done must not pass for
+// whole.
+void* or_abort(void* cell) {
+  if (cell == nullptr && state.abort == Status::ok) state.abort = Status::memory;
+  return cell;
+}
+
+void class_free(Classes& classes, void* cell, std::int64_t size) {
   const std::size_t index = class_of(size);
   FreeCell*& head = classes.free[index];
   forbid(cell, static_cast<std::size_t>(kCellSizes[index]));
@@ -141,6 +179,16 @@ void pool_free(Classes& classes, void* cell, std::int64_t size) {
 
 void clear_blocks_from(int first) {
   for (std::size_t i = static_cast<std::size_t>(first); i < pools.blocks.size(); ++i) pools.blocks[i] = {};
+}
+
+void free_blocks_from(int first) {
+  for (int i = first; i < pools.top_count; ++i) {
+    Block& block = pools.blocks[static_cast<std::size_t>(i)];
+    allow(block.start, static_cast<std::size_t>(kFirstBlockSize));
+    std::free(block.start);
+    block = {};
+  }
+  pools.top_count = first;
 }
 
 char* text_in(void* cell, std::string_view text) {
@@ -160,13 +208,17 @@ void* perm_alloc(std::int64_t size) {
     clear_blocks_from(0);
     pools.permanent = {};
   }
-  void* cell = pool_alloc(pools.permanent, {0, pools.permanent_count}, size);
+  if (size < 1) return nullptr;
+  if (size > kLargestCell) return or_abort(checked_malloc(size));
+  void* cell = class_alloc(pools.permanent, {0, pools.permanent_count}, size);
   if (pools.top_count < pools.permanent_count) pools.top_count = pools.permanent_count;
-  return cell;
+  return or_abort(cell);
 }
 
 void perm_free(void* cell, std::int64_t size) {
-  pool_free(pools.permanent, cell, size);
+  if (cell == nullptr || size < 1) return;
+  if (size > kLargestCell) return heap_free_clear(cell);
+  class_free(pools.permanent, cell, size);
 }
 
 void* temp_alloc(std::int64_t size) {
@@ -176,11 +228,15 @@ void* temp_alloc(std::int64_t size) {
     pools.sentence = {};
     pools.top_count = pools.permanent_count;
   }
-  return pool_alloc(pools.sentence, {pools.permanent_count, pools.top_count}, size);
+  if (size < 1) return nullptr;
+  if (size > kLargestCell) return or_abort(large_alloc(size));
+  return or_abort(class_alloc(pools.sentence, {pools.permanent_count, pools.top_count}, size));
 }
 
 void temp_free(void* cell, std::int64_t size) {
-  pool_free(pools.sentence, cell, size);
+  if (cell == nullptr || size < 1) return;
+  if (size > kLargestCell) return large_free(static_cast<LargeCell*>(cell) - 1);
+  class_free(pools.sentence, cell, size);
 }
 
 void temp_free_string(char* text) {
@@ -189,19 +245,21 @@ void temp_free_string(char* text) {
 }
 
 int temp_release_all() {
-  for (int i = pools.permanent_count; i < pools.top_count; ++i) {
-    Block& block = pools.blocks[static_cast<std::size_t>(i)];
-    allow(block.start, static_cast<std::size_t>(kFirstBlockSize));
-    std::free(block.start);
-    block = {};
-  }
-  pools.top_count = pools.permanent_count;
+  while (pools.large.next != nullptr) large_free(pools.large.next);
+  free_blocks_from(pools.permanent_count);
   pools.sentence = {};
   return 0;
 }
 
+void perm_release_all() {
+  static_cast<void>(temp_release_all());
+  pools.permanent_count = 0;
+  free_blocks_from(0);
+  pools = {};
+}
+
 void* checked_malloc(std::int64_t size) {
-  return size < 1 ? nullptr : std::malloc(static_cast<std::size_t>(size));
+  return size < 1 || allocation_refused() ? nullptr : std::malloc(static_cast<std::size_t>(size));
 }
 
 void heap_free_clear(void*& pointer) {

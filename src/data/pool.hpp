@@ -2,6 +2,9 @@
 //
 // Requests up to 4096 bytes are served in nine size classes from blocks of at most 65535 bytes; larger ones go to
 // the heap. A cell carries no header: whoever gives it back says its size. Cells are not cleared. Not thread-safe.
+//
+// A request that is refused also sets `state.abort` to `memory`: the step in hand ends, whether or not the caller could
+// go on without the cell.
 #pragma once
 
 #include <cstddef>
@@ -26,9 +29,13 @@ void temp_free(void* cell, std::int64_t size);
 // Gives a string back by its present length plus 1. Ignores null and the empty string.
 void temp_free_string(char* text);
 
-// Frees every block of the sentence's pool and clears its free lists. Cells above 4096 bytes are not covered.
-// Always returns 0.
+// Frees every block of the sentence's pool, and its cells above 4096 bytes, and clears its free lists. Always returns
+// 0.
 int temp_release_all();
+
+// Frees every block of both pools: the rules of the run are gone with all else. For a program that makes another run.
+// The permanent pool's cells above 4096 bytes are not covered.
+void perm_release_all();
 
 // Heap memory for what outlives pools; null if `size` is below 1 or the heap refuses. Freed by `heap_free_clear`.
 [[nodiscard]] void* checked_malloc(std::int64_t size);
@@ -44,7 +51,8 @@ template <typename Record>
 [[nodiscard]] Record* temp_new() {
   static_assert(std::is_trivially_destructible_v<Record>);
   void* cell = temp_alloc(static_cast<std::int64_t>(sizeof(Record)));
-  return cell == nullptr ? nullptr : new (cell) Record{};
+  if (cell == nullptr) return nullptr;
+  return new (cell) Record{};
 }
 
 template <typename Record>
@@ -57,7 +65,8 @@ template <typename Record>
 [[nodiscard]] Record* perm_new() {
   static_assert(std::is_trivially_destructible_v<Record>);
   void* cell = perm_alloc(static_cast<std::int64_t>(sizeof(Record)));
-  return cell == nullptr ? nullptr : new (cell) Record{};
+  if (cell == nullptr) return nullptr;
+  return new (cell) Record{};
 }
 
 template <typename Record>
@@ -70,6 +79,21 @@ void perm_delete(Record* record) {
 
 // A terminated copy of `text` in the permanent pool, or null.
 [[nodiscard]] char* perm_text(std::string_view text);
+
+// For tests: refuses allocations of the core, cells, blocks and heap memory alike.
+struct AllocationFault {
+  std::int64_t countdown;  // the request of this number from now on is refused; 0: none
+  bool lasting;            // so are all behind it
+};
+extern AllocationFault allocation_fault;
+
+// Is the request in hand to be refused? To be asked once for each.
+[[nodiscard]] inline bool allocation_refused() {
+  if (allocation_fault.countdown == 0) return false;
+  if (--allocation_fault.countdown != 0) return false;
+  if (allocation_fault.lasting) allocation_fault.countdown = 1;
+  return true;
+}
 
 // What the pools hold at present, for tests and benchmarks.
 struct PoolFigures {

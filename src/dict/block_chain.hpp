@@ -59,6 +59,8 @@ class BlockChain {
   [[nodiscard]] const Block<Size>& block() const { return block_; }
   [[nodiscard]] std::uint16_t number() const { return number_; }
   [[nodiscard]] bool is_unreadable() const { return is_unreadable_; }
+  // The place of the block in hand, or of the one that cannot be read.
+  [[nodiscard]] std::int64_t offset() const { return offset_of(number_); }
 
  private:
   static constexpr std::int64_t offset_of(std::uint32_t number) {

@@ -51,16 +51,7 @@ constexpr std::int64_t kMaxRecordBytes = std::int64_t{kMaxBlockNumber - 1} * std
 // A file in the making.
 struct PartFile {
   std::string target;
-  std::string path;  // the temporary name; empty once the file is in place
-  File stream;
-
-  PartFile() = default;
-  PartFile(const PartFile&) = delete;
-  PartFile& operator=(const PartFile&) = delete;
-  ~PartFile() {
-    stream.reset();
-    if (!path.empty()) (void)std::remove(path.c_str());
-  }
+  DraftFile draft;
 };
 
 struct Build {
@@ -126,9 +117,7 @@ bool plan_names(Build& build) {
 }
 
 bool part_open(const Build& build, PartFile& part) {
-  part.path = temp_file_make_beside(part.target);
-  if (!part.path.empty()) part.stream.reset(std::fopen(part.path.c_str(), "wb+"));
-  return part.stream != nullptr || fail(build, part.target + ": cannot be created");
+  return part.draft.open_beside(part.target) || fail(build, part.target + ": cannot be created");
 }
 
 // --- from the text to sorted records
@@ -159,6 +148,7 @@ bool read_entries(Build& build, ItemSorter& records) {
   std::int64_t bytes = 0;
   for (EntryText::Line line = text.next(); line != EntryText::Line::end; line = text.next()) {
     if (line == EntryText::Line::unreadable) return fail(build, path + ": cannot be read to its end");
+    if (line == EntryText::Line::no_memory) return fail(build, "memory is exhausted");
     if (line == EntryText::Line::entry && !take_record(build, text, records, bytes)) return false;
     if (line == EntryText::Line::entry) continue;
     report_bad_line(build, text);
@@ -214,10 +204,10 @@ bool gather_block_keys(const DictBlock& block, std::uint32_t number, int key_fie
 
 bool gather_keys(Build& build, std::uint32_t end_block, int key_field, ItemSorter& keys) {
   DictBlock block;
-  if (std::fflush(build.dictionary.stream.get()) != 0)
+  if (std::fflush(build.dictionary.draft.stream()) != 0)
     return report(build, PackResult::write_failed, build.dictionary_blocks);
   for (std::uint32_t number = kFirstDictBlock; number < end_block; ++number) {
-    const bool is_read = block.read(build.dictionary.stream.get(), dict_block_offset(number));
+    const bool is_read = block.read(build.dictionary.draft.stream(), dict_block_offset(number));
     if (!is_read) return fail(build, build.dictionary.target + ": cannot be read back");
     if (!gather_block_keys(block, number, key_field, keys)) return fail_sorting(build);
   }
@@ -262,26 +252,27 @@ bool write_header(Build& build) {
   for (int field = kKeyHw; field <= kSlotCount; ++field) {
     if (build.keys.has(field)) slot_store(build, field, header);
   }
-  std::FILE* stream = build.dictionary.stream.get();
+  std::FILE* stream = build.dictionary.draft.stream();
   const bool is_written =
       std::fseek(stream, 0, SEEK_SET) == 0 && std::fwrite(header.data(), 1, header.size(), stream) == header.size();
   return is_written || report(build, PackResult::write_failed, build.dictionary_blocks);
 }
 
-bool close_part(const Build& build, PartFile& part) {
-  return std::fclose(part.stream.release()) == 0 || fail(build, part.target + ": cannot write");
-}
-
-bool put_in_place(const Build& build, PartFile& part) {
-  if (!file_move(part.path, part.target)) return fail(build, part.target + ": cannot be put in place");
-  part.path.clear();
+// Both are whole before one is put in place: they are of use only together.
+bool put_in_place(Build& build) {
+  for (PartFile* part : {&build.index, &build.dictionary}) {
+    if (!part->draft.is_whole()) return fail(build, part->target + ": cannot write");
+  }
+  for (PartFile* part : {&build.index, &build.dictionary}) {
+    if (!part->draft.put_in_place(part->target)) return fail(build, part->target + ": cannot be put in place");
+  }
   return true;
 }
 
 bool write_files(Build& build, std::unique_ptr<ItemSorter> records) {
   if (!part_open(build, build.dictionary) || !part_open(build, build.index)) return false;
-  build.dictionary_blocks = {build.dictionary.stream.get(), kFirstDictBlock};
-  build.index_blocks = {build.index.stream.get(), kFirstIndexBlock};
+  build.dictionary_blocks = {build.dictionary.draft.stream(), kFirstDictBlock};
+  build.index_blocks = {build.index.draft.stream(), kFirstIndexBlock};
   if (!write_header(build) || !write_records(build, *records)) return false;
   records.reset();
   const std::uint32_t end_block = build.dictionary_blocks.next;
@@ -307,8 +298,7 @@ bool dictionary_build(const BuildOptions& options, std::FILE* log, BuildFigures&
   if (!read_entries(build, *records) || !write_files(build, std::move(records))) return false;
   figures.dictionary_blocks = build.dictionary_blocks.next - 1;
   figures.index_blocks = build.index_blocks.next - 1;
-  if (!close_part(build, build.dictionary) || !close_part(build, build.index)) return false;
-  return put_in_place(build, build.index) && put_in_place(build, build.dictionary);
+  return put_in_place(build);
 }
 
 }  // namespace lexon

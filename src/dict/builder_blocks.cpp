@@ -18,15 +18,15 @@ PackResult block_append(BlockFile& file, ByteView block) {
 std::size_t chains_needed(const std::vector<ChainStart>& entries, std::size_t capacity) {
   std::size_t chains = 0;
   std::size_t used = capacity;
-  for (std::size_t i = 0; i < entries.size();) {
-    const std::string& key = entries[i].key;
-    std::size_t run = 0;
-    for (; i < entries.size() && entries[i].key == key; ++i) run += key_entry_size(key.size());
+  for (auto first = entries.begin(); first != entries.end();) {
+    const auto end = std::find_if(first, entries.end(), [first](const ChainStart& e) { return e.key != first->key; });
+    const std::size_t run = static_cast<std::size_t>(end - first) * key_entry_size(first->key.size());
     if (used + run > capacity) {
       ++chains;
       used = 0;
     }
     used += run;
+    first = end;
   }
   return chains;
 }

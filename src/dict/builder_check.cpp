@@ -5,6 +5,7 @@
 
 #include "data/chain.hpp"
 #include "data/pool.hpp"
+#include "data/state.hpp"
 #include "dict/block_chain.hpp"
 #include "dict/builder_sort.hpp"
 #include "dict/builder_survey.hpp"
@@ -113,6 +114,8 @@ Status ask(const KeyCheck& check, const std::string& key, KeyTotals& found) {
     }
   }
   (void)temp_release_all();
+  // The next lookup has all the memory again.
+  if (state.abort == Status::memory) state.abort = Status::ok;
   return status;
 }
 

@@ -2,6 +2,7 @@
 
 #include "data/chain.hpp"
 #include "data/pool.hpp"
+#include "data/state.hpp"
 #include "data/words.hpp"
 #include "dict/block_chain.hpp"
 #include "dict/builder_line.hpp"
@@ -28,7 +29,10 @@ struct Listing {
 bool list_record(Listing& listing, ByteView record, std::int64_t offset) {
   StoredRecord stored;
   if (record.empty() || !stored_record_read(record, stored)) return listing.report(offset, "a damaged record");
-  if (!entry_line_write(record_of(stored), listing.line)) return listing.report(offset, "a record without a text form");
+  if (!entry_line_write(record_of(stored), listing.line)) {
+    return listing.report(offset,
+                          must_leave() == Status::memory ? "memory is exhausted" : "a record without a text form");
+  }
   std::fwrite(listing.line.data(), 1, listing.line.size(), listing.out);
   return true;
 }
@@ -44,12 +48,20 @@ bool list_block(Listing& listing, const DictBlock& block, std::int64_t block_off
   return is_good;
 }
 
+std::int64_t size_of(const Listing& listing) {
+  std::FILE* stream = listing.opened.dictionary.get();
+  return std::fseek(stream, 0, SEEK_END) == 0 ? std::ftell(stream) : 0;
+}
+
 bool list_blocks(Listing& listing) {
+  const std::int64_t size = size_of(listing);
   bool is_good = true;
   DictBlock block;
   for (std::uint32_t number = kFirstDictBlock; number <= kMaxBlockNumber; ++number) {
     const std::int64_t offset = dict_block_offset(number);
-    if (!block.read(listing.opened.dictionary.get(), offset)) break;
+    if (offset + static_cast<std::int64_t>(kDictBlockSize) > size) break;
+    if (!block.read(listing.opened.dictionary.get(), offset))
+      return listing.report(offset, "a block that cannot be read");
     const std::uint8_t type = block.bytes()[kDictTypeOffset];
     if (type == kDataBlock) is_good = list_block(listing, block, offset) && is_good;
     if (type != kDataBlock && type != kKeyBlock) is_good = listing.report(offset, "neither records nor keys");
@@ -59,10 +71,14 @@ bool list_blocks(Listing& listing) {
 
 // Is there nothing behind the last whole block?
 bool ends_with_block(const Listing& listing) {
-  std::FILE* stream = listing.opened.dictionary.get();
-  const long size = std::fseek(stream, 0, SEEK_END) == 0 ? std::ftell(stream) : 0;
-  const long rest = size % static_cast<long>(kDictBlockSize);
+  const std::int64_t size = size_of(listing);
+  const std::int64_t rest = size % static_cast<std::int64_t>(kDictBlockSize);
   return rest == 0 || listing.report(size - rest, "the file ends within a block");
+}
+
+// The owner of the stream tells of it.
+bool is_written(std::FILE* out) {
+  return std::fflush(out) == 0 && std::ferror(out) == 0;
 }
 
 void write_word(const WordEntry& word, std::FILE* out) {
@@ -79,9 +95,7 @@ bool dictionary_list(const std::string& path, std::FILE* out, std::FILE* log) {
   Listing listing{.opened = opened, .out = out, .log = log};
   const bool is_good = list_blocks(listing);
   const bool is_whole = ends_with_block(listing);
-  if (std::fflush(out) == 0) return is_good && is_whole;
-  std::fprintf(log, "the output cannot be written\n");
-  return false;
+  return is_good && is_whole && is_written(out);
 }
 
 FindResult dictionary_find(const std::string& path, int key_field, const std::string& key, std::FILE* out,
@@ -99,7 +113,11 @@ FindResult dictionary_find(const std::string& path, int key_field, const std::st
   for (const WordEntry& word : chain<&WordEntry::next>(words)) write_word(word, out);
   const FindResult result = words == nullptr ? FindResult::nothing : FindResult::found;
   (void)temp_release_all();
-  return std::fflush(out) == 0 ? result : FindResult::failed;
+  if (must_leave() == Status::memory) {
+    std::fprintf(log, "memory is exhausted\n");
+    return FindResult::failed;
+  }
+  return is_written(out) ? result : FindResult::failed;
 }
 
 }  // namespace lexon

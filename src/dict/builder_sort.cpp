@@ -45,7 +45,9 @@ ByteView ItemSorter::item_at(std::uint32_t place) const {
 
 // For one more item, at `place`.
 void ItemSorter::make_room(std::size_t place) {
-  if (place / kChunkSize == chunks_.size()) chunks_.emplace_back(new std::uint8_t[kChunkSize]);
+  if (place / kChunkSize == chunks_.size()) {
+    chunks_.push_back(std::make_unique_for_overwrite<std::uint8_t[]>(kChunkSize));
+  }
   const bool must_grow = slots_.size() == slots_.capacity();
   if (must_grow) slots_.reserve(std::clamp(slots_.size() * 2, kLeastSlots, max_slots_));
 }

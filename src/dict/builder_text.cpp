@@ -83,29 +83,28 @@ bool EntryText::check_record(const RecordView& record) {
 }
 
 // From the line to the record. The word in between is gone at the end.
-bool EntryText::convert() {
-  if (!check_line()) return false;
+EntryText::Line EntryText::convert() {
+  if (!check_line()) return Line::bad;
   line_.push_back('\n');
   WordEntry* word = nullptr;
   const Status status = parse_entry(line_.c_str(), word, EntryStorage::sentence_pool, nullptr);
-  bool is_good = status == Status::ok;
-  if (!is_good) {
+  Line result = status == Status::memory ? Line::no_memory : Line::bad;
+  if (status != Status::ok) {
     reason_ = entry_error_text(status);
   } else if (const RecordView record = record_of(*word); check_record(record)) {
     record_.clear();
     record_append(record, record_);
-  } else {
-    is_good = false;
+    result = Line::entry;
   }
   parsed_entry_free(word, EntryStorage::sentence_pool);
-  return is_good;
+  return result;
 }
 
 EntryText::Line EntryText::next() {
   do {
     if (!read_line()) return std::ferror(stream_) != 0 ? Line::unreadable : Line::end;
   } while (is_passed_over());
-  return convert() ? Line::entry : Line::bad;
+  return convert();
 }
 
 }  // namespace lexon

@@ -25,7 +25,7 @@ inline constexpr unsigned kDefaultKeys = 1U << kKeyHw | 1U << kKeyCw;
 // passed over, and so is a byte order mark at the start.
 class EntryText {
  public:
-  enum class Line { entry, bad, end, unreadable };
+  enum class Line { entry, bad, end, unreadable, no_memory };
 
   EntryText(std::FILE* stream, const KeyPlan& keys) : stream_(stream), keys_(keys), chunk_(kChunk) {}
 
@@ -43,7 +43,7 @@ class EntryText {
   [[nodiscard]] bool fill_chunk();
   void take(const char* from, std::size_t length);
   [[nodiscard]] bool is_passed_over() const;
-  [[nodiscard]] bool convert();
+  [[nodiscard]] Line convert();
   [[nodiscard]] bool check_line();
   [[nodiscard]] bool check_record(const RecordView& record);
   [[nodiscard]] bool refuse(std::string reason);

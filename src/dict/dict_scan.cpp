@@ -18,8 +18,15 @@ std::uint8_t type_of(const DictBlock& block) {
 }
 
 // wanted: a block that cannot be read ends its chain silently, and what has been found stands.
-void note_damage(const DictChain& chain) {
-  if (chain.is_unreadable()) ++lookup_damage.blocks;
+void note_unreadable(std::FILE* dictionary, const DictChain& chain) {
+  if (chain.is_unreadable()) note_damaged_block(dictionary, chain.offset());
+}
+
+// Is the block in hand of this type? One that is not is noted.
+bool is_of_type(std::FILE* dictionary, const DictChain& chain, std::uint8_t type) {
+  const bool is_right = type_of(chain.block()) == type;
+  if (!is_right) note_damaged_block(dictionary, chain.offset());
+  return is_right;
 }
 
 // Appends the entries of a key block that equal the key. `is_done` is set where the chain holds nothing more: behind
@@ -41,10 +48,10 @@ Status scan_key_chain(std::FILE* dictionary, std::uint16_t first, std::string_vi
   DictChain chain(dictionary, first);
   for (bool is_done = false; !is_done && chain.advance();) {
     if (const Status s = must_leave(); s != Status::ok) return s;
-    if (type_of(chain.block()) != kKeyBlock) return Status::not_a_key_block;
+    if (!is_of_type(dictionary, chain, kKeyBlock)) return Status::not_a_key_block;
     if (const Status s = scan_key_block(chain.block().content(), key, found, is_done); s != Status::ok) return s;
   }
-  note_damage(chain);
+  note_unreadable(dictionary, chain);
   return Status::ok;
 }
 
@@ -114,10 +121,10 @@ Status scan_data_chain(DataScan& scan, std::FILE* dictionary, std::uint16_t firs
   DictChain chain(dictionary, first);
   while (!scan.is_done && chain.advance()) {
     if (const Status s = must_leave(); s != Status::ok) return s;
-    if (type_of(chain.block()) != kDataBlock) return Status::not_a_data_block;
+    if (!is_of_type(dictionary, chain, kDataBlock)) return Status::not_a_data_block;
     if (const Status s = scan_data_block(scan, chain); s != Status::ok) return s;
   }
-  note_damage(chain);
+  note_unreadable(dictionary, chain);
   return Status::ok;
 }
 

@@ -307,7 +307,7 @@ Status parse_entry(const char* line, WordEntry*& result, EntryStorage storage, s
   result = nullptr;
   void* cell = storage_alloc(storage, sizeof(WordEntry));
   if (cell == nullptr) return Status::memory;
-  auto* entry = new (cell) WordEntry{};
+  WordEntry* entry = new (cell) WordEntry{};
   entry->language[0] = entry->language[1] = '.';
   const Status s = parse_fields(line, *entry, storage);
   if (s == Status::ok) {

@@ -5,6 +5,7 @@
 #include <string_view>
 #include <utility>
 
+#include "data/platform.hpp"
 #include "data/pool.hpp"
 #include "data/state.hpp"
 #include "data/words.hpp"
@@ -50,7 +51,10 @@ std::FILE* tree_open(const IndexDescriptor& descriptor, int key_field, const cha
   const int least_levels = key_field == kKeyHw ? 1 : 2;
   if (descriptor.levels < least_levels) return nullptr;
   const std::string path = std::string(prefix) + descriptor.name;
-  return std::fopen(path.c_str(), mode);
+  std::FILE* stream = std::fopen(path.c_str(), mode);
+  if (stream == nullptr || is_a_file(stream)) return stream;
+  static_cast<void>(std::fclose(stream));
+  return nullptr;
 }
 
 // Down the tree in `index` and into the dictionary. Without a tree the scan starts at the root.
@@ -102,11 +106,11 @@ std::FILE* index_open(const char* prefix, IndexDescriptor* const* slots, int key
   return descriptor == nullptr ? nullptr : tree_open(*descriptor, key_field, prefix, read_only ? "rb" : "rb+");
 }
 
-namespace {
-bool is_damage(Status s) {
-  return s == Status::index_unreadable || s == Status::not_a_key_block || s == Status::not_a_data_block;
+void note_damaged_block(const std::FILE* stream, std::int64_t offset) {
+  if (lookup_damage.blocks++ != 0) return;
+  lookup_damage.stream = stream;
+  lookup_damage.offset = offset;
 }
-}  // namespace
 
 Status dict_lookup(const DictionaryFiles& files, int key_field, const char* key, LookupGroup*& groups) {
   groups = nullptr;
@@ -114,7 +118,6 @@ Status dict_lookup(const DictionaryFiles& files, int key_field, const char* key,
   Status s = Status::index_unreadable;
   if (descriptor != nullptr) s = lookup_by(files, *descriptor, key_field, key, groups);
   if (s != Status::ok) groups_free(groups);
-  lookup_damage.blocks += is_damage(s) ? 1 : 0;
   state.engine_status = s;
   return s;
 }

@@ -31,9 +31,13 @@ extern IndexNaming index_naming;
 
 // What the lookups of a run have met in damaged files. The output has no place for it: the front end tells.
 struct LookupDamage {
-  std::int64_t blocks;  // that could not be read, or were of the wrong kind; one counts as often as it is met
+  std::int64_t blocks;      // that could not be read, or were of the wrong kind; one counts as often as it is met
+  const std::FILE* stream;  // where the first of them stands; null as long as there is none
+  std::int64_t offset;      // its place in that file
 };
 extern LookupDamage lookup_damage;
+
+void note_damaged_block(const std::FILE* stream, std::int64_t offset);
 
 // The words that one hit led to; at least one.
 struct LookupGroup {

@@ -7,6 +7,7 @@
 #include "data/state.hpp"
 #include "dict/block_chain.hpp"
 #include "dict/block_reader.hpp"
+#include "dict/index.hpp"
 #include "dict/lookup.hpp"
 
 namespace lexon {
@@ -45,9 +46,13 @@ Status search_chain(Level& level, std::FILE* index, std::uint16_t first) {
   IndexChain chain(index, first);
   while (!level.has_passed && chain.advance()) {
     if (const Status s = must_leave(); s != Status::ok) return s;
-    if (const Status s = search_block(level, chain.block().content()); s != Status::ok) return s;
+    const Status s = search_block(level, chain.block().content());
+    if (s == Status::index_unreadable) note_damaged_block(index, chain.offset());
+    if (s != Status::ok) return s;
   }
-  return chain.is_unreadable() ? Status::index_unreadable : Status::ok;
+  if (!chain.is_unreadable()) return Status::ok;
+  note_damaged_block(index, chain.offset());
+  return Status::index_unreadable;
 }
 
 // The chain of the last hit decides where the key would stand. Chains without any entry lead nowhere.

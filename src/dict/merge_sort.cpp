@@ -33,9 +33,11 @@ using SortLine = std::array<char, kSortLine>;
 // A file of sorted runs that is being read, with its next line in hand.
 struct Source {
   std::FILE* stream = nullptr;
-  int count = 0;      // lines of the file
-  int taken = 0;      // lines read
-  bool held = false;  // `line` is to be used yet
+  int count = 0;        // lines of the file
+  int empty = 0;        // of them, those that left nothing in it
+  int taken = 0;        // lines read
+  bool held = false;    // `line` is to be used yet
+  bool is_cut = false;  // the file was shorter than was counted: lines are lost
   SortLine line;
 };
 
@@ -43,12 +45,13 @@ struct Source {
 struct Sink {
   std::FILE* stream = nullptr;
   int count = 0;  // lines put
+  int empty = 0;  // of them, those that hold nothing: a line that begins with a zero
   std::size_t fill = 0;
   bool failed = false;
   std::array<char, kSortBuffer> buffer;
 };
 
-// One sort at work. The temporary files that are still named go with it.
+// One sort at work. Its temporary files go with it.
 struct Sort {
   Sort() = default;
   Sort(const Sort&) = delete;
@@ -57,7 +60,8 @@ struct Sort {
 
   bool dictionary_mode = false;
   std::FILE* log = nullptr;
-  std::array<std::string, 4> names;  // two pairs of files: one is read while the other is written
+  std::FILE* input = nullptr;
+  std::array<TempFile, 4> files;  // two pairs of files: one is read while the other is written
   std::size_t read_pair = 0;
   std::int64_t run_length = kFirstRun;
   std::array<Source, 2> sources;
@@ -69,11 +73,9 @@ void close_stream(std::FILE*& stream) {
 }
 
 Sort::~Sort() {
+  close_stream(input);
   for (Source& source : sources) close_stream(source.stream);
   for (Sink& sink : sinks) close_stream(sink.stream);
-  for (const std::string& name : names) {
-    if (!name.empty()) std::remove(name.c_str());
-  }
 }
 
 int fail_with(std::FILE* log, const char* message) {
@@ -113,8 +115,8 @@ bool is_sortable(const Sort& sort, const SortLine& line) {
   return false;
 }
 
-bool read_input_line(const Sort& sort, std::FILE* input, SortLine& line) {
-  while (must_leave() == Status::ok && text_line_read(input, line.data(), kSortLine)) {
+bool read_input_line(const Sort& sort, SortLine& line) {
+  while (must_leave() == Status::ok && text_line_read(sort.input, line.data(), kSortLine)) {
     close_line(line);
     if (is_sortable(sort, line)) return true;
   }
@@ -134,11 +136,12 @@ void sink_put(Sink& sink, const SortLine& line) {
   std::memcpy(sink.buffer.data() + sink.fill, line.data(), length);
   sink.fill += length;
   ++sink.count;
+  if (length == 0) ++sink.empty;
 }
 
 bool sink_open(Sink& sink, const char* path, const char* mode) {
   sink.stream = std::fopen(path, mode);
-  sink.count = 0;
+  sink.count = sink.empty = 0;
   return sink.stream != nullptr;
 }
 
@@ -149,8 +152,8 @@ bool sink_close(Sink& sink) {
 }
 
 bool sinks_open(Sort& sort, std::size_t pair) {
-  return sink_open(sort.sinks[0], sort.names[2 * pair].c_str(), "wb") &&
-         sink_open(sort.sinks[1], sort.names[2 * pair + 1].c_str(), "wb");
+  return sink_open(sort.sinks[0], sort.files[2 * pair].path().c_str(), "wb") &&
+         sink_open(sort.sinks[1], sort.files[2 * pair + 1].path().c_str(), "wb");
 }
 
 bool sinks_close(Sort& sort) {
@@ -158,10 +161,11 @@ bool sinks_close(Sort& sort) {
   return sink_close(sort.sinks[1]) && first && must_leave() == Status::ok;
 }
 
-bool source_open(Source& source, const std::string& name, int count) {
+bool source_open(Source& source, const std::string& name, const Sink& written) {
   close_stream(source.stream);
   source.stream = std::fopen(name.c_str(), "rb");
-  source.count = count;
+  source.count = written.count;
+  source.empty = written.empty;
   source.taken = 0;
   return source.stream != nullptr;
 }
@@ -169,24 +173,26 @@ bool source_open(Source& source, const std::string& name, int count) {
 // The pair just written becomes the one to be read.
 bool sources_open(Sort& sort, std::size_t pair) {
   sort.read_pair = pair;
-  return source_open(sort.sources[0], sort.names[2 * pair], sort.sinks[0].count) &&
-         source_open(sort.sources[1], sort.names[2 * pair + 1], sort.sinks[1].count);
+  return source_open(sort.sources[0], sort.files[2 * pair].path(), sort.sinks[0]) &&
+         source_open(sort.sources[1], sort.files[2 * pair + 1].path(), sort.sinks[1]);
 }
 
 // ---- steps
 
-// Deals the lines of the input out, in pairs of which the lower stands first.
-void distribute(Sort& sort, std::FILE* input) {
+// Deals the lines of the input out, in pairs of which the lower stands first. False if the input cannot be read to its
+// end.
+bool distribute(Sort& sort) {
   SortLine& first = sort.sources[0].line;
   SortLine& second = sort.sources[1].line;
-  for (std::size_t turn = 0; read_input_line(sort, input, first); turn ^= 1) {
+  for (std::size_t turn = 0; read_input_line(sort, first); turn ^= 1) {
     Sink& sink = sort.sinks[turn];
-    const bool is_pair = read_input_line(sort, input, second);
+    const bool is_pair = read_input_line(sort, second);
     const bool is_reversed = is_pair && compare_lines(sort, first, second) > 0;
     if (is_reversed) sink_put(sink, second);
     sink_put(sink, first);
     if (is_pair && !is_reversed) sink_put(sink, second);
   }
+  return std::ferror(sort.input) == 0;
 }
 
 bool has_more(const Source& source) {
@@ -195,8 +201,9 @@ bool has_more(const Source& source) {
 
 // Takes the next line of a file in hand. A file that is shorter than was counted ends.
 void take_line(Source& source) {
-  source.held = has_more(source) && must_leave() == Status::ok &&
-                std::fgets(source.line.data(), kSortLine, source.stream) != nullptr;
+  const bool is_there = has_more(source) && must_leave() == Status::ok;
+  source.held = is_there && std::fgets(source.line.data(), kSortLine, source.stream) != nullptr;
+  source.is_cut = source.is_cut || (is_there && !source.held && source.count - source.taken > source.empty);
   if (source.held) {
     ++source.taken;
   } else {
@@ -234,6 +241,7 @@ bool merge_pass(Sort& sort) {
     merge_run(sort, sort.sinks[turn]);
   }
   sort.run_length *= 2;
+  if (sort.sources[0].is_cut || sort.sources[1].is_cut) return false;
   return sinks_close(sort) && sources_open(sort, write_pair);
 }
 
@@ -243,40 +251,29 @@ int remove_duplicates(Sort& sort, Source& result, const char* output) {
   if (!sink_open(sink, output, "w")) return -1;
   SortLine* last = &sort.sources[0].line;
   SortLine* line = &sort.sources[1].line;
+  int taken = 0;
   while (must_leave() == Status::ok && std::fgets(line->data(), kSortLine, result.stream) != nullptr) {
+    ++taken;
     if (sink.count != 0 && std::strcmp(line->data(), last->data()) == 0) continue;
     sink_put(sink, *line);
     std::swap(line, last);
   }
-  return sink_close(sink) && must_leave() == Status::ok ? sink.count : -1;
+  const bool is_whole = sink_close(sink) && taken + result.empty == result.count;
+  return is_whole && must_leave() == Status::ok ? sink.count : -1;
 }
 
 int deliver(Sort& sort, bool unique, const char* output) {
   const std::size_t full = sort.sources[0].count != 0 ? 0 : 1;
   Source& result = sort.sources[full];
   if (unique) return remove_duplicates(sort, result, output);
-  std::string& name = sort.names[2 * sort.read_pair + full];
   close_stream(result.stream);
-  if (!file_move(name, output)) return -1;
-  name.clear();
-  return result.count;
+  return sort.files[2 * sort.read_pair + full].move_to(output) ? result.count : -1;
 }
 
-bool temp_files_make(Sort& sort) {
-  bool made = true;
-  for (std::string& name : sort.names) {
-    name = temp_file_make();
-    made = made && !name.empty();
-  }
-  return made;
-}
-
-int sort_stream(Sort& sort, std::FILE* input, bool unique, const char* output) {
-  if (!temp_files_make(sort) || !sinks_open(sort, 0)) {
-    return fail_to_open(sort.log, sort.names[0].c_str());
-  }
-  distribute(sort, input);
-  if (!sinks_close(sort)) return -1;
+int sort_stream(Sort& sort, bool unique, const char* output) {
+  if (!sinks_open(sort, 0)) return fail_to_open(sort.log, sort.files[0].path().c_str());
+  const bool dealt_out = distribute(sort);
+  if (!sinks_close(sort) || !dealt_out) return -1;
   if (sort.sinks[0].count == 0) return 0;
   bool going = sources_open(sort, 0);
   while (going && has_more(sort.sources[0]) && has_more(sort.sources[1])) going = merge_pass(sort);
@@ -291,11 +288,8 @@ int merge_sort_file(bool unique, bool dictionary_mode, const char* input, const 
   sort->dictionary_mode = dictionary_mode;
   sort->log = log;
   if (input == nullptr) return fail_with(log, ";;Not found input file!\n");
-  std::FILE* stream = std::fopen(input, "r");
-  if (stream == nullptr) return fail_to_open(log, input);
-  const int result = sort_stream(*sort, stream, unique, output);
-  static_cast<void>(std::fclose(stream));
-  return result;
+  sort->input = std::fopen(input, "r");
+  return sort->input == nullptr ? fail_to_open(log, input) : sort_stream(*sort, unique, output);
 }
 
 }  // namespace lexon

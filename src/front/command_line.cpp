@@ -11,9 +11,7 @@ namespace lexon {
 
 namespace {
 
-constexpr const char* kUsage =
-    "usage: lexon DICTIONARY RULES INPUT OUTPUT [switches]\n"
-    "\n"
+constexpr const char* kSwitches =
     "  -C PATH   co-occurrence dictionary        -L N      trace level, 0 to 4 (1)\n"
     "  -S N      first sentence to render (1)    -N N      how many; 0 for all (1)\n"
     "  -T N      seconds for a sentence; 0 for no limit (0)\n"
@@ -222,8 +220,8 @@ CommandLine command_line_read(std::span<const char* const> given) {
   return line;
 }
 
-const char* usage_text() {
-  return kUsage;
+std::string usage_text(std::string_view call) {
+  return "usage: " + std::string(call) + " [switches]\n\n" + kSwitches;
 }
 
 }  // namespace lexon

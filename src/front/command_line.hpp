@@ -26,7 +26,7 @@ struct CommandLine {
 // bare word and a value that is no number leave an `error`.
 [[nodiscard]] CommandLine command_line_read(std::span<const char* const> words);
 
-// How to call the program.
-[[nodiscard]] const char* usage_text();
+// How to call a program: `call` is its name and its paths.
+[[nodiscard]] std::string usage_text(std::string_view call);
 
 }  // namespace lexon

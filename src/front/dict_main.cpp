@@ -2,9 +2,11 @@
 
 #include <CLI/CLI.hpp>
 
+#include <csignal>
 #include <cstdint>
 #include <cstdio>
 #include <exception>
+#include <new>
 #include <string>
 #include <vector>
 
@@ -15,10 +17,11 @@ namespace {
 
 using namespace lexon;
 
-// Exit statuses: done; failed, damaged or nothing found; a wrong command line.
+// Exit statuses: done; failed, damaged or nothing found; a wrong command line; standard output not written whole.
 constexpr int kDone = 0;
 constexpr int kFailed = 1;
 constexpr int kUsage = 2;
+constexpr int kOutputShort = 4;
 
 constexpr const char* kAbout = R"(Builds, lists, searches and checks the dictionaries of lexon.
 
@@ -146,11 +149,23 @@ int run(int argc, char** argv) {
   return run_check(arguments);
 }
 
+// The status of a command whose output has to arrive.
+int with_output_written(int status) {
+  if (std::fflush(stdout) == 0 && std::ferror(stdout) == 0) return status;
+  std::fputs("lexon-dict: the output could not be written whole\n", stderr);
+  return kOutputShort;
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
+  // A file that must not grow further is a write that fails, and is told like others.
+  std::signal(SIGXFSZ, SIG_IGN);
   try {
-    return run(argc, argv);
+    return with_output_written(run(argc, argv));
+  } catch (const std::bad_alloc&) {
+    std::fputs("lexon-dict: memory is exhausted\n", stderr);
+    return kFailed;
   } catch (const std::exception& error) {
     std::fprintf(stderr, "lexon-dict: %s\n", error.what());
     return kFailed;

@@ -81,8 +81,14 @@ LineKind line_kind(const Reader& reader, std::string_view line) {
   return reader.in_graph ? LineKind::relation : LineKind::ignored;
 }
 
+// Exhausted memory ends the building, as a broken limit does, and not the reading: the next sentence has to begin where
+// this one ends.
+bool is_lost() {
+  return sentence.refused || state.abort == Status::memory;
+}
+
 Status line_read(Reader& reader) {
-  if (const Status s = must_leave(); s != Status::ok) return s;
+  if (const Status s = must_leave(); s != Status::ok && s != Status::memory) return s;
   return text_line_read(reader.input, reader.line.data(), kLineSize) ? Status::ok : Status::end_of_input;
 }
 
@@ -103,7 +109,7 @@ Status word_block_read(Reader& reader) {
     if (const Status s = line_read(reader); s != Status::ok) return s;
     char* line = reader.line.data();
     if (std::string_view(line).starts_with("[/W")) return Status::ok;
-    if (*line == ';' || *line == '[' || sentence.refused) continue;
+    if (*line == ';' || *line == '[' || is_lost()) continue;
     line[std::strcspn(line, "\n")] = '\0';
     // What cannot be entered is missing in the graph, or the sentence is refused.
     (void)graph_word_add(line, 0);
@@ -141,19 +147,18 @@ const char* fault_of(const RelationText& text) {
   return nullptr;
 }
 
-// A new relation in the table; null if the sentence is refused.
-Status relation_new(std::string_view label, int scope, Relation*& relation) {
-  relation = nullptr;
+// A new relation in the table; null if the sentence is refused or memory is exhausted.
+Relation* relation_new(std::string_view label, int scope) {
   if (sentence.graph_relation_count == kMaxRelations) {
     sentence_refuse("the graph has more than 128 relations");
-    return Status::ok;
+    return nullptr;
   }
-  relation = temp_new<Relation>();
-  if (relation == nullptr) return Status::memory;
+  auto* relation = temp_new<Relation>();
+  if (relation == nullptr) return nullptr;
   label.copy(relation->label, kLabelLength);
   relation->scope = static_cast<std::uint8_t>(scope);
   sentence.graph_relations[static_cast<std::size_t>(sentence.graph_relation_count++)] = relation;
-  return Status::ok;
+  return relation;
 }
 
 // The node of a word as written, or null.
@@ -170,7 +175,7 @@ bool is_entry_of_sentence(const Node& node) {
 // Ties two words together. A word without a node, because its lookup failed, leaves the relation unconnected.
 void relation_tie(Reader& reader, const RelationText& text, int scope, Relation& relation) {
   Node* from = node_of(text.from, scope);
-  if (sentence.refused) return;
+  if (is_lost()) return;
   Node* to = node_of(text.to, scope);
   if (from == nullptr || to == nullptr) return;
   relation_connect(*from, *to, relation);
@@ -182,25 +187,21 @@ void relation_tie(Reader& reader, const RelationText& text, int scope, Relation&
   }
 }
 
-Status relation_read(Reader& reader) {
+void relation_read(Reader& reader) {
   RelationText text;
   if (split_relation(reader.line.data(), text) <= 0) {
-    syntax_error_report(reader);
-    return Status::ok;
+    return syntax_error_report(reader);
   }
   if (const char* fault = fault_of(text); fault != nullptr) {
-    line_report(reader, fault);
-    return Status::ok;
+    return line_report(reader, fault);
   }
   const int scope = label_scope(text.label);
   if (std::strlen(text.label) > kLabelLength) {
-    line_report(reader, "Rel is too long");
-    return Status::ok;
+    return line_report(reader, "Rel is too long");
   }
-  Relation* relation = nullptr;
-  if (const Status s = relation_new(text.label, scope, relation); s != Status::ok) return s;
-  if (relation != nullptr) relation_tie(reader, text, scope, *relation);
-  return Status::ok;
+  if (Relation* relation = relation_new(text.label, scope); relation != nullptr) {
+    relation_tie(reader, text, scope, *relation);
+  }
 }
 
 void sentence_start(Reader& reader, const char* line) {
@@ -226,7 +227,7 @@ Status lines_read(Reader& reader) {
       case LineKind::skipped_block: status = skipped_block_read(reader); break;
       case LineKind::sentence_start: sentence_start(reader, line); break;
       case LineKind::relation:
-        if (!sentence.refused) status = relation_read(reader);
+        if (!is_lost()) relation_read(reader);
         break;
     }
     if (status != Status::ok) return status;
@@ -248,6 +249,7 @@ Status read_graph(std::FILE* input, Node*& root) {
   sentence.graph_relation_count = 0;
   Reader reader{input, root, {}, {}, {}};
   const Status stop = lines_read(reader);
+  if (state.abort == Status::memory && stop != Status::stopped) return Status::memory;
   const bool has_come_to_an_end = stop == Status::ok || stop == Status::end_of_input;
   if (!has_come_to_an_end || root != nullptr || sentence.refused) return stop;
   if (sentence.graph_word_count != 0) {

@@ -154,7 +154,10 @@ void keep_satisfied(const Side& side) {
 // Joins the result to those of the words before. False if memory is exhausted.
 bool union_join(MatrixSide& matrix) {
   if (matrix.union_vector == nullptr) matrix.union_vector = static_cast<std::uint8_t*>(zeroed_block(row_bytes()));
-  if (matrix.union_vector == nullptr) return false;
+  if (matrix.union_vector == nullptr) {
+    state.abort = Status::memory;
+    return false;
+  }
   vector_combine(matrix.union_vector, matrix.result_vector, row_bytes(), [](auto a, auto b) { return a | b; });
   return true;
 }

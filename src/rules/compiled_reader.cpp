@@ -115,6 +115,9 @@ class RecordStream {
   // Is the file read to its end, and without a fault?
   [[nodiscard]] bool at_end() { return !available(1) && std::ferror(stream_) == 0; }
 
+  // Where the next record begins in the file.
+  [[nodiscard]] std::size_t place() const { return taken_; }
+
   // The next record without its length field; none if the file ends before it does, or if it is too long.
   [[nodiscard]] bool next(std::span<const std::uint8_t>& record) {
     constexpr std::size_t kLengthSize = 2;
@@ -123,6 +126,7 @@ class RecordStream {
     if (!available(kLengthSize + length)) return false;
     record = valid().subspan(kLengthSize, length);
     begin_ += kLengthSize + length;
+    taken_ += kLengthSize + length;
     return true;
   }
 
@@ -143,6 +147,7 @@ class RecordStream {
   std::span<std::uint8_t> buffer_;
   std::size_t begin_ = 0;
   std::size_t end_ = 0;
+  std::size_t taken_ = 0;
 };
 
 Status next_rule_read(RecordStream& file, Rule*& rule) {
@@ -159,8 +164,11 @@ Status rules_read(RecordStream& file, Rule*& rules) {
   for (Rule** link = &rules; !file.at_end(); link = &(*link)->next) {
     if (const Status leave = must_leave(); leave != Status::ok) return leave;
     ++number;
+    const std::size_t place = file.place();
     const Status status = next_rule_read(file, *link);
-    if (status == kDamaged) out_print(";;the compiled rule file is damaged at rule no. %d\n", number);
+    if (status == kDamaged) {
+      out_print(";;the compiled rule file is damaged at rule no. %d, offset %zu\n", number, place);
+    }
     if (status != Status::ok) return status;
   }
   return Status::ok;

@@ -7,11 +7,11 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
-#include <string>
 
 #include "data/chain.hpp"
 #include "data/output.hpp"
 #include "data/platform.hpp"
+#include "data/pool.hpp"
 #include "data/state.hpp"
 #include "dict/merge_sort.hpp"
 #include "rules/bits.hpp"
@@ -23,34 +23,12 @@ constinit RuleMatrix rule_matrix{};
 
 namespace {
 
-// The two files of one side on the way from the rules to the table. They are removed with it.
-class NameFiles {
- public:
-  NameFiles() : written_(temp_file_make()), sorted_(temp_file_make()) {}
-  ~NameFiles() {
-    remove(written_);
-    remove(sorted_);
-  }
-  NameFiles(const NameFiles&) = delete;
-  NameFiles& operator=(const NameFiles&) = delete;
-
-  [[nodiscard]] const char* written() const { return written_.c_str(); }
-  [[nodiscard]] const char* sorted() const { return sorted_.c_str(); }
-
- private:
-  static void remove(const std::string& path) {
-    if (!path.empty()) std::remove(path.c_str());
-  }
-
-  std::string written_;
-  std::string sorted_;
-};
-
 // One side of the build: which pattern of a rule it reads, and where its part of the index is.
 struct SideBuild {
   NodePattern* Rule::*pattern;
   MatrixSide& side;
-  NameFiles files{};
+  TempFile written{};  // the names as they come
+  TempFile sorted{};
 };
 
 const CondItem* conditions(const SideBuild& build, const Rule& rule) {
@@ -60,7 +38,7 @@ const CondItem* conditions(const SideBuild& build, const Rule& rule) {
 // Writes the texts of all conditions of the side, whatever their prefix, one to a line. That the file cannot be opened
 // is left to the sort to find and report.
 Status names_write(const SideBuild& build, const Rule* rules) {
-  std::FILE* stream = std::fopen(build.files.written(), "wb");
+  std::FILE* stream = std::fopen(build.written.path().c_str(), "wb");
   if (stream == nullptr) return Status::ok;
   Status status = Status::ok;
   for (const Rule& rule : chain<&Rule::next>(rules)) {
@@ -73,7 +51,7 @@ Status names_write(const SideBuild& build, const Rule* rules) {
   const bool written = std::ferror(stream) == 0;
   const bool closed = std::fclose(stream) == 0;
   if (status != Status::ok || (written && closed)) return status;
-  out_print(";;Can't write file %s!\n", build.files.written());
+  out_print(";;Can't write file %s!\n", build.written.path().c_str());
   return Status::no_effect;
 }
 
@@ -112,15 +90,19 @@ Status attr_table_load(MatrixSide& side, const char* path) {
   const bool made = side.attr_pool != nullptr && side.attr_table != nullptr;
   if (made) names_read(side, stream);
   std::fclose(stream);
-  return made ? Status::ok : Status::memory;
+  if (!made) return Status::memory;
+  if (static_cast<std::uint64_t>(side.attr_count) == count) return Status::ok;
+  out_print(";;Can't read file %s!\n", path);
+  return Status::no_effect;
 }
 
 Status names_sort(SideBuild& build) {
-  const int count = merge_sort_file(true, false, build.files.written(), build.files.sorted(), state.output);
+  const int count =
+      merge_sort_file(true, false, build.written.path().c_str(), build.sorted.path().c_str(), state.output);
   if (const Status s = must_leave(); s != Status::ok) return s;
   if (count < 0) return Status::no_effect;
   build.side.attr_count = count;
-  return attr_table_load(build.side, build.files.sorted());
+  return attr_table_load(build.side, build.sorted.path().c_str());
 }
 
 template <typename Element>
@@ -230,7 +212,7 @@ std::int32_t attr_table_find(const char* name, char* const* table, std::int32_t 
 }
 
 void* zeroed_block(std::uint64_t size) {
-  return size == 0 ? nullptr : std::calloc(size, 1);
+  return size == 0 || allocation_refused() ? nullptr : std::calloc(size, 1);
 }
 
 }  // namespace lexon

@@ -210,6 +210,12 @@ Status parse_rule_file(std::FILE* stream, Rule*& rules) {
     if (!is_rule_line(text)) continue;
     if (const Status status = line_parse(parse, lists); status != Status::ok) return status;
   }
+  if (const Status leave = must_leave(); leave != Status::ok) return leave;
+  // Half a rule base would say other things than the linguist wrote.
+  if (std::ferror(stream) != 0) {
+    out_print(";;the rule text cannot be read behind line %d\n", parse.line);
+    return Status::no_effect;
+  }
   rules = rules_joined(lists);
   state.engine_status = parse.status;
   return parse.status;

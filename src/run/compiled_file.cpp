@@ -2,19 +2,27 @@
 
 #include <utility>
 
-#include "data/platform.hpp"
 #include "run/files.hpp"
 
 namespace lexon {
 
 namespace {
 
+bool is_written_in_place(const CompiledFile& file) {
+  return file.for_writing && file.draft.stream() == nullptr;
+}
+
 // False if not all that was written has reached the file.
-bool close_stream(CompiledFile& file) {
-  if (file.stream == nullptr) return true;
+bool close_in_place(CompiledFile& file) {
   std::FILE* stream = std::exchange(file.stream, nullptr);
   const bool written = std::ferror(stream) == 0;
   return std::fclose(stream) == 0 && written;
+}
+
+// An empty, old file is not trusted by any run.
+void empty_in_place(const CompiledFile& file) {
+  if (std::FILE* stream = file_open(file.path, "wb"); stream != nullptr) std::fclose(stream);
+  file_time_reset(file.path);
 }
 
 }  // namespace
@@ -25,33 +33,38 @@ bool compiled_file_open_read(CompiledFile& file) {
 }
 
 bool compiled_file_open_write(CompiledFile& file) {
-  std::FILE* in_place = file_open(file.path, "wb");
-  if (in_place == nullptr) return false;
-  file.draft = temp_file_make_beside(file.path);
-  file.stream = file.draft.empty() ? nullptr : file_open(file.draft, "wb");
-  if (file.stream == nullptr) {
-    // The folder takes no second file: the content is written in place.
-    file.draft.clear();
-    file.stream = in_place;
-    return true;
-  }
-  std::fclose(in_place);
+  file.stream = file_open(file.path, "wb");
+  if (file.stream == nullptr) return false;
+  file.for_writing = true;
+  // Where the folder takes no second file, the content is written in place.
+  if (!file.draft.open_beside(file.path)) return true;
+  std::fclose(std::exchange(file.stream, file.draft.stream()));
   file_time_reset(file.path);
   return true;
 }
 
 bool compiled_file_finish(CompiledFile& file) {
-  const bool written = close_stream(file);
-  if (file.draft.empty()) return written;
-  const std::string draft = std::exchange(file.draft, {});
-  if (written && file_move(draft, file.path)) return true;
-  std::remove(draft.c_str());
+  if (file.stream == nullptr) return true;
+  if (!is_written_in_place(file)) {
+    file.stream = nullptr;
+    return file.draft.put_in_place(file.path);
+  }
+  if (close_in_place(file)) return true;
+  empty_in_place(file);
   return false;
 }
 
 void compiled_file_discard(CompiledFile& file) {
-  close_stream(file);
-  if (!file.draft.empty()) std::remove(std::exchange(file.draft, {}).c_str());
+  if (file.stream == nullptr) return;
+  if (!file.for_writing) {
+    std::fclose(std::exchange(file.stream, nullptr));
+  } else if (is_written_in_place(file)) {
+    static_cast<void>(close_in_place(file));
+    empty_in_place(file);
+  } else {
+    file.stream = nullptr;
+    file.draft.discard();
+  }
 }
 
 void compiled_file_delete(CompiledFile& file) {

@@ -7,12 +7,15 @@
 #include <cstdio>
 #include <string>
 
+#include "data/platform.hpp"
+
 namespace lexon {
 
 struct CompiledFile {
   std::string path;             // the file's own name
   std::FILE* stream = nullptr;  // null once closed
-  std::string draft;            // where the content is written until it is whole; empty when it is written in place
+  DraftFile draft;              // where the content is written until it is whole; else it is written in place
+  bool for_writing = false;
 };
 
 // Open `file.path`. False when it cannot be opened.

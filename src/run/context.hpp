@@ -30,7 +30,9 @@ struct RunContext {
   CompiledFile compiled_matrix;
   bool convert = false;  // the rule text is to be parsed
   bool rebuild_matrix = false;
-  bool rule_step_done = false;  // every step from now on is a sentence
+  bool rules_unwritten = false;   // the compiled rules could not be written; the run goes on
+  bool matrix_unwritten = false;  // likewise
+  bool rule_step_done = false;    // every step from now on is a sentence
 };
 
 // Where a step stands.

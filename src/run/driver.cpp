@@ -4,6 +4,7 @@
 
 #include <array>
 #include <cstring>
+#include <new>
 #include <utility>
 
 #include "data/output.hpp"
@@ -16,8 +17,11 @@
 
 namespace lexon {
 
+constinit RunFaults run_faults{};
+
 namespace {
 
+constexpr const char* kNoMemory = "No memory!";
 constexpr const char* kRuleStepCaption = "converting/loading rules";
 constexpr const char* kSentenceCaption = "sentence no.";
 
@@ -46,8 +50,8 @@ Opening open_dictionary(const RunSettings& settings, RunContext& context) {
   context.dictionary = file_open(path, "rb");
   if (context.dictionary == nullptr) return failure(cannot_open("Dictionary File", path));
   for (const int key_field : {kKeyHw, kKeyCw}) {
-    // Exhausted memory leaves the slot empty, and an empty slot is reported below.
-    static_cast<void>(index_slot_read(context.dictionary, key_field, context.dictionary_slots.data()));
+    const Status s = index_slot_read(context.dictionary, key_field, context.dictionary_slots.data());
+    if (s != Status::ok) return failure(kNoMemory);
   }
   if (context.dictionary_slots[kKeyCw] == nullptr) return failure("CW : No Index in Dictionary File : " + path + "!");
   context.dictionary_index = open_index(path, context.dictionary_slots.data());
@@ -60,19 +64,21 @@ Opening open_input(const RunSettings& settings, RunContext& context) {
   return context.input != nullptr ? Opening{} : failure(cannot_open("Input File", settings.input_file));
 }
 
-void open_cr_files(const std::string& path, RunContext& context) {
+Status open_cr_files(const std::string& path, RunContext& context) {
   context.cr_dictionary = file_open(path, "rb");
-  if (context.cr_dictionary == nullptr) return;
+  if (context.cr_dictionary == nullptr) return Status::ok;
   for (const int key_field : {1, 2, 3, 5, 6, 7}) {
-    static_cast<void>(index_slot_read(context.cr_dictionary, key_field, context.cr_slots.data()));
+    const Status s = index_slot_read(context.cr_dictionary, key_field, context.cr_slots.data());
+    if (s != Status::ok) return s;
   }
   context.cr_index = open_index(path, context.cr_slots.data());
+  return Status::ok;
 }
 
 Opening open_cr_dictionary(const RunSettings& settings, RunContext& context, Host& host) {
   const std::string& path = settings.cr_dictionary_file;
   if (path.empty()) return {};
-  open_cr_files(path, context);
+  if (open_cr_files(path, context) != Status::ok) return failure(kNoMemory);
   if (context.cr_index != nullptr) return {};
   context.cr_dictionary = nullptr;
   const bool goes_on = host.ask_yes_no(cannot_open("Cooccurrence Dictionary File", path) + " continue?");
@@ -111,7 +117,7 @@ bool run_rule_step(RunContext& context, Host& host) {
   const bool succeeded = run_status == run_state::finished;
   compiled_file_discard(context.compiled_rules);
   if (context.rebuild_matrix && succeeded) {
-    compiled_file_finish(context.compiled_matrix);
+    context.matrix_unwritten = !compiled_file_finish(context.compiled_matrix);
   } else {
     compiled_file_discard(context.compiled_matrix);
   }
@@ -175,6 +181,54 @@ void release_slots(std::array<IndexDescriptor*, kKeyFields>& slots) {
   }
 }
 
+// The name of the damaged file, as far as a run knows it: an index lies beside its dictionary.
+std::string damaged_file(const RunSettings& settings, const RunContext& context) {
+  const std::FILE* stream = lookup_damage.stream;
+  const bool is_cr = stream == context.cr_dictionary || stream == context.cr_index;
+  const bool is_index = stream == context.cr_index || stream == context.dictionary_index;
+  return (is_index ? "the index of " : "") + (is_cr ? settings.cr_dictionary_file : settings.dictionary_file);
+}
+
+void note_damage(const RunSettings& settings, const RunContext& context) {
+  if (lookup_damage.blocks == 0) return;
+  std::string note = damaged_file(settings, context) + ": damaged at offset " + std::to_string(lookup_damage.offset);
+  if (lookup_damage.blocks > 1) {
+    note += "; damaged blocks were met " + std::to_string(lookup_damage.blocks) + " times in all";
+  }
+  run_faults.notes.push_back(note + "; \"lexon-dict check\" tells more");
+}
+
+void note_short_file(const std::string& path, const char* what) {
+  run_faults.notes.push_back(path + ": " + what);
+  run_faults.file_is_short = true;
+}
+
+void note_faults(const RunSettings& settings, const RunContext& context) {
+  note_damage(settings, context);
+  const bool input_failed = context.input != nullptr && std::ferror(context.input) != 0;
+  if (input_failed) note_short_file(settings.input_file, "cannot be read to its end");
+  if (context.rules_unwritten) note_short_file(context.compiled_rules.path, "could not be written");
+  if (context.matrix_unwritten) note_short_file(context.compiled_matrix.path, "could not be written");
+}
+
+void run(const RunSettings& settings, RunContext& context, Host& host) {
+  if (const Opening opening = open_all(settings, context, host); opening.succeeded) {
+    run_steps(settings, context, host);
+  } else if (!opening.message.empty()) {
+    host.report_stop(opening.message);
+  }
+  note_faults(settings, context);
+}
+
+// What the standard library throws for exhausted memory ends the run; steps meet it themselves.
+void run_guarded(const RunSettings& settings, RunContext& context, Host& host) {
+  try {
+    run(settings, context, host);
+  } catch (const std::bad_alloc&) {
+    host.report_stop(kNoMemory);
+  }
+}
+
 }  // namespace
 
 void run_driver(const RunSettings& settings, Host& host) {
@@ -182,11 +236,9 @@ void run_driver(const RunSettings& settings, Host& host) {
   RunContext context;
   context.post_edit = settings.post_edit;
   state.trace_level = static_cast<std::int8_t>(settings.trace_level & 0xFF);
-  if (const Opening opening = open_all(settings, context, host); opening.succeeded) {
-    run_steps(settings, context, host);
-  } else if (!opening.message.empty()) {
-    host.report_stop(opening.message);
-  }
+  run_guarded(settings, context, host);
+  compiled_file_discard(context.compiled_rules);
+  compiled_file_discard(context.compiled_matrix);
   release_slots(context.dictionary_slots);
   release_slots(context.cr_slots);
   host.finish();

@@ -44,9 +44,14 @@ void print_graph() {
   out_print("====================================================\n");
 }
 
-// Says what a failed step returned; a stopped one says nothing.
+// Says what a failed step returned; a stopped one says nothing. For want of memory a step may fail in some way of its
+// own.
 Status failed_with(Status status) {
   if (status == Status::stopped) return status;
+  if (state.abort == Status::memory) {
+    status = state.abort;
+    state.forced_node = nullptr;  // its search is lost, and must not go on in the next sentence
+  }
   out_print(";;return code %d\n", code(status));
   out_flush();
   return status;

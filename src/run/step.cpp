@@ -35,6 +35,8 @@ struct WorkerThread::Shared {
   std::condition_variable changed;
   void (*body)(RunContext&) = nullptr;
   RunContext* context = nullptr;
+  void (*notice)(void*) = nullptr;
+  void* noticed = nullptr;
   std::atomic<bool> running{false};
   std::atomic<bool> ends{false};
   bool has_thread = false;
@@ -64,6 +66,7 @@ struct WorkerThread::Shared {
     while (wait_for_step()) {
       body(*context);
       set(running, false);
+      if (notice != nullptr) notice(noticed);
     }
   }
 };
@@ -79,8 +82,16 @@ WorkerThread::~WorkerThread() {
   delete shared_;
 }
 
+void WorkerThread::notify_end(void (*notice)(void*), void* who) {
+  shared_->notice = notice;
+  shared_->noticed = who;
+}
+
 void WorkerThread::start(void (*body)(RunContext&), RunContext& context) {
-  if (!shared_->has_thread) return body(context);
+  if (!shared_->has_thread) {
+    state.stack_limit = stack_limit_of_this_thread(kStackReserve);
+    return body(context);
+  }
   shared_->body = body;
   shared_->context = &context;
   shared_->set(shared_->running, true);

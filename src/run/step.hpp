@@ -24,6 +24,10 @@ class WorkerThread {
   WorkerThread(const WorkerThread&) = delete;
   WorkerThread& operator=(const WorkerThread&) = delete;
 
+  // From now on the thread calls `notice(who)` behind the end of every step, for a front end that cannot sleep in
+  // `wait`. To be set before the first step.
+  void notify_end(void (*notice)(void*), void* who);
+
   // Runs `body(context)` on the thread. Only one step at a time. Without a thread it runs on the caller's.
   void start(void (*body)(RunContext&), RunContext& context);
 

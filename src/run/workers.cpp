@@ -1,6 +1,7 @@
 #include "run/workers.hpp"
 
 #include <array>
+#include <new>
 
 #include "data/output.hpp"
 #include "data/pool.hpp"
@@ -24,10 +25,21 @@ void end_step(Status status) {
   run_status = status == Status::end_of_input ? run_state::end_of_input : result;
 }
 
+// The step's border: what the standard library throws for exhausted memory becomes a status here.
+Status guarded(Status (*step)(RunContext&), RunContext& context) {
+  try {
+    return step(context);
+  } catch (const std::bad_alloc&) {
+    return Status::memory;
+  }
+}
+
+// The rules in memory are whole, so the run goes on.
 Status parse_and_write_rules(RunContext& context) {
   if (const Status s = parse_rule_file(context.rule_text, context.rules); s != Status::ok) return s;
   if (const Status s = rule_list_write(context.rules, context.compiled_rules.stream); s != Status::ok) return s;
-  return compiled_file_finish(context.compiled_rules) ? Status::ok : Status::no_effect;
+  context.rules_unwritten = !compiled_file_finish(context.compiled_rules);
+  return Status::ok;
 }
 
 Status build_and_save_matrix(RunContext& context) {
@@ -43,32 +55,47 @@ DictionaryFiles cr_dictionary_of(RunContext& context) {
   return {context.cr_dictionary, context.cr_index, context.cr_slots.data()};
 }
 
+Status convert(RunContext& context) {
+  const Status status = parse_and_write_rules(context);
+  return status == Status::ok ? build_and_save_matrix(context) : status;
+}
+
+// Says which file a message of the reader was about.
+void name_file(const CompiledFile& file) {
+  out_print(";;in %s\n", file.path.c_str());
+}
+
+Status load(RunContext& context) {
+  if (const Status s = rule_list_read(context.rules, context.compiled_rules.stream); s != Status::ok) {
+    if (s == Status::no_effect) name_file(context.compiled_rules);
+    return s;
+  }
+  compiled_file_discard(context.compiled_rules);
+  if (context.rebuild_matrix) return build_and_save_matrix(context);
+  // wanted: the step has succeeded whatever the reading of the matrix gives.
+  const Status s = rule_matrix_load(context.compiled_matrix.stream, context.rules);
+  if (s == Status::no_effect) name_file(context.compiled_matrix);
+  return s == Status::memory ? s : Status::ok;
+}
+
+Status render(RunContext& context) {
+  std::array<char, kSentenceSize> text;
+  return render_sentence(word_dictionary_of(context), context.input, text.data(), cr_dictionary_of(context),
+                         context.post_edit);
+}
+
 }  // namespace
 
 void convert_worker(RunContext& context) {
-  Status status = parse_and_write_rules(context);
-  if (status == Status::ok) status = build_and_save_matrix(context);
-  end_step(status);
+  end_step(guarded(convert, context));
 }
 
 void load_worker(RunContext& context) {
-  Status status = rule_list_read(context.rules, context.compiled_rules.stream);
-  if (status == Status::ok) {
-    compiled_file_discard(context.compiled_rules);
-    if (context.rebuild_matrix) {
-      status = build_and_save_matrix(context);
-    } else {
-      // wanted: the step has succeeded whatever the reading of the matrix gives.
-      static_cast<void>(rule_matrix_load(context.compiled_matrix.stream, context.rules));
-    }
-  }
-  end_step(status);
+  end_step(guarded(load, context));
 }
 
 void sentence_worker(RunContext& context) {
-  std::array<char, kSentenceSize> text;
-  const Status status = render_sentence(word_dictionary_of(context), context.input, text.data(),
-                                        cr_dictionary_of(context), context.post_edit);
+  const Status status = guarded(render, context);
   static_cast<void>(temp_release_all());
   end_step(status);
 }

@@ -184,7 +184,7 @@ TEST(CompiledRules, DamagedRecordsAreRefused) {
     const Result read = list_read(hex(kEmptyRule + row.bytes));
     EXPECT_EQ(read.status, Status::no_effect);
     EXPECT_EQ(read.rules, nullptr);
-    EXPECT_EQ(read.messages, ";;the compiled rule file is damaged at rule no. 2\n");
+    EXPECT_EQ(read.messages, ";;the compiled rule file is damaged at rule no. 2, offset 48\n");
   }
 }
 

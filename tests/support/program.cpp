@@ -34,8 +34,12 @@ namespace {
 
 }  // namespace
 
+std::string program_path(const std::string& name) {
+  return name.starts_with('/') ? name : std::string(LEXON_PROGRAMS) + "/" + name;
+}
+
 int start_program(const std::string& name, const std::vector<std::string>& arguments) {
-  const std::string path = std::string(LEXON_PROGRAMS) + "/" + name;
+  const std::string path = program_path(name);
   const pid_t child = fork();
   if (child == 0) become_program(path, arguments, ".", "/dev/null", "/dev/null");
   return child;
@@ -49,7 +53,7 @@ int wait_for_program(int process) {
 
 ProgramResult run_program(const std::string& name, const std::vector<std::string>& arguments,
                           const std::string& folder) {
-  const std::string path = std::string(LEXON_PROGRAMS) + "/" + name;
+  const std::string path = program_path(name);
   const std::string stem = fresh_folder("program-" + std::to_string(getpid()));
   const std::string out = stem + "/out";
   const std::string error = stem + "/error";

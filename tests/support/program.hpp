@@ -12,7 +12,11 @@ struct ProgramResult {
   std::string error;
 };
 
-// Runs a program of the build by its name, without a terminal, in the folder `folder`, and waits for it.
+// Where a program of the build stands; a path stays as it is.
+[[nodiscard]] std::string program_path(const std::string& name);
+
+// Runs a program of the build by its name, or any by its path, without a terminal, in the folder `folder`, and waits
+// for it.
 [[nodiscard]] ProgramResult run_program(const std::string& name, const std::vector<std::string>& arguments,
                                         const std::string& folder = ".");
 

@@ -1,0 +1,110 @@
+# What `make install` and `make package` put where. Three components, a Debian package each: the programs with manual
+# and examples (lexon), the dialogs (lexon-gui), and the core for other programs (liblexon-dev).
+include(GNUInstallDirs)
+
+set(LEXON_SITE "${PROJECT_SOURCE_DIR}/build/docs" CACHE PATH "The manual as a site; installed if it has been built")
+set(CMAKE_INSTALL_DEFAULT_DIRECTORY_PERMISSIONS
+  OWNER_READ OWNER_WRITE OWNER_EXECUTE GROUP_READ GROUP_EXECUTE WORLD_READ WORLD_EXECUTE)
+set(LEXON_DOC ${CMAKE_INSTALL_DATAROOTDIR}/doc/lexon)
+
+# The manual pages, compressed as Debian wants them.
+function(lexon_man_pages component)
+  foreach(page IN LISTS ARGN)
+    string(REGEX REPLACE ".*\\." "" section ${page})
+    set(packed ${CMAKE_BINARY_DIR}/man/${page}.gz)
+    add_custom_command(OUTPUT ${packed}
+      COMMAND ${CMAKE_COMMAND} -E make_directory ${CMAKE_BINARY_DIR}/man
+      COMMAND gzip -9nc ${PROJECT_SOURCE_DIR}/docs/man/${page} > ${packed}
+      DEPENDS ${PROJECT_SOURCE_DIR}/docs/man/${page} VERBATIM)
+    list(APPEND all ${packed})
+    install(FILES ${packed} DESTINATION ${CMAKE_INSTALL_MANDIR}/man${section} COMPONENT ${component})
+  endforeach()
+  add_custom_target(man_pages_of_${component} ALL DEPENDS ${all})
+endfunction()
+
+# What every package says of itself: its licence and what has changed.
+file(TIMESTAMP ${PROJECT_SOURCE_DIR}/CMakeLists.txt LEXON_DATE "%a, %d %b %Y %H:%M:%S +0000" UTC)
+file(READ ${PROJECT_SOURCE_DIR}/LICENSE LEXON_LICENCE)
+string(REGEX REPLACE "\n\n" "\n.\n" LEXON_LICENCE "${LEXON_LICENCE}")
+string(REGEX REPLACE "\n([^\n])" "\n \\1" LEXON_LICENCE "${LEXON_LICENCE}")
+configure_file(${PROJECT_SOURCE_DIR}/cmake/copyright.in ${CMAKE_BINARY_DIR}/packaging/copyright @ONLY)
+configure_file(${PROJECT_SOURCE_DIR}/cmake/changelog.in ${CMAKE_BINARY_DIR}/packaging/changelog @ONLY)
+add_custom_command(OUTPUT ${CMAKE_BINARY_DIR}/packaging/changelog.gz
+  COMMAND gzip -9nc ${CMAKE_BINARY_DIR}/packaging/changelog > ${CMAKE_BINARY_DIR}/packaging/changelog.gz
+  DEPENDS ${CMAKE_BINARY_DIR}/packaging/changelog VERBATIM)
+add_custom_target(packed_changelog ALL DEPENDS ${CMAKE_BINARY_DIR}/packaging/changelog.gz)
+
+function(lexon_package_papers package component)
+  install(FILES ${CMAKE_BINARY_DIR}/packaging/copyright ${CMAKE_BINARY_DIR}/packaging/changelog.gz
+    DESTINATION ${CMAKE_INSTALL_DATAROOTDIR}/doc/${package} COMPONENT ${component})
+endfunction()
+
+# ---- lexon
+lexon_package_papers(lexon lexon)
+lexon_man_pages(lexon lexon.1 lexon-dict.1 lexon-dictionary.5 lexon-graph.5 lexon-rules.5)
+install(DIRECTORY ${PROJECT_SOURCE_DIR}/examples DESTINATION ${LEXON_DOC} COMPONENT lexon
+  PATTERN "*.dic" EXCLUDE PATTERN "*.idx" EXCLUDE PATTERN "*.rul" EXCLUDE PATTERN "*.mtx" EXCLUDE
+  PATTERN "*.out" EXCLUDE)
+install(DIRECTORY ${PROJECT_SOURCE_DIR}/docs/ DESTINATION ${LEXON_DOC}/manual COMPONENT lexon
+  PATTERN "man" EXCLUDE PATTERN "diagrams" EXCLUDE)
+install(DIRECTORY ${LEXON_SITE}/ DESTINATION ${LEXON_DOC}/html COMPONENT lexon OPTIONAL
+  PATTERN "sitemap.xml*" EXCLUDE)
+install(DIRECTORY ${PROJECT_SOURCE_DIR}/editors/vscode DESTINATION ${LEXON_DOC}/editors COMPONENT lexon
+  PATTERN "test" EXCLUDE PATTERN "node_modules" EXCLUDE)
+install(FILES ${PROJECT_SOURCE_DIR}/README.md DESTINATION ${LEXON_DOC} COMPONENT lexon)
+
+# ---- liblexon-dev
+lexon_package_papers(liblexon-dev development)
+install(TARGETS lexon_core ARCHIVE COMPONENT development)
+install(DIRECTORY ${PROJECT_SOURCE_DIR}/src/ DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/lexon COMPONENT development
+  FILES_MATCHING PATTERN "*.hpp" PATTERN "front" EXCLUDE)
+file(RELATIVE_PATH LEXON_UP /${CMAKE_INSTALL_LIBDIR}/pkgconfig /)
+configure_file(${PROJECT_SOURCE_DIR}/cmake/lexon.pc.in ${CMAKE_BINARY_DIR}/packaging/lexon.pc @ONLY)
+install(FILES ${CMAKE_BINARY_DIR}/packaging/lexon.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig
+  COMPONENT development)
+
+# ---- lexon-gui, where it is built
+if(TARGET lexon-gui)
+  lexon_package_papers(lexon-gui lexon-gui)
+  lexon_man_pages(lexon-gui lexon-gui.1)
+endif()
+
+# ---- the packages
+set(CPACK_GENERATOR DEB)
+set(CPACK_PACKAGE_NAME lexon)
+set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "rule-driven natural-language generator")
+set(CPACK_PACKAGE_VENDOR "The Lexon authors")
+set(CPACK_PACKAGE_CONTACT "The Lexon authors <lexon@localhost>")
+set(CPACK_PACKAGE_VERSION ${PROJECT_VERSION})
+set(CPACK_PACKAGING_INSTALL_PREFIX /usr)
+set(CPACK_STRIP_FILES ON)
+set(CPACK_DEB_COMPONENT_INSTALL ON)
+set(CPACK_COMPONENTS_GROUPING IGNORE)
+set(CPACK_COMPONENTS_ALL lexon development)
+if(TARGET lexon-gui)
+  list(APPEND CPACK_COMPONENTS_ALL lexon-gui)
+endif()
+set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
+set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
+set(CPACK_DEBIAN_PACKAGE_CONTROL_STRICT_PERMISSION ON)
+set(CPACK_DEBIAN_ENABLE_COMPONENT_DEPENDS OFF)
+set(CPACK_DEBIAN_PACKAGE_PRIORITY optional)
+
+set(CPACK_DEBIAN_LEXON_PACKAGE_NAME lexon)
+set(CPACK_DEBIAN_LEXON_PACKAGE_SECTION text)
+set(CPACK_COMPONENT_LEXON_DESCRIPTION "Lexon writes sentences from graphs of meaning, by a dictionary and a file of
+rules that a linguist supplies. This package has the console program, the
+dictionary tool, the manual, and example languages.")
+
+set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_NAME liblexon-dev)
+set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_SECTION libdevel)
+set(CPACK_COMPONENT_DEVELOPMENT_DESCRIPTION "Lexon writes sentences from graphs of meaning. This package has its core as a
+static library, and the headers, to render from within other programs.")
+
+set(CPACK_DEBIAN_LEXON-GUI_PACKAGE_NAME lexon-gui)
+set(CPACK_DEBIAN_LEXON-GUI_PACKAGE_SECTION text)
+set(CPACK_DEBIAN_LEXON-GUI_PACKAGE_RECOMMENDS lexon)
+set(CPACK_COMPONENT_LEXON-GUI_DESCRIPTION "Lexon writes sentences from graphs of meaning, by a dictionary and a file of
+rules that a linguist supplies. This package has the dialogs to start a run
+from and to watch it.")
+include(CPack)

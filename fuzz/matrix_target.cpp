@@ -1,0 +1,67 @@
+// Matrix files: loading damaged ones beside rule lists of several lengths, and searching what could be loaded. The
+// first byte chooses the list, the rest is the file.
+#include <algorithm>
+
+#include "data/nodes.hpp"
+#include "data/pool.hpp"
+#include "data/state.hpp"
+#include "data/words.hpp"
+#include "matrix_rules.hpp"
+#include "rule_text.hpp"
+#include "rules/compiled.hpp"
+#include "rules/matrix.hpp"
+
+namespace {
+
+using namespace lexon;
+
+Node* node_of(const std::string& attrs) {
+  auto* node = temp_new<Node>();
+  fuzz::require(node != nullptr, "memory for a node");
+  node->kind = kKindWord;
+  node->candidates = entry_new("w", attrs.c_str());
+  return node;
+}
+
+// The first names of a side, joined.
+std::string names_of(const MatrixSide& side, std::int32_t count) {
+  constexpr std::size_t kEnough = 900;
+  std::string attrs;
+  for (std::int32_t i = 0; i < std::min(count, side.attr_count) && attrs.size() < kEnough; ++i) {
+    if (i != 0) attrs += ',';
+    attrs += std::string(side.attr_table[i]).substr(0, kEnough);
+  }
+  return attrs;
+}
+
+void search(const std::string& left, const std::string& right) {
+  Node* lnode = node_of(left);
+  Node* rnode = node_of(right);
+  int found = 0;
+  for (const RuleCandidate* c = rule_candidates(lnode, rnode); c != nullptr; c = c->next) ++found;
+  fuzz::require(found <= rule_matrix.rule_count, "no more candidates than rules");
+  static_cast<void>(temp_release_all());
+}
+
+}  // namespace
+
+int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+  if (size == 0) return 0;
+  fuzz::fresh_start();
+  Rule* rules = fuzz::rules_parsed(fuzz::matrix_rules(data[0])).rules;
+  const std::string_view bytes = fuzz::bytes_of(data + 1, size - 1);
+  const fuzz::Source file(bytes);
+  const Status status = rule_matrix_load(file.get(), rules);
+  if (status != Status::ok) {
+    fuzz::require(rule_matrix.rules == nullptr, "no matrix comes from a damaged file");
+    return 0;
+  }
+  const fuzz::Sink sink;
+  fuzz::require(rule_matrix_save(sink.get()) == Status::ok, "a matrix can be saved");
+  fuzz::require(bytes.starts_with(sink.text()), "a loaded matrix saves the same bytes");
+  for (const std::int32_t names : {0, 1, 3, 20}) {
+    search(names_of(rule_matrix.left, names), names_of(rule_matrix.right, names));
+    search("N,V,,A", names_of(rule_matrix.left, names));
+  }
+  return 0;
+}

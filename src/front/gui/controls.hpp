@@ -1,0 +1,38 @@
+// What all dialogs share: controls that carry their role, the program's icon, and texts of both worlds.
+//
+// The object name of a control is its role; whoever looks a control up (tests, style sheets) does it by that name:
+//
+//   main_dialog      render, cancel, setting; picture, title, notice; the action about
+//   setting_dialog   dictionary_file, cr_dictionary_file, kb_dictionary_file, rule_file, input_file, output_file, each
+//                    with <field>_browse, its <field>_dialog while that is up, and <field>_mark, the sign of a path
+//                    that is not there; start_sentence, sentence_count, max_time_per_sentence, trace_level,
+//                    rules_conversion_only; ok, cancel. A label is <field>_label.
+//   progress_dialog  caption, number, elapsed_label, elapsed, limit_label, limit, limit_note; cancel, step_end (hidden)
+//   about_dialog     icon, name, purpose; ok
+//   message boxes    report_stop, ask_yes_no, notes
+#pragma once
+
+#include <QIcon>
+#include <QString>
+
+#include <string>
+
+class QLabel;
+class QPushButton;
+class QWidget;
+
+namespace lexon {
+
+// A plain text without function. The parent owns what these functions make.
+[[nodiscard]] QLabel* make_label(const char* role, const QString& text, QWidget* parent);
+[[nodiscard]] QPushButton* make_button(const char* role, const QString& text, QWidget* parent);
+
+// The drawings of the program; they must be there before a window is made.
+void resources_load();
+[[nodiscard]] QIcon program_icon();
+
+// Paths are bytes to the run and characters to the toolkit.
+[[nodiscard]] QString to_text(const std::string& path);
+[[nodiscard]] std::string to_path(const QString& text);
+
+}  // namespace lexon

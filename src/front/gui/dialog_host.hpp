@@ -1,0 +1,34 @@
+// What a run needs of its front end, by windows.
+#pragma once
+
+#include "front/gui/progress_dialog.hpp"
+#include "front/outcome.hpp"
+
+namespace lexon {
+
+class MainDialog;
+
+class DialogHost final : public Host {
+ public:
+  // `yes`: the answer to every question, which is not shown then.
+  DialogHost(MainDialog& main, bool yes);
+
+  void report_stop(const std::string& text) override;
+  bool ask_yes_no(const std::string& text) override;
+  void minimise() override;
+  StepResult run_step(RunContext& context, const char* caption, std::int32_t number) override;
+  void finish() override;
+
+  [[nodiscard]] const Outcome& outcome() const { return outcome_; }
+
+ private:
+  [[nodiscard]] QWidget* window_to_stand_on() const;
+  void show_notes(const std::vector<std::string>& notes);
+
+  MainDialog& main_;
+  bool yes_;
+  ProgressDialog progress_;
+  Outcome outcome_;
+};
+
+}  // namespace lexon

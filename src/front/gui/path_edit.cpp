@@ -1,0 +1,107 @@
+#include "front/gui/path_edit.hpp"
+
+#include <QAction>
+#include <QDragEnterEvent>
+#include <QFileInfo>
+#include <QMimeData>
+#include <QStyleOptionFrame>
+#include <QStylePainter>
+#include <QToolButton>
+#include <QUrl>
+
+namespace lexon {
+
+namespace {
+
+// What the toolkit leaves free on each side of the text.
+constexpr int kTextMargin = 2;
+
+// The first file of what is dragged; empty if there is none on this machine.
+QString dragged_file(const QMimeData& dragged) {
+  for (const QUrl& url : dragged.urls()) {
+    if (url.isLocalFile()) return url.toLocalFile();
+  }
+  return {};
+}
+
+// A path may look like markup.
+QString plain_tip(const QString& text) {
+  return Qt::mightBeRichText(text) ? Qt::convertFromPlainText(text, Qt::WhiteSpaceNormal) : text;
+}
+
+}  // namespace
+
+PathEdit::PathEdit(const QString& role, PathUse use, QWidget* parent) : QLineEdit(parent), use_(use) {
+  setObjectName(role);
+  mark_ = addAction(style()->standardIcon(QStyle::SP_MessageBoxWarning), QLineEdit::TrailingPosition);
+  mark_->setObjectName(role + "_mark");
+  mark_->setVisible(false);
+  connect(this, &QLineEdit::textChanged, this, &PathEdit::look_again);
+}
+
+QString PathEdit::fault() const {
+  if (text().isEmpty()) return {};
+  const QFileInfo file(text());
+  if (file.isDir()) return "This is a folder.";
+  if (use_ == PathUse::read) return file.exists() ? QString() : QString("There is no such file.");
+  return QFileInfo(file.path()).isDir() ? QString() : QString("There is no such folder.");
+}
+
+void PathEdit::look_again() {
+  const QString found = fault();
+  mark_->setVisible(!found.isEmpty());
+  mark_->setToolTip(found);
+  setToolTip(plain_tip(found.isEmpty() ? text() : text() + "\n" + found));
+  setAccessibleDescription(found);
+}
+
+// Beside the mark.
+QRect PathEdit::text_place() const {
+  QStyleOptionFrame frame;
+  initStyleOption(&frame);
+  QRect place = style()->subElementRect(QStyle::SE_LineEditContents, &frame, this);
+  place = place.marginsRemoved(textMargins()).adjusted(kTextMargin, 0, -kTextMargin, 0);
+  for (const QToolButton* button : findChildren<QToolButton*>()) {
+    if (button->isVisible()) place.setRight(std::min(place.right(), button->x() - 1));
+  }
+  return place;
+}
+
+QString PathEdit::shown_text() const {
+  return fontMetrics().elidedText(text(), Qt::ElideMiddle, text_place().width());
+}
+
+void PathEdit::paintEvent(QPaintEvent* event) {
+  const QString shown = shown_text();
+  if (hasFocus() || shown == text()) return QLineEdit::paintEvent(event);
+  QStylePainter painter(this);
+  QStyleOptionFrame frame;
+  initStyleOption(&frame);
+  painter.drawPrimitive(QStyle::PE_PanelLineEdit, frame);
+  painter.drawItemText(text_place(), Qt::AlignVCenter, palette(), isEnabled(), shown, QPalette::Text);
+}
+
+void PathEdit::dragEnterEvent(QDragEnterEvent* event) {
+  if (dragged_file(*event->mimeData()).isEmpty()) return QLineEdit::dragEnterEvent(event);
+  event->acceptProposedAction();
+}
+
+void PathEdit::dragMoveEvent(QDragMoveEvent* event) {
+  if (dragged_file(*event->mimeData()).isEmpty()) return QLineEdit::dragMoveEvent(event);
+  event->acceptProposedAction();
+}
+
+void PathEdit::dropEvent(QDropEvent* event) {
+  const QString file = dragged_file(*event->mimeData());
+  if (file.isEmpty()) return QLineEdit::dropEvent(event);
+  setText(file);
+  event->acceptProposedAction();
+}
+
+// The file may have come or gone while the user was elsewhere.
+void PathEdit::focusInEvent(QFocusEvent* event) {
+  look_again();
+  QLineEdit::focusInEvent(event);
+}
+
+}  // namespace lexon

@@ -1,0 +1,125 @@
+// Makes the pictures of the manual: every dialog, with the settings of an example, in a plain frame.
+//
+//   lexon-screenshots FOLDER
+#include <QApplication>
+#include <QDir>
+#include <QFile>
+#include <QHash>
+#include <QPainter>
+#include <QPainterPath>
+#include <QStyleFactory>
+#include <QTemporaryDir>
+
+#include <algorithm>
+#include <cstdio>
+#include <utility>
+
+#include "front/gui/about_dialog.hpp"
+#include "front/gui/controls.hpp"
+#include "front/gui/main_dialog.hpp"
+#include "front/gui/progress_dialog.hpp"
+#include "front/gui/setting_dialog.hpp"
+
+namespace {
+
+constexpr int kBar = 30;    // the title bar
+constexpr int kMargin = 1;  // of the frame
+constexpr int kCorner = 8;
+constexpr double kDensity = 2.0;
+
+const QColor kBarColour(0x24, 0x40, 0x5f);
+const QColor kEdgeColour(0x8a, 0x97, 0xa6);
+
+// The platform that draws here has no window manager, and so no frames.
+QPixmap with_frame(QWidget& window) {
+  const QPixmap inside = window.grab();
+  const QSizeF size = inside.deviceIndependentSize();
+  QPixmap whole(QSizeF(size.width() + 2 * kMargin, size.height() + kBar + kMargin).toSize() * kDensity);
+  whole.setDevicePixelRatio(kDensity);
+  whole.fill(Qt::transparent);
+  const QRectF frame(0.5, 0.5, whole.deviceIndependentSize().width() - 1, whole.deviceIndependentSize().height() - 1);
+  QPainterPath outline;
+  outline.addRoundedRect(frame, kCorner, kCorner);
+  QPainter painter(&whole);
+  painter.setRenderHint(QPainter::Antialiasing);
+  painter.setClipPath(outline);
+  painter.fillRect(frame, kBarColour);
+  painter.drawPixmap(kMargin, kBar, inside);
+  painter.setPen(Qt::white);
+  QFont font = window.font();
+  font.setBold(true);
+  painter.setFont(font);
+  painter.drawText(QRectF(0, 0, frame.width(), kBar), Qt::AlignCenter, window.windowTitle());
+  painter.setClipping(false);
+  painter.setPen(kEdgeColour);
+  painter.drawPath(outline);
+  return whole;
+}
+
+// The image in its 256 most frequent colours: a third of the size, and nobody sees the difference.
+QImage with_palette(const QImage& image) {
+  QHash<QRgb, int> count;
+  for (int y = 0; y < image.height(); ++y) {
+    for (int x = 0; x < image.width(); ++x) ++count[image.pixel(x, y)];
+  }
+  QList<QRgb> colours = count.keys();
+  std::ranges::sort(colours, [&count](QRgb a, QRgb b) { return std::pair(count[a], a) > std::pair(count[b], b); });
+  colours.resize(std::min<qsizetype>(colours.size(), 256));
+  return image.convertToFormat(QImage::Format_Indexed8, colours);
+}
+
+bool save(QWidget& window, const QDir& folder, const QString& name) {
+  window.show();
+  QApplication::processEvents();
+  const QString path = folder.filePath(name);
+  const bool done = with_palette(with_frame(window).toImage()).save(path, "PNG", 0);
+  std::printf("%s%s\n", qPrintable(path), done ? "" : ": cannot be written");
+  window.hide();
+  return done;
+}
+
+// The files are made in the current folder: the dialog would mark them otherwise.
+lexon::CommandLine example_line() {
+  QDir().mkdir("english");
+  for (const char* name : {"words.dic", "cr.dic", "rules.txt", "input.txt", "sentences.txt"}) {
+    static_cast<void>(QFile(QString("english/") + name).open(QIODevice::WriteOnly));
+  }
+  lexon::CommandLine line;
+  line.settings.dictionary_file = "english/words.dic";
+  line.settings.cr_dictionary_file = "english/cr.dic";
+  line.settings.rule_file = "english/rules.txt";
+  line.settings.input_file = "english/input.txt";
+  line.settings.output_file = "english/sentences.txt";
+  line.settings.sentence_count = 0;
+  line.settings.max_time_per_sentence = 10;
+  return line;
+}
+
+bool save_all(const QDir& folder) {
+  lexon::MainDialog main(example_line());
+  lexon::SettingDialog setting(main.settings(), nullptr);
+  lexon::ProgressDialog progress(main.settings().max_time_per_sentence, false, nullptr);
+  progress.show_step("sentence no.", 17);
+  progress.show_elapsed(3.4);
+  lexon::AboutDialog about(nullptr);
+  return save(main, folder, "main.png") && save(setting, folder, "setting.png") &&
+         save(progress, folder, "progress.png") && save(about, folder, "about.png");
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  if (argc != 2) {
+    std::fprintf(stderr, "usage: lexon-screenshots FOLDER\n");
+    return 2;
+  }
+  qputenv("QT_QPA_PLATFORM", "offscreen");
+  qputenv("QT_SCALE_FACTOR", QByteArray::number(kDensity));
+  const QApplication application(argc, argv);
+  QApplication::setStyle(QStyleFactory::create("Fusion"));
+  lexon::resources_load();
+  const QDir folder(QFileInfo(argv[1]).absoluteFilePath());
+  const QTemporaryDir example;
+  if (!QDir().mkpath(folder.path()) || !QDir::setCurrent(example.path())) return 1;
+  return save_all(folder) ? 0 : 1;
+}

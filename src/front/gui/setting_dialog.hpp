@@ -1,0 +1,52 @@
+// The Setting dialog: the paths and numbers of a run.
+#pragma once
+
+#include <QDialog>
+
+#include <array>
+
+#include "run/settings.hpp"
+
+class QCheckBox;
+class QComboBox;
+class QGridLayout;
+
+namespace lexon {
+
+class NumberEdit;
+class PathEdit;
+
+inline constexpr int kPathFields = 6;
+inline constexpr int kNumberFields = 3;
+
+// Works on fields of its own: what was given stays as it is, and the caller takes the fields over after OK.
+class SettingDialog : public QDialog {
+  Q_OBJECT
+
+ public:
+  SettingDialog(const RunSettings& settings, QWidget* parent);
+
+  [[nodiscard]] const RunSettings& fields() const { return fields_; }
+
+  void accept() override;
+
+ private:
+  void make_layout();
+  void add_path_row(QGridLayout& rows, int row);
+  void add_number_row(QGridLayout& rows, int row);
+  void add_trace_row(QGridLayout& rows);
+  void add_check_row(QGridLayout& rows);
+  [[nodiscard]] QWidget* make_button_box();
+
+  void read_controls();
+  void write_controls();
+  void browse(int row);
+
+  RunSettings fields_;
+  std::array<PathEdit*, kPathFields> paths_{};
+  std::array<NumberEdit*, kNumberFields> numbers_{};
+  QComboBox* trace_level_ = nullptr;
+  QCheckBox* rules_conversion_only_ = nullptr;
+};
+
+}  // namespace lexon

@@ -1,0 +1,42 @@
+#include "front/outcome.hpp"
+
+#include <cstdio>
+
+#include "data/state.hpp"
+#include "run/context.hpp"
+#include "run/driver.hpp"
+
+namespace lexon {
+
+void Outcome::count_step(bool is_rule_step, StepResult result) {
+  if (result == StepResult::cancelled) {
+    cancelled = true;
+  } else if (is_rule_step) {
+    rules_failed = run_status == run_state::failed;
+  } else if (run_status == run_state::failed) {
+    ++failed;
+  } else if (run_status == run_state::over_time) {
+    ++over_time;
+  } else if (run_status == run_state::finished) {
+    ++done;
+  }
+}
+
+std::vector<std::string> Outcome::finish() {
+  std::vector<std::string> notes = run_faults.notes;
+  output_failed = run_faults.file_is_short;
+  if (state.output == nullptr) return notes;
+  const bool is_short = std::fflush(state.output) != 0 || std::ferror(state.output) != 0;
+  output_failed = output_failed || is_short;
+  if (is_short) notes.emplace_back("the output could not be written whole");
+  return notes;
+}
+
+int Outcome::exit_status() const {
+  if (could_not_start) return 1;
+  if (output_failed) return 4;
+  if (cancelled) return kCancelledStatus;
+  return failed != 0 || over_time != 0 || rules_failed ? 3 : 0;
+}
+
+}  // namespace lexon

@@ -1,0 +1,35 @@
+// What came of a run, as every front end counts it.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "run/host.hpp"
+
+namespace lexon {
+
+inline constexpr int kCancelledStatus = 130;
+
+struct Outcome {
+  // sentences
+  std::int64_t done = 0;
+  std::int64_t failed = 0;
+  std::int64_t over_time = 0;
+
+  bool cancelled = false;
+  bool could_not_start = false;
+  bool rules_failed = false;
+  bool output_failed = false;
+
+  // Counts a step that has just ended.
+  void count_step(bool is_rule_step, StepResult result);
+
+  // Behind the last step: writes out what is still buffered. What the user ought to know beside the output.
+  [[nodiscard]] std::vector<std::string> finish();
+
+  // The status that the program ends with.
+  [[nodiscard]] int exit_status() const;
+};
+
+}  // namespace lexon

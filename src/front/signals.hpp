@@ -1,0 +1,15 @@
+// SIGINT and SIGTERM as the user's cancel.
+#pragma once
+
+namespace lexon {
+
+// Makes SIGINT and SIGTERM ask the worker to stop; a second one ends the program at once.
+void cancel_on_signals();
+
+// The signals end the program again, as if nobody had asked for them.
+void leave_signals_alone();
+
+// Has one of the signals come?
+[[nodiscard]] bool cancel_was_signalled();
+
+}  // namespace lexon

@@ -1,0 +1,438 @@
+// Files that fail: reads and writes refused in turn, disks that are full, folders in the place of files, damaged and
+// foreign compiled files, and files that change between two sentences.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cstdlib>
+#include <filesystem>
+#include <functional>
+
+#include "data/pool.hpp"
+#include "data/state.hpp"
+#include "dict/index.hpp"
+#include "front/command_line.hpp"
+#include "run/driver.hpp"
+#include "run/step.hpp"
+#include "support/capture.hpp"
+#include "support/program.hpp"
+#include "whole_run.hpp"
+
+namespace lexon::test {
+namespace {
+
+namespace fs = std::filesystem;
+
+#if defined(__SANITIZE_ADDRESS__)
+constexpr bool kIsSanitized = true;
+#else
+constexpr bool kIsSanitized = false;
+#endif
+
+// A folder with a dictionary, a co-occurrence dictionary, rules and three sentences; dog, cat and dog.
+class Files : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    folder_ = fresh_folder("files-" + std::string(::testing::UnitTest::GetInstance()->current_test_info()->name()));
+    write_file(path("entries.txt"), "[dog]{} \"dog\" (N);\n[cat]{} \"cat\" (N);\n");
+    write_file(path("cr.txt"), "[dog]{} \"cat\" (N);\n");
+    write_file(path("rules.txt"),
+               "R{SHEAD:::}{:::}P1;\nR{N,^X:::}{STAIL:::}P1;\nR([a],b){^A:[x],+C:agt:<obj}{C:::}P7;\n");
+    std::string input;
+    for (const char* word : {"dog", "cat", "dog"}) {
+      input += "[S:" + std::string(word) + "]\n[W]\n" + word + ".@entry\n[/W]\n[/S]\n";
+    }
+    write_file(path("input.txt"), input);
+    fs::create_directory(path("temp"));
+    for (const char* name : {"words", "cr"}) {
+      const std::string entries = std::string(name) == "cr" ? "cr.txt" : "entries.txt";
+      ASSERT_EQ(run_program("lexon-dict", {"build", path(entries), path(std::string(name) + ".dic")}).exit_status, 0);
+    }
+    // A program that is traced cannot look for leaks.
+    setenv("ASAN_OPTIONS", "detect_leaks=0", 1);
+    setenv("TMPDIR", path("temp").c_str(), 1);
+    expected_ = output_of(render());
+    ASSERT_NE(expected_.find("cat\n"), std::string::npos) << expected_;
+    rules_ = bytes_of(path("rules.rul"));
+    matrix_ = bytes_of(path("rules.mtx"));
+  }
+  void TearDown() override {
+    unsetenv("ASAN_OPTIONS");
+    unsetenv("TMPDIR");
+  }
+
+  [[nodiscard]] std::string path(const std::string& name) const { return folder_ + "/" + name; }
+
+  [[nodiscard]] std::vector<std::string> call() const {
+    return {program_path("lexon"),
+            path("words.dic"),
+            path("rules.txt"),
+            path("input.txt"),
+            path("output.txt"),
+            "--quiet",
+            "-L0",
+            "-N0",
+            "-C" + path("cr.dic")};
+  }
+  [[nodiscard]] ProgramResult render() const { return under({}); }
+
+  // The run as an argument of other programs.
+  [[nodiscard]] ProgramResult under(std::vector<std::string> words) const {
+    for (const std::string& word : call()) words.push_back(word);
+    const std::string program = words.front();
+    words.erase(words.begin());
+    return run_program(program, words, folder_);
+  }
+
+  [[nodiscard]] std::string output_of(const ProgramResult& run) const {
+    return run.exit_status == 1 ? "" : mask_times(bytes_of(path("output.txt")));
+  }
+
+  void convert_anew() const {
+    fs::remove(path("rules.rul"));
+    fs::remove(path("rules.mtx"));
+  }
+
+  // A run that has been disturbed must say so, if it has not done all its work all the same; and what it leaves must
+  // not disturb the next one.
+  // `hits_all`: the disturbance may have hit messages and tidying up as well.
+  void judge(const ProgramResult& run, bool hits_all = false) const {
+    const std::string output = mask_times(bytes_of(path("output.txt")));
+    switch (run.exit_status) {
+      case 0: EXPECT_EQ(output, expected_) << run.error; break;
+      case 1:
+      case 4: EXPECT_TRUE(hits_all || !run.error.empty()); break;
+      case 3: EXPECT_TRUE(output.find(";;Failed!") != std::string::npos || output.find(";;") == 0) << output; break;
+      case 127: EXPECT_NE(run.error.find("loading shared libraries"), std::string::npos) << run.error; break;
+      default: ADD_FAILURE() << "exit status " << run.exit_status << "\n" << run.error;
+    }
+    EXPECT_TRUE(fs::is_empty(path("temp")) || run.exit_status == 127 || hits_all);
+    fs::remove_all(path("temp"));
+    fs::create_directory(path("temp"));
+    const ProgramResult next = render();
+    EXPECT_EQ(next.exit_status, 0) << next.error;
+    EXPECT_EQ(output_of(next), expected_);
+  }
+
+  std::string folder_;
+  std::string expected_;
+  std::string rules_;
+  std::string matrix_;
+};
+
+// ---- system calls refused in turn
+
+struct CallRow {
+  const char* calls;  // as strace names them
+  const char* fault;  // what becomes of one of them
+  const char* file;   // of which file; null: of all, where no sanitizer needs files of its own
+  bool converts;
+};
+
+class Calls : public Files, public ::testing::WithParamInterface<CallRow> {};
+
+// strace makes the n-th call fail, for every n that a run comes to.
+TEST_P(Calls, EachFailsInTurn) {
+  const CallRow& row = GetParam();
+  if (row.file == nullptr && kIsSanitized) GTEST_SKIP() << "the sanitizer reads files of its own";
+  const std::string strace = "/usr/bin/strace";
+  if (!fs::exists(strace)) GTEST_SKIP() << "no strace";
+  if (run_program(strace, {"-o", path("trace"), "/bin/true"}).exit_status != 0) GTEST_SKIP() << "no tracing here";
+  int number = 0;
+  for (bool is_hit = true; is_hit && !HasFailure();) {
+    SCOPED_TRACE(std::string(row.calls) + " no. " + std::to_string(++number));
+    if (row.converts) convert_anew();
+    std::vector<std::string> words = {
+        strace,
+        "-f",
+        "-qq",
+        "-o",
+        path("trace"),
+        "-e",
+        "trace=" + std::string(row.calls),
+        "-e",
+        "inject=" + std::string(row.calls) + ":" + row.fault + ":when=" + std::to_string(number)};
+    if (row.file != nullptr) words.insert(words.end(), {"-P", path(row.file)});
+    const ProgramResult run = under(words);
+    is_hit = bytes_of(path("trace")).find("(INJECTED)") != std::string::npos;
+    judge(run, row.file == nullptr);
+  }
+  EXPECT_GT(number, 1) << "none of these calls is made";
+  std::printf("%s: %d calls\n", row.calls, number - 1);
+}
+
+const CallRow kCallRows[] = {
+    {"read", "error=EIO", "input.txt", false},
+    {"read", "error=EIO", "rules.txt", true},
+    {"read", "error=EIO", "rules.rul", false},
+    {"read", "error=EIO", "rules.mtx", false},
+    {"pread64", "error=EIO", "words.dic", false},
+    {"pread64", "error=EIO", "words.idx", false},
+    {"pread64", "retval=0", "words.dic", false},
+    {"pread64", "error=EINTR", "words.dic", false},
+    {"read", "retval=0", "rules.rul", false},
+    {"read", "retval=0", "rules.mtx", false},
+    {"write", "error=ENOSPC", "output.txt", true},
+    {"read", "error=EIO", nullptr, true},
+    {"write", "error=ENOSPC", nullptr, true},
+    {"openat", "error=EMFILE", nullptr, true},
+    {"lseek", "error=EIO", nullptr, true},
+    {"linkat,rename,unlink", "error=EACCES", nullptr, true},
+    {"fchmod,utimensat,ftruncate", "error=EPERM", nullptr, true},
+};
+
+std::string row_name(const ::testing::TestParamInfo<CallRow>& row) {
+  std::string name = std::to_string(row.index) + "_" + row.param.calls;
+  std::replace(name.begin(), name.end(), ',', '_');
+  return name;
+}
+
+INSTANTIATE_TEST_SUITE_P(Files, Calls, ::testing::ValuesIn(kCallRows), row_name);
+
+TEST(ShortReads, AreReadOn) {
+  const RunCase golden("choice-pair");
+  const RunCase::Result expected = golden.run(true);
+  const ShortReads all_short;
+  EXPECT_EQ(golden.run(true).output, expected.output);
+}
+
+// ---- disks that are full
+
+// A file may grow to a limit and no further; every limit up to the size that the run needs.
+TEST_F(Files, EveryLengthOfAFullDisk) {
+  const std::size_t needed = std::max({bytes_of(path("output.txt")).size(), rules_.size(), matrix_.size()});
+  for (std::size_t limit = 1; limit <= needed + 1 && !HasFailure(); limit += limit < 8 ? 1 : 23) {
+    SCOPED_TRACE("limit " + std::to_string(limit));
+    convert_anew();
+    judge(under({"/usr/bin/prlimit", "--fsize=" + std::to_string(limit)}));
+  }
+}
+
+TEST_F(Files, AnOutputThatIsCutShortIsTold) {
+  const std::string message = "lexon: the output could not be written whole\n";
+  const ProgramResult cut = under({"/usr/bin/prlimit", "--fsize=40"});
+  EXPECT_EQ(cut.exit_status, 4);
+  // Standard error is a file too.
+  EXPECT_EQ(cut.error, message.substr(0, 40));
+  std::vector<std::string> words = call();
+  words[4] = "/dev/full";
+  words.erase(words.begin());
+  const ProgramResult full = run_program("lexon", words, folder_);
+  EXPECT_EQ(full.exit_status, 4);
+  EXPECT_EQ(full.error, message);
+}
+
+TEST_F(Files, TheDictionaryToolTellsOfAFullDisk) {
+  std::string entries;
+  for (int i = 0; i < 400; ++i) entries += "[word" + std::to_string(i) + "]{} \"c\" (N);\n";
+  write_file(path("many.txt"), entries);
+  const std::string tool = program_path("lexon-dict");
+  ASSERT_EQ(run_program(tool, {"build", path("many.txt"), path("words.dic")}).exit_status, 0);
+  const std::string before = bytes_of(path("words.dic")) + bytes_of(path("words.idx"));
+  for (const char* limit : {"0", "1", "1023", "4095", "4096", "8192", "12288"}) {
+    const ProgramResult run = run_program(
+        "/usr/bin/prlimit", {std::string("--fsize=") + limit, tool, "build", path("many.txt"), path("words.dic")});
+    EXPECT_EQ(run.exit_status, 1) << limit;
+    EXPECT_EQ(bytes_of(path("words.dic")) + bytes_of(path("words.idx")), before) << limit;
+  }
+  const ProgramResult list = run_program("/usr/bin/prlimit", {"--fsize=200", tool, "list", path("words.dic")});
+  EXPECT_EQ(list.exit_status, 4);
+  EXPECT_EQ(list.error, "lexon-dict: the output could not be written whole\n");
+  for (const fs::directory_entry& entry : fs::directory_iterator(folder_)) {
+    EXPECT_EQ(entry.path().filename().string().find("lexon-"), std::string::npos) << "a draft is left";
+  }
+}
+
+// ---- folders in the place of files
+
+TEST_F(Files, AFolderIsNoFile) {
+  struct Row {
+    const char* name;
+    const char* message;
+  };
+  const Row rows[] = {
+      {"words.dic", "Can't Open Dictionary File : "},
+      {"words.idx", "Can't Open Dictionary Index File : "},
+      {"cr.dic", "Can't Open Cooccurrence Dictionary File : "},
+      {"cr.idx", "Can't Open Cooccurrence Dictionary File : "},
+      {"rules.txt", "Can't Open Generation Rule : "},
+      {"rules.rul", "Can't Open Generation Rule : "},
+      {"rules.mtx", "Can't Open Generation Rule : "},
+      {"input.txt", "Can't Open Input File : "},
+      {"output.txt", "Can't Open Output File : "},
+  };
+  for (const Row& row : rows) {
+    fs::rename(path(row.name), path("kept"));
+    fs::create_directory(path(row.name));
+    const ProgramResult run = render();
+    EXPECT_EQ(run.exit_status, 1) << row.name;
+    EXPECT_EQ(run.error.substr(0, std::string(row.message).size()), row.message) << row.name;
+    fs::remove(path(row.name));
+    fs::rename(path("kept"), path(row.name));
+  }
+}
+
+// ---- compiled files that are damaged or belong to others
+
+class Compiled : public Files {
+ protected:
+  // Runs with other bytes in a compiled file, newer than the text. The file `named` must be refused by its name.
+  void run_with(const std::string& name, const std::string& bytes, const std::string& named) const {
+    write_file(path("rules.rul"), rules_);
+    write_file(path("rules.mtx"), matrix_);
+    write_file(path(name), bytes);
+    make_matrix_newer(path("rules"));
+    const ProgramResult run = render();
+    const std::string output = bytes_of(path("output.txt"));
+    EXPECT_EQ(run.exit_status, 3) << run.error;
+    EXPECT_EQ(output.find(";;the compiled rule "), 0U) << output;
+    EXPECT_NE(output.find("\n;;in " + path(named) + "\n"), std::string::npos) << output;
+  }
+
+  static void make_matrix_newer(const std::string& stem) {
+    fs::last_write_time(stem + ".mtx", fs::last_write_time(stem + ".rul") + std::chrono::seconds(1));
+  }
+};
+
+TEST_F(Compiled, CutShortTheyAreNamed) {
+  std::vector<std::size_t> ends;
+  for (std::size_t at = 0; at < rules_.size();) {
+    at += 2 + static_cast<std::size_t>(static_cast<unsigned char>(rules_[at]) << 8 |
+                                       static_cast<unsigned char>(rules_[at + 1]));
+    ends.push_back(at);
+  }
+  for (std::size_t length = 1; length < rules_.size() && !HasFailure(); length += 7) {
+    const bool is_end = std::find(ends.begin(), ends.end(), length) != ends.end();
+    SCOPED_TRACE("rules cut at " + std::to_string(length));
+    if (!is_end) run_with("rules.rul", rules_.substr(0, length), "rules.rul");
+  }
+  for (std::size_t length = 0; length < matrix_.size() && !HasFailure(); length += 3) {
+    SCOPED_TRACE("matrix cut at " + std::to_string(length));
+    run_with("rules.mtx", matrix_.substr(0, length), "rules.mtx");
+  }
+}
+
+TEST_F(Compiled, ThoseOfOtherRulesAreNamedWhereCountsDisagree) {
+  write_file(path("other.txt"), "R{SHEAD:::}{:::}P1;\n");
+  std::vector<std::string> words = call();
+  words.erase(words.begin());
+  words[1] = path("other.txt");
+  ASSERT_EQ(run_program("lexon", words).exit_status, 3) << "one rule is not enough";
+  run_with("rules.mtx", bytes_of(path("other.mtx")), "rules.mtx");
+  run_with("rules.rul", bytes_of(path("other.rul")), "rules.mtx");
+}
+
+// Whatever two bytes are taken for a length: a file is read within its bounds, and is refused by its name or serves.
+TEST_F(Compiled, EveryPairOfBytesOverwritten) {
+  const RunCase golden("choice-no-dictionary");
+  const RunCase::Result whole = golden.run(true);
+  const std::string rules = bytes_of(golden.path("rules.rul"));
+  const std::string matrix = bytes_of(golden.path("rules.mtx"));
+  for (const bool is_matrix : {false, true}) {
+    const std::string& bytes = is_matrix ? matrix : rules;
+    const std::string name = golden.path(is_matrix ? "rules.mtx" : "rules.rul");
+    for (std::size_t at = 0; at + 1 < bytes.size(); ++at) {
+      for (const char* value : {"\0\0", "\0\1", "\xFF\xFF"}) {
+        std::string damaged = bytes;
+        damaged.replace(at, 2, value, 2);
+        if (damaged == bytes) continue;
+        write_file(golden.path("rules.rul"), rules);
+        write_file(golden.path("rules.mtx"), matrix);
+        write_file(name, damaged);
+        make_matrix_newer(golden.path("rules"));
+        const RunCase::Result run = golden.run(false, {}, "-R");
+        ASSERT_TRUE(run.exit_status == 0 || run.exit_status == 3) << at;
+        const bool is_refused = run.output.find(";;the compiled") != std::string::npos;
+        ASSERT_EQ(is_refused, run.output.find(";;in " + name) != std::string::npos) << at << "\n" << run.output;
+      }
+    }
+  }
+}
+
+// ---- files that change between two sentences
+
+// Renders all sentences and lets the test act between them.
+class ChangingHost final : public Host {
+ public:
+  ChangingHost(std::int32_t before, std::function<void()> change) : before_(before), change_(std::move(change)) {}
+
+  void report_stop(const std::string& text) override { ADD_FAILURE() << text; }
+  bool ask_yes_no(const std::string&) override { return false; }
+  void minimise() override {}
+  StepResult run_step(RunContext& context, const char* caption, std::int32_t number) override {
+    if (context.rule_step_done && number == before_) change_();
+    step_begin(progress_, context, caption, number);
+    progress_.worker.wait();
+    EXPECT_TRUE(step_end_if_done(progress_));
+    return StepResult::finished;
+  }
+  void finish() override { std::fflush(state.output); }
+
+ private:
+  std::int32_t before_;
+  std::function<void()> change_;
+  ProgressState progress_;
+};
+
+struct ChangeRow {
+  const char* what;
+  const char* file;
+  std::function<void(const std::string&)> change;
+  const char* note;  // what is told behind the name; null: nothing, and all sentences are as ever
+};
+
+TEST_F(Files, WhatChangesBetweenSentencesIsMetAndTold) {
+  const auto vanish = [](const std::string& name) { fs::remove(name); };
+  const auto shrink = [](const std::string& name) { fs::resize_file(name, fs::file_size(name) / 2); };
+  const auto empty = [](const std::string& name) { fs::resize_file(name, 0); };
+  const auto overwrite = [](const std::string& name) { write_file(name, std::string(fs::file_size(name), '\xFF')); };
+  const ChangeRow rows[] = {
+      {"the dictionary vanishes", "words.dic", vanish, nullptr},
+      {"the index vanishes", "words.idx", vanish, nullptr},
+      {"the input vanishes", "input.txt", vanish, nullptr},
+      {"the compiled rules vanish", "rules.rul", vanish, nullptr},
+      {"the compiled rules are emptied", "rules.rul", empty, nullptr},
+      {"the matrix is overwritten", "rules.mtx", overwrite, nullptr},
+      {"the rule text is emptied", "rules.txt", empty, nullptr},
+      {"the dictionary shrinks", "words.dic", shrink, ": damaged at offset "},
+      {"the dictionary is emptied", "words.dic", empty, ": damaged at offset "},
+      {"the dictionary is overwritten", "words.dic", overwrite, ": damaged at offset "},
+      {"the index shrinks", "words.idx", shrink, ": damaged at offset "},
+      {"the index is emptied", "words.idx", empty, ": damaged at offset "},
+      {"the index is overwritten", "words.idx", overwrite, ": damaged at offset "},
+  };
+  const std::vector<std::string> expected = sentences_in(expected_);
+  for (const ChangeRow& row : rows) {
+    SCOPED_TRACE(row.what);
+    for (const char* name : {"words.dic", "words.idx", "input.txt", "rules.txt", "rules.rul", "rules.mtx"}) {
+      fs::copy_file(path(name), path(std::string(name) + ".kept"), fs::copy_options::overwrite_existing);
+    }
+    RunSettings settings;
+    settings.dictionary_file = path("words.dic");
+    settings.rule_file = path("rules.txt");
+    settings.input_file = path("input.txt");
+    settings.output_file = path("output.txt");
+    settings.sentence_count = 0;
+    settings.trace_level = 0;
+    ChangingHost host(2, [&] { row.change(path(row.file)); });
+    run_faults = {};
+    lookup_damage = {};
+    run_driver(settings, host);
+    const std::vector<std::string> found = sentences_in(mask_times(bytes_of(path("output.txt"))));
+    ASSERT_EQ(found.size(), expected.size());
+    EXPECT_EQ(found[0], expected[0]);
+    if (row.note == nullptr) {
+      EXPECT_EQ(found, expected);
+      EXPECT_TRUE(run_faults.notes.empty());
+    } else {
+      ASSERT_EQ(run_faults.notes.size(), 1U);
+      EXPECT_NE(run_faults.notes[0].find(path("words.dic") + row.note), std::string::npos) << run_faults.notes[0];
+    }
+    for (const char* name : {"words.dic", "words.idx", "input.txt", "rules.txt", "rules.rul", "rules.mtx"}) {
+      fs::rename(path(std::string(name) + ".kept"), path(name));
+    }
+    static_cast<void>(temp_release_all());
+  }
+}
+
+}  // namespace
+}  // namespace lexon::test

@@ -1,0 +1,254 @@
+// Every allocation of a run refused in turn: cells and blocks of the pools, heap memory, and what the standard library
+// takes. A run is told of by its output, its exit status and its messages; the sentences that are not hit are rendered
+// as ever, and nothing is left behind.
+//
+// By default a case tries a bounded number of allocations, spread over the run. LEXON_EXHAUSTIVE tries every one.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cstdlib>
+#include <filesystem>
+#include <new>
+
+#include "data/pool.hpp"
+#include "data/state.hpp"
+#include "dict/builder.hpp"
+#include "dict/builder_tools.hpp"
+#include "support/built_dictionary.hpp"
+#include "support/capture.hpp"
+#include "support/program.hpp"
+#include "whole_run.hpp"
+
+#if defined(__SANITIZE_ADDRESS__)
+#include <sanitizer/lsan_interface.h>
+#endif
+
+// Out of line: seen through, the pairs look mismatched to the compiler.
+[[gnu::noinline]] void* operator new(std::size_t size) {
+  void* memory = lexon::allocation_refused() ? nullptr : std::malloc(size == 0 ? 1 : size);
+  if (memory == nullptr) throw std::bad_alloc();
+  return memory;
+}
+[[gnu::noinline]] void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
+  return lexon::allocation_refused() ? nullptr : std::malloc(size == 0 ? 1 : size);
+}
+[[gnu::noinline]] void* operator new[](std::size_t size) {
+  return operator new(size);
+}
+[[gnu::noinline]] void operator delete[](void* memory) noexcept {
+  std::free(memory);
+}
+[[gnu::noinline]] void operator delete[](void* memory, std::size_t) noexcept {
+  std::free(memory);
+}
+[[gnu::noinline]] void operator delete(void* memory) noexcept {
+  std::free(memory);
+}
+[[gnu::noinline]] void operator delete(void* memory, const std::nothrow_t&) noexcept {
+  std::free(memory);
+}
+[[gnu::noinline]] void operator delete(void* memory, std::size_t) noexcept {
+  std::free(memory);
+}
+
+namespace lexon::test {
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr std::int64_t kTriesOfACase = 40;
+
+bool is_exhaustive() {
+  return std::getenv("LEXON_EXHAUSTIVE") != nullptr;
+}
+
+bool has_leaks() {
+#if defined(__SANITIZE_ADDRESS__)
+  return __lsan_do_recoverable_leak_check() != 0;
+#else
+  return false;
+#endif
+}
+
+// What became of runs with one allocation refused.
+struct Figures {
+  std::int64_t runs = 0;
+  std::int64_t not_felt = 0;     // the output is the same
+  std::int64_t not_started = 0;  // or ended at once
+  std::int64_t rule_step = 0;
+  std::int64_t sentence = 0;
+};
+
+bool is_failed(const std::string& sentence) {
+  return sentence.ends_with(";;Failed!\n");
+}
+
+// In this case an unfinished search of one sentence is left to the next, so that a lost one changes both.
+constexpr const char* kCarries = "search-forced";
+
+// Which sentence differs from what is expected; -1 for none, -2 for more than one or another number of them.
+int differing_sentence(const std::vector<std::string>& found, const std::vector<std::string>& expected, bool carries) {
+  if (found.size() != expected.size()) return -2;
+  int differing = -1;
+  for (std::size_t i = 0; i < found.size(); ++i) {
+    if (found[i] == expected[i] || (carries && differing != -1)) continue;
+    if (differing != -1) return -2;
+    differing = static_cast<int>(i);
+  }
+  return differing;
+}
+
+// A sentence that is lost for memory says so, or, if not even its graph could be read, fails without a word.
+bool is_lost_for_memory(const std::string& sentence) {
+  return sentence.ends_with(";;return code 100\n;;Failed!\n") ||
+         (is_failed(sentence) && sentence.find(";;return code") == std::string::npos);
+}
+
+void judge(const RunCase::Result& run, const RunCase::Result& expected, bool carries, Figures& figures) {
+  ++figures.runs;
+  EXPECT_EQ(run.files_left_open, 0U);
+  if (run.output == expected.output && run.exit_status == expected.exit_status) {
+    ++figures.not_felt;
+    return;
+  }
+  if (run.exit_status == 1) {
+    ++figures.not_started;
+    EXPECT_NE(run.error.find("No memory!"), std::string::npos) << run.error;
+    return;
+  }
+  EXPECT_EQ(run.exit_status, 3) << run.error;
+  const std::vector<std::string> found = sentences_in(run.output);
+  const std::vector<std::string> wanted = sentences_in(expected.output);
+  if (const int hit = differing_sentence(found, wanted, carries);
+      hit >= 0 && !std::all_of(found.begin(), found.end(), is_failed)) {
+    ++figures.sentence;
+    EXPECT_TRUE(is_lost_for_memory(found[static_cast<std::size_t>(hit)]))
+        << found[static_cast<std::size_t>(hit)] << "instead of\n"
+        << wanted[static_cast<std::size_t>(hit)] << run.error;
+    return;
+  }
+  ++figures.rule_step;
+  EXPECT_TRUE(!found.empty() && std::all_of(found.begin(), found.end(), is_failed)) << run.output;
+}
+
+class Memory : public ::testing::TestWithParam<std::string> {};
+
+TEST_P(Memory, EveryRefusedAllocationEndsAsTold) {
+  const RunCase golden(GetParam());
+  Figures figures;
+  std::int64_t allocations = 0;
+  const RunCase::Result first = golden.run(true);
+  const std::string names = golden.names();
+  const std::size_t files = open_files();
+  for (const bool converts : {true, false}) {
+    static_cast<void>(golden.run(true));  // what the last refusal has spoilt
+    const RunCase::Result expected = golden.run(converts);
+    const std::int64_t counted = expected.allocations;
+    ASSERT_TRUE(expected.exit_status == 0 || expected.exit_status == 3) << expected.error;
+    EXPECT_EQ(sentences_in(expected.output).size(), sentences_in(first.output).size());
+    allocations += counted;
+    const std::int64_t stride = is_exhaustive() ? 1 : std::max<std::int64_t>(counted / (kTriesOfACase / 2), 1);
+    for (const bool lasting : {false, true}) {
+      for (std::int64_t n = 1; n <= counted; n += lasting ? stride * 7 : stride) {
+        SCOPED_TRACE((converts ? "converting, " : "loading, ") + std::string(lasting ? "all from " : "no. ") +
+                     std::to_string(n));
+        const RunCase::Result run = golden.run(converts, {n, lasting});
+        if (lasting) {
+          EXPECT_TRUE(run.exit_status == 1 || run.exit_status == 3 || run.output == expected.output);
+        } else {
+          judge(run, expected, GetParam() == kCarries, figures);
+        }
+        EXPECT_EQ(open_files(), files);
+        EXPECT_EQ(golden.names(), names);
+        if (HasFailure()) return;
+      }
+    }
+  }
+  EXPECT_FALSE(has_leaks());
+  std::printf("%lld allocations; %lld runs: %lld not felt, %lld not started, %lld rule step, %lld sentence\n",
+              static_cast<long long>(allocations), static_cast<long long>(figures.runs),
+              static_cast<long long>(figures.not_felt), static_cast<long long>(figures.not_started),
+              static_cast<long long>(figures.rule_step), static_cast<long long>(figures.sentence));
+}
+
+std::string case_name(const ::testing::TestParamInfo<std::string>& info) {
+  std::string name = info.param;
+  std::replace(name.begin(), name.end(), '-', '_');
+  return name;
+}
+
+INSTANTIATE_TEST_SUITE_P(Runs, Memory, ::testing::ValuesIn(run_case_names()), case_name);
+
+// The dictionary tool: what it calls, what it prints, and what it leaves.
+class ToolMemory : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    for (int i = 0; i < 40; ++i) entries_ += "[w" + std::to_string(i) + "]{} \"c" + std::to_string(i % 7) + "\" (N);\n";
+    ASSERT_TRUE(build_text(folder_, entries_).done);
+    kept_ = bytes_of(folder_.path("words.dic")) + bytes_of(folder_.path("words.idx"));
+    names_ = folder_.names();
+  }
+
+  // Calls `work` with each of its allocations refused; it must fail, by its result or by an exception. It fills the
+  // sentence's pool `lookups` times.
+  template <typename Work>
+  void refuse_each(const char* what, std::int64_t lookups, Work work) {
+    SCOPED_TRACE(what);
+    allocation_fault = {kFar, false};
+    ASSERT_TRUE(work());
+    const std::int64_t count = kFar - std::exchange(allocation_fault, {}).countdown;
+    std::int64_t failed = 0;
+    for (std::int64_t n = 1; n <= count; ++n) {
+      allocation_fault = {n, false};
+      failed += fails(work) ? 1 : 0;
+      allocation_fault = {};
+      state.abort = Status::ok;
+      static_cast<void>(temp_release_all());
+      ASSERT_EQ(folder_.names(), names_) << n;
+      ASSERT_EQ(bytes_of(folder_.path("words.dic")) + bytes_of(folder_.path("words.idx")), kept_) << n;
+    }
+    EXPECT_EQ(failed, count - lookups) << "a block that is refused is asked for again, smaller";
+    std::printf("%s: %lld allocations\n", what, static_cast<long long>(count));
+  }
+
+  template <typename Work>
+  static bool fails(Work work) {
+    try {
+      return !work();
+    } catch (const std::bad_alloc&) {
+      return true;
+    }
+  }
+
+  static constexpr std::int64_t kFar = std::int64_t{1} << 40;
+  BuildFolder folder_;
+  std::string entries_;
+  std::string kept_;
+  std::vector<std::string> names_;
+};
+
+TEST_F(ToolMemory, EveryRefusedAllocationFailsAndLeavesTheFiles) {
+  std::FILE* nowhere = std::fopen("/dev/null", "w");
+  const std::string dictionary = folder_.path("words.dic");
+  BuildOptions options;
+  options.entries = folder_.path("entries.txt");
+  options.dictionary = dictionary;
+  options.skip_bad = true;
+  options.memory = std::size_t{1} << 20;
+  refuse_each("build", 1, [&] {
+    BuildFigures figures;
+    return dictionary_build(options, nowhere, figures) && figures.entries == 40;
+  });
+  refuse_each("list", 1, [&] { return dictionary_list(dictionary, nowhere, nowhere); });
+  refuse_each("find", 1,
+              [&] { return dictionary_find(dictionary, kKeyCw, "c3", nowhere, nowhere) == FindResult::found; });
+  refuse_each("check", 40 + 7, [&] {
+    CheckFigures figures;
+    return dictionary_check(dictionary, nowhere, std::size_t{1} << 20, figures) && figures.unasked == 0;
+  });
+  std::fclose(nowhere);
+  EXPECT_FALSE(has_leaks());
+}
+
+}  // namespace
+}  // namespace lexon::test
