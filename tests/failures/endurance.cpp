@@ -69,7 +69,7 @@ std::vector<std::string> bad_sentences() {
       "[S]\n[W]\n\"" + std::string(900, 'w') + "\".@entry\n" + repeated(2, "\"" + std::string(240, 'v') + "\"\n") +
           "[/W]\n[/S]\n",
       "[S]\nagt(:01.@entry, :02)\nagt:01(:02.@entry, :01)\nagt:02(:01.@entry, :02)\n[/S]\n",
-      std::string("[S]\nag\0t(a,b)\n\xFF\xFE(\x80,\x81)\n[/S]\n", 30),
+      "[S]\nag" + std::string(1, '\0') + "t(a,b)\n\xFF\xFE(\x80,\x81)\n[/S]\n",
   };
 }
 
@@ -107,7 +107,7 @@ void write_input(const std::string& path, long sentences) {
 
 // What a process holds.
 struct Holding {
-  long memory = 0;  // KiB, resident
+  long memory = 0;  // KiB of its own, resident
   long files = 0;
   long threads = 0;
 };
@@ -117,7 +117,7 @@ Holding holding_of(int process) {
   Holding holding;
   std::ifstream status(folder + "/status");
   for (std::string line; std::getline(status, line);) {
-    if (line.rfind("VmRSS:", 0) == 0) holding.memory = std::strtol(line.c_str() + 6, nullptr, 10);
+    if (line.rfind("RssAnon:", 0) == 0) holding.memory = std::strtol(line.c_str() + 8, nullptr, 10);
     if (line.rfind("Threads:", 0) == 0) holding.threads = std::strtol(line.c_str() + 8, nullptr, 10);
   }
   std::error_code error;
@@ -170,7 +170,7 @@ bool build(const std::string& folder, const std::string& name, const std::string
 }
 
 int endurance(long sentences) {
-  const std::string folder = fresh_folder("endurance-" + std::to_string(getpid()));
+  const std::string folder = fresh_folder("endurance");
   if (!build(folder, "entries", chain_entries()) || !build(folder, "cr", "")) return 2;
   write_file(folder + "/rules.txt", kChainRule + bytes_of(LEXON_EXAMPLES "/english/rules.txt"));
   write_input(folder + "/input.txt", sentences);

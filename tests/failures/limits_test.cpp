@@ -57,11 +57,7 @@ struct LimitRow {
 
 class Limits : public ::testing::TestWithParam<LimitRow> {
  protected:
-  void SetUp() override {
-    folder_ =
-        fresh_folder("limits-" + std::to_string(::testing::UnitTest::GetInstance()->random_seed()) + GetParam().what);
-  }
-  void TearDown() override { fs::remove_all(folder_); }
+  void SetUp() override { folder_ = fresh_folder("limits"); }
 
   [[nodiscard]] std::string path(const std::string& name) const { return folder_ + "/" + name; }
 

@@ -3,6 +3,7 @@
 #include <signal.h>
 #include <unistd.h>
 
+#include <cstdlib>
 #include <filesystem>
 
 #include "support/capture.hpp"
@@ -38,7 +39,10 @@ class Stop : public ::testing::Test {
     ASSERT_EQ(run_program("lexon-dict", {"build", path("entries.txt"), path("words.dic")}).exit_status, 0);
     write_file(path("rules.txt"), kRules);
     write_file(path("input.txt"), std::string(kDog) + kChain + kCat);
+    // A program that is killed while it sorts leaves its files.
+    setenv("TMPDIR", folder_.c_str(), 1);
   }
+  void TearDown() override { unsetenv("TMPDIR"); }
 
   [[nodiscard]] std::string path(const std::string& name) const { return folder_ + "/" + name; }
   [[nodiscard]] std::string output() const { return mask_times(bytes_of(path("output.txt"))); }

@@ -43,7 +43,7 @@ Lines lines_of(const std::string& text) {
 // What a folder's run prints, without its time lines.
 std::string output_of(const std::string& in_docs, const Lines& switches) {
   const std::string source = path_of(in_docs);
-  const std::string folder = fresh_folder("manual-" + std::to_string(getpid()));
+  const std::string folder = fresh_folder("manual");
   fs::copy_file(source + "/rules.txt", folder + "/rules.txt");
   Lines arguments = {
       folder + "/entries.dic", folder + "/rules.txt", source + "/input.txt", folder + "/out.txt", "--quiet", "-T20"};

@@ -123,8 +123,9 @@ TEST_F(Matrix, NamesAreFoundByBinarySearch) {
 // A fresh working directory, so that files left behind show.
 class MatrixFiles : public Matrix {
  protected:
-  MatrixFiles() : before_(fs::current_path()), folder_(fs::path(::testing::TempDir()) / "matrix_files") {
-    fs::remove_all(folder_);
+  MatrixFiles()
+      : before_(fs::current_path()),
+        folder_(fs::path(::testing::TempDir()) / ("lexon-" + std::to_string(getpid()) + "-matrix")) {
     fs::create_directories(folder_);
     fs::current_path(folder_);
   }

@@ -5,10 +5,11 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <filesystem>
 #include <fstream>
-#include <functional>
 #include <string_view>
+#include <utility>
 
 #include "support/capture.hpp"
 
@@ -32,6 +33,15 @@ namespace {
   _exit(127);
 }
 
+// What was made is removed with this object.
+struct Folders {
+  std::vector<std::string> paths;
+  ~Folders() {
+    std::error_code error;
+    for (const std::string& path : paths) fs::remove_all(path, error);
+  }
+};
+
 }  // namespace
 
 std::string program_path(const std::string& name) {
@@ -54,7 +64,7 @@ int wait_for_program(int process) {
 ProgramResult run_program(const std::string& name, const std::vector<std::string>& arguments,
                           const std::string& folder) {
   const std::string path = program_path(name);
-  const std::string stem = fresh_folder("program-" + std::to_string(getpid()));
+  const std::string stem = fresh_folder("program");
   const std::string out = stem + "/out";
   const std::string error = stem + "/error";
   const pid_t child = fork();
@@ -66,12 +76,12 @@ ProgramResult run_program(const std::string& name, const std::vector<std::string
 }
 
 std::string fresh_folder(const std::string& name) {
-  // Two builds may run their tests at the same time.
-  const std::string build = std::to_string(std::hash<std::string>{}(LEXON_PROGRAMS));
-  const fs::path folder = fs::path(::testing::TempDir()) / ("lexon-" + build + "-" + name);
-  fs::remove_all(folder);
-  fs::create_directories(folder);
-  return folder.string();
+  std::string stem = name;
+  std::replace(stem.begin(), stem.end(), '/', '-');
+  std::string folder = ::testing::TempDir() + "lexon-" + stem + "-XXXXXX";
+  if (mkdtemp(folder.data()) == nullptr) return {};
+  static Folders made{};
+  return made.paths.emplace_back(std::move(folder));
 }
 
 void write_file(const std::string& path, const std::string& text) {

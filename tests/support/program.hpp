@@ -26,7 +26,7 @@ struct ProgramResult {
 // Waits for a started program; its exit status as above.
 [[nodiscard]] int wait_for_program(int process);
 
-// A fresh empty folder under the test's temporary place.
+// A fresh empty folder in the test's temporary place, of this process alone; removed when the program ends.
 [[nodiscard]] std::string fresh_folder(const std::string& name);
 
 // Writes `text` to a file.
