@@ -41,6 +41,12 @@ bool are_plain(const CondItem* conditions) {
          });
 }
 
+// Texts that are set print in front of all other actions.
+bool sets_come_first(const CondItem* actions) {
+  const auto range = chain<&CondItem::next>(actions);
+  return std::is_partitioned(range.begin(), range.end(), [](const CondItem& item) { return item.op >= kOpSetHw; });
+}
+
 bool is_plain(const ContextGroup* groups) {
   const auto range = chain<&ContextGroup::next>(groups);
   return std::all_of(range.begin(), range.end(), [](const ContextGroup& group) {
@@ -50,7 +56,8 @@ bool is_plain(const ContextGroup* groups) {
 
 bool is_plain(const NodePattern& pattern) {
   return are_plain(pattern.hw_conds) && are_plain(pattern.cw_conds) && are_plain(pattern.attr_conds) &&
-         is_plain(pattern.actions) && is_plain(pattern.relations) && is_plain(pattern.roles);
+         is_plain(pattern.actions) && sets_come_first(pattern.actions) && is_plain(pattern.relations) &&
+         is_plain(pattern.roles);
 }
 
 // Codes that are no type of rule text can get into it all the same: behind "PS" any character is one.
