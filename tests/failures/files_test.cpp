@@ -229,6 +229,9 @@ TEST_F(Files, TheDictionaryToolTellsOfAFullDisk) {
   ASSERT_EQ(run_program(tool, {"build", path("many.txt"), path("words.dic")}).exit_status, 0);
   const std::string before = bytes_of(path("words.dic")) + bytes_of(path("words.idx"));
   for (const char* limit : {"0", "1", "1023", "4095", "4096", "8192", "12288"}) {
+#if defined(__SANITIZE_THREAD__)
+    if (*limit == '0') continue;  // the sanitizer writes before the program can ask to be spared the signal
+#endif
     const ProgramResult run = run_program(
         "/usr/bin/prlimit", {std::string("--fsize=") + limit, tool, "build", path("many.txt"), path("words.dic")});
     EXPECT_EQ(run.exit_status, 1) << limit;
