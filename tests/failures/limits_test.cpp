@@ -37,6 +37,7 @@ struct Subject {
   std::string entries;
   std::vector<std::string> switches = {"-L0"};
   std::string dictionary = "words.dic";
+  long rule_path = 0;  // characters of the path of the rules, if it matters
 };
 
 constexpr const char* kEntries = "[dog]{} \"dog\" (N);\n[cat]{} \"cat\" (N);\n";
@@ -64,11 +65,13 @@ class Limits : public ::testing::TestWithParam<LimitRow> {
   // All that is printed: by the tool, to standard error, into the output.
   [[nodiscard]] std::string printed(const Subject& subject) const {
     write_file(path("entries.txt"), subject.entries.empty() ? kEntries : subject.entries);
-    write_file(path("rules.txt"), subject.rules.empty() ? kRules : subject.rules);
+    const std::string rules =
+        subject.rule_path == 0 ? path("rules.txt") : path(x(subject.rule_path - std::ssize(path("")) - 4) + ".txt");
+    write_file(rules, subject.rules.empty() ? kRules : subject.rules);
     write_file(path("input.txt"), subject.input.empty() ? kDog : subject.input);
     const ProgramResult built = run_program("lexon-dict", {"build", path("entries.txt"), path(subject.dictionary)});
-    std::vector<std::string> words = {path(subject.dictionary), path("rules.txt"), path("input.txt"),
-                                      path("output.txt"), "--quiet"};
+    std::vector<std::string> words = {path(subject.dictionary), rules, path("input.txt"), path("output.txt"),
+                                      "--quiet"};
     words.insert(words.end(), subject.switches.begin(), subject.switches.end());
     const ProgramResult run = run_program("lexon", words, folder_);
     EXPECT_LT(run.exit_status, 5) << run.error;
@@ -206,6 +209,17 @@ const LimitRow kRows[] = {
                       .entries = {}};
      },
      "dogcat\n", "dog\n"},
+    {"characters of a name in the fourth section", 64,
+     [](long n) {
+       return Subject{.input = {},
+                      .rules = "R{SHEAD:::}{:::<" + x(n - 1) + "y}P1;\nR{:::}{STAIL:::}P1;\n",
+                      .entries = {},
+                      .switches = {"-L2"}};
+     },
+     x(62) + "y}", x(64) + "}"},
+    {"characters of a path", 260,
+     [](long n) { return Subject{.input = {}, .rules = {}, .entries = {}, .rule_path = n}; }, ";;Done!",
+     "Can't Open Generation Rule : !"},
     {"characters of the attributes of a word", 1023,
      [](long n) {
        return Subject{.input = {},
