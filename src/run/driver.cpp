@@ -232,6 +232,7 @@ void run_guarded(const RunSettings& settings, RunContext& context, Host& host) {
 }  // namespace
 
 void run_driver(const RunSettings& settings, Host& host) {
+  run_faults = {};
   if (settings.run_at_once) host.minimise();
   RunContext context;
   context.post_edit = settings.post_edit;

@@ -95,7 +95,6 @@ int MainDialog::run() {
 }
 
 void MainDialog::render() {
-  run_faults = {};  // an earlier run, which could not start, may have left some
   cancel_on_signals();
   DialogHost host(*this, yes_);
   run_driver(settings_, host);
