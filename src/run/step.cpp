@@ -19,13 +19,32 @@ constexpr std::size_t kWorkerStack = std::size_t{256} << 20;
 constexpr std::size_t kStackReserve = std::size_t{256} << 10;
 // To wake a thread that sleeps can take longer than a short sentence, so both sides stay awake for about as long.
 constexpr std::chrono::microseconds kAwake{100};
+// Where others want the processor, who stays awake hands it to them for milliseconds: so many waits then sleep at once.
+constexpr int kSleeps = 200;
 
-// Waits for a while, without sleeping, for what another thread does.
-template <typename Done>
-void wait_awake(Done done) {
-  const auto end = std::chrono::steady_clock::now() + kAwake;
-  while (!done() && std::chrono::steady_clock::now() < end) std::this_thread::yield();
-}
+// How one side waits, without sleeping at first, for what the other side does.
+class Vigil {
+ public:
+  template <typename Done>
+  void wait_awake(Done done) {
+    using Clock = std::chrono::steady_clock;
+    if (sleeps_ > 0) {
+      --sleeps_;
+      return;
+    }
+    auto before = Clock::now();
+    const auto end = before + kAwake;
+    while (!done() && before < end) {
+      std::this_thread::yield();
+      const auto now = Clock::now();
+      if (now - before > kAwake) sleeps_ = kSleeps;
+      before = now;
+    }
+  }
+
+ private:
+  int sleeps_ = 0;  // waits to come that do not stay awake
+};
 
 }  // namespace
 
@@ -41,6 +60,8 @@ struct WorkerThread::Shared {
   std::atomic<bool> ends{false};
   bool has_thread = false;
   ThreadHandle thread{};
+  Vigil callers;
+  Vigil workers;
 
   void set(std::atomic<bool>& flag, bool value) {
     {
@@ -53,7 +74,7 @@ struct WorkerThread::Shared {
   // False when there is none any more.
   bool wait_for_step() {
     const auto is_due = [this] { return running || ends; };
-    wait_awake(is_due);
+    workers.wait_awake(is_due);
     if (!is_due()) {
       std::unique_lock lock(mutex);
       changed.wait(lock, is_due);
@@ -103,7 +124,7 @@ bool WorkerThread::is_running() const {
 
 bool WorkerThread::wait_until(std::chrono::steady_clock::time_point deadline) {
   const auto is_over = [this] { return !shared_->running; };
-  wait_awake(is_over);
+  shared_->callers.wait_awake(is_over);
   if (is_over()) return true;
   std::unique_lock lock(shared_->mutex);
   return shared_->changed.wait_until(lock, deadline, is_over);
