@@ -77,6 +77,8 @@ std::FILE* nowhere() {
 void fresh_start() {
   // What the deepest step below a guard may need; the sanitizers widen every frame.
   constexpr std::size_t kStackReserve = std::size_t{1} << 20;
+  // Asked for once: the system tells it from a file, which costs more than a small input.
+  static const char* const stack_limit = stack_limit_of_this_thread(kStackReserve);
   stop_requested = false;
   allocation_fault = {};
   static_cast<void>(temp_release_all());
@@ -84,7 +86,7 @@ void fresh_start() {
   perm_release_all();
   state = {};
   state.output = nowhere();
-  state.stack_limit = stack_limit_of_this_thread(kStackReserve);
+  state.stack_limit = stack_limit;
   sentence_clear();
   sentence.dictionary = {};
   sentence.cr_dictionary = {};
