@@ -26,9 +26,8 @@ bool is_plain(const char* text) {
 
 // Is the printed line sure to say the same again?
 bool is_printable(const WordEntry& entry) {
-  const bool plain = is_plain(entry.hw) && is_plain(entry.id) && is_plain(entry.gloss) && is_plain(entry.cw) &&
-                     is_plain(entry.attrs) && is_plain(std::string{entry.language[0]}.c_str());
-  return plain && load_u32(entry.frequency) <= INT32_MAX;
+  return is_plain(entry.hw) && is_plain(entry.id) && is_plain(entry.gloss) && is_plain(entry.cw) &&
+         is_plain(entry.attrs) && is_plain(std::string{entry.language[0]}.c_str());
 }
 
 void parse_printed(const std::string& line) {

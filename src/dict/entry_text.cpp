@@ -62,10 +62,9 @@ void entry_print(std::FILE* stream, const WordEntry* entry, const char* prefix) 
   if (stream == nullptr || entry == nullptr) return;
   const char* language = language_to_code(entry->language);
   const int language_length = language == entry->language ? 1 : kCodeLength;
-  const auto frequency = static_cast<std::int32_t>(load_u32(entry->frequency));
-  std::fprintf(stream, "%s[%s]{%s} %s \"%s\" (%s) <%.*s,%ld,%d>;\n", text_or_empty(prefix), text_or_empty(entry->hw),
+  std::fprintf(stream, "%s[%s]{%s} %s \"%s\" (%s) <%.*s,%u,%d>;\n", text_or_empty(prefix), text_or_empty(entry->hw),
                text_or_empty(entry->id), text_or_empty(entry->gloss), text_or_empty(entry->cw),
-               text_or_empty(entry->attrs), language_length, language, static_cast<long>(frequency), entry->priority);
+               text_or_empty(entry->attrs), language_length, language, load_u32(entry->frequency), entry->priority);
 }
 
 void entry_list_print(std::FILE* stream, const WordEntry* list, const char* prefix) {

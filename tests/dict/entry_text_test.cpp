@@ -233,7 +233,7 @@ TEST(EntryPrint, WhatIsPrintedParsesToTheSame) {
   temp_release_all();
 }
 
-TEST(EntryPrint, NullTextsAreEmptyAndFrequencyIsSigned) {
+TEST(EntryPrint, NullTextsAreEmptyAndNumbersAreUnsigned) {
   WordEntry second{};
   second.frequency[0] = second.frequency[1] = second.frequency[2] = second.frequency[3] = 255;
   second.priority = 200;
@@ -243,8 +243,8 @@ TEST(EntryPrint, NullTextsAreEmptyAndFrequencyIsSigned) {
   first.hw = hw;
   first.language[0] = '7';
   first.next = &second;
-  EXPECT_EQ(printed(&first, "\t>"), "\t>[w]{}  \"\" () <7,0,0>;\n\t>[]{}  \"\" () <SW,-1,200>;\n");
-  EXPECT_EQ(printed(&second, nullptr), "[]{}  \"\" () <SW,-1,200>;\n");
+  EXPECT_EQ(printed(&first, "\t>"), "\t>[w]{}  \"\" () <7,0,0>;\n\t>[]{}  \"\" () <SW,4294967295,200>;\n");
+  EXPECT_EQ(printed(&second, nullptr), "[]{}  \"\" () <SW,4294967295,200>;\n");
   EXPECT_EQ(printed(nullptr, "x"), "");
   entry_print(nullptr, &first, "");
 }

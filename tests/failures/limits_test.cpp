@@ -103,6 +103,11 @@ Subject with_entries(const std::string& entries) {
   return {.input = {}, .rules = {}, .entries = entries};
 }
 
+// A word whose language, frequency and priority the trace shows.
+Subject with_word_data(const std::string& data) {
+  return {.input = {}, .rules = {}, .entries = "[dog]{} \"dog\" (N) " + data + ";\n", .switches = {"-L4"}};
+}
+
 // A sentence of one word of `length` characters.
 Subject long_sentence(long length) {
   const long piece = 240;
@@ -189,6 +194,10 @@ const LimitRow kRows[] = {
     {"bytes of an entry", 4091,
      [](long n) { return with_entries(std::string(kEntries) + "[w]{} " + x(n - 25) + " \"w\" (N);\n"); }, ";;Done!",
      "bytes, and a block holds 4091"},
+    {"frequency of a word", 4294967295L, [](long n) { return with_word_data("<E," + std::to_string(n) + ",7>"); },
+     "<E,429496729", "<E,0,7>"},
+    {"priority of a word", 255, [](long n) { return with_word_data("<E,0," + std::to_string(n) + ">"); }, "<E,0,25",
+     "<E,0,0>"},
     {"bad lines that are shown", 99, [](long n) { return with_entries(each(n, "bad", "\n")); },
      " bad lines, nothing has been built", "entries.txt:100: "},
     {"characters of the name of an index", 128,
