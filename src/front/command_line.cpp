@@ -75,6 +75,7 @@ std::string take_quoted(Words& words) {
     text += rest.substr(0, quote);
     if (quote != std::string_view::npos) {
       words.advance(quote + 1);
+      while (!words.at_end() && !words.at_word_start() && is_blank(words.rest().front())) words.advance(1);
       break;
     }
     words.advance(rest.size());

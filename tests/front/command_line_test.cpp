@@ -111,6 +111,16 @@ TEST(CommandLine, MissingEmptyAndEndlessPathsStayEmpty) {
   EXPECT_EQ(line.settings.output_file, "");
 }
 
+TEST(CommandLine, BlanksBehindAQuotedPathAreNotPartOfTheNext) {
+  const CommandLine line = read({"\"/d.dic\" /r x.txt", "\"/in.txt\"  \"/o.txt\" -L3"});
+  EXPECT_EQ(line.error, "");
+  EXPECT_EQ(line.settings.dictionary_file, "/d.dic");
+  EXPECT_EQ(line.settings.rule_file, "/r x.txt");
+  EXPECT_EQ(line.settings.input_file, "/in.txt");
+  EXPECT_EQ(line.settings.output_file, "/o.txt");
+  EXPECT_EQ(line.settings.trace_level, 3);
+}
+
 TEST(CommandLine, AQuotedPathIsCutAtItsLimit) {
   const std::string quoted = "\"/" + std::string(kPathLimit, 'x') + "\"";
   EXPECT_EQ(read({quoted.c_str()}).settings.dictionary_file, "/" + std::string(kPathLimit - 1, 'x'));

@@ -1,0 +1,20 @@
+// What the console program and the windowed program have in common: how they start, and what they answer without a run.
+#pragma once
+
+#include "front/command_line.hpp"
+
+namespace lexon {
+
+struct Program {
+  const char* name;
+  const char* call;     // how to call it: its name and its paths
+  bool starts_without;  // also without a word on its command line
+  int (*run)(const CommandLine& line, int argc, char** argv);
+};
+
+// The main function of `program`. Returns the exit status: that of `run`, 0 for help and version, 2 for a wrong command
+// line, 1 where memory is exhausted outside the steps of a run. Writes to a file that must not grow fail from here on,
+// instead of ending the program.
+[[nodiscard]] int program_main(const Program& program, int argc, char** argv);
+
+}  // namespace lexon
