@@ -90,11 +90,13 @@ int cooccurrence_value(Pair& pair, const char* relation, WordEntry*& chain, cons
     report_circle(relation);
     return kFailed;
   }
-  int value = chain == nullptr ? value_as_it_stands(pair, relation, chain) : 1;
+  // A chain that is handed in was left by an earlier check: the relation has not been asked on this path.
   const Path here{relation, path};
+  const Path* inner_path = chain == nullptr ? &here : path;
+  int value = chain == nullptr ? value_as_it_stands(pair, relation, chain) : 1;
   while (chain != nullptr) {
     WordEntry* inner = nullptr;
-    value = cooccurrence_value(pair, text_or_empty(chain->id), inner, &here);
+    value = cooccurrence_value(pair, text_or_empty(chain->id), inner, inner_path);
     spend(pair, inner);
     if (value != 0) break;
     WordEntry* failed = chain;

@@ -45,7 +45,7 @@ Status names_write(const SideBuild& build, const Rule* rules) {
     if (status = must_leave(); status != Status::ok) break;
     for (const CondItem& item : chain<&CondItem::next>(conditions(build, rule))) {
       std::fputs(item.text, stream);
-      std::fputc('\n', stream);
+      std::fputs("\r\n", stream);  // a line end of the sort's input; a name that ends with a CR keeps it so
     }
   }
   const bool written = std::ferror(stream) == 0;

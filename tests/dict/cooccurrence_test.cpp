@@ -94,6 +94,8 @@ const Asked kChecks[] = {
     {"a retry that finds nothing", "dogmoda 9", kLeft, "a", "dog", 'l', "x~m2|x~m3", "0: a & dog;"},
     {"a retry that fails keeps what it has not tried", "m3 200", kLeft, "a", "dog", 'l', "x~m2|x~m3|x~m4",
      "-1: a & dog; m3 m4"},
+    {"a retry whose chain leads to the relation itself", "m3>mod 1 dogmoda 9", kLeft, "a", "dog", 'l', "x~m3",
+     "9: a & dog; m3"},
     {"a bad side", "dogmoda 9", kLeft, "a", "dog", 'x', "", "-1: a & dog;"},
     {"nothing inserted: no check", "dogmoda 9", ":{N:-N::mod}{N}P1;", "b|a", "dog", 'l', "", "1: b|a & dog;"},
     {"no role: no check", "dogmoda 9", ":\"[x]\"{N}P1;", "b|a", "dog", 'l', "", "1: b|a & dog;"},

@@ -85,6 +85,7 @@ TEST_F(Matrix, HoldsTheConditionsOfBothSides) {
       {"prefixes come first", {"{ab abc a}{}"}, 1, "a:80/ff ab:80/ff abc:80/ff", ""},
       {"the empty name has a row", {"{A =}{^}"}, 1, ":80/ff A:80/ff", ":00/7f"},
       {"quote patterns are indexed too", {"'N'{V}"}, 1, "N:80/ff", "V:80/ff"},
+      {"a name may end with a carriage return", {"{B\r A}{}"}, 1, "A:80/ff B\r:80/ff", ""},
       {"a name of 255 characters loses one, is not found, and ends the walk over its list",
        {rule_with_long_name, "{B}{}"},
        1,
