@@ -138,7 +138,9 @@ void rule_choose(Loop& loop) {
 [[nodiscard]] Status search_end(Loop& loop) {
   const bool may_go_back = state.engine_status == Status::nothing_left && loop.candidates != nullptr;
   if (!may_go_back || is_at_beginning(loop.window)) return state.engine_status;
-  if (loop.window.lnode == nullptr) return state.engine_status = rule_base_failure("searched on from an empty place");
+  // Undone to its end, the search for a forced target leaves the window where it was, also on a node that has gone.
+  const bool is_lost = loop.window.lnode == nullptr && loop.candidates->rule->type == rule_type::insertion;
+  if (is_lost) return state.engine_status = rule_base_failure("searched on from an empty place");
   state.engine_status = back_into_scope(loop.window, loop.candidates, loop.home_scope);
   return state.engine_status;
 }

@@ -39,18 +39,15 @@ struct Return {
   RuleCandidate& candidate;  // of the rule that brought the scope in
   std::int32_t& home_scope;  // one cell for all depths of one loop
   Side side;                 // of the reference
-  std::int32_t row;          // of the scope, in the scope table
   Window outer;
   Window inner;
   RuleCandidate* inner_candidate;
 };
 
-[[nodiscard]] Node*& entry_of(const Return& back) {
-  return sentence.semlst[static_cast<std::size_t>(back.row)].entry;
-}
-
-[[nodiscard]] int number_of(const Return& back) {
-  return sentence.semlst[static_cast<std::size_t>(back.row)].number;
+// wanted: the scope is read afresh each time. Behind a return through two scopes and more, the current one is not the
+// one that was entered here, since all depths share one home cell.
+[[nodiscard]] const ScopeRow& current_scope() {
+  return sentence.semlst[static_cast<std::size_t>(state.semlst_cur)];
 }
 
 // Steps 1 and 2. The left node is asked first.
@@ -87,8 +84,8 @@ struct Return {
 // Steps 5 to 8.
 [[nodiscard]] Status inner_place_set(Return& back) {
   if (!trace_indent_grow()) return state.abort = Status::memory;
-  trace_return_into_scope(number_of(back));
-  Node* last = scope_attrs_turn(entry_of(back), number_of(back));
+  trace_return_into_scope(current_scope().number);
+  Node* last = scope_attrs_turn(current_scope().entry, current_scope().number);
   if (const Status status = must_leave(); status != Status::ok) return status;
   const bool was_finished = last != nullptr && is_boundary(*last) && !is_fresh(*last);
   if (!was_finished) return rule_base_failure("went back into a scope that was not finished");
@@ -130,7 +127,7 @@ struct Return {
 // 11.2
 [[nodiscard]] Status solution_attrs_set(const Return& back) {
   const Node* reference = node_of(back.outer, back.side);
-  const Node* entry = entry_of(back);
+  const Node* entry = current_scope().entry;
   const bool has_words =
       reference != nullptr && reference->candidates != nullptr && entry != nullptr && entry->candidates != nullptr;
   if (!has_words) return rule_base_failure("finished a scope without a word");
@@ -151,7 +148,7 @@ struct Return {
 // Step 11.
 [[nodiscard]] Status solution_take(Return& back) {
   trace_indent_shrink();
-  trace_return_finished(number_of(back));
+  trace_return_finished(current_scope().number);
   if (const Status status = solution_attrs_set(back); status != Status::ok) return status;
   state.semlst_cur = back.home_scope;
   RuleCandidate* candidate = &back.candidate;
@@ -169,8 +166,8 @@ struct Return {
 }
 
 // 12.4: a copy that stood for the entry node goes, and the node itself starts the scope again.
-[[nodiscard]] Status entry_reset(const Return& back) {
-  Node* entry = entry_of(back);
+[[nodiscard]] Status entry_reset() {
+  Node* entry = current_scope().entry;
   if (entry->origin == nullptr) return node_words_reload(*entry);
   scope_entries_hand_over(*entry, entry->origin);
   node_unlink_free(entry);
@@ -192,10 +189,10 @@ struct Return {
 [[nodiscard]] Status scope_undo(Return& back) {
   const PlaceWatch inner_watch(back.inner.lnode, back.inner.rnode);
   Node* reference = node_of(back.outer, back.side);
-  if (reference == nullptr || entry_of(back) == nullptr) return rule_base_failure("lost the scope that it undid");
-  hold_take(entry_of(back));
+  if (reference == nullptr || current_scope().entry == nullptr) return rule_base_failure("lost the scope that it undid");
+  hold_take(current_scope().entry);
   if (const Status status = reference_reset(*reference); status != Status::ok) return status;
-  if (const Status status = entry_reset(back); status != Status::ok) return status;
+  if (const Status status = entry_reset(); status != Status::ok) return status;
   state.semlst_cur = back.home_scope;
   if (const Status status = inserted_undo(*back.candidate.rule, back.outer); status != Status::ok) return status;
   return outer_place_set(back);
@@ -215,7 +212,7 @@ struct Return {
 // Step 12.
 [[nodiscard]] Status scope_give_up(Return& back) {
   trace_indent_shrink();
-  trace_return_failed(number_of(back));
+  trace_return_failed(current_scope().number);
   if (const Status status = scope_undo(back); status != Status::ok) return status;
   if (state.forced_node != nullptr) {
     back.caller = back.outer;
@@ -251,7 +248,7 @@ Status back_into_scope(Window& window, RuleCandidate*& candidate, std::int32_t& 
   if (row == 0) return Status::ok;
   state.semlst_cur = row;
   const CandidatePin pin(candidate);
-  Return back{window, *candidate, home_scope, *side, row, window, {nullptr, nullptr}, nullptr};
+  Return back{window, *candidate, home_scope, *side, window, {nullptr, nullptr}, nullptr};
   if (const Status status = inner_place_set(back); status != Status::ok) return status;
   state.engine_status = inner_search(back);
   if (const Status status = must_leave(); status != Status::ok) return status;
