@@ -71,7 +71,7 @@ format-check: setup-tests
 
 lint: setup-tests format-check layering
 	cmake --preset clang
-	run-clang-tidy -quiet -p build/clang '^$(CURDIR)/(src|bench)/'
+	run-clang-tidy -quiet -p build/clang '^$(CURDIR)/(src|bench|fuzz)/'
 	@tools/cppcheck
 
 docs:
