@@ -245,7 +245,8 @@ void temp_free_string(char* text) {
 }
 
 int temp_release_all() {
-  while (pools.large.next != nullptr) large_free(pools.large.next);
+  LargeCell* cell = std::exchange(pools.large.next, nullptr);
+  while (cell != nullptr) std::free(std::exchange(cell, cell->next));
   free_blocks_from(pools.permanent_count);
   pools.sentence = {};
   return 0;

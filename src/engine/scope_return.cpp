@@ -189,7 +189,8 @@ struct Return {
 [[nodiscard]] Status scope_undo(Return& back) {
   const PlaceWatch inner_watch(back.inner.lnode, back.inner.rnode);
   Node* reference = node_of(back.outer, back.side);
-  if (reference == nullptr || current_scope().entry == nullptr) return rule_base_failure("lost the scope that it undid");
+  if (reference == nullptr || current_scope().entry == nullptr)
+    return rule_base_failure("lost the scope that it undid");
   hold_take(current_scope().entry);
   if (const Status status = reference_reset(*reference); status != Status::ok) return status;
   if (const Status status = entry_reset(); status != Status::ok) return status;

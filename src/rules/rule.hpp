@@ -14,14 +14,14 @@ struct CondItem {
 };
 
 // Conditions: `op` of an item of hw_conds, cw_conds and attr_conds.
-inline constexpr std::uint8_t kOpNot = 0;      // "^": the node must not have this
-inline constexpr std::uint8_t kOpHas = 1;      // no prefix
+inline constexpr std::uint8_t kOpNot = 0;  // "^": the node must not have this
+inline constexpr std::uint8_t kOpHas = 1;  // no prefix
 // Prefixes "-" and "+". On attribute conditions tested like kOpHas but not indexed; on others without effect.
 // In actions: delete and add.
 inline constexpr std::uint8_t kOpDelete = 2;
 inline constexpr std::uint8_t kOpAdd = 3;
-inline constexpr std::uint8_t kOpSetHw = 8;    // actions only
-inline constexpr std::uint8_t kOpSetCw = 9;    // actions only
+inline constexpr std::uint8_t kOpSetHw = 8;  // actions only
+inline constexpr std::uint8_t kOpSetCw = 9;  // actions only
 
 // One parenthesised group of PRE, MID or SUF.
 struct ContextGroup {
@@ -37,10 +37,10 @@ struct NodePattern {
   std::uint8_t inserted;  // 0: a brace pattern, of a node that is there; 1: a quote pattern, of one that is brought in
   CondItem* hw_conds;
   CondItem* cw_conds;
-  char* hw_action;        // text of the last [..] action, or null; may share the item's string
-  char* cw_action;        // the same for [[..]]
+  char* hw_action;  // text of the last [..] action, or null; may share the item's string
+  char* cw_action;  // the same for [[..]]
   CondItem* attr_conds;
-  CondItem* actions;      // in order of the text, [..] and [[..]] included
+  CondItem* actions;  // in order of the text, [..] and [[..]] included
   CondItem* relations;
   CondItem* roles;
 };
@@ -54,7 +54,7 @@ struct Rule {
   NodePattern* rnode;    // never null in a finished rule
   ContextGroup* suf;     // in order of the text
   std::uint8_t priority;
-  Rule* next;            // falling priority, file order within one
+  Rule* next;  // falling priority, file order within one
 };
 
 // Type codes that the engine names.
@@ -85,7 +85,9 @@ inline constexpr std::uint8_t post_scope_right = '9';
 }  // namespace rule_type
 
 // The codes of the post-edit pass, "3456789": generation skips them, post-edit runs nothing else.
-[[nodiscard]] constexpr bool is_post_edit_type(std::uint8_t type) { return type >= '3' && type <= '9'; }
+[[nodiscard]] constexpr bool is_post_edit_type(std::uint8_t type) {
+  return type >= '3' && type <= '9';
+}
 
 // The word tests "?", "?L" and "?R".
 [[nodiscard]] constexpr bool is_word_test_type(std::uint8_t type) {

@@ -10,7 +10,9 @@
 
 namespace lexon::test {
 
-Capture::Capture() : before_(state.output), stream_(open_memstream(&buffer_, &size_)) { state.output = stream_; }
+Capture::Capture() : before_(state.output), stream_(open_memstream(&buffer_, &size_)) {
+  state.output = stream_;
+}
 
 Capture::~Capture() {
   state.output = before_;
