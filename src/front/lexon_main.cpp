@@ -16,7 +16,9 @@ int run_in_terminal(const lexon::CommandLine& line, int, char**) {
 }  // namespace
 
 int main(int argc, char** argv) {
-  return lexon::program_main(
-      {.name = "lexon", .call = "lexon DICTIONARY RULES INPUT OUTPUT", .starts_without = false, .run = run_in_terminal},
-      argc, argv);
+  return lexon::program_main({.name = "lexon",
+                              .usage = "lexon DICTIONARY RULES INPUT OUTPUT",
+                              .starts_without = false,
+                              .run = run_in_terminal},
+                             argc, argv);
 }

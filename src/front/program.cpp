@@ -10,7 +10,7 @@ namespace lexon {
 namespace {
 
 void print_usage(const Program& program, std::FILE* stream) {
-  std::fputs(usage_text(program.call).c_str(), stream);
+  std::fputs(usage_text(program.usage).c_str(), stream);
 }
 
 int start(const Program& program, int argc, char** argv) {

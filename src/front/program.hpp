@@ -7,7 +7,7 @@ namespace lexon {
 
 struct Program {
   const char* name;
-  const char* call;     // how to call it: its name and its paths
+  const char* usage;    // how to call it: its name and its paths
   bool starts_without;  // also without a word on its command line
   int (*run)(const CommandLine& line, int argc, char** argv);
 };

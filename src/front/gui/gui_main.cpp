@@ -44,7 +44,7 @@ int run_windows(const lexon::CommandLine& line, int argc, char** argv) {
 
 int main(int argc, char** argv) {
   return lexon::program_main({.name = "lexon-gui",
-                              .call = "lexon-gui [DICTIONARY [RULES [INPUT [OUTPUT]]]]",
+                              .usage = "lexon-gui [DICTIONARY [RULES [INPUT [OUTPUT]]]]",
                               .starts_without = true,
                               .run = run_windows},
                              argc, argv);
