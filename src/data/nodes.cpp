@@ -16,7 +16,7 @@ namespace lexon {
 namespace {
 
 bool is_entry_of_current_scope(const Node& node) {
-  return sentence.semlst[static_cast<std::size_t>(state.semlst_cur)].entry == &node;
+  return current_scope().entry == &node;
 }
 
 // Puts `prefix` in front of the word's attributes, and lets its sizes grow by as much.

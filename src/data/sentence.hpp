@@ -6,6 +6,7 @@
 #include <cstdio>
 
 #include "data/records.hpp"
+#include "data/state.hpp"
 
 namespace lexon {
 
@@ -59,6 +60,11 @@ struct Sentence {
 };
 
 extern Sentence sentence;
+
+// The scope that is generated now.
+[[nodiscard]] inline ScopeRow& current_scope() {
+  return sentence.semlst[static_cast<std::size_t>(state.semlst_cur)];
+}
 
 // Clears all tables, and what the last sentence left in the engine's state; the dictionaries stay as they are. A
 // forced target that is left over stays set but equals no node of this sentence.

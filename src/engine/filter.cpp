@@ -33,7 +33,7 @@ struct Filter {
 // ---- Places.
 
 bool may_drop_out(const Node* node) {
-  const Node* entry = sentence.semlst[static_cast<std::size_t>(state.semlst_cur)].entry;
+  const Node* entry = current_scope().entry;
   return node != nullptr && !is_boundary(*node) && node != entry;
 }
 

@@ -32,7 +32,7 @@ ArcChoice arc_choice(const Rule& rule, Side side) {
 }
 
 bool is_chosen(const Relation& arc, const ArcChoice& choice, const Node& anchor) {
-  const int scope = sentence.semlst[static_cast<std::size_t>(state.semlst_cur)].number;
+  const int scope = current_scope().number;
   if (arc.scope != scope || arc.used != 0 || std::strcmp(arc.label, choice.label) != 0) return false;
   return is_same_or_origin(choice.leads_away ? arc.from : arc.to, anchor);
 }

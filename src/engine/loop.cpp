@@ -150,7 +150,7 @@ void rule_choose(Loop& loop) {
   if (!is_untouched(*node)) {
     Node* copy = nullptr;
     const Status status = node_copy(copy, *node, nullptr, 0);
-    if (status == Status::ok) sentence.semlst[static_cast<std::size_t>(state.semlst_cur)].entry = node = copy;
+    if (status == Status::ok) current_scope().entry = node = copy;
     return status;
   }
   return node->candidates == nullptr ? entry_list_copy(node->entries, node->candidates) : Status::ok;

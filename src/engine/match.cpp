@@ -48,10 +48,6 @@ bool stands_at_boundary(const Node* node) {
   return node != nullptr && is_boundary(*node);
 }
 
-int current_scope() {
-  return sentence.semlst[static_cast<std::size_t>(state.semlst_cur)].number;
-}
-
 // ---- Refusals.
 
 bool never_fits(const Match& match) {
@@ -78,7 +74,7 @@ Status turn_to_current_scope(const Window& window) {
   if (first != nullptr && first->left == first) return rule_base_failure("put a node beside itself");
   for (Node& node : chain<&Node::right>(first)) {
     if (const Status s = must_leave(); s != Status::ok) return s;
-    scope_attrs_to_front(node, current_scope());
+    scope_attrs_to_front(node, current_scope().number);
   }
   return Status::ok;
 }
@@ -111,7 +107,7 @@ Relation* arc_ending_at(Node& node, const char* label, int scope) {
 bool has_wanted_arc(Match& match, Side side) {
   const NodePattern& pattern = pattern_of(match.rule, side);
   if (pattern.inserted != 0 || pattern.relations == nullptr) return true;
-  const int scope = is_tested(match, other(side)) ? -1 : current_scope();
+  const int scope = is_tested(match, other(side)) ? -1 : current_scope().number;
   // wanted: both sides look at the end of the arc
   match.arc = arc_ending_at(*node_of(match.window, side), pattern.relations->text, scope);
   return match.arc != nullptr;

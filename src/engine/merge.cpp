@@ -20,7 +20,7 @@ struct Merge {
 
 [[nodiscard]] Status merge_node_make(Merge& merge, RuleCandidate& candidate) {
   if (const Status status = node_copy(merge.merged, merge.survivor, nullptr, 0); status != Status::ok) return status;
-  Node*& entry = sentence.semlst[static_cast<std::size_t>(state.semlst_cur)].entry;
+  Node*& entry = current_scope().entry;
   if (entry == &merge.survivor) entry = merge.merged;
   merge.merged->relations = merge.survivor.relations;
   merge.merged->name = merge.survivor.name;

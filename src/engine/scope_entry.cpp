@@ -33,10 +33,6 @@ struct ScopeEntry {
   ScopeRow& row;
 };
 
-[[nodiscard]] ScopeRow& current_scope() {
-  return sentence.semlst[static_cast<std::size_t>(state.semlst_cur)];
-}
-
 // A block may be missing; then there is nothing to hand in to.
 void block_append(ScopeAttrs* block, std::string_view text) {
   if (block == nullptr) return;

@@ -33,7 +33,8 @@ namespace lexon {
 
 namespace {
 
-// What the steps hand on.
+// What the steps hand on. The scope is not among it, wanted: it is the current one each time it is named. Behind a
+// return through two scopes and more that is not the one that was entered, since all depths share one home cell.
 struct Return {
   Window& caller;            // set only where a step says so
   RuleCandidate& candidate;  // of the rule that brought the scope in
@@ -43,12 +44,6 @@ struct Return {
   Window inner;
   RuleCandidate* inner_candidate;
 };
-
-// wanted: the scope is read afresh each time. Behind a return through two scopes and more, the current one is not the
-// one that was entered here, since all depths share one home cell.
-[[nodiscard]] const ScopeRow& current_scope() {
-  return sentence.semlst[static_cast<std::size_t>(state.semlst_cur)];
-}
 
 // Steps 1 and 2. The left node is asked first.
 [[nodiscard]] std::optional<Side> reference_side(const Window& window, const RuleCandidate* candidate) {

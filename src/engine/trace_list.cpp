@@ -158,7 +158,7 @@ void print_list_line(const Window& window) {
 }
 
 void dump_list(const Window& window, bool with_words) {
-  const int number = sentence.semlst[static_cast<std::size_t>(state.semlst_cur)].number;
+  const int number = current_scope().number;
   out_print("%s=================== NODE LIST:%02d ===================\n", state.trace_indent, number);
   out_flush();
   print_list_line(window);

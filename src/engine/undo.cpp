@@ -68,7 +68,7 @@ bool hold_release(Node& reference) {
 bool may_re_enter_scope(const Node* node, const NodePattern& pattern, const Rule& rule) {
   if (node == nullptr || !is_scope_reference(*node)) return false;
   const bool was_brought_in = is_fresh(*node) && pattern.inserted != 0;
-  const bool is_entry = sentence.semlst[static_cast<std::size_t>(state.semlst_cur)].entry == node;
+  const bool is_entry = current_scope().entry == node;
   return was_brought_in || (has_brace_patterns(rule) && is_entry && no_scope_rule_in_stack(node->matches));
 }
 
