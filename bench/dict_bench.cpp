@@ -12,8 +12,8 @@
 
 #include "data/chain.hpp"
 #include "data/pool.hpp"
-#include "dict/builder.hpp"
-#include "dict/builder_open.hpp"
+#include "dict/dictionary.hpp"
+#include "dicttool/build.hpp"
 #include "ratios.hpp"
 
 namespace lexon {
@@ -95,7 +95,7 @@ struct Setting {
     const std::vector<Row> rows = generate();
     write_text(path("entries.txt"), rows);
     is_good = build() && write_table(path("words.db"), rows) &&
-              dictionary_open(path("words.dic"), stderr, dictionary) && dictionary_index_open(stderr, dictionary);
+              dictionary_open(path("words.dic"), PairCheck::quick, dictionary);
     std::mt19937 random(2);
     for (int i = 0; i < 20'000; ++i) asked.push_back(rows[random() % rows.size()]);
   }
@@ -111,7 +111,7 @@ struct Setting {
   }
 
   fs::path folder;
-  OpenedDictionary dictionary;
+  Dictionary dictionary;
   std::vector<Row> asked;
   bool is_good = false;
 };

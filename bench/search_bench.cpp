@@ -23,8 +23,8 @@
 #include "data/pool.hpp"
 #include "data/sentence.hpp"
 #include "data/state.hpp"
-#include "dict/builder.hpp"
-#include "dict/builder_open.hpp"
+#include "dict/dictionary.hpp"
+#include "dicttool/build.hpp"
 #include "ratios.hpp"
 #include "rules/matrix.hpp"
 #include "rules/parser.hpp"
@@ -90,8 +90,7 @@ int steps_of(int right_words) {
 struct Language {
   Language() : folder(fs::temp_directory_path() / ("lexon-search-bench-" + std::to_string(getpid()))) {
     fs::create_directories(folder);
-    is_good = read_rules() && build() && dictionary_open(path("words.dic"), stderr, opened) &&
-              dictionary_index_open(stderr, opened);
+    is_good = read_rules() && build() && dictionary_open(path("words.dic"), PairCheck::quick, opened);
   }
   ~Language() { fs::remove_all(folder); }
   Language(const Language&) = delete;
@@ -115,7 +114,7 @@ struct Language {
 
   fs::path folder;
   Rule* rules = nullptr;
-  OpenedDictionary opened;
+  Dictionary opened;
   bool is_good = false;
 };
 

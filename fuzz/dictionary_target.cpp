@@ -2,8 +2,9 @@
 #include "blocks.hpp"
 #include "data/pool.hpp"
 #include "data/state.hpp"
-#include "dict/builder_open.hpp"
-#include "dict/builder_tools.hpp"
+#include "dict/dictionary.hpp"
+#include "dicttool/check.hpp"
+#include "dicttool/list.hpp"
 #include "support.hpp"
 
 namespace {
@@ -13,7 +14,7 @@ using namespace lexon;
 constexpr int kMilliseconds = 300;
 
 // A file system cuts names at the first NUL, so the name of the index is what the slot says up to there.
-void ask(OpenedDictionary& opened, int key_field, const std::string& key) {
+void ask(Dictionary& opened, int key_field, const std::string& key) {
   const fuzz::StepLimit limit(kMilliseconds);
   LookupGroup* groups = nullptr;
   const Status status = dict_lookup(opened.files(), key_field, key.c_str(), groups);
@@ -26,9 +27,8 @@ void ask(OpenedDictionary& opened, int key_field, const std::string& key) {
 }
 
 void ask_all(const std::string& path, const std::vector<std::string>& keys) {
-  OpenedDictionary opened;
-  if (!dictionary_open(path, fuzz::nowhere(), opened)) return;
-  if (!dictionary_index_open(fuzz::nowhere(), opened)) return;
+  Dictionary opened;
+  if (!dictionary_open(path, PairCheck::whole, opened)) return;
   for (const std::string& key : keys) {
     for (const int field : {kKeyHw, kKeyGloss, kKeyCw, kKeyId, kKeyExtra2}) ask(opened, field, key);
   }

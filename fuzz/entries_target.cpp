@@ -3,10 +3,10 @@
 
 #include "data/chars.hpp"
 #include "data/pool.hpp"
-#include "dict/builder.hpp"
-#include "dict/builder_tools.hpp"
 #include "dict/entry_text.hpp"
 #include "dict/layout.hpp"
+#include "dicttool/build.hpp"
+#include "dicttool/list.hpp"
 #include "support.hpp"
 
 namespace {

@@ -5,7 +5,7 @@
 #include <string>
 
 #include "blocks.hpp"
-#include "dict/builder.hpp"
+#include "dicttool/build.hpp"
 #include "matrix_rules.hpp"
 #include "rule_text.hpp"
 #include "rules/compiled.hpp"

@@ -12,7 +12,7 @@
 #include "data/platform.hpp"
 #include "data/pool.hpp"
 #include "data/state.hpp"
-#include "dict/builder.hpp"
+#include "dicttool/build.hpp"
 #include "rules/matrix.hpp"
 
 namespace lexon::fuzz {
@@ -177,8 +177,7 @@ bool StepLimit::is_over() {
 }
 
 void Dictionary::use(std::string_view entries) {
-  if (dictionary_ != nullptr && entries_ == entries && !is_cut_) return;
-  close();
+  if (opened_.dictionary != nullptr && entries_ == entries && !is_cut_) return;
   is_cut_ = false;
   entries_ = entries;
   BuildOptions options;
@@ -189,28 +188,12 @@ void Dictionary::use(std::string_view entries) {
   file_write(options.entries, entries);
   BuildFigures figures;
   require(dictionary_build(options, nowhere(), figures), "a dictionary is built when bad lines are left out");
-  open();
-}
-
-void Dictionary::open() {
-  dictionary_ = std::fopen(folder_path(name_ + ".dic").c_str(), "rb");
-  for (int field = kKeyHw; field <= kSlotCount; ++field) {
-    require(index_slot_read(dictionary_, field, slots_.data()) == Status::ok, "the slots can be read");
-  }
-  index_ = index_open(folder_path("").c_str(), slots_.data(), kKeyHw, true);
-  require(index_ != nullptr, "the index of a built dictionary can be opened");
+  require(dictionary_open(options.dictionary, PairCheck::none, opened_), "a built dictionary can be opened");
 }
 
 void Dictionary::cut(std::int64_t size) {
   is_cut_ = true;
   require(truncate(folder_path(name_ + ".dic").c_str(), size) == 0, "a file can be cut");
-}
-
-void Dictionary::close() {
-  for (std::FILE** stream : {&dictionary_, &index_}) {
-    if (*stream != nullptr) std::fclose(std::exchange(*stream, nullptr));
-  }
-  for (IndexDescriptor*& slot : slots_) std::free(std::exchange(slot, nullptr));
 }
 
 }  // namespace lexon::fuzz

@@ -100,26 +100,20 @@ class StepLimit {
 class Dictionary {
  public:
   explicit Dictionary(std::string name) : name_(std::move(name)) {}
-  ~Dictionary() { close(); }
   Dictionary(const Dictionary&) = delete;
   Dictionary& operator=(const Dictionary&) = delete;
 
   void use(std::string_view entries);
   // No files at all if there was nothing to build from.
-  [[nodiscard]] DictionaryFiles files() { return {dictionary_, index_, slots_.data()}; }
+  [[nodiscard]] DictionaryFiles files() const { return opened_.files(); }
   // Cuts the open dictionary file to this size, until the next use.
   void cut(std::int64_t size);
 
  private:
-  void close();
-  void open();
-
   std::string name_;
   std::string entries_;
   bool is_cut_ = false;
-  std::FILE* dictionary_ = nullptr;
-  std::FILE* index_ = nullptr;
-  std::array<IndexDescriptor*, kKeyFields> slots_{};
+  lexon::Dictionary opened_;
 };
 
 }  // namespace lexon::fuzz

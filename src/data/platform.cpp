@@ -50,14 +50,6 @@ bool copy_to(std::FILE* from, const std::string& target) {
   return false;
 }
 
-bool file_copy(const std::string& source, const std::string& target) {
-  std::FILE* from = std::fopen(source.c_str(), "rb");
-  if (from == nullptr) return false;
-  const bool copied = copy_to(from, target);
-  std::fclose(from);
-  return copied;
-}
-
 std::string folder_of(const std::string& path) {
   const std::size_t slash = path.rfind('/');
   if (slash == std::string::npos) return ".";
@@ -126,21 +118,13 @@ std::optional<FileTime> stream_time(std::FILE* stream) {
   return FileTime{status.st_mtim.tv_sec, status.st_mtim.tv_nsec};
 }
 
-TempFile::TempFile() : path_(temp_file_in(system_temp_folder())) {
-  if (path_.empty()) path_ = temp_file_in(".");
-}
-
-TempFile::~TempFile() {
-  if (!path_.empty()) std::remove(path_.c_str());
-}
-
-bool TempFile::move_to(const std::string& target) {
-  if (path_.empty()) return false;
-  const bool moved = std::rename(path_.c_str(), target.c_str()) == 0;
-  if (!moved && !file_copy(path_, target)) return false;
-  if (!moved) std::remove(path_.c_str());
-  path_.clear();
-  return true;
+File unnamed_file() {
+  std::string name = temp_file_in(system_temp_folder());
+  if (name.empty()) name = temp_file_in(".");
+  if (name.empty()) return nullptr;
+  File file(std::fopen(name.c_str(), "wb+"));
+  std::remove(name.c_str());
+  return file;
 }
 
 bool DraftFile::open_beside(const std::string& target) {
@@ -233,6 +217,11 @@ std::FILE* regular_file_open(const std::string& path, const char* mode) {
   close(descriptor);
   errno = error;
   return nullptr;
+}
+
+std::int64_t file_size(std::FILE* stream) {
+  struct stat status {};
+  return fstat(fileno(stream), &status) == 0 ? status.st_size : 0;
 }
 
 bool file_read_at(std::FILE* stream, std::int64_t offset, void* to, std::size_t size) {

@@ -4,6 +4,7 @@
 #include <compare>
 #include <cstdint>
 #include <cstdio>
+#include <memory>
 #include <optional>
 #include <string>
 
@@ -20,24 +21,15 @@ struct FileTime {
 // The same of an open file, whatever its name leads to by now.
 [[nodiscard]] std::optional<FileTime> stream_time(std::FILE* stream);
 
-// A private file of this object, with an unpredictable name in the system's temporary place, or in the current folder
-// if that cannot be written. It is made empty and removed with the object.
-class TempFile {
- public:
-  TempFile();
-  ~TempFile();
-  TempFile(const TempFile&) = delete;
-  TempFile& operator=(const TempFile&) = delete;
-
-  // Empty if the file could not be made.
-  [[nodiscard]] const std::string& path() const { return path_; }
-  // Moves the file to `target`, replacing what is there; copies where a rename cannot do it. Nothing is left under its
-  // own name then; on failure nothing is left under `target` unless it stood there untouched.
-  [[nodiscard]] bool move_to(const std::string& target);
-
- private:
-  std::string path_;
+// A stream that is closed with its owner.
+struct FileCloser {
+  void operator()(std::FILE* file) const { std::fclose(file); }
 };
+using File = std::unique_ptr<std::FILE, FileCloser>;
+
+// An empty file without a name for writing and reading, in the system's temporary place, or in the current folder if
+// that cannot be written. It is gone when it is closed, or when the program is killed. Null if it cannot be made.
+[[nodiscard]] File unnamed_file();
 
 // A file in the making, in the folder where it shall stand. It has no name where the system can do without, so that a
 // program that is killed leaves nothing; else an unpredictable one. It gets the permissions of any new file.
@@ -81,6 +73,9 @@ void file_time_reset(const std::string& path);
 // Opens a regular file that is there, with mode "rb" or "rb+". Null for what cannot be opened, with the reason in
 // `errno`, and for what is no regular file (a FIFO, a socket, a device, a folder), which is not touched: EINVAL.
 [[nodiscard]] std::FILE* regular_file_open(const std::string& path, const char* mode);
+
+// The size of an open file in bytes; 0 if it cannot be told.
+[[nodiscard]] std::int64_t file_size(std::FILE* stream);
 
 // Reads exactly `size` bytes at `offset`, past the stream's own buffer and position. False if fewer stand there, if
 // they cannot be read, or for a null stream.

@@ -23,9 +23,10 @@ inline constexpr int kKeyFields = 9;        // slots of a dictionary, indexed by
 
 // The open files of a dictionary. Nothing here is owned.
 struct DictionaryFiles {
-  std::FILE* dictionary;    // null: no such dictionary in this run
-  std::FILE* index;         // null: looked for by the name in the slot
-  IndexDescriptor** slots;  // kKeyFields pointers
+  std::FILE* dictionary;                // null: no such dictionary in this run
+  std::FILE* index;                     // null: looked for by the name in the slot
+  const IndexDescriptor* const* slots;  // kKeyFields pointers
+  std::size_t name_size;                // the room for an index name in the blocks of the index
 };
 
 // A word of the graph, as written.

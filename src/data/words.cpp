@@ -85,8 +85,7 @@ WordEntry* entry_new(const char* hw, const char* attrs) {
   word->attr_len = length_of(text_or_empty(attrs));
   const bool copied = copy_field(word->hw, hw, word->hw_len) && copy_field(word->attrs, attrs, word->attr_len);
   if (!copied) return nullptr;
-  word->attr_block_size = word->attr_len + kAttrBlockHeader;
-  word->total_size = word->cw_len + word->hw_len + word->gloss_len + word->attr_block_size + kFixedPart;
+  entry_sizes_set(*word);
   return word;
 }
 

@@ -6,8 +6,9 @@
 #include <cstdint>
 #include <cstdio>
 
+#include "data/bytes.hpp"
+#include "dict/layout.hpp"
 #include "data/platform.hpp"
-#include "dict/block_reader.hpp"
 
 namespace lexon {
 

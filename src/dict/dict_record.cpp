@@ -3,9 +3,9 @@
 #include <cstddef>
 #include <span>
 
+#include "data/bytes.hpp"
 #include "data/pool.hpp"
 #include "data/words.hpp"
-#include "dict/block_reader.hpp"
 
 namespace lexon {
 
@@ -14,13 +14,13 @@ namespace {
 constexpr std::uint16_t kAbsentAttrBlock = 12;  // what a word says of an attribute block of size 0
 
 // The attribute block at the reader's place. The fixed part is what its size leaves behind the text.
-void read_attr_block(BlockReader& reader, StoredRecord& stored) {
+void read_attr_block(ByteReader& reader, StoredRecord& stored) {
   stored.attr_block_size = reader.u16();
   if (stored.attr_block_size == 0) {
     stored.attr_block_size = kAbsentAttrBlock;
     return;
   }
-  BlockReader block(reader.bytes(stored.attr_block_size));
+  ByteReader block(reader.bytes(stored.attr_block_size));
   stored.attrs = block.text();
   stored.fixed = block.bytes(block.ok() ? stored.attr_block_size - stored.attrs.size() - 2 : 0);
   if (!block.ok()) reader.fail();
@@ -56,21 +56,21 @@ bool copy_texts(const StoredRecord& stored, WordEntry& word) {
 }  // namespace
 
 ByteView record_at(ByteView content, std::size_t at) {
-  BlockReader reader(content, at);
+  ByteReader reader(content, at);
   const std::size_t size = reader.u16();
   const bool fits = reader.ok() && size > 2 && size <= content.size() - at;
   return fits ? content.subspan(at, size) : ByteView{};
 }
 
 std::optional<std::string_view> record_field(ByteView record, int key_field) {
-  BlockReader reader(record, 2);
+  ByteReader reader(record, 2);
   for (int field = 1; field < key_field; ++field) reader.skip(reader.u16());
   const std::string_view text = reader.text();
   return reader.ok() ? std::optional(text) : std::nullopt;
 }
 
 bool stored_record_read(ByteView record, StoredRecord& stored) {
-  BlockReader reader(record);
+  ByteReader reader(record);
   stored = {};
   stored.total_size = reader.u16();
   stored.hw = reader.text();

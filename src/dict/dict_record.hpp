@@ -6,9 +6,10 @@
 #include <optional>
 #include <string_view>
 
+#include "data/bytes.hpp"
+#include "dict/layout.hpp"
 #include "data/records.hpp"
 #include "data/status.hpp"
-#include "dict/block_reader.hpp"
 
 namespace lexon {
 

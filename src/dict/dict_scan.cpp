@@ -1,11 +1,11 @@
 // Through the blocks of the dictionary file: for the fields that do not order the records, from key blocks to the
 // chains of data blocks they name; then through the data blocks, where each hit that has words gives a group.
 
+#include "data/bytes.hpp"
 #include "data/pool.hpp"
 #include "data/state.hpp"
 #include "data/words.hpp"
 #include "dict/block_chain.hpp"
-#include "dict/block_reader.hpp"
 #include "dict/dict_record.hpp"
 #include "dict/lookup.hpp"
 
@@ -32,7 +32,7 @@ bool is_of_type(std::FILE* dictionary, const DictChain& chain, std::uint8_t type
 // Appends the entries of a key block that equal the key. `is_done` is set where the chain holds nothing more: behind
 // an entry above the key, or where the block is damaged.
 Status scan_key_block(ByteView content, std::string_view key, KeyHits& found, bool& is_done) {
-  BlockReader reader(content, kDictDataOffset);
+  ByteReader reader(content, kDictDataOffset);
   while (reader.more() && !is_done) {
     const std::string_view entry_key = reader.text();
     const std::uint16_t block = reader.u16();

@@ -6,19 +6,18 @@
 #include <new>
 #include <string_view>
 
+#include "data/bytes.hpp"
 #include "data/chars.hpp"
 #include "data/output.hpp"
 #include "data/pool.hpp"
 #include "data/scratch.hpp"
 #include "data/state.hpp"
+#include "data/words.hpp"
 #include "dict/entry_text.hpp"
-#include "dict/layout.hpp"
 
 namespace lexon {
 
 namespace {
-
-constexpr std::int32_t kAttrBlockBesides = 12;  // what an attribute block holds besides its text
 
 struct EntryScan {
   const char* line;
@@ -190,9 +189,7 @@ Status read_attrs(EntryScan& scan) {
   if (is_unclosed || scan.text.size() > kMaxAttrsLength) return kBadCwOrAttrs;
   scan.behind_list = *at == ')' ? at + 1 : at;
   scan.at = skip_blanks(scan.behind_list);
-  const Status s = store(scan, scan.entry.attrs, scan.entry.attr_len, scan.text.view());
-  scan.entry.attr_block_size = scan.entry.attr_len + kAttrBlockBesides;
-  return s;
+  return store(scan, scan.entry.attrs, scan.entry.attr_len, scan.text.view());
 }
 
 void read_language(EntryScan& scan) {
@@ -254,23 +251,12 @@ Status read_extra2(EntryScan& scan) {
 constexpr std::array kFields = {read_hw,      read_id,          read_gloss,  read_cw,    read_attrs,
                                 read_numbers, read_second_mark, read_extra1, read_extra2};
 
-// The size as a record. The optional fields count up to the last that is there.
-void set_total_size(WordEntry& entry) {
-  entry.total_size = entry.cw_len + entry.attr_block_size + entry.gloss_len + 10 + entry.hw_len;
-  const bool has_extra2 = entry.extra2_len != 0;
-  const bool has_extra1 = entry.extra1_len != 0 || has_extra2;
-  const bool has_id = entry.id_len != 0 || has_extra1;
-  if (has_id) entry.total_size += entry.id_len + 2;
-  if (has_extra1) entry.total_size += entry.extra1_len + 2;
-  if (has_extra2) entry.total_size += entry.extra2_len + 2;
-}
-
 Status parse_fields(const char* line, WordEntry& entry, EntryStorage storage) {
   EntryScan scan{.line = line, .at = line, .behind_list = line, .entry = entry, .storage = storage, .text = {}};
   for (const auto& read_field : kFields) {
     if (const Status s = read_field(scan); s != Status::ok) return s;
   }
-  set_total_size(entry);
+  entry_sizes_set(entry);
   return Status::ok;
 }
 

@@ -5,7 +5,7 @@
 #include "data/chain.hpp"
 #include "data/chars.hpp"
 #include "data/words.hpp"
-#include "dict/layout.hpp"
+#include "data/bytes.hpp"
 
 namespace lexon {
 

@@ -4,6 +4,8 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstdio>
+#include <string>
+#include <string_view>
 
 #include "data/records.hpp"
 #include "data/sentence.hpp"
@@ -12,7 +14,7 @@
 
 namespace lexon {
 
-// The tree of one key field. Heap memory, lives for the run.
+// The tree of one key field, as a slot of the header describes it.
 struct IndexDescriptor {
   char name[kLongNameSize + 1];  // file name of the index, without its padding
   std::uint8_t unread;           // the byte behind the name
@@ -21,13 +23,6 @@ struct IndexDescriptor {
   std::uint16_t root;            // block number
   std::uint32_t number2;         // stored, not read
 };
-
-// What holds for all dictionaries of a run; lives as long. Every `index_slot_read` sets it, so the file read last
-// decides.
-struct IndexNaming {
-  std::size_t name_size;  // kShortNameSize or kLongNameSize
-};
-extern IndexNaming index_naming;
 
 // What the lookups of a run have met in damaged files. The output has no place for it: the front end tells.
 struct LookupDamage {
@@ -47,13 +42,14 @@ struct LookupGroup {
   LookupGroup* next;
 };
 
-// Fills slots[key_field] from the header of `stream`, unless it is filled. An empty slot leaves it null, and so does a
-// header that cannot be read. Sets the name size for all later reading. ok or `memory`.
-[[nodiscard]] Status index_slot_read(std::FILE* stream, int key_field, IndexDescriptor** slots);
+// Is this the name of a file in a folder, and no way out of it?
+[[nodiscard]] bool is_bare_name(std::string_view name);
 
-// Opens the index file of a slot: `prefix` (with its separator) and the name in the slot. Null if the slot is empty,
-// has no tree, or the file cannot be opened. The caller owns the stream.
-[[nodiscard]] std::FILE* index_open(const char* prefix, IndexDescriptor* const* slots, int key_field, bool read_only);
+// Opens the index file of a slot: `prefix` (with its separator) and the name in the slot. Null if the slot has no tree
+// for this key field, if its name is no bare name, and if there is no regular file to be opened. The caller owns the
+// stream.
+[[nodiscard]] std::FILE* index_open(const std::string& prefix, const IndexDescriptor& descriptor, int key_field,
+                                    bool read_only);
 
 // All words whose field `key_field` is exactly `key`. `groups` is null for none, and on failure. The status also goes
 // to the engine status: `memory`, `index_unreadable` (also for a slot that is not filled), `not_a_key_block`,

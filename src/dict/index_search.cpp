@@ -3,10 +3,10 @@
 
 #include <utility>
 
+#include "data/bytes.hpp"
 #include "data/pool.hpp"
 #include "data/state.hpp"
 #include "dict/block_chain.hpp"
-#include "dict/block_reader.hpp"
 #include "dict/index.hpp"
 #include "dict/lookup.hpp"
 
@@ -17,6 +17,7 @@ namespace {
 // What a level is searched for, and what has been found on it.
 struct Level {
   std::string_view key;
+  std::size_t name_size;
   KeyHits found = {};
   // Where the key would stand in the chain in hand: under the greatest entry below it, or else under the first one.
   std::uint16_t nearest = 0;
@@ -25,7 +26,7 @@ struct Level {
 };
 
 Status search_block(Level& level, ByteView content) {
-  BlockReader reader(content, index_data_offset(index_naming.name_size));
+  ByteReader reader(content, index_data_offset(level.name_size));
   while (reader.more()) {
     const std::string_view key = reader.text();
     const std::uint16_t block = reader.u16();
@@ -86,9 +87,9 @@ void key_hits_free(KeyHits& hits) {
   while (hits.first != nullptr) (void)key_hits_take(hits);
 }
 
-Status index_search(std::FILE* index, int levels, std::string_view key, KeyHits& hits) {
+Status index_search(std::FILE* index, std::size_t name_size, int levels, std::string_view key, KeyHits& hits) {
   for (int i = 0; i < levels; ++i) {
-    Level level{.key = key};
+    Level level{.key = key, .name_size = name_size};
     const Status s = search_level(level, index, hits);
     key_hits_free(hits);
     hits = level.found;

@@ -1,20 +1,21 @@
 // The binary layouts of a dictionary, shared by who writes and who reads them. All numbers are unsigned, high byte
 // first. Block number 0 means none.
 //
-// Dictionary file, blocks of 4096 bytes:   header | data and key blocks
-//   header       3 bytes not read, then seven slots, one for each key field
-//   slot         name (padded with NULs or spaces) | 1 not read | levels, signed (1) | 2 not used | root (2) | 4 not
-//   used data block   used length (2) | type 1 (1) | records up to the used length | ... | at 4094: next block (2) key
-//   block    used length (2) | type 2 (1) | key entries, sorted           | ... | at 4094: next block (2)
+// Dictionary file, blocks of 4096 bytes: the header, then data blocks and key blocks
+//   header       3 bytes not read | seven slots, one for each key field
+//   slot         name, padded with NULs or spaces | not read (1) | levels, signed (1) | not used (2) | root (2) |
+//                not used (4)
+//   data block   used length (2) | type 1 (1) | records up to the used length              | ... | next block (2)
+//   key block    used length (2) | type 2 (1) | key entries, sorted, up to the used length | ... | next block (2)
 //
 // Index file, blocks of 1024 bytes:
-//   index block  used length (2) | name size + 1 bytes not read | key entries, sorted | ... | at 1022: next block (2)
+//   index block  used length (2) | not read (name size + 1) | key entries, sorted          | ... | next block (2)
 //
 // Key entry      key: length (2), text | block number (2): of the level below, on the last level of the dictionary
 // Record         total size with these 2 bytes (2) | hw | gloss | cw | attribute block | id | extra1 | extra2
 //   a text       length (2), bytes without terminator
-//   attr. block  size of what follows (2) | attributes: length (2), text | frequency (4) | priority (1) | 3 not used |
-//                language (2)
+//   attr. block  size of what follows (2) | attributes: length (2), text | frequency (4) | priority (1) |
+//                3 not used | language (2)
 #pragma once
 
 #include <cstddef>
@@ -110,22 +111,6 @@ inline constexpr std::size_t kSlotTail = 10;
 }
 [[nodiscard]] constexpr std::int64_t index_block_offset(std::uint32_t number) {
   return static_cast<std::int64_t>(kIndexBlockSize) * (static_cast<std::int64_t>(number) - 1);
-}
-
-// Numbers, high byte first.
-[[nodiscard]] constexpr std::uint16_t load_u16(const std::uint8_t* from) {
-  return static_cast<std::uint16_t>((from[0] << 8) | from[1]);
-}
-[[nodiscard]] constexpr std::uint32_t load_u32(const std::uint8_t* from) {
-  return (static_cast<std::uint32_t>(load_u16(from)) << 16) | load_u16(from + 2);
-}
-constexpr void store_u16(std::uint8_t* to, std::uint32_t value) {
-  to[0] = static_cast<std::uint8_t>(value >> 8);
-  to[1] = static_cast<std::uint8_t>(value);
-}
-constexpr void store_u32(std::uint8_t* to, std::uint32_t value) {
-  store_u16(to, value >> 16);
-  store_u16(to + 2, value & 0xFFFF);
 }
 
 // The order of keys: bytes unsigned, a prefix first. Negative, zero or positive. A null text stands first, but equals

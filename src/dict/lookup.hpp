@@ -32,7 +32,8 @@ void key_hits_free(KeyHits& hits);
 
 // Walks the tree from the blocks in `hits` down through `levels` levels, and replaces them by the blocks that the
 // last level names: those of entries equal to `key`, or of the greatest entry below, or of the first one.
-[[nodiscard]] Status index_search(std::FILE* index, int levels, std::string_view key, KeyHits& hits);
+[[nodiscard]] Status index_search(std::FILE* index, std::size_t name_size, int levels, std::string_view key,
+                                  KeyHits& hits);
 
 // The words that stand under `key` in the chains of the blocks in `hits`. With `secondary` above 0 and a field above 1
 // those are key blocks, which lead on to the data blocks.

@@ -20,6 +20,7 @@ constexpr const char* kSwitches =
     "  -M, ^A    accepted, without effect\n"
     "  -Q, --quiet          no progress          --progress=plain   progress as plain lines\n"
     "  --yes                yes to every question\n"
+    "  --check-dictionary   compare the dictionaries with what was built, byte by byte\n"
     "  --help, --version\n"
     "\n"
     "Exit status: 0 every sentence done, 1 the run could not start, 2 wrong command line, 3 a sentence failed or ran\n"
@@ -194,6 +195,8 @@ bool take_long_option(std::string_view word, CommandLine& line) {
     line.version = true;
   } else if (word == "--yes") {
     line.yes = true;
+  } else if (word == "--check-dictionary") {
+    line.settings.check_dictionaries = true;
   } else if (word == "--quiet") {
     line.progress = ProgressStyle::none;
   } else if (word == "--progress=plain") {

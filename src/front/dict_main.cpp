@@ -10,8 +10,10 @@
 #include <string>
 #include <vector>
 
-#include "dict/builder.hpp"
-#include "dict/builder_tools.hpp"
+#include "dicttool/build.hpp"
+#include "dicttool/check.hpp"
+#include "dicttool/list.hpp"
+#include "dicttool/record_view.hpp"
 
 namespace {
 
@@ -89,8 +91,9 @@ int run_check(const Arguments& arguments) {
   const bool is_sound = dictionary_check(arguments.dictionary, stderr, memory, figures);
   if (is_sound) {
     const std::string keys = counted(figures.keys - figures.unasked, "key", "keys");
-    std::printf("%s: sound: %s, each found once by each of %s\n", arguments.dictionary.c_str(),
-                counted(figures.records, "entry", "entries").c_str(), keys.c_str());
+    std::printf("%s: sound: %s, each found once by each of %s%s\n", arguments.dictionary.c_str(),
+                counted(figures.records, "entry", "entries").c_str(), keys.c_str(),
+                figures.has_stamp ? "" : " (no stamp to compare checksums with)");
   } else if (figures.damages != 0) {
     std::printf("%s: damaged in %s\n", arguments.dictionary.c_str(),
                 counted(figures.damages, "place", "places").c_str());
@@ -112,6 +115,7 @@ CLI::App* add_build(CLI::App& app, Arguments& arguments) {
   command->add_option("--keys", arguments.keys, "Keys to look words up by, besides hw and cw")
       ->delimiter(',')
       ->check(is_key_name());
+  command->add_flag("--force", arguments.build.force, "Replace an index that belongs to another dictionary");
   add_memory(*command, arguments);
   return command;
 }

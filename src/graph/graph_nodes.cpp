@@ -10,7 +10,7 @@
 #include "data/sentence.hpp"
 #include "data/words.hpp"
 #include "dict/entry_text.hpp"
-#include "dict/index.hpp"
+#include "dict/word_lookup.hpp"
 #include "graph/graph_words.hpp"
 
 namespace lexon {
@@ -59,23 +59,14 @@ WordEntry* words_to_share(Node* const* position, const char* name) {
   return nullptr;
 }
 
-Status dictionary_words(const char* key, WordEntry*& words) {
-  words = nullptr;
-  if (sentence.dictionary.dictionary == nullptr) return Status::ok;
-  LookupGroup* groups = nullptr;
-  if (const Status s = dict_lookup(sentence.dictionary, kKeyCw, key, groups); s != Status::ok) return s;
-  groups_flatten(groups, words);
-  return Status::ok;
-}
-
 // The dictionary's words of the name as it stands, or else of its part in front of "(".
 Status known_words(const char* name, WordEntry*& words) {
-  if (const Status s = dictionary_words(name, words); s != Status::ok) return s;
+  if (const Status s = words_by_key(sentence.dictionary, kKeyCw, name, words); s != Status::ok) return s;
   const char* parenthesis = std::strchr(name, '(');
   if (words != nullptr || parenthesis == nullptr) return Status::ok;
   Scratch<sizeof(GraphWord::name)> front;
   front.append(std::string_view(name, parenthesis));
-  return dictionary_words(front.c_str(), words);
+  return words_by_key(sentence.dictionary, kKeyCw, front.c_str(), words);
 }
 
 Status scope_reference_words(int number, WordEntry*& words) {

@@ -6,9 +6,10 @@
 #include <algorithm>
 #include <array>
 
+#include "data/bytes.hpp"
 #include "data/chain.hpp"
 #include "data/output.hpp"
-#include "rules/bytes.hpp"
+#include "data/platform.hpp"
 #include "rules/compiled.hpp"
 #include "rules/compiled_format.hpp"
 #include "rules/matrix.hpp"
@@ -101,13 +102,6 @@ const char* header_fault(const Header& header, const Rule* rules, std::uint64_t 
   return nullptr;
 }
 
-// The size of a file that stands at its start, and stands there again.
-std::uint64_t file_size(std::FILE* stream) {
-  const long size = std::fseek(stream, 0, SEEK_END) == 0 ? std::ftell(stream) : 0;
-  std::rewind(stream);
-  return size < 0 ? 0 : static_cast<std::uint64_t>(size);
-}
-
 // The next area of the file in memory of its own; an area of size 0 is null.
 template <typename Byte>
 Status area_read(Byte*& area, std::size_t size, std::FILE* stream) {
@@ -190,7 +184,8 @@ Status rule_matrix_save(std::FILE* stream) {
 
 Status rule_matrix_load(std::FILE* stream, Rule* rules) {
   rule_matrix_clear();
-  const std::uint64_t size = file_size(stream);
+  std::rewind(stream);
+  const auto size = static_cast<std::uint64_t>(file_size(stream));
   HeaderBytes bytes;
   if (std::fread(bytes.data(), 1, bytes.size(), stream) != bytes.size()) return refuse("the file has no header");
   const Header header = header_from(bytes);

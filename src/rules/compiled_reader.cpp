@@ -1,10 +1,10 @@
 #include <algorithm>
 #include <utility>
 
+#include "data/bytes.hpp"
 #include "data/output.hpp"
 #include "data/pool.hpp"
 #include "data/state.hpp"
-#include "rules/bytes.hpp"
 #include "rules/compiled.hpp"
 #include "rules/compiled_format.hpp"
 
@@ -15,11 +15,11 @@ namespace {
 constexpr Status kDamaged = Status::no_effect;
 
 Status whole(const ByteReader& in) {
-  return in.ok() && in.at_end() ? Status::ok : kDamaged;
+  return in.ok() && !in.more() ? Status::ok : kDamaged;
 }
 
 Status text_read(ByteReader& in, char*& text) {
-  const auto bytes = in.block16();
+  const auto bytes = in.bytes();
   if (!in.ok()) return kDamaged;
   if (bytes.empty()) return Status::ok;
   const std::string_view all(reinterpret_cast<const char*>(bytes.data()), bytes.size());
@@ -38,8 +38,8 @@ Status item_read(ByteReader& in, CondItem& item) {
 // Reads a block of records of one kind, each by `read`, into the empty list `head`.
 template <typename Record>
 Status list_read(ByteReader& in, Record*& head, Status (*read)(ByteReader&, Record&)) {
-  ByteReader block(in.block16());
-  for (Record** link = &head; !block.at_end(); link = &(*link)->next) {
+  ByteReader block(in.bytes());
+  for (Record** link = &head; block.more(); link = &(*link)->next) {
     *link = perm_new<Record>();
     if (*link == nullptr) return Status::memory;
     if (const Status status = read(block, **link); status != Status::ok) return status;
@@ -53,10 +53,10 @@ Status items_read(ByteReader& in, CondItem*& items) {
 
 // What the block may leave out at its end.
 Status more_items_read(ByteReader& in, CondItem*& items) {
-  return in.at_end() ? Status::ok : items_read(in, items);
+  return !in.more() ? Status::ok : items_read(in, items);
 }
 Status more_text_read(ByteReader& in, char*& text) {
-  return in.at_end() ? Status::ok : text_read(in, text);
+  return !in.more() ? Status::ok : text_read(in, text);
 }
 
 Status group_read(ByteReader& in, ContextGroup& group) {
@@ -84,7 +84,7 @@ Status pattern_fields_read(ByteReader& in, NodePattern& pattern) {
 
 // An empty block, a pattern that is missing, is damage as well: no rule can do without.
 Status pattern_read(ByteReader& in, NodePattern*& pattern) {
-  ByteReader block(in.block16());
+  ByteReader block(in.bytes());
   pattern = perm_new<NodePattern>();
   return pattern == nullptr ? Status::memory : pattern_fields_read(block, *pattern);
 }
@@ -119,7 +119,7 @@ class RecordStream {
   [[nodiscard]] std::size_t place() const { return taken_; }
 
   // The next record without its length field; none if the file ends before it does, or if it is too long.
-  [[nodiscard]] bool next(std::span<const std::uint8_t>& record) {
+  [[nodiscard]] bool next(ByteView& record) {
     constexpr std::size_t kLengthSize = 2;
     if (!available(kLengthSize)) return false;
     const std::size_t length = ByteReader(valid()).u16();
@@ -131,7 +131,7 @@ class RecordStream {
   }
 
  private:
-  [[nodiscard]] std::span<const std::uint8_t> valid() const { return buffer_.subspan(begin_, end_ - begin_); }
+  [[nodiscard]] ByteView valid() const { return buffer_.subspan(begin_, end_ - begin_); }
 
   // Sees to it that `count` bytes are in the buffer: moves the rest to its start and fills up behind it.
   bool available(std::size_t count) {
@@ -151,7 +151,7 @@ class RecordStream {
 };
 
 Status next_rule_read(RecordStream& file, Rule*& rule) {
-  std::span<const std::uint8_t> record;
+  ByteView record;
   if (!file.next(record)) return kDamaged;
   rule = perm_new<Rule>();
   if (rule == nullptr) return Status::memory;

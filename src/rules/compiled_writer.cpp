@@ -1,8 +1,8 @@
+#include "data/bytes.hpp"
 #include "data/chain.hpp"
 #include "data/output.hpp"
 #include "data/pool.hpp"
 #include "data/state.hpp"
-#include "rules/bytes.hpp"
 #include "rules/compiled.hpp"
 #include "rules/compiled_format.hpp"
 
@@ -70,13 +70,13 @@ void record_write(ByteWriter& out, const Rule& rule) {
 }
 
 // A record of a rule without subtype whose PRE has a length that begins like a subtype would be read as one.
-bool is_readable(const Rule& rule, std::span<const std::uint8_t> record) {
+bool is_readable(const Rule& rule, ByteView record) {
   constexpr std::size_t kBehindType = 3;
   return rule.subtype != 0 || record[kBehindType] != static_cast<std::uint8_t>(kSubtypeMark);
 }
 
 // The bytes of a rule's record, or none if the file cannot carry it.
-std::span<const std::uint8_t> record_of(const Rule& rule, std::span<std::uint8_t> buffer) {
+ByteView record_of(const Rule& rule, std::span<std::uint8_t> buffer) {
   ByteWriter out(buffer);
   record_write(out, rule);
   if (!out.ok() || !is_readable(rule, out.written())) return {};

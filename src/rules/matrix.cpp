@@ -1,19 +1,25 @@
-// Building the index: the names of all conditions go through two text files, one for each side, which are sorted on
-// disk without duplicates; the sorted files become the tables, and a second walk over the rules sets the bits.
+// Building the index: the names of all conditions are sorted side by side without duplicates and become the tables; a
+// second walk over the rules sets the bits.
+//
+// wanted: the names go through lines of text, and so does what happens to them there. A name with its line end is cut
+// into lines behind each line feed (a CR in front of it goes) and behind 1,023 characters; a line that is cut in the
+// middle loses its last character to a line feed. Lines are ordered with their line feeds, so that a name with a tab
+// stands before the same name without. And names are taken out of the sorted lines in pieces of up to 255 characters,
+// of which each loses its last one, as long as there are fewer pieces than lines.
 #include "rules/matrix.hpp"
 
 #include <algorithm>
-#include <array>
-#include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <string>
+#include <string_view>
 
 #include "data/chain.hpp"
 #include "data/output.hpp"
-#include "data/platform.hpp"
 #include "data/pool.hpp"
 #include "data/state.hpp"
-#include "dict/merge_sort.hpp"
+#include "dict/item_sort.hpp"
+#include "dict/layout.hpp"
 #include "rules/bits.hpp"
 #include "rules/rule_search.hpp"
 
@@ -27,82 +33,91 @@ namespace {
 struct SideBuild {
   NodePattern* Rule::*pattern;
   MatrixSide& side;
-  TempFile written{};  // the names as they come
-  TempFile sorted{};
 };
 
 const CondItem* conditions(const SideBuild& build, const Rule& rule) {
   return (rule.*build.pattern)->attr_conds;
 }
 
-// Writes the texts of all conditions of the side, whatever their prefix, one to a line. That the file cannot be opened
-// is left to the sort to find and report.
-Status names_write(const SideBuild& build, const Rule* rules) {
-  std::FILE* stream = std::fopen(build.written.path().c_str(), "wb");
-  if (stream == nullptr) return Status::ok;
-  Status status = Status::ok;
+constexpr std::size_t kLineLength = 1023;  // the longest line, its line feed included
+constexpr std::size_t kPieceLength = 255;  // of a line that becomes a name
+constexpr std::size_t kSortMemory = std::size_t{32} << 20;
+
+bool line_add(std::string& line, ItemSorter& lines) {
+  line.back() = '\n';
+  Bytes item;
+  append_u16(item, 4 + line.size());
+  append_text(item, line);
+  line.clear();
+  return lines.add(item);
+}
+
+// Adds a name as the lines that it makes. False if sorting fails.
+bool name_add(std::string_view name, ItemSorter& lines) {
+  std::string line;
+  for (std::size_t at = 0; at <= name.size(); ++at) {
+    const bool is_end = at == name.size();
+    const bool ends_line = is_end || name[at] == '\n';
+    if (!ends_line && name[at] == '\r' && at + 1 < name.size() && name[at + 1] == '\n') continue;
+    line += ends_line ? '\n' : name[at];
+    if ((ends_line || line.size() == kLineLength) && !line_add(line, lines)) return false;
+  }
+  return true;
+}
+
+Status sorting_failed() {
+  out_print(";;Can't write a temporary file for sorting!\n");
+  return Status::no_effect;
+}
+
+// Adds the texts of all conditions of the side, whatever their prefix.
+Status names_add(const SideBuild& build, const Rule* rules, ItemSorter& lines) {
   for (const Rule& rule : chain<&Rule::next>(rules)) {
-    if (status = must_leave(); status != Status::ok) break;
+    if (const Status s = must_leave(); s != Status::ok) return s;
     for (const CondItem& item : chain<&CondItem::next>(conditions(build, rule))) {
-      std::fputs(item.text, stream);
-      std::fputs("\r\n", stream);  // a line end of the sort's input; a name that ends with a CR keeps it so
+      if (!name_add(item.text, lines)) return sorting_failed();
     }
   }
-  const bool written = std::ferror(stream) == 0;
-  const bool closed = std::fclose(stream) == 0;
-  if (status != Status::ok || (written && closed)) return status;
-  out_print(";;Can't write file %s!\n", build.written.path().c_str());
-  return Status::no_effect;
+  return lines.start_reading() ? Status::ok : sorting_failed();
 }
 
-// Bytes from the start to the end of a stream, which is left at its start; 0 if they cannot be told.
-std::uint64_t stream_size(std::FILE* stream) {
-  if (std::fseek(stream, 0, SEEK_END) != 0) return 0;
-  const long size = std::ftell(stream);
-  std::rewind(stream);
-  return size < 0 ? 0 : static_cast<std::uint64_t>(size);
-}
-
-// Takes the sorted names, up to `attr_count`. The last character of what is read goes as the line end: of a line too
-// long for the buffer the first piece so loses a character, and the rest becomes a name of its own.
-void names_read(MatrixSide& side, std::FILE* stream) {
-  std::array<char, 256> line;
-  std::int32_t count = 0;
-  while (count < side.attr_count && std::fgets(line.data(), static_cast<int>(line.size()), stream) != nullptr) {
-    char* name = side.attr_pool + side.pool_size;
-    const std::size_t length = std::strlen(line.data());
-    line[length - 1] = '\0';
-    std::memcpy(name, line.data(), length);
-    side.attr_table[count++] = name;
-    side.pool_size += static_cast<std::uint32_t>(length);
+// The sorted lines one behind the other, each once, and how many they are.
+Status lines_take(ItemSorter& lines, std::string& text, std::int32_t& count) {
+  std::string last;
+  for (ByteView item = lines.next(); !item.empty(); item = lines.next()) {
+    const std::string_view line = item_key(item);
+    if (count != 0 && line == last) continue;
+    last = line;
+    text += line;
+    ++count;
   }
-  side.attr_count = count;
+  return lines.failed() ? sorting_failed() : Status::ok;
 }
 
-// A line of the file is never shorter than its name with the NUL, so the file's size is enough for the pool.
-Status attr_table_load(MatrixSide& side, const char* path) {
-  if (side.attr_count == 0) return Status::ok;
-  std::FILE* stream = std::fopen(path, "rb");
-  if (stream == nullptr) return Status::no_effect;
-  const auto count = static_cast<std::uint64_t>(side.attr_count);
-  side.attr_pool = static_cast<char*>(zeroed_block(stream_size(stream)));
-  side.attr_table = static_cast<char**>(zeroed_block(count * sizeof(char*)));
-  const bool made = side.attr_pool != nullptr && side.attr_table != nullptr;
-  if (made) names_read(side, stream);
-  std::fclose(stream);
-  if (!made) return Status::memory;
-  if (static_cast<std::uint64_t>(side.attr_count) == count) return Status::ok;
-  out_print(";;Can't read file %s!\n", path);
-  return Status::no_effect;
+// Makes the table of names from the sorted lines.
+Status attr_table_make(MatrixSide& side, std::string_view text, std::int32_t count) {
+  if (count == 0) return Status::ok;
+  side.attr_pool = static_cast<char*>(zeroed_block(text.size()));
+  side.attr_table = static_cast<char**>(zeroed_block(static_cast<std::uint64_t>(count) * sizeof(char*)));
+  if (side.attr_pool == nullptr || side.attr_table == nullptr) return Status::memory;
+  while (side.attr_count < count) {
+    const std::size_t length = std::min(text.find('\n') + 1, kPieceLength);
+    char* name = side.attr_pool + side.pool_size;
+    text.copy(name, length - 1);  // the block ends it with a NUL
+    side.attr_table[side.attr_count++] = name;
+    side.pool_size += static_cast<std::uint32_t>(length);
+    text.remove_prefix(length);
+  }
+  return Status::ok;
 }
 
-Status names_sort(SideBuild& build) {
-  const int count =
-      merge_sort_file(true, false, build.written.path().c_str(), build.sorted.path().c_str(), state.output);
-  if (const Status s = must_leave(); s != Status::ok) return s;
-  if (count < 0) return Status::no_effect;
-  build.side.attr_count = count;
-  return attr_table_load(build.side, build.sorted.path().c_str());
+Status names_sort(const SideBuild& build, const Rule* rules) {
+  ItemSorter lines(kSortMemory);
+  std::string text;
+  std::int32_t count = 0;
+  if (const Status s = names_add(build, rules, lines); s != Status::ok) return s;
+  if (const Status s = lines_take(lines, text, count); s != Status::ok) return s;
+  return attr_table_make(build.side, text, count);
 }
 
 template <typename Element>
@@ -151,9 +166,8 @@ Status bits_set(const SideBuild& build, const Rule* rules) {
 }
 
 Status side_build(NodePattern* Rule::*pattern, MatrixSide& side, const Rule* rules) {
-  SideBuild build{pattern, side};
-  if (const Status s = names_write(build, rules); s != Status::ok) return s;
-  if (const Status s = names_sort(build); s != Status::ok) return s;
+  const SideBuild build{pattern, side};
+  if (const Status s = names_sort(build, rules); s != Status::ok) return s;
   return bits_set(build, rules);
 }
 

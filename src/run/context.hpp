@@ -1,13 +1,11 @@
 // What the driver hands to the workers, and the one word they share besides.
 #pragma once
 
-#include <array>
 #include <atomic>
 #include <cstdint>
 #include <cstdio>
 
-#include "data/sentence.hpp"
-#include "dict/index.hpp"
+#include "dict/dictionary.hpp"
 #include "rules/rule.hpp"
 #include "run/compiled_file.hpp"
 
@@ -16,15 +14,11 @@ namespace lexon {
 // Lives on the driver's stack for the whole run. Touched by the worker alone while it runs and by the driver alone
 // between steps.
 struct RunContext {
-  std::FILE* dictionary = nullptr;
-  std::FILE* dictionary_index = nullptr;
+  Dictionary dictionary;
+  Dictionary cr_dictionary;        // not open when the run has none
   std::FILE* input = nullptr;      // the sentence position lives in this stream
   std::FILE* rule_text = nullptr;  // null when nothing is converted
   Rule* rules = nullptr;           // null until a rule step has filled it
-  std::array<IndexDescriptor*, kKeyFields> dictionary_slots{};
-  std::FILE* cr_dictionary = nullptr;  // null, like its index, when the run has none
-  std::FILE* cr_index = nullptr;
-  std::array<IndexDescriptor*, kKeyFields> cr_slots{};
   bool post_edit = true;
   CompiledFile compiled_rules;
   CompiledFile compiled_matrix;

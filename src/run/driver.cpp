@@ -8,7 +8,7 @@
 #include <utility>
 
 #include "data/output.hpp"
-#include "data/pool.hpp"
+#include "data/sentence.hpp"
 #include "data/state.hpp"
 #include "data/text_line.hpp"
 #include "run/context.hpp"
@@ -40,23 +40,22 @@ Opening open_output(const RunSettings& settings) {
   return state.output != nullptr ? Opening{} : failure(cannot_open("Output File", settings.output_file));
 }
 
-// The index lies in the dictionary's folder, under the name in slot 1.
-std::FILE* open_index(const std::string& dictionary_file, IndexDescriptor** slots) {
-  return index_open(path_split(dictionary_file).folder.c_str(), slots, kKeyHw, true);
+void note(const std::string& text) {
+  if (!text.empty()) run_faults.notes.push_back(text);
+}
+
+PairCheck pair_check_of(const RunSettings& settings) {
+  return settings.check_dictionaries ? PairCheck::whole : PairCheck::quick;
 }
 
 Opening open_dictionary(const RunSettings& settings, RunContext& context) {
   const std::string& path = settings.dictionary_file;
-  context.dictionary = file_open(path, "rb");
-  if (context.dictionary == nullptr) return failure(cannot_open("Dictionary File", path));
-  for (const int key_field : {kKeyHw, kKeyCw}) {
-    const Status s = index_slot_read(context.dictionary, key_field, context.dictionary_slots.data());
-    if (s != Status::ok) return failure(kNoMemory);
-  }
-  if (context.dictionary_slots[kKeyCw] == nullptr) return failure("CW : No Index in Dictionary File : " + path + "!");
-  context.dictionary_index = open_index(path, context.dictionary_slots.data());
-  if (context.dictionary_index == nullptr) return failure(cannot_open("Dictionary Index File", path));
-  return {};
+  Dictionary& dictionary = context.dictionary;
+  const bool is_open = dictionary_open(path, pair_check_of(settings), dictionary);
+  note(dictionary.fault);
+  if (dictionary.dictionary == nullptr) return failure(cannot_open("Dictionary File", path));
+  if (dictionary.slots[kKeyCw] == nullptr) return failure("CW : No Index in Dictionary File : " + path + "!");
+  return is_open ? Opening{} : failure(cannot_open("Dictionary Index File", path));
 }
 
 Opening open_input(const RunSettings& settings, RunContext& context) {
@@ -64,23 +63,27 @@ Opening open_input(const RunSettings& settings, RunContext& context) {
   return context.input != nullptr ? Opening{} : failure(cannot_open("Input File", settings.input_file));
 }
 
-Status open_cr_files(const std::string& path, RunContext& context) {
-  context.cr_dictionary = file_open(path, "rb");
-  if (context.cr_dictionary == nullptr) return Status::ok;
-  for (const int key_field : {1, 2, 3, 5, 6, 7}) {
-    const Status s = index_slot_read(context.cr_dictionary, key_field, context.cr_slots.data());
-    if (s != Status::ok) return s;
-  }
-  context.cr_index = open_index(path, context.cr_slots.data());
-  return Status::ok;
+// The header that is read last decides for all dictionaries of a run what kind of index names they have.
+void share_name_size(RunContext& context) {
+  Dictionary& words = context.dictionary;
+  const Dictionary& pairs = context.cr_dictionary;
+  if (pairs.name_size == 0 || pairs.name_size == words.name_size) return;
+  note(words.path + " and " + pairs.path + ": the names of their indexes are of different kinds, one of at most " +
+       std::to_string(kShortNameStem) + " characters before the dot and one longer; in one run the file opened last, " +
+       pairs.path + ", decides for both, and looking words up in " + words.path +
+       " fails or finds nothing: build one of the two again under a name of the other's kind");
+  words.name_size = pairs.name_size;
 }
 
 Opening open_cr_dictionary(const RunSettings& settings, RunContext& context, Host& host) {
   const std::string& path = settings.cr_dictionary_file;
   if (path.empty()) return {};
-  if (open_cr_files(path, context) != Status::ok) return failure(kNoMemory);
-  if (context.cr_index != nullptr) return {};
-  context.cr_dictionary = nullptr;
+  Dictionary& dictionary = context.cr_dictionary;
+  const bool is_open = dictionary_open(path, pair_check_of(settings), dictionary);
+  share_name_size(context);
+  if (is_open) return {};
+  note(dictionary.fault);
+  dictionary.dictionary.reset();
   const bool goes_on = host.ask_yes_no(cannot_open("Cooccurrence Dictionary File", path) + " continue?");
   return goes_on ? Opening{} : failure({});
 }
@@ -174,18 +177,11 @@ void run_steps(const RunSettings& settings, RunContext& context, Host& host) {
   run_sentences(settings, context, host);
 }
 
-void release_slots(std::array<IndexDescriptor*, kKeyFields>& slots) {
-  for (IndexDescriptor*& slot : slots) {
-    void* cell = std::exchange(slot, nullptr);
-    heap_free_clear(cell);
-  }
-}
-
 // The name of the damaged file, as far as a run knows it: an index lies beside its dictionary.
 std::string damaged_file(const RunSettings& settings, const RunContext& context) {
   const std::FILE* stream = lookup_damage.stream;
-  const bool is_cr = stream == context.cr_dictionary || stream == context.cr_index;
-  const bool is_index = stream == context.cr_index || stream == context.dictionary_index;
+  const bool is_cr = stream == context.cr_dictionary.dictionary.get() || stream == context.cr_dictionary.index.get();
+  const bool is_index = stream == context.cr_dictionary.index.get() || stream == context.dictionary.index.get();
   return (is_index ? "the index of " : "") + (is_cr ? settings.cr_dictionary_file : settings.dictionary_file);
 }
 
@@ -240,8 +236,8 @@ void run_driver(const RunSettings& settings, Host& host) {
   run_guarded(settings, context, host);
   compiled_file_discard(context.compiled_rules);
   compiled_file_discard(context.compiled_matrix);
-  release_slots(context.dictionary_slots);
-  release_slots(context.cr_slots);
+  // What lookups worked with is closed with the context.
+  sentence.dictionary = sentence.cr_dictionary = {};
   host.finish();
 }
 

@@ -15,8 +15,7 @@ constexpr const char* kGenerationRule = "Generation Rule";
 bool is_empty_file(const std::string& path) {
   std::FILE* stream = file_open(path, "r");
   if (stream == nullptr) return true;
-  std::fseek(stream, 0, SEEK_END);
-  const bool empty = std::ftell(stream) == 0;
+  const bool empty = file_size(stream) == 0;
   std::fclose(stream);
   return empty;
 }

@@ -24,6 +24,7 @@ struct RunSettings {
   bool show_progress = false;
   bool post_edit = true;
   bool rules_conversion_only = false;
+  bool check_dictionaries = false;  // compare every byte of the dictionaries with their stamps
   bool reserved_a = true;
   bool reserved_b = false;
 };

@@ -47,14 +47,6 @@ Status build_and_save_matrix(RunContext& context) {
   return rule_matrix_save(context.compiled_matrix.stream);
 }
 
-DictionaryFiles word_dictionary_of(RunContext& context) {
-  return {context.dictionary, context.dictionary_index, context.dictionary_slots.data()};
-}
-
-DictionaryFiles cr_dictionary_of(RunContext& context) {
-  return {context.cr_dictionary, context.cr_index, context.cr_slots.data()};
-}
-
 Status convert(RunContext& context) {
   const Status status = parse_and_write_rules(context);
   return status == Status::ok ? build_and_save_matrix(context) : status;
@@ -80,7 +72,7 @@ Status load(RunContext& context) {
 
 Status render(RunContext& context) {
   std::array<char, kSentenceSize> text;
-  return render_sentence(word_dictionary_of(context), context.input, text.data(), cr_dictionary_of(context),
+  return render_sentence(context.dictionary.files(), context.input, text.data(), context.cr_dictionary.files(),
                          context.post_edit);
 }
 

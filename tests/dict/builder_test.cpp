@@ -11,10 +11,10 @@
 #include <utility>
 #include <vector>
 
-#include "dict/builder_blocks.hpp"
-#include "dict/builder_line.hpp"
-#include "dict/builder_sort.hpp"
 #include "dict/entry_text.hpp"
+#include "dict/item_sort.hpp"
+#include "dicttool/block_packer.hpp"
+#include "dicttool/entry_line.hpp"
 #include "support/built_dictionary.hpp"
 #include "support/capture.hpp"
 
@@ -389,7 +389,7 @@ TEST(Builder, AFailedBuildLeavesTheOldDictionary) {
   EXPECT_EQ(Asked(folder).ids(kKeyHw, "a"), "1");
   EXPECT_TRUE(build_text(folder, "[a]{3} \"b\" (c);\n").done);
   EXPECT_EQ(Asked(folder).ids(kKeyHw, "a"), "3");
-  EXPECT_EQ(folder.names(), (std::vector<std::string>{"entries.txt", "words.dic", "words.idx"}));
+  EXPECT_EQ(folder.names(), (std::vector<std::string>{"entries.txt", "words.dic", "words.idx", "words.idx.stamp"}));
 }
 
 TEST(Builder, BlockNumbersEndAt65535) {

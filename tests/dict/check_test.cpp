@@ -9,7 +9,7 @@
 #include <string>
 #include <vector>
 
-#include "dict/builder_tools.hpp"
+#include "dict/dictionary.hpp"
 #include "support/built_dictionary.hpp"
 #include "support/capture.hpp"
 
@@ -118,7 +118,7 @@ const Damage kDamages[] = {
     {"TooFewLevelsForConceptWords", {dic(60, "\1")}, "words.dic: offset 47: a slot without a tree\n"},
     {"NoConceptWords", {dic(47, std::string(1, '\0'))}, "words.dic: offset 47: no index of concept words\n"},
     {"IndexOfAttributes", {dic(69, "words.idx")}, "words.dic: offset 69: an index of a field that is no key\n"},
-    {"NameOfTheIndex", {dic(3, "W")}, "words.dic: its index Words.idx cannot be opened\n"},
+    {"NameOfTheIndex", {dic(3, "W")}, "words.dic: its index Words.idx cannot be opened: No such file"},
     {"AnotherFormat", {dic(0, std::string(4096, '\0'))}, "words.dic: offset 3: not a dictionary: its first slot"},
 };
 
@@ -126,12 +126,14 @@ void apply(const BuildFolder& folder, const Patch& patch) {
   std::fstream file(folder.path(patch.file), std::ios::binary | std::ios::in | std::ios::out);
   file.seekp(patch.offset);
   file << patch.bytes;
+  // Without a stamp it is the places that are reported, and not that the file has changed.
+  std::filesystem::remove(folder.path("words.idx.stamp"));
 }
 
 TEST(Check, ReportsEveryDamageWithItsPlace) {
   const BuildFolder folder;
   for (const Damage& damage : kDamages) {
-    ASSERT_TRUE(build_text(folder, three_entries()).done);
+    ASSERT_TRUE(build_text(folder, three_entries(), "words.dic", {.force = true}).done);
     ASSERT_TRUE(check_of(folder).done) << "the places in the table";
     for (const Patch& patch : damage.patches) apply(folder, patch);
     const ToolResult check = check_of(folder);
@@ -163,7 +165,8 @@ TEST(Check, SurvivesAnyBytes) {
   const BuildFolder folder;
   const auto any = [&random](std::size_t below) { return static_cast<std::streamoff>(random() % below); };
   for (int round = 0; round < 150; ++round) {
-    ASSERT_TRUE(build_text(folder, three_entries() + "[d]{4} \"y\" (N) <ES,1,2>;X[e]{f}\n").done);
+    ASSERT_TRUE(
+        build_text(folder, three_entries() + "[d]{4} \"y\" (N) <ES,1,2>;X[e]{f}\n", "words.dic", {.force = true}).done);
     for (int i = 0; i < 3; ++i) {
       const std::streamoff near_a_block_start = 4096 * any(5) + any(24);
       const std::streamoff near_an_index_entry = 1024 * any(2) + any(32);
@@ -190,6 +193,7 @@ TEST(Check, ReportsFilesThatAreCut) {
     const BuildFolder folder;
     ASSERT_TRUE(build_text(folder, three_entries()).done);
     std::filesystem::resize_file(folder.path(file), size);
+    std::filesystem::remove(folder.path("words.idx.stamp"));
     const ToolResult check = check_of(folder);
     EXPECT_FALSE(check.done) << file << size;
     EXPECT_EQ(check.log.find(message), 0U) << file << size << "\n" << check.log;
@@ -200,10 +204,10 @@ TEST(Check, ReportsFilesThatAreNotThere) {
   const BuildFolder folder;
   ASSERT_TRUE(build_text(folder, three_entries()).done);
   std::filesystem::create_directory(folder.path("folder"));
-  EXPECT_EQ(check_of(folder, "none.dic").log, "none.dic: cannot be opened\n");
-  EXPECT_EQ(check_of(folder, "folder").log, "folder: cannot be opened\n");
+  EXPECT_EQ(check_of(folder, "none.dic").log, "none.dic: cannot be opened: No such file or directory\n");
+  EXPECT_EQ(check_of(folder, "folder").log, "folder: cannot be opened: Is a directory\n");
   std::filesystem::remove(folder.path("words.idx"));
-  EXPECT_EQ(check_of(folder).log, "words.dic: its index words.idx cannot be opened\n");
+  EXPECT_EQ(check_of(folder).log, "words.dic: its index words.idx cannot be opened: No such file or directory\n");
 }
 
 TEST(Check, ALongReportIsCut) {

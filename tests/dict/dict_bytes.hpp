@@ -3,13 +3,12 @@
 
 #include <gtest/gtest.h>
 
-#include <cstdlib>
 #include <string>
 #include <vector>
 
 #include "data/pool.hpp"
 #include "data/state.hpp"
-#include "dict/index.hpp"
+#include "dict/dictionary.hpp"
 #include "support/capture.hpp"
 
 namespace lexon::test {
@@ -86,24 +85,21 @@ inline std::string words_of(const WordEntry* list) {
   return all;
 }
 
-class Dictionary {
+class TestedDictionary {
  public:
-  Dictionary(const std::string& dictionary, const std::string& index)
-      : dictionary_(stream_of(dictionary)), index_(stream_of(index)) {
-    for (int field = 1; field <= 7; ++field) EXPECT_EQ(index_slot_read(dictionary_, field, slots_), Status::ok);
+  TestedDictionary(const std::string& dictionary, const std::string& index) {
+    opened.dictionary.reset(stream_of(dictionary));
+    opened.index.reset(stream_of(index));
+    dictionary_header_read(opened);
   }
-  Dictionary(const Dictionary&) = delete;
-  Dictionary& operator=(const Dictionary&) = delete;
-  ~Dictionary() {
-    for (IndexDescriptor* descriptor : slots_) std::free(descriptor);
-    std::fclose(dictionary_);
-    std::fclose(index_);
-    temp_release_all();
-  }
+  ~TestedDictionary() { temp_release_all(); }
+  TestedDictionary(const TestedDictionary&) = delete;
+  TestedDictionary& operator=(const TestedDictionary&) = delete;
 
   // The words of each group, groups parted by "|"; or the status.
   std::string find(int field, const char* key, bool with_index = true) {
-    const DictionaryFiles files{.dictionary = dictionary_, .index = with_index ? index_ : nullptr, .slots = slots_};
+    DictionaryFiles files = opened.files();
+    if (!with_index) files.index = nullptr;
     LookupGroup* groups = nullptr;
     const Status s = dict_lookup(files, field, key, groups);
     EXPECT_EQ(state.engine_status, s);
@@ -115,11 +111,7 @@ class Dictionary {
     return all.empty() ? "none" : all;
   }
 
-  IndexDescriptor* slots_[kKeyFields] = {};
-
- private:
-  std::FILE* dictionary_;
-  std::FILE* index_;
+  Dictionary opened;
 };
 
 // ---- a small dictionary

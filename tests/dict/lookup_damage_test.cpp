@@ -69,40 +69,13 @@ TEST(Lookup, DamagedFilesEndALookupCleanly) {
       {"key entry past the used length", words(data(two) + keys(entry("u", 2) + u16(900))), tree, kKeyCw, "u", "a,b"},
   };
   for (const DamageRow& row : rows) {
-    Dictionary dictionary(row.dictionary, row.index);
+    TestedDictionary dictionary(row.dictionary, row.index);
     EXPECT_EQ(dictionary.find(row.field, row.key), row.result) << row.what;
   }
 }
 
-// What a lookup may answer to damage: words, none, or one of its statuses.
-bool is_an_answer(const std::string& result) {
-  const bool is_status = result == "22" || result == "202" || result == "203";
-  return is_status || result.find_first_of("0123456789") == std::string::npos;
-}
-
-TEST(Lookup, AnyWrongByteIsSurvived) {
-  const std::string words = header_of(2, 1, 2, 4) + kWords + kCwKeys;
-  const std::string tree = index_block(entry("a", 2) + entry("d", 3)) + index_block(entry("a", 2)) +
-                           index_block(entry("d", 4) + entry("e", 5)) + index_block(entry("u", 6) + entry("x", 8));
-  const std::string whole = words + tree;
-  const std::string zeros(16, '\0');
-  for (std::size_t at = 0; at < whole.size(); ++at) {
-    const bool is_padding = whole.compare(at, 16, zeros) == 0 && at % 1024 < 1022;
-    for (const char wrong : {'\0', '\2', '\xFF'}) {
-      if (is_padding || whole[at] == wrong) continue;
-      std::string bytes = whole;
-      bytes[at] = wrong;
-      Dictionary dictionary(bytes.substr(0, words.size()), bytes.substr(words.size()));
-      for (const char* key : {"d", "u", "z"}) {
-        EXPECT_TRUE(is_an_answer(dictionary.find(kKeyHw, key))) << at;
-        EXPECT_TRUE(is_an_answer(dictionary.find(kKeyCw, key))) << at;
-      }
-    }
-  }
-}
-
 TEST(Lookup, AStopEndsIt) {
-  Dictionary dictionary(header_of(1, 1, 2, 2) + kWords + kCwKeys, kFlatIndex);
+  TestedDictionary dictionary(header_of(1, 1, 2, 2) + kWords + kCwKeys, kFlatIndex);
   stop_requested = true;
   EXPECT_EQ(dictionary.find(kKeyHw, "a"), "120");
   EXPECT_EQ(dictionary.find(kKeyCw, "u", false), "120");

@@ -1,6 +1,7 @@
 // Lookups in small dictionaries, their slots, records and key order.
 
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <filesystem>
@@ -43,16 +44,16 @@ const FindRow kFinds[] = {
 };
 
 TEST(Lookup, FindsTheSameInFlatAndDeepTrees) {
-  Dictionary flat(header_of(1, 1, 2, 2) + kWords + kCwKeys, kFlatIndex);
+  TestedDictionary flat(header_of(1, 1, 2, 2) + kWords + kCwKeys, kFlatIndex);
   for (const FindRow& row : kFinds) EXPECT_EQ(flat.find(row.field, row.key), row.words) << row.what;
-  Dictionary deep(header_of(3, 1, 3, 8) + kWords + kCwKeys, kDeepIndex);
+  TestedDictionary deep(header_of(3, 1, 3, 8) + kWords + kCwKeys, kDeepIndex);
   for (const FindRow& row : kFinds) EXPECT_EQ(deep.find(row.field, row.key), row.words) << row.what << ", deep";
 }
 
 TEST(Lookup, LongNamesMoveTheIndexEntries) {
   const std::string index = index_block(entry("a", 2) + entry("d", 4) + entry("e", 5), 0, 128) +
                             index_block(entry("u", 6) + entry("x", 8), 0, 128);
-  Dictionary dictionary(header_of(1, 1, 2, 2, 128, "ninechars.idx") + kWords + kCwKeys, index);
+  TestedDictionary dictionary(header_of(1, 1, 2, 2, 128, "ninechars.idx") + kWords + kCwKeys, index);
   for (const FindRow& row : kFinds) EXPECT_EQ(dictionary.find(row.field, row.key), row.words) << row.what;
 }
 
@@ -61,7 +62,7 @@ TEST(Lookup, EqualEntriesOfTheTreeAreAllFollowed) {
   const std::string index = index_block(entry("k", 2) + entry("m", 2) + entry("m", 3)) +  // 1
                             index_block(entry("k", 2) + entry("m", 3)) +                  // 2
                             index_block(entry("m", 4));                                   // 3
-  Dictionary dictionary(header_of(2, 1, 0, 0) + words, index);
+  TestedDictionary dictionary(header_of(2, 1, 0, 0) + words, index);
   EXPECT_EQ(dictionary.find(kKeyHw, "m"), "m|m");
   EXPECT_EQ(dictionary.find(kKeyHw, "k"), "k");
   EXPECT_EQ(dictionary.find(kKeyHw, "n"), "n");
@@ -71,7 +72,7 @@ TEST(Lookup, OtherFields) {
   const std::string words = header({slot("d.idx", 1, 1), padded("", 22), padded("", 22), padded("", 22),
                                     slot("d.idx", 1, 6), slot("d.idx", 0, 2)}) +
                             kWords + keys(entry("i", 4) + entry("i", 5));
-  Dictionary dictionary(words, kFlatIndex);
+  TestedDictionary dictionary(words, kFlatIndex);
   // One level for a field above 1 is a key block of the dictionary.
   EXPECT_EQ(dictionary.find(kKeyId, "i"), "d|e");
   EXPECT_EQ(dictionary.find(kKeyId, ""), "none");
@@ -83,7 +84,7 @@ TEST(Lookup, OtherFields) {
 }
 
 TEST(Lookup, WithoutIndexTheRootChainIsScanned) {
-  Dictionary dictionary(header_of(0, 2, 1, 6) + kWords + kCwKeys, "");
+  TestedDictionary dictionary(header_of(0, 2, 1, 6) + kWords + kCwKeys, "");
   EXPECT_EQ(dictionary.find(kKeyHw, "b", false), "b,b");
   EXPECT_EQ(dictionary.find(kKeyHw, "d", false), "none");  // in another chain
   EXPECT_EQ(dictionary.find(kKeyCw, "v", false), "b");
@@ -91,11 +92,9 @@ TEST(Lookup, WithoutIndexTheRootChainIsScanned) {
 }
 
 TEST(Lookup, FlatteningJoinsAllGroups) {
-  Dictionary dictionary(header_of(1, 1, 2, 2) + kWords + kCwKeys, kFlatIndex);
+  TestedDictionary dictionary(header_of(1, 1, 2, 2) + kWords + kCwKeys, kFlatIndex);
   LookupGroup* groups = nullptr;
-  std::FILE* stream = stream_of(header_of(1, 1, 2, 2) + kWords + kCwKeys);
-  std::FILE* index = stream_of(kFlatIndex);
-  ASSERT_EQ(dict_lookup({stream, index, dictionary.slots_}, kKeyCw, "u", groups), Status::ok);
+  ASSERT_EQ(dict_lookup(dictionary.opened.files(), kKeyCw, "u", groups), Status::ok);
   EXPECT_EQ(groups->block, 4);
   EXPECT_EQ(groups->next->block, 2);
   WordEntry* list = nullptr;
@@ -103,25 +102,18 @@ TEST(Lookup, FlatteningJoinsAllGroups) {
   EXPECT_EQ(words_of(list), "d,a,b,c");
   groups_flatten(nullptr, list);
   EXPECT_EQ(list, nullptr);
-  std::fclose(stream);
-  std::fclose(index);
 }
 
 // ---- slots
 
-// name, levels, numbers, and the name size that the file sets.
-std::string slot_text(const std::string& file, int field) {
-  IndexDescriptor* slots[kKeyFields] = {};
-  std::FILE* stream = stream_of(file);
-  EXPECT_EQ(index_slot_read(stream, field, slots), Status::ok);
-  std::fclose(stream);
-  const IndexDescriptor* d = slots[field];
-  std::string result = std::to_string(index_naming.name_size) + " ";
+// name, levels, numbers, and the name size of the file.
+std::string slot_text(const std::string& file, std::size_t field) {
+  const TestedDictionary dictionary(file, "");
+  const IndexDescriptor* d = dictionary.opened.slots[field];
+  std::string result = std::to_string(dictionary.opened.name_size) + " ";
   if (d == nullptr) return result + "empty";
-  result += std::string(d->name) + " " + static_cast<char>(d->unread) + " " + std::to_string(d->levels) + " " +
-            std::to_string(d->number1) + " " + std::to_string(d->root) + " " + std::to_string(d->number2);
-  std::free(slots[field]);
-  return result;
+  return result + std::string(d->name) + " " + static_cast<char>(d->unread) + " " + std::to_string(d->levels) + " " +
+         std::to_string(d->number1) + " " + std::to_string(d->root) + " " + std::to_string(d->number2);
 }
 
 TEST(Slots, AreReadByTheNameSizeOfTheFirst) {
@@ -135,61 +127,73 @@ TEST(Slots, AreReadByTheNameSizeOfTheFirst) {
   EXPECT_EQ(slot_text(header({none128}), 1), "128 empty");
   EXPECT_EQ(slot_text(header({slot(std::string(128, 'x'), 1, 1, 128)}), 1),
             "128 " + std::string(128, 'x') + " u 1 258 1 50595078");
-  // A header that is cut leaves the slot empty and the name size as it is.
-  EXPECT_EQ(slot_text(header_of(1, 1, 2, 2).substr(0, 4095), 1), "128 empty");
+  EXPECT_EQ(slot_text(header_of(1, 1, 2, 2).substr(0, 4095), 1), "0 empty") << "a header that is cut";
 }
 
-TEST(Slots, AFilledSlotStays) {
-  IndexDescriptor filled{};
-  IndexDescriptor* slots[kKeyFields] = {nullptr, &filled};
-  std::FILE* stream = stream_of(header_of(1, 1, 2, 2, 128, "ninechars.idx"));
-  EXPECT_EQ(index_slot_read(stream, 1, slots), Status::ok);
-  EXPECT_EQ(slots[1], &filled);
-  EXPECT_EQ(filled.root, 0);
-  EXPECT_EQ(index_naming.name_size, 128U);
-  std::fclose(stream);
+// Two dictionaries whose index names are of different kinds answer side by side.
+TEST(Slots, BelongToTheirDictionary) {
+  const auto made = [](std::size_t name_size, const char* name) {
+    return std::pair(header_of(1, 1, 2, 2, name_size, name) + kWords + kCwKeys,
+                     index_block(entry("a", 2) + entry("d", 4) + entry("e", 5), 0, name_size) +
+                         index_block(entry("u", 6) + entry("x", 8), 0, name_size));
+  };
+  const auto [short_words, short_index] = made(12, "d.idx");
+  const auto [long_words, long_index] = made(128, "ninechars.idx");
+  TestedDictionary first(short_words, short_index);
+  TestedDictionary second(long_words, long_index);
+  for (TestedDictionary* dictionary : {&first, &second, &first}) {
+    EXPECT_EQ(dictionary->find(kKeyHw, "d"), "d,d");
+    EXPECT_EQ(dictionary->find(kKeyCw, "x"), "ab");
+  }
+  first.opened.name_size = second.opened.name_size;
+  EXPECT_EQ(first.find(kKeyHw, "d"), "none");
 }
 
 class IndexOpen : public ::testing::Test {
  protected:
-  IndexOpen() : name_("lexon-" + std::to_string(getpid()) + ".idx"), path_(file_of(name_, kFlatIndex)) {
-    name_.copy(descriptor_.name, kLongNameSize);
-  }
+  IndexOpen() : name_("lexon-" + std::to_string(getpid()) + ".idx"), path_(file_of(name_, kFlatIndex)) {}
   ~IndexOpen() override { std::filesystem::remove(path_); }
 
-  bool opens(int field, std::int8_t levels, const std::string& prefix, bool read_only = true) {
-    descriptor_.levels = levels;
-    IndexDescriptor* slots[kKeyFields] = {};
-    if (field >= 1 && field <= 7) slots[field] = &descriptor_;
-    std::FILE* stream = index_open(prefix.c_str(), slots, field, read_only);
-    if (stream == nullptr) return false;
-    std::fclose(stream);
-    return true;
-  }
-
-  IndexDescriptor descriptor_ = {};
   std::string name_;
   std::string path_;
 };
 
-TEST_F(IndexOpen, NeedsATreeInTheIndexFile) {
-  const std::string prefix = ::testing::TempDir();
-  EXPECT_TRUE(opens(kKeyHw, 1, prefix));
-  EXPECT_TRUE(opens(kKeyHw, 1, prefix, false));
-  EXPECT_FALSE(opens(kKeyHw, 0, prefix));
-  EXPECT_FALSE(opens(kKeyHw, -1, prefix));
-  EXPECT_TRUE(opens(kKeyCw, 2, prefix));
-  EXPECT_FALSE(opens(kKeyCw, 1, prefix));
-  EXPECT_FALSE(opens(kKeyHw, 1, prefix + "no-such-folder/"));
-  EXPECT_FALSE(opens(0, 1, prefix));
-  EXPECT_FALSE(opens(9, 1, prefix));
+TEST_F(IndexOpen, NeedsATreeAndABareNameOfARegularFile) {
+  const std::string folder = ::testing::TempDir();
+  const std::string fifo = name_ + ".fifo";
+  ASSERT_EQ(mkfifo((folder + fifo).c_str(), 0600), 0);
+  struct Row {
+    std::string prefix, name;
+    int field;
+    std::int8_t levels;
+    bool opens;
+  };
+  const Row rows[] = {
+      {folder, name_, kKeyHw, 1, true},    {folder, name_, kKeyCw, 2, true},
+      {folder, name_, kKeyHw, 0, false},   {folder, name_, kKeyHw, -1, false},
+      {folder, name_, kKeyCw, 1, false},   {folder, fifo, kKeyHw, 1, false},
+      {folder, ".", kKeyHw, 1, false},     {folder, "..", kKeyHw, 1, false},
+      {folder, "", kKeyHw, 1, false},      {"", path_, kKeyHw, 1, false},
+      {"/dev/", "null", kKeyHw, 1, false}, {folder + "none/", name_, kKeyHw, 1, false},
+  };
+  for (const Row& row : rows) {
+    for (const bool read_only : {true, false}) {
+      IndexDescriptor descriptor{};
+      row.name.copy(descriptor.name, kLongNameSize);
+      descriptor.levels = row.levels;
+      const File stream(index_open(row.prefix, descriptor, row.field, read_only));
+      EXPECT_EQ(stream != nullptr, row.opens) << row.prefix << row.name << " " << row.field << " " << int{row.levels};
+    }
+  }
+  std::filesystem::remove(folder + fifo);
 }
 
 TEST_F(IndexOpen, ALookupOpensTheIndexByItsName) {
   const std::filesystem::path before = std::filesystem::current_path();
   std::filesystem::current_path(::testing::TempDir());
-  Dictionary dictionary(header_of(1, 1, 2, 2) + kWords + kCwKeys, "");
-  for (const int field : {kKeyHw, kKeyCw}) name_.copy(dictionary.slots_[field]->name, kLongNameSize);
+  TestedDictionary dictionary(header_of(1, 1, 2, 2) + kWords + kCwKeys, "");
+  for (const int field : {kKeyHw, kKeyCw})
+    name_.copy(dictionary.opened.descriptors[static_cast<std::size_t>(field)].name, kLongNameSize);
   EXPECT_EQ(dictionary.find(kKeyHw, "d", false), "d,d");
   EXPECT_EQ(dictionary.find(kKeyCw, "u", false), "d|a,b,c");
   std::filesystem::current_path(before);

@@ -12,8 +12,8 @@
 
 #include "data/pool.hpp"
 #include "data/state.hpp"
-#include "dict/builder.hpp"
-#include "dict/builder_tools.hpp"
+#include "dicttool/build.hpp"
+#include "dicttool/list.hpp"
 #include "support/built_dictionary.hpp"
 #include "support/capture.hpp"
 #include "support/program.hpp"

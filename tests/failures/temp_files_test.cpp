@@ -6,7 +6,6 @@
 #include <unistd.h>
 
 #include <filesystem>
-#include <optional>
 
 #include "data/platform.hpp"
 #include "run/compiled_file.hpp"
@@ -43,31 +42,13 @@ class TempFiles : public ::testing::Test {
   mode_t old_mask_ = 0;
 };
 
-TEST_F(TempFiles, ArePrivateUnlikeEachOtherAndGo) {
-  umask(0);
-  {
-    const TempFile first;
-    const TempFile second;
-    EXPECT_EQ(fs::path(first.path()).parent_path(), folder_);
-    EXPECT_EQ(mode_of(first.path()), 0600U);
-    EXPECT_NE(first.path(), second.path());
-    EXPECT_EQ(count(), 2);
-  }
+TEST_F(TempFiles, UnnamedOnesHoldWhatIsWrittenAndLeaveNothing) {
+  const File file = unnamed_file();
+  ASSERT_NE(file, nullptr);
   EXPECT_EQ(count(), 0);
-}
-
-TEST_F(TempFiles, MoveAndCopyWhereTheyCannotMove) {
-  for (const std::string& target : {path("moved"), std::string("/dev/shm/lexon-moved-") + std::to_string(getpid())}) {
-    std::optional<TempFile> file(std::in_place);
-    write_file(file->path(), "content");
-    EXPECT_TRUE(file->move_to(target)) << target;
-    file.reset();
-    EXPECT_EQ(bytes_of(target), "content");
-    fs::remove(target);
-  }
-  EXPECT_EQ(count(), 0);
-  TempFile file;
-  EXPECT_FALSE(file.move_to(path("missing/file")));
+  EXPECT_EQ(std::fputs("content", file.get()), 1);
+  std::rewind(file.get());
+  EXPECT_EQ(std::fgetc(file.get()), 'c');
 }
 
 TEST_F(TempFiles, DraftsComeIntoPlaceWholeOrNotAtAll) {

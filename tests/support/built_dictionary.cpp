@@ -10,8 +10,9 @@
 
 #include "data/chain.hpp"
 #include "data/pool.hpp"
-#include "dict/builder_open.hpp"
-#include "dict/builder_tools.hpp"
+#include "dict/dictionary.hpp"
+#include "dicttool/check.hpp"
+#include "dicttool/list.hpp"
 
 namespace lexon::test {
 
@@ -98,14 +99,13 @@ ToolResult find_of(const BuildFolder& folder, int key_field, const std::string& 
 }
 
 struct Asked::State {
-  OpenedDictionary opened;
+  Dictionary opened;
   bool is_open;
 };
 
 Asked::Asked(const BuildFolder& folder, const std::string& name) : state_(new State) {
-  state_->is_open =
-      dictionary_open(folder.path(name), stderr, state_->opened) && dictionary_index_open(stderr, state_->opened);
-  EXPECT_TRUE(state_->is_open);
+  state_->is_open = dictionary_open(folder.path(name), PairCheck::quick, state_->opened);
+  EXPECT_TRUE(state_->is_open) << state_->opened.fault;
 }
 
 Asked::~Asked() {

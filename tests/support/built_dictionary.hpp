@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "dict/builder.hpp"
+#include "dicttool/build.hpp"
 
 namespace lexon::test {
 

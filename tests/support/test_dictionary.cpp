@@ -4,9 +4,9 @@
 #include <unistd.h>
 
 #include <cstdio>
-#include <cstdlib>
 
-#include "dict/builder.hpp"
+#include "dict/pair_stamp.hpp"
+#include "dicttool/build.hpp"
 #include "support/capture.hpp"
 
 namespace lexon::test {
@@ -20,18 +20,14 @@ TestDictionary::TestDictionary(const std::string& entries, DictionaryFiles& file
   options.dictionary = file_of(name + ".dic", "");
   BuildFigures figures;
   EXPECT_TRUE(dictionary_build(options, stderr, figures));
-  std::FILE* dictionary = std::fopen(options.dictionary.c_str(), "rb");
-  for (const int key_field : {kKeyHw, kKeyCw}) {
-    EXPECT_EQ(index_slot_read(dictionary, key_field, slots_.data()), Status::ok);
+  EXPECT_TRUE(dictionary_open(options.dictionary, PairCheck::quick, opened_)) << opened_.fault;
+  files_ = opened_.files();
+  for (const std::string& path : {options.entries, options.dictionary, figures.index, pair_stamp_path(figures.index)}) {
+    std::remove(path.c_str());
   }
-  files_ = {dictionary, std::fopen(figures.index.c_str(), "rb"), slots_.data()};
-  for (const std::string& path : {options.entries, options.dictionary, figures.index}) std::remove(path.c_str());
 }
 
 TestDictionary::~TestDictionary() {
-  std::fclose(files_.dictionary);
-  std::fclose(files_.index);
-  for (IndexDescriptor* slot : slots_) std::free(slot);
   files_ = {};
 }
 

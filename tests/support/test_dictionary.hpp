@@ -1,11 +1,10 @@
 // A binary dictionary made of entry text.
 #pragma once
 
-#include <array>
 #include <string>
 
 #include "data/sentence.hpp"
-#include "dict/index.hpp"
+#include "dict/dictionary.hpp"
 
 namespace lexon::test {
 
@@ -20,7 +19,7 @@ class TestDictionary {
 
  private:
   DictionaryFiles& files_;
-  std::array<IndexDescriptor*, kKeyFields> slots_{};
+  Dictionary opened_;
 };
 
 }  // namespace lexon::test

@@ -5,7 +5,7 @@
 #include <cstdio>
 #include <string>
 
-#include "dict/builder_record.hpp"
+#include "dicttool/record_view.hpp"
 
 namespace lexon {
 

@@ -1,21 +1,21 @@
 // Listing a dictionary and asking it.
 
+#include "dicttool/list.hpp"
 #include "data/chain.hpp"
 #include "data/pool.hpp"
 #include "data/state.hpp"
 #include "data/words.hpp"
 #include "dict/block_chain.hpp"
-#include "dict/builder_line.hpp"
-#include "dict/builder_open.hpp"
-#include "dict/builder_tools.hpp"
+#include "dict/dictionary.hpp"
 #include "dict/entry_text.hpp"
+#include "dicttool/entry_line.hpp"
 
 namespace lexon {
 
 namespace {
 
 struct Listing {
-  OpenedDictionary& opened;
+  Dictionary& opened;
   std::FILE* out;
   std::FILE* log;
   std::string line = {};
@@ -48,13 +48,8 @@ bool list_block(Listing& listing, const DictBlock& block, std::int64_t block_off
   return is_good;
 }
 
-std::int64_t size_of(const Listing& listing) {
-  std::FILE* stream = listing.opened.dictionary.get();
-  return std::fseek(stream, 0, SEEK_END) == 0 ? std::ftell(stream) : 0;
-}
-
 bool list_blocks(Listing& listing) {
-  const std::int64_t size = size_of(listing);
+  const std::int64_t size = file_size(listing.opened.dictionary.get());
   bool is_good = true;
   DictBlock block;
   for (std::uint32_t number = kFirstDictBlock; number <= kMaxBlockNumber; ++number) {
@@ -66,17 +61,16 @@ bool list_blocks(Listing& listing) {
     if (type == kDataBlock) is_good = list_block(listing, block, offset) && is_good;
     if (type != kDataBlock && type != kKeyBlock) is_good = listing.report(offset, "neither records nor keys");
   }
-  return is_good;
-}
-
-// Is there nothing behind the last whole block?
-bool ends_with_block(const Listing& listing) {
-  const std::int64_t size = size_of(listing);
   const std::int64_t rest = size % static_cast<std::int64_t>(kDictBlockSize);
-  return rest == 0 || listing.report(size - rest, "the file ends within a block");
+  return rest == 0 ? is_good : listing.report(size - rest, "the file ends within a block");
 }
 
-// The owner of the stream tells of it.
+bool refuse(const Dictionary& opened, std::FILE* log) {
+  std::fprintf(log, "%s\n", opened.fault.c_str());
+  return false;
+}
+
+// The owner of the stream says what went wrong with it.
 bool is_written(std::FILE* out) {
   return std::fflush(out) == 0 && std::ferror(out) == 0;
 }
@@ -90,18 +84,19 @@ void write_word(const WordEntry& word, std::FILE* out) {
 }  // namespace
 
 bool dictionary_list(const std::string& path, std::FILE* out, std::FILE* log) {
-  OpenedDictionary opened;
-  if (!dictionary_open(path, log, opened)) return false;
+  Dictionary opened;
+  if (!dictionary_file_open(path, opened) || opened.name_size == 0) return refuse(opened, log);
   Listing listing{.opened = opened, .out = out, .log = log};
-  const bool is_good = list_blocks(listing);
-  const bool is_whole = ends_with_block(listing);
-  return is_good && is_whole && is_written(out);
+  return list_blocks(listing) && is_written(out);
 }
 
 FindResult dictionary_find(const std::string& path, int key_field, const std::string& key, std::FILE* out,
                            std::FILE* log) {
-  OpenedDictionary opened;
-  if (!dictionary_open(path, log, opened) || !dictionary_index_open(log, opened)) return FindResult::failed;
+  Dictionary opened;
+  if (!dictionary_open(path, PairCheck::quick, opened)) {
+    refuse(opened, log);
+    return FindResult::failed;
+  }
   LookupGroup* groups = nullptr;
   if (const Status s = dict_lookup(opened.files(), key_field, key.c_str(), groups); s != Status::ok) {
     std::fprintf(log, "%s: the lookup failed with status %d: damaged, or without this key\n", path.c_str(), code(s));

@@ -1,11 +1,11 @@
 // Block by block: sizes, types, records, entries, links.
 
-#include "dict/builder_survey.hpp"
+#include "dicttool/survey.hpp"
 
 #include <algorithm>
 
 #include "dict/block_chain.hpp"
-#include "dict/builder_record.hpp"
+#include "dicttool/record_view.hpp"
 
 namespace lexon {
 
@@ -30,12 +30,8 @@ struct FileSurvey {
   }
 };
 
-std::int64_t size_of(std::FILE* stream) {
-  return std::fseek(stream, 0, SEEK_END) == 0 ? std::ftell(stream) : 0;
-}
-
 void count_blocks(const FileSurvey& file) {
-  const std::int64_t size = size_of(file.stream);
+  const std::int64_t size = file_size(file.stream);
   const auto block_size = static_cast<std::int64_t>(file.block_size);
   const std::int64_t blocks = size / block_size;
   if (size % block_size != 0) file.damage.add(file.path, blocks * block_size, "the file ends within a block");
@@ -111,7 +107,7 @@ Item read_record(ByteView content, std::size_t at) {
 // An entry's block must be one of `map`; in the lowest level of the index it lies in the other file and is looked at
 // from the tree.
 Item read_entry(ByteView content, std::size_t at, const BlockMap* map, std::uint8_t type) {
-  BlockReader reader(content, at);
+  ByteReader reader(content, at);
   const std::string_view key = reader.text();
   const std::uint16_t block = reader.u16();
   if (!reader.ok()) return {{}, 0, "an entry that reaches behind the used part of its block"};
@@ -150,9 +146,8 @@ void survey_dictionary(const FileSurvey& file) {
   check_links(file, kFirstDictBlock);
 }
 
-void survey_index(const FileSurvey& file) {
+void survey_index(const FileSurvey& file, std::size_t data_offset) {
   count_blocks(file);
-  const std::size_t data_offset = index_data_offset(index_naming.name_size);
   IndexBlock block;
   for (std::uint32_t number = kFirstIndexBlock; number < file.map.end; ++number) {
     if (!block.read(file.stream, file.offset_of(number))) return file.report(number, 0, "a block that cannot be read");
@@ -167,16 +162,21 @@ void survey_index(const FileSurvey& file) {
 }  // namespace
 
 void DamageLog::add(const std::string& file, std::int64_t offset, const std::string& what) {
+  add(file + ": offset " + std::to_string(offset) + ": " + what);
+}
+
+void DamageLog::add(const std::string& message) {
   if (++count > kMaxDamageShown) return;
-  std::fprintf(stream, "%s: offset %lld: %s\n", file.c_str(), static_cast<long long>(offset), what.c_str());
+  std::fprintf(stream, "%s\n", message.c_str());
   if (count == kMaxDamageShown) std::fprintf(stream, "more damage is only counted\n");
 }
 
 void survey_blocks(Survey& survey) {
-  OpenedDictionary& opened = survey.opened;
+  const Dictionary& opened = survey.opened;
   survey_dictionary(
       {opened.path, opened.dictionary.get(), kDictBlockSize, kDictLinkOffset, survey.dictionary, survey.damage});
-  survey_index({opened.index_path, opened.index.get(), kIndexBlockSize, kIndexLinkOffset, survey.index, survey.damage});
+  survey_index({opened.index_path, opened.index.get(), kIndexBlockSize, kIndexLinkOffset, survey.index, survey.damage},
+               index_data_offset(opened.name_size));
 }
 
 }  // namespace lexon

@@ -1,4 +1,4 @@
-#include "dict/builder_blocks.hpp"
+#include "dicttool/block_packer.hpp"
 
 #include <algorithm>
 #include <utility>

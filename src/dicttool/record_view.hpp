@@ -4,14 +4,12 @@
 #include <array>
 #include <cstdint>
 #include <string_view>
-#include <vector>
 
+#include "data/bytes.hpp"
 #include "data/records.hpp"
 #include "dict/dict_record.hpp"
 
 namespace lexon {
-
-using Bytes = std::vector<std::uint8_t>;
 
 // The fields of a word. The texts point into what it was made of; an absent text is empty.
 struct RecordView {
@@ -47,15 +45,6 @@ void record_append(const RecordView& record, Bytes& out);
 // Is the record to be found by this field? An absent text is no key, but for the surface form, which orders records.
 [[nodiscard]] inline bool has_key(const RecordView& record, int key_field) {
   return key_field == kKeyHw || !record_key(record, key_field).empty();
-}
-
-// Appending numbers, high byte first, and texts behind their lengths.
-void append_u16(Bytes& out, std::size_t value);
-void append_u32(Bytes& out, std::uint32_t value);
-void append_text(Bytes& out, std::string_view text);
-
-[[nodiscard]] inline std::string_view as_text(ByteView bytes) {
-  return {reinterpret_cast<const char*>(bytes.data()), bytes.size()};
 }
 
 }  // namespace lexon

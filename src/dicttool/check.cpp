@@ -7,9 +7,11 @@
 #include "data/pool.hpp"
 #include "data/state.hpp"
 #include "dict/block_chain.hpp"
-#include "dict/builder_sort.hpp"
-#include "dict/builder_survey.hpp"
-#include "dict/builder_tools.hpp"
+#include "dict/item_sort.hpp"
+#include "dict/pair_stamp.hpp"
+#include "dicttool/check.hpp"
+#include "dicttool/record_view.hpp"
+#include "dicttool/survey.hpp"
 
 namespace lexon {
 
@@ -31,7 +33,7 @@ struct KeyTotals {
 };
 
 struct KeyCheck {
-  OpenedDictionary& opened;
+  const Dictionary& opened;
   DamageLog& damage;
   int key_field;
   CheckFigures& figures;
@@ -58,7 +60,7 @@ bool add_use(ItemSorter& uses, std::string_view key, std::uint32_t block, std::s
 }
 
 KeyUse use_of(ByteView item) {
-  BlockReader reader(item, 4 + item_key(item).size());
+  ByteReader reader(item, 4 + item_key(item).size());
   const std::int64_t block = dict_block_offset(reader.u16());
   KeyUse use{.offset = block + reader.u16(), .is_record = reader.more(), .content = 0};
   if (use.is_record) use.content = static_cast<std::uint64_t>(reader.u32()) << 32;
@@ -81,7 +83,7 @@ bool gather_records(const DictBlock& block, std::uint32_t number, KeyCheck& chec
 }
 
 bool gather_entries(const DictBlock& block, std::uint32_t number, ItemSorter& uses) {
-  BlockReader reader(block.content(), kDictDataOffset);
+  ByteReader reader(block.content(), kDictDataOffset);
   while (reader.more()) {
     const std::size_t at = reader.at();
     const std::string_view key = reader.text();
@@ -210,14 +212,21 @@ bool check_all_keys(const Survey& survey, std::FILE* log, std::size_t memory, Ch
 }  // namespace
 
 bool dictionary_check(const std::string& path, std::FILE* log, std::size_t memory, CheckFigures& figures) {
-  OpenedDictionary opened;
-  if (!dictionary_open(path, log, opened) || !dictionary_index_open(log, opened)) return false;
+  Dictionary opened;
+  if (!dictionary_open(path, PairCheck::none, opened)) {
+    std::fprintf(log, "%s\n", opened.fault.c_str());
+    return false;
+  }
   DamageLog damage{log};
+  Stamp stamp;
+  figures.has_stamp = stamp_read(pair_stamp_path(opened.index_path), stamp) != StampState::missing;
+  if (pair_check(opened, PairCheck::whole) != Pairing::belong) damage.add(opened.fault);
+  const std::int64_t changed = damage.count;
   Survey survey{opened, damage};
   survey_blocks(survey);
   survey_trees(survey);
   // Damaged blocks would only be reported a second time by what cannot be found in them.
-  const bool is_finished = damage.count != 0 || check_all_keys(survey, log, memory, figures);
+  const bool is_finished = damage.count != changed || check_all_keys(survey, log, memory, figures);
   figures.damages = damage.count;
   return is_finished && damage.count == 0;
 }

@@ -7,14 +7,10 @@
 #include <memory>
 #include <vector>
 
-#include "dict/builder_record.hpp"
+#include "data/bytes.hpp"
+#include "data/platform.hpp"
 
 namespace lexon {
-
-struct FileCloser {
-  void operator()(std::FILE* file) const { std::fclose(file); }
-};
-using File = std::unique_ptr<std::FILE, FileCloser>;
 
 // An item is a run of bytes that begins with its own size (2) and a key: length (2), text. Dictionary records are
 // items whose key is the surface form. Items come out by key, equal keys in the order of adding.

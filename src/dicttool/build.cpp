@@ -24,8 +24,12 @@
 //
 // Memory: one sort at a time, within the bound of the options, and beyond it the lowest keys of all blocks of one key
 // field (at most 65,535, seldom more than a few bytes each).
+//
+// Replacing a pair takes two renames, and a program can be killed between them. So the stamp is replaced first, by one
+// that knows the old pair and the new one, and last, by one that knows the new one alone. In between a reader accepts
+// two files that are the old pair or the new one, and refuses any mixture.
 
-#include "dict/builder.hpp"
+#include "dicttool/build.hpp"
 
 #include <algorithm>
 #include <array>
@@ -36,8 +40,9 @@
 
 #include "data/platform.hpp"
 #include "dict/block_chain.hpp"
-#include "dict/builder_blocks.hpp"
-#include "dict/builder_sort.hpp"
+#include "dict/item_sort.hpp"
+#include "dict/pair_stamp.hpp"
+#include "dicttool/block_packer.hpp"
 
 namespace lexon {
 
@@ -93,6 +98,38 @@ bool is_same_file(const std::string& a, const std::string& b) {
   return fs::equivalent(a, b, error) && !error;
 }
 
+// Does a slot of the dictionary that stands at the target name this index?
+bool is_named_in_target(const Build& build) {
+  Dictionary dictionary;
+  if (!dictionary_file_open(build.dictionary.target, dictionary)) return false;
+  return std::ranges::any_of(dictionary.slots, [&build](const IndexDescriptor* slot) {
+    return slot != nullptr && build.index_name == slot->name;
+  });
+}
+
+// Is what stands under the name of the index free to be replaced? The stamp says whose it is. An index without one
+// belongs to the dictionary that names it.
+bool owns_index(const Build& build) {
+  const std::string& index = build.index.target;
+  const std::string way_out = "; give the dictionary another name, or replace it with --force";
+  Stamp stamp;
+  const StampState found = stamp_read(pair_stamp_path(index), stamp);
+  if (found == StampState::damaged) {
+    return fail(build, pair_stamp_path(index) + ": is not the stamp of an index" + way_out);
+  }
+  std::error_code error;
+  if (!fs::exists(fs::symlink_status(index, error))) return true;
+  if (found == StampState::missing) {
+    return is_named_in_target(build) ||
+           fail(build, index + ": is there and is not the index of " + build.options.dictionary + way_out);
+  }
+  const std::string* owner = stamp.text(kStampName);
+  const bool is_owner = owner != nullptr && fs::path(build.options.dictionary).filename() == *owner;
+  Dictionary dictionary;
+  if (is_owner || dictionary_open(build.dictionary.target, PairCheck::quick, dictionary)) return true;
+  return fail(build, index + ": is the index of " + (owner == nullptr ? "another dictionary" : *owner) + way_out);
+}
+
 bool plan_names(Build& build) {
   const BuildOptions& options = build.options;
   build.index_name = index_name_of(options.dictionary);
@@ -106,11 +143,12 @@ bool plan_names(Build& build) {
   }
   if (build.index_name.size() > kLongNameSize) return fail(build, build.index_name + ": the index name is too long");
   if (build.index_name.front() == ' ') return fail(build, options.dictionary + ": the name begins with a blank");
-  for (const std::string& output : {options.dictionary, index}) {
+  for (const std::string& output : {options.dictionary, index, pair_stamp_path(index)}) {
     std::error_code error;
     if (fs::is_directory(output, error)) return fail(build, output + ": is a directory");
     if (is_same_file(output, options.entries)) return fail(build, output + ": is the entry text itself");
   }
+  if (!options.force && !owns_index(build)) return false;
   build.name_size = name_size_of(build.index_name);
   build.keys = {options.key_fields | 1U << kKeyHw, max_key_length(build.name_size)};
   return true;
@@ -258,13 +296,61 @@ bool write_header(Build& build) {
   return is_written || report(build, PackResult::write_failed, build.dictionary_blocks);
 }
 
-// Both are whole before one is put in place: they are of use only together.
+// What stands at the targets, if it is a pair; the stamp to come then accepts it until the new one stands.
+void put_pair_before(const Build& build, Stamp& stamp) {
+  Dictionary before;
+  if (!dictionary_open(build.dictionary.target, PairCheck::whole, before)) return;
+  const std::optional<FileMark> dictionary = file_mark(before.dictionary.get());
+  const std::optional<FileMark> index = file_mark(before.index.get());
+  if (before.index_path != build.index.target || !dictionary || !index) return;
+  stamp.put(kStampDictionaryBefore, *dictionary);
+  stamp.put(kStampIndexBefore, *index);
+}
+
+// The stamp of the two files in the making. False if they cannot be read back.
+bool pair_stamp(const Build& build, Stamp& stamp) {
+  std::FILE* dictionary = build.dictionary.draft.stream();
+  std::FILE* index = build.index.draft.stream();
+  const std::optional<FileMark> dictionary_mark = file_mark(dictionary);
+  const std::optional<FileMark> index_mark = file_mark(index);
+  const std::optional<std::int64_t> dictionary_ends = file_ends_hash(dictionary);
+  const std::optional<std::int64_t> index_ends = file_ends_hash(index);
+  if (!dictionary_mark || !index_mark || !dictionary_ends || !index_ends) return false;
+  stamp.put(kStampName, std::string_view(fs::path(build.dictionary.target).filename().string()));
+  stamp.put(kStampDictionary, *dictionary_mark);
+  stamp.put(kStampIndex, *index_mark);
+  stamp.put(kStampDictionaryEnds, *dictionary_ends);
+  stamp.put(kStampIndexEnds, *index_ends);
+  return true;
+}
+
+// Both are whole and on the disk before one is put in place: they are of use only together.
 bool put_in_place(Build& build) {
   for (PartFile* part : {&build.index, &build.dictionary}) {
-    if (!part->draft.is_whole()) return fail(build, part->target + ": cannot write");
+    if (!part->draft.sync()) return fail(build, part->target + ": cannot write");
   }
-  for (PartFile* part : {&build.index, &build.dictionary}) {
-    if (!part->draft.put_in_place(part->target)) return fail(build, part->target + ": cannot be put in place");
+  const std::string stamp_path = pair_stamp_path(build.index.target);
+  Stamp stamp;
+  if (!pair_stamp(build, stamp)) return fail(build, build.dictionary.target + ": cannot be read back");
+  Stamp replacing = stamp;
+  replacing.put(kStampReplacing, std::int64_t{1});
+  put_pair_before(build, replacing);
+  Stamp old;
+  const StampState old_state = stamp_read(stamp_path, old);
+  if (!stamp_write(stamp_path, replacing, true)) return fail(build, stamp_path + ": cannot write");
+  if (!build.index.draft.put_in_place(build.index.target)) {
+    // Nothing has changed but the stamp.
+    if (old_state != StampState::whole || !stamp_write(stamp_path, old, true)) std::remove(stamp_path.c_str());
+    return fail(build, build.index.target + ": cannot be put in place; the dictionary stands as before");
+  }
+  if (!build.dictionary.draft.put_in_place(build.dictionary.target)) {
+    return fail(build, build.dictionary.target + ": cannot be put in place, and its index is a new one already: the " +
+                           "dictionary cannot be used until it is built again");
+  }
+  folder_sync(build.dictionary.target);
+  if (!stamp_write(stamp_path, stamp, true)) {
+    std::fprintf(build.log, "%s: cannot write; the dictionary is whole, but every opening has to read all of it\n",
+                 stamp_path.c_str());
   }
   return true;
 }

@@ -1,6 +1,8 @@
-#include "dict/builder_record.hpp"
+#include "dicttool/record_view.hpp"
 
 #include <algorithm>
+
+#include "data/words.hpp"
 
 namespace lexon {
 
@@ -8,10 +10,6 @@ namespace {
 
 std::string_view text_of(const char* text, std::int32_t length) {
   return text == nullptr ? std::string_view{} : std::string_view{text, static_cast<std::size_t>(length)};
-}
-
-std::size_t attr_block_size(const RecordView& record) {
-  return 2 + record.attrs.size() + kRecordFixedPart;
 }
 
 // How many of the texts behind the attributes are written: up to the last that is not empty.
@@ -38,21 +36,6 @@ void fixed_part_read(ByteView part, RecordView& record) {
 }
 
 }  // namespace
-
-void append_u16(Bytes& out, std::size_t value) {
-  out.push_back(static_cast<std::uint8_t>(value >> 8));
-  out.push_back(static_cast<std::uint8_t>(value));
-}
-
-void append_u32(Bytes& out, std::uint32_t value) {
-  append_u16(out, value >> 16);
-  append_u16(out, value & 0xFFFF);
-}
-
-void append_text(Bytes& out, std::string_view text) {
-  append_u16(out, text.size());
-  out.insert(out.end(), text.begin(), text.end());
-}
 
 RecordView record_of(const WordEntry& word) {
   RecordView record;
@@ -83,10 +66,17 @@ RecordView record_of(const StoredRecord& stored) {
 }
 
 std::size_t record_size(const RecordView& record) {
-  const std::array<std::size_t, 3> behind = {record.id.size(), record.extra1.size(), record.extra2.size()};
-  std::size_t size = 10 + record.hw.size() + record.gloss.size() + record.cw.size() + attr_block_size(record);
-  for (int i = 0; i < texts_behind_attrs(record); ++i) size += 2 + behind[static_cast<std::size_t>(i)];
-  return size;
+  const auto length = [](std::string_view text) { return static_cast<std::int32_t>(text.size()); };
+  WordEntry lengths{};
+  lengths.hw_len = length(record.hw);
+  lengths.gloss_len = length(record.gloss);
+  lengths.cw_len = length(record.cw);
+  lengths.attr_len = length(record.attrs);
+  lengths.id_len = length(record.id);
+  lengths.extra1_len = length(record.extra1);
+  lengths.extra2_len = length(record.extra2);
+  entry_sizes_set(lengths);
+  return static_cast<std::size_t>(lengths.total_size);
 }
 
 void record_append(const RecordView& record, Bytes& out) {
@@ -94,7 +84,7 @@ void record_append(const RecordView& record, Bytes& out) {
   append_text(out, record.hw);
   append_text(out, record.gloss);
   append_text(out, record.cw);
-  append_u16(out, attr_block_size(record));
+  append_u16(out, 2 + record.attrs.size() + kRecordFixedPart);
   append_text(out, record.attrs);
   fixed_part_append(record, out);
   const std::array<std::string_view, 3> behind = {record.id, record.extra1, record.extra2};

@@ -1,11 +1,11 @@
-#include "dict/builder_line.hpp"
+#include "dicttool/entry_line.hpp"
 
 #include <array>
 #include <vector>
 
 #include "data/chars.hpp"
-#include "dict/builder_text.hpp"
 #include "dict/entry_text.hpp"
+#include "dicttool/entry_reader.hpp"
 
 namespace lexon {
 

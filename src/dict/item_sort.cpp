@@ -1,7 +1,9 @@
-#include "dict/builder_sort.hpp"
+#include "dict/item_sort.hpp"
 
 #include <algorithm>
 #include <cstring>
+
+#include "dict/layout.hpp"
 
 namespace lexon {
 
@@ -74,7 +76,7 @@ void ItemSorter::sort_slots() {
 }
 
 bool ItemSorter::spill() {
-  if (file_ == nullptr) file_.reset(std::tmpfile());
+  if (file_ == nullptr) file_ = unnamed_file();
   failed_ = file_ == nullptr;
   if (failed_) return false;
   sort_slots();

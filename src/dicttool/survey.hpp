@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "dict/builder_open.hpp"
+#include "dict/dictionary.hpp"
 
 namespace lexon {
 
@@ -16,7 +16,8 @@ struct DamageLog {
   std::FILE* stream;
   std::int64_t count = 0;
 
-  // Writes "FILE: offset N: what".
+  // Writes a whole message, or "FILE: offset N: what".
+  void add(const std::string& message);
   void add(const std::string& file, std::int64_t offset, const std::string& what);
 };
 
@@ -29,7 +30,7 @@ struct BlockMap {
 };
 
 struct Survey {
-  OpenedDictionary& opened;
+  const Dictionary& opened;
   DamageLog& damage;
   BlockMap dictionary = {};
   BlockMap index = {};

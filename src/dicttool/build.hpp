@@ -5,7 +5,7 @@
 #include <cstdio>
 #include <string>
 
-#include "dict/builder_text.hpp"
+#include "dicttool/entry_reader.hpp"
 
 namespace lexon {
 
@@ -15,6 +15,7 @@ struct BuildOptions {
   bool skip_bad = false;                        // leave bad lines out, instead of failing
   unsigned key_fields = kDefaultKeys;           // bit n: key field n; the surface form is always one
   std::size_t memory = std::size_t{192} << 20;  // what sorting may use; it goes on in temporary files beyond
+  bool force = false;                           // replace an index that belongs to another dictionary
 };
 
 // What has been built.
@@ -26,8 +27,10 @@ struct BuildFigures {
   std::string index;  // path of the index file
 };
 
-// Builds both files under temporary names and puts them in place when they are whole. Bad lines go to `log` as
-// FILE:LINE with the reason, and so does what else went wrong. False on failure: then nothing has been put in place.
+// Builds both files without names, and puts them in place with their stamp (dict/pair_stamp.hpp) when they are whole
+// and on the disk. Bad lines go to `log` as FILE:LINE with the reason, and so does what else went wrong. An index that
+// belongs to another dictionary is refused unless `force` is set. False on failure: then the old pair stands, or, where
+// only one of the two could be replaced, the stamp keeps every opening from using them.
 [[nodiscard]] bool dictionary_build(const BuildOptions& options, std::FILE* log, BuildFigures& figures);
 
 // The name of the index file of a dictionary, without a directory: the extension becomes ".idx", and other dots "_",

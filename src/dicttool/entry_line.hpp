@@ -3,7 +3,7 @@
 
 #include <string>
 
-#include "dict/builder_record.hpp"
+#include "dicttool/record_view.hpp"
 
 namespace lexon {
 

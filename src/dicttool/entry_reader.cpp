@@ -1,4 +1,4 @@
-#include "dict/builder_text.hpp"
+#include "dicttool/entry_reader.hpp"
 
 #include <algorithm>
 #include <cstring>

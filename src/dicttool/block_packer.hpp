@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "dict/builder_record.hpp"
+#include "dicttool/record_view.hpp"
 
 namespace lexon {
 

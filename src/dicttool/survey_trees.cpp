@@ -4,8 +4,8 @@
 #include <utility>
 
 #include "dict/block_chain.hpp"
-#include "dict/builder_record.hpp"
-#include "dict/builder_survey.hpp"
+#include "dicttool/record_view.hpp"
+#include "dicttool/survey.hpp"
 
 namespace lexon {
 
@@ -23,8 +23,8 @@ struct LevelWalk {
   [[nodiscard]] std::uint8_t leads_to() const { return key_field == kKeyHw ? kDataBlock : kKeyBlock; }
 };
 
-std::int64_t slot_place(int key_field) {
-  return static_cast<std::int64_t>(slot_offset(index_naming.name_size, key_field));
+std::int64_t slot_place(const Survey& survey, int key_field) {
+  return static_cast<std::int64_t>(slot_offset(survey.opened.name_size, key_field));
 }
 
 // The first key of a block of either file; none for an empty block.
@@ -32,13 +32,13 @@ template <std::size_t Size>
 std::optional<std::string> lowest_key(std::FILE* stream, std::int64_t offset, std::size_t data_offset) {
   Block<Size> block;
   if (!block.read(stream, offset) || block.content().size() <= data_offset) return std::nullopt;
-  return std::string(BlockReader(block.content(), data_offset).text());
+  return std::string(ByteReader(block.content(), data_offset).text());
 }
 
 std::optional<std::string> lowest_key_below(const LevelWalk& walk, std::uint16_t number) {
   if (!walk.is_lowest) {
     return lowest_key<kIndexBlockSize>(walk.survey.opened.index.get(), index_block_offset(number),
-                                       index_data_offset(index_naming.name_size));
+                                       index_data_offset(walk.survey.opened.name_size));
   }
   const bool holds_records = walk.leads_to() == kDataBlock;
   return lowest_key<kDictBlockSize>(walk.survey.opened.dictionary.get(), dict_block_offset(number),
@@ -66,7 +66,7 @@ void check_entry(LevelWalk& walk, std::int64_t offset, std::string_view key, std
 void walk_block(LevelWalk& walk, std::uint16_t number) {
   IndexBlock block;
   if (!block.read(walk.survey.opened.index.get(), index_block_offset(number))) return;
-  BlockReader reader(block.content(), index_data_offset(index_naming.name_size));
+  ByteReader reader(block.content(), index_data_offset(walk.survey.opened.name_size));
   while (reader.more()) {
     const auto at = static_cast<std::int64_t>(reader.at());
     const std::string_view key = reader.text();
@@ -110,7 +110,7 @@ void survey_tree(Survey& survey, int key_field, const IndexDescriptor& slot) {
   const int levels = key_field == kKeyHw ? slot.levels : slot.levels - 1;
   const bool has_root = slot.root != 0 && slot.root < survey.index.end;
   if (levels < 1 || !has_root) {
-    return survey.damage.add(survey.opened.path, slot_place(key_field), "a slot without a tree");
+    return survey.damage.add(survey.opened.path, slot_place(survey, key_field), "a slot without a tree");
   }
   std::vector<std::uint16_t> heads = {slot.root};
   for (int level = levels; level > 0; --level) {
@@ -119,7 +119,7 @@ void survey_tree(Survey& survey, int key_field, const IndexDescriptor& slot) {
     for (const std::uint16_t head : heads) walk_chain(walk, head);
     heads = std::move(walk.below);
   }
-  if (heads.empty()) survey.damage.add(survey.opened.path, slot_place(key_field), "a tree that leads nowhere");
+  if (heads.empty()) survey.damage.add(survey.opened.path, slot_place(survey, key_field), "a tree that leads nowhere");
   own_chains(survey, key_field, heads);
 }
 
@@ -141,13 +141,13 @@ void survey_trees(Survey& survey) {
     const IndexDescriptor* slot = survey.opened.slots[static_cast<std::size_t>(field)];
     if (slot == nullptr) continue;
     if (key_field_name(field) == nullptr) {
-      survey.damage.add(survey.opened.path, slot_place(field), "an index of a field that is no key");
+      survey.damage.add(survey.opened.path, slot_place(survey, field), "an index of a field that is no key");
     } else {
       survey_tree(survey, field, *slot);
     }
   }
   if (survey.opened.slots[kKeyCw] == nullptr) {
-    survey.damage.add(survey.opened.path, slot_place(kKeyCw), "no index of concept words");
+    survey.damage.add(survey.opened.path, slot_place(survey, kKeyCw), "no index of concept words");
   }
   check_owners(survey);
 }

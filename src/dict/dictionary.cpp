@@ -1,0 +1,105 @@
+#include "dict/dictionary.hpp"
+
+#include <cerrno>
+#include <chrono>
+#include <cstring>
+#include <thread>
+
+#include "dict/block_chain.hpp"
+#include "dict/pair_stamp.hpp"
+
+namespace lexon {
+
+namespace {
+
+constexpr int kMostTries = 40;
+constexpr std::chrono::milliseconds kBetweenTries{25};
+
+// Reads a slot of the header, unless it is empty.
+void slot_read(ByteView header, int key_field, Dictionary& dictionary) {
+  const std::size_t at = slot_offset(dictionary.name_size, key_field);
+  const bool is_empty = header[at] == ' ' || header[at] == '\0';
+  if (is_empty) return;
+  const auto field = static_cast<std::size_t>(key_field);
+  IndexDescriptor& descriptor = dictionary.descriptors[field];
+  dictionary.slots[field] = &descriptor;
+  ByteReader reader(header, at);
+  // The name ends at its padding, which is of NULs or of spaces.
+  std::string_view name = reader.text(dictionary.name_size);
+  name = name.substr(0, name.find('\0'));
+  name = name.substr(0, name.find_last_not_of(' ') + 1);
+  descriptor = {};
+  name.copy(descriptor.name, kLongNameSize);
+  descriptor.unread = reader.u8();
+  descriptor.levels = static_cast<std::int8_t>(reader.u8());
+  descriptor.number1 = reader.u16();
+  descriptor.root = reader.u16();
+  descriptor.number2 = reader.u32();
+}
+
+bool index_file_open(Dictionary& dictionary) {
+  const IndexDescriptor* slot = dictionary.slots[kKeyHw];
+  if (slot == nullptr || slot->levels < 1) {
+    dictionary.fault = dictionary.path + ": offset " + std::to_string(kHeaderSlotsOffset) +
+                       ": not a dictionary: its first slot names no index with a tree";
+    return false;
+  }
+  const std::string prefix = folder_prefix(dictionary.path);
+  dictionary.index_path = prefix + slot->name;
+  dictionary.index.reset(index_open(prefix, *slot, kKeyHw, true));
+  if (dictionary.index != nullptr) return true;
+  const char* reason = is_bare_name(slot->name) ? std::strerror(errno) : "it is not a plain file name";
+  dictionary.fault = dictionary.path + ": its index " + dictionary.index_path + " cannot be opened: " + reason;
+  return false;
+}
+
+}  // namespace
+
+std::string folder_prefix(const std::string& path) {
+  return path.substr(0, path.rfind('/') + 1);
+}
+
+bool dictionary_file_open(const std::string& path, Dictionary& dictionary) {
+  dictionary.path = path;
+  dictionary.index_path.clear();
+  dictionary.fault.clear();
+  dictionary.slots = {};
+  dictionary.name_size = 0;
+  dictionary.index.reset();
+  dictionary.dictionary.reset(std::fopen(path.c_str(), "rb"));
+  const int error = errno;
+  const bool is_folder = dictionary.dictionary != nullptr && !is_a_file(dictionary.dictionary.get());
+  if (is_folder) dictionary.dictionary.reset();
+  if (dictionary.dictionary == nullptr) {
+    dictionary.fault = path + ": cannot be opened: " + std::strerror(is_folder ? EISDIR : error);
+    return false;
+  }
+  dictionary_header_read(dictionary);
+  return true;
+}
+
+void dictionary_header_read(Dictionary& dictionary) {
+  DictBlock header;
+  if (!header.read(dictionary.dictionary.get(), 0)) {
+    dictionary.fault = dictionary.path + ": offset 0: not a dictionary: the file is shorter than its header";
+    return;
+  }
+  dictionary.name_size = name_size_of(ByteReader(header.bytes(), kHeaderSlotsOffset).text(kLongNameSize));
+  for (int field = kKeyHw; field <= kSlotCount; ++field) slot_read(header.bytes(), field, dictionary);
+}
+
+bool dictionary_open(const std::string& path, PairCheck check, Dictionary& dictionary) {
+  for (int tries = 0;; ++tries) {
+    if (!dictionary_file_open(path, dictionary) || dictionary.name_size == 0) return false;
+    if (!index_file_open(dictionary)) return false;
+    const Pairing pairing = check == PairCheck::none ? Pairing::belong : pair_check(dictionary, check);
+    if (pairing == Pairing::belong) return true;
+    dictionary.index.reset();
+    // One of the two may have been opened before a build replaced it and the other one behind that: look once more.
+    const bool may_change = pairing == Pairing::changing ? tries < kMostTries : tries == 0;
+    if (!may_change) return false;
+    if (pairing == Pairing::changing) std::this_thread::sleep_for(kBetweenTries);
+  }
+}
+
+}  // namespace lexon

@@ -1,0 +1,73 @@
+#include "dict/pair_stamp.hpp"
+
+#include <algorithm>
+
+#include "data/bytes.hpp"
+
+namespace lexon {
+
+namespace {
+
+constexpr std::int64_t kEnd = 65536;
+
+// Is the file behind `stream` the one that the stamp knows under `key`?
+bool is_as_stamped(std::FILE* stream, const Stamp& stamp, const char* key) {
+  const std::optional<FileMark> mark = stamp.mark(key);
+  const std::optional<FileMark> now = mark ? file_mark(stream) : std::nullopt;
+  return mark && now && now->same_content(*mark);
+}
+
+bool is_as_stamped_quick(std::FILE* stream, const Stamp& stamp, const char* key, const char* ends_key) {
+  const std::optional<FileMark> mark = stamp.mark(key);
+  const std::optional<std::int64_t> ends = stamp.number(ends_key);
+  return mark && ends && file_size(stream) == mark->size && file_ends_hash(stream) == ends;
+}
+
+}  // namespace
+
+std::optional<std::int64_t> file_ends_hash(std::FILE* stream) {
+  Bytes end(kEnd);
+  ByteHash hash;
+  for (const std::int64_t at : {std::int64_t{0}, std::max<std::int64_t>(file_size(stream) - kEnd, 0)}) {
+    const std::int64_t got = file_read_some_at(stream, at, end.data(), end.size());
+    if (got < 0) return std::nullopt;
+    hash.add(end.data(), static_cast<std::size_t>(got));
+  }
+  return static_cast<std::int64_t>(hash.value());
+}
+
+Pairing pair_check(Dictionary& dictionary, PairCheck check) {
+  const std::string stamp_path = pair_stamp_path(dictionary.index_path);
+  Stamp stamp;
+  const StampState found = stamp_read(stamp_path, stamp);
+  if (found == StampState::missing) return Pairing::belong;
+  if (found == StampState::damaged) {
+    dictionary.fault = stamp_path + ": cannot be read as a stamp; build the dictionary again, or remove this file";
+    return Pairing::mixed;
+  }
+  std::FILE* words = dictionary.dictionary.get();
+  std::FILE* index = dictionary.index.get();
+  const bool is_replacing = stamp.text(kStampReplacing) != nullptr;
+  bool words_fit = false;
+  bool index_fits = false;
+  if (check == PairCheck::whole || is_replacing) {
+    words_fit = is_as_stamped(words, stamp, kStampDictionary);
+    index_fits = is_as_stamped(index, stamp, kStampIndex);
+    const bool is_pair_before = is_replacing && is_as_stamped(words, stamp, kStampDictionaryBefore) &&
+                                is_as_stamped(index, stamp, kStampIndexBefore);
+    if (is_pair_before) return Pairing::belong;
+  } else {
+    words_fit = is_as_stamped_quick(words, stamp, kStampDictionary, kStampDictionaryEnds);
+    index_fits = is_as_stamped_quick(index, stamp, kStampIndex, kStampIndexEnds);
+  }
+  if (words_fit && index_fits) return Pairing::belong;
+  const bool is_index = words_fit;
+  dictionary.fault = (is_index ? dictionary.index_path : dictionary.path) + ": is not the file that was built with " +
+                     (is_index ? dictionary.path : dictionary.index_path) + ": " +
+                     (is_replacing ? "a build was broken off while it replaced the two"
+                                   : "it has been exchanged, cut or changed since") +
+                     "; build the dictionary again (" + stamp_path + " holds the sizes and checksums of the build)";
+  return is_replacing ? Pairing::changing : Pairing::mixed;
+}
+
+}  // namespace lexon
