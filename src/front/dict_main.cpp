@@ -2,7 +2,6 @@
 
 #include <CLI/CLI.hpp>
 
-#include <csignal>
 #include <cstdint>
 #include <cstdio>
 #include <exception>
@@ -12,6 +11,7 @@
 
 #include "dict/builder.hpp"
 #include "dict/builder_tools.hpp"
+#include "front/process.hpp"
 
 namespace {
 
@@ -151,7 +151,7 @@ int run(int argc, char** argv) {
 
 // The status of a command whose output has to arrive.
 int with_output_written(int status) {
-  if (std::fflush(stdout) == 0 && std::ferror(stdout) == 0) return status;
+  if (standard_output_is_whole()) return status;
   std::fputs("lexon-dict: the output could not be written whole\n", stderr);
   return kOutputShort;
 }
@@ -159,8 +159,7 @@ int with_output_written(int status) {
 }  // namespace
 
 int main(int argc, char** argv) {
-  // A file that must not grow further is a write that fails, and is told like others.
-  std::signal(SIGXFSZ, SIG_IGN);
+  process_begin();
   try {
     return with_output_written(run(argc, argv));
   } catch (const std::bad_alloc&) {

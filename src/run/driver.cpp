@@ -3,6 +3,7 @@
 #include "run/driver.hpp"
 
 #include <array>
+#include <cerrno>
 #include <cstring>
 #include <new>
 #include <utility>
@@ -13,6 +14,7 @@
 #include "data/text_line.hpp"
 #include "run/context.hpp"
 #include "run/files.hpp"
+#include "run/notes.hpp"
 #include "run/rule_files.hpp"
 
 namespace lexon {
@@ -29,65 +31,90 @@ constexpr const char* kSentenceCaption = "sentence no.";
 struct Opening {
   bool succeeded = true;
   std::string message;
+  std::string reason;  // what the system says of it; may be empty
 };
 
-Opening failure(std::string message) {
-  return {false, std::move(message)};
+Opening failure(std::string message, std::string reason = {}) {
+  return {false, std::move(message), std::move(reason)};
+}
+
+// The system's words for the failure that has just been met.
+std::string system_reason() {
+  return errno != 0 ? std::strerror(errno) : std::string();
+}
+
+Opening failure_to_open(const char* what, const std::string& path) {
+  return failure(cannot_open(what, path), path.empty() ? "no path is given" : system_reason());
 }
 
 Opening open_output(const RunSettings& settings) {
   state.output = file_open(settings.output_file, "w");
-  return state.output != nullptr ? Opening{} : failure(cannot_open("Output File", settings.output_file));
+  return state.output != nullptr ? Opening{} : failure_to_open("Output File", settings.output_file);
 }
 
-// The index lies in the dictionary's folder, under the name in slot 1.
-std::FILE* open_index(const std::string& dictionary_file, IndexDescriptor** slots) {
-  return index_open(path_split(dictionary_file).folder.c_str(), slots, kKeyHw, true);
+// The index lies in the dictionary's folder, under the name in slot 1. `reason` receives why it cannot be opened.
+std::FILE* open_index(const std::string& dictionary_file, IndexDescriptor** slots, std::string& reason) {
+  const std::string folder = path_split(dictionary_file).folder;
+  errno = 0;
+  std::FILE* index = index_open(folder.c_str(), slots, kKeyHw, true);
+  if (index != nullptr) return index;
+  reason = slots[kKeyHw] == nullptr ? "it names no index" : folder + slots[kKeyHw]->name + ": " + system_reason();
+  return nullptr;
 }
 
 Opening open_dictionary(const RunSettings& settings, RunContext& context) {
   const std::string& path = settings.dictionary_file;
   context.dictionary = file_open(path, "rb");
-  if (context.dictionary == nullptr) return failure(cannot_open("Dictionary File", path));
+  if (context.dictionary == nullptr) return failure_to_open("Dictionary File", path);
   for (const int key_field : {kKeyHw, kKeyCw}) {
     const Status s = index_slot_read(context.dictionary, key_field, context.dictionary_slots.data());
     if (s != Status::ok) return failure(kNoMemory);
   }
-  if (context.dictionary_slots[kKeyCw] == nullptr) return failure("CW : No Index in Dictionary File : " + path + "!");
-  context.dictionary_index = open_index(path, context.dictionary_slots.data());
-  if (context.dictionary_index == nullptr) return failure(cannot_open("Dictionary Index File", path));
+  if (context.dictionary_slots[kKeyCw] == nullptr) {
+    return failure("CW : No Index in Dictionary File : " + path + "!", "no dictionary that lexon-dict has built");
+  }
+  std::string reason;
+  context.dictionary_index = open_index(path, context.dictionary_slots.data(), reason);
+  if (context.dictionary_index == nullptr) return failure(cannot_open("Dictionary Index File", path), reason);
   return {};
 }
 
 Opening open_input(const RunSettings& settings, RunContext& context) {
   context.input = file_open(settings.input_file, "r");
-  return context.input != nullptr ? Opening{} : failure(cannot_open("Input File", settings.input_file));
+  return context.input != nullptr ? Opening{} : failure_to_open("Input File", settings.input_file);
 }
 
-Status open_cr_files(const std::string& path, RunContext& context) {
+Status open_cr_files(const std::string& path, RunContext& context, std::string& reason) {
   context.cr_dictionary = file_open(path, "rb");
-  if (context.cr_dictionary == nullptr) return Status::ok;
+  if (context.cr_dictionary == nullptr) {
+    reason = system_reason();
+    return Status::ok;
+  }
   for (const int key_field : {1, 2, 3, 5, 6, 7}) {
     const Status s = index_slot_read(context.cr_dictionary, key_field, context.cr_slots.data());
     if (s != Status::ok) return s;
   }
-  context.cr_index = open_index(path, context.cr_slots.data());
+  context.cr_index = open_index(path, context.cr_slots.data(), reason);
   return Status::ok;
 }
 
 Opening open_cr_dictionary(const RunSettings& settings, RunContext& context, Host& host) {
   const std::string& path = settings.cr_dictionary_file;
   if (path.empty()) return {};
-  if (open_cr_files(path, context) != Status::ok) return failure(kNoMemory);
+  std::string reason;
+  if (open_cr_files(path, context, reason) != Status::ok) return failure(kNoMemory);
   if (context.cr_index != nullptr) return {};
   context.cr_dictionary = nullptr;
-  const bool goes_on = host.ask_yes_no(cannot_open("Cooccurrence Dictionary File", path) + " continue?");
+  const bool goes_on = host.ask_yes_no(cannot_open("Cooccurrence Dictionary File", path) + " continue?", reason);
   return goes_on ? Opening{} : failure({});
 }
 
 Opening open_rules(const RunSettings& settings, RunContext& context) {
+  errno = 0;
   std::string message = rule_files_open(settings.rule_file, context);
-  return message.empty() ? Opening{} : failure(std::move(message));
+  if (message.empty()) return {};
+  std::string reason = settings.rule_file.empty() ? "no path is given" : system_reason();
+  return failure(std::move(message), std::move(reason));
 }
 
 Opening open_all(const RunSettings& settings, RunContext& context, Host& host) {
@@ -128,15 +155,18 @@ bool ends_a_sentence(const char* line) {
   return std::strncmp(line, "[/S", 3) == 0 || std::strncmp(line, "[/T", 3) == 0;
 }
 
-// Reads whole lines up to the end of the `count`th sentence. False if the input ends before, or the run is cancelled.
+// Reads whole lines up to the end of the `count`th sentence. Returns how many it has passed over: fewer if the input
+// ends before, or the run is cancelled.
 // wanted: "[/T" ends a sentence here and nowhere else, and leading blanks do not.
-bool skip_sentences(std::FILE* input, std::int64_t count) {
+std::int64_t skip_sentences(RunContext& context, std::int64_t count) {
   std::array<char, kLineSize> line;
-  while (count > 0) {
-    if (must_leave() == Status::stopped || !text_line_read(input, line.data(), kLineSize)) return false;
-    if (ends_a_sentence(line.data())) --count;
+  std::int64_t passed = 0;
+  while (passed < count) {
+    if (must_leave() == Status::stopped) break;
+    if (!text_line_read(context.input, line.data(), kLineSize, &context.input_notes.text)) break;
+    if (ends_a_sentence(line.data())) ++passed;
   }
-  return true;
+  return passed;
 }
 
 const char* banner_of(std::int32_t status) {
@@ -156,9 +186,15 @@ void run_sentences(const RunSettings& settings, RunContext& context, Host& host)
       return;
     }
     const std::int32_t status = run_status;
-    if (status == run_state::end_of_input) return;
+    if (status == run_state::end_of_input) {
+      context.input_ended = true;
+      return;
+    }
     out_print("%s", banner_of(status));
+    ++context.tried;
     ++number;
+    // Nobody can read what comes behind a hole.
+    if (std::ferror(state.output) != 0) return;
     const bool has_no_end = settings.sentence_count == 0;
     // Without rules no sentence reads any input: a run without a count would go on for ever.
     if (has_no_end ? context.rules == nullptr : end <= number) return;
@@ -166,12 +202,14 @@ void run_sentences(const RunSettings& settings, RunContext& context, Host& host)
 }
 
 void run_steps(const RunSettings& settings, RunContext& context, Host& host) {
-  if (!run_rule_step(context, host) || settings.rules_conversion_only) return;
-  if (!skip_sentences(context.input, std::int64_t{settings.start_sentence} - 1)) {
-    if (must_leave() == Status::stopped) out_print(";;Cancelled!\n");
-    return;
-  }
-  run_sentences(settings, context, host);
+  if (!run_rule_step(context, host)) return;
+  note_rules(settings, context, host);
+  if (settings.rules_conversion_only) return;
+  const std::int64_t before = std::int64_t{settings.start_sentence} - 1;
+  context.skipped = skip_sentences(context, before);
+  if (context.skipped >= before) return run_sentences(settings, context, host);
+  context.input_ended = must_leave() != Status::stopped;
+  if (!context.input_ended) out_print(";;Cancelled!\n");
 }
 
 void release_slots(std::array<IndexDescriptor*, kKeyFields>& slots) {
@@ -212,10 +250,13 @@ void note_faults(const RunSettings& settings, const RunContext& context) {
 }
 
 void run(const RunSettings& settings, RunContext& context, Host& host) {
+  if (!pool_blocks_allow(settings.blocks)) return host.report_stop(kNoMemory, {});
+  note_settings(settings, host);
   if (const Opening opening = open_all(settings, context, host); opening.succeeded) {
     run_steps(settings, context, host);
+    note_input(settings, context, host);
   } else if (!opening.message.empty()) {
-    host.report_stop(opening.message);
+    host.report_stop(opening.message, opening.reason);
   }
   note_faults(settings, context);
 }
@@ -225,7 +266,7 @@ void run_guarded(const RunSettings& settings, RunContext& context, Host& host) {
   try {
     run(settings, context, host);
   } catch (const std::bad_alloc&) {
-    host.report_stop(kNoMemory);
+    host.report_stop(kNoMemory, {});
   }
 }
 
