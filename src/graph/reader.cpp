@@ -139,6 +139,7 @@ Status word_block_read(Reader& reader) {
       reader.block = {};
       return Status::ok;
     }
+    if (*line == '[') note_left_out(reader, "inside a block of words");
     if (*line == ';' || *line == '[' || is_lost()) continue;
     line[std::strcspn(line, "\n")] = '\0';
     // What cannot be entered is missing in the graph, or the sentence is refused.
@@ -299,9 +300,8 @@ Status read_graph(std::FILE* input, Node*& root, InputNotes* notes) {
   sentence.graph_relation_count = 0;
   Reader reader{input, root, notes, {}, {}, {}};
   const Status stop = lines_read(reader);
-  if (stop == Status::end_of_input && notes != nullptr) {
-    notes->unclosed = reader.block.number != 0 ? reader.block : reader.sentence;
-  }
+  const InputNotes::Line& open = reader.block.number != 0 ? reader.block : reader.sentence;
+  if (stop == Status::end_of_input && open.number != 0) notes->unclosed = open;
   if (state.abort == Status::memory && stop != Status::stopped) return Status::memory;
   const bool has_come_to_an_end = stop == Status::ok || stop == Status::end_of_input;
   if (!has_come_to_an_end || root != nullptr || sentence.refused) return stop;

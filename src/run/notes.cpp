@@ -54,7 +54,11 @@ void note_text(const std::string& path, const TextWatch& text, Host& host) {
   const auto tell = [&host](std::string what) { host.note({std::move(what), true, true}); };
   if (text.is_utf16) return tell(path + ":1: this text is UTF-16: save it as UTF-8");
   if (text.has_mark) tell(place(path, 1) + ": a byte order mark hides how this line begins: save the text without it");
-  if (text.nul != 0) tell(place(path, text.nul) + ": a NUL character hides the rest of this line: is this a text?");
+  if (text.nul != 0) {
+    return tell(place(path, text.nul) +
+                ": a NUL character hides the rest of this line: save the text as UTF-8, if it is "
+                "one");
+  }
   if (text.long_line != 0) {
     tell(place(path, text.long_line) + ": this line has more than 1022 characters: its rest counts as another line");
   }
@@ -96,8 +100,8 @@ void note_end(const RunSettings& settings, const RunContext& context, Host& host
   }
   if (!context.input_ended || context.tried != 0 || notes.text.line == 0) return;
   if (settings.start_sentence > 1) {
-    host.note({path + ": -S " + std::to_string(settings.start_sentence) + " is behind its end: it holds " +
-                   counted(context.skipped, "sentence", "sentences"),
+    host.note({path + ": -S " + std::to_string(settings.start_sentence) + " is behind its end: it has " +
+                   counted(context.skipped, "sentence that is closed", "sentences that are closed"),
                true, true});
   } else if (!notes.has_sentence) {
     host.note({path + ": holds no sentence: one begins with a line \"[S\" and ends with a line \"[/S]\"", true, true});
