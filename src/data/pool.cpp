@@ -273,8 +273,11 @@ void perm_release_all() {
   static_cast<void>(temp_release_all());
   pools.permanent_count = 0;
   free_blocks_from(0);
-  std::free(pools.more_blocks);
+  const int most_blocks = pools.most_blocks;
+  Block* const more_blocks = pools.more_blocks;
   pools = {};
+  pools.most_blocks = most_blocks;
+  pools.more_blocks = more_blocks;
 }
 
 void* checked_malloc(std::int64_t size) {

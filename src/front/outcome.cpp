@@ -9,7 +9,7 @@
 namespace lexon {
 
 void Outcome::count_step(const RunContext& context, StepResult result) {
-  has_losses = has_losses || context.input_notes.left_out != 0;
+  has_losses = has_losses || context.input_notes.left_out != 0 || context.rules_refused.value_or(0) != 0;
   if (result == StepResult::cancelled) {
     cancelled = true;
   } else if (!context.rule_step_done) {

@@ -28,7 +28,8 @@ struct InputNotes {
 // Reads from where the last call stopped up to the end of the next sentence, and builds its graph in the sentence's
 // tables, which the caller has cleared. `root` receives the entry node, or null. Returns ok when it stopped at the end
 // mark, or `end_of_input`, `memory`, or what every loop must leave with. A sentence that breaks a limit is read to its
-// end and `sentence.refused`; its graph is then of no use. `notes` goes on from call to call; null: nobody wants to know.
+// end and `sentence.refused`; its graph is then of no use. `notes` goes on from call to call; null: nobody wants to
+// know.
 [[nodiscard]] Status read_graph(std::FILE* input, Node*& root, InputNotes* notes = nullptr);
 
 }  // namespace lexon

@@ -5,6 +5,7 @@
 #include <atomic>
 #include <cstdint>
 #include <cstdio>
+#include <optional>
 
 #include "data/sentence.hpp"
 #include "dict/index.hpp"
@@ -32,12 +33,12 @@ struct RunContext {
   CompiledFile compiled_matrix;
   bool convert = false;  // the rule text is to be parsed
   bool rebuild_matrix = false;
-  bool rules_unwritten = false;     // the compiled rules could not be written; the run goes on
-  bool matrix_unwritten = false;    // likewise
-  bool rule_step_done = false;      // every step from now on is a sentence
-  bool rules_without_room = false;  // the rule step ended for want of memory
-  RuleNotes rule_notes;             // of the text, when it was parsed
-  std::int64_t refused_before = 0;  // rules that were refused when the compiled files were made, if that is known
+  bool rules_unwritten = false;               // the compiled rules could not be written; the run goes on
+  bool matrix_unwritten = false;              // likewise
+  bool rule_step_done = false;                // every step from now on is a sentence
+  bool rules_without_room = false;            // the rule step ended for want of memory
+  RuleNotes rule_notes;                       // of the text, when it was parsed
+  std::optional<std::int64_t> rules_refused;  // of the text; none if nobody has counted
   InputNotes input_notes;
   std::int64_t skipped = 0;  // sentences that were passed over
   std::int64_t tried = 0;    // sentences that were begun

@@ -113,6 +113,7 @@ Opening open_rules(const RunSettings& settings, RunContext& context) {
   errno = 0;
   std::string message = rule_files_open(settings.rule_file, context);
   if (message.empty()) return {};
+  if (!message.starts_with("Can't Open")) return failure(std::move(message));
   std::string reason = settings.rule_file.empty() ? "no path is given" : system_reason();
   return failure(std::move(message), std::move(reason));
 }

@@ -131,12 +131,6 @@ void note_rules(const RunSettings& settings, const RunContext& context, Host& ho
                                     "an empty line",
                true, true});
   }
-  if (context.refused_before != 0) {
-    const char* were = context.refused_before == 1 ? " was" : " were";
-    host.note({settings.rule_file + ": " + counted(context.refused_before, "rule", "rules") + were +
-                   " refused when these were compiled: --rebuild shows why",
-               true, true});
-  }
   note_room(settings, context, host);
 }
 
