@@ -17,7 +17,36 @@ bool is_control(std::uint32_t code) {
   return (code < 0x20 && code != '\t') || (code >= 0x7F && code < 0xA0);
 }
 
+// Line ends pass; the rest goes out as it may be shown.
+ssize_t write_shown(void* under, const char* text, std::size_t size) {
+  auto* stream = static_cast<std::FILE*>(under);
+  for (std::string_view rest(text, size); !rest.empty();) {
+    const std::string_view line = rest.substr(0, rest.find('\n'));
+    rest.remove_prefix(line.size());
+    const std::string shown = escaped(line);
+    std::fwrite(shown.data(), 1, shown.size(), stream);
+    if (rest.empty()) break;
+    std::fputc('\n', stream);
+    rest.remove_prefix(1);
+  }
+  return std::fflush(stream) == 0 ? static_cast<ssize_t>(size) : 0;
+}
+
 }  // namespace
+
+ShownStream::ShownStream(std::FILE* under) : under_(under), stream_(under) {
+  if (isatty(fileno(under)) == 0) return;
+  cookie_io_functions_t functions{};
+  functions.write = write_shown;
+  std::FILE* shown = fopencookie(under, "w", functions);
+  if (shown == nullptr) return;
+  std::setvbuf(shown, nullptr, _IOLBF, BUFSIZ);
+  stream_ = shown;
+}
+
+ShownStream::~ShownStream() {
+  if (stream_ != under_) std::fclose(stream_);
+}
 
 void process_begin() {
   for (const int descriptor : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {

@@ -1,6 +1,7 @@
 // How the process stands to its surroundings: standard descriptors, signals of failing writes, and its terminal.
 #pragma once
 
+#include <cstdio>
 #include <string>
 #include <string_view>
 
@@ -20,6 +21,23 @@ void tell_line(std::string_view line);
 
 // The same without its line end.
 void tell(std::string_view text);
+
+// A stream over another one that escapes what goes to a terminal, line by line; over one that goes elsewhere it is that
+// stream itself.
+class ShownStream {
+ public:
+  explicit ShownStream(std::FILE* under);
+  // Writes out what is buffered.
+  ~ShownStream();
+  ShownStream(const ShownStream&) = delete;
+  ShownStream& operator=(const ShownStream&) = delete;
+
+  [[nodiscard]] std::FILE* stream() const { return stream_; }
+
+ private:
+  std::FILE* under_;
+  std::FILE* stream_;
+};
 
 // `text` with what steers a terminal written as \xNN; tabs stay.
 [[nodiscard]] std::string escaped(std::string_view text);

@@ -220,12 +220,14 @@ void release_slots(std::array<IndexDescriptor*, kKeyFields>& slots) {
   }
 }
 
-// The name of the damaged file, as far as a run knows it: an index lies beside its dictionary.
+// The name of the damaged file: an index lies beside its dictionary, under the name in slot 1.
 std::string damaged_file(const RunSettings& settings, const RunContext& context) {
   const std::FILE* stream = lookup_damage.stream;
   const bool is_cr = stream == context.cr_dictionary || stream == context.cr_index;
   const bool is_index = stream == context.cr_index || stream == context.dictionary_index;
-  return (is_index ? "the index of " : "") + (is_cr ? settings.cr_dictionary_file : settings.dictionary_file);
+  const std::string& dictionary = is_cr ? settings.cr_dictionary_file : settings.dictionary_file;
+  const IndexDescriptor* slot = is_cr ? context.cr_slots[kKeyHw] : context.dictionary_slots[kKeyHw];
+  return is_index && slot != nullptr ? path_split(dictionary).folder + slot->name : dictionary;
 }
 
 void note_damage(const RunSettings& settings, const RunContext& context) {

@@ -236,7 +236,20 @@ def terminal(root):
     return None if status == 1 and b"no\\x1B[31m\\x0A.txt!" in shown else shown
 
 
-SCENES = [closed_pipe, full_answer, closed_descriptors, hang_up, two_at_once, terminal]
+def terminal_list(root):
+    folder = fresh(root, {"entries.txt": '[a\x1b[31m\u00e4]{} "a" (N);\n'})
+    run(["lexon-dict", "build", "entries.txt", "a.dic"], folder)
+    ours, theirs = pty.openpty()
+    status, _, _ = run(["lexon-dict", "find", "--cw", "a", "a.dic"], folder, stdout=theirs)
+    os.close(theirs)
+    shown = os.read(ours, 10000)
+    os.close(ours)
+    plain = run(["lexon-dict", "find", "--cw", "a", "a.dic"], folder)[1]
+    return None if status == 0 and "[a\\x1B[31m\u00e4]".encode() in shown and "[a\x1b[31m" in plain else shown
+
+
+SCENES = [closed_pipe, full_answer, closed_descriptors, hang_up, two_at_once, terminal,
+          terminal_list]
 
 
 def main():
