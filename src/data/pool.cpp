@@ -46,7 +46,7 @@ constexpr std::array<std::int32_t, 9> kCellSizes = {8, 16, 32, 64, 128, 256, 512
 constexpr std::int64_t kLargestCell = kCellSizes.back();
 constexpr std::int32_t kCellGuard = LEXON_CELL_GUARD;  // bytes behind each cell that belong to nobody
 constexpr std::int32_t kFirstBlockSize = 65535;
-constexpr int kMaxBlocks = 200;  // of both pools together
+constexpr int kUsualBlocks = 200;  // of both pools together
 
 struct FreeCell {
   FreeCell* next;
@@ -78,13 +78,20 @@ struct Pools {
   std::int32_t block_size = kFirstBlockSize;
   int permanent_count = 0;
   int top_count = 0;
-  std::array<Block, kMaxBlocks> blocks{};
+  int most_blocks = kUsualBlocks;
+  std::array<Block, kUsualBlocks> usual_blocks{};
+  Block* more_blocks = nullptr;  // the table of those behind, if more are allowed
   Classes permanent{};
   Classes sentence{};
   LargeCell large{};  // heads the sentence's large cells
 };
 
 constinit Pools pools;
+
+Block& block_at(int number) {
+  return number < kUsualBlocks ? pools.usual_blocks[static_cast<std::size_t>(number)]
+                               : pools.more_blocks[number - kUsualBlocks];
+}
 
 std::size_t class_of(std::int64_t size) {
   std::size_t index = 0;
@@ -101,7 +108,7 @@ struct Range {
 void* serve_from_blocks(const Range& range, int& first_open, std::int32_t cell_size) {
   if (first_open < range.first) first_open = range.first;
   for (; first_open < range.end; ++first_open) {
-    Block& block = pools.blocks[static_cast<std::size_t>(first_open)];
+    Block& block = block_at(first_open);
     if (block.used + cell_size > pools.block_size) continue;
     void* cell = block.start + block.used;
     block.used += cell_size;
@@ -112,19 +119,18 @@ void* serve_from_blocks(const Range& range, int& first_open, std::int32_t cell_s
 
 // The permanent pool must not grow while the sentence's pool holds blocks; should it, that pool's first entry moves.
 void make_room_for_permanent_block() {
-  if (pools.top_count <= pools.permanent_count || pools.top_count >= kMaxBlocks) return;
-  const auto first = static_cast<std::size_t>(pools.permanent_count);
-  pools.blocks[static_cast<std::size_t>(pools.top_count++)] = std::exchange(pools.blocks[first], {});
+  if (pools.top_count <= pools.permanent_count || pools.top_count >= pools.most_blocks) return;
+  block_at(pools.top_count++) = std::exchange(block_at(pools.permanent_count), {});
 }
 
 // Halves the block size as long as the heap refuses; the lowered size stays.
 void* serve_from_new_block(const Range& range, std::int32_t cell_size) {
-  if (range.end >= kMaxBlocks || pools.top_count >= kMaxBlocks) return nullptr;
+  if (range.end >= pools.most_blocks || pools.top_count >= pools.most_blocks) return nullptr;
   if (&range.end == &pools.permanent_count) make_room_for_permanent_block();
   for (; cell_size <= pools.block_size; pools.block_size /= 2) {
     auto* start = static_cast<char*>(checked_malloc(pools.block_size));
     if (start == nullptr) continue;
-    pools.blocks[static_cast<std::size_t>(range.end)] = {cell_size, start};
+    block_at(range.end) = {cell_size, start};
     ++range.end;
     forbid(start, static_cast<std::size_t>(pools.block_size));
     return start;
@@ -178,12 +184,12 @@ void class_free(Classes& classes, void* cell, std::int64_t size) {
 }
 
 void clear_blocks_from(int first) {
-  for (std::size_t i = static_cast<std::size_t>(first); i < pools.blocks.size(); ++i) pools.blocks[i] = {};
+  for (int i = first; i < pools.most_blocks; ++i) block_at(i) = {};
 }
 
 void free_blocks_from(int first) {
   for (int i = first; i < pools.top_count; ++i) {
-    Block& block = pools.blocks[static_cast<std::size_t>(i)];
+    Block& block = block_at(i);
     allow(block.start, static_cast<std::size_t>(kFirstBlockSize));
     std::free(block.start);
     block = {};
@@ -252,11 +258,26 @@ int temp_release_all() {
   return 0;
 }
 
+bool pool_blocks_allow(int blocks) {
+  Block* more = nullptr;
+  if (blocks > kUsualBlocks) {
+    more = static_cast<Block*>(std::calloc(static_cast<std::size_t>(blocks - kUsualBlocks), sizeof(Block)));
+    if (more == nullptr) return false;
+  }
+  std::free(std::exchange(pools.more_blocks, more));
+  pools.most_blocks = blocks;
+  return true;
+}
+
 void perm_release_all() {
   static_cast<void>(temp_release_all());
   pools.permanent_count = 0;
   free_blocks_from(0);
+  const int most_blocks = pools.most_blocks;
+  Block* const more_blocks = pools.more_blocks;
   pools = {};
+  pools.most_blocks = most_blocks;
+  pools.more_blocks = more_blocks;
 }
 
 void* checked_malloc(std::int64_t size) {
@@ -281,10 +302,13 @@ char* perm_text(std::string_view text) {
 }
 
 PoolFigures pool_figures() {
-  PoolFigures figures{pools.permanent_count, 0, 0};
+  PoolFigures figures{};
+  figures.permanent_blocks = pools.permanent_count;
+  figures.room_bytes = std::int64_t{pools.most_blocks} * kFirstBlockSize;
+  for (int i = 0; i < pools.permanent_count; ++i) figures.permanent_bytes_used += block_at(i).used;
   for (int i = pools.permanent_count; i < pools.top_count; ++i) {
     ++figures.sentence_blocks;
-    figures.sentence_bytes_used += pools.blocks[static_cast<std::size_t>(i)].used;
+    figures.sentence_bytes_used += block_at(i).used;
   }
   return figures;
 }

@@ -33,6 +33,10 @@ void temp_free_string(char* text);
 // 0.
 int temp_release_all();
 
+// How many blocks of 65535 bytes both pools may have together: 200 unless told otherwise. To be set while both are
+// empty. False, and nothing changes, if there is no memory for their table.
+[[nodiscard]] bool pool_blocks_allow(int blocks);
+
 // Frees every block of both pools: the rules of the run are gone with all else. For a program that makes another run.
 // The permanent pool's cells above 4096 bytes are not covered.
 void perm_release_all();
@@ -100,6 +104,8 @@ struct PoolFigures {
   int permanent_blocks;
   int sentence_blocks;
   std::int64_t sentence_bytes_used;  // given out from the blocks' starts; cells on free lists count
+  std::int64_t permanent_bytes_used;
+  std::int64_t room_bytes;  // of all blocks that there may be
 };
 [[nodiscard]] PoolFigures pool_figures();
 

@@ -1,5 +1,9 @@
 #include "data/text_line.hpp"
 
+#include <string_view>
+
+#include "data/utf8.hpp"
+
 namespace lexon {
 
 namespace {
@@ -14,9 +18,47 @@ int next_char(std::FILE* stream) {
   return c;
 }
 
+void set_first(std::int64_t& place, std::int64_t line) {
+  if (place == 0) place = line;
+}
+
+// A piece may end within a character: what its last bytes lack says nothing.
+bool may_be_cut(std::string_view rest, bool goes_on) {
+  return goes_on && rest.size() < 4 && static_cast<unsigned char>(rest.front()) >= 0xC2;
+}
+
+void watch_characters(TextWatch& watch, std::string_view piece) {
+  while (!piece.empty()) {
+    const Utf8Character character = utf8_first(piece);
+    if (!character.is_valid && !may_be_cut(piece, watch.goes_on)) set_first(watch.other, watch.line);
+    if (character.length > 1) set_first(watch.utf8, watch.line);
+    piece.remove_prefix(character.length);
+  }
+}
+
+void watch_piece(TextWatch& watch, std::string_view piece) {
+  const bool begins_line = !watch.goes_on;
+  if (begins_line) ++watch.line;
+  watch.goes_on = piece.back() != '\n';
+  if (begins_line && watch.line == 1) {
+    watch.is_utf16 = piece.starts_with("\xFF\xFE") || piece.starts_with("\xFE\xFF");
+    watch.has_mark = piece.starts_with("\xEF\xBB\xBF");
+  }
+  if (!begins_line) set_first(watch.long_line, watch.line);
+  bool is_plain = true;
+  bool has_nul = false;
+  for (const char c : piece) {
+    is_plain = is_plain && static_cast<unsigned char>(c) < 0x80;
+    has_nul = has_nul || c == '\0';
+  }
+  if (has_nul) set_first(watch.nul, watch.line);
+  // The head of a line alone is looked at where it comes in pieces.
+  if (!is_plain && begins_line) watch_characters(watch, piece);
+}
+
 }  // namespace
 
-bool text_line_read(std::FILE* stream, char* buffer, int size) {
+bool text_line_read(std::FILE* stream, char* buffer, int size, TextWatch* watch) {
   int length = 0;
   while (length < size - 1) {
     const int c = next_char(stream);
@@ -26,6 +68,7 @@ bool text_line_read(std::FILE* stream, char* buffer, int size) {
   }
   if (length == 0) return false;
   buffer[length] = '\0';
+  if (watch != nullptr) watch_piece(*watch, {buffer, static_cast<std::size_t>(length)});
   return true;
 }
 

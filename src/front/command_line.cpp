@@ -2,7 +2,7 @@
 
 #include <charconv>
 #include <filesystem>
-#include <optional>
+#include <limits>
 #include <vector>
 
 #include "data/chars.hpp"
@@ -21,6 +21,8 @@ constexpr const char* kSwitches =
     "  -Q, --quiet          no progress          --progress=plain   progress as plain lines\n"
     "  --yes                yes to every question\n"
     "  --check-dictionary   compare the dictionaries with what was built, byte by byte\n"
+    "  --strict             status 3 also for what was left out: lines, rules, sentences without an end\n"
+    "  --blocks N           memory of rules and a sentence together, in blocks of 64 KiB (200)\n"
     "  --help, --version\n"
     "\n"
     "Exit status: 0 every sentence done, 1 the run could not start, 2 wrong command line, 3 a sentence failed or ran\n"
@@ -66,8 +68,18 @@ class Words {
   std::size_t offset_ = 0;
 };
 
+// What is wrong with a path, for the user; empty if nothing is.
+struct PathRead {
+  std::string path;
+  std::string fault;
+};
+
+std::string too_long(std::size_t length) {
+  return "has " + std::to_string(length) + " characters, and " + std::to_string(kPathLimit) + " is the limit";
+}
+
 // The text behind an opening quote up to the closing one, which may stand in a later word.
-std::string take_quoted(Words& words) {
+PathRead take_quoted(Words& words) {
   std::string text;
   words.advance(1);
   while (!words.at_end()) {
@@ -82,42 +94,54 @@ std::string take_quoted(Words& words) {
     words.advance(rest.size());
     if (!words.at_end()) text += ' ';
   }
-  if (text.size() > kPathLimit) text.resize(kPathLimit);
-  return text;
+  if (text.size() <= kPathLimit) return {text, {}};
+  return {text.substr(0, kPathLimit), too_long(text.size()) + ": the rest is left away"};
 }
 
-// Against the current folder; empty if it cannot be had or is too long.
-std::string absolute_path(const std::string& path) {
-  if (path.empty()) return {};
+// Against the current folder; the path is empty if that cannot be had or makes it too long.
+PathRead absolute_path(const PathRead& read) {
+  if (read.path.empty()) return read;
   std::error_code error;
-  const std::string whole = std::filesystem::absolute(path, error).lexically_normal().string();
-  return error || whole.size() > kPathLimit ? std::string() : whole;
+  const std::string whole = std::filesystem::absolute(read.path, error).lexically_normal().string();
+  if (error) return {{}, "cannot be made absolute: " + error.message()};
+  if (whole.size() > kPathLimit) return {{}, "made absolute " + too_long(whole.size())};
+  return {whole, read.fault};
 }
 
-std::string take_path(Words& words) {
+PathRead take_path(Words& words) {
   if (words.at_end()) return {};
-  const std::string text = words.rest().starts_with('"') ? take_quoted(words) : std::string(words.take_rest());
-  return absolute_path(text);
+  return absolute_path(words.rest().starts_with('"') ? take_quoted(words)
+                                                     : PathRead{std::string(words.take_rest()), {}});
 }
 
-std::optional<std::int32_t> number_of(std::string_view text) {
-  if (text.size() > 1 && text.front() == '+' && is_digit(text[1])) text.remove_prefix(1);
-  std::int32_t number = 0;
-  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
-  const bool is_number = error == std::errc() && end == text.data() + text.size();
-  return is_number ? std::optional(number) : std::nullopt;
+struct NumberRead {
+  std::int32_t value = 0;
+  bool is_whole = false;  // the text is a number and nothing else, and has room in 32 bits
+};
+
+// The number at the start of `text`, as atoi reads it: 0 without a digit. What goes beyond 32 bits stays at their end.
+NumberRead number_at_start(std::string_view text) {
+  const bool has_plus = text.size() > 1 && text.front() == '+' && is_digit(text[1]);
+  if (has_plus) text.remove_prefix(1);
+  NumberRead read;
+  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), read.value);
+  if (error == std::errc::result_out_of_range) {
+    using Limits = std::numeric_limits<std::int32_t>;
+    read.value = text.front() == '-' ? Limits::min() : Limits::max();
+  }
+  read.is_whole = error == std::errc() && end == text.data() + text.size();
+  return read;
 }
 
 // Reads the value of a switch. Without a word behind the switch the default stays.
-void take_number(Words& words, char letter, std::int32_t& value, std::string& error) {
+void take_number(Words& words, char letter, std::int32_t& value, CommandLine& line) {
   words.skip_blanks();
   if (words.at_end()) return;
-  const std::string_view text = words.take_to_blank();
-  if (const std::optional<std::int32_t> number = number_of(text)) {
-    value = *number;
-  } else {
-    error = std::string("the value of -") + letter + " is no number: " + std::string(text);
-  }
+  const std::string text(words.take_to_blank());
+  const NumberRead read = number_at_start(text);
+  value = read.value;
+  if (read.is_whole) return;
+  line.notes.push_back(std::string("-") + letter + ": \"" + text + "\" is read as " + std::to_string(value));
 }
 
 void skip_letter(Words& words, char upper_case) {
@@ -143,27 +167,36 @@ bool take_caret_switch(Words& words, char letter, CommandLine& line) {
   }
 }
 
+// The run goes on without the dictionary.
+void take_cr_dictionary(Words& words, CommandLine& line) {
+  const PathRead read = take_path(words);
+  line.settings.cr_dictionary_file = read.path;
+  const std::string fault = read.path.empty() && read.fault.empty() ? "no path behind it" : read.fault;
+  if (fault.empty()) return;
+  line.path_faults.push_back("-C: " + fault + (read.path.empty() ? ": no co-occurrence dictionary is used" : ""));
+}
+
 bool take_dash_switch(Words& words, char letter, CommandLine& line) {
   RunSettings& settings = line.settings;
   switch (letter) {
     case 'C':
       words.skip_blanks();
-      settings.cr_dictionary_file = take_path(words);
+      take_cr_dictionary(words, line);
       return true;
     case 'G':
       settings.run_at_once = true;
       skip_letter(words, 'O');
       return true;
-    case 'L': take_number(words, letter, settings.trace_level, line.error); return true;
+    case 'L': take_number(words, letter, settings.trace_level, line); return true;
     case 'M': settings.reserved_b = true; return true;
-    case 'N': take_number(words, letter, settings.sentence_count, line.error); return true;
+    case 'N': take_number(words, letter, settings.sentence_count, line); return true;
     case 'Q': line.progress = ProgressStyle::none; return true;
     case 'R':
       settings.rules_conversion_only = true;
       skip_word(words);
       return true;
-    case 'S': take_number(words, letter, settings.start_sentence, line.error); return true;
-    case 'T': take_number(words, letter, settings.max_time_per_sentence, line.error); return true;
+    case 'S': take_number(words, letter, settings.start_sentence, line); return true;
+    case 'T': take_number(words, letter, settings.max_time_per_sentence, line); return true;
     case 'W':
       settings.show_progress = true;
       skip_word(words);
@@ -186,9 +219,19 @@ void take_switch(Words& words, CommandLine& line) {
   if (!known) line.error = "unknown switch: " + std::string(text);
 }
 
-// The long options may stand anywhere. True if `word` is one.
-bool take_long_option(std::string_view word, CommandLine& line) {
+void take_blocks(std::string_view text, CommandLine& line) {
+  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), line.settings.blocks);
+  const bool is_number = error == std::errc() && end == text.data() + text.size();
+  if (is_number && line.settings.blocks >= 1 && line.settings.blocks <= kMostBlocks) return;
+  line.error =
+      "--blocks wants a number from 1 to " + std::to_string(kMostBlocks) + ", not \"" + std::string(text) + '"';
+}
+
+// The long options may stand anywhere. Takes the one in front, with its value, off `words`; false if there is none.
+bool take_long_option(std::span<const char* const>& words, CommandLine& line) {
+  const std::string_view word = words.front();
   if (!word.starts_with("--")) return false;
+  words = words.subspan(1);
   if (word == "--help") {
     line.help = true;
   } else if (word == "--version") {
@@ -201,6 +244,13 @@ bool take_long_option(std::string_view word, CommandLine& line) {
     line.progress = ProgressStyle::none;
   } else if (word == "--progress=plain") {
     line.progress = ProgressStyle::plain;
+  } else if (word == "--strict") {
+    line.settings.strict = true;
+  } else if (word.starts_with("--blocks=")) {
+    take_blocks(word.substr(9), line);
+  } else if (word == "--blocks") {
+    take_blocks(words.empty() ? "" : words.front(), line);
+    if (!words.empty()) words = words.subspan(1);
   } else {
     line.error = "unknown option: " + std::string(word);
   }
@@ -212,15 +262,24 @@ bool take_long_option(std::string_view word, CommandLine& line) {
 CommandLine command_line_read(std::span<const char* const> given) {
   CommandLine line;
   std::vector<const char*> bare;
-  for (const char* word : given) {
-    if (!take_long_option(word, line)) bare.push_back(word);
+  while (!given.empty()) {
+    if (take_long_option(given, line)) continue;
+    bare.push_back(given.front());
+    given = given.subspan(1);
   }
   Words words(bare);
-  for (std::string* path : {&line.settings.dictionary_file, &line.settings.rule_file, &line.settings.input_file,
-                            &line.settings.output_file}) {
-    *path = take_path(words);
+  RunSettings& settings = line.settings;
+  const std::pair<const char*, std::string*> paths[] = {{"DICTIONARY", &settings.dictionary_file},
+                                                        {"RULES", &settings.rule_file},
+                                                        {"INPUT", &settings.input_file},
+                                                        {"OUTPUT", &settings.output_file}};
+  for (const auto& [name, path] : paths) {
+    const PathRead read = take_path(words);
+    *path = read.path;
+    if (!read.fault.empty()) line.path_faults.push_back(std::string("the path of ") + name + ' ' + read.fault);
   }
   for (words.skip_blanks(); !words.at_end() && line.error.empty(); words.skip_blanks()) take_switch(words, line);
+  if (settings.strict && line.error.empty() && !line.path_faults.empty()) line.error = line.path_faults.front();
   return line;
 }
 

@@ -4,6 +4,7 @@
 #include <span>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "run/settings.hpp"
 
@@ -19,11 +20,15 @@ struct CommandLine {
   bool yes = false;  // the answer to every question
   ProgressStyle progress = ProgressStyle::automatic;
   std::string error;  // what is wrong with the command line; empty if nothing is
+  // What the user may not have meant, though the run goes on: numbers, and paths that are missing or too long. With
+  // `strict` the first of the paths is an error.
+  std::vector<std::string> notes;
+  std::vector<std::string> path_faults;
 };
 
 // Reads the words of a command line, the program's name not among them. A switch is "-" or "^" and a letter, of either
-// case, its value joined to it or the next word. Relative paths are made absolute. Anything that is no switch, a fifth
-// bare word and a value that is no number leave an `error`.
+// case, its value joined to it or the next word. Relative paths are made absolute. Anything that is no switch and a
+// fifth bare word leave an `error`.
 [[nodiscard]] CommandLine command_line_read(std::span<const char* const> words);
 
 // How to call a program: `call` is its name and its paths.

@@ -1,10 +1,15 @@
 #include "front/console.hpp"
 
+#include <algorithm>
 #include <cstdio>
+#include <string_view>
 
 #include <unistd.h>
 
+#include "front/process.hpp"
 #include "front/signals.hpp"
+#include "run/context.hpp"
+#include "run/notes.hpp"
 
 namespace lexon {
 
@@ -13,6 +18,22 @@ namespace {
 using std::chrono::steady_clock;
 
 constexpr std::chrono::milliseconds kPlainInterval{1000};
+
+std::string with_reason(std::string text, const std::string& reason) {
+  if (text.ends_with('\n')) text.pop_back();
+  return reason.empty() ? text : text + " (" + reason + ')';
+}
+
+// "4 lines left out: line 3 (why), line 8 (why), line 9 (why), ..."
+std::string left_out_text(const InputNotes& input) {
+  std::string text = counted(input.left_out, "line", "lines") + " left out: ";
+  const std::int64_t shown = std::min(input.left_out, static_cast<std::int64_t>(input.first.size()));
+  for (std::int64_t i = 0; i < shown; ++i) {
+    const InputNotes::Line& line = input.first[static_cast<std::size_t>(i)];
+    text += (i == 0 ? "line " : ", line ") + std::to_string(line.number) + " (" + line.why + ')';
+  }
+  return shown < input.left_out ? text + ", ..." : text;
+}
 
 double seconds_since(steady_clock::time_point start) {
   return std::chrono::duration<double>(steady_clock::now() - start).count();
@@ -29,16 +50,27 @@ ConsoleHost::ConsoleHost(const CommandLine& line)
       start_(steady_clock::now()),
       last_shown_(start_) {
   progress_.limit = line.settings.max_time_per_sentence;
+  outcome_.strict = line.settings.strict;
 }
 
-void ConsoleHost::report_stop(const std::string& text) {
+void ConsoleHost::report_stop(const std::string& text, const std::string& reason) {
   outcome_.could_not_start = true;
-  const bool ends_line = text.ends_with('\n');
-  std::fprintf(stderr, "%s%s", text.c_str(), ends_line ? "" : "\n");
+  tell_line(with_reason(text, reason));
 }
 
-bool ConsoleHost::ask_yes_no(const std::string& text) {
-  std::fprintf(stderr, "%s [y/N] ", text.c_str());
+void ConsoleHost::note(const Note& note) {
+  outcome_.has_losses = outcome_.has_losses || note.is_loss;
+  clear_progress();
+  if (!note.has_place) tell("lexon: ");
+  for (std::string_view rest = note.text; !rest.empty();) {
+    const std::string_view line = rest.substr(0, rest.find('\n'));
+    tell_line(line);
+    rest.remove_prefix(std::min(line.size() + 1, rest.size()));
+  }
+}
+
+bool ConsoleHost::ask_yes_no(const std::string& text, const std::string& reason) {
+  tell(with_reason(text, reason) + " [y/N] ");
   bool answer = answers_yes_;
   if (!answer && isatty(STDIN_FILENO) != 0) {
     const int first = std::getchar();
@@ -66,10 +98,10 @@ StepResult ConsoleHost::wait_for_step() {
 }
 
 StepResult ConsoleHost::run_step(RunContext& context, const char* caption, std::int32_t number) {
-  const bool is_rule_step = !context.rule_step_done;
+  context_ = &context;
   step_begin(progress_, context, caption, number);
   const StepResult result = wait_for_step();
-  outcome_.count_step(is_rule_step, result);
+  outcome_.count_step(context, result);
   show_progress(false);
   return result;
 }
@@ -89,19 +121,31 @@ void ConsoleHost::show_progress(bool last) {
   std::fflush(stderr);
 }
 
-void ConsoleHost::show_summary() {
+void ConsoleHost::clear_progress() const {
   if (shows_line_) std::fputs("\r\033[K", stderr);
-  if (!shows_summary_ || outcome_.could_not_start) return;
-  std::fprintf(stderr, "%lld done, %lld failed, %lld over time, %lld cancelled; %.1f s\n",
-               static_cast<long long>(outcome_.done), static_cast<long long>(outcome_.failed),
-               static_cast<long long>(outcome_.over_time), static_cast<long long>(outcome_.cancelled),
-               seconds_since(start_));
+}
+
+// Beyond what was done only what happened.
+void ConsoleHost::show_summary() const {
+  clear_progress();
+  if (!shows_summary_ || outcome_.could_not_start || context_ == nullptr) return;
+  const InputNotes& input = context_->input_notes;
+  std::string text = std::to_string(outcome_.done) + " done";
+  const auto add = [&text](std::int64_t count, const char* what) {
+    if (count != 0) text += ", " + std::to_string(count) + what;
+  };
+  add(outcome_.failed, " failed");
+  add(outcome_.over_time, " over time");
+  add(outcome_.cancelled ? 1 : 0, " cancelled");
+  add(input.unclosed.number != 0 ? 1 : 0, " unclosed");
+  if (input.left_out != 0) text += "; " + left_out_text(input);
+  std::fprintf(stderr, "%s; %.1f s\n", text.c_str(), seconds_since(start_));
 }
 
 void ConsoleHost::finish() {
   if (cancel_was_signalled()) outcome_.cancelled = true;
+  for (const std::string& note : outcome_.finish()) tell_line("lexon: " + note);
   show_summary();
-  for (const std::string& note : outcome_.finish()) std::fprintf(stderr, "lexon: %s\n", note.c_str());
 }
 
 }  // namespace lexon

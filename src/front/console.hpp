@@ -16,8 +16,9 @@ class ConsoleHost final : public Host {
  public:
   explicit ConsoleHost(const CommandLine& line);
 
-  void report_stop(const std::string& text) override;
-  bool ask_yes_no(const std::string& text) override;
+  void report_stop(const std::string& text, const std::string& reason) override;
+  bool ask_yes_no(const std::string& text, const std::string& reason) override;
+  void note(const Note& note) override;
   void minimise() override {}
   StepResult run_step(RunContext& context, const char* caption, std::int32_t number) override;
   void finish() override;
@@ -28,11 +29,13 @@ class ConsoleHost final : public Host {
  private:
   StepResult wait_for_step();
   void show_progress(bool last);
-  void show_summary();
+  void clear_progress() const;
+  void show_summary() const;
 
   ProgressState progress_;
   Outcome outcome_;
-  std::int64_t wanted_;  // sentences; 0: not known
+  const RunContext* context_ = nullptr;  // of the run, once a step of it has begun
+  std::int64_t wanted_;                  // sentences; 0: not known
   bool answers_yes_;
   bool shows_line_;   // a line that is written over
   bool shows_plain_;  // plain lines

@@ -2,7 +2,6 @@
 
 #include <CLI/CLI.hpp>
 
-#include <csignal>
 #include <cstdint>
 #include <cstdio>
 #include <exception>
@@ -14,6 +13,7 @@
 #include "dicttool/check.hpp"
 #include "dicttool/list.hpp"
 #include "dicttool/record_view.hpp"
+#include "front/process.hpp"
 
 namespace {
 
@@ -66,7 +66,7 @@ int run_build(Arguments& arguments) {
   for (const std::string& name : arguments.keys) options.key_fields |= key_bit(name);
   options.memory = std::size_t{arguments.memory_mib} << 20;
   BuildFigures figures;
-  if (!dictionary_build(options, stderr, figures)) return kFailed;
+  if (!dictionary_build(options, ShownStream(stderr).stream(), figures)) return kFailed;
   std::printf("%s in %s (%u blocks), index in %s (%u blocks)", counted(figures.entries, "entry", "entries").c_str(),
               options.dictionary.c_str(), figures.dictionary_blocks, figures.index.c_str(), figures.index_blocks);
   if (figures.bad_lines != 0) std::printf(", %s left out", counted(figures.bad_lines, "bad line", "bad lines").c_str());
@@ -75,12 +75,15 @@ int run_build(Arguments& arguments) {
 }
 
 int run_list(const Arguments& arguments) {
-  return dictionary_list(arguments.dictionary, stdout, stderr) ? kDone : kFailed;
+  const ShownStream out(stdout);
+  return dictionary_list(arguments.dictionary, out.stream(), ShownStream(stderr).stream()) ? kDone : kFailed;
 }
 
 int run_find(const Arguments& arguments, bool by_hw) {
   const std::string& key = by_hw ? arguments.hw : arguments.cw;
-  const FindResult result = dictionary_find(arguments.dictionary, by_hw ? kKeyHw : kKeyCw, key, stdout, stderr);
+  const ShownStream out(stdout);
+  const FindResult result =
+      dictionary_find(arguments.dictionary, by_hw ? kKeyHw : kKeyCw, key, out.stream(), ShownStream(stderr).stream());
   if (result == FindResult::nothing) std::fprintf(stderr, "nothing is found\n");
   return result == FindResult::found ? kDone : kFailed;
 }
@@ -88,7 +91,7 @@ int run_find(const Arguments& arguments, bool by_hw) {
 int run_check(const Arguments& arguments) {
   CheckFigures figures;
   const std::size_t memory = std::size_t{arguments.memory_mib} << 20;
-  const bool is_sound = dictionary_check(arguments.dictionary, stderr, memory, figures);
+  const bool is_sound = dictionary_check(arguments.dictionary, ShownStream(stderr).stream(), memory, figures);
   if (is_sound) {
     const std::string keys = counted(figures.keys - figures.unasked, "key", "keys");
     std::printf("%s: sound: %s, each found once by each of %s%s\n", arguments.dictionary.c_str(),
@@ -155,7 +158,7 @@ int run(int argc, char** argv) {
 
 // The status of a command whose output has to arrive.
 int with_output_written(int status) {
-  if (std::fflush(stdout) == 0 && std::ferror(stdout) == 0) return status;
+  if (standard_output_is_whole()) return status;
   std::fputs("lexon-dict: the output could not be written whole\n", stderr);
   return kOutputShort;
 }
@@ -163,8 +166,7 @@ int with_output_written(int status) {
 }  // namespace
 
 int main(int argc, char** argv) {
-  // A file that must not grow further is a write that fails, and is told like others.
-  std::signal(SIGXFSZ, SIG_IGN);
+  process_begin();
   try {
     return with_output_written(run(argc, argv));
   } catch (const std::bad_alloc&) {

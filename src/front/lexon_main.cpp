@@ -9,6 +9,9 @@ namespace {
 int run_in_terminal(const lexon::CommandLine& line, int, char**) {
   lexon::cancel_on_signals();
   lexon::ConsoleHost host(line);
+  for (const auto* list : {&line.notes, &line.path_faults}) {
+    for (const std::string& note : *list) host.note({note});
+  }
   lexon::run_driver(line.settings, host);
   return host.exit_status();
 }

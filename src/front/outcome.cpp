@@ -8,11 +8,12 @@
 
 namespace lexon {
 
-void Outcome::count_step(bool is_rule_step, StepResult result) {
+void Outcome::count_step(const RunContext& context, StepResult result) {
+  has_losses = has_losses || context.input_notes.left_out != 0 || context.rules_refused.value_or(0) != 0;
   if (result == StepResult::cancelled) {
     cancelled = true;
-  } else if (is_rule_step) {
-    rules_failed = run_status == run_state::failed;
+  } else if (!context.rule_step_done) {
+    rules_failed = run_status == run_state::failed && !context.rule_notes.last_line_fails;
   } else if (run_status == run_state::failed) {
     ++failed;
   } else if (run_status == run_state::over_time) {
@@ -36,7 +37,7 @@ int Outcome::exit_status() const {
   if (could_not_start) return 1;
   if (output_failed) return 4;
   if (cancelled) return kCancelledStatus;
-  return failed != 0 || over_time != 0 || rules_failed ? 3 : 0;
+  return failed != 0 || over_time != 0 || rules_failed || (strict && has_losses) ? 3 : 0;
 }
 
 }  // namespace lexon

@@ -21,9 +21,11 @@ struct Outcome {
   bool could_not_start = false;
   bool rules_failed = false;
   bool output_failed = false;
+  bool has_losses = false;  // the run did less than its files say
+  bool strict = false;      // then it has failed
 
   // Counts a step that has just ended.
-  void count_step(bool is_rule_step, StepResult result);
+  void count_step(const RunContext& context, StepResult result);
 
   // Behind the last step: writes out what is still buffered. What the user ought to know beside the output.
   [[nodiscard]] std::vector<std::string> finish();

@@ -1,9 +1,10 @@
 #include "front/program.hpp"
 
-#include <csignal>
 #include <cstdio>
 #include <new>
 #include <span>
+
+#include "front/process.hpp"
 
 namespace lexon {
 
@@ -13,19 +14,26 @@ void print_usage(const Program& program, std::FILE* stream) {
   std::fputs(usage_text(program.usage).c_str(), stream);
 }
 
+// The status of an answer on standard output.
+int answered(const Program& program) {
+  if (standard_output_is_whole()) return 0;
+  tell_line(program.name + std::string(": the output could not be written whole"));
+  return 4;
+}
+
 int start(const Program& program, int argc, char** argv) {
   const std::span words(argv, static_cast<std::size_t>(argc));
   const CommandLine line = command_line_read(words.subspan(words.empty() ? 0 : 1));
   if (line.help) {
     print_usage(program, stdout);
-    return 0;
+    return answered(program);
   }
   if (line.version) {
     std::printf("%s %s\n", program.name, LEXON_VERSION);
-    return 0;
+    return answered(program);
   }
   if (!line.error.empty() || (words.size() < 2 && !program.starts_without)) {
-    if (!line.error.empty()) std::fprintf(stderr, "%s: %s\n", program.name, line.error.c_str());
+    if (!line.error.empty()) tell_line(program.name + (": " + line.error));
     print_usage(program, stderr);
     return 2;
   }
@@ -35,8 +43,7 @@ int start(const Program& program, int argc, char** argv) {
 }  // namespace
 
 int program_main(const Program& program, int argc, char** argv) {
-  // A file that must not grow further is a write that fails, and is told like others.
-  std::signal(SIGXFSZ, SIG_IGN);
+  process_begin();
   try {
     return start(program, argc, argv);
   } catch (const std::bad_alloc&) {

@@ -13,8 +13,7 @@ struct Program {
 };
 
 // The main function of `program`. Returns the exit status: that of `run`, 0 for help and version, 2 for a wrong command
-// line, 1 where memory is exhausted outside the steps of a run. Writes to a file that must not grow fail from here on,
-// instead of ending the program.
+// line, 1 where memory is exhausted outside the steps of a run, 4 for an answer that did not arrive.
 [[nodiscard]] int program_main(const Program& program, int argc, char** argv);
 
 }  // namespace lexon

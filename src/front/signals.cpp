@@ -1,6 +1,8 @@
 #include "front/signals.hpp"
 
 #include <csignal>
+#include <cstdint>
+#include <ctime>
 
 #include <unistd.h>
 
@@ -11,11 +13,30 @@ namespace lexon {
 
 namespace {
 
-constinit std::atomic<bool> signalled{false};
+constexpr std::int64_t kOneStroke = 250;  // milliseconds
 
+// When the first of the signals came, in milliseconds; 0: none has come.
+constinit std::atomic<std::int64_t> signalled{0};
+static_assert(std::atomic<std::int64_t>::is_always_lock_free);
+
+std::int64_t milliseconds_now() {
+  timespec now{};
+  clock_gettime(CLOCK_MONOTONIC, &now);
+  return std::int64_t{now.tv_sec} * 1000 + now.tv_nsec / 1'000'000 + 1;
+}
+
+// Who ends a program and then its group sends two signals at once, and means one.
 extern "C" void on_cancel_signal(int) {
-  if (signalled.exchange(true)) _exit(kCancelledStatus);
+  const std::int64_t now = milliseconds_now();
+  std::int64_t first = 0;
+  if (!signalled.compare_exchange_strong(first, now) && now - first > kOneStroke) _exit(kCancelledStatus);
   stop_requested = true;
+}
+
+// Who started the program may have asked that a hang-up leaves it alone.
+bool hang_up_is_ignored() {
+  struct sigaction action {};
+  return sigaction(SIGHUP, nullptr, &action) == 0 && action.sa_handler == SIG_IGN;
 }
 
 void handle_signals(void (*handler)(int)) {
@@ -25,6 +46,7 @@ void handle_signals(void (*handler)(int)) {
   action.sa_flags = SA_RESTART;
   sigaction(SIGINT, &action, nullptr);
   sigaction(SIGTERM, &action, nullptr);
+  if (!hang_up_is_ignored()) sigaction(SIGHUP, &action, nullptr);
 }
 
 }  // namespace
@@ -38,7 +60,7 @@ void leave_signals_alone() {
 }
 
 bool cancel_was_signalled() {
-  return signalled;
+  return signalled != 0;
 }
 
 }  // namespace lexon

@@ -1,9 +1,10 @@
-// SIGINT and SIGTERM as the user's cancel.
+// SIGINT, SIGTERM and SIGHUP as the user's cancel.
 #pragma once
 
 namespace lexon {
 
-// Makes SIGINT and SIGTERM ask the worker to stop; a second one ends the program at once.
+// Makes the signals ask the worker to stop; a second one ends the program at once, unless it comes right behind the
+// first. A hang-up that was ignored when the program started stays so.
 void cancel_on_signals();
 
 // The signals end the program again, as if nobody had asked for them.

@@ -30,11 +30,15 @@ constexpr std::size_t kLabelLength = sizeof(Relation::label) - 1;
 struct Reader {
   std::FILE* input;
   Node*& root;
+  InputNotes* notes;
   std::array<char, kLineSize> line;        // is cut in place
   std::array<char, kLineSize> saved_line;  // as read, for messages
   Scratch<kTagLength + 1> open_tag;        // the block tag that hides lines; empty if none
   bool in_graph = false;
   bool syntax_reported = false;
+  // What the end of the file must not meet open: the first line of the sentence, and of a block.
+  InputNotes::Line sentence{};
+  InputNotes::Line block{};
 };
 
 enum class LineKind {
@@ -47,6 +51,7 @@ enum class LineKind {
   skipped_block,
   sentence_start,
   relation,
+  stray,  // outside of a graph
 };
 
 // The first row that a line begins with decides.
@@ -78,7 +83,7 @@ LineKind line_kind(const Reader& reader, std::string_view line) {
   if (const LineForm* form = form_of(line, kFormsEverywhere); form != nullptr) return form->kind;
   if (!reader.open_tag.empty()) return LineKind::ignored;
   if (const LineForm* form = form_of(line, kFormsOutsideTags); form != nullptr) return form->kind;
-  return reader.in_graph ? LineKind::relation : LineKind::ignored;
+  return reader.in_graph ? LineKind::relation : LineKind::stray;
 }
 
 // Exhausted memory ends the building, as a broken limit does, and not the reading: the next sentence has to begin where
@@ -89,7 +94,25 @@ bool is_lost() {
 
 Status line_read(Reader& reader) {
   if (const Status s = must_leave(); s != Status::ok && s != Status::memory) return s;
-  return text_line_read(reader.input, reader.line.data(), kLineSize) ? Status::ok : Status::end_of_input;
+  TextWatch* watch = reader.notes == nullptr ? nullptr : &reader.notes->text;
+  return text_line_read(reader.input, reader.line.data(), kLineSize, watch) ? Status::ok : Status::end_of_input;
+}
+
+void block_opened(Reader& reader, const char* why) {
+  if (reader.notes != nullptr) reader.block = {reader.notes->text.line, why};
+}
+
+void sentence_opened(Reader& reader) {
+  if (reader.notes == nullptr || reader.sentence.number != 0) return;
+  reader.sentence = {reader.notes->text.line, "this sentence is not closed: \"[/S]\" is missing"};
+  reader.notes->has_sentence = true;
+}
+
+void note_left_out(Reader& reader, const char* why) {
+  if (reader.notes == nullptr) return;
+  InputNotes& notes = *reader.notes;
+  const auto count = static_cast<std::size_t>(notes.left_out++);
+  if (count < notes.first.size()) notes.first[count] = {notes.text.line, why};
 }
 
 // A tag line closes the open tag, or else opens another in its place.
@@ -98,17 +121,25 @@ void tag_change(Reader& reader, std::string_view line) {
   const bool closes =
       line.starts_with("{/") && !reader.open_tag.empty() && line.substr(2).starts_with(reader.open_tag.view());
   reader.open_tag.clear();
+  reader.block = {};
   if (closes) return;
   const std::string_view name = line.substr(1, line.find_first_of("\n:}", 1) - 1);
   reader.open_tag.append(name.substr(0, kTagLength));
+  if (!reader.open_tag.empty()) block_opened(reader, "this block is not closed, and hides what stands behind it");
 }
 
 // Enters the words up to the end of the block. Here only the first column counts.
 Status word_block_read(Reader& reader) {
+  sentence_opened(reader);
+  block_opened(reader, "this block of words is not closed: \"[/W]\" is missing, or does not begin its line");
   while (true) {
     if (const Status s = line_read(reader); s != Status::ok) return s;
     char* line = reader.line.data();
-    if (std::string_view(line).starts_with("[/W")) return Status::ok;
+    if (std::string_view(line).starts_with("[/W")) {
+      reader.block = {};
+      return Status::ok;
+    }
+    if (*line == '[') note_left_out(reader, "inside a block of words");
     if (*line == ';' || *line == '[' || is_lost()) continue;
     line[std::strcspn(line, "\n")] = '\0';
     // What cannot be entered is missing in the graph, or the sentence is refused.
@@ -117,10 +148,13 @@ Status word_block_read(Reader& reader) {
 }
 
 Status skipped_block_read(Reader& reader) {
+  block_opened(reader, "this block is not closed: \"[/R]\" is missing, or does not begin its line");
   while (true) {
     if (const Status s = line_read(reader); s != Status::ok) return s;
-    if (std::string_view(reader.line.data()).starts_with("[/R")) return Status::ok;
+    if (std::string_view(reader.line.data()).starts_with("[/R")) break;
   }
+  reader.block = {};
+  return Status::ok;
 }
 
 void syntax_error_report(Reader& reader) {
@@ -128,11 +162,13 @@ void syntax_error_report(Reader& reader) {
   reader.syntax_reported = true;
   out_print("\t%s", reader.saved_line.data());
   out_flush();
+  note_left_out(reader, "no relation: label(from, to)");
 }
 
-void line_report(const Reader& reader, const char* what) {
+void line_report(Reader& reader, const char* what) {
   out_print(";;%s\n\t%s", what, reader.saved_line.data());
   out_flush();
+  note_left_out(reader, what);
 }
 
 bool is_missing(const char* text, char wrong_start) {
@@ -204,10 +240,24 @@ void relation_read(Reader& reader) {
   }
 }
 
+void graph_start(Reader& reader) {
+  reader.in_graph = true;
+  sentence_opened(reader);
+}
+
+// A relation that stands in no graph is left out without a word in the output.
+// wanted: what merely looks like one, in a line of text, has a blank in its label.
+void stray_line_note(Reader& reader) {
+  if (reader.notes == nullptr || !reader.open_tag.empty()) return;
+  RelationText text;
+  const bool is_relation = split_relation(reader.line.data(), text) > 0 && fault_of(text) == nullptr;
+  if (is_relation && std::strpbrk(text.label, " \t[") == nullptr) note_left_out(reader, "outside of a sentence");
+}
+
 void sentence_start(Reader& reader, const char* line) {
   out_print("%s", line);
   out_flush();
-  reader.in_graph = true;
+  graph_start(reader);
 }
 
 // Reads lines up to the end of the sentence: ok at its end mark, or what ended the reading before.
@@ -219,7 +269,8 @@ Status lines_read(Reader& reader) {
     const char* line = reader.line.data() + std::strspn(reader.line.data(), " ");
     switch (line_kind(reader, line)) {
       case LineKind::ignored: break;
-      case LineKind::graph_start: reader.in_graph = true; break;
+      case LineKind::stray: stray_line_note(reader); break;
+      case LineKind::graph_start: graph_start(reader); break;
       case LineKind::graph_end: reader.in_graph = false; break;
       case LineKind::block_tag: tag_change(reader, line); break;
       case LineKind::sentence_end: return Status::ok;
@@ -243,12 +294,14 @@ void root_choose(Node*& root) {
 
 }  // namespace
 
-Status read_graph(std::FILE* input, Node*& root) {
+Status read_graph(std::FILE* input, Node*& root, InputNotes* notes) {
   root = nullptr;
   sentence.graph_relations.fill(nullptr);
   sentence.graph_relation_count = 0;
-  Reader reader{input, root, {}, {}, {}};
+  Reader reader{input, root, notes, {}, {}, {}};
   const Status stop = lines_read(reader);
+  const InputNotes::Line& open = reader.block.number != 0 ? reader.block : reader.sentence;
+  if (stop == Status::end_of_input && open.number != 0) notes->unclosed = open;
   if (state.abort == Status::memory && stop != Status::stopped) return Status::memory;
   const bool has_come_to_an_end = stop == Status::ok || stop == Status::end_of_input;
   if (!has_come_to_an_end || root != nullptr || sentence.refused) return stop;

@@ -36,6 +36,7 @@ bool type_read(LineReading& line) {
   line.rule.type = parse_rule_type(line.cursor);
   if (line.rule.type == 0) {
     rule_error_print(line.parse, line.cursor, " in TYPE\n");
+    rule_fault_note(line.parse, line.cursor, RuleFault::type);
     return false;
   }
   line.cursor = skip_blanks(line.cursor);
@@ -72,11 +73,23 @@ bool pre_read(LineReading& line) {
   return true;
 }
 
+// Why the opener under the cursor is not allowed.
+RuleFault opener_fault(const LineReading& line, bool is_left) {
+  switch (*line.cursor) {
+    case '"': return is_left ? RuleFault::left_quote : RuleFault::right_quote;
+    case '{':
+      if (is_left) return RuleFault::left_brace;
+      return line.rule.mid != nullptr ? RuleFault::right_brace_behind_mid : RuleFault::right_brace;
+    default: return is_left ? RuleFault::left_missing : RuleFault::right_missing;
+  }
+}
+
 // `allowed`: does the type, and what has been read of the rule, allow the opener under the cursor?
 bool pattern_read(LineReading& line, char side, bool allowed, NodePattern*& pattern) {
   const bool is_left = side == 'l';
   if (!allowed) {
     rule_error_print(line.parse, line.cursor, is_left ? " in LNODE\n" : " in RNODE\n");
+    rule_fault_note(line.parse, line.cursor, opener_fault(line, is_left));
     return false;
   }
   if (parse_node_pattern(line.parse, side, line.cursor, pattern) != Status::ok) {
@@ -98,6 +111,7 @@ bool mid_read(LineReading& line) {
   const bool may_have_mid = type == rule_type::insertion || type == rule_type::post_insertion;
   if (!may_have_mid && *line.cursor == '(') {
     rule_error_print(line.parse, line.cursor, ", MID is not allowed\n");
+    rule_fault_note(line.parse, line.cursor, RuleFault::mid);
     return false;
   }
   const auto order = line.rule.lnode->inserted == 0 ? GroupOrder::of_text : GroupOrder::reversed;
@@ -122,10 +136,12 @@ bool ends_sometime(LineReading& line) {
   if (lacks_relation(line.rule)) {
     out_print(";;%s;;WARNING(0,%d), no relation is found in LNODE and RNODE of above rule of type '>' or '<'\n",
               line.parse.start, line.parse.line);
+    rule_fault_note(line.parse, line.parse.start, RuleFault::no_relation);
     return true;
   }
   if (!is_endless_rule(line.rule)) return true;
   out_print(";;%s;;ERR(0,%d), an endless loop rule\n", line.parse.start, line.parse.line);
+  rule_fault_note(line.parse, line.parse.start, RuleFault::endless);
   return false;
 }
 
@@ -146,6 +162,7 @@ bool priority_read(LineReading& line) {
   if (priority == 0) {
     out_print(";;%s;;WARNING(0,%d), no priority in above rule, to be treated as 0\n", line.parse.start,
               line.parse.line);
+    rule_fault_note(line.parse, line.cursor, RuleFault::no_priority);
   }
   return true;
 }
@@ -191,6 +208,7 @@ Status line_parse(RuleParse& parse, PriorityLists& lists) {
   if (rule_read(line)) {
     rule_enter(lists, *rule);
   } else {
+    if (parse.notes != nullptr) ++parse.notes->refused;
     rule_list_free(rule);
   }
   return Status::ok;
@@ -198,17 +216,19 @@ Status line_parse(RuleParse& parse, PriorityLists& lists) {
 
 }  // namespace
 
-Status parse_rule_file(std::FILE* stream, Rule*& rules) {
+Status parse_rule_file(std::FILE* stream, Rule*& rules, RuleNotes* notes) {
   rules = nullptr;
   char text[kLineSize];
-  RuleParse parse{.start = text, .status = state.engine_status};
+  RuleParse parse{.start = text, .status = state.engine_status, .notes = notes};
   PriorityLists lists;
-  while (text_line_read(stream, text, kLineSize)) {
+  while (text_line_read(stream, text, kLineSize, notes == nullptr ? nullptr : &notes->text)) {
     if (const Status leave = must_leave(); leave != Status::ok) return leave;
     ++parse.line;
     parse.status = Status::ok;
     if (!is_rule_line(text)) continue;
-    if (const Status status = line_parse(parse, lists); status != Status::ok) return status;
+    const Status status = line_parse(parse, lists);
+    if (notes != nullptr && must_leave() == Status::memory) notes->memory_line = notes->text.line;
+    if (status != Status::ok) return status;
   }
   if (const Status leave = must_leave(); leave != Status::ok) return leave;
   // Half a rule base would say other things than the linguist wrote.
@@ -218,6 +238,7 @@ Status parse_rule_file(std::FILE* stream, Rule*& rules) {
   }
   rules = rules_joined(lists);
   state.engine_status = parse.status;
+  if (notes != nullptr) notes->last_line_fails = parse.status != Status::ok;
   return parse.status;
 }
 

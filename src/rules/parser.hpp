@@ -6,13 +6,15 @@
 
 #include "data/status.hpp"
 #include "rules/rule.hpp"
+#include "rules/rule_notes.hpp"
 
 namespace lexon {
 
 // Reads all rules of `stream` into a list of falling priority, file order within one. A line that cannot be read is
 // reported on the output and left out. `rules` receives the head, null for none. The result is the status of the
-// last line alone, or `memory` when a rule could not be had (`rules` is null then).
-[[nodiscard]] Status parse_rule_file(std::FILE* stream, Rule*& rules);
+// last line alone, or `memory` when a rule could not be had (`rules` is null then). `notes` receives what is wrong with
+// the text; null: nobody wants to know.
+[[nodiscard]] Status parse_rule_file(std::FILE* stream, Rule*& rules, RuleNotes* notes = nullptr);
 
 // Steps over the TYPE under the cursor and returns its code; 0 if the text is no type.
 [[nodiscard]] std::uint8_t parse_rule_type(const char*& cursor);

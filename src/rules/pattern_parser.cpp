@@ -1,8 +1,12 @@
 #include "rules/pattern_parser.hpp"
 
+#include <cstring>
+#include <string_view>
+
 #include "data/chain.hpp"
 #include "data/output.hpp"
 #include "data/pool.hpp"
+#include "data/state.hpp"
 #include "rules/parser.hpp"
 #include "rules/scanners.hpp"
 
@@ -13,8 +17,9 @@ int column_of(const RuleParse& parse, const char* position) {
   return static_cast<int>(position - parse.start);
 }
 
-Status syntax_error(const RuleParse& parse, const char* position, const char* behind) {
+Status syntax_error(const RuleParse& parse, const char* position, const char* behind, RuleFault fault) {
   rule_error_print(parse, position, behind);
+  rule_fault_note(parse, position, fault);
   return Status::no_effect;
 }
 
@@ -52,13 +57,20 @@ bool is_out_of_place(ItemPlace place, char c) {
 
 Status item_read(const RuleParse& parse, ItemPlace place, const char*& cursor, CondItem& item, ItemKind& kind) {
   const char* const section = place == ItemPlace::action ? " in ACTION" : " in COND";
-  if (place == ItemPlace::action && *cursor == '^') return syntax_error(parse, cursor, section);
+  if (place == ItemPlace::action && *cursor == '^') {
+    return syntax_error(parse, cursor, section, RuleFault::not_in_action);
+  }
   item.op = prefix_op(place, cursor);
   const char* const start = cursor;
   const Status status = item_body_read(place, cursor, item, kind);
-  if (status == Status::no_effect) return syntax_error(parse, start, section);
+  if (status == Status::no_effect) {
+    return syntax_error(parse, start, section, *start == '[' ? RuleFault::bracket_open : RuleFault::item_open);
+  }
   cursor = skip_commas(cursor);
-  if (is_out_of_place(place, *cursor)) return syntax_error(parse, cursor, section);
+  if (is_out_of_place(place, *cursor)) {
+    const bool in_group = place == ItemPlace::group;
+    return syntax_error(parse, cursor, section, in_group ? RuleFault::group_character : RuleFault::paren_in_cond);
+  }
   return status;
 }
 
@@ -105,7 +117,8 @@ Status cond_section(PatternReading& reading) {
     // wanted: the second affirmative one is refused, whatever the message says of "more than 2".
     if (kind != ItemKind::attribute && item->op == kOpHas && has_affirmative(list)) {
       item_list_free(item);
-      return syntax_error(reading.parse, start, limit_message(kind));
+      return syntax_error(reading.parse, start, limit_message(kind),
+                          kind == ItemKind::hw ? RuleFault::second_form : RuleFault::second_concept);
     }
     chain_append<&CondItem::next>(list, item);
   }
@@ -121,20 +134,22 @@ Status action_section(PatternReading& reading) {
     if (kind == ItemKind::hw) reading.pattern.hw_action = item->text;
     if (kind == ItemKind::cw) reading.pattern.cw_action = item->text;
     chain_append<&CondItem::next>(reading.pattern.actions, item);
-    if (*reading.cursor == ')') return syntax_error(reading.parse, reading.cursor, " in ACTION");
+    if (*reading.cursor == ')') {
+      return syntax_error(reading.parse, reading.cursor, " in ACTION", RuleFault::paren_in_action);
+    }
   }
   return Status::ok;
 }
 
 // What a scanner made of an item: it joins the list, or goes with a message at `start`.
 Status scanned_item_keep(const PatternReading& reading, Status scanned, const char* start, CondItem* item,
-                         CondItem*& list, const char* section) {
+                         CondItem*& list, const char* section, RuleFault fault) {
   if (scanned == Status::ok) {
     chain_append<&CondItem::next>(list, item);
     return Status::ok;
   }
   item_list_free(item);
-  return scanned == Status::no_effect ? syntax_error(reading.parse, start, section) : scanned;
+  return scanned == Status::no_effect ? syntax_error(reading.parse, start, section, fault) : scanned;
 }
 
 Status relation_section(PatternReading& reading) {
@@ -144,10 +159,13 @@ Status relation_section(PatternReading& reading) {
     if (item == nullptr) return Status::memory;
     item->op = static_cast<std::uint8_t>(reading.side);
     const Status scanned = scan_relation_label(reading.cursor, *item, kRelationLabelLimit);
-    const Status status = scanned_item_keep(reading, scanned, start, item, reading.pattern.relations, " in RELATION");
+    const Status status = scanned_item_keep(reading, scanned, start, item, reading.pattern.relations, " in RELATION",
+                                            RuleFault::relation);
     if (status != Status::ok) return status;
     reading.cursor = skip_commas(reading.cursor);
-    if (*reading.cursor == ')') return syntax_error(reading.parse, reading.cursor, " in RELATION");
+    if (*reading.cursor == ')') {
+      return syntax_error(reading.parse, reading.cursor, " in RELATION", RuleFault::relation);
+    }
   }
   return Status::ok;
 }
@@ -162,7 +180,8 @@ Status role_read(PatternReading& reading) {
   item->op = static_cast<std::uint8_t>(is_role_sign(*reading.cursor) ? *reading.cursor++ : '<');
   const char* const start = reading.cursor;
   const Status scanned = scan_attr_token(reading.cursor, *item, kRoleTokenLimit);
-  const Status status = scanned_item_keep(reading, scanned, start, item, reading.pattern.roles, " in ROLE");
+  const Status status =
+      scanned_item_keep(reading, scanned, start, item, reading.pattern.roles, " in ROLE", RuleFault::role_open);
   reading.cursor = skip_commas(reading.cursor);
   return status;
 }
@@ -174,15 +193,27 @@ Status role_section(PatternReading& reading) {
   const bool is_fifth_section = *reading.cursor == ':';
   if (!is_fifth_section && *reading.cursor != ')') return Status::ok;
   out_print(";;%s;;ROLE ERR(%d,%d)", reading.cursor, column_of(reading.parse, reading.cursor), reading.parse.line);
+  rule_fault_note(reading.parse, reading.cursor, is_fifth_section ? RuleFault::section_too_many : RuleFault::role);
   return Status::no_effect;
+}
+
+// Notes why a pattern has no closer. Only a bracket that nothing closes takes all the rest of its line.
+void closer_fault_note(const PatternReading& reading) {
+  const char* const bracket = *reading.cursor == '\0' ? std::strrchr(reading.parse.start, '[') : nullptr;
+  if (bracket == nullptr) return rule_fault_note(reading.parse, reading.cursor, RuleFault::pattern_open);
+  rule_fault_note(reading.parse, bracket, RuleFault::bracket_open);
 }
 
 // The closer is not tied to the opener.
 Status closer_read(PatternReading& reading) {
   reading.cursor = skip_blanks(reading.cursor);
-  if (*reading.cursor != '}' && *reading.cursor != '"') return syntax_error(reading.parse, reading.cursor, "");
-  ++reading.cursor;
-  return Status::ok;
+  if (*reading.cursor == '}' || *reading.cursor == '"') {
+    ++reading.cursor;
+    return Status::ok;
+  }
+  rule_error_print(reading.parse, reading.cursor, "");
+  closer_fault_note(reading);
+  return Status::no_effect;
 }
 
 Status sections_read(PatternReading& reading) {
@@ -197,7 +228,7 @@ Status sections_read(PatternReading& reading) {
 
 // ---- Groups ----
 
-Status group_read(RuleParse& parse, const char*& cursor, ContextGroup& group) {
+Status group_read(RuleParse& parse, const char* opener, const char*& cursor, ContextGroup& group) {
   while (*cursor != ')' && *cursor != '\0') {
     CondItem* item = nullptr;
     ItemKind kind{};
@@ -206,7 +237,10 @@ Status group_read(RuleParse& parse, const char*& cursor, ContextGroup& group) {
     chain_append<&CondItem::next>(conditions_of(group, kind), item);
   }
   // wanted: a line that ends between two items has no message here.
-  if (*cursor == '\0') return Status::no_effect;
+  if (*cursor == '\0') {
+    rule_fault_note(parse, opener, RuleFault::group_open);
+    return Status::no_effect;
+  }
   ++cursor;
   if (*cursor == '*') {
     group.star = 1;
@@ -221,6 +255,14 @@ void rule_error_print(const RuleParse& parse, const char* position, const char* 
   out_print(";;%s;;ERR(%d,%d)%s", position, column_of(parse, position), parse.line, behind);
 }
 
+void rule_fault_note(const RuleParse& parse, const char* position, RuleFault fault) {
+  if (parse.notes == nullptr || must_leave() != Status::ok) return;
+  std::string_view text = parse.start;
+  if (text.ends_with('\n')) text.remove_suffix(1);
+  const auto column = static_cast<std::size_t>(position - parse.start);
+  parse.notes->notes.push_back({parse.notes->text.line, column, fault, std::string(text)});
+}
+
 Status parse_cond_item(RuleParse& parse, ItemPlace place, const char*& cursor, CondItem*& item, ItemKind& kind) {
   item = perm_new<CondItem>();
   parse.status = item == nullptr ? Status::memory : item_read(parse, place, cursor, *item, kind);
@@ -232,9 +274,10 @@ Status parse_cond_item(RuleParse& parse, ItemPlace place, const char*& cursor, C
 }
 
 Status parse_context_group(RuleParse& parse, const char*& cursor, ContextGroup*& group) {
+  const char* const opener = cursor;
   cursor = skip_blanks(cursor + 1);
   group = perm_new<ContextGroup>();
-  parse.status = group == nullptr ? Status::memory : group_read(parse, cursor, *group);
+  parse.status = group == nullptr ? Status::memory : group_read(parse, opener, cursor, *group);
   if (parse.status != Status::ok) group_list_free(group);
   return parse.status;
 }

@@ -7,6 +7,7 @@
 
 #include "data/status.hpp"
 #include "rules/rule.hpp"
+#include "rules/rule_notes.hpp"
 
 namespace lexon {
 
@@ -15,10 +16,14 @@ struct RuleParse {
   int line = 0;                 // counted from 1
   const char* start = nullptr;  // of the line; columns count from here
   Status status = Status::ok;   // of the line so far
+  RuleNotes* notes = nullptr;   // null: nobody wants to know
 };
 
 // Prints what is wrong at `position`: the line from there on, column and line number, then `behind`.
 void rule_error_print(const RuleParse& parse, const char* position, const char* behind);
+
+// Notes what is wrong at `position`, for who wants to know. Nothing that comes of exhausted memory is a fault.
+void rule_fault_note(const RuleParse& parse, const char* position, RuleFault fault);
 
 // Reads one "(" .. ")" and a "*" behind it. `group` is null on failure.
 [[nodiscard]] Status parse_context_group(RuleParse& parse, const char*& cursor, ContextGroup*& group);

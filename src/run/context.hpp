@@ -4,9 +4,12 @@
 #include <atomic>
 #include <cstdint>
 #include <cstdio>
+#include <optional>
 
 #include "dict/dictionary.hpp"
+#include "graph/reader.hpp"
 #include "rules/rule.hpp"
+#include "rules/rule_notes.hpp"
 #include "run/compiled_file.hpp"
 
 namespace lexon {
@@ -24,9 +27,17 @@ struct RunContext {
   CompiledFile compiled_matrix;
   bool convert = false;  // the rule text is to be parsed
   bool rebuild_matrix = false;
-  bool rules_unwritten = false;   // the compiled rules could not be written; the run goes on
-  bool matrix_unwritten = false;  // likewise
-  bool rule_step_done = false;    // every step from now on is a sentence
+  bool rules_unwritten = false;               // the compiled rules could not be written; the run goes on
+  bool matrix_unwritten = false;              // likewise
+  bool rule_step_done = false;                // every step from now on is a sentence
+  bool rules_without_room = false;            // the rule step ended for want of memory
+  RuleNotes rule_notes;                       // of the text, when it was parsed
+  std::optional<std::int64_t> rules_refused;  // of the text; none if nobody has counted
+  InputNotes input_notes;
+  std::int64_t skipped = 0;  // sentences that were passed over
+  std::int64_t tried = 0;    // sentences that were begun
+  bool input_ended = false;  // the run came to the end of the input
+  std::int64_t starved = 0;  // sentences that failed for want of memory
 };
 
 // Where a step stands.

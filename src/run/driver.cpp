@@ -3,6 +3,7 @@
 #include "run/driver.hpp"
 
 #include <array>
+#include <cerrno>
 #include <cstring>
 #include <new>
 #include <utility>
@@ -13,6 +14,7 @@
 #include "data/text_line.hpp"
 #include "run/context.hpp"
 #include "run/files.hpp"
+#include "run/notes.hpp"
 #include "run/rule_files.hpp"
 
 namespace lexon {
@@ -29,19 +31,25 @@ constexpr const char* kSentenceCaption = "sentence no.";
 struct Opening {
   bool succeeded = true;
   std::string message;
+  std::string reason;  // what the system says of it; may be empty
 };
 
-Opening failure(std::string message) {
-  return {false, std::move(message)};
+Opening failure(std::string message, std::string reason = {}) {
+  return {false, std::move(message), std::move(reason)};
+}
+
+// The system's words for the failure that has just been met.
+std::string system_reason() {
+  return errno != 0 ? std::strerror(errno) : std::string();
+}
+
+Opening failure_to_open(const char* what, const std::string& path) {
+  return failure(cannot_open(what, path), path.empty() ? "no path is given" : system_reason());
 }
 
 Opening open_output(const RunSettings& settings) {
   state.output = file_open(settings.output_file, "w");
-  return state.output != nullptr ? Opening{} : failure(cannot_open("Output File", settings.output_file));
-}
-
-void note(const std::string& text) {
-  if (!text.empty()) run_faults.notes.push_back(text);
+  return state.output != nullptr ? Opening{} : failure_to_open("Output File", settings.output_file);
 }
 
 PairCheck pair_check_of(const RunSettings& settings) {
@@ -52,26 +60,28 @@ Opening open_dictionary(const RunSettings& settings, RunContext& context) {
   const std::string& path = settings.dictionary_file;
   Dictionary& dictionary = context.dictionary;
   const bool is_open = dictionary_open(path, pair_check_of(settings), dictionary);
-  note(dictionary.fault);
-  if (dictionary.dictionary == nullptr) return failure(cannot_open("Dictionary File", path));
-  if (dictionary.slots[kKeyCw] == nullptr) return failure("CW : No Index in Dictionary File : " + path + "!");
-  return is_open ? Opening{} : failure(cannot_open("Dictionary Index File", path));
+  if (dictionary.dictionary == nullptr) return failure(cannot_open("Dictionary File", path), dictionary.fault);
+  if (dictionary.slots[kKeyCw] == nullptr) {
+    return failure("CW : No Index in Dictionary File : " + path + "!", "no dictionary that lexon-dict has built");
+  }
+  return is_open ? Opening{} : failure(cannot_open("Dictionary Index File", path), dictionary.fault);
 }
 
 Opening open_input(const RunSettings& settings, RunContext& context) {
   context.input = file_open(settings.input_file, "r");
-  return context.input != nullptr ? Opening{} : failure(cannot_open("Input File", settings.input_file));
+  return context.input != nullptr ? Opening{} : failure_to_open("Input File", settings.input_file);
 }
 
 // The header that is read last decides for all dictionaries of a run what kind of index names they have.
-void share_name_size(RunContext& context) {
+void share_name_size(RunContext& context, Host& host) {
   Dictionary& words = context.dictionary;
   const Dictionary& pairs = context.cr_dictionary;
   if (pairs.name_size == 0 || pairs.name_size == words.name_size) return;
-  note(words.path + " and " + pairs.path + ": the names of their indexes are of different kinds, one of at most " +
-       std::to_string(kShortNameStem) + " characters before the dot and one longer; in one run the file opened last, " +
-       pairs.path + ", decides for both, and looking words up in " + words.path +
-       " fails or finds nothing: build one of the two again under a name of the other's kind");
+  host.note({words.path + " and " + pairs.path + ": the names of their indexes are of different kinds, one of at most " +
+                 std::to_string(kShortNameStem) + " characters before the dot and one longer; in one run the file opened last, " +
+                 pairs.path + ", decides for both, and looking words up in " + words.path +
+                 " fails or finds nothing: build one of the two again under a name of the other's kind",
+             true, true});
   words.name_size = pairs.name_size;
 }
 
@@ -80,17 +90,21 @@ Opening open_cr_dictionary(const RunSettings& settings, RunContext& context, Hos
   if (path.empty()) return {};
   Dictionary& dictionary = context.cr_dictionary;
   const bool is_open = dictionary_open(path, pair_check_of(settings), dictionary);
-  share_name_size(context);
+  share_name_size(context, host);
   if (is_open) return {};
-  note(dictionary.fault);
   dictionary.dictionary.reset();
-  const bool goes_on = host.ask_yes_no(cannot_open("Cooccurrence Dictionary File", path) + " continue?");
+  const bool goes_on =
+      host.ask_yes_no(cannot_open("Cooccurrence Dictionary File", path) + " continue?", dictionary.fault);
   return goes_on ? Opening{} : failure({});
 }
 
 Opening open_rules(const RunSettings& settings, RunContext& context) {
+  errno = 0;
   std::string message = rule_files_open(settings.rule_file, context);
-  return message.empty() ? Opening{} : failure(std::move(message));
+  if (message.empty()) return {};
+  if (!message.starts_with("Can't Open")) return failure(std::move(message));
+  std::string reason = settings.rule_file.empty() ? "no path is given" : system_reason();
+  return failure(std::move(message), std::move(reason));
 }
 
 Opening open_all(const RunSettings& settings, RunContext& context, Host& host) {
@@ -131,15 +145,18 @@ bool ends_a_sentence(const char* line) {
   return std::strncmp(line, "[/S", 3) == 0 || std::strncmp(line, "[/T", 3) == 0;
 }
 
-// Reads whole lines up to the end of the `count`th sentence. False if the input ends before, or the run is cancelled.
+// Reads whole lines up to the end of the `count`th sentence. Returns how many it has passed over: fewer if the input
+// ends before, or the run is cancelled.
 // wanted: "[/T" ends a sentence here and nowhere else, and leading blanks do not.
-bool skip_sentences(std::FILE* input, std::int64_t count) {
+std::int64_t skip_sentences(RunContext& context, std::int64_t count) {
   std::array<char, kLineSize> line;
-  while (count > 0) {
-    if (must_leave() == Status::stopped || !text_line_read(input, line.data(), kLineSize)) return false;
-    if (ends_a_sentence(line.data())) --count;
+  std::int64_t passed = 0;
+  while (passed < count) {
+    if (must_leave() == Status::stopped) break;
+    if (!text_line_read(context.input, line.data(), kLineSize, &context.input_notes.text)) break;
+    if (ends_a_sentence(line.data())) ++passed;
   }
-  return true;
+  return passed;
 }
 
 const char* banner_of(std::int32_t status) {
@@ -159,9 +176,15 @@ void run_sentences(const RunSettings& settings, RunContext& context, Host& host)
       return;
     }
     const std::int32_t status = run_status;
-    if (status == run_state::end_of_input) return;
+    if (status == run_state::end_of_input) {
+      context.input_ended = true;
+      return;
+    }
     out_print("%s", banner_of(status));
+    ++context.tried;
     ++number;
+    // Nobody can read what comes behind a hole.
+    if (std::ferror(state.output) != 0) return;
     const bool has_no_end = settings.sentence_count == 0;
     // Without rules no sentence reads any input: a run without a count would go on for ever.
     if (has_no_end ? context.rules == nullptr : end <= number) return;
@@ -169,25 +192,27 @@ void run_sentences(const RunSettings& settings, RunContext& context, Host& host)
 }
 
 void run_steps(const RunSettings& settings, RunContext& context, Host& host) {
-  if (!run_rule_step(context, host) || settings.rules_conversion_only) return;
-  if (!skip_sentences(context.input, std::int64_t{settings.start_sentence} - 1)) {
-    if (must_leave() == Status::stopped) out_print(";;Cancelled!\n");
-    return;
-  }
-  run_sentences(settings, context, host);
+  if (!run_rule_step(context, host)) return;
+  note_rules(settings, context, host);
+  if (settings.rules_conversion_only) return;
+  const std::int64_t before = std::int64_t{settings.start_sentence} - 1;
+  context.skipped = skip_sentences(context, before);
+  if (context.skipped >= before) return run_sentences(settings, context, host);
+  context.input_ended = must_leave() != Status::stopped;
+  if (!context.input_ended) out_print(";;Cancelled!\n");
 }
 
-// The name of the damaged file, as far as a run knows it: an index lies beside its dictionary.
-std::string damaged_file(const RunSettings& settings, const RunContext& context) {
+// The name of the damaged file.
+std::string damaged_file(const RunContext& context) {
   const std::FILE* stream = lookup_damage.stream;
   const bool is_cr = stream == context.cr_dictionary.dictionary.get() || stream == context.cr_dictionary.index.get();
-  const bool is_index = stream == context.cr_dictionary.index.get() || stream == context.dictionary.index.get();
-  return (is_index ? "the index of " : "") + (is_cr ? settings.cr_dictionary_file : settings.dictionary_file);
+  const Dictionary& dictionary = is_cr ? context.cr_dictionary : context.dictionary;
+  return stream == dictionary.index.get() ? dictionary.index_path : dictionary.path;
 }
 
-void note_damage(const RunSettings& settings, const RunContext& context) {
+void note_damage(const RunContext& context) {
   if (lookup_damage.blocks == 0) return;
-  std::string note = damaged_file(settings, context) + ": damaged at offset " + std::to_string(lookup_damage.offset);
+  std::string note = damaged_file(context) + ": damaged at offset " + std::to_string(lookup_damage.offset);
   if (lookup_damage.blocks > 1) {
     note += "; damaged blocks were met " + std::to_string(lookup_damage.blocks) + " times in all";
   }
@@ -200,7 +225,7 @@ void note_short_file(const std::string& path, const char* what) {
 }
 
 void note_faults(const RunSettings& settings, const RunContext& context) {
-  note_damage(settings, context);
+  note_damage(context);
   const bool input_failed = context.input != nullptr && std::ferror(context.input) != 0;
   if (input_failed) note_short_file(settings.input_file, "cannot be read to its end");
   if (context.rules_unwritten) note_short_file(context.compiled_rules.path, "could not be written");
@@ -208,10 +233,13 @@ void note_faults(const RunSettings& settings, const RunContext& context) {
 }
 
 void run(const RunSettings& settings, RunContext& context, Host& host) {
+  if (!pool_blocks_allow(settings.blocks)) return host.report_stop(kNoMemory, {});
+  note_settings(settings, host);
   if (const Opening opening = open_all(settings, context, host); opening.succeeded) {
     run_steps(settings, context, host);
+    note_input(settings, context, host);
   } else if (!opening.message.empty()) {
-    host.report_stop(opening.message);
+    host.report_stop(opening.message, opening.reason);
   }
   note_faults(settings, context);
 }
@@ -221,7 +249,7 @@ void run_guarded(const RunSettings& settings, RunContext& context, Host& host) {
   try {
     run(settings, context, host);
   } catch (const std::bad_alloc&) {
-    host.report_stop(kNoMemory);
+    host.report_stop(kNoMemory, {});
   }
 }
 

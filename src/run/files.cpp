@@ -1,5 +1,7 @@
 #include "run/files.hpp"
 
+#include <cerrno>
+
 #include "data/platform.hpp"
 
 namespace lexon {
@@ -13,9 +15,11 @@ PathParts path_split(const std::string& path) {
 }
 
 std::FILE* file_open(const std::string& path, const char* mode) {
+  errno = 0;
   std::FILE* stream = std::fopen(path.c_str(), mode);
   if (stream == nullptr || is_a_file(stream)) return stream;
   std::fclose(stream);
+  errno = EISDIR;
   return nullptr;
 }
 

@@ -15,7 +15,7 @@ struct PathParts {
 };
 [[nodiscard]] PathParts path_split(const std::string& path);
 
-// Opens a file; null if it cannot be had or is a folder.
+// Opens a file; null if it cannot be had or is a folder, and `errno` then says why.
 [[nodiscard]] std::FILE* file_open(const std::string& path, const char* mode);
 
 // The message that names a file: "Can't Open <what> : <path>!".

@@ -8,16 +8,26 @@ namespace lexon {
 
 struct RunContext;
 
+// What the user ought to know and the output has no place for.
+struct Note {
+  std::string text;        // a line; more of them show where in a file something is wrong
+  bool is_loss = false;    // the run did less than its files say
+  bool has_place = false;  // begins with a file's name, and needs no other name in front
+};
+
 enum class StepResult { finished, cancelled };
 
 class Host {
  public:
   virtual ~Host() = default;
 
-  // Shows the text as an error, before any step has started; the run then ends.
-  virtual void report_stop(const std::string& text) = 0;
+  // Shows the text as an error, before any step has started; the run then ends. `reason` is what the system says of
+  // it, and may be empty.
+  virtual void report_stop(const std::string& text, const std::string& reason) = 0;
   // Asked once at most, for a co-occurrence dictionary that cannot be opened.
-  virtual bool ask_yes_no(const std::string& text) = 0;
+  virtual bool ask_yes_no(const std::string& text, const std::string& reason) = 0;
+  // Between the steps, and before the first.
+  virtual void note(const Note& note) = 0;
   // First of all, if the run starts at once. May do nothing.
   virtual void minimise() = 0;
   // Starts the right worker and waits for it. Number 0 is the rule step, which has no time limit. `finished` when the

@@ -9,7 +9,6 @@
 #include "engine/post_edit.hpp"
 #include "graph/graph_dump.hpp"
 #include "graph/line_text.hpp"
-#include "graph/reader.hpp"
 
 namespace lexon {
 
@@ -57,8 +56,8 @@ Status failed_with(Status status) {
   return status;
 }
 
-Status read_sentence(std::FILE* input) {
-  const Status status = read_graph(input, sentence.semlst[0].entry);
+Status read_sentence(std::FILE* input, InputNotes* notes) {
+  const Status status = read_graph(input, sentence.semlst[0].entry, notes);
   state.engine_status = status;
   sentence.root = sentence.semlst[0].entry;
   if (status == Status::stopped) return status;
@@ -98,12 +97,12 @@ Status collect_and_print(char* text) {
 }  // namespace
 
 Status render_sentence(const DictionaryFiles& dictionary, std::FILE* input, char* text,
-                       const DictionaryFiles& cr_dictionary, bool post_edit_wanted) {
+                       const DictionaryFiles& cr_dictionary, bool post_edit_wanted, InputNotes* notes) {
   sentence.dictionary = dictionary;
   sentence.cr_dictionary = cr_dictionary;
   const long start = processor_clock();
   sentence_clear();
-  if (const Status s = read_sentence(input); s != Status::ok) return s;
+  if (const Status s = read_sentence(input, notes); s != Status::ok) return s;
   if (state.trace_level > 0) {
     print_word_lists();
     print_graph();

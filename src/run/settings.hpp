@@ -7,6 +7,7 @@
 namespace lexon {
 
 inline constexpr int kPathLimit = 260;  // characters of a path
+inline constexpr std::int32_t kMostBlocks = 65535;
 
 // Filled by the front end; the driver only reads it.
 struct RunSettings {
@@ -20,6 +21,8 @@ struct RunSettings {
   std::int32_t sentence_count = 1;         // 0: all up to the end of the input
   std::int32_t trace_level = 1;            // the low 8 bits count, as a signed number
   std::int32_t max_time_per_sentence = 0;  // seconds; 0: limitless
+  std::int32_t blocks = 200;               // of 65535 bytes, for the rules and a sentence together; to kMostBlocks
+  bool strict = false;                     // what is left out counts as failed
   bool run_at_once = false;
   bool show_progress = false;
   bool post_edit = true;

@@ -25,6 +25,11 @@ void end_step(Status status) {
   run_status = status == Status::end_of_input ? run_state::end_of_input : result;
 }
 
+void end_rule_step(RunContext& context, Status status) {
+  context.rules_without_room = status == Status::memory;
+  end_step(status);
+}
+
 // The step's border: what the standard library throws for exhausted memory becomes a status here.
 Status guarded(Status (*step)(RunContext&), RunContext& context) {
   try {
@@ -36,7 +41,8 @@ Status guarded(Status (*step)(RunContext&), RunContext& context) {
 
 // The rules in memory are whole, so the run goes on.
 Status parse_and_write_rules(RunContext& context) {
-  if (const Status s = parse_rule_file(context.rule_text, context.rules); s != Status::ok) return s;
+  if (const Status s = parse_rule_file(context.rule_text, context.rules, &context.rule_notes); s != Status::ok)
+    return s;
   if (const Status s = rule_list_write(context.rules, context.compiled_rules.stream); s != Status::ok) return s;
   context.rules_unwritten = !compiled_file_finish(context.compiled_rules);
   return Status::ok;
@@ -73,21 +79,22 @@ Status load(RunContext& context) {
 Status render(RunContext& context) {
   std::array<char, kSentenceSize> text;
   return render_sentence(context.dictionary.files(), context.input, text.data(), context.cr_dictionary.files(),
-                         context.post_edit);
+                         context.post_edit, &context.input_notes);
 }
 
 }  // namespace
 
 void convert_worker(RunContext& context) {
-  end_step(guarded(convert, context));
+  end_rule_step(context, guarded(convert, context));
 }
 
 void load_worker(RunContext& context) {
-  end_step(guarded(load, context));
+  end_rule_step(context, guarded(load, context));
 }
 
 void sentence_worker(RunContext& context) {
   const Status status = guarded(render, context);
+  if (state.abort == Status::memory) ++context.starved;
   static_cast<void>(temp_release_all());
   end_step(status);
 }

@@ -358,8 +358,9 @@ class ChangingHost final : public Host {
  public:
   ChangingHost(std::int32_t before, std::function<void()> change) : before_(before), change_(std::move(change)) {}
 
-  void report_stop(const std::string& text) override { ADD_FAILURE() << text; }
-  bool ask_yes_no(const std::string&) override { return false; }
+  void report_stop(const std::string& text, const std::string&) override { ADD_FAILURE() << text; }
+  bool ask_yes_no(const std::string&, const std::string&) override { return false; }
+  void note(const Note&) override {}
   void minimise() override {}
   StepResult run_step(RunContext& context, const char* caption, std::int32_t number) override {
     if (context.rule_step_done && number == before_) change_();

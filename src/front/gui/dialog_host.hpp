@@ -13,8 +13,9 @@ class DialogHost final : public Host {
   // `yes`: the answer to every question, which is not shown then.
   DialogHost(MainDialog& main, bool yes);
 
-  void report_stop(const std::string& text) override;
-  bool ask_yes_no(const std::string& text) override;
+  void report_stop(const std::string& text, const std::string& reason) override;
+  bool ask_yes_no(const std::string& text, const std::string& reason) override;
+  void note(const Note& note) override;
   void minimise() override;
   StepResult run_step(RunContext& context, const char* caption, std::int32_t number) override;
   void finish() override;
@@ -29,6 +30,7 @@ class DialogHost final : public Host {
   bool yes_;
   ProgressDialog progress_;
   Outcome outcome_;
+  std::vector<std::string> notes_;
 };
 
 }  // namespace lexon

@@ -1,0 +1,88 @@
+#include "front/process.hpp"
+
+#include <array>
+#include <csignal>
+#include <cstdio>
+
+#include <fcntl.h>
+#include <unistd.h>
+
+#include "data/utf8.hpp"
+
+namespace lexon {
+
+namespace {
+
+bool is_control(std::uint32_t code) {
+  return (code < 0x20 && code != '\t') || (code >= 0x7F && code < 0xA0);
+}
+
+// Line ends pass; the rest goes out as it may be shown.
+ssize_t write_shown(void* under, const char* text, std::size_t size) {
+  auto* stream = static_cast<std::FILE*>(under);
+  for (std::string_view rest(text, size); !rest.empty();) {
+    const std::string_view line = rest.substr(0, rest.find('\n'));
+    rest.remove_prefix(line.size());
+    const std::string shown = escaped(line);
+    std::fwrite(shown.data(), 1, shown.size(), stream);
+    if (rest.empty()) break;
+    std::fputc('\n', stream);
+    rest.remove_prefix(1);
+  }
+  return std::fflush(stream) == 0 ? static_cast<ssize_t>(size) : 0;
+}
+
+}  // namespace
+
+ShownStream::ShownStream(std::FILE* under) : under_(under), stream_(under) {
+  if (isatty(fileno(under)) == 0) return;
+  cookie_io_functions_t functions{};
+  functions.write = write_shown;
+  std::FILE* shown = fopencookie(under, "w", functions);
+  if (shown == nullptr) return;
+  std::setvbuf(shown, nullptr, _IOLBF, BUFSIZ);
+  stream_ = shown;
+}
+
+ShownStream::~ShownStream() {
+  if (stream_ != under_) std::fclose(stream_);
+}
+
+void process_begin() {
+  for (const int descriptor : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
+    // The lowest free number is the one that is closed.
+    if (fcntl(descriptor, F_GETFD) == -1) static_cast<void>(open("/dev/null", O_RDWR));
+  }
+  std::signal(SIGXFSZ, SIG_IGN);
+  std::signal(SIGPIPE, SIG_IGN);
+}
+
+bool standard_output_is_whole() {
+  return std::fflush(stdout) == 0 && std::ferror(stdout) == 0;
+}
+
+std::string escaped(std::string_view text) {
+  std::string shown;
+  while (!text.empty()) {
+    const Utf8Character character = utf8_first(text);
+    for (const char c : text.substr(0, character.length)) {
+      std::array<char, 5> code;
+      std::snprintf(code.data(), code.size(), "\\x%02X", static_cast<unsigned char>(c));
+      shown += is_control(character.code) ? std::string(code.data()) : std::string(1, c);
+    }
+    text.remove_prefix(character.length);
+  }
+  return shown;
+}
+
+void tell(std::string_view text) {
+  const std::string shown = isatty(STDERR_FILENO) != 0 ? escaped(text) : std::string(text);
+  std::fwrite(shown.data(), 1, shown.size(), stderr);
+}
+
+void tell_line(std::string_view line) {
+  tell(line);
+  std::fputc('\n', stderr);
+}
+
+}  // namespace lexon

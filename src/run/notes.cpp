@@ -1,0 +1,148 @@
+#include "run/notes.hpp"
+
+#include <algorithm>
+#include <cstdio>
+#include <string_view>
+
+#include "data/pool.hpp"
+#include "data/utf8.hpp"
+
+namespace lexon {
+
+namespace {
+
+constexpr std::size_t kShownBytes = 64;  // of a long line, on each side of the place
+// Room for sentences below which the rules are said to be many.
+constexpr std::int64_t kScarceBytes = std::int64_t{2} << 20;
+
+std::string place(const std::string& path, std::int64_t line) {
+  return path + ':' + std::to_string(line);
+}
+
+// How far from `at` the text may be cut without cutting a character.
+std::size_t character_begin(std::string_view text, std::size_t at) {
+  while (at > 0 && at < text.size() && (static_cast<unsigned char>(text[at]) & 0xC0) == 0x80) --at;
+  return at;
+}
+
+// The line, or what stands around the place in a long one, and a caret under the place.
+std::string line_with_caret(std::string_view text, std::size_t column) {
+  const std::size_t begin = character_begin(text, column > kShownBytes ? column - kShownBytes : 0);
+  const std::size_t end = character_begin(text, std::min(text.size(), column + kShownBytes));
+  std::string line = begin > 0 ? "  ..." : "  ";
+  std::string below(line.size(), ' ');
+  line += text.substr(begin, end - begin);
+  if (end < text.size()) line += "...";
+  for (std::string_view rest = text.substr(begin, column - begin); !rest.empty();) {
+    below += rest.front() == '\t' ? '\t' : ' ';
+    rest.remove_prefix(utf8_first(rest).length);
+  }
+  return line + '\n' + below + '^';
+}
+
+std::string megabytes(std::int64_t bytes) {
+  char text[32];
+  std::snprintf(text, sizeof text, "%.1f", static_cast<double>(bytes) / 1e6);
+  return text;
+}
+
+std::string rules_room(const PoolFigures& figures) {
+  return "rules use " + megabytes(figures.permanent_bytes_used) + " of " + megabytes(figures.room_bytes) + " MB";
+}
+
+void note_text(const std::string& path, const TextWatch& text, Host& host) {
+  const auto tell = [&host](std::string what) { host.note({std::move(what), true, true}); };
+  if (text.is_utf16) return tell(path + ":1: this text is UTF-16: save it as UTF-8");
+  if (text.has_mark) tell(place(path, 1) + ": a byte order mark hides how this line begins: save the text without it");
+  if (text.nul != 0) {
+    return tell(place(path, text.nul) +
+                ": a NUL character hides the rest of this line: save the text as UTF-8, if it is "
+                "one");
+  }
+  if (text.long_line != 0) {
+    tell(place(path, text.long_line) + ": this line has more than 1022 characters: its rest counts as another line");
+  }
+  if (text.utf8 == 0 || text.other == 0) return;
+  const std::string where = place(path, text.other);
+  host.note({where + ": characters that are not UTF-8, as those of line " + std::to_string(text.utf8) +
+                 " are: save the text in one encoding",
+             false, true});
+}
+
+void note_rule(const std::string& path, const RuleNote& note, Host& host) {
+  const std::string_view text = note.text;
+  const std::size_t column = std::min(note.column, text.size());
+  const std::size_t shown_column = utf8_count(text.substr(0, column)) + 1;
+  const bool stays = is_warning(note.fault);
+  host.note({place(path, note.line) + ':' + std::to_string(shown_column) + (stays ? ": warning: " : ": ") +
+                 rule_fault_text(note.fault) + '\n' + line_with_caret(text, column),
+             !stays, true});
+}
+
+void note_room(const RunSettings& settings, const RunContext& context, Host& host) {
+  const PoolFigures figures = pool_figures();
+  const std::int64_t left = figures.room_bytes - figures.permanent_bytes_used;
+  const std::string more = "; --blocks " + std::to_string(2 * settings.blocks) + " makes room for more";
+  if (context.rules_without_room) {
+    const std::int64_t line = context.rule_notes.memory_line;
+    const std::string where = line != 0 ? place(settings.rule_file, line) : settings.rule_file;
+    host.note({where + ": no room for the rules: " + rules_room(figures) + more, true, true});
+  } else if (left < kScarceBytes) {
+    host.note({settings.rule_file + ": little room is left for sentences: " + rules_room(figures) + more, false, true});
+  }
+}
+
+void note_end(const RunSettings& settings, const RunContext& context, Host& host) {
+  const std::string& path = settings.input_file;
+  const InputNotes& notes = context.input_notes;
+  if (notes.unclosed.number != 0) {
+    host.note({place(path, notes.unclosed.number) + ": " + notes.unclosed.why, true, true});
+  }
+  if (!context.input_ended || context.tried != 0 || notes.text.line == 0) return;
+  if (settings.start_sentence > 1) {
+    host.note({path + ": -S " + std::to_string(settings.start_sentence) + " is behind its end: it has " +
+                   counted(context.skipped, "sentence that is closed", "sentences that are closed"),
+               true, true});
+  } else if (!notes.has_sentence) {
+    host.note({path + ": holds no sentence: one begins with a line \"[S\" and ends with a line \"[/S]\"", true, true});
+  }
+}
+
+}  // namespace
+
+std::string counted(std::int64_t count, const char* one, const char* many) {
+  return std::to_string(count) + ' ' + (count == 1 ? one : many);
+}
+
+void note_settings(const RunSettings& settings, Host& host) {
+  const std::int64_t end = std::int64_t{settings.start_sentence} + settings.sentence_count;
+  const bool meets_zero = settings.start_sentence <= 0 && (settings.sentence_count <= 0 || end > 0);
+  if (settings.max_time_per_sentence != 0 && meets_zero) {
+    host.note({"the sentence that -S makes number 0 has no time limit, whatever -T says: count from 1"});
+  }
+}
+
+void note_rules(const RunSettings& settings, const RunContext& context, Host& host) {
+  const RuleNotes& rules = context.rule_notes;
+  note_text(settings.rule_file, rules.text, host);
+  for (const RuleNote& note : rules.notes) note_rule(settings.rule_file, note, host);
+  if (rules.last_line_fails) {
+    host.note({settings.rule_file + ": no rule is in force, as the last line is refused: mend it, or end the text with "
+                                    "an empty line",
+               true, true});
+  }
+  note_room(settings, context, host);
+}
+
+void note_input(const RunSettings& settings, const RunContext& context, Host& host) {
+  note_text(settings.input_file, context.input_notes.text, host);
+  note_end(settings, context, host);
+  if (context.starved != 0) {
+    host.note({counted(context.starved, "sentence", "sentences") +
+                   " failed for want of memory: " + rules_room(pool_figures()) + "; --blocks " +
+                   std::to_string(2 * settings.blocks) + " makes room for more",
+               true});
+  }
+}
+
+}  // namespace lexon

@@ -1,0 +1,22 @@
+// What a user ought to know of a run beside its output: what is wrong with rules and input, and what was left out.
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+#include "run/context.hpp"
+#include "run/host.hpp"
+#include "run/settings.hpp"
+
+namespace lexon {
+
+// Each tells the host what there is to tell: of the settings before the first step, of the rules behind the rule step,
+// of the input behind the last sentence.
+void note_settings(const RunSettings& settings, Host& host);
+void note_rules(const RunSettings& settings, const RunContext& context, Host& host);
+void note_input(const RunSettings& settings, const RunContext& context, Host& host);
+
+// "1 rule", "2 rules".
+[[nodiscard]] std::string counted(std::int64_t count, const char* one, const char* many);
+
+}  // namespace lexon
