@@ -8,6 +8,7 @@
 #include <array>
 #include <cerrno>
 #include <cstdlib>
+#include <cstring>
 #include <utility>
 
 #include "data/pool.hpp"
@@ -119,6 +120,12 @@ std::optional<FileTime> file_time(const std::string& path, int& error) {
   return FileTime{status.st_mtim.tv_sec, status.st_mtim.tv_nsec};
 }
 
+std::optional<FileTime> stream_time(std::FILE* stream) {
+  struct stat status {};
+  if (fstat(fileno(stream), &status) != 0) return std::nullopt;
+  return FileTime{status.st_mtim.tv_sec, status.st_mtim.tv_nsec};
+}
+
 TempFile::TempFile() : path_(temp_file_in(system_temp_folder())) {
   if (path_.empty()) path_ = temp_file_in(".");
 }
@@ -155,6 +162,11 @@ bool DraftFile::is_whole() {
   return std::fflush(stream_) == 0 && std::ferror(stream_) == 0;
 }
 
+bool DraftFile::sync() {
+  is_synced_ = is_whole() && fsync(fileno(stream_)) == 0;
+  return is_synced_;
+}
+
 // Where the file cannot be linked, its content is copied to one that has a name.
 bool DraftFile::take_name(const std::string& target) {
   if (!path_.empty()) return true;
@@ -166,7 +178,7 @@ bool DraftFile::take_name(const std::string& target) {
   std::rewind(stream_);
   if (!copy_to(stream_, path_)) return false;
   const int descriptor = open(path_.c_str(), O_RDWR | O_CLOEXEC);
-  const bool made = descriptor >= 0 && make_ordinary(descriptor);
+  const bool made = descriptor >= 0 && make_ordinary(descriptor) && (!is_synced_ || fsync(descriptor) == 0);
   if (descriptor >= 0) close(descriptor);
   return made;
 }
@@ -186,6 +198,14 @@ void DraftFile::discard() {
   path_.clear();
 }
 
+void folder_sync(const std::string& path) {
+  const int descriptor = open(folder_of(path).c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+  if (descriptor < 0) return;
+  // Some file systems cannot sync a folder; they order their names by themselves.
+  static_cast<void>(fsync(descriptor));
+  close(descriptor);
+}
+
 void file_time_reset(const std::string& path) {
   const std::array<timespec, 2> times = {timespec{0, UTIME_OMIT}, timespec{0, 0}};
   // Without effect the file is merely as old as it is.
@@ -197,16 +217,39 @@ bool is_a_file(std::FILE* stream) {
   return fstat(fileno(stream), &status) == 0 && !S_ISDIR(status.st_mode);
 }
 
+std::FILE* regular_file_open(const std::string& path, const char* mode) {
+  struct stat status {};
+  if (stat(path.c_str(), &status) != 0) return nullptr;
+  errno = EINVAL;
+  if (!S_ISREG(status.st_mode)) return nullptr;
+  // What has taken the file's place since is not waited for, and not read either.
+  const int access = std::strchr(mode, '+') != nullptr ? O_RDWR : O_RDONLY;
+  const int descriptor = open(path.c_str(), access | O_NONBLOCK | O_NOCTTY | O_CLOEXEC);
+  if (descriptor < 0) return nullptr;
+  const bool is_regular = fstat(descriptor, &status) == 0 && S_ISREG(status.st_mode);
+  std::FILE* stream = is_regular ? fdopen(descriptor, mode) : nullptr;
+  if (stream != nullptr) return stream;
+  const int error = is_regular ? errno : EINVAL;
+  close(descriptor);
+  errno = error;
+  return nullptr;
+}
+
 bool file_read_at(std::FILE* stream, std::int64_t offset, void* to, std::size_t size) {
-  if (stream == nullptr) return false;
+  return stream != nullptr && file_read_some_at(stream, offset, to, size) == static_cast<std::int64_t>(size);
+}
+
+std::int64_t file_read_some_at(std::FILE* stream, std::int64_t offset, void* to, std::size_t size) {
   auto* bytes = static_cast<char*>(to);
+  std::size_t done = 0;
   // A read may be cut short or interrupted without being at the end.
-  for (std::size_t done = 0; done < size;) {
+  while (done < size) {
     const ssize_t got = pread(fileno(stream), bytes + done, size - done, offset + static_cast<std::int64_t>(done));
-    if (got == 0 || (got < 0 && errno != EINTR)) return false;
+    if (got == 0) break;
+    if (got < 0 && errno != EINTR) return -1;
     if (got > 0) done += static_cast<std::size_t>(got);
   }
-  return true;
+  return static_cast<std::int64_t>(done);
 }
 
 bool thread_start(ThreadHandle& thread, std::size_t stack_bytes, void (*body)(void*), void* argument) {

@@ -17,6 +17,8 @@ struct FileTime {
   auto operator<=>(const FileTime&) const = default;
 };
 [[nodiscard]] std::optional<FileTime> file_time(const std::string& path, int& error);
+// The same of an open file, whatever its name leads to by now.
+[[nodiscard]] std::optional<FileTime> stream_time(std::FILE* stream);
 
 // A private file of this object, with an unpredictable name in the system's temporary place, or in the current folder
 // if that cannot be written. It is made empty and removed with the object.
@@ -52,6 +54,8 @@ class DraftFile {
   [[nodiscard]] std::FILE* stream() const { return stream_; }
   // Writes out what is buffered. False if not all that was written has reached the file.
   [[nodiscard]] bool is_whole();
+  // The same, and waits until it is on the disk: a power cut behind `put_in_place` then leaves the old file or this.
+  [[nodiscard]] bool sync();
   // Puts what was written in the place of `target` and closes the stream. False if it is not whole or cannot be put
   // there; then it is gone, and `target` stands as before.
   [[nodiscard]] bool put_in_place(const std::string& target);
@@ -63,17 +67,26 @@ class DraftFile {
 
   std::FILE* stream_ = nullptr;
   std::string path_;  // empty while it has no name
+  bool is_synced_ = false;
 };
+
+// Waits until the names in the folder of `path` are on the disk, where the system can do that.
+void folder_sync(const std::string& path);
 
 // Puts the file's last-write time far back, so that every other file is newer.
 void file_time_reset(const std::string& path);
 
 // Is the open stream something that can be read or written as a file? False for a directory.
 [[nodiscard]] bool is_a_file(std::FILE* stream);
+// Opens a regular file that is there, with mode "rb" or "rb+". Null for what cannot be opened, with the reason in
+// `errno`, and for what is no regular file (a FIFO, a socket, a device, a folder), which is not touched: EINVAL.
+[[nodiscard]] std::FILE* regular_file_open(const std::string& path, const char* mode);
 
 // Reads exactly `size` bytes at `offset`, past the stream's own buffer and position. False if fewer stand there, if
 // they cannot be read, or for a null stream.
 [[nodiscard]] bool file_read_at(std::FILE* stream, std::int64_t offset, void* to, std::size_t size);
+// Reads up to `size` bytes likewise: how many there were, fewer only at the end; -1 if they cannot be read.
+[[nodiscard]] std::int64_t file_read_some_at(std::FILE* stream, std::int64_t offset, void* to, std::size_t size);
 
 // A thread with a large stack. `thread_join` must be called once for each that was started.
 struct ThreadHandle {

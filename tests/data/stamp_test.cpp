@@ -1,0 +1,90 @@
+#include "data/stamp.hpp"
+
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+
+#include <cstdio>
+#include <filesystem>
+#include <fstream>
+#include <string>
+
+namespace lexon {
+namespace {
+
+namespace fs = std::filesystem;
+
+class StampTest : public testing::Test {
+ protected:
+  void TearDown() override { fs::remove_all(folder_); }
+  std::string write(const std::string& name, const std::string& content) {
+    const std::string path = (folder_ / name).string();
+    std::ofstream(path, std::ios::binary) << content;
+    return path;
+  }
+  fs::path folder_ = [] {
+    std::string name = (fs::temp_directory_path() / "lexon-stamp-XXXXXX").string();
+    return fs::path(mkdtemp(name.data()));
+  }();
+};
+
+TEST_F(StampTest, TheHashIsTheKnownOne) {
+  struct Row {
+    const char* bytes;
+    std::uint64_t hash;  // published values of FNV-1a
+  };
+  for (const Row& row :
+       {Row{"", 0xcbf29ce484222325}, Row{"a", 0xaf63dc4c8601ec8c}, Row{"foobar", 0x85944171f73967e8}}) {
+    ByteHash hash;
+    for (const char* c = row.bytes; *c != '\0'; ++c) hash.add(c, 1);
+    EXPECT_EQ(hash.value(), row.hash) << row.bytes;
+  }
+}
+
+TEST_F(StampTest, ComesBackAsItWasWritten) {
+  const std::string path = (folder_ / "pair.stamp").string();
+  std::FILE* file = std::fopen(write("file", std::string(70000, 'x')).c_str(), "rb");
+  const std::optional<FileMark> mark = file_mark(file);
+  std::fclose(file);
+  ASSERT_TRUE(mark.has_value());
+  EXPECT_EQ(mark->size, 70000);
+  Stamp stamp;
+  stamp.put("name", std::string_view("old"));
+  stamp.put("file", *mark);
+  stamp.put("count", std::int64_t{-7});
+  stamp.put("name", std::string_view("50%\n=\0\r.dic", 11));
+  ASSERT_TRUE(stamp_write(path, stamp, true));
+  Stamp read;
+  ASSERT_EQ(stamp_read(path, read), StampState::whole);
+  EXPECT_EQ(read, stamp);
+  EXPECT_EQ(read.mark("file"), mark);
+  EXPECT_EQ(read.number("count"), -7);
+  EXPECT_EQ(read.mark("count"), std::nullopt);
+  EXPECT_EQ(read.number("none"), std::nullopt);
+}
+
+TEST_F(StampTest, WhatIsNoStampIsToldApart) {
+  struct Row {
+    const char* what;
+    std::string content;
+    StampState state;
+  };
+  const Row rows[] = {
+      {"no lines", "lexon stamp 1\n", StampState::whole},
+      {"empty", "", StampState::damaged},
+      {"another file", "name=x\n", StampState::damaged},
+      {"cut within a line", "lexon stamp 1\nname=x", StampState::damaged},
+      {"no value", "lexon stamp 1\nname\n", StampState::damaged},
+      {"a key twice", "lexon stamp 1\na=1\na=2\n", StampState::damaged},
+      {"an escape cut short", "lexon stamp 1\na=%0\n", StampState::damaged},
+      {"endless", "lexon stamp 1\na=" + std::string(100000, 'x') + "\n", StampState::damaged},
+  };
+  Stamp stamp;
+  for (const Row& row : rows) EXPECT_EQ(stamp_read(write("s", row.content), stamp), row.state) << row.what;
+  EXPECT_EQ(stamp_read((folder_ / "none").string(), stamp), StampState::missing);
+  const std::string fifo = (folder_ / "fifo").string();
+  ASSERT_EQ(mkfifo(fifo.c_str(), 0600), 0);
+  EXPECT_EQ(stamp_read(fifo, stamp), StampState::damaged) << "and does not wait";
+}
+
+}  // namespace
+}  // namespace lexon
