@@ -19,6 +19,7 @@ constexpr const char* kSwitches =
     "  -G        start at once                   -W        show the progress window\n"
     "  -M, ^A    accepted, without effect\n"
     "  -Q, --quiet          no progress          --progress=plain   progress as plain lines\n"
+    "  --rebuild            make the compiled rules anew   --in-memory   write no compiled rules\n"
     "  --yes                yes to every question\n"
     "  --help, --version\n"
     "\n"
@@ -194,6 +195,10 @@ bool take_long_option(std::string_view word, CommandLine& line) {
     line.version = true;
   } else if (word == "--yes") {
     line.yes = true;
+  } else if (word == "--rebuild") {
+    line.settings.rebuild = true;
+  } else if (word == "--in-memory") {
+    line.settings.in_memory = true;
   } else if (word == "--quiet") {
     line.progress = ProgressStyle::none;
   } else if (word == "--progress=plain") {

@@ -5,8 +5,12 @@
 #include <atomic>
 #include <cstdint>
 #include <cstdio>
+#include <optional>
+#include <string>
+#include <vector>
 
 #include "data/sentence.hpp"
+#include "data/stamp.hpp"
 #include "dict/index.hpp"
 #include "rules/rule.hpp"
 #include "run/compiled_file.hpp"
@@ -28,11 +32,18 @@ struct RunContext {
   bool post_edit = true;
   CompiledFile compiled_rules;
   CompiledFile compiled_matrix;
-  bool convert = false;  // the rule text is to be parsed
+  std::string stamp_path;
+  std::string rule_text_path;                 // empty without a text
+  std::optional<FileMark> rule_text_mark;     // what the open text held at first; none for a pipe
+  std::optional<std::int64_t> rules_refused;  // of the text; none if nobody has counted
+  bool convert = false;                       // the rule text is to be parsed
   bool rebuild_matrix = false;
-  bool rules_unwritten = false;   // the compiled rules could not be written; the run goes on
-  bool matrix_unwritten = false;  // likewise
-  bool rule_step_done = false;    // every step from now on is a sentence
+  bool in_memory = false;          // no compiled file is written
+  bool rules_are_whole = false;    // all rules of the text have been written to the draft
+  bool rules_unwritten = false;    // the compiled rules could not be written; the run goes on
+  bool matrix_unwritten = false;   // likewise
+  bool rule_step_done = false;     // every step from now on is a sentence
+  std::vector<std::string> notes;  // what the user ought to know beside the output
 };
 
 // Where a step stands.

@@ -13,6 +13,7 @@
 #include "data/text_line.hpp"
 #include "run/context.hpp"
 #include "run/files.hpp"
+#include "run/output_check.hpp"
 #include "run/rule_files.hpp"
 
 namespace lexon {
@@ -36,6 +37,7 @@ Opening failure(std::string message) {
 }
 
 Opening open_output(const RunSettings& settings) {
+  if (std::string conflict = output_conflict(settings); !conflict.empty()) return failure(std::move(conflict));
   state.output = file_open(settings.output_file, "w");
   return state.output != nullptr ? Opening{} : failure(cannot_open("Output File", settings.output_file));
 }
@@ -60,7 +62,7 @@ Opening open_dictionary(const RunSettings& settings, RunContext& context) {
 }
 
 Opening open_input(const RunSettings& settings, RunContext& context) {
-  context.input = file_open(settings.input_file, "r");
+  context.input = text_open(settings.input_file, stop_requested);
   return context.input != nullptr ? Opening{} : failure(cannot_open("Input File", settings.input_file));
 }
 
@@ -86,7 +88,7 @@ Opening open_cr_dictionary(const RunSettings& settings, RunContext& context, Hos
 }
 
 Opening open_rules(const RunSettings& settings, RunContext& context) {
-  std::string message = rule_files_open(settings.rule_file, context);
+  std::string message = rule_files_open(settings, context);
   return message.empty() ? Opening{} : failure(std::move(message));
 }
 
@@ -104,23 +106,12 @@ bool run_rule_step(RunContext& context, Host& host) {
   run_status = run_state::running;
   const StepResult result = host.run_step(context, kRuleStepCaption, 0);
   if (result == StepResult::cancelled) {
-    if (context.convert) {
-      compiled_file_delete(context.compiled_rules);
-      compiled_file_delete(context.compiled_matrix);
-    } else {
-      compiled_file_discard(context.compiled_matrix);
-    }
+    rule_files_cancel(context);
     out_print(";;Cancelled!\n");
     return false;
   }
   context.rule_step_done = true;
-  const bool succeeded = run_status == run_state::finished;
-  compiled_file_discard(context.compiled_rules);
-  if (context.rebuild_matrix && succeeded) {
-    context.matrix_unwritten = !compiled_file_finish(context.compiled_matrix);
-  } else {
-    compiled_file_discard(context.compiled_matrix);
-  }
+  rule_files_finish(context, run_status == run_state::finished);
   return true;
 }
 
@@ -168,7 +159,9 @@ void run_sentences(const RunSettings& settings, RunContext& context, Host& host)
 void run_steps(const RunSettings& settings, RunContext& context, Host& host) {
   if (!run_rule_step(context, host) || settings.rules_conversion_only) return;
   if (!skip_sentences(context.input, std::int64_t{settings.start_sentence} - 1)) {
-    if (must_leave() == Status::stopped) out_print(";;Cancelled!\n");
+    if (must_leave() != Status::stopped) return;
+    std::clearerr(context.input);  // it may have waited for data, which is no fault of the file
+    out_print(";;Cancelled!\n");
     return;
   }
   run_sentences(settings, context, host);
@@ -204,6 +197,7 @@ void note_short_file(const std::string& path, const char* what) {
 }
 
 void note_faults(const RunSettings& settings, const RunContext& context) {
+  run_faults.notes.insert(run_faults.notes.end(), context.notes.begin(), context.notes.end());
   note_damage(settings, context);
   const bool input_failed = context.input != nullptr && std::ferror(context.input) != 0;
   if (input_failed) note_short_file(settings.input_file, "cannot be read to its end");
@@ -238,8 +232,8 @@ void run_driver(const RunSettings& settings, Host& host) {
   context.post_edit = settings.post_edit;
   state.trace_level = static_cast<std::int8_t>(settings.trace_level & 0xFF);
   run_guarded(settings, context, host);
-  compiled_file_discard(context.compiled_rules);
-  compiled_file_discard(context.compiled_matrix);
+  compiled_file_close(context.compiled_rules);
+  compiled_file_close(context.compiled_matrix);
   release_slots(context.dictionary_slots);
   release_slots(context.cr_slots);
   host.finish();

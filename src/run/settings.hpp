@@ -11,7 +11,7 @@ inline constexpr int kPathLimit = 260;  // characters of a path
 // Filled by the front end; the driver only reads it.
 struct RunSettings {
   std::string input_file;
-  std::string output_file;  // created or truncated first of all
+  std::string output_file;  // created or truncated first of all, unless it is one of the others
   std::string rule_file;    // rule text, or a compiled file with the extension ".rul"
   std::string dictionary_file;
   std::string cr_dictionary_file;          // empty: the run has none
@@ -24,6 +24,8 @@ struct RunSettings {
   bool show_progress = false;
   bool post_edit = true;
   bool rules_conversion_only = false;
+  bool rebuild = false;    // the compiled rules are made anew, whatever the dates say
+  bool in_memory = false;  // no compiled rules are written, and none of a rule text are read
   bool reserved_a = true;
   bool reserved_b = false;
 };
