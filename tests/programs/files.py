@@ -11,6 +11,7 @@ import fcntl, os, shutil, signal, subprocess, sys, tempfile, termios, time
 
 LEXON, LEXON_DICT = (os.path.join(os.path.abspath(sys.argv[1]), name) for name in ("lexon", "lexon-dict"))
 RULES = "R{SHEAD:::}{:::}P1;\nR{N,^X:::}{STAIL:::}P1;\nR([a],b){^A:[x],+C:agt:<obj}{C:::}P7;\n"
+MANY_BAD = "R{:::\n" * 4000
 OLD = 1450000000
 WORDS = ["words.dic", "rules.txt", "input.txt", "out.txt", "-L0", "-N0", "-Q"]
 NOBODY = 65534
@@ -169,17 +170,28 @@ def dates_stay_as_the_system_sets_them():
 
 # ---- compiled files that are stale or broken
 
-def changed_while_converted():
-    """An output that nobody reads keeps the rule step waiting with its messages."""
-    write("rules.txt", "R{:::\n" * 4000 + RULES, OLD)
+def in_a_conversion(act):
+    """The status of a run in whose rule step something happens: its messages wait for a reader of the output."""
+    write("rules.txt", MANY_BAD + RULES, OLD)
     os.mkfifo("fifo")
-    process = subprocess.Popen([LEXON, *("fifo" if word == "out.txt" else word for word in WORDS), "--rebuild"])
+    process = subprocess.Popen([LEXON, *("fifo" if word == "out.txt" else word for word in WORDS), "--rebuild"],
+                               stderr=subprocess.DEVNULL)
     reader = os.open("fifo", os.O_RDONLY)
     while waiting_bytes(reader) < 60000: time.sleep(0.01)
-    write("rules.txt", "R{:::\n" * 4000 + RULES + "R{:::}{:::}P9;\n", OLD + 5)
+    act(process)
     while os.read(reader, 65536): pass
     os.close(reader)
-    dated = process.wait() == 0 and os.stat("rules.rul").st_mtime == OLD
+    return process.wait()
+
+
+def cancelled_in_a_conversion():
+    status = in_a_conversion(lambda process: process.send_signal(signal.SIGINT))
+    return status == 130 and not [name for name in os.listdir(".") if name.startswith("rules.") and name != "rules.txt"]
+
+
+def changed_while_converted():
+    status = in_a_conversion(lambda process: write("rules.txt", MANY_BAD + RULES + "R{:::}{:::}P9;\n", OLD + 5))
+    dated = status == 0 and os.stat("rules.rul").st_mtime == OLD
     Run()
     return dated and os.stat("rules.rul").st_mtime > OLD + 5 and read("rules.mtx")[16:20] == bytes([0, 0, 0, 4])
 
@@ -349,6 +361,7 @@ ROWS += [
     ("a folder that takes no new file: --in-memory", rendered_in_memory),
     ("--in-memory with compiled rules", in_memory_takes_the_compiled_rules_alone),
     ("dates stay as the system sets them", dates_stay_as_the_system_sets_them),
+    ("a cancelled conversion leaves neither", cancelled_in_a_conversion),
     ("rules that change while they are converted are converted again", changed_while_converted),
     ("a text replaced by an older one is noticed", older_text_is_noticed),
     ("a text with another date alone is not", touched_or_copied_text_is_no_change),
