@@ -1,14 +1,19 @@
 #include "data/platform.hpp"
 
 #include <fcntl.h>
+#include <poll.h>
 #include <pthread.h>
+#include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include <array>
 #include <cerrno>
+#include <chrono>
 #include <cstdlib>
 #include <cstring>
+#include <new>
+#include <thread>
 #include <utility>
 
 #include "data/pool.hpp"
@@ -63,10 +68,14 @@ bool make_ordinary(int descriptor) {
   return fchmod(descriptor, 0666 & ~mask) == 0;
 }
 
+std::string descriptor_path(int descriptor) {
+  return "/proc/self/fd/" + std::to_string(descriptor);
+}
+
 // Gives the file behind a descriptor a name of its own in `folder`; the empty text if the system cannot.
 std::string link_in(const std::string& folder, int descriptor) {
   constexpr int kTries = 16;
-  const std::string source = "/proc/self/fd/" + std::to_string(descriptor);
+  const std::string source = descriptor_path(descriptor);
   for (int i = 0; i < kTries; ++i) {
     std::string name = temp_file_in(folder);
     if (name.empty() || std::remove(name.c_str()) != 0) return {};
@@ -74,6 +83,59 @@ std::string link_in(const std::string& folder, int descriptor) {
     if (errno != EEXIST) return {};
   }
   return {};
+}
+
+// An open private file without a name, which can be opened again by the path of its descriptor; -1 if the system cannot.
+int nameless_file_in(const std::string& folder) {
+  const int descriptor = open(folder.c_str(), O_TMPFILE | O_RDWR | O_CLOEXEC, 0600);
+  if (descriptor < 0 || access(descriptor_path(descriptor).c_str(), R_OK | W_OK) == 0) return descriptor;
+  close(descriptor);
+  return -1;
+}
+
+FileTime write_time(const struct stat& status) {
+  return {status.st_mtim.tv_sec, status.st_mtim.tv_nsec};
+}
+
+std::array<timespec, 2> times_for(FileTime time) {
+  return {timespec{0, UTIME_OMIT}, timespec{static_cast<time_t>(time.seconds), static_cast<long>(time.nanoseconds)}};
+}
+
+// A file that is read without ever waiting longer than a moment.
+struct WaitingFile {
+  int descriptor;
+  const std::atomic<bool>& stop;
+  bool awaits_writer;  // a FIFO looks as if it had ended as long as nobody has opened it for writing
+};
+
+extern "C" ssize_t waiting_file_read(void* cookie, char* to, std::size_t size) {
+  constexpr int kMoment = 50;  // milliseconds
+  auto& file = *static_cast<WaitingFile*>(cookie);
+  while (!file.stop) {
+    if (!file.awaits_writer) {
+      const ssize_t got = read(file.descriptor, to, size);
+      if (got >= 0 || (errno != EAGAIN && errno != EINTR)) return got;
+    }
+    pollfd wanted{file.descriptor, POLLIN, 0};
+    if (poll(&wanted, 1, kMoment) > 0) file.awaits_writer = false;
+  }
+  errno = EINTR;
+  return -1;
+}
+
+extern "C" int waiting_file_close(void* cookie) {
+  const auto* file = static_cast<WaitingFile*>(cookie);
+  const int result = close(file->descriptor);
+  delete file;
+  return result;
+}
+
+// A pipe without a name has its writer, or never gets one again.
+bool is_named_fifo(int descriptor) {
+  struct stat status {};
+  if (fstat(descriptor, &status) != 0 || !S_ISFIFO(status.st_mode)) return false;
+  std::array<char, 2> target{};
+  return readlink(descriptor_path(descriptor).c_str(), target.data(), 1) == 1 && target[0] == '/';
 }
 
 struct ThreadStart {
@@ -109,22 +171,66 @@ std::optional<FileTime> file_time(const std::string& path, int& error) {
     error = EISDIR;
     return std::nullopt;
   }
-  return FileTime{status.st_mtim.tv_sec, status.st_mtim.tv_nsec};
+  return write_time(status);
 }
 
 std::optional<FileTime> stream_time(std::FILE* stream) {
   struct stat status {};
   if (fstat(fileno(stream), &status) != 0) return std::nullopt;
-  return FileTime{status.st_mtim.tv_sec, status.st_mtim.tv_nsec};
+  return write_time(status);
+}
+
+bool stream_time_set(std::FILE* stream, FileTime time) {
+  // What is written out later would set it anew.
+  return std::fflush(stream) == 0 && futimens(fileno(stream), times_for(time).data()) == 0;
+}
+
+bool file_time_set(const std::string& path, FileTime time) {
+  return utimensat(AT_FDCWD, path.c_str(), times_for(time).data(), 0) == 0;
+}
+
+bool is_file_at(std::FILE* stream, const std::string& path) {
+  struct stat opened {};
+  struct stat named {};
+  if (fstat(fileno(stream), &opened) != 0 || stat(path.c_str(), &named) != 0) return false;
+  return opened.st_dev == named.st_dev && opened.st_ino == named.st_ino;
+}
+
+WritableName writable_name(const std::string& path) {
+  struct stat named {};
+  struct stat file {};
+  if (lstat(path.c_str(), &named) != 0) return {.by_replacing = errno == ENOENT, .in_place = false};
+  const bool is_link = S_ISLNK(named.st_mode);
+  if (is_link && stat(path.c_str(), &file) != 0) return {.by_replacing = true, .in_place = false};
+  if (!is_link) file = named;
+  const bool is_writable = S_ISREG(file.st_mode) && access(path.c_str(), W_OK) == 0;
+  return {.by_replacing = is_writable, .in_place = is_writable && !is_link && file.st_nlink == 1};
+}
+
+FolderLock::FolderLock(const std::string& path_in_folder)
+    : descriptor_(open(folder_of(path_in_folder).c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC)) {
+  constexpr int kTries = 200;
+  constexpr std::chrono::milliseconds kPause{5};
+  if (descriptor_ < 0) return;
+  for (int i = 0; i < kTries && flock(descriptor_, LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK; ++i) {
+    std::this_thread::sleep_for(kPause);
+  }
+}
+
+FolderLock::~FolderLock() {
+  if (descriptor_ >= 0) close(descriptor_);
 }
 
 File unnamed_file() {
-  std::string name = temp_file_in(system_temp_folder());
-  if (name.empty()) name = temp_file_in(".");
-  if (name.empty()) return nullptr;
-  File file(std::fopen(name.c_str(), "wb+"));
-  std::remove(name.c_str());
-  return file;
+  for (const std::string& folder : {system_temp_folder(), std::string(".")}) {
+    if (const int descriptor = nameless_file_in(folder); descriptor >= 0) return File(fdopen(descriptor, "wb+"));
+    const std::string name = temp_file_in(folder);
+    if (name.empty()) continue;
+    File file(std::fopen(name.c_str(), "wb+"));
+    std::remove(name.c_str());
+    return file;
+  }
+  return nullptr;
 }
 
 bool DraftFile::open_beside(const std::string& target) {
@@ -190,12 +296,6 @@ void folder_sync(const std::string& path) {
   close(descriptor);
 }
 
-void file_time_reset(const std::string& path) {
-  const std::array<timespec, 2> times = {timespec{0, UTIME_OMIT}, timespec{0, 0}};
-  // Without effect the file is merely as old as it is.
-  static_cast<void>(utimensat(AT_FDCWD, path.c_str(), times.data(), 0));
-}
-
 bool is_a_file(std::FILE* stream) {
   struct stat status {};
   return fstat(fileno(stream), &status) == 0 && !S_ISDIR(status.st_mode);
@@ -222,6 +322,25 @@ std::FILE* regular_file_open(const std::string& path, const char* mode) {
 std::int64_t file_size(std::FILE* stream) {
   struct stat status {};
   return fstat(fileno(stream), &status) == 0 ? status.st_size : 0;
+}
+
+bool is_waiting_file(const std::string& path) {
+  struct stat status {};
+  if (stat(path.c_str(), &status) != 0) return false;
+  return S_ISFIFO(status.st_mode) || S_ISCHR(status.st_mode) || S_ISSOCK(status.st_mode);
+}
+
+std::FILE* waiting_file_open(const std::string& path, const std::atomic<bool>& stop) {
+  const int descriptor = open(path.c_str(), O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC);
+  if (descriptor < 0) return nullptr;
+  auto* file = new (std::nothrow) WaitingFile{descriptor, stop, is_named_fifo(descriptor)};
+  const cookie_io_functions_t calls = {
+      .read = waiting_file_read, .write = nullptr, .seek = nullptr, .close = waiting_file_close};
+  std::FILE* stream = file == nullptr ? nullptr : fopencookie(file, "r", calls);
+  if (stream != nullptr) return stream;
+  delete file;
+  close(descriptor);
+  return nullptr;
 }
 
 bool file_read_at(std::FILE* stream, std::int64_t offset, void* to, std::size_t size) {

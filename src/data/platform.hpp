@@ -1,6 +1,7 @@
 // What differs between platforms: file times, temporary files, moving files, the worker's stack.
 #pragma once
 
+#include <atomic>
 #include <compare>
 #include <cstdint>
 #include <cstdio>
@@ -20,6 +21,32 @@ struct FileTime {
 [[nodiscard]] std::optional<FileTime> file_time(const std::string& path, int& error);
 // The same of an open file, whatever its name leads to by now.
 [[nodiscard]] std::optional<FileTime> stream_time(std::FILE* stream);
+// Sets it. False if the system refuses; the file then is as old as it is.
+bool stream_time_set(std::FILE* stream, FileTime time);
+bool file_time_set(const std::string& path, FileTime time);
+
+// Is the open file the one that stands under `path` now?
+[[nodiscard]] bool is_file_at(std::FILE* stream, const std::string& path);
+
+// What may be written under a name.
+struct WritableName {
+  bool by_replacing;  // nothing stands there, or a link, or a file that is not write-protected
+  bool in_place;      // a file that is not write-protected and has no other name
+};
+[[nodiscard]] WritableName writable_name(const std::string& path);
+
+// While it lives, no other program that asks for the lock of the same folder has it. The system ends it with a program
+// that is killed. Where a foreign program keeps it, or the system has none, it is given up after a second.
+class FolderLock {
+ public:
+  explicit FolderLock(const std::string& path_in_folder);
+  ~FolderLock();
+  FolderLock(const FolderLock&) = delete;
+  FolderLock& operator=(const FolderLock&) = delete;
+
+ private:
+  int descriptor_;
+};
 
 // A stream that is closed with its owner.
 struct FileCloser {
@@ -65,9 +92,6 @@ class DraftFile {
 // Waits until the names in the folder of `path` are on the disk, where the system can do that.
 void folder_sync(const std::string& path);
 
-// Puts the file's last-write time far back, so that every other file is newer.
-void file_time_reset(const std::string& path);
-
 // Is the open stream something that can be read or written as a file? False for a directory.
 [[nodiscard]] bool is_a_file(std::FILE* stream);
 // Opens a regular file that is there, with mode "rb" or "rb+". Null for what cannot be opened, with the reason in
@@ -76,6 +100,12 @@ void file_time_reset(const std::string& path);
 
 // The size of an open file in bytes; 0 if it cannot be told.
 [[nodiscard]] std::int64_t file_size(std::FILE* stream);
+
+// Opens for reading what may keep a reader waiting: a pipe, a terminal, a socket. To open it never waits; a FIFO whose
+// writer is not there yet waits at its first read. A read that has to wait looks at `stop`: once that is set it fails,
+// and may be tried again when it is cleared. `is_waiting_file` tells whether a path leads to such a file.
+[[nodiscard]] bool is_waiting_file(const std::string& path);
+[[nodiscard]] std::FILE* waiting_file_open(const std::string& path, const std::atomic<bool>& stop);
 
 // Reads exactly `size` bytes at `offset`, past the stream's own buffer and position. False if fewer stand there, if
 // they cannot be read, or for a null stream.

@@ -19,6 +19,7 @@ constexpr const char* kSwitches =
     "  -G        start at once                   -W        show the progress window\n"
     "  -M, ^A    accepted, without effect\n"
     "  -Q, --quiet          no progress          --progress=plain   progress as plain lines\n"
+    "  --rebuild            make the compiled rules anew   --in-memory   write no compiled rules\n"
     "  --yes                yes to every question\n"
     "  --check-dictionary   compare the dictionaries with what was built, byte by byte\n"
     "  --strict             status 3 also for what was left out: lines, rules, sentences without an end\n"
@@ -240,6 +241,10 @@ bool take_long_option(std::span<const char* const>& words, CommandLine& line) {
     line.yes = true;
   } else if (word == "--check-dictionary") {
     line.settings.check_dictionaries = true;
+  } else if (word == "--rebuild") {
+    line.settings.rebuild = true;
+  } else if (word == "--in-memory") {
+    line.settings.in_memory = true;
   } else if (word == "--quiet") {
     line.progress = ProgressStyle::none;
   } else if (word == "--progress=plain") {

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstdio>
+#include <string>
 
 #include "data/status.hpp"
 #include "rules/rule.hpp"
@@ -14,17 +15,17 @@ namespace lexon {
 // stream stays open.
 [[nodiscard]] Status rule_list_write(const Rule* rules, std::FILE* stream);
 
-// Builds the list in file order. Returns ok, `memory` or `stopped`; `no_effect` if the file is damaged, which a ";;"
-// line tells. `rules` is null unless ok. The stream stays open.
-[[nodiscard]] Status rule_list_read(Rule*& rules, std::FILE* stream);
+// Builds the list in file order. Returns ok, `memory` or `stopped`; `no_effect` if the file is damaged, which `fault`
+// receives in words, or without one a ";;" line tells. `rules` is null unless ok. The stream stays open.
+[[nodiscard]] Status rule_list_read(Rule*& rules, std::FILE* stream, std::string* fault = nullptr);
 
 // Writes `rule_matrix`. Returns ok; a disk that is full is told by a ";;" line alone. The stream stays open: its owner
 // closes it.
 [[nodiscard]] Status rule_matrix_save(std::FILE* stream);
 
 // Reads `rule_matrix`, ties it to `rules` and prepares the search. Returns ok or `memory`; `no_effect` if the file's
-// sizes do not agree with each other or with the list, which a ";;" line tells. `rule_matrix` is zeroed unless ok. The
+// sizes do not agree with each other or with the list, which is told likewise. `rule_matrix` is zeroed unless ok. The
 // stream stays open: its owner closes it.
-[[nodiscard]] Status rule_matrix_load(std::FILE* stream, Rule* rules);
+[[nodiscard]] Status rule_matrix_load(std::FILE* stream, Rule* rules, std::string* fault = nullptr);
 
 }  // namespace lexon

@@ -148,21 +148,39 @@ Status vectors_make(MatrixSide& side, std::size_t row_bytes) {
   return side.result_vector != nullptr && side.missing_vector != nullptr ? Status::ok : Status::memory;
 }
 
-Status refuse(const char* fault) {
-  out_print(";;the compiled rule matrix cannot be used: %s\n", fault);
-  return Status::no_effect;
+// What is wrong with the file, or null, and what that comes to.
+struct MatrixReading {
+  Status status;
+  const char* fault = nullptr;
+};
+
+MatrixReading refused(const char* fault) {
+  return {Status::no_effect, fault};
 }
 
-Status matrix_read(RuleMatrix& matrix, std::FILE* stream) {
+MatrixReading sides_read(RuleMatrix& matrix, std::FILE* stream) {
   Status status = areas_read(matrix, stream);
-  if (status == Status::no_effect) return refuse("the file cannot be read");
+  if (status == Status::no_effect) return refused("the file cannot be read");
   for (MatrixSide* side : {&matrix.left, &matrix.right}) {
-    if (status != Status::ok) return status;
-    if (!names_agree(*side)) return refuse("the names do not agree with attr_count");
+    if (status != Status::ok) return {status};
+    if (!names_agree(*side)) return refused("the names do not agree with attr_count");
     status = attr_table_make(*side);
     if (status == Status::ok) status = vectors_make(*side, static_cast<std::size_t>(matrix.row_bytes));
   }
-  return status;
+  return {status};
+}
+
+MatrixReading matrix_read(std::FILE* stream, Rule* rules) {
+  std::rewind(stream);
+  const auto size = static_cast<std::uint64_t>(file_size(stream));
+  HeaderBytes bytes;
+  if (std::fread(bytes.data(), 1, bytes.size(), stream) != bytes.size()) return refused("the file has no header");
+  const Header header = header_from(bytes);
+  if (const char* fault = header_fault(header, rules, size); fault != nullptr) return refused(fault);
+  rule_matrix = {rules, static_cast<std::int32_t>(header.rule_count), static_cast<std::int32_t>(header.row_bytes),
+                 header.left, header.right};
+  const MatrixReading reading = sides_read(rule_matrix, stream);
+  return reading.status == Status::ok ? MatrixReading{rule_search_prepare()} : reading;
 }
 
 }  // namespace
@@ -182,20 +200,18 @@ Status rule_matrix_save(std::FILE* stream) {
   return Status::ok;
 }
 
-Status rule_matrix_load(std::FILE* stream, Rule* rules) {
+Status rule_matrix_load(std::FILE* stream, Rule* rules, std::string* fault) {
   rule_matrix_clear();
-  std::rewind(stream);
-  const auto size = static_cast<std::uint64_t>(file_size(stream));
-  HeaderBytes bytes;
-  if (std::fread(bytes.data(), 1, bytes.size(), stream) != bytes.size()) return refuse("the file has no header");
-  const Header header = header_from(bytes);
-  if (const char* fault = header_fault(header, rules, size); fault != nullptr) return refuse(fault);
-  rule_matrix = {rules, static_cast<std::int32_t>(header.rule_count), static_cast<std::int32_t>(header.row_bytes),
-                 header.left, header.right};
-  Status status = matrix_read(rule_matrix, stream);
-  if (status == Status::ok) status = rule_search_prepare();
-  if (status != Status::ok) rule_matrix_clear();
-  return status;
+  const MatrixReading reading = matrix_read(stream, rules);
+  if (reading.status != Status::ok) rule_matrix_clear();
+  if (reading.fault == nullptr) return reading.status;
+  const std::string text = std::string("the compiled rule matrix cannot be used: ") + reading.fault;
+  if (fault == nullptr) {
+    out_print(";;%s\n", text.c_str());
+  } else {
+    *fault = text;
+  }
+  return reading.status;
 }
 
 }  // namespace lexon

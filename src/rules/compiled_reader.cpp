@@ -159,16 +159,21 @@ Status next_rule_read(RecordStream& file, Rule*& rule) {
   return rule_read(in, *rule);
 }
 
-Status rules_read(RecordStream& file, Rule*& rules) {
+void fault_tell(int number, std::size_t place, std::string* fault) {
+  const std::string text =
+      "the compiled rule file is damaged at rule no. " + std::to_string(number) + ", offset " + std::to_string(place);
+  if (fault == nullptr) return out_print(";;%s\n", text.c_str());
+  *fault = text;
+}
+
+Status rules_read(RecordStream& file, Rule*& rules, std::string* fault) {
   int number = 0;
   for (Rule** link = &rules; !file.at_end(); link = &(*link)->next) {
     if (const Status leave = must_leave(); leave != Status::ok) return leave;
     ++number;
     const std::size_t place = file.place();
     const Status status = next_rule_read(file, *link);
-    if (status == kDamaged) {
-      out_print(";;the compiled rule file is damaged at rule no. %d, offset %zu\n", number, place);
-    }
+    if (status == kDamaged) fault_tell(number, place, fault);
     if (status != Status::ok) return status;
   }
   return Status::ok;
@@ -176,13 +181,13 @@ Status rules_read(RecordStream& file, Rule*& rules) {
 
 }  // namespace
 
-Status rule_list_read(Rule*& rules, std::FILE* stream) {
+Status rule_list_read(Rule*& rules, std::FILE* stream, std::string* fault) {
   rules = nullptr;
   void* const buffer = temp_alloc(kRecordBufferSize);
   if (buffer == nullptr) return Status::memory;
   std::rewind(stream);
   RecordStream file(stream, {static_cast<std::uint8_t*>(buffer), kRecordBufferSize});
-  const Status status = rules_read(file, rules);
+  const Status status = rules_read(file, rules, fault);
   temp_free(buffer, kRecordBufferSize);
   // Half a rule base would say other things than the linguist wrote. Its records are lost for the run.
   if (status != Status::ok) rules = nullptr;

@@ -8,8 +8,8 @@ namespace lexon {
 
 namespace {
 
-bool is_written_in_place(const CompiledFile& file) {
-  return file.for_writing && file.draft.stream() == nullptr;
+bool has_draft(const CompiledFile& file) {
+  return file.draft.stream() != nullptr;
 }
 
 // False if not all that was written has reached the file.
@@ -19,57 +19,70 @@ bool close_in_place(CompiledFile& file) {
   return std::fclose(stream) == 0 && written;
 }
 
-// An empty, old file is not trusted by any run.
 void empty_in_place(const CompiledFile& file) {
   if (std::FILE* stream = file_open(file.path, "wb"); stream != nullptr) std::fclose(stream);
-  file_time_reset(file.path);
 }
 
 }  // namespace
 
 bool compiled_file_open_read(CompiledFile& file) {
   file.stream = file_open(file.path, "rb");
+  file.for_writing = false;
   return file.stream != nullptr;
 }
 
 bool compiled_file_open_write(CompiledFile& file) {
-  file.stream = file_open(file.path, "wb");
-  if (file.stream == nullptr) return false;
+  const WritableName name = writable_name(file.path);
+  if (!name.by_replacing) return false;
   file.for_writing = true;
-  // Where the folder takes no second file, the content is written in place.
-  if (!file.draft.open_beside(file.path)) return true;
-  std::fclose(std::exchange(file.stream, file.draft.stream()));
-  file_time_reset(file.path);
-  return true;
+  if (file.draft.open_beside(file.path)) {
+    file.stream = file.draft.stream();
+  } else if (name.in_place) {
+    file.stream = file_open(file.path, "wb+");
+  }
+  if (file.stream != nullptr) file.opened = stream_time(file.stream);
+  return file.stream != nullptr;
 }
 
-bool compiled_file_finish(CompiledFile& file) {
+bool compiled_file_finish(CompiledFile& file, std::optional<FileTime> time) {
   if (file.stream == nullptr) return true;
-  if (!is_written_in_place(file)) {
-    file.stream = nullptr;
-    return file.draft.put_in_place(file.path);
+  if (!has_draft(file)) {
+    if (time) stream_time_set(file.stream, *time);
+    if (close_in_place(file)) return true;
+    empty_in_place(file);
+    return false;
   }
-  if (close_in_place(file)) return true;
-  empty_in_place(file);
+  file.stream = nullptr;
+  const bool is_whole = file.draft.sync() && (!time || stream_time_set(file.draft.stream(), *time));
+  if (is_whole && file.draft.put_in_place(file.path)) return true;
+  file.draft.discard();
   return false;
 }
 
-void compiled_file_discard(CompiledFile& file) {
+void compiled_file_empty(CompiledFile& file) {
+  if (file.stream == nullptr) return;
+  if (!has_draft(file)) {
+    static_cast<void>(close_in_place(file));
+    return empty_in_place(file);
+  }
+  file.stream = nullptr;
+  file.draft.discard();
+  if (!file.draft.open_beside(file.path)) return;
+  if (file.opened) stream_time_set(file.draft.stream(), *file.opened);
+  static_cast<void>(file.draft.put_in_place(file.path));
+}
+
+void compiled_file_close(CompiledFile& file) {
   if (file.stream == nullptr) return;
   if (!file.for_writing) {
     std::fclose(std::exchange(file.stream, nullptr));
-  } else if (is_written_in_place(file)) {
-    static_cast<void>(close_in_place(file));
-    empty_in_place(file);
-  } else {
+  } else if (has_draft(file)) {
     file.stream = nullptr;
     file.draft.discard();
+  } else {
+    static_cast<void>(close_in_place(file));
+    empty_in_place(file);
   }
-}
-
-void compiled_file_delete(CompiledFile& file) {
-  compiled_file_discard(file);
-  std::remove(file.path.c_str());
 }
 
 }  // namespace lexon

@@ -1,10 +1,12 @@
 // A compiled rule file of a run, open for reading or for writing.
 //
-// A file that is written is first emptied in its own place, and its new content takes that place only when it is
-// whole: a program that is killed on the way leaves an empty, old file that no later run trusts.
+// What is written is a draft. Only when it is whole does it take the file's name, in one move: whoever reads the file
+// meanwhile, through this name or another one, reads what stood there before, and a program that is killed on the way
+// has changed nothing.
 #pragma once
 
 #include <cstdio>
+#include <optional>
 #include <string>
 
 #include "data/platform.hpp"
@@ -13,21 +15,22 @@ namespace lexon {
 
 struct CompiledFile {
   std::string path;             // the file's own name
-  std::FILE* stream = nullptr;  // null once closed
-  DraftFile draft;              // where the content is written until it is whole; else it is written in place
+  std::FILE* stream = nullptr;  // null while closed
+  DraftFile draft;              // where the content is written; without one it is written in place
   bool for_writing = false;
+  std::optional<FileTime> opened;  // the date that the file had if it had been emptied when it was opened for writing
 };
 
-// Open `file.path`. False when it cannot be opened.
+// Open `file.path`. False when it cannot be opened: for writing, a file that is write-protected, or a folder that takes
+// no new file, unless an ordinary file with this one name stands there: that is emptied and written in place.
 [[nodiscard]] bool compiled_file_open_read(CompiledFile& file);
 [[nodiscard]] bool compiled_file_open_write(CompiledFile& file);
 
-// Close the file; nothing happens to a closed one. The first puts what was written in its place, and is false if
-// not all of it could be written; the second leaves the emptied file.
-bool compiled_file_finish(CompiledFile& file);
-void compiled_file_discard(CompiledFile& file);
-
-// Discards what was written and deletes the file.
-void compiled_file_delete(CompiledFile& file);
+// The three ends of a file; nothing happens to a closed one. The first puts what was written in its place, with the
+// date `time` if there is one; false if not all of it could be written, and a draft then leaves the file as it was.
+// The second puts an empty file there. The third closes the file and changes nothing more.
+bool compiled_file_finish(CompiledFile& file, std::optional<FileTime> time = std::nullopt);
+void compiled_file_empty(CompiledFile& file);
+void compiled_file_close(CompiledFile& file);
 
 }  // namespace lexon

@@ -5,7 +5,10 @@
 #include <cstdint>
 #include <cstdio>
 #include <optional>
+#include <string>
+#include <vector>
 
+#include "data/stamp.hpp"
 #include "dict/dictionary.hpp"
 #include "graph/reader.hpp"
 #include "rules/rule.hpp"
@@ -25,19 +28,25 @@ struct RunContext {
   bool post_edit = true;
   CompiledFile compiled_rules;
   CompiledFile compiled_matrix;
-  bool convert = false;  // the rule text is to be parsed
-  bool rebuild_matrix = false;
-  bool rules_unwritten = false;               // the compiled rules could not be written; the run goes on
-  bool matrix_unwritten = false;              // likewise
-  bool rule_step_done = false;                // every step from now on is a sentence
-  bool rules_without_room = false;            // the rule step ended for want of memory
-  RuleNotes rule_notes;                       // of the text, when it was parsed
+  std::string stamp_path;
+  std::string rule_text_path;                 // empty without a text
+  std::optional<FileMark> rule_text_mark;     // what the open text held at first; none for a pipe
   std::optional<std::int64_t> rules_refused;  // of the text; none if nobody has counted
+  bool convert = false;                       // the rule text is to be parsed
+  bool rebuild_matrix = false;
+  bool in_memory = false;           // no compiled file is written
+  bool rules_are_whole = false;     // all rules of the text have been written to the draft
+  bool rules_unwritten = false;     // the compiled rules could not be written; the run goes on
+  bool matrix_unwritten = false;    // likewise
+  bool rule_step_done = false;      // every step from now on is a sentence
+  bool rules_without_room = false;  // the rule step ended for want of memory
+  RuleNotes rule_notes;             // of the text, when it was parsed
   InputNotes input_notes;
-  std::int64_t skipped = 0;  // sentences that were passed over
-  std::int64_t tried = 0;    // sentences that were begun
-  bool input_ended = false;  // the run came to the end of the input
-  std::int64_t starved = 0;  // sentences that failed for want of memory
+  std::int64_t skipped = 0;        // sentences that were passed over
+  std::int64_t tried = 0;          // sentences that were begun
+  bool input_ended = false;        // the run came to the end of the input
+  std::int64_t starved = 0;        // sentences that failed for want of memory
+  std::vector<std::string> notes;  // what the user ought to know beside the output
 };
 
 // Where a step stands.

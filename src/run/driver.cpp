@@ -9,12 +9,14 @@
 #include <utility>
 
 #include "data/output.hpp"
+#include "data/pool.hpp"
 #include "data/sentence.hpp"
 #include "data/state.hpp"
 #include "data/text_line.hpp"
 #include "run/context.hpp"
 #include "run/files.hpp"
 #include "run/notes.hpp"
+#include "run/output_check.hpp"
 #include "run/rule_files.hpp"
 
 namespace lexon {
@@ -48,6 +50,7 @@ Opening failure_to_open(const char* what, const std::string& path) {
 }
 
 Opening open_output(const RunSettings& settings) {
+  if (std::string conflict = output_conflict(settings); !conflict.empty()) return failure(std::move(conflict));
   state.output = file_open(settings.output_file, "w");
   return state.output != nullptr ? Opening{} : failure_to_open("Output File", settings.output_file);
 }
@@ -68,7 +71,7 @@ Opening open_dictionary(const RunSettings& settings, RunContext& context) {
 }
 
 Opening open_input(const RunSettings& settings, RunContext& context) {
-  context.input = file_open(settings.input_file, "r");
+  context.input = text_open(settings.input_file, stop_requested);
   return context.input != nullptr ? Opening{} : failure_to_open("Input File", settings.input_file);
 }
 
@@ -100,7 +103,7 @@ Opening open_cr_dictionary(const RunSettings& settings, RunContext& context, Hos
 
 Opening open_rules(const RunSettings& settings, RunContext& context) {
   errno = 0;
-  std::string message = rule_files_open(settings.rule_file, context);
+  std::string message = rule_files_open(settings, context);
   if (message.empty()) return {};
   if (!message.starts_with("Can't Open")) return failure(std::move(message));
   std::string reason = settings.rule_file.empty() ? "no path is given" : system_reason();
@@ -121,23 +124,12 @@ bool run_rule_step(RunContext& context, Host& host) {
   run_status = run_state::running;
   const StepResult result = host.run_step(context, kRuleStepCaption, 0);
   if (result == StepResult::cancelled) {
-    if (context.convert) {
-      compiled_file_delete(context.compiled_rules);
-      compiled_file_delete(context.compiled_matrix);
-    } else {
-      compiled_file_discard(context.compiled_matrix);
-    }
+    rule_files_cancel(context);
     out_print(";;Cancelled!\n");
     return false;
   }
   context.rule_step_done = true;
-  const bool succeeded = run_status == run_state::finished;
-  compiled_file_discard(context.compiled_rules);
-  if (context.rebuild_matrix && succeeded) {
-    context.matrix_unwritten = !compiled_file_finish(context.compiled_matrix);
-  } else {
-    compiled_file_discard(context.compiled_matrix);
-  }
+  rule_files_finish(context, run_status == run_state::finished);
   return true;
 }
 
@@ -199,7 +191,9 @@ void run_steps(const RunSettings& settings, RunContext& context, Host& host) {
   context.skipped = skip_sentences(context, before);
   if (context.skipped >= before) return run_sentences(settings, context, host);
   context.input_ended = must_leave() != Status::stopped;
-  if (!context.input_ended) out_print(";;Cancelled!\n");
+  if (context.input_ended) return;
+  std::clearerr(context.input);  // it may have waited for data, which is no fault of the file
+  out_print(";;Cancelled!\n");
 }
 
 // The name of the damaged file.
@@ -225,6 +219,7 @@ void note_short_file(const std::string& path, const char* what) {
 }
 
 void note_faults(const RunSettings& settings, const RunContext& context) {
+  run_faults.notes.insert(run_faults.notes.end(), context.notes.begin(), context.notes.end());
   note_damage(context);
   const bool input_failed = context.input != nullptr && std::ferror(context.input) != 0;
   if (input_failed) note_short_file(settings.input_file, "cannot be read to its end");
@@ -262,8 +257,8 @@ void run_driver(const RunSettings& settings, Host& host) {
   context.post_edit = settings.post_edit;
   state.trace_level = static_cast<std::int8_t>(settings.trace_level & 0xFF);
   run_guarded(settings, context, host);
-  compiled_file_discard(context.compiled_rules);
-  compiled_file_discard(context.compiled_matrix);
+  compiled_file_close(context.compiled_rules);
+  compiled_file_close(context.compiled_matrix);
   // What lookups worked with is closed with the context.
   sentence.dictionary = sentence.cr_dictionary = {};
   host.finish();

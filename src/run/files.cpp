@@ -23,6 +23,10 @@ std::FILE* file_open(const std::string& path, const char* mode) {
   return nullptr;
 }
 
+std::FILE* text_open(const std::string& path, const std::atomic<bool>& stop) {
+  return is_waiting_file(path) ? waiting_file_open(path, stop) : file_open(path, "r");
+}
+
 std::string cannot_open(const char* what, const std::string& path) {
   return std::string("Can't Open ") + what + " : " + path + "!";
 }

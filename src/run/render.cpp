@@ -60,7 +60,8 @@ Status read_sentence(std::FILE* input, InputNotes* notes) {
   const Status status = read_graph(input, sentence.semlst[0].entry, notes);
   state.engine_status = status;
   sentence.root = sentence.semlst[0].entry;
-  if (status == Status::stopped) return status;
+  // A read that was stopped while it waited for data looks like the end of the input.
+  if (status == Status::stopped || must_leave() == Status::stopped) return Status::stopped;
   if (sentence.refused) return Status::no_effect;
   if (sentence.root != nullptr) return Status::ok;
   return status == Status::end_of_input ? status : Status::no_effect;

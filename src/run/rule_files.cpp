@@ -1,8 +1,11 @@
 #include "run/rule_files.hpp"
 
+#include <cstdio>
 #include <optional>
 
 #include "data/platform.hpp"
+#include "data/stamp.hpp"
+#include "data/state.hpp"
 #include "run/files.hpp"
 
 namespace lexon {
@@ -10,6 +13,14 @@ namespace lexon {
 namespace {
 
 constexpr const char* kGenerationRule = "Generation Rule";
+
+// The lines of the stamp.
+constexpr const char* kTextLine = "text";
+constexpr const char* kRulesLine = "rules";
+constexpr const char* kMatrixLine = "matrix";
+constexpr const char* kRefusedLine = "refused";
+
+// ---- Deciding and opening
 
 // Measured as a file that is open, not by its name: what cannot be opened counts as empty.
 bool is_empty_file(const std::string& path) {
@@ -38,36 +49,224 @@ bool matrix_is_current(const std::optional<FileTime>& compiled_time, const std::
   return compiled_time && matrix_time && *compiled_time <= *matrix_time;
 }
 
-bool open_compiled(CompiledFile& file, bool for_writing) {
-  return for_writing ? compiled_file_open_write(file) : compiled_file_open_read(file);
+std::string cannot_write(const CompiledFile& file, RunContext& context) {
+  context.notes.push_back(file.path + ": cannot be written; --in-memory renders without compiled files");
+  return cannot_open(kGenerationRule, file.path);
+}
+
+std::string open_compiled(CompiledFile& file, bool for_writing, RunContext& context) {
+  if (for_writing && context.in_memory) return {};
+  if (for_writing) return compiled_file_open_write(file) ? std::string() : cannot_write(file, context);
+  return compiled_file_open_read(file) ? std::string() : cannot_open(kGenerationRule, file.path);
+}
+
+void close_both(RunContext& context) {
+  compiled_file_close(context.compiled_rules);
+  compiled_file_close(context.compiled_matrix);
+}
+
+// Decides by the dates and opens both files. The result is a message, or empty.
+std::string decide_and_open(const RunSettings& settings, const std::string& extension, RunContext& context) {
+  const bool reuses = !settings.rebuild && !settings.in_memory;
+  context.convert = context.rule_text != nullptr;
+  int error = 0;
+  const std::optional<FileTime> compiled_time = file_time(context.compiled_rules.path, error);
+  if (context.convert && reuses) {
+    std::string message = compare_with_text(settings.rule_file, compiled_time, context);
+    if (!message.empty()) return message;
+  }
+  if (extension == ".mtx") return "Please assign rule file with extension \".rul\" or \".txt\"";
+  context.rebuild_matrix =
+      context.convert || !reuses || !matrix_is_current(compiled_time, context.compiled_matrix.path);
+  std::string message = open_compiled(context.compiled_rules, context.convert, context);
+  if (message.empty()) message = open_compiled(context.compiled_matrix, context.rebuild_matrix, context);
+  return message;
+}
+
+// Another run may have put a new pair there between the look at the dates and the opening. It replaces the rules first.
+bool is_one_pair(const RunContext& context) {
+  const CompiledFile& rules = context.compiled_rules;
+  if (context.convert) return true;
+  if (!is_file_at(rules.stream, rules.path)) return false;
+  return context.rebuild_matrix || stream_time(rules.stream) <= stream_time(context.compiled_matrix.stream);
+}
+
+// ---- The stamp
+
+bool differs(std::FILE* stream, const Stamp& stamp, const char* line) {
+  const std::optional<FileMark> written = stamp.mark(line);
+  const std::optional<FileMark> found = written ? file_mark(stream) : std::nullopt;
+  return found && !found->same_content(*written);
+}
+
+void note_altered(const CompiledFile& file, const Stamp& stamp, const char* line, RunContext& context) {
+  if (!differs(file.stream, stamp, line)) return;
+  context.notes.push_back(
+      file.path + ": is not what was written when the rules were compiled; --rebuild makes it anew " + "from the text");
+}
+
+// What the stamp has to say of files that are about to be reused.
+void note_by_stamp(const std::string& rule_file, const std::string& stamp_path, StampState found, const Stamp& stamp,
+                   RunContext& context) {
+  if (found == StampState::missing) return;
+  const std::string& rules = context.compiled_rules.path;
+  if (found == StampState::damaged) {
+    context.notes.push_back(stamp_path + ": cannot be read, so changes of the compiled files go unnoticed; --rebuild " +
+                            "writes it anew");
+    return;
+  }
+  const std::optional<FileMark> compiled_from = stamp.mark(kTextLine);
+  if (compiled_from && context.rule_text_mark && !context.rule_text_mark->same_content(*compiled_from)) {
+    context.notes.push_back(rule_file + ": is not the text that " + rules +
+                            " was compiled from, though it is not newer; --rebuild compiles it");
+  }
+  note_altered(context.compiled_rules, stamp, kRulesLine, context);
+  if (!context.rebuild_matrix) note_altered(context.compiled_matrix, stamp, kMatrixLine, context);
+  context.rules_refused = stamp.number(kRefusedLine);
+  if (const std::int64_t refused = context.rules_refused.value_or(0); refused > 0) {
+    context.notes.push_back(rules + ": " + std::to_string(refused) + (refused == 1 ? " rule was" : " rules were") +
+                            " refused when these were compiled; --rebuild tells them again");
+  }
+}
+
+// ---- Putting the files in their place
+
+bool text_has_changed(const RunContext& context) {
+  if (!context.rule_text_mark) return false;
+  std::FILE* stream = regular_file_open(context.rule_text_path, "rb");
+  if (stream == nullptr) return true;
+  const std::optional<FileMark> found = file_mark(stream);
+  std::fclose(stream);
+  return found != context.rule_text_mark;
+}
+
+// The matrix belongs to the rules that were loaded: beside others it would be taken for theirs.
+void finish_matrix(RunContext& context, bool succeeded) {
+  const CompiledFile& rules = context.compiled_rules;
+  if (!succeeded) {
+    compiled_file_empty(context.compiled_matrix);
+  } else if (rules.stream != nullptr && is_file_at(rules.stream, rules.path)) {
+    context.matrix_unwritten = !compiled_file_finish(context.compiled_matrix);
+  }
+}
+
+// A text that has changed while it was converted gets rules that are as old as what was read of it.
+std::optional<FileTime> date_of_rules(const RunContext& context) {
+  return text_has_changed(context) ? std::optional(context.rule_text_mark->time) : std::nullopt;
+}
+
+std::optional<FileMark> mark_of_written(std::FILE* stream) {
+  return stream != nullptr && std::fflush(stream) == 0 ? file_mark(stream) : std::nullopt;
+}
+
+void write_stamp(const RunContext& context, const std::optional<FileMark>& rules,
+                 const std::optional<FileMark>& matrix) {
+  if (!rules || !matrix) return;
+  Stamp stamp;
+  if (context.rule_text_mark) stamp.put(kTextLine, *context.rule_text_mark);
+  stamp.put(kRulesLine, *rules);
+  stamp.put(kMatrixLine, *matrix);
+  if (context.rules_refused) stamp.put(kRefusedLine, *context.rules_refused);
+  // Without one nothing is noted.
+  static_cast<void>(stamp_write(context.stamp_path, stamp, true));
+}
+
+void finish_pair(RunContext& context, bool succeeded) {
+  CompiledFile& rules = context.compiled_rules;
+  CompiledFile& matrix = context.compiled_matrix;
+  std::remove(context.stamp_path.c_str());  // first, so that it never stands beside others
+  if (!context.rules_are_whole) {
+    compiled_file_empty(rules);
+    return compiled_file_empty(matrix);
+  }
+  const std::optional<FileMark> rules_mark = mark_of_written(rules.stream);
+  const std::optional<FileMark> matrix_mark = mark_of_written(matrix.stream);
+  std::optional<FileTime> date = date_of_rules(context);
+  context.rules_unwritten = !compiled_file_finish(rules, date);
+  if (context.rules_unwritten) return compiled_file_close(matrix);
+  if (!succeeded) return compiled_file_empty(matrix);
+  context.matrix_unwritten = !compiled_file_finish(matrix);
+  if (!date) {
+    date = date_of_rules(context);
+    if (date) file_time_set(rules.path, *date);
+  }
+  if (!context.matrix_unwritten) write_stamp(context, rules_mark, matrix_mark);
 }
 
 }  // namespace
 
-std::string rule_files_open(const std::string& rule_file, RunContext& context) {
+CompiledPaths compiled_paths_of(const std::string& rule_file) {
+  if (rule_file.empty()) return {};
   const PathParts parts = path_split(rule_file);
-  context.convert = parts.extension != ".rul";
-  context.compiled_rules.path = parts.folder + parts.name + ".rul";
-  if (context.convert) {
-    context.rule_text = file_open(rule_file, "r");
+  const std::string stem = parts.folder + parts.name;
+  return {stem + ".rul", stem + ".mtx", stem + ".rul.stamp"};
+}
+
+std::string rule_files_open(const RunSettings& settings, RunContext& context) {
+  const std::string& rule_file = settings.rule_file;
+  const std::string extension = path_split(rule_file).extension;
+  const CompiledPaths paths = compiled_paths_of(rule_file);
+  context.in_memory = settings.in_memory;
+  context.compiled_rules.path = paths.rules;
+  context.compiled_matrix.path = paths.matrix;
+  context.stamp_path = paths.stamp;
+  if (extension != ".rul") {
+    context.rule_text_path = rule_file;
+    context.rule_text = text_open(rule_file, stop_requested);
     if (context.rule_text == nullptr) return cannot_open(kGenerationRule, rule_file);
+    context.rule_text_mark = file_mark(context.rule_text);
   }
-  int error = 0;
-  const std::optional<FileTime> compiled_time = file_time(context.compiled_rules.path, error);
-  if (context.convert) {
-    if (std::string message = compare_with_text(rule_file, compiled_time, context); !message.empty()) return message;
+  Stamp stamp;
+  StampState found = StampState::missing;
+  constexpr int kTries = 20;
+  for (int i = 0; i < kTries; ++i) {
+    close_both(context);
+    std::string message = decide_and_open(settings, extension, context);
+    if (!message.empty()) {
+      close_both(context);
+      return message;
+    }
+    if (!context.convert) found = stamp_read(paths.stamp, stamp);
+    if (is_one_pair(context)) break;
   }
-  if (parts.extension == ".mtx") return "Please assign rule file with extension \".rul\" or \".txt\"";
-  context.compiled_matrix.path = parts.folder + parts.name + ".mtx";
-  context.rebuild_matrix = context.convert || !matrix_is_current(compiled_time, context.compiled_matrix.path);
-  if (!open_compiled(context.compiled_rules, context.convert)) {
-    return cannot_open(kGenerationRule, context.compiled_rules.path);
-  }
-  if (!open_compiled(context.compiled_matrix, context.rebuild_matrix)) {
-    compiled_file_discard(context.compiled_rules);
-    return cannot_open(kGenerationRule, context.compiled_matrix.path);
-  }
+  if (!context.convert) note_by_stamp(rule_file, paths.stamp, found, stamp, context);
   return {};
+}
+
+bool rule_files_make_anew(RunContext& context, const std::string& why) {
+  if (context.rule_text == nullptr) return false;
+  close_both(context);
+  context.convert = context.rebuild_matrix = true;
+  context.notes.push_back(why + "; the rules are compiled anew from " + context.rule_text_path);
+  const bool may_write =
+      compiled_file_open_write(context.compiled_rules) && compiled_file_open_write(context.compiled_matrix);
+  if (may_write) return true;
+  close_both(context);
+  context.in_memory = true;
+  context.notes.push_back(context.compiled_rules.path + ": cannot be written, so the next run compiles them again");
+  return true;
+}
+
+void rule_files_finish(RunContext& context, bool succeeded) {
+  const bool writes = context.rebuild_matrix && !context.in_memory;
+  if (writes) {
+    const FolderLock lock(context.compiled_rules.path);
+    if (context.convert) {
+      finish_pair(context, succeeded);
+    } else {
+      finish_matrix(context, succeeded);
+    }
+    folder_sync(context.compiled_rules.path);
+  }
+  close_both(context);
+}
+
+void rule_files_cancel(RunContext& context) {
+  close_both(context);
+  if (!context.convert || context.in_memory) return;
+  for (const std::string* path : {&context.stamp_path, &context.compiled_rules.path, &context.compiled_matrix.path}) {
+    std::remove(path->c_str());
+  }
 }
 
 }  // namespace lexon

@@ -12,7 +12,7 @@ inline constexpr std::int32_t kMostBlocks = 65535;
 // Filled by the front end; the driver only reads it.
 struct RunSettings {
   std::string input_file;
-  std::string output_file;  // created or truncated first of all
+  std::string output_file;  // created or truncated first of all, unless it is one of the others
   std::string rule_file;    // rule text, or a compiled file with the extension ".rul"
   std::string dictionary_file;
   std::string cr_dictionary_file;          // empty: the run has none
@@ -28,6 +28,8 @@ struct RunSettings {
   bool post_edit = true;
   bool rules_conversion_only = false;
   bool check_dictionaries = false;  // compare every byte of the dictionaries with their stamps
+  bool rebuild = false;    // the compiled rules are made anew, whatever the dates say
+  bool in_memory = false;  // no compiled rules are written, and none of a rule text are read
   bool reserved_a = true;
   bool reserved_b = false;
 };

@@ -2,6 +2,7 @@
 
 #include <array>
 #include <new>
+#include <string>
 
 #include "data/output.hpp"
 #include "data/pool.hpp"
@@ -10,6 +11,7 @@
 #include "rules/matrix.hpp"
 #include "rules/parser.hpp"
 #include "run/render.hpp"
+#include "run/rule_files.hpp"
 
 namespace lexon {
 
@@ -39,18 +41,19 @@ Status guarded(Status (*step)(RunContext&), RunContext& context) {
   }
 }
 
-// The rules in memory are whole, so the run goes on.
 Status parse_and_write_rules(RunContext& context) {
   if (const Status s = parse_rule_file(context.rule_text, context.rules, &context.rule_notes); s != Status::ok)
     return s;
+  context.rules_refused = context.rule_notes.refused;
+  if (context.in_memory) return Status::ok;
   if (const Status s = rule_list_write(context.rules, context.compiled_rules.stream); s != Status::ok) return s;
-  context.rules_unwritten = !compiled_file_finish(context.compiled_rules);
+  context.rules_are_whole = true;
   return Status::ok;
 }
 
 Status build_and_save_matrix(RunContext& context) {
   if (const Status s = rule_matrix_build(context.rules); s != Status::ok) return s;
-  return rule_matrix_save(context.compiled_matrix.stream);
+  return context.in_memory ? Status::ok : rule_matrix_save(context.compiled_matrix.stream);
 }
 
 Status convert(RunContext& context) {
@@ -58,22 +61,30 @@ Status convert(RunContext& context) {
   return status == Status::ok ? build_and_save_matrix(context) : status;
 }
 
-// Says which file a message of the reader was about.
-void name_file(const CompiledFile& file) {
-  out_print(";;in %s\n", file.path.c_str());
+// A compiled file cannot be used: the text takes its place if there is one, else the output says why. What was loaded
+// of the rules goes first, so that the text has all the room for itself.
+Status convert_instead(RunContext& context, const CompiledFile& file, const std::string& fault) {
+  if (!rule_files_make_anew(context, file.path + ": cannot be used: " + fault)) {
+    out_print(";;%s\n;;in %s\n", fault.c_str(), file.path.c_str());
+    return Status::no_effect;
+  }
+  rule_matrix_clear();
+  context.rules = nullptr;
+  perm_release_all();
+  return convert(context);
 }
 
 Status load(RunContext& context) {
-  if (const Status s = rule_list_read(context.rules, context.compiled_rules.stream); s != Status::ok) {
-    if (s == Status::no_effect) name_file(context.compiled_rules);
-    return s;
+  std::string fault;
+  if (const Status s = rule_list_read(context.rules, context.compiled_rules.stream, &fault); s != Status::ok) {
+    return s == Status::no_effect ? convert_instead(context, context.compiled_rules, fault) : s;
   }
-  compiled_file_discard(context.compiled_rules);
   if (context.rebuild_matrix) return build_and_save_matrix(context);
-  // wanted: the step has succeeded whatever the reading of the matrix gives.
-  const Status s = rule_matrix_load(context.compiled_matrix.stream, context.rules);
-  if (s == Status::no_effect) name_file(context.compiled_matrix);
-  return s == Status::memory ? s : Status::ok;
+  Status s = rule_matrix_load(context.compiled_matrix.stream, context.rules, &fault);
+  if (s != Status::no_effect) return s;
+  s = convert_instead(context, context.compiled_matrix, fault);
+  // wanted: without a text the step has succeeded whatever the reading of the matrix gives.
+  return context.convert ? s : Status::ok;
 }
 
 Status render(RunContext& context) {
@@ -95,6 +106,8 @@ void load_worker(RunContext& context) {
 void sentence_worker(RunContext& context) {
   const Status status = guarded(render, context);
   if (state.abort == Status::memory) ++context.starved;
+  // A read that was stopped while it waited for data is no fault of the file.
+  if (status == Status::stopped) std::clearerr(context.input);
   static_cast<void>(temp_release_all());
   end_step(status);
 }

@@ -8,7 +8,6 @@
 #include <filesystem>
 
 #include "data/platform.hpp"
-#include "run/compiled_file.hpp"
 #include "support/capture.hpp"
 #include "support/program.hpp"
 
@@ -93,34 +92,6 @@ TEST_F(TempFiles, AKilledProgramLeavesNoDraft) {
   }
   EXPECT_EQ(wait_for_program(child), 128 + SIGKILL);
   EXPECT_EQ(count(), 0);
-}
-
-// The folder of open descriptors takes no file: what stands there is written in place.
-TEST_F(TempFiles, WhereNoDraftFitsACompiledFileIsWrittenInPlaceAndEmptiedOnFailure) {
-  write_file(path("rules.rul"), "old");
-  const int descriptor = open(path("rules.rul").c_str(), O_RDWR | O_CLOEXEC);
-  const int full = open("/dev/full", O_RDWR | O_CLOEXEC);
-  for (const bool is_finished : {true, false}) {
-    CompiledFile file;
-    file.path = "/proc/self/fd/" + std::to_string(descriptor);
-    ASSERT_TRUE(compiled_file_open_write(file));
-    std::fputs("new", file.stream);
-    if (is_finished) {
-      EXPECT_TRUE(compiled_file_finish(file));
-    } else {
-      compiled_file_discard(file);
-    }
-    EXPECT_EQ(bytes_of(path("rules.rul")), is_finished ? "new" : "");
-  }
-  int error = 0;
-  EXPECT_EQ(file_time(path("rules.rul"), error)->seconds, 0) << "older than every text";
-  CompiledFile file;
-  file.path = "/proc/self/fd/" + std::to_string(full);
-  ASSERT_TRUE(compiled_file_open_write(file));
-  std::fputs("new", file.stream);
-  EXPECT_FALSE(compiled_file_finish(file));
-  close(descriptor);
-  close(full);
 }
 
 // What the programs call of the system's library.

@@ -201,7 +201,7 @@ std::string RunCase::names() const {
   std::vector<std::string> all;
   for (const fs::directory_entry& entry : fs::recursive_directory_iterator(folder_)) {
     const std::string name = fs::relative(entry.path(), folder_).string();
-    if (name != "rules.rul" && name != "rules.mtx") all.push_back(name);
+    if (!name.starts_with("rules.rul") && name != "rules.mtx") all.push_back(name);
   }
   std::sort(all.begin(), all.end());
   std::string joined;

@@ -130,8 +130,8 @@ TEST_F(Program, ARunThatCannotStartSaysWhy) {
   fs::create_directory(path("rules.mtx"));
   const auto files = [this] { return std::distance(fs::directory_iterator(folder_), fs::directory_iterator()); };
   const auto before = files();
-  EXPECT_EQ(render({}).error, "Can't Open Generation Rule : " + path("rules.mtx") + "! (Is a directory)\n");
-  EXPECT_EQ(files(), before + 1) << "the emptied rules, and nothing else";
+  EXPECT_TRUE(render({}).error.starts_with("Can't Open Generation Rule : " + path("rules.mtx") + "! (Is a directory)\n"));
+  EXPECT_EQ(files(), before) << "a draft is left";
 }
 
 TEST_F(Program, AMissingCooccurrenceDictionaryIsAskedFor) {

@@ -244,6 +244,47 @@ class DialogTest : public QObject {
     QCOMPARE(control<QWidget>(dialog, role).toolTip(), fault.isEmpty() ? text : text + "\n" + fault);
   }
 
+  void an_output_that_is_an_input_is_marked() {
+    SettingDialog dialog({}, nullptr);
+    type(dialog, "input_file", "i.txt");
+    type(dialog, "output_file", "../" + QDir::current().dirName() + "/i.txt");
+    QVERIFY(control<QAction>(dialog, "output_file_mark").isVisible());
+    QVERIFY(control<QWidget>(dialog, "output_file").accessibleDescription().contains("same file as the input"));
+    type(dialog, "input_file", "none.txt");
+    QVERIFY(!control<QAction>(dialog, "output_file_mark").isVisible());
+  }
+
+  void ok_asks_before_it_takes_an_output_that_holds_something() {
+    write_file("full.txt", "something");
+    write_file("bare.txt", "");
+    struct Row {
+      const char* output;
+      const char* own;
+      const char* answer;  // null: nothing asks
+      int result;
+    };
+    const Row rows[] = {{"full.txt", "", "Yes", QDialog::Accepted},
+                        {"full.txt", "", "No", QDialog::Rejected},
+                        {"full.txt", "full.txt", nullptr, QDialog::Accepted},
+                        {"bare.txt", "", nullptr, QDialog::Accepted}};
+    for (const Row& row : rows) {
+      RunSettings settings;
+      settings.output_file = row.output;
+      SettingDialog dialog(settings, nullptr);
+      dialog.may_overwrite(row.own);
+      bool was_asked = false;
+      if (row.answer != nullptr) {
+        when_shown("ask_overwrite", [&](QWidget& box) {
+          was_asked = true;
+          QTest::keyClick(&box, *row.answer == 'Y' ? Qt::Key_Y : Qt::Key_N, Qt::AltModifier);
+        });
+      }
+      dialog.accept();
+      QCOMPARE(dialog.result(), row.result);
+      QCOMPARE(was_asked, row.answer != nullptr);
+    }
+  }
+
   void a_long_path_is_elided_in_the_middle_until_it_is_edited() {
     const QString text = "/home/" + QString("very-long-folder/").repeated(20) + "words.dic";
     PathEdit field("long", PathUse::read, nullptr);

@@ -13,6 +13,7 @@
 #include "front/gui/setting_dialog.hpp"
 #include "front/signals.hpp"
 #include "run/driver.hpp"
+#include "run/output_check.hpp"
 
 namespace lexon {
 
@@ -97,6 +98,7 @@ int MainDialog::run() {
 void MainDialog::render() {
   cancel_on_signals();
   DialogHost host(*this, yes_);
+  if (output_conflict(settings_).empty()) own_output_ = settings_.output_file;
   run_driver(settings_, host);
   leave_signals_alone();
 }
@@ -110,6 +112,8 @@ void MainDialog::end_run(const Outcome& outcome) {
 
 void MainDialog::open_setting() {
   SettingDialog dialog(settings_, this);
+  dialog.may_overwrite(own_output_);
+  if (yes_) dialog.ask_nothing();
   if (dialog.exec() == QDialog::Accepted) settings_ = dialog.fields();
 }
 

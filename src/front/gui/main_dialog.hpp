@@ -35,6 +35,7 @@ class MainDialog : public QDialog {
   void make_actions();
 
   RunSettings settings_;
+  std::string own_output_;  // what the last run of this dialog wrote
   bool yes_;
   int exit_status_ = 0;
   QPushButton* render_;

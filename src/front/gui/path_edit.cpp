@@ -43,8 +43,15 @@ QString PathEdit::fault() const {
   if (text().isEmpty()) return {};
   const QFileInfo file(text());
   if (file.isDir()) return "This is a folder.";
-  if (use_ == PathUse::read) return file.exists() ? QString() : QString("There is no such file.");
-  return QFileInfo(file.path()).isDir() ? QString() : QString("There is no such folder.");
+  if (use_ == PathUse::read && !file.exists()) return "There is no such file.";
+  if (use_ == PathUse::write && !QFileInfo(file.path()).isDir()) return "There is no such folder.";
+  return conflict_;
+}
+
+void PathEdit::set_conflict(const QString& conflict) {
+  if (conflict == conflict_) return;
+  conflict_ = conflict;
+  look_again();
 }
 
 void PathEdit::look_again() {

@@ -21,6 +21,9 @@ class PathEdit : public QLineEdit {
   // What is wrong with the path as it stands; empty if nothing is, or no path stands there.
   [[nodiscard]] QString fault() const;
 
+  // What is wrong with it beside the other fields; empty if nothing is. Comes behind what is wrong with it alone.
+  void set_conflict(const QString& conflict);
+
   // What is shown of a path while the field is not edited.
   [[nodiscard]] QString shown_text() const;
 
@@ -36,6 +39,7 @@ class PathEdit : public QLineEdit {
   [[nodiscard]] QRect text_place() const;
 
   PathUse use_;
+  QString conflict_;
   QAction* mark_;
 };
 

@@ -10,12 +10,14 @@
 #include <QGridLayout>
 #include <QIntValidator>
 #include <QLabel>
+#include <QMessageBox>
 #include <QPushButton>
 #include <QVBoxLayout>
 
 #include "front/gui/controls.hpp"
 #include "front/gui/number_edit.hpp"
 #include "front/gui/path_edit.hpp"
+#include "run/output_check.hpp"
 
 namespace lexon {
 
@@ -192,6 +194,7 @@ void SettingDialog::read_controls() {
   bool is_number = false;
   const int level = trace_level_->currentText().toInt(&is_number);
   if (is_number) fields_.trace_level = level;
+  mark_conflict();
 }
 
 void SettingDialog::write_controls() {
@@ -199,6 +202,15 @@ void SettingDialog::write_controls() {
   for (std::size_t i = 0; i < kNumberRows.size(); ++i) numbers_[i]->setValue(fields_.*kNumberRows[i].field);
   trace_level_->setCurrentText(QString::number(fields_.trace_level));
   rules_conversion_only_->setChecked(fields_.rules_conversion_only);
+  mark_conflict();
+}
+
+PathEdit& SettingDialog::output_edit() const {
+  return *paths_.back();
+}
+
+void SettingDialog::mark_conflict() {
+  output_edit().set_conflict(to_text(output_conflict(fields_)));
 }
 
 void SettingDialog::browse(int row) {
@@ -215,12 +227,27 @@ void SettingDialog::browse(int row) {
   start_from(dialog, to_text(fields_.*it.field));
   if (dialog.exec() != QDialog::Accepted) return;
   fields_.*it.field = to_path(dialog.selectedFiles().constFirst());
+  if (it.use == PathUse::write) own_output_ = fields_.*it.field;  // the file dialog has asked
   write_controls();
+}
+
+// An output that is also an input is marked, and the run will not start; there is nothing to ask.
+bool SettingDialog::keeps_other_output() {
+  const QFileInfo file(to_text(fields_.output_file));
+  const bool is_other = file.isFile() && file.size() != 0 && fields_.output_file != own_output_;
+  if (!asks_ || !is_other || !output_edit().fault().isEmpty()) return false;
+  QMessageBox box(QMessageBox::Question, "Lexon", file.filePath() + " is there already. Shall the run write over it?",
+                  QMessageBox::Yes | QMessageBox::No, this);
+  box.setObjectName("ask_overwrite");
+  box.setTextFormat(Qt::PlainText);
+  if (box.exec() == QMessageBox::Yes) return false;
+  output_edit().setFocus();
+  return true;
 }
 
 void SettingDialog::accept() {
   read_controls();
-  QDialog::accept();
+  if (!keeps_other_output()) QDialog::accept();
 }
 
 }  // namespace lexon

@@ -28,6 +28,11 @@ class SettingDialog : public QDialog {
 
   [[nodiscard]] const RunSettings& fields() const { return fields_; }
 
+  // OK asks before it takes an output file that is there and holds something, except this one.
+  void may_overwrite(const std::string& output_file) { own_output_ = output_file; }
+  // OK asks nothing.
+  void ask_nothing() { asks_ = false; }
+
   void accept() override;
 
  private:
@@ -41,8 +46,13 @@ class SettingDialog : public QDialog {
   void read_controls();
   void write_controls();
   void browse(int row);
+  [[nodiscard]] PathEdit& output_edit() const;
+  void mark_conflict();
+  [[nodiscard]] bool keeps_other_output();
 
   RunSettings fields_;
+  std::string own_output_;
+  bool asks_ = true;
   std::array<PathEdit*, kPathFields> paths_{};
   std::array<NumberEdit*, kNumberFields> numbers_{};
   QComboBox* trace_level_ = nullptr;
