@@ -175,7 +175,6 @@ const CallRow kCallRows[] = {
     {"read", "error=EIO", nullptr, true},
     {"write", "error=ENOSPC", nullptr, true},
     {"openat", "error=EMFILE", nullptr, true},
-    {"lseek", "error=EIO", nullptr, true},
     {"linkat,rename,unlink", "error=EACCES", nullptr, true},
     {"fchmod,utimensat,ftruncate", "error=EPERM", nullptr, true},
 };
