@@ -12,7 +12,7 @@
 
 #include "data/sentence.hpp"
 #include "data/status.hpp"
-#include "dict/index.hpp"
+#include "dict/dictionary.hpp"
 
 // The entry of a target, called for each input; the result is always 0.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size);

@@ -58,7 +58,7 @@ TEST_F(DictProgram, PrintsAndExits) {
        "bad.txt:1: an entry begins with \"[\"\n"},
       {{"build", "none.txt", "none.dic"}, 1, "", "none.txt: cannot be opened\n"},
       {{"list", "words.dic"}, 0, std::string(kRan) + kRuns, ""},
-      {{"list", "none.dic"}, 1, "", "none.dic: cannot be opened\n"},
+      {{"list", "none.dic"}, 1, "", "none.dic: cannot be opened: No such file or directory\n"},
       {{"find", "words.dic", "--hw", "ran"}, 0, kRan, ""},
       {{"find", "words.dic", "--cw", "run(agt>thing)"}, 0, std::string(kRuns) + kRan, ""},
       {{"find", "words.dic", "--hw", "run"}, 1, "", "nothing is found\n"},
@@ -81,6 +81,7 @@ TEST_F(DictProgram, PrintsAndExits) {
 
 TEST_F(DictProgram, CheckCountsDamage) {
   std::filesystem::resize_file(folder_ + "/words.idx", 1024);
+  std::filesystem::remove(folder_ + "/words.idx.stamp");
   const ProgramResult result = run({"check", "words.dic"});
   EXPECT_EQ(result.exit_status, 1);
   EXPECT_EQ(result.out, "words.dic: damaged in 2 places\n");

@@ -146,11 +146,38 @@ TEST_F(Program, AMissingCooccurrenceDictionaryIsAskedFor) {
 
 TEST_F(Program, ADamagedDictionaryIsToldOf) {
   fs::resize_file(path("words.dic"), 4096);
+  EXPECT_EQ(render({"-L0", "-N0"}).exit_status, 1) << "it is not the file that was built with its index";
+  fs::remove(path("words.idx.stamp"));
   const ProgramResult run = render({"-L0", "-N0"});
   EXPECT_EQ(run.error, "lexon: " + path("words.dic") +
                            ": damaged at offset 8192; damaged blocks were met 2 times in all; "
                            "\"lexon-dict check\" tells more\n");
   EXPECT_NE(output().find(";;Failed!"), std::string::npos) << output();
+}
+
+TEST_F(Program, EveryByteOfADictionaryIsComparedWhereThatIsAskedFor) {
+  EXPECT_EQ(render({"-L0", "--check-dictionary"}).exit_status, 0);
+  // A pair of which the ends are as they were built.
+  std::string entries;
+  for (int i = 0; i < 200; ++i) entries += "[w" + std::to_string(i) + "]{} " + std::string(1000, 'g') + " \"w\" (N);\n";
+  write_file(path("entries.txt"), kEntries + entries);
+  ASSERT_EQ(run_program("lexon-dict", {"build", path("entries.txt"), path("words.dic")}).exit_status, 0);
+  std::string bytes = bytes_of(path("words.dic"));
+  bytes[100000] ^= 1;
+  write_file(path("words.dic"), bytes);
+  EXPECT_EQ(render({"-L0"}).exit_status, 0);
+  const ProgramResult run = render({"-L0", "--check-dictionary"});
+  EXPECT_EQ(run.exit_status, 1);
+  EXPECT_EQ(run.error.find("Can't Open Dictionary Index File : " + path("words.dic") + "!\n"), 0U) << run.error;
+  EXPECT_NE(run.error.find("words.dic: is not the file that was built with "), std::string::npos) << run.error;
+}
+
+TEST_F(Program, TwoKindsOfIndexNamesInOneRunAreToldOf) {
+  ASSERT_EQ(run_program("lexon-dict", {"build", path("entries.txt"), path("long_name_of_pairs.dic")}).exit_status, 0);
+  const ProgramResult run = render({"-L0", "-C" + path("long_name_of_pairs.dic")});
+  EXPECT_EQ(run.exit_status, 3);
+  EXPECT_EQ(run.error.find("lexon: " + path("words.dic") + " and " + path("long_name_of_pairs.dic") + ": "), 0U)
+      << run.error;
 }
 
 TEST_F(Program, AFailedSentenceShowsInTheExitStatusAndTheNextOneIsRendered) {

@@ -1,12 +1,10 @@
-// Building the index: tables, bits, and the files on the way.
+// Building the index: tables and bits.
 #include "rules/matrix.hpp"
 
 #include <gtest/gtest.h>
-#include <unistd.h>
 
-#include <cstdlib>
-#include <filesystem>
 #include <string>
+#include <vector>
 
 #include "data/state.hpp"
 #include "support/capture.hpp"
@@ -14,8 +12,6 @@
 
 namespace lexon::test {
 namespace {
-
-namespace fs = std::filesystem;
 
 std::string hex(const std::uint8_t* bytes) {
   std::string text;
@@ -121,47 +117,53 @@ TEST_F(Matrix, NamesAreFoundByBinarySearch) {
   EXPECT_EQ(attr_table_find("A", table, 0), -1);
 }
 
-// A fresh working directory, so that files left behind show.
-class MatrixFiles : public Matrix {
- protected:
-  MatrixFiles()
-      : before_(fs::current_path()),
-        folder_(fs::path(::testing::TempDir()) / ("lexon-" + std::to_string(getpid()) + "-matrix")) {
-    fs::create_directories(folder_);
-    fs::current_path(folder_);
+// The names of the left side, parted by "|", of rules that ask for these texts.
+std::string names_of(const std::vector<std::string>& texts) {
+  std::vector<CondItem> items(texts.size());
+  for (std::size_t i = 0; i < texts.size(); ++i) {
+    items[i].text = const_cast<char*>(texts[i].c_str());
+    items[i].next = i + 1 < texts.size() ? &items[i + 1] : nullptr;
   }
-  ~MatrixFiles() override {
-    fs::current_path(before_);
-    fs::remove_all(folder_);
+  NodePattern left{};
+  NodePattern right{};
+  left.attr_conds = items.data();
+  Rule rule{};
+  rule.lnode = &left;
+  rule.rnode = &right;
+  EXPECT_EQ(rule_matrix_build(&rule), Status::ok);
+  std::string names;
+  for (std::int32_t row = 0; row < rule_matrix.left.attr_count; ++row) {
+    names += (row == 0 ? "" : "|") + std::string(rule_matrix.left.attr_table[row]);
   }
-
-  const fs::path before_;
-  const fs::path folder_;
-};
-
-TEST_F(MatrixFiles, AreRemovedAfterABuild) {
-  RuleList rules{"{N ^V}{A}"};
-  EXPECT_EQ(rule_matrix_build(rules.head()), Status::ok);
-  EXPECT_TRUE(fs::is_empty(folder_));
+  rule_matrix_clear();
+  return names;
 }
 
-TEST_F(MatrixFiles, AreRemovedWhenTheBuildIsStopped) {
+TEST_F(Matrix, NamesGoThroughLinesOfText) {
+  const auto x = [](std::size_t length) { return std::string(length, 'x'); };
+  struct Row {
+    const char* what;
+    std::vector<std::string> texts;
+    std::string names;
+  };
+  const Row rows[] = {
+      {"each once, in order of unsigned bytes", {"B", "\xC3", "A", "B", "AB"}, "A|AB|B|\xC3"},
+      {"a tab stands before the end", {"a", "a\t"}, "a\t|a"},
+      {"an empty name", {"", "a"}, "|a"},
+      {"a line feed ends a name", {"a\nb"}, "a|b"},
+      {"and a CR in front of it goes", {"a\r\nb\r"}, "a|b\r"},
+      {"pieces of 254 characters, as many as there are lines", {x(300), "y"}, x(254) + "|" + x(45)},
+      {"a line of 1023 characters ends there without its last one", {x(1030)}, "xxxxxxx|" + x(254)},
+  };
+  for (const Row& row : rows) EXPECT_EQ(names_of(row.texts), row.names) << row.what;
+}
+
+TEST_F(Matrix, IsLeftEmptyWhenTheBuildIsStopped) {
   RuleList rules{"{N ^V}{A}"};
   stop_requested = true;
   EXPECT_EQ(rule_matrix_build(rules.head()), Status::stopped);
+  stop_requested = false;
   EXPECT_EQ(rule_matrix.rules, nullptr);
-  EXPECT_TRUE(fs::is_empty(folder_));
-}
-
-TEST_F(MatrixFiles, WithoutAPlaceForThemThereIsNoIndex) {
-  fs::remove(folder_);
-  ASSERT_EQ(setenv("TMPDIR", "/nowhere", 1), 0);
-  RuleList rules{"{N}{}"};
-  Capture output;
-  EXPECT_EQ(rule_matrix_build(rules.head()), Status::no_effect);
-  EXPECT_EQ(output.text(), ";;Can't open input file !\n");
-  EXPECT_EQ(rule_matrix.row_bytes, 0);
-  unsetenv("TMPDIR");
 }
 
 }  // namespace
