@@ -45,15 +45,11 @@ void watch_piece(TextWatch& watch, std::string_view piece) {
     watch.has_mark = piece.starts_with("\xEF\xBB\xBF");
   }
   if (!begins_line) set_first(watch.long_line, watch.line);
-  bool is_plain = true;
-  bool has_nul = false;
-  for (const char c : piece) {
-    is_plain = is_plain && static_cast<unsigned char>(c) < 0x80;
-    has_nul = has_nul || c == '\0';
-  }
-  if (has_nul) set_first(watch.nul, watch.line);
+  if (piece.find('\0') != std::string_view::npos) set_first(watch.nul, watch.line);
+  unsigned char bits = 0;
+  for (const char c : piece) bits |= static_cast<unsigned char>(c);
   // The head of a line alone is looked at where it comes in pieces.
-  if (!is_plain && begins_line) watch_characters(watch, piece);
+  if (bits >= 0x80 && begins_line) watch_characters(watch, piece);
 }
 
 }  // namespace

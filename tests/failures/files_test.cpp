@@ -424,7 +424,7 @@ TEST_F(Files, WhatChangesBetweenSentencesIsMetAndTold) {
       EXPECT_TRUE(run_faults.notes.empty());
     } else {
       ASSERT_EQ(run_faults.notes.size(), 1U);
-      EXPECT_NE(run_faults.notes[0].find(path("words.dic") + row.note), std::string::npos) << run_faults.notes[0];
+      EXPECT_NE(run_faults.notes[0].find(path(row.file) + row.note), std::string::npos) << run_faults.notes[0];
     }
     for (const char* name : {"words.dic", "words.idx", "input.txt", "rules.txt", "rules.rul", "rules.mtx"}) {
       fs::rename(path(std::string(name) + ".kept"), path(name));
