@@ -176,8 +176,9 @@ def in_a_conversion(act):
     os.mkfifo("fifo")
     process = subprocess.Popen([LEXON, *("fifo" if word == "out.txt" else word for word in WORDS), "--rebuild"],
                                stderr=subprocess.DEVNULL)
-    reader = os.open("fifo", os.O_RDONLY)
-    while waiting_bytes(reader) < 60000: time.sleep(0.01)
+    reader = os.open("fifo", os.O_RDONLY | os.O_NONBLOCK)  # a program that does not start is not waited for
+    while process.poll() is None and waiting_bytes(reader) < 60000: time.sleep(0.01)
+    os.set_blocking(reader, True)
     act(process)
     while os.read(reader, 65536): pass
     os.close(reader)
@@ -303,12 +304,12 @@ def on_a_pipe(words, before="", signalled=None, within=20):
     os.mkfifo("fifo")
     command = [LEXON, *("fifo" if word == "input.txt" else word for word in WORDS), *words]
     process = subprocess.Popen(command, stderr=subprocess.DEVNULL)
-    writer = open("fifo", "w") if before is not None else None
+    writer = open(os.open("fifo", os.O_RDWR), "w") if before is not None else None
     if before:
         writer.write(before)
         writer.flush()
     if signalled:
-        while not os.path.exists("out.txt") or b";;Done!" not in read("out.txt") if before else not reads_fifo(process.pid):
+        while process.poll() is None and not (b";;Done!" in read("out.txt") if before else reads_fifo(process.pid)):
             time.sleep(0.01)
         process.send_signal(signalled)
     try:
