@@ -110,7 +110,7 @@ bool run_rule_step(RunContext& context, Host& host) {
     } else {
       compiled_file_discard(context.compiled_matrix);
     }
-    out_print(";;Cancelled!\n");
+    out_banner(";;Cancelled!");
     return false;
   }
   context.rule_step_done = true;
@@ -141,9 +141,9 @@ bool skip_sentences(std::FILE* input, std::int64_t count) {
 
 const char* banner_of(std::int32_t status) {
   switch (status) {
-    case run_state::over_time: return ";;Time Over!\n";
-    case run_state::failed: return ";;Failed!\n";
-    default: return ";;Done!\n";
+    case run_state::over_time: return ";;Time Over!";
+    case run_state::failed: return ";;Failed!";
+    default: return ";;Done!";
   }
 }
 
@@ -152,12 +152,12 @@ void run_sentences(const RunSettings& settings, RunContext& context, Host& host)
   for (std::int64_t number = settings.start_sentence;;) {
     run_status = run_state::running;
     if (host.run_step(context, kSentenceCaption, static_cast<std::int32_t>(number)) == StepResult::cancelled) {
-      out_print(";;Cancelled!\n");
+      out_banner(";;Cancelled!");
       return;
     }
     const std::int32_t status = run_status;
     if (status == run_state::end_of_input) return;
-    out_print("%s", banner_of(status));
+    out_banner(banner_of(status));
     ++number;
     const bool has_no_end = settings.sentence_count == 0;
     // Without rules no sentence reads any input: a run without a count would go on for ever.
@@ -168,7 +168,7 @@ void run_sentences(const RunSettings& settings, RunContext& context, Host& host)
 void run_steps(const RunSettings& settings, RunContext& context, Host& host) {
   if (!run_rule_step(context, host) || settings.rules_conversion_only) return;
   if (!skip_sentences(context.input, std::int64_t{settings.start_sentence} - 1)) {
-    if (must_leave() == Status::stopped) out_print(";;Cancelled!\n");
+    if (must_leave() == Status::stopped) out_banner(";;Cancelled!");
     return;
   }
   run_sentences(settings, context, host);

@@ -25,10 +25,12 @@ void end_step(Status status) {
   run_status = status == Status::end_of_input ? run_state::end_of_input : result;
 }
 
-// The step's border: what the standard library throws for exhausted memory becomes a status here.
+// The step's border: what the standard library throws for exhausted memory becomes a status here. A step that was
+// asked to stop has been silent since, so it has not been done, whatever it returns.
 Status guarded(Status (*step)(RunContext&), RunContext& context) {
   try {
-    return step(context);
+    const Status status = step(context);
+    return stop_requested ? Status::stopped : status;
   } catch (const std::bad_alloc&) {
     return Status::memory;
   }
