@@ -15,7 +15,7 @@ class PlaceWatch;
 // Touched by the worker alone while a step runs; the driver sets `output` and `trace_level` before the first step.
 struct EngineState {
   std::FILE* output;         // sentences, banners, messages and trace; never null in a run
-  Status engine_status;      // result of the last step
+  Status engine_status;      // of the parser, the reader, generation and post-edit, and of an index; no caller reads it
   std::int32_t semlst_cur;   // index of the scope being generated
   std::int8_t trace_level;   // 0 to 4 in use
   std::uint8_t trace_depth;  // scopes entered and not left
