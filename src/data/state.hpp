@@ -15,13 +15,14 @@ class PlaceWatch;
 // Touched by the worker alone while a step runs; the driver sets `output` and `trace_level` before the first step.
 struct EngineState {
   std::FILE* output;         // sentences, banners, messages and trace; never null in a run
-  Status engine_status;      // result of the last step
+  Status engine_status;      // of the parser, the reader, generation and post-edit, and of an index; no caller reads it
   std::int32_t semlst_cur;   // index of the scope being generated
   std::int8_t trace_level;   // 0 to 4 in use
   std::uint8_t trace_depth;  // scopes entered and not left
   char trace_indent[256];    // one tab for each
   Node* forced_node;         // target of a forced backtracking, or null; survives the sentence
   PlaceWatch* watches;       // innermost first; see data/nodes.hpp
+  bool line_is_open;         // the text that was printed last has not ended its line
   Status abort;              // ok, or what every loop returns at once: a failure of the rule base, or of the stack
   const char* stack_limit;   // the worker's stack must not grow below this; null: not guarded
 };

@@ -23,7 +23,7 @@ enum class Fit : int {
   no = 0,
   yes = 1,
   refused = -1,  // fits, but the window may only be backtracked from; or an inserted node ran out of words
-  memory = 100,
+  failed = 100,  // there is no answer: `must_leave` says why, or, where that is ok, memory is exhausted
 };
 
 [[nodiscard]] constexpr int code(Status status) {
@@ -31,14 +31,6 @@ enum class Fit : int {
 }
 [[nodiscard]] constexpr int code(Fit fit) {
   return static_cast<int>(fit);
-}
-
-// The same number seen as the other type; every code of other rooms survives.
-[[nodiscard]] constexpr Status as_status(Fit fit) {
-  return static_cast<Status>(code(fit));
-}
-[[nodiscard]] constexpr Fit as_fit(Status status) {
-  return static_cast<Fit>(code(status));
 }
 
 // A failure proper: a code above zero. The negative codes are answers of the search.

@@ -65,9 +65,8 @@ void word_changed(Actions& actions) {
 }
 
 void attr_delete(Actions& actions, const char* attr) {
-  if (!attr_blank(actions.word.attrs, attr)) return;
-  word_changed(actions);
-  // A role that is taken from a copy dies in the node it was copied from as well.
+  if (attr_blank(actions.word.attrs, attr)) word_changed(actions);
+  // wanted: a role that is taken from a copy dies in the node it was copied from, whether or not the copy has it.
   const bool is_role = *attr == '<' || *attr == '>';
   const Node* origin = actions.node.origin;
   if (!is_role || origin == nullptr || is_fresh(*origin) || origin->candidates == nullptr) return;

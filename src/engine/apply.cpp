@@ -151,14 +151,12 @@ Status window_marker_push(Node& node) {
 Status apply_rule(Window& window, RuleCandidate*& candidate, std::int32_t* home_scope) {
   trace_rule_applied(*candidate);
   trace_rule_end_flushed();
-  state.engine_status = Status::ok;
   const std::uint8_t type = candidate->rule->type;
   // An undoing inside can end the application at once; the caller's places must not outlive their nodes.
   const PlaceWatch watch(window.lnode, window.rnode);
   Window moved = window;
   RuleCandidate* rest = candidate;
   const Outcome outcome = rule_carry_out(moved, rest, home_scope);
-  state.engine_status = outcome.status;
   if (!outcome.writes_back) return outcome.status;
   window.lnode = moved.lnode;
   if (moved.lnode != nullptr) window.rnode = moved.lnode->right;

@@ -64,8 +64,7 @@ void marker_pair_pop(const Window& window) {
 // Step 10.
 [[nodiscard]] Status finish(const Undo& undo) {
   trace_list_after_undo(undo.window);
-  if (undo.word_is_pending && state.engine_status == Status::ok) state.engine_status = Status::no_effect;
-  return state.engine_status;
+  return undo.word_is_pending && undo.result == Status::ok ? Status::no_effect : undo.result;
 }
 
 }  // namespace
@@ -74,7 +73,6 @@ Status backtrack(Window& window, RuleCandidate*& candidate, std::int32_t& home_s
   if (const Status status = must_leave(); status != Status::ok) return status;
   Undo undo{window, candidate, home_scope, window, nullptr, false, Status::ok};
   word_test_trace(undo);
-  state.engine_status = Status::ok;
   for (Stage stage = first_stage(undo); stage != Stage::end;) {
     switch (stage) {
       case Stage::fresh_window: stage = fresh_window(undo); break;
@@ -89,7 +87,7 @@ Status backtrack(Window& window, RuleCandidate*& candidate, std::int32_t& home_s
 }
 
 Stage leave(Undo& undo, Status status) {
-  state.engine_status = undo.result = status;
+  undo.result = status;
   return Stage::leave;
 }
 

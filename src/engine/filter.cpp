@@ -95,7 +95,10 @@ bool settled_attr_holds(const Filter& filter, const CondItem& condition) {
 Fit filter_settled(const Filter& filter) {
   const NodePattern& pattern = filter.pattern;
   const WordEntry* word = filter.node.candidates;
-  if (word == nullptr) return as_fit(rule_base_failure("tested a node without words"));
+  if (word == nullptr) {
+    rule_base_failure("tested a node without words");
+    return Fit::failed;
+  }
   if (has_surface_conditions(pattern) && !test_surface(nullptr, word, pattern.hw_conds, pattern.cw_conds)) {
     return Fit::no;
   }
@@ -238,7 +241,7 @@ bool has_words(const WordWalk& walk) {
 
 Fit walk_words(Filter& filter, WordWalk& walk) {
   while (has_words(walk)) {
-    if (const Status s = must_leave(); s != Status::ok) return as_fit(s);
+    if (must_leave() != Status::ok) return Fit::failed;
     const Words words{*walk.own, walk.targets == nullptr ? nullptr : *walk.targets};
     if (!is_kept(filter, judge(filter, words))) {
       pass_over(filter, walk);
@@ -285,7 +288,7 @@ Fit filter_candidates(Side side, const Rule& rule, RuleCandidate& candidate, con
   if (resets && reset_target(*filter.target) != Status::ok) return Fit::no;
   const Fit fit = words_are_open(*node, filter.target) ? filter_open(filter) : filter_settled(filter);
   if (fit != Fit::yes) return fit;
-  return hold_target(filter, candidate) == Status::ok ? Fit::yes : Fit::memory;
+  return hold_target(filter, candidate) == Status::ok ? Fit::yes : Fit::failed;
 }
 
 }  // namespace lexon

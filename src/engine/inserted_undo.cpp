@@ -100,13 +100,12 @@ void insertion_end(Node& inserted, bool is_reset) {
 }  // namespace
 
 Status inserted_undo(const Rule& rule, Window& window) {
-  state.engine_status = Status::ok;
   const bool has_both = window.lnode != nullptr && window.rnode != nullptr;
-  if (!has_both) return state.engine_status = rule_base_failure("undid an insertion at an empty place");
-  if (has_brace_patterns(rule)) return state.engine_status = node_reset(*window.rnode);
+  if (!has_both) return rule_base_failure("undid an insertion at an empty place");
+  if (has_brace_patterns(rule)) return node_reset(*window.rnode);
   const Side side = rule.rnode->inserted != 0 ? Side::right : Side::left;
   Insertion insertion{side, *node_of(window, side), node_of(window, other(side))};
-  return state.engine_status = insertion_undo(insertion, rule, window);
+  return insertion_undo(insertion, rule, window);
 }
 
 }  // namespace lexon

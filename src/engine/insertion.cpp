@@ -52,7 +52,8 @@ Fit offer_node(Match& match, Side side, Node& node) {
   Node* beside = node_of(match.window, other(side));
   // An arc from a node to itself puts it beside itself: the list shows it, and the next match is refused.
   if (fit == Fit::no || beside == &node || !stands_in_list(node, beside)) return fit;
-  return as_fit(rule_base_failure("a relation brings in a node that stands in the list already and is fresh"));
+  rule_base_failure("a relation brings in a node that stands in the list already and is fresh");
+  return Fit::failed;
 }
 
 // Gives the arc back, and takes what the copy has inherited off the shared text.
@@ -71,7 +72,7 @@ void give_up_copy(Relation& arc, Node* copy, ScopeAttrs* block, std::size_t old_
 Fit offer_copy(Match& match, Side side, Relation& arc, Node& node, Node*& copy) {
   ScopeAttrs* block = node.scope_attrs;
   const std::size_t old_length = block == nullptr ? 0 : std::strlen(block->text);
-  if (const Status s = node_copy(copy, node, &arc, 0); s != Status::ok) return as_fit(s);
+  if (node_copy(copy, node, &arc, 0) != Status::ok) return Fit::failed;
   const Fit fit =
       filter_candidates(side, match.rule, match.candidate, window_with(match.window, side, copy), match.chosen);
   if (fit == Fit::no) give_up_copy(arc, copy, block, old_length);

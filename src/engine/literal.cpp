@@ -63,7 +63,7 @@ Fit find_words(Match& match, Side side, Node& node) {
   const NodePattern& pattern = pattern_of(match.rule, side);
   const Status looked_up = dict_select(first_text(pattern.hw_conds), first_text(pattern.cw_conds), node.candidates);
   // A dictionary that cannot be read refuses the rule; its status stands in the engine's state.
-  if (looked_up != Status::ok) return looked_up == Status::memory ? Fit::memory : Fit::no;
+  if (looked_up != Status::ok) return looked_up == Status::memory ? Fit::failed : Fit::no;
   if (node.candidates != nullptr) return filter_words(match, side, match.rule, node);
   return find_words_elsewhere(match, side, node);
 }
@@ -97,7 +97,7 @@ Fit make_literal(Match& match, Side side, Node*& node) {
   node = nullptr;
   if (pattern.hw_conds == nullptr && pattern.cw_conds == nullptr) return Fit::no;
   node = temp_new<Node>();
-  if (node == nullptr) return Fit::memory;
+  if (node == nullptr) return Fit::failed;
   const Fit fit = find_words(match, side, *node);
   if (fit == Fit::no) node_free(node);
   return fit;

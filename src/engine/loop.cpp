@@ -25,22 +25,23 @@ namespace lexon {
 
 namespace {
 
-// One instance of the loop. The status of its last step stands in the engine's state.
+// One instance of the loop.
 struct Loop {
   RuleCandidate* candidates;  // the head is the rule being looked at; the rest is what backtracking can resume with
   Window window;
   std::int32_t& home_scope;
+  Status status;  // of the last step; once the loop is left, its result
 };
 
 // Where a pass leads.
 enum class Turn {
   pass,   // the next pass
   end,    // the search ran out, unless a finished scope can be gone back into
-  leave,  // the loop returns the engine's status
+  leave,  // the loop returns its status
 };
 
-[[nodiscard]] Turn leave(Status status) {
-  state.engine_status = status;
+[[nodiscard]] Turn leave(Loop& loop, Status status) {
+  loop.status = status;
   return Turn::leave;
 }
 
@@ -48,30 +49,30 @@ enum class Turn {
   return window.lnode != nullptr && is_boundary(*window.lnode) && window.lnode->right == nullptr;
 }
 
-// The first element for which matching gives a result other than "does not fit" becomes the head.
-void rule_choose(Loop& loop) {
-  state.engine_status = Status::ok;
+// The first element for which matching gives a result other than "does not fit" becomes the head. Its result.
+[[nodiscard]] Fit rule_choose(Loop& loop) {
   while (loop.candidates != nullptr) {
     RuleCandidate& element = *loop.candidates;
     if (!is_post_edit_type(element.rule->type)) {
-      state.engine_status = as_status(match_rule(element, loop.window));
-      if (const Status status = must_leave(); status != Status::ok) state.engine_status = status;
-      if (state.engine_status != Status::ok) return;
+      const Fit fit = match_rule(element, loop.window);
+      if (must_leave() != Status::ok) return Fit::failed;
+      if (fit != Fit::no) return fit;
     }
     loop.candidates = element.next;
     candidate_passed_over(&element);
   }
+  return Fit::no;
 }
 
 // Undoes steps until there is something new to try.
 [[nodiscard]] Turn step_back(Loop& loop) {
   trace_to_backtrack(loop.candidates != nullptr);
   do {
-    if (const Status status = must_leave(); status != Status::ok) return leave(status);
+    if (const Status status = must_leave(); status != Status::ok) return leave(loop, status);
     const CandidateHandover handover(loop.candidates);
-    state.engine_status = backtrack(loop.window, loop.candidates, loop.home_scope);
-  } while (state.engine_status == Status::no_effect);
-  return state.engine_status == Status::ok ? Turn::pass : Turn::end;
+    loop.status = backtrack(loop.window, loop.candidates, loop.home_scope);
+  } while (loop.status == Status::no_effect);
+  return loop.status == Status::ok ? Turn::pass : Turn::end;
 }
 
 // A word test has done its work inside matching, by narrowing the words.
@@ -89,10 +90,10 @@ void rule_choose(Loop& loop) {
 [[nodiscard]] Turn rule_apply(Loop& loop) {
   const bool is_word_test = is_word_test_type(loop.candidates->rule->type);
   const CandidateHandover handover(loop.candidates);
-  state.engine_status = apply_rule(loop.window, loop.candidates, &loop.home_scope);
-  if (is_failure(state.engine_status)) return Turn::leave;
-  if (state.engine_status == Status::nothing_left) return Turn::end;
-  if (loop.home_scope != 0 && has_passed_the_end(loop.window)) return leave(Status::ok);
+  loop.status = apply_rule(loop.window, loop.candidates, &loop.home_scope);
+  if (is_failure(loop.status)) return Turn::leave;
+  if (loop.status == Status::nothing_left) return Turn::end;
+  if (loop.home_scope != 0 && has_passed_the_end(loop.window)) return leave(loop, Status::ok);
   // A refused word test consists of backtracking, which has named the next rule.
   if (!is_word_test) loop.candidates = rule_candidates(loop.window.lnode, loop.window.rnode);
   return Turn::pass;
@@ -100,10 +101,10 @@ void rule_choose(Loop& loop) {
 
 // A failed scope is undone in the outer list by one step.
 [[nodiscard]] Turn scope_undo(Loop& loop) {
-  if (const Status status = must_leave(); status != Status::ok) return leave(status);
+  if (const Status status = must_leave(); status != Status::ok) return leave(loop, status);
   // wanted: one call, even if it asks to be called again.
-  state.engine_status = backtrack(loop.window, loop.candidates, loop.home_scope);
-  return state.engine_status == Status::ok ? Turn::pass : Turn::end;
+  loop.status = backtrack(loop.window, loop.candidates, loop.home_scope);
+  return loop.status == Status::ok ? Turn::pass : Turn::end;
 }
 
 [[nodiscard]] Turn rule_follow(Loop& loop) {
@@ -111,22 +112,21 @@ void rule_choose(Loop& loop) {
   if (const std::optional<Side> side = scope_to_enter(loop.window, rule); side.has_value()) {
     const ScopeResult result = scope_enter(*side, loop.window, *loop.candidates, loop.home_scope);
     if (result.wants_undo) return scope_undo(loop);
-    if (result.status != Status::ok) return leave(result.status);
+    if (result.status != Status::ok) return leave(loop, result.status);
   }
   return rule_apply(loop);
 }
 
 [[nodiscard]] Turn pass(Loop& loop) {
-  if (const Status status = must_leave(); status != Status::ok) return leave(status);
-  if (is_finished(loop.window)) return leave(Status::ok);
+  if (const Status status = must_leave(); status != Status::ok) return leave(loop, status);
+  if (is_finished(loop.window)) return leave(loop, Status::ok);
   if (loop.window.rnode == nullptr) {
-    if (loop.window.lnode == nullptr) return leave(rule_base_failure("emptied both places of the window"));
+    if (loop.window.lnode == nullptr) return leave(loop, rule_base_failure("emptied both places of the window"));
     loop.window.rnode = loop.window.lnode->right;
   }
-  rule_choose(loop);
-  const Status status = state.engine_status;
-  const bool is_fit = status == as_status(Fit::yes);
-  if (is_failure(status) && !is_fit) return Turn::leave;
+  const Fit fit = rule_choose(loop);
+  if (fit == Fit::failed) return leave(loop, must_leave() != Status::ok ? must_leave() : Status::memory);
+  const bool is_fit = fit == Fit::yes;
   if (loop.candidates == nullptr) return step_back(loop);
   const bool is_word_test = is_word_test_type(loop.candidates->rule->type);
   if (is_fit && is_word_test) return word_test_done(loop);
@@ -136,13 +136,12 @@ void rule_choose(Loop& loop) {
 
 // The search ran out. A finished scope can hold another solution.
 [[nodiscard]] Status search_end(Loop& loop) {
-  const bool may_go_back = state.engine_status == Status::nothing_left && loop.candidates != nullptr;
-  if (!may_go_back || is_at_beginning(loop.window)) return state.engine_status;
+  const bool may_go_back = loop.status == Status::nothing_left && loop.candidates != nullptr;
+  if (!may_go_back || is_at_beginning(loop.window)) return loop.status;
   // Undone to its end, the search for a forced target leaves the window where it was, also on a node that has gone.
   const bool is_lost = loop.window.lnode == nullptr && loop.candidates->rule->type == rule_type::insertion;
-  if (is_lost) return state.engine_status = rule_base_failure("searched on from an empty place");
-  state.engine_status = back_into_scope(loop.window, loop.candidates, loop.home_scope);
-  return state.engine_status;
+  if (is_lost) return rule_base_failure("searched on from an empty place");
+  return back_into_scope(loop.window, loop.candidates, loop.home_scope);
 }
 
 // The node that a nested scope starts from: a copy stands for an entry node that has been used already.
@@ -189,7 +188,6 @@ bool is_at_beginning(const Window& window) {
 Status generate_scope(Node* entry, bool nested) {
   if (stack_nearly_used()) return Status::memory;
   if (entry == nullptr) return rule_base_failure("generated a scope without an entry");
-  state.engine_status = Status::ok;
   std::int32_t home_scope = state.semlst_cur;
   Node* node = entry;
   if (nested) {
@@ -203,10 +201,10 @@ Status generate_scope(Node* entry, bool nested) {
 
 Status engine_loop(RuleCandidate* candidates, Window window, std::int32_t& home_scope) {
   if (stack_nearly_used()) return Status::memory;
-  Loop loop{candidates, window, home_scope};
+  Loop loop{candidates, window, home_scope, Status::ok};
   Turn turn = Turn::pass;
   while (turn == Turn::pass) turn = pass(loop);
-  const Status status = turn == Turn::end ? search_end(loop) : state.engine_status;
+  const Status status = turn == Turn::end ? search_end(loop) : loop.status;
   candidates_passed_over(loop.candidates);
   return status;
 }

@@ -87,7 +87,10 @@ bool is_tested(const Match& match, Side side) {
 
 Fit test_node(Match& match, Side side) {
   const Node* node = node_of(match.window, side);
-  if (node == nullptr) return as_fit(rule_base_failure("tested a place beyond the end of the list"));
+  if (node == nullptr) {
+    rule_base_failure("tested a place beyond the end of the list");
+    return Fit::failed;
+  }
   const ContextGroup* beyond = groups_beyond(match.rule, side);
   if (beyond != nullptr && match_context(side, beyond, neighbour(*node, side)) == nullptr) return Fit::no;
   return filter_candidates(side, match.rule, match.candidate, match.window, match.chosen);
@@ -124,7 +127,7 @@ Fit retry_failed(Match& match, Side side) {
 Fit test_side(Match& match, Side side) {
   if (!is_tested(match, side)) return Fit::yes;
   const Fit fit = test_node(match, side);
-  if (const Status s = must_leave(); s != Status::ok) return as_fit(s);
+  if (must_leave() != Status::ok) return Fit::failed;
   if (fit == Fit::no) return inserts(match.rule, side) ? retry_failed(match, side) : Fit::no;
   // wanted: a co-occurrence lookup that failed (`refused`) counts as a fit
   if (fit != Fit::yes && fit != Fit::refused) return fit;
@@ -218,12 +221,6 @@ Status push_records(Match& match) {
   return Status::ok;
 }
 
-Status pass_verdict(Match& match) {
-  const bool applies = may_be_applied(match);
-  state.engine_status = as_status(applies ? Fit::yes : Fit::refused);
-  return applies ? push_records(match) : Status::ok;
-}
-
 // ---- Hand over.
 
 // With MID the candidate keeps the window for another try, and the node that MID was counted from gets its record.
@@ -262,7 +259,7 @@ Status hand_over(Match& match, Window& window) {
 
 Fit match_steps(Match& match, Window& window) {
   if (never_fits(match) || retries_for_another(match)) return Fit::no;
-  if (const Status s = turn_to_current_scope(match.window); s != Status::ok) return as_fit(s);
+  if (turn_to_current_scope(match.window) != Status::ok) return Fit::failed;
   for (const Side side : {Side::left, Side::right}) {
     if (const Fit fit = test_side(match, side); fit != Fit::yes) return fit;
   }
@@ -273,10 +270,11 @@ Fit match_steps(Match& match, Window& window) {
     if (const Fit fit = bring_in(match, *side); fit != Fit::yes) return fit;
   }
   if (match.window.lnode == nullptr || match.window.rnode == nullptr) return Fit::no;
-  if (const Status s = settle_words(match); s != Status::ok) return as_fit(s);
-  if (const Status s = pass_verdict(match); s != Status::ok) return as_fit(s);
-  if (const Status s = hand_over(match, window); s != Status::ok) return as_fit(s);
-  return as_fit(state.engine_status);
+  if (settle_words(match) != Status::ok) return Fit::failed;
+  const bool applies = may_be_applied(match);
+  if (applies && push_records(match) != Status::ok) return Fit::failed;
+  if (hand_over(match, window) != Status::ok) return Fit::failed;
+  return applies ? Fit::yes : Fit::refused;
 }
 
 }  // namespace
@@ -284,7 +282,7 @@ Fit match_steps(Match& match, Window& window) {
 Fit match_rule(RuleCandidate& candidate, Window& window) {
   Match match{candidate, *candidate.rule, window, window};
   const Fit fit = match_steps(match, window);
-  if (const Status s = must_leave(); s != Status::ok) return as_fit(s);
+  if (must_leave() != Status::ok) return Fit::failed;
   if (fit == Fit::no) entry_list_free(match.chosen);
   return fit;
 }

@@ -92,7 +92,8 @@ namespace {
 }
 
 // 7.14: was a scope brought in or entered by the rule? If it stands finished, the search goes on inside it.
-[[nodiscard]] Stage scope_test(const Window& window, const Rule& rule) {
+[[nodiscard]] Stage scope_test(Undo& undo, const Rule& rule) {
+  const Window& window = undo.window;
   Node& lnode = *window.lnode;
   Node& rnode = *window.rnode;
   if (!may_re_enter_scope(&rnode, *rule.rnode, rule) && !may_re_enter_scope(&lnode, *rule.lnode, rule))
@@ -100,7 +101,7 @@ namespace {
   if (is_scope_reference(lnode)) hold_release(lnode);
   if (is_scope_reference(rnode)) hold_release(rnode);
   if (!is_fresh_and_built(lnode) && !is_fresh_and_built(rnode)) return Stage::alternatives;
-  state.engine_status = Status::nothing_left;
+  undo.result = Status::nothing_left;
   return Stage::end;
 }
 
@@ -121,14 +122,14 @@ namespace {
   entry_list_free(choices);
   undo.caller = window;
   if (rule.type == rule_type::right && is_boundary(*window.rnode)) return Stage::next_rule;
-  return scope_test(window, rule);
+  return scope_test(undo, rule);
 }
 
 // 7.2
 [[nodiscard]] Stage merge_pop(Undo& undo) {
   const Status status = merge_undo(undo.window, undo.candidate);
   if (is_failure(status)) return leave(undo, status);
-  state.engine_status = status;
+  undo.result = status;
   undo.caller = undo.window;
   return Stage::end;
 }
@@ -136,7 +137,7 @@ namespace {
 // 7.4 and 7.5: `status` of what has set the window.
 [[nodiscard]] Stage to_alternatives(Undo& undo, Status status) {
   if (is_failure(status)) return leave(undo, status);
-  state.engine_status = status;
+  undo.result = status;
   undo.caller = undo.window;
   return Stage::alternatives;
 }

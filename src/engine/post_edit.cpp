@@ -34,18 +34,22 @@ namespace {
   return is_post_edit_type(rule.type);
 }
 
+// What the pass ends with if no rule fits behind this answer.
+[[nodiscard]] Status status_after(Fit fit) {
+  if (fit == Fit::failed) return must_leave() != Status::ok ? must_leave() : Status::memory;
+  // wanted: a rule that fits and is refused fails the pass, if it is the last one asked.
+  return fit == Fit::refused ? Status::no_effect : Status::ok;
+}
+
 // The first rule of the list that fits becomes its head; null if none does. `result` is what the last match gave.
 void rule_choose(RuleCandidate*& candidates, Window& window, Status& result) {
   while (candidates != nullptr) {
     RuleCandidate& element = *candidates;
     if (may_run(*element.rule, window)) {
       // wanted: a failure is overwritten by what the next rule gives.
-      result = as_status(match_rule(element, window));
-      if (const Status status = must_leave(); status != Status::ok) {
-        result = status;
-        return;
-      }
-      if (result == as_status(Fit::yes)) return;
+      const Fit fit = match_rule(element, window);
+      result = status_after(fit);
+      if (fit == Fit::yes || must_leave() != Status::ok) return;
     }
     candidates = element.next;
     candidate_passed_over(&element);
@@ -66,7 +70,7 @@ void rule_choose(RuleCandidate*& candidates, Window& window, Status& result) {
   if (window.lnode == nullptr || window.rnode == nullptr) return false;
   RuleCandidate* candidates = rule_candidates(window.lnode, window.rnode);
   rule_choose(candidates, window, result);
-  if (candidates == nullptr || result != as_status(Fit::yes)) return false;
+  if (candidates == nullptr || must_leave() != Status::ok) return false;
   // A pass inside a scope must not release it.
   const CandidatePin pin(candidates);
   result =

@@ -212,7 +212,7 @@ struct Return {
   if (const Status status = scope_undo(back); status != Status::ok) return status;
   if (state.forced_node != nullptr) {
     back.caller = back.outer;
-    return state.engine_status;
+    return Status::ok;
   }
   const Side opposite = other(back.side);
   Node* node = node_of(back.outer, opposite);
@@ -231,11 +231,10 @@ struct Return {
 
 Status back_into_scope(Window& window, RuleCandidate*& candidate, std::int32_t& home_scope) {
   if (stack_nearly_used()) return Status::memory;
-  state.engine_status = Status::ok;
   const std::optional<Side> side = reference_side(window, candidate);
   if (!side.has_value()) {
     if (state.semlst_cur == 0) trace_search_taken_as_finished();
-    return state.engine_status;
+    return Status::ok;
   }
   Node& reference = *node_of(window, *side);
   if (const Status status = reference_attrs_reset(reference); status != Status::ok) return status;
@@ -246,11 +245,10 @@ Status back_into_scope(Window& window, RuleCandidate*& candidate, std::int32_t& 
   const CandidatePin pin(candidate);
   Return back{window, *candidate, home_scope, *side, window, {nullptr, nullptr}, nullptr};
   if (const Status status = inner_place_set(back); status != Status::ok) return status;
-  state.engine_status = inner_search(back);
+  const Status searched = inner_search(back);
   if (const Status status = must_leave(); status != Status::ok) return status;
-  if (is_failure(state.engine_status)) return state.engine_status;
-  state.engine_status = state.engine_status == Status::ok ? solution_take(back) : scope_give_up(back);
-  return state.engine_status;
+  if (is_failure(searched)) return searched;
+  return searched == Status::ok ? solution_take(back) : scope_give_up(back);
 }
 
 }  // namespace lexon

@@ -1,5 +1,8 @@
 // The node list and the words of a node, as the trace shows them.
 
+#include <cstdio>
+#include <string>
+
 #include "data/chain.hpp"
 #include "data/nodes.hpp"
 #include "data/output.hpp"
@@ -22,59 +25,50 @@ enum class Form { plain, bracket };
 }
 
 // A node with words, behind a "/".
-void print_node(const Node& node, Form form) {
+void append_node(std::string& line, const Node& node, Form form) {
   const bool plain = form == Form::plain;
-  const char* hw = text_or_empty(node.candidates->hw);
+  line += plain ? "/" : "/[";
   if (is_scope_reference(node)) {
-    out_print(plain ? "/SCOPE:%02d" : "/[SCOPE:%02d]", node.scope);
-  } else if (shows_cw(node)) {
-    out_print(plain ? "/%s|cw=%s" : "/[%s|cw=%s]", hw, node.candidates->cw);
+    char number[16];
+    std::snprintf(number, sizeof number, "%02d", node.scope);
+    line.append("SCOPE:").append(number);
   } else {
-    out_print(plain ? "/%s" : "/[%s]", hw);
+    line += text_or_empty(node.candidates->hw);
+    if (shows_cw(node)) line.append("|cw=").append(node.candidates->cw);
   }
+  if (!plain) line += ']';
 }
 
 // The nodes from `node` up to, but not including, `end`. A node without words is an error in the list: it is taken
 // out, and the line goes on with its next part.
-void print_up_to(Node* node, const Node* end) {
+void append_up_to(std::string& line, Node* node, const Node* end) {
   for (; node != nullptr && node != end && must_leave() == Status::ok; node = node->right) {
     if (node->candidates == nullptr) {
       // Not released: the graph can still point at it.
       node_take_out(*node);
       return;
     }
-    print_node(*node, Form::plain);
+    append_node(line, *node, Form::plain);
   }
 }
 
-void print_marked(const Node* node) {
-  if (node != nullptr && node->candidates != nullptr) print_node(*node, Form::bracket);
+void append_marked(std::string& line, const Node* node) {
+  if (node != nullptr && node->candidates != nullptr) append_node(line, *node, Form::bracket);
 }
 
-void print_tail(const Node* node) {
+void append_tail(std::string& line, const Node* node) {
   for (; node != nullptr && node->candidates != nullptr && must_leave() == Status::ok; node = node->right) {
-    print_node(*node, Form::plain);
+    append_node(line, *node, Form::plain);
   }
-}
-
-// The leftmost node of the list; null, and a message, if it leads back to itself.
-[[nodiscard]] Node* first_or_loop(Node* node) {
-  while (node->left != nullptr && must_leave() == Status::ok) {
-    if (node->left == node) {
-      dump_node(node, true);
-      out_print("%s;;lnode loop\n", state.trace_indent);
-      return nullptr;
-    }
-    node = node->left;
-  }
-  return node;
 }
 
 void print_word(const WordEntry* word) {
+  if (must_leave() == Status::stopped) return;
   entry_print(state.output, word, state.trace_indent);
 }
 
 void print_words(const WordEntry* words) {
+  if (must_leave() == Status::stopped) return;
   entry_list_print(state.output, words, state.trace_indent);
 }
 
@@ -142,18 +136,24 @@ void dump_right_place(const Window& window, bool with_words) {
 
 }  // namespace
 
+// Collected first: of a sentence that is stopped meanwhile the line is not printed at all.
 void print_list_line(const Window& window) {
-  out_print("%s", state.trace_indent);
+  std::string line = state.trace_indent;
   if (window.lnode != nullptr) {
-    Node* first = first_or_loop(window.lnode);
-    if (first == nullptr) return;
-    print_up_to(first, window.lnode);
-    print_marked(window.lnode);
-    print_up_to(window.lnode->right, window.rnode);
+    Node* first = list_first(window.lnode);
+    if (first->left == first) {
+      out_print("%s", state.trace_indent);
+      dump_node(first, true);
+      out_print("%s;;lnode loop\n", state.trace_indent);
+      return;
+    }
+    append_up_to(line, first, window.lnode);
+    append_marked(line, window.lnode);
+    append_up_to(line, window.lnode->right, window.rnode);
   }
-  print_marked(window.rnode);
-  if (window.rnode != nullptr) print_tail(window.rnode->right);
-  out_print("/\n");
+  append_marked(line, window.rnode);
+  if (window.rnode != nullptr) append_tail(line, window.rnode->right);
+  if (must_leave() != Status::stopped) out_print("%s/\n", line.c_str());
   out_flush();
 }
 

@@ -22,7 +22,7 @@ struct Undo {
   Window window;          // the working copy
   RuleCandidate* undone;  // of the application that step 7 has found; null before
   bool word_is_pending;   // the right node's next word is due before the rule list moves on
-  Status result;          // of a step that leaves at once
+  Status result;          // what the call returns: ok until a step says otherwise
 };
 
 // "Go on at ...": what a step returns.

@@ -34,7 +34,7 @@ bool append_word(const Node& node, char*& cursor, const char* end, int scope) {
     const std::size_t length = std::strlen(word->hw);
     const std::ptrdiff_t room = end - cursor;
     if (static_cast<std::ptrdiff_t>(length) >= room || word->hw_len >= room || word->hw_len < 0) return false;
-    if (length != 0) std::memcpy(cursor, word->hw, length + 1);
+    std::memcpy(cursor, word->hw, length + 1);
     cursor += word->hw_len;
   }
   return state.trace_level <= 0 || append_unused_relations(node, cursor, end, scope);

@@ -125,7 +125,7 @@ bool run_rule_step(RunContext& context, Host& host) {
   const StepResult result = host.run_step(context, kRuleStepCaption, 0);
   if (result == StepResult::cancelled) {
     rule_files_cancel(context);
-    out_print(";;Cancelled!\n");
+    out_banner(";;Cancelled!");
     return false;
   }
   context.rule_step_done = true;
@@ -153,9 +153,9 @@ std::int64_t skip_sentences(RunContext& context, std::int64_t count) {
 
 const char* banner_of(std::int32_t status) {
   switch (status) {
-    case run_state::over_time: return ";;Time Over!\n";
-    case run_state::failed: return ";;Failed!\n";
-    default: return ";;Done!\n";
+    case run_state::over_time: return ";;Time Over!";
+    case run_state::failed: return ";;Failed!";
+    default: return ";;Done!";
   }
 }
 
@@ -164,7 +164,7 @@ void run_sentences(const RunSettings& settings, RunContext& context, Host& host)
   for (std::int64_t number = settings.start_sentence;;) {
     run_status = run_state::running;
     if (host.run_step(context, kSentenceCaption, static_cast<std::int32_t>(number)) == StepResult::cancelled) {
-      out_print(";;Cancelled!\n");
+      out_banner(";;Cancelled!");
       return;
     }
     const std::int32_t status = run_status;
@@ -172,7 +172,7 @@ void run_sentences(const RunSettings& settings, RunContext& context, Host& host)
       context.input_ended = true;
       return;
     }
-    out_print("%s", banner_of(status));
+    out_banner(banner_of(status));
     ++context.tried;
     ++number;
     // Nobody can read what comes behind a hole.
@@ -193,7 +193,7 @@ void run_steps(const RunSettings& settings, RunContext& context, Host& host) {
   context.input_ended = must_leave() != Status::stopped;
   if (context.input_ended) return;
   std::clearerr(context.input);  // it may have waited for data, which is no fault of the file
-  out_print(";;Cancelled!\n");
+  out_banner(";;Cancelled!");
 }
 
 // The name of the damaged file.

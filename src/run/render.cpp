@@ -21,7 +21,7 @@ long processor_clock() {
 
 void print_word_lists() {
   out_print("================= WORD LISTS : %02d ==================\n", sentence.graph_node_count);
-  for (std::int32_t i = 0; i < sentence.graph_node_count; ++i) {
+  for (std::int32_t i = 0; i < sentence.graph_node_count && must_leave() == Status::ok; ++i) {
     const Node& node = *sentence.graph_nodes[static_cast<std::size_t>(i)];
     char code[3];
     node_code_write(node.scope, code);

@@ -32,10 +32,12 @@ void end_rule_step(RunContext& context, Status status) {
   end_step(status);
 }
 
-// The step's border: what the standard library throws for exhausted memory becomes a status here.
+// The step's border: what the standard library throws for exhausted memory becomes a status here. A step that was
+// asked to stop has been silent since, so it has not been done, whatever it returns.
 Status guarded(Status (*step)(RunContext&), RunContext& context) {
   try {
-    return step(context);
+    const Status status = step(context);
+    return stop_requested ? Status::stopped : status;
   } catch (const std::bad_alloc&) {
     return Status::memory;
   }

@@ -94,14 +94,21 @@ INSTANTIATE_TEST_SUITE_P(Table, AttributeLimit,
                                            LimitCase{"CommasReachIt", 1000, "+xxxxxxxxxx,+yyyyyyyyyyyy", 1023}),
                          [](const auto& row) { return row.param.what; });
 
+// The commas that are squeezed in the origin are those of the surface form.
 TEST(ActionsOnCopies, DeleteARoleInTheOriginToo) {
-  Step step("L{:-<agt}{}P1;", "[a/A,<agt,B] [b] x,,y/P,<agt,Q(0)");
-  step.matched();
-  step.window.lnode->origin = &step.list.at(2);
-  EXPECT_EQ(rule_actions_apply(step.window, *step.candidate), Status::ok);
-  EXPECT_EQ(text_of_node(step.window.lnode), "a/A,B|a/A,<agt,B(1)");
-  // The commas that are squeezed are those of the surface form.
-  EXPECT_EQ(text_of_node(&step.list.at(2)), "x,y/P,,,,,,Q(0)");
+  struct Row {
+    const char* copy;
+    const char* copy_after;
+  };
+  const Row rows[] = {{"a/A,<agt,B", "a/A,B|a/A,<agt,B(1)"}, {"a/A,B", "a/A,B(0)"}, {"a", "a(0)"}};
+  for (const Row& row : rows) {
+    Step step("L{:-<agt}{}P1;", "[" + std::string(row.copy) + "] [b] x,,y/P,<agt,Q(0)");
+    step.matched();
+    step.window.lnode->origin = &step.list.at(2);
+    EXPECT_EQ(rule_actions_apply(step.window, *step.candidate), Status::ok);
+    EXPECT_EQ(text_of_node(step.window.lnode), row.copy_after);
+    EXPECT_EQ(text_of_node(&step.list.at(2)), "x,y/P,,,,,,Q(0)") << row.copy;
+  }
 }
 
 TEST(ActionsOnCopies, LeaveAnOriginThatIsFreshOrAttributesThatAreNoRoles) {

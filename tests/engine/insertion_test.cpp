@@ -212,7 +212,7 @@ TEST(Insertion, NodePutBesideItselfEndsTheSentenceAtTheNextMatch) {
   EXPECT_EQ(step.window.lnode, step.window.rnode);
   EXPECT_EQ(step.window.lnode->left, step.window.lnode);
   Capture output;
-  EXPECT_EQ(as_status(match_rule(*step.candidate, step.window)), Status::rule_base);
+  EXPECT_EQ(match_rule(*step.candidate, step.window), Fit::failed);
   EXPECT_EQ(output.text(), ";;the rule base has failed: put a node beside itself\n");
 }
 

@@ -248,7 +248,7 @@ TEST(Match, ListTurnsToTheCurrentScope) {
 TEST(Match, StopIsObeyed) {
   Step step("R{}{}P1;", "[<<] [a/A] >>");
   stop_requested = true;
-  EXPECT_EQ(as_status(match_rule(*step.candidate, step.window)), Status::stopped);
+  EXPECT_EQ(match_rule(*step.candidate, step.window), Fit::failed);
   stop_requested = false;
 }
 

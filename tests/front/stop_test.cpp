@@ -66,6 +66,20 @@ TEST_F(Stop, ASentenceOverItsTimeGivesWayToTheNext) {
   EXPECT_EQ(output(), "[S:1]\ndog\n;;Time ?\tSec\n;;Done!\n[S:2]\n;;Time Over!\n[S:3]\ncat\n;;Time ?\tSec\n;;Done!\n");
 }
 
+// A list that grows without end: the stop comes in the middle of a line or between two, never with a half line behind.
+TEST_F(Stop, AStoppedSentenceEndsWithAWholeLineAndItsBanner) {
+  write_file(path("rules.txt"), ":{SHEAD:::}\"[of ]:::\"P40;\nR{:::}{:::}P2;\n");
+  write_file(path("input.txt"), kDog);
+  EXPECT_EQ(run_program("lexon", arguments({"-L2", "-T1"})).exit_status, 3);
+  const std::string text = output();
+  const std::size_t banner = text.rfind(";;Time Over!\n");
+  ASSERT_NE(banner, std::string::npos);
+  EXPECT_EQ(text.substr(banner), ";;Time Over!\n");
+  const std::size_t list = text.rfind("\n/") + 1;
+  const std::string line = text.substr(list, text.find('\n', list) - list);
+  EXPECT_TRUE(line.ends_with(">>/")) << line.substr(line.size() < 40 ? 0 : line.size() - 40);
+}
+
 TEST_F(Stop, ASignalCancelsTheRun) {
   for (const int signal : {SIGINT, SIGTERM}) {
     fs::remove(path("output.txt"));

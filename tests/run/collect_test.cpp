@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <array>
+#include <cstring>
 #include <optional>
 #include <string>
 
@@ -56,6 +57,7 @@ struct ArcRow {
   bool used;
   int trace_level;
   const char* sentence;
+  const char* second_form = "sees";
 };
 
 class Marks : public ::testing::TestWithParam<ArcRow> {};
@@ -64,6 +66,9 @@ TEST_P(Marks, ShowTheArcsThatAreLeft) {
   fresh_sentence();
   const List list("<< dog sees >>");
   const ArcRow& row = GetParam();
+  WordEntry& second = *list.at(2).candidates;
+  second.hw = temp_text(row.second_form);
+  second.hw_len = static_cast<std::int32_t>(std::strlen(row.second_form));
   arc_between(list.at(static_cast<std::size_t>(row.from)), list.at(static_cast<std::size_t>(row.to)), row.label,
               row.scope)
       ->used = row.used ? 1 : 0;
@@ -72,16 +77,17 @@ TEST_P(Marks, ShowTheArcsThatAreLeft) {
 }
 
 // The cursor goes on by four whatever was written.
-INSTANTIATE_TEST_SUITE_P(Rows, Marks,
-                         ::testing::Values(ArcRow{"BothEnds", 2, 1, "agt", 0, false, 1, "dog<agtsees>agt"},
-                                           ArcRow{"NotAtLevelZero", 2, 1, "agt", 0, false, 0, "dogsees"},
-                                           ArcRow{"Used", 2, 1, "agt", 0, true, 1, "dogsees"},
-                                           ArcRow{"OfAnotherScope", 2, 1, "agt", 1, false, 1, "dogsees"},
-                                           ArcRow{"FromANodeToItself", 1, 1, "agt", 0, false, 1, "dog<agtsees"},
-                                           ArcRow{"ShortLabelEndsTheLine", 2, 1, "to", 0, false, 1, "dog<to"},
-                                           ArcRow{"LongLabelIsWrittenOver", 2, 1, "where", 0, false, 1,
-                                                  "dog<whesees>where"}),
-                         [](const auto& row) { return row.param.what; });
+INSTANTIATE_TEST_SUITE_P(
+    Rows, Marks,
+    ::testing::Values(ArcRow{"BothEnds", 2, 1, "agt", 0, false, 1, "dog<agtsees>agt"},
+                      ArcRow{"NotAtLevelZero", 2, 1, "agt", 0, false, 0, "dogsees"},
+                      ArcRow{"Used", 2, 1, "agt", 0, true, 1, "dogsees"},
+                      ArcRow{"OfAnotherScope", 2, 1, "agt", 1, false, 1, "dogsees"},
+                      ArcRow{"FromANodeToItself", 1, 1, "agt", 0, false, 1, "dog<agtsees"},
+                      ArcRow{"ShortLabelEndsTheLine", 2, 1, "to", 0, false, 1, "dog<to"},
+                      ArcRow{"LongLabelIsWrittenOver", 2, 1, "where", 0, false, 1, "dog<whesees>where"},
+                      ArcRow{"EmptyFormEndsALongLabel", 1, 1, "timxy", 0, false, 1, "dog<tim", ""}),
+    [](const auto& row) { return row.param.what; });
 
 TEST(Limit, IsTheLastCharacterOfTheBuffer) {
   struct Row {
