@@ -63,21 +63,9 @@ TEST_F(Matrix, HoldsTheConditionsOfBothSides) {
   const BuildCase cases[] = {
       {"no rules", {}, 1, "", ""},
       {"one rule", {"{N}{}"}, 1, "N:80/ff", ""},
-      {"eight rules fill one byte",
-       {"{}{}", "{}{}", "{}{}", "{}{}", "{}{}", "{}{}", "{}{}", "{N}{}"},
-       1,
-       "N:01/ff",
-       ""},
-      {"the ninth begins the next byte",
-       {"{}{}", "{}{}", "{}{}", "{}{}", "{}{}", "{}{}", "{}{}", "{}{}", "{N}{^N}"},
-       2,
-       "N:0080/ffff",
-       "N:0000/ff7f"},
-      {"ten rules",
-       {"{N}{}", "{}{}", "{}{}", "{^V}{}", "{}{}", "{}{}", "{}{}", "{}{}", "{}{}", "{N}{}"},
-       2,
-       "N:8040/ffff V:0000/efff",
-       ""},
+      {"eight rules fill one byte", {"{}{}", "{}{}", "{}{}", "{}{}", "{}{}", "{}{}", "{}{}", "{N}{}"}, 1, "N:01/ff", ""},
+      {"the ninth begins the next byte", {"{}{}", "{}{}", "{}{}", "{}{}", "{}{}", "{}{}", "{}{}", "{}{}", "{N}{^N}"}, 2, "N:0080/ffff", "N:0000/ff7f"},
+      {"ten rules", {"{N}{}", "{}{}", "{}{}", "{^V}{}", "{}{}", "{}{}", "{}{}", "{}{}", "{}{}", "{N}{}"}, 2, "N:8040/ffff V:0000/efff", ""},
       {"the sides have tables of their own", {"{B A}{B}", "{}{C}"}, 1, "A:80/ff B:80/ff", "B:80/ff C:40/ff"},
       {"names with + and - have rows without bits", {"{+X -Y Z}{}"}, 1, "X:00/ff Y:00/ff Z:80/ff", ""},
       {"a name may be required and forbidden", {"{A ^A}{}"}, 1, "A:80/7f", ""},
@@ -86,11 +74,7 @@ TEST_F(Matrix, HoldsTheConditionsOfBothSides) {
       {"the empty name has a row", {"{A =}{^}"}, 1, ":80/ff A:80/ff", ":00/7f"},
       {"quote patterns are indexed too", {"'N'{V}"}, 1, "N:80/ff", "V:80/ff"},
       {"a name may end with a carriage return", {"{B\r A}{}"}, 1, "A:80/ff B\r:80/ff", ""},
-      {"a name of 255 characters loses one, is not found, and ends the walk over its list",
-       {rule_with_long_name, "{B}{}"},
-       1,
-       "B:40/ff x*254:00/ff",
-       ""},
+      {"a name of 255 characters loses one, is not found, and ends the walk over its list", {rule_with_long_name, "{B}{}"}, 1, "B:40/ff x*254:00/ff", ""},
   };
   for (const BuildCase& c : cases) {
     SCOPED_TRACE(c.name);
@@ -124,9 +108,7 @@ TEST_F(Matrix, NamesAreFoundByBinarySearch) {
 // A fresh working directory, so that files left behind show.
 class MatrixFiles : public Matrix {
  protected:
-  MatrixFiles()
-      : before_(fs::current_path()),
-        folder_(fs::path(::testing::TempDir()) / ("lexon-" + std::to_string(getpid()) + "-matrix")) {
+  MatrixFiles() : before_(fs::current_path()), folder_(fs::path(::testing::TempDir()) / ("lexon-" + std::to_string(getpid()) + "-matrix")) {
     fs::create_directories(folder_);
     fs::current_path(folder_);
   }

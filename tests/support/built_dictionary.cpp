@@ -64,8 +64,7 @@ std::vector<std::string> BuildFolder::names() const {
   return names;
 }
 
-BuildResult build_text(const BuildFolder& folder, const std::string& entries, const std::string& name,
-                       BuildOptions options) {
+BuildResult build_text(const BuildFolder& folder, const std::string& entries, const std::string& name, BuildOptions options) {
   options.entries = folder.path("entries.txt");
   options.dictionary = folder.path(name);
   std::ofstream(options.entries, std::ios::binary) << entries;
@@ -103,8 +102,7 @@ struct Asked::State {
 };
 
 Asked::Asked(const BuildFolder& folder, const std::string& name) : state_(new State) {
-  state_->is_open =
-      dictionary_open(folder.path(name), stderr, state_->opened) && dictionary_index_open(stderr, state_->opened);
+  state_->is_open = dictionary_open(folder.path(name), stderr, state_->opened) && dictionary_index_open(stderr, state_->opened);
   EXPECT_TRUE(state_->is_open);
 }
 
