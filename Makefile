@@ -2,11 +2,13 @@
 MAKEFLAGS += --no-print-directory
 JOBS ?= $(shell nproc)
 
-.PHONY: help demo test release debug bench fuzz coverage endurance format format-check lint layering docs screenshots install package clean setup setup-tests setup-package
+.PHONY: help demo test check-all golden release debug bench fuzz coverage endurance format format-check lint layering docs screenshots install package clean setup
 
 help:
 	@echo "make demo      build, make the example dictionaries, render the examples and show them"
-	@echo "make test      build and run all tests, plain and under the address and undefined sanitizers"
+	@echo "make test      build and run the tests: rooms under the sanitizers, programs in both flavours; some minutes"
+	@echo "make check-all the long ones too: endurance, refused memory and files, windows, packages, site, editor colours"
+	@echo "make golden    write the expected files of whole runs anew: read every line that changes"
 	@echo "make release   the programs alone, in build/release/bin"
 	@echo "make bench     the benchmarks"
 	@echo "make fuzz      each fuzz target for TIME seconds (60; TARGETS=\"rules run\" for some of them)"
@@ -22,8 +24,9 @@ help:
 setup:
 	@tools/setup build
 
-setup-tests:
-	@tools/setup tests
+# setup-NAME: what tools/setup knows by this name.
+setup-%:
+	@tools/setup $*
 
 release: setup
 	cmake --preset release -DLEXON_TESTS=OFF
@@ -33,23 +36,35 @@ demo: release
 	@tools/demo build/release/bin
 
 test: setup-tests layering
-	@tools/test release
+	@tools/test release programs
 	@tools/test asan
 
-debug tsan clang: setup-tests
+check-all: setup-check layering
+	@LEXON_EXHAUSTIVE=1 tools/test release all
+	@tools/test asan all
+
+golden: setup-tests
+	cmake --preset release
+	cmake --build --preset release --parallel $(JOBS) --target tested-programs
+	tests/programs/golden.py build/release/bin --update
+	tests/programs/manual.py build/release/bin --update
+
+debug tsan: setup-tests
 	@tools/test $@
 
-bench: setup-tests
+clang: setup-clang
+	@tools/test $@
+
+bench: setup-bench
 	cmake --preset bench
 	cmake --build --preset bench --parallel $(JOBS)
 	@tools/bench build/bench/bin
 
 TIME ?= 60
-fuzz:
-	@tools/setup fuzz
+fuzz: setup-fuzz
 	@tools/fuzz $(TIME) $(TARGETS)
 
-coverage: setup-tests
+coverage: setup-coverage
 	@tools/coverage
 
 SENTENCES ?= 1000000
@@ -63,22 +78,21 @@ layering:
 
 SOURCES = $(shell git ls-files '*.cpp' '*.hpp')
 
-format: setup-tests
+format: setup-lint
 	clang-format -i $(SOURCES)
 
-format-check: setup-tests
+format-check: setup-lint
 	clang-format --dry-run --Werror $(SOURCES)
 
-lint: setup-tests format-check layering
+lint: setup-lint format-check layering
 	cmake --preset clang
 	run-clang-tidy -quiet -p build/clang '^$(CURDIR)/(src|bench|fuzz)/'
 	@tools/cppcheck
 
-docs:
-	@tools/setup docs
+docs: setup-docs
 	@tools/docs
 
-screenshots: setup-tests
+screenshots: setup-gui
 	cmake --preset release
 	cmake --build --preset release --parallel $(JOBS) --target lexon-screenshots
 	build/release/bin/lexon-screenshots docs/images
@@ -88,9 +102,6 @@ install: release
 	cmake --install build/release --prefix $(PREFIX)
 
 # What a package is made with comes first, so that the windowed program is in.
-setup-package:
-	@tools/setup package
-
 package: setup-package release
 	cpack --config build/release/CPackConfig.cmake -B build/packages
 

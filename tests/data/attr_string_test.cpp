@@ -44,13 +44,8 @@ TEST(AttrString, FindAndHas) {
 
 TEST(AttrString, Erase) {
   const char* rows[][3] = {
-      {"@entry", "@entry", ""},
-      {"a,@entry,b", "@entry", "a,b"},
-      {"@entry2,a", "@entry", "@entry2,a"},
-      {"a,@entry", "@entry", "a,"},
-      {"a,a,b,a", "a", "b,"},
-      {",,a,b", "a", ",,b"},
-      {"x@entry,a", "@entry", "x@entry,a"},
+      {"@entry", "@entry", ""}, {"a,@entry,b", "@entry", "a,b"}, {"@entry2,a", "@entry", "@entry2,a"}, {"a,@entry", "@entry", "a,"},
+      {"a,a,b,a", "a", "b,"},   {",,a,b", "a", ",,b"},           {"x@entry,a", "@entry", "x@entry,a"},
   };
   for (const auto& row : rows) {
     std::string text = row[0];

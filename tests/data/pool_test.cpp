@@ -20,8 +20,7 @@ std::int64_t used_by(std::int64_t size) {
 }
 
 TEST_F(Pool, ARequestTakesTheFirstClassThatHoldsIt) {
-  const std::int64_t rows[][2] = {{1, 8},      {8, 8},       {9, 16},      {33, 64},    {128, 128},
-                                  {513, 1024}, {1025, 4096}, {2048, 4096}, {4096, 4096}};
+  const std::int64_t rows[][2] = {{1, 8}, {8, 8}, {9, 16}, {33, 64}, {128, 128}, {513, 1024}, {1025, 4096}, {2048, 4096}, {4096, 4096}};
   static_cast<void>(temp_alloc(8));
   for (const auto& row : rows) EXPECT_EQ(used_by(row[0]), row[1]) << row[0];
 }

@@ -36,8 +36,7 @@ class Words : public ::testing::Test {
 };
 
 TEST_F(Words, SortIsStableByUnsignedPriority) {
-  const std::pair<std::vector<int>, const char*> rows[] = {
-      {{1, 3, 3, 2}, "bcda"}, {{0, 127, 128, 255}, "dcba"}, {{5, 5, 5}, "abc"}, {{7}, "a"}, {{}, ""}};
+  const std::pair<std::vector<int>, const char*> rows[] = {{{1, 3, 3, 2}, "bcda"}, {{0, 127, 128, 255}, "dcba"}, {{5, 5, 5}, "abc"}, {{7}, "a"}, {{}, ""}};
   for (const auto& [priorities, expected] : rows) {
     WordEntry* list = list_of(priorities);
     entry_list_sort(list);

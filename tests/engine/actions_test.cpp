@@ -16,51 +16,44 @@ struct ActionCase {
   const char* after;
 };
 
-class Actions : public ::testing::TestWithParam<ActionCase> {};
+TEST(Actions, ChangeTheWordInForceAndKeepTheOldOneBehindIt) {
+  const ActionCase rows[] = {
+      {"NoActions", "L{}{}P1;", "[a/A] [b]", "[a/A(0)] [b(0)]"},
+      {"AdditionGoesInFront", "L{:+x,y}{}P1;", "[a/A,B] [b]", "[a/x,y,A,B|a/A,B(1)] [b(0)]"},
+      {"AdditionToAWordWithoutAttributes", "L{:+x}{}P1;", "[a] [b]", "[a/x|a(1)] [b(0)]"},
+      {"PresentAttributeTakesTheCopyBack", "L{:+B}{}P1;", "[a/A,B] [b]", "[a/A,B(0)] [b(0)]"},
+      {"AddedTwiceCountsOnce", "L{:+x,+y,+x}{}P1;", "[a/A] [b]", "[a/x,y,A|a/A(1)] [b(0)]"},
+      {"DeletionLeavesNoBlank", "L{:-B}{}P1;", "[a/A,B,C] [b]", "[a/A,C|a/A,B,C(1)] [b(0)]"},
+      {"DeletionOfTheOnlyAttribute", "L{:-A}{}P1;", "[a/A] [b]", "[a|a/A(1)] [b(0)]"},
+      {"DeletionOfWhatIsNotThere", "L{:-X}{}P1;", "[a/A] [b]", "[a/A(0)] [b(0)]"},
+      {"LastElementHiddenByAnEarlierPrefix", "L{:-ab}{}P1;", "[a/x,abc,ab] [b]", "[a/x,abc,ab(0)] [b(0)]"},
+      {"DeletedAndAddedInOneRule", "L{:-A,+x}{}P1;", "[a/A,B] [b]", "[a/x,B|a/A,B(1)] [b(0)]"},
+      {"DeletedAndAddedAgain", "L{:-A,+A}{}P1;", "[a/A,B] [b]", "[a/A,B|a/A,B(1)] [b(0)]"},
+      {"RunsOfCommasGoWithAnyChange", "L{:+x}{}P1;", "[a/,A,,B,] [b]", "[a/x,A,B|a/,A,,B,(1)] [b(0)]"},
+      {"SurfaceForm", "L{:[went]}{}P1;", "[go=move/V|x] [b]", "[went=move/V|go=move/V|x(1)] [b(0)]"},
+      {"EmptySurfaceForm", "L{:[]}{}P1;", "[a/A] [b]", "[/A|a/A(1)] [b(0)]"},
+      {"ConceptWordChangesNothing", "L{:[[move]]}{}P1;", "[a/A] [b]", "[a/A(0)] [b(0)]"},
+      {"BoundaryKeepsItsForm", "L{:[x]}{}P1;", "[<<] [b]", "[<<(0)] [b(0)]"},
+      {"BoundaryTakesAttributes", "L{:[x],+y}{}P1;", "[<<] [b]", "[<</y,SHEAD|<<(1)] [b(0)]"},
+      {"RightSide", "L{}{:+x}P1;", "[a] [b/B]", "[a(0)] [b/x,B|b/B(1)]"},
+      {"BothSides", "L{:+x}{:-B}P1;", "[a] [b/B]", "[a/x|a(1)] [b|b/B(1)]"},
+      {"OpenScopeTakesThemInFrontOfASeparator", "L{:+x,y}{}P1;", "[SCOPE:01/A] [b]", "[SCOPE:01/x,y,;,A|SCOPE:01/A(1)] [b(0)]"},
+      {"OneSeparatorIsEnough", "L{:+x}{}P1;", "[SCOPE:01/y,;,A] [b]", "[SCOPE:01/x,y,;,A|SCOPE:01/y,;,A(1)] [b(0)]"},
+      {"DeletionAloneNeedsNoSeparator", "L{:-A}{}P1;", "[SCOPE:01/A,B] [b]", "[SCOPE:01/B|SCOPE:01/A,B(1)] [b(0)]"},
+      {"InsertedScopeGetsNoneFromItsRule", ":\"[x]:+x\"{}P1;", "[SCOPE:01/A] [b]", "[SCOPE:01/A(0)] [b(0)]"},
+      {"ScopeBesideAnInsertedNodeGetsThem", ":{:+x}\"[x]\"P1;", "[SCOPE:01/A] [b]", "[SCOPE:01/x,;,A|SCOPE:01/A(1)] [b(0)]"},
+      // The rule's own record says that the scope was entered by it.
+      {"ScopeOfARuleWithTwoBracesGetsThem", ":{A:-A,+x}{}P1;", "[SCOPE:01/A] [b]", "[SCOPE:01/x,;|SCOPE:01/A(1)] [b(0)]"},
+  };
+  for (const ActionCase& row : rows) {
+    SCOPED_TRACE(row.what);
 
-TEST_P(Actions, ChangeTheWordInForceAndKeepTheOldOneBehindIt) {
-  Step step(GetParam().rule, GetParam().before);
-  step.matched();
-  EXPECT_EQ(rule_actions_apply(step.window, *step.candidate), Status::ok);
-  EXPECT_EQ(step.text(), GetParam().after);
+    Step step(row.rule, row.before);
+    step.matched();
+    EXPECT_EQ(rule_actions_apply(step.window, *step.candidate), Status::ok);
+    EXPECT_EQ(step.text(), row.after);
+  }
 }
-
-INSTANTIATE_TEST_SUITE_P(
-    Table, Actions,
-    ::testing::Values(
-        ActionCase{"NoActions", "L{}{}P1;", "[a/A] [b]", "[a/A(0)] [b(0)]"},
-        ActionCase{"AdditionGoesInFront", "L{:+x,y}{}P1;", "[a/A,B] [b]", "[a/x,y,A,B|a/A,B(1)] [b(0)]"},
-        ActionCase{"AdditionToAWordWithoutAttributes", "L{:+x}{}P1;", "[a] [b]", "[a/x|a(1)] [b(0)]"},
-        ActionCase{"PresentAttributeTakesTheCopyBack", "L{:+B}{}P1;", "[a/A,B] [b]", "[a/A,B(0)] [b(0)]"},
-        ActionCase{"AddedTwiceCountsOnce", "L{:+x,+y,+x}{}P1;", "[a/A] [b]", "[a/x,y,A|a/A(1)] [b(0)]"},
-        ActionCase{"DeletionLeavesNoBlank", "L{:-B}{}P1;", "[a/A,B,C] [b]", "[a/A,C|a/A,B,C(1)] [b(0)]"},
-        ActionCase{"DeletionOfTheOnlyAttribute", "L{:-A}{}P1;", "[a/A] [b]", "[a|a/A(1)] [b(0)]"},
-        ActionCase{"DeletionOfWhatIsNotThere", "L{:-X}{}P1;", "[a/A] [b]", "[a/A(0)] [b(0)]"},
-        ActionCase{"LastElementHiddenByAnEarlierPrefix", "L{:-ab}{}P1;", "[a/x,abc,ab] [b]", "[a/x,abc,ab(0)] [b(0)]"},
-        ActionCase{"DeletedAndAddedInOneRule", "L{:-A,+x}{}P1;", "[a/A,B] [b]", "[a/x,B|a/A,B(1)] [b(0)]"},
-        ActionCase{"DeletedAndAddedAgain", "L{:-A,+A}{}P1;", "[a/A,B] [b]", "[a/A,B|a/A,B(1)] [b(0)]"},
-        ActionCase{"RunsOfCommasGoWithAnyChange", "L{:+x}{}P1;", "[a/,A,,B,] [b]", "[a/x,A,B|a/,A,,B,(1)] [b(0)]"},
-        ActionCase{"SurfaceForm", "L{:[went]}{}P1;", "[go=move/V|x] [b]", "[went=move/V|go=move/V|x(1)] [b(0)]"},
-        ActionCase{"EmptySurfaceForm", "L{:[]}{}P1;", "[a/A] [b]", "[/A|a/A(1)] [b(0)]"},
-        ActionCase{"ConceptWordChangesNothing", "L{:[[move]]}{}P1;", "[a/A] [b]", "[a/A(0)] [b(0)]"},
-        ActionCase{"BoundaryKeepsItsForm", "L{:[x]}{}P1;", "[<<] [b]", "[<<(0)] [b(0)]"},
-        ActionCase{"BoundaryTakesAttributes", "L{:[x],+y}{}P1;", "[<<] [b]", "[<</y,SHEAD|<<(1)] [b(0)]"},
-        ActionCase{"RightSide", "L{}{:+x}P1;", "[a] [b/B]", "[a(0)] [b/x,B|b/B(1)]"},
-        ActionCase{"BothSides", "L{:+x}{:-B}P1;", "[a] [b/B]", "[a/x|a(1)] [b|b/B(1)]"},
-        ActionCase{"OpenScopeTakesThemInFrontOfASeparator", "L{:+x,y}{}P1;", "[SCOPE:01/A] [b]",
-                   "[SCOPE:01/x,y,;,A|SCOPE:01/A(1)] [b(0)]"},
-        ActionCase{"OneSeparatorIsEnough", "L{:+x}{}P1;", "[SCOPE:01/y,;,A] [b]",
-                   "[SCOPE:01/x,y,;,A|SCOPE:01/y,;,A(1)] [b(0)]"},
-        ActionCase{"DeletionAloneNeedsNoSeparator", "L{:-A}{}P1;", "[SCOPE:01/A,B] [b]",
-                   "[SCOPE:01/B|SCOPE:01/A,B(1)] [b(0)]"},
-        ActionCase{"InsertedScopeGetsNoneFromItsRule", ":\"[x]:+x\"{}P1;", "[SCOPE:01/A] [b]",
-                   "[SCOPE:01/A(0)] [b(0)]"},
-        ActionCase{"ScopeBesideAnInsertedNodeGetsThem", ":{:+x}\"[x]\"P1;", "[SCOPE:01/A] [b]",
-                   "[SCOPE:01/x,;,A|SCOPE:01/A(1)] [b(0)]"},
-        // The rule's own record says that the scope was entered by it.
-        ActionCase{"ScopeOfARuleWithTwoBracesGetsThem", ":{A:-A,+x}{}P1;", "[SCOPE:01/A] [b]",
-                   "[SCOPE:01/x,;|SCOPE:01/A(1)] [b(0)]"}),
-    [](const auto& row) { return row.param.what; });
 
 std::string attrs_of_length(std::size_t length) {
   return std::string(length, 'q');
@@ -73,26 +66,24 @@ struct LimitCase {
   std::size_t length_after;
 };
 
-class AttributeLimit : public ::testing::TestWithParam<LimitCase> {};
-
-TEST_P(AttributeLimit, SkipsWhatWouldReachIt) {
-  const LimitCase& limit = GetParam();
-  Step step("L{:" + limit.added + "}{}P1;", "[a/" + attrs_of_length(limit.present) + "] [b]");
-  step.matched();
-  EXPECT_EQ(rule_actions_apply(step.window, *step.candidate), Status::ok);
-  const WordEntry& word = *step.window.lnode->candidates;
-  EXPECT_EQ(std::string(word.attrs).size(), limit.length_after);
-  EXPECT_EQ(static_cast<std::size_t>(word.attr_len), limit.length_after);
-  EXPECT_EQ(static_cast<std::size_t>(word.attr_block_size), limit.length_after + 12);
+TEST(AttributeLimit, SkipsWhatWouldReachIt) {
+  const LimitCase rows[] = {
+      {"OneBelow", 1000, "+" + std::string(22, 'x'), 1023},
+      {"Reached", 1000, "+" + std::string(23, 'x'), 1000},
+      {"SecondAdditionReachesIt", 1000, "+xxxxxxxxxx,+yyyyyyyyyyyyy", 1011},
+      {"CommasReachIt", 1000, "+xxxxxxxxxx,+yyyyyyyyyyyy", 1023},
+  };
+  for (const LimitCase& limit : rows) {
+    SCOPED_TRACE(limit.what);
+    Step step("L{:" + limit.added + "}{}P1;", "[a/" + attrs_of_length(limit.present) + "] [b]");
+    step.matched();
+    EXPECT_EQ(rule_actions_apply(step.window, *step.candidate), Status::ok);
+    const WordEntry& word = *step.window.lnode->candidates;
+    EXPECT_EQ(std::string(word.attrs).size(), limit.length_after);
+    EXPECT_EQ(static_cast<std::size_t>(word.attr_len), limit.length_after);
+    EXPECT_EQ(static_cast<std::size_t>(word.attr_block_size), limit.length_after + 12);
+  }
 }
-
-INSTANTIATE_TEST_SUITE_P(Table, AttributeLimit,
-                         ::testing::Values(LimitCase{"OneBelow", 1000, "+" + std::string(22, 'x'), 1023},
-                                           LimitCase{"Reached", 1000, "+" + std::string(23, 'x'), 1000},
-                                           LimitCase{"SecondAdditionReachesIt", 1000, "+xxxxxxxxxx,+yyyyyyyyyyyyy",
-                                                     1011},
-                                           LimitCase{"CommasReachIt", 1000, "+xxxxxxxxxx,+yyyyyyyyyyyy", 1023}),
-                         [](const auto& row) { return row.param.what; });
 
 // The commas that are squeezed in the origin are those of the surface form.
 TEST(ActionsOnCopies, DeleteARoleInTheOriginToo) {
@@ -159,33 +150,31 @@ struct MarkCase {
   const char* marked;
 };
 
-class RoleMarks : public ::testing::TestWithParam<MarkCase> {};
-
-TEST_P(RoleMarks, AreAddedAndTakenOff) {
-  const MarkCase& mark = GetParam();
-  Step step(mark.rule, std::string("[") + mark.lnode + "] [" + mark.rnode + "]");
-  const std::string before = step.text();
-  const WordEntry& chosen = *words_of("in~loc");
-  Node* lnode = step.window.lnode;
-  Node* rnode = step.window.rnode;
-  EXPECT_EQ(role_mark_add(*step.rule, lnode, rnode, chosen), Status::ok);
-  EXPECT_EQ(step.text(), mark.marked);
-  Node* inserted = step.rule->lnode->inserted != 0 ? lnode : rnode;
-  // One more than the mark is long.
-  EXPECT_EQ(inserted->candidates->attr_len, 3 + (before == mark.marked ? -3 : 6));
-  const bool is_left = inserted == lnode;
-  EXPECT_EQ(role_mark_remove(*step.rule, is_left ? lnode : nullptr, is_left ? nullptr : rnode, chosen), Status::ok);
-  EXPECT_EQ(step.text(), before);
+TEST(RoleMarks, AreAddedAndTakenOff) {
+  const MarkCase rows[] = {
+      {"LeftWithItsRole", ":\"[in]:::p\"{}P1;", "a/A,B", "b", "[a/<loc,A,B] [b]"},
+      {"LeftWithTheOtherRole", ":\"[in]\"{:::p}P1;", "a/A,B", "b", "[a/>loc,A,B] [b]"},
+      {"RightWithItsRole", ":{}\"[in]:::p\"P1;", "a", "b/A,B", "[a] [b/<loc,A,B]"},
+      {"RightWithTheOtherRole", ":{:::p}\"[in]\"P1;", "a", "b/A,B", "[a] [b/>loc,A,B]"},
+      {"NoInsertedNode", "L{:::p}{}P1;", "a", "b", "[a] [b]"},
+  };
+  for (const MarkCase& mark : rows) {
+    SCOPED_TRACE(mark.what);
+    Step step(mark.rule, std::string("[") + mark.lnode + "] [" + mark.rnode + "]");
+    const std::string before = step.text();
+    const WordEntry& chosen = *words_of("in~loc");
+    Node* lnode = step.window.lnode;
+    Node* rnode = step.window.rnode;
+    EXPECT_EQ(role_mark_add(*step.rule, lnode, rnode, chosen), Status::ok);
+    EXPECT_EQ(step.text(), mark.marked);
+    Node* inserted = step.rule->lnode->inserted != 0 ? lnode : rnode;
+    // One more than the mark is long.
+    EXPECT_EQ(inserted->candidates->attr_len, 3 + (before == mark.marked ? -3 : 6));
+    const bool is_left = inserted == lnode;
+    EXPECT_EQ(role_mark_remove(*step.rule, is_left ? lnode : nullptr, is_left ? nullptr : rnode, chosen), Status::ok);
+    EXPECT_EQ(step.text(), before);
+  }
 }
-
-INSTANTIATE_TEST_SUITE_P(
-    Table, RoleMarks,
-    ::testing::Values(MarkCase{"LeftWithItsRole", ":\"[in]:::p\"{}P1;", "a/A,B", "b", "[a/<loc,A,B] [b]"},
-                      MarkCase{"LeftWithTheOtherRole", ":\"[in]\"{:::p}P1;", "a/A,B", "b", "[a/>loc,A,B] [b]"},
-                      MarkCase{"RightWithItsRole", ":{}\"[in]:::p\"P1;", "a", "b/A,B", "[a] [b/<loc,A,B]"},
-                      MarkCase{"RightWithTheOtherRole", ":{:::p}\"[in]\"P1;", "a", "b/A,B", "[a] [b/>loc,A,B]"},
-                      MarkCase{"NoInsertedNode", "L{:::p}{}P1;", "a", "b", "[a] [b]"}),
-    [](const auto& row) { return row.param.what; });
 
 TEST(RoleMarkRemoval, LeavesAnyOtherFront) {
   for (const char* attrs : {">loc,A", "<lo,A", "A,<loc", "loc,A"}) {

@@ -19,79 +19,60 @@ struct MoveCase {
   Status status = Status::ok;
 };
 
-class Movement : public ::testing::TestWithParam<MoveCase> {};
-
-TEST_P(Movement, LeavesListWindowAndMarkers) {
-  const MoveCase& move = GetParam();
-  Step step(move.rule, move.before);
-  step.matched();
-  RuleCandidate* candidate = step.candidate;
-  std::int32_t home_scope = 0;
-  EXPECT_EQ(apply_rule(step.window, candidate, &home_scope), move.status);
-  EXPECT_EQ(step.text(), move.after);
-  EXPECT_EQ(candidate, step.candidate);
+TEST(Movement, LeavesListWindowAndMarkers) {
+  const MoveCase rows[] = {
+      // Shift.
+      {"Left", "L{}{}P1;", "<< [a] [b] >>", "[<<(m)] [a(0)] b(0) >>"},
+      // The left place is empty, and the right one stays as it was.
+      {"LeftOffTheList", "L{}{}P1;", "[<<] [a] >>", "<<(0) [a(0)] >>"},
+      {"LeftWithActions", "L{:+x}{}P1;", "<< [a] [b] >>", "[<<(m)] [a/x|a(1)] b(0) >>"},
+      {"PostEditLeft", "PL{}{}P1;", "<< [a] [b] >>", "[<<(m)] [a(0)] b(0) >>"},
+      {"RightOntoAFreshNode", "R{}{}P1;", "<< [a] [b] >>", "<< a(0) [b(0)] [>>]"},
+      {"RightOntoATouchedNode", "R{}{}P1;", "<< [a] [b] c(0) >>", "<< a(0) [b(0)] [c(m0)] >>"},
+      {"RightPastTheEnd", "R{}{}P1;", "<< [a] [>>]", "<< a(0) [>>(0)]"},
+      {"PostEditRight", "PR{}{}P1;", "<< [a] [b] >>", "<< a(0) [b(0)] [>>]"},
+      // Insertion.
+      {"UnchangedWordStays", ":{A:-A}{}P1;", "<< [a/B] [b] >>", "<< [a/B(0)] [b(0)] >>"},
+      {"ChangedLeftWordSteps", ":{A:-A}{}P1;", "<< [a/A] [b] >>", "[<<(m)] [a|a/A(1)] b(0) >>"},
+      {"ChangedBoundaryCannotStep", ":{:-SHEAD}\"[b]\"P1;", "[<<] [b] >>", "[<<|<<(1)] [b(0)] >>"},
+      {"ChangedRightWordStays", ":{}{A:-A}P1;", "<< [a] [b/A] >>", "<< [a(0)] [b|b/A(1)] >>"},
+      {"InsertedRightStays", ":{}\"[b]\"P1;", "<< [a] [b] >>", "<< [a(0)] [b(0)] >>"},
+      {"InsertedLeftSteps", ":\"[a]\"{}P1;", "<< [a] [b] >>", "[<<(m)] [a(0)] b(0) >>"},
+      {"PostEditChangedSteps", "P:{A:-A}{}P1;", "<< [a/A] [b] >>", "[<<(m)] [a|a/A(1)] b(0) >>"},
+      // Copy and exchange.
+      {"LeftCopy", "CL{}{}P1;", "<< [a/A] [b] >>", "[<<(m)] [a/#ORIG,A|a/A(1)] a/#COPY,A(m) b(0) >>"},
+      {"LeftCopyOfAChangedWord", "C{:+x}{}P1;", "<< [a/A] [b] >>", "[<<(m)] [a/#ORIG,x,A|a/A(1)] a/#COPY,x,A(m) b(0) >>"},
+      {"RightCopyStays", "CR{}{}P1;", "<< [a] [b/B] >>", "<< [a(0)] [b/#ORIG,B|b/B(1)] b/#COPY,B(m) >>"},
+      {"RightCopyBesideAChangedWordSteps", "CR{:+x}{}P1;", "<< [a] [b/B] >>", "[<<(m)] [a/x|a(1)] b/#ORIG,B|b/B(1) b/#COPY,B(m) >>"},
+      {"Exchange", "X{}{}P1;", "<< [a] [b] >>", "[<<(m)] [b(00)] a(00) >>"},
+      // The word itself is changed.
+      {"ExchangeWithActions", "X{:+x}{:+y}P1;", "<< [a] [b] >>", "[<<(m)] [b/y(10)] a/x(10) >>"},
+      {"NoExchangeAtTheLeftEnd", "X{:+x}{}P1;", "[<<] [b] >>", "[<<(0)] [b(0)] >>"},
+      {"NoExchangeAtTheRightEnd", "X{:+x}{}P1;", "<< [a] [>>]", "<< [a(0)] [>>(0)]"},
+      // Merge.
+      {"LeftDropsOut", "DL{}{}P1;", "<< [a/A] [b/B|c] >>", "[<<(m)] [b/B|b/B|c(0)] >>"},
+      {"LeftDropsOutWithActions", "DL{:+x}{:+y}P1;", "<< [a/A] [b/B] >>", "[<<(m)] [b/y,B|b/B(1)] >>"},
+      {"RightDropsOut", "DR{}{}P1;", "<< [a/A|d] [b/B] c >>", "<< [a/A|a/A|d(0)] [c(m)] >>"},
+      {"RightDropsOutWithActions", "DR{:+x}{:+y}P1;", "<< [a/A] [b/B] c >>", "[<<(m)] [a/x,A|a/A(1)] c >>"},
+      {"ActionsWithoutEffectCountToo", "DR{:+A}{}P1;", "<< [a/A] [b/B] c >>", "[<<(m)] [a/A|a/A(1)] c >>"},
+      // Without effect.
+      {"Plus", "+{:+x}{}P1;", "<< [a] [b] >>", "<< [a(0)] [b(0)] >>", Status::no_effect},
+      {"Minus", "-{}{}P1;", "<< [a] [b] >>", "<< [a(0)] [b(0)] >>", Status::no_effect},
+      {"Less", "<{::r}{}P1;", "<< [a] [b] >>", "<< [a(0)] [b(0)] >>", Status::no_effect},
+      {"Drop", "D{}{}P1;", "<< [a] [b] >>", "<< [a(0)] [b(0)] >>", Status::no_effect},
+      {"PostEditShift", "PSL{}{}P1;", "<< [a] [b] >>", "<< [a(0)] [b(0)] >>", Status::no_effect},
+  };
+  for (const MoveCase& move : rows) {
+    SCOPED_TRACE(move.what);
+    Step step(move.rule, move.before);
+    step.matched();
+    RuleCandidate* candidate = step.candidate;
+    std::int32_t home_scope = 0;
+    EXPECT_EQ(apply_rule(step.window, candidate, &home_scope), move.status);
+    EXPECT_EQ(step.text(), move.after);
+    EXPECT_EQ(candidate, step.candidate);
+  }
 }
-
-INSTANTIATE_TEST_SUITE_P(
-    Shift, Movement,
-    ::testing::Values(MoveCase{"Left", "L{}{}P1;", "<< [a] [b] >>", "[<<(m)] [a(0)] b(0) >>"},
-                      // The left place is empty, and the right one stays as it was.
-                      MoveCase{"LeftOffTheList", "L{}{}P1;", "[<<] [a] >>", "<<(0) [a(0)] >>"},
-                      MoveCase{"LeftWithActions", "L{:+x}{}P1;", "<< [a] [b] >>", "[<<(m)] [a/x|a(1)] b(0) >>"},
-                      MoveCase{"PostEditLeft", "PL{}{}P1;", "<< [a] [b] >>", "[<<(m)] [a(0)] b(0) >>"},
-                      MoveCase{"RightOntoAFreshNode", "R{}{}P1;", "<< [a] [b] >>", "<< a(0) [b(0)] [>>]"},
-                      MoveCase{"RightOntoATouchedNode", "R{}{}P1;", "<< [a] [b] c(0) >>", "<< a(0) [b(0)] [c(m0)] >>"},
-                      MoveCase{"RightPastTheEnd", "R{}{}P1;", "<< [a] [>>]", "<< a(0) [>>(0)]"},
-                      MoveCase{"PostEditRight", "PR{}{}P1;", "<< [a] [b] >>", "<< a(0) [b(0)] [>>]"}),
-    [](const auto& row) { return row.param.what; });
-
-INSTANTIATE_TEST_SUITE_P(
-    Insertion, Movement,
-    ::testing::Values(
-        MoveCase{"UnchangedWordStays", ":{A:-A}{}P1;", "<< [a/B] [b] >>", "<< [a/B(0)] [b(0)] >>"},
-        MoveCase{"ChangedLeftWordSteps", ":{A:-A}{}P1;", "<< [a/A] [b] >>", "[<<(m)] [a|a/A(1)] b(0) >>"},
-        MoveCase{"ChangedBoundaryCannotStep", ":{:-SHEAD}\"[b]\"P1;", "[<<] [b] >>", "[<<|<<(1)] [b(0)] >>"},
-        MoveCase{"ChangedRightWordStays", ":{}{A:-A}P1;", "<< [a] [b/A] >>", "<< [a(0)] [b|b/A(1)] >>"},
-        MoveCase{"InsertedRightStays", ":{}\"[b]\"P1;", "<< [a] [b] >>", "<< [a(0)] [b(0)] >>"},
-        MoveCase{"InsertedLeftSteps", ":\"[a]\"{}P1;", "<< [a] [b] >>", "[<<(m)] [a(0)] b(0) >>"},
-        MoveCase{"PostEditChangedSteps", "P:{A:-A}{}P1;", "<< [a/A] [b] >>", "[<<(m)] [a|a/A(1)] b(0) >>"}),
-    [](const auto& row) { return row.param.what; });
-
-INSTANTIATE_TEST_SUITE_P(
-    CopyAndExchange, Movement,
-    ::testing::Values(
-        MoveCase{"LeftCopy", "CL{}{}P1;", "<< [a/A] [b] >>", "[<<(m)] [a/#ORIG,A|a/A(1)] a/#COPY,A(m) b(0) >>"},
-        MoveCase{"LeftCopyOfAChangedWord", "C{:+x}{}P1;", "<< [a/A] [b] >>",
-                 "[<<(m)] [a/#ORIG,x,A|a/A(1)] a/#COPY,x,A(m) b(0) >>"},
-        MoveCase{"RightCopyStays", "CR{}{}P1;", "<< [a] [b/B] >>", "<< [a(0)] [b/#ORIG,B|b/B(1)] b/#COPY,B(m) >>"},
-        MoveCase{"RightCopyBesideAChangedWordSteps", "CR{:+x}{}P1;", "<< [a] [b/B] >>",
-                 "[<<(m)] [a/x|a(1)] b/#ORIG,B|b/B(1) b/#COPY,B(m) >>"},
-        MoveCase{"Exchange", "X{}{}P1;", "<< [a] [b] >>", "[<<(m)] [b(00)] a(00) >>"},
-        // The word itself is changed.
-        MoveCase{"ExchangeWithActions", "X{:+x}{:+y}P1;", "<< [a] [b] >>", "[<<(m)] [b/y(10)] a/x(10) >>"},
-        MoveCase{"NoExchangeAtTheLeftEnd", "X{:+x}{}P1;", "[<<] [b] >>", "[<<(0)] [b(0)] >>"},
-        MoveCase{"NoExchangeAtTheRightEnd", "X{:+x}{}P1;", "<< [a] [>>]", "<< [a(0)] [>>(0)]"}),
-    [](const auto& row) { return row.param.what; });
-
-INSTANTIATE_TEST_SUITE_P(
-    Merge, Movement,
-    ::testing::Values(
-        MoveCase{"LeftDropsOut", "DL{}{}P1;", "<< [a/A] [b/B|c] >>", "[<<(m)] [b/B|b/B|c(0)] >>"},
-        MoveCase{"LeftDropsOutWithActions", "DL{:+x}{:+y}P1;", "<< [a/A] [b/B] >>", "[<<(m)] [b/y,B|b/B(1)] >>"},
-        MoveCase{"RightDropsOut", "DR{}{}P1;", "<< [a/A|d] [b/B] c >>", "<< [a/A|a/A|d(0)] [c(m)] >>"},
-        MoveCase{"RightDropsOutWithActions", "DR{:+x}{:+y}P1;", "<< [a/A] [b/B] c >>", "[<<(m)] [a/x,A|a/A(1)] c >>"},
-        MoveCase{"ActionsWithoutEffectCountToo", "DR{:+A}{}P1;", "<< [a/A] [b/B] c >>", "[<<(m)] [a/A|a/A(1)] c >>"}),
-    [](const auto& row) { return row.param.what; });
-
-INSTANTIATE_TEST_SUITE_P(
-    WithoutEffect, Movement,
-    ::testing::Values(MoveCase{"Plus", "+{:+x}{}P1;", "<< [a] [b] >>", "<< [a(0)] [b(0)] >>", Status::no_effect},
-                      MoveCase{"Minus", "-{}{}P1;", "<< [a] [b] >>", "<< [a(0)] [b(0)] >>", Status::no_effect},
-                      MoveCase{"Less", "<{::r}{}P1;", "<< [a] [b] >>", "<< [a(0)] [b(0)] >>", Status::no_effect},
-                      MoveCase{"Drop", "D{}{}P1;", "<< [a] [b] >>", "<< [a(0)] [b(0)] >>", Status::no_effect},
-                      MoveCase{"PostEditShift", "PSL{}{}P1;", "<< [a] [b] >>", "<< [a(0)] [b(0)] >>",
-                               Status::no_effect}),
-    [](const auto& row) { return row.param.what; });
 
 TEST(Application, RefusesToMoveWhenTheRecordsDisagree) {
   for (const char* rule : {"L{:+x}{}P1;", "R{:+x}{}P1;", ":{:+x}\"[b]\"P1;"}) {
@@ -114,8 +95,7 @@ TEST(Application, StepsOverAnInsertedNodeOnTheWayRight) {
 // What a step cannot do must end the sentence, not the program.
 TEST(Application, AtAnEmptyPlaceOrOnAFreshNodeFailsTheRuleBase) {
   Capture output;
-  for (const char* rule :
-       {"L{}{}P1;", "R{}{}P1;", ":{A:-A}{}P1;", "C{}{}P1;", "CR{}{}P1;", "X{:+x}{}P1;", "DL{}{}P1;", "DR{}{}P1;"}) {
+  for (const char* rule : {"L{}{}P1;", "R{}{}P1;", ":{A:-A}{}P1;", "C{}{}P1;", "CR{}{}P1;", "X{:+x}{}P1;", "DL{}{}P1;", "DR{}{}P1;"}) {
     Step empty(rule, "<< [a] [b] >>");
     empty.matched();
     (rule[0] == 'L' ? empty.window.rnode : empty.window.lnode) = nullptr;

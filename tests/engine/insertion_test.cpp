@@ -25,36 +25,27 @@ struct Case {
 
 // No dictionary is open: the rule itself names the word.
 const Case kLiterals[] = {
-    {"to the right of the left node", ":{A}\"[x],ART,^DEF\"P1;", "<< [a/A(0)] [>>]",
-     "1 << [a/A(00)] [x/ART,DEF(0)] >>"},
+    {"to the right of the left node", ":{A}\"[x],ART,^DEF\"P1;", "<< [a/A(0)] [>>]", "1 << [a/A(00)] [x/ART,DEF(0)] >>"},
     {"to the left of the right node", ":\"[x],ART\"{A}P1;", "[<<] [a/A] >>", "1 << [x/ART(0)] [a/A(0)] >>"},
     {"on the left if both are inserted", ":\"[x]\"\"[y]\"P1;", "[<<] [a/A(0)] >>", "1 << [x(0)] [a/A(00)] >>"},
     {"a concept word serves as surface form", ":{A}\"[[go]],V\"P1;", "<< [a/A(0)] [>>]", "1 << [a/A(00)] [go/V(0)] >>"},
     {"a negated text names no word", ":{A}\"^[x]\"P1;", "<< [a/A(0)] [>>]", "0 << [a/A(0)] [>>]"},
     {"no text names a word", ":{A}\"ART\"P1;", "<< [a/A(0)] [>>]", "0 << [a/A(0)] [>>]"},
     {"the other node must fit", ":{B}\"[x]\"P1;", "<< [a/A(0)] [>>]", "0 << [a/A(0)] [>>]"},
-    {"SUF stands behind the new node", ":{A}\"[x]\"(C)P1;", "<< [a/A(0)] [c/C(0)] >>",
-     "1 << [a/A(00)] [x(0)] c/C(0) >>"},
+    {"SUF stands behind the new node", ":{A}\"[x]\"(C)P1;", "<< [a/A(0)] [c/C(0)] >>", "1 << [a/A(00)] [x(0)] c/C(0) >>"},
     {"SUF does not fit", ":{A}\"[x]\"(B)P1;", "<< [a/A(0)] [c/C(0)] >>", "0 << [a/A(0)] [c/C(0)] >>"},
     {"PRE does not fit", ":(B)\"[x]\"{A}P1;", "<< [c/C(0)] [a/A] >>", "0 << [c/C(0)] [a/A] >>"},
     {"the node that is there is beyond the list", ":(B)\"[x]\"{A}P1;", "<< c/C(0) [a/A] >>", "110 << c/C(0) [a/A] >>"},
-    {"MID to the right", ":{A}(B)\"[x]\"P1;", "<< [a/A(0)] [b/B(0)] c/C(0) >>",
-     "1 << [a/A(00)] b/B(0) [x(0)] c/C(0) >>"},
-    {"MID to the left", ":\"[x]\"(B){A}P1;", "<< c/C(0) [b/B(0)] [a/A(0)] >>",
-     "1 << c/C(0) [x(0)] b/B(0) [a/A(00)] >>"},
-    {"a MID of one node without a mark slides by one", ":{A}(B)*\"[x]\"P1;", "<< [a/A(0)] [b/B(0)] b/B(0) >>",
-     "1 << [a/A(00)] b/B(0) [x(0)] b/B(0) >>"},
+    {"MID to the right", ":{A}(B)\"[x]\"P1;", "<< [a/A(0)] [b/B(0)] c/C(0) >>", "1 << [a/A(00)] b/B(0) [x(0)] c/C(0) >>"},
+    {"MID to the left", ":\"[x]\"(B){A}P1;", "<< c/C(0) [b/B(0)] [a/A(0)] >>", "1 << c/C(0) [x(0)] b/B(0) [a/A(00)] >>"},
+    {"a MID of one node without a mark slides by one", ":{A}(B)*\"[x]\"P1;", "<< [a/A(0)] [b/B(0)] b/B(0) >>", "1 << [a/A(00)] b/B(0) [x(0)] b/B(0) >>"},
     {"MID does not fit", ":{A}(B)\"[x]\"P1;", "<< [a/A(0)] [c/C(0)] >>", "0 << [a/A(0)] [c/C(0)] >>"},
-    {"MID up to where SUF begins", ":{A}(B)*\"[x]\"(C)P1;", "<< [a/A(0)] [b/B(0)] b/B(0) c/C(0) >>",
-     "1 << [a/A(00)] b/B(0) b/B(0) [x(0)] c/C(0) >>"},
-    {"MID up to where PRE begins", ":(C)\"[x]\"(B)*{A}P1;", "<< c/C(0) b/B(0) [b/B(0)] [a/A(0)] >>",
-     "1 << c/C(0) [x(0)] b/B(0) b/B(0) [a/A(00)] >>"},
+    {"MID up to where SUF begins", ":{A}(B)*\"[x]\"(C)P1;", "<< [a/A(0)] [b/B(0)] b/B(0) c/C(0) >>", "1 << [a/A(00)] b/B(0) b/B(0) [x(0)] c/C(0) >>"},
+    {"MID up to where PRE begins", ":(C)\"[x]\"(B)*{A}P1;", "<< c/C(0) b/B(0) [b/B(0)] [a/A(0)] >>", "1 << c/C(0) [x(0)] b/B(0) b/B(0) [a/A(00)] >>"},
     {"an empty starred MID slides up to SUF", ":{A}()*\"[x]\"(C)*P1;", "<< [a/A(0)] [b/B(0)] b/B(0) c/C(0) >>",
      "1 << [a/A(00)] b/B(0) b/B(0) [x(0)] c/C(0) >>"},
-    {"an inserted node that waits is tried in its place", ":\"[x],X\"{A}P1;", "[!y/Y|x/X] [a/A] >>",
-     "1 [x/X|y/Y(0)] [a/A(0)] >>"},
-    {"one that MID has brought in waits for its own candidate", ":{A}(B)\"[x]\"P1;", "<< [a/A(0)] b/B(0) [!x] >>",
-     "0 << [a/A(0)] b/B(0) [!x] >>"},
+    {"an inserted node that waits is tried in its place", ":\"[x],X\"{A}P1;", "[!y/Y|x/X] [a/A] >>", "1 [x/X|y/Y(0)] [a/A(0)] >>"},
+    {"one that MID has brought in waits for its own candidate", ":{A}(B)\"[x]\"P1;", "<< [a/A(0)] b/B(0) [!x] >>", "0 << [a/A(0)] b/B(0) [!x] >>"},
     {"the right place is empty", ":\"[x]\"\"[y]\"P1;", "[<<] >>", "0 [<<] >>"},
 };
 
@@ -72,6 +63,13 @@ TEST(Insertion, WaitingNodeWithoutFittingWord) {
   Capture output;
   EXPECT_EQ(matched(step), "-1 [!] [a/A]");
   EXPECT_EQ(output.text(), ";;lnode No Matched Word!\n");
+}
+
+// A compiled file can hold such a SUF; from a text it goes.
+TEST(Insertion, LoneEmptyStarFitsBeyondTheEndOfTheList) {
+  Step step(":{A}\"[x]\"(C)*P1;", "<< [a/A(0)]");
+  step.rule->suf->attr_conds = nullptr;
+  EXPECT_EQ(matched(step), "1 << [a/A(00)] [x(0)]");
 }
 
 // What a rule with MID leaves for the next try: its nodes are the candidate's.
@@ -93,8 +91,7 @@ const Case kShifts[] = {
     {"an empty suffix passes", "P>>{}\"[]\"P1;", "[unable/A] [>>]", "1 [unable/A] [>>]"},
     {"the whole word", "P>>{}\"[unable]\"P1;", "[unable/A] [>>]", "1 [unable/A] [>>]"},
     {"more than the word", "P>>{}\"[unable]\"P1;", "[able/A] [>>]", "0 [able/A] [>>]"},
-    {"PRE in front of the new node", "P<<(B)\"[un]\"{}P1;", "b/C(0) [b/B(0)] [unable/A]",
-     "1 b/C(0) [b/B(0)] [unable/A]"},
+    {"PRE in front of the new node", "P<<(B)\"[un]\"{}P1;", "b/C(0) [b/B(0)] [unable/A]", "1 b/C(0) [b/B(0)] [unable/A]"},
     {"PRE that does not fit", "P<<(B)\"[un]\"{}P1;", "[b/C(0)] [unable/A]", "0 [b/C(0)] [unable/A]"},
 };
 
@@ -118,30 +115,21 @@ struct Arc {
 };
 
 const Arc kArcs[] = {
-    {"a label on the inserted pattern leads away from the node", ":{V}\"N::agt\"P1;", "<< [v/V(0)] [>>]", "n/N{<agt}",
-     "agt", "1 << [v/V(00)] [n/<agt,N{<agt}(0)] >>", "used node"},
-    {"and does not lead to it", ":{V}\"N::agt\"P1;", "<< [v/V(0)] [>>]", "n/N", "agt>", "0 << [v/V(0)] [>>]",
-     "free node"},
-    {"a label on the other pattern leads to the node", ":{V::agt}\"N\"P1;", "<< [v/V(0)] [>>]", "n/N", "agt>",
-     "1 << [v/V(00)] [n/N(0)] >>", "used node"},
+    {"a label on the inserted pattern leads away from the node", ":{V}\"N::agt\"P1;", "<< [v/V(0)] [>>]", "n/N{<agt}", "agt",
+     "1 << [v/V(00)] [n/<agt,N{<agt}(0)] >>", "used node"},
+    {"and does not lead to it", ":{V}\"N::agt\"P1;", "<< [v/V(0)] [>>]", "n/N", "agt>", "0 << [v/V(0)] [>>]", "free node"},
+    {"a label on the other pattern leads to the node", ":{V::agt}\"N\"P1;", "<< [v/V(0)] [>>]", "n/N", "agt>", "1 << [v/V(00)] [n/N(0)] >>", "used node"},
     {"to the left", ":\"N::agt\"{V}P1;", "[<<] [v/V(0)] >>", "n/N", "agt", "1 << [n/N(0)] [v/V(00)] >>", "used node"},
-    {"to the left from the other pattern", ":\"N\"{V::agt}P1;", "[<<] [v/V(0)] >>", "n/N", "agt>",
-     "1 << [n/N(0)] [v/V(00)] >>", "used node"},
+    {"to the left from the other pattern", ":\"N\"{V::agt}P1;", "[<<] [v/V(0)] >>", "n/N", "agt>", "1 << [n/N(0)] [v/V(00)] >>", "used node"},
     {"another label", ":{V}\"N::obj\"P1;", "<< [v/V(0)] [>>]", "n/N", "agt", "0 << [v/V(0)] [>>]", "free node"},
-    {"no word of the node fits", ":{V}\"Q::agt\"P1;", "<< [v/V(0)] [>>]", "n/N", "agt", "0 << [v/V(0)] [>>]",
-     "free node"},
-    {"words that fit come first", ":{V}\"Q::agt\"P1;", "<< [v/V(0)] [>>]", "n/N|q/Q", "agt",
-     "1 << [v/V(00)] [q/Q|n/N(0)] >>", "used node"},
+    {"no word of the node fits", ":{V}\"Q::agt\"P1;", "<< [v/V(0)] [>>]", "n/N", "agt", "0 << [v/V(0)] [>>]", "free node"},
+    {"words that fit come first", ":{V}\"Q::agt\"P1;", "<< [v/V(0)] [>>]", "n/N|q/Q", "agt", "1 << [v/V(00)] [q/Q|n/N(0)] >>", "used node"},
     {"a used node comes in as a copy", ":{V}\"N::agt\"P1;", "<< [v/V(0)] [>>]", "n/N,SG{<agt}(0)", "agt",
      "1 << [v/V(00)] [n/<agt,#N,#SG,N,SG{<agt,#N,#SG}(0)] >>", "used copy"},
-    {"a copy that does not fit leaves no trace", ":{V}\"Q::agt\"P1;", "<< [v/V(0)] [>>]", "n/N,SG{<agt}(0)", "agt",
-     "0 << [v/V(0)] [>>]", "free node"},
-    {"a text that names a mark is given back whole", ":{V}\"Q::agt\"P1;", "<< [v/V(0)] [>>]", "n/N{#x}(0)", "agt",
-     "0 << [v/V(0)] [>>]", "free node"},
-    {"a reference without an entry", ":{V}\"::agt\"P1;", "<< [v/V(0)] [>>]", "SCOPE:07/SCOPE", "agt",
-     "0 << [v/V(0)] [>>]", "free node"},
-    {"behind MID", ":{V}(A)\"N::agt\"P1;", "<< [v/V(0)] [a/A(0)] >>", "n/N", "agt", "1 << [v/V(00)] a/A(0) [n/N(0)] >>",
-     "used node"},
+    {"a copy that does not fit leaves no trace", ":{V}\"Q::agt\"P1;", "<< [v/V(0)] [>>]", "n/N,SG{<agt}(0)", "agt", "0 << [v/V(0)] [>>]", "free node"},
+    {"a text that names a mark is given back whole", ":{V}\"Q::agt\"P1;", "<< [v/V(0)] [>>]", "n/N{#x}(0)", "agt", "0 << [v/V(0)] [>>]", "free node"},
+    {"a reference without an entry", ":{V}\"::agt\"P1;", "<< [v/V(0)] [>>]", "SCOPE:07/SCOPE", "agt", "0 << [v/V(0)] [>>]", "free node"},
+    {"behind MID", ":{V}(A)\"N::agt\"P1;", "<< [v/V(0)] [a/A(0)] >>", "n/N", "agt", "1 << [v/V(00)] a/A(0) [n/N(0)] >>", "used node"},
 };
 
 std::string arc_text(const Relation& arc, const Node* verb, const Node* node) {
@@ -268,8 +256,7 @@ TEST(Insertion, DamagedDictionaryRefusesTheRule) {
 TEST(Insertion, WordsOfAClass) {
   Step step(":\"[#money],B\"{A}P1;", "[<<] [a/A(0)] >>");
   const TestDictionary dictionary(kWords);
-  const TestDictionary classes("[x]{cash} \"sup#money\" (A) <E,0,9>;\n[x]{coin} \"sup#money\" (A) <E,0,1>;\n",
-                               sentence.cr_dictionary);
+  const TestDictionary classes("[x]{cash} \"sup#money\" (A) <E,0,9>;\n[x]{coin} \"sup#money\" (A) <E,0,1>;\n", sentence.cr_dictionary);
   EXPECT_EQ(matched(step), "1 << [coin/B|cash=money~c1/N,D^5(0)] [a/A(00)] >>");
 }
 

@@ -19,30 +19,27 @@ struct WalkCase {
   const char* list;
 };
 
-class Walk : public ::testing::TestWithParam<WalkCase> {};
+TEST(Walk, EndsWithItsListAndStatus) {
+  const WalkCase rows[] = {
+      {"WithoutARule", "L{Q}{}P1;", "a/A", Status::nothing_left, "<< a/A >>"},
+      {"WithRulesOfPostEditAlone", "PR{}{}P1;", "a/A", Status::nothing_left, "<< a/A >>"},
+      {"ToTheEnd", "R{SHEAD}{A}P2;\nR{A}{STAIL}P1;", "a/A", Status::ok, "<<(0) a/A(00) >>(0)"},
+      // The test takes the first word away, and the rules are asked again for the same window.
+      {"BehindAWordTest", "?R{SHEAD}{B}P3;\nR{SHEAD}{A}P2;\nR{A}{STAIL}P1;", "b/B|a/A", Status::ok, "<<(00) a/A(000) >>(0)"},
+      // A window with B on its left is refused, and the search goes back until the word is another one.
+      {"ForcedBackToAnotherWord", "?L{B}{STAIL}P9;\nR{SHEAD}{W}P5;\nR{W}{STAIL}P1;", "b/B,W|a/W", Status::ok, "<<(0) a/W(00) >>(0)"},
+      {"ForcedBackWithoutAnotherWord", "?L{B}{STAIL}P9;\nR{SHEAD}{W}P5;\nR{W}{STAIL}P1;", "b/B,W", Status::nothing_left, "<< b/B,W >>"},
+  };
+  for (const WalkCase& row : rows) {
+    SCOPED_TRACE(row.what);
 
-TEST_P(Walk, EndsWithItsListAndStatus) {
-  use_rules(GetParam().rules);
-  Node* entry = node_of_text(GetParam().entry);
-  sentence.semlst[0].entry = entry;
-  EXPECT_EQ(generate_scope(entry, false), GetParam().status);
-  EXPECT_EQ(text_of_list(entry), GetParam().list);
+    use_rules(row.rules);
+    Node* entry = node_of_text(row.entry);
+    sentence.semlst[0].entry = entry;
+    EXPECT_EQ(generate_scope(entry, false), row.status);
+    EXPECT_EQ(text_of_list(entry), row.list);
+  }
 }
-
-INSTANTIATE_TEST_SUITE_P(
-    Table, Walk,
-    ::testing::Values(WalkCase{"WithoutARule", "L{Q}{}P1;", "a/A", Status::nothing_left, "<< a/A >>"},
-                      WalkCase{"WithRulesOfPostEditAlone", "PR{}{}P1;", "a/A", Status::nothing_left, "<< a/A >>"},
-                      WalkCase{"ToTheEnd", "R{SHEAD}{A}P2;\nR{A}{STAIL}P1;", "a/A", Status::ok, "<<(0) a/A(00) >>(0)"},
-                      // The test takes the first word away, and the rules are asked again for the same window.
-                      WalkCase{"BehindAWordTest", "?R{SHEAD}{B}P3;\nR{SHEAD}{A}P2;\nR{A}{STAIL}P1;", "b/B|a/A",
-                               Status::ok, "<<(00) a/A(000) >>(0)"},
-                      // A window with B on its left is refused, and the search goes back until the word is another one.
-                      WalkCase{"ForcedBackToAnotherWord", "?L{B}{STAIL}P9;\nR{SHEAD}{W}P5;\nR{W}{STAIL}P1;",
-                               "b/B,W|a/W", Status::ok, "<<(0) a/W(00) >>(0)"},
-                      WalkCase{"ForcedBackWithoutAnotherWord", "?L{B}{STAIL}P9;\nR{SHEAD}{W}P5;\nR{W}{STAIL}P1;",
-                               "b/B,W", Status::nothing_left, "<< b/B,W >>"}),
-    [](const auto& row) { return row.param.what; });
 
 TEST(Walk, WithoutARuleTellsSo) {
   use_rules("L{Q}{}P1;");
@@ -175,46 +172,35 @@ struct HandCase {
   const char* entry_block_after;
 };
 
-class HandedIn : public ::testing::TestWithParam<HandCase> {};
+TEST(HandedIn, AttributesGoInAndComeOutAgain) {
+  const HandCase rows[] = {
+      {"NothingAdded", ":{Z}\"[q]\"P99;", "[a] [SCOPE:01/A{R}]", "e/E{1:@entry,V}", "SCOPE:01/A,V,E{R}", "@entry,V"},
+      {"AnAddition", ":{Z}\"[q]:+x\"P99;", "[a] [SCOPE:01/A{R}]", "e/E{1:@entry,V}", "SCOPE:01/A,x,;,V,E{R}", "@entry,V,;,x"},
+      {"ASurfaceFormIsATextLikeOthers", ":{Z}\"[q]:[it]\"P99;", "[a] [SCOPE:01/A{R}]", "e/E{1:@entry,V}", "SCOPE:01/A,it,;,V,E{R}", "@entry,V,;,it"},
+      {"ADeletionIsNotHandedIn", ":{Z}\"[q]:-A\"P99;", "[a] [SCOPE:01/A{R}]", "e/E{1:@entry,V}", "SCOPE:01/A,V,;,E{R}", "@entry,V,;"},
+      {"PresentOnTheRight", ":{Z}\"[q]:+A\"P99;", "[a] [SCOPE:01/A{R}]", "e/E{1:@entry,V}", "SCOPE:01/A,V,;,E{R}", "@entry,V,;"},
+      {"PresentOnTheLeft", ":\"[q]:+A\"{Z}P99;", "[SCOPE:01/A{R}] [b]", "e/E{1:@entry,V}", "SCOPE:01/A,A,;,V,E{R}", "@entry,V,;,A"},
+      {"AddedByEarlierRules", ":{Z}\"[q]\"P99;", "[a] [SCOPE:01/y,;,A{R}]", "e/E{1:@entry,V}", "SCOPE:01/A,y,;,V,E{R,;,y}", "@entry,V,;,y"},
+      {"AddedByBoth", ":{Z}\"[q]:+x\"P99;", "[a] [SCOPE:01/y,;,A{R}]", "e/E{1:@entry,V}", "SCOPE:01/A,x,y,;,V,E{R,;,y}", "@entry,V,;,x,y"},
+      {"OfAnEarlierEntry", ":{Z}\"[q]\"P99;", "[a] [SCOPE:01/A{R,;,y}]", "e/E{1:@entry,V}", "SCOPE:01/A,y,;,V,E{R,;,y}", "@entry,V,;,y"},
+      {"LeftBehindIsRemoved", ":{Z}\"[q]\"P99;", "[a] [SCOPE:01/A{R}]", "e/E{1:@entry,V,;,old}", "SCOPE:01/A,V,E{R}", "@entry,V"},
+      {"TheScopesBlockComesToTheFront", ":{Z}\"[q]:+x\"P99;", "[a] [SCOPE:01/A]", "e/E{top}{1:@entry}", "SCOPE:01/A,x,;,E", "@entry,;,x"},
+  };
+  for (const HandCase& row : rows) {
+    SCOPED_TRACE(row.what);
 
-TEST_P(HandedIn, AttributesGoInAndComeOutAgain) {
-  use_rules(std::string(GetParam().rule) + kScopeRules);
-  Scene scene(GetParam().list, GetParam().entry);
-  const ScopeResult result = scene.enter();
-  EXPECT_EQ(result.status, Status::ok);
-  EXPECT_EQ(text_of_node(&scene.ref()), GetParam().ref_after);
-  EXPECT_STREQ(head_text(*scene.entry), GetParam().entry_block_after);
-  EXPECT_EQ(text_of_words(scene.entry->left->candidates), "<</CHEAD");
-  EXPECT_EQ(state.semlst_cur, 0);
-  EXPECT_EQ(scene.home_scope, 0);
-  EXPECT_EQ(state.trace_depth, 0);
+    use_rules(std::string(row.rule) + kScopeRules);
+    Scene scene(row.list, row.entry);
+    const ScopeResult result = scene.enter();
+    EXPECT_EQ(result.status, Status::ok);
+    EXPECT_EQ(text_of_node(&scene.ref()), row.ref_after);
+    EXPECT_STREQ(head_text(*scene.entry), row.entry_block_after);
+    EXPECT_EQ(text_of_words(scene.entry->left->candidates), "<</CHEAD");
+    EXPECT_EQ(state.semlst_cur, 0);
+    EXPECT_EQ(scene.home_scope, 0);
+    EXPECT_EQ(state.trace_depth, 0);
+  }
 }
-
-INSTANTIATE_TEST_SUITE_P(
-    Table, HandedIn,
-    ::testing::Values(HandCase{"NothingAdded", ":{Z}\"[q]\"P99;", "[a] [SCOPE:01/A{R}]", "e/E{1:@entry,V}",
-                               "SCOPE:01/A,V,E{R}", "@entry,V"},
-                      HandCase{"AnAddition", ":{Z}\"[q]:+x\"P99;", "[a] [SCOPE:01/A{R}]", "e/E{1:@entry,V}",
-                               "SCOPE:01/A,x,;,V,E{R}", "@entry,V,;,x"},
-                      HandCase{"ASurfaceFormIsATextLikeOthers", ":{Z}\"[q]:[it]\"P99;", "[a] [SCOPE:01/A{R}]",
-                               "e/E{1:@entry,V}", "SCOPE:01/A,it,;,V,E{R}", "@entry,V,;,it"},
-                      HandCase{"ADeletionIsNotHandedIn", ":{Z}\"[q]:-A\"P99;", "[a] [SCOPE:01/A{R}]", "e/E{1:@entry,V}",
-                               "SCOPE:01/A,V,;,E{R}", "@entry,V,;"},
-                      HandCase{"PresentOnTheRight", ":{Z}\"[q]:+A\"P99;", "[a] [SCOPE:01/A{R}]", "e/E{1:@entry,V}",
-                               "SCOPE:01/A,V,;,E{R}", "@entry,V,;"},
-                      HandCase{"PresentOnTheLeft", ":\"[q]:+A\"{Z}P99;", "[SCOPE:01/A{R}] [b]", "e/E{1:@entry,V}",
-                               "SCOPE:01/A,A,;,V,E{R}", "@entry,V,;,A"},
-                      HandCase{"AddedByEarlierRules", ":{Z}\"[q]\"P99;", "[a] [SCOPE:01/y,;,A{R}]", "e/E{1:@entry,V}",
-                               "SCOPE:01/A,y,;,V,E{R,;,y}", "@entry,V,;,y"},
-                      HandCase{"AddedByBoth", ":{Z}\"[q]:+x\"P99;", "[a] [SCOPE:01/y,;,A{R}]", "e/E{1:@entry,V}",
-                               "SCOPE:01/A,x,y,;,V,E{R,;,y}", "@entry,V,;,x,y"},
-                      HandCase{"OfAnEarlierEntry", ":{Z}\"[q]\"P99;", "[a] [SCOPE:01/A{R,;,y}]", "e/E{1:@entry,V}",
-                               "SCOPE:01/A,y,;,V,E{R,;,y}", "@entry,V,;,y"},
-                      HandCase{"LeftBehindIsRemoved", ":{Z}\"[q]\"P99;", "[a] [SCOPE:01/A{R}]", "e/E{1:@entry,V,;,old}",
-                               "SCOPE:01/A,V,E{R}", "@entry,V"},
-                      HandCase{"TheScopesBlockComesToTheFront", ":{Z}\"[q]:+x\"P99;", "[a] [SCOPE:01/A]",
-                               "e/E{top}{1:@entry}", "SCOPE:01/A,x,;,E", "@entry,;,x"}),
-    [](const auto& row) { return row.param.what; });
 
 TEST(HandedIn, StaysInTheBlock) {
   use_rules(":{Z}\"[q]:+123456,+789\"P99;" + std::string(kScopeRules));
@@ -300,29 +286,29 @@ struct WhichCase {
   std::optional<Side> side;
 };
 
-class ScopeToEnter : public ::testing::TestWithParam<WhichCase> {};
+TEST(ScopeToEnter, IsThatOfAReferenceThatTheRuleBringsIn) {
+  const WhichCase rows[] = {
+      {"InsertedRight", ":{}\"[q]\"P1;", "[a] [SCOPE:01]", true, Side::right},
+      {"InsertedLeft", ":\"[q]\"{}P1;", "[SCOPE:01] [b]", true, Side::left},
+      {"OpenRight", ":{A:-A}{}P1;", "[a] [SCOPE:01]", false, Side::right},
+      {"OpenLeft", ":{A:-A}{}P1;", "[SCOPE:01] [b]", false, Side::left},
+      {"RightComesFirst", ":{A:-A}{}P1;", "[SCOPE:01] [SCOPE:01]", false, Side::right},
+      {"BuiltRight", ":{A:-A}{}P1;", "[a] [SCOPE:01]", true, std::nullopt},
+      {"OpenBesideAnInsertedNode", ":\"[q]\"{}P1;", "[a] [SCOPE:01]", false, std::nullopt},
+      {"AnotherType", "L{}{}P1;", "[a] [SCOPE:01]", false, std::nullopt},
+      {"NoReference", ":{}\"[q]\"P1;", "[a] [b]", false, std::nullopt},
+  };
+  for (const WhichCase& row : rows) {
+    SCOPED_TRACE(row.what);
 
-TEST_P(ScopeToEnter, IsThatOfAReferenceThatTheRuleBringsIn) {
-  const Step step(GetParam().rule, GetParam().list);
-  const List scope(GetParam().built ? "<< [e(0)] >>" : "<< [e] >>");
-  add_scope(1, scope.lnode);
-  EXPECT_EQ(scope_to_enter(step.window, *step.rule), GetParam().side);
-  for (Node* node : step.list.nodes) node->origin = node;
-  EXPECT_EQ(scope_to_enter(step.window, *step.rule), std::nullopt) << "copies are never entered";
+    const Step step(row.rule, row.list);
+    const List scope(row.built ? "<< [e(0)] >>" : "<< [e] >>");
+    add_scope(1, scope.lnode);
+    EXPECT_EQ(scope_to_enter(step.window, *step.rule), row.side);
+    for (Node* node : step.list.nodes) node->origin = node;
+    EXPECT_EQ(scope_to_enter(step.window, *step.rule), std::nullopt) << "copies are never entered";
+  }
 }
-
-INSTANTIATE_TEST_SUITE_P(
-    Table, ScopeToEnter,
-    ::testing::Values(WhichCase{"InsertedRight", ":{}\"[q]\"P1;", "[a] [SCOPE:01]", true, Side::right},
-                      WhichCase{"InsertedLeft", ":\"[q]\"{}P1;", "[SCOPE:01] [b]", true, Side::left},
-                      WhichCase{"OpenRight", ":{A:-A}{}P1;", "[a] [SCOPE:01]", false, Side::right},
-                      WhichCase{"OpenLeft", ":{A:-A}{}P1;", "[SCOPE:01] [b]", false, Side::left},
-                      WhichCase{"RightComesFirst", ":{A:-A}{}P1;", "[SCOPE:01] [SCOPE:01]", false, Side::right},
-                      WhichCase{"BuiltRight", ":{A:-A}{}P1;", "[a] [SCOPE:01]", true, std::nullopt},
-                      WhichCase{"OpenBesideAnInsertedNode", ":\"[q]\"{}P1;", "[a] [SCOPE:01]", false, std::nullopt},
-                      WhichCase{"AnotherType", "L{}{}P1;", "[a] [SCOPE:01]", false, std::nullopt},
-                      WhichCase{"NoReference", ":{}\"[q]\"P1;", "[a] [b]", false, std::nullopt}),
-    [](const auto& row) { return row.param.what; });
 
 }  // namespace
 }  // namespace lexon::test

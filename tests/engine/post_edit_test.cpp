@@ -17,42 +17,30 @@ struct ShiftCase {
   const char* after;
 };
 
-class Shift : public ::testing::TestWithParam<ShiftCase> {};
+TEST(Shift, SplitsAWordInTwo) {
+  const ShiftCase rows[] = {
+      // To the left.
+      {"Front", "P<<\"[un]\"{}P1;", "<< [a(0)] [unable=can~i/A,B(0)] >>", "<< a(0) [un~i/A,B^0(m)] [able=can~i/A,B(0)] >>"},
+      {"FrontWithAnotherText", "P<\"[un]:[not ]\"{}P1;", "<< [a(0)] [unable/A(0)] >>", "<< a(0) [not /A|not /A^0(1)] [able/A(0)] >>"},
+      {"OneCharacterWithoutACondition", "P<<\":[x]\"{}P1;", "<< [a(0)] [unable(0)] >>", "<< a(0) [x|x^0(1)] [nable(0)] >>"},
+      {"WholeTextWithoutAnyText", "P<<\"\"{}P1;", "<< [a(0)] [unable(0)] >>", "<< a(0) [unable^0(m)] [nable(0)] >>"},
+      {"AllOfTheWord", "P<<\"[ab]\"{}P1;", "<< [a(0)] [ab/A(0)] >>", "<< a(0) [ab/A^0(m)] [/H#NIL,A(0)] >>"},
+      {"AllOfAWordWithoutAttributes", "P<<\"[ab]\"{}P1;", "<< [a(0)] [ab(0)] >>", "<< a(0) [ab^0(m)] [/H#NIL,(0)] >>"},
+      {"ActionsOnBothNodes", "P<<\"[un]:+x\"{:-A}P1;", "<< [a(0)] [unable/A(0)] >>", "<< a(0) [un/x,A|un/A^0(1)] [able|able/A(1)] >>"},
+      // To the right.
+      {"Back", "P>>{}\"[ed]\"P1;", "<< [walked=walk/V(0)] [b(0)] >>", "<< [walk=walk/V(0)] [ed/V^0(m)] b(0) >>"},
+      {"EmptyConditionCutsNothing", "P>{}\"[]\"P1;", "<< [walked(0)] [b(0)] >>", "<< [walked(0)] [^0(m)] b(0) >>"},
+      {"OneCharacterWithoutACondition", "P>>{}\"\"P1;", "<< [walked(0)] [b(0)] >>", "<< [walke(0)] [walked^0(m)] b(0) >>"},
+      {"AllOfTheWord", "P>>{}\"[ab]\"P1;", "<< [ab/A(0)] [b(0)] >>", "<< [/H#NIL,A(0)] [ab/A^0(m)] b(0) >>"},
+  };
+  for (const ShiftCase& row : rows) {
+    SCOPED_TRACE(row.what);
 
-TEST_P(Shift, SplitsAWordInTwo) {
-  Step step(GetParam().rule, GetParam().before);
-  EXPECT_EQ(post_edit_rule(step.window, *step.candidate), Status::ok);
-  EXPECT_EQ(step.text(), GetParam().after);
+    Step step(row.rule, row.before);
+    EXPECT_EQ(post_edit_rule(step.window, *step.candidate), Status::ok);
+    EXPECT_EQ(step.text(), row.after);
+  }
 }
-
-INSTANTIATE_TEST_SUITE_P(
-    ToTheLeft, Shift,
-    ::testing::Values(ShiftCase{"Front", "P<<\"[un]\"{}P1;", "<< [a(0)] [unable=can~i/A,B(0)] >>",
-                                "<< a(0) [un~i/A,B^0(m)] [able=can~i/A,B(0)] >>"},
-                      ShiftCase{"FrontWithAnotherText", "P<\"[un]:[not ]\"{}P1;", "<< [a(0)] [unable/A(0)] >>",
-                                "<< a(0) [not /A|not /A^0(1)] [able/A(0)] >>"},
-                      ShiftCase{"OneCharacterWithoutACondition", "P<<\":[x]\"{}P1;", "<< [a(0)] [unable(0)] >>",
-                                "<< a(0) [x|x^0(1)] [nable(0)] >>"},
-                      ShiftCase{"WholeTextWithoutAnyText", "P<<\"\"{}P1;", "<< [a(0)] [unable(0)] >>",
-                                "<< a(0) [unable^0(m)] [nable(0)] >>"},
-                      ShiftCase{"AllOfTheWord", "P<<\"[ab]\"{}P1;", "<< [a(0)] [ab/A(0)] >>",
-                                "<< a(0) [ab/A^0(m)] [/H#NIL,A(0)] >>"},
-                      ShiftCase{"AllOfAWordWithoutAttributes", "P<<\"[ab]\"{}P1;", "<< [a(0)] [ab(0)] >>",
-                                "<< a(0) [ab^0(m)] [/H#NIL,(0)] >>"},
-                      ShiftCase{"ActionsOnBothNodes", "P<<\"[un]:+x\"{:-A}P1;", "<< [a(0)] [unable/A(0)] >>",
-                                "<< a(0) [un/x,A|un/A^0(1)] [able|able/A(1)] >>"}),
-    [](const auto& row) { return row.param.what; });
-
-INSTANTIATE_TEST_SUITE_P(ToTheRight, Shift,
-                         ::testing::Values(ShiftCase{"Back", "P>>{}\"[ed]\"P1;", "<< [walked=walk/V(0)] [b(0)] >>",
-                                                     "<< [walk=walk/V(0)] [ed/V^0(m)] b(0) >>"},
-                                           ShiftCase{"EmptyConditionCutsNothing", "P>{}\"[]\"P1;",
-                                                     "<< [walked(0)] [b(0)] >>", "<< [walked(0)] [^0(m)] b(0) >>"},
-                                           ShiftCase{"OneCharacterWithoutACondition", "P>>{}\"\"P1;",
-                                                     "<< [walked(0)] [b(0)] >>", "<< [walke(0)] [walked^0(m)] b(0) >>"},
-                                           ShiftCase{"AllOfTheWord", "P>>{}\"[ab]\"P1;", "<< [ab/A(0)] [b(0)] >>",
-                                                     "<< [/H#NIL,A(0)] [ab/A^0(m)] b(0) >>"}),
-                         [](const auto& row) { return row.param.what; });
 
 TEST(Shift, KeepsTheSizesAndAllAttributesOfAnEmptiedWord) {
   const std::string attrs(1023, 'A');
@@ -138,24 +126,23 @@ struct PassCase {
   Status status = Status::ok;
 };
 
-class Pass : public ::testing::TestWithParam<PassCase> {};
+TEST(Pass, WalksFromTheEndAsLongAsRulesFit) {
+  const PassCase rows[] = {
+      {"NoRules", "L{}{}P1;", "<<(0) a(0) >>(0)", "<<(0) a(0) >>(0)"},
+      {"ToTheLeftEnd", "PL{}{}P1;", "<<(0) a(0) >>(0)", "<<(00) a(0) >>(0)"},
+      {"FirstWindowWithoutARule", "PL{STAIL}{}P1;", "<<(0) a(0) >>(0)", "<<(0) a(0) >>(0)"},
+      {"ScopeRulesNeedAReference", "PSL{:+x}{}P1;", "<<(0) a(0) >>(0)", "<<(0) a(0) >>(0)"},
+      {"BackOfTheLastWord", "P>>{V}\"[ed]:+B,-V\"P1;", "<<(0) ended/V(0) >>(0)", "<<(0) end/V(0) ed/B|ed/V^0(1) >>(0)"},
+  };
+  for (const PassCase& row : rows) {
+    SCOPED_TRACE(row.what);
 
-TEST_P(Pass, WalksFromTheEndAsLongAsRulesFit) {
-  use_rules(GetParam().rules);
-  const List list(GetParam().before);
-  EXPECT_EQ(post_edit(&list.at(1)), GetParam().status);
-  EXPECT_EQ(text_of_list(&list.at(0)), GetParam().after);
+    use_rules(row.rules);
+    const List list(row.before);
+    EXPECT_EQ(post_edit(&list.at(1)), row.status);
+    EXPECT_EQ(text_of_list(&list.at(0)), row.after);
+  }
 }
-
-INSTANTIATE_TEST_SUITE_P(
-    Table, Pass,
-    ::testing::Values(PassCase{"NoRules", "L{}{}P1;", "<<(0) a(0) >>(0)", "<<(0) a(0) >>(0)"},
-                      PassCase{"ToTheLeftEnd", "PL{}{}P1;", "<<(0) a(0) >>(0)", "<<(00) a(0) >>(0)"},
-                      PassCase{"FirstWindowWithoutARule", "PL{STAIL}{}P1;", "<<(0) a(0) >>(0)", "<<(0) a(0) >>(0)"},
-                      PassCase{"ScopeRulesNeedAReference", "PSL{:+x}{}P1;", "<<(0) a(0) >>(0)", "<<(0) a(0) >>(0)"},
-                      PassCase{"BackOfTheLastWord", "P>>{V}\"[ed]:+B,-V\"P1;", "<<(0) ended/V(0) >>(0)",
-                               "<<(0) end/V(0) ed/B|ed/V^0(1) >>(0)"}),
-    [](const auto& row) { return row.param.what; });
 
 TEST(Pass, LeavesAtOnceWhenAsked) {
   use_rules("PL{}{}P1;");

@@ -46,33 +46,27 @@ struct FailedCase {
   const char* branches;  // behind ";;#3 Scope:01 failed"
 };
 
-class FailedScope : public ::testing::TestWithParam<FailedCase> {};
-
-TEST_P(FailedScope, GivesWayToTheNextWordOrRule) {
-  const FailedCase& failed = GetParam();
-  Finished scope(failed.rules, failed.list, "<< x >>");
-  Capture output;
-  state.trace_level = 3;
-  EXPECT_EQ(scope.go_back(), Status::nothing_left);
-  EXPECT_EQ(scope.outer.text(), failed.after);
-  EXPECT_EQ(branches_of(output.text()),
-            std::string("\tbacktrack into SCOPE:01|\tnext rule #31|\tNo Rule!|#3 Scope:01 failed|") + failed.branches);
-  EXPECT_EQ(state.semlst_cur, 0);
-  EXPECT_EQ(text_of_list(&scope.inner.at(1)), "<< x >>");
+TEST(FailedScope, GivesWayToTheNextWordOrRule) {
+  const FailedCase rows[] = {
+      {"LeftNodesNextWord", kBringsRight, "<< [a/A|b] [SCOPE:01] >>", "<< [b] >>", "next entry for lnode #1|No Rule!"},
+      {"LeftNodesLastWord", kBringsRight, "<< [a/A] [SCOPE:01] >>", "<< [a/A] >>", "next entry for lnode #1|no next entry for lnode #1|next rule #2|No Rule!"},
+      {"RightNodesNextWord", kBringsLeft, "<< [SCOPE:01] [a/A|b] >>", "<< [b] >>", "next entry for rnode #1|No Rule!"},
+      {"RightNodesLastWord", kBringsLeft, "<< [SCOPE:01] [a/A] >>", "<< [a/A] >>", "next entry for rnode #1|no next entry for rnode #1|next rule #1|No Rule!"},
+  };
+  for (const FailedCase& failed : rows) {
+    SCOPED_TRACE(failed.what);
+    Finished scope(failed.rules, failed.list, "<< x >>");
+    Capture output;
+    state.trace_level = 3;
+    EXPECT_EQ(scope.go_back(), Status::nothing_left);
+    EXPECT_EQ(scope.outer.text(), failed.after);
+    EXPECT_EQ(branches_of(output.text()), std::string("\tbacktrack into SCOPE:01|\tnext rule #31|\tNo Rule!|#3 Scope:01 failed|") + failed.branches);
+    EXPECT_EQ(state.semlst_cur, 0);
+    EXPECT_EQ(text_of_list(&scope.inner.at(1)), "<< x >>");
+  }
 }
 
 // The window is the caller's still; the reference has left the list that it stands in.
-INSTANTIATE_TEST_SUITE_P(
-    Sides, FailedScope,
-    ::testing::Values(FailedCase{"LeftNodesNextWord", kBringsRight, "<< [a/A|b] [SCOPE:01] >>", "<< [b] >>",
-                                 "next entry for lnode #1|No Rule!"},
-                      FailedCase{"LeftNodesLastWord", kBringsRight, "<< [a/A] [SCOPE:01] >>", "<< [a/A] >>",
-                                 "next entry for lnode #1|no next entry for lnode #1|next rule #2|No Rule!"},
-                      FailedCase{"RightNodesNextWord", kBringsLeft, "<< [SCOPE:01] [a/A|b] >>", "<< [b] >>",
-                                 "next entry for rnode #1|No Rule!"},
-                      FailedCase{"RightNodesLastWord", kBringsLeft, "<< [SCOPE:01] [a/A] >>", "<< [a/A] >>",
-                                 "next entry for rnode #1|no next entry for rnode #1|next rule #1|No Rule!"}),
-    [](const auto& tested) { return tested.param.what; });
 
 TEST(FailedScope, CopyThatStoodForTheEntryNodeIsGone) {
   Finished scope(kBringsRight, "<< [a/A] [SCOPE:01] >>", "<< x >>");
@@ -100,8 +94,7 @@ TEST(FailedScope, RuleWithMidHasLostItsPlace) {
 // ---- Another solution.
 
 TEST(ReturnIntoScope, AppliesTheOuterRuleToTheNextSolution) {
-  Finished scope(":{A:::}\"SCOPE::obj:\"P3;\nR{Z:::}{}P2;\nR{N:::}{}P1;", "<< [a/A] [SCOPE:01{>agt}] >>",
-                 "<< x/N,@entry >>");
+  Finished scope(":{A:::}\"SCOPE::obj:\"P3;\nR{Z:::}{}P2;\nR{N:::}{}P1;", "<< [a/A] [SCOPE:01{>agt}] >>", "<< x/N,@entry >>");
   Capture output;
   state.trace_level = 3;
   // No rule goes on in the outer list, the scope is gone back into once more, and has nothing left.

@@ -11,8 +11,6 @@
 namespace lexon::test {
 namespace {
 
-constexpr auto kName = [](const auto& tested) { return tested.param.what; };
-
 // ---- Taking out an inserted node.
 
 struct ArcCase {
@@ -24,34 +22,32 @@ struct ArcCase {
   bool is_free;  // the arc can be followed again
 };
 
-class InsertedUndo : public ::testing::TestWithParam<ArcCase> {};
-
-TEST_P(InsertedUndo, FindsTheArcByLabelAndEnds) {
-  const ArcCase& expected = GetParam();
-  Step step(expected.rule, expected.list);
-  Node& from = expected.points_right ? *step.window.lnode : *step.window.rnode;
-  Node& to = expected.points_right ? *step.window.rnode : *step.window.lnode;
-  Relation* other_arc = arc_between(from, to, "obj");
-  other_arc->used = 1;
-  Relation* arc = arc_between(from, to, "agt");
-  arc->used = 1;
-  ASSERT_EQ(inserted_undo(*step.rule, step.window), Status::ok);
-  EXPECT_EQ(step.text(), expected.after);
-  EXPECT_EQ(arc->used == 0, expected.is_free);
-  EXPECT_EQ(other_arc->used, 1);
+TEST(InsertedUndo, FindsTheArcByLabelAndEnds) {
+  const ArcCase rows[] = {
+      {"RightByItsOwnLabel", ":{}\"::agt:\"P1;", "<< [a] [b] >>", true, "<< [a] [>>]", true},
+      {"RightByTheOtherLabel", ":{::agt:}\"\"P1;", "<< [a] [b] >>", false, "<< [a] [>>]", true},
+      {"LeftByItsOwnLabel", ":\"::agt:\"{}P1;", "<< [b] [a] >>", false, "[<<] [a] >>", true},
+      {"LeftByTheOtherLabel", ":\"\"{::agt:}P1;", "<< [b] [a] >>", true, "[<<] [a] >>", true},
+      {"WrongDirection", ":{}\"::agt:\"P1;", "<< [a] [b] >>", false, "<< [a] [>>]", false},
+      {"BothBraces", "L{::agt:}{}P1;", "<< [a] [b] >>", true, "<< [a] [b] >>", false},
+      {"BehindMid", ":{}(M)*\"::agt:\"P1;", "<< [a] m [b] >>", true, "<< a [m] [>>]", true},
+      {"InFrontOfMid", ":\"::agt:\"(M)*{}P1;", "<< [b] m [a] >>", false, "[<<] [m] a >>", true},
+  };
+  for (const ArcCase& expected : rows) {
+    SCOPED_TRACE(expected.what);
+    Step step(expected.rule, expected.list);
+    Node& from = expected.points_right ? *step.window.lnode : *step.window.rnode;
+    Node& to = expected.points_right ? *step.window.rnode : *step.window.lnode;
+    Relation* other_arc = arc_between(from, to, "obj");
+    other_arc->used = 1;
+    Relation* arc = arc_between(from, to, "agt");
+    arc->used = 1;
+    ASSERT_EQ(inserted_undo(*step.rule, step.window), Status::ok);
+    EXPECT_EQ(step.text(), expected.after);
+    EXPECT_EQ(arc->used == 0, expected.is_free);
+    EXPECT_EQ(other_arc->used, 1);
+  }
 }
-
-INSTANTIATE_TEST_SUITE_P(
-    Arcs, InsertedUndo,
-    ::testing::Values(ArcCase{"RightByItsOwnLabel", ":{}\"::agt:\"P1;", "<< [a] [b] >>", true, "<< [a] [>>]", true},
-                      ArcCase{"RightByTheOtherLabel", ":{::agt:}\"\"P1;", "<< [a] [b] >>", false, "<< [a] [>>]", true},
-                      ArcCase{"LeftByItsOwnLabel", ":\"::agt:\"{}P1;", "<< [b] [a] >>", false, "[<<] [a] >>", true},
-                      ArcCase{"LeftByTheOtherLabel", ":\"\"{::agt:}P1;", "<< [b] [a] >>", true, "[<<] [a] >>", true},
-                      ArcCase{"WrongDirection", ":{}\"::agt:\"P1;", "<< [a] [b] >>", false, "<< [a] [>>]", false},
-                      ArcCase{"BothBraces", "L{::agt:}{}P1;", "<< [a] [b] >>", true, "<< [a] [b] >>", false},
-                      ArcCase{"BehindMid", ":{}(M)*\"::agt:\"P1;", "<< [a] m [b] >>", true, "<< a [m] [>>]", true},
-                      ArcCase{"InFrontOfMid", ":\"::agt:\"(M)*{}P1;", "<< [b] m [a] >>", false, "[<<] [m] a >>", true}),
-    kName);
 
 TEST(InsertedUndo, ResetsANodeOfTheGraph) {
   Step step(":{}\"::agt:\"P1;", "<< [a] [!b|c] >>");
@@ -110,25 +106,20 @@ struct HoldCase {
   const char* after;
 };
 
-class HoldRelease : public ::testing::TestWithParam<HoldCase> {};
-
-TEST_P(HoldRelease, OfAUsedReference) {
-  const HoldCase& hold = GetParam();
-  const std::string list = std::string("<< [") + hold.reference + "] >>";
-  Search search({"", "L{}{}P1;", list.c_str(), "", "", "", hold.scopes}, Before::failed);
-  EXPECT_EQ(hold_release(*search.window().lnode), hold.is_released);
-  EXPECT_EQ(search.scopes_text(), hold.after);
+TEST(HoldRelease, OfAUsedReference) {
+  const HoldCase rows[] = {
+      {"Used", "SCOPE:01(0)", "a(2)", true, "a"},       {"ThroughReferences", "SCOPE:01(0)", "SCOPE:02;a(2)", true, "SCOPE:02;a"},
+      {"Fresh", "SCOPE:01", "a(2)", false, "a(2)"},     {"OnlyAMarker", "SCOPE:01(m)", "a(2)", false, "a(2)"},
+      {"NoHold", "SCOPE:01(0)", "a(0)", false, "a(0)"}, {"NoEntry", "SCOPE:01(0)", "", false, ""},
+  };
+  for (const HoldCase& hold : rows) {
+    SCOPED_TRACE(hold.what);
+    const std::string list = std::string("<< [") + hold.reference + "] >>";
+    Search search({"", "L{}{}P1;", list.c_str(), "", "", "", hold.scopes}, Before::failed);
+    EXPECT_EQ(hold_release(*search.window().lnode), hold.is_released);
+    EXPECT_EQ(search.scopes_text(), hold.after);
+  }
 }
-
-INSTANTIATE_TEST_SUITE_P(Holds, HoldRelease,
-                         ::testing::Values(HoldCase{"Used", "SCOPE:01(0)", "a(2)", true, "a"},
-                                           HoldCase{"ThroughReferences", "SCOPE:01(0)", "SCOPE:02;a(2)", true,
-                                                    "SCOPE:02;a"},
-                                           HoldCase{"Fresh", "SCOPE:01", "a(2)", false, "a(2)"},
-                                           HoldCase{"OnlyAMarker", "SCOPE:01(m)", "a(2)", false, "a(2)"},
-                                           HoldCase{"NoHold", "SCOPE:01(0)", "a(0)", false, "a(0)"},
-                                           HoldCase{"NoEntry", "SCOPE:01(0)", "", false, ""}),
-                         kName);
 
 // ---- The types without a step.
 
@@ -139,25 +130,24 @@ struct SteplessCase {
   const char* after;
 };
 
-class SteplessUndo : public ::testing::TestWithParam<SteplessCase> {};
-
 // The pair has left the list together, and a copy of one of them stands in its place.
-TEST_P(SteplessUndo, PutsThePairBack) {
-  const SteplessCase& stepless = GetParam();
-  Step step(stepless.rule, "<< [a] [c] b >>");
-  const List pair("x y");
-  step.window.rnode->origin = pair.nodes.at(stepless.copied[0] == 'x' ? 0 : 1);
-  step.matched();
-  ASSERT_EQ(stepless_undo(step.window, *step.rule), Status::ok);
-  EXPECT_EQ(step.text(), stepless.after);
+TEST(SteplessUndo, PutsThePairBack) {
+  const SteplessCase rows[] = {
+      {"Plus", "+{}{}P1;", "x", "<< a [x] [y] b >>"},
+      {"Minus", "-{}{}P1;", "y", "<< a [x] [y] b >>"},
+      {"Less", "<{::agt:}{}P1;", "x", "<< a [x] [y] b >>"},
+      {"Greater", ">{::agt:}{}P1;", "y", "<< a [x] [y] b >>"},
+  };
+  for (const SteplessCase& stepless : rows) {
+    SCOPED_TRACE(stepless.what);
+    Step step(stepless.rule, "<< [a] [c] b >>");
+    const List pair("x y");
+    step.window.rnode->origin = pair.nodes.at(stepless.copied[0] == 'x' ? 0 : 1);
+    step.matched();
+    ASSERT_EQ(stepless_undo(step.window, *step.rule), Status::ok);
+    EXPECT_EQ(step.text(), stepless.after);
+  }
 }
-
-INSTANTIATE_TEST_SUITE_P(Types, SteplessUndo,
-                         ::testing::Values(SteplessCase{"Plus", "+{}{}P1;", "x", "<< a [x] [y] b >>"},
-                                           SteplessCase{"Minus", "-{}{}P1;", "y", "<< a [x] [y] b >>"},
-                                           SteplessCase{"Less", "<{::agt:}{}P1;", "x", "<< a [x] [y] b >>"},
-                                           SteplessCase{"Greater", ">{::agt:}{}P1;", "y", "<< a [x] [y] b >>"}),
-                         kName);
 
 // ---- What has no defined result ends the sentence.
 
@@ -169,33 +159,25 @@ struct LostCase {
   const char* message;
 };
 
-class Lost : public ::testing::TestWithParam<LostCase> {};
-
-TEST_P(Lost, EndsTheSentenceWithAMessage) {
-  const LostCase& lost = GetParam();
-  Search search({"", lost.rules, lost.list, "", "", ""}, lost.before);
-  Capture output;
-  EXPECT_EQ(search.undo().substr(0, 3), "110");
-  EXPECT_EQ(output.text(), std::string(";;the rule base has failed: ") + lost.message + "\n");
-  EXPECT_EQ(must_leave(), Status::rule_base);
+TEST(Lost, EndsTheSentenceWithAMessage) {
+  const LostCase rows[] = {
+      {"PlusWithoutOrigin", "+{}{}P1;", "<< [a] [b] >>", Before::matched, "undid a rule of a type that has no step"},
+      {"GreaterWithoutOrigin", ">{::agt:}{}P1;", "<< [a] [b] >>", Before::matched, "undid a rule of a type that has no step"},
+      {"ExchangeBesideAFreshNode", "X{}{}P1;", "<< [a] [b] c >>", Before::matched, "undid an exchange whose nodes are not there"},
+      {"ExchangeAtTheEnd", "X{}{}P1;", "<< [a] [>>]", Before::applied, "undid an exchange whose nodes are not there"},
+      {"CopyThatIsNotThere", "CR{}{}P1;", "<< [a] [>>]", Before::matched, "undid a copy that is not there"},
+      {"MidWithoutPlaces", ":{}(M)*\"[b]\"P1;", "<< [a] [b] >>", Before::matched, "lost the place of a rule with MID"},
+      {"OnlyMarkers", "L{}{}P1;", "<< [a(m)] [b] >>", Before::failed, "undid a step that no rule has made"},
+  };
+  for (const LostCase& lost : rows) {
+    SCOPED_TRACE(lost.what);
+    Search search({"", lost.rules, lost.list, "", "", ""}, lost.before);
+    Capture output;
+    EXPECT_EQ(search.undo().substr(0, 3), "110");
+    EXPECT_EQ(output.text(), std::string(";;the rule base has failed: ") + lost.message + "\n");
+    EXPECT_EQ(must_leave(), Status::rule_base);
+  }
 }
-
-INSTANTIATE_TEST_SUITE_P(Undo, Lost,
-                         ::testing::Values(LostCase{"PlusWithoutOrigin", "+{}{}P1;", "<< [a] [b] >>", Before::matched,
-                                                    "undid a rule of a type that has no step"},
-                                           LostCase{"GreaterWithoutOrigin", ">{::agt:}{}P1;", "<< [a] [b] >>",
-                                                    Before::matched, "undid a rule of a type that has no step"},
-                                           LostCase{"ExchangeBesideAFreshNode", "X{}{}P1;", "<< [a] [b] c >>",
-                                                    Before::matched, "undid an exchange whose nodes are not there"},
-                                           LostCase{"ExchangeAtTheEnd", "X{}{}P1;", "<< [a] [>>]", Before::applied,
-                                                    "undid an exchange whose nodes are not there"},
-                                           LostCase{"CopyThatIsNotThere", "CR{}{}P1;", "<< [a] [>>]", Before::matched,
-                                                    "undid a copy that is not there"},
-                                           LostCase{"MidWithoutPlaces", ":{}(M)*\"[b]\"P1;", "<< [a] [b] >>",
-                                                    Before::matched, "lost the place of a rule with MID"},
-                                           LostCase{"OnlyMarkers", "L{}{}P1;", "<< [a(m)] [b] >>", Before::failed,
-                                                    "undid a step that no rule has made"}),
-                         kName);
 
 TEST(Lost, StackThatIsEmptyOnOneSide) {
   Search search({"", "L{}{}P1;", "<< [a] [b] >>", "", "", ""}, Before::matched);

@@ -1,10 +1,10 @@
-// endurance SENTENCES: one run over many sentences, with failing, malformed and over-time ones among them, watched from
-// outside. Memory, open files and threads must not grow. Ends with 0 if they have not and every sentence came out as it
-// should.
-#include <unistd.h>
+// endurance SENTENCES: one run over many sentences, with failing, malformed and over-time ones among them. What the
+// process holds is counted between two sentences: bytes that have been asked for and not given back, open files,
+// threads. None of them may grow. Ends with 0 if they have not and every sentence came out as it should.
+#include <malloc.h>
 
 #include <algorithm>
-#include <chrono>
+#include <array>
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
@@ -12,25 +12,24 @@
 #include <map>
 #include <sstream>
 #include <string>
-#include <thread>
 #include <vector>
 
+#include "front/console.hpp"
+#include "run/driver.hpp"
 #include "support/capture.hpp"
 #include "support/program.hpp"
+
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+#include <sanitizer/allocator_interface.h>
+#endif
 
 namespace lexon::test {
 namespace {
 
 namespace fs = std::filesystem;
-using std::chrono::steady_clock;
 
-constexpr int kRound = 100;          // sentences of the mixture
-constexpr int kOverTimeEvery = 100;  // rounds; each takes more than a second
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
-constexpr long kAllowedGrowth = 65536;  // KiB: a sanitizer remembers what was released
-#else
-constexpr long kAllowedGrowth = 1024;
-#endif
+constexpr long kRound = 100;          // sentences of the mixture
+constexpr long kOverTimeEvery = 100;  // rounds; each takes more than a second
 
 // The sentences of the example.
 std::vector<std::string> example_sentences() {
@@ -44,12 +43,6 @@ std::vector<std::string> example_sentences() {
   return all;
 }
 
-std::string repeated(int count, const std::string& text) {
-  std::string all;
-  for (int i = 0; i < count; ++i) all += text;
-  return all;
-}
-
 std::string numbered(int count, const std::string& before, const std::string& behind) {
   std::string all;
   for (int i = 0; i < count; ++i) all += before + std::to_string(i) + behind;
@@ -58,6 +51,7 @@ std::string numbered(int count, const std::string& before, const std::string& be
 
 // Sentences that fail, each in a way of its own; all begin and end like others.
 std::vector<std::string> bad_sentences() {
+  const std::string two_long = "\"" + std::string(240, 'v') + "\"\n\"" + std::string(240, 'v') + "\"\n";
   return {
       "[S]\n[/S]\n",
       "[S]\nagt(\n)))\n,,,\n[/S]\n",
@@ -66,8 +60,7 @@ std::vector<std::string> bad_sentences() {
       "[S]\n" + numbered(200, "nxt(a,b", ")\n") + "[/S]\n",
       "[S]\n[W]\n" + numbered(600, "word", "\n") + "[/W]\n[/S]\n",
       "[S]\n" + numbered(99, "nxt:", "(a.@entry,b)\n") + "[/S]\n",
-      "[S]\n[W]\n\"" + std::string(900, 'w') + "\".@entry\n" + repeated(2, "\"" + std::string(240, 'v') + "\"\n") +
-          "[/W]\n[/S]\n",
+      "[S]\n[W]\n\"" + std::string(900, 'w') + "\".@entry\n" + two_long + "[/W]\n[/S]\n",
       "[S]\nagt(:01.@entry, :02)\nagt:01(:02.@entry, :01)\nagt:02(:01.@entry, :02)\n[/S]\n",
       "[S]\nag" + std::string(1, '\0') + "t(a,b)\n\xFF\xFE(\x80,\x81)\n[/S]\n",
   };
@@ -76,17 +69,14 @@ std::vector<std::string> bad_sentences() {
 // Words enough to try for longer than anybody waits.
 std::string chain_entries() {
   std::string text;
-  for (char concept_name = 'a'; concept_name <= 'i'; ++concept_name) {
-    for (int word = 0; word < 10; ++word) {
-      text += std::string("[") + concept_name + std::to_string(word) + "]{} \"zz" + concept_name + "\" (ZZ);\n";
-    }
+  for (const char letter : std::string("abcdefghi")) {
+    for (int i = 0; i < 10; ++i) text += std::string("[") + letter + std::to_string(i) + "]{} \"zz" + letter + "\" (ZZ);\n";
   }
   return text;
 }
 constexpr const char* kChainRule = ":{ZZ:::}\"ZZ::nxt:\"P255;\nR{ZZ:::}{ZZ:::}P254;\n";
 constexpr const char* kChain =
-    "[S]\nnxt(zza.@entry,zzb)\nnxt(zzb,zzc)\nnxt(zzc,zzd)\nnxt(zzd,zze)\nnxt(zze,zzf)\nnxt(zzf,zzg)\nnxt(zzg,zzh)\n"
-    "nxt(zzh,zzi)\n[/S]\n";
+    "[S]\nnxt(zza.@entry,zzb)\nnxt(zzb,zzc)\nnxt(zzc,zzd)\nnxt(zzd,zze)\nnxt(zze,zzf)\nnxt(zzf,zzg)\nnxt(zzg,zzh)\nnxt(zzh,zzi)\n[/S]\n";
 
 void write_input(const std::string& path, long sentences) {
   const std::vector<std::string> good = example_sentences();
@@ -95,64 +85,55 @@ void write_input(const std::string& path, long sentences) {
   for (long i = 0; i < sentences; ++i) {
     const long in_round = i % kRound;
     const bool is_over_time = in_round == kRound / 2 && i / kRound % kOverTimeEvery == 0;
-    if (is_over_time) {
-      input << kChain;
-    } else if (in_round % 10 == 9) {
-      input << bad[static_cast<std::size_t>(in_round / 10) % bad.size()];
-    } else {
-      input << good[static_cast<std::size_t>(i) % good.size()];
+    const bool is_bad = in_round % 10 == 9;
+    input << (is_over_time ? kChain : is_bad ? bad[static_cast<std::size_t>(in_round / 10)] : good[static_cast<std::size_t>(i) % good.size()]);
+  }
+}
+
+long entries_of(const char* folder) {
+  return std::distance(fs::directory_iterator(folder), fs::directory_iterator());
+}
+
+long bytes_in_use() {
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+  return static_cast<long>(__sanitizer_get_current_allocated_bytes());
+#else
+  const struct mallinfo2 figures = mallinfo2();
+  return static_cast<long>(figures.uordblks + figures.hblkhd);
+#endif
+}
+
+using Holding = std::array<long, 3>;  // bytes, files, threads
+
+// Counts behind one sentence of each round, which none that is over its time precedes; so the counts say nothing of the
+// time that anything takes.
+class CountingHost final : public Host {
+ public:
+  CountingHost(const CommandLine& line, long sentences) : console_(line), first_third_(sentences / 3) {}
+
+  void report_stop(const std::string& text) override { console_.report_stop(text); }
+  bool ask_yes_no(const std::string& text) override { return console_.ask_yes_no(text); }
+  void minimise() override {}
+  StepResult run_step(RunContext& context, const char* caption, std::int32_t number) override {
+    const StepResult result = console_.run_step(context, caption, number);
+    if (number % kRound == 5) {
+      const Holding now = {bytes_in_use(), entries_of("/proc/self/fd"), entries_of("/proc/self/task")};
+      Holding& most = number < first_third_ ? early : late;
+      for (std::size_t i = 0; i < now.size(); ++i) most[i] = std::max(most[i], now[i]);
     }
+    return result;
   }
-}
+  void finish() override { console_.finish(); }
 
-// What a process holds.
-struct Holding {
-  long memory = 0;  // KiB of its own, resident
-  long files = 0;
-  long threads = 0;
+  [[nodiscard]] int exit_status() const { return console_.exit_status(); }
+
+  Holding early{};
+  Holding late{};
+
+ private:
+  ConsoleHost console_;
+  long first_third_;
 };
-
-Holding holding_of(int process) {
-  const std::string folder = "/proc/" + std::to_string(process);
-  Holding holding;
-  std::ifstream status(folder + "/status");
-  for (std::string line; std::getline(status, line);) {
-    if (line.rfind("RssAnon:", 0) == 0) holding.memory = std::strtol(line.c_str() + 8, nullptr, 10);
-    if (line.rfind("Threads:", 0) == 0) holding.threads = std::strtol(line.c_str() + 8, nullptr, 10);
-  }
-  std::error_code error;
-  for (fs::directory_iterator file(folder + "/fd", error), end; !error && file != end; file.increment(error)) {
-    ++holding.files;
-  }
-  return holding;
-}
-
-Holding most(const Holding& a, const Holding& b) {
-  return {std::max(a.memory, b.memory), std::max(a.files, b.files), std::max(a.threads, b.threads)};
-}
-
-// The most that was held in about the first third of the output, and in all that came after.
-struct Watch {
-  Holding early;
-  Holding late;
-};
-
-Watch watch(int process, const std::string& output, long sentences) {
-  constexpr long kBytesOfASentence = 70;
-  const long first_third = sentences / 3 * kBytesOfASentence;
-  Watch watch;
-  std::error_code error;
-  while (fs::exists("/proc/" + std::to_string(process) + "/fd/0", error)) {
-    const auto size = static_cast<long>(fs::file_size(output, error));
-    if (!error && size > 0) {
-      const Holding now = holding_of(process);
-      Holding& part = size < first_third ? watch.early : watch.late;
-      if (now.memory != 0) part = most(part, now);
-    }
-    std::this_thread::sleep_for(std::chrono::milliseconds(20));
-  }
-  return watch;
-}
 
 std::map<std::string, long> banners_of(const std::string& output) {
   std::map<std::string, long> banners;
@@ -165,8 +146,7 @@ std::map<std::string, long> banners_of(const std::string& output) {
 
 bool build(const std::string& folder, const std::string& name, const std::string& more) {
   write_file(folder + "/" + name + ".txt", bytes_of(std::string(LEXON_EXAMPLES "/english/") + name + ".txt") + more);
-  return run_program("lexon-dict", {"build", folder + "/" + name + ".txt", folder + "/" + name + ".dic"}).exit_status ==
-         0;
+  return run_program("lexon-dict", {"build", name + ".txt", name + ".dic"}, folder).exit_status == 0;
 }
 
 int endurance(long sentences) {
@@ -174,26 +154,22 @@ int endurance(long sentences) {
   if (!build(folder, "entries", chain_entries()) || !build(folder, "cr", "")) return 2;
   write_file(folder + "/rules.txt", kChainRule + bytes_of(LEXON_EXAMPLES "/english/rules.txt"));
   write_input(folder + "/input.txt", sentences);
-  const steady_clock::time_point start = steady_clock::now();
-  const std::string output = folder + "/output.txt";
-  const int process = start_program("lexon", {folder + "/entries.dic", folder + "/rules.txt", folder + "/input.txt",
-                                              output, "--quiet", "-L0", "-N0", "-T1", "-C" + folder + "/cr.dic"});
-  const Watch seen = watch(process, output, sentences);
-  const int status = wait_for_program(process);
-  const double seconds = std::chrono::duration<double>(steady_clock::now() - start).count();
-  std::map<std::string, long> banners = banners_of(output);
-  fs::remove_all(folder);
+  fs::current_path(folder);
+  const char* const words[] = {"entries.dic", "rules.txt", "input.txt", "output.txt", "--quiet", "-L0", "-N0", "-T1", "-Ccr.dic"};
+  const CommandLine line = command_line_read(words);
+  CountingHost host(line, sentences);
+  run_driver(line.settings, host);
+  std::map<std::string, long> banners = banners_of("output.txt");
+  fs::current_path("/");
   const long over_time = (sentences + kRound * kOverTimeEvery - kRound / 2 - 1) / (kRound * kOverTimeEvery);
-  std::printf("%ld sentences in %.1f s: %ld done, %ld failed, %ld over time (%ld meant to be); exit status %d\n",
-              sentences, seconds, banners[";;Done!"], banners[";;Failed!"], banners[";;Time Over!"], over_time, status);
-  std::printf("memory %ld KiB at most in the first third, %ld KiB behind it; files %ld and %ld; threads %ld and %ld\n",
-              seen.early.memory, seen.late.memory, seen.early.files, seen.late.files, seen.early.threads,
-              seen.late.threads);
+  std::printf("%ld sentences: %ld done, %ld failed, %ld over time (%ld meant to be); exit status %d\n", sentences, banners[";;Done!"], banners[";;Failed!"],
+              banners[";;Time Over!"], over_time, host.exit_status());
+  std::printf("at most in the first third and behind it: %ld and %ld bytes, %ld and %ld files, %ld and %ld threads\n", host.early[0], host.late[0],
+              host.early[1], host.late[1], host.early[2], host.late[2]);
   const long all = banners[";;Done!"] + banners[";;Failed!"] + banners[";;Time Over!"];
-  const bool is_all_there = status == 3 && all == sentences && banners[";;Time Over!"] >= over_time &&
-                            banners[";;Done!"] >= sentences / 10 * 8;
-  const bool has_grown = seen.late.memory > seen.early.memory + kAllowedGrowth || seen.late.files > seen.early.files ||
-                         seen.late.threads > seen.early.threads;
+  const bool is_all_there = host.exit_status() == 3 && all == sentences && banners[";;Time Over!"] >= over_time && banners[";;Done!"] >= sentences / 10 * 8;
+  bool has_grown = host.early[0] == 0;
+  for (std::size_t i = 0; i < host.early.size(); ++i) has_grown = has_grown || host.late[i] > host.early[i];
   std::printf("%s\n", has_grown ? "GROWN" : is_all_there ? "no growth" : "SENTENCES ARE MISSING");
   return is_all_there && !has_grown ? 0 : 1;
 }

@@ -35,8 +35,7 @@ class Files : public ::testing::Test {
     folder_ = fresh_folder("files-" + std::string(::testing::UnitTest::GetInstance()->current_test_info()->name()));
     write_file(path("entries.txt"), "[dog]{} \"dog\" (N);\n[cat]{} \"cat\" (N);\n");
     write_file(path("cr.txt"), "[dog]{} \"cat\" (N);\n");
-    write_file(path("rules.txt"),
-               "R{SHEAD:::}{:::}P1;\nR{N,^X:::}{STAIL:::}P1;\nR([a],b){^A:[x],+C:agt:<obj}{C:::}P7;\n");
+    write_file(path("rules.txt"), "R{SHEAD:::}{:::}P1;\nR{N,^X:::}{STAIL:::}P1;\nR([a],b){^A:[x],+C:agt:<obj}{C:::}P7;\n");
     std::string input;
     for (const char* word : {"dog", "cat", "dog"}) {
       input += "[S:" + std::string(word) + "]\n[W]\n" + word + ".@entry\n[/W]\n[/S]\n";
@@ -63,15 +62,7 @@ class Files : public ::testing::Test {
   [[nodiscard]] std::string path(const std::string& name) const { return folder_ + "/" + name; }
 
   [[nodiscard]] std::vector<std::string> call() const {
-    return {program_path("lexon"),
-            path("words.dic"),
-            path("rules.txt"),
-            path("input.txt"),
-            path("output.txt"),
-            "--quiet",
-            "-L0",
-            "-N0",
-            "-C" + path("cr.dic")};
+    return {program_path("lexon"), path("words.dic"), path("rules.txt"), path("input.txt"), path("output.txt"), "--quiet", "-L0", "-N0", "-C" + path("cr.dic")};
   }
   [[nodiscard]] ProgramResult render() const { return under({}); }
 
@@ -83,9 +74,7 @@ class Files : public ::testing::Test {
     return run_program(program, words, folder_);
   }
 
-  [[nodiscard]] std::string output_of(const ProgramResult& run) const {
-    return run.exit_status == 1 ? "" : mask_times(bytes_of(path("output.txt")));
-  }
+  [[nodiscard]] std::string output_of(const ProgramResult& run) const { return run.exit_status == 1 ? "" : mask_times(bytes_of(path("output.txt"))); }
 
   void convert_anew() const {
     fs::remove(path("rules.rul"));
@@ -141,16 +130,15 @@ TEST_P(Calls, EachFailsInTurn) {
   for (bool is_hit = true; is_hit && !HasFailure();) {
     SCOPED_TRACE(std::string(row.calls) + " no. " + std::to_string(++number));
     if (row.converts) convert_anew();
-    std::vector<std::string> words = {
-        strace,
-        "-f",
-        "-qq",
-        "-o",
-        path("trace"),
-        "-e",
-        "trace=" + std::string(row.calls),
-        "-e",
-        "inject=" + std::string(row.calls) + ":" + row.fault + ":when=" + std::to_string(number)};
+    std::vector<std::string> words = {strace,
+                                      "-f",
+                                      "-qq",
+                                      "-o",
+                                      path("trace"),
+                                      "-e",
+                                      "trace=" + std::string(row.calls),
+                                      "-e",
+                                      "inject=" + std::string(row.calls) + ":" + row.fault + ":when=" + std::to_string(number)};
     if (row.file != nullptr) words.insert(words.end(), {"-P", path(row.file)});
     const ProgramResult run = under(words);
     is_hit = bytes_of(path("trace")).find("(INJECTED)") != std::string::npos;
@@ -224,8 +212,7 @@ TEST_F(Files, TheDictionaryToolTellsOfAFullDisk) {
 #if defined(__SANITIZE_THREAD__)
     if (*limit == '0') continue;  // the sanitizer writes before the program can ask to be spared the signal
 #endif
-    const ProgramResult run = run_program(
-        "/usr/bin/prlimit", {std::string("--fsize=") + limit, tool, "build", path("many.txt"), path("words.dic")});
+    const ProgramResult run = run_program("/usr/bin/prlimit", {std::string("--fsize=") + limit, tool, "build", path("many.txt"), path("words.dic")});
     EXPECT_EQ(run.exit_status, 1) << limit;
     EXPECT_EQ(bytes_of(path("words.dic")) + bytes_of(path("words.idx")), before) << limit;
   }
@@ -286,16 +273,13 @@ class Compiled : public Files {
     EXPECT_NE(output.find("\n;;in " + path(named) + "\n"), std::string::npos) << output;
   }
 
-  static void make_matrix_newer(const std::string& stem) {
-    fs::last_write_time(stem + ".mtx", fs::last_write_time(stem + ".rul") + std::chrono::seconds(1));
-  }
+  static void make_matrix_newer(const std::string& stem) { fs::last_write_time(stem + ".mtx", fs::last_write_time(stem + ".rul") + std::chrono::seconds(1)); }
 };
 
 TEST_F(Compiled, CutShortTheyAreNamed) {
   std::vector<std::size_t> ends;
   for (std::size_t at = 0; at < rules_.size();) {
-    at += 2 + static_cast<std::size_t>(static_cast<unsigned char>(rules_[at]) << 8 |
-                                       static_cast<unsigned char>(rules_[at + 1]));
+    at += 2 + static_cast<std::size_t>(static_cast<unsigned char>(rules_[at]) << 8 | static_cast<unsigned char>(rules_[at + 1]));
     ends.push_back(at);
   }
   for (std::size_t length = 1; length < rules_.size() && !HasFailure(); length += 7) {

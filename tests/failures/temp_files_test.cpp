@@ -24,8 +24,7 @@ unsigned mode_of(const std::string& path) {
 class TempFiles : public ::testing::Test {
  protected:
   void SetUp() override {
-    folder_ =
-        fresh_folder("temp-files-" + std::string(::testing::UnitTest::GetInstance()->current_test_info()->name()));
+    folder_ = fresh_folder("temp-files-" + std::string(::testing::UnitTest::GetInstance()->current_test_info()->name()));
     setenv("TMPDIR", folder_.c_str(), 1);
     old_mask_ = umask(022);
   }
@@ -100,8 +99,8 @@ TEST(Programs, CallNoShellAndNoOtherProgram) {
     const ProgramResult listed = run_program("/usr/bin/nm", {"-D", "--undefined-only", program_path(name)});
     ASSERT_EQ(listed.exit_status, 0) << listed.error;
     ASSERT_NE(listed.out.find(" U mkstemp"), std::string::npos) << "is this the list of calls?\n" << listed.out;
-    for (const char* call : {"system", "popen", "execl", "execle", "execlp", "execv", "execve", "execvp", "fork",
-                             "vfork", "posix_spawn", "posix_spawnp", "tmpnam", "tempnam", "mktemp"}) {
+    for (const char* call : {"system", "popen", "execl", "execle", "execlp", "execv", "execve", "execvp", "fork", "vfork", "posix_spawn", "posix_spawnp",
+                             "tmpnam", "tempnam", "mktemp"}) {
       EXPECT_EQ(listed.out.find(std::string(" U ") + call + "@"), std::string::npos) << name << " calls " << call;
     }
   }

@@ -21,44 +21,35 @@ struct ReadRow {
   const char* output;
 };
 
-class Lines : public ::testing::TestWithParam<ReadRow> {};
+TEST(Lines, AreClassified) {
+  const ReadRow rows[] = {
+      {"sentence_tag_opens_and_is_copied", "  [S:1] x \nr(a.@entry,b)\n[/S]\nr(c,d)\n", "r:0(a,b)", "[S:1] x \n"},
+      {"graph_tag_opens", "{semantics\nr(a.@entry,b)\n{/semantics\nr(c,d)\n[/S]\n", "r:0(a,b)", ""},
+      {"several_graphs_make_one", "{sem}\nr(a.@entry,b)\n{/sem}\nr(x,y)\n{sem}\nr(c,d)\n[/S]\n", "r:0(a,b); r:0(c,d)", ""},
+      {"text_outside_a_graph", "header (\nr(a,b)\n{sem}\n{/sem}\nr(c,d)\n[/S]\n", "", ";;SEM is Empty\n"},
+      {"lines_of_no_meaning", "{sem}\n ;r(a,b)\n<r(a,b)\n\n  \n[x](a,b)\n[/x](a,b)\nr(c.@entry,d)\n[/S]\n", "r:0(c,d)", ""},
+      {"blanks_and_tabs_in_front", "{sem}\n\t r(a.@entry,b)\n  r(c,d)\n   [/S]\n", "r:0(a,b); r:0(c,d)", ""},
+      {"a_tab_hides_what_a_line_is", "{sem}\nr(a.@entry,b)\n\t[/S]\n[/S]\n", "r:0(a,b)", ";;Syntactic Error\n\t\t[/S]\n"},
+      {"pairs_of_line_end_characters", "{sem}\r\n\r\nr(a.@entry,b)\r\n[/S]\r\n", "r:0(a,b)", ""},
+      {"skipped_block", "{sem}\n[R x\nr(a,b)\n[/S]\n [/R]\n[/R]\nr(c.@entry,d)\n[/S]\n", "r:0(c,d)", ""},
+      {"tag_hides_lines_even_the_end", "{sem}\n{org:en}\nr(a,b)\n[/S]\n[S]\n[W]\n{/org}\nr(c.@entry,d)\n[/S]\n", "r:0(c,d)", ""},
+      {"graph_tags_work_inside_a_tag", "{org}\n{sem}\nr(a,b)\n{/org}\nr(c.@entry,d)\n[/S]\n", "r:0(c,d)", ""},
+      {"closing_tag_may_be_longer", "{sem}\n{a}\n{/abc}\nr(c.@entry,d)\n[/S]\n", "r:0(c,d)", ""},
+      {"tag_name_is_cut_at_nine", "{sem}\n{abcdefghijkl}\n{/abcdefghi}\nr(c.@entry,d)\n[/S]\n", "r:0(c,d)", ""},
+      {"second_tag_replaces_the_first", "{sem}\n{a}\n{b\n{/b}\nr(c.@entry,d)\n[/S]\n", "r:0(c,d)", ""},
+      {"closer_of_a_replaced_tag_opens_another", "{sem}\n{a}\n{b}\n{/a}\n{/b}\nr(a,b)\n[/S]\n{//b}\nr(c.@entry,d)\n[/S]\n", "r:0(c,d)", ""},
+      {"stray_closer_opens", "{sem}\n{/a}\nr(a,b)\n{//a}\nr(c.@entry,d)\n[/S]\n", "r:0(c,d)", ""},
+      {"tag_without_a_name_opens_nothing", "{sem}\n{a}\n{}\nr(c.@entry,d)\n{:x}\nr(e,f)\n[/S]\n", "r:0(c,d); r:0(e,f)", ""},
+  };
+  for (const ReadRow& row : rows) {
+    SCOPED_TRACE(row.name);
 
-TEST_P(Lines, AreClassified) {
-  const GraphRead read = graph_of(GetParam().text);
-  EXPECT_EQ(read.status, Status::ok);
-  EXPECT_EQ(arcs_text(), GetParam().arcs);
-  EXPECT_EQ(read.output, GetParam().output);
+    const GraphRead read = graph_of(row.text);
+    EXPECT_EQ(read.status, Status::ok);
+    EXPECT_EQ(arcs_text(), row.arcs);
+    EXPECT_EQ(read.output, row.output);
+  }
 }
-
-INSTANTIATE_TEST_SUITE_P(
-    Rows, Lines,
-    ::testing::Values(
-        ReadRow{"sentence_tag_opens_and_is_copied", "  [S:1] x \nr(a.@entry,b)\n[/S]\nr(c,d)\n", "r:0(a,b)",
-                "[S:1] x \n"},
-        ReadRow{"graph_tag_opens", "{semantics\nr(a.@entry,b)\n{/semantics\nr(c,d)\n[/S]\n", "r:0(a,b)", ""},
-        ReadRow{"several_graphs_make_one", "{sem}\nr(a.@entry,b)\n{/sem}\nr(x,y)\n{sem}\nr(c,d)\n[/S]\n",
-                "r:0(a,b); r:0(c,d)", ""},
-        ReadRow{"text_outside_a_graph", "header (\nr(a,b)\n{sem}\n{/sem}\nr(c,d)\n[/S]\n", "", ";;SEM is Empty\n"},
-        ReadRow{"lines_of_no_meaning", "{sem}\n ;r(a,b)\n<r(a,b)\n\n  \n[x](a,b)\n[/x](a,b)\nr(c.@entry,d)\n[/S]\n",
-                "r:0(c,d)", ""},
-        ReadRow{"blanks_and_tabs_in_front", "{sem}\n\t r(a.@entry,b)\n  r(c,d)\n   [/S]\n", "r:0(a,b); r:0(c,d)", ""},
-        ReadRow{"a_tab_hides_what_a_line_is", "{sem}\nr(a.@entry,b)\n\t[/S]\n[/S]\n", "r:0(a,b)",
-                ";;Syntactic Error\n\t\t[/S]\n"},
-        ReadRow{"pairs_of_line_end_characters", "{sem}\r\n\r\nr(a.@entry,b)\r\n[/S]\r\n", "r:0(a,b)", ""},
-        ReadRow{"skipped_block", "{sem}\n[R x\nr(a,b)\n[/S]\n [/R]\n[/R]\nr(c.@entry,d)\n[/S]\n", "r:0(c,d)", ""},
-        ReadRow{"tag_hides_lines_even_the_end",
-                "{sem}\n{org:en}\nr(a,b)\n[/S]\n[S]\n[W]\n{/org}\nr(c.@entry,d)\n[/S]\n", "r:0(c,d)", ""},
-        ReadRow{"graph_tags_work_inside_a_tag", "{org}\n{sem}\nr(a,b)\n{/org}\nr(c.@entry,d)\n[/S]\n", "r:0(c,d)", ""},
-        ReadRow{"closing_tag_may_be_longer", "{sem}\n{a}\n{/abc}\nr(c.@entry,d)\n[/S]\n", "r:0(c,d)", ""},
-        ReadRow{"tag_name_is_cut_at_nine", "{sem}\n{abcdefghijkl}\n{/abcdefghi}\nr(c.@entry,d)\n[/S]\n", "r:0(c,d)",
-                ""},
-        ReadRow{"second_tag_replaces_the_first", "{sem}\n{a}\n{b\n{/b}\nr(c.@entry,d)\n[/S]\n", "r:0(c,d)", ""},
-        ReadRow{"closer_of_a_replaced_tag_opens_another",
-                "{sem}\n{a}\n{b}\n{/a}\n{/b}\nr(a,b)\n[/S]\n{//b}\nr(c.@entry,d)\n[/S]\n", "r:0(c,d)", ""},
-        ReadRow{"stray_closer_opens", "{sem}\n{/a}\nr(a,b)\n{//a}\nr(c.@entry,d)\n[/S]\n", "r:0(c,d)", ""},
-        ReadRow{"tag_without_a_name_opens_nothing", "{sem}\n{a}\n{}\nr(c.@entry,d)\n{:x}\nr(e,f)\n[/S]\n",
-                "r:0(c,d); r:0(e,f)", ""}),
-    [](const auto& row) { return row.param.name; });
 
 // Relation lines, and what is said of them.
 struct MessageRow {
@@ -68,31 +59,27 @@ struct MessageRow {
   const char* output;
 };
 
-class Messages : public ::testing::TestWithParam<MessageRow> {};
+TEST(Messages, ReadingGoesOn) {
+  const MessageRow rows[] = {
+      {"syntax_is_headed_once", " r(x\nr(x,y)=0\nx\n", "", ";;Syntactic Error\n\t r(x\n\tr(x,y)=0\n\tx\n"},
+      {"no_label", "(x,y)\n  (x,y)\n", "", ";;Rel is not found\n\t(x,y)\n;;Rel is not found\n\t  (x,y)\n"},
+      {"label_of_a_number", ":01(x,y)\n", "", ";;Rel is not found\n\t:01(x,y)\n"},
+      {"no_from", "q( ,y)\nq(.x,y)\n", "", ";;From-CW is not found\n\tq( ,y)\n;;From-CW is not found\n\tq(.x,y)\n"},
+      {"no_to", "q(x,)\nq(x,.y)\n", "", ";;To-CW is not found\n\tq(x,)\n;;To-CW is not found\n\tq(x,.y)\n"},
+      {"the_first_fault_is_told", "(,)\nq(,)\n", "", ";;Rel is not found\n\t(,)\n;;From-CW is not found\n\tq(,)\n"},
+      {"label_too_long", "abcdef(x,y)\nabcde:01(x,y)\n", "abcde:1(x,y); ", ";;Rel is too long\n\tabcdef(x,y)\n"},
+      {"a_number_in_the_middle_of_a_label", "abc:01de(x,y)\n", "abcde:1(x,y); ", ""},
+      {"wrong_texts_behind_the_words", "q(x,y)=1 (\nq(x,y)...\n", "q:0(x,y); q:0(x,y); ", ""},
+  };
+  for (const MessageRow& row : rows) {
+    SCOPED_TRACE(row.name);
 
-TEST_P(Messages, ReadingGoesOn) {
-  const std::string good = "r(a.@entry,b)\n";
-  const GraphRead read = graph_of_lines(GetParam().lines + good);
-  EXPECT_EQ(read.output, GetParam().output);
-  EXPECT_EQ(arcs_text(), std::string(GetParam().arcs) + "r:0(a,b)");
+    const std::string good = "r(a.@entry,b)\n";
+    const GraphRead read = graph_of_lines(row.lines + good);
+    EXPECT_EQ(read.output, row.output);
+    EXPECT_EQ(arcs_text(), std::string(row.arcs) + "r:0(a,b)");
+  }
 }
-
-INSTANTIATE_TEST_SUITE_P(
-    Rows, Messages,
-    ::testing::Values(
-        MessageRow{"syntax_is_headed_once", " r(x\nr(x,y)=0\nx\n", "", ";;Syntactic Error\n\t r(x\n\tr(x,y)=0\n\tx\n"},
-        MessageRow{"no_label", "(x,y)\n  (x,y)\n", "", ";;Rel is not found\n\t(x,y)\n;;Rel is not found\n\t  (x,y)\n"},
-        MessageRow{"label_of_a_number", ":01(x,y)\n", "", ";;Rel is not found\n\t:01(x,y)\n"},
-        MessageRow{"no_from", "q( ,y)\nq(.x,y)\n", "",
-                   ";;From-CW is not found\n\tq( ,y)\n;;From-CW is not found\n\tq(.x,y)\n"},
-        MessageRow{"no_to", "q(x,)\nq(x,.y)\n", "", ";;To-CW is not found\n\tq(x,)\n;;To-CW is not found\n\tq(x,.y)\n"},
-        MessageRow{"the_first_fault_is_told", "(,)\nq(,)\n", "",
-                   ";;Rel is not found\n\t(,)\n;;From-CW is not found\n\tq(,)\n"},
-        MessageRow{"label_too_long", "abcdef(x,y)\nabcde:01(x,y)\n", "abcde:1(x,y); ",
-                   ";;Rel is too long\n\tabcdef(x,y)\n"},
-        MessageRow{"a_number_in_the_middle_of_a_label", "abc:01de(x,y)\n", "abcde:1(x,y); ", ""},
-        MessageRow{"wrong_texts_behind_the_words", "q(x,y)=1 (\nq(x,y)...\n", "q:0(x,y); q:0(x,y); ", ""}),
-    [](const auto& row) { return row.param.name; });
 
 // Lines of a sentence, and the node that it starts at.
 struct RootRow {
@@ -102,27 +89,28 @@ struct RootRow {
   bool is_named;  // else a message says that no entry was
 };
 
-class Root : public ::testing::TestWithParam<RootRow> {};
+TEST(Root, IsChosen) {
+  const RootRow rows[] = {
+      {"from", "r(b.@entry,a)\n", "b", true},
+      {"to", "r(a,b.@entry)\n", "b", true},
+      {"from_before_to", "r(b.@entry,a.@entry)\n", "b", true},
+      {"the_first_stays", "r(c.@entry,a)\nr(b.@entry,a)\n", "c", true},
+      {"any_text_that_holds_it", "r(a,b.x@entryx)\n", "a", false},
+      {"as_a_part_of_an_attribute", "r(a,b.@x@entryx)\n", "b", true},
+      {"not_by_another_scope", "r:01(b.@entry,a)\n", "a", false},
+      {"not_if_another_scope_is_newer", "r(b,a)\nr:01(b.@entry,c)\nr(b.@entry,d)\n", "a", false},
+      {"first_word_that_has_it_by_a_word_block", "[W]\na.@entry\nb\n[/W]\n", "a", true},
+      {"none", "r(c,b)\n", "b", false},
+  };
+  for (const RootRow& row : rows) {
+    SCOPED_TRACE(row.name);
 
-TEST_P(Root, IsChosen) {
-  const GraphRead read = graph_of_lines(GetParam().text);
-  ASSERT_NE(read.root, nullptr);
-  EXPECT_STREQ(read.root->name, GetParam().root);
-  EXPECT_EQ(read.output, GetParam().is_named ? "" : ";;No Entry\n");
+    const GraphRead read = graph_of_lines(row.text);
+    ASSERT_NE(read.root, nullptr);
+    EXPECT_STREQ(read.root->name, row.root);
+    EXPECT_EQ(read.output, row.is_named ? "" : ";;No Entry\n");
+  }
 }
-
-INSTANTIATE_TEST_SUITE_P(
-    Rows, Root,
-    ::testing::Values(RootRow{"from", "r(b.@entry,a)\n", "b", true}, RootRow{"to", "r(a,b.@entry)\n", "b", true},
-                      RootRow{"from_before_to", "r(b.@entry,a.@entry)\n", "b", true},
-                      RootRow{"the_first_stays", "r(c.@entry,a)\nr(b.@entry,a)\n", "c", true},
-                      RootRow{"any_text_that_holds_it", "r(a,b.x@entryx)\n", "a", false},
-                      RootRow{"as_a_part_of_an_attribute", "r(a,b.@x@entryx)\n", "b", true},
-                      RootRow{"not_by_another_scope", "r:01(b.@entry,a)\n", "a", false},
-                      RootRow{"not_if_another_scope_is_newer", "r(b,a)\nr:01(b.@entry,c)\nr(b.@entry,d)\n", "a", false},
-                      RootRow{"first_word_that_has_it_by_a_word_block", "[W]\na.@entry\nb\n[/W]\n", "a", true},
-                      RootRow{"none", "r(c,b)\n", "b", false}),
-    [](const auto& row) { return row.param.name; });
 
 // Word blocks, and the rows that they enter.
 TEST(WordBlock, OnlyTheFirstColumnCounts) {
@@ -222,36 +210,31 @@ struct LimitRow {
   const char* message;
 };
 
-class Limits : public ::testing::TestWithParam<LimitRow> {};
+TEST(Limits, RefuseTheSentenceOnce) {
+  const LimitRow rows[] = {
+      {"words", "[W]\n" + repeated(512, "w", "\n") + "[/W]\n", "r(w511,w512)\n", ";;the graph has more than 512 words\n"},
+      {"words_of_a_block", "[W]\n" + repeated(512, "w", "\n") + "[/W]\n", "[W]\nv\n[/W]\n", ";;the graph has more than 512 words\n"},
+      {"relations", repeated(128, "r(a,b", ")\n"), "r(a,b)\n", ";;the graph has more than 128 relations\n"},
+      {"length_of_a_word", "r(a," + std::string(259, 'w') + ")\n", "r(b," + std::string(260, 'w') + ")\n",
+       ";;the graph has a word of more than 259 characters\n"},
+      {"merged_attributes", "[W]\nw." + std::string("@") + std::string(999, 'a') + "\nw.@" + std::string(22, 'b') + "\n[/W]\n", "r(w.@c,w)\n",
+       ";;the graph has a word with more than 1024 characters of attributes\n"},
+  };
+  for (const LimitRow& row : rows) {
+    SCOPED_TRACE(row.name);
 
-TEST_P(Limits, RefuseTheSentenceOnce) {
-  EXPECT_EQ(graph_of_lines(GetParam().within).output, ";;No Entry\n");
-  EXPECT_FALSE(sentence.refused);
-  std::FILE* stream =
-      stream_of("{sem}\n" + GetParam().within + GetParam().beyond + "z(y,z)\n[W]\nx\n[/W]\n[/S]\n[S]\n");
-  const GraphRead read = graph_read(stream);
-  EXPECT_TRUE(sentence.refused);
-  EXPECT_EQ(read.status, Status::ok);
-  EXPECT_EQ(read.output, GetParam().message);
-  EXPECT_EQ(graph_read(stream).output, "[S]\n");
-  EXPECT_FALSE(sentence.refused);
-  std::fclose(stream);
+    EXPECT_EQ(graph_of_lines(row.within).output, ";;No Entry\n");
+    EXPECT_FALSE(sentence.refused);
+    std::FILE* stream = stream_of("{sem}\n" + row.within + row.beyond + "z(y,z)\n[W]\nx\n[/W]\n[/S]\n[S]\n");
+    const GraphRead read = graph_read(stream);
+    EXPECT_TRUE(sentence.refused);
+    EXPECT_EQ(read.status, Status::ok);
+    EXPECT_EQ(read.output, row.message);
+    EXPECT_EQ(graph_read(stream).output, "[S]\n");
+    EXPECT_FALSE(sentence.refused);
+    std::fclose(stream);
+  }
 }
-
-INSTANTIATE_TEST_SUITE_P(
-    Rows, Limits,
-    ::testing::Values(
-        LimitRow{"words", "[W]\n" + repeated(512, "w", "\n") + "[/W]\n", "r(w511,w512)\n",
-                 ";;the graph has more than 512 words\n"},
-        LimitRow{"words_of_a_block", "[W]\n" + repeated(512, "w", "\n") + "[/W]\n", "[W]\nv\n[/W]\n",
-                 ";;the graph has more than 512 words\n"},
-        LimitRow{"relations", repeated(128, "r(a,b", ")\n"), "r(a,b)\n", ";;the graph has more than 128 relations\n"},
-        LimitRow{"length_of_a_word", "r(a," + std::string(259, 'w') + ")\n", "r(b," + std::string(260, 'w') + ")\n",
-                 ";;the graph has a word of more than 259 characters\n"},
-        LimitRow{"merged_attributes",
-                 "[W]\nw." + std::string("@") + std::string(999, 'a') + "\nw.@" + std::string(22, 'b') + "\n[/W]\n",
-                 "r(w.@c,w)\n", ";;the graph has a word with more than 1024 characters of attributes\n"}),
-    [](const auto& row) { return row.param.name; });
 
 }  // namespace
 }  // namespace lexon::test

@@ -34,20 +34,21 @@ struct RoleRow {
   const char* blocks;  // of the word "a"
 };
 
-class Roles : public ::testing::TestWithParam<RoleRow> {};
+TEST(Roles, StandInTheBlockOfTheScope) {
+  const RoleRow rows[] = {
+      {"of_both_ends", "r1(a,b)\nr2(b,a)\n", "{0:>r1,<r2}"},
+      {"behind_attributes", "r(a.@x.@y,b)\n", "{0:@x,@y,>r}"},
+      {"of_an_arc_to_itself", "r(a,a)\n", "{0:>r,<r}"},
+      {"by_scope", "r1(a,b)\nr2:01(c,a)\n", "{1:<r2}{0:>r1}"},
+      {"repeated_arcs_repeat_them", "r(a,b)\nr(a,b)\n", "{0:>r,>r}"},
+  };
+  for (const RoleRow& row : rows) {
+    SCOPED_TRACE(row.name);
 
-TEST_P(Roles, StandInTheBlockOfTheScope) {
-  (void)graph_of_lines(GetParam().lines);
-  EXPECT_EQ(blocks_of("a"), GetParam().blocks);
+    (void)graph_of_lines(row.lines);
+    EXPECT_EQ(blocks_of("a"), row.blocks);
+  }
 }
-
-INSTANTIATE_TEST_SUITE_P(Rows, Roles,
-                         ::testing::Values(RoleRow{"of_both_ends", "r1(a,b)\nr2(b,a)\n", "{0:>r1,<r2}"},
-                                           RoleRow{"behind_attributes", "r(a.@x.@y,b)\n", "{0:@x,@y,>r}"},
-                                           RoleRow{"of_an_arc_to_itself", "r(a,a)\n", "{0:>r,<r}"},
-                                           RoleRow{"by_scope", "r1(a,b)\nr2:01(c,a)\n", "{1:<r2}{0:>r1}"},
-                                           RoleRow{"repeated_arcs_repeat_them", "r(a,b)\nr(a,b)\n", "{0:>r,>r}"}),
-                         [](const auto& row) { return row.param.name; });
 
 // A word whose attributes are `length` characters long, as one end of a relation.
 std::size_t text_length_with_role(std::size_t length) {
@@ -68,25 +69,24 @@ struct ScopeRows {
   const char* scopes;
 };
 
-class Scopes : public ::testing::TestWithParam<ScopeRows> {};
+TEST(Scopes, AreNotedByFirstMention) {
+  const ScopeRows rows[] = {
+      {"none", "r(a.@entry,b)\n", ""},
+      {"to_is_asked_first", "r:01(a.@entry,b.@entry)\n", "1=b"},
+      {"then_from", "r:01(a.@entry,b)\n", "1=a"},
+      {"the_first_entry_stays", "r:02(a.@entry,b)\nr:02(c,d.@entry)\nr:01(:03.@entry,e)\n", "2=a; 1=#3"},
+      {"an_entry_of_another_scope_is_none", "r(a.@entry,b)\nr:01(a,b)\n", "1=-"},
+      {"each_arc_of_a_scope_without_entry_takes_a_count", "r:01(a,b)\nr:01(b,c)\nr:01(c,d)\n", "1=-; 0=-; 0=-"},
+      {"the_next_scope_takes_its_row", "r:01(a,b)\nr:01(b,c)\nr:02(d.@entry,e)\n", "2=d; 0=-; 0=-"},
+      {"an_entry_that_comes_late", "r:01(a,b)\nr:01(b,c.@entry)\nr:02(d.@entry,e)\n", "1=c; 2=d; 0=-"},
+  };
+  for (const ScopeRows& row : rows) {
+    SCOPED_TRACE(row.name);
 
-TEST_P(Scopes, AreNotedByFirstMention) {
-  (void)graph_of_lines(GetParam().lines);
-  EXPECT_EQ(scopes_text(), GetParam().scopes);
+    (void)graph_of_lines(row.lines);
+    EXPECT_EQ(scopes_text(), row.scopes);
+  }
 }
-
-INSTANTIATE_TEST_SUITE_P(
-    Rows, Scopes,
-    ::testing::Values(
-        ScopeRows{"none", "r(a.@entry,b)\n", ""}, ScopeRows{"to_is_asked_first", "r:01(a.@entry,b.@entry)\n", "1=b"},
-        ScopeRows{"then_from", "r:01(a.@entry,b)\n", "1=a"},
-        ScopeRows{"the_first_entry_stays", "r:02(a.@entry,b)\nr:02(c,d.@entry)\nr:01(:03.@entry,e)\n", "2=a; 1=#3"},
-        ScopeRows{"an_entry_of_another_scope_is_none", "r(a.@entry,b)\nr:01(a,b)\n", "1=-"},
-        ScopeRows{"each_arc_of_a_scope_without_entry_takes_a_count", "r:01(a,b)\nr:01(b,c)\nr:01(c,d)\n",
-                  "1=-; 0=-; 0=-"},
-        ScopeRows{"the_next_scope_takes_its_row", "r:01(a,b)\nr:01(b,c)\nr:02(d.@entry,e)\n", "2=d; 0=-; 0=-"},
-        ScopeRows{"an_entry_that_comes_late", "r:01(a,b)\nr:01(b,c.@entry)\nr:02(d.@entry,e)\n", "1=c; 2=d; 0=-"}),
-    [](const auto& row) { return row.param.name; });
 
 TEST(Scopes, MoreThanTheTableHoldsAreNotNoted) {
   sentence_clear();

@@ -27,8 +27,8 @@ namespace {
 // All that the Setting dialog shows, one behind the other.
 QString controls_of(QWidget& setting) {
   QStringList texts;
-  for (const char* role : {"dictionary_file", "cr_dictionary_file", "kb_dictionary_file", "rule_file", "input_file",
-                           "output_file", "start_sentence", "sentence_count", "max_time_per_sentence", "trace_level"}) {
+  for (const char* role : {"dictionary_file", "cr_dictionary_file", "kb_dictionary_file", "rule_file", "input_file", "output_file", "start_sentence",
+                           "sentence_count", "max_time_per_sentence", "trace_level"}) {
     texts << text_of(setting, role);
   }
   return texts.join(' ') + (control<QAbstractButton>(setting, "rules_conversion_only").isChecked() ? " R" : "");

@@ -18,8 +18,7 @@ namespace {
 constexpr const char* kDog = "[S:1]\n[W]\ndog.@entry\n[/W]\n[/S]\n";
 constexpr const char* kCat = "[S:3]\n[W]\ncat.@entry\n[/W]\n[/S]\n";
 // No word of the chain may end a sentence, and there are ten for each: the search tries them all.
-constexpr const char* kEndless =
-    "[S:2]\nnxt(a.@entry,b)\nnxt(b,c)\nnxt(c,d)\nnxt(d,e)\nnxt(e,f)\nnxt(f,g)\nnxt(g,h)\nnxt(h,i)\n[/S]\n";
+constexpr const char* kEndless = "[S:2]\nnxt(a.@entry,b)\nnxt(b,c)\nnxt(c,d)\nnxt(d,e)\nnxt(e,f)\nnxt(f,g)\nnxt(g,h)\nnxt(h,i)\n[/S]\n";
 constexpr const char* kRules = ":{N:::}\"N::nxt:\"P9;\nR{:::}{^STAIL:::}P5;\nR{OK:::}{STAIL:::}P1;\n";
 constexpr const char* kDogOutput = "[S:1]\ndog\n;;Time ?\tSec\n;;Done!\n";
 constexpr const char* kCatOutput = "[S:3]\ncat\n;;Time ?\tSec\n;;Done!\n";
@@ -96,9 +95,7 @@ class RunTest : public QObject {
     QFETCH(QString, by);
     MainDialog main(line_for(std::string(kDog) + kEndless + kCat));
     when_shown("main_dialog", [by](QWidget& window) {
-      const auto in_the_middle = [](QWidget& progress) {
-        return text_of(progress, "number") == "2" && text_of(progress, "elapsed") == "   0.2";
-      };
+      const auto in_the_middle = [](QWidget& progress) { return text_of(progress, "number") == "2" && text_of(progress, "elapsed") == "   0.2"; };
       const auto leave = [by](QWidget& progress) {
         QVERIFY(progress.isModal());
         QCOMPARE(progress.windowTitle(), "Rendering");
@@ -171,8 +168,7 @@ class RunTest : public QObject {
 
   void go_with_nobody_there() {
     static_cast<void>(line_for(std::string(kDog) + kCat));
-    const ProgramResult result = run_program("lexon-gui", {path("words.dic"), path("rules.txt"), path("input.txt"),
-                                                           path("output.txt"), "-Go", "-L0", "-N0"});
+    const ProgramResult result = run_program("lexon-gui", {path("words.dic"), path("rules.txt"), path("input.txt"), path("output.txt"), "-Go", "-L0", "-N0"});
     QCOMPARE(result.exit_status, 0);
     QCOMPARE(output(), std::string(kDogOutput) + kCatOutput);
   }

@@ -12,8 +12,7 @@ namespace lexon::test {
 // the window up. The run stands still while the action lasts: what it is to wait for belongs into `ready`. A window
 // that never comes ends the program as a failure.
 void when_shown(
-    const QString& role, std::function<void(QWidget&)> action,
-    std::function<bool(QWidget&)> ready = [](QWidget&) { return true; });
+    const QString& role, std::function<void(QWidget&)> action, std::function<bool(QWidget&)> ready = [](QWidget&) { return true; });
 
 // The control of that role. It must be there.
 template <typename Control>

@@ -58,11 +58,7 @@ TEST_F(Candidates, FollowTheAttributesOfTheWindow) {
   const Case cases[] = {
       {"no rules", {}, "N", "N", "none"},
       {"no nodes", {"{}{}"}, "-", "-", "none"},
-      {"ten rules, V alone",
-       {"{N}{}", "{}{}", "{}{}", "{^V}{}", "{}{}", "{}{}", "{}{}", "{}{}", "{}{}", "{N}{}"},
-       "V*",
-       "X*",
-       "1 2 4 5 6 7 8"},
+      {"ten rules, V alone", {"{N}{}", "{}{}", "{}{}", "{^V}{}", "{}{}", "{}{}", "{}{}", "{}{}", "{}{}", "{N}{}"}, "V*", "X*", "1 2 4 5 6 7 8"},
       {"rules without conditions fit all", {"{}{}", "{A}{}"}, "?*", "?*", "0"},
       {"no left node lets all through on the left", {"{A}{B}", "{A}{C}"}, "-", "B*", "0"},
       {"no right node lets all through on the right", {"{A}{B}", "{C}{B}"}, "A*", "-", "0"},
@@ -235,8 +231,7 @@ class Random {
   }
   std::string text(int most_pieces) {
     std::string made = piece();
-    for (int more = below(most_pieces); more > 0; --more)
-      made += (one_in(6) ? ",," : one_in(8) ? ",;," : ",") + piece();
+    for (int more = below(most_pieces); more > 0; --more) made += (one_in(6) ? ",," : one_in(8) ? ",;," : ",") + piece();
     return made;
   }
   std::string name() { return one_in(5) ? text(3) : piece(); }
@@ -244,8 +239,7 @@ class Random {
   std::string pattern() {
     std::string made = one_in(5) ? "'" : "{";
     const char close = made == "'" ? '\'' : '}';
-    for (int more = below(4); more > 0; --more)
-      made += (made.size() > 1 ? " " : "") + std::string(1, "^==="[below(4)]) + name();
+    for (int more = below(4); more > 0; --more) made += (made.size() > 1 ? " " : "") + std::string(1, "^==="[below(4)]) + name();
     if (one_in(9)) made += (made.size() > 1 ? " +" : "+") + name();
     return made + close;
   }
@@ -268,8 +262,7 @@ TEST_F(Candidates, EqualThoseOfTheSearchRowByRow) {
   int found = 0;
   for (int table = 0; table < 120; ++table) {
     RuleList rules;
-    for (int more = random.below(random.one_in(4) ? 200 : 20); more >= 0; --more)
-      rules.add(random.pattern() + random.pattern());
+    for (int more = random.below(random.one_in(4) ? 200 : 20); more >= 0; --more) rules.add(random.pattern() + random.pattern());
     ASSERT_EQ(rule_matrix_build(rules.head()), Status::ok);
     if (random.one_in(4)) reload();
     if (random.one_in(4) && rule_matrix.left.attr_count > 2) {  // a table that is out of order

@@ -111,8 +111,8 @@ TEST(CompiledRules, SubtypeStandsBehindAColon) {
 
 TEST(CompiledRules, ReadBackEqual) {
   std::string text;
-  for (const char* line : {":(a)(b)*{x,^[y],[]}(c,[d])([[e]])*\"[w]:[v],+q,-r,[[u]]:l,m:>n,<o\"(f)P200;",
-                           "P:\"[w]\"(a)(b)*{x:-x}P200;", "PSA{a:-a}{}P1;", "?R{-a,+b}{}P3;", "<{::rel}{}P2;"}) {
+  for (const char* line : {":(a)(b)*{x,^[y],[]}(c,[d])([[e]])*\"[w]:[v],+q,-r,[[u]]:l,m:>n,<o\"(f)P200;", "P:\"[w]\"(a)(b)*{x:-x}P200;", "PSA{a:-a}{}P1;",
+                           "?R{-a,+b}{}P3;", "<{::rel}{}P2;"}) {
     text += std::string(line) + "\n";
   }
   // Larger than the reader's buffer, so that records lie across its end.
@@ -136,12 +136,10 @@ struct RecordRow {
 TEST(CompiledRules, ReaderTakesShortAndLongRecords) {
   const std::string end = "0000" + kEmptyPattern + "0000 05";
   const RecordRow rows[] = {
-      {"a pattern may end behind its surface forms", "00 20 4C 0000 00 03 01 0000" + end,
-       "L/0  | quote  |  | brace  |  P5\n"},
+      {"a pattern may end behind its surface forms", "00 20 4C 0000 00 03 01 0000" + end, "L/0  | quote  |  | brace  |  P5\n"},
       {"a pattern may end behind its attributes", "00 2C 4C 0000 00 0F 00 0000 0000 0000 0000 00 04 01 00 01 4E" + end,
        "L/0  | brace attr<1N> |  | brace  |  P5\n"},
-      {"a group may end behind its surface forms", "00 31 4C 00 03 01 0000" + kEmptyPattern + end,
-       "L/0 ()* | brace  |  | brace  |  P5\n"},
+      {"a group may end behind its surface forms", "00 31 4C 00 03 01 0000" + kEmptyPattern + end, "L/0 ()* | brace  |  | brace  |  P5\n"},
       {"a group may end behind its concept words", "00 37 4C 00 09 01 0000 00 04 01 00 01 63" + kEmptyPattern + end,
        "L/0 (cw<1c>)* | brace  |  | brace  |  P5\n"},
       {"bytes behind the priority are passed over", "00 30 4C 0000" + kEmptyPattern + end + "AA BB" + kEmptyRule,
@@ -170,12 +168,9 @@ TEST(CompiledRules, DamagedRecordsAreRefused) {
       {"no right pattern", "00 1D 4C" + middle + "0000 0000 0000 05"},
       {"a pattern of one byte", "00 1E 4C 0000 00 01 00" + middle + "0000 05"},
       {"a group of one byte", "00 2F 4C 00 01 00" + kEmptyPattern + middle + "0000 05"},
-      {"an item without text",
-       "00 31 4C 0000 00 14 00 00 03 01 00 00 0000 0000 0000 0000 0000 0000 0000" + middle + "0000 05"},
-      {"a NUL inside a text",
-       "00 30 4C 0000 00 13 00 0000 0000 00 02 41 00 0000 0000 0000 0000 0000" + middle + "0000 05"},
-      {"a pattern that goes on",
-       "00 2F 4C 0000 00 12 00 0000 0000 0000 0000 0000 0000 0000 0000 00" + middle + "0000 05"},
+      {"an item without text", "00 31 4C 0000 00 14 00 00 03 01 00 00 0000 0000 0000 0000 0000 0000 0000" + middle + "0000 05"},
+      {"a NUL inside a text", "00 30 4C 0000 00 13 00 0000 0000 00 02 41 00 0000 0000 0000 0000 0000" + middle + "0000 05"},
+      {"a pattern that goes on", "00 2F 4C 0000 00 12 00 0000 0000 0000 0000 0000 0000 0000 0000 00" + middle + "0000 05"},
       {"no priority", "00 2D 4C 0000" + kEmptyPattern + middle + "0000"},
       {"a length beyond the file", "FF FF 4C 0000" + kEmptyPattern + middle + "0000 05"},
   };
@@ -222,8 +217,7 @@ TEST(CompiledRules, LargestRecordThatTheReaderTakes) {
   const std::string tail = hex("4C 0000" + kEmptyPattern + "0000" + kEmptyPattern + "0000 05");
   const std::string rest = list_written(rules_of("R{a}{}P1;")).bytes;
   const std::string largest = hex("7F FD") + tail + std::string(32765 - tail.size(), 'x') + rest;
-  EXPECT_EQ(dump(list_read(largest).rules),
-            "L/0  | brace  |  | brace  |  P5\nR/0  | brace attr<1a> |  | brace  |  P1\n");
+  EXPECT_EQ(dump(list_read(largest).rules), "L/0  | brace  |  | brace  |  P5\nR/0  | brace attr<1a> |  | brace  |  P1\n");
   const std::string too_large = hex("7F FE") + tail + std::string(32766 - tail.size(), 'x') + rest;
   EXPECT_EQ(list_read(too_large).status, Status::no_effect);
 }
@@ -260,8 +254,7 @@ TEST(CompiledRules, FileThatCannotBeWrittenIsTold) {
   EXPECT_EQ(rule_list_write(rules_of("L{}{}P9;"), full), Status::ok);
   EXPECT_EQ(rule_matrix_save(full), Status::ok);
   std::fclose(full);
-  EXPECT_EQ(output.text(),
-            ";;the compiled rule file could not be written\n;;the compiled rule matrix could not be written\n");
+  EXPECT_EQ(output.text(), ";;the compiled rule file could not be written\n;;the compiled rule matrix could not be written\n");
 }
 
 TEST(CompiledRules, StopsWhenAsked) {
@@ -319,9 +312,8 @@ TEST(CompiledMatrix, SameFromListReadBack) {
 
 // Is there nothing left that a search could run on?
 bool is_zeroed() {
-  return rule_matrix.rules == nullptr && rule_matrix.rule_count == 0 && rule_matrix.row_bytes == 0 &&
-         rule_matrix.left.attr_pool == nullptr && rule_matrix.left.pos_matrix == nullptr &&
-         rule_matrix.right.attr_table == nullptr && rule_matrix.right.result_vector == nullptr;
+  return rule_matrix.rules == nullptr && rule_matrix.rule_count == 0 && rule_matrix.row_bytes == 0 && rule_matrix.left.attr_pool == nullptr &&
+         rule_matrix.left.pos_matrix == nullptr && rule_matrix.right.attr_table == nullptr && rule_matrix.right.result_vector == nullptr;
 }
 
 // A header of these eight numbers.
@@ -374,8 +366,8 @@ TEST(CompiledMatrix, CutAtEveryByte) {
   for (std::size_t length = 0; length < whole.size(); ++length) {
     const Result loaded = matrix_loaded(whole.substr(0, length), rules);
     EXPECT_EQ(loaded.status, Status::no_effect) << length;
-    EXPECT_EQ(loaded.messages, std::string(";;the compiled rule matrix cannot be used: ") +
-                                   (length < 32 ? "the file has no header\n" : "the file is cut short\n"));
+    EXPECT_EQ(loaded.messages,
+              std::string(";;the compiled rule matrix cannot be used: ") + (length < 32 ? "the file has no header\n" : "the file is cut short\n"));
     EXPECT_TRUE(is_zeroed());
   }
 }

@@ -94,8 +94,7 @@ TEST(RuleParser, RefusesPatternsBySection) {
 }
 
 TEST(RuleParser, WarnsAndKeeps) {
-  const std::string no_relation =
-      ";;WARNING(0,1), no relation is found in LNODE and RNODE of above rule of type '>' or '<'\n";
+  const std::string no_relation = ";;WARNING(0,1), no relation is found in LNODE and RNODE of above rule of type '>' or '<'\n";
   const std::string no_priority = ";;WARNING(0,1), no priority in above rule, to be treated as 0\n";
   const Row rows[] = {
       {"no priority", "L{}{}\n", ";;L{}{}\n" + no_priority, "L{:::}{:::}P0;\n"},
@@ -106,8 +105,7 @@ TEST(RuleParser, WarnsAndKeeps) {
       {"a shift without relation", "<{}{}P1;\n", ";;<{}{}P1;\n" + no_relation, "<{:::}{:::}P1;\n"},
       {"both warnings", ">{}{}\n", ";;>{}{}\n" + no_relation + ";;>{}{}\n" + no_priority, ">{:::}{:::}P0;\n"},
       {"a relation on the right", "<{}{::r}P1;\n", "", "<{:::}{::r:}P1;\n"},
-      {"an inserted pattern is never endless", ":\"[x]::\"{}\n", ";;:\"[x]::\"{}\n" + no_priority,
-       ":\"[x]:::\"{:::}P0;\n"},
+      {"an inserted pattern is never endless", ":\"[x]::\"{}\n", ";;:\"[x]::\"{}\n" + no_priority, ":\"[x]:::\"{:::}P0;\n"},
       {"blanks between the parts", " : (A) {N:-N} (B)* \"[x]\" (C) P3;\n", "", ":(A){N:-N::}(B)*\"[x]:::\"(C)P3;\n"},
   };
   check(rows);
@@ -139,8 +137,7 @@ TEST(RuleParser, PatternFields) {
       {"roles", "{:::>a,<b c}", "brace role<>'a <'b <'c>"},
       {"blanks behind the colons", "{ a : b : c : d }", "brace attr<1a>act<3b>rel<l'c>role<<'d>"},
       {"the closer is not tied to the opener", "{a\"", "brace attr<1a>"},
-      {"an attribute of 300 is cut at 256", "{" + std::string(300, 'a') + "}",
-       "brace attr<1" + std::string(256, 'a') + ">"},
+      {"an attribute of 300 is cut at 256", "{" + std::string(300, 'a') + "}", "brace attr<1" + std::string(256, 'a') + ">"},
       {"a role of 70 is cut at 64", "{:::" + std::string(70, 'r') + "}", "brace role<<'" + std::string(64, 'r') + ">"},
   };
   for (const FieldsRow& row : rows) {
@@ -153,19 +150,14 @@ TEST(RuleParser, PatternFields) {
 
 TEST(RuleParser, OrderOfGroups) {
   const FieldsRow rows[] = {
-      {"PRE is turned, SUF is not", "L(a)(b)*{}{}(c)(d)*P1;",
-       "L/0 (attr<1b>)*(attr<1a>) | brace  |  | brace  | (attr<1c>)(attr<1d>)* P1\n"},
-      {"MID in order behind braces", ":{x}(a)(b)\"[w]\"P1;",
-       ":/0  | brace attr<1x> | (attr<1a>)(attr<1b>) | quote hw<1w> |  P1\n"},
-      {"MID turned behind a double quote", "P:\"[w]\"(a)(b){}P1;",
-       "5/0  | quote hw<1w> | (attr<1b>)(attr<1a>) | brace  |  P1\n"},
-      {"no limit of affirmative ones in a group", "L([a],[b],[[c]],[[d]]){}{}P1;",
-       "L/0 (hw<1a 1b>cw<1c 1d>) | brace  |  | brace  |  P1\n"},
+      {"PRE is turned, SUF is not", "L(a)(b)*{}{}(c)(d)*P1;", "L/0 (attr<1b>)*(attr<1a>) | brace  |  | brace  | (attr<1c>)(attr<1d>)* P1\n"},
+      {"MID in order behind braces", ":{x}(a)(b)\"[w]\"P1;", ":/0  | brace attr<1x> | (attr<1a>)(attr<1b>) | quote hw<1w> |  P1\n"},
+      {"MID turned behind a double quote", "P:\"[w]\"(a)(b){}P1;", "5/0  | quote hw<1w> | (attr<1b>)(attr<1a>) | brace  |  P1\n"},
+      {"no limit of affirmative ones in a group", "L([a],[b],[[c]],[[d]]){}{}P1;", "L/0 (hw<1a 1b>cw<1c 1d>) | brace  |  | brace  |  P1\n"},
       {"a lone starred group without attributes goes", "L([x])*{}{}(^[[y]])*P1;", "L/0  | brace  |  | brace  |  P1\n"},
       {"with attributes it stays", "L(X)*{}{}(Y)*P1;", "L/0 (attr<1X>)* | brace  |  | brace  | (attr<1Y>)* P1\n"},
       {"beside another it stays", "L()*(){}{}()()*P1;", "L/0 ()()* | brace  |  | brace  | ()()* P1\n"},
-      {"a blank parts the star from its group", "L(a) {}{}(b) P1;",
-       "L/0 (attr<1a>) | brace  |  | brace  | (attr<1b>) P1\n"},
+      {"a blank parts the star from its group", "L(a) {}{}(b) P1;", "L/0 (attr<1a>) | brace  |  | brace  | (attr<1b>) P1\n"},
       {"the side of a label", "L{::a}{::b}P1;", "L/0  | brace rel<l'a> |  | brace rel<r'b> |  P1\n"},
   };
   for (const FieldsRow& row : rows) {
@@ -234,13 +226,11 @@ TEST(RuleParser, Lines) {
       {"an error drops its own line alone", rule + "\nG\n" + rule, ";;G\n;;ERR(0,2) in TYPE\n", print + print},
       {"a line of 1023 characters is one", rule + std::string(1013, ' ') + "\n\nG\n", wrong, print},
       {"a line of 1024 characters is two", rule + std::string(1014, ' ') + "\nG\n", wrong, print},
-      {"the rest of a long line is read as a line", rule + std::string(1014, ' ') + rest + "\nG\n",
-       ";;" + rest + "\n;;ERR(0,2) in TYPE\n" + wrong, print},
+      {"the rest of a long line is read as a line", rule + std::string(1014, ' ') + rest + "\nG\n", ";;" + rest + "\n;;ERR(0,2) in TYPE\n" + wrong, print},
       {"a rule is cut in two", "L{" + std::string(1021, 'a') + "}{}P1;\nG\n",
        ";;" + std::string(1021, 'a') + ";;ERR(2,1) in COND in LNODE\n;;}{}P1;\n;;ERR(0,2) in TYPE\n" + wrong, ""},
       {"a NUL ends its line's text", "L{a}{}\0(\nL{\0}{}P1;\nG\n"s,
-       ";;L{a}{};;WARNING(0,1), no priority in above rule, to be treated as 0\n;;;;ERR(2,2) in LNODE\n" + wrong,
-       "L{a:::}{:::}P0;\n"},
+       ";;L{a}{};;WARNING(0,1), no priority in above rule, to be treated as 0\n;;;;ERR(2,2) in LNODE\n" + wrong, "L{a:::}{:::}P0;\n"},
       {"a line of a NUL is no empty line", "\0\n"s, ";;;;ERR(0,1) in TYPE\n", ""},
       {"text is 8-bit", "L{\xc3\xa9}{[\xff]}P1;", "", "L{\xc3\xa9:::}{[\xff]:::}P1;\n"},
   };

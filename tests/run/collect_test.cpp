@@ -26,28 +26,28 @@ struct ListRow {
   const char* sentence;
 };
 
-class Collect : public ::testing::TestWithParam<ListRow> {};
+TEST(Collect, WritesFromLeftToRightAndLeavesTheLinks) {
+  const ListRow rows[] = {
+      {"Words", "<< the dog hw=cw >>", "", "thedoghw"},
+      {"BoundaryWithTheMark", "<< a !>>", "", "a>>"},
+      {"ScopeInItsPlace", "<< a SCOPE:01 b >>", "<< c d e >>", "acdeb"},
+      {"ScopeWithoutARow", "<< a SCOPE:02 b >>", "<< c >>", "ab"},
+      {"ReferenceWithTheMark", "<< a !SCOPE:01 >>", "<< c >>", "aSCOPE:01"},
+  };
+  for (const ListRow& row : rows) {
+    SCOPED_TRACE(row.what);
 
-TEST_P(Collect, WritesFromLeftToRightAndLeavesTheLinks) {
-  fresh_sentence();
-  const List list(GetParam().list);
-  const List scope(GetParam().scope);
-  if (!scope.nodes.empty()) add_scope(1, scope.nodes[1]);
-  const std::string before = text_of_list(list.nodes[0]);
-  for (Node* node : list.nodes) {
-    EXPECT_EQ(collected(node), GetParam().sentence);
-    EXPECT_EQ(text_of_list(node), before);
+    fresh_sentence();
+    const List list(row.list);
+    const List scope(row.scope);
+    if (!scope.nodes.empty()) add_scope(1, scope.nodes[1]);
+    const std::string before = text_of_list(list.nodes[0]);
+    for (Node* node : list.nodes) {
+      EXPECT_EQ(collected(node), row.sentence);
+      EXPECT_EQ(text_of_list(node), before);
+    }
   }
 }
-
-INSTANTIATE_TEST_SUITE_P(Rows, Collect,
-                         ::testing::Values(ListRow{"Words", "<< the dog hw=cw >>", "", "thedoghw"},
-                                           ListRow{"BoundaryWithTheMark", "<< a !>>", "", "a>>"},
-                                           ListRow{"ScopeInItsPlace", "<< a SCOPE:01 b >>", "<< c d e >>", "acdeb"},
-                                           ListRow{"ScopeWithoutARow", "<< a SCOPE:02 b >>", "<< c >>", "ab"},
-                                           ListRow{"ReferenceWithTheMark", "<< a !SCOPE:01 >>", "<< c >>",
-                                                   "aSCOPE:01"}),
-                         [](const auto& row) { return row.param.what; });
 
 struct ArcRow {
   const char* what;
@@ -60,34 +60,31 @@ struct ArcRow {
   const char* second_form = "sees";
 };
 
-class Marks : public ::testing::TestWithParam<ArcRow> {};
+TEST(Marks, ShowTheArcsThatAreLeft) {
+  const ArcRow rows[] = {
+      // The cursor goes on by four whatever was written.
+      {"BothEnds", 2, 1, "agt", 0, false, 1, "dog<agtsees>agt"},
+      {"NotAtLevelZero", 2, 1, "agt", 0, false, 0, "dogsees"},
+      {"Used", 2, 1, "agt", 0, true, 1, "dogsees"},
+      {"OfAnotherScope", 2, 1, "agt", 1, false, 1, "dogsees"},
+      {"FromANodeToItself", 1, 1, "agt", 0, false, 1, "dog<agtsees"},
+      {"ShortLabelEndsTheLine", 2, 1, "to", 0, false, 1, "dog<to"},
+      {"LongLabelIsWrittenOver", 2, 1, "where", 0, false, 1, "dog<whesees>where"},
+      {"EmptyFormEndsALongLabel", 1, 1, "timxy", 0, false, 1, "dog<tim", ""},
+  };
+  for (const ArcRow& row : rows) {
+    SCOPED_TRACE(row.what);
 
-TEST_P(Marks, ShowTheArcsThatAreLeft) {
-  fresh_sentence();
-  const List list("<< dog sees >>");
-  const ArcRow& row = GetParam();
-  WordEntry& second = *list.at(2).candidates;
-  second.hw = temp_text(row.second_form);
-  second.hw_len = static_cast<std::int32_t>(std::strlen(row.second_form));
-  arc_between(list.at(static_cast<std::size_t>(row.from)), list.at(static_cast<std::size_t>(row.to)), row.label,
-              row.scope)
-      ->used = row.used ? 1 : 0;
-  state.trace_level = static_cast<std::int8_t>(row.trace_level);
-  EXPECT_EQ(collected(list.nodes[0]), row.sentence);
+    fresh_sentence();
+    const List list("<< dog sees >>");
+    WordEntry& second = *list.at(2).candidates;
+    second.hw = temp_text(row.second_form);
+    second.hw_len = static_cast<std::int32_t>(std::strlen(row.second_form));
+    arc_between(list.at(static_cast<std::size_t>(row.from)), list.at(static_cast<std::size_t>(row.to)), row.label, row.scope)->used = row.used ? 1 : 0;
+    state.trace_level = static_cast<std::int8_t>(row.trace_level);
+    EXPECT_EQ(collected(list.nodes[0]), row.sentence);
+  }
 }
-
-// The cursor goes on by four whatever was written.
-INSTANTIATE_TEST_SUITE_P(
-    Rows, Marks,
-    ::testing::Values(ArcRow{"BothEnds", 2, 1, "agt", 0, false, 1, "dog<agtsees>agt"},
-                      ArcRow{"NotAtLevelZero", 2, 1, "agt", 0, false, 0, "dogsees"},
-                      ArcRow{"Used", 2, 1, "agt", 0, true, 1, "dogsees"},
-                      ArcRow{"OfAnotherScope", 2, 1, "agt", 1, false, 1, "dogsees"},
-                      ArcRow{"FromANodeToItself", 1, 1, "agt", 0, false, 1, "dog<agtsees"},
-                      ArcRow{"ShortLabelEndsTheLine", 2, 1, "to", 0, false, 1, "dog<to"},
-                      ArcRow{"LongLabelIsWrittenOver", 2, 1, "where", 0, false, 1, "dog<whesees>where"},
-                      ArcRow{"EmptyFormEndsALongLabel", 1, 1, "timxy", 0, false, 1, "dog<tim", ""}),
-    [](const auto& row) { return row.param.what; });
 
 TEST(Limit, IsTheLastCharacterOfTheBuffer) {
   struct Row {

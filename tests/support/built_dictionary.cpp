@@ -65,8 +65,7 @@ std::vector<std::string> BuildFolder::names() const {
   return names;
 }
 
-BuildResult build_text(const BuildFolder& folder, const std::string& entries, const std::string& name,
-                       BuildOptions options) {
+BuildResult build_text(const BuildFolder& folder, const std::string& entries, const std::string& name, BuildOptions options) {
   options.entries = folder.path("entries.txt");
   options.dictionary = folder.path(name);
   std::ofstream(options.entries, std::ios::binary) << entries;

@@ -31,8 +31,7 @@ struct BuildResult {
 };
 
 // Writes `entries` to entries.txt in the folder and builds `name` of it.
-[[nodiscard]] BuildResult build_text(const BuildFolder& folder, const std::string& entries,
-                                     const std::string& name = "words.dic", BuildOptions options = {});
+[[nodiscard]] BuildResult build_text(const BuildFolder& folder, const std::string& entries, const std::string& name = "words.dic", BuildOptions options = {});
 
 // What the tools say of a dictionary of the folder: messages without the folder's name in front.
 struct ToolResult {

@@ -89,8 +89,8 @@ std::string words_text() {
 
 std::string nodes_text() {
   return joined(sentence.graph_nodes, 0, sentence.graph_node_count, [](const Node* node) {
-    return name_text(*node) + " k" + std::to_string(node->kind) + " " + list_number(node->entries) + " " +
-           candidates_text(node->candidates) + " " + block_texts(node->scope_attrs);
+    return name_text(*node) + " k" + std::to_string(node->kind) + " " + list_number(node->entries) + " " + candidates_text(node->candidates) + " " +
+           block_texts(node->scope_attrs);
   });
 }
 
@@ -102,9 +102,8 @@ std::string arcs_text() {
 }
 
 std::string scopes_text() {
-  return joined(sentence.semlst, 1, sentence.semlst_count, [](const ScopeRow& row) {
-    return std::to_string(row.number) + "=" + (row.entry == nullptr ? "-" : name_text(*row.entry));
-  });
+  return joined(sentence.semlst, 1, sentence.semlst_count,
+                [](const ScopeRow& row) { return std::to_string(row.number) + "=" + (row.entry == nullptr ? "-" : name_text(*row.entry)); });
 }
 
 Node* graph_node(const std::string& name, int number) {

@@ -19,16 +19,14 @@ namespace fs = std::filesystem;
 
 namespace {
 
-[[noreturn]] void become_program(const std::string& path, const std::vector<std::string>& arguments,
-                                 const std::string& folder, const std::string& out, const std::string& error) {
+[[noreturn]] void become_program(const std::string& path, const std::vector<std::string>& arguments, const std::string& folder, const std::string& out,
+                                 const std::string& error) {
   std::vector<char*> words{const_cast<char*>(path.c_str())};
   for (const std::string& argument : arguments) words.push_back(const_cast<char*>(argument.c_str()));
   words.push_back(nullptr);
   setsid();  // no terminal: questions are not asked
-  const bool ready = dup2(open("/dev/null", O_RDONLY), 0) >= 0 &&
-                     dup2(open(out.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600), 1) >= 0 &&
-                     dup2(open(error.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600), 2) >= 0 &&
-                     chdir(folder.c_str()) == 0;
+  const bool ready = dup2(open("/dev/null", O_RDONLY), 0) >= 0 && dup2(open(out.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600), 1) >= 0 &&
+                     dup2(open(error.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600), 2) >= 0 && chdir(folder.c_str()) == 0;
   if (ready) execv(path.c_str(), words.data());
   _exit(127);
 }
@@ -61,8 +59,7 @@ int wait_for_program(int process) {
   return WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
 }
 
-ProgramResult run_program(const std::string& name, const std::vector<std::string>& arguments,
-                          const std::string& folder) {
+ProgramResult run_program(const std::string& name, const std::vector<std::string>& arguments, const std::string& folder) {
   const std::string path = program_path(name);
   const std::string stem = fresh_folder("program");
   const std::string out = stem + "/out";

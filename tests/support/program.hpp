@@ -17,8 +17,7 @@ struct ProgramResult {
 
 // Runs a program of the build by its name, or any by its path, without a terminal, in the folder `folder`, and waits
 // for it.
-[[nodiscard]] ProgramResult run_program(const std::string& name, const std::vector<std::string>& arguments,
-                                        const std::string& folder = ".");
+[[nodiscard]] ProgramResult run_program(const std::string& name, const std::vector<std::string>& arguments, const std::string& folder = ".");
 
 // Starts a program and does not wait; its output goes nowhere. The process number, to be waited for.
 [[nodiscard]] int start_program(const std::string& name, const std::vector<std::string>& arguments);

@@ -73,8 +73,7 @@ bool block_has(const Node* node, const char* name) {
 void positive_step(Side& side, const WordEntry* w, const WordEntry* v) {
   for (std::int32_t r = 0; r < side.matrix.attr_count; ++r) {
     const char* name = side.matrix.attr_table[r];
-    const bool present =
-        attr_has(w, name) || block_has(side.node, name) || attr_has(v, name) || block_has(side.entry, name);
+    const bool present = attr_has(w, name) || block_has(side.node, name) || attr_has(v, name) || block_has(side.entry, name);
     if (!present) row_or(side.missing, side.matrix.pos_matrix, r);
   }
 }

@@ -29,17 +29,15 @@ namespace lexon::test {
 }
 
 [[nodiscard]] inline std::string dump(const NodePattern& pattern) {
-  return (pattern.inserted != 0 ? "quote " : "brace ") + dump_part("hw", pattern.hw_conds) +
-         dump_part("cw", pattern.cw_conds) + dump_part("attr", pattern.attr_conds) + dump_part("act", pattern.actions) +
-         dump_part("set_hw", pattern.hw_action) + dump_part("set_cw", pattern.cw_action) +
-         dump_part("rel", pattern.relations) + dump_part("role", pattern.roles);
+  return (pattern.inserted != 0 ? "quote " : "brace ") + dump_part("hw", pattern.hw_conds) + dump_part("cw", pattern.cw_conds) +
+         dump_part("attr", pattern.attr_conds) + dump_part("act", pattern.actions) + dump_part("set_hw", pattern.hw_action) +
+         dump_part("set_cw", pattern.cw_action) + dump_part("rel", pattern.relations) + dump_part("role", pattern.roles);
 }
 
 [[nodiscard]] inline std::string dump(const ContextGroup* groups) {
   std::string text;
   for (const ContextGroup& group : chain<&ContextGroup::next>(groups)) {
-    text += "(" + dump_part("hw", group.hw_conds) + dump_part("cw", group.cw_conds) +
-            dump_part("attr", group.attr_conds) + (group.star != 0 ? ")*" : ")");
+    text += "(" + dump_part("hw", group.hw_conds) + dump_part("cw", group.cw_conds) + dump_part("attr", group.attr_conds) + (group.star != 0 ? ")*" : ")");
   }
   return text;
 }
@@ -48,9 +46,8 @@ namespace lexon::test {
 [[nodiscard]] inline std::string dump(const Rule* rules) {
   std::string text;
   for (const Rule& rule : chain<&Rule::next>(rules)) {
-    text += std::string(1, static_cast<char>(rule.type)) + "/" + std::to_string(rule.subtype) + " " + dump(rule.pre) +
-            " | " + dump(*rule.lnode) + " | " + dump(rule.mid) + " | " + dump(*rule.rnode) + " | " + dump(rule.suf) +
-            " P" + std::to_string(rule.priority) + "\n";
+    text += std::string(1, static_cast<char>(rule.type)) + "/" + std::to_string(rule.subtype) + " " + dump(rule.pre) + " | " + dump(*rule.lnode) + " | " +
+            dump(rule.mid) + " | " + dump(*rule.rnode) + " | " + dump(rule.suf) + " P" + std::to_string(rule.priority) + "\n";
   }
   return text;
 }

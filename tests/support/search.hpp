@@ -25,11 +25,11 @@ enum class Before {
 
 struct SearchCase {
   const char* what;
-  const char* rules;     // one a line; the first is the candidate
-  const char* list;      // before; see list_text.hpp
-  const char* after;     // the list with the window
-  const char* outcome;   // the status, and the priority of the candidate's rule or "-"; "forced" if there is a target
-  const char* branches;  // the lines with ";;" of the trace, joined by "|"
+  const char* rules;              // one a line; the first is the candidate
+  const char* list;               // before; see list_text.hpp
+  const char* after;              // the list with the window
+  const char* outcome;            // the status, and the priority of the candidate's rule or "-"; "forced" if there is a target
+  const char* branches;           // the lines with ";;" of the trace, joined by "|"
   const char* scopes = "";        // lists of the scopes 1, 2, ... joined by ";"; the entry is the first word node
   const char* scopes_after = "";  // the same afterwards
   int forced = -1;                // index in the list of the target of a forced backtracking

@@ -1,0 +1,69 @@
+"""What the tables of programs share: a folder of its own, the programs, and a count of what holds."""
+import difflib
+import pathlib
+import re
+import subprocess
+import sys
+import tempfile
+
+ROOT = pathlib.Path(__file__).resolve().parents[2]
+PROGRAMS = pathlib.Path(sys.argv[1]).resolve()
+TIME_LINE = re.compile(r"^;;Time +[0-9.]+\tSec\n", re.M)
+passed = failed = 0
+
+
+def check(name, found, expected):
+    """One fact. What differs is shown, of texts the lines."""
+    global passed, failed
+    if found == expected:
+        passed += 1
+        return True
+    failed += 1
+    print(f"FAILED {name}")
+    if isinstance(found, str) and isinstance(expected, str):
+        lines = difflib.unified_diff(expected.splitlines(), found.splitlines(), "expected", "found", "", 1)
+        print("\n".join(list(lines)[:60]))
+    else:
+        print(f"  expected {expected!r}\n  found    {found!r}")
+    return False
+
+
+def run(program, *words, folder=None):
+    path = PROGRAMS / program if "/" not in program else program
+    return subprocess.run([path, *map(str, words)], cwd=folder, capture_output=True, stdin=subprocess.DEVNULL,
+                          encoding="utf-8", errors="surrogateescape", start_new_session=True)
+
+
+def folder():
+    """A fresh folder, to be used with `with`."""
+    return tempfile.TemporaryDirectory(prefix="lexon-test-")
+
+
+def text(path):
+    return path.read_bytes().decode("utf-8", "surrogateescape")
+
+
+def build_case(source, target):
+    """Brings rules and dictionaries of a folder of cases to `target`. The words of a run with them."""
+    (target / "rules.txt").write_bytes((source / "rules.txt").read_bytes())
+    words = ["entries.dic", "rules.txt", source / "input.txt", "out.txt", "--quiet"]
+    for name in ("entries", "cr"):
+        if (source / f"{name}.txt").exists():
+            built = run("lexon-dict", "build", source / f"{name}.txt", f"{name}.dic", folder=target)
+            check(f"{source.name}: {name}.txt builds", built.stderr, "")
+            words += ["-Ccr.dic"] if name == "cr" else []
+    return words
+
+
+def output(words, target, statuses=(0, 3)):
+    """What a run writes, without its time lines."""
+    made = run("lexon", *words, folder=target)
+    if made.returncode not in statuses:
+        check(f"exit status of {words}", made.returncode, statuses)
+        print(made.stderr)
+    return TIME_LINE.sub("", text(target / "out.txt"))
+
+
+def finish():
+    print(f"{passed} passed, {failed} failed")
+    sys.exit(failed != 0)
