@@ -68,18 +68,21 @@ bool make_ordinary(int descriptor) {
   return fchmod(descriptor, 0666 & ~mask) == 0;
 }
 
-std::string descriptor_path(int descriptor) {
-  return "/proc/self/fd/" + std::to_string(descriptor);
+// The path of an open descriptor, without the heap: a refusal of memory would leave the descriptor open.
+std::array<char, 32> descriptor_path(int descriptor) {
+  std::array<char, 32> path;
+  std::snprintf(path.data(), path.size(), "/proc/self/fd/%d", descriptor);
+  return path;
 }
 
 // Gives the file behind a descriptor a name of its own in `folder`; the empty text if the system cannot.
 std::string link_in(const std::string& folder, int descriptor) {
   constexpr int kTries = 16;
-  const std::string source = descriptor_path(descriptor);
+  const std::array<char, 32> source = descriptor_path(descriptor);
   for (int i = 0; i < kTries; ++i) {
     std::string name = temp_file_in(folder);
     if (name.empty() || std::remove(name.c_str()) != 0) return {};
-    if (linkat(AT_FDCWD, source.c_str(), AT_FDCWD, name.c_str(), AT_SYMLINK_FOLLOW) == 0) return name;
+    if (linkat(AT_FDCWD, source.data(), AT_FDCWD, name.c_str(), AT_SYMLINK_FOLLOW) == 0) return name;
     if (errno != EEXIST) return {};
   }
   return {};
@@ -88,7 +91,7 @@ std::string link_in(const std::string& folder, int descriptor) {
 // An open private file without a name, which can be opened again by the path of its descriptor; -1 if the system cannot.
 int nameless_file_in(const std::string& folder) {
   const int descriptor = open(folder.c_str(), O_TMPFILE | O_RDWR | O_CLOEXEC, 0600);
-  if (descriptor < 0 || access(descriptor_path(descriptor).c_str(), R_OK | W_OK) == 0) return descriptor;
+  if (descriptor < 0 || access(descriptor_path(descriptor).data(), R_OK | W_OK) == 0) return descriptor;
   close(descriptor);
   return -1;
 }
@@ -135,7 +138,7 @@ bool is_named_fifo(int descriptor) {
   struct stat status {};
   if (fstat(descriptor, &status) != 0 || !S_ISFIFO(status.st_mode)) return false;
   std::array<char, 2> target{};
-  return readlink(descriptor_path(descriptor).c_str(), target.data(), 1) == 1 && target[0] == '/';
+  return readlink(descriptor_path(descriptor).data(), target.data(), 1) == 1 && target[0] == '/';
 }
 
 struct ThreadStart {

@@ -1,5 +1,5 @@
 // One run, in the order of its steps: open everything, decide about the rule files, run the rule step, render one
-// sentence after the other. Every way out ends with `Host::finish`; nothing but the compiled files is closed here.
+// sentence after the other. Every way out ends with `Host::finish`; the output and the dictionaries stay open.
 #include "run/driver.hpp"
 
 #include <array>
@@ -259,6 +259,9 @@ void run_driver(const RunSettings& settings, Host& host) {
   run_guarded(settings, context, host);
   compiled_file_close(context.compiled_rules);
   compiled_file_close(context.compiled_matrix);
+  for (std::FILE* stream : {context.input, context.rule_text}) {
+    if (stream != nullptr) std::fclose(stream);
+  }
   // What lookups worked with is closed with the context.
   sentence.dictionary = sentence.cr_dictionary = {};
   host.finish();

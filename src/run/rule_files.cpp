@@ -1,6 +1,7 @@
 #include "run/rule_files.hpp"
 
 #include <cstdio>
+#include <memory>
 #include <optional>
 
 #include "data/platform.hpp"
@@ -133,11 +134,9 @@ void note_by_stamp(const std::string& rule_file, const std::string& stamp_path, 
 
 bool text_has_changed(const RunContext& context) {
   if (!context.rule_text_mark) return false;
-  std::FILE* stream = regular_file_open(context.rule_text_path, "rb");
-  if (stream == nullptr) return true;
-  const std::optional<FileMark> found = file_mark(stream);
-  std::fclose(stream);
-  return found != context.rule_text_mark;
+  const std::unique_ptr<std::FILE, int (*)(std::FILE*)> stream(regular_file_open(context.rule_text_path, "rb"),
+                                                               std::fclose);
+  return stream == nullptr || file_mark(stream.get()) != context.rule_text_mark;
 }
 
 // The matrix belongs to the rules that were loaded: beside others it would be taken for theirs.
