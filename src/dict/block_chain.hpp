@@ -7,8 +7,8 @@
 #include <cstdio>
 
 #include "data/bytes.hpp"
-#include "dict/layout.hpp"
 #include "data/platform.hpp"
+#include "dict/layout.hpp"
 
 namespace lexon {
 

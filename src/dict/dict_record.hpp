@@ -7,9 +7,9 @@
 #include <string_view>
 
 #include "data/bytes.hpp"
-#include "dict/layout.hpp"
 #include "data/records.hpp"
 #include "data/status.hpp"
+#include "dict/layout.hpp"
 
 namespace lexon {
 

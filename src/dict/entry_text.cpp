@@ -2,10 +2,10 @@
 
 #include <array>
 
+#include "data/bytes.hpp"
 #include "data/chain.hpp"
 #include "data/chars.hpp"
 #include "data/words.hpp"
-#include "data/bytes.hpp"
 
 namespace lexon {
 
