@@ -78,6 +78,11 @@ void sentence_refuse(const char* what);
 // index is the result.
 [[nodiscard]] int scope_is_built(int scope);
 
+// Is `node` a scope reference whose scope is not generated?
+[[nodiscard]] inline bool is_unbuilt_reference(const Node& node) {
+  return is_scope_reference(node) && scope_is_built(node.scope) == 0;
+}
+
 // The entry node of a scope, or null.
 [[nodiscard]] Node* scope_entry_node(int scope);
 

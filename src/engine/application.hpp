@@ -33,10 +33,6 @@ struct Outcome {
 // newest one tells by its state whether the word was changed.
 [[nodiscard]] Status node_actions_apply(Side side, const Rule& rule, const Window& window);
 
-// The merge of the window's nodes (DL, DR) and their exchange (X). The window is moved.
-[[nodiscard]] Status merge_apply(Window& window, RuleCandidate& candidate);
-[[nodiscard]] Status exchange_apply(Window& window, RuleCandidate& candidate);
-
 // Goes back until the word of the target is changed (?L, ?R).
 [[nodiscard]] Outcome forced_backtrack(Window& window, RuleCandidate*& candidate, std::int32_t& home_scope);
 

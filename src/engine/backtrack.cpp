@@ -7,11 +7,14 @@
 //  3  a window beyond the right boundary has come there by a step to the right: on at 7
 //  4  a window that has come from both sides: both markers go
 //  5  a node was put back for another try, and that try has failed in matching: on at 8
-//  6  a window in which nothing has been done yet: the right node's next word, or the next rule   (fresh_window.cpp)
-//  7  the newest application of the window is undone                            (pop.cpp, and the undo of each type)
-//  8  the next word of the node that was brought in; without one it leaves the list             (alternatives.cpp)
+//  6  a window in which nothing has been done yet: the right node's next word, or the next rule
+//  7  the newest application of the window is undone (undo.cpp undoes what changed the list)
+//  8  the next word of the node that was brought in; without one it leaves the list
 //  9  the next rule of the window
 // 10  the list is shown
+//
+// Steps 6 to 9 stand below in this order, and last the driver with steps 1 to 5 and 10. The numbers in the trace name
+// the branches.
 
 #include "engine/backtrack.hpp"
 
@@ -20,51 +23,496 @@
 #include "data/nodes.hpp"
 #include "data/sentence.hpp"
 #include "data/state.hpp"
+#include "data/words.hpp"
+#include "dict/cooccurrence.hpp"
+#include "engine/apply.hpp"
 #include "engine/trace.hpp"
 #include "engine/undo.hpp"
+#include "rules/matrix.hpp"
 
 namespace lexon {
 
 namespace {
 
-// Step 1.
-void word_test_trace(const Undo& undo) {
-  if (undo.candidate != nullptr && is_word_test_type(undo.candidate->rule->type))
-    trace_backtrack_0(*undo.candidate, undo.window);
+// What the steps hand on.
+struct Undo {
+  Window& caller;             // set only where a step says so: an early end leaves it as it was
+  RuleCandidate*& candidate;  // the rule that failed, then the one that is undone, then the next to try; may be null
+  std::int32_t& home_scope;
+  Window window;          // the working copy
+  RuleCandidate* undone;  // of the application that step 7 has found; null before
+  bool word_is_pending;   // the right node's next word is due before the rule list moves on
+  Status result;          // what the call returns: ok until a step says otherwise
+};
+
+// "Go on at ...": what a step returns.
+enum class Stage : std::uint8_t { fresh_window, pop, alternatives, next_rule, end, leave };
+
+// The result is `status`, at once: nothing is printed any more.
+[[nodiscard]] Stage leave(Undo& undo, Status status) {
+  undo.result = status;
+  return Stage::leave;
 }
 
-[[nodiscard]] bool is_beyond_right_boundary(const Undo& undo) {
-  return undo.window.rnode == nullptr && undo.candidate != nullptr && undo.candidate->rule->type == rule_type::right;
+// The branch of this number: the rule is given up for the next one of its window.
+void to_next_rule(Undo& undo, int number) {
+  trace_next_rule(number);
+  RuleCandidate* given_up = std::exchange(undo.candidate, undo.candidate->next);
+  // Its records are gone. An element that came from a caller may still be held by that caller.
+  if (given_up == undo.undone) candidate_passed_over(given_up);
 }
 
-// Step 4.
-void marker_pair_pop(const Window& window) {
-  if (window.lnode == nullptr || window.rnode == nullptr) return;
-  if (!is_window_marker(window.lnode->matches) || !is_window_marker(window.rnode->matches)) return;
-  match_record_pop(*window.lnode);
-  match_record_pop(*window.rnode);
+// The branch of this number in a forced backtracking: all rules of the window are given up.
+void give_up_rules(Undo& undo, int number) {
+  trace_ignore_rules(number);
+  RuleCandidate* given_up = std::exchange(undo.candidate, nullptr);
+  if (given_up == undo.undone) candidates_passed_over(given_up);
 }
+
+// ---- Step 6: the window is fresh. Nothing has been done here but what rules tried on the words of the right node.
+
+// At the beginning of a list, with the word fixed from outside by a hold.
+[[nodiscard]] bool is_held_from_outside(const Window& window, const Node* final_node) {
+  if (!is_boundary(*window.lnode) || !is_fresh(*window.lnode)) return false;
+  return is_held(*window.rnode) || (final_node != nullptr && is_held(*final_node));
+}
+
+// 6.6: the words are used up. The next rule sees them all again, from the second on: being called again, the next call
+// drops the head.
+[[nodiscard]] Stage words_used_up(Undo& undo, Node& target) {
+  trace_no_entry(Side::right);
+  if (const Status status = node_words_reload(target); status != Status::ok) return leave(undo, status);
+  const std::uint8_t type = undo.candidate->rule->type;
+  if (state.forced_node != nullptr) {
+    trace_ignore_rules();
+    undo.candidate = nullptr;
+  } else if (type == rule_type::test_right || type == rule_type::test) {
+    return leave(undo, Status::nothing_left);
+  } else {
+    to_next_rule(undo, 32);
+  }
+  return leave(undo, undo.candidate != nullptr ? Status::no_effect : Status::nothing_left);
+}
+
+[[nodiscard]] Stage fresh_window(Undo& undo) {
+  if (undo.window.rnode == nullptr) return leave(undo, rule_base_failure("searched on beyond the end of the list"));
+  Node& rnode = *undo.window.rnode;
+  Node* final_node = is_scope_reference(rnode) ? scope_final_node(rnode.scope) : nullptr;
+  // 6.1: an untouched scope reference gives up its word in force, but is never left without words.
+  if (is_scope_reference(rnode) && is_fresh(rnode)) {
+    entry_drop_head(rnode.candidates);
+    if (rnode.candidates == nullptr) {
+      if (const Status status = node_words_reload(rnode); status != Status::ok) {
+        // wanted: this one failure is told by the engine's status alone.
+        state.engine_status = status;
+        return Stage::leave;
+      }
+    }
+  }
+  // 6.2 and 6.3
+  if (is_held_from_outside(undo.window, final_node)) {
+    if (state.forced_node != nullptr) {
+      undo.candidate = nullptr;
+      trace_ignore_rules();
+    }
+    return leave(undo, Status::nothing_left);
+  }
+  if (undo.candidate == nullptr) return leave(undo, Status::nothing_left);
+  // 6.4 and 6.5: the word in force is given up.
+  Node& target = final_node != nullptr ? *final_node : rnode;
+  entry_drop_head(target.candidates);
+  trace_next_entry_flushed(Side::right, 2);
+  if (state.forced_node == &rnode) {
+    state.forced_node = nullptr;
+    trace_forced_ends();
+  }
+  const bool has_words = target.candidates != nullptr && rnode.candidates != nullptr;
+  return has_words ? Stage::end : words_used_up(undo, target);
+}
+
+// ---- Steps 7.10 and 7.11: the same rule on the same nodes with the next word that the co-occurrence step chose. What
+// the actions of the application have done stays.
+
+// Did the rule bring in this side's node by a choice that has a successor?
+[[nodiscard]] bool has_next_choice(const Rule& rule, Side side, const Node& node) {
+  if (pattern_of(rule, side).inserted == 0 || is_fresh(node)) return false;
+  const WordEntry* choices = node.matches->cooccurrence;
+  return choices != nullptr && choices->next != nullptr;
+}
+
+// Takes the choice in force off the node's word and off the records; `rest` is what comes behind it.
+[[nodiscard]] Status choice_take_off(const Undo& undo, Side side, Node& node, WordEntry*& rest) {
+  const Rule& rule = *undo.candidate->rule;
+  WordEntry* choice = node.matches->cooccurrence;
+  Node* left = side == Side::left ? &node : nullptr;
+  Node* right = side == Side::left ? nullptr : &node;
+  if (const Status status = role_mark_remove(rule, left, right, *choice); status != Status::ok) return status;
+  rest = std::exchange(choice->next, nullptr);
+  node.matches->cooccurrence = nullptr;
+  // The other record of the application shares the choice, until it has been taken off once. Of another record nothing
+  // is known, and the choice stays in the pool.
+  MatchRecord* twin = node_of(undo.window, other(side))->matches;
+  if (twin == nullptr || twin->candidate != node.matches->candidate) return Status::ok;
+  if (twin->cooccurrence != nullptr && twin->cooccurrence != choice) return Status::ok;
+  twin->cooccurrence = nullptr;
+  entry_list_free(choice);
+  return Status::ok;
+}
+
+// The rule once more, with the head of `rest`.
+[[nodiscard]] Stage choice_apply(Undo& undo, MatchRecord& record, WordEntry* rest) {
+  Window& window = undo.window;
+  if (rest == nullptr) return leave(undo, rule_base_failure("lost its co-occurrence choices"));
+  record.cooccurrence = rest;
+  const Rule& rule = *undo.candidate->rule;
+  Status status = role_mark_add(rule, window.lnode, window.rnode, *rest);
+  if (status == Status::ok) status = apply_rule(window, undo.candidate, &undo.home_scope);
+  if (status != Status::ok) return leave(undo, status);
+  undo.candidate = rule_candidates(window.lnode, window.rnode);
+  undo.caller = window;
+  return Stage::end;
+}
+
+// `pop`: no choice is left.
+[[nodiscard]] Stage next_choice(Undo& undo) {
+  const Rule& rule = *undo.candidate->rule;
+  for (const Side side : {Side::left, Side::right}) {
+    Node& node = *node_of(undo.window, side);
+    if (!has_next_choice(rule, side, node)) continue;
+    if (state.forced_node == &node) {
+      state.forced_node = nullptr;
+      // wanted: the two lines are spelled differently.
+      side == Side::left ? trace_forced_ends_at_choice() : trace_forced_ends();
+    }
+    WordEntry* rest = nullptr;
+    if (const Status status = choice_take_off(undo, side, node, rest); status != Status::ok) return leave(undo, status);
+    const int score =
+        cooccurrence_check(undo.window.lnode->candidates, undo.window.rnode->candidates, rule, rest, side_letter(side));
+    if (score != 0) return choice_apply(undo, *node.matches, rest);
+    // wanted: what the left side has not used stays.
+    if (side == Side::right) entry_list_free(rest);
+  }
+  return Stage::pop;
+}
+
+// ---- Step 7: the newest application of the window is undone. First the window moves back to where the rule worked,
+// then nodes that the rule made leave the list, then the changed words and the records go.
+
+[[nodiscard]] RuleCandidate* newest_candidate(const Node* node) {
+  return node == nullptr || is_fresh(*node) ? nullptr : node->matches->candidate;
+}
+
+// 7.3, 7.6 and 7.7: the window and the list as they were when the rule was applied.
+[[nodiscard]] Status place_restore(Undo& undo) {
+  Node*& lnode = undo.window.lnode;
+  Node*& rnode = undo.window.rnode;
+  const Rule& rule = *undo.candidate->rule;
+  if (rule.type == rule_type::right) {
+    // One place back to the left, past the marker of the step.
+    if (rnode != nullptr && !is_fresh(*rnode)) match_record_pop(*rnode);
+    if (lnode == nullptr) return rule_base_failure("undid a step to the right at an empty place");
+    undo.caller = undo.window = {lnode->left, lnode};
+  }
+  if (lnode == nullptr) return rule_base_failure("undid a rule at an empty place");
+  if (!is_fresh(*lnode) && lnode->matches->candidate == nullptr) {
+    // A marker says that the window has moved here from where the rule worked.
+    match_record_pop(*lnode);
+    if (rule.mid != nullptr) {
+      if (const Status status = to_noted_places(undo.window, *undo.candidate); status != Status::ok) return status;
+    } else {
+      if (rnode == nullptr) return rule_base_failure("undid a step to the left at an empty place");
+      undo.window = {rnode, rnode->right};
+    }
+  }
+  if (rule.type == rule_type::copy_left || rule.type == rule_type::copy_right) {
+    // The copy stands to the right of the node that was copied.
+    Node* copied = rule.type == rule_type::copy_left ? lnode : rnode;
+    Node* copy = copied == nullptr ? nullptr : copied->right;
+    if (copy == nullptr || copy->merged_with != nullptr) return rule_base_failure("undid a copy that is not there");
+    if (rule.type == rule_type::copy_left) rnode = copy->right;
+    node_unlink_release(*copy);
+  }
+  const bool has_both = lnode != nullptr && rnode != nullptr;
+  return has_both ? Status::ok : rule_base_failure("undid a rule at an empty place");
+}
+
+// The choices that the two records of the application share, or that one of them has kept. Null if there are none, or
+// if the records are not a pair.
+[[nodiscard]] WordEntry* choices_of(const Undo& undo) {
+  const MatchRecord* left = undo.window.lnode->matches;
+  const MatchRecord* right = undo.window.rnode->matches;
+  if (left == nullptr || right == nullptr) return nullptr;
+  if (left->candidate != undo.candidate || right->candidate != undo.candidate) return nullptr;
+  if (left->cooccurrence == nullptr) return right->cooccurrence;
+  const bool are_one = right->cooccurrence == nullptr || right->cooccurrence == left->cooccurrence;
+  return are_one ? left->cooccurrence : nullptr;
+}
+
+[[nodiscard]] bool is_fresh_and_built(const Node& node) {
+  return is_scope_reference(node) && is_fresh(node) && scope_is_built(node.scope) != 0;
+}
+
+// 7.14: was a scope brought in or entered by the rule? If it stands finished, the search goes on inside it.
+[[nodiscard]] Stage scope_test(Undo& undo, const Rule& rule) {
+  Node& lnode = *undo.window.lnode;
+  Node& rnode = *undo.window.rnode;
+  if (!may_re_enter_scope(&rnode, *rule.rnode, rule) && !may_re_enter_scope(&lnode, *rule.lnode, rule))
+    return Stage::alternatives;
+  if (is_scope_reference(lnode)) hold_release(lnode);
+  if (is_scope_reference(rnode)) hold_release(rnode);
+  if (!is_fresh_and_built(lnode) && !is_fresh_and_built(rnode)) return Stage::alternatives;
+  undo.result = Status::nothing_left;
+  return Stage::end;
+}
+
+// 7.8 to 7.15, for the types that are undone in place.
+[[nodiscard]] Stage application_undo(Undo& undo) {
+  Window& window = undo.window;
+  const Rule& rule = *undo.candidate->rule;
+  if (const Status status = place_restore(undo); status != Status::ok) return leave(undo, status);
+  trace_backtrack_1(*undo.candidate, window);
+  if (rule.mid != nullptr) {
+    if (const Status status = to_noted_places(window, *undo.candidate); status != Status::ok)
+      return leave(undo, status);
+  }
+  if (const Stage stage = next_choice(undo); stage != Stage::pop) return stage;
+  WordEntry* choices = choices_of(undo);
+  for (Node* node : {window.lnode, window.rnode}) {
+    if (!is_fresh(*node) && node->matches->state == kStateChanged) entry_drop_head(node->candidates);
+    if (const Status status = record_pop(node); status != Status::ok) return leave(undo, status);
+  }
+  entry_list_free(choices);
+  undo.caller = window;
+  if (rule.type == rule_type::right && is_boundary(*window.rnode)) return Stage::next_rule;
+  return scope_test(undo, rule);
+}
+
+// 7.2, 7.4 and 7.5: `status` of what has set the window; the next stage if that has not failed.
+[[nodiscard]] Stage window_was_set(Undo& undo, Status status, Stage next) {
+  if (is_failure(status)) return leave(undo, status);
+  undo.result = status;
+  undo.caller = undo.window;
+  return next;
+}
+
+[[nodiscard]] Stage pop(Undo& undo) {
+  RuleCandidate* newest = newest_candidate(undo.window.rnode);
+  undo.candidate = undo.undone = newest != nullptr ? newest : newest_candidate(undo.window.lnode);
+  if (undo.candidate == nullptr) return leave(undo, rule_base_failure("undid a step that no rule has made"));
+  const Rule& rule = *undo.candidate->rule;
+  switch (rule.type) {
+    case rule_type::merge_left:
+    case rule_type::merge_right: return window_was_set(undo, merge_undo(undo.window, undo.candidate), Stage::end);
+    case rule_type::exchange:
+      return window_was_set(undo, exchange_undo(undo.window, *undo.candidate), Stage::alternatives);
+    case rule_type::plus:
+    case rule_type::minus:
+    case rule_type::less:
+    case rule_type::greater: return window_was_set(undo, stepless_undo(undo.window, rule), Stage::alternatives);
+    case rule_type::right:
+    case rule_type::insertion_a:
+    case rule_type::insertion:
+    case rule_type::left:
+    case rule_type::copy_left:
+    case rule_type::copy_right:
+    case rule_type::test_left:
+    case rule_type::test_right:
+    case rule_type::test: return application_undo(undo);
+    default: return leave(undo, Status::no_effect);
+  }
+}
+
+// ---- Step 8: the next word of the node that the rule brought in, tried in its place by the same rule. For a scope
+// reference it is the word of the scope's entry node, as long as a hold fixes it from outside. When the words are used
+// up the node leaves the list, and the next rule is due.
+
+// What is tried in another way, as it stood before anything was changed.
+struct Retry {
+  const Rule& rule;
+  Side side;        // of the node that the rule brought in
+  Node* mid_start;  // the node from which the rule's MID was counted; null without MID
+};
+
+// The node whose words are tried for `node`.
+[[nodiscard]] Node* word_node(Node& node) {
+  return is_scope_reference(node) ? scope_unbuilt_target(node.scope) : &node;
+}
+
+// Item 3 of both sides: the word in force goes; all words go if a forced backtracking aims elsewhere.
+void word_change(Node& target, Side side, int number, bool may_go_on) {
+  if (target.candidates == nullptr) return;
+  if (may_go_on) {
+    trace_next_entry(side, number);
+    entry_drop_head(target.candidates);
+  } else {
+    trace_clear_entries(side, number);
+    entry_list_free(target.candidates);
+  }
+}
+
+// What the entry node of a scope reference at the other place still offers.
+enum class Held : std::uint8_t { none, has_words, used_up, failed };
+
+// Its next word, if a hold has fixed the last one. With `of`, only a hold of this rule. Used-up words are reloaded.
+[[nodiscard]] Held held_word_change(const Node& reference, const Rule* of) {
+  Node* entry = scope_unbuilt_target(reference.scope);
+  if (!hold_take(entry, of)) return Held::none;
+  entry_drop_head(entry->candidates);
+  if (entry->candidates != nullptr) return Held::has_words;
+  return node_words_reload(*entry) == Status::ok ? Held::used_up : Held::failed;
+}
+
+// Item 7 of both sides: the node leaves the list.
+[[nodiscard]] Stage inserted_take_out(Undo& undo, const Retry& retry) {
+  if (const Status status = inserted_undo(retry.rule, undo.window); status != Status::ok) return leave(undo, status);
+  if (retry.rule.mid != nullptr) {
+    // The window is given by the candidate as it now stands, on the side of the node that stays; by the rule that is
+    // taken back if the next one, still untried, has noted no place.
+    const Side staying_side = other(retry.side);
+    Node* noted = undo.candidate == nullptr ? nullptr : noted_place(*undo.candidate, staying_side);
+    Node* staying = noted != nullptr ? noted : retry.mid_start;
+    const bool has_place = staying != nullptr && stands_in_list_of(node_of(undo.window, staying_side), staying);
+    if (!has_place) return leave(undo, rule_base_failure("lost the place of a rule with MID"));
+    undo.window = staying_side == Side::left ? Window{staying, staying->right} : Window{staying->left, staying};
+  }
+  undo.caller = undo.window;
+  return Stage::end;
+}
+
+// Item 5 of the right side. `end`: the left node's scope has another word for the same rule.
+[[nodiscard]] Stage right_words_used_up(Undo& undo) {
+  trace_no_entry(Side::right);
+  if (const Node& lnode = *undo.window.lnode; is_unbuilt_reference(lnode)) {
+    const Held held = held_word_change(lnode, nullptr);
+    if (held == Held::has_words) return Stage::end;
+    if (held == Held::failed) return leave(undo, Status::memory);
+  }
+  if (state.forced_node == nullptr) {
+    to_next_rule(undo, 12);
+  } else {
+    give_up_rules(undo, 1);
+  }
+  return Stage::alternatives;
+}
+
+[[nodiscard]] Stage right_side(Undo& undo, const Retry& retry) {
+  Node& rnode = *undo.window.rnode;
+  const bool is_reference = is_scope_reference(rnode);
+  if (!is_reference && retry.rule.rnode->inserted != 0) mark(rnode);
+  Node* target = word_node(rnode);
+  if (is_reference && !hold_take(target, &retry.rule)) {
+    to_next_rule(undo, 11);
+  } else {
+    const Node* forced = state.forced_node;
+    word_change(*target, Side::right, 3, forced == nullptr || forced == &rnode || forced == target);
+    if (forced == target) {
+      state.forced_node = nullptr;
+      trace_forced_ends_at_right_entry();
+    }
+    if (target->candidates == nullptr) {
+      if (const Stage stage = right_words_used_up(undo); stage != Stage::alternatives) return stage;
+    }
+  }
+  if (!is_reference && target->candidates != nullptr) return Stage::end;
+  return inserted_take_out(undo, retry);
+}
+
+// Item 5 of the left side.
+[[nodiscard]] Stage left_words_used_up(Undo& undo, const Rule& rule) {
+  trace_no_entry(Side::left);
+  const Node& rnode = *undo.window.rnode;
+  // 5.1: the entry node of the right node's scope, which was not asked so far.
+  if (is_fresh(rnode) && is_unbuilt_reference(rnode)) {
+    switch (held_word_change(rnode, &rule)) {
+      case Held::has_words: return Stage::end;
+      case Held::failed: return leave(undo, Status::memory);
+      case Held::used_up: to_next_rule(undo, 23); break;
+      case Held::none: to_next_rule(undo, 24); break;
+    }
+  }
+  if (state.forced_node == nullptr) {
+    const bool word_waits = is_held(rnode) || (is_fresh(rnode) && !is_boundary(rnode));
+    if (word_waits) {
+      undo.word_is_pending = true;
+    } else {
+      to_next_rule(undo, 22);
+    }
+  } else if (state.forced_node != &rnode || !is_untouched(rnode)) {
+    give_up_rules(undo, 2);
+  }
+  return Stage::alternatives;
+}
+
+[[nodiscard]] Stage left_side(Undo& undo, const Retry& retry) {
+  Node& lnode = *undo.window.lnode;
+  const bool is_reference = is_scope_reference(lnode);
+  if (!is_reference) mark(lnode);
+  Node* target = word_node(lnode);
+  // wanted: unlike on the right side, the hold of any rule will do.
+  if (is_reference && !hold_take(target)) {
+    to_next_rule(undo, 21);
+  } else {
+    const Node* forced = state.forced_node;
+    // wanted: unlike on the right side, a forced reference is not its target.
+    word_change(*target, Side::left, 2, forced == nullptr || forced == target);
+    if (forced == target) {
+      state.forced_node = nullptr;
+      trace_forced_ends();
+    }
+    if (target->candidates == nullptr) {
+      if (const Stage stage = left_words_used_up(undo, retry.rule); stage != Stage::alternatives) return stage;
+    }
+  }
+  if (!is_reference && target->candidates != nullptr) return Stage::end;
+  return inserted_take_out(undo, retry);
+}
+
+[[nodiscard]] Stage alternatives(Undo& undo) {
+  const Window& window = undo.window;
+  if (undo.candidate == nullptr) return leave(undo, rule_base_failure("tried a node again without its rule"));
+  if (window.lnode == nullptr || window.rnode == nullptr)
+    return leave(undo, rule_base_failure("tried a node again beside an empty place"));
+  const Rule& rule = *undo.candidate->rule;
+  const bool right_word_is_due = has_brace_patterns(rule) && is_fresh(*window.rnode);
+  if (rule.rnode->inserted != 0 || right_word_is_due) {
+    return right_side(undo, {rule, Side::right, noted_place(*undo.candidate, Side::left)});
+  }
+  if (rule.lnode->inserted == 0) return Stage::next_rule;
+  return left_side(undo, {rule, Side::left, noted_place(*undo.candidate, Side::right)});
+}
+
+// ---- Step 9: no node has words to change.
+
+[[nodiscard]] Stage next_rule(Undo& undo) {
+  if (state.forced_node == nullptr) {
+    to_next_rule(undo, 31);
+  } else {
+    give_up_rules(undo, 3);
+  }
+  return Stage::end;
+}
+
+// ---- Steps 3 to 6: where to begin.
 
 [[nodiscard]] bool is_put_back(const Node* node) {
   return node != nullptr && is_fresh(*node) && is_marked(*node);
 }
 
-// Steps 3 to 6: where to begin.
 [[nodiscard]] Stage first_stage(Undo& undo) {
-  if (is_beyond_right_boundary(undo)) return Stage::pop;
-  marker_pair_pop(undo.window);
-  const Node* lnode = undo.window.lnode;
-  const Node* rnode = undo.window.rnode;
+  Node* lnode = undo.window.lnode;
+  Node* rnode = undo.window.rnode;
+  const bool is_beyond_right_boundary =
+      rnode == nullptr && undo.candidate != nullptr && undo.candidate->rule->type == rule_type::right;
+  if (is_beyond_right_boundary) return Stage::pop;
+  const bool has_both = lnode != nullptr && rnode != nullptr;
+  if (has_both && is_window_marker(lnode->matches) && is_window_marker(rnode->matches)) {
+    match_record_pop(*lnode);
+    match_record_pop(*rnode);
+  }
   if (is_put_back(lnode) || is_put_back(rnode)) return Stage::alternatives;
   if (lnode == nullptr) return leave(undo, rule_base_failure("left the list to the left and searched on"));
   const bool has_application = !is_fresh(*lnode) || (rnode != nullptr && !is_untouched(*rnode));
   return has_application ? Stage::pop : Stage::fresh_window;
-}
-
-// Step 10.
-[[nodiscard]] Status finish(const Undo& undo) {
-  trace_list_after_undo(undo.window);
-  return undo.word_is_pending && undo.result == Status::ok ? Status::no_effect : undo.result;
 }
 
 }  // namespace
@@ -72,7 +520,7 @@ void marker_pair_pop(const Window& window) {
 Status backtrack(Window& window, RuleCandidate*& candidate, std::int32_t& home_scope) {
   if (const Status status = must_leave(); status != Status::ok) return status;
   Undo undo{window, candidate, home_scope, window, nullptr, false, Status::ok};
-  word_test_trace(undo);
+  if (candidate != nullptr && is_word_test_type(candidate->rule->type)) trace_backtrack_0(*candidate, window);
   for (Stage stage = first_stage(undo); stage != Stage::end;) {
     switch (stage) {
       case Stage::fresh_window: stage = fresh_window(undo); break;
@@ -83,25 +531,8 @@ Status backtrack(Window& window, RuleCandidate*& candidate, std::int32_t& home_s
       case Stage::end: break;
     }
   }
-  return finish(undo);
-}
-
-Stage leave(Undo& undo, Status status) {
-  undo.result = status;
-  return Stage::leave;
-}
-
-void to_next_rule(Undo& undo, int number) {
-  trace_next_rule(number);
-  RuleCandidate* given_up = std::exchange(undo.candidate, undo.candidate->next);
-  // Its records are gone. An element that came from a caller may still be in that caller's hands.
-  if (given_up == undo.undone) candidate_passed_over(given_up);
-}
-
-void give_up_rules(Undo& undo, int number) {
-  trace_ignore_rules(number);
-  RuleCandidate* given_up = std::exchange(undo.candidate, nullptr);
-  if (given_up == undo.undone) candidates_passed_over(given_up);
+  trace_list_after_undo(undo.window);
+  return undo.word_is_pending && undo.result == Status::ok ? Status::no_effect : undo.result;
 }
 
 }  // namespace lexon

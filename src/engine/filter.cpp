@@ -47,10 +47,6 @@ bool is_wrong_place(Side side, std::uint8_t type, const Window& window) {
 
 // ---- Target.
 
-bool is_unbuilt_reference(const Node& node) {
-  return is_scope_reference(node) && scope_is_built(node.scope) == 0;
-}
-
 Node* target_of(const Node& node, std::uint8_t type) {
   const bool type_looks_through = type == rule_type::insertion || is_word_test_type(type);
   return type_looks_through && is_unbuilt_reference(node) ? scope_final_node(node.scope) : nullptr;

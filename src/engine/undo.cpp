@@ -1,14 +1,22 @@
-// What the steps of backtracking share: records, holds, and the nodes that scopes start from.
+// Undoing what changed the list: merges, exchanges, replaced and inserted nodes; and what the steps of backtracking
+// share: records, holds, noted places, and the nodes that scopes start from. apply.cpp does what is undone here.
 
 #include "engine/undo.hpp"
 
+#include <cstring>
+
+#include "data/chain.hpp"
 #include "data/nodes.hpp"
 #include "data/sentence.hpp"
 #include "data/state.hpp"
+#include "data/words.hpp"
 #include "engine/apply.hpp"
-#include "engine/backtrack.hpp"
+#include "engine/insertion.hpp"
+#include "engine/trace.hpp"
 
 namespace lexon {
+
+// ---- Records, places, holds, scopes.
 
 Status record_pop(Node* node) {
   if (node == nullptr || is_fresh(*node)) return rule_base_failure("undid more steps than it has made");
@@ -47,10 +55,6 @@ void node_unlink_release(Node& node) {
   }
 }
 
-bool is_unbuilt_reference(const Node& node) {
-  return is_scope_reference(node) && scope_is_built(node.scope) == 0;
-}
-
 bool hold_take(Node* node, const Rule* of) {
   if (node == nullptr || !is_held(*node)) return false;
   const RuleCandidate* holder = node->matches->candidate;
@@ -84,6 +88,200 @@ bool is_scope_entry(const Node& node) {
     if (sentence.semlst[static_cast<std::size_t>(row)].entry == &node) return true;
   }
   return false;
+}
+
+// ---- Merges (DL, DR), exchanges (X), and the types without a step.
+
+namespace {
+
+// Pops the records of both places. A merge to the left side that changed the survivor's word has left the window one
+// place to the left of the merge node.
+void merge_records_pop(Window& window, std::uint8_t type) {
+  if (!is_fresh(*window.lnode)) match_record_pop(*window.lnode);
+  if (is_fresh(*window.rnode)) return;
+  const MatchRecord& record = *window.rnode->matches;
+  const bool is_merge_nodes = record.candidate != nullptr && record.state != kStateStep;
+  match_record_pop(*window.rnode);
+  if (type == rule_type::merge_right && is_merge_nodes) window = {window.rnode, window.rnode->right};
+}
+
+// Puts the two merged nodes back in the place of the merge node, and releases it. They are the window.
+[[nodiscard]] Window merge_node_dissolve(Node*& merged, std::uint8_t type) {
+  Node* source = merged->source;
+  const Window restored =
+      type == rule_type::merge_left ? Window{merged->merged_with, source} : Window{source, merged->merged_with};
+  node_insert_before(*merged, *restored.lnode);
+  node_insert_before(*merged, *restored.rnode);
+  node_take_out(*merged);
+  entry_drop_head(merged->candidates);
+  merged->candidates = nullptr;  // the rest is the source's
+  scope_entries_hand_over(*merged, source);
+  if (state.forced_node == merged) state.forced_node = source;
+  node_free(merged);
+  return restored;
+}
+
+// The two nodes by which a rule without a step is taken to have been replaced.
+[[nodiscard]] Window nodes_before(const Node& copy, std::uint8_t type) {
+  Node* origin = copy.origin;
+  const bool is_first = type == rule_type::plus || type == rule_type::less;
+  if (origin == nullptr || copy.merged_with != nullptr || is_scope_entry(copy)) return {nullptr, nullptr};
+  return is_first ? Window{origin, origin->right} : Window{origin->left, origin};
+}
+
+// The copy's word and record. Its arcs stay: they hang on the origin's list as well.
+[[nodiscard]] Status replacing_copy_clear(Node& copy, std::uint8_t type) {
+  const bool drops_always = type == rule_type::plus || type == rule_type::minus;
+  const bool is_changed = !is_fresh(copy) && copy.matches->state == kStateChanged;
+  if (drops_always || is_changed) entry_drop_head(copy.candidates);
+  if (const Status status = record_pop(&copy); status != Status::ok) return status;
+  copy.matches = nullptr;
+  if (!drops_always) copy.relations = nullptr;
+  return Status::ok;
+}
+
+}  // namespace
+
+Status merge_undo(Window& window, RuleCandidate*& candidate) {
+  const std::uint8_t type = candidate->rule->type;
+  trace_backtrack_pair(*candidate, window);
+  if (window.lnode == nullptr || window.rnode == nullptr) return rule_base_failure("undid a merge at an empty place");
+  merge_records_pop(window, type);
+  Node* merged = type == rule_type::merge_right ? window.lnode : window.rnode;
+  if (merged->source == nullptr || merged->merged_with == nullptr) return Status::no_effect;
+  window = merge_node_dissolve(merged, type);
+  candidate = candidate->next;
+  return Status::ok;
+}
+
+Status exchange_undo(Window& window, const RuleCandidate& candidate) {
+  trace_backtrack_pair(candidate, window);
+  if (candidate.rule->type != rule_type::exchange) return Status::no_effect;
+  if (window.lnode == nullptr || window.rnode == nullptr)
+    return rule_base_failure("undid an exchange at an empty place");
+  Node& first = *window.rnode;
+  Node* second = first.right;
+  const bool can_exchange = second != nullptr && !is_fresh(*second);
+  if (!can_exchange) return rule_base_failure("undid an exchange whose nodes are not there");
+  for (Node* node : {window.lnode, &first, second}) {
+    if (const Status status = record_pop(node); status != Status::ok) return status;
+  }
+  node_take_out(*second);
+  node_insert_before(first, *second);
+  window = {second, &first};
+  return Status::ok;
+}
+
+Status stepless_undo(Window& window, const Rule& rule) {
+  if (window.lnode == nullptr || window.rnode == nullptr) return rule_base_failure("undid a rule at an empty place");
+  if (const Status status = record_pop(window.lnode); status != Status::ok) return status;
+  Node*& copy = window.rnode;
+  const Window before = nodes_before(*copy, rule.type);
+  // Both nodes must be out of the list: linked into it a second time, they would close it to a circle.
+  const bool can_come_back = before.lnode != nullptr && before.rnode != nullptr &&
+                             !stands_in_list_of(copy, before.lnode) && !stands_in_list_of(copy, before.rnode);
+  if (!can_come_back) return rule_base_failure("undid a rule of a type that has no step");
+  if (const Status status = replacing_copy_clear(*copy, rule.type); status != Status::ok) return status;
+  node_insert_before(*copy, *before.lnode);
+  node_insert_before(*copy, *before.rnode);
+  node_unlink_free(copy);
+  window = before;
+  return Status::ok;
+}
+
+// ---- Insertions. A node of the graph is made ready to be brought in once more; a copy gives its arc back to its
+// origin and is released, and so is a word that came from the dictionary.
+
+namespace {
+
+// The node to take out, the one that stays, and the side of the first.
+struct Insertion {
+  Side side;
+  Node& inserted;
+  Node* staying;
+};
+
+[[nodiscard]] bool has_first_label(const NodePattern& pattern, const Relation& arc) {
+  return pattern.relations != nullptr && std::strcmp(pattern.relations->text, arc.label) == 0;
+}
+
+// Can the rule have brought the node in along `arc`? The label of LNODE leads to the left node, that of RNODE to the
+// right one.
+[[nodiscard]] bool is_arc_of(const Relation& arc, const Insertion& insertion, const Rule& rule) {
+  const Node& staying = *insertion.staying;
+  const bool leads_in = arc.to == &insertion.inserted && is_same_or_origin(arc.from, staying);
+  const bool leads_out = arc.from == &insertion.inserted && is_same_or_origin(arc.to, staying);
+  const NodePattern& own = pattern_of(rule, insertion.side);
+  const NodePattern& opposite = pattern_of(rule, other(insertion.side));
+  return (has_first_label(own, arc) && leads_in) || (has_first_label(opposite, arc) && leads_out);
+}
+
+[[nodiscard]] Relation* arc_find(const Insertion& insertion, const Rule& rule) {
+  const Node& staying = *insertion.staying;
+  const Node& owner = staying.origin != nullptr ? *staying.origin : staying;
+  for (Relation& arc : chain<&Relation::next>(owner.relations)) {
+    if (is_arc_of(arc, insertion, rule)) return &arc;
+  }
+  return nullptr;
+}
+
+// The node's words afresh, as when it was read. A scope's entry node is not left without words.
+[[nodiscard]] Status node_reset(Node& node) {
+  if (const Status status = node_words_reload(node); status != Status::ok) return status;
+  unmark(node);
+  if (!is_scope_reference(node)) return Status::ok;
+  Node* entry = scope_final_node(node.scope);
+  return entry != nullptr && entry->candidates == nullptr ? node_words_reload(*entry) : Status::ok;
+}
+
+// No arc may lead to a copy that is gone.
+void arcs_give_back(Node& copy) {
+  if (copy.origin == nullptr) return;
+  for (Relation& arc : chain<&Relation::next>(copy.relations)) {
+    if (arc.to == &copy) arc.to = copy.origin;
+    if (arc.from == &copy) arc.from = copy.origin;
+  }
+  copy.origin = nullptr;
+}
+
+// Leaves the list. The neighbours are joined. A node of the graph is ready to be brought in again; a copy, a word from
+// the dictionary, and a node of which no arc says how it came in, are gone.
+void insertion_end(Node& inserted, bool is_reset) {
+  if (!is_reset) return node_unlink_release(inserted);
+  node_take_out(inserted);
+  inserted.left = inserted.right = nullptr;
+}
+
+[[nodiscard]] Status insertion_undo(Insertion& insertion, const Rule& rule, Window& window) {
+  Node& inserted = insertion.inserted;
+  Relation* arc = arc_find(insertion, rule);
+  const bool is_reset = arc != nullptr && inserted.origin == nullptr;
+  // A merge node's words are those of the node that it replaced, which undo of the merge wants back.
+  const bool takes_others_words = !is_reset && inserted.merged_with != nullptr;
+  if (takes_others_words) return rule_base_failure("undid an insertion of another node");
+  if (arc != nullptr) arc->used = 0;
+  if (!is_reset) {
+    arcs_give_back(inserted);
+  } else if (const Status status = node_reset(inserted); status != Status::ok) {
+    return status;
+  }
+  if (rule.mid != nullptr) insertion.staying = neighbour(inserted, other(insertion.side));
+  Node* beyond = neighbour(inserted, insertion.side);
+  insertion_end(inserted, is_reset);
+  node_of(window, insertion.side) = beyond;
+  node_of(window, other(insertion.side)) = insertion.staying;
+  return Status::ok;
+}
+
+}  // namespace
+
+Status inserted_undo(const Rule& rule, Window& window) {
+  const bool has_both = window.lnode != nullptr && window.rnode != nullptr;
+  if (!has_both) return rule_base_failure("undid an insertion at an empty place");
+  if (has_brace_patterns(rule)) return node_reset(*window.rnode);
+  const Side side = rule.rnode->inserted != 0 ? Side::right : Side::left;
+  Insertion insertion{side, *node_of(window, side), node_of(window, other(side))};
+  return insertion_undo(insertion, rule, window);
 }
 
 }  // namespace lexon

@@ -1,7 +1,7 @@
 // The pieces of taking back a step, for the files of this room that undo.
 //
 // Nothing is logged. What an application did is read from the nodes: the records on their stacks, the changed copies at
-// the head of their words, and the rule that a record names. The steps are numbered in backtrack.cpp.
+// the head of their words, and the rule that a record names.
 #pragma once
 
 #include <cstdint>
@@ -14,34 +14,6 @@
 
 namespace lexon {
 
-// What the steps hand on.
-struct Undo {
-  Window& caller;             // set only where a step says so: an early end leaves it as it was
-  RuleCandidate*& candidate;  // the rule that failed, then the one that is undone, then the next to try; may be null
-  std::int32_t& home_scope;
-  Window window;          // the working copy
-  RuleCandidate* undone;  // of the application that step 7 has found; null before
-  bool word_is_pending;   // the right node's next word is due before the rule list moves on
-  Status result;          // what the call returns: ok until a step says otherwise
-};
-
-// "Go on at ...": what a step returns.
-enum class Stage : std::uint8_t { fresh_window, pop, alternatives, next_rule, end, leave };
-
-// The steps, each with its file.
-[[nodiscard]] Stage fresh_window(Undo& undo);  // 6, fresh_window.cpp
-[[nodiscard]] Stage pop(Undo& undo);           // 7, pop.cpp
-[[nodiscard]] Stage next_choice(Undo& undo);   // 7.10 and 7.11, next_choice.cpp; `pop`: no choice is left
-[[nodiscard]] Stage alternatives(Undo& undo);  // 8, alternatives.cpp
-[[nodiscard]] Stage next_rule(Undo& undo);     // 9, alternatives.cpp
-
-// The result is `status`, at once: nothing is printed any more.
-[[nodiscard]] Stage leave(Undo& undo, Status status);
-
-// The branch of this number: the rule is given up for the next one of its window, or all of them are.
-void to_next_rule(Undo& undo, int number);
-void give_up_rules(Undo& undo, int number);
-
 // Undoes DL and DR. The window becomes the two nodes that were merged, and the candidate moves on. `no_effect`: the
 // records belonged to an application that made no merge node, and popping them was all.
 [[nodiscard]] Status merge_undo(Window& window, RuleCandidate*& candidate);
@@ -51,6 +23,16 @@ void give_up_rules(Undo& undo, int number);
 
 // Undoes "+", "-", "<" and ">": the copy at the right place gives way to its origin and the origin's neighbour.
 [[nodiscard]] Status stepless_undo(Window& window, const Rule& rule);
+
+// Takes an inserted node out of the list, or, for a rule with two brace patterns, reloads the words of the right node.
+[[nodiscard]] Status inserted_undo(const Rule& rule, Window& window);
+
+// Should the scope of the reference `node` be re-entered for a rule of which `pattern` is its side?
+[[nodiscard]] bool may_re_enter_scope(const Node* node, const NodePattern& pattern, const Rule& rule);
+
+// Releases the hold on the entry node that the scope reference leads to, if there is one and the reference has been
+// used. True if it did.
+bool hold_release(Node& reference);
 
 // Pops the newest record of `node`, which must be there: anything else is a failure of the rule base.
 [[nodiscard]] Status record_pop(Node* node);
@@ -85,8 +67,5 @@ void scope_entries_hand_over(const Node& node, Node* heir);
   return record != nullptr && record->state == kStateStep && record->candidate == nullptr &&
          record->cooccurrence == nullptr;
 }
-
-// Is `node` a scope reference whose scope is not generated?
-[[nodiscard]] bool is_unbuilt_reference(const Node& node);
 
 }  // namespace lexon

@@ -35,7 +35,7 @@ const Case kLiterals[] = {
     {"SUF stands behind the new node", ":{A}\"[x]\"(C)P1;", "<< [a/A(0)] [c/C(0)] >>", "1 << [a/A(00)] [x(0)] c/C(0) >>"},
     {"SUF does not fit", ":{A}\"[x]\"(B)P1;", "<< [a/A(0)] [c/C(0)] >>", "0 << [a/A(0)] [c/C(0)] >>"},
     {"PRE does not fit", ":(B)\"[x]\"{A}P1;", "<< [c/C(0)] [a/A] >>", "0 << [c/C(0)] [a/A] >>"},
-    {"the node that is there is beyond the list", ":(B)\"[x]\"{A}P1;", "<< c/C(0) [a/A] >>", "110 << c/C(0) [a/A] >>"},
+    {"the node that is there is beyond the list", ":(B)\"[x]\"{A}P1;", "<< c/C(0) [a/A] >>", "100 << c/C(0) [a/A] >>"},
     {"MID to the right", ":{A}(B)\"[x]\"P1;", "<< [a/A(0)] [b/B(0)] c/C(0) >>", "1 << [a/A(00)] b/B(0) [x(0)] c/C(0) >>"},
     {"MID to the left", ":\"[x]\"(B){A}P1;", "<< c/C(0) [b/B(0)] [a/A(0)] >>", "1 << c/C(0) [x(0)] b/B(0) [a/A(00)] >>"},
     {"a MID of one node without a mark slides by one", ":{A}(B)*\"[x]\"P1;", "<< [a/A(0)] [b/B(0)] b/B(0) >>", "1 << [a/A(00)] b/B(0) [x(0)] b/B(0) >>"},

@@ -78,7 +78,7 @@ const Case kPlaces[] = {
     {"a type without a step, touched", "+{A}{}P1;", "[a/A(0)] [x/X]", "-1 [a/A(0)] [x/X]"},
     {"a type without a step, fresh", "+{A}{}P1;", "[a/A] [x/X]", "1 [a/A(0)] [x/X(0)]"},
     {"post-edit rules apply to any pair, and replace its records", "PL{A}{}P1;", "[a/A(0)] [x/X(10)]", "1 [a/A(0)] [x/X(00)]"},
-    {"the left place is beyond the list", "R{}{}P1;", "<< x/X >>", "110 << x/X >>"},
+    {"the left place is beyond the list", "R{}{}P1;", "<< x/X >>", "100 << x/X >>"},
 };
 
 TEST(Match, WordsOfTheNodes) {
