@@ -130,21 +130,6 @@ TEST_F(Nodes, AReleasedTargetEqualsNoNode) {
   state.forced_node = nullptr;
 }
 
-TEST_F(Nodes, KindFollowsTheWordInForce) {
-  struct Row {
-    int kind;
-    const char* attrs;
-    int expected;
-  };
-  const Row rows[] = {{1, "@9,TEMP", 2}, {1, "TEMP", 0}, {5, "N", 5}, {5 - 128, "N", 5}, {5, "@9", 2}, {0, "N", 1}, {1 - 128, "N", 1}, {2, nullptr, 1}};
-  for (const Row& row : rows) {
-    Node* node = node_of("a", row.attrs);
-    node->kind = static_cast<std::int8_t>(row.kind);
-    node_kind_recompute(*node);
-    EXPECT_EQ(node->kind, row.expected) << row.kind;
-  }
-}
-
 TEST_F(Nodes, APassedOverElementStaysWhileARecordCanReachItsList) {
   auto* list = temp_new<CandidateList>();
   auto* element = temp_new<RuleCandidate>();

@@ -13,18 +13,6 @@ class Pool : public ::testing::Test {
   void TearDown() override { temp_release_all(); }
 };
 
-std::int64_t used_by(std::int64_t size) {
-  const std::int64_t before = pool_figures().sentence_bytes_used;
-  EXPECT_NE(temp_alloc(size), nullptr);
-  return pool_figures().sentence_bytes_used - before;
-}
-
-TEST_F(Pool, ARequestTakesTheFirstClassThatHoldsIt) {
-  const std::int64_t rows[][2] = {{1, 8}, {8, 8}, {9, 16}, {33, 64}, {128, 128}, {513, 1024}, {1025, 4096}, {2048, 4096}, {4096, 4096}};
-  static_cast<void>(temp_alloc(8));
-  for (const auto& row : rows) EXPECT_EQ(used_by(row[0]), row[1]) << row[0];
-}
-
 TEST_F(Pool, NothingForLessThanOneByteAndTheHeapForLargeCells) {
   const PoolFigures before = pool_figures();
   EXPECT_EQ(temp_alloc(0), nullptr);
@@ -59,15 +47,6 @@ TEST_F(Pool, AStringGoesBackByItsPresentLength) {
   EXPECT_NE(temp_alloc(1), empty);
 }
 
-TEST_F(Pool, BlocksFillToTheirEnd) {
-  for (int i = 0; i < 15; ++i) ASSERT_NE(temp_alloc(4096), nullptr);
-  EXPECT_EQ(pool_figures().sentence_blocks, 1);
-  ASSERT_NE(temp_alloc(1024), nullptr);
-  EXPECT_EQ(pool_figures().sentence_blocks, 1) << "the smaller classes use what is left";
-  ASSERT_NE(temp_alloc(4096), nullptr);
-  EXPECT_EQ(pool_figures().sentence_blocks, 2);
-}
-
 TEST_F(Pool, EndsAt200BlocksAndStartsAfreshAfterARelease) {
   int cells = 0;
   while (temp_alloc(4096) != nullptr) ++cells;
@@ -87,14 +66,6 @@ TEST_F(Pool, ThePermanentPoolOutlivesTheSentence) {
   perm_free(cell, 100);
   EXPECT_NE(temp_alloc(100), cell);
   EXPECT_EQ(perm_alloc(128), cell);
-}
-
-TEST(FindChar, NeverFindsTheTerminator) {
-  const char* text = "3456789";
-  EXPECT_EQ(find_char(text, '5'), text + 2);
-  EXPECT_EQ(find_char(text, '2'), nullptr);
-  EXPECT_EQ(find_char(text, '\0'), nullptr);
-  EXPECT_EQ(find_char(nullptr, '3'), nullptr);
 }
 
 }  // namespace

@@ -44,18 +44,6 @@ TEST_F(Words, SortIsStableByUnsignedPriority) {
   }
 }
 
-TEST_F(Words, NewWordCountsItsSizes) {
-  const WordEntry* word = entry_new("dog", "N,SG");
-  EXPECT_EQ(word->hw_len, 3);
-  EXPECT_EQ(word->attr_len, 4);
-  EXPECT_EQ(word->attr_block_size, 16);
-  EXPECT_EQ(word->total_size, 29);
-  EXPECT_EQ(word->language[1], '.');
-  EXPECT_EQ(entry_new("", "N"), nullptr);
-  EXPECT_EQ(entry_new(nullptr, "N"), nullptr);
-  EXPECT_EQ(entry_new("x", "")->attrs, nullptr);
-}
-
 TEST_F(Words, CopyIsDeepAndCanChangeTheSurface) {
   WordEntry* word = entry_new("dog", "N");
   word->id = temp_text("42");
@@ -70,14 +58,6 @@ TEST_F(Words, CopyIsDeepAndCanChangeTheSurface) {
   EXPECT_STREQ(copy->id, "42");
   EXPECT_EQ(copy->priority, 7);
   EXPECT_EQ(copy->cw, nullptr);
-}
-
-TEST_F(Words, CopyOfAnEmptySurfaceHasNone) {
-  WordEntry* word = entry_new("x", nullptr);
-  word->hw_len = 0;
-  WordEntry* copy = nullptr;
-  ASSERT_EQ(entry_copy(*word, copy), Status::ok);
-  EXPECT_EQ(copy->hw, nullptr);
 }
 
 TEST_F(Words, AttributesAreCopiedToTheirTerminatorWhateverTheirLengthSays) {

@@ -185,39 +185,6 @@ TEST(Backtrack, LeavesAtOnceWhenAskedToStop) {
   EXPECT_EQ(output.text(), "");
 }
 
-// The banners stand in front of what they announce.
-TEST(Backtrack, ShowsTheStepInItsOrder) {
-  Search search({"", "?L{}{}P2;", "<< [a] [b] >>", "", "", ""}, Before::matched);
-  Capture output;
-  state.trace_level = 3;
-  EXPECT_EQ(search.undo(), "0 -");
-  EXPECT_EQ(output.text(),
-            "==================== BACKTRACK-0 =====================\n"
-            "?L{:::}{:::}P2;\n"
-            "<<<<< lnode\n"
-            "[a]{}  \"\" () <.,0,0>;\n"
-            "<<<<< rnode\n"
-            "[b]{}  \"\" () <.,0,0>;\n"
-            "==================== BACKTRACK-1 =====================\n"
-            "?L{:::}{:::}P2;\n"
-            "<<<<< lnode\n"
-            "[a]{}  \"\" () <.,0,0>;\n"
-            "<<<<< rnode\n"
-            "[b]{}  \"\" () <.,0,0>;\n"
-            ";;next entry for rnode #3\n"
-            ";;no entry for rnode\n"
-            ";;next rule #12\n"
-            "=================== NODE LIST:00 ===================\n"
-            "/<</[a]/[b]/>>/\n"
-            "====================================================\n"
-            "lnode >>>>>\n"
-            "-- word candidates for lnode --\n"
-            "[a]{}  \"\" () <.,0,0>;\n"
-            "rnode >>>>>\n"
-            "-- word candidates for rnode --\n"
-            "[b]{}  \"\" () <.,0,0>;\n");
-}
-
 // ---- The next co-occurrence choice.
 
 constexpr const char* kChooses = ":{}\"N:::<r\"P2;\nL{}{}P1;";

@@ -41,24 +41,6 @@ TEST(Walk, EndsWithItsListAndStatus) {
   }
 }
 
-TEST(Walk, WithoutARuleTellsSo) {
-  use_rules("L{Q}{}P1;");
-  state.trace_level = 2;
-  Capture output;
-  EXPECT_EQ(generate_scope(node_of_text("a/A"), true), Status::nothing_left);
-  EXPECT_EQ(output.text(),
-            "=================== NODE LIST:00 ===================\n"
-            "/[<<]/[a]/>>/\n"
-            "====================================================\n"
-            "lnode >>>>>\n"
-            "-- word candidates for lnode --\n"
-            "[<<]{}  \"\" (CHEAD) <.,0,0>;\n"
-            "rnode >>>>>\n"
-            "-- word candidates for rnode --\n"
-            "[a]{}  \"\" (A) <.,0,0>;\n"
-            ";;No Rule!\n");
-}
-
 // It stays the target and equals no node: no word and no rule is tried on the way back. The window in hand is not at
 // the beginning, so the search counts as finished.
 TEST(Walk, WithATargetThatIsGoneCountsAsFinished) {
@@ -110,14 +92,6 @@ TEST(Walk, LeavesAtOnceWhenAsked) {
   state.stack_limit = nullptr;
   EXPECT_EQ(engine_loop(nullptr, {list.lnode, list.rnode}, home_scope), Status::memory);
   EXPECT_EQ(output.text(), "");
-}
-
-TEST(Walk, OverNothingFailsTheRuleBase) {
-  fresh_sentence();
-  Capture output;
-  std::int32_t home_scope = 0;
-  EXPECT_EQ(engine_loop(nullptr, {nullptr, nullptr}, home_scope), Status::rule_base);
-  EXPECT_NE(output.text(), "");
 }
 
 TEST(Beginning, IsAnUntouchedWindowAtTheLeftEnd) {

@@ -187,22 +187,6 @@ TEST(Lost, StackThatIsEmptyOnOneSide) {
   EXPECT_EQ(output.text(), ";;the rule base has failed: undid more steps than it has made\n");
 }
 
-TEST(Lost, NodePutBackWithoutItsRule) {
-  Search search({"", "L{}{}P1;", "<< [a] [!b] >>", "", "", ""}, Before::failed);
-  search.candidate() = nullptr;
-  Capture output;
-  EXPECT_EQ(search.undo(), "110 -");
-}
-
-TEST(Lost, EmptyPlaces) {
-  for (const Side side : {Side::left, Side::right}) {
-    Search search({"", "L{}{}P1;", "<< [a] [b] >>", "", "", ""}, Before::failed);
-    node_of(search.window(), side) = nullptr;
-    Capture output;
-    EXPECT_EQ(search.undo(), "110 P1");
-  }
-}
-
 TEST(Lost, OriginThatStillStandsInTheList) {
   Step step("+{}{}P1;", "<< x [a] [c] b >>");
   step.window.rnode->origin = &step.list.at(1);

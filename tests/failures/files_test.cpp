@@ -226,33 +226,6 @@ TEST_F(Files, TheDictionaryToolTellsOfAFullDisk) {
 
 // ---- folders in the place of files
 
-TEST_F(Files, AFolderIsNoFile) {
-  struct Row {
-    const char* name;
-    const char* message;
-  };
-  const Row rows[] = {
-      {"words.dic", "Can't Open Dictionary File : "},
-      {"words.idx", "Can't Open Dictionary Index File : "},
-      {"cr.dic", "Can't Open Cooccurrence Dictionary File : "},
-      {"cr.idx", "Can't Open Cooccurrence Dictionary File : "},
-      {"rules.txt", "Can't Open Generation Rule : "},
-      {"rules.rul", "Can't Open Generation Rule : "},
-      {"rules.mtx", "Can't Open Generation Rule : "},
-      {"input.txt", "Can't Open Input File : "},
-      {"output.txt", "Can't Open Output File : "},
-  };
-  for (const Row& row : rows) {
-    fs::rename(path(row.name), path("kept"));
-    fs::create_directory(path(row.name));
-    const ProgramResult run = render();
-    EXPECT_EQ(run.exit_status, 1) << row.name;
-    EXPECT_EQ(run.error.substr(0, std::string(row.message).size()), row.message) << row.name;
-    fs::remove(path(row.name));
-    fs::rename(path("kept"), path(row.name));
-  }
-}
-
 // ---- compiled files that are damaged or belong to others
 
 class Compiled : public Files {
@@ -276,23 +249,6 @@ class Compiled : public Files {
   static void make_matrix_newer(const std::string& stem) { fs::last_write_time(stem + ".mtx", fs::last_write_time(stem + ".rul") + std::chrono::seconds(1)); }
 };
 
-TEST_F(Compiled, CutShortTheyAreNamed) {
-  std::vector<std::size_t> ends;
-  for (std::size_t at = 0; at < rules_.size();) {
-    at += 2 + static_cast<std::size_t>(static_cast<unsigned char>(rules_[at]) << 8 | static_cast<unsigned char>(rules_[at + 1]));
-    ends.push_back(at);
-  }
-  for (std::size_t length = 1; length < rules_.size() && !HasFailure(); length += 7) {
-    const bool is_end = std::find(ends.begin(), ends.end(), length) != ends.end();
-    SCOPED_TRACE("rules cut at " + std::to_string(length));
-    if (!is_end) run_with("rules.rul", rules_.substr(0, length), "rules.rul");
-  }
-  for (std::size_t length = 0; length < matrix_.size() && !HasFailure(); length += 3) {
-    SCOPED_TRACE("matrix cut at " + std::to_string(length));
-    run_with("rules.mtx", matrix_.substr(0, length), "rules.mtx");
-  }
-}
-
 TEST_F(Compiled, ThoseOfOtherRulesAreNamedWhereCountsDisagree) {
   write_file(path("other.txt"), "R{SHEAD:::}{:::}P1;\n");
   std::vector<std::string> words = call();
@@ -301,33 +257,6 @@ TEST_F(Compiled, ThoseOfOtherRulesAreNamedWhereCountsDisagree) {
   ASSERT_EQ(run_program("lexon", words).exit_status, 3) << "one rule is not enough";
   run_with("rules.mtx", bytes_of(path("other.mtx")), "rules.mtx");
   run_with("rules.rul", bytes_of(path("other.rul")), "rules.mtx");
-}
-
-// Whatever two bytes are taken for a length: a file is read within its bounds, and is refused by its name or serves.
-TEST_F(Compiled, EveryPairOfBytesOverwritten) {
-  const RunCase golden("choice-no-dictionary");
-  const RunCase::Result whole = golden.run(true);
-  const std::string rules = bytes_of(golden.path("rules.rul"));
-  const std::string matrix = bytes_of(golden.path("rules.mtx"));
-  for (const bool is_matrix : {false, true}) {
-    const std::string& bytes = is_matrix ? matrix : rules;
-    const std::string name = golden.path(is_matrix ? "rules.mtx" : "rules.rul");
-    for (std::size_t at = 0; at + 1 < bytes.size(); ++at) {
-      for (const char* value : {"\0\0", "\0\1", "\xFF\xFF"}) {
-        std::string damaged = bytes;
-        damaged.replace(at, 2, value, 2);
-        if (damaged == bytes) continue;
-        write_file(golden.path("rules.rul"), rules);
-        write_file(golden.path("rules.mtx"), matrix);
-        write_file(name, damaged);
-        make_matrix_newer(golden.path("rules"));
-        const RunCase::Result run = golden.run(false, {}, "-R");
-        ASSERT_TRUE(run.exit_status == 0 || run.exit_status == 3) << at;
-        const bool is_refused = run.output.find(";;the compiled") != std::string::npos;
-        ASSERT_EQ(is_refused, run.output.find(";;in " + name) != std::string::npos) << at << "\n" << run.output;
-      }
-    }
-  }
 }
 
 // ---- files that change between two sentences

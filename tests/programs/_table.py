@@ -21,7 +21,7 @@ def check(name, found, expected):
     failed += 1
     print(f"FAILED {name}")
     if isinstance(found, str) and isinstance(expected, str):
-        lines = difflib.unified_diff(expected.splitlines(), found.splitlines(), "expected", "found", "", 1)
+        lines = difflib.unified_diff(expected.splitlines(), found.splitlines(), "expected", "found", n=1, lineterm="")
         print("\n".join(list(lines)[:60]))
     else:
         print(f"  expected {expected!r}\n  found    {found!r}")

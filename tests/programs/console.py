@@ -55,6 +55,15 @@ REFUSED = [
     ("", "none.mtx", "", "", RULE_FILE),
 ]
 
+# What is said where a folder stands in the place of a file.
+FOLDERS = [
+    ("words.idx", "Can't Open Dictionary Index File : "),
+    ("rules.txt", "Can't Open Generation Rule : "),
+    ("rules.rul", "Can't Open Generation Rule : "),
+    ("rules.mtx", "Can't Open Generation Rule : "),
+    ("input.txt", "Can't Open Input File : "),
+]
+
 # Compiled files by the times of text, rules and matrix (None: missing), and which are made anew.
 DATES = [
     ("all current", "rules.txt", (0, 1, 2), ""),
@@ -114,6 +123,15 @@ def refusals():
             path = str(case.at / next(filter(None, changed)))
             made = case.run("", changed)
             table.check(f"no {changed}", (made.returncode, made.stderr), (1, message.format(path)))
+        case.run("-R")
+        for name, message in FOLDERS:
+            (case.at / name).rename(case.at / "kept")
+            (case.at / name).mkdir()
+            made = case.run()
+            table.check(f"a folder {name}", (made.returncode, made.stderr.startswith(message)), (1, True))
+            (case.at / name).rmdir()
+            (case.at / "kept").rename(case.at / name)
+        (case.at / "rules.rul").unlink()
         shutil.copy(case.at / "rules.txt", case.at / "rules.mtx")
         table.check("a matrix is named", case.run("", ["", "rules.mtx"]).stderr,
                     'Please assign rule file with extension ".rul" or ".txt"\n')

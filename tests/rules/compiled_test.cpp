@@ -193,26 +193,6 @@ TEST(CompiledRules, CutAtEveryByte) {
   }
 }
 
-// Whatever stands in a byte: a failure that is told, or a list that is fit to be printed and written.
-TEST(CompiledRules, EveryByteOverwritten) {
-  const std::string whole = hex(kFullRule) + hex(kEmptyRule);
-  for (std::size_t at = 0; at < whole.size(); ++at) {
-    for (const int value : {0x00, 0x01, 0x3A, 0x7F, 0xFF}) {
-      SCOPED_TRACE("byte " + std::to_string(at) + " value " + std::to_string(value));
-      std::string bytes = whole;
-      bytes[at] = static_cast<char>(value);
-      const Result read = list_read(bytes);
-      if (read.status == Status::ok) {
-        EXPECT_EQ(read.messages, "");
-        EXPECT_EQ(dump(list_read(list_written(read.rules).bytes).rules), dump(read.rules));
-      } else {
-        EXPECT_EQ(read.rules, nullptr);
-        EXPECT_EQ(read.messages.substr(0, 44), ";;the compiled rule file is damaged at rule ");
-      }
-    }
-  }
-}
-
 TEST(CompiledRules, LargestRecordThatTheReaderTakes) {
   const std::string tail = hex("4C 0000" + kEmptyPattern + "0000" + kEmptyPattern + "0000 05");
   const std::string rest = list_written(rules_of("R{a}{}P1;")).bytes;
@@ -287,25 +267,6 @@ TEST(CompiledMatrix, BytesOfTheFile) {
   EXPECT_EQ(attr_table_find("N", rule_matrix.left.attr_table, rule_matrix.left.attr_count), 0);
   EXPECT_EQ(attr_table_find("V", rule_matrix.left.attr_table, rule_matrix.left.attr_count), 1);
   EXPECT_EQ(attr_table_find("X", rule_matrix.right.attr_table, rule_matrix.right.attr_count), 0);
-  EXPECT_EQ(matrix_saved().bytes, bytes);
-  rule_matrix_clear();
-}
-
-TEST(CompiledMatrix, NoRules) {
-  const std::string bytes = hex("00000000 00000000 00000000 00000000 00000000 00000001 00000000 00000000");
-  ASSERT_EQ(rule_matrix_build(nullptr), Status::ok);
-  EXPECT_EQ(matrix_saved().bytes, bytes);
-  EXPECT_EQ(matrix_loaded(bytes, nullptr).status, Status::ok);
-  EXPECT_EQ(matrix_saved().bytes, bytes);
-  rule_matrix_clear();
-}
-
-TEST(CompiledMatrix, SameFromListReadBack) {
-  Rule* const parsed = rules_of(std::string(kMatrixRules) + "P:{a,b,^c:-a}{^d,-e}P200;\n");
-  Rule* const read = list_read(list_written(parsed).bytes).rules;
-  ASSERT_EQ(rule_matrix_build(parsed), Status::ok);
-  const std::string bytes = matrix_saved().bytes;
-  ASSERT_EQ(rule_matrix_build(read), Status::ok);
   EXPECT_EQ(matrix_saved().bytes, bytes);
   rule_matrix_clear();
 }
