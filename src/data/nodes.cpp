@@ -5,23 +5,21 @@
 #include <utility>
 
 #include "data/attr_string.hpp"
-#include "data/pool.hpp"
 #include "data/scratch.hpp"
-#include "data/sentence.hpp"
-#include "data/state.hpp"
+#include "data/session.hpp"
 #include "data/words.hpp"
 
 namespace lexon {
 
 namespace {
 
-bool is_entry_of_current_scope(const Node& node) {
-  return current_scope().entry == &node;
+bool is_entry_of_current_scope(Session& session, const Node& node) {
+  return current_scope(session).entry == &node;
 }
 
 // Puts `prefix` in front of the word's attributes, and lets its sizes grow by as much.
-Status prefix_attrs(WordEntry& word, std::string_view prefix) {
-  if (const Status s = entry_attrs_prefix(word, prefix); s != Status::ok) return s;
+Status prefix_attrs(Session& session, WordEntry& word, std::string_view prefix) {
+  if (const Status s = entry_attrs_prefix(session, word, prefix); s != Status::ok) return s;
   const auto growth = static_cast<std::int32_t>(prefix.size());
   word.attr_len += growth;
   word.attr_block_size += growth;
@@ -30,28 +28,28 @@ Status prefix_attrs(WordEntry& word, std::string_view prefix) {
 }
 
 // The source keeps its word as it was behind a copy that says it is the original.
-Status mark_as_original(Node& src) {
+Status mark_as_original(Session& session, Node& src) {
   if (src.matches != nullptr && src.matches->state == kStateStep) {
     WordEntry* pushed = nullptr;
-    if (const Status s = entry_copy(*src.candidates, pushed); s != Status::ok) return s;
+    if (const Status s = entry_copy(session, *src.candidates, pushed); s != Status::ok) return s;
     pushed->next = src.candidates;
     src.candidates = pushed;
   }
-  if (const Status s = prefix_attrs(*src.candidates, "#ORIG,"); s != Status::ok) return s;
+  if (const Status s = prefix_attrs(session, *src.candidates, "#ORIG,"); s != Status::ok) return s;
   if (src.matches != nullptr) src.matches->state = kStateChanged;
   return Status::ok;
 }
 
 // One word: for mode 0 in front of the source's own list, for mode 1 alone and marked.
-Status copy_word_in_force(Node& copy, Node& src, int mode) {
-  if (src.candidates == nullptr) return rule_base_failure("a node without words is to be copied");
-  if (const Status s = entry_copy(*src.candidates, copy.candidates); s != Status::ok) return s;
+Status copy_word_in_force(Session& session, Node& copy, Node& src, int mode) {
+  if (src.candidates == nullptr) return rule_base_failure(session, "a node without words is to be copied");
+  if (const Status s = entry_copy(session, *src.candidates, copy.candidates); s != Status::ok) return s;
   if (mode == 0) {
     copy.candidates->next = src.candidates;
     return Status::ok;
   }
-  if (const Status s = prefix_attrs(*copy.candidates, "#COPY,"); s != Status::ok) return s;
-  return mark_as_original(src);
+  if (const Status s = prefix_attrs(session, *copy.candidates, "#COPY,"); s != Status::ok) return s;
+  return mark_as_original(session, src);
 }
 
 // Appends the attributes that `src` has gathered to the head block, each marked with "#".
@@ -73,10 +71,10 @@ void append_marked_attrs(ScopeAttrs& block, const Node& src) {
 }
 
 // All words afresh, with the attribute blocks of the source.
-Status copy_word_list(Node& copy, Node& src, Relation* relation) {
-  const bool stands_for_built_scope = is_scope_reference(src) && scope_is_built(src.scope) != 0;
+Status copy_word_list(Session& session, Node& copy, Node& src, Relation* relation) {
+  const bool stands_for_built_scope = is_scope_reference(src) && scope_is_built(session, src.scope) != 0;
   const WordEntry* words = stands_for_built_scope ? src.candidates : src.entries;
-  if (const Status s = entry_list_copy(words, copy.candidates); s != Status::ok) return s;
+  if (const Status s = entry_list_copy(session, words, copy.candidates); s != Status::ok) return s;
   copy.scope_attrs = src.scope_attrs;
   if (relation != nullptr) {
     scope_attrs_to_front(copy, relation->scope);
@@ -92,61 +90,63 @@ Status copy_word_list(Node& copy, Node& src, Relation* relation) {
 
 }  // namespace
 
-Status node_copy(Node*& copy, Node& src, Relation* relation, int mode) {
-  copy = temp_new<Node>();
+Status node_copy(Session& session, Node*& copy, Node& src, Relation* relation, int mode) {
+  copy = temp_new<Node>(session);
   if (copy == nullptr) return Status::memory;
   copy->kind = src.kind;
   copy->scope = src.scope;
   copy->relations = src.relations;
   copy->origin = copy->source = &src;
-  const bool takes_one_word = relation == nullptr && (!is_entry_of_current_scope(src) || mode == 1);
-  const Status status = takes_one_word ? copy_word_in_force(*copy, src, mode) : copy_word_list(*copy, src, relation);
+  const bool takes_one_word = relation == nullptr && (!is_entry_of_current_scope(session, src) || mode == 1);
+  const Status status =
+      takes_one_word ? copy_word_in_force(session, *copy, src, mode) : copy_word_list(session, *copy, src, relation);
   if (status != Status::ok) copy = nullptr;
   return status;
 }
 
-PlaceWatch::PlaceWatch(Node*& first, Node*& second) : places_{&first, &second}, outer_(state.watches) {
-  state.watches = this;
+PlaceWatch::PlaceWatch(Session& session, Node*& first, Node*& second)
+    : session_(session), places_{&first, &second}, outer_(session.state.watches) {
+  session.state.watches = this;
 }
 
 PlaceWatch::~PlaceWatch() {
-  state.watches = outer_;
+  session_.state.watches = outer_;
 }
 
-void PlaceWatch::forget(const Node* node) {
-  for (PlaceWatch* watch = state.watches; watch != nullptr; watch = watch->outer_) {
+void PlaceWatch::forget(const Session& session, const Node* node) {
+  for (PlaceWatch* watch = session.state.watches; watch != nullptr; watch = watch->outer_) {
     for (Node** place : watch->places_) {
       if (*place == node) *place = nullptr;
     }
   }
 }
 
-void node_empty(Node& node) {
-  if (state.forced_node == &node) state.forced_node = gone_node();
-  entry_list_free(node.candidates);
-  if (!is_fresh(node)) match_record_pop(node);
+void node_empty(Session& session, Node& node) {
+  if (session.state.forced_node == &node) session.state.forced_node = &session.gone;
+  entry_list_free(session, node.candidates);
+  if (!is_fresh(node)) match_record_pop(session, node);
 }
 
-void node_free(Node*& node) {
+void node_free(Session& session, Node*& node) {
   if (node == nullptr) return;
   const bool shares_its_name = node->source != nullptr && node->source->name == node->name;
-  if (!shares_its_name) temp_free_string(node->name);
-  node_empty(*node);
+  if (!shares_its_name) temp_free_string(session, node->name);
+  node_empty(session, *node);
   Node* const released = node;
-  temp_delete(node);
+  temp_delete(session, node);
   node = nullptr;
-  PlaceWatch::forget(released);
+  PlaceWatch::forget(session, released);
 }
 
-void node_unlink_free(Node*& node) {
+void node_unlink_free(Session& session, Node*& node) {
   if (node == nullptr) return;
   node_take_out(*node);
-  node_free(node);
+  node_free(session, node);
 }
 
-Status node_words_reload(Node& node) {
-  entry_list_free(node.candidates);
-  return entry_list_copy(node.entries, node.candidates);
+Status node_words_reload(Session& session, Node& node) {
+  entry_list_free(session, node.candidates);
+  return entry_list_copy(session, node.entries, node.candidates);
 }
 
 void node_kind_recompute(Node& node) {
@@ -182,8 +182,9 @@ const char* head_text(const Node& node) {
   return node.scope_attrs == nullptr ? nullptr : node.scope_attrs->text;
 }
 
-Status match_record_push(Node& node, std::uint8_t record_state, RuleCandidate* candidate, WordEntry* cooccurrence) {
-  auto* record = temp_new<MatchRecord>();
+Status match_record_push(Session& session, Node& node, std::uint8_t record_state, RuleCandidate* candidate,
+                         WordEntry* cooccurrence) {
+  auto* record = temp_new<MatchRecord>(session);
   if (record == nullptr) return Status::memory;
   *record = {record_state, candidate, cooccurrence, node.matches};
   node.matches = record;
@@ -191,31 +192,31 @@ Status match_record_push(Node& node, std::uint8_t record_state, RuleCandidate* c
   return Status::ok;
 }
 
-void match_record_pop(Node& node) {
+void match_record_pop(Session& session, Node& node) {
   MatchRecord* record = node.matches;
   node.matches = record->next;
   if (record->candidate != nullptr && record->candidate->list != nullptr) --record->candidate->list->records;
-  temp_delete(record);
+  temp_delete(session, record);
 }
 
-void candidate_passed_over(RuleCandidate* element) {
+void candidate_passed_over(Session& session, RuleCandidate* element) {
   CandidateList* list = element->list;
   if (list == nullptr || list->records != 0) return;
-  temp_delete(element);
-  if (--list->elements == 0) temp_delete(list);
+  temp_delete(session, element);
+  if (--list->elements == 0) temp_delete(session, list);
 }
 
-void candidates_passed_over(RuleCandidate* first, const RuleCandidate* end) {
-  while (first != nullptr && first != end) candidate_passed_over(std::exchange(first, first->next));
+void candidates_passed_over(Session& session, RuleCandidate* first, const RuleCandidate* end) {
+  while (first != nullptr && first != end) candidate_passed_over(session, std::exchange(first, first->next));
 }
 
-void candidates_left_behind(RuleCandidate* before, const RuleCandidate* now) {
+void candidates_left_behind(Session& session, RuleCandidate* before, const RuleCandidate* now) {
   if (before == nullptr || before->list == nullptr || before->list->records != 0) return;
   const RuleCandidate* found = before;
   while (found != nullptr && found != now) found = found->next;
   // An element of the same list that stands in front of `before` leads to it.
   const bool leads_to_before = found == nullptr && now != nullptr && now->list == before->list;
-  if (!leads_to_before) candidates_passed_over(before, now);
+  if (!leads_to_before) candidates_passed_over(session, before, now);
 }
 
 void node_insert_after(Node& at, Node& node) {

@@ -3,46 +3,72 @@
 #include <array>
 #include <cstdarg>
 #include <cstdio>
-#include <string_view>
+#include <utility>
 
-#include "data/state.hpp"
+#include "data/session.hpp"
 
 namespace lexon {
 
-namespace {
+void Output::write_if_streaming() {
+  if (stream_ == nullptr) return;
+  std::fwrite(buffer_.data(), 1, buffer_.size(), stream_);
+  buffer_.clear();
+}
 
-// Longer texts than this are rare; of them the format alone says whether they end their line.
-constexpr std::size_t kShortText = 2048;
+void Output::redirect(std::FILE* stream) {
+  flush();
+  stream_ = stream;
+}
 
-}  // namespace
-
-void out_print(const char* format, ...) {
-  if (state.output == nullptr || stop_requested.load(std::memory_order_relaxed)) return;
-  std::array<char, kShortText> text;
-  std::va_list arguments;
-  va_start(arguments, format);
+void Output::vprint(const char* format, std::va_list arguments) {
   std::va_list again;
   va_copy(again, arguments);
-  const int length = std::vsnprintf(text.data(), text.size(), format, arguments);
-  if (length < 0 || static_cast<std::size_t>(length) >= text.size()) {
-    std::vfprintf(state.output, format, again);
-    state.line_is_open = !std::string_view(format).ends_with('\n');
-  } else if (length > 0) {
-    std::fwrite(text.data(), 1, static_cast<std::size_t>(length), state.output);
-    state.line_is_open = text[static_cast<std::size_t>(length) - 1] != '\n';
+  std::array<char, 512> line;
+  const int length = std::vsnprintf(line.data(), line.size(), format, arguments);
+  if (length >= 0 && static_cast<std::size_t>(length) < line.size()) {
+    append({line.data(), static_cast<std::size_t>(length)});
+  } else if (length >= 0) {
+    std::string text(static_cast<std::size_t>(length) + 1, '\0');
+    std::vsnprintf(text.data(), text.size(), format, again);
+    text.pop_back();
+    append(text);
   }
   va_end(again);
+}
+
+void Output::print(const char* format, ...) {
+  std::va_list arguments;
+  va_start(arguments, format);
+  vprint(format, arguments);
   va_end(arguments);
 }
 
-void out_banner(const char* line) {
-  if (state.output == nullptr) return;
-  std::fprintf(state.output, "%s%s\n", state.line_is_open ? "\n" : "", line);
-  state.line_is_open = false;
+void Output::banner(std::string_view line) {
+  if (line_is_open_) append("\n");
+  append(line);
+  append("\n");
 }
 
-void out_flush() {
-  if (state.output != nullptr) std::fflush(state.output);
+void Output::flush() {
+  if (stream_ == nullptr) return;
+  write_if_streaming();
+  std::fflush(stream_);
+}
+
+std::string Output::take() {
+  return std::exchange(buffer_, {});
+}
+
+void out_print(Session& session, const char* format, ...) {
+  if (session.stop_requested.load(std::memory_order_relaxed)) return;
+  std::va_list arguments;
+  va_start(arguments, format);
+  session.output.vprint(format, arguments);
+  va_end(arguments);
+}
+
+void out_flush(Session& session) {
+  session.output.flush();
 }
 
 }  // namespace lexon

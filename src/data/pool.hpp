@@ -1,45 +1,116 @@
-// Two pools with one mechanism: one for the rules of a run, one for everything of a sentence.
+// A pool of memory cells: one for the rules of a grammar, one for everything of a sentence.
 //
-// Requests up to 4096 bytes are served in nine size classes from blocks of at most 65535 bytes; larger ones go to
-// the heap. A cell carries no header: whoever gives it back says its size. Cells are not cleared. Not thread-safe.
-//
-// A request that is refused also sets `state.abort` to `memory`: the step in hand ends, whether or not the caller could
-// go on without the cell.
+// Requests up to 4096 bytes are served in nine size classes from blocks of at most 65535 bytes; larger ones go to the
+// heap, and belong to the pool all the same. A cell carries no header: whoever gives it back says its size. Cells are
+// not cleared. A pool is not thread-safe.
 #pragma once
 
+#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <new>
 #include <string_view>
 #include <type_traits>
+#include <vector>
 
 namespace lexon {
 
-// A cell of at least `size` bytes from the permanent pool; it lives for the run. Null if `size` is below 1 or
-// memory is exhausted. Must not be called while the sentence's pool holds blocks.
-[[nodiscard]] void* perm_alloc(std::int64_t size);
+// Blocks of the rules and of a sentence together, unless a run asks for more: some 13 MB.
+inline constexpr int kMaxBlocks = 200;
+inline constexpr std::int32_t kFirstBlockSize = 65535;
 
-// Gives a cell back to the class of `size`, which must be the class it came from. Ignores null.
-void perm_free(void* cell, std::int64_t size);
+// For tests: refuses cells and blocks of the pools that look at it.
+struct AllocationFault {
+  std::int64_t countdown;  // the request of this number from now on is refused; 0: none
+  bool lasting;            // so are all behind it
 
-// As `perm_alloc` and `perm_free`, from the sentence's pool; all its cells die in `temp_release_all`.
-[[nodiscard]] void* temp_alloc(std::int64_t size);
-void temp_free(void* cell, std::int64_t size);
+  // Is the present request to be refused? To be asked once for each.
+  [[nodiscard]] bool refuses() {
+    if (countdown == 0) return false;
+    if (--countdown != 0) return false;
+    if (lasting) countdown = 1;
+    return true;
+  }
+};
 
-// Gives a string back by its present length plus 1. Ignores null and the empty string.
-void temp_free_string(char* text);
+class Pool {
+ public:
+  Pool() = default;
+  ~Pool() { release_all(); }
+  Pool(const Pool&) = delete;
+  Pool& operator=(const Pool&) = delete;
 
-// Frees every block of the sentence's pool, and its cells above 4096 bytes, and clears its free lists. Always returns
-// 0.
-int temp_release_all();
+  // A cell of at least `size` bytes, which lives until it is given back or `release_all`. Null if `size` is below 1,
+  // or when memory is exhausted.
+  [[nodiscard]] void* alloc(std::int64_t size);
 
-// How many blocks of 65535 bytes both pools may have together: 200 unless told otherwise. To be set while both are
-// empty. False, and nothing changes, if there is no memory for their table.
-[[nodiscard]] bool pool_blocks_allow(int blocks);
+  // Gives a cell back to the class of `size`, which must be the class it came from. Ignores null.
+  void free(void* cell, std::int64_t size);
 
-// Frees every block of both pools: the rules of the run are gone with all else. For a program that makes another run.
-// The permanent pool's cells above 4096 bytes are not covered.
-void perm_release_all();
+  // Frees every block and every cell.
+  void release_all();
+
+  // How many blocks it may hold from now on; those that it holds stay.
+  void limit_blocks(int blocks) { max_blocks_ = blocks; }
+  void set_fault(AllocationFault* fault) { fault_ = fault; }
+
+  [[nodiscard]] int max_blocks() const { return max_blocks_; }
+  [[nodiscard]] int blocks() const { return static_cast<int>(blocks_.size()); }
+  // Bytes given out from the blocks' starts; cells that came back count.
+  [[nodiscard]] std::int64_t bytes_used() const;
+  // Has a request been refused since the last `release_all`?
+  [[nodiscard]] bool is_exhausted() const { return exhausted_; }
+
+ private:
+  static constexpr std::array<std::int32_t, 9> kCellSizes = {8, 16, 32, 64, 128, 256, 512, 1024, 4096};
+  static constexpr std::int64_t kLargestCell = kCellSizes.back();
+
+  struct FreeCell {
+    FreeCell* next;
+  };
+  struct Block {
+    std::int32_t used;  // bytes given out from the start
+    char* start;
+  };
+  // What stands in front of a cell that is too large for the blocks.
+  struct alignas(std::max_align_t) LargeCell {
+    LargeCell* next;
+    LargeCell* before;
+  };
+
+  static std::size_t class_of(std::int64_t size);
+  void* serve(std::int64_t size);
+  void* serve_from_blocks(std::size_t& first_open, std::int32_t stride);
+  void* serve_from_new_block(std::int32_t stride);
+  void* serve_large(std::int64_t size);
+
+  int max_blocks_ = kMaxBlocks;
+  std::int32_t block_size_ = kFirstBlockSize;  // halved when the heap refuses a block, until `release_all`
+  bool exhausted_ = false;
+  AllocationFault* fault_ = nullptr;
+  std::vector<Block> blocks_;
+  // By size class: the cells that came back, and the first block that may still have room. A block that has refused
+  // a class stays full for it.
+  std::array<FreeCell*, kCellSizes.size()> free_{};
+  std::array<std::size_t, kCellSizes.size()> first_open_{};
+  LargeCell large_{};  // heads the large cells
+};
+
+// A terminated copy of `text`, or null.
+[[nodiscard]] char* perm_text(Pool& pool, std::string_view text);
+
+// A zeroed record, or null. Released with `perm_delete`.
+template <typename Record>
+[[nodiscard]] Record* perm_new(Pool& pool) {
+  static_assert(std::is_trivially_destructible_v<Record>);
+  void* cell = pool.alloc(static_cast<std::int64_t>(sizeof(Record)));
+  return cell == nullptr ? nullptr : new (cell) Record{};
+}
+
+template <typename Record>
+void perm_delete(Pool& pool, Record* record) {
+  pool.free(record, static_cast<std::int64_t>(sizeof(Record)));
+}
 
 // Heap memory for what outlives pools; null if `size` is below 1 or the heap refuses. Freed by `heap_free_clear`.
 [[nodiscard]] void* checked_malloc(std::int64_t size);
@@ -49,64 +120,5 @@ void heap_free_clear(void*& pointer);
 
 // The first place of `c` in `text`, or null. Never finds the terminator; null for a null text.
 [[nodiscard]] const char* find_char(const char* text, char c);
-
-// A zeroed record from the sentence's pool, or null. Released with `temp_delete`.
-template <typename Record>
-[[nodiscard]] Record* temp_new() {
-  static_assert(std::is_trivially_destructible_v<Record>);
-  void* cell = temp_alloc(static_cast<std::int64_t>(sizeof(Record)));
-  if (cell == nullptr) return nullptr;
-  return new (cell) Record{};
-}
-
-template <typename Record>
-void temp_delete(Record* record) {
-  temp_free(record, static_cast<std::int64_t>(sizeof(Record)));
-}
-
-// The same from the permanent pool.
-template <typename Record>
-[[nodiscard]] Record* perm_new() {
-  static_assert(std::is_trivially_destructible_v<Record>);
-  void* cell = perm_alloc(static_cast<std::int64_t>(sizeof(Record)));
-  if (cell == nullptr) return nullptr;
-  return new (cell) Record{};
-}
-
-template <typename Record>
-void perm_delete(Record* record) {
-  perm_free(record, static_cast<std::int64_t>(sizeof(Record)));
-}
-
-// A terminated copy of `text` in the sentence's pool, or null.
-[[nodiscard]] char* temp_text(std::string_view text);
-
-// A terminated copy of `text` in the permanent pool, or null.
-[[nodiscard]] char* perm_text(std::string_view text);
-
-// For tests: refuses allocations of the core, cells, blocks and heap memory alike.
-struct AllocationFault {
-  std::int64_t countdown;  // the request of this number from now on is refused; 0: none
-  bool lasting;            // so are all behind it
-};
-extern AllocationFault allocation_fault;
-
-// Is the request in hand to be refused? To be asked once for each.
-[[nodiscard]] inline bool allocation_refused() {
-  if (allocation_fault.countdown == 0) return false;
-  if (--allocation_fault.countdown != 0) return false;
-  if (allocation_fault.lasting) allocation_fault.countdown = 1;
-  return true;
-}
-
-// What the pools hold at present, for tests and benchmarks.
-struct PoolFigures {
-  int permanent_blocks;
-  int sentence_blocks;
-  std::int64_t sentence_bytes_used;  // given out from the blocks' starts; cells on free lists count
-  std::int64_t permanent_bytes_used;
-  std::int64_t room_bytes;  // of all blocks that there may be
-};
-[[nodiscard]] PoolFigures pool_figures();
 
 }  // namespace lexon

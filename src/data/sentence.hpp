@@ -1,4 +1,4 @@
-// The tables of one sentence. One sentence at a time; all is cleared by `sentence_clear`.
+// The tables of one sentence; all are cleared by `sentence_clear` (data/session.hpp).
 #pragma once
 
 #include <array>
@@ -6,7 +6,6 @@
 #include <cstdio>
 
 #include "data/records.hpp"
-#include "data/state.hpp"
 
 namespace lexon {
 
@@ -59,38 +58,5 @@ struct Sentence {
   DictionaryFiles cr_dictionary;  // files null when the run has none
   bool refused;                   // a limit was exceeded while reading; a message has said which
 };
-
-extern Sentence sentence;
-
-// The scope that is generated now.
-[[nodiscard]] inline ScopeRow& current_scope() {
-  return sentence.semlst[static_cast<std::size_t>(state.semlst_cur)];
-}
-
-// Clears all tables, and what the last sentence left in the engine's state; the dictionaries stay as they are. A
-// forced target that is left over stays set but equals no node of this sentence.
-void sentence_clear();
-
-// Notes that the sentence breaks a limit and prints ";;" and `what`, once per sentence.
-void sentence_refuse(const char* what);
-
-// The scope's index in `semlst` if it is generated and standing, else 0. A row without entry ends the search, and its
-// index is the result.
-[[nodiscard]] int scope_is_built(int scope);
-
-// Is `node` a scope reference whose scope is not generated?
-[[nodiscard]] inline bool is_unbuilt_reference(const Node& node) {
-  return is_scope_reference(node) && scope_is_built(node.scope) == 0;
-}
-
-// The entry node of a scope, or null.
-[[nodiscard]] Node* scope_entry_node(int scope);
-
-// The node that a scope reference leads to, through references, or null if an entry is missing on the way or the
-// references run in a circle.
-[[nodiscard]] Node* scope_final_node(int scope);
-
-// The same, but going on only through references whose scope is not built; the first that is built is the result.
-[[nodiscard]] Node* scope_unbuilt_target(int scope);
 
 }  // namespace lexon

@@ -5,7 +5,7 @@
 #include <cstring>
 #include <utility>
 
-#include "data/pool.hpp"
+#include "data/session.hpp"
 
 namespace lexon {
 
@@ -19,55 +19,57 @@ std::int32_t length_of(std::string_view text) {
 }
 
 // Copies one text field into `target`. False when memory is exhausted.
-bool copy_field(char*& target, const char* text, std::int32_t length) {
-  target = length > 0 ? field_copy(text, length) : nullptr;
+bool copy_field(Session& session, char*& target, const char* text, std::int32_t length) {
+  target = length > 0 ? field_copy(session, text, length) : nullptr;
   return length <= 0 || target != nullptr;
 }
 
 // The buffer is as long as `attr_len` says; the text runs to its terminator.
-bool copy_attrs(WordEntry& copy, const WordEntry& src) {
+bool copy_attrs(Session& session, WordEntry& copy, const WordEntry& src) {
   copy.attrs = nullptr;
   if (src.attr_len <= 0) return true;
   const std::string_view text = text_or_empty(src.attrs);
   const auto room = static_cast<std::size_t>(src.attr_len) + 1;
   const std::size_t size = text.size() + 1 > room ? text.size() + 1 : room;
-  copy.attrs = static_cast<char*>(temp_alloc(static_cast<std::int64_t>(size)));
+  copy.attrs = static_cast<char*>(temp_alloc(session, static_cast<std::int64_t>(size)));
   if (copy.attrs == nullptr) return false;
   std::memcpy(copy.attrs, text.data(), text.size());
   copy.attrs[text.size()] = '\0';
   return true;
 }
 
-bool copy_surface(WordEntry& copy, const WordEntry& src, const char* new_hw) {
-  if (new_hw == nullptr) return copy_field(copy.hw, src.hw, src.hw_len);
+bool copy_surface(Session& session, WordEntry& copy, const WordEntry& src, const char* new_hw) {
+  if (new_hw == nullptr) return copy_field(session, copy.hw, src.hw, src.hw_len);
   copy.hw_len = length_of(new_hw);
   copy.total_size += copy.hw_len - src.hw_len;
-  copy.hw = temp_text(new_hw);
+  copy.hw = temp_text(session, new_hw);
   return copy.hw != nullptr;
 }
 
-bool copy_texts(WordEntry& copy, const WordEntry& src, const char* new_hw) {
-  return copy_surface(copy, src, new_hw) && copy_field(copy.gloss, src.gloss, src.gloss_len) &&
-         copy_field(copy.cw, src.cw, src.cw_len) && copy_attrs(copy, src) && copy_field(copy.id, src.id, src.id_len) &&
-         copy_field(copy.extra1, src.extra1, src.extra1_len) && copy_field(copy.extra2, src.extra2, src.extra2_len);
+bool copy_texts(Session& session, WordEntry& copy, const WordEntry& src, const char* new_hw) {
+  return copy_surface(session, copy, src, new_hw) && copy_field(session, copy.gloss, src.gloss, src.gloss_len) &&
+         copy_field(session, copy.cw, src.cw, src.cw_len) && copy_attrs(session, copy, src) &&
+         copy_field(session, copy.id, src.id, src.id_len) &&
+         copy_field(session, copy.extra1, src.extra1, src.extra1_len) &&
+         copy_field(session, copy.extra2, src.extra2, src.extra2_len);
 }
 
-void entry_free(WordEntry* word) {
-  temp_free_string(word->hw);
-  temp_free_string(word->gloss);
-  temp_free_string(word->cw);
-  temp_free_string(word->attrs);
-  temp_free_string(word->id);
-  temp_free_string(word->extra1);
-  temp_free_string(word->extra2);
-  temp_delete(word);
+void entry_free(Session& session, WordEntry* word) {
+  temp_free_string(session, word->hw);
+  temp_free_string(session, word->gloss);
+  temp_free_string(session, word->cw);
+  temp_free_string(session, word->attrs);
+  temp_free_string(session, word->id);
+  temp_free_string(session, word->extra1);
+  temp_free_string(session, word->extra2);
+  temp_delete(session, word);
 }
 
 }  // namespace
 
-char* field_copy(const char* text, std::int32_t length) {
+char* field_copy(Session& session, const char* text, std::int32_t length) {
   if (length <= 0) return nullptr;
-  auto* copy = static_cast<char*>(temp_alloc(static_cast<std::int64_t>(length) + 1));
+  auto* copy = static_cast<char*>(temp_alloc(session, static_cast<std::int64_t>(length) + 1));
   if (copy == nullptr) return nullptr;
   // A length can outlast a shortened text; nothing behind the terminator is read.
   const std::size_t present = text == nullptr ? 0 : strnlen(text, static_cast<std::size_t>(length));
@@ -76,44 +78,45 @@ char* field_copy(const char* text, std::int32_t length) {
   return copy;
 }
 
-WordEntry* entry_new(const char* hw, const char* attrs) {
+WordEntry* entry_new(Session& session, const char* hw, const char* attrs) {
   if (hw == nullptr || *hw == '\0') return nullptr;
-  auto* word = temp_new<WordEntry>();
+  auto* word = temp_new<WordEntry>(session);
   if (word == nullptr) return nullptr;
   word->language[0] = word->language[1] = '.';
   word->hw_len = length_of(hw);
   word->attr_len = length_of(text_or_empty(attrs));
-  const bool copied = copy_field(word->hw, hw, word->hw_len) && copy_field(word->attrs, attrs, word->attr_len);
+  const bool copied =
+      copy_field(session, word->hw, hw, word->hw_len) && copy_field(session, word->attrs, attrs, word->attr_len);
   if (!copied) return nullptr;
   entry_sizes_set(*word);
   return word;
 }
 
-Status entry_copy(const WordEntry& src, WordEntry*& result, const char* new_hw) {
+Status entry_copy(Session& session, const WordEntry& src, WordEntry*& result, const char* new_hw) {
   result = nullptr;
-  auto* copy = temp_new<WordEntry>();
+  auto* copy = temp_new<WordEntry>(session);
   if (copy == nullptr) return Status::memory;
   *copy = src;
   copy->next = nullptr;
-  if (!copy_texts(*copy, src, new_hw)) return Status::memory;
+  if (!copy_texts(session, *copy, src, new_hw)) return Status::memory;
   result = copy;
   return Status::ok;
 }
 
-Status entry_list_copy(const WordEntry* src, WordEntry*& result, const char* new_hw) {
+Status entry_list_copy(Session& session, const WordEntry* src, WordEntry*& result, const char* new_hw) {
   result = nullptr;
   for (WordEntry** link = &result; src != nullptr; src = src->next, link = &(*link)->next) {
-    if (const Status s = entry_copy(*src, *link, new_hw); s != Status::ok) return s;
+    if (const Status s = entry_copy(session, *src, *link, new_hw); s != Status::ok) return s;
   }
   return Status::ok;
 }
 
-void entry_list_free(WordEntry*& head) {
-  while (head != nullptr) entry_free(std::exchange(head, head->next));
+void entry_list_free(Session& session, WordEntry*& head) {
+  while (head != nullptr) entry_free(session, std::exchange(head, head->next));
 }
 
-void entry_drop_head(WordEntry*& head) {
-  if (head != nullptr) entry_free(std::exchange(head, head->next));
+void entry_drop_head(Session& session, WordEntry*& head) {
+  if (head != nullptr) entry_free(session, std::exchange(head, head->next));
 }
 
 void entry_list_sort(WordEntry*& head) {
@@ -137,22 +140,22 @@ void entry_list_sort(WordEntry*& head) {
   *link = nullptr;
 }
 
-Status entry_attrs_set(WordEntry& word, std::string_view attrs) {
-  char* copy = temp_text(attrs);
+Status entry_attrs_set(Session& session, WordEntry& word, std::string_view attrs) {
+  char* copy = temp_text(session, attrs);
   if (copy == nullptr) return Status::memory;
-  temp_free_string(word.attrs);
+  temp_free_string(session, word.attrs);
   word.attrs = copy;
   word.attr_len = length_of(attrs);
   return Status::ok;
 }
 
-Status entry_attrs_prefix(WordEntry& word, std::string_view prefix) {
+Status entry_attrs_prefix(Session& session, WordEntry& word, std::string_view prefix) {
   const std::string_view old = text_or_empty(word.attrs);
-  auto* attrs = static_cast<char*>(temp_alloc(static_cast<std::int64_t>(prefix.size() + old.size()) + 1));
+  auto* attrs = static_cast<char*>(temp_alloc(session, static_cast<std::int64_t>(prefix.size() + old.size()) + 1));
   if (attrs == nullptr) return Status::memory;
   char* end = std::copy(prefix.begin(), prefix.end(), attrs);
   *std::copy(old.begin(), old.end(), end) = '\0';
-  temp_free_string(word.attrs);
+  temp_free_string(session, word.attrs);
   word.attrs = attrs;
   return Status::ok;
 }

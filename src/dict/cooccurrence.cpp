@@ -7,8 +7,7 @@
 
 #include "data/output.hpp"
 #include "data/scratch.hpp"
-#include "data/sentence.hpp"
-#include "data/state.hpp"
+#include "data/session.hpp"
 #include "data/words.hpp"
 #include "dict/layout.hpp"
 #include "dict/word_lookup.hpp"
@@ -52,51 +51,52 @@ bool runs_in_circle(const Path* path, const char* relation) {
   return false;
 }
 
-void report_circle(const char* relation) {
+void report_circle(Session& session, const char* relation) {
   Scratch<kLineSize> message;
   message.append("the \"sup\" chain of \"").append(relation).append("\" runs in a circle");
-  (void)rule_base_failure(message.c_str());
+  (void)rule_base_failure(session, message.c_str());
 }
 
 // wanted: a default above 127 reads as a negative number, and so as a failed lookup
-int relation_value(const char* relation) {
+int relation_value(Session& session, const char* relation) {
   WordEntry* words = nullptr;
-  if (words_by_key(sentence.cr_dictionary, kKeyHw, relation, words) != Status::ok) return kFailed;
+  if (words_by_key(session, session.sentence.cr_dictionary, kKeyHw, relation, words) != Status::ok) return kFailed;
   const int value = words == nullptr ? 0 : static_cast<std::int8_t>(words->priority);
-  entry_list_free(words);
+  entry_list_free(session, words);
   return value;
 }
 
 // The value of the pair as it stands, or of the relation; or 1 and the relation's members in `chain`. Apart, so that
 // the key does not weigh on the stack of the recursion.
-[[gnu::noinline]] int value_as_it_stands(const Pair& pair, const char* relation, WordEntry*& chain) {
+[[gnu::noinline]] int value_as_it_stands(Session& session, const Pair& pair, const char* relation, WordEntry*& chain) {
   Key key;
   key.append(pair.first).append(relation).append(pair.second);
   WordEntry* words = nullptr;
-  if (key.fits() && words_by_key(sentence.cr_dictionary, kKeyHw, key.c_str(), words) != Status::ok) return kFailed;
+  if (key.fits() && words_by_key(session, session.sentence.cr_dictionary, kKeyHw, key.c_str(), words) != Status::ok)
+    return kFailed;
   if (words == nullptr) {
-    chain = sup_members(relation);
-    return chain != nullptr ? 1 : relation_value(relation);
+    chain = sup_members(session, relation);
+    return chain != nullptr ? 1 : relation_value(session, relation);
   }
   entry_list_sort(words);
   const int value = words->priority;
-  entry_list_free(words);
+  entry_list_free(session, words);
   return value;
 }
 
-int cooccurrence_value(Pair& pair, const char* relation, WordEntry*& chain, const Path* path) {
-  if (must_leave() != Status::ok || stack_nearly_used()) return kFailed;
+int cooccurrence_value(Session& session, Pair& pair, const char* relation, WordEntry*& chain, const Path* path) {
+  if (must_leave(session) != Status::ok || stack_nearly_used(session)) return kFailed;
   if (runs_in_circle(path, relation)) {
-    report_circle(relation);
+    report_circle(session, relation);
     return kFailed;
   }
   // A chain that is handed in was left by an earlier check: the relation has not been asked on this path.
   const Path here{relation, path};
   const Path* inner_path = chain == nullptr ? &here : path;
-  int value = chain == nullptr ? value_as_it_stands(pair, relation, chain) : 1;
+  int value = chain == nullptr ? value_as_it_stands(session, pair, relation, chain) : 1;
   while (chain != nullptr) {
     WordEntry* inner = nullptr;
-    value = cooccurrence_value(pair, text_or_empty(chain->id), inner, inner_path);
+    value = cooccurrence_value(session, pair, text_or_empty(chain->id), inner, inner_path);
     spend(pair, inner);
     if (value != 0) break;
     WordEntry* failed = chain;
@@ -131,10 +131,10 @@ const char* role_of(const Rule& rule) {
   return rule.lnode->roles != nullptr ? rule.lnode->roles->text : rule.rnode->roles->text;
 }
 
-bool is_needed(const Rule& rule) {
+bool is_needed(Session& session, const Rule& rule) {
   const bool inserts = rule.lnode->inserted != 0 || rule.rnode->inserted != 0;
   const bool has_role = rule.lnode->roles != nullptr || rule.rnode->roles != nullptr;
-  return sentence.cr_dictionary.dictionary != nullptr && inserts && has_role;
+  return session.sentence.cr_dictionary.dictionary != nullptr && inserts && has_role;
 }
 
 // The second text is that of the side whose pattern carries the ROLE; of the left one if both do.
@@ -144,10 +144,10 @@ void set_texts(Check& check) {
   check.pair.second = word_text(left_has_role ? check.left : check.right);
 }
 
-void trace_start(const Check& check) {
-  if (state.trace_level < 2) return;
-  out_print("%s;;checking CR for rule:\n", state.trace_indent);
-  rule_print(&check.rule, true);
+void trace_start(Session& session, const Check& check) {
+  if (session.state.trace_level < 2) return;
+  out_print(session, "%s;;checking CR for rule:\n", session.state.trace_indent);
+  rule_print(session, &check.rule, true);
 }
 
 const char* label_of(const Check& check) {
@@ -155,33 +155,33 @@ const char* label_of(const Check& check) {
   return check.chain != nullptr ? text_or_empty(check.chain->id) : role_of(check.rule);
 }
 
-void trace_checked(const Check& check, int score) {
-  if (state.trace_level < 3) return;
-  out_print("%s;;CR checked: %s(%s,%s)=%d\n", state.trace_indent, label_of(check), check.pair.first, check.pair.second,
-            score);
+void trace_checked(Session& session, const Check& check, int score) {
+  if (session.state.trace_level < 3) return;
+  out_print(session, "%s;;CR checked: %s(%s,%s)=%d\n", session.state.trace_indent, label_of(check), check.pair.first,
+            check.pair.second, score);
 }
 
-void trace_selected(const Check& check) {
-  if (state.trace_level < 2) return;
-  out_print("%s;;CR selected: %s(%s,%s)=%d;\n", state.trace_indent, label_of(check), check.pair.first,
+void trace_selected(Session& session, const Check& check) {
+  if (session.state.trace_level < 2) return;
+  out_print(session, "%s;;CR selected: %s(%s,%s)=%d;\n", session.state.trace_indent, label_of(check), check.pair.first,
             check.pair.second, check.best_score);
 }
 
 // Asks the pair at hand, from the chain that was handed in.
-int score_pair(Check& check) {
+int score_pair(Session& session, Check& check) {
   if (check.chosen == nullptr) spend(check.pair, check.chain);
   check.chain = check.chosen;
   set_texts(check);
-  const int score = cooccurrence_value(check.pair, role_of(check.rule), check.chain, nullptr);
-  if (score >= 0) trace_checked(check, score);
+  const int score = cooccurrence_value(session, check.pair, role_of(check.rule), check.chain, nullptr);
+  if (score >= 0) trace_checked(session, check, score);
   return score;
 }
 
 // A retry asks one pair, a first check all of them. A tie keeps the first. False: a lookup failed, or the side is bad.
-bool score_words(Check& check) {
+bool score_words(Session& session, Check& check) {
   WordEntry*& word = check.side == 'l' ? check.left : check.right;
   while (check.left != nullptr && check.right != nullptr) {
-    const int score = score_pair(check);
+    const int score = score_pair(session, check);
     if (score < 0 || (check.side != 'l' && check.side != 'r')) return false;
     if (score > check.best_score) {
       check.best_score = score;
@@ -204,42 +204,44 @@ void move_to_front(WordEntry*& words, WordEntry& word) {
 }
 
 // A retry that failed keeps what it has not tried.
-int finish(Check& check, int result) {
+int finish(Session& session, Check& check, int result) {
   const bool keeps_chain = result >= 0 || check.chosen != nullptr;
   if (keeps_chain) {
     check.chosen = check.chain;
   } else {
     spend(check.pair, check.chain);
   }
-  entry_list_free(check.pair.spent);
+  entry_list_free(session, check.pair.spent);
   return result;
 }
 
 }  // namespace
 
-WordEntry* sup_members(const char* text) {
+WordEntry* sup_members(Session& session, const char* text) {
   if (text == nullptr || *text == '\0') return nullptr;
   Key key;
   key.append("sup").append(text);
   WordEntry* members = nullptr;
-  if (!key.fits() || words_by_key(sentence.cr_dictionary, kKeyCw, key.c_str(), members) != Status::ok) return nullptr;
+  if (!key.fits() || words_by_key(session, session.sentence.cr_dictionary, kKeyCw, key.c_str(), members) != Status::ok)
+    return nullptr;
   entry_list_sort(members);
   return members;
 }
 
-int cooccurrence_check(WordEntry*& left, WordEntry*& right, const Rule& rule, WordEntry*& chosen, char side) {
-  if (!is_needed(rule)) return 1;
+int cooccurrence_check(Session& session, WordEntry*& left, WordEntry*& right, const Rule& rule, WordEntry*& chosen,
+                       char side) {
+  if (!is_needed(session, rule)) return 1;
   Check check{rule, side, chosen, left, right};
-  trace_start(check);
-  if (!score_words(check)) return finish(check, kFailed);
+  trace_start(session, check);
+  if (!score_words(session, check)) return finish(session, check, kFailed);
   WordEntry*& words = side == 'l' ? left : right;
   const bool all_were_asked = (side == 'l' ? check.left : check.right) == nullptr;
   if (all_were_asked && check.best != nullptr) move_to_front(words, *check.best);
   check.left = side == 'l' && check.best != nullptr ? check.best : left;
   check.right = side != 'l' && check.best != nullptr ? check.best : right;
   set_texts(check);
-  trace_selected(check);
-  return finish(check, check.best_score);
+  trace_selected(session, check);
+  return finish(session, check, check.best_score);
 }
 
 }  // namespace lexon

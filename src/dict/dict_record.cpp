@@ -4,7 +4,7 @@
 #include <span>
 
 #include "data/bytes.hpp"
-#include "data/pool.hpp"
+#include "data/session.hpp"
 #include "data/words.hpp"
 
 namespace lexon {
@@ -39,18 +39,21 @@ void copy_fixed_part(ByteView fixed, WordEntry& word) {
 }
 
 // An empty text leaves the field null. False when memory is exhausted.
-bool copy_text(std::string_view text, char*& field, std::int32_t& length) {
+bool copy_text(Session& session, std::string_view text, char*& field, std::int32_t& length) {
   if (text.empty()) return true;
-  field = temp_text(text);
+  field = temp_text(session, text);
   length = static_cast<std::int32_t>(text.size());
   return field != nullptr;
 }
 
-bool copy_texts(const StoredRecord& stored, WordEntry& word) {
-  return copy_text(stored.hw, word.hw, word.hw_len) && copy_text(stored.gloss, word.gloss, word.gloss_len) &&
-         copy_text(stored.cw, word.cw, word.cw_len) && copy_text(stored.attrs, word.attrs, word.attr_len) &&
-         copy_text(stored.id, word.id, word.id_len) && copy_text(stored.extra1, word.extra1, word.extra1_len) &&
-         copy_text(stored.extra2, word.extra2, word.extra2_len);
+bool copy_texts(Session& session, const StoredRecord& stored, WordEntry& word) {
+  return copy_text(session, stored.hw, word.hw, word.hw_len) &&
+         copy_text(session, stored.gloss, word.gloss, word.gloss_len) &&
+         copy_text(session, stored.cw, word.cw, word.cw_len) &&
+         copy_text(session, stored.attrs, word.attrs, word.attr_len) &&
+         copy_text(session, stored.id, word.id, word.id_len) &&
+         copy_text(session, stored.extra1, word.extra1, word.extra1_len) &&
+         copy_text(session, stored.extra2, word.extra2, word.extra2_len);
 }
 
 }  // namespace
@@ -83,17 +86,17 @@ bool stored_record_read(ByteView record, StoredRecord& stored) {
   return reader.ok();
 }
 
-Status record_unpack(ByteView record, WordEntry*& entry) {
+Status record_unpack(Session& session, ByteView record, WordEntry*& entry) {
   entry = nullptr;
   StoredRecord stored;
   if (!stored_record_read(record, stored)) return Status::ok;
-  auto* word = temp_new<WordEntry>();
+  auto* word = temp_new<WordEntry>(session);
   if (word == nullptr) return Status::memory;
   word->total_size = stored.total_size;
   word->attr_block_size = stored.attr_block_size;
   word->language[0] = word->language[1] = '.';
   copy_fixed_part(stored.fixed, *word);
-  if (!copy_texts(stored, *word)) return Status::memory;
+  if (!copy_texts(session, stored, *word)) return Status::memory;
   entry = word;
   return Status::ok;
 }

@@ -13,6 +13,8 @@
 
 namespace lexon {
 
+struct Session;
+
 // A record's fields where they stand; all point into the block. A field behind the record's end is empty.
 struct StoredRecord {
   std::uint16_t total_size = 0;
@@ -37,6 +39,6 @@ struct StoredRecord {
 [[nodiscard]] bool stored_record_read(ByteView record, StoredRecord& stored);
 
 // Makes a word of a record, in the sentence's pool. `entry` is null on failure, and for a damaged record.
-[[nodiscard]] Status record_unpack(ByteView record, WordEntry*& entry);
+[[nodiscard]] Status record_unpack(Session& session, ByteView record, WordEntry*& entry);
 
 }  // namespace lexon

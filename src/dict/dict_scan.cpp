@@ -2,8 +2,7 @@
 // chains of data blocks they name; then through the data blocks, where each hit that has words gives a group.
 
 #include "data/bytes.hpp"
-#include "data/pool.hpp"
-#include "data/state.hpp"
+#include "data/session.hpp"
 #include "data/words.hpp"
 #include "dict/block_chain.hpp"
 #include "dict/dict_record.hpp"
@@ -18,20 +17,20 @@ std::uint8_t type_of(const DictBlock& block) {
 }
 
 // wanted: a block that cannot be read ends its chain silently, and what has been found stands.
-void note_unreadable(std::FILE* dictionary, const DictChain& chain) {
-  if (chain.is_unreadable()) note_damaged_block(dictionary, chain.offset());
+void note_unreadable(Session& session, std::FILE* dictionary, const DictChain& chain) {
+  if (chain.is_unreadable()) note_damaged_block(session, dictionary, chain.offset());
 }
 
 // Is the block in hand of this type? One that is not is noted.
-bool is_of_type(std::FILE* dictionary, const DictChain& chain, std::uint8_t type) {
+bool is_of_type(Session& session, std::FILE* dictionary, const DictChain& chain, std::uint8_t type) {
   const bool is_right = type_of(chain.block()) == type;
-  if (!is_right) note_damaged_block(dictionary, chain.offset());
+  if (!is_right) note_damaged_block(session, dictionary, chain.offset());
   return is_right;
 }
 
 // Appends the entries of a key block that equal the key. `is_done` is set where the chain holds nothing more: behind
 // an entry above the key, or where the block is damaged.
-Status scan_key_block(ByteView content, std::string_view key, KeyHits& found, bool& is_done) {
+Status scan_key_block(Session& session, ByteView content, std::string_view key, KeyHits& found, bool& is_done) {
   ByteReader reader(content, kDictDataOffset);
   while (reader.more() && !is_done) {
     const std::string_view entry_key = reader.text();
@@ -39,28 +38,31 @@ Status scan_key_block(ByteView content, std::string_view key, KeyHits& found, bo
     const int order = key_compare(entry_key, key);
     is_done = !reader.ok() || order > 0;
     if (is_done || order != 0) continue;
-    if (const Status s = key_hits_append(found, block); s != Status::ok) return s;
+    if (const Status s = key_hits_append(session, found, block); s != Status::ok) return s;
   }
   return Status::ok;
 }
 
-Status scan_key_chain(std::FILE* dictionary, std::uint16_t first, std::string_view key, KeyHits& found) {
+Status scan_key_chain(Session& session, std::FILE* dictionary, std::uint16_t first, std::string_view key,
+                      KeyHits& found) {
   DictChain chain(dictionary, first);
   for (bool is_done = false; !is_done && chain.advance();) {
-    if (const Status s = must_leave(); s != Status::ok) return s;
-    if (!is_of_type(dictionary, chain, kKeyBlock)) return Status::not_a_key_block;
-    if (const Status s = scan_key_block(chain.block().content(), key, found, is_done); s != Status::ok) return s;
+    if (const Status s = must_leave(session); s != Status::ok) return s;
+    if (!is_of_type(session, dictionary, chain, kKeyBlock)) return Status::not_a_key_block;
+    if (const Status s = scan_key_block(session, chain.block().content(), key, found, is_done); s != Status::ok)
+      return s;
   }
-  note_unreadable(dictionary, chain);
+  note_unreadable(session, dictionary, chain);
   return Status::ok;
 }
 
 // From the key blocks of `hits` to the data blocks that they name.
-Status scan_key_blocks(std::FILE* dictionary, std::string_view key, KeyHits& hits) {
+Status scan_key_blocks(Session& session, std::FILE* dictionary, std::string_view key, KeyHits& hits) {
   KeyHits found;
   Status s = Status::ok;
-  while (s == Status::ok && hits.first != nullptr) s = scan_key_chain(dictionary, key_hits_take(hits), key, found);
-  key_hits_free(hits);
+  while (s == Status::ok && hits.first != nullptr)
+    s = scan_key_chain(session, dictionary, key_hits_take(session, hits), key, found);
+  key_hits_free(session, hits);
   hits = found;
   return s;
 }
@@ -74,8 +76,8 @@ struct DataScan {
   bool is_done;           // the chain holds nothing more
 };
 
-Status group_open(DataScan& scan, std::int32_t block, std::size_t offset) {
-  auto* group = temp_new<LookupGroup>();
+Status group_open(Session& session, DataScan& scan, std::int32_t block, std::size_t offset) {
+  auto* group = temp_new<LookupGroup>(session);
   if (group == nullptr) return Status::memory;
   group->block = block;
   group->offset = static_cast<std::int32_t>(offset);
@@ -85,18 +87,18 @@ Status group_open(DataScan& scan, std::int32_t block, std::size_t offset) {
   return Status::ok;
 }
 
-Status append_word(DataScan& scan, ByteView record, std::int32_t block, std::size_t offset) {
+Status append_word(Session& session, DataScan& scan, ByteView record, std::int32_t block, std::size_t offset) {
   WordEntry* word = nullptr;
-  if (const Status s = record_unpack(record, word); s != Status::ok || word == nullptr) return s;
+  if (const Status s = record_unpack(session, record, word); s != Status::ok || word == nullptr) return s;
   if (scan.word_link == nullptr) {
-    if (const Status s = group_open(scan, block, offset); s != Status::ok) return s;
+    if (const Status s = group_open(session, scan, block, offset); s != Status::ok) return s;
   }
   *scan.word_link = word;
   scan.word_link = &word->next;
   return Status::ok;
 }
 
-Status scan_data_block(DataScan& scan, const DictChain& chain) {
+Status scan_data_block(Session& session, DataScan& scan, const DictChain& chain) {
   const ByteView content = chain.block().content();
   ByteView record;
   for (std::size_t at = kDictDataOffset; at < content.size(); at += record.size()) {
@@ -110,34 +112,35 @@ Status scan_data_block(DataScan& scan, const DictChain& chain) {
     scan.is_done = scan.key_field == kKeyHw && order > 0;
     if (scan.is_done) return Status::ok;
     if (order != 0) continue;
-    if (const Status s = append_word(scan, record, chain.number(), at); s != Status::ok) return s;
+    if (const Status s = append_word(session, scan, record, chain.number(), at); s != Status::ok) return s;
   }
   return Status::ok;
 }
 
-Status scan_data_chain(DataScan& scan, std::FILE* dictionary, std::uint16_t first) {
+Status scan_data_chain(Session& session, DataScan& scan, std::FILE* dictionary, std::uint16_t first) {
   scan.word_link = nullptr;
   scan.is_done = false;
   DictChain chain(dictionary, first);
   while (!scan.is_done && chain.advance()) {
-    if (const Status s = must_leave(); s != Status::ok) return s;
-    if (!is_of_type(dictionary, chain, kDataBlock)) return Status::not_a_data_block;
-    if (const Status s = scan_data_block(scan, chain); s != Status::ok) return s;
+    if (const Status s = must_leave(session); s != Status::ok) return s;
+    if (!is_of_type(session, dictionary, chain, kDataBlock)) return Status::not_a_data_block;
+    if (const Status s = scan_data_block(session, scan, chain); s != Status::ok) return s;
   }
-  note_unreadable(dictionary, chain);
+  note_unreadable(session, dictionary, chain);
   return Status::ok;
 }
 
 }  // namespace
 
-Status dict_scan(std::FILE* dictionary, int secondary, int key_field, std::string_view key, KeyHits& hits,
-                 LookupGroup*& groups) {
+Status dict_scan(Session& session, std::FILE* dictionary, int secondary, int key_field, std::string_view key,
+                 KeyHits& hits, LookupGroup*& groups) {
   if (key_field > kKeyHw && secondary > 0) {
-    if (const Status s = scan_key_blocks(dictionary, key, hits); s != Status::ok) return s;
+    if (const Status s = scan_key_blocks(session, dictionary, key, hits); s != Status::ok) return s;
   }
   DataScan scan{.key_field = key_field, .key = key, .link = &groups, .word_link = nullptr, .is_done = false};
   while (hits.first != nullptr) {
-    if (const Status s = scan_data_chain(scan, dictionary, key_hits_take(hits)); s != Status::ok) return s;
+    if (const Status s = scan_data_chain(session, scan, dictionary, key_hits_take(session, hits)); s != Status::ok)
+      return s;
   }
   return Status::ok;
 }

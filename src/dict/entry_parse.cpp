@@ -9,9 +9,8 @@
 #include "data/bytes.hpp"
 #include "data/chars.hpp"
 #include "data/output.hpp"
-#include "data/pool.hpp"
 #include "data/scratch.hpp"
-#include "data/state.hpp"
+#include "data/session.hpp"
 #include "data/words.hpp"
 #include "dict/entry_text.hpp"
 
@@ -32,18 +31,19 @@ bool ends_line(char c) {
   return c == '\0' || c == '\n';
 }
 
-void* storage_alloc(EntryStorage storage, std::size_t size) {
+void* storage_alloc(Session& session, EntryStorage storage, std::size_t size) {
   const auto bytes = static_cast<std::int64_t>(size);
-  return storage == EntryStorage::heap ? checked_malloc(bytes) : temp_alloc(bytes);
+  return storage == EntryStorage::heap ? checked_malloc(bytes) : temp_alloc(session, bytes);
 }
 
-void storage_free(EntryStorage storage, void* cell, std::size_t size) {
+void storage_free(Session& session, EntryStorage storage, void* cell, std::size_t size) {
   if (storage == EntryStorage::heap) return heap_free_clear(cell);
-  temp_free(cell, static_cast<std::int64_t>(size));
+  temp_free(session, cell, static_cast<std::int64_t>(size));
 }
 
-Status store_always(const EntryScan& scan, char*& field, std::int32_t& length, std::string_view text) {
-  field = static_cast<char*>(storage_alloc(scan.storage, text.size() + 1));
+Status store_always(Session& session, const EntryScan& scan, char*& field, std::int32_t& length,
+                    std::string_view text) {
+  field = static_cast<char*>(storage_alloc(session, scan.storage, text.size() + 1));
   if (field == nullptr) return Status::memory;
   if (!text.empty()) std::memcpy(field, text.data(), text.size());
   field[text.size()] = '\0';
@@ -52,17 +52,17 @@ Status store_always(const EntryScan& scan, char*& field, std::int32_t& length, s
 }
 
 // An empty text leaves the field null.
-Status store(const EntryScan& scan, char*& field, std::int32_t& length, std::string_view text) {
-  return text.empty() ? Status::ok : store_always(scan, field, length, text);
+Status store(Session& session, const EntryScan& scan, char*& field, std::int32_t& length, std::string_view text) {
+  return text.empty() ? Status::ok : store_always(session, scan, field, length, text);
 }
 
 // The text from the current place up to the next `close`, which is stepped over.
-Status store_up_to(EntryScan& scan, char close, char*& field, std::int32_t& length, Status missing) {
+Status store_up_to(Session& session, EntryScan& scan, char close, char*& field, std::int32_t& length, Status missing) {
   const char* end = std::strchr(scan.at, close);
   if (end == nullptr) return missing;
   const std::string_view text(scan.at, static_cast<std::size_t>(end - scan.at));
   scan.at = end + 1;
-  return store(scan, field, length, text);
+  return store(session, scan, field, length, text);
 }
 
 bool is_escape_pair(const char* at) {
@@ -84,25 +84,25 @@ void unescape(std::string_view raw, Scratch<1028>& text) {
   }
 }
 
-Status read_hw(EntryScan& scan) {
+Status read_hw(Session& session, EntryScan& scan) {
   const char* open = std::strchr(scan.at, '[');
   const char* end = open == nullptr ? nullptr : entry_hw_end(open + 1);
   if (end == nullptr) return kBadHw;
   unescape({open + 1, static_cast<std::size_t>(end - open - 1)}, scan.text);
   if (scan.text.size() > kMaxHwLength) return kBadHw;
   scan.at = end + 1;
-  return store_always(scan, scan.entry.hw, scan.entry.hw_len, scan.text.view());
+  return store_always(session, scan, scan.entry.hw, scan.entry.hw_len, scan.text.view());
 }
 
 // The "{" is there: the surface form ends in front of it.
-Status read_id(EntryScan& scan) {
+Status read_id(Session& session, EntryScan& scan) {
   scan.at = skip_blanks(scan.at) + 1;
-  const Status s = store_up_to(scan, '}', scan.entry.id, scan.entry.id_len, kBadId);
+  const Status s = store_up_to(session, scan, '}', scan.entry.id, scan.entry.id_len, kBadId);
   scan.at = skip_blanks(scan.at);
   return s;
 }
 
-Status read_gloss(EntryScan& scan) {
+Status read_gloss(Session& session, EntryScan& scan) {
   if (*scan.at == '"' || *scan.at == '(') return Status::ok;
   const char* next = std::strstr(scan.at, " \"");
   if (next == nullptr) next = std::strstr(scan.at, " (");
@@ -111,7 +111,7 @@ Status read_gloss(EntryScan& scan) {
   while (end > scan.at && is_blank(end[-1])) --end;
   const std::string_view text(scan.at, static_cast<std::size_t>(end - scan.at));
   scan.at = skip_blanks(next);
-  return store(scan, scan.entry.gloss, scan.entry.gloss_len, text);
+  return store(session, scan, scan.entry.gloss, scan.entry.gloss_len, text);
 }
 
 // A quote closes the concept word by what follows it, so that quotes can stand inside.
@@ -122,7 +122,7 @@ bool closes_cw(const char* at) {
 }
 
 // Collects the concept word without its master definitions, the texts in braces, and steps behind its closing quote.
-Status scan_cw(EntryScan& scan) {
+Status scan_cw(Session& session, EntryScan& scan) {
   scan.text.clear();
   bool in_definition = false;
   const char* at = scan.at;
@@ -135,21 +135,21 @@ Status scan_cw(EntryScan& scan) {
   }
   scan.at = at + 1;
   if (in_definition) {
-    out_print(";;close-braces for the master definition may be missing\n");
-    out_flush();
+    out_print(session, ";;close-braces for the master definition may be missing\n");
+    out_flush(session);
   }
   return in_definition || !scan.text.fits() ? kBadCwOrAttrs : Status::ok;
 }
 
-Status read_cw(EntryScan& scan) {
+Status read_cw(Session& session, EntryScan& scan) {
   if (*scan.at != '"') return Status::ok;
   ++scan.at;
-  if (const Status s = scan_cw(scan); s != Status::ok) return s;
+  if (const Status s = scan_cw(session, scan); s != Status::ok) return s;
   std::string_view text = scan.text.view();
   text = text.substr(0, text.find_last_not_of(' ') + 1);
-  if (text.size() < scan.text.size()) out_print(";;the spaces in the end of CW is deleted\n%s", scan.line);
+  if (text.size() < scan.text.size()) out_print(session, ";;the spaces in the end of CW is deleted\n%s", scan.line);
   scan.at = skip_blanks(scan.at);
-  return store(scan, scan.entry.cw, scan.entry.cw_len, text);
+  return store(session, scan, scan.entry.cw, scan.entry.cw_len, text);
 }
 
 // A ")" behind an attribute closes the list by what follows it.
@@ -176,7 +176,7 @@ const char* skip_separators(const char* at) {
   return at;
 }
 
-Status read_attrs(EntryScan& scan) {
+Status read_attrs(Session& session, EntryScan& scan) {
   if (*scan.at != '(') return kBadCwOrAttrs;
   scan.text.clear();
   const char* at = skip_separators(scan.at + 1);
@@ -189,7 +189,7 @@ Status read_attrs(EntryScan& scan) {
   if (is_unclosed || scan.text.size() > kMaxAttrsLength) return kBadCwOrAttrs;
   scan.behind_list = *at == ')' ? at + 1 : at;
   scan.at = skip_blanks(scan.behind_list);
-  return store(scan, scan.entry.attrs, scan.entry.attr_len, scan.text.view());
+  return store(session, scan, scan.entry.attrs, scan.entry.attr_len, scan.text.view());
 }
 
 void read_language(EntryScan& scan) {
@@ -215,7 +215,7 @@ bool step_over(const char*& at, char c) {
   return true;
 }
 
-Status read_numbers(EntryScan& scan) {
+Status read_numbers(Session&, EntryScan& scan) {
   if (!step_over(scan.at, '<')) return Status::ok;
   scan.at = skip_blanks(scan.at);
   read_language(scan);
@@ -227,34 +227,34 @@ Status read_numbers(EntryScan& scan) {
   return ends ? Status::ok : kBadNumbers;
 }
 
-Status read_second_mark(EntryScan& scan) {
+Status read_second_mark(Session&, EntryScan& scan) {
   while (is_blank(*scan.at) || *scan.at == ';') ++scan.at;
   if (is_letter(*scan.at) || *scan.at == '.') scan.entry.language[1] = *scan.at++;
   return Status::ok;
 }
 
-Status read_extra1(EntryScan& scan) {
+Status read_extra1(Session& session, EntryScan& scan) {
   if (*scan.at != '[') {
     // wanted: without a first extra text, the second is looked for behind the attribute list.
     scan.at = scan.behind_list;
     return Status::ok;
   }
   ++scan.at;
-  return store_up_to(scan, ']', scan.entry.extra1, scan.entry.extra1_len, kBadExtra1);
+  return store_up_to(session, scan, ']', scan.entry.extra1, scan.entry.extra1_len, kBadExtra1);
 }
 
-Status read_extra2(EntryScan& scan) {
+Status read_extra2(Session& session, EntryScan& scan) {
   if (!step_over(scan.at, '{')) return Status::ok;
-  return store_up_to(scan, '}', scan.entry.extra2, scan.entry.extra2_len, kBadExtra2);
+  return store_up_to(session, scan, '}', scan.entry.extra2, scan.entry.extra2_len, kBadExtra2);
 }
 
 constexpr std::array kFields = {read_hw,      read_id,          read_gloss,  read_cw,    read_attrs,
                                 read_numbers, read_second_mark, read_extra1, read_extra2};
 
-Status parse_fields(const char* line, WordEntry& entry, EntryStorage storage) {
+Status parse_fields(Session& session, const char* line, WordEntry& entry, EntryStorage storage) {
   EntryScan scan{.line = line, .at = line, .behind_list = line, .entry = entry, .storage = storage, .text = {}};
   for (const auto& read_field : kFields) {
-    if (const Status s = read_field(scan); s != Status::ok) return s;
+    if (const Status s = read_field(session, scan); s != Status::ok) return s;
   }
   entry_sizes_set(entry);
   return Status::ok;
@@ -272,10 +272,10 @@ const char* entry_hw_end(const char* hw) {
   return nullptr;
 }
 
-void parsed_entry_free(WordEntry*& entry, EntryStorage storage) {
+void parsed_entry_free(Session& session, WordEntry*& entry, EntryStorage storage) {
   if (entry == nullptr) return;
-  const auto release = [storage](char* text, std::int32_t length) {
-    storage_free(storage, text, static_cast<std::size_t>(length) + 1);
+  const auto release = [&session, storage](char* text, std::int32_t length) {
+    storage_free(session, storage, text, static_cast<std::size_t>(length) + 1);
   };
   release(entry->hw, entry->hw_len);
   release(entry->gloss, entry->gloss_len);
@@ -284,22 +284,21 @@ void parsed_entry_free(WordEntry*& entry, EntryStorage storage) {
   release(entry->id, entry->id_len);
   release(entry->extra1, entry->extra1_len);
   release(entry->extra2, entry->extra2_len);
-  storage_free(storage, entry, sizeof(WordEntry));
+  storage_free(session, storage, entry, sizeof(WordEntry));
   entry = nullptr;
 }
 
-Status parse_entry(const char* line, WordEntry*& result, EntryStorage storage, std::FILE* trace) {
-  if (trace != nullptr) state.output = trace;
+Status parse_entry(Session& session, const char* line, WordEntry*& result, EntryStorage storage) {
   result = nullptr;
-  void* cell = storage_alloc(storage, sizeof(WordEntry));
+  void* cell = storage_alloc(session, storage, sizeof(WordEntry));
   if (cell == nullptr) return Status::memory;
   WordEntry* entry = new (cell) WordEntry{};
   entry->language[0] = entry->language[1] = '.';
-  const Status s = parse_fields(line, *entry, storage);
+  const Status s = parse_fields(session, line, *entry, storage);
   if (s == Status::ok) {
     result = entry;
   } else {
-    parsed_entry_free(entry, storage);
+    parsed_entry_free(session, entry, storage);
   }
   return s;
 }

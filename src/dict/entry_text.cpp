@@ -58,17 +58,17 @@ const char* entry_error_text(Status status) {
   return "unknown error";
 }
 
-void entry_print(std::FILE* stream, const WordEntry* entry, const char* prefix) {
-  if (stream == nullptr || entry == nullptr) return;
+void entry_print(Output& output, const WordEntry* entry, const char* prefix) {
+  if (entry == nullptr) return;
   const char* language = language_to_code(entry->language);
   const int language_length = language == entry->language ? 1 : kCodeLength;
-  std::fprintf(stream, "%s[%s]{%s} %s \"%s\" (%s) <%.*s,%u,%d>;\n", text_or_empty(prefix), text_or_empty(entry->hw),
+  output.print("%s[%s]{%s} %s \"%s\" (%s) <%.*s,%u,%d>;\n", text_or_empty(prefix), text_or_empty(entry->hw),
                text_or_empty(entry->id), text_or_empty(entry->gloss), text_or_empty(entry->cw),
                text_or_empty(entry->attrs), language_length, language, load_u32(entry->frequency), entry->priority);
 }
 
-void entry_list_print(std::FILE* stream, const WordEntry* list, const char* prefix) {
-  for (const WordEntry& word : chain<&WordEntry::next>(list)) entry_print(stream, &word, prefix);
+void entry_list_print(Output& output, const WordEntry* list, const char* prefix) {
+  for (const WordEntry& word : chain<&WordEntry::next>(list)) entry_print(output, &word, prefix);
 }
 
 }  // namespace lexon

@@ -5,10 +5,13 @@
 #include <cstddef>
 #include <cstdio>
 
+#include "data/output.hpp"
 #include "data/records.hpp"
 #include "data/status.hpp"
 
 namespace lexon {
+
+struct Session;
 
 // Where `parse_entry` takes its memory from.
 enum class EntryStorage : int { sentence_pool = 0, heap = 1 };
@@ -27,12 +30,12 @@ inline constexpr std::size_t kMaxHwLength = 1024;
 inline constexpr std::size_t kMaxAttrsLength = 1024;
 
 // Parses one line into a new word. `result` is null unless the status is ok; otherwise it is `memory` or one of those
-// above (see `entry_error_text`). A `trace` that is not null becomes the output, and stays it.
+// above (see `entry_error_text`).
 // A line should keep its line feed: a ")" with nothing behind it belongs to the attribute in front of it.
-[[nodiscard]] Status parse_entry(const char* line, WordEntry*& result, EntryStorage storage, std::FILE* trace);
+[[nodiscard]] Status parse_entry(Session& session, const char* line, WordEntry*& result, EntryStorage storage);
 
 // Releases a word that `parse_entry` made in that storage, and clears the pointer. Null is ignored.
-void parsed_entry_free(WordEntry*& entry, EntryStorage storage);
+void parsed_entry_free(Session& session, WordEntry*& entry, EntryStorage storage);
 
 // What a status of `parse_entry` means, in words, for the messages of tools.
 [[nodiscard]] const char* entry_error_text(Status status);
@@ -40,12 +43,12 @@ void parsed_entry_free(WordEntry*& entry, EntryStorage storage);
 // The bracket that closes the surface form beginning at `hw`, behind the opening one; null if the line ends first.
 [[nodiscard]] const char* entry_hw_end(const char* hw);
 
-// Prints one word as an entry line behind `prefix`. Nothing happens for a null entry or stream. The second language
+// Prints one word as an entry line behind `prefix`. Nothing happens for a null entry. The second language
 // mark and the extras are not printed.
-void entry_print(std::FILE* stream, const WordEntry* entry, const char* prefix);
+void entry_print(Output& output, const WordEntry* entry, const char* prefix);
 
 // Prints each word of a list.
-void entry_list_print(std::FILE* stream, const WordEntry* list, const char* prefix);
+void entry_list_print(Output& output, const WordEntry* list, const char* prefix);
 
 // The mark of a two-letter language code, or `text` itself. The mark ends its text.
 [[nodiscard]] const char* language_to_mark(const char* text);

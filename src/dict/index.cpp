@@ -6,43 +6,41 @@
 
 #include "data/bytes.hpp"
 #include "data/platform.hpp"
-#include "data/pool.hpp"
-#include "data/state.hpp"
+#include "data/session.hpp"
 #include "data/words.hpp"
 #include "dict/block_chain.hpp"
 #include "dict/lookup.hpp"
 
 namespace lexon {
 
-constinit LookupDamage lookup_damage{};
-
 namespace {
 
 // Down the tree in `index` and into the dictionary. Without a tree the scan starts at the root.
-Status lookup_from(KeyHits& hits, const DictionaryFiles& files, std::FILE* index, const IndexDescriptor& descriptor,
-                   int key_field, std::string_view key, LookupGroup*& groups) {
-  if (index == nullptr) return dict_scan(files.dictionary, descriptor.levels, key_field, key, hits, groups);
+Status lookup_from(Session& session, KeyHits& hits, const DictionaryFiles& files, std::FILE* index,
+                   const IndexDescriptor& descriptor, int key_field, std::string_view key, LookupGroup*& groups) {
+  if (index == nullptr) return dict_scan(session, files.dictionary, descriptor.levels, key_field, key, hits, groups);
   const int levels_in_index = key_field == kKeyHw ? descriptor.levels : descriptor.levels - 1;
-  if (const Status s = index_search(index, files.name_size, levels_in_index, key, hits); s != Status::ok) return s;
-  return dict_scan(files.dictionary, key_field == kKeyHw ? 0 : 1, key_field, key, hits, groups);
+  if (const Status s = index_search(session, index, files.name_size, levels_in_index, key, hits); s != Status::ok)
+    return s;
+  return dict_scan(session, files.dictionary, key_field == kKeyHw ? 0 : 1, key_field, key, hits, groups);
 }
 
-Status lookup_by(const DictionaryFiles& files, const IndexDescriptor& descriptor, int key_field, std::string_view key,
-                 LookupGroup*& groups) {
+Status lookup_by(Session& session, const DictionaryFiles& files, const IndexDescriptor& descriptor, int key_field,
+                 std::string_view key, LookupGroup*& groups) {
   KeyHits hits;
-  if (const Status s = key_hits_append(hits, descriptor.root); s != Status::ok) return s;
+  if (const Status s = key_hits_append(session, hits, descriptor.root); s != Status::ok) return s;
   std::FILE* own_index = files.index == nullptr ? index_open("", descriptor, key_field, false) : nullptr;
   std::FILE* index = files.index == nullptr ? own_index : files.index;
-  const Status s = lookup_from(hits, files, index, descriptor, key_field, key, groups);
+  const Status s = lookup_from(session, hits, files, index, descriptor, key_field, key, groups);
   if (own_index != nullptr) static_cast<void>(std::fclose(own_index));
-  key_hits_free(hits);
+  key_hits_free(session, hits);
   return s;
 }
 
-void groups_free(LookupGroup*& groups) {
+void groups_free(Session& session, LookupGroup*& groups) {
   WordEntry* words = nullptr;
-  groups_flatten(groups, words);
-  entry_list_free(words);
+  groups_flatten(session, groups, words);
+  entry_list_free(session, words);
   groups = nullptr;
 }
 
@@ -59,30 +57,31 @@ std::FILE* index_open(const std::string& prefix, const IndexDescriptor& descript
   return regular_file_open(prefix + descriptor.name, read_only ? "rb" : "rb+");
 }
 
-void note_damaged_block(const std::FILE* stream, std::int64_t offset) {
-  if (lookup_damage.blocks++ != 0) return;
-  lookup_damage.stream = stream;
-  lookup_damage.offset = offset;
+void note_damaged_block(Session& session, const std::FILE* stream, std::int64_t offset) {
+  if (session.damage.blocks++ != 0) return;
+  session.damage.stream = stream;
+  session.damage.offset = offset;
 }
 
-Status dict_lookup(const DictionaryFiles& files, int key_field, const char* key, LookupGroup*& groups) {
+Status dict_lookup(Session& session, const DictionaryFiles& files, int key_field, const char* key,
+                   LookupGroup*& groups) {
   groups = nullptr;
   const bool has_slot = files.slots != nullptr && key_field >= kKeyHw && key_field <= kSlotCount;
   const IndexDescriptor* descriptor = has_slot ? files.slots[key_field] : nullptr;
   Status s = Status::index_unreadable;
-  if (descriptor != nullptr) s = lookup_by(files, *descriptor, key_field, key, groups);
-  if (s != Status::ok) groups_free(groups);
-  state.engine_status = s;
+  if (descriptor != nullptr) s = lookup_by(session, files, *descriptor, key_field, key, groups);
+  if (s != Status::ok) groups_free(session, groups);
+  session.state.engine_status = s;
   return s;
 }
 
-void groups_flatten(LookupGroup* groups, WordEntry*& list) {
+void groups_flatten(Session& session, LookupGroup* groups, WordEntry*& list) {
   list = nullptr;
   WordEntry** link = &list;
   while (groups != nullptr) {
     *link = groups->entries;
     while (*link != nullptr) link = &(*link)->next;
-    temp_delete(std::exchange(groups, groups->next));
+    temp_delete(session, std::exchange(groups, groups->next));
   }
 }
 

@@ -8,7 +8,7 @@
 #include <string_view>
 
 #include "data/records.hpp"
-#include "data/sentence.hpp"
+#include "data/session.hpp"
 #include "data/status.hpp"
 #include "dict/layout.hpp"
 
@@ -24,15 +24,7 @@ struct IndexDescriptor {
   std::uint32_t number2;         // stored, not read
 };
 
-// What the lookups of a run have met in damaged files. The output has no place for it: the front end tells.
-struct LookupDamage {
-  std::int64_t blocks;      // that could not be read, or were of the wrong kind; one counts as often as it is met
-  const std::FILE* stream;  // where the first of them stands; null as long as there is none
-  std::int64_t offset;      // its place in that file
-};
-extern LookupDamage lookup_damage;
-
-void note_damaged_block(const std::FILE* stream, std::int64_t offset);
+void note_damaged_block(Session& session, const std::FILE* stream, std::int64_t offset);
 
 // The words that one hit led to; at least one.
 struct LookupGroup {
@@ -55,9 +47,10 @@ struct LookupGroup {
 // to the engine status: `memory`, `index_unreadable` (also for a slot that is not filled), `not_a_key_block`,
 // `not_a_data_block`, or what `must_leave` gives. Damaged records, and what cannot be read of a chain in the
 // dictionary file, count as absent.
-[[nodiscard]] Status dict_lookup(const DictionaryFiles& files, int key_field, const char* key, LookupGroup*& groups);
+[[nodiscard]] Status dict_lookup(Session& session, const DictionaryFiles& files, int key_field, const char* key,
+                                 LookupGroup*& groups);
 
 // Joins the words of all groups in their order and releases the groups; null for none.
-void groups_flatten(LookupGroup* groups, WordEntry*& list);
+void groups_flatten(Session& session, LookupGroup* groups, WordEntry*& list);
 
 }  // namespace lexon

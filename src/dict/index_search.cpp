@@ -4,8 +4,7 @@
 #include <utility>
 
 #include "data/bytes.hpp"
-#include "data/pool.hpp"
-#include "data/state.hpp"
+#include "data/session.hpp"
 #include "dict/block_chain.hpp"
 #include "dict/index.hpp"
 #include "dict/lookup.hpp"
@@ -25,7 +24,7 @@ struct Level {
   bool has_passed = false;  // an entry above the key: the chain holds nothing more
 };
 
-Status search_block(Level& level, ByteView content) {
+Status search_block(Session& session, Level& level, ByteView content) {
   ByteReader reader(content, index_data_offset(level.name_size));
   while (reader.more()) {
     const std::string_view key = reader.text();
@@ -37,38 +36,38 @@ Status search_block(Level& level, ByteView content) {
     level.has_nearest = true;
     if (level.has_passed) return Status::ok;
     if (order != 0) continue;
-    if (const Status s = key_hits_append(level.found, block); s != Status::ok) return s;
+    if (const Status s = key_hits_append(session, level.found, block); s != Status::ok) return s;
   }
   return Status::ok;
 }
 
-Status search_chain(Level& level, std::FILE* index, std::uint16_t first) {
+Status search_chain(Session& session, Level& level, std::FILE* index, std::uint16_t first) {
   level.has_nearest = level.has_passed = false;
   IndexChain chain(index, first);
   while (!level.has_passed && chain.advance()) {
-    if (const Status s = must_leave(); s != Status::ok) return s;
-    const Status s = search_block(level, chain.block().content());
-    if (s == Status::index_unreadable) note_damaged_block(index, chain.offset());
+    if (const Status s = must_leave(session); s != Status::ok) return s;
+    const Status s = search_block(session, level, chain.block().content());
+    if (s == Status::index_unreadable) note_damaged_block(session, index, chain.offset());
     if (s != Status::ok) return s;
   }
   if (!chain.is_unreadable()) return Status::ok;
-  note_damaged_block(index, chain.offset());
+  note_damaged_block(session, index, chain.offset());
   return Status::index_unreadable;
 }
 
 // The chain of the last hit decides where the key would stand. Chains without any entry lead nowhere.
-Status search_level(Level& level, std::FILE* index, KeyHits& hits) {
+Status search_level(Session& session, Level& level, std::FILE* index, KeyHits& hits) {
   while (hits.first != nullptr) {
-    if (const Status s = search_chain(level, index, key_hits_take(hits)); s != Status::ok) return s;
+    if (const Status s = search_chain(session, level, index, key_hits_take(session, hits)); s != Status::ok) return s;
   }
   const bool leads_on = level.found.first == nullptr && level.has_nearest;
-  return leads_on ? key_hits_append(level.found, level.nearest) : Status::ok;
+  return leads_on ? key_hits_append(session, level.found, level.nearest) : Status::ok;
 }
 
 }  // namespace
 
-Status key_hits_append(KeyHits& hits, std::uint16_t block) {
-  auto* hit = temp_new<KeyHit>();
+Status key_hits_append(Session& session, KeyHits& hits, std::uint16_t block) {
+  auto* hit = temp_new<KeyHit>(session);
   if (hit == nullptr) return Status::memory;
   hit->block = block;
   (hits.first == nullptr ? hits.first : hits.last->next) = hit;
@@ -76,22 +75,23 @@ Status key_hits_append(KeyHits& hits, std::uint16_t block) {
   return Status::ok;
 }
 
-std::uint16_t key_hits_take(KeyHits& hits) {
+std::uint16_t key_hits_take(Session& session, KeyHits& hits) {
   KeyHit* hit = std::exchange(hits.first, hits.first->next);
   const std::uint16_t block = hit->block;
-  temp_delete(hit);
+  temp_delete(session, hit);
   return block;
 }
 
-void key_hits_free(KeyHits& hits) {
-  while (hits.first != nullptr) (void)key_hits_take(hits);
+void key_hits_free(Session& session, KeyHits& hits) {
+  while (hits.first != nullptr) (void)key_hits_take(session, hits);
 }
 
-Status index_search(std::FILE* index, std::size_t name_size, int levels, std::string_view key, KeyHits& hits) {
+Status index_search(Session& session, std::FILE* index, std::size_t name_size, int levels, std::string_view key,
+                    KeyHits& hits) {
   for (int i = 0; i < levels; ++i) {
     Level level{.key = key, .name_size = name_size};
-    const Status s = search_level(level, index, hits);
-    key_hits_free(hits);
+    const Status s = search_level(session, level, index, hits);
+    key_hits_free(session, hits);
     hits = level.found;
     if (s != Status::ok) return s;
   }

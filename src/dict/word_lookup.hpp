@@ -2,7 +2,7 @@
 #pragma once
 
 #include "data/records.hpp"
-#include "data/sentence.hpp"
+#include "data/session.hpp"
 #include "data/status.hpp"
 #include "dict/index.hpp"
 
@@ -10,13 +10,13 @@ namespace lexon {
 
 // The words whose field is exactly `key`, in the dictionary's order; null for none. A dictionary that is not open has
 // none.
-[[nodiscard]] inline Status words_by_key(const DictionaryFiles& files, int key_field, const char* key,
+[[nodiscard]] inline Status words_by_key(Session& session, const DictionaryFiles& files, int key_field, const char* key,
                                          WordEntry*& words) {
   words = nullptr;
   if (files.dictionary == nullptr) return Status::ok;
   LookupGroup* groups = nullptr;
-  const Status status = dict_lookup(files, key_field, key, groups);
-  if (status == Status::ok) groups_flatten(groups, words);
+  const Status status = dict_lookup(session, files, key_field, key, groups);
+  if (status == Status::ok) groups_flatten(session, groups, words);
   return status;
 }
 

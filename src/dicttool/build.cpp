@@ -39,6 +39,7 @@
 #include <utility>
 
 #include "data/platform.hpp"
+#include "data/session.hpp"
 #include "dict/block_chain.hpp"
 #include "dict/item_sort.hpp"
 #include "dict/pair_stamp.hpp"
@@ -178,11 +179,11 @@ bool refuse_bad_lines(const Build& build) {
   return fail(build, build.options.entries + ": " + std::to_string(count) + form + ", nothing has been built");
 }
 
-bool read_entries(Build& build, ItemSorter& records) {
+bool read_entries(Session& session, Build& build, ItemSorter& records) {
   const std::string& path = build.options.entries;
   const File stream(std::fopen(path.c_str(), "rb"));
   if (stream == nullptr || !is_a_file(stream.get())) return fail(build, path + ": cannot be opened");
-  EntryText text(stream.get(), build.keys);
+  EntryText text(session, stream.get(), build.keys);
   std::int64_t bytes = 0;
   for (EntryText::Line line = text.next(); line != EntryText::Line::end; line = text.next()) {
     if (line == EntryText::Line::unreadable) return fail(build, path + ": cannot be read to its end");
@@ -376,12 +377,12 @@ std::string index_name_of(const std::string& dictionary) {
   return name + ".idx";
 }
 
-bool dictionary_build(const BuildOptions& options, std::FILE* log, BuildFigures& figures) {
+bool dictionary_build(Session& session, const BuildOptions& options, std::FILE* log, BuildFigures& figures) {
   figures = {};
   Build build{.options = options, .log = log, .figures = figures, .index_name = {}};
   if (!plan_names(build)) return false;
   auto records = std::make_unique<ItemSorter>(options.memory);
-  if (!read_entries(build, *records) || !write_files(build, std::move(records))) return false;
+  if (!read_entries(session, build, *records) || !write_files(build, std::move(records))) return false;
   figures.dictionary_blocks = build.dictionary_blocks.next - 1;
   figures.index_blocks = build.index_blocks.next - 1;
   return put_in_place(build);

@@ -9,6 +9,8 @@
 
 namespace lexon {
 
+struct Session;
+
 struct BuildOptions {
   std::string entries = {};                     // path of the entry text
   std::string dictionary = {};                  // path of the dictionary to make; its index is made beside it
@@ -31,7 +33,8 @@ struct BuildFigures {
 // and on the disk. Bad lines go to `log` as FILE:LINE with the reason, and so does what else went wrong. An index that
 // belongs to another dictionary is refused unless `force` is set. False on failure: then the old pair stands, or, where
 // only one of the two could be replaced, the stamp keeps every opening from using them.
-[[nodiscard]] bool dictionary_build(const BuildOptions& options, std::FILE* log, BuildFigures& figures);
+[[nodiscard]] bool dictionary_build(Session& session, const BuildOptions& options, std::FILE* log,
+                                    BuildFigures& figures);
 
 // The name of the index file of a dictionary, without a directory: the extension becomes ".idx", and other dots "_",
 // since readers measure the name up to its first dot.

@@ -4,8 +4,7 @@
 #include <functional>
 
 #include "data/chain.hpp"
-#include "data/pool.hpp"
-#include "data/state.hpp"
+#include "data/session.hpp"
 #include "dict/block_chain.hpp"
 #include "dict/item_sort.hpp"
 #include "dict/pair_stamp.hpp"
@@ -105,9 +104,9 @@ bool gather_uses(const Survey& survey, KeyCheck& check, ItemSorter& uses) {
   return true;
 }
 
-Status ask(const KeyCheck& check, const std::string& key, KeyTotals& found) {
+Status ask(Session& session, const KeyCheck& check, const std::string& key, KeyTotals& found) {
   LookupGroup* groups = nullptr;
-  const Status status = dict_lookup(check.opened.files(), check.key_field, key.c_str(), groups);
+  const Status status = dict_lookup(session, check.opened.files(), check.key_field, key.c_str(), groups);
   for (const LookupGroup& group : chain<&LookupGroup::next>(groups)) {
     ++found.entries;
     for (const WordEntry& word : chain<&WordEntry::next>(group.entries)) {
@@ -115,9 +114,9 @@ Status ask(const KeyCheck& check, const std::string& key, KeyTotals& found) {
       found.content += content_mark(record_of(word));
     }
   }
-  (void)temp_release_all();
+  session.pool.release_all();
   // The next lookup has all the memory again.
-  if (state.abort == Status::memory) state.abort = Status::ok;
+  if (session.state.abort == Status::memory) session.state.abort = Status::ok;
   return status;
 }
 
@@ -161,48 +160,48 @@ void note_unasked(const KeyCheck& check, const KeyGroup& group) {
                static_cast<long long>(group.totals.records));
 }
 
-std::string wrong_with(const KeyCheck& check, const KeyGroup& group) {
+std::string wrong_with(Session& session, const KeyCheck& check, const KeyGroup& group) {
   if (group.key.find('\0') != std::string::npos) return "a NUL character is in the key";
   if (group.totals.records == 0) return "an entry leads to no record";
   KeyTotals found;
-  const Status status = ask(check, group.key, found);
+  const Status status = ask(session, check, group.key, found);
   if (status == Status::ok) return difference(found, group.totals, check.key_field);
   if (status != Status::memory) return "the lookup fails with status " + std::to_string(code(status));
   note_unasked(check, group);
   return "";
 }
 
-void check_key(const KeyCheck& check, const KeyGroup& group) {
+void check_key(Session& session, const KeyCheck& check, const KeyGroup& group) {
   ++check.figures.keys;
-  const std::string wrong = wrong_with(check, group);
+  const std::string wrong = wrong_with(session, check, group);
   if (wrong.empty()) return;
   check.damage.add(check.opened.path, group.offset, "by " + described(check, group.key) + ": " + wrong);
 }
 
-bool check_keys(const KeyCheck& check, ItemSorter& uses) {
+bool check_keys(Session& session, const KeyCheck& check, ItemSorter& uses) {
   if (!uses.start_reading()) return false;
   KeyGroup group;
   bool is_open = false;
   for (ByteView item = uses.next(); !item.empty(); item = uses.next()) {
     const std::string_view key = item_key(item);
     if (is_open && key != group.key) {
-      check_key(check, group);
+      check_key(session, check, group);
       is_open = false;
     }
     if (!is_open) group = {.key = std::string(key)};
     is_open = true;
     group.add(use_of(item));
   }
-  if (is_open) check_key(check, group);
+  if (is_open) check_key(session, check, group);
   return !uses.failed();
 }
 
-bool check_all_keys(const Survey& survey, std::FILE* log, std::size_t memory, CheckFigures& figures) {
+bool check_all_keys(Session& session, const Survey& survey, std::FILE* log, std::size_t memory, CheckFigures& figures) {
   for (int field = kKeyHw; field <= kSlotCount; ++field) {
     if (survey.opened.slots[static_cast<std::size_t>(field)] == nullptr) continue;
     KeyCheck check{survey.opened, survey.damage, field, figures};
     ItemSorter uses(memory);
-    if (gather_uses(survey, check, uses) && check_keys(check, uses)) continue;
+    if (gather_uses(survey, check, uses) && check_keys(session, check, uses)) continue;
     std::fprintf(log, "%s: the check cannot be finished: reading or sorting fails\n", survey.opened.path.c_str());
     return false;
   }
@@ -211,7 +210,8 @@ bool check_all_keys(const Survey& survey, std::FILE* log, std::size_t memory, Ch
 
 }  // namespace
 
-bool dictionary_check(const std::string& path, std::FILE* log, std::size_t memory, CheckFigures& figures) {
+bool dictionary_check(Session& session, const std::string& path, std::FILE* log, std::size_t memory,
+                      CheckFigures& figures) {
   Dictionary opened;
   if (!dictionary_open(path, PairCheck::none, opened)) {
     std::fprintf(log, "%s\n", opened.fault.c_str());
@@ -226,7 +226,7 @@ bool dictionary_check(const std::string& path, std::FILE* log, std::size_t memor
   survey_blocks(survey);
   survey_trees(survey);
   // Damaged blocks would only be reported a second time by what cannot be found in them.
-  const bool is_finished = damage.count != changed || check_all_keys(survey, log, memory, figures);
+  const bool is_finished = damage.count != changed || check_all_keys(session, survey, log, memory, figures);
   figures.damages = damage.count;
   return is_finished && damage.count == 0;
 }

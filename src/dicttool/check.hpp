@@ -8,6 +8,8 @@
 
 namespace lexon {
 
+struct Session;
+
 // What a check has found.
 struct CheckFigures {
   std::int64_t records = 0;
@@ -20,6 +22,7 @@ struct CheckFigures {
 // Compares both files with what was built, looks at every block, record and key of them, and asks for every key: each record must be found by each of
 // its keys exactly once. Damage goes to `log` by file and offset. False if there is any; keys are only asked for if
 // the blocks are in order. `memory` is what sorting the keys may use.
-[[nodiscard]] bool dictionary_check(const std::string& path, std::FILE* log, std::size_t memory, CheckFigures& figures);
+[[nodiscard]] bool dictionary_check(Session& session, const std::string& path, std::FILE* log, std::size_t memory,
+                                    CheckFigures& figures);
 
 }  // namespace lexon

@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "data/chars.hpp"
+#include "data/session.hpp"
 #include "dict/entry_text.hpp"
 #include "dicttool/entry_reader.hpp"
 
@@ -95,19 +96,20 @@ void append_tail(const RecordView& record, std::string& line) {
 }
 
 // Does the line stand for the record, and is it one line for who reads a text?
-bool reads_back(const std::string& line, const RecordView& record) {
+bool reads_back(Session& session, const std::string& line, const RecordView& record) {
   const bool is_line = line.find('\n') == line.size() - 1 && !line.ends_with("\r\n") && line.size() <= kMaxEntryLine &&
                        line.find('\0') == std::string::npos;
   WordEntry* word = nullptr;
-  if (!is_line || parse_entry(line.c_str(), word, EntryStorage::sentence_pool, nullptr) != Status::ok) return false;
+  if (!is_line || parse_entry(session, line.c_str(), word, EntryStorage::sentence_pool) != Status::ok)
+    return false;
   const bool is_same = record_of(*word) == record;
-  parsed_entry_free(word, EntryStorage::sentence_pool);
+  parsed_entry_free(session, word, EntryStorage::sentence_pool);
   return is_same;
 }
 
 }  // namespace
 
-bool entry_line_write(const RecordView& record, std::string& line) {
+bool entry_line_write(Session& session, const RecordView& record, std::string& line) {
   line = "[";
   if (!append_hw(record.hw, line)) return false;
   line.append("]{").append(record.id).append("} ");
@@ -117,7 +119,7 @@ bool entry_line_write(const RecordView& record, std::string& line) {
   line.append("\" (").append(record.attrs);
   append_tail(record, line);
   line += '\n';
-  return reads_back(line, record);
+  return reads_back(session, line, record);
 }
 
 }  // namespace lexon

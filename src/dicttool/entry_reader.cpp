@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "data/chars.hpp"
+#include "data/session.hpp"
 #include "dict/entry_text.hpp"
 
 namespace lexon {
@@ -87,7 +88,7 @@ EntryText::Line EntryText::convert() {
   if (!check_line()) return Line::bad;
   line_.push_back('\n');
   WordEntry* word = nullptr;
-  const Status status = parse_entry(line_.c_str(), word, EntryStorage::sentence_pool, nullptr);
+  const Status status = parse_entry(session_, line_.c_str(), word, EntryStorage::sentence_pool);
   Line result = status == Status::memory ? Line::no_memory : Line::bad;
   if (status != Status::ok) {
     reason_ = entry_error_text(status);
@@ -96,7 +97,7 @@ EntryText::Line EntryText::convert() {
     record_append(record, record_);
     result = Line::entry;
   }
-  parsed_entry_free(word, EntryStorage::sentence_pool);
+  parsed_entry_free(session_, word, EntryStorage::sentence_pool);
   return result;
 }
 

@@ -27,7 +27,8 @@ class EntryText {
  public:
   enum class Line { entry, bad, end, unreadable, no_memory };
 
-  EntryText(std::FILE* stream, const KeyPlan& keys) : stream_(stream), keys_(keys), chunk_(kChunk) {}
+  EntryText(Session& session, std::FILE* stream, const KeyPlan& keys)
+      : session_(session), stream_(stream), keys_(keys), chunk_(kChunk) {}
 
   // Reads the next entry. `entry`: `record()` holds it; `bad`: `reason()` tells why.
   [[nodiscard]] Line next();
@@ -48,6 +49,7 @@ class EntryText {
   [[nodiscard]] bool check_record(const RecordView& record);
   [[nodiscard]] bool refuse(std::string reason);
 
+  Session& session_;
   std::FILE* stream_;
   KeyPlan keys_;
   Bytes chunk_;

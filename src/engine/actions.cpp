@@ -6,10 +6,8 @@
 
 #include "data/attr_string.hpp"
 #include "data/chain.hpp"
-#include "data/pool.hpp"
 #include "data/scratch.hpp"
-#include "data/sentence.hpp"
-#include "data/state.hpp"
+#include "data/session.hpp"
 #include "data/words.hpp"
 #include "engine/application.hpp"
 #include "engine/apply.hpp"
@@ -37,17 +35,18 @@ void word_changed(Actions& actions) {
 }
 
 // Can actions work on this place? They need a word to change, and a record that tells of the change.
-[[nodiscard]] Status actions_have_a_place(const Node* node) {
-  if (node == nullptr || node->candidates == nullptr) return rule_base_failure("acted on a place without a word");
-  return is_fresh(*node) ? rule_base_failure("acted on a node that no rule has matched") : Status::ok;
+[[nodiscard]] Status actions_have_a_place(Session& session, const Node* node) {
+  if (node == nullptr || node->candidates == nullptr)
+    return rule_base_failure(session, "acted on a place without a word");
+  return is_fresh(*node) ? rule_base_failure(session, "acted on a node that no rule has matched") : Status::ok;
 }
 
-[[nodiscard]] Status surface_set(Actions& actions, std::string_view text) {
+[[nodiscard]] Status surface_set(Session& session, Actions& actions, std::string_view text) {
   // wanted: a boundary keeps its surface form.
   if (is_boundary(actions.node)) return Status::ok;
-  char* hw = temp_text(text);
+  char* hw = temp_text(session, text);
   if (hw == nullptr) return Status::memory;
-  temp_free_string(actions.word.hw);
+  temp_free_string(session, actions.word.hw);
   actions.word.hw = hw;
   actions.word.hw_len = static_cast<std::int32_t>(text.size());
   // A scope reference with a surface form of its own is a word.
@@ -91,9 +90,9 @@ void attr_add(Actions& actions, const char* attr) {
   word_changed(actions);
 }
 
-[[nodiscard]] Status action_apply(Actions& actions, const CondItem& item) {
+[[nodiscard]] Status action_apply(Session& session, Actions& actions, const CondItem& item) {
   switch (item.op) {
-    case kOpSetHw: return surface_set(actions, item.text);
+    case kOpSetHw: return surface_set(session, actions, item.text);
     case kOpDelete: attr_delete(actions, item.text); break;
     case kOpAdd: attr_add(actions, item.text); break;
     default: break;  // a concept word changes nothing here
@@ -122,51 +121,51 @@ void elements_append(AttrScratch& text, std::string_view attrs) {
 
 // New attributes in front of the old ones, without blanks. What a scope reference gains before its scope is
 // generated stands apart from what it had, for scope entry to take along.
-[[nodiscard]] Status attrs_rebuild(Actions& actions) {
+[[nodiscard]] Status attrs_rebuild(Session& session, Actions& actions) {
   const char* old = text_or_empty(actions.word.attrs);
-  const bool awaits_scope = is_scope_reference(actions.node) && scope_is_built(actions.node.scope) == 0;
+  const bool awaits_scope = is_scope_reference(actions.node) && scope_is_built(session, actions.node.scope) == 0;
   AttrScratch text;
   elements_append(text, actions.additions.view());
   if (awaits_scope && !text.empty() && std::strstr(old, ",;,") == nullptr) text.append(",;");
   elements_append(text, old);
-  if (const Status status = entry_attrs_set(actions.word, text.view()); status != Status::ok) return status;
+  if (const Status status = entry_attrs_set(session, actions.word, text.view()); status != Status::ok) return status;
   actions.word.attr_block_size = actions.word.attr_len + 12;
   return Status::ok;
 }
 
 // The actions of one side, on a copy of the word that is taken back if they changed nothing.
-[[nodiscard]] Status side_actions_apply(Side side, const Rule& rule, const Window& window) {
+[[nodiscard]] Status side_actions_apply(Session& session, Side side, const Rule& rule, const Window& window) {
   if (pattern_of(rule, side).actions == nullptr) return Status::ok;
   Node* node = node_of(window, side);
-  if (const Status status = actions_have_a_place(node); status != Status::ok) return status;
+  if (const Status status = actions_have_a_place(session, node); status != Status::ok) return status;
   WordEntry* copy = nullptr;
-  if (const Status status = entry_copy(*node->candidates, copy); status != Status::ok) return status;
+  if (const Status status = entry_copy(session, *node->candidates, copy); status != Status::ok) return status;
   copy->next = node->candidates;
   node->candidates = copy;
-  if (const Status status = node_actions_apply(side, rule, window); status != Status::ok) return status;
-  if (node->matches->state == kStateStep) entry_drop_head(node->candidates);
+  if (const Status status = node_actions_apply(session, side, rule, window); status != Status::ok) return status;
+  if (node->matches->state == kStateStep) entry_drop_head(session, node->candidates);
   return Status::ok;
 }
 
 }  // namespace
 
-Status node_actions_apply(Side side, const Rule& rule, const Window& window) {
+Status node_actions_apply(Session& session, Side side, const Rule& rule, const Window& window) {
   Node* node = node_of(window, side);
-  if (const Status status = actions_have_a_place(node); status != Status::ok) return status;
+  if (const Status status = actions_have_a_place(session, node); status != Status::ok) return status;
   const NodePattern& own = pattern_of(rule, side);
   Actions actions{rule, own, pattern_of(rule, other(side)), *node, *node->candidates, {}, false};
   for (const CondItem& item : chain<&CondItem::next>(own.actions)) {
-    if (const Status status = action_apply(actions, item); status != Status::ok) return status;
+    if (const Status status = action_apply(session, actions, item); status != Status::ok) return status;
   }
   // wanted: the commas are squeezed in the surface form; the attributes of the origin keep their blanks.
   if (actions.origin_blanked) commas_squeeze(node->origin->candidates->hw);
-  return is_word_changed(node) ? attrs_rebuild(actions) : Status::ok;
+  return is_word_changed(node) ? attrs_rebuild(session, actions) : Status::ok;
 }
 
-Status rule_actions_apply(const Window& window, const RuleCandidate& candidate) {
+Status rule_actions_apply(Session& session, const Window& window, const RuleCandidate& candidate) {
   const Rule& rule = *candidate.rule;
-  if (const Status status = side_actions_apply(Side::left, rule, window); status != Status::ok) return status;
-  return side_actions_apply(Side::right, rule, window);
+  if (const Status status = side_actions_apply(session, Side::left, rule, window); status != Status::ok) return status;
+  return side_actions_apply(session, Side::right, rule, window);
 }
 
 bool no_scope_rule_in_stack(const MatchRecord* records) {

@@ -12,6 +12,8 @@
 
 namespace lexon {
 
+struct Session;
+
 // What a piece of an application says to its driver.
 struct Outcome {
   Status status;
@@ -31,13 +33,14 @@ struct Outcome {
 
 // Applies one side's actions in place to the word in force of that side's node. The node must have a record; its
 // newest one tells by its state whether the word was changed.
-[[nodiscard]] Status node_actions_apply(Side side, const Rule& rule, const Window& window);
+[[nodiscard]] Status node_actions_apply(Session& session, Side side, const Rule& rule, const Window& window);
 
 // Goes back until the word of the target is changed (?L, ?R).
-[[nodiscard]] Outcome forced_backtrack(Window& window, RuleCandidate*& candidate, std::int32_t& home_scope);
+[[nodiscard]] Outcome forced_backtrack(Session& session, Window& window, RuleCandidate*& candidate,
+                                       std::int32_t& home_scope);
 
 // Pushes the record that tells backtracking that the window has come to this node by a move.
-[[nodiscard]] Status window_marker_push(Node& node);
+[[nodiscard]] Status window_marker_push(Session& session, Node& node);
 
 // Does the newest record say that the node's word was changed? False for a null node and a fresh one.
 [[nodiscard]] constexpr bool is_word_changed(const Node* node) {

@@ -4,8 +4,7 @@
 
 #include "data/nodes.hpp"
 #include "data/output.hpp"
-#include "data/sentence.hpp"
-#include "data/state.hpp"
+#include "data/session.hpp"
 #include "engine/application.hpp"
 #include "engine/backtrack.hpp"
 #include "engine/trace.hpp"
@@ -16,10 +15,11 @@ namespace lexon {
 namespace {
 
 // The window one place to the left. It must not stand at the list's end.
-[[nodiscard]] Status left_step(Window& window) {
-  if (window.lnode == nullptr || window.lnode->left == nullptr) return rule_base_failure("left the list to the left");
+[[nodiscard]] Status left_step(Session& session, Window& window) {
+  if (window.lnode == nullptr || window.lnode->left == nullptr)
+    return rule_base_failure(session, "left the list to the left");
   window = {window.lnode->left, window.lnode};
-  return window_marker_push(*window.lnode);
+  return window_marker_push(session, *window.lnode);
 }
 
 [[nodiscard]] bool may_step_left(const Window& window) {
@@ -27,94 +27,98 @@ namespace {
 }
 
 // Both nodes of the window must have been matched by the same candidate.
-[[nodiscard]] Status records_agree(const Window& window) {
-  if (window.lnode == nullptr || window.rnode == nullptr) return rule_base_failure("applied a rule at an empty place");
+[[nodiscard]] Status records_agree(Session& session, const Window& window) {
+  if (window.lnode == nullptr || window.rnode == nullptr)
+    return rule_base_failure(session, "applied a rule at an empty place");
   if (is_fresh(*window.lnode) || is_fresh(*window.rnode))
-    return rule_base_failure("applied a rule to a node that no rule has matched");
+    return rule_base_failure(session, "applied a rule to a node that no rule has matched");
   return window.lnode->matches->candidate == window.rnode->matches->candidate ? Status::ok : Status::no_effect;
 }
 
-void result_trace(const Window& window, const Rule& rule) {
+void result_trace(Session& session, const Window& window, const Rule& rule) {
   for (const Side side : {Side::left, Side::right}) {
-    trace_result_node(side, pattern_of(rule, side).inserted != 0, node_of(window, side));
+    trace_result_node(session, side, pattern_of(rule, side).inserted != 0, node_of(window, side));
   }
 }
 
 // What L, R and ":" do between their actions and their movement.
-[[nodiscard]] Status result_settle(const Window& window, const Rule& rule) {
-  const Status status = records_agree(window);
-  if (status == Status::ok) result_trace(window, rule);
+[[nodiscard]] Status result_settle(Session& session, const Window& window, const Rule& rule) {
+  const Status status = records_agree(session, window);
+  if (status == Status::ok) result_trace(session, window, rule);
   return status;
 }
 
-[[nodiscard]] Outcome move_left(Window& window, const RuleCandidate& candidate) {
-  if (const Status status = rule_actions_apply(window, candidate); status != Status::ok) return ended(status);
+[[nodiscard]] Outcome move_left(Session& session, Window& window, const RuleCandidate& candidate) {
+  if (const Status status = rule_actions_apply(session, window, candidate); status != Status::ok) return ended(status);
   if (window.lnode == nullptr) return ended(Status::ok);
-  if (const Status status = result_settle(window, *candidate.rule); status != Status::ok) return ended(status);
+  if (const Status status = result_settle(session, window, *candidate.rule); status != Status::ok) return ended(status);
   window = {window.lnode->left, window.lnode};
-  return window.lnode == nullptr ? done() : done_if_ok(window_marker_push(*window.lnode));
+  return window.lnode == nullptr ? done() : done_if_ok(window_marker_push(session, *window.lnode));
 }
 
-[[nodiscard]] Outcome move_right(Window& window, const RuleCandidate& candidate) {
-  if (const Status status = rule_actions_apply(window, candidate); status != Status::ok) return ended(status);
+[[nodiscard]] Outcome move_right(Session& session, Window& window, const RuleCandidate& candidate) {
+  if (const Status status = rule_actions_apply(session, window, candidate); status != Status::ok) return ended(status);
   if (window.rnode == nullptr) return ended(Status::ok);
-  if (const Status status = result_settle(window, *candidate.rule); status != Status::ok) return ended(status);
-  out_flush();
+  if (const Status status = result_settle(session, window, *candidate.rule); status != Status::ok) return ended(status);
+  out_flush(session);
   if (candidate.rule->lnode->inserted != 0) {
-    if (const Status status = left_step(window); status != Status::ok) return ended(status);
+    if (const Status status = left_step(session, window); status != Status::ok) return ended(status);
   }
   window = {window.rnode, window.rnode->right};
   // wanted: a fresh node gets no marker.
   const bool wants_marker = window.rnode != nullptr && !is_fresh(*window.rnode);
-  return wants_marker ? done_if_ok(window_marker_push(*window.rnode)) : done();
+  return wants_marker ? done_if_ok(window_marker_push(session, *window.rnode)) : done();
 }
 
 // An unchanged word keeps the window where it is, and the next list of rules is asked for the same pair.
-[[nodiscard]] Outcome move_insertion(Window& window, const RuleCandidate& candidate) {
-  if (const Status status = rule_actions_apply(window, candidate); status != Status::ok) return ended(status);
-  if (const Status status = result_settle(window, *candidate.rule); status != Status::ok) return ended(status);
-  if (state.trace_level > 1) out_flush();
+[[nodiscard]] Outcome move_insertion(Session& session, Window& window, const RuleCandidate& candidate) {
+  if (const Status status = rule_actions_apply(session, window, candidate); status != Status::ok) return ended(status);
+  if (const Status status = result_settle(session, window, *candidate.rule); status != Status::ok) return ended(status);
+  if (session.state.trace_level > 1) out_flush(session);
   const bool is_new_or_changed = candidate.rule->lnode->inserted != 0 || is_word_changed(window.lnode);
-  return is_new_or_changed && may_step_left(window) ? done_if_ok(left_step(window)) : done();
+  return is_new_or_changed && may_step_left(window) ? done_if_ok(left_step(session, window)) : done();
 }
 
 // Puts the copy right of its source.
-[[nodiscard]] Status copy_link(Node& source, Node& copy) {
+[[nodiscard]] Status copy_link(Session& session, Node& source, Node& copy) {
   node_insert_after(source, copy);
-  return window_marker_push(copy);
+  return window_marker_push(session, copy);
 }
 
 // Makes the copy of one side's node, not yet in the list; null, and why, if it cannot be made.
-[[nodiscard]] Status copy_make(Side side, Window& window, const RuleCandidate& candidate, Node*& copy) {
-  if (const Status status = rule_actions_apply(window, candidate); status != Status::ok) return status;
+[[nodiscard]] Status copy_make(Session& session, Side side, Window& window, const RuleCandidate& candidate,
+                               Node*& copy) {
+  if (const Status status = rule_actions_apply(session, window, candidate); status != Status::ok) return status;
   Node* source = node_of(window, side);
   const bool has_both = window.lnode != nullptr && source != nullptr;
-  if (!has_both) return rule_base_failure("copied at an empty place");
-  if (is_fresh(*source)) return rule_base_failure("copied a node that no rule has matched");
-  return node_copy(copy, *source, nullptr, 1);
+  if (!has_both) return rule_base_failure(session, "copied at an empty place");
+  if (is_fresh(*source)) return rule_base_failure(session, "copied a node that no rule has matched");
+  return node_copy(session, copy, *source, nullptr, 1);
 }
 
-[[nodiscard]] Outcome copy_left(Window& window, const RuleCandidate& candidate) {
+[[nodiscard]] Outcome copy_left(Session& session, Window& window, const RuleCandidate& candidate) {
   Node* copy = nullptr;
-  if (const Status status = copy_make(Side::left, window, candidate, copy); copy == nullptr) return ended(status);
-  trace_result_node(Side::left, false, window.lnode);
-  trace_copied_node(copy);
-  trace_result_node(Side::right, false, window.rnode);
-  if (const Status status = copy_link(*window.lnode, *copy); status != Status::ok) return ended(status);
-  if (is_word_changed(window.lnode) && may_step_left(window)) return done_if_ok(left_step(window));
+  if (const Status status = copy_make(session, Side::left, window, candidate, copy); copy == nullptr)
+    return ended(status);
+  trace_result_node(session, Side::left, false, window.lnode);
+  trace_copied_node(session, copy);
+  trace_result_node(session, Side::right, false, window.rnode);
+  if (const Status status = copy_link(session, *window.lnode, *copy); status != Status::ok) return ended(status);
+  if (is_word_changed(window.lnode) && may_step_left(window)) return done_if_ok(left_step(session, window));
   window.rnode = copy;
   return done();
 }
 
-[[nodiscard]] Outcome copy_right(Window& window, const RuleCandidate& candidate) {
+[[nodiscard]] Outcome copy_right(Session& session, Window& window, const RuleCandidate& candidate) {
   Node* copy = nullptr;
-  if (const Status status = copy_make(Side::right, window, candidate, copy); copy == nullptr) return ended(status);
-  trace_result_node(Side::left, false, window.lnode);
-  trace_result_node(Side::right, false, window.rnode);
-  trace_copied_node(copy);
-  if (const Status status = copy_link(*window.rnode, *copy); status != Status::ok) return ended(status);
+  if (const Status status = copy_make(session, Side::right, window, candidate, copy); copy == nullptr)
+    return ended(status);
+  trace_result_node(session, Side::left, false, window.lnode);
+  trace_result_node(session, Side::right, false, window.rnode);
+  trace_copied_node(session, copy);
+  if (const Status status = copy_link(session, *window.rnode, *copy); status != Status::ok) return ended(status);
   // wanted: the left node decides, though the right one was copied.
-  return is_word_changed(window.lnode) && may_step_left(window) ? done_if_ok(left_step(window)) : done();
+  return is_word_changed(window.lnode) && may_step_left(window) ? done_if_ok(left_step(session, window)) : done();
 }
 
 // ---- Merging the two nodes of the window into one (DL, DR). One of them survives in the merge node, the other drops
@@ -128,21 +132,22 @@ struct Merge {
   Node* merged;
 };
 
-[[nodiscard]] Status merge_node_make(Merge& merge, RuleCandidate& candidate) {
-  if (const Status status = node_copy(merge.merged, merge.survivor, nullptr, 0); status != Status::ok) return status;
-  Node*& entry = current_scope().entry;
+[[nodiscard]] Status merge_node_make(Session& session, Merge& merge, RuleCandidate& candidate) {
+  if (const Status status = node_copy(session, merge.merged, merge.survivor, nullptr, 0); status != Status::ok)
+    return status;
+  Node*& entry = current_scope(session).entry;
   if (entry == &merge.survivor) entry = merge.merged;
   merge.merged->relations = merge.survivor.relations;
   merge.merged->name = merge.survivor.name;
-  return match_record_push(*merge.merged, kStateStep, &candidate);
+  return match_record_push(session, *merge.merged, kStateStep, &candidate);
 }
 
 // The survivor's actions, on the merge node in the survivor's place.
-[[nodiscard]] Status merge_actions_apply(const Merge& merge, const Rule& rule, const Window& window) {
+[[nodiscard]] Status merge_actions_apply(Session& session, const Merge& merge, const Rule& rule, const Window& window) {
   if (pattern_of(rule, merge.side).actions == nullptr) return Status::ok;
   Window acted = window;
   node_of(acted, merge.side) = merge.merged;
-  if (const Status status = node_actions_apply(merge.side, rule, acted); status != Status::ok) return status;
+  if (const Status status = node_actions_apply(session, merge.side, rule, acted); status != Status::ok) return status;
   // wanted: whether the actions changed the word or not.
   merge.merged->matches->state = kStateChanged;
   return Status::ok;
@@ -162,108 +167,110 @@ void merge_node_link(const Merge& merge) {
 }
 
 // The window goes on from the merge node.
-[[nodiscard]] Status merge_window_set(const Merge& merge, Window& window) {
+[[nodiscard]] Status merge_window_set(Session& session, const Merge& merge, Window& window) {
   Node& merged = *merge.merged;
   // wanted: DL always takes the step to the left, DR only after actions.
   const bool steps_left = merge.side == Side::right || is_word_changed(&merged);
   window = steps_left ? Window{merged.left, &merged} : Window{&merged, merged.right};
   Node* arrived = steps_left ? window.lnode : window.rnode;
-  return arrived == nullptr ? Status::ok : window_marker_push(*arrived);
+  return arrived == nullptr ? Status::ok : window_marker_push(session, *arrived);
 }
 
-[[nodiscard]] Status merge_apply(Window& window, RuleCandidate& candidate) {
-  if (window.lnode == nullptr || window.rnode == nullptr) return rule_base_failure("merged with an empty place");
+[[nodiscard]] Status merge_apply(Session& session, Window& window, RuleCandidate& candidate) {
+  if (window.lnode == nullptr || window.rnode == nullptr)
+    return rule_base_failure(session, "merged with an empty place");
   const Rule& rule = *candidate.rule;
   const Side side = rule.type == rule_type::merge_left ? Side::right : Side::left;
   Merge merge{side, *node_of(window, side), *node_of(window, other(side)), nullptr};
-  if (const Status status = merge_node_make(merge, candidate); status != Status::ok) return status;
-  if (const Status status = merge_actions_apply(merge, rule, window); status != Status::ok) return status;
+  if (const Status status = merge_node_make(session, merge, candidate); status != Status::ok) return status;
+  if (const Status status = merge_actions_apply(session, merge, rule, window); status != Status::ok) return status;
   merge_node_link(merge);
-  return merge_window_set(merge, window);
+  return merge_window_set(session, merge, window);
 }
 
 // ---- Exchanging the two nodes of the window (X).
 
 // wanted: the word itself is changed, no copy of it; undo does not restore it.
-[[nodiscard]] Status exchange_actions_apply(Side side, const Rule& rule, const Window& window) {
+[[nodiscard]] Status exchange_actions_apply(Session& session, Side side, const Rule& rule, const Window& window) {
   if (pattern_of(rule, side).actions == nullptr) return Status::ok;
-  const Status status = node_actions_apply(side, rule, window);
+  const Status status = node_actions_apply(session, side, rule, window);
   if (status == Status::ok) node_of(window, side)->matches->state = kStateChanged;
   return status;
 }
 
 // A second pair of records, on top of the one that matching has pushed.
-[[nodiscard]] Status exchange_records_push(const Window& window, RuleCandidate& candidate) {
-  if (const Status status = match_record_push(*window.lnode, kStateStep, &candidate); status != Status::ok)
+[[nodiscard]] Status exchange_records_push(Session& session, const Window& window, RuleCandidate& candidate) {
+  if (const Status status = match_record_push(session, *window.lnode, kStateStep, &candidate); status != Status::ok)
     return status;
-  return match_record_push(*window.rnode, kStateStep, &candidate);
+  return match_record_push(session, *window.rnode, kStateStep, &candidate);
 }
 
-[[nodiscard]] Status exchange_apply(Window& window, RuleCandidate& candidate) {
+[[nodiscard]] Status exchange_apply(Session& session, Window& window, RuleCandidate& candidate) {
   const Rule& rule = *candidate.rule;
   if (rule.type != rule_type::exchange) return Status::no_effect;
-  if (window.lnode == nullptr || window.rnode == nullptr) return rule_base_failure("exchanged an empty place");
+  if (window.lnode == nullptr || window.rnode == nullptr) return rule_base_failure(session, "exchanged an empty place");
   Node& from_left = *window.lnode;
   Node& from_right = *window.rnode;
   const bool is_at_an_end = from_left.left == nullptr || (is_boundary(from_right) && from_right.right == nullptr);
   if (is_at_an_end) return Status::ok;
-  if (const Status status = exchange_records_push(window, candidate); status != Status::ok) return status;
+  if (const Status status = exchange_records_push(session, window, candidate); status != Status::ok) return status;
   for (const Side side : {Side::left, Side::right}) {
-    if (const Status status = exchange_actions_apply(side, rule, window); status != Status::ok) return status;
+    if (const Status status = exchange_actions_apply(session, side, rule, window); status != Status::ok) return status;
   }
   node_take_out(from_left);
   node_insert_after(from_right, from_left);
   window = {from_right.left, &from_right};
-  return window.lnode == nullptr ? Status::ok : window_marker_push(*window.lnode);
+  return window.lnode == nullptr ? Status::ok : window_marker_push(session, *window.lnode);
 }
 
 // ---- The whole.
 
-[[nodiscard]] Outcome word_test(Window& window, RuleCandidate*& candidate, std::int32_t& home_scope) {
-  const Status status = backtrack(window, candidate, home_scope);
+[[nodiscard]] Outcome word_test(Session& session, Window& window, RuleCandidate*& candidate, std::int32_t& home_scope) {
+  const Status status = backtrack(session, window, candidate, home_scope);
   return is_failure(status) ? ended(status) : done(status);
 }
 
-[[nodiscard]] Outcome rule_carry_out(Window& window, RuleCandidate*& candidate, std::int32_t* home_scope) {
+[[nodiscard]] Outcome rule_carry_out(Session& session, Window& window, RuleCandidate*& candidate,
+                                     std::int32_t* home_scope) {
   switch (candidate->rule->type) {
     case rule_type::left:
-    case rule_type::post_left: return move_left(window, *candidate);
+    case rule_type::post_left: return move_left(session, window, *candidate);
     case rule_type::right:
-    case rule_type::post_right: return move_right(window, *candidate);
+    case rule_type::post_right: return move_right(session, window, *candidate);
     case rule_type::insertion:
     case rule_type::insertion_a:
-    case rule_type::post_insertion: return move_insertion(window, *candidate);
-    case rule_type::copy_left: return copy_left(window, *candidate);
-    case rule_type::copy_right: return copy_right(window, *candidate);
-    case rule_type::exchange: return done_if_ok(exchange_apply(window, *candidate));
+    case rule_type::post_insertion: return move_insertion(session, window, *candidate);
+    case rule_type::copy_left: return copy_left(session, window, *candidate);
+    case rule_type::copy_right: return copy_right(session, window, *candidate);
+    case rule_type::exchange: return done_if_ok(exchange_apply(session, window, *candidate));
     case rule_type::merge_left:
-    case rule_type::merge_right: return done_if_ok(merge_apply(window, *candidate));
-    case rule_type::test: return word_test(window, candidate, *home_scope);
+    case rule_type::merge_right: return done_if_ok(merge_apply(session, window, *candidate));
+    case rule_type::test: return word_test(session, window, candidate, *home_scope);
     case rule_type::test_left:
-    case rule_type::test_right: return forced_backtrack(window, candidate, *home_scope);
+    case rule_type::test_right: return forced_backtrack(session, window, candidate, *home_scope);
     default: return ended(Status::no_effect);
   }
 }
 
 }  // namespace
 
-Status window_marker_push(Node& node) {
-  return match_record_push(node, kStateStep, nullptr);
+Status window_marker_push(Session& session, Node& node) {
+  return match_record_push(session, node, kStateStep, nullptr);
 }
 
-Status apply_rule(Window& window, RuleCandidate*& candidate, std::int32_t* home_scope) {
-  trace_rule_applied(*candidate);
-  trace_rule_end_flushed();
+Status apply_rule(Session& session, Window& window, RuleCandidate*& candidate, std::int32_t* home_scope) {
+  trace_rule_applied(session, *candidate);
+  trace_rule_end_flushed(session);
   const std::uint8_t type = candidate->rule->type;
   // An undoing inside can end the application at once; the caller's places must not outlive their nodes.
-  const PlaceWatch watch(window.lnode, window.rnode);
+  const PlaceWatch watch(session, window.lnode, window.rnode);
   Window moved = window;
   RuleCandidate* rest = candidate;
-  const Outcome outcome = rule_carry_out(moved, rest, home_scope);
+  const Outcome outcome = rule_carry_out(session, moved, rest, home_scope);
   if (!outcome.writes_back) return outcome.status;
   window.lnode = moved.lnode;
   if (moved.lnode != nullptr) window.rnode = moved.lnode->right;
-  if (!is_word_test_type(type)) trace_list(window, false);
+  if (!is_word_test_type(type)) trace_list(session, window, false);
   candidate = rest;
   return outcome.status;
 }

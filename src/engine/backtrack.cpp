@@ -21,8 +21,7 @@
 #include <utility>
 
 #include "data/nodes.hpp"
-#include "data/sentence.hpp"
-#include "data/state.hpp"
+#include "data/session.hpp"
 #include "data/words.hpp"
 #include "dict/cooccurrence.hpp"
 #include "engine/apply.hpp"
@@ -55,18 +54,18 @@ enum class Stage : std::uint8_t { fresh_window, pop, alternatives, next_rule, en
 }
 
 // The branch of this number: the rule is given up for the next one of its window.
-void to_next_rule(Undo& undo, int number) {
-  trace_next_rule(number);
+void to_next_rule(Session& session, Undo& undo, int number) {
+  trace_next_rule(session, number);
   RuleCandidate* given_up = std::exchange(undo.candidate, undo.candidate->next);
   // Its records are gone. An element that came from a caller may still be held by that caller.
-  if (given_up == undo.undone) candidate_passed_over(given_up);
+  if (given_up == undo.undone) candidate_passed_over(session, given_up);
 }
 
 // The branch of this number in a forced backtracking: all rules of the window are given up.
-void give_up_rules(Undo& undo, int number) {
-  trace_ignore_rules(number);
+void give_up_rules(Session& session, Undo& undo, int number) {
+  trace_ignore_rules(session, number);
   RuleCandidate* given_up = std::exchange(undo.candidate, nullptr);
-  if (given_up == undo.undone) candidates_passed_over(given_up);
+  if (given_up == undo.undone) candidates_passed_over(session, given_up);
 }
 
 // ---- Step 6: the window is fresh. Nothing has been done here but what rules tried on the words of the right node.
@@ -79,55 +78,56 @@ void give_up_rules(Undo& undo, int number) {
 
 // 6.6: the words are used up. The next rule sees them all again, from the second on: being called again, the next call
 // drops the head.
-[[nodiscard]] Stage words_used_up(Undo& undo, Node& target) {
-  trace_no_entry(Side::right);
-  if (const Status status = node_words_reload(target); status != Status::ok) return leave(undo, status);
+[[nodiscard]] Stage words_used_up(Session& session, Undo& undo, Node& target) {
+  trace_no_entry(session, Side::right);
+  if (const Status status = node_words_reload(session, target); status != Status::ok) return leave(undo, status);
   const std::uint8_t type = undo.candidate->rule->type;
-  if (state.forced_node != nullptr) {
-    trace_ignore_rules();
+  if (session.state.forced_node != nullptr) {
+    trace_ignore_rules(session);
     undo.candidate = nullptr;
   } else if (type == rule_type::test_right || type == rule_type::test) {
     return leave(undo, Status::nothing_left);
   } else {
-    to_next_rule(undo, 32);
+    to_next_rule(session, undo, 32);
   }
   return leave(undo, undo.candidate != nullptr ? Status::no_effect : Status::nothing_left);
 }
 
-[[nodiscard]] Stage fresh_window(Undo& undo) {
-  if (undo.window.rnode == nullptr) return leave(undo, rule_base_failure("searched on beyond the end of the list"));
+[[nodiscard]] Stage fresh_window(Session& session, Undo& undo) {
+  if (undo.window.rnode == nullptr)
+    return leave(undo, rule_base_failure(session, "searched on beyond the end of the list"));
   Node& rnode = *undo.window.rnode;
-  Node* final_node = is_scope_reference(rnode) ? scope_final_node(rnode.scope) : nullptr;
+  Node* final_node = is_scope_reference(rnode) ? scope_final_node(session, rnode.scope) : nullptr;
   // 6.1: an untouched scope reference gives up its word in force, but is never left without words.
   if (is_scope_reference(rnode) && is_fresh(rnode)) {
-    entry_drop_head(rnode.candidates);
+    entry_drop_head(session, rnode.candidates);
     if (rnode.candidates == nullptr) {
-      if (const Status status = node_words_reload(rnode); status != Status::ok) {
+      if (const Status status = node_words_reload(session, rnode); status != Status::ok) {
         // wanted: this one failure is told by the engine's status alone.
-        state.engine_status = status;
+        session.state.engine_status = status;
         return Stage::leave;
       }
     }
   }
   // 6.2 and 6.3
   if (is_held_from_outside(undo.window, final_node)) {
-    if (state.forced_node != nullptr) {
+    if (session.state.forced_node != nullptr) {
       undo.candidate = nullptr;
-      trace_ignore_rules();
+      trace_ignore_rules(session);
     }
     return leave(undo, Status::nothing_left);
   }
   if (undo.candidate == nullptr) return leave(undo, Status::nothing_left);
   // 6.4 and 6.5: the word in force is given up.
   Node& target = final_node != nullptr ? *final_node : rnode;
-  entry_drop_head(target.candidates);
-  trace_next_entry_flushed(Side::right, 2);
-  if (state.forced_node == &rnode) {
-    state.forced_node = nullptr;
-    trace_forced_ends();
+  entry_drop_head(session, target.candidates);
+  trace_next_entry_flushed(session, Side::right, 2);
+  if (session.state.forced_node == &rnode) {
+    session.state.forced_node = nullptr;
+    trace_forced_ends(session);
   }
   const bool has_words = target.candidates != nullptr && rnode.candidates != nullptr;
-  return has_words ? Stage::end : words_used_up(undo, target);
+  return has_words ? Stage::end : words_used_up(session, undo, target);
 }
 
 // ---- Steps 7.10 and 7.11: the same rule on the same nodes with the next word that the co-occurrence step chose. What
@@ -141,12 +141,12 @@ void give_up_rules(Undo& undo, int number) {
 }
 
 // Takes the choice in force off the node's word and off the records; `rest` is what comes behind it.
-[[nodiscard]] Status choice_take_off(const Undo& undo, Side side, Node& node, WordEntry*& rest) {
+[[nodiscard]] Status choice_take_off(Session& session, const Undo& undo, Side side, Node& node, WordEntry*& rest) {
   const Rule& rule = *undo.candidate->rule;
   WordEntry* choice = node.matches->cooccurrence;
   Node* left = side == Side::left ? &node : nullptr;
   Node* right = side == Side::left ? nullptr : &node;
-  if (const Status status = role_mark_remove(rule, left, right, *choice); status != Status::ok) return status;
+  if (const Status status = role_mark_remove(session, rule, left, right, *choice); status != Status::ok) return status;
   rest = std::exchange(choice->next, nullptr);
   node.matches->cooccurrence = nullptr;
   // The other record of the application shares the choice, until it has been taken off once. Of another record nothing
@@ -155,42 +155,43 @@ void give_up_rules(Undo& undo, int number) {
   if (twin == nullptr || twin->candidate != node.matches->candidate) return Status::ok;
   if (twin->cooccurrence != nullptr && twin->cooccurrence != choice) return Status::ok;
   twin->cooccurrence = nullptr;
-  entry_list_free(choice);
+  entry_list_free(session, choice);
   return Status::ok;
 }
 
 // The rule once more, with the head of `rest`.
-[[nodiscard]] Stage choice_apply(Undo& undo, MatchRecord& record, WordEntry* rest) {
+[[nodiscard]] Stage choice_apply(Session& session, Undo& undo, MatchRecord& record, WordEntry* rest) {
   Window& window = undo.window;
-  if (rest == nullptr) return leave(undo, rule_base_failure("lost its co-occurrence choices"));
+  if (rest == nullptr) return leave(undo, rule_base_failure(session, "lost its co-occurrence choices"));
   record.cooccurrence = rest;
   const Rule& rule = *undo.candidate->rule;
-  Status status = role_mark_add(rule, window.lnode, window.rnode, *rest);
-  if (status == Status::ok) status = apply_rule(window, undo.candidate, &undo.home_scope);
+  Status status = role_mark_add(session, rule, window.lnode, window.rnode, *rest);
+  if (status == Status::ok) status = apply_rule(session, window, undo.candidate, &undo.home_scope);
   if (status != Status::ok) return leave(undo, status);
-  undo.candidate = rule_candidates(window.lnode, window.rnode);
+  undo.candidate = rule_candidates(session, window.lnode, window.rnode);
   undo.caller = window;
   return Stage::end;
 }
 
 // `pop`: no choice is left.
-[[nodiscard]] Stage next_choice(Undo& undo) {
+[[nodiscard]] Stage next_choice(Session& session, Undo& undo) {
   const Rule& rule = *undo.candidate->rule;
   for (const Side side : {Side::left, Side::right}) {
     Node& node = *node_of(undo.window, side);
     if (!has_next_choice(rule, side, node)) continue;
-    if (state.forced_node == &node) {
-      state.forced_node = nullptr;
+    if (session.state.forced_node == &node) {
+      session.state.forced_node = nullptr;
       // wanted: the two lines are spelled differently.
-      side == Side::left ? trace_forced_ends_at_choice() : trace_forced_ends();
+      side == Side::left ? trace_forced_ends_at_choice(session) : trace_forced_ends(session);
     }
     WordEntry* rest = nullptr;
-    if (const Status status = choice_take_off(undo, side, node, rest); status != Status::ok) return leave(undo, status);
-    const int score =
-        cooccurrence_check(undo.window.lnode->candidates, undo.window.rnode->candidates, rule, rest, side_letter(side));
-    if (score != 0) return choice_apply(undo, *node.matches, rest);
+    if (const Status status = choice_take_off(session, undo, side, node, rest); status != Status::ok)
+      return leave(undo, status);
+    const int score = cooccurrence_check(session, undo.window.lnode->candidates, undo.window.rnode->candidates, rule,
+                                         rest, side_letter(side));
+    if (score != 0) return choice_apply(session, undo, *node.matches, rest);
     // wanted: what the left side has not used stays.
-    if (side == Side::right) entry_list_free(rest);
+    if (side == Side::right) entry_list_free(session, rest);
   }
   return Stage::pop;
 }
@@ -203,24 +204,25 @@ void give_up_rules(Undo& undo, int number) {
 }
 
 // 7.3, 7.6 and 7.7: the window and the list as they were when the rule was applied.
-[[nodiscard]] Status place_restore(Undo& undo) {
+[[nodiscard]] Status place_restore(Session& session, Undo& undo) {
   Node*& lnode = undo.window.lnode;
   Node*& rnode = undo.window.rnode;
   const Rule& rule = *undo.candidate->rule;
   if (rule.type == rule_type::right) {
     // One place back to the left, past the marker of the step.
-    if (rnode != nullptr && !is_fresh(*rnode)) match_record_pop(*rnode);
-    if (lnode == nullptr) return rule_base_failure("undid a step to the right at an empty place");
+    if (rnode != nullptr && !is_fresh(*rnode)) match_record_pop(session, *rnode);
+    if (lnode == nullptr) return rule_base_failure(session, "undid a step to the right at an empty place");
     undo.caller = undo.window = {lnode->left, lnode};
   }
-  if (lnode == nullptr) return rule_base_failure("undid a rule at an empty place");
+  if (lnode == nullptr) return rule_base_failure(session, "undid a rule at an empty place");
   if (!is_fresh(*lnode) && lnode->matches->candidate == nullptr) {
     // A marker says that the window has moved here from where the rule worked.
-    match_record_pop(*lnode);
+    match_record_pop(session, *lnode);
     if (rule.mid != nullptr) {
-      if (const Status status = to_noted_places(undo.window, *undo.candidate); status != Status::ok) return status;
+      if (const Status status = to_noted_places(session, undo.window, *undo.candidate); status != Status::ok)
+        return status;
     } else {
-      if (rnode == nullptr) return rule_base_failure("undid a step to the left at an empty place");
+      if (rnode == nullptr) return rule_base_failure(session, "undid a step to the left at an empty place");
       undo.window = {rnode, rnode->right};
     }
   }
@@ -228,12 +230,13 @@ void give_up_rules(Undo& undo, int number) {
     // The copy stands to the right of the node that was copied.
     Node* copied = rule.type == rule_type::copy_left ? lnode : rnode;
     Node* copy = copied == nullptr ? nullptr : copied->right;
-    if (copy == nullptr || copy->merged_with != nullptr) return rule_base_failure("undid a copy that is not there");
+    if (copy == nullptr || copy->merged_with != nullptr)
+      return rule_base_failure(session, "undid a copy that is not there");
     if (rule.type == rule_type::copy_left) rnode = copy->right;
-    node_unlink_release(*copy);
+    node_unlink_release(session, *copy);
   }
   const bool has_both = lnode != nullptr && rnode != nullptr;
-  return has_both ? Status::ok : rule_base_failure("undid a rule at an empty place");
+  return has_both ? Status::ok : rule_base_failure(session, "undid a rule at an empty place");
 }
 
 // The choices that the two records of the application share, or that one of them has kept. Null if there are none, or
@@ -248,43 +251,44 @@ void give_up_rules(Undo& undo, int number) {
   return are_one ? left->cooccurrence : nullptr;
 }
 
-[[nodiscard]] bool is_fresh_and_built(const Node& node) {
-  return is_scope_reference(node) && is_fresh(node) && scope_is_built(node.scope) != 0;
+[[nodiscard]] bool is_fresh_and_built(Session& session, const Node& node) {
+  return is_scope_reference(node) && is_fresh(node) && scope_is_built(session, node.scope) != 0;
 }
 
 // 7.14: was a scope brought in or entered by the rule? If it stands finished, the search goes on inside it.
-[[nodiscard]] Stage scope_test(Undo& undo, const Rule& rule) {
+[[nodiscard]] Stage scope_test(Session& session, Undo& undo, const Rule& rule) {
   Node& lnode = *undo.window.lnode;
   Node& rnode = *undo.window.rnode;
-  if (!may_re_enter_scope(&rnode, *rule.rnode, rule) && !may_re_enter_scope(&lnode, *rule.lnode, rule))
+  if (!may_re_enter_scope(session, &rnode, *rule.rnode, rule) &&
+      !may_re_enter_scope(session, &lnode, *rule.lnode, rule))
     return Stage::alternatives;
-  if (is_scope_reference(lnode)) hold_release(lnode);
-  if (is_scope_reference(rnode)) hold_release(rnode);
-  if (!is_fresh_and_built(lnode) && !is_fresh_and_built(rnode)) return Stage::alternatives;
+  if (is_scope_reference(lnode)) hold_release(session, lnode);
+  if (is_scope_reference(rnode)) hold_release(session, rnode);
+  if (!is_fresh_and_built(session, lnode) && !is_fresh_and_built(session, rnode)) return Stage::alternatives;
   undo.result = Status::nothing_left;
   return Stage::end;
 }
 
 // 7.8 to 7.15, for the types that are undone in place.
-[[nodiscard]] Stage application_undo(Undo& undo) {
+[[nodiscard]] Stage application_undo(Session& session, Undo& undo) {
   Window& window = undo.window;
   const Rule& rule = *undo.candidate->rule;
-  if (const Status status = place_restore(undo); status != Status::ok) return leave(undo, status);
-  trace_backtrack_1(*undo.candidate, window);
+  if (const Status status = place_restore(session, undo); status != Status::ok) return leave(undo, status);
+  trace_backtrack_1(session, *undo.candidate, window);
   if (rule.mid != nullptr) {
-    if (const Status status = to_noted_places(window, *undo.candidate); status != Status::ok)
+    if (const Status status = to_noted_places(session, window, *undo.candidate); status != Status::ok)
       return leave(undo, status);
   }
-  if (const Stage stage = next_choice(undo); stage != Stage::pop) return stage;
+  if (const Stage stage = next_choice(session, undo); stage != Stage::pop) return stage;
   WordEntry* choices = choices_of(undo);
   for (Node* node : {window.lnode, window.rnode}) {
-    if (!is_fresh(*node) && node->matches->state == kStateChanged) entry_drop_head(node->candidates);
-    if (const Status status = record_pop(node); status != Status::ok) return leave(undo, status);
+    if (!is_fresh(*node) && node->matches->state == kStateChanged) entry_drop_head(session, node->candidates);
+    if (const Status status = record_pop(session, node); status != Status::ok) return leave(undo, status);
   }
-  entry_list_free(choices);
+  entry_list_free(session, choices);
   undo.caller = window;
   if (rule.type == rule_type::right && is_boundary(*window.rnode)) return Stage::next_rule;
-  return scope_test(undo, rule);
+  return scope_test(session, undo, rule);
 }
 
 // 7.2, 7.4 and 7.5: `status` of what has set the window; the next stage if that has not failed.
@@ -295,20 +299,22 @@ void give_up_rules(Undo& undo, int number) {
   return next;
 }
 
-[[nodiscard]] Stage pop(Undo& undo) {
+[[nodiscard]] Stage pop(Session& session, Undo& undo) {
   RuleCandidate* newest = newest_candidate(undo.window.rnode);
   undo.candidate = undo.undone = newest != nullptr ? newest : newest_candidate(undo.window.lnode);
-  if (undo.candidate == nullptr) return leave(undo, rule_base_failure("undid a step that no rule has made"));
+  if (undo.candidate == nullptr) return leave(undo, rule_base_failure(session, "undid a step that no rule has made"));
   const Rule& rule = *undo.candidate->rule;
   switch (rule.type) {
     case rule_type::merge_left:
-    case rule_type::merge_right: return window_was_set(undo, merge_undo(undo.window, undo.candidate), Stage::end);
+    case rule_type::merge_right:
+      return window_was_set(undo, merge_undo(session, undo.window, undo.candidate), Stage::end);
     case rule_type::exchange:
-      return window_was_set(undo, exchange_undo(undo.window, *undo.candidate), Stage::alternatives);
+      return window_was_set(undo, exchange_undo(session, undo.window, *undo.candidate), Stage::alternatives);
     case rule_type::plus:
     case rule_type::minus:
     case rule_type::less:
-    case rule_type::greater: return window_was_set(undo, stepless_undo(undo.window, rule), Stage::alternatives);
+    case rule_type::greater:
+      return window_was_set(undo, stepless_undo(session, undo.window, rule), Stage::alternatives);
     case rule_type::right:
     case rule_type::insertion_a:
     case rule_type::insertion:
@@ -317,7 +323,7 @@ void give_up_rules(Undo& undo, int number) {
     case rule_type::copy_right:
     case rule_type::test_left:
     case rule_type::test_right:
-    case rule_type::test: return application_undo(undo);
+    case rule_type::test: return application_undo(session, undo);
     default: return leave(undo, Status::no_effect);
   }
 }
@@ -334,19 +340,19 @@ struct Retry {
 };
 
 // The node whose words are tried for `node`.
-[[nodiscard]] Node* word_node(Node& node) {
-  return is_scope_reference(node) ? scope_unbuilt_target(node.scope) : &node;
+[[nodiscard]] Node* word_node(Session& session, Node& node) {
+  return is_scope_reference(node) ? scope_unbuilt_target(session, node.scope) : &node;
 }
 
 // Item 3 of both sides: the word in force goes; all words go if a forced backtracking aims elsewhere.
-void word_change(Node& target, Side side, int number, bool may_go_on) {
+void word_change(Session& session, Node& target, Side side, int number, bool may_go_on) {
   if (target.candidates == nullptr) return;
   if (may_go_on) {
-    trace_next_entry(side, number);
-    entry_drop_head(target.candidates);
+    trace_next_entry(session, side, number);
+    entry_drop_head(session, target.candidates);
   } else {
-    trace_clear_entries(side, number);
-    entry_list_free(target.candidates);
+    trace_clear_entries(session, side, number);
+    entry_list_free(session, target.candidates);
   }
 }
 
@@ -354,25 +360,27 @@ void word_change(Node& target, Side side, int number, bool may_go_on) {
 enum class Held : std::uint8_t { none, has_words, used_up, failed };
 
 // Its next word, if a hold has fixed the last one. With `of`, only a hold of this rule. Used-up words are reloaded.
-[[nodiscard]] Held held_word_change(const Node& reference, const Rule* of) {
-  Node* entry = scope_unbuilt_target(reference.scope);
-  if (!hold_take(entry, of)) return Held::none;
-  entry_drop_head(entry->candidates);
+[[nodiscard]] Held held_word_change(Session& session, const Node& reference, const Rule* of) {
+  Node* entry = scope_unbuilt_target(session, reference.scope);
+  if (!hold_take(session, entry, of)) return Held::none;
+  entry_drop_head(session, entry->candidates);
   if (entry->candidates != nullptr) return Held::has_words;
-  return node_words_reload(*entry) == Status::ok ? Held::used_up : Held::failed;
+  return node_words_reload(session, *entry) == Status::ok ? Held::used_up : Held::failed;
 }
 
 // Item 7 of both sides: the node leaves the list.
-[[nodiscard]] Stage inserted_take_out(Undo& undo, const Retry& retry) {
-  if (const Status status = inserted_undo(retry.rule, undo.window); status != Status::ok) return leave(undo, status);
+[[nodiscard]] Stage inserted_take_out(Session& session, Undo& undo, const Retry& retry) {
+  if (const Status status = inserted_undo(session, retry.rule, undo.window); status != Status::ok)
+    return leave(undo, status);
   if (retry.rule.mid != nullptr) {
     // The window is given by the candidate as it now stands, on the side of the node that stays; by the rule that is
     // taken back if the next one, still untried, has noted no place.
     const Side staying_side = other(retry.side);
     Node* noted = undo.candidate == nullptr ? nullptr : noted_place(*undo.candidate, staying_side);
     Node* staying = noted != nullptr ? noted : retry.mid_start;
-    const bool has_place = staying != nullptr && stands_in_list_of(node_of(undo.window, staying_side), staying);
-    if (!has_place) return leave(undo, rule_base_failure("lost the place of a rule with MID"));
+    const bool has_place =
+        staying != nullptr && stands_in_list_of(session, node_of(undo.window, staying_side), staying);
+    if (!has_place) return leave(undo, rule_base_failure(session, "lost the place of a rule with MID"));
     undo.window = staying_side == Side::left ? Window{staying, staying->right} : Window{staying->left, staying};
   }
   undo.caller = undo.window;
@@ -380,114 +388,114 @@ enum class Held : std::uint8_t { none, has_words, used_up, failed };
 }
 
 // Item 5 of the right side. `end`: the left node's scope has another word for the same rule.
-[[nodiscard]] Stage right_words_used_up(Undo& undo) {
-  trace_no_entry(Side::right);
-  if (const Node& lnode = *undo.window.lnode; is_unbuilt_reference(lnode)) {
-    const Held held = held_word_change(lnode, nullptr);
+[[nodiscard]] Stage right_words_used_up(Session& session, Undo& undo) {
+  trace_no_entry(session, Side::right);
+  if (const Node& lnode = *undo.window.lnode; is_unbuilt_reference(session, lnode)) {
+    const Held held = held_word_change(session, lnode, nullptr);
     if (held == Held::has_words) return Stage::end;
     if (held == Held::failed) return leave(undo, Status::memory);
   }
-  if (state.forced_node == nullptr) {
-    to_next_rule(undo, 12);
+  if (session.state.forced_node == nullptr) {
+    to_next_rule(session, undo, 12);
   } else {
-    give_up_rules(undo, 1);
+    give_up_rules(session, undo, 1);
   }
   return Stage::alternatives;
 }
 
-[[nodiscard]] Stage right_side(Undo& undo, const Retry& retry) {
+[[nodiscard]] Stage right_side(Session& session, Undo& undo, const Retry& retry) {
   Node& rnode = *undo.window.rnode;
   const bool is_reference = is_scope_reference(rnode);
   if (!is_reference && retry.rule.rnode->inserted != 0) mark(rnode);
-  Node* target = word_node(rnode);
-  if (is_reference && !hold_take(target, &retry.rule)) {
-    to_next_rule(undo, 11);
+  Node* target = word_node(session, rnode);
+  if (is_reference && !hold_take(session, target, &retry.rule)) {
+    to_next_rule(session, undo, 11);
   } else {
-    const Node* forced = state.forced_node;
-    word_change(*target, Side::right, 3, forced == nullptr || forced == &rnode || forced == target);
+    const Node* forced = session.state.forced_node;
+    word_change(session, *target, Side::right, 3, forced == nullptr || forced == &rnode || forced == target);
     if (forced == target) {
-      state.forced_node = nullptr;
-      trace_forced_ends_at_right_entry();
+      session.state.forced_node = nullptr;
+      trace_forced_ends_at_right_entry(session);
     }
     if (target->candidates == nullptr) {
-      if (const Stage stage = right_words_used_up(undo); stage != Stage::alternatives) return stage;
+      if (const Stage stage = right_words_used_up(session, undo); stage != Stage::alternatives) return stage;
     }
   }
   if (!is_reference && target->candidates != nullptr) return Stage::end;
-  return inserted_take_out(undo, retry);
+  return inserted_take_out(session, undo, retry);
 }
 
 // Item 5 of the left side.
-[[nodiscard]] Stage left_words_used_up(Undo& undo, const Rule& rule) {
-  trace_no_entry(Side::left);
+[[nodiscard]] Stage left_words_used_up(Session& session, Undo& undo, const Rule& rule) {
+  trace_no_entry(session, Side::left);
   const Node& rnode = *undo.window.rnode;
   // 5.1: the entry node of the right node's scope, which was not asked so far.
-  if (is_fresh(rnode) && is_unbuilt_reference(rnode)) {
-    switch (held_word_change(rnode, &rule)) {
+  if (is_fresh(rnode) && is_unbuilt_reference(session, rnode)) {
+    switch (held_word_change(session, rnode, &rule)) {
       case Held::has_words: return Stage::end;
       case Held::failed: return leave(undo, Status::memory);
-      case Held::used_up: to_next_rule(undo, 23); break;
-      case Held::none: to_next_rule(undo, 24); break;
+      case Held::used_up: to_next_rule(session, undo, 23); break;
+      case Held::none: to_next_rule(session, undo, 24); break;
     }
   }
-  if (state.forced_node == nullptr) {
+  if (session.state.forced_node == nullptr) {
     const bool word_waits = is_held(rnode) || (is_fresh(rnode) && !is_boundary(rnode));
     if (word_waits) {
       undo.word_is_pending = true;
     } else {
-      to_next_rule(undo, 22);
+      to_next_rule(session, undo, 22);
     }
-  } else if (state.forced_node != &rnode || !is_untouched(rnode)) {
-    give_up_rules(undo, 2);
+  } else if (session.state.forced_node != &rnode || !is_untouched(rnode)) {
+    give_up_rules(session, undo, 2);
   }
   return Stage::alternatives;
 }
 
-[[nodiscard]] Stage left_side(Undo& undo, const Retry& retry) {
+[[nodiscard]] Stage left_side(Session& session, Undo& undo, const Retry& retry) {
   Node& lnode = *undo.window.lnode;
   const bool is_reference = is_scope_reference(lnode);
   if (!is_reference) mark(lnode);
-  Node* target = word_node(lnode);
+  Node* target = word_node(session, lnode);
   // wanted: unlike on the right side, the hold of any rule will do.
-  if (is_reference && !hold_take(target)) {
-    to_next_rule(undo, 21);
+  if (is_reference && !hold_take(session, target)) {
+    to_next_rule(session, undo, 21);
   } else {
-    const Node* forced = state.forced_node;
+    const Node* forced = session.state.forced_node;
     // wanted: unlike on the right side, a forced reference is not its target.
-    word_change(*target, Side::left, 2, forced == nullptr || forced == target);
+    word_change(session, *target, Side::left, 2, forced == nullptr || forced == target);
     if (forced == target) {
-      state.forced_node = nullptr;
-      trace_forced_ends();
+      session.state.forced_node = nullptr;
+      trace_forced_ends(session);
     }
     if (target->candidates == nullptr) {
-      if (const Stage stage = left_words_used_up(undo, retry.rule); stage != Stage::alternatives) return stage;
+      if (const Stage stage = left_words_used_up(session, undo, retry.rule); stage != Stage::alternatives) return stage;
     }
   }
   if (!is_reference && target->candidates != nullptr) return Stage::end;
-  return inserted_take_out(undo, retry);
+  return inserted_take_out(session, undo, retry);
 }
 
-[[nodiscard]] Stage alternatives(Undo& undo) {
+[[nodiscard]] Stage alternatives(Session& session, Undo& undo) {
   const Window& window = undo.window;
-  if (undo.candidate == nullptr) return leave(undo, rule_base_failure("tried a node again without its rule"));
+  if (undo.candidate == nullptr) return leave(undo, rule_base_failure(session, "tried a node again without its rule"));
   if (window.lnode == nullptr || window.rnode == nullptr)
-    return leave(undo, rule_base_failure("tried a node again beside an empty place"));
+    return leave(undo, rule_base_failure(session, "tried a node again beside an empty place"));
   const Rule& rule = *undo.candidate->rule;
   const bool right_word_is_due = has_brace_patterns(rule) && is_fresh(*window.rnode);
   if (rule.rnode->inserted != 0 || right_word_is_due) {
-    return right_side(undo, {rule, Side::right, noted_place(*undo.candidate, Side::left)});
+    return right_side(session, undo, {rule, Side::right, noted_place(*undo.candidate, Side::left)});
   }
   if (rule.lnode->inserted == 0) return Stage::next_rule;
-  return left_side(undo, {rule, Side::left, noted_place(*undo.candidate, Side::right)});
+  return left_side(session, undo, {rule, Side::left, noted_place(*undo.candidate, Side::right)});
 }
 
 // ---- Step 9: no node has words to change.
 
-[[nodiscard]] Stage next_rule(Undo& undo) {
-  if (state.forced_node == nullptr) {
-    to_next_rule(undo, 31);
+[[nodiscard]] Stage next_rule(Session& session, Undo& undo) {
+  if (session.state.forced_node == nullptr) {
+    to_next_rule(session, undo, 31);
   } else {
-    give_up_rules(undo, 3);
+    give_up_rules(session, undo, 3);
   }
   return Stage::end;
 }
@@ -498,7 +506,7 @@ enum class Held : std::uint8_t { none, has_words, used_up, failed };
   return node != nullptr && is_fresh(*node) && is_marked(*node);
 }
 
-[[nodiscard]] Stage first_stage(Undo& undo) {
+[[nodiscard]] Stage first_stage(Session& session, Undo& undo) {
   Node* lnode = undo.window.lnode;
   Node* rnode = undo.window.rnode;
   const bool is_beyond_right_boundary =
@@ -506,32 +514,32 @@ enum class Held : std::uint8_t { none, has_words, used_up, failed };
   if (is_beyond_right_boundary) return Stage::pop;
   const bool has_both = lnode != nullptr && rnode != nullptr;
   if (has_both && is_window_marker(lnode->matches) && is_window_marker(rnode->matches)) {
-    match_record_pop(*lnode);
-    match_record_pop(*rnode);
+    match_record_pop(session, *lnode);
+    match_record_pop(session, *rnode);
   }
   if (is_put_back(lnode) || is_put_back(rnode)) return Stage::alternatives;
-  if (lnode == nullptr) return leave(undo, rule_base_failure("left the list to the left and searched on"));
+  if (lnode == nullptr) return leave(undo, rule_base_failure(session, "left the list to the left and searched on"));
   const bool has_application = !is_fresh(*lnode) || (rnode != nullptr && !is_untouched(*rnode));
   return has_application ? Stage::pop : Stage::fresh_window;
 }
 
 }  // namespace
 
-Status backtrack(Window& window, RuleCandidate*& candidate, std::int32_t& home_scope) {
-  if (const Status status = must_leave(); status != Status::ok) return status;
+Status backtrack(Session& session, Window& window, RuleCandidate*& candidate, std::int32_t& home_scope) {
+  if (const Status status = must_leave(session); status != Status::ok) return status;
   Undo undo{window, candidate, home_scope, window, nullptr, false, Status::ok};
-  if (candidate != nullptr && is_word_test_type(candidate->rule->type)) trace_backtrack_0(*candidate, window);
-  for (Stage stage = first_stage(undo); stage != Stage::end;) {
+  if (candidate != nullptr && is_word_test_type(candidate->rule->type)) trace_backtrack_0(session, *candidate, window);
+  for (Stage stage = first_stage(session, undo); stage != Stage::end;) {
     switch (stage) {
-      case Stage::fresh_window: stage = fresh_window(undo); break;
-      case Stage::pop: stage = pop(undo); break;
-      case Stage::alternatives: stage = alternatives(undo); break;
-      case Stage::next_rule: stage = next_rule(undo); break;
+      case Stage::fresh_window: stage = fresh_window(session, undo); break;
+      case Stage::pop: stage = pop(session, undo); break;
+      case Stage::alternatives: stage = alternatives(session, undo); break;
+      case Stage::next_rule: stage = next_rule(session, undo); break;
       case Stage::leave: return undo.result;
       case Stage::end: break;
     }
   }
-  trace_list_after_undo(undo.window);
+  trace_list_after_undo(session, undo.window);
   return undo.word_is_pending && undo.result == Status::ok ? Status::no_effect : undo.result;
 }
 

@@ -9,8 +9,10 @@
 
 namespace lexon {
 
+struct Session;
+
 // Undoes one step. ok: the window and the candidate (which may be null) are ready; `no_effect`: call again;
 // `nothing_left`; above zero a failure.
-[[nodiscard]] Status backtrack(Window& window, RuleCandidate*& candidate, std::int32_t& home_scope);
+[[nodiscard]] Status backtrack(Session& session, Window& window, RuleCandidate*& candidate, std::int32_t& home_scope);
 
 }  // namespace lexon

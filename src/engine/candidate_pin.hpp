@@ -26,18 +26,19 @@ class CandidatePin {
 // While it lives, the candidate in hand is pinned; at its end, what the search has left behind goes back to the pool.
 class CandidateHandover {
  public:
-  explicit CandidateHandover(RuleCandidate*& in_hand) : before_(in_hand), now_(in_hand) {
+  CandidateHandover(Session& session, RuleCandidate*& in_hand) : session_(session), before_(in_hand), now_(in_hand) {
     if (before_ != nullptr) ++before_->list->records;
   }
   ~CandidateHandover() {
     if (before_ == nullptr) return;
     --before_->list->records;
-    candidates_left_behind(before_, now_);
+    candidates_left_behind(session_, before_, now_);
   }
   CandidateHandover(const CandidateHandover&) = delete;
   CandidateHandover& operator=(const CandidateHandover&) = delete;
 
  private:
+  Session& session_;
   RuleCandidate* before_;
   RuleCandidate*& now_;
 };

@@ -4,7 +4,7 @@
 
 #include "data/attr_string.hpp"
 #include "data/chain.hpp"
-#include "data/state.hpp"
+#include "data/session.hpp"
 #include "engine/surface.hpp"
 
 namespace lexon {
@@ -49,12 +49,12 @@ void confirm_link(Side side, Node*& before, Node& node) {
 }
 
 // `before`: the node from which the walk came, or null.
-Node* match_groups(const Walk& walk, GroupCursor groups, Node* node, Node* before) {
+Node* match_groups(Session& session, const Walk& walk, GroupCursor groups, Node* node, Node* before) {
   Node* result = nullptr;
   Node* last = before;
   while (groups.group != nullptr) {
     const ContextGroup& group = *groups.group;
-    if (must_leave() != Status::ok || stack_nearly_used() || !is_usable(node)) return nullptr;
+    if (must_leave(session) != Status::ok || stack_nearly_used(session) || !is_usable(node)) return nullptr;
     if (!group_fits(walk.side, group, *node->candidates)) {
       if (group.star == 0) return nullptr;
       groups = groups.next();
@@ -63,7 +63,7 @@ Node* match_groups(const Walk& walk, GroupCursor groups, Node* node, Node* befor
     confirm_link(walk.side, before, *node);
     if (result == nullptr || walk.side == Side::left) result = node;
     if (group.star != 0) {
-      Node* rest = match_groups(walk, groups.next(), node, last);
+      Node* rest = match_groups(session, walk, groups.next(), node, last);
       if (rest != nullptr) return walk.side == Side::left ? rest : result;
       before = node;
     } else {
@@ -78,13 +78,13 @@ Node* match_groups(const Walk& walk, GroupCursor groups, Node* node, Node* befor
 
 }  // namespace
 
-Node* match_context(Side side, GroupCursor groups, Node* node, GroupMark& mark) {
-  return match_groups({side, mark}, groups, node, nullptr);
+Node* match_context(Session& session, Side side, GroupCursor groups, Node* node, GroupMark& mark) {
+  return match_groups(session, {side, mark}, groups, node, nullptr);
 }
 
-Node* match_context(Side side, const ContextGroup* groups, Node* node) {
+Node* match_context(Session& session, Side side, const ContextGroup* groups, Node* node) {
   GroupMark no_mark;
-  return match_context(side, {groups}, node, no_mark);
+  return match_context(session, side, {groups}, node, no_mark);
 }
 
 }  // namespace lexon

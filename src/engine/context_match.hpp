@@ -7,6 +7,8 @@
 
 namespace lexon {
 
+struct Session;
+
 // A place in a chain of groups that goes on in a second chain.
 struct GroupCursor {
   const ContextGroup* group;                   // null: the chain has ended
@@ -27,9 +29,9 @@ struct GroupMark {
 // Holds the groups against `node` and the nodes on its `side`. Boundaries and nodes that rules have touched can be
 // matched, and no others: a walk that meets another one fails, as does one that does not use up the groups. Returns
 // the last node matched to the left, the first one to the right; null on failure, and when no node was matched.
-[[nodiscard]] Node* match_context(Side side, GroupCursor groups, Node* node, GroupMark& mark);
+[[nodiscard]] Node* match_context(Session& session, Side side, GroupCursor groups, Node* node, GroupMark& mark);
 
 // The same without a mark. `groups` may be null, and then nothing is matched.
-[[nodiscard]] Node* match_context(Side side, const ContextGroup* groups, Node* node);
+[[nodiscard]] Node* match_context(Session& session, Side side, const ContextGroup* groups, Node* node);
 
 }  // namespace lexon

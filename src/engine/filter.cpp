@@ -9,8 +9,7 @@
 #include "data/attr_string.hpp"
 #include "data/chain.hpp"
 #include "data/nodes.hpp"
-#include "data/sentence.hpp"
-#include "data/state.hpp"
+#include "data/session.hpp"
 #include "data/words.hpp"
 #include "dict/cooccurrence.hpp"
 #include "engine/surface.hpp"
@@ -32,30 +31,30 @@ struct Filter {
 
 // ---- Places.
 
-bool may_drop_out(const Node* node) {
-  const Node* entry = current_scope().entry;
+bool may_drop_out(Session& session, const Node* node) {
+  const Node* entry = current_scope(session).entry;
   return node != nullptr && !is_boundary(*node) && node != entry;
 }
 
-bool is_wrong_place(Side side, std::uint8_t type, const Window& window) {
+bool is_wrong_place(Session& session, Side side, std::uint8_t type, const Window& window) {
   const Node& node = *node_of(window, side);
   if (side == Side::right && type == rule_type::test_right && is_boundary(node)) return true;
   if (side == Side::left && type == rule_type::test_left && is_boundary(node)) return true;
-  if (type == rule_type::merge_left) return !may_drop_out(window.lnode);
-  return type == rule_type::merge_right && !may_drop_out(window.rnode);
+  if (type == rule_type::merge_left) return !may_drop_out(session, window.lnode);
+  return type == rule_type::merge_right && !may_drop_out(session, window.rnode);
 }
 
 // ---- Target.
 
-Node* target_of(const Node& node, std::uint8_t type) {
+Node* target_of(Session& session, const Node& node, std::uint8_t type) {
   const bool type_looks_through = type == rule_type::insertion || is_word_test_type(type);
-  return type_looks_through && is_unbuilt_reference(node) ? scope_final_node(node.scope) : nullptr;
+  return type_looks_through && is_unbuilt_reference(session, node) ? scope_final_node(session, node.scope) : nullptr;
 }
 
 // What an earlier stay in the scope has left on its entry node is taken back, one record a time.
-Status reset_target(Node& target) {
-  match_record_pop(target);
-  return is_fresh(target) ? node_words_reload(target) : Status::ok;
+Status reset_target(Session& session, Node& target) {
+  match_record_pop(session, target);
+  return is_fresh(target) ? node_words_reload(session, target) : Status::ok;
 }
 
 bool wants_reset(const Node& node, const Node* target) {
@@ -77,30 +76,30 @@ bool head_text_has(const Node* node, const char* attr) {
   return node != nullptr && attr_find(head_text(*node), attr) != nullptr;
 }
 
-bool settled_attr_holds(const Filter& filter, const CondItem& condition) {
+bool settled_attr_holds(Session& session, const Filter& filter, const CondItem& condition) {
   const Node& node = filter.node;
   const bool has_itself =
       attr_has(node.candidates, condition.text) || (is_held(node) && head_text_has(&node, condition.text));
   if (condition.op == kOpNot) return !has_itself;
   if (has_itself) return true;
   const Node* target = filter.target;
-  if (target == nullptr || scope_is_built(node.scope) != 0) return false;
+  if (target == nullptr || scope_is_built(session, node.scope) != 0) return false;
   return attr_has(target->candidates, condition.text) || head_text_has(target, condition.text);
 }
 
-Fit filter_settled(const Filter& filter) {
+Fit filter_settled(Session& session, const Filter& filter) {
   const NodePattern& pattern = filter.pattern;
   const WordEntry* word = filter.node.candidates;
   if (word == nullptr) {
-    rule_base_failure("tested a node without words");
+    rule_base_failure(session, "tested a node without words");
     return Fit::failed;
   }
   if (has_surface_conditions(pattern) && !test_surface(nullptr, word, pattern.hw_conds, pattern.cw_conds)) {
     return Fit::no;
   }
-  if (!attr_room_ok(filter.side, filter.rule, filter.window)) return Fit::no;
+  if (!attr_room_ok(session, filter.side, filter.rule, filter.window)) return Fit::no;
   for (const CondItem& condition : chain<&CondItem::next>(pattern.attr_conds)) {
-    if (!settled_attr_holds(filter, condition)) return Fit::no;
+    if (!settled_attr_holds(session, filter, condition)) return Fit::no;
   }
   return Fit::yes;
 }
@@ -160,7 +159,7 @@ Verdict judge_attrs(Filter& filter, const Words& words) {
   return Verdict::fits;
 }
 
-Verdict judge(Filter& filter, const Words& words) {
+Verdict judge(Session& session, Filter& filter, const Words& words) {
   const NodePattern& pattern = filter.pattern;
   if (has_surface_conditions(pattern)) {
     const bool asks_target = words.targets != nullptr;
@@ -168,7 +167,7 @@ Verdict judge(Filter& filter, const Words& words) {
                                     pattern.hw_conds, pattern.cw_conds);
     if (!holds) return Verdict::out;
   }
-  if (!attr_room_ok(filter.side, filter.rule, filter.window)) return Verdict::out;
+  if (!attr_room_ok(session, filter.side, filter.rule, filter.window)) return Verdict::out;
   return judge_attrs(filter, words);
 }
 
@@ -191,15 +190,15 @@ bool chooses_by_neighbour(const Filter& filter) {
 }
 
 // Scores the words from `word` on, which may put another one in its place.
-Fit choose_by_neighbour(Filter& filter, WordEntry*& word) {
-  entry_list_free(filter.chosen);
+Fit choose_by_neighbour(Session& session, Filter& filter, WordEntry*& word) {
+  entry_list_free(session, filter.chosen);
   if (filter.pattern.inserted == 0) return Fit::yes;
   Node* other_node = node_of(filter.window, other(filter.side));
   WordEntry* none = nullptr;
   WordEntry*& other_word = other_node == nullptr ? none : other_node->candidates;
   const bool left = filter.side == Side::left;
-  const int score = cooccurrence_check(left ? word : other_word, left ? other_word : word, filter.rule, filter.chosen,
-                                       side_letter(filter.side));
+  const int score = cooccurrence_check(session, left ? word : other_word, left ? other_word : word, filter.rule,
+                                       filter.chosen, side_letter(filter.side));
   if (score >= 1) return Fit::yes;
   return score == 0 ? Fit::no : Fit::refused;
 }
@@ -235,16 +234,16 @@ bool has_words(const WordWalk& walk) {
   return !walk.ended && *walk.own != nullptr && (walk.targets == nullptr || *walk.targets != nullptr);
 }
 
-Fit walk_words(Filter& filter, WordWalk& walk) {
+Fit walk_words(Session& session, Filter& filter, WordWalk& walk) {
   while (has_words(walk)) {
-    if (must_leave() != Status::ok) return Fit::failed;
+    if (must_leave(session) != Status::ok) return Fit::failed;
     const Words words{*walk.own, walk.targets == nullptr ? nullptr : *walk.targets};
-    if (!is_kept(filter, judge(filter, words))) {
+    if (!is_kept(filter, judge(session, filter, words))) {
       pass_over(filter, walk);
       continue;
     }
     if (walk.kept == nullptr && chooses_by_neighbour(filter)) {
-      if (const Fit fit = choose_by_neighbour(filter, *walk.own); fit != Fit::yes) return fit;
+      if (const Fit fit = choose_by_neighbour(session, filter, *walk.own); fit != Fit::yes) return fit;
     }
     keep(walk, filter.on_target && walk.targets != nullptr ? walk.targets : walk.own);
   }
@@ -256,12 +255,12 @@ bool releases_rest(Side side, std::uint8_t type) {
   return type == rule_type::test || type == (side == Side::left ? rule_type::test_left : rule_type::test_right);
 }
 
-Fit filter_open(Filter& filter) {
+Fit filter_open(Session& session, Filter& filter) {
   WordWalk walk{&filter.node.candidates, filter.target == nullptr ? nullptr : &filter.target->candidates};
-  if (const Fit fit = walk_words(filter, walk); fit != Fit::yes) return fit;
+  if (const Fit fit = walk_words(session, filter, walk); fit != Fit::yes) return fit;
   const bool on_target = filter.on_target && filter.target != nullptr;
   WordEntry*& words = on_target ? filter.target->candidates : filter.node.candidates;
-  if (releases_rest(filter.side, filter.rule.type)) entry_list_free(words);
+  if (releases_rest(filter.side, filter.rule.type)) entry_list_free(session, words);
   *walk.kept_end = words;
   words = walk.kept;
   return Fit::yes;
@@ -269,22 +268,23 @@ Fit filter_open(Filter& filter) {
 
 // ---- Hold.
 
-Status hold_target(const Filter& filter, RuleCandidate& candidate) {
+Status hold_target(Session& session, const Filter& filter, RuleCandidate& candidate) {
   if (!filter.on_target || !is_fresh(*filter.target)) return Status::ok;
-  return match_record_push(*filter.target, kStateHold, &candidate);
+  return match_record_push(session, *filter.target, kStateHold, &candidate);
 }
 
 }  // namespace
 
-Fit filter_candidates(Side side, const Rule& rule, RuleCandidate& candidate, const Window& window, WordEntry*& chosen) {
+Fit filter_candidates(Session& session, Side side, const Rule& rule, RuleCandidate& candidate, const Window& window,
+                      WordEntry*& chosen) {
   Node* node = node_of(window, side);
-  if (node == nullptr || is_wrong_place(side, rule.type, window)) return Fit::no;
-  Filter filter{side, rule, pattern_of(rule, side), window, chosen, *node, target_of(*node, rule.type)};
+  if (node == nullptr || is_wrong_place(session, side, rule.type, window)) return Fit::no;
+  Filter filter{side, rule, pattern_of(rule, side), window, chosen, *node, target_of(session, *node, rule.type)};
   const bool resets = wants_reset(*node, filter.target);
-  if (resets && reset_target(*filter.target) != Status::ok) return Fit::no;
-  const Fit fit = words_are_open(*node, filter.target) ? filter_open(filter) : filter_settled(filter);
+  if (resets && reset_target(session, *filter.target) != Status::ok) return Fit::no;
+  const Fit fit = words_are_open(*node, filter.target) ? filter_open(session, filter) : filter_settled(session, filter);
   if (fit != Fit::yes) return fit;
-  return hold_target(filter, candidate) == Status::ok ? Fit::yes : Fit::failed;
+  return hold_target(session, filter, candidate) == Status::ok ? Fit::yes : Fit::failed;
 }
 
 }  // namespace lexon

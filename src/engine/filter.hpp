@@ -9,12 +9,14 @@
 
 namespace lexon {
 
+struct Session;
+
 // Does the rule's pattern of this side fit the node there? On a fit the words that fit stand first; a word test
 // releases the others. A reference to a scope that is not built is looked at through its entry node, and the words of
 // that node are put in order then, under a hold. `rule` is the candidate's rule, or a version of it with conditions
 // left out. `chosen` receives the words of a co-occurrence choice, and loses what it held.
 // `refused` comes from a failed co-occurrence lookup.
-[[nodiscard]] Fit filter_candidates(Side side, const Rule& rule, RuleCandidate& candidate, const Window& window,
-                                    WordEntry*& chosen);
+[[nodiscard]] Fit filter_candidates(Session& session, Side side, const Rule& rule, RuleCandidate& candidate,
+                                    const Window& window, WordEntry*& chosen);
 
 }  // namespace lexon

@@ -7,8 +7,8 @@
 #include <string_view>
 
 #include "data/nodes.hpp"
-#include "data/pool.hpp"
 #include "data/scratch.hpp"
+#include "data/session.hpp"
 #include "data/words.hpp"
 
 namespace lexon {
@@ -38,10 +38,10 @@ void write_graph_part(HeadText& part, std::string_view text, std::size_t room) {
 }
 
 // "part" or "part,old", as a new text. Null when memory is exhausted.
-char* joined(std::string_view part, const char* old) {
+char* joined(Session& session, std::string_view part, const char* old) {
   const std::string_view rest = text_or_empty(old);
   const std::size_t size = part.size() + (old == nullptr ? 0 : 1 + rest.size());
-  auto* text = static_cast<char*>(temp_alloc(static_cast<std::int64_t>(size) + 1));
+  auto* text = static_cast<char*>(temp_alloc(session, static_cast<std::int64_t>(size) + 1));
   if (text == nullptr) return nullptr;
   char* end = std::copy(part.begin(), part.end(), text);
   if (old != nullptr) {
@@ -53,15 +53,15 @@ char* joined(std::string_view part, const char* old) {
 }
 
 // The new length is computed, not measured: it can exceed that of the string.
-Status put_in_front(WordEntry& word, std::string_view text) {
+Status put_in_front(Session& session, WordEntry& word, std::string_view text) {
   const std::int64_t wanted_length = std::int64_t{word.attr_len} + static_cast<std::int64_t>(text.size()) + 1;
   const auto total = static_cast<std::int32_t>(std::min<std::int64_t>(wanted_length, kAttrLimit - 1));
   const auto room = static_cast<std::size_t>(std::max(0, total - word.attr_len - 1));
   HeadText part;
   write_graph_part(part, text, room);
-  char* attrs = joined(part.view(), word.attrs);
+  char* attrs = joined(session, part.view(), word.attrs);
   if (attrs == nullptr) return Status::memory;
-  temp_free_string(word.attrs);
+  temp_free_string(session, word.attrs);
   word.attrs = attrs;
   const std::int32_t growth = total - word.attr_len;
   word.attr_block_size += growth;
@@ -72,7 +72,7 @@ Status put_in_front(WordEntry& word, std::string_view text) {
 
 }  // namespace
 
-Status graph_attrs_into_word(Node& node, const NodePattern& pattern) {
+Status graph_attrs_into_word(Session& session, Node& node, const NodePattern& pattern) {
   if (!is_untouched(node) || node.candidates == nullptr) return Status::ok;
   if (node.kind < kKindBoundary) node_kind_recompute(node);
   const std::string_view text = text_or_empty(head_text(node));
@@ -80,7 +80,7 @@ Status graph_attrs_into_word(Node& node, const NodePattern& pattern) {
   WordEntry& word = *node.candidates;
   const bool is_in_word = std::string_view(text_or_empty(word.attrs)).find(text) != std::string_view::npos;
   if (pattern.inserted == 0 && is_in_word) return Status::ok;
-  return put_in_front(word, text);
+  return put_in_front(session, word, text);
 }
 
 }  // namespace lexon

@@ -7,8 +7,10 @@
 
 namespace lexon {
 
+struct Session;
+
 // Recomputes the kind of a node that no rule has touched, and puts the attributes of its current scope in front of
 // those of its word. Nothing happens to another node. `pattern` is the one that the node has satisfied.
-[[nodiscard]] Status graph_attrs_into_word(Node& node, const NodePattern& pattern);
+[[nodiscard]] Status graph_attrs_into_word(Session& session, Node& node, const NodePattern& pattern);
 
 }  // namespace lexon

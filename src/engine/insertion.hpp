@@ -8,17 +8,19 @@
 
 namespace lexon {
 
+struct Session;
+
 // Is the text that a shift rule cuts off at the end of the neighbour's word where the pattern of `side` wants it? True
 // for rules that shift nothing to this side.
 [[nodiscard]] bool shifted_text_fits(const Match& match, Side side);
 
 // Finds the place of the node that the pattern of `side` inserts: slides along the list while the groups beyond do
 // not fit, if an empty starred MID allows it. False if there is no place.
-[[nodiscard]] bool find_place(Match& match, Side side);
+[[nodiscard]] bool find_place(Session& session, Match& match, Side side);
 
 // Finds the node itself, over an arc of the graph or from the dictionary, and links it in beside the other place of
 // the window.
-[[nodiscard]] Fit bring_in(Match& match, Side side);
+[[nodiscard]] Fit bring_in(Session& session, Match& match, Side side);
 
 // Is `end` the node, or the node of which it is a copy?
 [[nodiscard]] bool is_same_or_origin(const Node* end, const Node& node);

@@ -3,8 +3,7 @@
 #include <cstring>
 
 #include "data/nodes.hpp"
-#include "data/pool.hpp"
-#include "data/sentence.hpp"
+#include "data/session.hpp"
 #include "data/words.hpp"
 #include "dict/cooccurrence.hpp"
 #include "dict/word_lookup.hpp"
@@ -23,18 +22,18 @@ const char* first_affirmative_text(const CondItem* items) {
   return items != nullptr && items->op == kOpHas ? items->text : nullptr;
 }
 
-Fit filter_words(Match& match, Side side, const Rule& rule, Node& node) {
-  return filter_candidates(side, rule, match.candidate, window_with(match.window, side, &node), match.chosen);
+Fit filter_words(Session& session, Match& match, Side side, const Rule& rule, Node& node) {
+  return filter_candidates(session, side, rule, match.candidate, window_with(match.window, side, &node), match.chosen);
 }
 
 // The conditions on texts name the class, and are not held against its members.
-Fit filter_class_words(Match& match, Side side, Node& node) {
+Fit filter_class_words(Session& session, Match& match, Side side, Node& node) {
   Rule rule = match.rule;
   NodePattern pattern = pattern_of(rule, side);
   pattern.hw_conds = nullptr;
   pattern.cw_conds = nullptr;
   (side == Side::left ? rule.lnode : rule.rnode) = &pattern;
-  const Fit fit = filter_words(match, side, rule, node);
+  const Fit fit = filter_words(session, match, side, rule, node);
   if (fit != Fit::no) node.kind = kKindClassWord;
   return fit;
 }
@@ -45,61 +44,63 @@ bool names_class(const NodePattern& pattern) {
 }
 
 // wanted: only to the left are the groups beyond tested once more
-bool place_still_fits(const Match& match, Side side) {
+bool place_still_fits(Session& session, const Match& match, Side side) {
   if (side == Side::right || match.mid_mark.hit != nullptr || match.rule.pre == nullptr) return true;
-  return match_context(side, match.rule.pre, match.window.rnode->left) != nullptr;
+  return match_context(session, side, match.rule.pre, match.window.rnode->left) != nullptr;
 }
 
-Fit find_words_elsewhere(Match& match, Side side, Node& node) {
-  if (!place_still_fits(match, side)) return Fit::no;
+Fit find_words_elsewhere(Session& session, Match& match, Side side, Node& node) {
+  if (!place_still_fits(session, match, side)) return Fit::no;
   const NodePattern& pattern = pattern_of(match.rule, side);
-  if (names_class(pattern)) node.candidates = word_class_entries(match.rule, side_letter(side));
-  if (node.candidates != nullptr) return filter_class_words(match, side, node);
-  node.candidates = entry_from_pattern(pattern);
+  if (names_class(pattern)) node.candidates = word_class_entries(session, match.rule, side_letter(side));
+  if (node.candidates != nullptr) return filter_class_words(session, match, side, node);
+  node.candidates = entry_from_pattern(session, pattern);
   return node.candidates == nullptr ? Fit::no : Fit::yes;
 }
 
-Fit find_words(Match& match, Side side, Node& node) {
+Fit find_words(Session& session, Match& match, Side side, Node& node) {
   const NodePattern& pattern = pattern_of(match.rule, side);
-  const Status looked_up = dict_select(first_text(pattern.hw_conds), first_text(pattern.cw_conds), node.candidates);
+  const Status looked_up =
+      dict_select(session, first_text(pattern.hw_conds), first_text(pattern.cw_conds), node.candidates);
   // A dictionary that cannot be read refuses the rule; its status stands in the engine's state.
   if (looked_up != Status::ok) return looked_up == Status::memory ? Fit::failed : Fit::no;
-  if (node.candidates != nullptr) return filter_words(match, side, match.rule, node);
-  return find_words_elsewhere(match, side, node);
+  if (node.candidates != nullptr) return filter_words(session, match, side, match.rule, node);
+  return find_words_elsewhere(session, match, side, node);
 }
 
 // Releases words from the head on until one has the concept word. What stands behind it stays, whatever it is.
-void drop_until_cw(WordEntry*& words, const char* cw) {
-  while (words != nullptr && std::strcmp(text_or_empty(words->cw), cw) != 0) entry_drop_head(words);
+void drop_until_cw(Session& session, WordEntry*& words, const char* cw) {
+  while (words != nullptr && std::strcmp(text_or_empty(words->cw), cw) != 0) entry_drop_head(session, words);
 }
 
 }  // namespace
 
-Status dict_select(const char* hw, const char* cw, WordEntry*& words) {
+Status dict_select(Session& session, const char* hw, const char* cw, WordEntry*& words) {
   words = nullptr;
   if (hw == nullptr && cw == nullptr) return Status::ok;
   const int key_field = hw != nullptr ? kKeyHw : kKeyCw;
   const char* key = hw != nullptr ? hw : cw;
-  if (const Status s = words_by_key(sentence.dictionary, key_field, key, words); s != Status::ok) return s;
+  if (const Status s = words_by_key(session, session.sentence.dictionary, key_field, key, words); s != Status::ok)
+    return s;
   entry_list_sort(words);
-  if (hw != nullptr && cw != nullptr) drop_until_cw(words, cw);
+  if (hw != nullptr && cw != nullptr) drop_until_cw(session, words, cw);
   return Status::ok;
 }
 
-WordEntry* entry_from_pattern(const NodePattern& pattern) {
+WordEntry* entry_from_pattern(Session& session, const NodePattern& pattern) {
   const char* hw = first_affirmative_text(pattern.hw_conds);
   const char* text = hw != nullptr ? hw : first_affirmative_text(pattern.cw_conds);
-  return text == nullptr ? nullptr : entry_from_class_member(pattern, text);
+  return text == nullptr ? nullptr : entry_from_class_member(session, pattern, text);
 }
 
-Fit make_literal(Match& match, Side side, Node*& node) {
+Fit make_literal(Session& session, Match& match, Side side, Node*& node) {
   const NodePattern& pattern = pattern_of(match.rule, side);
   node = nullptr;
   if (pattern.hw_conds == nullptr && pattern.cw_conds == nullptr) return Fit::no;
-  node = temp_new<Node>();
+  node = temp_new<Node>(session);
   if (node == nullptr) return Fit::failed;
-  const Fit fit = find_words(match, side, *node);
-  if (fit == Fit::no) node_free(node);
+  const Fit fit = find_words(session, match, side, *node);
+  if (fit == Fit::no) node_free(session, node);
   return fit;
 }
 

@@ -9,15 +9,17 @@
 
 namespace lexon {
 
+struct Session;
+
 // Makes the node that the pattern of `side` names, with words that fit the rule. `node` is null unless it fits. The
 // place beside it must be in the window.
-[[nodiscard]] Fit make_literal(Match& match, Side side, Node*& node);
+[[nodiscard]] Fit make_literal(Session& session, Match& match, Side side, Node*& node);
 
 // Words by surface form; of these, from the first with the concept word `cw` on if that is given too; else words by
 // concept word. Null texts are not asked for. `words` is null if there are none.
-[[nodiscard]] Status dict_select(const char* hw, const char* cw, WordEntry*& words);
+[[nodiscard]] Status dict_select(Session& session, const char* hw, const char* cw, WordEntry*& words);
 
 // A word made from a pattern's first texts and all its attribute conditions; null if neither text is affirmative.
-[[nodiscard]] WordEntry* entry_from_pattern(const NodePattern& pattern);
+[[nodiscard]] WordEntry* entry_from_pattern(Session& session, const NodePattern& pattern);
 
 }  // namespace lexon

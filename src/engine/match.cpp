@@ -14,8 +14,7 @@
 
 #include "data/chain.hpp"
 #include "data/nodes.hpp"
-#include "data/sentence.hpp"
-#include "data/state.hpp"
+#include "data/session.hpp"
 #include "data/words.hpp"
 #include "engine/apply.hpp"
 #include "engine/filter.hpp"
@@ -69,12 +68,12 @@ bool retries_for_another(const Match& match) {
 
 // ---- Turn.
 
-Status turn_to_current_scope(const Window& window) {
+Status turn_to_current_scope(Session& session, const Window& window) {
   Node* first = list_first(window.lnode != nullptr ? window.lnode : window.rnode);
-  if (first != nullptr && first->left == first) return rule_base_failure("put a node beside itself");
+  if (first != nullptr && first->left == first) return rule_base_failure(session, "put a node beside itself");
   for (Node& node : chain<&Node::right>(first)) {
-    if (const Status s = must_leave(); s != Status::ok) return s;
-    scope_attrs_to_front(node, current_scope().number);
+    if (const Status s = must_leave(session); s != Status::ok) return s;
+    scope_attrs_to_front(node, current_scope(session).number);
   }
   return Status::ok;
 }
@@ -85,15 +84,15 @@ bool is_tested(const Match& match, Side side) {
   return !inserts(match.rule, side) || stands_for_retry(node_of(match.window, side));
 }
 
-Fit test_node(Match& match, Side side) {
+Fit test_node(Session& session, Match& match, Side side) {
   const Node* node = node_of(match.window, side);
   if (node == nullptr) {
-    rule_base_failure("tested a place beyond the end of the list");
+    rule_base_failure(session, "tested a place beyond the end of the list");
     return Fit::failed;
   }
   const ContextGroup* beyond = groups_beyond(match.rule, side);
-  if (beyond != nullptr && match_context(side, beyond, neighbour(*node, side)) == nullptr) return Fit::no;
-  return filter_candidates(side, match.rule, match.candidate, match.window, match.chosen);
+  if (beyond != nullptr && match_context(session, side, beyond, neighbour(*node, side)) == nullptr) return Fit::no;
+  return filter_candidates(session, side, match.rule, match.candidate, match.window, match.chosen);
 }
 
 // The first arc with this label that ends at the node; `scope` -1 stands for any.
@@ -107,37 +106,37 @@ Relation* arc_ending_at(Node& node, const char* label, int scope) {
 
 // A relation on a node that is there must join it to something. Where the other node is there too, for another try,
 // the arc may be of any scope.
-bool has_wanted_arc(Match& match, Side side) {
+bool has_wanted_arc(Session& session, Match& match, Side side) {
   const NodePattern& pattern = pattern_of(match.rule, side);
   if (pattern.inserted != 0 || pattern.relations == nullptr) return true;
-  const int scope = is_tested(match, other(side)) ? -1 : current_scope().number;
+  const int scope = is_tested(match, other(side)) ? -1 : current_scope(session).number;
   // wanted: both sides look at the end of the arc
   match.arc = arc_ending_at(*node_of(match.window, side), pattern.relations->text, scope);
   return match.arc != nullptr;
 }
 
 // The node has tried all its words.
-Fit retry_failed(Match& match, Side side) {
-  trace_no_matched_word(side);
+Fit retry_failed(Session& session, Match& match, Side side) {
+  trace_no_matched_word(session, side);
   Node* node = node_of(match.window, side);
-  entry_list_free(node->candidates);
+  entry_list_free(session, node->candidates);
   return Fit::refused;
 }
 
-Fit test_side(Match& match, Side side) {
+Fit test_side(Session& session, Match& match, Side side) {
   if (!is_tested(match, side)) return Fit::yes;
-  const Fit fit = test_node(match, side);
-  if (must_leave() != Status::ok) return Fit::failed;
-  if (fit == Fit::no) return inserts(match.rule, side) ? retry_failed(match, side) : Fit::no;
+  const Fit fit = test_node(session, match, side);
+  if (must_leave(session) != Status::ok) return Fit::failed;
+  if (fit == Fit::no) return inserts(match.rule, side) ? retry_failed(session, match, side) : Fit::no;
   // wanted: a co-occurrence lookup that failed (`refused`) counts as a fit
   if (fit != Fit::yes && fit != Fit::refused) return fit;
-  return has_wanted_arc(match, side) ? Fit::yes : Fit::no;
+  return has_wanted_arc(session, match, side) ? Fit::yes : Fit::no;
 }
 
 // ---- Slide.
 
 // MID lies on the side of the node to be inserted, as seen from the other node.
-bool slide_over_mid(Match& match) {
+bool slide_over_mid(Session& session, Match& match) {
   if (match.rule.mid == nullptr) return true;
   const Side side = inserts(match.rule, Side::left) ? Side::left : Side::right;
   Window& window = match.window;
@@ -145,7 +144,7 @@ bool slide_over_mid(Match& match) {
   if (start == nullptr) return false;
   const ContextGroup* beyond = groups_beyond(match.rule, side);
   match.mid_mark.group = beyond;
-  Node* place = match_context(side, {match.rule.mid, beyond}, neighbour(*start, side), match.mid_mark);
+  Node* place = match_context(session, side, {match.rule.mid, beyond}, neighbour(*start, side), match.mid_mark);
   if (place == nullptr) return false;
   if (match.mid_mark.hit != nullptr) place = neighbour(*match.mid_mark.hit, other(side));
   if (place == nullptr) return false;
@@ -178,12 +177,12 @@ bool is_shift_to(const Rule& rule, Side side) {
 
 // ---- Settle.
 
-Status settle_words(Match& match) {
+Status settle_words(Session& session, Match& match) {
   Node& left = *match.window.lnode;
   Node& right = *match.window.rnode;
-  if (const Status s = graph_attrs_into_word(left, *match.rule.lnode); s != Status::ok) return s;
-  if (const Status s = graph_attrs_into_word(right, *match.rule.rnode); s != Status::ok) return s;
-  return match.chosen == nullptr ? Status::ok : role_mark_add(match.rule, &left, &right, *match.chosen);
+  if (const Status s = graph_attrs_into_word(session, left, *match.rule.lnode); s != Status::ok) return s;
+  if (const Status s = graph_attrs_into_word(session, right, *match.rule.rnode); s != Status::ok) return s;
+  return match.chosen == nullptr ? Status::ok : role_mark_add(session, match.rule, &left, &right, *match.chosen);
 }
 
 // ---- Verdict.
@@ -200,22 +199,22 @@ bool may_be_applied(const Match& match) {
 
 // Post-edit undoes nothing and looks at the newest record alone. There a record takes the place of the one on top, and
 // what only that one held goes back to the pool: a pass without end does not grow.
-void make_room_for_record(Node& node, const Rule& rule) {
+void make_room_for_record(Session& session, Node& node, const Rule& rule) {
   if (!is_post_edit_type(rule.type) || is_fresh(node)) return;
   RuleCandidate* before = node.matches->candidate;
-  match_record_pop(node);
+  match_record_pop(session, node);
   const bool is_of_post_edit = before != nullptr && before->rule != nullptr && is_post_edit_type(before->rule->type);
-  if (is_of_post_edit) candidates_left_behind(before, nullptr);
+  if (is_of_post_edit) candidates_left_behind(session, before, nullptr);
 }
 
-Status push_records(Match& match) {
+Status push_records(Session& session, Match& match) {
   RuleCandidate& candidate = match.candidate;
   for (const Side side : {Side::left, Side::right}) {
     // With MID the other place of the window has slid away; its record comes with the window.
     const bool has_slid = match.rule.mid != nullptr && inserts(match.rule, other(side));
     if (has_slid) continue;
-    make_room_for_record(*node_of(match.window, side), match.rule);
-    const Status s = match_record_push(*node_of(match.window, side), kStateStep, &candidate, match.chosen);
+    make_room_for_record(session, *node_of(match.window, side), match.rule);
+    const Status s = match_record_push(session, *node_of(match.window, side), kStateStep, &candidate, match.chosen);
     if (s != Status::ok) return s;
   }
   return Status::ok;
@@ -224,13 +223,13 @@ Status push_records(Match& match) {
 // ---- Hand over.
 
 // With MID the candidate keeps the window for another try, and the node that MID was counted from gets its record.
-Status note_window(Match& match, const Window& window) {
+Status note_window(Session& session, Match& match, const Window& window) {
   if (match.rule.mid == nullptr) return Status::ok;
   match.candidate.lnode = window.lnode;
   match.candidate.rnode = window.rnode;
   const std::optional<Side> side = inserted_side(match.rule);
   if (!side) return Status::ok;
-  return match_record_push(*node_of(window, other(*side)), kStateStep, &match.candidate);
+  return match_record_push(session, *node_of(window, other(*side)), kStateStep, &match.candidate);
 }
 
 // An arc brings in one node, until undo clears its mark.
@@ -246,44 +245,44 @@ void use_arc(const Match& match, const Window& window) {
   if (leads_in || leads_out) match.arc->used = 1;
 }
 
-Status hand_over(Match& match, Window& window) {
+Status hand_over(Session& session, Match& match, Window& window) {
   if (const std::optional<Side> side = inserted_side(match.rule)) {
     node_of(window, *side) = node_of(match.window, *side);
   }
-  if (const Status s = note_window(match, window); s != Status::ok) return s;
+  if (const Status s = note_window(session, match, window); s != Status::ok) return s;
   use_arc(match, window);
   return Status::ok;
 }
 
 // ---- The whole.
 
-Fit match_steps(Match& match, Window& window) {
+Fit match_steps(Session& session, Match& match, Window& window) {
   if (never_fits(match) || retries_for_another(match)) return Fit::no;
-  if (turn_to_current_scope(match.window) != Status::ok) return Fit::failed;
+  if (turn_to_current_scope(session, match.window) != Status::ok) return Fit::failed;
   for (const Side side : {Side::left, Side::right}) {
-    if (const Fit fit = test_side(match, side); fit != Fit::yes) return fit;
+    if (const Fit fit = test_side(session, match, side); fit != Fit::yes) return fit;
   }
-  if (!slide_over_mid(match) || !list_is_long_enough(match)) return Fit::no;
+  if (!slide_over_mid(session, match) || !list_is_long_enough(match)) return Fit::no;
   if (const std::optional<Side> side = side_to_fill(match)) {
-    if (!shifted_text_fits(match, *side) || !find_place(match, *side)) return Fit::no;
+    if (!shifted_text_fits(match, *side) || !find_place(session, match, *side)) return Fit::no;
     if (is_shift_to(match.rule, *side)) return Fit::yes;
-    if (const Fit fit = bring_in(match, *side); fit != Fit::yes) return fit;
+    if (const Fit fit = bring_in(session, match, *side); fit != Fit::yes) return fit;
   }
   if (match.window.lnode == nullptr || match.window.rnode == nullptr) return Fit::no;
-  if (settle_words(match) != Status::ok) return Fit::failed;
+  if (settle_words(session, match) != Status::ok) return Fit::failed;
   const bool applies = may_be_applied(match);
-  if (applies && push_records(match) != Status::ok) return Fit::failed;
-  if (hand_over(match, window) != Status::ok) return Fit::failed;
+  if (applies && push_records(session, match) != Status::ok) return Fit::failed;
+  if (hand_over(session, match, window) != Status::ok) return Fit::failed;
   return applies ? Fit::yes : Fit::refused;
 }
 
 }  // namespace
 
-Fit match_rule(RuleCandidate& candidate, Window& window) {
+Fit match_rule(Session& session, RuleCandidate& candidate, Window& window) {
   Match match{candidate, *candidate.rule, window, window};
-  const Fit fit = match_steps(match, window);
-  if (must_leave() != Status::ok) return Fit::failed;
-  if (fit == Fit::no) entry_list_free(match.chosen);
+  const Fit fit = match_steps(session, match, window);
+  if (must_leave(session) != Status::ok) return Fit::failed;
+  if (fit == Fit::no) entry_list_free(session, match.chosen);
   return fit;
 }
 

@@ -7,8 +7,10 @@
 
 namespace lexon {
 
+struct Session;
+
 // Tests the candidate's rule on the window; on a fit the words are narrowed, an inserted node stands in the list and
 // records are pushed. The window is written back only where the rule says so.
-[[nodiscard]] Fit match_rule(RuleCandidate& candidate, Window& window);
+[[nodiscard]] Fit match_rule(Session& session, RuleCandidate& candidate, Window& window);
 
 }  // namespace lexon

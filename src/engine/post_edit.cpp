@@ -4,7 +4,7 @@
 #include "engine/post_edit.hpp"
 
 #include "data/nodes.hpp"
-#include "data/state.hpp"
+#include "data/session.hpp"
 #include "engine/apply.hpp"
 #include "engine/candidate_pin.hpp"
 #include "engine/match.hpp"
@@ -18,9 +18,9 @@ namespace lexon {
 namespace {
 
 // The window at the end of the list.
-[[nodiscard]] Window last_window(Node* node) {
+[[nodiscard]] Window last_window(Session& session, Node* node) {
   if (node == nullptr) return {nullptr, nullptr};
-  while (node->right != nullptr && must_leave() == Status::ok) node = node->right;
+  while (node->right != nullptr && must_leave(session) == Status::ok) node = node->right;
   return {node->left, node};
 }
 
@@ -35,24 +35,24 @@ namespace {
 }
 
 // What the pass ends with if no rule fits behind this answer.
-[[nodiscard]] Status status_after(Fit fit) {
-  if (fit == Fit::failed) return must_leave() != Status::ok ? must_leave() : Status::memory;
+[[nodiscard]] Status status_after(Session& session, Fit fit) {
+  if (fit == Fit::failed) return must_leave(session) != Status::ok ? must_leave(session) : Status::memory;
   // wanted: a rule that fits and is refused fails the pass, if it is the last one asked.
   return fit == Fit::refused ? Status::no_effect : Status::ok;
 }
 
 // The first rule of the list that fits becomes its head; null if none does. `result` is what the last match gave.
-void rule_choose(RuleCandidate*& candidates, Window& window, Status& result) {
+void rule_choose(Session& session, RuleCandidate*& candidates, Window& window, Status& result) {
   while (candidates != nullptr) {
     RuleCandidate& element = *candidates;
     if (may_run(*element.rule, window)) {
       // wanted: a failure is overwritten by what the next rule gives.
-      const Fit fit = match_rule(element, window);
-      result = status_after(fit);
-      if (fit == Fit::yes || must_leave() != Status::ok) return;
+      const Fit fit = match_rule(session, element, window);
+      result = status_after(session, fit);
+      if (fit == Fit::yes || must_leave(session) != Status::ok) return;
     }
     candidates = element.next;
-    candidate_passed_over(&element);
+    candidate_passed_over(session, &element);
   }
 }
 
@@ -62,31 +62,31 @@ void rule_choose(RuleCandidate*& candidates, Window& window, Status& result) {
 }
 
 // One round. False when the pass is over.
-[[nodiscard]] bool round(Window& window, Status& result) {
-  if (const Status status = must_leave(); status != Status::ok) {
+[[nodiscard]] bool round(Session& session, Window& window, Status& result) {
+  if (const Status status = must_leave(session); status != Status::ok) {
     result = status;
     return false;
   }
   if (window.lnode == nullptr || window.rnode == nullptr) return false;
-  RuleCandidate* candidates = rule_candidates(window.lnode, window.rnode);
-  rule_choose(candidates, window, result);
-  if (candidates == nullptr || must_leave() != Status::ok) return false;
+  RuleCandidate* candidates = rule_candidates(session, window.lnode, window.rnode);
+  rule_choose(session, candidates, window, result);
+  if (candidates == nullptr || must_leave(session) != Status::ok) return false;
   // A pass inside a scope must not release it.
   const CandidatePin pin(candidates);
-  result =
-      moves_window(*candidates->rule) ? apply_rule(window, candidates, nullptr) : post_edit_rule(window, *candidates);
+  result = moves_window(*candidates->rule) ? apply_rule(session, window, candidates, nullptr)
+                                           : post_edit_rule(session, window, *candidates);
   return result == Status::ok;
 }
 
 }  // namespace
 
-Status post_edit(Node* start) {
-  if (stack_nearly_used()) return Status::memory;
-  if (start == nullptr) return rule_base_failure("post-edited a scope without an entry");
-  Window window = last_window(start);
-  trace_list(window, false);
+Status post_edit(Session& session, Node* start) {
+  if (stack_nearly_used(session)) return Status::memory;
+  if (start == nullptr) return rule_base_failure(session, "post-edited a scope without an entry");
+  Window window = last_window(session, start);
+  trace_list(session, window, false);
   Status result = Status::ok;
-  while (round(window, result)) {
+  while (round(session, window, result)) {
   }
   return result;
 }

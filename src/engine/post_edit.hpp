@@ -6,7 +6,9 @@
 
 namespace lexon {
 
+struct Session;
+
 // Runs the post-edit rules on the list that `start` stands in, from its end. ok, or what a step returned.
-[[nodiscard]] Status post_edit(Node* start);
+[[nodiscard]] Status post_edit(Session& session, Node* start);
 
 }  // namespace lexon

@@ -4,7 +4,7 @@
 #include <string_view>
 
 #include "data/scratch.hpp"
-#include "data/state.hpp"
+#include "data/session.hpp"
 #include "data/words.hpp"
 #include "engine/apply.hpp"
 #include "engine/side.hpp"
@@ -24,7 +24,7 @@ constexpr std::int32_t kMarkShrink = 1;
   return (sign == '<' && own_roles) || (sign == '>' && opposite_roles);
 }
 
-[[nodiscard]] Status mark_remove(const Rule& rule, Side side, Node* node, const WordEntry& chosen) {
+[[nodiscard]] Status mark_remove(Session& session, const Rule& rule, Side side, Node* node, const WordEntry& chosen) {
   if (node == nullptr || node->candidates == nullptr) return Status::ok;
   WordEntry& word = *node->candidates;
   std::string_view attrs = text_or_empty(word.attrs);
@@ -36,30 +36,31 @@ constexpr std::int32_t kMarkShrink = 1;
   if (attrs.starts_with(',')) attrs.remove_prefix(1);
   // wanted: the length falls by less than the mark had, and by less than it grew.
   const std::int32_t length = word.attr_len - chosen.id_len - kMarkShrink;
-  const Status status = entry_attrs_set(word, attrs);
+  const Status status = entry_attrs_set(session, word, attrs);
   if (status == Status::ok) word.attr_len = length;
   return status;
 }
 
 }  // namespace
 
-Status role_mark_add(const Rule& rule, Node* lnode, Node* rnode, const WordEntry& chosen) {
+Status role_mark_add(Session& session, const Rule& rule, Node* lnode, Node* rnode, const WordEntry& chosen) {
   if (has_brace_patterns(rule)) return Status::ok;
   const Side side = rule.lnode->inserted != 0 ? Side::left : Side::right;
   Node* node = side == Side::left ? lnode : rnode;
-  if (node == nullptr || node->candidates == nullptr) return rule_base_failure("marked a choice on an empty place");
+  if (node == nullptr || node->candidates == nullptr)
+    return rule_base_failure(session, "marked a choice on an empty place");
   WordEntry& word = *node->candidates;
   const std::string_view id = text_or_empty(chosen.id);
   Scratch<kAttrLimit + 4> mark;
   mark.append(pattern_of(rule, side).roles != nullptr ? '<' : '>').append(id).append(',');
-  const Status status = entry_attrs_prefix(word, mark.view());
+  const Status status = entry_attrs_prefix(session, word, mark.view());
   if (status == Status::ok) word.attr_len += chosen.id_len + kMarkGrowth;
   return status;
 }
 
-Status role_mark_remove(const Rule& rule, Node* lnode, Node* rnode, const WordEntry& chosen) {
-  if (const Status status = mark_remove(rule, Side::left, lnode, chosen); status != Status::ok) return status;
-  return mark_remove(rule, Side::right, rnode, chosen);
+Status role_mark_remove(Session& session, const Rule& rule, Node* lnode, Node* rnode, const WordEntry& chosen) {
+  if (const Status status = mark_remove(session, rule, Side::left, lnode, chosen); status != Status::ok) return status;
+  return mark_remove(session, rule, Side::right, rnode, chosen);
 }
 
 }  // namespace lexon

@@ -10,8 +10,7 @@
 #include "data/chain.hpp"
 #include "data/nodes.hpp"
 #include "data/scratch.hpp"
-#include "data/sentence.hpp"
-#include "data/state.hpp"
+#include "data/session.hpp"
 #include "data/words.hpp"
 #include "engine/candidate_pin.hpp"
 #include "engine/trace.hpp"
@@ -87,100 +86,102 @@ void attrs_hand_in(const ScopeEntry& scope) {
   earlier_additions_hand_in(scope, attrs, separator);
 }
 
-void entry_trace(const ScopeEntry& scope, const RuleCandidate& candidate) {
-  trace_rule_applied(candidate);
-  trace_rule_end();
-  trace_scope_entered(scope.side, scope.row.number);
+void entry_trace(Session& session, const ScopeEntry& scope, const RuleCandidate& candidate) {
+  trace_rule_applied(session, candidate);
+  trace_rule_end(session);
+  trace_scope_entered(session, scope.side, scope.row.number);
 }
 
 // wanted: what stands in the current row when the scope ends counts. A return into deeper scopes can have left one of
 // theirs in force.
-[[nodiscard]] Status scope_finished(const Node* ref) {
-  const ScopeRow& row = current_scope();
+[[nodiscard]] Status scope_finished(Session& session, const Node* ref) {
+  const ScopeRow& row = current_scope(session);
   const bool have_words =
       ref != nullptr && ref->candidates != nullptr && row.entry != nullptr && row.entry->candidates != nullptr;
-  if (!have_words) return rule_base_failure("finished a scope without a word");
+  if (!have_words) return rule_base_failure(session, "finished a scope without a word");
   WordEntry& word = *ref->candidates;
   std::string_view own = text_or_empty(word.attrs);
   if (const std::size_t at = own.find(kOwnBehind); at != std::string_view::npos) {
     own.remove_prefix(at + kOwnBehind.size());
   }
-  if (const Status status = reference_attrs_join(word, own, *row.entry->candidates); status != Status::ok)
+  if (const Status status = reference_attrs_join(session, word, own, *row.entry->candidates); status != Status::ok)
     return status;
-  trace_indent_shrink();
-  trace_scope_finished(row.number);
+  trace_indent_shrink(session);
+  trace_scope_finished(session, row.number);
   return Status::ok;
 }
 
-[[nodiscard]] Status scope_failed(Side side, Status generated) {
-  const ScopeRow& row = current_scope();
-  trace_indent_shrink();
-  trace_scope_failed(side, row.number);
+[[nodiscard]] Status scope_failed(Session& session, Side side, Status generated) {
+  const ScopeRow& row = current_scope(session);
+  trace_indent_shrink(session);
+  trace_scope_failed(session, side, row.number);
   if (row.entry != nullptr) block_cut(row.entry->scope_attrs);
   return generated;
 }
 
 // A scope that the table does not know can lead back into the list of the window itself, and undo what stands there.
-[[nodiscard]] Status scope_generate(Node* entry, Window& window, const RuleCandidate& candidate) {
-  const PlaceWatch watch(window.lnode, window.rnode);
+[[nodiscard]] Status scope_generate(Session& session, Node* entry, Window& window, const RuleCandidate& candidate) {
+  const PlaceWatch watch(session, window.lnode, window.rnode);
   const CandidatePin pin(&candidate);
-  return generate_scope(entry, true);
+  return generate_scope(session, entry, true);
 }
 
 // Does this side of the rule enter the scope of its node?
-[[nodiscard]] bool enters_scope(Side side, const Window& window, const Rule& rule) {
+[[nodiscard]] bool enters_scope(Session& session, Side side, const Window& window, const Rule& rule) {
   const Node* node = node_of(window, side);
   const bool is_own_reference = node != nullptr && is_scope_reference(*node) && node->origin == nullptr;
   if (!is_own_reference || rule.type != rule_type::insertion) return false;
   if (pattern_of(rule, side).inserted != 0) return true;
-  return pattern_of(rule, other(side)).inserted == 0 && scope_is_built(node->scope) == 0;
+  return pattern_of(rule, other(side)).inserted == 0 && scope_is_built(session, node->scope) == 0;
 }
 
 }  // namespace
 
-int scope_row_find(int scope) {
-  for (std::int32_t row = 1; row < sentence.semlst_count && row < kMaxScopes; ++row) {
-    if (sentence.semlst[static_cast<std::size_t>(row)].number == scope) return row;
+int scope_row_find(Session& session, int scope) {
+  for (std::int32_t row = 1; row < session.sentence.semlst_count && row < kMaxScopes; ++row) {
+    if (session.sentence.semlst[static_cast<std::size_t>(row)].number == scope) return row;
   }
   return 0;
 }
 
-std::optional<Side> scope_to_enter(const Window& window, const Rule& rule) {
+std::optional<Side> scope_to_enter(Session& session, const Window& window, const Rule& rule) {
   for (const Side side : {Side::right, Side::left}) {
-    if (enters_scope(side, window, rule)) return side;
+    if (enters_scope(session, side, window, rule)) return side;
   }
   return std::nullopt;
 }
 
-ScopeResult scope_enter(Side side, Window& window, const RuleCandidate& candidate, std::int32_t& home_scope) {
+ScopeResult scope_enter(Session& session, Side side, Window& window, const RuleCandidate& candidate,
+                        std::int32_t& home_scope) {
   Node& ref = *node_of(window, side);
-  home_scope = state.semlst_cur;
+  home_scope = session.state.semlst_cur;
   // A scope that the table does not know leaves the current one in force.
-  if (const int found = scope_row_find(ref.scope); found != 0) state.semlst_cur = found;
-  ScopeRow& row = current_scope();
+  if (const int found = scope_row_find(session, ref.scope); found != 0) session.state.semlst_cur = found;
+  ScopeRow& row = current_scope(session);
   const bool can_enter = row.entry != nullptr && ref.candidates != nullptr;
-  if (!can_enter) return {rule_base_failure("entered a scope without an entry"), false};
+  if (!can_enter) return {rule_base_failure(session, "entered a scope without an entry"), false};
   const ScopeEntry scope{side, ref, pattern_of(*candidate.rule, side), row};
-  entry_trace(scope, candidate);
-  if (!trace_indent_grow()) return {state.abort = Status::memory, false};
+  entry_trace(session, scope, candidate);
+  if (!trace_indent_grow(session)) return {session.state.abort = Status::memory, false};
   attrs_hand_in(scope);
-  const Status generated = scope_generate(row.entry, window, candidate);
+  const Status generated = scope_generate(session, row.entry, window, candidate);
   // A stopped or lost sentence prints nothing more.
-  if (const Status status = must_leave(); status != Status::ok) return {status, false};
+  if (const Status status = must_leave(session); status != Status::ok) return {status, false};
   const bool has_failed = generated != Status::ok;
-  const Status status = has_failed ? scope_failed(side, generated) : scope_finished(node_of(window, side));
-  state.semlst_cur = home_scope;
+  const Status status =
+      has_failed ? scope_failed(session, side, generated) : scope_finished(session, node_of(window, side));
+  session.state.semlst_cur = home_scope;
   return {status, has_failed};
 }
 
-Status reference_attrs_join(WordEntry& word, std::string_view own, const WordEntry& entry_word) {
+Status reference_attrs_join(Session& session, WordEntry& word, std::string_view own, const WordEntry& entry_word) {
   Scratch<kAttrLimit + 1> inner;
   inner.append(text_or_empty(entry_word.attrs));
   attr_erase(inner.c_str(), "@entry");
   Scratch<kAttrLimit + 1> text;
   text.append(own).append(',').append(inner.c_str());
   const std::int32_t old_length = word.attr_len;
-  if (const Status status = entry_attrs_set(word, text.view()); status != Status::ok) return status;
+  if (const Status status = entry_attrs_set(session, word, text.view()); status != Status::ok) return status;
   word.attr_block_size += word.attr_len - old_length;
   word.total_size += word.attr_len - old_length;
   return Status::ok;

@@ -12,11 +12,13 @@
 
 namespace lexon {
 
+struct Session;
+
 // The index of a scope in the scope table, or 0.
-[[nodiscard]] int scope_row_find(int scope);
+[[nodiscard]] int scope_row_find(Session& session, int scope);
 
 // The place of the window whose scope the rule enters, if any. The right place is asked first.
-[[nodiscard]] std::optional<Side> scope_to_enter(const Window& window, const Rule& rule);
+[[nodiscard]] std::optional<Side> scope_to_enter(Session& session, const Window& window, const Rule& rule);
 
 struct ScopeResult {
   Status status;
@@ -25,11 +27,12 @@ struct ScopeResult {
 
 // Generates the scope of the reference at this place. After ok the reference's word holds what the scope's entry word
 // brought. Leaves `home_scope` on the outer scope.
-[[nodiscard]] ScopeResult scope_enter(Side side, Window& window, const RuleCandidate& candidate,
+[[nodiscard]] ScopeResult scope_enter(Session& session, Side side, Window& window, const RuleCandidate& candidate,
                                       std::int32_t& home_scope);
 
 // The attributes of the reference's word become `own`, a comma and the attributes of the scope's entry word without
 // "@entry". `own` may lie in the old attributes. The word's sizes follow.
-[[nodiscard]] Status reference_attrs_join(WordEntry& word, std::string_view own, const WordEntry& entry_word);
+[[nodiscard]] Status reference_attrs_join(Session& session, WordEntry& word, std::string_view own,
+                                          const WordEntry& entry_word);
 
 }  // namespace lexon

@@ -17,8 +17,7 @@
 #include "data/output.hpp"
 #include "data/pool.hpp"
 #include "data/scratch.hpp"
-#include "data/sentence.hpp"
-#include "data/state.hpp"
+#include "data/session.hpp"
 #include "data/words.hpp"
 #include "engine/apply.hpp"
 #include "engine/backtrack.hpp"
@@ -46,30 +45,33 @@ struct Return {
 };
 
 // Steps 1 and 2. The left node is asked first.
-[[nodiscard]] std::optional<Side> reference_side(const Window& window, const RuleCandidate* candidate) {
+[[nodiscard]] std::optional<Side> reference_side(Session& session, const Window& window,
+                                                 const RuleCandidate* candidate) {
   if (candidate == nullptr || candidate->rule->type != rule_type::insertion) return std::nullopt;
   for (const Side side : {Side::left, Side::right}) {
-    if (may_re_enter_scope(node_of(window, side), pattern_of(*candidate->rule, side), *candidate->rule)) return side;
+    if (may_re_enter_scope(session, node_of(window, side), pattern_of(*candidate->rule, side), *candidate->rule))
+      return side;
   }
   return std::nullopt;
 }
 
 // Step 3.
-[[nodiscard]] Status reference_attrs_reset(Node& reference) {
-  if (reference.candidates == nullptr) return rule_base_failure("went back into a scope whose reference has no word");
+[[nodiscard]] Status reference_attrs_reset(Session& session, Node& reference) {
+  if (reference.candidates == nullptr)
+    return rule_base_failure(session, "went back into a scope whose reference has no word");
   WordEntry& word = *reference.candidates;
   Scratch<kAttrLimit + 8> attrs;
   attrs.append(text_or_empty(head_text(reference))).append(",SCOPE");
   const std::int32_t length = word.attr_len;
-  const Status status = entry_attrs_set(word, attrs.view());
+  const Status status = entry_attrs_set(session, word, attrs.view());
   word.attr_len = length;  // wanted: no size of the word follows
   return status;
 }
 
 // Step 7: the scope's blocks in front. The last node of the list is the result, null without a list.
-[[nodiscard]] Node* scope_attrs_turn(Node* entry, int scope) {
+[[nodiscard]] Node* scope_attrs_turn(Session& session, Node* entry, int scope) {
   Node* last = nullptr;
-  for (Node* node = list_first(entry); node != nullptr && must_leave() == Status::ok; node = node->right) {
+  for (Node* node = list_first(entry); node != nullptr && must_leave(session) == Status::ok; node = node->right) {
     if (!is_boundary(*node)) scope_attrs_to_front(*node, scope);
     last = node;
   }
@@ -77,13 +79,13 @@ struct Return {
 }
 
 // Steps 5 to 8.
-[[nodiscard]] Status inner_place_set(Return& back) {
-  if (!trace_indent_grow()) return state.abort = Status::memory;
-  trace_return_into_scope(current_scope().number);
-  Node* last = scope_attrs_turn(current_scope().entry, current_scope().number);
-  if (const Status status = must_leave(); status != Status::ok) return status;
+[[nodiscard]] Status inner_place_set(Session& session, Return& back) {
+  if (!trace_indent_grow(session)) return session.state.abort = Status::memory;
+  trace_return_into_scope(session, current_scope(session).number);
+  Node* last = scope_attrs_turn(session, current_scope(session).entry, current_scope(session).number);
+  if (const Status status = must_leave(session); status != Status::ok) return status;
   const bool was_finished = last != nullptr && is_boundary(*last) && !is_fresh(*last);
-  if (!was_finished) return rule_base_failure("went back into a scope that was not finished");
+  if (!was_finished) return rule_base_failure(session, "went back into a scope that was not finished");
   back.inner = {last, nullptr};
   back.inner_candidate = last->matches->candidate;
   return Status::ok;
@@ -94,161 +96,163 @@ struct Return {
 }
 
 // Step 9: undoes the inner list until there is something new to try.
-[[nodiscard]] Status inner_undo(Return& back) {
+[[nodiscard]] Status inner_undo(Session& session, Return& back) {
   for (;;) {
-    if (const Status status = must_leave(); status != Status::ok) return status;
-    Status status = backtrack(back.inner, back.inner_candidate, back.home_scope);
+    if (const Status status = must_leave(session); status != Status::ok) return status;
+    Status status = backtrack(session, back.inner, back.inner_candidate, back.home_scope);
     if (status == Status::nothing_left) {
       if (back.inner_candidate == nullptr || is_lost(back.inner)) return status;
-      trace_return_to_inner_scope();
-      status = back_into_scope(back.inner, back.inner_candidate, back.home_scope);
+      trace_return_to_inner_scope(session);
+      status = back_into_scope(session, back.inner, back.inner_candidate, back.home_scope);
       // The search went on inside and has undone what the window stood on: its result is final.
       if (is_lost(back.inner)) return status;
     }
     if (is_failure(status)) return status;
-    if (state.forced_node == nullptr && status == Status::ok) return status;
+    if (session.state.forced_node == nullptr && status == Status::ok) return status;
   }
 }
 
 // Steps 9 and 10.
-[[nodiscard]] Status inner_search(Return& back) {
-  const PlaceWatch outer_watch(back.outer.lnode, back.outer.rnode);
-  const PlaceWatch inner_watch(back.inner.lnode, back.inner.rnode);
-  if (const Status status = inner_undo(back); status != Status::ok || is_lost(back.inner)) return status;
+[[nodiscard]] Status inner_search(Session& session, Return& back) {
+  const PlaceWatch outer_watch(session, back.outer.lnode, back.outer.rnode);
+  const PlaceWatch inner_watch(session, back.inner.lnode, back.inner.rnode);
+  if (const Status status = inner_undo(session, back); status != Status::ok || is_lost(back.inner)) return status;
   const CandidatePin pin(back.inner_candidate);
-  return engine_loop(back.inner_candidate, back.inner, back.home_scope);
+  return engine_loop(session, back.inner_candidate, back.inner, back.home_scope);
 }
 
 // 11.2
-[[nodiscard]] Status solution_attrs_set(const Return& back) {
+[[nodiscard]] Status solution_attrs_set(Session& session, const Return& back) {
   const Node* reference = node_of(back.outer, back.side);
-  const Node* entry = current_scope().entry;
+  const Node* entry = current_scope(session).entry;
   const bool has_words =
       reference != nullptr && reference->candidates != nullptr && entry != nullptr && entry->candidates != nullptr;
-  if (!has_words) return rule_base_failure("finished a scope without a word");
+  if (!has_words) return rule_base_failure(session, "finished a scope without a word");
   WordEntry& word = *reference->candidates;
-  return reference_attrs_join(word, text_or_empty(word.attrs), *entry->candidates);
+  return reference_attrs_join(session, word, text_or_empty(word.attrs), *entry->candidates);
 }
 
 // 11.4 and 11.5
-[[nodiscard]] Status outer_apply(Return& back, RuleCandidate*& candidate) {
-  if (is_lost(back.outer)) return rule_base_failure("went back into a scope from an empty place");
+[[nodiscard]] Status outer_apply(Session& session, Return& back, RuleCandidate*& candidate) {
+  if (is_lost(back.outer)) return rule_base_failure(session, "went back into a scope from an empty place");
   for (Node* node : {back.outer.lnode, back.outer.rnode}) {
-    if (const Status status = match_record_push(*node, kStateStep, &back.candidate); status != Status::ok)
+    if (const Status status = match_record_push(session, *node, kStateStep, &back.candidate); status != Status::ok)
       return status;
   }
-  return apply_rule(back.outer, candidate, &back.home_scope);
+  return apply_rule(session, back.outer, candidate, &back.home_scope);
 }
 
 // Step 11.
-[[nodiscard]] Status solution_take(Return& back) {
-  trace_indent_shrink();
-  trace_return_finished(current_scope().number);
-  if (const Status status = solution_attrs_set(back); status != Status::ok) return status;
-  state.semlst_cur = back.home_scope;
+[[nodiscard]] Status solution_take(Session& session, Return& back) {
+  trace_indent_shrink(session);
+  trace_return_finished(session, current_scope(session).number);
+  if (const Status status = solution_attrs_set(session, back); status != Status::ok) return status;
+  session.state.semlst_cur = back.home_scope;
   RuleCandidate* candidate = &back.candidate;
-  if (const Status status = outer_apply(back, candidate); status != Status::ok) {
+  if (const Status status = outer_apply(session, back, candidate); status != Status::ok) {
     back.caller = back.outer;
     return status;
   }
-  return engine_loop(rule_candidates(back.outer.lnode, back.outer.rnode), back.outer, back.home_scope);
+  return engine_loop(session, rule_candidates(session, back.outer.lnode, back.outer.rnode), back.outer,
+                     back.home_scope);
 }
 
 // 12.3: the reference is left with its first word as it was read.
-[[nodiscard]] Status reference_reset(Node& reference) {
-  entry_list_free(reference.candidates);
-  return reference.entries == nullptr ? Status::ok : entry_copy(*reference.entries, reference.candidates);
+[[nodiscard]] Status reference_reset(Session& session, Node& reference) {
+  entry_list_free(session, reference.candidates);
+  return reference.entries == nullptr ? Status::ok : entry_copy(session, *reference.entries, reference.candidates);
 }
 
 // 12.4: a copy that stood for the entry node goes, and the node itself starts the scope again.
-[[nodiscard]] Status entry_reset() {
-  Node* entry = current_scope().entry;
-  if (entry->origin == nullptr) return node_words_reload(*entry);
-  scope_entries_hand_over(*entry, entry->origin);
-  node_unlink_free(entry);
+[[nodiscard]] Status entry_reset(Session& session) {
+  Node* entry = current_scope(session).entry;
+  if (entry->origin == nullptr) return node_words_reload(session, *entry);
+  scope_entries_hand_over(session, *entry, entry->origin);
+  node_unlink_free(session, entry);
   return Status::ok;
 }
 
 // 12.7
-[[nodiscard]] Status outer_place_set(Return& back) {
+[[nodiscard]] Status outer_place_set(Session& session, Return& back) {
   if (back.candidate.rule->mid == nullptr) return Status::ok;
   // wanted: the place is that of the inner search.
   const RuleCandidate* inner = back.inner_candidate;
-  const bool has_place = inner != nullptr && stands_in_list_of(back.inner.lnode, inner->lnode);
-  if (!has_place) return rule_base_failure("lost the place of a rule with MID");
+  const bool has_place = inner != nullptr && stands_in_list_of(session, back.inner.lnode, inner->lnode);
+  if (!has_place) return rule_base_failure(session, "lost the place of a rule with MID");
   back.outer = {inner->lnode, back.inner.lnode->right};
   return Status::ok;
 }
 
 // 12.2 to 12.7: the scope and the rule that brought it in are undone.
-[[nodiscard]] Status scope_undo(Return& back) {
-  const PlaceWatch inner_watch(back.inner.lnode, back.inner.rnode);
+[[nodiscard]] Status scope_undo(Session& session, Return& back) {
+  const PlaceWatch inner_watch(session, back.inner.lnode, back.inner.rnode);
   Node* reference = node_of(back.outer, back.side);
-  if (reference == nullptr || current_scope().entry == nullptr)
-    return rule_base_failure("lost the scope that it undid");
-  hold_take(current_scope().entry);
-  if (const Status status = reference_reset(*reference); status != Status::ok) return status;
-  if (const Status status = entry_reset(); status != Status::ok) return status;
-  state.semlst_cur = back.home_scope;
-  if (const Status status = inserted_undo(*back.candidate.rule, back.outer); status != Status::ok) return status;
-  return outer_place_set(back);
+  if (reference == nullptr || current_scope(session).entry == nullptr)
+    return rule_base_failure(session, "lost the scope that it undid");
+  hold_take(session, current_scope(session).entry);
+  if (const Status status = reference_reset(session, *reference); status != Status::ok) return status;
+  if (const Status status = entry_reset(session); status != Status::ok) return status;
+  session.state.semlst_cur = back.home_scope;
+  if (const Status status = inserted_undo(session, *back.candidate.rule, back.outer); status != Status::ok)
+    return status;
+  return outer_place_set(session, back);
 }
 
 // 12.9 and 12.10: the other place of the window goes to its next word, for the same rule again. Without one it gets
 // all words back, for the next rule.
-[[nodiscard]] Status opposite_word_change(Side opposite, Node& node, RuleCandidate*& candidate) {
-  trace_next_entry(opposite, 1);
-  entry_drop_head(node.candidates);
+[[nodiscard]] Status opposite_word_change(Session& session, Side opposite, Node& node, RuleCandidate*& candidate) {
+  trace_next_entry(session, opposite, 1);
+  entry_drop_head(session, node.candidates);
   if (node.candidates != nullptr) return Status::ok;
-  trace_no_next_entry(opposite);
+  trace_no_next_entry(session, opposite);
   candidate = candidate->next;
-  return node_words_reload(node);
+  return node_words_reload(session, node);
 }
 
 // Step 12.
-[[nodiscard]] Status scope_give_up(Return& back) {
-  trace_indent_shrink();
-  trace_return_failed(current_scope().number);
-  if (const Status status = scope_undo(back); status != Status::ok) return status;
-  if (state.forced_node != nullptr) {
+[[nodiscard]] Status scope_give_up(Session& session, Return& back) {
+  trace_indent_shrink(session);
+  trace_return_failed(session, current_scope(session).number);
+  if (const Status status = scope_undo(session, back); status != Status::ok) return status;
+  if (session.state.forced_node != nullptr) {
     back.caller = back.outer;
     return Status::ok;
   }
   const Side opposite = other(back.side);
   Node* node = node_of(back.outer, opposite);
-  if (node == nullptr) return rule_base_failure("undid a scope beside an empty place");
+  if (node == nullptr) return rule_base_failure(session, "undid a scope beside an empty place");
   RuleCandidate* candidate = &back.candidate;
   const bool same_rule_may_go_on = pattern_of(*candidate->rule, back.side).inserted != 0 && is_fresh(*node);
   if (!same_rule_may_go_on) {
     candidate = candidate->next;
-  } else if (const Status status = opposite_word_change(opposite, *node, candidate); status != Status::ok) {
+  } else if (const Status status = opposite_word_change(session, opposite, *node, candidate); status != Status::ok) {
     return status;
   }
-  return engine_loop(candidate, back.outer, back.home_scope);
+  return engine_loop(session, candidate, back.outer, back.home_scope);
 }
 
 }  // namespace
 
-Status back_into_scope(Window& window, RuleCandidate*& candidate, std::int32_t& home_scope) {
-  if (stack_nearly_used()) return Status::memory;
-  const std::optional<Side> side = reference_side(window, candidate);
+Status back_into_scope(Session& session, Window& window, RuleCandidate*& candidate, std::int32_t& home_scope) {
+  if (stack_nearly_used(session)) return Status::memory;
+  const std::optional<Side> side = reference_side(session, window, candidate);
   if (!side.has_value()) {
-    if (state.semlst_cur == 0) trace_search_taken_as_finished();
+    if (session.state.semlst_cur == 0) trace_search_taken_as_finished(session);
     return Status::ok;
   }
   Node& reference = *node_of(window, *side);
-  if (const Status status = reference_attrs_reset(reference); status != Status::ok) return status;
-  home_scope = state.semlst_cur;
-  const int row = scope_row_find(reference.scope);
+  if (const Status status = reference_attrs_reset(session, reference); status != Status::ok) return status;
+  home_scope = session.state.semlst_cur;
+  const int row = scope_row_find(session, reference.scope);
   if (row == 0) return Status::ok;
-  state.semlst_cur = row;
+  session.state.semlst_cur = row;
   const CandidatePin pin(candidate);
   Return back{window, *candidate, home_scope, *side, window, {nullptr, nullptr}, nullptr};
-  if (const Status status = inner_place_set(back); status != Status::ok) return status;
-  const Status searched = inner_search(back);
-  if (const Status status = must_leave(); status != Status::ok) return status;
+  if (const Status status = inner_place_set(session, back); status != Status::ok) return status;
+  const Status searched = inner_search(session, back);
+  if (const Status status = must_leave(session); status != Status::ok) return status;
   if (is_failure(searched)) return searched;
-  return searched == Status::ok ? solution_take(back) : scope_give_up(back);
+  return searched == Status::ok ? solution_take(session, back) : scope_give_up(session, back);
 }
 
 }  // namespace lexon

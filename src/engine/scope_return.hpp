@@ -9,8 +9,11 @@
 
 namespace lexon {
 
+struct Session;
+
 // Re-enters the scope that the candidate's rule brought in, and searches on. Returns what the nested loops return; ok
 // as well when the candidate brought in no scope.
-[[nodiscard]] Status back_into_scope(Window& window, RuleCandidate*& candidate, std::int32_t& home_scope);
+[[nodiscard]] Status back_into_scope(Session& session, Window& window, RuleCandidate*& candidate,
+                                     std::int32_t& home_scope);
 
 }  // namespace lexon

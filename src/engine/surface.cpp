@@ -3,6 +3,7 @@
 #include <cstring>
 
 #include "data/chain.hpp"
+#include "data/session.hpp"
 #include "data/words.hpp"
 #include "engine/trace.hpp"
 
@@ -51,7 +52,7 @@ bool test_surface(const Node* node, const WordEntry* word, const CondItem* hw_co
   return true;
 }
 
-bool attr_room_ok(Side side, const Rule& rule, const Window& window) {
+bool attr_room_ok(Session& session, Side side, const Rule& rule, const Window& window) {
   const WordEntry* word = word_in_force(node_of(window, side));
   const WordEntry* other_word = word_in_force(node_of(window, other(side)));
   std::int64_t length = word == nullptr ? 0 : word->attr_len;
@@ -63,7 +64,7 @@ bool attr_room_ok(Side side, const Rule& rule, const Window& window) {
     if (takes_both_actions && action.op == kOpAdd) length += static_cast<std::int64_t>(std::strlen(action.text)) + 1;
   }
   if (length < kAttrLimit) return true;
-  trace_attrs_too_long(rule);
+  trace_attrs_too_long(session, rule);
   return false;
 }
 

@@ -8,6 +8,8 @@
 
 namespace lexon {
 
+struct Session;
+
 // Has the word this surface form and this concept word? A null text is not asked for. The surface form counts as
 // fitting if `node` (may be null) holds words of a class.
 [[nodiscard]] bool test_surface_one(const Node* node, const WordEntry& word, const char* hw, const char* cw);
@@ -17,6 +19,6 @@ namespace lexon {
                                 const CondItem* cw_conds);
 
 // Do the additions of the rule's pattern of this side stay within the limit of an attribute string? Traced if not.
-[[nodiscard]] bool attr_room_ok(Side side, const Rule& rule, const Window& window);
+[[nodiscard]] bool attr_room_ok(Session& session, Side side, const Rule& rule, const Window& window);
 
 }  // namespace lexon

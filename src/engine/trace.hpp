@@ -10,90 +10,93 @@
 
 namespace lexon {
 
+struct Session;
+
 // ---- Printers of the engine's state. They print at every level: callers test it, or use the traces below.
 
 // The list and the two nodes of the window. `with_words` shows the word lists of fresh nodes in full.
 // Printing can change the list: a node without words is taken out.
-void dump_list(const Window& window, bool with_words);
+void dump_list(Session& session, const Window& window, bool with_words);
 
 // The list in one line with the two places marked; either may be null. A node without words is taken out.
-void print_list_line(const Window& window);
+void print_list_line(Session& session, const Window& window);
 
 // The word in force (`one`), or the words that are open. Null, or a node without words, prints nothing.
-void dump_node(const Node* node, bool one);
+void dump_node(Session& session, const Node* node, bool one);
 
 // The rules behind the applied one, but for those of post-edit. `list` may be null.
-void print_other_rules(const RuleCandidate* list);
+void print_other_rules(Session& session, const RuleCandidate* list);
 
 // ---- Level 2: lists and applied rules.
 
 // `dump_list` at level 2.
-void trace_list(const Window& window, bool with_words);
+void trace_list(Session& session, const Window& window, bool with_words);
 
 // The banner of an application and its rule; from level 4 on the rules behind it, but not for a post-edit rule.
-void trace_rule_applied(const RuleCandidate& candidate);
+void trace_rule_applied(Session& session, const RuleCandidate& candidate);
 // The line of "=" that closes the banner.
-void trace_rule_end();
-void trace_rule_end_flushed();
+void trace_rule_end(Session& session);
+void trace_rule_end_flushed(Session& session);
 
 // A ">>>>>" line for a place of the window, and its word in force.
-void trace_result_node(Side side, bool inserted, const Node* node);
-void trace_copied_node(const Node* copy);
-void trace_shifted_node(Side side, const Node* node);
+void trace_result_node(Session& session, Side side, bool inserted, const Node* node);
+void trace_copied_node(Session& session, const Node* copy);
+void trace_shifted_node(Session& session, Side side, const Node* node);
 
 // The two lines on the way to backtracking, flushed: a rule was refused (`has_candidate`), or none was left.
-void trace_to_backtrack(bool has_candidate);
+void trace_to_backtrack(Session& session, bool has_candidate);
 
 // "No Matched Word!" for the marked node of this side.
-void trace_no_matched_word(Side side);
+void trace_no_matched_word(Session& session, Side side);
 
 // ---- Level 2: scopes.
 
-void trace_scope_entered(Side side, int scope);  // flushed
-void trace_scope_failed(Side side, int scope);   // "#1" for the right, "#2" for the left side
-void trace_scope_finished(int scope);            // "<<=="
-void trace_return_into_scope(int scope);         // "backtrack into", flushed
-void trace_return_finished(int scope);           // "backtrack <<=="
-void trace_return_failed(int scope);             // "#3"
-void trace_post_edit_entered(int scope);
-void trace_post_edit_finished(int scope);
+void trace_scope_entered(Session& session, Side side, int scope);  // flushed
+void trace_scope_failed(Session& session, Side side, int scope);   // "#1" for the right, "#2" for the left side
+void trace_scope_finished(Session& session, int scope);            // "<<=="
+void trace_return_into_scope(Session& session, int scope);         // "backtrack into", flushed
+void trace_return_finished(Session& session, int scope);           // "backtrack <<=="
+void trace_return_failed(Session& session, int scope);             // "#3"
+void trace_post_edit_entered(Session& session, int scope);
+void trace_post_edit_finished(Session& session, int scope);
 
 // ---- At every level.
 
 // A finished scope inside the one that is being undone is gone back into. Flushed.
-void trace_return_to_inner_scope();
+void trace_return_to_inner_scope(Session& session);
 // A search that ran out counts as finished. No indent.
-void trace_search_taken_as_finished();
+void trace_search_taken_as_finished(Session& session);
 
 // ---- Level 3: matching.
 
 // The additions of `rule` would make the attributes longer than the limit: the message, flushed, and the rule.
-void trace_attrs_too_long(const Rule& rule);
+void trace_attrs_too_long(Session& session, const Rule& rule);
 
 // ---- Level 3: backtracking. The numbers are part of the format: they name the branch.
 
 // The three banners, with the rule and both nodes.
-void trace_backtrack_0(const RuleCandidate& candidate, const Window& window);     // flushed at the end
-void trace_backtrack_1(const RuleCandidate& candidate, const Window& window);     // flushed line by line
-void trace_backtrack_pair(const RuleCandidate& candidate, const Window& window);  // of merges and exchanges
+void trace_backtrack_0(Session& session, const RuleCandidate& candidate, const Window& window);  // flushed at the end
+void trace_backtrack_1(Session& session, const RuleCandidate& candidate, const Window& window);  // flushed line by line
+void trace_backtrack_pair(Session& session, const RuleCandidate& candidate,
+                          const Window& window);  // of merges and exchanges
 
 // `dump_list` with words, unless a forced backtracking is under way.
-void trace_list_after_undo(const Window& window);
+void trace_list_after_undo(Session& session, const Window& window);
 
-void trace_next_rule(int number);
-void trace_next_entry(Side side, int number);
-void trace_next_entry_flushed(Side side, int number);
-void trace_clear_entries(Side side, int number);
-void trace_no_entry(Side side);       // "#2" stands in front for the left side
-void trace_no_next_entry(Side side);  // of a failed scope, and its "next rule" line
-void trace_ignore_rules();
-void trace_ignore_rules(int number);
+void trace_next_rule(Session& session, int number);
+void trace_next_entry(Session& session, Side side, int number);
+void trace_next_entry_flushed(Session& session, Side side, int number);
+void trace_clear_entries(Session& session, Side side, int number);
+void trace_no_entry(Session& session, Side side);       // "#2" stands in front for the left side
+void trace_no_next_entry(Session& session, Side side);  // of a failed scope, and its "next rule" line
+void trace_ignore_rules(Session& session);
+void trace_ignore_rules(Session& session, int number);
 
 // ---- Level 3: a forced backtracking ends.
 
-void trace_forced_ends();                 // another word is in force, or will be
-void trace_forced_ends_at_choice();       // by the next co-occurrence choice of the left side
-void trace_forced_ends_at_right_entry();  // at a word of an inserted right node
-void trace_forced_ends_in_window(Side side);
+void trace_forced_ends(Session& session);                 // another word is in force, or will be
+void trace_forced_ends_at_choice(Session& session);       // by the next co-occurrence choice of the left side
+void trace_forced_ends_at_right_entry(Session& session);  // at a word of an inserted right node
+void trace_forced_ends_in_window(Session& session, Side side);
 
 }  // namespace lexon

@@ -6,8 +6,7 @@
 #include "data/chain.hpp"
 #include "data/nodes.hpp"
 #include "data/output.hpp"
-#include "data/sentence.hpp"
-#include "data/state.hpp"
+#include "data/session.hpp"
 #include "data/words.hpp"
 #include "dict/entry_text.hpp"
 #include "engine/trace.hpp"
@@ -41,8 +40,8 @@ void append_node(std::string& line, const Node& node, Form form) {
 
 // The nodes from `node` up to, but not including, `end`. A node without words is an error in the list: it is taken
 // out, and the line goes on with its next part.
-void append_up_to(std::string& line, Node* node, const Node* end) {
-  for (; node != nullptr && node != end && must_leave() == Status::ok; node = node->right) {
+void append_up_to(Session& session, std::string& line, Node* node, const Node* end) {
+  for (; node != nullptr && node != end && must_leave(session) == Status::ok; node = node->right) {
     if (node->candidates == nullptr) {
       // Not released: the graph can still point at it.
       node_take_out(*node);
@@ -56,136 +55,137 @@ void append_marked(std::string& line, const Node* node) {
   if (node != nullptr && node->candidates != nullptr) append_node(line, *node, Form::bracket);
 }
 
-void append_tail(std::string& line, const Node* node) {
-  for (; node != nullptr && node->candidates != nullptr && must_leave() == Status::ok; node = node->right) {
+void append_tail(Session& session, std::string& line, const Node* node) {
+  for (; node != nullptr && node->candidates != nullptr && must_leave(session) == Status::ok; node = node->right) {
     append_node(line, *node, Form::plain);
   }
 }
 
-void print_word(const WordEntry* word) {
-  if (must_leave() == Status::stopped) return;
-  entry_print(state.output, word, state.trace_indent);
+void print_word(Session& session, const WordEntry* word) {
+  if (must_leave(session) == Status::stopped) return;
+  entry_print(session.output, word, session.state.trace_indent);
 }
 
-void print_words(const WordEntry* words) {
-  if (must_leave() == Status::stopped) return;
-  entry_list_print(state.output, words, state.trace_indent);
+void print_words(Session& session, const WordEntry* words) {
+  if (must_leave(session) == Status::stopped) return;
+  entry_list_print(session.output, words, session.state.trace_indent);
 }
 
 // The changed copies, and the word from which they came.
-void print_open_words(const Node& node) {
+void print_open_words(Session& session, const Node& node) {
   const WordEntry* word = node.candidates;
   for (const MatchRecord& record : chain<&MatchRecord::next>(node.matches)) {
     if (record.state == kStateStep || word == nullptr) continue;
-    print_word(word);
+    print_word(session, word);
     word = word->next;
   }
-  print_word(word);
+  print_word(session, word);
 }
 
 // The words of the entry nodes that a scope reference leads to, through references.
-void dump_scope_entries(int scope) {
+void dump_scope_entries(Session& session, int scope) {
   // References can run in a circle; no way through them is longer than the table.
-  for (int steps = sentence.semlst_count; steps > 0; --steps) {
-    const Node* entry = scope_entry_node(scope);
+  for (int steps = session.sentence.semlst_count; steps > 0; --steps) {
+    const Node* entry = scope_entry_node(session, scope);
     if (entry == nullptr) break;
     if (is_fresh(*entry)) {
-      out_print("%s-- candidates of scope entry-node --\n", state.trace_indent);
-      print_words(entry->candidates);
+      out_print(session, "%s-- candidates of scope entry-node --\n", session.state.trace_indent);
+      print_words(session, entry->candidates);
     } else {
-      out_print("%s-- entry of scope entry-node --\n", state.trace_indent);
-      print_word(entry->candidates);
+      out_print(session, "%s-- entry of scope entry-node --\n", session.state.trace_indent);
+      print_word(session, entry->candidates);
     }
     if (!is_scope_reference(*entry)) return;
     scope = entry->scope;
   }
-  if (state.trace_level > 1) out_print("%sNo @entry in Scope\n", state.trace_indent);
-  out_flush();
+  if (session.state.trace_level > 1) out_print(session, "%sNo @entry in Scope\n", session.state.trace_indent);
+  out_flush(session);
 }
 
 // What the graph says of the node in this scope; it is not merged into the word yet.
-void print_graph_attrs(const Node& node) {
-  if (const char* text = head_text(node); text != nullptr) out_print("%s%s\n", state.trace_indent, text);
+void print_graph_attrs(Session& session, const Node& node) {
+  if (const char* text = head_text(node); text != nullptr)
+    out_print(session, "%s%s\n", session.state.trace_indent, text);
 }
 
-void dump_left_place(const Node* lnode, bool with_words) {
-  out_print("%slnode >>>>>\n", state.trace_indent);
+void dump_left_place(Session& session, const Node* lnode, bool with_words) {
+  out_print(session, "%slnode >>>>>\n", session.state.trace_indent);
   const bool shows_open_words = with_words && (lnode == nullptr || is_fresh(*lnode));
-  if (shows_open_words) out_print("%s-- word candidates for lnode --\n", state.trace_indent);
-  dump_node(lnode, !shows_open_words);
+  if (shows_open_words) out_print(session, "%s-- word candidates for lnode --\n", session.state.trace_indent);
+  dump_node(session, lnode, !shows_open_words);
 }
 
-void dump_right_place(const Window& window, bool with_words) {
-  out_print("%srnode >>>>>\n", state.trace_indent);
-  out_flush();
+void dump_right_place(Session& session, const Window& window, bool with_words) {
+  out_print(session, "%srnode >>>>>\n", session.state.trace_indent);
+  out_flush(session);
   const Node* rnode = window.rnode;
   if (!with_words) {
-    dump_node(rnode, true);
+    dump_node(session, rnode, true);
     return;
   }
   if (rnode != nullptr && !is_fresh(*rnode)) {
     const Node* lnode = window.lnode;
-    if (lnode != nullptr && is_boundary(*lnode) && is_fresh(*lnode)) print_graph_attrs(*rnode);
-    dump_node(rnode, true);
+    if (lnode != nullptr && is_boundary(*lnode) && is_fresh(*lnode)) print_graph_attrs(session, *rnode);
+    dump_node(session, rnode, true);
     return;
   }
-  if (rnode != nullptr) print_graph_attrs(*rnode);
-  out_print("%s-- word candidates for rnode --\n", state.trace_indent);
-  dump_node(rnode, false);
+  if (rnode != nullptr) print_graph_attrs(session, *rnode);
+  out_print(session, "%s-- word candidates for rnode --\n", session.state.trace_indent);
+  dump_node(session, rnode, false);
 }
 
 }  // namespace
 
 // Collected first: of a sentence that is stopped meanwhile the line is not printed at all.
-void print_list_line(const Window& window) {
-  std::string line = state.trace_indent;
+void print_list_line(Session& session, const Window& window) {
+  std::string line = session.state.trace_indent;
   if (window.lnode != nullptr) {
     Node* first = list_first(window.lnode);
     if (first->left == first) {
-      out_print("%s", state.trace_indent);
-      dump_node(first, true);
-      out_print("%s;;lnode loop\n", state.trace_indent);
+      out_print(session, "%s", session.state.trace_indent);
+      dump_node(session, first, true);
+      out_print(session, "%s;;lnode loop\n", session.state.trace_indent);
       return;
     }
-    append_up_to(line, first, window.lnode);
+    append_up_to(session, line, first, window.lnode);
     append_marked(line, window.lnode);
-    append_up_to(line, window.lnode->right, window.rnode);
+    append_up_to(session, line, window.lnode->right, window.rnode);
   }
   append_marked(line, window.rnode);
-  if (window.rnode != nullptr) append_tail(line, window.rnode->right);
-  if (must_leave() != Status::stopped) out_print("%s/\n", line.c_str());
-  out_flush();
+  if (window.rnode != nullptr) append_tail(session, line, window.rnode->right);
+  if (must_leave(session) != Status::stopped) out_print(session, "%s/\n", line.c_str());
+  out_flush(session);
 }
 
-void dump_list(const Window& window, bool with_words) {
-  const int number = current_scope().number;
-  out_print("%s=================== NODE LIST:%02d ===================\n", state.trace_indent, number);
-  out_flush();
-  print_list_line(window);
-  out_flush();
-  out_print("%s====================================================\n", state.trace_indent);
-  dump_left_place(window.lnode, with_words);
-  dump_right_place(window, with_words);
+void dump_list(Session& session, const Window& window, bool with_words) {
+  const int number = current_scope(session).number;
+  out_print(session, "%s=================== NODE LIST:%02d ===================\n", session.state.trace_indent, number);
+  out_flush(session);
+  print_list_line(session, window);
+  out_flush(session);
+  out_print(session, "%s====================================================\n", session.state.trace_indent);
+  dump_left_place(session, window.lnode, with_words);
+  dump_right_place(session, window, with_words);
 }
 
-void dump_node(const Node* node, bool one) {
+void dump_node(Session& session, const Node* node, bool one) {
   if (node == nullptr || node->candidates == nullptr) return;
   if (one) {
-    print_word(node->candidates);
+    print_word(session, node->candidates);
   } else if (is_fresh(*node)) {
-    print_words(node->candidates);
+    print_words(session, node->candidates);
   } else {
-    print_open_words(*node);
+    print_open_words(session, *node);
   }
-  if (is_scope_reference(*node)) dump_scope_entries(node->scope);
+  if (is_scope_reference(*node)) dump_scope_entries(session, node->scope);
 }
 
-void print_other_rules(const RuleCandidate* list) {
-  out_print("%s-- other applicable rules --\n", state.trace_indent);
+void print_other_rules(Session& session, const RuleCandidate* list) {
+  out_print(session, "%s-- other applicable rules --\n", session.state.trace_indent);
   for (const RuleCandidate& element : chain<&RuleCandidate::next>(list)) {
     if (is_post_edit_type(element.rule->type)) continue;
-    rule_print(element.rule, true);
-    out_flush();
+    rule_print(session, element.rule, true);
+    out_flush(session);
   }
 }
 

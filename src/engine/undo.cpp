@@ -7,8 +7,7 @@
 
 #include "data/chain.hpp"
 #include "data/nodes.hpp"
-#include "data/sentence.hpp"
-#include "data/state.hpp"
+#include "data/session.hpp"
 #include "data/words.hpp"
 #include "engine/apply.hpp"
 #include "engine/insertion.hpp"
@@ -18,74 +17,76 @@ namespace lexon {
 
 // ---- Records, places, holds, scopes.
 
-Status record_pop(Node* node) {
-  if (node == nullptr || is_fresh(*node)) return rule_base_failure("undid more steps than it has made");
-  match_record_pop(*node);
+Status record_pop(Session& session, Node* node) {
+  if (node == nullptr || is_fresh(*node)) return rule_base_failure(session, "undid more steps than it has made");
+  match_record_pop(session, *node);
   return Status::ok;
 }
 
-bool stands_in_list_of(Node* member, const Node* node) {
+bool stands_in_list_of(Session& session, Node* member, const Node* node) {
   if (member == nullptr || node == nullptr) return false;
-  for (const Node* at = member; at != nullptr && must_leave() == Status::ok; at = at->left) {
+  for (const Node* at = member; at != nullptr && must_leave(session) == Status::ok; at = at->left) {
     if (at == node) return true;
     if (at == at->left) return false;
   }
-  for (const Node* at = member->right; at != nullptr && must_leave() == Status::ok; at = at->right) {
+  for (const Node* at = member->right; at != nullptr && must_leave(session) == Status::ok; at = at->right) {
     if (at == node) return true;
   }
   return false;
 }
 
-Status to_noted_places(Window& window, const RuleCandidate& candidate) {
+Status to_noted_places(Session& session, Window& window, const RuleCandidate& candidate) {
   Node* member = window.lnode != nullptr ? window.lnode : window.rnode;
-  const bool has_both = stands_in_list_of(member, candidate.lnode) && stands_in_list_of(member, candidate.rnode);
-  if (!has_both) return rule_base_failure("lost the place of a rule with MID");
+  const bool has_both =
+      stands_in_list_of(session, member, candidate.lnode) && stands_in_list_of(session, member, candidate.rnode);
+  if (!has_both) return rule_base_failure(session, "lost the place of a rule with MID");
   window = {candidate.lnode, candidate.rnode};
   return Status::ok;
 }
 
-void node_unlink_release(Node& node) {
-  const bool is_known_to_others = node.name != nullptr || kind_bits(node) == kKindBoundary || is_scope_entry(node);
+void node_unlink_release(Session& session, Node& node) {
+  const bool is_known_to_others =
+      node.name != nullptr || kind_bits(node) == kKindBoundary || is_scope_entry(session, node);
   if (is_known_to_others) {
     node_take_out(node);
-    node_empty(node);
+    node_empty(session, node);
   } else {
     Node* released = &node;
-    node_unlink_free(released);
+    node_unlink_free(session, released);
   }
 }
 
-bool hold_take(Node* node, const Rule* of) {
+bool hold_take(Session& session, Node* node, const Rule* of) {
   if (node == nullptr || !is_held(*node)) return false;
   const RuleCandidate* holder = node->matches->candidate;
   if (of != nullptr && (holder == nullptr || holder->rule != of)) return false;
-  match_record_pop(*node);
+  match_record_pop(session, *node);
   node->matches = nullptr;
   return true;
 }
 
-bool hold_release(Node& reference) {
+bool hold_release(Session& session, Node& reference) {
   const bool was_used = !is_fresh(reference) && reference.matches->candidate != nullptr;
-  return was_used && hold_take(scope_final_node(reference.scope));
+  return was_used && hold_take(session, scope_final_node(session, reference.scope));
 }
 
-bool may_re_enter_scope(const Node* node, const NodePattern& pattern, const Rule& rule) {
+bool may_re_enter_scope(Session& session, const Node* node, const NodePattern& pattern, const Rule& rule) {
   if (node == nullptr || !is_scope_reference(*node)) return false;
   const bool was_brought_in = is_fresh(*node) && pattern.inserted != 0;
-  const bool is_entry = current_scope().entry == node;
+  const bool is_entry = current_scope(session).entry == node;
   return was_brought_in || (has_brace_patterns(rule) && is_entry && no_scope_rule_in_stack(node->matches));
 }
 
-void scope_entries_hand_over(const Node& node, Node* heir) {
-  for (std::int32_t row = 0; row < sentence.semlst_count; ++row) {
-    Node*& entry = sentence.semlst[static_cast<std::size_t>(row)].entry;
+void scope_entries_hand_over(Session& session, const Node& node, Node* heir) {
+  for (std::int32_t row = 0; row < session.sentence.semlst_count; ++row) {
+    Node*& entry = session.sentence.semlst[static_cast<std::size_t>(row)].entry;
     if (entry == &node) entry = heir;
   }
 }
 
-bool is_scope_entry(const Node& node) {
-  for (std::int32_t row = 0; row < sentence.semlst_count; ++row) {
-    if (sentence.semlst[static_cast<std::size_t>(row)].entry == &node) return true;
+bool is_scope_entry(Session& session, const Node& node) {
+  for (std::int32_t row = 0; row < session.sentence.semlst_count; ++row) {
+    if (session.sentence.semlst[static_cast<std::size_t>(row)].entry == &node) return true;
   }
   return false;
 }
@@ -96,45 +97,45 @@ namespace {
 
 // Pops the records of both places. A merge to the left side that changed the survivor's word has left the window one
 // place to the left of the merge node.
-void merge_records_pop(Window& window, std::uint8_t type) {
-  if (!is_fresh(*window.lnode)) match_record_pop(*window.lnode);
+void merge_records_pop(Session& session, Window& window, std::uint8_t type) {
+  if (!is_fresh(*window.lnode)) match_record_pop(session, *window.lnode);
   if (is_fresh(*window.rnode)) return;
   const MatchRecord& record = *window.rnode->matches;
   const bool is_merge_nodes = record.candidate != nullptr && record.state != kStateStep;
-  match_record_pop(*window.rnode);
+  match_record_pop(session, *window.rnode);
   if (type == rule_type::merge_right && is_merge_nodes) window = {window.rnode, window.rnode->right};
 }
 
 // Puts the two merged nodes back in the place of the merge node, and releases it. They are the window.
-[[nodiscard]] Window merge_node_dissolve(Node*& merged, std::uint8_t type) {
+[[nodiscard]] Window merge_node_dissolve(Session& session, Node*& merged, std::uint8_t type) {
   Node* source = merged->source;
   const Window restored =
       type == rule_type::merge_left ? Window{merged->merged_with, source} : Window{source, merged->merged_with};
   node_insert_before(*merged, *restored.lnode);
   node_insert_before(*merged, *restored.rnode);
   node_take_out(*merged);
-  entry_drop_head(merged->candidates);
+  entry_drop_head(session, merged->candidates);
   merged->candidates = nullptr;  // the rest is the source's
-  scope_entries_hand_over(*merged, source);
-  if (state.forced_node == merged) state.forced_node = source;
-  node_free(merged);
+  scope_entries_hand_over(session, *merged, source);
+  if (session.state.forced_node == merged) session.state.forced_node = source;
+  node_free(session, merged);
   return restored;
 }
 
 // The two nodes by which a rule without a step is taken to have been replaced.
-[[nodiscard]] Window nodes_before(const Node& copy, std::uint8_t type) {
+[[nodiscard]] Window nodes_before(Session& session, const Node& copy, std::uint8_t type) {
   Node* origin = copy.origin;
   const bool is_first = type == rule_type::plus || type == rule_type::less;
-  if (origin == nullptr || copy.merged_with != nullptr || is_scope_entry(copy)) return {nullptr, nullptr};
+  if (origin == nullptr || copy.merged_with != nullptr || is_scope_entry(session, copy)) return {nullptr, nullptr};
   return is_first ? Window{origin, origin->right} : Window{origin->left, origin};
 }
 
 // The copy's word and record. Its arcs stay: they hang on the origin's list as well.
-[[nodiscard]] Status replacing_copy_clear(Node& copy, std::uint8_t type) {
+[[nodiscard]] Status replacing_copy_clear(Session& session, Node& copy, std::uint8_t type) {
   const bool drops_always = type == rule_type::plus || type == rule_type::minus;
   const bool is_changed = !is_fresh(copy) && copy.matches->state == kStateChanged;
-  if (drops_always || is_changed) entry_drop_head(copy.candidates);
-  if (const Status status = record_pop(&copy); status != Status::ok) return status;
+  if (drops_always || is_changed) entry_drop_head(session, copy.candidates);
+  if (const Status status = record_pop(session, &copy); status != Status::ok) return status;
   copy.matches = nullptr;
   if (!drops_always) copy.relations = nullptr;
   return Status::ok;
@@ -142,29 +143,30 @@ void merge_records_pop(Window& window, std::uint8_t type) {
 
 }  // namespace
 
-Status merge_undo(Window& window, RuleCandidate*& candidate) {
+Status merge_undo(Session& session, Window& window, RuleCandidate*& candidate) {
   const std::uint8_t type = candidate->rule->type;
-  trace_backtrack_pair(*candidate, window);
-  if (window.lnode == nullptr || window.rnode == nullptr) return rule_base_failure("undid a merge at an empty place");
-  merge_records_pop(window, type);
+  trace_backtrack_pair(session, *candidate, window);
+  if (window.lnode == nullptr || window.rnode == nullptr)
+    return rule_base_failure(session, "undid a merge at an empty place");
+  merge_records_pop(session, window, type);
   Node* merged = type == rule_type::merge_right ? window.lnode : window.rnode;
   if (merged->source == nullptr || merged->merged_with == nullptr) return Status::no_effect;
-  window = merge_node_dissolve(merged, type);
+  window = merge_node_dissolve(session, merged, type);
   candidate = candidate->next;
   return Status::ok;
 }
 
-Status exchange_undo(Window& window, const RuleCandidate& candidate) {
-  trace_backtrack_pair(candidate, window);
+Status exchange_undo(Session& session, Window& window, const RuleCandidate& candidate) {
+  trace_backtrack_pair(session, candidate, window);
   if (candidate.rule->type != rule_type::exchange) return Status::no_effect;
   if (window.lnode == nullptr || window.rnode == nullptr)
-    return rule_base_failure("undid an exchange at an empty place");
+    return rule_base_failure(session, "undid an exchange at an empty place");
   Node& first = *window.rnode;
   Node* second = first.right;
   const bool can_exchange = second != nullptr && !is_fresh(*second);
-  if (!can_exchange) return rule_base_failure("undid an exchange whose nodes are not there");
+  if (!can_exchange) return rule_base_failure(session, "undid an exchange whose nodes are not there");
   for (Node* node : {window.lnode, &first, second}) {
-    if (const Status status = record_pop(node); status != Status::ok) return status;
+    if (const Status status = record_pop(session, node); status != Status::ok) return status;
   }
   node_take_out(*second);
   node_insert_before(first, *second);
@@ -172,19 +174,21 @@ Status exchange_undo(Window& window, const RuleCandidate& candidate) {
   return Status::ok;
 }
 
-Status stepless_undo(Window& window, const Rule& rule) {
-  if (window.lnode == nullptr || window.rnode == nullptr) return rule_base_failure("undid a rule at an empty place");
-  if (const Status status = record_pop(window.lnode); status != Status::ok) return status;
+Status stepless_undo(Session& session, Window& window, const Rule& rule) {
+  if (window.lnode == nullptr || window.rnode == nullptr)
+    return rule_base_failure(session, "undid a rule at an empty place");
+  if (const Status status = record_pop(session, window.lnode); status != Status::ok) return status;
   Node*& copy = window.rnode;
-  const Window before = nodes_before(*copy, rule.type);
+  const Window before = nodes_before(session, *copy, rule.type);
   // Both nodes must be out of the list: linked into it a second time, they would close it to a circle.
   const bool can_come_back = before.lnode != nullptr && before.rnode != nullptr &&
-                             !stands_in_list_of(copy, before.lnode) && !stands_in_list_of(copy, before.rnode);
-  if (!can_come_back) return rule_base_failure("undid a rule of a type that has no step");
-  if (const Status status = replacing_copy_clear(*copy, rule.type); status != Status::ok) return status;
+                             !stands_in_list_of(session, copy, before.lnode) &&
+                             !stands_in_list_of(session, copy, before.rnode);
+  if (!can_come_back) return rule_base_failure(session, "undid a rule of a type that has no step");
+  if (const Status status = replacing_copy_clear(session, *copy, rule.type); status != Status::ok) return status;
   node_insert_before(*copy, *before.lnode);
   node_insert_before(*copy, *before.rnode);
-  node_unlink_free(copy);
+  node_unlink_free(session, copy);
   window = before;
   return Status::ok;
 }
@@ -226,12 +230,12 @@ struct Insertion {
 }
 
 // The node's words afresh, as when it was read. A scope's entry node is not left without words.
-[[nodiscard]] Status node_reset(Node& node) {
-  if (const Status status = node_words_reload(node); status != Status::ok) return status;
+[[nodiscard]] Status node_reset(Session& session, Node& node) {
+  if (const Status status = node_words_reload(session, node); status != Status::ok) return status;
   unmark(node);
   if (!is_scope_reference(node)) return Status::ok;
-  Node* entry = scope_final_node(node.scope);
-  return entry != nullptr && entry->candidates == nullptr ? node_words_reload(*entry) : Status::ok;
+  Node* entry = scope_final_node(session, node.scope);
+  return entry != nullptr && entry->candidates == nullptr ? node_words_reload(session, *entry) : Status::ok;
 }
 
 // No arc may lead to a copy that is gone.
@@ -246,28 +250,28 @@ void arcs_give_back(Node& copy) {
 
 // Leaves the list. The neighbours are joined. A node of the graph is ready to be brought in again; a copy, a word from
 // the dictionary, and a node of which no arc says how it came in, are gone.
-void insertion_end(Node& inserted, bool is_reset) {
-  if (!is_reset) return node_unlink_release(inserted);
+void insertion_end(Session& session, Node& inserted, bool is_reset) {
+  if (!is_reset) return node_unlink_release(session, inserted);
   node_take_out(inserted);
   inserted.left = inserted.right = nullptr;
 }
 
-[[nodiscard]] Status insertion_undo(Insertion& insertion, const Rule& rule, Window& window) {
+[[nodiscard]] Status insertion_undo(Session& session, Insertion& insertion, const Rule& rule, Window& window) {
   Node& inserted = insertion.inserted;
   Relation* arc = arc_find(insertion, rule);
   const bool is_reset = arc != nullptr && inserted.origin == nullptr;
   // A merge node's words are those of the node that it replaced, which undo of the merge wants back.
   const bool takes_others_words = !is_reset && inserted.merged_with != nullptr;
-  if (takes_others_words) return rule_base_failure("undid an insertion of another node");
+  if (takes_others_words) return rule_base_failure(session, "undid an insertion of another node");
   if (arc != nullptr) arc->used = 0;
   if (!is_reset) {
     arcs_give_back(inserted);
-  } else if (const Status status = node_reset(inserted); status != Status::ok) {
+  } else if (const Status status = node_reset(session, inserted); status != Status::ok) {
     return status;
   }
   if (rule.mid != nullptr) insertion.staying = neighbour(inserted, other(insertion.side));
   Node* beyond = neighbour(inserted, insertion.side);
-  insertion_end(inserted, is_reset);
+  insertion_end(session, inserted, is_reset);
   node_of(window, insertion.side) = beyond;
   node_of(window, other(insertion.side)) = insertion.staying;
   return Status::ok;
@@ -275,13 +279,13 @@ void insertion_end(Node& inserted, bool is_reset) {
 
 }  // namespace
 
-Status inserted_undo(const Rule& rule, Window& window) {
+Status inserted_undo(Session& session, const Rule& rule, Window& window) {
   const bool has_both = window.lnode != nullptr && window.rnode != nullptr;
-  if (!has_both) return rule_base_failure("undid an insertion at an empty place");
-  if (has_brace_patterns(rule)) return node_reset(*window.rnode);
+  if (!has_both) return rule_base_failure(session, "undid an insertion at an empty place");
+  if (has_brace_patterns(rule)) return node_reset(session, *window.rnode);
   const Side side = rule.rnode->inserted != 0 ? Side::right : Side::left;
   Insertion insertion{side, *node_of(window, side), node_of(window, other(side))};
-  return insertion_undo(insertion, rule, window);
+  return insertion_undo(session, insertion, rule, window);
 }
 
 }  // namespace lexon

@@ -82,25 +82,26 @@ bool ConsoleHost::ask_yes_no(const std::string& text, const std::string& reason)
   return answer;
 }
 
-StepResult ConsoleHost::wait_for_step() {
+StepResult ConsoleHost::wait_for_step(RunContext& context) {
   steady_clock::time_point next_tick = steady_clock::now() + kTick;
   while (true) {
     const bool ended = progress_.worker.wait_until(next_tick);
     if (cancel_was_signalled()) {
-      step_cancel(progress_);
+      step_cancel(progress_, context);
       return StepResult::cancelled;
     }
     if (ended && step_end_if_done(progress_)) return StepResult::finished;
     next_tick += kTick;
-    if (step_tick(progress_)) return StepResult::finished;
+    if (step_tick(progress_, context)) return StepResult::finished;
     show_progress(false);
   }
 }
 
 StepResult ConsoleHost::run_step(RunContext& context, const char* caption, std::int32_t number) {
   context_ = &context;
+  signals_stop(&context.session.stop_requested);
   step_begin(progress_, context, caption, number);
-  const StepResult result = wait_for_step();
+  const StepResult result = wait_for_step(context);
   outcome_.count_step(context, result);
   show_progress(false);
   return result;
@@ -142,9 +143,10 @@ void ConsoleHost::show_summary() const {
   std::fprintf(stderr, "%s; %.1f s\n", text.c_str(), seconds_since(start_));
 }
 
-void ConsoleHost::finish() {
+void ConsoleHost::finish(RunContext& context) {
+  signals_stop(nullptr);
   if (cancel_was_signalled()) outcome_.cancelled = true;
-  for (const std::string& note : outcome_.finish()) tell_line("lexon: " + note);
+  for (const std::string& note : outcome_.finish(context)) tell_line("lexon: " + note);
   show_summary();
 }
 

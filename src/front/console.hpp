@@ -21,13 +21,13 @@ class ConsoleHost final : public Host {
   void note(const Note& note) override;
   void minimise() override {}
   StepResult run_step(RunContext& context, const char* caption, std::int32_t number) override;
-  void finish() override;
+  void finish(RunContext& context) override;
 
   // The status that the program ends with.
   [[nodiscard]] int exit_status() const { return outcome_.exit_status(); }
 
  private:
-  StepResult wait_for_step();
+  StepResult wait_for_step(RunContext& context);
   void show_progress(bool last);
   void clear_progress() const;
   void show_summary() const;

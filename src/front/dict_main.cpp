@@ -5,10 +5,12 @@
 #include <cstdint>
 #include <cstdio>
 #include <exception>
+#include <memory>
 #include <new>
 #include <string>
 #include <vector>
 
+#include "data/session.hpp"
 #include "dicttool/build.hpp"
 #include "dicttool/check.hpp"
 #include "dicttool/list.hpp"
@@ -61,12 +63,12 @@ std::string counted(std::int64_t count, const char* one, const char* many) {
   return std::to_string(count) + ' ' + (count == 1 ? one : many);
 }
 
-int run_build(Arguments& arguments) {
+int run_build(Session& session, Arguments& arguments) {
   BuildOptions& options = arguments.build;
   for (const std::string& name : arguments.keys) options.key_fields |= key_bit(name);
   options.memory = std::size_t{arguments.memory_mib} << 20;
   BuildFigures figures;
-  if (!dictionary_build(options, ShownStream(stderr).stream(), figures)) return kFailed;
+  if (!dictionary_build(session, options, ShownStream(stderr).stream(), figures)) return kFailed;
   std::printf("%s in %s (%u blocks), index in %s (%u blocks)", counted(figures.entries, "entry", "entries").c_str(),
               options.dictionary.c_str(), figures.dictionary_blocks, figures.index.c_str(), figures.index_blocks);
   if (figures.bad_lines != 0) std::printf(", %s left out", counted(figures.bad_lines, "bad line", "bad lines").c_str());
@@ -74,24 +76,24 @@ int run_build(Arguments& arguments) {
   return kDone;
 }
 
-int run_list(const Arguments& arguments) {
+int run_list(Session& session, const Arguments& arguments) {
   const ShownStream out(stdout);
-  return dictionary_list(arguments.dictionary, out.stream(), ShownStream(stderr).stream()) ? kDone : kFailed;
+  return dictionary_list(session, arguments.dictionary, out.stream(), ShownStream(stderr).stream()) ? kDone : kFailed;
 }
 
-int run_find(const Arguments& arguments, bool by_hw) {
+int run_find(Session& session, const Arguments& arguments, bool by_hw) {
   const std::string& key = by_hw ? arguments.hw : arguments.cw;
   const ShownStream out(stdout);
-  const FindResult result =
-      dictionary_find(arguments.dictionary, by_hw ? kKeyHw : kKeyCw, key, out.stream(), ShownStream(stderr).stream());
+  const FindResult result = dictionary_find(session, arguments.dictionary, by_hw ? kKeyHw : kKeyCw, key, out.stream(),
+                                            ShownStream(stderr).stream());
   if (result == FindResult::nothing) std::fprintf(stderr, "nothing is found\n");
   return result == FindResult::found ? kDone : kFailed;
 }
 
-int run_check(const Arguments& arguments) {
+int run_check(Session& session, const Arguments& arguments) {
   CheckFigures figures;
   const std::size_t memory = std::size_t{arguments.memory_mib} << 20;
-  const bool is_sound = dictionary_check(arguments.dictionary, ShownStream(stderr).stream(), memory, figures);
+  const bool is_sound = dictionary_check(session, arguments.dictionary, ShownStream(stderr).stream(), memory, figures);
   if (is_sound) {
     const std::string keys = counted(figures.keys - figures.unasked, "key", "keys");
     std::printf("%s: sound: %s, each found once by each of %s%s\n", arguments.dictionary.c_str(),
@@ -150,10 +152,11 @@ int run(int argc, char** argv) {
   } catch (const CLI::ParseError& error) {
     return app.exit(error) == 0 ? kDone : kUsage;
   }
-  if (build->parsed()) return run_build(arguments);
-  if (list->parsed()) return run_list(arguments);
-  if (find->parsed()) return run_find(arguments, hw->count() != 0);
-  return run_check(arguments);
+  const auto session = std::make_unique<Session>();
+  if (build->parsed()) return run_build(*session, arguments);
+  if (list->parsed()) return run_list(*session, arguments);
+  if (find->parsed()) return run_find(*session, arguments, hw->count() != 0);
+  return run_check(*session, arguments);
 }
 
 // The status of a command whose output has to arrive.

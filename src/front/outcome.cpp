@@ -2,7 +2,6 @@
 
 #include <cstdio>
 
-#include "data/state.hpp"
 #include "run/context.hpp"
 #include "run/driver.hpp"
 
@@ -13,21 +12,23 @@ void Outcome::count_step(const RunContext& context, StepResult result) {
   if (result == StepResult::cancelled) {
     cancelled = true;
   } else if (!context.rule_step_done) {
-    rules_failed = run_status == run_state::failed && !context.rule_notes.last_line_fails;
-  } else if (run_status == run_state::failed) {
+    rules_failed = context.run_status == run_state::failed && !context.rule_notes.last_line_fails;
+  } else if (context.run_status == run_state::failed) {
     ++failed;
-  } else if (run_status == run_state::over_time) {
+  } else if (context.run_status == run_state::over_time) {
     ++over_time;
-  } else if (run_status == run_state::finished) {
+  } else if (context.run_status == run_state::finished) {
     ++done;
   }
 }
 
-std::vector<std::string> Outcome::finish() {
-  std::vector<std::string> notes = run_faults.notes;
-  output_failed = run_faults.file_is_short;
-  if (state.output == nullptr) return notes;
-  const bool is_short = std::fflush(state.output) != 0 || std::ferror(state.output) != 0;
+std::vector<std::string> Outcome::finish(RunContext& context) {
+  std::vector<std::string> notes = context.notes;
+  output_failed = context.file_is_short;
+  std::FILE* stream = context.output.get();
+  if (stream == nullptr) return notes;
+  context.session.output.flush();
+  const bool is_short = std::fflush(stream) != 0 || std::ferror(stream) != 0;
   output_failed = output_failed || is_short;
   if (is_short) notes.emplace_back("the output could not be written whole");
   return notes;

@@ -28,7 +28,7 @@ struct Outcome {
   void count_step(const RunContext& context, StepResult result);
 
   // Behind the last step: writes out what is still buffered. What the user ought to know beside the output.
-  [[nodiscard]] std::vector<std::string> finish();
+  [[nodiscard]] std::vector<std::string> finish(RunContext& context);
 
   // The status that the program ends with.
   [[nodiscard]] int exit_status() const;

@@ -1,12 +1,12 @@
 #include "front/signals.hpp"
 
+#include <atomic>
 #include <csignal>
 #include <cstdint>
 #include <ctime>
 
 #include <unistd.h>
 
-#include "data/state.hpp"
 #include "front/outcome.hpp"
 
 namespace lexon {
@@ -17,6 +17,8 @@ constexpr std::int64_t kOneStroke = 250;  // milliseconds
 
 // When the first of the signals came, in milliseconds; 0: none has come.
 constinit std::atomic<std::int64_t> signalled{0};
+// What a signal sets: the stop request of the session in work, or null.
+constinit std::atomic<std::atomic<bool>*> to_stop{nullptr};
 static_assert(std::atomic<std::int64_t>::is_always_lock_free);
 
 std::int64_t milliseconds_now() {
@@ -30,7 +32,7 @@ extern "C" void on_cancel_signal(int) {
   const std::int64_t now = milliseconds_now();
   std::int64_t first = 0;
   if (!signalled.compare_exchange_strong(first, now) && now - first > kOneStroke) _exit(kCancelledStatus);
-  stop_requested = true;
+  if (std::atomic<bool>* flag = to_stop; flag != nullptr) *flag = true;
 }
 
 // Who started the program may have asked that a hang-up leaves it alone.
@@ -50,6 +52,10 @@ void handle_signals(void (*handler)(int)) {
 }
 
 }  // namespace
+
+void signals_stop(std::atomic<bool>* flag) {
+  to_stop = flag;
+}
 
 void cancel_on_signals() {
   handle_signals(on_cancel_signal);

@@ -7,9 +7,7 @@
 #include "data/chain.hpp"
 #include "data/nodes.hpp"
 #include "data/output.hpp"
-#include "data/pool.hpp"
-#include "data/sentence.hpp"
-#include "data/state.hpp"
+#include "data/session.hpp"
 #include "data/words.hpp"
 #include "graph/line_text.hpp"
 
@@ -43,12 +41,12 @@ Node* far_end(const Relation& relation, const Node& node) {
 }
 
 // Takes the node's arcs that hang nowhere yet. Without memory the tree ends here.
-DumpBranch* branches_of(const Node& node, int scope) {
+DumpBranch* branches_of(Session& session, const Node& node, int scope) {
   DumpBranch* first = nullptr;
   DumpBranch** link = &first;
   for (Relation& relation : chain<&Relation::next>(node.relations)) {
     if (relation.used != 0 || !is_arc_of(relation, node, scope)) continue;
-    *link = temp_new<DumpBranch>();
+    *link = temp_new<DumpBranch>(session);
     if (*link == nullptr) break;
     (*link)->relation = &relation;
     relation.used = 1;
@@ -59,17 +57,17 @@ DumpBranch* branches_of(const Node& node, int scope) {
 
 // Grows the whole next level before it goes down, so that an arc hangs as near to the entry as it can. Every level
 // takes an arc, so the depth is bounded by their number.
-void branches_grow(const Node& node, DumpBranch* branches, int scope) {
+void branches_grow(Session& session, const Node& node, DumpBranch* branches, int scope) {
   for (DumpBranch& branch : chain<&DumpBranch::next>(branches)) {
-    branch.children = branches_of(*far_end(*branch.relation, node), scope);
+    branch.children = branches_of(session, *far_end(*branch.relation, node), scope);
   }
   for (DumpBranch& branch : chain<&DumpBranch::next>(branches)) {
-    branches_grow(*far_end(*branch.relation, node), branch.children, scope);
+    branches_grow(session, *far_end(*branch.relation, node), branch.children, scope);
   }
 }
 
 // The node with its attributes in the scope; in brackets if it has been printed before.
-void node_print(Node& node, int scope) {
+void node_print(Session& session, Node& node, int scope) {
   const bool again = is_marked(node);
   // wanted: in brackets, a kind that shares a bit with that of a scope reference looks like one.
   const bool as_reference = again ? (node.kind & kKindScope) != 0 : node.kind == kKindScope;
@@ -77,80 +75,80 @@ void node_print(Node& node, int scope) {
   char code[3];
   node_code_write(node.scope, code);
   if (as_reference) {
-    out_print("%s:%c%c(", bracket, code[0], code[1]);
+    out_print(session, "%s:%c%c(", bracket, code[0], code[1]);
   } else if (node.scope != 0) {
-    out_print("%s%s:%c%c(", bracket, text_or_empty(node.name), code[0], code[1]);
+    out_print(session, "%s%s:%c%c(", bracket, text_or_empty(node.name), code[0], code[1]);
   } else {
-    out_print("%s%s(", bracket, text_or_empty(node.name));
+    out_print(session, "%s%s(", bracket, text_or_empty(node.name));
   }
   const ScopeAttrs* block = scope_attrs_find(node, scope);
-  out_print("%s)%s\n", block == nullptr ? "" : block->text, again ? "]" : "");
+  out_print(session, "%s)%s\n", block == nullptr ? "" : block->text, again ? "]" : "");
   mark(node);
 }
 
-void branch_print(Node& node, const DumpBranch* branches, int indent, const Dump& dump) {
-  if (must_leave() != Status::ok) return;
-  if (indent == 0) out_print("%s", dump.prefix);
-  node_print(node, dump.scope);
+void branch_print(Session& session, Node& node, const DumpBranch* branches, int indent, const Dump& dump) {
+  if (must_leave(session) != Status::ok) return;
+  if (indent == 0) out_print(session, "%s", dump.prefix);
+  node_print(session, node, dump.scope);
   for (const DumpBranch& branch : chain<&DumpBranch::next>(branches)) {
     const Relation& relation = *branch.relation;
     const bool inward = relation.to == &node;
-    out_print("%s%*s", dump.prefix, indent + kArrowIndent, "");
-    out_print(inward ? "<%s-" : "-%s>", relation.label);
-    branch_print(*far_end(relation, node), branch.children, indent + kChildIndent, dump);
+    out_print(session, "%s%*s", dump.prefix, indent + kArrowIndent, "");
+    out_print(session, inward ? "<%s-" : "-%s>", relation.label);
+    branch_print(session, *far_end(relation, node), branch.children, indent + kChildIndent, dump);
   }
 }
 
 // The rows of the scope table whose entries are being cleared at present.
 using RowsOnPath = std::array<bool, kMaxScopes>;
 
-void marks_clear(Node& node, int scope, RowsOnPath& on_path);
+void marks_clear(Session& session, Node& node, int scope, RowsOnPath& on_path);
 
 // Goes on to the scope that the node refers to. Scopes can refer to each other in a circle; a row that is on the path
 // already clears its marks itself when the walk comes back to it.
-void referred_marks_clear(const Node& reference, RowsOnPath& on_path) {
-  for (std::int32_t i = 0; i < sentence.semlst_count && i < kMaxScopes; ++i) {
+void referred_marks_clear(Session& session, const Node& reference, RowsOnPath& on_path) {
+  for (std::int32_t i = 0; i < session.sentence.semlst_count && i < kMaxScopes; ++i) {
     const auto index = static_cast<std::size_t>(i);
-    const ScopeRow& row = sentence.semlst[index];
+    const ScopeRow& row = session.sentence.semlst[index];
     if (row.entry == nullptr) return;
     if (row.number != reference.scope) continue;
     if (on_path[index]) return;
     on_path[index] = true;
-    marks_clear(*row.entry, row.number, on_path);
+    marks_clear(session, *row.entry, row.number, on_path);
     on_path[index] = false;
     return;
   }
 }
 
-void marks_clear(Node& node, int scope, RowsOnPath& on_path) {
+void marks_clear(Session& session, Node& node, int scope, RowsOnPath& on_path) {
   for (Relation& relation : chain<&Relation::next>(node.relations)) {
     if (relation.used == 0 || !is_arc_of(relation, node, scope)) continue;
     relation.used = 0;
-    marks_clear(*far_end(relation, node), scope, on_path);
+    marks_clear(session, *far_end(relation, node), scope, on_path);
   }
-  if ((node.kind & kKindScope) != 0) referred_marks_clear(node, on_path);
+  if ((node.kind & kKindScope) != 0) referred_marks_clear(session, node, on_path);
   unmark(node);
 }
 
 }  // namespace
 
-void graph_dump(Node& entry, int indent, int scope, const char* prefix) {
-  DumpBranch* top = branches_of(entry, scope);
-  branches_grow(entry, top, scope);
-  branch_print(entry, top, indent, Dump{scope, prefix});
+void graph_dump(Session& session, Node& entry, int indent, int scope, const char* prefix) {
+  DumpBranch* top = branches_of(session, entry, scope);
+  branches_grow(session, entry, top, scope);
+  branch_print(session, entry, top, indent, Dump{scope, prefix});
 }
 
-void graph_marks_clear(Node* node, int scope) {
+void graph_marks_clear(Session& session, Node* node, int scope) {
   RowsOnPath on_path{};
-  if (node != nullptr) marks_clear(*node, scope, on_path);
+  if (node != nullptr) marks_clear(session, *node, scope, on_path);
 }
 
-void scope_attrs_print(const ScopeAttrs* block, bool first_only) {
+void scope_attrs_print(Session& session, const ScopeAttrs* block, bool first_only) {
   for (; block != nullptr; block = first_only ? nullptr : block->next) {
-    out_print("  %02d:%s", block->scope, block->text);
-    out_flush();
+    out_print(session, "  %02d:%s", block->scope, block->text);
+    out_flush(session);
   }
-  out_print("\n");
+  out_print(session, "\n");
 }
 
 }  // namespace lexon

@@ -5,9 +5,8 @@
 #include <string_view>
 
 #include "data/chars.hpp"
-#include "data/pool.hpp"
 #include "data/scratch.hpp"
-#include "data/sentence.hpp"
+#include "data/session.hpp"
 #include "data/words.hpp"
 #include "dict/entry_text.hpp"
 #include "dict/word_lookup.hpp"
@@ -24,19 +23,19 @@ constexpr const char* kUnknownWord = "[]{}  \"\" (TEMP);";
 constexpr const char* kNumberWord = "[0]{} \"\" (NUM,ANUM);";
 
 // The node of the row, or where it is to be put in.
-Node** node_position(const GraphWord& row) {
-  Node** first = sentence.graph_nodes.data();
-  return std::lower_bound(first, first + sentence.graph_node_count, row, [](const Node* node, const GraphWord& r) {
-    return sorts_before(node->name, node->scope, r.name, r.number);
-  });
+Node** node_position(Session& session, const GraphWord& row) {
+  Node** first = session.sentence.graph_nodes.data();
+  return std::lower_bound(
+      first, first + session.sentence.graph_node_count, row,
+      [](const Node* node, const GraphWord& r) { return sorts_before(node->name, node->scope, r.name, r.number); });
 }
 
-Node** nodes_end() {
-  return sentence.graph_nodes.data() + sentence.graph_node_count;
+Node** nodes_end(Session& session) {
+  return session.sentence.graph_nodes.data() + session.sentence.graph_node_count;
 }
 
-bool is_node_of(Node* const* position, const GraphWord& row) {
-  if (position == nodes_end()) return false;
+bool is_node_of(Session& session, Node* const* position, const GraphWord& row) {
+  if (position == nodes_end(session)) return false;
   return (*position)->scope == row.number && std::strcmp((*position)->name, row.name) == 0;
 }
 
@@ -48,8 +47,8 @@ void blocks_set(Node& node, ScopeAttrs* blocks) {
 
 // The master list of a node of the same concept from `position` on, or null.
 // wanted: only these nodes are looked at, so an instance with a lower number shares nothing.
-WordEntry* words_to_share(Node* const* position, const char* name) {
-  for (; position != nodes_end(); ++position) {
+WordEntry* words_to_share(Session& session, Node* const* position, const char* name) {
+  for (; position != nodes_end(session); ++position) {
     WordEntry* entries = (*position)->entries;
     if (entries == nullptr || entries->cw == nullptr) return nullptr;
     const int order = std::strcmp(name, entries->cw);
@@ -60,17 +59,18 @@ WordEntry* words_to_share(Node* const* position, const char* name) {
 }
 
 // The dictionary's words of the name as it stands, or else of its part in front of "(".
-Status known_words(const char* name, WordEntry*& words) {
-  if (const Status s = words_by_key(sentence.dictionary, kKeyCw, name, words); s != Status::ok) return s;
+Status known_words(Session& session, const char* name, WordEntry*& words) {
+  if (const Status s = words_by_key(session, session.sentence.dictionary, kKeyCw, name, words); s != Status::ok)
+    return s;
   const char* parenthesis = std::strchr(name, '(');
   if (words != nullptr || parenthesis == nullptr) return Status::ok;
   Scratch<sizeof(GraphWord::name)> front;
   front.append(std::string_view(name, parenthesis));
-  return words_by_key(sentence.dictionary, kKeyCw, front.c_str(), words);
+  return words_by_key(session, session.sentence.dictionary, kKeyCw, front.c_str(), words);
 }
 
-Status scope_reference_words(int number, WordEntry*& words) {
-  words = entry_new("SCOPE:00", "SCOPE");
+Status scope_reference_words(Session& session, int number, WordEntry*& words) {
+  words = entry_new(session, "SCOPE:00", "SCOPE");
   if (words == nullptr) return Status::memory;
   words->hw[6] = static_cast<char>('0' + number / 10);
   words->hw[7] = static_cast<char>('0' + number % 10);
@@ -78,40 +78,40 @@ Status scope_reference_words(int number, WordEntry*& words) {
 }
 
 // Finds the words of a row and tells by `kind` where they came from.
-Status words_find(const GraphWord& row, WordEntry*& words, std::int8_t& kind) {
+Status words_find(Session& session, const GraphWord& row, WordEntry*& words, std::int8_t& kind) {
   if (row.look_up != 0) {
-    if (const Status s = known_words(row.name, words); s != Status::ok) return s;
+    if (const Status s = known_words(session, row.name, words); s != Status::ok) return s;
     if (words != nullptr) {
       kind = kKindWord;
       return Status::ok;
     }
     if (const int number = scope_number_of(row); number != 0) {
       kind = kKindScope;
-      return scope_reference_words(number, words);
+      return scope_reference_words(session, number, words);
     }
   }
-  return literal_entry(row.name, words);
+  return literal_entry(session, row.name, words);
 }
 
 // Fills the node's candidates, and a word list of its own as its master list.
-Status words_fill(const GraphWord& row, Node& node) {
-  if (const Status s = words_find(row, node.candidates, node.kind); s != Status::ok) return s;
+Status words_fill(Session& session, const GraphWord& row, Node& node) {
+  if (const Status s = words_find(session, row, node.candidates, node.kind); s != Status::ok) return s;
   entry_list_sort(node.candidates);
-  if (const Status s = entry_list_copy(node.candidates, node.entries); s != Status::ok) return s;
-  sentence.word_lists[static_cast<std::size_t>(sentence.word_list_count++)] = node.entries;
+  if (const Status s = entry_list_copy(session, node.candidates, node.entries); s != Status::ok) return s;
+  session.sentence.word_lists[static_cast<std::size_t>(session.sentence.word_list_count++)] = node.entries;
   return Status::ok;
 }
 
 // A node of the row that stands in no table yet.
-Status node_make(const GraphWord& row, WordEntry* shared_words, Node*& node) {
-  node = temp_new<Node>();
+Status node_make(Session& session, const GraphWord& row, WordEntry* shared_words, Node*& node) {
+  node = temp_new<Node>(session);
   if (node == nullptr) return Status::memory;
-  node->name = temp_text(row.name);
+  node->name = temp_text(session, row.name);
   if (node->name == nullptr) return Status::memory;
   node->scope = row.number;
-  if (shared_words == nullptr) return words_fill(row, *node);
+  if (shared_words == nullptr) return words_fill(session, row, *node);
   node->entries = shared_words;
-  return entry_list_copy(shared_words, node->candidates);
+  return entry_list_copy(session, shared_words, node->candidates);
 }
 
 bool is_number(std::string_view word) {
@@ -126,10 +126,10 @@ std::string_view surface_of(std::string_view word) {
   return word;
 }
 
-bool text_replace(char*& text, std::int32_t& length, std::string_view by) {
-  char* copy = temp_text(by);
+bool text_replace(Session& session, char*& text, std::int32_t& length, std::string_view by) {
+  char* copy = temp_text(session, by);
   if (copy == nullptr) return false;
-  temp_free_string(text);
+  temp_free_string(session, text);
   text = copy;
   length = static_cast<std::int32_t>(by.size());
   return true;
@@ -137,37 +137,39 @@ bool text_replace(char*& text, std::int32_t& length, std::string_view by) {
 
 }  // namespace
 
-Status literal_entry(const char* word, WordEntry*& head) {
+Status literal_entry(Session& session, const char* word, WordEntry*& head) {
   const std::string_view text(word);
   WordEntry* entry = nullptr;
   const char* form = is_number(text) ? kNumberWord : kUnknownWord;  // the empty word counts as a number
-  if (const Status s = parse_entry(form, entry, EntryStorage::sentence_pool, nullptr); s != Status::ok) return s;
-  const bool replaced =
-      text_replace(entry->cw, entry->cw_len, text) && text_replace(entry->hw, entry->hw_len, surface_of(text));
+  if (const Status s = parse_entry(session, form, entry, EntryStorage::sentence_pool); s != Status::ok)
+    return s;
+  const bool replaced = text_replace(session, entry->cw, entry->cw_len, text) &&
+                        text_replace(session, entry->hw, entry->hw_len, surface_of(text));
   if (!replaced) return Status::memory;
   entry_sizes_set(*entry);
-  entry_list_free(head);
+  entry_list_free(session, head);
   head = entry;
   return Status::ok;
 }
 
-Status node_build(int row_number, Node*& node) {
+Status node_build(Session& session, int row_number, Node*& node) {
   node = nullptr;
-  const GraphWord& row = sentence.graph_words[static_cast<std::size_t>(row_number)];
-  Node** position = node_position(row);
-  if (is_node_of(position, row)) {
+  const GraphWord& row = session.sentence.graph_words[static_cast<std::size_t>(row_number)];
+  Node** position = node_position(session, row);
+  if (is_node_of(session, position, row)) {
     node = *position;
     // wanted: the node's place in its table serves as a row number. A word without a node makes them differ, and
     // the node gets the blocks of another row.
-    const auto place = static_cast<std::size_t>(position - sentence.graph_nodes.data());
-    if (node->scope_attrs != nullptr) blocks_set(*node, sentence.graph_words[place].blocks);
+    const auto place = static_cast<std::size_t>(position - session.sentence.graph_nodes.data());
+    if (node->scope_attrs != nullptr) blocks_set(*node, session.sentence.graph_words[place].blocks);
     return Status::ok;
   }
   Node* made = nullptr;
-  if (const Status s = node_make(row, words_to_share(position, row.name), made); s != Status::ok) return s;
-  std::move_backward(position, nodes_end(), nodes_end() + 1);
+  if (const Status s = node_make(session, row, words_to_share(session, position, row.name), made); s != Status::ok)
+    return s;
+  std::move_backward(position, nodes_end(session), nodes_end(session) + 1);
   *position = made;
-  ++sentence.graph_node_count;
+  ++session.sentence.graph_node_count;
   blocks_set(*made, row.blocks);
   node = made;
   return Status::ok;

@@ -6,7 +6,7 @@
 
 #include "data/attr_string.hpp"
 #include "data/chain.hpp"
-#include "data/pool.hpp"
+#include "data/session.hpp"
 #include "graph/line_text.hpp"
 
 namespace lexon {
@@ -16,33 +16,33 @@ namespace {
 constexpr std::size_t kBlockLimit = 1024;  // characters of a block's text
 constexpr int kHighestScope = 99;          // that can be referred to
 
-bool refuse(const char* what) {
-  sentence_refuse(what);
+bool refuse(Session& session, const char* what) {
+  sentence_refuse(session, what);
   return false;
 }
 
-bool refuse_attributes() {
-  return refuse("the graph has a word with more than 1024 characters of attributes");
+bool refuse_attributes(Session& session) {
+  return refuse(session, "the graph has a word with more than 1024 characters of attributes");
 }
 
 // The row of the word, or where it is to be put in.
-GraphWord* row_position(const WordText& word) {
-  GraphWord* first = sentence.graph_words.data();
-  return std::lower_bound(first, first + sentence.graph_word_count, word, [](const GraphWord& row, const WordText& w) {
-    return sorts_before(row.name, row.number, w.name, w.number);
-  });
+GraphWord* row_position(Session& session, const WordText& word) {
+  GraphWord* first = session.sentence.graph_words.data();
+  return std::lower_bound(
+      first, first + session.sentence.graph_word_count, word,
+      [](const GraphWord& row, const WordText& w) { return sorts_before(row.name, row.number, w.name, w.number); });
 }
 
-bool is_row_of(const GraphWord* row, const WordText& word) {
-  const bool in_table = row != sentence.graph_words.data() + sentence.graph_word_count;
+bool is_row_of(Session& session, const GraphWord* row, const WordText& word) {
+  const bool in_table = row != session.sentence.graph_words.data() + session.sentence.graph_word_count;
   return in_table && row->number == word.number && std::strcmp(row->name, word.name) == 0;
 }
 
 // Puts a new block with the attributes as written in front of `blocks`.
-bool block_push(ScopeAttrs*& blocks, const char* attrs, int scope) {
+bool block_push(Session& session, ScopeAttrs*& blocks, const char* attrs, int scope) {
   const std::string_view text(attrs);
-  if (text.size() > kBlockLimit) return refuse_attributes();
-  auto* block = temp_new<ScopeAttrs>();
+  if (text.size() > kBlockLimit) return refuse_attributes(session);
+  auto* block = temp_new<ScopeAttrs>(session);
   if (block == nullptr) return false;
   block->scope = static_cast<std::uint8_t>(scope);
   text.copy(block->text, text.size());
@@ -52,9 +52,9 @@ bool block_push(ScopeAttrs*& blocks, const char* attrs, int scope) {
 }
 
 // wanted: an empty text gets the comma too.
-bool block_append(ScopeAttrs& block, std::string_view attr) {
+bool block_append(Session& session, ScopeAttrs& block, std::string_view attr) {
   const std::size_t length = std::strlen(block.text);
-  if (length + 1 + attr.size() > kBlockLimit) return refuse_attributes();
+  if (length + 1 + attr.size() > kBlockLimit) return refuse_attributes(session);
   block.text[length] = ',';
   attr.copy(block.text + length + 1, attr.size());
   block.text[length + 1 + attr.size()] = '\0';
@@ -62,38 +62,38 @@ bool block_append(ScopeAttrs& block, std::string_view attr) {
 }
 
 // Adds those of the attributes, written with dots or blanks between, that the block does not hold.
-bool block_merge(ScopeAttrs& block, char* attrs) {
+bool block_merge(Session& session, ScopeAttrs& block, char* attrs) {
   while (true) {
     attrs += std::strspn(attrs, ". ");
     if (*attrs == '\0') return true;
     char* end = attrs + std::strcspn(attrs, ". ");
     const bool is_last = *end == '\0';
     *end = '\0';
-    if (attr_find(block.text, attrs) == nullptr && !block_append(block, attrs)) return false;
+    if (attr_find(block.text, attrs) == nullptr && !block_append(session, block, attrs)) return false;
     if (is_last) return true;
     attrs = end + 1;
   }
 }
 
-bool row_extend(GraphWord& row, char* attrs, int scope) {
+bool row_extend(Session& session, GraphWord& row, char* attrs, int scope) {
   // wanted: a scope above 255 equals none of the 8-bit numbers, so each mention brings a block of its own.
   for (ScopeAttrs& block : chain<&ScopeAttrs::next>(row.blocks)) {
-    if (block.scope == scope) return block_merge(block, attrs);
+    if (block.scope == scope) return block_merge(session, block, attrs);
   }
-  return block_push(row.blocks, attrs, scope);
+  return block_push(session, row.blocks, attrs, scope);
 }
 
-bool row_insert(GraphWord* row, const WordText& word, int scope) {
+bool row_insert(Session& session, GraphWord* row, const WordText& word, int scope) {
   const std::string_view name(word.name);
-  if (name.size() >= sizeof row->name) return refuse("the graph has a word of more than 259 characters");
-  if (sentence.graph_word_count == kMaxGraphWords) return refuse("the graph has more than 512 words");
+  if (name.size() >= sizeof row->name) return refuse(session, "the graph has a word of more than 259 characters");
+  if (session.sentence.graph_word_count == kMaxGraphWords) return refuse(session, "the graph has more than 512 words");
   ScopeAttrs* blocks = nullptr;
-  if (!block_push(blocks, word.attrs, scope)) return false;
-  GraphWord* end = sentence.graph_words.data() + sentence.graph_word_count;
+  if (!block_push(session, blocks, word.attrs, scope)) return false;
+  GraphWord* end = session.sentence.graph_words.data() + session.sentence.graph_word_count;
   std::move_backward(row, end, end + 1);
   *row = GraphWord{word.quoted ? 0 : 1, word.number, {}, blocks};
   name.copy(row->name, name.size());
-  ++sentence.graph_word_count;
+  ++session.sentence.graph_word_count;
   return true;
 }
 
@@ -104,11 +104,12 @@ bool sorts_before(const char* name, int number, const char* other_name, int othe
   return order != 0 ? order < 0 : number < other_number;
 }
 
-int graph_word_add(char* text, int scope) {
+int graph_word_add(Session& session, char* text, int scope) {
   const WordText word = split_word(text);
-  GraphWord* row = row_position(word);
-  const bool entered = is_row_of(row, word) ? row_extend(*row, word.attrs, scope) : row_insert(row, word, scope);
-  return entered ? static_cast<int>(row - sentence.graph_words.data()) : -1;
+  GraphWord* row = row_position(session, word);
+  const bool entered = is_row_of(session, row, word) ? row_extend(session, *row, word.attrs, scope)
+                                                     : row_insert(session, row, word, scope);
+  return entered ? static_cast<int>(row - session.sentence.graph_words.data()) : -1;
 }
 
 int scope_number_of(const GraphWord& row) {

@@ -10,10 +10,8 @@
 
 #include "data/nodes.hpp"
 #include "data/output.hpp"
-#include "data/pool.hpp"
 #include "data/scratch.hpp"
-#include "data/sentence.hpp"
-#include "data/state.hpp"
+#include "data/session.hpp"
 #include "data/text_line.hpp"
 #include "graph/graph_nodes.hpp"
 #include "graph/graph_words.hpp"
@@ -88,12 +86,12 @@ LineKind line_kind(const Reader& reader, std::string_view line) {
 
 // Exhausted memory ends the building, as a broken limit does, and not the reading: the next sentence has to begin where
 // this one ends.
-bool is_lost() {
-  return sentence.refused || state.abort == Status::memory;
+bool is_lost(Session& session) {
+  return session.sentence.refused || session.state.abort == Status::memory;
 }
 
-Status line_read(Reader& reader) {
-  if (const Status s = must_leave(); s != Status::ok && s != Status::memory) return s;
+Status line_read(Session& session, Reader& reader) {
+  if (const Status s = must_leave(session); s != Status::ok && s != Status::memory) return s;
   TextWatch* watch = reader.notes == nullptr ? nullptr : &reader.notes->text;
   return text_line_read(reader.input, reader.line.data(), kLineSize, watch) ? Status::ok : Status::end_of_input;
 }
@@ -129,45 +127,45 @@ void tag_change(Reader& reader, std::string_view line) {
 }
 
 // Enters the words up to the end of the block. Here only the first column counts.
-Status word_block_read(Reader& reader) {
+Status word_block_read(Session& session, Reader& reader) {
   sentence_opened(reader);
   block_opened(reader, "this block of words is not closed: \"[/W]\" is missing, or does not begin its line");
   while (true) {
-    if (const Status s = line_read(reader); s != Status::ok) return s;
+    if (const Status s = line_read(session, reader); s != Status::ok) return s;
     char* line = reader.line.data();
     if (std::string_view(line).starts_with("[/W")) {
       reader.block = {};
       return Status::ok;
     }
     if (*line == '[') note_left_out(reader, "inside a block of words");
-    if (*line == ';' || *line == '[' || is_lost()) continue;
+    if (*line == ';' || *line == '[' || is_lost(session)) continue;
     line[std::strcspn(line, "\n")] = '\0';
     // What cannot be entered is missing in the graph, or the sentence is refused.
-    (void)graph_word_add(line, 0);
+    (void)graph_word_add(session, line, 0);
   }
 }
 
-Status skipped_block_read(Reader& reader) {
+Status skipped_block_read(Session& session, Reader& reader) {
   block_opened(reader, "this block is not closed: \"[/R]\" is missing, or does not begin its line");
   while (true) {
-    if (const Status s = line_read(reader); s != Status::ok) return s;
+    if (const Status s = line_read(session, reader); s != Status::ok) return s;
     if (std::string_view(reader.line.data()).starts_with("[/R")) break;
   }
   reader.block = {};
   return Status::ok;
 }
 
-void syntax_error_report(Reader& reader) {
-  if (!reader.syntax_reported) out_print(";;Syntactic Error\n");
+void syntax_error_report(Session& session, Reader& reader) {
+  if (!reader.syntax_reported) out_print(session, ";;Syntactic Error\n");
   reader.syntax_reported = true;
-  out_print("\t%s", reader.saved_line.data());
-  out_flush();
+  out_print(session, "\t%s", reader.saved_line.data());
+  out_flush(session);
   note_left_out(reader, "no relation: label(from, to)");
 }
 
-void line_report(Reader& reader, const char* what) {
-  out_print(";;%s\n\t%s", what, reader.saved_line.data());
-  out_flush();
+void line_report(Session& session, Reader& reader, const char* what) {
+  out_print(session, ";;%s\n\t%s", what, reader.saved_line.data());
+  out_flush(session);
   note_left_out(reader, what);
 }
 
@@ -184,23 +182,23 @@ const char* fault_of(const RelationText& text) {
 }
 
 // A new relation in the table; null if the sentence is refused or memory is exhausted.
-Relation* relation_new(std::string_view label, int scope) {
-  if (sentence.graph_relation_count == kMaxRelations) {
-    sentence_refuse("the graph has more than 128 relations");
+Relation* relation_new(Session& session, std::string_view label, int scope) {
+  if (session.sentence.graph_relation_count == kMaxRelations) {
+    sentence_refuse(session, "the graph has more than 128 relations");
     return nullptr;
   }
-  auto* relation = temp_new<Relation>();
+  auto* relation = temp_new<Relation>(session);
   if (relation == nullptr) return nullptr;
   label.copy(relation->label, kLabelLength);
   relation->scope = static_cast<std::uint8_t>(scope);
-  sentence.graph_relations[static_cast<std::size_t>(sentence.graph_relation_count++)] = relation;
+  session.sentence.graph_relations[static_cast<std::size_t>(session.sentence.graph_relation_count++)] = relation;
   return relation;
 }
 
 // The node of a word as written, or null.
-Node* node_of(char* text, int scope) {
+Node* node_of(Session& session, char* text, int scope) {
   Node* node = nullptr;
-  if (const int row = graph_word_add(text, scope); row >= 0) (void)node_build(row, node);
+  if (const int row = graph_word_add(session, text, scope); row >= 0) (void)node_build(session, row, node);
   return node;
 }
 
@@ -209,12 +207,12 @@ bool is_entry_of_sentence(const Node& node) {
 }
 
 // Ties two words together. A word without a node, because its lookup failed, leaves the relation unconnected.
-void relation_tie(Reader& reader, const RelationText& text, int scope, Relation& relation) {
-  Node* from = node_of(text.from, scope);
-  if (is_lost()) return;
-  Node* to = node_of(text.to, scope);
+void relation_tie(Session& session, Reader& reader, const RelationText& text, int scope, Relation& relation) {
+  Node* from = node_of(session, text.from, scope);
+  if (is_lost(session)) return;
+  Node* to = node_of(session, text.to, scope);
   if (from == nullptr || to == nullptr) return;
-  relation_connect(*from, *to, relation);
+  relation_connect(session, *from, *to, relation);
   if (relation.scope != 0 || reader.root != nullptr) return;
   if (is_entry_of_sentence(*from)) {
     reader.root = from;
@@ -223,20 +221,20 @@ void relation_tie(Reader& reader, const RelationText& text, int scope, Relation&
   }
 }
 
-void relation_read(Reader& reader) {
+void relation_read(Session& session, Reader& reader) {
   RelationText text;
   if (split_relation(reader.line.data(), text) <= 0) {
-    return syntax_error_report(reader);
+    return syntax_error_report(session, reader);
   }
   if (const char* fault = fault_of(text); fault != nullptr) {
-    return line_report(reader, fault);
+    return line_report(session, reader, fault);
   }
   const int scope = label_scope(text.label);
   if (std::strlen(text.label) > kLabelLength) {
-    return line_report(reader, "Rel is too long");
+    return line_report(session, reader, "Rel is too long");
   }
-  if (Relation* relation = relation_new(text.label, scope); relation != nullptr) {
-    relation_tie(reader, text, scope, *relation);
+  if (Relation* relation = relation_new(session, text.label, scope); relation != nullptr) {
+    relation_tie(session, reader, text, scope, *relation);
   }
 }
 
@@ -254,16 +252,16 @@ void stray_line_note(Reader& reader) {
   if (is_relation && std::strpbrk(text.label, " \t[") == nullptr) note_left_out(reader, "outside of a sentence");
 }
 
-void sentence_start(Reader& reader, const char* line) {
-  out_print("%s", line);
-  out_flush();
+void sentence_start(Session& session, Reader& reader, const char* line) {
+  out_print(session, "%s", line);
+  out_flush(session);
   graph_start(reader);
 }
 
 // Reads lines up to the end of the sentence: ok at its end mark, or what ended the reading before.
-Status lines_read(Reader& reader) {
+Status lines_read(Session& session, Reader& reader) {
   while (true) {
-    Status status = line_read(reader);
+    Status status = line_read(session, reader);
     if (status != Status::ok) return status;
     reader.saved_line = reader.line;
     const char* line = reader.line.data() + std::strspn(reader.line.data(), " ");
@@ -274,11 +272,11 @@ Status lines_read(Reader& reader) {
       case LineKind::graph_end: reader.in_graph = false; break;
       case LineKind::block_tag: tag_change(reader, line); break;
       case LineKind::sentence_end: return Status::ok;
-      case LineKind::word_block: status = word_block_read(reader); break;
-      case LineKind::skipped_block: status = skipped_block_read(reader); break;
-      case LineKind::sentence_start: sentence_start(reader, line); break;
+      case LineKind::word_block: status = word_block_read(session, reader); break;
+      case LineKind::skipped_block: status = skipped_block_read(session, reader); break;
+      case LineKind::sentence_start: sentence_start(session, reader, line); break;
       case LineKind::relation:
-        if (!is_lost()) relation_read(reader);
+        if (!is_lost(session)) relation_read(session, reader);
         break;
     }
     if (status != Status::ok) return status;
@@ -286,29 +284,29 @@ Status lines_read(Reader& reader) {
 }
 
 // The first word in sort order stands in for an entry that no relation has named.
-void root_choose(Node*& root) {
-  if (node_build(0, root) != Status::ok || holds_entry(*root)) return;
-  out_print(";;No Entry\n");
-  out_flush();
+void root_choose(Session& session, Node*& root) {
+  if (node_build(session, 0, root) != Status::ok || holds_entry(*root)) return;
+  out_print(session, ";;No Entry\n");
+  out_flush(session);
 }
 
 }  // namespace
 
-Status read_graph(std::FILE* input, Node*& root, InputNotes* notes) {
+Status read_graph(Session& session, std::FILE* input, Node*& root, InputNotes* notes) {
   root = nullptr;
-  sentence.graph_relations.fill(nullptr);
-  sentence.graph_relation_count = 0;
+  session.sentence.graph_relations.fill(nullptr);
+  session.sentence.graph_relation_count = 0;
   Reader reader{input, root, notes, {}, {}, {}};
-  const Status stop = lines_read(reader);
+  const Status stop = lines_read(session, reader);
   const InputNotes::Line& open = reader.block.number != 0 ? reader.block : reader.sentence;
   if (stop == Status::end_of_input && open.number != 0) notes->unclosed = open;
-  if (state.abort == Status::memory && stop != Status::stopped) return Status::memory;
+  if (session.state.abort == Status::memory && stop != Status::stopped) return Status::memory;
   const bool has_come_to_an_end = stop == Status::ok || stop == Status::end_of_input;
-  if (!has_come_to_an_end || root != nullptr || sentence.refused) return stop;
-  if (sentence.graph_word_count != 0) {
-    root_choose(root);
+  if (!has_come_to_an_end || root != nullptr || session.sentence.refused) return stop;
+  if (session.sentence.graph_word_count != 0) {
+    root_choose(session, root);
   } else if (stop == Status::ok) {
-    out_print(";;SEM is Empty\n");
+    out_print(session, ";;SEM is Empty\n");
   }
   return stop;
 }

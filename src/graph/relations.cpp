@@ -5,7 +5,7 @@
 
 #include "data/chain.hpp"
 #include "data/nodes.hpp"
-#include "data/sentence.hpp"
+#include "data/session.hpp"
 
 namespace lexon {
 
@@ -34,10 +34,10 @@ void role_add(ScopeAttrs& block, char mark, std::string_view label) {
 static_assert(kAttrLimit - 6 + 2 + sizeof(Relation::label) - 1 < sizeof(ScopeAttrs::text));
 
 // The row of the scope, or the first one without an entry.
-int scope_row(int number) {
+int scope_row(Session& session, int number) {
   int index = 1;
-  for (; index < sentence.semlst_count; ++index) {
-    const ScopeRow& row = sentence.semlst[static_cast<std::size_t>(index)];
+  for (; index < session.sentence.semlst_count; ++index) {
+    const ScopeRow& row = session.sentence.semlst[static_cast<std::size_t>(index)];
     if (row.entry == nullptr || row.number == number) break;
   }
   return index;
@@ -50,21 +50,21 @@ bool holds_entry(const Node& node) {
   return text != nullptr && std::strstr(text, "@entry") != nullptr;
 }
 
-void relation_connect(Node& from, Node& to, Relation& relation) {
+void relation_connect(Session& session, Node& from, Node& to, Relation& relation) {
   list_append(from.relations, relation);
   list_append(to.relations, relation);
   relation.from = &from;
   relation.to = &to;
-  if (relation.scope != 0) scope_note(relation);
+  if (relation.scope != 0) scope_note(session, relation);
   ScopeAttrs* out = scope_attrs_find(from, relation.scope);
   if (out == nullptr) return;
   role_add(*out, '>', relation.label);
   if (ScopeAttrs* in = scope_attrs_find(to, relation.scope); in != nullptr) role_add(*in, '<', relation.label);
 }
 
-void scope_note(const Relation& relation) {
-  if (sentence.semlst_count >= kMaxScopes) return;
-  ScopeRow& row = sentence.semlst[static_cast<std::size_t>(scope_row(relation.scope))];
+void scope_note(Session& session, const Relation& relation) {
+  if (session.sentence.semlst_count >= kMaxScopes) return;
+  ScopeRow& row = session.sentence.semlst[static_cast<std::size_t>(scope_row(session, relation.scope))];
   if (row.entry != nullptr) return;
   row.number = relation.scope;
   if (holds_entry(*relation.to)) {
@@ -73,7 +73,7 @@ void scope_note(const Relation& relation) {
     row.entry = relation.from;
   }
   // wanted: a scope without an entry uses up a count for each of its relations, on the same row.
-  ++sentence.semlst_count;
+  ++session.sentence.semlst_count;
 }
 
 }  // namespace lexon

@@ -10,6 +10,7 @@
 #include "data/chain.hpp"
 #include "data/output.hpp"
 #include "data/platform.hpp"
+#include "data/session.hpp"
 #include "rules/compiled.hpp"
 #include "rules/compiled_format.hpp"
 #include "rules/matrix.hpp"
@@ -142,12 +143,6 @@ Status attr_table_make(MatrixSide& side) {
   return Status::ok;
 }
 
-Status vectors_make(MatrixSide& side, std::size_t row_bytes) {
-  side.result_vector = static_cast<std::uint8_t*>(zeroed_block(row_bytes));
-  side.missing_vector = static_cast<std::uint8_t*>(zeroed_block(row_bytes));
-  return side.result_vector != nullptr && side.missing_vector != nullptr ? Status::ok : Status::memory;
-}
-
 // What is wrong with the file, or null, and what that comes to.
 struct MatrixReading {
   Status status;
@@ -165,28 +160,27 @@ MatrixReading sides_read(RuleMatrix& matrix, std::FILE* stream) {
     if (status != Status::ok) return {status};
     if (!names_agree(*side)) return refused("the names do not agree with attr_count");
     status = attr_table_make(*side);
-    if (status == Status::ok) status = vectors_make(*side, static_cast<std::size_t>(matrix.row_bytes));
   }
   return {status};
 }
 
-MatrixReading matrix_read(std::FILE* stream, Rule* rules) {
+MatrixReading matrix_read(RuleIndex& index, std::FILE* stream, Rule* rules) {
   std::rewind(stream);
   const auto size = static_cast<std::uint64_t>(file_size(stream));
   HeaderBytes bytes;
   if (std::fread(bytes.data(), 1, bytes.size(), stream) != bytes.size()) return refused("the file has no header");
   const Header header = header_from(bytes);
   if (const char* fault = header_fault(header, rules, size); fault != nullptr) return refused(fault);
-  rule_matrix = {rules, static_cast<std::int32_t>(header.rule_count), static_cast<std::int32_t>(header.row_bytes),
-                 header.left, header.right};
-  const MatrixReading reading = sides_read(rule_matrix, stream);
-  return reading.status == Status::ok ? MatrixReading{rule_search_prepare()} : reading;
+  index.matrix = {rules, static_cast<std::int32_t>(header.rule_count), static_cast<std::int32_t>(header.row_bytes),
+                  header.left, header.right};
+  const MatrixReading reading = sides_read(index.matrix, stream);
+  return reading.status == Status::ok ? MatrixReading{rule_search_prepare(index)} : reading;
 }
 
 }  // namespace
 
-Status rule_matrix_save(std::FILE* stream) {
-  const RuleMatrix& matrix = rule_matrix;
+Status rule_matrix_save(Session& session, RuleIndex& index, std::FILE* stream) {
+  const RuleMatrix& matrix = index.matrix;
   const HeaderBytes header = header_of(matrix);
   area_write(header.data(), header.size(), stream);
   area_write(matrix.left.attr_pool, matrix.left.pool_size, stream);
@@ -196,18 +190,18 @@ Status rule_matrix_save(std::FILE* stream) {
     area_write(side->neg_matrix, side->matrix_size, stream);
   }
   // The matrix in memory is whole, so this run can go on.
-  if (!is_written(stream)) out_print(";;the compiled rule matrix could not be written\n");
+  if (!is_written(stream)) out_print(session, ";;the compiled rule matrix could not be written\n");
   return Status::ok;
 }
 
-Status rule_matrix_load(std::FILE* stream, Rule* rules, std::string* fault) {
-  rule_matrix_clear();
-  const MatrixReading reading = matrix_read(stream, rules);
-  if (reading.status != Status::ok) rule_matrix_clear();
+Status rule_matrix_load(Session& session, RuleIndex& index, std::FILE* stream, Rule* rules, std::string* fault) {
+  rule_matrix_clear(index);
+  const MatrixReading reading = matrix_read(index, stream, rules);
+  if (reading.status != Status::ok) rule_matrix_clear(index);
   if (reading.fault == nullptr) return reading.status;
   const std::string text = std::string("the compiled rule matrix cannot be used: ") + reading.fault;
   if (fault == nullptr) {
-    out_print(";;%s\n", text.c_str());
+    out_print(session, ";;%s\n", text.c_str());
   } else {
     *fault = text;
   }

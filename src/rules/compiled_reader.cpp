@@ -3,8 +3,7 @@
 
 #include "data/bytes.hpp"
 #include "data/output.hpp"
-#include "data/pool.hpp"
-#include "data/state.hpp"
+#include "data/session.hpp"
 #include "rules/compiled.hpp"
 #include "rules/compiled_format.hpp"
 
@@ -18,75 +17,75 @@ Status whole(const ByteReader& in) {
   return in.ok() && !in.more() ? Status::ok : kDamaged;
 }
 
-Status text_read(ByteReader& in, char*& text) {
+Status text_read(Pool& pool, ByteReader& in, char*& text) {
   const auto bytes = in.bytes();
   if (!in.ok()) return kDamaged;
   if (bytes.empty()) return Status::ok;
   const std::string_view all(reinterpret_cast<const char*>(bytes.data()), bytes.size());
   const bool is_empty_text = all.front() == '\0';
   if (!is_empty_text && all.find('\0') != std::string_view::npos) return kDamaged;
-  text = perm_text(is_empty_text ? std::string_view() : all);
+  text = perm_text(pool, is_empty_text ? std::string_view() : all);
   return text == nullptr ? Status::memory : Status::ok;
 }
 
-Status item_read(ByteReader& in, CondItem& item) {
+Status item_read(Pool& pool, ByteReader& in, CondItem& item) {
   item.op = in.u8();
-  if (const Status status = text_read(in, item.text); status != Status::ok) return status;
+  if (const Status status = text_read(pool, in, item.text); status != Status::ok) return status;
   return item.text == nullptr ? kDamaged : Status::ok;
 }
 
 // Reads a block of records of one kind, each by `read`, into the empty list `head`.
 template <typename Record>
-Status list_read(ByteReader& in, Record*& head, Status (*read)(ByteReader&, Record&)) {
+Status list_read(Pool& pool, ByteReader& in, Record*& head, Status (*read)(Pool&, ByteReader&, Record&)) {
   ByteReader block(in.bytes());
   for (Record** link = &head; block.more(); link = &(*link)->next) {
-    *link = perm_new<Record>();
+    *link = perm_new<Record>(pool);
     if (*link == nullptr) return Status::memory;
-    if (const Status status = read(block, **link); status != Status::ok) return status;
+    if (const Status status = read(pool, block, **link); status != Status::ok) return status;
   }
   return block.ok() && in.ok() ? Status::ok : kDamaged;
 }
 
-Status items_read(ByteReader& in, CondItem*& items) {
-  return list_read(in, items, item_read);
+Status items_read(Pool& pool, ByteReader& in, CondItem*& items) {
+  return list_read(pool, in, items, item_read);
 }
 
 // What the block may leave out at its end.
-Status more_items_read(ByteReader& in, CondItem*& items) {
-  return !in.more() ? Status::ok : items_read(in, items);
+Status more_items_read(Pool& pool, ByteReader& in, CondItem*& items) {
+  return !in.more() ? Status::ok : items_read(pool, in, items);
 }
-Status more_text_read(ByteReader& in, char*& text) {
-  return !in.more() ? Status::ok : text_read(in, text);
+Status more_text_read(Pool& pool, ByteReader& in, char*& text) {
+  return !in.more() ? Status::ok : text_read(pool, in, text);
 }
 
-Status group_read(ByteReader& in, ContextGroup& group) {
+Status group_read(Pool& pool, ByteReader& in, ContextGroup& group) {
   group.star = in.u8();
-  if (const Status status = items_read(in, group.hw_conds); status != Status::ok) return status;
-  if (const Status status = more_items_read(in, group.cw_conds); status != Status::ok) return status;
-  return more_items_read(in, group.attr_conds);
+  if (const Status status = items_read(pool, in, group.hw_conds); status != Status::ok) return status;
+  if (const Status status = more_items_read(pool, in, group.cw_conds); status != Status::ok) return status;
+  return more_items_read(pool, in, group.attr_conds);
 }
 
-Status groups_read(ByteReader& in, ContextGroup*& groups) {
-  return list_read(in, groups, group_read);
+Status groups_read(Pool& pool, ByteReader& in, ContextGroup*& groups) {
+  return list_read(pool, in, groups, group_read);
 }
 
-Status pattern_fields_read(ByteReader& in, NodePattern& pattern) {
+Status pattern_fields_read(Pool& pool, ByteReader& in, NodePattern& pattern) {
   pattern.inserted = in.u8();
-  if (const Status status = items_read(in, pattern.hw_conds); status != Status::ok) return status;
-  if (const Status status = more_items_read(in, pattern.cw_conds); status != Status::ok) return status;
-  if (const Status status = more_text_read(in, pattern.hw_action); status != Status::ok) return status;
-  if (const Status status = more_text_read(in, pattern.cw_action); status != Status::ok) return status;
+  if (const Status status = items_read(pool, in, pattern.hw_conds); status != Status::ok) return status;
+  if (const Status status = more_items_read(pool, in, pattern.cw_conds); status != Status::ok) return status;
+  if (const Status status = more_text_read(pool, in, pattern.hw_action); status != Status::ok) return status;
+  if (const Status status = more_text_read(pool, in, pattern.cw_action); status != Status::ok) return status;
   for (CondItem** items : {&pattern.attr_conds, &pattern.actions, &pattern.relations, &pattern.roles}) {
-    if (const Status status = more_items_read(in, *items); status != Status::ok) return status;
+    if (const Status status = more_items_read(pool, in, *items); status != Status::ok) return status;
   }
   return whole(in);
 }
 
 // An empty block, a pattern that is missing, is damage as well: no rule can do without.
-Status pattern_read(ByteReader& in, NodePattern*& pattern) {
+Status pattern_read(Pool& pool, ByteReader& in, NodePattern*& pattern) {
   ByteReader block(in.bytes());
-  pattern = perm_new<NodePattern>();
-  return pattern == nullptr ? Status::memory : pattern_fields_read(block, *pattern);
+  pattern = perm_new<NodePattern>(pool);
+  return pattern == nullptr ? Status::memory : pattern_fields_read(pool, block, *pattern);
 }
 
 void subtype_read(ByteReader& in, Rule& rule) {
@@ -95,14 +94,14 @@ void subtype_read(ByteReader& in, Rule& rule) {
   rule.subtype = in.u8();
 }
 
-Status rule_read(ByteReader& in, Rule& rule) {
+Status rule_read(Pool& pool, ByteReader& in, Rule& rule) {
   rule.type = in.u8();
   subtype_read(in, rule);
-  if (const Status status = groups_read(in, rule.pre); status != Status::ok) return status;
-  if (const Status status = pattern_read(in, rule.lnode); status != Status::ok) return status;
-  if (const Status status = groups_read(in, rule.mid); status != Status::ok) return status;
-  if (const Status status = pattern_read(in, rule.rnode); status != Status::ok) return status;
-  if (const Status status = groups_read(in, rule.suf); status != Status::ok) return status;
+  if (const Status status = groups_read(pool, in, rule.pre); status != Status::ok) return status;
+  if (const Status status = pattern_read(pool, in, rule.lnode); status != Status::ok) return status;
+  if (const Status status = groups_read(pool, in, rule.mid); status != Status::ok) return status;
+  if (const Status status = pattern_read(pool, in, rule.rnode); status != Status::ok) return status;
+  if (const Status status = groups_read(pool, in, rule.suf); status != Status::ok) return status;
   rule.priority = in.u8();
   return in.ok() ? Status::ok : kDamaged;
 }
@@ -150,30 +149,30 @@ class RecordStream {
   std::size_t taken_ = 0;
 };
 
-Status next_rule_read(RecordStream& file, Rule*& rule) {
+Status next_rule_read(Pool& pool, RecordStream& file, Rule*& rule) {
   ByteView record;
   if (!file.next(record)) return kDamaged;
-  rule = perm_new<Rule>();
+  rule = perm_new<Rule>(pool);
   if (rule == nullptr) return Status::memory;
   ByteReader in(record);
-  return rule_read(in, *rule);
+  return rule_read(pool, in, *rule);
 }
 
-void fault_tell(int number, std::size_t place, std::string* fault) {
+void fault_tell(Session& session, int number, std::size_t place, std::string* fault) {
   const std::string text =
       "the compiled rule file is damaged at rule no. " + std::to_string(number) + ", offset " + std::to_string(place);
-  if (fault == nullptr) return out_print(";;%s\n", text.c_str());
+  if (fault == nullptr) return out_print(session, ";;%s\n", text.c_str());
   *fault = text;
 }
 
-Status rules_read(RecordStream& file, Rule*& rules, std::string* fault) {
+Status rules_read(Session& session, Pool& pool, RecordStream& file, Rule*& rules, std::string* fault) {
   int number = 0;
   for (Rule** link = &rules; !file.at_end(); link = &(*link)->next) {
-    if (const Status leave = must_leave(); leave != Status::ok) return leave;
+    if (const Status leave = must_leave(session); leave != Status::ok) return leave;
     ++number;
     const std::size_t place = file.place();
-    const Status status = next_rule_read(file, *link);
-    if (status == kDamaged) fault_tell(number, place, fault);
+    const Status status = next_rule_read(pool, file, *link);
+    if (status == kDamaged) fault_tell(session, number, place, fault);
     if (status != Status::ok) return status;
   }
   return Status::ok;
@@ -181,14 +180,14 @@ Status rules_read(RecordStream& file, Rule*& rules, std::string* fault) {
 
 }  // namespace
 
-Status rule_list_read(Rule*& rules, std::FILE* stream, std::string* fault) {
+Status rule_list_read(Session& session, Pool& pool, Rule*& rules, std::FILE* stream, std::string* fault) {
   rules = nullptr;
-  void* const buffer = temp_alloc(kRecordBufferSize);
+  void* const buffer = temp_alloc(session, kRecordBufferSize);
   if (buffer == nullptr) return Status::memory;
   std::rewind(stream);
   RecordStream file(stream, {static_cast<std::uint8_t*>(buffer), kRecordBufferSize});
-  const Status status = rules_read(file, rules, fault);
-  temp_free(buffer, kRecordBufferSize);
+  const Status status = rules_read(session, pool, file, rules, fault);
+  temp_free(session, buffer, kRecordBufferSize);
   // Half a rule base would say other things than the linguist wrote. Its records are lost for the run.
   if (status != Status::ok) rules = nullptr;
   return status;

@@ -1,8 +1,7 @@
 #include "data/bytes.hpp"
 #include "data/chain.hpp"
 #include "data/output.hpp"
-#include "data/pool.hpp"
-#include "data/state.hpp"
+#include "data/session.hpp"
 #include "rules/compiled.hpp"
 #include "rules/compiled_format.hpp"
 
@@ -84,37 +83,37 @@ ByteView record_of(const Rule& rule, std::span<std::uint8_t> buffer) {
 }
 
 // Looks at all records first: a file that holds some of the rules would be taken for whole by the next run.
-Status records_check(const Rule* rules, std::span<std::uint8_t> buffer) {
+Status records_check(Session& session, const Rule* rules, std::span<std::uint8_t> buffer) {
   int number = 0;
   for (const Rule& rule : chain<&Rule::next>(rules)) {
-    if (const Status leave = must_leave(); leave != Status::ok) return leave;
+    if (const Status leave = must_leave(session); leave != Status::ok) return leave;
     ++number;
     if (!record_of(rule, buffer).empty()) continue;
-    out_print(";;rule no. %d cannot be written into the compiled rule file\n", number);
+    out_print(session, ";;rule no. %d cannot be written into the compiled rule file\n", number);
     return Status::no_effect;
   }
   return Status::ok;
 }
 
-Status records_write(const Rule* rules, std::span<std::uint8_t> buffer, std::FILE* stream) {
-  if (const Status status = records_check(rules, buffer); status != Status::ok) return status;
+Status records_write(Session& session, const Rule* rules, std::span<std::uint8_t> buffer, std::FILE* stream) {
+  if (const Status status = records_check(session, rules, buffer); status != Status::ok) return status;
   for (const Rule& rule : chain<&Rule::next>(rules)) {
-    if (const Status leave = must_leave(); leave != Status::ok) return leave;
+    if (const Status leave = must_leave(session); leave != Status::ok) return leave;
     const auto record = record_of(rule, buffer);
     std::fwrite(record.data(), 1, record.size(), stream);
   }
   // The rules in memory are whole, so this run can go on.
-  if (!is_written(stream)) out_print(";;the compiled rule file could not be written\n");
+  if (!is_written(stream)) out_print(session, ";;the compiled rule file could not be written\n");
   return Status::ok;
 }
 
 }  // namespace
 
-Status rule_list_write(const Rule* rules, std::FILE* stream) {
-  void* const buffer = temp_alloc(kRecordBufferSize);
+Status rule_list_write(Session& session, const Rule* rules, std::FILE* stream) {
+  void* const buffer = temp_alloc(session, kRecordBufferSize);
   if (buffer == nullptr) return Status::memory;
-  const Status status = records_write(rules, {static_cast<std::uint8_t*>(buffer), kRecordBufferSize}, stream);
-  temp_free(buffer, kRecordBufferSize);
+  const Status status = records_write(session, rules, {static_cast<std::uint8_t*>(buffer), kRecordBufferSize}, stream);
+  temp_free(session, buffer, kRecordBufferSize);
   return status;
 }
 

@@ -17,15 +17,13 @@
 #include "data/chain.hpp"
 #include "data/output.hpp"
 #include "data/pool.hpp"
-#include "data/state.hpp"
+#include "data/session.hpp"
 #include "dict/item_sort.hpp"
 #include "dict/layout.hpp"
 #include "rules/bits.hpp"
 #include "rules/rule_search.hpp"
 
 namespace lexon {
-
-constinit RuleMatrix rule_matrix{};
 
 namespace {
 
@@ -65,24 +63,24 @@ bool name_add(std::string_view name, ItemSorter& lines) {
   return true;
 }
 
-Status sorting_failed() {
-  out_print(";;Can't write a temporary file for sorting!\n");
+Status sorting_failed(Session& session) {
+  out_print(session, ";;Can't write a temporary file for sorting!\n");
   return Status::no_effect;
 }
 
 // Adds the texts of all conditions of the side, whatever their prefix.
-Status names_add(const SideBuild& build, const Rule* rules, ItemSorter& lines) {
+Status names_add(Session& session, const SideBuild& build, const Rule* rules, ItemSorter& lines) {
   for (const Rule& rule : chain<&Rule::next>(rules)) {
-    if (const Status s = must_leave(); s != Status::ok) return s;
+    if (const Status s = must_leave(session); s != Status::ok) return s;
     for (const CondItem& item : chain<&CondItem::next>(conditions(build, rule))) {
-      if (!name_add(item.text, lines)) return sorting_failed();
+      if (!name_add(item.text, lines)) return sorting_failed(session);
     }
   }
-  return lines.start_reading() ? Status::ok : sorting_failed();
+  return lines.start_reading() ? Status::ok : sorting_failed(session);
 }
 
 // The sorted lines one behind the other, each once, and how many they are.
-Status lines_take(ItemSorter& lines, std::string& text, std::int32_t& count) {
+Status lines_take(Session& session, ItemSorter& lines, std::string& text, std::int32_t& count) {
   std::string last;
   for (ByteView item = lines.next(); !item.empty(); item = lines.next()) {
     const std::string_view line = item_key(item);
@@ -91,7 +89,7 @@ Status lines_take(ItemSorter& lines, std::string& text, std::int32_t& count) {
     text += line;
     ++count;
   }
-  return lines.failed() ? sorting_failed() : Status::ok;
+  return lines.failed() ? sorting_failed(session) : Status::ok;
 }
 
 // Makes the table of names from the sorted lines.
@@ -111,12 +109,12 @@ Status attr_table_make(MatrixSide& side, std::string_view text, std::int32_t cou
   return Status::ok;
 }
 
-Status names_sort(const SideBuild& build, const Rule* rules) {
+Status names_sort(Session& session, const SideBuild& build, const Rule* rules) {
   ItemSorter lines(kSortMemory);
   std::string text;
   std::int32_t count = 0;
-  if (const Status s = names_add(build, rules, lines); s != Status::ok) return s;
-  if (const Status s = lines_take(lines, text, count); s != Status::ok) return s;
+  if (const Status s = names_add(session, build, rules, lines); s != Status::ok) return s;
+  if (const Status s = lines_take(session, lines, text, count); s != Status::ok) return s;
   return attr_table_make(build.side, text, count);
 }
 
@@ -129,24 +127,23 @@ bool block_make(Element*& block, std::uint64_t size) {
 // The largest size of a matrix that its field can tell and that is left room for behind it.
 constexpr std::uint64_t kLargestMatrix = 0xFFFFFFE0U;
 
-Status matrices_make(MatrixSide& side) {
-  const auto row_bytes = static_cast<std::uint64_t>(rule_matrix.row_bytes);
+Status matrices_make(RuleIndex& index, MatrixSide& side) {
+  const auto row_bytes = static_cast<std::uint64_t>(index.matrix.row_bytes);
   const std::uint64_t size = row_bytes * static_cast<std::uint64_t>(side.attr_count);
   if (size > kLargestMatrix) return Status::memory;
   side.matrix_size = static_cast<std::uint32_t>(size);
-  const bool made = block_make(side.pos_matrix, size) && block_make(side.neg_matrix, size) &&
-                    block_make(side.result_vector, row_bytes) && block_make(side.missing_vector, row_bytes);
+  const bool made = block_make(side.pos_matrix, size) && block_make(side.neg_matrix, size);
   return made ? Status::ok : Status::memory;
 }
 
 // Sets the bits of rule `number` for its conditions. A name that is not in the table ends the walk.
-void rule_bits_set(MatrixSide& side, const CondItem* conds, std::size_t number) {
+void rule_bits_set(RuleIndex& index, MatrixSide& side, const CondItem* conds, std::size_t number) {
   for (const CondItem& item : chain<&CondItem::next>(conds)) {
     if (item.op > kOpHas) continue;
     const std::int32_t row = attr_table_find(item.text, side.attr_table, side.attr_count);
     if (row < 0) return;
     std::uint8_t* matrix = item.op == kOpHas ? side.pos_matrix : side.neg_matrix;
-    bit_set(matrix + static_cast<std::size_t>(row) * static_cast<std::size_t>(rule_matrix.row_bytes), number);
+    bit_set(matrix + static_cast<std::size_t>(row) * static_cast<std::size_t>(index.matrix.row_bytes), number);
   }
 }
 
@@ -154,59 +151,58 @@ void bytes_complement(std::uint8_t* area, std::uint32_t size) {
   std::transform(area, area + size, area, [](std::uint8_t byte) { return static_cast<std::uint8_t>(~byte); });
 }
 
-Status bits_set(const SideBuild& build, const Rule* rules) {
-  if (const Status s = matrices_make(build.side); s != Status::ok) return s;
+Status bits_set(Session& session, RuleIndex& index, const SideBuild& build, const Rule* rules) {
+  if (const Status s = matrices_make(index, build.side); s != Status::ok) return s;
   std::size_t number = 0;
   for (const Rule& rule : chain<&Rule::next>(rules)) {
-    if (const Status s = must_leave(); s != Status::ok) return s;
-    rule_bits_set(build.side, conditions(build, rule), number++);
+    if (const Status s = must_leave(session); s != Status::ok) return s;
+    rule_bits_set(index, build.side, conditions(build, rule), number++);
   }
   bytes_complement(build.side.neg_matrix, build.side.matrix_size);
   return Status::ok;
 }
 
-Status side_build(NodePattern* Rule::*pattern, MatrixSide& side, const Rule* rules) {
+Status side_build(Session& session, RuleIndex& index, NodePattern* Rule::*pattern, MatrixSide& side,
+                  const Rule* rules) {
   const SideBuild build{pattern, side};
-  if (const Status s = names_sort(build, rules); s != Status::ok) return s;
-  return bits_set(build, rules);
+  if (const Status s = names_sort(session, build, rules); s != Status::ok) return s;
+  return bits_set(session, index, build, rules);
 }
 
-void rules_count(Rule* rules) {
-  rule_matrix.rules = rules;
-  for ([[maybe_unused]] const Rule& rule : chain<&Rule::next>(rules)) ++rule_matrix.rule_count;
-  rule_matrix.row_bytes = (rule_matrix.rule_count - 1) / 8 + 1;
+void rules_count(RuleIndex& index, Rule* rules) {
+  index.matrix.rules = rules;
+  for ([[maybe_unused]] const Rule& rule : chain<&Rule::next>(rules)) ++index.matrix.rule_count;
+  index.matrix.row_bytes = (index.matrix.rule_count - 1) / 8 + 1;
 }
 
-Status build_all(Rule* rules) {
-  rules_count(rules);
-  if (const Status s = side_build(&Rule::lnode, rule_matrix.left, rules); s != Status::ok) return s;
-  if (const Status s = side_build(&Rule::rnode, rule_matrix.right, rules); s != Status::ok) return s;
-  return rule_search_prepare();
+Status build_all(Session& session, RuleIndex& index, Rule* rules) {
+  rules_count(index, rules);
+  if (const Status s = side_build(session, index, &Rule::lnode, index.matrix.left, rules); s != Status::ok) return s;
+  if (const Status s = side_build(session, index, &Rule::rnode, index.matrix.right, rules); s != Status::ok) return s;
+  return rule_search_prepare(index);
 }
 
 void side_release(MatrixSide& side) {
-  for (void* block :
-       {static_cast<void*>(side.attr_pool), static_cast<void*>(side.attr_table), static_cast<void*>(side.pos_matrix),
-        static_cast<void*>(side.neg_matrix), static_cast<void*>(side.result_vector),
-        static_cast<void*>(side.missing_vector), static_cast<void*>(side.union_vector)}) {
+  for (void* block : {static_cast<void*>(side.attr_pool), static_cast<void*>(side.attr_table),
+                      static_cast<void*>(side.pos_matrix), static_cast<void*>(side.neg_matrix)}) {
     std::free(block);
   }
 }
 
 }  // namespace
 
-Status rule_matrix_build(Rule* rules) {
-  rule_matrix_clear();
-  const Status status = build_all(rules);
-  if (status != Status::ok) rule_matrix_clear();
+Status rule_matrix_build(Session& session, RuleIndex& index, Rule* rules) {
+  rule_matrix_clear(index);
+  const Status status = build_all(session, index, rules);
+  if (status != Status::ok) rule_matrix_clear(index);
   return status;
 }
 
-void rule_matrix_clear() {
-  rule_search_clear();
-  side_release(rule_matrix.left);
-  side_release(rule_matrix.right);
-  rule_matrix = {};
+void rule_matrix_clear(RuleIndex& index) {
+  rule_search_clear(index);
+  side_release(index.matrix.left);
+  side_release(index.matrix.right);
+  index.matrix = {};
 }
 
 std::int32_t attr_table_find(const char* name, char* const* table, std::int32_t count) {
@@ -226,7 +222,7 @@ std::int32_t attr_table_find(const char* name, char* const* table, std::int32_t 
 }
 
 void* zeroed_block(std::uint64_t size) {
-  return size == 0 || allocation_refused() ? nullptr : std::calloc(size, 1);
+  return size == 0 ? nullptr : std::calloc(size, 1);
 }
 
 }  // namespace lexon

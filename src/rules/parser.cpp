@@ -8,8 +8,7 @@
 #include "data/chars.hpp"
 #include "data/output.hpp"
 #include "data/pool.hpp"
-#include "data/sentence.hpp"
-#include "data/state.hpp"
+#include "data/session.hpp"
 #include "data/text_line.hpp"
 #include "rules/pattern_parser.hpp"
 
@@ -27,16 +26,16 @@ bool is_insertion_type(std::uint8_t type) {
   return type == rule_type::insertion || type == rule_type::insertion_a || type == rule_type::post_insertion;
 }
 
-bool section_failed(const char* section) {
-  out_print(" in %s\n", section);
+bool section_failed(Session& session, const char* section) {
+  out_print(session, " in %s\n", section);
   return false;
 }
 
-bool type_read(LineReading& line) {
+bool type_read(Session& session, LineReading& line) {
   line.rule.type = parse_rule_type(line.cursor);
   if (line.rule.type == 0) {
-    rule_error_print(line.parse, line.cursor, " in TYPE\n");
-    rule_fault_note(line.parse, line.cursor, RuleFault::type);
+    rule_error_print(session, line.parse, line.cursor, " in TYPE\n");
+    rule_fault_note(session, line.parse, line.cursor, RuleFault::type);
     return false;
   }
   line.cursor = skip_blanks(line.cursor);
@@ -45,10 +44,12 @@ bool type_read(LineReading& line) {
 
 enum class GroupOrder { of_text, reversed };
 
-bool groups_read(LineReading& line, ContextGroup*& list, GroupOrder order, const char* section) {
+bool groups_read(Session& session, Pool& pool, LineReading& line, ContextGroup*& list, GroupOrder order,
+                 const char* section) {
   while (*line.cursor == '(') {
     ContextGroup* group = nullptr;
-    if (parse_context_group(line.parse, line.cursor, group) != Status::ok) return section_failed(section);
+    if (parse_context_group(session, pool, line.parse, line.cursor, group) != Status::ok)
+      return section_failed(session, section);
     if (order == GroupOrder::reversed) {
       group->next = list;
       list = group;
@@ -62,14 +63,14 @@ bool groups_read(LineReading& line, ContextGroup*& list, GroupOrder order, const
 
 // A lone starred group without attributes says nothing.
 // wanted: surface forms and concept words that it holds go with it.
-void lone_group_drop(ContextGroup*& list) {
+void lone_group_drop(Pool& pool, ContextGroup*& list) {
   const bool is_lone = list != nullptr && list->next == nullptr;
-  if (is_lone && list->star != 0 && list->attr_conds == nullptr) group_list_free(list);
+  if (is_lone && list->star != 0 && list->attr_conds == nullptr) group_list_free(pool, list);
 }
 
-bool pre_read(LineReading& line) {
-  if (!groups_read(line, line.rule.pre, GroupOrder::reversed, "PRE")) return false;
-  lone_group_drop(line.rule.pre);
+bool pre_read(Session& session, Pool& pool, LineReading& line) {
+  if (!groups_read(session, pool, line, line.rule.pre, GroupOrder::reversed, "PRE")) return false;
+  lone_group_drop(pool, line.rule.pre);
   return true;
 }
 
@@ -85,46 +86,46 @@ RuleFault opener_fault(const LineReading& line, bool is_left) {
 }
 
 // `allowed`: does the type, and what has been read of the rule, allow the opener under the cursor?
-bool pattern_read(LineReading& line, char side, bool allowed, NodePattern*& pattern) {
+bool pattern_read(Session& session, Pool& pool, LineReading& line, char side, bool allowed, NodePattern*& pattern) {
   const bool is_left = side == 'l';
   if (!allowed) {
-    rule_error_print(line.parse, line.cursor, is_left ? " in LNODE\n" : " in RNODE\n");
-    rule_fault_note(line.parse, line.cursor, opener_fault(line, is_left));
+    rule_error_print(session, line.parse, line.cursor, is_left ? " in LNODE\n" : " in RNODE\n");
+    rule_fault_note(session, line.parse, line.cursor, opener_fault(line, is_left));
     return false;
   }
-  if (parse_node_pattern(line.parse, side, line.cursor, pattern) != Status::ok) {
-    return section_failed(is_left ? "LNODE" : "RNODE");
+  if (parse_node_pattern(session, pool, line.parse, side, line.cursor, pattern) != Status::ok) {
+    return section_failed(session, is_left ? "LNODE" : "RNODE");
   }
   line.cursor = skip_blanks(line.cursor);
   return true;
 }
 
-bool lnode_read(LineReading& line) {
+bool lnode_read(Session& session, Pool& pool, LineReading& line) {
   const std::uint8_t type = line.rule.type;
   const bool braces = *line.cursor == '{' && type != rule_type::shift_left;
   const bool quotes = *line.cursor == '"' && (is_insertion_type(type) || type == rule_type::shift_left);
-  return pattern_read(line, 'l', braces || quotes, line.rule.lnode);
+  return pattern_read(session, pool, line, 'l', braces || quotes, line.rule.lnode);
 }
 
-bool mid_read(LineReading& line) {
+bool mid_read(Session& session, Pool& pool, LineReading& line) {
   const std::uint8_t type = line.rule.type;
   const bool may_have_mid = type == rule_type::insertion || type == rule_type::post_insertion;
   if (!may_have_mid && *line.cursor == '(') {
-    rule_error_print(line.parse, line.cursor, ", MID is not allowed\n");
-    rule_fault_note(line.parse, line.cursor, RuleFault::mid);
+    rule_error_print(session, line.parse, line.cursor, ", MID is not allowed\n");
+    rule_fault_note(session, line.parse, line.cursor, RuleFault::mid);
     return false;
   }
   const auto order = line.rule.lnode->inserted == 0 ? GroupOrder::of_text : GroupOrder::reversed;
-  return groups_read(line, line.rule.mid, order, "MID");
+  return groups_read(session, pool, line, line.rule.mid, order, "MID");
 }
 
-bool rnode_read(LineReading& line) {
+bool rnode_read(Session& session, Pool& pool, LineReading& line) {
   const std::uint8_t type = line.rule.type;
   // MID stands between two nodes one of which is brought in.
   const bool may_stand = line.rule.mid == nullptr || line.rule.lnode->inserted != 0;
   const bool braces = *line.cursor == '{' && type != rule_type::shift_right && may_stand;
   const bool quotes = *line.cursor == '"' && (is_insertion_type(type) || type == rule_type::shift_right);
-  return pattern_read(line, 'r', braces || quotes, line.rule.rnode);
+  return pattern_read(session, pool, line, 'r', braces || quotes, line.rule.rnode);
 }
 
 bool lacks_relation(const Rule& rule) {
@@ -132,27 +133,28 @@ bool lacks_relation(const Rule& rule) {
   return wants_relation && rule.lnode->relations == nullptr && rule.rnode->relations == nullptr;
 }
 
-bool ends_sometime(LineReading& line) {
+bool ends_sometime(Session& session, LineReading& line) {
   if (lacks_relation(line.rule)) {
-    out_print(";;%s;;WARNING(0,%d), no relation is found in LNODE and RNODE of above rule of type '>' or '<'\n",
+    out_print(session,
+              ";;%s;;WARNING(0,%d), no relation is found in LNODE and RNODE of above rule of type '>' or '<'\n",
               line.parse.start, line.parse.line);
-    rule_fault_note(line.parse, line.parse.start, RuleFault::no_relation);
+    rule_fault_note(session, line.parse, line.parse.start, RuleFault::no_relation);
     return true;
   }
   if (!is_endless_rule(line.rule)) return true;
-  out_print(";;%s;;ERR(0,%d), an endless loop rule\n", line.parse.start, line.parse.line);
-  rule_fault_note(line.parse, line.parse.start, RuleFault::endless);
+  out_print(session, ";;%s;;ERR(0,%d), an endless loop rule\n", line.parse.start, line.parse.line);
+  rule_fault_note(session, line.parse, line.parse.start, RuleFault::endless);
   return false;
 }
 
-bool suf_read(LineReading& line) {
-  if (!groups_read(line, line.rule.suf, GroupOrder::of_text, "SUF")) return false;
-  lone_group_drop(line.rule.suf);
+bool suf_read(Session& session, Pool& pool, LineReading& line) {
+  if (!groups_read(session, pool, line, line.rule.suf, GroupOrder::of_text, "SUF")) return false;
+  lone_group_drop(pool, line.rule.suf);
   return true;
 }
 
 // wanted: the number wraps at 256 without a word, and 0 draws the warning however it came about.
-bool priority_read(LineReading& line) {
+bool priority_read(Session& session, LineReading& line) {
   std::uint8_t& priority = line.rule.priority;
   if (*line.cursor == 'P') {
     for (++line.cursor; is_digit(*line.cursor); ++line.cursor) {
@@ -160,16 +162,17 @@ bool priority_read(LineReading& line) {
     }
   }
   if (priority == 0) {
-    out_print(";;%s;;WARNING(0,%d), no priority in above rule, to be treated as 0\n", line.parse.start,
+    out_print(session, ";;%s;;WARNING(0,%d), no priority in above rule, to be treated as 0\n", line.parse.start,
               line.parse.line);
-    rule_fault_note(line.parse, line.cursor, RuleFault::no_priority);
+    rule_fault_note(session, line.parse, line.cursor, RuleFault::no_priority);
   }
   return true;
 }
 
-bool rule_read(LineReading& line) {
-  return type_read(line) && pre_read(line) && lnode_read(line) && mid_read(line) && rnode_read(line) &&
-         ends_sometime(line) && suf_read(line) && priority_read(line);
+bool rule_read(Session& session, Pool& pool, LineReading& line) {
+  return type_read(session, line) && pre_read(session, pool, line) && lnode_read(session, pool, line) &&
+         mid_read(session, pool, line) && rnode_read(session, pool, line) && ends_sometime(session, line) &&
+         suf_read(session, pool, line) && priority_read(session, line);
 }
 
 // A list for each priority, so that a rule finds its place at once.
@@ -201,43 +204,43 @@ bool is_rule_line(const char* text) {
   return first != ';' && first != '\n';
 }
 
-Status line_parse(RuleParse& parse, PriorityLists& lists) {
-  auto* rule = perm_new<Rule>();
+Status line_parse(Session& session, Pool& pool, RuleParse& parse, PriorityLists& lists) {
+  auto* rule = perm_new<Rule>(pool);
   if (rule == nullptr) return Status::memory;
   LineReading line{parse, skip_blanks(parse.start), *rule};
-  if (rule_read(line)) {
+  if (rule_read(session, pool, line)) {
     rule_enter(lists, *rule);
   } else {
     if (parse.notes != nullptr) ++parse.notes->refused;
-    rule_list_free(rule);
+    rule_list_free(pool, rule);
   }
   return Status::ok;
 }
 
 }  // namespace
 
-Status parse_rule_file(std::FILE* stream, Rule*& rules, RuleNotes* notes) {
+Status parse_rule_file(Session& session, Pool& pool, std::FILE* stream, Rule*& rules, RuleNotes* notes) {
   rules = nullptr;
   char text[kLineSize];
-  RuleParse parse{.start = text, .status = state.engine_status, .notes = notes};
+  RuleParse parse{.start = text, .status = session.state.engine_status, .notes = notes};
   PriorityLists lists;
   while (text_line_read(stream, text, kLineSize, notes == nullptr ? nullptr : &notes->text)) {
-    if (const Status leave = must_leave(); leave != Status::ok) return leave;
+    if (const Status leave = must_leave(session); leave != Status::ok) return leave;
     ++parse.line;
     parse.status = Status::ok;
     if (!is_rule_line(text)) continue;
-    const Status status = line_parse(parse, lists);
-    if (notes != nullptr && must_leave() == Status::memory) notes->memory_line = notes->text.line;
+    const Status status = line_parse(session, pool, parse, lists);
+    if (notes != nullptr && must_leave(session) == Status::memory) notes->memory_line = notes->text.line;
     if (status != Status::ok) return status;
   }
-  if (const Status leave = must_leave(); leave != Status::ok) return leave;
+  if (const Status leave = must_leave(session); leave != Status::ok) return leave;
   // Half a rule base would say other things than the linguist wrote.
   if (std::ferror(stream) != 0) {
-    out_print(";;the rule text cannot be read behind line %d\n", parse.line);
+    out_print(session, ";;the rule text cannot be read behind line %d\n", parse.line);
     return Status::no_effect;
   }
   rules = rules_joined(lists);
-  state.engine_status = parse.status;
+  session.state.engine_status = parse.status;
   if (notes != nullptr) notes->last_line_fails = parse.status != Status::ok;
   return parse.status;
 }

@@ -6,7 +6,7 @@
 #include "data/chain.hpp"
 #include "data/output.hpp"
 #include "data/pool.hpp"
-#include "data/state.hpp"
+#include "data/session.hpp"
 #include "rules/parser.hpp"
 #include "rules/scanners.hpp"
 
@@ -17,9 +17,10 @@ int column_of(const RuleParse& parse, const char* position) {
   return static_cast<int>(position - parse.start);
 }
 
-Status syntax_error(const RuleParse& parse, const char* position, const char* behind, RuleFault fault) {
-  rule_error_print(parse, position, behind);
-  rule_fault_note(parse, position, fault);
+Status syntax_error(Session& session, const RuleParse& parse, const char* position, const char* behind,
+                    RuleFault fault) {
+  rule_error_print(session, parse, position, behind);
+  rule_fault_note(session, parse, position, fault);
   return Status::no_effect;
 }
 
@@ -37,15 +38,15 @@ std::uint8_t prefix_op(ItemPlace place, const char*& cursor) {
 
 // The item behind its prefix. A second "[" opens a concept word, unless a "]" that can close stands behind it: then
 // it is itself the surface form.
-Status item_body_read(ItemPlace place, const char*& cursor, CondItem& item, ItemKind& kind) {
+Status item_body_read(Pool& pool, ItemPlace place, const char*& cursor, CondItem& item, ItemKind& kind) {
   kind = ItemKind::attribute;
-  if (*cursor != '[') return scan_attr_token(cursor, item, kAttrTokenLimit);
+  if (*cursor != '[') return scan_attr_token(pool, cursor, item, kAttrTokenLimit);
   ++cursor;
   const bool is_cw = *cursor == '[' && !is_hw_text_end(cursor + 1);
   kind = is_cw ? ItemKind::cw : ItemKind::hw;
   if (place == ItemPlace::action) item.op = is_cw ? kOpSetCw : kOpSetHw;
   if (is_cw) ++cursor;
-  item.text = is_cw ? scan_cw_text(cursor) : scan_hw_text(cursor);
+  item.text = is_cw ? scan_cw_text(pool, cursor) : scan_hw_text(pool, cursor);
   return item.text == nullptr ? Status::no_effect : Status::ok;
 }
 
@@ -55,21 +56,23 @@ bool is_out_of_place(ItemPlace place, char c) {
   return place == ItemPlace::cond && c == ')';
 }
 
-Status item_read(const RuleParse& parse, ItemPlace place, const char*& cursor, CondItem& item, ItemKind& kind) {
+Status item_read(Session& session, Pool& pool, const RuleParse& parse, ItemPlace place, const char*& cursor,
+                 CondItem& item, ItemKind& kind) {
   const char* const section = place == ItemPlace::action ? " in ACTION" : " in COND";
   if (place == ItemPlace::action && *cursor == '^') {
-    return syntax_error(parse, cursor, section, RuleFault::not_in_action);
+    return syntax_error(session, parse, cursor, section, RuleFault::not_in_action);
   }
   item.op = prefix_op(place, cursor);
   const char* const start = cursor;
-  const Status status = item_body_read(place, cursor, item, kind);
+  const Status status = item_body_read(pool, place, cursor, item, kind);
   if (status == Status::no_effect) {
-    return syntax_error(parse, start, section, *start == '[' ? RuleFault::bracket_open : RuleFault::item_open);
+    return syntax_error(session, parse, start, section, *start == '[' ? RuleFault::bracket_open : RuleFault::item_open);
   }
   cursor = skip_commas(cursor);
   if (is_out_of_place(place, *cursor)) {
     const bool in_group = place == ItemPlace::group;
-    return syntax_error(parse, cursor, section, in_group ? RuleFault::group_character : RuleFault::paren_in_cond);
+    return syntax_error(session, parse, cursor, section,
+                        in_group ? RuleFault::group_character : RuleFault::paren_in_cond);
   }
   return status;
 }
@@ -106,18 +109,18 @@ const char* limit_message(ItemKind kind) {
                               : " more than 2 affirmative condtions of CW are not allowed in COND";
 }
 
-Status cond_section(PatternReading& reading) {
+Status cond_section(Session& session, Pool& pool, PatternReading& reading) {
   const char* const start = reading.cursor;
   while (!is_section_end(*reading.cursor)) {
     CondItem* item = nullptr;
     ItemKind kind{};
-    const Status status = parse_cond_item(reading.parse, ItemPlace::cond, reading.cursor, item, kind);
+    const Status status = parse_cond_item(session, pool, reading.parse, ItemPlace::cond, reading.cursor, item, kind);
     if (status != Status::ok) return status;
     CondItem*& list = conditions_of(reading.pattern, kind);
     // wanted: the second affirmative one is refused, whatever the message says of "more than 2".
     if (kind != ItemKind::attribute && item->op == kOpHas && has_affirmative(list)) {
-      item_list_free(item);
-      return syntax_error(reading.parse, start, limit_message(kind),
+      item_list_free(pool, item);
+      return syntax_error(session, reading.parse, start, limit_message(kind),
                           kind == ItemKind::hw ? RuleFault::second_form : RuleFault::second_concept);
     }
     chain_append<&CondItem::next>(list, item);
@@ -125,46 +128,46 @@ Status cond_section(PatternReading& reading) {
   return Status::ok;
 }
 
-Status action_section(PatternReading& reading) {
+Status action_section(Session& session, Pool& pool, PatternReading& reading) {
   while (!is_section_end(*reading.cursor)) {
     CondItem* item = nullptr;
     ItemKind kind{};
-    const Status status = parse_cond_item(reading.parse, ItemPlace::action, reading.cursor, item, kind);
+    const Status status = parse_cond_item(session, pool, reading.parse, ItemPlace::action, reading.cursor, item, kind);
     if (status != Status::ok) return status;
     if (kind == ItemKind::hw) reading.pattern.hw_action = item->text;
     if (kind == ItemKind::cw) reading.pattern.cw_action = item->text;
     chain_append<&CondItem::next>(reading.pattern.actions, item);
     if (*reading.cursor == ')') {
-      return syntax_error(reading.parse, reading.cursor, " in ACTION", RuleFault::paren_in_action);
+      return syntax_error(session, reading.parse, reading.cursor, " in ACTION", RuleFault::paren_in_action);
     }
   }
   return Status::ok;
 }
 
 // What a scanner made of an item: it joins the list, or goes with a message at `start`.
-Status scanned_item_keep(const PatternReading& reading, Status scanned, const char* start, CondItem* item,
-                         CondItem*& list, const char* section, RuleFault fault) {
+Status scanned_item_keep(Session& session, Pool& pool, const PatternReading& reading, Status scanned, const char* start,
+                         CondItem* item, CondItem*& list, const char* section, RuleFault fault) {
   if (scanned == Status::ok) {
     chain_append<&CondItem::next>(list, item);
     return Status::ok;
   }
-  item_list_free(item);
-  return scanned == Status::no_effect ? syntax_error(reading.parse, start, section, fault) : scanned;
+  item_list_free(pool, item);
+  return scanned == Status::no_effect ? syntax_error(session, reading.parse, start, section, fault) : scanned;
 }
 
-Status relation_section(PatternReading& reading) {
+Status relation_section(Session& session, Pool& pool, PatternReading& reading) {
   while (!is_section_end(*reading.cursor)) {
     const char* const start = reading.cursor;
-    auto* item = perm_new<CondItem>();
+    auto* item = perm_new<CondItem>(pool);
     if (item == nullptr) return Status::memory;
     item->op = static_cast<std::uint8_t>(reading.side);
-    const Status scanned = scan_relation_label(reading.cursor, *item, kRelationLabelLimit);
-    const Status status = scanned_item_keep(reading, scanned, start, item, reading.pattern.relations, " in RELATION",
-                                            RuleFault::relation);
+    const Status scanned = scan_relation_label(pool, reading.cursor, *item, kRelationLabelLimit);
+    const Status status = scanned_item_keep(session, pool, reading, scanned, start, item, reading.pattern.relations,
+                                            " in RELATION", RuleFault::relation);
     if (status != Status::ok) return status;
     reading.cursor = skip_commas(reading.cursor);
     if (*reading.cursor == ')') {
-      return syntax_error(reading.parse, reading.cursor, " in RELATION", RuleFault::relation);
+      return syntax_error(session, reading.parse, reading.cursor, " in RELATION", RuleFault::relation);
     }
   }
   return Status::ok;
@@ -174,71 +177,74 @@ bool is_role_sign(char c) {
   return c == '<' || c == '>';
 }
 
-Status role_read(PatternReading& reading) {
-  auto* item = perm_new<CondItem>();
+Status role_read(Session& session, Pool& pool, PatternReading& reading) {
+  auto* item = perm_new<CondItem>(pool);
   if (item == nullptr) return Status::memory;
   item->op = static_cast<std::uint8_t>(is_role_sign(*reading.cursor) ? *reading.cursor++ : '<');
   const char* const start = reading.cursor;
-  const Status scanned = scan_attr_token(reading.cursor, *item, kRoleTokenLimit);
-  const Status status =
-      scanned_item_keep(reading, scanned, start, item, reading.pattern.roles, " in ROLE", RuleFault::role_open);
+  const Status scanned = scan_attr_token(pool, reading.cursor, *item, kRoleTokenLimit);
+  const Status status = scanned_item_keep(session, pool, reading, scanned, start, item, reading.pattern.roles,
+                                          " in ROLE", RuleFault::role_open);
   reading.cursor = skip_commas(reading.cursor);
   return status;
 }
 
-Status role_section(PatternReading& reading) {
+Status role_section(Session& session, Pool& pool, PatternReading& reading) {
   while (!is_section_end(*reading.cursor) && *reading.cursor != ')') {
-    if (const Status status = role_read(reading); status != Status::ok) return status;
+    if (const Status status = role_read(session, pool, reading); status != Status::ok) return status;
   }
   const bool is_fifth_section = *reading.cursor == ':';
   if (!is_fifth_section && *reading.cursor != ')') return Status::ok;
-  out_print(";;%s;;ROLE ERR(%d,%d)", reading.cursor, column_of(reading.parse, reading.cursor), reading.parse.line);
-  rule_fault_note(reading.parse, reading.cursor, is_fifth_section ? RuleFault::section_too_many : RuleFault::role);
+  out_print(session, ";;%s;;ROLE ERR(%d,%d)", reading.cursor, column_of(reading.parse, reading.cursor),
+            reading.parse.line);
+  rule_fault_note(session, reading.parse, reading.cursor,
+                  is_fifth_section ? RuleFault::section_too_many : RuleFault::role);
   return Status::no_effect;
 }
 
 // Notes why a pattern has no closer. Only a bracket that nothing closes takes all the rest of its line.
-void closer_fault_note(const PatternReading& reading) {
+void closer_fault_note(Session& session, const PatternReading& reading) {
   const char* const bracket = *reading.cursor == '\0' ? std::strrchr(reading.parse.start, '[') : nullptr;
-  if (bracket == nullptr) return rule_fault_note(reading.parse, reading.cursor, RuleFault::pattern_open);
-  rule_fault_note(reading.parse, bracket, RuleFault::bracket_open);
+  if (bracket == nullptr) return rule_fault_note(session, reading.parse, reading.cursor, RuleFault::pattern_open);
+  rule_fault_note(session, reading.parse, bracket, RuleFault::bracket_open);
 }
 
 // The closer is not tied to the opener.
-Status closer_read(PatternReading& reading) {
+Status closer_read(Session& session, PatternReading& reading) {
   reading.cursor = skip_blanks(reading.cursor);
   if (*reading.cursor == '}' || *reading.cursor == '"') {
     ++reading.cursor;
     return Status::ok;
   }
-  rule_error_print(reading.parse, reading.cursor, "");
-  closer_fault_note(reading);
+  rule_error_print(session, reading.parse, reading.cursor, "");
+  closer_fault_note(session, reading);
   return Status::no_effect;
 }
 
-Status sections_read(PatternReading& reading) {
-  if (const Status status = cond_section(reading); status != Status::ok) return status;
+Status sections_read(Session& session, Pool& pool, PatternReading& reading) {
+  if (const Status status = cond_section(session, pool, reading); status != Status::ok) return status;
   for (auto* const section : {action_section, relation_section, role_section}) {
     if (*reading.cursor != ':') break;
     reading.cursor = skip_blanks(reading.cursor + 1);
-    if (const Status status = section(reading); status != Status::ok) return status;
+    if (const Status status = section(session, pool, reading); status != Status::ok) return status;
   }
-  return closer_read(reading);
+  return closer_read(session, reading);
 }
 
 // ---- Groups ----
 
-Status group_read(RuleParse& parse, const char* opener, const char*& cursor, ContextGroup& group) {
+Status group_read(Session& session, Pool& pool, RuleParse& parse, const char* opener, const char*& cursor,
+                  ContextGroup& group) {
   while (*cursor != ')' && *cursor != '\0') {
     CondItem* item = nullptr;
     ItemKind kind{};
-    const Status status = parse_cond_item(parse, ItemPlace::group, cursor, item, kind);
+    const Status status = parse_cond_item(session, pool, parse, ItemPlace::group, cursor, item, kind);
     if (status != Status::ok) return status;
     chain_append<&CondItem::next>(conditions_of(group, kind), item);
   }
   // wanted: a line that ends between two items has no message here.
   if (*cursor == '\0') {
-    rule_fault_note(parse, opener, RuleFault::group_open);
+    rule_fault_note(session, parse, opener, RuleFault::group_open);
     return Status::no_effect;
   }
   ++cursor;
@@ -251,44 +257,46 @@ Status group_read(RuleParse& parse, const char* opener, const char*& cursor, Con
 
 }  // namespace
 
-void rule_error_print(const RuleParse& parse, const char* position, const char* behind) {
-  out_print(";;%s;;ERR(%d,%d)%s", position, column_of(parse, position), parse.line, behind);
+void rule_error_print(Session& session, const RuleParse& parse, const char* position, const char* behind) {
+  out_print(session, ";;%s;;ERR(%d,%d)%s", position, column_of(parse, position), parse.line, behind);
 }
 
-void rule_fault_note(const RuleParse& parse, const char* position, RuleFault fault) {
-  if (parse.notes == nullptr || must_leave() != Status::ok) return;
+void rule_fault_note(Session& session, const RuleParse& parse, const char* position, RuleFault fault) {
+  if (parse.notes == nullptr || must_leave(session) != Status::ok) return;
   std::string_view text = parse.start;
   if (text.ends_with('\n')) text.remove_suffix(1);
   const auto column = static_cast<std::size_t>(position - parse.start);
   parse.notes->notes.push_back({parse.notes->text.line, column, fault, std::string(text)});
 }
 
-Status parse_cond_item(RuleParse& parse, ItemPlace place, const char*& cursor, CondItem*& item, ItemKind& kind) {
-  item = perm_new<CondItem>();
-  parse.status = item == nullptr ? Status::memory : item_read(parse, place, cursor, *item, kind);
+Status parse_cond_item(Session& session, Pool& pool, RuleParse& parse, ItemPlace place, const char*& cursor,
+                       CondItem*& item, ItemKind& kind) {
+  item = perm_new<CondItem>(pool);
+  parse.status = item == nullptr ? Status::memory : item_read(session, pool, parse, place, cursor, *item, kind);
   if (parse.status != Status::ok) {
-    item_list_free(item);
+    item_list_free(pool, item);
     item = nullptr;
   }
   return parse.status;
 }
 
-Status parse_context_group(RuleParse& parse, const char*& cursor, ContextGroup*& group) {
+Status parse_context_group(Session& session, Pool& pool, RuleParse& parse, const char*& cursor, ContextGroup*& group) {
   const char* const opener = cursor;
   cursor = skip_blanks(cursor + 1);
-  group = perm_new<ContextGroup>();
-  parse.status = group == nullptr ? Status::memory : group_read(parse, opener, cursor, *group);
-  if (parse.status != Status::ok) group_list_free(group);
+  group = perm_new<ContextGroup>(pool);
+  parse.status = group == nullptr ? Status::memory : group_read(session, pool, parse, opener, cursor, *group);
+  if (parse.status != Status::ok) group_list_free(pool, group);
   return parse.status;
 }
 
-Status parse_node_pattern(RuleParse& parse, char side, const char*& cursor, NodePattern*& pattern) {
-  pattern = perm_new<NodePattern>();
+Status parse_node_pattern(Session& session, Pool& pool, RuleParse& parse, char side, const char*& cursor,
+                          NodePattern*& pattern) {
+  pattern = perm_new<NodePattern>(pool);
   if (pattern == nullptr) return parse.status = Status::memory;
   pattern->inserted = *cursor == '"' ? 1 : 0;
   cursor = skip_blanks(cursor + 1);
   PatternReading reading{parse, cursor, *pattern, side};
-  return parse.status = sections_read(reading);
+  return parse.status = sections_read(session, pool, reading);
 }
 
 }  // namespace lexon

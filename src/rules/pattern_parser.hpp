@@ -5,11 +5,14 @@
 // parse.
 #pragma once
 
+#include "data/pool.hpp"
 #include "data/status.hpp"
 #include "rules/rule.hpp"
 #include "rules/rule_notes.hpp"
 
 namespace lexon {
+
+struct Session;
 
 // Where the parser stands; travels through the parse of one file.
 struct RuleParse {
@@ -20,23 +23,25 @@ struct RuleParse {
 };
 
 // Prints what is wrong at `position`: the line from there on, column and line number, then `behind`.
-void rule_error_print(const RuleParse& parse, const char* position, const char* behind);
+void rule_error_print(Session& session, const RuleParse& parse, const char* position, const char* behind);
 
 // Notes what is wrong at `position`, for who wants to know. Nothing that comes of exhausted memory is a fault.
-void rule_fault_note(const RuleParse& parse, const char* position, RuleFault fault);
+void rule_fault_note(Session& session, const RuleParse& parse, const char* position, RuleFault fault);
 
 // Reads one "(" .. ")" and a "*" behind it. `group` is null on failure.
-[[nodiscard]] Status parse_context_group(RuleParse& parse, const char*& cursor, ContextGroup*& group);
+[[nodiscard]] Status parse_context_group(Session& session, Pool& pool, RuleParse& parse, const char*& cursor,
+                                         ContextGroup*& group);
 
 // Reads one pattern; `side` is 'l' or 'r'. On failure `pattern` is what has been built, for the caller to release.
-[[nodiscard]] Status parse_node_pattern(RuleParse& parse, char side, const char*& cursor, NodePattern*& pattern);
+[[nodiscard]] Status parse_node_pattern(Session& session, Pool& pool, RuleParse& parse, char side, const char*& cursor,
+                                        NodePattern*& pattern);
 
 // The places an item can stand in, and the forms it can have.
 enum class ItemPlace { group, cond, action };
 enum class ItemKind { attribute, hw, cw };
 
 // Reads one item and the commas and blanks behind it. `item` is null on failure.
-[[nodiscard]] Status parse_cond_item(RuleParse& parse, ItemPlace place, const char*& cursor, CondItem*& item,
-                                     ItemKind& kind);
+[[nodiscard]] Status parse_cond_item(Session& session, Pool& pool, RuleParse& parse, ItemPlace place,
+                                     const char*& cursor, CondItem*& item, ItemKind& kind);
 
 }  // namespace lexon

@@ -2,7 +2,7 @@
 
 #include "data/chain.hpp"
 #include "data/output.hpp"
-#include "data/state.hpp"
+#include "data/session.hpp"
 
 namespace lexon {
 namespace {
@@ -27,11 +27,11 @@ const char* type_name(std::uint8_t type) {
   }
 }
 
-void type_print(std::uint8_t type) {
+void type_print(Session& session, std::uint8_t type) {
   if (const char* const name = type_name(type); name != nullptr) {
-    out_print("%s", name);
+    out_print(session, "%s", name);
   } else {
-    out_print("%c", type);
+    out_print(session, "%c", type);
   }
 }
 
@@ -40,19 +40,19 @@ const char* comma_if(bool wanted) {
 }
 
 // The signs "+" and "-" of conditions are not shown.
-void conditions_print(const CondItem* conditions, const char* open, const char* close) {
+void conditions_print(Session& session, const CondItem* conditions, const char* open, const char* close) {
   for (const CondItem& item : chain<&CondItem::next>(conditions)) {
     const char* const sign = item.op == kOpNot ? "^" : "";
-    out_print("%s%s%s%s%s", sign, open, item.text, close, comma_if(item.next != nullptr));
+    out_print(session, "%s%s%s%s%s", sign, open, item.text, close, comma_if(item.next != nullptr));
   }
 }
 
-void cond_print(const CondItem* hw_conds, const CondItem* cw_conds, const CondItem* attr_conds) {
-  conditions_print(hw_conds, "[", "]");
-  out_print("%s", comma_if(hw_conds != nullptr && (cw_conds != nullptr || attr_conds != nullptr)));
-  conditions_print(cw_conds, "[[", "]]");
-  out_print("%s", comma_if(cw_conds != nullptr && attr_conds != nullptr));
-  conditions_print(attr_conds, "", "");
+void cond_print(Session& session, const CondItem* hw_conds, const CondItem* cw_conds, const CondItem* attr_conds) {
+  conditions_print(session, hw_conds, "[", "]");
+  out_print(session, "%s", comma_if(hw_conds != nullptr && (cw_conds != nullptr || attr_conds != nullptr)));
+  conditions_print(session, cw_conds, "[[", "]]");
+  out_print(session, "%s", comma_if(cw_conds != nullptr && attr_conds != nullptr));
+  conditions_print(session, attr_conds, "", "");
 }
 
 const char* action_sign(std::uint8_t op) {
@@ -61,77 +61,77 @@ const char* action_sign(std::uint8_t op) {
 }
 
 // wanted: a comma follows each text whenever there are actions at all, though they may be those texts alone.
-void actions_print(const NodePattern& pattern) {
+void actions_print(Session& session, const NodePattern& pattern) {
   const bool has_actions = pattern.actions != nullptr;
   const bool has_cw = pattern.cw_action != nullptr;
-  if (pattern.hw_action != nullptr) out_print("[%s]%s", pattern.hw_action, comma_if(has_cw || has_actions));
-  if (has_cw) out_print("[[%s]]%s", pattern.cw_action, comma_if(has_actions));
+  if (pattern.hw_action != nullptr) out_print(session, "[%s]%s", pattern.hw_action, comma_if(has_cw || has_actions));
+  if (has_cw) out_print(session, "[[%s]]%s", pattern.cw_action, comma_if(has_actions));
   for (const CondItem& item : chain<&CondItem::next>(pattern.actions)) {
     if (item.op >= kOpSetHw) continue;
-    out_print("%s%s%s", action_sign(item.op), item.text, comma_if(item.next != nullptr));
+    out_print(session, "%s%s%s", action_sign(item.op), item.text, comma_if(item.next != nullptr));
   }
 }
 
-void texts_print(const CondItem* items) {
+void texts_print(Session& session, const CondItem* items) {
   for (const CondItem& item : chain<&CondItem::next>(items)) {
-    out_print("%s%s", item.text, comma_if(item.next != nullptr));
+    out_print(session, "%s%s", item.text, comma_if(item.next != nullptr));
   }
 }
 
-void pattern_print(const NodePattern& pattern) {
+void pattern_print(Session& session, const NodePattern& pattern) {
   const bool is_quoted = pattern.inserted != 0;
-  out_print("%s", is_quoted ? "\"" : "{");
-  cond_print(pattern.hw_conds, pattern.cw_conds, pattern.attr_conds);
-  out_print(":");
-  actions_print(pattern);
-  out_print(":");
-  texts_print(pattern.relations);
-  out_print(":");
-  texts_print(pattern.roles);
-  out_print("%s", is_quoted ? "\"" : "}");
+  out_print(session, "%s", is_quoted ? "\"" : "{");
+  cond_print(session, pattern.hw_conds, pattern.cw_conds, pattern.attr_conds);
+  out_print(session, ":");
+  actions_print(session, pattern);
+  out_print(session, ":");
+  texts_print(session, pattern.relations);
+  out_print(session, ":");
+  texts_print(session, pattern.roles);
+  out_print(session, "%s", is_quoted ? "\"" : "}");
 }
 
-void group_print(const ContextGroup& group) {
-  out_print("(");
-  cond_print(group.hw_conds, group.cw_conds, group.attr_conds);
-  out_print(group.star != 0 ? ")*" : ")");
+void group_print(Session& session, const ContextGroup& group) {
+  out_print(session, "(");
+  cond_print(session, group.hw_conds, group.cw_conds, group.attr_conds);
+  out_print(session, group.star != 0 ? ")*" : ")");
 }
 
 // Each list that is stored in the order of the walk is turned, so that all stand in the order of the text.
-void rule_body_print(const Rule& rule) {
-  type_print(rule.type);
-  groups_print_backward(rule.pre);
-  pattern_print(*rule.lnode);
+void rule_body_print(Session& session, const Rule& rule) {
+  type_print(session, rule.type);
+  groups_print_backward(session, rule.pre);
+  pattern_print(session, *rule.lnode);
   const bool mid_is_reversed = rule.lnode->inserted != 0;
-  mid_is_reversed ? groups_print_backward(rule.mid) : groups_print_forward(rule.mid);
-  pattern_print(*rule.rnode);
-  groups_print_forward(rule.suf);
-  out_print("P%d;\n", rule.priority);
+  mid_is_reversed ? groups_print_backward(session, rule.mid) : groups_print_forward(session, rule.mid);
+  pattern_print(session, *rule.rnode);
+  groups_print_forward(session, rule.suf);
+  out_print(session, "P%d;\n", rule.priority);
 }
 
 }  // namespace
 
-void groups_print_forward(const ContextGroup* group) {
-  for (const ContextGroup& each : chain<&ContextGroup::next>(group)) group_print(each);
+void groups_print_forward(Session& session, const ContextGroup* group) {
+  for (const ContextGroup& each : chain<&ContextGroup::next>(group)) group_print(session, each);
 }
 
-void groups_print_backward(const ContextGroup* group) {
+void groups_print_backward(Session& session, const ContextGroup* group) {
   if (group == nullptr) return;
-  groups_print_backward(group->next);
-  group_print(*group);
+  groups_print_backward(session, group->next);
+  group_print(session, *group);
 }
 
-void rule_print(const Rule* rule, bool one) {
-  out_print("%s", state.trace_indent);
+void rule_print(Session& session, const Rule* rule, bool one) {
+  out_print(session, "%s", session.state.trace_indent);
   for (; rule != nullptr; rule = rule->next) {
-    rule_body_print(*rule);
+    rule_body_print(session, *rule);
     if (one) return;
   }
 }
 
-void rule_stack_print(const RuleCandidate* candidates, bool one) {
+void rule_stack_print(Session& session, const RuleCandidate* candidates, bool one) {
   for (const RuleCandidate& candidate : chain<&RuleCandidate::next>(candidates)) {
-    rule_print(candidate.rule, true);
+    rule_print(session, candidate.rule, true);
     if (one) return;
   }
 }

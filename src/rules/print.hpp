@@ -6,15 +6,17 @@
 
 namespace lexon {
 
+struct Session;
+
 // Prints the trace indent and the rule; with `one` false it goes on along `next`, without a further indent. A null
 // rule prints the indent alone.
-void rule_print(const Rule* rule, bool one);
+void rule_print(Session& session, const Rule* rule, bool one);
 
 // Prints the rule of the first element, and with `one` false those of all elements, each with its indent. A null
 // list prints nothing.
-void rule_stack_print(const RuleCandidate* candidates, bool one);
+void rule_stack_print(Session& session, const RuleCandidate* candidates, bool one);
 
-void groups_print_forward(const ContextGroup* group);
-void groups_print_backward(const ContextGroup* group);
+void groups_print_forward(Session& session, const ContextGroup* group);
+void groups_print_backward(Session& session, const ContextGroup* group);
 
 }  // namespace lexon

@@ -11,8 +11,6 @@
 
 namespace lexon {
 
-constinit RuleSearch rule_search{};
-
 namespace {
 
 std::size_t to_size(std::int32_t number) {
@@ -59,13 +57,13 @@ bool prepare_names(NameIndex& index, const MatrixSide& side) {
 
 // Calls `visit` with row and rule for each bit of `pos_matrix` that stands for a rule.
 template <typename Visit>
-void for_each_requirement(const MatrixSide& side, Visit visit) {
-  const std::size_t row_bytes = to_size(rule_matrix.row_bytes);
+void for_each_requirement(RuleIndex& index, const MatrixSide& side, Visit visit) {
+  const std::size_t row_bytes = to_size(index.matrix.row_bytes);
   for (std::size_t row = 0; row < to_size(side.attr_count); ++row) {
     const std::uint8_t* bits = side.pos_matrix + row * row_bytes;
     for (std::size_t at = 0; at < row_bytes; at += kWordBytes) {
       for_each_bit(bits_at(bits, row_bytes, at), at * 8, [&](std::size_t rule) {
-        if (rule < to_size(rule_search.rule_count)) visit(row, rule);
+        if (rule < to_size(index.search.rule_count)) visit(row, rule);
       });
     }
   }
@@ -83,24 +81,25 @@ void list_append(NumberLists& lists, std::size_t key, std::size_t item) {
   lists.items[lists.starts[key + 1]++] = static_cast<std::int32_t>(item);
 }
 
-bool prepare_required_rows(SideSearch& search, const MatrixSide& side) {
-  const std::size_t rules = to_size(rule_search.rule_count);
+bool prepare_required_rows(RuleIndex& index, SideSearch& search, const MatrixSide& side) {
+  const std::size_t rules = to_size(index.search.rule_count);
   NumberLists& lists = search.required_rows;
-  const bool made = make_array(lists.starts, rules + 1) && make_array(search.demanding, to_size(rule_matrix.row_bytes));
+  const bool made =
+      make_array(lists.starts, rules + 1) && make_array(search.demanding, to_size(index.matrix.row_bytes));
   if (!made) return false;
-  for_each_requirement(side, [&](std::size_t, std::size_t rule) {
+  for_each_requirement(index, side, [&](std::size_t, std::size_t rule) {
     ++lists.starts[rule + 1];
     bit_set(search.demanding, rule);
   });
   if (!lists_open(lists, rules)) return false;
-  for_each_requirement(side, [&](std::size_t row, std::size_t rule) { list_append(lists, rule, row); });
+  for_each_requirement(index, side, [&](std::size_t row, std::size_t rule) { list_append(lists, rule, row); });
   return true;
 }
 
 // The rows that watch the rules, by rule; -1 for a rule that requires nothing.
-bool rarest_rows(std::int32_t*& watchers, const SideSearch& search, std::size_t rows) {
+bool rarest_rows(RuleIndex& index, std::int32_t*& watchers, const SideSearch& search, std::size_t rows) {
   const NumberLists& required = search.required_rows;
-  const std::size_t rules = to_size(rule_search.rule_count);
+  const std::size_t rules = to_size(index.search.rule_count);
   std::uint32_t* users = nullptr;
   const bool made = make_array(users, rows) && make_array(watchers, rules);
   if (made) {
@@ -116,11 +115,11 @@ bool rarest_rows(std::int32_t*& watchers, const SideSearch& search, std::size_t 
   return made;
 }
 
-bool prepare_watching_rules(SideSearch& search, std::size_t rows) {
-  const std::size_t rules = to_size(rule_search.rule_count);
+bool prepare_watching_rules(RuleIndex& index, SideSearch& search, std::size_t rows) {
+  const std::size_t rules = to_size(index.search.rule_count);
   NumberLists& lists = search.watching_rules;
   std::int32_t* watchers = nullptr;
-  bool made = make_array(lists.starts, rows + 1) && rarest_rows(watchers, search, rows);
+  bool made = make_array(lists.starts, rows + 1) && rarest_rows(index, watchers, search, rows);
   if (made) {
     for (std::size_t rule = 0; rule < rules; ++rule) {
       if (watchers[rule] >= 0) ++lists.starts[watchers[rule] + 1];
@@ -134,37 +133,36 @@ bool prepare_watching_rules(SideSearch& search, std::size_t rows) {
   return made;
 }
 
-bool prepare_inserted(SideSearch& search, NodePattern* Rule::*pattern) {
-  if (!make_array(search.inserted, to_size(rule_matrix.row_bytes))) return false;
-  for (std::size_t rule = 0; rule < to_size(rule_search.rule_count); ++rule) {
-    if ((rule_search.rules[rule]->*pattern)->inserted != 0) bit_set(search.inserted, rule);
+bool prepare_inserted(RuleIndex& index, SideSearch& search, NodePattern* Rule::*pattern) {
+  if (!make_array(search.inserted, to_size(index.matrix.row_bytes))) return false;
+  for (std::size_t rule = 0; rule < to_size(index.search.rule_count); ++rule) {
+    if ((index.search.rules[rule]->*pattern)->inserted != 0) bit_set(search.inserted, rule);
   }
   return true;
 }
 
-bool prepare_side(SideSearch& search, const MatrixSide& side, NodePattern* Rule::*pattern) {
+bool prepare_side(RuleIndex& index, SideSearch& search, const MatrixSide& side, NodePattern* Rule::*pattern) {
   const std::size_t rows = to_size(side.attr_count);
-  return make_array(search.is_present, rows) && make_array(search.present_rows, rows) &&
-         prepare_names(search.names, side) && prepare_required_rows(search, side) &&
-         prepare_watching_rules(search, rows) && prepare_inserted(search, pattern);
+  return prepare_names(search.names, side) && prepare_required_rows(index, search, side) &&
+         prepare_watching_rules(index, search, rows) && prepare_inserted(index, search, pattern);
 }
 
-bool prepare_rules() {
+bool prepare_rules(RuleIndex& index) {
   std::size_t listed = 0;
-  for ([[maybe_unused]] const Rule& rule : chain<&Rule::next>(rule_matrix.rules)) ++listed;
-  const std::size_t count = std::min(listed, to_size(rule_matrix.row_bytes) * 8);
-  if (!make_array(rule_search.rules, count)) return false;
-  rule_search.rule_count = static_cast<std::int32_t>(count);
-  Rule* rule = rule_matrix.rules;
-  for (std::size_t i = 0; i < count; ++i, rule = rule->next) rule_search.rules[i] = rule;
+  for ([[maybe_unused]] const Rule& rule : chain<&Rule::next>(index.matrix.rules)) ++listed;
+  const std::size_t count = std::min(listed, to_size(index.matrix.row_bytes) * 8);
+  if (!make_array(index.search.rules, count)) return false;
+  index.search.rule_count = static_cast<std::int32_t>(count);
+  Rule* rule = index.matrix.rules;
+  for (std::size_t i = 0; i < count; ++i, rule = rule->next) index.search.rules[i] = rule;
   return true;
 }
 
-bool agrees(const MatrixSide& side) {
-  if (side.attr_count < 0 || side.result_vector == nullptr || side.missing_vector == nullptr) return false;
+bool agrees(RuleIndex& index, const MatrixSide& side) {
+  if (side.attr_count < 0) return false;
   if (side.attr_count == 0) return true;
   const bool there = side.attr_table != nullptr && side.pos_matrix != nullptr && side.neg_matrix != nullptr;
-  const std::int64_t needed = std::int64_t{side.attr_count} * rule_matrix.row_bytes;
+  const std::int64_t needed = std::int64_t{side.attr_count} * index.matrix.row_bytes;
   return there && side.matrix_size >= needed &&
          std::find(side.attr_table, side.attr_table + side.attr_count, nullptr) == side.attr_table + side.attr_count;
 }
@@ -179,26 +177,26 @@ void release_side(SideSearch& search) {
   }
   release(search.demanding);
   release(search.inserted);
-  release(search.is_present);
-  release(search.present_rows);
 }
 
 }  // namespace
 
-void rule_search_clear() {
-  release_side(rule_search.left);
-  release_side(rule_search.right);
-  release(rule_search.rules);
-  rule_search = {};
+void rule_search_clear(RuleIndex& index) {
+  release_side(index.search.left);
+  release_side(index.search.right);
+  release(index.search.rules);
+  index.search = {};
 }
 
-Status rule_search_prepare() {
-  rule_search_clear();
-  const bool is_sound = rule_matrix.row_bytes > 0 && agrees(rule_matrix.left) && agrees(rule_matrix.right);
+Status rule_search_prepare(RuleIndex& index) {
+  rule_search_clear(index);
+  const bool is_sound =
+      index.matrix.row_bytes > 0 && agrees(index, index.matrix.left) && agrees(index, index.matrix.right);
   if (!is_sound) return Status::ok;
-  const bool prepared = prepare_rules() && prepare_side(rule_search.left, rule_matrix.left, &Rule::lnode) &&
-                        prepare_side(rule_search.right, rule_matrix.right, &Rule::rnode);
-  if (!prepared) rule_search_clear();
+  const bool prepared = prepare_rules(index) &&
+                        prepare_side(index, index.search.left, index.matrix.left, &Rule::lnode) &&
+                        prepare_side(index, index.search.right, index.matrix.right, &Rule::rnode);
+  if (!prepared) rule_search_clear(index);
   return prepared ? Status::ok : Status::memory;
 }
 

@@ -37,9 +37,6 @@ struct SideSearch {
   NumberLists watching_rules;  // by row
   std::uint8_t* demanding;     // bit vector: the rules that require any attribute
   std::uint8_t* inserted;      // bit vector: the rules whose pattern of this side is a quote pattern
-  std::uint8_t* is_present;    // by row; work area of a search, zeros between searches
-  std::int32_t* present_rows;  // the rows that are present, in the order of their finding; work area
-  std::int32_t present_count;
 };
 
 struct RuleSearch {
@@ -49,10 +46,20 @@ struct RuleSearch {
   SideSearch right;
 };
 
-extern RuleSearch rule_search;
+// The index over the rules of a grammar: built or loaded once, then read by any number of threads. Zeroed until then:
+// no candidates come from it.
+struct RuleIndex {
+  RuleMatrix matrix{};
+  RuleSearch search{};
+
+  RuleIndex() = default;
+  ~RuleIndex() { rule_matrix_clear(*this); }
+  RuleIndex(const RuleIndex&) = delete;
+  RuleIndex& operator=(const RuleIndex&) = delete;
+};
 
 // Releases all that the prepared search holds and zeroes it.
-void rule_search_clear();
+void rule_search_clear(RuleIndex& index);
 
 inline constexpr std::uint32_t kHashSeed = 2166136261U;
 

@@ -4,7 +4,7 @@
 
 #include "data/pool.hpp"
 #include "data/scratch.hpp"
-#include "data/sentence.hpp"
+#include "data/session.hpp"
 
 namespace lexon {
 namespace {
@@ -34,11 +34,11 @@ const char* label_end(const char* at) {
 }
 
 // Moves the cursor to `end` and keeps what it passed, cut at `limit`.
-Status token_keep(const char*& cursor, const char* end, CondItem& item, std::size_t limit) {
+Status token_keep(Pool& pool, const char*& cursor, const char* end, CondItem& item, std::size_t limit) {
   const std::string_view token(cursor, static_cast<std::size_t>(end - cursor));
   cursor = end;
   if (*end == '\0') return Status::no_effect;
-  item.text = perm_text(token.substr(0, limit));
+  item.text = perm_text(pool, token.substr(0, limit));
   return item.text == nullptr ? Status::memory : Status::ok;
 }
 
@@ -55,7 +55,7 @@ bool is_hw_text_end(const char* position) {
   return next != '\0' && is_separator(next);
 }
 
-char* scan_hw_text(const char*& cursor) {
+char* scan_hw_text(Pool& pool, const char*& cursor) {
   Scratch<kLineSize> form;
   while (*cursor != '\0' && !is_hw_text_end(cursor)) {
     if (is_escape(cursor)) ++cursor;
@@ -63,25 +63,25 @@ char* scan_hw_text(const char*& cursor) {
   }
   if (form.empty() && *cursor != ']') return nullptr;
   if (*cursor == ']') ++cursor;
-  return perm_text(form.view());
+  return perm_text(pool, form.view());
 }
 
-char* scan_cw_text(const char*& cursor) {
+char* scan_cw_text(Pool& pool, const char*& cursor) {
   const char* const start = cursor;
   while (*cursor != '\0' && *cursor != ']') ++cursor;
   const std::string_view word(start, static_cast<std::size_t>(cursor - start));
   if (word.empty() && *cursor == '\0') return nullptr;
   // wanted: two characters are passed unseen, whatever the second one is.
   for (int passed = 0; passed < 2 && *cursor != '\0'; ++passed) ++cursor;
-  return perm_text(word);
+  return perm_text(pool, word);
 }
 
-Status scan_attr_token(const char*& cursor, CondItem& item, std::size_t limit) {
-  return token_keep(cursor, attr_token_end(cursor), item, limit);
+Status scan_attr_token(Pool& pool, const char*& cursor, CondItem& item, std::size_t limit) {
+  return token_keep(pool, cursor, attr_token_end(cursor), item, limit);
 }
 
-Status scan_relation_label(const char*& cursor, CondItem& item, std::size_t limit) {
-  return token_keep(cursor, label_end(cursor), item, limit);
+Status scan_relation_label(Pool& pool, const char*& cursor, CondItem& item, std::size_t limit) {
+  return token_keep(pool, cursor, label_end(cursor), item, limit);
 }
 
 }  // namespace lexon

@@ -5,6 +5,7 @@
 #include <cstddef>
 
 #include "data/chars.hpp"
+#include "data/pool.hpp"
 #include "data/status.hpp"
 #include "rules/rule.hpp"
 
@@ -33,12 +34,12 @@ inline constexpr std::size_t kRelationLabelLimit = 3;
 
 // Read the body of a bracket item; the cursor stands behind its opening. Null if the line ends at once, or for want of
 // memory: that, too, shows as an error of syntax.
-[[nodiscard]] char* scan_hw_text(const char*& cursor);
-[[nodiscard]] char* scan_cw_text(const char*& cursor);
+[[nodiscard]] char* scan_hw_text(Pool& pool, const char*& cursor);
+[[nodiscard]] char* scan_cw_text(Pool& pool, const char*& cursor);
 
 // Read a token or a label into `item.text`, cut at `limit` characters; the rest is skipped. `no_effect` if the line
 // ended in it or directly behind it.
-[[nodiscard]] Status scan_attr_token(const char*& cursor, CondItem& item, std::size_t limit);
-[[nodiscard]] Status scan_relation_label(const char*& cursor, CondItem& item, std::size_t limit);
+[[nodiscard]] Status scan_attr_token(Pool& pool, const char*& cursor, CondItem& item, std::size_t limit);
+[[nodiscard]] Status scan_relation_label(Pool& pool, const char*& cursor, CondItem& item, std::size_t limit);
 
 }  // namespace lexon

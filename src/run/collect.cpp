@@ -5,7 +5,7 @@
 #include <utility>
 
 #include "data/chain.hpp"
-#include "data/state.hpp"
+#include "data/session.hpp"
 #include "run/render.hpp"
 
 namespace lexon {
@@ -28,7 +28,7 @@ bool append_unused_relations(const Node& node, char*& cursor, const char* end, i
   return true;
 }
 
-bool append_word(const Node& node, char*& cursor, const char* end, int scope) {
+bool append_word(Session& session, const Node& node, char*& cursor, const char* end, int scope) {
   const WordEntry* word = node.candidates;
   if (word != nullptr && word->hw != nullptr) {
     const std::size_t length = std::strlen(word->hw);
@@ -37,39 +37,40 @@ bool append_word(const Node& node, char*& cursor, const char* end, int scope) {
     std::memcpy(cursor, word->hw, length + 1);
     cursor += word->hw_len;
   }
-  return state.trace_level <= 0 || append_unused_relations(node, cursor, end, scope);
+  return session.state.trace_level <= 0 || append_unused_relations(node, cursor, end, scope);
 }
 
-bool append_scope(const Node& reference, char*& cursor, const char* end) {
-  for (std::int32_t i = 1; i < sentence.semlst_count && i < kMaxScopes; ++i) {
-    const ScopeRow& row = sentence.semlst[static_cast<std::size_t>(i)];
-    if (row.number == reference.scope) return collect_sentence(row.entry, cursor, end, row.number);
+bool append_scope(Session& session, const Node& reference, char*& cursor, const char* end) {
+  for (std::int32_t i = 1; i < session.sentence.semlst_count && i < kMaxScopes; ++i) {
+    const ScopeRow& row = session.sentence.semlst[static_cast<std::size_t>(i)];
+    if (row.number == reference.scope) return collect_sentence(session, row.entry, cursor, end, row.number);
   }
   return true;
 }
 
-bool append_node(const Node& node, char*& cursor, const char* end, int scope) {
-  if (is_scope_reference(node)) return append_scope(node, cursor, end);
-  return node.kind >= kKindBoundary || append_word(node, cursor, end, scope);
+bool append_node(Session& session, const Node& node, char*& cursor, const char* end, int scope) {
+  if (is_scope_reference(node)) return append_scope(session, node, cursor, end);
+  return node.kind >= kKindBoundary || append_word(session, node, cursor, end, scope);
 }
 
 // Collects what lies beyond `link`, with the neighbour's link back (`back`) cut meanwhile, so that the walk does not
 // turn round.
-bool collect_beyond(Node* neighbour, Node* Node::*back, char*& cursor, const char* end, int scope) {
+bool collect_beyond(Session& session, Node* neighbour, Node* Node::*back, char*& cursor, const char* end, int scope) {
   if (neighbour == nullptr) return true;
   Node* kept = std::exchange(neighbour->*back, nullptr);
-  const bool fits = collect_sentence(neighbour, cursor, end, scope);
+  const bool fits = collect_sentence(session, neighbour, cursor, end, scope);
   neighbour->*back = kept;
   return fits;
 }
 
 }  // namespace
 
-bool collect_sentence(Node* node, char*& cursor, const char* end, int scope) {
+bool collect_sentence(Session& session, Node* node, char*& cursor, const char* end, int scope) {
   if (node == nullptr) return true;
-  if (stack_nearly_used() || must_leave() != Status::ok) return false;
-  return collect_beyond(node->left, &Node::right, cursor, end, scope) && append_node(*node, cursor, end, scope) &&
-         collect_beyond(node->right, &Node::left, cursor, end, scope);
+  if (stack_nearly_used(session) || must_leave(session) != Status::ok) return false;
+  return collect_beyond(session, node->left, &Node::right, cursor, end, scope) &&
+         append_node(session, *node, cursor, end, scope) &&
+         collect_beyond(session, node->right, &Node::left, cursor, end, scope);
 }
 
 }  // namespace lexon

@@ -8,23 +8,27 @@
 #include <string>
 #include <vector>
 
+#include "data/session.hpp"
 #include "data/stamp.hpp"
 #include "dict/dictionary.hpp"
 #include "graph/reader.hpp"
-#include "rules/rule.hpp"
+#include "rules/grammar.hpp"
 #include "rules/rule_notes.hpp"
 #include "run/compiled_file.hpp"
 
 namespace lexon {
 
-// Lives on the driver's stack for the whole run. Touched by the worker alone while it runs and by the driver alone
+// Lives for the whole run. Touched by the worker alone while it runs and by the driver alone
 // between steps.
 struct RunContext {
+  Session session;
+  Grammar grammar;
+  std::atomic<std::int32_t> run_status{0};  // where the step stands; see run_state
   Dictionary dictionary;
   Dictionary cr_dictionary;        // not open when the run has none
+  File output;                     // null until it is open
   std::FILE* input = nullptr;      // the sentence position lives in this stream
   std::FILE* rule_text = nullptr;  // null when nothing is converted
-  Rule* rules = nullptr;           // null until a rule step has filled it
   bool post_edit = true;
   CompiledFile compiled_rules;
   CompiledFile compiled_matrix;
@@ -46,6 +50,7 @@ struct RunContext {
   std::int64_t tried = 0;          // sentences that were begun
   bool input_ended = false;        // the run came to the end of the input
   std::int64_t starved = 0;        // sentences that failed for want of memory
+  bool file_is_short = false;      // a file could not be read or written to its end
   std::vector<std::string> notes;  // what the user ought to know beside the output
 };
 
@@ -57,7 +62,5 @@ inline constexpr std::int32_t failed = -1;
 inline constexpr std::int32_t end_of_input = -10;
 inline constexpr std::int32_t over_time = -11;
 }  // namespace run_state
-
-extern std::atomic<std::int32_t> run_status;
 
 }  // namespace lexon

@@ -5,13 +5,11 @@
 #include <array>
 #include <cerrno>
 #include <cstring>
+#include <memory>
 #include <new>
 #include <utility>
 
 #include "data/output.hpp"
-#include "data/pool.hpp"
-#include "data/sentence.hpp"
-#include "data/state.hpp"
 #include "data/text_line.hpp"
 #include "run/context.hpp"
 #include "run/files.hpp"
@@ -20,8 +18,6 @@
 #include "run/rule_files.hpp"
 
 namespace lexon {
-
-constinit RunFaults run_faults{};
 
 namespace {
 
@@ -49,10 +45,13 @@ Opening failure_to_open(const char* what, const std::string& path) {
   return failure(cannot_open(what, path), path.empty() ? "no path is given" : system_reason());
 }
 
-Opening open_output(const RunSettings& settings) {
+Opening open_output(const RunSettings& settings, RunContext& context) {
   if (std::string conflict = output_conflict(settings); !conflict.empty()) return failure(std::move(conflict));
-  state.output = file_open(settings.output_file, "w");
-  return state.output != nullptr ? Opening{} : failure_to_open("Output File", settings.output_file);
+  std::FILE* stream = file_open(settings.output_file, "w");
+  if (stream == nullptr) return failure_to_open("Output File", settings.output_file);
+  context.output.reset(stream);
+  context.session.output.redirect(stream);
+  return {};
 }
 
 PairCheck pair_check_of(const RunSettings& settings) {
@@ -71,7 +70,7 @@ Opening open_dictionary(const RunSettings& settings, RunContext& context) {
 }
 
 Opening open_input(const RunSettings& settings, RunContext& context) {
-  context.input = text_open(settings.input_file, stop_requested);
+  context.input = text_open(settings.input_file, context.session.stop_requested);
   return context.input != nullptr ? Opening{} : failure_to_open("Input File", settings.input_file);
 }
 
@@ -80,9 +79,11 @@ void share_name_size(RunContext& context, Host& host) {
   Dictionary& words = context.dictionary;
   const Dictionary& pairs = context.cr_dictionary;
   if (pairs.name_size == 0 || pairs.name_size == words.name_size) return;
-  host.note({words.path + " and " + pairs.path + ": the names of their indexes are of different kinds, one of at most " +
-                 std::to_string(kShortNameStem) + " characters before the dot and one longer; in one run the file opened last, " +
-                 pairs.path + ", decides for both, and looking words up in " + words.path +
+  host.note({words.path + " and " + pairs.path +
+                 ": the names of their indexes are of different kinds, one of at most " +
+                 std::to_string(kShortNameStem) +
+                 " characters before the dot and one longer; in one run the file opened last, " + pairs.path +
+                 ", decides for both, and looking words up in " + words.path +
                  " fails or finds nothing: build one of the two again under a name of the other's kind",
              true, true});
   words.name_size = pairs.name_size;
@@ -111,7 +112,7 @@ Opening open_rules(const RunSettings& settings, RunContext& context) {
 }
 
 Opening open_all(const RunSettings& settings, RunContext& context, Host& host) {
-  Opening opening = open_output(settings);
+  Opening opening = open_output(settings, context);
   if (opening.succeeded) opening = open_dictionary(settings, context);
   if (opening.succeeded) opening = open_input(settings, context);
   if (opening.succeeded) opening = open_cr_dictionary(settings, context, host);
@@ -121,15 +122,16 @@ Opening open_all(const RunSettings& settings, RunContext& context, Host& host) {
 
 // False when the run was cancelled.
 bool run_rule_step(RunContext& context, Host& host) {
-  run_status = run_state::running;
+  context.run_status = run_state::running;
   const StepResult result = host.run_step(context, kRuleStepCaption, 0);
   if (result == StepResult::cancelled) {
     rule_files_cancel(context);
-    out_banner(";;Cancelled!");
+    context.session.output.banner(";;Cancelled!");
     return false;
   }
   context.rule_step_done = true;
-  rule_files_finish(context, run_status == run_state::finished);
+  session_use(context.session, context.grammar);
+  rule_files_finish(context, context.run_status == run_state::finished);
   return true;
 }
 
@@ -144,7 +146,7 @@ std::int64_t skip_sentences(RunContext& context, std::int64_t count) {
   std::array<char, kLineSize> line;
   std::int64_t passed = 0;
   while (passed < count) {
-    if (must_leave() == Status::stopped) break;
+    if (must_leave(context.session) == Status::stopped) break;
     if (!text_line_read(context.input, line.data(), kLineSize, &context.input_notes.text)) break;
     if (ends_a_sentence(line.data())) ++passed;
   }
@@ -162,24 +164,24 @@ const char* banner_of(std::int32_t status) {
 void run_sentences(const RunSettings& settings, RunContext& context, Host& host) {
   const std::int64_t end = std::int64_t{settings.start_sentence} + settings.sentence_count;
   for (std::int64_t number = settings.start_sentence;;) {
-    run_status = run_state::running;
+    context.run_status = run_state::running;
     if (host.run_step(context, kSentenceCaption, static_cast<std::int32_t>(number)) == StepResult::cancelled) {
-      out_banner(";;Cancelled!");
+      context.session.output.banner(";;Cancelled!");
       return;
     }
-    const std::int32_t status = run_status;
+    const std::int32_t status = context.run_status;
     if (status == run_state::end_of_input) {
       context.input_ended = true;
       return;
     }
-    out_banner(banner_of(status));
+    context.session.output.banner(banner_of(status));
     ++context.tried;
     ++number;
     // Nobody can read what comes behind a hole.
-    if (std::ferror(state.output) != 0) return;
+    if (std::ferror(context.output.get()) != 0) return;
     const bool has_no_end = settings.sentence_count == 0;
     // Without rules no sentence reads any input: a run without a count would go on for ever.
-    if (has_no_end ? context.rules == nullptr : end <= number) return;
+    if (has_no_end ? context.grammar.rules == nullptr : end <= number) return;
   }
 }
 
@@ -190,45 +192,44 @@ void run_steps(const RunSettings& settings, RunContext& context, Host& host) {
   const std::int64_t before = std::int64_t{settings.start_sentence} - 1;
   context.skipped = skip_sentences(context, before);
   if (context.skipped >= before) return run_sentences(settings, context, host);
-  context.input_ended = must_leave() != Status::stopped;
+  context.input_ended = must_leave(context.session) != Status::stopped;
   if (context.input_ended) return;
   std::clearerr(context.input);  // it may have waited for data, which is no fault of the file
-  out_banner(";;Cancelled!");
+  context.session.output.banner(";;Cancelled!");
 }
 
 // The name of the damaged file.
 std::string damaged_file(const RunContext& context) {
-  const std::FILE* stream = lookup_damage.stream;
+  const std::FILE* stream = context.session.damage.stream;
   const bool is_cr = stream == context.cr_dictionary.dictionary.get() || stream == context.cr_dictionary.index.get();
   const Dictionary& dictionary = is_cr ? context.cr_dictionary : context.dictionary;
   return stream == dictionary.index.get() ? dictionary.index_path : dictionary.path;
 }
 
-void note_damage(const RunContext& context) {
-  if (lookup_damage.blocks == 0) return;
-  std::string note = damaged_file(context) + ": damaged at offset " + std::to_string(lookup_damage.offset);
-  if (lookup_damage.blocks > 1) {
-    note += "; damaged blocks were met " + std::to_string(lookup_damage.blocks) + " times in all";
+void note_damage(RunContext& context) {
+  if (context.session.damage.blocks == 0) return;
+  std::string note = damaged_file(context) + ": damaged at offset " + std::to_string(context.session.damage.offset);
+  if (context.session.damage.blocks > 1) {
+    note += "; damaged blocks were met " + std::to_string(context.session.damage.blocks) + " times in all";
   }
-  run_faults.notes.push_back(note + "; \"lexon-dict check\" tells more");
+  context.notes.push_back(note + "; \"lexon-dict check\" tells more");
 }
 
-void note_short_file(const std::string& path, const char* what) {
-  run_faults.notes.push_back(path + ": " + what);
-  run_faults.file_is_short = true;
+void note_short_file(RunContext& context, const std::string& path, const char* what) {
+  context.notes.push_back(path + ": " + what);
+  context.file_is_short = true;
 }
 
-void note_faults(const RunSettings& settings, const RunContext& context) {
-  run_faults.notes.insert(run_faults.notes.end(), context.notes.begin(), context.notes.end());
+void note_faults(const RunSettings& settings, RunContext& context) {
   note_damage(context);
   const bool input_failed = context.input != nullptr && std::ferror(context.input) != 0;
-  if (input_failed) note_short_file(settings.input_file, "cannot be read to its end");
-  if (context.rules_unwritten) note_short_file(context.compiled_rules.path, "could not be written");
-  if (context.matrix_unwritten) note_short_file(context.compiled_matrix.path, "could not be written");
+  if (input_failed) note_short_file(context, settings.input_file, "cannot be read to its end");
+  if (context.rules_unwritten) note_short_file(context, context.compiled_rules.path, "could not be written");
+  if (context.matrix_unwritten) note_short_file(context, context.compiled_matrix.path, "could not be written");
 }
 
 void run(const RunSettings& settings, RunContext& context, Host& host) {
-  if (!pool_blocks_allow(settings.blocks)) return host.report_stop(kNoMemory, {});
+  context.grammar.pool.limit_blocks(settings.blocks);
   note_settings(settings, host);
   if (const Opening opening = open_all(settings, context, host); opening.succeeded) {
     run_steps(settings, context, host);
@@ -251,20 +252,19 @@ void run_guarded(const RunSettings& settings, RunContext& context, Host& host) {
 }  // namespace
 
 void run_driver(const RunSettings& settings, Host& host) {
-  run_faults = {};
   if (settings.run_at_once) host.minimise();
-  RunContext context;
+  const auto owned = std::make_unique<RunContext>();
+  RunContext& context = *owned;
   context.post_edit = settings.post_edit;
-  state.trace_level = static_cast<std::int8_t>(settings.trace_level & 0xFF);
+  context.session.state.trace_level = static_cast<std::int8_t>(settings.trace_level & 0xFF);
   run_guarded(settings, context, host);
   compiled_file_close(context.compiled_rules);
   compiled_file_close(context.compiled_matrix);
   for (std::FILE* stream : {context.input, context.rule_text}) {
     if (stream != nullptr) std::fclose(stream);
   }
-  // What lookups worked with is closed with the context.
-  sentence.dictionary = sentence.cr_dictionary = {};
-  host.finish();
+  host.finish(context);
+  context.session.output.redirect(nullptr);
 }
 
 }  // namespace lexon

@@ -34,7 +34,7 @@ class Host {
   // step ended by itself or by its time limit.
   virtual StepResult run_step(RunContext& context, const char* caption, std::int32_t number) = 0;
   // Last of all, on every way out.
-  virtual void finish() = 0;
+  virtual void finish(RunContext& context) = 0;
 };
 
 }  // namespace lexon

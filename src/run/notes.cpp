@@ -46,8 +46,12 @@ std::string megabytes(std::int64_t bytes) {
   return text;
 }
 
-std::string rules_room(const PoolFigures& figures) {
-  return "rules use " + megabytes(figures.permanent_bytes_used) + " of " + megabytes(figures.room_bytes) + " MB";
+std::int64_t room_bytes(const Pool& rules) {
+  return std::int64_t{rules.max_blocks()} * kFirstBlockSize;
+}
+
+std::string rules_room(const Pool& rules) {
+  return "rules use " + megabytes(rules.bytes_used()) + " of " + megabytes(room_bytes(rules)) + " MB";
 }
 
 void note_text(const std::string& path, const TextWatch& text, Host& host) {
@@ -80,15 +84,15 @@ void note_rule(const std::string& path, const RuleNote& note, Host& host) {
 }
 
 void note_room(const RunSettings& settings, const RunContext& context, Host& host) {
-  const PoolFigures figures = pool_figures();
-  const std::int64_t left = figures.room_bytes - figures.permanent_bytes_used;
+  const Pool& rules = context.grammar.pool;
+  const std::int64_t left = room_bytes(rules) - rules.bytes_used();
   const std::string more = "; --blocks " + std::to_string(2 * settings.blocks) + " makes room for more";
   if (context.rules_without_room) {
     const std::int64_t line = context.rule_notes.memory_line;
     const std::string where = line != 0 ? place(settings.rule_file, line) : settings.rule_file;
-    host.note({where + ": no room for the rules: " + rules_room(figures) + more, true, true});
+    host.note({where + ": no room for the rules: " + rules_room(rules) + more, true, true});
   } else if (left < kScarceBytes) {
-    host.note({settings.rule_file + ": little room is left for sentences: " + rules_room(figures) + more, false, true});
+    host.note({settings.rule_file + ": little room is left for sentences: " + rules_room(rules) + more, false, true});
   }
 }
 
@@ -139,7 +143,7 @@ void note_input(const RunSettings& settings, const RunContext& context, Host& ho
   note_end(settings, context, host);
   if (context.starved != 0) {
     host.note({counted(context.starved, "sentence", "sentences") +
-                   " failed for want of memory: " + rules_room(pool_figures()) + "; --blocks " +
+                   " failed for want of memory: " + rules_room(context.grammar.pool) + "; --blocks " +
                    std::to_string(2 * settings.blocks) + " makes room for more",
                true});
   }

@@ -3,7 +3,7 @@
 #include <ctime>
 
 #include "data/output.hpp"
-#include "data/state.hpp"
+#include "data/session.hpp"
 #include "dict/entry_text.hpp"
 #include "engine/loop.hpp"
 #include "engine/post_edit.hpp"
@@ -19,102 +19,102 @@ long processor_clock() {
   return static_cast<long>(std::clock() / (CLOCKS_PER_SEC / 1000));
 }
 
-void print_word_lists() {
-  out_print("================= WORD LISTS : %02d ==================\n", sentence.graph_node_count);
-  for (std::int32_t i = 0; i < sentence.graph_node_count && must_leave() == Status::ok; ++i) {
-    const Node& node = *sentence.graph_nodes[static_cast<std::size_t>(i)];
+void print_word_lists(Session& session) {
+  out_print(session, "================= WORD LISTS : %02d ==================\n", session.sentence.graph_node_count);
+  for (std::int32_t i = 0; i < session.sentence.graph_node_count && must_leave(session) == Status::ok; ++i) {
+    const Node& node = *session.sentence.graph_nodes[static_cast<std::size_t>(i)];
     char code[3];
     node_code_write(node.scope, code);
-    out_print("%02d  %c%c", i + 1, code[0], code[1]);
-    scope_attrs_print(node.scope_attrs, false);
-    entry_list_print(state.output, node.candidates, "");
+    out_print(session, "%02d  %c%c", i + 1, code[0], code[1]);
+    scope_attrs_print(session, node.scope_attrs, false);
+    entry_list_print(session.output, node.candidates, "");
   }
 }
 
-void print_graph() {
-  out_print("======================== SEM =======================\n");
-  for (std::int32_t i = 0; i < sentence.semlst_count && i < kMaxScopes; ++i) {
-    const ScopeRow& row = sentence.semlst[static_cast<std::size_t>(i)];
+void print_graph(Session& session) {
+  out_print(session, "======================== SEM =======================\n");
+  for (std::int32_t i = 0; i < session.sentence.semlst_count && i < kMaxScopes; ++i) {
+    const ScopeRow& row = session.sentence.semlst[static_cast<std::size_t>(i)];
     if (row.entry == nullptr) break;
-    if (i != 0) out_print(":%02d\n", row.number);
-    graph_dump(*row.entry, 0, row.number, "");
-    graph_marks_clear(row.entry, row.number);
+    if (i != 0) out_print(session, ":%02d\n", row.number);
+    graph_dump(session, *row.entry, 0, row.number, "");
+    graph_marks_clear(session, row.entry, row.number);
   }
-  out_print("====================================================\n");
+  out_print(session, "====================================================\n");
 }
 
 // Says what a failed step returned; a stopped one says nothing. For want of memory a step may fail in some way of its
 // own.
-Status failed_with(Status status) {
+Status failed_with(Session& session, Status status) {
   if (status == Status::stopped) return status;
-  if (state.abort == Status::memory) {
-    status = state.abort;
-    state.forced_node = nullptr;  // its search is lost, and must not go on in the next sentence
+  if (session.state.abort == Status::memory) {
+    status = session.state.abort;
+    session.state.forced_node = nullptr;  // its search is lost, and must not go on in the next sentence
   }
-  out_print(";;return code %d\n", code(status));
-  out_flush();
+  out_print(session, ";;return code %d\n", code(status));
+  out_flush(session);
   return status;
 }
 
-Status read_sentence(std::FILE* input, InputNotes* notes) {
-  const Status status = read_graph(input, sentence.semlst[0].entry, notes);
-  state.engine_status = status;
-  sentence.root = sentence.semlst[0].entry;
+Status read_sentence(Session& session, std::FILE* input, InputNotes* notes) {
+  const Status status = read_graph(session, input, session.sentence.semlst[0].entry, notes);
+  session.state.engine_status = status;
+  session.sentence.root = session.sentence.semlst[0].entry;
   // A read that was stopped while it waited for data looks like the end of the input.
-  if (status == Status::stopped || must_leave() == Status::stopped) return Status::stopped;
-  if (sentence.refused) return Status::no_effect;
-  if (sentence.root != nullptr) return Status::ok;
+  if (status == Status::stopped || must_leave(session) == Status::stopped) return Status::stopped;
+  if (session.sentence.refused) return Status::no_effect;
+  if (session.sentence.root != nullptr) return Status::ok;
   return status == Status::end_of_input ? status : Status::no_effect;
 }
 
-Status generate() {
-  state.trace_depth = 0;
-  state.trace_indent[0] = '\0';
-  state.engine_status = generate_scope(sentence.root, false);
-  return state.engine_status;
+Status generate(Session& session) {
+  session.state.trace_depth = 0;
+  session.state.trace_indent[0] = '\0';
+  session.state.engine_status = generate_scope(session, session.sentence.root, false);
+  return session.state.engine_status;
 }
 
-Status post_edit_sentence() {
-  if (state.trace_level > 1) out_print(";;==>> PostEdit\n");
-  out_flush();
-  state.engine_status = post_edit(sentence.root);
-  return state.engine_status;
+Status post_edit_sentence(Session& session) {
+  if (session.state.trace_level > 1) out_print(session, ";;==>> PostEdit\n");
+  out_flush(session);
+  session.state.engine_status = post_edit(session, session.sentence.root);
+  return session.state.engine_status;
 }
 
-Status collect_and_print(char* text) {
+Status collect_and_print(Session& session, char* text) {
   text[0] = '\0';
   char* cursor = text;
-  const bool fits = collect_sentence(sentence.semlst[0].entry, cursor, text + kSentenceSize, 0);
-  if (const Status s = must_leave(); s != Status::ok) return failed_with(s);
+  const bool fits = collect_sentence(session, session.sentence.semlst[0].entry, cursor, text + kSentenceSize, 0);
+  if (const Status s = must_leave(session); s != Status::ok) return failed_with(session, s);
   if (!fits) {
-    sentence_refuse("the sentence is longer than 1023 characters");
+    sentence_refuse(session, "the sentence is longer than 1023 characters");
     return Status::no_effect;
   }
-  out_print("%s\n", text);
-  out_flush();
+  out_print(session, "%s\n", text);
+  out_flush(session);
   return Status::ok;
 }
 
 }  // namespace
 
-Status render_sentence(const DictionaryFiles& dictionary, std::FILE* input, char* text,
+Status render_sentence(Session& session, const DictionaryFiles& dictionary, std::FILE* input, char* text,
                        const DictionaryFiles& cr_dictionary, bool post_edit_wanted, InputNotes* notes) {
-  sentence.dictionary = dictionary;
-  sentence.cr_dictionary = cr_dictionary;
+  session.sentence.dictionary = dictionary;
+  session.sentence.cr_dictionary = cr_dictionary;
   const long start = processor_clock();
-  sentence_clear();
-  if (const Status s = read_sentence(input, notes); s != Status::ok) return s;
-  if (state.trace_level > 0) {
-    print_word_lists();
-    print_graph();
-    if (const Status s = must_leave(); s != Status::ok) return failed_with(s);
+  sentence_clear(session);
+  if (const Status s = read_sentence(session, input, notes); s != Status::ok) return s;
+  if (session.state.trace_level > 0) {
+    print_word_lists(session);
+    print_graph(session);
+    if (const Status s = must_leave(session); s != Status::ok) return failed_with(session, s);
   }
-  if (const Status s = generate(); s != Status::ok) return failed_with(s);
+  if (const Status s = generate(session); s != Status::ok) return failed_with(session, s);
   if (post_edit_wanted) {
-    if (const Status s = post_edit_sentence(); s != Status::ok) return failed_with(s);
+    if (const Status s = post_edit_sentence(session); s != Status::ok) return failed_with(session, s);
   }
-  if (const Status s = collect_and_print(text); s != Status::ok) return s;
-  out_print(";;Time %4.1f\tSec\n", static_cast<double>(processor_clock() - start) * 0.001);
+  if (const Status s = collect_and_print(session, text); s != Status::ok) return s;
+  out_print(session, ";;Time %4.1f\tSec\n", static_cast<double>(processor_clock() - start) * 0.001);
   return Status::ok;
 }
 

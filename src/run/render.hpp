@@ -4,7 +4,7 @@
 #include <cstdio>
 
 #include "data/records.hpp"
-#include "data/sentence.hpp"
+#include "data/session.hpp"
 #include "data/status.hpp"
 #include "graph/reader.hpp"
 
@@ -13,11 +13,11 @@ namespace lexon {
 // Reads, generates, post-edits and prints one sentence. `text` is a buffer of kSentenceSize characters that receives
 // the finished line. `end_of_input` when there is no further sentence; every other status but ok is a failure. `notes`
 // goes to the reader.
-[[nodiscard]] Status render_sentence(const DictionaryFiles& dictionary, std::FILE* input, char* text,
+[[nodiscard]] Status render_sentence(Session& session, const DictionaryFiles& dictionary, std::FILE* input, char* text,
                                      const DictionaryFiles& cr_dictionary, bool post_edit, InputNotes* notes = nullptr);
 
 // Appends the surface forms of the list that `node` stands in, from left to right, scopes included. `cursor` moves on
 // in a buffer that ends at `end`. False when the sentence does not fit.
-[[nodiscard]] bool collect_sentence(Node* node, char*& cursor, const char* end, int scope);
+[[nodiscard]] bool collect_sentence(Session& session, Node* node, char*& cursor, const char* end, int scope);
 
 }  // namespace lexon

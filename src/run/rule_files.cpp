@@ -6,7 +6,6 @@
 
 #include "data/platform.hpp"
 #include "data/stamp.hpp"
-#include "data/state.hpp"
 #include "run/files.hpp"
 
 namespace lexon {
@@ -211,7 +210,7 @@ std::string rule_files_open(const RunSettings& settings, RunContext& context) {
   context.stamp_path = paths.stamp;
   if (extension != ".rul") {
     context.rule_text_path = rule_file;
-    context.rule_text = text_open(rule_file, stop_requested);
+    context.rule_text = text_open(rule_file, context.session.stop_requested);
     if (context.rule_text == nullptr) return cannot_open(kGenerationRule, rule_file);
     context.rule_text_mark = file_mark(context.rule_text);
   }

@@ -28,8 +28,8 @@ struct RunSettings {
   bool post_edit = true;
   bool rules_conversion_only = false;
   bool check_dictionaries = false;  // compare every byte of the dictionaries with their stamps
-  bool rebuild = false;    // the compiled rules are made anew, whatever the dates say
-  bool in_memory = false;  // no compiled rules are written, and none of a rule text are read
+  bool rebuild = false;             // the compiled rules are made anew, whatever the dates say
+  bool in_memory = false;           // no compiled rules are written, and none of a rule text are read
   bool reserved_a = true;
   bool reserved_b = false;
 };

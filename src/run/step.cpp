@@ -6,7 +6,7 @@
 #include <thread>
 
 #include "data/platform.hpp"
-#include "data/state.hpp"
+#include "data/session.hpp"
 #include "run/workers.hpp"
 
 namespace lexon {
@@ -83,8 +83,9 @@ struct WorkerThread::Shared {
   }
 
   void serve() {
-    state.stack_limit = stack_limit_of_this_thread(kStackReserve);
+    const char* stack_limit = stack_limit_of_this_thread(kStackReserve);
     while (wait_for_step()) {
+      context->session.state.stack_limit = stack_limit;
       body(*context);
       set(running, false);
       if (notice != nullptr) notice(noticed);
@@ -110,7 +111,7 @@ void WorkerThread::notify_end(void (*notice)(void*), void* who) {
 
 void WorkerThread::start(void (*body)(RunContext&), RunContext& context) {
   if (!shared_->has_thread) {
-    state.stack_limit = stack_limit_of_this_thread(kStackReserve);
+    context.session.state.stack_limit = stack_limit_of_this_thread(kStackReserve);
     return body(context);
   }
   shared_->body = body;
@@ -138,8 +139,8 @@ void WorkerThread::wait() {
 namespace {
 
 // True once the worker has left. A step that ended before it saw the flag keeps its own status.
-void stop_worker(ProgressState& progress) {
-  stop_requested = true;
+void stop_worker(ProgressState& progress, RunContext& context) {
+  context.session.stop_requested = true;
   progress.worker.wait();
 }
 
@@ -155,18 +156,18 @@ void step_begin(ProgressState& progress, RunContext& context, const char* captio
   progress.number = number;
   progress.elapsed = 0.0;
   progress.ticks = true;
-  stop_requested = false;
+  context.session.stop_requested = false;
   progress.worker.start(choose_worker(context), context);
 }
 
-bool step_tick(ProgressState& progress) {
+bool step_tick(ProgressState& progress, RunContext& context) {
   progress.elapsed += 0.1;
   const bool is_running = progress.worker.is_running();
   const bool time_is_up = progress.limit != 0 && progress.limit < progress.elapsed && progress.number != 0;
   if (is_running && !time_is_up) return false;
   if (is_running) {
-    stop_worker(progress);
-    if (run_status == run_state::running) run_status = run_state::over_time;
+    stop_worker(progress, context);
+    if (context.run_status == run_state::running) context.run_status = run_state::over_time;
   }
   end_step(progress);
   return true;
@@ -178,8 +179,8 @@ bool step_end_if_done(ProgressState& progress) {
   return true;
 }
 
-void step_cancel(ProgressState& progress) {
-  stop_worker(progress);
+void step_cancel(ProgressState& progress, RunContext& context) {
+  stop_worker(progress, context);
   end_step(progress);
 }
 

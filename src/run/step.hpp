@@ -61,12 +61,12 @@ void step_begin(ProgressState& progress, RunContext& context, const char* captio
 
 // To be called every 100 milliseconds. True when the step has ended, by itself or because its time is up; the worker
 // has left then.
-[[nodiscard]] bool step_tick(ProgressState& progress);
+[[nodiscard]] bool step_tick(ProgressState& progress, RunContext& context);
 
 // Ends a step that has ended by itself between two ticks. False if it still runs.
 [[nodiscard]] bool step_end_if_done(ProgressState& progress);
 
 // The user's cancel: asks the worker to stop and waits for it.
-void step_cancel(ProgressState& progress);
+void step_cancel(ProgressState& progress, RunContext& context);
 
 }  // namespace lexon

@@ -5,8 +5,6 @@
 #include <string>
 
 #include "data/output.hpp"
-#include "data/pool.hpp"
-#include "data/state.hpp"
 #include "rules/compiled.hpp"
 #include "rules/matrix.hpp"
 #include "rules/parser.hpp"
@@ -15,21 +13,19 @@
 
 namespace lexon {
 
-constinit std::atomic<std::int32_t> run_status{run_state::running};
-
 namespace {
 
 // A stopped step has no result of its own: who stopped it says what it was.
-void end_step(Status status) {
-  out_flush();
+void end_step(RunContext& context, Status status) {
+  context.session.output.flush();
   if (status == Status::stopped) return;
   const std::int32_t result = status == Status::ok ? run_state::finished : run_state::failed;
-  run_status = status == Status::end_of_input ? run_state::end_of_input : result;
+  context.run_status = status == Status::end_of_input ? run_state::end_of_input : result;
 }
 
 void end_rule_step(RunContext& context, Status status) {
   context.rules_without_room = status == Status::memory;
-  end_step(status);
+  end_step(context, status);
 }
 
 // The step's border: what the standard library throws for exhausted memory becomes a status here. A step that was
@@ -37,25 +33,31 @@ void end_rule_step(RunContext& context, Status status) {
 Status guarded(Status (*step)(RunContext&), RunContext& context) {
   try {
     const Status status = step(context);
-    return stop_requested ? Status::stopped : status;
+    return context.session.stop_requested ? Status::stopped : status;
   } catch (const std::bad_alloc&) {
     return Status::memory;
   }
 }
 
 Status parse_and_write_rules(RunContext& context) {
-  if (const Status s = parse_rule_file(context.rule_text, context.rules, &context.rule_notes); s != Status::ok)
+  Session& session = context.session;
+  Grammar& grammar = context.grammar;
+  if (const Status s = parse_rule_file(session, grammar.pool, context.rule_text, grammar.rules, &context.rule_notes);
+      s != Status::ok)
     return s;
   context.rules_refused = context.rule_notes.refused;
   if (context.in_memory) return Status::ok;
-  if (const Status s = rule_list_write(context.rules, context.compiled_rules.stream); s != Status::ok) return s;
+  if (const Status s = rule_list_write(session, grammar.rules, context.compiled_rules.stream); s != Status::ok)
+    return s;
   context.rules_are_whole = true;
   return Status::ok;
 }
 
 Status build_and_save_matrix(RunContext& context) {
-  if (const Status s = rule_matrix_build(context.rules); s != Status::ok) return s;
-  return context.in_memory ? Status::ok : rule_matrix_save(context.compiled_matrix.stream);
+  Session& session = context.session;
+  Grammar& grammar = context.grammar;
+  if (const Status s = rule_matrix_build(session, grammar.index, grammar.rules); s != Status::ok) return s;
+  return context.in_memory ? Status::ok : rule_matrix_save(session, grammar.index, context.compiled_matrix.stream);
 }
 
 Status convert(RunContext& context) {
@@ -67,22 +69,25 @@ Status convert(RunContext& context) {
 // of the rules goes first, so that the text has all the room for itself.
 Status convert_instead(RunContext& context, const CompiledFile& file, const std::string& fault) {
   if (!rule_files_make_anew(context, file.path + ": cannot be used: " + fault)) {
-    out_print(";;%s\n;;in %s\n", fault.c_str(), file.path.c_str());
+    out_print(context.session, ";;%s\n;;in %s\n", fault.c_str(), file.path.c_str());
     return Status::no_effect;
   }
-  rule_matrix_clear();
-  context.rules = nullptr;
-  perm_release_all();
+  rule_matrix_clear(context.grammar.index);
+  context.grammar.rules = nullptr;
+  context.grammar.pool.release_all();
   return convert(context);
 }
 
 Status load(RunContext& context) {
+  Session& session = context.session;
+  Grammar& grammar = context.grammar;
   std::string fault;
-  if (const Status s = rule_list_read(context.rules, context.compiled_rules.stream, &fault); s != Status::ok) {
+  if (const Status s = rule_list_read(session, grammar.pool, grammar.rules, context.compiled_rules.stream, &fault);
+      s != Status::ok) {
     return s == Status::no_effect ? convert_instead(context, context.compiled_rules, fault) : s;
   }
   if (context.rebuild_matrix) return build_and_save_matrix(context);
-  Status s = rule_matrix_load(context.compiled_matrix.stream, context.rules, &fault);
+  Status s = rule_matrix_load(session, grammar.index, context.compiled_matrix.stream, grammar.rules, &fault);
   if (s != Status::no_effect) return s;
   s = convert_instead(context, context.compiled_matrix, fault);
   // wanted: without a text the step has succeeded whatever the reading of the matrix gives.
@@ -91,8 +96,8 @@ Status load(RunContext& context) {
 
 Status render(RunContext& context) {
   std::array<char, kSentenceSize> text;
-  return render_sentence(context.dictionary.files(), context.input, text.data(), context.cr_dictionary.files(),
-                         context.post_edit, &context.input_notes);
+  return render_sentence(context.session, context.dictionary.files(), context.input, text.data(),
+                         context.cr_dictionary.files(), context.post_edit, &context.input_notes);
 }
 
 }  // namespace
@@ -107,19 +112,19 @@ void load_worker(RunContext& context) {
 
 void sentence_worker(RunContext& context) {
   const Status status = guarded(render, context);
-  if (state.abort == Status::memory) ++context.starved;
+  if (context.session.state.abort == Status::memory) ++context.starved;
   // A read that was stopped while it waited for data is no fault of the file.
   if (status == Status::stopped) std::clearerr(context.input);
-  static_cast<void>(temp_release_all());
-  end_step(status);
+  context.session.pool.release_all();
+  end_step(context, status);
 }
 
-void no_rules_worker(RunContext&) {
-  end_step(Status::no_effect);
+void no_rules_worker(RunContext& context) {
+  end_step(context, Status::no_effect);
 }
 
 Worker choose_worker(const RunContext& context) {
-  if (context.rule_step_done) return context.rules != nullptr ? sentence_worker : no_rules_worker;
+  if (context.rule_step_done) return context.grammar.rules != nullptr ? sentence_worker : no_rules_worker;
   return context.convert ? convert_worker : load_worker;
 }
 

@@ -71,10 +71,11 @@ StepResult DialogHost::run_step(RunContext& context, const char* caption, std::i
   return result;
 }
 
-void DialogHost::finish() {
+void DialogHost::finish(RunContext& context) {
+  signals_stop(nullptr);
   if (cancel_was_signalled()) outcome_.cancelled = true;
   progress_.hide();
-  for (std::string& note : outcome_.finish()) notes_.push_back(std::move(note));
+  for (std::string& note : outcome_.finish(context)) notes_.push_back(std::move(note));
   show_notes(notes_);
   main_.end_run(outcome_);
 }

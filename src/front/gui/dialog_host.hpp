@@ -18,7 +18,7 @@ class DialogHost final : public Host {
   void note(const Note& note) override;
   void minimise() override;
   StepResult run_step(RunContext& context, const char* caption, std::int32_t number) override;
-  void finish() override;
+  void finish(RunContext& context) override;
 
   [[nodiscard]] const Outcome& outcome() const { return outcome_; }
 

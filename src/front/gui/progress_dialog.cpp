@@ -106,6 +106,8 @@ void ProgressDialog::show_once() {
 
 StepResult ProgressDialog::run_step(RunContext& context, const char* caption, std::int32_t number) {
   result_ = StepResult::finished;
+  context_ = &context;
+  signals_stop(&context.session.stop_requested);
   step_begin(progress_, context, caption, number);
   show_step(caption, number);
   show_elapsed(progress_.elapsed);
@@ -129,7 +131,7 @@ void ProgressDialog::wait_for_end() {
 void ProgressDialog::tick() {
   end_if_over();
   if (!progress_.ticks) return;
-  if (step_tick(progress_)) return loop_.quit();
+  if (step_tick(progress_, *context_)) return loop_.quit();
   show_elapsed(progress_.elapsed);
 }
 
@@ -148,7 +150,7 @@ void ProgressDialog::end_if_over() {
 }
 
 void ProgressDialog::leave_cancelled() {
-  step_cancel(progress_);
+  step_cancel(progress_, *context_);
   result_ = StepResult::cancelled;
   loop_.quit();
 }

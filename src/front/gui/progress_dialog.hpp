@@ -59,7 +59,8 @@ class ProgressDialog : public QDialog {
   QLabel* elapsed_;
   QLabel* limit_;
   QPushButton* cancel_;
-  QPushButton* step_end_;  // hidden: what the end of a step presses
+  RunContext* context_ = nullptr;  // of the step that is under way
+  QPushButton* step_end_;          // hidden: what the end of a step presses
 };
 
 }  // namespace lexon

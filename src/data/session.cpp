@@ -1,0 +1,116 @@
+#include "data/session.hpp"
+
+#include <cstring>
+
+namespace lexon {
+
+bool stack_nearly_used(Session& session) {
+  const auto* here = static_cast<const char*>(__builtin_frame_address(0));
+  const bool used = session.state.stack_limit != nullptr && here < session.state.stack_limit;
+  if (used) session.state.abort = Status::memory;
+  return used;
+}
+
+Status rule_base_failure(Session& session, const char* what) {
+  if (session.state.abort == Status::ok) out_print(session, ";;the rule base has failed: %s\n", what);
+  session.state.abort = Status::rule_base;
+  return Status::rule_base;
+}
+
+bool trace_indent_grow(Session& session) {
+  EngineState& state = session.state;
+  if (state.trace_depth == sizeof state.trace_indent - 1) return false;
+  state.trace_indent[state.trace_depth++] = '\t';
+  state.trace_indent[state.trace_depth] = '\0';
+  return true;
+}
+
+void trace_indent_shrink(Session& session) {
+  EngineState& state = session.state;
+  if (state.trace_depth != 0) state.trace_indent[--state.trace_depth] = '\0';
+}
+
+void temp_free_string(Session& session, char* text) {
+  if (text == nullptr || *text == '\0') return;
+  temp_free(session, text, static_cast<std::int64_t>(std::strlen(text)) + 1);
+}
+
+char* temp_text(Session& session, std::string_view text) {
+  auto* copy = static_cast<char*>(temp_alloc(session, static_cast<std::int64_t>(text.size()) + 1));
+  if (copy == nullptr) return nullptr;
+  if (!text.empty()) std::memcpy(copy, text.data(), text.size());
+  copy[text.size()] = '\0';
+  return copy;
+}
+
+void sentence_clear(Session& session) {
+  Sentence& sentence = session.sentence;
+  for (GraphWord& word : sentence.graph_words) {
+    // Not the rest of the name: it is most of the tables.
+    word.look_up = 1;
+    word.number = 0;
+    word.name[0] = '\0';
+    word.blocks = nullptr;
+  }
+  sentence.graph_word_count = 0;
+  sentence.graph_nodes.fill(nullptr);
+  sentence.graph_node_count = 0;
+  sentence.word_lists.fill(nullptr);
+  sentence.word_list_count = 0;
+  sentence.semlst.fill(ScopeRow{0, nullptr});
+  sentence.semlst_count = 1;
+  sentence.graph_relations.fill(nullptr);
+  sentence.graph_relation_count = 0;
+  sentence.root = nullptr;
+  sentence.refused = false;
+  session.state.semlst_cur = 0;
+  session.state.abort = Status::ok;
+  if (session.state.forced_node != nullptr) session.state.forced_node = &session.gone;
+}
+
+void sentence_refuse(Session& session, const char* what) {
+  if (!session.sentence.refused) out_print(session, ";;%s\n", what);
+  session.sentence.refused = true;
+}
+
+int scope_is_built(const Session& session, int scope) {
+  const Sentence& sentence = session.sentence;
+  for (std::int32_t i = 1; i < sentence.semlst_count && i < kMaxScopes; ++i) {
+    const ScopeRow& row = sentence.semlst[static_cast<std::size_t>(i)];
+    if (row.entry == nullptr) return i;
+    if (row.number != scope) continue;
+    const bool stands = row.entry->left != nullptr && row.entry->right != nullptr && !is_untouched(*row.entry);
+    return stands ? i : 0;
+  }
+  return 0;
+}
+
+Node* scope_entry_node(const Session& session, int scope) {
+  const Sentence& sentence = session.sentence;
+  for (std::int32_t i = 1; i < sentence.semlst_count && i < kMaxScopes; ++i) {
+    const ScopeRow& row = sentence.semlst[static_cast<std::size_t>(i)];
+    if (row.number == scope) return row.entry;
+  }
+  return nullptr;
+}
+
+Node* scope_final_node(const Session& session, int scope) {
+  Node* node = scope_entry_node(session, scope);
+  for (int steps = 0; node != nullptr && is_scope_reference(*node); ++steps) {
+    if (steps > kMaxScopes) return nullptr;
+    node = scope_entry_node(session, node->scope);
+  }
+  return node;
+}
+
+Node* scope_unbuilt_target(const Session& session, int scope) {
+  Node* node = scope_entry_node(session, scope);
+  for (int steps = 0; node != nullptr && is_scope_reference(*node) && scope_is_built(session, node->scope) == 0;
+       ++steps) {
+    if (steps > kMaxScopes) return nullptr;
+    node = scope_entry_node(session, node->scope);
+  }
+  return node;
+}
+
+}  // namespace lexon

@@ -1,0 +1,141 @@
+// What one thread works with while it makes rules ready or renders sentences: the first parameter of what touches it.
+#pragma once
+
+#include <atomic>
+#include <cstdint>
+#include <string_view>
+#include <type_traits>
+#include <vector>
+
+#include "data/output.hpp"
+#include "data/pool.hpp"
+#include "data/records.hpp"
+#include "data/sentence.hpp"
+#include "data/state.hpp"
+#include "data/status.hpp"
+
+namespace lexon {
+
+struct Grammar;  // rules/grammar.hpp
+
+// What lookups have met in damaged files. The output has no place for it: the front end tells.
+struct LookupDamage {
+  std::int64_t blocks;      // that could not be read, or were of the wrong kind; one counts as often as it is met
+  const std::FILE* stream;  // where the first of them stands; null as long as there is none
+  std::int64_t offset;      // its place in that file
+};
+
+// The work area of the search for rules, one for each side of the window; sized for the grammar by `session_use`.
+struct SearchScratch {
+  struct Side {
+    std::vector<std::uint8_t> result;      // bit vector: rules that the word under test lets through
+    std::vector<std::uint8_t> missing;     // bit vector: rules that require an attribute that the word lacks
+    std::vector<std::uint8_t> joined;      // bit vector: rules that one of several words lets through
+    bool has_joined = false;               // `joined` holds a result of the present search
+    std::vector<std::uint8_t> is_present;  // by row of the index; zeros between searches
+    std::vector<std::int32_t> present;     // the rows that are present, in the order of their finding
+  };
+  Side left;
+  Side right;
+};
+
+// One thread's working memory, 160 KB: not for a stack. Any number can live side by side, each with its own grammar or
+// sharing one. Another thread may set `stop_requested` and nothing else.
+struct Session {
+  const Grammar* grammar = nullptr;  // not owned; null until rules are there
+  EngineState state{};
+  Sentence sentence{};
+  Pool pool;      // all cells of the sentence; released at its end
+  Output output;  // sentences, banners, messages and trace
+  SearchScratch search;
+  LookupDamage damage{};
+  std::atomic<bool> stop_requested{false};  // every loop that can run long looks at it
+  Node gone{};                              // equals no node of any list: what `forced_node` becomes without its target
+
+  Session() = default;
+  Session(const Session&) = delete;
+  Session& operator=(const Session&) = delete;
+};
+
+// What a loop must return at once: `stopped`, a failure of the rule base, or exhausted stack; ok to go on.
+[[nodiscard]] inline Status must_leave(const Session& session) {
+  return session.stop_requested.load(std::memory_order_relaxed) ? Status::stopped : session.state.abort;
+}
+
+// Is the worker's stack nearly used up? Then the sentence is lost: `abort` becomes `memory`.
+[[nodiscard]] bool stack_nearly_used(Session& session);
+
+// Ends the sentence as a failure of the rule base. Prints ";;" and what the rule base did, at the first call in a
+// sentence. Always returns `Status::rule_base`.
+Status rule_base_failure(Session& session, const char* what);
+
+// Enters and leaves a scope in the trace: depth and indent. Depth beyond 255 is a failure: false, nothing changes.
+[[nodiscard]] bool trace_indent_grow(Session& session);
+void trace_indent_shrink(Session& session);
+
+// ---- Memory of the sentence.
+
+// As `Pool::alloc`, but a request that is refused also sets `abort` to `memory`: the step ends, whether or not the
+// caller could go on without the cell.
+[[nodiscard]] inline void* temp_alloc(Session& session, std::int64_t size) {
+  void* cell = session.pool.alloc(size);
+  if (cell == nullptr && size > 0 && session.state.abort == Status::ok) session.state.abort = Status::memory;
+  return cell;
+}
+inline void temp_free(Session& session, void* cell, std::int64_t size) {
+  session.pool.free(cell, size);
+}
+
+// Gives a string back by its present length plus 1. Ignores null and the empty string.
+void temp_free_string(Session& session, char* text);
+
+// A terminated copy of `text`, or null.
+[[nodiscard]] char* temp_text(Session& session, std::string_view text);
+
+// A zeroed record, or null. Released with `temp_delete`.
+template <typename Record>
+[[nodiscard]] Record* temp_new(Session& session) {
+  static_assert(std::is_trivially_destructible_v<Record>);
+  void* cell = temp_alloc(session, static_cast<std::int64_t>(sizeof(Record)));
+  return cell == nullptr ? nullptr : new (cell) Record{};
+}
+
+template <typename Record>
+void temp_delete(Session& session, Record* record) {
+  temp_free(session, record, static_cast<std::int64_t>(sizeof(Record)));
+}
+
+// ---- The sentence's tables.
+
+// The scope that is generated now.
+[[nodiscard]] inline ScopeRow& current_scope(Session& session) {
+  return session.sentence.semlst[static_cast<std::size_t>(session.state.semlst_cur)];
+}
+
+// Clears all tables, and what the last sentence left in the engine's state; the dictionaries stay as they are. A
+// forced target that is left over stays set but equals no node of this sentence.
+void sentence_clear(Session& session);
+
+// Notes that the sentence breaks a limit and prints ";;" and `what`, once per sentence.
+void sentence_refuse(Session& session, const char* what);
+
+// The scope's index in `semlst` if it is generated and standing, else 0. A row without entry ends the search, and its
+// index is the result.
+[[nodiscard]] int scope_is_built(const Session& session, int scope);
+
+// Is `node` a scope reference whose scope is not generated?
+[[nodiscard]] inline bool is_unbuilt_reference(const Session& session, const Node& node) {
+  return is_scope_reference(node) && scope_is_built(session, node.scope) == 0;
+}
+
+// The entry node of a scope, or null.
+[[nodiscard]] Node* scope_entry_node(const Session& session, int scope);
+
+// The node that a scope reference leads to, through references, or null if an entry is missing on the way or the
+// references run in a circle.
+[[nodiscard]] Node* scope_final_node(const Session& session, int scope);
+
+// The same, but going on only through references whose scope is not built; the first that is built is the result.
+[[nodiscard]] Node* scope_unbuilt_target(const Session& session, int scope);
+
+}  // namespace lexon
