@@ -13,7 +13,7 @@ help:
 	@echo "make bench     the benchmarks"
 	@echo "make fuzz      each fuzz target for TIME seconds (60; TARGETS=\"rules run\" for some of them)"
 	@echo "make coverage  which lines and branches of the core the tests reach"
-	@echo "make endurance a run over SENTENCES (1000000) sentences: memory, files and threads must not grow"
+	@echo "make endurance RUNS (10000) runs in one process: memory, files and threads must not grow"
 	@echo "make tsan      all tests under the thread sanitizer"
 	@echo "make format    format the sources; make lint  check them"
 	@echo "make docs      the manual as a site, in build/docs"
@@ -67,11 +67,11 @@ fuzz: setup-fuzz
 coverage: setup-coverage
 	@tools/coverage
 
-SENTENCES ?= 1000000
+RUNS ?= 10000
 endurance: setup-tests
 	cmake --preset release
 	cmake --build --preset release --parallel $(JOBS) --target endurance
-	build/release/bin/endurance $(SENTENCES)
+	build/release/bin/endurance $(RUNS)
 
 layering:
 	@tools/layering

@@ -15,8 +15,11 @@
 #include "dict/dictionary.hpp"
 #include "dicttool/build.hpp"
 #include "ratios.hpp"
+#include "support/session.hpp"
 
 namespace lexon {
+
+using lexon::test::session;
 namespace {
 
 namespace fs = std::filesystem;
@@ -107,7 +110,7 @@ struct Setting {
 
   [[nodiscard]] bool build() const {
     BuildFigures figures;
-    return dictionary_build({.entries = path("entries.txt"), .dictionary = path("words.dic")}, stderr, figures);
+    return dictionary_build(session, {.entries = path("entries.txt"), .dictionary = path("words.dic")}, stderr, figures);
   }
 
   fs::path folder;
@@ -126,13 +129,13 @@ void look_up(benchmark::State& run, Setting& setting, int key_field, std::string
   for ([[maybe_unused]] auto _ : run) {
     LookupGroup* groups = nullptr;
     const std::string& text = setting.asked[next++ % setting.asked.size()].*key;
-    if (dict_lookup(setting.dictionary.files(), key_field, text.c_str(), groups) != Status::ok) {
+    if (dict_lookup(session, setting.dictionary.files(), key_field, text.c_str(), groups) != Status::ok) {
       return run.SkipWithError("a lookup failed");
     }
     for (const LookupGroup& group : chain<&LookupGroup::next>(groups)) {
       for (const WordEntry& word : chain<&WordEntry::next>(group.entries)) bytes += size_of(word);
     }
-    (void)temp_release_all();
+    session.pool.release_all();
   }
   run.counters["lookups/s"] = benchmark::Counter(static_cast<double>(run.iterations()), benchmark::Counter::kIsRate);
   run.counters["bytes"] = static_cast<double>(bytes) / static_cast<double>(run.iterations());

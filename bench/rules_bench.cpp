@@ -9,17 +9,19 @@
 #include <utility>
 #include <vector>
 
-#include "data/pool.hpp"
-#include "data/sentence.hpp"
-#include "data/state.hpp"
 #include "ratios.hpp"
 #include "rules/compiled.hpp"
 #include "rules/matrix.hpp"
 #include "rules/parser.hpp"
 #include "support/row_search.hpp"
 #include "support/rule_build.hpp"
+#include "support/grammar.hpp"
 
 namespace lexon {
+
+using lexon::test::session;
+using lexon::test::grammar;
+using lexon::test::index_build;
 namespace {
 
 std::string joined(std::initializer_list<std::string_view> parts) {
@@ -75,9 +77,9 @@ bool written(Write write) {
 }
 
 bool convert(std::FILE* text, Rule*& rules) {
-  return parse_rule_file(text, rules) == Status::ok &&
-         written([&](std::FILE* stream) { return rule_list_write(rules, stream); }) &&
-         rule_matrix_build(rules) == Status::ok && written([](std::FILE* stream) { return rule_matrix_save(stream); });
+  return parse_rule_file(session, grammar.pool, text, rules) == Status::ok &&
+         written([&](std::FILE* stream) { return rule_list_write(session, rules, stream); }) &&
+         index_build(rules) == Status::ok && written([](std::FILE* stream) { return rule_matrix_save(session, grammar.index, stream); });
 }
 
 // Text to rules, rule file, index, index file.
@@ -89,8 +91,8 @@ void convert_rules(benchmark::State& run) {
     std::rewind(stream);
     if (!convert(stream, rules)) run.SkipWithError("the rules could not be converted");
     run.PauseTiming();
-    rule_matrix_clear();
-    rule_list_free(rules);
+    rule_matrix_clear(grammar.index);
+    rule_list_free(grammar.pool, rules);
     run.ResumeTiming();
   }
   std::fclose(stream);
@@ -125,17 +127,17 @@ struct Setting {
       rules.add(joined({"{A", number, "}{A", number, "}"}));
     }
     for (int i = kNames; i < kRules; ++i) rules.add(pattern(names) + pattern(names));
-    built = rule_matrix_build(rules.head()) == Status::ok && rule_matrix.left.attr_count == kNames &&
-            rule_matrix.right.attr_count == kNames;
-    sentence_clear();
+    built = index_build(rules.head()) == Status::ok && grammar.index.matrix.left.attr_count == kNames &&
+            grammar.index.matrix.right.attr_count == kNames;
+    sentence_clear(session);
     for (int i = 0; i < 64; ++i) {
       const std::string left = node(names);
       windows.emplace_back(test::node_of_attrs(left), test::node_of_attrs(node(names)));
     }
   }
   ~Setting() {
-    rule_matrix_clear();
-    temp_release_all();
+    rule_matrix_clear(grammar.index);
+    session.pool.release_all();
   }
   Setting(const Setting&) = delete;
   Setting& operator=(const Setting&) = delete;
@@ -147,9 +149,9 @@ struct Setting {
 
 // Gives a list back to the pool; the number of its elements.
 int release(RuleCandidate* list) {
-  if (list != nullptr) temp_delete(list->list);
+  if (list != nullptr) temp_delete(session, list->list);
   int count = 0;
-  for (; list != nullptr; ++count) temp_delete(std::exchange(list, list->next));
+  for (; list != nullptr; ++count) temp_delete(session, std::exchange(list, list->next));
   return count;
 }
 
@@ -179,7 +181,7 @@ BENCHMARK(search_row_by_row)->Unit(benchmark::kMicrosecond)->Repetitions(3);
 }  // namespace lexon
 
 int main(int argc, char** argv) {
-  lexon::state.output = stdout;
+  lexon::session.output = stdout;
   return lexon::bench::run(
       argc, argv,
       {{"converting 10,000 rules against 1,000", "convert_rules/10000", "convert_rules/1000", "at most 13"},

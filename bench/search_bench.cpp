@@ -21,8 +21,6 @@
 #include <vector>
 
 #include "data/pool.hpp"
-#include "data/sentence.hpp"
-#include "data/state.hpp"
 #include "dict/dictionary.hpp"
 #include "dicttool/build.hpp"
 #include "ratios.hpp"
@@ -31,8 +29,13 @@
 #include "run/render.hpp"
 #include "run/step.hpp"
 #include "run/workers.hpp"
+#include "support/grammar.hpp"
 
 namespace lexon {
+
+using lexon::test::session;
+using lexon::test::grammar;
+using lexon::test::index_build;
 namespace {
 
 namespace fs = std::filesystem;
@@ -99,9 +102,9 @@ struct Language {
   bool read_rules() {
     const std::string_view text = kRules;
     std::FILE* stream = fmemopen(const_cast<char*>(text.data()), text.size(), "r");
-    const bool parsed = stream != nullptr && parse_rule_file(stream, rules) == Status::ok;
+    const bool parsed = stream != nullptr && parse_rule_file(session, grammar.pool, stream, rules) == Status::ok;
     if (stream != nullptr) std::fclose(stream);
-    return parsed && rule_matrix_build(rules) == Status::ok;
+    return parsed && index_build(rules) == Status::ok;
   }
 
   [[nodiscard]] std::string path(const char* name) const { return (folder / name).string(); }
@@ -109,7 +112,7 @@ struct Language {
   [[nodiscard]] bool build() const {
     std::ofstream(path("entries.txt"), std::ios::binary) << entries_text();
     BuildFigures figures;
-    return dictionary_build({.entries = path("entries.txt"), .dictionary = path("words.dic")}, stderr, figures);
+    return dictionary_build(session, {.entries = path("entries.txt"), .dictionary = path("words.dic")}, stderr, figures);
   }
 
   fs::path folder;
@@ -155,10 +158,10 @@ struct Taken {
 Taken render(Language& language, std::FILE* input) {
   char text[kSentenceSize];
   const double start = processor_seconds();
-  const Status status = render_sentence(language.opened.files(), input, text, {}, true);
+  const Status status = render_sentence(session, language.opened.files(), input, text, {}, true);
   const double seconds = processor_seconds() - start;
   const Taken taken{seconds, pool_figures().sentence_bytes_used, status == Status::ok};
-  (void)temp_release_all();
+  session.pool.release_all();
   return taken;
 }
 
@@ -204,12 +207,12 @@ int steps_traced(Language& language, int right_words) {
   char* trace = nullptr;
   std::size_t size = 0;
   std::FILE* stream = open_memstream(&trace, &size);
-  std::FILE* before = std::exchange(state.output, stream);
-  state.trace_level = 3;
+  std::FILE* before = std::exchange(session.output, stream);
+  session.state.trace_level = 3;
   Input input(right_words);
   (void)render_again(language, input);
-  state.trace_level = 0;
-  state.output = before;
+  session.state.trace_level = 0;
+  session.output = before;
   std::fclose(stream);
   int steps = 0;
   const std::string_view text(trace, size);
@@ -236,9 +239,9 @@ ssize_t count_write(void* count, const char*, std::size_t size) {
 int writes_of_sentence(Language& language, Input& input) {
   int writes = 0;
   std::FILE* stream = fopencookie(&writes, "w", {nullptr, count_write, nullptr, nullptr});
-  std::FILE* before = std::exchange(state.output, stream);
+  std::FILE* before = std::exchange(session.output, stream);
   (void)render_again(language, input);
-  state.output = before;
+  session.output = before;
   std::fclose(stream);
   return writes;
 }
@@ -246,13 +249,13 @@ int writes_of_sentence(Language& language, Input& input) {
 void traced_sentence(benchmark::State& run, Language& language, int level) {
   constexpr int kRightWords = 3;
   Input input(kRightWords);
-  state.trace_level = static_cast<std::int8_t>(level);
+  session.state.trace_level = static_cast<std::int8_t>(level);
   for ([[maybe_unused]] auto _ : run) {
     if (!render_again(language, input).done) run.SkipWithError("the sentence failed");
   }
   run.counters["steps"] = steps_of(kRightWords);
   run.counters["writes"] = writes_of_sentence(language, input);
-  state.trace_level = 0;
+  session.state.trace_level = 0;
 }
 
 // ---- A long run.
@@ -300,7 +303,7 @@ double microseconds(Work work) {
 
 // As a front end waits for a step.
 void step_run(ProgressState& progress, RunContext& context) {
-  step_begin(progress, context, "sentence no.", 1);
+  step_begin(session, grammar.pool, grammar.index, progress, context, "sentence no.", 1);
   do {
     progress.worker.wait_until(Clock::now() + kTick);
   } while (!step_end_if_done(progress));
@@ -341,7 +344,7 @@ void step_beside_sentence(benchmark::State& run, Language& language, bool is_cro
     std::vector<double> here;
     for (int i = 0; i < kSentences; ++i) {
       on_worker.push_back(microseconds([&] { step_run(progress, context); }));
-      here.push_back(microseconds([&] { sentence_worker(context); }));
+      here.push_back(microseconds([&] { sentence_worker(session, context); }));
       if (run_status != run_state::finished) return run.SkipWithError("a sentence failed");
     }
     run.counters["sentence_us"] = median(here);
@@ -349,7 +352,7 @@ void step_beside_sentence(benchmark::State& run, Language& language, bool is_cro
     run.counters["overhead_us"] = median(on_worker) - median(here);
     run.counters["mean_step_us"] = std::reduce(on_worker.begin(), on_worker.end()) / kSentences;
   }
-  state.stack_limit = nullptr;
+  session.state.stack_limit = nullptr;
 }
 
 void register_all(Language& language) {
@@ -375,7 +378,7 @@ void register_all(Language& language) {
 }  // namespace lexon
 
 int main(int argc, char** argv) {
-  lexon::state.output = std::fopen("/dev/null", "w");
+  lexon::session.output = std::fopen("/dev/null", "w");
   lexon::Language language;
   if (!language.is_good || !lexon::steps_are_as_told(language)) return 1;
   lexon::register_all(language);

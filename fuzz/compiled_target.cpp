@@ -1,15 +1,20 @@
 // Compiled rule files: reading damaged ones, printing what they say, and writing it again.
 #include "rule_text.hpp"
 #include "rules/compiled.hpp"
+#include "support/grammar.hpp"
 
 namespace {
+
+using lexon::test::session;
+using lexon::test::grammar;
+using lexon::test::index_build;
 
 using namespace lexon;
 
 Rule* rules_read(std::string_view bytes) {
   const fuzz::Source file(bytes);
   Rule* rules = nullptr;
-  const Status status = rule_list_read(rules, file.get());
+  const Status status = rule_list_read(session, grammar.pool, rules, file.get());
   fuzz::require(status == Status::ok || rules == nullptr, "no rules come from a damaged file");
   return rules;
 }

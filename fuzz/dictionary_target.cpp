@@ -1,13 +1,15 @@
 // Binary dictionaries and indexes: damaged ones are listed, checked and asked.
 #include "blocks.hpp"
 #include "data/pool.hpp"
-#include "data/state.hpp"
 #include "dict/dictionary.hpp"
 #include "dicttool/check.hpp"
 #include "dicttool/list.hpp"
 #include "support.hpp"
+#include "support/session.hpp"
 
 namespace {
+
+using lexon::test::session;
 
 using namespace lexon;
 
@@ -17,13 +19,13 @@ constexpr int kMilliseconds = 300;
 void ask(Dictionary& opened, int key_field, const std::string& key) {
   const fuzz::StepLimit limit(kMilliseconds);
   LookupGroup* groups = nullptr;
-  const Status status = dict_lookup(opened.files(), key_field, key.c_str(), groups);
+  const Status status = dict_lookup(session, opened.files(), key_field, key.c_str(), groups);
   fuzz::require(status == Status::ok || groups == nullptr, "a lookup that fails gives nothing");
   for (const LookupGroup* group = groups; group != nullptr; group = group->next) {
     fuzz::require(group->entries != nullptr, "a group holds a word");
   }
-  static_cast<void>(temp_release_all());
-  state.abort = Status::ok;
+  session.pool.release_all();
+  session.state.abort = Status::ok;
 }
 
 void ask_all(const std::string& path, const std::vector<std::string>& keys) {
@@ -42,10 +44,10 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   const std::string path = fuzz::folder_path("words.dic");
   fuzz::file_write(path, image.dictionary);
   fuzz::file_write(fuzz::folder_path("words.idx"), image.index);
-  static_cast<void>(dictionary_list(path, fuzz::nowhere(), fuzz::nowhere()));
+  static_cast<void>(dictionary_list(session, path, fuzz::nowhere(), fuzz::nowhere()));
   ask_all(path, image.keys);
   const fuzz::StepLimit limit(kMilliseconds);
   CheckFigures figures;
-  static_cast<void>(dictionary_check(path, fuzz::nowhere(), std::size_t{1} << 16, figures));
+  static_cast<void>(dictionary_check(session, path, fuzz::nowhere(), std::size_t{1} << 16, figures));
   return 0;
 }

@@ -8,8 +8,11 @@
 #include "dicttool/build.hpp"
 #include "dicttool/list.hpp"
 #include "support.hpp"
+#include "support/session.hpp"
 
 namespace {
+
+using lexon::test::session;
 
 using namespace lexon;
 
@@ -32,23 +35,23 @@ bool is_printable(const WordEntry& entry) {
 
 void parse_printed(const std::string& line) {
   WordEntry* entry = nullptr;
-  fuzz::require(parse_entry(line.c_str(), entry, EntryStorage::heap, nullptr) == Status::ok, "a printed entry is one");
+  fuzz::require(parse_entry(session, line.c_str(), entry, EntryStorage::heap) == Status::ok, "a printed entry is one");
   fuzz::require(printed(entry) == line, "a printed entry reads and prints the same again");
-  parsed_entry_free(entry, EntryStorage::heap);
+  parsed_entry_free(session, entry, EntryStorage::heap);
 }
 
 void parse_line(const std::string& line) {
   WordEntry* in_pool = nullptr;
   WordEntry* on_heap = nullptr;
-  const Status status = parse_entry(line.c_str(), in_pool, EntryStorage::sentence_pool, nullptr);
-  const Status again = parse_entry(line.c_str(), on_heap, EntryStorage::heap, nullptr);
+  const Status status = parse_entry(session, line.c_str(), in_pool, EntryStorage::sentence_pool);
+  const Status again = parse_entry(session, line.c_str(), on_heap, EntryStorage::heap);
   fuzz::require(status == again, "both storages give the same status");
   if (status == Status::ok) {
     fuzz::require(printed(in_pool) == printed(on_heap), "both storages give the same word");
     if (is_printable(*on_heap)) parse_printed(printed(on_heap));
   }
-  parsed_entry_free(in_pool, EntryStorage::sentence_pool);
-  parsed_entry_free(on_heap, EntryStorage::heap);
+  parsed_entry_free(session, in_pool, EntryStorage::sentence_pool);
+  parsed_entry_free(session, on_heap, EntryStorage::heap);
 }
 
 void parse_lines(std::string_view text) {
@@ -72,12 +75,12 @@ void build(const std::string& name, std::string_view entries, bool skip_bad) {
   options.memory = kSortMemory;
   fuzz::file_write(options.entries, entries);
   BuildFigures figures;
-  fuzz::require(dictionary_build(options, fuzz::nowhere(), figures), "a dictionary is built");
+  fuzz::require(dictionary_build(session, options, fuzz::nowhere(), figures), "a dictionary is built");
 }
 
 std::string listed(const std::string& name) {
   const fuzz::Sink out;
-  const bool is_good = dictionary_list(fuzz::folder_path(name + ".dic"), out.get(), fuzz::nowhere());
+  const bool is_good = dictionary_list(session, fuzz::folder_path(name + ".dic"), out.get(), fuzz::nowhere());
   fuzz::require(is_good, "a built dictionary has a text form");
   return out.text();
 }
@@ -85,7 +88,7 @@ std::string listed(const std::string& name) {
 void check(const std::string& name) {
   CheckFigures figures;
   const std::string path = fuzz::folder_path(name + ".dic");
-  fuzz::require(dictionary_check(path, fuzz::nowhere(), kSortMemory, figures), "a built dictionary is sound");
+  fuzz::require(dictionary_check(session, path, fuzz::nowhere(), kSortMemory, figures), "a built dictionary is sound");
 }
 
 }  // namespace

@@ -1,10 +1,12 @@
 // Graph documents: reading, the dump, and the way to the output without any rule.
 #include "data/pool.hpp"
-#include "data/state.hpp"
 #include "run/render.hpp"
 #include "support.hpp"
+#include "support/session.hpp"
 
 namespace {
+
+using lexon::test::session;
 
 using namespace lexon;
 
@@ -19,8 +21,8 @@ constexpr int kMostSentences = 64;
 
 Status sentence_read(std::FILE* document, fuzz::Dictionary& dictionary) {
   std::array<char, kSentenceSize> text;
-  const Status status = render_sentence(dictionary.files(), document, text.data(), {}, true);
-  static_cast<void>(temp_release_all());
+  const Status status = render_sentence(session, dictionary.files(), document, text.data(), {}, true);
+  session.pool.release_all();
   return status;
 }
 
@@ -30,7 +32,7 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   static fuzz::Dictionary dictionary("graph");
   fuzz::fresh_start();
   dictionary.use(kEntries);
-  state.trace_level = 1;
+  session.state.trace_level = 1;
   const fuzz::Source document(fuzz::bytes_of(data, size));
   for (int i = 0; i < kMostSentences; ++i) {
     if (sentence_read(document.get(), dictionary) == Status::end_of_input) break;

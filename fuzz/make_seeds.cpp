@@ -11,8 +11,13 @@
 #include "rules/compiled.hpp"
 #include "rules/matrix.hpp"
 #include "support.hpp"
+#include "support/grammar.hpp"
 
 namespace {
+
+using lexon::test::session;
+using lexon::test::grammar;
+using lexon::test::index_build;
 
 using namespace lexon;
 namespace fs = std::filesystem;
@@ -50,7 +55,7 @@ std::string dictionary_parts(const std::string& entries) {
   options.key_fields = 0xEE;
   fuzz::file_write(options.entries, entries);
   BuildFigures figures;
-  fuzz::require(dictionary_build(options, fuzz::nowhere(), figures), "a dictionary is built");
+  fuzz::require(dictionary_build(session, options, fuzz::nowhere(), figures), "a dictionary is built");
   std::vector<std::string> keys = {"", "zzz"};
   for (const char mark : {'[', '"'}) {
     const std::size_t begin = entries.find(mark) + 1;
@@ -90,7 +95,7 @@ void make_matrices(const Seeds& seeds) {
     fuzz::fresh_start();
     Rule* rules = fuzz::rules_parsed(fuzz::matrix_rules(number)).rules;
     const fuzz::Sink matrix;
-    const bool made = rule_matrix_build(rules) == Status::ok && rule_matrix_save(matrix.get()) == Status::ok;
+    const bool made = index_build(rules) == Status::ok && rule_matrix_save(session, grammar.index, matrix.get()) == Status::ok;
     fuzz::require(made, "a matrix can be made and saved");
     seeds.add("matrix", "list-" + std::to_string(number), static_cast<char>(number) + matrix.text());
   }

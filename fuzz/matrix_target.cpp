@@ -3,23 +3,26 @@
 #include <algorithm>
 
 #include "data/nodes.hpp"
-#include "data/pool.hpp"
-#include "data/state.hpp"
 #include "data/words.hpp"
 #include "matrix_rules.hpp"
 #include "rule_text.hpp"
 #include "rules/compiled.hpp"
 #include "rules/matrix.hpp"
+#include "support/grammar.hpp"
 
 namespace {
+
+using lexon::test::session;
+using lexon::test::grammar;
+using lexon::test::index_build;
 
 using namespace lexon;
 
 Node* node_of(const std::string& attrs) {
-  auto* node = temp_new<Node>();
+  auto* node = temp_new<Node>(session);
   fuzz::require(node != nullptr, "memory for a node");
   node->kind = kKindWord;
-  node->candidates = entry_new("w", attrs.c_str());
+  node->candidates = entry_new(session, "w", attrs.c_str());
   return node;
 }
 
@@ -38,9 +41,9 @@ void search(const std::string& left, const std::string& right) {
   Node* lnode = node_of(left);
   Node* rnode = node_of(right);
   int found = 0;
-  for (const RuleCandidate* c = rule_candidates(lnode, rnode); c != nullptr; c = c->next) ++found;
-  fuzz::require(found <= rule_matrix.rule_count, "no more candidates than rules");
-  static_cast<void>(temp_release_all());
+  for (const RuleCandidate* c = rule_candidates(session, lnode, rnode); c != nullptr; c = c->next) ++found;
+  fuzz::require(found <= grammar.index.matrix.rule_count, "no more candidates than rules");
+  session.pool.release_all();
 }
 
 }  // namespace
@@ -51,17 +54,17 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   Rule* rules = fuzz::rules_parsed(fuzz::matrix_rules(data[0])).rules;
   const std::string_view bytes = fuzz::bytes_of(data + 1, size - 1);
   const fuzz::Source file(bytes);
-  const Status status = rule_matrix_load(file.get(), rules);
+  const Status status = rule_matrix_load(session, grammar.index, file.get(), rules);
   if (status != Status::ok) {
-    fuzz::require(rule_matrix.rules == nullptr, "no matrix comes from a damaged file");
+    fuzz::require(grammar.index.matrix.rules == nullptr, "no matrix comes from a damaged file");
     return 0;
   }
   const fuzz::Sink sink;
-  fuzz::require(rule_matrix_save(sink.get()) == Status::ok, "a matrix can be saved");
+  fuzz::require(rule_matrix_save(session, grammar.index, sink.get()) == Status::ok, "a matrix can be saved");
   fuzz::require(bytes.starts_with(sink.text()), "a loaded matrix saves the same bytes");
   for (const std::int32_t names : {0, 1, 3, 20}) {
-    search(names_of(rule_matrix.left, names), names_of(rule_matrix.right, names));
-    search("N,V,,A", names_of(rule_matrix.left, names));
+    search(names_of(grammar.index.matrix.left, names), names_of(grammar.index.matrix.right, names));
+    search("N,V,,A", names_of(grammar.index.matrix.left, names));
   }
   return 0;
 }

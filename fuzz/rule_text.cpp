@@ -7,19 +7,24 @@
 #include "rules/compiled.hpp"
 #include "rules/parser.hpp"
 #include "rules/print.hpp"
+#include "support/grammar.hpp"
 
 namespace lexon::fuzz {
+
+using lexon::test::session;
+using lexon::test::grammar;
+using lexon::test::index_build;
 
 ParsedRules rules_parsed(std::string_view text) {
   const Source source(text);
   ParsedRules parsed;
-  parsed.status = parse_rule_file(source.get(), parsed.rules);
+  parsed.status = parse_rule_file(session, grammar.pool, source.get(), parsed.rules);
   return parsed;
 }
 
 std::string rules_printed(const Rule* rules) {
   const Output output;
-  for (const Rule& rule : chain<&Rule::next>(rules)) rule_print(&rule, true);
+  for (const Rule& rule : chain<&Rule::next>(rules)) rule_print(session, &rule, true);
   return output.text();
 }
 
@@ -88,7 +93,7 @@ bool is_printable(const Rule* rules) {
 
 std::string rules_compiled(const Rule* rules) {
   const Sink sink;
-  const Status status = rule_list_write(rules, sink.get());
+  const Status status = rule_list_write(session, rules, sink.get());
   return status == Status::ok ? sink.text() : std::string();
 }
 

@@ -9,14 +9,18 @@
 
 #include "data/chars.hpp"
 #include "data/pool.hpp"
-#include "data/state.hpp"
 #include "rule_text.hpp"
 #include "rules/compiled.hpp"
 #include "rules/matrix.hpp"
 #include "run/render.hpp"
 #include "support.hpp"
+#include "support/grammar.hpp"
 
 namespace {
+
+using lexon::test::session;
+using lexon::test::grammar;
+using lexon::test::index_build;
 
 using namespace lexon;
 
@@ -60,7 +64,7 @@ void settings_apply(std::string_view text, Dictionaries& dictionaries, Run& run)
   while (!text.empty()) {
     const char c = text.front();
     text.remove_prefix(1);
-    if (c >= '0' && c <= '4') state.trace_level = static_cast<std::int8_t>(c - '0');
+    if (c >= '0' && c <= '4') session.state.trace_level = static_cast<std::int8_t>(c - '0');
     if (c == 'P') run.post_edit = false;
     if (c == 'M') allocation_fault = {number_take(text), false};
     if (c == 'C') dictionaries.words.cut(number_take(text));
@@ -87,8 +91,8 @@ struct Said {
 bool sentence_render(const Run& run, Said& said) {
   const fuzz::StepLimit limit(kMilliseconds);
   std::array<char, kSentenceSize> text{};
-  const Status status = render_sentence(run.words, run.input, text.data(), run.pairs, run.post_edit);
-  static_cast<void>(temp_release_all());
+  const Status status = render_sentence(session, run.words, run.input, text.data(), run.pairs, run.post_edit);
+  session.pool.release_all();
   fuzz::require(pool_figures().sentence_blocks == 0, "a sentence gives back what it took");
   said.sentences.push_back(std::to_string(code(status)) + " " + (status == Status::ok ? text.data() : ""));
   said.is_cut = fuzz::StepLimit::is_over();
@@ -118,19 +122,19 @@ std::string without_times(std::string_view text) {
 // The rule step: from the text, or from what an earlier one has compiled. Without a sound result there are no rules.
 void rules_convert(std::string_view text, Run& run, Compiled& compiled) {
   const fuzz::ParsedRules parsed = fuzz::rules_parsed(text);
-  if (parsed.status != Status::ok || rule_matrix_build(parsed.rules) != Status::ok) return;
+  if (parsed.status != Status::ok || index_build(parsed.rules) != Status::ok) return;
   run.rules = parsed.rules;
   compiled.rules = fuzz::rules_compiled(parsed.rules);
   const fuzz::Sink matrix;
-  fuzz::require(rule_matrix_save(matrix.get()) == Status::ok, "a matrix can be saved");
+  fuzz::require(rule_matrix_save(session, grammar.index, matrix.get()) == Status::ok, "a matrix can be saved");
   compiled.matrix = matrix.text();
 }
 
 void rules_load(const Compiled& compiled, Run& run) {
   const fuzz::Source rule_file(compiled.rules);
-  fuzz::require(rule_list_read(run.rules, rule_file.get()) == Status::ok, "compiled rules can be read");
+  fuzz::require(rule_list_read(session, grammar.pool, run.rules, rule_file.get()) == Status::ok, "compiled rules can be read");
   const fuzz::Source matrix_file(compiled.matrix);
-  fuzz::require(rule_matrix_load(matrix_file.get(), run.rules) == Status::ok, "a saved matrix can be loaded");
+  fuzz::require(rule_matrix_load(session, grammar.index, matrix_file.get(), run.rules) == Status::ok, "a saved matrix can be loaded");
 }
 
 template <typename RuleStep>
@@ -142,7 +146,7 @@ Said run_with(const Sections& input, Dictionaries& dictionaries, bool other_leve
   run.input = document.get();
   rule_step(run);
   settings_apply(input[settings], dictionaries, run);
-  if (other_level && state.trace_level > 0) state.trace_level = static_cast<std::int8_t>(5 - state.trace_level);
+  if (other_level && session.state.trace_level > 0) session.state.trace_level = static_cast<std::int8_t>(5 - session.state.trace_level);
   return run.rules == nullptr ? Said{} : sentences_render(run);
 }
 
@@ -154,7 +158,7 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   Compiled compiled;
   const Said first =
       run_with(input, dictionaries, false, [&](Run& run) { rules_convert(input[rules], run, compiled); });
-  const bool is_traced = state.trace_level > 0;
+  const bool is_traced = session.state.trace_level > 0;
   const bool is_refused = input[settings].find('M') != std::string_view::npos;
   if (first.is_cut || is_refused || compiled.rules.empty()) return 0;
   const Said second = run_with(input, dictionaries, true, [&](Run& run) { rules_load(compiled, run); });

@@ -11,11 +11,15 @@
 
 #include "data/platform.hpp"
 #include "data/pool.hpp"
-#include "data/state.hpp"
 #include "dicttool/build.hpp"
 #include "rules/matrix.hpp"
+#include "support/grammar.hpp"
 
 namespace lexon::fuzz {
+
+using lexon::test::session;
+using lexon::test::grammar;
+using lexon::test::index_build;
 
 namespace fs = std::filesystem;
 
@@ -63,10 +67,12 @@ std::string Sink::text() const {
   return {buffer_, size_};
 }
 
-Output::Output() : before_(std::exchange(state.output, sink_.get())) {}
+Output::Output() : before_(session.output.stream()) {
+  session.output.redirect(sink_.get());
+}
 
 Output::~Output() {
-  state.output = before_;
+  session.output.redirect(before_);
 }
 
 std::FILE* nowhere() {
@@ -79,17 +85,17 @@ void fresh_start() {
   constexpr std::size_t kStackReserve = std::size_t{1} << 20;
   // Asked for once: the system tells it from a file, which costs more than a small input.
   static const char* const stack_limit = stack_limit_of_this_thread(kStackReserve);
-  stop_requested = false;
-  allocation_fault = {};
-  static_cast<void>(temp_release_all());
-  rule_matrix_clear();
-  perm_release_all();
-  state = {};
-  state.output = nowhere();
-  state.stack_limit = stack_limit;
-  sentence_clear();
-  sentence.dictionary = {};
-  sentence.cr_dictionary = {};
+  session.stop_requested = false;
+
+  session.pool.release_all();
+  rule_matrix_clear(grammar.index);
+  grammar.pool.release_all();
+  session.state = {};
+  session.output.redirect(nowhere());
+  session.state.stack_limit = stack_limit;
+  sentence_clear(session);
+  session.sentence.dictionary = {};
+  session.sentence.cr_dictionary = {};
 }
 
 namespace {
@@ -139,7 +145,7 @@ std::atomic<bool> is_asked{false};
 
 void on_time(int) {
   if (!is_asked.exchange(true)) {
-    stop_requested = true;
+    session.stop_requested = true;
     return;
   }
   constexpr std::string_view kMessage = "a loop goes on although the core was asked to stop\n";
@@ -163,13 +169,13 @@ StepLimit::StepLimit(int milliseconds) {
   action.sa_flags = SA_RESTART;
   sigaction(SIGVTALRM, &action, nullptr);
   is_asked = false;
-  stop_requested = false;
+  session.stop_requested = false;
   timer_set(milliseconds, kGrace);
 }
 
 StepLimit::~StepLimit() {
   timer_set(0, 0);
-  stop_requested = false;
+  session.stop_requested = false;
 }
 
 bool StepLimit::is_over() {
@@ -187,7 +193,7 @@ void Dictionary::use(std::string_view entries) {
   options.memory = std::size_t{1} << 20;
   file_write(options.entries, entries);
   BuildFigures figures;
-  require(dictionary_build(options, nowhere(), figures), "a dictionary is built when bad lines are left out");
+  require(dictionary_build(session, options, nowhere(), figures), "a dictionary is built when bad lines are left out");
   require(dictionary_open(options.dictionary, PairCheck::none, opened_), "a built dictionary can be opened");
 }
 

@@ -6,6 +6,7 @@
 #include <string>
 
 #include "data/status.hpp"
+#include "data/pool.hpp"
 #include "rules/rule.hpp"
 #include "rules/rule_search.hpp"
 

@@ -230,6 +230,8 @@ void note_faults(const RunSettings& settings, RunContext& context) {
 
 void run(const RunSettings& settings, RunContext& context, Host& host) {
   context.grammar.pool.limit_blocks(settings.blocks);
+  context.grammar.pool.set_fault(settings.fault);
+  context.session.pool.set_fault(settings.fault);
   note_settings(settings, host);
   if (const Opening opening = open_all(settings, context, host); opening.succeeded) {
     run_steps(settings, context, host);

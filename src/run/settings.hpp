@@ -4,6 +4,8 @@
 #include <cstdint>
 #include <string>
 
+#include "data/pool.hpp"
+
 namespace lexon {
 
 inline constexpr int kPathLimit = 260;  // characters of a path
@@ -30,6 +32,7 @@ struct RunSettings {
   bool check_dictionaries = false;  // compare every byte of the dictionaries with their stamps
   bool rebuild = false;             // the compiled rules are made anew, whatever the dates say
   bool in_memory = false;           // no compiled rules are written, and none of a rule text are read
+  AllocationFault* fault = nullptr;  // for tests: refuses cells of the pools
   bool reserved_a = true;
   bool reserved_b = false;
 };

@@ -7,28 +7,27 @@
 #include <string>
 
 #include "data/pool.hpp"
-#include "data/sentence.hpp"
-#include "data/state.hpp"
 #include "data/words.hpp"
+#include "support/session.hpp"
 
-namespace lexon {
+namespace lexon::test {
 namespace {
 
 class Nodes : public ::testing::Test {
  protected:
-  void SetUp() override { sentence_clear(); }
-  void TearDown() override { temp_release_all(); }
+  void SetUp() override { sentence_clear(session); }
+  void TearDown() override { session.pool.release_all(); }
 
   static Node* node_of(const char* hw, const char* attrs) {
-    auto* node = temp_new<Node>();
+    auto* node = temp_new<Node>(session);
     node->kind = kKindWord;
-    node->entries = entry_new(hw, attrs);
-    EXPECT_EQ(node_words_reload(*node), Status::ok);
+    node->entries = entry_new(session, hw, attrs);
+    EXPECT_EQ(node_words_reload(session, *node), Status::ok);
     return node;
   }
 
   static ScopeAttrs* block_of(int scope, const char* text) {
-    auto* block = temp_new<ScopeAttrs>();
+    auto* block = temp_new<ScopeAttrs>(session);
     block->scope = static_cast<std::uint8_t>(scope);
     std::strcpy(block->text, text);
     return block;
@@ -70,11 +69,11 @@ TEST_F(Nodes, ACopyForInsertionTakesAllWordsAndMarksWhatTheNodeHasGathered) {
     Node* node = node_of("a", row.attrs);
     node->scope_attrs = block_of(0, row.block);
     if (row.used) {
-      ASSERT_EQ(match_record_push(*node, kStateStep, nullptr), Status::ok);
+      ASSERT_EQ(match_record_push(session, *node, kStateStep, nullptr), Status::ok);
     }
     Relation relation{0, 0, "agt", node_of("b", nullptr), node, nullptr};
     Node* copy = nullptr;
-    ASSERT_EQ(node_copy(copy, *node, &relation, 0), Status::ok);
+    ASSERT_EQ(node_copy(session, copy, *node, &relation, 0), Status::ok);
     EXPECT_STREQ(node->scope_attrs->text, row.expected) << row.block;
     EXPECT_EQ(relation.to, copy);
     EXPECT_EQ(copy->origin, node);
@@ -86,18 +85,18 @@ TEST_F(Nodes, ACopyForInsertionTakesAllWordsAndMarksWhatTheNodeHasGathered) {
 TEST_F(Nodes, MarkedAttributesStopAtTheLimit) {
   Node* node = node_of("a", std::string(900, 'n').c_str());
   node->scope_attrs = block_of(0, std::string(200, 'x').c_str());
-  ASSERT_EQ(match_record_push(*node, kStateStep, nullptr), Status::ok);
+  ASSERT_EQ(match_record_push(session, *node, kStateStep, nullptr), Status::ok);
   Relation relation{0, 0, "agt", nullptr, node, nullptr};
   Node* copy = nullptr;
-  ASSERT_EQ(node_copy(copy, *node, &relation, 0), Status::ok);
+  ASSERT_EQ(node_copy(session, copy, *node, &relation, 0), Status::ok);
   EXPECT_EQ(std::strlen(node->scope_attrs->text), 1024U);
 }
 
 TEST_F(Nodes, ACopyRuleMarksTheCopyAndTheOriginal) {
   Node* node = node_of("a", "N");
-  ASSERT_EQ(match_record_push(*node, kStateStep, nullptr), Status::ok);
+  ASSERT_EQ(match_record_push(session, *node, kStateStep, nullptr), Status::ok);
   Node* copy = nullptr;
-  ASSERT_EQ(node_copy(copy, *node, nullptr, 1), Status::ok);
+  ASSERT_EQ(node_copy(session, copy, *node, nullptr, 1), Status::ok);
   EXPECT_STREQ(copy->candidates->attrs, "#COPY,N");
   EXPECT_EQ(copy->candidates->next, nullptr);
   EXPECT_EQ(copy->candidates->attr_len, 7);
@@ -109,41 +108,41 @@ TEST_F(Nodes, ACopyRuleMarksTheCopyAndTheOriginal) {
 TEST_F(Nodes, AMergeCopySharesTheSourcesList) {
   Node* node = node_of("a", nullptr);
   Node* copy = nullptr;
-  ASSERT_EQ(node_copy(copy, *node, nullptr, 0), Status::ok);
+  ASSERT_EQ(node_copy(session, copy, *node, nullptr, 0), Status::ok);
   EXPECT_STREQ(copy->candidates->attrs == nullptr ? "none" : "some", "none");
   EXPECT_EQ(copy->candidates->next, node->candidates);
-  sentence.semlst[0].entry = node;
-  ASSERT_EQ(node_copy(copy, *node, nullptr, 0), Status::ok);
+  session.sentence.semlst[0].entry = node;
+  ASSERT_EQ(node_copy(session, copy, *node, nullptr, 0), Status::ok);
   EXPECT_EQ(copy->candidates->next, nullptr) << "the entry node is copied whole";
 }
 
 TEST_F(Nodes, AReleasedTargetEqualsNoNode) {
   Node* node = node_of("a", nullptr);
-  state.forced_node = node;
+  session.state.forced_node = node;
   Node* released = node;
-  node_free(released);
+  node_free(session, released);
   EXPECT_EQ(released, nullptr);
-  EXPECT_EQ(state.forced_node, gone_node());
-  state.forced_node = node_of("b", nullptr);
-  sentence_clear();
-  EXPECT_EQ(state.forced_node, gone_node()) << "left over from an earlier sentence";
-  state.forced_node = nullptr;
+  EXPECT_EQ(session.state.forced_node, &session.gone);
+  session.state.forced_node = node_of("b", nullptr);
+  sentence_clear(session);
+  EXPECT_EQ(session.state.forced_node, &session.gone) << "left over from an earlier sentence";
+  session.state.forced_node = nullptr;
 }
 
 TEST_F(Nodes, APassedOverElementStaysWhileARecordCanReachItsList) {
-  auto* list = temp_new<CandidateList>();
-  auto* element = temp_new<RuleCandidate>();
+  auto* list = temp_new<CandidateList>(session);
+  auto* element = temp_new<RuleCandidate>(session);
   list->elements = 1;
   element->list = list;
   Node* node = node_of("a", nullptr);
-  ASSERT_EQ(match_record_push(*node, kStateHold, element), Status::ok);
-  candidate_passed_over(element);
+  ASSERT_EQ(match_record_push(session, *node, kStateHold, element), Status::ok);
+  candidate_passed_over(session, element);
   EXPECT_EQ(node->matches->candidate->list, list);
-  match_record_pop(*node);
-  const std::int64_t used = pool_figures().sentence_bytes_used;
-  candidate_passed_over(element);
-  EXPECT_NE(temp_new<RuleCandidate>(), nullptr);
-  EXPECT_EQ(pool_figures().sentence_bytes_used, used) << "the cell has been given back";
+  match_record_pop(session, *node);
+  const std::int64_t used = session.pool.bytes_used();
+  candidate_passed_over(session, element);
+  EXPECT_NE(temp_new<RuleCandidate>(session), nullptr);
+  EXPECT_EQ(session.pool.bytes_used(), used) << "the cell has been given back";
 }
 
 TEST_F(Nodes, WhatIsLeftBehindIsPassedOver) {
@@ -166,18 +165,18 @@ TEST_F(Nodes, WhatIsLeftBehindIsPassedOver) {
       {"nothing of no list", -1, 1, 0, 4},
   };
   for (const Row& row : rows) {
-    auto* list = temp_new<CandidateList>();
-    auto* other_list = temp_new<CandidateList>();
+    auto* list = temp_new<CandidateList>(session);
+    auto* other_list = temp_new<CandidateList>(session);
     *list = {row.records, kElements};  // one more than there are: the list's own cell stays
     *other_list = {0, 1};
     std::array<RuleCandidate*, kElements> elements{};
     for (std::size_t i = kElements; i-- > 0;) {
-      elements[i] = temp_new<RuleCandidate>();
+      elements[i] = temp_new<RuleCandidate>(session);
       elements[i]->list = i == kOfAnotherList ? other_list : list;
       if (i + 1 < kOfAnotherList) elements[i]->next = elements[i + 1];
     }
     const auto element = [&](int index) { return index < 0 ? nullptr : elements.at(static_cast<std::size_t>(index)); };
-    candidates_left_behind(element(row.before), element(row.now));
+    candidates_left_behind(session, element(row.before), element(row.now));
     EXPECT_EQ(list->elements, row.left + 1) << row.what;
     EXPECT_EQ(other_list->elements, 1) << row.what;
   }
@@ -185,18 +184,18 @@ TEST_F(Nodes, WhatIsLeftBehindIsPassedOver) {
 
 TEST_F(Nodes, WhetherAScopeStands) {
   Node* entry = node_of("a", nullptr);
-  sentence.semlst[1] = {4, entry};
-  sentence.semlst[2] = {5, nullptr};
-  sentence.semlst_count = 4;
-  EXPECT_EQ(scope_is_built(4), 0) << "not linked";
+  session.sentence.semlst[1] = {4, entry};
+  session.sentence.semlst[2] = {5, nullptr};
+  session.sentence.semlst_count = 4;
+  EXPECT_EQ(scope_is_built(session, 4), 0) << "not linked";
   entry->left = entry->right = node_of("b", nullptr);
-  ASSERT_EQ(match_record_push(*entry, kStateHold, nullptr), Status::ok);
-  EXPECT_EQ(scope_is_built(4), 0) << "only held";
-  ASSERT_EQ(match_record_push(*entry, kStateStep, nullptr), Status::ok);
-  EXPECT_EQ(scope_is_built(4), 1);
-  EXPECT_EQ(scope_is_built(9), 2) << "a row without entry ends the search";
-  sentence.semlst_count = 1;
-  EXPECT_EQ(scope_is_built(4), 0);
+  ASSERT_EQ(match_record_push(session, *entry, kStateHold, nullptr), Status::ok);
+  EXPECT_EQ(scope_is_built(session, 4), 0) << "only held";
+  ASSERT_EQ(match_record_push(session, *entry, kStateStep, nullptr), Status::ok);
+  EXPECT_EQ(scope_is_built(session, 4), 1);
+  EXPECT_EQ(scope_is_built(session, 9), 2) << "a row without entry ends the search";
+  session.sentence.semlst_count = 1;
+  EXPECT_EQ(scope_is_built(session, 4), 0);
 }
 
 TEST_F(Nodes, ReferencesThatRunInACircleLeadNowhere) {
@@ -205,15 +204,15 @@ TEST_F(Nodes, ReferencesThatRunInACircleLeadNowhere) {
   first->kind = second->kind = kKindScope;
   first->scope = 2;
   second->scope = 1;
-  sentence.semlst[1] = {1, first};
-  sentence.semlst[2] = {2, second};
-  sentence.semlst_count = 3;
-  EXPECT_EQ(scope_final_node(1), nullptr);
-  EXPECT_EQ(scope_unbuilt_target(1), nullptr);
+  session.sentence.semlst[1] = {1, first};
+  session.sentence.semlst[2] = {2, second};
+  session.sentence.semlst_count = 3;
+  EXPECT_EQ(scope_final_node(session, 1), nullptr);
+  EXPECT_EQ(scope_unbuilt_target(session, 1), nullptr);
   second->kind = kKindWord;
-  EXPECT_EQ(scope_final_node(1), second);
-  EXPECT_EQ(scope_entry_node(7), nullptr);
+  EXPECT_EQ(scope_final_node(session, 1), second);
+  EXPECT_EQ(scope_entry_node(session, 7), nullptr);
 }
 
 }  // namespace
-}  // namespace lexon
+}  // namespace lexon::test

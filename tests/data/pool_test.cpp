@@ -5,68 +5,60 @@
 #include <cstring>
 #include <vector>
 
-namespace lexon {
+#include "support/session.hpp"
+
+namespace lexon::test {
 namespace {
 
-class Pool : public ::testing::Test {
+class Cells : public ::testing::Test {
  protected:
-  void TearDown() override { temp_release_all(); }
+  void TearDown() override { session.pool.release_all(); }
 };
 
-TEST_F(Pool, NothingForLessThanOneByteAndTheHeapForLargeCells) {
-  const PoolFigures before = pool_figures();
-  EXPECT_EQ(temp_alloc(0), nullptr);
-  EXPECT_EQ(temp_alloc(-1), nullptr);
+TEST_F(Cells, NothingForLessThanOneByteAndTheHeapForLargeCells) {
+  const std::int64_t before = session.pool.bytes_used();
+  EXPECT_EQ(temp_alloc(session, 0), nullptr);
+  EXPECT_EQ(temp_alloc(session, -1), nullptr);
   EXPECT_EQ(checked_malloc(0), nullptr);
-  void* large = temp_alloc(4097);
+  void* large = temp_alloc(session, 4097);
   ASSERT_NE(large, nullptr);
   std::memset(large, 1, 4097);
-  EXPECT_EQ(pool_figures().sentence_bytes_used, before.sentence_bytes_used);
-  temp_free(large, 4097);
+  EXPECT_EQ(session.pool.bytes_used(), before);
+  temp_free(session, large, 4097);
 }
 
-TEST_F(Pool, ACellGivenBackIsTheNextOfItsClassAndPool) {
-  void* first = temp_alloc(16);
-  void* second = temp_alloc(16);
-  temp_free(first, 12);
-  temp_free(second, 16);
-  EXPECT_NE(temp_alloc(8), second);
-  EXPECT_EQ(temp_alloc(9), second);
-  EXPECT_EQ(temp_alloc(16), first);
-  temp_free(nullptr, 16);
+TEST_F(Cells, ACellGivenBackIsTheNextOfItsClassAndPool) {
+  void* first = temp_alloc(session, 16);
+  void* second = temp_alloc(session, 16);
+  temp_free(session, first, 12);
+  temp_free(session, second, 16);
+  EXPECT_NE(temp_alloc(session, 8), second);
+  EXPECT_EQ(temp_alloc(session, 9), second);
+  EXPECT_EQ(temp_alloc(session, 16), first);
+  temp_free(session, nullptr, 16);
 }
 
-TEST_F(Pool, AStringGoesBackByItsPresentLength) {
-  char* text = temp_text("0123456789");
+TEST_F(Cells, AStringGoesBackByItsPresentLength) {
+  char* text = temp_text(session, "0123456789");
   text[7] = '\0';
-  temp_free_string(text);
-  EXPECT_EQ(temp_alloc(8), text);
-  char* empty = temp_text("");
-  temp_free_string(empty);
-  temp_free_string(nullptr);
-  EXPECT_NE(temp_alloc(1), empty);
+  temp_free_string(session, text);
+  EXPECT_EQ(temp_alloc(session, 8), text);
+  char* empty = temp_text(session, "");
+  temp_free_string(session, empty);
+  temp_free_string(session, nullptr);
+  EXPECT_NE(temp_alloc(session, 1), empty);
 }
 
-TEST_F(Pool, EndsAt200BlocksAndStartsAfreshAfterARelease) {
+TEST_F(Cells, EndsAt200BlocksAndStartsAfreshAfterARelease) {
   int cells = 0;
-  while (temp_alloc(4096) != nullptr) ++cells;
-  EXPECT_EQ(cells, 15 * (200 - pool_figures().permanent_blocks));
-  EXPECT_NE(temp_alloc(8), nullptr) << "what is left of the last blocks";
-  EXPECT_EQ(temp_release_all(), 0);
-  EXPECT_EQ(pool_figures().sentence_blocks, 0);
-  EXPECT_NE(temp_alloc(4096), nullptr);
+  while (temp_alloc(session, 4096) != nullptr) ++cells;
+  EXPECT_EQ(cells, 15 * 200);
+  EXPECT_NE(temp_alloc(session, 8), nullptr) << "what is left of the last blocks";
+  session.pool.release_all();
+  EXPECT_EQ(session.pool.blocks(), 0);
+  EXPECT_NE(temp_alloc(session, 4096), nullptr);
 }
 
-TEST_F(Pool, ThePermanentPoolOutlivesTheSentence) {
-  char* kept = perm_text("kept");
-  void* cell = perm_alloc(100);
-  static_cast<void>(temp_alloc(100));
-  temp_release_all();
-  EXPECT_STREQ(kept, "kept");
-  perm_free(cell, 100);
-  EXPECT_NE(temp_alloc(100), cell);
-  EXPECT_EQ(perm_alloc(128), cell);
-}
 
 }  // namespace
-}  // namespace lexon
+}  // namespace lexon::test

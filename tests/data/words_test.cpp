@@ -6,13 +6,14 @@
 #include <vector>
 
 #include "data/pool.hpp"
+#include "support/session.hpp"
 
-namespace lexon {
+namespace lexon::test {
 namespace {
 
 class Words : public ::testing::Test {
  protected:
-  void TearDown() override { temp_release_all(); }
+  void TearDown() override { session.pool.release_all(); }
 
   // A list of words with these priorities, named a, b, c and on.
   static WordEntry* list_of(const std::vector<int>& priorities) {
@@ -20,7 +21,7 @@ class Words : public ::testing::Test {
     WordEntry** link = &head;
     char name[] = "a";
     for (const int priority : priorities) {
-      *link = entry_new(name, nullptr);
+      *link = entry_new(session, name, nullptr);
       (*link)->priority = static_cast<std::uint8_t>(priority);
       link = &(*link)->next;
       ++name[0];
@@ -45,12 +46,12 @@ TEST_F(Words, SortIsStableByUnsignedPriority) {
 }
 
 TEST_F(Words, CopyIsDeepAndCanChangeTheSurface) {
-  WordEntry* word = entry_new("dog", "N");
-  word->id = temp_text("42");
+  WordEntry* word = entry_new(session, "dog", "N");
+  word->id = temp_text(session, "42");
   word->id_len = 2;
   word->priority = 7;
   WordEntry* copy = nullptr;
-  ASSERT_EQ(entry_copy(*word, copy, "cats"), Status::ok);
+  ASSERT_EQ(entry_copy(session, *word, copy, "cats"), Status::ok);
   word->attrs[0] = 'X';
   EXPECT_STREQ(copy->hw, "cats");
   EXPECT_EQ(copy->total_size, word->total_size + 1);
@@ -61,28 +62,28 @@ TEST_F(Words, CopyIsDeepAndCanChangeTheSurface) {
 }
 
 TEST_F(Words, AttributesAreCopiedToTheirTerminatorWhateverTheirLengthSays) {
-  WordEntry* word = entry_new("x", "A,B,C");
+  WordEntry* word = entry_new(session, "x", "A,B,C");
   WordEntry* copy = nullptr;
   word->attr_len = 9;
-  ASSERT_EQ(entry_copy(*word, copy), Status::ok);
+  ASSERT_EQ(entry_copy(session, *word, copy), Status::ok);
   EXPECT_STREQ(copy->attrs, "A,B,C");
   word->attr_len = 1;
-  ASSERT_EQ(entry_copy(*word, copy), Status::ok);
+  ASSERT_EQ(entry_copy(session, *word, copy), Status::ok);
   EXPECT_STREQ(copy->attrs, "A,B,C");
 }
 
 TEST_F(Words, ListsAreCopiedInOrderAndDroppedFromTheHead) {
   WordEntry* list = list_of({1, 2, 3});
   WordEntry* copy = nullptr;
-  ASSERT_EQ(entry_list_copy(list, copy), Status::ok);
+  ASSERT_EQ(entry_list_copy(session, list, copy), Status::ok);
   EXPECT_EQ(names(copy), "abc");
-  entry_drop_head(copy);
+  entry_drop_head(session, copy);
   EXPECT_EQ(names(copy), "bc");
-  entry_list_free(copy);
+  entry_list_free(session, copy);
   EXPECT_EQ(copy, nullptr);
-  entry_drop_head(copy);
+  entry_drop_head(session, copy);
   EXPECT_EQ(names(list), "abc");
 }
 
 }  // namespace
-}  // namespace lexon
+}  // namespace lexon::test

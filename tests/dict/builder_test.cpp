@@ -17,6 +17,7 @@
 #include "dicttool/entry_line.hpp"
 #include "support/built_dictionary.hpp"
 #include "support/capture.hpp"
+#include "support/session.hpp"
 
 namespace lexon::test {
 namespace {
@@ -282,11 +283,11 @@ TEST(Builder, EveryRecordThatTextCanMakeHasATextForm) {
     for_each_text(letters, 5, [&, front = before, end = behind](const std::string& text) {
       WordEntry* word = nullptr;
       const std::string line = front + text + end;
-      if (parse_entry(line.c_str(), word, EntryStorage::sentence_pool, nullptr) != Status::ok) return;
+      if (parse_entry(session, line.c_str(), word, EntryStorage::sentence_pool) != Status::ok) return;
       ++parsed;
       std::string written;
-      EXPECT_TRUE(entry_line_write(record_of(*word), written)) << line << written;
-      parsed_entry_free(word, EntryStorage::sentence_pool);
+      EXPECT_TRUE(entry_line_write(session, record_of(*word), written)) << line << written;
+      parsed_entry_free(session, word, EntryStorage::sentence_pool);
     });
     EXPECT_GT(parsed, 1000) << before;
   }

@@ -6,13 +6,12 @@
 #include <sstream>
 
 #include "data/pool.hpp"
-#include "data/sentence.hpp"
-#include "data/state.hpp"
 #include "data/words.hpp"
 #include "support/capture.hpp"
 #include "support/list_text.hpp"
 #include "support/rules.hpp"
 #include "support/test_dictionary.hpp"
+#include "support/session.hpp"
 
 namespace lexon::test {
 namespace {
@@ -50,16 +49,16 @@ struct Asked {
 
 // The score, the two lists, and the ids of the chain that is left.
 std::string checked(const Asked& asked, bool stop = false) {
-  temp_release_all();
-  sentence_clear();
+  session.pool.release_all();
+  sentence_clear(session);
   const Rule* rule = rules_of(asked.rule);
-  const TestDictionary pairs(entries_of(asked.dictionary), sentence.cr_dictionary);
+  const TestDictionary pairs(entries_of(asked.dictionary), session.sentence.cr_dictionary);
   WordEntry* left = words_of(asked.left);
   WordEntry* right = words_of(asked.right);
   WordEntry* chosen = *asked.chosen == '\0' ? nullptr : words_of(asked.chosen);
-  stop_requested = stop;
-  const int score = cooccurrence_check(left, right, *rule, chosen, asked.side);
-  stop_requested = false;
+  session.stop_requested = stop;
+  const int score = cooccurrence_check(session, left, right, *rule, chosen, asked.side);
+  session.stop_requested = false;
   return std::to_string(score) + ": " + text_of_words(left) + " & " + text_of_words(right) + ";" + ids_of(chosen);
 }
 
@@ -115,20 +114,20 @@ TEST(Cooccurrence, WithoutDictionaryEveryRulePasses) {
   WordEntry* left = words_of("a");
   WordEntry* right = words_of("dog");
   WordEntry* chosen = nullptr;
-  state.trace_level = 4;
+  session.state.trace_level = 4;
   Capture output;
-  EXPECT_EQ(cooccurrence_check(left, right, *rule, chosen, 'l'), 1);
+  EXPECT_EQ(cooccurrence_check(session, left, right, *rule, chosen, 'l'), 1);
   EXPECT_EQ(output.text(), "");
-  state.trace_level = 0;
+  session.state.trace_level = 0;
 }
 
 std::string traced(int level, const Asked& asked) {
-  state.trace_level = static_cast<std::int8_t>(level);
-  std::strcpy(state.trace_indent, "\t");
+  session.state.trace_level = static_cast<std::int8_t>(level);
+  std::strcpy(session.state.trace_indent, "\t");
   Capture output;
   (void)checked(asked);
-  state.trace_level = 0;
-  state.trace_indent[0] = '\0';
+  session.state.trace_level = 0;
+  session.state.trace_indent[0] = '\0';
   return output.text();
 }
 
@@ -151,10 +150,10 @@ TEST(Cooccurrence, Trace) {
 TEST(Cooccurrence, CircleOfMembersEndsTheSentence) {
   Capture output;
   EXPECT_EQ(checked({"", "mod>m1 1 m1>m2 1 m2>m1 1", kLeft, "a", "dog", 'l', "", ""}), "-1: a & dog;");
-  EXPECT_EQ(state.abort, Status::rule_base);
+  EXPECT_EQ(session.state.abort, Status::rule_base);
   EXPECT_NE(output.text().find("the \"sup\" chain of \"m1\" runs in a circle\n"), std::string::npos) << output.text();
   EXPECT_EQ(output.text().find('\n'), output.text().size() - 1);
-  sentence_clear();
+  sentence_clear(session);
 }
 
 TEST(Cooccurrence, LongChainOfMembersIsFollowed) {
@@ -187,13 +186,13 @@ const Class kClasses[] = {
 TEST(WordClass, Entries) {
   for (const Class& row : kClasses) {
     SCOPED_TRACE(row.name);
-    temp_release_all();
-    sentence_clear();
+    session.pool.release_all();
+    sentence_clear(session);
     const Rule* rule = rules_of(row.rule);
-    const TestDictionary members(entries_of("#pet>cat 1 #pet>dog 9 #pet>unicorn 5"), sentence.cr_dictionary);
+    const TestDictionary members(entries_of("#pet>cat 1 #pet>dog 9 #pet>unicorn 5"), session.sentence.cr_dictionary);
     const TestDictionary words(
         "[cat]{} \"felis\" (N) <E,0,1>;\n[dog]{} \"canis\" (N) <E,0,1>;\n[dog]{} \"follow\" (V) <E,0,9>;\n");
-    EXPECT_EQ(text_of_words(word_class_entries(*rule, row.side)), row.words);
+    EXPECT_EQ(text_of_words(word_class_entries(session, *rule, row.side)), row.words);
   }
 }
 

@@ -7,9 +7,9 @@
 #include <vector>
 
 #include "data/pool.hpp"
-#include "data/state.hpp"
 #include "dict/dictionary.hpp"
 #include "support/capture.hpp"
+#include "support/session.hpp"
 
 namespace lexon::test {
 
@@ -92,7 +92,7 @@ class TestedDictionary {
     opened.index.reset(stream_of(index));
     dictionary_header_read(opened);
   }
-  ~TestedDictionary() { temp_release_all(); }
+  ~TestedDictionary() { session.pool.release_all(); }
   TestedDictionary(const TestedDictionary&) = delete;
   TestedDictionary& operator=(const TestedDictionary&) = delete;
 
@@ -101,8 +101,8 @@ class TestedDictionary {
     DictionaryFiles files = opened.files();
     if (!with_index) files.index = nullptr;
     LookupGroup* groups = nullptr;
-    const Status s = dict_lookup(files, field, key, groups);
-    EXPECT_EQ(state.engine_status, s);
+    const Status s = dict_lookup(session, files, field, key, groups);
+    EXPECT_EQ(session.state.engine_status, s);
     if (s != Status::ok) return groups == nullptr ? std::to_string(code(s)) : "groups in spite of a failure";
     std::string all;
     for (const LookupGroup* group = groups; group != nullptr; group = group->next) {

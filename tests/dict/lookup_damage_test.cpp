@@ -5,6 +5,7 @@
 #include <string>
 
 #include "dict/dict_bytes.hpp"
+#include "support/session.hpp"
 
 namespace lexon::test {
 namespace {
@@ -76,10 +77,10 @@ TEST(Lookup, DamagedFilesEndALookupCleanly) {
 
 TEST(Lookup, AStopEndsIt) {
   TestedDictionary dictionary(header_of(1, 1, 2, 2) + kWords + kCwKeys, kFlatIndex);
-  stop_requested = true;
+  session.stop_requested = true;
   EXPECT_EQ(dictionary.find(kKeyHw, "a"), "120");
   EXPECT_EQ(dictionary.find(kKeyCw, "u", false), "120");
-  stop_requested = false;
+  session.stop_requested = false;
   EXPECT_EQ(dictionary.find(kKeyHw, "a"), "a");
 }
 

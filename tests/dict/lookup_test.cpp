@@ -10,6 +10,7 @@
 
 #include "dict/dict_bytes.hpp"
 #include "dict/dict_record.hpp"
+#include "support/session.hpp"
 
 namespace lexon::test {
 namespace {
@@ -94,13 +95,13 @@ TEST(Lookup, WithoutIndexTheRootChainIsScanned) {
 TEST(Lookup, FlatteningJoinsAllGroups) {
   TestedDictionary dictionary(header_of(1, 1, 2, 2) + kWords + kCwKeys, kFlatIndex);
   LookupGroup* groups = nullptr;
-  ASSERT_EQ(dict_lookup(dictionary.opened.files(), kKeyCw, "u", groups), Status::ok);
+  ASSERT_EQ(dict_lookup(session, dictionary.opened.files(), kKeyCw, "u", groups), Status::ok);
   EXPECT_EQ(groups->block, 4);
   EXPECT_EQ(groups->next->block, 2);
   WordEntry* list = nullptr;
-  groups_flatten(groups, list);
+  groups_flatten(session, groups, list);
   EXPECT_EQ(words_of(list), "d,a,b,c");
-  groups_flatten(nullptr, list);
+  groups_flatten(session, nullptr, list);
   EXPECT_EQ(list, nullptr);
 }
 
@@ -217,7 +218,7 @@ TEST(Records, BecomeWords) {
   for (const auto& [bytes, expected] : rows) {
     WordEntry* w = nullptr;
     const ByteView view(reinterpret_cast<const std::uint8_t*>(bytes.data()), bytes.size());
-    ASSERT_EQ(record_unpack(view, w), Status::ok);
+    ASSERT_EQ(record_unpack(session, view, w), Status::ok);
     ASSERT_NE(w, nullptr) << expected;
     const std::string got = std::to_string(w->total_size) + " " + shown(w->hw) + " " + shown(w->gloss) + " " +
                             shown(w->cw) + " " + shown(w->attrs) + " " + std::to_string(w->attr_block_size) + " " +
@@ -226,7 +227,7 @@ TEST(Records, BecomeWords) {
                             shown(w->extra2);
     EXPECT_EQ(got, expected);
   }
-  temp_release_all();
+  session.pool.release_all();
 }
 
 TEST(KeyOrder, BytesUnsignedAndPrefixFirst) {

@@ -5,6 +5,7 @@
 #include "engine/application.hpp"
 #include "engine/apply.hpp"
 #include "support/step.hpp"
+#include "support/session.hpp"
 
 namespace lexon::test {
 namespace {
@@ -50,7 +51,7 @@ TEST(Actions, ChangeTheWordInForceAndKeepTheOldOneBehindIt) {
 
     Step step(row.rule, row.before);
     step.matched();
-    EXPECT_EQ(rule_actions_apply(step.window, *step.candidate), Status::ok);
+    EXPECT_EQ(rule_actions_apply(session, step.window, *step.candidate), Status::ok);
     EXPECT_EQ(step.text(), row.after);
   }
 }
@@ -77,7 +78,7 @@ TEST(AttributeLimit, SkipsWhatWouldReachIt) {
     SCOPED_TRACE(limit.what);
     Step step("L{:" + limit.added + "}{}P1;", "[a/" + attrs_of_length(limit.present) + "] [b]");
     step.matched();
-    EXPECT_EQ(rule_actions_apply(step.window, *step.candidate), Status::ok);
+    EXPECT_EQ(rule_actions_apply(session, step.window, *step.candidate), Status::ok);
     const WordEntry& word = *step.window.lnode->candidates;
     EXPECT_EQ(std::string(word.attrs).size(), limit.length_after);
     EXPECT_EQ(static_cast<std::size_t>(word.attr_len), limit.length_after);
@@ -96,7 +97,7 @@ TEST(ActionsOnCopies, DeleteARoleInTheOriginToo) {
     Step step("L{:-<agt}{}P1;", "[" + std::string(row.copy) + "] [b] x,,y/P,<agt,Q(0)");
     step.matched();
     step.window.lnode->origin = &step.list.at(2);
-    EXPECT_EQ(rule_actions_apply(step.window, *step.candidate), Status::ok);
+    EXPECT_EQ(rule_actions_apply(session, step.window, *step.candidate), Status::ok);
     EXPECT_EQ(text_of_node(step.window.lnode), row.copy_after);
     EXPECT_EQ(text_of_node(&step.list.at(2)), "x,y/P,,,,,,Q(0)") << row.copy;
   }
@@ -107,14 +108,14 @@ TEST(ActionsOnCopies, LeaveAnOriginThatIsFreshOrAttributesThatAreNoRoles) {
   step.matched();
   step.window.lnode->origin = &step.list.at(2);
   step.window.rnode->origin = &step.list.at(3);
-  EXPECT_EQ(rule_actions_apply(step.window, *step.candidate), Status::ok);
+  EXPECT_EQ(rule_actions_apply(session, step.window, *step.candidate), Status::ok);
   EXPECT_EQ(step.text(), "[a|a/<agt(1)] [b|b/N(1)] x/<agt,N y/N(0)");
 }
 
 TEST(ActionsOnScopes, ASurfaceFormMakesThemWords) {
   Step step("L{:[it]}{}P1;", "[SCOPE:01/A] [b]");
   step.matched();
-  EXPECT_EQ(rule_actions_apply(step.window, *step.candidate), Status::ok);
+  EXPECT_EQ(rule_actions_apply(session, step.window, *step.candidate), Status::ok);
   EXPECT_EQ(step.window.lnode->kind, kKindWord);
   EXPECT_EQ(step.window.lnode->candidates->hw_len, 2);
 }
@@ -122,17 +123,17 @@ TEST(ActionsOnScopes, ASurfaceFormMakesThemWords) {
 TEST(ActionsWithoutAPlace, FailTheRuleBase) {
   Capture output;
   Step fresh("L{:+x}{}P1;", "[a] [b]");
-  EXPECT_EQ(rule_actions_apply(fresh.window, *fresh.candidate), Status::rule_base);
+  EXPECT_EQ(rule_actions_apply(session, fresh.window, *fresh.candidate), Status::rule_base);
   Step empty("L{:+x}{}P1;", "[a] [b]");
   empty.window.lnode = nullptr;
-  EXPECT_EQ(rule_actions_apply(empty.window, *empty.candidate), Status::rule_base);
+  EXPECT_EQ(rule_actions_apply(session, empty.window, *empty.candidate), Status::rule_base);
 }
 
 TEST(ScopeRuleInStack, IsAnInsertionRuleWithTwoBraces) {
   const auto answer = [](const char* rule) {
     Step step(rule, "[SCOPE:01] [b]");
     step.matched();
-    (void)window_marker_push(*step.window.lnode);
+    (void)window_marker_push(session, *step.window.lnode);
     return no_scope_rule_in_stack(step.window.lnode->matches);
   };
   EXPECT_FALSE(answer(":{A:-A}{}P1;"));
@@ -165,13 +166,13 @@ TEST(RoleMarks, AreAddedAndTakenOff) {
     const WordEntry& chosen = *words_of("in~loc");
     Node* lnode = step.window.lnode;
     Node* rnode = step.window.rnode;
-    EXPECT_EQ(role_mark_add(*step.rule, lnode, rnode, chosen), Status::ok);
+    EXPECT_EQ(role_mark_add(session, *step.rule, lnode, rnode, chosen), Status::ok);
     EXPECT_EQ(step.text(), mark.marked);
     Node* inserted = step.rule->lnode->inserted != 0 ? lnode : rnode;
     // One more than the mark is long.
     EXPECT_EQ(inserted->candidates->attr_len, 3 + (before == mark.marked ? -3 : 6));
     const bool is_left = inserted == lnode;
-    EXPECT_EQ(role_mark_remove(*step.rule, is_left ? lnode : nullptr, is_left ? nullptr : rnode, chosen), Status::ok);
+    EXPECT_EQ(role_mark_remove(session, *step.rule, is_left ? lnode : nullptr, is_left ? nullptr : rnode, chosen), Status::ok);
     EXPECT_EQ(step.text(), before);
   }
 }
@@ -180,7 +181,7 @@ TEST(RoleMarkRemoval, LeavesAnyOtherFront) {
   for (const char* attrs : {">loc,A", "<lo,A", "A,<loc", "loc,A"}) {
     Step step(":\"[in]:::p\"{}P1;", std::string("[a/") + attrs + "] [b]");
     const std::string before = step.text();
-    EXPECT_EQ(role_mark_remove(*step.rule, step.window.lnode, nullptr, *words_of("in~loc")), Status::ok);
+    EXPECT_EQ(role_mark_remove(session, *step.rule, step.window.lnode, nullptr, *words_of("in~loc")), Status::ok);
     EXPECT_EQ(step.text(), before);
   }
 }

@@ -7,6 +7,7 @@
 #include "data/words.hpp"
 #include "engine/application.hpp"
 #include "support/step.hpp"
+#include "support/session.hpp"
 
 namespace lexon::test {
 namespace {
@@ -68,7 +69,7 @@ TEST(Movement, LeavesListWindowAndMarkers) {
     step.matched();
     RuleCandidate* candidate = step.candidate;
     std::int32_t home_scope = 0;
-    EXPECT_EQ(apply_rule(step.window, candidate, &home_scope), move.status);
+    EXPECT_EQ(apply_rule(session, step.window, candidate, &home_scope), move.status);
     EXPECT_EQ(step.text(), move.after);
     EXPECT_EQ(candidate, step.candidate);
   }
@@ -77,8 +78,8 @@ TEST(Movement, LeavesListWindowAndMarkers) {
 TEST(Application, RefusesToMoveWhenTheRecordsDisagree) {
   for (const char* rule : {"L{:+x}{}P1;", "R{:+x}{}P1;", ":{:+x}\"[b]\"P1;"}) {
     Step step(rule, "<< [a] [b(0)] >>");
-    (void)match_record_push(*step.window.lnode, kStateStep, step.candidate);
-    EXPECT_EQ(apply_rule(step.window, step.candidate, nullptr), Status::no_effect);
+    (void)match_record_push(session, *step.window.lnode, kStateStep, step.candidate);
+    EXPECT_EQ(apply_rule(session, step.window, step.candidate, nullptr), Status::no_effect);
     // The actions have happened already.
     EXPECT_EQ(step.text(), "<< [a/x|a(1)] [b(0)] >>") << rule;
   }
@@ -88,7 +89,7 @@ TEST(Application, StepsOverAnInsertedNodeOnTheWayRight) {
   Step step("R{}{}P1;", "<< [a] [b] >>");
   step.rule->lnode->inserted = 1;
   step.matched();
-  EXPECT_EQ(apply_rule(step.window, step.candidate, nullptr), Status::ok);
+  EXPECT_EQ(apply_rule(session, step.window, step.candidate, nullptr), Status::ok);
   EXPECT_EQ(step.text(), "<<(m) [a(0)] [b(m0)] >>");
 }
 
@@ -99,12 +100,12 @@ TEST(Application, AtAnEmptyPlaceOrOnAFreshNodeFailsTheRuleBase) {
     Step empty(rule, "<< [a] [b] >>");
     empty.matched();
     (rule[0] == 'L' ? empty.window.rnode : empty.window.lnode) = nullptr;
-    EXPECT_EQ(apply_rule(empty.window, empty.candidate, nullptr), Status::rule_base) << rule;
-    EXPECT_EQ(must_leave(), Status::rule_base) << rule;
+    EXPECT_EQ(apply_rule(session, empty.window, empty.candidate, nullptr), Status::rule_base) << rule;
+    EXPECT_EQ(must_leave(session), Status::rule_base) << rule;
     const bool brings_its_own_records = rule[0] == 'X' || rule[0] == 'D';
     if (brings_its_own_records) continue;
     Step fresh(rule, "<< [a] [b] >>");
-    EXPECT_EQ(apply_rule(fresh.window, fresh.candidate, nullptr), Status::rule_base) << rule;
+    EXPECT_EQ(apply_rule(session, fresh.window, fresh.candidate, nullptr), Status::rule_base) << rule;
   }
 }
 
@@ -112,13 +113,13 @@ TEST(MergeNode, KnowsBothNodesAndTakesTheRoleOfTheEntry) {
   Step step("DL{}{}P1;", "<< [a] [b] >>");
   Node& a = step.list.at(1);
   Node& b = step.list.at(2);
-  sentence.semlst[0].entry = &b;
-  b.name = temp_text("b");
+  session.sentence.semlst[0].entry = &b;
+  b.name = temp_text(session, "b");
   arc_between(b, a, "agt");
   step.matched();
-  EXPECT_EQ(apply_rule(step.window, step.candidate, nullptr), Status::ok);
+  EXPECT_EQ(apply_rule(session, step.window, step.candidate, nullptr), Status::ok);
   const Node& merged = *step.window.rnode;
-  EXPECT_EQ(sentence.semlst[0].entry, &merged);
+  EXPECT_EQ(session.sentence.semlst[0].entry, &merged);
   EXPECT_EQ(merged.merged_with, &a);
   EXPECT_EQ(merged.source, &b);
   EXPECT_EQ(merged.name, b.name);
@@ -132,9 +133,9 @@ TEST(MergeNode, KnowsBothNodesAndTakesTheRoleOfTheEntry) {
 TEST(Application, AtLevelTwoShowsRuleNodesAndList) {
   Step step(":{N:+x}\"[b]\"P7;", "<< [a/A] [b] >>");
   step.matched();
-  state.trace_level = 2;
+  session.state.trace_level = 2;
   Capture output;
-  EXPECT_EQ(apply_rule(step.window, step.candidate, nullptr), Status::ok);
+  EXPECT_EQ(apply_rule(session, step.window, step.candidate, nullptr), Status::ok);
   EXPECT_EQ(output.text(),
             "==================== APPLIED RULE ==================\n"
             ":{N:+x::}\"[b]:::\"P7;\n"
@@ -156,9 +157,9 @@ TEST(Application, OfACopyShowsTheCopyInItsOrder) {
   const auto traced = [](const char* rule) {
     Step step(rule, "<< [a] [b] >>");
     step.matched();
-    state.trace_level = 2;
+    session.state.trace_level = 2;
     Capture output;
-    EXPECT_EQ(apply_rule(step.window, step.candidate, nullptr), Status::ok);
+    EXPECT_EQ(apply_rule(session, step.window, step.candidate, nullptr), Status::ok);
     std::string heads;
     const std::string text = output.text();
     for (std::size_t at = text.find(">>>>> "); at != std::string::npos; at = text.find("\n>>>>> ", at)) {

@@ -6,6 +6,7 @@
 #include "data/words.hpp"
 #include "support/search.hpp"
 #include "support/test_dictionary.hpp"
+#include "support/session.hpp"
 
 namespace lexon::test {
 namespace {
@@ -158,14 +159,14 @@ TEST(Merge, RecordsOfTheMatchGoInAStepOfTheirOwn) {
 TEST(Merge, GivesBackTheScopesEntryAndTheForcedTarget) {
   const SearchCase merge{"", "DL{}{}P2;", "<< [a] [b] >>", "", "", ""};
   Search search(merge, Before::matched);
-  sentence.semlst[0].entry = &search.at(2);
+  session.sentence.semlst[0].entry = &search.at(2);
   std::int32_t home_scope = 0;
-  ASSERT_EQ(apply_rule(search.window(), search.candidate(), &home_scope), Status::ok);
-  ASSERT_EQ(sentence.semlst[0].entry, search.window().rnode);
-  state.forced_node = search.window().rnode;
+  ASSERT_EQ(apply_rule(session, search.window(), search.candidate(), &home_scope), Status::ok);
+  ASSERT_EQ(session.sentence.semlst[0].entry, search.window().rnode);
+  session.state.forced_node = search.window().rnode;
   EXPECT_EQ(search.undo(), "0 - forced");
-  EXPECT_EQ(sentence.semlst[0].entry, &search.at(2));
-  EXPECT_EQ(state.forced_node, &search.at(2));
+  EXPECT_EQ(session.sentence.semlst[0].entry, &search.at(2));
+  EXPECT_EQ(session.state.forced_node, &search.at(2));
 }
 
 TEST(Backtrack, TypeWithoutUndoIsLeftAsItIs) {
@@ -177,10 +178,10 @@ TEST(Backtrack, TypeWithoutUndoIsLeftAsItIs) {
 TEST(Backtrack, LeavesAtOnceWhenAskedToStop) {
   Search search({"", "R{}{}P2;", "[<<] [a|b] >>", "", "", ""}, Before::failed);
   Capture output;
-  state.trace_level = 3;
-  stop_requested = true;
+  session.state.trace_level = 3;
+  session.stop_requested = true;
   EXPECT_EQ(search.undo(), "120 P2");
-  stop_requested = false;
+  session.stop_requested = false;
   EXPECT_EQ(search.text(), "[<<] [a|b] >>");
   EXPECT_EQ(output.text(), "");
 }
@@ -194,14 +195,14 @@ Search chosen(const char* rules, const char* list, Side side, const char* texts 
   Search search({"", rules, list, "", "", ""}, Before::matched);
   WordEntry* choices = words_of(texts);
   for (const Side each : {Side::left, Side::right}) node_of(search.window(), each)->matches->cooccurrence = choices;
-  state.forced_node = node_of(search.window(), side);
+  session.state.forced_node = node_of(search.window(), side);
   return search;
 }
 
 TEST(NextChoice, IsAppliedOnTheRightSide) {
   Search search = chosen(kChooses, "<< [a] [b/<p,N|c] >>", Side::right);
   Capture output;
-  state.trace_level = 3;
+  session.state.trace_level = 3;
   EXPECT_EQ(search.undo(), "0 -");
   EXPECT_EQ(search.text(), "<< [a(0)] [b/<q,N|c(0<q>)] >>");
   EXPECT_EQ(branches_of(output.text()), "forced backtracking ends");
@@ -210,7 +211,7 @@ TEST(NextChoice, IsAppliedOnTheRightSide) {
 TEST(NextChoice, IsAppliedOnTheLeftSide) {
   Search search = chosen(":\"N:::<r\"{}P2;", "<< [b/<p,N] [a] >>", Side::left);
   Capture output;
-  state.trace_level = 3;
+  session.state.trace_level = 3;
   EXPECT_EQ(search.undo(), "0 -");
   EXPECT_EQ(search.text(), "[<<(m)] [b/<q,N(0<q>)] a(0) >>");
   EXPECT_EQ(branches_of(output.text()), "forced backtrackng ends");
@@ -220,11 +221,11 @@ TEST(NextChoice, IsAppliedOnTheLeftSide) {
 TEST(NextChoice, WithoutAScoreIsGivenBack) {
   const auto free_cells = [](const char* choices) {
     Search search = chosen(kChooses, "<< [a] [b/<p,N|c] >>", Side::right, choices);
-    const TestDictionary other_pairs("[zz]{} \"zz\" () <E,0,5>;\n", sentence.cr_dictionary);
+    const TestDictionary other_pairs("[zz]{} \"zz\" () <E,0,5>;\n", session.sentence.cr_dictionary);
     (void)search.undo();
-    const std::int64_t used = pool_figures().sentence_bytes_used;
+    const std::int64_t used = session.pool.bytes_used();
     int cells = 0;
-    for (; pool_figures().sentence_bytes_used == used; ++cells) (void)temp_new<WordEntry>();
+    for (; session.pool.bytes_used() == used; ++cells) (void)temp_new<WordEntry>(session);
     return cells;
   };
   EXPECT_EQ(free_cells("k~p|k~q|k~r|k~s"), free_cells("k~p|k~q") + 2);
@@ -235,18 +236,18 @@ TEST(Forced, TargetIsReachedWithItsFirstApplicationAlone) {
   Search search({"", ":{}\"[b]\"P3;\nL{}{}P2;\n?R{}{}P1;", "<< [a] [b|c] >>", "", "", ""}, Before::failed);
   RuleCandidate* inserts = search.candidate();
   for (RuleCandidate* candidate : {inserts, inserts, inserts->next}) {
-    for (Node* node : {search.window().lnode, search.window().rnode}) (void)match_record_push(*node, kStateStep, candidate);
+    for (Node* node : {search.window().lnode, search.window().rnode}) (void)match_record_push(session, *node, kStateStep, candidate);
   }
-  state.forced_node = search.window().rnode;
+  session.state.forced_node = search.window().rnode;
   RuleCandidate* test = inserts->next->next;
   std::int32_t home_scope = 0;
-  (void)apply_rule(search.window(), test, &home_scope);
+  (void)apply_rule(session, search.window(), test, &home_scope);
   EXPECT_EQ(search.text(), "<< [a(0)] [!c(0)] >>");
 }
 
 TEST(NextChoice, WithoutAScoreTheNextWordIsDue) {
   Search search = chosen(kChooses, "<< [a] [b/<p,N|c] >>", Side::right);
-  const TestDictionary other_pairs("[zz]{} \"zz\" () <E,0,5>;\n", sentence.cr_dictionary);
+  const TestDictionary other_pairs("[zz]{} \"zz\" () <E,0,5>;\n", session.sentence.cr_dictionary);
   EXPECT_EQ(search.undo(), "0 P2");
   EXPECT_EQ(search.text(), "<< [a] [!c] >>");
 }

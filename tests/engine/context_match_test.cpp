@@ -6,6 +6,7 @@
 #include <thread>
 
 #include "support/step.hpp"
+#include "support/session.hpp"
 
 namespace lexon::test {
 namespace {
@@ -60,7 +61,7 @@ TEST(ContextMatch, Table) {
   for (const Context& row : kContexts) {
     SCOPED_TRACE(row.name);
     const Step step(rule_with(row.side, row.groups), row.list);
-    const Node* found = match_context(row.side, groups_of(*step.rule, row.side), step.list.lnode);
+    const Node* found = match_context(session, row.side, groups_of(*step.rule, row.side), step.list.lnode);
     EXPECT_STREQ(found == nullptr ? "-" : found->candidates->hw, row.result);
   }
 }
@@ -88,7 +89,7 @@ TEST(ContextMatch, MarkWhereTheGroupsBeyondMidBegin) {
     const Step step(row.rule, row.list);
     const Side side = step.rule->lnode->inserted != 0 ? Side::left : Side::right;
     GroupMark mark{groups_of(*step.rule, side)};
-    EXPECT_NE(match_context(side, {step.rule->mid, mark.group}, step.list.lnode, mark), nullptr);
+    EXPECT_NE(match_context(session, side, {step.rule->mid, mark.group}, step.list.lnode, mark), nullptr);
     EXPECT_STREQ(mark.hit == nullptr ? "-" : mark.hit->candidates->hw, row.hit);
   }
 }
@@ -97,7 +98,7 @@ TEST(ContextMatch, WalkBehindAStarRepairsTheLinkBack) {
   const Step step("L{}{}(A)*(STAIL)P1;", "<< [a/A(0)] b/A(0) >>");
   Node& second = step.list.at(2);
   second.left = &step.list.at(0);
-  ASSERT_NE(match_context(Side::right, step.rule->suf, step.list.lnode), nullptr);
+  ASSERT_NE(match_context(session, Side::right, step.rule->suf, step.list.lnode), nullptr);
   EXPECT_EQ(second.left, &step.list.at(1));
 }
 
@@ -121,11 +122,11 @@ TEST(ContextMatch, StopLeavesALongWalk) {
     const Step step(rule_with(row.side, row.groups), list.append(row.end));
     std::thread stopper([] {
       std::this_thread::sleep_for(std::chrono::milliseconds(20));
-      stop_requested = true;
+      session.stop_requested = true;
     });
-    EXPECT_EQ(match_context(row.side, groups_of(*step.rule, row.side), step.list.lnode), nullptr);
+    EXPECT_EQ(match_context(session, row.side, groups_of(*step.rule, row.side), step.list.lnode), nullptr);
     stopper.join();
-    stop_requested = false;
+    session.stop_requested = false;
   }
 }
 

@@ -7,12 +7,13 @@
 #include "engine/match.hpp"
 #include "support/step.hpp"
 #include "support/test_dictionary.hpp"
+#include "support/session.hpp"
 
 namespace lexon::test {
 namespace {
 
 std::string matched(Step& step) {
-  const Fit fit = match_rule(*step.candidate, step.window);
+  const Fit fit = match_rule(session, *step.candidate, step.window);
   return std::to_string(code(fit)) + " " + step.text();
 }
 
@@ -59,7 +60,7 @@ TEST(Insertion, Literals) {
 
 TEST(Insertion, WaitingNodeWithoutFittingWord) {
   Step step(":\"[x]\"{A}P1;", "[!y/Y] [a/A]");
-  state.trace_level = 2;
+  session.state.trace_level = 2;
   Capture output;
   EXPECT_EQ(matched(step), "-1 [!] [a/A]");
   EXPECT_EQ(output.text(), ";;lnode No Matched Word!\n");
@@ -75,7 +76,7 @@ TEST(Insertion, LoneEmptyStarFitsBeyondTheEndOfTheList) {
 // What a rule with MID leaves for the next try: its nodes are the candidate's.
 TEST(Insertion, CandidateKnowsTheWindowOfMid) {
   Step step(":{A}(B)\"[x]\"P1;", "<< [a/A(0)] [b/B(0)] >>");
-  ASSERT_EQ(code(match_rule(*step.candidate, step.window)), 1);
+  ASSERT_EQ(code(match_rule(session, *step.candidate, step.window)), 1);
   EXPECT_EQ(text_of_node(step.candidate->lnode), "a/A(00)");
   EXPECT_EQ(text_of_node(step.candidate->rnode), "x(0)");
 }
@@ -196,11 +197,11 @@ TEST(Insertion, EmptyRightPlaceBesideAWaitingNode) {
 TEST(Insertion, NodePutBesideItselfEndsTheSentenceAtTheNextMatch) {
   Step step(":\"::agt\"{V}P1;", "[<<] [v/V] >>");
   arc_between(*step.list.rnode, *step.list.rnode, "agt");
-  ASSERT_EQ(match_rule(*step.candidate, step.window), Fit::yes);
+  ASSERT_EQ(match_rule(session, *step.candidate, step.window), Fit::yes);
   EXPECT_EQ(step.window.lnode, step.window.rnode);
   EXPECT_EQ(step.window.lnode->left, step.window.lnode);
   Capture output;
-  EXPECT_EQ(match_rule(*step.candidate, step.window), Fit::failed);
+  EXPECT_EQ(match_rule(session, *step.candidate, step.window), Fit::failed);
   EXPECT_EQ(output.text(), ";;the rule base has failed: put a node beside itself\n");
 }
 
@@ -229,7 +230,7 @@ TEST(Insertion, DictionarySelection) {
   const TestDictionary dictionary(kWords);
   for (const Select& row : rows) {
     WordEntry* words = nullptr;
-    EXPECT_EQ(dict_select(row.hw, row.cw, words), Status::ok);
+    EXPECT_EQ(dict_select(session, row.hw, row.cw, words), Status::ok);
     EXPECT_EQ(text_of_words(words), row.words);
   }
 }
@@ -246,17 +247,18 @@ TEST(Insertion, WordsOfTheDictionary) {
 TEST(Insertion, DamagedDictionaryRefusesTheRule) {
   Step step(":{A}\"[bank]\"P1;", "<< [a/A(0)] [>>]");
   const TestDictionary dictionary(kWords);
-  IndexDescriptor* slot = std::exchange(sentence.dictionary.slots[kKeyHw], nullptr);
+  const std::array<const IndexDescriptor*, kKeyFields> no_slots{};
+  const auto* slots = std::exchange(session.sentence.dictionary.slots, no_slots.data());
   EXPECT_EQ(matched(step), "0 << [a/A(0)] [>>]");
-  EXPECT_EQ(state.engine_status, Status::index_unreadable);
-  sentence.dictionary.slots[kKeyHw] = slot;
+  EXPECT_EQ(session.state.engine_status, Status::index_unreadable);
+  session.sentence.dictionary.slots = slots;
 }
 
 // Members fit by their attributes; the name of the class is not held against them.
 TEST(Insertion, WordsOfAClass) {
   Step step(":\"[#money],B\"{A}P1;", "[<<] [a/A(0)] >>");
   const TestDictionary dictionary(kWords);
-  const TestDictionary classes("[x]{cash} \"sup#money\" (A) <E,0,9>;\n[x]{coin} \"sup#money\" (A) <E,0,1>;\n", sentence.cr_dictionary);
+  const TestDictionary classes("[x]{cash} \"sup#money\" (A) <E,0,9>;\n[x]{coin} \"sup#money\" (A) <E,0,1>;\n", session.sentence.cr_dictionary);
   EXPECT_EQ(matched(step), "1 << [coin/B|cash=money~c1/N,D^5(0)] [a/A(00)] >>");
 }
 
@@ -267,7 +269,7 @@ TEST(Insertion, WordsByCooccurrence) {
   const TestDictionary pairs(
       "[x]{m1} \"supfor\" (A) <E,0,9>;\n[x]{m2} \"supfor\" (A) <E,0,1>;\n[am1b3]{} \"\" (A) <E,0,7>;\n"
       "[am1b1]{} \"\" (A) <E,0,2>;\n",
-      sentence.cr_dictionary);
+      session.sentence.cr_dictionary);
   EXPECT_EQ(matched(step),
             "1 << [a/A(0<m1,m2>0)] "
             "[bank=blood~b3/<m1,N,C|bank=money~b2/N,B|bank=river~b1/N,A(0<m1,m2>)] >>");
@@ -276,7 +278,7 @@ TEST(Insertion, WordsByCooccurrence) {
 TEST(Insertion, CooccurrenceRefusesOrFails) {
   Step refused(":{A}\"[bank]:::for\"P1;", "<< [a/A(0)] [>>]");
   const TestDictionary dictionary(kWords);
-  const TestDictionary pairs("[with]{} \"\" (A) <E,0,200>;\n", sentence.cr_dictionary);
+  const TestDictionary pairs("[with]{} \"\" (A) <E,0,200>;\n", session.sentence.cr_dictionary);
   EXPECT_EQ(matched(refused), "0 << [a/A(0)] [>>]");
   Step failed(":{A}\"[bank],C:::with\"P1;", "<< [a/A(0)] [>>]");
   EXPECT_EQ(matched(failed), "1 << [a/A(00)] [bank=money~b2/N,B|bank=blood~b3/N,C|bank=river~b1/N,A(0)] >>");

@@ -7,6 +7,7 @@
 #include "data/words.hpp"
 #include "engine/scope_entry.hpp"
 #include "support/step.hpp"
+#include "support/grammar.hpp"
 
 namespace lexon::test {
 namespace {
@@ -35,8 +36,8 @@ TEST(Walk, EndsWithItsListAndStatus) {
 
     use_rules(row.rules);
     Node* entry = node_of_text(row.entry);
-    sentence.semlst[0].entry = entry;
-    EXPECT_EQ(generate_scope(entry, false), row.status);
+    session.sentence.semlst[0].entry = entry;
+    EXPECT_EQ(generate_scope(session, entry, false), row.status);
     EXPECT_EQ(text_of_list(entry), row.list);
   }
 }
@@ -45,20 +46,20 @@ TEST(Walk, EndsWithItsListAndStatus) {
 // the beginning, so the search counts as finished.
 TEST(Walk, WithATargetThatIsGoneCountsAsFinished) {
   use_rules("?L{B}{STAIL}P9;\nR{SHEAD}{W}P5;\nR{W}{STAIL}P1;");
-  state.forced_node = gone_node();
+  session.state.forced_node = &session.gone;
   Capture output;
-  EXPECT_EQ(generate_scope(node_of_text("b/B,W|a/W"), false), Status::ok);
+  EXPECT_EQ(generate_scope(session, node_of_text("b/B,W|a/W"), false), Status::ok);
   EXPECT_EQ(output.text(), ";;semlst_cur:NULL -> Failed!\n");
-  EXPECT_EQ(state.forced_node, gone_node());
+  EXPECT_EQ(session.state.forced_node, &session.gone);
 }
 
 // The way back to a target that is gone takes the inserted word out of the list, and its place in the window with it.
 TEST(Walk, WithATargetThatIsGoneForgetsAnInsertedWord) {
   use_rules("?R{SHEAD}{D}P2;\n:\"[x],D:::\"{W}P1;");
-  state.forced_node = gone_node();
+  session.state.forced_node = &session.gone;
   Capture output;
   Node* entry = node_of_text("a/W");
-  EXPECT_EQ(generate_scope(entry, false), Status::nothing_left);
+  EXPECT_EQ(generate_scope(session, entry, false), Status::nothing_left);
   EXPECT_EQ(text_of_list(entry), "<< a/W >>");
 }
 
@@ -69,10 +70,10 @@ TEST(Walk, GivesBackWhatATryTakes) {
     std::string words;
     for (int i = 0; i < tries; ++i) words += "b/W|";
     Node* entry = node_of_text(words + "a/A,W");
-    const std::int64_t before = pool_figures().sentence_bytes_used;
-    EXPECT_EQ(generate_scope(entry, false), Status::ok);
+    const std::int64_t before = session.pool.bytes_used();
+    EXPECT_EQ(generate_scope(session, entry, false), Status::ok);
     EXPECT_EQ(text_of_list(entry), "<<(0) a/S,A,W|a/A,W(01) >>(0)");
-    return pool_figures().sentence_bytes_used - before;
+    return session.pool.bytes_used() - before;
   };
   EXPECT_EQ(bytes_of_search(100), bytes_of_search(10));
 }
@@ -80,17 +81,17 @@ TEST(Walk, GivesBackWhatATryTakes) {
 TEST(Walk, LeavesAtOnceWhenAsked) {
   use_rules("R{SHEAD}{A}P2;\nR{A}{STAIL}P1;");
   const List list("[<<] [a/A] >>");
-  state.trace_level = 4;
+  session.state.trace_level = 4;
   Capture output;
   std::int32_t home_scope = 0;
-  stop_requested = true;
-  EXPECT_EQ(engine_loop(nullptr, {list.lnode, list.rnode}, home_scope), Status::stopped);
-  stop_requested = false;
-  state.stack_limit = static_cast<const char*>(__builtin_frame_address(0));
-  EXPECT_EQ(generate_scope(list.rnode, false), Status::memory);
+  session.stop_requested = true;
+  EXPECT_EQ(engine_loop(session, nullptr, {list.lnode, list.rnode}, home_scope), Status::stopped);
+  session.stop_requested = false;
+  session.state.stack_limit = static_cast<const char*>(__builtin_frame_address(0));
+  EXPECT_EQ(generate_scope(session, list.rnode, false), Status::memory);
   // Every loop around it leaves as well.
-  state.stack_limit = nullptr;
-  EXPECT_EQ(engine_loop(nullptr, {list.lnode, list.rnode}, home_scope), Status::memory);
+  session.state.stack_limit = nullptr;
+  EXPECT_EQ(engine_loop(session, nullptr, {list.lnode, list.rnode}, home_scope), Status::memory);
   EXPECT_EQ(output.text(), "");
 }
 
@@ -128,12 +129,12 @@ struct Scene {
       : list(text),
         entry(node_of_text(entry_text)),
         window{list.lnode, list.rnode},
-        candidate(Step::candidate_of(rule_matrix.rules)),
+        candidate(Step::candidate_of(grammar.index.matrix.rules)),
         side(is_scope_reference(*window.rnode) ? Side::right : Side::left) {
     add_scope(1, entry);
   }
 
-  ScopeResult enter() { return scope_enter(side, window, *candidate, home_scope); }
+  ScopeResult enter() { return scope_enter(session, side, window, *candidate, home_scope); }
   [[nodiscard]] const Node& ref() const { return *(side == Side::right ? window.rnode : window.lnode); }
 };
 
@@ -170,9 +171,9 @@ TEST(HandedIn, AttributesGoInAndComeOutAgain) {
     EXPECT_EQ(text_of_node(&scene.ref()), row.ref_after);
     EXPECT_STREQ(head_text(*scene.entry), row.entry_block_after);
     EXPECT_EQ(text_of_words(scene.entry->left->candidates), "<</CHEAD");
-    EXPECT_EQ(state.semlst_cur, 0);
+    EXPECT_EQ(session.state.semlst_cur, 0);
     EXPECT_EQ(scene.home_scope, 0);
-    EXPECT_EQ(state.trace_depth, 0);
+    EXPECT_EQ(session.state.trace_depth, 0);
   }
 }
 
@@ -199,7 +200,7 @@ TEST(ScopeEntry, OfAUsedEntryTakesACopyOfIt) {
   use_rules(":{Z}\"[q]\"P99;" + std::string(kScopeRules));
   Scene scene("[a] [SCOPE:01/A]", "e/E{1:@entry}(0)");
   EXPECT_EQ(scene.enter().status, Status::ok);
-  const Node* copy = sentence.semlst[1].entry;
+  const Node* copy = session.sentence.semlst[1].entry;
   EXPECT_EQ(copy->origin, scene.entry);
   EXPECT_EQ(scene.entry->left, nullptr);
 }
@@ -208,13 +209,13 @@ TEST(FailedScope, TakesBackWhatWasHandedIn) {
   const auto failed = [](const char* rule, const char* list) {
     use_rules(rule);
     Scene scene(list, "e/E{1:@entry,V}");
-    state.trace_level = 2;
+    session.state.trace_level = 2;
     Capture output;
     const ScopeResult result = scene.enter();
     EXPECT_EQ(result.status, Status::nothing_left);
     EXPECT_TRUE(result.wants_undo);
     EXPECT_STREQ(head_text(*scene.entry), "@entry,V");
-    EXPECT_EQ(state.semlst_cur, 0);
+    EXPECT_EQ(session.state.semlst_cur, 0);
     const std::string text = output.text();
     return text.substr(text.rfind("\n\t") + 1);
   };
@@ -226,11 +227,11 @@ TEST(FailedScope, TakesBackWhatWasHandedIn) {
 TEST(FailedScope, OfALostSentenceSaysNothing) {
   use_rules(":{Z}\"[q]\"P99;" + std::string(kScopeRules));
   Scene scene("[a] [SCOPE:01/A]", "e/E{1:@entry}");
-  state.trace_level = 2;
+  session.state.trace_level = 2;
   Capture output;
-  stop_requested = true;
+  session.stop_requested = true;
   const ScopeResult stopped = scene.enter();
-  stop_requested = false;
+  session.stop_requested = false;
   EXPECT_EQ(stopped.status, Status::stopped);
   EXPECT_FALSE(stopped.wants_undo);
   EXPECT_EQ(output.text().find("failed"), std::string::npos);
@@ -239,15 +240,15 @@ TEST(FailedScope, OfALostSentenceSaysNothing) {
 TEST(FailedScope, BeyondTheDeepestIndentEndsTheSentence) {
   use_rules(":{Z}\"[q]\"P99;" + std::string(kScopeRules));
   Scene scene("[a] [SCOPE:01/A]", "e/E{1:@entry}");
-  while (trace_indent_grow()) continue;
+  while (trace_indent_grow(session)) continue;
   EXPECT_EQ(scene.enter().status, Status::memory);
-  EXPECT_EQ(must_leave(), Status::memory);
+  EXPECT_EQ(must_leave(session), Status::memory);
 }
 
 TEST(FailedScope, WithoutAnEntryFailsTheRuleBase) {
   use_rules(":{Z}\"[q]\"P99;" + std::string(kScopeRules));
   Scene scene("[a] [SCOPE:01/A]", "e/E{1:@entry}");
-  sentence.semlst[1].entry = nullptr;
+  session.sentence.semlst[1].entry = nullptr;
   Capture output;
   EXPECT_EQ(scene.enter().status, Status::rule_base);
 }
@@ -278,9 +279,9 @@ TEST(ScopeToEnter, IsThatOfAReferenceThatTheRuleBringsIn) {
     const Step step(row.rule, row.list);
     const List scope(row.built ? "<< [e(0)] >>" : "<< [e] >>");
     add_scope(1, scope.lnode);
-    EXPECT_EQ(scope_to_enter(step.window, *step.rule), row.side);
+    EXPECT_EQ(scope_to_enter(session, step.window, *step.rule), row.side);
     for (Node* node : step.list.nodes) node->origin = node;
-    EXPECT_EQ(scope_to_enter(step.window, *step.rule), std::nullopt) << "copies are never entered";
+    EXPECT_EQ(scope_to_enter(session, step.window, *step.rule), std::nullopt) << "copies are never entered";
   }
 }
 

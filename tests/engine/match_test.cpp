@@ -3,13 +3,14 @@
 #include <gtest/gtest.h>
 
 #include "support/step.hpp"
+#include "support/session.hpp"
 
 namespace lexon::test {
 namespace {
 
 // The result of a match, and the list with its window as they stand then.
 std::string matched(Step& step) {
-  const Fit fit = match_rule(*step.candidate, step.window);
+  const Fit fit = match_rule(session, *step.candidate, step.window);
   return std::to_string(code(fit)) + " " + step.text();
 }
 
@@ -95,7 +96,7 @@ TEST(Match, PlacesAndVerdict) {
 
 TEST(Match, EntryNodeDoesNotDropOut) {
   Step step("DR{}{}P1;", "[x/X] [y/Y]");
-  sentence.semlst[0].entry = step.list.rnode;
+  session.sentence.semlst[0].entry = step.list.rnode;
   EXPECT_EQ(matched(step), "0 [x/X] [y/Y]");
 }
 
@@ -133,7 +134,7 @@ TEST(Match, ReferenceIsSeenThrough) {
     Step step(row.rule, std::string("<< [x/X(0)] [") + row.reference + "] >>");
     Node* entry = node_of_text(row.entry);
     add_scope(1, entry);
-    const Fit fit = match_rule(*step.candidate, step.window);
+    const Fit fit = match_rule(session, *step.candidate, step.window);
     EXPECT_EQ(std::to_string(code(fit)) + " " + text_of_node(step.list.rnode) + "; " + text_of_node(entry), row.result);
   }
 }
@@ -143,7 +144,7 @@ TEST(Match, ReferenceIsSeenThroughReferences) {
   Node* entry = node_of_text("a/A|b/B");
   add_scope(1, node_of_text("SCOPE:02/SCOPE"));
   add_scope(2, entry);
-  EXPECT_EQ(code(match_rule(*step.candidate, step.window)), 1);
+  EXPECT_EQ(code(match_rule(session, *step.candidate, step.window)), 1);
   EXPECT_EQ(text_of_node(entry), "b/B|a/A(2)");
 }
 
@@ -169,9 +170,9 @@ TEST(Match, RoomForAdditions) {
   for (const Room& row : kRooms) {
     SCOPED_TRACE(row.name);
     Step step(row.rule, "[x/" + std::string(static_cast<std::size_t>(row.length), 'a') + "] [y/xyz]");
-    state.trace_level = 3;
+    session.state.trace_level = 3;
     Capture output;
-    EXPECT_EQ(code(match_rule(*step.candidate, step.window)), row.fits ? 1 : 0);
+    EXPECT_EQ(code(match_rule(session, *step.candidate, step.window)), row.fits ? 1 : 0);
     const bool told = output.text().starts_with(";;attributes will be longer the 1024\n;;the following rule will be not applied\n");
     EXPECT_EQ(told, !row.fits) << output.text();
   }
@@ -205,7 +206,7 @@ TEST(Match, AttributesOfTheGraphWithinTheLimit) {
     SCOPED_TRACE(row.name);
     const std::string old(static_cast<std::size_t>(row.word), 'a');
     Step step("R{}{}P1;", "[<<] [y/" + old + "{" + row.text + "}]");
-    EXPECT_EQ(code(match_rule(*step.candidate, step.window)), 1);
+    EXPECT_EQ(code(match_rule(session, *step.candidate, step.window)), 1);
     const WordEntry& word = *step.list.rnode->candidates;
     EXPECT_EQ(word.attrs, row.front + "," + old);
     EXPECT_EQ(word.attr_len, row.length);
@@ -222,16 +223,16 @@ TEST(Match, WordWithoutAttributesTakesTheGraphs) {
 TEST(Match, ListTurnsToTheCurrentScope) {
   Step step("R{Q}{}P1;", "<<{0:a}{2:b} [x/X] [y/Y{0:a}{2:b}] z/Z{0:a}{2:b}");
   add_scope(2, step.list.lnode);
-  state.semlst_cur = 1;
+  session.state.semlst_cur = 1;
   EXPECT_EQ(matched(step), "0 <<{2:b}{a} [x/X] [y/Y{2:b}{a}] z/Z{2:b}{a}");
-  state.semlst_cur = 0;
+  session.state.semlst_cur = 0;
 }
 
 TEST(Match, StopIsObeyed) {
   Step step("R{}{}P1;", "[<<] [a/A] >>");
-  stop_requested = true;
-  EXPECT_EQ(match_rule(*step.candidate, step.window), Fit::failed);
-  stop_requested = false;
+  session.stop_requested = true;
+  EXPECT_EQ(match_rule(session, *step.candidate, step.window), Fit::failed);
+  session.stop_requested = false;
 }
 
 }  // namespace

@@ -6,6 +6,7 @@
 
 #include "engine/post_edit_rule.hpp"
 #include "support/step.hpp"
+#include "support/grammar.hpp"
 
 namespace lexon::test {
 namespace {
@@ -37,7 +38,7 @@ TEST(Shift, SplitsAWordInTwo) {
     SCOPED_TRACE(row.what);
 
     Step step(row.rule, row.before);
-    EXPECT_EQ(post_edit_rule(step.window, *step.candidate), Status::ok);
+    EXPECT_EQ(post_edit_rule(session, step.window, *step.candidate), Status::ok);
     EXPECT_EQ(step.text(), row.after);
   }
 }
@@ -45,7 +46,7 @@ TEST(Shift, SplitsAWordInTwo) {
 TEST(Shift, KeepsTheSizesAndAllAttributesOfAnEmptiedWord) {
   const std::string attrs(1023, 'A');
   Step step("P<<\"[ab]\"{}P1;", "<< [a(0)] [ab/" + attrs + "(0)] >>");
-  EXPECT_EQ(post_edit_rule(step.window, *step.candidate), Status::ok);
+  EXPECT_EQ(post_edit_rule(session, step.window, *step.candidate), Status::ok);
   EXPECT_EQ(step.window.rnode->candidates->hw_len, 0);
   EXPECT_EQ(step.window.rnode->candidates->attrs, "H#NIL," + attrs);
   EXPECT_EQ(step.window.rnode->candidates->attr_len, 1023);
@@ -54,14 +55,14 @@ TEST(Shift, KeepsTheSizesAndAllAttributesOfAnEmptiedWord) {
 TEST(Shift, OfAPlaceWithoutTextFailsTheRuleBase) {
   Capture output;
   Step empty("P<<\"[x]\"{}P1;", "<< [a(0)] [/A(0)] >>");
-  EXPECT_EQ(post_edit_rule(empty.window, *empty.candidate), Status::rule_base);
+  EXPECT_EQ(post_edit_rule(session, empty.window, *empty.candidate), Status::rule_base);
 }
 
 TEST(Shift, ShowsTheRuleTheNodesAndTheList) {
   Step step("P<<\"[un]\"{}P1;", "<< [a(0)] [unable/A(0)] >>");
-  state.trace_level = 2;
+  session.state.trace_level = 2;
   Capture output;
-  EXPECT_EQ(post_edit_rule(step.window, *step.candidate), Status::ok);
+  EXPECT_EQ(post_edit_rule(session, step.window, *step.candidate), Status::ok);
   EXPECT_EQ(output.text(),
             "==================== APPLIED RULE ==================\n"
             "P<<\"[un]:::\"{:::}P1;\n"
@@ -85,14 +86,14 @@ TEST(ScopeRule, EditsTheListOfTheScopeAndThenActs) {
     use_rules(rule);
     const List outer(left ? "<< [SCOPE:04/A(0)] [b(0)] >>" : "<< [b(0)] [SCOPE:04/A(0)] >>");
     const List inner("<</CHEAD e(0) >>/CTAIL");
-    sentence.semlst[0].number = 0;
+    session.sentence.semlst[0].number = 0;
     add_scope(4, &inner.at(1));
     Window window{outer.lnode, outer.rnode};
-    state.trace_level = 2;
+    session.state.trace_level = 2;
     Capture output;
-    EXPECT_EQ(post_edit_rule(window, *Step::candidate_of(rule_matrix.rules)), Status::ok);
+    EXPECT_EQ(post_edit_rule(session, window, *Step::candidate_of(grammar.index.matrix.rules)), Status::ok);
     EXPECT_EQ(text_of_node(left ? window.lnode : window.rnode), "SCOPE:04/x,A|SCOPE:04/A(1)");
-    EXPECT_EQ(state.semlst_cur, 0);
+    EXPECT_EQ(session.state.semlst_cur, 0);
     const std::string text = output.text();
     const std::size_t begin = text.find(";;==>>");
     EXPECT_EQ(text.substr(begin, text.find("\n====", begin) + 1 - begin),
@@ -113,7 +114,7 @@ TEST(ScopeRule, WithoutAScopeHasNoEffect) {
     Step step("PSL{:+x}{}P1;", list);
     add_scope(4, node_of_text("e"));
     const std::string before = step.text();
-    EXPECT_EQ(post_edit_rule(step.window, *step.candidate), Status::ok);
+    EXPECT_EQ(post_edit_rule(session, step.window, *step.candidate), Status::ok);
     EXPECT_EQ(step.text(), before);
   }
 }
@@ -139,7 +140,7 @@ TEST(Pass, WalksFromTheEndAsLongAsRulesFit) {
 
     use_rules(row.rules);
     const List list(row.before);
-    EXPECT_EQ(post_edit(&list.at(1)), row.status);
+    EXPECT_EQ(post_edit(session, &list.at(1)), row.status);
     EXPECT_EQ(text_of_list(&list.at(0)), row.after);
   }
 }
@@ -147,9 +148,9 @@ TEST(Pass, WalksFromTheEndAsLongAsRulesFit) {
 TEST(Pass, LeavesAtOnceWhenAsked) {
   use_rules("PL{}{}P1;");
   const List list("<<(0) a(0) >>(0)");
-  stop_requested = true;
-  EXPECT_EQ(post_edit(&list.at(1)), Status::stopped);
-  stop_requested = false;
+  session.stop_requested = true;
+  EXPECT_EQ(post_edit(session, &list.at(1)), Status::stopped);
+  session.stop_requested = false;
   EXPECT_EQ(text_of_list(&list.at(0)), "<<(0) a(0) >>(0)");
 }
 

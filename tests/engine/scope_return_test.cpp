@@ -5,6 +5,7 @@
 
 #include "data/chain.hpp"
 #include "support/search.hpp"
+#include "support/grammar.hpp"
 
 namespace lexon::test {
 namespace {
@@ -21,7 +22,7 @@ struct Finished {
 
   Finished(const char* rules, const char* list, const char* inner_list)
       : outer({"", rules, list, "", "", "", "", "", -1, 0, "obj"}, Before::failed), inner(inner_list) {
-    rule_matrix = {};
+    grammar.index.matrix = {};
     add_scope(1, &inner.at(1));
     RuleCandidate* walked = nullptr;
     for (const Rule* rule = outer.candidate()->next->rule; rule != nullptr; rule = rule->next) {
@@ -29,11 +30,11 @@ struct Finished {
     }
     share_one_list(walked);
     for (const std::size_t index : {1U, 2U}) {
-      EXPECT_EQ(match_record_push(inner.at(index), kStateStep, walked), Status::ok);
+      EXPECT_EQ(match_record_push(session, inner.at(index), kStateStep, walked), Status::ok);
     }
   }
 
-  Status go_back() { return back_into_scope(outer.window(), outer.candidate(), home_scope); }
+  Status go_back() { return back_into_scope(session, outer.window(), outer.candidate(), home_scope); }
 };
 
 // ---- The scope has no other solution.
@@ -57,11 +58,11 @@ TEST(FailedScope, GivesWayToTheNextWordOrRule) {
     SCOPED_TRACE(failed.what);
     Finished scope(failed.rules, failed.list, "<< x >>");
     Capture output;
-    state.trace_level = 3;
+    session.state.trace_level = 3;
     EXPECT_EQ(scope.go_back(), Status::nothing_left);
     EXPECT_EQ(scope.outer.text(), failed.after);
     EXPECT_EQ(branches_of(output.text()), std::string("\tbacktrack into SCOPE:01|\tnext rule #31|\tNo Rule!|#3 Scope:01 failed|") + failed.branches);
-    EXPECT_EQ(state.semlst_cur, 0);
+    EXPECT_EQ(session.state.semlst_cur, 0);
     EXPECT_EQ(text_of_list(&scope.inner.at(1)), "<< x >>");
   }
 }
@@ -73,13 +74,13 @@ TEST(FailedScope, CopyThatStoodForTheEntryNodeIsGone) {
   Node* entry = node_of_text("x|y");
   scope.inner.at(1).origin = entry;
   EXPECT_EQ(scope.go_back(), Status::nothing_left);
-  EXPECT_EQ(sentence.semlst[1].entry, entry);
+  EXPECT_EQ(session.sentence.semlst[1].entry, entry);
   EXPECT_EQ(text_of_list(&scope.inner.at(0)), "<< >>");
 }
 
 TEST(FailedScope, ForcedBacktrackingGetsTheWindowBack) {
   Finished scope(kBringsRight, "<< [a/A|b] [SCOPE:01] >>", "<< x >>");
-  state.forced_node = &scope.outer.at(1);
+  session.state.forced_node = &scope.outer.at(1);
   EXPECT_EQ(scope.go_back(), Status::ok);
   EXPECT_EQ(scope.outer.text(), "<< [a/A|b] [>>]");
 }
@@ -96,7 +97,7 @@ TEST(FailedScope, RuleWithMidHasLostItsPlace) {
 TEST(ReturnIntoScope, AppliesTheOuterRuleToTheNextSolution) {
   Finished scope(":{A:::}\"SCOPE::obj:\"P3;\nR{Z:::}{}P2;\nR{N:::}{}P1;", "<< [a/A] [SCOPE:01{>agt}] >>", "<< x/N,@entry >>");
   Capture output;
-  state.trace_level = 3;
+  session.state.trace_level = 3;
   // No rule goes on in the outer list, the scope is gone back into once more, and has nothing left.
   EXPECT_EQ(scope.go_back(), Status::nothing_left);
   const std::string trace = output.text();
@@ -109,7 +110,7 @@ TEST(ReturnIntoScope, AppliesTheOuterRuleToTheNextSolution) {
 TEST(ReturnIntoScope, SearchThatRanOutCountsAsFinished) {
   for (const int current : {0, 1}) {
     Finished scope("R{}{}P2;\nL{}{}P1;", "<< [a] [SCOPE:01] >>", "<< x >>");
-    state.semlst_cur = current;
+    session.state.semlst_cur = current;
     Capture output;
     EXPECT_EQ(scope.go_back(), Status::ok);
     EXPECT_EQ(scope.outer.text(), "<< [a] [SCOPE:01] >>");
@@ -122,21 +123,21 @@ TEST(ReturnIntoScope, UnknownScopeChangesTheReferenceAlone) {
   EXPECT_EQ(scope.go_back(), Status::ok);
   EXPECT_EQ(scope.outer.text(), "<< [a/A] [SCOPE:07/>agt,SCOPE{>agt}] >>");
   EXPECT_EQ(scope.outer.at(2).candidates->attr_len, 3);
-  EXPECT_EQ(state.trace_depth, 0);
+  EXPECT_EQ(session.state.trace_depth, 0);
 }
 
 TEST(ReturnIntoScope, UnfinishedScopeIsAFailureOfTheRules) {
   Finished scope(kBringsRight, "<< [a/A] [SCOPE:01] >>", "<< x >>");
-  match_record_pop(scope.inner.at(2));
+  match_record_pop(session, scope.inner.at(2));
   Capture output;
   EXPECT_EQ(scope.go_back(), Status::rule_base);
 }
 
 TEST(ReturnIntoScope, LeavesWhenTheStackIsUsedUp) {
   Finished scope(kBringsRight, "<< [a/A] [SCOPE:01] >>", "<< x >>");
-  state.stack_limit = static_cast<const char*>(__builtin_frame_address(0));
+  session.state.stack_limit = static_cast<const char*>(__builtin_frame_address(0));
   EXPECT_EQ(scope.go_back(), Status::memory);
-  state.stack_limit = nullptr;
+  session.state.stack_limit = nullptr;
 }
 
 }  // namespace

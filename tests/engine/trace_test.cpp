@@ -5,6 +5,7 @@
 #include <string>
 
 #include "support/step.hpp"
+#include "support/session.hpp"
 
 namespace lexon::test {
 namespace {
@@ -33,7 +34,7 @@ TEST(ListLine, ShowsEveryNodeInItsForm) {
     fresh_sentence();
     const List list(row.list);
     Capture output;
-    print_list_line({list.lnode, list.rnode});
+    print_list_line(session, {list.lnode, list.rnode});
     EXPECT_EQ(output.text(), std::string(row.line) + "\n");
   }
 }
@@ -44,7 +45,7 @@ TEST(NodeWithoutWords, IsTakenOutOfTheList) {
   for (const std::size_t empty : {1U, 4U}) list.at(empty).candidates = nullptr;
   list.at(7).candidates = nullptr;
   Capture output;
-  print_list_line({list.lnode, list.rnode});
+  print_list_line(session, {list.lnode, list.rnode});
   EXPECT_EQ(output.text(), "/<</[c]/[f]/\n");
   EXPECT_EQ(text_of_list(list.lnode), "<< b c e f  h >>");
 }
@@ -54,13 +55,13 @@ TEST(BrokenList, IsReported) {
   const List list("a/N [b] [c]");
   list.at(0).left = &list.at(0);
   Capture output;
-  print_list_line({list.lnode, list.rnode});
+  print_list_line(session, {list.lnode, list.rnode});
   EXPECT_EQ(output.text(), "[a]{}  \"\" (N) <.,0,0>;\n;;lnode loop\n");
 }
 
 std::string dumped(const Node* node, bool one) {
   Capture output;
-  dump_node(node, one);
+  dump_node(session, node, one);
   return output.text();
 }
 

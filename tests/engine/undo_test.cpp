@@ -7,6 +7,7 @@
 #include "data/words.hpp"
 
 #include "support/search.hpp"
+#include "support/session.hpp"
 
 namespace lexon::test {
 namespace {
@@ -42,7 +43,7 @@ TEST(InsertedUndo, FindsTheArcByLabelAndEnds) {
     other_arc->used = 1;
     Relation* arc = arc_between(from, to, "agt");
     arc->used = 1;
-    ASSERT_EQ(inserted_undo(*step.rule, step.window), Status::ok);
+    ASSERT_EQ(inserted_undo(session, *step.rule, step.window), Status::ok);
     EXPECT_EQ(step.text(), expected.after);
     EXPECT_EQ(arc->used == 0, expected.is_free);
     EXPECT_EQ(other_arc->used, 1);
@@ -53,8 +54,8 @@ TEST(InsertedUndo, ResetsANodeOfTheGraph) {
   Step step(":{}\"::agt:\"P1;", "<< [a] [!b|c] >>");
   arc_between(*step.window.lnode, *step.window.rnode, "agt");
   Node& inserted = *step.window.rnode;
-  entry_list_free(inserted.candidates);
-  ASSERT_EQ(inserted_undo(*step.rule, step.window), Status::ok);
+  entry_list_free(session, inserted.candidates);
+  ASSERT_EQ(inserted_undo(session, *step.rule, step.window), Status::ok);
   EXPECT_EQ(text_of_list(&inserted), "b|c");
 }
 
@@ -62,15 +63,15 @@ TEST(InsertedUndo, GivesTheArcOfACopyBackToItsOrigin) {
   Step step(":{}\"::agt:\"P1;", "<< [a] b(0) >>");
   Node& source = step.list.at(2);
   Relation* arc = arc_between(*step.window.lnode, source, "agt");
-  ASSERT_EQ(node_copy(step.window.rnode, source, arc, 0), Status::ok);
+  ASSERT_EQ(node_copy(session, step.window.rnode, source, arc, 0), Status::ok);
   node_insert_after(*step.window.lnode, *step.window.rnode);
   arc->used = 1;
-  state.forced_node = step.window.rnode;
-  ASSERT_EQ(inserted_undo(*step.rule, step.window), Status::ok);
+  session.state.forced_node = step.window.rnode;
+  ASSERT_EQ(inserted_undo(session, *step.rule, step.window), Status::ok);
   EXPECT_EQ(step.text(), "<< [a] [b(0)] >>");
   EXPECT_EQ(arc->to, &source);
   EXPECT_EQ(arc->used, 0);
-  EXPECT_EQ(state.forced_node, gone_node());
+  EXPECT_EQ(session.state.forced_node, &session.gone);
 }
 
 TEST(InsertedUndo, ReloadsTheEntryOfAScopeThatLostItsWords) {
@@ -78,8 +79,8 @@ TEST(InsertedUndo, ReloadsTheEntryOfAScopeThatLostItsWords) {
   arc_between(*step.window.lnode, *step.window.rnode, "agt");
   List scope("x|y");
   add_scope(1, scope.nodes.at(0));
-  entry_list_free(scope.at(0).candidates);
-  ASSERT_EQ(inserted_undo(*step.rule, step.window), Status::ok);
+  entry_list_free(session, scope.at(0).candidates);
+  ASSERT_EQ(inserted_undo(session, *step.rule, step.window), Status::ok);
   EXPECT_EQ(text_of_list(scope.nodes.at(0)), "x|y");
 }
 
@@ -89,8 +90,8 @@ TEST(InsertedUndo, NodesThatOthersKnowLeaveTheListWithoutWords) {
   for (const auto& [before, after] : rows) {
     Step step(":{}\"::agt:\"P1;", before);
     Node& inserted = *step.window.rnode;
-    if (!is_boundary(inserted)) inserted.name = temp_text("b");
-    ASSERT_EQ(inserted_undo(*step.rule, step.window), Status::ok) << before;
+    if (!is_boundary(inserted)) inserted.name = temp_text(session, "b");
+    ASSERT_EQ(inserted_undo(session, *step.rule, step.window), Status::ok) << before;
     EXPECT_EQ(step.text(), after);
     EXPECT_EQ(inserted.candidates, nullptr) << before;
   }
@@ -116,7 +117,7 @@ TEST(HoldRelease, OfAUsedReference) {
     SCOPED_TRACE(hold.what);
     const std::string list = std::string("<< [") + hold.reference + "] >>";
     Search search({"", "L{}{}P1;", list.c_str(), "", "", "", hold.scopes}, Before::failed);
-    EXPECT_EQ(hold_release(*search.window().lnode), hold.is_released);
+    EXPECT_EQ(hold_release(session, *search.window().lnode), hold.is_released);
     EXPECT_EQ(search.scopes_text(), hold.after);
   }
 }
@@ -144,7 +145,7 @@ TEST(SteplessUndo, PutsThePairBack) {
     const List pair("x y");
     step.window.rnode->origin = pair.nodes.at(stepless.copied[0] == 'x' ? 0 : 1);
     step.matched();
-    ASSERT_EQ(stepless_undo(step.window, *step.rule), Status::ok);
+    ASSERT_EQ(stepless_undo(session, step.window, *step.rule), Status::ok);
     EXPECT_EQ(step.text(), stepless.after);
   }
 }
@@ -175,13 +176,13 @@ TEST(Lost, EndsTheSentenceWithAMessage) {
     Capture output;
     EXPECT_EQ(search.undo().substr(0, 3), "110");
     EXPECT_EQ(output.text(), std::string(";;the rule base has failed: ") + lost.message + "\n");
-    EXPECT_EQ(must_leave(), Status::rule_base);
+    EXPECT_EQ(must_leave(session), Status::rule_base);
   }
 }
 
 TEST(Lost, StackThatIsEmptyOnOneSide) {
   Search search({"", "L{}{}P1;", "<< [a] [b] >>", "", "", ""}, Before::matched);
-  match_record_pop(search.at(1));
+  match_record_pop(session, search.at(1));
   Capture output;
   EXPECT_EQ(search.undo(), "110 P1");
   EXPECT_EQ(output.text(), ";;the rule base has failed: undid more steps than it has made\n");
@@ -192,7 +193,7 @@ TEST(Lost, OriginThatStillStandsInTheList) {
   step.window.rnode->origin = &step.list.at(1);
   step.matched();
   Capture output;
-  EXPECT_EQ(stepless_undo(step.window, *step.rule), Status::rule_base);
+  EXPECT_EQ(stepless_undo(session, step.window, *step.rule), Status::rule_base);
 }
 
 }  // namespace

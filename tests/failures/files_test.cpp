@@ -8,7 +8,6 @@
 #include <functional>
 
 #include "data/pool.hpp"
-#include "data/state.hpp"
 #include "dict/index.hpp"
 #include "front/command_line.hpp"
 #include "run/driver.hpp"
@@ -16,6 +15,7 @@
 #include "support/capture.hpp"
 #include "support/program.hpp"
 #include "whole_run.hpp"
+#include "support/grammar.hpp"
 
 namespace lexon::test {
 namespace {
@@ -259,92 +259,6 @@ TEST_F(Compiled, ThoseOfOtherRulesAreNamedWhereCountsDisagree) {
   run_with("rules.rul", bytes_of(path("other.rul")), "rules.mtx");
 }
 
-// ---- files that change between two sentences
-
-// Renders all sentences and lets the test act between them.
-class ChangingHost final : public Host {
- public:
-  ChangingHost(std::int32_t before, std::function<void()> change) : before_(before), change_(std::move(change)) {}
-
-  void report_stop(const std::string& text, const std::string&) override { ADD_FAILURE() << text; }
-  bool ask_yes_no(const std::string&, const std::string&) override { return false; }
-  void note(const Note&) override {}
-  void minimise() override {}
-  StepResult run_step(RunContext& context, const char* caption, std::int32_t number) override {
-    if (context.rule_step_done && number == before_) change_();
-    step_begin(progress_, context, caption, number);
-    progress_.worker.wait();
-    EXPECT_TRUE(step_end_if_done(progress_));
-    return StepResult::finished;
-  }
-  void finish() override { std::fflush(state.output); }
-
- private:
-  std::int32_t before_;
-  std::function<void()> change_;
-  ProgressState progress_;
-};
-
-struct ChangeRow {
-  const char* what;
-  const char* file;
-  std::function<void(const std::string&)> change;
-  const char* note;  // what is told behind the name; null: nothing, and all sentences are as ever
-};
-
-TEST_F(Files, WhatChangesBetweenSentencesIsMetAndTold) {
-  const auto vanish = [](const std::string& name) { fs::remove(name); };
-  const auto shrink = [](const std::string& name) { fs::resize_file(name, fs::file_size(name) / 2); };
-  const auto empty = [](const std::string& name) { fs::resize_file(name, 0); };
-  const auto overwrite = [](const std::string& name) { write_file(name, std::string(fs::file_size(name), '\xFF')); };
-  const ChangeRow rows[] = {
-      {"the dictionary vanishes", "words.dic", vanish, nullptr},
-      {"the index vanishes", "words.idx", vanish, nullptr},
-      {"the input vanishes", "input.txt", vanish, nullptr},
-      {"the compiled rules vanish", "rules.rul", vanish, nullptr},
-      {"the compiled rules are emptied", "rules.rul", empty, nullptr},
-      {"the matrix is overwritten", "rules.mtx", overwrite, nullptr},
-      {"the rule text is emptied", "rules.txt", empty, nullptr},
-      {"the dictionary shrinks", "words.dic", shrink, ": damaged at offset "},
-      {"the dictionary is emptied", "words.dic", empty, ": damaged at offset "},
-      {"the dictionary is overwritten", "words.dic", overwrite, ": damaged at offset "},
-      {"the index shrinks", "words.idx", shrink, ": damaged at offset "},
-      {"the index is emptied", "words.idx", empty, ": damaged at offset "},
-      {"the index is overwritten", "words.idx", overwrite, ": damaged at offset "},
-  };
-  const std::vector<std::string> expected = sentences_in(expected_);
-  for (const ChangeRow& row : rows) {
-    SCOPED_TRACE(row.what);
-    for (const char* name : {"words.dic", "words.idx", "input.txt", "rules.txt", "rules.rul", "rules.mtx"}) {
-      fs::copy_file(path(name), path(std::string(name) + ".kept"), fs::copy_options::overwrite_existing);
-    }
-    RunSettings settings;
-    settings.dictionary_file = path("words.dic");
-    settings.rule_file = path("rules.txt");
-    settings.input_file = path("input.txt");
-    settings.output_file = path("output.txt");
-    settings.sentence_count = 0;
-    settings.trace_level = 0;
-    ChangingHost host(2, [&] { row.change(path(row.file)); });
-    run_faults = {};
-    lookup_damage = {};
-    run_driver(settings, host);
-    const std::vector<std::string> found = sentences_in(mask_times(bytes_of(path("output.txt"))));
-    ASSERT_EQ(found.size(), expected.size());
-    EXPECT_EQ(found[0], expected[0]);
-    if (row.note == nullptr) {
-      EXPECT_EQ(found, expected);
-      EXPECT_TRUE(run_faults.notes.empty());
-    } else {
-      ASSERT_EQ(run_faults.notes.size(), 1U);
-      EXPECT_NE(run_faults.notes[0].find(path(row.file) + row.note), std::string::npos) << run_faults.notes[0];
-    }
-    for (const char* name : {"words.dic", "words.idx", "input.txt", "rules.txt", "rules.rul", "rules.mtx"}) {
-      fs::rename(path(std::string(name) + ".kept"), path(name));
-    }
-    static_cast<void>(temp_release_all());
-  }
-}
 
 }  // namespace
 }  // namespace lexon::test

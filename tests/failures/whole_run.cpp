@@ -8,18 +8,16 @@
 #include <array>
 #include <cstdlib>
 #include <filesystem>
+#include <memory>
 #include <new>
 #include <span>
 #include <sstream>
 #include <utility>
 
 #include "data/pool.hpp"
-#include "data/sentence.hpp"
-#include "data/state.hpp"
 #include "dict/index.hpp"
 #include "dicttool/build.hpp"
 #include "front/console.hpp"
-#include "rules/matrix.hpp"
 #include "run/driver.hpp"
 #include "support/capture.hpp"
 #include "support/program.hpp"
@@ -28,29 +26,12 @@ namespace fs = std::filesystem;
 
 namespace {
 
-// The streams that a run keeps open until the process ends. A run of a test must not outlive itself.
-std::array<std::FILE*, 64> kept{};
-
 bool reads_are_short = false;
 
 }  // namespace
 
 // The linker puts these in the place of the calls.
 extern "C" {
-std::FILE* __real_fopen(const char* path, const char* mode);
-int __real_fclose(std::FILE* stream);
-
-std::FILE* __wrap_fopen(const char* path, const char* mode) {
-  std::FILE* stream = __real_fopen(path, mode);
-  if (stream != nullptr) *std::find(kept.begin(), kept.end() - 1, nullptr) = stream;
-  return stream;
-}
-
-int __wrap_fclose(std::FILE* stream) {
-  std::replace(kept.begin(), kept.end(), stream, static_cast<std::FILE*>(nullptr));
-  return __real_fclose(stream);
-}
-
 ssize_t __real_pread(int file, void* to, std::size_t size, off_t offset);
 
 ssize_t __wrap_pread(int file, void* to, std::size_t size, off_t offset) {
@@ -62,31 +43,7 @@ namespace lexon::test {
 
 namespace {
 
-// The driver's own: output, dictionary, index, input, two of the co-occurrence dictionary, the rule text.
-constexpr std::size_t kKeptByARun = 7;
 constexpr std::int64_t kFarAway = std::int64_t{1} << 40;
-
-std::size_t close_kept() {
-  std::size_t count = 0;
-  for (std::FILE*& stream : kept) {
-    if (stream == nullptr) continue;
-    __real_fclose(stream);
-    stream = nullptr;
-    ++count;
-  }
-  return count;
-}
-
-void fresh_start() {
-  stop_requested = false;
-  static_cast<void>(temp_release_all());
-  rule_matrix_clear();
-  perm_release_all();
-  run_faults = {};
-  lookup_damage = {};
-  state = {};
-  sentence_clear();
-}
 
 // The folder for temporary files while it lives.
 class TempFolder {
@@ -135,7 +92,8 @@ void build(const std::string& entries, const std::string& dictionary) {
   options.entries = entries;
   options.dictionary = dictionary;
   options.memory = std::size_t{1} << 20;
-  ASSERT_TRUE(dictionary_build(options, stderr, figures)) << entries;
+  const auto own = std::make_unique<Session>();
+  ASSERT_TRUE(dictionary_build(*own, options, stderr, figures)) << entries;
 }
 
 std::string source_of(const std::string& name) {
@@ -144,7 +102,8 @@ std::string source_of(const std::string& name) {
 
 int whole_run(std::span<const char* const> words) {
   try {
-    const CommandLine line = command_line_read(words);
+    CommandLine line = command_line_read(words);
+    line.settings.fault = &refused;
     ConsoleHost host(line);
     run_driver(line.settings, host);
     return host.exit_status();
@@ -178,22 +137,16 @@ RunCase::Result RunCase::run(bool converts, AllocationFault fault, const char* m
   std::vector<const char*> words;
   for (const std::string& word : arguments_) words.push_back(word.c_str());
   if (more != nullptr) words.push_back(more);
-  close_kept();
-  fresh_start();
   Result result;
   {
     const TempFolder temp(path("temp"));
     const ErrorFile error(path("error"));
-    allocation_fault = fault.countdown == 0 ? AllocationFault{kFarAway, false} : fault;
+    refused = fault.countdown == 0 ? AllocationFault{kFarAway, false} : fault;
     result.exit_status = whole_run(words);
-    result.allocations = kFarAway - std::exchange(allocation_fault, {}).countdown;
+    result.allocations = kFarAway - std::exchange(refused, {}).countdown;
   }
-  state.output = nullptr;
-  const std::size_t closed = close_kept();
-  result.files_left_open = closed > kKeptByARun ? closed - kKeptByARun : 0;
   result.output = mask_times(bytes_of(path("output.txt")));
   result.error = bytes_of(path("error"));
-  fresh_start();
   return result;
 }
 

@@ -1,4 +1,4 @@
-// Whole runs inside the test program, one after the other, each from a fresh start.
+// Whole runs inside the test program, one after the other.
 #pragma once
 
 #include <cstddef>
@@ -9,6 +9,9 @@
 #include "data/pool.hpp"
 
 namespace lexon::test {
+
+// Looked at by the pools of a run, and by the operators new of the test program.
+inline AllocationFault refused{};
 
 // A golden case, or the English example, in a folder of its own, with its dictionaries built.
 class RunCase {
@@ -21,8 +24,7 @@ class RunCase {
     std::string output;  // times masked
     std::string error;   // what went to standard error
     std::int64_t allocations = 0;
-    std::size_t files_left_open = 0;  // that the run does not keep open on purpose
-  };
+    };
   // Renders all sentences, with the rules from the text (`converts`) or from the compiled files of the run before.
   // `fault` holds for the run alone; `more` is a switch besides, or null.
   [[nodiscard]] Result run(bool converts, AllocationFault fault = {}, const char* more = nullptr) const;

@@ -5,9 +5,9 @@
 #include <string>
 
 #include "data/pool.hpp"
-#include "data/sentence.hpp"
 #include "support/graph_text.hpp"
 #include "support/test_dictionary.hpp"
+#include "support/session.hpp"
 
 namespace lexon::test {
 namespace {
@@ -81,11 +81,11 @@ TEST(NodesOfDictionary, HaveTheirWords) {
 
 TEST(FailedLookups, DropTheRelationSilently) {
   const TestDictionary dictionary(kEntries);
-  const DictionaryFiles files = sentence.dictionary;
+  const DictionaryFiles files = session.sentence.dictionary;
   IndexDescriptor* no_slots[kKeyFields] = {};
-  sentence.dictionary.slots = no_slots;
+  session.sentence.dictionary.slots = no_slots;
   const GraphRead read = graph_of_lines("r(dog,\"x\")\n");
-  sentence.dictionary = files;
+  session.sentence.dictionary = files;
   EXPECT_EQ(read.status, Status::ok);
   EXPECT_EQ(read.output, "");
   EXPECT_EQ(read.root, nullptr);
@@ -95,15 +95,15 @@ TEST(FailedLookups, DropTheRelationSilently) {
 
 TEST(LiteralEntry, ReplacesTheList) {
   WordEntry* words = nullptr;
-  ASSERT_EQ(literal_entry("12", words), Status::ok);
-  ASSERT_EQ(literal_entry("dog(>x)", words), Status::ok);
+  ASSERT_EQ(literal_entry(session, "12", words), Status::ok);
+  ASSERT_EQ(literal_entry(session, "dog(>x)", words), Status::ok);
   EXPECT_STREQ(words->hw, "dog");
   EXPECT_STREQ(words->cw, "dog(>x)");
   EXPECT_EQ(words->hw_len, 3);
   EXPECT_EQ(words->cw_len, 7);
   EXPECT_EQ(words->total_size, 36);  // 3 + 7, the attribute block of 16, and 10
   EXPECT_EQ(words->next, nullptr);
-  temp_release_all();
+  session.pool.release_all();
 }
 
 }  // namespace

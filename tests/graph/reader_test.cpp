@@ -5,10 +5,9 @@
 #include <string>
 
 #include "data/pool.hpp"
-#include "data/sentence.hpp"
-#include "data/state.hpp"
 #include "support/capture.hpp"
 #include "support/graph_text.hpp"
+#include "support/session.hpp"
 
 namespace lexon::test {
 namespace {
@@ -163,9 +162,9 @@ TEST(Reader, NulEndsTheTextOfALine) {
 
 TEST(Reader, LeavesSilentlyWhenAskedToStop) {
   std::FILE* stream = stream_of("[S]\nr(a,b)\n[/S]\n");
-  stop_requested = true;
+  session.stop_requested = true;
   const GraphRead read = graph_read(stream);
-  stop_requested = false;
+  session.stop_requested = false;
   EXPECT_EQ(read.status, Status::stopped);
   EXPECT_EQ(read.output, "");
   std::fclose(stream);
@@ -173,27 +172,27 @@ TEST(Reader, LeavesSilentlyWhenAskedToStop) {
 
 void exhaust_pool() {
   for (const int size : {4096, 1024, 512, 256, 128, 64, 32, 16, 8}) {
-    while (temp_alloc(size) != nullptr) continue;
+    while (temp_alloc(session, size) != nullptr) continue;
   }
 }
 
 TEST(Reader, ReadsASentenceToItsEndWithoutMemory) {
-  sentence_clear();
+  sentence_clear(session);
   Capture capture;
   std::FILE* stream = stream_of("[W]\na\n[/W]\n[/S]\n{sem}\nr(a,b)\nr(b,c)\n[/S]\n{sem}\nr(c,d)\n[/S]\n");
   exhaust_pool();
   Node* root = nullptr;
   for (int i = 0; i < 2; ++i) {
-    EXPECT_EQ(read_graph(stream, root), Status::memory);
+    EXPECT_EQ(read_graph(session, stream, root), Status::memory);
     EXPECT_EQ(words_text() + arcs_text(), "");
   }
   EXPECT_EQ(capture.text(), "");
-  temp_release_all();
-  sentence_clear();
-  EXPECT_EQ(read_graph(stream, root), Status::ok);
+  session.pool.release_all();
+  sentence_clear(session);
+  EXPECT_EQ(read_graph(session, stream, root), Status::ok);
   EXPECT_EQ(arcs_text(), "r:0(c,d)");
   std::fclose(stream);
-  temp_release_all();
+  session.pool.release_all();
 }
 
 std::string repeated(int count, const char* before, const char* behind) {
@@ -224,14 +223,14 @@ TEST(Limits, RefuseTheSentenceOnce) {
     SCOPED_TRACE(row.name);
 
     EXPECT_EQ(graph_of_lines(row.within).output, ";;No Entry\n");
-    EXPECT_FALSE(sentence.refused);
+    EXPECT_FALSE(session.sentence.refused);
     std::FILE* stream = stream_of("{sem}\n" + row.within + row.beyond + "z(y,z)\n[W]\nx\n[/W]\n[/S]\n[S]\n");
     const GraphRead read = graph_read(stream);
-    EXPECT_TRUE(sentence.refused);
+    EXPECT_TRUE(session.sentence.refused);
     EXPECT_EQ(read.status, Status::ok);
     EXPECT_EQ(read.output, row.message);
     EXPECT_EQ(graph_read(stream).output, "[S]\n");
-    EXPECT_FALSE(sentence.refused);
+    EXPECT_FALSE(session.sentence.refused);
     std::fclose(stream);
   }
 }

@@ -5,8 +5,8 @@
 #include <string>
 
 #include "data/chain.hpp"
-#include "data/sentence.hpp"
 #include "support/graph_text.hpp"
+#include "support/session.hpp"
 
 namespace lexon::test {
 namespace {
@@ -89,21 +89,21 @@ TEST(Scopes, AreNotedByFirstMention) {
 }
 
 TEST(Scopes, MoreThanTheTableHoldsAreNotNoted) {
-  sentence_clear();
+  sentence_clear(session);
   ScopeAttrs block{0, "@entry", nullptr};
   Node entry{};
   entry.scope_attrs = &block;
   Relation arc{0, 7, "r", &entry, &entry, nullptr};
-  sentence.semlst_count = 254;
-  for (ScopeRow& row : sentence.semlst) row = {1, &entry};
-  sentence.semlst[254] = {0, nullptr};
-  scope_note(arc);
-  EXPECT_EQ(sentence.semlst_count, 255);
-  EXPECT_EQ(sentence.semlst[254].number, 7);
+  session.sentence.semlst_count = 254;
+  for (ScopeRow& row : session.sentence.semlst) row = {1, &entry};
+  session.sentence.semlst[254] = {0, nullptr};
+  scope_note(session, arc);
+  EXPECT_EQ(session.sentence.semlst_count, 255);
+  EXPECT_EQ(session.sentence.semlst[254].number, 7);
   arc.scope = 8;
-  scope_note(arc);
-  EXPECT_EQ(sentence.semlst_count, 255);
-  sentence_clear();
+  scope_note(session, arc);
+  EXPECT_EQ(session.sentence.semlst_count, 255);
+  sentence_clear(session);
 }
 
 }  // namespace

@@ -9,12 +9,12 @@
 
 #include "data/chain.hpp"
 #include "data/nodes.hpp"
-#include "data/sentence.hpp"
 #include "rules/compiled.hpp"
 #include "rules/matrix.hpp"
 #include "rules/rule_search.hpp"
 #include "support/row_search.hpp"
 #include "support/rule_build.hpp"
+#include "support/grammar.hpp"
 
 namespace lexon::test {
 namespace {
@@ -24,7 +24,7 @@ std::string numbers(const RuleCandidate* list) {
   std::string text;
   for (const RuleCandidate& element : chain<&RuleCandidate::next>(list)) {
     int number = 0;
-    for (const Rule* rule = rule_matrix.rules; rule != element.rule; rule = rule->next) ++number;
+    for (const Rule* rule = grammar.index.matrix.rules; rule != element.rule; rule = rule->next) ++number;
     text += (text.empty() ? "" : " ") + std::to_string(number);
   }
   return text.empty() ? "none" : text;
@@ -32,17 +32,17 @@ std::string numbers(const RuleCandidate* list) {
 
 class Candidates : public ::testing::Test {
  protected:
-  Candidates() { sentence_clear(); }
+  Candidates() { sentence_clear(session); }
   ~Candidates() override {
-    rule_matrix_clear();
-    sentence_clear();
-    temp_release_all();
+    rule_matrix_clear(grammar.index);
+    sentence_clear(session);
+    session.pool.release_all();
   }
 
   // As the sentence's scopes 1, 2 and so on.
   static void add_scope(Node* entry) {
-    const auto row = static_cast<std::size_t>(sentence.semlst_count++);
-    sentence.semlst[row] = {static_cast<std::uint8_t>(row), entry};
+    const auto row = static_cast<std::size_t>(session.sentence.semlst_count++);
+    session.sentence.semlst[row] = {static_cast<std::uint8_t>(row), entry};
   }
 };
 
@@ -89,8 +89,8 @@ TEST_F(Candidates, FollowTheAttributesOfTheWindow) {
   for (const Case& c : cases) {
     SCOPED_TRACE(c.name);
     RuleList rules(c.rules);
-    ASSERT_EQ(rule_matrix_build(rules.head()), Status::ok);
-    EXPECT_EQ(numbers(rule_candidates(node_of_attrs(c.left), node_of_attrs(c.right))), c.expected);
+    ASSERT_EQ(index_build(rules.head()), Status::ok);
+    EXPECT_EQ(numbers(rule_candidates(session, node_of_attrs(c.left), node_of_attrs(c.right))), c.expected);
   }
 }
 
@@ -124,28 +124,28 @@ TEST_F(Candidates, SeeThroughReferences) {
   };
   for (const ScopeCase& c : cases) {
     SCOPED_TRACE(c.name);
-    sentence_clear();
+    sentence_clear(session);
     for (const char* entry : c.entries) add_scope(node_of_attrs(entry));
     RuleList rules(c.rules);
-    ASSERT_EQ(rule_matrix_build(rules.head()), Status::ok);
-    EXPECT_EQ(numbers(rule_candidates(node_of_attrs(c.left), nullptr)), c.expected);
+    ASSERT_EQ(index_build(rules.head()), Status::ok);
+    EXPECT_EQ(numbers(rule_candidates(session, node_of_attrs(c.left), nullptr)), c.expected);
   }
 }
 
 TEST_F(Candidates, TakeABuiltReferenceByItsOwnWord) {
   RuleList rules{"{N}{}", "{SCOPE}{}"};
-  ASSERT_EQ(rule_matrix_build(rules.head()), Status::ok);
+  ASSERT_EQ(index_build(rules.head()), Status::ok);
   Node* entry = node_of_attrs("N*");
   add_scope(entry);
   Node* reference = node_of_attrs(":1SCOPE*");
-  EXPECT_EQ(numbers(rule_candidates(reference, nullptr)), "0 1");
+  EXPECT_EQ(numbers(rule_candidates(session, reference, nullptr)), "0 1");
   entry->left = entry->right = entry;
-  EXPECT_EQ(numbers(rule_candidates(reference, nullptr)), "1");
+  EXPECT_EQ(numbers(rule_candidates(session, reference, nullptr)), "1");
 }
 
 TEST_F(Candidates, TurnEveryEntryOnTheWayToTheScopeOfTheFirstReference) {
   RuleList rules{"{A}{}", "{B}{}"};
-  ASSERT_EQ(rule_matrix_build(rules.head()), Status::ok);
+  ASSERT_EQ(index_build(rules.head()), Status::ok);
   add_scope(node_of_attrs(":2X"));
   Node* entry = node_of_attrs("N{B}");
   entry->scope_attrs->scope = 2;
@@ -153,66 +153,65 @@ TEST_F(Candidates, TurnEveryEntryOnTheWayToTheScopeOfTheFirstReference) {
   second->scope = 1;
   entry->scope_attrs->next = second;
   add_scope(entry);
-  EXPECT_EQ(numbers(rule_candidates(nullptr, node_of_attrs(":1SCOPE"))), "0 1");
+  EXPECT_EQ(numbers(rule_candidates(session, nullptr, node_of_attrs(":1SCOPE"))), "0 1");
   EXPECT_EQ(entry->scope_attrs, second);
-  EXPECT_EQ(numbers(rule_candidates(node_of_attrs(":1SCOPE"), nullptr)), "0");
+  EXPECT_EQ(numbers(rule_candidates(session, node_of_attrs(":1SCOPE"), nullptr)), "0");
 }
 
 TEST_F(Candidates, ShareOneListRecord) {
   RuleList rules{"{}{}", "{}{}"};
-  ASSERT_EQ(rule_matrix_build(rules.head()), Status::ok);
-  const RuleCandidate* first = rule_candidates(node_of_attrs("A"), nullptr);
+  ASSERT_EQ(index_build(rules.head()), Status::ok);
+  const RuleCandidate* first = rule_candidates(session, node_of_attrs("A"), nullptr);
   ASSERT_NE(first->list, nullptr);
   EXPECT_EQ(first->list, first->next->list);
   EXPECT_EQ(first->list->records, 0);
   EXPECT_EQ(first->list->elements, 2);
   EXPECT_EQ(first->lnode, nullptr);
-  EXPECT_NE(rule_candidates(node_of_attrs("A"), nullptr)->list, first->list);
+  EXPECT_NE(rule_candidates(session, node_of_attrs("A"), nullptr)->list, first->list);
 }
 
 TEST_F(Candidates, DoNotComeFromAnExhaustedPool) {
   RuleList rules{"{}{}", "{}{}"};
-  ASSERT_EQ(rule_matrix_build(rules.head()), Status::ok);
+  ASSERT_EQ(index_build(rules.head()), Status::ok);
   Node* node = node_of_attrs("A");
-  while (temp_alloc(4096) != nullptr) continue;
-  while (temp_alloc(8) != nullptr) continue;
-  EXPECT_EQ(rule_candidates(node, node), nullptr);
-  EXPECT_EQ(rule_matrix.left.union_vector, nullptr);
+  while (temp_alloc(session, 4096) != nullptr) continue;
+  while (temp_alloc(session, 8) != nullptr) continue;
+  EXPECT_EQ(rule_candidates(session, node, node), nullptr);
 }
 
 TEST_F(Candidates, DoNotComeFromAMissingOrDamagedIndex) {
   Node* node = node_of_attrs("A");
-  EXPECT_EQ(rule_candidates(node, node), nullptr);
+  EXPECT_EQ(rule_candidates(session, node, node), nullptr);
   RuleList rules{"{A}{}", "{}{A}"};
   const auto damaged = [&](auto damage) {
-    EXPECT_EQ(rule_matrix_build(rules.head()), Status::ok);
+    EXPECT_EQ(index_build(rules.head()), Status::ok);
     damage();
-    EXPECT_EQ(rule_search_prepare(), Status::ok);
-    return numbers(rule_candidates(node, node));
+    EXPECT_EQ(rule_search_prepare(grammar.index), Status::ok);
+    return numbers(rule_candidates(session, node, node));
   };
   EXPECT_EQ(damaged([] {}), "0 1");
-  EXPECT_EQ(damaged([] { rule_matrix.row_bytes = 0; }), "none");
-  EXPECT_EQ(damaged([] { rule_matrix.row_bytes = 2; }), "none");
-  EXPECT_EQ(damaged([] { rule_matrix.left.attr_count = -1; }), "none");
-  EXPECT_EQ(damaged([] { rule_matrix.right.matrix_size = 0; }), "none");
-  EXPECT_EQ(damaged([] { rule_matrix.right.attr_table[0] = nullptr; }), "none");
+  EXPECT_EQ(damaged([] { grammar.index.matrix.row_bytes = 0; }), "none");
+  EXPECT_EQ(damaged([] { grammar.index.matrix.row_bytes = 2; }), "none");
+  EXPECT_EQ(damaged([] { grammar.index.matrix.left.attr_count = -1; }), "none");
+  EXPECT_EQ(damaged([] { grammar.index.matrix.right.matrix_size = 0; }), "none");
+  EXPECT_EQ(damaged([] { grammar.index.matrix.right.attr_table[0] = nullptr; }), "none");
 }
 
 TEST_F(Candidates, EndWithTheBitsOfAnIndexOfFewerRules) {
   RuleList few{"{A}{}"};
   RuleList many{"{}{}", "{}{}", "{}{}", "{}{}", "{}{}", "{}{}", "{}{}", "{}{}", "{}{}"};
-  ASSERT_EQ(rule_matrix_build(few.head()), Status::ok);
-  rule_matrix.rules = many.head();
-  ASSERT_EQ(rule_search_prepare(), Status::ok);
-  EXPECT_EQ(numbers(rule_candidates(node_of_attrs("B"), nullptr)), "1 2 3 4 5 6 7");
+  ASSERT_EQ(index_build(few.head()), Status::ok);
+  grammar.index.matrix.rules = many.head();
+  ASSERT_EQ(rule_search_prepare(grammar.index), Status::ok);
+  EXPECT_EQ(numbers(rule_candidates(session, node_of_attrs("B"), nullptr)), "1 2 3 4 5 6 7");
 }
 
 // The index as it comes back from a file.
 void reload() {
   std::FILE* stream = std::tmpfile();
-  ASSERT_EQ(rule_matrix_save(stream), Status::ok);
+  ASSERT_EQ(rule_matrix_save(session, grammar.index, stream), Status::ok);
   std::rewind(stream);
-  EXPECT_EQ(rule_matrix_load(stream, rule_matrix.rules), Status::ok);
+  EXPECT_EQ(rule_matrix_load(session, grammar.index, stream, grammar.index.matrix.rules), Status::ok);
   std::fclose(stream);
 }
 
@@ -263,25 +262,25 @@ TEST_F(Candidates, EqualThoseOfTheSearchRowByRow) {
   for (int table = 0; table < 120; ++table) {
     RuleList rules;
     for (int more = random.below(random.one_in(4) ? 200 : 20); more >= 0; --more) rules.add(random.pattern() + random.pattern());
-    ASSERT_EQ(rule_matrix_build(rules.head()), Status::ok);
+    ASSERT_EQ(index_build(rules.head()), Status::ok);
     if (random.one_in(4)) reload();
-    if (random.one_in(4) && rule_matrix.left.attr_count > 2) {  // a table that is out of order
-      std::swap(rule_matrix.left.attr_table[0], rule_matrix.left.attr_table[1]);
-      rule_matrix.left.attr_table[2] = rule_matrix.left.attr_table[0];
-      ASSERT_EQ(rule_search_prepare(), Status::ok);
+    if (random.one_in(4) && grammar.index.matrix.left.attr_count > 2) {  // a table that is out of order
+      std::swap(grammar.index.matrix.left.attr_table[0], grammar.index.matrix.left.attr_table[1]);
+      grammar.index.matrix.left.attr_table[2] = grammar.index.matrix.left.attr_table[0];
+      ASSERT_EQ(rule_search_prepare(grammar.index), Status::ok);
     }
     for (int window = 0; window < 60; ++window) {
-      sentence_clear();
+      sentence_clear(session);
       for (int scopes = random.below(4); scopes > 0; --scopes) add_scope(node_of_attrs(random.node()));
       const std::string left = random.one_in(8) ? "-" : random.node();
       const std::string right = random.one_in(8) ? "-" : random.node();
       Node* lnode = node_of_attrs(left);
       Node* rnode = node_of_attrs(right);
       const std::string expected = numbers(candidates_row_by_row(lnode, rnode));
-      ASSERT_EQ(numbers(rule_candidates(lnode, rnode)), expected) << left << " and " << right << ", table " << table;
+      ASSERT_EQ(numbers(rule_candidates(session, lnode, rnode)), expected) << left << " and " << right << ", table " << table;
       found += expected != "none" ? 1 : 0;
     }
-    temp_release_all();
+    session.pool.release_all();
   }
   EXPECT_GT(found, 3000);
 }

@@ -6,12 +6,12 @@
 #include <string>
 #include <vector>
 
-#include "data/state.hpp"
 #include "rules/matrix.hpp"
 #include "support/rule_dump.hpp"
 #include "support/rules.hpp"
+#include "support/grammar.hpp"
 
-namespace lexon {
+namespace lexon::test {
 namespace {
 
 using test::Capture;
@@ -50,7 +50,7 @@ struct Result {
 Result list_written(const Rule* rules) {
   Capture output;
   std::FILE* stream = stream_of("");
-  const Status status = rule_list_write(rules, stream);
+  const Status status = rule_list_write(session, rules, stream);
   return {status, all_of(stream), nullptr, output.text()};
 }
 
@@ -58,7 +58,7 @@ Result list_read(const std::string& bytes) {
   Capture output;
   std::FILE* stream = stream_of(bytes);
   Rule* rules = nullptr;
-  const Status status = rule_list_read(rules, stream);
+  const Status status = rule_list_read(session, grammar.pool, rules, stream);
   std::fclose(stream);
   return {status, "", rules, output.text()};
 }
@@ -66,14 +66,14 @@ Result list_read(const std::string& bytes) {
 Result matrix_saved() {
   Capture output;
   std::FILE* stream = stream_of("");
-  const Status status = rule_matrix_save(stream);
+  const Status status = rule_matrix_save(session, grammar.index, stream);
   return {status, all_of(stream), nullptr, output.text()};
 }
 
 Result matrix_loaded(const std::string& bytes, Rule* rules) {
   Capture output;
   std::FILE* stream = stream_of(bytes);
-  const Status status = rule_matrix_load(stream, rules);
+  const Status status = rule_matrix_load(session, grammar.index, stream, rules);
   std::fclose(stream);
   return {status, "", nullptr, output.text()};
 }
@@ -231,8 +231,8 @@ TEST(CompiledRules, FileThatCannotBeWrittenIsTold) {
   std::FILE* const full = std::fopen("/dev/full", "wb");
   if (full == nullptr) GTEST_SKIP() << "no device that is always full";
   Capture output;
-  EXPECT_EQ(rule_list_write(rules_of("L{}{}P9;"), full), Status::ok);
-  EXPECT_EQ(rule_matrix_save(full), Status::ok);
+  EXPECT_EQ(rule_list_write(session, rules_of("L{}{}P9;"), full), Status::ok);
+  EXPECT_EQ(rule_matrix_save(session, grammar.index, full), Status::ok);
   std::fclose(full);
   EXPECT_EQ(output.text(), ";;the compiled rule file could not be written\n;;the compiled rule matrix could not be written\n");
 }
@@ -240,10 +240,10 @@ TEST(CompiledRules, FileThatCannotBeWrittenIsTold) {
 TEST(CompiledRules, StopsWhenAsked) {
   const Rule* const rules = rules_of("L{}{}P9;");
   const std::string bytes = list_written(rules).bytes;
-  stop_requested = true;
+  session.stop_requested = true;
   const Result read = list_read(bytes);
   const Result written = list_written(rules);
-  stop_requested = false;
+  session.stop_requested = false;
   EXPECT_EQ(read.status, Status::stopped);
   EXPECT_EQ(read.rules, nullptr);
   EXPECT_EQ(written.status, Status::stopped);
@@ -258,23 +258,23 @@ const std::string kMatrixAreas = "4E00 5600  5800  80 40  FF 7F  80  FF";
 TEST(CompiledMatrix, BytesOfTheFile) {
   Rule* const rules = rules_of(kMatrixRules);
   const std::string bytes = hex(kMatrixHeader + kMatrixAreas);
-  ASSERT_EQ(rule_matrix_build(rules), Status::ok);
+  ASSERT_EQ(index_build(rules), Status::ok);
   EXPECT_EQ(matrix_saved().bytes, bytes);
 
-  rule_matrix_clear();
+  rule_matrix_clear(grammar.index);
   EXPECT_EQ(matrix_loaded(bytes + "behind the end", rules).status, Status::ok);
-  EXPECT_EQ(rule_matrix.rules, rules);
-  EXPECT_EQ(attr_table_find("N", rule_matrix.left.attr_table, rule_matrix.left.attr_count), 0);
-  EXPECT_EQ(attr_table_find("V", rule_matrix.left.attr_table, rule_matrix.left.attr_count), 1);
-  EXPECT_EQ(attr_table_find("X", rule_matrix.right.attr_table, rule_matrix.right.attr_count), 0);
+  EXPECT_EQ(grammar.index.matrix.rules, rules);
+  EXPECT_EQ(attr_table_find("N", grammar.index.matrix.left.attr_table, grammar.index.matrix.left.attr_count), 0);
+  EXPECT_EQ(attr_table_find("V", grammar.index.matrix.left.attr_table, grammar.index.matrix.left.attr_count), 1);
+  EXPECT_EQ(attr_table_find("X", grammar.index.matrix.right.attr_table, grammar.index.matrix.right.attr_count), 0);
   EXPECT_EQ(matrix_saved().bytes, bytes);
-  rule_matrix_clear();
+  rule_matrix_clear(grammar.index);
 }
 
 // Is there nothing left that a search could run on?
 bool is_zeroed() {
-  return rule_matrix.rules == nullptr && rule_matrix.rule_count == 0 && rule_matrix.row_bytes == 0 && rule_matrix.left.attr_pool == nullptr &&
-         rule_matrix.left.pos_matrix == nullptr && rule_matrix.right.attr_table == nullptr && rule_matrix.right.result_vector == nullptr;
+  return grammar.index.matrix.rules == nullptr && grammar.index.matrix.rule_count == 0 && grammar.index.matrix.row_bytes == 0 && grammar.index.matrix.left.attr_pool == nullptr &&
+         grammar.index.matrix.left.pos_matrix == nullptr && grammar.index.matrix.right.attr_table == nullptr;
 }
 
 // A header of these eight numbers.
@@ -334,4 +334,4 @@ TEST(CompiledMatrix, CutAtEveryByte) {
 }
 
 }  // namespace
-}  // namespace lexon
+}  // namespace lexon::test

@@ -6,16 +6,16 @@
 #include <string>
 #include <vector>
 
-#include "data/state.hpp"
 #include "support/capture.hpp"
 #include "support/rule_build.hpp"
+#include "support/grammar.hpp"
 
 namespace lexon::test {
 namespace {
 
 std::string hex(const std::uint8_t* bytes) {
   std::string text;
-  for (std::int32_t i = 0; i < rule_matrix.row_bytes; ++i) {
+  for (std::int32_t i = 0; i < grammar.index.matrix.row_bytes; ++i) {
     char digits[3];
     std::snprintf(digits, sizeof digits, "%02x", bytes[i]);
     text += digits;
@@ -28,7 +28,7 @@ std::string dump(const MatrixSide& side) {
   std::string text;
   for (std::int32_t r = 0; r < side.attr_count; ++r) {
     const std::string name = side.attr_table[r];
-    const std::int32_t at = r * rule_matrix.row_bytes;
+    const std::int32_t at = r * grammar.index.matrix.row_bytes;
     text += text.empty() ? "" : " ";
     text += name.size() > 20 ? name.substr(0, 1) + "*" + std::to_string(name.size()) : name;
     text += ":" + hex(side.pos_matrix + at) + "/" + hex(side.neg_matrix + at);
@@ -39,9 +39,9 @@ std::string dump(const MatrixSide& side) {
 class Matrix : public ::testing::Test {
  protected:
   ~Matrix() override {
-    stop_requested = false;
-    rule_matrix_clear();
-    temp_release_all();
+    session.stop_requested = false;
+    rule_matrix_clear(grammar.index);
+    session.pool.release_all();
   }
 };
 
@@ -75,22 +75,22 @@ TEST_F(Matrix, HoldsTheConditionsOfBothSides) {
   for (const BuildCase& c : cases) {
     SCOPED_TRACE(c.name);
     RuleList rules(c.rules);
-    ASSERT_EQ(rule_matrix_build(rules.head()), Status::ok);
-    EXPECT_EQ(rule_matrix.rules, rules.head());
-    EXPECT_EQ(rule_matrix.rule_count, static_cast<int>(c.rules.size()));
-    EXPECT_EQ(rule_matrix.row_bytes, c.row_bytes);
-    EXPECT_EQ(dump(rule_matrix.left), c.left);
-    EXPECT_EQ(dump(rule_matrix.right), c.right);
+    ASSERT_EQ(index_build(rules.head()), Status::ok);
+    EXPECT_EQ(grammar.index.matrix.rules, rules.head());
+    EXPECT_EQ(grammar.index.matrix.rule_count, static_cast<int>(c.rules.size()));
+    EXPECT_EQ(grammar.index.matrix.row_bytes, c.row_bytes);
+    EXPECT_EQ(dump(grammar.index.matrix.left), c.left);
+    EXPECT_EQ(dump(grammar.index.matrix.right), c.right);
   }
 }
 
 TEST_F(Matrix, PoolsHoldTheNamesOneBehindTheOther) {
   RuleList rules{"{bc a}{}", "{a d}{}"};
-  ASSERT_EQ(rule_matrix_build(rules.head()), Status::ok);
-  EXPECT_EQ(std::string(rule_matrix.left.attr_pool, rule_matrix.left.pool_size), std::string("a\0bc\0d\0", 7));
-  EXPECT_EQ(rule_matrix.left.matrix_size, 3U);
-  EXPECT_EQ(rule_matrix.right.pool_size, 0U);
-  EXPECT_EQ(rule_matrix.right.matrix_size, 0U);
+  ASSERT_EQ(index_build(rules.head()), Status::ok);
+  EXPECT_EQ(std::string(grammar.index.matrix.left.attr_pool, grammar.index.matrix.left.pool_size), std::string("a\0bc\0d\0", 7));
+  EXPECT_EQ(grammar.index.matrix.left.matrix_size, 3U);
+  EXPECT_EQ(grammar.index.matrix.right.pool_size, 0U);
+  EXPECT_EQ(grammar.index.matrix.right.matrix_size, 0U);
 }
 
 TEST_F(Matrix, NamesAreFoundByBinarySearch) {
@@ -114,12 +114,12 @@ std::string names_of(const std::vector<std::string>& texts) {
   Rule rule{};
   rule.lnode = &left;
   rule.rnode = &right;
-  EXPECT_EQ(rule_matrix_build(&rule), Status::ok);
+  EXPECT_EQ(index_build(&rule), Status::ok);
   std::string names;
-  for (std::int32_t row = 0; row < rule_matrix.left.attr_count; ++row) {
-    names += (row == 0 ? "" : "|") + std::string(rule_matrix.left.attr_table[row]);
+  for (std::int32_t row = 0; row < grammar.index.matrix.left.attr_count; ++row) {
+    names += (row == 0 ? "" : "|") + std::string(grammar.index.matrix.left.attr_table[row]);
   }
-  rule_matrix_clear();
+  rule_matrix_clear(grammar.index);
   return names;
 }
 
@@ -144,10 +144,10 @@ TEST_F(Matrix, NamesGoThroughLinesOfText) {
 
 TEST_F(Matrix, IsLeftEmptyWhenTheBuildIsStopped) {
   RuleList rules{"{N ^V}{A}"};
-  stop_requested = true;
-  EXPECT_EQ(rule_matrix_build(rules.head()), Status::stopped);
-  stop_requested = false;
-  EXPECT_EQ(rule_matrix.rules, nullptr);
+  session.stop_requested = true;
+  EXPECT_EQ(index_build(rules.head()), Status::stopped);
+  session.stop_requested = false;
+  EXPECT_EQ(grammar.index.matrix.rules, nullptr);
 }
 
 }  // namespace

@@ -5,11 +5,11 @@
 #include <string>
 
 #include "data/pool.hpp"
-#include "data/state.hpp"
 #include "support/rule_dump.hpp"
 #include "support/rules.hpp"
+#include "support/session.hpp"
 
-namespace lexon {
+namespace lexon::test {
 namespace {
 
 using test::dump;
@@ -261,27 +261,27 @@ TEST(RuleParser, StatusIsThatOfTheLastLine) {
     EXPECT_EQ(rules_parsed(row.text).status, row.status);
     EXPECT_EQ(rules_parsed("").status, row.status) << "an empty file leaves the status as it was";
   }
-  state.engine_status = Status::ok;
+  session.state.engine_status = Status::ok;
 }
 
 TEST(RuleParser, RefusedRulesGiveTheirMemoryBack) {
   std::string text;
   for (int i = 0; i < 500; ++i) text += ":(a,b)(c){d,e}(f)\"w\"(g,h\n:(a,b){c,d}{e,f}P1;\n";
   (void)rules_parsed(text);
-  const int blocks = pool_figures().permanent_blocks;
+  const int blocks = grammar.pool.blocks();
   for (int i = 0; i < 10; ++i) (void)rules_parsed(text);
-  EXPECT_EQ(pool_figures().permanent_blocks, blocks);
-  state.engine_status = Status::ok;
+  EXPECT_EQ(grammar.pool.blocks(), blocks);
+  session.state.engine_status = Status::ok;
 }
 
 TEST(RuleParser, StopsWhenAsked) {
-  stop_requested = true;
+  session.stop_requested = true;
   const ParsedRules parsed = rules_parsed("L{}{}P1;\nG\n");
-  stop_requested = false;
+  session.stop_requested = false;
   EXPECT_EQ(parsed.status, Status::stopped);
   EXPECT_EQ(parsed.messages, "");
   EXPECT_EQ(parsed.rules, nullptr);
 }
 
 }  // namespace
-}  // namespace lexon
+}  // namespace lexon::test

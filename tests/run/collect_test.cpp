@@ -7,6 +7,7 @@
 
 #include "run/render.hpp"
 #include "support/step.hpp"
+#include "support/session.hpp"
 
 namespace lexon::test {
 namespace {
@@ -15,7 +16,7 @@ namespace {
 std::optional<std::string> collected(Node* from) {
   std::array<char, kSentenceSize> text{};
   char* cursor = text.data();
-  const bool fits = collect_sentence(from, cursor, text.data() + text.size(), 0);
+  const bool fits = collect_sentence(session, from, cursor, text.data() + text.size(), 0);
   return fits ? std::optional<std::string>(text.data()) : std::nullopt;
 }
 
@@ -78,10 +79,10 @@ TEST(Marks, ShowTheArcsThatAreLeft) {
     fresh_sentence();
     const List list("<< dog sees >>");
     WordEntry& second = *list.at(2).candidates;
-    second.hw = temp_text(row.second_form);
+    second.hw = temp_text(session, row.second_form);
     second.hw_len = static_cast<std::int32_t>(std::strlen(row.second_form));
     arc_between(list.at(static_cast<std::size_t>(row.from)), list.at(static_cast<std::size_t>(row.to)), row.label, row.scope)->used = row.used ? 1 : 0;
-    state.trace_level = static_cast<std::int8_t>(row.trace_level);
+    session.state.trace_level = static_cast<std::int8_t>(row.trace_level);
     EXPECT_EQ(collected(list.nodes[0]), row.sentence);
   }
 }
@@ -99,7 +100,7 @@ TEST(Limit, IsTheLastCharacterOfTheBuffer) {
     const List list(std::string(static_cast<std::size_t>(row.letters), 'a'));
     const std::string arc(row.arc);
     if (!arc.empty()) arc_between(list.at(0), list.at(0), row.arc);
-    state.trace_level = 1;
+    session.state.trace_level = 1;
     const std::optional<std::string> sentence = collected(list.nodes[0]);
     EXPECT_EQ(sentence.has_value(), row.fits) << row.letters << arc;
     if (!sentence) continue;

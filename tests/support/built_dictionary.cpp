@@ -13,6 +13,7 @@
 #include "dict/dictionary.hpp"
 #include "dicttool/check.hpp"
 #include "dicttool/list.hpp"
+#include "support/session.hpp"
 
 namespace lexon::test {
 
@@ -71,7 +72,7 @@ BuildResult build_text(const BuildFolder& folder, const std::string& entries, co
   std::ofstream(options.entries, std::ios::binary) << entries;
   const TextStream log;
   BuildResult result;
-  result.done = dictionary_build(options, log.get(), result.figures);
+  result.done = dictionary_build(session, options, log.get(), result.figures);
   result.log = log.text_without(folder.path(""));
   return result;
 }
@@ -79,21 +80,21 @@ BuildResult build_text(const BuildFolder& folder, const std::string& entries, co
 ToolResult list_of(const BuildFolder& folder, const std::string& name) {
   const TextStream out;
   const TextStream log;
-  const bool done = dictionary_list(folder.path(name), out.get(), log.get());
+  const bool done = dictionary_list(session, folder.path(name), out.get(), log.get());
   return {done, out.text_without(folder.path("")), log.text_without(folder.path(""))};
 }
 
 ToolResult check_of(const BuildFolder& folder, const std::string& name) {
   const TextStream log;
   CheckFigures figures;
-  const bool done = dictionary_check(folder.path(name), log.get(), std::size_t{1} << 20, figures);
+  const bool done = dictionary_check(session, folder.path(name), log.get(), std::size_t{1} << 20, figures);
   return {done, std::to_string(figures.records) + " records", log.text_without(folder.path(""))};
 }
 
 ToolResult find_of(const BuildFolder& folder, int key_field, const std::string& key) {
   const TextStream out;
   const TextStream log;
-  const FindResult result = dictionary_find(folder.path("words.dic"), key_field, key, out.get(), log.get());
+  const FindResult result = dictionary_find(session, folder.path("words.dic"), key_field, key, out.get(), log.get());
   return {result == FindResult::found, out.text_without(folder.path("")), log.text_without(folder.path(""))};
 }
 
@@ -113,22 +114,22 @@ Asked::~Asked() {
 
 std::string Asked::ids(int key_field, const std::string& key) {
   LookupGroup* groups = nullptr;
-  const Status status = dict_lookup(state_->opened.files(), key_field, key.c_str(), groups);
+  const Status status = dict_lookup(session, state_->opened.files(), key_field, key.c_str(), groups);
   if (status != Status::ok) return "status " + std::to_string(code(status));
   WordEntry* words = nullptr;
-  groups_flatten(groups, words);
+  groups_flatten(session, groups, words);
   std::string ids;
   for (const WordEntry& word : chain<&WordEntry::next>(words)) ids += (ids.empty() ? "" : " ") + std::string(word.id);
-  (void)temp_release_all();
+  session.pool.release_all();
   return ids;
 }
 
 int Asked::groups(int key_field, const std::string& key) {
   LookupGroup* groups = nullptr;
-  EXPECT_EQ(dict_lookup(state_->opened.files(), key_field, key.c_str(), groups), Status::ok);
+  EXPECT_EQ(dict_lookup(session, state_->opened.files(), key_field, key.c_str(), groups), Status::ok);
   int count = 0;
   for (const LookupGroup* group = groups; group != nullptr; group = group->next) ++count;
-  (void)temp_release_all();
+  session.pool.release_all();
   return count;
 }
 

@@ -6,22 +6,22 @@
 #include <fstream>
 #include <sstream>
 
-#include "data/state.hpp"
+#include "support/session.hpp"
 
 namespace lexon::test {
 
-Capture::Capture() : before_(state.output), stream_(open_memstream(&buffer_, &size_)) {
-  state.output = stream_;
+Capture::Capture() : before_(session.output.stream()), stream_(open_memstream(&buffer_, &size_)) {
+  session.output.redirect(stream_);
 }
 
 Capture::~Capture() {
-  state.output = before_;
+  session.output.redirect(before_);
   std::fclose(stream_);
   std::free(buffer_);
 }
 
 std::string Capture::text() {
-  std::fflush(stream_);
+  session.output.flush();
   return std::string(buffer_, size_);
 }
 

@@ -7,10 +7,10 @@
 
 #include "data/chain.hpp"
 #include "data/pool.hpp"
-#include "data/sentence.hpp"
 #include "data/words.hpp"
 #include "graph/reader.hpp"
 #include "support/capture.hpp"
+#include "support/session.hpp"
 
 namespace lexon::test {
 
@@ -53,19 +53,19 @@ std::string candidates_text(const WordEntry* words) {
 }
 
 std::string list_number(const WordEntry* entries) {
-  const auto& lists = sentence.word_lists;
-  const auto* place = std::find(lists.begin(), lists.begin() + sentence.word_list_count, entries);
+  const auto& lists = session.sentence.word_lists;
+  const auto* place = std::find(lists.begin(), lists.begin() + session.sentence.word_list_count, entries);
   return "L" + std::to_string(place - lists.begin());
 }
 
 }  // namespace
 
 GraphRead graph_read(std::FILE* stream) {
-  sentence_clear();
-  temp_release_all();
+  sentence_clear(session);
+  session.pool.release_all();
   Capture capture;
-  Node*& root = sentence.semlst[0].entry;
-  const Status status = read_graph(stream, root);
+  Node*& root = session.sentence.semlst[0].entry;
+  const Status status = read_graph(session, stream, root);
   return {status, root, capture.text()};
 }
 
@@ -81,34 +81,34 @@ GraphRead graph_of_lines(const std::string& lines) {
 }
 
 std::string words_text() {
-  return joined(sentence.graph_words, 0, sentence.graph_word_count, [](const GraphWord& row) {
+  return joined(session.sentence.graph_words, 0, session.sentence.graph_word_count, [](const GraphWord& row) {
     const std::string name = name_text(row.name, row.number);
     return (row.look_up != 0 ? name : '"' + name + '"') + block_texts(row.blocks);
   });
 }
 
 std::string nodes_text() {
-  return joined(sentence.graph_nodes, 0, sentence.graph_node_count, [](const Node* node) {
+  return joined(session.sentence.graph_nodes, 0, session.sentence.graph_node_count, [](const Node* node) {
     return name_text(*node) + " k" + std::to_string(node->kind) + " " + list_number(node->entries) + " " + candidates_text(node->candidates) + " " +
            block_texts(node->scope_attrs);
   });
 }
 
 std::string arcs_text() {
-  return joined(sentence.graph_relations, 0, sentence.graph_relation_count, [](const Relation* arc) {
+  return joined(session.sentence.graph_relations, 0, session.sentence.graph_relation_count, [](const Relation* arc) {
     const std::string label = arc->label + (":" + std::to_string(arc->scope));
     return arc->from == nullptr ? label : label + "(" + name_text(*arc->from) + "," + name_text(*arc->to) + ")";
   });
 }
 
 std::string scopes_text() {
-  return joined(sentence.semlst, 1, sentence.semlst_count,
+  return joined(session.sentence.semlst, 1, session.sentence.semlst_count,
                 [](const ScopeRow& row) { return std::to_string(row.number) + "=" + (row.entry == nullptr ? "-" : name_text(*row.entry)); });
 }
 
 Node* graph_node(const std::string& name, int number) {
-  for (int i = 0; i < sentence.graph_node_count; ++i) {
-    Node* node = sentence.graph_nodes[static_cast<std::size_t>(i)];
+  for (int i = 0; i < session.sentence.graph_node_count; ++i) {
+    Node* node = session.sentence.graph_nodes[static_cast<std::size_t>(i)];
     if (node->name == name && node->scope == number) return node;
   }
   ADD_FAILURE() << "no node " << name_text(name.c_str(), number);

@@ -6,8 +6,8 @@
 
 #include "data/nodes.hpp"
 #include "data/pool.hpp"
-#include "data/sentence.hpp"
 #include "data/words.hpp"
+#include "support/session.hpp"
 
 namespace lexon::test {
 
@@ -23,7 +23,7 @@ std::string_view cut_at(std::string_view& text, const char* marks) {
 
 char* kept(std::string_view text, std::int32_t& length) {
   length = static_cast<std::int32_t>(text.size());
-  return text.empty() ? nullptr : temp_text(text);
+  return text.empty() ? nullptr : temp_text(session, text);
 }
 
 // A part of a word that begins with `mark`; taken off the end of `text`.
@@ -36,7 +36,7 @@ std::string_view part_behind(std::string_view& text, char mark) {
 }
 
 WordEntry* word_of(std::string_view text) {
-  auto* word = temp_new<WordEntry>();
+  auto* word = temp_new<WordEntry>(session);
   word->language[0] = word->language[1] = '.';
   word->attrs = kept(part_behind(text, '/'), word->attr_len);
   word->id = kept(part_behind(text, '~'), word->id_len);
@@ -56,7 +56,7 @@ std::string_view bracketed(std::string_view& text, char close) {
 }
 
 ScopeAttrs* block_of(std::string_view text) {
-  auto* block = temp_new<ScopeAttrs>();
+  auto* block = temp_new<ScopeAttrs>(session);
   const std::size_t digits = text.find_first_not_of("0123456789");
   if (digits != 0 && digits != std::string_view::npos && text[digits] == ':') {
     block->scope = static_cast<std::uint8_t>(std::atoi(std::string(text.substr(0, digits)).c_str()));
@@ -74,9 +74,9 @@ void add_blocks(Node& node, std::string_view& text) {
 // Read from the back, so that the first one stands on top.
 void push_records(Node& node, std::string_view states) {
   for (std::size_t at = states.size(); at-- > 0;) {
-    RuleCandidate* candidate = states[at] == 'm' ? nullptr : temp_new<RuleCandidate>();
+    RuleCandidate* candidate = states[at] == 'm' ? nullptr : temp_new<RuleCandidate>(session);
     const int record_state = states[at] == 'm' ? 0 : states[at] - '0';
-    (void)match_record_push(node, static_cast<std::uint8_t>(record_state), candidate);
+    (void)match_record_push(session, node, static_cast<std::uint8_t>(record_state), candidate);
   }
 }
 
@@ -86,7 +86,7 @@ void kind_from_word(Node& node) {
   if (hw == "<<" || hw == ">>") {
     node.kind = kKindBoundary;
     const char* attrs = hw == "<<" ? "SHEAD" : "STAIL";
-    if (node.candidates->attrs == nullptr) (void)entry_attrs_set(*node.candidates, attrs);
+    if (node.candidates->attrs == nullptr) (void)entry_attrs_set(session, *node.candidates, attrs);
   } else if (hw.starts_with("SCOPE:")) {
     node.kind = kKindScope;
     node.scope = std::atoi(node.candidates->hw + 6);
@@ -133,7 +133,7 @@ WordEntry* words_of(std::string_view text) {
 }
 
 Node* node_of_text(std::string_view text) {
-  auto* node = temp_new<Node>();
+  auto* node = temp_new<Node>(session);
   const bool marked = text.starts_with('!');
   if (marked) text.remove_prefix(1);
   std::string_view rest = cut_at(text, "^{(");
@@ -146,7 +146,7 @@ Node* node_of_text(std::string_view text) {
   add_blocks(*node, rest);
   if (rest.starts_with('(')) push_records(*node, bracketed(rest, ')'));
   if (std::strcmp(text_or_empty(node->candidates->hw), "<<") != 0) {
-    (void)entry_list_copy(node->candidates, node->entries);
+    (void)entry_list_copy(session, node->candidates, node->entries);
   }
   if (marked) mark(*node);
   return node;
@@ -167,7 +167,7 @@ List::List(std::string_view text) {
 }
 
 Relation* arc_between(Node& from, Node& to, const char* label, int scope) {
-  auto* arc = temp_new<Relation>();
+  auto* arc = temp_new<Relation>(session);
   arc->from = &from;
   arc->to = &to;
   arc->scope = static_cast<std::uint8_t>(scope);

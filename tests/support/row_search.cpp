@@ -8,8 +8,8 @@
 #include "data/chain.hpp"
 #include "data/nodes.hpp"
 #include "data/pool.hpp"
-#include "data/sentence.hpp"
 #include "rules/matrix.hpp"
+#include "support/grammar.hpp"
 
 namespace lexon::test {
 
@@ -18,7 +18,7 @@ namespace {
 using Vector = std::vector<std::uint8_t>;
 
 std::size_t row_bytes() {
-  return static_cast<std::size_t>(rule_matrix.row_bytes);
+  return static_cast<std::size_t>(grammar.index.matrix.row_bytes);
 }
 
 void row_and(Vector& vector, const std::uint8_t* matrix, std::int32_t r) {
@@ -41,10 +41,10 @@ struct Side {
 };
 
 bool find_entry(Side& side) {
-  if (side.node == nullptr || side.node->kind != kKindScope || scope_is_built(side.node->scope) != 0) return true;
+  if (side.node == nullptr || side.node->kind != kKindScope || scope_is_built(session, side.node->scope) != 0) return true;
   int scope = side.node->scope;
   for (int hops = 0; hops < 1000; ++hops) {
-    side.entry = scope_entry_node(scope);
+    side.entry = scope_entry_node(session, scope);
     if (side.entry == nullptr) return false;
     scope_attrs_to_front(*side.entry, side.node->scope);
     if (side.entry->kind != kKindScope) return true;
@@ -125,8 +125,8 @@ Vector searched(Side& side) {
 
 RuleCandidate* candidates_row_by_row(Node* lnode, Node* rnode) {
   if (lnode == nullptr && rnode == nullptr) return nullptr;
-  Side left{rule_matrix.left, lnode};
-  Side right{rule_matrix.right, rnode};
+  Side left{grammar.index.matrix.left, lnode};
+  Side right{grammar.index.matrix.right, rnode};
   if (!find_entry(left) || !find_entry(right)) return nullptr;
   const Vector left_bits = searched(left);
   const Vector right_bits = searched(right);
@@ -134,14 +134,14 @@ RuleCandidate* candidates_row_by_row(Node* lnode, Node* rnode) {
   RuleCandidate** link = &head;
   CandidateList* list = nullptr;
   std::size_t i = 0;
-  for (const Rule& rule : chain<&Rule::next>(rule_matrix.rules)) {
+  for (const Rule& rule : chain<&Rule::next>(grammar.index.matrix.rules)) {
     const auto mask = static_cast<std::uint8_t>(0x80 >> (i % 8));
     const bool l = (left_bits[i / 8] & mask) != 0;
     const bool r = (right_bits[i / 8] & mask) != 0;
     ++i;
     if (!(l && r) && !(l && rule.rnode->inserted != 0) && !(r && rule.lnode->inserted != 0)) continue;
-    if (list == nullptr) list = temp_new<CandidateList>();
-    *link = temp_new<RuleCandidate>();
+    if (list == nullptr) list = temp_new<CandidateList>(session);
+    *link = temp_new<RuleCandidate>(session);
     (*link)->rule = &rule;
     (*link)->list = list;
     link = &(*link)->next;

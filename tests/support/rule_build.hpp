@@ -13,6 +13,7 @@
 #include "data/pool.hpp"
 #include "data/words.hpp"
 #include "rules/rule.hpp"
+#include "support/session.hpp"
 
 namespace lexon::test {
 
@@ -71,8 +72,8 @@ inline WordEntry* words_of_attrs(std::string_view text) {
   for (std::size_t at = 0; at <= text.size();) {
     const std::size_t end = std::min(text.find('|', at), text.size());
     const std::string_view attrs = text.substr(at, end - at);
-    *link = entry_new("w", nullptr);
-    if (attrs != "?") (*link)->attrs = temp_text(attrs);
+    *link = entry_new(session, "w", nullptr);
+    if (attrs != "?") (*link)->attrs = temp_text(session, attrs);
     link = &(*link)->next;
     at = end + 1;
   }
@@ -84,7 +85,7 @@ inline WordEntry* words_of_attrs(std::string_view text) {
 // place of the words is a node without words; "-" is no node at all.
 inline Node* node_of_attrs(std::string_view text) {
   if (text == "-") return nullptr;
-  Node* node = temp_new<Node>();
+  Node* node = temp_new<Node>(session);
   node->kind = kKindWord;
   if (text.starts_with(':')) {
     node->kind = kKindScope;
@@ -92,11 +93,11 @@ inline Node* node_of_attrs(std::string_view text) {
     text.remove_prefix(2);
   }
   if (text.ends_with('*')) {
-    node->matches = temp_new<MatchRecord>();
+    node->matches = temp_new<MatchRecord>(session);
     text.remove_suffix(1);
   }
   if (const std::size_t open = text.find('{'); open != std::string_view::npos) {
-    node->scope_attrs = temp_new<ScopeAttrs>();
+    node->scope_attrs = temp_new<ScopeAttrs>(session);
     text.substr(open + 1, text.size() - open - 2).copy(node->scope_attrs->text, kAttrLimit);
     text = text.substr(0, open);
   }

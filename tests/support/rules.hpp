@@ -11,6 +11,7 @@
 #include "rules/print.hpp"
 #include "rules/rule.hpp"
 #include "support/capture.hpp"
+#include "support/grammar.hpp"
 
 namespace lexon::test {
 
@@ -26,7 +27,7 @@ struct ParsedRules {
   std::FILE* stream = stream_of(text);
   {
     Capture output;
-    result.status = parse_rule_file(stream, result.rules);
+    result.status = parse_rule_file(session, grammar.pool, stream, result.rules);
     result.messages = output.text();
   }
   std::fclose(stream);
@@ -45,7 +46,7 @@ struct ParsedRules {
 // The canonical text of a rule list, one rule a line. The trace indent stands in front.
 [[nodiscard]] inline std::string printed(const Rule* rules) {
   Capture output;
-  rule_print(rules, false);
+  rule_print(session, rules, false);
   return output.text();
 }
 

@@ -13,6 +13,7 @@
 #include "engine/side.hpp"
 #include "support/capture.hpp"
 #include "support/step.hpp"
+#include "support/session.hpp"
 
 namespace lexon::test {
 
@@ -40,7 +41,7 @@ struct SearchCase {
 // Elements that `rule_candidates` hands out together live and die together.
 inline void share_one_list(RuleCandidate* head) {
   for (RuleCandidate& element : chain<&RuleCandidate::next>(head->next)) {
-    temp_delete(element.list);
+    temp_delete(session, element.list);
     element.list = head->list;
     ++head->list->elements;
   }
@@ -65,11 +66,11 @@ class Search {
   Search(const SearchCase& search, Before before) : step_(search.rules, search.list) {
     chain_rules();
     read_scopes(search);
-    if (search.forced >= 0) state.forced_node = &step_.list.at(static_cast<std::size_t>(search.forced));
+    if (search.forced >= 0) session.state.forced_node = &step_.list.at(static_cast<std::size_t>(search.forced));
     if (*search.arc != '\0') arc_between(*window().lnode, *window().rnode, search.arc)->used = 1;
     if (before != Before::failed) step_.matched();
     if (before == Before::applied) {
-      EXPECT_EQ(apply_rule(step_.window, step_.candidate, &home_scope_), Status::ok);
+      EXPECT_EQ(apply_rule(session, step_.window, step_.candidate, &home_scope_), Status::ok);
     }
   }
 
@@ -80,10 +81,10 @@ class Search {
 
   // One call; what it says, as `SearchCase::outcome`.
   std::string undo() {
-    std::string text = std::to_string(code(backtrack(step_.window, step_.candidate, home_scope_)));
+    std::string text = std::to_string(code(backtrack(session, step_.window, step_.candidate, home_scope_)));
     const RuleCandidate* left = step_.candidate;
     text += left == nullptr ? " -" : " P" + std::to_string(left->rule->priority);
-    return state.forced_node == nullptr ? text : text + " forced";
+    return session.state.forced_node == nullptr ? text : text + " forced";
   }
 
   [[nodiscard]] std::string scopes_text() const {
@@ -124,7 +125,7 @@ inline void expect_search(const SearchCase& expected, Before before) {
   for (const int level : {0, 3}) {
     Search search(expected, before);
     Capture output;
-    state.trace_level = static_cast<std::int8_t>(level);
+    session.state.trace_level = static_cast<std::int8_t>(level);
     EXPECT_EQ(search.undo(), expected.outcome);
     EXPECT_EQ(search.text(), expected.after);
     EXPECT_EQ(search.scopes_text(), expected.scopes_after);

@@ -3,8 +3,8 @@
 
 #include <string>
 
-#include "data/sentence.hpp"
 #include "dict/dictionary.hpp"
+#include "support/session.hpp"
 
 namespace lexon::test {
 
@@ -12,7 +12,7 @@ namespace lexon::test {
 // is the word dictionary or the co-occurrence dictionary of the sentence.
 class TestDictionary {
  public:
-  explicit TestDictionary(const std::string& entries, DictionaryFiles& files = sentence.dictionary);
+  explicit TestDictionary(const std::string& entries, DictionaryFiles& files = session.sentence.dictionary);
   ~TestDictionary();
   TestDictionary(const TestDictionary&) = delete;
   TestDictionary& operator=(const TestDictionary&) = delete;
