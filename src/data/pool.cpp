@@ -1,5 +1,7 @@
 #include "data/pool.hpp"
 
+#include <algorithm>
+#include <bit>
 #include <cstdlib>
 #include <cstring>
 #include <utility>
@@ -41,10 +43,23 @@ constexpr std::int32_t kCellGuard = LEXON_CELL_GUARD;  // bytes behind each cell
 
 }  // namespace
 
+Pool::~Pool() {
+  large_cells_free();
+  for (const Block& block : blocks_) block_free(block.start);
+  for (std::size_t i = 0; i < spares_; ++i) block_free(spare_[i]);
+}
+
+void Pool::block_free(char* start) {
+  allow(start, static_cast<std::size_t>(kFirstBlockSize));
+  std::free(start);
+}
+
+// The classes are the powers of two from 8 on, but for the last.
 std::size_t Pool::class_of(std::int64_t size) {
-  std::size_t index = 0;
-  while (kCellSizes[index] < size) ++index;
-  return index;
+  constexpr std::uint64_t kSmallest = kCellSizes.front();
+  const auto width = static_cast<int>(std::bit_width((static_cast<std::uint64_t>(size) - 1) | (kSmallest - 1)));
+  return std::min(static_cast<std::size_t>(width - static_cast<int>(std::bit_width(kSmallest - 1))),
+                  kCellSizes.size() - 1);
 }
 
 void* Pool::serve_from_blocks(std::size_t& first_open, std::int32_t stride) {
@@ -58,12 +73,18 @@ void* Pool::serve_from_blocks(std::size_t& first_open, std::int32_t stride) {
   return nullptr;
 }
 
+// A block of the present size, or null.
+char* Pool::new_block() {
+  const bool has_spare = block_size_ == kFirstBlockSize && spares_ != 0;
+  return has_spare ? spare_[--spares_] : static_cast<char*>(checked_malloc(block_size_));
+}
+
 // Halves the block size as long as the heap refuses; the lowered size stays.
 void* Pool::serve_from_new_block(std::int32_t stride) {
   if (blocks() >= max_blocks_) return nullptr;
   for (; stride <= block_size_; block_size_ /= 2) {
     if (fault_ != nullptr && fault_->refuses()) continue;
-    auto* start = static_cast<char*>(checked_malloc(block_size_));
+    char* start = new_block();
     if (start == nullptr) continue;
     blocks_.push_back({stride, start});
     forbid(start, static_cast<std::size_t>(block_size_));
@@ -118,12 +139,22 @@ void Pool::free(void* cell, std::int64_t size) {
   free_[index] = new (cell) FreeCell{free_[index]};
 }
 
-void Pool::release_all() {
+void Pool::large_cells_free() {
   LargeCell* cell = std::exchange(large_.next, nullptr);
   while (cell != nullptr) std::free(std::exchange(cell, cell->next));
+}
+
+void Pool::release_all() {
+  large_cells_free();
+  // Once the heap has refused a block, there are smaller ones among them.
+  const bool may_keep = block_size_ == kFirstBlockSize;
   for (const Block& block : blocks_) {
-    allow(block.start, static_cast<std::size_t>(kFirstBlockSize));
-    std::free(block.start);
+    if (may_keep && spares_ < kMostSpare) {
+      forbid(block.start, static_cast<std::size_t>(kFirstBlockSize));
+      spare_[spares_++] = block.start;
+    } else {
+      block_free(block.start);
+    }
   }
   blocks_.clear();
   free_ = {};

@@ -36,7 +36,7 @@ struct AllocationFault {
 class Pool {
  public:
   Pool() = default;
-  ~Pool() { release_all(); }
+  ~Pool();
   Pool(const Pool&) = delete;
   Pool& operator=(const Pool&) = delete;
 
@@ -47,7 +47,7 @@ class Pool {
   // Gives a cell back to the class of `size`, which must be the class it came from. Ignores null.
   void free(void* cell, std::int64_t size);
 
-  // Frees every block and every cell.
+  // Frees every cell. The blocks begin anew; some are kept for the next sentence, and count for nothing until then.
   void release_all();
 
   // How many blocks it may hold from now on; those that it holds stay.
@@ -78,7 +78,13 @@ class Pool {
     LargeCell* before;
   };
 
-  static std::size_t class_of(std::int64_t size);
+  // Blocks that are kept: 1 MB, more than most sentences fill.
+  static constexpr std::size_t kMostSpare = 16;
+
+  [[nodiscard]] static std::size_t class_of(std::int64_t size);
+  [[nodiscard]] char* new_block();
+  static void block_free(char* start);
+  void large_cells_free();
   void* serve(std::int64_t size);
   void* serve_from_blocks(std::size_t& first_open, std::int32_t stride);
   void* serve_from_new_block(std::int32_t stride);
@@ -89,6 +95,8 @@ class Pool {
   bool exhausted_ = false;
   AllocationFault* fault_ = nullptr;
   std::vector<Block> blocks_;
+  std::array<char*, kMostSpare> spare_{};  // blocks of the first size, given out before the heap is asked
+  std::size_t spares_ = 0;
   // By size class: the cells that came back, and the first block that may still have room. A block that has refused
   // a class stays full for it.
   std::array<FreeCell*, kCellSizes.size()> free_{};

@@ -3,10 +3,12 @@
 
 #include <atomic>
 #include <cstdint>
+#include <string>
 #include <string_view>
 #include <type_traits>
 #include <vector>
 
+#include "data/key_numbers.hpp"
 #include "data/output.hpp"
 #include "data/pool.hpp"
 #include "data/records.hpp"
@@ -25,18 +27,31 @@ struct LookupDamage {
   std::int64_t offset;      // its place in that file
 };
 
-// The work area of the search for rules, one for each side of the window; sized for the grammar by `session_use`.
+// The work area of the search for rules, and what it remembers; sized for the grammar by `session_use`. A set is one
+// bit for each rule with its summary behind it (rules/bits.hpp).
 struct SearchScratch {
   struct Side {
-    std::vector<std::uint8_t> result;      // bit vector: rules that the word under test lets through
-    std::vector<std::uint8_t> missing;     // bit vector: rules that require an attribute that the word lacks
-    std::vector<std::uint8_t> joined;      // bit vector: rules that one of several words lets through
-    bool has_joined = false;               // `joined` holds a result of the present search
+    std::vector<std::uint64_t> result;     // set: rules that the word under test lets through
+    std::vector<std::uint64_t> joined;     // set: rules that one of several words lets through
     std::vector<std::uint8_t> is_present;  // by row of the index; zeros between searches
     std::vector<std::int32_t> present;     // the rows that are present, in the order of their finding
+    std::vector<std::int32_t> struck;      // the rows whose forbidding rules are to be struck out
+    std::string key;                       // all that the answer for the node follows from
+    KeyNumbers known;                      // keys of answers
+    std::vector<std::uint64_t> answers;    // the sets, by number of the key
+  };
+  // The rules of a pair of answers, as `count` numbers from `begin` on.
+  struct Found {
+    std::uint32_t begin;
+    std::uint32_t count;
   };
   Side left;
   Side right;
+  KeyNumbers known_pairs;
+  std::vector<Found> found;         // by number of the pair
+  std::vector<std::int32_t> rules;  // of all pairs that are known
+  std::vector<std::int32_t> fresh;  // of the last pair that was not known
+  bool is_full = false;             // there was no room for an answer: the next search begins by forgetting all
 };
 
 // One thread's working memory, 160 KB: not for a stack. Any number can live side by side, each with its own grammar or

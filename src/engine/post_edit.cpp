@@ -68,7 +68,7 @@ void rule_choose(Session& session, RuleCandidate*& candidates, Window& window, S
     return false;
   }
   if (window.lnode == nullptr || window.rnode == nullptr) return false;
-  RuleCandidate* candidates = rule_candidates(session, window.lnode, window.rnode);
+  RuleCandidate* candidates = post_edit_candidates(session, window.lnode, window.rnode);
   rule_choose(session, candidates, window, result);
   if (candidates == nullptr || must_leave(session) != Status::ok) return false;
   // A pass inside a scope must not release it.

@@ -1,16 +1,18 @@
-// Bit vectors of one bit per rule: bit i lies in byte i / 8 under the mask 0x80 >> (i % 8). Vectors are whole bytes of
-// any number and stand at any address; the work on them goes by 64 bits at a time.
+// Sets of rules, one bit for each rule.
 #pragma once
 
 #include <bit>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
+#include <vector>
 
 namespace lexon {
 
 inline constexpr std::size_t kWordBytes = sizeof(std::uint64_t);
+inline constexpr std::size_t kWordBits = 64;
 
+// In a file, rule i lies in byte i / 8 under the mask 0x80 >> (i % 8).
 [[nodiscard]] constexpr std::uint8_t bit_mask(std::size_t i) {
   return static_cast<std::uint8_t>(0x80U >> (i % 8));
 }
@@ -30,31 +32,56 @@ inline void bit_clear(std::uint8_t* vector, std::size_t i) {
   return std::endian::native == std::endian::little ? __builtin_bswap64(word) : word;
 }
 
+// In memory, rule i lies in word i / 64, again the first on top.
+[[nodiscard]] constexpr std::uint64_t word_bit(std::size_t i) {
+  return std::uint64_t{1} << (kWordBits - 1 - i % kWordBits);
+}
+
+[[nodiscard]] constexpr std::size_t words_for(std::size_t bits) {
+  return (bits + kWordBits - 1) / kWordBits;
+}
+
 // Calls `visit` with the number of each set bit of `word`, whose top bit has the number `first`, in rising order.
 template <typename Visit>
 void for_each_bit(std::uint64_t word, std::size_t first, Visit visit) {
   while (word != 0) {
     const int place = std::countl_zero(word);
     visit(first + static_cast<std::size_t>(place));
-    word ^= std::uint64_t{1} << (63 - place);
+    word ^= word_bit(static_cast<std::size_t>(place));
   }
 }
 
-// vector = combine(vector, other), over `size` bytes.
-template <typename Combine>
-void vector_combine(std::uint8_t* vector, const std::uint8_t* other, std::size_t size, Combine combine) {
-  std::size_t at = 0;
-  for (; at + kWordBytes <= size; at += kWordBytes) {
-    std::uint64_t a = 0;
-    std::uint64_t b = 0;
-    std::memcpy(&a, vector + at, kWordBytes);
-    std::memcpy(&b, other + at, kWordBytes);
-    a = combine(a, b);
-    std::memcpy(vector + at, &a, kWordBytes);
+// A set with its summary behind it: bit w of the summary says whether word w holds any rule. So a walk over a small
+// set of many rules costs what the set holds.
+class RuleBits {
+ public:
+  RuleBits() = default;
+  explicit RuleBits(std::size_t rules) : words_(words_for(rules)), bits_(words_ + words_for(words_)) {}
+
+  void set(std::size_t rule) { bits_[rule / kWordBits] |= word_bit(rule); }
+  void clear(std::size_t rule) { bits_[rule / kWordBits] &= ~word_bit(rule); }
+
+  // To be called when the last rule is set or cleared.
+  void summarise() {
+    for (std::size_t at = words_; at < bits_.size(); ++at) bits_[at] = 0;
+    for (std::size_t word = 0; word < words_; ++word) {
+      if (bits_[word] != 0) bits_[words_ + word / kWordBits] |= word_bit(word);
+    }
   }
-  for (; at < size; ++at) {
-    vector[at] = static_cast<std::uint8_t>(combine(std::uint64_t{vector[at]}, std::uint64_t{other[at]}));
+
+  // Adds the rules of `other`, of the same size; the summary is as old as before.
+  void join(const RuleBits& other) {
+    for (std::size_t word = 0; word < words_; ++word) bits_[word] |= other.bits_[word];
   }
-}
+
+  // Of a set of so many rules: its words, and words and summary together.
+  [[nodiscard]] std::size_t words() const { return words_; }
+  [[nodiscard]] std::size_t size() const { return bits_.size(); }
+  [[nodiscard]] const std::uint64_t* data() const { return bits_.data(); }
+
+ private:
+  std::size_t words_ = 0;
+  std::vector<std::uint64_t> bits_;
+};
 
 }  // namespace lexon

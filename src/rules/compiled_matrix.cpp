@@ -3,14 +3,23 @@
 //   header   left attr_count, left pool_size, right attr_count, right pool_size, rule_count, row_bytes,
 //            left matrix_size, right matrix_size
 //   areas    left attr_pool, right attr_pool, left pos_matrix, left neg_matrix, right pos_matrix, right neg_matrix
+//
+// Row r of a matrix is bytes r * row_bytes and on; rule i lies in byte i / 8 under the mask 0x80 >> (i % 8). A bit is 1
+// in pos_matrix if the rule requires the name of the row, 0 in neg_matrix if it forbids it. The bits
+// behind the last rule are 0 in pos_matrix and 1 in neg_matrix; nothing follows from them.
 #include <algorithm>
 #include <array>
+#include <cstring>
+#include <new>
+#include <utility>
+#include <vector>
 
 #include "data/bytes.hpp"
 #include "data/chain.hpp"
 #include "data/output.hpp"
 #include "data/platform.hpp"
 #include "data/session.hpp"
+#include "rules/bits.hpp"
 #include "rules/compiled.hpp"
 #include "rules/compiled_format.hpp"
 #include "rules/matrix.hpp"
@@ -39,6 +48,22 @@ HeaderBytes header_of(const RuleMatrix& matrix) {
 
 void area_write(const void* area, std::size_t size, std::FILE* stream) {
   if (size != 0) std::fwrite(area, 1, size, stream);
+}
+
+// Writes a matrix of which the bits of `rules`, by row, differ from those of `others`.
+void matrix_write(const NumberLists& rules, std::uint8_t others, std::size_t row_bytes, std::FILE* stream) {
+  std::vector<std::uint8_t> row(row_bytes, others);
+  for (std::size_t key = 0; key + 1 < rules.starts.size(); ++key) {
+    const auto first = rules.items.begin() + rules.starts[key];
+    const auto last = rules.items.begin() + rules.starts[key + 1];
+    // A rule can stand in the list twice.
+    std::for_each(first, last, [&](std::int32_t rule) {
+      const auto i = static_cast<std::size_t>(rule);
+      others == 0 ? bit_set(row.data(), i) : bit_clear(row.data(), i);
+    });
+    area_write(row.data(), row.size(), stream);
+    std::for_each(first, last, [&](std::int32_t rule) { row[static_cast<std::size_t>(rule) / 8] = others; });
+  }
 }
 
 // ---- Reading ----
@@ -112,13 +137,51 @@ Status area_read(Byte*& area, std::size_t size, std::FILE* stream) {
   return std::fread(area, 1, size, stream) == size ? Status::ok : Status::no_effect;
 }
 
-Status areas_read(RuleMatrix& matrix, std::FILE* stream) {
-  for (MatrixSide* side : {&matrix.left, &matrix.right}) {
-    if (const Status s = area_read(side->attr_pool, side->pool_size, stream); s != Status::ok) return s;
+// What a matrix is read through; a row is never longer than the file.
+constexpr std::size_t kReadSize = std::size_t{1} << 16;
+
+// Rules and, behind the last, bits that stand for none: they are kept, so that a file is saved as it was loaded.
+std::size_t row_bits(const RuleMatrix& matrix) {
+  return static_cast<std::size_t>(matrix.row_bytes) * 8;
+}
+
+// Appends to the row's list the rules whose bits in `row` differ from those of `others`.
+void row_take(std::span<const std::uint8_t> row, std::uint64_t others, NumberLists& rules) {
+  const std::size_t bits = row.size() * 8;
+  const auto word_take = [&](std::size_t at) {
+    for_each_bit(bits_at(row.data(), row.size(), at) ^ others, at * 8, [&](std::size_t rule) {
+      if (rule < bits) rules.items.push_back(static_cast<std::int32_t>(rule));
+    });
+  };
+  std::size_t at = 0;
+  for (; at + kWordBytes <= row.size(); at += kWordBytes) {
+    std::uint64_t word = 0;
+    std::memcpy(&word, row.data() + at, kWordBytes);
+    if (word != others) word_take(at);
   }
-  for (MatrixSide* side : {&matrix.left, &matrix.right}) {
-    if (const Status s = area_read(side->pos_matrix, side->matrix_size, stream); s != Status::ok) return s;
-    if (const Status s = area_read(side->neg_matrix, side->matrix_size, stream); s != Status::ok) return s;
+  if (at < row.size()) word_take(at);
+  rules.starts.push_back(static_cast<std::uint32_t>(rules.items.size()));
+}
+
+// Bits that a matrix can have set: the places of a list are 32-bit numbers.
+constexpr std::size_t kMostSetBits = std::size_t{1} << 31;
+
+// The rules by row whose bits differ from those of `others`. Returns ok, `no_effect` if the file cannot be read, or
+// `memory`.
+Status area_take(const RuleMatrix& matrix, const MatrixSide& side, std::uint64_t others, std::FILE* stream,
+                 NumberLists& rules) {
+  const auto row_bytes = static_cast<std::size_t>(matrix.row_bytes);
+  const std::size_t rows_at_once = std::max<std::size_t>(kReadSize / row_bytes, 1);
+  std::vector<std::uint8_t> buffer(rows_at_once * row_bytes);
+  rules.starts.assign(1, 0);
+  for (auto rows_left = static_cast<std::size_t>(side.attr_count); rows_left != 0;) {
+    const std::size_t rows = std::min(rows_left, rows_at_once);
+    if (std::fread(buffer.data(), row_bytes, rows, stream) != rows) return Status::no_effect;
+    for (std::size_t row = 0; row < rows; ++row) {
+      row_take(std::span(buffer).subspan(row * row_bytes, row_bytes), others, rules);
+    }
+    if (rules.items.size() > kMostSetBits) return Status::memory;
+    rows_left -= rows;
   }
   return Status::ok;
 }
@@ -153,15 +216,30 @@ MatrixReading refused(const char* fault) {
   return {Status::no_effect, fault};
 }
 
-MatrixReading sides_read(RuleMatrix& matrix, std::FILE* stream) {
-  Status status = areas_read(matrix, stream);
-  if (status == Status::no_effect) return refused("the file cannot be read");
-  for (MatrixSide* side : {&matrix.left, &matrix.right}) {
-    if (status != Status::ok) return {status};
-    if (!names_agree(*side)) return refused("the names do not agree with attr_count");
-    status = attr_table_make(*side);
+constexpr const char* kUnreadable = "the file cannot be read";
+
+MatrixReading names_read(RuleIndex& index, std::FILE* stream) {
+  for (MatrixSide* side : {&index.matrix.left, &index.matrix.right}) {
+    const Status s = area_read(side->attr_pool, side->pool_size, stream);
+    if (s != Status::ok) return s == Status::no_effect ? refused(kUnreadable) : MatrixReading{s};
   }
-  return {status};
+  for (MatrixSide* side : {&index.matrix.left, &index.matrix.right}) {
+    if (!names_agree(*side)) return refused("the names do not agree with attr_count");
+    if (const Status s = attr_table_make(*side); s != Status::ok) return {s};
+  }
+  return {Status::ok};
+}
+
+MatrixReading side_read(RuleIndex& index, const MatrixSide& side, SideSearch& search, std::FILE* stream) {
+  search.names = name_index_of(side);
+  NumberLists requiring;
+  NumberLists forbidding;
+  Status status = area_take(index.matrix, side, 0, stream, requiring);
+  if (status == Status::ok) status = area_take(index.matrix, side, ~std::uint64_t{0}, stream, forbidding);
+  if (status == Status::no_effect) return refused(kUnreadable);
+  if (status != Status::ok) return {status};
+  side_prepare(index.search, search, transposed(requiring, row_bits(index.matrix)), std::move(forbidding));
+  return {Status::ok};
 }
 
 MatrixReading matrix_read(RuleIndex& index, std::FILE* stream, Rule* rules) {
@@ -173,8 +251,19 @@ MatrixReading matrix_read(RuleIndex& index, std::FILE* stream, Rule* rules) {
   if (const char* fault = header_fault(header, rules, size); fault != nullptr) return refused(fault);
   index.matrix = {rules, static_cast<std::int32_t>(header.rule_count), static_cast<std::int32_t>(header.row_bytes),
                   header.left, header.right};
-  const MatrixReading reading = sides_read(index.matrix, stream);
-  return reading.status == Status::ok ? MatrixReading{rule_search_prepare(index)} : reading;
+  if (const MatrixReading names = names_read(index, stream); names.status != Status::ok) return names;
+  rules_prepare(index);
+  const MatrixReading left = side_read(index, index.matrix.left, index.search.left, stream);
+  return left.status != Status::ok ? left : side_read(index, index.matrix.right, index.search.right, stream);
+}
+
+// What the standard library throws for exhausted memory becomes a status here.
+MatrixReading matrix_read_guarded(RuleIndex& index, std::FILE* stream, Rule* rules) {
+  try {
+    return matrix_read(index, stream, rules);
+  } catch (const std::bad_alloc&) {
+    return {Status::memory};
+  }
 }
 
 }  // namespace
@@ -182,12 +271,17 @@ MatrixReading matrix_read(RuleIndex& index, std::FILE* stream, Rule* rules) {
 Status rule_matrix_save(Session& session, RuleIndex& index, std::FILE* stream) {
   const RuleMatrix& matrix = index.matrix;
   const HeaderBytes header = header_of(matrix);
+  const auto row_bytes = static_cast<std::size_t>(matrix.row_bytes);
   area_write(header.data(), header.size(), stream);
   area_write(matrix.left.attr_pool, matrix.left.pool_size, stream);
   area_write(matrix.right.attr_pool, matrix.right.pool_size, stream);
-  for (const MatrixSide* side : {&matrix.left, &matrix.right}) {
-    area_write(side->pos_matrix, side->matrix_size, stream);
-    area_write(side->neg_matrix, side->matrix_size, stream);
+  try {
+    for (const SideSearch* side : {&index.search.left, &index.search.right}) {
+      matrix_write(requiring_rules(*side), 0, row_bytes, stream);
+      matrix_write(side->forbidding, 0xFF, row_bytes, stream);
+    }
+  } catch (const std::bad_alloc&) {
+    return Status::memory;
   }
   // The matrix in memory is whole, so this run can go on.
   if (!is_written(stream)) out_print(session, ";;the compiled rule matrix could not be written\n");
@@ -196,7 +290,7 @@ Status rule_matrix_save(Session& session, RuleIndex& index, std::FILE* stream) {
 
 Status rule_matrix_load(Session& session, RuleIndex& index, std::FILE* stream, Rule* rules, std::string* fault) {
   rule_matrix_clear(index);
-  const MatrixReading reading = matrix_read(index, stream, rules);
+  const MatrixReading reading = matrix_read_guarded(index, stream, rules);
   if (reading.status != Status::ok) rule_matrix_clear(index);
   if (reading.fault == nullptr) return reading.status;
   const std::string text = std::string("the compiled rule matrix cannot be used: ") + reading.fault;

@@ -17,37 +17,38 @@ Status whole(const ByteReader& in) {
   return in.ok() && !in.more() ? Status::ok : kDamaged;
 }
 
-Status text_read(Pool& pool, ByteReader& in, char*& text) {
-  const auto bytes = in.bytes();
-  if (!in.ok()) return kDamaged;
-  if (bytes.empty()) return Status::ok;
-  const std::string_view all(reinterpret_cast<const char*>(bytes.data()), bytes.size());
+Status text_copy(Pool& pool, std::string_view all, char*& text) {
   const bool is_empty_text = all.front() == '\0';
   if (!is_empty_text && all.find('\0') != std::string_view::npos) return kDamaged;
   text = perm_text(pool, is_empty_text ? std::string_view() : all);
   return text == nullptr ? Status::memory : Status::ok;
 }
 
-Status item_read(Pool& pool, ByteReader& in, CondItem& item) {
-  item.op = in.u8();
-  if (const Status status = text_read(pool, in, item.text); status != Status::ok) return status;
-  return item.text == nullptr ? kDamaged : Status::ok;
+Status text_read(Pool& pool, ByteReader& in, char*& text) {
+  const auto bytes = in.bytes();
+  if (!in.ok()) return kDamaged;
+  return bytes.empty() ? Status::ok : text_copy(pool, as_text(bytes), text);
 }
 
-// Reads a block of records of one kind, each by `read`, into the empty list `head`.
-template <typename Record>
-Status list_read(Pool& pool, ByteReader& in, Record*& head, Status (*read)(Pool&, ByteReader&, Record&)) {
-  ByteReader block(in.bytes());
-  for (Record** link = &head; block.more(); link = &(*link)->next) {
-    *link = perm_new<Record>(pool);
-    if (*link == nullptr) return Status::memory;
-    if (const Status status = read(pool, block, **link); status != Status::ok) return status;
-  }
-  return block.ok() && in.ok() ? Status::ok : kDamaged;
-}
-
+// Items are most of a file: they are read in one pass over their block.
 Status items_read(Pool& pool, ByteReader& in, CondItem*& items) {
-  return list_read(pool, in, items, item_read);
+  constexpr std::size_t kHeadSize = 3;
+  const std::string_view block = as_text(in.bytes());
+  if (!in.ok()) return kDamaged;
+  std::size_t at = 0;
+  for (CondItem** link = &items; at != block.size(); link = &(*link)->next) {
+    auto* item = *link = perm_new<CondItem>(pool);
+    if (item == nullptr) return Status::memory;
+    if (block.size() - at < kHeadSize) return kDamaged;
+    item->op = static_cast<std::uint8_t>(block[at]);
+    const std::size_t length = static_cast<std::uint8_t>(block[at + 1]) << 8 | static_cast<std::uint8_t>(block[at + 2]);
+    at += kHeadSize;
+    if (length == 0 || length > block.size() - at) return kDamaged;
+    if (const Status status = text_copy(pool, block.substr(at, length), item->text); status != Status::ok)
+      return status;
+    at += length;
+  }
+  return Status::ok;
 }
 
 // What the block may leave out at its end.
@@ -66,7 +67,13 @@ Status group_read(Pool& pool, ByteReader& in, ContextGroup& group) {
 }
 
 Status groups_read(Pool& pool, ByteReader& in, ContextGroup*& groups) {
-  return list_read(pool, in, groups, group_read);
+  ByteReader block(in.bytes());
+  for (ContextGroup** link = &groups; block.more(); link = &(*link)->next) {
+    *link = perm_new<ContextGroup>(pool);
+    if (*link == nullptr) return Status::memory;
+    if (const Status status = group_read(pool, block, **link); status != Status::ok) return status;
+  }
+  return block.ok() && in.ok() ? Status::ok : kDamaged;
 }
 
 Status pattern_fields_read(Pool& pool, ByteReader& in, NodePattern& pattern) {

@@ -1,5 +1,5 @@
 // Building the index: the names of all conditions are sorted side by side without duplicates and become the tables; a
-// second walk over the rules sets the bits.
+// second walk over the rules takes what they ask.
 //
 // wanted: the names go through lines of text, and so does what happens to them there. A name with its line end is cut
 // into lines behind each line feed (a CR in front of it goes) and behind 1,023 characters; a line that is cut in the
@@ -11,8 +11,10 @@
 #include <algorithm>
 #include <cstdlib>
 #include <cstring>
+#include <new>
 #include <string>
 #include <string_view>
+#include <unordered_set>
 
 #include "data/chain.hpp"
 #include "data/output.hpp"
@@ -20,7 +22,6 @@
 #include "data/session.hpp"
 #include "dict/item_sort.hpp"
 #include "dict/layout.hpp"
-#include "rules/bits.hpp"
 #include "rules/rule_search.hpp"
 
 namespace lexon {
@@ -31,6 +32,7 @@ namespace {
 struct SideBuild {
   NodePattern* Rule::*pattern;
   MatrixSide& side;
+  SideSearch& search;
 };
 
 const CondItem* conditions(const SideBuild& build, const Rule& rule) {
@@ -70,9 +72,11 @@ Status sorting_failed(Session& session) {
 
 // Adds the texts of all conditions of the side, whatever their prefix.
 Status names_add(Session& session, const SideBuild& build, const Rule* rules, ItemSorter& lines) {
+  std::unordered_set<std::string_view> added;
   for (const Rule& rule : chain<&Rule::next>(rules)) {
     if (const Status s = must_leave(session); s != Status::ok) return s;
     for (const CondItem& item : chain<&CondItem::next>(conditions(build, rule))) {
+      if (!added.insert(item.text).second) continue;
       if (!name_add(item.text, lines)) return sorting_failed(session);
     }
   }
@@ -118,55 +122,55 @@ Status names_sort(Session& session, const SideBuild& build, const Rule* rules) {
   return attr_table_make(build.side, text, count);
 }
 
-template <typename Element>
-bool block_make(Element*& block, std::uint64_t size) {
-  block = static_cast<Element*>(zeroed_block(size));
-  return block != nullptr || size == 0;
-}
-
 // The largest size of a matrix that its field can tell and that is left room for behind it.
 constexpr std::uint64_t kLargestMatrix = 0xFFFFFFE0U;
 
-Status matrices_make(RuleIndex& index, MatrixSide& side) {
-  const auto row_bytes = static_cast<std::uint64_t>(index.matrix.row_bytes);
-  const std::uint64_t size = row_bytes * static_cast<std::uint64_t>(side.attr_count);
-  if (size > kLargestMatrix) return Status::memory;
-  side.matrix_size = static_cast<std::uint32_t>(size);
-  const bool made = block_make(side.pos_matrix, size) && block_make(side.neg_matrix, size);
-  return made ? Status::ok : Status::memory;
+// What the rules ask of a side, by rule.
+struct Demands {
+  NumberLists required;
+  NumberLists forbidden;
+};
+
+void list_end(NumberLists& lists) {
+  lists.starts.push_back(static_cast<std::uint32_t>(lists.items.size()));
 }
 
-// Sets the bits of rule `number` for its conditions. A name that is not in the table ends the walk.
-void rule_bits_set(RuleIndex& index, MatrixSide& side, const CondItem* conds, std::size_t number) {
+// Takes the conditions of the next rule. A name that is not in the table ends the walk.
+void conditions_take(Demands& demands, const NameIndex& names, const CondItem* conds) {
   for (const CondItem& item : chain<&CondItem::next>(conds)) {
     if (item.op > kOpHas) continue;
-    const std::int32_t row = attr_table_find(item.text, side.attr_table, side.attr_count);
-    if (row < 0) return;
-    std::uint8_t* matrix = item.op == kOpHas ? side.pos_matrix : side.neg_matrix;
-    bit_set(matrix + static_cast<std::size_t>(row) * static_cast<std::size_t>(index.matrix.row_bytes), number);
+    const std::int32_t row = name_row(names, item.text);
+    if (row < 0) break;
+    (item.op == kOpHas ? demands.required : demands.forbidden).items.push_back(row);
   }
+  list_end(demands.required);
+  list_end(demands.forbidden);
 }
 
-void bytes_complement(std::uint8_t* area, std::uint32_t size) {
-  std::transform(area, area + size, area, [](std::uint8_t byte) { return static_cast<std::uint8_t>(~byte); });
-}
-
-Status bits_set(Session& session, RuleIndex& index, const SideBuild& build, const Rule* rules) {
-  if (const Status s = matrices_make(index, build.side); s != Status::ok) return s;
-  std::size_t number = 0;
-  for (const Rule& rule : chain<&Rule::next>(rules)) {
+Status demands_collect(Session& session, const RuleIndex& index, const SideBuild& build, Demands& demands) {
+  demands.required.starts.reserve(index.search.rules.size() + 1);
+  demands.forbidden.starts.reserve(index.search.rules.size() + 1);
+  list_end(demands.required);
+  list_end(demands.forbidden);
+  for (const Rule* rule : index.search.rules) {
     if (const Status s = must_leave(session); s != Status::ok) return s;
-    rule_bits_set(index, build.side, conditions(build, rule), number++);
+    conditions_take(demands, build.search.names, conditions(build, *rule));
   }
-  bytes_complement(build.side.neg_matrix, build.side.matrix_size);
   return Status::ok;
 }
 
-Status side_build(Session& session, RuleIndex& index, NodePattern* Rule::*pattern, MatrixSide& side,
-                  const Rule* rules) {
-  const SideBuild build{pattern, side};
-  if (const Status s = names_sort(session, build, rules); s != Status::ok) return s;
-  return bits_set(session, index, build, rules);
+Status side_build(Session& session, RuleIndex& index, SideBuild build) {
+  MatrixSide& side = build.side;
+  if (const Status s = names_sort(session, build, index.matrix.rules); s != Status::ok) return s;
+  const auto rows = static_cast<std::uint64_t>(side.attr_count);
+  const std::uint64_t size = static_cast<std::uint64_t>(index.matrix.row_bytes) * rows;
+  if (size > kLargestMatrix) return Status::memory;
+  side.matrix_size = static_cast<std::uint32_t>(size);
+  build.search.names = name_index_of(side);
+  Demands demands;
+  if (const Status s = demands_collect(session, index, build, demands); s != Status::ok) return s;
+  side_prepare(index.search, build.search, demands.required, transposed(demands.forbidden, rows));
+  return Status::ok;
 }
 
 void rules_count(RuleIndex& index, Rule* rules) {
@@ -177,32 +181,35 @@ void rules_count(RuleIndex& index, Rule* rules) {
 
 Status build_all(Session& session, RuleIndex& index, Rule* rules) {
   rules_count(index, rules);
-  if (const Status s = side_build(session, index, &Rule::lnode, index.matrix.left, rules); s != Status::ok) return s;
-  if (const Status s = side_build(session, index, &Rule::rnode, index.matrix.right, rules); s != Status::ok) return s;
-  return rule_search_prepare(index);
+  rules_prepare(index);
+  RuleMatrix& matrix = index.matrix;
+  const Status left = side_build(session, index, {&Rule::lnode, matrix.left, index.search.left});
+  return left != Status::ok ? left : side_build(session, index, {&Rule::rnode, matrix.right, index.search.right});
 }
 
 void side_release(MatrixSide& side) {
-  for (void* block : {static_cast<void*>(side.attr_pool), static_cast<void*>(side.attr_table),
-                      static_cast<void*>(side.pos_matrix), static_cast<void*>(side.neg_matrix)}) {
-    std::free(block);
-  }
+  std::free(side.attr_pool);
+  std::free(side.attr_table);
 }
 
 }  // namespace
 
 Status rule_matrix_build(Session& session, RuleIndex& index, Rule* rules) {
   rule_matrix_clear(index);
-  const Status status = build_all(session, index, rules);
+  Status status = Status::memory;
+  try {
+    status = build_all(session, index, rules);
+  } catch (const std::bad_alloc&) {
+  }
   if (status != Status::ok) rule_matrix_clear(index);
   return status;
 }
 
 void rule_matrix_clear(RuleIndex& index) {
-  rule_search_clear(index);
   side_release(index.matrix.left);
   side_release(index.matrix.right);
   index.matrix = {};
+  index.search = {};
 }
 
 std::int32_t attr_table_find(const char* name, char* const* table, std::int32_t count) {

@@ -1,15 +1,17 @@
-// What a search of the index knows beforehand. All of it is derived from `rule_matrix` by `rule_search_prepare`, holds
-// nothing that the matrix does not tell, and lives as long as the matrix.
+// What a search of the index works with: which rule requires and which forbids which name, as lists.
 //
 // Two questions would cost a walk over the whole name table for every word: which names are present, and which rules
 // lack one. Here the first goes from the pieces of the attribute strings to the rows, by hash. The second goes from
 // the present rows to the rules: each rule is watched by one of the rows it requires, the one that the fewest rules
-// require, so a rule is looked at only when that rare attribute is there.
+// require, so a rule is looked at only when that rare attribute is there. Beside the rule stands the second row that
+// it requires, so that most rules are decided without another look.
 #pragma once
 
 #include <cstddef>
 #include <cstdint>
+#include <vector>
 
+#include "rules/bits.hpp"
 #include "rules/matrix.hpp"
 
 namespace lexon {
@@ -17,31 +19,41 @@ namespace lexon {
 // From a name to its rows. A table can hold a name twice, or out of order: then all rows of the name count as present,
 // but only the row that the table's binary search finds strikes out rules.
 struct NameIndex {
-  char* const* names;       // the side's attr_table
-  std::uint32_t mask;       // number of buckets - 1, a power of 2 less 1
-  std::int32_t* buckets;    // by hash: the first row plus 1; 0: none. Null without names
-  std::int32_t* next_rows;  // by row: the next row of the same bucket plus 1, or 0
-  std::int32_t* find_rows;  // by row: what `attr_table_find` gives for the row's name
-  int most_commas;          // in any name: such a name is present as a run of neighbouring pieces
+  char* const* names = nullptr;         // the side's attr_table
+  std::uint32_t mask = 0;               // number of buckets - 1, a power of 2 less 1
+  std::vector<std::int32_t> buckets;    // by hash: the first row plus 1; 0: none
+  std::vector<std::int32_t> next_rows;  // by row: the next row of the same bucket plus 1, or 0
+  std::vector<std::int32_t> find_rows;  // by row: what `attr_table_find` gives for the row's name
+  int most_commas = 0;                  // in any name: such a name is present as a run of neighbouring pieces
 };
 
 // Lists of numbers, one list per key, all in one array: list k is items[starts[k]] up to items[starts[k + 1]] - 1.
 struct NumberLists {
-  std::uint32_t* starts;
-  std::int32_t* items;  // null if all lists are empty
+  std::vector<std::uint32_t> starts;
+  std::vector<std::int32_t> items;
+};
+
+// A rule as the row that watches it knows it.
+struct Watched {
+  std::int32_t rule;
+  std::int32_t also;  // another row that the rule requires, or the watching row again; -1 - k: rows at `more[k]`
 };
 
 struct SideSearch {
   NameIndex names;
-  NumberLists required_rows;   // by rule
-  NumberLists watching_rules;  // by row
-  std::uint8_t* demanding;     // bit vector: the rules that require any attribute
-  std::uint8_t* inserted;      // bit vector: the rules whose pattern of this side is a quote pattern
+  NumberLists forbidding;                   // by row: the rules that forbid the name
+  std::vector<std::uint32_t> watch_starts;  // by row: list r is watched[watch_starts[r]] up to the next list's start
+  std::vector<Watched> watched;
+  std::vector<std::int32_t> more;  // for rules that require more than two rows: how many besides the watching one, they
+  RuleBits undemanding;            // the rules that require no name
+  RuleBits inserted;               // the rules whose pattern of this side is a quote pattern
 };
 
 struct RuleSearch {
-  Rule** rules;             // by number; null: not prepared, there are no candidates
-  std::int32_t rule_count;  // rules of the list that have a bit in a row
+  std::vector<Rule*> rules;  // by number; empty: not prepared, there are no candidates
+  RuleBits all;
+  RuleBits none;
+  RuleBits post_edit;  // the rules of the post-edit types
   SideSearch left;
   SideSearch right;
 };
@@ -50,7 +62,7 @@ struct RuleSearch {
 // no candidates come from it.
 struct RuleIndex {
   RuleMatrix matrix{};
-  RuleSearch search{};
+  RuleSearch search;
 
   RuleIndex() = default;
   ~RuleIndex() { rule_matrix_clear(*this); }
@@ -58,8 +70,27 @@ struct RuleIndex {
   RuleIndex& operator=(const RuleIndex&) = delete;
 };
 
-// Releases all that the prepared search holds and zeroes it.
-void rule_search_clear(RuleIndex& index);
+// The steps that make the search ready, by both who builds and who loads the matrix; they come in this order. All
+// throw `std::bad_alloc`.
+
+// From the names of a side.
+[[nodiscard]] NameIndex name_index_of(const MatrixSide& side);
+
+// From the rule list of the matrix.
+void rules_prepare(RuleIndex& index);
+
+// From what the rules ask of a side: `required` the rows by rule, `forbidding` the rules by row. A number may stand
+// in a list twice.
+void side_prepare(const RuleSearch& search, SideSearch& side, const NumberLists& required, NumberLists forbidding);
+
+// The same numbers by what were the items, of which there are `keys`. Lists of the result rise.
+[[nodiscard]] NumberLists transposed(const NumberLists& lists, std::size_t keys);
+
+// The rules by the rows that they require, as `side_prepare` took them.
+[[nodiscard]] NumberLists requiring_rules(const SideSearch& side);
+
+// The row that `attr_table_find` gives for `name`, or -1.
+[[nodiscard]] std::int32_t name_row(const NameIndex& names, const char* name);
 
 inline constexpr std::uint32_t kHashSeed = 2166136261U;
 

@@ -1,0 +1,48 @@
+#include "data/key_numbers.hpp"
+
+#include <algorithm>
+#include <bit>
+#include <functional>
+
+namespace lexon {
+
+void KeyNumbers::fit(std::size_t count, std::size_t bytes) {
+  most_ = count;
+  texts_.clear();
+  texts_.reserve(bytes);
+  entries_.clear();
+  entries_.reserve(count);
+  slots_.assign(std::bit_ceil(count * 2 + 1), 0);
+}
+
+std::size_t KeyNumbers::slot_of(std::string_view text, std::size_t hash) const {
+  const std::size_t mask = slots_.size() - 1;
+  std::size_t slot = hash & mask;
+  for (; slots_[slot] != 0; slot = (slot + 1) & mask) {
+    const Entry& entry = entries_[static_cast<std::size_t>(slots_[slot] - 1)];
+    if (entry.hash == hash && text_of(entry) == text) break;
+  }
+  return slot;
+}
+
+std::int32_t KeyNumbers::find(std::string_view text) const {
+  return slots_[slot_of(text, std::hash<std::string_view>{}(text))] - 1;
+}
+
+std::int32_t KeyNumbers::add(std::string_view text) {
+  if (entries_.size() == most_ || texts_.capacity() - texts_.size() < text.size()) return -1;
+  const std::size_t hash = std::hash<std::string_view>{}(text);
+  const std::size_t slot = slot_of(text, hash);
+  entries_.push_back({hash, texts_.size(), text.size()});
+  texts_.append(text);
+  slots_[slot] = static_cast<std::int32_t>(entries_.size());
+  return slots_[slot] - 1;
+}
+
+void KeyNumbers::clear() {
+  texts_.clear();
+  entries_.clear();
+  std::fill(slots_.begin(), slots_.end(), 0);
+}
+
+}  // namespace lexon

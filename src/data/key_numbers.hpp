@@ -1,0 +1,48 @@
+// Numbers for texts: the first text gets 0, the next 1, and so on, up to a bound. For what is to be remembered by text.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace lexon {
+
+class KeyNumbers {
+ public:
+  // Forgets all; from now on there is room for `count` texts of `bytes` bytes together. Throws `std::bad_alloc`; no
+  // other function allocates.
+  void fit(std::size_t count, std::size_t bytes);
+
+  // The number of a text, or -1.
+  [[nodiscard]] std::int32_t find(std::string_view text) const;
+
+  // The number of a text that has none yet, or -1 if there is no room.
+  [[nodiscard]] std::int32_t add(std::string_view text);
+
+  void clear();
+
+  [[nodiscard]] std::size_t count() const { return entries_.size(); }
+
+ private:
+  struct Entry {
+    std::size_t hash;
+    std::size_t begin;
+    std::size_t size;
+  };
+
+  [[nodiscard]] std::string_view text_of(const Entry& entry) const {
+    return std::string_view(texts_).substr(entry.begin, entry.size);
+  }
+
+  // The slot that holds the text, or the empty one where it belongs.
+  [[nodiscard]] std::size_t slot_of(std::string_view text, std::size_t hash) const;
+
+  std::size_t most_ = 0;
+  std::string texts_;
+  std::vector<Entry> entries_;
+  std::vector<std::int32_t> slots_;  // by hash: a number plus 1; 0: empty. At most half of them are taken
+};
+
+}  // namespace lexon
