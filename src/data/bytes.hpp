@@ -65,6 +65,13 @@ class ByteReader {
   [[nodiscard]] ByteView bytes() { return bytes(u16()); }
   [[nodiscard]] std::string_view text() { return text(u16()); }
 
+  // Takes a length of 0, if that stands next.
+  [[nodiscard]] bool next_is_empty() {
+    const bool is_empty = ok_ && bytes_.size() - at_ >= 2 && bytes_[at_] == 0 && bytes_[at_ + 1] == 0;
+    if (is_empty) at_ += 2;
+    return is_empty;
+  }
+
   void skip(std::size_t length) { (void)take(length); }
 
   // What was read makes no sense: the reader fails like one that ran past the end.

@@ -12,7 +12,15 @@ void KeyNumbers::fit(std::size_t count, std::size_t bytes) {
   texts_.reserve(bytes);
   entries_.clear();
   entries_.reserve(count);
-  slots_.assign(std::bit_ceil(count * 2 + 1), 0);
+  slots_.reserve(std::bit_ceil(count * 2 + 1));
+  slots_.assign(kFirstSlots, 0);
+}
+
+void KeyNumbers::slots_double() {
+  slots_.assign(slots_.size() * 2, 0);
+  for (std::size_t i = 0; i < entries_.size(); ++i) {
+    slots_[slot_of(text_of(entries_[i]), entries_[i].hash)] = static_cast<std::int32_t>(i + 1);
+  }
 }
 
 std::size_t KeyNumbers::slot_of(std::string_view text, std::size_t hash) const {
@@ -31,6 +39,7 @@ std::int32_t KeyNumbers::find(std::string_view text) const {
 
 std::int32_t KeyNumbers::add(std::string_view text) {
   if (entries_.size() == most_ || texts_.capacity() - texts_.size() < text.size()) return -1;
+  if ((entries_.size() + 1) * 2 > slots_.size()) slots_double();
   const std::size_t hash = std::hash<std::string_view>{}(text);
   const std::size_t slot = slot_of(text, hash);
   entries_.push_back({hash, texts_.size(), text.size()});

@@ -39,6 +39,10 @@ class KeyNumbers {
   // The slot that holds the text, or the empty one where it belongs.
   [[nodiscard]] std::size_t slot_of(std::string_view text, std::size_t hash) const;
 
+  static constexpr std::size_t kFirstSlots = 64;
+
+  void slots_double();
+
   std::size_t most_ = 0;
   std::string texts_;
   std::vector<Entry> entries_;

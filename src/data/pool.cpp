@@ -1,32 +1,17 @@
 #include "data/pool.hpp"
 
-#include <algorithm>
-#include <bit>
 #include <cstdlib>
 #include <cstring>
 #include <utility>
 
-#if defined(__SANITIZE_ADDRESS__)
-#define LEXON_ADDRESS_SANITIZER 1
-#elif defined(__has_feature)
-#if __has_feature(address_sanitizer)
-#define LEXON_ADDRESS_SANITIZER 1
-#endif
-#endif
 #ifdef LEXON_ADDRESS_SANITIZER
 #include <sanitizer/asan_interface.h>
-#endif
-
-// Builds that look for overruns keep cells apart.
-#ifndef LEXON_CELL_GUARD
-#define LEXON_CELL_GUARD 0
 #endif
 
 namespace lexon {
 
 namespace {
 
-// Under the address sanitizer a cell can be touched only while it is given out, so that a use after release shows.
 #ifdef LEXON_ADDRESS_SANITIZER
 void forbid(void* start, std::size_t size) {
   ASAN_POISON_MEMORY_REGION(start, size);
@@ -39,8 +24,6 @@ void forbid(void*, std::size_t) {}
 void allow(void*, std::size_t) {}
 #endif
 
-constexpr std::int32_t kCellGuard = LEXON_CELL_GUARD;  // bytes behind each cell that belong to nobody
-
 }  // namespace
 
 Pool::~Pool() {
@@ -52,14 +35,6 @@ Pool::~Pool() {
 void Pool::block_free(char* start) {
   allow(start, static_cast<std::size_t>(kFirstBlockSize));
   std::free(start);
-}
-
-// The classes are the powers of two from 8 on, but for the last.
-std::size_t Pool::class_of(std::int64_t size) {
-  constexpr std::uint64_t kSmallest = kCellSizes.front();
-  const auto width = static_cast<int>(std::bit_width((static_cast<std::uint64_t>(size) - 1) | (kSmallest - 1)));
-  return std::min(static_cast<std::size_t>(width - static_cast<int>(std::bit_width(kSmallest - 1))),
-                  kCellSizes.size() - 1);
 }
 
 void* Pool::serve_from_blocks(std::size_t& first_open, std::int32_t stride) {
@@ -118,7 +93,7 @@ void* Pool::serve(std::int64_t size) {
   return cell;
 }
 
-void* Pool::alloc(std::int64_t size) {
+void* Pool::alloc_slowly(std::int64_t size) {
   if (size < 1) return nullptr;
   void* cell = serve(size);
   exhausted_ = exhausted_ || cell == nullptr;

@@ -5,13 +5,30 @@
 // not cleared. A pool is not thread-safe.
 #pragma once
 
+#include <algorithm>
 #include <array>
+#include <bit>
 #include <cstddef>
 #include <cstdint>
 #include <new>
 #include <string_view>
 #include <type_traits>
+#include <utility>
 #include <vector>
+
+// Under the address sanitizer a cell can be touched only while it is given out, so that a use after release shows.
+#if defined(__SANITIZE_ADDRESS__)
+#define LEXON_ADDRESS_SANITIZER 1
+#elif defined(__has_feature)
+#if __has_feature(address_sanitizer)
+#define LEXON_ADDRESS_SANITIZER 1
+#endif
+#endif
+
+// Builds that look for overruns keep cells apart: so many bytes behind each cell belong to nobody.
+#ifndef LEXON_CELL_GUARD
+#define LEXON_CELL_GUARD 0
+#endif
 
 namespace lexon {
 
@@ -42,7 +59,10 @@ class Pool {
 
   // A cell of at least `size` bytes, which lives until it is given back or `release_all`. Null if `size` is below 1,
   // or when memory is exhausted.
-  [[nodiscard]] void* alloc(std::int64_t size);
+  [[nodiscard]] void* alloc(std::int64_t size) {
+    void* cell = kHasQuickCells && size >= 1 && size <= kLargestCell ? quick_cell(class_of(size)) : nullptr;
+    return cell != nullptr ? cell : alloc_slowly(size);
+  }
 
   // Gives a cell back to the class of `size`, which must be the class it came from. Ignores null.
   void free(void* cell, std::int64_t size);
@@ -64,6 +84,12 @@ class Pool {
  private:
   static constexpr std::array<std::int32_t, 9> kCellSizes = {8, 16, 32, 64, 128, 256, 512, 1024, 4096};
   static constexpr std::int64_t kLargestCell = kCellSizes.back();
+  static constexpr std::int32_t kCellGuard = LEXON_CELL_GUARD;
+#ifdef LEXON_ADDRESS_SANITIZER
+  static constexpr bool kHasQuickCells = false;
+#else
+  static constexpr bool kHasQuickCells = true;
+#endif
 
   struct FreeCell {
     FreeCell* next;
@@ -81,7 +107,28 @@ class Pool {
   // Blocks that are kept: 1 MB, more than most sentences fill.
   static constexpr std::size_t kMostSpare = 16;
 
-  [[nodiscard]] static std::size_t class_of(std::int64_t size);
+  // The classes are the powers of two from 8 on, but for the last.
+  [[nodiscard]] static constexpr std::size_t class_of(std::int64_t size) {
+    constexpr std::uint64_t kSmallest = static_cast<std::uint64_t>(kCellSizes.front());
+    const auto steps = std::bit_width(((static_cast<std::uint64_t>(size) - 1) | (kSmallest - 1)) / kSmallest);
+    return std::min(static_cast<std::size_t>(steps), kCellSizes.size() - 1);
+  }
+
+  // A cell that came back, or the next of the block that is open for the class; null if it takes more than that.
+  [[nodiscard]] void* quick_cell(std::size_t index) {
+    if (fault_ != nullptr) return nullptr;
+    if (FreeCell* cell = free_[index]; cell != nullptr) {
+      free_[index] = cell->next;
+      return cell;
+    }
+    if (first_open_[index] >= blocks_.size()) return nullptr;
+    Block& block = blocks_[first_open_[index]];
+    const std::int32_t used = block.used + kCellSizes[index] + kCellGuard;
+    if (used > block_size_) return nullptr;
+    return block.start + std::exchange(block.used, used);
+  }
+  void* alloc_slowly(std::int64_t size);
+
   [[nodiscard]] char* new_block();
   static void block_free(char* start);
   void large_cells_free();

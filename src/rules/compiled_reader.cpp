@@ -17,21 +17,28 @@ Status whole(const ByteReader& in) {
   return in.ok() && !in.more() ? Status::ok : kDamaged;
 }
 
+// Most texts have a few letters, so that the look for a NUL and the copy are one loop.
 Status text_copy(Pool& pool, std::string_view all, char*& text) {
-  const bool is_empty_text = all.front() == '\0';
-  if (!is_empty_text && all.find('\0') != std::string_view::npos) return kDamaged;
-  text = perm_text(pool, is_empty_text ? std::string_view() : all);
-  return text == nullptr ? Status::memory : Status::ok;
+  const std::size_t size = all.front() == '\0' ? 0 : all.size();
+  auto* copy = static_cast<char*>(pool.alloc(static_cast<std::int64_t>(size) + 1));
+  if (copy == nullptr) return Status::memory;
+  for (std::size_t i = 0; i < size; ++i) {
+    if (all[i] == '\0') return kDamaged;
+    copy[i] = all[i];
+  }
+  copy[size] = '\0';
+  text = copy;
+  return Status::ok;
 }
 
 Status text_read(Pool& pool, ByteReader& in, char*& text) {
+  if (in.next_is_empty()) return Status::ok;
   const auto bytes = in.bytes();
-  if (!in.ok()) return kDamaged;
-  return bytes.empty() ? Status::ok : text_copy(pool, as_text(bytes), text);
+  return in.ok() ? text_copy(pool, as_text(bytes), text) : kDamaged;
 }
 
 // Items are most of a file: they are read in one pass over their block.
-Status items_read(Pool& pool, ByteReader& in, CondItem*& items) {
+Status some_items_read(Pool& pool, ByteReader& in, CondItem*& items) {
   constexpr std::size_t kHeadSize = 3;
   const std::string_view block = as_text(in.bytes());
   if (!in.ok()) return kDamaged;
@@ -51,8 +58,13 @@ Status items_read(Pool& pool, ByteReader& in, CondItem*& items) {
   return Status::ok;
 }
 
+// Most lists are empty.
+inline Status items_read(Pool& pool, ByteReader& in, CondItem*& items) {
+  return in.next_is_empty() ? Status::ok : some_items_read(pool, in, items);
+}
+
 // What the block may leave out at its end.
-Status more_items_read(Pool& pool, ByteReader& in, CondItem*& items) {
+inline Status more_items_read(Pool& pool, ByteReader& in, CondItem*& items) {
   return !in.more() ? Status::ok : items_read(pool, in, items);
 }
 Status more_text_read(Pool& pool, ByteReader& in, char*& text) {
@@ -66,7 +78,7 @@ Status group_read(Pool& pool, ByteReader& in, ContextGroup& group) {
   return more_items_read(pool, in, group.attr_conds);
 }
 
-Status groups_read(Pool& pool, ByteReader& in, ContextGroup*& groups) {
+Status some_groups_read(Pool& pool, ByteReader& in, ContextGroup*& groups) {
   ByteReader block(in.bytes());
   for (ContextGroup** link = &groups; block.more(); link = &(*link)->next) {
     *link = perm_new<ContextGroup>(pool);
@@ -74,6 +86,10 @@ Status groups_read(Pool& pool, ByteReader& in, ContextGroup*& groups) {
     if (const Status status = group_read(pool, block, **link); status != Status::ok) return status;
   }
   return block.ok() && in.ok() ? Status::ok : kDamaged;
+}
+
+inline Status groups_read(Pool& pool, ByteReader& in, ContextGroup*& groups) {
+  return in.next_is_empty() ? Status::ok : some_groups_read(pool, in, groups);
 }
 
 Status pattern_fields_read(Pool& pool, ByteReader& in, NodePattern& pattern) {
