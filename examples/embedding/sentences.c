@@ -10,8 +10,8 @@ int main(int count, char** words) {
     const lexon_message message = lexon_grammar_message(grammar, i);
     fprintf(stderr, "%s:%ld: %s\n", message.file, (long)message.line, message.text);
   }
-  lexon_generator* generator = lexon_grammar_is_usable(grammar) ? lexon_generator_new(grammar, NULL) : NULL;
-  lexon_result* result = lexon_generator_render(generator, words[3], strlen(words[3]));
+  lexon_generator* generator = lexon_grammar_is_usable(grammar) ? lexon_generator_new(grammar) : NULL;
+  lexon_result* result = lexon_generator_render(generator, words[3], strlen(words[3]), NULL);
   for (size_t i = 0; i < lexon_result_count(result); ++i) {
     const lexon_sentence sentence = lexon_result_sentence(result, i);
     printf("%s\t%s\t%s\n", sentence.label, sentence.status == LEXON_DONE ? "done" : "lost", sentence.text);

@@ -10,9 +10,9 @@ int main(int count, char** words) {
   if (!grammar) return 1;
 
   const std::string graphs{std::istreambuf_iterator<char>(std::cin), {}};
-  lexon::Generator generator(grammar, {.time_limit = 10});
+  lexon::Generator generator(grammar);
   bool all_done = true;
-  for (const lexon::Sentence& sentence : generator.render(graphs)) {
+  for (const lexon::Sentence& sentence : generator.render(graphs, {.time_limit = 10})) {
     for (const lexon::Message& message : sentence.messages) std::cerr << to_string(message) << '\n';
     std::cout << sentence.label << '\t' << to_string(sentence.status) << '\t' << sentence.text << '\n';
     all_done = all_done && sentence.status == lexon::Status::done;

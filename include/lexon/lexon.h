@@ -86,14 +86,15 @@ LEXON_C_API size_t lexon_grammar_rule_count(const lexon_grammar* grammar);
 LEXON_C_API size_t lexon_grammar_message_count(const lexon_grammar* grammar);
 LEXON_C_API lexon_message lexon_grammar_message(const lexon_grammar* grammar, size_t index);
 
-/* A generator of the grammar, for one thread. Null `settings`: zeros. It renders on a thread of its own with a large
- * stack, so the stack of the caller does not matter. Null for want of memory. */
-LEXON_C_API lexon_generator* lexon_generator_new(const lexon_grammar* grammar, const lexon_settings* settings);
+/* A generator of the grammar, for one thread. It renders on a thread of its own with a large
+ * stack, so the stack of the caller does not matter. Null for want of memory or of a thread. */
+LEXON_C_API lexon_generator* lexon_generator_new(const lexon_grammar* grammar);
 LEXON_C_API void lexon_generator_free(lexon_generator* generator);
 
-/* Renders every sentence of a graph text of `size` bytes, and waits for it. Null for want of memory; the generator
- * stays usable. */
-LEXON_C_API lexon_result* lexon_generator_render(lexon_generator* generator, const char* graphs, size_t size);
+/* Renders every sentence of a graph text of `size` bytes, and waits for it. Null `settings`: zeros. Null for want of
+ * memory; the generator stays usable. */
+LEXON_C_API lexon_result* lexon_generator_render(lexon_generator* generator, const char* graphs, size_t size,
+                                                 const lexon_settings* settings);
 LEXON_C_API void lexon_result_free(lexon_result* result);
 
 /* Ends a rendering that is under way, from any thread, while the generator lives; not from a signal handler. */

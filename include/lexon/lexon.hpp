@@ -21,8 +21,10 @@
 
 #if defined(__GNUC__)
 #define LEXON_API __attribute__((visibility("default")))
+#define LEXON_LOCAL __attribute__((visibility("hidden")))
 #else
 #define LEXON_API
+#define LEXON_LOCAL
 #endif
 
 namespace lexon {
@@ -82,7 +84,7 @@ class LEXON_API Grammar {
 
  private:
   friend class Generator;
-  struct Body;
+  struct LEXON_LOCAL Body;
   std::shared_ptr<const Body> body_;
 };
 
@@ -109,6 +111,7 @@ struct Sentence {
   double seconds = 0;             // on the clock of the wall
 };
 
+// How sentences are rendered.
 struct Settings {
   int trace_level = 0;    // 0 to 4; `Sentence::trace` grows with it
   bool post_edit = true;  // run the post-edit rules
@@ -122,12 +125,13 @@ struct Settings {
 // generators work side by side, one for each thread.
 //
 // It renders on a thread of its own, with a stack (256 MiB of addresses, of which memory is taken as it is used) for
-// the deepest search, so that results do not depend on the caller's stack; `render` waits for it. Where no thread is
-// to be had it renders on the caller's, and a sentence that would overrun the stack fails as one without memory does.
+// the deepest search, so that results do not depend on the caller's stack; `render` waits for it. A sentence that would
+// overrun even that stack fails, as one without memory does. After a fork the child must not use a generator of its
+// parent, nor destroy it: its thread is not there.
 class LEXON_API Generator {
  public:
-  // Throws std::bad_alloc.
-  explicit Generator(Grammar grammar, Settings settings = {});
+  // Throws std::bad_alloc, also where no thread is to be had.
+  explicit Generator(Grammar grammar);
   ~Generator();
   Generator(Generator&& other) noexcept;
   Generator& operator=(Generator&& other) noexcept;
@@ -136,7 +140,7 @@ class LEXON_API Generator {
   // is not usable the result is one failed sentence that says so. Every call begins afresh, and within one the
   // sentences follow each other as in a run of `lexon`. Throws std::bad_alloc, when memory for the results is
   // exhausted; the generator stays usable.
-  [[nodiscard]] std::vector<Sentence> render(std::string_view graphs);
+  [[nodiscard]] std::vector<Sentence> render(std::string_view graphs, const Settings& settings = {});
 
   // Ends a `render` that is under way: the sentence that is being rendered comes back as stopped, those behind it not
   // at all. Without one nothing happens. May be called from any thread, as long as the generator lives, but not from a
@@ -144,7 +148,7 @@ class LEXON_API Generator {
   void stop() noexcept;
 
  private:
-  struct Body;
+  struct LEXON_LOCAL Body;
   std::unique_ptr<Body> body_;
 };
 

@@ -82,25 +82,26 @@ lexon_message lexon_grammar_message(const lexon_grammar* grammar, size_t index) 
   return message_at(grammar != nullptr ? &grammar->grammar.messages() : nullptr, index);
 }
 
-lexon_generator* lexon_generator_new(const lexon_grammar* grammar, const lexon_settings* settings) {
+lexon_generator* lexon_generator_new(const lexon_grammar* grammar) {
   if (grammar == nullptr) return nullptr;
-  lexon::Settings with;
-  if (settings != nullptr) {
-    with.trace_level = settings->trace_level;
-    with.post_edit = settings->no_post_edit == 0;
-    with.time_limit = settings->time_limit;
-  }
-  return made([&] { return new lexon_generator{lexon::Generator(grammar->grammar, with)}; });
+  return made([&] { return new lexon_generator{lexon::Generator(grammar->grammar)}; });
 }
 
 void lexon_generator_free(lexon_generator* generator) {
   delete generator;
 }
 
-lexon_result* lexon_generator_render(lexon_generator* generator, const char* graphs, size_t size) {
+lexon_result* lexon_generator_render(lexon_generator* generator, const char* graphs, size_t size,
+                                     const lexon_settings* settings) {
   if (generator == nullptr) return nullptr;
+  lexon::Settings with;
+  if (settings != nullptr) {
+    with.trace_level = settings->trace_level;
+    with.post_edit = settings->no_post_edit == 0;
+    with.time_limit = settings->time_limit;
+  }
   const std::string_view text = graphs != nullptr ? std::string_view(graphs, size) : std::string_view();
-  return made([&] { return new lexon_result{generator->generator.render(text)}; });
+  return made([&] { return new lexon_result{generator->generator.render(text, with)}; });
 }
 
 void lexon_result_free(lexon_result* result) {

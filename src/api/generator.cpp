@@ -61,12 +61,12 @@ std::string label_in(std::string_view output) {
 // The thread renders from `busy` to not `busy`; between, everything but the marked fields is its own. `session` is the
 // thread's but for its stop request, which is set and cleared under the mutex.
 struct Generator::Body {
-  Body(Grammar&& of, Settings&& with);
+  explicit Body(Grammar&& of);
   ~Body();
   Body(const Body&) = delete;
   Body& operator=(const Body&) = delete;
 
-  std::vector<Sentence> render(std::string_view text);
+  std::vector<Sentence> render(std::string_view text, const Settings& settings);
   void stop();
 
  private:
@@ -83,11 +83,11 @@ struct Generator::Body {
   void request_stop();
 
   Grammar grammar_;
-  Settings settings_;
   const LoadedGrammar* loaded_ = nullptr;  // null: not usable
   std::unique_ptr<Session> session_ = std::make_unique<Session>();
   std::vector<Remark> remarks_;
-  std::string_view graphs_;
+  std::string_view graphs_;  // of the call, as its settings
+  const Settings* settings_ = nullptr;
   std::vector<Sentence> results_;
   bool no_memory_ = false;  // for the results
   ThreadHandle thread_{};
@@ -104,12 +104,11 @@ struct Generator::Body {
   Clock::time_point next_question_;
 };
 
-Generator::Body::Body(Grammar&& of, Settings&& with) : grammar_(std::move(of)), settings_(std::move(with)) {
+Generator::Body::Body(Grammar&& of) : grammar_(std::move(of)) {
   if (!grammar_.is_usable()) return;
   loaded_ = grammar_.body_.get();
   session_use(*session_, loaded_->rules);
   session_->remarks = &remarks_;
-  session_->state.trace_level = static_cast<std::int8_t>(std::clamp(settings_.trace_level, 0, 4));
   const auto body = [](void* self) { static_cast<Body*>(self)->serve(); };
   if (!thread_start(thread_, kStack, body, this)) throw std::bad_alloc();
 }
@@ -126,7 +125,7 @@ Generator::Body::~Body() {
 
 // ---- The caller's side
 
-std::vector<Sentence> Generator::Body::render(std::string_view text) {
+std::vector<Sentence> Generator::Body::render(std::string_view text, const Settings& settings) {
   if (loaded_ == nullptr) {
     Sentence none;
     none.messages.push_back({MessageKind::error, {}, 0, 0, "the grammar is not usable: its messages tell why"});
@@ -134,6 +133,8 @@ std::vector<Sentence> Generator::Body::render(std::string_view text) {
   }
   std::unique_lock lock(mutex_);
   graphs_ = text;
+  settings_ = &settings;
+  session_->state.trace_level = static_cast<std::int8_t>(std::clamp(settings.trace_level, 0, 4));
   stop_wanted_ = false;
   next_question_ = Clock::now() + kAskInterval;
   deadline_ = Clock::time_point::max();
@@ -150,9 +151,9 @@ std::vector<Sentence> Generator::Body::render(std::string_view text) {
 
 // Waits for the end, or until there is something to do. A deadline that moves on is met by looking again.
 void Generator::Body::watch_clock(std::unique_lock<std::mutex>& lock) {
-  const bool is_limited = settings_.time_limit > 0;
+  const bool is_limited = settings_->time_limit > 0;
   const auto is_over = [this] { return !busy_; };
-  if (!is_limited && !settings_.keep_going) return changed_.wait(lock, is_over);
+  if (!is_limited && !settings_->keep_going) return changed_.wait(lock, is_over);
   const Clock::time_point soon = Clock::now() + kAskInterval;
   changed_.wait_until(lock, is_limited ? std::min(deadline_, soon) : soon, is_over);
   if (is_limited && in_sentence_ && !is_over_time_ && Clock::now() >= deadline_) {
@@ -162,9 +163,9 @@ void Generator::Body::watch_clock(std::unique_lock<std::mutex>& lock) {
 }
 
 void Generator::Body::ask_caller(std::unique_lock<std::mutex>& lock) {
-  if (!busy_ || !settings_.keep_going || Clock::now() < next_question_) return;
+  if (!busy_ || !settings_->keep_going || Clock::now() < next_question_) return;
   lock.unlock();
-  const bool goes_on = settings_.keep_going();
+  const bool goes_on = settings_->keep_going();
   lock.lock();
   next_question_ = Clock::now() + kAskInterval;
   if (!goes_on) request_stop();
@@ -214,9 +215,9 @@ bool Generator::Body::begin_sentence() {
   in_sentence_ = !stop_wanted_;
   is_over_time_ = false;
   session_->stop_requested = false;
-  if (settings_.time_limit > 0) {
+  if (settings_->time_limit > 0) {
     deadline_ = Clock::now() + std::chrono::duration_cast<Clock::duration>(
-                                   std::chrono::duration<double>(std::min(settings_.time_limit, 1e9)));
+                                   std::chrono::duration<double>(std::min(settings_->time_limit, 1e9)));
   }
   return in_sentence_;
 }
@@ -246,7 +247,7 @@ core::Status Generator::Body::render_into(std::string_view& rest, Sentence& resu
   core::Status code = core::Status::memory;
   try {
     code = render_sentence(*session_, loaded_->words.files(), rest, text.data(), loaded_->cooccurrence.files(),
-                           settings_.post_edit);
+                           settings_->post_edit);
   } catch (const std::bad_alloc&) {
     session_->state.forced_node = nullptr;
   }
@@ -272,7 +273,9 @@ void Generator::Body::finish(Sentence& result, core::Status code, bool is_over_t
         {MessageKind::error, std::move(file), 0, 0,
          "damaged at offset " + std::to_string(damage.offset) + "; \"lexon-dict check\" tells more"});
   }
-  if (result.status == Status::failed && result.messages.empty()) add(0, reason_of(code));
+  // What a remark has said need not be said again.
+  const bool is_told = code == core::Status::rule_base || code == core::Status::no_effect;
+  if (result.status == Status::failed && (result.messages.empty() || !is_told)) add(0, reason_of(code));
 }
 
 // Renders the next sentence of `rest`. False when there is none, or the call is to stop.
@@ -299,15 +302,14 @@ bool Generator::Body::render_next(std::string_view& rest) {
   return !has_ended;
 }
 
-Generator::Generator(Grammar grammar, Settings settings)
-    : body_(std::make_unique<Body>(std::move(grammar), std::move(settings))) {}
+Generator::Generator(Grammar grammar) : body_(std::make_unique<Body>(std::move(grammar))) {}
 
 Generator::~Generator() = default;
 Generator::Generator(Generator&& other) noexcept = default;
 Generator& Generator::operator=(Generator&& other) noexcept = default;
 
-std::vector<Sentence> Generator::render(std::string_view graphs) {
-  return body_->render(graphs);
+std::vector<Sentence> Generator::render(std::string_view graphs, const Settings& settings) {
+  return body_->render(graphs, settings);
 }
 
 void Generator::stop() noexcept {
