@@ -1,11 +1,11 @@
-"""sentences.py DICTIONARY RULES: renders the graphs on standard input, on all processors."""
+"""sentences.py DICTIONARY RULES [COOCCURRENCE]: renders the graphs on standard input, on all processors."""
 import sys
 
 import lexon
 
 
 def main():
-    grammar = lexon.Grammar(sys.argv[1], sys.argv[2])
+    grammar = lexon.Grammar(*sys.argv[1:])
     lost = 0
     for sentence in grammar.render_all(lexon.split(sys.stdin.read()), time_limit=10):
         for message in sentence.messages:
