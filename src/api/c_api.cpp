@@ -2,8 +2,8 @@
 #include <exception>
 #include <new>
 
-#include "lexon/lexon.h"
-#include "lexon/lexon.hpp"
+#include <lexon/lexon.h>
+#include <lexon/lexon.hpp>
 
 struct lexon_grammar {
   lexon::Grammar grammar;

@@ -21,4 +21,4 @@ using Status = lexon::Status;
 
 }  // namespace lexon::core
 
-#include "lexon/lexon.hpp"
+#include <lexon/lexon.hpp>
