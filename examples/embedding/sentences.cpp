@@ -5,7 +5,7 @@
 
 int main(int count, char** words) {
   if (count != 3) return 2;
-  const lexon::Grammar grammar = lexon::Grammar::load({.dictionary = words[1], .rules = words[2], .cooccurrence = {}});
+  const lexon::Grammar grammar = lexon::Grammar::load({.dictionary = words[1], .rules = words[2]});
   for (const lexon::Message& message : grammar.messages()) std::cerr << to_string(message) << '\n';
   if (!grammar) return 1;
 

@@ -53,9 +53,9 @@ struct Message {
 
 // The files of a grammar. Paths as the system wants them.
 struct GrammarFiles {
-  std::string dictionary;    // binary dictionary, made by `lexon-dict build`; its index lies beside it
-  std::string rules;         // rule text, or compiled rules (".rul"); `Grammar::from_text` does not look at it
-  std::string cooccurrence;  // co-occurrence dictionary; empty: none
+  std::string dictionary{};    // binary dictionary, made by `lexon-dict build`; its index lies beside it
+  std::string rules{};         // rule text, or compiled rules (".rul"); `Grammar::from_text` does not look at it
+  std::string cooccurrence{};  // co-occurrence dictionary; empty: none
 };
 
 // A dictionary and rules, ready to render with: read-only, shared by its copies, by generators and by threads without
@@ -118,7 +118,7 @@ struct Settings {
   double time_limit = 0;  // seconds for each sentence; 0: none
   // Asked about every tenth of a second while sentences are rendered, on the thread that called `render`; false stops
   // as `Generator::stop` does. It may not throw. Empty: not asked.
-  std::function<bool()> keep_going;
+  std::function<bool()> keep_going{};
 };
 
 // Renders with one grammar, which it keeps alive. Not to be used by two threads at once, but for `stop`; any number of
