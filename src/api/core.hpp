@@ -6,12 +6,13 @@
 // All that the library uses of the core comes first: behind the public names its own would have two meanings.
 #include "data/platform.hpp"
 #include "data/session.hpp"
-#include "dict/index.hpp"
+#include "dict/dictionary.hpp"
 #include "graph/line_kind.hpp"
 #include "rules/compiled.hpp"
 #include "rules/grammar.hpp"
 #include "rules/parser.hpp"
 #include "run/files.hpp"
+#include "run/notes.hpp"
 #include "run/render.hpp"
 
 namespace lexon::core {

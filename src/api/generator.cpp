@@ -8,6 +8,7 @@
 #include <utility>
 
 #include "api/grammar_body.hpp"
+#include "api/messages.hpp"
 
 namespace lexon {
 inline namespace v1 {
@@ -76,8 +77,9 @@ struct Generator::Body {
   core::Status render_into(std::string_view& rest, Sentence& result);
   bool begin_sentence();
   bool end_sentence();
-  void finish(Sentence& result, core::Status code, bool is_over_time);
+  void finish(Sentence& result, core::Status code, bool is_over_time, const TextWatch& text_before);
   std::string text_of(const char* printed);
+  std::string file_behind(const std::FILE* stream) const;
   void watch_clock(std::unique_lock<std::mutex>& lock);
   void ask_caller(std::unique_lock<std::mutex>& lock);
   void request_stop();
@@ -85,8 +87,9 @@ struct Generator::Body {
   Grammar grammar_;
   const LoadedGrammar* loaded_ = nullptr;  // null: not usable
   std::unique_ptr<Session> session_ = std::make_unique<Session>();
-  std::vector<Remark> remarks_;
-  std::string_view graphs_;  // of the call, as its settings
+  std::vector<Remark> remarks_;  // of the sentence
+  InputNotes notes_;             // of the call
+  std::string_view graphs_;      // of the call, as its settings
   const Settings* settings_ = nullptr;
   std::vector<Sentence> results_;
   bool no_memory_ = false;  // for the results
@@ -200,7 +203,7 @@ void Generator::Body::serve() {
 void Generator::Body::render_all() {
   try {
     session_->state.forced_node = nullptr;
-    session_->line = 0;
+    notes_ = {};
     for (std::string_view rest = graphs_; render_next(rest);) continue;
   } catch (const std::bad_alloc&) {
     no_memory_ = true;
@@ -242,12 +245,21 @@ std::string Generator::Body::text_of(const char* printed) {
   return fits ? text.data() : printed;
 }
 
+// The path of one of the grammar's open files.
+std::string Generator::Body::file_behind(const std::FILE* stream) const {
+  for (const Dictionary* dictionary : {&loaded_->words, &loaded_->cooccurrence}) {
+    if (stream == dictionary->dictionary.get()) return dictionary->path;
+    if (stream == dictionary->index.get()) return dictionary->index_path;
+  }
+  return {};
+}
+
 core::Status Generator::Body::render_into(std::string_view& rest, Sentence& result) {
   std::array<char, kSentenceSize> text;
   core::Status code = core::Status::memory;
   try {
     code = render_sentence(*session_, loaded_->words.files(), rest, text.data(), loaded_->cooccurrence.files(),
-                           settings_->post_edit);
+                           settings_->post_edit, &notes_);
   } catch (const std::bad_alloc&) {
     session_->state.forced_node = nullptr;
   }
@@ -255,7 +267,7 @@ core::Status Generator::Body::render_into(std::string_view& rest, Sentence& resu
   return code;
 }
 
-void Generator::Body::finish(Sentence& result, core::Status code, bool is_over_time) {
+void Generator::Body::finish(Sentence& result, core::Status code, bool is_over_time, const TextWatch& text_before) {
   if (code == core::Status::ok) {
     result.status = Status::done;
   } else if (code == core::Status::stopped) {
@@ -263,19 +275,22 @@ void Generator::Body::finish(Sentence& result, core::Status code, bool is_over_t
   }
   result.code = lexon::code(code);
   result.label = label_in(result.trace);
-  const auto add = [&result](std::int64_t line, std::string text) {
-    result.messages.push_back({MessageKind::error, {}, line, 0, std::move(text)});
-  };
-  for (Remark& remark : remarks_) add(remark.line, std::move(remark.text));
+  text_notes_append(result.messages, {}, notes_.text, text_before);
+  for (Remark& remark : remarks_) {
+    result.messages.push_back({MessageKind::error, {}, remark.line, 0, std::move(remark.text)});
+  }
+  if (notes_.unclosed.number != 0) {
+    result.messages.push_back({MessageKind::error, {}, notes_.unclosed.number, 0, notes_.unclosed.why});
+  }
   if (const LookupDamage& damage = session_->damage; damage.blocks != 0) {
-    std::string file = loaded_->words.name_of(damage.stream) + loaded_->cooccurrence.name_of(damage.stream);
-    result.messages.push_back(
-        {MessageKind::error, std::move(file), 0, 0,
-         "damaged at offset " + std::to_string(damage.offset) + "; \"lexon-dict check\" tells more"});
+    error_append(result.messages, file_behind(damage.stream),
+                 "damaged at offset " + std::to_string(damage.offset) + "; \"lexon-dict check\" tells more");
   }
   // What a remark has said need not be said again.
   const bool is_told = code == core::Status::rule_base || code == core::Status::no_effect;
-  if (result.status == Status::failed && (result.messages.empty() || !is_told)) add(0, reason_of(code));
+  if (result.status == Status::failed && (result.messages.empty() || !is_told)) {
+    error_append(result.messages, {}, reason_of(code));
+  }
 }
 
 // Renders the next sentence of `rest`. False when there is none, or the call is to stop.
@@ -283,6 +298,7 @@ bool Generator::Body::render_next(std::string_view& rest) {
   if (!begin_sentence()) return false;
   remarks_.clear();
   session_->damage = {};
+  const TextWatch text_before = notes_.text;
   const std::int64_t steps_before = session_->state.steps;
   const Clock::time_point start = Clock::now();
   Sentence result;
@@ -295,7 +311,7 @@ bool Generator::Body::render_next(std::string_view& rest) {
   result.trace = session_->output.take();
   const bool has_ended = code == core::Status::end_of_input;
   if (has_ended && result.trace.empty()) return false;
-  finish(result, code, is_over_time);
+  finish(result, code, is_over_time, text_before);
   // A run writes no banner for what the end of its input leaves open.
   if (!has_ended) result.trace += banner_of(result.status);
   results_.push_back(std::move(result));

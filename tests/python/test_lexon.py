@@ -125,7 +125,7 @@ def test_faults_of_rules_have_their_lines(words, tmp_path, name):
 FILES = {
     "no dictionary": (0, None, "No such file"),
     "a dictionary that is a folder": (0, ".", "cannot be opened"),
-    "a text for a dictionary": (0, "text", "no dictionary"),
+    "a text for a dictionary": (0, "text", "not a dictionary"),
     "no rules": (1, None, "No such file"),
     "an index of rules": (1, "x.mtx", "rule text"),
     "damaged compiled rules": (1, "x.rul", "damaged"),
