@@ -1,8 +1,8 @@
 // The library from C++ and C: what Python does not reach. Results, messages and limits are tested through the module.
 #include <gtest/gtest.h>
 #include <lexon/lexon.h>
-#include <lexon/lexon.hpp>
 #include <pthread.h>
+#include <lexon/lexon.hpp>
 
 #include <atomic>
 #include <cstring>
@@ -11,15 +11,15 @@
 #include <utility>
 #include <vector>
 
-#include "support/built_dictionary.hpp"
+#include "support/capture.hpp"
+#include "support/program.hpp"
 
 namespace lexon::test {
 namespace {
 
 constexpr const char* kDog = "[S:1]\n[W]\ndog.@entry\n[/W]\n[/S]\n";
 // Ten words for each concept, none of which may end the sentence: the search comes to no end.
-constexpr const char* kEndless =
-    "[S:2]\nnxt(a.@entry,b)\nnxt(b,c)\nnxt(c,d)\nnxt(d,e)\nnxt(e,f)\nnxt(f,g)\nnxt(g,h)\nnxt(h,i)\n[/S]\n";
+constexpr const char* kEndless = "[S:2]\nnxt(a.@entry,b)\nnxt(b,c)\nnxt(c,d)\nnxt(d,e)\nnxt(e,f)\nnxt(f,g)\nnxt(g,h)\nnxt(h,i)\n[/S]\n";
 constexpr const char* kRules = ":{N:::}\"N::nxt:\"P9;\nR{:::}{^STAIL:::}P5;\nR{OK:::}{STAIL:::}P1;\n";
 constexpr const char* kLoudRules = ":{OK,^loud:+loud:::}{STAIL:::}P9;\n:{OK,loud:[DOG]:::}{^x:+x:::}P8;\nR{OK:::}{:::}P1;\n";
 
@@ -32,15 +32,12 @@ class Library : public ::testing::Test {
         entries += std::string("[") + name + std::to_string(word) + "]{} \"" + name + "\" (N);\n";
       }
     }
-    ASSERT_TRUE(build_text(folder_, entries).done);
+    const std::string text = file_of("api-entries.txt", entries);
+    ASSERT_EQ(run_program("lexon-dict", {"build", text, dictionary()}).exit_status, 0);
   }
 
-  [[nodiscard]] std::string dictionary() const { return folder_.path("words.dic"); }
-  [[nodiscard]] Grammar grammar(const char* rules = kRules) const {
-    return Grammar::from_text(rules, {.dictionary = dictionary()});
-  }
-
-  BuildFolder folder_;
+  [[nodiscard]] static std::string dictionary() { return ::testing::TempDir() + "api-words.dic"; }
+  [[nodiscard]] static Grammar grammar(const char* rules = kRules) { return Grammar::from_text(rules, {.dictionary = dictionary()}); }
 };
 
 std::string texts_of(const std::vector<Sentence>& sentences) {
