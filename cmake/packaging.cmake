@@ -1,5 +1,6 @@
-# What `make install` and `make package` put where. Three components, a Debian package each: the programs with manual
-# and examples (lexon), the dialogs (lexon-gui), and the core for other programs (liblexon-dev).
+# What `make install` and `make package` put where. Five components, a Debian package each: the programs with manual
+# and examples (lexon), the dialogs (lexon-gui), the library for other programs (liblexon0) and for who makes these
+# (liblexon-dev), and the Python module (python3-lexon), which is left to `pip install .` outside of its package.
 include(GNUInstallDirs)
 
 set(LEXON_SITE "${PROJECT_SOURCE_DIR}/build/docs" CACHE PATH "The manual as a site; installed if it has been built")
@@ -53,15 +54,31 @@ install(DIRECTORY ${PROJECT_SOURCE_DIR}/editors/vscode DESTINATION ${LEXON_DOC}/
   PATTERN "test" EXCLUDE PATTERN "node_modules" EXCLUDE)
 install(FILES ${PROJECT_SOURCE_DIR}/README.md DESTINATION ${LEXON_DOC} COMPONENT lexon)
 
-# ---- liblexon-dev
+# ---- liblexon0, liblexon-dev
+lexon_package_papers(liblexon${LEXON_SOVERSION} library)
 lexon_package_papers(liblexon-dev development)
-install(TARGETS lexon_core ARCHIVE COMPONENT development)
-install(DIRECTORY ${PROJECT_SOURCE_DIR}/src/ DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/lexon COMPONENT development
-  FILES_MATCHING PATTERN "*.hpp" PATTERN "front" EXCLUDE)
+install(TARGETS lexon_core lexon_shared EXPORT LexonTargets
+  ARCHIVE COMPONENT development
+  LIBRARY COMPONENT library NAMELINK_COMPONENT development)
+install(DIRECTORY ${PROJECT_SOURCE_DIR}/include/lexon DESTINATION ${CMAKE_INSTALL_INCLUDEDIR} COMPONENT development)
+set(LEXON_CMAKE ${CMAKE_INSTALL_LIBDIR}/cmake/Lexon)
+include(CMakePackageConfigHelpers)
+configure_package_config_file(${PROJECT_SOURCE_DIR}/cmake/LexonConfig.cmake.in
+  ${CMAKE_BINARY_DIR}/packaging/LexonConfig.cmake INSTALL_DESTINATION ${LEXON_CMAKE})
+# Before 1.0 a minor version may break what was there.
+write_basic_package_version_file(${CMAKE_BINARY_DIR}/packaging/LexonConfigVersion.cmake COMPATIBILITY SameMinorVersion)
+install(FILES ${CMAKE_BINARY_DIR}/packaging/LexonConfig.cmake ${CMAKE_BINARY_DIR}/packaging/LexonConfigVersion.cmake
+  DESTINATION ${LEXON_CMAKE} COMPONENT development)
+install(EXPORT LexonTargets NAMESPACE Lexon:: DESTINATION ${LEXON_CMAKE} COMPONENT development)
 file(RELATIVE_PATH LEXON_UP /${CMAKE_INSTALL_LIBDIR}/pkgconfig /)
 configure_file(${PROJECT_SOURCE_DIR}/cmake/lexon.pc.in ${CMAKE_BINARY_DIR}/packaging/lexon.pc @ONLY)
 install(FILES ${CMAKE_BINARY_DIR}/packaging/lexon.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig
   COMPONENT development)
+
+# ---- python3-lexon, where it is built
+if(TARGET lexon_python)
+  lexon_package_papers(python3-lexon python)
+endif()
 
 # ---- lexon-gui, where it is built
 if(TARGET lexon-gui)
@@ -80,7 +97,10 @@ set(CPACK_PACKAGING_INSTALL_PREFIX /usr)
 set(CPACK_STRIP_FILES ON)
 set(CPACK_DEB_COMPONENT_INSTALL ON)
 set(CPACK_COMPONENTS_GROUPING IGNORE)
-set(CPACK_COMPONENTS_ALL lexon development)
+set(CPACK_COMPONENTS_ALL lexon library development)
+if(TARGET lexon_python)
+  list(APPEND CPACK_COMPONENTS_ALL python)
+endif()
 if(TARGET lexon-gui)
   list(APPEND CPACK_COMPONENTS_ALL lexon-gui)
 endif()
@@ -98,8 +118,23 @@ dictionary tool, the manual, and example languages.")
 
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_NAME liblexon-dev)
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_SECTION libdevel)
-set(CPACK_COMPONENT_DEVELOPMENT_DESCRIPTION "Lexon writes sentences from graphs of meaning. This package has its core as a
-static library, and the headers, to render from within other programs.")
+set(CPACK_COMPONENT_DEVELOPMENT_DESCRIPTION "Lexon writes sentences from graphs of meaning. This package has the
+headers and the static library, to make programs that render themselves.")
+set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_DEPENDS "liblexon${LEXON_SOVERSION} (= ${PROJECT_VERSION})")
+
+set(CPACK_DEBIAN_LIBRARY_PACKAGE_NAME liblexon${LEXON_SOVERSION})
+set(CPACK_DEBIAN_LIBRARY_PACKAGE_SECTION libs)
+set(CPACK_DEBIAN_LIBRARY_PACKAGE_CONTROL_EXTRA ${CMAKE_BINARY_DIR}/packaging/triggers)
+file(WRITE ${CMAKE_BINARY_DIR}/packaging/triggers "activate-noawait ldconfig\n")
+set(CPACK_COMPONENT_LIBRARY_DESCRIPTION "Lexon writes sentences from graphs of meaning. This package has the library
+that programs use to render themselves.")
+
+set(CPACK_DEBIAN_PYTHON_PACKAGE_NAME python3-lexon)
+set(CPACK_DEBIAN_PYTHON_PACKAGE_SECTION python)
+set(CPACK_DEBIAN_PYTHON_PACKAGE_DEPENDS "python3 (>= ${Python_VERSION_MAJOR}.${Python_VERSION_MINOR}), \
+python3 (<< ${Python_VERSION_MAJOR}.${LEXON_NEXT_PYTHON})")
+set(CPACK_COMPONENT_PYTHON_DESCRIPTION "Lexon writes sentences from graphs of meaning. This package has it as a module
+for Python.")
 
 set(CPACK_DEBIAN_LEXON-GUI_PACKAGE_NAME lexon-gui)
 set(CPACK_DEBIAN_LEXON-GUI_PACKAGE_SECTION text)

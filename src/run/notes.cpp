@@ -55,22 +55,8 @@ std::string rules_room(const Pool& rules) {
 }
 
 void note_text(const std::string& path, const TextWatch& text, Host& host) {
-  const auto tell = [&host](std::string what) { host.note({std::move(what), true, true}); };
-  if (text.is_utf16) return tell(path + ":1: this text is UTF-16: save it as UTF-8");
-  if (text.has_mark) tell(place(path, 1) + ": a byte order mark hides how this line begins: save the text without it");
-  if (text.nul != 0) {
-    return tell(place(path, text.nul) +
-                ": a NUL character hides the rest of this line: save the text as UTF-8, if it is "
-                "one");
-  }
-  if (text.long_line != 0) {
-    tell(place(path, text.long_line) + ": this line has more than 1022 characters: its rest counts as another line");
-  }
-  if (text.utf8 == 0 || text.other == 0) return;
-  const std::string where = place(path, text.other);
-  host.note({where + ": characters that are not UTF-8, as those of line " + std::to_string(text.utf8) +
-                 " are: save the text in one encoding",
-             false, true});
+  for (const TextNote& note : text_notes(text))
+    host.note({place(path, note.line) + ": " + note.text, note.is_loss, true});
 }
 
 void note_rule(const std::string& path, const RuleNote& note, Host& host) {
@@ -113,6 +99,36 @@ void note_end(const RunSettings& settings, const RunContext& context, Host& host
 }
 
 }  // namespace
+
+std::vector<TextNote> text_notes(const TextWatch& text, const TextWatch& before) {
+  std::vector<TextNote> notes;
+  const auto is_new = [](std::int64_t line, std::int64_t line_before) { return line != 0 && line_before == 0; };
+  if (text.is_utf16) {
+    if (!before.is_utf16) notes.push_back({1, "this text is UTF-16: save it as UTF-8", true});
+    return notes;
+  }
+  if (text.has_mark && !before.has_mark) {
+    notes.push_back({1, "a byte order mark hides how this line begins: save the text without it", true});
+  }
+  if (text.nul != 0) {
+    if (before.nul == 0) {
+      notes.push_back(
+          {text.nul, "a NUL character hides the rest of this line: save the text as UTF-8, if it is one", true});
+    }
+    return notes;
+  }
+  if (is_new(text.long_line, before.long_line)) {
+    notes.push_back({text.long_line, "this line has more than 1022 characters: its rest counts as another line", true});
+  }
+  const bool is_mixed = text.utf8 != 0 && text.other != 0;
+  if (is_mixed && (before.utf8 == 0 || before.other == 0)) {
+    notes.push_back({text.other,
+                     "characters that are not UTF-8, as those of line " + std::to_string(text.utf8) +
+                         " are: save the text in one encoding",
+                     false});
+  }
+  return notes;
+}
 
 std::string counted(std::int64_t count, const char* one, const char* many) {
   return std::to_string(count) + ' ' + (count == 1 ? one : many);

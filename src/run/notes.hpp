@@ -3,6 +3,7 @@
 
 #include <cstdint>
 #include <string>
+#include <vector>
 
 #include "run/context.hpp"
 #include "run/host.hpp"
@@ -15,6 +16,16 @@ namespace lexon {
 void note_settings(const RunSettings& settings, Host& host);
 void note_rules(const RunSettings& settings, const RunContext& context, Host& host);
 void note_input(const RunSettings& settings, const RunContext& context, Host& host);
+
+// What a text shows while it is read: a line of it, what is wrong there and how to put it right.
+struct TextNote {
+  std::int64_t line;
+  std::string text;
+  bool is_loss;
+};
+
+// What `text` has shown and had not shown at `before`.
+[[nodiscard]] std::vector<TextNote> text_notes(const TextWatch& text, const TextWatch& before = {});
 
 // "1 rule", "2 rules".
 [[nodiscard]] std::string counted(std::int64_t count, const char* one, const char* many);

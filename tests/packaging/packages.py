@@ -11,35 +11,27 @@ import re
 import shutil
 import subprocess
 import sys
+import sysconfig
 import tempfile
 import unittest
 
 BUILD = pathlib.Path(sys.argv.pop(1)).resolve()
-# Who links the core and runs nothing but what needs no front end.
-USER = """
-#include <cstdio>
-#include "run/driver.hpp"
-#include "run/host.hpp"
-struct Quiet : lexon::Host {
-  void report_stop(const std::string& text) override { std::puts(text.c_str()); }
-  bool ask_yes_no(const std::string&) override { return false; }
-  void minimise() override {}
-  lexon::StepResult run_step(lexon::RunContext&, const char*, std::int32_t) override { return {}; }
-  void finish() override { std::puts("finished"); }
-};
-int main() {
-  Quiet host;
-  lexon::run_driver(lexon::RunSettings{}, host);
-}
-"""
+ROOT = pathlib.Path(__file__).resolve().parents[2]
+EMBEDDING = ROOT / "examples" / "embedding"
+# Debian's interpreter: the module of the build is for no other.
+PYTHON = "/usr/bin/python3"
 PROGRAMS = {"usr/bin/lexon", "usr/bin/lexon-dict"}
 MANUAL = {f"usr/share/man/man{page[-1]}/{page}.gz"
           for page in ("lexon.1", "lexon-dict.1", "lexon-rules.5", "lexon-graph.5", "lexon-dictionary.5")}
 PAPERS = {f"usr/share/doc/lexon/{name}"
           for name in ("copyright", "changelog.gz", "README.md", "manual/commands.md", "examples/english/rules.txt",
                        "editors/vscode/package.json")}
-LIBRARY = {"usr/lib/liblexon.a", "usr/lib/pkgconfig/lexon.pc", "usr/include/lexon/run/driver.hpp",
-           "usr/include/lexon/data/records.hpp"}
+LIBRARIES = f"usr/lib/{sysconfig.get_config_var('MULTIARCH')}"
+HEADERS = {"usr/include/lexon/lexon.h", "usr/include/lexon/lexon.hpp"}
+DEVELOPMENT = HEADERS | {f"{LIBRARIES}/{name}" for name in (
+    "liblexon.a", "liblexon.so", "pkgconfig/lexon.pc", "cmake/Lexon/LexonConfig.cmake",
+    "cmake/Lexon/LexonConfigVersion.cmake", "cmake/Lexon/LexonTargets.cmake")}
+SHARED = {f"{LIBRARIES}/liblexon.so.0"}
 
 
 def run(*words, **more):
@@ -86,28 +78,54 @@ class Packages(unittest.TestCase):
         run(usr / "bin/lexon", "entries.dic", "rules.txt", "input.txt", "out.txt", "-Ccr.dic", "-L0", "-N0", cwd=work)
         self.assertEqual(sentences(work / "out.txt"), (work / "expected.txt").read_text().splitlines())
 
-    def check_library(self, usr):
-        (self.scratch / "user.cpp").write_text(USER)
-        environment = dict(os.environ, PKG_CONFIG_PATH=str(usr / "lib/pkgconfig"))
+    def check_embedding(self, usr):
+        """The example programs find what is installed, by CMake and by pkg-config, and render what they shall."""
+        work, graphs = self.scratch / "work", "[S:1]\nagt(sleep(>rest).@entry.@past, dog(>animal).@def)\n[/S]\n"
+        shown = "[S:1]\tdone\tThe dog slept.\n"
+        built = self.scratch / "embedding"
+        run("cmake", "-S", EMBEDDING, "-B", built, f"-DCMAKE_PREFIX_PATH={usr}")
+        run("cmake", "--build", built)
+        libraries = usr.parent / LIBRARIES if usr.name == "usr" else usr / LIBRARIES.removeprefix("usr/")
+        environment = dict(os.environ, PKG_CONFIG_PATH=str(libraries / "pkgconfig"), LD_LIBRARY_PATH=str(libraries))
         flags = run("pkg-config", "--cflags", "--libs", "lexon", env=environment).split()
-        run("c++", "user.cpp", "-o", "user", *flags, cwd=self.scratch)
-        self.assertEqual(run(self.scratch / "user"), "Can't Open Output File : !\nfinished\n")
+        run("c++", "-std=c++20", EMBEDDING / "sentences.cpp", "-o", built / "by-pkg-config", *flags)
+        static = run("pkg-config", "--libs-only-other", "--static", "lexon", env=environment).split()
+        run("cc", f"-I{usr}/include", EMBEDDING / "sentences.c", libraries / "liblexon.a", "-o", built / "static", *static,
+            "-lstdc++", "-lm")
+        files = (work / "entries.dic", work / "rules.txt")
+        for name in ("sentences-cpp", "by-pkg-config"):
+            self.assertEqual(run(built / name, *files, input=graphs, env=environment), shown, name)
+        for name in ("sentences-c", "static"):
+            self.assertEqual(run(built / name, *files, graphs, env=environment), shown, name)
+
+    def check_python(self, folder):
+        command = [PYTHON, EMBEDDING / "sentences.py", self.scratch / "work/entries.dic", self.scratch / "work/rules.txt",
+                   self.scratch / "work/cr.dic"]
+        shown = run(*command, input=(self.scratch / "work/input.txt").read_text(), env=dict(os.environ, PYTHONPATH=folder))
+        self.assertEqual([line.split("\t")[2] for line in shown.splitlines()],
+                         (self.scratch / "work/expected.txt").read_text().splitlines())
 
     def test_installs_where_it_is_told(self):
         run("cmake", "--install", BUILD, "--prefix", "/opt/lexon", env=dict(os.environ, DESTDIR=str(self.scratch / "root")))
         root = self.scratch / "root/opt/lexon"
-        wanted = {name.removeprefix("usr/") for name in PROGRAMS | MANUAL | PAPERS | LIBRARY}
+        wanted = {name.removeprefix("usr/") for name in PROGRAMS | MANUAL | PAPERS | DEVELOPMENT | SHARED}
         self.assertLessEqual(wanted, files_in(root))
         self.assertEqual(files_in(self.scratch / "root"), {"opt/lexon/" + name for name in files_in(root)})
         self.assertIn(b".Sh EXIT STATUS", gzip.decompress((root / "share/man/man1/lexon.1.gz").read_bytes()))
+        self.assertEqual({name for name in files_in(root) if name.startswith("include/")},
+                         {name.removeprefix("usr/") for name in HEADERS})
         self.check_example(root)
+        self.check_embedding(root)
 
     def test_packages_hold_what_runs(self):
         packages, unpacked = self.make_packages()
-        self.assertLessEqual({"lexon", "liblexon-dev"}, set(packages))
+        self.assertLessEqual({"lexon", "liblexon0", "liblexon-dev"}, set(packages))
         self.assertLessEqual(PROGRAMS | MANUAL | PAPERS, packages["lexon"]["files"])
         self.assertFalse([name for name in packages["lexon"]["files"] if name.endswith((".dic", ".rul", ".a", ".hpp"))])
-        self.assertLessEqual(LIBRARY, packages["liblexon-dev"]["files"])
+        self.assertLessEqual(DEVELOPMENT, packages["liblexon-dev"]["files"])
+        self.assertLessEqual(SHARED, packages["liblexon0"]["files"])
+        self.assertEqual(packages["liblexon-dev"]["Depends"], f"liblexon0 (= {packages['liblexon0']['Version']})")
+        self.assertIn("libstdc++6", packages["liblexon0"]["Depends"])
         self.assertRegex(packages["lexon"]["Depends"], r"libc6 \(>= [\d.]+\).*libstdc\+\+6")
         for name, fields in packages.items():
             self.assertIn(f"usr/share/doc/{name}/copyright", fields["files"])
@@ -115,7 +133,10 @@ class Packages(unittest.TestCase):
             self.assertTrue(all(fields.get(key) for key in ("Maintainer", "Section", "Description", "Architecture")), name)
             self.assertEqual((fields["rights"], fields["owners"]), ({"drwxr-xr-x"}, {"root/root"}), name)
         self.check_example(unpacked / "usr")
-        self.check_library(unpacked / "usr")
+        self.check_embedding(unpacked / "usr")
+        if "python3-lexon" in packages:
+            self.assertIn("python3 (>= ", packages["python3-lexon"]["Depends"])
+            self.check_python(unpacked / "usr/lib/python3/dist-packages")
         if "lexon-gui" in packages:
             self.assertIn("usr/bin/lexon-gui", packages["lexon-gui"]["files"])
             self.assertIn("usr/share/man/man1/lexon-gui.1.gz", packages["lexon-gui"]["files"])

@@ -1,0 +1,153 @@
+// The library for Python, in its plainest form: bytes in, tuples of bytes out. `lexon/__init__.py` makes classes of it.
+#include <pybind11/pybind11.h>
+#include <pybind11/stl.h>
+#include <unistd.h>
+
+#include <atomic>
+#include <lexon/lexon.hpp>
+#include <memory>
+#include <mutex>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+namespace py = pybind11;
+
+namespace {
+
+std::string_view view_of(const py::bytes& bytes) {
+  return std::string_view(bytes);
+}
+
+// Set by one thread, looked at by those that render.
+class Stop {
+ public:
+  void set() { wanted_ = true; }
+  [[nodiscard]] bool is_set() const { return wanted_; }
+
+ private:
+  std::atomic<bool> wanted_{false};
+};
+
+using Generators = std::vector<std::unique_ptr<lexon::Generator>>;
+
+// A grammar with the generators that are idle. Any number of threads may render with it.
+class Renderer {
+ public:
+  explicit Renderer(lexon::Grammar grammar) : grammar_(std::move(grammar)) {}
+  ~Renderer() { forget_after_fork(); }
+  Renderer(const Renderer&) = delete;
+  Renderer& operator=(const Renderer&) = delete;
+
+  [[nodiscard]] const lexon::Grammar& grammar() const { return grammar_; }
+
+  // Without the lock of the interpreter.
+  std::vector<lexon::Sentence> render(std::string_view graphs, const lexon::Settings& settings) {
+    std::unique_ptr<lexon::Generator> generator = take();
+    std::vector<lexon::Sentence> sentences = generator->render(graphs, settings);
+    const std::lock_guard lock(mutex_);
+    idle_.push_back(std::move(generator));
+    return sentences;
+  }
+
+ private:
+  // The threads of generators stay in the parent: a child can but leave these generators alone.
+  void forget_after_fork() {
+    if (owner_ == getpid()) return;
+    owner_ = getpid();
+    for (std::unique_ptr<lexon::Generator>& generator : idle_) static_cast<void>(generator.release());
+    idle_.clear();
+  }
+
+  std::unique_ptr<lexon::Generator> take() {
+    const std::lock_guard lock(mutex_);
+    forget_after_fork();
+    if (idle_.empty()) return std::make_unique<lexon::Generator>(grammar_);
+    std::unique_ptr<lexon::Generator> generator = std::move(idle_.back());
+    idle_.pop_back();
+    return generator;
+  }
+
+  lexon::Grammar grammar_;
+  std::mutex mutex_;
+  Generators idle_;
+  pid_t owner_ = getpid();
+};
+
+py::tuple tuple_of(const lexon::Message& message) {
+  return py::make_tuple(static_cast<int>(message.kind), py::bytes(message.file), message.line, message.column,
+                        py::bytes(message.text));
+}
+
+py::list list_of(const std::vector<lexon::Message>& messages) {
+  py::list list;
+  for (const lexon::Message& message : messages) list.append(tuple_of(message));
+  return list;
+}
+
+py::tuple tuple_of(const lexon::Sentence& sentence) {
+  return py::make_tuple(py::bytes(sentence.text), to_string(sentence.status), sentence.code, py::bytes(sentence.label),
+                        list_of(sentence.messages), py::bytes(sentence.trace), sentence.steps, sentence.memory_bytes,
+                        sentence.seconds);
+}
+
+std::unique_ptr<Renderer> load(const std::string& dictionary, const std::string& rules,
+                               const std::string& cooccurrence) {
+  const py::gil_scoped_release unlocked;
+  return std::make_unique<Renderer>(
+      lexon::Grammar::load({.dictionary = dictionary, .rules = rules, .cooccurrence = cooccurrence}));
+}
+
+std::unique_ptr<Renderer> from_text(const py::bytes& rules, const std::string& dictionary,
+                                    const std::string& cooccurrence) {
+  const std::string_view text = view_of(rules);
+  const py::gil_scoped_release unlocked;
+  return std::make_unique<Renderer>(
+      lexon::Grammar::from_text(text, {.dictionary = dictionary, .rules = {}, .cooccurrence = cooccurrence}));
+}
+
+// False when a signal has raised an exception, or another thread wants an end.
+bool may_go_on(const Stop* stop) {
+  if (stop != nullptr && stop->is_set()) return false;
+  const py::gil_scoped_acquire locked;
+  return PyErr_CheckSignals() == 0;
+}
+
+py::list render(Renderer& renderer, const py::bytes& graphs, int level, bool post_edit, double time_limit,
+                const Stop* stop) {
+  lexon::Settings settings{level, post_edit, time_limit, [stop] { return may_go_on(stop); }};
+  const std::string_view text = view_of(graphs);
+  std::vector<lexon::Sentence> sentences;
+  {
+    const py::gil_scoped_release unlocked;
+    sentences = renderer.render(text, settings);
+  }
+  if (PyErr_Occurred() != nullptr) throw py::error_already_set();
+  py::list list;
+  for (const lexon::Sentence& sentence : sentences) list.append(tuple_of(sentence));
+  return list;
+}
+
+py::list split(const py::bytes& graphs) {
+  py::list list;
+  for (const std::string_view part : lexon::split(view_of(graphs))) list.append(py::bytes(part.data(), part.size()));
+  return list;
+}
+
+}  // namespace
+
+PYBIND11_MODULE(_core, module) {
+  module.doc() = "The library in its plainest form; see the package lexon.";
+  module.def("version", &lexon::version);
+  module.def("split", &split, py::arg("graphs"));
+  module.def("load", &load, py::arg("dictionary"), py::arg("rules"), py::arg("cooccurrence"));
+  module.def("from_text", &from_text, py::arg("rules"), py::arg("dictionary"), py::arg("cooccurrence"));
+  py::class_<Stop>(module, "Stop").def(py::init<>()).def("set", &Stop::set);
+  py::class_<Renderer>(module, "Renderer")
+      .def("is_usable", [](const Renderer& self) { return self.grammar().is_usable(); })
+      .def("rule_count", [](const Renderer& self) { return self.grammar().rule_count(); })
+      .def("messages", [](const Renderer& self) { return list_of(self.grammar().messages()); })
+      .def("render", &render, py::arg("graphs"), py::arg("level"), py::arg("post_edit"), py::arg("time_limit"),
+           py::arg("stop"));
+}

@@ -1,0 +1,138 @@
+// The C functions over the C++ ones. No exception passes: what finds no memory is null.
+#include <exception>
+#include <new>
+
+#include <lexon/lexon.h>
+#include <lexon/lexon.hpp>
+
+struct lexon_grammar {
+  lexon::Grammar grammar;
+};
+struct lexon_generator {
+  lexon::Generator generator;
+};
+struct lexon_result {
+  std::vector<lexon::Sentence> sentences;
+};
+
+namespace {
+
+// Null if `make` finds no memory.
+template <typename Make>
+auto made(Make make) -> decltype(make()) {
+  try {
+    return make();
+  } catch (const std::exception&) {
+    return nullptr;
+  }
+}
+
+lexon::GrammarFiles files_of(const char* dictionary, const char* rules, const char* cooccurrence) {
+  const auto text = [](const char* path) { return std::string(path != nullptr ? path : ""); };
+  return {text(dictionary), text(rules), text(cooccurrence)};
+}
+
+lexon_message shown(const lexon::Message& message) {
+  return {static_cast<lexon_message_kind>(message.kind), message.file.c_str(), message.line, message.column,
+          message.text.c_str()};
+}
+
+lexon_message message_at(const std::vector<lexon::Message>* messages, size_t index) {
+  return messages != nullptr && index < messages->size() ? shown((*messages)[index]) : lexon_message{};
+}
+
+const lexon::Sentence* sentence_at(const lexon_result* result, size_t index) {
+  return result != nullptr && index < result->sentences.size() ? &result->sentences[index] : nullptr;
+}
+
+}  // namespace
+
+const char* lexon_version(void) {
+  return lexon::version();
+}
+
+lexon_grammar* lexon_grammar_load(const char* dictionary, const char* rules, const char* cooccurrence) {
+  return made([&] { return new lexon_grammar{lexon::Grammar::load(files_of(dictionary, rules, cooccurrence))}; });
+}
+
+lexon_grammar* lexon_grammar_from_text(const char* dictionary, const char* rules, size_t size,
+                                       const char* cooccurrence) {
+  const std::string_view text = rules != nullptr ? std::string_view(rules, size) : std::string_view();
+  return made(
+      [&] { return new lexon_grammar{lexon::Grammar::from_text(text, files_of(dictionary, nullptr, cooccurrence))}; });
+}
+
+void lexon_grammar_free(lexon_grammar* grammar) {
+  delete grammar;
+}
+
+int lexon_grammar_is_usable(const lexon_grammar* grammar) {
+  return grammar != nullptr && grammar->grammar.is_usable() ? 1 : 0;
+}
+
+size_t lexon_grammar_rule_count(const lexon_grammar* grammar) {
+  return grammar != nullptr ? grammar->grammar.rule_count() : 0;
+}
+
+size_t lexon_grammar_message_count(const lexon_grammar* grammar) {
+  return grammar != nullptr ? grammar->grammar.messages().size() : 0;
+}
+
+lexon_message lexon_grammar_message(const lexon_grammar* grammar, size_t index) {
+  return message_at(grammar != nullptr ? &grammar->grammar.messages() : nullptr, index);
+}
+
+lexon_generator* lexon_generator_new(const lexon_grammar* grammar) {
+  if (grammar == nullptr) return nullptr;
+  return made([&] { return new lexon_generator{lexon::Generator(grammar->grammar)}; });
+}
+
+void lexon_generator_free(lexon_generator* generator) {
+  delete generator;
+}
+
+lexon_result* lexon_generator_render(lexon_generator* generator, const char* graphs, size_t size,
+                                     const lexon_settings* settings) {
+  if (generator == nullptr) return nullptr;
+  lexon::Settings with;
+  if (settings != nullptr) {
+    with.trace_level = settings->trace_level;
+    with.post_edit = settings->no_post_edit == 0;
+    with.time_limit = settings->time_limit;
+  }
+  const std::string_view text = graphs != nullptr ? std::string_view(graphs, size) : std::string_view();
+  return made([&] { return new lexon_result{generator->generator.render(text, with)}; });
+}
+
+void lexon_result_free(lexon_result* result) {
+  delete result;
+}
+
+void lexon_generator_stop(lexon_generator* generator) {
+  if (generator != nullptr) generator->generator.stop();
+}
+
+size_t lexon_result_count(const lexon_result* result) {
+  return result != nullptr ? result->sentences.size() : 0;
+}
+
+lexon_sentence lexon_result_sentence(const lexon_result* result, size_t index) {
+  const lexon::Sentence* sentence = sentence_at(result, index);
+  if (sentence == nullptr) return {};
+  return {static_cast<lexon_status>(sentence->status),
+          sentence->code,
+          sentence->text.c_str(),
+          sentence->text.size(),
+          sentence->label.c_str(),
+          sentence->trace.c_str(),
+          sentence->trace.size(),
+          sentence->messages.size(),
+          sentence->steps,
+          sentence->memory_bytes,
+          sentence->seconds};
+}
+
+lexon_message lexon_result_message(const lexon_result* result, size_t sentence, size_t index) {
+  const lexon::Sentence* from = sentence_at(result, sentence);
+  return message_at(from != nullptr ? &from->messages : nullptr, index);
+}

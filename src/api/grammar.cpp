@@ -1,0 +1,154 @@
+// Loading a grammar: the dictionaries are opened, the rules compiled in memory; what is wrong becomes messages.
+#include "api/grammar_body.hpp"
+
+#include <cerrno>
+#include <cstdlib>
+#include <cstring>
+#include <iterator>
+#include <memory>
+#include <new>
+#include <utility>
+
+#include "api/messages.hpp"
+
+namespace lexon {
+inline namespace v1 {
+
+namespace {
+
+// ---- rules
+
+// The rule step, in memory.
+struct RuleStep {
+  Session& session;
+  core::Grammar& grammar;
+  std::vector<Message>& messages;
+  const std::string& file;
+};
+
+// The rest of the step, behind parsing or reading the rules. What these print is for a run's output, which is not here.
+bool finish(RuleStep& step, core::Status status) {
+  if (status == core::Status::ok && step.grammar.rules == nullptr) {
+    error_append(step.messages, step.file, "there is no rule");
+    return false;
+  }
+  if (status == core::Status::ok) {
+    status = rule_matrix_build(step.session, step.grammar.index, step.grammar.rules);
+    if (status != core::Status::ok) error_append(step.messages, step.file, "no room for the rules");
+  }
+  return status == core::Status::ok;
+}
+
+bool parse(RuleStep& step, TextSource source) {
+  RuleNotes notes;
+  const core::Status status = parse_rule_file(step.session, step.grammar.pool, source, step.grammar.rules, &notes);
+  rule_notes_append(step.messages, step.file, notes);
+  if (source.has_failed()) error_append(step.messages, step.file, "the rules cannot be read to their end");
+  return finish(step, status);
+}
+
+bool load_compiled(RuleStep& step, std::FILE* stream) {
+  std::string fault;
+  const core::Status status = rule_list_read(step.session, step.grammar.pool, step.grammar.rules, stream, &fault);
+  if (status == core::Status::memory) error_append(step.messages, step.file, "no room for the rules");
+  if (!fault.empty()) fault_append(step.messages, step.file, fault);
+  return finish(step, status);
+}
+
+bool load_rules(RuleStep& step) {
+  const std::string extension = path_split(step.file).extension;
+  if (extension == ".mtx") {
+    error_append(step.messages, step.file,
+                 "this is the index of compiled rules: name the rule text or the \".rul\" file");
+    return false;
+  }
+  errno = 0;
+  const File stream(file_open(step.file, "rb"));
+  if (stream == nullptr) {
+    error_append(step.messages, step.file, std::string("the rules cannot be opened: ") + std::strerror(errno));
+    return false;
+  }
+  return extension == ".rul" ? load_compiled(step, stream.get()) : parse(step, stream.get());
+}
+
+// ---- all of it
+
+bool open_words(Dictionary& words, const std::string& path, std::vector<Message>& messages) {
+  const bool is_open = dictionary_open(path, PairCheck::quick, words);
+  if (!words.fault.empty()) fault_append(messages, path, words.fault);
+  if (!is_open || words.slots[kKeyCw] != nullptr) return is_open;
+  error_append(messages, path, "it has no index of concept words: make it with \"lexon-dict build\"");
+  return false;
+}
+
+// As in a run, the kind of index names that the dictionary opened last has is that of both.
+bool open_cooccurrence(LoadedGrammar& grammar, const std::string& path) {
+  Dictionary& pairs = grammar.cooccurrence;
+  const bool is_open = dictionary_open(path, PairCheck::quick, pairs);
+  if (!pairs.fault.empty()) fault_append(grammar.messages, path, pairs.fault);
+  if (is_open && pairs.name_size != grammar.words.name_size && grammar.words.name_size != 0) {
+    error_append(grammar.messages, path,
+                 "the name of its index is of another kind than that of the dictionary, so that looking words up there "
+                 "fails or finds nothing: build one of the two again under a name of the other's kind");
+    grammar.words.name_size = pairs.name_size;
+  }
+  return is_open;
+}
+
+template <typename LoadRules>
+void load_all(LoadedGrammar& grammar, const GrammarFiles& files, const std::string& rule_file,
+              LoadRules load_rules_of) {
+  bool is_usable = open_words(grammar.words, files.dictionary, grammar.messages);
+  if (!files.cooccurrence.empty()) is_usable = open_cooccurrence(grammar, files.cooccurrence) && is_usable;
+  const auto session = std::make_unique<Session>();
+  RuleStep step{*session, grammar.rules, grammar.messages, rule_file};
+  grammar.is_usable = load_rules_of(step) && is_usable;
+}
+
+}  // namespace
+
+Grammar::Grammar() noexcept = default;
+
+Grammar Grammar::load(const GrammarFiles& files) {
+  const auto body = std::make_shared<Body>();
+  load_all(*body, files, files.rules, load_rules);
+  Grammar grammar;
+  grammar.body_ = body;
+  return grammar;
+}
+
+Grammar Grammar::from_text(std::string_view rules, const GrammarFiles& files) {
+  const auto body = std::make_shared<Body>();
+  load_all(*body, files, {}, [&rules](RuleStep& step) { return parse(step, rules); });
+  Grammar grammar;
+  grammar.body_ = body;
+  return grammar;
+}
+
+bool Grammar::is_usable() const noexcept {
+  return body_ != nullptr && body_->is_usable;
+}
+
+namespace {
+
+constinit const std::vector<Message> kNoMessages;
+
+}  // namespace
+
+const std::vector<Message>& Grammar::messages() const noexcept {
+  return body_ == nullptr ? kNoMessages : body_->messages;
+}
+
+std::size_t Grammar::rule_count() const noexcept {
+  return body_ == nullptr ? 0 : static_cast<std::size_t>(body_->rules.index.matrix.rule_count);
+}
+
+std::size_t Grammar::memory_bytes() const noexcept {
+  if (body_ == nullptr) return 0;
+  const RuleMatrix& matrix = body_->rules.index.matrix;
+  const auto bytes_of = [](const MatrixSide& side) { return side.pool_size + 2 * std::size_t{side.matrix_size}; };
+  return static_cast<std::size_t>(body_->rules.pool.bytes_used()) + bytes_of(matrix.left) + bytes_of(matrix.right);
+}
+
+}  // namespace v1
+}  // namespace lexon

@@ -1,0 +1,42 @@
+#include "api/messages.hpp"
+
+#include <string_view>
+#include <utility>
+
+namespace lexon {
+inline namespace v1 {
+
+void error_append(std::vector<Message>& messages, const std::string& file, std::string text) {
+  messages.push_back({MessageKind::error, file, 0, 0, std::move(text)});
+}
+
+void fault_append(std::vector<Message>& messages, const std::string& file, const std::string& fault) {
+  const bool is_named = !file.empty() && fault.starts_with(file + ": ");
+  error_append(messages, file, is_named ? fault.substr(file.size() + 2) : fault);
+}
+
+void text_notes_append(std::vector<Message>& messages, const std::string& file, const TextWatch& text,
+                       const TextWatch& before) {
+  for (const TextNote& note : text_notes(text, before)) {
+    const MessageKind kind = note.is_loss ? MessageKind::error : MessageKind::warning;
+    messages.push_back({kind, file, note.line, 0, note.text});
+  }
+}
+
+void rule_notes_append(std::vector<Message>& messages, const std::string& file, const RuleNotes& notes) {
+  text_notes_append(messages, file, notes.text);
+  for (const RuleNote& note : notes.notes) {
+    const MessageKind kind = is_warning(note.fault) ? MessageKind::warning : MessageKind::error;
+    messages.push_back(
+        {kind, file, note.line, static_cast<std::int64_t>(note.column) + 1, rule_fault_text(note.fault)});
+  }
+  if (notes.last_line_fails) {
+    error_append(messages, file,
+                 "no rule is in force, as the last line is refused: mend it, or end the text with an empty line");
+  }
+  if (notes.memory_line != 0)
+    messages.push_back({MessageKind::error, file, notes.memory_line, 0, "no room for the rules"});
+}
+
+}  // namespace v1
+}  // namespace lexon

@@ -1,0 +1,26 @@
+// Notes of the core as messages.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "api/core.hpp"
+
+namespace lexon {
+inline namespace v1 {
+
+// An error about `file` as a whole.
+void error_append(std::vector<Message>& messages, const std::string& file, std::string text);
+
+// The same, of a text that begins with the file's name.
+void fault_append(std::vector<Message>& messages, const std::string& file, const std::string& fault);
+
+// What reading `file` has shown since `before`; empty `file`: a text in memory.
+void text_notes_append(std::vector<Message>& messages, const std::string& file, const TextWatch& text,
+                       const TextWatch& before = {});
+
+// What the rule parser has noted.
+void rule_notes_append(std::vector<Message>& messages, const std::string& file, const RuleNotes& notes);
+
+}  // namespace v1
+}  // namespace lexon

@@ -1,0 +1,40 @@
+// What the library says and does without a grammar.
+#include "api/core.hpp"
+
+namespace lexon {
+inline namespace v1 {
+
+const char* version() noexcept {
+  return LEXON_VERSION;
+}
+
+const char* to_string(Status status) noexcept {
+  switch (status) {
+    case Status::done: return "done";
+    case Status::over_time: return "over time";
+    case Status::stopped: return "stopped";
+    default: return "failed";
+  }
+}
+
+std::string to_string(const Message& message) {
+  std::string place = message.file;
+  const auto add = [&place](const std::string& part) { place += place.empty() ? part : ':' + part; };
+  if (message.line != 0) add(std::to_string(message.line));
+  if (message.column != 0) add(std::to_string(message.column));
+  return place.empty() ? message.text : place + ": " + message.text;
+}
+
+std::vector<std::string_view> split(std::string_view graphs) {
+  std::vector<std::string_view> parts;
+  std::string copy;
+  for (std::string_view rest = graphs; sentence_text_read(rest, copy);) {
+    const std::string_view part = graphs.substr(graphs.size() - rest.size() - copy.size(), copy.size());
+    const bool is_blank = part.find_first_not_of(" \t\r\n") == std::string_view::npos;
+    if (!is_blank || !rest.empty()) parts.push_back(part);
+  }
+  return parts;
+}
+
+}  // namespace v1
+}  // namespace lexon
