@@ -111,7 +111,7 @@ int cooccurrence_value(Session& session, Pair& pair, const char* relation, WordE
 
 struct Check {
   const Rule& rule;
-  const char side;
+  const Side side;
   WordEntry*& chosen;
   WordEntry* left;  // the words at hand; the one of `side` moves on
   WordEntry* right;
@@ -177,12 +177,12 @@ int score_pair(Session& session, Check& check) {
   return score;
 }
 
-// A retry asks one pair, a first check all of them. A tie keeps the first. False: a lookup failed, or the side is bad.
+// A retry asks one pair, a first check all of them. A tie keeps the first. False: a lookup failed.
 bool score_words(Session& session, Check& check) {
-  WordEntry*& word = check.side == 'l' ? check.left : check.right;
+  WordEntry*& word = of_side(check.side, check.left, check.right);
   while (check.left != nullptr && check.right != nullptr) {
     const int score = score_pair(session, check);
-    if (score < 0 || (check.side != 'l' && check.side != 'r')) return false;
+    if (score < 0) return false;
     if (score > check.best_score) {
       check.best_score = score;
       check.best = word;
@@ -229,16 +229,17 @@ WordEntry* sup_members(Session& session, const char* text) {
 }
 
 int cooccurrence_check(Session& session, WordEntry*& left, WordEntry*& right, const Rule& rule, WordEntry*& chosen,
-                       char side) {
+                       Side side) {
   if (!is_needed(session, rule)) return 1;
   Check check{rule, side, chosen, left, right};
   trace_start(session, check);
   if (!score_words(session, check)) return finish(session, check, kFailed);
-  WordEntry*& words = side == 'l' ? left : right;
-  const bool all_were_asked = (side == 'l' ? check.left : check.right) == nullptr;
+  WordEntry*& words = of_side(side, left, right);
+  const bool all_were_asked = of_side(side, check.left, check.right) == nullptr;
   if (all_were_asked && check.best != nullptr) move_to_front(words, *check.best);
-  check.left = side == 'l' && check.best != nullptr ? check.best : left;
-  check.right = side != 'l' && check.best != nullptr ? check.best : right;
+  check.left = left;
+  check.right = right;
+  if (check.best != nullptr) of_side(side, check.left, check.right) = check.best;
   set_texts(check);
   trace_selected(session, check);
   return finish(session, check, check.best_score);

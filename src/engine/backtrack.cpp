@@ -187,8 +187,8 @@ void give_up_rules(Session& session, Undo& undo, int number) {
     WordEntry* rest = nullptr;
     if (const Status status = choice_take_off(session, undo, side, node, rest); status != Status::ok)
       return leave(undo, status);
-    const int score = cooccurrence_check(session, undo.window.lnode->candidates, undo.window.rnode->candidates, rule,
-                                         rest, side_letter(side));
+    const int score =
+        cooccurrence_check(session, undo.window.lnode->candidates, undo.window.rnode->candidates, rule, rest, side);
     if (score != 0) return choice_apply(session, undo, *node.matches, rest);
     // wanted: what the left side has not used stays.
     if (side == Side::right) entry_list_free(session, rest);
@@ -378,8 +378,7 @@ enum class Held : std::uint8_t { none, has_words, used_up, failed };
     const Side staying_side = other(retry.side);
     Node* noted = undo.candidate == nullptr ? nullptr : noted_place(*undo.candidate, staying_side);
     Node* staying = noted != nullptr ? noted : retry.mid_start;
-    const bool has_place =
-        staying != nullptr && stands_in_list_of(session, node_of(undo.window, staying_side), staying);
+    const bool has_place = staying != nullptr && stands_in_list(session, node_of(undo.window, staying_side), staying);
     if (!has_place) return leave(undo, rule_base_failure(session, "lost the place of a rule with MID"));
     undo.window = staying_side == Side::left ? Window{staying, staying->right} : Window{staying->left, staying};
   }

@@ -198,7 +198,7 @@ Fit choose_by_neighbour(Session& session, Filter& filter, WordEntry*& word) {
   WordEntry*& other_word = other_node == nullptr ? none : other_node->candidates;
   const bool left = filter.side == Side::left;
   const int score = cooccurrence_check(session, left ? word : other_word, left ? other_word : word, filter.rule,
-                                       filter.chosen, side_letter(filter.side));
+                                       filter.chosen, filter.side);
   if (score >= 1) return Fit::yes;
   return score == 0 ? Fit::no : Fit::refused;
 }

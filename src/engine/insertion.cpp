@@ -9,6 +9,7 @@
 #include "data/words.hpp"
 #include "engine/filter.hpp"
 #include "engine/literal.hpp"
+#include "engine/undo.hpp"
 
 namespace lexon {
 
@@ -36,21 +37,13 @@ bool is_chosen(Session& session, const Relation& arc, const ArcChoice& choice, c
   return is_same_or_origin(choice.leads_away ? arc.from : arc.to, anchor);
 }
 
-bool stands_in_list(Session& session, const Node& node, Node* any) {
-  for (const Node& placed : chain<&Node::right>(list_first(any))) {
-    if (&placed == &node) return true;
-    if (must_leave(session) != Status::ok) return false;
-  }
-  return false;
-}
-
 // A node that no rule has touched comes in itself.
 Fit offer_node(Session& session, Match& match, Side side, Node& node) {
   const Fit fit = filter_candidates(session, side, match.rule, match.candidate, window_with(match.window, side, &node),
                                     match.chosen);
   Node* beside = node_of(match.window, other(side));
   // An arc from a node to itself puts it beside itself: the list shows it, and the next match is refused.
-  if (fit == Fit::no || beside == &node || !stands_in_list(session, node, beside)) return fit;
+  if (fit == Fit::no || beside == &node || !stands_in_list(session, beside, &node)) return fit;
   rule_base_failure(session, "a relation brings in a node that stands in the list already and is fresh");
   return Fit::failed;
 }

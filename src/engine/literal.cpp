@@ -52,7 +52,7 @@ bool place_still_fits(Session& session, const Match& match, Side side) {
 Fit find_words_elsewhere(Session& session, Match& match, Side side, Node& node) {
   if (!place_still_fits(session, match, side)) return Fit::no;
   const NodePattern& pattern = pattern_of(match.rule, side);
-  if (names_class(pattern)) node.candidates = word_class_entries(session, match.rule, side_letter(side));
+  if (names_class(pattern)) node.candidates = word_class_entries(session, match.rule, side);
   if (node.candidates != nullptr) return filter_class_words(session, match, side, node);
   node.candidates = entry_from_pattern(session, pattern);
   return node.candidates == nullptr ? Fit::no : Fit::yes;

@@ -137,13 +137,6 @@ void entry_trace(Session& session, const ScopeEntry& scope, const RuleCandidate&
 
 }  // namespace
 
-int scope_row_find(Session& session, int scope) {
-  for (std::int32_t row = 1; row < session.sentence.semlst_count && row < kMaxScopes; ++row) {
-    if (session.sentence.semlst[static_cast<std::size_t>(row)].number == scope) return row;
-  }
-  return 0;
-}
-
 std::optional<Side> scope_to_enter(Session& session, const Window& window, const Rule& rule) {
   for (const Side side : {Side::right, Side::left}) {
     if (enters_scope(session, side, window, rule)) return side;

@@ -177,7 +177,7 @@ struct Return {
   if (back.candidate.rule->mid == nullptr) return Status::ok;
   // wanted: the place is that of the inner search.
   const RuleCandidate* inner = back.inner_candidate;
-  const bool has_place = inner != nullptr && stands_in_list_of(session, back.inner.lnode, inner->lnode);
+  const bool has_place = inner != nullptr && stands_in_list(session, back.inner.lnode, inner->lnode);
   if (!has_place) return rule_base_failure(session, "lost the place of a rule with MID");
   back.outer = {inner->lnode, back.inner.lnode->right};
   return Status::ok;

@@ -3,6 +3,7 @@
 
 #include "engine/undo.hpp"
 
+#include <algorithm>
 #include <cstring>
 
 #include "data/chain.hpp"
@@ -23,7 +24,7 @@ Status record_pop(Session& session, Node* node) {
   return Status::ok;
 }
 
-bool stands_in_list_of(Session& session, Node* member, const Node* node) {
+bool stands_in_list(const Session& session, Node* member, const Node* node) {
   if (member == nullptr || node == nullptr) return false;
   for (const Node* at = member; at != nullptr && must_leave(session) == Status::ok; at = at->left) {
     if (at == node) return true;
@@ -38,7 +39,7 @@ bool stands_in_list_of(Session& session, Node* member, const Node* node) {
 Status to_noted_places(Session& session, Window& window, const RuleCandidate& candidate) {
   Node* member = window.lnode != nullptr ? window.lnode : window.rnode;
   const bool has_both =
-      stands_in_list_of(session, member, candidate.lnode) && stands_in_list_of(session, member, candidate.rnode);
+      stands_in_list(session, member, candidate.lnode) && stands_in_list(session, member, candidate.rnode);
   if (!has_both) return rule_base_failure(session, "lost the place of a rule with MID");
   window = {candidate.lnode, candidate.rnode};
   return Status::ok;
@@ -78,17 +79,14 @@ bool may_re_enter_scope(Session& session, const Node* node, const NodePattern& p
 }
 
 void scope_entries_hand_over(Session& session, const Node& node, Node* heir) {
-  for (std::int32_t row = 0; row < session.sentence.semlst_count; ++row) {
-    Node*& entry = session.sentence.semlst[static_cast<std::size_t>(row)].entry;
-    if (entry == &node) entry = heir;
+  for (ScopeRow& row : scope_rows(session.sentence)) {
+    if (row.entry == &node) row.entry = heir;
   }
 }
 
-bool is_scope_entry(Session& session, const Node& node) {
-  for (std::int32_t row = 0; row < session.sentence.semlst_count; ++row) {
-    if (session.sentence.semlst[static_cast<std::size_t>(row)].entry == &node) return true;
-  }
-  return false;
+bool is_scope_entry(const Session& session, const Node& node) {
+  const auto rows = scope_rows(session.sentence);
+  return std::any_of(rows.begin(), rows.end(), [&](const ScopeRow& row) { return row.entry == &node; });
 }
 
 // ---- Merges (DL, DR), exchanges (X), and the types without a step.
@@ -182,8 +180,8 @@ Status stepless_undo(Session& session, Window& window, const Rule& rule) {
   const Window before = nodes_before(session, *copy, rule.type);
   // Both nodes must be out of the list: linked into it a second time, they would close it to a circle.
   const bool can_come_back = before.lnode != nullptr && before.rnode != nullptr &&
-                             !stands_in_list_of(session, copy, before.lnode) &&
-                             !stands_in_list_of(session, copy, before.rnode);
+                             !stands_in_list(session, copy, before.lnode) &&
+                             !stands_in_list(session, copy, before.rnode);
   if (!can_come_back) return rule_base_failure(session, "undid a rule of a type that has no step");
   if (const Status status = replacing_copy_clear(session, *copy, rule.type); status != Status::ok) return status;
   node_insert_before(*copy, *before.lnode);

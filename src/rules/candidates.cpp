@@ -18,7 +18,7 @@ namespace lexon {
 namespace {
 
 // One side of the window, and the part of the index that belongs to it.
-struct Side {
+struct WindowSide {
   const MatrixSide& matrix;
   const SideSearch& search;
   SearchScratch::Side& scratch;
@@ -28,7 +28,7 @@ struct Side {
 };
 
 // Finds what the side's node leads to. False if an entry node is missing on the way, or the references run in a circle.
-bool see_through(const Session& session, Side& side) {
+bool see_through(const Session& session, WindowSide& side) {
   if (side.node == nullptr || !is_scope_reference(*side.node)) return true;
   if (scope_is_built(session, side.node->scope) != 0) return true;
   int scope = side.node->scope;
@@ -44,7 +44,7 @@ bool see_through(const Session& session, Side& side) {
 }
 
 // Is the word in force all there is to try? Else every word is tried and the results are joined.
-bool is_settled(const Side& side) {
+bool is_settled(const WindowSide& side) {
   return side.node->matches != nullptr && (side.entry == nullptr || side.entry->matches != nullptr);
 }
 
@@ -102,13 +102,13 @@ void present_cut_to(SearchScratch::Side& scratch, std::size_t count) {
 }
 
 // Strikes out the rules that forbid the attribute of a row.
-void forbidden_drop(const Side& side, std::int32_t row) {
+void forbidden_drop(const WindowSide& side, std::int32_t row) {
   const std::uint8_t* allowed = side.matrix.neg_matrix + static_cast<std::size_t>(row) * side.row_bytes;
   vector_combine(side.scratch.result.data(), allowed, side.row_bytes, [](auto a, auto b) { return a & b; });
 }
 
 // Strikes out the rules that forbid an attribute of the word, and notes its attributes as present.
-void word_take(const Side& side, const WordEntry& word) {
+void word_take(const WindowSide& side, const WordEntry& word) {
   if (word.attrs == nullptr) return;
   const NameIndex& names = side.search.names;
   for_each_name(names, word.attrs, [&](const NameHit& hit) {
@@ -119,7 +119,7 @@ void word_take(const Side& side, const WordEntry& word) {
 
 // Notes the attributes that the graph gives the node in the head block. They strike out nothing.
 // wanted: the last one counts only if the first ",name" of the text is the one at its end, as in `attr_find`.
-void scope_attrs_take(const Side& side, const Node& node) {
+void scope_attrs_take(const WindowSide& side, const Node& node) {
   const char* text = head_text(node);
   if (text == nullptr) return;
   for_each_name(side.search.names, text, [&](const NameHit& hit) {
@@ -129,7 +129,7 @@ void scope_attrs_take(const Side& side, const Node& node) {
   });
 }
 
-bool requirements_met(const Side& side, std::int32_t rule) {
+bool requirements_met(const WindowSide& side, std::int32_t rule) {
   const std::int32_t* rows = side.search.required_rows.items;
   const std::uint32_t* starts = side.search.required_rows.starts + rule;
   const std::uint8_t* is_present = side.scratch.is_present.data();
@@ -137,7 +137,7 @@ bool requirements_met(const Side& side, std::int32_t rule) {
 }
 
 // Strikes out the rules that require an attribute that is not present.
-void keep_satisfied(const Side& side) {
+void keep_satisfied(const WindowSide& side) {
   const SideSearch& search = side.search;
   std::uint8_t* missing = side.scratch.missing.data();
   std::memcpy(missing, search.demanding, side.row_bytes);
@@ -152,20 +152,20 @@ void keep_satisfied(const Side& side) {
 }
 
 // Joins the result to those of the words before.
-void union_join(const Side& side) {
+void union_join(const WindowSide& side) {
   SearchScratch::Side& scratch = side.scratch;
   if (!std::exchange(scratch.has_joined, true))
     std::fill(scratch.joined.begin(), scratch.joined.end(), std::uint8_t{0});
   vector_combine(scratch.joined.data(), scratch.result.data(), side.row_bytes, [](auto a, auto b) { return a | b; });
 }
 
-void let_all_through(const Side& side) {
+void let_all_through(const WindowSide& side) {
   std::memset(side.scratch.result.data(), 0xFF, side.row_bytes);
 }
 
 // Takes what holds for every word of the search. With an entry node that includes the word of the reference.
 // wanted: what that word strikes out counts for the first word of the entry node alone.
-void lasting_take(const Side& side) {
+void lasting_take(const WindowSide& side) {
   scope_attrs_take(side, *side.node);
   if (side.entry == nullptr) return;
   scope_attrs_take(side, *side.entry);
@@ -174,7 +174,7 @@ void lasting_take(const Side& side) {
 
 // Leaves the side's result in `result` if it is settled, else in `joined`. False if the search has to be
 // given up.
-bool side_search(const Session& session, const Side& side) {
+bool side_search(const Session& session, const WindowSide& side) {
   lasting_take(side);
   const std::size_t lasting = side.scratch.present.size();
   const WordEntry* word = side.entry == nullptr ? side.node->candidates : side.entry->candidates;
@@ -191,7 +191,7 @@ bool side_search(const Session& session, const Side& side) {
   return true;
 }
 
-bool side_run(const Session& session, const Side& side) {
+bool side_run(const Session& session, const WindowSide& side) {
   side.scratch.has_joined = false;
   let_all_through(side);
   if (side.node == nullptr || side.node->candidates == nullptr) return true;
@@ -201,14 +201,14 @@ bool side_run(const Session& session, const Side& side) {
 }
 
 // The side's bits in the end. Null stands for a vector of zeros: a fresh node without words lets no rule through.
-const std::uint8_t* side_bits(const Side& side) {
+const std::uint8_t* side_bits(const WindowSide& side) {
   if (side.node == nullptr || is_settled(side)) return side.scratch.result.data();
   return side.scratch.has_joined ? side.scratch.joined.data() : nullptr;
 }
 
 // The bits from byte `at` on of the rules that pass both sides. What an inserted pattern asks for is not held against
 // the window: it speaks of a word that is not there yet.
-std::uint64_t passing(const Side& left, const Side& right, std::size_t at) {
+std::uint64_t passing(const WindowSide& left, const WindowSide& right, std::size_t at) {
   const auto word = [&](const std::uint8_t* vector) {
     return vector == nullptr ? 0 : bits_at(vector, left.row_bytes, at);
   };
@@ -230,7 +230,7 @@ bool candidate_append(Session& session, RuleCandidate**& link, CandidateList*& l
   return true;
 }
 
-RuleCandidate* candidates_collect(Session& session, const Side& left, const Side& right) {
+RuleCandidate* candidates_collect(Session& session, const WindowSide& left, const WindowSide& right) {
   const RuleSearch& search = session.grammar->index.search;
   RuleCandidate* head = nullptr;
   RuleCandidate** link = &head;
@@ -251,8 +251,8 @@ RuleCandidate* rule_candidates(Session& session, Node* lnode, Node* rnode) {
   const RuleIndex& index = session.grammar->index;
   if ((lnode == nullptr && rnode == nullptr) || index.search.rules == nullptr) return nullptr;
   const auto row_bytes = static_cast<std::size_t>(index.matrix.row_bytes);
-  Side left{index.matrix.left, index.search.left, session.search.left, row_bytes, lnode};
-  Side right{index.matrix.right, index.search.right, session.search.right, row_bytes, rnode};
+  WindowSide left{index.matrix.left, index.search.left, session.search.left, row_bytes, lnode};
+  WindowSide right{index.matrix.right, index.search.right, session.search.right, row_bytes, rnode};
   if (!see_through(session, left) || !see_through(session, right)) return nullptr;
   return side_run(session, left) && side_run(session, right) ? candidates_collect(session, left, right) : nullptr;
 }

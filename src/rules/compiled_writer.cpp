@@ -1,6 +1,7 @@
 #include "data/bytes.hpp"
 #include "data/chain.hpp"
 #include "data/output.hpp"
+#include "data/platform.hpp"
 #include "data/session.hpp"
 #include "rules/compiled.hpp"
 #include "rules/compiled_format.hpp"

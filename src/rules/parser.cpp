@@ -86,8 +86,8 @@ RuleFault opener_fault(const LineReading& line, bool is_left) {
 }
 
 // `allowed`: does the type, and what has been read of the rule, allow the opener under the cursor?
-bool pattern_read(Session& session, Pool& pool, LineReading& line, char side, bool allowed, NodePattern*& pattern) {
-  const bool is_left = side == 'l';
+bool pattern_read(Session& session, Pool& pool, LineReading& line, Side side, bool allowed, NodePattern*& pattern) {
+  const bool is_left = side == Side::left;
   if (!allowed) {
     rule_error_print(session, line.parse, line.cursor, is_left ? " in LNODE\n" : " in RNODE\n");
     rule_fault_note(session, line.parse, line.cursor, opener_fault(line, is_left));
@@ -104,7 +104,7 @@ bool lnode_read(Session& session, Pool& pool, LineReading& line) {
   const std::uint8_t type = line.rule.type;
   const bool braces = *line.cursor == '{' && type != rule_type::shift_left;
   const bool quotes = *line.cursor == '"' && (is_insertion_type(type) || type == rule_type::shift_left);
-  return pattern_read(session, pool, line, 'l', braces || quotes, line.rule.lnode);
+  return pattern_read(session, pool, line, Side::left, braces || quotes, line.rule.lnode);
 }
 
 bool mid_read(Session& session, Pool& pool, LineReading& line) {
@@ -125,7 +125,7 @@ bool rnode_read(Session& session, Pool& pool, LineReading& line) {
   const bool may_stand = line.rule.mid == nullptr || line.rule.lnode->inserted != 0;
   const bool braces = *line.cursor == '{' && type != rule_type::shift_right && may_stand;
   const bool quotes = *line.cursor == '"' && (is_insertion_type(type) || type == rule_type::shift_right);
-  return pattern_read(session, pool, line, 'r', braces || quotes, line.rule.rnode);
+  return pattern_read(session, pool, line, Side::right, braces || quotes, line.rule.rnode);
 }
 
 bool lacks_relation(const Rule& rule) {
