@@ -16,10 +16,6 @@ struct Walk {
   GroupMark& mark;
 };
 
-bool is_usable(const Node* node) {
-  return node != nullptr && node->candidates != nullptr && (is_boundary(*node) || !is_fresh(*node));
-}
-
 bool group_fits(Side side, const ContextGroup& group, const WordEntry& word) {
   // wanted: to the left only attributes are tested
   const bool tests_surface = side == Side::right;
@@ -39,28 +35,26 @@ void note_hit(const Walk& walk, const ContextGroup& group, Node& node) {
   if (&group == mark.group || follows_starred_mark) mark.hit = &node;
 }
 
-// wanted: a walk to the right confirms the link to its first node from the node before it. A list can be lopsided.
-void confirm_link(Side side, Node*& before, Node& node) {
-  if (side == Side::right && before != nullptr) {
-    before->right = &node;
-    node.left = before;
-  }
-  before = nullptr;
-}
-
 // `before`: the node from which the walk came, or null.
 Node* match_groups(Session& session, const Walk& walk, GroupCursor groups, Node* node, Node* before) {
   Node* result = nullptr;
   Node* last = before;
   while (groups.group != nullptr) {
     const ContextGroup& group = *groups.group;
-    if (must_leave(session) != Status::ok || stack_nearly_used(session) || !is_usable(node)) return nullptr;
+    if (must_leave(session) != Status::ok || stack_nearly_used(session)) return nullptr;
+    const bool is_usable = node != nullptr && node->candidates != nullptr && (is_boundary(*node) || !is_fresh(*node));
+    if (!is_usable) return nullptr;
     if (!group_fits(walk.side, group, *node->candidates)) {
       if (group.star == 0) return nullptr;
       groups = groups.next();
       continue;
     }
-    confirm_link(walk.side, before, *node);
+    // wanted: a walk to the right confirms the link to its first node from the node before it. A list can be lopsided.
+    if (walk.side == Side::right && before != nullptr) {
+      before->right = node;
+      node->left = before;
+    }
+    before = nullptr;
     if (result == nullptr || walk.side == Side::left) result = node;
     if (group.star != 0) {
       Node* rest = match_groups(session, walk, groups.next(), node, last);

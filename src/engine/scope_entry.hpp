@@ -15,7 +15,7 @@ namespace lexon {
 struct Session;
 
 // The place of the window whose scope the rule enters, if any. The right place is asked first.
-[[nodiscard]] std::optional<Side> scope_to_enter(Session& session, const Window& window, const Rule& rule);
+[[nodiscard]] std::optional<Side> scope_to_enter(const Session& session, const Window& window, const Rule& rule);
 
 struct ScopeResult {
   Status status;

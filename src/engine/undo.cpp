@@ -10,6 +10,7 @@
 #include "data/nodes.hpp"
 #include "data/session.hpp"
 #include "data/words.hpp"
+#include "engine/application.hpp"
 #include "engine/apply.hpp"
 #include "engine/insertion.hpp"
 #include "engine/trace.hpp"
@@ -91,65 +92,33 @@ bool is_scope_entry(const Session& session, const Node& node) {
 
 // ---- Merges (DL, DR), exchanges (X), and the types without a step.
 
-namespace {
-
-// Pops the records of both places. A merge to the left side that changed the survivor's word has left the window one
-// place to the left of the merge node.
-void merge_records_pop(Session& session, Window& window, std::uint8_t type) {
+Status merge_undo(Session& session, Window& window, RuleCandidate*& candidate) {
+  const std::uint8_t type = candidate->rule->type;
+  trace_backtrack_pair(session, *candidate, window);
+  if (window.lnode == nullptr || window.rnode == nullptr)
+    return rule_base_failure(session, "undid a merge at an empty place");
+  // The records of both places go. A merge to the left side that changed the survivor's word has left the window one
+  // place to the left of the merge node.
   if (!is_fresh(*window.lnode)) match_record_pop(session, *window.lnode);
-  if (is_fresh(*window.rnode)) return;
-  const MatchRecord& record = *window.rnode->matches;
-  const bool is_merge_nodes = record.candidate != nullptr && record.state != kStateStep;
-  match_record_pop(session, *window.rnode);
-  if (type == rule_type::merge_right && is_merge_nodes) window = {window.rnode, window.rnode->right};
-}
-
-// Puts the two merged nodes back in the place of the merge node, and releases it. They are the window.
-[[nodiscard]] Window merge_node_dissolve(Session& session, Node*& merged, std::uint8_t type) {
+  if (!is_fresh(*window.rnode)) {
+    const MatchRecord& record = *window.rnode->matches;
+    const bool is_merge_nodes = record.candidate != nullptr && record.state != kStateStep;
+    match_record_pop(session, *window.rnode);
+    if (type == rule_type::merge_right && is_merge_nodes) window = {window.rnode, window.rnode->right};
+  }
+  Node* merged = type == rule_type::merge_right ? window.lnode : window.rnode;
+  if (merged->source == nullptr || merged->merged_with == nullptr) return Status::no_effect;
+  // The two merged nodes stand in the place of the merge node again, and are the window.
   Node* source = merged->source;
-  const Window restored =
-      type == rule_type::merge_left ? Window{merged->merged_with, source} : Window{source, merged->merged_with};
-  node_insert_before(*merged, *restored.lnode);
-  node_insert_before(*merged, *restored.rnode);
+  window = type == rule_type::merge_left ? Window{merged->merged_with, source} : Window{source, merged->merged_with};
+  node_insert_before(*merged, *window.lnode);
+  node_insert_before(*merged, *window.rnode);
   node_take_out(*merged);
   entry_drop_head(session, merged->candidates);
   merged->candidates = nullptr;  // the rest is the source's
   scope_entries_hand_over(session, *merged, source);
   if (session.state.forced_node == merged) session.state.forced_node = source;
   node_free(session, merged);
-  return restored;
-}
-
-// The two nodes by which a rule without a step is taken to have been replaced.
-[[nodiscard]] Window nodes_before(Session& session, const Node& copy, std::uint8_t type) {
-  Node* origin = copy.origin;
-  const bool is_first = type == rule_type::plus || type == rule_type::less;
-  if (origin == nullptr || copy.merged_with != nullptr || is_scope_entry(session, copy)) return {nullptr, nullptr};
-  return is_first ? Window{origin, origin->right} : Window{origin->left, origin};
-}
-
-// The copy's word and record. Its arcs stay: they hang on the origin's list as well.
-[[nodiscard]] Status replacing_copy_clear(Session& session, Node& copy, std::uint8_t type) {
-  const bool drops_always = type == rule_type::plus || type == rule_type::minus;
-  const bool is_changed = !is_fresh(copy) && copy.matches->state == kStateChanged;
-  if (drops_always || is_changed) entry_drop_head(session, copy.candidates);
-  if (const Status status = record_pop(session, &copy); status != Status::ok) return status;
-  copy.matches = nullptr;
-  if (!drops_always) copy.relations = nullptr;
-  return Status::ok;
-}
-
-}  // namespace
-
-Status merge_undo(Session& session, Window& window, RuleCandidate*& candidate) {
-  const std::uint8_t type = candidate->rule->type;
-  trace_backtrack_pair(session, *candidate, window);
-  if (window.lnode == nullptr || window.rnode == nullptr)
-    return rule_base_failure(session, "undid a merge at an empty place");
-  merge_records_pop(session, window, type);
-  Node* merged = type == rule_type::merge_right ? window.lnode : window.rnode;
-  if (merged->source == nullptr || merged->merged_with == nullptr) return Status::no_effect;
-  window = merge_node_dissolve(session, merged, type);
   candidate = candidate->next;
   return Status::ok;
 }
@@ -177,13 +146,24 @@ Status stepless_undo(Session& session, Window& window, const Rule& rule) {
     return rule_base_failure(session, "undid a rule at an empty place");
   if (const Status status = record_pop(session, window.lnode); status != Status::ok) return status;
   Node*& copy = window.rnode;
-  const Window before = nodes_before(session, *copy, rule.type);
+  // The copy is taken to have replaced its origin and the origin's neighbour.
+  Node* origin = copy->origin;
+  Window before{nullptr, nullptr};
+  if (origin != nullptr && copy->merged_with == nullptr && !is_scope_entry(session, *copy)) {
+    const bool origin_is_left = rule.type == rule_type::plus || rule.type == rule_type::less;
+    before = origin_is_left ? Window{origin, origin->right} : Window{origin->left, origin};
+  }
   // Both nodes must be out of the list: linked into it a second time, they would close it to a circle.
   const bool can_come_back = before.lnode != nullptr && before.rnode != nullptr &&
                              !stands_in_list(session, copy, before.lnode) &&
                              !stands_in_list(session, copy, before.rnode);
   if (!can_come_back) return rule_base_failure(session, "undid a rule of a type that has no step");
-  if (const Status status = replacing_copy_clear(session, *copy, rule.type); status != Status::ok) return status;
+  // The copy's word and record go. Its arcs stay: they are on the origin's list as well.
+  const bool drops_always = rule.type == rule_type::plus || rule.type == rule_type::minus;
+  if (drops_always || is_word_changed(copy)) entry_drop_head(session, copy->candidates);
+  if (const Status status = record_pop(session, copy); status != Status::ok) return status;
+  copy->matches = nullptr;
+  if (!drops_always) copy->relations = nullptr;
   node_insert_before(*copy, *before.lnode);
   node_insert_before(*copy, *before.rnode);
   node_unlink_free(session, copy);
@@ -196,33 +176,19 @@ Status stepless_undo(Session& session, Window& window, const Rule& rule) {
 
 namespace {
 
-// The node to take out, the one that stays, and the side of the first.
-struct Insertion {
-  Side side;
-  Node& inserted;
-  Node* staying;
-};
-
-[[nodiscard]] bool has_first_label(const NodePattern& pattern, const Relation& arc) {
-  return pattern.relations != nullptr && std::strcmp(pattern.relations->text, arc.label) == 0;
-}
-
-// Can the rule have brought the node in along `arc`? The label of LNODE leads to the left node, that of RNODE to the
-// right one.
-[[nodiscard]] bool is_arc_of(const Relation& arc, const Insertion& insertion, const Rule& rule) {
-  const Node& staying = *insertion.staying;
-  const bool leads_in = arc.to == &insertion.inserted && is_same_or_origin(arc.from, staying);
-  const bool leads_out = arc.from == &insertion.inserted && is_same_or_origin(arc.to, staying);
-  const NodePattern& own = pattern_of(rule, insertion.side);
-  const NodePattern& opposite = pattern_of(rule, other(insertion.side));
-  return (has_first_label(own, arc) && leads_in) || (has_first_label(opposite, arc) && leads_out);
-}
-
-[[nodiscard]] Relation* arc_find(const Insertion& insertion, const Rule& rule) {
-  const Node& staying = *insertion.staying;
+// The arc along which the rule can have brought in the node of `side`; null if there is none. The label of LNODE leads to the left
+// node, that of RNODE to the right one.
+[[nodiscard]] Relation* arc_find(const Rule& rule, Side side, const Window& window) {
+  const Node& inserted = *node_of(window, side);
+  const Node& staying = *node_of(window, other(side));
   const Node& owner = staying.origin != nullptr ? *staying.origin : staying;
+  const CondItem* own = pattern_of(rule, side).relations;
+  const CondItem* opposite = pattern_of(rule, other(side)).relations;
   for (Relation& arc : chain<&Relation::next>(owner.relations)) {
-    if (is_arc_of(arc, insertion, rule)) return &arc;
+    const bool is_own = own != nullptr && std::strcmp(own->text, arc.label) == 0;
+    const bool is_opposite = opposite != nullptr && std::strcmp(opposite->text, arc.label) == 0;
+    if (is_own && leads_to(arc, inserted, staying)) return &arc;
+    if (is_opposite && leads_from(arc, inserted, staying)) return &arc;
   }
   return nullptr;
 }
@@ -236,45 +202,6 @@ struct Insertion {
   return entry != nullptr && entry->candidates == nullptr ? node_words_reload(session, *entry) : Status::ok;
 }
 
-// No arc may lead to a copy that is gone.
-void arcs_give_back(Node& copy) {
-  if (copy.origin == nullptr) return;
-  for (Relation& arc : chain<&Relation::next>(copy.relations)) {
-    if (arc.to == &copy) arc.to = copy.origin;
-    if (arc.from == &copy) arc.from = copy.origin;
-  }
-  copy.origin = nullptr;
-}
-
-// Leaves the list. The neighbours are joined. A node of the graph is ready to be brought in again; a copy, a word from
-// the dictionary, and a node of which no arc says how it came in, are gone.
-void insertion_end(Session& session, Node& inserted, bool is_reset) {
-  if (!is_reset) return node_unlink_release(session, inserted);
-  node_take_out(inserted);
-  inserted.left = inserted.right = nullptr;
-}
-
-[[nodiscard]] Status insertion_undo(Session& session, Insertion& insertion, const Rule& rule, Window& window) {
-  Node& inserted = insertion.inserted;
-  Relation* arc = arc_find(insertion, rule);
-  const bool is_reset = arc != nullptr && inserted.origin == nullptr;
-  // A merge node's words are those of the node that it replaced, which undo of the merge wants back.
-  const bool takes_others_words = !is_reset && inserted.merged_with != nullptr;
-  if (takes_others_words) return rule_base_failure(session, "undid an insertion of another node");
-  if (arc != nullptr) arc->used = 0;
-  if (!is_reset) {
-    arcs_give_back(inserted);
-  } else if (const Status status = node_reset(session, inserted); status != Status::ok) {
-    return status;
-  }
-  if (rule.mid != nullptr) insertion.staying = neighbour(inserted, other(insertion.side));
-  Node* beyond = neighbour(inserted, insertion.side);
-  insertion_end(session, inserted, is_reset);
-  node_of(window, insertion.side) = beyond;
-  node_of(window, other(insertion.side)) = insertion.staying;
-  return Status::ok;
-}
-
 }  // namespace
 
 Status inserted_undo(Session& session, const Rule& rule, Window& window) {
@@ -282,8 +209,37 @@ Status inserted_undo(Session& session, const Rule& rule, Window& window) {
   if (!has_both) return rule_base_failure(session, "undid an insertion at an empty place");
   if (has_brace_patterns(rule)) return node_reset(session, *window.rnode);
   const Side side = rule.rnode->inserted != 0 ? Side::right : Side::left;
-  Insertion insertion{side, *node_of(window, side), node_of(window, other(side))};
-  return insertion_undo(session, insertion, rule, window);
+  Node& inserted = *node_of(window, side);
+  Node* staying = node_of(window, other(side));
+  Relation* arc = arc_find(rule, side, window);
+  const bool is_reset = arc != nullptr && inserted.origin == nullptr;
+  // A merge node's words are those of the node that it replaced, which undo of the merge wants back.
+  const bool takes_others_words = !is_reset && inserted.merged_with != nullptr;
+  if (takes_others_words) return rule_base_failure(session, "undid an insertion of another node");
+  if (arc != nullptr) arc->used = 0;
+  if (is_reset) {
+    if (const Status status = node_reset(session, inserted); status != Status::ok) return status;
+  } else if (inserted.origin != nullptr) {
+    // No arc may lead to a copy that is gone.
+    for (Relation& relation : chain<&Relation::next>(inserted.relations)) {
+      if (relation.to == &inserted) relation.to = inserted.origin;
+      if (relation.from == &inserted) relation.from = inserted.origin;
+    }
+    inserted.origin = nullptr;
+  }
+  if (rule.mid != nullptr) staying = neighbour(inserted, other(side));
+  Node* beyond = neighbour(inserted, side);
+  // A node of the graph is ready to be brought in again; a copy, a word from the dictionary, and a node of which no arc
+  // says how it came in, are gone.
+  if (is_reset) {
+    node_take_out(inserted);
+    inserted.left = inserted.right = nullptr;
+  } else {
+    node_unlink_release(session, inserted);
+  }
+  node_of(window, side) = beyond;
+  node_of(window, other(side)) = staying;
+  return Status::ok;
 }
 
 }  // namespace lexon
