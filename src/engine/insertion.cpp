@@ -22,6 +22,7 @@ bool is_lone_empty_star(const ContextGroup* group) {
 // Gives the node that the arc leads to a try: filters its words, in the place of `side`. `placed` is what would come in.
 Fit offer(Session& session, Match& match, Side side, Relation& arc, Node& node, Node*& placed) {
   Node* beside = node_of(match.window, other(side));
+  session.state.turned = nullptr;  // the node and its copy share their blocks with nodes of the list
   scope_attrs_to_front(node, arc.scope);
   if (is_fresh(node)) {
     // A node that no rule has touched comes in itself.
@@ -67,6 +68,7 @@ Fit find_by_arc(Session& session, Match& match, Side side, Node*& placed) {
     if (arc.scope != scope || arc.used != 0 || std::strcmp(arc.label, label) != 0) continue;
     if (!is_same_or_origin(own != nullptr ? arc.from : arc.to, *anchor)) continue;
     Node& node = own != nullptr ? *arc.to : *arc.from;
+    // wanted: a scope without an entry ends the search, whatever arcs are left.
     if (is_scope_reference(node) && scope_entry_node(session, node.scope) == nullptr) return Fit::no;
     match.arc = &arc;
     if (const Fit fit = offer(session, match, side, arc, node, placed); fit != Fit::no) return fit;
@@ -93,6 +95,7 @@ bool find_place(Session& session, Match& match, Side side) {
   Node*& beside = node_of(match.window, other(side));
   const ContextGroup* beyond = groups_beyond(match.rule, side);
   if (beside == nullptr) return false;
+  // The walk over MID has already found what lies beyond.
   if (beyond == nullptr || match.mid_mark.hit != nullptr) return true;
   Node* next = neighbour(*beside, side);
   while (next != nullptr && match_context(session, side, beyond, next) == nullptr) {
@@ -109,6 +112,7 @@ Fit bring_in(Session& session, Match& match, Side side) {
   const Fit fit = by_arc ? find_by_arc(session, match, side, placed) : make_literal(session, match, side, placed);
   // wanted: a co-occurrence lookup that failed (`refused`) counts as a fit
   if (fit != Fit::yes && fit != Fit::refused) return fit;
+  // It stands between the other place of the window and that one's neighbour.
   Node& beside = *node_of(match.window, other(side));
   side == Side::left ? node_insert_before(beside, *placed) : node_insert_after(beside, *placed);
   node_of(match.window, side) = placed;

@@ -45,6 +45,7 @@ enum class Turn {
 
 // The first element for which matching gives a result other than "does not fit" becomes the head. Its result.
 [[nodiscard]] Fit rule_choose(Session& session, Loop& loop) {
+  session.state.turned = nullptr;
   while (loop.candidates != nullptr) {
     RuleCandidate& element = *loop.candidates;
     if (!is_post_edit_type(element.rule->type)) {
@@ -52,6 +53,7 @@ enum class Turn {
       if (must_leave(session) != Status::ok) return Fit::failed;
       if (fit != Fit::no) return fit;
     }
+    // What has been passed over is not looked at again in this window.
     loop.candidates = element.next;
     candidate_passed_over(session, &element);
   }
@@ -87,6 +89,7 @@ enum class Turn {
   const CandidateHandover handover(session, loop.candidates);
   loop.status = apply_rule(session, loop.window, loop.candidates, &loop.home_scope);
   if (is_failure(loop.status)) return Turn::leave;
+  // A backtracking inside the rule ran out.
   if (loop.status == Status::nothing_left) return Turn::end;
   // A nested list is finished as soon as the window has passed its right boundary.
   const Window& window = loop.window;
@@ -104,6 +107,7 @@ enum class Turn {
   if (is_finished) return leave(loop, Status::ok);
   if (window.rnode == nullptr) {
     if (window.lnode == nullptr) return leave(loop, rule_base_failure(session, "emptied both places of the window"));
+    // The right place follows from the left one.
     window.rnode = window.lnode->right;
   }
   const Fit fit = rule_choose(session, loop);

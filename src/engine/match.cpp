@@ -73,13 +73,20 @@ bool is_refused(const Match& match) {
 
 // ---- Turn.
 
+// One walk does for all the rules that a window is offered, until one of them touches the list.
 Status turn_to_current_scope(Session& session, const Window& window) {
-  Node* first = list_first(window.lnode != nullptr ? window.lnode : window.rnode);
+  Node* member = window.lnode != nullptr ? window.lnode : window.rnode;
+  EngineState& state = session.state;
+  const int scope = current_scope(session).number;
+  if (member != nullptr && state.turned == member && state.turned_scope == scope) return Status::ok;
+  Node* first = list_first(member);
   if (first != nullptr && first->left == first) return rule_base_failure(session, "put a node beside itself");
   for (Node& node : chain<&Node::right>(first)) {
     if (const Status s = must_leave(session); s != Status::ok) return s;
-    scope_attrs_to_front(node, current_scope(session).number);
+    scope_attrs_to_front(node, scope);
   }
+  state.turned = member;
+  state.turned_scope = scope;
   return Status::ok;
 }
 
@@ -241,6 +248,7 @@ Fit match_steps(Session& session, Match& match, Window& window) {
 Fit match_rule(Session& session, RuleCandidate& candidate, Window& window) {
   Match match{candidate, *candidate.rule, window, window};
   const Fit fit = match_steps(session, match, window);
+  if (fit != Fit::no) session.state.turned = nullptr;
   if (must_leave(session) != Status::ok) return Fit::failed;
   if (fit == Fit::no) entry_list_free(session, match.chosen);
   return fit;

@@ -17,6 +17,7 @@ namespace lexon {
 
 namespace {
 
+// Rules of generation are passed over, and scope rules at a place that stands for no scope.
 [[nodiscard]] bool may_run(const Rule& rule, const Window& window) {
   const Node* place = nullptr;
   if (rule.type == rule_type::post_scope_left) place = window.lnode;
@@ -27,6 +28,7 @@ namespace {
 
 // The first rule of the list that fits becomes its head; null if none does. `result` is what the last match gave.
 void rule_choose(Session& session, RuleCandidate*& candidates, Window& window, Status& result) {
+  session.state.turned = nullptr;
   while (candidates != nullptr) {
     RuleCandidate& element = *candidates;
     if (may_run(*element.rule, window)) {
@@ -62,6 +64,7 @@ void rule_choose(Session& session, RuleCandidate*& candidates, Window& window, S
       type == rule_type::post_left || type == rule_type::post_right || type == rule_type::post_insertion;
   result =
       moves_window ? apply_rule(session, window, candidates, nullptr) : post_edit_rule(session, window, *candidates);
+  // A rule that fails ends the pass, and with it the sentence.
   return result == Status::ok;
 }
 
