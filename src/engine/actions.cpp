@@ -19,6 +19,9 @@ namespace {
 
 using AttrScratch = Scratch<kAttrLimit>;
 
+// A word that actions change is a copy in front of the old one: undo drops the head of the list. Whether there was a
+// change is noted in the state of the node's newest record, and nowhere else.
+//
 // One side's actions at work.
 struct Actions {
   const Rule& rule;
@@ -81,6 +84,7 @@ void attr_add(Actions& actions, const char* attr) {
     const bool enters_scope = actions.opposite.inserted == 0 && no_scope_rule_in_stack(actions.node.matches);
     if (actions.own.inserted != 0 || enters_scope) return;
   }
+  // An attribute that is there, or that has just been added, is not added twice.
   if (attr_find(actions.word.attrs, attr) != nullptr) return;
   if (!additions.empty() && attr_find(additions.c_str(), attr) != nullptr) return;
   if (!additions.empty()) additions.append(',');
@@ -105,11 +109,13 @@ void elements_append(AttrScratch& text, std::string_view attrs) {
   if (pattern_of(rule, side).actions == nullptr) return Status::ok;
   Node* node = node_of(window, side);
   if (const Status status = actions_have_a_place(session, node); status != Status::ok) return status;
+  // The actions work on a copy; the word as it was stays behind it.
   WordEntry* copy = nullptr;
   if (const Status status = entry_copy(session, *node->candidates, copy); status != Status::ok) return status;
   copy->next = node->candidates;
   node->candidates = copy;
   if (const Status status = node_actions_apply(session, side, rule, window); status != Status::ok) return status;
+  // Nothing has changed: the word as it was is in force again.
   if (node->matches->state == kStateStep) entry_drop_head(session, node->candidates);
   return Status::ok;
 }

@@ -48,6 +48,7 @@ namespace {
   if (window.rnode == nullptr) return ended(Status::ok);
   if (const Status status = result_settle(session, window, *candidate.rule); status != Status::ok) return ended(status);
   out_flush(session);
+  // A node that came in on the left is the left place from now on, and not the right node of the pair.
   if (candidate.rule->lnode->inserted != 0) {
     if (const Status status = left_step(session, window); status != Status::ok) return ended(status);
   }
@@ -75,6 +76,7 @@ namespace {
   if (is_fresh(*source)) return ended(rule_base_failure(session, "copied a node that no rule has matched"));
   Node* copy = nullptr;
   if (const Status status = node_copy(session, copy, *source, nullptr, 1); copy == nullptr) return ended(status);
+  // The copy is shown where it will stand.
   trace_result_node(session, Side::left, false, window.lnode);
   if (side == Side::left) trace_copied_node(session, copy);
   trace_result_node(session, Side::right, false, window.rnode);
@@ -138,6 +140,7 @@ namespace {
   if (window.lnode == nullptr || window.rnode == nullptr) return rule_base_failure(session, "exchanged an empty place");
   Node& from_left = *window.lnode;
   Node& from_right = *window.rnode;
+  // Boundaries keep their places.
   const bool is_at_an_end = from_left.left == nullptr || (is_boundary(from_right) && from_right.right == nullptr);
   if (is_at_an_end) return Status::ok;
   // A second pair of records, on top of the one that matching has pushed.
@@ -151,6 +154,7 @@ namespace {
     if (const Status status = node_actions_apply(session, side, rule, window); status != Status::ok) return status;
     node_of(window, side)->matches->state = kStateChanged;
   }
+  // The window stands in front of the pair: its right place is the node that came from the right.
   node_take_out(from_left);
   node_insert_after(from_right, from_left);
   window = {from_right.left, &from_right};
@@ -201,6 +205,7 @@ Status apply_rule(Session& session, Window& window, RuleCandidate*& candidate, s
   RuleCandidate* rest = candidate;
   const Outcome outcome = rule_carry_out(session, moved, rest, home_scope);
   if (!outcome.writes_back) return outcome.status;
+  // wanted: the right place follows from the left one, and stays as it was without one.
   window.lnode = moved.lnode;
   if (moved.lnode != nullptr) window.rnode = moved.lnode->right;
   if (!is_word_test_type(type)) trace_list(session, window, false);

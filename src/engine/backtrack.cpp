@@ -80,7 +80,7 @@ void give_up_rules(Session& session, Undo& undo, int number) {
     entry_drop_head(session, rnode.candidates);
     if (rnode.candidates == nullptr) {
       if (const Status status = node_words_reload(session, rnode); status != Status::ok) {
-        // wanted: this one failure is told by the engine's status alone.
+        // wanted: this one failure stands in the engine's status alone.
         session.state.engine_status = status;
         return Stage::leave;
       }

@@ -22,6 +22,7 @@ namespace {
 [[nodiscard]] bool is_target_reached(const Session& session, Side side, const Window& window) {
   const Node* node = node_of(window, side);
   if (!is_target(session, node)) return false;
+  // Fresh, or with the record of its own insertion alone.
   if (is_fresh(*node)) return true;
   const MatchRecord& record = *node->matches;
   return record.next == nullptr && record.candidate != nullptr &&
@@ -84,6 +85,7 @@ Outcome forced_backtrack(Session& session, Window& window, RuleCandidate*& candi
   const bool was_given_up = target_is_given_up(session, window, candidate);
   const bool is_still_aimed = target != nullptr && candidate != nullptr && has_brace_patterns(*candidate->rule);
   if (was_given_up || is_still_aimed) {
+    // wanted: one step more, whatever it says.
     const Status status = backtrack(session, window, candidate, home_scope);
     if (is_failure(status)) return ended(status);
     outcome = done(status);

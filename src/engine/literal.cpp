@@ -14,6 +14,7 @@ namespace lexon {
 
 namespace {
 
+// Only the first condition on a text names a word.
 const char* first_text(const CondItem* items) {
   return items == nullptr ? nullptr : items->text;
 }
@@ -64,6 +65,7 @@ Status dict_select(Session& session, const char* hw, const char* cw, WordEntry*&
   const char* key = hw != nullptr ? hw : cw;
   if (const Status s = words_by_key(session, session.sentence.dictionary, key_field, key, words); s != Status::ok)
     return s;
+  // The order in which words are tried.
   entry_list_sort(words);
   if (hw == nullptr || cw == nullptr) return Status::ok;
   // Words go from the head on until one has the concept word. What stands behind it stays, whatever it is.
@@ -83,6 +85,7 @@ Fit make_literal(Session& session, Match& match, Side side, Node*& node) {
   if (pattern.hw_conds == nullptr && pattern.cw_conds == nullptr) return Fit::no;
   node = temp_new<Node>(session);
   if (node == nullptr) return Fit::failed;
+  // A node without fitting words goes back at once.
   const Fit fit = find_words(session, match, side, *node);
   if (fit == Fit::no) node_free(session, node);
   return fit;

@@ -103,6 +103,7 @@ namespace {
 Status post_edit_rule(Session& session, Window& window, const RuleCandidate& candidate) {
   trace_rule_applied(session, candidate);
   trace_rule_end(session);
+  // On failure the caller's window stays as it was.
   Window changed = window;
   if (const Status status = rule_carry_out(session, changed, candidate); status != Status::ok) return status;
   window = changed;

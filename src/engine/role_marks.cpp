@@ -14,6 +14,7 @@ namespace lexon {
 
 namespace {
 
+// A mark changes the text of the attributes by its sign, its name and a comma.
 constexpr std::int32_t kMarkGrowth = 3;  // wanted: one more than the mark's sign and comma
 constexpr std::int32_t kMarkShrink = 1;
 
@@ -31,6 +32,7 @@ constexpr std::int32_t kMarkShrink = 1;
   if (attrs.empty() || !is_sign_of(rule, side, attrs.front())) return Status::ok;
   attrs.remove_prefix(1);
   const std::string_view id = text_or_empty(chosen.id);
+  // Another choice has put its mark in front: that one stays.
   if (!attrs.starts_with(id)) return Status::ok;
   attrs.remove_prefix(id.size());
   if (attrs.starts_with(',')) attrs.remove_prefix(1);
@@ -44,6 +46,7 @@ constexpr std::int32_t kMarkShrink = 1;
 }  // namespace
 
 Status role_mark_add(Session& session, const Rule& rule, Node* lnode, Node* rnode, const WordEntry& chosen) {
+  // Only a node that the rule brings in has been chosen.
   if (has_brace_patterns(rule)) return Status::ok;
   const Side side = rule.lnode->inserted != 0 ? Side::left : Side::right;
   Node* node = side == Side::left ? lnode : rnode;

@@ -36,6 +36,7 @@ struct ScopeEntry {
 void block_append(ScopeAttrs* block, std::string_view text) {
   if (block == nullptr) return;
   const std::size_t length = std::strlen(block->text);
+  // What does not fit is cut off without a word.
   const std::size_t taken = std::min(text.size(), kBlockLimit - std::min(length, kBlockLimit));
   std::memcpy(block->text + length, text.data(), taken);
   block->text[length + taken] = '\0';
@@ -50,6 +51,7 @@ void block_cut(ScopeAttrs* block) {
 void attrs_hand_in(const ScopeEntry& scope) {
   Node& entry = *scope.row.entry;
   scope_attrs_to_front(entry, scope.row.number);
+  // What an earlier entry has handed in goes first.
   ScopeAttrs* block = entry.scope_attrs;
   block_cut(block);
   const std::string_view attrs = text_or_empty(scope.ref.candidates->attrs);
@@ -86,6 +88,7 @@ void attrs_hand_in(const ScopeEntry& scope) {
   if (!have_words) return rule_base_failure(session, "finished a scope without a word");
   WordEntry& word = *ref->candidates;
   std::string_view own = text_or_empty(word.attrs);
+  // What rules have added before is in the scope by now.
   if (const std::size_t at = own.find(kOwnBehind); at != std::string_view::npos) {
     own.remove_prefix(at + kOwnBehind.size());
   }
@@ -104,6 +107,7 @@ std::optional<Side> scope_to_enter(const Session& session, const Window& window,
     const Node* node = node_of(window, side);
     const bool is_own_reference = node != nullptr && is_scope_reference(*node) && node->origin == nullptr;
     if (!is_own_reference) continue;
+    // A reference that the rule brings in is entered at once; one that stands there, by a rule with two brace patterns.
     if (pattern_of(rule, side).inserted != 0) return side;
     if (pattern_of(rule, other(side)).inserted == 0 && scope_is_built(session, node->scope) == 0) return side;
   }
@@ -150,6 +154,7 @@ ScopeResult scope_enter(Session& session, Side side, Window& window, const RuleC
 Status reference_attrs_join(Session& session, WordEntry& word, std::string_view own, const WordEntry& entry_word) {
   Scratch<kAttrLimit + 1> inner;
   inner.append(text_or_empty(entry_word.attrs));
+  // The reference is no entry because its scope has one.
   attr_erase(inner.c_str(), "@entry");
   Scratch<kAttrLimit + 1> text;
   text.append(own).append(',').append(inner.c_str());

@@ -68,6 +68,7 @@ struct Return {
 
 // Steps 9 and 10: the inner list is undone until there is something new to try, and generated on from there.
 [[nodiscard]] Status inner_search(Session& session, Return& back) {
+  // What is undone inside can release nodes that either window stands on.
   const PlaceWatch outer_watch(session, back.outer.lnode, back.outer.rnode);
   const PlaceWatch inner_watch(session, back.inner.lnode, back.inner.rnode);
   for (;;) {
@@ -160,6 +161,7 @@ struct Return {
     back.caller = back.outer;
     return Status::ok;
   }
+  // 12.8
   const Side opposite = other(back.side);
   Node* node = node_of(back.outer, opposite);
   if (node == nullptr) return rule_base_failure(session, "undid a scope beside an empty place");
@@ -210,6 +212,7 @@ Status back_into_scope(Session& session, Window& window, RuleCandidate*& candida
   home_scope = session.state.semlst_cur;
   const int row = scope_row_find(session, reference.scope);
   if (row == 0) return Status::ok;
+  // From here on the inner scope is the current one. The rule that brought it in must outlive the search inside.
   session.state.semlst_cur = row;
   const CandidatePin pin(candidate);
   Return back{window, *candidate, home_scope, *side, window, {nullptr, nullptr}, nullptr};

@@ -11,6 +11,7 @@ namespace lexon {
 
 namespace {
 
+// A missing text equals the empty one.
 bool same_text(const char* text, const char* wanted) {
   return std::strcmp(text_or_empty(text), wanted) == 0;
 }
@@ -35,6 +36,7 @@ std::int64_t addition_length(const CondItem& action, std::uint8_t type, const Wo
 }  // namespace
 
 bool test_surface_one(const Node* node, const WordEntry& word, const char* hw, const char* cw) {
+  // Words of a class stand for the name of their class.
   const bool any_surface_fits = node != nullptr && kind_bits(*node) == kKindClassWord;
   if (hw != nullptr && !any_surface_fits && !same_text(word.hw, hw)) return false;
   return cw == nullptr || same_text(word.cw, cw);
@@ -55,10 +57,12 @@ bool test_surface(const Node* node, const WordEntry* word, const CondItem* hw_co
 bool attr_room_ok(Session& session, Side side, const Rule& rule, const Window& window) {
   const WordEntry* word = word_in_force(node_of(window, side));
   const WordEntry* other_word = word_in_force(node_of(window, other(side)));
+  // Computed from the stored length, not measured, and the same for each word of the node.
   std::int64_t length = word == nullptr ? 0 : word->attr_len;
   for (const CondItem& action : chain<&CondItem::next>(pattern_of(rule, side).actions)) {
     if (action.op == kOpAdd) length += addition_length(action, rule.type, other_word);
   }
+  // The types without a step would give both patterns' additions to one node.
   const bool takes_both_actions = rule.type == rule_type::plus || rule.type == rule_type::minus;
   for (const CondItem& action : chain<&CondItem::next>(pattern_of(rule, other(side)).actions)) {
     if (takes_both_actions && action.op == kOpAdd) length += static_cast<std::int64_t>(std::strlen(action.text)) + 1;

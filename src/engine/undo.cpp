@@ -27,6 +27,7 @@ Status record_pop(Session& session, Node* node) {
 
 bool stands_in_list(const Session& session, Node* member, const Node* node) {
   if (member == nullptr || node == nullptr) return false;
+  // Both directions from the member: the links of a list can be lopsided.
   for (const Node* at = member; at != nullptr && must_leave(session) == Status::ok; at = at->left) {
     if (at == node) return true;
     if (at == at->left) return false;
@@ -74,6 +75,8 @@ bool hold_release(Session& session, Node& reference) {
 
 bool may_re_enter_scope(Session& session, const Node* node, const NodePattern& pattern, const Rule& rule) {
   if (node == nullptr || !is_scope_reference(*node)) return false;
+  // Either the rule brought the reference in, or it works on the entry of the current scope, which no scope rule has
+  // entered yet.
   const bool was_brought_in = is_fresh(*node) && pattern.inserted != 0;
   const bool is_entry = current_scope(session).entry == node;
   return was_brought_in || (has_brace_patterns(rule) && is_entry && no_scope_rule_in_stack(node->matches));
@@ -130,8 +133,10 @@ Status exchange_undo(Session& session, Window& window, const RuleCandidate& cand
     return rule_base_failure(session, "undid an exchange at an empty place");
   Node& first = *window.rnode;
   Node* second = first.right;
+  // The window stands one place to the left of the pair: its right place holds the node that came from the right.
   const bool can_exchange = second != nullptr && !is_fresh(*second);
   if (!can_exchange) return rule_base_failure(session, "undid an exchange whose nodes are not there");
+  // The marker of the step, and the newer records of the pair.
   for (Node* node : {window.lnode, &first, second}) {
     if (const Status status = record_pop(session, node); status != Status::ok) return status;
   }
@@ -208,6 +213,7 @@ Status inserted_undo(Session& session, const Rule& rule, Window& window) {
   const bool has_both = window.lnode != nullptr && window.rnode != nullptr;
   if (!has_both) return rule_base_failure(session, "undid an insertion at an empty place");
   if (has_brace_patterns(rule)) return node_reset(session, *window.rnode);
+  // wanted: with two quote patterns the right node goes.
   const Side side = rule.rnode->inserted != 0 ? Side::right : Side::left;
   Node& inserted = *node_of(window, side);
   Node* staying = node_of(window, other(side));
@@ -227,6 +233,7 @@ Status inserted_undo(Session& session, const Rule& rule, Window& window) {
     }
     inserted.origin = nullptr;
   }
+  // With MID the node that stays is the neighbour, and not the one that MID was counted from.
   if (rule.mid != nullptr) staying = neighbour(inserted, other(side));
   Node* beyond = neighbour(inserted, side);
   // A node of the graph is ready to be brought in again; a copy, a word from the dictionary, and a node of which no arc

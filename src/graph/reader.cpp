@@ -1,6 +1,6 @@
 // A sentence is read line by line. Each line is classified by its beginning; the lines of word blocks and the relation
 // lines go into the graph at once, the others turn the reader's few switches or are passed over. What is wrong with a
-// line is told in the output, and the reading goes on.
+// line stands in the output, and the reading goes on.
 #include "graph/reader.hpp"
 
 #include <algorithm>
@@ -155,14 +155,6 @@ Status skipped_block_read(Session& session, Reader& reader) {
   return Status::ok;
 }
 
-void syntax_error_report(Session& session, Reader& reader) {
-  if (!reader.syntax_reported) out_print(session, ";;Syntactic Error\n");
-  reader.syntax_reported = true;
-  out_print(session, "\t%s", reader.saved_line.data());
-  out_flush(session);
-  note_left_out(reader, "no relation: label(from, to)");
-}
-
 void line_report(Session& session, Reader& reader, const char* what) {
   out_print(session, ";;%s\n\t%s", what, reader.saved_line.data());
   out_flush(session);
@@ -224,7 +216,11 @@ void relation_tie(Session& session, Reader& reader, const RelationText& text, in
 void relation_read(Session& session, Reader& reader) {
   RelationText text;
   if (split_relation(reader.line.data(), text) <= 0) {
-    return syntax_error_report(session, reader);
+    if (!reader.syntax_reported) out_print(session, ";;Syntactic Error\n");
+    reader.syntax_reported = true;
+    out_print(session, "\t%s", reader.saved_line.data());
+    out_flush(session);
+    return note_left_out(reader, "no relation: label(from, to)");
   }
   if (const char* fault = fault_of(text); fault != nullptr) {
     return line_report(session, reader, fault);
@@ -252,12 +248,6 @@ void stray_line_note(Reader& reader) {
   if (is_relation && std::strpbrk(text.label, " \t[") == nullptr) note_left_out(reader, "outside of a sentence");
 }
 
-void sentence_start(Session& session, Reader& reader, const char* line) {
-  out_print(session, "%s", line);
-  out_flush(session);
-  graph_start(reader);
-}
-
 // Reads lines up to the end of the sentence: ok at its end mark, or what ended the reading before.
 Status lines_read(Session& session, Reader& reader) {
   while (true) {
@@ -274,20 +264,17 @@ Status lines_read(Session& session, Reader& reader) {
       case LineKind::sentence_end: return Status::ok;
       case LineKind::word_block: status = word_block_read(session, reader); break;
       case LineKind::skipped_block: status = skipped_block_read(session, reader); break;
-      case LineKind::sentence_start: sentence_start(session, reader, line); break;
+      case LineKind::sentence_start:
+        out_print(session, "%s", line);
+        out_flush(session);
+        graph_start(reader);
+        break;
       case LineKind::relation:
         if (!is_lost(session)) relation_read(session, reader);
         break;
     }
     if (status != Status::ok) return status;
   }
-}
-
-// The first word in sort order stands in for an entry that no relation has named.
-void root_choose(Session& session, Node*& root) {
-  if (node_build(session, 0, root) != Status::ok || holds_entry(*root)) return;
-  out_print(session, ";;No Entry\n");
-  out_flush(session);
 }
 
 }  // namespace
@@ -304,7 +291,11 @@ Status read_graph(Session& session, std::FILE* input, Node*& root, InputNotes* n
   const bool has_come_to_an_end = stop == Status::ok || stop == Status::end_of_input;
   if (!has_come_to_an_end || root != nullptr || session.sentence.refused) return stop;
   if (session.sentence.graph_word_count != 0) {
-    root_choose(session, root);
+    // The first word in sort order stands in for an entry that no relation has named.
+    if (node_build(session, 0, root) == Status::ok && !holds_entry(*root)) {
+      out_print(session, ";;No Entry\n");
+      out_flush(session);
+    }
   } else if (stop == Status::ok) {
     out_print(session, ";;SEM is Empty\n");
   }

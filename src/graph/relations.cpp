@@ -47,6 +47,7 @@ void relation_connect(Session& session, Node& from, Node& to, Relation& relation
   relation.from = &from;
   relation.to = &to;
   if (relation.scope != 0) scope_note(session, relation);
+  // wanted: without attributes at the start neither end gets a role.
   ScopeAttrs* out = scope_attrs_find(from, relation.scope);
   if (out == nullptr) return;
   role_add(*out, '>', relation.label);

@@ -22,6 +22,7 @@ Status text_read(Pool& pool, ByteReader& in, char*& text) {
   if (!in.ok()) return kDamaged;
   if (bytes.empty()) return Status::ok;
   const std::string_view all(reinterpret_cast<const char*>(bytes.data()), bytes.size());
+  // Length 1 and a NUL is the empty text; no other text holds a NUL.
   const bool is_empty_text = all.front() == '\0';
   if (!is_empty_text && all.find('\0') != std::string_view::npos) return kDamaged;
   text = perm_text(pool, is_empty_text ? std::string_view() : all);
@@ -88,15 +89,12 @@ Status pattern_read(Pool& pool, ByteReader& in, NodePattern*& pattern) {
   return pattern == nullptr ? Status::memory : pattern_fields_read(pool, block, *pattern);
 }
 
-void subtype_read(ByteReader& in, Rule& rule) {
-  if (!in.next_is(kSubtypeMark)) return;
-  in.u8();
-  rule.subtype = in.u8();
-}
-
 Status rule_read(Pool& pool, ByteReader& in, Rule& rule) {
   rule.type = in.u8();
-  subtype_read(in, rule);
+  if (in.next_is(kSubtypeMark)) {
+    in.u8();
+    rule.subtype = in.u8();
+  }
   if (const Status status = groups_read(pool, in, rule.pre); status != Status::ok) return status;
   if (const Status status = pattern_read(pool, in, rule.lnode); status != Status::ok) return status;
   if (const Status status = groups_read(pool, in, rule.mid); status != Status::ok) return status;
@@ -149,15 +147,6 @@ class RecordStream {
   std::size_t taken_ = 0;
 };
 
-Status next_rule_read(Pool& pool, RecordStream& file, Rule*& rule) {
-  ByteView record;
-  if (!file.next(record)) return kDamaged;
-  rule = perm_new<Rule>(pool);
-  if (rule == nullptr) return Status::memory;
-  ByteReader in(record);
-  return rule_read(pool, in, *rule);
-}
-
 void fault_tell(Session& session, int number, std::size_t place, std::string* fault) {
   const std::string text =
       "the compiled rule file is damaged at rule no. " + std::to_string(number) + ", offset " + std::to_string(place);
@@ -171,7 +160,14 @@ Status rules_read(Session& session, Pool& pool, RecordStream& file, Rule*& rules
     if (const Status leave = must_leave(session); leave != Status::ok) return leave;
     ++number;
     const std::size_t place = file.place();
-    const Status status = next_rule_read(pool, file, *link);
+    ByteView record;
+    Status status = kDamaged;
+    if (file.next(record)) {
+      *link = perm_new<Rule>(pool);
+      if (*link == nullptr) return Status::memory;
+      ByteReader in(record);
+      status = rule_read(pool, in, **link);
+    }
     if (status == kDamaged) fault_tell(session, number, place, fault);
     if (status != Status::ok) return status;
   }

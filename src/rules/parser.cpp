@@ -15,6 +15,8 @@
 namespace lexon {
 namespace {
 
+// Each step returns false when the rule is refused; it has printed why, and noted it for front ends.
+//
 // One rule in the making.
 struct LineReading {
   RuleParse& parse;
@@ -115,6 +117,7 @@ bool mid_read(Session& session, Pool& pool, LineReading& line) {
     rule_fault_note(session, line.parse, line.cursor, RuleFault::mid);
     return false;
   }
+  // MID is read from the node that stands there towards the one that is brought in.
   const auto order = line.rule.lnode->inserted == 0 ? GroupOrder::of_text : GroupOrder::reversed;
   return groups_read(session, pool, line, line.rule.mid, order, "MID");
 }
@@ -128,13 +131,10 @@ bool rnode_read(Session& session, Pool& pool, LineReading& line) {
   return pattern_read(session, pool, line, Side::right, braces || quotes, line.rule.rnode);
 }
 
-bool lacks_relation(const Rule& rule) {
-  const bool wants_relation = rule.type == rule_type::less || rule.type == rule_type::greater;
-  return wants_relation && rule.lnode->relations == nullptr && rule.rnode->relations == nullptr;
-}
-
 bool ends_sometime(Session& session, LineReading& line) {
-  if (lacks_relation(line.rule)) {
+  const Rule& rule = line.rule;
+  const bool wants_relation = rule.type == rule_type::less || rule.type == rule_type::greater;
+  if (wants_relation && rule.lnode->relations == nullptr && rule.rnode->relations == nullptr) {
     out_print(session,
               ";;%s;;WARNING(0,%d), no relation is found in LNODE and RNODE of above rule of type '>' or '<'\n",
               line.parse.start, line.parse.line);
