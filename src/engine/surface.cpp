@@ -26,13 +26,6 @@ const WordEntry* word_in_force(const Node* node) {
   return node == nullptr ? nullptr : node->candidates;
 }
 
-// The length of one addition with its comma. The text "@" stands for all attributes of the other node.
-std::int64_t addition_length(const CondItem& action, std::uint8_t type, const WordEntry* other_word) {
-  const bool takes_all = is_stepless_type(type) && std::strcmp(action.text, "@") == 0;
-  if (takes_all && other_word != nullptr && other_word->attrs != nullptr) return std::int64_t{other_word->attr_len} + 1;
-  return static_cast<std::int64_t>(std::strlen(action.text)) + 1;
-}
-
 }  // namespace
 
 bool test_surface_one(const Node* node, const WordEntry& word, const char* hw, const char* cw) {
@@ -60,7 +53,13 @@ bool attr_room_ok(Session& session, Side side, const Rule& rule, const Window& w
   // Computed from the stored length, not measured, and the same for each word of the node.
   std::int64_t length = word == nullptr ? 0 : word->attr_len;
   for (const CondItem& action : chain<&CondItem::next>(pattern_of(rule, side).actions)) {
-    if (action.op == kOpAdd) length += addition_length(action, rule.type, other_word);
+    if (action.op != kOpAdd) continue;
+    // The text "@" stands for all attributes of the other node. A comma stands behind each addition.
+    const bool takes_all = is_stepless_type(rule.type) && std::strcmp(action.text, "@") == 0;
+    const bool has_attrs = other_word != nullptr && other_word->attrs != nullptr;
+    length += takes_all && has_attrs ? std::int64_t{other_word->attr_len}
+                                     : static_cast<std::int64_t>(std::strlen(action.text));
+    ++length;
   }
   // The types without a step would give both patterns' additions to one node.
   const bool takes_both_actions = rule.type == rule_type::plus || rule.type == rule_type::minus;
