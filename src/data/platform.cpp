@@ -252,7 +252,7 @@ bool DraftFile::open_beside(const std::string& target) {
 }
 
 bool DraftFile::is_whole() {
-  return std::fflush(stream_) == 0 && std::ferror(stream_) == 0;
+  return is_written(stream_);
 }
 
 bool DraftFile::sync() {
@@ -320,6 +320,10 @@ std::FILE* regular_file_open(const std::string& path, const char* mode) {
   close(descriptor);
   errno = error;
   return nullptr;
+}
+
+bool is_written(std::FILE* stream) {
+  return std::fflush(stream) == 0 && std::ferror(stream) == 0;
 }
 
 std::int64_t file_size(std::FILE* stream) {

@@ -98,6 +98,9 @@ void folder_sync(const std::string& path);
 // `errno`, and for what is no regular file (a FIFO, a socket, a device, a folder), which is not touched: EINVAL.
 [[nodiscard]] std::FILE* regular_file_open(const std::string& path, const char* mode);
 
+// Has all that was written to the stream reached its file?
+[[nodiscard]] bool is_written(std::FILE* stream);
+
 // The size of an open file in bytes; 0 if it cannot be told.
 [[nodiscard]] std::int64_t file_size(std::FILE* stream);
 

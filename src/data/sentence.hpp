@@ -1,9 +1,11 @@
 // The tables of one sentence; all are cleared by `sentence_clear` (data/session.hpp).
 #pragma once
 
+#include <algorithm>
 #include <array>
 #include <cstdint>
 #include <cstdio>
+#include <span>
 
 #include "data/records.hpp"
 
@@ -58,5 +60,14 @@ struct Sentence {
   DictionaryFiles cr_dictionary;  // files null when the run has none
   bool refused;                   // a limit was exceeded while reading; a message has said which
 };
+
+// The rows of the scope table that are in use, from row `first` on; 1 leaves out the sentence itself.
+[[nodiscard]] inline std::span<ScopeRow> scope_rows(Sentence& sentence, std::size_t first = 0) {
+  const std::size_t used = std::min(static_cast<std::size_t>(sentence.semlst_count), sentence.semlst.size());
+  return {sentence.semlst.data() + first, std::max(used, first) - first};
+}
+[[nodiscard]] inline std::span<const ScopeRow> scope_rows(const Sentence& sentence, std::size_t first = 0) {
+  return scope_rows(const_cast<Sentence&>(sentence), first);
+}
 
 }  // namespace lexon

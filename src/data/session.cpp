@@ -81,25 +81,31 @@ void sentence_refuse(Session& session, const char* what) {
   session.sentence.refused = true;
 }
 
+int scope_row_find(const Session& session, int scope) {
+  int index = 1;
+  for (const ScopeRow& row : scope_rows(session.sentence, 1)) {
+    if (row.number == scope) return index;
+    ++index;
+  }
+  return 0;
+}
+
 int scope_is_built(const Session& session, int scope) {
-  const Sentence& sentence = session.sentence;
-  for (std::int32_t i = 1; i < sentence.semlst_count && i < kMaxScopes; ++i) {
-    const ScopeRow& row = sentence.semlst[static_cast<std::size_t>(i)];
-    if (row.entry == nullptr) return i;
-    if (row.number != scope) continue;
-    const bool stands = row.entry->left != nullptr && row.entry->right != nullptr && !is_untouched(*row.entry);
-    return stands ? i : 0;
+  int index = 1;
+  for (const ScopeRow& row : scope_rows(session.sentence, 1)) {
+    if (row.entry == nullptr) return index;
+    if (row.number == scope) {
+      const bool stands = row.entry->left != nullptr && row.entry->right != nullptr && !is_untouched(*row.entry);
+      return stands ? index : 0;
+    }
+    ++index;
   }
   return 0;
 }
 
 Node* scope_entry_node(const Session& session, int scope) {
-  const Sentence& sentence = session.sentence;
-  for (std::int32_t i = 1; i < sentence.semlst_count && i < kMaxScopes; ++i) {
-    const ScopeRow& row = sentence.semlst[static_cast<std::size_t>(i)];
-    if (row.number == scope) return row.entry;
-  }
-  return nullptr;
+  const int row = scope_row_find(session, scope);
+  return row == 0 ? nullptr : session.sentence.semlst[static_cast<std::size_t>(row)].entry;
 }
 
 Node* scope_final_node(const Session& session, int scope) {

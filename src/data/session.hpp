@@ -145,6 +145,13 @@ void sentence_clear(Session& session);
 // Notes that the sentence breaks a limit and prints ";;" and `what`, once per sentence.
 void sentence_refuse(Session& session, const char* what);
 
+[[nodiscard]] inline const ScopeRow& current_scope(const Session& session) {
+  return session.sentence.semlst[static_cast<std::size_t>(session.state.semlst_cur)];
+}
+
+// The index of a scope in the scope table, or 0.
+[[nodiscard]] int scope_row_find(const Session& session, int scope);
+
 // The scope's index in `semlst` if it is generated and standing, else 0. A row without entry ends the search, and its
 // index is the result.
 [[nodiscard]] int scope_is_built(const Session& session, int scope);

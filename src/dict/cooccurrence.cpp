@@ -44,17 +44,12 @@ struct Path {
   const Path* before;  // null: the first one
 };
 
-bool runs_in_circle(const Path* path, const char* relation) {
-  for (; path != nullptr; path = path->before) {
-    if (std::strcmp(path->relation, relation) == 0) return true;
-  }
-  return false;
-}
-
-void report_circle(Session& session, const char* relation) {
+// Apart, so that the message does not weigh on the stack of the recursion.
+[[gnu::noinline]] int circle_refuse(Session& session, const char* relation) {
   Scratch<kLineSize> message;
   message.append("the \"sup\" chain of \"").append(relation).append("\" runs in a circle");
   (void)rule_base_failure(session, message.c_str());
+  return kFailed;
 }
 
 // wanted: a default above 127 reads as a negative number, and so as a failed lookup
@@ -86,9 +81,8 @@ int relation_value(Session& session, const char* relation) {
 
 int cooccurrence_value(Session& session, Pair& pair, const char* relation, WordEntry*& chain, const Path* path) {
   if (must_leave(session) != Status::ok || stack_nearly_used(session)) return kFailed;
-  if (runs_in_circle(path, relation)) {
-    report_circle(session, relation);
-    return kFailed;
+  for (const Path* before = path; before != nullptr; before = before->before) {
+    if (std::strcmp(before->relation, relation) == 0) return circle_refuse(session, relation);
   }
   // A chain that is handed in was left by an earlier check: the relation has not been asked on this path.
   const Path here{relation, path};
@@ -111,9 +105,9 @@ int cooccurrence_value(Session& session, Pair& pair, const char* relation, WordE
 
 struct Check {
   const Rule& rule;
-  const char side;
+  const Side side;
   WordEntry*& chosen;
-  WordEntry* left;  // the words at hand; the one of `side` moves on
+  WordEntry* left;  // the words under test; the one of `side` moves on
   WordEntry* right;
   WordEntry* chain = nullptr;
   Pair pair{nullptr, nullptr};
@@ -131,23 +125,11 @@ const char* role_of(const Rule& rule) {
   return rule.lnode->roles != nullptr ? rule.lnode->roles->text : rule.rnode->roles->text;
 }
 
-bool is_needed(Session& session, const Rule& rule) {
-  const bool inserts = rule.lnode->inserted != 0 || rule.rnode->inserted != 0;
-  const bool has_role = rule.lnode->roles != nullptr || rule.rnode->roles != nullptr;
-  return session.sentence.cr_dictionary.dictionary != nullptr && inserts && has_role;
-}
-
 // The second text is that of the side whose pattern carries the ROLE; of the left one if both do.
 void set_texts(Check& check) {
   const bool left_has_role = check.rule.lnode->roles != nullptr;
   check.pair.first = word_text(left_has_role ? check.right : check.left);
   check.pair.second = word_text(left_has_role ? check.left : check.right);
-}
-
-void trace_start(Session& session, const Check& check) {
-  if (session.state.trace_level < 2) return;
-  out_print(session, "%s;;checking CR for rule:\n", session.state.trace_indent);
-  rule_print(session, &check.rule, true);
 }
 
 const char* label_of(const Check& check) {
@@ -161,13 +143,7 @@ void trace_checked(Session& session, const Check& check, int score) {
             check.pair.second, score);
 }
 
-void trace_selected(Session& session, const Check& check) {
-  if (session.state.trace_level < 2) return;
-  out_print(session, "%s;;CR selected: %s(%s,%s)=%d;\n", session.state.trace_indent, label_of(check), check.pair.first,
-            check.pair.second, check.best_score);
-}
-
-// Asks the pair at hand, from the chain that was handed in.
+// Asks the present pair, from the chain that the caller has left.
 int score_pair(Session& session, Check& check) {
   if (check.chosen == nullptr) spend(check.pair, check.chain);
   check.chain = check.chosen;
@@ -177,12 +153,12 @@ int score_pair(Session& session, Check& check) {
   return score;
 }
 
-// A retry asks one pair, a first check all of them. A tie keeps the first. False: a lookup failed, or the side is bad.
+// A retry asks one pair, a first check all of them. A tie keeps the first. False: a lookup failed.
 bool score_words(Session& session, Check& check) {
-  WordEntry*& word = check.side == 'l' ? check.left : check.right;
+  WordEntry*& word = of_side(check.side, check.left, check.right);
   while (check.left != nullptr && check.right != nullptr) {
     const int score = score_pair(session, check);
-    if (score < 0 || (check.side != 'l' && check.side != 'r')) return false;
+    if (score < 0) return false;
     if (score > check.best_score) {
       check.best_score = score;
       check.best = word;
@@ -191,16 +167,6 @@ bool score_words(Session& session, Check& check) {
     if (check.chosen != nullptr) break;
   }
   return true;
-}
-
-void move_to_front(WordEntry*& words, WordEntry& word) {
-  for (WordEntry** link = &words; *link != nullptr; link = &(*link)->next) {
-    if (*link != &word) continue;
-    *link = word.next;
-    word.next = words;
-    words = &word;
-    return;
-  }
 }
 
 // A retry that failed keeps what it has not tried.
@@ -229,18 +195,34 @@ WordEntry* sup_members(Session& session, const char* text) {
 }
 
 int cooccurrence_check(Session& session, WordEntry*& left, WordEntry*& right, const Rule& rule, WordEntry*& chosen,
-                       char side) {
-  if (!is_needed(session, rule)) return 1;
+                       Side side) {
+  const bool inserts = rule.lnode->inserted != 0 || rule.rnode->inserted != 0;
+  const bool has_role = rule.lnode->roles != nullptr || rule.rnode->roles != nullptr;
+  if (session.sentence.cr_dictionary.dictionary == nullptr || !inserts || !has_role) return 1;
   Check check{rule, side, chosen, left, right};
-  trace_start(session, check);
+  if (session.state.trace_level >= 2) {
+    out_print(session, "%s;;checking CR for rule:\n", session.state.trace_indent);
+    rule_print(session, &rule, true);
+  }
   if (!score_words(session, check)) return finish(session, check, kFailed);
-  WordEntry*& words = side == 'l' ? left : right;
-  const bool all_were_asked = (side == 'l' ? check.left : check.right) == nullptr;
-  if (all_were_asked && check.best != nullptr) move_to_front(words, *check.best);
-  check.left = side == 'l' && check.best != nullptr ? check.best : left;
-  check.right = side != 'l' && check.best != nullptr ? check.best : right;
+  WordEntry*& words = of_side(side, left, right);
+  const bool all_were_asked = of_side(side, check.left, check.right) == nullptr;
+  if (all_were_asked && check.best != nullptr) {
+    // The best word goes to the front; the others keep their order.
+    WordEntry** link = &words;
+    while (*link != check.best) link = &(*link)->next;
+    *link = check.best->next;
+    check.best->next = words;
+    words = check.best;
+  }
+  check.left = left;
+  check.right = right;
+  if (check.best != nullptr) of_side(side, check.left, check.right) = check.best;
   set_texts(check);
-  trace_selected(session, check);
+  if (session.state.trace_level >= 2) {
+    out_print(session, "%s;;CR selected: %s(%s,%s)=%d;\n", session.state.trace_indent, label_of(check),
+              check.pair.first, check.pair.second, check.best_score);
+  }
   return finish(session, check, check.best_score);
 }
 

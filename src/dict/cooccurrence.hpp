@@ -14,12 +14,12 @@ namespace lexon {
 
 struct Session;
 
-// Scores the words of one side (`side` 'l' or 'r') against the word of the other under the rule's ROLE, and moves the
+// Scores the words of `side` against the word of the other under the rule's ROLE, and moves the
 // best to the front of its list. `chosen` is null for a first check and the rest of a chain on a retry; afterwards it
 // holds the chain from the member that gave the value. Returns the best score: above 0 the rule may go on, 0 it may
-// not, -1 a failed lookup or a bad side, 1 no check was needed.
+// not, -1 a failed lookup, 1 no check was needed.
 [[nodiscard]] int cooccurrence_check(Session& session, WordEntry*& left, WordEntry*& right, const Rule& rule,
-                                     WordEntry*& chosen, char side);
+                                     WordEntry*& chosen, Side side);
 
 // The members of a relation or class by falling priority; null for none, for a null or empty text, and when the lookup
 // fails.
@@ -27,7 +27,7 @@ struct Session;
 
 // The words of the class named by the first HW condition of the side's pattern, or null. A failed lookup, or a stop,
 // ends the list.
-[[nodiscard]] WordEntry* word_class_entries(Session& session, const Rule& rule, char side);
+[[nodiscard]] WordEntry* word_class_entries(Session& session, const Rule& rule, Side side);
 
 // A word with this surface form and the texts of all attribute conditions of the pattern, or null.
 [[nodiscard]] WordEntry* entry_from_class_member(Session& session, const NodePattern& pattern, const char* hw);

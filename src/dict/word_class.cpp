@@ -10,27 +10,13 @@
 
 namespace lexon {
 
-namespace {
-
-const char* class_name(const Rule& rule, char side) {
-  if (side != 'l' && side != 'r') return nullptr;
-  const CondItem* conditions = side == 'l' ? rule.lnode->hw_conds : rule.rnode->hw_conds;
-  return conditions == nullptr ? nullptr : conditions->text;
-}
-
-// The texts of all conditions, whatever they ask.
-void join_texts(Scratch<kAttrLimit>& attrs, const CondItem* conditions) {
-  for (const CondItem& condition : chain<&CondItem::next>(conditions)) {
-    if (&condition != conditions) attrs.append(',');
-    attrs.append(condition.text);
-  }
-}
-
-}  // namespace
-
 WordEntry* entry_from_class_member(Session& session, const NodePattern& pattern, const char* hw) {
   Scratch<kAttrLimit> attrs;
-  join_texts(attrs, pattern.attr_conds);
+  for (const CondItem& condition : chain<&CondItem::next>(pattern.attr_conds)) {
+    // All texts, whatever the conditions ask.
+    if (&condition != pattern.attr_conds) attrs.append(',');
+    attrs.append(condition.text);
+  }
   auto* word = temp_new<WordEntry>(session);
   if (word == nullptr) return nullptr;
   word->language[0] = word->language[1] = '.';
@@ -43,8 +29,9 @@ WordEntry* entry_from_class_member(Session& session, const NodePattern& pattern,
   return word;
 }
 
-WordEntry* word_class_entries(Session& session, const Rule& rule, char side) {
-  WordEntry* members = sup_members(session, class_name(rule, side));
+WordEntry* word_class_entries(Session& session, const Rule& rule, Side side) {
+  const CondItem* name_condition = pattern_of(rule, side).hw_conds;
+  WordEntry* members = sup_members(session, name_condition == nullptr ? nullptr : name_condition->text);
   WordEntry* result = nullptr;
   WordEntry** end = &result;
   for (const WordEntry& member : chain<&WordEntry::next>(members)) {

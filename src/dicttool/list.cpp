@@ -2,6 +2,7 @@
 
 #include "dicttool/list.hpp"
 #include "data/chain.hpp"
+#include "data/platform.hpp"
 #include "data/session.hpp"
 #include "data/words.hpp"
 #include "dict/block_chain.hpp"
@@ -67,11 +68,6 @@ bool list_blocks(Session& session, Listing& listing) {
 bool refuse(const Dictionary& opened, std::FILE* log) {
   std::fprintf(log, "%s\n", opened.fault.c_str());
   return false;
-}
-
-// The owner of the stream says what went wrong with it.
-bool is_written(std::FILE* out) {
-  return std::fflush(out) == 0 && std::ferror(out) == 0;
 }
 
 void write_word(Session& session, const WordEntry& word, std::FILE* out) {

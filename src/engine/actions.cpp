@@ -19,6 +19,9 @@ namespace {
 
 using AttrScratch = Scratch<kAttrLimit>;
 
+// A word that actions change is a copy in front of the old one: undo drops the head of the list. Whether there was a
+// change is noted in the state of the node's newest record, and nowhere else.
+//
 // One side's actions at work.
 struct Actions {
   const Rule& rule;
@@ -72,39 +75,21 @@ void attr_delete(Actions& actions, const char* attr) {
   if (attr_blank(origin->candidates->attrs, attr)) actions.origin_blanked = true;
 }
 
-// Additions to a scope reference that the rule brings in are carried into the scope instead.
-[[nodiscard]] bool is_carried_into_scope(const Actions& actions) {
-  if (!is_scope_reference(actions.node) || actions.rule.type != rule_type::insertion) return false;
-  return actions.own.inserted != 0 || (actions.opposite.inserted == 0 && no_scope_rule_in_stack(actions.node.matches));
-}
-
 void attr_add(Actions& actions, const char* attr) {
   AttrScratch& additions = actions.additions;
   const std::size_t length = additions.size() + std::strlen(attr) + 1;
   if (static_cast<std::int64_t>(length) + actions.word.attr_len >= kAttrLimit) return;
-  if (is_carried_into_scope(actions)) return;
+  if (is_scope_reference(actions.node) && actions.rule.type == rule_type::insertion) {
+    // Additions to a scope reference that the rule brings in are carried into the scope instead.
+    const bool enters_scope = actions.opposite.inserted == 0 && no_scope_rule_in_stack(actions.node.matches);
+    if (actions.own.inserted != 0 || enters_scope) return;
+  }
+  // An attribute that is there, or that has just been added, is not added twice.
   if (attr_find(actions.word.attrs, attr) != nullptr) return;
   if (!additions.empty() && attr_find(additions.c_str(), attr) != nullptr) return;
   if (!additions.empty()) additions.append(',');
   additions.append(attr);
   word_changed(actions);
-}
-
-[[nodiscard]] Status action_apply(Session& session, Actions& actions, const CondItem& item) {
-  switch (item.op) {
-    case kOpSetHw: return surface_set(session, actions, item.text);
-    case kOpDelete: attr_delete(actions, item.text); break;
-    case kOpAdd: attr_add(actions, item.text); break;
-    default: break;  // a concept word changes nothing here
-  }
-  return Status::ok;
-}
-
-void commas_squeeze(char* text) {
-  if (text == nullptr) return;
-  char* end = text + std::strlen(text);
-  const auto both_commas = [](char a, char b) { return a == ',' && b == ','; };
-  *std::unique(text, end, both_commas) = '\0';
 }
 
 // Appends the elements of `attrs` that are not empty.
@@ -119,30 +104,18 @@ void elements_append(AttrScratch& text, std::string_view attrs) {
   }
 }
 
-// New attributes in front of the old ones, without blanks. What a scope reference gains before its scope is
-// generated stands apart from what it had, for scope entry to take along.
-[[nodiscard]] Status attrs_rebuild(Session& session, Actions& actions) {
-  const char* old = text_or_empty(actions.word.attrs);
-  const bool awaits_scope = is_scope_reference(actions.node) && scope_is_built(session, actions.node.scope) == 0;
-  AttrScratch text;
-  elements_append(text, actions.additions.view());
-  if (awaits_scope && !text.empty() && std::strstr(old, ",;,") == nullptr) text.append(",;");
-  elements_append(text, old);
-  if (const Status status = entry_attrs_set(session, actions.word, text.view()); status != Status::ok) return status;
-  actions.word.attr_block_size = actions.word.attr_len + 12;
-  return Status::ok;
-}
-
 // The actions of one side, on a copy of the word that is taken back if they changed nothing.
 [[nodiscard]] Status side_actions_apply(Session& session, Side side, const Rule& rule, const Window& window) {
   if (pattern_of(rule, side).actions == nullptr) return Status::ok;
   Node* node = node_of(window, side);
   if (const Status status = actions_have_a_place(session, node); status != Status::ok) return status;
+  // The actions work on a copy; the word as it was stays behind it.
   WordEntry* copy = nullptr;
   if (const Status status = entry_copy(session, *node->candidates, copy); status != Status::ok) return status;
   copy->next = node->candidates;
   node->candidates = copy;
   if (const Status status = node_actions_apply(session, side, rule, window); status != Status::ok) return status;
+  // Nothing has changed: the word as it was is in force again.
   if (node->matches->state == kStateStep) entry_drop_head(session, node->candidates);
   return Status::ok;
 }
@@ -155,11 +128,30 @@ Status node_actions_apply(Session& session, Side side, const Rule& rule, const W
   const NodePattern& own = pattern_of(rule, side);
   Actions actions{rule, own, pattern_of(rule, other(side)), *node, *node->candidates, {}, false};
   for (const CondItem& item : chain<&CondItem::next>(own.actions)) {
-    if (const Status status = action_apply(session, actions, item); status != Status::ok) return status;
+    if (item.op == kOpSetHw) {
+      if (const Status status = surface_set(session, actions, item.text); status != Status::ok) return status;
+    }
+    if (item.op == kOpDelete) attr_delete(actions, item.text);
+    if (item.op == kOpAdd) attr_add(actions, item.text);
+    // A concept word changes nothing here.
   }
   // wanted: the commas are squeezed in the surface form; the attributes of the origin keep their blanks.
-  if (actions.origin_blanked) commas_squeeze(node->origin->candidates->hw);
-  return is_word_changed(node) ? attrs_rebuild(session, actions) : Status::ok;
+  if (char* text = actions.origin_blanked ? node->origin->candidates->hw : nullptr; text != nullptr) {
+    const auto both_commas = [](char a, char b) { return a == ',' && b == ','; };
+    *std::unique(text, text + std::strlen(text), both_commas) = '\0';
+  }
+  if (!is_word_changed(node)) return Status::ok;
+  // New attributes go in front of the old ones, without blanks. What a scope reference gains before its scope is
+  // generated stands apart from what it had, for scope entry to take along.
+  WordEntry& word = actions.word;
+  const char* old = text_or_empty(word.attrs);
+  AttrScratch text;
+  elements_append(text, actions.additions.view());
+  if (is_unbuilt_reference(session, *node) && !text.empty() && std::strstr(old, ",;,") == nullptr) text.append(",;");
+  elements_append(text, old);
+  if (const Status status = entry_attrs_set(session, word, text.view()); status != Status::ok) return status;
+  word.attr_block_size = word.attr_len + 12;
+  return Status::ok;
 }
 
 Status rule_actions_apply(Session& session, const Window& window, const RuleCandidate& candidate) {

@@ -22,30 +22,17 @@ namespace {
   return window_marker_push(session, *window.lnode);
 }
 
-[[nodiscard]] bool may_step_left(const Window& window) {
-  return window.lnode->left != nullptr;
-}
-
-// Both nodes of the window must have been matched by the same candidate.
-[[nodiscard]] Status records_agree(Session& session, const Window& window) {
+// What L, R and ":" do between their actions and their movement. The same candidate must have matched both nodes.
+[[nodiscard]] Status result_settle(Session& session, const Window& window, const Rule& rule) {
   if (window.lnode == nullptr || window.rnode == nullptr)
     return rule_base_failure(session, "applied a rule at an empty place");
   if (is_fresh(*window.lnode) || is_fresh(*window.rnode))
     return rule_base_failure(session, "applied a rule to a node that no rule has matched");
-  return window.lnode->matches->candidate == window.rnode->matches->candidate ? Status::ok : Status::no_effect;
-}
-
-void result_trace(Session& session, const Window& window, const Rule& rule) {
+  if (window.lnode->matches->candidate != window.rnode->matches->candidate) return Status::no_effect;
   for (const Side side : {Side::left, Side::right}) {
     trace_result_node(session, side, pattern_of(rule, side).inserted != 0, node_of(window, side));
   }
-}
-
-// What L, R and ":" do between their actions and their movement.
-[[nodiscard]] Status result_settle(Session& session, const Window& window, const Rule& rule) {
-  const Status status = records_agree(session, window);
-  if (status == Status::ok) result_trace(session, window, rule);
-  return status;
+  return Status::ok;
 }
 
 [[nodiscard]] Outcome move_left(Session& session, Window& window, const RuleCandidate& candidate) {
@@ -61,6 +48,7 @@ void result_trace(Session& session, const Window& window, const Rule& rule) {
   if (window.rnode == nullptr) return ended(Status::ok);
   if (const Status status = result_settle(session, window, *candidate.rule); status != Status::ok) return ended(status);
   out_flush(session);
+  // A node that came in on the left is the left place from now on, and not the right node of the pair.
   if (candidate.rule->lnode->inserted != 0) {
     if (const Status status = left_step(session, window); status != Status::ok) return ended(status);
   }
@@ -76,134 +64,75 @@ void result_trace(Session& session, const Window& window, const Rule& rule) {
   if (const Status status = result_settle(session, window, *candidate.rule); status != Status::ok) return ended(status);
   if (session.state.trace_level > 1) out_flush(session);
   const bool is_new_or_changed = candidate.rule->lnode->inserted != 0 || is_word_changed(window.lnode);
-  return is_new_or_changed && may_step_left(window) ? done_if_ok(left_step(session, window)) : done();
+  return is_new_or_changed && window.lnode->left != nullptr ? done_if_ok(left_step(session, window)) : done();
 }
 
-// Puts the copy right of its source.
-[[nodiscard]] Status copy_link(Session& session, Node& source, Node& copy) {
-  node_insert_after(source, copy);
-  return window_marker_push(session, copy);
-}
-
-// Makes the copy of one side's node, not yet in the list; null, and why, if it cannot be made.
-[[nodiscard]] Status copy_make(Session& session, Side side, Window& window, const RuleCandidate& candidate,
-                               Node*& copy) {
-  if (const Status status = rule_actions_apply(session, window, candidate); status != Status::ok) return status;
+// Copies one side's node (CL, CR); the copy stands right of its source.
+[[nodiscard]] Outcome copy_apply(Session& session, Side side, Window& window, const RuleCandidate& candidate) {
+  if (const Status status = rule_actions_apply(session, window, candidate); status != Status::ok) return ended(status);
   Node* source = node_of(window, side);
   const bool has_both = window.lnode != nullptr && source != nullptr;
-  if (!has_both) return rule_base_failure(session, "copied at an empty place");
-  if (is_fresh(*source)) return rule_base_failure(session, "copied a node that no rule has matched");
-  return node_copy(session, copy, *source, nullptr, 1);
-}
-
-[[nodiscard]] Outcome copy_left(Session& session, Window& window, const RuleCandidate& candidate) {
+  if (!has_both) return ended(rule_base_failure(session, "copied at an empty place"));
+  if (is_fresh(*source)) return ended(rule_base_failure(session, "copied a node that no rule has matched"));
   Node* copy = nullptr;
-  if (const Status status = copy_make(session, Side::left, window, candidate, copy); copy == nullptr)
-    return ended(status);
+  if (const Status status = node_copy(session, copy, *source, nullptr, 1); copy == nullptr) return ended(status);
+  // The copy is shown where it will stand.
   trace_result_node(session, Side::left, false, window.lnode);
-  trace_copied_node(session, copy);
+  if (side == Side::left) trace_copied_node(session, copy);
   trace_result_node(session, Side::right, false, window.rnode);
-  if (const Status status = copy_link(session, *window.lnode, *copy); status != Status::ok) return ended(status);
-  if (is_word_changed(window.lnode) && may_step_left(window)) return done_if_ok(left_step(session, window));
-  window.rnode = copy;
+  if (side == Side::right) trace_copied_node(session, copy);
+  node_insert_after(*source, *copy);
+  if (const Status status = window_marker_push(session, *copy); status != Status::ok) return ended(status);
+  // wanted: the left node decides, though the right one may have been copied.
+  if (is_word_changed(window.lnode) && window.lnode->left != nullptr) return done_if_ok(left_step(session, window));
+  if (side == Side::left) window.rnode = copy;
   return done();
-}
-
-[[nodiscard]] Outcome copy_right(Session& session, Window& window, const RuleCandidate& candidate) {
-  Node* copy = nullptr;
-  if (const Status status = copy_make(session, Side::right, window, candidate, copy); copy == nullptr)
-    return ended(status);
-  trace_result_node(session, Side::left, false, window.lnode);
-  trace_result_node(session, Side::right, false, window.rnode);
-  trace_copied_node(session, copy);
-  if (const Status status = copy_link(session, *window.rnode, *copy); status != Status::ok) return ended(status);
-  // wanted: the left node decides, though the right one was copied.
-  return is_word_changed(window.lnode) && may_step_left(window) ? done_if_ok(left_step(session, window)) : done();
 }
 
 // ---- Merging the two nodes of the window into one (DL, DR). One of them survives in the merge node, the other drops
 // out.
 
-// A merge under way: the side of the survivor, and the three nodes.
-struct Merge {
-  Side side;
-  Node& survivor;
-  Node& dropped;
-  Node* merged;
-};
-
-[[nodiscard]] Status merge_node_make(Session& session, Merge& merge, RuleCandidate& candidate) {
-  if (const Status status = node_copy(session, merge.merged, merge.survivor, nullptr, 0); status != Status::ok)
-    return status;
-  Node*& entry = current_scope(session).entry;
-  if (entry == &merge.survivor) entry = merge.merged;
-  merge.merged->relations = merge.survivor.relations;
-  merge.merged->name = merge.survivor.name;
-  return match_record_push(session, *merge.merged, kStateStep, &candidate);
-}
-
-// The survivor's actions, on the merge node in the survivor's place.
-[[nodiscard]] Status merge_actions_apply(Session& session, const Merge& merge, const Rule& rule, const Window& window) {
-  if (pattern_of(rule, merge.side).actions == nullptr) return Status::ok;
-  Window acted = window;
-  node_of(acted, merge.side) = merge.merged;
-  if (const Status status = node_actions_apply(session, merge.side, rule, acted); status != Status::ok) return status;
-  // wanted: whether the actions changed the word or not.
-  merge.merged->matches->state = kStateChanged;
-  return Status::ok;
-}
-
-// The merge node takes the place of both. The survivor's own links stay as they were until undo needs it again.
-void merge_node_link(const Merge& merge) {
-  merge.merged->merged_with = &merge.dropped;
-  node_take_out(merge.survivor);
-  if (merge.side == Side::right) {
-    node_insert_after(merge.dropped, *merge.merged);
-  } else {
-    node_insert_before(merge.dropped, *merge.merged);
-  }
-  node_take_out(merge.dropped);
-  merge.dropped.left = merge.dropped.right = nullptr;
-}
-
-// The window goes on from the merge node.
-[[nodiscard]] Status merge_window_set(Session& session, const Merge& merge, Window& window) {
-  Node& merged = *merge.merged;
-  // wanted: DL always takes the step to the left, DR only after actions.
-  const bool steps_left = merge.side == Side::right || is_word_changed(&merged);
-  window = steps_left ? Window{merged.left, &merged} : Window{&merged, merged.right};
-  Node* arrived = steps_left ? window.lnode : window.rnode;
-  return arrived == nullptr ? Status::ok : window_marker_push(session, *arrived);
-}
-
 [[nodiscard]] Status merge_apply(Session& session, Window& window, RuleCandidate& candidate) {
   if (window.lnode == nullptr || window.rnode == nullptr)
     return rule_base_failure(session, "merged with an empty place");
   const Rule& rule = *candidate.rule;
-  const Side side = rule.type == rule_type::merge_left ? Side::right : Side::left;
-  Merge merge{side, *node_of(window, side), *node_of(window, other(side)), nullptr};
-  if (const Status status = merge_node_make(session, merge, candidate); status != Status::ok) return status;
-  if (const Status status = merge_actions_apply(session, merge, rule, window); status != Status::ok) return status;
-  merge_node_link(merge);
-  return merge_window_set(session, merge, window);
+  const Side side = rule.type == rule_type::merge_left ? Side::right : Side::left;  // of the survivor
+  Node& survivor = *node_of(window, side);
+  Node& dropped = *node_of(window, other(side));
+  Node* merged = nullptr;
+  if (const Status status = node_copy(session, merged, survivor, nullptr, 0); status != Status::ok) return status;
+  Node*& entry = current_scope(session).entry;
+  if (entry == &survivor) entry = merged;
+  merged->relations = survivor.relations;
+  merged->name = survivor.name;
+  if (const Status status = match_record_push(session, *merged, kStateStep, &candidate); status != Status::ok)
+    return status;
+  // The survivor's actions, on the merge node in the survivor's place.
+  if (pattern_of(rule, side).actions != nullptr) {
+    Window acted = window;
+    node_of(acted, side) = merged;
+    if (const Status status = node_actions_apply(session, side, rule, acted); status != Status::ok) return status;
+    // wanted: whether the actions changed the word or not.
+    merged->matches->state = kStateChanged;
+  }
+  // The merge node takes the place of both. The survivor's own links stay as they were until undo needs it again.
+  merged->merged_with = &dropped;
+  node_take_out(survivor);
+  if (side == Side::right) {
+    node_insert_after(dropped, *merged);
+  } else {
+    node_insert_before(dropped, *merged);
+  }
+  node_take_out(dropped);
+  dropped.left = dropped.right = nullptr;
+  // wanted: DL always takes the step to the left, DR only after actions.
+  const bool steps_left = side == Side::right || is_word_changed(merged);
+  window = steps_left ? Window{merged->left, merged} : Window{merged, merged->right};
+  Node* arrived = steps_left ? window.lnode : window.rnode;
+  return arrived == nullptr ? Status::ok : window_marker_push(session, *arrived);
 }
 
 // ---- Exchanging the two nodes of the window (X).
-
-// wanted: the word itself is changed, no copy of it; undo does not restore it.
-[[nodiscard]] Status exchange_actions_apply(Session& session, Side side, const Rule& rule, const Window& window) {
-  if (pattern_of(rule, side).actions == nullptr) return Status::ok;
-  const Status status = node_actions_apply(session, side, rule, window);
-  if (status == Status::ok) node_of(window, side)->matches->state = kStateChanged;
-  return status;
-}
-
-// A second pair of records, on top of the one that matching has pushed.
-[[nodiscard]] Status exchange_records_push(Session& session, const Window& window, RuleCandidate& candidate) {
-  if (const Status status = match_record_push(session, *window.lnode, kStateStep, &candidate); status != Status::ok)
-    return status;
-  return match_record_push(session, *window.rnode, kStateStep, &candidate);
-}
 
 [[nodiscard]] Status exchange_apply(Session& session, Window& window, RuleCandidate& candidate) {
   const Rule& rule = *candidate.rule;
@@ -211,12 +140,21 @@ void merge_node_link(const Merge& merge) {
   if (window.lnode == nullptr || window.rnode == nullptr) return rule_base_failure(session, "exchanged an empty place");
   Node& from_left = *window.lnode;
   Node& from_right = *window.rnode;
+  // Boundaries keep their places.
   const bool is_at_an_end = from_left.left == nullptr || (is_boundary(from_right) && from_right.right == nullptr);
   if (is_at_an_end) return Status::ok;
-  if (const Status status = exchange_records_push(session, window, candidate); status != Status::ok) return status;
-  for (const Side side : {Side::left, Side::right}) {
-    if (const Status status = exchange_actions_apply(session, side, rule, window); status != Status::ok) return status;
+  // A second pair of records, on top of the one that matching has pushed.
+  for (Node* node : {&from_left, &from_right}) {
+    const Status status = match_record_push(session, *node, kStateStep, &candidate);
+    if (status != Status::ok) return status;
   }
+  // wanted: the words themselves are changed, no copies of them; undo does not restore them.
+  for (const Side side : {Side::left, Side::right}) {
+    if (pattern_of(rule, side).actions == nullptr) continue;
+    if (const Status status = node_actions_apply(session, side, rule, window); status != Status::ok) return status;
+    node_of(window, side)->matches->state = kStateChanged;
+  }
+  // The window stands in front of the pair: its right place is the node that came from the right.
   node_take_out(from_left);
   node_insert_after(from_right, from_left);
   window = {from_right.left, &from_right};
@@ -224,11 +162,6 @@ void merge_node_link(const Merge& merge) {
 }
 
 // ---- The whole.
-
-[[nodiscard]] Outcome word_test(Session& session, Window& window, RuleCandidate*& candidate, std::int32_t& home_scope) {
-  const Status status = backtrack(session, window, candidate, home_scope);
-  return is_failure(status) ? ended(status) : done(status);
-}
 
 [[nodiscard]] Outcome rule_carry_out(Session& session, Window& window, RuleCandidate*& candidate,
                                      std::int32_t* home_scope) {
@@ -240,12 +173,16 @@ void merge_node_link(const Merge& merge) {
     case rule_type::insertion:
     case rule_type::insertion_a:
     case rule_type::post_insertion: return move_insertion(session, window, *candidate);
-    case rule_type::copy_left: return copy_left(session, window, *candidate);
-    case rule_type::copy_right: return copy_right(session, window, *candidate);
+    case rule_type::copy_left: return copy_apply(session, Side::left, window, *candidate);
+    case rule_type::copy_right: return copy_apply(session, Side::right, window, *candidate);
     case rule_type::exchange: return done_if_ok(exchange_apply(session, window, *candidate));
     case rule_type::merge_left:
     case rule_type::merge_right: return done_if_ok(merge_apply(session, window, *candidate));
-    case rule_type::test: return word_test(session, window, candidate, *home_scope);
+    case rule_type::test: {
+      // A refused word test is a step back.
+      const Status status = backtrack(session, window, candidate, *home_scope);
+      return is_failure(status) ? ended(status) : done(status);
+    }
     case rule_type::test_left:
     case rule_type::test_right: return forced_backtrack(session, window, candidate, *home_scope);
     default: return ended(Status::no_effect);
@@ -268,6 +205,7 @@ Status apply_rule(Session& session, Window& window, RuleCandidate*& candidate, s
   RuleCandidate* rest = candidate;
   const Outcome outcome = rule_carry_out(session, moved, rest, home_scope);
   if (!outcome.writes_back) return outcome.status;
+  // wanted: the right place follows from the left one, and stays as it was without one.
   window.lnode = moved.lnode;
   if (moved.lnode != nullptr) window.rnode = moved.lnode->right;
   if (!is_word_test_type(type)) trace_list(session, window, false);

@@ -70,29 +70,6 @@ void give_up_rules(Session& session, Undo& undo, int number) {
 
 // ---- Step 6: the window is fresh. Nothing has been done here but what rules tried on the words of the right node.
 
-// At the beginning of a list, with the word fixed from outside by a hold.
-[[nodiscard]] bool is_held_from_outside(const Window& window, const Node* final_node) {
-  if (!is_boundary(*window.lnode) || !is_fresh(*window.lnode)) return false;
-  return is_held(*window.rnode) || (final_node != nullptr && is_held(*final_node));
-}
-
-// 6.6: the words are used up. The next rule sees them all again, from the second on: being called again, the next call
-// drops the head.
-[[nodiscard]] Stage words_used_up(Session& session, Undo& undo, Node& target) {
-  trace_no_entry(session, Side::right);
-  if (const Status status = node_words_reload(session, target); status != Status::ok) return leave(undo, status);
-  const std::uint8_t type = undo.candidate->rule->type;
-  if (session.state.forced_node != nullptr) {
-    trace_ignore_rules(session);
-    undo.candidate = nullptr;
-  } else if (type == rule_type::test_right || type == rule_type::test) {
-    return leave(undo, Status::nothing_left);
-  } else {
-    to_next_rule(session, undo, 32);
-  }
-  return leave(undo, undo.candidate != nullptr ? Status::no_effect : Status::nothing_left);
-}
-
 [[nodiscard]] Stage fresh_window(Session& session, Undo& undo) {
   if (undo.window.rnode == nullptr)
     return leave(undo, rule_base_failure(session, "searched on beyond the end of the list"));
@@ -103,14 +80,17 @@ void give_up_rules(Session& session, Undo& undo, int number) {
     entry_drop_head(session, rnode.candidates);
     if (rnode.candidates == nullptr) {
       if (const Status status = node_words_reload(session, rnode); status != Status::ok) {
-        // wanted: this one failure is told by the engine's status alone.
+        // wanted: this one failure stands in the engine's status alone.
         session.state.engine_status = status;
         return Stage::leave;
       }
     }
   }
   // 6.2 and 6.3
-  if (is_held_from_outside(undo.window, final_node)) {
+  const bool is_at_list_beginning = is_boundary(*undo.window.lnode) && is_fresh(*undo.window.lnode);
+  const bool is_word_held = is_held(rnode) || (final_node != nullptr && is_held(*final_node));
+  if (is_at_list_beginning && is_word_held) {
+    // The word is fixed from outside, by a hold.
     if (session.state.forced_node != nullptr) {
       undo.candidate = nullptr;
       trace_ignore_rules(session);
@@ -126,19 +106,25 @@ void give_up_rules(Session& session, Undo& undo, int number) {
     session.state.forced_node = nullptr;
     trace_forced_ends(session);
   }
-  const bool has_words = target.candidates != nullptr && rnode.candidates != nullptr;
-  return has_words ? Stage::end : words_used_up(session, undo, target);
+  if (target.candidates != nullptr && rnode.candidates != nullptr) return Stage::end;
+  // 6.6: the words are used up. The next rule sees them all again, from the second on: being called again, the next
+  // call drops the head.
+  trace_no_entry(session, Side::right);
+  if (const Status status = node_words_reload(session, target); status != Status::ok) return leave(undo, status);
+  const std::uint8_t type = undo.candidate->rule->type;
+  if (session.state.forced_node != nullptr) {
+    trace_ignore_rules(session);
+    undo.candidate = nullptr;
+  } else if (type == rule_type::test_right || type == rule_type::test) {
+    return leave(undo, Status::nothing_left);
+  } else {
+    to_next_rule(session, undo, 32);
+  }
+  return leave(undo, undo.candidate != nullptr ? Status::no_effect : Status::nothing_left);
 }
 
 // ---- Steps 7.10 and 7.11: the same rule on the same nodes with the next word that the co-occurrence step chose. What
 // the actions of the application have done stays.
-
-// Did the rule bring in this side's node by a choice that has a successor?
-[[nodiscard]] bool has_next_choice(const Rule& rule, Side side, const Node& node) {
-  if (pattern_of(rule, side).inserted == 0 || is_fresh(node)) return false;
-  const WordEntry* choices = node.matches->cooccurrence;
-  return choices != nullptr && choices->next != nullptr;
-}
 
 // Takes the choice in force off the node's word and off the records; `rest` is what comes behind it.
 [[nodiscard]] Status choice_take_off(Session& session, const Undo& undo, Side side, Node& node, WordEntry*& rest) {
@@ -159,26 +145,15 @@ void give_up_rules(Session& session, Undo& undo, int number) {
   return Status::ok;
 }
 
-// The rule once more, with the head of `rest`.
-[[nodiscard]] Stage choice_apply(Session& session, Undo& undo, MatchRecord& record, WordEntry* rest) {
-  Window& window = undo.window;
-  if (rest == nullptr) return leave(undo, rule_base_failure(session, "lost its co-occurrence choices"));
-  record.cooccurrence = rest;
-  const Rule& rule = *undo.candidate->rule;
-  Status status = role_mark_add(session, rule, window.lnode, window.rnode, *rest);
-  if (status == Status::ok) status = apply_rule(session, window, undo.candidate, &undo.home_scope);
-  if (status != Status::ok) return leave(undo, status);
-  undo.candidate = rule_candidates(session, window.lnode, window.rnode);
-  undo.caller = window;
-  return Stage::end;
-}
-
 // `pop`: no choice is left.
 [[nodiscard]] Stage next_choice(Session& session, Undo& undo) {
   const Rule& rule = *undo.candidate->rule;
+  Window& window = undo.window;
   for (const Side side : {Side::left, Side::right}) {
-    Node& node = *node_of(undo.window, side);
-    if (!has_next_choice(rule, side, node)) continue;
+    Node& node = *node_of(window, side);
+    // Did the rule bring in this side's node by a choice that has a successor?
+    const WordEntry* choices = is_fresh(node) ? nullptr : node.matches->cooccurrence;
+    if (pattern_of(rule, side).inserted == 0 || choices == nullptr || choices->next == nullptr) continue;
     if (session.state.forced_node == &node) {
       session.state.forced_node = nullptr;
       // wanted: the two lines are spelled differently.
@@ -187,11 +162,20 @@ void give_up_rules(Session& session, Undo& undo, int number) {
     WordEntry* rest = nullptr;
     if (const Status status = choice_take_off(session, undo, side, node, rest); status != Status::ok)
       return leave(undo, status);
-    const int score = cooccurrence_check(session, undo.window.lnode->candidates, undo.window.rnode->candidates, rule,
-                                         rest, side_letter(side));
-    if (score != 0) return choice_apply(session, undo, *node.matches, rest);
-    // wanted: what the left side has not used stays.
-    if (side == Side::right) entry_list_free(session, rest);
+    const int score = cooccurrence_check(session, window.lnode->candidates, window.rnode->candidates, rule, rest, side);
+    if (score == 0) {
+      // wanted: what the left side has not used stays.
+      if (side == Side::right) entry_list_free(session, rest);
+      continue;
+    }
+    if (rest == nullptr) return leave(undo, rule_base_failure(session, "lost its co-occurrence choices"));
+    node.matches->cooccurrence = rest;
+    Status status = role_mark_add(session, rule, window.lnode, window.rnode, *rest);
+    if (status == Status::ok) status = apply_rule(session, window, undo.candidate, &undo.home_scope);
+    if (status != Status::ok) return leave(undo, status);
+    undo.candidate = rule_candidates(session, window.lnode, window.rnode);
+    undo.caller = window;
+    return Stage::end;
   }
   return Stage::pop;
 }
@@ -251,10 +235,6 @@ void give_up_rules(Session& session, Undo& undo, int number) {
   return are_one ? left->cooccurrence : nullptr;
 }
 
-[[nodiscard]] bool is_fresh_and_built(Session& session, const Node& node) {
-  return is_scope_reference(node) && is_fresh(node) && scope_is_built(session, node.scope) != 0;
-}
-
 // 7.14: was a scope brought in or entered by the rule? If it stands finished, the search goes on inside it.
 [[nodiscard]] Stage scope_test(Session& session, Undo& undo, const Rule& rule) {
   Node& lnode = *undo.window.lnode;
@@ -264,9 +244,12 @@ void give_up_rules(Session& session, Undo& undo, int number) {
     return Stage::alternatives;
   if (is_scope_reference(lnode)) hold_release(session, lnode);
   if (is_scope_reference(rnode)) hold_release(session, rnode);
-  if (!is_fresh_and_built(session, lnode) && !is_fresh_and_built(session, rnode)) return Stage::alternatives;
-  undo.result = Status::nothing_left;
-  return Stage::end;
+  for (const Node* node : {&lnode, &rnode}) {
+    if (!is_scope_reference(*node) || !is_fresh(*node) || scope_is_built(session, node->scope) == 0) continue;
+    undo.result = Status::nothing_left;
+    return Stage::end;
+  }
+  return Stage::alternatives;
 }
 
 // 7.8 to 7.15, for the types that are undone in place.
@@ -378,29 +361,12 @@ enum class Held : std::uint8_t { none, has_words, used_up, failed };
     const Side staying_side = other(retry.side);
     Node* noted = undo.candidate == nullptr ? nullptr : noted_place(*undo.candidate, staying_side);
     Node* staying = noted != nullptr ? noted : retry.mid_start;
-    const bool has_place =
-        staying != nullptr && stands_in_list_of(session, node_of(undo.window, staying_side), staying);
+    const bool has_place = staying != nullptr && stands_in_list(session, node_of(undo.window, staying_side), staying);
     if (!has_place) return leave(undo, rule_base_failure(session, "lost the place of a rule with MID"));
     undo.window = staying_side == Side::left ? Window{staying, staying->right} : Window{staying->left, staying};
   }
   undo.caller = undo.window;
   return Stage::end;
-}
-
-// Item 5 of the right side. `end`: the left node's scope has another word for the same rule.
-[[nodiscard]] Stage right_words_used_up(Session& session, Undo& undo) {
-  trace_no_entry(session, Side::right);
-  if (const Node& lnode = *undo.window.lnode; is_unbuilt_reference(session, lnode)) {
-    const Held held = held_word_change(session, lnode, nullptr);
-    if (held == Held::has_words) return Stage::end;
-    if (held == Held::failed) return leave(undo, Status::memory);
-  }
-  if (session.state.forced_node == nullptr) {
-    to_next_rule(session, undo, 12);
-  } else {
-    give_up_rules(session, undo, 1);
-  }
-  return Stage::alternatives;
 }
 
 [[nodiscard]] Stage right_side(Session& session, Undo& undo, const Retry& retry) {
@@ -418,7 +384,18 @@ enum class Held : std::uint8_t { none, has_words, used_up, failed };
       trace_forced_ends_at_right_entry(session);
     }
     if (target->candidates == nullptr) {
-      if (const Stage stage = right_words_used_up(session, undo); stage != Stage::alternatives) return stage;
+      // Item 5: the left node's scope may have another word for the same rule.
+      trace_no_entry(session, Side::right);
+      if (const Node& lnode = *undo.window.lnode; is_unbuilt_reference(session, lnode)) {
+        const Held held = held_word_change(session, lnode, nullptr);
+        if (held == Held::has_words) return Stage::end;
+        if (held == Held::failed) return leave(undo, Status::memory);
+      }
+      if (session.state.forced_node == nullptr) {
+        to_next_rule(session, undo, 12);
+      } else {
+        give_up_rules(session, undo, 1);
+      }
     }
   }
   if (!is_reference && target->candidates != nullptr) return Stage::end;

@@ -23,10 +23,11 @@ class CandidatePin {
   CandidateList* list_;
 };
 
-// While it lives, the candidate in hand is pinned; at its end, what the search has left behind goes back to the pool.
+// While it lives, the present candidate is pinned; at its end, what the search has left behind goes back to the pool.
 class CandidateHandover {
  public:
-  CandidateHandover(Session& session, RuleCandidate*& in_hand) : session_(session), before_(in_hand), now_(in_hand) {
+  CandidateHandover(Session& session, RuleCandidate*& candidate)
+      : session_(session), before_(candidate), now_(candidate) {
     if (before_ != nullptr) ++before_->list->records;
   }
   ~CandidateHandover() {

@@ -1,5 +1,5 @@
 // Groups are taken from the window outwards. A group with a star is given up as soon as the rest of the chain fits
-// from the node at hand; so its run of nodes is as short as the rest allows.
+// from the present node; so its run of nodes is as short as the rest allows.
 #include "engine/context_match.hpp"
 
 #include "data/attr_string.hpp"
@@ -11,15 +11,13 @@ namespace lexon {
 
 namespace {
 
+// A walk over the nodes of one side, and what its caller wants to know of it.
 struct Walk {
   Side side;
   GroupMark& mark;
 };
 
-bool is_usable(const Node* node) {
-  return node != nullptr && node->candidates != nullptr && (is_boundary(*node) || !is_fresh(*node));
-}
-
+// Does the word in force satisfy the group?
 bool group_fits(Side side, const ContextGroup& group, const WordEntry& word) {
   // wanted: to the left only attributes are tested
   const bool tests_surface = side == Side::right;
@@ -30,6 +28,7 @@ bool group_fits(Side side, const ContextGroup& group, const WordEntry& word) {
   return true;
 }
 
+// Notes the node at the group that the caller has marked.
 void note_hit(const Walk& walk, const ContextGroup& group, Node& node) {
   // wanted: to the right a group with a star is not noted
   if (walk.side == Side::right && group.star != 0) return;
@@ -39,30 +38,31 @@ void note_hit(const Walk& walk, const ContextGroup& group, Node& node) {
   if (&group == mark.group || follows_starred_mark) mark.hit = &node;
 }
 
-// wanted: a walk to the right confirms the link to its first node from the node before it. A list can be lopsided.
-void confirm_link(Side side, Node*& before, Node& node) {
-  if (side == Side::right && before != nullptr) {
-    before->right = &node;
-    node.left = before;
-  }
-  before = nullptr;
-}
-
 // `before`: the node from which the walk came, or null.
 Node* match_groups(Session& session, const Walk& walk, GroupCursor groups, Node* node, Node* before) {
   Node* result = nullptr;
   Node* last = before;
   while (groups.group != nullptr) {
     const ContextGroup& group = *groups.group;
-    if (must_leave(session) != Status::ok || stack_nearly_used(session) || !is_usable(node)) return nullptr;
+    if (must_leave(session) != Status::ok || stack_nearly_used(session)) return nullptr;
+    const bool is_usable = node != nullptr && node->candidates != nullptr && (is_boundary(*node) || !is_fresh(*node));
+    if (!is_usable) return nullptr;
     if (!group_fits(walk.side, group, *node->candidates)) {
       if (group.star == 0) return nullptr;
+      // A star may take no node at all.
       groups = groups.next();
       continue;
     }
-    confirm_link(walk.side, before, *node);
+    // wanted: a walk to the right confirms the link to its first node from the node before it. A list can be lopsided.
+    if (walk.side == Side::right && before != nullptr) {
+      session.state.turned = nullptr;
+      before->right = node;
+      node->left = before;
+    }
+    before = nullptr;
     if (result == nullptr || walk.side == Side::left) result = node;
     if (group.star != 0) {
+      // As few nodes as possible: the rest of the chain is tried from the node on that the star has just taken.
       Node* rest = match_groups(session, walk, groups.next(), node, last);
       if (rest != nullptr) return walk.side == Side::left ? rest : result;
       before = node;

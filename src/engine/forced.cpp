@@ -14,21 +14,15 @@ namespace lexon {
 
 namespace {
 
-// A forced backtracking that is already under way keeps its target.
-void target_set(Session& session, const Rule& rule, const Window& window) {
-  if (session.state.forced_node != nullptr) return;
-  const bool aims_left = rule.type == rule_type::test_left && window.lnode != nullptr;
-  session.state.forced_node = aims_left ? window.lnode : window.rnode;
-}
-
-[[nodiscard]] bool is_target(Session& session, const Node* node) {
+[[nodiscard]] bool is_target(const Session& session, const Node* node) {
   return node != nullptr && node == session.state.forced_node;
 }
 
 // Is the target in the window, with nothing left to undo but the application that brought it in?
-[[nodiscard]] bool is_target_reached(Session& session, Side side, const Window& window) {
+[[nodiscard]] bool is_target_reached(const Session& session, Side side, const Window& window) {
   const Node* node = node_of(window, side);
   if (!is_target(session, node)) return false;
+  // Fresh, or with the record of its own insertion alone.
   if (is_fresh(*node)) return true;
   const MatchRecord& record = *node->matches;
   return record.next == nullptr && record.candidate != nullptr &&
@@ -56,21 +50,20 @@ void target_set(Session& session, const Rule& rule, const Window& window) {
   }
 }
 
-[[nodiscard]] bool inserts(Side side, const RuleCandidate* candidate) {
-  return candidate != nullptr && pattern_of(*candidate->rule, side).inserted != 0;
-}
-
 // The target waits in the window beside a node that a rule inserted: the target is given up, and the inserted
 // node is undone.
 [[nodiscard]] bool target_is_given_up(Session& session, const Window& window, const RuleCandidate* candidate) {
-  if (is_target(session, window.rnode) && is_untouched(*window.rnode) && inserts(Side::left, candidate)) {
+  if (candidate == nullptr) return false;
+  const bool left_came_in = candidate->rule->lnode->inserted != 0;
+  const bool right_came_in = candidate->rule->rnode->inserted != 0;
+  if (is_target(session, window.rnode) && is_untouched(*window.rnode) && left_came_in) {
     session.state.forced_node = nullptr;
     trace_forced_ends_in_window(session, Side::right);
     out_flush(session);
     return true;
   }
   // wanted: unlike the right place, the left one must be fresh.
-  if (is_target(session, window.lnode) && is_fresh(*window.lnode) && inserts(Side::right, candidate)) {
+  if (is_target(session, window.lnode) && is_fresh(*window.lnode) && right_came_in) {
     session.state.forced_node = nullptr;
     trace_forced_ends_in_window(session, Side::left);
     return true;
@@ -78,29 +71,31 @@ void target_set(Session& session, const Rule& rule, const Window& window) {
   return false;
 }
 
-void unreached_target_trace(Session& session, const Window& window) {
-  if (session.state.trace_level < 3 || session.state.forced_node == nullptr) return;
-  for (const Node* node : {window.lnode, window.rnode}) {
-    if (is_target(session, node) && is_scope_reference(*node)) return;
-  }
-  dump_list(session, window, true);
-}
-
 }  // namespace
 
 Outcome forced_backtrack(Session& session, Window& window, RuleCandidate*& candidate, std::int32_t& home_scope) {
-  target_set(session, *candidate->rule, window);
+  Node*& target = session.state.forced_node;
+  // A forced backtracking that is already under way keeps its target.
+  if (target == nullptr) {
+    const bool aims_left = candidate->rule->type == rule_type::test_left && window.lnode != nullptr;
+    target = aims_left ? window.lnode : window.rnode;
+  }
   Outcome outcome = undo_to_target(session, window, candidate, home_scope);
   if (!outcome.writes_back) return outcome;
   const bool was_given_up = target_is_given_up(session, window, candidate);
-  const bool is_still_aimed =
-      session.state.forced_node != nullptr && candidate != nullptr && has_brace_patterns(*candidate->rule);
+  const bool is_still_aimed = target != nullptr && candidate != nullptr && has_brace_patterns(*candidate->rule);
   if (was_given_up || is_still_aimed) {
+    // wanted: one step more, whatever it says.
     const Status status = backtrack(session, window, candidate, home_scope);
     if (is_failure(status)) return ended(status);
     outcome = done(status);
   }
-  unreached_target_trace(session, window);
+  if (session.state.trace_level < 3 || target == nullptr) return outcome;
+  // The target has not been reached. A scope reference that is the target in the window shows no list.
+  for (const Node* node : {window.lnode, window.rnode}) {
+    if (is_target(session, node) && is_scope_reference(*node)) return outcome;
+  }
+  dump_list(session, window, true);
   return outcome;
 }
 

@@ -74,10 +74,12 @@ Status put_in_front(Session& session, WordEntry& word, std::string_view text) {
 
 Status graph_attrs_into_word(Session& session, Node& node, const NodePattern& pattern) {
   if (!is_untouched(node) || node.candidates == nullptr) return Status::ok;
+  // wanted: the kind comes from the word before the graph's attributes are in it.
   if (node.kind < kKindBoundary) node_kind_recompute(node);
   const std::string_view text = text_or_empty(head_text(node));
   if (text.empty()) return Status::ok;
   WordEntry& word = *node.candidates;
+  // A node that was there has them from an earlier match; for one that is brought in they count once more.
   const bool is_in_word = std::string_view(text_or_empty(word.attrs)).find(text) != std::string_view::npos;
   if (pattern.inserted == 0 && is_in_word) return Status::ok;
   return put_in_front(session, word, text);

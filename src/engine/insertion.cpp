@@ -9,6 +9,7 @@
 #include "data/words.hpp"
 #include "engine/filter.hpp"
 #include "engine/literal.hpp"
+#include "engine/undo.hpp"
 
 namespace lexon {
 
@@ -18,81 +19,56 @@ bool is_lone_empty_star(const ContextGroup* group) {
   return group != nullptr && group->attr_conds == nullptr && group->star != 0 && group->next == nullptr;
 }
 
-// Which arcs bring a node in.
-struct ArcChoice {
-  const char* label;
-  bool leads_away;  // the node is at the `to` end, what stands in the window at the `from` end; else the other way
-};
-
-ArcChoice arc_choice(const Rule& rule, Side side) {
-  const CondItem* own = pattern_of(rule, side).relations;
-  if (own != nullptr) return {own->text, true};
-  return {pattern_of(rule, other(side)).relations->text, false};
-}
-
-bool is_chosen(Session& session, const Relation& arc, const ArcChoice& choice, const Node& anchor) {
-  const int scope = current_scope(session).number;
-  if (arc.scope != scope || arc.used != 0 || std::strcmp(arc.label, choice.label) != 0) return false;
-  return is_same_or_origin(choice.leads_away ? arc.from : arc.to, anchor);
-}
-
-bool stands_in_list(Session& session, const Node& node, Node* any) {
-  for (const Node& placed : chain<&Node::right>(list_first(any))) {
-    if (&placed == &node) return true;
-    if (must_leave(session) != Status::ok) return false;
-  }
-  return false;
-}
-
-// A node that no rule has touched comes in itself.
-Fit offer_node(Session& session, Match& match, Side side, Node& node) {
-  const Fit fit = filter_candidates(session, side, match.rule, match.candidate, window_with(match.window, side, &node),
-                                    match.chosen);
+// Gives the node that the arc leads to a try: filters its words, in the place of `side`. `placed` is what would come in.
+Fit offer(Session& session, Match& match, Side side, Relation& arc, Node& node, Node*& placed) {
   Node* beside = node_of(match.window, other(side));
-  // An arc from a node to itself puts it beside itself: the list shows it, and the next match is refused.
-  if (fit == Fit::no || beside == &node || !stands_in_list(session, node, beside)) return fit;
-  rule_base_failure(session, "a relation brings in a node that stands in the list already and is fresh");
-  return Fit::failed;
-}
-
-// Gives the arc back, and takes what the copy has inherited off the shared text.
-void give_up_copy(Session& session, Relation& arc, Node* copy, ScopeAttrs* block, std::size_t old_length) {
-  if (arc.to == copy) {
-    arc.to = copy->origin;
-  } else if (arc.from == copy) {
-    arc.from = copy->origin;
+  session.state.turned = nullptr;  // the node and its copy share their blocks with nodes of the list
+  scope_attrs_to_front(node, arc.scope);
+  if (is_fresh(node)) {
+    // A node that no rule has touched comes in itself.
+    placed = &node;
+    const Fit fit = filter_candidates(session, side, match.rule, match.candidate,
+                                      window_with(match.window, side, &node), match.chosen);
+    // An arc from a node to itself puts it beside itself: the list shows it, and the next match is refused.
+    if (fit == Fit::no || beside == &node || !stands_in_list(session, beside, &node)) return fit;
+    rule_base_failure(session, "a relation brings in a node that stands in the list already and is fresh");
+    return Fit::failed;
   }
-  copy->origin = nullptr;
-  if (block != nullptr) block->text[old_length] = '\0';
-  node_free(session, copy);
-}
-
-// A node that stands or stood in a list comes in as a copy.
-Fit offer_copy(Session& session, Match& match, Side side, Relation& arc, Node& node, Node*& copy) {
+  // A node that stands or stood in a list comes in as a copy, which takes over the node's end of the arc, and shares
+  // its attribute blocks.
   ScopeAttrs* block = node.scope_attrs;
   const std::size_t old_length = block == nullptr ? 0 : std::strlen(block->text);
-  if (node_copy(session, copy, node, &arc, 0) != Status::ok) return Fit::failed;
-  const Fit fit = filter_candidates(session, side, match.rule, match.candidate, window_with(match.window, side, copy),
+  if (node_copy(session, placed, node, &arc, 0) != Status::ok) return Fit::failed;
+  const Fit fit = filter_candidates(session, side, match.rule, match.candidate, window_with(match.window, side, placed),
                                     match.chosen);
-  if (fit == Fit::no) give_up_copy(session, arc, copy, block, old_length);
-  return fit;
+  if (fit != Fit::no) return fit;
+  // The arc goes back, and the shared text loses what it got from the copying.
+  if (arc.to == placed) {
+    arc.to = placed->origin;
+  } else if (arc.from == placed) {
+    arc.from = placed->origin;
+  }
+  placed->origin = nullptr;
+  if (block != nullptr) block->text[old_length] = '\0';
+  node_free(session, placed);
+  return Fit::no;
 }
 
-Fit offer(Session& session, Match& match, Side side, Relation& arc, Node& node, Node*& placed) {
-  placed = &node;
-  scope_attrs_to_front(node, arc.scope);
-  return is_fresh(node) ? offer_node(session, match, side, node) : offer_copy(session, match, side, arc, node, placed);
-}
-
+// Looks for an arc of the current scope with the label that the rule names, from what stands in the window.
 Fit find_by_arc(Session& session, Match& match, Side side, Node*& placed) {
   const Node* anchor = node_of(match.passed, other(side));
   if (anchor == nullptr) return Fit::no;
-  const ArcChoice choice = arc_choice(match.rule, side);
+  // A label in the pattern of the node to come leads to it; one in the other pattern leads away from it.
+  const CondItem* own = pattern_of(match.rule, side).relations;
+  const char* label = own != nullptr ? own->text : pattern_of(match.rule, other(side)).relations->text;
+  const int scope = current_scope(session).number;
   Relation* arcs = anchor->origin == nullptr ? anchor->relations : anchor->origin->relations;
   for (Relation& arc : chain<&Relation::next>(arcs)) {
     if (must_leave(session) != Status::ok) return Fit::no;
-    if (!is_chosen(session, arc, choice, *anchor)) continue;
-    Node& node = choice.leads_away ? *arc.to : *arc.from;
+    if (arc.scope != scope || arc.used != 0 || std::strcmp(arc.label, label) != 0) continue;
+    if (!is_same_or_origin(own != nullptr ? arc.from : arc.to, *anchor)) continue;
+    Node& node = own != nullptr ? *arc.to : *arc.from;
+    // wanted: a scope without an entry ends the search, whatever arcs are left.
     if (is_scope_reference(node) && scope_entry_node(session, node.scope) == nullptr) return Fit::no;
     match.arc = &arc;
     if (const Fit fit = offer(session, match, side, arc, node, placed); fit != Fit::no) return fit;
@@ -101,10 +77,6 @@ Fit find_by_arc(Session& session, Match& match, Side side, Node*& placed) {
 }
 
 }  // namespace
-
-bool is_same_or_origin(const Node* end, const Node& node) {
-  return end == &node || (end != nullptr && end == node.origin);
-}
 
 bool shifted_text_fits(const Match& match, Side side) {
   const std::uint8_t shift_type = side == Side::left ? rule_type::shift_left : rule_type::shift_right;
@@ -123,6 +95,7 @@ bool find_place(Session& session, Match& match, Side side) {
   Node*& beside = node_of(match.window, other(side));
   const ContextGroup* beyond = groups_beyond(match.rule, side);
   if (beside == nullptr) return false;
+  // The walk over MID has already found what lies beyond.
   if (beyond == nullptr || match.mid_mark.hit != nullptr) return true;
   Node* next = neighbour(*beside, side);
   while (next != nullptr && match_context(session, side, beyond, next) == nullptr) {
@@ -139,6 +112,7 @@ Fit bring_in(Session& session, Match& match, Side side) {
   const Fit fit = by_arc ? find_by_arc(session, match, side, placed) : make_literal(session, match, side, placed);
   // wanted: a co-occurrence lookup that failed (`refused`) counts as a fit
   if (fit != Fit::yes && fit != Fit::refused) return fit;
+  // It stands between the other place of the window and that one's neighbour.
   Node& beside = *node_of(match.window, other(side));
   side == Side::left ? node_insert_before(beside, *placed) : node_insert_after(beside, *placed);
   node_of(match.window, side) = placed;

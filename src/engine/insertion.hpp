@@ -23,6 +23,16 @@ struct Session;
 [[nodiscard]] Fit bring_in(Session& session, Match& match, Side side);
 
 // Is `end` the node, or the node of which it is a copy?
-[[nodiscard]] bool is_same_or_origin(const Node* end, const Node& node);
+[[nodiscard]] constexpr bool is_same_or_origin(const Node* end, const Node& node) {
+  return end == &node || (end != nullptr && end == node.origin);
+}
+
+// Does the arc lead from `beside`, or from the node of which that is a copy, to `node`? And the other way?
+[[nodiscard]] constexpr bool leads_to(const Relation& arc, const Node& node, const Node& beside) {
+  return arc.to == &node && is_same_or_origin(arc.from, beside);
+}
+[[nodiscard]] constexpr bool leads_from(const Relation& arc, const Node& node, const Node& beside) {
+  return arc.from == &node && is_same_or_origin(arc.to, beside);
+}
 
 }  // namespace lexon

@@ -14,6 +14,7 @@ namespace lexon {
 
 namespace {
 
+// Only the first condition on a text names a word.
 const char* first_text(const CondItem* items) {
   return items == nullptr ? nullptr : items->text;
 }
@@ -26,51 +27,33 @@ Fit filter_words(Session& session, Match& match, Side side, const Rule& rule, No
   return filter_candidates(session, side, rule, match.candidate, window_with(match.window, side, &node), match.chosen);
 }
 
-// The conditions on texts name the class, and are not held against its members.
-Fit filter_class_words(Session& session, Match& match, Side side, Node& node) {
-  Rule rule = match.rule;
-  NodePattern pattern = pattern_of(rule, side);
-  pattern.hw_conds = nullptr;
-  pattern.cw_conds = nullptr;
-  (side == Side::left ? rule.lnode : rule.rnode) = &pattern;
-  const Fit fit = filter_words(session, match, side, rule, node);
-  if (fit != Fit::no) node.kind = kKindClassWord;
-  return fit;
-}
-
-bool names_class(const NodePattern& pattern) {
-  const char* text = first_text(pattern.hw_conds);
-  return text != nullptr && text[0] == '#';
-}
-
-// wanted: only to the left are the groups beyond tested once more
-bool place_still_fits(Session& session, const Match& match, Side side) {
-  if (side == Side::right || match.mid_mark.hit != nullptr || match.rule.pre == nullptr) return true;
-  return match_context(session, side, match.rule.pre, match.window.rnode->left) != nullptr;
-}
-
-Fit find_words_elsewhere(Session& session, Match& match, Side side, Node& node) {
-  if (!place_still_fits(session, match, side)) return Fit::no;
-  const NodePattern& pattern = pattern_of(match.rule, side);
-  if (names_class(pattern)) node.candidates = word_class_entries(session, match.rule, side_letter(side));
-  if (node.candidates != nullptr) return filter_class_words(session, match, side, node);
-  node.candidates = entry_from_pattern(session, pattern);
-  return node.candidates == nullptr ? Fit::no : Fit::yes;
-}
-
+// The node's words: from the dictionary, or those of a word class, or one that the pattern itself describes.
 Fit find_words(Session& session, Match& match, Side side, Node& node) {
   const NodePattern& pattern = pattern_of(match.rule, side);
-  const Status looked_up =
-      dict_select(session, first_text(pattern.hw_conds), first_text(pattern.cw_conds), node.candidates);
+  const char* hw = first_text(pattern.hw_conds);
+  const Status looked_up = dict_select(session, hw, first_text(pattern.cw_conds), node.candidates);
   // A dictionary that cannot be read refuses the rule; its status stands in the engine's state.
   if (looked_up != Status::ok) return looked_up == Status::memory ? Fit::failed : Fit::no;
   if (node.candidates != nullptr) return filter_words(session, match, side, match.rule, node);
-  return find_words_elsewhere(session, match, side, node);
-}
-
-// Releases words from the head on until one has the concept word. What stands behind it stays, whatever it is.
-void drop_until_cw(Session& session, WordEntry*& words, const char* cw) {
-  while (words != nullptr && std::strcmp(text_or_empty(words->cw), cw) != 0) entry_drop_head(session, words);
+  // wanted: only to the left are the groups beyond tested once more
+  const bool is_tested_again = side == Side::left && match.mid_mark.hit == nullptr && match.rule.pre != nullptr;
+  if (is_tested_again && match_context(session, side, match.rule.pre, match.window.rnode->left) == nullptr)
+    return Fit::no;
+  const bool names_class = hw != nullptr && hw[0] == '#';
+  if (names_class) node.candidates = word_class_entries(session, match.rule, side);
+  if (node.candidates == nullptr) {
+    node.candidates = entry_from_pattern(session, pattern);
+    return node.candidates == nullptr ? Fit::no : Fit::yes;
+  }
+  // The conditions on texts name the class, and are not held against its members.
+  Rule rule = match.rule;
+  NodePattern rest = pattern;
+  rest.hw_conds = nullptr;
+  rest.cw_conds = nullptr;
+  of_side(side, rule.lnode, rule.rnode) = &rest;
+  const Fit fit = filter_words(session, match, side, rule, node);
+  if (fit != Fit::no) node.kind = kKindClassWord;
+  return fit;
 }
 
 }  // namespace
@@ -82,8 +65,11 @@ Status dict_select(Session& session, const char* hw, const char* cw, WordEntry*&
   const char* key = hw != nullptr ? hw : cw;
   if (const Status s = words_by_key(session, session.sentence.dictionary, key_field, key, words); s != Status::ok)
     return s;
+  // The order in which words are tried.
   entry_list_sort(words);
-  if (hw != nullptr && cw != nullptr) drop_until_cw(session, words, cw);
+  if (hw == nullptr || cw == nullptr) return Status::ok;
+  // Words go from the head on until one has the concept word. What stands behind it stays, whatever it is.
+  while (words != nullptr && std::strcmp(text_or_empty(words->cw), cw) != 0) entry_drop_head(session, words);
   return Status::ok;
 }
 
@@ -99,6 +85,7 @@ Fit make_literal(Session& session, Match& match, Side side, Node*& node) {
   if (pattern.hw_conds == nullptr && pattern.cw_conds == nullptr) return Fit::no;
   node = temp_new<Node>(session);
   if (node == nullptr) return Fit::failed;
+  // A node without fitting words goes back at once.
   const Fit fit = find_words(session, match, side, *node);
   if (fit == Fit::no) node_free(session, node);
   return fit;

@@ -17,48 +17,34 @@ namespace lexon {
 
 namespace {
 
-// The window at the end of the list.
-[[nodiscard]] Window last_window(Session& session, Node* node) {
-  if (node == nullptr) return {nullptr, nullptr};
-  while (node->right != nullptr && must_leave(session) == Status::ok) node = node->right;
-  return {node->left, node};
-}
-
-[[nodiscard]] bool is_reference(const Node* node) {
-  return node != nullptr && is_scope_reference(*node);
-}
-
+// Rules of generation are passed over, and scope rules at a place that stands for no scope.
 [[nodiscard]] bool may_run(const Rule& rule, const Window& window) {
-  if (rule.type == rule_type::post_scope_left) return is_reference(window.lnode);
-  if (rule.type == rule_type::post_scope_right) return is_reference(window.rnode);
-  return is_post_edit_type(rule.type);
-}
-
-// What the pass ends with if no rule fits behind this answer.
-[[nodiscard]] Status status_after(Session& session, Fit fit) {
-  if (fit == Fit::failed) return must_leave(session) != Status::ok ? must_leave(session) : Status::memory;
-  // wanted: a rule that fits and is refused fails the pass, if it is the last one asked.
-  return fit == Fit::refused ? Status::no_effect : Status::ok;
+  const Node* place = nullptr;
+  if (rule.type == rule_type::post_scope_left) place = window.lnode;
+  if (rule.type == rule_type::post_scope_right) place = window.rnode;
+  const bool wants_reference = rule.type == rule_type::post_scope_left || rule.type == rule_type::post_scope_right;
+  return wants_reference ? place != nullptr && is_scope_reference(*place) : is_post_edit_type(rule.type);
 }
 
 // The first rule of the list that fits becomes its head; null if none does. `result` is what the last match gave.
 void rule_choose(Session& session, RuleCandidate*& candidates, Window& window, Status& result) {
+  session.state.turned = nullptr;
   while (candidates != nullptr) {
     RuleCandidate& element = *candidates;
     if (may_run(*element.rule, window)) {
       // wanted: a failure is overwritten by what the next rule gives.
       const Fit fit = match_rule(session, element, window);
-      result = status_after(session, fit);
+      if (fit == Fit::failed) {
+        result = must_leave(session) != Status::ok ? must_leave(session) : Status::memory;
+      } else {
+        // wanted: a rule that fits and is refused fails the pass, if it is the last one asked.
+        result = fit == Fit::refused ? Status::no_effect : Status::ok;
+      }
       if (fit == Fit::yes || must_leave(session) != Status::ok) return;
     }
     candidates = element.next;
     candidate_passed_over(session, &element);
   }
-}
-
-[[nodiscard]] bool moves_window(const Rule& rule) {
-  return rule.type == rule_type::post_left || rule.type == rule_type::post_right ||
-         rule.type == rule_type::post_insertion;
 }
 
 // One round. False when the pass is over.
@@ -73,8 +59,12 @@ void rule_choose(Session& session, RuleCandidate*& candidates, Window& window, S
   if (candidates == nullptr || must_leave(session) != Status::ok) return false;
   // A pass inside a scope must not release it.
   const CandidatePin pin(candidates);
-  result = moves_window(*candidates->rule) ? apply_rule(session, window, candidates, nullptr)
-                                           : post_edit_rule(session, window, *candidates);
+  const std::uint8_t type = candidates->rule->type;
+  const bool moves_window =
+      type == rule_type::post_left || type == rule_type::post_right || type == rule_type::post_insertion;
+  result =
+      moves_window ? apply_rule(session, window, candidates, nullptr) : post_edit_rule(session, window, *candidates);
+  // A rule that fails ends the pass, and with it the sentence.
   return result == Status::ok;
 }
 
@@ -83,7 +73,9 @@ void rule_choose(Session& session, RuleCandidate*& candidates, Window& window, S
 Status post_edit(Session& session, Node* start) {
   if (stack_nearly_used(session)) return Status::memory;
   if (start == nullptr) return rule_base_failure(session, "post-edited a scope without an entry");
-  Window window = last_window(session, start);
+  Node* last = start;
+  while (last->right != nullptr && must_leave(session) == Status::ok) last = last->right;
+  Window window{last->left, last};
   trace_list(session, window, false);
   Status result = Status::ok;
   while (round(session, window, result)) {

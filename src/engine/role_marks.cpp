@@ -14,23 +14,22 @@ namespace lexon {
 
 namespace {
 
+// A mark changes the text of the attributes by its sign, its name and a comma.
 constexpr std::int32_t kMarkGrowth = 3;  // wanted: one more than the mark's sign and comma
 constexpr std::int32_t kMarkShrink = 1;
-
-// Does `sign` mark a choice for the node of this side?
-[[nodiscard]] bool is_sign_of(const Rule& rule, Side side, char sign) {
-  const bool own_roles = pattern_of(rule, side).roles != nullptr;
-  const bool opposite_roles = pattern_of(rule, other(side)).roles != nullptr;
-  return (sign == '<' && own_roles) || (sign == '>' && opposite_roles);
-}
 
 [[nodiscard]] Status mark_remove(Session& session, const Rule& rule, Side side, Node* node, const WordEntry& chosen) {
   if (node == nullptr || node->candidates == nullptr) return Status::ok;
   WordEntry& word = *node->candidates;
   std::string_view attrs = text_or_empty(word.attrs);
-  if (attrs.empty() || !is_sign_of(rule, side, attrs.front())) return Status::ok;
+  if (attrs.empty()) return Status::ok;
+  // The sign tells whose choice was marked: "<" by the roles of this side's pattern, ">" by those of the other.
+  const bool is_own = attrs.front() == '<' && pattern_of(rule, side).roles != nullptr;
+  const bool is_opposite = attrs.front() == '>' && pattern_of(rule, other(side)).roles != nullptr;
+  if (!is_own && !is_opposite) return Status::ok;
   attrs.remove_prefix(1);
   const std::string_view id = text_or_empty(chosen.id);
+  // Another choice has put its mark in front: that one stays.
   if (!attrs.starts_with(id)) return Status::ok;
   attrs.remove_prefix(id.size());
   if (attrs.starts_with(',')) attrs.remove_prefix(1);
@@ -44,6 +43,7 @@ constexpr std::int32_t kMarkShrink = 1;
 }  // namespace
 
 Status role_mark_add(Session& session, const Rule& rule, Node* lnode, Node* rnode, const WordEntry& chosen) {
+  // Only a node that the rule brings in has been chosen.
   if (has_brace_patterns(rule)) return Status::ok;
   const Side side = rule.lnode->inserted != 0 ? Side::left : Side::right;
   Node* node = side == Side::left ? lnode : rnode;

@@ -36,6 +36,7 @@ struct ScopeEntry {
 void block_append(ScopeAttrs* block, std::string_view text) {
   if (block == nullptr) return;
   const std::size_t length = std::strlen(block->text);
+  // What does not fit is cut off without a word.
   const std::size_t taken = std::min(text.size(), kBlockLimit - std::min(length, kBlockLimit));
   std::memcpy(block->text + length, text.data(), taken);
   block->text[length + taken] = '\0';
@@ -46,16 +47,24 @@ void block_cut(ScopeAttrs* block) {
   if (char* handed_in = std::strstr(block->text, kHandedIn.data()); handed_in != nullptr) *handed_in = '\0';
 }
 
-[[nodiscard]] bool is_handed_in(const ScopeEntry& scope, const CondItem& item) {
-  if (item.op == kOpNot || item.op == kOpDelete) return false;
-  // wanted: from the left place an attribute is handed in even if the reference has it.
-  return scope.side == Side::left || attr_find(scope.ref.candidates->attrs, item.text) == nullptr;
-}
-
-// Hands over what earlier rules added to the reference: it stands in front of ",;" in the word, or, if the word has
-// none, behind it in the block.
-void earlier_additions_hand_in(const ScopeEntry& scope, std::string_view attrs, std::size_t separator) {
-  ScopeAttrs* block = scope.row.entry->scope_attrs;
+// Fills the scope's block behind ",;" with what the rule adds, and with what earlier rules have added to the reference.
+void attrs_hand_in(const ScopeEntry& scope) {
+  Node& entry = *scope.row.entry;
+  scope_attrs_to_front(entry, scope.row.number);
+  // What an earlier entry has handed in goes first.
+  ScopeAttrs* block = entry.scope_attrs;
+  block_cut(block);
+  const std::string_view attrs = text_or_empty(scope.ref.candidates->attrs);
+  const std::size_t separator = attrs.find(kHandedIn);
+  if (scope.pattern.actions != nullptr || separator != std::string_view::npos) block_append(block, kHandedIn);
+  for (const CondItem& item : chain<&CondItem::next>(scope.pattern.actions)) {
+    if (item.op == kOpNot || item.op == kOpDelete) continue;
+    // wanted: from the left place an attribute is handed in even if the reference has it.
+    if (scope.side == Side::right && attr_find(scope.ref.candidates->attrs, item.text) != nullptr) continue;
+    block_append(block, ",");
+    block_append(block, item.text);
+  }
+  // Earlier additions stand in front of ",;" in the word, or, if the word has none, behind it in the block.
   ScopeAttrs* ref_block = scope.ref.scope_attrs;
   if (separator != std::string_view::npos) {
     const std::string_view additions = attrs.substr(0, separator);
@@ -70,28 +79,6 @@ void earlier_additions_hand_in(const ScopeEntry& scope, std::string_view attrs, 
   }
 }
 
-void attrs_hand_in(const ScopeEntry& scope) {
-  Node& entry = *scope.row.entry;
-  scope_attrs_to_front(entry, scope.row.number);
-  ScopeAttrs* block = entry.scope_attrs;
-  block_cut(block);
-  const std::string_view attrs = text_or_empty(scope.ref.candidates->attrs);
-  const std::size_t separator = attrs.find(kHandedIn);
-  if (scope.pattern.actions != nullptr || separator != std::string_view::npos) block_append(block, kHandedIn);
-  for (const CondItem& item : chain<&CondItem::next>(scope.pattern.actions)) {
-    if (!is_handed_in(scope, item)) continue;
-    block_append(block, ",");
-    block_append(block, item.text);
-  }
-  earlier_additions_hand_in(scope, attrs, separator);
-}
-
-void entry_trace(Session& session, const ScopeEntry& scope, const RuleCandidate& candidate) {
-  trace_rule_applied(session, candidate);
-  trace_rule_end(session);
-  trace_scope_entered(session, scope.side, scope.row.number);
-}
-
 // wanted: what stands in the current row when the scope ends counts. A return into deeper scopes can have left one of
 // theirs in force.
 [[nodiscard]] Status scope_finished(Session& session, const Node* ref) {
@@ -101,6 +88,7 @@ void entry_trace(Session& session, const ScopeEntry& scope, const RuleCandidate&
   if (!have_words) return rule_base_failure(session, "finished a scope without a word");
   WordEntry& word = *ref->candidates;
   std::string_view own = text_or_empty(word.attrs);
+  // What rules have added before is in the scope by now.
   if (const std::size_t at = own.find(kOwnBehind); at != std::string_view::npos) {
     own.remove_prefix(at + kOwnBehind.size());
   }
@@ -111,42 +99,17 @@ void entry_trace(Session& session, const ScopeEntry& scope, const RuleCandidate&
   return Status::ok;
 }
 
-[[nodiscard]] Status scope_failed(Session& session, Side side, Status generated) {
-  const ScopeRow& row = current_scope(session);
-  trace_indent_shrink(session);
-  trace_scope_failed(session, side, row.number);
-  if (row.entry != nullptr) block_cut(row.entry->scope_attrs);
-  return generated;
-}
-
-// A scope that the table does not know can lead back into the list of the window itself, and undo what stands there.
-[[nodiscard]] Status scope_generate(Session& session, Node* entry, Window& window, const RuleCandidate& candidate) {
-  const PlaceWatch watch(session, window.lnode, window.rnode);
-  const CandidatePin pin(&candidate);
-  return generate_scope(session, entry, true);
-}
-
-// Does this side of the rule enter the scope of its node?
-[[nodiscard]] bool enters_scope(Session& session, Side side, const Window& window, const Rule& rule) {
-  const Node* node = node_of(window, side);
-  const bool is_own_reference = node != nullptr && is_scope_reference(*node) && node->origin == nullptr;
-  if (!is_own_reference || rule.type != rule_type::insertion) return false;
-  if (pattern_of(rule, side).inserted != 0) return true;
-  return pattern_of(rule, other(side)).inserted == 0 && scope_is_built(session, node->scope) == 0;
-}
-
 }  // namespace
 
-int scope_row_find(Session& session, int scope) {
-  for (std::int32_t row = 1; row < session.sentence.semlst_count && row < kMaxScopes; ++row) {
-    if (session.sentence.semlst[static_cast<std::size_t>(row)].number == scope) return row;
-  }
-  return 0;
-}
-
-std::optional<Side> scope_to_enter(Session& session, const Window& window, const Rule& rule) {
+std::optional<Side> scope_to_enter(const Session& session, const Window& window, const Rule& rule) {
+  if (rule.type != rule_type::insertion) return std::nullopt;
   for (const Side side : {Side::right, Side::left}) {
-    if (enters_scope(session, side, window, rule)) return side;
+    const Node* node = node_of(window, side);
+    const bool is_own_reference = node != nullptr && is_scope_reference(*node) && node->origin == nullptr;
+    if (!is_own_reference) continue;
+    // A reference that the rule brings in is entered at once; one that stands there, by a rule with two brace patterns.
+    if (pattern_of(rule, side).inserted != 0) return side;
+    if (pattern_of(rule, other(side)).inserted == 0 && scope_is_built(session, node->scope) == 0) return side;
   }
   return std::nullopt;
 }
@@ -161,15 +124,29 @@ ScopeResult scope_enter(Session& session, Side side, Window& window, const RuleC
   const bool can_enter = row.entry != nullptr && ref.candidates != nullptr;
   if (!can_enter) return {rule_base_failure(session, "entered a scope without an entry"), false};
   const ScopeEntry scope{side, ref, pattern_of(*candidate.rule, side), row};
-  entry_trace(session, scope, candidate);
+  trace_rule_applied(session, candidate);
+  trace_rule_end(session);
+  trace_scope_entered(session, side, row.number);
   if (!trace_indent_grow(session)) return {session.state.abort = Status::memory, false};
   attrs_hand_in(scope);
-  const Status generated = scope_generate(session, row.entry, window, candidate);
+  Status status = Status::ok;
+  {
+    // A scope that the table does not know can lead back into the list of the window itself, and undo what stands there.
+    const PlaceWatch watch(session, window.lnode, window.rnode);
+    const CandidatePin pin(&candidate);
+    status = generate_scope(session, row.entry, true);
+  }
   // A stopped or lost sentence prints nothing more.
-  if (const Status status = must_leave(session); status != Status::ok) return {status, false};
-  const bool has_failed = generated != Status::ok;
-  const Status status =
-      has_failed ? scope_failed(session, side, generated) : scope_finished(session, node_of(window, side));
+  if (must_leave(session) != Status::ok) return {must_leave(session), false};
+  const bool has_failed = status != Status::ok;
+  if (has_failed) {
+    const ScopeRow& failed = current_scope(session);
+    trace_indent_shrink(session);
+    trace_scope_failed(session, side, failed.number);
+    if (failed.entry != nullptr) block_cut(failed.entry->scope_attrs);
+  } else {
+    status = scope_finished(session, node_of(window, side));
+  }
   session.state.semlst_cur = home_scope;
   return {status, has_failed};
 }
@@ -177,6 +154,7 @@ ScopeResult scope_enter(Session& session, Side side, Window& window, const RuleC
 Status reference_attrs_join(Session& session, WordEntry& word, std::string_view own, const WordEntry& entry_word) {
   Scratch<kAttrLimit + 1> inner;
   inner.append(text_or_empty(entry_word.attrs));
+  // The reference is no entry because its scope has one.
   attr_erase(inner.c_str(), "@entry");
   Scratch<kAttrLimit + 1> text;
   text.append(own).append(',').append(inner.c_str());

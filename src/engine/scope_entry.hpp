@@ -14,11 +14,8 @@ namespace lexon {
 
 struct Session;
 
-// The index of a scope in the scope table, or 0.
-[[nodiscard]] int scope_row_find(Session& session, int scope);
-
 // The place of the window whose scope the rule enters, if any. The right place is asked first.
-[[nodiscard]] std::optional<Side> scope_to_enter(Session& session, const Window& window, const Rule& rule);
+[[nodiscard]] std::optional<Side> scope_to_enter(const Session& session, const Window& window, const Rule& rule);
 
 struct ScopeResult {
   Status status;

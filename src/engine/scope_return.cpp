@@ -44,45 +44,20 @@ struct Return {
   RuleCandidate* inner_candidate;
 };
 
-// Steps 1 and 2. The left node is asked first.
-[[nodiscard]] std::optional<Side> reference_side(Session& session, const Window& window,
-                                                 const RuleCandidate* candidate) {
-  if (candidate == nullptr || candidate->rule->type != rule_type::insertion) return std::nullopt;
-  for (const Side side : {Side::left, Side::right}) {
-    if (may_re_enter_scope(session, node_of(window, side), pattern_of(*candidate->rule, side), *candidate->rule))
-      return side;
-  }
-  return std::nullopt;
+[[nodiscard]] bool is_lost(const Window& window) {
+  return window.lnode == nullptr || window.rnode == nullptr;
 }
 
-// Step 3.
-[[nodiscard]] Status reference_attrs_reset(Session& session, Node& reference) {
-  if (reference.candidates == nullptr)
-    return rule_base_failure(session, "went back into a scope whose reference has no word");
-  WordEntry& word = *reference.candidates;
-  Scratch<kAttrLimit + 8> attrs;
-  attrs.append(text_or_empty(head_text(reference))).append(",SCOPE");
-  const std::int32_t length = word.attr_len;
-  const Status status = entry_attrs_set(session, word, attrs.view());
-  word.attr_len = length;  // wanted: no size of the word follows
-  return status;
-}
-
-// Step 7: the scope's blocks in front. The last node of the list is the result, null without a list.
-[[nodiscard]] Node* scope_attrs_turn(Session& session, Node* entry, int scope) {
-  Node* last = nullptr;
-  for (Node* node = list_first(entry); node != nullptr && must_leave(session) == Status::ok; node = node->right) {
-    if (!is_boundary(*node)) scope_attrs_to_front(*node, scope);
-    last = node;
-  }
-  return last;
-}
-
-// Steps 5 to 8.
+// Steps 5 to 8: the scope's blocks go to the front, and the inner window stands beyond the right boundary.
 [[nodiscard]] Status inner_place_set(Session& session, Return& back) {
   if (!trace_indent_grow(session)) return session.state.abort = Status::memory;
-  trace_return_into_scope(session, current_scope(session).number);
-  Node* last = scope_attrs_turn(session, current_scope(session).entry, current_scope(session).number);
+  const ScopeRow& row = current_scope(session);
+  trace_return_into_scope(session, row.number);
+  Node* last = nullptr;
+  for (Node* node = list_first(row.entry); node != nullptr && must_leave(session) == Status::ok; node = node->right) {
+    if (!is_boundary(*node)) scope_attrs_to_front(*node, row.number);
+    last = node;
+  }
   if (const Status status = must_leave(session); status != Status::ok) return status;
   const bool was_finished = last != nullptr && is_boundary(*last) && !is_fresh(*last);
   if (!was_finished) return rule_base_failure(session, "went back into a scope that was not finished");
@@ -91,12 +66,11 @@ struct Return {
   return Status::ok;
 }
 
-[[nodiscard]] bool is_lost(const Window& window) {
-  return window.lnode == nullptr || window.rnode == nullptr;
-}
-
-// Step 9: undoes the inner list until there is something new to try.
-[[nodiscard]] Status inner_undo(Session& session, Return& back) {
+// Steps 9 and 10: the inner list is undone until there is something new to try, and generated on from there.
+[[nodiscard]] Status inner_search(Session& session, Return& back) {
+  // What is undone inside can release nodes that either window stands on.
+  const PlaceWatch outer_watch(session, back.outer.lnode, back.outer.rnode);
+  const PlaceWatch inner_watch(session, back.inner.lnode, back.inner.rnode);
   for (;;) {
     if (const Status status = must_leave(session); status != Status::ok) return status;
     Status status = backtrack(session, back.inner, back.inner_candidate, back.home_scope);
@@ -108,108 +82,77 @@ struct Return {
       if (is_lost(back.inner)) return status;
     }
     if (is_failure(status)) return status;
-    if (session.state.forced_node == nullptr && status == Status::ok) return status;
+    if (session.state.forced_node == nullptr && status == Status::ok) break;
   }
-}
-
-// Steps 9 and 10.
-[[nodiscard]] Status inner_search(Session& session, Return& back) {
-  const PlaceWatch outer_watch(session, back.outer.lnode, back.outer.rnode);
-  const PlaceWatch inner_watch(session, back.inner.lnode, back.inner.rnode);
-  if (const Status status = inner_undo(session, back); status != Status::ok || is_lost(back.inner)) return status;
+  if (is_lost(back.inner)) return Status::ok;
   const CandidatePin pin(back.inner_candidate);
   return engine_loop(session, back.inner_candidate, back.inner, back.home_scope);
 }
 
-// 11.2
-[[nodiscard]] Status solution_attrs_set(Session& session, const Return& back) {
+// Step 11: the reference takes what the new solution has brought, and the outer rule is applied once more.
+[[nodiscard]] Status solution_take(Session& session, Return& back) {
+  trace_indent_shrink(session);
+  trace_return_finished(session, current_scope(session).number);
+  // 11.2
   const Node* reference = node_of(back.outer, back.side);
   const Node* entry = current_scope(session).entry;
   const bool has_words =
       reference != nullptr && reference->candidates != nullptr && entry != nullptr && entry->candidates != nullptr;
   if (!has_words) return rule_base_failure(session, "finished a scope without a word");
   WordEntry& word = *reference->candidates;
-  return reference_attrs_join(session, word, text_or_empty(word.attrs), *entry->candidates);
-}
-
-// 11.4 and 11.5
-[[nodiscard]] Status outer_apply(Session& session, Return& back, RuleCandidate*& candidate) {
-  if (is_lost(back.outer)) return rule_base_failure(session, "went back into a scope from an empty place");
-  for (Node* node : {back.outer.lnode, back.outer.rnode}) {
-    if (const Status status = match_record_push(session, *node, kStateStep, &back.candidate); status != Status::ok)
-      return status;
-  }
-  return apply_rule(session, back.outer, candidate, &back.home_scope);
-}
-
-// Step 11.
-[[nodiscard]] Status solution_take(Session& session, Return& back) {
-  trace_indent_shrink(session);
-  trace_return_finished(session, current_scope(session).number);
-  if (const Status status = solution_attrs_set(session, back); status != Status::ok) return status;
+  const Status joined = reference_attrs_join(session, word, text_or_empty(word.attrs), *entry->candidates);
+  if (joined != Status::ok) return joined;
   session.state.semlst_cur = back.home_scope;
+  // 11.4 and 11.5
+  Status applied = Status::ok;
+  if (is_lost(back.outer)) applied = rule_base_failure(session, "went back into a scope from an empty place");
+  for (Node* node : {back.outer.lnode, back.outer.rnode}) {
+    if (applied == Status::ok) applied = match_record_push(session, *node, kStateStep, &back.candidate);
+  }
   RuleCandidate* candidate = &back.candidate;
-  if (const Status status = outer_apply(session, back, candidate); status != Status::ok) {
+  if (applied == Status::ok) applied = apply_rule(session, back.outer, candidate, &back.home_scope);
+  if (applied != Status::ok) {
     back.caller = back.outer;
-    return status;
+    return applied;
   }
   return engine_loop(session, rule_candidates(session, back.outer.lnode, back.outer.rnode), back.outer,
                      back.home_scope);
-}
-
-// 12.3: the reference is left with its first word as it was read.
-[[nodiscard]] Status reference_reset(Session& session, Node& reference) {
-  entry_list_free(session, reference.candidates);
-  return reference.entries == nullptr ? Status::ok : entry_copy(session, *reference.entries, reference.candidates);
-}
-
-// 12.4: a copy that stood for the entry node goes, and the node itself starts the scope again.
-[[nodiscard]] Status entry_reset(Session& session) {
-  Node* entry = current_scope(session).entry;
-  if (entry->origin == nullptr) return node_words_reload(session, *entry);
-  scope_entries_hand_over(session, *entry, entry->origin);
-  node_unlink_free(session, entry);
-  return Status::ok;
-}
-
-// 12.7
-[[nodiscard]] Status outer_place_set(Session& session, Return& back) {
-  if (back.candidate.rule->mid == nullptr) return Status::ok;
-  // wanted: the place is that of the inner search.
-  const RuleCandidate* inner = back.inner_candidate;
-  const bool has_place = inner != nullptr && stands_in_list_of(session, back.inner.lnode, inner->lnode);
-  if (!has_place) return rule_base_failure(session, "lost the place of a rule with MID");
-  back.outer = {inner->lnode, back.inner.lnode->right};
-  return Status::ok;
 }
 
 // 12.2 to 12.7: the scope and the rule that brought it in are undone.
 [[nodiscard]] Status scope_undo(Session& session, Return& back) {
   const PlaceWatch inner_watch(session, back.inner.lnode, back.inner.rnode);
   Node* reference = node_of(back.outer, back.side);
-  if (reference == nullptr || current_scope(session).entry == nullptr)
-    return rule_base_failure(session, "lost the scope that it undid");
-  hold_take(session, current_scope(session).entry);
-  if (const Status status = reference_reset(session, *reference); status != Status::ok) return status;
-  if (const Status status = entry_reset(session); status != Status::ok) return status;
+  Node* entry = current_scope(session).entry;
+  if (reference == nullptr || entry == nullptr) return rule_base_failure(session, "lost the scope that it undid");
+  hold_take(session, entry);
+  // 12.3: the reference is left with its first word as it was read.
+  entry_list_free(session, reference->candidates);
+  if (reference->entries != nullptr) {
+    const Status status = entry_copy(session, *reference->entries, reference->candidates);
+    if (status != Status::ok) return status;
+  }
+  // 12.4: a copy that stood for the entry node goes, and the node itself starts the scope again.
+  if (entry->origin == nullptr) {
+    if (const Status status = node_words_reload(session, *entry); status != Status::ok) return status;
+  } else {
+    scope_entries_hand_over(session, *entry, entry->origin);
+    node_unlink_free(session, entry);
+  }
   session.state.semlst_cur = back.home_scope;
   if (const Status status = inserted_undo(session, *back.candidate.rule, back.outer); status != Status::ok)
     return status;
-  return outer_place_set(session, back);
+  // 12.7
+  if (back.candidate.rule->mid == nullptr) return Status::ok;
+  // wanted: the place is that of the inner search.
+  const RuleCandidate* inner = back.inner_candidate;
+  const bool has_place = inner != nullptr && stands_in_list(session, back.inner.lnode, inner->lnode);
+  if (!has_place) return rule_base_failure(session, "lost the place of a rule with MID");
+  back.outer = {inner->lnode, back.inner.lnode->right};
+  return Status::ok;
 }
 
-// 12.9 and 12.10: the other place of the window goes to its next word, for the same rule again. Without one it gets
-// all words back, for the next rule.
-[[nodiscard]] Status opposite_word_change(Session& session, Side opposite, Node& node, RuleCandidate*& candidate) {
-  trace_next_entry(session, opposite, 1);
-  entry_drop_head(session, node.candidates);
-  if (node.candidates != nullptr) return Status::ok;
-  trace_no_next_entry(session, opposite);
-  candidate = candidate->next;
-  return node_words_reload(session, node);
-}
-
-// Step 12.
+// Step 12: the scope has nothing left.
 [[nodiscard]] Status scope_give_up(Session& session, Return& back) {
   trace_indent_shrink(session);
   trace_return_failed(session, current_scope(session).number);
@@ -218,6 +161,7 @@ struct Return {
     back.caller = back.outer;
     return Status::ok;
   }
+  // 12.8
   const Side opposite = other(back.side);
   Node* node = node_of(back.outer, opposite);
   if (node == nullptr) return rule_base_failure(session, "undid a scope beside an empty place");
@@ -225,8 +169,16 @@ struct Return {
   const bool same_rule_may_go_on = pattern_of(*candidate->rule, back.side).inserted != 0 && is_fresh(*node);
   if (!same_rule_may_go_on) {
     candidate = candidate->next;
-  } else if (const Status status = opposite_word_change(session, opposite, *node, candidate); status != Status::ok) {
-    return status;
+    return engine_loop(session, candidate, back.outer, back.home_scope);
+  }
+  // 12.9 and 12.10: the other place of the window goes to its next word, for the same rule again. Without one it gets
+  // all words back, for the next rule.
+  trace_next_entry(session, opposite, 1);
+  entry_drop_head(session, node->candidates);
+  if (node->candidates == nullptr) {
+    trace_no_next_entry(session, opposite);
+    candidate = candidate->next;
+    if (const Status status = node_words_reload(session, *node); status != Status::ok) return status;
   }
   return engine_loop(session, candidate, back.outer, back.home_scope);
 }
@@ -235,16 +187,32 @@ struct Return {
 
 Status back_into_scope(Session& session, Window& window, RuleCandidate*& candidate, std::int32_t& home_scope) {
   if (stack_nearly_used(session)) return Status::memory;
-  const std::optional<Side> side = reference_side(session, window, candidate);
+  // Steps 1 and 2. The left node is asked first.
+  std::optional<Side> side;
+  for (const Side place : {Side::left, Side::right}) {
+    if (side.has_value() || candidate == nullptr || candidate->rule->type != rule_type::insertion) break;
+    const Rule& rule = *candidate->rule;
+    if (may_re_enter_scope(session, node_of(window, place), pattern_of(rule, place), rule)) side = place;
+  }
   if (!side.has_value()) {
     if (session.state.semlst_cur == 0) trace_search_taken_as_finished(session);
     return Status::ok;
   }
+  // Steps 3 and 4: the reference forgets what the scope has brought.
   Node& reference = *node_of(window, *side);
-  if (const Status status = reference_attrs_reset(session, reference); status != Status::ok) return status;
+  if (reference.candidates == nullptr)
+    return rule_base_failure(session, "went back into a scope whose reference has no word");
+  WordEntry& word = *reference.candidates;
+  Scratch<kAttrLimit + 8> attrs;
+  attrs.append(text_or_empty(head_text(reference))).append(",SCOPE");
+  const std::int32_t length = word.attr_len;
+  const Status reset = entry_attrs_set(session, word, attrs.view());
+  word.attr_len = length;  // wanted: no size of the word follows
+  if (reset != Status::ok) return reset;
   home_scope = session.state.semlst_cur;
   const int row = scope_row_find(session, reference.scope);
   if (row == 0) return Status::ok;
+  // From here on the inner scope is the current one. The rule that brought it in must outlive the search inside.
   session.state.semlst_cur = row;
   const CandidatePin pin(candidate);
   Return back{window, *candidate, home_scope, *side, window, {nullptr, nullptr}, nullptr};

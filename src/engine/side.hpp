@@ -1,29 +1,12 @@
-// The two sides of the window. What left and right have in common is written once, with a Side.
+// What belongs to one side of a window, and of a node in its list.
 #pragma once
 
-#include <cstdint>
-
 #include "data/records.hpp"
+#include "data/side.hpp"
 #include "engine/loop.hpp"
 #include "rules/rule.hpp"
 
 namespace lexon {
-
-enum class Side : std::uint8_t { left, right };
-
-[[nodiscard]] constexpr Side other(Side side) {
-  return side == Side::left ? Side::right : Side::left;
-}
-
-// As co-occurrence takes it.
-[[nodiscard]] constexpr char side_letter(Side side) {
-  return side == Side::left ? 'l' : 'r';
-}
-
-// What the rule says of this side's node. Finished rules have both patterns.
-[[nodiscard]] inline const NodePattern& pattern_of(const Rule& rule, Side side) {
-  return side == Side::left ? *rule.lnode : *rule.rnode;
-}
 
 [[nodiscard]] inline Node*& node_of(Window& window, Side side) {
   return side == Side::left ? window.lnode : window.rnode;

@@ -11,6 +11,7 @@ namespace lexon {
 
 namespace {
 
+// A missing text equals the empty one.
 bool same_text(const char* text, const char* wanted) {
   return std::strcmp(text_or_empty(text), wanted) == 0;
 }
@@ -25,16 +26,10 @@ const WordEntry* word_in_force(const Node* node) {
   return node == nullptr ? nullptr : node->candidates;
 }
 
-// The length of one addition with its comma. The text "@" stands for all attributes of the other node.
-std::int64_t addition_length(const CondItem& action, std::uint8_t type, const WordEntry* other_word) {
-  const bool takes_all = is_stepless_type(type) && std::strcmp(action.text, "@") == 0;
-  if (takes_all && other_word != nullptr && other_word->attrs != nullptr) return std::int64_t{other_word->attr_len} + 1;
-  return static_cast<std::int64_t>(std::strlen(action.text)) + 1;
-}
-
 }  // namespace
 
 bool test_surface_one(const Node* node, const WordEntry& word, const char* hw, const char* cw) {
+  // Words of a class stand for the name of their class.
   const bool any_surface_fits = node != nullptr && kind_bits(*node) == kKindClassWord;
   if (hw != nullptr && !any_surface_fits && !same_text(word.hw, hw)) return false;
   return cw == nullptr || same_text(word.cw, cw);
@@ -55,10 +50,18 @@ bool test_surface(const Node* node, const WordEntry* word, const CondItem* hw_co
 bool attr_room_ok(Session& session, Side side, const Rule& rule, const Window& window) {
   const WordEntry* word = word_in_force(node_of(window, side));
   const WordEntry* other_word = word_in_force(node_of(window, other(side)));
+  // Computed from the stored length, not measured, and the same for each word of the node.
   std::int64_t length = word == nullptr ? 0 : word->attr_len;
   for (const CondItem& action : chain<&CondItem::next>(pattern_of(rule, side).actions)) {
-    if (action.op == kOpAdd) length += addition_length(action, rule.type, other_word);
+    if (action.op != kOpAdd) continue;
+    // The text "@" stands for all attributes of the other node. A comma stands behind each addition.
+    const bool takes_all = is_stepless_type(rule.type) && std::strcmp(action.text, "@") == 0;
+    const bool has_attrs = other_word != nullptr && other_word->attrs != nullptr;
+    length += takes_all && has_attrs ? std::int64_t{other_word->attr_len}
+                                     : static_cast<std::int64_t>(std::strlen(action.text));
+    ++length;
   }
+  // The types without a step would give both patterns' additions to one node.
   const bool takes_both_actions = rule.type == rule_type::plus || rule.type == rule_type::minus;
   for (const CondItem& action : chain<&CondItem::next>(pattern_of(rule, other(side)).actions)) {
     if (takes_both_actions && action.op == kOpAdd) length += static_cast<std::int64_t>(std::strlen(action.text)) + 1;

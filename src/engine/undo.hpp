@@ -57,13 +57,13 @@ bool hold_take(Session& session, Node* node, const Rule* of = nullptr);
 void node_unlink_release(Session& session, Node& node);
 
 // Does `node` stand in the list of `member`? Both may be null.
-[[nodiscard]] bool stands_in_list_of(Session& session, Node* member, const Node* node);
+[[nodiscard]] bool stands_in_list(const Session& session, Node* member, const Node* node);
 
 // `node` is about to be released: the scopes that start at it start at `heir` from now on.
 void scope_entries_hand_over(Session& session, const Node& node, Node* heir);
 
 // Is `node` the entry of any scope?
-[[nodiscard]] bool is_scope_entry(Session& session, const Node& node);
+[[nodiscard]] bool is_scope_entry(const Session& session, const Node& node);
 
 [[nodiscard]] constexpr bool is_window_marker(const MatchRecord* record) {
   return record != nullptr && record->state == kStateStep && record->candidate == nullptr &&

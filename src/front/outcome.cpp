@@ -28,7 +28,7 @@ std::vector<std::string> Outcome::finish(RunContext& context) {
   std::FILE* stream = context.output.get();
   if (stream == nullptr) return notes;
   context.session.output.flush();
-  const bool is_short = std::fflush(stream) != 0 || std::ferror(stream) != 0;
+  const bool is_short = !is_written(stream);
   output_failed = output_failed || is_short;
   if (is_short) notes.emplace_back("the output could not be written whole");
   return notes;

@@ -7,6 +7,7 @@
 #include <fcntl.h>
 #include <unistd.h>
 
+#include "data/platform.hpp"
 #include "data/utf8.hpp"
 
 namespace lexon {
@@ -58,7 +59,7 @@ void process_begin() {
 }
 
 bool standard_output_is_whole() {
-  return std::fflush(stdout) == 0 && std::ferror(stdout) == 0;
+  return is_written(stdout);
 }
 
 std::string escaped(std::string_view text) {

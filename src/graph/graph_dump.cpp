@@ -107,11 +107,10 @@ void marks_clear(Session& session, Node& node, int scope, RowsOnPath& on_path);
 // Goes on to the scope that the node refers to. Scopes can refer to each other in a circle; a row that is on the path
 // already clears its marks itself when the walk comes back to it.
 void referred_marks_clear(Session& session, const Node& reference, RowsOnPath& on_path) {
-  for (std::int32_t i = 0; i < session.sentence.semlst_count && i < kMaxScopes; ++i) {
-    const auto index = static_cast<std::size_t>(i);
-    const ScopeRow& row = session.sentence.semlst[index];
+  for (const ScopeRow& row : scope_rows(session.sentence)) {
     if (row.entry == nullptr) return;
     if (row.number != reference.scope) continue;
+    const auto index = static_cast<std::size_t>(&row - session.sentence.semlst.data());
     if (on_path[index]) return;
     on_path[index] = true;
     marks_clear(session, *row.entry, row.number, on_path);

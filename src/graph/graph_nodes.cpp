@@ -22,21 +22,8 @@ static_assert(kMaxGraphNodes >= kMaxGraphWords && kMaxWordLists >= kMaxGraphNode
 constexpr const char* kUnknownWord = "[]{}  \"\" (TEMP);";
 constexpr const char* kNumberWord = "[0]{} \"\" (NUM,ANUM);";
 
-// The node of the row, or where it is to be put in.
-Node** node_position(Session& session, const GraphWord& row) {
-  Node** first = session.sentence.graph_nodes.data();
-  return std::lower_bound(
-      first, first + session.sentence.graph_node_count, row,
-      [](const Node* node, const GraphWord& r) { return sorts_before(node->name, node->scope, r.name, r.number); });
-}
-
 Node** nodes_end(Session& session) {
   return session.sentence.graph_nodes.data() + session.sentence.graph_node_count;
-}
-
-bool is_node_of(Session& session, Node* const* position, const GraphWord& row) {
-  if (position == nodes_end(session)) return false;
-  return (*position)->scope == row.number && std::strcmp((*position)->name, row.name) == 0;
 }
 
 // The node's blocks are those of a row; dots of the newest one turn to commas.
@@ -69,14 +56,6 @@ Status known_words(Session& session, const char* name, WordEntry*& words) {
   return words_by_key(session, session.sentence.dictionary, kKeyCw, front.c_str(), words);
 }
 
-Status scope_reference_words(Session& session, int number, WordEntry*& words) {
-  words = entry_new(session, "SCOPE:00", "SCOPE");
-  if (words == nullptr) return Status::memory;
-  words->hw[6] = static_cast<char>('0' + number / 10);
-  words->hw[7] = static_cast<char>('0' + number % 10);
-  return Status::ok;
-}
-
 // Finds the words of a row and tells by `kind` where they came from.
 Status words_find(Session& session, const GraphWord& row, WordEntry*& words, std::int8_t& kind) {
   if (row.look_up != 0) {
@@ -87,7 +66,11 @@ Status words_find(Session& session, const GraphWord& row, WordEntry*& words, std
     }
     if (const int number = scope_number_of(row); number != 0) {
       kind = kKindScope;
-      return scope_reference_words(session, number, words);
+      words = entry_new(session, "SCOPE:00", "SCOPE");
+      if (words == nullptr) return Status::memory;
+      words->hw[6] = static_cast<char>('0' + number / 10);
+      words->hw[7] = static_cast<char>('0' + number % 10);
+      return Status::ok;
     }
   }
   return literal_entry(session, row.name, words);
@@ -108,6 +91,7 @@ Status node_make(Session& session, const GraphWord& row, WordEntry* shared_words
   if (node == nullptr) return Status::memory;
   node->name = temp_text(session, row.name);
   if (node->name == nullptr) return Status::memory;
+  // The number of the instance; of a scope reference, that of the scope.
   node->scope = row.number;
   if (shared_words == nullptr) return words_fill(session, row, *node);
   node->entries = shared_words;
@@ -141,8 +125,7 @@ Status literal_entry(Session& session, const char* word, WordEntry*& head) {
   const std::string_view text(word);
   WordEntry* entry = nullptr;
   const char* form = is_number(text) ? kNumberWord : kUnknownWord;  // the empty word counts as a number
-  if (const Status s = parse_entry(session, form, entry, EntryStorage::sentence_pool); s != Status::ok)
-    return s;
+  if (const Status s = parse_entry(session, form, entry, EntryStorage::sentence_pool); s != Status::ok) return s;
   const bool replaced = text_replace(session, entry->cw, entry->cw_len, text) &&
                         text_replace(session, entry->hw, entry->hw_len, surface_of(text));
   if (!replaced) return Status::memory;
@@ -155,8 +138,13 @@ Status literal_entry(Session& session, const char* word, WordEntry*& head) {
 Status node_build(Session& session, int row_number, Node*& node) {
   node = nullptr;
   const GraphWord& row = session.sentence.graph_words[static_cast<std::size_t>(row_number)];
-  Node** position = node_position(session, row);
-  if (is_node_of(session, position, row)) {
+  // The node of the row, or where it is to be put in.
+  Node** position = std::lower_bound(
+      session.sentence.graph_nodes.data(), nodes_end(session), row,
+      [](const Node* known, const GraphWord& r) { return sorts_before(known->name, known->scope, r.name, r.number); });
+  const bool is_there = position != nodes_end(session) && (*position)->scope == row.number &&
+                        std::strcmp((*position)->name, row.name) == 0;
+  if (is_there) {
     node = *position;
     // wanted: the node's place in its table serves as a row number. A word without a node makes them differ, and
     // the node gets the blocks of another row.
@@ -167,6 +155,7 @@ Status node_build(Session& session, int row_number, Node*& node) {
   Node* made = nullptr;
   if (const Status s = node_make(session, row, words_to_share(session, position, row.name), made); s != Status::ok)
     return s;
+  // The table stays in order.
   std::move_backward(position, nodes_end(session), nodes_end(session) + 1);
   *position = made;
   ++session.sentence.graph_node_count;

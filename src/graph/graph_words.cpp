@@ -25,19 +25,6 @@ bool refuse_attributes(Session& session) {
   return refuse(session, "the graph has a word with more than 1024 characters of attributes");
 }
 
-// The row of the word, or where it is to be put in.
-GraphWord* row_position(Session& session, const WordText& word) {
-  GraphWord* first = session.sentence.graph_words.data();
-  return std::lower_bound(
-      first, first + session.sentence.graph_word_count, word,
-      [](const GraphWord& row, const WordText& w) { return sorts_before(row.name, row.number, w.name, w.number); });
-}
-
-bool is_row_of(Session& session, const GraphWord* row, const WordText& word) {
-  const bool in_table = row != session.sentence.graph_words.data() + session.sentence.graph_word_count;
-  return in_table && row->number == word.number && std::strcmp(row->name, word.name) == 0;
-}
-
 // Puts a new block with the attributes as written in front of `blocks`.
 bool block_push(Session& session, ScopeAttrs*& blocks, const char* attrs, int scope) {
   const std::string_view text(attrs);
@@ -68,19 +55,12 @@ bool block_merge(Session& session, ScopeAttrs& block, char* attrs) {
     if (*attrs == '\0') return true;
     char* end = attrs + std::strcspn(attrs, ". ");
     const bool is_last = *end == '\0';
+    // The attribute ends here for the comparison.
     *end = '\0';
     if (attr_find(block.text, attrs) == nullptr && !block_append(session, block, attrs)) return false;
     if (is_last) return true;
     attrs = end + 1;
   }
-}
-
-bool row_extend(Session& session, GraphWord& row, char* attrs, int scope) {
-  // wanted: a scope above 255 equals none of the 8-bit numbers, so each mention brings a block of its own.
-  for (ScopeAttrs& block : chain<&ScopeAttrs::next>(row.blocks)) {
-    if (block.scope == scope) return block_merge(session, block, attrs);
-  }
-  return block_push(session, row.blocks, attrs, scope);
 }
 
 bool row_insert(Session& session, GraphWord* row, const WordText& word, int scope) {
@@ -91,6 +71,7 @@ bool row_insert(Session& session, GraphWord* row, const WordText& word, int scop
   if (!block_push(session, blocks, word.attrs, scope)) return false;
   GraphWord* end = session.sentence.graph_words.data() + session.sentence.graph_word_count;
   std::move_backward(row, end, end + 1);
+  // A quoted word is not looked up.
   *row = GraphWord{word.quoted ? 0 : 1, word.number, {}, blocks};
   name.copy(row->name, name.size());
   ++session.sentence.graph_word_count;
@@ -106,10 +87,20 @@ bool sorts_before(const char* name, int number, const char* other_name, int othe
 
 int graph_word_add(Session& session, char* text, int scope) {
   const WordText word = split_word(text);
-  GraphWord* row = row_position(session, word);
-  const bool entered = is_row_of(session, row, word) ? row_extend(session, *row, word.attrs, scope)
-                                                     : row_insert(session, row, word, scope);
-  return entered ? static_cast<int>(row - session.sentence.graph_words.data()) : -1;
+  GraphWord* first = session.sentence.graph_words.data();
+  GraphWord* end = first + session.sentence.graph_word_count;
+  // The row of the word, or where it is to be put in.
+  GraphWord* row = std::lower_bound(first, end, word, [](const GraphWord& known, const WordText& w) {
+    return sorts_before(known.name, known.number, w.name, w.number);
+  });
+  const auto index = static_cast<int>(row - first);
+  const bool is_there = row != end && row->number == word.number && std::strcmp(row->name, word.name) == 0;
+  if (!is_there) return row_insert(session, row, word, scope) ? index : -1;
+  // wanted: a scope above 255 equals none of the 8-bit numbers, so each mention brings a block of its own.
+  for (ScopeAttrs& block : chain<&ScopeAttrs::next>(row->blocks)) {
+    if (block.scope == scope) return block_merge(session, block, word.attrs) ? index : -1;
+  }
+  return block_push(session, row->blocks, word.attrs, scope) ? index : -1;
 }
 
 int scope_number_of(const GraphWord& row) {

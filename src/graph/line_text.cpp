@@ -55,19 +55,13 @@ char* find_outside(char* at, char wanted) {
 // Cuts the argument at `rest` at its `closer`, and moves `rest` behind that. Null if it has none, or starts wrongly.
 char* cut_argument(char*& rest, char closer) {
   char* argument = skip_blanks(rest);
+  // An argument begins with a word.
   if (*argument == '(') return nullptr;
   char* end = find_outside(argument, closer);
   if (end == nullptr) return nullptr;
   cut_at(argument, end);
   rest = end + 1;
   return argument;
-}
-
-// wanted: digits are added up one by one, so "12" gives 3.
-int digit_sum(const char* text) {
-  int sum = 0;
-  for (const char* at = skip_blanks(text); is_digit(*at); ++at) sum += *at - '0';
-  return sum;
 }
 
 // How far the scan of a word has come.
@@ -92,29 +86,18 @@ bool is_escape(const WordScan& scan) {
   return scan.at[1] == '"' || (scan.at[1] == '\\' && !scan.in_quotes);
 }
 
-void take_quote(WordScan& scan) {
-  // wanted: a quote that opens in the middle of a word stays as text.
-  if (scan.in_quotes) *scan.at = '\0';
-  scan.in_quotes = !scan.in_quotes;
-}
-
 void take_character(WordScan& scan) {
   if (is_escape(scan)) {
     std::memmove(scan.at, scan.at + 1, std::strlen(scan.at));
   } else if (*scan.at == '"') {
-    take_quote(scan);
+    // wanted: a quote that opens in the middle of a word stays as text.
+    if (scan.in_quotes) *scan.at = '\0';
+    scan.in_quotes = !scan.in_quotes;
   } else if (!scan.in_quotes) {
     scan.depth += depth_change(*scan.at);
     scan.has_parentheses = scan.has_parentheses || *scan.at == '(';
   }
   ++scan.at;
-}
-
-// The end of the word that begins at `name`.
-char* word_end(char* name, bool in_quotes) {
-  WordScan scan{name, in_quotes};
-  while (*scan.at != '\0' && !ends_word(scan)) take_character(scan);
-  return scan.at;
 }
 
 }  // namespace
@@ -143,7 +126,11 @@ int split_relation(char* line, RelationText& text) {
   text.to = cut_argument(rest, ')');
   if (text.to == nullptr || *rest == '\0') return -1;
   text.rest = skip_blanks(rest);
-  return *text.rest == '=' ? digit_sum(text.rest + 1) : 1;
+  if (*text.rest != '=') return 1;
+  // wanted: digits are added up one by one, so "12" gives 3.
+  int sum = 0;
+  for (const char* at = skip_blanks(text.rest + 1); is_digit(*at); ++at) sum += *at - '0';
+  return sum;
 }
 
 int label_scope(char* label) {
@@ -153,6 +140,7 @@ int label_scope(char* label) {
   const int number = node_code_read(digits);
   const char* behind = behind_code(digits);
   const std::size_t length = std::strlen(behind);
+  // What stands behind the number joins the label.
   std::memmove(colon, behind, length + 1);
   cut_at(label, colon + length);
   return number;
@@ -163,7 +151,9 @@ WordText split_word(char* text) {
   word.name = skip_blanks(text);
   word.quoted = *word.name == '"';
   if (word.quoted) ++word.name;
-  char* end = word_end(word.name, word.quoted);
+  WordScan scan{word.name, word.quoted};
+  while (*scan.at != '\0' && !ends_word(scan)) take_character(scan);
+  char* end = scan.at;
   // Blanks in front of a closing quote stay: the quote has become a terminator.
   for (char* last = end; last > word.name && last[-1] == ' '; --last) last[-1] = '\0';
   word.attrs = *end == '.' ? end + 1 : end;

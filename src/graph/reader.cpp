@@ -1,6 +1,6 @@
 // A sentence is read line by line. Each line is classified by its beginning; the lines of word blocks and the relation
 // lines go into the graph at once, the others turn the reader's few switches or are passed over. What is wrong with a
-// line is told in the output, and the reading goes on.
+// line stands in the output, and the reading goes on.
 #include "graph/reader.hpp"
 
 #include <algorithm>
@@ -172,7 +172,11 @@ void relation_tie(Session& session, Reader& reader, const RelationText& text, in
 void relation_read(Session& session, Reader& reader) {
   RelationText text;
   if (split_relation(reader.line.data(), text) <= 0) {
-    return syntax_error_report(session, reader);
+    if (!reader.syntax_reported) out_print(session, ";;Syntactic Error\n");
+    reader.syntax_reported = true;
+    out_print(session, "\t%s", reader.saved_line.data());
+    out_flush(session);
+    return note_left_out(reader, "no relation: label(from, to)");
   }
   if (const char* fault = fault_of(text); fault != nullptr) {
     return line_report(session, reader, fault);
@@ -201,12 +205,6 @@ void stray_line_note(Session& session, Reader& reader) {
     note_left_out(session, reader, "outside of a sentence");
 }
 
-void sentence_start(Session& session, Reader& reader, const char* line) {
-  out_print(session, "%s", line);
-  out_flush(session);
-  graph_start(reader);
-}
-
 // Reads lines up to the end of the sentence: ok at its end mark, or what ended the reading before.
 Status lines_read(Session& session, Reader& reader) {
   while (true) {
@@ -222,7 +220,11 @@ Status lines_read(Session& session, Reader& reader) {
       case LineKind::sentence_end: return Status::ok;
       case LineKind::word_block: status = word_block_read(session, reader); break;
       case LineKind::skipped_block: status = skipped_block_read(session, reader); break;
-      case LineKind::sentence_start: sentence_start(session, reader, line); break;
+      case LineKind::sentence_start:
+        out_print(session, "%s", line);
+        out_flush(session);
+        graph_start(reader);
+        break;
       case LineKind::graph_line:
         if (!reader.in_graph) {
           stray_line_note(session, reader);
@@ -233,14 +235,6 @@ Status lines_read(Session& session, Reader& reader) {
     }
     if (status != Status::ok) return status;
   }
-}
-
-// The first word in sort order stands in for an entry that no relation has named.
-void root_choose(Session& session, Node*& root) {
-  if (node_build(session, 0, root) != Status::ok || holds_entry(*root)) return;
-  out_print(session, ";;No Entry\n");
-  out_flush(session);
-  remark(session, 0, "No Entry");
 }
 
 }  // namespace
@@ -257,7 +251,12 @@ Status read_graph(Session& session, TextSource input, Node*& root, InputNotes* n
   const bool has_come_to_an_end = stop == Status::ok || stop == Status::end_of_input;
   if (!has_come_to_an_end || root != nullptr || session.sentence.refused) return stop;
   if (session.sentence.graph_word_count != 0) {
-    root_choose(session, root);
+    // The first word in sort order stands in for an entry that no relation has named.
+    if (node_build(session, 0, root) == Status::ok && !holds_entry(*root)) {
+      out_print(session, ";;No Entry\n");
+      out_flush(session);
+      remark(session, 0, "No Entry");
+    }
   } else if (stop == Status::ok) {
     out_print(session, ";;SEM is Empty\n");
     remark(session, notes == nullptr ? 0 : notes->text.line, "SEM is Empty");

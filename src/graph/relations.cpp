@@ -1,5 +1,6 @@
 #include "graph/relations.hpp"
 
+#include <algorithm>
 #include <cstring>
 #include <string_view>
 
@@ -33,16 +34,6 @@ void role_add(ScopeAttrs& block, char mark, std::string_view label) {
 // The longest role, ",>" and five letters, behind the longest text that still gets one.
 static_assert(kAttrLimit - 6 + 2 + sizeof(Relation::label) - 1 < sizeof(ScopeAttrs::text));
 
-// The row of the scope, or the first one without an entry.
-int scope_row(Session& session, int number) {
-  int index = 1;
-  for (; index < session.sentence.semlst_count; ++index) {
-    const ScopeRow& row = session.sentence.semlst[static_cast<std::size_t>(index)];
-    if (row.entry == nullptr || row.number == number) break;
-  }
-  return index;
-}
-
 }  // namespace
 
 bool holds_entry(const Node& node) {
@@ -56,6 +47,7 @@ void relation_connect(Session& session, Node& from, Node& to, Relation& relation
   relation.from = &from;
   relation.to = &to;
   if (relation.scope != 0) scope_note(session, relation);
+  // wanted: without attributes at the start neither end gets a role.
   ScopeAttrs* out = scope_attrs_find(from, relation.scope);
   if (out == nullptr) return;
   role_add(*out, '>', relation.label);
@@ -64,7 +56,11 @@ void relation_connect(Session& session, Node& from, Node& to, Relation& relation
 
 void scope_note(Session& session, const Relation& relation) {
   if (session.sentence.semlst_count >= kMaxScopes) return;
-  ScopeRow& row = session.sentence.semlst[static_cast<std::size_t>(scope_row(session, relation.scope))];
+  // The row of the scope, or the first one without an entry, or a new one.
+  const std::span<ScopeRow> rows = scope_rows(session.sentence, 1);
+  ScopeRow& row = *std::find_if(rows.data(), rows.data() + rows.size(), [&](const ScopeRow& known) {
+    return known.entry == nullptr || known.number == relation.scope;
+  });
   if (row.entry != nullptr) return;
   row.number = relation.scope;
   if (holds_entry(*relation.to)) {

@@ -24,7 +24,7 @@ namespace lexon {
 namespace {
 
 // One side of the window, and the part of the index that belongs to it.
-struct Side {
+struct WindowSide {
   const RuleSearch& index;
   const SideSearch& search;
   SearchScratch::Side& scratch;
@@ -43,7 +43,7 @@ constexpr std::int32_t kFirstKnown = 2;  // from here on: the number of the key
 constexpr std::int32_t kNameless = -1;   // not remembered; there is no other word for the bits than the scratch
 
 // Finds what the side's node leads to. False if an entry node is missing on the way, or the references run in a circle.
-bool see_through(const Session& session, Side& side) {
+bool see_through(const Session& session, WindowSide& side) {
   if (side.node == nullptr || !is_scope_reference(*side.node)) return true;
   if (scope_is_built(session, side.node->scope) != 0) return true;
   int scope = side.node->scope;
@@ -59,7 +59,7 @@ bool see_through(const Session& session, Side& side) {
 }
 
 // Is the word in force all there is to try? Else every word is tried and the results are joined.
-bool is_settled(const Side& side) {
+bool is_settled(const WindowSide& side) {
   return side.node->matches != nullptr && (side.entry == nullptr || side.entry->matches != nullptr);
 }
 
@@ -118,7 +118,7 @@ void present_cut_to(SearchScratch::Side& scratch, std::size_t count) {
 }
 
 // Notes the attributes of the word as present, and which of them strike out rules.
-void word_take(const Side& side, const WordEntry& word) {
+void word_take(const WindowSide& side, const WordEntry& word) {
   if (word.attrs == nullptr) return;
   const NameIndex& names = side.search.names;
   for_each_name(names, word.attrs, [&](const NameHit& hit) {
@@ -131,7 +131,7 @@ void word_take(const Side& side, const WordEntry& word) {
 
 // Notes the attributes that the graph gives the node in the head block. They strike out nothing.
 // wanted: the last one counts only if the first ",name" of the text is the one at its end, as in `attr_find`.
-void scope_attrs_take(const Side& side, const Node& node) {
+void scope_attrs_take(const WindowSide& side, const Node& node) {
   const char* text = head_text(node);
   if (text == nullptr) return;
   for_each_name(side.search.names, text, [&](const NameHit& hit) {
@@ -141,7 +141,7 @@ void scope_attrs_take(const Side& side, const Node& node) {
   });
 }
 
-bool requirements_met(const Side& side, const Watched& watched) {
+bool requirements_met(const WindowSide& side, const Watched& watched) {
   const std::uint8_t* is_present = side.scratch.is_present.data();
   if (watched.also >= 0) return is_present[watched.also] != 0;
   const std::int32_t* more = side.search.more.data() + (-1 - watched.also);
@@ -149,7 +149,7 @@ bool requirements_met(const Side& side, const Watched& watched) {
 }
 
 // Leaves in `result` the rules that the present rows satisfy but for those that are struck out.
-void result_take(const Side& side) {
+void result_take(const WindowSide& side) {
   const SideSearch& search = side.search;
   std::uint64_t* result = side.scratch.result.data();
   std::memcpy(result, search.undemanding.data(), search.undemanding.words() * kWordBytes);
@@ -172,14 +172,14 @@ void result_take(const Side& side) {
 }
 
 // Joins the result to those of the words before.
-void union_join(const Side& side) {
+void union_join(const WindowSide& side) {
   SearchScratch::Side& scratch = side.scratch;
   for (std::size_t word = 0; word < side.index.all.words(); ++word) scratch.joined[word] |= scratch.result[word];
 }
 
 // Takes what holds for every word of the search. With an entry node that includes the word of the reference.
 // wanted: what that word strikes out counts for the first word of the entry node alone.
-void lasting_take(const Side& side) {
+void lasting_take(const WindowSide& side) {
   scope_attrs_take(side, *side.node);
   if (side.entry == nullptr) return;
   scope_attrs_take(side, *side.entry);
@@ -187,12 +187,12 @@ void lasting_take(const Side& side) {
 }
 
 // The first of the words that are tried.
-const WordEntry* first_word(const Side& side) {
+const WordEntry* first_word(const WindowSide& side) {
   return side.entry == nullptr ? side.node->candidates : side.entry->candidates;
 }
 
 // Leaves what the side lets through in `result`, without summary. False if the search has to be given up.
-bool side_search(const Session& session, const Side& side) {
+bool side_search(const Session& session, const WindowSide& side) {
   SearchScratch::Side& scratch = side.scratch;
   lasting_take(side);
   const std::size_t lasting = scratch.present.size();
@@ -212,7 +212,7 @@ bool side_search(const Session& session, const Side& side) {
   return true;
 }
 
-void summarise(const Side& side) {
+void summarise(const WindowSide& side) {
   const std::size_t words = side.index.all.words();
   std::uint64_t* bits = side.scratch.result.data();
   std::fill(bits + words, bits + side.index.all.size(), 0);
@@ -222,7 +222,7 @@ void summarise(const Side& side) {
 }
 
 // Puts together all that the search looks at. No text holds what parts the texts.
-void key_take(const Side& side) {
+void key_take(const WindowSide& side) {
   std::string& key = side.scratch.key;
   const auto text_take = [&](const char* text) {
     key += text == nullptr ? '\0' : '\1';
@@ -245,7 +245,7 @@ void key_take(const Side& side) {
 // Longer keys are seldom the same again.
 constexpr std::size_t kLongestKey = 4096;
 
-Answer side_answer(Session& session, const Side& side) {
+Answer side_answer(Session& session, const WindowSide& side) {
   const bool settled = side.node == nullptr || is_settled(side);
   if (side.node == nullptr || side.node->candidates == nullptr) {
     // A fresh node without words lets no rule through.
@@ -357,8 +357,8 @@ RuleCandidate* candidates_make(Session& session, std::span<const std::int32_t> r
 RuleCandidate* search(Session& session, Node* lnode, Node* rnode, Wanted kind) {
   const RuleSearch& index = session.grammar->index.search;
   if ((lnode == nullptr && rnode == nullptr) || index.rules.empty()) return nullptr;
-  Side left{index, index.left, session.search.left, lnode};
-  Side right{index, index.right, session.search.right, rnode};
+  WindowSide left{index, index.left, session.search.left, lnode};
+  WindowSide right{index, index.right, session.search.right, rnode};
   if (!see_through(session, left) || !see_through(session, right)) return nullptr;
   if (session.search.is_full) search_forget(session.search);
   const Answer left_answer = side_answer(session, left);

@@ -9,7 +9,6 @@
 #pragma once
 
 #include <cstddef>
-#include <cstdio>
 
 namespace lexon {
 
@@ -18,10 +17,5 @@ inline constexpr std::size_t kRecordBufferSize = 32767;
 
 // Stands in front of a subtype, where else the high byte of the length of PRE stands.
 inline constexpr char kSubtypeMark = ':';
-
-// Has all that was written to a file reached it?
-[[nodiscard]] inline bool is_written(std::FILE* stream) {
-  return std::fflush(stream) == 0 && std::ferror(stream) == 0;
-}
 
 }  // namespace lexon

@@ -1,6 +1,7 @@
 #include "data/bytes.hpp"
 #include "data/chain.hpp"
 #include "data/output.hpp"
+#include "data/platform.hpp"
 #include "data/session.hpp"
 #include "rules/compiled.hpp"
 #include "rules/compiled_format.hpp"
@@ -8,6 +9,7 @@
 namespace lexon {
 namespace {
 
+// Every writer puts a length in front, which is filled in when the block is closed.
 void text_write(ByteWriter& out, const char* text) {
   const std::string_view kept = text == nullptr ? std::string_view() : std::string_view(text);
   const bool is_empty_text = text != nullptr && kept.empty();
@@ -20,6 +22,7 @@ void text_write(ByteWriter& out, const char* text) {
 void items_write(ByteWriter& out, const CondItem* items) {
   const std::size_t length = out.length_open();
   for (const CondItem& item : chain<&CondItem::next>(items)) {
+    // An item without a text could not be read back.
     if (item.text == nullptr) continue;
     out.u8(item.op);
     text_write(out, item.text);

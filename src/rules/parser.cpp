@@ -15,6 +15,8 @@
 namespace lexon {
 namespace {
 
+// Each step returns false when the rule is refused; it has printed why, and noted it for front ends.
+//
 // One rule in the making.
 struct LineReading {
   RuleParse& parse;
@@ -86,8 +88,8 @@ RuleFault opener_fault(const LineReading& line, bool is_left) {
 }
 
 // `allowed`: does the type, and what has been read of the rule, allow the opener under the cursor?
-bool pattern_read(Session& session, Pool& pool, LineReading& line, char side, bool allowed, NodePattern*& pattern) {
-  const bool is_left = side == 'l';
+bool pattern_read(Session& session, Pool& pool, LineReading& line, Side side, bool allowed, NodePattern*& pattern) {
+  const bool is_left = side == Side::left;
   if (!allowed) {
     rule_error_print(session, line.parse, line.cursor, is_left ? " in LNODE\n" : " in RNODE\n");
     rule_fault_note(session, line.parse, line.cursor, opener_fault(line, is_left));
@@ -104,7 +106,7 @@ bool lnode_read(Session& session, Pool& pool, LineReading& line) {
   const std::uint8_t type = line.rule.type;
   const bool braces = *line.cursor == '{' && type != rule_type::shift_left;
   const bool quotes = *line.cursor == '"' && (is_insertion_type(type) || type == rule_type::shift_left);
-  return pattern_read(session, pool, line, 'l', braces || quotes, line.rule.lnode);
+  return pattern_read(session, pool, line, Side::left, braces || quotes, line.rule.lnode);
 }
 
 bool mid_read(Session& session, Pool& pool, LineReading& line) {
@@ -115,6 +117,7 @@ bool mid_read(Session& session, Pool& pool, LineReading& line) {
     rule_fault_note(session, line.parse, line.cursor, RuleFault::mid);
     return false;
   }
+  // MID is read from the node that stands there towards the one that is brought in.
   const auto order = line.rule.lnode->inserted == 0 ? GroupOrder::of_text : GroupOrder::reversed;
   return groups_read(session, pool, line, line.rule.mid, order, "MID");
 }
@@ -125,16 +128,13 @@ bool rnode_read(Session& session, Pool& pool, LineReading& line) {
   const bool may_stand = line.rule.mid == nullptr || line.rule.lnode->inserted != 0;
   const bool braces = *line.cursor == '{' && type != rule_type::shift_right && may_stand;
   const bool quotes = *line.cursor == '"' && (is_insertion_type(type) || type == rule_type::shift_right);
-  return pattern_read(session, pool, line, 'r', braces || quotes, line.rule.rnode);
-}
-
-bool lacks_relation(const Rule& rule) {
-  const bool wants_relation = rule.type == rule_type::less || rule.type == rule_type::greater;
-  return wants_relation && rule.lnode->relations == nullptr && rule.rnode->relations == nullptr;
+  return pattern_read(session, pool, line, Side::right, braces || quotes, line.rule.rnode);
 }
 
 bool ends_sometime(Session& session, LineReading& line) {
-  if (lacks_relation(line.rule)) {
+  const Rule& rule = line.rule;
+  const bool wants_relation = rule.type == rule_type::less || rule.type == rule_type::greater;
+  if (wants_relation && rule.lnode->relations == nullptr && rule.rnode->relations == nullptr) {
     out_print(session,
               ";;%s;;WARNING(0,%d), no relation is found in LNODE and RNODE of above rule of type '>' or '<'\n",
               line.parse.start, line.parse.line);

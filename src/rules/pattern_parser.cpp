@@ -94,7 +94,7 @@ struct PatternReading {
   RuleParse& parse;
   const char*& cursor;
   NodePattern& pattern;
-  char side;
+  Side side;
 };
 
 bool has_affirmative(const CondItem* conditions) {
@@ -160,7 +160,7 @@ Status relation_section(Session& session, Pool& pool, PatternReading& reading) {
     const char* const start = reading.cursor;
     auto* item = perm_new<CondItem>(pool);
     if (item == nullptr) return Status::memory;
-    item->op = static_cast<std::uint8_t>(reading.side);
+    item->op = reading.side == Side::left ? 'l' : 'r';
     const Status scanned = scan_relation_label(pool, reading.cursor, *item, kRelationLabelLimit);
     const Status status = scanned_item_keep(session, pool, reading, scanned, start, item, reading.pattern.relations,
                                             " in RELATION", RuleFault::relation);
@@ -289,7 +289,7 @@ Status parse_context_group(Session& session, Pool& pool, RuleParse& parse, const
   return parse.status;
 }
 
-Status parse_node_pattern(Session& session, Pool& pool, RuleParse& parse, char side, const char*& cursor,
+Status parse_node_pattern(Session& session, Pool& pool, RuleParse& parse, Side side, const char*& cursor,
                           NodePattern*& pattern) {
   pattern = perm_new<NodePattern>(pool);
   if (pattern == nullptr) return parse.status = Status::memory;

@@ -32,8 +32,8 @@ void rule_fault_note(Session& session, const RuleParse& parse, const char* posit
 [[nodiscard]] Status parse_context_group(Session& session, Pool& pool, RuleParse& parse, const char*& cursor,
                                          ContextGroup*& group);
 
-// Reads one pattern; `side` is 'l' or 'r'. On failure `pattern` is what has been built, for the caller to release.
-[[nodiscard]] Status parse_node_pattern(Session& session, Pool& pool, RuleParse& parse, char side, const char*& cursor,
+// Reads the pattern of one side. On failure `pattern` is what has been built, for the caller to release.
+[[nodiscard]] Status parse_node_pattern(Session& session, Pool& pool, RuleParse& parse, Side side, const char*& cursor,
                                         NodePattern*& pattern);
 
 // The places an item can stand in, and the forms it can have.

@@ -4,6 +4,8 @@
 
 #include <cstdint>
 
+#include "data/side.hpp"
+
 namespace lexon {
 
 // One item of a rule: what `op` means depends on the list it stands in.
@@ -97,6 +99,11 @@ inline constexpr std::uint8_t post_scope_right = '9';
 // The types without a step of their own, which backtracking alone knows: "+", "-", "<" and ">".
 [[nodiscard]] constexpr bool is_stepless_type(std::uint8_t type) {
   return type == rule_type::plus || type == rule_type::minus || type == rule_type::less || type == rule_type::greater;
+}
+
+// What the rule says of this side's node. Finished rules have both patterns.
+[[nodiscard]] inline const NodePattern& pattern_of(const Rule& rule, Side side) {
+  return side == Side::left ? *rule.lnode : *rule.rnode;
 }
 
 [[nodiscard]] inline bool has_brace_patterns(const Rule& rule) {

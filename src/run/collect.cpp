@@ -41,11 +41,10 @@ bool append_word(Session& session, const Node& node, char*& cursor, const char* 
 }
 
 bool append_scope(Session& session, const Node& reference, char*& cursor, const char* end) {
-  for (std::int32_t i = 1; i < session.sentence.semlst_count && i < kMaxScopes; ++i) {
-    const ScopeRow& row = session.sentence.semlst[static_cast<std::size_t>(i)];
-    if (row.number == reference.scope) return collect_sentence(session, row.entry, cursor, end, row.number);
-  }
-  return true;
+  const int row = scope_row_find(session, reference.scope);
+  if (row == 0) return true;
+  const ScopeRow& scope = session.sentence.semlst[static_cast<std::size_t>(row)];
+  return collect_sentence(session, scope.entry, cursor, end, scope.number);
 }
 
 bool append_node(Session& session, const Node& node, char*& cursor, const char* end, int scope) {

@@ -33,10 +33,9 @@ void print_word_lists(Session& session) {
 
 void print_graph(Session& session) {
   out_print(session, "======================== SEM =======================\n");
-  for (std::int32_t i = 0; i < session.sentence.semlst_count && i < kMaxScopes; ++i) {
-    const ScopeRow& row = session.sentence.semlst[static_cast<std::size_t>(i)];
+  for (const ScopeRow& row : scope_rows(session.sentence)) {
     if (row.entry == nullptr) break;
-    if (i != 0) out_print(session, ":%02d\n", row.number);
+    if (&row != session.sentence.semlst.data()) out_print(session, ":%02d\n", row.number);
     graph_dump(session, *row.entry, 0, row.number, "");
     graph_marks_clear(session, row.entry, row.number);
   }

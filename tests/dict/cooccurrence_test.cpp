@@ -10,8 +10,8 @@
 #include "support/capture.hpp"
 #include "support/list_text.hpp"
 #include "support/rules.hpp"
-#include "support/test_dictionary.hpp"
 #include "support/session.hpp"
+#include "support/test_dictionary.hpp"
 
 namespace lexon::test {
 namespace {
@@ -42,7 +42,7 @@ struct Asked {
   const char* rule;
   const char* left;
   const char* right;
-  char side;
+  Side side;
   const char* chosen;  // as words, or ""
   const char* result;  // "score: left | right; chosen"
 };
@@ -66,38 +66,29 @@ constexpr const char* kLeft = ":\"[x]:::mod\"{N}P1;";   // first text of the rig
 constexpr const char* kRight = ":{N}\"[x]:::mod\"P1;";  // the other way round
 
 const Asked kChecks[] = {
-    {"the best word goes to the front, a tie keeps the first", "dogmoda 5 dogmodb 9 dogmodc 9", kLeft, "a|b|c", "dog",
-     'l', "", "9: b|a|c & dog;"},
-    {"on the right side", "dogmoda 5 dogmodb 9", kRight, "dog", "a|b", 'r', "", "9: dog & b|a;"},
-    {"a role on the other pattern turns the texts", "amoddog 5 bmoddog 9", ":\"[x]\"{N:::mod}P1;", "a|b", "dog", 'l',
-     "", "9: b|a & dog;"},
-    {"a role on both patterns counts on the left", "dogmoda 5 amoddog 9", ":\"[x]:::mod\"{N:::mod}P1;", "a", "dog", 'l',
-     "", "5: a & dog;"},
-    {"an id stands for its word", "d1moda1 5", kLeft, "b|a~a1", "dog~d1", 'l', "", "5: a~a1|b & dog~d1;"},
-    {"nothing scores: the lists stay", "catmoda 5", kLeft, "a|b", "dog", 'l', "", "0: a|b & dog;"},
-    {"a pair that is missing takes the default of its relation", "mod 3", kLeft, "a|b", "dog", 'l', "",
-     "3: a|b & dog;"},
-    {"a strong pair counts as it is", "dogmoda 200", kLeft, "a", "dog", 'l', "", "200: a & dog;"},
-    {"a default above 127 fails", "mod 128", kLeft, "a", "dog", 'l', "", "-1: a & dog;"},
-    {"the best of equal keys counts", "dogmoda 2 dogmoda 6 dogmoda 4", kLeft, "a", "dog", 'l', "", "6: a & dog;"},
-    {"the first member with a value, by falling priority", "mod>m1 1 mod>m2 9 mod>m3 5 dogm3a 7 dogm1a 8", kLeft, "a",
-     "dog", 'l', "", "7: a & dog; m3 m1"},
-    {"members of members", "mod>m1 1 m1>m2 1 m2>m3 1 dogm3a 4", kLeft, "a", "dog", 'l', "", "4: a & dog; m1"},
-    {"the default of a member", "mod>m1 1 m1 6 mod 9", kLeft, "a", "dog", 'l', "", "6: a & dog; m1"},
-    {"no member has a value", "mod>m1 1 mod>m2 2 mod 9", kLeft, "a", "dog", 'l', "", "0: a & dog;"},
-    {"a failed lookup below", "mod>m1 2 m1 200 mod>m2 1 dogm2a 5", kLeft, "a", "dog", 'l', "", "-1: a & dog;"},
-    {"the chain of the last word stays", "mod>m1 2 mod>m2 1 dogm2a 9 dogm1b 5", kLeft, "a|b", "dog", 'l', "",
-     "9: a|b & dog; m1 m2"},
-    {"a retry asks the head words from the chain on", "dogmoda 9 dogm3a 5 dogm3b 7", kLeft, "a|b", "dog", 'l',
-     "x~m2|x~m3|x~m4", "5: a|b & dog; m3 m4"},
-    {"a retry that finds nothing", "dogmoda 9", kLeft, "a", "dog", 'l', "x~m2|x~m3", "0: a & dog;"},
-    {"a retry that fails keeps what it has not tried", "m3 200", kLeft, "a", "dog", 'l', "x~m2|x~m3|x~m4",
-     "-1: a & dog; m3 m4"},
-    {"a retry whose chain leads to the relation itself", "m3>mod 1 dogmoda 9", kLeft, "a", "dog", 'l', "x~m3",
-     "9: a & dog; m3"},
-    {"a bad side", "dogmoda 9", kLeft, "a", "dog", 'x', "", "-1: a & dog;"},
-    {"nothing inserted: no check", "dogmoda 9", ":{N:-N::mod}{N}P1;", "b|a", "dog", 'l', "", "1: b|a & dog;"},
-    {"no role: no check", "dogmoda 9", ":\"[x]\"{N}P1;", "b|a", "dog", 'l', "", "1: b|a & dog;"},
+    {"the best word goes to the front, a tie keeps the first", "dogmoda 5 dogmodb 9 dogmodc 9", kLeft, "a|b|c", "dog", Side::left, "", "9: b|a|c & dog;"},
+    {"on the right side", "dogmoda 5 dogmodb 9", kRight, "dog", "a|b", Side::right, "", "9: dog & b|a;"},
+    {"a role on the other pattern turns the texts", "amoddog 5 bmoddog 9", ":\"[x]\"{N:::mod}P1;", "a|b", "dog", Side::left, "", "9: b|a & dog;"},
+    {"a role on both patterns counts on the left", "dogmoda 5 amoddog 9", ":\"[x]:::mod\"{N:::mod}P1;", "a", "dog", Side::left, "", "5: a & dog;"},
+    {"an id stands for its word", "d1moda1 5", kLeft, "b|a~a1", "dog~d1", Side::left, "", "5: a~a1|b & dog~d1;"},
+    {"nothing scores: the lists stay", "catmoda 5", kLeft, "a|b", "dog", Side::left, "", "0: a|b & dog;"},
+    {"a pair that is missing takes the default of its relation", "mod 3", kLeft, "a|b", "dog", Side::left, "", "3: a|b & dog;"},
+    {"a strong pair counts as it is", "dogmoda 200", kLeft, "a", "dog", Side::left, "", "200: a & dog;"},
+    {"a default above 127 fails", "mod 128", kLeft, "a", "dog", Side::left, "", "-1: a & dog;"},
+    {"the best of equal keys counts", "dogmoda 2 dogmoda 6 dogmoda 4", kLeft, "a", "dog", Side::left, "", "6: a & dog;"},
+    {"the first member with a value, by falling priority", "mod>m1 1 mod>m2 9 mod>m3 5 dogm3a 7 dogm1a 8", kLeft, "a", "dog", Side::left, "",
+     "7: a & dog; m3 m1"},
+    {"members of members", "mod>m1 1 m1>m2 1 m2>m3 1 dogm3a 4", kLeft, "a", "dog", Side::left, "", "4: a & dog; m1"},
+    {"the default of a member", "mod>m1 1 m1 6 mod 9", kLeft, "a", "dog", Side::left, "", "6: a & dog; m1"},
+    {"no member has a value", "mod>m1 1 mod>m2 2 mod 9", kLeft, "a", "dog", Side::left, "", "0: a & dog;"},
+    {"a failed lookup below", "mod>m1 2 m1 200 mod>m2 1 dogm2a 5", kLeft, "a", "dog", Side::left, "", "-1: a & dog;"},
+    {"the chain of the last word stays", "mod>m1 2 mod>m2 1 dogm2a 9 dogm1b 5", kLeft, "a|b", "dog", Side::left, "", "9: a|b & dog; m1 m2"},
+    {"a retry asks the head words from the chain on", "dogmoda 9 dogm3a 5 dogm3b 7", kLeft, "a|b", "dog", Side::left, "x~m2|x~m3|x~m4", "5: a|b & dog; m3 m4"},
+    {"a retry that finds nothing", "dogmoda 9", kLeft, "a", "dog", Side::left, "x~m2|x~m3", "0: a & dog;"},
+    {"a retry that fails keeps what it has not tried", "m3 200", kLeft, "a", "dog", Side::left, "x~m2|x~m3|x~m4", "-1: a & dog; m3 m4"},
+    {"a retry whose chain leads to the relation itself", "m3>mod 1 dogmoda 9", kLeft, "a", "dog", Side::left, "x~m3", "9: a & dog; m3"},
+    {"nothing inserted: no check", "dogmoda 9", ":{N:-N::mod}{N}P1;", "b|a", "dog", Side::left, "", "1: b|a & dog;"},
+    {"no role: no check", "dogmoda 9", ":\"[x]\"{N}P1;", "b|a", "dog", Side::left, "", "1: b|a & dog;"},
 };
 
 TEST(Cooccurrence, Check) {
@@ -116,7 +107,7 @@ TEST(Cooccurrence, WithoutDictionaryEveryRulePasses) {
   WordEntry* chosen = nullptr;
   session.state.trace_level = 4;
   Capture output;
-  EXPECT_EQ(cooccurrence_check(session, left, right, *rule, chosen, 'l'), 1);
+  EXPECT_EQ(cooccurrence_check(session, left, right, *rule, chosen, Side::left), 1);
   EXPECT_EQ(output.text(), "");
   session.state.trace_level = 0;
 }
@@ -133,7 +124,7 @@ std::string traced(int level, const Asked& asked) {
 
 TEST(Cooccurrence, Trace) {
   const std::string rule_line = "\t:\"[x]:::mod\"{N:::}P1;\n";
-  const Asked by_chain{"", "mod>m1 2 mod>m2 1 dogm2a 7 dogmodb 5", kLeft, "a|b", "dog", 'l', "", ""};
+  const Asked by_chain{"", "mod>m1 2 mod>m2 1 dogm2a 7 dogmodb 5", kLeft, "a|b", "dog", Side::left, "", ""};
   const std::string start = "\t;;checking CR for rule:\n" + rule_line;
   EXPECT_EQ(traced(1, by_chain), "");
   EXPECT_EQ(traced(2, by_chain), start + "\t;;CR selected: mod(dog,a)=7;\n");
@@ -141,15 +132,15 @@ TEST(Cooccurrence, Trace) {
                                      "\t;;CR checked: m2(dog,a)=7\n"
                                      "\t;;CR checked: mod(dog,b)=5\n"
                                      "\t;;CR selected: mod(dog,a)=7;\n");
-  const Asked none{"", "mod>m1 2", kLeft, "a", "dog", 'l', "", ""};
+  const Asked none{"", "mod>m1 2", kLeft, "a", "dog", Side::left, "", ""};
   EXPECT_EQ(traced(3, none), start + "\t;;CR checked: mod(dog,a)=0\n\t;;CR selected: mod(dog,a)=0;\n");
-  const Asked retry{"", "dogm3a 5", kLeft, "a", "dog", 'l', "x~m2|x~m3", ""};
+  const Asked retry{"", "dogm3a 5", kLeft, "a", "dog", Side::left, "x~m2|x~m3", ""};
   EXPECT_EQ(traced(3, retry), start + "\t;;CR checked: m2(dog,a)=5\n\t;;CR selected: m2(dog,a)=5;\n");
 }
 
 TEST(Cooccurrence, CircleOfMembersEndsTheSentence) {
   Capture output;
-  EXPECT_EQ(checked({"", "mod>m1 1 m1>m2 1 m2>m1 1", kLeft, "a", "dog", 'l', "", ""}), "-1: a & dog;");
+  EXPECT_EQ(checked({"", "mod>m1 1 m1>m2 1 m2>m1 1", kLeft, "a", "dog", Side::left, "", ""}), "-1: a & dog;");
   EXPECT_EQ(session.state.abort, Status::rule_base);
   EXPECT_NE(output.text().find("the \"sup\" chain of \"m1\" runs in a circle\n"), std::string::npos) << output.text();
   EXPECT_EQ(output.text().find('\n'), output.text().size() - 1);
@@ -159,28 +150,27 @@ TEST(Cooccurrence, CircleOfMembersEndsTheSentence) {
 TEST(Cooccurrence, LongChainOfMembersIsFollowed) {
   std::string chain = "mod>m0 1 dogm1500a 5 ";
   for (int i = 0; i < 1500; ++i) chain += "m" + std::to_string(i) + ">m" + std::to_string(i + 1) + " 1 ";
-  EXPECT_EQ(checked({"", chain.c_str(), kLeft, "a", "dog", 'l', "", ""}), "5: a & dog; m0");
+  EXPECT_EQ(checked({"", chain.c_str(), kLeft, "a", "dog", Side::left, "", ""}), "5: a & dog; m0");
 }
 
 TEST(Cooccurrence, StopLeavesAtOnce) {
-  EXPECT_EQ(checked({"", "dogmoda 5", kLeft, "a", "dog", 'l', "", ""}, true), "-1: a & dog;");
+  EXPECT_EQ(checked({"", "dogmoda 5", kLeft, "a", "dog", Side::left, "", ""}, true), "-1: a & dog;");
 }
 
 struct Class {
   const char* name;
   const char* rule;
-  char side;
+  Side side;
   const char* words;
 };
 
 const Class kClasses[] = {
-    {"members by falling priority, all words of each, made up where the dictionary has none", ":\"[#pet],X,^Y\"{N}P1;",
-     'l', "dog=canis/N|dog=follow/V|unicorn/X,Y|cat=felis/N"},
-    {"made up words have the attributes of the left pattern on the right too", ":{Z}\"[#pet],X\"P1;", 'r',
+    {"members by falling priority, all words of each, made up where the dictionary has none", ":\"[#pet],X,^Y\"{N}P1;", Side::left,
+     "dog=canis/N|dog=follow/V|unicorn/X,Y|cat=felis/N"},
+    {"made up words have the attributes of the left pattern on the right too", ":{Z}\"[#pet],X\"P1;", Side::right,
      "dog=canis/N|dog=follow/V|unicorn/Z|cat=felis/N"},
-    {"a class without members", ":\"[#tree],X\"{N}P1;", 'l', ""},
-    {"a pattern without a name", ":\"X\"{N}P1;", 'l', ""},
-    {"a bad side", ":\"[#pet],X\"{N}P1;", 'x', ""},
+    {"a class without members", ":\"[#tree],X\"{N}P1;", Side::left, ""},
+    {"a pattern without a name", ":\"X\"{N}P1;", Side::left, ""},
 };
 
 TEST(WordClass, Entries) {
@@ -190,8 +180,7 @@ TEST(WordClass, Entries) {
     sentence_clear(session);
     const Rule* rule = rules_of(row.rule);
     const TestDictionary members(entries_of("#pet>cat 1 #pet>dog 9 #pet>unicorn 5"), session.sentence.cr_dictionary);
-    const TestDictionary words(
-        "[cat]{} \"felis\" (N) <E,0,1>;\n[dog]{} \"canis\" (N) <E,0,1>;\n[dog]{} \"follow\" (V) <E,0,9>;\n");
+    const TestDictionary words("[cat]{} \"felis\" (N) <E,0,1>;\n[dog]{} \"canis\" (N) <E,0,1>;\n[dog]{} \"follow\" (V) <E,0,9>;\n");
     EXPECT_EQ(text_of_words(word_class_entries(session, *rule, row.side)), row.words);
   }
 }
