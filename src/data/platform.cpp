@@ -346,6 +346,10 @@ std::FILE* waiting_file_open(const std::string& path, const std::atomic<bool>& s
   return nullptr;
 }
 
+bool is_waiting_stream(std::FILE* stream) {
+  return fileno(stream) < 0;
+}
+
 bool file_read_at(std::FILE* stream, std::int64_t offset, void* to, std::size_t size) {
   return stream != nullptr && file_read_some_at(stream, offset, to, size) == static_cast<std::int64_t>(size);
 }

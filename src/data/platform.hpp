@@ -106,6 +106,8 @@ void folder_sync(const std::string& path);
 // and may be tried again when it is cleared. `is_waiting_file` tells whether a path leads to such a file.
 [[nodiscard]] bool is_waiting_file(const std::string& path);
 [[nodiscard]] std::FILE* waiting_file_open(const std::string& path, const std::atomic<bool>& stop);
+// Was the stream opened by `waiting_file_open`?
+[[nodiscard]] bool is_waiting_stream(std::FILE* stream);
 
 // Reads exactly `size` bytes at `offset`, past the stream's own buffer and position. False if fewer stand there, if
 // they cannot be read, or for a null stream.

@@ -146,7 +146,7 @@ void set_texts(Check& check) {
 
 void trace_start(Session& session, const Check& check) {
   if (session.state.trace_level < 2) return;
-  out_print(session, "%s;;checking CR for rule:\n", session.state.trace_indent);
+  trace_line(session, ";;checking CR for rule:");
   rule_print(session, &check.rule, true);
 }
 
@@ -157,14 +157,14 @@ const char* label_of(const Check& check) {
 
 void trace_checked(Session& session, const Check& check, int score) {
   if (session.state.trace_level < 3) return;
-  out_print(session, "%s;;CR checked: %s(%s,%s)=%d\n", session.state.trace_indent, label_of(check), check.pair.first,
-            check.pair.second, score);
+  trace_line(session, ";;CR checked: ", label_of(check), "(", check.pair.first, ",", check.pair.second,
+             ")=", Decimal(score));
 }
 
 void trace_selected(Session& session, const Check& check) {
   if (session.state.trace_level < 2) return;
-  out_print(session, "%s;;CR selected: %s(%s,%s)=%d;\n", session.state.trace_indent, label_of(check), check.pair.first,
-            check.pair.second, check.best_score);
+  trace_line(session, ";;CR selected: ", label_of(check), "(", check.pair.first, ",", check.pair.second,
+             ")=", Decimal(check.best_score), ";");
 }
 
 // Asks the pair at hand, from the chain that was handed in.

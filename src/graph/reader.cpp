@@ -10,6 +10,7 @@
 
 #include "data/nodes.hpp"
 #include "data/output.hpp"
+#include "data/platform.hpp"
 #include "data/scratch.hpp"
 #include "data/session.hpp"
 #include "data/text_line.hpp"
@@ -253,8 +254,9 @@ void stray_line_note(Reader& reader) {
 }
 
 void sentence_start(Session& session, Reader& reader, const char* line) {
-  out_print(session, "%s", line);
-  out_flush(session);
+  out_text(session, line);
+  // The rest of the sentence can be long in coming.
+  if (is_waiting_stream(reader.input)) session.output.flush();
   graph_start(reader);
 }
 
