@@ -7,6 +7,7 @@
 #include <type_traits>
 #include <vector>
 
+#include "data/lookup_memory.hpp"
 #include "data/output.hpp"
 #include "data/pool.hpp"
 #include "data/records.hpp"
@@ -49,6 +50,7 @@ struct Session {
   Output output;  // sentences, banners, messages and trace
   SearchScratch search;
   LookupDamage damage{};
+  LookupMemory lookups;
   std::atomic<bool> stop_requested{false};  // every loop that can run long looks at it
   std::atomic<bool> flush_wanted{false};    // so does it at this: the output so far is wanted by who watches the run
   Node gone{};                              // equals no node of any list: what `forced_node` becomes without its target
