@@ -11,32 +11,27 @@ namespace {
 
 using std::string_view;
 
-// The first place of ",attr" in `text` whose next character is `behind`, or npos. With `behind` NUL any will do.
-std::size_t find_behind_comma(string_view text, string_view attr, char behind) {
-  for (std::size_t at = text.find(','); at != string_view::npos; at = text.find(',', at + 1)) {
-    if (text.compare(at + 1, attr.size(), attr) != 0) continue;
-    const std::size_t end = at + 1 + attr.size();
-    if (behind == '\0' || (end < text.size() && text[end] == behind)) return at;
-  }
-  return string_view::npos;
-}
-
-// wanted: as the last element the attribute counts only if the first ",attr" of the text is the one at its end.
-std::size_t find_as_last(string_view text, string_view attr) {
-  const std::size_t at = find_behind_comma(text, attr, '\0');
-  const bool ends_the_text = at != string_view::npos && at + 1 + attr.size() == text.size();
-  return ends_the_text ? at : string_view::npos;
+// Does ",attr" stand at a comma of the text?
+bool stands_behind(string_view text, std::size_t comma, string_view attr) {
+  const string_view rest = text.substr(comma + 1);
+  if (rest.empty() || attr.empty()) return attr.empty();
+  return rest[0] == attr[0] && rest.starts_with(attr);
 }
 
 // The place of `attr` in `text`, or npos.
 std::size_t position_of(string_view text, string_view attr) {
   if (text == attr) return 0;
-  if (text.empty()) return string_view::npos;
-  if (const std::size_t at = find_behind_comma(text, attr, ','); at != string_view::npos) return at + 1;
-  const bool stands_first = text.size() > attr.size() && text.starts_with(attr) && text[attr.size()] == ',';
+  std::size_t first = string_view::npos;
+  for (std::size_t at = 0; at < text.size(); ++at) {
+    if (text[at] != ',' || !stands_behind(text, at, attr)) continue;
+    const std::size_t end = at + 1 + attr.size();
+    if (end < text.size() && text[end] == ',') return at + 1;
+    if (first == string_view::npos) first = at + 1;
+  }
+  const bool stands_first = text.size() > attr.size() && text[attr.size()] == ',' && text.starts_with(attr);
   if (stands_first) return 0;
-  const std::size_t last = find_as_last(text, attr);
-  return last == string_view::npos ? last : last + 1;
+  // wanted: as the last element the attribute counts only if the first ",attr" of the text is the one at its end.
+  return first != string_view::npos && first + attr.size() == text.size() ? first : string_view::npos;
 }
 
 }  // namespace
@@ -51,15 +46,16 @@ char* attr_find(char* text, const char* attr) {
   return const_cast<char*>(attr_find(static_cast<const char*>(text), attr));
 }
 
+// By the character: most elements differ in their first one, and a call costs more than an element.
 bool attr_in(const char* attrs, const char* attr) {
   if (attrs == nullptr || attr == nullptr) return false;
-  const string_view wanted(attr);
-  for (const char* at = attrs;;) {
-    const bool matches = std::strncmp(at, wanted.data(), wanted.size()) == 0;
-    if (matches && (at[wanted.size()] == ',' || at[wanted.size()] == '\0')) return true;
-    at = std::strchr(at, ',');
-    if (at == nullptr) return false;
-    ++at;
+  for (const char* start = attrs;; ++start) {
+    const char* at = start;
+    const char* wanted = attr;
+    while (*wanted != '\0' && *wanted == *at) ++wanted, ++at;
+    if (*wanted == '\0' && (*at == ',' || *at == '\0')) return true;
+    while (*start != ',' && *start != '\0') ++start;
+    if (*start == '\0') return false;
   }
 }
 

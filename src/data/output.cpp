@@ -67,8 +67,4 @@ void out_print(Session& session, const char* format, ...) {
   va_end(arguments);
 }
 
-void out_flush(Session& session) {
-  session.output.flush();
-}
-
 }  // namespace lexon

@@ -1,7 +1,12 @@
 // Text on its way to a file, or kept in memory: sentences, banners, messages and trace.
 #pragma once
 
+#include <array>
+#include <charconv>
+#include <concepts>
 #include <cstdarg>
+#include <cstddef>
+#include <cstdint>
 #include <cstdio>
 #include <string>
 #include <string_view>
@@ -9,6 +14,29 @@
 namespace lexon {
 
 struct Session;
+
+// A number as text, with zeros in front up to `width` characters, its sign among them.
+class Decimal {
+ public:
+  explicit Decimal(std::int64_t value, std::size_t width = 1) {
+    char* to = text_.data();
+    const std::uint64_t size =
+        value < 0 ? std::uint64_t{0} - static_cast<std::uint64_t>(value) : static_cast<std::uint64_t>(value);
+    if (value < 0) *to++ = '-';
+    std::array<char, 20> digits;
+    const auto count =
+        static_cast<std::size_t>(std::to_chars(digits.data(), digits.data() + 20, size).ptr - digits.data());
+    for (std::size_t used = count + (value < 0 ? 1 : 0); used < width && used < kMostWidth; ++used) *to++ = '0';
+    to += std::string_view(digits.data(), count).copy(to, count);
+    size_ = static_cast<std::size_t>(to - text_.data());
+  }
+  operator std::string_view() const { return {text_.data(), size_}; }  // NOLINT(google-explicit-constructor)
+
+ private:
+  static constexpr std::size_t kMostWidth = 24;
+  std::array<char, kMostWidth> text_;
+  std::size_t size_;
+};
 
 // Collects what is printed. With a stream the text goes there when the buffer is full or on `flush`; without one it
 // stays in memory until `take`. Not thread-safe.
@@ -30,6 +58,11 @@ class Output {
     line_is_open_ = text.back() != '\n';
     buffer_ += text;
     if (buffer_.size() >= kFull) write_if_streaming();
+  }
+  // Texts, one behind the other.
+  template <std::convertible_to<std::string_view>... Pieces>
+  void put(const Pieces&... pieces) {
+    (append(pieces), ...);
   }
   [[gnu::format(printf, 2, 3)]] void print(const char* format, ...);
   void vprint(const char* format, std::va_list arguments);
@@ -55,8 +88,5 @@ class Output {
 // `printf` to the session's output; nothing once the worker was asked to stop. Callers test the trace level first, so
 // that nothing is formatted in vain.
 [[gnu::format(printf, 2, 3)]] void out_print(Session& session, const char* format, ...);
-
-// A place where a reader of the output would want to see all that was printed so far.
-void out_flush(Session& session);
 
 }  // namespace lexon

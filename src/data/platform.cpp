@@ -183,6 +183,12 @@ std::optional<FileTime> stream_time(std::FILE* stream) {
   return write_time(status);
 }
 
+std::optional<FileState> file_state(std::FILE* stream) {
+  struct stat status {};
+  if (fstat(fileno(stream), &status) != 0) return std::nullopt;
+  return FileState{status.st_dev, status.st_ino, status.st_size, write_time(status)};
+}
+
 bool stream_time_set(std::FILE* stream, FileTime time) {
   // What is written out later would set it anew.
   return std::fflush(stream) == 0 && futimens(fileno(stream), times_for(time).data()) == 0;
@@ -348,6 +354,10 @@ std::FILE* waiting_file_open(const std::string& path, const std::atomic<bool>& s
   delete file;
   close(descriptor);
   return nullptr;
+}
+
+bool is_waiting_stream(std::FILE* stream) {
+  return fileno(stream) < 0;
 }
 
 bool file_read_at(std::FILE* stream, std::int64_t offset, void* to, std::size_t size) {

@@ -21,6 +21,15 @@ struct FileTime {
 [[nodiscard]] std::optional<FileTime> file_time(const std::string& path, int& error);
 // The same of an open file, whatever its name leads to by now.
 [[nodiscard]] std::optional<FileTime> stream_time(std::FILE* stream);
+// Which file is open, and what tells that it was written to meanwhile.
+struct FileState {
+  std::uint64_t device;
+  std::uint64_t number;
+  std::int64_t size;
+  FileTime written;
+  bool operator==(const FileState&) const = default;
+};
+[[nodiscard]] std::optional<FileState> file_state(std::FILE* stream);
 // Sets it. False if the system refuses; the file then is as old as it is.
 bool stream_time_set(std::FILE* stream, FileTime time);
 bool file_time_set(const std::string& path, FileTime time);
@@ -109,6 +118,8 @@ void folder_sync(const std::string& path);
 // and may be tried again when it is cleared. `is_waiting_file` tells whether a path leads to such a file.
 [[nodiscard]] bool is_waiting_file(const std::string& path);
 [[nodiscard]] std::FILE* waiting_file_open(const std::string& path, const std::atomic<bool>& stop);
+// Was the stream opened by `waiting_file_open`?
+[[nodiscard]] bool is_waiting_stream(std::FILE* stream);
 
 // Reads exactly `size` bytes at `offset`, past the stream's own buffer and position. False if fewer stand there, if
 // they cannot be read, or for a null stream.

@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "data/key_numbers.hpp"
+#include "data/lookup_memory.hpp"
 #include "data/output.hpp"
 #include "data/pool.hpp"
 #include "data/records.hpp"
@@ -61,7 +62,7 @@ struct SearchScratch {
 };
 
 // One thread's working memory, 160 KB: not for a stack. Any number can live side by side, each with its own grammar or
-// sharing one. Another thread may set `stop_requested` and nothing else.
+// sharing one. Another thread may set `stop_requested` and `flush_wanted` and nothing else.
 struct Session {
   const Grammar* grammar = nullptr;  // not owned; null until rules are there
   EngineState state{};
@@ -72,7 +73,9 @@ struct Session {
   LookupDamage damage{};
   std::int64_t line = 0;                    // how many lines of the input have been read
   std::vector<Remark>* remarks = nullptr;   // not owned; null: nobody wants to know
+  LookupMemory lookups;
   std::atomic<bool> stop_requested{false};  // every loop that can run long looks at it
+  std::atomic<bool> flush_wanted{false};    // so does it at this: the output so far is wanted by who watches the run
   Node gone{};                              // equals no node of any list: what `forced_node` becomes without its target
 
   Session() = default;
@@ -94,6 +97,30 @@ Status rule_base_failure(Session& session, const char* what);
 
 // Keeps a remark, if anybody wants to know.
 void remark(Session& session, std::int64_t line, std::string_view text);
+
+// Texts to the session's output, one behind the other; nothing once the worker was asked to stop.
+template <typename... Pieces>
+void out_text(Session& session, const Pieces&... pieces) {
+  if (!session.stop_requested.load(std::memory_order_relaxed)) session.output.put(pieces...);
+}
+
+// A place where the output so far is handed on if that is wanted; one stands in every loop that can run long.
+inline void out_flush(Session& session) {
+  if (!session.flush_wanted.load(std::memory_order_relaxed)) return;
+  session.flush_wanted.store(false, std::memory_order_relaxed);
+  session.output.flush();
+}
+
+// What stands in front of each line of the trace.
+[[nodiscard]] inline std::string_view trace_indent(const Session& session) {
+  return {session.state.trace_indent, session.state.trace_depth};
+}
+
+// A line of the trace: the indent, the texts and the line's end.
+template <typename... Pieces>
+void trace_line(Session& session, const Pieces&... pieces) {
+  out_text(session, trace_indent(session), pieces..., "\n");
+}
 
 // Enters and leaves a scope in the trace: depth and indent. Depth beyond 255 is a failure: false, nothing changes.
 [[nodiscard]] bool trace_indent_grow(Session& session);

@@ -35,6 +35,9 @@ class TextSource {
   // The next character, the pair CR LF counting as its LF; EOF at the end.
   [[nodiscard]] int next() { return rest_ != nullptr ? next_in_memory() : next_in_file(); }
 
+  // The file; null for memory.
+  [[nodiscard]] std::FILE* stream() const { return stream_; }
+
   // Did the reading end before the text did?
   [[nodiscard]] bool has_failed() const { return stream_ != nullptr && std::ferror(stream_) != 0; }
 

@@ -8,9 +8,17 @@
 
 #include "data/bytes.hpp"
 #include "data/platform.hpp"
+#include "data/session.hpp"
 #include "dict/layout.hpp"
 
 namespace lexon {
+
+// The bytes of a block, which somebody else owns, up to its used length, which never reaches into the link.
+template <std::size_t Size>
+[[nodiscard]] ByteView block_content(const std::uint8_t* bytes) {
+  const std::size_t used = load_u16(bytes);
+  return {bytes, used < Size - 2 ? used : Size - 2};
+}
 
 // One block of a file in hand. It is not cleared: a block is read before it is looked at.
 template <std::size_t Size>
@@ -22,16 +30,10 @@ class Block {
   }
 
   [[nodiscard]] const std::array<std::uint8_t, Size>& bytes() const { return bytes_; }
-  // Up to the used length, which never reaches into the link.
-  [[nodiscard]] ByteView content() const {
-    const std::size_t used = load_u16(bytes_.data());
-    return {bytes_.data(), used < kLink ? used : kLink};
-  }
-  [[nodiscard]] std::uint16_t next() const { return load_u16(bytes_.data() + kLink); }
+  [[nodiscard]] ByteView content() const { return block_content<Size>(bytes_.data()); }
+  [[nodiscard]] std::uint16_t next() const { return load_u16(bytes_.data() + Size - 2); }
 
  private:
-  static constexpr std::size_t kLink = Size - 2;
-
   std::array<std::uint8_t, Size> bytes_;
 };
 
@@ -43,21 +45,23 @@ static_assert(kDictLinkOffset == kDictBlockSize - 2 && kIndexLinkOffset == kInde
 template <std::size_t Size>
 class BlockChain {
  public:
-  BlockChain(std::FILE* stream, std::uint16_t first) : stream_(stream), next_(first) {}
+  BlockChain(Session& session, std::FILE* stream, std::uint16_t first)
+      : lookups_(session.lookups), stream_(stream), next_(first) {}
 
   // Takes the next block in hand. False at the end of the chain or if the block cannot be read.
   [[nodiscard]] bool advance() {
     if (next_ == 0 || is_circle()) return false;
     number_ = next_;
-    if (!block_.read(stream_, offset_of(number_))) {
-      is_unreadable_ = true;
-      return false;
-    }
-    next_ = block_.next();
+    bytes_ = lookups_.block(stream_, offset_of(number_), room_);
+    is_unreadable_ = bytes_ == nullptr;
+    if (is_unreadable_) return false;
+    next_ = load_u16(bytes_ + Size - 2);
     return true;
   }
 
-  [[nodiscard]] const Block<Size>& block() const { return block_; }
+  // The block in hand, as long as the session looks up nothing else.
+  [[nodiscard]] const std::uint8_t* bytes() const { return bytes_; }
+  [[nodiscard]] ByteView content() const { return block_content<Size>(bytes_); }
   [[nodiscard]] std::uint16_t number() const { return number_; }
   [[nodiscard]] bool is_unreadable() const { return is_unreadable_; }
   // The place of the block in hand, or of the one that cannot be read.
@@ -80,6 +84,7 @@ class BlockChain {
     return false;
   }
 
+  LookupMemory& lookups_;
   std::FILE* stream_;
   std::uint16_t next_;
   std::uint16_t number_ = 0;
@@ -87,7 +92,8 @@ class BlockChain {
   std::uint32_t steps_ = 0;
   std::uint32_t stretch_ = 1;
   bool is_unreadable_ = false;
-  Block<Size> block_;
+  const std::uint8_t* bytes_ = nullptr;
+  std::array<std::uint8_t, Size> room_;  // for a block that is not kept
 };
 
 using DictChain = BlockChain<kDictBlockSize>;

@@ -139,8 +139,8 @@ const char* label_of(const Check& check) {
 
 void trace_checked(Session& session, const Check& check, int score) {
   if (session.state.trace_level < 3) return;
-  out_print(session, "%s;;CR checked: %s(%s,%s)=%d\n", session.state.trace_indent, label_of(check), check.pair.first,
-            check.pair.second, score);
+  trace_line(session, ";;CR checked: ", label_of(check), "(", check.pair.first, ",", check.pair.second,
+             ")=", Decimal(score));
 }
 
 // Asks the present pair, from the chain that the caller has left.

@@ -66,10 +66,15 @@ ByteView record_at(ByteView content, std::size_t at) {
 }
 
 std::optional<std::string_view> record_field(ByteView record, int key_field) {
-  ByteReader reader(record, 2);
-  for (int field = 1; field < key_field; ++field) reader.skip(reader.u16());
-  const std::string_view text = reader.text();
-  return reader.ok() ? std::optional(text) : std::nullopt;
+  std::size_t at = 2;
+  for (int field = 1;; ++field) {
+    if (record.size() - at < 2) return std::nullopt;
+    const std::size_t length = load_u16(record.data() + at);
+    at += 2;
+    if (length > record.size() - at) return std::nullopt;
+    if (field == key_field) return as_text(record.subspan(at, length));
+    at += length;
+  }
 }
 
 bool stored_record_read(ByteView record, StoredRecord& stored) {

@@ -32,7 +32,7 @@ struct StoredRecord {
 // The record at `at` in a block's content, its size field included; empty if it runs past the content or has no size.
 [[nodiscard]] ByteView record_at(ByteView content, std::size_t at);
 
-// The bytes of one field, counted from 1; none if it lies behind the record's end.
+// The bytes of one field, counted from 1; none if it lies behind the end of the record, which `record_at` gave.
 [[nodiscard]] std::optional<std::string_view> record_field(ByteView record, int key_field);
 
 // Reads all fields; false if the record is damaged: a field runs past its end.

@@ -12,8 +12,8 @@ namespace lexon {
 
 namespace {
 
-std::uint8_t type_of(const DictBlock& block) {
-  return block.bytes()[kDictTypeOffset];
+std::uint8_t type_of(const DictChain& chain) {
+  return chain.bytes()[kDictTypeOffset];
 }
 
 // wanted: a block that cannot be read ends its chain silently, and what has been found stands.
@@ -23,7 +23,7 @@ void note_unreadable(Session& session, std::FILE* dictionary, const DictChain& c
 
 // Is the block in hand of this type? One that is not is noted.
 bool is_of_type(Session& session, std::FILE* dictionary, const DictChain& chain, std::uint8_t type) {
-  const bool is_right = type_of(chain.block()) == type;
+  const bool is_right = type_of(chain) == type;
   if (!is_right) note_damaged_block(session, dictionary, chain.offset());
   return is_right;
 }
@@ -45,12 +45,11 @@ Status scan_key_block(Session& session, ByteView content, std::string_view key, 
 
 Status scan_key_chain(Session& session, std::FILE* dictionary, std::uint16_t first, std::string_view key,
                       KeyHits& found) {
-  DictChain chain(dictionary, first);
+  DictChain chain(session, dictionary, first);
   for (bool is_done = false; !is_done && chain.advance();) {
     if (const Status s = must_leave(session); s != Status::ok) return s;
     if (!is_of_type(session, dictionary, chain, kKeyBlock)) return Status::not_a_key_block;
-    if (const Status s = scan_key_block(session, chain.block().content(), key, found, is_done); s != Status::ok)
-      return s;
+    if (const Status s = scan_key_block(session, chain.content(), key, found, is_done); s != Status::ok) return s;
   }
   note_unreadable(session, dictionary, chain);
   return Status::ok;
@@ -87,11 +86,11 @@ Status group_open(Session& session, DataScan& scan, std::int32_t block, std::siz
   return Status::ok;
 }
 
-Status append_word(Session& session, DataScan& scan, ByteView record, std::int32_t block, std::size_t offset) {
+Status append_word(Session& session, DataScan& scan, const LookupMemory::Record& record) {
   WordEntry* word = nullptr;
-  if (const Status s = record_unpack(session, record, word); s != Status::ok || word == nullptr) return s;
+  if (const Status s = record_unpack(session, record.bytes, word); s != Status::ok || word == nullptr) return s;
   if (scan.word_link == nullptr) {
-    if (const Status s = group_open(session, scan, block, offset); s != Status::ok) return s;
+    if (const Status s = group_open(session, scan, record.block, record.offset); s != Status::ok) return s;
   }
   *scan.word_link = word;
   scan.word_link = &word->next;
@@ -99,7 +98,7 @@ Status append_word(Session& session, DataScan& scan, ByteView record, std::int32
 }
 
 Status scan_data_block(Session& session, DataScan& scan, const DictChain& chain) {
-  const ByteView content = chain.block().content();
+  const ByteView content = chain.content();
   ByteView record;
   for (std::size_t at = kDictDataOffset; at < content.size(); at += record.size()) {
     record = record_at(content, at);
@@ -112,7 +111,9 @@ Status scan_data_block(Session& session, DataScan& scan, const DictChain& chain)
     scan.is_done = scan.key_field == kKeyHw && order > 0;
     if (scan.is_done) return Status::ok;
     if (order != 0) continue;
-    if (const Status s = append_word(session, scan, record, chain.number(), at); s != Status::ok) return s;
+    const LookupMemory::Record hit{chain.number(), static_cast<std::uint16_t>(at), scan.word_link == nullptr, record};
+    if (const Status s = append_word(session, scan, hit); s != Status::ok) return s;
+    session.lookups.answer_add(hit);
   }
   return Status::ok;
 }
@@ -120,7 +121,7 @@ Status scan_data_block(Session& session, DataScan& scan, const DictChain& chain)
 Status scan_data_chain(Session& session, DataScan& scan, std::FILE* dictionary, std::uint16_t first) {
   scan.word_link = nullptr;
   scan.is_done = false;
-  DictChain chain(dictionary, first);
+  DictChain chain(session, dictionary, first);
   while (!scan.is_done && chain.advance()) {
     if (const Status s = must_leave(session); s != Status::ok) return s;
     if (!is_of_type(session, dictionary, chain, kDataBlock)) return Status::not_a_data_block;
@@ -141,6 +142,16 @@ Status dict_scan(Session& session, std::FILE* dictionary, int secondary, int key
   while (hits.first != nullptr) {
     if (const Status s = scan_data_chain(session, scan, dictionary, key_hits_take(session, hits)); s != Status::ok)
       return s;
+  }
+  return Status::ok;
+}
+
+Status dict_recall(Session& session, LookupMemory::Answer& answer, LookupGroup*& groups) {
+  DataScan scan{.key_field = 0, .key = {}, .link = &groups, .word_link = nullptr, .is_done = false};
+  LookupMemory::Record record;
+  while (answer.next(record)) {
+    if (record.opens_group) scan.word_link = nullptr;
+    if (const Status s = append_word(session, scan, record); s != Status::ok) return s;
   }
   return Status::ok;
 }

@@ -1,6 +1,7 @@
 #include "dict/entry_text.hpp"
 
 #include <array>
+#include <cstring>
 
 #include "data/bytes.hpp"
 #include "data/chain.hpp"
@@ -13,7 +14,7 @@ namespace {
 
 // A two-letter code, blanks, and the mark that stands for it in a word.
 constexpr std::array<const char*, 4> kLanguages = {"ES 0", "ID 1", "IT 2", "SW 3"};
-constexpr int kCodeLength = 2;
+constexpr std::size_t kCodeLength = 2;
 
 const char* mark_of(const char* row) {
   return skip_blanks(row + kCodeLength);
@@ -58,16 +59,17 @@ const char* entry_error_text(Status status) {
   return "unknown error";
 }
 
-void entry_print(Output& output, const WordEntry* entry, const char* prefix) {
+void entry_print(Output& output, const WordEntry* entry, std::string_view prefix) {
   if (entry == nullptr) return;
   const char* language = language_to_code(entry->language);
-  const int language_length = language == entry->language ? 1 : kCodeLength;
-  output.print("%s[%s]{%s} %s \"%s\" (%s) <%.*s,%u,%d>;\n", text_or_empty(prefix), text_or_empty(entry->hw),
-               text_or_empty(entry->id), text_or_empty(entry->gloss), text_or_empty(entry->cw),
-               text_or_empty(entry->attrs), language_length, language, load_u32(entry->frequency), entry->priority);
+  const std::size_t language_length = language == entry->language ? 1 : kCodeLength;
+  output.put(prefix, "[", text_or_empty(entry->hw), "]{", text_or_empty(entry->id), "} ", text_or_empty(entry->gloss),
+             " \"", text_or_empty(entry->cw), "\" (", text_or_empty(entry->attrs), ") <",
+             std::string_view(language, strnlen(language, language_length)), ",", Decimal(load_u32(entry->frequency)),
+             ",", Decimal(entry->priority), ">;\n");
 }
 
-void entry_list_print(Output& output, const WordEntry* list, const char* prefix) {
+void entry_list_print(Output& output, const WordEntry* list, std::string_view prefix) {
   for (const WordEntry& word : chain<&WordEntry::next>(list)) entry_print(output, &word, prefix);
 }
 

@@ -1,5 +1,6 @@
 #include "dict/index.hpp"
 
+#include <optional>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -27,6 +28,14 @@ Status lookup_from(Session& session, KeyHits& hits, const DictionaryFiles& files
 
 Status lookup_by(Session& session, const DictionaryFiles& files, const IndexDescriptor& descriptor, int key_field,
                  std::string_view key, LookupGroup*& groups) {
+  // With an index that is looked for each time, nobody knows whether it is still the same one.
+  const LookupMemory::Question question{files.index == nullptr ? nullptr : files.dictionary, key_field, key};
+  if (std::optional<LookupMemory::Answer> answer = session.lookups.answer(question); answer) {
+    const Status s = must_leave(session);
+    return s != Status::ok ? s : dict_recall(session, *answer, groups);
+  }
+  session.lookups.answer_begin(question);
+  const std::int64_t damaged_before = session.damage.blocks;
   KeyHits hits;
   if (const Status s = key_hits_append(session, hits, descriptor.root); s != Status::ok) return s;
   std::FILE* own_index = files.index == nullptr ? index_open("", descriptor, key_field, false) : nullptr;
@@ -34,6 +43,8 @@ Status lookup_by(Session& session, const DictionaryFiles& files, const IndexDesc
   const Status s = lookup_from(session, hits, files, index, descriptor, key_field, key, groups);
   if (own_index != nullptr) static_cast<void>(std::fclose(own_index));
   key_hits_free(session, hits);
+  // Damage counts as often as it is met.
+  if (s == Status::ok && session.damage.blocks == damaged_before) session.lookups.answer_end();
   return s;
 }
 

@@ -1,4 +1,4 @@
-// The binary dictionary and its key tree, read only. Nothing is cached: every lookup reads blocks.
+// The binary dictionary and its key tree, read only. What a lookup has read is kept as data/lookup_memory.hpp tells.
 #pragma once
 
 #include <cstddef>

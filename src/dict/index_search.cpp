@@ -43,10 +43,10 @@ Status search_block(Session& session, Level& level, ByteView content) {
 
 Status search_chain(Session& session, Level& level, std::FILE* index, std::uint16_t first) {
   level.has_nearest = level.has_passed = false;
-  IndexChain chain(index, first);
+  IndexChain chain(session, index, first);
   while (!level.has_passed && chain.advance()) {
     if (const Status s = must_leave(session); s != Status::ok) return s;
-    const Status s = search_block(session, level, chain.block().content());
+    const Status s = search_block(session, level, chain.content());
     if (s == Status::index_unreadable) note_damaged_block(session, index, chain.offset());
     if (s != Status::ok) return s;
   }

@@ -5,6 +5,7 @@
 #include <cstdio>
 #include <string_view>
 
+#include "data/lookup_memory.hpp"
 #include "data/status.hpp"
 #include "dict/index.hpp"
 
@@ -41,5 +42,8 @@ void key_hits_free(Session& session, KeyHits& hits);
 // those are key blocks, which lead on to the data blocks.
 [[nodiscard]] Status dict_scan(Session& session, std::FILE* dictionary, int secondary, int key_field,
                                std::string_view key, KeyHits& hits, LookupGroup*& groups);
+
+// The words of an answer that is remembered, as `dict_scan` found them.
+[[nodiscard]] Status dict_recall(Session& session, LookupMemory::Answer& answer, LookupGroup*& groups);
 
 }  // namespace lexon

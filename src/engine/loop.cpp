@@ -179,7 +179,10 @@ Status engine_loop(Session& session, RuleCandidate* candidates, Window window, s
   if (stack_nearly_used(session)) return Status::memory;
   Loop loop{candidates, window, home_scope, Status::ok};
   Turn turn = Turn::pass;
-  for (; turn == Turn::pass; ++session.state.steps) turn = pass(session, loop);
+  for (; turn == Turn::pass; ++session.state.steps) {
+    out_flush(session);
+    turn = pass(session, loop);
+  }
   Status status = loop.status;
   // The search ran out. A finished scope can hold another solution.
   const bool may_go_back = turn == Turn::end && status == Status::nothing_left && loop.candidates != nullptr;

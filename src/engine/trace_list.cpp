@@ -63,12 +63,12 @@ void append_tail(Session& session, std::string& line, const Node* node) {
 
 void print_word(Session& session, const WordEntry* word) {
   if (must_leave(session) == Status::stopped) return;
-  entry_print(session.output, word, session.state.trace_indent);
+  entry_print(session.output, word, trace_indent(session));
 }
 
 void print_words(Session& session, const WordEntry* words) {
   if (must_leave(session) == Status::stopped) return;
-  entry_list_print(session.output, words, session.state.trace_indent);
+  entry_list_print(session.output, words, trace_indent(session));
 }
 
 // The changed copies, and the word from which they came.
@@ -89,34 +89,33 @@ void dump_scope_entries(Session& session, int scope) {
     const Node* entry = scope_entry_node(session, scope);
     if (entry == nullptr) break;
     if (is_fresh(*entry)) {
-      out_print(session, "%s-- candidates of scope entry-node --\n", session.state.trace_indent);
+      trace_line(session, "-- candidates of scope entry-node --");
       print_words(session, entry->candidates);
     } else {
-      out_print(session, "%s-- entry of scope entry-node --\n", session.state.trace_indent);
+      trace_line(session, "-- entry of scope entry-node --");
       print_word(session, entry->candidates);
     }
     if (!is_scope_reference(*entry)) return;
     scope = entry->scope;
   }
-  if (session.state.trace_level > 1) out_print(session, "%sNo @entry in Scope\n", session.state.trace_indent);
+  if (session.state.trace_level > 1) trace_line(session, "No @entry in Scope");
   out_flush(session);
 }
 
 // What the graph says of the node in this scope; it is not merged into the word yet.
 void print_graph_attrs(Session& session, const Node& node) {
-  if (const char* text = head_text(node); text != nullptr)
-    out_print(session, "%s%s\n", session.state.trace_indent, text);
+  if (const char* text = head_text(node); text != nullptr) trace_line(session, text);
 }
 
 void dump_left_place(Session& session, const Node* lnode, bool with_words) {
-  out_print(session, "%slnode >>>>>\n", session.state.trace_indent);
+  trace_line(session, "lnode >>>>>");
   const bool shows_open_words = with_words && (lnode == nullptr || is_fresh(*lnode));
-  if (shows_open_words) out_print(session, "%s-- word candidates for lnode --\n", session.state.trace_indent);
+  if (shows_open_words) trace_line(session, "-- word candidates for lnode --");
   dump_node(session, lnode, !shows_open_words);
 }
 
 void dump_right_place(Session& session, const Window& window, bool with_words) {
-  out_print(session, "%srnode >>>>>\n", session.state.trace_indent);
+  trace_line(session, "rnode >>>>>");
   out_flush(session);
   const Node* rnode = window.rnode;
   if (!with_words) {
@@ -130,7 +129,7 @@ void dump_right_place(Session& session, const Window& window, bool with_words) {
     return;
   }
   if (rnode != nullptr) print_graph_attrs(session, *rnode);
-  out_print(session, "%s-- word candidates for rnode --\n", session.state.trace_indent);
+  trace_line(session, "-- word candidates for rnode --");
   dump_node(session, rnode, false);
 }
 
@@ -142,9 +141,9 @@ void print_list_line(Session& session, const Window& window) {
   if (window.lnode != nullptr) {
     Node* first = list_first(window.lnode);
     if (first->left == first) {
-      out_print(session, "%s", session.state.trace_indent);
+      out_text(session, trace_indent(session));
       dump_node(session, first, true);
-      out_print(session, "%s;;lnode loop\n", session.state.trace_indent);
+      trace_line(session, ";;lnode loop");
       return;
     }
     append_up_to(session, line, first, window.lnode);
@@ -153,17 +152,17 @@ void print_list_line(Session& session, const Window& window) {
   }
   append_marked(line, window.rnode);
   if (window.rnode != nullptr) append_tail(session, line, window.rnode->right);
-  if (must_leave(session) != Status::stopped) out_print(session, "%s/\n", line.c_str());
+  if (must_leave(session) != Status::stopped) out_text(session, line.c_str(), "/\n");
   out_flush(session);
 }
 
 void dump_list(Session& session, const Window& window, bool with_words) {
   const int number = current_scope(session).number;
-  out_print(session, "%s=================== NODE LIST:%02d ===================\n", session.state.trace_indent, number);
+  trace_line(session, "=================== NODE LIST:", Decimal(number, 2), " ===================");
   out_flush(session);
   print_list_line(session, window);
   out_flush(session);
-  out_print(session, "%s====================================================\n", session.state.trace_indent);
+  trace_line(session, "====================================================");
   dump_left_place(session, window.lnode, with_words);
   dump_right_place(session, window, with_words);
 }
@@ -181,7 +180,7 @@ void dump_node(Session& session, const Node* node, bool one) {
 }
 
 void print_other_rules(Session& session, const RuleCandidate* list) {
-  out_print(session, "%s-- other applicable rules --\n", session.state.trace_indent);
+  trace_line(session, "-- other applicable rules --");
   for (const RuleCandidate& element : chain<&RuleCandidate::next>(list)) {
     if (is_post_edit_type(element.rule->type)) continue;
     rule_print(session, element.rule, true);

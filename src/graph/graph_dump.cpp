@@ -75,20 +75,20 @@ void node_print(Session& session, Node& node, int scope) {
   char code[3];
   node_code_write(node.scope, code);
   if (as_reference) {
-    out_print(session, "%s:%c%c(", bracket, code[0], code[1]);
+    out_text(session, bracket, ":", std::string_view(code, 2), "(");
   } else if (node.scope != 0) {
-    out_print(session, "%s%s:%c%c(", bracket, text_or_empty(node.name), code[0], code[1]);
+    out_text(session, bracket, text_or_empty(node.name), ":", std::string_view(code, 2), "(");
   } else {
-    out_print(session, "%s%s(", bracket, text_or_empty(node.name));
+    out_text(session, bracket, text_or_empty(node.name), "(");
   }
   const ScopeAttrs* block = scope_attrs_find(node, scope);
-  out_print(session, "%s)%s\n", block == nullptr ? "" : block->text, again ? "]" : "");
+  out_text(session, block == nullptr ? "" : block->text, ")", again ? "]" : "", "\n");
   mark(node);
 }
 
 void branch_print(Session& session, Node& node, const DumpBranch* branches, int indent, const Dump& dump) {
   if (must_leave(session) != Status::ok) return;
-  if (indent == 0) out_print(session, "%s", dump.prefix);
+  if (indent == 0) out_text(session, dump.prefix);
   node_print(session, node, dump.scope);
   for (const DumpBranch& branch : chain<&DumpBranch::next>(branches)) {
     const Relation& relation = *branch.relation;
@@ -144,10 +144,10 @@ void graph_marks_clear(Session& session, Node* node, int scope) {
 
 void scope_attrs_print(Session& session, const ScopeAttrs* block, bool first_only) {
   for (; block != nullptr; block = first_only ? nullptr : block->next) {
-    out_print(session, "  %02d:%s", block->scope, block->text);
+    out_text(session, "  ", Decimal(block->scope, 2), ":", block->text);
     out_flush(session);
   }
-  out_print(session, "\n");
+  out_text(session, "\n");
 }
 
 }  // namespace lexon

@@ -10,6 +10,7 @@
 
 #include "data/nodes.hpp"
 #include "data/output.hpp"
+#include "data/platform.hpp"
 #include "data/session.hpp"
 #include "data/text_line.hpp"
 #include "graph/graph_nodes.hpp"
@@ -221,8 +222,9 @@ Status lines_read(Session& session, Reader& reader) {
       case LineKind::word_block: status = word_block_read(session, reader); break;
       case LineKind::skipped_block: status = skipped_block_read(session, reader); break;
       case LineKind::sentence_start:
-        out_print(session, "%s", line);
-        out_flush(session);
+        out_text(session, line);
+        // The rest of the sentence can be long in coming.
+        if (is_waiting_stream(reader.input.stream())) session.output.flush();
         graph_start(reader);
         break;
       case LineKind::graph_line:

@@ -29,9 +29,9 @@ const char* type_name(std::uint8_t type) {
 
 void type_print(Session& session, std::uint8_t type) {
   if (const char* const name = type_name(type); name != nullptr) {
-    out_print(session, "%s", name);
+    out_text(session, name);
   } else {
-    out_print(session, "%c", type);
+    out_text(session, std::string_view(reinterpret_cast<const char*>(&type), 1));
   }
 }
 
@@ -43,15 +43,15 @@ const char* comma_if(bool wanted) {
 void conditions_print(Session& session, const CondItem* conditions, const char* open, const char* close) {
   for (const CondItem& item : chain<&CondItem::next>(conditions)) {
     const char* const sign = item.op == kOpNot ? "^" : "";
-    out_print(session, "%s%s%s%s%s", sign, open, item.text, close, comma_if(item.next != nullptr));
+    out_text(session, sign, open, item.text, close, comma_if(item.next != nullptr));
   }
 }
 
 void cond_print(Session& session, const CondItem* hw_conds, const CondItem* cw_conds, const CondItem* attr_conds) {
   conditions_print(session, hw_conds, "[", "]");
-  out_print(session, "%s", comma_if(hw_conds != nullptr && (cw_conds != nullptr || attr_conds != nullptr)));
+  out_text(session, comma_if(hw_conds != nullptr && (cw_conds != nullptr || attr_conds != nullptr)));
   conditions_print(session, cw_conds, "[[", "]]");
-  out_print(session, "%s", comma_if(cw_conds != nullptr && attr_conds != nullptr));
+  out_text(session, comma_if(cw_conds != nullptr && attr_conds != nullptr));
   conditions_print(session, attr_conds, "", "");
 }
 
@@ -64,37 +64,37 @@ const char* action_sign(std::uint8_t op) {
 void actions_print(Session& session, const NodePattern& pattern) {
   const bool has_actions = pattern.actions != nullptr;
   const bool has_cw = pattern.cw_action != nullptr;
-  if (pattern.hw_action != nullptr) out_print(session, "[%s]%s", pattern.hw_action, comma_if(has_cw || has_actions));
-  if (has_cw) out_print(session, "[[%s]]%s", pattern.cw_action, comma_if(has_actions));
+  if (pattern.hw_action != nullptr) out_text(session, "[", pattern.hw_action, "]", comma_if(has_cw || has_actions));
+  if (has_cw) out_text(session, "[[", pattern.cw_action, "]]", comma_if(has_actions));
   for (const CondItem& item : chain<&CondItem::next>(pattern.actions)) {
     if (item.op >= kOpSetHw) continue;
-    out_print(session, "%s%s%s", action_sign(item.op), item.text, comma_if(item.next != nullptr));
+    out_text(session, action_sign(item.op), item.text, comma_if(item.next != nullptr));
   }
 }
 
 void texts_print(Session& session, const CondItem* items) {
   for (const CondItem& item : chain<&CondItem::next>(items)) {
-    out_print(session, "%s%s", item.text, comma_if(item.next != nullptr));
+    out_text(session, item.text, comma_if(item.next != nullptr));
   }
 }
 
 void pattern_print(Session& session, const NodePattern& pattern) {
   const bool is_quoted = pattern.inserted != 0;
-  out_print(session, "%s", is_quoted ? "\"" : "{");
+  out_text(session, is_quoted ? "\"" : "{");
   cond_print(session, pattern.hw_conds, pattern.cw_conds, pattern.attr_conds);
-  out_print(session, ":");
+  out_text(session, ":");
   actions_print(session, pattern);
-  out_print(session, ":");
+  out_text(session, ":");
   texts_print(session, pattern.relations);
-  out_print(session, ":");
+  out_text(session, ":");
   texts_print(session, pattern.roles);
-  out_print(session, "%s", is_quoted ? "\"" : "}");
+  out_text(session, is_quoted ? "\"" : "}");
 }
 
 void group_print(Session& session, const ContextGroup& group) {
-  out_print(session, "(");
+  out_text(session, "(");
   cond_print(session, group.hw_conds, group.cw_conds, group.attr_conds);
-  out_print(session, group.star != 0 ? ")*" : ")");
+  out_text(session, group.star != 0 ? ")*" : ")");
 }
 
 // Each list that is stored in the order of the walk is turned, so that all stand in the order of the text.
@@ -106,7 +106,7 @@ void rule_body_print(Session& session, const Rule& rule) {
   mid_is_reversed ? groups_print_backward(session, rule.mid) : groups_print_forward(session, rule.mid);
   pattern_print(session, *rule.rnode);
   groups_print_forward(session, rule.suf);
-  out_print(session, "P%d;\n", rule.priority);
+  out_text(session, "P", Decimal(rule.priority), ";\n");
 }
 
 }  // namespace
@@ -122,7 +122,7 @@ void groups_print_backward(Session& session, const ContextGroup* group) {
 }
 
 void rule_print(Session& session, const Rule* rule, bool one) {
-  out_print(session, "%s", session.state.trace_indent);
+  out_text(session, trace_indent(session));
   for (; rule != nullptr; rule = rule->next) {
     rule_body_print(session, *rule);
     if (one) return;

@@ -50,6 +50,7 @@ Opening open_output(const RunSettings& settings, RunContext& context) {
   std::FILE* stream = file_open(settings.output_file, "w");
   if (stream == nullptr) return failure_to_open("Output File", settings.output_file);
   context.output.reset(stream);
+  static_cast<void>(std::setvbuf(stream, nullptr, _IONBF, 0));  // the session's output is the buffer
   context.session.output.redirect(stream);
   return {};
 }

@@ -100,6 +100,7 @@ Status render_sentence(Session& session, const DictionaryFiles& dictionary, Text
                        const DictionaryFiles& cr_dictionary, bool post_edit_wanted, InputNotes* notes) {
   session.sentence.dictionary = dictionary;
   session.sentence.cr_dictionary = cr_dictionary;
+  session.lookups.attend({dictionary.dictionary, dictionary.index, cr_dictionary.dictionary, cr_dictionary.index});
   const long start = processor_clock();
   sentence_clear(session);
   if (const Status s = read_sentence(session, input, notes); s != Status::ok) return s;

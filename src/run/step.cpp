@@ -164,7 +164,10 @@ bool step_tick(ProgressState& progress, RunContext& context) {
   progress.elapsed += 0.1;
   const bool is_running = progress.worker.is_running();
   const bool time_is_up = progress.limit != 0 && progress.limit < progress.elapsed && progress.number != 0;
-  if (is_running && !time_is_up) return false;
+  if (is_running && !time_is_up) {
+    context.session.flush_wanted = true;
+    return false;
+  }
   if (is_running) {
     stop_worker(progress, context);
     if (context.run_status == run_state::running) context.run_status = run_state::over_time;
