@@ -13,8 +13,13 @@ bool stack_nearly_used(Session& session) {
 
 Status rule_base_failure(Session& session, const char* what) {
   if (session.state.abort == Status::ok) out_print(session, ";;the rule base has failed: %s\n", what);
+  if (session.state.abort == Status::ok) remark(session, 0, std::string("the rule base has failed: ") + what);
   session.state.abort = Status::rule_base;
   return Status::rule_base;
+}
+
+void remark(Session& session, std::int64_t line, std::string_view text) {
+  if (session.remarks != nullptr) session.remarks->push_back({line, std::string(text)});
 }
 
 bool trace_indent_grow(Session& session) {
@@ -69,7 +74,10 @@ void sentence_clear(Session& session) {
 }
 
 void sentence_refuse(Session& session, const char* what) {
-  if (!session.sentence.refused) out_print(session, ";;%s\n", what);
+  if (!session.sentence.refused) {
+    out_print(session, ";;%s\n", what);
+    remark(session, 0, what);
+  }
   session.sentence.refused = true;
 }
 

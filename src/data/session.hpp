@@ -3,6 +3,7 @@
 
 #include <atomic>
 #include <cstdint>
+#include <string>
 #include <string_view>
 #include <type_traits>
 #include <vector>
@@ -23,6 +24,12 @@ struct LookupDamage {
   std::int64_t blocks;      // that could not be read, or were of the wrong kind; one counts as often as it is met
   const std::FILE* stream;  // where the first of them stands; null as long as there is none
   std::int64_t offset;      // its place in that file
+};
+
+// What is wrong with a sentence, for who renders from a program; the output says it in its own way.
+struct Remark {
+  std::int64_t line;  // of the input, from 1; 0: it is about no line
+  std::string text;
 };
 
 // The work area of the search for rules, one for each side of the window; sized for the grammar by `session_use`.
@@ -49,6 +56,8 @@ struct Session {
   Output output;  // sentences, banners, messages and trace
   SearchScratch search;
   LookupDamage damage{};
+  std::int64_t line = 0;                    // how many lines of the input have been read
+  std::vector<Remark>* remarks = nullptr;   // not owned; null: nobody wants to know
   std::atomic<bool> stop_requested{false};  // every loop that can run long looks at it
   Node gone{};                              // equals no node of any list: what `forced_node` becomes without its target
 
@@ -68,6 +77,9 @@ struct Session {
 // Ends the sentence as a failure of the rule base. Prints ";;" and what the rule base did, at the first call in a
 // sentence. Always returns `Status::rule_base`.
 Status rule_base_failure(Session& session, const char* what);
+
+// Keeps a remark, if anybody wants to know.
+void remark(Session& session, std::int64_t line, std::string_view text);
 
 // Enters and leaves a scope in the trace: depth and indent. Depth beyond 255 is a failure: false, nothing changes.
 [[nodiscard]] bool trace_indent_grow(Session& session);

@@ -18,6 +18,7 @@ struct EngineState {
   char trace_indent[256];    // one tab for each
   Node* forced_node;         // target of a forced backtracking, or null; survives the sentence
   PlaceWatch* watches;       // innermost first; see data/nodes.hpp
+  std::int64_t steps;        // passes of the search since the session began
   Status abort;              // ok, or what every loop returns at once: a failure of the rule base, or of the stack
   const char* stack_limit;   // the worker's stack must not grow below this; null: not guarded
 };

@@ -6,17 +6,30 @@
 
 namespace lexon {
 
-namespace {
+int TextSource::next_in_memory() {
+  if (rest_->empty()) return EOF;
+  const std::size_t length = rest_->starts_with("\r\n") ? 2 : 1;
+  if (copy_ != nullptr) copy_->append(rest_->substr(0, length));
+  const char c = (*rest_)[length - 1];
+  rest_->remove_prefix(length);
+  return static_cast<unsigned char>(c);
+}
 
-// The next character of a text file, a CR LF pair counting as its LF; EOF at the end.
-int next_char(std::FILE* stream) {
-  const int c = getc_unlocked(stream);
+int TextSource::next_in_file() {
+  const int c = getc_unlocked(stream_);
+  if (c == EOF) return EOF;
+  if (copy_ != nullptr) copy_->push_back(static_cast<char>(c));
   if (c != '\r') return c;
-  const int behind = getc_unlocked(stream);
-  if (behind == '\n') return behind;
-  if (behind != EOF) std::ungetc(behind, stream);
+  const int behind = getc_unlocked(stream_);
+  if (behind == '\n') {
+    if (copy_ != nullptr) copy_->push_back('\n');
+    return behind;
+  }
+  if (behind != EOF) std::ungetc(behind, stream_);
   return c;
 }
+
+namespace {
 
 void set_first(std::int64_t& place, std::int64_t line) {
   if (place == 0) place = line;
@@ -54,10 +67,10 @@ void watch_piece(TextWatch& watch, std::string_view piece) {
 
 }  // namespace
 
-bool text_line_read(std::FILE* stream, char* buffer, int size, TextWatch* watch) {
+bool text_line_read(TextSource source, char* buffer, int size, TextWatch* watch) {
   int length = 0;
   while (length < size - 1) {
-    const int c = next_char(stream);
+    const int c = source.next();
     if (c == EOF) break;
     buffer[length++] = static_cast<char>(c);
     if (c == '\n') break;

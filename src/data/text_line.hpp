@@ -1,8 +1,10 @@
-// Lines of text files, whatever their line ends.
+// Lines of text, whatever their line ends.
 #pragma once
 
 #include <cstdint>
 #include <cstdio>
+#include <string>
+#include <string_view>
 
 namespace lexon {
 
@@ -18,8 +20,35 @@ struct TextWatch {
   std::int64_t long_line = 0;  // the first that came in pieces
 };
 
-// As `fgets`, with the pair CR LF read as one LF; a lone CR stays. Returns false at the end of the file. A line of
+// Where text is read from: a file, or memory. A handle, to be copied; the place of reading lies in what it stands for,
+// and moves on there.
+class TextSource {
+ public:
+  // The stream is not owned.
+  TextSource(std::FILE* stream) : stream_(stream) {}
+  // `rest` is what is still to be read: it loses its head. It must outlive the source.
+  TextSource(std::string_view& rest) : rest_(&rest) {}
+
+  // From now on every byte that is read is appended to `copy`, as it stands in the text. Null: no longer.
+  void keep(std::string* copy) { copy_ = copy; }
+
+  // The next character, the pair CR LF counting as its LF; EOF at the end.
+  [[nodiscard]] int next() { return rest_ != nullptr ? next_in_memory() : next_in_file(); }
+
+  // Did the reading end before the text did?
+  [[nodiscard]] bool has_failed() const { return stream_ != nullptr && std::ferror(stream_) != 0; }
+
+ private:
+  int next_in_memory();
+  int next_in_file();
+
+  std::FILE* stream_ = nullptr;
+  std::string_view* rest_ = nullptr;
+  std::string* copy_ = nullptr;
+};
+
+// As `fgets`, with the pair CR LF read as one LF; a lone CR stays. Returns false at the end of the text. A line of
 // `size` - 1 characters or more arrives in pieces. Null for `watch`: nobody wants to know.
-[[nodiscard]] bool text_line_read(std::FILE* stream, char* buffer, int size, TextWatch* watch = nullptr);
+[[nodiscard]] bool text_line_read(TextSource source, char* buffer, int size, TextWatch* watch = nullptr);
 
 }  // namespace lexon

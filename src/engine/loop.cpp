@@ -202,7 +202,7 @@ Status engine_loop(Session& session, RuleCandidate* candidates, Window window, s
   if (stack_nearly_used(session)) return Status::memory;
   Loop loop{candidates, window, home_scope, Status::ok};
   Turn turn = Turn::pass;
-  while (turn == Turn::pass) turn = pass(session, loop);
+  for (; turn == Turn::pass; ++session.state.steps) turn = pass(session, loop);
   const Status status = turn == Turn::end ? search_end(session, loop) : loop.status;
   candidates_passed_over(session, loop.candidates);
   return status;

@@ -10,11 +10,11 @@
 
 #include "data/nodes.hpp"
 #include "data/output.hpp"
-#include "data/scratch.hpp"
 #include "data/session.hpp"
 #include "data/text_line.hpp"
 #include "graph/graph_nodes.hpp"
 #include "graph/graph_words.hpp"
+#include "graph/line_kind.hpp"
 #include "graph/line_text.hpp"
 #include "graph/relations.hpp"
 
@@ -22,67 +22,21 @@ namespace lexon {
 
 namespace {
 
-constexpr std::size_t kTagLength = 9;  // of a block tag's name
 constexpr std::size_t kLabelLength = sizeof(Relation::label) - 1;
 
 struct Reader {
-  std::FILE* input;
+  TextSource input;
   Node*& root;
   InputNotes* notes;
   std::array<char, kLineSize> line;        // is cut in place
   std::array<char, kLineSize> saved_line;  // as read, for messages
-  Scratch<kTagLength + 1> open_tag;        // the block tag that hides lines; empty if none
+  BlockTag open_tag;                       // hides lines
   bool in_graph = false;
   bool syntax_reported = false;
   // What the end of the file must not meet open: the first line of the sentence, and of a block.
   InputNotes::Line sentence{};
   InputNotes::Line block{};
 };
-
-enum class LineKind {
-  ignored,
-  graph_start,
-  graph_end,
-  block_tag,
-  sentence_end,
-  word_block,
-  skipped_block,
-  sentence_start,
-  relation,
-  stray,  // outside of a graph
-};
-
-// The first row that a line begins with decides.
-struct LineForm {
-  std::string_view begin;
-  LineKind kind;
-};
-
-constexpr LineForm kFormsEverywhere[] = {
-    {";", LineKind::ignored},        {"<", LineKind::ignored},       {"\n", LineKind::ignored},
-    {"{sem", LineKind::graph_start}, {"{/sem", LineKind::graph_end}, {"{", LineKind::block_tag},
-};
-
-constexpr LineForm kFormsOutsideTags[] = {
-    {"[/S", LineKind::sentence_end}, {"[/", LineKind::ignored},        {"[W", LineKind::word_block},
-    {"[R", LineKind::skipped_block}, {"[S", LineKind::sentence_start}, {"[", LineKind::ignored},
-};
-
-template <std::size_t Count>
-const LineForm* form_of(std::string_view line, const LineForm (&forms)[Count]) {
-  const auto* form =
-      std::find_if(std::begin(forms), std::end(forms), [line](const LineForm& f) { return line.starts_with(f.begin); });
-  return form == std::end(forms) ? nullptr : form;
-}
-
-// `line` is what stands behind the leading blanks.
-LineKind line_kind(const Reader& reader, std::string_view line) {
-  if (line.empty()) return LineKind::ignored;
-  if (const LineForm* form = form_of(line, kFormsEverywhere); form != nullptr) return form->kind;
-  if (!reader.open_tag.empty()) return LineKind::ignored;
-  if (const LineForm* form = form_of(line, kFormsOutsideTags); form != nullptr) return form->kind;
-  return reader.in_graph ? LineKind::relation : LineKind::stray;
-}
 
 // Exhausted memory ends the building, as a broken limit does, and not the reading: the next sentence has to begin where
 // this one ends.
@@ -106,23 +60,17 @@ void sentence_opened(Reader& reader) {
   reader.notes->has_sentence = true;
 }
 
-void note_left_out(Reader& reader, const char* why) {
+void note_left_out(Session& session, Reader& reader, const char* why) {
   if (reader.notes == nullptr) return;
   InputNotes& notes = *reader.notes;
+  remark(session, notes.text.line, why);
   const auto count = static_cast<std::size_t>(notes.left_out++);
   if (count < notes.first.size()) notes.first[count] = {notes.text.line, why};
 }
 
-// A tag line closes the open tag, or else opens another in its place.
-// wanted: a closing tag that matches nothing opens a tag whose name begins with "/".
 void tag_change(Reader& reader, std::string_view line) {
-  const bool closes =
-      line.starts_with("{/") && !reader.open_tag.empty() && line.substr(2).starts_with(reader.open_tag.view());
-  reader.open_tag.clear();
+  block_tag_change(reader.open_tag, line);
   reader.block = {};
-  if (closes) return;
-  const std::string_view name = line.substr(1, line.find_first_of("\n:}", 1) - 1);
-  reader.open_tag.append(name.substr(0, kTagLength));
   if (!reader.open_tag.empty()) block_opened(reader, "this block is not closed, and hides what stands behind it");
 }
 
@@ -133,11 +81,11 @@ Status word_block_read(Session& session, Reader& reader) {
   while (true) {
     if (const Status s = line_read(session, reader); s != Status::ok) return s;
     char* line = reader.line.data();
-    if (std::string_view(line).starts_with("[/W")) {
+    if (std::string_view(line).starts_with(kWordBlockEnd)) {
       reader.block = {};
       return Status::ok;
     }
-    if (*line == '[') note_left_out(reader, "inside a block of words");
+    if (*line == '[') note_left_out(session, reader, "inside a block of words");
     if (*line == ';' || *line == '[' || is_lost(session)) continue;
     line[std::strcspn(line, "\n")] = '\0';
     // What cannot be entered is missing in the graph, or the sentence is refused.
@@ -149,7 +97,7 @@ Status skipped_block_read(Session& session, Reader& reader) {
   block_opened(reader, "this block is not closed: \"[/R]\" is missing, or does not begin its line");
   while (true) {
     if (const Status s = line_read(session, reader); s != Status::ok) return s;
-    if (std::string_view(reader.line.data()).starts_with("[/R")) break;
+    if (std::string_view(reader.line.data()).starts_with(kSkippedBlockEnd)) break;
   }
   reader.block = {};
   return Status::ok;
@@ -160,13 +108,13 @@ void syntax_error_report(Session& session, Reader& reader) {
   reader.syntax_reported = true;
   out_print(session, "\t%s", reader.saved_line.data());
   out_flush(session);
-  note_left_out(reader, "no relation: label(from, to)");
+  note_left_out(session, reader, "no relation: label(from, to)");
 }
 
 void line_report(Session& session, Reader& reader, const char* what) {
   out_print(session, ";;%s\n\t%s", what, reader.saved_line.data());
   out_flush(session);
-  note_left_out(reader, what);
+  note_left_out(session, reader, what);
 }
 
 bool is_missing(const char* text, char wrong_start) {
@@ -245,11 +193,12 @@ void graph_start(Reader& reader) {
 
 // A relation that stands in no graph is left out without a word in the output.
 // wanted: what merely looks like one, in a line of text, has a blank in its label.
-void stray_line_note(Reader& reader) {
+void stray_line_note(Session& session, Reader& reader) {
   if (reader.notes == nullptr || !reader.open_tag.empty()) return;
   RelationText text;
   const bool is_relation = split_relation(reader.line.data(), text) > 0 && fault_of(text) == nullptr;
-  if (is_relation && std::strpbrk(text.label, " \t[") == nullptr) note_left_out(reader, "outside of a sentence");
+  if (is_relation && std::strpbrk(text.label, " \t[") == nullptr)
+    note_left_out(session, reader, "outside of a sentence");
 }
 
 void sentence_start(Session& session, Reader& reader, const char* line) {
@@ -265,9 +214,8 @@ Status lines_read(Session& session, Reader& reader) {
     if (status != Status::ok) return status;
     reader.saved_line = reader.line;
     const char* line = reader.line.data() + std::strspn(reader.line.data(), " ");
-    switch (line_kind(reader, line)) {
+    switch (line_kind(line, reader.open_tag)) {
       case LineKind::ignored: break;
-      case LineKind::stray: stray_line_note(reader); break;
       case LineKind::graph_start: graph_start(reader); break;
       case LineKind::graph_end: reader.in_graph = false; break;
       case LineKind::block_tag: tag_change(reader, line); break;
@@ -275,8 +223,12 @@ Status lines_read(Session& session, Reader& reader) {
       case LineKind::word_block: status = word_block_read(session, reader); break;
       case LineKind::skipped_block: status = skipped_block_read(session, reader); break;
       case LineKind::sentence_start: sentence_start(session, reader, line); break;
-      case LineKind::relation:
-        if (!is_lost(session)) relation_read(session, reader);
+      case LineKind::graph_line:
+        if (!reader.in_graph) {
+          stray_line_note(session, reader);
+        } else if (!is_lost(session)) {
+          relation_read(session, reader);
+        }
         break;
     }
     if (status != Status::ok) return status;
@@ -288,11 +240,12 @@ void root_choose(Session& session, Node*& root) {
   if (node_build(session, 0, root) != Status::ok || holds_entry(*root)) return;
   out_print(session, ";;No Entry\n");
   out_flush(session);
+  remark(session, 0, "No Entry");
 }
 
 }  // namespace
 
-Status read_graph(Session& session, std::FILE* input, Node*& root, InputNotes* notes) {
+Status read_graph(Session& session, TextSource input, Node*& root, InputNotes* notes) {
   root = nullptr;
   session.sentence.graph_relations.fill(nullptr);
   session.sentence.graph_relation_count = 0;
@@ -307,6 +260,7 @@ Status read_graph(Session& session, std::FILE* input, Node*& root, InputNotes* n
     root_choose(session, root);
   } else if (stop == Status::ok) {
     out_print(session, ";;SEM is Empty\n");
+    remark(session, notes == nullptr ? 0 : notes->text.line, "SEM is Empty");
   }
   return stop;
 }

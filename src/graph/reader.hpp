@@ -32,6 +32,6 @@ struct InputNotes {
 // mark, or `end_of_input`, `memory`, or what every loop must leave with. A sentence that breaks a limit is read to its
 // end and `sentence.refused`; its graph is then of no use. `notes` goes on from call to call; null: nobody wants to
 // know.
-[[nodiscard]] Status read_graph(Session& session, std::FILE* input, Node*& root, InputNotes* notes = nullptr);
+[[nodiscard]] Status read_graph(Session& session, TextSource input, Node*& root, InputNotes* notes = nullptr);
 
 }  // namespace lexon

@@ -219,12 +219,12 @@ Status line_parse(Session& session, Pool& pool, RuleParse& parse, PriorityLists&
 
 }  // namespace
 
-Status parse_rule_file(Session& session, Pool& pool, std::FILE* stream, Rule*& rules, RuleNotes* notes) {
+Status parse_rule_file(Session& session, Pool& pool, TextSource source, Rule*& rules, RuleNotes* notes) {
   rules = nullptr;
   char text[kLineSize];
   RuleParse parse{.start = text, .status = session.state.engine_status, .notes = notes};
   PriorityLists lists;
-  while (text_line_read(stream, text, kLineSize, notes == nullptr ? nullptr : &notes->text)) {
+  while (text_line_read(source, text, kLineSize, notes == nullptr ? nullptr : &notes->text)) {
     if (const Status leave = must_leave(session); leave != Status::ok) return leave;
     ++parse.line;
     parse.status = Status::ok;
@@ -235,7 +235,7 @@ Status parse_rule_file(Session& session, Pool& pool, std::FILE* stream, Rule*& r
   }
   if (const Status leave = must_leave(session); leave != Status::ok) return leave;
   // Half a rule base would say other things than the linguist wrote.
-  if (std::ferror(stream) != 0) {
+  if (source.has_failed()) {
     out_print(session, ";;the rule text cannot be read behind line %d\n", parse.line);
     return Status::no_effect;
   }

@@ -2,11 +2,10 @@
 #pragma once
 
 #include <cstdint>
-#include <cstdio>
-#include "data/pool.hpp"
 
 #include "data/pool.hpp"
 #include "data/status.hpp"
+#include "data/text_line.hpp"
 #include "rules/rule.hpp"
 #include "rules/rule_notes.hpp"
 
@@ -14,11 +13,11 @@ namespace lexon {
 
 struct Session;
 
-// Reads all rules of `stream` into a list of falling priority, file order within one. A line that cannot be read is
+// Reads all rules of `source` into a list of falling priority, file order within one. A line that cannot be read is
 // reported on the output and left out. `rules` receives the head, null for none. The result is the status of the
 // last line alone, or `memory` when a rule could not be had (`rules` is null then). `notes` receives what is wrong with
 // the text; null: nobody wants to know.
-[[nodiscard]] Status parse_rule_file(Session& session, Pool& pool, std::FILE* stream, Rule*& rules,
+[[nodiscard]] Status parse_rule_file(Session& session, Pool& pool, TextSource source, Rule*& rules,
                                      RuleNotes* notes = nullptr);
 
 // Steps over the TYPE under the cursor and returns its code; 0 if the text is no type.

@@ -56,7 +56,7 @@ Status failed_with(Session& session, Status status) {
   return status;
 }
 
-Status read_sentence(Session& session, std::FILE* input, InputNotes* notes) {
+Status read_sentence(Session& session, TextSource input, InputNotes* notes) {
   const Status status = read_graph(session, input, session.sentence.semlst[0].entry, notes);
   session.state.engine_status = status;
   session.sentence.root = session.sentence.semlst[0].entry;
@@ -97,7 +97,7 @@ Status collect_and_print(Session& session, char* text) {
 
 }  // namespace
 
-Status render_sentence(Session& session, const DictionaryFiles& dictionary, std::FILE* input, char* text,
+Status render_sentence(Session& session, const DictionaryFiles& dictionary, TextSource input, char* text,
                        const DictionaryFiles& cr_dictionary, bool post_edit_wanted, InputNotes* notes) {
   session.sentence.dictionary = dictionary;
   session.sentence.cr_dictionary = cr_dictionary;

@@ -13,7 +13,7 @@ namespace lexon {
 // Reads, generates, post-edits and prints one sentence. `text` is a buffer of kSentenceSize characters that receives
 // the finished line. `end_of_input` when there is no further sentence; every other status but ok is a failure. `notes`
 // goes to the reader.
-[[nodiscard]] Status render_sentence(Session& session, const DictionaryFiles& dictionary, std::FILE* input, char* text,
+[[nodiscard]] Status render_sentence(Session& session, const DictionaryFiles& dictionary, TextSource input, char* text,
                                      const DictionaryFiles& cr_dictionary, bool post_edit, InputNotes* notes = nullptr);
 
 // Appends the surface forms of the list that `node` stands in, from left to right, scopes included. `cursor` moves on
