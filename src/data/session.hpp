@@ -47,7 +47,7 @@ struct SearchScratch {
 };
 
 // One thread's working memory, 160 KB: not for a stack. Any number can live side by side, each with its own grammar or
-// sharing one. Another thread may set `stop_requested` and nothing else.
+// sharing one. Another thread may set `stop_requested` and `flush_wanted` and nothing else.
 struct Session {
   const Grammar* grammar = nullptr;  // not owned; null until rules are there
   EngineState state{};
@@ -59,6 +59,8 @@ struct Session {
   std::int64_t line = 0;                    // how many lines of the input have been read
   std::vector<Remark>* remarks = nullptr;   // not owned; null: nobody wants to know
   std::atomic<bool> stop_requested{false};  // every loop that can run long looks at it
+  std::atomic<bool> flush_wanted{false};    // so does it at this: the output so far is wanted by who watches the run
+  bool has_company = false;                 // others work beside it: its processor time is that of its own thread
   Node gone{};                              // equals no node of any list: what `forced_node` becomes without its target
 
   Session() = default;
