@@ -31,9 +31,9 @@ struct RunSettings {
   bool show_progress = false;
   bool post_edit = true;
   bool rules_conversion_only = false;
-  bool check_dictionaries = false;  // compare every byte of the dictionaries with their stamps
-  bool rebuild = false;             // the compiled rules are made anew, whatever the dates say
-  bool in_memory = false;           // no compiled rules are written, and none of a rule text are read
+  bool check_dictionaries = false;   // compare every byte of the dictionaries with their stamps
+  bool rebuild = false;              // the compiled rules are made anew, whatever the dates say
+  bool in_memory = false;            // no compiled rules are written, and none of a rule text are read
   AllocationFault* fault = nullptr;  // for tests: refuses cells of the pools
   bool reserved_a = true;
   bool reserved_b = false;

@@ -16,15 +16,15 @@ constexpr std::size_t kStackReserve = std::size_t{256} << 10;
 void StepWorker::begin(std::int32_t number) {
   const std::lock_guard lock(mutex_);
   ++begun_;
-  is_timed_ = number != 0;
+  is_busy_ = true;
+  has_limit_ = number != 0;
   over_time_ = false;
   session_.stop_requested = stops_;
 }
 
 void StepWorker::end() {
   const std::lock_guard lock(mutex_);
-  ++begun_;
-  is_timed_ = false;
+  is_busy_ = false;
 }
 
 bool StepWorker::is_over_time() {
@@ -39,8 +39,8 @@ void StepWorker::set_waiting(bool waits) {
 
 void StepWorker::tick(Clock::time_point now, std::int32_t limit) {
   const std::lock_guard lock(mutex_);
-  if (watched_ != begun_) {
-    watched_ = begun_;
+  if (!is_busy_ || watched_ != begun_) {
+    watched_ = is_busy_ ? begun_ : 0;
     elapsed_ = 0.0;
     next_tick_ = now + kTick;
   } else if (waits_) {
@@ -49,7 +49,7 @@ void StepWorker::tick(Clock::time_point now, std::int32_t limit) {
     elapsed_ += 0.1;
     next_tick_ += kTick;
   }
-  const bool time_is_up = limit != 0 && limit < elapsed_ && is_timed_;
+  const bool time_is_up = limit != 0 && limit < elapsed_ && is_busy_ && has_limit_;
   if (!time_is_up || session_.stop_requested) return;
   over_time_ = true;
   session_.stop_requested = true;

@@ -52,7 +52,8 @@ class StepWorker {
   ThreadHandle thread_{};
   std::mutex mutex_;        // guards what the thread and its watcher share
   std::int64_t begun_ = 0;  // sentences
-  bool is_timed_ = false;   // one is under way, and has a limit
+  bool is_busy_ = false;    // one is under way
+  bool has_limit_ = false;
   bool waits_ = false;
   bool over_time_ = false;
   bool stops_ = false;  // for good
