@@ -9,10 +9,14 @@
 
 namespace lexon {
 
-void Output::write_if_streaming() {
-  if (stream_ == nullptr) return;
-  std::fwrite(buffer_.data(), 1, buffer_.size(), stream_);
-  buffer_.clear();
+void Output::hand_on() {
+  if (stream_ != nullptr) {
+    std::fwrite(buffer_.data(), 1, buffer_.size(), stream_);
+    buffer_.clear();
+  } else if (collector_ != nullptr) {
+    collector_->collect(*this);
+  }
+  full_ = buffer_.size() + kFull;
 }
 
 void Output::redirect(std::FILE* stream) {
@@ -50,12 +54,12 @@ void Output::banner(std::string_view line) {
 }
 
 void Output::flush() {
-  if (stream_ == nullptr) return;
-  write_if_streaming();
-  std::fflush(stream_);
+  hand_on();
+  if (stream_ != nullptr) std::fflush(stream_);
 }
 
 std::string Output::take() {
+  full_ = kFull;
   return std::exchange(buffer_, {});
 }
 

@@ -39,9 +39,17 @@ class Decimal {
 };
 
 // Collects what is printed. With a stream the text goes there when the buffer is full or on `flush`; without one it
-// stays in memory until `take`. Not thread-safe.
+// stays in memory until `take`, and a collector is asked whether it wants it. Not thread-safe.
 class Output {
  public:
+  // What becomes of text that is kept in memory.
+  class Collector {
+   public:
+    virtual ~Collector() = default;
+    // There is much of it, or somebody wants to see it. May `take` it, or leave it.
+    virtual void collect(Output& output) = 0;
+  };
+
   Output() = default;
   // Does not own the stream. Null: the text is kept.
   explicit Output(std::FILE* stream) : stream_(stream) {}
@@ -52,12 +60,14 @@ class Output {
   // What is printed from now on goes to `stream`; what was printed before went to the stream before.
   void redirect(std::FILE* stream);
   [[nodiscard]] std::FILE* stream() const { return stream_; }
+  // Not owned; null: nobody asks for the text. Is of use where there is no stream.
+  void set_collector(Collector* collector) { collector_ = collector; }
 
   void append(std::string_view text) {
     if (text.empty()) return;
     line_is_open_ = text.back() != '\n';
     buffer_ += text;
-    if (buffer_.size() >= kFull) write_if_streaming();
+    if (buffer_.size() >= full_) hand_on();
   }
   // Texts, one behind the other.
   template <std::convertible_to<std::string_view>... Pieces>
@@ -70,17 +80,21 @@ class Output {
   // A line of its own, also behind one that was left open. `line` is given without its end.
   void banner(std::string_view line);
 
-  // Hands everything to the stream and the system. Errors stay with the stream (`std::ferror`).
+  // Hands everything to the stream and the system. Errors stay with the stream (`std::ferror`). Without a stream the
+  // collector is asked.
   void flush();
 
   // What was kept in memory since the last call.
   [[nodiscard]] std::string take();
+  [[nodiscard]] std::size_t kept() const { return buffer_.size(); }
 
  private:
   static constexpr std::size_t kFull = std::size_t{64} << 10;
-  void write_if_streaming();
+  void hand_on();
 
   std::FILE* stream_ = nullptr;
+  Collector* collector_ = nullptr;
+  std::size_t full_ = kFull;  // of the buffer, when it is to be handed on
   std::string buffer_;
   bool line_is_open_ = false;  // the text that was printed last has not ended its line
 };

@@ -12,6 +12,7 @@
 #include <chrono>
 #include <cstdlib>
 #include <cstring>
+#include <ctime>
 #include <new>
 #include <thread>
 #include <utility>
@@ -375,6 +376,12 @@ std::int64_t file_read_some_at(std::FILE* stream, std::int64_t offset, void* to,
     if (got > 0) done += static_cast<std::size_t>(got);
   }
   return static_cast<std::int64_t>(done);
+}
+
+std::int64_t thread_processor_milliseconds() {
+  timespec time{};
+  clock_gettime(CLOCK_THREAD_CPUTIME_ID, &time);
+  return std::int64_t{time.tv_sec} * 1000 + time.tv_nsec / 1'000'000;
 }
 
 bool thread_start(ThreadHandle& thread, std::size_t stack_bytes, void (*body)(void*), void* argument) {

@@ -127,6 +127,9 @@ void folder_sync(const std::string& path);
 // Reads up to `size` bytes likewise: how many there were, fewer only at the end; -1 if they cannot be read.
 [[nodiscard]] std::int64_t file_read_some_at(std::FILE* stream, std::int64_t offset, void* to, std::size_t size);
 
+// Processor time of the calling thread.
+[[nodiscard]] std::int64_t thread_processor_milliseconds();
+
 // A thread with a large stack. `thread_join` must be called once for each that was started.
 struct ThreadHandle {
   unsigned long id;

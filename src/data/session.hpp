@@ -76,6 +76,7 @@ struct Session {
   LookupMemory lookups;
   std::atomic<bool> stop_requested{false};  // every loop that can run long looks at it
   std::atomic<bool> flush_wanted{false};    // so does it at this: the output so far is wanted by who watches the run
+  bool has_company = false;                 // others work beside it: its processor time is that of its own thread
   Node gone{};                              // equals no node of any list: what `forced_node` becomes without its target
 
   Session() = default;

@@ -15,6 +15,7 @@ constexpr const char* kSwitches =
     "  -C PATH   co-occurrence dictionary        -L N      trace level, 0 to 4 (1)\n"
     "  -S N      first sentence to render (1)    -N N      how many; 0 for all (1)\n"
     "  -T N      seconds for a sentence; 0 for no limit (0)\n"
+    "  -J N, --jobs N       render N sentences at the same time; 0 for as many as processors\n"
     "  -R        convert the rules and stop      ^P        no post-edit\n"
     "  -G        start at once                   -W        show the progress window\n"
     "  -M, ^A    accepted, without effect\n"
@@ -153,6 +154,26 @@ void skip_word(Words& words) {
   if (!words.at_end() && !words.at_word_start()) words.take_to_blank();
 }
 
+// The value of an option that takes nothing but a number from `least` to `most`.
+std::optional<std::int32_t> number_within(const char* option, std::string_view text, std::int32_t least,
+                                          std::int32_t most, CommandLine& line) {
+  std::int32_t value = 0;
+  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
+  const bool is_number = error == std::errc() && end == text.data() + text.size();
+  if (is_number && value >= least && value <= most) return value;
+  line.error = std::string(option) + " wants a number from " + std::to_string(least) + " to " + std::to_string(most) +
+               ", not \"" + std::string(text) + '"';
+  return std::nullopt;
+}
+
+void take_blocks(std::string_view text, CommandLine& line) {
+  line.settings.blocks = number_within("--blocks", text, 1, kMostBlocks, line).value_or(line.settings.blocks);
+}
+
+void take_jobs(const char* option, std::string_view text, CommandLine& line) {
+  line.jobs = number_within(option, text, 0, kMostJobs, line);
+}
+
 // The switches that begin with "^" turn something off.
 bool take_caret_switch(Words& words, char letter, CommandLine& line) {
   switch (letter) {
@@ -188,6 +209,10 @@ bool take_dash_switch(Words& words, char letter, CommandLine& line) {
       settings.run_at_once = true;
       skip_letter(words, 'O');
       return true;
+    case 'J':
+      words.skip_blanks();
+      take_jobs("-J", words.at_end() ? "" : words.take_to_blank(), line);
+      return true;
     case 'L': take_number(words, letter, settings.trace_level, line); return true;
     case 'M': settings.reserved_b = true; return true;
     case 'N': take_number(words, letter, settings.sentence_count, line); return true;
@@ -220,12 +245,16 @@ void take_switch(Words& words, CommandLine& line) {
   if (!known) line.error = "unknown switch: " + std::string(text);
 }
 
-void take_blocks(std::string_view text, CommandLine& line) {
-  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), line.settings.blocks);
-  const bool is_number = error == std::errc() && end == text.data() + text.size();
-  if (is_number && line.settings.blocks >= 1 && line.settings.blocks <= kMostBlocks) return;
-  line.error =
-      "--blocks wants a number from 1 to " + std::to_string(kMostBlocks) + ", not \"" + std::string(text) + '"';
+// The value of a long option, joined to it by "=" or the next word; none if `word` is another option.
+std::optional<std::string_view> value_of(std::string_view option, std::string_view word,
+                                         std::span<const char* const>& words) {
+  if (!word.starts_with(option)) return std::nullopt;
+  word.remove_prefix(option.size());
+  if (word.starts_with('=')) return word.substr(1);
+  if (!word.empty()) return std::nullopt;
+  const std::string_view value = words.empty() ? "" : words.front();
+  if (!words.empty()) words = words.subspan(1);
+  return value;
 }
 
 // The long options may stand anywhere. Takes the one in front, with its value, off `words`; false if there is none.
@@ -251,11 +280,10 @@ bool take_long_option(std::span<const char* const>& words, CommandLine& line) {
     line.progress = ProgressStyle::plain;
   } else if (word == "--strict") {
     line.settings.strict = true;
-  } else if (word.starts_with("--blocks=")) {
-    take_blocks(word.substr(9), line);
-  } else if (word == "--blocks") {
-    take_blocks(words.empty() ? "" : words.front(), line);
-    if (!words.empty()) words = words.subspan(1);
+  } else if (const auto blocks = value_of("--blocks", word, words)) {
+    take_blocks(*blocks, line);
+  } else if (const auto jobs = value_of("--jobs", word, words)) {
+    take_jobs("--jobs", *jobs, line);
   } else {
     line.error = "unknown option: " + std::string(word);
   }

@@ -1,6 +1,8 @@
 // The command line of a run: four paths, then switches.
 #pragma once
 
+#include <cstdint>
+#include <optional>
 #include <span>
 #include <string>
 #include <string_view>
@@ -17,7 +19,8 @@ struct CommandLine {
   RunSettings settings;
   bool help = false;
   bool version = false;
-  bool yes = false;  // the answer to every question
+  bool yes = false;                  // the answer to every question
+  std::optional<std::int32_t> jobs;  // none: as the program wants it
   ProgressStyle progress = ProgressStyle::automatic;
   std::string error;  // what is wrong with the command line; empty if nothing is
   // What the user may not have meant, though the run goes on: numbers, and paths that are missing or too long. With

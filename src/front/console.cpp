@@ -49,7 +49,6 @@ ConsoleHost::ConsoleHost(const CommandLine& line)
       shows_summary_(line.progress != ProgressStyle::none && !line.settings.rules_conversion_only),
       start_(steady_clock::now()),
       last_shown_(start_) {
-  progress_.limit = line.settings.max_time_per_sentence;
   outcome_.strict = line.settings.strict;
 }
 
@@ -82,42 +81,31 @@ bool ConsoleHost::ask_yes_no(const std::string& text, const std::string& reason)
   return answer;
 }
 
-StepResult ConsoleHost::wait_for_step(RunContext& context) {
-  steady_clock::time_point next_tick = steady_clock::now() + kTick;
-  while (true) {
-    const bool ended = progress_.worker.wait_until(next_tick);
-    if (cancel_was_signalled()) {
-      step_cancel(progress_, context);
-      return StepResult::cancelled;
-    }
-    if (ended && step_end_if_done(progress_)) return StepResult::finished;
-    next_tick += kTick;
-    if (step_tick(progress_, context)) return StepResult::finished;
-    show_progress(false);
-  }
-}
-
-StepResult ConsoleHost::run_step(RunContext& context, const char* caption, std::int32_t number) {
+StepResult ConsoleHost::run_step(RunContext& context, Step& step) {
   context_ = &context;
-  signals_stop(&context.session.stop_requested);
-  step_begin(progress_, context, caption, number);
-  const StepResult result = wait_for_step(context);
-  outcome_.count_step(context, result);
-  show_progress(false);
-  return result;
+  signals_stop(&step.stop_flag());
+  step.begin();
+  for (bool is_over = false; !is_over;) {
+    is_over = step.wait_until(steady_clock::now() + kWatch);
+    if (cancel_was_signalled()) step.cancel();
+    step.watch();
+    show_progress(step);
+  }
+  outcome_.count_step(context, step.result());
+  return step.result();
 }
 
-void ConsoleHost::show_progress(bool last) {
+void ConsoleHost::show_progress(const Step& step) {
   if (!shows_line_ && !shows_plain_) return;
   const steady_clock::time_point now = steady_clock::now();
-  if (!last && now - last_shown_ < (shows_line_ ? kTick : kPlainInterval)) return;
+  if (now - last_shown_ < (shows_line_ ? kTick : kPlainInterval)) return;
   last_shown_ = now;
   const double elapsed = seconds_since(start_);
-  const long long lost = outcome_.failed + outcome_.over_time;
-  const long long tried = outcome_.done + lost;
+  const auto tried = static_cast<double>(context_->tried());
+  const long long lost = context_->failed + context_->over_time;
   const std::string of = wanted_ > 0 ? " of " + std::to_string(wanted_) : std::string();
-  std::fprintf(stderr, "%s%s %d%s, %.0f/s, %.1f s, failed %lld%s", shows_line_ ? "\r" : "", progress_.caption.c_str(),
-               progress_.number, of.c_str(), elapsed > 0 ? static_cast<double>(tried) / elapsed : 0.0, elapsed, lost,
+  std::fprintf(stderr, "%s%s %lld%s, %.0f/s, %.1f s, failed %lld%s", shows_line_ ? "\r" : "", step.caption(),
+               static_cast<long long>(context_->number), of.c_str(), elapsed > 0 ? tried / elapsed : 0.0, elapsed, lost,
                shows_line_ ? "\033[K" : "\n");
   std::fflush(stderr);
 }

@@ -20,19 +20,17 @@ class ConsoleHost final : public Host {
   bool ask_yes_no(const std::string& text, const std::string& reason) override;
   void note(const Note& note) override;
   void minimise() override {}
-  StepResult run_step(RunContext& context, const char* caption, std::int32_t number) override;
+  StepResult run_step(RunContext& context, Step& step) override;
   void finish(RunContext& context) override;
 
   // The status that the program ends with.
   [[nodiscard]] int exit_status() const { return outcome_.exit_status(); }
 
  private:
-  StepResult wait_for_step(RunContext& context);
-  void show_progress(bool last);
+  void show_progress(const Step& step);
   void clear_progress() const;
   void show_summary() const;
 
-  ProgressState progress_;
   Outcome outcome_;
   const RunContext* context_ = nullptr;  // of the run, once a step of it has begun
   std::int64_t wanted_;                  // sentences; 0: not known

@@ -12,7 +12,9 @@ int run_in_terminal(const lexon::CommandLine& line, int, char**) {
   for (const auto* list : {&line.notes, &line.path_faults}) {
     for (const std::string& note : *list) host.note({note});
   }
-  lexon::run_driver(line.settings, host);
+  lexon::RunSettings settings = line.settings;
+  settings.jobs = line.jobs.value_or(1);
+  lexon::run_driver(settings, host);
   return host.exit_status();
 }
 

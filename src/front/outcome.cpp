@@ -9,17 +9,11 @@ namespace lexon {
 
 void Outcome::count_step(const RunContext& context, StepResult result) {
   has_losses = has_losses || context.input_notes.left_out != 0 || context.rules_refused.value_or(0) != 0;
-  if (result == StepResult::cancelled) {
-    cancelled = true;
-  } else if (!context.rule_step_done) {
-    rules_failed = context.run_status == run_state::failed && !context.rule_notes.last_line_fails;
-  } else if (context.run_status == run_state::failed) {
-    ++failed;
-  } else if (context.run_status == run_state::over_time) {
-    ++over_time;
-  } else if (context.run_status == run_state::finished) {
-    ++done;
-  }
+  cancelled = cancelled || result == StepResult::cancelled;
+  rules_failed = context.rules_failed && !context.rule_notes.last_line_fails;
+  done = context.done;
+  failed = context.failed;
+  over_time = context.over_time;
 }
 
 std::vector<std::string> Outcome::finish(RunContext& context) {

@@ -24,7 +24,7 @@ struct Outcome {
   bool has_losses = false;  // the run did less than its files say
   bool strict = false;      // then it has failed
 
-  // Counts a step that has just ended.
+  // Takes over what has been counted, behind every step.
   void count_step(const RunContext& context, StepResult result);
 
   // Behind the last step: writes out what is still buffered. What the user ought to know beside the output.

@@ -34,14 +34,23 @@ const LineForm* form_of(std::string_view line, const LineForm (&forms)[Count]) {
   return form == std::end(forms) ? nullptr : form;
 }
 
-using Line = std::array<char, kLineSize>;
+// Goes over a text without looking at more than how its lines begin.
+struct Splitter {
+  TextSource source;
+  std::string& text;
+  TextLimit* limit;
+  std::array<char, kLineSize> line;
+};
 
-bool line_read(TextSource source, Line& line) {
-  return text_line_read(source, line.data(), kLineSize);
+bool line_read(Splitter& splitter) {
+  TextLimit* limit = splitter.limit;
+  if (limit != nullptr && splitter.text.size() >= limit->bytes) limit->is_met = true;
+  if (limit != nullptr && limit->is_met) return false;
+  return text_line_read(splitter.source, splitter.line.data(), kLineSize);
 }
 
-void block_pass(TextSource source, Line& line, std::string_view end) {
-  while (line_read(source, line) && !std::string_view(line.data()).starts_with(end)) continue;
+void block_pass(Splitter& splitter, std::string_view end) {
+  while (line_read(splitter) && !std::string_view(splitter.line.data()).starts_with(end)) continue;
 }
 
 }  // namespace
@@ -63,18 +72,18 @@ void block_tag_change(BlockTag& open_tag, std::string_view line) {
   open_tag.append(name.substr(0, kTagLength));
 }
 
-bool sentence_text_read(TextSource source, std::string& text) {
+bool sentence_text_read(TextSource source, std::string& text, TextLimit* limit) {
   text.clear();
   source.keep(&text);
   BlockTag open_tag;
-  Line line;
-  while (line_read(source, line)) {
-    const char* start = line.data() + std::strspn(line.data(), " ");
+  Splitter splitter{source, text, limit, {}};
+  while (line_read(splitter)) {
+    const char* start = splitter.line.data() + std::strspn(splitter.line.data(), " ");
     switch (line_kind(start, open_tag)) {
       case LineKind::sentence_end: return true;
       case LineKind::block_tag: block_tag_change(open_tag, start); break;
-      case LineKind::word_block: block_pass(source, line, kWordBlockEnd); break;
-      case LineKind::skipped_block: block_pass(source, line, kSkippedBlockEnd); break;
+      case LineKind::word_block: block_pass(splitter, kWordBlockEnd); break;
+      case LineKind::skipped_block: block_pass(splitter, kSkippedBlockEnd); break;
       default: break;
     }
   }

@@ -37,9 +37,15 @@ void block_tag_change(BlockTag& open_tag, std::string_view line);
 inline constexpr std::string_view kWordBlockEnd = "[/W";
 inline constexpr std::string_view kSkippedBlockEnd = "[/R";
 
+// How much of a sentence is read at once.
+struct TextLimit {
+  std::size_t bytes;
+  bool is_met = false;  // the sentence goes on behind what was read
+};
+
 // Reads on to where the reader would end the next sentence, without building its graph. `text` receives all bytes up
 // to there, as they stand in the source. False if nothing was left. What stands behind the last sentence of a text
-// comes as if it were one, and is read as the end of the input.
-[[nodiscard]] bool sentence_text_read(TextSource source, std::string& text);
+// comes as if it were one, and is read as the end of the input. Null for `limit`: there is none.
+[[nodiscard]] bool sentence_text_read(TextSource source, std::string& text, TextLimit* limit = nullptr);
 
 }  // namespace lexon

@@ -1,4 +1,4 @@
-// What the driver hands to the workers, and the one word they share besides.
+// What the driver hands to the steps of a run.
 #pragma once
 
 #include <atomic>
@@ -18,16 +18,16 @@
 
 namespace lexon {
 
-// Lives for the whole run. Touched by the worker alone while it runs and by the driver alone
-// between steps.
+// Lives for the whole run. While a step runs it belongs to the thread of the rule step, or to those of the sentences as
+// `Batch` shares it out; to the driver between the steps. Who watches may read what is atomic.
 struct RunContext {
-  Session session;
+  Session session;  // of the rule step, and of the sentences on one thread; the output lies in it
   Grammar grammar;
-  std::atomic<std::int32_t> run_status{0};  // where the step stands; see run_state
   Dictionary dictionary;
   Dictionary cr_dictionary;        // not open when the run has none
   File output;                     // null until it is open
   std::FILE* input = nullptr;      // the sentence position lives in this stream
+  bool input_waits = false;        // for who writes it: a pipe, a terminal
   std::FILE* rule_text = nullptr;  // null when nothing is converted
   bool post_edit = true;
   CompiledFile compiled_rules;
@@ -42,25 +42,22 @@ struct RunContext {
   bool rules_are_whole = false;     // all rules of the text have been written to the draft
   bool rules_unwritten = false;     // the compiled rules could not be written; the run goes on
   bool matrix_unwritten = false;    // likewise
-  bool rule_step_done = false;      // every step from now on is a sentence
+  bool rules_failed = false;        // the rule step has failed; the run goes on
   bool rules_without_room = false;  // the rule step ended for want of memory
   RuleNotes rule_notes;             // of the text, when it was parsed
   InputNotes input_notes;
-  std::int64_t skipped = 0;        // sentences that were passed over
-  std::int64_t tried = 0;          // sentences that were begun
-  bool input_ended = false;        // the run came to the end of the input
-  std::int64_t starved = 0;        // sentences that failed for want of memory
-  bool file_is_short = false;      // a file could not be read or written to its end
-  std::vector<std::string> notes;  // what the user ought to know beside the output
-};
+  std::int64_t skipped = 0;                // sentences that were passed over
+  std::atomic<std::int64_t> number{0};     // of the sentence that is to be closed next; 0 in the rule step
+  std::atomic<std::int64_t> done{0};       // sentences
+  std::atomic<std::int64_t> failed{0};     // sentences
+  std::atomic<std::int64_t> over_time{0};  // sentences
+  bool input_ended = false;                // the run came to the end of the input
+  std::int64_t starved = 0;                // sentences that failed for want of memory
+  bool file_is_short = false;              // a file could not be read or written to its end
+  std::vector<std::string> notes;          // what the user ought to know beside the output
 
-// Where a step stands.
-namespace run_state {
-inline constexpr std::int32_t running = 0;
-inline constexpr std::int32_t finished = 1;
-inline constexpr std::int32_t failed = -1;
-inline constexpr std::int32_t end_of_input = -10;
-inline constexpr std::int32_t over_time = -11;
-}  // namespace run_state
+  // Sentences that were begun and closed.
+  [[nodiscard]] std::int64_t tried() const { return done + failed + over_time; }
+};
 
 }  // namespace lexon

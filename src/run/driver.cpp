@@ -10,20 +10,21 @@
 #include <utility>
 
 #include "data/output.hpp"
+#include "data/platform.hpp"
 #include "data/text_line.hpp"
+#include "run/batch.hpp"
 #include "run/context.hpp"
 #include "run/files.hpp"
 #include "run/notes.hpp"
 #include "run/output_check.hpp"
 #include "run/rule_files.hpp"
+#include "run/rule_step.hpp"
 
 namespace lexon {
 
 namespace {
 
 constexpr const char* kNoMemory = "No memory!";
-constexpr const char* kRuleStepCaption = "converting/loading rules";
-constexpr const char* kSentenceCaption = "sentence no.";
 
 // What opening reports: nothing, a message that ends the run, or an end without a message.
 struct Opening {
@@ -71,6 +72,7 @@ Opening open_dictionary(const RunSettings& settings, RunContext& context) {
 }
 
 Opening open_input(const RunSettings& settings, RunContext& context) {
+  context.input_waits = is_waiting_file(settings.input_file);
   context.input = text_open(settings.input_file, context.session.stop_requested);
   return context.input != nullptr ? Opening{} : failure_to_open("Input File", settings.input_file);
 }
@@ -122,17 +124,13 @@ Opening open_all(const RunSettings& settings, RunContext& context, Host& host) {
 }
 
 // False when the run was cancelled.
-bool run_rule_step(RunContext& context, Host& host) {
-  context.run_status = run_state::running;
-  const StepResult result = host.run_step(context, kRuleStepCaption, 0);
-  if (result == StepResult::cancelled) {
+bool rules_make_ready(RunContext& context, Host& host) {
+  if (run_rule_step(context, host) == StepResult::cancelled) {
     rule_files_cancel(context);
     context.session.output.banner(";;Cancelled!");
     return false;
   }
-  context.rule_step_done = true;
-  session_use(context.session, context.grammar);
-  rule_files_finish(context, context.run_status == run_state::finished);
+  rule_files_finish(context, !context.rules_failed);
   return true;
 }
 
@@ -154,47 +152,20 @@ std::int64_t skip_sentences(RunContext& context, std::int64_t count) {
   return passed;
 }
 
-const char* banner_of(std::int32_t status) {
-  switch (status) {
-    case run_state::over_time: return ";;Time Over!";
-    case run_state::failed: return ";;Failed!";
-    default: return ";;Done!";
-  }
-}
-
-void run_sentences(const RunSettings& settings, RunContext& context, Host& host) {
-  const std::int64_t end = std::int64_t{settings.start_sentence} + settings.sentence_count;
-  for (std::int64_t number = settings.start_sentence;;) {
-    context.run_status = run_state::running;
-    if (host.run_step(context, kSentenceCaption, static_cast<std::int32_t>(number)) == StepResult::cancelled) {
-      context.session.output.banner(";;Cancelled!");
-      return;
-    }
-    const std::int32_t status = context.run_status;
-    if (status == run_state::end_of_input) {
-      context.input_ended = true;
-      return;
-    }
-    context.session.output.banner(banner_of(status));
-    ++context.tried;
-    ++number;
-    // Nobody can read what comes behind a hole.
-    if (std::ferror(context.output.get()) != 0) return;
-    const bool has_no_end = settings.sentence_count == 0;
-    // Without rules no sentence reads any input: a run without a count would go on for ever.
-    if (has_no_end ? context.grammar.rules == nullptr : end <= number) return;
-  }
-}
-
 void run_steps(const RunSettings& settings, RunContext& context, Host& host) {
-  if (!run_rule_step(context, host)) return;
+  if (!rules_make_ready(context, host)) return;
   note_rules(settings, context, host);
   if (settings.rules_conversion_only) return;
   const std::int64_t before = std::int64_t{settings.start_sentence} - 1;
   context.skipped = skip_sentences(context, before);
-  if (context.skipped >= before) return run_sentences(settings, context, host);
-  context.input_ended = must_leave(context.session) != Status::stopped;
-  if (context.input_ended) return;
+  StepResult result = StepResult::cancelled;
+  if (context.skipped >= before) {
+    result = Batch(settings, context).run(host);
+  } else if (must_leave(context.session) != Status::stopped) {
+    context.input_ended = true;
+    result = StepResult::finished;
+  }
+  if (result == StepResult::finished) return;
   std::clearerr(context.input);  // it may have waited for data, which is no fault of the file
   context.session.output.banner(";;Cancelled!");
 }

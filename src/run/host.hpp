@@ -7,6 +7,7 @@
 namespace lexon {
 
 struct RunContext;
+class Step;
 
 // What the user ought to know and the output has no place for.
 struct Note {
@@ -30,9 +31,9 @@ class Host {
   virtual void note(const Note& note) = 0;
   // First of all, if the run starts at once. May do nothing.
   virtual void minimise() = 0;
-  // Starts the right worker and waits for it. Number 0 is the rule step, which has no time limit. `finished` when the
-  // step ended by itself or by its time limit.
-  virtual StepResult run_step(RunContext& context, const char* caption, std::int32_t number) = 0;
+  // Begins the step, looks after it until it is over, and returns its result. Called for the rule step and then, if the
+  // run has sentences, once for all of them.
+  virtual StepResult run_step(RunContext& context, Step& step) = 0;
   // Last of all, on every way out.
   virtual void finish(RunContext& context) = 0;
 };

@@ -88,7 +88,7 @@ void note_end(const RunSettings& settings, const RunContext& context, Host& host
   if (notes.unclosed.number != 0) {
     host.note({place(path, notes.unclosed.number) + ": " + notes.unclosed.why, true, true});
   }
-  if (!context.input_ended || context.tried != 0 || notes.text.line == 0) return;
+  if (!context.input_ended || context.tried() != 0 || notes.text.line == 0) return;
   if (settings.start_sentence > 1) {
     host.note({path + ": -S " + std::to_string(settings.start_sentence) + " is behind its end: it has " +
                    counted(context.skipped, "sentence that is closed", "sentences that are closed"),

@@ -3,6 +3,7 @@
 #include <ctime>
 
 #include "data/output.hpp"
+#include "data/platform.hpp"
 #include "data/session.hpp"
 #include "dict/entry_text.hpp"
 #include "engine/loop.hpp"
@@ -14,8 +15,9 @@ namespace lexon {
 
 namespace {
 
-// Processor time in milliseconds.
-long processor_clock() {
+// Processor time in milliseconds: that of the process, or of the thread where other threads render too.
+long processor_clock(const Session& session) {
+  if (session.has_company) return static_cast<long>(thread_processor_milliseconds());
   return static_cast<long>(std::clock() / (CLOCKS_PER_SEC / 1000));
 }
 
@@ -101,7 +103,7 @@ Status render_sentence(Session& session, const DictionaryFiles& dictionary, Text
   session.sentence.dictionary = dictionary;
   session.sentence.cr_dictionary = cr_dictionary;
   session.lookups.attend({dictionary.dictionary, dictionary.index, cr_dictionary.dictionary, cr_dictionary.index});
-  const long start = processor_clock();
+  const long start = processor_clock(session);
   sentence_clear(session);
   if (const Status s = read_sentence(session, input, notes); s != Status::ok) return s;
   if (session.state.trace_level > 0) {
@@ -114,7 +116,7 @@ Status render_sentence(Session& session, const DictionaryFiles& dictionary, Text
     if (const Status s = post_edit_sentence(session); s != Status::ok) return failed_with(session, s);
   }
   if (const Status s = collect_and_print(session, text); s != Status::ok) return s;
-  out_print(session, ";;Time %4.1f\tSec\n", static_cast<double>(processor_clock() - start) * 0.001);
+  out_print(session, ";;Time %4.1f\tSec\n", static_cast<double>(processor_clock(session) - start) * 0.001);
   return Status::ok;
 }
 

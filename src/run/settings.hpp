@@ -10,6 +10,7 @@ namespace lexon {
 
 inline constexpr int kPathLimit = 260;  // characters of a path
 inline constexpr std::int32_t kMostBlocks = 65535;
+inline constexpr std::int32_t kMostJobs = 256;
 
 // Filled by the front end; the driver only reads it.
 struct RunSettings {
@@ -24,14 +25,15 @@ struct RunSettings {
   std::int32_t trace_level = 1;            // the low 8 bits count, as a signed number
   std::int32_t max_time_per_sentence = 0;  // seconds; 0: limitless
   std::int32_t blocks = 200;               // of 65535 bytes, for the rules and a sentence together; to kMostBlocks
+  std::int32_t jobs = 1;                   // sentences that are rendered at the same time; 0: as many as processors
   bool strict = false;                     // what is left out counts as failed
   bool run_at_once = false;
   bool show_progress = false;
   bool post_edit = true;
   bool rules_conversion_only = false;
-  bool check_dictionaries = false;  // compare every byte of the dictionaries with their stamps
-  bool rebuild = false;             // the compiled rules are made anew, whatever the dates say
-  bool in_memory = false;           // no compiled rules are written, and none of a rule text are read
+  bool check_dictionaries = false;   // compare every byte of the dictionaries with their stamps
+  bool rebuild = false;              // the compiled rules are made anew, whatever the dates say
+  bool in_memory = false;            // no compiled rules are written, and none of a rule text are read
   AllocationFault* fault = nullptr;  // for tests: refuses cells of the pools
   bool reserved_a = true;
   bool reserved_b = false;

@@ -1,13 +1,6 @@
 #include "run/step.hpp"
 
-#include <atomic>
-#include <condition_variable>
-#include <mutex>
-#include <thread>
-
-#include "data/platform.hpp"
-#include "data/session.hpp"
-#include "run/workers.hpp"
+#include <algorithm>
 
 namespace lexon {
 
@@ -17,174 +10,132 @@ namespace {
 constexpr std::size_t kWorkerStack = std::size_t{256} << 20;
 // What the deepest step below a guard may still need.
 constexpr std::size_t kStackReserve = std::size_t{256} << 10;
-// To wake a thread that sleeps can take longer than a short sentence, so both sides stay awake for about as long.
-constexpr std::chrono::microseconds kAwake{100};
-// Where others want the processor, who stays awake hands it to them for milliseconds: so many waits then sleep at once.
-constexpr int kSleeps = 200;
-
-// How one side waits, without sleeping at first, for what the other side does.
-class Vigil {
- public:
-  template <typename Done>
-  void wait_awake(Done done) {
-    using Clock = std::chrono::steady_clock;
-    if (sleeps_ > 0) {
-      --sleeps_;
-      return;
-    }
-    auto before = Clock::now();
-    const auto end = before + kAwake;
-    while (!done() && before < end) {
-      std::this_thread::yield();
-      const auto now = Clock::now();
-      if (now - before > kAwake) sleeps_ = kSleeps;
-      before = now;
-    }
-  }
-
- private:
-  int sleeps_ = 0;  // waits to come that do not stay awake
-};
 
 }  // namespace
 
-// The flags change under the mutex, for who sleeps, and are read without it by who is awake.
-struct WorkerThread::Shared {
-  std::mutex mutex;
-  std::condition_variable changed;
-  void (*body)(RunContext&) = nullptr;
-  RunContext* context = nullptr;
-  void (*notice)(void*) = nullptr;
-  void* noticed = nullptr;
-  std::atomic<bool> running{false};
-  std::atomic<bool> ends{false};
-  bool has_thread = false;
-  ThreadHandle thread{};
-  Vigil callers;
-  Vigil workers;
+void StepWorker::begin(std::int32_t number) {
+  const std::lock_guard lock(mutex_);
+  ++begun_;
+  is_busy_ = true;
+  has_limit_ = number != 0;
+  over_time_ = false;
+  session_.stop_requested = stops_;
+}
 
-  void set(std::atomic<bool>& flag, bool value) {
-    {
-      const std::lock_guard lock(mutex);
-      flag = value;
-    }
-    changed.notify_all();
+void StepWorker::end() {
+  const std::lock_guard lock(mutex_);
+  is_busy_ = false;
+}
+
+bool StepWorker::is_over_time() {
+  const std::lock_guard lock(mutex_);
+  return over_time_;
+}
+
+void StepWorker::set_waiting(bool waits) {
+  const std::lock_guard lock(mutex_);
+  waits_ = waits;
+}
+
+void StepWorker::tick(Clock::time_point now, std::int32_t limit) {
+  const std::lock_guard lock(mutex_);
+  if (!is_busy_ || watched_ != begun_) {
+    watched_ = is_busy_ ? begun_ : 0;
+    elapsed_ = 0.0;
+    next_tick_ = now + kTick;
+  } else if (waits_) {
+    next_tick_ = now + kTick;
+  } else if (now >= next_tick_) {
+    elapsed_ += 0.1;
+    next_tick_ += kTick;
   }
+  const bool time_is_up = limit != 0 && limit < elapsed_ && is_busy_ && has_limit_;
+  if (!time_is_up || session_.stop_requested) return;
+  over_time_ = true;
+  session_.stop_requested = true;
+}
 
-  // False when there is none any more.
-  bool wait_for_step() {
-    const auto is_due = [this] { return running || ends; };
-    workers.wait_awake(is_due);
-    if (!is_due()) {
-      std::unique_lock lock(mutex);
-      changed.wait(lock, is_due);
-    }
-    return running;
+void StepWorker::stop() {
+  const std::lock_guard lock(mutex_);
+  stops_ = true;
+  session_.stop_requested = true;
+}
+
+Step::Step(StepWork& work, const char* caption, std::int32_t limit, Session& output,
+           const std::vector<Session*>& sessions)
+    : work_(work), caption_(caption), limit_(limit), output_(output) {
+  for (Session* session : sessions) {
+    workers_.push_back(std::make_unique<StepWorker>(*session));
+    threads_.push_back({this, workers_.back().get()});
   }
+}
 
-  void serve() {
-    const char* stack_limit = stack_limit_of_this_thread(kStackReserve);
-    while (wait_for_step()) {
-      context->session.state.stack_limit = stack_limit;
-      body(*context);
-      set(running, false);
-      if (notice != nullptr) notice(noticed);
-    }
+Step::~Step() {
+  {
+    const std::lock_guard lock(mutex_);
+    if (running_ != 0) cancelled_ = true;
   }
-};
-
-WorkerThread::WorkerThread() : shared_(new Shared) {
-  const auto body = [](void* shared) { static_cast<Shared*>(shared)->serve(); };
-  shared_->has_thread = thread_start(shared_->thread, kWorkerStack, body, shared_);
+  if (cancelled_) cancel();
+  for (std::size_t i = 0; i < started_; ++i) thread_join(workers_[i]->thread_);
 }
 
-WorkerThread::~WorkerThread() {
-  shared_->set(shared_->ends, true);
-  if (shared_->has_thread) thread_join(shared_->thread);
-  delete shared_;
+void Step::serve(StepWorker& worker) {
+  worker.session().state.stack_limit = stack_limit_of_this_thread(kStackReserve);
+  work_.work(worker);
 }
 
-void WorkerThread::notify_end(void (*notice)(void*), void* who) {
-  shared_->notice = notice;
-  shared_->noticed = who;
-}
-
-void WorkerThread::start(void (*body)(RunContext&), RunContext& context) {
-  if (!shared_->has_thread) {
-    context.session.state.stack_limit = stack_limit_of_this_thread(kStackReserve);
-    return body(context);
+void Step::begin() {
+  output_.stop_requested = false;
+  running_ = workers_.size();
+  const auto body = [](void* argument) {
+    const auto* thread = static_cast<Thread*>(argument);
+    Step& step = *thread->step;
+    step.serve(*thread->worker);
+    const std::lock_guard lock(step.mutex_);
+    if (--step.running_ == 0) step.over_.notify_all();
+  };
+  while (started_ < workers_.size() &&
+         thread_start(workers_[started_]->thread_, kWorkerStack, body, &threads_[started_])) {
+    ++started_;
   }
-  shared_->body = body;
-  shared_->context = &context;
-  shared_->set(shared_->running, true);
+  if (started_ == 0) serve(*workers_.front());
+  const std::lock_guard lock(mutex_);
+  running_ -= workers_.size() - started_;
 }
 
-bool WorkerThread::is_running() const {
-  return shared_->running;
+bool Step::wait_until(std::chrono::steady_clock::time_point deadline) {
+  std::unique_lock lock(mutex_);
+  return over_.wait_until(lock, deadline, [this] { return running_ == 0; });
 }
 
-bool WorkerThread::wait_until(std::chrono::steady_clock::time_point deadline) {
-  const auto is_over = [this] { return !shared_->running; };
-  shared_->callers.wait_awake(is_over);
-  if (is_over()) return true;
-  std::unique_lock lock(shared_->mutex);
-  return shared_->changed.wait_until(lock, deadline, is_over);
-}
-
-void WorkerThread::wait() {
-  std::unique_lock lock(shared_->mutex);
-  shared_->changed.wait(lock, [this] { return !shared_->running; });
-}
-
-namespace {
-
-// True once the worker has left. A step that ended before it saw the flag keeps its own status.
-void stop_worker(ProgressState& progress, RunContext& context) {
-  context.session.stop_requested = true;
-  progress.worker.wait();
-}
-
-void end_step(ProgressState& progress) {
-  progress.ticks = false;
-  progress.elapsed = 0.0;
-}
-
-}  // namespace
-
-void step_begin(ProgressState& progress, RunContext& context, const char* caption, std::int32_t number) {
-  progress.caption = caption;
-  progress.number = number;
-  progress.elapsed = 0.0;
-  progress.ticks = true;
-  context.session.stop_requested = false;
-  progress.worker.start(choose_worker(context), context);
-}
-
-bool step_tick(ProgressState& progress, RunContext& context) {
-  progress.elapsed += 0.1;
-  const bool is_running = progress.worker.is_running();
-  const bool time_is_up = progress.limit != 0 && progress.limit < progress.elapsed && progress.number != 0;
-  if (is_running && !time_is_up) {
-    context.session.flush_wanted = true;
-    return false;
+void Step::watch() {
+  const auto now = std::chrono::steady_clock::now();
+  const bool wants_flush = now >= next_flush_;
+  if (wants_flush) {
+    next_flush_ = now + kTick;
+    output_.flush_wanted = true;
   }
-  if (is_running) {
-    stop_worker(progress, context);
-    if (context.run_status == run_state::running) context.run_status = run_state::over_time;
+  for (std::size_t i = 0; i < started_; ++i) {
+    if (wants_flush) workers_[i]->session().flush_wanted = true;
+    workers_[i]->tick(now, limit_);
   }
-  end_step(progress);
-  return true;
 }
 
-bool step_end_if_done(ProgressState& progress) {
-  if (progress.worker.is_running()) return false;
-  end_step(progress);
-  return true;
+void Step::stop() {
+  for (const auto& worker : workers_) worker->stop();
 }
 
-void step_cancel(ProgressState& progress, RunContext& context) {
-  stop_worker(progress, context);
-  end_step(progress);
+void Step::cancel() {
+  cancelled_ = true;
+  output_.stop_requested = true;
+  stop();
+  work_.wake();
+}
+
+double Step::elapsed() const {
+  double longest = 0.0;
+  for (const auto& worker : workers_) longest = std::max(longest, worker->elapsed_);
+  return longest;
 }
 
 }  // namespace lexon

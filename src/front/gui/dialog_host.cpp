@@ -65,8 +65,8 @@ void DialogHost::minimise() {
   main_.showMinimized();
 }
 
-StepResult DialogHost::run_step(RunContext& context, const char* caption, std::int32_t number) {
-  const StepResult result = progress_.run_step(context, caption, number);
+StepResult DialogHost::run_step(RunContext& context, Step& step) {
+  const StepResult result = progress_.run_step(context, step);
   outcome_.count_step(context, result);
   return result;
 }

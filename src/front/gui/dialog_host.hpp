@@ -17,7 +17,7 @@ class DialogHost final : public Host {
   bool ask_yes_no(const std::string& text, const std::string& reason) override;
   void note(const Note& note) override;
   void minimise() override;
-  StepResult run_step(RunContext& context, const char* caption, std::int32_t number) override;
+  StepResult run_step(RunContext& context, Step& step) override;
   void finish(RunContext& context) override;
 
   [[nodiscard]] const Outcome& outcome() const { return outcome_; }

@@ -39,6 +39,7 @@ MainDialog::MainDialog(const CommandLine& line)
       render_(make_button("render", "&Render", this)),
       cancel_(make_button("cancel", "&Cancel", this)),
       setting_(make_button("setting", "&Setting", this)) {
+  settings_.jobs = line.jobs.value_or(0);
   setObjectName("main_dialog");
   setWindowTitle("Lexon");
   setWindowIcon(program_icon());

@@ -1,8 +1,6 @@
-// A step begins, and most sentences are over before the wait for them would be worth an event loop. The others are
-// waited for in a loop of their own, which the worker's end, the limit or the user's cancel leaves.
+// A step is waited for in an event loop of its own, which a timer looks after.
 #include "front/gui/progress_dialog.hpp"
 
-#include <QCoreApplication>
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QPushButton>
@@ -14,11 +12,6 @@
 namespace lexon {
 
 namespace {
-
-// How long windows may be left alone while one short sentence follows the other.
-constexpr int kEventsInterval = 20;  // milliseconds
-
-constexpr auto kStepEnded = static_cast<QEvent::Type>(QEvent::User + 1);
 
 // A label whose text changes all the time: its place does not.
 QLabel* make_value(const char* role, const char* longest, const char* meaning, QWidget* parent) {
@@ -32,14 +25,13 @@ QLabel* make_value(const char* role, const char* longest, const char* meaning, Q
 
 ProgressDialog::ProgressDialog(std::int32_t limit, bool start_minimised, QWidget* parent)
     : QDialog(parent),
+      start_minimised_(start_minimised),
       caption_(make_label("caption", {}, this)),
       number_(make_value("number", "0000000", "number of the sentence", this)),
       elapsed_(make_value("elapsed", "0000.0", "elapsed time in seconds", this)),
       limit_(make_value("limit", "0", "seconds that a sentence may take", this)),
       cancel_(make_button("cancel", "&Cancel", this)),
       step_end_(make_button("step_end", "OK", this)) {
-  progress_.limit = limit;
-  progress_.start_minimised = start_minimised;
   setObjectName("progress_dialog");
   setWindowTitle("Rendering");
   setWindowFlag(Qt::WindowMinimizeButtonHint);
@@ -49,17 +41,11 @@ ProgressDialog::ProgressDialog(std::int32_t limit, bool start_minimised, QWidget
   // Return stays without effect: the one that pressed "Render" may still be held down.
   for (QPushButton* button : {cancel_, step_end_}) button->setAutoDefault(false);
   make_layout();
-  tick_.setTimerType(Qt::PreciseTimer);
-  tick_.setInterval(kTick);
-  connect(&tick_, &QTimer::timeout, this, &ProgressDialog::tick);
+  watch_.setTimerType(Qt::PreciseTimer);
+  watch_.setInterval(kWatch);
+  connect(&watch_, &QTimer::timeout, this, &ProgressDialog::watch);
   connect(cancel_, &QPushButton::clicked, this, &ProgressDialog::reject);
-  connect(step_end_, &QPushButton::clicked, this, &ProgressDialog::end_if_over);
-  const auto wake = [](void* who) {
-    auto* dialog = static_cast<ProgressDialog*>(who);
-    if (dialog->wakes_) QCoreApplication::postEvent(dialog, new QEvent(kStepEnded));
-  };
-  progress_.worker.notify_end(wake, this);
-  since_events_.start();
+  connect(step_end_, &QPushButton::clicked, &loop_, &QEventLoop::quit);
 }
 
 void ProgressDialog::make_layout() {
@@ -97,74 +83,41 @@ void ProgressDialog::show_elapsed(double seconds) {
 
 void ProgressDialog::show_once() {
   if (isVisible()) return;
-  if (progress_.start_minimised) {
+  if (start_minimised_) {
     showMinimized();
   } else {
     show();
   }
 }
 
-StepResult ProgressDialog::run_step(RunContext& context, const char* caption, std::int32_t number) {
-  result_ = StepResult::finished;
+StepResult ProgressDialog::run_step(RunContext& context, Step& step) {
   context_ = &context;
-  signals_stop(&context.session.stop_requested);
-  step_begin(progress_, context, caption, number);
-  show_step(caption, number);
-  show_elapsed(progress_.elapsed);
+  step_ = &step;
+  signals_stop(&step.stop_flag());
+  step.begin();
+  show_step(step.caption(), static_cast<std::int32_t>(context.number));
+  show_elapsed(0.0);
   show_once();
-  progress_.worker.wait_until(std::chrono::steady_clock::now());
-  end_if_over();
-  if (progress_.ticks) wait_for_end();
-  let_events_through();
-  return result_;
+  watch_.start();
+  loop_.exec();
+  watch_.stop();
+  step_ = nullptr;
+  return step.result();
 }
 
-void ProgressDialog::wait_for_end() {
-  wakes_ = true;
-  tick_.start();
-  end_if_over();  // it may have ended just before it was asked to tell
-  if (progress_.ticks) loop_.exec();
-  tick_.stop();
-  wakes_ = false;
-}
-
-void ProgressDialog::tick() {
-  end_if_over();
-  if (!progress_.ticks) return;
-  if (step_tick(progress_, *context_)) return loop_.quit();
-  show_elapsed(progress_.elapsed);
-}
-
-// A notice of the worker may come late, when the next step is under way already.
-void ProgressDialog::customEvent(QEvent* event) {
-  if (event->type() == kStepEnded) step_end_->click();
-}
-
-void ProgressDialog::end_if_over() {
-  if (!progress_.ticks) return;
-  if (cancel_wanted_ || cancel_was_signalled()) {
-    leave_cancelled();
-  } else if (step_end_if_done(progress_)) {
-    loop_.quit();
-  }
-}
-
-void ProgressDialog::leave_cancelled() {
-  step_cancel(progress_, *context_);
-  result_ = StepResult::cancelled;
-  loop_.quit();
+void ProgressDialog::watch() {
+  const bool is_over = step_->wait_until(std::chrono::steady_clock::now());
+  if (cancel_wanted_ || cancel_was_signalled()) step_->cancel();
+  if (is_over) return step_end_->click();
+  step_->watch();
+  show_step(step_->caption(), static_cast<std::int32_t>(context_->number));
+  show_elapsed(step_->elapsed());
 }
 
 // Between two steps the cancel is kept for the next one.
 void ProgressDialog::reject() {
   cancel_wanted_ = true;
-  if (progress_.ticks) leave_cancelled();
-}
-
-void ProgressDialog::let_events_through() {
-  if (since_events_.elapsed() < kEventsInterval) return;
-  QCoreApplication::processEvents();
-  since_events_.restart();
+  if (step_ != nullptr) step_->cancel();
 }
 
 }  // namespace lexon

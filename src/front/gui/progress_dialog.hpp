@@ -2,12 +2,10 @@
 #pragma once
 
 #include <QDialog>
-#include <QElapsedTimer>
 #include <QEventLoop>
 #include <QTimer>
 
-#include <atomic>
-
+#include "run/context.hpp"
 #include "run/step.hpp"
 
 class QLabel;
@@ -24,8 +22,8 @@ class ProgressDialog : public QDialog {
   // `limit`: seconds for a sentence, 0 for no limit.
   ProgressDialog(std::int32_t limit, bool start_minimised, QWidget* parent);
 
-  // Runs one step on the worker's thread and lets the windows live meanwhile.
-  [[nodiscard]] StepResult run_step(RunContext& context, const char* caption, std::int32_t number);
+  // Begins the step, looks after it until it is over, and lets the windows live meanwhile.
+  [[nodiscard]] StepResult run_step(RunContext& context, Step& step);
 
   // What the dialog says of a step.
   void show_step(const QString& caption, std::int32_t number);
@@ -34,24 +32,14 @@ class ProgressDialog : public QDialog {
   // The user's cancel: the button, Escape, and the window's close button.
   void reject() override;
 
- protected:
-  void customEvent(QEvent* event) override;
-
  private:
   void make_layout();
   void show_once();
-  void wait_for_end();
-  void tick();
-  void end_if_over();
-  void leave_cancelled();
-  void let_events_through();
+  void watch();
 
-  std::atomic<bool> wakes_{false};  // the worker is to tell of its end
-  ProgressState progress_;
-  QTimer tick_;
-  QEventLoop loop_;  // runs while a step does, unless that is over at once
-  QElapsedTimer since_events_;
-  StepResult result_ = StepResult::finished;
+  bool start_minimised_;
+  QTimer watch_;
+  QEventLoop loop_;  // runs while a step does
   bool cancel_wanted_ = false;
 
   QLabel* caption_;
@@ -59,8 +47,9 @@ class ProgressDialog : public QDialog {
   QLabel* elapsed_;
   QLabel* limit_;
   QPushButton* cancel_;
-  RunContext* context_ = nullptr;  // of the step that is under way
-  QPushButton* step_end_;          // hidden: what the end of a step presses
+  const RunContext* context_ = nullptr;  // of the step that is under way, as is this:
+  Step* step_ = nullptr;
+  QPushButton* step_end_;  // hidden: what the end of a step presses
 };
 
 }  // namespace lexon

@@ -1,6 +1,5 @@
-#include "run/workers.hpp"
+#include "run/rule_step.hpp"
 
-#include <array>
 #include <new>
 #include <string>
 
@@ -8,36 +7,12 @@
 #include "rules/compiled.hpp"
 #include "rules/matrix.hpp"
 #include "rules/parser.hpp"
-#include "run/render.hpp"
 #include "run/rule_files.hpp"
+#include "run/step.hpp"
 
 namespace lexon {
 
 namespace {
-
-// A stopped step has no result of its own: who stopped it says what it was.
-void end_step(RunContext& context, Status status) {
-  context.session.output.flush();
-  if (status == Status::stopped) return;
-  const std::int32_t result = status == Status::ok ? run_state::finished : run_state::failed;
-  context.run_status = status == Status::end_of_input ? run_state::end_of_input : result;
-}
-
-void end_rule_step(RunContext& context, Status status) {
-  context.rules_without_room = status == Status::memory;
-  end_step(context, status);
-}
-
-// The step's border: what the standard library throws for exhausted memory becomes a status here. A step that was
-// asked to stop has been silent since, so it has not been done, whatever it returns.
-Status guarded(Status (*step)(RunContext&), RunContext& context) {
-  try {
-    const Status status = step(context);
-    return context.session.stop_requested ? Status::stopped : status;
-  } catch (const std::bad_alloc&) {
-    return Status::memory;
-  }
-}
 
 Status parse_and_write_rules(RunContext& context) {
   Session& session = context.session;
@@ -94,38 +69,41 @@ Status load(RunContext& context) {
   return context.convert ? s : Status::ok;
 }
 
-Status render(RunContext& context) {
-  std::array<char, kSentenceSize> text;
-  return render_sentence(context.session, context.dictionary.files(), context.input, text.data(),
-                         context.cr_dictionary.files(), context.post_edit, &context.input_notes);
+// The step's border: what the standard library throws for exhausted memory becomes a status here. A step that was
+// asked to stop has been silent since, so it has not been done, whatever it returns.
+Status make_ready(RunContext& context) {
+  try {
+    const Status status = context.convert ? convert(context) : load(context);
+    return context.session.stop_requested ? Status::stopped : status;
+  } catch (const std::bad_alloc&) {
+    return Status::memory;
+  }
 }
+
+class RuleWork final : public StepWork {
+ public:
+  explicit RuleWork(RunContext& context) : context_(context) {}
+
+  void work(StepWorker& worker) override {
+    worker.begin(0);
+    const Status status = make_ready(context_);
+    context_.rules_without_room = status == Status::memory;
+    context_.rules_failed = status != Status::ok;
+    context_.session.output.flush();
+  }
+
+ private:
+  RunContext& context_;
+};
 
 }  // namespace
 
-void convert_worker(RunContext& context) {
-  end_rule_step(context, guarded(convert, context));
-}
-
-void load_worker(RunContext& context) {
-  end_rule_step(context, guarded(load, context));
-}
-
-void sentence_worker(RunContext& context) {
-  const Status status = guarded(render, context);
-  if (context.session.state.abort == Status::memory) ++context.starved;
-  // A read that was stopped while it waited for data is no fault of the file.
-  if (status == Status::stopped) std::clearerr(context.input);
-  context.session.pool.release_all();
-  end_step(context, status);
-}
-
-void no_rules_worker(RunContext& context) {
-  end_step(context, Status::no_effect);
-}
-
-Worker choose_worker(const RunContext& context) {
-  if (context.rule_step_done) return context.grammar.rules != nullptr ? sentence_worker : no_rules_worker;
-  return context.convert ? convert_worker : load_worker;
+StepResult run_rule_step(RunContext& context, Host& host) {
+  RuleWork work(context);
+  Step step(work, "converting/loading rules", 0, context.session, {&context.session});
+  const StepResult result = host.run_step(context, step);
+  if (result == StepResult::finished) session_use(context.session, context.grammar);
+  return result;
 }
 
 }  // namespace lexon

@@ -1,0 +1,145 @@
+#!/usr/bin/env python3
+"""Sentences on several threads: whatever their number, the output, the status and what is told are those of one.
+jobs.py PROGRAMS"""
+import pathlib
+import re
+import signal
+import subprocess
+import time
+
+import _table as table
+
+CASES = [table.ROOT / "examples" / "english", *sorted((table.ROOT / "tests" / "golden").iterdir())]
+FIGURES = re.compile(r"; [0-9.]+ s$", re.M)
+
+# A choice among four words with ten alternatives each, of which only the last is right: `@N4` asks for thousands of
+# steps, `@N0` for none.
+ENTRIES = '[a ]{} "a" (W) <E,0,1>;\n' + "".join(
+    f'[{word}{i} ]{{}} "{word}" (W{",OK" if i == 9 else ""}) <E,0,{10 - i}>;\n' for word in "bcde" for i in range(10))
+RULES = """R{SHEAD}{W}P20;
+:{W}"W::nxt:"P30;
+R{W}{W,^@LAST}P20;
+R{W}{@N0}P20;
+R{OK}{@N2,OK}P20;
+R(OK)(OK){OK}{@N4,OK}P20;
+R{@LAST}{STAIL}P10;
+"""
+
+
+def sentence(number, right, last="[/S]\n"):
+    return f"[S:{number}]\nnxt(a.@entry, b)\nnxt(b, c)\nnxt(c, d)\nnxt(d, e.@LAST.@N{right})\n{last}"
+
+
+SHORT = [sentence(i, 0) for i in range(1, 401)]
+# A text longer than what is kept of one, hidden by a tag up to the sentence's end.
+LONG = "[S:9]\n{hidden}\n" + ("x" * 1500 + "\n") * 1000 + "{/hidden}\n" + sentence(9, 2)[6:]
+
+# What a text of sentences does to several threads: a name, the text, switches.
+TEXTS = [
+    ("a slow sentence in front", [sentence(0, 4), *SHORT], "-N0"),
+    ("slow ones among short ones, with their trace", [sentence(i, 2 if i % 7 == 3 else 0) for i in range(60)], "-N0 -L4"),
+    ("no end", SHORT[:5] + [sentence(6, 0, "")], "-N0"),
+    ("an open block", SHORT[:5] + ["[S:6]\n[W]\na.@entry\n", *SHORT[:3]], "-N0"),
+    ("an open tag", ["{hide}\n", *SHORT[:5]], "-N0"),
+    ("lines left out", [*SHORT[:3], "[S:4]\nnxt(a\n[/S]\n", sentence(5, 0, "nxt a b\n.x(,)\n[/S]\n"), "nxt(a, b)\n", "[S]\nq\n[/S]\n"], "-N0"),
+    ("text between sentences", ["\ufeff; text\n", *[s + "\u00e9 \udce9 [S stray\n\n {x}\n{/x}\n" for s in SHORT[:9]]], "-N0"),
+    ("a mark in a long line", [SHORT[0], "x" * 1023 + "[/S]" + "y" * 2000 + "\n", SHORT[1], "nxt(a, \n"], "-N0"),
+    ("an end mark that is longer than a line", [SHORT[0][:-1], "x" * 2100, "\n[S]\nnxt(\n[/S]\n", SHORT[1]], "-N0"),
+    ("a long text", [*SHORT[:3], LONG, "[S]\nnxt(\n[/S]\n", *SHORT[:3]], "-N0"),
+    ("two-character line ends", [s.replace("\n", "\r\n") for s in SHORT[:9]] + ["nxt(\r\n"], "-N0"),
+    ("from the fourth on", SHORT[:9], "-S4 -N3"),
+    ("more than there are", SHORT[:3], "-S2 -N9"),
+    ("behind the last", SHORT[:3], "-S5"),
+    ("counted from below", SHORT[:9], "-S-1 -N5 -T9"),
+    ("one alone", SHORT[:3], "-N-3"),
+    ("nothing", [], "-N0"),
+]
+
+
+class Case:
+    def __init__(self, folder, texts):
+        self.at = pathlib.Path(folder)
+        for name, text in texts.items():
+            (self.at / name).write_bytes(text.encode())
+        table.run("lexon-dict", "build", "entries.txt", "entries.dic", folder=self.at)
+        self.words = ["entries.dic", "rules.txt", "input.txt", "out.txt", "-L0"]
+
+    def start(self, switches):
+        return subprocess.Popen([table.PROGRAMS / "lexon", *self.words, *switches.split()], cwd=self.at,
+                                stderr=subprocess.PIPE, encoding="utf-8", start_new_session=True)
+
+    def output(self):
+        return table.TIME_LINE.sub("", table.text(self.at / "out.txt"))
+
+
+def told(words, target):
+    """What a run with compiled rules writes, ends with and says."""
+    made = table.run("lexon", *words, folder=target)
+    output = table.TIME_LINE.sub("", table.text(target / "out.txt"))
+    return f"{output}\nstatus {made.returncode}\n{FIGURES.sub('', made.stderr)}"
+
+
+def compare(name, words, target):
+    table.run("lexon", *words, "-R", folder=target)
+    expected = told(words, target)
+    for jobs in (2, 4):
+        table.check(f"{name} on {jobs} threads", told([*words, f"-j{jobs}"], target), expected)
+
+
+def cases():
+    for source in CASES:
+        with table.folder() as name:
+            target = pathlib.Path(name)
+            words = [w for w in table.build_case(source, target) if w != "--quiet"]
+            for level in (0, 4):
+                compare(f"{source.name} at level {level}", [*words, "-N0", f"-L{level}"], target)
+
+
+def texts():
+    with table.folder() as name:
+        case = Case(name, {"entries.txt": ENTRIES, "rules.txt": RULES})
+        for title, sentences, switches in TEXTS:
+            (case.at / "input.txt").write_bytes("".join(sentences).encode("utf-8", "surrogateescape"))
+            compare(title, [*case.words, *switches.split()], case.at)
+
+
+def leftovers():
+    """Every third sentence leaves a forced target, which the next one takes up or carries on."""
+    source = table.ROOT / "tests" / "golden" / "search-forced"
+    with table.folder() as name:
+        target = pathlib.Path(name)
+        words = table.build_case(source, target)
+        parts = table.text(source / "input.txt").split("[S")[1:]
+        (target / "many.txt").write_text("".join("[S" + part for _ in range(40) for part in parts))
+        words[2] = "many.txt"
+        for level in (0, 3):
+            compare(f"forced targets at level {level}", [*words, "-N0", f"-L{level}"], target)
+
+
+def ends():
+    with table.folder() as name:
+        case = Case(name, {"entries.txt": ENTRIES, "rules.txt": RULES.replace("R{@LAST}{STAIL}P10;\n", "") + "".join(
+            f"R{{W}}{{@X,NONE{i}}}P5;\n" for i in range(3))})
+        endless = "[S:1]\n" + "".join(f"nxt({a}:{i}{'.@entry' if i == 0 else ''}, {b}:{i + 1})\n" for i, (a, b) in
+                                      enumerate(zip("abcde" * 5, "bcdea" * 5))) + "[/S]\n"
+        (case.at / "input.txt").write_text(endless * 3)
+        for jobs in (1, 2):
+            process = case.start(f"-N0 -T1 -j{jobs}")
+            error = process.communicate()[1]
+            table.check(f"time over on {jobs}", (process.returncode, case.output(), FIGURES.sub("", error)),
+                        (3, "[S:1]\n;;Time Over!\n" * 3, "0 done, 3 over time\n"))
+            (case.at / "out.txt").write_text("")
+            process = case.start(f"-N0 -j{jobs}")
+            while "[S:1]" not in case.output():
+                time.sleep(0.01)
+            process.send_signal(signal.SIGINT)
+            error = process.communicate()[1]
+            table.check(f"cancel on {jobs}", (process.returncode, case.output(), FIGURES.sub("", error)),
+                        (130, "[S:1]\n;;Cancelled!\n", "0 done, 1 cancelled\n"))
+
+
+cases()
+texts()
+leftovers()
+ends()
+table.finish()
