@@ -5,9 +5,9 @@
 
 namespace {
 
-using lexon::test::session;
 using lexon::test::grammar;
 using lexon::test::index_build;
+using lexon::test::session;
 
 using namespace lexon;
 

@@ -6,6 +6,7 @@
 #include "dict/entry_text.hpp"
 #include "dict/layout.hpp"
 #include "dicttool/build.hpp"
+#include "dicttool/check.hpp"
 #include "dicttool/list.hpp"
 #include "support.hpp"
 #include "support/session.hpp"
@@ -17,9 +18,9 @@ using lexon::test::session;
 using namespace lexon;
 
 std::string printed(const WordEntry* entry) {
-  const fuzz::Sink sink;
-  entry_print(sink.get(), entry, "");
-  return sink.text();
+  Output text;
+  entry_print(text, entry, "");
+  return text.take();
 }
 
 bool is_plain(const char* text) {

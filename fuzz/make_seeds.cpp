@@ -15,9 +15,9 @@
 
 namespace {
 
-using lexon::test::session;
 using lexon::test::grammar;
 using lexon::test::index_build;
+using lexon::test::session;
 
 using namespace lexon;
 namespace fs = std::filesystem;
@@ -95,7 +95,8 @@ void make_matrices(const Seeds& seeds) {
     fuzz::fresh_start();
     Rule* rules = fuzz::rules_parsed(fuzz::matrix_rules(number)).rules;
     const fuzz::Sink matrix;
-    const bool made = index_build(rules) == Status::ok && rule_matrix_save(session, grammar.index, matrix.get()) == Status::ok;
+    const bool made =
+        index_build(rules) == Status::ok && rule_matrix_save(session, grammar.index, matrix.get()) == Status::ok;
     fuzz::require(made, "a matrix can be made and saved");
     seeds.add("matrix", "list-" + std::to_string(number), static_cast<char>(number) + matrix.text());
   }

@@ -12,9 +12,9 @@
 
 namespace {
 
-using lexon::test::session;
 using lexon::test::grammar;
 using lexon::test::index_build;
+using lexon::test::session;
 
 using namespace lexon;
 
@@ -59,6 +59,7 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     fuzz::require(grammar.index.matrix.rules == nullptr, "no matrix comes from a damaged file");
     return 0;
   }
+  session_use(session, grammar);
   const fuzz::Sink sink;
   fuzz::require(rule_matrix_save(session, grammar.index, sink.get()) == Status::ok, "a matrix can be saved");
   fuzz::require(bytes.starts_with(sink.text()), "a loaded matrix saves the same bytes");

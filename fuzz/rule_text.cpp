@@ -11,9 +11,9 @@
 
 namespace lexon::fuzz {
 
-using lexon::test::session;
 using lexon::test::grammar;
 using lexon::test::index_build;
+using lexon::test::session;
 
 ParsedRules rules_parsed(std::string_view text) {
   const Source source(text);

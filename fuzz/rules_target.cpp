@@ -6,9 +6,9 @@
 
 namespace {
 
-using lexon::test::session;
 using lexon::test::grammar;
 using lexon::test::index_build;
+using lexon::test::session;
 
 using namespace lexon;
 
@@ -24,7 +24,8 @@ void compile_and_read_again(const Rule* rules) {
   if (compiled.empty()) return;
   const fuzz::Source file(compiled);
   Rule* again = nullptr;
-  fuzz::require(rule_list_read(session, grammar.pool, again, file.get()) == Status::ok, "a compiled rule file can be read");
+  fuzz::require(rule_list_read(session, grammar.pool, again, file.get()) == Status::ok,
+                "a compiled rule file can be read");
   fuzz::require(fuzz::rules_printed(again) == fuzz::rules_printed(rules), "compiled rules print as the text does");
   fuzz::require(fuzz::rules_compiled(again) == compiled, "compiled rules compile to the same bytes");
 }
@@ -39,7 +40,8 @@ void index_and_read_again(Rule* rules) {
   if (index_build(rules) != Status::ok) return;
   const std::string saved = saved_matrix();
   const fuzz::Source file(saved);
-  fuzz::require(rule_matrix_load(session, grammar.index, file.get(), rules) == Status::ok, "a saved matrix can be loaded");
+  fuzz::require(rule_matrix_load(session, grammar.index, file.get(), rules) == Status::ok,
+                "a saved matrix can be loaded");
   fuzz::require(saved_matrix() == saved, "a loaded matrix saves the same bytes");
 }
 

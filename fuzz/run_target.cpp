@@ -18,9 +18,9 @@
 
 namespace {
 
-using lexon::test::session;
 using lexon::test::grammar;
 using lexon::test::index_build;
+using lexon::test::session;
 
 using namespace lexon;
 
@@ -48,6 +48,7 @@ struct Run {
   std::FILE* input = nullptr;
   Rule* rules = nullptr;
   bool post_edit = true;
+  AllocationFault fault{0, false};
 };
 
 // The number that `text` begins with, which is taken off.
@@ -66,7 +67,7 @@ void settings_apply(std::string_view text, Dictionaries& dictionaries, Run& run)
     text.remove_prefix(1);
     if (c >= '0' && c <= '4') session.state.trace_level = static_cast<std::int8_t>(c - '0');
     if (c == 'P') run.post_edit = false;
-    if (c == 'M') allocation_fault = {number_take(text), false};
+    if (c == 'M') run.fault.countdown = number_take(text);
     if (c == 'C') dictionaries.words.cut(number_take(text));
     if (c == 'K' && run.pairs.dictionary != nullptr) dictionaries.pairs.cut(number_take(text));
   }
@@ -93,7 +94,7 @@ bool sentence_render(const Run& run, Said& said) {
   std::array<char, kSentenceSize> text{};
   const Status status = render_sentence(session, run.words, run.input, text.data(), run.pairs, run.post_edit);
   session.pool.release_all();
-  fuzz::require(pool_figures().sentence_blocks == 0, "a sentence gives back what it took");
+  fuzz::require(session.pool.blocks() == 0, "a sentence gives back what it took");
   said.sentences.push_back(std::to_string(code(status)) + " " + (status == Status::ok ? text.data() : ""));
   said.is_cut = fuzz::StepLimit::is_over();
   return status != Status::end_of_input;
@@ -132,9 +133,12 @@ void rules_convert(std::string_view text, Run& run, Compiled& compiled) {
 
 void rules_load(const Compiled& compiled, Run& run) {
   const fuzz::Source rule_file(compiled.rules);
-  fuzz::require(rule_list_read(session, grammar.pool, run.rules, rule_file.get()) == Status::ok, "compiled rules can be read");
+  fuzz::require(rule_list_read(session, grammar.pool, run.rules, rule_file.get()) == Status::ok,
+                "compiled rules can be read");
   const fuzz::Source matrix_file(compiled.matrix);
-  fuzz::require(rule_matrix_load(session, grammar.index, matrix_file.get(), run.rules) == Status::ok, "a saved matrix can be loaded");
+  fuzz::require(rule_matrix_load(session, grammar.index, matrix_file.get(), run.rules) == Status::ok,
+                "a saved matrix can be loaded");
+  session_use(session, grammar);
 }
 
 template <typename RuleStep>
@@ -146,7 +150,9 @@ Said run_with(const Sections& input, Dictionaries& dictionaries, bool other_leve
   run.input = document.get();
   rule_step(run);
   settings_apply(input[settings], dictionaries, run);
-  if (other_level && session.state.trace_level > 0) session.state.trace_level = static_cast<std::int8_t>(5 - session.state.trace_level);
+  session.pool.set_fault(&run.fault);
+  if (other_level && session.state.trace_level > 0)
+    session.state.trace_level = static_cast<std::int8_t>(5 - session.state.trace_level);
   return run.rules == nullptr ? Said{} : sentences_render(run);
 }
 

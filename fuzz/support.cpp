@@ -17,9 +17,9 @@
 
 namespace lexon::fuzz {
 
-using lexon::test::session;
 using lexon::test::grammar;
 using lexon::test::index_build;
+using lexon::test::session;
 
 namespace fs = std::filesystem;
 
@@ -44,9 +44,11 @@ std::vector<std::string_view> sections_of(std::string_view input, std::size_t co
   return sections;
 }
 
-Source::Source(std::string_view bytes)
-    : stream_(fmemopen(const_cast<char*>(bytes.empty() ? "" : bytes.data()), bytes.size(), "rb")) {
-  require(stream_ != nullptr, "a stream in memory can be had");
+// A file, since a reader may ask for its size.
+Source::Source(std::string_view bytes) : stream_(std::tmpfile()) {
+  require(stream_ != nullptr, "a temporary file can be had");
+  require(std::fwrite(bytes.data(), 1, bytes.size(), stream_) == bytes.size(), "a temporary file can be written");
+  std::rewind(stream_);
 }
 
 Source::~Source() {
@@ -90,6 +92,8 @@ void fresh_start() {
   session.pool.release_all();
   rule_matrix_clear(grammar.index);
   grammar.pool.release_all();
+  session_use(session, grammar);
+  session.pool.set_fault(nullptr);
   session.state = {};
   session.output.redirect(nowhere());
   session.state.stack_limit = stack_limit;

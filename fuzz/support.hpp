@@ -30,7 +30,7 @@ void require(bool holds, const char* what);
 // the rest.
 [[nodiscard]] std::vector<std::string_view> sections_of(std::string_view input, std::size_t count);
 
-// A stream to read the bytes from, which must outlive it.
+// A stream to read the bytes from, of a temporary file.
 class Source {
  public:
   explicit Source(std::string_view bytes);

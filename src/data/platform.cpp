@@ -358,7 +358,7 @@ std::FILE* waiting_file_open(const std::string& path, const std::atomic<bool>& s
 }
 
 bool is_waiting_stream(std::FILE* stream) {
-  return fileno(stream) < 0;
+  return stream != nullptr && fileno(stream) < 0;
 }
 
 bool file_read_at(std::FILE* stream, std::int64_t offset, void* to, std::size_t size) {

@@ -89,6 +89,13 @@ struct Session {
   return session.stop_requested.load(std::memory_order_relaxed) ? Status::stopped : session.state.abort;
 }
 
+// The same for a loop that fills `pool`: a cell that it was refused ends the step, since what is half done must not pass
+// for whole.
+[[nodiscard]] inline Status must_leave(Session& session, const Pool& pool) {
+  if (pool.is_exhausted() && session.state.abort == Status::ok) session.state.abort = Status::memory;
+  return must_leave(session);
+}
+
 // Is the worker's stack nearly used up? Then the sentence is lost: `abort` becomes `memory`.
 [[nodiscard]] bool stack_nearly_used(Session& session);
 

@@ -20,7 +20,7 @@ struct TextWatch {
   std::int64_t long_line = 0;  // the first that came in pieces
 };
 
-// Where text is read from: a file, or memory. A handle, to be copied; the place of reading lies in what it stands for,
+// Where text is read from: a file, memory, or memory and behind it a file. A handle, to be copied; the place of reading lies in what it stands for,
 // and moves on there.
 class TextSource {
  public:
@@ -28,12 +28,15 @@ class TextSource {
   TextSource(std::FILE* stream) : stream_(stream) {}
   // `rest` is what is still to be read: it loses its head. It must outlive the source.
   TextSource(std::string_view& rest) : rest_(&rest) {}
+  TextSource(std::string_view& rest, std::FILE* behind) : stream_(behind), rest_(&rest) {}
 
   // From now on every byte that is read is appended to `copy`, as it stands in the text. Null: no longer.
   void keep(std::string* copy) { copy_ = copy; }
 
   // The next character, the pair CR LF counting as its LF; EOF at the end.
-  [[nodiscard]] int next() { return rest_ != nullptr ? next_in_memory() : next_in_file(); }
+  [[nodiscard]] int next() {
+    return rest_ == nullptr || (rest_->empty() && stream_ != nullptr) ? next_in_file() : next_in_memory();
+  }
 
   // The file; null for memory.
   [[nodiscard]] std::FILE* stream() const { return stream_; }

@@ -191,7 +191,7 @@ void fault_tell(Session& session, int number, std::size_t place, std::string* fa
 Status rules_read(Session& session, Pool& pool, RecordStream& file, Rule*& rules, std::string* fault) {
   int number = 0;
   for (Rule** link = &rules; !file.at_end(); link = &(*link)->next) {
-    if (const Status leave = must_leave(session); leave != Status::ok) return leave;
+    if (const Status leave = must_leave(session, pool); leave != Status::ok) return leave;
     ++number;
     const std::size_t place = file.place();
     const Status status = next_rule_read(pool, file, *link);

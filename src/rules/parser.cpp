@@ -222,18 +222,18 @@ Status line_parse(Session& session, Pool& pool, RuleParse& parse, PriorityLists&
 Status parse_rule_file(Session& session, Pool& pool, TextSource source, Rule*& rules, RuleNotes* notes) {
   rules = nullptr;
   char text[kLineSize];
-  RuleParse parse{.start = text, .status = session.state.engine_status, .notes = notes};
+  RuleParse parse{.start = text, .status = session.state.engine_status, .notes = notes, .pool = &pool};
   PriorityLists lists;
   while (text_line_read(source, text, kLineSize, notes == nullptr ? nullptr : &notes->text)) {
-    if (const Status leave = must_leave(session); leave != Status::ok) return leave;
+    if (const Status leave = must_leave(session, pool); leave != Status::ok) return leave;
     ++parse.line;
     parse.status = Status::ok;
     if (!is_rule_line(text)) continue;
     const Status status = line_parse(session, pool, parse, lists);
-    if (notes != nullptr && must_leave(session) == Status::memory) notes->memory_line = notes->text.line;
+    if (notes != nullptr && must_leave(session, pool) == Status::memory) notes->memory_line = notes->text.line;
     if (status != Status::ok) return status;
   }
-  if (const Status leave = must_leave(session); leave != Status::ok) return leave;
+  if (const Status leave = must_leave(session, pool); leave != Status::ok) return leave;
   // Half a rule base would say other things than the linguist wrote.
   if (source.has_failed()) {
     out_print(session, ";;the rule text cannot be read behind line %d\n", parse.line);

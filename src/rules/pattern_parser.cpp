@@ -262,7 +262,7 @@ void rule_error_print(Session& session, const RuleParse& parse, const char* posi
 }
 
 void rule_fault_note(Session& session, const RuleParse& parse, const char* position, RuleFault fault) {
-  if (parse.notes == nullptr || must_leave(session) != Status::ok) return;
+  if (parse.notes == nullptr || must_leave(session, *parse.pool) != Status::ok) return;
   std::string_view text = parse.start;
   if (text.ends_with('\n')) text.remove_suffix(1);
   const auto column = static_cast<std::size_t>(position - parse.start);

@@ -20,6 +20,7 @@ struct RuleParse {
   const char* start = nullptr;  // of the line; columns count from here
   Status status = Status::ok;   // of the line so far
   RuleNotes* notes = nullptr;   // null: nobody wants to know
+  const Pool* pool = nullptr;   // of the rules; never null once a line is read
 };
 
 // Prints what is wrong at `position`: the line from there on, column and line number, then `behind`.

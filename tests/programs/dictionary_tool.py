@@ -18,7 +18,7 @@ CALLS = [
     (["build", "--skip-bad", "bad.txt", "bad.dic"], 0, "1 entry in bad.dic (3 blocks), index in bad.idx (2 blocks), 1 bad line left out\n", BAD),
     (["build", "none.txt", "none.dic"], 1, "", "none.txt: cannot be opened\n"),
     (["list", "words.dic"], 0, RAN + RUNS, ""),
-    (["list", "none.dic"], 1, "", "none.dic: cannot be opened\n"),
+    (["list", "none.dic"], 1, "", "none.dic: cannot be opened: No such file or directory\n"),
     (["find", "words.dic", "--hw", "ran"], 0, RAN, ""),
     (["find", "words.dic", "--cw", "run(agt>thing)"], 0, RUNS + RAN, ""),
     (["find", "words.dic", "--hw", "run"], 1, "", NOTHING),
@@ -45,6 +45,8 @@ with table.folder() as name:
         table.check(f"{command} --help", table.run("lexon-dict", command, "--help").returncode, 0)
     os.truncate(folder / "words.idx", 1024)
     made = table.run("lexon-dict", "check", "words.dic", folder=folder)
-    table.check("damage", (made.returncode, made.stdout, made.stderr), (1, "words.dic: damaged in 2 places\n",
+    table.check("damage", (made.returncode, made.stdout, made.stderr), (1, "words.dic: damaged in 3 places\n",
+                "words.idx: is not the file that was built with words.dic: it has been exchanged, cut or changed since; build the "
+                "dictionary again (words.idx.stamp holds the sizes and checksums of the build)\n"
                 "words.dic: offset 47: a slot without a tree\nwords.dic: offset 8192: a block that no tree leads to\n"))
 table.finish()

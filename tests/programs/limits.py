@@ -66,7 +66,7 @@ LIMITS = [
     ("frequency", 4294967295, lambda n: word_data(f"<E,{n},7>"), "<E,0,7>"),
     ("priority of a word", 255, lambda n: word_data(f"<E,0,{n}>"), "<E,0,0>"),
     ("name of the index", 128, lambda n: {"dictionary": "x" * (n - 4) + ".dic"}, "the index name is too long"),
-    ("numbers behind switches", 2147483647, lambda n: {"switches": ["-L0", f"-N{n}"]}, "is no number"),
+    ("numbers behind switches", 2147483647, lambda n: {"switches": ["-L0", f"-N{n}"]}, "is read as"),
     ("path", 260, lambda n: {"rule_path": n}, "Can't Open Generation Rule : !"),
 ]
 

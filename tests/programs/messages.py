@@ -39,9 +39,9 @@ RUNS = [
     # why a file cannot be opened
     ("no input", {}, ". . none", 1, "none! (No such file or directory)\n"),
     ("an output that is a folder", {}, ". . . .", 1, "Can't Open Output File : ", "done"),
-    ("no index", {"lone.dic": None}, "lone.dic", 1, "/words.idx: No such file or directory)\n"),
+    ("no index", {"lone.dic": None}, "lone.dic", 1, "/words.idx cannot be opened: No such file or directory)\n"),
     ("no dictionary at all", {"text.dic": ENTRIES}, "text.dic", 1, "(no dictionary that lexon-dict has built)\n"),
-    ("no co-occurrence dictionary", {}, "-Cnone", 1, "continue? (No such file or directory) [y/N] no\n"),
+    ("no co-occurrence dictionary", {}, "-Cnone", 1, "cannot be opened: No such file or directory) [y/N] no\n"),
     ("no path", {}, "--bare", 1, "Can't Open Output File : ! (no path is given)\n"),
     # input that is lost
     ("an unclosed end", {"i": DOG + CAT}, ". . i -N0", 0, "/i:6: this sentence is not closed"),

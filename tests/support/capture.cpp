@@ -11,6 +11,7 @@
 namespace lexon::test {
 
 Capture::Capture() : before_(session.output.stream()), stream_(open_memstream(&buffer_, &size_)) {
+  static_cast<void>(session.output.take());  // what was printed while nobody looked
   session.output.redirect(stream_);
 }
 

@@ -16,6 +16,7 @@ namespace lexon::test {
 
 // Everything of the last sentence and its steps is gone; nothing is traced.
 inline void fresh_sentence() {
+  session_use(session, grammar);
   session.pool.release_all();
   sentence_clear(session);
   session.state.forced_node = nullptr;
