@@ -121,7 +121,7 @@ inline void out_flush(Session& session) {
 
 // What stands in front of each line of the trace.
 [[nodiscard]] inline std::string_view trace_indent(const Session& session) {
-  return {session.state.trace_indent, session.state.trace_depth};
+  return session.state.trace_indent;
 }
 
 // A line of the trace: the indent, the texts and the line's end.

@@ -59,17 +59,17 @@ const char* entry_error_text(Status status) {
   return "unknown error";
 }
 
-void entry_print(Output& output, const WordEntry* entry, std::string_view prefix) {
+void entry_print(Output& output, const WordEntry* entry, const char* prefix) {
   if (entry == nullptr) return;
   const char* language = language_to_code(entry->language);
   const std::size_t language_length = language == entry->language ? 1 : kCodeLength;
-  output.put(prefix, "[", text_or_empty(entry->hw), "]{", text_or_empty(entry->id), "} ", text_or_empty(entry->gloss),
-             " \"", text_or_empty(entry->cw), "\" (", text_or_empty(entry->attrs), ") <",
+  output.put(text_or_empty(prefix), "[", text_or_empty(entry->hw), "]{", text_or_empty(entry->id), "} ",
+             text_or_empty(entry->gloss), " \"", text_or_empty(entry->cw), "\" (", text_or_empty(entry->attrs), ") <",
              std::string_view(language, strnlen(language, language_length)), ",", Decimal(load_u32(entry->frequency)),
              ",", Decimal(entry->priority), ">;\n");
 }
 
-void entry_list_print(Output& output, const WordEntry* list, std::string_view prefix) {
+void entry_list_print(Output& output, const WordEntry* list, const char* prefix) {
   for (const WordEntry& word : chain<&WordEntry::next>(list)) entry_print(output, &word, prefix);
 }
 

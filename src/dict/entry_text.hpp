@@ -45,10 +45,10 @@ void parsed_entry_free(Session& session, WordEntry*& entry, EntryStorage storage
 
 // Prints one word as an entry line behind `prefix`. Nothing happens for a null entry. The second language
 // mark and the extras are not printed.
-void entry_print(Output& output, const WordEntry* entry, std::string_view prefix);
+void entry_print(Output& output, const WordEntry* entry, const char* prefix);
 
 // Prints each word of a list.
-void entry_list_print(Output& output, const WordEntry* list, std::string_view prefix);
+void entry_list_print(Output& output, const WordEntry* list, const char* prefix);
 
 // The mark of a two-letter language code, or `text` itself. The mark ends its text.
 [[nodiscard]] const char* language_to_mark(const char* text);

@@ -63,12 +63,12 @@ void append_tail(Session& session, std::string& line, const Node* node) {
 
 void print_word(Session& session, const WordEntry* word) {
   if (must_leave(session) == Status::stopped) return;
-  entry_print(session.output, word, trace_indent(session));
+  entry_print(session.output, word, session.state.trace_indent);
 }
 
 void print_words(Session& session, const WordEntry* words) {
   if (must_leave(session) == Status::stopped) return;
-  entry_list_print(session.output, words, trace_indent(session));
+  entry_list_print(session.output, words, session.state.trace_indent);
 }
 
 // The changed copies, and the word from which they came.
