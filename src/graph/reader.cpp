@@ -104,14 +104,6 @@ Status skipped_block_read(Session& session, Reader& reader) {
   return Status::ok;
 }
 
-void syntax_error_report(Session& session, Reader& reader) {
-  if (!reader.syntax_reported) out_print(session, ";;Syntactic Error\n");
-  reader.syntax_reported = true;
-  out_print(session, "\t%s", reader.saved_line.data());
-  out_flush(session);
-  note_left_out(session, reader, "no relation: label(from, to)");
-}
-
 void line_report(Session& session, Reader& reader, const char* what) {
   out_print(session, ";;%s\n\t%s", what, reader.saved_line.data());
   out_flush(session);
@@ -177,7 +169,7 @@ void relation_read(Session& session, Reader& reader) {
     reader.syntax_reported = true;
     out_print(session, "\t%s", reader.saved_line.data());
     out_flush(session);
-    return note_left_out(reader, "no relation: label(from, to)");
+    return note_left_out(session, reader, "no relation: label(from, to)");
   }
   if (const char* fault = fault_of(text); fault != nullptr) {
     return line_report(session, reader, fault);

@@ -274,7 +274,7 @@ TEST(CompiledMatrix, BytesOfTheFile) {
 // Is there nothing left that a search could run on?
 bool is_zeroed() {
   return grammar.index.matrix.rules == nullptr && grammar.index.matrix.rule_count == 0 && grammar.index.matrix.row_bytes == 0 && grammar.index.matrix.left.attr_pool == nullptr &&
-         grammar.index.matrix.left.pos_matrix == nullptr && grammar.index.matrix.right.attr_table == nullptr;
+         grammar.index.matrix.right.attr_table == nullptr;
 }
 
 // A header of these eight numbers.

@@ -8,6 +8,7 @@
 
 #include "support/capture.hpp"
 #include "support/rule_build.hpp"
+#include "support/saved_matrix.hpp"
 #include "support/grammar.hpp"
 
 namespace lexon::test {
@@ -24,14 +25,14 @@ std::string hex(const std::uint8_t* bytes) {
 }
 
 // "name:pos row/neg row" for each row; names of more than 20 characters as their first one and their length.
-std::string dump(const MatrixSide& side) {
+std::string dump(const MatrixSide& side, const SavedMatrix::Side& saved) {
   std::string text;
   for (std::int32_t r = 0; r < side.attr_count; ++r) {
     const std::string name = side.attr_table[r];
     const std::int32_t at = r * grammar.index.matrix.row_bytes;
     text += text.empty() ? "" : " ";
     text += name.size() > 20 ? name.substr(0, 1) + "*" + std::to_string(name.size()) : name;
-    text += ":" + hex(side.pos_matrix + at) + "/" + hex(side.neg_matrix + at);
+    text += ":" + hex(saved.pos.data() + at) + "/" + hex(saved.neg.data() + at);
   }
   return text;
 }
@@ -79,8 +80,9 @@ TEST_F(Matrix, HoldsTheConditionsOfBothSides) {
     EXPECT_EQ(grammar.index.matrix.rules, rules.head());
     EXPECT_EQ(grammar.index.matrix.rule_count, static_cast<int>(c.rules.size()));
     EXPECT_EQ(grammar.index.matrix.row_bytes, c.row_bytes);
-    EXPECT_EQ(dump(grammar.index.matrix.left), c.left);
-    EXPECT_EQ(dump(grammar.index.matrix.right), c.right);
+    const SavedMatrix saved = saved_matrix();
+    EXPECT_EQ(dump(grammar.index.matrix.left, saved.left), c.left);
+    EXPECT_EQ(dump(grammar.index.matrix.right, saved.right), c.right);
   }
 }
 

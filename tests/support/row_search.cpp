@@ -33,6 +33,7 @@ void row_or(Vector& vector, const std::uint8_t* matrix, std::int32_t r) {
 
 struct Side {
   const MatrixSide& matrix;
+  const SavedMatrix::Side& saved;
   Node* node;
   Node* entry = nullptr;
   Vector result = Vector(row_bytes(), 0xFF);
@@ -60,7 +61,7 @@ void negative_step(Side& side, const WordEntry* word) {
     const std::size_t comma = attrs.find(',', begin);
     const std::string piece = attrs.substr(begin, comma == std::string::npos ? comma : comma - begin);
     const std::int32_t r = attr_table_find(piece.c_str(), side.matrix.attr_table, side.matrix.attr_count);
-    if (r >= 0) row_and(side.result, side.matrix.neg_matrix, r);
+    if (r >= 0) row_and(side.result, side.saved.neg.data(), r);
     if (comma == std::string::npos) return;
     begin = comma + 1;
   }
@@ -74,7 +75,7 @@ void positive_step(Side& side, const WordEntry* w, const WordEntry* v) {
   for (std::int32_t r = 0; r < side.matrix.attr_count; ++r) {
     const char* name = side.matrix.attr_table[r];
     const bool present = attr_has(w, name) || block_has(side.node, name) || attr_has(v, name) || block_has(side.entry, name);
-    if (!present) row_or(side.missing, side.matrix.pos_matrix, r);
+    if (!present) row_or(side.missing, side.saved.pos.data(), r);
   }
 }
 
@@ -123,10 +124,10 @@ Vector searched(Side& side) {
 
 }  // namespace
 
-RuleCandidate* candidates_row_by_row(Node* lnode, Node* rnode) {
+RuleCandidate* candidates_row_by_row(const SavedMatrix& saved, Node* lnode, Node* rnode) {
   if (lnode == nullptr && rnode == nullptr) return nullptr;
-  Side left{grammar.index.matrix.left, lnode};
-  Side right{grammar.index.matrix.right, rnode};
+  Side left{grammar.index.matrix.left, saved.left, lnode};
+  Side right{grammar.index.matrix.right, saved.right, rnode};
   if (!find_entry(left) || !find_entry(right)) return nullptr;
   const Vector left_bits = searched(left);
   const Vector right_bits = searched(right);

@@ -3,10 +3,11 @@
 #pragma once
 
 #include "data/records.hpp"
+#include "support/saved_matrix.hpp"
 
 namespace lexon::test {
 
 // What `rule_candidates` has to give.
-[[nodiscard]] RuleCandidate* candidates_row_by_row(Node* lnode, Node* rnode);
+[[nodiscard]] RuleCandidate* candidates_row_by_row(const SavedMatrix& saved, Node* lnode, Node* rnode);
 
 }  // namespace lexon::test
