@@ -45,7 +45,7 @@ std::vector<Row> generate() {
   for (int i = 0; i < kEntries; ++i) {
     const auto hw = static_cast<unsigned>(random() % kSurfaceForms);
     const auto cw = static_cast<unsigned>(random() % kConceptWords);
-    rows.push_back({surface_form(hw), surface_form(cw + 1'000'000) + "(icl>thing)", i % 256});
+    rows.push_back({surface_form(hw), surface_form(cw + 1'000'000) + "(>thing)", i % 256});
   }
   return rows;
 }
@@ -110,7 +110,8 @@ struct Setting {
 
   [[nodiscard]] bool build() const {
     BuildFigures figures;
-    return dictionary_build(session, {.entries = path("entries.txt"), .dictionary = path("words.dic")}, stderr, figures);
+    return dictionary_build(session, {.entries = path("entries.txt"), .dictionary = path("words.dic")}, stderr,
+                            figures);
   }
 
   fs::path folder;

@@ -34,8 +34,8 @@ constexpr const char* kGrowing = ":{A,^M:+M::}\"[x]:::\"P5;\nR{M:::}{A:::}P4;\nR
 
 Input endless_post_edit() {
   return {"an endless pass into a scope", "[a]{} \"a\" (A);\n[b]{} \"b\" (B);\n", "",
-          "R{SHEAD:::}{A:::}P9;\n:{A:::}\"SCOPE::obj:\"P8;\nPSL{SCOPE:::}{:::}P7;\nR{:::}{:::}P1;\n",
-          "obj(a.@entry, :01)\nmod:01(b.@entry, b)\n"};
+          "R{SHEAD:::}{A:::}P9;\n:{A:::}\"SCOPE::pat:\"P8;\nPSL{SCOPE:::}{:::}P7;\nR{:::}{:::}P1;\n",
+          "pat(a.@entry, :01)\natt:01(b.@entry, b)\n"};
 }
 
 Input endless_search() {
@@ -53,12 +53,12 @@ Input endless_search() {
 
 Input starred_groups() {
   return {"starred groups over a long list", "[x]{} \"a\" (A);\n", "",
-          std::string("R(A)*(A)*(A)*(Q){A:::}{A:::}P9;\n") + kGrowing, "mod(a.@entry, a:01)\n"};
+          std::string("R(A)*(A)*(A)*(Q){A:::}{A:::}P9;\n") + kGrowing, "att(a.@entry, a:01)\n"};
 }
 
 Input large_class() {
   Input input{"a class of 10,000 words", "[x]{} \"a\" (A);\n", "",
-              std::string(":{A:::}\"[#all],NEVER:::\"P9;\n") + kGrowing, "mod(a.@entry, a:01)\n"};
+              std::string(":{A:::}\"[#all],NEVER:::\"P9;\n") + kGrowing, "att(a.@entry, a:01)\n"};
   for (int i = 0; i < 10000; ++i) {
     input.cr += "[m" + std::to_string(i) + "]{word" + std::to_string(i) + "} \"sup#all\" (X);\n";
   }

@@ -11,8 +11,8 @@ using lexon::test::session;
 using namespace lexon;
 
 constexpr std::string_view kEntries =
-    "[see]{1} \"see(icl>do)\" (V,TEMP) <E,1,2>;\n"
-    "[look]{2} \"see(icl>do)\" (V) <E,1,1>;\n"
+    "[see]{1} \"see(>do)\" (V,TEMP) <E,1,2>;\n"
+    "[look]{2} \"see(>do)\" (V) <E,1,1>;\n"
     "[dog]{3} \"dog\" (N,@9) <E,0,0>;\n"
     "[big]{4} \"big\" (ADJ) <E,0,0>;\n"
     "[]{5} \"cat\" () <E,0,0>;\n";

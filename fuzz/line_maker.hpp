@@ -28,9 +28,9 @@ class LineMaker {
   [[nodiscard]] std::string word() { return one_of({"dog", "see", "cat", "big", "the", "of"}); }
   [[nodiscard]] std::string attribute() {
     return one_of({"N",    "V",  "A",      "B",     "ADJ",  "ART",  "SHEAD", "STAIL", "CHEAD", "CTAIL", "SCOPE",
-                   "TEMP", "@9", "@entry", "@past", ">agt", "<agt", ">obj",  "<obj",  ">mod",  "<con"});
+                   "TEMP", "@9", "@entry", "@past", ">agn", "<agn", ">pat",  "<pat",  ">att",  "<cnd"});
   }
-  [[nodiscard]] std::string label() { return one_of({"agt", "obj", "mod", "con", "and"}); }
+  [[nodiscard]] std::string label() { return one_of({"agn", "pat", "att", "cnd", "and"}); }
 
   [[nodiscard]] std::string condition() {
     const std::string sign = one_of({"", "", "", "^", "-", "+"});

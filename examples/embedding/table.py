@@ -14,7 +14,7 @@ grammar = lexon.Grammar(*sys.argv[1:])
 WHO = {"dog": "dog(>animal).@def", "cats": "cat(>animal).@pl"}
 WHEN = {"now": "", "before": ".@past"}
 graphs = [
-    f"[S:{who} {when}]\nagt(sleep(>rest).@entry{mark}, {noun})\n[/S]\n"
+    f"[S:{who} {when}]\nagn(sleep(>rest).@entry{mark}, {noun})\n[/S]\n"
     for who, noun in WHO.items()
     for when, mark in WHEN.items()
 ]

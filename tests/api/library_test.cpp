@@ -91,15 +91,15 @@ TEST_F(Library, AGeneratorKeepsItsGrammarAndMoves) {
 }
 
 constexpr const char* kNestingRules =
-    "R{SHEAD:::}{OK:::}P9;\n:{OK:::}\"SCOPE::obj:\"P8;\nR{CHEAD:::}{OK:::}P7;\nR{OK:::}{SCOPE:::}P5;\n"
+    "R{SHEAD:::}{OK:::}P9;\n:{OK:::}\"SCOPE::pat:\"P8;\nR{CHEAD:::}{OK:::}P7;\nR{OK:::}{SCOPE:::}P5;\n"
     "R{OK:::}{CTAIL:::}P3;\nR{SCOPE:::}{CTAIL:::}P3;\nR{SCOPE:::}{STAIL:::}P3;\n";
 
 // A word and a scope in each of 99 scopes, one within the other.
 std::string nested_graph() {
   const auto digit = [](int number) { return "0123456789ABCDEFGHIJKLMNOPQRSTUVWXYZ"[number]; };
   const auto code = [&](int number) { return std::string{digit(number / 36), digit(number % 36)}; };
-  std::string graph = "[S:1]\nobj(dog.@entry,:01)\n";
-  for (int i = 1; i < 99; ++i) graph += "obj:" + code(i) + "(dog:" + code(i) + ".@entry,:" + code(i + 1) + ")\n";
+  std::string graph = "[S:1]\npat(dog.@entry,:01)\n";
+  for (int i = 1; i < 99; ++i) graph += "pat:" + code(i) + "(dog:" + code(i) + ".@entry,:" + code(i + 1) + ")\n";
   return graph + "mod:" + code(99) + "(dog:" + code(99) + ".@entry,a)\n[/S]\n";
 }
 

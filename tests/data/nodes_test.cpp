@@ -71,7 +71,7 @@ TEST_F(Nodes, ACopyForInsertionTakesAllWordsAndMarksWhatTheNodeHasGathered) {
     if (row.used) {
       ASSERT_EQ(match_record_push(session, *node, kStateStep, nullptr), Status::ok);
     }
-    Relation relation{0, 0, "agt", node_of("b", nullptr), node, nullptr};
+    Relation relation{0, 0, "agn", node_of("b", nullptr), node, nullptr};
     Node* copy = nullptr;
     ASSERT_EQ(node_copy(session, copy, *node, &relation, 0), Status::ok);
     EXPECT_STREQ(node->scope_attrs->text, row.expected) << row.block;
@@ -86,7 +86,7 @@ TEST_F(Nodes, MarkedAttributesStopAtTheLimit) {
   Node* node = node_of("a", std::string(900, 'n').c_str());
   node->scope_attrs = block_of(0, std::string(200, 'x').c_str());
   ASSERT_EQ(match_record_push(session, *node, kStateStep, nullptr), Status::ok);
-  Relation relation{0, 0, "agt", nullptr, node, nullptr};
+  Relation relation{0, 0, "agn", nullptr, node, nullptr};
   Node* copy = nullptr;
   ASSERT_EQ(node_copy(session, copy, *node, &relation, 0), Status::ok);
   EXPECT_EQ(std::strlen(node->scope_attrs->text), 1024U);

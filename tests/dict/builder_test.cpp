@@ -114,8 +114,7 @@ TEST_P(GeneratedDictionary, FindsEveryRecordOnceByEachKey) {
   const Shape& shape = GetParam();
   const std::vector<Generated> entries = generate(shape);
   const BuildFolder folder;
-  const BuildResult built =
-      build_text(folder, text_of(entries, shape.padding), shape.file, {.key_fields = 1U << kKeyCw | 1U << kKeyId});
+  const BuildResult built = build_text(folder, text_of(entries, shape.padding), shape.file, {.key_fields = 1U << kKeyCw | 1U << kKeyId});
   ASSERT_TRUE(built.done) << built.log;
   EXPECT_EQ(built.figures.entries, shape.entries);
   Expected by_hw, by_cw, by_id;
@@ -151,8 +150,7 @@ TEST_P(GeneratedDictionary, ListedAndBuiltAgainIsTheSame) {
   EXPECT_EQ(list_of(second, shape.file).out, list.out);
 }
 
-INSTANTIATE_TEST_SUITE_P(Shapes, GeneratedDictionary, ::testing::ValuesIn(kShapes),
-                         [](const auto& instance) { return instance.param.name; });
+INSTANTIATE_TEST_SUITE_P(Shapes, GeneratedDictionary, ::testing::ValuesIn(kShapes), [](const auto& instance) { return instance.param.name; });
 
 TEST(Builder, SortingInTemporaryFilesGivesTheSame) {
   const Shape shape = {"", 20000, 4000, 3000, 40, 0, "words.dic"};
@@ -210,11 +208,8 @@ TEST(Builder, WritesTheLayoutsByteForByte) {
 
 TEST(Builder, TheNameDecidesTheSlots) {
   const std::tuple<const char*, const char*, std::size_t> rows[] = {
-      {"eightchr.dic", "eightchr.idx", 22},
-      {"ninechars.dic", "ninechars.idx", 138},
-      {"a.b.dic", "a_b.idx", 22},
-      {"version.1.2.dic", "version_1_2.idx", 138},
-      {"no_extension", "no_extension.idx", 138},
+      {"eightchr.dic", "eightchr.idx", 22},        {"ninechars.dic", "ninechars.idx", 138},   {"a.b.dic", "a_b.idx", 22},
+      {"version.1.2.dic", "version_1_2.idx", 138}, {"no_extension", "no_extension.idx", 138},
   };
   for (const auto& [name, index, slot_size] : rows) {
     const BuildFolder folder;
@@ -250,8 +245,7 @@ TEST(Builder, ListWritesWhatWasRead) {
       {"[a]{} \"x\"{y} (z\" (c);", "[a]{} \"x\"{} (z\" (c) <.,0,0>;"},
       {"[a]{} \"b\"c\" (c);", "[a]{} \"b\"c\" (c) <.,0,0>;"},
       {"[a]{} \"b\" (c(d, e),x),f(g));", "[a]{} \"b\" (c(d, e),x),f(g)) <.,0,0>;"},
-      {"\t [\xc3\xa4\xff]{\x80} \"\xe4\xb8\xad\" (\xc3\x9f);",
-       "[\xc3\xa4\xff]{\x80} \"\xe4\xb8\xad\" (\xc3\x9f) <.,0,0>;"},
+      {"\t [\xc3\xa4\xff]{\x80} \"\xe4\xb8\xad\" (\xc3\x9f);", "[\xc3\xa4\xff]{\x80} \"\xe4\xb8\xad\" (\xc3\x9f) <.,0,0>;"},
   };
   for (const auto& [line, listed] : rows) {
     const BuildFolder folder;
@@ -274,9 +268,8 @@ void for_each_text(std::string_view letters, std::size_t length, const Visit& vi
 
 TEST(Builder, EveryRecordThatTextCanMakeHasATextForm) {
   const std::tuple<const char*, const char*, const char*> rows[] = {
-      {"[", "[]\\{ a", "]{i} g \"b\" (c) <.,1,2>;\n"}, {"[a]{i}", "\"( \ta{", "\"b\" (c) <.,1,2>;\n"},
-      {"[a]{i} g \"", "\"{}( a", "\" (c) <.,1,2>;\n"}, {"[a]{i} g \"b\" (", "(), a<;", ") <.,1,2>;\n"},
-      {"[a]{i} g \"b\" (c)", " ;[]{}a.", "\n"},
+      {"[", "[]\\{ a", "]{i} g \"b\" (c) <.,1,2>;\n"}, {"[a]{i}", "\"( \ta{", "\"b\" (c) <.,1,2>;\n"}, {"[a]{i} g \"", "\"{}( a", "\" (c) <.,1,2>;\n"},
+      {"[a]{i} g \"b\" (", "(), a<;", ") <.,1,2>;\n"}, {"[a]{i} g \"b\" (c)", " ;[]{}a.", "\n"},
   };
   for (const auto& [before, letters, behind] : rows) {
     int parsed = 0;
@@ -322,18 +315,14 @@ TEST(Builder, BadLinesAreReportedWithTheirPlace) {
       {"a line\n", "entries.txt:2: an entry begins with \"[\"\n"},
       {"\n;\n[a] \"b\" (c);\n", "entries.txt:4: "},
       {"[a]{ \"b\" (c);\n", "entries.txt:2: no \"}\" behind the id\n"},
-      {"[a]{} \"b\" (c) <x y>\n" + good + "[a]{} \"b\" (c);[e\n",
-       "entries.txt:4: no \"]\" behind the first extra text\n"},
+      {"[a]{} \"b\" (c) <x y>\n" + good + "[a]{} \"b\" (c);[e\n", "entries.txt:4: no \"]\" behind the first extra text\n"},
       {std::string("[a]{}\0 \"b\" (c);\n", 16), "entries.txt:2: the line holds a NUL character\n"},
       {"[a]{} " + filled(8186) + "\n", "entries.txt:2: the line has more than 8191 characters\n"},
       {"[a]{} " + filled(8185) + "\r\n", "entries.txt:2: "},
       {"[a]{} " + filled(70000) + "\n", "entries.txt:2: the line has more than 8191 characters\n"},
-      {"[a]{} " + filled(4068) + " \"b\" (c);\n",
-       "entries.txt:2: the entry needs 4093 bytes, and a block holds 4091\n"},
-      {"[" + filled(1004) + "]{} \"b\" (c);\n",
-       "entries.txt:2: the hw has 1004 bytes, and a key of the index at most 1003\n"},
-      {"[a]{} \"" + filled(1004) + "\" (c);\n",
-       "entries.txt:2: the cw has 1004 bytes, and a key of the index at most 1003\n"},
+      {"[a]{} " + filled(4068) + " \"b\" (c);\n", "entries.txt:2: the entry needs 4093 bytes, and a block holds 4091\n"},
+      {"[" + filled(1004) + "]{} \"b\" (c);\n", "entries.txt:2: the hw has 1004 bytes, and a key of the index at most 1003\n"},
+      {"[a]{} \"" + filled(1004) + "\" (c);\n", "entries.txt:2: the cw has 1004 bytes, and a key of the index at most 1003\n"},
   };
   for (const auto& [text, message] : rows) {
     const BuildFolder folder;
@@ -394,8 +383,7 @@ TEST(Builder, AFailedBuildLeavesTheOldDictionary) {
 }
 
 TEST(Builder, BlockNumbersEndAt65535) {
-  const std::tuple<std::uint32_t, int, PackResult> rows[] = {
-      {65534, 2, PackResult::ok}, {65534, 3, PackResult::too_many_blocks}, {65535, 1, PackResult::ok}};
+  const std::tuple<std::uint32_t, int, PackResult> rows[] = {{65534, 2, PackResult::ok}, {65534, 3, PackResult::too_many_blocks}, {65535, 1, PackResult::ok}};
   for (const auto& [first, blocks, expected] : rows) {
     const File stream(std::tmpfile());
     BlockFile file{stream.get(), first};
@@ -414,17 +402,16 @@ TEST(Builder, BlockNumbersEndAt65535) {
 TEST(Builder, BuildsACooccurrenceDictionary) {
   const BuildFolder folder;
   const std::string text =
-      "[makemoddecision]{1} \"\" () <.,0,200>;\n"
-      "[mod]{2} \"\" () <.,0,5>;\n"
-      "[]{3} \"supmod\" () <.,0,9>;\n"
-      "[mod]{4} \"\" () <.,0,6>;\n"
-      "[]{5} \"supmod\" () <.,0,8>;\n"
+      "[makeattdecision]{1} \"\" () <.,0,200>;\n"
+      "[att]{2} \"\" () <.,0,5>;\n"
+      "[]{3} \"supatt\" () <.,0,9>;\n"
+      "[att]{4} \"\" () <.,0,6>;\n"
+      "[]{5} \"supatt\" () <.,0,8>;\n"
       "[any]{6} \"sup#class\" () <.,0,8>;\n";
   ASSERT_TRUE(build_text(folder, text).done);
   Asked asked(folder);
   const std::tuple<int, const char*, const char*> rows[] = {
-      {kKeyHw, "makemoddecision", "1"}, {kKeyHw, "mod", "2 4"},     {kKeyHw, "takemoddecision", ""},
-      {kKeyCw, "supmod", "3 5"},        {kKeyCw, "sup#class", "6"},
+      {kKeyHw, "makeattdecision", "1"}, {kKeyHw, "att", "2 4"}, {kKeyHw, "takeattdecision", ""}, {kKeyCw, "supatt", "3 5"}, {kKeyCw, "sup#class", "6"},
   };
   for (const auto& [field, key, ids] : rows) EXPECT_EQ(asked.ids(field, key), ids) << key;
 }

@@ -62,33 +62,33 @@ std::string checked(const Asked& asked, bool stop = false) {
   return std::to_string(score) + ": " + text_of_words(left) + " & " + text_of_words(right) + ";" + ids_of(chosen);
 }
 
-constexpr const char* kLeft = ":\"[x]:::mod\"{N}P1;";   // first text of the right word, second of the left one
-constexpr const char* kRight = ":{N}\"[x]:::mod\"P1;";  // the other way round
+constexpr const char* kLeft = ":\"[x]:::att\"{N}P1;";   // first text of the right word, second of the left one
+constexpr const char* kRight = ":{N}\"[x]:::att\"P1;";  // the other way round
 
 const Asked kChecks[] = {
-    {"the best word goes to the front, a tie keeps the first", "dogmoda 5 dogmodb 9 dogmodc 9", kLeft, "a|b|c", "dog", Side::left, "", "9: b|a|c & dog;"},
-    {"on the right side", "dogmoda 5 dogmodb 9", kRight, "dog", "a|b", Side::right, "", "9: dog & b|a;"},
-    {"a role on the other pattern turns the texts", "amoddog 5 bmoddog 9", ":\"[x]\"{N:::mod}P1;", "a|b", "dog", Side::left, "", "9: b|a & dog;"},
-    {"a role on both patterns counts on the left", "dogmoda 5 amoddog 9", ":\"[x]:::mod\"{N:::mod}P1;", "a", "dog", Side::left, "", "5: a & dog;"},
-    {"an id stands for its word", "d1moda1 5", kLeft, "b|a~a1", "dog~d1", Side::left, "", "5: a~a1|b & dog~d1;"},
-    {"nothing scores: the lists stay", "catmoda 5", kLeft, "a|b", "dog", Side::left, "", "0: a|b & dog;"},
-    {"a pair that is missing takes the default of its relation", "mod 3", kLeft, "a|b", "dog", Side::left, "", "3: a|b & dog;"},
-    {"a strong pair counts as it is", "dogmoda 200", kLeft, "a", "dog", Side::left, "", "200: a & dog;"},
-    {"a default above 127 fails", "mod 128", kLeft, "a", "dog", Side::left, "", "-1: a & dog;"},
-    {"the best of equal keys counts", "dogmoda 2 dogmoda 6 dogmoda 4", kLeft, "a", "dog", Side::left, "", "6: a & dog;"},
-    {"the first member with a value, by falling priority", "mod>m1 1 mod>m2 9 mod>m3 5 dogm3a 7 dogm1a 8", kLeft, "a", "dog", Side::left, "",
+    {"the best word goes to the front, a tie keeps the first", "dogatta 5 dogattb 9 dogattc 9", kLeft, "a|b|c", "dog", Side::left, "", "9: b|a|c & dog;"},
+    {"on the right side", "dogatta 5 dogattb 9", kRight, "dog", "a|b", Side::right, "", "9: dog & b|a;"},
+    {"a role on the other pattern turns the texts", "aattdog 5 battdog 9", ":\"[x]\"{N:::att}P1;", "a|b", "dog", Side::left, "", "9: b|a & dog;"},
+    {"a role on both patterns counts on the left", "dogatta 5 aattdog 9", ":\"[x]:::att\"{N:::att}P1;", "a", "dog", Side::left, "", "5: a & dog;"},
+    {"an id stands for its word", "d1atta1 5", kLeft, "b|a~a1", "dog~d1", Side::left, "", "5: a~a1|b & dog~d1;"},
+    {"nothing scores: the lists stay", "catatta 5", kLeft, "a|b", "dog", Side::left, "", "0: a|b & dog;"},
+    {"a pair that is missing takes the default of its relation", "att 3", kLeft, "a|b", "dog", Side::left, "", "3: a|b & dog;"},
+    {"a strong pair counts as it is", "dogatta 200", kLeft, "a", "dog", Side::left, "", "200: a & dog;"},
+    {"a default above 127 fails", "att 128", kLeft, "a", "dog", Side::left, "", "-1: a & dog;"},
+    {"the best of equal keys counts", "dogatta 2 dogatta 6 dogatta 4", kLeft, "a", "dog", Side::left, "", "6: a & dog;"},
+    {"the first member with a value, by falling priority", "att>m1 1 att>m2 9 att>m3 5 dogm3a 7 dogm1a 8", kLeft, "a", "dog", Side::left, "",
      "7: a & dog; m3 m1"},
-    {"members of members", "mod>m1 1 m1>m2 1 m2>m3 1 dogm3a 4", kLeft, "a", "dog", Side::left, "", "4: a & dog; m1"},
-    {"the default of a member", "mod>m1 1 m1 6 mod 9", kLeft, "a", "dog", Side::left, "", "6: a & dog; m1"},
-    {"no member has a value", "mod>m1 1 mod>m2 2 mod 9", kLeft, "a", "dog", Side::left, "", "0: a & dog;"},
-    {"a failed lookup below", "mod>m1 2 m1 200 mod>m2 1 dogm2a 5", kLeft, "a", "dog", Side::left, "", "-1: a & dog;"},
-    {"the chain of the last word stays", "mod>m1 2 mod>m2 1 dogm2a 9 dogm1b 5", kLeft, "a|b", "dog", Side::left, "", "9: a|b & dog; m1 m2"},
-    {"a retry asks the head words from the chain on", "dogmoda 9 dogm3a 5 dogm3b 7", kLeft, "a|b", "dog", Side::left, "x~m2|x~m3|x~m4", "5: a|b & dog; m3 m4"},
-    {"a retry that finds nothing", "dogmoda 9", kLeft, "a", "dog", Side::left, "x~m2|x~m3", "0: a & dog;"},
+    {"members of members", "att>m1 1 m1>m2 1 m2>m3 1 dogm3a 4", kLeft, "a", "dog", Side::left, "", "4: a & dog; m1"},
+    {"the default of a member", "att>m1 1 m1 6 att 9", kLeft, "a", "dog", Side::left, "", "6: a & dog; m1"},
+    {"no member has a value", "att>m1 1 att>m2 2 att 9", kLeft, "a", "dog", Side::left, "", "0: a & dog;"},
+    {"a failed lookup below", "att>m1 2 m1 200 att>m2 1 dogm2a 5", kLeft, "a", "dog", Side::left, "", "-1: a & dog;"},
+    {"the chain of the last word stays", "att>m1 2 att>m2 1 dogm2a 9 dogm1b 5", kLeft, "a|b", "dog", Side::left, "", "9: a|b & dog; m1 m2"},
+    {"a retry asks the head words from the chain on", "dogatta 9 dogm3a 5 dogm3b 7", kLeft, "a|b", "dog", Side::left, "x~m2|x~m3|x~m4", "5: a|b & dog; m3 m4"},
+    {"a retry that finds nothing", "dogatta 9", kLeft, "a", "dog", Side::left, "x~m2|x~m3", "0: a & dog;"},
     {"a retry that fails keeps what it has not tried", "m3 200", kLeft, "a", "dog", Side::left, "x~m2|x~m3|x~m4", "-1: a & dog; m3 m4"},
-    {"a retry whose chain leads to the relation itself", "m3>mod 1 dogmoda 9", kLeft, "a", "dog", Side::left, "x~m3", "9: a & dog; m3"},
-    {"nothing inserted: no check", "dogmoda 9", ":{N:-N::mod}{N}P1;", "b|a", "dog", Side::left, "", "1: b|a & dog;"},
-    {"no role: no check", "dogmoda 9", ":\"[x]\"{N}P1;", "b|a", "dog", Side::left, "", "1: b|a & dog;"},
+    {"a retry whose chain leads to the relation itself", "m3>att 1 dogatta 9", kLeft, "a", "dog", Side::left, "x~m3", "9: a & dog; m3"},
+    {"nothing inserted: no check", "dogatta 9", ":{N:-N::att}{N}P1;", "b|a", "dog", Side::left, "", "1: b|a & dog;"},
+    {"no role: no check", "dogatta 9", ":\"[x]\"{N}P1;", "b|a", "dog", Side::left, "", "1: b|a & dog;"},
 };
 
 TEST(Cooccurrence, Check) {
@@ -123,24 +123,24 @@ std::string traced(int level, const Asked& asked) {
 }
 
 TEST(Cooccurrence, Trace) {
-  const std::string rule_line = "\t:\"[x]:::mod\"{N:::}P1;\n";
-  const Asked by_chain{"", "mod>m1 2 mod>m2 1 dogm2a 7 dogmodb 5", kLeft, "a|b", "dog", Side::left, "", ""};
+  const std::string rule_line = "\t:\"[x]:::att\"{N:::}P1;\n";
+  const Asked by_chain{"", "att>m1 2 att>m2 1 dogm2a 7 dogattb 5", kLeft, "a|b", "dog", Side::left, "", ""};
   const std::string start = "\t;;checking CR for rule:\n" + rule_line;
   EXPECT_EQ(traced(1, by_chain), "");
-  EXPECT_EQ(traced(2, by_chain), start + "\t;;CR selected: mod(dog,a)=7;\n");
+  EXPECT_EQ(traced(2, by_chain), start + "\t;;CR selected: att(dog,a)=7;\n");
   EXPECT_EQ(traced(3, by_chain), start +
                                      "\t;;CR checked: m2(dog,a)=7\n"
-                                     "\t;;CR checked: mod(dog,b)=5\n"
-                                     "\t;;CR selected: mod(dog,a)=7;\n");
-  const Asked none{"", "mod>m1 2", kLeft, "a", "dog", Side::left, "", ""};
-  EXPECT_EQ(traced(3, none), start + "\t;;CR checked: mod(dog,a)=0\n\t;;CR selected: mod(dog,a)=0;\n");
+                                     "\t;;CR checked: att(dog,b)=5\n"
+                                     "\t;;CR selected: att(dog,a)=7;\n");
+  const Asked none{"", "att>m1 2", kLeft, "a", "dog", Side::left, "", ""};
+  EXPECT_EQ(traced(3, none), start + "\t;;CR checked: att(dog,a)=0\n\t;;CR selected: att(dog,a)=0;\n");
   const Asked retry{"", "dogm3a 5", kLeft, "a", "dog", Side::left, "x~m2|x~m3", ""};
   EXPECT_EQ(traced(3, retry), start + "\t;;CR checked: m2(dog,a)=5\n\t;;CR selected: m2(dog,a)=5;\n");
 }
 
 TEST(Cooccurrence, CircleOfMembersEndsTheSentence) {
   Capture output;
-  EXPECT_EQ(checked({"", "mod>m1 1 m1>m2 1 m2>m1 1", kLeft, "a", "dog", Side::left, "", ""}), "-1: a & dog;");
+  EXPECT_EQ(checked({"", "att>m1 1 m1>m2 1 m2>m1 1", kLeft, "a", "dog", Side::left, "", ""}), "-1: a & dog;");
   EXPECT_EQ(session.state.abort, Status::rule_base);
   EXPECT_NE(output.text().find("the \"sup\" chain of \"m1\" runs in a circle\n"), std::string::npos) << output.text();
   EXPECT_EQ(output.text().find('\n'), output.text().size() - 1);
@@ -148,13 +148,13 @@ TEST(Cooccurrence, CircleOfMembersEndsTheSentence) {
 }
 
 TEST(Cooccurrence, LongChainOfMembersIsFollowed) {
-  std::string chain = "mod>m0 1 dogm1500a 5 ";
+  std::string chain = "att>m0 1 dogm1500a 5 ";
   for (int i = 0; i < 1500; ++i) chain += "m" + std::to_string(i) + ">m" + std::to_string(i + 1) + " 1 ";
   EXPECT_EQ(checked({"", chain.c_str(), kLeft, "a", "dog", Side::left, "", ""}), "5: a & dog; m0");
 }
 
 TEST(Cooccurrence, StopLeavesAtOnce) {
-  EXPECT_EQ(checked({"", "dogmoda 5", kLeft, "a", "dog", Side::left, "", ""}, true), "-1: a & dog;");
+  EXPECT_EQ(checked({"", "dogatta 5", kLeft, "a", "dog", Side::left, "", ""}, true), "-1: a & dog;");
 }
 
 struct Class {

@@ -25,9 +25,8 @@ std::string number(const std::uint8_t (&bytes)[4]) {
 
 // hw|id|gloss|cw|attrs|language frequency priority|extra1|extra2; null is "-".
 std::string dump(const WordEntry& word) {
-  return field(word.hw, word.hw_len) + "|" + field(word.id, word.id_len) + "|" + field(word.gloss, word.gloss_len) +
-         "|" + field(word.cw, word.cw_len) + "|" + field(word.attrs, word.attr_len) + "|" +
-         std::string(word.language, 2) + " " + number(word.frequency) + " " + std::to_string(word.priority) + "|" +
+  return field(word.hw, word.hw_len) + "|" + field(word.id, word.id_len) + "|" + field(word.gloss, word.gloss_len) + "|" + field(word.cw, word.cw_len) + "|" +
+         field(word.attrs, word.attr_len) + "|" + std::string(word.language, 2) + " " + number(word.frequency) + " " + std::to_string(word.priority) + "|" +
          field(word.extra1, word.extra1_len) + "|" + field(word.extra2, word.extra2_len);
 }
 
@@ -53,8 +52,7 @@ struct LineRow {
 };
 
 const LineRow kLines[] = {
-    {"every_field", "[go]{v1} to move \"go(icl>do)\" (V,INT) <E,7,3>;X[one]{two}\n",
-     "go|v1|to move|go(icl>do)|V,INT|EX 7 3|one|two"},
+    {"every_field", "[go]{v1} to move \"go(>do)\" (V,INT) <E,7,3>;X[one]{two}\n", "go|v1|to move|go(>do)|V,INT|EX 7 3|one|two"},
     {"built_in_unknown_word", "[]{}  \"\" (TEMP);", "|-|-|-|TEMP|.. 0 0|-|-"},
     {"built_in_blank", "[ ]{} \"\" (BLK);", " |-|-|-|BLK|.. 0 0|-|-"},
     {"built_in_number", "[0]{} \"\" (NUM,ANUM);", "0|-|-|-|NUM,ANUM|.. 0 0|-|-"},
@@ -143,13 +141,10 @@ TEST_P(EntryLines, Parse) {
   EXPECT_EQ(parsed(GetParam().line), GetParam().word);
 }
 
-INSTANTIATE_TEST_SUITE_P(All, EntryLines, ::testing::ValuesIn(kLines),
-                         [](const auto& row) { return std::string(row.param.name); });
+INSTANTIATE_TEST_SUITE_P(All, EntryLines, ::testing::ValuesIn(kLines), [](const auto& row) { return std::string(row.param.name); });
 
 TEST(EntryLimits, LongestTexts) {
-  const auto filled = [](const char* before, std::size_t length, const char* behind) {
-    return before + std::string(length, 'x') + behind;
-  };
+  const auto filled = [](const char* before, std::size_t length, const char* behind) { return before + std::string(length, 'x') + behind; };
   EXPECT_EQ(parsed(filled("[", 1024, "]{} \"b\" (c);")), std::string(1024, 'x') + "|-|-|b|c|.. 0 0|-|-");
   EXPECT_EQ(parsed(filled("[", 1025, "]{} \"b\" (c);")), "91");
   EXPECT_EQ(parsed(filled("[a]{} \"b\" (", 1024, ");")), "a|-|-|b|" + std::string(1024, 'x') + "|.. 0 0|-|-");
@@ -207,8 +202,7 @@ std::string printed(const WordEntry* list, const char* prefix) {
 
 TEST(EntryPrint, WhatIsPrintedParsesToTheSame) {
   const std::pair<const char*, const char*> rows[] = {
-      {"[go]{v1}  to move\t \"go(icl>do)\" (V, INT)<IDx,7,253>;",
-       "[go]{v1} to move \"go(icl>do)\" (V,INT) <ID,7,253>;\n"},
+      {"[go]{v1}  to move\t \"go(>do)\" (V, INT)<IDx,7,253>;", "[go]{v1} to move \"go(>do)\" (V,INT) <ID,7,253>;\n"},
       {"[a]b]{} \"\" ();Z[e]{f}", "[a]b]{}  \"\" () <.,0,0>;\n"},
       {"[x]{}g (c) <Q,12>;", "[x]{} g \"\" (c) <Q,12,0>;\n"},
       {"[x]{} \"y\" (c) <E,2147483647,1>;", "[x]{}  \"y\" (c) <E,2147483647,1>;\n"},

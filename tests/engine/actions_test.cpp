@@ -4,8 +4,8 @@
 
 #include "engine/application.hpp"
 #include "engine/apply.hpp"
-#include "support/step.hpp"
 #include "support/session.hpp"
+#include "support/step.hpp"
 
 namespace lexon::test {
 namespace {
@@ -92,9 +92,9 @@ TEST(ActionsOnCopies, DeleteARoleInTheOriginToo) {
     const char* copy;
     const char* copy_after;
   };
-  const Row rows[] = {{"a/A,<agt,B", "a/A,B|a/A,<agt,B(1)"}, {"a/A,B", "a/A,B(0)"}, {"a", "a(0)"}};
+  const Row rows[] = {{"a/A,<agn,B", "a/A,B|a/A,<agn,B(1)"}, {"a/A,B", "a/A,B(0)"}, {"a", "a(0)"}};
   for (const Row& row : rows) {
-    Step step("L{:-<agt}{}P1;", "[" + std::string(row.copy) + "] [b] x,,y/P,<agt,Q(0)");
+    Step step("L{:-<agn}{}P1;", "[" + std::string(row.copy) + "] [b] x,,y/P,<agn,Q(0)");
     step.matched();
     step.window.lnode->origin = &step.list.at(2);
     EXPECT_EQ(rule_actions_apply(session, step.window, *step.candidate), Status::ok);
@@ -104,12 +104,12 @@ TEST(ActionsOnCopies, DeleteARoleInTheOriginToo) {
 }
 
 TEST(ActionsOnCopies, LeaveAnOriginThatIsFreshOrAttributesThatAreNoRoles) {
-  Step step("L{:-<agt}{:-N}P1;", "[a/<agt] [b/N] x/<agt,N y/N(0)");
+  Step step("L{:-<agn}{:-N}P1;", "[a/<agn] [b/N] x/<agn,N y/N(0)");
   step.matched();
   step.window.lnode->origin = &step.list.at(2);
   step.window.rnode->origin = &step.list.at(3);
   EXPECT_EQ(rule_actions_apply(session, step.window, *step.candidate), Status::ok);
-  EXPECT_EQ(step.text(), "[a|a/<agt(1)] [b|b/N(1)] x/<agt,N y/N(0)");
+  EXPECT_EQ(step.text(), "[a|a/<agn(1)] [b|b/N(1)] x/<agn,N y/N(0)");
 }
 
 TEST(ActionsOnScopes, ASurfaceFormMakesThemWords) {

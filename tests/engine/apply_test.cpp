@@ -6,8 +6,8 @@
 
 #include "data/words.hpp"
 #include "engine/application.hpp"
-#include "support/step.hpp"
 #include "support/session.hpp"
+#include "support/step.hpp"
 
 namespace lexon::test {
 namespace {
@@ -115,7 +115,7 @@ TEST(MergeNode, KnowsBothNodesAndTakesTheRoleOfTheEntry) {
   Node& b = step.list.at(2);
   session.sentence.semlst[0].entry = &b;
   b.name = temp_text(session, "b");
-  arc_between(b, a, "agt");
+  arc_between(b, a, "agn");
   step.matched();
   EXPECT_EQ(apply_rule(session, step.window, step.candidate, nullptr), Status::ok);
   const Node& merged = *step.window.rnode;

@@ -5,14 +5,14 @@
 #include "data/pool.hpp"
 #include "data/words.hpp"
 #include "support/search.hpp"
-#include "support/test_dictionary.hpp"
 #include "support/session.hpp"
+#include "support/test_dictionary.hpp"
 
 namespace lexon::test {
 namespace {
 
 constexpr const char* kInsertsRight = ":{}\"[b]\"P2;\nL{}{}P1;";
-constexpr const char* kInsertsAlong = ":{}\"::agt:\"P2;\nL{}{}P1;";
+constexpr const char* kInsertsAlong = ":{}\"::agn:\"P2;\nL{}{}P1;";
 constexpr const char* kNextLastRight = "next entry for rnode #3|no entry for rnode|next rule #12";
 constexpr const char* kInsertsLeft = ":\"[a]\"{}P2;\nL{}{}P1;";
 constexpr const char* kNextLastLeft = "next entry for lnode #2|#2no entry for lnode";
@@ -100,15 +100,15 @@ TEST(Alternative, IsTheNearestThatExists) {
        "y"},
       {"LeftScopesLastWord", kInsertsRight, "<< [SCOPE:01] [b] >>", "<< [SCOPE:01] [>>]", "0 P1", kNextLastRight, "x(2)", "x"},
       {"LeftScopeWithoutAHold", kInsertsRight, "<< [SCOPE:01] [b] >>", "<< [SCOPE:01] [>>]", "0 P1", kNextLastRight, "x|y", "x|y"},
-      {"ReferenceWithoutAHold", kInsertsAlong, "<< [a] [SCOPE:01] >>", "<< [a] [>>]", "0 P1", "next rule #11", "x|y", "x|y", -1, 0, "agt"},
-      {"HoldOfAnotherRule", kInsertsAlong, "<< [a] [SCOPE:01] >>", "<< [a] [>>]", "0 P1", "next rule #11", "x|y(2)", "x|y(2)", -1, 1, "agt"},
-      {"NextWordOfTheEntry", kInsertsAlong, "<< [a] [SCOPE:01] >>", "<< [a] [>>]", "0 P2", "next entry for rnode #3", "x|y(2)", "y", -1, 0, "agt"},
-      {"LastWordOfTheEntry", kInsertsAlong, "<< [a] [SCOPE:01] >>", "<< [a] [>>]", "0 P1", kNextLastRight, "x(2)", "x", -1, 0, "agt"},
-      {"FinishedScopeIsGoneBackInto", kInsertsAlong, "<< [a] [SCOPE:01] >>", "<< [a] [SCOPE:01] >>", "-2 P2", "", "<< x(0) >>", "<< x(0) >>", -1, 0, "agt"},
+      {"ReferenceWithoutAHold", kInsertsAlong, "<< [a] [SCOPE:01] >>", "<< [a] [>>]", "0 P1", "next rule #11", "x|y", "x|y", -1, 0, "agn"},
+      {"HoldOfAnotherRule", kInsertsAlong, "<< [a] [SCOPE:01] >>", "<< [a] [>>]", "0 P1", "next rule #11", "x|y(2)", "x|y(2)", -1, 1, "agn"},
+      {"NextWordOfTheEntry", kInsertsAlong, "<< [a] [SCOPE:01] >>", "<< [a] [>>]", "0 P2", "next entry for rnode #3", "x|y(2)", "y", -1, 0, "agn"},
+      {"LastWordOfTheEntry", kInsertsAlong, "<< [a] [SCOPE:01] >>", "<< [a] [>>]", "0 P1", kNextLastRight, "x(2)", "x", -1, 0, "agn"},
+      {"FinishedScopeIsGoneBackInto", kInsertsAlong, "<< [a] [SCOPE:01] >>", "<< [a] [SCOPE:01] >>", "-2 P2", "", "<< x(0) >>", "<< x(0) >>", -1, 0, "agn"},
       // Inserted left.
       {"NextWordInPlace", kInsertsLeft, "<< [a|b] [c] >>", "<< [!b] [c] >>", "0 P2", "next entry for lnode #2"},
-      {"UsedRightReferenceLosesItsHold", ":\"\"{::agt:}P2;\nL{}{}P1;", "<< [SCOPE:01] [SCOPE:02(0)] >>", "[<<] [SCOPE:02(0)] >>", "0 P1", "next rule #21",
-       "x;z(2)", "x;z", -1, 0, "agt"},
+      {"UsedRightReferenceLosesItsHold", ":\"\"{::agn:}P2;\nL{}{}P1;", "<< [SCOPE:01] [SCOPE:02(0)] >>", "[<<] [SCOPE:02(0)] >>", "0 P1", "next rule #21",
+       "x;z(2)", "x;z", -1, 0, "agn"},
       {"RightNodeHasRecords", kInsertsLeft, "<< [a] [c(0)] >>", "[<<] [c(0)] >>", "0 P1", "next entry for lnode #2|#2no entry for lnode|next rule #22"},
       {"RightNodeIsABoundary", kInsertsLeft, "<< [a] [>>]", "[<<] [>>]", "0 P1", "next entry for lnode #2|#2no entry for lnode|next rule #22"},
       {"RightNodesWordIsDue", kInsertsLeft, "<< [a] [c|d] >>", "[<<] [c|d] >>", "-1 P2", kNextLastLeft},
@@ -122,10 +122,10 @@ TEST(Alternative, IsTheNearestThatExists) {
        "x(2)", "x"},
       {"RightScopeHeldByAnotherRule", kInsertsLeft, "<< [a] [SCOPE:01] >>", "[<<] [SCOPE:01] >>", "-1 P1",
        "next entry for lnode #2|#2no entry for lnode|next rule #24", "x|y(2)", "x|y(2)", -1, 1},
-      {"ReferenceWithoutAHold", ":\"\"{::agt:}P2;\nL{}{}P1;", "<< [SCOPE:01] [a] >>", "[<<] [a] >>", "0 P1", "next rule #21", "x|y", "x|y", -1, 0, "agt"},
+      {"ReferenceWithoutAHold", ":\"\"{::agn:}P2;\nL{}{}P1;", "<< [SCOPE:01] [a] >>", "[<<] [a] >>", "0 P1", "next rule #21", "x|y", "x|y", -1, 0, "agn"},
       // Unlike on the right side, the hold of any rule will do.
-      {"NextWordOfTheEntry", ":\"\"{::agt:}P2;\nL{}{}P1;", "<< [SCOPE:01] [a] >>", "[<<] [a] >>", "0 P2", "next entry for lnode #2", "x|y(2)", "y", -1, 1,
-       "agt"},
+      {"NextWordOfTheEntry", ":\"\"{::agn:}P2;\nL{}{}P1;", "<< [SCOPE:01] [a] >>", "[<<] [a] >>", "0 P2", "next entry for lnode #2", "x|y(2)", "y", -1, 1,
+       "agn"},
   };
   for (const SearchCase& row : rows) {
     SCOPED_TRACE(row.what);

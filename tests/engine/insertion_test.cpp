@@ -5,9 +5,9 @@
 #include "data/words.hpp"
 #include "engine/literal.hpp"
 #include "engine/match.hpp"
+#include "support/session.hpp"
 #include "support/step.hpp"
 #include "support/test_dictionary.hpp"
-#include "support/session.hpp"
 
 namespace lexon::test {
 namespace {
@@ -116,21 +116,21 @@ struct Arc {
 };
 
 const Arc kArcs[] = {
-    {"a label on the inserted pattern leads away from the node", ":{V}\"N::agt\"P1;", "<< [v/V(0)] [>>]", "n/N{<agt}", "agt",
-     "1 << [v/V(00)] [n/<agt,N{<agt}(0)] >>", "used node"},
-    {"and does not lead to it", ":{V}\"N::agt\"P1;", "<< [v/V(0)] [>>]", "n/N", "agt>", "0 << [v/V(0)] [>>]", "free node"},
-    {"a label on the other pattern leads to the node", ":{V::agt}\"N\"P1;", "<< [v/V(0)] [>>]", "n/N", "agt>", "1 << [v/V(00)] [n/N(0)] >>", "used node"},
-    {"to the left", ":\"N::agt\"{V}P1;", "[<<] [v/V(0)] >>", "n/N", "agt", "1 << [n/N(0)] [v/V(00)] >>", "used node"},
-    {"to the left from the other pattern", ":\"N\"{V::agt}P1;", "[<<] [v/V(0)] >>", "n/N", "agt>", "1 << [n/N(0)] [v/V(00)] >>", "used node"},
-    {"another label", ":{V}\"N::obj\"P1;", "<< [v/V(0)] [>>]", "n/N", "agt", "0 << [v/V(0)] [>>]", "free node"},
-    {"no word of the node fits", ":{V}\"Q::agt\"P1;", "<< [v/V(0)] [>>]", "n/N", "agt", "0 << [v/V(0)] [>>]", "free node"},
-    {"words that fit come first", ":{V}\"Q::agt\"P1;", "<< [v/V(0)] [>>]", "n/N|q/Q", "agt", "1 << [v/V(00)] [q/Q|n/N(0)] >>", "used node"},
-    {"a used node comes in as a copy", ":{V}\"N::agt\"P1;", "<< [v/V(0)] [>>]", "n/N,SG{<agt}(0)", "agt",
-     "1 << [v/V(00)] [n/<agt,#N,#SG,N,SG{<agt,#N,#SG}(0)] >>", "used copy"},
-    {"a copy that does not fit leaves no trace", ":{V}\"Q::agt\"P1;", "<< [v/V(0)] [>>]", "n/N,SG{<agt}(0)", "agt", "0 << [v/V(0)] [>>]", "free node"},
-    {"a text that names a mark is given back whole", ":{V}\"Q::agt\"P1;", "<< [v/V(0)] [>>]", "n/N{#x}(0)", "agt", "0 << [v/V(0)] [>>]", "free node"},
-    {"a reference without an entry", ":{V}\"::agt\"P1;", "<< [v/V(0)] [>>]", "SCOPE:07/SCOPE", "agt", "0 << [v/V(0)] [>>]", "free node"},
-    {"behind MID", ":{V}(A)\"N::agt\"P1;", "<< [v/V(0)] [a/A(0)] >>", "n/N", "agt", "1 << [v/V(00)] a/A(0) [n/N(0)] >>", "used node"},
+    {"a label on the inserted pattern leads away from the node", ":{V}\"N::agn\"P1;", "<< [v/V(0)] [>>]", "n/N{<agn}", "agn",
+     "1 << [v/V(00)] [n/<agn,N{<agn}(0)] >>", "used node"},
+    {"and does not lead to it", ":{V}\"N::agn\"P1;", "<< [v/V(0)] [>>]", "n/N", "agn>", "0 << [v/V(0)] [>>]", "free node"},
+    {"a label on the other pattern leads to the node", ":{V::agn}\"N\"P1;", "<< [v/V(0)] [>>]", "n/N", "agn>", "1 << [v/V(00)] [n/N(0)] >>", "used node"},
+    {"to the left", ":\"N::agn\"{V}P1;", "[<<] [v/V(0)] >>", "n/N", "agn", "1 << [n/N(0)] [v/V(00)] >>", "used node"},
+    {"to the left from the other pattern", ":\"N\"{V::agn}P1;", "[<<] [v/V(0)] >>", "n/N", "agn>", "1 << [n/N(0)] [v/V(00)] >>", "used node"},
+    {"another label", ":{V}\"N::pat\"P1;", "<< [v/V(0)] [>>]", "n/N", "agn", "0 << [v/V(0)] [>>]", "free node"},
+    {"no word of the node fits", ":{V}\"Q::agn\"P1;", "<< [v/V(0)] [>>]", "n/N", "agn", "0 << [v/V(0)] [>>]", "free node"},
+    {"words that fit come first", ":{V}\"Q::agn\"P1;", "<< [v/V(0)] [>>]", "n/N|q/Q", "agn", "1 << [v/V(00)] [q/Q|n/N(0)] >>", "used node"},
+    {"a used node comes in as a copy", ":{V}\"N::agn\"P1;", "<< [v/V(0)] [>>]", "n/N,SG{<agn}(0)", "agn",
+     "1 << [v/V(00)] [n/<agn,#N,#SG,N,SG{<agn,#N,#SG}(0)] >>", "used copy"},
+    {"a copy that does not fit leaves no trace", ":{V}\"Q::agn\"P1;", "<< [v/V(0)] [>>]", "n/N,SG{<agn}(0)", "agn", "0 << [v/V(0)] [>>]", "free node"},
+    {"a text that names a mark is given back whole", ":{V}\"Q::agn\"P1;", "<< [v/V(0)] [>>]", "n/N{#x}(0)", "agn", "0 << [v/V(0)] [>>]", "free node"},
+    {"a reference without an entry", ":{V}\"::agn\"P1;", "<< [v/V(0)] [>>]", "SCOPE:07/SCOPE", "agn", "0 << [v/V(0)] [>>]", "free node"},
+    {"behind MID", ":{V}(A)\"N::agn\"P1;", "<< [v/V(0)] [a/A(0)] >>", "n/N", "agn", "1 << [v/V(00)] a/A(0) [n/N(0)] >>", "used node"},
 };
 
 std::string arc_text(const Relation& arc, const Node* verb, const Node* node) {
@@ -165,20 +165,20 @@ TEST(Insertion, OverAnArc) {
 }
 
 TEST(Insertion, TheFirstArcThatIsFreeOfTheScopeAndFits) {
-  Step step(":{V}\"N::agt\"P1;", "<< [v/V(0)] [>>]");
+  Step step(":{V}\"N::agn\"P1;", "<< [v/V(0)] [>>]");
   Node& verb = *step.list.lnode;
-  tie(verb, *node_of_text("a/N"), "agt")->used = 1;
-  tie(verb, *node_of_text("b/N"), "agt", 1);
-  tie(verb, *node_of_text("c/Q"), "agt");
-  tie(verb, *node_of_text("d/N"), "agt");
-  tie(verb, *node_of_text("e/N"), "agt");
+  tie(verb, *node_of_text("a/N"), "agn")->used = 1;
+  tie(verb, *node_of_text("b/N"), "agn", 1);
+  tie(verb, *node_of_text("c/Q"), "agn");
+  tie(verb, *node_of_text("d/N"), "agn");
+  tie(verb, *node_of_text("e/N"), "agn");
   EXPECT_EQ(matched(step), "1 << [v/V(00)] [d/N(0)] >>");
 }
 
 TEST(Insertion, ArcsOfACopyAreThoseOfItsOrigin) {
-  Step step(":{V}\"N::agt\"P1;", "<< [v/V(0)] [>>]");
+  Step step(":{V}\"N::agn\"P1;", "<< [v/V(0)] [>>]");
   Node* origin = node_of_text("v/V(0)");
-  const Relation* arc = tie(*origin, *node_of_text("n/N"), "agt");
+  const Relation* arc = tie(*origin, *node_of_text("n/N"), "agn");
   step.list.lnode->origin = origin;
   EXPECT_EQ(matched(step), "1 << [v/V(00)] [n/N(0)] >>");
   EXPECT_EQ(arc->used, 1);
@@ -186,8 +186,8 @@ TEST(Insertion, ArcsOfACopyAreThoseOfItsOrigin) {
 
 // The window is handed back with the left node alone, which is the inserted one of the two as the rule sees it.
 TEST(Insertion, EmptyRightPlaceBesideAWaitingNode) {
-  Step step(":\"N::agt\"\"Q\"P1;", "<< [!n/N] >>");
-  const Relation* arc = arc_between(*node_of_text("q/Q"), *step.list.lnode, "agt");
+  Step step(":\"N::agn\"\"Q\"P1;", "<< [!n/N] >>");
+  const Relation* arc = arc_between(*node_of_text("q/Q"), *step.list.lnode, "agn");
   EXPECT_EQ(matched(step), "1 << [n/N(0)] q/Q(0) >>");
   EXPECT_EQ(arc->used, 0);
 }
@@ -195,8 +195,8 @@ TEST(Insertion, EmptyRightPlaceBesideAWaitingNode) {
 // Such a node would be its own neighbour.
 // An arc from a node to itself: the list shows it, and no rule is matched on such a list any more.
 TEST(Insertion, NodePutBesideItselfEndsTheSentenceAtTheNextMatch) {
-  Step step(":\"::agt\"{V}P1;", "[<<] [v/V] >>");
-  arc_between(*step.list.rnode, *step.list.rnode, "agt");
+  Step step(":\"::agn\"{V}P1;", "[<<] [v/V] >>");
+  arc_between(*step.list.rnode, *step.list.rnode, "agn");
   ASSERT_EQ(match_rule(session, *step.candidate, step.window), Fit::yes);
   EXPECT_EQ(step.window.lnode, step.window.rnode);
   EXPECT_EQ(step.window.lnode->left, step.window.lnode);

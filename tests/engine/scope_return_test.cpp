@@ -4,14 +4,14 @@
 #include <cstdint>
 
 #include "data/chain.hpp"
-#include "support/search.hpp"
 #include "support/grammar.hpp"
+#include "support/search.hpp"
 
 namespace lexon::test {
 namespace {
 
-constexpr const char* kBringsRight = ":{A:::}\"SCOPE::obj:\"P2;\nR{Z:::}{}P1;";
-constexpr const char* kBringsLeft = ":\"SCOPE::obj:\"{A:::}P2;\nR{Z:::}{}P1;";
+constexpr const char* kBringsRight = ":{A:::}\"SCOPE::pat:\"P2;\nR{Z:::}{}P1;";
+constexpr const char* kBringsLeft = ":\"SCOPE::pat:\"{A:::}P2;\nR{Z:::}{}P1;";
 
 // An outer window with a reference to scope 1, which the first rule has brought in, and the finished list of the
 // scope, which the second rule has walked through. Those behind it are left to try. No other rules exist.
@@ -21,7 +21,7 @@ struct Finished {
   std::int32_t home_scope = 0;
 
   Finished(const char* rules, const char* list, const char* inner_list)
-      : outer({"", rules, list, "", "", "", "", "", -1, 0, "obj"}, Before::failed), inner(inner_list) {
+      : outer({"", rules, list, "", "", "", "", "", -1, 0, "pat"}, Before::failed), inner(inner_list) {
     grammar.index.matrix = {};
     add_scope(1, &inner.at(1));
     RuleCandidate* walked = nullptr;
@@ -86,7 +86,7 @@ TEST(FailedScope, ForcedBacktrackingGetsTheWindowBack) {
 }
 
 TEST(FailedScope, RuleWithMidHasLostItsPlace) {
-  Finished scope(":{A:::}(M)*\"SCOPE::obj:\"P2;\nR{Z:::}{}P1;", "<< [a/A] [SCOPE:01] >>", "<< x >>");
+  Finished scope(":{A:::}(M)*\"SCOPE::pat:\"P2;\nR{Z:::}{}P1;", "<< [a/A] [SCOPE:01] >>", "<< x >>");
   Capture output;
   EXPECT_EQ(scope.go_back(), Status::rule_base);
   EXPECT_EQ(output.text(), ";;the rule base has failed: lost the place of a rule with MID\n");
@@ -95,14 +95,14 @@ TEST(FailedScope, RuleWithMidHasLostItsPlace) {
 // ---- Another solution.
 
 TEST(ReturnIntoScope, AppliesTheOuterRuleToTheNextSolution) {
-  Finished scope(":{A:::}\"SCOPE::obj:\"P3;\nR{Z:::}{}P2;\nR{N:::}{}P1;", "<< [a/A] [SCOPE:01{>agt}] >>", "<< x/N,@entry >>");
+  Finished scope(":{A:::}\"SCOPE::pat:\"P3;\nR{Z:::}{}P2;\nR{N:::}{}P1;", "<< [a/A] [SCOPE:01{>agn}] >>", "<< x/N,@entry >>");
   Capture output;
   session.state.trace_level = 3;
   // No rule goes on in the outer list, the scope is gone back into once more, and has nothing left.
   EXPECT_EQ(scope.go_back(), Status::nothing_left);
   const std::string trace = output.text();
   EXPECT_NE(trace.find(";;backtrack <<== SCOPE:01\n"), std::string::npos) << trace;
-  EXPECT_NE(trace.find("[SCOPE:01]{}  \"\" (>agt,SCOPE,N,) <.,0,0>;\n"), std::string::npos) << trace;
+  EXPECT_NE(trace.find("[SCOPE:01]{}  \"\" (>agn,SCOPE,N,) <.,0,0>;\n"), std::string::npos) << trace;
 }
 
 // ---- Nothing to go back into.
@@ -119,9 +119,9 @@ TEST(ReturnIntoScope, SearchThatRanOutCountsAsFinished) {
 }
 
 TEST(ReturnIntoScope, UnknownScopeChangesTheReferenceAlone) {
-  Finished scope(kBringsRight, "<< [a/A] [SCOPE:07/X,Y{>agt}] >>", "<< x >>");
+  Finished scope(kBringsRight, "<< [a/A] [SCOPE:07/X,Y{>agn}] >>", "<< x >>");
   EXPECT_EQ(scope.go_back(), Status::ok);
-  EXPECT_EQ(scope.outer.text(), "<< [a/A] [SCOPE:07/>agt,SCOPE{>agt}] >>");
+  EXPECT_EQ(scope.outer.text(), "<< [a/A] [SCOPE:07/>agn,SCOPE{>agn}] >>");
   EXPECT_EQ(scope.outer.at(2).candidates->attr_len, 3);
   EXPECT_EQ(session.state.trace_depth, 0);
 }

@@ -25,23 +25,23 @@ struct ArcCase {
 
 TEST(InsertedUndo, FindsTheArcByLabelAndEnds) {
   const ArcCase rows[] = {
-      {"RightByItsOwnLabel", ":{}\"::agt:\"P1;", "<< [a] [b] >>", true, "<< [a] [>>]", true},
-      {"RightByTheOtherLabel", ":{::agt:}\"\"P1;", "<< [a] [b] >>", false, "<< [a] [>>]", true},
-      {"LeftByItsOwnLabel", ":\"::agt:\"{}P1;", "<< [b] [a] >>", false, "[<<] [a] >>", true},
-      {"LeftByTheOtherLabel", ":\"\"{::agt:}P1;", "<< [b] [a] >>", true, "[<<] [a] >>", true},
-      {"WrongDirection", ":{}\"::agt:\"P1;", "<< [a] [b] >>", false, "<< [a] [>>]", false},
-      {"BothBraces", "L{::agt:}{}P1;", "<< [a] [b] >>", true, "<< [a] [b] >>", false},
-      {"BehindMid", ":{}(M)*\"::agt:\"P1;", "<< [a] m [b] >>", true, "<< a [m] [>>]", true},
-      {"InFrontOfMid", ":\"::agt:\"(M)*{}P1;", "<< [b] m [a] >>", false, "[<<] [m] a >>", true},
+      {"RightByItsOwnLabel", ":{}\"::agn:\"P1;", "<< [a] [b] >>", true, "<< [a] [>>]", true},
+      {"RightByTheOtherLabel", ":{::agn:}\"\"P1;", "<< [a] [b] >>", false, "<< [a] [>>]", true},
+      {"LeftByItsOwnLabel", ":\"::agn:\"{}P1;", "<< [b] [a] >>", false, "[<<] [a] >>", true},
+      {"LeftByTheOtherLabel", ":\"\"{::agn:}P1;", "<< [b] [a] >>", true, "[<<] [a] >>", true},
+      {"WrongDirection", ":{}\"::agn:\"P1;", "<< [a] [b] >>", false, "<< [a] [>>]", false},
+      {"BothBraces", "L{::agn:}{}P1;", "<< [a] [b] >>", true, "<< [a] [b] >>", false},
+      {"BehindMid", ":{}(M)*\"::agn:\"P1;", "<< [a] m [b] >>", true, "<< a [m] [>>]", true},
+      {"InFrontOfMid", ":\"::agn:\"(M)*{}P1;", "<< [b] m [a] >>", false, "[<<] [m] a >>", true},
   };
   for (const ArcCase& expected : rows) {
     SCOPED_TRACE(expected.what);
     Step step(expected.rule, expected.list);
     Node& from = expected.points_right ? *step.window.lnode : *step.window.rnode;
     Node& to = expected.points_right ? *step.window.rnode : *step.window.lnode;
-    Relation* other_arc = arc_between(from, to, "obj");
+    Relation* other_arc = arc_between(from, to, "pat");
     other_arc->used = 1;
-    Relation* arc = arc_between(from, to, "agt");
+    Relation* arc = arc_between(from, to, "agn");
     arc->used = 1;
     ASSERT_EQ(inserted_undo(session, *step.rule, step.window), Status::ok);
     EXPECT_EQ(step.text(), expected.after);
@@ -51,8 +51,8 @@ TEST(InsertedUndo, FindsTheArcByLabelAndEnds) {
 }
 
 TEST(InsertedUndo, ResetsANodeOfTheGraph) {
-  Step step(":{}\"::agt:\"P1;", "<< [a] [!b|c] >>");
-  arc_between(*step.window.lnode, *step.window.rnode, "agt");
+  Step step(":{}\"::agn:\"P1;", "<< [a] [!b|c] >>");
+  arc_between(*step.window.lnode, *step.window.rnode, "agn");
   Node& inserted = *step.window.rnode;
   entry_list_free(session, inserted.candidates);
   ASSERT_EQ(inserted_undo(session, *step.rule, step.window), Status::ok);
@@ -60,9 +60,9 @@ TEST(InsertedUndo, ResetsANodeOfTheGraph) {
 }
 
 TEST(InsertedUndo, GivesTheArcOfACopyBackToItsOrigin) {
-  Step step(":{}\"::agt:\"P1;", "<< [a] b(0) >>");
+  Step step(":{}\"::agn:\"P1;", "<< [a] b(0) >>");
   Node& source = step.list.at(2);
-  Relation* arc = arc_between(*step.window.lnode, source, "agt");
+  Relation* arc = arc_between(*step.window.lnode, source, "agn");
   ASSERT_EQ(node_copy(session, step.window.rnode, source, arc, 0), Status::ok);
   node_insert_after(*step.window.lnode, *step.window.rnode);
   arc->used = 1;
@@ -75,8 +75,8 @@ TEST(InsertedUndo, GivesTheArcOfACopyBackToItsOrigin) {
 }
 
 TEST(InsertedUndo, ReloadsTheEntryOfAScopeThatLostItsWords) {
-  Step step(":{}\"::agt:\"P1;", "<< [a] [SCOPE:01] >>");
-  arc_between(*step.window.lnode, *step.window.rnode, "agt");
+  Step step(":{}\"::agn:\"P1;", "<< [a] [SCOPE:01] >>");
+  arc_between(*step.window.lnode, *step.window.rnode, "agn");
   List scope("x|y");
   add_scope(1, scope.nodes.at(0));
   entry_list_free(session, scope.at(0).candidates);
@@ -88,7 +88,7 @@ TEST(InsertedUndo, ReloadsTheEntryOfAScopeThatLostItsWords) {
 TEST(InsertedUndo, NodesThatOthersKnowLeaveTheListWithoutWords) {
   const std::pair<const char*, const char*> rows[] = {{"<< [a] [b] >>", "<< [a] [>>]"}, {"<< [a] [>>]", "<< [a]"}};
   for (const auto& [before, after] : rows) {
-    Step step(":{}\"::agt:\"P1;", before);
+    Step step(":{}\"::agn:\"P1;", before);
     Node& inserted = *step.window.rnode;
     if (!is_boundary(inserted)) inserted.name = temp_text(session, "b");
     ASSERT_EQ(inserted_undo(session, *step.rule, step.window), Status::ok) << before;
@@ -136,8 +136,8 @@ TEST(SteplessUndo, PutsThePairBack) {
   const SteplessCase rows[] = {
       {"Plus", "+{}{}P1;", "x", "<< a [x] [y] b >>"},
       {"Minus", "-{}{}P1;", "y", "<< a [x] [y] b >>"},
-      {"Less", "<{::agt:}{}P1;", "x", "<< a [x] [y] b >>"},
-      {"Greater", ">{::agt:}{}P1;", "y", "<< a [x] [y] b >>"},
+      {"Less", "<{::agn:}{}P1;", "x", "<< a [x] [y] b >>"},
+      {"Greater", ">{::agn:}{}P1;", "y", "<< a [x] [y] b >>"},
   };
   for (const SteplessCase& stepless : rows) {
     SCOPED_TRACE(stepless.what);
@@ -163,7 +163,7 @@ struct LostCase {
 TEST(Lost, EndsTheSentenceWithAMessage) {
   const LostCase rows[] = {
       {"PlusWithoutOrigin", "+{}{}P1;", "<< [a] [b] >>", Before::matched, "undid a rule of a type that has no step"},
-      {"GreaterWithoutOrigin", ">{::agt:}{}P1;", "<< [a] [b] >>", Before::matched, "undid a rule of a type that has no step"},
+      {"GreaterWithoutOrigin", ">{::agn:}{}P1;", "<< [a] [b] >>", Before::matched, "undid a rule of a type that has no step"},
       {"ExchangeBesideAFreshNode", "X{}{}P1;", "<< [a] [b] c >>", Before::matched, "undid an exchange whose nodes are not there"},
       {"ExchangeAtTheEnd", "X{}{}P1;", "<< [a] [>>]", Before::applied, "undid an exchange whose nodes are not there"},
       {"CopyThatIsNotThere", "CR{}{}P1;", "<< [a] [>>]", Before::matched, "undid a copy that is not there"},

@@ -52,14 +52,14 @@ std::vector<std::string> bad_sentences() {
   const std::string two_long = "\"" + std::string(240, 'v') + "\"\n\"" + std::string(240, 'v') + "\"\n";
   return {
       "[S]\n[/S]\n",
-      "[S]\nagt(\n)))\n,,,\n[/S]\n",
+      "[S]\nagn(\n)))\n,,,\n[/S]\n",
       "[S]\n" + std::string(5000, 'x') + "\n[/S]\n",
       "[S]\nnxt(nothing.@entry, known)\n[/S]\n",
       "[S]\n" + numbered(200, "nxt(a,b", ")\n") + "[/S]\n",
       "[S]\n[W]\n" + numbered(600, "word", "\n") + "[/W]\n[/S]\n",
       "[S]\n" + numbered(99, "nxt:", "(a.@entry,b)\n") + "[/S]\n",
       "[S]\n[W]\n\"" + std::string(900, 'w') + "\".@entry\n" + two_long + "[/W]\n[/S]\n",
-      "[S]\nagt(:01.@entry, :02)\nagt:01(:02.@entry, :01)\nagt:02(:01.@entry, :02)\n[/S]\n",
+      "[S]\nagn(:01.@entry, :02)\nagn:01(:02.@entry, :01)\nagn:02(:01.@entry, :02)\n[/S]\n",
       "[S]\nag" + std::string(1, '\0') + "t(a,b)\n\xFF\xFE(\x80,\x81)\n[/S]\n",
   };
 }

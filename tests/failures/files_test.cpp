@@ -13,9 +13,9 @@
 #include "run/driver.hpp"
 #include "run/step.hpp"
 #include "support/capture.hpp"
+#include "support/grammar.hpp"
 #include "support/program.hpp"
 #include "whole_run.hpp"
-#include "support/grammar.hpp"
 
 namespace lexon::test {
 namespace {
@@ -35,7 +35,7 @@ class Files : public ::testing::Test {
     folder_ = fresh_folder("files-" + std::string(::testing::UnitTest::GetInstance()->current_test_info()->name()));
     write_file(path("entries.txt"), "[dog]{} \"dog\" (N);\n[cat]{} \"cat\" (N);\n");
     write_file(path("cr.txt"), "[dog]{} \"cat\" (N);\n");
-    write_file(path("rules.txt"), "R{SHEAD:::}{:::}P1;\nR{N,^X:::}{STAIL:::}P1;\nR([a],b){^A:[x],+C:agt:<obj}{C:::}P7;\n");
+    write_file(path("rules.txt"), "R{SHEAD:::}{:::}P1;\nR{N,^X:::}{STAIL:::}P1;\nR([a],b){^A:[x],+C:agn:<pat}{C:::}P7;\n");
     std::string input;
     for (const char* word : {"dog", "cat", "dog"}) {
       input += "[S:" + std::string(word) + "]\n[W]\n" + word + ".@entry\n[/W]\n[/S]\n";
@@ -258,7 +258,6 @@ TEST_F(Compiled, ThoseOfOtherRulesAreNamedWhereCountsDisagree) {
   run_with("rules.mtx", bytes_of(path("other.mtx")), "rules.mtx");
   run_with("rules.rul", bytes_of(path("other.rul")), "rules.mtx");
 }
-
 
 }  // namespace
 }  // namespace lexon::test

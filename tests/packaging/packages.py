@@ -80,7 +80,7 @@ class Packages(unittest.TestCase):
 
     def check_embedding(self, usr):
         """The example programs find what is installed, by CMake and by pkg-config, and render what they shall."""
-        work, graphs = self.scratch / "work", "[S:1]\nagt(sleep(>rest).@entry.@past, dog(>animal).@def)\n[/S]\n"
+        work, graphs = self.scratch / "work", "[S:1]\nagn(sleep(>rest).@entry.@past, dog(>animal).@def)\n[/S]\n"
         shown = "[S:1]\tdone\tThe dog slept.\n"
         built = self.scratch / "embedding"
         run("cmake", "-S", EMBEDDING, "-B", built, f"-DCMAKE_PREFIX_PATH={usr}")

@@ -5,8 +5,8 @@ import pathlib
 
 import _table as table
 
-RAN = '[ran]{} "run(agt>thing)" (V,PAST) <E,1,5>;\n'
-RUNS = '[runs]{} "run(agt>thing)" (V,PRES) <E,1,9>;\n'
+RAN = '[ran]{} "run(>move)" (V,PAST) <E,1,5>;\n'
+RUNS = '[runs]{} "run(>move)" (V,PRES) <E,1,9>;\n'
 BAD = 'bad.txt:1: an entry begins with "["\n'
 NOTHING = "nothing is found\n"
 
@@ -20,7 +20,7 @@ CALLS = [
     (["list", "words.dic"], 0, RAN + RUNS, ""),
     (["list", "none.dic"], 1, "", "none.dic: cannot be opened: No such file or directory\n"),
     (["find", "words.dic", "--hw", "ran"], 0, RAN, ""),
-    (["find", "words.dic", "--cw", "run(agt>thing)"], 0, RUNS + RAN, ""),
+    (["find", "words.dic", "--cw", "run(>move)"], 0, RUNS + RAN, ""),
     (["find", "words.dic", "--hw", "run"], 1, "", NOTHING),
     (["find", "words.dic", "--hw", ""], 1, "", NOTHING),
     (["find", "words.dic", "--hw=-"], 1, "", NOTHING),

@@ -10,7 +10,7 @@ Each row makes a folder with a dictionary, three rules and three sentences, does
 import fcntl, os, shutil, signal, subprocess, sys, tempfile, termios, time
 
 LEXON, LEXON_DICT = (os.path.join(os.path.abspath(sys.argv[1]), name) for name in ("lexon", "lexon-dict"))
-RULES = "R{SHEAD:::}{:::}P1;\nR{N,^X:::}{STAIL:::}P1;\nR([a],b){^A:[x],+C:agt:<obj}{C:::}P7;\n"
+RULES = "R{SHEAD:::}{:::}P1;\nR{N,^X:::}{STAIL:::}P1;\nR([a],b){^A:[x],+C:agn:<pat}{C:::}P7;\n"
 MANY_BAD = "R{:::\n" * 4000
 OLD = 1450000000
 WORDS = ["words.dic", "rules.txt", "input.txt", "out.txt", "-L0", "-N0", "-Q"]

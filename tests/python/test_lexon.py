@@ -77,9 +77,9 @@ TEXTS = {
     "an end behind blanks": (DOG.replace("[/S]", "  [/S]") + CAT, 2),
     "an end behind a tab": ("[S:1]\n\t[/S]\n" + CAT, 1),
     "an end in a skipped block": ("[S:1]\n[R]\n[/S]\n[/R]\n" + DOG + CAT, 2),
-    "an end in a tag": ("{org:en}\n[/S]\n{/org}\n" + DOG + CAT, 2),
+    "an end in a tag": ("{note:en}\n[/S]\n{/note}\n" + DOG + CAT, 2),
     "a tag that is replaced": ("{a}\n{b}\n[/S]\n{/a}\n{/b}\n{//b}\n" + DOG + CAT, 2),
-    "a tag that is not closed": (DOG + "{org}\n" + CAT, 2),
+    "a tag that is not closed": (DOG + "{note}\n" + CAT, 2),
     "a long line with an end in its second piece": (";" * 1023 + "[/S]\n" + DOG, 2),
     "no line end": (DOG + CAT[:-1], 2),
     "a zero": ("[S:1]\n;\0[/S]\n" + DOG, 1),
@@ -150,8 +150,8 @@ def test_a_file_that_cannot_be_used_is_named(languages, tmp_path, name):
 GRAPHS = {
     "an empty one": ("\n[S:1]\n[/S]\n", "failed", -1, 3, "Empty"),
     "one that ends at once": ("[S:1]\n", "failed", -10, 0, "ends within"),
-    "a bad line": ("[S:1]\nagt(dog\nmod(dog.@entry,dog)\n[/S]\n", "done", 0, 2, "relation"),
-    "a bad line behind a long one": (";" * 3000 + "\n[S:1]\nagt(dog\nmod(dog.@entry,dog)\n[/S]\n", "done", 0, 3, "relation"),
+    "a bad line": ("[S:1]\nagn(dog\natt(dog.@entry,dog)\n[/S]\n", "done", 0, 2, "relation"),
+    "a bad line behind a long one": (";" * 3000 + "\n[S:1]\nagn(dog\natt(dog.@entry,dog)\n[/S]\n", "done", 0, 3, "relation"),
     "too many words": ("[S]\n[W]\n" + "".join(f"w{n}\n" for n in range(600)) + "[/W]\n[/S]\n", "failed", -1, 0, "512"),
     "no way on": ("[S:1]\n[W]\na.@entry\n[/W]\n[/S]\n", "failed", -2, 0, "tried"),
 }
@@ -167,7 +167,7 @@ def test_a_graph_that_fails_says_why(grammar, name):
 
 
 def test_lines_of_messages_count_from_the_start_of_the_text(grammar):
-    second = grammar.render_text(DOG + "[S:2]\nagt(dog\nmod(dog.@entry,dog)\n[/S]\n")[1]
+    second = grammar.render_text(DOG + "[S:2]\nagn(dog\natt(dog.@entry,dog)\n[/S]\n")[1]
     assert [m.line for m in second.messages] == [7]
 
 

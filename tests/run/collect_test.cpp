@@ -6,8 +6,8 @@
 #include <string>
 
 #include "run/render.hpp"
-#include "support/step.hpp"
 #include "support/session.hpp"
+#include "support/step.hpp"
 
 namespace lexon::test {
 namespace {
@@ -64,11 +64,11 @@ struct ArcRow {
 TEST(Marks, ShowTheArcsThatAreLeft) {
   const ArcRow rows[] = {
       // The cursor goes on by four whatever was written.
-      {"BothEnds", 2, 1, "agt", 0, false, 1, "dog<agtsees>agt"},
-      {"NotAtLevelZero", 2, 1, "agt", 0, false, 0, "dogsees"},
-      {"Used", 2, 1, "agt", 0, true, 1, "dogsees"},
-      {"OfAnotherScope", 2, 1, "agt", 1, false, 1, "dogsees"},
-      {"FromANodeToItself", 1, 1, "agt", 0, false, 1, "dog<agtsees"},
+      {"BothEnds", 2, 1, "agn", 0, false, 1, "dog<agnsees>agn"},
+      {"NotAtLevelZero", 2, 1, "agn", 0, false, 0, "dogsees"},
+      {"Used", 2, 1, "agn", 0, true, 1, "dogsees"},
+      {"OfAnotherScope", 2, 1, "agn", 1, false, 1, "dogsees"},
+      {"FromANodeToItself", 1, 1, "agn", 0, false, 1, "dog<agnsees"},
       {"ShortLabelEndsTheLine", 2, 1, "to", 0, false, 1, "dog<to"},
       {"LongLabelIsWrittenOver", 2, 1, "where", 0, false, 1, "dog<whesees>where"},
       {"EmptyFormEndsALongLabel", 1, 1, "timxy", 0, false, 1, "dog<tim", ""},
@@ -93,7 +93,7 @@ TEST(Limit, IsTheLastCharacterOfTheBuffer) {
     const char* arc;  // from the word to itself, at level 1; none if empty
     bool fits;
   };
-  const Row rows[] = {{1023, "", true},      {1024, "", false},      {1019, "agt", true}, {1020, "agt", false},
+  const Row rows[] = {{1023, "", true},      {1024, "", false},      {1019, "agn", true}, {1020, "agn", false},
                       {1017, "where", true}, {1018, "where", false}, {1020, "to", true},  {1021, "to", false}};
   for (const Row& row : rows) {
     fresh_sentence();

@@ -2,9 +2,9 @@
 //
 //   words   go#37{0:@entry} "big cat"{0:}          rows in order, as name#number and their blocks, newest first;
 //                                                  a word that was quoted stands in quotes
-//   nodes   go#37 k0 L1 go=go/TEMP {0:@entry,>agt} the kind, the word list by its number from 0, the candidates as
+//   nodes   go#37 k0 L1 go=go/TEMP {0:@entry,>agn} the kind, the word list by its number from 0, the candidates as
 //                                                  hw=cw/attributes (the same again if the cw is the hw), the blocks
-//   arcs    agt:1(go,dog)                          label, scope and ends; "agt:1" alone is not connected
+//   arcs    agn:1(go,dog)                          label, scope and ends; "agn:1" alone is not connected
 //   scopes  1=go                                   rows from 1 on; "-" for no entry
 //
 // The number is left out where it is 0. Items are joined by "; ".

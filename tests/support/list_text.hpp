@@ -1,6 +1,6 @@
 // Node lists from a line of text, and back. A node is written like this, most of it optional:
 //
-//   [!cat=animal~id/N,SG|dog/N{1:>agt}(02)]
+//   [!cat=animal~id/N,SG|dog/N{1:>agn}(02)]
 //
 //   [ ]        the node stands in the window; the first such node is the left one
 //   !          the mark "to be tried again in place"

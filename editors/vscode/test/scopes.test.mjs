@@ -79,10 +79,10 @@ const rules = {
       ["+", "invalid.deprecated.type"], ["Z{}{}P1", "invalid.illegal.type"]],
   ],
   "conditions": [
-    ":{[went],[[go]],^N,@past,>agt,a(b)}{}P1",
+    ":{[went],[[go]],^N,@past,>agn,a(b)}{}P1",
     [["[went]", "string.quoted.other.surface"], ["[[go]]", "entity.name.type.concept"], ["^", "keyword.operator.negation"],
       ["N", "variable.other.attribute"], ["@past", "constant.other.attribute.graph"],
-      [">agt", "entity.name.function.relation-mark"], ["a(b)", "variable.other.attribute"]],
+      [">agn", "entity.name.function.relation-mark"], ["a(b)", "variable.other.attribute"]],
   ],
   "surface forms with brackets, and an empty concept": [
     "L{[a]b], ^[\\[x\\]], N}{[[]]}P1",
@@ -91,10 +91,10 @@ const rules = {
       ["[[]]", "entity.name.type.concept"], ["}", "punctuation.section.pattern.end"]],
   ],
   "the four sections": [
-    ":{V:-@past,+set:agt:/tim/}\"N\"P9",
+    ":{V:-@past,+set:agn:/tim/}\"N\"P9",
     [["V", "variable.other.attribute"], [":", "punctuation.separator.section"], ["-", "keyword.operator.remove"],
       ["@past", "constant.other.attribute.graph"], ["+", "keyword.operator.add"], ["set", "variable.other.attribute"],
-      ["agt", "entity.name.function.relation"], ["/tim/", "variable.parameter.role"],
+      ["agn", "entity.name.function.relation"], ["/tim/", "variable.parameter.role"],
       ["\"", "punctuation.section.pattern.inserted.begin"], ["N", "variable.other.attribute"],
       ["\"", "punctuation.section.pattern.inserted.end"], ["P", "keyword.other.priority"]],
   ],
@@ -119,25 +119,25 @@ const rules = {
 
 const graphs = {
   "a sentence": [
-    "[S:1]\nagt(sleep(>rest).@entry.@past, dog(>animal):02.@def)\n[/S]\nagt(a,b)",
-    [["[S", "keyword.control.sentence.begin"], ["1", "entity.name.section"], ["agt", "entity.name.function.relation"],
+    "[S:1]\nagn(sleep(>rest).@entry.@past, dog(>animal):02.@def)\n[/S]\nagn(a,b)",
+    [["[S", "keyword.control.sentence.begin"], ["1", "entity.name.section"], ["agn", "entity.name.function.relation"],
       ["(", "punctuation.section.arguments.begin"], ["sleep", "entity.name.type.concept"],
       ["(>rest)", "support.type.restriction"], ["@entry", "keyword.other.entry"],
       ["@past", "constant.other.attribute.graph"], [",", "punctuation.separator.arguments"],
       ["dog", "entity.name.type.concept"], ["(>animal)", "support.type.restriction"], ["02", "constant.numeric.word"],
       ["@def", "constant.other.attribute.graph"], [")", "punctuation.section.arguments.end"],
-      ["[/S]", "keyword.control.sentence.end"], ["agt(a,b)", "comment.line.ignored"]],
+      ["[/S]", "keyword.control.sentence.end"], ["agn(a,b)", "comment.line.ignored"]],
   ],
   "scopes": [
-    "[S]\nobj(know.@entry, :01)\nagt:01(a(b>c(d)), :02)\n[/S]",
-    [["know", "entity.name.type.concept"], ["01", "variable.other.scope"], ["agt", "entity.name.function.relation"],
+    "[S]\npat(know.@entry, :01)\nagn:01(a(b>c(d)), :02)\n[/S]",
+    [["know", "entity.name.type.concept"], ["01", "variable.other.scope"], ["agn", "entity.name.function.relation"],
       ["01", "constant.numeric.scope"], ["a", "entity.name.type.concept"], ["(b>c(d))", "support.type.restriction"],
       ["02", "variable.other.scope"]],
   ],
   "blocks": [
-    "{org:en}\nagt(a,b)\n[/S]\n{/org}\n{sem}\n[W]\n;c\ndog.@pl\n[/W]\n[R]\nx\n[/R]\nnot a relation\nbeneficiary(a,b)\n{/sem}",
-    [["org", "entity.name.tag"], ["agt(a,b)", "comment.block.hidden"], ["[/S]", "comment.block.hidden"],
-      ["org", "entity.name.tag"], ["{sem}", "keyword.control.graph.begin"], ["[W]", "keyword.control.words.begin"],
+    "{note:en}\nagn(a,b)\n[/S]\n{/note}\n{sem}\n[W]\n;c\ndog.@pl\n[/W]\n[R]\nx\n[/R]\nnot a relation\nbeneficiary(a,b)\n{/sem}",
+    [["note", "entity.name.tag"], ["agn(a,b)", "comment.block.hidden"], ["[/S]", "comment.block.hidden"],
+      ["note", "entity.name.tag"], ["{sem}", "keyword.control.graph.begin"], ["[W]", "keyword.control.words.begin"],
       [";c", "comment.line.semicolon"], ["dog", "entity.name.type.concept"], ["[/W]", "keyword.control.words.end"],
       ["x", "comment.block.hidden"], ["not a relation", "invalid.illegal.relation"],
       ["beneficiary(a,b)", "invalid.illegal.relation"],
@@ -147,9 +147,9 @@ const graphs = {
 
 const entries = {
   "an entry with all fields": [
-    "[ran]{run} moved fast \"run(agt>thing){note}\" (V,a(b,c)) <E,9,2>; x[one]{two}",
+    "[ran]{run} moved fast \"run(>move){note}\" (V,a(b,c)) <E,9,2>; x[one]{two}",
     [["[ran]", "string.quoted.other.surface"], ["run", "variable.other.id"], ["moved", "string.unquoted.gloss"],
-      ["\"run(agt>thing)", "entity.name.type.concept"], ["{note}", "comment.block.definition"],
+      ["\"run(>move)", "entity.name.type.concept"], ["{note}", "comment.block.definition"],
       ["V", "variable.other.attribute"], ["a(b,c)", "variable.other.attribute"], ["E", "constant.language"],
       ["9", "constant.numeric.frequency"], ["2", "constant.numeric.priority"], [";", "punctuation.terminator.entry"],
       ["x", "constant.language"], ["[one]{two}", "string.quoted.other.extra"]],
