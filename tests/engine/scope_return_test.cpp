@@ -22,7 +22,7 @@ struct Finished {
 
   Finished(const char* rules, const char* list, const char* inner_list)
       : outer({"", rules, list, "", "", "", "", "", -1, 0, "pat"}, Before::failed), inner(inner_list) {
-    grammar.index.matrix = {};
+    rule_matrix_clear(grammar.index);
     add_scope(1, &inner.at(1));
     RuleCandidate* walked = nullptr;
     for (const Rule* rule = outer.candidate()->next->rule; rule != nullptr; rule = rule->next) {
