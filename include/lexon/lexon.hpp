@@ -33,6 +33,8 @@ inline namespace v1 {
 // The version of the library in use, as "1.2.3"; valid for ever.
 [[nodiscard]] LEXON_API const char* version() noexcept;
 
+struct LEXON_LOCAL Inside;  // for Lexon's own tools
+
 enum class MessageKind {
   note,     // nothing is lost
   warning,  // works, but most likely not as it was meant
@@ -84,6 +86,7 @@ class LEXON_API Grammar {
 
  private:
   friend class Generator;
+  friend struct Inside;
   struct LEXON_LOCAL Body;
   std::shared_ptr<const Body> body_;
 };
@@ -148,6 +151,7 @@ class LEXON_API Generator {
   void stop() noexcept;
 
  private:
+  friend struct Inside;
   struct LEXON_LOCAL Body;
   std::unique_ptr<Body> body_;
 };

@@ -7,7 +7,7 @@
 #include <new>
 #include <utility>
 
-#include "api/grammar_body.hpp"
+#include "api/inside.hpp"
 #include "api/messages.hpp"
 
 namespace lexon {
@@ -69,6 +69,7 @@ struct Generator::Body {
 
   std::vector<Sentence> render(std::string_view text, const Settings& settings);
   void stop();
+  [[nodiscard]] Session& session() { return *session_; }
 
  private:
   void serve();
@@ -316,6 +317,10 @@ bool Generator::Body::render_next(std::string_view& rest) {
   if (!has_ended) result.trace += banner_of(result.status);
   results_.push_back(std::move(result));
   return !has_ended;
+}
+
+Session& Inside::session(Generator& generator) {
+  return generator.body_->session();
 }
 
 Generator::Generator(Grammar grammar) : body_(std::make_unique<Body>(std::move(grammar))) {}

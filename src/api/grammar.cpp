@@ -1,5 +1,5 @@
 // Loading a grammar: the dictionaries are opened, the rules compiled in memory; what is wrong becomes messages.
-#include "api/grammar_body.hpp"
+#include "api/inside.hpp"
 
 #include <cerrno>
 #include <cstdlib>
@@ -123,6 +123,10 @@ Grammar Grammar::from_text(std::string_view rules, const GrammarFiles& files) {
   Grammar grammar;
   grammar.body_ = body;
   return grammar;
+}
+
+const LoadedGrammar* Inside::loaded(const Grammar& grammar) {
+  return grammar.body_.get();
 }
 
 bool Grammar::is_usable() const noexcept {

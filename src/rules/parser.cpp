@@ -207,6 +207,7 @@ bool is_rule_line(const char* text) {
 Status line_parse(Session& session, Pool& pool, RuleParse& parse, PriorityLists& lists) {
   auto* rule = perm_new<Rule>(pool);
   if (rule == nullptr) return Status::memory;
+  rule->line = static_cast<std::uint32_t>(parse.notes == nullptr ? parse.line : parse.notes->text.line);
   LineReading line{parse, skip_blanks(parse.start), *rule};
   if (rule_read(session, pool, line)) {
     rule_enter(lists, *rule);

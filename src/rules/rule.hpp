@@ -50,6 +50,7 @@ struct NodePattern {
 struct Rule {
   std::uint8_t type;     // see the codes below
   std::uint8_t subtype;  // 0, but in a compiled file that says otherwise
+  std::uint32_t line;    // of the rule text, from 1; 0: it came from a compiled file, which does not tell
   ContextGroup* pre;     // nearest to LNODE first
   NodePattern* lnode;    // never null in a finished rule
   ContextGroup* mid;     // in order of the text; reversed when lnode is a quote pattern

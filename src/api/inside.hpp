@@ -1,0 +1,31 @@
+// What a grammar and a generator of the library hold.
+#pragma once
+
+#include <vector>
+
+#include "api/core.hpp"
+
+namespace lexon {
+inline namespace v1 {
+
+struct LoadedGrammar {
+  core::Grammar rules;
+  Dictionary words;
+  Dictionary cooccurrence;  // not open when there is none
+  std::vector<Message> messages;
+  bool is_usable = false;
+};
+
+struct Grammar::Body : LoadedGrammar {};
+
+// What the workbench sees of a grammar and of a generator besides their public faces.
+struct Inside {
+  // Null for a grammar without rules; valid as long as any copy of the grammar.
+  [[nodiscard]] static const LoadedGrammar* loaded(const Grammar& grammar);
+  // The session that the generator's thread works with. Not to be touched while it renders, but by what is called from
+  // there.
+  [[nodiscard]] static Session& session(Generator& generator);
+};
+
+}  // namespace v1
+}  // namespace lexon
