@@ -1,12 +1,13 @@
-"""What the site needs beside the pages: the diagrams as images, and no file of the theme that is missing.
+"""What the site needs beside the pages: the diagrams as images, an index for the search, and no link that leads nowhere.
 
 Every docs/diagrams/NAME.dot becomes images/NAME.svg of the site, so that a page shows it as
 ![what it shows](images/NAME.svg). The images lie in build/, not in the tree.
 """
+import html
+import json
 import os
 import pathlib
 import re
-import shutil
 import subprocess
 
 from mkdocs.exceptions import BuildError
@@ -36,8 +37,20 @@ def on_files(files, config):
     return files
 
 
-# The theme as Debian ships it asks for a script that lies elsewhere, under another name.
-STAND_INS = {"js/jquery-3.6.0.min.js": "/usr/share/javascript/jquery/jquery.min.js"}
+SECTIONS = []  # of all pages, for the search
+
+
+def on_page_content(content, page, config, files):
+    """Cuts the page at its headings: each is a section that the search can find."""
+    parts = re.split(r'<h[1-4] id="([^"]+)">(.*?)</h[1-4]>', content, flags=re.S)
+    for place, title, text in zip(parts[1::3], parts[2::3], parts[3::3]):
+        title = plain(re.sub(r'<a class="headerlink".*?</a>', "", title))
+        SECTIONS.append({"page": page.title, "place": f"{page.url}#{place}", "title": title, "text": plain(text)})
+    return content
+
+
+def plain(text):
+    return " ".join(html.unescape(re.sub(r"<[^>]*>", " ", text)).split())
 
 
 def bare(page):
@@ -62,9 +75,11 @@ def check_places(site, page, text):
 
 def on_post_build(config):
     site = pathlib.Path(config["site_dir"])
-    for name, source in STAND_INS.items():
-        if not (site / name).exists() and os.path.exists(source):
-            shutil.copyfile(source, site / name)
+    index = json.dumps(SECTIONS, ensure_ascii=False)
+    (site / "js" / "index.js").write_text(f"const lexonIndex = {index};\n", encoding="utf-8")
+    # For web servers, and with the date of the build in it.
+    for name in ("sitemap.xml", "sitemap.xml.gz"):
+        (site / name).unlink(missing_ok=True)
     for page in site.glob("*.html"):
         text = bare(page)
         check_files(site, page, text)
