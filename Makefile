@@ -2,14 +2,14 @@
 MAKEFLAGS += --no-print-directory
 JOBS ?= $(shell nproc)
 
-.PHONY: help demo test check-all golden release debug bench fuzz coverage endurance format format-check lint layering docs screenshots install package clean setup
+.PHONY: help demo test check-all golden programs release debug bench fuzz coverage endurance format format-check lint layering docs screenshots install package clean setup
 
 help:
 	@echo "make demo      build, make the example dictionaries, render the examples and show them"
 	@echo "make test      build and run the tests: rooms under the sanitizers, programs in both flavours; some minutes"
 	@echo "make check-all the long ones too: endurance, refused memory and files, windows, packages, site, editor colours"
 	@echo "make golden    write the expected files of whole runs anew: read every line that changes"
-	@echo "make release   the programs alone, in build/release/bin"
+	@echo "make programs  the programs alone, in build/release/bin"
 	@echo "make bench     the benchmarks"
 	@echo "make fuzz      each fuzz target for TIME seconds (60; TARGETS=\"rules run\" for some of them)"
 	@echo "make coverage  which lines and branches of the core the tests reach"
@@ -20,6 +20,7 @@ help:
 	@echo "make screenshots  the pictures of the dialogs, in docs/images"
 	@echo "make install   install programs, manual and examples (DESTDIR, PREFIX)"
 	@echo "make package   Debian packages, in build/packages"
+	@echo "make release   the source as a tarball, in build"
 
 setup:
 	@tools/setup build
@@ -28,11 +29,11 @@ setup:
 setup-%:
 	@tools/setup $*
 
-release: setup
+programs: setup
 	cmake --preset release -DLEXON_TESTS=OFF
 	cmake --build --preset release --parallel $(JOBS)
 
-demo: release
+demo: programs
 	@tools/demo build/release/bin
 
 test: setup-tests layering
@@ -97,12 +98,16 @@ screenshots: setup-gui
 	build/release/bin/lexon-screenshots docs/images
 
 PREFIX ?= /usr/local
-install: release
+install: programs
 	cmake --install build/release --prefix $(PREFIX)
 
 # What a package is made with comes first, so that the windowed program is in.
-package: setup-package release
+package: setup-package docs programs
 	cpack --config build/release/CPackConfig.cmake -B build/packages
+
+# Without the history a build has to be told who made it and when.
+release:
+	@tools/release-tarball
 
 clean:
 	rm -rf build

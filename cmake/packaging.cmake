@@ -1,5 +1,5 @@
-# What `make install` and `make package` put where. Five components, a Debian package each: the programs with manual
-# and examples (lexon), the dialogs (lexon-gui), the library for other programs (liblexon0) and for who makes these
+# What `make install` and `make package` put where. Six components, a Debian package each: the programs (lexon), manual
+# and examples (lexon-doc), the dialogs (lexon-gui), the library for other programs (liblexon0) and for who makes these
 # (liblexon-dev), and the Python module (python3-lexon), which is left to `pip install .` outside of its package.
 include(GNUInstallDirs)
 
@@ -24,7 +24,7 @@ function(lexon_man_pages component)
 endfunction()
 
 # What every package says of itself: its licence and what has changed.
-file(TIMESTAMP ${PROJECT_SOURCE_DIR}/CMakeLists.txt LEXON_DATE "%a, %d %b %Y %H:%M:%S +0000" UTC)
+string(TIMESTAMP LEXON_DATE "%a, %d %b %Y %H:%M:%S +0000" UTC)
 file(READ ${PROJECT_SOURCE_DIR}/LICENSE LEXON_LICENCE)
 string(REGEX REPLACE "\n\n" "\n.\n" LEXON_LICENCE "${LEXON_LICENCE}")
 string(REGEX REPLACE "\n([^\n])" "\n \\1" LEXON_LICENCE "${LEXON_LICENCE}")
@@ -43,16 +43,39 @@ endfunction()
 # ---- lexon
 lexon_package_papers(lexon lexon)
 lexon_man_pages(lexon lexon.1 lexon-dict.1 lexon-dictionary.5 lexon-graph.5 lexon-rules.5)
-install(DIRECTORY ${PROJECT_SOURCE_DIR}/examples DESTINATION ${LEXON_DOC} COMPONENT lexon
+# Completions for the shells, from what the programs say of themselves.
+find_package(Python3 QUIET COMPONENTS Interpreter)
+if(TARGET lexon AND Python3_FOUND AND NOT CMAKE_CROSSCOMPILING)
+  set(programs lexon lexon-dict lexon-lab)
+  set(completions ${CMAKE_BINARY_DIR}/completions)
+  add_custom_command(OUTPUT ${completions}/bash/lexon
+    COMMAND ${Python3_EXECUTABLE} ${PROJECT_SOURCE_DIR}/tools/completions ${completions}
+      $<TARGET_FILE:lexon> $<TARGET_FILE:lexon-dict> $<TARGET_FILE:lexon-lab>
+    DEPENDS ${programs} ${PROJECT_SOURCE_DIR}/tools/completions VERBATIM)
+  add_custom_target(completions ALL DEPENDS ${completions}/bash/lexon)
+  install(DIRECTORY ${completions}/bash/ DESTINATION ${CMAKE_INSTALL_DATAROOTDIR}/bash-completion/completions
+    COMPONENT lexon)
+  install(DIRECTORY ${completions}/zsh/ DESTINATION ${CMAKE_INSTALL_DATAROOTDIR}/zsh/vendor-completions COMPONENT lexon)
+  install(DIRECTORY ${completions}/fish/ DESTINATION ${CMAKE_INSTALL_DATAROOTDIR}/fish/vendor_completions.d
+    COMPONENT lexon)
+endif()
+install(FILES ${PROJECT_SOURCE_DIR}/cmake/lexon-mime.xml DESTINATION ${CMAKE_INSTALL_DATAROOTDIR}/mime/packages
+  RENAME lexon.xml COMPONENT lexon)
+
+# ---- lexon-doc
+lexon_package_papers(lexon-doc doc)
+install(FILES ${PROJECT_SOURCE_DIR}/cmake/lexon.doc-base DESTINATION ${CMAKE_INSTALL_DATAROOTDIR}/doc-base
+  RENAME lexon COMPONENT doc)
+install(DIRECTORY ${PROJECT_SOURCE_DIR}/examples DESTINATION ${LEXON_DOC} COMPONENT doc
   PATTERN "*.dic" EXCLUDE PATTERN "*.idx" EXCLUDE PATTERN "*.rul" EXCLUDE PATTERN "*.mtx" EXCLUDE
   PATTERN "*.out" EXCLUDE)
-install(DIRECTORY ${PROJECT_SOURCE_DIR}/docs/ DESTINATION ${LEXON_DOC}/manual COMPONENT lexon
+install(DIRECTORY ${PROJECT_SOURCE_DIR}/docs/ DESTINATION ${LEXON_DOC}/manual COMPONENT doc
   PATTERN "man" EXCLUDE PATTERN "diagrams" EXCLUDE)
-install(DIRECTORY ${LEXON_SITE}/ DESTINATION ${LEXON_DOC}/html COMPONENT lexon OPTIONAL
+install(DIRECTORY ${LEXON_SITE}/ DESTINATION ${LEXON_DOC}/html COMPONENT doc OPTIONAL
   PATTERN "sitemap.xml*" EXCLUDE)
-install(DIRECTORY ${PROJECT_SOURCE_DIR}/editors/vscode DESTINATION ${LEXON_DOC}/editors COMPONENT lexon
+install(DIRECTORY ${PROJECT_SOURCE_DIR}/editors/vscode DESTINATION ${LEXON_DOC}/editors COMPONENT doc
   PATTERN "test" EXCLUDE PATTERN "node_modules" EXCLUDE)
-install(FILES ${PROJECT_SOURCE_DIR}/README.md DESTINATION ${LEXON_DOC} COMPONENT lexon)
+install(FILES ${PROJECT_SOURCE_DIR}/README.md DESTINATION ${LEXON_DOC} COMPONENT doc)
 
 # ---- liblexon0, liblexon-dev
 lexon_package_papers(liblexon${LEXON_SOVERSION} library)
@@ -91,13 +114,13 @@ set(CPACK_GENERATOR DEB)
 set(CPACK_PACKAGE_NAME lexon)
 set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "rule-driven natural-language generator")
 set(CPACK_PACKAGE_VENDOR "The Lexon authors")
-set(CPACK_PACKAGE_CONTACT "The Lexon authors <lexon@localhost>")
+set(CPACK_PACKAGE_CONTACT "${LEXON_MAINTAINER}")
 set(CPACK_PACKAGE_VERSION ${PROJECT_VERSION})
 set(CPACK_PACKAGING_INSTALL_PREFIX /usr)
 set(CPACK_STRIP_FILES ON)
 set(CPACK_DEB_COMPONENT_INSTALL ON)
 set(CPACK_COMPONENTS_GROUPING IGNORE)
-set(CPACK_COMPONENTS_ALL lexon library development)
+set(CPACK_COMPONENTS_ALL lexon doc library development)
 if(TARGET lexon_python)
   list(APPEND CPACK_COMPONENTS_ALL python)
 endif()
@@ -114,7 +137,15 @@ set(CPACK_DEBIAN_LEXON_PACKAGE_NAME lexon)
 set(CPACK_DEBIAN_LEXON_PACKAGE_SECTION text)
 set(CPACK_COMPONENT_LEXON_DESCRIPTION "Lexon writes sentences from graphs of meaning, by a dictionary and a file of
 rules that a linguist supplies. This package has the console program, the
-dictionary tool, the manual, and example languages.")
+dictionary tool and the workbench.")
+set(CPACK_DEBIAN_LEXON_PACKAGE_SUGGESTS lexon-doc)
+
+set(CPACK_DEBIAN_DOC_PACKAGE_NAME lexon-doc)
+set(CPACK_DEBIAN_DOC_PACKAGE_SECTION doc)
+set(CPACK_DEBIAN_DOC_PACKAGE_ARCHITECTURE all)
+set(CPACK_DEBIAN_DOC_PACKAGE_SHLIBDEPS OFF)
+set(CPACK_COMPONENT_DOC_DESCRIPTION "Lexon writes sentences from graphs of meaning. This package has the manual and
+example languages to copy from.")
 
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_NAME liblexon-dev)
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_SECTION libdevel)
@@ -124,8 +155,12 @@ set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_DEPENDS "liblexon${LEXON_SOVERSION} (= ${PR
 
 set(CPACK_DEBIAN_LIBRARY_PACKAGE_NAME liblexon${LEXON_SOVERSION})
 set(CPACK_DEBIAN_LIBRARY_PACKAGE_SECTION libs)
-set(CPACK_DEBIAN_LIBRARY_PACKAGE_CONTROL_EXTRA ${CMAKE_BINARY_DIR}/packaging/triggers)
+# The scripts that are named are not there, and so CPack adds none of its own that call ldconfig, which the trigger does.
+set(CPACK_DEBIAN_LIBRARY_PACKAGE_CONTROL_EXTRA ${CMAKE_BINARY_DIR}/packaging/triggers
+  ${CMAKE_BINARY_DIR}/packaging/shlibs ${CMAKE_BINARY_DIR}/none/postinst ${CMAKE_BINARY_DIR}/none/postrm)
 file(WRITE ${CMAKE_BINARY_DIR}/packaging/triggers "activate-noawait ldconfig\n")
+file(WRITE ${CMAKE_BINARY_DIR}/packaging/shlibs
+  "liblexon ${LEXON_SOVERSION} liblexon${LEXON_SOVERSION} (>= ${PROJECT_VERSION})\n")
 set(CPACK_COMPONENT_LIBRARY_DESCRIPTION "Lexon writes sentences from graphs of meaning. This package has the library
 that programs use to render themselves.")
 
@@ -142,4 +177,7 @@ set(CPACK_DEBIAN_LEXON-GUI_PACKAGE_RECOMMENDS lexon)
 set(CPACK_COMPONENT_LEXON-GUI_DESCRIPTION "Lexon writes sentences from graphs of meaning, by a dictionary and a file of
 rules that a linguist supplies. This package has the dialogs to start a run
 from and to watch it.")
+# The archives are as old as the source too.
+file(WRITE ${CMAKE_BINARY_DIR}/packaging/date.cmake "set(ENV{SOURCE_DATE_EPOCH} \"$ENV{SOURCE_DATE_EPOCH}\")\n")
+set(CPACK_PROJECT_CONFIG_FILE ${CMAKE_BINARY_DIR}/packaging/date.cmake)
 include(CPack)

@@ -20,12 +20,14 @@ ROOT = pathlib.Path(__file__).resolve().parents[2]
 EMBEDDING = ROOT / "examples" / "embedding"
 # Debian's interpreter: the module of the build is for no other.
 PYTHON = "/usr/bin/python3"
-PROGRAMS = {"usr/bin/lexon", "usr/bin/lexon-dict"}
+PROGRAMS = {"usr/bin/lexon", "usr/bin/lexon-dict", "usr/bin/lexon-lab"}
 MANUAL = {f"usr/share/man/man{page[-1]}/{page}.gz"
           for page in ("lexon.1", "lexon-dict.1", "lexon-rules.5", "lexon-graph.5", "lexon-dictionary.5")}
+COMPLETIONS = {f"usr/share/{place}" for program in ("lexon", "lexon-dict", "lexon-lab")
+               for place in (f"bash-completion/completions/{program}", f"zsh/vendor-completions/_{program}",
+                             f"fish/vendor_completions.d/{program}.fish")}
 PAPERS = {f"usr/share/doc/lexon/{name}"
-          for name in ("copyright", "changelog.gz", "README.md", "manual/commands.md", "examples/english/rules.txt",
-                       "editors/vscode/package.json")}
+          for name in ("README.md", "manual/commands.md", "examples/english/rules.txt", "editors/vscode/package.json")}
 LIBRARIES = f"usr/lib/{sysconfig.get_config_var('MULTIARCH')}"
 HEADERS = {"usr/include/lexon/lexon.h", "usr/include/lexon/lexon.hpp"}
 DEVELOPMENT = HEADERS | {f"{LIBRARIES}/{name}" for name in (
@@ -69,6 +71,35 @@ class Packages(unittest.TestCase):
             run("dpkg-deb", "--extract", file, unpacked)
         return packages, unpacked
 
+    def check_bytes(self, unpacked):
+        """Debian's own judgement, and packages that are the same wherever and whenever they are made."""
+        made = sorted((self.scratch / "packages").glob("*.deb"))
+        told = subprocess.run(["lintian", "--allow-root", "--fail-on", "error,warning", *map(str, made)],
+                              capture_output=True, text=True)
+        self.assertEqual(told.returncode, 0, told.stdout + told.stderr)
+        again = self.scratch / "again"
+        run("cpack", "--config", BUILD / "CPackConfig.cmake", "-B", again)
+        self.assertEqual([file.read_bytes() for file in made], [(again / file.name).read_bytes() for file in made])
+        for file in unpacked.rglob("*"):
+            if file.is_file() and not file.is_symlink():
+                self.assertNotIn(str(ROOT).encode() + b"/", file.read_bytes(), file)
+        for file in unpacked.glob("usr/share/metainfo/*.xml"):
+            run("appstreamcli", "validate", "--no-net", file)
+        for file in unpacked.glob("usr/share/applications/*.desktop"):
+            run("desktop-file-validate", file)
+
+    def check_completions(self, share):
+        """What a shell offers, asked of the shells."""
+        line = "lexon-dict build --sk"
+        script = (f"source {share}/bash-completion/completions/lexon-dict; COMP_WORDS=({line}); COMP_CWORD=2; "
+                  "_lexon_dict; echo ${COMPREPLY[@]}")
+        self.assertEqual(run("bash", "-c", script), "--skip-bad\n")
+        script = f"set -p fish_complete_path {share}/fish/vendor_completions.d; complete -C 'lexon-dict bu'; complete -C '{line}'"
+        offered = run("fish", "--no-config", "-c", script, env=dict(os.environ, HOME=str(self.scratch)))
+        self.assertEqual([each.split("\t")[0] for each in offered.splitlines()], ["build", "--skip-bad"])
+        for file in (share / "zsh/vendor-completions").iterdir():
+            run("zsh", "-n", file)
+
     def check_example(self, usr):
         work = self.scratch / "work"
         shutil.rmtree(work, ignore_errors=True)
@@ -108,7 +139,7 @@ class Packages(unittest.TestCase):
     def test_installs_where_it_is_told(self):
         run("cmake", "--install", BUILD, "--prefix", "/opt/lexon", env=dict(os.environ, DESTDIR=str(self.scratch / "root")))
         root = self.scratch / "root/opt/lexon"
-        wanted = {name.removeprefix("usr/") for name in PROGRAMS | MANUAL | PAPERS | DEVELOPMENT | SHARED}
+        wanted = {name.removeprefix("usr/") for name in PROGRAMS | MANUAL | PAPERS | COMPLETIONS | DEVELOPMENT | SHARED}
         self.assertLessEqual(wanted, files_in(root))
         self.assertEqual(files_in(self.scratch / "root"), {"opt/lexon/" + name for name in files_in(root)})
         self.assertIn(b".Sh EXIT STATUS", gzip.decompress((root / "share/man/man1/lexon.1.gz").read_bytes()))
@@ -119,8 +150,10 @@ class Packages(unittest.TestCase):
 
     def test_packages_hold_what_runs(self):
         packages, unpacked = self.make_packages()
-        self.assertLessEqual({"lexon", "liblexon0", "liblexon-dev"}, set(packages))
-        self.assertLessEqual(PROGRAMS | MANUAL | PAPERS, packages["lexon"]["files"])
+        self.assertLessEqual({"lexon", "lexon-doc", "liblexon0", "liblexon-dev"}, set(packages))
+        self.assertLessEqual(PROGRAMS | MANUAL | COMPLETIONS, packages["lexon"]["files"])
+        self.assertLessEqual(PAPERS | {"usr/share/doc-base/lexon"}, packages["lexon-doc"]["files"])
+        self.assertEqual(packages["lexon-doc"]["Architecture"], "all")
         self.assertFalse([name for name in packages["lexon"]["files"] if name.endswith((".dic", ".rul", ".a", ".hpp"))])
         self.assertLessEqual(DEVELOPMENT, packages["liblexon-dev"]["files"])
         self.assertLessEqual(SHARED, packages["liblexon0"]["files"])
@@ -132,6 +165,8 @@ class Packages(unittest.TestCase):
             self.assertRegex(fields["Version"], r"^\d+\.\d+\.\d+$")
             self.assertTrue(all(fields.get(key) for key in ("Maintainer", "Section", "Description", "Architecture")), name)
             self.assertEqual((fields["rights"], fields["owners"]), ({"drwxr-xr-x"}, {"root/root"}), name)
+        self.check_bytes(unpacked)
+        self.check_completions(unpacked / "usr/share")
         self.check_example(unpacked / "usr")
         self.check_embedding(unpacked / "usr")
         if "python3-lexon" in packages:

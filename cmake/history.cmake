@@ -1,0 +1,18 @@
+# Who answers for the packages, and when they were made: as the history tells, or what a source tarball keeps of it.
+function(lexon_from_history variable format fallback)
+  execute_process(COMMAND git -C ${PROJECT_SOURCE_DIR} log -1 --format=${format}
+    OUTPUT_VARIABLE told OUTPUT_STRIP_TRAILING_WHITESPACE ERROR_QUIET)
+  if(NOT EXISTS ${PROJECT_SOURCE_DIR}/.git AND EXISTS ${PROJECT_SOURCE_DIR}/${fallback})
+    file(STRINGS ${PROJECT_SOURCE_DIR}/${fallback} told LIMIT_COUNT 1)
+  endif()
+  set(${variable} "${told}" PARENT_SCOPE)
+endfunction()
+lexon_from_history(author "%an <%ae>" .release/author)
+lexon_from_history(epoch "%ct" .release/epoch)
+set(LEXON_MAINTAINER "${author}" CACHE STRING "Name <address> of who answers for the packages")
+if(NOT LEXON_MAINTAINER)
+  message(NOTICE "the packages have no maintainer: say -DLEXON_MAINTAINER='NAME <ADDRESS>' before you make any")
+endif()
+if(NOT DEFINED ENV{SOURCE_DATE_EPOCH} AND epoch)
+  set(ENV{SOURCE_DATE_EPOCH} ${epoch})
+endif()
