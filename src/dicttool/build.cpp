@@ -330,6 +330,7 @@ bool put_in_place(Build& build) {
   for (PartFile* part : {&build.index, &build.dictionary}) {
     if (!part->draft.sync()) return fail(build, part->target + ": cannot write");
   }
+  left_drafts_remove(build.dictionary.target);
   const std::string stamp_path = pair_stamp_path(build.index.target);
   Stamp stamp;
   if (!pair_stamp(build, stamp)) return fail(build, build.dictionary.target + ": cannot be read back");
