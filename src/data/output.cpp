@@ -22,12 +22,13 @@ void Output::hand_on() {
 void Output::redirect(std::FILE* stream) {
   flush();
   stream_ = stream;
+  if (stream != nullptr) buffer_.reserve(2 * kFull);
 }
 
 void Output::vprint(const char* format, std::va_list arguments) {
   std::va_list again;
   va_copy(again, arguments);
-  std::array<char, 512> line;
+  std::array<char, 2048> line;
   const int length = std::vsnprintf(line.data(), line.size(), format, arguments);
   if (length >= 0 && static_cast<std::size_t>(length) < line.size()) {
     append({line.data(), static_cast<std::size_t>(length)});

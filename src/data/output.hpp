@@ -57,7 +57,8 @@ class Output {
   Output(const Output&) = delete;
   Output& operator=(const Output&) = delete;
 
-  // What is printed from now on goes to `stream`; what was printed before went to the stream before.
+  // What is printed from now on goes to `stream`; what was printed before went to the stream before. Takes the room that
+  // printing needs, so that no line of usual length fails for memory. Throws `std::bad_alloc`.
   void redirect(std::FILE* stream);
   [[nodiscard]] std::FILE* stream() const { return stream_; }
   // Not owned; null: nobody asks for the text. Is of use where there is no stream.

@@ -1,9 +1,11 @@
 #include "data/platform.hpp"
 
+#include <dirent.h>
 #include <fcntl.h>
 #include <poll.h>
 #include <pthread.h>
 #include <sys/file.h>
+#include <sys/random.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -13,6 +15,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <ctime>
+#include <memory>
 #include <new>
 #include <thread>
 #include <utility>
@@ -23,13 +26,37 @@ namespace lexon {
 
 namespace {
 
-// Makes an empty private file; the empty text on failure.
-std::string temp_file_in(const std::string& folder) {
-  std::string name = folder + "/lexon-XXXXXX";
-  const int descriptor = mkstemp(name.data());
-  if (descriptor < 0) return {};
-  close(descriptor);
-  return name;
+// The name of every draft begins with it; sixteen digits follow that nobody can guess.
+constexpr const char* kDraftName = ".lexon-draft-";
+constexpr int kNameTries = 16;
+
+std::string draft_name_in(const std::string& folder) {
+  std::uint64_t number = 0;
+  if (getrandom(&number, sizeof(number), 0) != sizeof(number)) return {};
+  std::array<char, 40> name;
+  std::snprintf(name.data(), name.size(), "%s%016llx", kDraftName, static_cast<unsigned long long>(number));
+  return folder + "/" + name.data();
+}
+
+// A draft is locked as long as its program lives. False if another one holds the lock, or has removed the file before
+// it was locked; where the system knows no locks nobody removes it.
+bool hold_draft(int descriptor) {
+  struct stat status {};
+  const bool is_held = flock(descriptor, LOCK_EX | LOCK_NB) == 0 || errno != EWOULDBLOCK;
+  return is_held && fstat(descriptor, &status) == 0 && status.st_nlink > 0;
+}
+
+// Makes an empty draft with a name, open for writing and reading; -1 on failure.
+int named_draft_in(const std::string& folder, mode_t mode, std::string& name) {
+  for (int i = 0; i < kNameTries; ++i) {
+    name = draft_name_in(folder);
+    const int descriptor = name.empty() ? -1 : open(name.c_str(), O_CREAT | O_EXCL | O_RDWR | O_CLOEXEC, mode);
+    if (descriptor >= 0 && hold_draft(descriptor)) return descriptor;
+    if (descriptor < 0 && errno != EEXIST) break;
+    if (descriptor >= 0) close(descriptor);
+  }
+  name.clear();
+  return -1;
 }
 
 std::string system_temp_folder() {
@@ -45,28 +72,10 @@ bool copy_all(std::FILE* from, std::FILE* to) {
   return std::ferror(from) == 0;
 }
 
-// Copies what is left of `from` into a new file. What cannot be copied whole is not left there in part.
-bool copy_to(std::FILE* from, const std::string& target) {
-  std::FILE* to = std::fopen(target.c_str(), "wb");
-  if (to == nullptr) return false;
-  const bool copied = copy_all(from, to);
-  const bool closed = std::fclose(to) == 0;
-  if (copied && closed) return true;
-  std::remove(target.c_str());
-  return false;
-}
-
 std::string folder_of(const std::string& path) {
   const std::size_t slash = path.rfind('/');
   if (slash == std::string::npos) return ".";
   return slash == 0 ? "/" : path.substr(0, slash);
-}
-
-// The permissions of any new file, for one that was made private.
-bool make_ordinary(int descriptor) {
-  const mode_t mask = umask(0);
-  umask(mask);
-  return fchmod(descriptor, 0666 & ~mask) == 0;
 }
 
 // The path of an open descriptor, without the heap: a refusal of memory would leave the descriptor open.
@@ -78,11 +87,10 @@ std::array<char, 32> descriptor_path(int descriptor) {
 
 // Gives the file behind a descriptor a name of its own in `folder`; the empty text if the system cannot.
 std::string link_in(const std::string& folder, int descriptor) {
-  constexpr int kTries = 16;
   const std::array<char, 32> source = descriptor_path(descriptor);
-  for (int i = 0; i < kTries; ++i) {
-    std::string name = temp_file_in(folder);
-    if (name.empty() || std::remove(name.c_str()) != 0) return {};
+  for (int i = 0; i < kNameTries; ++i) {
+    std::string name = draft_name_in(folder);
+    if (name.empty()) return {};
     if (linkat(AT_FDCWD, source.data(), AT_FDCWD, name.c_str(), AT_SYMLINK_FOLLOW) == 0) return name;
     if (errno != EEXIST) return {};
   }
@@ -233,11 +241,15 @@ FolderLock::~FolderLock() {
 
 File unnamed_file() {
   for (const std::string& folder : {system_temp_folder(), std::string(".")}) {
-    if (const int descriptor = nameless_file_in(folder); descriptor >= 0) return File(fdopen(descriptor, "wb+"));
-    const std::string name = temp_file_in(folder);
-    if (name.empty()) continue;
-    File file(std::fopen(name.c_str(), "wb+"));
-    std::remove(name.c_str());
+    int descriptor = nameless_file_in(folder);
+    std::string name;
+    if (descriptor < 0) {
+      descriptor = named_draft_in(folder, 0600, name);
+      if (descriptor < 0) continue;
+      std::remove(name.c_str());
+    }
+    File file(fdopen(descriptor, "wb+"));
+    if (file == nullptr) close(descriptor);
     return file;
   }
   return nullptr;
@@ -246,11 +258,10 @@ File unnamed_file() {
 bool DraftFile::open_beside(const std::string& target) {
   const std::string folder = folder_of(target);
   int descriptor = open(folder.c_str(), O_TMPFILE | O_RDWR | O_CLOEXEC, 0666);
-  if (descriptor < 0) {
-    path_ = temp_file_in(folder);
-    if (path_.empty()) return false;
-    descriptor = open(path_.c_str(), O_RDWR | O_CLOEXEC);
-    if (descriptor >= 0 && !make_ordinary(descriptor)) close(std::exchange(descriptor, -1));
+  if (descriptor >= 0) {
+    static_cast<void>(flock(descriptor, LOCK_EX | LOCK_NB));
+  } else {
+    descriptor = named_draft_in(folder, 0666, path_);
   }
   stream_ = descriptor < 0 ? nullptr : fdopen(descriptor, "wb+");
   if (stream_ == nullptr && descriptor >= 0) close(descriptor);
@@ -273,22 +284,27 @@ bool DraftFile::take_name(const std::string& target) {
   const std::string folder = folder_of(target);
   path_ = link_in(folder, fileno(stream_));
   if (!path_.empty()) return true;
-  path_ = temp_file_in(folder);
-  if (path_.empty()) return false;
+  const int descriptor = named_draft_in(folder, 0666, path_);
+  std::FILE* copy = descriptor < 0 ? nullptr : fdopen(descriptor, "wb+");
+  if (copy == nullptr) {
+    if (descriptor >= 0) close(descriptor);
+    return false;
+  }
   std::rewind(stream_);
-  if (!copy_to(stream_, path_)) return false;
-  const int descriptor = open(path_.c_str(), O_RDWR | O_CLOEXEC);
-  const bool made = descriptor >= 0 && make_ordinary(descriptor) && (!is_synced_ || fsync(descriptor) == 0);
-  if (descriptor >= 0) close(descriptor);
-  return made;
+  const bool is_copied = copy_all(stream_, copy) && is_written(copy) && (!is_synced_ || fsync(descriptor) == 0);
+  std::fclose(std::exchange(stream_, copy));
+  return is_copied;
 }
 
 bool DraftFile::put_in_place(const std::string& target) {
   bool done = is_whole() && take_name(target);
+  // Some systems tell of a full disk at the end, so the stream is closed first; the draft stays locked.
+  const int lock = fcntl(fileno(stream_), F_DUPFD_CLOEXEC, 0);
   done = std::fclose(std::exchange(stream_, nullptr)) == 0 && done;
   done = done && std::rename(path_.c_str(), target.c_str()) == 0;
   if (done) path_.clear();
   discard();
+  if (lock >= 0) close(lock);
   return done;
 }
 
@@ -296,6 +312,22 @@ void DraftFile::discard() {
   if (stream_ != nullptr) std::fclose(std::exchange(stream_, nullptr));
   if (!path_.empty()) std::remove(path_.c_str());
   path_.clear();
+}
+
+void left_drafts_remove(const std::string& path_in_folder) {
+  const std::unique_ptr<DIR, int (*)(DIR*)> folder(opendir(folder_of(path_in_folder).c_str()), closedir);
+  if (folder == nullptr) return;
+  while (const dirent* entry = readdir(folder.get())) {
+    if (std::strncmp(entry->d_name, kDraftName, std::strlen(kDraftName)) != 0) continue;
+    const int flags = O_RDONLY | O_NONBLOCK | O_NOCTTY | O_NOFOLLOW | O_CLOEXEC;
+    const int descriptor = openat(dirfd(folder.get()), entry->d_name, flags);
+    if (descriptor < 0) continue;
+    struct stat status {};
+    const bool is_left =
+        fstat(descriptor, &status) == 0 && S_ISREG(status.st_mode) && flock(descriptor, LOCK_EX | LOCK_NB) == 0;
+    if (is_left) unlinkat(dirfd(folder.get()), entry->d_name, 0);
+    close(descriptor);
+  }
 }
 
 void folder_sync(const std::string& path) {

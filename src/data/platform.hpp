@@ -67,8 +67,8 @@ using File = std::unique_ptr<std::FILE, FileCloser>;
 // that cannot be written. It is gone when it is closed, or when the program is killed. Null if it cannot be made.
 [[nodiscard]] File unnamed_file();
 
-// A file in the making, in the folder where it shall stand. It has no name where the system can do without, so that a
-// program that is killed leaves nothing; else an unpredictable one. It gets the permissions of any new file.
+// A file in the making, in the folder where it shall stand. It has no name where the system can do without, until it is
+// put in place; else an unpredictable one. It gets the permissions of any new file.
 class DraftFile {
  public:
   DraftFile() = default;
@@ -97,6 +97,9 @@ class DraftFile {
   std::string path_;  // empty while it has no name
   bool is_synced_ = false;
 };
+
+// Removes the drafts in the folder of a path whose programs were killed before they could do it themselves.
+void left_drafts_remove(const std::string& path_in_folder);
 
 // Waits until the names in the folder of `path` are on the disk, where the system can do that.
 void folder_sync(const std::string& path);

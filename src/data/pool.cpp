@@ -1,5 +1,6 @@
 #include "data/pool.hpp"
 
+#include <algorithm>
 #include <cstdlib>
 #include <cstring>
 #include <utility>
@@ -55,8 +56,14 @@ char* Pool::new_block() {
 }
 
 // Halves the block size as long as the heap refuses; the lowered size stays.
+void Pool::limit_blocks(int blocks) {
+  max_blocks_ = blocks;
+  blocks_.reserve(static_cast<std::size_t>(std::max(blocks, 0)));
+}
+
 void* Pool::serve_from_new_block(std::int32_t stride) {
   if (blocks() >= max_blocks_) return nullptr;
+  if (blocks_.empty()) limit_blocks(max_blocks_);
   for (; stride <= block_size_; block_size_ /= 2) {
     if (fault_ != nullptr && fault_->refuses()) continue;
     char* start = new_block();

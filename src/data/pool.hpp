@@ -70,8 +70,9 @@ class Pool {
   // Frees every cell. The blocks begin anew; some are kept for the next sentence, and count for nothing until then.
   void release_all();
 
-  // How many blocks it may hold from now on; those that it holds stay.
-  void limit_blocks(int blocks) { max_blocks_ = blocks; }
+  // How many blocks it may hold from now on; those that it holds stay. Takes the room to list them: from here on `alloc`
+  // throws nothing. Throws `std::bad_alloc`.
+  void limit_blocks(int blocks);
   void set_fault(AllocationFault* fault) { fault_ = fault; }
 
   [[nodiscard]] int max_blocks() const { return max_blocks_; }

@@ -130,11 +130,10 @@ std::optional<FileMark> Stamp::mark(std::string_view key) const {
 
 StampState stamp_read(const std::string& path, Stamp& stamp) {
   stamp.lines.clear();
-  std::FILE* stream = regular_file_open(path, "rb");
+  const File stream(regular_file_open(path, "rb"));
   if (stream == nullptr) return errno == ENOENT ? StampState::missing : StampState::damaged;
   std::string content(kMaxStamp + 1, '\0');
-  content.resize(std::fread(content.data(), 1, content.size(), stream));
-  std::fclose(stream);
+  content.resize(std::fread(content.data(), 1, content.size(), stream.get()));
   const bool is_stamp = content.size() <= kMaxStamp && content.starts_with(kFirstLine) && content.back() == '\n';
   if (!is_stamp) return StampState::damaged;
   Stamp read;

@@ -33,6 +33,8 @@
 
 #include <algorithm>
 #include <array>
+#include <cerrno>
+#include <cstring>
 #include <filesystem>
 #include <memory>
 #include <string_view>
@@ -77,6 +79,11 @@ struct Build {
 bool fail(const Build& build, const std::string& message) {
   std::fprintf(build.log, "%s\n", message.c_str());
   return false;
+}
+
+// With the system's words for what has just failed.
+bool fail_with_reason(const Build& build, const std::string& message, int error) {
+  return fail(build, message + ": " + std::strerror(error));
 }
 
 bool fail_sorting(const Build& build) {
@@ -156,7 +163,7 @@ bool plan_names(Build& build) {
 }
 
 bool part_open(const Build& build, PartFile& part) {
-  return part.draft.open_beside(part.target) || fail(build, part.target + ": cannot be created");
+  return part.draft.open_beside(part.target) || fail_with_reason(build, part.target + ": cannot be created", errno);
 }
 
 // --- from the text to sorted records
@@ -182,7 +189,8 @@ bool refuse_bad_lines(const Build& build) {
 bool read_entries(Session& session, Build& build, ItemSorter& records) {
   const std::string& path = build.options.entries;
   const File stream(std::fopen(path.c_str(), "rb"));
-  if (stream == nullptr || !is_a_file(stream.get())) return fail(build, path + ": cannot be opened");
+  const int error = stream == nullptr ? errno : is_a_file(stream.get()) ? 0 : EISDIR;
+  if (error != 0) return fail_with_reason(build, path + ": cannot be opened", error);
   EntryText text(session, stream.get(), build.keys);
   std::int64_t bytes = 0;
   for (EntryText::Line line = text.next(); line != EntryText::Line::end; line = text.next()) {
@@ -330,6 +338,7 @@ bool put_in_place(Build& build) {
   for (PartFile* part : {&build.index, &build.dictionary}) {
     if (!part->draft.sync()) return fail(build, part->target + ": cannot write");
   }
+  left_drafts_remove(build.dictionary.target);
   const std::string stamp_path = pair_stamp_path(build.index.target);
   Stamp stamp;
   if (!pair_stamp(build, stamp)) return fail(build, build.dictionary.target + ": cannot be read back");

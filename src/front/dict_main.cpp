@@ -7,6 +7,7 @@
 #include <exception>
 #include <memory>
 #include <new>
+#include <sstream>
 #include <string>
 #include <vector>
 
@@ -63,45 +64,52 @@ std::string counted(std::int64_t count, const char* one, const char* many) {
   return std::to_string(count) + ' ' + (count == 1 ? one : many);
 }
 
-int run_build(Session& session, Arguments& arguments) {
+// Where answers and messages go.
+struct Streams {
+  std::FILE* out;
+  std::FILE* log;
+};
+
+int run_build(Session& session, Arguments& arguments, const Streams& to) {
   BuildOptions& options = arguments.build;
   for (const std::string& name : arguments.keys) options.key_fields |= key_bit(name);
   options.memory = std::size_t{arguments.memory_mib} << 20;
   BuildFigures figures;
-  if (!dictionary_build(session, options, ShownStream(stderr).stream(), figures)) return kFailed;
-  std::printf("%s in %s (%u blocks), index in %s (%u blocks)", counted(figures.entries, "entry", "entries").c_str(),
-              options.dictionary.c_str(), figures.dictionary_blocks, figures.index.c_str(), figures.index_blocks);
-  if (figures.bad_lines != 0) std::printf(", %s left out", counted(figures.bad_lines, "bad line", "bad lines").c_str());
-  std::printf("\n");
+  if (!dictionary_build(session, options, to.log, figures)) return kFailed;
+  std::fprintf(to.out, "%s in %s (%u blocks), index in %s (%u blocks)",
+               counted(figures.entries, "entry", "entries").c_str(), options.dictionary.c_str(),
+               figures.dictionary_blocks, figures.index.c_str(), figures.index_blocks);
+  if (figures.bad_lines != 0) {
+    std::fprintf(to.out, ", %s left out", counted(figures.bad_lines, "bad line", "bad lines").c_str());
+  }
+  std::fprintf(to.out, "\n");
   return kDone;
 }
 
-int run_list(Session& session, const Arguments& arguments) {
-  const ShownStream out(stdout);
-  return dictionary_list(session, arguments.dictionary, out.stream(), ShownStream(stderr).stream()) ? kDone : kFailed;
+int run_list(Session& session, const Arguments& arguments, const Streams& to) {
+  return dictionary_list(session, arguments.dictionary, to.out, to.log) ? kDone : kFailed;
 }
 
-int run_find(Session& session, const Arguments& arguments, bool by_hw) {
+int run_find(Session& session, const Arguments& arguments, bool by_hw, const Streams& to) {
   const std::string& key = by_hw ? arguments.hw : arguments.cw;
-  const ShownStream out(stdout);
-  const FindResult result = dictionary_find(session, arguments.dictionary, by_hw ? kKeyHw : kKeyCw, key, out.stream(),
-                                            ShownStream(stderr).stream());
-  if (result == FindResult::nothing) std::fprintf(stderr, "nothing is found\n");
+  const FindResult result =
+      dictionary_find(session, arguments.dictionary, by_hw ? kKeyHw : kKeyCw, key, to.out, to.log);
+  if (result == FindResult::nothing) std::fprintf(to.log, "nothing is found\n");
   return result == FindResult::found ? kDone : kFailed;
 }
 
-int run_check(Session& session, const Arguments& arguments) {
+int run_check(Session& session, const Arguments& arguments, const Streams& to) {
   CheckFigures figures;
   const std::size_t memory = std::size_t{arguments.memory_mib} << 20;
-  const bool is_sound = dictionary_check(session, arguments.dictionary, ShownStream(stderr).stream(), memory, figures);
+  const bool is_sound = dictionary_check(session, arguments.dictionary, to.log, memory, figures);
   if (is_sound) {
     const std::string keys = counted(figures.keys - figures.unasked, "key", "keys");
-    std::printf("%s: sound: %s, each found once by each of %s%s\n", arguments.dictionary.c_str(),
-                counted(figures.records, "entry", "entries").c_str(), keys.c_str(),
-                figures.has_stamp ? "" : " (no stamp to compare checksums with)");
+    std::fprintf(to.out, "%s: sound: %s, each found once by each of %s%s\n", arguments.dictionary.c_str(),
+                 counted(figures.records, "entry", "entries").c_str(), keys.c_str(),
+                 figures.has_stamp ? "" : " (no stamp to compare checksums with)");
   } else if (figures.damages != 0) {
-    std::printf("%s: damaged in %s\n", arguments.dictionary.c_str(),
-                counted(figures.damages, "place", "places").c_str());
+    std::fprintf(to.out, "%s: damaged in %s\n", arguments.dictionary.c_str(),
+                 counted(figures.damages, "place", "places").c_str());
   }
   return is_sound ? kDone : kFailed;
 }
@@ -132,7 +140,7 @@ CLI::App* add_with_dictionary(CLI::App& app, const char* name, const char* what,
 }
 
 // Reads the command line and does what it says.
-int run(int argc, char** argv) {
+int run(int argc, char** argv, const Streams& to) {
   Arguments arguments;
   CLI::App app(kAbout, "lexon-dict");
   app.set_version_flag("--version", std::string("lexon-dict ") + LEXON_VERSION);
@@ -150,13 +158,18 @@ int run(int argc, char** argv) {
   try {
     app.parse(argc, argv);
   } catch (const CLI::ParseError& error) {
-    return app.exit(error) == 0 ? kDone : kUsage;
+    std::ostringstream out;
+    std::ostringstream log;
+    const int status = app.exit(error, out, log) == 0 ? kDone : kUsage;
+    std::fputs(out.str().c_str(), to.out);
+    std::fputs(log.str().c_str(), to.log);
+    return status;
   }
   const auto session = std::make_unique<Session>();
-  if (build->parsed()) return run_build(*session, arguments);
-  if (list->parsed()) return run_list(*session, arguments);
-  if (find->parsed()) return run_find(*session, arguments, hw->count() != 0);
-  return run_check(*session, arguments);
+  if (build->parsed()) return run_build(*session, arguments, to);
+  if (list->parsed()) return run_list(*session, arguments, to);
+  if (find->parsed()) return run_find(*session, arguments, hw->count() != 0, to);
+  return run_check(*session, arguments, to);
 }
 
 // The status of a command whose output has to arrive.
@@ -171,12 +184,18 @@ int with_output_written(int status) {
 int main(int argc, char** argv) {
   process_begin();
   try {
-    return with_output_written(run(argc, argv));
+    // A scope of its own: what has been written has left the streams behind it.
+    const int status = [argc, argv] {
+      const ShownStream out(stdout);
+      const ShownStream log(stderr);
+      return run(argc, argv, {out.stream(), log.stream()});
+    }();
+    return with_output_written(status);
   } catch (const std::bad_alloc&) {
-    std::fputs("lexon-dict: memory is exhausted\n", stderr);
+    tell_line("lexon-dict: memory is exhausted");
     return kFailed;
   } catch (const std::exception& error) {
-    std::fprintf(stderr, "lexon-dict: %s\n", error.what());
+    tell_line(std::string("lexon-dict: ") + error.what());
     return kFailed;
   }
 }

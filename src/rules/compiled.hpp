@@ -24,8 +24,8 @@ struct Session;
 [[nodiscard]] Status rule_list_read(Session& session, Pool& pool, Rule*& rules, std::FILE* stream,
                                     std::string* fault = nullptr);
 
-// Writes `rule_matrix`. Returns ok; a disk that is full is told by a ";;" line alone. The stream stays open: its owner
-// closes it.
+// Writes the matrix. Returns ok; of a disk that is full a ";;" line tells alone. `memory`: the index is empty then, as
+// the rule step has failed. The stream stays open: its owner closes it.
 [[nodiscard]] Status rule_matrix_save(Session& session, RuleIndex& index, std::FILE* stream);
 
 // Reads `rule_matrix`, ties it to `rules` and prepares the search. Returns ok or `memory`; `no_effect` if the file's

@@ -281,6 +281,7 @@ Status rule_matrix_save(Session& session, RuleIndex& index, std::FILE* stream) {
       matrix_write(side->forbidding, 0xFF, row_bytes, stream);
     }
   } catch (const std::bad_alloc&) {
+    rule_matrix_clear(index);  // the step has failed, so no rule is in force
     return Status::memory;
   }
   // The matrix in memory is whole, so this run can go on.

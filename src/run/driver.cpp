@@ -7,6 +7,7 @@
 #include <cstring>
 #include <memory>
 #include <new>
+#include <string_view>
 #include <utility>
 
 #include "data/output.hpp"
@@ -56,6 +57,15 @@ Opening open_output(const RunSettings& settings, RunContext& context) {
   return {};
 }
 
+// Why a dictionary cannot be opened, for a message that has its path already.
+std::string reason_of(const Dictionary& dictionary) {
+  std::string_view reason = dictionary.fault;
+  for (const std::string& front : {dictionary.path + ": ", std::string("cannot be opened: ")}) {
+    if (reason.starts_with(front)) reason.remove_prefix(front.size());
+  }
+  return std::string(reason);
+}
+
 PairCheck pair_check_of(const RunSettings& settings) {
   return settings.check_dictionaries ? PairCheck::whole : PairCheck::quick;
 }
@@ -64,11 +74,11 @@ Opening open_dictionary(const RunSettings& settings, RunContext& context) {
   const std::string& path = settings.dictionary_file;
   Dictionary& dictionary = context.dictionary;
   const bool is_open = dictionary_open(path, pair_check_of(settings), dictionary);
-  if (dictionary.dictionary == nullptr) return failure(cannot_open("Dictionary File", path), dictionary.fault);
+  if (dictionary.dictionary == nullptr) return failure(cannot_open("Dictionary File", path), reason_of(dictionary));
   if (dictionary.slots[kKeyCw] == nullptr) {
     return failure("CW : No Index in Dictionary File : " + path + "!", "no dictionary that lexon-dict has built");
   }
-  return is_open ? Opening{} : failure(cannot_open("Dictionary Index File", path), dictionary.fault);
+  return is_open ? Opening{} : failure(cannot_open("Dictionary Index File", path), reason_of(dictionary));
 }
 
 Opening open_input(const RunSettings& settings, RunContext& context) {
@@ -101,7 +111,7 @@ Opening open_cr_dictionary(const RunSettings& settings, RunContext& context, Hos
   if (is_open) return {};
   dictionary.dictionary.reset();
   const bool goes_on =
-      host.ask_yes_no(cannot_open("Cooccurrence Dictionary File", path) + " continue?", dictionary.fault);
+      host.ask_yes_no(cannot_open("Cooccurrence Dictionary File", path) + " continue?", reason_of(dictionary));
   return goes_on ? Opening{} : failure({});
 }
 

@@ -249,6 +249,7 @@ void rule_files_finish(RunContext& context, bool succeeded) {
   const bool writes = context.rebuild_matrix && !context.in_memory;
   if (writes) {
     const FolderLock lock(context.compiled_rules.path);
+    left_drafts_remove(context.compiled_rules.path);
     if (context.convert) {
       finish_pair(context, succeeded);
     } else {

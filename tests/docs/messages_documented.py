@@ -57,18 +57,28 @@ def messages(folder):
 
 
 def lines_of(text):
-    """The lines of a message as expressions to look for, and as they may be shown."""
+    """The lines of a message: the fixed pieces of each, to look for in this order, and as it may be shown."""
     for line in text.split("\n"):
         line = line.strip()
-        pieces = [re.escape(piece.strip()) for piece in CONVERSION.split(line)]
         if re.search(r"[A-Za-z;=]{2,}", CONVERSION.sub("", line)):
-            yield line, re.compile(r"[^\n`]*".join(pieces).replace(r"\	", r"\s+"))
+            yield line, [" ".join(piece.split()) for piece in CONVERSION.split(line)]
+
+
+def has_pieces(shown, pieces):
+    at = 0
+    for piece in pieces:
+        at = shown.find(piece, at)
+        if at < 0:
+            return False
+        at += len(piece)
+    return True
 
 
 def code_of(page):
     blocks = re.findall(r"^```[^\n]*\n(.*?)^```", page, re.M | re.S)
     inline = re.findall(r"(`+)(.+?)\1", re.sub(r"^```.*?^```", "", page, flags=re.M | re.S))
-    return "\n".join(blocks + [code.replace("\\|", "|") for _, code in inline])
+    lines = "\n".join(blocks + [code.replace("\\|", "|") for _, code in inline]).split("\n")
+    return [" ".join(line.split()) for line in lines]
 
 
 def main():
@@ -78,11 +88,11 @@ def main():
     code = code_of((ROOT / "docs" / "messages.md").read_text())
     found, missing = 0, 0
     for name, text in messages(folder):
-        for line, wanted in lines_of(text):
+        for line, pieces in lines_of(text):
             found += 1
             if shows:
                 print(f"{name}: {line}")
-            elif not wanted.search(code):
+            elif not any(has_pieces(shown, pieces) for shown in code):
                 missing += 1
                 print(f"{name}: not in docs/messages.md: {line}")
     if found < 150:
