@@ -1,22 +1,17 @@
 // What a step of the search costs, in time and in memory; what a sentence costs with and without its trace; whether a
-// long run grows; and what it costs to hand a sentence to the worker
-// thread, alone on the machine and in a crowd.
+// long run grows.
 
 #include <benchmark/benchmark.h>
 #include <unistd.h>
 
 #include <algorithm>
-#include <chrono>
 #include <cstdio>
 #include <cstdlib>
 #include <ctime>
 #include <filesystem>
 #include <fstream>
-#include <numeric>
-#include <stop_token>
 #include <string>
 #include <string_view>
-#include <thread>
 #include <utility>
 #include <vector>
 
@@ -27,19 +22,16 @@
 #include "rules/matrix.hpp"
 #include "rules/parser.hpp"
 #include "run/render.hpp"
-#include "run/step.hpp"
-#include "run/workers.hpp"
 #include "support/grammar.hpp"
 
 namespace lexon {
 
-using lexon::test::session;
 using lexon::test::grammar;
 using lexon::test::index_build;
+using lexon::test::session;
 namespace {
 
 namespace fs = std::filesystem;
-using Clock = std::chrono::steady_clock;
 
 // ---- A language whose search is as long as the sentence asks for.
 //
@@ -100,11 +92,8 @@ struct Language {
   Language& operator=(const Language&) = delete;
 
   bool read_rules() {
-    const std::string_view text = kRules;
-    std::FILE* stream = fmemopen(const_cast<char*>(text.data()), text.size(), "r");
-    const bool parsed = stream != nullptr && parse_rule_file(session, grammar.pool, stream, rules) == Status::ok;
-    if (stream != nullptr) std::fclose(stream);
-    return parsed && index_build(rules) == Status::ok;
+    std::string_view text = kRules;
+    return parse_rule_file(session, grammar.pool, text, rules) == Status::ok && index_build(rules) == Status::ok;
   }
 
   [[nodiscard]] std::string path(const char* name) const { return (folder / name).string(); }
@@ -112,7 +101,8 @@ struct Language {
   [[nodiscard]] bool build() const {
     std::ofstream(path("entries.txt"), std::ios::binary) << entries_text();
     BuildFigures figures;
-    return dictionary_build(session, {.entries = path("entries.txt"), .dictionary = path("words.dic")}, stderr, figures);
+    return dictionary_build(session, {.entries = path("entries.txt"), .dictionary = path("words.dic")}, stderr,
+                            figures);
   }
 
   fs::path folder;
@@ -160,7 +150,7 @@ Taken render(Language& language, std::FILE* input) {
   const double start = processor_seconds();
   const Status status = render_sentence(session, language.opened.files(), input, text, {}, true);
   const double seconds = processor_seconds() - start;
-  const Taken taken{seconds, pool_figures().sentence_bytes_used, status == Status::ok};
+  const Taken taken{seconds, session.pool.bytes_used(), status == Status::ok};
   session.pool.release_all();
   return taken;
 }
@@ -204,20 +194,16 @@ void search_step(benchmark::State& run, Language& language, int right_words) {
 // Counts the steps of a sentence by their banners in the trace.
 int steps_traced(Language& language, int right_words) {
   constexpr std::string_view kBanner = "== BACKTRACK-1 ==";
-  char* trace = nullptr;
-  std::size_t size = 0;
-  std::FILE* stream = open_memstream(&trace, &size);
-  std::FILE* before = std::exchange(session.output, stream);
+  std::FILE* before = session.output.stream();
+  session.output.redirect(nullptr);
   session.state.trace_level = 3;
   Input input(right_words);
   (void)render_again(language, input);
   session.state.trace_level = 0;
-  session.output = before;
-  std::fclose(stream);
+  const std::string text = session.output.take();
+  session.output.redirect(before);
   int steps = 0;
-  const std::string_view text(trace, size);
   for (auto at = text.find(kBanner); at != text.npos; at = text.find(kBanner, at + 1)) ++steps;
-  std::free(trace);
   return steps;
 }
 
@@ -239,9 +225,10 @@ ssize_t count_write(void* count, const char*, std::size_t size) {
 int writes_of_sentence(Language& language, Input& input) {
   int writes = 0;
   std::FILE* stream = fopencookie(&writes, "w", {nullptr, count_write, nullptr, nullptr});
-  std::FILE* before = std::exchange(session.output, stream);
+  std::FILE* before = session.output.stream();
+  session.output.redirect(stream);
   (void)render_again(language, input);
-  session.output = before;
+  session.output.redirect(before);
   std::fclose(stream);
   return writes;
 }
@@ -292,69 +279,6 @@ void long_run(benchmark::State& run, Language& language) {
   run.counters["sentences/s"] = benchmark::Counter(kSentences, benchmark::Counter::kIsRate);
 }
 
-// ---- The worker.
-
-template <typename Work>
-double microseconds(Work work) {
-  const auto start = Clock::now();
-  work();
-  return std::chrono::duration<double, std::micro>(Clock::now() - start).count();
-}
-
-// As a front end waits for a step.
-void step_run(ProgressState& progress, RunContext& context) {
-  step_begin(session, grammar.pool, grammar.index, progress, context, "sentence no.", 1);
-  do {
-    progress.worker.wait_until(Clock::now() + kTick);
-  } while (!step_end_if_done(progress));
-}
-
-// Programs that want every processor for themselves.
-class Crowd {
- public:
-  explicit Crowd(bool is_there) {
-    if (!is_there) return;
-    for (unsigned i = 0; i < std::max(1U, std::thread::hardware_concurrency()); ++i) {
-      members_.emplace_back([](const std::stop_token& stop) {
-        while (!stop.stop_requested()) {
-        }
-      });
-    }
-  }
-
- private:
-  std::vector<std::jthread> members_;
-};
-
-// A batch of short sentences, each rendered on the worker and beside it on this thread.
-void step_beside_sentence(benchmark::State& run, Language& language, bool is_crowded) {
-  constexpr int kSentences = 10'000;
-  RunContext context;
-  context.dictionary = language.opened.dictionary.get();
-  context.dictionary_index = language.opened.index.get();
-  context.dictionary_slots = language.opened.slots;
-  context.rules = language.rules;
-  context.rule_step_done = true;
-  const Crowd crowd(is_crowded);
-  for ([[maybe_unused]] auto _ : run) {
-    ProgressState progress;
-    Input input(0, 2 * kSentences);
-    context.input = input.stream();
-    std::vector<double> on_worker;
-    std::vector<double> here;
-    for (int i = 0; i < kSentences; ++i) {
-      on_worker.push_back(microseconds([&] { step_run(progress, context); }));
-      here.push_back(microseconds([&] { sentence_worker(session, context); }));
-      if (run_status != run_state::finished) return run.SkipWithError("a sentence failed");
-    }
-    run.counters["sentence_us"] = median(here);
-    run.counters["step_us"] = median(on_worker);
-    run.counters["overhead_us"] = median(on_worker) - median(here);
-    run.counters["mean_step_us"] = std::reduce(on_worker.begin(), on_worker.end()) / kSentences;
-  }
-  session.state.stack_limit = nullptr;
-}
-
 void register_all(Language& language) {
   const auto add = [&](const std::string& name, auto body, auto... arguments) {
     const auto bound = [&language, body, arguments...](benchmark::State& run) { body(run, language, arguments...); };
@@ -370,15 +294,13 @@ void register_all(Language& language) {
         ->Repetitions(3);
   }
   add("long_run", long_run)->Iterations(1)->Unit(benchmark::kSecond);
-  add("step", step_beside_sentence, false)->Iterations(1)->Unit(benchmark::kSecond);
-  add("step_in_a_crowd", step_beside_sentence, true)->Iterations(1)->Unit(benchmark::kSecond);
 }
 
 }  // namespace
 }  // namespace lexon
 
 int main(int argc, char** argv) {
-  lexon::session.output = std::fopen("/dev/null", "w");
+  lexon::session.output.redirect(std::fopen("/dev/null", "w"));
   lexon::Language language;
   if (!language.is_good || !lexon::steps_are_as_told(language)) return 1;
   lexon::register_all(language);
@@ -388,6 +310,5 @@ int main(int argc, char** argv) {
       {{"a step of 10 against one of 10,000", "search_step/10", "search_step/10000", kSteady},
        {"a step of 100 against one of 10,000", "search_step/100", "search_step/10000", kSteady},
        {"a step of 1,000 against one of 10,000", "search_step/1000", "search_step/10000", kSteady},
-       {"a sentence at trace level 4 against level 0", "sentence/level:4", "sentence/level:0", "for comparison"},
-       {"short sentences in a crowd against alone", "step_in_a_crowd", "step", "a fair share, about 2 to 4"}});
+       {"a sentence at trace level 4 against level 0", "sentence/level:4", "sentence/level:0", "for comparison"}});
 }

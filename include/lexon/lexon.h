@@ -75,6 +75,20 @@ LEXON_C_API const char* lexon_version(void);
 LEXON_C_API lexon_grammar* lexon_grammar_load(const char* dictionary, const char* rules, const char* cooccurrence);
 LEXON_C_API lexon_grammar* lexon_grammar_from_text(const char* dictionary, const char* rules, size_t size,
                                                    const char* cooccurrence);
+
+/* What lexon_grammar_open takes; zeros for what is not wanted. */
+typedef struct lexon_grammar_files {
+  const char* dictionary;
+  const char* rules; /* not looked at if there is `rules_text` */
+  const char* cooccurrence;
+  const char* rules_text; /* of `rules_size` bytes, that need not end with a zero; not kept */
+  size_t rules_size;
+  int blocks; /* memory for the rules and a sentence of each generator together, in blocks of 65535 bytes; 0: 200 */
+} lexon_grammar_files;
+
+/* The same as the two above, with all that there is to choose. */
+LEXON_C_API lexon_grammar* lexon_grammar_open(const lexon_grammar_files* files);
+
 /* Generators that use the grammar stay usable. */
 LEXON_C_API void lexon_grammar_free(lexon_grammar* grammar);
 

@@ -112,6 +112,12 @@ def _bytes(text: Text, encoding: str) -> bytes:
     raise TypeError(f"a graph is str or bytes, not {type(text).__name__}")
 
 
+def _block_count(blocks: int) -> int:
+    if not 1 <= blocks <= 65535:
+        raise ValueError("blocks is 1 to 65535")
+    return blocks
+
+
 def _processors() -> int:
     return len(os.sched_getaffinity(0)) if hasattr(os, "sched_getaffinity") else os.cpu_count() or 1
 
@@ -126,24 +132,42 @@ class Grammar:
     `encoding` is the one that dictionary, rules and graphs are in. Bytes that it does not know survive as
     "surrogateescape".
 
+    `blocks` is the memory for the rules and a sentence of each thread together, in blocks of 65535 bytes, 1 to 65535;
+    rule bases of more than some 27,000 short rules need more than 200.
+
     Raises GrammarError, with file and line, if the grammar cannot be used. Faults that leave it usable, such as rules
     that are refused, stand in `messages`, and the first shows as a GrammarWarning. A grammar can be pickled by its
     files.
     """
 
-    def __init__(self, dictionary: Path, rules: Path, cooccurrence: Optional[Path] = None, *, encoding: str = "utf-8"):
+    def __init__(
+        self,
+        dictionary: Path,
+        rules: Path,
+        cooccurrence: Optional[Path] = None,
+        *,
+        encoding: str = "utf-8",
+        blocks: int = 200,
+    ):
         files = [os.fsencode(path) if path is not None else b"" for path in (dictionary, rules, cooccurrence)]
-        self._set_up(_core.load(*files), encoding, (Grammar, (dictionary, rules, cooccurrence), encoding))
+        renderer = _core.load(*files, _block_count(blocks))
+        self._set_up(renderer, encoding, (Grammar, (dictionary, rules, cooccurrence), encoding, blocks))
 
     @classmethod
     def from_text(
-        cls, rules: Text, dictionary: Path, cooccurrence: Optional[Path] = None, *, encoding: str = "utf-8"
+        cls,
+        rules: Text,
+        dictionary: Path,
+        cooccurrence: Optional[Path] = None,
+        *,
+        encoding: str = "utf-8",
+        blocks: int = 200,
     ) -> "Grammar":
         """A grammar with rules from memory, `rules` being the text itself. Messages about them name no file."""
         grammar = cls.__new__(cls)
         other = os.fsencode(cooccurrence) if cooccurrence is not None else b""
-        renderer = _core.from_text(_bytes(rules, encoding), os.fsencode(dictionary), other)
-        grammar._set_up(renderer, encoding, (cls.from_text, (rules, dictionary, cooccurrence), encoding))
+        renderer = _core.from_text(_bytes(rules, encoding), os.fsencode(dictionary), other, _block_count(blocks))
+        grammar._set_up(renderer, encoding, (cls.from_text, (rules, dictionary, cooccurrence), encoding, blocks))
         return grammar
 
     def _set_up(self, renderer: _core.Renderer, encoding: str, origin: Any) -> None:
@@ -255,8 +279,8 @@ class Grammar:
         return Sentence(self._text(text), status, code, self._text(label), found, self._text(trace), *figures)
 
 
-def _restore(make: Any, words: Any, encoding: str) -> Grammar:
-    return make(*words, encoding=encoding)
+def _restore(make: Any, words: Any, encoding: str, blocks: int) -> Grammar:
+    return make(*words, encoding=encoding, blocks=blocks)
 
 
 def _shown(graph: Text) -> str:

@@ -92,19 +92,17 @@ py::tuple tuple_of(const lexon::Sentence& sentence) {
                         sentence.seconds);
 }
 
-std::unique_ptr<Renderer> load(const std::string& dictionary, const std::string& rules,
-                               const std::string& cooccurrence) {
+std::unique_ptr<Renderer> load(const std::string& dictionary, const std::string& rules, const std::string& cooccurrence,
+                               int blocks) {
   const py::gil_scoped_release unlocked;
-  return std::make_unique<Renderer>(
-      lexon::Grammar::load({.dictionary = dictionary, .rules = rules, .cooccurrence = cooccurrence}));
+  return std::make_unique<Renderer>(lexon::Grammar::load({dictionary, rules, cooccurrence, blocks}));
 }
 
 std::unique_ptr<Renderer> from_text(const py::bytes& rules, const std::string& dictionary,
-                                    const std::string& cooccurrence) {
+                                    const std::string& cooccurrence, int blocks) {
   const std::string_view text = view_of(rules);
   const py::gil_scoped_release unlocked;
-  return std::make_unique<Renderer>(
-      lexon::Grammar::from_text(text, {.dictionary = dictionary, .rules = {}, .cooccurrence = cooccurrence}));
+  return std::make_unique<Renderer>(lexon::Grammar::from_text(text, {dictionary, {}, cooccurrence, blocks}));
 }
 
 // False when a signal has raised an exception, or another thread wants an end.
@@ -141,8 +139,9 @@ PYBIND11_MODULE(_core, module) {
   module.doc() = "The library in its plainest form; see the package lexon.";
   module.def("version", &lexon::version);
   module.def("split", &split, py::arg("graphs"));
-  module.def("load", &load, py::arg("dictionary"), py::arg("rules"), py::arg("cooccurrence"));
-  module.def("from_text", &from_text, py::arg("rules"), py::arg("dictionary"), py::arg("cooccurrence"));
+  module.def("load", &load, py::arg("dictionary"), py::arg("rules"), py::arg("cooccurrence"), py::arg("blocks"));
+  module.def("from_text", &from_text, py::arg("rules"), py::arg("dictionary"), py::arg("cooccurrence"),
+             py::arg("blocks"));
   py::class_<Stop>(module, "Stop").def(py::init<>()).def("set", &Stop::set);
   py::class_<Renderer>(module, "Renderer")
       .def("is_usable", [](const Renderer& self) { return self.grammar().is_usable(); })

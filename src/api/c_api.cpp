@@ -27,9 +27,11 @@ auto made(Make make) -> decltype(make()) {
   }
 }
 
-lexon::GrammarFiles files_of(const char* dictionary, const char* rules, const char* cooccurrence) {
+lexon::GrammarFiles paths_of(const lexon_grammar_files& files) {
   const auto text = [](const char* path) { return std::string(path != nullptr ? path : ""); };
-  return {text(dictionary), text(rules), text(cooccurrence)};
+  lexon::GrammarFiles paths{text(files.dictionary), text(files.rules), text(files.cooccurrence)};
+  if (files.blocks != 0) paths.blocks = files.blocks;
+  return paths;
 }
 
 lexon_message shown(const lexon::Message& message) {
@@ -52,14 +54,25 @@ const char* lexon_version(void) {
 }
 
 lexon_grammar* lexon_grammar_load(const char* dictionary, const char* rules, const char* cooccurrence) {
-  return made([&] { return new lexon_grammar{lexon::Grammar::load(files_of(dictionary, rules, cooccurrence))}; });
+  const lexon_grammar_files files{dictionary, rules, cooccurrence, nullptr, 0, 0};
+  return lexon_grammar_open(&files);
 }
 
 lexon_grammar* lexon_grammar_from_text(const char* dictionary, const char* rules, size_t size,
                                        const char* cooccurrence) {
-  const std::string_view text = rules != nullptr ? std::string_view(rules, size) : std::string_view();
-  return made(
-      [&] { return new lexon_grammar{lexon::Grammar::from_text(text, files_of(dictionary, nullptr, cooccurrence))}; });
+  const lexon_grammar_files files{
+      dictionary, nullptr, cooccurrence, rules != nullptr ? rules : "", rules != nullptr ? size : 0, 0};
+  return lexon_grammar_open(&files);
+}
+
+lexon_grammar* lexon_grammar_open(const lexon_grammar_files* files) {
+  if (files == nullptr) return nullptr;
+  return made([files] {
+    const lexon::GrammarFiles paths = paths_of(*files);
+    return new lexon_grammar{files->rules_text != nullptr
+                                 ? lexon::Grammar::from_text({files->rules_text, files->rules_size}, paths)
+                                 : lexon::Grammar::load(paths)};
+  });
 }
 
 void lexon_grammar_free(lexon_grammar* grammar) {

@@ -14,6 +14,7 @@
 #include "run/files.hpp"
 #include "run/notes.hpp"
 #include "run/render.hpp"
+#include "run/settings.hpp"
 
 namespace lexon::core {
 

@@ -1,6 +1,7 @@
 // Loading a grammar: the dictionaries are opened, the rules compiled in memory; what is wrong becomes messages.
 #include "api/inside.hpp"
 
+#include <algorithm>
 #include <cerrno>
 #include <cstdlib>
 #include <cstring>
@@ -34,7 +35,7 @@ bool finish(RuleStep& step, core::Status status) {
   }
   if (status == core::Status::ok) {
     status = rule_matrix_build(step.session, step.grammar.index, step.grammar.rules);
-    if (status != core::Status::ok) error_append(step.messages, step.file, "no room for the rules");
+    if (status != core::Status::ok) error_append(step.messages, step.file, kNoRoomForRules);
   }
   return status == core::Status::ok;
 }
@@ -50,7 +51,7 @@ bool parse(RuleStep& step, TextSource source) {
 bool load_compiled(RuleStep& step, std::FILE* stream) {
   std::string fault;
   const core::Status status = rule_list_read(step.session, step.grammar.pool, step.grammar.rules, stream, &fault);
-  if (status == core::Status::memory) error_append(step.messages, step.file, "no room for the rules");
+  if (status == core::Status::memory) error_append(step.messages, step.file, kNoRoomForRules);
   if (!fault.empty()) fault_append(step.messages, step.file, fault);
   return finish(step, status);
 }
@@ -100,6 +101,7 @@ void load_all(LoadedGrammar& grammar, const GrammarFiles& files, const std::stri
               LoadRules load_rules_of) {
   bool is_usable = open_words(grammar.words, files.dictionary, grammar.messages);
   if (!files.cooccurrence.empty()) is_usable = open_cooccurrence(grammar, files.cooccurrence) && is_usable;
+  grammar.rules.pool.limit_blocks(std::clamp(files.blocks, 1, kMostBlocks));
   const auto session = std::make_unique<Session>();
   RuleStep step{*session, grammar.rules, grammar.messages, rule_file};
   grammar.is_usable = load_rules_of(step) && is_usable;

@@ -34,8 +34,7 @@ void rule_notes_append(std::vector<Message>& messages, const std::string& file, 
     error_append(messages, file,
                  "no rule is in force, as the last line is refused: mend it, or end the text with an empty line");
   }
-  if (notes.memory_line != 0)
-    messages.push_back({MessageKind::error, file, notes.memory_line, 0, "no room for the rules"});
+  if (notes.memory_line != 0) messages.push_back({MessageKind::error, file, notes.memory_line, 0, kNoRoomForRules});
 }
 
 }  // namespace v1

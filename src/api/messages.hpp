@@ -9,6 +9,9 @@
 namespace lexon {
 inline namespace v1 {
 
+// What there is for them comes from `GrammarFiles::blocks`.
+inline constexpr const char* kNoRoomForRules = "no room for the rules; more `blocks` make room for them";
+
 // An error about `file` as a whole.
 void error_append(std::vector<Message>& messages, const std::string& file, std::string text);
 

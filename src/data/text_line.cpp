@@ -1,5 +1,7 @@
 #include "data/text_line.hpp"
 
+#include <algorithm>
+#include <cstring>
 #include <string_view>
 
 #include "data/utf8.hpp"
@@ -13,6 +15,17 @@ int TextSource::next_in_memory() {
   const char c = (*rest_)[length - 1];
   rest_->remove_prefix(length);
   return static_cast<unsigned char>(c);
+}
+
+int TextSource::take_plain(char* to, int most) {
+  if (rest_ == nullptr) return 0;
+  const std::string_view line = rest_->substr(0, static_cast<std::size_t>(most));
+  const std::size_t length = std::min(line.find('\n'), line.size() - 1) + 1;
+  if (line.empty() || line.substr(0, length).find('\r') != std::string_view::npos) return 0;
+  std::memcpy(to, line.data(), length);
+  if (copy_ != nullptr) copy_->append(line.substr(0, length));
+  rest_->remove_prefix(length);
+  return static_cast<int>(length);
 }
 
 int TextSource::next_in_file() {
@@ -68,12 +81,11 @@ void watch_piece(TextWatch& watch, std::string_view piece) {
 }  // namespace
 
 bool text_line_read(TextSource source, char* buffer, int size, TextWatch* watch) {
-  int length = 0;
-  while (length < size - 1) {
+  int length = source.take_plain(buffer, size - 1);
+  while (length < size - 1 && (length == 0 || buffer[length - 1] != '\n')) {
     const int c = source.next();
     if (c == EOF) break;
     buffer[length++] = static_cast<char>(c);
-    if (c == '\n') break;
   }
   if (length == 0) return false;
   buffer[length] = '\0';

@@ -20,8 +20,8 @@ struct TextWatch {
   std::int64_t long_line = 0;  // the first that came in pieces
 };
 
-// Where text is read from: a file, memory, or memory and behind it a file. A handle, to be copied; the place of reading lies in what it stands for,
-// and moves on there.
+// Where text is read from: a file, memory, or memory and behind it a file. A handle, to be copied; the place of reading
+// lies in what it stands for, and moves on there.
 class TextSource {
  public:
   // The stream is not owned.
@@ -37,6 +37,10 @@ class TextSource {
   [[nodiscard]] int next() {
     return rest_ == nullptr || (rest_->empty() && stream_ != nullptr) ? next_in_file() : next_in_memory();
   }
+
+  // Of a text in memory: takes its next line into `to`, or the first `most` characters of it. Returns how many; 0 if
+  // the line holds a CR, or nothing is left: `next` goes on there.
+  [[nodiscard]] int take_plain(char* to, int most);
 
   // The file; null for memory.
   [[nodiscard]] std::FILE* stream() const { return stream_; }

@@ -127,7 +127,8 @@ TEST_F(Library, RendersDeepScopesForACallerWithASmallStack) {
 }
 
 TEST_F(Library, CHasTheSame) {
-  lexon_grammar* grammar = lexon_grammar_from_text(dictionary().c_str(), "R{a}{b}\n", 8, nullptr);
+  const std::string words = dictionary();
+  lexon_grammar* grammar = lexon_grammar_from_text(words.c_str(), "R{a}{b}\n", 8, nullptr);
   ASSERT_NE(grammar, nullptr);
   EXPECT_EQ(lexon_grammar_rule_count(grammar), 1U);
   ASSERT_EQ(lexon_grammar_message_count(grammar), 1U);
@@ -135,7 +136,15 @@ TEST_F(Library, CHasTheSame) {
   EXPECT_EQ(lexon_grammar_message(grammar, 0).line, 1);
   lexon_grammar_free(grammar);
 
-  grammar = lexon_grammar_from_text(dictionary().c_str(), kRules, std::strlen(kRules), nullptr);
+  lexon_grammar_files files{};
+  files.dictionary = words.c_str();
+  files.rules_text = kRules;
+  files.rules_size = std::strlen(kRules);
+  files.blocks = 1;
+  grammar = lexon_grammar_open(&files);
+  EXPECT_EQ(lexon_grammar_is_usable(grammar), 1);
+  lexon_grammar_free(grammar);
+  grammar = lexon_grammar_from_text(words.c_str(), kRules, std::strlen(kRules), nullptr);
   lexon_generator* generator = lexon_generator_new(grammar);
   lexon_grammar_free(grammar);
   const std::string graphs = std::string(kDog) + "[S:2]\n[/S]\n";

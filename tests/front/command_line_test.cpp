@@ -28,6 +28,7 @@ std::string dump(const CommandLine& line) {
   add_number("trace", s.trace_level, 1);
   add_number("time", s.max_time_per_sentence, 0);
   add_number("blocks", s.blocks, 200);
+  add_number("jobs", line.jobs.value_or(-1), -1);
   add_flag("strict", s.strict, false);
   add_flag("go", s.run_at_once, false);
   add_flag("window", s.show_progress, false);
@@ -83,6 +84,12 @@ const Row kRows[] = {
     {"blocks", {"--blocks", "300", "-L2"}, "trace=2 blocks=300 "},
     {"blocks joined, strict", {"--strict", "--blocks=9"}, "blocks=9 strict+ "},
     {"blocks that are no number", {"--blocks", "9x"}, "error: --blocks wants a number from 1 to 65535, not \"9x\""},
+    {"jobs", {"-J4", "-L2"}, "trace=2 jobs=4 "},
+    {"jobs as a word of their own, all processors", {"-j", "0"}, "jobs=0 "},
+    {"jobs, long", {"--jobs=3"}, "jobs=3 "},
+    {"jobs, the last counts", {"-j2", "--jobs", "256"}, "jobs=2 "},
+    {"too many jobs", {"-j257"}, "error: -J wants a number from 0 to 256, not \"257\""},
+    {"jobs without a number", {"-J"}, "error: -J wants a number from 0 to 256, not \"\""},
     {"unknown long option", {"--fast"}, "error: unknown option: --fast"},
 };
 

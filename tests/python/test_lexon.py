@@ -251,6 +251,17 @@ if child:
 """
 
 
+def test_blocks_are_the_memory_of_rules_and_sentences(words):
+    rules = RULES + "".join(f"R{{N,^m{i}:+m{i}}}{{OK,n{i}}}P2;\n" for i in range(20000))
+    with pytest.raises(lexon.GrammarError, match="blocks"):
+        lexon.Grammar.from_text(rules, words, blocks=20)
+    grammar = lexon.Grammar.from_text(rules, words, blocks=600)
+    assert pickle.loads(pickle.dumps(grammar)).rule_count == 20003
+    for blocks in (0, 65536):
+        with pytest.raises(ValueError, match="blocks"):
+            lexon.Grammar.from_text(RULES, words, blocks=blocks)
+
+
 def test_a_grammar_goes_to_other_processes(grammar, words):
     assert pickle.loads(pickle.dumps(grammar)).render(DOG).text == "dog"
     done = subprocess.run([sys.executable, "-c", FORKED, RULES, words, DOG], capture_output=True, text=True, timeout=60)
