@@ -106,6 +106,7 @@ void split_sense(Concept& word, const std::string& text) {
                          std::all_of(text.begin() + static_cast<std::ptrdiff_t>(dash) + 1, text.end(), is_digit);
   word.name = has_sense ? text.substr(0, dash) : text;
   word.sense = has_sense ? text.substr(dash + 1) : "";
+  if (has_sense) attribute_add(word, "@v");
 }
 
 // A role as it is written, cut into its name and its direction. A few names end in "-of" by themselves.

@@ -43,7 +43,7 @@ int mention_of(Rewriter& graph, int at) {
   Concept& word = graph.word(made);
   word.sense = model.sense;
   word.is_text = model.is_text;
-  for (const char* kept : {"@person", "@pl", "@name", "@p1", "@p2", "@p3", "@agent", "@measure"}) {
+  for (const char* kept : {"@v", "@person", "@pl", "@name", "@p1", "@p2", "@p3", "@agent", "@measure"}) {
     if (has_attribute(model, kept)) attribute_add(word, kept);
   }
   attribute_add(word, "@ref");

@@ -195,10 +195,11 @@ void degree_apply(Rewriter& graph, int at, bool is_quantity) {
   if (const int led = graph.child(at, "ARG3"); led >= 0) {
     const int degree = graph.arc(led).to;
     const char* attribute = degree_attribute(graph.word(degree));
-    if (attribute != nullptr && graph.children(degree).empty() && graph.mentions(degree) == 1) {
+    if (attribute != nullptr && graph.mentions(degree) == 1) {
       attribute_add(graph.word(quality), attribute);
       graph.settle_concept(degree, Fate::attribute);
       graph.remove(led, Fate::attribute);
+      graph.move_children(degree, quality);
     } else {
       graph.replace(led, quality, degree, "degree");
     }

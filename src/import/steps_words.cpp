@@ -133,9 +133,11 @@ void step_quantities(Meaning& meaning) {
 
 void step_pronouns(Meaning& meaning) {
   Rewriter graph(meaning, "pronouns");
-  for (Concept& word : meaning.concepts) {
-    const bool is_bare = word.sense.empty() && (word.name == "person" || word.name == "thing" ||
-                                                word.name == "animal" || word.name == "individual-person");
+  for (int at = 0; at < graph.count(); ++at) {
+    Concept& word = graph.word(at);
+    const bool is_bare =
+        word.sense.empty() && graph.children(at).empty() &&
+        (word.name == "person" || word.name == "thing" || word.name == "animal" || word.name == "individual-person");
     if (!is_bare) continue;
     const bool is_many = has_attribute(word, "@pl");
     const char* name = nullptr;
