@@ -1,0 +1,349 @@
+#!/usr/bin/env python3
+"""Makes a dictionary for examples/amr-english from what a user has: PropBank frame files, a UniMorph table of English
+verbs, and the files of WordNet 3.0.
+
+    make_dictionary.py --frames FOLDER --forms unimorph.tsv --wordnet FOLDER --own entries.txt ... -o entries.txt
+
+Entries of --own stand first and replace what would be made for the same concept word. The attributes are those of the
+grammar: V with BASE PAST PTCP ING, N with PL, ADJ with CMP and SUP, ADV; HUM for people, TIM for times, MASS for what
+is not counted; SA1 for a verb whose ARG1 is its subject, pNx for the preposition x of ARGn, INFn for an infinitive."""
+import argparse
+import collections
+import pathlib
+import re
+import xml.etree.ElementTree as ET
+
+VOWEL = re.compile(r"(?!(uni|use|usu|uti|eu|one\b|once|ubi|ura))(?:[aeiou]|hour|honest|honou?r|heir)", re.I)
+PREPOSITIONS = set("about above across after against along among around as at before behind between by for from in into "
+                   "like near of off on onto out over through to toward towards under upon with within without".split())
+MASS_FILES = {7, 12, 27, 26, 19}
+
+
+def vowel(form):
+    return ",VOW" if VOWEL.match(form) else ""
+
+
+def short(word):
+    """One syllable, or two that end in y."""
+    return len(re.findall(r"[aeiouy]+", re.sub(r"e$", "", word))) <= 1
+
+
+def plural(noun):
+    if re.search(r"[^aeiou]y$", noun):
+        return noun[:-1] + "ies"
+    if re.search(r"(s|x|z|ch|sh)$", noun):
+        return noun + "es"
+    if re.search(r"man$", noun) and noun not in ("human", "german", "roman", "woman"):
+        return noun[:-2] + "en"
+    return noun + "s"
+
+
+def double(word):
+    return word + word[-1] if re.search(r"(^|[^aeiou])[aeiou][bdgklmnprt]$", word) and short(word) else word
+
+
+def verb_rule(base):
+    if base.endswith("e"):
+        past, ing = base + "d", base[:-1] + "ing" if not base.endswith(("ee", "oe", "ye")) else base + "ing"
+    elif re.search(r"[^aeiou]y$", base):
+        past, ing = base[:-1] + "ied", base + "ing"
+    else:
+        past, ing = double(base) + "ed", double(base) + "ing"
+    third = base[:-1] + "ies" if re.search(r"[^aeiou]y$", base) else \
+        base + "es" if re.search(r"(s|x|z|ch|sh|o)$", base) else base + "s"
+    return {"BASE": base, "PAST": past, "PTCP": past, "ING": ing, "S": third}
+
+
+def compared(adjective, ending):
+    if adjective.endswith("e"):
+        return adjective + ending[1:]
+    if re.search(r"[^aeiou]y$", adjective):
+        return adjective[:-1] + "i" + ending
+    return double(adjective) + ending
+
+
+class Sources:
+    def __init__(self, arguments):
+        self.forms = collections.defaultdict(dict)
+        if arguments.forms:
+            tags = {"V;PST": "PAST", "V;V.PTCP;PST": "PTCP", "V;V.PTCP;PRS": "ING", "V;3;SG;PRS": "S", "V;PRS;NOM(3,SG)": "S"}
+            for line in open(arguments.forms, encoding="utf-8"):
+                lemma, form, features = line.rstrip("\n").split("\t")[:3]
+                if features in tags:
+                    self.forms[lemma].setdefault(tags[features], form)
+        self.nouns, self.adjectives, self.adverbs, self.verbs = {}, set(), set(), set()
+        self.agents, self.nominal, self.adjectival, self.manner = ({} for _ in range(4))
+        self.irregular = {"noun": {}, "adj": collections.defaultdict(list), "verb": {}}
+        if arguments.wordnet:
+            self.read_wordnet(pathlib.Path(arguments.wordnet))
+
+    def read_wordnet(self, folder):
+        synsets = {}
+        for part in ("noun", "verb", "adj", "adv"):
+            for line in open(folder / f"data.{part}", encoding="latin-1"):
+                if line.startswith(" "):
+                    continue
+                fields = line.split(" | ")[0].split()
+                count = int(fields[3], 16)
+                words = [re.sub(r"\(.*\)", "", fields[4 + 2 * i]) for i in range(count)]
+                at = 4 + 2 * count
+                pointers = [fields[at + 1 + 4 * i:at + 5 + 4 * i] for i in range(int(fields[at]))]
+                synsets[part, fields[0]] = int(fields[1]), words, pointers
+            for line in open(folder / f"index.{part}", encoding="latin-1"):
+                if line.startswith(" "):
+                    continue
+                fields = line.split()
+                first = fields[-int(fields[2])]
+                file = synsets[part, first][0]
+                lemma = fields[0].replace("_", " ")
+                written = next((w for w in synsets[part, first][1] if w.lower() == fields[0]), fields[0])
+                if part == "noun":
+                    self.nouns[lemma] = written.replace("_", " "), file, int(fields[-int(fields[2]) - 1])
+                else:
+                    {"verb": self.verbs, "adj": self.adjectives, "adv": self.adverbs}[part].add(lemma)
+            if (folder / f"{part}.exc").exists() and part != "adv":
+                for line in open(folder / f"{part}.exc"):
+                    form, *lemmas = line.split()
+                    for lemma in lemmas:
+                        if part == "adj":
+                            self.irregular["adj"][lemma].append(form)
+                        else:
+                            self.irregular[part].setdefault(lemma, form)
+        self.tagged = collections.Counter()
+        for line in open(folder / "cntlist.rev"):
+            sense, _, number = line.split()
+            lemma, _, rest = sense.partition("%")
+            self.tagged[lemma.replace("_", " "), rest[0].replace("5", "3")] += int(number)
+        parts = {"n": "noun", "v": "verb", "a": "adj", "s": "adj", "r": "adv"}
+        for (part, _), (file, words, pointers) in synsets.items():
+            for symbol, offset, category, place in pointers:
+                here, there = int(place[:2], 16), int(place[2:], 16)
+                if not here or not there or symbol not in ("+", "\\"):
+                    continue
+                target_file, target_words, _ = synsets[parts[category], offset]
+                source, target = words[here - 1].replace("_", " "), target_words[there - 1].replace("_", " ")
+                if part == "verb" and category == "n":
+                    table = self.agents if target_file == 18 else self.nominal
+                    table.setdefault(source.lower(), []).append(target)
+                if part == "noun" and category in "as" and symbol == "+":
+                    self.adjectival.setdefault(source, []).append(target)
+                if part == "adj" and category == "n" and symbol == "\\":
+                    self.adjectival.setdefault(target, []).insert(0, source)
+                if part == "adv" and symbol == "\\":
+                    self.manner.setdefault(target.lower(), source)
+
+    def verb_forms(self, lemma):
+        first, *rest = lemma.split(" ")
+        forms = verb_rule(first)
+        forms.update(self.forms.get(first, {}))
+        tail = "".join(" " + word for word in rest)
+        return {tag: form + tail for tag, form in forms.items()}
+
+
+class Writer:
+    def __init__(self, sources, out, taken):
+        self.sources, self.out, self.taken, self.count = sources, out, taken, 0
+        self.seen = set()
+
+    def entry(self, form, concept, attributes):
+        if concept in self.taken or (form, concept, attributes) in self.seen or '"' in form or "]" in form:
+            return
+        self.seen.add((form, concept, attributes))
+        self.out.write(f'[{form}]{{}} "{concept}" ({attributes});\n')
+        self.count += 1
+
+    def verb(self, lemma, concept, more=""):
+        forms = self.sources.verb_forms(lemma)
+        third, base = forms["S"], forms["BASE"]
+        for tag in ("BASE", "PAST", "PTCP", "ING"):
+            self.entry(forms[tag], concept, f"V,{tag}{more}")
+        self.entry(third, concept, f"V,THIRD{more}")
+
+    def noun(self, lemma, concept, more=""):
+        written, file, _ = self.sources.nouns.get(lemma.lower(), (lemma, 0, 0))
+        if lemma != lemma.lower():
+            written = lemma
+        kinds = {18: ",HUM", 28: ",TIM", 15: ",PLC"}.get(file, "") + (",MASS" if file in MASS_FILES else "")
+        self.entry(written, concept, f"N{kinds}{vowel(written)}{more}")
+        if written[:1].islower():
+            many = self.sources.irregular["noun"].get(lemma) or plural(written)
+            self.entry(many, concept, f"N,PL{kinds}{vowel(many)}{more}")
+
+    def adjective(self, lemma, concept, more=""):
+        self.entry(lemma, concept, f"ADJ{vowel(lemma)}{more}")
+        exceptions = [f for f in self.sources.irregular["adj"].get(lemma, ()) if re.search(r"(r|st|e)$", f)]
+        grades = {"CMP": [f for f in exceptions if f.endswith(("r", "e"))], "SUP": [f for f in exceptions if f.endswith("st")]}
+        if not exceptions and (short(lemma) or lemma.endswith("y")) and lemma.isalpha() and len(lemma) < 8:
+            grades = {"CMP": [compared(lemma, "er")], "SUP": [compared(lemma, "est")]}
+        for tag, forms in grades.items():
+            for form in forms[:1]:
+                self.entry(form, concept, f"ADJ,{tag}{vowel(form)}{more}")
+        if adverb := self.sources.manner.get(lemma):
+            self.entry(adverb, concept, f"ADV{vowel(adverb)}{more}")
+
+
+def surface(lemma):
+    return lemma.replace("_", " ").replace("-", " ").strip()
+
+
+def patterns(roleset, sources, lemma):
+    """How a frame is built, by its examples: the subject where there is no agent, and what introduces each argument."""
+    introduced = collections.defaultdict(collections.Counter)
+    subject = collections.Counter()
+    roles = {role.get("n").upper() for role in roleset.iter("role")}
+    stem = lemma[:3].strip()
+    for example in roleset.iter("example"):
+        annotation = example.find("propbank")
+        if annotation is None:
+            continue
+        rel = annotation.find("rel")
+        text = (example.findtext("text") or "").split()
+        place = (rel.get("relloc") or "").split() if rel is not None else []
+        if not place or not place[0].isdigit() or not (rel.text or "").lower().startswith(stem):
+            continue
+        verb = int(place[0])
+        spans = {}
+        for arg in annotation.iter("arg"):
+            kind, start = arg.get("type", ""), arg.get("start", "?")
+            if re.fullmatch(r"ARG[0-6]", kind) and start.isdigit():
+                spans[kind] = int(start), (arg.text or "").split()
+        before = text[max(0, verb - 2):verb]
+        is_passive = any(w.lower() in "is are was were be been being 's get got gets".split() for w in before) and \
+            (rel.text or "").endswith(("ed", "en", "t", "d", "n"))
+        if "ARG0" not in spans and "ARG1" in spans and spans["ARG1"][0] < verb:
+            subject["passive" if is_passive else "active"] += 1
+        subject["agent"] += "ARG0" in spans
+        for kind, (start, words) in spans.items():
+            if start < verb or not words:
+                continue
+            first = words[0].lower()
+            if first == "to" and len(words) > 1 and words[1] in sources.forms:
+                introduced[kind]["INF"] += 1
+            elif first in PREPOSITIONS:
+                introduced[kind][first] += 1
+            elif first == "that":
+                introduced[kind]["THAT"] += 1
+            elif first.endswith("ing"):
+                introduced[kind]["GER"] += 1
+            else:
+                introduced[kind]["NP"] += 1
+    attributes = []
+    is_alone = "0" not in roles and "1" in roles and subject["passive"] <= subject["active"]
+    if is_alone or subject["active"] > subject["passive"] + subject["agent"]:
+        attributes.append("SA1")
+    defaults = {"GOL": "to", "DIR": "from"}
+    tags = {role.get("n").upper(): role.get("f", "") for role in roleset.iter("role")}
+    for n in "12345":
+        counts = introduced.get("ARG" + n)
+        if not counts:
+            if n != "1" and n in tags and defaults.get(tags[n]):
+                attributes.append(f"p{n}{defaults[tags[n]]}")
+            continue
+        for shape in ("INF", "GER"):
+            if counts[shape] and counts[shape] >= counts["THAT"]:
+                attributes.append(f"{shape}{n}")
+        best, _ = max(((k, v) for k, v in counts.items() if k not in ("INF", "THAT", "GER")), key=lambda kv: kv[1],
+                      default=("", 0))
+        if best and best != "NP":
+            attributes.append(f"p{n}{best}")
+        elif best == "NP" and n == "2":
+            attributes.append("NP2")
+    return "".join("," + a for a in attributes)
+
+
+def frames(folder, writer, sources):
+    known = set()
+    for path in sorted(pathlib.Path(folder).glob("*.xml")):
+        try:
+            root = ET.parse(path).getroot()
+        except ET.ParseError as error:
+            print(f"{path}: left out: {error}")
+            continue
+        for predicate in root.iter("predicate"):
+            for roleset in predicate.iter("roleset"):
+                name, _, sense = roleset.get("id").rpartition(".")
+                concept = f"{name.replace('_', '-')}(>{sense})"
+                aliases = [(a.get("pos"), a.text.strip()) for a in roleset.iter("alias") if a.text]
+                lemma = surface(name)
+                verbs = [surface(text) for pos, text in aliases if pos == "v"]
+                verb = lemma if lemma in verbs else verbs[0] if verbs else None
+                if verb is None and not aliases and (lemma.partition(' ')[0] in sources.verbs or lemma in sources.verbs):
+                    verb = lemma
+                pattern = patterns(roleset, sources, verb or lemma)
+                used = "".join(sorted(pos for pos, _ in aliases))
+                if verb:
+                    writer.verb(verb, concept, pattern)
+                for noun in list(dict.fromkeys(surface(t) for pos, t in aliases if pos == "n" and not t.endswith("ing")))[:1]:
+                    writer.noun(noun, concept, ",NMZ")
+                adjectives = [surface(t) for pos, t in aliases if pos == "j"]
+                for adjective in (sorted(adjectives, key=lambda a: a != lemma)[:1]):
+                    writer.adjective(adjective, concept, "" if verb else pattern)
+                if verb:
+                    for agent in agent_of(sources, verb)[:1]:
+                        writer.noun(agent, concept, ",AGT")
+                known.add(name)
+                del used
+    return known
+
+
+def agent_of(sources, verb):
+    stem = verb[:3]
+    return sorted((a for a in sources.agents.get(verb, ()) if a.lower().startswith(stem)), key=len)
+
+
+def lemmas(writer, sources):
+    for lemma, (written, file, tags) in sources.nouns.items():
+        rare = sources.tagged[lemma, "1"] * 3
+        if sources.tagged[lemma, "3"] > rare or sources.tagged[lemma, "4"] > rare:
+            continue
+        if re.fullmatch(r"[A-Za-z][A-Za-z .'-]*", lemma):
+            concept = written if written != lemma else lemma
+            for key in {concept, concept.replace(" ", "-")} if written == lemma else {concept}:
+                writer.noun(written, key)
+    for noun, adjectives in sources.adjectival.items():
+        if noun[:1].isupper():
+            for adjective in adjectives[:1]:
+                writer.entry(adjective, noun, f"ADJ{vowel(adjective)}")
+    for lemma in sources.adjectives:
+        if sources.tagged[lemma, "1"] > 20 * sources.tagged[lemma, "3"] or sources.tagged[lemma, "4"] > 20 * sources.tagged[lemma, "3"]:
+            continue
+        if re.fullmatch(r"[A-Za-z][A-Za-z -]*", lemma):
+            for key in {lemma, lemma.replace(" ", "-")}:
+                writer.adjective(lemma, key)
+    for lemma in sources.adverbs:
+        if re.fullmatch(r"[a-z][a-z -]*", lemma):
+            for key in {lemma, lemma.replace(" ", "-")}:
+                writer.entry(lemma, key, f"ADV{vowel(lemma)}")
+    for lemma in sorted(sources.verbs | set(sources.forms)):
+        if re.fullmatch(r"[a-z][a-z -]*", lemma):
+            for key in {lemma, lemma.replace(" ", "-")}:
+                writer.verb(lemma, key)
+                for agent in agent_of(sources, lemma)[:1]:
+                    writer.noun(agent, key, ",AGT")
+
+
+def main():
+    parser = argparse.ArgumentParser(description=__doc__, formatter_class=argparse.RawDescriptionHelpFormatter)
+    parser.add_argument("--frames", help="the folder of PropBank's frame files")
+    parser.add_argument("--forms", help="UniMorph's table of English verb forms")
+    parser.add_argument("--wordnet", help="the folder with WordNet's data and index files")
+    parser.add_argument("--own", action="append", default=[], help="entries that come first")
+    parser.add_argument("-o", "--output", required=True)
+    arguments = parser.parse_args()
+    sources = Sources(arguments)
+    taken = set()
+    with open(arguments.output, "w", encoding="utf-8") as out:
+        for own in arguments.own:
+            for line in open(own, encoding="utf-8"):
+                out.write(line)
+                if found := re.search(r'"([^"]*)" \(', line):
+                    taken.add(found.group(1) or None)
+        writer = Writer(sources, out, taken)
+        if arguments.frames:
+            frames(arguments.frames, writer, sources)
+        lemmas(writer, sources)
+    print(f"{writer.count} entries, {len(taken)} concepts of your own")
+
+
+if __name__ == "__main__":
+    main()

@@ -1,0 +1,169 @@
+#include "import/conllu.hpp"
+
+#include <map>
+
+namespace lexon {
+namespace {
+
+enum Column { kId, kForm, kLemma, kUpos, kXpos, kFeats, kHead, kDeprel, kDeps, kMisc };
+
+std::vector<std::string> parts_of(const std::string& text, char mark) {
+  std::vector<std::string> parts(1);
+  for (const char c : text) {
+    if (c == mark) {
+      parts.emplace_back();
+    } else {
+      parts.back() += c;
+    }
+  }
+  return parts;
+}
+
+class Sentences {
+ public:
+  Sentences(const std::string& name, const RoleTable& table, bool enhanced, const MeaningSink& sink)
+      : name_(name), table_(table), enhanced_(enhanced), sink_(sink) {}
+
+  void line(std::string text, int number) {
+    if (!text.empty() && text.back() == '\r') text.pop_back();
+    if (text.empty()) return end();
+    if (text[0] == '#') return comment(text);
+    const std::vector<std::string> fields = parts_of(text, '\t');
+    if (fields.size() != 10) {
+      errors_.push_back({{number, 1},
+                         "a word has 10 columns with tabs between them, this line has " +
+                             std::to_string(fields.size()) + "; it is left out"});
+      return;
+    }
+    if (fields[kId].find('-') != std::string::npos) return;  // the span of a written word; its parts follow
+    if (!enhanced_ && fields[kId].find('.') != std::string::npos) return;  // an empty node of the enhanced graph
+    if (places_.size() >= kMaxTriples / 4) {
+      errors_.push_back(
+          {{number, 1},
+           "the sentence has more than " + std::to_string(kMaxTriples / 4) + " words; this one is left out"});
+      return;
+    }
+    add(fields, number);
+  }
+
+  void end() {
+    if (rows_.empty() && errors_.empty()) return;
+    ++count_;
+    if (next_.label.empty()) next_.label = name_ + "." + std::to_string(count_);
+    for (std::size_t i = 0; i < rows_.size(); ++i) connect(i);
+    if (next_.root < 0 && !rows_.empty()) {
+      errors_.push_back({{places_[0], 1}, "no word has the head 0; the first one begins the sentence"});
+      next_.root = 0;
+    }
+    sink_(next_, errors_);
+    next_ = {};
+    rows_.clear();
+    places_.clear();
+    ids_.clear();
+    errors_.clear();
+  }
+
+ private:
+  std::string name_;
+  const RoleTable& table_;
+  bool enhanced_;
+  const MeaningSink& sink_;
+  int count_ = 0;
+  Meaning next_;
+  std::vector<std::vector<std::string>> rows_;
+  std::vector<int> places_;
+  std::map<std::string, int> ids_;
+  std::vector<SourceError> errors_;
+
+  void comment(const std::string& text) {
+    const std::size_t equals = text.find('=');
+    if (equals == std::string::npos) return;
+    const std::size_t value = text.find_first_not_of(" \t", equals + 1);
+    if (value == std::string::npos) return;
+    if (text.find("sent_id") == 2) next_.label = text.substr(value);
+    if (text.find("text ") == 2) next_.text = text.substr(value);
+  }
+
+  int triple_add(int line, const std::string& source, std::string role, std::string target) {
+    next_.triples.push_back({{line, 1}, source, std::move(role), std::move(target)});
+    return static_cast<int>(next_.triples.size()) - 1;
+  }
+
+  void feature(Concept& word, const std::string& id, const std::string& feature, int line) {
+    const int triple = triple_add(line, id, ":feature", feature);
+    if (const std::string* attribute = table_.find(feature)) {
+      attribute_add(word, *attribute);
+      settle(next_, triple, Fate::attribute, "features");
+    } else {
+      settle(next_, triple, Fate::left_out, "features: the table has no line for it");
+    }
+  }
+
+  void add(const std::vector<std::string>& fields, int number) {
+    Concept word;
+    word.variable = fields[kId];
+    word.name = fields[kLemma] == "_" ? fields[kForm] : fields[kLemma];
+    word.triple = triple_add(number, fields[kId], ":lemma", word.name);
+    if (fields[kUpos] != "_") feature(word, fields[kId], "UPOS=" + fields[kUpos], number);
+    if (fields[kFeats] != "_") {
+      for (const std::string& one : parts_of(fields[kFeats], '|')) feature(word, fields[kId], one, number);
+    }
+    if (!ids_.emplace(fields[kId], static_cast<int>(rows_.size())).second) {
+      errors_.push_back({{number, 1}, "the sentence has two words " + fields[kId]});
+    }
+    if (rows_.empty()) next_.place = {number, 1};
+    next_.concepts.push_back(std::move(word));
+    rows_.push_back(fields);
+    places_.push_back(number);
+  }
+
+  void connect(std::size_t at) {
+    const std::vector<std::string>& row = rows_[at];
+    if (enhanced_ && row[kDeps] != "_") {
+      for (const std::string& one : parts_of(row[kDeps], '|')) {
+        const std::size_t colon = one.find(':');
+        if (colon != std::string::npos) depend(at, one.substr(0, colon), one.substr(colon + 1));
+      }
+    } else {
+      depend(at, row[kHead], row[kDeprel]);
+    }
+  }
+
+  void depend(std::size_t at, const std::string& head, const std::string& relation) {
+    const int self = static_cast<int>(at);
+    if (head == "0") {
+      next_.root = self;
+      return;
+    }
+    const auto known = ids_.find(head);
+    if (known == ids_.end()) {
+      errors_.push_back(
+          {{places_[at], 1}, "the head " + head + " of " + rows_[at][kForm] + " is no word of the sentence"});
+      return;
+    }
+    Arc arc;
+    arc.from = known->second;
+    arc.to = self;
+    arc.role = relation;
+    // An enhanced relation carries its preposition, nmod:of, as a subtype; the table may know the first part alone.
+    while (table_.find(arc.role) == nullptr && arc.role.find(':') != std::string::npos) {
+      arc.role.resize(arc.role.rfind(':'));
+    }
+    arc.triple = triple_add(places_[at], head, relation, row_id(at));
+    next_.arcs.push_back(std::move(arc));
+  }
+
+  const std::string& row_id(std::size_t at) const { return rows_[at][kId]; }
+};
+
+}  // namespace
+
+void conllu_read(std::istream& in, const std::string& name, const RoleTable& table, bool enhanced,
+                 const MeaningSink& sink) {
+  Sentences sentences(name, table, enhanced, sink);
+  std::string line;
+  for (int number = 1; std::getline(in, line); ++number) sentences.line(std::move(line), number);
+  sentences.end();
+}
+
+}  // namespace lexon

@@ -1,0 +1,124 @@
+#include "import/importer.hpp"
+
+#include <sstream>
+
+#include "import/conllu.hpp"
+#include "import/penman.hpp"
+#include "import/steps.hpp"
+
+namespace lexon {
+namespace {
+
+std::string base_name(const std::string& path) {
+  const std::size_t slash = path.find_last_of("/\\");
+  std::string name = slash == std::string::npos ? path : path.substr(slash + 1);
+  const std::size_t dot = name.rfind('.');
+  if (dot != std::string::npos && dot > 0) name.resize(dot);
+  return name;
+}
+
+void rewrite(Meaning& meaning, const ImportOptions& options) {
+  for (const RewriteStep& step : rewrite_steps()) {
+    if (step.run != nullptr && !options.left_steps.contains(step.name)) step.run(meaning);
+  }
+}
+
+void account(const Meaning& meaning, const std::string& file, const ImportOutputs& outputs, ImportFigures& figures) {
+  for (const Triple& triple : meaning.triples) {
+    ++figures.triples;
+    figures.relations += triple.fate == Fate::relation;
+    figures.attributes += triple.fate == Fate::attribute;
+    figures.words += triple.fate == Fate::word;
+    if (triple.fate != Fate::left_out) continue;
+    ++figures.left_out;
+    ++figures.reasons[triple.why];
+    if (outputs.left_out == nullptr) continue;
+    *outputs.left_out << meaning.label << '\t' << file << ':' << triple.place.line << ':' << triple.place.column << '\t'
+                      << triple.source << ' ' << triple.role << ' ' << triple.target << '\t' << triple.why << '\n';
+  }
+}
+
+}  // namespace
+
+std::vector<SourceError> AttributeTable::read(std::istream& in) {
+  std::vector<SourceError> errors;
+  std::string line;
+  for (int number = 1; std::getline(in, line); ++number) {
+    if (line.empty() || line[0] == '#' || line == "\r") continue;
+    std::istringstream fields(line);
+    std::string label;
+    Line read{number, "", {}};
+    fields >> label >> read.node;
+    std::string fault;
+    for (std::string attribute; fields >> attribute;) {
+      if (attribute[0] != '@' || attribute.find_first_of(".,():\"") != std::string::npos) fault = attribute;
+      read.attributes.push_back(attribute);
+    }
+    if (read.attributes.empty()) {
+      errors.push_back({{number, 1}, "a line is the label of a sentence, a node and its attributes: lpp.3 b2 @pl"});
+    } else if (!fault.empty()) {
+      errors.push_back(
+          {{number, 1}, "\"" + fault + "\" is no attribute: it begins with @ and has none of . , ( ) : \""});
+    } else {
+      sentences_[label].lines.push_back(std::move(read));
+    }
+  }
+  return errors;
+}
+
+void AttributeTable::apply(Meaning& meaning, std::vector<SourceError>& errors) {
+  const auto found = sentences_.find(meaning.label);
+  if (found == sentences_.end()) return;
+  found->second.is_used = true;
+  for (const Line& line : found->second.lines) {
+    bool is_known = false;
+    for (Concept& word : meaning.concepts) {
+      if (word.variable != line.node) continue;
+      is_known = true;
+      for (const std::string& attribute : line.attributes) attribute_add(word, attribute);
+    }
+    if (!is_known) {
+      errors.push_back({meaning.place, "the table of attributes names the node " + line.node + " (line " +
+                                           std::to_string(line.number) + "), which " + meaning.label + " lacks"});
+    }
+  }
+}
+
+std::vector<std::string> AttributeTable::unused() const {
+  std::vector<std::string> labels;
+  for (const auto& [label, lines] : sentences_) {
+    if (!lines.is_used) labels.push_back(label);
+  }
+  return labels;
+}
+
+void import_stream(std::istream& in, const std::string& name, const ImportOptions& options, AttributeTable& attributes,
+                   const ImportOutputs& outputs, ImportFigures& figures) {
+  const bool is_penman = options.format == SourceFormat::penman;
+  const WriterOptions writing{&options.table, is_penman ? ":" : "", !options.left_steps.contains(kRelativesStep)};
+  const MeaningSink sink = [&](Meaning& meaning, const std::vector<SourceError>& read_errors) {
+    std::vector<SourceError> errors = read_errors;
+    if (meaning.root >= 0) {
+      attributes_apply(meaning, writing);
+      attributes.apply(meaning, errors);
+      if (is_penman) rewrite(meaning, options);
+      graph_write(meaning, writing, *outputs.graphs, figures.unknown);
+      if (outputs.gold != nullptr && !meaning.text.empty())
+        *outputs.gold << meaning.label << '\t' << meaning.text << '\n';
+      account(meaning, name, outputs, figures);
+      ++figures.graphs;
+    }
+    figures.errors += errors.size();
+    for (const SourceError& error : errors) {
+      *outputs.messages << name << ':' << error.place.line << ':' << error.place.column << ": error: " << error.text
+                        << '\n';
+    }
+  };
+  if (is_penman) {
+    penman_read(in, base_name(name), sink);
+  } else {
+    conllu_read(in, base_name(name), options.table, options.enhanced, sink);
+  }
+}
+
+}  // namespace lexon

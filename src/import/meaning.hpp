@@ -1,0 +1,73 @@
+// The meaning of one sentence as a meaning bank holds it: concepts, arcs between them, and the list of source triples
+// with what became of each. Plain data; every step of the import works on one Meaning in place.
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace lexon {
+
+// A place in a source file; both count from 1.
+struct SourcePlace {
+  int line = 0;
+  int column = 0;
+};
+
+// What became of a triple of the source.
+enum class Fate { open, relation, attribute, word, left_out };
+
+// One triple as the source states it. `why` is set when its fate is known; it says which step settled it.
+struct Triple {
+  SourcePlace place;
+  std::string source;
+  std::string role;
+  std::string target;
+  Fate fate = Fate::open;
+  const char* why = "";
+};
+
+// A node of the graph. A constant has no variable.
+struct Concept {
+  std::string variable;
+  std::string name;
+  std::string sense;                    // the number of its frame, empty for none
+  std::vector<std::string> attributes;  // each begins with "@"
+  int triple = -1;                      // the one that states the concept; -1 for what a step has made
+  bool is_text = false;                 // a text in quotes
+};
+
+// A role between two concepts, written at `from` in the source. With `inverse` the role is that of `from` to `to`:
+// (boy :ARG0-of want) has from boy, to want, role ARG0.
+struct Arc {
+  int from = 0;
+  int to = 0;
+  std::string role;  // without the colon and without "-of"
+  bool inverse = false;
+  int triple = -1;
+  bool gone = false;  // expressed in another way or left out
+};
+
+struct Meaning {
+  std::string label;  // of the sentence
+  std::string text;   // the reference, empty for none
+  SourcePlace place;
+  int root = -1;
+  std::vector<Concept> concepts;
+  std::vector<Arc> arcs;  // in the order of the source
+  std::vector<Triple> triples;
+};
+
+// A mistake in a source; the reader goes on behind it.
+struct SourceError {
+  SourcePlace place;
+  std::string text;
+};
+
+bool has_attribute(const Concept& word, std::string_view attribute);
+// Adds it unless it is there.
+void attribute_add(Concept& word, std::string_view attribute);
+// Settles the fate of a triple that is still open; -1 is no triple.
+void settle(Meaning& meaning, int triple, Fate fate, const char* why);
+
+}  // namespace lexon

@@ -1,0 +1,460 @@
+// Line by line: metadata belong to the graph that follows; a graph is parsed as soon as its last parenthesis is there.
+// In a UMR file the document level that follows a graph still belongs to it, so a graph is handed on when the next
+// one's metadata begin.
+#include "import/penman.hpp"
+
+#include <algorithm>
+#include <cctype>
+#include <map>
+#include <optional>
+#include <string_view>
+#include <unordered_map>
+
+namespace lexon {
+namespace {
+
+bool is_blank(char c) {
+  return c == ' ' || c == '\t' || c == '\r' || c == '\n';
+}
+bool is_digit(char c) {
+  return c >= '0' && c <= '9';
+}
+
+std::string_view trimmed(std::string_view text) {
+  while (!text.empty() && is_blank(text.front())) text.remove_prefix(1);
+  while (!text.empty() && is_blank(text.back())) text.remove_suffix(1);
+  return text;
+}
+
+// The lines of one graph with the number of the first.
+struct Lines {
+  std::vector<std::string> text;
+  int first = 0;
+};
+
+struct Token {
+  enum class Kind { open, close, slash, role, text, symbol, end } kind = Kind::end;
+  std::string text;
+  SourcePlace place;
+};
+
+class Tokens {
+ public:
+  explicit Tokens(const Lines& lines) : lines_(lines) { next(); }
+
+  const Token& head() const { return head_; }
+
+  Token take() {
+    Token taken = std::move(head_);
+    next();
+    return taken;
+  }
+
+ private:
+  const Lines& lines_;
+  std::size_t line_ = 0;
+  std::size_t at_ = 0;
+  Token head_;
+
+  SourcePlace place() const { return {lines_.first + static_cast<int>(line_), static_cast<int>(at_) + 1}; }
+
+  void next() {
+    head_ = {};
+    while (line_ < lines_.text.size()) {
+      const std::string& line = lines_.text[line_];
+      while (at_ < line.size() && is_blank(line[at_])) ++at_;
+      if (at_ < line.size() && line[at_] != '#') return cut(line);
+      ++line_;
+      at_ = 0;
+    }
+    head_.place = {lines_.first + static_cast<int>(lines_.text.size()) - 1, 1};
+  }
+
+  void cut(const std::string& line) {
+    head_.place = place();
+    const char c = line[at_];
+    if (c == '(' || c == ')' || c == '/') {
+      head_.kind = c == '(' ? Token::Kind::open : c == ')' ? Token::Kind::close : Token::Kind::slash;
+      ++at_;
+      return;
+    }
+    if (c == '"') return cut_text(line);
+    const std::size_t begin = at_;
+    while (at_ < line.size() && !is_blank(line[at_]) && line[at_] != '(' && line[at_] != ')' && line[at_] != '"') ++at_;
+    head_.kind = c == ':' ? Token::Kind::role : Token::Kind::symbol;
+    head_.text = line.substr(begin, at_ - begin);
+    // An alignment, `~e.3` or `~3`, says where the word stands in the reference; no graph needs it.
+    const std::size_t tilde = head_.text.rfind('~');
+    if (tilde != std::string::npos && tilde > 0 && tilde + 1 < head_.text.size()) head_.text.resize(tilde);
+  }
+
+  void cut_text(const std::string& line) {
+    head_.kind = Token::Kind::text;
+    for (++at_; at_ < line.size() && line[at_] != '"'; ++at_) {
+      if (line[at_] == '\\' && at_ + 1 < line.size()) ++at_;
+      head_.text += line[at_];
+    }
+    if (at_ < line.size()) ++at_;
+    while (at_ < line.size() && !is_blank(line[at_]) && line[at_] != ')' && line[at_] != '(') ++at_;
+  }
+};
+
+// The name of a concept and the number of its frame: `want-01` is want and 01.
+void split_sense(Concept& word, const std::string& text) {
+  const std::size_t dash = text.rfind('-');
+  const bool has_sense = dash != std::string::npos && dash > 0 && dash + 3 <= text.size() && text.size() <= dash + 4 &&
+                         std::all_of(text.begin() + static_cast<std::ptrdiff_t>(dash) + 1, text.end(), is_digit);
+  word.name = has_sense ? text.substr(0, dash) : text;
+  word.sense = has_sense ? text.substr(dash + 1) : "";
+  if (has_sense) attribute_add(word, "@v");
+}
+
+// A role as it is written, cut into its name and its direction. A few names end in "-of" by themselves.
+void split_role(Arc& arc, std::string_view role) {
+  role.remove_prefix(1);
+  const bool is_whole = role == "consist-of" || role == "prep-out-of" || role == "prep-on-behalf-of";
+  arc.inverse = !is_whole && role.size() > 3 && role.ends_with("-of");
+  if (arc.inverse) role.remove_suffix(3);
+  arc.role = role;
+  // mod and domain are one role, read from its two ends.
+  if (arc.inverse && arc.role == "mod") arc.role = "domain", arc.inverse = false;
+  if (arc.inverse && arc.role == "domain") arc.role = "mod", arc.inverse = false;
+}
+
+class GraphParser {
+ public:
+  GraphParser(const Lines& lines, Meaning& meaning, std::vector<SourceError>& errors)
+      : tokens_(lines), meaning_(meaning), errors_(errors) {}
+
+  void parse() {
+    meaning_.place = tokens_.head().place;
+    if (tokens_.head().kind != Token::Kind::open) return error(tokens_.head().place, "a graph begins with \"(\"");
+    tokens_.take();
+    meaning_.root = concept_begin(-1, {});
+    while (!open_.empty() && tokens_.head().kind != Token::Kind::end) {
+      if (!step()) break;
+    }
+    if (!open_.empty() && meaning_.triples.size() < kMaxTriples) {
+      error(tokens_.head().place, "the graph has " + std::to_string(open_.size()) +
+                                      " parentheses that are not closed; it is read as far as it goes");
+    }
+    resolve();
+  }
+
+ private:
+  struct Pending {
+    int arc;
+    std::string symbol;
+  };
+
+  Tokens tokens_;
+  Meaning& meaning_;
+  std::vector<SourceError>& errors_;
+  std::vector<int> open_;
+  std::vector<Pending> pending_;
+  std::unordered_map<std::string, int> variables_;
+
+  void error(SourcePlace place, std::string text) { errors_.push_back({place, std::move(text)}); }
+
+  int triple_add(SourcePlace place, std::string source, std::string role, std::string target) {
+    meaning_.triples.push_back({place, std::move(source), std::move(role), std::move(target)});
+    return static_cast<int>(meaning_.triples.size()) - 1;
+  }
+
+  int concept_add(Concept word) {
+    meaning_.concepts.push_back(std::move(word));
+    return static_cast<int>(meaning_.concepts.size()) - 1;
+  }
+
+  // Behind an opening parenthesis: `variable / concept`.
+  int concept_begin(int arc, const std::string& role) {
+    Concept word;
+    const SourcePlace place = tokens_.head().place;
+    if (tokens_.head().kind == Token::Kind::symbol) {
+      word.variable = tokens_.take().text;
+    } else {
+      error(place, "a variable is missing behind \"(\"");
+      word.variable = "_" + std::to_string(meaning_.concepts.size());
+    }
+    if (tokens_.head().kind == Token::Kind::slash) tokens_.take();
+    const bool has_concept = tokens_.head().kind == Token::Kind::symbol || tokens_.head().kind == Token::Kind::text;
+    if (has_concept) {
+      const Token name = tokens_.take();
+      word.is_text = name.kind == Token::Kind::text;
+      split_sense(word, name.text);
+      word.triple = triple_add(name.place, word.variable, ":instance", name.text);
+    } else if (const auto known = variables_.find(word.variable); known != variables_.end()) {
+      open_.push_back(known->second);  // `(x)` alone: a further mention
+      if (arc >= 0) meaning_.arcs[static_cast<std::size_t>(arc)].to = known->second;
+      return known->second;
+    } else {
+      error(place, "the variable " + word.variable + " has no concept; write \"(" + word.variable + " / concept\"");
+      word.name = "thing";
+      word.triple = triple_add(place, word.variable, ":instance", "");
+    }
+    const std::string variable = word.variable;
+    const int at = concept_add(std::move(word));
+    if (!variables_.emplace(variable, at).second) {
+      error(place, "the variable " + variable + " is defined twice; the second one is read as another concept");
+    }
+    if (arc >= 0) {
+      Arc& led = meaning_.arcs[static_cast<std::size_t>(arc)];
+      led.to = at;
+      meaning_.triples[static_cast<std::size_t>(led.triple)].target = variable;
+    }
+    open_.push_back(at);
+    (void)role;
+    return at;
+  }
+
+  // One role with its target, or a closing parenthesis. False: the graph cannot be read on.
+  bool step() {
+    const Token token = tokens_.take();
+    if (token.kind == Token::Kind::close) {
+      open_.pop_back();
+      return true;
+    }
+    if (token.kind != Token::Kind::role) {
+      const char* what = token.kind == Token::Kind::open ? "\"(\"" : "";
+      error(token.place, "a role or \")\" is missing in front of " + (*what != '\0' ? what : '"' + token.text + '"'));
+      return true;
+    }
+    if (meaning_.triples.size() + 2 >= kMaxTriples || open_.size() >= kMaxDepth) {
+      error(token.place, "the graph has more than " + std::to_string(kMaxTriples) + " triples or " +
+                             std::to_string(kMaxDepth) + " concepts in one another; the rest of it is left out");
+      return false;
+    }
+    target(token);
+    return true;
+  }
+
+  void target(const Token& role) {
+    const Token::Kind kind = tokens_.head().kind;
+    if (kind == Token::Kind::role || kind == Token::Kind::close || kind == Token::Kind::end || role.text.size() < 2) {
+      error(role.place, "the role " + role.text + " has no target; it is left out");
+      const int lost = triple_add(role.place, variable_of(open_.back()), role.text, "");
+      settle(meaning_, lost, Fate::left_out, "source: the role has no target");
+      return;
+    }
+    Arc arc;
+    arc.from = open_.back();
+    split_role(arc, role.text);
+    const Token head = tokens_.take();
+    arc.triple = triple_add(role.place, variable_of(arc.from), role.text, head.text);
+    meaning_.arcs.push_back(arc);
+    const int at = static_cast<int>(meaning_.arcs.size()) - 1;
+    if (kind == Token::Kind::open) {
+      concept_begin(at, role.text);
+    } else if (kind == Token::Kind::text) {
+      constant(at, head.text, true);
+    } else {
+      pending_.push_back({at, head.text});
+    }
+  }
+
+  std::string variable_of(int word) const { return meaning_.concepts[static_cast<std::size_t>(word)].variable; }
+
+  void constant(int arc, const std::string& text, bool is_text) {
+    Concept word;
+    word.name = text;
+    word.is_text = is_text;
+    meaning_.arcs[static_cast<std::size_t>(arc)].to = concept_add(std::move(word));
+  }
+
+  // A symbol is a further mention of a concept if it is a variable of this graph, and a constant otherwise.
+  void resolve() {
+    for (const Pending& pending : pending_) {
+      const auto known = variables_.find(pending.symbol);
+      if (known == variables_.end()) {
+        constant(pending.arc, pending.symbol, false);
+      } else {
+        meaning_.arcs[static_cast<std::size_t>(pending.arc)].to = known->second;
+      }
+    }
+    pending_.clear();
+  }
+};
+
+// ---- the document level of UMR -------------------------------------------------------------------------------------
+
+// (parent :relation child) inside `:temporal (...)`: the child lies before, after or at the time of the parent.
+void document_level(const std::string& text, Meaning& meaning) {
+  const std::size_t section = text.find(":temporal");
+  if (section == std::string::npos) return;
+  std::map<std::string, std::string> tense{{"document-creation-time", "@pres"}};
+  std::size_t at = text.find('(', section);
+  int depth = 0;
+  std::string triple;
+  for (; at != std::string::npos && at < text.size(); ++at) {
+    const char c = text[at];
+    if (c == '(') {
+      ++depth;
+      triple.clear();
+    } else if (c == ')') {
+      char parent[64] = "";
+      char relation[32] = "";
+      char child[64] = "";
+      if (std::sscanf(triple.c_str(), " %63s :%31s %63s", parent, relation, child) == 3) {
+        const auto known = tense.find(parent);
+        const std::string when = relation;
+        if (known != tense.end() && known->second == "@pres") {
+          tense.emplace(child, when == "before" ? "@past" : when == "after" ? "@fut" : "@pres");
+        } else if (known != tense.end() && when != "after") {
+          tense.emplace(child, known->second);
+        }
+      }
+      triple.clear();
+      if (--depth <= 0) break;
+    } else if (depth > 0) {
+      triple += c;
+    }
+  }
+  for (Concept& word : meaning.concepts) {
+    if (const auto known = tense.find(word.variable); known != tense.end() && !word.variable.empty()) {
+      attribute_add(word, known->second);
+    }
+  }
+}
+
+// ---- the file ------------------------------------------------------------------------------------------------------
+
+class FileReader {
+ public:
+  FileReader(const std::string& name, const MeaningSink& sink) : name_(name), sink_(sink) {}
+
+  void line(std::string text, int number) {
+    if (!text.empty() && text.back() == '\r') text.pop_back();
+    const std::string_view bare = trimmed(text);
+    if (depth_ > 0 && begins_another(text, bare)) graph_end();
+    if (depth_ > 0) return graph_line(text);
+    if (bare.starts_with('#')) return metadata(bare);
+    if (bare.starts_with("Words:")) {
+      next_.text = trimmed(bare.substr(6));
+      return;
+    }
+    if (section_ == Section::document) {
+      document_ += text + '\n';
+    } else if (section_ == Section::graph && bare.starts_with('(')) {
+      if (!is_umr_) hand_on();
+      lines_ = {{}, number};
+      graph_line(text);
+    } else if (section_ == Section::graph && !bare.empty() && !is_umr_) {
+      errors_.push_back({{number, 1}, "neither a comment nor a graph: \"" + std::string(bare.substr(0, 40)) + '"'});
+    }
+  }
+
+  void end() {
+    if (depth_ > 0) graph_end();
+    hand_on();
+  }
+
+ private:
+  enum class Section { graph, document, other };
+
+  std::string name_;
+  const MeaningSink& sink_;
+  Section section_ = Section::graph;
+  bool is_umr_ = false;
+  int count_ = 0;
+  int depth_ = 0;
+  bool in_text_ = false;
+  Lines lines_;
+  Meaning next_;                  // the metadata of the graph to come
+  std::optional<Meaning> ready_;  // a graph that waits for its document level
+  std::string document_;
+  std::vector<SourceError> errors_;
+
+  // A line that cannot belong to the graph that is open: its closing parentheses are missing.
+  static bool begins_another(const std::string& text, std::string_view bare) {
+    return text.starts_with('(') || (bare.starts_with("#") && bare.find("::") != std::string_view::npos) ||
+           bare.starts_with("####") || bare.starts_with("# alignment") || bare.starts_with("# document");
+  }
+
+  void graph_line(const std::string& text) {
+    lines_.text.push_back(text);
+    in_text_ = false;
+    for (std::size_t i = 0; i < text.size(); ++i) {
+      if (text[i] == '"' && (i == 0 || text[i - 1] != '\\')) in_text_ = !in_text_;
+      if (in_text_) continue;
+      if (text[i] == '#' && (i == 0 || is_blank(text[i - 1]))) break;
+      if (text[i] == '(') ++depth_;
+      if (text[i] == ')' && --depth_ == 0) return graph_end();
+    }
+  }
+
+  void graph_end() {
+    hand_on();
+    depth_ = 0;
+    Meaning meaning = std::move(next_);
+    next_ = {};
+    ++count_;
+    if (meaning.label.empty()) meaning.label = name_ + "." + std::to_string(count_);
+    GraphParser(lines_, meaning, errors_).parse();
+    ready_ = std::move(meaning);
+    if (is_umr_) section_ = Section::other;
+  }
+
+  void hand_on() {
+    if (ready_ && !document_.empty()) document_level(document_, *ready_);
+    document_.clear();
+    if (ready_) {
+      sink_(*ready_, errors_);
+    } else if (!errors_.empty()) {
+      Meaning none;
+      sink_(none, errors_);
+    }
+    ready_.reset();
+    errors_.clear();
+  }
+
+  void metadata(std::string_view bare) {
+    if (bare.starts_with("# :: snt")) {
+      hand_on();
+      is_umr_ = true;
+      section_ = Section::other;
+      std::string_view label = trimmed(bare.substr(5));
+      label = label.substr(0, label.find_first_of(" \t"));
+      next_ = {};
+      next_.label = name_ + "." + std::string(label);
+    } else if (bare.starts_with("# sentence level graph")) {
+      section_ = Section::graph;
+    } else if (bare.starts_with("# alignment")) {
+      section_ = Section::other;
+    } else if (bare.starts_with("# document level")) {
+      section_ = Section::document;
+    } else {
+      pairs(bare);
+    }
+  }
+
+  // `# ::id lpp.3 ::date 2012`: the keys that are asked for.
+  void pairs(std::string_view bare) {
+    for (std::size_t at = bare.find("::"); at != std::string_view::npos;) {
+      const std::size_t gap = bare.find_first_of(" \t", at);
+      if (gap == std::string_view::npos) return;
+      const std::string_view key = bare.substr(at + 2, gap - at - 2);
+      std::size_t next = bare.find(" ::", gap);
+      const bool runs_to_the_end = key == "snt" || key == "tok";
+      if (runs_to_the_end) next = std::string_view::npos;
+      const std::string value(trimmed(bare.substr(gap, next == std::string_view::npos ? next : next - gap)));
+      if (key == "id") {
+        if (!is_umr_) hand_on();
+        next_.label = value;
+      } else if (key == "snt" || (key == "tok" && next_.text.empty())) {
+        next_.text = value;
+      }
+      at = next == std::string_view::npos ? next : next + 1;
+    }
+  }
+};
+
+}  // namespace
+
+void penman_read(std::istream& in, const std::string& name, const MeaningSink& sink) {
+  FileReader reader(name, sink);
+  std::string line;
+  for (int number = 1; std::getline(in, line); ++number) reader.line(std::move(line), number);
+  reader.end();
+}
+
+}  // namespace lexon

@@ -1,0 +1,105 @@
+#include "import/rewriter.hpp"
+
+#include <utility>
+
+namespace lexon {
+
+std::vector<int> Rewriter::children(int at) {
+  std::vector<int> found;
+  for (std::size_t i = 0; i < meaning_.arcs.size(); ++i) {
+    if (meaning_.arcs[i].from == at && !meaning_.arcs[i].gone) found.push_back(static_cast<int>(i));
+  }
+  return found;
+}
+
+int Rewriter::child(int at, std::string_view role, bool inverse) {
+  for (std::size_t i = 0; i < meaning_.arcs.size(); ++i) {
+    const Arc& one = meaning_.arcs[i];
+    if (one.from == at && !one.gone && one.inverse == inverse && one.role == role) return static_cast<int>(i);
+  }
+  return -1;
+}
+
+int Rewriter::parent(int at) {
+  for (std::size_t i = 0; i < meaning_.arcs.size(); ++i) {
+    if (meaning_.arcs[i].to == at && !meaning_.arcs[i].gone) return static_cast<int>(i);
+  }
+  return -1;
+}
+
+int Rewriter::mentions(int at) {
+  int count = 0;
+  for (const Arc& one : meaning_.arcs) count += one.to == at && !one.gone;
+  return count;
+}
+
+int Rewriter::argument(int frame, std::string_view role) {
+  for (std::size_t i = 0; i < meaning_.arcs.size(); ++i) {
+    const Arc& one = meaning_.arcs[i];
+    const bool is_here = (one.from == frame && !one.inverse) || (one.to == frame && one.inverse);
+    if (is_here && !one.gone && one.role == role) return static_cast<int>(i);
+  }
+  return -1;
+}
+
+bool Rewriter::reaches(int above, int below) {
+  std::vector<bool> seen(meaning_.concepts.size());
+  std::vector<int> open{above};
+  while (!open.empty()) {
+    const int at = open.back();
+    open.pop_back();
+    if (at == below) return true;
+    if (seen[static_cast<std::size_t>(at)]) continue;
+    seen[static_cast<std::size_t>(at)] = true;
+    for (const int led : children(at)) open.push_back(arc(led).to);
+  }
+  return false;
+}
+
+void Rewriter::remove(int arc_at, Fate fate) {
+  arc(arc_at).gone = true;
+  settle(meaning_, arc(arc_at).triple, fate, step_);
+}
+
+int Rewriter::replace(int arc_at, int from, int to, std::string role, bool inverse) {
+  Arc& changed = arc(arc_at);
+  changed.from = from;
+  changed.to = to;
+  changed.role = std::move(role);
+  changed.inverse = inverse;
+  return arc_at;
+}
+
+int Rewriter::add(int from, int to, std::string role, bool inverse) {
+  meaning_.arcs.push_back({from, to, std::move(role), inverse, -1, false});
+  return static_cast<int>(meaning_.arcs.size()) - 1;
+}
+
+void Rewriter::redirect(int old, int now) {
+  for (Arc& one : meaning_.arcs) {
+    if (one.to == old && one.from != now) one.to = now;
+    if (one.to == old && one.from == now) one.gone = true, settle(meaning_, one.triple, Fate::word, step_);
+  }
+  if (meaning_.root == old) meaning_.root = now;
+}
+
+void Rewriter::move_children(int old, int now) {
+  for (Arc& one : meaning_.arcs) {
+    if (one.from != old || one.gone) continue;
+    if (one.to == now) {
+      one.gone = true;
+      settle(meaning_, one.triple, Fate::word, step_);
+    } else {
+      one.from = now;
+    }
+  }
+}
+
+int Rewriter::add_concept(std::string name) {
+  Concept made;
+  made.name = std::move(name);
+  meaning_.concepts.push_back(std::move(made));
+  return count() - 1;
+}
+
+}  // namespace lexon

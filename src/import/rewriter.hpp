@@ -1,0 +1,61 @@
+// What the steps of rewriting share: looking at a graph from one concept, and changing arcs so that no triple is lost
+// from sight.
+#pragma once
+
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "import/meaning.hpp"
+
+namespace lexon {
+
+class Rewriter {
+ public:
+  // `step` names what the list of triples gives as the reason.
+  Rewriter(Meaning& meaning, const char* step) : meaning_(meaning), step_(step) {}
+
+  Meaning& meaning() { return meaning_; }
+  int count() const { return static_cast<int>(meaning_.concepts.size()); }
+  Concept& word(int at) { return meaning_.concepts[static_cast<std::size_t>(at)]; }
+  Arc& arc(int at) { return meaning_.arcs[static_cast<std::size_t>(at)]; }
+  bool is(int at, std::string_view name, std::string_view sense = {}) {
+    return word(at).name == name && word(at).sense == sense && !word(at).is_text;
+  }
+
+  // The arcs that are written at a concept, in the order of the source.
+  std::vector<int> children(int at);
+  // The first of them with this role and direction; -1 for none.
+  int child(int at, std::string_view role, bool inverse = false);
+  // The first arc that leads to a concept; -1 for the root.
+  int parent(int at);
+  // How many arcs lead to it.
+  int mentions(int at);
+  // The arc by which `frame` has the role, written at either end; -1 for none.
+  int argument(int frame, std::string_view role);
+  // The other end of an arc.
+  int other(int arc_at, int end) { return arc(arc_at).from == end ? arc(arc_at).to : arc(arc_at).from; }
+  // True if `below` can be reached from `above` over arcs as they are written.
+  bool reaches(int above, int below);
+
+  // Takes an arc out: its triple is expressed in another way (`fate` attribute or word) or left out.
+  void remove(int arc_at, Fate fate);
+  // The concept is not a word of its own any more.
+  void settle_concept(int at, Fate fate) { settle(meaning_, word(at).triple, fate, step_); }
+  // A new arc in the place of an old one, whose triple it carries.
+  int replace(int arc_at, int from, int to, std::string role, bool inverse = false);
+  int add(int from, int to, std::string role, bool inverse = false);
+  // Everything that led to `old` leads to `now`, the beginning of the sentence included.
+  void redirect(int old, int now);
+  // What is written at `old` is written at `now`.
+  void move_children(int old, int now);
+  // A concept of the step's own making.
+  int add_concept(std::string name);
+
+ private:
+  Meaning& meaning_;
+  const char* step_;
+};
+
+}  // namespace lexon

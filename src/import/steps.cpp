@@ -1,0 +1,38 @@
+#include "import/steps.hpp"
+
+namespace lexon {
+namespace {
+
+constexpr RewriteStep kSteps[] = {
+    {"wiki", "leave out :wiki, which no sentence says", step_wiki},
+    {"names", "a named thing becomes its name: one word with @name and its type as attribute", step_names},
+    {"dates", "a date-entity becomes its month, weekday, part of the day or year, and the rest depends on that",
+     step_dates},
+    {"quantities", "a quantity becomes its unit with a number, an ordinal the number with (>ord); @pl beside numbers",
+     step_quantities},
+    {"pronouns", "a person or thing with :refer-person alone becomes i, we, you, he, it or they", step_pronouns},
+    {"reified", "frames that stand for a role (cause-01, have-purpose-91) become that role", step_reified},
+    {"office", "have-org-role and have-rel-role: the person is called by the office, with what it belongs to",
+     step_office},
+    {"degree", "have-degree-91 and have-quant-91: @more, @most, @too, @equal on the quality, with :compared-to",
+     step_degree},
+    {"modality", "possible-01, obligate-01, recommend-01: @can, @must, @should on what they govern", step_modality},
+    {"polarity", "yes-no questions get @int, truth-value @whether", step_polarity},
+    {"persons", "person :ARG0-of a frame becomes the frame with @agent (driver)", step_persons},
+    {"contrast", "contrast-01 and a first operand that is missing: @but, @and on what follows", step_contrast},
+    {"coordination", "operands become a chain of :conjunct, with @and, @or on the later; shared subjects :shared",
+     step_coordination},
+    {"quotation", "what is said in a form that only direct speech has becomes :quoted", step_quotation},
+    {"questions", "what is asked for becomes :questioned of its clause, which gets @ask", step_questions},
+    {"control", "a subject that the governing clause has named becomes :understood", step_control},
+    {"mentions", "a further mention becomes a word of its own with @ref", step_mentions},
+    {kRelativesStep, "inverse roles keep their direction where the table has a label for them (:ARG0-of)", nullptr},
+};
+
+}  // namespace
+
+std::span<const RewriteStep> rewrite_steps() {
+  return kSteps;
+}
+
+}  // namespace lexon

@@ -1,0 +1,376 @@
+// Steps about clauses: questions, quotations, coordination, control, further mentions, relative clauses.
+#include <algorithm>
+#include <array>
+#include <map>
+
+#include "import/rewriter.hpp"
+#include "import/steps.hpp"
+
+namespace lexon {
+namespace {
+
+bool is_clause(Rewriter& graph, int at) {
+  return !graph.word(at).sense.empty() || graph.child(at, "domain") >= 0;
+}
+
+bool is_unknown(Rewriter& graph, int at) {
+  return graph.is(at, "amr-unknown") || graph.is(at, "umr-unknown");
+}
+
+// For each concept the arc by which the walk from the beginning of the sentence first comes to it; -1 for none.
+std::vector<int> first_arcs(Rewriter& graph) {
+  std::vector<int> first(static_cast<std::size_t>(graph.count()), -1);
+  std::vector<bool> seen(first.size());
+  std::vector<std::pair<int, int>> open{{-1, graph.meaning().root}};
+  while (!open.empty()) {
+    const auto [led, at] = open.back();
+    open.pop_back();
+    if (at < 0 || seen[static_cast<std::size_t>(at)]) continue;
+    seen[static_cast<std::size_t>(at)] = true;
+    first[static_cast<std::size_t>(at)] = led;
+    std::vector<int> below = graph.children(at);
+    // An agent is said before what it does something to, wherever the source writes it.
+    std::stable_partition(below.begin(), below.end(), [&](int one) { return graph.arc(one).role == "ARG0"; });
+    for (auto one = below.rbegin(); one != below.rend(); ++one) open.emplace_back(*one, graph.arc(*one).to);
+  }
+  return first;
+}
+
+// A word of its own for a further mention of a concept.
+int mention_of(Rewriter& graph, int at) {
+  const Concept model = graph.word(at);
+  const int made = graph.add_concept(model.name);
+  Concept& word = graph.word(made);
+  word.sense = model.sense;
+  word.is_text = model.is_text;
+  for (const char* kept : {"@v", "@person", "@pl", "@name", "@p1", "@p2", "@p3", "@agent", "@measure"}) {
+    if (has_attribute(model, kept)) attribute_add(word, kept);
+  }
+  attribute_add(word, "@ref");
+  return made;
+}
+
+// ---- coordination --------------------------------------------------------------------------------------------------
+
+struct Conjunction {
+  const char* name;
+  const char* attribute;
+};
+
+constexpr Conjunction kConjunctions[] = {{"and", "@and"},
+                                         {"or", "@or"},
+                                         {"either", "@or"},
+                                         {"neither", "@nor"},
+                                         {"slash", "@slash"},
+                                         {"contrast", "@but"},
+                                         {"but", "@but"},
+                                         {"multi-sentence", "@snt"},
+                                         {"multiple-sentences", "@snt"}};
+
+const Conjunction* conjunction_of(Rewriter& graph, int at) {
+  for (const Conjunction& one : kConjunctions) {
+    const bool is_frame = std::string_view(one.name) == "contrast";
+    if (graph.word(at).name == one.name && graph.word(at).sense.empty() != is_frame) return &one;
+  }
+  return nullptr;
+}
+
+// The arcs to what is joined, in the order of their numbers.
+std::vector<int> joined(Rewriter& graph, int at) {
+  std::map<int, int> sorted;
+  for (const int led : graph.children(at)) {
+    std::string_view role = graph.arc(led).role;
+    if (graph.arc(led).inverse) continue;
+    for (const std::string_view prefix : {"op", "snt", "ARG"}) {
+      if (!role.starts_with(prefix)) continue;
+      role.remove_prefix(prefix.size());
+      if (role.empty() || role.size() > 3 || role.find_first_not_of("0123456789") != role.npos) break;
+      sorted.emplace(std::stoi(std::string(role)), led);
+      break;
+    }
+  }
+  std::vector<int> found;
+  for (const auto& [number, led] : sorted) found.push_back(led);
+  return found;
+}
+
+// The subject of a clause as the source writes it: its agent, or else what it is said of.
+int subject_arc(Rewriter& graph, int clause) {
+  for (const char* role : {"ARG0", "ARG1", "domain"}) {
+    if (const int led = graph.child(clause, role); led >= 0) return led;
+  }
+  return -1;
+}
+
+void coordinate(Rewriter& graph, int at, const Conjunction& conjunction) {
+  const std::vector<int> parts = joined(graph, at);
+  if (parts.empty()) return;
+  // A part that the sentence has named before joins in as a mention.
+  const std::vector<int> first = first_arcs(graph);
+  for (const int led : parts) {
+    const int part = graph.arc(led).to;
+    if (first[static_cast<std::size_t>(part)] != led) graph.arc(led).to = mention_of(graph, part);
+  }
+  // The whole, mentioned again: "they".
+  const int group_arc = first[static_cast<std::size_t>(at)];
+  for (std::size_t i = 0; i < graph.meaning().arcs.size(); ++i) {
+    const int led = static_cast<int>(i);
+    if (graph.arc(led).gone || graph.arc(led).to != at || led == group_arc || graph.arc(led).inverse) continue;
+    const int they = graph.add_concept("they");
+    attribute_add(graph.word(they), "@ref");
+    attribute_add(graph.word(they), "@pl");
+    graph.arc(led).to = they;
+  }
+  const int head = graph.arc(parts[0]).to;
+  const std::string number = graph.arc(parts[0]).role;
+  graph.settle_concept(at, Fate::attribute);
+  if (parts.size() == 1) {
+    // "And ...", "But ...": what it is tied to stands in another sentence.
+    attribute_add(graph.word(head), std::string("@lead_") + (conjunction.attribute + 1));
+  }
+  int last = head;
+  for (std::size_t i = 1; i < parts.size(); ++i) {
+    const int part = graph.arc(parts[i]).to;
+    attribute_add(graph.word(part), conjunction.attribute);
+    const int subject = subject_arc(graph, part);
+    const int model = subject_arc(graph, head);
+    const bool is_shared = subject >= 0 && model >= 0 && graph.arc(subject).to == graph.arc(model).to &&
+                           graph.arc(subject).role == graph.arc(model).role &&
+                           std::string_view(conjunction.attribute) != "@snt";
+    if (is_shared) graph.arc(subject).role = "shared";
+    graph.replace(parts[i], last, part, "conjunct");
+    last = part;
+  }
+  graph.remove(parts[0], Fate::relation);
+  for (const std::string& attribute : graph.word(at).attributes) {
+    if (attribute != "@pl" && attribute != "@sg") attribute_add(graph.word(head), attribute);
+  }
+  graph.redirect(at, head);
+  graph.move_children(at, head);
+}
+
+// ---- quotation -----------------------------------------------------------------------------------------------------
+
+constexpr std::array kSaying{"say",     "ask",      "answer",   "reply",   "exclaim", "cry",     "demand",
+                             "add",     "remark",   "repeat",   "state",   "murmur",  "respond", "object",
+                             "inquire", "explain",  "call-out", "tell",    "think",   "declare", "shout",
+                             "whisper", "announce", "observe",  "continue"};
+
+// Words that say who speaks to whom, and moods that only one who speaks has.
+bool has_speaker(Rewriter& graph, int at, int depth) {
+  if (depth > 12) return false;
+  const Concept& word = graph.word(at);
+  for (const char* mood : {"@imp", "@int", "@exp", "@ask"}) {
+    if (has_attribute(word, mood)) return true;
+  }
+  if (is_unknown(graph, at) || graph.is(at, "i") || graph.is(at, "we") || graph.is(at, "you")) return true;
+  for (const int led : graph.children(at)) {
+    if (has_speaker(graph, graph.arc(led).to, depth + 1)) return true;
+  }
+  return false;
+}
+
+void quote(Rewriter& graph, int at) {
+  const int led = graph.child(at, "ARG1");
+  const int who = graph.child(at, "ARG0");
+  const int whom = graph.child(at, "ARG2");
+  if (led < 0) return;
+  const int said = graph.arc(led).to;
+  const auto speaks_itself = [&](int arc_at) {
+    if (arc_at < 0) return false;
+    const int person = graph.arc(arc_at).to;
+    return graph.is(person, "i") || graph.is(person, "you") || graph.is(person, "we");
+  };
+  const int subject = subject_arc(graph, said);
+  const bool is_asked_to = whom >= 0 && subject >= 0 && graph.arc(subject).to == graph.arc(whom).to;
+  if (has_attribute(graph.word(said), "@whether") || is_asked_to || speaks_itself(who) || speaks_itself(whom)) return;
+  if (!has_speaker(graph, said, 0)) return;
+  graph.arc(led).role = "quoted";
+  attribute_add(graph.word(said), "@quote");
+}
+
+// ---- questions -----------------------------------------------------------------------------------------------------
+
+// Verbs below which a question is reported and not asked.
+constexpr std::array kReporting{"know", "wonder", "understand", "forget", "remember", "learn",  "explain", "tell",
+                                "see",  "ask",    "find-out",   "show",   "discover", "teach",  "inquire", "question",
+                                "say",  "decide", "realize",    "hear",   "doubt",    "matter", "idea",    "care"};
+
+template <std::size_t N>
+bool is_one_of(Rewriter& graph, int at, const std::array<const char*, N>& names) {
+  return std::any_of(names.begin(), names.end(), [&](const char* name) { return graph.word(at).name == name; });
+}
+
+bool is_core(const Arc& one) {
+  return !one.inverse && one.role.starts_with("ARG");
+}
+
+// What is asked for moves to the front of its clause, together with the phrase that it belongs to.
+void question(Rewriter& graph, int unknown) {
+  int led = graph.parent(unknown);
+  if (led < 0 || graph.arc(led).inverse) return;
+  int phrase = unknown;
+  std::string role = graph.arc(led).role;
+  attribute_add(graph.word(unknown), "@wh");
+  // "How many stars", "whose hat": the noun goes with it.
+  while (!is_clause(graph, graph.arc(led).from) && (role == "quant" || role == "poss" || role == "mod" ||
+                                                    role == "degree" || role == "possessor" || role == "age")) {
+    attribute_add(graph.word(unknown), "@wh_" + role);
+    phrase = graph.arc(led).from;
+    const int above = graph.parent(phrase);
+    if (above < 0) return attribute_add(graph.word(phrase), "@ask");
+    attribute_add(graph.word(phrase), "@wh");
+    led = above;
+    role = graph.arc(led).role;
+    if (graph.arc(led).inverse) return;
+  }
+  int clause = graph.arc(led).from;
+  const int asked_at = clause;
+  bool is_reported = false;
+  while (clause != graph.meaning().root && !has_attribute(graph.word(clause), "@quote")) {
+    const int above = graph.parent(clause);
+    if (above < 0 || !is_core(graph.arc(above))) break;
+    const int governor = graph.arc(above).from;
+    if (is_one_of(graph, governor, kReporting) || has_attribute(graph.word(governor), "@int")) {
+      is_reported = true;
+      break;
+    }
+    clause = governor;
+  }
+  const bool is_subject =
+      clause == asked_at && (role == "ARG0" || (role == "ARG1" && graph.child(clause, "ARG0") < 0) ||
+                             (role == "domain" && graph.is(unknown, "amr-unknown")));
+  attribute_add(graph.word(phrase), "@wh_" + role);
+  attribute_add(graph.word(clause), is_reported ? "@asked" : is_subject ? "@asksub" : "@ask");
+  if (!is_subject) graph.replace(led, clause, phrase, "questioned");
+}
+
+}  // namespace
+
+void step_polarity(Meaning& meaning) {
+  Rewriter graph(meaning, "polarity");
+  for (int at = 0; at < graph.count(); ++at) {
+    if (const int led = graph.child(at, "polarity"); led >= 0 && is_unknown(graph, graph.arc(led).to)) {
+      graph.settle_concept(graph.arc(led).to, Fate::attribute);
+      graph.remove(led, Fate::attribute);
+      attribute_add(graph.word(at), "@int");
+    }
+    if (const int led = graph.child(at, "polarity", true); led >= 0 && graph.is(at, "truth-value")) {
+      const int clause = graph.arc(led).to;
+      graph.settle_concept(at, Fate::attribute);
+      graph.remove(led, Fate::attribute);
+      attribute_add(graph.word(clause), "@whether");
+      graph.redirect(at, clause);
+      graph.move_children(at, clause);
+    }
+    const bool is_tag = graph.is(at, "request-confirmation", "91");
+    if (const int led = is_tag ? graph.child(at, "ARG1") : -1; led >= 0) {
+      const int clause = graph.arc(led).to;
+      graph.settle_concept(at, Fate::attribute);
+      graph.remove(led, Fate::attribute);
+      attribute_add(graph.word(clause), "@tag");
+      graph.redirect(at, clause);
+      graph.move_children(at, clause);
+    }
+  }
+}
+
+void step_persons(Meaning& meaning) {
+  Rewriter graph(meaning, "persons");
+  for (int at = 0; at < graph.count(); ++at) {
+    if (!graph.is(at, "person") || has_attribute(graph.word(at), "@name")) continue;
+    const int led = graph.child(at, "ARG0", true);
+    if (led < 0) continue;
+    const int frame = graph.arc(led).to;
+    const std::vector<int> below = graph.children(frame);
+    const bool is_simple = std::all_of(below.begin(), below.end(), [&](int one) {
+      return graph.arc(one).role == "ARG1" && !graph.arc(one).inverse && !is_clause(graph, graph.arc(one).to);
+    });
+    const bool is_plain = !has_attribute(graph.word(frame), "@neg") && graph.mentions(frame) == 1;
+    if (graph.word(frame).sense.empty() || !is_simple || !is_plain) continue;
+    graph.remove(led, Fate::attribute);
+    graph.settle_concept(at, Fate::attribute);
+    attribute_add(graph.word(frame), "@agent");
+    for (const std::string& attribute : graph.word(at).attributes) attribute_add(graph.word(frame), attribute);
+    graph.redirect(at, frame);
+    graph.move_children(at, frame);
+  }
+}
+
+void step_contrast(Meaning& meaning) {
+  Rewriter graph(meaning, "contrast");
+  for (int at = 0, end = graph.count(); at < end; ++at) {
+    if (graph.is(at, "contrast", "01") || graph.is(at, "contrast", "91")) {
+      coordinate(graph, at, *conjunction_of(graph, at));
+    }
+  }
+}
+
+void step_coordination(Meaning& meaning) {
+  Rewriter graph(meaning, "coordination");
+  for (int at = 0, end = graph.count(); at < end; ++at) {
+    const Conjunction* conjunction = conjunction_of(graph, at);
+    if (conjunction != nullptr && graph.word(at).sense.empty()) coordinate(graph, at, *conjunction);
+  }
+}
+
+void step_quotation(Meaning& meaning) {
+  Rewriter graph(meaning, "quotation");
+  for (int at = 0; at < graph.count(); ++at) {
+    if (!graph.word(at).sense.empty() && is_one_of(graph, at, kSaying)) quote(graph, at);
+  }
+}
+
+void step_questions(Meaning& meaning) {
+  Rewriter graph(meaning, "questions");
+  for (int at = 0; at < graph.count(); ++at) {
+    if (is_unknown(graph, at)) question(graph, at);
+  }
+}
+
+void step_control(Meaning& meaning) {
+  Rewriter graph(meaning, "control");
+  const std::vector<int> first = first_arcs(graph);
+  for (int at = 0; at < graph.count(); ++at) {
+    const int above = first[static_cast<std::size_t>(at)];
+    if (above < 0 || graph.arc(above).inverse || !is_clause(graph, at)) continue;
+    const std::string& role = graph.arc(above).role;
+    const bool may_be_infinite = role.starts_with("ARG") || role == "purpose" || role == "manner" || role == "mod";
+    const int subject = subject_arc(graph, at);
+    if (!may_be_infinite || subject < 0) continue;
+    const int person = graph.arc(subject).to;
+    if (first[static_cast<std::size_t>(person)] == subject) continue;
+    // Named by the governing clause, or by the one whose subject that clause shares.
+    const int governor = graph.arc(above).from;
+    bool is_named = false;
+    for (const int led : graph.children(governor)) {
+      is_named |= led != above && !graph.arc(led).inverse && graph.arc(led).to == person;
+    }
+    const int relative = first[static_cast<std::size_t>(governor)];
+    is_named |= relative >= 0 && graph.arc(relative).inverse && graph.arc(relative).from == person;
+    if (!is_named) continue;
+    if (graph.arc(subject).role != "ARG0") attribute_add(graph.word(at), "@ctl1");
+    graph.arc(subject).role = "understood";
+  }
+}
+
+void step_mentions(Meaning& meaning) {
+  Rewriter graph(meaning, "mentions");
+  const std::vector<int> first = first_arcs(graph);
+  for (std::size_t i = 0, end = meaning.arcs.size(); i < end; ++i) {
+    const int led = static_cast<int>(i);
+    if (graph.arc(led).gone) continue;
+    const int to = graph.arc(led).to;
+    if (first[static_cast<std::size_t>(to)] == led || (to == meaning.root && graph.arc(led).from == to)) continue;
+    if (graph.arc(led).inverse) {
+      // A clause that stands above, or elsewhere, has this one as an argument: it is said there.
+      const int from = graph.arc(led).from;
+      const int again = mention_of(graph, from);
+      graph.replace(led, to, again, graph.arc(led).role);
+    } else {
+      graph.arc(led).to = mention_of(graph, to);
+    }
+  }
+}
+
+}  // namespace lexon

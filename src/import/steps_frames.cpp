@@ -1,0 +1,335 @@
+// Steps about frames that say what a language says with a word or a form: causes, offices, degrees, modality.
+#include <utility>
+
+#include "import/rewriter.hpp"
+#include "import/steps.hpp"
+
+namespace lexon {
+namespace {
+
+// A frame that stands for a role: the two arguments that it ties together.
+struct Reified {
+  const char* name;
+  const char* sense;
+  const char* head;
+  const char* dependent;
+  const char* role;
+};
+
+constexpr Reified kReified[] = {
+    {"cause", "01", "ARG1", "ARG0", "cause"},
+    {"have-cause", "91", "ARG1", "ARG2", "cause"},
+    {"have-reason", "91", "ARG1", "ARG2", "cause"},
+    {"have-condition", "91", "ARG1", "ARG2", "condition"},
+    {"have-concession", "91", "ARG1", "ARG2", "concession"},
+    {"have-concessive-condition", "91", "ARG1", "ARG2", "concessive-conditional"},
+    {"have-purpose", "91", "ARG1", "ARG2", "purpose"},
+    {"have-goal", "91", "ARG1", "ARG2", "purpose"},
+    {"have-instrument", "91", "ARG1", "ARG2", "instrument"},
+    {"have-manner", "91", "ARG1", "ARG2", "manner"},
+    {"have-frequency", "91", "ARG1", "ARG2", "frequency"},
+    {"have-duration", "91", "ARG1", "ARG2", "duration"},
+    {"have-extent", "91", "ARG1", "ARG2", "extent"},
+    {"have-temporal", "91", "ARG1", "ARG2", "time"},
+    {"be-temporally-at", "91", "ARG1", "ARG2", "time"},
+    {"have-direction", "91", "ARG1", "ARG2", "direction"},
+    {"have-source", "91", "ARG1", "ARG2", "source"},
+    {"be-from", "91", "ARG1", "ARG2", "source"},
+    {"have-topic", "91", "ARG1", "ARG2", "topic"},
+    {"have-companion", "91", "ARG1", "ARG2", "accompanier"},
+    {"accompany", "01", "ARG1", "ARG0", "accompanier"},
+    {"have-material", "91", "ARG1", "ARG2", "consist-of"},
+    {"have-substitute", "91", "ARG1", "ARG2", "substitute"},
+    {"instead-of", "91", "ARG1", "ARG2", "substitute"},
+    {"have-example", "91", "ARG1", "ARG2", "example"},
+    {"exemplify", "01", "ARG1", "ARG0", "example"},
+    {"include", "91", "ARG1", "ARG2", "superset"},
+    {"have-part", "91", "ARG1", "ARG2", "part"},
+    {"have-age", "91", "ARG1", "ARG2", "age"},
+    {"have-mod", "91", "ARG1", "ARG2", "mod"},
+    {"have-color", "91", "ARG1", "ARG2", "color"},
+    {"have-size", "91", "ARG1", "ARG2", "size"},
+    {"be-destined-for", "91", "ARG1", "ARG2", "destination"},
+    {"have-ord", "91", "ARG1", "ARG2", "ord"},
+};
+
+// These are said by a verb when they are the statement itself, and are roles only below what they speak of.
+bool is_statement(const Reified& one) {
+  const std::string_view role = one.role;
+  return role == "mod" || role == "age" || role == "color" || role == "size" || role == "destination" ||
+         role == "part" || role == "superset" || role == "example" || role == "source" || role == "time" ||
+         role == "topic" || role == "accompanier" || role == "ord" || role == "purpose" || role == "substitute";
+}
+
+const Reified* reified_of(Rewriter& graph, int at) {
+  for (const Reified& one : kReified) {
+    if (graph.is(at, one.name, one.sense)) return &one;
+  }
+  return nullptr;
+}
+
+// The frame goes; its head and its dependent are tied together, written at the one that stood above the frame.
+void reified_apply(Rewriter& graph, int at, const Reified& one) {
+  const int up = graph.argument(at, one.head);
+  const int down = graph.argument(at, one.dependent);
+  if (down < 0 && up < 0) return;
+  if (up < 0 || down < 0) {
+    // One end alone: "that is why ...", "... because". The frame's other end is not said.
+    const int led = up >= 0 ? up : down;
+    const bool is_above = graph.arc(led).to == at;
+    if (is_above || graph.mentions(at) > 1) return;
+    const bool is_plain = graph.children(at).size() == 1;
+    if (!is_plain || std::string_view(one.role) == "superset") return;
+    const int kept = graph.arc(led).to;
+    attribute_add(graph.word(kept), std::string("@") + (up >= 0 ? "so_" : "as_") + one.role);
+    graph.settle_concept(at, Fate::attribute);
+    graph.remove(led, Fate::attribute);
+    graph.redirect(at, kept);
+    return;
+  }
+  const int head = graph.other(up, at);
+  const int dependent = graph.other(down, at);
+  if (head == dependent) return;
+  const bool head_above = graph.arc(up).to == at;
+  const bool dependent_above = graph.arc(down).to == at;
+  if (!head_above && !dependent_above && is_statement(one)) return;
+  graph.settle_concept(at, Fate::relation);
+  if (dependent_above && !head_above) {
+    graph.replace(down, dependent, head, one.role, true);
+    graph.remove(up, Fate::relation);
+    graph.redirect(at, dependent);
+    graph.move_children(at, head);
+  } else {
+    graph.replace(down, head, dependent, one.role);
+    graph.remove(up, Fate::relation);
+    graph.redirect(at, head);
+    graph.move_children(at, head);
+  }
+}
+
+// An office: who holds it, of what, and its title.
+struct Office {
+  const char* name;
+  const char* sense;
+  const char* holder;
+  const char* whole;
+  const char* title;
+  const char* role;
+};
+
+constexpr Office kOffices[] = {
+    {"have-org-role", "91", "ARG0", "ARG1", "ARG2", "org"},  {"have-org-role", "92", "ARG1", "ARG2", "ARG3", "org"},
+    {"have-rel-role", "91", "ARG0", "ARG1", "ARG2", "poss"}, {"have-rel-role", "92", "ARG1", "ARG2", "ARG3", "poss"},
+    {"have-role", "91", "ARG1", "ARG3", "ARG2", "org"},
+};
+
+void office_apply(Rewriter& graph, int at, const Office& office) {
+  const int holds = graph.argument(at, office.holder);
+  const int whole = graph.argument(at, office.whole);
+  const int titled = graph.argument(at, office.title);
+  if (holds < 0) return;
+  const int holder = graph.other(holds, at);
+  const bool holder_above = graph.arc(holds).to == at;
+  if (titled < 0) {
+    if (whole < 0 || !holder_above || graph.arc(whole).from != at) return;
+    graph.settle_concept(at, Fate::relation);
+    graph.remove(holds, Fate::relation);
+    graph.replace(whole, holder, graph.arc(whole).to, office.role);
+    graph.move_children(at, holder);
+    return;
+  }
+  const int title = graph.other(titled, at);
+  if (graph.arc(titled).from != at) return;
+  graph.settle_concept(at, Fate::relation);
+  if (!holder_above) {
+    // The statement itself: "she is the mayor of Oslo".
+    graph.replace(holds, title, holder, "domain");
+    graph.remove(titled, Fate::relation);
+    graph.redirect(at, title);
+    if (whole >= 0) graph.replace(whole, title, graph.other(whole, at), office.role);
+    graph.move_children(at, title);
+    return;
+  }
+  const bool is_named = has_attribute(graph.word(holder), "@name") || !graph.is(holder, "person");
+  graph.remove(holds, Fate::relation);
+  if (whole >= 0 && graph.arc(whole).from == at) {
+    graph.replace(whole, is_named ? title : holder, graph.arc(whole).to, office.role);
+  }
+  if (is_named) {
+    graph.replace(titled, holder, title, "title");
+  } else {
+    graph.remove(titled, Fate::word);
+    graph.settle_concept(holder, Fate::word);
+    Concept& person = graph.word(holder);
+    person.name = graph.word(title).name;
+    person.sense = graph.word(title).sense;
+    person.triple = graph.word(title).triple;
+    for (const std::string& attribute : graph.word(title).attributes) attribute_add(person, attribute);
+    graph.move_children(title, holder);
+    graph.redirect(title, holder);
+  }
+  graph.move_children(at, holder);
+}
+
+const char* degree_attribute(const Concept& degree) {
+  struct Named {
+    const char* name;
+    const char* attribute;
+  };
+  constexpr Named kDegrees[] = {{"more", "@more"}, {"most", "@most"}, {"less", "@less"},   {"least", "@least"},
+                                {"too", "@too"},   {"so", "@so"},     {"equal", "@equal"}, {"enough", "@enough"},
+                                {"as", "@equal"},  {"very", "@very"}};
+  for (const auto& [name, attribute] : kDegrees) {
+    if (degree.name == name) return attribute;
+  }
+  return nullptr;
+}
+
+// (x :ARG1-of (have-degree-91 :ARG2 tall :ARG3 more :ARG4 y)): tall is the quality, x its bearer.
+void degree_apply(Rewriter& graph, int at, bool is_quantity) {
+  const int quality_led = graph.argument(at, "ARG2");
+  if (quality_led < 0) return;
+  const int quality = graph.other(quality_led, at);
+  const int bearer_led = graph.argument(at, "ARG1");
+  graph.settle_concept(at, Fate::relation);
+  if (const int led = graph.child(at, "ARG3"); led >= 0) {
+    const int degree = graph.arc(led).to;
+    const char* attribute = degree_attribute(graph.word(degree));
+    if (attribute != nullptr && graph.mentions(degree) == 1) {
+      attribute_add(graph.word(quality), attribute);
+      graph.settle_concept(degree, Fate::attribute);
+      graph.remove(led, Fate::attribute);
+      graph.move_children(degree, quality);
+    } else {
+      graph.replace(led, quality, degree, "degree");
+    }
+  }
+  constexpr std::pair<const char*, const char*> kOthers[] = {
+      {"ARG4", "compared-to"}, {"ARG5", "superlative-of"}, {"ARG6", "consequence"}};
+  for (const auto& [role, label] : kOthers) {
+    if (const int led = graph.child(at, role); led >= 0) graph.replace(led, quality, graph.arc(led).to, label);
+  }
+  if (bearer_led < 0) {
+    if (graph.arc(quality_led).from == at) {
+      graph.remove(quality_led, Fate::relation);
+      graph.redirect(at, quality);
+    } else {
+      graph.remove(quality_led, Fate::relation);
+    }
+    return graph.move_children(at, quality);
+  }
+  const int bearer = graph.other(bearer_led, at);
+  const bool bearer_above = graph.arc(bearer_led).to == at;
+  const bool quality_above = graph.arc(quality_led).to == at;
+  // The quality may name its bearer by a role of its own: important-01 :ARG1 x.
+  const int own = graph.argument(quality, "ARG1");
+  const bool is_known = own >= 0 && graph.other(own, quality) == bearer && own != bearer_led;
+  if (quality_above || is_known) {
+    if (quality_above && !is_known) {
+      graph.replace(bearer_led, quality, bearer, is_quantity ? "quant" : "domain", is_quantity);
+    } else {
+      graph.remove(bearer_led, Fate::relation);
+    }
+    graph.remove(quality_led, Fate::relation);
+    if (!quality_above && !bearer_above) graph.redirect(at, quality);
+  } else if (bearer_above) {
+    graph.remove(bearer_led, Fate::relation);
+    graph.replace(quality_led, bearer, quality, is_quantity ? "quant" : "mod");
+  } else {
+    graph.replace(bearer_led, quality, bearer, "domain");
+    graph.remove(quality_led, Fate::relation);
+    graph.redirect(at, quality);
+  }
+  graph.move_children(at, quality);
+}
+
+struct Modal {
+  const char* name;
+  const char* sense;
+  const char* governed;
+  const char* attribute;
+};
+
+constexpr Modal kModals[] = {
+    {"possible", "01", "ARG1", "@can"},
+    {"obligate", "01", "ARG2", "@must"},
+    {"recommend", "01", "ARG1", "@should"},
+};
+
+// The governed clause takes the place of the frame and an attribute in its stead.
+void modality_apply(Rewriter& graph, int at, const Modal& modal) {
+  const int led = graph.argument(at, modal.governed);
+  if (led < 0) return;
+  const int clause = graph.other(led, at);
+  const bool is_clause = !graph.word(clause).sense.empty() || graph.child(clause, "domain") >= 0;
+  const bool has_agent = graph.argument(at, "ARG0") >= 0;
+  if (!is_clause || has_agent || clause == at) return;
+  for (const char* attribute : {"@can", "@must", "@should"}) {
+    if (has_attribute(graph.word(clause), attribute)) return;
+  }
+  graph.settle_concept(at, Fate::attribute);
+  attribute_add(graph.word(clause), modal.attribute);
+  // A negated possibility: "cannot". The two negations of "it is not possible not to" stay apart.
+  const bool both = has_attribute(graph.word(at), "@neg") && has_attribute(graph.word(clause), "@neg");
+  if (both) return;
+  for (const std::string& attribute : graph.word(at).attributes) attribute_add(graph.word(clause), attribute);
+  const bool above = graph.arc(led).to == at;
+  graph.remove(led, Fate::attribute);
+  if (!above) graph.redirect(at, clause);
+  // Who is obliged is the subject of what he is obliged to do.
+  for (const char* role : {"ARG1", "ARG2"}) {
+    const int who = graph.child(at, role);
+    if (who < 0) continue;
+    const int person = graph.arc(who).to;
+    const int subject = graph.argument(clause, "ARG0");
+    if (subject >= 0 && graph.other(subject, clause) == person) {
+      graph.remove(who, Fate::relation);
+    } else {
+      graph.replace(who, clause, person, subject < 0 ? "ARG0" : "beneficiary");
+    }
+  }
+  graph.move_children(at, clause);
+}
+
+}  // namespace
+
+void step_reified(Meaning& meaning) {
+  Rewriter graph(meaning, "reified");
+  for (int at = 0; at < graph.count(); ++at) {
+    if (const Reified* one = reified_of(graph, at)) reified_apply(graph, at, *one);
+  }
+}
+
+void step_office(Meaning& meaning) {
+  Rewriter graph(meaning, "office");
+  for (int at = 0; at < graph.count(); ++at) {
+    for (const Office& office : kOffices) {
+      if (graph.is(at, office.name, office.sense)) {
+        office_apply(graph, at, office);
+        break;
+      }
+    }
+  }
+}
+
+void step_degree(Meaning& meaning) {
+  Rewriter graph(meaning, "degree");
+  for (int at = 0; at < graph.count(); ++at) {
+    if (graph.is(at, "have-degree", "91") || graph.is(at, "have-degree", "92")) degree_apply(graph, at, false);
+    if (graph.is(at, "have-quant", "91")) degree_apply(graph, at, true);
+  }
+}
+
+void step_modality(Meaning& meaning) {
+  Rewriter graph(meaning, "modality");
+  for (int at = 0; at < graph.count(); ++at) {
+    for (const Modal& modal : kModals) {
+      if (graph.is(at, modal.name, modal.sense)) {
+        modality_apply(graph, at, modal);
+        break;
+      }
+    }
+  }
+}
+
+}  // namespace lexon

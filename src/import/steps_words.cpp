@@ -1,0 +1,151 @@
+// Steps about single words: names, dates, quantities, pronouns.
+#include <algorithm>
+#include <array>
+#include <map>
+
+#include "import/rewriter.hpp"
+#include "import/steps.hpp"
+
+namespace lexon {
+namespace {
+
+bool is_number(const std::string& text) {
+  return !text.empty() && text.find_first_not_of("0123456789.,-") == std::string::npos &&
+         text.find_first_of("0123456789") != std::string::npos;
+}
+
+// The operands of a concept in the order of their numbers.
+std::vector<int> operands(Rewriter& graph, int at) {
+  std::map<int, int> sorted;
+  for (const int led : graph.children(at)) {
+    const std::string& role = graph.arc(led).role;
+    const bool is_operand = !graph.arc(led).inverse && role.starts_with("op") && role.size() > 2 && role.size() < 6 &&
+                            is_number(role.substr(2));
+    if (is_operand) sorted.emplace(std::stoi(role.substr(2)), led);
+  }
+  std::vector<int> found;
+  for (const auto& [number, led] : sorted) found.push_back(led);
+  return found;
+}
+
+// The first mention of a type that names all its kind is no word of the sentence: "the country France".
+void name_apply(Rewriter& graph, int at, int led) {
+  const int name = graph.arc(led).to;
+  std::string text;
+  for (const int operand : operands(graph, name)) {
+    if (!text.empty()) text += ' ';
+    text += graph.word(graph.arc(operand).to).name;
+    graph.remove(operand, Fate::word);
+  }
+  if (text.empty()) return;
+  graph.remove(led, Fate::word);
+  graph.settle_concept(name, Fate::word);
+  graph.settle_concept(at, Fate::attribute);
+  Concept& named = graph.word(at);
+  attribute_add(named, "@name");
+  attribute_add(named, "@" + named.name);
+  named.name = text;
+  named.sense.clear();
+}
+
+}  // namespace
+
+void step_wiki(Meaning& meaning) {
+  Rewriter graph(meaning, "wiki");
+  for (Arc& one : meaning.arcs) {
+    if (one.role == "wiki" && !one.gone) one.gone = true, settle(meaning, one.triple, Fate::left_out, "wiki");
+  }
+}
+
+void step_names(Meaning& meaning) {
+  Rewriter graph(meaning, "names");
+  for (int at = 0; at < graph.count(); ++at) {
+    const int led = graph.child(at, "name");
+    if (led >= 0 && graph.is(graph.arc(led).to, "name")) name_apply(graph, at, led);
+  }
+}
+
+void step_dates(Meaning& meaning) {
+  // What a date is called by, if it has several parts.
+  constexpr std::array kHeads{"month", "weekday", "dayperiod", "season", "time", "year", "decade", "century", "day"};
+  Rewriter graph(meaning, "dates");
+  for (int at = 0; at < graph.count(); ++at) {
+    if (!graph.is(at, "date-entity")) continue;
+    int led = -1;
+    for (const char* part : kHeads) {
+      if (led = graph.child(at, part); led >= 0) break;
+    }
+    if (led < 0) continue;
+    const std::string part = graph.arc(led).role;
+    const int head = graph.arc(led).to;
+    graph.remove(led, Fate::word);
+    graph.settle_concept(at, Fate::attribute);
+    attribute_add(graph.word(head), "@date");
+    attribute_add(graph.word(head), "@" + part);
+    if (part == "month") graph.word(head).sense = graph.word(head).name, graph.word(head).name = "month";
+    if (part == "decade") graph.word(head).name += 's';
+    graph.redirect(at, head);
+    graph.move_children(at, head);
+  }
+}
+
+void step_quantities(Meaning& meaning) {
+  Rewriter graph(meaning, "quantities");
+  for (int at = 0, end = graph.count(); at < end; ++at) {
+    const bool is_quantity = graph.word(at).name.ends_with("-quantity") && graph.word(at).sense.empty();
+    if (const int unit = is_quantity ? graph.child(at, "unit") : -1; unit >= 0) {
+      const int head = graph.arc(unit).to;
+      graph.remove(unit, Fate::word);
+      graph.settle_concept(at, Fate::attribute);
+      attribute_add(graph.word(head), "@measure");
+      graph.redirect(at, head);
+      graph.move_children(at, head);
+    }
+    const bool has_value = graph.is(at, "ordinal-entity") || graph.is(at, "percentage-entity") ||
+                           graph.is(at, "url-entity") || graph.is(at, "string-entity") ||
+                           graph.is(at, "email-address-entity") || graph.is(at, "phone-number-entity") ||
+                           graph.is(at, "score-entity") || graph.is(at, "hyperlink", "91");
+    if (const int value = has_value ? graph.child(at, "value") : -1; value >= 0) {
+      const int head = graph.arc(value).to;
+      const bool is_ordinal = graph.is(at, "ordinal-entity");
+      if (graph.is(at, "percentage-entity")) {
+        graph.word(at).name = "percent";
+        attribute_add(graph.word(at), "@measure");
+        graph.replace(value, at, head, "quant");
+      } else {
+        graph.remove(value, Fate::word);
+        graph.settle_concept(at, Fate::attribute);
+        if (is_ordinal) graph.word(head).sense = "ord", attribute_add(graph.word(head), "@ord");
+        graph.redirect(at, head);
+        graph.move_children(at, head);
+      }
+    }
+  }
+  // Numbers other than one go with a plural.
+  for (const Arc& one : meaning.arcs) {
+    if (one.gone || one.inverse || one.role != "quant") continue;
+    const Concept& number = graph.word(one.to);
+    const bool is_plain = number.sense.empty() && is_number(number.name);
+    if (!is_plain) continue;
+    attribute_add(graph.word(one.from), number.name == "1" ? "@sg" : "@pl");
+  }
+}
+
+void step_pronouns(Meaning& meaning) {
+  Rewriter graph(meaning, "pronouns");
+  for (int at = 0; at < graph.count(); ++at) {
+    Concept& word = graph.word(at);
+    const bool is_bare =
+        word.sense.empty() && graph.children(at).empty() &&
+        (word.name == "person" || word.name == "thing" || word.name == "animal" || word.name == "individual-person");
+    if (!is_bare) continue;
+    const bool is_many = has_attribute(word, "@pl");
+    const char* name = nullptr;
+    if (has_attribute(word, "@p1")) name = is_many ? "we" : "i";
+    if (has_attribute(word, "@p2")) name = "you";
+    if (has_attribute(word, "@p3")) name = is_many ? "they" : word.name == "person" ? "he" : "it";
+    if (name != nullptr) word.name = name;
+  }
+}
+
+}  // namespace lexon
