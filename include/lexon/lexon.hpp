@@ -56,7 +56,7 @@ struct Message {
 // The files of a grammar. Paths as the system wants them.
 struct GrammarFiles {
   std::string dictionary{};    // binary dictionary, made by `lexon-dict build`; its index lies beside it
-  std::string rules{};         // rule text, or compiled rules (".rul"); `Grammar::from_text` does not look at it
+  std::string rules{};         // rule text, its source (".lxr") or compiled (".rul"); `Grammar::from_text` reads none
   std::string cooccurrence{};  // co-occurrence dictionary; empty: none
   // Memory for the rules and a sentence of each generator together, in blocks of 65535 bytes: 1 to 65535, and the
   // nearest of these for another number. Rule bases of more than some 27,000 short rules need more.

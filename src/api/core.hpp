@@ -15,6 +15,7 @@
 #include "run/notes.hpp"
 #include "run/render.hpp"
 #include "run/settings.hpp"
+#include "source/expand.hpp"
 
 namespace lexon::core {
 

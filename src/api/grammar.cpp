@@ -25,6 +25,7 @@ struct RuleStep {
   core::Grammar& grammar;
   std::vector<Message>& messages;
   const std::string& file;
+  SourceMap& source;
 };
 
 // The rest of the step, behind parsing or reading the rules. What these print is for a run's output, which is not here.
@@ -43,7 +44,7 @@ bool finish(RuleStep& step, core::Status status) {
 bool parse(RuleStep& step, TextSource source) {
   RuleNotes notes;
   const core::Status status = parse_rule_file(step.session, step.grammar.pool, source, step.grammar.rules, &notes);
-  rule_notes_append(step.messages, step.file, notes);
+  rule_notes_append(step.messages, step.file, notes, step.source);
   if (source.has_failed()) error_append(step.messages, step.file, "the rules cannot be read to their end");
   return finish(step, status);
 }
@@ -56,7 +57,18 @@ bool load_compiled(RuleStep& step, std::FILE* stream) {
   return finish(step, status);
 }
 
+// Nothing is written, as of compiled rules.
+bool load_source(RuleStep& step, ExpandedFile&& source) {
+  source_messages_append(step.messages, source.expansion.messages);
+  if (source.expansion.has_errors()) return false;
+  step.source = std::move(source.expansion.map);
+  std::string_view text = source.expansion.text;
+  return parse(step, text);
+}
+
 bool load_rules(RuleStep& step) {
+  if (ExpandedFile source = expand_beside(step.file, Expanding::in_memory); source.is_source)
+    return load_source(step, std::move(source));
   const std::string extension = path_split(step.file).extension;
   if (extension == ".mtx") {
     error_append(step.messages, step.file,
@@ -103,7 +115,7 @@ void load_all(LoadedGrammar& grammar, const GrammarFiles& files, const std::stri
   if (!files.cooccurrence.empty()) is_usable = open_cooccurrence(grammar, files.cooccurrence) && is_usable;
   grammar.rules.pool.limit_blocks(std::clamp(files.blocks, 1, kMostBlocks));
   const auto session = std::make_unique<Session>();
-  RuleStep step{*session, grammar.rules, grammar.messages, rule_file};
+  RuleStep step{*session, grammar.rules, grammar.messages, rule_file, grammar.source};
   grammar.is_usable = load_rules_of(step) && is_usable;
 }
 

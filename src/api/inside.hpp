@@ -12,6 +12,7 @@ struct LoadedGrammar {
   core::Grammar rules;
   Dictionary words;
   Dictionary cooccurrence;  // not open when there is none
+  SourceMap source;         // of rules from a grammar source; else empty
   std::vector<Message> messages;
   bool is_usable = false;
 };

@@ -23,18 +23,31 @@ void text_notes_append(std::vector<Message>& messages, const std::string& file, 
   }
 }
 
-void rule_notes_append(std::vector<Message>& messages, const std::string& file, const RuleNotes& notes) {
+void rule_notes_append(std::vector<Message>& messages, const std::string& file, const RuleNotes& notes,
+                       const SourceMap& map) {
   text_notes_append(messages, file, notes.text);
   for (const RuleNote& note : notes.notes) {
     const MessageKind kind = is_warning(note.fault) ? MessageKind::warning : MessageKind::error;
-    messages.push_back(
-        {kind, file, note.line, static_cast<std::int64_t>(note.column) + 1, rule_fault_text(note.fault)});
+    const MappedPlace from = map.place(note.line, note.column);
+    const std::string around = surroundings_text(from);
+    const std::string text = rule_fault_text(note.fault) + (around.empty() ? "" : " (" + around + ')');
+    const bool is_mapped = !from.file.empty();
+    messages.push_back({kind, is_mapped ? from.file : file, is_mapped ? from.line : note.line,
+                        static_cast<std::int64_t>(is_mapped ? from.column : note.column) + 1, text});
   }
   if (notes.last_line_fails) {
     error_append(messages, file,
                  "no rule is in force, as the last line is refused: mend it, or end the text with an empty line");
   }
   if (notes.memory_line != 0) messages.push_back({MessageKind::error, file, notes.memory_line, 0, kNoRoomForRules});
+}
+
+void source_messages_append(std::vector<Message>& messages, const std::vector<SourceMessage>& source) {
+  for (const SourceMessage& message : source) {
+    const MessageKind kind = message.is_warning ? MessageKind::warning : MessageKind::error;
+    const auto column = message.line == 0 ? 0 : static_cast<std::int64_t>(message.column) + 1;
+    messages.push_back({kind, message.file, message.line, column, message.text});
+  }
 }
 
 }  // namespace v1

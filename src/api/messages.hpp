@@ -22,8 +22,12 @@ void fault_append(std::vector<Message>& messages, const std::string& file, const
 void text_notes_append(std::vector<Message>& messages, const std::string& file, const TextWatch& text,
                        const TextWatch& before = {});
 
-// What the rule parser has noted.
-void rule_notes_append(std::vector<Message>& messages, const std::string& file, const RuleNotes& notes);
+// What the rule parser has noted. Of rules from a grammar source `map` tells the places; else it is empty.
+void rule_notes_append(std::vector<Message>& messages, const std::string& file, const RuleNotes& notes,
+                       const SourceMap& map);
+
+// What the expansion of a grammar source has noted.
+void source_messages_append(std::vector<Message>& messages, const std::vector<SourceMessage>& source);
 
 }  // namespace v1
 }  // namespace lexon

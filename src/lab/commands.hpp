@@ -26,6 +26,7 @@ struct Fault : std::runtime_error {
   using std::runtime_error::runtime_error;
 };
 
+[[nodiscard]] Command add_expand(CLI::App& app);
 [[nodiscard]] Command add_render(CLI::App& app);
 
 }  // namespace lab

@@ -56,7 +56,10 @@ Project::Project(GrammarFiles of) : files(std::move(of)), grammar(Grammar::load(
 }
 
 std::string Project::place_of(const Rule& rule) const {
-  return rule.line == 0 ? files.rules : files.rules + ':' + std::to_string(rule.line);
+  if (rule.line == 0) return files.rules;
+  const MappedPlace source = loaded().source.place(rule.line, 0);
+  return source.file.empty() ? files.rules + ':' + std::to_string(rule.line)
+                             : source.file + ':' + std::to_string(source.line);
 }
 
 void for_each_sentence(const RenderOptions& options, const std::function<void(const GraphText&)>& use) {

@@ -15,6 +15,7 @@
 #include "rules/grammar.hpp"
 #include "rules/rule_notes.hpp"
 #include "run/compiled_file.hpp"
+#include "source/expand.hpp"
 
 namespace lexon {
 
@@ -28,12 +29,13 @@ struct RunContext {
   File output;                     // null until it is open
   std::FILE* input = nullptr;      // the sentence position lives in this stream
   bool input_waits = false;        // for who writes it: a pipe, a terminal
-  std::FILE* rule_text = nullptr;  // null when nothing is converted
+  std::FILE* rule_text = nullptr;  // null when nothing is converted, or from memory
   bool post_edit = true;
   CompiledFile compiled_rules;
   CompiledFile compiled_matrix;
   std::string stamp_path;
-  std::string rule_text_path;                 // empty without a text
+  std::string rule_text_path;                 // of a grammar source its expansion; empty without a text
+  ExpandedFile source;                        // what a grammar source has expanded to
   std::optional<FileMark> rule_text_mark;     // what the open text held at first; none for a pipe
   std::optional<std::int64_t> rules_refused;  // of the text; none if nobody has counted
   bool convert = false;                       // the rule text is to be parsed

@@ -115,9 +115,10 @@ Opening open_cr_dictionary(const RunSettings& settings, RunContext& context, Hos
   return goes_on ? Opening{} : failure({});
 }
 
-Opening open_rules(const RunSettings& settings, RunContext& context) {
+Opening open_rules(const RunSettings& settings, RunContext& context, Host& host) {
   errno = 0;
   std::string message = rule_files_open(settings, context);
+  note_source(context, host);
   if (message.empty()) return {};
   if (!message.starts_with("Can't Open")) return failure(std::move(message));
   std::string reason = settings.rule_file.empty() ? "no path is given" : system_reason();
@@ -129,7 +130,7 @@ Opening open_all(const RunSettings& settings, RunContext& context, Host& host) {
   if (opening.succeeded) opening = open_dictionary(settings, context);
   if (opening.succeeded) opening = open_input(settings, context);
   if (opening.succeeded) opening = open_cr_dictionary(settings, context, host);
-  if (opening.succeeded) opening = open_rules(settings, context);
+  if (opening.succeeded) opening = open_rules(settings, context, host);
   return opening;
 }
 

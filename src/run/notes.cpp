@@ -59,14 +59,33 @@ void note_text(const std::string& path, const TextWatch& text, Host& host) {
     host.note({place(path, note.line) + ": " + note.text, note.is_loss, true});
 }
 
-void note_rule(const std::string& path, const RuleNote& note, Host& host) {
-  const std::string_view text = note.text;
-  const std::size_t column = std::min(note.column, text.size());
+// A line of a text, and what is to be said of a byte of it.
+std::string line_note(const std::string& path, std::int64_t line, std::string_view text, std::size_t column, bool stays,
+                      const std::string& what) {
+  column = std::min(column, text.size());
   const std::size_t shown_column = utf8_count(text.substr(0, column)) + 1;
+  return place(path, line) + ':' + std::to_string(shown_column) + (stays ? ": warning: " : ": ") + what + '\n' +
+         line_with_caret(text, column);
+}
+
+// A rule of a grammar source is shown where it stands there; a value that a mark has there, where the mark stands.
+std::string rule_note_text(const std::string& path, const SourceMap& map, const RuleNote& note) {
   const bool stays = is_warning(note.fault);
-  host.note({place(path, note.line) + ':' + std::to_string(shown_column) + (stays ? ": warning: " : ": ") +
-                 rule_fault_text(note.fault) + '\n' + line_with_caret(text, column),
-             !stays, true});
+  const std::string what = rule_fault_text(note.fault);
+  const MappedPlace from = map.place(note.line, note.column);
+  if (from.file.empty()) return line_note(path, note.line, note.text, note.column, stays, what);
+  std::string around = surroundings_text(from);
+  around += (around.empty() ? "expanded to " : ", expanded to ") + place(path, note.line);
+  return line_note(from.file, from.line, source_line_at(from.file, from.line), from.column, stays,
+                   what + " (" + around + ')');
+}
+
+// The whole map, if the rules come from a grammar source.
+SourceMap source_map_of(const RunContext& context) {
+  SourceMap map;
+  if (!context.source.is_source || context.source.is_new) return context.source.expansion.map;
+  static_cast<void>(source_map_read(context.source.map_path, map, false));
+  return map;
 }
 
 void note_room(const RunSettings& settings, const RunContext& context, Host& host) {
@@ -75,7 +94,8 @@ void note_room(const RunSettings& settings, const RunContext& context, Host& hos
   const std::string more = "; --blocks " + std::to_string(2 * settings.blocks) + " makes room for more";
   if (context.rules_without_room) {
     const std::int64_t line = context.rule_notes.memory_line;
-    const std::string where = line != 0 ? place(settings.rule_file, line) : settings.rule_file;
+    const std::string& path = context.rule_text_path.empty() ? settings.rule_file : context.rule_text_path;
+    const std::string where = line != 0 ? place(path, line) : path;
     host.note({where + ": no room for the rules: " + rules_room(rules) + more, true, true});
   } else if (left < kScarceBytes) {
     host.note({settings.rule_file + ": little room is left for sentences: " + rules_room(rules) + more, false, true});
@@ -142,13 +162,25 @@ void note_settings(const RunSettings& settings, Host& host) {
   }
 }
 
+std::string source_message_text(const SourceMessage& message) {
+  if (message.line == 0) return message.file + ": " + message.text;
+  return line_note(message.file, message.line, message.shown, message.column, message.is_warning, message.text);
+}
+
+void note_source(const RunContext& context, Host& host) {
+  for (const SourceMessage& message : context.source.expansion.messages)
+    host.note({source_message_text(message), !message.is_warning, true});
+}
+
 void note_rules(const RunSettings& settings, const RunContext& context, Host& host) {
   const RuleNotes& rules = context.rule_notes;
-  note_text(settings.rule_file, rules.text, host);
-  for (const RuleNote& note : rules.notes) note_rule(settings.rule_file, note, host);
+  const std::string& path = context.rule_text_path.empty() ? settings.rule_file : context.rule_text_path;
+  note_text(path, rules.text, host);
+  const SourceMap map = rules.notes.empty() ? SourceMap() : source_map_of(context);
+  for (const RuleNote& note : rules.notes) host.note({rule_note_text(path, map, note), !is_warning(note.fault), true});
   if (rules.last_line_fails) {
-    host.note({settings.rule_file + ": no rule is in force, as the last line is refused: mend it, or end the text with "
-                                    "an empty line",
+    host.note({path + ": no rule is in force, as the last line is refused: mend it, or end the text with "
+                      "an empty line",
                true, true});
   }
   note_room(settings, context, host);

@@ -11,9 +11,10 @@
 
 namespace lexon {
 
-// Each tells the host what there is to tell: of the settings before the first step, of the rules behind the rule step,
-// of the input behind the last sentence.
+// Each tells the host what there is to tell: of the settings before the first step, of a grammar source when it has
+// been expanded, of the rules behind the rule step, of the input behind the last sentence.
 void note_settings(const RunSettings& settings, Host& host);
+void note_source(const RunContext& context, Host& host);
 void note_rules(const RunSettings& settings, const RunContext& context, Host& host);
 void note_input(const RunSettings& settings, const RunContext& context, Host& host);
 
@@ -26,6 +27,9 @@ struct TextNote {
 
 // What `text` has shown and had not shown at `before`.
 [[nodiscard]] std::vector<TextNote> text_notes(const TextWatch& text, const TextWatch& before = {});
+
+// What is wrong in a grammar source: the place, the line and a caret under it.
+[[nodiscard]] std::string source_message_text(const SourceMessage& message);
 
 // "1 rule", "2 rules".
 [[nodiscard]] std::string counted(std::int64_t count, const char* one, const char* many);

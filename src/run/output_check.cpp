@@ -6,6 +6,7 @@
 #include "dict/dictionary.hpp"
 #include "run/files.hpp"
 #include "run/rule_files.hpp"
+#include "source/expand.hpp"
 
 namespace lexon {
 
@@ -53,7 +54,9 @@ std::string output_conflict(const RunSettings& settings) {
     const char* what;
     std::string path;
   };
+  const bool may_be_source = settings.rule_file.ends_with(kSourceExtension);
   const CompiledPaths compiled = compiled_paths_of(settings.rule_file);
+  const CompiledPaths expanded = compiled_paths_of(may_be_source ? settings.rule_file + ".txt" : "");
   // An index is there when its dictionary is of use.
   const bool may_be_index = fs::exists(status);
   const Read all[] = {
@@ -62,6 +65,11 @@ std::string output_conflict(const RunSettings& settings) {
       {"the compiled rules", compiled.rules},
       {"the compiled rule matrix", compiled.matrix},
       {"the stamp of the compiled rules", compiled.stamp},
+      {"the expanded rules", may_be_source ? settings.rule_file + ".txt" : ""},
+      {"the map of the expanded rules", may_be_source ? settings.rule_file + ".map" : ""},
+      {"the compiled rules", expanded.rules},
+      {"the compiled rule matrix", expanded.matrix},
+      {"the stamp of the compiled rules", expanded.stamp},
       {"the dictionary", settings.dictionary_file},
       {"the index of the dictionary", may_be_index ? index_path(settings.dictionary_file) : ""},
       {"the co-occurrence dictionary", settings.cr_dictionary_file},

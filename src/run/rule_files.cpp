@@ -32,9 +32,9 @@ bool is_empty_file(const std::string& path) {
 }
 
 // Clears `convert` if the compiled rules are as new as the text. The result is a message, or empty.
-std::string compare_with_text(const std::string& rule_file, const std::optional<FileTime>& compiled_time,
-                              RunContext& context) {
+std::string compare_with_text(const std::optional<FileTime>& compiled_time, RunContext& context) {
   if (!compiled_time) return {};
+  const std::string& rule_file = context.rule_text_path;
   int error = 0;
   const std::optional<FileTime> text_time = file_time(rule_file, error);
   if (!text_time) return ";;error in " + rule_file + ":" + std::to_string(error) + "\n";
@@ -67,12 +67,13 @@ void close_both(RunContext& context) {
 
 // Decides by the dates and opens both files. The result is a message, or empty.
 std::string decide_and_open(const RunSettings& settings, const std::string& extension, RunContext& context) {
-  const bool reuses = !settings.rebuild && !settings.in_memory;
-  context.convert = context.rule_text != nullptr;
+  // A text that has just been expanded may bear the date of rules compiled from the one before.
+  const bool reuses = !settings.rebuild && !settings.in_memory && !context.source.wrote_text;
+  context.convert = !context.rule_text_path.empty();
   int error = 0;
   const std::optional<FileTime> compiled_time = file_time(context.compiled_rules.path, error);
   if (context.convert && reuses) {
-    std::string message = compare_with_text(settings.rule_file, compiled_time, context);
+    std::string message = compare_with_text(compiled_time, context);
     if (!message.empty()) return message;
   }
   if (extension == ".mtx") return "Please assign rule file with extension \".rul\" or \".txt\"";
@@ -201,7 +202,13 @@ CompiledPaths compiled_paths_of(const std::string& rule_file) {
 }
 
 std::string rule_files_open(const RunSettings& settings, RunContext& context) {
-  const std::string& rule_file = settings.rule_file;
+  const Expanding how = settings.in_memory ? Expanding::in_memory
+                        : settings.rebuild ? Expanding::anew
+                                           : Expanding::when_changed;
+  context.source = expand_beside(settings.rule_file, how);
+  if (context.source.expansion.has_errors()) return settings.rule_file + ": cannot be expanded";
+  if (!context.source.fault.empty()) return context.source.fault;
+  const std::string& rule_file = context.source.is_source ? context.source.text_path : settings.rule_file;
   const std::string extension = path_split(rule_file).extension;
   const CompiledPaths paths = compiled_paths_of(rule_file);
   context.in_memory = settings.in_memory;
@@ -210,6 +217,9 @@ std::string rule_files_open(const RunSettings& settings, RunContext& context) {
   context.stamp_path = paths.stamp;
   if (extension != ".rul") {
     context.rule_text_path = rule_file;
+  }
+  const bool lies_in_memory = context.source.is_source && settings.in_memory;
+  if (!context.rule_text_path.empty() && !lies_in_memory) {
     context.rule_text = text_open(rule_file, context.session.stop_requested);
     if (context.rule_text == nullptr) return cannot_open(kGenerationRule, rule_file);
     context.rule_text_mark = file_mark(context.rule_text);

@@ -31,6 +31,8 @@ struct CompiledPaths {
 // | x.rul     | there                              | as new / missing or older | likewise                         |
 // | x.mtx     |                                    |                           | refused                          |
 //
+// A grammar source (x.lxr with directives) is expanded first, and its expansion x.lxr.txt takes its place; its messages
+// lie in the context. With `in_memory` no expansion is written.
 // With `rebuild` what could be reused counts as older. With `in_memory` nothing is opened for writing, and of x.txt no
 // compiled file at all.
 [[nodiscard]] std::string rule_files_open(const RunSettings& settings, RunContext& context);

@@ -2,6 +2,7 @@
 
 #include <new>
 #include <string>
+#include <string_view>
 
 #include "data/output.hpp"
 #include "rules/compiled.hpp"
@@ -17,7 +18,9 @@ namespace {
 Status parse_and_write_rules(RunContext& context) {
   Session& session = context.session;
   Grammar& grammar = context.grammar;
-  if (const Status s = parse_rule_file(session, grammar.pool, context.rule_text, grammar.rules, &context.rule_notes);
+  std::string_view expansion = context.source.expansion.text;
+  const TextSource text = context.rule_text != nullptr ? TextSource(context.rule_text) : TextSource(expansion);
+  if (const Status s = parse_rule_file(session, grammar.pool, text, grammar.rules, &context.rule_notes);
       s != Status::ok)
     return s;
   context.rules_refused = context.rule_notes.refused;
