@@ -42,7 +42,7 @@ endfunction()
 
 # ---- lexon
 lexon_package_papers(lexon lexon)
-lexon_man_pages(lexon lexon.1 lexon-dict.1 lexon-dictionary.5 lexon-graph.5 lexon-rules.5)
+lexon_man_pages(lexon lexon.1 lexon-dict.1 lexon-import.1 lexon-dictionary.5 lexon-graph.5 lexon-rules.5)
 install(DIRECTORY ${PROJECT_SOURCE_DIR}/examples DESTINATION ${LEXON_DOC} COMPONENT lexon
   PATTERN "*.dic" EXCLUDE PATTERN "*.idx" EXCLUDE PATTERN "*.rul" EXCLUDE PATTERN "*.mtx" EXCLUDE
   PATTERN "*.out" EXCLUDE)
