@@ -42,15 +42,15 @@ endfunction()
 
 # ---- lexon
 lexon_package_papers(lexon lexon)
-lexon_man_pages(lexon lexon.1 lexon-dict.1 lexon-dictionary.5 lexon-graph.5 lexon-rules.5)
+lexon_man_pages(lexon lexon.1 lexon-dict.1 lexon-import.1 lexon-dictionary.5 lexon-graph.5 lexon-rules.5)
 # Completions for the shells, from what the programs say of themselves.
 find_package(Python3 QUIET COMPONENTS Interpreter)
 if(TARGET lexon AND Python3_FOUND AND NOT CMAKE_CROSSCOMPILING)
-  set(programs lexon lexon-dict lexon-lab)
+  set(programs lexon lexon-dict lexon-import lexon-lab)
   set(completions ${CMAKE_BINARY_DIR}/completions)
   add_custom_command(OUTPUT ${completions}/bash/lexon
     COMMAND ${Python3_EXECUTABLE} ${PROJECT_SOURCE_DIR}/tools/completions ${completions}
-      $<TARGET_FILE:lexon> $<TARGET_FILE:lexon-dict> $<TARGET_FILE:lexon-lab>
+      $<TARGET_FILE:lexon> $<TARGET_FILE:lexon-dict> $<TARGET_FILE:lexon-import> $<TARGET_FILE:lexon-lab>
     DEPENDS ${programs} ${PROJECT_SOURCE_DIR}/tools/completions VERBATIM)
   add_custom_target(completions ALL DEPENDS ${completions}/bash/lexon)
   install(DIRECTORY ${completions}/bash/ DESTINATION ${CMAKE_INSTALL_DATAROOTDIR}/bash-completion/completions

@@ -16,6 +16,7 @@ import xml.etree.ElementTree as ET
 VOWEL = re.compile(r"(?!(uni|use|usu|uti|eu|one\b|once|ubi|ura))(?:[aeiou]|hour|honest|honou?r|heir)", re.I)
 PREPOSITIONS = set("about above across after against along among around as at before behind between by for from in into "
                    "like near of off on onto out over through to toward towards under upon with within without".split())
+STATE_FILES = {31, 37, 42}
 MASS_FILES = {7, 12, 27, 26, 19}
 
 
@@ -62,16 +63,74 @@ def compared(adjective, ending):
     return double(adjective) + ending
 
 
+class Text:
+    """What people write, from the examples of the frame files: how often a form comes, and with which article."""
+
+    def __init__(self, folder):
+        self.counts = collections.Counter()
+        self.articles = collections.defaultdict(collections.Counter)
+        self.prepositions = collections.defaultdict(collections.Counter)
+        self.sentences = []
+        for path in sorted(pathlib.Path(folder).glob("*.xml")) if folder else ():
+            for text in re.findall(r"<text>([^<]*)</text>", path.read_text(encoding="utf-8", errors="replace")):
+                words = text.lower().split()
+                self.counts.update(words)
+                self.sentences.append(words)
+
+    def read_articles(self, nouns, adjectives):
+        known = {"the": "the", "a": "a", "an": "a"}
+        other = set("this that these those my your his her its our their some any no every each another 's all both many "
+                    "few several".split())
+        for words in self.sentences:
+            for i, noun in enumerate(words):
+                if noun not in nouns:
+                    continue
+                if i + 1 < len(words) and words[i + 1] in nouns:
+                    continue
+                j = i - 1
+                while j >= 0 and i - j < 4 and words[j] in adjectives and words[j] not in other and words[j] not in PREPOSITIONS:
+                    j -= 1
+                before = words[j] if j >= 0 else ""
+                self.articles[noun][known.get(before, "other" if before in other else "bare")] += 1
+                if before in known and j > 0:
+                    before = words[j - 1]
+                if before in PREPOSITIONS:
+                    self.prepositions[noun][before] += 1
+
+    def noun_marks(self, noun, many):
+        """MASS, AN, THE: what usually stands before the noun; PLUR: it is mostly a plural; INP, ONP, ATP: its preposition."""
+        seen = self.articles[noun]
+        marks = ""
+        known = seen["the"] + seen["a"] + seen["bare"]
+        if known >= 4:
+            if seen["bare"] > 0.55 * known:
+                marks += ",BARE"
+            elif seen["a"] > seen["the"]:
+                marks += ",AN"
+            elif seen["the"] > 2.5 * seen["a"]:
+                marks += ",THE"
+        if self.counts[many] > 1.3 * self.counts[noun] and self.counts[many] > 3:
+            marks += ",PLUR"
+        if self.prepositions[noun]:
+            best, count = max(((p, n) for p, n in self.prepositions[noun].items() if p in ("in", "on", "at")),
+                              key=lambda one: one[1], default=("", 0))
+            if count > 1:
+                marks += f",{best.upper()}P"
+        return marks
+
+
 class Sources:
     def __init__(self, arguments):
+        self.text = Text(arguments.frames)
         self.forms = collections.defaultdict(dict)
         if arguments.forms:
             tags = {"V;PST": "PAST", "V;V.PTCP;PST": "PTCP", "V;V.PTCP;PRS": "ING", "V;3;SG;PRS": "S", "V;PRS;NOM(3,SG)": "S"}
             for line in open(arguments.forms, encoding="utf-8"):
                 lemma, form, features = line.rstrip("\n").split("\t")[:3]
                 if features in tags:
-                    self.forms[lemma].setdefault(tags[features], form)
+                    self.forms[lemma].setdefault(tags[features], []).append(form)
         self.nouns, self.adjectives, self.adverbs, self.verbs = {}, set(), set(), set()
+        self.states = set()
         self.agents, self.nominal, self.adjectival, self.manner = ({} for _ in range(4))
         self.irregular = {"noun": {}, "adj": collections.defaultdict(list), "verb": {}}
         if arguments.wordnet:
@@ -100,6 +159,8 @@ class Sources:
                 if part == "noun":
                     self.nouns[lemma] = written.replace("_", " "), file, int(fields[-int(fields[2]) - 1])
                 else:
+                    if part == "verb" and file in STATE_FILES:
+                        self.states.add(lemma)
                     {"verb": self.verbs, "adj": self.adjectives, "adv": self.adverbs}[part].add(lemma)
             if (folder / f"{part}.exc").exists() and part != "adv":
                 for line in open(folder / f"{part}.exc"):
@@ -135,7 +196,9 @@ class Sources:
     def verb_forms(self, lemma):
         first, *rest = lemma.split(" ")
         forms = verb_rule(first)
-        forms.update(self.forms.get(first, {}))
+        for tag, known in self.forms.get(first, {}).items():
+            # Of several forms the one that people write.
+            forms[tag] = max(known, key=lambda form: (self.text.counts[form], form == forms[tag]))
         tail = "".join(" " + word for word in rest)
         return {tag: form + tail for tag, form in forms.items()}
 
@@ -154,7 +217,9 @@ class Writer:
 
     def verb(self, lemma, concept, more=""):
         forms = self.sources.verb_forms(lemma)
-        third, base = forms["S"], forms["BASE"]
+        if lemma in self.sources.states:
+            more = ",STATV" + more
+        third = forms["S"]
         for tag in ("BASE", "PAST", "PTCP", "ING"):
             self.entry(forms[tag], concept, f"V,{tag}{more}")
         self.entry(third, concept, f"V,THIRD{more}")
@@ -164,6 +229,7 @@ class Writer:
         if lemma != lemma.lower():
             written = lemma
         kinds = {18: ",HUM", 28: ",TIM", 15: ",PLC"}.get(file, "") + (",MASS" if file in MASS_FILES else "")
+        kinds += self.sources.text.noun_marks(lemma, self.sources.irregular["noun"].get(lemma) or plural(written))
         self.entry(written, concept, f"N{kinds}{vowel(written)}{more}")
         if written[:1].islower():
             many = self.sources.irregular["noun"].get(lemma) or plural(written)
@@ -242,10 +308,16 @@ def patterns(roleset, sources, lemma):
         for shape in ("INF", "GER"):
             if counts[shape] and counts[shape] >= counts["THAT"]:
                 attributes.append(f"{shape}{n}")
+        if counts["THAT"] > counts["INF"] + counts["GER"]:
+            attributes.append("THAT" + n)
         best, _ = max(((k, v) for k, v in counts.items() if k not in ("INF", "THAT", "GER")), key=lambda kv: kv[1],
                       default=("", 0))
         if best and best != "NP":
             attributes.append(f"p{n}{best}")
+        if n == "1" and best != "NP" and attributes and attributes[-1].startswith("p1"):
+            # An object is a plain noun, unless the examples leave no doubt.
+            if 5 * counts[best] < 3 * sum(counts.values()):
+                attributes.pop()
         elif best == "NP" and n == "2":
             attributes.append("NP2")
     return "".join("," + a for a in attributes)
@@ -338,6 +410,7 @@ def main():
                 out.write(line)
                 if found := re.search(r'"([^"]*)" \(', line):
                     taken.add(found.group(1) or None)
+        sources.text.read_articles({n for n in sources.nouns if " " not in n}, sources.adjectives | set(sources.nouns))
         writer = Writer(sources, out, taken)
         if arguments.frames:
             frames(arguments.frames, writer, sources)

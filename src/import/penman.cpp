@@ -318,6 +318,9 @@ void document_level(const std::string& text, Meaning& meaning) {
 
 // ---- the file ------------------------------------------------------------------------------------------------------
 
+// A graph that is never closed ends here, so that no source fills the memory.
+constexpr std::size_t kMaxLines = 20000;
+
 class FileReader {
  public:
   FileReader(const std::string& name, const MeaningSink& sink) : name_(name), sink_(sink) {}
@@ -325,7 +328,7 @@ class FileReader {
   void line(std::string text, int number) {
     if (!text.empty() && text.back() == '\r') text.pop_back();
     const std::string_view bare = trimmed(text);
-    if (depth_ > 0 && begins_another(text, bare)) graph_end();
+    if (depth_ > 0 && (begins_another(text, bare) || lines_.text.size() == kMaxLines)) graph_end();
     if (depth_ > 0) return graph_line(text);
     if (bare.starts_with('#')) return metadata(bare);
     if (bare.starts_with("Words:")) {

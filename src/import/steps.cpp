@@ -11,6 +11,8 @@ constexpr RewriteStep kSteps[] = {
     {"quantities", "a quantity becomes its unit with a number, an ordinal the number with (>ord); @pl beside numbers",
      step_quantities},
     {"pronouns", "a person or thing with :refer-person alone becomes i, we, you, he, it or they", step_pronouns},
+    {"speaker", "UMR: an utterance stands for itself; who says it is i, to whom is you, and the frame is left out",
+     step_speaker},
     {"reified", "frames that stand for a role (cause-01, have-purpose-91) become that role", step_reified},
     {"office", "have-org-role and have-rel-role: the person is called by the office, with what it belongs to",
      step_office},

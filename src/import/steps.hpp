@@ -32,6 +32,7 @@ void step_modality(Meaning& meaning);
 void step_polarity(Meaning& meaning);
 void step_persons(Meaning& meaning);
 void step_contrast(Meaning& meaning);
+void step_speaker(Meaning& meaning);
 void step_quotation(Meaning& meaning);
 void step_questions(Meaning& meaning);
 void step_coordination(Meaning& meaning);

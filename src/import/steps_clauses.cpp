@@ -57,15 +57,10 @@ struct Conjunction {
   const char* attribute;
 };
 
-constexpr Conjunction kConjunctions[] = {{"and", "@and"},
-                                         {"or", "@or"},
-                                         {"either", "@or"},
-                                         {"neither", "@nor"},
-                                         {"slash", "@slash"},
-                                         {"contrast", "@but"},
-                                         {"but", "@but"},
-                                         {"multi-sentence", "@snt"},
-                                         {"multiple-sentences", "@snt"}};
+constexpr Conjunction kConjunctions[] = {
+    {"and", "@and"},      {"or", "@or"},     {"amr-choice", "@or"},      {"umr-choice", "@or"},
+    {"sum-of", "@and"},   {"either", "@or"}, {"neither", "@nor"},        {"slash", "@slash"},
+    {"contrast", "@but"}, {"but", "@but"},   {"multi-sentence", "@snt"}, {"multiple-sentences", "@snt"}};
 
 const Conjunction* conjunction_of(Rewriter& graph, int at) {
   for (const Conjunction& one : kConjunctions) {
@@ -201,8 +196,12 @@ bool is_one_of(Rewriter& graph, int at, const std::array<const char*, N>& names)
   return std::any_of(names.begin(), names.end(), [&](const char* name) { return graph.word(at).name == name; });
 }
 
+bool is_core_role(const std::string& role) {
+  return role.starts_with("ARG");
+}
+
 bool is_core(const Arc& one) {
-  return !one.inverse && one.role.starts_with("ARG");
+  return !one.inverse && is_core_role(one.role);
 }
 
 // What is asked for moves to the front of its clause, together with the phrase that it belongs to.
@@ -264,12 +263,13 @@ void step_polarity(Meaning& meaning) {
       graph.move_children(at, clause);
     }
     const bool is_tag = graph.is(at, "request-confirmation", "91");
-    if (const int led = is_tag ? graph.child(at, "ARG1") : -1; led >= 0) {
-      const int clause = graph.arc(led).to;
+    if (const int led = is_tag ? graph.argument(at, "ARG1") : -1; led >= 0) {
+      const bool is_above = graph.arc(led).from == at;
+      const int clause = graph.other(led, at);
       graph.settle_concept(at, Fate::attribute);
       graph.remove(led, Fate::attribute);
       attribute_add(graph.word(clause), "@tag");
-      graph.redirect(at, clause);
+      if (is_above) graph.redirect(at, clause);
       graph.move_children(at, clause);
     }
   }
@@ -312,6 +312,41 @@ void step_coordination(Meaning& meaning) {
     const Conjunction* conjunction = conjunction_of(graph, at);
     if (conjunction != nullptr && graph.word(at).sense.empty()) coordinate(graph, at, *conjunction);
   }
+}
+
+void step_speaker(Meaning& meaning) {
+  Rewriter graph(meaning, "speaker");
+  bool is_utterance = false;
+  for (int led = 0; led < static_cast<int>(meaning.arcs.size()); ++led) {
+    if (graph.arc(led).gone || graph.arc(led).inverse || graph.arc(led).role != "quote") continue;
+    is_utterance |= graph.arc(led).to == meaning.root;
+    graph.remove(led, Fate::attribute);
+    attribute_add(graph.word(graph.arc(led).from), "@quote");
+  }
+  const int frame = meaning.root;
+  const int said = graph.child(frame, "ARG1");
+  const int who = graph.child(frame, "ARG0");
+  if (!is_utterance || said < 0 || who < 0) return;
+  const auto is_bare = [&](int at) {
+    return graph.children(at).empty() && !has_attribute(graph.word(at), "@name") &&
+           (graph.is(at, "person") || graph.is(at, "i") || graph.is(at, "he") || graph.is(at, "you"));
+  };
+  if (!is_bare(graph.arc(who).to)) return;
+  // Nobody writes "a person says": the speaker is "i", and who is spoken to is "you".
+  graph.settle_concept(frame, Fate::left_out);
+  const int content = graph.arc(said).to;
+  std::erase(graph.word(content).attributes, "@quote");
+  for (const int led : graph.children(frame)) {
+    const int to = graph.arc(led).to;
+    const bool is_person = graph.arc(led).role == "ARG0" || (graph.arc(led).role == "ARG2" && is_bare(to));
+    if (is_person) {
+      if (graph.mentions(to) > 1) graph.word(to).name = graph.arc(led).role == "ARG0" ? "i" : "you";
+      if (graph.mentions(to) == 1) graph.settle_concept(to, Fate::left_out);
+    }
+    if (is_person || led == said) graph.remove(led, Fate::left_out);
+  }
+  graph.redirect(frame, content);
+  graph.move_children(frame, content);
 }
 
 void step_quotation(Meaning& meaning) {
@@ -362,7 +397,7 @@ void step_mentions(Meaning& meaning) {
     if (graph.arc(led).gone) continue;
     const int to = graph.arc(led).to;
     if (first[static_cast<std::size_t>(to)] == led || (to == meaning.root && graph.arc(led).from == to)) continue;
-    if (graph.arc(led).inverse) {
+    if (graph.arc(led).inverse && is_core_role(graph.arc(led).role)) {
       // A clause that stands above, or elsewhere, has this one as an argument: it is said there.
       const int from = graph.arc(led).from;
       const int again = mention_of(graph, from);

@@ -20,6 +20,9 @@ constexpr Reified kReified[] = {
     {"cause", "01", "ARG1", "ARG0", "cause"},
     {"have-cause", "91", "ARG1", "ARG2", "cause"},
     {"have-reason", "91", "ARG1", "ARG2", "cause"},
+    {"infer", "91", "ARG1", "ARG2", "cause"},
+    {"identity", "91", "ARG1", "ARG2", "identity"},
+    {"mean", "91", "ARG1", "ARG2", "apposition"},
     {"have-condition", "91", "ARG1", "ARG2", "condition"},
     {"have-concession", "91", "ARG1", "ARG2", "concession"},
     {"have-concessive-condition", "91", "ARG1", "ARG2", "concessive-conditional"},
@@ -57,8 +60,9 @@ constexpr Reified kReified[] = {
 bool is_statement(const Reified& one) {
   const std::string_view role = one.role;
   return role == "mod" || role == "age" || role == "color" || role == "size" || role == "destination" ||
-         role == "part" || role == "superset" || role == "example" || role == "source" || role == "time" ||
-         role == "topic" || role == "accompanier" || role == "ord" || role == "purpose" || role == "substitute";
+         role == "part" || role == "superset" || role == "apposition" || role == "example" || role == "source" ||
+         role == "time" || role == "topic" || role == "accompanier" || role == "ord" || role == "purpose" ||
+         role == "substitute";
 }
 
 const Reified* reified_of(Rewriter& graph, int at) {
@@ -93,7 +97,18 @@ void reified_apply(Rewriter& graph, int at, const Reified& one) {
   const bool head_above = graph.arc(up).to == at;
   const bool dependent_above = graph.arc(down).to == at;
   if (!head_above && !dependent_above && is_statement(one)) return;
+  if (!head_above && !dependent_above && std::string_view(one.role) == "identity") {
+    // "Palin is the star".
+    graph.settle_concept(at, Fate::relation);
+    graph.replace(up, dependent, head, "domain");
+    graph.remove(down, Fate::relation);
+    graph.redirect(at, dependent);
+    return graph.move_children(at, dependent);
+  }
   graph.settle_concept(at, Fate::relation);
+  for (const std::string& attribute : graph.word(at).attributes) {
+    if (attribute != "@v") attribute_add(graph.word(attribute == "@neg" ? dependent : head), attribute);
+  }
   if (dependent_above && !head_above) {
     graph.replace(down, dependent, head, one.role, true);
     graph.remove(up, Fate::relation);
@@ -187,12 +202,14 @@ const char* degree_attribute(const Concept& degree) {
 
 // (x :ARG1-of (have-degree-91 :ARG2 tall :ARG3 more :ARG4 y)): tall is the quality, x its bearer.
 void degree_apply(Rewriter& graph, int at, bool is_quantity) {
-  const int quality_led = graph.argument(at, "ARG2");
+  int quality_led = graph.argument(at, "ARG2");
+  // A quantity may be the degree itself: "enough oil".
+  if (quality_led < 0 && is_quantity) quality_led = graph.argument(at, "ARG3");
   if (quality_led < 0) return;
   const int quality = graph.other(quality_led, at);
   const int bearer_led = graph.argument(at, "ARG1");
   graph.settle_concept(at, Fate::relation);
-  if (const int led = graph.child(at, "ARG3"); led >= 0) {
+  if (const int led = graph.child(at, "ARG3"); led >= 0 && led != quality_led) {
     const int degree = graph.arc(led).to;
     const char* attribute = degree_attribute(graph.word(degree));
     if (attribute != nullptr && graph.mentions(degree) == 1) {
@@ -320,8 +337,28 @@ void step_degree(Meaning& meaning) {
   }
 }
 
+// (x :ARG1-of (have-polarity-91 :ARG2 -)): the value becomes the attribute that the role itself would give.
+static void value_apply(Rewriter& graph, int at) {
+  const int about = graph.argument(at, "ARG1");
+  const int value = graph.child(at, "ARG2");
+  if (about < 0 || value < 0) return;
+  const int word = graph.other(about, at);
+  const std::string text = graph.word(graph.arc(value).to).name;
+  if (text == "-" || text.ends_with("-negative")) attribute_add(graph.word(word), "@neg");
+  if (text == "neutral-affirmative" || text == "partial-affirmative") attribute_add(graph.word(word), "@may");
+  const bool is_above = graph.arc(about).from == at;
+  graph.settle_concept(at, Fate::attribute);
+  graph.remove(about, Fate::attribute);
+  graph.remove(value, Fate::attribute);
+  if (is_above) graph.redirect(at, word);
+  graph.move_children(at, word);
+}
+
 void step_modality(Meaning& meaning) {
   Rewriter graph(meaning, "modality");
+  for (int at = 0; at < graph.count(); ++at) {
+    if (graph.is(at, "have-polarity", "91") || graph.is(at, "have-modal-strength", "91")) value_apply(graph, at);
+  }
   for (int at = 0; at < graph.count(); ++at) {
     for (const Modal& modal : kModals) {
       if (graph.is(at, modal.name, modal.sense)) {
