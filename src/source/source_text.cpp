@@ -214,6 +214,10 @@ class Reader {
     take_end(column);
   }
 
+  static std::string name_taken(std::string_view word) {
+    return '"' + std::string(word) + "\" is the name of a directive: choose another name";
+  }
+
   bool take_name(Words& words, std::string& name, const char* form) {
     const std::size_t at = words.at;
     const std::string_view word = words.take("=");
@@ -223,7 +227,7 @@ class Reader {
       return false;
     }
     if (is_directive_name(word)) {
-      fault(at, "\"" + std::string(word) + "\" is the name of a directive: choose another name");
+      fault(at, name_taken(word));
       return false;
     }
     return true;
@@ -353,7 +357,8 @@ class Reader {
       const std::string_view word = words.take(",");
       name = word;
       if (!is_source_name(word) || is_directive_name(word)) {
-        fault(at, std::string("the name of a variable is missing here: write ") + kForm);
+        fault(at, is_directive_name(word) ? name_taken(word)
+                                          : std::string("the name of a variable is missing here: write ") + kForm);
         is_read = false;
         break;
       }

@@ -53,6 +53,9 @@ def language(source):
 
 
 def main():
+    for source in sorted(EXAMPLES.rglob("rules.lxr")):
+        made = table.run("lexon-lab", "expand", source)
+        table.check(f"{source}: rules.txt is its expansion", made.stdout, table.text(source.with_suffix(".txt")))
     for source in sorted(path.parent for path in STORIES.glob("*/rules.txt")):
         language(source)
     with table.folder() as name:

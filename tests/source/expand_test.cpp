@@ -125,9 +125,10 @@ const Row kRows[] = {
     {"no end", "%if A\n%else\n%else\n%for x in (a)\n", "",
      "3:0: %else stands behind the %else of its %if: put it in front\n4:0: this %for has no end: write %end behind the last line that belongs to it\n1:0: this "
      "%if has no end: write %end behind the last line that belongs to it\n"},
-    {"loops", "%for in (a)\n%end\n%for x of A\n%end\n%for x in (a\n%end\n%for x in L M\n%end\n", "",
-     "1:8: \"in\" is missing here: write %for NAME in LIST\n3:7: \"in\" is missing here: write %for NAME in LIST\n5:11: this list is not closed: write ) "
-     "behind its last value\n7:12: nothing may stand behind the list of a loop: strike this out\n"},
+    {"loops", "%for in (a)\n%end\n%for end in (a)\n%end\n%for x of A\n%end\n%for x in (a\n%end\n%for x in L M\n%end\n", "",
+     "1:8: \"in\" is missing here: write %for NAME in LIST\n3:5: \"end\" is the name of a directive: choose another name\n5:7: \"in\" is missing here: write "
+     "%for NAME in LIST\n7:11: this list is not closed: write ) "
+     "behind its last value\n9:12: nothing may stand behind the list of a loop: strike this out\n"},
     {"tests", "%if\n%end\n%if A = b\n%end\n%if A == \n%end\n%if A == \"b\n%end\n%if A in\n%end\n%if A b\n%end\n", "",
      "1:3: a condition begins with a name: write NAME, NAME == VALUE, NAME != VALUE or NAME in LIST\n3:6: \"and\" or \"or\" is missing here, or this belongs "
      "into double quotes\n"
@@ -180,7 +181,8 @@ TEST(ExpandSource, StopsWhatGrowsWithoutEnd) {
   for (int i = 0; i < 100000; ++i) nested += "%if a\n";
   std::string ends;
   for (int i = 0; i < 9; ++i) ends += "%end\n";
-  const std::pair<std::string, const char*> rows[] = {{loops + "%include \"none.txt\"\n" + ends, "10 million steps"}, {doubling, "65,536 bytes"}, {nested, "nested too deep"}};
+  const std::pair<std::string, const char*> rows[] = {
+      {loops + "%include \"none.txt\"\n" + ends, "10 million steps"}, {doubling, "65,536 bytes"}, {nested, "nested too deep"}};
   for (const auto& [source, words] : rows) {
     folder.write("a.lxr", source);
     const Expansion expansion = expand_source(folder.path("a.lxr"));
