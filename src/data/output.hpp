@@ -78,7 +78,7 @@ class Output {
   [[gnu::format(printf, 2, 3)]] void print(const char* format, ...);
   void vprint(const char* format, std::va_list arguments);
 
-  // A line of its own, also behind one that was left open. `line` is given without its end.
+  // A line of its own behind a stop, which may have cut one off. `line` is given without its end.
   void banner(std::string_view line);
 
   // Hands everything to the stream and the system. Errors stay with the stream (`std::ferror`). Without a stream the

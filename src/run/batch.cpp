@@ -239,11 +239,11 @@ bool Batch::close_sentence(const Outcome& outcome) {
     case End::cancelled: return false;
     case End::end_of_input: context_.input_ended = true; return false;
     case End::done:
-      output.banner(";;Done!");
+      output.put(";;Done!\n");
       ++context_.done;
       break;
     case End::failed:
-      output.banner(";;Failed!");
+      output.put(";;Failed!\n");
       ++context_.failed;
       break;
     case End::over_time:
