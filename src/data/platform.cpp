@@ -346,7 +346,7 @@ bool is_a_file(std::FILE* stream) {
 std::FILE* regular_file_open(const std::string& path, const char* mode) {
   struct stat status {};
   if (stat(path.c_str(), &status) != 0) return nullptr;
-  errno = EINVAL;
+  errno = S_ISDIR(status.st_mode) ? EISDIR : EINVAL;
   if (!S_ISREG(status.st_mode)) return nullptr;
   // What has taken the file's place since is not waited for, and not read either.
   const int access = std::strchr(mode, '+') != nullptr ? O_RDWR : O_RDONLY;

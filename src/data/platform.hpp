@@ -107,7 +107,7 @@ void folder_sync(const std::string& path);
 // Is the open stream something that can be read or written as a file? False for a directory.
 [[nodiscard]] bool is_a_file(std::FILE* stream);
 // Opens a regular file that is there, with mode "rb" or "rb+". Null for what cannot be opened, with the reason in
-// `errno`, and for what is no regular file (a FIFO, a socket, a device, a folder), which is not touched: EINVAL.
+// `errno`, and for what is no regular file (a FIFO, a socket, a device, a folder), which is not touched: EINVAL, of a folder EISDIR.
 [[nodiscard]] std::FILE* regular_file_open(const std::string& path, const char* mode);
 
 // Has all that was written to the stream reached its file?

@@ -37,6 +37,10 @@ void slot_read(ByteView header, int key_field, Dictionary& dictionary) {
   descriptor.number2 = reader.u32();
 }
 
+const char* open_failure_text(int error) {
+  return error == EINVAL ? "it is no regular file" : std::strerror(error);
+}
+
 bool index_file_open(Dictionary& dictionary) {
   const IndexDescriptor* slot = dictionary.slots[kKeyHw];
   if (slot == nullptr || slot->levels < 1) {
@@ -48,7 +52,7 @@ bool index_file_open(Dictionary& dictionary) {
   dictionary.index_path = prefix + slot->name;
   dictionary.index.reset(index_open(prefix, *slot, kKeyHw, true));
   if (dictionary.index != nullptr) return true;
-  const char* reason = is_bare_name(slot->name) ? std::strerror(errno) : "it is not a plain file name";
+  const char* reason = is_bare_name(slot->name) ? open_failure_text(errno) : "it is not a plain file name";
   dictionary.fault = dictionary.path + ": its index " + dictionary.index_path + " cannot be opened: " + reason;
   return false;
 }
@@ -66,12 +70,9 @@ bool dictionary_file_open(const std::string& path, Dictionary& dictionary) {
   dictionary.slots = {};
   dictionary.name_size = 0;
   dictionary.index.reset();
-  dictionary.dictionary.reset(std::fopen(path.c_str(), "rb"));
-  const int error = errno;
-  const bool is_folder = dictionary.dictionary != nullptr && !is_a_file(dictionary.dictionary.get());
-  if (is_folder) dictionary.dictionary.reset();
+  dictionary.dictionary.reset(regular_file_open(path, "rb"));
   if (dictionary.dictionary == nullptr) {
-    dictionary.fault = path + ": cannot be opened: " + std::strerror(is_folder ? EISDIR : error);
+    dictionary.fault = path + ": cannot be opened: " + open_failure_text(errno);
     return false;
   }
   dictionary_header_read(dictionary);

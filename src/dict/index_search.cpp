@@ -47,7 +47,8 @@ Status search_chain(Session& session, Level& level, std::FILE* index, std::uint1
   while (!level.has_passed && chain.advance()) {
     if (const Status s = must_leave(session); s != Status::ok) return s;
     const Status s = search_block(session, level, chain.content());
-    if (s == Status::index_unreadable) note_damaged_block(session, index, chain.offset());
+    const bool has_head = chain.content().size() >= index_data_offset(level.name_size);
+    if (s == Status::index_unreadable || !has_head) note_damaged_block(session, index, chain.offset());
     if (s != Status::ok) return s;
   }
   if (!chain.is_unreadable()) return Status::ok;

@@ -26,7 +26,7 @@ void empty_in_place(const CompiledFile& file) {
 }  // namespace
 
 bool compiled_file_open_read(CompiledFile& file) {
-  file.stream = file_open(file.path, "rb");
+  file.stream = regular_file_open(file.path, "rb");
   file.for_writing = false;
   return file.stream != nullptr;
 }

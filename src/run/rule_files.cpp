@@ -24,7 +24,7 @@ constexpr const char* kRefusedLine = "refused";
 
 // Measured as a file that is open, not by its name: what cannot be opened counts as empty.
 bool is_empty_file(const std::string& path) {
-  std::FILE* stream = file_open(path, "r");
+  std::FILE* stream = regular_file_open(path, "rb");
   if (stream == nullptr) return true;
   const bool empty = file_size(stream) == 0;
   std::fclose(stream);

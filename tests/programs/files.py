@@ -359,6 +359,76 @@ def no_writer_is_cancelled():
     return on_a_pipe([], None, signal.SIGINT)[0] == 130
 
 
+def no_data_from(name, of):
+    """A FIFO without a writer stands in the place of a file that is no text: it is not waited for."""
+    os.remove(name)
+    os.mkfifo(name)
+    os.utime("rules.txt", (OLD, OLD))
+    if of == "lexon": return Run().status == 1
+    return subprocess.run([LEXON_DICT, *of.split(), "words.dic"], capture_output=True, timeout=20).returncode == 1
+
+
+# ---- what happens to files between two sentences of a run
+
+def between(act):
+    """A run whose first sentence is done before `act`: its status, the third sentence, and what it tells. The second may
+    have been begun before or not."""
+    os.mkfifo("fifo")
+    process = subprocess.Popen([LEXON, *("fifo" if word == "input.txt" else word for word in WORDS)], stderr=subprocess.PIPE)
+    with open(os.open("fifo", os.O_RDWR), "w") as writer:
+        writer.write(SENTENCE)
+        writer.flush()
+        while process.poll() is None and b";;Done!" not in read("out.txt"): time.sleep(0.01)
+        act()
+        writer.write(SENTENCE.replace("dog", "cat") + SENTENCE)
+    error = process.communicate(timeout=60)[1].decode()
+    last = read("out.txt").decode().split("[S:")[3].splitlines()[1:]
+    return process.returncode, [line for line in last if ";;Time " not in line], error
+
+
+def overwrite(name, content):
+    with open(name, "r+b") as file:
+        file.write(content)
+        file.truncate()
+
+
+def another_dictionary():
+    write("others.txt", '[hound]{} "dog" (N);\n[puss]{} "cat" (N);\n')
+    subprocess.run([LEXON_DICT, "build", "others.txt", "words.dic"], check=True, capture_output=True)
+
+
+def other_bytes():
+    """The same words in other letters, written into the file that is open."""
+    os.mkdir("others")
+    write("others/entries.txt", read("entries.txt").replace(b"[dog]", b"[god]").replace(b"[cat]", b"[act]"))
+    subprocess.run([LEXON_DICT, "build", "others/entries.txt", "others/words.dic"], check=True, capture_output=True)
+    for name in ("words.dic", "words.idx"): overwrite(name, read("others/" + name))
+
+
+ALL = [name + end for name in ("words", "cr") for end in (".dic", ".idx", ".idx.stamp")] + \
+    ["rules.txt", "rules.rul", "rules.mtx", "rules.rul.stamp"]
+AS_EVER = 0, ["dog", ";;Done!"], ""
+LOST = [";;return code -2", ";;Failed!"]
+BETWEEN = [  # what happens to which files, and what becomes of the run
+    ("all vanish", lambda: [os.remove(name) for name in ALL], AS_EVER),
+    ("rules and compiled rules are emptied", lambda: [write(name, "") for name in ALL[6:]], AS_EVER),
+    ("a build replaces the dictionary", another_dictionary, AS_EVER),
+    ("the dictionary is overwritten", other_bytes, (0, ["god", ";;Done!"], "")),
+    ("the dictionary is emptied", lambda: overwrite("words.dic", b""), (3, LOST, "words.dic: damaged at offset 8192")),
+    ("the dictionary is cut short", lambda: overwrite("words.dic", read("words.dic")[:8192]),
+     (3, LOST, "words.dic: damaged at offset 8192")),
+    ("the index is emptied", lambda: overwrite("words.idx", b""), (3, [";;Failed!"], "words.idx: damaged at offset 1024")),
+    ("the index is overwritten", lambda: overwrite("words.idx", bytes(2048)), (3, LOST, "words.idx: damaged at offset")),
+]
+
+
+def goes_on(act, expected):
+    found = between(act)
+    same = found[:2] == expected[:2] and expected[2] in found[2] and bool(expected[2]) == bool(found[2])
+    if not same: print(found)
+    return same
+
+
 def a_pipe_is_read_to_its_end(via):
     command = [LEXON, *("/dev/stdin" if word == "input.txt" else word for word in WORDS)]
     run = subprocess.run(command, input=(SENTENCE * 3000).encode(), capture_output=True, timeout=60) if via == "stdin" else \
@@ -368,6 +438,10 @@ def a_pipe_is_read_to_its_end(via):
 
 ROWS = [("an output that is " + what, lambda o=output, n=names, m=more: refused(o, n, **m)) for what, output, names, more in OUTPUTS]
 ROWS += [("compiled anew: " + what, lambda c=change, n=note: made_anew(c, n)) for what, change, note in BROKEN]
+ROWS += [("between two sentences: " + what, lambda a=act, e=expected: goes_on(a, e)) for what, act, expected in BETWEEN]
+ROWS += [("a FIFO in the place of %s, %s" % (name, of), lambda n=name, o=of: no_data_from(n, o)) for name, of in
+         [("words.dic", "lexon"), ("words.idx", "lexon"), ("rules.rul", "lexon"), ("rules.mtx", "lexon"),
+          ("words.dic", "list"), ("words.idx", "find --cw dog"), ("words.idx.stamp", "check")]]
 ROWS += [
     ("devices may be input and output", devices_are_no_conflict),
     ("links and hard links keep what they lead to", links_keep_their_target),
