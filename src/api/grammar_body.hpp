@@ -1,6 +1,7 @@
 // What a grammar of the library holds.
 #pragma once
 
+#include <string>
 #include <vector>
 
 #include "api/core.hpp"
@@ -13,6 +14,7 @@ struct LoadedGrammar {
   Dictionary words;
   Dictionary cooccurrence;  // not open when there is none
   std::vector<Message> messages;
+  std::string printed;  // by the rule step
   bool is_usable = false;
 };
 
