@@ -166,6 +166,7 @@ that programs use to render themselves.")
 
 set(CPACK_DEBIAN_PYTHON_PACKAGE_NAME python3-lexon)
 set(CPACK_DEBIAN_PYTHON_PACKAGE_SECTION python)
+set(CPACK_DEBIAN_PYTHON_PACKAGE_SUGGESTS "python3-distributed, python3-zstandard")
 set(CPACK_DEBIAN_PYTHON_PACKAGE_DEPENDS "python3 (>= ${Python_VERSION_MAJOR}.${Python_VERSION_MINOR}), \
 python3 (<< ${Python_VERSION_MAJOR}.${LEXON_NEXT_PYTHON})")
 set(CPACK_COMPONENT_PYTHON_DESCRIPTION "Lexon writes sentences from graphs of meaning. This package has it as a module

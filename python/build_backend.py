@@ -17,7 +17,9 @@ import tempfile
 import zipfile
 
 ROOT = pathlib.Path(__file__).resolve().parent.parent
-PACKAGE_FILES = ("__init__.py", "_core.pyi", "py.typed")
+PACKAGE = ROOT / "python" / "lexon"
+PACKAGE_FILES = [PACKAGE / name for name in ("__init__.py", "_core.pyi", "py.typed")] + sorted(PACKAGE.glob("cluster/*.py"))
+SCRIPTS = "[console_scripts]\nlexon-cluster = lexon.cluster.command:main\n"
 
 
 def get_requires_for_build_wheel(config_settings=None):
@@ -69,10 +71,11 @@ def build_wheel(wheel_directory, config_settings=None, metadata_directory=None):
     wheel = f"Wheel-Version: 1.0\nGenerator: lexon\nRoot-Is-Purelib: false\nTag: {_tag()}\n"
     with tempfile.TemporaryDirectory(prefix="lexon-wheel-") as folder:
         module = _build_module(folder)
-        files = {f"lexon/{name}": (ROOT / "python" / "lexon" / name).read_bytes() for name in PACKAGE_FILES}
+        files = {path.relative_to(PACKAGE.parent).as_posix(): path.read_bytes() for path in PACKAGE_FILES}
         files[f"lexon/{module.name}"] = module.read_bytes()
     files[f"{info}/METADATA"] = _metadata().encode()
     files[f"{info}/WHEEL"] = wheel.encode()
+    files[f"{info}/entry_points.txt"] = SCRIPTS.encode()
     files[f"{info}/LICENSE"] = (ROOT / "LICENSE").read_bytes()
     name = f"lexon-{_version()}-{_tag()}.whl"
     _write_wheel(pathlib.Path(wheel_directory) / name, files, info)

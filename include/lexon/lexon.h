@@ -58,12 +58,14 @@ typedef struct lexon_sentence {
   int64_t steps;        /* passes of the search */
   int64_t memory_bytes; /* that the sentence took */
   double seconds;
+  int leaves_target; /* not 0: a forced way back did not reach its target; the next sentence goes on to look for it */
 } lexon_sentence;
 
 typedef struct lexon_settings {
-  int trace_level;   /* 0 to 4 */
-  int no_post_edit;  /* not 0: the post-edit rules are not run */
-  double time_limit; /* seconds for each sentence; 0: none */
+  int trace_level;        /* 0 to 4 */
+  int no_post_edit;       /* not 0: the post-edit rules are not run */
+  double time_limit;      /* seconds for each sentence; 0: none */
+  int begins_with_target; /* not 0: the sentence in front of the first one `leaves_target` */
 } lexon_settings;
 
 /* The version of the library in use, as "1.2.3"; valid for ever. */

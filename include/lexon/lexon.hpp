@@ -84,6 +84,12 @@ class LEXON_API Grammar {
   // About files and rules, in the order of the rules. Valid as long as any copy of the grammar.
   [[nodiscard]] const std::vector<Message>& messages() const noexcept;
 
+  // The dictionary files that are open, each dictionary in front of its index. Throws std::bad_alloc.
+  [[nodiscard]] std::vector<std::string> dictionary_files() const;
+  // What a run that compiles these rules prints about them, in front of its sentences; empty for compiled rules. Valid
+  // as long as any copy of the grammar.
+  [[nodiscard]] std::string_view printed() const noexcept;
+
   [[nodiscard]] std::size_t rule_count() const noexcept;    // rules in force
   [[nodiscard]] std::size_t memory_bytes() const noexcept;  // of rules and index, without the files
 
@@ -115,6 +121,8 @@ struct Sentence {
   std::int64_t steps = 0;         // passes of the search
   std::int64_t memory_bytes = 0;  // that the sentence took; all is free again
   double seconds = 0;             // on the clock of the wall
+  // A forced way back did not reach its target: the next sentence goes on to look for it, which can change its text.
+  bool leaves_target = false;
 };
 
 // How sentences are rendered.
@@ -122,6 +130,8 @@ struct Settings {
   int trace_level = 0;    // 0 to 4; `Sentence::trace` grows with it
   bool post_edit = true;  // run the post-edit rules
   double time_limit = 0;  // seconds for each sentence; 0: none
+  // The sentence in front of the first one `leaves_target`: for who renders a long text in parts.
+  bool begins_with_target = false;
   // Asked about every tenth of a second while sentences are rendered, on the thread that called `render`; false stops
   // as `Generator::stop` does. It may not throw. Empty: not asked.
   std::function<bool()> keep_going{};
@@ -143,8 +153,8 @@ class LEXON_API Generator {
   Generator& operator=(Generator&& other) noexcept;
 
   // Renders every sentence of `graphs`, a text of any length, in order; none gives an empty result. With a grammar that
-  // is not usable the result is one failed sentence that says so. Every call begins afresh, and within one the
-  // sentences follow each other as in a run of `lexon`. Throws std::bad_alloc, when memory for the results is
+  // is not usable the result is one failed sentence that says so. Every call begins afresh (unless the settings say
+  // otherwise), and within one the sentences follow each other as in a run of `lexon`. Throws std::bad_alloc, when memory for the results is
   // exhausted; the generator stays usable.
   [[nodiscard]] std::vector<Sentence> render(std::string_view graphs, const Settings& settings = {});
 

@@ -58,7 +58,8 @@ class Sentence:
     trace level. `code` is the engine's, 0 if done. `label` is the line that opened the sentence, such as "[S:1]".
     `messages` say what is wrong with the graph, and why the sentence failed. `trace` is all that the program `lexon`
     writes for the sentence at the level. `steps` are passes of the search, `memory_bytes` what the sentence took,
-    `seconds` the time on the clock.
+    `seconds` the time on the clock. `leaves_target`: a forced way back did not reach its target, and in a run the next
+    sentence goes on to look for it.
     """
 
     text: str
@@ -70,6 +71,7 @@ class Sentence:
     steps: int
     memory_bytes: int
     seconds: float
+    leaves_target: bool
 
 
 class GrammarWarning(UserWarning):
@@ -204,10 +206,19 @@ class Grammar:
         return self._one(graph, level, post_edit, time_limit, None)
 
     def render_text(
-        self, graphs: Text, *, level: int = 0, post_edit: bool = True, time_limit: Optional[float] = None
+        self,
+        graphs: Text,
+        *,
+        level: int = 0,
+        post_edit: bool = True,
+        time_limit: Optional[float] = None,
+        begins_with_target: bool = False,
     ) -> List[Sentence]:
-        """Renders every sentence of a text, in order and as `lexon` does, one after the other; none gives []."""
-        return self._render(graphs, level, post_edit, time_limit, None)
+        """Renders every sentence of a text, in order and as `lexon` does, one after the other; none gives [].
+
+        `begins_with_target`, for who renders a long text in parts: the sentence in front of this text `leaves_target`.
+        """
+        return self._render(graphs, level, post_edit, time_limit, None, begins_with_target)
 
     def render_all(
         self,
@@ -256,13 +267,20 @@ class Grammar:
         return sentences[0]
 
     def _render(
-        self, graphs: Text, level: int, post_edit: bool, time_limit: Optional[float], stop: Optional[_core.Stop]
+        self,
+        graphs: Text,
+        level: int,
+        post_edit: bool,
+        time_limit: Optional[float],
+        stop: Optional[_core.Stop],
+        begins_with_target: bool = False,
     ) -> List[Sentence]:
         if not 0 <= level <= 4:
             raise ValueError("level is 0 to 4")
         if time_limit is not None and not time_limit > 0:
             raise ValueError("time_limit is more than 0 seconds, or None")
-        found = self._renderer.render(_bytes(graphs, self._encoding), level, post_edit, time_limit or 0.0, stop)
+        text = _bytes(graphs, self._encoding)
+        found = self._renderer.render(text, level, post_edit, time_limit or 0.0, stop, begins_with_target)
         return [self._sentence(*sentence) for sentence in found]
 
     def _text(self, text: bytes) -> str:

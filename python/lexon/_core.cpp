@@ -89,7 +89,7 @@ py::list list_of(const std::vector<lexon::Message>& messages) {
 py::tuple tuple_of(const lexon::Sentence& sentence) {
   return py::make_tuple(py::bytes(sentence.text), to_string(sentence.status), sentence.code, py::bytes(sentence.label),
                         list_of(sentence.messages), py::bytes(sentence.trace), sentence.steps, sentence.memory_bytes,
-                        sentence.seconds);
+                        sentence.seconds, sentence.leaves_target);
 }
 
 std::unique_ptr<Renderer> load(const std::string& dictionary, const std::string& rules, const std::string& cooccurrence,
@@ -113,8 +113,8 @@ bool may_go_on(const Stop* stop) {
 }
 
 py::list render(Renderer& renderer, const py::bytes& graphs, int level, bool post_edit, double time_limit,
-                const Stop* stop) {
-  lexon::Settings settings{level, post_edit, time_limit, [stop] { return may_go_on(stop); }};
+                const Stop* stop, bool begins_with_target) {
+  const lexon::Settings settings{level, post_edit, time_limit, begins_with_target, [stop] { return may_go_on(stop); }};
   const std::string_view text = view_of(graphs);
   std::vector<lexon::Sentence> sentences;
   {
@@ -133,12 +133,23 @@ py::list split(const py::bytes& graphs) {
   return list;
 }
 
+// Where groups of `every` sentences end.
+py::list borders(const py::bytes& graphs, std::size_t every) {
+  py::list list;
+  const std::string_view text = view_of(graphs);
+  const std::vector<std::string_view> parts = lexon::split(text);
+  for (std::size_t i = every; i < parts.size(); i += every) list.append(parts[i].data() - text.data());
+  if (!parts.empty()) list.append(parts.back().data() + parts.back().size() - text.data());
+  return list;
+}
+
 }  // namespace
 
 PYBIND11_MODULE(_core, module) {
   module.doc() = "The library in its plainest form; see the package lexon.";
   module.def("version", &lexon::version);
   module.def("split", &split, py::arg("graphs"));
+  module.def("borders", &borders, py::arg("graphs"), py::arg("every"));
   module.def("load", &load, py::arg("dictionary"), py::arg("rules"), py::arg("cooccurrence"), py::arg("blocks"));
   module.def("from_text", &from_text, py::arg("rules"), py::arg("dictionary"), py::arg("cooccurrence"),
              py::arg("blocks"));
@@ -146,7 +157,14 @@ PYBIND11_MODULE(_core, module) {
   py::class_<Renderer>(module, "Renderer")
       .def("is_usable", [](const Renderer& self) { return self.grammar().is_usable(); })
       .def("rule_count", [](const Renderer& self) { return self.grammar().rule_count(); })
+      .def("dictionary_files",
+           [](const Renderer& self) {
+             py::list list;
+             for (const std::string& path : self.grammar().dictionary_files()) list.append(py::bytes(path));
+             return list;
+           })
+      .def("printed", [](const Renderer& self) { return py::bytes(std::string(self.grammar().printed())); })
       .def("messages", [](const Renderer& self) { return list_of(self.grammar().messages()); })
       .def("render", &render, py::arg("graphs"), py::arg("level"), py::arg("post_edit"), py::arg("time_limit"),
-           py::arg("stop"));
+           py::arg("stop"), py::arg("begins_with_target"));
 }

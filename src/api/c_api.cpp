@@ -112,6 +112,7 @@ lexon_result* lexon_generator_render(lexon_generator* generator, const char* gra
     with.trace_level = settings->trace_level;
     with.post_edit = settings->no_post_edit == 0;
     with.time_limit = settings->time_limit;
+    with.begins_with_target = settings->begins_with_target != 0;
   }
   const std::string_view text = graphs != nullptr ? std::string_view(graphs, size) : std::string_view();
   return made([&] { return new lexon_result{generator->generator.render(text, with)}; });
@@ -142,7 +143,8 @@ lexon_sentence lexon_result_sentence(const lexon_result* result, size_t index) {
           sentence->messages.size(),
           sentence->steps,
           sentence->memory_bytes,
-          sentence->seconds};
+          sentence->seconds,
+          sentence->leaves_target ? 1 : 0};
 }
 
 lexon_message lexon_result_message(const lexon_result* result, size_t sentence, size_t index) {

@@ -203,7 +203,7 @@ void Generator::Body::serve() {
 
 void Generator::Body::render_all() {
   try {
-    session_->state.forced_node = nullptr;
+    session_->state.forced_node = settings_->begins_with_target ? &session_->gone : nullptr;
     notes_ = {};
     for (std::string_view rest = graphs_; render_next(rest);) continue;
   } catch (const std::bad_alloc&) {
@@ -308,6 +308,7 @@ bool Generator::Body::render_next(std::string_view& rest) {
   result.seconds = std::chrono::duration<double>(Clock::now() - start).count();
   result.steps = session_->state.steps - steps_before;
   result.memory_bytes = session_->pool.bytes_used();
+  result.leaves_target = session_->state.forced_node != nullptr;
   session_->pool.release_all();
   result.trace = session_->output.take();
   const bool has_ended = code == core::Status::end_of_input;

@@ -28,7 +28,7 @@ struct RuleStep {
   SourceMap& source;
 };
 
-// The rest of the step, behind parsing or reading the rules. What these print is for a run's output, which is not here.
+// The rest of the step, behind parsing or reading the rules.
 bool finish(RuleStep& step, core::Status status) {
   if (status == core::Status::ok && step.grammar.rules == nullptr) {
     error_append(step.messages, step.file, "there is no rule");
@@ -117,6 +117,7 @@ void load_all(LoadedGrammar& grammar, const GrammarFiles& files, const std::stri
   const auto session = std::make_unique<Session>();
   RuleStep step{*session, grammar.rules, grammar.messages, rule_file, grammar.source};
   grammar.is_usable = load_rules_of(step) && is_usable;
+  grammar.printed = session->output.take();
 }
 
 }  // namespace
@@ -155,6 +156,21 @@ constinit const std::vector<Message> kNoMessages;
 
 const std::vector<Message>& Grammar::messages() const noexcept {
   return body_ == nullptr ? kNoMessages : body_->messages;
+}
+
+std::vector<std::string> Grammar::dictionary_files() const {
+  std::vector<std::string> files;
+  if (body_ == nullptr) return files;
+  for (const Dictionary* dictionary : {&body_->words, &body_->cooccurrence}) {
+    if (dictionary->index == nullptr) continue;
+    files.push_back(dictionary->path);
+    files.push_back(dictionary->index_path);
+  }
+  return files;
+}
+
+std::string_view Grammar::printed() const noexcept {
+  return body_ == nullptr ? std::string_view() : body_->printed;
 }
 
 std::size_t Grammar::rule_count() const noexcept {

@@ -1,6 +1,7 @@
 // What a grammar and a generator of the library hold.
 #pragma once
 
+#include <string>
 #include <vector>
 
 #include "api/core.hpp"
@@ -14,6 +15,7 @@ struct LoadedGrammar {
   Dictionary cooccurrence;  // not open when there is none
   SourceMap source;         // of rules from a grammar source; else empty
   std::vector<Message> messages;
+  std::string printed;  // by the rule step
   bool is_usable = false;
 };
 

@@ -239,6 +239,14 @@ FolderLock::~FolderLock() {
   if (descriptor_ >= 0) close(descriptor_);
 }
 
+FileLock::FileLock(std::FILE* stream) : descriptor_(fileno(stream)) {
+  if (flock(descriptor_, LOCK_EX) != 0) descriptor_ = -1;
+}
+
+FileLock::~FileLock() {
+  if (descriptor_ >= 0) flock(descriptor_, LOCK_UN);
+}
+
 File unnamed_file() {
   for (const std::string& folder : {system_temp_folder(), std::string(".")}) {
     int descriptor = nameless_file_in(folder);

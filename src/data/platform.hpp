@@ -57,6 +57,19 @@ class FolderLock {
   int descriptor_;
 };
 
+// While it lives, no other program has a lock of the same open file; it waits for the one before. Where the system has no
+// locks, or a signal ends the wait, it goes without.
+class FileLock {
+ public:
+  explicit FileLock(std::FILE* stream);
+  ~FileLock();
+  FileLock(const FileLock&) = delete;
+  FileLock& operator=(const FileLock&) = delete;
+
+ private:
+  int descriptor_;
+};
+
 // A stream that is closed with its owner.
 struct FileCloser {
   void operator()(std::FILE* file) const { std::fclose(file); }

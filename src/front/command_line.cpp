@@ -25,6 +25,9 @@ constexpr const char* kSwitches =
     "  --check-dictionary   compare the dictionaries with what was built, byte by byte\n"
     "  --strict             status 3 also for what was left out: lines, rules, sentences without an end\n"
     "  --blocks N           memory of rules and a sentence together, in blocks of 64 KiB (200)\n"
+    "  --shard I/N          render the I-th of N parts, into OUTPUT.I-of-N; \"lexon join OUTPUT\" joins them\n"
+    "  --forced-target      the part begins with a forced target, as \"lexon join\" may ask for\n"
+    "  --index-input        write where the sentences begin, into INPUT.offsets, and stop\n"
     "  --help, --version\n"
     "\n"
     "Exit status: 0 every sentence done, 1 the run could not start, 2 wrong command line, 3 a sentence failed or ran\n"
@@ -174,6 +177,23 @@ void take_jobs(const char* option, std::string_view text, CommandLine& line) {
   line.jobs = number_within(option, text, 0, kMostJobs, line);
 }
 
+void take_shard(std::string_view text, CommandLine& line) {
+  ShardNumber shard;
+  const std::size_t slash = text.find('/');
+  const auto read = [](std::string_view number, std::int32_t& value) {
+    const auto [end, error] = std::from_chars(number.data(), number.data() + number.size(), value);
+    return error == std::errc() && end == number.data() + number.size();
+  };
+  const bool is_shard = slash != std::string_view::npos && read(text.substr(0, slash), shard.number) &&
+                        read(text.substr(slash + 1), shard.of) && shard.number >= 1 && shard.number <= shard.of &&
+                        shard.of <= kMostShards;
+  if (is_shard) {
+    line.shard = shard;
+  } else {
+    line.error = "--shard wants a part and the number of parts, such as 3/10, not \"" + std::string(text) + '"';
+  }
+}
+
 // The switches that begin with "^" turn something off.
 bool take_caret_switch(Words& words, char letter, CommandLine& line) {
   switch (letter) {
@@ -278,6 +298,12 @@ bool take_long_option(std::span<const char* const>& words, CommandLine& line) {
     line.progress = ProgressStyle::none;
   } else if (word == "--progress=plain") {
     line.progress = ProgressStyle::plain;
+  } else if (word == "--forced-target") {
+    line.forced_target = true;
+  } else if (word == "--index-input") {
+    line.index_input = true;
+  } else if (const auto shard = value_of("--shard", word, words)) {
+    take_shard(*shard, line);
   } else if (word == "--strict") {
     line.settings.strict = true;
   } else if (const auto blocks = value_of("--blocks", word, words)) {
@@ -312,6 +338,10 @@ CommandLine command_line_read(std::span<const char* const> given) {
     if (!read.fault.empty()) line.path_faults.push_back(std::string("the path of ") + name + ' ' + read.fault);
   }
   for (words.skip_blanks(); !words.at_end() && line.error.empty(); words.skip_blanks()) take_switch(words, line);
+  if (line.error.empty() && line.shard && settings.rules_conversion_only) {
+    line.error = "--shard and -R do not go together: convert the rules first, in a run without --shard";
+  }
+  if (line.error.empty() && line.forced_target && !line.shard) line.error = "--forced-target is for --shard";
   if (settings.strict && line.error.empty() && !line.path_faults.empty()) line.error = line.path_faults.front();
   return line;
 }

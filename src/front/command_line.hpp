@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "run/settings.hpp"
+#include "run/shard.hpp"
 
 namespace lexon {
 
@@ -21,6 +22,9 @@ struct CommandLine {
   bool version = false;
   bool yes = false;                  // the answer to every question
   std::optional<std::int32_t> jobs;  // none: as the program wants it
+  std::optional<ShardNumber> shard;  // none: the whole run
+  bool forced_target = false;        // the shard begins with one
+  bool index_input = false;          // find the sentences of the input and do nothing else
   ProgressStyle progress = ProgressStyle::automatic;
   std::string error;  // what is wrong with the command line; empty if nothing is
   // What the user may not have meant, though the run goes on: numbers, and paths that are missing or too long. With

@@ -25,6 +25,7 @@ class ConsoleHost final : public Host {
 
   // The status that the program ends with.
   [[nodiscard]] int exit_status() const { return outcome_.exit_status(); }
+  [[nodiscard]] const Outcome& outcome() const { return outcome_; }
 
  private:
   void show_progress(const Step& step);

@@ -1,6 +1,13 @@
 // The console program.
+#include <cstdio>
+#include <span>
+#include <string_view>
+
 #include "front/console.hpp"
+#include "front/join.hpp"
+#include "front/process.hpp"
 #include "front/program.hpp"
+#include "front/shard_run.hpp"
 #include "front/signals.hpp"
 #include "run/driver.hpp"
 
@@ -14,6 +21,8 @@ int run_in_terminal(const lexon::CommandLine& line, int, char**) {
   }
   lexon::RunSettings settings = line.settings;
   settings.jobs = line.jobs.value_or(1);
+  if (line.index_input) return lexon::index_input(settings, host);
+  if (line.shard) return lexon::run_shard(line, settings, host);
   lexon::run_driver(settings, host);
   return host.exit_status();
 }
@@ -21,9 +30,15 @@ int run_in_terminal(const lexon::CommandLine& line, int, char**) {
 }  // namespace
 
 int main(int argc, char** argv) {
+  const std::span words(argv, static_cast<std::size_t>(argc));
+  if (argc > 1 && std::string_view(words[1]) == "join") {
+    lexon::process_begin();
+    return lexon::join_shards(words.subspan(2));
+  }
   return lexon::program_main({.name = "lexon",
                               .usage = "lexon DICTIONARY RULES INPUT OUTPUT",
                               .starts_without = false,
-                              .run = run_in_terminal},
+                              .run = run_in_terminal,
+                              .has_parts = true},
                              argc, argv);
 }

@@ -19,6 +19,8 @@ void Outcome::count_step(const RunContext& context, StepResult result) {
 std::vector<std::string> Outcome::finish(RunContext& context) {
   std::vector<std::string> notes = context.notes;
   output_failed = context.file_is_short;
+  target_left = context.target_left;
+  left_out = context.input_notes.left_out;
   std::FILE* stream = context.output.get();
   if (stream == nullptr) return notes;
   context.session.output.flush();

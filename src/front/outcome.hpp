@@ -17,6 +17,9 @@ struct Outcome {
   std::int64_t failed = 0;
   std::int64_t over_time = 0;
 
+  std::int64_t left_out = 0;  // lines of graphs
+  bool target_left = false;   // a forced target that was not reached, behind the last sentence
+
   bool cancelled = false;
   bool could_not_start = false;
   bool rules_failed = false;

@@ -34,23 +34,25 @@ const LineForm* form_of(std::string_view line, const LineForm (&forms)[Count]) {
   return form == std::end(forms) ? nullptr : form;
 }
 
-// Goes over a text without looking at more than how its lines begin.
-struct Splitter {
-  TextSource source;
-  std::string& text;
-  TextLimit* limit;
-  std::array<char, kLineSize> line;
-};
-
-bool line_read(Splitter& splitter) {
-  TextLimit* limit = splitter.limit;
-  if (limit != nullptr && splitter.text.size() >= limit->bytes) limit->is_met = true;
-  if (limit != nullptr && limit->is_met) return false;
-  return text_line_read(splitter.source, splitter.line.data(), kLineSize);
-}
-
-void block_pass(Splitter& splitter, std::string_view end) {
-  while (line_read(splitter) && !std::string_view(splitter.line.data()).starts_with(end)) continue;
+// Goes over lines, of which it looks at no more than how they begin, up to where a sentence ends. `next` reads one and
+// returns null at the end. Has a sentence ended?
+template <typename NextLine>
+bool to_sentence_end(NextLine next) {
+  const auto pass_block = [&next](std::string_view end) {
+    for (const char* line = next(); line != nullptr && !std::string_view(line).starts_with(end);) line = next();
+  };
+  BlockTag open_tag;
+  while (const char* line = next()) {
+    const char* start = line + std::strspn(line, " ");
+    switch (line_kind(start, open_tag)) {
+      case LineKind::sentence_end: return true;
+      case LineKind::block_tag: block_tag_change(open_tag, start); break;
+      case LineKind::word_block: pass_block(kWordBlockEnd); break;
+      case LineKind::skipped_block: pass_block(kSkippedBlockEnd); break;
+      default: break;
+    }
+  }
+  return false;
 }
 
 }  // namespace
@@ -75,19 +77,19 @@ void block_tag_change(BlockTag& open_tag, std::string_view line) {
 bool sentence_text_read(TextSource source, std::string& text, TextLimit* limit) {
   text.clear();
   source.keep(&text);
-  BlockTag open_tag;
-  Splitter splitter{source, text, limit, {}};
-  while (line_read(splitter)) {
-    const char* start = splitter.line.data() + std::strspn(splitter.line.data(), " ");
-    switch (line_kind(start, open_tag)) {
-      case LineKind::sentence_end: return true;
-      case LineKind::block_tag: block_tag_change(open_tag, start); break;
-      case LineKind::word_block: block_pass(splitter, kWordBlockEnd); break;
-      case LineKind::skipped_block: block_pass(splitter, kSkippedBlockEnd); break;
-      default: break;
-    }
-  }
-  return !text.empty();
+  std::array<char, kLineSize> line;
+  const bool ends = to_sentence_end([&]() -> const char* {
+    if (limit != nullptr && text.size() >= limit->bytes) limit->is_met = true;
+    if (limit != nullptr && limit->is_met) return nullptr;
+    return text_line_read(source, line.data(), kLineSize) ? line.data() : nullptr;
+  });
+  return ends || !text.empty();
+}
+
+bool sentence_pass(TextSource source, TextWatch& lines) {
+  std::array<char, kLineSize> line;
+  return to_sentence_end(
+      [&]() -> const char* { return text_line_read(source, line.data(), kLineSize, &lines) ? line.data() : nullptr; });
 }
 
 }  // namespace lexon

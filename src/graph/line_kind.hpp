@@ -48,4 +48,7 @@ struct TextLimit {
 // comes as if it were one, and is read as the end of the input. Null for `limit`: there is none.
 [[nodiscard]] bool sentence_text_read(TextSource source, std::string& text, TextLimit* limit = nullptr);
 
+// The same without keeping the text. False at the end of the source: what was passed over then is no whole sentence.
+bool sentence_pass(TextSource source, TextWatch& lines);
+
 }  // namespace lexon

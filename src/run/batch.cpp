@@ -170,7 +170,9 @@ Batch::Batch(const RunSettings& settings, RunContext& context)
   // Without rules no sentence reads any input: a run without a count would go on for ever.
   const bool has_rules = context.grammar.rules != nullptr;
   if (settings.sentence_count == 0 && has_rules) wanted_ = 0;
-  context.number = settings.start_sentence;
+  if (settings.range && has_rules) take_range(*settings.range, settings.sentence_count);
+  context.number = first_;
+  target_left_ = context.target_left;
   lines_.line = context.input_notes.text.line;
   lines_.goes_on = context.input_notes.text.goes_on;
   const std::size_t threads = has_rules ? thread_count(settings) : 1;
@@ -184,6 +186,16 @@ Batch::Batch(const RunSettings& settings, RunContext& context)
 
 Batch::~Batch() = default;
 
+// The last of the parts goes as far as the run would.
+void Batch::take_range(const InputRange& range, std::int64_t wanted_of_run) {
+  first_ += range.before;
+  if (!range.to_end) {
+    wanted_ = range.count;
+  } else if (wanted_ != 0) {
+    wanted_ = std::max<std::int64_t>(wanted_of_run, 1) - range.before;
+  }
+}
+
 StepResult Batch::run(Host& host) {
   std::vector<Session*> sessions;
   for (const auto& session : sessions_) sessions.push_back(session.get());
@@ -192,6 +204,7 @@ StepResult Batch::run(Host& host) {
   step_ = &step;
   const StepResult result = host.run_step(context_, step);
   context_.session.output.flush();
+  context_.target_left = sessions_.empty() ? context_.session.state.forced_node != nullptr : target_left_;
   if (memory_is_exhausted_) throw std::bad_alloc();
   return result;
 }
@@ -265,6 +278,7 @@ bool Batch::close_sentence(const Outcome& outcome) {
 void Batch::work_alone(StepWorker& worker) {
   Session& session = worker.session();
   const bool has_rules = context_.grammar.rules != nullptr;
+  session.state.forced_node = target_left_ ? &session.gone : nullptr;
   bool goes_on = true;
   while (goes_on) {
     const auto number = static_cast<std::int32_t>(context_.number);

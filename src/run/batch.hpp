@@ -62,6 +62,7 @@ class Batch final : public StepWork {
   };
   class Desk;
 
+  void take_range(const InputRange& range, std::int64_t wanted_of_run);
   void work_alone(StepWorker& worker);
   void work_together(StepWorker& worker);
   Outcome render(StepWorker& worker, TextSource source, std::int32_t number, InputNotes& notes);

@@ -54,6 +54,7 @@ struct RunContext {
   std::atomic<std::int64_t> failed{0};     // sentences
   std::atomic<std::int64_t> over_time{0};  // sentences
   bool input_ended = false;                // the run came to the end of the input
+  bool target_left = false;                // in front of the sentences, and then behind them: the forced target
   std::int64_t starved = 0;                // sentences that failed for want of memory
   bool file_is_short = false;              // a file could not be read or written to its end
   std::vector<std::string> notes;          // what the user ought to know beside the output

@@ -2,7 +2,6 @@
 // sentence after the other. Every way out ends with `Host::finish`; the output and the dictionaries stay open.
 #include "run/driver.hpp"
 
-#include <array>
 #include <cerrno>
 #include <cstring>
 #include <memory>
@@ -12,8 +11,9 @@
 
 #include "data/output.hpp"
 #include "data/platform.hpp"
-#include "data/text_line.hpp"
+#include "graph/line_kind.hpp"
 #include "run/batch.hpp"
+#include "run/borders.hpp"
 #include "run/context.hpp"
 #include "run/files.hpp"
 #include "run/notes.hpp"
@@ -134,8 +134,27 @@ Opening open_all(const RunSettings& settings, RunContext& context, Host& host) {
   return opening;
 }
 
+// While it lives, what the rule step prints is dropped unless it `is_wanted`.
+class RuleOutput {
+ public:
+  RuleOutput(RunContext& context, bool is_wanted) : output_(context.session.output), stream_(output_.stream()) {
+    if (!is_wanted) output_.redirect(nullptr);
+  }
+  ~RuleOutput() {
+    if (output_.stream() != stream_) static_cast<void>(output_.take());
+    output_.redirect(stream_);
+  }
+  RuleOutput(const RuleOutput&) = delete;
+  RuleOutput& operator=(const RuleOutput&) = delete;
+
+ private:
+  Output& output_;
+  std::FILE* stream_;
+};
+
 // False when the run was cancelled.
-bool rules_make_ready(RunContext& context, Host& host) {
+bool rules_make_ready(const RunSettings& settings, RunContext& context, Host& host) {
+  const RuleOutput output(context, !settings.range || settings.range->is_first);
   if (run_rule_step(context, host) == StepResult::cancelled) {
     rule_files_cancel(context);
     context.session.output.banner(";;Cancelled!");
@@ -145,37 +164,46 @@ bool rules_make_ready(RunContext& context, Host& host) {
   return true;
 }
 
-bool ends_a_sentence(const char* line) {
-  return std::strncmp(line, "[/S", 3) == 0 || std::strncmp(line, "[/T", 3) == 0;
+void note_short_file(RunContext& context, const std::string& path, const char* what) {
+  context.notes.push_back(path + ": " + what);
+  context.file_is_short = true;
 }
 
-// Reads whole lines up to the end of the `count`th sentence. Returns how many it has passed over: fewer if the input
-// ends before, or the run is cancelled.
-// wanted: "[/T" ends a sentence here and nowhere else, and leading blanks do not.
-std::int64_t skip_sentences(RunContext& context, std::int64_t count) {
-  std::array<char, kLineSize> line;
-  std::int64_t passed = 0;
-  while (passed < count) {
-    if (must_leave(context.session) == Status::stopped) break;
-    if (!text_line_read(context.input, line.data(), kLineSize, &context.input_notes.text)) break;
-    if (ends_a_sentence(line.data())) ++passed;
+// To where the sentences of the range begin. False when the run ends here: it was cancelled, or nothing is left.
+bool go_to_range(const RunSettings& settings, RunContext& context, StepResult& result) {
+  TextWatch& lines = context.input_notes.text;
+  const auto is_cancelled = [&context] { return must_leave(context.session) == Status::stopped; };
+  result = StepResult::finished;
+  if (settings.range && !settings.range->is_first) {
+    const InputRange& range = *settings.range;
+    if (range.is_empty() || context.grammar.rules == nullptr) return false;
+    lines.line = range.from.line;
+    lines.goes_on = range.from.goes_on;
+    bool is_there = fseeko(context.input, static_cast<off_t>(range.from.offset), SEEK_SET) == 0;
+    for (std::int64_t i = 0; i < range.passed_over && is_there && !is_cancelled(); ++i) {
+      is_there = sentence_pass(context.input, lines);
+    }
+    if (is_cancelled()) result = StepResult::cancelled;
+    if (!is_there) note_short_file(context, settings.input_file, "does not hold what its offsets say");
+    return is_there && !is_cancelled();
   }
-  return passed;
+  const std::int64_t before = std::int64_t{settings.start_sentence} - 1;
+  context.skipped = skip_sentences(context.input, before, lines, context.session.stop_requested);
+  if (context.skipped >= before) return true;
+  if (is_cancelled()) {
+    result = StepResult::cancelled;
+  } else {
+    context.input_ended = true;
+  }
+  return false;
 }
 
 void run_steps(const RunSettings& settings, RunContext& context, Host& host) {
-  if (!rules_make_ready(context, host)) return;
+  if (!rules_make_ready(settings, context, host)) return;
   note_rules(settings, context, host);
   if (settings.rules_conversion_only) return;
-  const std::int64_t before = std::int64_t{settings.start_sentence} - 1;
-  context.skipped = skip_sentences(context, before);
   StepResult result = StepResult::cancelled;
-  if (context.skipped >= before) {
-    result = Batch(settings, context).run(host);
-  } else if (must_leave(context.session) != Status::stopped) {
-    context.input_ended = true;
-    result = StepResult::finished;
-  }
+  if (go_to_range(settings, context, result)) result = Batch(settings, context).run(host);
   if (result == StepResult::finished) return;
   std::clearerr(context.input);  // it may have waited for data, which is no fault of the file
   context.session.output.banner(";;Cancelled!");
@@ -196,11 +224,6 @@ void note_damage(RunContext& context) {
     note += "; damaged blocks were met " + std::to_string(context.session.damage.blocks) + " times in all";
   }
   context.notes.push_back(note + "; \"lexon-dict check\" tells more");
-}
-
-void note_short_file(RunContext& context, const std::string& path, const char* what) {
-  context.notes.push_back(path + ": " + what);
-  context.file_is_short = true;
 }
 
 void note_faults(const RunSettings& settings, RunContext& context) {
@@ -241,6 +264,7 @@ void run_driver(const RunSettings& settings, Host& host) {
   const auto owned = std::make_unique<RunContext>();
   RunContext& context = *owned;
   context.post_edit = settings.post_edit;
+  context.target_left = settings.range && settings.range->begins_with_target;
   context.session.state.trace_level = static_cast<std::int8_t>(settings.trace_level & 0xFF);
   run_guarded(settings, context, host);
   compiled_file_close(context.compiled_rules);

@@ -79,6 +79,8 @@ std::string decide_and_open(const RunSettings& settings, const std::string& exte
   if (extension == ".mtx") return "Please assign rule file with extension \".rul\" or \".txt\"";
   context.rebuild_matrix =
       context.convert || !reuses || !matrix_is_current(compiled_time, context.compiled_matrix.path);
+  // Beside the first part of a run the others write nothing.
+  if (settings.range && !settings.range->is_first && context.rebuild_matrix) context.in_memory = true;
   std::string message = open_compiled(context.compiled_rules, context.convert, context);
   if (message.empty()) message = open_compiled(context.compiled_matrix, context.rebuild_matrix, context);
   return message;

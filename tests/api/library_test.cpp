@@ -148,7 +148,7 @@ TEST_F(Library, CHasTheSame) {
   lexon_generator* generator = lexon_generator_new(grammar);
   lexon_grammar_free(grammar);
   const std::string graphs = std::string(kDog) + "[S:2]\n[/S]\n";
-  const lexon_settings settings = {.trace_level = 1, .no_post_edit = 1, .time_limit = 0};
+  const lexon_settings settings = {.trace_level = 1, .no_post_edit = 1, .time_limit = 0, .begins_with_target = 0};
   lexon_result* result = lexon_generator_render(generator, graphs.data(), graphs.size(), &settings);
   ASSERT_EQ(lexon_result_count(result), 2U);
   const lexon_sentence dog = lexon_result_sentence(result, 0);
