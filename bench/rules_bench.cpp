@@ -9,6 +9,7 @@
 #include <utility>
 #include <vector>
 
+#include "data/nodes.hpp"
 #include "ratios.hpp"
 #include "rules/compiled.hpp"
 #include "rules/matrix.hpp"
@@ -149,9 +150,8 @@ struct Setting {
 
 // Gives a list back to the pool; the number of its elements.
 int release(RuleCandidate* list) {
-  if (list != nullptr) temp_delete(session, list->list);
-  int count = 0;
-  for (; list != nullptr; ++count) temp_delete(session, std::exchange(list, list->next));
+  const int count = list == nullptr ? 0 : list->list->elements;
+  candidates_passed_over(session, list);
   return count;
 }
 

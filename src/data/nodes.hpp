@@ -3,6 +3,8 @@
 // No other file assigns `left` and `right`, unless a rule of the search demands a lopsided link.
 #pragma once
 
+#include <cstddef>
+
 #include "data/records.hpp"
 #include "data/status.hpp"
 
@@ -65,6 +67,9 @@ void scope_attrs_to_front(Node& node, int scope);
 
 // Pops and releases the newest record. The stack must not be empty.
 void match_record_pop(Session& session, Node& node);
+
+// A new list of `count` linked elements, which name no rule yet, at least one; null when memory is exhausted.
+[[nodiscard]] RuleCandidate* candidates_new(Session& session, std::size_t count);
 
 // Releases an element of a candidate list that matching has passed over. It is kept until the sentence ends if a
 // record can still reach it.

@@ -34,18 +34,27 @@ struct Remark {
   std::string text;
 };
 
-// The work area of the search for rules, and what it remembers; sized for the grammar by `session_use`. A set is one
-// bit for each rule with its summary behind it (rules/bits.hpp).
+// The work area of the search for rules, and what it remembers; sized for the grammar by `session_use`. Lists of rules
+// are numbers in rising order.
 struct SearchScratch {
   struct Side {
-    std::vector<std::uint64_t> result;     // set: rules that the word under test lets through
-    std::vector<std::uint64_t> joined;     // set: rules that one of several words lets through
-    std::vector<std::uint8_t> is_present;  // by row of the index; zeros between searches
-    std::vector<std::int32_t> present;     // the rows that are present, in the order of their finding
-    std::vector<std::int32_t> struck;      // the rows whose forbidding rules are to be struck out
-    std::string key;                       // all that the answer for the node follows from
-    KeyNumbers known;                      // keys of answers
-    std::vector<std::uint64_t> answers;    // the sets, by number of the key
+    // What is remembered of a node: where its numbers begin, and how many they are.
+    struct Known {
+      std::uint32_t begin;
+      std::uint32_t satisfied;
+      std::uint32_t words;
+    };
+    std::vector<std::int32_t> satisfied;    // the rules that rows of this side watch, and that its words let through
+    std::vector<std::int32_t> words;        // the rows that each of the words has
+    std::vector<std::uint8_t> passing;      // beside each rule that is asked about
+    std::vector<std::uint8_t> is_present;   // by row of the index; zeros between searches
+    std::vector<std::int32_t> present;      // the rows that are present, in the order of their finding
+    std::vector<std::uint8_t> is_striking;  // by row; zeros between searches
+    std::vector<std::int32_t> striking;     // the rows whose forbidding rules are struck out
+    std::string key;                        // all that the answer for the node follows from
+    KeyNumbers known;                       // keys of answers
+    std::vector<Known> answers;             // by number of the key
+    std::vector<std::int32_t> numbers;      // of all answers that are known
   };
   // The rules of a pair of answers, as `count` numbers from `begin` on.
   struct Found {
@@ -55,10 +64,12 @@ struct SearchScratch {
   Side left;
   Side right;
   KeyNumbers known_pairs;
-  std::vector<Found> found;         // by number of the pair
-  std::vector<std::int32_t> rules;  // of all pairs that are known
-  std::vector<std::int32_t> fresh;  // of the last pair that was not known
-  bool is_full = false;             // there was no room for an answer: the next search begins by forgetting all
+  std::vector<Found> found;          // by number of the pair
+  std::vector<std::int32_t> rules;   // of all pairs that are known
+  std::vector<std::int32_t> fresh;   // of the last pair that was not known
+  std::vector<std::int32_t> asked;   // the rules that a pair is asked about
+  std::vector<std::int32_t> merged;  // a list in the making
+  bool is_full = false;              // there was no room for an answer: the next search begins by forgetting all
 };
 
 // One thread's working memory, 160 KB: not for a stack. Any number can live side by side, each with its own grammar or
@@ -71,8 +82,8 @@ struct Session {
   Output output;  // sentences, banners, messages and trace
   SearchScratch search;
   LookupDamage damage{};
-  std::int64_t line = 0;                    // how many lines of the input have been read
-  std::vector<Remark>* remarks = nullptr;   // not owned; null: nobody wants to know
+  std::int64_t line = 0;                   // how many lines of the input have been read
+  std::vector<Remark>* remarks = nullptr;  // not owned; null: nobody wants to know
   LookupMemory lookups;
   std::atomic<bool> stop_requested{false};  // every loop that can run long looks at it
   std::atomic<bool> flush_wanted{false};    // so does it at this: the output so far is wanted by who watches the run

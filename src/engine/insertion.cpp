@@ -78,17 +78,21 @@ Fit find_by_arc(Session& session, Match& match, Side side, Node*& placed) {
 
 }  // namespace
 
-bool shifted_text_fits(const Match& match, Side side) {
+bool shifted_text_fits(const Rule& rule, const Window& window, Side side) {
   const std::uint8_t shift_type = side == Side::left ? rule_type::shift_left : rule_type::shift_right;
-  if (match.rule.type != shift_type) return true;
-  const Node* shifted = node_of(match.window, other(side));
-  const std::string_view hw =
+  if (rule.type != shift_type) return true;
+  const Node* shifted = node_of(window, other(side));
+  const char* hw =
       text_or_empty(shifted == nullptr || shifted->candidates == nullptr ? nullptr : shifted->candidates->hw);
-  const CondItem* condition = pattern_of(match.rule, side).hw_conds;
-  if (hw.empty() || condition == nullptr) return !hw.empty();
-  const std::string_view text = condition->text;
+  const CondItem* condition = pattern_of(rule, side).hw_conds;
+  if (*hw == '\0' || condition == nullptr) return *hw != '\0';
+  if (side == Side::right) return std::string_view(hw).ends_with(condition->text);
+  // By the character: most words differ from most texts in the first one.
+  const char* text = condition->text;
   // wanted: an empty text refuses to the left and passes to the right
-  return side == Side::left ? !text.empty() && hw.starts_with(text) : hw.ends_with(text);
+  if (*text == '\0') return false;
+  while (*text != '\0' && *text == *hw) ++text, ++hw;
+  return *text == '\0';
 }
 
 bool find_place(Session& session, Match& match, Side side) {

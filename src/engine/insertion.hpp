@@ -12,7 +12,7 @@ struct Session;
 
 // Is the text that a shift rule cuts off at the end of the neighbour's word where the pattern of `side` wants it? True
 // for rules that shift nothing to this side.
-[[nodiscard]] bool shifted_text_fits(const Match& match, Side side);
+[[nodiscard]] bool shifted_text_fits(const Rule& rule, const Window& window, Side side);
 
 // Finds the place of the node that the pattern of `side` inserts: slides along the list while the groups beyond do
 // not fit, if an empty starred MID allows it. False if there is no place.

@@ -21,6 +21,7 @@
 #include "engine/graph_attrs.hpp"
 #include "engine/insertion.hpp"
 #include "engine/match_state.hpp"
+#include "engine/surface.hpp"
 #include "engine/trace.hpp"
 
 namespace lexon {
@@ -222,6 +223,7 @@ Status hand_over(Session& session, Match& match, Window& window) {
 // ---- The whole.
 
 Fit match_steps(Session& session, Match& match, Window& window) {
+  const Rule& rule = match.rule;
   if (is_refused(match)) return Fit::no;
   if (turn_to_current_scope(session, match.window) != Status::ok) return Fit::failed;
   for (const Side side : {Side::left, Side::right}) {
@@ -231,8 +233,8 @@ Fit match_steps(Session& session, Match& match, Window& window) {
   // At most one node is brought in. A shift cuts its text off a word later, so it needs the place alone.
   for (const Side side : {Side::left, Side::right}) {
     if (is_tested(match, side)) continue;
-    if (!shifted_text_fits(match, side) || !find_place(session, match, side)) return Fit::no;
-    if (match.rule.type == (side == Side::left ? rule_type::shift_left : rule_type::shift_right)) return Fit::yes;
+    if (!shifted_text_fits(rule, match.window, side) || !find_place(session, match, side)) return Fit::no;
+    if (rule.type == (side == Side::left ? rule_type::shift_left : rule_type::shift_right)) return Fit::yes;
     if (const Fit fit = bring_in(session, match, side); fit != Fit::yes) return fit;
     break;
   }
@@ -244,6 +246,18 @@ Fit match_steps(Session& session, Match& match, Window& window) {
 }
 
 }  // namespace
+
+bool is_refused_by_text(const Session& session, const Rule& rule, const Window& window) {
+  if (rule.type != rule_type::shift_left && rule.type != rule_type::shift_right) return false;
+  const Side side = rule.type == rule_type::shift_left ? Side::left : Side::right;
+  if (shifted_text_fits(rule, window, side)) return false;
+  // A retry, a walk over other nodes, and a word that is still open have a say before the text has.
+  const Node* shifted = node_of(window, other(side));
+  const bool is_plain = rule.mid == nullptr && groups_beyond(rule, other(side)) == nullptr && inserts(rule, side) &&
+                        !inserts(rule, other(side)) && !stands_for_retry(node_of(window, side));
+  const bool is_settled = shifted != nullptr && shifted->candidates != nullptr && !is_fresh(*shifted);
+  return is_plain && is_settled && (session.state.trace_level < 3 || attr_room_suffices(other(side), rule, window));
+}
 
 Fit match_rule(Session& session, RuleCandidate& candidate, Window& window) {
   Match match{candidate, *candidate.rule, window, window};

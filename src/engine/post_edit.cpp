@@ -3,6 +3,8 @@
 
 #include "engine/post_edit.hpp"
 
+#include <span>
+
 #include "data/nodes.hpp"
 #include "data/session.hpp"
 #include "engine/apply.hpp"
@@ -10,6 +12,7 @@
 #include "engine/match.hpp"
 #include "engine/post_edit_rule.hpp"
 #include "engine/trace.hpp"
+#include "rules/grammar.hpp"
 #include "rules/matrix.hpp"
 #include "rules/rule.hpp"
 
@@ -26,25 +29,32 @@ namespace {
   return wants_reference ? place != nullptr && is_scope_reference(*place) : is_post_edit_type(rule.type);
 }
 
-// The first rule of the list that fits becomes its head; null if none does. `result` is what the last match gave.
-void rule_choose(Session& session, RuleCandidate*& candidates, Window& window, Status& result) {
+// The first of the rules that fits, as a candidate of its own; null if none does. `result` is what the last match gave.
+[[nodiscard]] RuleCandidate* rule_choose(Session& session, std::span<const std::int32_t> rules, Window& window,
+                                         Status& result) {
   session.state.turned = nullptr;
-  while (candidates != nullptr) {
-    RuleCandidate& element = *candidates;
-    if (may_run(*element.rule, window)) {
-      // wanted: a failure is overwritten by what the next rule gives.
-      const Fit fit = match_rule(session, element, window);
-      if (fit == Fit::failed) {
-        result = must_leave(session) != Status::ok ? must_leave(session) : Status::memory;
-      } else {
-        // wanted: a rule that fits and is refused fails the pass, if it is the last one asked.
-        result = fit == Fit::refused ? Status::no_effect : Status::ok;
-      }
-      if (fit == Fit::yes || must_leave(session) != Status::ok) return;
+  for (const std::int32_t number : rules) {
+    const Rule& rule = *session.grammar->index.search.rules[static_cast<std::size_t>(number)];
+    if (!may_run(rule, window)) continue;
+    if (session.state.turned != nullptr && is_refused_by_text(session, rule, window)) {
+      result = Status::ok;
+      continue;
     }
-    candidates = element.next;
-    candidate_passed_over(session, &element);
+    RuleCandidate* candidate = candidates_new(session, 1);
+    if (candidate == nullptr) return nullptr;
+    candidate->rule = &rule;
+    // wanted: a failure is overwritten by what the next rule gives.
+    const Fit fit = match_rule(session, *candidate, window);
+    if (fit == Fit::failed) {
+      result = must_leave(session) != Status::ok ? must_leave(session) : Status::memory;
+    } else {
+      // wanted: a rule that fits and is refused fails the pass, if it is the last one asked.
+      result = fit == Fit::refused ? Status::no_effect : Status::ok;
+    }
+    if (fit == Fit::yes || must_leave(session) != Status::ok) return candidate;
+    candidate_passed_over(session, candidate);
   }
+  return nullptr;
 }
 
 // One round. False when the pass is over.
@@ -54,16 +64,15 @@ void rule_choose(Session& session, RuleCandidate*& candidates, Window& window, S
     return false;
   }
   if (window.lnode == nullptr || window.rnode == nullptr) return false;
-  RuleCandidate* candidates = post_edit_candidates(session, window.lnode, window.rnode);
-  rule_choose(session, candidates, window, result);
-  if (candidates == nullptr || must_leave(session) != Status::ok) return false;
+  const std::span<const std::int32_t> rules = post_edit_rules(session, window.lnode, window.rnode);
+  RuleCandidate* candidate = rule_choose(session, rules, window, result);
+  if (candidate == nullptr || must_leave(session) != Status::ok) return false;
   // A pass inside a scope must not release it.
-  const CandidatePin pin(candidates);
-  const std::uint8_t type = candidates->rule->type;
+  const CandidatePin pin(candidate);
+  const std::uint8_t type = candidate->rule->type;
   const bool moves_window =
       type == rule_type::post_left || type == rule_type::post_right || type == rule_type::post_insertion;
-  result =
-      moves_window ? apply_rule(session, window, candidates, nullptr) : post_edit_rule(session, window, *candidates);
+  result = moves_window ? apply_rule(session, window, candidate, nullptr) : post_edit_rule(session, window, *candidate);
   // A rule that fails ends the pass, and with it the sentence.
   return result == Status::ok;
 }

@@ -47,7 +47,7 @@ bool test_surface(const Node* node, const WordEntry* word, const CondItem* hw_co
   return true;
 }
 
-bool attr_room_ok(Session& session, Side side, const Rule& rule, const Window& window) {
+bool attr_room_suffices(Side side, const Rule& rule, const Window& window) {
   const WordEntry* word = word_in_force(node_of(window, side));
   const WordEntry* other_word = word_in_force(node_of(window, other(side)));
   // Computed from the stored length, not measured, and the same for each word of the node.
@@ -66,7 +66,11 @@ bool attr_room_ok(Session& session, Side side, const Rule& rule, const Window& w
   for (const CondItem& action : chain<&CondItem::next>(pattern_of(rule, other(side)).actions)) {
     if (takes_both_actions && action.op == kOpAdd) length += static_cast<std::int64_t>(std::strlen(action.text)) + 1;
   }
-  if (length < kAttrLimit) return true;
+  return length < kAttrLimit;
+}
+
+bool attr_room_ok(Session& session, Side side, const Rule& rule, const Window& window) {
+  if (attr_room_suffices(side, rule, window)) return true;
   trace_attrs_too_long(session, rule);
   return false;
 }

@@ -18,7 +18,10 @@ struct Session;
 [[nodiscard]] bool test_surface(const Node* node, const WordEntry* word, const CondItem* hw_conds,
                                 const CondItem* cw_conds);
 
-// Do the additions of the rule's pattern of this side stay within the limit of an attribute string? Traced if not.
+// Do the additions of the rule's pattern of this side stay within the limit of an attribute string?
+[[nodiscard]] bool attr_room_suffices(Side side, const Rule& rule, const Window& window);
+
+// The same; traced if not.
 [[nodiscard]] bool attr_room_ok(Session& session, Side side, const Rule& rule, const Window& window);
 
 }  // namespace lexon

@@ -5,7 +5,6 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
-#include <vector>
 
 namespace lexon {
 
@@ -50,38 +49,5 @@ void for_each_bit(std::uint64_t word, std::size_t first, Visit visit) {
     word ^= word_bit(static_cast<std::size_t>(place));
   }
 }
-
-// A set with its summary behind it: bit w of the summary says whether word w holds any rule. So a walk over a small
-// set of many rules costs what the set holds.
-class RuleBits {
- public:
-  RuleBits() = default;
-  explicit RuleBits(std::size_t rules) : words_(words_for(rules)), bits_(words_ + words_for(words_)) {}
-
-  void set(std::size_t rule) { bits_[rule / kWordBits] |= word_bit(rule); }
-  void clear(std::size_t rule) { bits_[rule / kWordBits] &= ~word_bit(rule); }
-
-  // To be called when the last rule is set or cleared.
-  void summarise() {
-    for (std::size_t at = words_; at < bits_.size(); ++at) bits_[at] = 0;
-    for (std::size_t word = 0; word < words_; ++word) {
-      if (bits_[word] != 0) bits_[words_ + word / kWordBits] |= word_bit(word);
-    }
-  }
-
-  // Adds the rules of `other`, of the same size; the summary is as old as before.
-  void join(const RuleBits& other) {
-    for (std::size_t word = 0; word < words_; ++word) bits_[word] |= other.bits_[word];
-  }
-
-  // Of a set of so many rules: its words, and words and summary together.
-  [[nodiscard]] std::size_t words() const { return words_; }
-  [[nodiscard]] std::size_t size() const { return bits_.size(); }
-  [[nodiscard]] const std::uint64_t* data() const { return bits_.data(); }
-
- private:
-  std::size_t words_ = 0;
-  std::vector<std::uint64_t> bits_;
-};
 
 }  // namespace lexon

@@ -1,21 +1,24 @@
 // The rules that the attributes of a window allow.
 //
 // First each side's scope reference is seen through to the word at the head of its scope. Then each side is searched
-// by itself: for one word after the other, the rules that forbid an attribute of the word are struck out, and those
-// that require an attribute which is not present. Last, one walk over the bits of both sides gives the rules.
+// by itself: for one word after the other, the names are found that are present, and among the rules that they watch
+// those that require nothing else and forbid no attribute of the word. Last, these rules of both sides and the easy ones
+// are held against the other side, or both.
 //
-// What a side lets through follows from the attribute texts of its node, and the same texts come back in window after
-// window. So the answer is remembered by the texts, and the rules of two answers by the pair.
+// What a side has follows from the attribute texts of its node, and the same texts come back in window after window. So
+// what was found is remembered by the texts, and the rules of two sides by the pair.
 #include <algorithm>
 #include <array>
 #include <cstring>
+#include <iterator>
+#include <numeric>
+#include <optional>
 #include <span>
 #include <string_view>
 #include <utility>
 
 #include "data/nodes.hpp"
 #include "data/session.hpp"
-#include "rules/bits.hpp"
 #include "rules/grammar.hpp"
 #include "rules/rule_search.hpp"
 
@@ -25,22 +28,30 @@ namespace {
 
 // One side of the window, and the part of the index that belongs to it.
 struct WindowSide {
-  const RuleSearch& index;
   const SideSearch& search;
   SearchScratch::Side& scratch;
   const Node* node;             // may be null
   const Node* entry = nullptr;  // what the node leads to as a reference to a scope that is not built; else null
 };
 
-// The rules that a side lets through, and what the answer goes by in a pair.
+using Numbers = std::span<const std::int32_t>;
+
+// What is known of a side: an answer, that all rules pass there (no node stands there), or that none does (a fresh
+// node without words).
+enum class Verdict : std::uint8_t { answer, all, none };
+
 struct Answer {
-  const std::uint64_t* bits;
-  std::int32_t name;
+  Verdict verdict;
+  Numbers satisfied;  // the rules that the side watches and lets through, in order
+  Numbers words;      // what each word has, see `word_note`
+  std::int32_t name;  // what it goes by in a pair
 };
-constexpr std::int32_t kAll = 0;
-constexpr std::int32_t kNone = 1;
-constexpr std::int32_t kFirstKnown = 2;  // from here on: the number of the key
-constexpr std::int32_t kNameless = -1;   // not remembered; there is no other word for the bits than the scratch
+constexpr std::int32_t kFirstKnown = 2;  // from here on: the number of the key; below, a verdict
+constexpr std::int32_t kNameless = -1;   // not remembered; the numbers stand in the scratch
+
+Answer plain_verdict(Verdict verdict) {
+  return {verdict, {}, {}, verdict == Verdict::all ? 0 : 1};
+}
 
 // Finds what the side's node leads to. False if an entry node is missing on the way, or the references run in a circle.
 bool see_through(const Session& session, WindowSide& side) {
@@ -125,7 +136,8 @@ void word_take(const WindowSide& side, const WordEntry& word) {
     row_present(side.scratch, hit.row);
     if (!hit.is_one_piece) return;
     const std::int32_t row = names.find_rows[static_cast<std::size_t>(hit.row)];
-    if (row >= 0) side.scratch.struck.push_back(row);
+    if (row < 0 || std::exchange(side.scratch.is_striking[static_cast<std::size_t>(row)], 1) != 0) return;
+    side.scratch.striking.push_back(row);
   });
 }
 
@@ -141,40 +153,44 @@ void scope_attrs_take(const WindowSide& side, const Node& node) {
   });
 }
 
-bool requirements_met(const WindowSide& side, const Watched& watched) {
-  const std::uint8_t* is_present = side.scratch.is_present.data();
-  if (watched.also >= 0) return is_present[watched.also] != 0;
-  const std::int32_t* more = side.search.more.data() + (-1 - watched.also);
-  return std::all_of(more + 1, more + 1 + *more, [&](std::int32_t row) { return is_present[row] != 0; });
+Numbers list_of(const NumberLists& lists, std::size_t key) {
+  return Numbers(lists.items).subspan(lists.starts[key], lists.starts[key + 1] - lists.starts[key]);
 }
 
-// Leaves in `result` the rules that the present rows satisfy but for those that are struck out.
-void result_take(const WindowSide& side) {
-  const SideSearch& search = side.search;
-  std::uint64_t* result = side.scratch.result.data();
-  std::memcpy(result, search.undemanding.data(), search.undemanding.words() * kWordBytes);
-  for (const std::int32_t row : side.scratch.present) {
-    const std::uint32_t* starts = search.watch_starts.data() + row;
-    for (std::uint32_t at = starts[0]; at < starts[1]; ++at) {
-      const Watched watched = search.watched[at];
-      const auto rule = static_cast<std::size_t>(watched.rule);
-      if (requirements_met(side, watched)) result[rule / kWordBits] |= word_bit(rule);
-    }
-  }
-  for (const std::int32_t row : side.scratch.struck) {
-    const std::uint32_t* starts = search.forbidding.starts.data() + row;
-    for (std::uint32_t at = starts[0]; at < starts[1]; ++at) {
-      const auto rule = static_cast<std::size_t>(search.forbidding.items[at]);
-      result[rule / kWordBits] &= ~word_bit(rule);
-    }
-  }
-  side.scratch.struck.clear();
+// Do the present rows satisfy the rule, and does no striking row strike it out?
+bool lets_through(const SideSearch& search, const SearchScratch::Side& scratch, std::size_t rule) {
+  const auto is_present = [&](std::int32_t row) { return scratch.is_present[static_cast<std::size_t>(row)] != 0; };
+  const auto is_striking = [&](std::int32_t row) { return scratch.is_striking[static_cast<std::size_t>(row)] != 0; };
+  return std::ranges::all_of(list_of(search.required, rule), is_present) &&
+         std::ranges::none_of(list_of(search.forbidden, rule), is_striking);
 }
 
-// Joins the result to those of the words before.
-void union_join(const WindowSide& side) {
+// Appends to `satisfied` the rules that the present rows watch and that the word lets through.
+void satisfied_take(const WindowSide& side) {
   SearchScratch::Side& scratch = side.scratch;
-  for (std::size_t word = 0; word < side.index.all.words(); ++word) scratch.joined[word] |= scratch.result[word];
+  for (const std::int32_t row : scratch.present) {
+    const std::uint32_t* starts = side.search.watch_starts.data() + row;
+    for (std::uint32_t at = starts[0]; at < starts[1]; ++at) {
+      const Watched watched = side.search.watched[at];
+      if (scratch.is_present[static_cast<std::size_t>(watched.also)] == 0) continue;
+      if (lets_through(side.search, scratch, static_cast<std::size_t>(watched.rule)))
+        scratch.satisfied.push_back(watched.rule);
+    }
+  }
+}
+
+// Appends to `words` what the word has: how many rows are present, how many striking, then they.
+void word_note(SearchScratch::Side& scratch) {
+  scratch.words.push_back(static_cast<std::int32_t>(scratch.present.size()));
+  scratch.words.push_back(static_cast<std::int32_t>(scratch.striking.size()));
+  for (const auto* rows : {&scratch.present, &scratch.striking}) {
+    scratch.words.insert(scratch.words.end(), rows->begin(), rows->end());
+  }
+}
+
+void striking_clear(SearchScratch::Side& scratch) {
+  for (const std::int32_t row : scratch.striking) scratch.is_striking[static_cast<std::size_t>(row)] = 0;
+  scratch.striking.clear();
 }
 
 // Takes what holds for every word of the search. With an entry node that includes the word of the reference.
@@ -191,34 +207,29 @@ const WordEntry* first_word(const WindowSide& side) {
   return side.entry == nullptr ? side.node->candidates : side.entry->candidates;
 }
 
-// Leaves what the side lets through in `result`, without summary. False if the search has to be given up.
+// Leaves in `satisfied` and `words` what the side comes to. False if the search has to be given up.
 bool side_search(const Session& session, const WindowSide& side) {
   SearchScratch::Side& scratch = side.scratch;
+  scratch.satisfied.clear();
+  scratch.words.clear();
   lasting_take(side);
   const std::size_t lasting = scratch.present.size();
   const bool settled = is_settled(side);
-  if (!settled) std::fill(scratch.joined.begin(), scratch.joined.end(), 0);
+  bool is_given_up = false;
   const WordEntry* word = first_word(side);
   do {
     if (word != nullptr) word_take(side, *word);
-    result_take(side);
-    if (settled) return true;
-    union_join(side);
-    if (must_leave(session) != Status::ok) return false;
+    satisfied_take(side);
+    word_note(scratch);
+    striking_clear(scratch);
     present_cut_to(scratch, lasting);
-    if (word != nullptr) word = word->next;
-  } while (word != nullptr);
-  scratch.result.swap(scratch.joined);
-  return true;
-}
-
-void summarise(const WindowSide& side) {
-  const std::size_t words = side.index.all.words();
-  std::uint64_t* bits = side.scratch.result.data();
-  std::fill(bits + words, bits + side.index.all.size(), 0);
-  for (std::size_t word = 0; word < words; ++word) {
-    if (bits[word] != 0) bits[words + word / kWordBits] |= word_bit(word);
-  }
+    is_given_up = !settled && must_leave(session) != Status::ok;
+    if (word != nullptr) word = settled ? nullptr : word->next;
+  } while (word != nullptr && !is_given_up);
+  present_cut_to(scratch, 0);
+  std::ranges::sort(scratch.satisfied);
+  scratch.satisfied.erase(std::unique(scratch.satisfied.begin(), scratch.satisfied.end()), scratch.satisfied.end());
+  return !is_given_up;
 }
 
 // Puts together all that the search looks at. No text holds what parts the texts.
@@ -245,30 +256,48 @@ void key_take(const WindowSide& side) {
 // Longer keys are seldom the same again.
 constexpr std::size_t kLongestKey = 4096;
 
-Answer side_answer(Session& session, const WindowSide& side) {
+Answer known_answer(const SearchScratch::Side& scratch, std::int32_t number) {
+  const SearchScratch::Side::Known& known = scratch.answers[static_cast<std::size_t>(number)];
+  const Numbers numbers = Numbers(scratch.numbers).subspan(known.begin, known.satisfied + known.words);
+  return {Verdict::answer, numbers.first(known.satisfied), numbers.last(known.words), number + kFirstKnown};
+}
+
+// Remembers what stands in the scratch. Without room the next search begins by forgetting all.
+Answer answer_remember(SearchScratch& search, SearchScratch::Side& scratch) {
+  const Answer answer{Verdict::answer, scratch.satisfied, scratch.words, kNameless};
+  if (scratch.key.size() > kLongestKey) return answer;
+  const std::size_t size = answer.satisfied.size() + answer.words.size();
+  const bool has_room = scratch.numbers.capacity() - scratch.numbers.size() >= size;
+  const std::int32_t number = has_room ? scratch.known.add(scratch.key) : -1;
+  search.is_full = search.is_full || number < 0;
+  if (number < 0) return answer;
+  scratch.answers.push_back({static_cast<std::uint32_t>(scratch.numbers.size()),
+                             static_cast<std::uint32_t>(answer.satisfied.size()),
+                             static_cast<std::uint32_t>(answer.words.size())});
+  for (const Numbers numbers : {answer.satisfied, answer.words}) {
+    scratch.numbers.insert(scratch.numbers.end(), numbers.begin(), numbers.end());
+  }
+  return known_answer(scratch, number);
+}
+
+// None if the search has to be given up.
+std::optional<Answer> side_answer(Session& session, const WindowSide& side) {
   const bool settled = side.node == nullptr || is_settled(side);
   if (side.node == nullptr || side.node->candidates == nullptr) {
-    // A fresh node without words lets no rule through.
-    return settled ? Answer{side.index.all.data(), kAll} : Answer{side.index.none.data(), kNone};
+    return plain_verdict(settled ? Verdict::all : Verdict::none);
   }
   SearchScratch::Side& scratch = side.scratch;
-  const std::size_t size = side.index.all.size();
   key_take(side);
-  if (const std::int32_t number = scratch.known.find(scratch.key); number >= 0) {
-    return {scratch.answers.data() + static_cast<std::size_t>(number) * size, number + kFirstKnown};
-  }
-  scratch.struck.clear();
-  const bool done = side_search(session, side);
-  present_cut_to(scratch, 0);
-  if (!done) return {nullptr, kNameless};
-  summarise(side);
-  const std::int32_t number = scratch.key.size() > kLongestKey ? -1 : scratch.known.add(scratch.key);
-  if (number < 0) {
-    session.search.is_full = session.search.is_full || scratch.key.size() <= kLongestKey;
-    return {scratch.result.data(), kNameless};
-  }
-  scratch.answers.insert(scratch.answers.end(), scratch.result.begin(), scratch.result.end());
-  return {scratch.answers.data() + static_cast<std::size_t>(number) * size, number + kFirstKnown};
+  if (const std::int32_t number = scratch.known.find(scratch.key); number >= 0) return known_answer(scratch, number);
+  if (!side_search(session, side)) return std::nullopt;
+  return answer_remember(session.search, scratch);
+}
+
+// Forgets the rules of pairs.
+void pairs_forget(SearchScratch& scratch) {
+  scratch.known_pairs.clear();
+  scratch.found.clear();
+  scratch.rules.clear();
 }
 
 // Forgets all answers: their numbers begin anew.
@@ -276,105 +305,117 @@ void search_forget(SearchScratch& scratch) {
   for (SearchScratch::Side* side : {&scratch.left, &scratch.right}) {
     side->known.clear();
     side->answers.clear();
+    side->numbers.clear();
   }
-  scratch.known_pairs.clear();
-  scratch.found.clear();
-  scratch.rules.clear();
+  pairs_forget(scratch);
   scratch.is_full = false;
 }
 
 // The rules that are asked for.
 enum class Wanted : std::int32_t { all, post_edit };
 
-// Calls `visit` with the number of each rule that passes both sides. What an inserted pattern asks for is not held
-// against the window: it speaks of a word that is not there yet.
-template <typename Visit>
-void for_each_passing(const RuleSearch& index, const std::uint64_t* left, const std::uint64_t* right,
-                      const RuleBits& wanted, Visit visit) {
-  const std::uint64_t* left_inserted = index.left.inserted.data();
-  const std::uint64_t* right_inserted = index.right.inserted.data();
-  const auto passing = [&](std::size_t at) {
-    const std::uint64_t l = left[at];
-    const std::uint64_t r = right[at];
-    return ((l & r) | (l & right_inserted[at]) | (r & left_inserted[at])) & wanted.data()[at];
-  };
-  for (std::size_t at = wanted.words(); at < wanted.size(); ++at) {
-    for_each_bit(passing(at), (at - wanted.words()) * kWordBits, [&](std::size_t word) {
-      for_each_bit(passing(word), word * kWordBits, [&](std::size_t rule) { visit(static_cast<std::int32_t>(rule)); });
-    });
+// Leaves in `asked` the rules that may pass: easy ones, and those that a side watches and lets through. Where all rules
+// pass on a side, what is watched there tells nothing.
+void rules_ask(const RuleSearch& index, const Answer& left, const Answer& right, SearchScratch& scratch) {
+  std::vector<std::int32_t>& asked = scratch.asked;
+  if (left.verdict == Verdict::all || right.verdict == Verdict::all) {
+    asked.resize(index.rules.size());
+    std::iota(asked.begin(), asked.end(), 0);
+    return;
+  }
+  scratch.merged.clear();
+  std::ranges::set_union(left.satisfied, right.satisfied, std::back_inserter(scratch.merged));
+  asked.clear();
+  std::ranges::set_union(index.easy, scratch.merged, std::back_inserter(asked));
+}
+
+// Leaves in `passing`, beside each rule that is asked about, whether the side lets it through.
+void side_test(const SideSearch& search, SearchScratch::Side& scratch, const Answer& answer, Numbers asked) {
+  scratch.passing.assign(asked.size(), answer.verdict == Verdict::all ? 1 : 0);
+  for (Numbers words = answer.words; !words.empty();) {
+    const auto present = words.subspan(2, static_cast<std::size_t>(words[0]));
+    const auto striking = words.subspan(2 + present.size(), static_cast<std::size_t>(words[1]));
+    words = words.subspan(2 + present.size() + striking.size());
+    for (const std::int32_t row : present) scratch.is_present[static_cast<std::size_t>(row)] = 1;
+    for (const std::int32_t row : striking) scratch.is_striking[static_cast<std::size_t>(row)] = 1;
+    for (std::size_t i = 0; i < asked.size(); ++i) {
+      if (scratch.passing[i] == 0 && lets_through(search, scratch, static_cast<std::size_t>(asked[i])))
+        scratch.passing[i] = 1;
+    }
+    for (const std::int32_t row : present) scratch.is_present[static_cast<std::size_t>(row)] = 0;
+    for (const std::int32_t row : striking) scratch.is_striking[static_cast<std::size_t>(row)] = 0;
+  }
+}
+
+// Leaves in `fresh` the rules that pass the window. What an inserted pattern asks for is not held against the window: it
+// speaks of a word that is not there yet.
+void passing_find(const RuleSearch& index, const Answer& left, const Answer& right, Wanted kind,
+                  SearchScratch& scratch) {
+  rules_ask(index, left, right, scratch);
+  side_test(index.left, scratch.left, left, scratch.asked);
+  side_test(index.right, scratch.right, right, scratch.asked);
+  scratch.fresh.clear();
+  for (std::size_t i = 0; i < scratch.asked.size(); ++i) {
+    const bool passes_left = scratch.left.passing[i] != 0;
+    const bool passes_right = scratch.right.passing[i] != 0;
+    const RuleTraits traits = index.traits[static_cast<std::size_t>(scratch.asked[i])];
+    const bool passes = (passes_left && passes_right) || (passes_left && traits.right_inserted) ||
+                        (passes_right && traits.left_inserted);
+    if (passes && (kind == Wanted::all || traits.is_post_edit)) scratch.fresh.push_back(scratch.asked[i]);
   }
 }
 
 // The numbers of the rules that pass both sides; they stand until the next search.
-std::span<const std::int32_t> passing_rules(Session& session, const Answer& left, const Answer& right, Wanted kind) {
-  const RuleSearch& index = session.grammar->index.search;
+Numbers passing_rules(Session& session, const Answer& left, const Answer& right, Wanted kind) {
   SearchScratch& scratch = session.search;
   const std::array<std::int32_t, 3> pair = {left.name, right.name, static_cast<std::int32_t>(kind)};
   const std::string_view key(reinterpret_cast<const char*>(pair.data()), sizeof(pair));
   const bool has_names = left.name != kNameless && right.name != kNameless;
   if (const std::int32_t number = has_names ? scratch.known_pairs.find(key) : -1; number >= 0) {
     const SearchScratch::Found& found = scratch.found[static_cast<std::size_t>(number)];
-    return std::span(scratch.rules).subspan(found.begin, found.count);
+    return Numbers(scratch.rules).subspan(found.begin, found.count);
   }
-  scratch.fresh.clear();
-  for_each_passing(index, left.bits, right.bits, kind == Wanted::post_edit ? index.post_edit : index.all,
-                   [&](std::int32_t rule) { scratch.fresh.push_back(rule); });
-  const bool has_room = scratch.rules.capacity() - scratch.rules.size() >= scratch.fresh.size();
-  if (has_names && has_room && scratch.known_pairs.add(key) >= 0) {
+  passing_find(session.grammar->index.search, left, right, kind, scratch);
+  const auto has_room = [&] { return scratch.rules.capacity() - scratch.rules.size() >= scratch.fresh.size(); };
+  if (!has_names) return scratch.fresh;
+  if (!has_room()) pairs_forget(scratch);
+  if (has_room() && scratch.known_pairs.add(key) >= 0) {
     scratch.found.push_back(
         {static_cast<std::uint32_t>(scratch.rules.size()), static_cast<std::uint32_t>(scratch.fresh.size())});
     scratch.rules.insert(scratch.rules.end(), scratch.fresh.begin(), scratch.fresh.end());
-  } else if (has_names) {
-    scratch.is_full = true;
+  } else {
+    pairs_forget(scratch);
   }
   return scratch.fresh;
 }
 
-// Appends an element for the rule at `link`. False if memory is exhausted.
-bool candidate_append(Session& session, RuleCandidate**& link, CandidateList*& list, const Rule* rule) {
-  if (list == nullptr) list = temp_new<CandidateList>(session);
-  auto* element = list == nullptr ? nullptr : temp_new<RuleCandidate>(session);
-  if (element == nullptr) return false;
-  element->rule = rule;
-  element->list = list;
-  ++list->elements;
-  *link = element;
-  link = &element->next;
-  return true;
-}
-
-RuleCandidate* candidates_make(Session& session, std::span<const std::int32_t> rules) {
+Numbers search(Session& session, Node* lnode, Node* rnode, Wanted kind) {
   const RuleSearch& index = session.grammar->index.search;
-  RuleCandidate* head = nullptr;
-  RuleCandidate** link = &head;
-  CandidateList* list = nullptr;
-  for (const std::int32_t rule : rules) {
-    if (!candidate_append(session, link, list, index.rules[static_cast<std::size_t>(rule)])) return nullptr;
-  }
-  return head;
-}
-
-RuleCandidate* search(Session& session, Node* lnode, Node* rnode, Wanted kind) {
-  const RuleSearch& index = session.grammar->index.search;
-  if ((lnode == nullptr && rnode == nullptr) || index.rules.empty()) return nullptr;
-  WindowSide left{index, index.left, session.search.left, lnode};
-  WindowSide right{index, index.right, session.search.right, rnode};
-  if (!see_through(session, left) || !see_through(session, right)) return nullptr;
+  if ((lnode == nullptr && rnode == nullptr) || index.rules.empty()) return {};
+  WindowSide left{index.left, session.search.left, lnode};
+  WindowSide right{index.right, session.search.right, rnode};
+  if (!see_through(session, left) || !see_through(session, right)) return {};
   if (session.search.is_full) search_forget(session.search);
-  const Answer left_answer = side_answer(session, left);
-  if (left_answer.bits == nullptr) return nullptr;
-  const Answer right_answer = side_answer(session, right);
-  if (right_answer.bits == nullptr) return nullptr;
-  return candidates_make(session, passing_rules(session, left_answer, right_answer, kind));
+  const std::optional<Answer> left_answer = side_answer(session, left);
+  if (!left_answer) return {};
+  const std::optional<Answer> right_answer = side_answer(session, right);
+  if (!right_answer) return {};
+  return passing_rules(session, *left_answer, *right_answer, kind);
 }
 
 }  // namespace
 
 RuleCandidate* rule_candidates(Session& session, Node* lnode, Node* rnode) {
-  return search(session, lnode, rnode, Wanted::all);
+  const Numbers rules = search(session, lnode, rnode, Wanted::all);
+  RuleCandidate* head = rules.empty() ? nullptr : candidates_new(session, rules.size());
+  RuleCandidate* element = head;
+  for (std::size_t i = 0; element != nullptr; ++i, element = element->next) {
+    element->rule = session.grammar->index.search.rules[static_cast<std::size_t>(rules[i])];
+  }
+  return head;
 }
 
-RuleCandidate* post_edit_candidates(Session& session, Node* lnode, Node* rnode) {
+std::span<const std::int32_t> post_edit_rules(Session& session, Node* lnode, Node* rnode) {
   return search(session, lnode, rnode, Wanted::post_edit);
 }
 

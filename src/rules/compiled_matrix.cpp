@@ -238,7 +238,9 @@ MatrixReading side_read(RuleIndex& index, const MatrixSide& side, SideSearch& se
   if (status == Status::ok) status = area_take(index.matrix, side, ~std::uint64_t{0}, stream, forbidding);
   if (status == Status::no_effect) return refused(kUnreadable);
   if (status != Status::ok) return {status};
-  side_prepare(index.search, search, transposed(requiring, row_bits(index.matrix)), std::move(forbidding));
+  const std::size_t places = row_bits(index.matrix);
+  search.required = transposed(requiring, places);
+  search.forbidden = transposed(forbidding, places);
   return {Status::ok};
 }
 
@@ -254,7 +256,10 @@ MatrixReading matrix_read(RuleIndex& index, std::FILE* stream, Rule* rules) {
   if (const MatrixReading names = names_read(index, stream); names.status != Status::ok) return names;
   rules_prepare(index);
   const MatrixReading left = side_read(index, index.matrix.left, index.search.left, stream);
-  return left.status != Status::ok ? left : side_read(index, index.matrix.right, index.search.right, stream);
+  if (left.status != Status::ok) return left;
+  const MatrixReading right = side_read(index, index.matrix.right, index.search.right, stream);
+  if (right.status == Status::ok) watch_prepare(index.search);
+  return right;
 }
 
 // What the standard library throws for exhausted memory becomes a status here.
@@ -277,8 +282,9 @@ Status rule_matrix_save(Session& session, RuleIndex& index, std::FILE* stream) {
   area_write(matrix.right.attr_pool, matrix.right.pool_size, stream);
   try {
     for (const SideSearch* side : {&index.search.left, &index.search.right}) {
-      matrix_write(requiring_rules(*side), 0, row_bytes, stream);
-      matrix_write(side->forbidding, 0xFF, row_bytes, stream);
+      const std::size_t rows = side->names.find_rows.size();
+      matrix_write(transposed(side->required, rows), 0, row_bytes, stream);
+      matrix_write(transposed(side->forbidden, rows), 0xFF, row_bytes, stream);
     }
   } catch (const std::bad_alloc&) {
     rule_matrix_clear(index);  // the step has failed, so no rule is in force

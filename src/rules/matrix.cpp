@@ -15,6 +15,7 @@
 #include <string>
 #include <string_view>
 #include <unordered_set>
+#include <utility>
 
 #include "data/chain.hpp"
 #include "data/output.hpp"
@@ -169,7 +170,8 @@ Status side_build(Session& session, RuleIndex& index, SideBuild build) {
   build.search.names = name_index_of(side);
   Demands demands;
   if (const Status s = demands_collect(session, index, build, demands); s != Status::ok) return s;
-  side_prepare(index.search, build.search, demands.required, transposed(demands.forbidden, rows));
+  build.search.required = std::move(demands.required);
+  build.search.forbidden = std::move(demands.forbidden);
   return Status::ok;
 }
 
@@ -184,7 +186,10 @@ Status build_all(Session& session, RuleIndex& index, Rule* rules) {
   rules_prepare(index);
   RuleMatrix& matrix = index.matrix;
   const Status left = side_build(session, index, {&Rule::lnode, matrix.left, index.search.left});
-  return left != Status::ok ? left : side_build(session, index, {&Rule::rnode, matrix.right, index.search.right});
+  if (left != Status::ok) return left;
+  const Status right = side_build(session, index, {&Rule::rnode, matrix.right, index.search.right});
+  if (right == Status::ok) watch_prepare(index.search);
+  return right;
 }
 
 void side_release(MatrixSide& side) {

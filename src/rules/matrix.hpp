@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <span>
 
 #include "data/records.hpp"
 #include "data/status.hpp"
@@ -46,8 +47,9 @@ void rule_matrix_clear(RuleIndex& index);
 // exhausted.
 [[nodiscard]] RuleCandidate* rule_candidates(Session& session, Node* lnode, Node* rnode);
 
-// The same, but only the rules of post-edit.
-[[nodiscard]] RuleCandidate* post_edit_candidates(Session& session, Node* lnode, Node* rnode);
+// The rules of post-edit that the attributes of the window allow, as numbers in the list of the index; they stand until
+// the session searches again.
+[[nodiscard]] std::span<const std::int32_t> post_edit_rules(Session& session, Node* lnode, Node* rnode);
 
 // Binary search in `count` names in ascending byte order; the row, or -1.
 [[nodiscard]] std::int32_t attr_table_find(const char* name, char* const* table, std::int32_t count);

@@ -38,49 +38,34 @@ std::span<const std::int32_t> list_of(const NumberLists& lists, std::size_t key)
   return std::span(lists.items).subspan(lists.starts[key], lists.starts[key + 1] - lists.starts[key]);
 }
 
-// Notes for the row that watches a rule what else the rule requires.
-Watched watched_rule(SideSearch& side, std::size_t rule, std::int32_t watcher, std::span<const std::int32_t> rows) {
-  const auto number = static_cast<std::int32_t>(rule);
-  if (rows.size() == 1) return {number, watcher};
-  if (rows.size() == 2) return {number, rows[0] == watcher ? rows[1] : rows[0]};
-  const auto place = static_cast<std::int32_t>(side.more.size());
-  side.more.push_back(static_cast<std::int32_t>(rows.size()) - 1);
-  bool left_out = false;
-  for (const std::int32_t row : rows) {
-    if (row == watcher && !std::exchange(left_out, true)) continue;
-    side.more.push_back(row);
-  }
-  return {number, -1 - place};
+// How many rules require each row.
+std::vector<std::uint32_t> users_of(const SideSearch& side) {
+  std::vector<std::uint32_t> users(side.names.find_rows.size());
+  for (const std::int32_t row : side.required.items) ++users[to_size(row)];
+  return users;
 }
 
-// The row of each rule's list that the fewest rules require; -1 for a rule that requires nothing.
-std::vector<std::int32_t> rarest_rows(const NumberLists& required, std::size_t rows) {
-  std::vector<std::uint32_t> users(rows);
-  for (const std::int32_t row : required.items) ++users[to_size(row)];
+// The row of the rule's list that the fewest rules require; -1 without rows.
+std::int32_t rarest_row(const SideSearch& side, const std::vector<std::uint32_t>& users, std::size_t rule) {
+  const auto rows = list_of(side.required, rule);
   const auto rarer = [&](std::int32_t a, std::int32_t b) { return users[to_size(a)] < users[to_size(b)]; };
-  std::vector<std::int32_t> rarest(required.starts.size() - 1, -1);
-  for (std::size_t rule = 0; rule < rarest.size(); ++rule) {
-    const auto list = list_of(required, rule);
-    if (!list.empty()) rarest[rule] = *std::min_element(list.begin(), list.end(), rarer);
-  }
-  return rarest;
+  return rows.empty() ? -1 : *std::min_element(rows.begin(), rows.end(), rarer);
 }
 
-// Calls `visit` with row and rule for all that rules require.
-template <typename Visit>
-void for_each_requirement(const SideSearch& side, Visit visit) {
-  for (std::size_t row = 0; row + 1 < side.watch_starts.size(); ++row) {
-    for (std::uint32_t at = side.watch_starts[row]; at < side.watch_starts[row + 1]; ++at) {
-      const Watched& watched = side.watched[at];
-      const std::size_t rule = to_size(watched.rule);
-      visit(row, rule);
-      if (watched.also >= 0) {
-        visit(to_size(watched.also), rule);
-        continue;
-      }
-      const std::size_t place = to_size(-1 - watched.also);
-      for (std::size_t i = 1; i <= to_size(side.more[place]); ++i) visit(to_size(side.more[place + i]), rule);
-    }
+// Fills the lists of the rows that watch, from the watching row of each rule; -1: none on this side.
+void watchers_set(SideSearch& side, const std::vector<std::int32_t>& watchers) {
+  side.watch_starts.assign(side.names.find_rows.size() + 1, 0);
+  for (const std::int32_t row : watchers) {
+    if (row >= 0) ++side.watch_starts[to_size(row) + 1];
+  }
+  side.watched.resize(lists_open(side.watch_starts));
+  for (std::size_t rule = 0; rule < watchers.size(); ++rule) {
+    const std::int32_t row = watchers[rule];
+    if (row < 0) continue;
+    const auto rows = list_of(side.required, rule);
+    const auto also = std::find_if(rows.begin(), rows.end(), [&](std::int32_t other) { return other != row; });
+    side.watched[side.watch_starts[to_size(row) + 1]++] = {static_cast<std::int32_t>(rule),
+                                                           also == rows.end() ? row : *also};
   }
 }
 
@@ -114,45 +99,34 @@ std::int32_t name_row(const NameIndex& names, const char* name) {
 void rules_prepare(RuleIndex& index) {
   RuleSearch& search = index.search;
   const std::size_t count = to_size(index.matrix.rule_count);
-  const std::size_t places = to_size(index.matrix.row_bytes) * 8;
   search.rules.reserve(count);
-  for (Rule& rule : chain<&Rule::next>(index.matrix.rules)) search.rules.push_back(&rule);
-  for (RuleBits* bits : {&search.all, &search.none, &search.post_edit, &search.left.inserted, &search.right.inserted}) {
-    *bits = RuleBits(places);
-  }
-  for (std::size_t i = 0; i < count; ++i) {
-    const Rule& rule = *search.rules[i];
-    search.all.set(i);
-    if (is_post_edit_type(rule.type)) search.post_edit.set(i);
-    if (rule.lnode->inserted != 0) search.left.inserted.set(i);
-    if (rule.rnode->inserted != 0) search.right.inserted.set(i);
-  }
-  for (RuleBits* bits : {&search.all, &search.post_edit, &search.left.inserted, &search.right.inserted}) {
-    bits->summarise();
+  search.traits.reserve(count);
+  for (Rule& rule : chain<&Rule::next>(index.matrix.rules)) {
+    search.rules.push_back(&rule);
+    search.traits.push_back({rule.lnode->inserted != 0, rule.rnode->inserted != 0, is_post_edit_type(rule.type)});
   }
 }
 
-void side_prepare(const RuleSearch& search, SideSearch& side, const NumberLists& required, NumberLists forbidding) {
-  const std::size_t rules = required.starts.size() - 1;
-  const std::size_t rows = side.names.find_rows.size();
-  side.forbidding = std::move(forbidding);
-  const std::vector<std::int32_t> watchers = rarest_rows(required, rows);
-  side.undemanding = search.none;
-  side.watch_starts.assign(rows + 1, 0);
-  for (std::size_t rule = 0; rule < rules; ++rule) {
-    if (watchers[rule] < 0) {
-      side.undemanding.set(rule);
+void watch_prepare(RuleSearch& search) {
+  const std::vector<std::uint32_t> left_users = users_of(search.left);
+  const std::vector<std::uint32_t> right_users = users_of(search.right);
+  std::vector<std::int32_t> left(search.rules.size(), -1);
+  std::vector<std::int32_t> right(search.rules.size(), -1);
+  for (std::size_t rule = 0; rule < search.rules.size(); ++rule) {
+    const RuleTraits traits = search.traits[rule];
+    // What an inserted pattern requires need not be there.
+    const std::int32_t left_row = traits.left_inserted ? -1 : rarest_row(search.left, left_users, rule);
+    const std::int32_t right_row = traits.right_inserted ? -1 : rarest_row(search.right, right_users, rule);
+    if (left_row < 0 && right_row < 0) {
+      search.easy.push_back(static_cast<std::int32_t>(rule));
+    } else if (right_row < 0 || (left_row >= 0 && left_users[to_size(left_row)] <= right_users[to_size(right_row)])) {
+      left[rule] = left_row;
     } else {
-      ++side.watch_starts[to_size(watchers[rule]) + 1];
+      right[rule] = right_row;
     }
   }
-  side.undemanding.summarise();
-  side.watched.resize(lists_open(side.watch_starts));
-  for (std::size_t rule = 0; rule < rules; ++rule) {
-    if (watchers[rule] < 0) continue;
-    side.watched[side.watch_starts[to_size(watchers[rule]) + 1]++] =
-        watched_rule(side, rule, watchers[rule], list_of(required, rule));
-  }
+  watchers_set(search.left, left);
+  watchers_set(search.right, right);
 }
 
 NumberLists transposed(const NumberLists& lists, std::size_t keys) {
@@ -163,15 +137,6 @@ NumberLists transposed(const NumberLists& lists, std::size_t keys) {
   for (std::size_t key = 0; key + 1 < lists.starts.size(); ++key) {
     for (const std::int32_t item : list_of(lists, key)) list_append(result, to_size(item), key);
   }
-  return result;
-}
-
-NumberLists requiring_rules(const SideSearch& side) {
-  NumberLists result;
-  result.starts.resize(side.watch_starts.size());
-  for_each_requirement(side, [&](std::size_t row, std::size_t) { ++result.starts[row + 1]; });
-  result.items.resize(lists_open(result.starts));
-  for_each_requirement(side, [&](std::size_t row, std::size_t rule) { list_append(result, row, rule); });
   return result;
 }
 

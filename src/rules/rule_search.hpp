@@ -3,15 +3,14 @@
 // Two questions would cost a walk over the whole name table for every word: which names are present, and which rules
 // lack one. Here the first goes from the pieces of the attribute strings to the rows, by hash. The second goes from
 // the present rows to the rules: each rule is watched by one of the rows it requires, the one that the fewest rules
-// require, so a rule is looked at only when that rare attribute is there. Beside the rule stands the second row that
-// it requires, so that most rules are decided without another look.
+// require on either side, so a rule is looked at only when that rare attribute is there. Rules without such a row are
+// easy: they are looked at in every window.
 #pragma once
 
 #include <cstddef>
 #include <cstdint>
 #include <vector>
 
-#include "rules/bits.hpp"
 #include "rules/matrix.hpp"
 
 namespace lexon {
@@ -36,24 +35,28 @@ struct NumberLists {
 // A rule as the row that watches it knows it.
 struct Watched {
   std::int32_t rule;
-  std::int32_t also;  // another row that the rule requires, or the watching row again; -1 - k: rows at `more[k]`
+  std::int32_t also;  // another row of the side that the rule requires, or the watching row again
 };
 
 struct SideSearch {
   NameIndex names;
-  NumberLists forbidding;                   // by row: the rules that forbid the name
+  NumberLists required;                     // by rule: the rows that it requires
+  NumberLists forbidden;                    // by rule: the rows that it forbids
   std::vector<std::uint32_t> watch_starts;  // by row: list r is watched[watch_starts[r]] up to the next list's start
   std::vector<Watched> watched;
-  std::vector<std::int32_t> more;  // for rules that require more than two rows: how many besides the watching one, they
-  RuleBits undemanding;            // the rules that require no name
-  RuleBits inserted;               // the rules whose pattern of this side is a quote pattern
+};
+
+// What a search needs of a rule before it looks at the rule itself.
+struct RuleTraits {
+  bool left_inserted : 1;  // the pattern of this side is a quote pattern
+  bool right_inserted : 1;
+  bool is_post_edit : 1;
 };
 
 struct RuleSearch {
   std::vector<Rule*> rules;  // by number; empty: not prepared, there are no candidates
-  RuleBits all;
-  RuleBits none;
-  RuleBits post_edit;  // the rules of the post-edit types
+  std::vector<RuleTraits> traits;
+  std::vector<std::int32_t> easy;  // the rules that no row watches, in order
   SideSearch left;
   SideSearch right;
 };
@@ -70,8 +73,7 @@ struct RuleIndex {
   RuleIndex& operator=(const RuleIndex&) = delete;
 };
 
-// The steps that make the search ready, by both who builds and who loads the matrix; they come in this order. All
-// throw `std::bad_alloc`.
+// The steps that make the search ready, by both who builds and who loads the matrix. All throw `std::bad_alloc`.
 
 // From the names of a side.
 [[nodiscard]] NameIndex name_index_of(const MatrixSide& side);
@@ -79,15 +81,11 @@ struct RuleIndex {
 // From the rule list of the matrix.
 void rules_prepare(RuleIndex& index);
 
-// From what the rules ask of a side: `required` the rows by rule, `forbidding` the rules by row. A number may stand
-// in a list twice.
-void side_prepare(const RuleSearch& search, SideSearch& side, const NumberLists& required, NumberLists forbidding);
+// Last, when `required` and `forbidden` of both sides are filled. A number may stand in a list twice.
+void watch_prepare(RuleSearch& search);
 
 // The same numbers by what were the items, of which there are `keys`. Lists of the result rise.
 [[nodiscard]] NumberLists transposed(const NumberLists& lists, std::size_t keys);
-
-// The rules by the rows that they require, as `side_prepare` took them.
-[[nodiscard]] NumberLists requiring_rules(const SideSearch& side);
 
 // The row that `attr_table_find` gives for `name`, or -1.
 [[nodiscard]] std::int32_t name_row(const NameIndex& names, const char* name);

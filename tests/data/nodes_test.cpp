@@ -130,10 +130,8 @@ TEST_F(Nodes, AReleasedTargetEqualsNoNode) {
 }
 
 TEST_F(Nodes, APassedOverElementStaysWhileARecordCanReachItsList) {
-  auto* list = temp_new<CandidateList>(session);
-  auto* element = temp_new<RuleCandidate>(session);
-  list->elements = 1;
-  element->list = list;
+  RuleCandidate* element = candidates_new(session, 1);
+  const CandidateList* list = element->list;
   Node* node = node_of("a", nullptr);
   ASSERT_EQ(match_record_push(session, *node, kStateHold, element), Status::ok);
   candidate_passed_over(session, element);
@@ -141,7 +139,7 @@ TEST_F(Nodes, APassedOverElementStaysWhileARecordCanReachItsList) {
   match_record_pop(session, *node);
   const std::int64_t used = session.pool.bytes_used();
   candidate_passed_over(session, element);
-  EXPECT_NE(temp_new<RuleCandidate>(session), nullptr);
+  EXPECT_NE(candidates_new(session, 1), nullptr);
   EXPECT_EQ(session.pool.bytes_used(), used) << "the cell has been given back";
 }
 
@@ -167,8 +165,8 @@ TEST_F(Nodes, WhatIsLeftBehindIsPassedOver) {
   for (const Row& row : rows) {
     auto* list = temp_new<CandidateList>(session);
     auto* other_list = temp_new<CandidateList>(session);
-    *list = {row.records, kElements};  // one more than there are: the list's own cell stays
-    *other_list = {0, 1};
+    *list = {row.records, kElements, 0};  // one more than there are: the list's own cell stays
+    *other_list = {0, 1, 0};
     std::array<RuleCandidate*, kElements> elements{};
     for (std::size_t i = kElements; i-- > 0;) {
       elements[i] = temp_new<RuleCandidate>(session);
