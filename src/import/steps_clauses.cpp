@@ -275,9 +275,24 @@ void step_polarity(Meaning& meaning) {
   }
 }
 
+// (g / government-organization :ARG0-of (g2 / govern-01 :ARG1 c)): the government of c.
+static void government_apply(Rewriter& graph, int at) {
+  const int led = graph.child(at, "ARG0", true);
+  if (led < 0 || !graph.is(graph.arc(led).to, "govern", "01")) return;
+  const int frame = graph.arc(led).to;
+  graph.remove(led, Fate::word);
+  graph.settle_concept(frame, Fate::word);
+  graph.word(at).name = "government";
+  for (const int below : graph.children(frame)) {
+    if (graph.arc(below).role == "ARG1") graph.arc(below).role = "org";
+  }
+  graph.move_children(frame, at);
+}
+
 void step_persons(Meaning& meaning) {
   Rewriter graph(meaning, "persons");
   for (int at = 0; at < graph.count(); ++at) {
+    if (graph.is(at, "government-organization")) government_apply(graph, at);
     if (!graph.is(at, "person") || has_attribute(graph.word(at), "@name")) continue;
     const int led = graph.child(at, "ARG0", true);
     if (led < 0) continue;

@@ -20,9 +20,9 @@ ROOT = pathlib.Path(__file__).resolve().parents[2]
 EMBEDDING = ROOT / "examples" / "embedding"
 # Debian's interpreter: the module of the build is for no other.
 PYTHON = "/usr/bin/python3"
-PROGRAMS = {"usr/bin/lexon", "usr/bin/lexon-dict"}
+PROGRAMS = {"usr/bin/lexon", "usr/bin/lexon-dict", "usr/bin/lexon-import"}
 MANUAL = {f"usr/share/man/man{page[-1]}/{page}.gz"
-          for page in ("lexon.1", "lexon-dict.1", "lexon-rules.5", "lexon-graph.5", "lexon-dictionary.5")}
+          for page in ("lexon.1", "lexon-dict.1", "lexon-import.1", "lexon-rules.5", "lexon-graph.5", "lexon-dictionary.5")}
 PAPERS = {f"usr/share/doc/lexon/{name}"
           for name in ("copyright", "changelog.gz", "README.md", "manual/commands.md", "examples/english/rules.txt",
                        "editors/vscode/package.json")}
