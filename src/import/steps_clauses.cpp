@@ -249,6 +249,12 @@ void question(Rewriter& graph, int unknown) {
 void step_polarity(Meaning& meaning) {
   Rewriter graph(meaning, "polarity");
   for (int at = 0; at < graph.count(); ++at) {
+    // "Not ever" is one word.
+    const int time = has_attribute(graph.word(at), "@neg") ? graph.child(at, "time") : -1;
+    if (time >= 0 && graph.is(graph.arc(time).to, "ever")) {
+      graph.word(graph.arc(time).to).name = "never";
+      std::erase(graph.word(at).attributes, "@neg");
+    }
     if (const int led = graph.child(at, "polarity"); led >= 0 && is_unknown(graph, graph.arc(led).to)) {
       graph.settle_concept(graph.arc(led).to, Fate::attribute);
       graph.remove(led, Fate::attribute);
@@ -406,6 +412,9 @@ void step_control(Meaning& meaning) {
 
 void step_mentions(Meaning& meaning) {
   Rewriter graph(meaning, "mentions");
+  // What each arc led to before mentions became words of their own.
+  std::vector<int> meant;
+  for (const Arc& one : meaning.arcs) meant.push_back(one.to);
   const std::vector<int> first = first_arcs(graph);
   for (std::size_t i = 0, end = meaning.arcs.size(); i < end; ++i) {
     const int led = static_cast<int>(i);
@@ -418,7 +427,11 @@ void step_mentions(Meaning& meaning) {
       const int again = mention_of(graph, from);
       graph.replace(led, to, again, graph.arc(led).role);
     } else {
+      const int agent = graph.child(graph.arc(led).from, "ARG0");
+      const bool is_own =
+          agent >= 0 && agent != led && meant[static_cast<std::size_t>(agent)] == to && is_core(graph.arc(led));
       graph.arc(led).to = mention_of(graph, to);
+      if (is_own) attribute_add(graph.word(graph.arc(led).to), "@self");
     }
   }
 }

@@ -121,6 +121,15 @@ void step_quantities(Meaning& meaning) {
       }
     }
   }
+  // A number as :mod is a name, "chapter 2"; words that speak of several go with a plural.
+  constexpr std::array<std::string_view, 4> kSeveral{"all", "both", "these", "those"};
+  for (Arc& one : meaning.arcs) {
+    if (one.gone || one.inverse || one.role != "mod") continue;
+    const Concept& word = graph.word(one.to);
+    if (word.variable.empty() && is_number(word.name)) one.role = "number";
+    const bool is_several = std::find(kSeveral.begin(), kSeveral.end(), word.name) != kSeveral.end();
+    if (is_several && graph.word(one.from).sense.empty()) attribute_add(graph.word(one.from), "@pl");
+  }
   // Numbers other than one go with a plural, and words that say how many.
   constexpr std::array<std::string_view, 8> kMany{"many",    "few",      "several",     "multiple",
                                                   "various", "numerous", "amr-unknown", "umr-unknown"};

@@ -122,6 +122,9 @@ const StepRow kSteps[] = {
      "a0(want(>01).@entry.@v, boy); a1(want(>01), go(>02).@v); ctl(go(>02), boy)"},
     {"mentions", "mentions", "(l / lose-02 :ARG0 (b / boy) :ARG1 (k / key :poss b))",
      "a0(lose(>02).@entry.@v, boy:01); a1(lose(>02), key); pos(key, boy:02.@ref)"},
+    {"reflexive", "mentions", "(h / hide-01 :ARG0 (b / boy) :ARG1 b)", "a0(hide(>01).@entry.@v, boy:01); a1(hide(>01), boy:02.@ref.@self)"},
+    {"never", "polarity", "(s / sing-01 :polarity - :time (e / ever))", "tim(sing(>01).@entry.@v, never)"},
+    {"chapter", "quantities", "(c / chapter :mod 2)", "num(chapter.@entry, 2)"},
     {"relatives", "relatives", "(b / boy :ARG0-of (r / run-02))", "r0(boy.@entry, run(>02).@v)"},
     {"circle", "all", "(s / see-01 :ARG0 (b / boy :ARG0-of s))", "a0(see(>01).@entry.@v, boy:01); a0(see(>01), boy:02.@ref)"},
 };
