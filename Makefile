@@ -2,7 +2,7 @@
 MAKEFLAGS += --no-print-directory
 JOBS ?= $(shell nproc)
 
-.PHONY: help demo test check-all golden programs release debug bench fuzz coverage endurance format format-check lint layering docs screenshots install package clean setup
+.PHONY: help demo test check-all golden programs release debug bench bench-amr fuzz coverage endurance format format-check lint layering docs screenshots install package clean setup
 
 help:
 	@echo "make demo      build, make the example dictionaries, render the examples and show them"
@@ -11,6 +11,7 @@ help:
 	@echo "make golden    write the expected files of whole runs anew: read every line that changes"
 	@echo "make programs  the programs alone, in build/release/bin"
 	@echo "make bench     the benchmarks"
+	@echo "make bench-amr DATA=\"bank.txt ...\" English from a meaning bank, measured (FRAMES, FORMS, WORDNET: word sources)"
 	@echo "make fuzz      each fuzz target for TIME seconds (60; TARGETS=\"rules run\" for some of them)"
 	@echo "make coverage  which lines and branches of the core the tests reach"
 	@echo "make endurance RUNS (10000) runs in one process: memory and files must not grow"
@@ -59,6 +60,12 @@ bench: setup-bench
 	cmake --preset bench
 	cmake --build --preset bench --parallel $(JOBS)
 	@tools/bench build/bench/bin
+
+# DATA: PENMAN or UMR files. FRAMES, FORMS and WORDNET name what a dictionary is made of; see docs/import.md.
+bench-amr: release
+	@test -n "$(DATA)" || { echo "make bench-amr wants DATA=\"bank.txt ...\""; exit 2; }
+	@bench/amr/bench_amr.py build/release/bin $(DATA) $(if $(FRAMES),--frames $(FRAMES)) $(if $(FORMS),--forms $(FORMS)) \
+	  $(if $(WORDNET),--wordnet $(WORDNET)) $(if $(DICTIONARY),--dictionary $(DICTIONARY))
 
 TIME ?= 60
 fuzz: setup-fuzz

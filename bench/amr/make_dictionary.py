@@ -17,7 +17,7 @@ VOWEL = re.compile(r"(?!(uni|use|usu|uti|eu|one\b|once|ubi|ura))(?:[aeiou]|hour|
 PREPOSITIONS = set("about above across after against along among around as at before behind between by for from in into "
                    "like near of off on onto out over through to toward towards under upon with within without".split())
 STATE_FILES = {31, 37, 42}
-MASS_FILES = {7, 12, 27, 26, 19}
+MASS_FILES = {7, 12, 27, 26}
 
 
 def vowel(form):
@@ -220,8 +220,9 @@ class Writer:
         if lemma in self.sources.states:
             more = ",STATV" + more
         third = forms["S"]
+        ending = ",YS" if third.endswith("ies") else ",ES" if third.endswith("es") and not forms["BASE"].endswith("e") else ""
         for tag in ("BASE", "PAST", "PTCP", "ING"):
-            self.entry(forms[tag], concept, f"V,{tag}{more}")
+            self.entry(forms[tag], concept, f"V,{tag}{ending if tag == 'BASE' else ''}{more}")
         self.entry(third, concept, f"V,THIRD{more}")
 
     def noun(self, lemma, concept, more=""):
@@ -295,7 +296,8 @@ def patterns(roleset, sources, lemma):
                 introduced[kind]["NP"] += 1
     attributes = []
     is_alone = "0" not in roles and "1" in roles and subject["passive"] <= subject["active"]
-    if is_alone or subject["active"] > subject["passive"] + subject["agent"]:
+    is_often = subject["active"] >= 2 and subject["active"] > 2 * subject["passive"] and 2 * subject["active"] >= subject["agent"]
+    if is_alone or is_often:
         attributes.append("SA1")
     defaults = {"GOL": "to", "DIR": "from"}
     tags = {role.get("n").upper(): role.get("f", "") for role in roleset.iter("role")}
@@ -316,7 +318,7 @@ def patterns(roleset, sources, lemma):
             attributes.append(f"p{n}{best}")
         if n == "1" and best != "NP" and attributes and attributes[-1].startswith("p1"):
             # An object is a plain noun, unless the examples leave no doubt.
-            if 5 * counts[best] < 3 * sum(counts.values()):
+            if counts[best] < 2 or 10 * counts[best] < 7 * sum(counts.values()):
                 attributes.pop()
         elif best == "NP" and n == "2":
             attributes.append("NP2")

@@ -249,6 +249,12 @@ void question(Rewriter& graph, int unknown) {
 void step_polarity(Meaning& meaning) {
   Rewriter graph(meaning, "polarity");
   for (int at = 0; at < graph.count(); ++at) {
+    // "Not ever" is one word.
+    const int time = has_attribute(graph.word(at), "@neg") ? graph.child(at, "time") : -1;
+    if (time >= 0 && graph.is(graph.arc(time).to, "ever")) {
+      graph.word(graph.arc(time).to).name = "never";
+      std::erase(graph.word(at).attributes, "@neg");
+    }
     if (const int led = graph.child(at, "polarity"); led >= 0 && is_unknown(graph, graph.arc(led).to)) {
       graph.settle_concept(graph.arc(led).to, Fate::attribute);
       graph.remove(led, Fate::attribute);
@@ -275,9 +281,24 @@ void step_polarity(Meaning& meaning) {
   }
 }
 
+// (g / government-organization :ARG0-of (g2 / govern-01 :ARG1 c)): the government of c.
+static void government_apply(Rewriter& graph, int at) {
+  const int led = graph.child(at, "ARG0", true);
+  if (led < 0 || !graph.is(graph.arc(led).to, "govern", "01")) return;
+  const int frame = graph.arc(led).to;
+  graph.remove(led, Fate::word);
+  graph.settle_concept(frame, Fate::word);
+  graph.word(at).name = "government";
+  for (const int below : graph.children(frame)) {
+    if (graph.arc(below).role == "ARG1") graph.arc(below).role = "org";
+  }
+  graph.move_children(frame, at);
+}
+
 void step_persons(Meaning& meaning) {
   Rewriter graph(meaning, "persons");
   for (int at = 0; at < graph.count(); ++at) {
+    if (graph.is(at, "government-organization")) government_apply(graph, at);
     if (!graph.is(at, "person") || has_attribute(graph.word(at), "@name")) continue;
     const int led = graph.child(at, "ARG0", true);
     if (led < 0) continue;
@@ -391,6 +412,9 @@ void step_control(Meaning& meaning) {
 
 void step_mentions(Meaning& meaning) {
   Rewriter graph(meaning, "mentions");
+  // What each arc led to before mentions became words of their own.
+  std::vector<int> meant;
+  for (const Arc& one : meaning.arcs) meant.push_back(one.to);
   const std::vector<int> first = first_arcs(graph);
   for (std::size_t i = 0, end = meaning.arcs.size(); i < end; ++i) {
     const int led = static_cast<int>(i);
@@ -403,7 +427,11 @@ void step_mentions(Meaning& meaning) {
       const int again = mention_of(graph, from);
       graph.replace(led, to, again, graph.arc(led).role);
     } else {
+      const int agent = graph.child(graph.arc(led).from, "ARG0");
+      const bool is_own =
+          agent >= 0 && agent != led && meant[static_cast<std::size_t>(agent)] == to && is_core(graph.arc(led));
       graph.arc(led).to = mention_of(graph, to);
+      if (is_own) attribute_add(graph.word(graph.arc(led).to), "@self");
     }
   }
 }

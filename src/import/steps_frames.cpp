@@ -135,13 +135,22 @@ struct Office {
 constexpr Office kOffices[] = {
     {"have-org-role", "91", "ARG0", "ARG1", "ARG2", "org"},  {"have-org-role", "92", "ARG1", "ARG2", "ARG3", "org"},
     {"have-rel-role", "91", "ARG0", "ARG1", "ARG2", "poss"}, {"have-rel-role", "92", "ARG1", "ARG2", "ARG3", "poss"},
-    {"have-role", "91", "ARG1", "ARG3", "ARG2", "org"},
+    {"have-role", "91", "ARG1", "ARG2", "ARG3", "org"},
 };
 
 void office_apply(Rewriter& graph, int at, const Office& office) {
-  const int holds = graph.argument(at, office.holder);
-  const int whole = graph.argument(at, office.whole);
-  const int titled = graph.argument(at, office.title);
+  int holds = graph.argument(at, office.holder);
+  int whole = graph.argument(at, office.whole);
+  int titled = graph.argument(at, office.title);
+  // Annotators mix the two numberings: who holds it comes first, its name last.
+  if (holds < 0 || graph.argument(at, "ARG0") >= 0 || (titled < 0 && graph.argument(at, "ARG3") >= 0)) {
+    const bool from_zero = graph.argument(at, "ARG0") >= 0;
+    holds = graph.argument(at, from_zero ? "ARG0" : "ARG1");
+    whole = graph.argument(at, from_zero ? "ARG1" : "ARG2");
+    titled = graph.argument(at, from_zero ? "ARG2" : "ARG3");
+    if (from_zero && titled < 0) titled = graph.argument(at, "ARG3");
+  }
+  if (titled < 0 && std::string_view(office.name) == "have-role") std::swap(titled, whole);
   if (holds < 0) return;
   const int holder = graph.other(holds, at);
   const bool holder_above = graph.arc(holds).to == at;

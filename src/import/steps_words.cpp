@@ -121,13 +121,24 @@ void step_quantities(Meaning& meaning) {
       }
     }
   }
-  // Numbers other than one go with a plural.
+  // A number as :mod is a name, "chapter 2"; words that speak of several go with a plural.
+  constexpr std::array<std::string_view, 4> kSeveral{"all", "both", "these", "those"};
+  for (Arc& one : meaning.arcs) {
+    if (one.gone || one.inverse || one.role != "mod") continue;
+    const Concept& word = graph.word(one.to);
+    if (word.variable.empty() && is_number(word.name)) one.role = "number";
+    const bool is_several = std::find(kSeveral.begin(), kSeveral.end(), word.name) != kSeveral.end();
+    if (is_several && graph.word(one.from).sense.empty()) attribute_add(graph.word(one.from), "@pl");
+  }
+  // Numbers other than one go with a plural, and words that say how many.
+  constexpr std::array<std::string_view, 8> kMany{"many",    "few",      "several",     "multiple",
+                                                  "various", "numerous", "amr-unknown", "umr-unknown"};
   for (const Arc& one : meaning.arcs) {
     if (one.gone || one.inverse || one.role != "quant") continue;
     const Concept& number = graph.word(one.to);
     const bool is_plain = number.sense.empty() && is_number(number.name);
-    if (!is_plain) continue;
-    attribute_add(graph.word(one.from), number.name == "1" ? "@sg" : "@pl");
+    const bool is_many = std::find(kMany.begin(), kMany.end(), number.name) != kMany.end();
+    if (is_plain || is_many) attribute_add(graph.word(one.from), number.name == "1" ? "@sg" : "@pl");
   }
 }
 

@@ -22,8 +22,8 @@ struct Result {
   ImportFigures figures;
 };
 
-Result imported(const std::string& source, const std::set<std::string>& steps, SourceFormat format = SourceFormat::penman,
-                bool enhanced = false, const std::string& given = "") {
+Result imported(const std::string& source, const std::set<std::string>& steps, SourceFormat format = SourceFormat::penman, bool enhanced = false,
+                const std::string& given = "") {
   Result result;
   ImportOptions options;
   options.format = format;
@@ -76,8 +76,10 @@ const StepRow kSteps[] = {
     {"unknown_role", "", "(b / boy :Foobar (c / cat))", "foo(boy.@entry, cat)"},
     {"wiki", "wiki", "(b / boy :wiki \"X\" :mod (o / old))", "mod(boy.@entry, old)"},
     {"names", "names", "(p / person :name (n / name :op1 \"Ada\" :op2 \"King\"))", "Ada King.@entry.@name.@person"},
-    {"dates", "dates", "(b / begin-01 :time (d / date-entity :year 2001 :month 7 :day 5))", "tim(begin(>01).@entry.@v, month(>7).@date.@month); yr(month(>7), 2001); day(month(>7), 5)"},
-    {"quantity", "quantities", "(w / wait-01 :duration (t / temporal-quantity :quant 6 :unit (m / month)))", "dur(wait(>01).@entry.@v, month.@measure.@pl); qty(month, 6)"},
+    {"dates", "dates", "(b / begin-01 :time (d / date-entity :year 2001 :month 7 :day 5))",
+     "tim(begin(>01).@entry.@v, month(>7).@date.@month); yr(month(>7), 2001); day(month(>7), 5)"},
+    {"quantity", "quantities", "(w / wait-01 :duration (t / temporal-quantity :quant 6 :unit (m / month)))",
+     "dur(wait(>01).@entry.@v, month.@measure.@pl); qty(month, 6)"},
     {"ordinal", "quantities", "(d / day :ord (o / ordinal-entity :value 2))", "ord(day.@entry, 2(>ord).@ord)"},
     {"percent", "quantities", "(p / percentage-entity :value 20)", "qty(percent.@entry.@measure.@pl, 20)"},
     {"pronoun", "pronouns", "(g / go-02 :ARG0 (p / person :refer-person 3rd :refer-number plural))", "a0(go(>02).@entry.@v, they.@p3.@pl)"},
@@ -86,7 +88,8 @@ const StepRow kSteps[] = {
     {"cause_alone", "reified", "(c / cause-01 :ARG1 (s / stay-01))", "stay(>01).@entry.@v.@so_cause"},
     {"office", "office", "(p / person :ARG0-of (h / have-org-role-91 :ARG1 (c / club) :ARG2 (m / member)))", "org(member.@entry, club)"},
     {"office_stated", "office", "(h / have-rel-role-91 :ARG0 (s / she) :ARG1 (i / i) :ARG2 (f / friend))", "dom(friend.@entry, she); pos(friend, i)"},
-    {"degree", "degree", "(h / have-degree-91 :ARG1 (t / tree) :ARG2 (b / tall) :ARG3 (m / more) :ARG4 (h2 / house))", "dom(tall.@entry.@more, tree); cmp(tall, house)"},
+    {"degree", "degree", "(h / have-degree-91 :ARG1 (t / tree) :ARG2 (b / tall) :ARG3 (m / more) :ARG4 (h2 / house))",
+     "dom(tall.@entry.@more, tree); cmp(tall, house)"},
     {"degree_below", "degree", "(t / tree :ARG1-of (h / have-degree-91 :ARG2 (b / tall) :ARG3 (m / most)))", "mod(tree.@entry, tall.@most)"},
     {"possible", "modality", "(p / possible-01 :polarity - :ARG1 (g / go-02 :ARG0 (i / i)))", "a0(go(>02).@entry.@v.@can.@neg, i)"},
     {"obliged", "modality", "(o / obligate-01 :ARG1 (i / i) :ARG2 (g / go-02 :ARG0 i))", "a0(go(>02).@entry.@v.@must, i)"},
@@ -94,21 +97,34 @@ const StepRow kSteps[] = {
     {"asked_yes_or_no", "polarity", "(g / go-02 :ARG0 (y / you) :polarity (a / amr-unknown))", "a0(go(>02).@entry.@v.@int, you)"},
     {"whether", "polarity", "(a / ask-01 :ARG1 (t / truth-value :polarity-of (g / go-02)))", "a1(ask(>01).@entry.@v, go(>02).@v.@whether)"},
     {"agent", "persons", "(p / person :ARG0-of (d / drive-01) :mod (o / old))", "mod(drive(>01).@entry.@v.@agent, old)"},
-    {"agent_with_more_stays", "persons", "(p / person :ARG0-of (d / drive-01 :location (h / here)))", "a0(drive(>01).@v, person.@entry); loc(drive(>01), here)"},
+    {"government", "persons", "(g / government-organization :ARG0-of (g2 / govern-01 :ARG1 (c / country)))", "org(government.@entry, country)"},
+    {"how_many", "quantities", "(s / star :quant (m / many))", "qty(star.@entry.@pl, many)"},
+    {"agent_with_more_stays", "persons", "(p / person :ARG0-of (d / drive-01 :location (h / here)))",
+     "a0(drive(>01).@v, person.@entry); loc(drive(>01), here)"},
     {"identity", "reified", "(i / identity-91 :ARG1 (s / she) :ARG2 (m / mayor))", "dom(mayor.@entry, she)"},
     {"speaker", "speaker", "(s / say-01 :ARG0 (p / person) :ARG1 (g / go-02 :ARG0 p :quote s))", "a0(go(>02).@entry.@v, i)"},
     {"negated_by_frame", "modality", "(g / go-02 :ARG1-of (h / have-polarity-91 :ARG2 -))", "go(>02).@entry.@v.@neg"},
     {"but", "contrast", "(c / contrast-01 :ARG1 (g / go-02) :ARG2 (s / stay-01))", "cnj(go(>02).@entry.@v, stay(>01).@v.@but)"},
     {"but_begins", "contrast", "(c / contrast-01 :ARG2 (s / stay-01))", "stay(>01).@entry.@v.@lead_but"},
     {"and_three", "coordination", "(a / and :op1 (c / cat) :op2 (d / dog) :op3 (e / eel))", "cnj(cat.@entry, dog.@and); cnj(dog, eel.@and)"},
-    {"shared_subject", "coordination", "(a / and :op1 (g / go-02 :ARG0 (i / i)) :op2 (s / see-01 :ARG0 i))", "a0(go(>02).@entry.@v, i); cnj(go(>02), see(>01).@v.@and); shr(see(>01), i)"},
-    {"quoted", "quotation", "(s / say-01 :ARG0 (h / he) :ARG1 (g / go-02 :ARG0 (i / i)))", "a0(say(>01).@entry.@v, he); quo(say(>01), go(>02).@v.@quote); a0(go(>02), i)"},
-    {"reported", "quotation", "(s / say-01 :ARG0 (h / he) :ARG1 (g / go-02 :ARG0 (s2 / she)))", "a0(say(>01).@entry.@v, he); a1(say(>01), go(>02).@v); a0(go(>02), she)"},
-    {"wh_lifted", "questions", "(w / want-01 :ARG0 (y / you) :ARG1 (g / go-02 :ARG4 (a / amr-unknown)))", "a0(want(>01).@entry.@v.@ask, you); a1(want(>01), go(>02).@v); wh(want(>01), amr-unknown.@wh.@wh_ARG4)"},
+    {"shared_subject", "coordination", "(a / and :op1 (g / go-02 :ARG0 (i / i)) :op2 (s / see-01 :ARG0 i))",
+     "a0(go(>02).@entry.@v, i); cnj(go(>02), see(>01).@v.@and); shr(see(>01), i)"},
+    {"quoted", "quotation", "(s / say-01 :ARG0 (h / he) :ARG1 (g / go-02 :ARG0 (i / i)))",
+     "a0(say(>01).@entry.@v, he); quo(say(>01), go(>02).@v.@quote); a0(go(>02), i)"},
+    {"reported", "quotation", "(s / say-01 :ARG0 (h / he) :ARG1 (g / go-02 :ARG0 (s2 / she)))",
+     "a0(say(>01).@entry.@v, he); a1(say(>01), go(>02).@v); a0(go(>02), she)"},
+    {"wh_lifted", "questions", "(w / want-01 :ARG0 (y / you) :ARG1 (g / go-02 :ARG4 (a / amr-unknown)))",
+     "a0(want(>01).@entry.@v.@ask, you); a1(want(>01), go(>02).@v); wh(want(>01), amr-unknown.@wh.@wh_ARG4)"},
     {"wh_subject", "questions", "(g / go-02 :ARG0 (a / amr-unknown))", "a0(go(>02).@entry.@v.@asksub, amr-unknown.@wh.@wh_ARG0)"},
-    {"wh_reported", "questions", "(k / know-01 :ARG0 (i / i) :ARG1 (g / go-02 :time (a / amr-unknown)))", "a0(know(>01).@entry.@v, i); a1(know(>01), go(>02).@v.@asked); wh(go(>02), amr-unknown.@wh.@wh_time)"},
-    {"control", "control", "(w / want-01 :ARG0 (b / boy) :ARG1 (g / go-02 :ARG0 b))", "a0(want(>01).@entry.@v, boy); a1(want(>01), go(>02).@v); ctl(go(>02), boy)"},
-    {"mentions", "mentions", "(l / lose-02 :ARG0 (b / boy) :ARG1 (k / key :poss b))", "a0(lose(>02).@entry.@v, boy:01); a1(lose(>02), key); pos(key, boy:02.@ref)"},
+    {"wh_reported", "questions", "(k / know-01 :ARG0 (i / i) :ARG1 (g / go-02 :time (a / amr-unknown)))",
+     "a0(know(>01).@entry.@v, i); a1(know(>01), go(>02).@v.@asked); wh(go(>02), amr-unknown.@wh.@wh_time)"},
+    {"control", "control", "(w / want-01 :ARG0 (b / boy) :ARG1 (g / go-02 :ARG0 b))",
+     "a0(want(>01).@entry.@v, boy); a1(want(>01), go(>02).@v); ctl(go(>02), boy)"},
+    {"mentions", "mentions", "(l / lose-02 :ARG0 (b / boy) :ARG1 (k / key :poss b))",
+     "a0(lose(>02).@entry.@v, boy:01); a1(lose(>02), key); pos(key, boy:02.@ref)"},
+    {"reflexive", "mentions", "(h / hide-01 :ARG0 (b / boy) :ARG1 b)", "a0(hide(>01).@entry.@v, boy:01); a1(hide(>01), boy:02.@ref.@self)"},
+    {"never", "polarity", "(s / sing-01 :polarity - :time (e / ever))", "tim(sing(>01).@entry.@v, never)"},
+    {"chapter", "quantities", "(c / chapter :mod 2)", "num(chapter.@entry, 2)"},
     {"relatives", "relatives", "(b / boy :ARG0-of (r / run-02))", "r0(boy.@entry, run(>02).@v)"},
     {"circle", "all", "(s / see-01 :ARG0 (b / boy :ARG0-of s))", "a0(see(>01).@entry.@v, boy:01); a0(see(>01), boy:02.@ref)"},
 };
@@ -131,7 +147,8 @@ struct MistakeRow {
 };
 
 const MistakeRow kMistakes[] = {
-    {"not_closed", "(a / b\n  :ARG0 (c / d)\n\n# ::id next\n(e / f)\n", "bank.txt:3:1: error: the graph has 1 parentheses that are not closed; it is read as far as it goes\n", 2},
+    {"not_closed", "(a / b\n  :ARG0 (c / d)\n\n# ::id next\n(e / f)\n",
+     "bank.txt:3:1: error: the graph has 1 parentheses that are not closed; it is read as far as it goes\n", 2},
     {"not_closed_at_the_end", "(a / b :ARG0 (c / d", "bank.txt:1:1: error: the graph has 2 parentheses that are not closed; it is read as far as it goes\n", 1},
     {"role_without_target", "(a / b :ARG0 :ARG1 (c / d))\n", "bank.txt:1:8: error: the role :ARG0 has no target; it is left out\n", 1},
     {"defined_twice", "(a / b :ARG0 (a / c))\n", "bank.txt:1:15: error: the variable a is defined twice; the second one is read as another concept\n", 1},
@@ -139,7 +156,10 @@ const MistakeRow kMistakes[] = {
     {"loose_word", "(a / b c)\n", "bank.txt:1:8: error: a role or \")\" is missing in front of \"c\"\n", 1},
     {"loose_line", "hello\n(a / b)\n", "bank.txt:1:1: error: neither a comment nor a graph: \"hello\"\n", 1},
     {"empty", "", "", 0},
-    {"only_a_parenthesis", "(", "bank.txt:1:1: error: a variable is missing behind \"(\"\nbank.txt:1:1: error: the variable _0 has no concept; write \"(_0 / concept\"\nbank.txt:1:1: error: the graph has 1 parentheses that are not closed; it is read as far as it goes\n", 1},
+    {"only_a_parenthesis", "(",
+     "bank.txt:1:1: error: a variable is missing behind \"(\"\nbank.txt:1:1: error: the variable _0 has no concept; write \"(_0 / concept\"\nbank.txt:1:1: "
+     "error: the graph has 1 parentheses that are not closed; it is read as far as it goes\n",
+     1},
 };
 
 TEST(Import, MistakesAreToldAndTheRestGoesOn) {
@@ -153,8 +173,8 @@ TEST(Import, MistakesAreToldAndTheRestGoesOn) {
 }
 
 TEST(Import, LabelsReferencesAndAttributes) {
-  const Result result = imported("# ::id x.1 ::date 2012\n# ::snt Dogs ran .\n(r / run-02 :ARG0 (d / dog))\n\n(c / cat)\n", {},
-                                 SourceFormat::penman, false, "x.1 d @pl @def\nx.1 zz @pl\n");
+  const Result result = imported("# ::id x.1 ::date 2012\n# ::snt Dogs ran .\n(r / run-02 :ARG0 (d / dog))\n\n(c / cat)\n", {}, SourceFormat::penman, false,
+                                 "x.1 d @pl @def\nx.1 zz @pl\n");
   EXPECT_EQ(result.graphs, "[S:x.1]\n; Dogs ran .\na0(run(>02).@entry.@v, dog.@pl.@def)\n[/S]\n\n[S:bank.2]\n[W]\ncat.@entry\n[/W]\n[/S]\n\n");
   EXPECT_EQ(result.gold, "x.1\tDogs ran .\n");
   EXPECT_EQ(result.messages, "bank.txt:3:1: error: the table of attributes names the node zz (line 2), which x.1 lacks\n");
@@ -163,7 +183,8 @@ TEST(Import, LabelsReferencesAndAttributes) {
 TEST(Import, UmrFileWithTimes) {
   const Result result = imported(
       "# :: snt7\nIndex: 1\nWords: It ran .\n\n# sentence level graph:\n(s7r / run-02 :aspect performance\n  :theme (s7i / it))\n\n"
-      "# alignment:\ns7r: 1-1\n\n# document level annotation:\n(s7s0 / sentence\n  :temporal ((document-creation-time :before s7r)))\n", {});
+      "# alignment:\ns7r: 1-1\n\n# document level annotation:\n(s7s0 / sentence\n  :temporal ((document-creation-time :before s7r)))\n",
+      {});
   EXPECT_EQ(result.graphs, "[S:bank.snt7]\n; It ran .\na1(run(>02).@entry.@v.@past.@done, it)\n[/S]\n\n");
   EXPECT_EQ(result.messages, "");
 }
@@ -187,11 +208,16 @@ struct TreeRow {
 };
 
 const TreeRow kTrees[] = {
-    {"basic", false, "1\tDogs\tdog\tNOUN\t_\tNumber=Plur\t2\tnsubj\t_\t_\n2\trun\trun\tVERB\t_\tTense=Pres|Foo=Bar\t0\troot\t_\t_\n", "agn(run.@entry.@verb.@pres, dog.@noun.@pl)", ""},
+    {"basic", false, "1\tDogs\tdog\tNOUN\t_\tNumber=Plur\t2\tnsubj\t_\t_\n2\trun\trun\tVERB\t_\tTense=Pres|Foo=Bar\t0\troot\t_\t_\n",
+     "agn(run.@entry.@verb.@pres, dog.@noun.@pl)", ""},
     {"subtype_cut", false, "1\ta\ta\t_\t_\t_\t2\tobl:in\t_\t_\n2\tb\tb\t_\t_\t_\t0\troot\t_\t_\n", "obl(b.@entry, a)", ""},
-    {"enhanced", true, "1\tHe\the\t_\t_\t_\t2\tnsubj\t2:nsubj|3:nsubj\t_\n2\tcame\tcome\t_\t_\t_\t0\troot\t0:root\t_\n3\tsaw\tsee\t_\t_\t_\t2\tconj\t2:conj:and\t_\n", "agn(come.@entry, he); agn(see, he); cnj(come, see)", ""},
-    {"columns", false, "1 Dogs dog\n2\trun\trun\t_\t_\t_\t0\troot\t_\t_\n", "run.@entry", "bank.txt:1:1: error: a word has 10 columns with tabs between them, this line has 1; it is left out\n"},
-    {"no_head", false, "1\ta\ta\t_\t_\t_\t7\tobj\t_\t_\n", "a.@entry", "bank.txt:1:1: error: the head 7 of a is no word of the sentence\nbank.txt:1:1: error: no word has the head 0; the first one begins the sentence\n"},
+    {"enhanced", true,
+     "1\tHe\the\t_\t_\t_\t2\tnsubj\t2:nsubj|3:nsubj\t_\n2\tcame\tcome\t_\t_\t_\t0\troot\t0:root\t_\n3\tsaw\tsee\t_\t_\t_\t2\tconj\t2:conj:and\t_\n",
+     "agn(come.@entry, he); agn(see, he); cnj(come, see)", ""},
+    {"columns", false, "1 Dogs dog\n2\trun\trun\t_\t_\t_\t0\troot\t_\t_\n", "run.@entry",
+     "bank.txt:1:1: error: a word has 10 columns with tabs between them, this line has 1; it is left out\n"},
+    {"no_head", false, "1\ta\ta\t_\t_\t_\t7\tobj\t_\t_\n", "a.@entry",
+     "bank.txt:1:1: error: the head 7 of a is no word of the sentence\nbank.txt:1:1: error: no word has the head 0; the first one begins the sentence\n"},
 };
 
 TEST(Import, DependencyTrees) {

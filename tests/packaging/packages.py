@@ -20,10 +20,11 @@ ROOT = pathlib.Path(__file__).resolve().parents[2]
 EMBEDDING = ROOT / "examples" / "embedding"
 # Debian's interpreter: the module of the build is for no other.
 PYTHON = "/usr/bin/python3"
-PROGRAMS = {"usr/bin/lexon", "usr/bin/lexon-dict", "usr/bin/lexon-lab"}
+PROGRAMS = {"usr/bin/lexon", "usr/bin/lexon-dict", "usr/bin/lexon-import", "usr/bin/lexon-lab"}
 MANUAL = {f"usr/share/man/man{page[-1]}/{page}.gz"
-          for page in ("lexon.1", "lexon-dict.1", "lexon-rules.5", "lexon-graph.5", "lexon-dictionary.5")}
-COMPLETIONS = {f"usr/share/{place}" for program in ("lexon", "lexon-dict", "lexon-lab")
+          for page in ("lexon.1", "lexon-dict.1", "lexon-import.1", "lexon-rules.5", "lexon-graph.5",
+                       "lexon-dictionary.5")}
+COMPLETIONS = {f"usr/share/{place}" for program in ("lexon", "lexon-dict", "lexon-import", "lexon-lab")
                for place in (f"bash-completion/completions/{program}", f"zsh/vendor-completions/_{program}",
                              f"fish/vendor_completions.d/{program}.fish")}
 PAPERS = {f"usr/share/doc/lexon/{name}"

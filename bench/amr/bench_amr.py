@@ -1,0 +1,131 @@
+#!/usr/bin/env python3
+"""Measures examples/amr-english on a meaning bank: `make bench-amr DATA="bank.txt ..."`.
+
+    bench_amr.py PROGRAMS DATA ... [--dictionary words.dic | --frames F --forms F --wordnet F] [--compare OUT]
+
+DATA are PENMAN files with `::snt`, or UMR files with `Words:`. Without a dictionary or sources for one, the entries of
+the example are used alone. It tells the share of sentences that were rendered, BLEU-4 (one reference, lower-cased, 13a
+tokens) for all and by length of the reference, once with the steps for direct speech and once without, the relations
+that went unsaid, the words that no dictionary knew, and the time."""
+import argparse
+import collections
+import math
+import pathlib
+import re
+import subprocess
+import sys
+import tempfile
+import time
+
+HERE = pathlib.Path(__file__).resolve().parent
+EXAMPLE = HERE.parents[1] / "examples" / "amr-english"
+
+
+def tokens(text):
+    """The tokenization that is called 13a: punctuation apart, but not inside numbers."""
+    text = f" {text.lower()} "
+    text = re.sub(r"([{-~\[-` -&(-+:-@/])", r" \1 ", text)
+    text = re.sub(r"([^0-9])([.,])", r"\1 \2 ", text)
+    text = re.sub(r"([.,])([^0-9])", r" \1 \2", text)
+    return re.sub(r"([0-9])(-)", r"\1 \2 ", text).split()
+
+
+def bleu(pairs):
+    """BLEU-4 of a corpus of (sentence, reference), 0 to 100; no smoothing."""
+    hits, totals, said, wanted = [0] * 4, [0] * 4, 0, 0
+    for sentence, reference in pairs:
+        sentence, reference = tokens(sentence), tokens(reference)
+        said, wanted = said + len(sentence), wanted + len(reference)
+        for n in range(4):
+            grams = [collections.Counter(zip(*(words[i:] for i in range(n + 1)))) for words in (sentence, reference)]
+            totals[n] += sum(grams[0].values())
+            hits[n] += sum((grams[0] & grams[1]).values())
+    if not said or 0 in hits:
+        return 0.0
+    brevity = min(0.0, 1 - wanted / said)
+    return 100 * math.exp(brevity + sum(math.log(h / t) for h, t in zip(hits, totals)) / 4)
+
+
+def run(*command):
+    return subprocess.run([str(part) for part in command], capture_output=True, text=True, errors="replace")
+
+
+def sentences(path):
+    """Label, text, status, unsaid relations and unknown words of an output of trace level 1."""
+    found, label, section = {}, None, ""
+    for line in path.read_text(encoding="utf-8", errors="replace").splitlines():
+        if line.startswith("[S:"):
+            label, section = line[3:].rstrip("]"), ""
+            found[label] = {"text": "", "status": "", "unsaid": 0, "unknown": []}
+        elif label is None:
+            continue
+        elif line.startswith("="):
+            section = "words" if "WORD LISTS" in line else "graph" if " SEM " in line else ""
+        elif section == "words" and re.search(r'\((\S*,)?TEMP\) <', line):
+            found[label]["unknown"].append(line[1:line.index("]")])
+        elif line.startswith(";;"):
+            if line.startswith((";;Done", ";;Failed", ";;Time Over")):
+                found[label]["status"] = line[2:]
+        elif not section:
+            unsaid = re.findall(r">[a-z][a-z0-9]{0,2}(?=[> .,?!]|$)", line)
+            found[label]["unsaid"] += len(unsaid)
+            found[label]["text"] += re.sub(r"(?<=\S)(>[a-z][a-z0-9]{0,2})+(?=[ .,?!]|$)", "", line)
+    return found
+
+
+def measure(name, programs, data, dictionary, work, flags):
+    graphs, gold, out = work / "graphs.txt", work / "gold.txt", work / "out.txt"
+    imported = run(programs / "lexon-import", *data, "-o", graphs, "--gold", gold, *flags)
+    references = dict(line.split("\t", 1) for line in gold.read_text(encoding="utf-8").splitlines())
+    begin = time.time()
+    run(programs / "lexon", dictionary, work / "rules.txt", graphs, out, "-L1", "-N0", "-T10", "--quiet")
+    took = time.time() - begin
+    found = sentences(out)
+    pairs = [(found[label]["text"], text, label) for label, text in references.items() if label in found]
+    rendered = sum(found[label]["status"].startswith("Done") and bool(found[label]["text"]) for _, _, label in pairs)
+    print(f"{name}: {len(pairs)} sentences, rendered {100 * rendered / max(1, len(pairs)):.1f} %, "
+          f"BLEU-4 {bleu([(s, r) for s, r, _ in pairs]):.2f}, {took:.1f} s")
+    for low, high in ((1, 10), (11, 20), (21, 40), (41, 1000)):
+        part = [(s, r) for s, r, _ in pairs if low <= len(r.split()) <= high]
+        if part:
+            print(f"  references of {low} to {high} words: {len(part)}, BLEU-4 {bleu(part):.2f}")
+    print(f"  relations unsaid: {sum(one['unsaid'] for one in found.values())}")
+    unknown = collections.Counter(word for one in found.values() for word in one["unknown"])
+    print(f"  words without an entry: {sum(unknown.values())}, " + ", ".join(f"{w} {n}" for w, n in unknown.most_common(12)))
+    return imported.stderr, pairs
+
+
+def main():
+    parser = argparse.ArgumentParser(description=__doc__, formatter_class=argparse.RawDescriptionHelpFormatter)
+    parser.add_argument("programs", type=pathlib.Path)
+    parser.add_argument("data", nargs="+")
+    parser.add_argument("--dictionary", type=pathlib.Path)
+    for source in ("frames", "forms", "wordnet"):
+        parser.add_argument("--" + source)
+    parser.add_argument("--compare", type=pathlib.Path, help="write label, reference and sentence there")
+    arguments = parser.parse_args()
+    with tempfile.TemporaryDirectory(prefix="lexon-bench-") as name:
+        work = pathlib.Path(name)
+        (work / "rules.txt").write_text((EXAMPLE / "rules.txt").read_text())
+        dictionary = arguments.dictionary
+        if dictionary is None:
+            dictionary, entries = work / "words.dic", work / "entries.txt"
+            own = [option for file in ("words.txt", "literals.txt") for option in ("--own", EXAMPLE / file)]
+            if arguments.frames or arguments.forms or arguments.wordnet:
+                given = [part for source in ("frames", "forms", "wordnet") if getattr(arguments, source)
+                         for part in ("--" + source, getattr(arguments, source))]
+                made = run(sys.executable, HERE / "make_dictionary.py", *own, *given, "-o", entries)
+                print(made.stdout.strip() or made.stderr.strip())
+            else:
+                files = ("words.txt", "literals.txt", "entries.txt")
+                entries.write_text("".join((EXAMPLE / file).read_text(encoding="utf-8") for file in files))
+            run(arguments.programs / "lexon-dict", "build", "--skip-bad", entries, dictionary)
+        told, pairs = measure("all steps", arguments.programs, arguments.data, dictionary, work, [])
+        measure("without direct speech", arguments.programs, arguments.data, dictionary, work, ["--no-quotation"])
+        print(told.strip())
+        if arguments.compare:
+            arguments.compare.write_text("".join(f"{label}\n R {reference}\n O {said}\n" for said, reference, label in pairs))
+
+
+if __name__ == "__main__":
+    main()

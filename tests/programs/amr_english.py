@@ -1,0 +1,29 @@
+#!/usr/bin/env python3
+"""examples/amr-english: what lexon-import and the grammar make of its graphs reads as written; the files that make-rules
+writes are up to date; a walk takes no step back."""
+import pathlib
+import sys
+
+import _table as table
+
+SOURCE = table.ROOT / "examples" / "amr-english"
+
+with table.folder() as name:
+    here = pathlib.Path(name)
+    made = table.run(sys.executable, SOURCE / "make-rules", table.ROOT / "src/import/roles.tsv", here / "literals.txt")
+    table.check("rules.txt is what make-rules writes", made.stdout == table.text(SOURCE / "rules.txt"), True)
+    table.check("literals.txt is what make-rules writes", table.text(here / "literals.txt"), table.text(SOURCE / "literals.txt"))
+    (here / "all.txt").write_text("".join(table.text(SOURCE / file) for file in ("words.txt", "literals.txt", "entries.txt")))
+    (here / "rules.txt").write_text(table.text(SOURCE / "rules.txt"))
+    table.check("the dictionary", table.run("lexon-dict", "build", "all.txt", "words.dic", folder=here).stderr, "")
+    table.check("the graphs", table.run("lexon-import", SOURCE / "graphs.txt", "-q", "-o", "graphs.txt", "--gold", "gold.txt",
+                                        folder=here).stderr, "")
+    output = table.output(["words.dic", "rules.txt", "graphs.txt", "out.txt", "-L3", "-N0", "--quiet"], here)
+    table.check("no step back", output.count("BACKTRACK"), 0)
+    output = table.output(["words.dic", "rules.txt", "graphs.txt", "out.txt", "-L0", "-N0", "--quiet"], here)
+    said, label = "", ""
+    for line in output.splitlines():
+        label = line[3:-1] if line.startswith("[S:") else label
+        said += "" if line.startswith(("[S:", ";;")) else f"{label}\t{line}\n"
+    table.check("the sentences", said, table.text(here / "gold.txt"))
+table.finish()
