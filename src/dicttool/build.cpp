@@ -38,6 +38,7 @@
 #include <filesystem>
 #include <memory>
 #include <string_view>
+#include <unordered_map>
 #include <utility>
 
 #include "data/platform.hpp"
@@ -53,6 +54,8 @@ namespace {
 
 namespace fs = std::filesystem;
 
+constexpr std::ptrdiff_t kLineNumberSize = 4;
+constexpr std::size_t kMaxRepeated = 100;   // more are counted alone
 constexpr std::int64_t kMaxBadLines = 100;  // more are not reported by a build that fails anyway
 constexpr std::int64_t kMaxRecordBytes = std::int64_t{kMaxBlockNumber - 1} * std::int64_t{kMaxRecordSize};
 
@@ -69,6 +72,7 @@ struct Build {
   std::string index_name;
   std::size_t name_size = kShortNameSize;
   KeyPlan keys = {};
+  Bytes item = {};  // a record on its way into the sort or out of it
   PartFile dictionary = {};
   PartFile index = {};
   BlockFile dictionary_blocks = {};
@@ -177,7 +181,11 @@ bool take_record(Build& build, const EntryText& text, ItemSorter& records, std::
   ++build.figures.entries;
   bytes += static_cast<std::int64_t>(text.record().size());
   if (bytes > kMaxRecordBytes) return report(build, PackResult::too_many_blocks, build.dictionary_blocks);
-  return records.add(text.record()) || fail_sorting(build);
+  // The number of its line goes with the record until all are in order.
+  build.item = text.record();
+  append_u32(build.item, static_cast<std::uint32_t>(text.line_number()));
+  store_u16(build.item.data(), static_cast<std::uint32_t>(build.item.size()));
+  return records.add(build.item) || fail_sorting(build);
 }
 
 bool refuse_bad_lines(const Build& build) {
@@ -216,14 +224,55 @@ bool write_tree(Build& build, int key_field, std::vector<ChainStart> chains) {
   return report(build, result, build.index_blocks);
 }
 
+// Finds entries that are the same among those of one surface form, which come one after the other.
+class RepeatedEntries {
+ public:
+  void take(ByteView record, std::uint32_t line) {
+    const std::string_view hw = item_key(record);
+    if (hw != hw_) {
+      lines_.clear();
+      hw_ = hw;
+    }
+    ByteHash hash;
+    hash.add(record.data(), record.size());
+    const auto [first, is_new] = lines_.emplace(hash.value(), line);
+    if (!is_new) found_.emplace_back(line, first->second);
+  }
+
+  void tell(const Build& build) {
+    std::sort(found_.begin(), found_.end());
+    build.figures.repeated = static_cast<std::int64_t>(found_.size());
+    const char* const path = build.options.entries.c_str();
+    for (std::size_t i = 0; i < std::min(found_.size(), kMaxRepeated); ++i) {
+      std::fprintf(build.log,
+                   "%s:%u: warning: this entry is that of line %u: strike one out, or the word is tried twice\n", path,
+                   found_[i].first, found_[i].second);
+    }
+    if (found_.size() <= kMaxRepeated) return;
+    std::fprintf(build.log, "%s: warning: %zu more entries are repeated\n", path, found_.size() - kMaxRepeated);
+  }
+
+ private:
+  std::string hw_;
+  std::unordered_map<std::uint64_t, std::uint32_t> lines_;      // of entries, by their hashes
+  std::vector<std::pair<std::uint32_t, std::uint32_t>> found_;  // the line of an entry, and of the one before
+};
+
 bool write_records(Build& build, ItemSorter& records) {
   if (!records.start_reading()) return fail_sorting(build);
   std::vector<ChainStart> chains;
   BlockPacker packer(build.dictionary_blocks, dict_layout(kDataBlock), LongRun::many_chains, chains);
-  for (ByteView record = records.next(); !record.empty(); record = records.next()) {
+  RepeatedEntries repeated;
+  for (ByteView item = records.next(); !item.empty(); item = records.next()) {
+    Bytes& record = build.item;
+    record.assign(item.begin(), item.end() - kLineNumberSize);
+    store_u16(record.data(), static_cast<std::uint32_t>(record.size()));
+    const std::uint32_t line = load_u32(item.data() + record.size());
+    repeated.take(record, line);
     const PackResult result = packer.add(item_key(record), record);
     if (result != PackResult::ok) return report(build, result, build.dictionary_blocks);
   }
+  repeated.tell(build);
   if (records.failed()) return fail_sorting(build);
   return report(build, packer.finish(), build.dictionary_blocks) && write_tree(build, kKeyHw, std::move(chains));
 }

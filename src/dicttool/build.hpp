@@ -24,13 +24,14 @@ struct BuildOptions {
 struct BuildFigures {
   std::int64_t entries = 0;
   std::int64_t bad_lines = 0;
+  std::int64_t repeated = 0;            // entries that are the same, in all their parts, as one before
   std::uint32_t dictionary_blocks = 0;  // the header included
   std::uint32_t index_blocks = 0;
   std::string index;  // path of the index file
 };
 
 // Builds both files without names, and puts them in place with their stamp (dict/pair_stamp.hpp) when they are whole
-// and on the disk. Bad lines go to `log` as FILE:LINE with the reason, and so does what else went wrong. An index that
+// and on the disk. Bad lines and repeated entries go to `log` as FILE:LINE with the reason, and so does what else went wrong. An index that
 // belongs to another dictionary is refused unless `force` is set. False on failure: then the old pair stands, or, where
 // only one of the two could be replaced, the stamp keeps every opening from using them.
 [[nodiscard]] bool dictionary_build(Session& session, const BuildOptions& options, std::FILE* log,

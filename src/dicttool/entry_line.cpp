@@ -100,8 +100,7 @@ bool reads_back(Session& session, const std::string& line, const RecordView& rec
   const bool is_line = line.find('\n') == line.size() - 1 && !line.ends_with("\r\n") && line.size() <= kMaxEntryLine &&
                        line.find('\0') == std::string::npos;
   WordEntry* word = nullptr;
-  if (!is_line || parse_entry(session, line.c_str(), word, EntryStorage::sentence_pool) != Status::ok)
-    return false;
+  if (!is_line || parse_entry(session, line.c_str(), word, EntryStorage::sentence_pool) != Status::ok) return false;
   const bool is_same = record_of(*word) == record;
   parsed_entry_free(session, word, EntryStorage::sentence_pool);
   return is_same;

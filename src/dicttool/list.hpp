@@ -1,4 +1,4 @@
-// Listing a finished dictionary and asking it.
+// Listing a finished dictionary.
 #pragma once
 
 #include <cstdio>
@@ -11,11 +11,5 @@ struct Session;
 // Writes every record as a line of entry text, in the order of the file; built again, the text gives the same bytes.
 // False, with messages in `log`, if something cannot be read or has no text form; the rest is written all the same.
 [[nodiscard]] bool dictionary_list(Session& session, const std::string& path, std::FILE* out, std::FILE* log);
-
-enum class FindResult { found, nothing, failed };
-
-// Writes the words with this key as entry text, in the order in which a generator tries them.
-[[nodiscard]] FindResult dictionary_find(Session& session, const std::string& path, int key_field,
-                                         const std::string& key, std::FILE* out, std::FILE* log);
 
 }  // namespace lexon

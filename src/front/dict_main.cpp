@@ -2,8 +2,10 @@
 
 #include <CLI/CLI.hpp>
 
+#include <cerrno>
 #include <cstdint>
 #include <cstdio>
+#include <cstring>
 #include <exception>
 #include <memory>
 #include <new>
@@ -11,24 +13,29 @@
 #include <string>
 #include <vector>
 
+#include "data/platform.hpp"
 #include "data/session.hpp"
 #include "dicttool/build.hpp"
 #include "dicttool/check.hpp"
+#include "dicttool/find.hpp"
 #include "dicttool/list.hpp"
+#include "dicttool/paradigm.hpp"
 #include "dicttool/record_view.hpp"
+#include "dicttool/word_import.hpp"
 #include "front/process.hpp"
 
 namespace {
 
 using namespace lexon;
 
-// Exit statuses: done; failed, damaged or nothing found; a wrong command line; standard output not written whole.
+// Exit statuses: done; failed, damaged, nothing found, or bad lines in a word list, of which the rest is written; a wrong command line; standard output not written whole.
 constexpr int kDone = 0;
 constexpr int kFailed = 1;
 constexpr int kUsage = 2;
 constexpr int kOutputShort = 4;
 
-constexpr const char* kAbout = R"(Builds, lists, searches and checks the dictionaries of lexon.
+constexpr const char* kAbout = R"(Builds, lists, searches and checks the dictionaries of lexon, and makes their text
+of word lists and of stems.
 
 An entry stands on one line:
   [HW]{ID} GLOSS "CW" (ATTRIBUTES) <LANGUAGE,FREQUENCY,PRIORITY>;
@@ -38,8 +45,13 @@ with ";" are comments.)";
 struct Arguments {
   BuildOptions build;
   std::string dictionary;
-  std::string hw;
-  std::string cw;
+  FindQuery find;
+  std::string field = "hw";
+  WordImport import;
+  std::string format;
+  bool shows_table = false;
+  Inflection inflection;
+  std::string output = "-";  // of entry text
   std::vector<std::string> keys;
   unsigned memory_mib = 192;
 };
@@ -79,6 +91,7 @@ int run_build(Session& session, Arguments& arguments, const Streams& to) {
   std::fprintf(to.out, "%s in %s (%u blocks), index in %s (%u blocks)",
                counted(figures.entries, "entry", "entries").c_str(), options.dictionary.c_str(),
                figures.dictionary_blocks, figures.index.c_str(), figures.index_blocks);
+  if (figures.repeated != 0) std::fprintf(to.out, ", %lld repeated", static_cast<long long>(figures.repeated));
   if (figures.bad_lines != 0) {
     std::fprintf(to.out, ", %s left out", counted(figures.bad_lines, "bad line", "bad lines").c_str());
   }
@@ -90,12 +103,81 @@ int run_list(Session& session, const Arguments& arguments, const Streams& to) {
   return dictionary_list(session, arguments.dictionary, to.out, to.log) ? kDone : kFailed;
 }
 
-int run_find(Session& session, const Arguments& arguments, bool by_hw, const Streams& to) {
-  const std::string& key = by_hw ? arguments.hw : arguments.cw;
-  const FindResult result =
-      dictionary_find(session, arguments.dictionary, by_hw ? kKeyHw : kKeyCw, key, to.out, to.log);
+int run_find(Session& session, Arguments& arguments, const Streams& to) {
+  FindQuery& query = arguments.find;
+  for (int field = kKeyHw; field <= kSlotCount; ++field) {
+    if (key_bit(arguments.field) == 1U << field) query.field = field;
+  }
+  const FindResult result = dictionary_find(session, arguments.dictionary, query, to.out, to.log);
   if (result == FindResult::nothing) std::fprintf(to.log, "nothing is found\n");
   return result == FindResult::found ? kDone : kFailed;
+}
+
+// Entry text that is made of something else: a file in the making, or standard output.
+class EntryTarget {
+ public:
+  EntryTarget(const std::string& path, const Streams& to) : path_(path), to_(to) {}
+
+  // Null if it cannot be made, which has been told.
+  std::FILE* open() {
+    if (path_ == "-") return to_.out;
+    if (draft_.open_beside(path_)) return draft_.stream();
+    std::fprintf(to_.log, "%s: cannot be created: %s\n", path_.c_str(), std::strerror(errno));
+    return nullptr;
+  }
+
+  [[nodiscard]] bool finish() {
+    if (path_ == "-" || draft_.put_in_place(path_)) return true;
+    std::fprintf(to_.log, "%s: cannot be written\n", path_.c_str());
+    return false;
+  }
+
+ private:
+  const std::string& path_;
+  const Streams& to_;
+  DraftFile draft_;
+};
+
+int run_import(Session& session, Arguments& arguments, const Streams& to) {
+  WordImport& options = arguments.import;
+  for (const WordFormat format :
+       {WordFormat::unimorph, WordFormat::lttoolbox, WordFormat::conllu, WordFormat::wordnet}) {
+    if (arguments.format == word_format_name(format)) options.format = format;
+  }
+  if (arguments.shows_table) {
+    const std::string_view table = shipped_table(options.format);
+    std::fwrite(table.data(), 1, table.size(), to.out);
+    return kDone;
+  }
+  if (options.inputs.empty()) {
+    std::fprintf(to.log, "no list is named: write it behind the options, - for standard input\n");
+    return kUsage;
+  }
+  EntryTarget target(arguments.output, to);
+  std::FILE* out = target.open();
+  WordImportFigures figures;
+  if (out == nullptr || !words_import(session, options, out, to.log, figures) || !target.finish()) return kFailed;
+  std::fprintf(to.log, "%s", counted(figures.entries, "entry", "entries").c_str());
+  if (figures.repeated != 0) std::fprintf(to.log, ", %lld repeated", static_cast<long long>(figures.repeated));
+  if (figures.left_out != 0) std::fprintf(to.log, ", %s left out", counted(figures.left_out, "word", "words").c_str());
+  if (figures.bad_lines != 0) std::fprintf(to.log, ", %s", counted(figures.bad_lines, "bad line", "bad lines").c_str());
+  std::fprintf(to.log, "\n");
+  return figures.bad_lines == 0 ? kDone : kFailed;
+}
+
+int run_inflect(Session& session, Arguments& arguments, const Streams& to) {
+  EntryTarget target(arguments.output, to);
+  std::FILE* out = target.open();
+  InflectionFigures figures;
+  if (out == nullptr || !stems_inflect(session, arguments.inflection, out, to.log, figures) || !target.finish()) {
+    return kFailed;
+  }
+  std::fprintf(to.log, "%s of %s", counted(figures.entries, "entry", "entries").c_str(),
+               counted(figures.stems, "stem", "stems").c_str());
+  if (figures.repeated != 0) std::fprintf(to.log, ", %lld repeated", static_cast<long long>(figures.repeated));
+  if (figures.bad_lines != 0) std::fprintf(to.log, ", %s", counted(figures.bad_lines, "bad line", "bad lines").c_str());
+  std::fprintf(to.log, "\n");
+  return figures.bad_lines == 0 ? kDone : kFailed;
 }
 
 int run_check(Session& session, const Arguments& arguments, const Streams& to) {
@@ -139,6 +221,63 @@ CLI::App* add_with_dictionary(CLI::App& app, const char* name, const char* what,
   return command;
 }
 
+CLI::App* add_find(CLI::App& app, Arguments& arguments) {
+  CLI::App* command = add_with_dictionary(app, "find", "Write the entries for which all of these hold", arguments);
+  FindQuery& query = arguments.find;
+  CLI::Option_group* conditions = command->add_option_group("conditions");
+  const CLI::Option* hw = conditions->add_option("--hw", query.hw, "The whole surface form");
+  const CLI::Option* cw = conditions->add_option("--cw", query.cw, "The whole concept word");
+  command->callback([&query, hw, cw] {
+    query.wants_hw = hw->count() != 0;
+    query.wants_cw = cw->count() != 0;
+  });
+  // One value each: an attribute or a pattern may look like anything.
+  const auto one = [](CLI::Option* option) {
+    option->expected(1)->multi_option_policy(CLI::MultiOptionPolicy::TakeAll);
+  };
+  one(conditions->add_option("--attr", query.attributes, "An attribute that they have; with ^ in front: have not"));
+  one(conditions->add_option("--prefix", query.prefixes, "How the field begins"));
+  one(conditions->add_option("--glob", query.globs, "All of the field: * any text, ? a character, [a-z] one of them"));
+  one(conditions->add_option("--regex", query.regexes, "A part of the field, as an ECMAScript regular expression"));
+  conditions->require_option(1, 0);
+  command->add_option("--in", arguments.field, "The field that prefix, glob and regex are about")
+      ->check(is_key_name())
+      ->capture_default_str();
+  command->add_option("--limit", query.limit, "Entries to write; 0: all")->check(CLI::NonNegativeNumber);
+  command->add_flag("--count", query.count_only, "Write only how many there are");
+  return command;
+}
+
+void add_entry_form(CLI::App& command, Arguments& arguments, EntryForm& form) {
+  command.add_option("-o,--output", arguments.output, "The entry text to write; - for standard output")
+      ->capture_default_str();
+  command.add_option("--cw", form.cw,
+                     "The concept word, with {lemma}, {category} and {class} (the first attribute) in their places");
+  command.add_option("--id", form.id, "The id, likewise");
+  command.add_option("--language", form.language, "The language of all entries, one letter or two");
+}
+
+CLI::App* add_import(CLI::App& app, Arguments& arguments) {
+  CLI::App* command = app.add_subcommand("import", "Make entry text of a word list");
+  command->add_option("LISTS", arguments.import.inputs, "The lists; - for standard input; of WordNet its folder");
+  command->add_option("--from", arguments.format, "unimorph, lttoolbox (what lt-expand writes), conllu or wordnet")
+      ->required()
+      ->check(CLI::IsMember({"unimorph", "lttoolbox", "conllu", "wordnet"}));
+  command->add_option("--table", arguments.import.tables, "Rows that override the shipped table of features");
+  command->add_flag("--show-table", arguments.shows_table, "Write the shipped table and stop");
+  add_entry_form(*command, arguments, arguments.import.form);
+  return command;
+}
+
+CLI::App* add_inflect(CLI::App& app, Arguments& arguments) {
+  CLI::App* command = app.add_subcommand("inflect", "Make entry text of stems and a table of paradigms");
+  command->add_option("STEMS", arguments.inflection.stems, "Tables of stems; - for standard input")->required();
+  command->add_option("-p,--paradigms", arguments.inflection.paradigms, "Endings by class, and letter changes")
+      ->required();
+  add_entry_form(*command, arguments, arguments.inflection.form);
+  return command;
+}
+
 // Reads the command line and does what it says.
 int run(int argc, char** argv, const Streams& to) {
   Arguments arguments;
@@ -147,11 +286,9 @@ int run(int argc, char** argv, const Streams& to) {
   app.require_subcommand(1);
   const CLI::App* build = add_build(app, arguments);
   const CLI::App* list = add_with_dictionary(app, "list", "Write all entries as text, in order of HW", arguments);
-  CLI::App* find = add_with_dictionary(app, "find", "Write the entries with this HW or CW", arguments);
-  CLI::Option_group* key = find->add_option_group("key");
-  const CLI::Option* hw = key->add_option("--hw", arguments.hw, "The surface form");
-  key->add_option("--cw", arguments.cw, "The concept word");
-  key->require_option(1);
+  const CLI::App* find = add_find(app, arguments);
+  const CLI::App* import = add_import(app, arguments);
+  const CLI::App* inflect = add_inflect(app, arguments);
   CLI::App* check =
       add_with_dictionary(app, "check", "Look for damage, and ask for every entry by every key", arguments);
   add_memory(*check, arguments);
@@ -168,7 +305,9 @@ int run(int argc, char** argv, const Streams& to) {
   const auto session = std::make_unique<Session>();
   if (build->parsed()) return run_build(*session, arguments, to);
   if (list->parsed()) return run_list(*session, arguments, to);
-  if (find->parsed()) return run_find(*session, arguments, hw->count() != 0, to);
+  if (find->parsed()) return run_find(*session, arguments, to);
+  if (import->parsed()) return run_import(*session, arguments, to);
+  if (inflect->parsed()) return run_inflect(*session, arguments, to);
   return run_check(*session, arguments, to);
 }
 

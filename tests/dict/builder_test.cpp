@@ -358,7 +358,7 @@ TEST(Builder, RefusesOutputsThatWouldDestroySomething) {
       {"entries.txt", "entries.txt: is the entry text itself\n"},
       {"words.idx", "words.idx: \".idx\" is for the index file\n"},
       {"folder", "folder: is a directory\n"},
-      {"nowhere/words.dic", "nowhere/words.dic: cannot be created\n"},
+      {"nowhere/words.dic", "nowhere/words.dic: cannot be created: "},
       {" words.dic", " words.dic: the name begins with a blank\n"},
       {filled(125) + ".dic", "the index name is too long\n"},
   };

@@ -14,6 +14,7 @@
 #include "data/pool.hpp"
 #include "dicttool/build.hpp"
 #include "dicttool/check.hpp"
+#include "dicttool/find.hpp"
 #include "dicttool/list.hpp"
 #include "support/built_dictionary.hpp"
 #include "support/capture.hpp"
@@ -250,7 +251,7 @@ TEST_F(ToolMemory, EveryRefusedAllocationFailsAndLeavesTheFiles) {
     return dictionary_build(session, options, nowhere, figures) && figures.entries == 40;
   });
   refuse_each("list", [&] { return dictionary_list(session, dictionary, nowhere, nowhere); });
-  refuse_each("find", [&] { return dictionary_find(session, dictionary, kKeyCw, "c3", nowhere, nowhere) == FindResult::found; });
+  refuse_each("find", [&] { return dictionary_find(session, dictionary, {.cw = "c3", .wants_cw = true}, nowhere, nowhere) == FindResult::found; });
   refuse_each("check", [&] {
     CheckFigures figures;
     return dictionary_check(session, dictionary, nowhere, std::size_t{1} << 20, figures) && figures.unasked == 0;

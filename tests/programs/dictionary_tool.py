@@ -29,7 +29,7 @@ CALLS = [
     (["check", "entries.txt"], 1, "", "entries.txt: offset 0: not a dictionary: the file is shorter than its header\n"),
 ]
 WRONG = ["", "make", "build entries.txt", "build entries.txt a.dic third", "build entries.txt a.dic --keys attrs",
-         "build entries.txt a.dic --memory 0", "find words.dic", "find words.dic --hw a --cw b", "list", "check words.dic --all"]
+         "build entries.txt a.dic --memory 0", "find words.dic", "list", "check words.dic --all"]
 
 with table.folder() as name:
     folder = pathlib.Path(name)
@@ -42,7 +42,7 @@ with table.folder() as name:
         made = table.run("lexon-dict", *words.split(), folder=folder)
         table.check(words, (made.returncode, made.stdout, made.stderr != "", (folder / "a.dic").exists()), (2, "", True, False))
     table.check("--version", table.run("lexon-dict", "--version").stdout[:11], "lexon-dict ")
-    for command in ("build", "list", "find", "check"):
+    for command in ("build", "list", "find", "check", "import", "inflect"):
         table.check(f"{command} --help", table.run("lexon-dict", command, "--help").returncode, 0)
     os.truncate(folder / "words.idx", 1024)
     made = table.run("lexon-dict", "check", "words.dic", folder=folder)

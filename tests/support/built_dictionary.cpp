@@ -12,6 +12,7 @@
 #include "data/pool.hpp"
 #include "dict/dictionary.hpp"
 #include "dicttool/check.hpp"
+#include "dicttool/find.hpp"
 #include "dicttool/list.hpp"
 #include "support/session.hpp"
 
@@ -94,7 +95,8 @@ ToolResult check_of(const BuildFolder& folder, const std::string& name) {
 ToolResult find_of(const BuildFolder& folder, int key_field, const std::string& key) {
   const TextStream out;
   const TextStream log;
-  const FindResult result = dictionary_find(session, folder.path("words.dic"), key_field, key, out.get(), log.get());
+  const FindQuery query = key_field == kKeyHw ? FindQuery{.hw = key, .wants_hw = true} : FindQuery{.cw = key, .wants_cw = true};
+  const FindResult result = dictionary_find(session, folder.path("words.dic"), query, out.get(), log.get());
   return {result == FindResult::found, out.text_without(folder.path("")), log.text_without(folder.path(""))};
 }
 

@@ -68,6 +68,11 @@ function check(language, text, wanted) {
 }
 
 const rules = {
+  "a grammar source": [
+    "%for c in CASES %; why\n%list CASES\nnom\n%end\nR{%c}",
+    [["%for", "keyword.control.directive"], ["%; why", "comment.line.source"], ["%list", "keyword.control.directive"],
+      ["nom", "meta.values"], ["%end", "keyword.control.directive"], ["R", "keyword.control.type"]],
+  ],
   "comments, and what stands behind a rule": [
     "; a comment {\nR{}{}P1; remark",
     [["; a comment {", "comment.line.semicolon"], ["R", "keyword.control.type"], ["1", "constant.numeric.priority"],
