@@ -120,8 +120,49 @@ def clean():
                     print("\n".join(line for line in made.stdout.splitlines() if ": note:" not in line))
 
 
+SOURCE = """%list TENSES = past progres
+
+%for t in TENSES
+?{V,@%t}   {^STAIL}   P40;
+%end
+R{} {}   P1;
+R{N} {}   P300;
+"""
+
+
+def forms():
+    """Findings in a grammar source lie there; the three forms of the output, codes that are left out, and the status."""
+    with table.folder() as name:
+        target = pathlib.Path(name)
+        (target / "main.lxr").write_text(SOURCE)
+        (target / "entries.txt").write_text('[see]{} "see" (V);\n[dog]{} "dog" (N);\n')
+        (target / "input.txt").write_text("[S:1]\nagn(see.@entry.@past, dog)\npat(see.@progress, dog)\n[/S]\n")
+        words = ["check", "main.lxr", "-d", "entries.txt", "-i", "input.txt", "--no", "unfollowed-label", "--no",
+                 "unused-name"]
+        for more, status, told in [
+            ([], 1, "main.lxr:4:5: warning: nothing gives @progres (with t=progres) [unknown-name]\n"
+                    "  fix: did you mean @progress?\n"
+                    "main.lxr:7:11: error: P300 counts as P44 [priority-wraps]\n"
+                    "  fix: use a priority of 1 to 255\n"),
+            (["--no", "priority-wraps", "--no", "unknown-name"], 0, ""),
+            (["--no", "priority-wraps", "--strict"], 1, ...),
+            (["--no", "nonsense"], 1, ""),
+        ]:
+            made = table.run("lexon-lab", *words, *more, folder=target)
+            table.check(f"check {more}: status", made.returncode, status)
+            if told is not ...:
+                table.check(f"check {more}", made.stdout, told)
+        made = table.run("lexon-lab", *words, "--format", "sarif", folder=target)
+        run = json.loads(made.stdout)["runs"][0]
+        codes = {rule["id"] for rule in run["tool"]["driver"]["rules"]}
+        table.check("SARIF: codes", {result["ruleId"] for result in run["results"]} <= codes, True)
+        region = run["results"][0]["locations"][0]["physicalLocation"]["region"]
+        table.check("SARIF: place", region, {"startLine": 4, "startColumn": 5, "endColumn": 7})
+
+
 def main():
     clean()
+    forms()
     for row in SLIPS:
         slip(EXAMPLES / "english", *row)
     table.finish()
