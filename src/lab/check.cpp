@@ -529,7 +529,18 @@ class Check {
 
   const std::string* near_given(const std::string& name) {
     const auto [known, is_new] = near_.try_emplace(name, nullptr);
-    if (is_new) known->second = nearest(name, given_names_);
+    if (!is_new) return known->second;
+    // Labels are short and much alike: only one that no rule knows can be the one that was meant.
+    if (name.front() == '>' || name.front() == '<') {
+      std::vector<const std::string*> unasked;
+      for (const std::string* given : given_names_) {
+        const NameId id = names_.find(*given);
+        if (given->front() == name.front() && !use_of(id).asked) unasked.push_back(given);
+      }
+      known->second = nearest(name, unasked);
+    } else {
+      known->second = nearest(name, given_names_);
+    }
     return known->second;
   }
 

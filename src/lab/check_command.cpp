@@ -2,17 +2,15 @@
 
 #include <algorithm>
 #include <array>
-#include <cerrno>
-#include <cstring>
 #include <iostream>
 #include <memory>
 #include <nlohmann/json.hpp>
 #include <set>
 
-#include "data/platform.hpp"
 #include "front/process.hpp"
 #include "lab/check.hpp"
 #include "lab/commands.hpp"
+#include "lab/text_file.hpp"
 #include "run/files.hpp"
 #include "run/notes.hpp"
 #include "source/expand.hpp"
@@ -35,19 +33,6 @@ struct Arguments {
   int blocks = kMaxBlocks;
   bool is_strict = false;
 };
-
-CheckText read_file(const std::string& path) {
-  const File opened(path == "-" ? nullptr : file_open(path, "rb"));
-  if (path != "-" && opened == nullptr) throw Fault(path + ": cannot be opened: " + std::strerror(errno));
-  std::FILE* stream = opened == nullptr ? stdin : opened.get();
-  CheckText result{path, {}};
-  std::array<char, 65536> piece;
-  while (const std::size_t size = std::fread(piece.data(), 1, piece.size(), stream)) {
-    result.text.append(piece.data(), size);
-  }
-  if (std::ferror(stream) != 0) throw Fault(path + ": cannot be read to its end: " + std::strerror(errno));
-  return result;
-}
 
 const char* name_of(Level level) {
   switch (level) {
@@ -127,7 +112,7 @@ void refuse_unknown_codes(const std::vector<std::string>& codes) {
 int run_check(const Arguments& arguments) {
   refuse_unknown_codes(arguments.silenced);
   CheckInput input;
-  input.rules = read_file(arguments.rules);
+  input.rules = {arguments.rules, text_file_read(arguments.rules)};
   input.words_file = arguments.words;
   input.cooccurrence_file = arguments.cooccurrence;
   input.blocks = arguments.blocks;
@@ -141,7 +126,7 @@ int run_check(const Arguments& arguments) {
     input.rules.text = expansion.text;
     input.source = &expansion.map;
   }
-  for (const std::string& path : arguments.inputs) input.graphs.push_back(read_file(path));
+  for (const std::string& path : arguments.inputs) input.graphs.push_back({path, text_file_read(path)});
   if (path_split(arguments.rules).extension == ".rul" || input.rules.text.find('\0') != std::string::npos) {
     throw Fault(arguments.rules + ": is no rule text: compiled rules do not tell lines; name the text");
   }

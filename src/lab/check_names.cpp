@@ -60,7 +60,7 @@ std::size_t difference(std::string_view a, std::string_view b) {
                                a.size() == b.size() && distance(a, b, 1) == 1;
     return is_short_slip ? 2 : 3;
   }
-  const std::size_t limit = shorter >= kLongName ? 2 : 1;
+  const std::size_t limit = shorter >= kLongName && plain_a.front() == plain_b.front() ? 2 : 1;
   const std::size_t steps = distance(plain_a, plain_b, limit);
   return steps <= limit ? steps : 3;
 }

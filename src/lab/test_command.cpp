@@ -3,22 +3,19 @@
 #include <unistd.h>
 
 #include <algorithm>
-#include <array>
 #include <atomic>
-#include <cerrno>
 #include <chrono>
 #include <cstdlib>
-#include <cstring>
 #include <iostream>
 #include <memory>
 #include <mutex>
-#include <optional>
 #include <thread>
 
 #include "front/process.hpp"
 #include "lab/commands.hpp"
 #include "lab/gold.hpp"
 #include "lab/project.hpp"
+#include "lab/text_file.hpp"
 
 namespace lexon {
 inline namespace v1 {
@@ -47,27 +44,6 @@ struct Outcome {
   std::string why;  // messages of a sentence that is not done, one a line
   double seconds = 0;
 };
-
-std::string read_file(const std::string& path) {
-  const File opened(file_open(path, "rb"));
-  if (opened == nullptr) throw Fault(path + ": cannot be opened: " + std::strerror(errno));
-  std::string text;
-  std::array<char, 65536> piece;
-  while (const std::size_t size = std::fread(piece.data(), 1, piece.size(), opened.get())) {
-    text.append(piece.data(), size);
-  }
-  if (std::ferror(opened.get()) != 0) throw Fault(path + ": cannot be read to its end: " + std::strerror(errno));
-  return text;
-}
-
-// A file is there whole or as it was.
-void write_file(const std::string& path, std::string_view text) {
-  DraftFile draft;
-  const bool is_written = draft.open_beside(path) &&
-                          std::fwrite(text.data(), 1, text.size(), draft.stream()) == text.size() &&
-                          draft.put_in_place(path);
-  if (!is_written) throw Fault(path + ": cannot be written: " + std::strerror(errno));
-}
 
 // --- rendering
 
@@ -190,7 +166,7 @@ std::vector<Outcome> outcomes_of(Gold saved, const std::vector<Outcome>& like) {
 
 std::vector<Outcome> outcomes_against(const Arguments& arguments, const std::vector<GraphText>& graphs,
                                       const std::vector<Outcome>& now) {
-  const std::string text = read_file(arguments.against);
+  const std::string text = text_file_read(arguments.against);
   const Kind kind = kind_of(arguments.against, text);
   if (kind == Kind::saved) return outcomes_of(Gold(text), now);
   GrammarFiles files = arguments.grammar;
@@ -365,7 +341,7 @@ std::size_t tell_changes(const Report& report, Gold gold, const std::vector<Outc
 }
 
 int run_test(const Arguments& arguments) {
-  Gold gold(read_file(arguments.gold));
+  Gold gold(text_file_read(arguments.gold));
   const Project project(arguments.grammar);
   std::vector<GraphText> graphs;
   for_each_sentence(arguments.render, [&graphs](const GraphText& graph) { graphs.push_back(graph); });
@@ -406,10 +382,10 @@ int run_test(const Arguments& arguments) {
   if (!missing.empty()) summary += ", " + std::to_string(missing.size()) + " without a graph";
   if (!arguments.against.empty()) summary += "; " + std::to_string(changed) + " changed";
   tell_line(summary);
-  if (!arguments.junit.empty()) write_file(arguments.junit, junit_of(arguments, cases, missing));
-  if (!arguments.saved.empty()) write_file(arguments.saved, saved_of(now));
+  if (!arguments.junit.empty()) text_file_write(arguments.junit, junit_of(arguments, cases, missing));
+  if (!arguments.saved.empty()) text_file_write(arguments.saved, saved_of(now));
   if (arguments.is_update && differing != 0) {
-    write_file(arguments.gold, updated.text());
+    text_file_write(arguments.gold, updated.text());
     tell_line(arguments.gold + ": updated");
   }
   return differing != 0 || !missing.empty() || changed != 0 ? kFailed : kDone;
