@@ -4,6 +4,7 @@
 #include <CLI/CLI.hpp>
 
 #include <functional>
+#include <stdexcept>
 
 namespace lexon {
 inline namespace v1 {
@@ -26,8 +27,10 @@ struct Fault : std::runtime_error {
   using std::runtime_error::runtime_error;
 };
 
+[[nodiscard]] Command add_check(CLI::App& app);
 [[nodiscard]] Command add_expand(CLI::App& app);
 [[nodiscard]] Command add_render(CLI::App& app);
+[[nodiscard]] Command add_test(CLI::App& app);
 
 }  // namespace lab
 }  // namespace v1

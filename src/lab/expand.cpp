@@ -2,9 +2,7 @@
 
 #include "source/expand.hpp"
 
-#include <cerrno>
 #include <cstdio>
-#include <cstring>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -13,6 +11,7 @@
 #include "data/platform.hpp"
 #include "front/process.hpp"
 #include "lab/commands.hpp"
+#include "lab/text_file.hpp"
 #include "run/notes.hpp"
 
 namespace lexon {
@@ -35,16 +34,6 @@ void tell_lines(std::string_view text) {
   }
 }
 
-void write(const std::string& path, std::string_view text) {
-  DraftFile draft;
-  errno = 0;
-  if (draft.open_beside(path)) {
-    std::fwrite(text.data(), 1, text.size(), draft.stream());
-    if (draft.put_in_place(path)) return;
-  }
-  throw Fault(path + ": cannot be written: " + std::strerror(errno));
-}
-
 int expand(const Arguments& arguments) {
   Expansion expansion = expand_source(arguments.source);
   for (const SourceMessage& message : expansion.messages) tell_lines(source_message_text(message));
@@ -53,12 +42,12 @@ int expand(const Arguments& arguments) {
     std::fwrite(expansion.text.data(), 1, expansion.text.size(), stdout);
     return kDone;
   }
-  write(arguments.rules, expansion.text);
+  text_file_write(arguments.rules, expansion.text);
   if (arguments.map.empty()) return kDone;
   SourceMap& map = expansion.map;
   map.text_path = arguments.rules;
   map.text_mark = file_mark(File(regular_file_open(arguments.rules, "rb")).get()).value_or(FileMark());
-  write(arguments.map, source_map_text(map, arguments.map));
+  text_file_write(arguments.map, source_map_text(map, arguments.map));
   return kDone;
 }
 

@@ -19,8 +19,10 @@ int run(int argc, char** argv) {
   app.set_version_flag("--version", std::string("lexon-lab ") + LEXON_VERSION);
   app.require_subcommand(1);
   const std::vector<Command> commands = {
+      add_check(app),
       add_expand(app),
       add_render(app),
+      add_test(app),
   };
   try {
     app.parse(argc, argv);

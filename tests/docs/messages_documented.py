@@ -3,7 +3,8 @@
 
 A message is a string literal of the sources that has ";;" in it, or two words. It stands in the page in code, with a
 word in capitals, a number or an example where the program puts a value. Pieces of a message that is put together are
-looked for one by one. The texts of --help, and those of the dialogs, have pages of their own.
+looked for one by one. The texts of --help, and those of the dialogs, have pages of their own. So have the findings of
+`lexon-lab check`: docs/check.md has a row for the code of each.
 
 messages_documented.py [SOURCE FOLDER]      with --list the messages are shown instead
 """
@@ -17,7 +18,7 @@ TOKEN = re.compile(
 CONVERSION = re.compile(r"%[-+ 0-9.*]*(?:ll|l|z|h)?[a-zA-Z]")
 ESCAPES = {"n": "\n", "t": "\t", '"': '"', "\\": "\\", "0": "\0", "r": "\r"}
 # The statements whose texts are help, not messages.
-HELP = re.compile(r"[uU]sage|kSwitches|kAbout|add_option|add_flag|add_subcommand|add_with_dictionary|static_assert")
+HELP = re.compile(r"[uU]sage|kSwitches|kAbout|add_option|add_flag|add_subcommand|add_with_dictionary|CLI::App app|static_assert|xml (?:\+)?=")
 PREPROCESSOR = re.compile(r"^[ \t]*#[^\n]*", re.M)
 
 
@@ -51,6 +52,8 @@ def messages(folder):
         name = path.relative_to(folder).as_posix()
         if name.startswith("front/gui/") and name != "front/gui/gui_main.cpp":
             continue
+        if name.startswith("lab/check") and name != "lab/check_command.cpp":
+            continue
         for statement, text in literals(path.read_text()):
             if is_message(text) and not HELP.search(statement):
                 yield name, text
@@ -81,6 +84,15 @@ def code_of(page):
     return [" ".join(line.split()) for line in lines]
 
 
+def codes_missing(folder):
+    """Codes of findings that the table of codes does not have, or the page about them."""
+    sources = {path.name: path.read_text() for path in (folder / "lab").glob("check*.cpp")}
+    known = set(re.findall(r'^    \{"([a-z-]+)", "', sources["check.cpp"], re.M))
+    used = {code for text in sources.values() for code in re.findall(r'"([a-z]+(?:-[a-z]+)+)"', text)}
+    told = set(re.findall(r"^\| `([a-z]+(?:-[a-z]+)*)` \|", (ROOT / "docs" / "check.md").read_text(), re.M))
+    return sorted((used | known) ^ told) + sorted(used - known)
+
+
 def main():
     shows = "--list" in sys.argv
     names = [word for word in sys.argv[1:] if word != "--list"]
@@ -97,6 +109,9 @@ def main():
                 print(f"{name}: not in docs/messages.md: {line}")
     if found < 150:
         sys.exit(f"only {found} messages found in {folder}: are these the sources?")
+    for code in codes_missing(ROOT / "src"):
+        missing += 1
+        print(f"a code of findings that is not in its table and in docs/check.md: {code}")
     if not shows:
         print(f"{found} lines of messages, {missing} not documented")
     sys.exit(missing != 0)

@@ -1,0 +1,774 @@
+// The checks that hold rules, words and graphs against each other.
+#include "lab/check.hpp"
+
+#include <algorithm>
+#include <array>
+#include <map>
+#include <set>
+#include <tuple>
+#include <utility>
+
+#include "data/chars.hpp"
+#include "data/platform.hpp"
+#include "lab/check_graphs.hpp"
+#include "lab/check_order.hpp"
+#include "lab/check_rules.hpp"
+#include "lab/check_words.hpp"
+#include "rules/scanners.hpp"
+
+namespace lexon {
+inline namespace v1 {
+namespace lab {
+
+namespace {
+
+constexpr CheckCode kCodes[] = {
+    {"rule-syntax", "a rule cannot be read, and is left out"},
+    {"last-line", "the last line is refused, and no rule is in force"},
+    {"endless-rule", "a rule would fit its own result for ever, and is left out"},
+    {"endless-insertion", "a rule brings the same word in again and again"},
+    {"endless-pair", "rules that undo each other in place"},
+    {"left-over-boundary", "an L that can leave the list at its left end"},
+    {"no-priority", "a rule without a priority, or with 0"},
+    {"third-pattern", "a pattern behind the second"},
+    {"priority-wraps", "a priority above 255"},
+    {"rule-never-first", "an earlier rule fits wherever this one does"},
+    {"unknown-name", "a name that nothing gives"},
+    {"unused-name", "a name that nobody asks for"},
+    {"unknown-label", "a relation that is in no graph"},
+    {"unfollowed-label", "a relation of the graphs that no rule follows"},
+    {"label-cut", "a label that is too long"},
+    {"label-idle", "a label without an effect"},
+    {"section-misplaced", "something stands in the section of something else"},
+    {"sign-in-condition", "an action among the conditions"},
+    {"bracket-runs-on", "a text in brackets that ends later than it seems"},
+    {"form-in-pre", "a form or concept where it is not tested"},
+    {"idle-type", "a rule type that does nothing"},
+    {"literal-never-fits", "a word of the rule that its own conditions rule out"},
+    {"literal-forbidden", "a forbidden attribute that a made-up word gets"},
+    {"form-never-there", "a form that no word of the list can have"},
+    {"unknown-concept", "a concept word that nothing has"},
+    {"never-together", "attributes that no entry has together"},
+    {"entry-syntax", "an entry that cannot be read"},
+    {"duplicate-entry", "entries that are alike in everything"},
+    {"unknown-word", "a word of the graphs without an entry"},
+    {"graph-syntax", "a line of a graph that cannot be read"},
+    {"stray-relation", "a relation outside of any sentence"},
+    {"sentence-in-sentence", "a sentence that begins before the last one ends"},
+    {"unclosed", "a sentence or block that is not closed"},
+    {"no-sentence", "a file of graphs without a sentence"},
+    {"no-entry", "a sentence without @entry"},
+    {"scope-entry", "a scope without @entry"},
+    {"scope-empty", "a scope without relations"},
+    {"scope-unused", "a scope that nothing leads to"},
+    {"encoding", "text that is not read as it looks"},
+    {"rules-room", "the rules leave no room for sentences"},
+};
+
+bool is_signed_name(const std::string& name) {
+  return !name.empty() && (name.front() == '@' || name.front() == '<' || name.front() == '>');
+}
+
+class Check {
+ public:
+  explicit Check(const CheckInput& input) : input_(input), base_(read_rules(input, names_, findings_)) {}
+
+  std::vector<Finding> run() {
+    collect_rule_names();
+    std::vector<Finding> elsewhere;
+    graphs_ = survey_graphs(input_, names_, elsewhere);
+    ask_dictionary(elsewhere);
+    collect_given();
+    for (const RuleView& rule : base_.rules) check_rule(rule);
+    check_order(
+        input_, base_, [this](const RuleView& rule) { return literal_fits(rule); }, findings_);
+    std::ranges::stable_sort(findings_, {}, &Finding::line);
+    findings_to_sources(input_, findings_);
+    std::move(elsewhere.begin(), elsewhere.end(), std::back_inserter(findings_));
+    check_word_names();
+    check_graph_names();
+    entry_columns_find(input_, needles_, findings_);
+    return std::move(findings_);
+  }
+
+ private:
+  // --- who gives and who asks
+
+  // Who gives a name, as bits.
+  static constexpr unsigned by_engine = 1;
+  static constexpr unsigned by_action = 2;
+  static constexpr unsigned by_literal = 4;
+  static constexpr unsigned by_words = 8;
+  static constexpr unsigned by_graphs = 16;
+  static constexpr unsigned by_pairs = 32;
+
+  struct NameUse {
+    unsigned given = 0;
+    bool asked = false;     // by a condition
+    bool taken = false;     // an action takes it away
+    bool followed = false;  // as a label, cut as the parser does
+  };
+
+  NameUse& use_of(NameId name) {
+    if (uses_.size() < names_.size()) uses_.resize(names_.size());
+    return uses_[name];
+  }
+
+  void collect_rule_names() {
+    for (const RuleView& rule : base_.rules) {
+      for (const RuleItem& item : rule.items) {
+        const bool is_condition = item.place == Place::cond || item.place == Place::pre || item.place == Place::mid ||
+                                  item.place == Place::suf;
+        if (item.place == Place::relation) {
+          const std::string& label = names_[item.name];
+          use_of(names_.enter(label.substr(0, kRelationLabelLimit))).followed = true;
+        } else if (item.place == Place::role) {
+          roles_.insert(item.name);
+        } else if (item.kind == ItemKind::attribute && is_condition) {
+          ask(item.name);
+        } else if (item.kind == ItemKind::attribute) {
+          if (item.op == kOpAdd) use_of(item.name).given |= by_action;
+          if (item.op == kOpDelete) use_of(item.name).taken = true;
+        } else if (item.kind == ItemKind::hw) {
+          if (is_condition) questions_.forms.insert(item.name);
+          if (!is_condition || rule.quote(item.side)) written_forms_.insert(item.name);
+          has_class_ = has_class_ || (is_condition && names_[item.name].starts_with('#'));
+        } else if (is_condition) {
+          questions_.concepts.insert(item.name);
+        }
+      }
+      has_splits_ = has_splits_ || rule.type == rule_type::shift_left || rule.type == rule_type::shift_right;
+    }
+  }
+
+  // Copies carry "#" in front of what their models had.
+  void ask(NameId name) {
+    use_of(name).asked = true;
+    const std::string& text = names_[name];
+    const std::size_t begin = text.find_first_not_of('#');
+    if (begin != 0 && begin != std::string::npos) use_of(names_.enter(text.substr(begin))).asked = true;
+  }
+
+  void ask_dictionary(std::vector<Finding>& elsewhere) {
+    for (const auto& [name, use] : graphs_.words) {
+      questions_.concepts.insert(name);
+      const std::string& text = names_[name];
+      if (const std::size_t open = text.find('('); open != std::string::npos) {
+        questions_.concepts.insert(names_.enter(text.substr(0, open)));
+      }
+    }
+    std::vector<Finding> of_words;
+    words_ = survey_words(input_, questions_, names_, of_words);
+    pairs_ = survey_cooccurrence(input_, names_, of_words);
+    // Words before graphs, as the command line names them.
+    elsewhere.insert(elsewhere.begin(), of_words.begin(), of_words.end());
+  }
+
+  void collect_given() {
+    for (const char* name :
+         {"SHEAD", "STAIL", "CHEAD", "CTAIL", "SCOPE", "@entry", "TEMP", "NUM", "ANUM", "#ORIG", "#COPY", "H#NIL"}) {
+      use_of(names_.enter(name)).given |= by_engine;
+    }
+    for (const auto& [name, use] : words_.attributes) use_of(name).given |= by_words;
+    for (const auto& [name, use] : graphs_.attributes) use_of(name).given |= by_graphs;
+    for (const auto& [name, use] : graphs_.labels) {
+      for (const char sign : {'>', '<'}) use_of(names_.enter(sign + names_[name])).given |= by_graphs;
+    }
+    // The mark of a choice is the name of its relation.
+    for (const auto* relations : {&roles_, &pairs_}) {
+      for (const NameId relation : *relations) {
+        for (const char sign : {'>', '<'}) use_of(names_.enter(sign + names_[relation])).given |= by_pairs;
+      }
+    }
+    for (const RuleView& rule : base_.rules) {
+      for (const Side side : {Side::left, Side::right}) {
+        if (!is_literal(rule, side) || !is_made_up(rule, side)) continue;
+        for (const RuleItem& item : rule.items) {
+          const bool is_own = item.place == Place::cond && item.side == side && item.kind == ItemKind::attribute;
+          if (is_own) use_of(item.name).given |= by_literal;
+        }
+      }
+    }
+    for (NameId name = 0; name < names_.size(); ++name) {
+      NameUse& use = use_of(name);
+      if (use.given != 0) given_names_.push_back(&names_[name]);
+      if (use.asked && (use.given & by_engine) == 0) asked_names_.push_back(&names_[name]);
+    }
+  }
+
+  // Does the rule name the word that it brings in on this side?
+  static bool is_literal(const RuleView& rule, Side side) {
+    return rule.inserts() && rule.quote(side) && rule.first(Place::relation) == nullptr &&
+           named_by(rule, side) != nullptr;
+  }
+
+  // What a literal is looked up by: its form, or else its concept word.
+  static const RuleItem* named_by(const RuleView& rule, Side side) {
+    const RuleItem* form = nullptr;
+    const RuleItem* concept_word = nullptr;
+    for (const RuleItem& item : rule.items) {
+      if (item.place != Place::cond || item.side != side) continue;
+      if (item.kind == ItemKind::hw && form == nullptr) form = &item;
+      if (item.kind == ItemKind::cw && concept_word == nullptr) concept_word = &item;
+    }
+    return form != nullptr ? form : concept_word;
+  }
+
+  // The words of the dictionary that a literal stands for; null: none.
+  const std::vector<WordFacts>* literal_words(const RuleView& rule, Side side) const {
+    const RuleItem* name = named_by(rule, side);
+    if (name == nullptr) return nullptr;
+    const auto& by_key = name->kind == ItemKind::hw ? words_.by_form : words_.by_concept;
+    const auto found = by_key.find(name->name);
+    if (found == by_key.end() || name->kind == ItemKind::cw) return found == by_key.end() ? nullptr : &found->second;
+    for (const RuleItem& item : rule.items) {
+      if (item.place != Place::cond || item.side != side || item.kind != ItemKind::cw || item.op != kOpHas) continue;
+      const bool has_concept = std::ranges::any_of(
+          found->second, [&](const WordFacts& word) { return word.concept_word == names_[item.name]; });
+      if (!has_concept) return nullptr;
+    }
+    return &found->second;
+  }
+
+  // Without a dictionary any word may have to be made up.
+  bool is_made_up(const RuleView& rule, Side side) const {
+    return !words_.is_there || literal_words(rule, side) == nullptr;
+  }
+
+  // The conditions of a pattern that a word does not meet.
+  std::vector<const RuleItem*> unmet(const RuleView& rule, Side side, const WordFacts& word) const {
+    std::vector<const RuleItem*> result;
+    const std::vector<NameId>& attributes = words_.attribute_sets[word.attributes];
+    for (const RuleItem& item : rule.items) {
+      if (item.place != Place::cond || item.side != side) continue;
+      bool has = std::ranges::binary_search(attributes, item.name);
+      if (item.kind == ItemKind::hw) has = word.form == names_[item.name];
+      if (item.kind == ItemKind::cw) has = word.concept_word == names_[item.name];
+      const bool is_tested = item.kind == ItemKind::attribute || item.op == kOpHas || item.op == kOpNot;
+      if (is_tested && has != (item.op != kOpNot)) result.push_back(&item);
+    }
+    return result;
+  }
+
+  bool literal_fits(const RuleView& rule) const {
+    for (const Side side : {Side::left, Side::right}) {
+      if (!is_literal(rule, side) || is_made_up(rule, side)) continue;
+      const std::vector<WordFacts>& words = *literal_words(rule, side);
+      if (std::ranges::none_of(words, [&](const WordFacts& word) { return unmet(rule, side, word).empty(); }))
+        return false;
+    }
+    return true;
+  }
+
+  // --- findings
+
+  void report(const RuleView& rule, std::uint32_t begin, std::uint32_t end, Level level, const char* code,
+              std::string what, std::string remedy) {
+    findings_.push_back(finding_at(input_.rules.file, rule.line, rule.text, begin, end, level, code, std::move(what),
+                                   std::move(remedy)));
+  }
+
+  void report(const RuleView& rule, const RuleItem& item, Level level, const char* code, std::string what,
+              std::string remedy) {
+    report(rule, item.begin, item.end, level, code, std::move(what), std::move(remedy));
+  }
+
+  // --- one rule
+
+  void check_rule(const RuleView& rule) {
+    check_priority(rule);
+    check_type(rule);
+    for (const Side side : {Side::left, Side::right}) {
+      if (is_literal(rule, side) && words_.is_there) check_literal(rule, side);
+      check_together(rule, side);
+    }
+    for (const RuleItem& item : rule.items) {
+      const bool is_misplaced = check_section(rule, item);
+      if (item.kind == ItemKind::hw) check_form(rule, item);
+      if (item.kind == ItemKind::cw) check_concept(rule, item);
+      const bool is_of_known_word =
+          item.place == Place::cond && is_literal(rule, item.side) && words_.is_there && !is_made_up(rule, item.side);
+      if (is_misplaced || is_of_known_word) continue;
+      if (item.place == Place::relation) check_label(rule, item);
+      if (item.kind == ItemKind::attribute && item.place != Place::relation && item.place != Place::role)
+        check_name(rule, item);
+    }
+  }
+
+  void check_priority(const RuleView& rule) {
+    const std::string& number = rule.number;
+    const std::size_t zeros = std::min(number.find_first_not_of('0'), number.size());
+    const std::string digits = number.substr(zeros);
+    if (digits.size() < 3 || (digits.size() == 3 && digits <= "255")) return;
+    report(rule, rule.number_begin, rule.number_begin + static_cast<std::uint32_t>(number.size()) + 1, Level::error,
+           "priority-wraps", "P" + number + " counts as P" + std::to_string(rule.priority),
+           "use a priority of 1 to 255");
+  }
+
+  void check_type(const RuleView& rule) {
+    constexpr std::string_view kIdle = "DP";
+    if (is_stepless_type(rule.type) || kIdle.find(static_cast<char>(rule.type)) != std::string_view::npos) {
+      report(rule, 0, 1, Level::warning, "idle-type", "rules of this type do nothing: the step is lost",
+             "use one of : L R ? ?L ?R X CL CR DL DR, or P: PL PR P<< P>> PSL PSR in post-edit");
+    }
+    if (!rule.quote(Side::left) && !rule.quote(Side::right)) {
+      if (const RuleItem* label = rule.first(Place::relation); label != nullptr) {
+        report(rule, *label, Level::error, "label-idle",
+               "a rule with a relation and two brace patterns never fits: it brings no word in",
+               "write the pattern of the word that comes in with quotes: \"N::" + names_[label->name] +
+                   "\"; or ask for the relation with >" + names_[label->name]);
+      }
+    }
+    if (rule.type == rule_type::left) check_left_end(rule);
+  }
+
+  void check_left_end(const RuleView& rule) {
+    if (rule.pre_groups != 0) return;
+    for (const RuleItem& item : rule.items) {
+      if (item.place != Place::cond || item.side != Side::left) continue;
+      const bool keeps_off = item.op != kOpNot || names_[item.name] == "SHEAD" || names_[item.name] == "<<";
+      if (keeps_off) return;
+    }
+    report(rule, rule.pattern_begin[0], rule.pattern_end[0], Level::warning, "left-over-boundary",
+           "with the left boundary as its left word this rule leaves the list, and the sentence fails",
+           "write ^SHEAD,^CHEAD into this pattern");
+  }
+
+  void check_literal(const RuleView& rule, Side side) {
+    const RuleItem& name = *named_by(rule, side);
+    if (names_[name.name].starts_with('#') && name.kind == ItemKind::hw) return;
+    const std::string shown =
+        name.kind == ItemKind::hw ? "[" + names_[name.name] + "]" : "[[" + names_[name.name] + "]]";
+    if (is_made_up(rule, side)) {
+      for (const RuleItem& item : rule.items) {
+        if (item.place != Place::cond || item.side != side || item.kind != ItemKind::attribute || item.op != kOpNot)
+          continue;
+        report(rule, item, Level::warning, "literal-forbidden",
+               "the dictionary has no " + shown + ", so that the word is made up, and ^" + names_[item.name] +
+                   " gives it " + names_[item.name],
+               "strike ^" + names_[item.name] + " out, or put " + shown + " into the dictionary");
+      }
+      return;
+    }
+    const WordFacts* best = nullptr;
+    std::vector<const RuleItem*> best_unmet;
+    for (const WordFacts& word : *literal_words(rule, side)) {
+      std::vector<const RuleItem*> missing = unmet(rule, side, word);
+      if (best != nullptr && missing.size() >= best_unmet.size()) continue;
+      best = &word;
+      best_unmet = std::move(missing);
+    }
+    if (best_unmet.empty()) return;
+    std::string has;
+    for (const NameId attribute : words_.attribute_sets[best->attributes])
+      has += (has.empty() ? "" : ",") + names_[attribute];
+    std::string why;
+    std::string remedy;
+    for (const RuleItem* item : best_unmet) {
+      const bool is_missing = item->op != kOpNot;
+      why += (why.empty() ? "" : " and ") + std::string(is_missing ? "without " : "with ") + names_[item->name];
+      remedy += (remedy.empty() ? "" : ", ") + std::string(is_missing ? "give the entry " : "take from the entry ") +
+                names_[item->name];
+    }
+    report(rule, *best_unmet.front(), Level::error, "literal-never-fits",
+           "this word can never come in: the dictionary has " + shown + " (" + has + "), " + why,
+           remedy + "; or strike the condition out");
+  }
+
+  // Attributes that only entries give, and that no entry has together.
+  void check_together(const RuleView& rule, Side side) {
+    if (!words_.is_there) return;
+    std::vector<NameId> wanted;
+    const RuleItem* last = nullptr;
+    for (const RuleItem& item : rule.items) {
+      if (item.place != Place::cond || item.side != side || item.kind != ItemKind::attribute || item.op == kOpNot)
+        continue;
+      if (use_of(item.name).given != by_words) continue;
+      wanted.push_back(item.name);
+      last = &item;
+    }
+    if (wanted.size() < 2 || (is_literal(rule, side) && !is_made_up(rule, side))) return;
+    std::ranges::sort(wanted);
+    const auto [known, is_new] = together_.try_emplace(wanted, false);
+    if (is_new) known->second = some_entry_has(wanted);
+    if (known->second) return;
+    std::string all;
+    for (const NameId name : wanted) all += (all.empty() ? "" : ",") + names_[name];
+    report(rule, *last, Level::warning, "never-together", "no entry of the dictionary has " + all + " together",
+           "look for the entries with lexon-dict list, or strike one of them out");
+  }
+
+  bool some_entry_has(const std::vector<NameId>& wanted) {
+    if (sets_with_.empty()) {
+      for (std::uint32_t set = 0; set < words_.attribute_sets.size(); ++set) {
+        for (const NameId name : words_.attribute_sets[set]) sets_with_[name].push_back(set);
+      }
+    }
+    const NameId rarest =
+        *std::ranges::min_element(wanted, {}, [this](NameId name) { return sets_with_[name].size(); });
+    return std::ranges::any_of(sets_with_[rarest], [&](std::uint32_t set) {
+      return std::ranges::includes(words_.attribute_sets[set], wanted);
+    });
+  }
+
+  bool is_label(NameId name) { return graphs_.labels.contains(name) || use_of(name).followed; }
+
+  // Does the item stand where something else is read?
+  bool check_section(const RuleView& rule, const RuleItem& item) {
+    const std::string& name = names_[item.name];
+    const bool brings_in = rule.inserts() && (rule.quote(Side::left) || rule.quote(Side::right));
+    const bool has_relation = rule.first(Place::relation) != nullptr;
+    const auto misplaced = [&](const std::string& read_as, const std::string& remedy) {
+      report(rule, item, Level::error, "section-misplaced", name + " stands where " + read_as + " is read", remedy);
+      return true;
+    };
+    const std::string order = "; a pattern is {conditions:actions:relation:role}";
+    switch (item.place) {
+      case Place::action:
+        if (item.kind != ItemKind::attribute || item.op != kOpAdd || rule.text[item.begin] == '+') return false;
+        if (!brings_in || has_relation || !is_label(item.name) || use_of(item.name).asked) return false;
+        return misplaced("an action", "write a second colon: \"N::" + name + "\"" + order);
+      case Place::relation: {
+        const char first = name.empty() ? 'x' : name.front();
+        if (first == '>' || first == '<') {
+          return misplaced("a label", "write " + name.substr(1) + " here; > and < are for conditions");
+        }
+        if (std::string_view("+-@^![").find(first) == std::string_view::npos) return false;
+        return misplaced("a relation", "actions stand behind the first colon" + order);
+      }
+      case Place::role:
+        if (has_relation || !is_label(item.name)) return false;
+        return misplaced("a role", "write two colons: \"N::" + name + "\"" + order);
+      case Place::cond:
+        if (item.kind != ItemKind::attribute || (item.op != kOpAdd && item.op != kOpDelete)) return false;
+        report(rule, item, Level::warning, "sign-in-condition",
+               std::string(item.op == kOpAdd ? "+" : "-") + name + " among the conditions asks for " + name +
+                   " and changes nothing",
+               "write a colon between conditions and actions, or leave the sign out");
+        return false;
+      default: return false;
+    }
+  }
+
+  void check_label(const RuleView& rule, const RuleItem& item) {
+    const std::string& full = names_[item.name];
+    const NameId label = names_.enter(full.substr(0, kRelationLabelLimit));
+    if (full.size() > kRelationLabelLimit) {
+      report(rule, item, Level::error, "label-cut",
+             "the label " + full + " is cut to " + names_[label] + ": rules follow labels of up to three characters",
+             "use a label of up to three characters, in the graphs too");
+      return;
+    }
+    const RuleItem* first = rule.first(Place::relation, item.side);
+    if (first != &item) {
+      report(rule, item, Level::warning, "label-idle", "only the first label of a pattern is followed",
+             "write a rule of its own for " + full);
+    }
+    if (!graphs_.is_there || graphs_.labels.contains(label)) return;
+    std::vector<const std::string*> candidates;
+    for (const auto& [name, use] : graphs_.labels) {
+      if (!use_of(name).followed) candidates.push_back(&names_[name]);
+    }
+    const std::string* near = nearest(full, candidates);
+    report(rule, item, near != nullptr ? Level::warning : Level::note, "unknown-label", "no graph has " + full,
+           near == nullptr ? "" : "did you mean " + *near + ", which no rule follows?");
+  }
+
+  // Can it be told who gives this name?
+  bool is_judged(const std::string& name) const {
+    if (name.empty()) return false;
+    if (is_signed_name(name)) return graphs_.is_there;
+    return words_.is_there;
+  }
+
+  bool is_given(NameId name) {
+    if (use_of(name).given != 0) return true;
+    // Copies: "#" in front of what the model had.
+    const std::string& text = names_[name];
+    const std::size_t begin = text.find_first_not_of('#');
+    if (begin == std::string::npos) return true;
+    if (begin == 0) return false;
+    const std::string plain = text.substr(begin);
+    const NameId known = names_.find(plain);
+    return (known != kNoName && use_of(known).given != 0) || !is_judged(plain);
+  }
+
+  void check_name(const RuleView& rule, const RuleItem& item) {
+    const std::string& name = names_[item.name];
+    if (item.place == Place::action && item.op == kOpAdd) {
+      check_mark(rule, item);
+      return;
+    }
+    if (!is_judged(name) || is_given(item.name)) return;
+    const bool is_action = item.place == Place::action;
+    std::string remedy = slip_in(name, rule, item);
+    if (remedy.empty()) {
+      if (const std::string* near = near_given(name); near != nullptr) remedy = "did you mean " + *near + "?";
+    }
+    const bool is_of_graphs = is_signed_name(name);
+    const bool is_taken = is_action;
+    const Level level = remedy.empty() && is_of_graphs ? Level::note : Level::warning;
+    std::string what = "nothing gives " + name;
+    if (is_taken)
+      what += ", so that there is nothing to take away";
+    else if (item.op == kOpNot)
+      what += ", so that ^" + name + " always holds";
+    if (remedy.empty() && !is_of_graphs) remedy = "give it to an entry, or set it with an action";
+    report(rule, item, level, "unknown-name", std::move(what), std::move(remedy));
+  }
+
+  // What the characters of a name show of a slip; empty for nothing.
+  std::string slip_in(const std::string& name, const RuleView& rule, const RuleItem& item) {
+    if (name.find('^') != std::string::npos) return "write a comma in front of ^";
+    if (name.back() == ';') return "write : for ;, between conditions and actions";
+    if (name.find_first_of("[]") != std::string::npos) return "write a comma between a form and an attribute";
+    const bool is_plain_condition = item.place == Place::cond && item.op == kOpHas && rule.quote(item.side);
+    if (is_plain_condition && is_label(item.name)) return "a relation stands behind two colons: \"N::" + name + "\"";
+    return {};
+  }
+
+  const std::string* near_given(const std::string& name) {
+    const auto [known, is_new] = near_.try_emplace(name, nullptr);
+    if (!is_new) return known->second;
+    // Labels are short and much alike: only one that no rule knows can be the one that was meant.
+    if (name.front() == '>' || name.front() == '<') {
+      std::vector<const std::string*> unasked;
+      for (const std::string* given : given_names_) {
+        const NameId id = names_.find(*given);
+        if (given->front() == name.front() && !use_of(id).asked) unasked.push_back(given);
+      }
+      known->second = nearest(name, unasked);
+    } else {
+      known->second = nearest(name, given_names_);
+    }
+    return known->second;
+  }
+
+  void check_mark(const RuleView& rule, const RuleItem& item) {
+    const NameUse& use = use_of(item.name);
+    const std::string& name = names_[item.name];
+    if (use.asked || use.taken || name.empty() || name == "@entry") return;
+    std::string remedy;
+    if (const std::string* near = nearest(name, asked_names_); near != nullptr)
+      remedy = "did you mean " + *near + "?";
+    else
+      remedy = "strike it out, or ask for it with a condition";
+    report(rule, item, Level::warning, "unused-name", "no condition asks for " + name, std::move(remedy));
+  }
+
+  void check_form(const RuleView& rule, const RuleItem& item) {
+    const std::string& form = names_[item.name];
+    const std::size_t inner = form.find("] ");
+    if (inner != std::string::npos) {
+      report(rule, item, Level::warning, "bracket-runs-on",
+             "the text in brackets goes on to the last ]: its form is \"" + form + "\"",
+             "write a comma behind the first ]");
+      return;
+    }
+    if (item.place == Place::pre || (item.place == Place::mid && rule.quote(Side::left))) {
+      report(rule, item, Level::warning, "form-in-pre", "groups to the left test attributes only, and no forms",
+             "give the word an attribute, and ask for that");
+      return;
+    }
+    const bool is_asked = item.place == Place::cond || item.place == Place::suf || item.place == Place::mid;
+    if (!is_asked || item.op != kOpHas || !words_.is_there || !graphs_.is_there) return;
+    if (item.place == Place::cond && rule.quote(item.side) && !rule.first(Place::relation)) return;
+    // Post-edit can split any form off a word.
+    if ((rule.is_post_edit() && has_splits_) || form == "<<" || form == ">>" || is_number(form)) return;
+    if (is_written(item, rule) || (has_class_ && pairs_.contains(item.name))) return;
+    const auto known = words_.by_form.find(item.name);
+    const bool has_entry = known != words_.by_form.end();
+    const bool is_reached = has_entry && std::ranges::any_of(known->second, [](const WordFacts& word) {
+                              return !word.concept_word.empty();
+                            });
+    if (is_reached || is_name_in_graphs(form)) return;
+    report(rule, item, Level::warning, "form-never-there",
+           "no word of the list can have the form [" + form + "]: " +
+               (has_entry ? "its entries have no concept word, and no rule brings it in"
+                          : "no entry, rule or graph gives it"),
+           has_entry ? "to bring it in, write a quote pattern: \"[" + form + "]\"" : "look at how it is written");
+  }
+
+  // Does a rule write the form, or bring it in?
+  bool is_written(const RuleItem& item, const RuleView& rule) const {
+    if (!written_forms_.contains(item.name)) return false;
+    // The item itself may be the only one, in a word that comes in over a relation.
+    if (item.place != Place::cond || !rule.quote(item.side)) return true;
+    for (const RuleView& other : base_.rules) {
+      for (const RuleItem& own : other.items) {
+        const bool writes = own.kind == ItemKind::hw && own.name == item.name && &own != &item &&
+                            (own.place == Place::action || (own.place == Place::cond && is_literal(other, own.side)));
+        if (writes) return true;
+      }
+    }
+    return false;
+  }
+
+  static bool is_number(const std::string& text) {
+    return !text.empty() && std::ranges::all_of(text, [](char c) { return is_digit(c); });
+  }
+
+  // A word of the graphs that has no entry is written as it stands.
+  bool is_name_in_graphs(const std::string& form) {
+    if (name_forms_.empty()) {
+      for (const auto* uses : {&graphs_.words, &graphs_.quoted}) {
+        for (const auto& [name, use] : *uses) {
+          const std::string& text = names_[name];
+          name_forms_.insert(text);
+          name_forms_.insert(text.substr(0, std::min(text.find("(>"), text.find("(<"))));
+        }
+      }
+      name_forms_.insert("");
+    }
+    return name_forms_.contains(form);
+  }
+
+  void check_concept(const RuleView& rule, const RuleItem& item) {
+    const std::string& name = names_[item.name];
+    if (item.place == Place::pre || (item.place == Place::mid && rule.quote(Side::left))) {
+      report(rule, item, Level::warning, "form-in-pre", "groups to the left test attributes only, and no concepts",
+             "give the word an attribute, and ask for that");
+      return;
+    }
+    const bool is_asked = item.place == Place::cond || item.place == Place::suf || item.place == Place::mid;
+    if (!is_asked || item.op != kOpHas || !words_.is_there || words_.by_concept.contains(item.name)) return;
+    if (graphs_.words.contains(item.name) || graphs_.quoted.contains(item.name)) return;
+    const bool is_made = is_literal(rule, item.side) && item.place == Place::cond;
+    report(rule, item, Level::warning, "unknown-concept",
+           "no entry has the concept word " + name + (is_made ? ", so that a word of this form is made up" : ""),
+           "look at how the dictionary writes it");
+  }
+
+  // --- names that nobody asks for
+
+  void check_word_names() {
+    std::vector<std::pair<std::int64_t, NameId>> unused;
+    for (const auto& [name, use] : words_.attributes) {
+      if (!use_of(name).asked && !use_of(name).taken) unused.emplace_back(use.line, name);
+    }
+    std::ranges::sort(unused, [this](const auto& a, const auto& b) {
+      return std::tie(a.first, names_[a.second]) < std::tie(b.first, names_[b.second]);
+    });
+    for (const auto& [line, id] : unused) {
+      const WordSurvey::Attribute& use = words_.attributes.at(id);
+      const std::string& name = names_[id];
+      // A slip of the pen is rare; what stands in many entries is meant.
+      constexpr std::int64_t kMostSlips = 3;
+      const std::string* near = use.count <= kMostSlips ? nearest(name, asked_names_) : nullptr;
+      std::string what = "no rule asks for " + name + " of [" + use.form + "]";
+      if (use.count > 1) what += " and of " + std::to_string(use.count - 1) + " more";
+      if (line != 0) needles_[findings_.size()] = name;
+      findings_.push_back({words_.file, line, 0, 0, near != nullptr ? Level::warning : Level::note, "unused-name",
+                           std::move(what), near != nullptr ? "did you mean " + *near + "?" : ""});
+    }
+  }
+
+  void report(const GraphSurvey::Use& use, Level level, const char* code, std::string what, std::string remedy) {
+    findings_.push_back({input_.graphs[use.file].file, use.line, use.column, use.end_column, level, code,
+                         std::move(what), std::move(remedy)});
+  }
+
+  static std::string times(std::int64_t count) { return count == 1 ? "" : " (" + std::to_string(count) + " times)"; }
+
+  using UseOfName = std::pair<NameId, const GraphSurvey::Use*>;
+
+  // By their first places, or by count and then these.
+  static std::vector<UseOfName> sorted(const std::unordered_map<NameId, GraphSurvey::Use>& uses, bool by_count) {
+    std::vector<UseOfName> result;
+    for (const auto& [name, use] : uses) result.emplace_back(name, &use);
+    std::ranges::sort(result, {}, [by_count](const UseOfName& use) {
+      return std::tuple(by_count ? -use.second->count : 0, use.second->file, use.second->line, use.second->column);
+    });
+    return result;
+  }
+
+  void check_graph_names() {
+    std::vector<const std::string*> lost_labels;
+    for (const RuleView& rule : base_.rules) {
+      for (const RuleItem& item : rule.items) {
+        if (item.place == Place::relation && !graphs_.labels.contains(item.name))
+          lost_labels.push_back(&names_[item.name]);
+      }
+    }
+    for (const auto& [name, use] : sorted(graphs_.labels, false)) check_graph_label(name, *use, lost_labels);
+    for (const auto& [id, use] : sorted(graphs_.attributes, false)) {
+      const NameUse& known = use_of(id);
+      if (known.asked || known.taken || (known.given & by_engine) != 0) continue;
+      const std::string& name = names_[id];
+      const std::string* near = nearest(name, asked_names_);
+      report(*use, near != nullptr ? Level::warning : Level::note, "unused-name",
+             "no rule asks for " + name + times(use->count), near != nullptr ? "did you mean " + *near + "?" : "");
+    }
+    if (words_.is_there) check_graph_words();
+  }
+
+  void check_graph_label(NameId id, const GraphSurvey::Use& use, const std::vector<const std::string*>& lost_labels) {
+    const std::string& label = names_[id];
+    if (label.size() > kRelationLabelLimit) {
+      report(use, Level::warning, "label-cut",
+             "rules can see the relation " + label + " as >" + label + ", and cannot follow it" + times(use.count),
+             "use a label of up to three characters");
+      return;
+    }
+    if (use_of(id).followed) return;
+    const bool is_seen = std::ranges::any_of(std::array{'>', '<'}, [&](char sign) {
+      const NameId seen = names_.find(sign + label);
+      return seen != kNoName && use_of(seen).asked;
+    });
+    const std::string* near = nearest(label, lost_labels);
+    report(use, is_seen && near == nullptr ? Level::note : Level::warning, "unfollowed-label",
+           "no rule follows " + label + times(use.count),
+           near != nullptr ? "did you mean " + *near + "?" : "write a rule that brings its word in");
+  }
+
+  void check_graph_words() {
+    for (const auto& [id, use] : sorted(graphs_.words, true)) {
+      const std::string& name = names_[id];
+      if (words_.by_concept.contains(id) || name.empty() || is_digit(name.front())) continue;
+      const std::size_t open = name.find('(');
+      const NameId plain = open == std::string::npos ? kNoName : names_.find(name.substr(0, open));
+      if (plain != kNoName && words_.by_concept.contains(plain)) continue;
+      // A capital, or a letter beyond ASCII, begins a name, which needs no entry.
+      const bool is_name = open == std::string::npos && !(name.front() >= 'a' && name.front() <= 'z');
+      report(*use, is_name ? Level::note : Level::warning, "unknown-word",
+             "the dictionary has no " + name + times(use->count) + (is_name ? "; it counts as a name" : ""),
+             is_name ? ""
+                     : "write an entry with the concept word \"" + name + "\", or the word in quotes if it is a name");
+    }
+  }
+
+  const CheckInput& input_;
+  Names names_;
+  std::vector<Finding> findings_;
+  RuleBase base_;
+  GraphSurvey graphs_;
+  WordSurvey words_;
+  std::unordered_set<NameId> pairs_;
+  WordQuestions questions_;
+  std::vector<NameUse> uses_;
+  std::unordered_set<NameId> roles_;
+  std::unordered_set<NameId> written_forms_;
+  std::set<std::string> name_forms_;
+  bool has_class_ = false;
+  bool has_splits_ = false;
+  std::vector<const std::string*> given_names_;
+  std::vector<const std::string*> asked_names_;
+  std::unordered_map<std::string, const std::string*> near_;
+  std::map<std::vector<NameId>, bool> together_;
+  std::unordered_map<NameId, std::vector<std::uint32_t>> sets_with_;
+  std::unordered_map<std::size_t, std::string> needles_;
+};
+
+}  // namespace
+
+std::span<const CheckCode> check_codes() {
+  return kCodes;
+}
+
+std::vector<Finding> check(const CheckInput& input) {
+  return Check(input).run();
+}
+
+}  // namespace lab
+}  // namespace v1
+}  // namespace lexon

@@ -1,0 +1,175 @@
+// lexon-lab check: mistakes that no single file shows.
+
+#include <algorithm>
+#include <array>
+#include <iostream>
+#include <memory>
+#include <nlohmann/json.hpp>
+#include <set>
+
+#include "front/process.hpp"
+#include "lab/check.hpp"
+#include "lab/commands.hpp"
+#include "lab/text_file.hpp"
+#include "run/files.hpp"
+#include "run/notes.hpp"
+#include "source/expand.hpp"
+
+namespace lexon {
+inline namespace v1 {
+namespace lab {
+
+namespace {
+
+using Json = nlohmann::ordered_json;
+
+struct Arguments {
+  std::string rules;
+  std::string words;
+  std::string cooccurrence;
+  std::vector<std::string> inputs;
+  std::string format = "text";
+  std::vector<std::string> silenced;
+  int blocks = kMaxBlocks;
+  bool is_strict = false;
+};
+
+const char* name_of(Level level) {
+  switch (level) {
+    case Level::error: return "error";
+    case Level::warning: return "warning";
+    default: return "note";
+  }
+}
+
+void write_text(const std::vector<Finding>& findings) {
+  for (const Finding& finding : findings) {
+    std::cout << escaped(finding.file);
+    if (finding.line != 0) std::cout << ':' << finding.line;
+    if (finding.column != 0) std::cout << ':' << finding.column;
+    std::cout << ": " << name_of(finding.level) << ": " << escaped(finding.text) << " [" << finding.code << "]\n";
+    if (!finding.remedy.empty()) std::cout << "  fix: " << escaped(finding.remedy) << '\n';
+  }
+}
+
+// Texts may hold bytes that are no UTF-8, which JSON cannot.
+void write_json(const Json& json) {
+  std::cout << json.dump(2, ' ', false, Json::error_handler_t::replace) << '\n';
+}
+
+Json json_of(const std::vector<Finding>& findings) {
+  Json all = Json::array();
+  for (const Finding& finding : findings) {
+    Json one{{"file", finding.file}};
+    if (finding.line != 0) one["line"] = finding.line;
+    if (finding.column != 0) {
+      one["column"] = finding.column;
+      one["endColumn"] = finding.end_column;
+    }
+    one["level"] = name_of(finding.level);
+    one["code"] = finding.code;
+    one["text"] = finding.text;
+    if (!finding.remedy.empty()) one["fix"] = finding.remedy;
+    all.push_back(std::move(one));
+  }
+  return all;
+}
+
+Json sarif_of(const std::vector<Finding>& findings) {
+  Json rules = Json::array();
+  for (const CheckCode& code : check_codes()) {
+    rules.push_back({{"id", code.code}, {"shortDescription", {{"text", code.text}}}});
+  }
+  Json results = Json::array();
+  for (const Finding& finding : findings) {
+    Json location{{"artifactLocation", {{"uri", finding.file}}}};
+    if (finding.line != 0) location["region"]["startLine"] = finding.line;
+    if (finding.column != 0) {
+      location["region"]["startColumn"] = finding.column;
+      location["region"]["endColumn"] = finding.end_column;
+    }
+    const std::string text = finding.remedy.empty() ? finding.text : finding.text + ". Fix: " + finding.remedy;
+    results.push_back({{"ruleId", finding.code},
+                       {"level", name_of(finding.level)},
+                       {"message", {{"text", text}}},
+                       {"locations", Json::array({{{"physicalLocation", location}}})}});
+  }
+  const Json driver{{"name", "lexon-lab check"}, {"version", LEXON_VERSION}, {"rules", rules}};
+  return {{"$schema", "https://json.schemastore.org/sarif-2.1.0.json"},
+          {"version", "2.1.0"},
+          {"runs",
+           Json::array({{{"tool", {{"driver", driver}}}, {"columnKind", "unicodeCodePoints"}, {"results", results}}})}};
+}
+
+void refuse_unknown_codes(const std::vector<std::string>& codes) {
+  for (const std::string& code : codes) {
+    const bool is_known =
+        std::ranges::any_of(check_codes(), [&code](const CheckCode& known) { return code == known.code; });
+    if (!is_known) throw Fault("--no " + code + ": no finding has this code: they stand in brackets behind each");
+  }
+}
+
+int run_check(const Arguments& arguments) {
+  refuse_unknown_codes(arguments.silenced);
+  CheckInput input;
+  input.rules = {arguments.rules, text_file_read(arguments.rules)};
+  input.words_file = arguments.words;
+  input.cooccurrence_file = arguments.cooccurrence;
+  input.blocks = arguments.blocks;
+  const bool may_be_source = path_split(arguments.rules).extension == kSourceExtension;
+  const Expansion expansion = may_be_source ? expand_source(arguments.rules) : Expansion();
+  if (expansion.is_source) {
+    std::string faults;
+    for (const SourceMessage& message : expansion.messages) faults += source_message_text(message) + '\n';
+    if (expansion.has_errors()) throw Fault(faults + "the source cannot be expanded");
+    tell(faults);
+    input.rules.text = expansion.text;
+    input.source = &expansion.map;
+  }
+  for (const std::string& path : arguments.inputs) input.graphs.push_back({path, text_file_read(path)});
+  if (path_split(arguments.rules).extension == ".rul" || input.rules.text.find('\0') != std::string::npos) {
+    throw Fault(arguments.rules + ": is no rule text: compiled rules do not tell lines; name the text");
+  }
+  std::vector<Finding> findings = check(input);
+  std::erase_if(findings, [&arguments](const Finding& finding) {
+    return std::ranges::find(arguments.silenced, finding.code) != arguments.silenced.end();
+  });
+  if (arguments.format == "json") write_json(json_of(findings));
+  if (arguments.format == "sarif") write_json(sarif_of(findings));
+  if (arguments.format == "text") write_text(findings);
+
+  std::array<std::int64_t, 3> counts{};
+  for (const Finding& finding : findings) ++counts[static_cast<std::size_t>(finding.level)];
+  std::cout.flush();
+  if (arguments.format == "text") {
+    tell_line(counted(counts[0], "error", "errors") + ", " + counted(counts[1], "warning", "warnings") + ", " +
+              counted(counts[2], "note", "notes"));
+  }
+  return counts[0] != 0 || (arguments.is_strict && counts[1] != 0) ? kFailed : kDone;
+}
+
+}  // namespace
+
+Command add_check(CLI::App& app) {
+  CLI::App* command = app.add_subcommand("check", "Find mistakes in rules, words and graphs without rendering");
+  const auto arguments = std::make_shared<Arguments>();
+  command->add_option("RULES", arguments->rules, "The rules, as text or as a grammar source (.lxr)")->required();
+  command->add_option("-d,--dict", arguments->words,
+                      "The dictionary: entry text, so that findings name its lines, or what lexon-dict makes of it");
+  command->add_option("-c,--cr", arguments->cooccurrence, "The co-occurrence dictionary, text or built");
+  command->add_option("-i,--input", arguments->inputs, "Graphs; - for standard input; may be repeated");
+  command->add_option("--format", arguments->format, "How findings are written")
+      ->check(CLI::IsMember({"text", "json", "sarif"}))
+      ->capture_default_str();
+  command->add_option("--no", arguments->silenced, "Leave out findings of this code; may be repeated")
+      ->allow_extra_args(false);
+  command->add_option("--blocks", arguments->blocks, "The memory that runs will have, as for lexon")
+      ->check(CLI::Range(1, 65535))
+      ->capture_default_str();
+  command->add_flag("--strict", arguments->is_strict, "Status 1 with warnings too");
+  return {command, [arguments] { return run_check(*arguments); }};
+}
+
+}  // namespace lab
+}  // namespace v1
+}  // namespace lexon
