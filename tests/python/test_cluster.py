@@ -67,8 +67,8 @@ def kill_a_worker(address):
             os.kill(process, signal.SIGKILL)
 
 
-def wait_for_size(path, size):
-    while not path.exists() or path.stat().st_size < size:
+def wait_for_size(path, size, process):
+    while process.poll() is None and (not path.exists() or path.stat().st_size < size):
         time.sleep(0.01)
 
 
@@ -127,7 +127,7 @@ def test_lost_workers_lose_nothing(english, scheduler, tmp_path):
     call = command(*words, tmp_path / "out.txt", *switches, "--scheduler", scheduler)
     process = subprocess.Popen(call, stderr=subprocess.PIPE, text=True)
     for kills in (1, 2, 3):
-        wait_for_size(tmp_path / "out.txt.part", len(wanted) * kills // 5)
+        wait_for_size(tmp_path / "out.txt.part", len(wanted) * kills // 5, process)
         kill_a_worker(scheduler)
     told = process.communicate()[1]
     assert (process.returncode, masked((tmp_path / "out.txt").read_text()) == wanted) == (0, True), told
@@ -137,7 +137,7 @@ def test_a_killed_client_goes_on(english, scheduler, tmp_path):
     words, switches, wanted = english
     call = command(*words, tmp_path / "out.txt", *switches, "--scheduler", scheduler)
     process = subprocess.Popen(call, stderr=subprocess.PIPE, text=True)
-    wait_for_size(tmp_path / "out.txt.part", len(wanted) // 4)
+    wait_for_size(tmp_path / "out.txt.part", len(wanted) // 4, process)
     process.kill()
     process.communicate()
     other = cluster(*words, tmp_path / "out.txt", *switches, "-L1", "--scheduler", scheduler)
