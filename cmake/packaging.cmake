@@ -101,6 +101,7 @@ install(FILES ${CMAKE_BINARY_DIR}/packaging/lexon.pc DESTINATION ${CMAKE_INSTALL
 # ---- python3-lexon, where it is built
 if(TARGET lexon_python)
   lexon_package_papers(python3-lexon python)
+  lexon_man_pages(python lexon-cluster.1)
 endif()
 
 # ---- lexon-gui, where it is built

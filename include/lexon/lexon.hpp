@@ -86,6 +86,9 @@ class LEXON_API Grammar {
 
   // The dictionary files that are open, each dictionary in front of its index. Throws std::bad_alloc.
   [[nodiscard]] std::vector<std::string> dictionary_files() const;
+  // The plain rules that a grammar source (".lxr") expands to; empty for other rules. Valid as long as any copy of the
+  // grammar.
+  [[nodiscard]] std::string_view expansion() const noexcept;
   // What a run that compiles these rules prints about them, in front of its sentences; empty for compiled rules. Valid
   // as long as any copy of the grammar.
   [[nodiscard]] std::string_view printed() const noexcept;

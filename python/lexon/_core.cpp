@@ -163,6 +163,7 @@ PYBIND11_MODULE(_core, module) {
              for (const std::string& path : self.grammar().dictionary_files()) list.append(py::bytes(path));
              return list;
            })
+      .def("expansion", [](const Renderer& self) { return py::bytes(std::string(self.grammar().expansion())); })
       .def("printed", [](const Renderer& self) { return py::bytes(std::string(self.grammar().printed())); })
       .def("messages", [](const Renderer& self) { return list_of(self.grammar().messages()); })
       .def("render", &render, py::arg("graphs"), py::arg("level"), py::arg("post_edit"), py::arg("time_limit"),

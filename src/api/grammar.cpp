@@ -26,6 +26,7 @@ struct RuleStep {
   std::vector<Message>& messages;
   const std::string& file;
   SourceMap& source;
+  std::string& expansion;
 };
 
 // The rest of the step, behind parsing or reading the rules.
@@ -62,7 +63,8 @@ bool load_source(RuleStep& step, ExpandedFile&& source) {
   source_messages_append(step.messages, source.expansion.messages);
   if (source.expansion.has_errors()) return false;
   step.source = std::move(source.expansion.map);
-  std::string_view text = source.expansion.text;
+  step.expansion = std::move(source.expansion.text);
+  std::string_view text = step.expansion;
   return parse(step, text);
 }
 
@@ -115,7 +117,7 @@ void load_all(LoadedGrammar& grammar, const GrammarFiles& files, const std::stri
   if (!files.cooccurrence.empty()) is_usable = open_cooccurrence(grammar, files.cooccurrence) && is_usable;
   grammar.rules.pool.limit_blocks(std::clamp(files.blocks, 1, kMostBlocks));
   const auto session = std::make_unique<Session>();
-  RuleStep step{*session, grammar.rules, grammar.messages, rule_file, grammar.source};
+  RuleStep step{*session, grammar.rules, grammar.messages, rule_file, grammar.source, grammar.expansion};
   grammar.is_usable = load_rules_of(step) && is_usable;
   grammar.printed = session->output.take();
 }
@@ -167,6 +169,10 @@ std::vector<std::string> Grammar::dictionary_files() const {
     files.push_back(dictionary->index_path);
   }
   return files;
+}
+
+std::string_view Grammar::expansion() const noexcept {
+  return body_ == nullptr ? std::string_view() : body_->expansion;
 }
 
 std::string_view Grammar::printed() const noexcept {

@@ -15,7 +15,8 @@ struct LoadedGrammar {
   Dictionary cooccurrence;  // not open when there is none
   SourceMap source;         // of rules from a grammar source; else empty
   std::vector<Message> messages;
-  std::string printed;  // by the rule step
+  std::string printed;    // by the rule step
+  std::string expansion;  // of a grammar source; else empty
   bool is_usable = false;
 };
 

@@ -5,6 +5,7 @@
 
 #include "data/platform.hpp"
 #include "dict/dictionary.hpp"
+#include "source/expand.hpp"
 
 namespace lexon {
 
@@ -25,6 +26,15 @@ void put_dictionary(Stamp& stamp, const std::string& name, const std::string& pa
   stamp.put(name + " index", content_of(dictionary.index.get()).value_or(FileMark{}));
 }
 
+// Of a source all that it expands to counts.
+FileMark rules_mark(const std::string& path) {
+  const Expansion expansion = path.ends_with(kSourceExtension) ? expand_source(path) : Expansion{};
+  if (!expansion.is_source) return content_mark(path).value_or(FileMark{});
+  ByteHash hash;
+  hash.add(expansion.text.data(), expansion.text.size());
+  return {static_cast<std::int64_t>(expansion.text.size()), hash.value(), {0, 0}};
+}
+
 std::string settings_text(const RunSettings& settings) {
   const std::pair<const char*, std::int64_t> all[] = {
       {"-S", settings.start_sentence},        {"-N", settings.sentence_count},           {"-L", settings.trace_level},
@@ -41,7 +51,7 @@ Stamp made_of(const RunSettings& settings, const char* version, const Borders& b
   FileMark input = borders.input;
   input.time = {0, 0};
   stamp.put("input", input);
-  stamp.put("rules", content_mark(settings.rule_file).value_or(FileMark{}));
+  stamp.put("rules", rules_mark(settings.rule_file));
   put_dictionary(stamp, "dictionary", settings.dictionary_file);
   put_dictionary(stamp, "co-occurrence dictionary", settings.cr_dictionary_file);
   stamp.put("switches", settings_text(settings));

@@ -3,7 +3,6 @@
 from __future__ import annotations
 
 import argparse
-import collections
 import contextlib
 import dataclasses
 import logging
@@ -15,6 +14,7 @@ import sys
 import tempfile
 import time
 import warnings
+import zlib
 from typing import Any, Dict, Iterator, List, Optional
 
 import lexon
@@ -27,6 +27,9 @@ STATUS_OK, STATUS_NO_START, STATUS_WRONG, STATUS_LOST, STATUS_OUTPUT, STATUS_CAN
 
 # Times that a chunk may lose its workers before it is rendered apart, and then before it is set aside.
 _TRIES_APART = 3
+
+
+_GONE = "the scheduler is gone; the same command goes on from here"
 
 
 class CannotGoOn(Exception):
@@ -129,10 +132,10 @@ class _Run:
                                       "text" if line.format == "text" else "jsonl", line.poison)
         self.jobs: Dict[int, _Job] = {}
         self.finished: "queue.Queue[Any]" = queue.Queue()
-        self.left_over: List[str] = []
-        self.sizes = collections.deque([0.0], maxlen=20)
+        self.workers = self.threads = 0
+        self.next_count = 0.0
         self.start = self.shown = time.monotonic()
-        self.tried_before = output.progress.tried
+        self.tried_before, self.bytes_before = output.progress.tried, self._bytes_passed()
 
     def run(self) -> None:
         self.client.register_worker_plugin(self.files, name=self.files.name)
@@ -150,12 +153,15 @@ class _Run:
             self._show()
 
     def _window(self) -> int:
-        threads = sum(self.client.nthreads().values()) if not self.jobs or time.monotonic() > self._threads_at else 0
-        if threads:
-            self._threads, self._threads_at = threads, time.monotonic() + 2
-        return 2 * getattr(self, "_threads", 1) + 2
-
-    _threads_at = 0.0
+        """Chunks on their way: some more than there are threads, which are counted anew now and then."""
+        if time.monotonic() >= self.next_count:
+            try:
+                threads = self.client.nthreads()
+            except (OSError, TimeoutError):
+                raise CannotGoOn(_GONE) from None
+            self.workers, self.threads = len(threads), sum(threads.values())
+            self.next_count = time.monotonic() + 2
+        return 2 * max(1, self.threads) + 2
 
     def _begin(self, job: _Job) -> None:
         """Sends the chunk to some worker, under a name of its own."""
@@ -177,7 +183,7 @@ class _Run:
         except queue.Empty:
             found = []
             if self.client.status not in ("running", "connecting"):
-                raise CannotGoOn("the scheduler is gone; the same command goes on from here")
+                raise CannotGoOn(_GONE)
         with contextlib.suppress(queue.Empty):
             while True:
                 found.append(self.finished.get_nowait())
@@ -199,7 +205,7 @@ class _Run:
                 return self._begin(job)  # its worker went with the result
         if future.status != "error":
             if self.client.status not in ("running", "connecting"):
-                raise CannotGoOn("the scheduler is gone; the same command goes on from here")
+                raise CannotGoOn(_GONE)
             return self._begin(job)
         error = future.exception(timeout=60)
         if not isinstance(error, distributed.scheduler.KilledWorker):
@@ -215,8 +221,6 @@ class _Run:
         with open(path, "wb") as file:
             file.write(job.chunk.graphs)
         _tell(f"{_place(self.inputs, job.chunk)}: these sentences ended {_TRIES_APART + 3} workers and are set aside in {path}")
-        import zlib
-
         parts = lexon.split(job.chunk.graphs)
         text = b"".join(work._lost_output(b"", "set aside", self.settings.form) for _ in parts)
         job.result = work.Result(zlib.compress(text), failed=len(parts), begins_with_target=job.bit)
@@ -247,20 +251,20 @@ class _Run:
         if (left := self._seconds_left(now)) is not None:
             text += f", {left:.0f} s left"
         lost = progress.failed + progress.over_time
-        text += f", failed {lost}, {len(self.client.nthreads())} workers"
+        text += f", failed {lost}, {self.workers} workers"
         print(f"\r{text}\033[K" if is_terminal else text, end="" if is_terminal else "\n", file=sys.stderr, flush=True)
 
     def _seconds_left(self, now: float) -> Optional[float]:
         """By the bytes of the inputs; none where they are packed, or at the beginning."""
+        passed = self._bytes_passed()
+        if passed <= self.bytes_before or any(name.endswith((".gz", ".zst", ".zstd")) for name in self.inputs):
+            return None
+        whole = sum(os.path.getsize(name) for name in self.inputs)
+        return (whole - passed) * (now - self.start) / (passed - self.bytes_before)
+
+    def _bytes_passed(self) -> int:
         place = self.output.progress.place
-        if any(name.endswith((".gz", ".zst", ".zstd")) for name in self.inputs):
-            return None
-        sizes = [os.path.getsize(name) for name in self.inputs]
-        passed = sum(sizes[:place.file]) + place.offset
-        self.first_passed = getattr(self, "first_passed", passed)
-        if passed <= self.first_passed:
-            return None
-        return (sum(sizes) - passed) * (now - self.start) / (passed - self.first_passed)
+        return sum(os.path.getsize(name) for name in self.inputs[:place.file]) + place.offset
 
 
 def _where(chunk: Chunk) -> List[int]:

@@ -74,10 +74,11 @@ class Output:
         self._file = open(self._part, "r+b" if found and size else "wb")
         self._file.truncate(self.progress.size)
         self._file.seek(self.progress.size)
-        self._journal = open(self._journal_path, "wb")
+        # The new journal, of one line, takes the place of the old one in one move.
+        self._journal = open(self._journal_path + ".new", "wb")
         self._journal.write(json.dumps(of).encode() + b"\n")
-        self._next_line = 0.0
         self.sync()
+        os.replace(self._journal_path + ".new", self._journal_path)
 
     def write(self, text: bytes) -> None:
         self._file.write(text)

@@ -63,6 +63,8 @@ class GrammarFiles:
         for path in [rules, *paths]:
             with open(path, "rb") as file:
                 self.contents.append((os.path.basename(path), file.read()))
+        if expansion := grammar._renderer.expansion():  # what a source includes is in there
+            self.contents[0] = (os.path.basename(rules) + ".txt", expansion)
         self.encoding, self.blocks, self.version = encoding, blocks, lexon.__version__
         digest = hashlib.sha256(repr((encoding, blocks, self.version)).encode())
         for name, content in self.contents:
