@@ -55,6 +55,13 @@ def build_case(source, target):
     return words
 
 
+def targets_left(parts):
+    """Of the sentences of search-forced, with `--blocks 4`: one that leaves a forced target, one that still looks for it,
+    and one that finds no memory, which makes an end of it."""
+    hungry = "".join(f"mod(n{i}.@entry.{'x' * 500}, m{i})\n" for i in range(200))
+    return [parts[4], parts[5], f"[S:hungry]\n{hungry}[/S]\n"]
+
+
 def output(words, target, statuses=(0, 3)):
     """What a run writes, without its time lines."""
     made = run("lexon", *words, folder=target)

@@ -104,16 +104,17 @@ def texts():
 
 
 def leftovers():
-    """Every third sentence leaves a forced target, which the next one takes up or carries on."""
+    """A forced target that one sentence leaves, and the next ones carry on; only one without memory is free of it."""
     source = table.ROOT / "tests" / "golden" / "search-forced"
     with table.folder() as name:
         target = pathlib.Path(name)
         words = table.build_case(source, target)
-        parts = table.text(source / "input.txt").split("[S")[1:]
-        (target / "many.txt").write_text("".join("[S" + part for _ in range(40) for part in parts))
         words[2] = "many.txt"
-        for level in (0, 3):
-            compare(f"forced targets at level {level}", [*words, "-N0", f"-L{level}"], target)
+        parts = ["[S" + part for part in table.text(source / "input.txt").split("[S")[1:]]
+        for title, sentences in (("left for good", parts), ("left by every third", table.targets_left(parts))):
+            (target / "many.txt").write_text("".join(sentences * 40))
+            for level in (0, 3):
+                compare(f"forced targets {title}, level {level}", [*words, "-N0", f"-L{level}", "--blocks", "4"], target)
 
 
 def ends():
