@@ -12,7 +12,7 @@ from typing import Any, Iterator, List
 from .. import _core
 
 # Bytes of a chunk, about: a chunk of long sentences has fewer of them.
-_CHUNK_BYTES = 1 << 20
+_CHUNK_BYTES = 16 << 20
 _BLOCK = 1 << 20
 
 
