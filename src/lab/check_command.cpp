@@ -3,9 +3,10 @@
 #include <algorithm>
 #include <array>
 #include <iostream>
+#include <map>
 #include <memory>
 #include <nlohmann/json.hpp>
-#include <set>
+#include <tuple>
 
 #include "front/process.hpp"
 #include "lab/check.hpp"
@@ -42,13 +43,25 @@ const char* name_of(Level level) {
   }
 }
 
+// Of one slip that was copied about, so many places are shown to people.
+constexpr std::int64_t kShownAlike = 5;
+
 void write_text(const std::vector<Finding>& findings) {
+  using What = std::tuple<std::string, std::string, std::string>;
+  const auto what_of = [](const Finding& finding) { return What(finding.code, finding.file, finding.text); };
+  std::map<What, std::int64_t> alike;
+  for (const Finding& finding : findings) ++alike[what_of(finding)];
+  std::map<What, std::int64_t> shown;
   for (const Finding& finding : findings) {
+    const What what = what_of(finding);
+    const std::int64_t count = ++shown[what];
+    if (count > kShownAlike) continue;
     std::cout << escaped(finding.file);
     if (finding.line != 0) std::cout << ':' << finding.line;
     if (finding.column != 0) std::cout << ':' << finding.column;
     std::cout << ": " << name_of(finding.level) << ": " << escaped(finding.text) << " [" << finding.code << "]\n";
     if (!finding.remedy.empty()) std::cout << "  fix: " << escaped(finding.remedy) << '\n';
+    if (count == kShownAlike && alike[what] > count) std::cout << "  and " << alike[what] - count << " more places\n";
   }
 }
 

@@ -105,7 +105,7 @@ def slip(source, what, file, old, new, code, place=None):
 def clean():
     """No errors and no warnings where nothing is wrong, with entries as text and built."""
     for source in sorted(path.parent for path in EXAMPLES.glob("**/rules.txt")):
-        if not (source / "entries.txt").exists():
+        if not (source / "expected.txt").exists():
             continue
         graphs = source / "input.txt" if (source / "input.txt").exists() else source.parent / "input.txt"
         pairs = ["-c", "cr.txt"] if (source / "cr.txt").exists() else []
