@@ -144,6 +144,19 @@ void step_quantities(Meaning& meaning) {
 
 void step_pronouns(Meaning& meaning) {
   Rewriter graph(meaning, "pronouns");
+  // "Some person" is someone.
+  for (int at = 0; at < graph.count(); ++at) {
+    const int led = graph.child(at, "mod");
+    const bool is_person = graph.is(at, "person") || graph.is(at, "individual-person");
+    if (led < 0 || (!is_person && !graph.is(at, "thing")) || !graph.children(graph.arc(led).to).empty()) continue;
+    for (const char* word : {"some", "any", "every", "no"}) {
+      if (!graph.is(graph.arc(led).to, word)) continue;
+      graph.settle_concept(graph.arc(led).to, Fate::word);
+      graph.remove(led, Fate::word);
+      graph.word(at).name = std::string(word) + (is_person ? "one" : "thing");
+      break;
+    }
+  }
   for (int at = 0; at < graph.count(); ++at) {
     Concept& word = graph.word(at);
     const bool is_bare =
