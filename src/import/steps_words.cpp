@@ -89,6 +89,21 @@ void step_dates(Meaning& meaning) {
   }
 }
 
+// (r / rate-entity-91 :ARG3 (t / temporal-quantity :quant 1 :unit (d / day))): every day.
+static void rate_apply(Rewriter& graph, int at) {
+  int led = graph.child(at, "ARG3");
+  if (led < 0) led = graph.child(at, "ARG4");
+  if (led < 0 || graph.child(at, "ARG1") >= 0 || graph.child(at, "ARG2") >= 0) return;
+  const int period = graph.arc(led).to;
+  graph.settle_concept(at, Fate::attribute);
+  graph.remove(led, Fate::attribute);
+  attribute_add(graph.word(period), "@every");
+  const int number = graph.child(period, "quant");
+  if (number >= 0 && graph.word(graph.arc(number).to).name == "1") graph.remove(number, Fate::attribute);
+  graph.redirect(at, period);
+  graph.move_children(at, period);
+}
+
 void step_quantities(Meaning& meaning) {
   Rewriter graph(meaning, "quantities");
   for (int at = 0, end = graph.count(); at < end; ++at) {
@@ -120,6 +135,9 @@ void step_quantities(Meaning& meaning) {
         graph.move_children(at, head);
       }
     }
+  }
+  for (int at = 0, end = graph.count(); at < end; ++at) {
+    if (graph.is(at, "rate-entity", "91")) rate_apply(graph, at);
   }
   // A number as :mod is a name, "chapter 2"; words that speak of several go with a plural.
   constexpr std::array<std::string_view, 4> kSeveral{"all", "both", "these", "those"};

@@ -81,6 +81,7 @@ const StepRow kSteps[] = {
     {"quantity", "quantities", "(w / wait-01 :duration (t / temporal-quantity :quant 6 :unit (m / month)))",
      "dur(wait(>01).@entry.@v, month.@measure.@pl); qty(month, 6)"},
     {"ordinal", "quantities", "(d / day :ord (o / ordinal-entity :value 2))", "ord(day.@entry, 2(>ord).@ord)"},
+    {"every_day", "quantities", "(s / sing-01 :frequency (r / rate-entity-91 :ARG3 (t / temporal-quantity :quant 1 :unit (d / day))))", "fre(sing(>01).@entry.@v, day.@measure.@every)"},
     {"percent", "quantities", "(p / percentage-entity :value 20)", "qty(percent.@entry.@measure.@pl, 20)"},
     {"pronoun", "pronouns", "(g / go-02 :ARG0 (p / person :refer-person 3rd :refer-number plural))", "a0(go(>02).@entry.@v, they.@p3.@pl)"},
     {"someone", "pronouns", "(s / see-01 :ARG0 (p / person :mod (s2 / some)))", "a0(see(>01).@entry.@v, someone)"},
