@@ -29,8 +29,13 @@ std::vector<int> first_arcs(Rewriter& graph) {
     seen[static_cast<std::size_t>(at)] = true;
     first[static_cast<std::size_t>(at)] = led;
     std::vector<int> below = graph.children(at);
-    // An agent is said before what it does something to, wherever the source writes it.
+    // An agent is said before what it does something to, and a condition before both, wherever the source writes them.
     std::stable_partition(below.begin(), below.end(), [&](int one) { return graph.arc(one).role == "ARG0"; });
+    std::stable_partition(below.begin(), below.end(), [&](int one) {
+      const Arc& led_down = graph.arc(one);
+      const bool goes_in_front = led_down.role == "condition" || led_down.role == "time";
+      return goes_in_front && !led_down.inverse && is_clause(graph, led_down.to);
+    });
     for (auto one = below.rbegin(); one != below.rend(); ++one) open.emplace_back(*one, graph.arc(*one).to);
   }
   return first;
