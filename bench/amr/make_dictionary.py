@@ -344,19 +344,19 @@ def frames(folder, writer, sources):
                 if verb is None and not aliases and (lemma.partition(' ')[0] in sources.verbs or lemma in sources.verbs):
                     verb = lemma
                 pattern = patterns(roleset, sources, verb or lemma)
-                used = "".join(sorted(pos for pos, _ in aliases))
                 if verb:
                     writer.verb(verb, concept, pattern)
                 for noun in list(dict.fromkeys(surface(t) for pos, t in aliases if pos == "n" and not t.endswith("ing")))[:1]:
                     writer.noun(noun, concept, ",NMZ")
                 adjectives = [surface(t) for pos, t in aliases if pos == "j"]
-                for adjective in (sorted(adjectives, key=lambda a: a != lemma)[:1]):
+                if adjectives and lemma in sources.adjectives:
+                    adjectives = [lemma]
+                for adjective in adjectives[:1]:
                     writer.adjective(adjective, concept, "" if verb else pattern)
                 if verb:
                     for agent in agent_of(sources, verb)[:1]:
                         writer.noun(agent, concept, ",AGT")
                 known.add(name)
-                del used
     return known
 
 

@@ -26,6 +26,7 @@ constexpr RewriteStep kSteps[] = {
      step_coordination},
     {"quotation", "what is said in a form that only direct speech has becomes :quoted", step_quotation},
     {"questions", "what is asked for becomes :questioned of its clause, which gets @ask", step_questions},
+    {"tense", "a guess: a clause whose subject is you is about now, @pres, if nothing else is known", step_tense},
     {"control", "a subject that the governing clause has named becomes :understood", step_control},
     {"mentions", "a further mention becomes a word of its own with @ref", step_mentions},
     {kRelativesStep, "inverse roles keep their direction where the table has a label for them (:ARG0-of)", nullptr},

@@ -36,6 +36,7 @@ void step_speaker(Meaning& meaning);
 void step_quotation(Meaning& meaning);
 void step_questions(Meaning& meaning);
 void step_coordination(Meaning& meaning);
+void step_tense(Meaning& meaning);
 void step_control(Meaning& meaning);
 void step_mentions(Meaning& meaning);
 

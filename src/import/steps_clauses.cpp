@@ -29,8 +29,13 @@ std::vector<int> first_arcs(Rewriter& graph) {
     seen[static_cast<std::size_t>(at)] = true;
     first[static_cast<std::size_t>(at)] = led;
     std::vector<int> below = graph.children(at);
-    // An agent is said before what it does something to, wherever the source writes it.
+    // An agent is said before what it does something to, and a condition before both, wherever the source writes them.
     std::stable_partition(below.begin(), below.end(), [&](int one) { return graph.arc(one).role == "ARG0"; });
+    std::stable_partition(below.begin(), below.end(), [&](int one) {
+      const Arc& led_down = graph.arc(one);
+      const bool goes_in_front = led_down.role == "condition" || led_down.role == "time";
+      return goes_in_front && !led_down.inverse && is_clause(graph, led_down.to);
+    });
     for (auto one = below.rbegin(); one != below.rend(); ++one) open.emplace_back(*one, graph.arc(*one).to);
   }
   return first;
@@ -384,6 +389,18 @@ void step_questions(Meaning& meaning) {
   }
 }
 
+void step_tense(Meaning& meaning) {
+  Rewriter graph(meaning, "tense");
+  for (int at = 0; at < graph.count(); ++at) {
+    Concept& clause = graph.word(at);
+    const bool is_known = has_attribute(clause, "@past") || has_attribute(clause, "@pres") ||
+                          has_attribute(clause, "@fut") || has_attribute(clause, "@imp") ||
+                          !has_attribute(clause, "@v");
+    const int subject = subject_arc(graph, at);
+    if (!is_known && subject >= 0 && graph.is(graph.arc(subject).to, "you")) attribute_add(clause, "@pres");
+  }
+}
+
 void step_control(Meaning& meaning) {
   Rewriter graph(meaning, "control");
   const std::vector<int> first = first_arcs(graph);
@@ -396,14 +413,17 @@ void step_control(Meaning& meaning) {
     if (!may_be_infinite || subject < 0) continue;
     const int person = graph.arc(subject).to;
     if (first[static_cast<std::size_t>(person)] == subject) continue;
-    // Named by the governing clause, or by the one whose subject that clause shares.
-    const int governor = graph.arc(above).from;
+    // Named by the governing clause, or for a purpose by the one above: "she has no time to sing".
     bool is_named = false;
-    for (const int led : graph.children(governor)) {
-      is_named |= led != above && !graph.arc(led).inverse && graph.arc(led).to == person;
+    int led_here = above;
+    for (int steps = role == "purpose" ? 3 : 1; steps > 0 && led_here >= 0 && !is_named; --steps) {
+      const int governor = graph.arc(led_here).from;
+      for (const int led : graph.children(governor)) {
+        is_named |= led != led_here && !graph.arc(led).inverse && graph.arc(led).to == person;
+      }
+      led_here = first[static_cast<std::size_t>(governor)];
+      is_named |= led_here >= 0 && graph.arc(led_here).inverse && graph.arc(led_here).from == person;
     }
-    const int relative = first[static_cast<std::size_t>(governor)];
-    is_named |= relative >= 0 && graph.arc(relative).inverse && graph.arc(relative).from == person;
     if (!is_named) continue;
     if (graph.arc(subject).role != "ARG0") attribute_add(graph.word(at), "@ctl1");
     graph.arc(subject).role = "understood";

@@ -89,6 +89,21 @@ void step_dates(Meaning& meaning) {
   }
 }
 
+// (r / rate-entity-91 :ARG3 (t / temporal-quantity :quant 1 :unit (d / day))): every day.
+static void rate_apply(Rewriter& graph, int at) {
+  int led = graph.child(at, "ARG3");
+  if (led < 0) led = graph.child(at, "ARG4");
+  if (led < 0 || graph.child(at, "ARG1") >= 0 || graph.child(at, "ARG2") >= 0) return;
+  const int period = graph.arc(led).to;
+  graph.settle_concept(at, Fate::attribute);
+  graph.remove(led, Fate::attribute);
+  attribute_add(graph.word(period), "@every");
+  const int number = graph.child(period, "quant");
+  if (number >= 0 && graph.word(graph.arc(number).to).name == "1") graph.remove(number, Fate::attribute);
+  graph.redirect(at, period);
+  graph.move_children(at, period);
+}
+
 void step_quantities(Meaning& meaning) {
   Rewriter graph(meaning, "quantities");
   for (int at = 0, end = graph.count(); at < end; ++at) {
@@ -121,6 +136,9 @@ void step_quantities(Meaning& meaning) {
       }
     }
   }
+  for (int at = 0, end = graph.count(); at < end; ++at) {
+    if (graph.is(at, "rate-entity", "91")) rate_apply(graph, at);
+  }
   // A number as :mod is a name, "chapter 2"; words that speak of several go with a plural.
   constexpr std::array<std::string_view, 4> kSeveral{"all", "both", "these", "those"};
   for (Arc& one : meaning.arcs) {
@@ -144,6 +162,19 @@ void step_quantities(Meaning& meaning) {
 
 void step_pronouns(Meaning& meaning) {
   Rewriter graph(meaning, "pronouns");
+  // "Some person" is someone.
+  for (int at = 0; at < graph.count(); ++at) {
+    const int led = graph.child(at, "mod");
+    const bool is_person = graph.is(at, "person") || graph.is(at, "individual-person");
+    if (led < 0 || (!is_person && !graph.is(at, "thing")) || !graph.children(graph.arc(led).to).empty()) continue;
+    for (const char* word : {"some", "any", "every", "no"}) {
+      if (!graph.is(graph.arc(led).to, word)) continue;
+      graph.settle_concept(graph.arc(led).to, Fate::word);
+      graph.remove(led, Fate::word);
+      graph.word(at).name = std::string(word) + (is_person ? "one" : "thing");
+      break;
+    }
+  }
   for (int at = 0; at < graph.count(); ++at) {
     Concept& word = graph.word(at);
     const bool is_bare =
