@@ -205,35 +205,6 @@ def stops():
             process.send_signal(number)
             table.check(f"cancelled by {number.name}", (process.wait(), case.output()), (130, DOG + "[S:2]\n;;Cancelled!\n"))
         table.check("rules that were whole stay", (case.at / "rules.rul").exists(), True)
-    many = RULES + "".join(f"R{{A{i}:::}}{{B{i % 97}:::}}P3;\n" for i in range(4000))
-    with table.folder() as folder:
-        os.environ["TMPDIR"] = folder  # a program that is killed while it sorts leaves its files
-        case = Case(folder, {"rules.txt": many})
-        table.check("many rules", (case.run().returncode, case.output()), (0, DOG))
-        whole = case.bytes("rules.rul"), case.bytes("rules.mtx")
-        # Whenever a conversion is killed, the next run makes the same compiled files and the same sentences.
-        for delay in range(0, 60, 12):
-            for name in ("rules.rul", "rules.mtx"):
-                (case.at / name).unlink()
-            process = case.start()
-            time.sleep(delay / 1000)
-            process.kill()
-            process.wait()
-            status = case.run().returncode
-            table.check(f"killed after {delay} ms", (status, case.output(), (case.bytes("rules.rul"), case.bytes("rules.mtx")) == whole), (0, DOG, True))
-        # A cancelled conversion leaves no compiled files; where only the matrix is made anew, the rules stay.
-        for kept in ([], ["rules.rul"]):
-            for name in {"rules.rul", "rules.mtx"} - set(kept):
-                (case.at / name).unlink()
-            before = len(list(case.at.iterdir()))
-            process = case.start()
-            wait_for((case.at / "rules.mtx").exists, process)
-            process.send_signal(signal.SIGINT)
-            if process.wait() == 130 and case.output() == ";;Cancelled!\n":
-                files = {f.name for f in case.at.iterdir() if f.suffix in (".rul", ".mtx")}
-                table.check(f"cancelled conversion, {kept}", files - {"rules.mtx"} if kept else files, set(kept))
-                table.check("nothing else is left", len(list(case.at.iterdir())) - before <= len(kept), True)
-            case.run()
 
 
 cases()

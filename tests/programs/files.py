@@ -316,7 +316,7 @@ def left_drafts_go(command):
 SENTENCE = "[S:dog]\n[W]\ndog.@entry\n[/W]\n[/S]\n"
 
 
-def on_a_pipe(words, before="", signalled=None, within=20):
+def on_a_pipe(words, before="", signals=(), within=20):
     """The run, whose input is a FIFO with `before` in it and a writer that then keeps silent."""
     os.mkfifo("fifo")
     command = [LEXON, *("fifo" if word == "input.txt" else word for word in WORDS), *words]
@@ -325,10 +325,10 @@ def on_a_pipe(words, before="", signalled=None, within=20):
     if before:
         writer.write(before)
         writer.flush()
-    if signalled:
+    if signals:
         while process.poll() is None and not (b";;Done!" in read("out.txt") if before else reads_fifo(process.pid)):
             time.sleep(0.01)
-        process.send_signal(signalled)
+        for number in signals: process.send_signal(number)
     try:
         status = process.wait(within)
     except subprocess.TimeoutExpired:
@@ -350,13 +350,13 @@ def silent_writer_is_over_time():
     return status == 3 and output.count(";;Done!") == 1 and output.count(";;Time Over!") == 1
 
 
-def silent_writer_is_cancelled(signalled):
-    status, output = on_a_pipe([], SENTENCE * 2000, signalled)
+def silent_writer_is_cancelled(*signals):
+    status, output = on_a_pipe([], SENTENCE * 2000, signals)
     return status == 130 and output.endswith(";;Cancelled!\n")
 
 
 def no_writer_is_cancelled():
-    return on_a_pipe([], None, signal.SIGINT)[0] == 130
+    return on_a_pipe([], None, [signal.SIGINT])[0] == 130
 
 
 def no_data_from(name, of):
@@ -469,6 +469,8 @@ ROWS += [
     ("a pipe without data: the time limit works", silent_writer_is_over_time),
     ("a pipe without data: SIGINT works", lambda: silent_writer_is_cancelled(signal.SIGINT)),
     ("a pipe without data: SIGTERM works", lambda: silent_writer_is_cancelled(signal.SIGTERM)),
+    ("a pipe without data: SIGTERM and SIGHUP at one stroke are one signal",
+     lambda: silent_writer_is_cancelled(signal.SIGSTOP, signal.SIGTERM, signal.SIGHUP, signal.SIGCONT)),
     ("a FIFO without a writer: SIGINT works", no_writer_is_cancelled),
     ("a pipe is read to its end", lambda: a_pipe_is_read_to_its_end("stdin")),
     ("a pipe that holds nothing ends", lambda: a_pipe_is_read_to_its_end("empty")),

@@ -5,11 +5,9 @@ messages.py BIN_FOLDER
 """
 import os
 import pty
-import signal
 import subprocess
 import sys
 import tempfile
-import time
 
 BIN = os.path.abspath(sys.argv[1])
 ENTRIES = '[dog]{} "dog" (N);\n[cat]{} "cat" (N);\n'
@@ -174,7 +172,7 @@ def check_fault(root, line, column, begin):
     return None if wanted in error and error.count("/r:") == 1 else "not %s, but:\n%s" % (wanted, error)
 
 
-# ---- descriptors, pipes and signals: each gives what is wrong, or None
+# ---- descriptors and terminals: each gives what is wrong, or None
 
 def closed_pipe(root):
     folder = fresh(root, {"i": DOG * 20000})
@@ -202,30 +200,6 @@ def closed_descriptors(root):
     with open(os.path.join(folder, "out.txt")) as file:
         text = file.read()
     return None if status == 0 and text.count(";;Done!") == 2 and text.startswith("[S:1]\n") else text
-
-
-def signalled(root, signals):
-    """The status of a run after `signals`, sent at once, and its output's end."""
-    folder = fresh(root, {"i": DOG * 2000000})
-    process = start(["lexon", "words.dic", "rules.txt", "i", "out.txt", "-N0", "-L0"], folder, stderr=subprocess.DEVNULL)
-    out = os.path.join(folder, "out.txt")
-    while not os.path.exists(out) or os.path.getsize(out) == 0:
-        time.sleep(0.01)
-    for number in signals:
-        process.send_signal(number)
-    status = process.wait(timeout=60)
-    with open(out) as file:
-        return status, file.read()[-12:]
-
-
-def hang_up(root):
-    got = signalled(root, [signal.SIGHUP])
-    return None if got == (130, ";;Cancelled!\n"[-12:]) else got
-
-
-def two_at_once(root):
-    got = signalled(root, [signal.SIGTERM, signal.SIGTERM])
-    return None if got == (130, ";;Cancelled!\n"[-12:]) else got
 
 
 def on_terminal(words, folder, stream):
@@ -263,7 +237,7 @@ def terminal(root):
     return wrong or (None if "[a\x1b[31m" in plain else plain)
 
 
-SCENES = [closed_pipe, full_answer, closed_descriptors, hang_up, two_at_once, terminal]
+SCENES = [closed_pipe, full_answer, closed_descriptors, terminal]
 
 
 def main():
