@@ -9,6 +9,7 @@
 #include <memory>
 #include <set>
 #include <sstream>
+#include <tuple>
 #include <utility>
 
 #include <nlohmann/json.hpp>
@@ -102,7 +103,9 @@ CoverageCounter::CoverageCounter(const Project& project) {
     numbers_[&rule] = list_.size();
     list_.push_back(&rule);
     RuleCount count;
-    count.line = project.line_of(rule).line;
+    const RulePlace place = project.line_of(rule);
+    count.file = place.file;
+    count.line = place.line;
     count.text = project.text_of(rule);
     coverage_.rules.push_back(std::move(count));
   }
@@ -230,7 +233,8 @@ Json json_of(const Coverage& coverage) {
                             {"misses", condition.misses},
                             {"example", condition.example}});
     }
-    rules.push_back({{"line", rule.line},
+    rules.push_back({{"file", rule.file},
+                     {"line", rule.line},
                      {"text", rule.text},
                      {"offered", rule.offered},
                      {"tried", rule.tried},
@@ -254,6 +258,7 @@ Coverage coverage_of(const Json& json) {
   coverage.windows = json.at("windows");
   for (const Json& each : json.at("rules")) {
     RuleCount rule;
+    rule.file = each.at("file");
     rule.line = each.at("line");
     rule.text = each.at("text");
     rule.offered = each.at("offered");
@@ -323,13 +328,14 @@ std::int64_t coverage_add(Coverage& to, const Coverage& from) {
 std::vector<const RuleCount*> in_file_order(const Coverage& coverage) {
   std::vector<const RuleCount*> rules;
   for (const RuleCount& rule : coverage.rules) rules.push_back(&rule);
-  std::stable_sort(rules.begin(), rules.end(),
-                   [](const RuleCount* a, const RuleCount* b) { return a->line < b->line; });
+  std::stable_sort(rules.begin(), rules.end(), [](const RuleCount* a, const RuleCount* b) {
+    return std::tie(a->file, a->line) < std::tie(b->file, b->line);
+  });
   return rules;
 }
 
-std::string place_text(const Project& project, const RuleCount& rule) {
-  return rule.line == 0 ? project.rule_text() : project.rule_text() + ':' + std::to_string(rule.line);
+std::string place_text(const RuleCount& rule) {
+  return rule.line == 0 ? rule.file : rule.file + ':' + std::to_string(rule.line);
 }
 
 std::string condition_text(const ConditionCount& condition) {
@@ -339,14 +345,14 @@ std::string condition_text(const ConditionCount& condition) {
   return text;
 }
 
-void print_text(const Project& project, const Coverage& coverage, bool with_conditions) {
+void print_text(const Coverage& coverage, bool with_conditions) {
   const auto fired =
       std::count_if(coverage.rules.begin(), coverage.rules.end(), [](const RuleCount& rule) { return rule.hits > 0; });
   std::cout << count_text(coverage.sentences, "sentence") << ", " << count_text(coverage.windows, "window") << "; "
             << fired << " of " << count_text(static_cast<std::int64_t>(coverage.rules.size()), "rule") << " fired\n\n";
   const std::vector<const RuleCount*> rules = in_file_order(coverage);
   for (const RuleCount* rule : rules) {
-    std::string line = place_text(project, *rule) + "  ";
+    std::string line = place_text(*rule) + "  ";
     if (rule->hits > 0) {
       line += count_text(rule->hits, "hit") + ", " + std::to_string(rule->undone) + " taken back, " +
               std::to_string(rule->tried - std::min(rule->hits, rule->tried)) + " misses; " + rule->example;
@@ -392,8 +398,11 @@ std::vector<std::string> source_lines(const std::string& path) {
 
 // The rule text with a colour and the counts at each rule; a file of its own.
 std::string html_page(const Project& project, const Coverage& coverage) {
-  std::map<std::uint32_t, const RuleCount*> by_line;
-  for (const RuleCount& rule : coverage.rules) by_line[rule.line] = &rule;
+  // Of a grammar source a line can stand for many rules.
+  std::map<std::uint32_t, std::vector<const RuleCount*>> by_line;
+  for (const RuleCount& rule : coverage.rules) {
+    if (rule.file == project.rule_text()) by_line[rule.line].push_back(&rule);
+  }
   const auto fired =
       std::count_if(coverage.rules.begin(), coverage.rules.end(), [](const RuleCount& rule) { return rule.hits > 0; });
   std::ostringstream page;
@@ -417,57 +426,73 @@ std::string html_page(const Project& project, const Coverage& coverage) {
            << "</td></tr>\n";
       continue;
     }
-    const RuleCount& rule = *found->second;
-    page << "<tr id=\"L" << number << "\" class=\""
-         << (rule.hits > 0      ? "hit"
-             : rule.offered > 0 ? "late"
-                                : "miss")
-         << "\"><td class=\"n\">" << number << "</td><td class=\"n\">" << rule.hits << "</td><td class=\"n\">"
-         << rule.undone << "</td><td class=\"n\">" << rule.tried << "</td><td class=\"c\">" << html_text(line)
-         << "<details><summary>" << (rule.example.empty() ? "conditions" : html_text(rule.example)) << "</summary><ul>";
-    for (const ConditionCount& condition : rule.conditions) {
-      page << "<li" << (condition.hits == 0 ? " class=\"zero\"" : "") << '>' << html_text(condition_text(condition))
-           << "</li>";
+    RuleCount all;
+    for (const RuleCount* rule : found->second) {
+      all.hits += rule->hits;
+      all.undone += rule->undone;
+      all.tried += rule->tried;
+      all.offered += rule->offered;
+      if (all.example.empty()) all.example = rule->example;
     }
-    page << "</ul></details></td></tr>\n";
+    page << "<tr id=\"L" << number << "\" class=\""
+         << (all.hits > 0      ? "hit"
+             : all.offered > 0 ? "late"
+                               : "miss")
+         << "\"><td class=\"n\">" << number << "</td><td class=\"n\">" << all.hits << "</td><td class=\"n\">"
+         << all.undone << "</td><td class=\"n\">" << all.tried << "</td><td class=\"c\">" << html_text(line)
+         << "<details><summary>" << (all.example.empty() ? "conditions" : html_text(all.example)) << "</summary>";
+    for (const RuleCount* rule : found->second) {
+      if (found->second.size() > 1)
+        page << "<p>" << html_text(rule->text) << ": " << count_text(rule->hits, "hit") << "</p>";
+      page << "<ul>";
+      for (const ConditionCount& condition : rule->conditions) {
+        page << "<li" << (condition.hits == 0 ? " class=\"zero\"" : "") << '>' << html_text(condition_text(condition))
+             << "</li>";
+      }
+      page << "</ul>";
+    }
+    page << "</details></td></tr>\n";
   }
   page << "</table></body></html>\n";
   return page.str();
 }
 
 // The tracefile that genhtml and editors read: a line is a rule, a branch pair a condition that held and failed.
-std::string lcov_text(const Project& project, const Coverage& coverage) {
+std::string lcov_text(const Coverage& coverage) {
   std::ostringstream text;
-  text << "TN:\nSF:" << project.rule_text() << '\n';
-  std::int64_t branches = 0;
-  std::int64_t taken = 0;
   const std::vector<const RuleCount*> rules = in_file_order(coverage);
-  for (const RuleCount* rule : rules) {
-    for (std::size_t at = 0; at < rule->conditions.size(); ++at) {
-      const ConditionCount& condition = rule->conditions[at];
-      for (const std::int64_t count : {condition.hits, condition.misses}) {
-        text << "BRDA:" << rule->line << ',' << at << ',' << branches % 2 << ',';
-        if (rule->offered == 0) {
-          text << "-\n";
-        } else {
-          text << count << '\n';
+  for (std::size_t begin = 0; begin < rules.size();) {
+    std::map<std::uint32_t, std::int64_t> hits;
+    std::int64_t branches = 0;
+    std::int64_t taken = 0;
+    text << "TN:\nSF:" << rules[begin]->file << '\n';
+    std::size_t at = begin;
+    for (; at < rules.size() && rules[at]->file == rules[begin]->file; ++at) {
+      const RuleCount& rule = *rules[at];
+      hits[rule.line] += rule.hits;
+      for (const ConditionCount& condition : rule.conditions) {
+        for (const std::int64_t count : {condition.hits, condition.misses}) {
+          text << "BRDA:" << rule.line << ',' << branches / 2 << ',' << branches % 2 << ',';
+          text << (rule.offered == 0 ? "-" : std::to_string(count)) << '\n';
+          ++branches;
+          taken += count > 0 && rule.offered > 0 ? 1 : 0;
         }
-        ++branches;
-        taken += count > 0 && rule->offered > 0 ? 1 : 0;
       }
     }
+    text << "BRF:" << branches << "\nBRH:" << taken << '\n';
+    std::int64_t hit = 0;
+    for (const auto& [line, count] : hits) {
+      text << "DA:" << line << ',' << count << '\n';
+      hit += count > 0 ? 1 : 0;
+    }
+    text << "LF:" << hits.size() << "\nLH:" << hit << "\nend_of_record\n";
+    begin = at;
   }
-  text << "BRF:" << branches << "\nBRH:" << taken << '\n';
-  std::int64_t hit = 0;
-  for (const RuleCount* rule : rules) {
-    text << "DA:" << rule->line << ',' << rule->hits << '\n';
-    hit += rule->hits > 0 ? 1 : 0;
-  }
-  text << "LF:" << rules.size() << "\nLH:" << hit << "\nend_of_record\n";
   return text.str();
 }
 
-// The rule text without the rules that never fired; comments and what is no rule in force stay.
+// The rule text without the rules that never fired; comments and what is no rule in force stay. Of a grammar source it
+// is the rules alone.
 std::string pruned_text(const Project& project, const Coverage& coverage) {
   std::set<std::uint32_t> left_out;
   std::string canonical;
@@ -477,7 +502,7 @@ std::string pruned_text(const Project& project, const Coverage& coverage) {
     if (rule.hits == 0) left_out.insert(rule.line);
     if (rule.hits > 0) canonical += rule.text + '\n';
   }
-  if (!has_lines) return canonical;
+  if (!has_lines || project.has_source()) return canonical;
   std::string text;
   std::uint32_t number = 0;
   for (const std::string& line : source_lines(project.rule_text())) {
@@ -524,10 +549,10 @@ int cover(const Arguments& arguments) {
   if (!arguments.data.empty())
     file_write(arguments.data, json_of(coverage).dump(1, ' ', false, Json::error_handler_t::replace) + '\n');
   if (!arguments.html.empty()) file_write(arguments.html, html_page(project, coverage));
-  if (!arguments.lcov.empty()) file_write(arguments.lcov, lcov_text(project, coverage));
+  if (!arguments.lcov.empty()) file_write(arguments.lcov, lcov_text(coverage));
   if (!arguments.pruned.empty()) file_write(arguments.pruned, pruned_text(project, coverage));
   const bool is_shown = arguments.data.empty() && arguments.html.empty() && arguments.lcov.empty();
-  if (is_shown || arguments.with_conditions) print_text(project, coverage, arguments.with_conditions);
+  if (is_shown || arguments.with_conditions) print_text(coverage, arguments.with_conditions);
   return status;
 }
 

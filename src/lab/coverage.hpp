@@ -22,6 +22,7 @@ struct ConditionCount {
 };
 
 struct RuleCount {
+  std::string file;        // the rule text, or the source that it comes from
   std::uint32_t line = 0;  // 0: not known
   std::string text;        // canonical
   std::int64_t offered = 0;
