@@ -79,7 +79,6 @@ struct Generator::Body {
   bool begin_sentence();
   bool end_sentence();
   void finish(Sentence& result, core::Status code, bool is_over_time, const TextWatch& text_before);
-  std::string text_of(const char* printed);
   std::string file_behind(const std::FILE* stream) const;
   void watch_clock(std::unique_lock<std::mutex>& lock);
   void ask_caller(std::unique_lock<std::mutex>& lock);
@@ -234,18 +233,6 @@ bool Generator::Body::end_sentence() {
   return is_over_time_;
 }
 
-// The text as it is at level 0, where relations that are left over do not show.
-std::string Generator::Body::text_of(const char* printed) {
-  std::int8_t& level = session_->state.trace_level;
-  if (level <= 0) return printed;
-  const std::int8_t kept = std::exchange(level, std::int8_t{0});
-  std::array<char, kSentenceSize> text{};
-  char* cursor = text.data();
-  const bool fits = collect_sentence(*session_, session_->sentence.semlst[0].entry, cursor, text.end(), 0);
-  level = kept;
-  return fits ? text.data() : printed;
-}
-
 // The path of one of the grammar's open files.
 std::string Generator::Body::file_behind(const std::FILE* stream) const {
   for (const Dictionary* dictionary : {&loaded_->words, &loaded_->cooccurrence}) {
@@ -264,7 +251,7 @@ core::Status Generator::Body::render_into(std::string_view& rest, Sentence& resu
   } catch (const std::bad_alloc&) {
     session_->state.forced_node = nullptr;
   }
-  if (code == core::Status::ok) result.text = text_of(text.data());
+  if (code == core::Status::ok) result.text = plain_sentence(*session_, text.data());
   return code;
 }
 

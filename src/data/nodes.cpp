@@ -52,8 +52,27 @@ Status copy_word_in_force(Session& session, Node& copy, Node& src, int mode) {
   return mark_as_original(session, src);
 }
 
-// Appends the attributes that `src` has gathered to the head block, each marked with "#".
-void append_marked_attrs(ScopeAttrs& block, const Node& src) {
+// All words afresh, with the attribute blocks of the source.
+Status copy_word_list(Session& session, Node& copy, Node& src, Relation* relation) {
+  const bool stands_for_built_scope = is_scope_reference(src) && scope_is_built(session, src.scope) != 0;
+  const WordEntry* words = stands_for_built_scope ? src.candidates : src.entries;
+  if (const Status s = entry_list_copy(session, words, copy.candidates); s != Status::ok) return s;
+  copy.scope_attrs = src.scope_attrs;
+  if (relation != nullptr) {
+    scope_attrs_to_front(copy, relation->scope);
+    if (relation->to == &src) {
+      relation->to = &copy;
+    } else if (relation->from == &src) {
+      relation->from = &copy;
+    }
+  }
+  if (!is_fresh(src) && copy.scope_attrs != nullptr) marked_attrs_append(*copy.scope_attrs, src);
+  return Status::ok;
+}
+
+}  // namespace
+
+void marked_attrs_append(ScopeAttrs& block, const Node& src) {
   if (block.text[0] == '\0' || std::strchr(block.text, '#') != nullptr) return;
   Scratch<kAttrLimit + 1> text;
   text.append(block.text).append(',');
@@ -69,26 +88,6 @@ void append_marked_attrs(ScopeAttrs& block, const Node& src) {
   }
   std::memcpy(block.text, text.c_str(), text.size() + 1);
 }
-
-// All words afresh, with the attribute blocks of the source.
-Status copy_word_list(Session& session, Node& copy, Node& src, Relation* relation) {
-  const bool stands_for_built_scope = is_scope_reference(src) && scope_is_built(session, src.scope) != 0;
-  const WordEntry* words = stands_for_built_scope ? src.candidates : src.entries;
-  if (const Status s = entry_list_copy(session, words, copy.candidates); s != Status::ok) return s;
-  copy.scope_attrs = src.scope_attrs;
-  if (relation != nullptr) {
-    scope_attrs_to_front(copy, relation->scope);
-    if (relation->to == &src) {
-      relation->to = &copy;
-    } else if (relation->from == &src) {
-      relation->from = &copy;
-    }
-  }
-  if (!is_fresh(src) && copy.scope_attrs != nullptr) append_marked_attrs(*copy.scope_attrs, src);
-  return Status::ok;
-}
-
-}  // namespace
 
 Status node_copy(Session& session, Node*& copy, Node& src, Relation* relation, int mode) {
   copy = temp_new<Node>(session);

@@ -18,6 +18,10 @@ struct Session;
 // attribute block. `copy` is null on failure.
 [[nodiscard]] Status node_copy(Session& session, Node*& copy, Node& src, Relation* relation, int mode);
 
+// Appends the attributes that the words of `src` have gathered to the block, each marked with "#", unless it is empty or
+// has marks already: what a copy over a relation shows of the node that it was copied from.
+void marked_attrs_append(ScopeAttrs& block, const Node& src);
+
 // Releases the node's name, words, newest record and the node itself, and clears the pointer. A forced target that
 // is released equals no node from then on.
 void node_free(Session& session, Node*& node);

@@ -68,6 +68,7 @@ void sentence_clear(Session& session) {
   sentence.graph_relation_count = 0;
   sentence.root = nullptr;
   sentence.refused = false;
+  session.label.clear();
   session.state.semlst_cur = 0;
   session.state.abort = Status::ok;
   if (session.state.forced_node != nullptr) session.state.forced_node = &session.gone;

@@ -20,6 +20,7 @@
 namespace lexon {
 
 struct Grammar;  // rules/grammar.hpp
+class Observer;  // engine/observer.hpp
 
 // What lookups have met in damaged files. The output has no place for it: the front end tells.
 struct LookupDamage {
@@ -82,8 +83,10 @@ struct Session {
   Output output;  // sentences, banners, messages and trace
   SearchScratch search;
   LookupDamage damage{};
+  std::string label;                       // the line that opened the sentence; empty if it has none
   std::int64_t line = 0;                   // how many lines of the input have been read
   std::vector<Remark>* remarks = nullptr;  // not owned; null: nobody wants to know
+  Observer* observer = nullptr;            // not owned; null: nobody watches
   LookupMemory lookups;
   std::atomic<bool> stop_requested{false};  // every loop that can run long looks at it
   std::atomic<bool> flush_wanted{false};    // so does it at this: the output so far is wanted by who watches the run

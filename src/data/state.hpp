@@ -21,6 +21,7 @@ struct EngineState {
   int turned_scope;
   PlaceWatch* watches;      // innermost first; see data/nodes.hpp
   std::int64_t steps;       // passes of the search since the session began
+  std::int64_t undone;      // steps that were taken back since then
   Status abort;             // ok, or what every loop returns at once: a failure of the rule base, or of the stack
   const char* stack_limit;  // the worker's stack must not grow below this; null: not guarded
 };

@@ -7,6 +7,7 @@
 #include "data/session.hpp"
 #include "engine/application.hpp"
 #include "engine/backtrack.hpp"
+#include "engine/observer.hpp"
 #include "engine/trace.hpp"
 #include "rules/rule.hpp"
 
@@ -204,6 +205,8 @@ Status apply_rule(Session& session, Window& window, RuleCandidate*& candidate, s
   Window moved = window;
   RuleCandidate* rest = candidate;
   const Outcome outcome = rule_carry_out(session, moved, rest, home_scope);
+  const bool is_told = session.observer != nullptr && !is_word_test_type(type) && !is_failure(outcome.status);
+  if (is_told) session.observer->applied(session, *rest, outcome.writes_back ? moved : window);
   if (!outcome.writes_back) return outcome.status;
   // wanted: the right place follows from the left one, and stays as it was without one.
   window.lnode = moved.lnode;

@@ -25,9 +25,9 @@
 #include "data/words.hpp"
 #include "dict/cooccurrence.hpp"
 #include "engine/apply.hpp"
+#include "engine/observer.hpp"
 #include "engine/trace.hpp"
 #include "engine/undo.hpp"
-#include "rules/matrix.hpp"
 
 namespace lexon {
 
@@ -100,6 +100,7 @@ void give_up_rules(Session& session, Undo& undo, int number) {
   if (undo.candidate == nullptr) return leave(undo, Status::nothing_left);
   // 6.4 and 6.5: the word in force is given up.
   Node& target = final_node != nullptr ? *final_node : rnode;
+  if (session.observer != nullptr) session.observer->word_given_up(session, target);
   entry_drop_head(session, target.candidates);
   trace_next_entry_flushed(session, Side::right, 2);
   if (session.state.forced_node == &rnode) {
@@ -173,7 +174,7 @@ void give_up_rules(Session& session, Undo& undo, int number) {
     Status status = role_mark_add(session, rule, window.lnode, window.rnode, *rest);
     if (status == Status::ok) status = apply_rule(session, window, undo.candidate, &undo.home_scope);
     if (status != Status::ok) return leave(undo, status);
-    undo.candidate = rule_candidates(session, window.lnode, window.rnode);
+    undo.candidate = window_rules(session, window);
     undo.caller = window;
     return Stage::end;
   }
@@ -286,6 +287,8 @@ void give_up_rules(Session& session, Undo& undo, int number) {
   RuleCandidate* newest = newest_candidate(undo.window.rnode);
   undo.candidate = undo.undone = newest != nullptr ? newest : newest_candidate(undo.window.lnode);
   if (undo.candidate == nullptr) return leave(undo, rule_base_failure(session, "undid a step that no rule has made"));
+  ++session.state.undone;
+  if (session.observer != nullptr) session.observer->undone(session, *undo.candidate);
   const Rule& rule = *undo.candidate->rule;
   switch (rule.type) {
     case rule_type::merge_left:
@@ -330,6 +333,7 @@ struct Retry {
 // Item 3 of both sides: the word in force goes; all words go if a forced backtracking aims elsewhere.
 void word_change(Session& session, Node& target, Side side, int number, bool may_go_on) {
   if (target.candidates == nullptr) return;
+  if (session.observer != nullptr) session.observer->word_given_up(session, target);
   if (may_go_on) {
     trace_next_entry(session, side, number);
     entry_drop_head(session, target.candidates);

@@ -13,6 +13,7 @@
 #include "engine/backtrack.hpp"
 #include "engine/candidate_pin.hpp"
 #include "engine/match.hpp"
+#include "engine/observer.hpp"
 #include "engine/scope_entry.hpp"
 #include "engine/scope_return.hpp"
 #include "engine/trace.hpp"
@@ -96,7 +97,7 @@ enum class Turn {
   const bool has_passed_the_end = window.lnode != nullptr && is_boundary(*window.lnode) && window.rnode == nullptr;
   if (loop.home_scope != 0 && has_passed_the_end) return leave(loop, Status::ok);
   // A refused word test consists of backtracking, which has named the next rule.
-  if (!is_word_test) loop.candidates = rule_candidates(session, window.lnode, window.rnode);
+  if (!is_word_test) loop.candidates = window_rules(session, window);
   return Turn::pass;
 }
 
@@ -118,7 +119,7 @@ enum class Turn {
     // A word test that fits has done its work inside matching, by narrowing the words.
     trace_rule_applied(session, *loop.candidates);
     trace_list(session, window, true);
-    loop.candidates = rule_candidates(session, window.lnode, window.rnode);
+    loop.candidates = window_rules(session, window);
     return Turn::pass;
   }
   // wanted: a word test that is refused is carried out: that is how words are rejected.
@@ -136,6 +137,12 @@ enum class Turn {
 }
 
 }  // namespace
+
+RuleCandidate* window_rules(Session& session, const Window& window) {
+  RuleCandidate* offered = rule_candidates(session, window.lnode, window.rnode);
+  if (session.observer != nullptr) session.observer->offered(session, window, offered);
+  return offered;
+}
 
 bool is_at_beginning(const Window& window) {
   const bool is_left_end = window.lnode != nullptr && is_boundary(*window.lnode) && is_fresh(*window.lnode);
@@ -172,7 +179,7 @@ Status generate_scope(Session& session, Node* entry, bool nested) {
   }
   const Window window{node->left, node};
   trace_list(session, window, true);
-  return engine_loop(session, rule_candidates(session, window.lnode, window.rnode), window, home_scope);
+  return engine_loop(session, window_rules(session, window), window, home_scope);
 }
 
 Status engine_loop(Session& session, RuleCandidate* candidates, Window window, std::int32_t& home_scope) {

@@ -21,6 +21,7 @@
 #include "engine/graph_attrs.hpp"
 #include "engine/insertion.hpp"
 #include "engine/match_state.hpp"
+#include "engine/observer.hpp"
 #include "engine/surface.hpp"
 #include "engine/trace.hpp"
 
@@ -132,9 +133,8 @@ Fit test_side(Session& session, Match& match, Side side) {
 
 // ---- Slide.
 
-// Walks over MID, which lies on the side of the node to be inserted, as seen from the other node. False if MID does not
-// fit, or the list is too short for what the rule asks for beyond the window.
-bool slide_over_mid(Session& session, Match& match) {
+// Inlined into every match; who asks again afterwards calls it below.
+[[gnu::always_inline]] inline bool slide(Session& session, Match& match) {
   Window& window = match.window;
   const Rule& rule = match.rule;
   if (rule.mid != nullptr) {
@@ -229,7 +229,7 @@ Fit match_steps(Session& session, Match& match, Window& window) {
   for (const Side side : {Side::left, Side::right}) {
     if (const Fit fit = test_side(session, match, side); fit != Fit::yes) return fit;
   }
-  if (!slide_over_mid(session, match)) return Fit::no;
+  if (!slide(session, match)) return Fit::no;
   // At most one node is brought in. A shift cuts its text off a word later, so it needs the place alone.
   for (const Side side : {Side::left, Side::right}) {
     if (is_tested(match, side)) continue;
@@ -259,12 +259,17 @@ bool is_refused_by_text(const Session& session, const Rule& rule, const Window& 
   return is_plain && is_settled && (session.state.trace_level < 3 || attr_room_suffices(other(side), rule, window));
 }
 
+bool slide_over_mid(Session& session, Match& match) {
+  return slide(session, match);
+}
+
 Fit match_rule(Session& session, RuleCandidate& candidate, Window& window) {
   Match match{candidate, *candidate.rule, window, window};
   const Fit fit = match_steps(session, match, window);
   if (fit != Fit::no) session.state.turned = nullptr;
   if (must_leave(session) != Status::ok) return Fit::failed;
   if (fit == Fit::no) entry_list_free(session, match.chosen);
+  if (session.observer != nullptr) session.observer->tried(session, candidate, match.passed, window, fit);
   return fit;
 }
 

@@ -30,4 +30,8 @@ struct Match {
   return side == Side::left ? rule.pre : rule.suf;
 }
 
+// Walks over MID, which lies on the side of the node to be inserted, as seen from the other node. False if MID does not
+// fit, or the list is too short for what the rule asks for beyond the window.
+[[nodiscard]] bool slide_over_mid(Session& session, Match& match);
+
 }  // namespace lexon

@@ -10,6 +10,7 @@
 #include "engine/apply.hpp"
 #include "engine/candidate_pin.hpp"
 #include "engine/match.hpp"
+#include "engine/observer.hpp"
 #include "engine/post_edit_rule.hpp"
 #include "engine/trace.hpp"
 #include "rules/grammar.hpp"
@@ -36,7 +37,8 @@ namespace {
   for (const std::int32_t number : rules) {
     const Rule& rule = *session.grammar->index.search.rules[static_cast<std::size_t>(number)];
     if (!may_run(rule, window)) continue;
-    if (session.state.turned != nullptr && is_refused_by_text(session, rule, window)) {
+    // Who watches wants to hear of each try.
+    if (session.observer == nullptr && session.state.turned != nullptr && is_refused_by_text(session, rule, window)) {
       result = Status::ok;
       continue;
     }
@@ -65,6 +67,7 @@ namespace {
   }
   if (window.lnode == nullptr || window.rnode == nullptr) return false;
   const std::span<const std::int32_t> rules = post_edit_rules(session, window.lnode, window.rnode);
+  if (session.observer != nullptr) session.observer->offered_in_post_edit(session, window, rules);
   RuleCandidate* candidate = rule_choose(session, rules, window, result);
   if (candidate == nullptr || must_leave(session) != Status::ok) return false;
   // A pass inside a scope must not release it.

@@ -10,6 +10,7 @@
 #include "data/session.hpp"
 #include "data/words.hpp"
 #include "engine/apply.hpp"
+#include "engine/observer.hpp"
 #include "engine/post_edit.hpp"
 #include "engine/scope_entry.hpp"
 #include "engine/side.hpp"
@@ -107,6 +108,7 @@ Status post_edit_rule(Session& session, Window& window, const RuleCandidate& can
   Window changed = window;
   if (const Status status = rule_carry_out(session, changed, candidate); status != Status::ok) return status;
   window = changed;
+  if (session.observer != nullptr) session.observer->applied(session, candidate, window);
   trace_list(session, window, false);
   return Status::ok;
 }

@@ -13,6 +13,7 @@
 #include "data/session.hpp"
 #include "data/words.hpp"
 #include "engine/candidate_pin.hpp"
+#include "engine/observer.hpp"
 #include "engine/trace.hpp"
 #include "rules/rule.hpp"
 
@@ -127,6 +128,7 @@ ScopeResult scope_enter(Session& session, Side side, Window& window, const RuleC
   trace_rule_applied(session, candidate);
   trace_rule_end(session);
   trace_scope_entered(session, side, row.number);
+  if (session.observer != nullptr) session.observer->scope_entered(session, candidate, row.number);
   if (!trace_indent_grow(session)) return {session.state.abort = Status::memory, false};
   attrs_hand_in(scope);
   Status status = Status::ok;
@@ -147,6 +149,7 @@ ScopeResult scope_enter(Session& session, Side side, Window& window, const RuleC
   } else {
     status = scope_finished(session, node_of(window, side));
   }
+  if (session.observer != nullptr) session.observer->scope_left(session, current_scope(session).number, has_failed);
   session.state.semlst_cur = home_scope;
   return {status, has_failed};
 }

@@ -22,11 +22,11 @@
 #include "engine/apply.hpp"
 #include "engine/backtrack.hpp"
 #include "engine/candidate_pin.hpp"
+#include "engine/observer.hpp"
 #include "engine/scope_entry.hpp"
 #include "engine/side.hpp"
 #include "engine/trace.hpp"
 #include "engine/undo.hpp"
-#include "rules/matrix.hpp"
 
 namespace lexon {
 
@@ -53,6 +53,7 @@ struct Return {
   if (!trace_indent_grow(session)) return session.state.abort = Status::memory;
   const ScopeRow& row = current_scope(session);
   trace_return_into_scope(session, row.number);
+  if (session.observer != nullptr) session.observer->scope_returned_into(session, row.number);
   Node* last = nullptr;
   for (Node* node = list_first(row.entry); node != nullptr && must_leave(session) == Status::ok; node = node->right) {
     if (!is_boundary(*node)) scope_attrs_to_front(*node, row.number);
@@ -93,6 +94,7 @@ struct Return {
 [[nodiscard]] Status solution_take(Session& session, Return& back) {
   trace_indent_shrink(session);
   trace_return_finished(session, current_scope(session).number);
+  if (session.observer != nullptr) session.observer->scope_left(session, current_scope(session).number, false);
   // 11.2
   const Node* reference = node_of(back.outer, back.side);
   const Node* entry = current_scope(session).entry;
@@ -115,8 +117,7 @@ struct Return {
     back.caller = back.outer;
     return applied;
   }
-  return engine_loop(session, rule_candidates(session, back.outer.lnode, back.outer.rnode), back.outer,
-                     back.home_scope);
+  return engine_loop(session, window_rules(session, back.outer), back.outer, back.home_scope);
 }
 
 // 12.2 to 12.7: the scope and the rule that brought it in are undone.
@@ -156,6 +157,7 @@ struct Return {
 [[nodiscard]] Status scope_give_up(Session& session, Return& back) {
   trace_indent_shrink(session);
   trace_return_failed(session, current_scope(session).number);
+  if (session.observer != nullptr) session.observer->scope_left(session, current_scope(session).number, true);
   if (const Status status = scope_undo(session, back); status != Status::ok) return status;
   if (session.state.forced_node != nullptr) {
     back.caller = back.outer;

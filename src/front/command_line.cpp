@@ -21,6 +21,8 @@ constexpr const char* kSwitches =
     "  -M, ^A    accepted, without effect\n"
     "  -Q, --quiet          no progress          --progress=plain   progress as plain lines\n"
     "  --rebuild            make the compiled rules anew   --in-memory   write no compiled rules\n"
+    "  --report FILE        write a row for each sentence: status, time, steps, what was left over; as JSON lines if\n"
+    "                       FILE ends in .json or .jsonl, else as TSV\n"
     "  --yes                yes to every question\n"
     "  --check-dictionary   compare the dictionaries with what was built, byte by byte\n"
     "  --strict             status 3 also for what was left out: lines, rules, sentences without an end\n"
@@ -310,6 +312,9 @@ bool take_long_option(std::span<const char* const>& words, CommandLine& line) {
     take_blocks(*blocks, line);
   } else if (const auto jobs = value_of("--jobs", word, words)) {
     take_jobs("--jobs", *jobs, line);
+  } else if (const auto report = value_of("--report", word, words)) {
+    line.report_file = *report;
+    if (report->empty()) line.error = "--report wants a file";
   } else {
     line.error = "unknown option: " + std::string(word);
   }

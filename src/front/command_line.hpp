@@ -25,6 +25,7 @@ struct CommandLine {
   std::optional<ShardNumber> shard;  // none: the whole run
   bool forced_target = false;        // the shard begins with one
   bool index_input = false;          // find the sentences of the input and do nothing else
+  std::string report_file;           // a row for each sentence; empty: none is wanted
   ProgressStyle progress = ProgressStyle::automatic;
   std::string error;  // what is wrong with the command line; empty if nothing is
   // What the user may not have meant, though the run goes on: numbers, and paths that are missing or too long. With

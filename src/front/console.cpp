@@ -1,7 +1,10 @@
 #include "front/console.hpp"
 
 #include <algorithm>
+#include <cerrno>
 #include <cstdio>
+#include <cstring>
+#include <filesystem>
 #include <string_view>
 
 #include <unistd.h>
@@ -10,6 +13,7 @@
 #include "front/signals.hpp"
 #include "run/context.hpp"
 #include "run/notes.hpp"
+#include "run/output_check.hpp"
 
 namespace lexon {
 
@@ -66,6 +70,20 @@ void ConsoleHost::note(const Note& note) {
     tell_line(line);
     rest.remove_prefix(std::min(line.size() + 1, rest.size()));
   }
+}
+
+bool ConsoleHost::open_report(const std::string& path, const RunSettings& settings) {
+  RunSettings other = settings;
+  other.output_file = std::filesystem::absolute(path).lexically_normal().string();
+  if (other.output_file == settings.output_file) other.input_file = settings.output_file;
+  if (const std::string conflict = output_conflict(other); !conflict.empty()) {
+    report_stop("--report: " + conflict, {});
+    return false;
+  }
+  report_ = std::make_unique<ReportFile>(path);
+  if (report_->is_open()) return true;
+  report_stop("--report: " + path + " cannot be written", std::strerror(errno));
+  return false;
 }
 
 bool ConsoleHost::ask_yes_no(const std::string& text, const std::string& reason) {
@@ -135,6 +153,10 @@ void ConsoleHost::finish(RunContext& context) {
   signals_stop(nullptr);
   if (cancel_was_signalled()) outcome_.cancelled = true;
   for (const std::string& note : outcome_.finish(context)) tell_line("lexon: " + note);
+  if (report_ != nullptr && !report_->close()) {
+    outcome_.output_failed = true;
+    tell_line("lexon: the report could not be written whole");
+  }
   show_summary();
 }
 

@@ -3,10 +3,12 @@
 
 #include <chrono>
 #include <cstdint>
+#include <memory>
 #include <string>
 
 #include "front/command_line.hpp"
 #include "front/outcome.hpp"
+#include "front/report_file.hpp"
 #include "run/host.hpp"
 #include "run/step.hpp"
 
@@ -20,8 +22,13 @@ class ConsoleHost final : public Host {
   bool ask_yes_no(const std::string& text, const std::string& reason) override;
   void note(const Note& note) override;
   void minimise() override {}
+  [[nodiscard]] bool wants_reports() const override { return report_ != nullptr; }
+  void report(const SentenceReport& sentence) override { report_->write(sentence); }
   StepResult run_step(RunContext& context, Step& step) override;
   void finish(RunContext& context) override;
+
+  // Reports go there from now on. False, with a message, if the file cannot be made or is one that the run uses.
+  [[nodiscard]] bool open_report(const std::string& path, const RunSettings& settings);
 
   // The status that the program ends with.
   [[nodiscard]] int exit_status() const { return outcome_.exit_status(); }
@@ -33,6 +40,7 @@ class ConsoleHost final : public Host {
   void show_summary() const;
 
   Outcome outcome_;
+  std::unique_ptr<ReportFile> report_;
   const RunContext* context_ = nullptr;  // of the run, once a step of it has begun
   std::int64_t wanted_;                  // sentences; 0: not known
   bool answers_yes_;

@@ -23,6 +23,7 @@ int run_in_terminal(const lexon::CommandLine& line, int, char**) {
   settings.jobs = line.jobs.value_or(1);
   if (line.index_input) return lexon::index_input(settings, host);
   if (line.shard) return lexon::run_shard(line, settings, host);
+  if (!line.report_file.empty() && !host.open_report(line.report_file, settings)) return host.exit_status();
   lexon::run_driver(settings, host);
   return host.exit_status();
 }

@@ -215,6 +215,7 @@ Status lines_read(Session& session, Reader& reader) {
       case LineKind::skipped_block: status = skipped_block_read(session, reader); break;
       case LineKind::sentence_start:
         out_text(session, line);
+        session.label = line;
         // The rest of the sentence can be long in coming.
         if (is_waiting_stream(reader.input.stream())) session.output.flush();
         graph_start(reader);

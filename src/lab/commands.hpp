@@ -5,6 +5,8 @@
 
 #include <functional>
 #include <stdexcept>
+#include <string>
+#include <vector>
 
 namespace lexon {
 inline namespace v1 {
@@ -17,6 +19,9 @@ inline constexpr int kFailed = 1;
 inline constexpr int kUsage = 2;
 inline constexpr int kOutputShort = 4;
 
+// Runs the program with these words behind its name, as from a command line. Its status.
+[[nodiscard]] int run_command(const std::vector<std::string>& words);
+
 struct Command {
   CLI::App* app;
   std::function<int()> run;
@@ -28,9 +33,15 @@ struct Fault : std::runtime_error {
 };
 
 [[nodiscard]] Command add_check(CLI::App& app);
+[[nodiscard]] Command add_coverage(CLI::App& app);
 [[nodiscard]] Command add_expand(CLI::App& app);
+[[nodiscard]] Command add_explain(CLI::App& app);
+[[nodiscard]] Command add_profile(CLI::App& app);
 [[nodiscard]] Command add_render(CLI::App& app);
+[[nodiscard]] Command add_report(CLI::App& app);
+[[nodiscard]] Command add_shell(CLI::App& app);
 [[nodiscard]] Command add_test(CLI::App& app);
+[[nodiscard]] Command add_why(CLI::App& app);
 
 }  // namespace lab
 }  // namespace v1

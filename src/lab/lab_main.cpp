@@ -10,22 +10,20 @@
 #include "front/process.hpp"
 #include "lab/commands.hpp"
 
-namespace {
+namespace lexon {
+inline namespace v1 {
+namespace lab {
 
-using namespace lexon::lab;
-
-int run(int argc, char** argv) {
+int run_command(const std::vector<std::string>& words) {
   CLI::App app("Shows why sentences come out as they do, and finds mistakes in rules, words and graphs.", "lexon-lab");
   app.set_version_flag("--version", std::string("lexon-lab ") + LEXON_VERSION);
   app.require_subcommand(1);
   const std::vector<Command> commands = {
-      add_check(app),
-      add_expand(app),
-      add_render(app),
-      add_test(app),
+      add_check(app),  add_coverage(app), add_expand(app), add_explain(app), add_profile(app),
+      add_render(app), add_report(app),   add_shell(app),  add_test(app),    add_why(app),
   };
   try {
-    app.parse(argc, argv);
+    app.parse(std::vector<std::string>(words.rbegin(), words.rend()));
   } catch (const CLI::ParseError& error) {
     return app.exit(error) == 0 ? kDone : kUsage;
   }
@@ -34,6 +32,14 @@ int run(int argc, char** argv) {
   }
   return kUsage;
 }
+
+}  // namespace lab
+}  // namespace v1
+}  // namespace lexon
+
+namespace {
+
+using namespace lexon::lab;
 
 // The status of a command whose output has to arrive.
 int with_output_written(int status) {
@@ -47,7 +53,7 @@ int with_output_written(int status) {
 int main(int argc, char** argv) {
   lexon::process_begin();
   try {
-    return with_output_written(run(argc, argv));
+    return with_output_written(run_command({argv + (argc > 0 ? 1 : 0), argv + argc}));
   } catch (const std::bad_alloc&) {
     std::fputs("lexon-lab: memory is exhausted\n", stderr);
   } catch (const std::exception& fault) {

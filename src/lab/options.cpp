@@ -12,9 +12,12 @@ void add_grammar_options(CLI::App& command, GrammarFiles& files) {
 
 void add_render_options(CLI::App& command, RenderOptions& options) {
   command.add_option("INPUT", options.inputs, "Graphs; - for standard input")->required();
-  command.add_option("-s,--sentence", options.sentences,
-                     "Only the sentence with this label, or number; may be repeated");
+  command
+      .add_option("-s,--sentence", options.sentences, "Only the sentence with this label, or number; may be repeated")
+      ->allow_extra_args(false);
   command.add_option("-T,--time", options.seconds, "Seconds for each sentence; 0: no limit")->capture_default_str();
+  command.add_option("--steps", options.steps, "Steps of the search for each sentence; 0: no limit")
+      ->check(CLI::NonNegativeNumber);
   command.add_flag("!--no-post-edit", options.post_edit, "Leave out the rules of post-edit");
 }
 

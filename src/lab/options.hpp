@@ -3,10 +3,11 @@
 
 #include <CLI/CLI.hpp>
 
+#include <cstdint>
 #include <string>
 #include <vector>
 
-#include <lexon/lexon.hpp>
+#include "api/core.hpp"
 
 namespace lexon {
 inline namespace v1 {
@@ -20,6 +21,7 @@ struct RenderOptions {
   std::vector<std::string> inputs;
   std::vector<std::string> sentences;  // empty: all
   double seconds = 10;                 // for each sentence; 0: none
+  std::int64_t steps = 0;              // for each sentence; 0: none
   bool post_edit = true;
 };
 void add_render_options(CLI::App& command, RenderOptions& options);

@@ -3,11 +3,13 @@
 #include <algorithm>
 #include <cctype>
 #include <cerrno>
+#include <charconv>
 #include <cstring>
 #include <utility>
 
 #include "front/process.hpp"
 #include "lab/commands.hpp"
+#include "lab/progress.hpp"
 
 namespace lexon {
 inline namespace v1 {
@@ -33,6 +35,115 @@ std::string label_of(std::string_view text) {
   return {};
 }
 
+bool is_blank(const std::string& text) {
+  return std::all_of(text.begin(), text.end(), [](unsigned char c) { return std::isspace(c) != 0; });
+}
+
+}  // namespace
+
+Project::Project(GrammarFiles of) : files(std::move(of)), grammar(Grammar::load(files)) {
+  begin();
+}
+
+Project::Project(GrammarFiles of, std::string_view text)
+    : files(std::move(of)), grammar(Grammar::from_text(text, files)) {
+  begin();
+}
+
+void Project::begin() {
+  std::string all;
+  for (Message message : grammar.messages()) {
+    if (message.file.empty()) message.file = files.rules;
+    all += to_string(message) + '\n';
+  }
+  if (!grammar) throw Fault(all + "the grammar cannot be used");
+  tell(all);
+  printer_ = std::make_unique<Session>();
+  rule_text_ = files.rules;
+  if (path_split(files.rules).extension == ".rul") lines_from_text_beside();
+}
+
+// Compiled rules know nothing of lines. The text beside them is read once more, without a word, and the two lists are
+// walked in step.
+void Project::lines_from_text_beside() {
+  const PathParts parts = path_split(files.rules);
+  for (const char* extension : {".txt", ".lxr.txt", ".rules", ""}) {
+    const std::string path = parts.folder + parts.name + extension;
+    const File stream(file_open(path, "rb"));
+    if (stream == nullptr) continue;
+    rule_text_ = path;
+    Pool pool;
+    const auto session = std::make_unique<Session>();
+    Rule* text = nullptr;
+    RuleNotes notes;
+    const bool is_read = parse_rule_file(*session, pool, stream.get(), text, &notes) == core::Status::ok;
+    const Rule* rule = loaded().rules.rules;
+    for (; is_read && rule != nullptr && text != nullptr; rule = rule->next, text = text->next) {
+      if (text_of(*rule) != text_of(*text)) break;
+      places_[rule] = {path, text->line, text->column};
+    }
+    if (is_read && rule == nullptr && text == nullptr) return;
+    tell_line(files.rules + ": text and compiled rules differ: " + path +
+              " is not what these were made from, so no lines can be told; name the text instead");
+    break;
+  }
+  rule_text_ = files.rules;
+  places_.clear();
+}
+
+RulePlace Project::line_of(const Rule& rule) const {
+  if (rule.line == 0) {
+    const auto found = places_.find(&rule);
+    return found == places_.end() ? RulePlace{.file = rule_text_} : found->second;
+  }
+  const MappedPlace source = loaded().source.place(rule.line, 0);
+  if (source.file.empty()) return {rule_text_, rule.line, rule.column};
+  return {source.file, static_cast<std::uint32_t>(source.line), static_cast<std::uint32_t>(source.column) + 1};
+}
+
+std::string Project::place_of(const Rule& rule) const {
+  const RulePlace place = line_of(rule);
+  return place.line == 0 ? place.file : place.file + ':' + std::to_string(place.line);
+}
+
+std::vector<const Rule*> Project::rules_at(const std::string& place) const {
+  const std::size_t colon = place.rfind(':');
+  const std::string file = colon == std::string::npos ? std::string() : place.substr(0, colon);
+  const std::string number = colon == std::string::npos ? place : place.substr(colon + 1);
+  std::uint32_t line = 0;
+  const auto [end, error] = std::from_chars(number.data(), number.data() + number.size(), line);
+  if (error != std::errc() || end != number.data() + number.size() || line == 0)
+    throw Fault(place + ": name a rule by its line, as in \"203\" or \"rules.txt:203\"");
+  bool is_known = false;
+  std::vector<const Rule*> rules;
+  std::uint32_t before = 0;
+  std::uint32_t behind = 0;
+  for (const Rule& rule : chain<&Rule::next>(loaded().rules.rules)) {
+    const RulePlace found = line_of(rule);
+    if (found.file != file && !found.file.ends_with('/' + file) && !(file.empty() && found.file == rule_text_))
+      continue;
+    is_known = true;
+    const std::uint32_t at = found.line;
+    if (at == line) rules.push_back(&rule);
+    if (at < line) before = std::max(before, at);
+    if (at > line && (behind == 0 || at < behind)) behind = at;
+  }
+  if (!rules.empty()) return rules;
+  if (!is_known) throw Fault(place + ": the rules are those of " + rule_text_);
+  std::string text =
+      (file.empty() ? rule_text_ : file) + ':' + std::to_string(line) + ": no rule in force stands there";
+  if (before != 0) text += "; the one before it is in line " + std::to_string(before);
+  if (behind != 0) text += "; the one behind it is in line " + std::to_string(behind);
+  throw Fault(text);
+}
+
+std::string Project::text_of(const Rule& rule) const {
+  rule_print(*printer_, &rule, true);
+  std::string text = printer_->output.take();
+  while (text.ends_with('\n')) text.pop_back();
+  return text;
+}
+
 bool is_asked_for(const std::string& wanted, const GraphText& sentence) {
   std::string_view label = wanted;
   if (label.starts_with('[') && label.ends_with(']')) label = label.substr(1, label.size() - 2);
@@ -42,29 +153,10 @@ bool is_asked_for(const std::string& wanted, const GraphText& sentence) {
   return sentence.label.empty() && label == std::to_string(sentence.number);
 }
 
-bool is_blank(const std::string& text) {
-  return std::all_of(text.begin(), text.end(), [](unsigned char c) { return std::isspace(c) != 0; });
-}
-
-}  // namespace
-
-Project::Project(GrammarFiles of) : files(std::move(of)), grammar(Grammar::load(files)) {
-  std::string all;
-  for (const Message& message : grammar.messages()) all += to_string(message) + '\n';
-  if (!grammar) throw Fault(all + "the grammar cannot be used");
-  tell(all);
-}
-
-std::string Project::place_of(const Rule& rule) const {
-  if (rule.line == 0) return files.rules;
-  const MappedPlace source = loaded().source.place(rule.line, 0);
-  return source.file.empty() ? files.rules + ':' + std::to_string(rule.line)
-                             : source.file + ':' + std::to_string(source.line);
-}
-
 void for_each_sentence(const RenderOptions& options, const std::function<void(const GraphText&)>& use) {
   std::vector<std::string> missing = options.sentences;
   GraphText sentence;
+  Progress progress(options.inputs);
   for (const std::string& path : options.inputs) {
     sentence.file = path;
     sentence.line = 1;
@@ -80,6 +172,7 @@ void for_each_sentence(const RenderOptions& options, const std::function<void(co
           options.sentences.empty() || std::any_of(options.sentences.begin(), options.sentences.end(), fits);
       std::erase_if(missing, fits);
       if (is_wanted) use(sentence);
+      progress.passed(sentence.text.size());
       sentence.line += std::count(sentence.text.begin(), sentence.text.end(), '\n');
     }
     if (source.has_failed()) throw Fault(path + ": cannot be read to its end: " + std::strerror(errno));

@@ -3,7 +3,10 @@
 
 #include <cstdint>
 #include <functional>
+#include <map>
+#include <memory>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "api/inside.hpp"
@@ -13,17 +16,43 @@ namespace lexon {
 inline namespace v1 {
 namespace lab {
 
-// The rules of a text are read as text even where compiled files stand beside it, since these do not tell lines. No
-// file is written.
+// A place in a rule text; line 0: not known.
+struct RulePlace {
+  std::string file{};
+  std::uint32_t line = 0;
+  std::uint32_t column = 0;  // of the rule's first character, in bytes from 1
+};
+
+// The rules of a text are read as text even where compiled files stand beside it, since these do not tell lines; rules
+// that are given compiled get their lines from the text beside them, if it says the same. No file is written.
 struct Project {
   GrammarFiles files;
   Grammar grammar;
 
   // Throws Fault when it is not usable; tells the messages on standard error otherwise.
   explicit Project(GrammarFiles of);
+  // The same with the rules as `text` has them, in place of what stands in their file.
+  Project(GrammarFiles of, std::string_view text);
   [[nodiscard]] const LoadedGrammar& loaded() const { return *Inside::loaded(grammar); }
-  // "rules.txt:12", for a rule of this grammar; without a line for one from a compiled file.
+  // "rules.txt:12", for a rule of this grammar; without a line for one from a compiled file without its text.
   [[nodiscard]] std::string place_of(const Rule& rule) const;
+  [[nodiscard]] RulePlace line_of(const Rule& rule) const;
+  // Is it made from a grammar source, in which several rules can come from one line?
+  [[nodiscard]] bool has_source() const { return !loaded().source.lines.empty(); }
+  // The file that the lines are counted in; of a source, the one that was named.
+  [[nodiscard]] const std::string& rule_text() const { return rule_text_; }
+  // The rules that "203" or "rules.txt:203" names. Throws Fault, which names the lines nearby, if there are none.
+  [[nodiscard]] std::vector<const Rule*> rules_at(const std::string& place) const;
+  // The rule in its canonical form, without a line end.
+  [[nodiscard]] std::string text_of(const Rule& rule) const;
+
+ private:
+  void begin();
+  void lines_from_text_beside();
+
+  std::string rule_text_;
+  std::map<const Rule*, RulePlace> places_;  // of rules from a compiled file
+  std::unique_ptr<Session> printer_;
 };
 
 // One sentence of an input, as it stands there.
@@ -34,6 +63,9 @@ struct GraphText {
   std::string label;        // "[S:3]" without brackets; may be empty
   std::string text;
 };
+
+// Is the sentence meant by this label ("S:3", "[S:3]" or "3"), or by this number if it has none?
+[[nodiscard]] bool is_asked_for(const std::string& wanted, const GraphText& sentence);
 
 // Reads the inputs sentence by sentence, whatever their size, and hands on those that are asked for. Throws Fault for a
 // file that cannot be read, and for a sentence that was asked for and is in none.

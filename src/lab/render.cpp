@@ -4,6 +4,7 @@
 #include <memory>
 
 #include "front/process.hpp"
+#include "lab/bench.hpp"
 #include "lab/commands.hpp"
 #include "lab/project.hpp"
 
@@ -20,21 +21,16 @@ struct Arguments {
 
 int render(const Arguments& arguments) {
   const Project project(arguments.grammar);
-  Generator generator(project.grammar);
-  Settings settings;
-  settings.post_edit = arguments.render.post_edit;
-  settings.time_limit = arguments.render.seconds;
+  Bench bench(project);
   int status = kDone;
   for_each_sentence(arguments.render, [&](const GraphText& graph) {
-    for (const Sentence& sentence : generator.render(graph.text, settings)) {
-      if (sentence.status == Status::done) {
-        std::cout << escaped(sentence.text) << '\n';
+    for (const Rendered& rendered : bench.render(graph.text, arguments.render)) {
+      if (rendered.is_done()) {
+        std::cout << escaped(rendered.sentence.text) << '\n';
         continue;
       }
       status = kFailed;
-      tell_line(graph.file + ':' + std::to_string(graph.line) + ": " + sentence.label + ": " +
-                to_string(sentence.status));
-      for (const Message& message : sentence.messages) tell_line("  " + to_string(message));
+      tell_failure(graph, rendered);
     }
   });
   return status;

@@ -209,6 +209,7 @@ Status line_parse(Session& session, Pool& pool, RuleParse& parse, PriorityLists&
   if (rule == nullptr) return Status::memory;
   rule->line = static_cast<std::uint32_t>(parse.notes == nullptr ? parse.line : parse.notes->text.line);
   LineReading line{parse, skip_blanks(parse.start), *rule};
+  rule->column = static_cast<std::uint16_t>(line.cursor - parse.start + 1);
   if (rule_read(session, pool, line)) {
     rule_enter(lists, *rule);
   } else {

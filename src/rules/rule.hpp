@@ -50,6 +50,7 @@ struct NodePattern {
 struct Rule {
   std::uint8_t type;     // see the codes below
   std::uint8_t subtype;  // 0, but in a compiled file that says otherwise
+  std::uint16_t column;  // of the rule's first character in its line, in bytes from 1
   std::uint32_t line;    // of the rule text, from 1; 0: it came from a compiled file, which does not tell
   ContextGroup* pre;     // nearest to LNODE first
   NodePattern* lnode;    // never null in a finished rule

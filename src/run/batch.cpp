@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <chrono>
 #include <new>
 #include <thread>
 #include <utility>
@@ -29,11 +30,14 @@ std::size_t thread_count(const RunSettings& settings) {
 
 // What the standard library throws for exhausted memory becomes a status here. A sentence that was asked to stop has
 // been silent since, so it has not been done, whatever it returns.
-Status render_guarded(Session& session, RunContext& context, TextSource source, InputNotes& notes) {
+Status render_guarded(Session& session, RunContext& context, TextSource source, InputNotes& notes,
+                      SentenceReport* report) {
   std::array<char, kSentenceSize> text;
   try {
     const Status status = render_sentence(session, context.dictionary.files(), source, text.data(),
                                           context.cr_dictionary.files(), context.post_edit, &notes);
+    if (report != nullptr) report_leftovers(session, *report);
+    if (report != nullptr && status == Status::ok) report->text = plain_sentence(session, text.data());
     return session.stop_requested ? Status::stopped : status;
   } catch (const std::bad_alloc&) {
     return Status::memory;
@@ -202,6 +206,8 @@ StepResult Batch::run(Host& host) {
   if (sessions.empty()) sessions.push_back(&context_.session);
   Step step(*this, "sentence no.", limit_, context_.session, sessions);
   step_ = &step;
+  host_ = &host;
+  wants_reports_ = host.wants_reports();
   const StepResult result = host.run_step(context_, step);
   context_.session.output.flush();
   context_.target_left = sessions_.empty() ? context_.session.state.forced_node != nullptr : target_left_;
@@ -231,8 +237,15 @@ void Batch::wake() {
 Batch::Outcome Batch::render(StepWorker& worker, TextSource source, std::int32_t number, InputNotes& notes) {
   Session& session = worker.session();
   worker.begin(number);
-  const Status status = render_guarded(session, context_, source, notes);
   Outcome outcome;
+  const std::int64_t steps = session.state.steps;
+  const std::int64_t undone = session.state.undone;
+  const auto start = std::chrono::steady_clock::now();
+  const Status status = render_guarded(session, context_, source, notes, wants_reports_ ? &outcome.report : nullptr);
+  outcome.report.milliseconds =
+      std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - start).count();
+  outcome.report.steps = session.state.steps - steps;
+  outcome.report.steps_back = session.state.undone - undone;
   outcome.is_starved = session.state.abort == Status::memory;
   outcome.leaves_target = session.state.forced_node != nullptr;
   session.pool.release_all();
@@ -245,7 +258,7 @@ Batch::Outcome Batch::render(StepWorker& worker, TextSource source, std::int32_t
   return outcome;
 }
 
-bool Batch::close_sentence(const Outcome& outcome) {
+bool Batch::close_sentence(Outcome& outcome) {
   Output& output = context_.session.output;
   if (outcome.is_starved) ++context_.starved;
   switch (outcome.end) {
@@ -265,6 +278,10 @@ bool Batch::close_sentence(const Outcome& outcome) {
       break;
   }
   ++context_.number;
+  if (wants_reports_) {
+    outcome.report.status = outcome.end == End::done ? "done" : outcome.end == End::failed ? "failed" : "over time";
+    host_->report(outcome.report);
+  }
   if (outcome.end == End::done) {
     out_flush(context_.session);
   } else {

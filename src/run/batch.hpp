@@ -16,6 +16,7 @@
 
 #include "graph/line_kind.hpp"
 #include "run/context.hpp"
+#include "run/report.hpp"
 #include "run/settings.hpp"
 #include "run/step.hpp"
 
@@ -42,6 +43,7 @@ class Batch final : public StepWork {
     End end = End::cancelled;
     bool is_starved = false;     // failed for want of memory
     bool leaves_target = false;  // the bit
+    SentenceReport report{};     // empty unless the host wants it
   };
 
   // A sentence on its way from the input to the output, if there are several threads.
@@ -74,7 +76,7 @@ class Batch final : public StepWork {
   bool commit(Job& job);
   void end();
   // False when the run ends with this sentence.
-  bool close_sentence(const Outcome& outcome);
+  bool close_sentence(Outcome& outcome);
 
   RunContext& context_;
   std::int64_t first_;   // its number
@@ -82,6 +84,8 @@ class Batch final : public StepWork {
   std::int32_t limit_;
   std::vector<std::unique_ptr<Session>> sessions_;  // of several threads
   Step* step_ = nullptr;
+  Host* host_ = nullptr;
+  bool wants_reports_ = false;
   bool memory_is_exhausted_ = false;
 
   // ---- Of several threads. Who takes a sentence holds the first mutex, and the second only for a moment.

@@ -8,6 +8,7 @@ namespace lexon {
 
 struct RunContext;
 class Step;
+struct SentenceReport;  // run/report.hpp
 
 // What the user ought to know and the output has no place for.
 struct Note {
@@ -34,6 +35,10 @@ class Host {
   // Begins the step, looks after it until it is over, and returns its result. Called for the rule step and then, if the
   // run has sentences, once for all of them.
   virtual StepResult run_step(RunContext& context, Step& step) = 0;
+  // Does it want to hear of each sentence?
+  [[nodiscard]] virtual bool wants_reports() const { return false; }
+  // A sentence was closed; in their order, on a thread of the step, never two at the same time. Must not throw.
+  virtual void report(const SentenceReport&) {}
   // Last of all, on every way out.
   virtual void finish(RunContext& context) = 0;
 };

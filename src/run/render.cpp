@@ -7,6 +7,7 @@
 #include "data/session.hpp"
 #include "dict/entry_text.hpp"
 #include "engine/loop.hpp"
+#include "engine/observer.hpp"
 #include "engine/post_edit.hpp"
 #include "graph/graph_dump.hpp"
 #include "graph/line_text.hpp"
@@ -72,6 +73,7 @@ Status generate(Session& session) {
   session.state.trace_depth = 0;
   session.state.trace_indent[0] = '\0';
   session.state.engine_status = generate_scope(session, session.sentence.root, false);
+  if (session.observer != nullptr) session.observer->generated(session, session.state.engine_status);
   return session.state.engine_status;
 }
 
@@ -96,16 +98,8 @@ Status collect_and_print(Session& session, char* text) {
   return Status::ok;
 }
 
-}  // namespace
-
-Status render_sentence(Session& session, const DictionaryFiles& dictionary, TextSource input, char* text,
-                       const DictionaryFiles& cr_dictionary, bool post_edit_wanted, InputNotes* notes) {
-  session.sentence.dictionary = dictionary;
-  session.sentence.cr_dictionary = cr_dictionary;
-  session.lookups.attend({dictionary.dictionary, dictionary.index, cr_dictionary.dictionary, cr_dictionary.index});
-  const long start = processor_clock(session);
-  sentence_clear(session);
-  if (const Status s = read_sentence(session, input, notes); s != Status::ok) return s;
+// What comes behind the reading.
+Status sentence_steps(Session& session, char* text, bool post_edit_wanted, long start) {
   if (session.state.trace_level > 0) {
     print_word_lists(session);
     print_graph(session);
@@ -118,6 +112,24 @@ Status render_sentence(Session& session, const DictionaryFiles& dictionary, Text
   if (const Status s = collect_and_print(session, text); s != Status::ok) return s;
   out_print(session, ";;Time %4.1f\tSec\n", static_cast<double>(processor_clock(session) - start) * 0.001);
   return Status::ok;
+}
+
+}  // namespace
+
+Status render_sentence(Session& session, const DictionaryFiles& dictionary, TextSource input, char* text,
+                       const DictionaryFiles& cr_dictionary, bool post_edit_wanted, InputNotes* notes) {
+  session.sentence.dictionary = dictionary;
+  session.sentence.cr_dictionary = cr_dictionary;
+  session.lookups.attend({dictionary.dictionary, dictionary.index, cr_dictionary.dictionary, cr_dictionary.index});
+  const long start = processor_clock(session);
+  sentence_clear(session);
+  const Status read = read_sentence(session, input, notes);
+  // What stands behind the last sentence of a text is none.
+  const bool is_watched = session.observer != nullptr && read != Status::end_of_input;
+  if (is_watched) session.observer->sentence_begins(session);
+  const Status status = read != Status::ok ? read : sentence_steps(session, text, post_edit_wanted, start);
+  if (is_watched) session.observer->sentence_ends(session, status);
+  return status;
 }
 
 }  // namespace lexon

@@ -6,6 +6,7 @@ block holds, one behind the other:
 
   <!-- file tutorial/step1/rules.txt -->        the lines of a file
   <!-- run tutorial/step1 -L2 -S1 -->           the output of a folder's run with these switches
+  <!-- lab tutorial/step1 explain -s 1 -->      what lexon-lab shows with these words, of that folder
 
 A line "..." in a block stands for any lines that are left out. The dumps of docs/formats.md are those of the files that
 the programs write from its texts, w.txt and g.txt.
@@ -15,13 +16,14 @@ manual.py PROGRAMS [--update]      --update writes expected.txt anew: read every
 import functools
 import pathlib
 import re
+import shutil
 import subprocess
 import sys
 
 import _table as table
 
 DOCS = table.ROOT / "docs"
-BLOCK = re.compile(r"^<!-- ((?:file|run) .*) -->$\n(?:(?!```).*\n)*```.*\n((?:(?!```).*\n)*)", re.M)
+BLOCK = re.compile(r"^<!-- ((?:file|run|lab) .*) -->$\n(?:(?!```).*\n)*```.*\n((?:(?!```).*\n)*)", re.M)
 
 
 @functools.cache
@@ -31,7 +33,13 @@ def source_lines(kind, name, *switches):
         return table.text(DOCS / name).splitlines()
     with table.folder() as folder:
         target = pathlib.Path(folder)
-        return table.output(table.build_case(DOCS / name, target) + ["-T20", *switches], target).splitlines()
+        words = table.build_case(DOCS / name, target)
+        if kind == "run":
+            return table.output([*words, "-T20", *switches], target).splitlines()
+        shutil.copy(DOCS / name / "input.txt", target)
+        pairs = ["-c", "cr.dic"] if (target / "cr.dic").exists() else []
+        return table.run("lexon-lab", *switches, "input.txt", "-d", words[0], "-r", words[1], *pairs,
+                         folder=target).stdout.splitlines()
 
 
 def stray_piece(block, source):

@@ -1,0 +1,89 @@
+#include "front/report_file.hpp"
+
+#include <cstdio>
+
+#include <nlohmann/json.hpp>
+
+#include "run/files.hpp"
+
+namespace lexon {
+
+namespace {
+
+std::string tsv_text(std::string_view text) {
+  std::string field;
+  for (const char c : text) {
+    switch (c) {
+      case '\t': field += "\\t"; break;
+      case '\n': field += "\\n"; break;
+      case '\r': field += "\\r"; break;
+      case '\\': field += "\\\\"; break;
+      default: field += c;
+    }
+  }
+  return field;
+}
+
+std::string tsv_list(const std::vector<std::string>& texts) {
+  std::string field;
+  for (const std::string& text : texts) field += (field.empty() ? "" : "; ") + tsv_text(text);
+  return field;
+}
+
+std::string number_text(double number) {
+  char text[32];
+  std::snprintf(text, sizeof text, "%.3f", number);
+  return text;
+}
+
+std::string tsv_row(const SentenceReport& sentence) {
+  std::string row = tsv_text(sentence.label);
+  for (const std::string& field : {sentence.status, number_text(sentence.milliseconds), std::to_string(sentence.steps),
+                                   std::to_string(sentence.steps_back), tsv_list(sentence.unused_relations),
+                                   tsv_list(sentence.unknown_words), tsv_text(sentence.text)}) {
+    row += '\t' + field;
+  }
+  return row;
+}
+
+std::string json_row(const SentenceReport& sentence) {
+  nlohmann::ordered_json row;
+  row["label"] = sentence.label;
+  row["status"] = sentence.status;
+  row["ms"] = sentence.milliseconds;
+  row["steps"] = sentence.steps;
+  row["steps_back"] = sentence.steps_back;
+  row["unused_relations"] = sentence.unused_relations;
+  row["unknown_words"] = sentence.unknown_words;
+  row["text"] = sentence.text;
+  return row.dump(-1, ' ', false, nlohmann::ordered_json::error_handler_t::replace);
+}
+
+void line_write(std::FILE* stream, std::string line) {
+  line += '\n';
+  std::fwrite(line.data(), 1, line.size(), stream);
+}
+
+}  // namespace
+
+ReportForm report_form_of(const std::string& path) {
+  return path.ends_with(".json") || path.ends_with(".jsonl") ? ReportForm::json : ReportForm::tsv;
+}
+
+ReportFile::ReportFile(const std::string& path, ReportForm form)
+    : owned_(path == "-" ? nullptr : file_open(path, "wb")), stream_(path == "-" ? stdout : owned_.get()), form_(form) {
+  if (stream_ != nullptr && form_ == ReportForm::tsv)
+    line_write(stream_, "label\tstatus\tms\tsteps\tsteps_back\tunused_relations\tunknown_words\ttext");
+}
+
+// Who reads along sees a sentence as soon as it is there.
+void ReportFile::write(const SentenceReport& sentence) {
+  line_write(stream_, form_ == ReportForm::json ? json_row(sentence) : tsv_row(sentence));
+  std::fflush(stream_);
+}
+
+bool ReportFile::close() {
+  return stream_ == nullptr || is_written(stream_);
+}
+
+}  // namespace lexon

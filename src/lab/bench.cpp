@@ -1,0 +1,99 @@
+#include "lab/bench.hpp"
+
+#include "front/process.hpp"
+
+namespace lexon {
+inline namespace v1 {
+namespace lab {
+
+void Watchers::sentence_begins(Session& session) {
+  first_step_ = session.state.steps;
+  is_over_ = false;
+  for (Observer* each : observers_) each->sentence_begins(session);
+}
+
+void Watchers::generated(Session& session, core::Status status) {
+  for (Observer* each : observers_) each->generated(session, status);
+}
+
+void Watchers::sentence_ends(Session& session, core::Status status) {
+  for (Observer* each : observers_) each->sentence_ends(session, status);
+}
+
+// The search counts its passes itself; a search inside one pass is undone steps, which come by here too.
+void Watchers::count(Session& session) {
+  if (limit_ <= 0 || session.state.steps - first_step_ < limit_) return;
+  is_over_ = true;
+  session.stop_requested = true;
+}
+
+void Watchers::offered(Session& session, const Window& window, const RuleCandidate* list) {
+  count(session);
+  for (Observer* each : observers_) each->offered(session, window, list);
+}
+
+void Watchers::offered_in_post_edit(Session& session, const Window& window, std::span<const std::int32_t> rules) {
+  count(session);
+  for (Observer* each : observers_) each->offered_in_post_edit(session, window, rules);
+}
+
+void Watchers::tried(Session& session, const RuleCandidate& candidate, const Window& before, const Window& after,
+                     Fit fit) {
+  for (Observer* each : observers_) each->tried(session, candidate, before, after, fit);
+}
+
+void Watchers::applied(Session& session, const RuleCandidate& candidate, const Window& after) {
+  for (Observer* each : observers_) each->applied(session, candidate, after);
+}
+
+void Watchers::undone(Session& session, const RuleCandidate& candidate) {
+  count(session);
+  for (Observer* each : observers_) each->undone(session, candidate);
+}
+
+void Watchers::word_given_up(Session& session, const Node& node) {
+  count(session);
+  for (Observer* each : observers_) each->word_given_up(session, node);
+}
+
+void Watchers::scope_entered(Session& session, const RuleCandidate& candidate, int scope) {
+  for (Observer* each : observers_) each->scope_entered(session, candidate, scope);
+}
+
+void Watchers::scope_returned_into(Session& session, int scope) {
+  for (Observer* each : observers_) each->scope_returned_into(session, scope);
+}
+
+void Watchers::scope_left(Session& session, int scope, bool has_failed) {
+  for (Observer* each : observers_) each->scope_left(session, scope, has_failed);
+}
+
+std::string Rendered::status() const {
+  return is_over_steps && sentence.status == Status::stopped ? "over steps" : to_string(sentence.status);
+}
+
+Bench::Bench(const Project& project) : generator_(project.grammar) {
+  Inside::session(generator_).observer = &watchers_;
+}
+
+std::vector<Rendered> Bench::render(const std::string& text, const RenderOptions& options) {
+  Settings settings;
+  settings.post_edit = options.post_edit;
+  settings.time_limit = options.seconds;
+  settings.keep_going = keep_going_;
+  watchers_.set_limit(options.steps);
+  std::vector<Rendered> results;
+  for (Sentence& sentence : generator_.render(text, settings)) {
+    results.push_back({std::move(sentence), watchers_.is_over_steps()});
+  }
+  return results;
+}
+
+void tell_failure(const GraphText& graph, const Rendered& rendered) {
+  tell_line(graph.file + ':' + std::to_string(graph.line) + ": " + rendered.sentence.label + ": " + rendered.status());
+  for (const Message& message : rendered.sentence.messages) tell_line("  " + to_string(message));
+}
+
+}  // namespace lab
+}  // namespace v1
+}  // namespace lexon

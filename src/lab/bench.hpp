@@ -1,0 +1,84 @@
+// Sentences rendered in sight of observers, and within limits.
+#pragma once
+
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "lab/options.hpp"
+#include "lab/project.hpp"
+
+namespace lexon {
+inline namespace v1 {
+namespace lab {
+
+// Hands on to several observers, in order, and ends a sentence that takes more steps than it may. The observers are not
+// owned.
+class Watchers final : public Observer {
+ public:
+  void add(Observer& observer) { observers_.push_back(&observer); }
+  void remove(Observer& observer) { std::erase(observers_, &observer); }
+  // Steps of the search for each sentence; 0: any number.
+  void set_limit(std::int64_t steps) { limit_ = steps; }
+  // Was the last sentence ended for its steps?
+  [[nodiscard]] bool is_over_steps() const { return is_over_; }
+
+  void sentence_begins(Session& session) override;
+  void generated(Session& session, core::Status status) override;
+  void sentence_ends(Session& session, core::Status status) override;
+  void offered(Session& session, const Window& window, const RuleCandidate* list) override;
+  void offered_in_post_edit(Session& session, const Window& window, std::span<const std::int32_t> rules) override;
+  void tried(Session& session, const RuleCandidate& candidate, const Window& before, const Window& after,
+             Fit fit) override;
+  void applied(Session& session, const RuleCandidate& candidate, const Window& after) override;
+  void undone(Session& session, const RuleCandidate& candidate) override;
+  void word_given_up(Session& session, const Node& node) override;
+  void scope_entered(Session& session, const RuleCandidate& candidate, int scope) override;
+  void scope_returned_into(Session& session, int scope) override;
+  void scope_left(Session& session, int scope, bool has_failed) override;
+
+ private:
+  void count(Session& session);
+
+  std::vector<Observer*> observers_;
+  std::int64_t limit_ = 0;
+  std::int64_t first_step_ = 0;
+  std::int64_t events_ = 0;
+  bool is_over_ = false;
+};
+
+// What came of a sentence of an input.
+struct Rendered {
+  Sentence sentence;
+  bool is_over_steps = false;
+
+  [[nodiscard]] bool is_done() const { return sentence.status == Status::done; }
+  // "done", "failed", "over time", "over steps", "stopped".
+  [[nodiscard]] std::string status() const;
+};
+
+// A generator with its observers.
+class Bench {
+ public:
+  explicit Bench(const Project& project);
+  Bench(const Bench&) = delete;
+  Bench& operator=(const Bench&) = delete;
+
+  Watchers& watchers() { return watchers_; }
+  // The sentences of the text, most often one. With `options` of the command: limits and post-edit.
+  [[nodiscard]] std::vector<Rendered> render(const std::string& text, const RenderOptions& options);
+  // Asked now and then while sentences are rendered: false stops. Empty: not asked.
+  void set_keep_going(std::function<bool()> asked) { keep_going_ = std::move(asked); }
+
+ private:
+  Watchers watchers_;
+  std::function<bool()> keep_going_;
+  Generator generator_;
+};
+
+// What is told on standard error of a sentence that came to nothing: where it stands, its status and messages.
+void tell_failure(const GraphText& graph, const Rendered& rendered);
+
+}  // namespace lab
+}  // namespace v1
+}  // namespace lexon

@@ -1,0 +1,176 @@
+// lexon-lab profile: where the search spends its steps and its time, by rule and by sentence.
+
+#include <algorithm>
+#include <chrono>
+#include <cstdio>
+#include <iostream>
+#include <memory>
+#include <unordered_map>
+
+#include "front/process.hpp"
+#include "lab/bench.hpp"
+#include "lab/commands.hpp"
+#include "lab/project.hpp"
+#include "lab/show.hpp"
+
+namespace lexon {
+inline namespace v1 {
+namespace lab {
+
+namespace {
+
+using Clock = std::chrono::steady_clock;
+
+struct RuleCost {
+  std::int64_t tried = 0;
+  std::int64_t done = 0;    // carried out, or words narrowed
+  std::int64_t asked = 0;   // for a step back
+  std::int64_t undone = 0;  // its applications that were taken back
+  std::int64_t caused = 0;  // steps that were taken back on its account, as a word test
+  Clock::duration time{};
+};
+
+// What goes by between two events is the time of the second.
+class Costs final : public Observer {
+ public:
+  [[nodiscard]] const std::unordered_map<const Rule*, RuleCost>& rules() const { return rules_; }
+  [[nodiscard]] std::int64_t undone() const { return undone_; }        // of the sentence
+  [[nodiscard]] Clock::duration searching() const { return search_; }  // time that is no rule's
+
+  void sentence_begins(Session&) override {
+    undone_ = 0;
+    asking_ = nullptr;
+    last_ = Clock::now();
+  }
+  void offered(Session&, const Window&, const RuleCandidate*) override {
+    asking_ = nullptr;
+    search_ += lap();
+  }
+  void offered_in_post_edit(Session&, const Window&, std::span<const std::int32_t>) override {
+    asking_ = nullptr;
+    search_ += lap();
+  }
+  void tried(Session&, const RuleCandidate& candidate, const Window&, const Window&, Fit fit) override {
+    RuleCost& cost = rules_[candidate.rule];
+    cost.time += lap();
+    ++cost.tried;
+    const bool is_test = is_word_test_type(candidate.rule->type);
+    asking_ = is_test && fit == Fit::refused ? &cost : nullptr;
+    if (asking_ != nullptr) ++cost.asked;
+    if (is_test && fit == Fit::yes) ++cost.done;
+  }
+  void applied(Session&, const RuleCandidate& candidate, const Window&) override {
+    RuleCost& cost = rules_[candidate.rule];
+    cost.time += lap();
+    ++cost.done;
+  }
+  void undone(Session&, const RuleCandidate& candidate) override {
+    RuleCost& cost = rules_[candidate.rule];
+    cost.time += lap();
+    ++cost.undone;
+    ++undone_;
+    if (asking_ != nullptr) ++asking_->caused;
+  }
+
+ private:
+  Clock::duration lap() {
+    const Clock::time_point now = Clock::now();
+    return now - std::exchange(last_, now);
+  }
+
+  std::unordered_map<const Rule*, RuleCost> rules_;
+  std::int64_t undone_ = 0;
+  RuleCost* asking_ = nullptr;
+  Clock::duration search_{};
+  Clock::time_point last_;
+};
+
+struct SentenceCost {
+  std::string place;
+  std::string label;
+  std::string status;
+  double seconds = 0;
+  std::int64_t steps = 0;
+  std::int64_t undone = 0;
+};
+
+double milliseconds(Clock::duration time) {
+  return std::chrono::duration<double, std::milli>(time).count();
+}
+
+struct Arguments {
+  GrammarFiles grammar;
+  RenderOptions render;
+  std::size_t top = 15;
+};
+
+void print_rules(const Project& project, const Costs& costs, std::size_t top) {
+  std::vector<std::pair<const Rule*, RuleCost>> rules(costs.rules().begin(), costs.rules().end());
+  const auto key = [&project](const auto& each) {
+    return std::make_tuple(-each.second.time.count(), project.line_of(*each.first).line);
+  };
+  std::sort(rules.begin(), rules.end(), [&key](const auto& a, const auto& b) { return key(a) < key(b); });
+  std::printf("%10s %9s %9s %9s %9s %9s  rule\n", "ms", "tried", "done", "undone", "asked", "caused");
+  for (std::size_t at = 0; at < std::min(top, rules.size()); ++at) {
+    const RuleCost& cost = rules[at].second;
+    std::printf("%10.3f %9lld %9lld %9lld %9lld %9lld  %s\n", milliseconds(cost.time),
+                static_cast<long long>(cost.tried), static_cast<long long>(cost.done),
+                static_cast<long long>(cost.undone), static_cast<long long>(cost.asked),
+                static_cast<long long>(cost.caused),
+                escaped(project.place_of(*rules[at].first) + ": " + project.text_of(*rules[at].first)).c_str());
+  }
+  if (rules.size() > top) std::printf("%65s and %zu rules more\n", "", rules.size() - top);
+}
+
+void print_sentences(std::vector<SentenceCost>& sentences, std::size_t top) {
+  std::stable_sort(sentences.begin(), sentences.end(),
+                   [](const SentenceCost& a, const SentenceCost& b) { return a.seconds > b.seconds; });
+  std::printf("\n%10s %9s %9s  sentence\n", "ms", "steps", "undone");
+  for (std::size_t at = 0; at < std::min(top, sentences.size()); ++at) {
+    const SentenceCost& cost = sentences[at];
+    std::printf("%10.3f %9lld %9lld  %s\n", cost.seconds * 1000, static_cast<long long>(cost.steps),
+                static_cast<long long>(cost.undone),
+                escaped(cost.place + ": " + cost.label + ' ' + cost.status).c_str());
+  }
+}
+
+int profile(const Arguments& arguments) {
+  const Project project(arguments.grammar);
+  Bench bench(project);
+  Costs costs;
+  bench.watchers().add(costs);
+  std::vector<SentenceCost> sentences;
+  SentenceCost all;
+  for_each_sentence(arguments.render, [&](const GraphText& graph) {
+    for (const Rendered& rendered : bench.render(graph.text, arguments.render)) {
+      const Sentence& sentence = rendered.sentence;
+      sentences.push_back({graph.file + ':' + std::to_string(graph.line), sentence.label, rendered.status(),
+                           sentence.seconds, sentence.steps, costs.undone()});
+      all.seconds += sentence.seconds;
+      all.steps += sentence.steps;
+      all.undone += costs.undone();
+    }
+  });
+  std::printf("%s, %.3f ms, %s, %s; %.3f ms asking for rules\n\n",
+              count_text(static_cast<std::int64_t>(sentences.size()), "sentence").c_str(), all.seconds * 1000,
+              count_text(all.steps, "pass").c_str(), (count_text(all.undone, "step") + " taken back").c_str(),
+              milliseconds(costs.searching()));
+  print_rules(project, costs, arguments.top);
+  print_sentences(sentences, arguments.top);
+  return kDone;
+}
+
+}  // namespace
+
+Command add_profile(CLI::App& app) {
+  CLI::App* command = app.add_subcommand("profile", "Show which rules and sentences cost most");
+  const auto arguments = std::make_shared<Arguments>();
+  add_grammar_options(*command, arguments->grammar);
+  add_render_options(*command, arguments->render);
+  command->add_option("-n,--top", arguments->top, "Rules and sentences that are shown")->capture_default_str();
+  return {command, [arguments] { return profile(*arguments); }};
+}
+
+}  // namespace lab
+}  // namespace v1
+}  // namespace lexon

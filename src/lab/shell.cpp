@@ -1,0 +1,573 @@
+// lexon-lab shell: a grammar and graphs at a prompt, or under a script on standard input.
+
+#include <algorithm>
+#include <atomic>
+#include <charconv>
+#include <csignal>
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <iostream>
+#include <memory>
+#include <optional>
+#include <sstream>
+
+#include <editline/readline.h>
+#include <unistd.h>
+
+#include "dicttool/list.hpp"
+#include "front/process.hpp"
+#include "lab/bench.hpp"
+#include "lab/commands.hpp"
+#include "lab/explain.hpp"
+#include "lab/project.hpp"
+#include "lab/show.hpp"
+#include "lab/why.hpp"
+
+namespace lexon {
+inline namespace v1 {
+namespace lab {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+// Set by the interrupt key, which ends what is under way and not the shell.
+constinit std::atomic<bool> interrupted{false};
+
+extern "C" void on_interrupt(int) {
+  interrupted = true;
+}
+
+constexpr const char* kHelp =
+    "dict FILE, rules FILE, cr FILE, graphs FILE   name the files; -d, -r, -c and INPUT of the call do the same\n"
+    "list [TEXT]          the sentences of the graphs, or those that hold the text\n"
+    "pick LABEL           the sentence that the commands work on; by number where no label fits\n"
+    "graph                shows it. A line that looks like a relation begins a graph of your own, an empty one ends "
+    "it\n"
+    "render [all]         writes the sentence, or all of them\n"
+    "explain [-a] [WORD]  the steps that stand; -a: with what was taken back; WORD: the rules that touched it\n"
+    "why LINE             what kept the rule of this line from working\n"
+    "word TEXT            entries with this form or concept; TEXT*: that begin so; +N +PL: with these attributes\n"
+    "rule LINE            shows the rule; rule LINE TEXT changes it, rule LINE - takes it out, rule + TEXT adds one\n"
+    "save [FILE]          writes the changed rules\n"
+    "reload               reads again what has changed on the disk; changed rules are forgotten\n"
+    "steps N, time N      limits of each sentence; 0: none\n"
+    "help, quit           and every other command of lexon-lab, with these files: coverage, profile, report, ...\n";
+
+std::string_view trimmed(std::string_view text) {
+  while (!text.empty() && std::isspace(static_cast<unsigned char>(text.front())) != 0) text.remove_prefix(1);
+  while (!text.empty() && std::isspace(static_cast<unsigned char>(text.back())) != 0) text.remove_suffix(1);
+  return text;
+}
+
+// Takes the first word off.
+std::string take_word(std::string_view& rest) {
+  rest = trimmed(rest);
+  const std::size_t end = std::min(rest.find_first_of(" \t"), rest.size());
+  const std::string word(rest.substr(0, end));
+  rest = trimmed(rest.substr(end));
+  return word;
+}
+
+void print(const std::string& text) {
+  std::cout << escaped(text) << '\n';
+}
+
+// The time and size of a file, to see whether it has changed; none if it is not there.
+struct Seen {
+  std::string path;
+  fs::file_time_type time{};
+  std::uintmax_t size = 0;
+
+  Seen() = default;
+  explicit Seen(const std::string& of) : path(of) {
+    std::error_code error;
+    if (of.empty()) return;
+    time = fs::last_write_time(of, error);
+    size = fs::file_size(of, error);
+  }
+  bool operator==(const Seen&) const = default;
+};
+
+// Where lines come from: an edited one with history at a terminal, else standard input.
+class Lines {
+ public:
+  Lines() : is_terminal_(isatty(STDIN_FILENO) != 0 && isatty(STDOUT_FILENO) != 0) {
+    if (!is_terminal_) return;
+    rl_initialize();
+    if (const char* home = std::getenv("HOME"); home != nullptr) history_ = std::string(home) + "/.lexon_lab_history";
+    if (!history_.empty()) read_history(history_.c_str());
+  }
+  ~Lines() {
+    if (is_terminal_ && !history_.empty()) write_history(history_.c_str());
+  }
+  Lines(const Lines&) = delete;
+  Lines& operator=(const Lines&) = delete;
+
+  [[nodiscard]] bool is_terminal() const { return is_terminal_; }
+  // False at the end of the input.
+  bool next(const char* prompt, std::string& line) {
+    if (!is_terminal_) return static_cast<bool>(std::getline(std::cin, line));
+    std::cout.flush();
+    const std::unique_ptr<char, decltype(&std::free)> read(readline(prompt), &std::free);
+    if (read == nullptr) return false;
+    line = read.get();
+    if (!trimmed(line).empty()) add_history(read.get());
+    return true;
+  }
+
+ private:
+  bool is_terminal_;
+  std::string history_;
+};
+
+class Shell {
+ public:
+  Shell(GrammarFiles files, std::string graphs, RenderOptions limits)
+      : files_(std::move(files)), graph_file_(std::move(graphs)), limits_(std::move(limits)) {}
+  int run();
+
+ private:
+  bool obey(std::string_view line);
+  void read_graph(std::string line);
+  void load();
+  void load_graphs();
+  void reload();
+  [[nodiscard]] const Project& project();
+  [[nodiscard]] Bench& bench();
+  [[nodiscard]] const GraphText& graph();
+  void list(std::string_view text);
+  void pick(const std::string& label);
+  void render(const std::string& which);
+  void explain(std::string_view rest);
+  void find_words(std::string_view rest);
+  void rule(std::string_view rest);
+  void save(const std::string& path);
+  void run_other(const std::string& name, std::string_view rest);
+  void set_rules(std::vector<std::string>&& lines);
+  [[nodiscard]] std::vector<std::string>& rule_lines();
+
+  GrammarFiles files_;
+  std::string graph_file_;
+  RenderOptions limits_;
+  Lines lines_;
+  std::optional<Project> project_;
+  std::unique_ptr<Bench> bench_;
+  Seen seen_[4];  // dictionary, rules, co-occurrence, graphs as they were when they were read
+  std::vector<GraphText> graphs_;
+  std::optional<GraphText> graph_;
+  std::vector<std::string> rule_lines_;  // of the text; empty: not read
+  bool is_changed_ = false;              // the rules differ from their file
+  File entries_;                         // the dictionary as text, for searching; null: not made
+};
+
+// ---- What is loaded
+
+void Shell::load() {
+  if (files_.dictionary.empty()) throw Fault("there is no dictionary yet: dict FILE");
+  if (files_.rules.empty()) throw Fault("there are no rules yet: rules FILE");
+  bench_.reset();
+  project_.reset();
+  seen_[0] = Seen(files_.dictionary);
+  seen_[1] = Seen(files_.rules);
+  seen_[2] = Seen(files_.cooccurrence);
+  if (is_changed_) {
+    std::string text;
+    for (const std::string& line : rule_lines_) text += line + '\n';
+    project_.emplace(files_, text);
+  } else {
+    project_.emplace(files_);
+  }
+  print(count_text(static_cast<std::int64_t>(project_->grammar.rule_count()), "rule") + " loaded");
+}
+
+const Project& Shell::project() {
+  if (!project_.has_value()) load();
+  return *project_;
+}
+
+Bench& Shell::bench() {
+  if (bench_ == nullptr) {
+    bench_ = std::make_unique<Bench>(project());
+    bench_->set_keep_going([] { return !interrupted.load(); });
+  }
+  return *bench_;
+}
+
+void Shell::load_graphs() {
+  if (graph_file_.empty()) throw Fault("there are no graphs yet: graphs FILE, or type one");
+  RenderOptions all;
+  all.inputs = {graph_file_};
+  graphs_.clear();
+  seen_[3] = Seen(graph_file_);
+  for_each_sentence(all, [this](const GraphText& sentence) { graphs_.push_back(sentence); });
+  print(count_text(static_cast<std::int64_t>(graphs_.size()), "sentence") + " read");
+}
+
+const GraphText& Shell::graph() {
+  if (graph_.has_value()) return *graph_;
+  if (graphs_.empty()) load_graphs();
+  if (graphs_.empty()) throw Fault(graph_file_ + ": there is no sentence in it");
+  graph_ = graphs_.front();
+  return *graph_;
+}
+
+void Shell::reload() {
+  const bool was_changed = std::exchange(is_changed_, false);
+  rule_lines_.clear();
+  if (seen_[0] != Seen(files_.dictionary)) entries_.reset();
+  const bool is_same =
+      seen_[0] == Seen(files_.dictionary) && seen_[1] == Seen(files_.rules) && seen_[2] == Seen(files_.cooccurrence);
+  if (!project_.has_value() || !is_same || was_changed) {
+    load();
+  } else {
+    print("the grammar has not changed");
+  }
+  if (graph_file_.empty() || graphs_.empty() || seen_[3] == Seen(graph_file_)) return;
+  const std::string label = graph_.has_value() ? graph_->label : std::string();
+  const bool is_of_file = graph_.has_value() && graph_->file == graph_file_;
+  load_graphs();
+  if (!is_of_file) return;
+  graph_.reset();
+  for (const GraphText& each : graphs_) {
+    if (each.label == label) graph_ = each;
+  }
+}
+
+// ---- Graphs
+
+void Shell::list(std::string_view text) {
+  if (graphs_.empty()) load_graphs();
+  for (const GraphText& each : graphs_) {
+    if (!text.empty() && each.text.find(text) == std::string::npos) continue;
+    const bool is_picked = graph_.has_value() && graph_->number == each.number && graph_->file == each.file;
+    print((is_picked ? "* " : "  ") + each.file + ':' + std::to_string(each.line) + "  " + each.label);
+  }
+}
+
+void Shell::pick(const std::string& label) {
+  if (graphs_.empty()) load_graphs();
+  for (const GraphText& each : graphs_) {
+    if (!is_asked_for(label, each)) continue;
+    graph_ = each;
+    return;
+  }
+  for (const GraphText& each : graphs_) {
+    if (std::to_string(each.number) != label) continue;
+    graph_ = each;
+    return;
+  }
+  throw Fault("no sentence has the label \"" + label + "\": list shows them");
+}
+
+// Up to an empty line or the end of the sentence.
+void Shell::read_graph(std::string line) {
+  GraphText typed;
+  typed.file = "typed";
+  typed.line = 1;
+  typed.number = 1;
+  const bool has_start = line.starts_with("[S");
+  typed.label = has_start ? line.substr(1, line.find(']') - 1) : "S:typed";
+  typed.text = has_start ? line + '\n' : "[S:typed]\n" + line + '\n';
+  bool has_end = false;
+  while (!has_end && lines_.next("... ", line) && !trimmed(line).empty()) {
+    typed.text += line + '\n';
+    has_end = trimmed(line).starts_with("[/S");
+  }
+  if (!has_end) typed.text += "[/S]\n";
+  graph_ = std::move(typed);
+}
+
+void Shell::render(const std::string& which) {
+  if (!which.empty() && which != "all") pick(which);
+  std::vector<GraphText> wanted;
+  if (which == "all") {
+    if (graphs_.empty()) load_graphs();
+    wanted = graphs_;
+  } else {
+    wanted.push_back(graph());
+  }
+  bool is_done = true;
+  for (const GraphText& each : wanted) {
+    if (interrupted) break;
+    for (const Rendered& rendered : bench().render(each.text, limits_)) {
+      is_done = is_done && rendered.is_done();
+      if (rendered.is_done()) print(rendered.sentence.text);
+      if (!rendered.is_done()) tell_failure(each, rendered);
+    }
+  }
+  if (!is_done) throw Fault("not every sentence was done: explain tells more");
+}
+
+void Shell::explain(std::string_view rest) {
+  ExplainOptions options;
+  while (!rest.empty()) {
+    const std::string word = take_word(rest);
+    if (word == "-a" || word == "--all") {
+      options.all = true;
+    } else if (word != "-w" && word != "--word") {
+      options.word = word;
+    }
+  }
+  static_cast<void>(explain_sentence(std::cout, project(), bench(), graph(), limits_, options));
+}
+
+// ---- Words
+
+void Shell::find_words(std::string_view rest) {
+  std::vector<std::string> attrs;
+  std::string prefix;
+  while (!rest.empty()) {
+    const std::string word = take_word(rest);
+    if (word.front() == '+') {
+      attrs.push_back(word.substr(1));
+    } else if (word.ends_with('*')) {
+      prefix = word.substr(0, word.size() - 1);
+    } else {
+      const std::vector<std::string> found = words_found(project(), word);
+      for (const std::string& entry : found) print(entry);
+      if (found.empty()) print("no entry has the form or the concept " + word);
+    }
+  }
+  if (attrs.empty() && prefix.empty()) return;
+  if (entries_ == nullptr) {
+    entries_.reset(std::tmpfile());
+    const auto session = std::make_unique<Session>();
+    if (entries_ == nullptr || !dictionary_list(*session, files_.dictionary, entries_.get(), stderr))
+      throw Fault(files_.dictionary + ": cannot be listed");
+  }
+  std::rewind(entries_.get());
+  constexpr std::int64_t kMostShown = 200;
+  std::int64_t found = 0;
+  std::string line;
+  for (int c = std::getc(entries_.get()); c != EOF; c = std::getc(entries_.get())) {
+    if (c != '\n') {
+      line += static_cast<char>(c);
+      continue;
+    }
+    // [HW]{ID} GLOSS "CW" (ATTRS) ...
+    const std::string_view entry = line;
+    const std::size_t concept_at = entry.find('"');
+    const bool fits = prefix.empty() || entry.substr(1).starts_with(prefix) ||
+                      (concept_at != std::string_view::npos && entry.substr(concept_at + 1).starts_with(prefix));
+    const std::size_t open = entry.find("\" (");
+    const std::size_t close = entry.rfind(')');
+    const bool has_list = open != std::string_view::npos && close != std::string_view::npos && close > open;
+    const std::string list = has_list ? ',' + std::string(entry.substr(open + 3, close - open - 3)) + ',' : ",";
+    const auto has = [&list](const std::string& attr) { return list.find(',' + attr + ',') != std::string::npos; };
+    if (fits && std::all_of(attrs.begin(), attrs.end(), has) && ++found <= kMostShown) print(line);
+    line.clear();
+  }
+  if (found > kMostShown) print("and " + std::to_string(found - kMostShown) + " more");
+  if (found == 0) print("no entry fits");
+}
+
+// ---- Rules
+
+std::vector<std::string>& Shell::rule_lines() {
+  if (!rule_lines_.empty()) return rule_lines_;
+  const std::string path = project_.has_value() ? project_->rule_text() : files_.rules;
+  std::ifstream file(path, std::ios::binary);
+  if (!file) throw Fault(path + ": cannot be opened");
+  for (std::string line; std::getline(file, line);) rule_lines_.push_back(std::move(line));
+  return rule_lines_;
+}
+
+// With rules that cannot be used, those before stay.
+void Shell::set_rules(std::vector<std::string>&& lines) {
+  std::vector<std::string> before = std::exchange(rule_lines_, std::move(lines));
+  const bool was_changed = std::exchange(is_changed_, true);
+  try {
+    load();
+  } catch (...) {
+    rule_lines_ = std::move(before);
+    is_changed_ = was_changed;
+    throw;
+  }
+}
+
+void Shell::rule(std::string_view rest) {
+  const std::string place = take_word(rest);
+  if (place.empty()) throw Fault("rule LINE, rule LINE TEXT, rule LINE -, rule + TEXT");
+  std::vector<std::string> lines = rule_lines();
+  if (place == "+") {
+    lines.emplace_back(rest);
+    set_rules(std::move(lines));
+    print(files_.rules + ':' + std::to_string(rule_lines_.size()) + ": added");
+    return;
+  }
+  std::size_t number = 0;
+  const auto [end, error] = std::from_chars(place.data(), place.data() + place.size(), number);
+  if (error != std::errc() || end != place.data() + place.size() || number == 0 || number > lines.size())
+    throw Fault(place + ": the rules have the lines 1 to " + std::to_string(lines.size()));
+  std::string& line = lines[number - 1];
+  if (rest.empty()) {
+    print(files_.rules + ':' + place + ": " + line);
+    for (const Rule& each : chain<&Rule::next>(project().loaded().rules.rules)) {
+      if (each.line == number) print("  in force: " + project().text_of(each));
+    }
+    return;
+  }
+  line = rest == "-" ? ";" + line : std::string(rest);
+  set_rules(std::move(lines));
+}
+
+void Shell::save(const std::string& path) {
+  const std::string target = path.empty() ? project().rule_text() : path;
+  const std::vector<std::string>& lines = rule_lines();
+  const std::string draft = target + ".draft";
+  std::ofstream file(draft, std::ios::binary);
+  for (const std::string& line : lines) file << line << '\n';
+  file.close();
+  std::error_code error;
+  if (file) fs::rename(draft, target, error);
+  if (!file || error) {
+    fs::remove(draft, error);
+    throw Fault(target + ": cannot be written");
+  }
+  if (target == project().rule_text()) {
+    is_changed_ = false;
+    seen_[1] = Seen(files_.rules);
+  }
+  print(target + ": written");
+}
+
+// ---- Other commands of the program, with the files of the shell.
+
+void Shell::run_other(const std::string& name, std::string_view rest) {
+  if (is_changed_) throw Fault("the rules have changed: save or reload them first");
+  std::vector<std::string> words = {name};
+  while (!rest.empty()) words.push_back(take_word(rest));
+  for (const auto& [option, value] :
+       {std::pair{"-d", files_.dictionary}, std::pair{"-r", files_.rules}, std::pair{"-c", files_.cooccurrence}}) {
+    if (!value.empty()) words.insert(words.end(), {option, value});
+  }
+  if (!graph_file_.empty()) words.push_back(graph_file_);
+  if (run_command(words) != kDone) throw Fault(name + ": there are findings, or it failed");
+}
+
+// ---- The prompt
+
+// False to end.
+bool Shell::obey(std::string_view line) {
+  std::string_view rest = trimmed(line);
+  if (rest.empty() || rest.front() == '#') return true;
+  const bool is_graph = rest.starts_with("[S") || rest.find('(') < rest.find_first_of(" \t");
+  if (is_graph) {
+    read_graph(std::string(rest));
+    return true;
+  }
+  const std::string word = take_word(rest);
+  const std::string argument(rest);
+  const auto set_file = [&](std::string& file) {
+    if (argument.empty()) throw Fault(word + " FILE");
+    file = argument;
+    project_.reset();
+    bench_.reset();
+    entries_.reset();
+    rule_lines_.clear();
+    is_changed_ = false;
+  };
+  const auto number = [&argument, &word] {
+    double value = 0;
+    const auto [end, error] = std::from_chars(argument.data(), argument.data() + argument.size(), value);
+    if (error != std::errc() || end != argument.data() + argument.size() || value < 0) throw Fault(word + " N");
+    return value;
+  };
+  if (word == "quit" || word == "exit") return false;
+  if (word == "help") {
+    std::cout << kHelp;
+  } else if (word == "dict") {
+    set_file(files_.dictionary);
+  } else if (word == "rules") {
+    set_file(files_.rules);
+  } else if (word == "cr") {
+    set_file(files_.cooccurrence);
+  } else if (word == "graphs") {
+    if (argument.empty()) throw Fault("graphs FILE");
+    graph_file_ = argument;
+    graph_.reset();
+    load_graphs();
+  } else if (word == "list") {
+    list(argument);
+  } else if (word == "pick") {
+    pick(argument);
+  } else if (word == "graph") {
+    const GraphText& shown = graph();
+    std::cout << shown.file << ':' << shown.line << '\n' << trimmed(shown.text) << '\n';
+  } else if (word == "render") {
+    render(argument);
+  } else if (word == "explain") {
+    explain(rest);
+  } else if (word == "why") {
+    why_sentence(std::cout, project(), bench(), graph(), limits_, argument);
+  } else if (word == "word") {
+    find_words(rest);
+  } else if (word == "rule") {
+    rule(rest);
+  } else if (word == "save") {
+    save(argument);
+  } else if (word == "reload") {
+    reload();
+  } else if (word == "steps") {
+    limits_.steps = static_cast<std::int64_t>(number());
+  } else if (word == "time") {
+    limits_.seconds = number();
+  } else {
+    run_other(word, rest);
+  }
+  return true;
+}
+
+int Shell::run() {
+  struct sigaction action {};
+  action.sa_handler = on_interrupt;
+  sigemptyset(&action.sa_mask);
+  sigaction(SIGINT, &action, nullptr);
+  if (lines_.is_terminal()) std::cout << "lexon-lab " LEXON_VERSION "; help shows the commands\n";
+  int status = kDone;
+  std::int64_t number = 0;
+  std::string line;
+  while (lines_.next("lexon> ", line)) {
+    ++number;
+    interrupted = false;
+    try {
+      if (!obey(line)) break;
+    } catch (const Fault& fault) {
+      status = kFailed;
+      tell_line(lines_.is_terminal() ? fault.what() : "line " + std::to_string(number) + ": " + fault.what());
+    }
+    std::cout.flush();
+  }
+  if (lines_.is_terminal()) std::cout << '\n';
+  if (is_changed_) tell_line("the changed rules were not saved");
+  return lines_.is_terminal() ? kDone : status;
+}
+
+struct Arguments {
+  GrammarFiles grammar;
+  std::string graphs;
+  RenderOptions limits;
+};
+
+}  // namespace
+
+Command add_shell(CLI::App& app) {
+  CLI::App* command = app.add_subcommand("shell", "Work with a grammar at a prompt, or by a script on standard input");
+  const auto arguments = std::make_shared<Arguments>();
+  command->add_option("-d,--dict", arguments->grammar.dictionary, "The dictionary, made by lexon-dict");
+  command->add_option("-r,--rules", arguments->grammar.rules, "The rules, as text or compiled (.rul)");
+  command->add_option("-c,--cr", arguments->grammar.cooccurrence, "The co-occurrence dictionary");
+  command->add_option("INPUT", arguments->graphs, "Graphs");
+  command->add_option("-T,--time", arguments->limits.seconds, "Seconds for each sentence; 0: no limit")
+      ->capture_default_str();
+  command->add_option("--steps", arguments->limits.steps, "Steps of the search for each sentence; 0: no limit")
+      ->check(CLI::NonNegativeNumber);
+  return {command, [arguments] { return Shell(arguments->grammar, arguments->graphs, arguments->limits).run(); }};
+}
+
+}  // namespace lab
+}  // namespace v1
+}  // namespace lexon

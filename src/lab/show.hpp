@@ -1,0 +1,31 @@
+// Nodes, lists and misses as the workbench shows them.
+#pragma once
+
+#include <string>
+#include <string_view>
+
+#include "lab/project.hpp"
+
+namespace lexon {
+inline namespace v1 {
+namespace lab {
+
+// A node in a list: its surface form once a rule has touched it; before, in brackets, what the graph calls it. A boundary
+// is "|".
+[[nodiscard]] std::string node_text(const Node* node);
+// The list of the window from end to end, without one of its nodes: "| the dog [sleep] |".
+[[nodiscard]] std::string list_text(const Session& session, const Window& window, const Node* without = nullptr);
+// Its two places: "dog + [sleep]".
+[[nodiscard]] std::string window_text(const Window& window);
+
+// What was missing, in words: "the right word \"dog\" (N,SG) lacks PL".
+[[nodiscard]] std::string miss_text(const Project& project, const Miss& miss);
+// All of them, the first one first, joined by "; and ".
+[[nodiscard]] std::string misses_text(const Project& project, const std::vector<Miss>& misses);
+
+// "3 rules", "1 rule".
+[[nodiscard]] std::string count_text(std::int64_t count, std::string_view noun);
+
+}  // namespace lab
+}  // namespace v1
+}  // namespace lexon

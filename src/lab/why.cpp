@@ -1,0 +1,226 @@
+// lexon-lab why: what kept a rule from working in a sentence, window by window.
+
+#include "lab/why.hpp"
+
+#include <algorithm>
+#include <iostream>
+#include <memory>
+#include <utility>
+
+#include "front/process.hpp"
+#include "lab/commands.hpp"
+#include "lab/show.hpp"
+
+namespace lexon {
+inline namespace v1 {
+namespace lab {
+
+namespace {
+
+constexpr std::size_t kMostFindings = 2000;
+constexpr std::size_t kMostShown = 12;
+
+std::int64_t misses_of_side(const std::vector<Miss>& misses, RulePart part) {
+  return std::count_if(misses.begin(), misses.end(), [part](const Miss& miss) { return miss.part == part; });
+}
+
+bool is_in(const RuleCandidate* list, const Rule& rule) {
+  for (const RuleCandidate& element : chain<&RuleCandidate::next>(list)) {
+    if (element.rule == &rule) return true;
+  }
+  return false;
+}
+
+}  // namespace
+
+void RuleWatch::sentence_begins(Session&) {
+  findings_.clear();
+  windows_ = left_fits_ = right_fits_ = 0;
+  left_fit_.clear();
+  right_fit_.clear();
+  is_post_edit_ = waits_ = false;
+}
+
+void RuleWatch::generated(Session&, core::Status) {
+  is_post_edit_ = true;
+  waits_ = false;
+}
+
+void RuleWatch::note(Answer answer, std::vector<Miss>&& misses, const Rule* other, const std::string& window,
+                     const std::string& list) {
+  std::string key =
+      std::to_string(static_cast<int>(answer)) + ' ' + (other == nullptr ? "" : project_.place_of(*other));
+  for (const Miss& miss : misses) key.append("\n").append(miss_text(project_, miss));
+  const auto found = findings_.find(key);
+  if (found == findings_.end() && findings_.size() >= kMostFindings) return;
+  Finding& finding = findings_[key];
+  if (finding.count++ != 0) return;
+  finding.answer = answer;
+  finding.misses = std::move(misses);
+  finding.other = other;
+  finding.window = window;
+  finding.list = list;
+}
+
+void RuleWatch::offered(Session& session, const Window& window, const RuleCandidate* list) {
+  waits_ = false;
+  // At the end of a list rules are asked for, and never tried.
+  if (window.lnode == nullptr || window.rnode == nullptr) return;
+  if (!is_post_edit_type(rule_.type)) look(session, window, is_in(list, rule_));
+}
+
+void RuleWatch::offered_in_post_edit(Session& session, const Window& window, std::span<const std::int32_t> rules) {
+  waits_ = false;
+  if (!is_post_edit_type(rule_.type)) return;
+  const auto is_this = [&](std::int32_t number) {
+    return session.grammar->index.search.rules[static_cast<std::size_t>(number)] == &rule_;
+  };
+  look(session, window, std::any_of(rules.begin(), rules.end(), is_this));
+}
+
+void RuleWatch::look(Session& session, const Window& window, bool is_offered) {
+  ++windows_;
+  window_ = window_text(window);
+  list_ = list_text(session, window);
+  if (is_offered) {
+    const RuleCandidate candidate{&rule_, nullptr, nullptr, nullptr, nullptr};
+    would_miss_ = rule_misses(session, candidate, window, false);
+    waits_ = true;
+    if (rule_.lnode->inserted == 0 && left_fits_++ == 0) left_fit_ = window_;
+    if (rule_.rnode->inserted == 0 && right_fits_++ == 0) right_fit_ = window_;
+    return;
+  }
+  std::vector<Miss> misses = index_misses(session, rule_, window);
+  if (rule_.lnode->inserted == 0 && misses_of_side(misses, RulePart::lnode) == 0 && left_fits_++ == 0)
+    left_fit_ = window_;
+  if (rule_.rnode->inserted == 0 && misses_of_side(misses, RulePart::rnode) == 0 && right_fits_++ == 0)
+    right_fit_ = window_;
+  note(Answer::not_offered, std::move(misses), nullptr, window_, list_);
+}
+
+void RuleWatch::tried(Session& session, const RuleCandidate& candidate, const Window& before, const Window&, Fit fit) {
+  if (candidate.rule != &rule_) {
+    if (fit == Fit::no || !std::exchange(waits_, false)) return;
+    note(Answer::other_came_first, std::move(would_miss_), candidate.rule, window_, list_);
+    return;
+  }
+  waits_ = false;
+  const std::string window = window_text(before);
+  const std::string list = list_text(session, before);
+  if (fit == Fit::yes) return note(Answer::worked, {}, nullptr, window, list);
+  std::vector<Miss> misses;
+  if (fit == Fit::no) {
+    misses = rule_misses(session, candidate, before, true);
+  } else {
+    misses.push_back({});
+    misses.back().reason = reason_of_refusal(rule_, before);
+  }
+  // A word test that asks for a step back has worked.
+  const bool has_worked = fit == Fit::refused && is_word_test_type(rule_.type);
+  note(has_worked ? Answer::worked : Answer::refused, std::move(misses), nullptr, window, list);
+}
+
+std::vector<RuleWatch::Finding> RuleWatch::findings() const {
+  std::vector<Finding> sorted;
+  for (const auto& [key, finding] : findings_) sorted.push_back(finding);
+  // What was not offered misses more than what was offered and misses as much: the index asks attributes alone.
+  const auto rank = [](const Finding& finding) {
+    const std::size_t more = finding.answer == Answer::not_offered ? 1 : 0;
+    return std::make_tuple(finding.answer == Answer::worked ? 0 : 1, finding.misses.size() + more, -finding.count);
+  };
+  std::stable_sort(sorted.begin(), sorted.end(),
+                   [&rank](const Finding& a, const Finding& b) { return rank(a) < rank(b); });
+  return sorted;
+}
+
+namespace {
+
+void print(std::ostream& out, const std::string& text) {
+  out << escaped(text) << '\n';
+}
+
+std::string answer_text(const Project& project, const RuleWatch::Finding& finding) {
+  switch (finding.answer) {
+    case RuleWatch::Answer::worked: return finding.misses.empty() ? "it worked" : "it worked: it asked for a step back";
+    case RuleWatch::Answer::refused: return "it was tried, and refused";
+    case RuleWatch::Answer::other_came_first:
+      return "another rule came first, " + project.place_of(*finding.other) +
+             (finding.misses.empty() ? "; this one fits too" : "; this one would not have fitted");
+    case RuleWatch::Answer::not_offered: return "it was not offered";
+  }
+  return {};
+}
+
+void print_finding(std::ostream& out, const Project& project, const RuleWatch::Finding& finding) {
+  print(out, "  " + answer_text(project, finding) + " at " + finding.window +
+                 (finding.count > 1 ? ", and at " + count_text(finding.count - 1, "window") + " more in the same way"
+                                    : std::string()));
+  print(out, "      in " + finding.list);
+  if (finding.answer == RuleWatch::Answer::worked) return;
+  for (const Miss& miss : finding.misses) print(out, "      - " + miss_text(project, miss));
+}
+
+void print_summary(std::ostream& out, const RuleWatch& watch, const std::vector<RuleWatch::Finding>& findings) {
+  const auto is_offered = [](const RuleWatch::Finding& finding) {
+    return finding.answer != RuleWatch::Answer::not_offered;
+  };
+  if (watch.windows() == 0) return print(out, "  there was no window for a rule of this type");
+  if (std::any_of(findings.begin(), findings.end(), is_offered)) return;
+  print(out, "  the window never arose: of " + count_text(watch.windows(), "window") + " none offered the rule");
+  for (const Side side : {Side::left, Side::right}) {
+    const std::string pattern = side == Side::left ? "LNODE" : "RNODE";
+    if (watch.fits(side) == 0) continue;
+    print(out, "  the attributes of " + pattern + " alone were there at " + count_text(watch.fits(side), "window") +
+                   ", the first " + watch.first_fit(side));
+  }
+}
+
+struct Arguments {
+  GrammarFiles grammar;
+  RenderOptions render;
+  std::string rule;
+};
+
+int why(const Arguments& arguments) {
+  const Project project(arguments.grammar);
+  Bench bench(project);
+  for_each_sentence(arguments.render, [&](const GraphText& graph) {
+    why_sentence(std::cout, project, bench, graph, arguments.render, arguments.rule);
+  });
+  return kDone;
+}
+
+}  // namespace
+
+void why_sentence(std::ostream& out, const Project& project, Bench& bench, const GraphText& graph,
+                  const RenderOptions& limits, const std::string& place) {
+  for (const Rule* rule : project.rules_at(place)) {
+    RuleWatch watch(project, *rule);
+    bench.watchers().add(watch);
+    const std::vector<Rendered> results = bench.render(graph.text, limits);
+    bench.watchers().remove(watch);
+    print(out, project.place_of(*rule) + ": " + project.text_of(*rule));
+    for (const Rendered& result : results) {
+      print(out, graph.file + ':' + std::to_string(graph.line) + ": " + result.sentence.label + "  " + result.status());
+    }
+    const std::vector<RuleWatch::Finding> findings = watch.findings();
+    print_summary(out, watch, findings);
+    for (std::size_t at = 0; at < std::min(findings.size(), kMostShown); ++at)
+      print_finding(out, project, findings[at]);
+    if (findings.size() > kMostShown)
+      print(out, "  and " + count_text(static_cast<std::int64_t>(findings.size() - kMostShown), "more distant miss"));
+  }
+}
+
+Command add_why(CLI::App& app) {
+  CLI::App* command = app.add_subcommand("why", "Tell what kept a rule from working in a sentence");
+  const auto arguments = std::make_shared<Arguments>();
+  command->add_option("RULE", arguments->rule, "The rule, by its line: 203, or rules.txt:203")->required();
+  add_grammar_options(*command, arguments->grammar);
+  add_render_options(*command, arguments->render);
+  return {command, [arguments] { return why(*arguments); }};
+}
+
+}  // namespace lab
+}  // namespace v1
+}  // namespace lexon

@@ -1,0 +1,32 @@
+// Entries of the dictionary, by surface form and by concept word.
+
+#include <algorithm>
+#include <memory>
+
+#include "lab/explain.hpp"
+
+namespace lexon {
+inline namespace v1 {
+namespace lab {
+
+std::vector<std::string> words_found(const Project& project, const std::string& word) {
+  std::vector<std::string> lines;
+  const auto session = std::make_unique<Session>();
+  const DictionaryFiles files = project.loaded().words.files();
+  for (const int key_field : {kKeyHw, kKeyCw}) {
+    WordEntry* words = nullptr;
+    if (words_by_key(*session, files, key_field, word.c_str(), words) != core::Status::ok) continue;
+    entry_list_sort(words);
+    for (const WordEntry& each : chain<&WordEntry::next>(words)) {
+      entry_print(session->output, &each, "");
+      std::string line = session->output.take();
+      while (line.ends_with('\n')) line.pop_back();
+      if (std::find(lines.begin(), lines.end(), line) == lines.end()) lines.push_back(std::move(line));
+    }
+  }
+  return lines;
+}
+
+}  // namespace lab
+}  // namespace v1
+}  // namespace lexon
