@@ -152,7 +152,7 @@ const Row kRows[] = {
      "2:9: the name of a file is missing here: write it in double quotes\n"},
     {"a circle, what is no file, and the wrong encoding", "%include \"circle.lxr\"\n%include \"sub\"\n%include \"wide.txt\"\n", "",
      "circle.lxr:1:0: this file includes itself, by way of the files around it: strike one of the includes out (included at a.lxr:1)\n"
-     "2:10: \"sub\" cannot be opened: Invalid argument\nwide.txt:1:0: this text is UTF-16: save it as UTF-8 (included at a.lxr:3)\n"},
+     "2:10: \"sub\" cannot be opened: Is a directory\nwide.txt:1:0: this text is UTF-16: save it as UTF-8 (included at a.lxr:3)\n"},
     {"a directive in a rule", "R{ %\\\n%for x in (a)\n%end\n", "",
      "2:0: the rule above goes on here, by its %\\: strike that out, or write the rest of the rule first\n3:0: this %end closes nothing: strike it out\n"},
     {"a line too long", "%; c\nR" + kLong + "\n", "", "2:0: this rule expands to 1031 characters, and 1022 is the most: make two rules of it\n"},
