@@ -200,22 +200,22 @@ void match_record_pop(Session& session, Node& node) {
 }
 
 RuleCandidate* candidates_new(Session& session, std::size_t count) {
-  const auto size = static_cast<std::int64_t>(sizeof(CandidateList) + count * sizeof(RuleCandidate));
-  void* cell = temp_alloc(session, size);
-  if (cell == nullptr) return nullptr;
-  auto* list = new (cell) CandidateList{0, static_cast<std::int32_t>(count), size};
-  auto* elements = reinterpret_cast<RuleCandidate*>(list + 1);
-  for (std::size_t i = 0; i < count; ++i) {
-    new (elements + i) RuleCandidate{nullptr, nullptr, nullptr, elements + i + 1, list};
+  auto* list = temp_new<CandidateList>(session);
+  RuleCandidate* head = nullptr;
+  for (RuleCandidate** link = &head; list != nullptr && count != 0; --count, link = &(*link)->next) {
+    *link = temp_new<RuleCandidate>(session);
+    if (*link == nullptr) return nullptr;
+    (*link)->list = list;
+    ++list->elements;
   }
-  elements[count - 1].next = nullptr;
-  return elements;
+  return head;
 }
 
 void candidate_passed_over(Session& session, RuleCandidate* element) {
   CandidateList* list = element->list;
   if (list == nullptr || list->records != 0) return;
-  if (--list->elements == 0) temp_free(session, list, list->size);
+  temp_delete(session, element);
+  if (--list->elements == 0) temp_delete(session, list);
 }
 
 void candidates_passed_over(Session& session, RuleCandidate* first, const RuleCandidate* end) {

@@ -87,13 +87,11 @@ struct Node {
 };
 static_assert(std::is_trivial_v<Node>);
 
-// What all elements of one list have in common. They stand behind it, in its cell.
+// What all elements of one list have in common.
 struct CandidateList {
   std::int32_t records;   // match records that point to any element of the list
-  std::int32_t elements;  // elements not released yet; the cell goes back to the pool with the last one
-  std::int64_t size;      // of the cell
+  std::int32_t elements;  // elements not released yet; the list goes back to the pool with the last one
 };
-static_assert(std::is_trivial_v<CandidateList>);
 
 // One rule that may fit a window. Backtracking resumes at `next`.
 struct RuleCandidate {

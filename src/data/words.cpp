@@ -124,7 +124,11 @@ void entry_list_sort(WordEntry*& head) {
     WordEntry* first = nullptr;
     WordEntry* last = nullptr;
   };
-  if (head == nullptr || head->next == nullptr) return;
+  const auto is_in_order = [](const WordEntry* word) {
+    while (word != nullptr && word->next != nullptr && word->priority >= word->next->priority) word = word->next;
+    return word == nullptr || word->next == nullptr;
+  };
+  if (is_in_order(head)) return;
   std::array<Bucket, 256> buckets;
   for (WordEntry* word = head; word != nullptr; word = word->next) {
     Bucket& bucket = buckets[word->priority];

@@ -165,8 +165,8 @@ TEST_F(Nodes, WhatIsLeftBehindIsPassedOver) {
   for (const Row& row : rows) {
     auto* list = temp_new<CandidateList>(session);
     auto* other_list = temp_new<CandidateList>(session);
-    *list = {row.records, kElements, 0};  // one more than there are: the list's own cell stays
-    *other_list = {0, 1, 0};
+    *list = {row.records, kElements};  // one more than there are: the list's own cell stays
+    *other_list = {0, 1};
     std::array<RuleCandidate*, kElements> elements{};
     for (std::size_t i = kElements; i-- > 0;) {
       elements[i] = temp_new<RuleCandidate>(session);
