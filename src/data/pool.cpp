@@ -107,7 +107,7 @@ void* Pool::alloc_slowly(std::int64_t size) {
   return cell;
 }
 
-void Pool::free(void* cell, std::int64_t size) {
+void Pool::free_slowly(void* cell, std::int64_t size) {
   if (cell == nullptr || size < 1) return;
   if (size > kLargestCell) {
     LargeCell* large = static_cast<LargeCell*>(cell) - 1;

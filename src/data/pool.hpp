@@ -65,7 +65,11 @@ class Pool {
   }
 
   // Gives a cell back to the class of `size`, which must be the class it came from. Ignores null.
-  void free(void* cell, std::int64_t size);
+  void free(void* cell, std::int64_t size) {
+    if (!kHasQuickCells || cell == nullptr || size < 1 || size > kLargestCell) return free_slowly(cell, size);
+    const std::size_t index = class_of(size);
+    free_[index] = new (cell) FreeCell{free_[index]};
+  }
 
   // Frees every cell. The blocks begin anew; some are kept for the next sentence, and count for nothing until then.
   void release_all();
@@ -129,6 +133,7 @@ class Pool {
     return block.start + std::exchange(block.used, used);
   }
   void* alloc_slowly(std::int64_t size);
+  void free_slowly(void* cell, std::int64_t size);
 
   [[nodiscard]] char* new_block();
   static void block_free(char* start);
