@@ -3,7 +3,7 @@
 
 A message is a string literal of the sources that has ";;" in it, or two words. It stands in the page in code, with a
 word in capitals, a number or an example where the program puts a value. Pieces of a message that is put together are
-looked for one by one. The texts of --help, and those of the dialogs, have pages of their own. So have the findings of
+looked for one by one. The texts of --help and --steps, and those of the dialogs, have pages of their own. So have the findings of
 `lexon-lab check`: docs/check.md has a row for the code of each.
 
 messages_documented.py [SOURCE FOLDER]      with --list the messages are shown instead
@@ -18,7 +18,7 @@ TOKEN = re.compile(
 CONVERSION = re.compile(r"%[-+ 0-9.*]*(?:ll|l|z|h)?[a-zA-Z]")
 ESCAPES = {"n": "\n", "t": "\t", '"': '"', "\\": "\\", "0": "\0", "r": "\r"}
 # The statements whose texts are help, not messages.
-HELP = re.compile(r"[uU]sage|kSwitches|kAbout|add_option|add_flag|add_subcommand|add_with_dictionary|CLI::App app|static_assert|xml (?:\+)?=")
+HELP = re.compile(r"[uU]sage|kSwitches|kAbout|add_option|add_flag|add_subcommand|add_with_dictionary|CLI::App app|static_assert|group|starts_with|xml (?:\+)?=")
 PREPROCESSOR = re.compile(r"^[ \t]*#[^\n]*", re.M)
 
 
@@ -51,6 +51,8 @@ def messages(folder):
     for path in sorted(folder.rglob("*.[ch]pp")):
         name = path.relative_to(folder).as_posix()
         if name.startswith("front/gui/") and name != "front/gui/gui_main.cpp":
+            continue
+        if name == "import/steps.cpp":  # the texts of --steps
             continue
         if name.startswith("lab/check") and name != "lab/check_command.cpp":
             continue

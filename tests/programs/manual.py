@@ -104,7 +104,7 @@ def main():
         table.check(name, found, table.text(source / "expected.txt"))
     tutorial_is_whole()
     examples = table.ROOT / "examples"
-    sentences = {line for folder in ("english", "stories/english", "stories/german")
+    sentences = {line for folder in ("english", "stories/english", "stories/german", "turkish")
                  for line in table.text(examples / folder / "expected.txt").splitlines()}
     quotes = re.findall(r"\| \*([^*|]+[.?])\*", table.text(DOCS / "examples.md"))
     table.check("examples.md quotes sentences", bool(quotes), True)
