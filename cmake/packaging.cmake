@@ -42,7 +42,7 @@ endfunction()
 
 # ---- lexon
 lexon_package_papers(lexon lexon)
-lexon_man_pages(lexon lexon.1 lexon-dict.1 lexon-import.1 lexon-dictionary.5 lexon-graph.5 lexon-rules.5)
+lexon_man_pages(lexon lexon.1 lexon-dict.1 lexon-import.1 lexon-lab.1 lexon-dictionary.5 lexon-graph.5 lexon-rules.5)
 # Completions for the shells, from what the programs say of themselves.
 find_package(Python3 QUIET COMPONENTS Interpreter)
 if(TARGET lexon AND Python3_FOUND AND NOT CMAKE_CROSSCOMPILING)

@@ -9,7 +9,7 @@ for page in *.[15]; do
   printf '%s\n' "$said"
   failed=1
 done
-for program in lexon lexon-dict lexon-import lexon-gui; do
+for program in lexon lexon-dict lexon-import lexon-lab lexon-gui; do
   [ -f $program.1 ] && continue
   echo "no page for $program"
   failed=1

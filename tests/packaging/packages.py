@@ -22,7 +22,7 @@ EMBEDDING = ROOT / "examples" / "embedding"
 PYTHON = "/usr/bin/python3"
 PROGRAMS = {"usr/bin/lexon", "usr/bin/lexon-dict", "usr/bin/lexon-import", "usr/bin/lexon-lab"}
 MANUAL = {f"usr/share/man/man{page[-1]}/{page}.gz"
-          for page in ("lexon.1", "lexon-dict.1", "lexon-import.1", "lexon-rules.5", "lexon-graph.5",
+          for page in ("lexon.1", "lexon-dict.1", "lexon-import.1", "lexon-lab.1", "lexon-rules.5", "lexon-graph.5",
                        "lexon-dictionary.5")}
 COMPLETIONS = {f"usr/share/{place}" for program in ("lexon", "lexon-dict", "lexon-import", "lexon-lab")
                for place in (f"bash-completion/completions/{program}", f"zsh/vendor-completions/_{program}",
