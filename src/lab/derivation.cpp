@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <span>
 #include <utility>
 
 #include "lab/show.hpp"
@@ -89,7 +90,7 @@ Derivation::Derivation(const Project& project) : project_(project) {
   }
 }
 
-void Derivation::sentence_begins(Session&) {
+void Derivation::sentence_begins(Session& session) {
   standing_.clear();
   forgotten_ = undone_at_end_ = undone_ = steps_ = 0;
   log_.clear();
@@ -97,6 +98,7 @@ void Derivation::sentence_begins(Session&) {
   deepest_ = {};
   last_.clear();
   touches_.clear();
+  word_entries_.clear();
   taken_back_.clear();
   dead_ends_.clear();
   asking_ = nullptr;
@@ -104,6 +106,11 @@ void Derivation::sentence_begins(Session&) {
   fitted_ = {};
   outer_.clear();
   is_post_edit_ = false;
+  const auto nodes = std::span(session.sentence.graph_nodes);
+  for (const Node* node : nodes.first(static_cast<std::size_t>(session.sentence.graph_node_count))) {
+    if (node == nullptr || !is_followed(node)) continue;
+    for (const WordEntry& word : chain<&WordEntry::next>(node->entries)) word_entries_.push_back(entry_line(word));
+  }
 }
 
 void Derivation::generated(Session&, core::Status) {

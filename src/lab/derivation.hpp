@@ -61,6 +61,8 @@ class Derivation final : public Observer {
   [[nodiscard]] std::int64_t log_forgotten() const { return log_forgotten_; }
   [[nodiscard]] const Deepest& deepest() const { return deepest_; }
   [[nodiscard]] const std::deque<Step>& last() const { return last_; }
+  // The words that the dictionary has for it in this graph, as entries.
+  [[nodiscard]] const std::vector<std::string>& word_entries() const { return word_entries_; }
   struct Touch {
     std::string text;
     std::int64_t count = 1;
@@ -123,6 +125,7 @@ class Derivation final : public Observer {
   std::int64_t log_forgotten_ = 0;
   Deepest deepest_;
   std::deque<Step> last_;
+  std::vector<std::string> word_entries_;
   std::vector<Touch> touches_;
   std::map<const Rule*, TakenBack> taken_back_;
   std::map<std::string, TakenBack> dead_ends_;

@@ -174,7 +174,12 @@ bool explain_sentence(std::ostream& out, const Project& project, Bench& bench, c
                   " taken back");
     for (const Message& message : result.sentence.messages) printer.plain("  " + to_string(message));
     if (!options.word.empty()) {
-      for (const std::string& entry : words_found(project, options.word)) printer.plain("  " + entry);
+      std::vector<std::string> entries = derivation.word_entries();
+      for (const std::string& entry : words_found(project, options.word)) {
+        if (std::find(entries.begin(), entries.end(), entry) == entries.end()) entries.push_back(entry);
+      }
+      for (const std::string& entry : entries) printer.plain("  " + entry);
+      if (entries.empty()) printer.plain("  no entry, and not in this graph");
       print_word(printer, derivation, options.word);
     } else if (options.all) {
       print_log(printer, derivation);

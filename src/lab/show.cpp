@@ -24,7 +24,10 @@ constexpr std::size_t kLongestWord = 120;
 
 // What the node is asked about: "the left word "dog"".
 std::string subject(const Miss& miss) {
-  const auto quoted = [&miss] { return miss.node.empty() ? std::string() : " \"" + miss.node + "\""; };
+  const auto quoted = [&miss] {
+    if (!miss.node.empty()) return " \"" + miss.node + "\"";
+    return std::string(miss.word.empty() ? "" : " ''");
+  };
   switch (miss.part) {
     case RulePart::pre: return "PRE: " + (miss.node.empty() ? "the node" : "\"" + miss.node + "\"");
     case RulePart::mid: return "MID: " + (miss.node.empty() ? "the node" : "\"" + miss.node + "\"");
@@ -104,9 +107,11 @@ std::string node_text(const Node* node) {
   } else if (is_untouched(*node) && node->name != nullptr) {
     text = node->name;
   } else if (node->candidates != nullptr) {
-    const std::string_view hw = trimmed(text_of(node->candidates->hw));
+    const std::string_view whole = text_of(node->candidates->hw);
+    const std::string_view hw = trimmed(whole);
     text = hw.empty() && is_untouched(*node) ? text_of(node->candidates->cw) : hw;
-    if (text.empty()) text = "''";
+    // A blank, and a word that writes nothing.
+    if (text.empty()) text = whole.empty() ? "''" : "' '";
   } else {
     text = text_of(node->name);
   }
@@ -146,6 +151,14 @@ std::string misses_text(const Project& project, const std::vector<Miss>& misses)
     text += miss_text(project, miss);
   }
   return text;
+}
+
+std::string entry_line(const WordEntry& word) {
+  Output output;
+  entry_print(output, &word, "");
+  std::string line = output.take();
+  while (line.ends_with('\n')) line.pop_back();
+  return line;
 }
 
 std::string count_text(std::int64_t count, std::string_view noun) {

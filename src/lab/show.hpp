@@ -11,7 +11,7 @@ inline namespace v1 {
 namespace lab {
 
 // A node in a list: its surface form once a rule has touched it; before, in brackets, what the graph calls it. A boundary
-// is "|".
+// is "|", a blank "' '", a word that writes nothing "''".
 [[nodiscard]] std::string node_text(const Node* node);
 // The list of the window from end to end, without one of its nodes: "| the dog [sleep] |".
 [[nodiscard]] std::string list_text(const Session& session, const Window& window, const Node* without = nullptr);
@@ -22,6 +22,9 @@ namespace lab {
 [[nodiscard]] std::string miss_text(const Project& project, const Miss& miss);
 // All of them, the first one first, joined by "; and ".
 [[nodiscard]] std::string misses_text(const Project& project, const std::vector<Miss>& misses);
+
+// The word as a line of entry text, without its end.
+[[nodiscard]] std::string entry_line(const WordEntry& word);
 
 // "3 rules", "1 rule".
 [[nodiscard]] std::string count_text(std::int64_t count, std::string_view noun);

@@ -139,20 +139,23 @@ void print(std::ostream& out, const std::string& text) {
   out << escaped(text) << '\n';
 }
 
-std::string answer_text(const Project& project, const RuleWatch::Finding& finding) {
+std::string answer_text(const Project& project, const Rule& rule, const RuleWatch::Finding& finding) {
+  const bool asks_pairs = rule.lnode->roles != nullptr || rule.rnode->roles != nullptr;
   switch (finding.answer) {
     case RuleWatch::Answer::worked: return finding.misses.empty() ? "it worked" : "it worked: it asked for a step back";
     case RuleWatch::Answer::refused: return "it was tried, and refused";
     case RuleWatch::Answer::other_came_first:
       return "another rule came first, " + project.place_of(*finding.other) +
-             (finding.misses.empty() ? "; this one fits too" : "; this one would not have fitted");
+             (!finding.misses.empty() ? "; this one would not have fitted,"
+              : asks_pairs            ? "; this one fits too, if the pair of words does,"
+                                      : "; this one fits too,");
     case RuleWatch::Answer::not_offered: return "it was not offered";
   }
   return {};
 }
 
-void print_finding(std::ostream& out, const Project& project, const RuleWatch::Finding& finding) {
-  print(out, "  " + answer_text(project, finding) + " at " + finding.window +
+void print_finding(std::ostream& out, const Project& project, const Rule& rule, const RuleWatch::Finding& finding) {
+  print(out, "  " + answer_text(project, rule, finding) + " at " + finding.window +
                  (finding.count > 1 ? ", and at " + count_text(finding.count - 1, "window") + " more in the same way"
                                     : std::string()));
   print(out, "      in " + finding.list);
@@ -206,7 +209,7 @@ void why_sentence(std::ostream& out, const Project& project, Bench& bench, const
     const std::vector<RuleWatch::Finding> findings = watch.findings();
     print_summary(out, watch, findings);
     for (std::size_t at = 0; at < std::min(findings.size(), kMostShown); ++at)
-      print_finding(out, project, findings[at]);
+      print_finding(out, project, *rule, findings[at]);
     if (findings.size() > kMostShown)
       print(out, "  and " + count_text(static_cast<std::int64_t>(findings.size() - kMostShown), "more distant miss"));
   }

@@ -4,6 +4,7 @@
 #include <memory>
 
 #include "lab/explain.hpp"
+#include "lab/show.hpp"
 
 namespace lexon {
 inline namespace v1 {
@@ -18,9 +19,7 @@ std::vector<std::string> words_found(const Project& project, const std::string& 
     if (words_by_key(*session, files, key_field, word.c_str(), words) != core::Status::ok) continue;
     entry_list_sort(words);
     for (const WordEntry& each : chain<&WordEntry::next>(words)) {
-      entry_print(session->output, &each, "");
-      std::string line = session->output.take();
-      while (line.ends_with('\n')) line.pop_back();
+      std::string line = entry_line(each);
       if (std::find(lines.begin(), lines.end(), line) == lines.end()) lines.push_back(std::move(line));
     }
   }
