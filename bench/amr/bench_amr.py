@@ -76,7 +76,7 @@ def sentences(path):
 def measure(name, programs, data, dictionary, work, flags):
     graphs, gold, out = work / "graphs.txt", work / "gold.txt", work / "out.txt"
     imported = run(programs / "lexon-import", *data, "-o", graphs, "--gold", gold, *flags)
-    references = dict(line.split("\t", 1) for line in gold.read_text(encoding="utf-8").splitlines())
+    references = dict(re.findall(r"^\[S:(.*)\]\n\\?(.*)$", gold.read_text(encoding="utf-8"), re.M))
     begin = time.time()
     run(programs / "lexon", dictionary, work / "rules.txt", graphs, out, "-L1", "-N0", "-T10", "--quiet")
     took = time.time() - begin

@@ -201,7 +201,7 @@ int run(int argc, char** argv) {
       ->capture_default_str();
   app.add_option("--roles", arguments.roles, "A table of roles and labels, on top of the program's own");
   app.add_option("--attributes", arguments.attributes, "A table of attributes: label, node, @attributes");
-  app.add_option("--gold", arguments.gold, "Write the references: label, tab, text");
+  app.add_option("--gold", arguments.gold, "Write the references, as lexon-lab test reads them");
   app.add_option("--left-out", arguments.left_out, "Write every triple that is left out, with the reason");
   app.add_flag("--enhanced", arguments.enhanced, "CoNLL-U: take the enhanced dependencies");
   app.add_flag("--steps", arguments.lists_steps, "List the steps of rewriting and stop");

@@ -1,6 +1,7 @@
 #include "import/importer.hpp"
 
 #include <sstream>
+#include <string_view>
 
 #include "import/conllu.hpp"
 #include "import/penman.hpp"
@@ -103,8 +104,11 @@ void import_stream(std::istream& in, const std::string& name, const ImportOption
       attributes.apply(meaning, errors);
       if (is_penman) rewrite(meaning, options);
       graph_write(meaning, writing, *outputs.graphs, figures.unknown);
-      if (outputs.gold != nullptr && !meaning.text.empty())
-        *outputs.gold << meaning.label << '\t' << meaning.text << '\n';
+      if (outputs.gold != nullptr && !meaning.text.empty()) {
+        // As `lexon-lab test` reads it: what would be a label or a comment gets a sign in front.
+        const bool is_plain = std::string_view("[;\\").find(meaning.text[0]) == std::string_view::npos;
+        *outputs.gold << "[S:" << meaning.label << "]\n" << (is_plain ? "" : "\\") << meaning.text << "\n\n";
+      }
       account(meaning, name, outputs, figures);
       ++figures.graphs;
     }

@@ -48,7 +48,7 @@ class AttributeTable {
 // Where the parts of the result go; null: nowhere.
 struct ImportOutputs {
   std::ostream* graphs = nullptr;
-  std::ostream* gold = nullptr;      // label, tab, reference
+  std::ostream* gold = nullptr;      // the label of each sentence, and its reference below
   std::ostream* left_out = nullptr;  // label, place, triple, reason, with tabs between them
   std::ostream* messages = nullptr;  // errors: file:line:col: error: text
 };

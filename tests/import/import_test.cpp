@@ -180,7 +180,7 @@ TEST(Import, LabelsReferencesAndAttributes) {
   const Result result = imported("# ::id x.1 ::date 2012\n# ::snt Dogs ran .\n(r / run-02 :ARG0 (d / dog))\n\n(c / cat)\n", {}, SourceFormat::penman, false,
                                  "x.1 d @pl @def\nx.1 zz @pl\n");
   EXPECT_EQ(result.graphs, "[S:x.1]\n; Dogs ran .\na0(run(>02).@entry.@v, dog.@pl.@def)\n[/S]\n\n[S:bank.2]\n[W]\ncat.@entry\n[/W]\n[/S]\n\n");
-  EXPECT_EQ(result.gold, "x.1\tDogs ran .\n");
+  EXPECT_EQ(result.gold, "[S:x.1]\nDogs ran .\n\n");
   EXPECT_EQ(result.messages, "bank.txt:3:1: error: the table of attributes names the node zz (line 2), which x.1 lacks\n");
 }
 

@@ -20,10 +20,6 @@ with table.folder() as name:
                                         folder=here).stderr, "")
     output = table.output(["words.dic", "rules.txt", "graphs.txt", "out.txt", "-L3", "-N0", "--quiet"], here)
     table.check("no step back", output.count("BACKTRACK"), 0)
-    output = table.output(["words.dic", "rules.txt", "graphs.txt", "out.txt", "-L0", "-N0", "--quiet"], here)
-    said, label = "", ""
-    for line in output.splitlines():
-        label = line[3:-1] if line.startswith("[S:") else label
-        said += "" if line.startswith(("[S:", ";;")) else f"{label}\t{line}\n"
-    table.check("the sentences", said, table.text(here / "gold.txt"))
+    told = table.run("lexon-lab", "test", "gold.txt", "graphs.txt", "-d", "words.dic", "-r", "rules.txt", folder=here)
+    table.check("the sentences", (told.returncode, told.stdout), (0, ""))
 table.finish()

@@ -35,7 +35,7 @@ with folder() as name:
     made = run("lexon-import", "bank.txt", "tree.conllu", "-q", "--roles", "mine.tsv", "-o", "out.txt", "--gold", "gold.txt",
                "--left-out", "left.txt", folder=here)
     check("two sources: status", (made.returncode, made.stderr), (0, ""))
-    check("two sources: gold", (here / "gold.txt").read_text(), "a.1\tDogs ran .\nt.1\tDogs run.\n")
+    check("two sources: gold", (here / "gold.txt").read_text(), "[S:a.1]\nDogs ran .\n\n[S:t.1]\nDogs run.\n\n")
     check("two sources: left out", (here / "left.txt").read_text(), "a.2\tbank.txt:6:35\tg :wiki x\twiki\n")
     graphs = (here / "out.txt").read_text()
     for part in ("agn(run(>02).@entry.@v, dog)", "go(>02).@entry.@v.@can", "agn(run.@entry.@verb, dog.@noun.@pl)"):
