@@ -357,7 +357,7 @@ void print_text(const Coverage& coverage, bool with_conditions) {
       line += count_text(rule->hits, "hit") + ", " + std::to_string(rule->undone) + " taken back, " +
               std::to_string(rule->tried - std::min(rule->hits, rule->tried)) + " misses; " + rule->example;
     } else if (rule->tried > 0) {
-      line += "never fired: refused in " + count_text(rule->tried, "try");
+      line += "never fired: refused in " + std::to_string(rule->tried) + (rule->tried == 1 ? " try" : " tries");
     } else if (rule->offered > 0) {
       line += "never fired: another rule came first at " + count_text(rule->offered, "window");
     } else {

@@ -152,7 +152,7 @@ void Derivation::tried(Session& session, const RuleCandidate& candidate, const W
   if (fit != Fit::yes) return;
   if (is_test) {
     Step step = step_of(session, candidate);
-    step.before = list_;
+    step.before = list_text_before(session, before, candidate, nullptr);
     step.after = pair_text(before.lnode, before.rnode) + "  (words narrowed)";
     if (is_followed(before.lnode) || is_followed(before.rnode))
       note_touch(project_.place_of(rule) + "  narrows the words at " + window_);
@@ -162,7 +162,7 @@ void Derivation::tried(Session& session, const RuleCandidate& candidate, const W
   }
   fitted_.candidate = &candidate;
   const Node* inserted = rule.lnode->inserted != 0 ? after.lnode : rule.rnode->inserted != 0 ? after.rnode : nullptr;
-  fitted_.before = list_text(session, after, inserted);
+  fitted_.before = list_text_before(session, after, candidate, inserted);
   const Node* nodes[2] = {after.lnode, after.rnode};
   for (std::size_t at = 0; at < 2; ++at) {
     fitted_.nodes[at] = nodes[at];

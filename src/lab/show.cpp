@@ -96,45 +96,68 @@ std::string sentence_of(const Miss& miss) {
   return {};
 }
 
-}  // namespace
-
-std::string node_text(const Node* node) {
-  if (node == nullptr) return "-";
-  if (kind_bits(*node) == kKindBoundary) return "|";
+std::string text_of_node(const Node& node, bool is_untouched_yet) {
+  if (kind_bits(node) == kKindBoundary) return "|";
   std::string text;
-  if (is_scope_reference(*node)) {
-    text = ":" + std::string(node->scope < 10 ? "0" : "") + std::to_string(node->scope);
-  } else if (is_untouched(*node) && node->name != nullptr) {
-    text = node->name;
-  } else if (node->candidates != nullptr) {
-    const std::string_view whole = text_of(node->candidates->hw);
+  if (is_scope_reference(node)) {
+    text = ":" + std::string(node.scope < 10 ? "0" : "") + std::to_string(node.scope);
+  } else if (is_untouched_yet && node.name != nullptr) {
+    text = node.name;
+  } else if (node.candidates != nullptr) {
+    const std::string_view whole = text_of(node.candidates->hw);
     const std::string_view hw = trimmed(whole);
-    text = hw.empty() && is_untouched(*node) ? text_of(node->candidates->cw) : hw;
+    text = hw.empty() && is_untouched_yet ? text_of(node.candidates->cw) : hw;
     // A blank, and a word that writes nothing.
     if (text.empty()) text = whole.empty() ? "''" : "' '";
   } else {
-    text = text_of(node->name);
+    text = text_of(node.name);
   }
-  return is_untouched(*node) ? "[" + text + "]" : text;
+  return is_untouched_yet ? "[" + text + "]" : text;
+}
+
+// What `text` gives for each node of the list, with blanks between; nothing for an empty text.
+template <typename Text>
+std::string texts_of_list(const Session& session, const Window& window, Text text) {
+  const Node* node = window.lnode != nullptr ? window.lnode : window.rnode;
+  // A rule base can close a list to a circle.
+  int steps = 0;
+  constexpr int kMostNodes = 4096;
+  while (node != nullptr && node->left != nullptr && ++steps < kMostNodes) node = node->left;
+  std::string all;
+  for (; node != nullptr && ++steps < 2 * kMostNodes && must_leave(session) == core::Status::ok; node = node->right) {
+    const std::string one = text(node);
+    if (!all.empty() && !one.empty()) all += ' ';
+    all += one;
+  }
+  return all;
+}
+
+}  // namespace
+
+std::string node_text(const Node* node) {
+  return node == nullptr ? "-" : text_of_node(*node, is_untouched(*node));
+}
+
+std::string node_text_before(const Node* node, const RuleCandidate& candidate) {
+  if (node == nullptr) return "-";
+  const MatchRecord* record = node->matches;
+  while (record != nullptr && record->candidate == &candidate) record = record->next;
+  return text_of_node(*node, record == nullptr || record->state == kStateHold);
 }
 
 std::string window_text(const Window& window) {
   return node_text(window.lnode) + " + " + node_text(window.rnode);
 }
 
-std::string list_text(const Session& session, const Window& window, const Node* without) {
-  const Node* node = window.lnode != nullptr ? window.lnode : window.rnode;
-  // A rule base can close a list to a circle.
-  int steps = 0;
-  constexpr int kMostNodes = 4096;
-  while (node != nullptr && node->left != nullptr && ++steps < kMostNodes) node = node->left;
-  std::string text;
-  for (; node != nullptr && ++steps < 2 * kMostNodes && must_leave(session) == core::Status::ok; node = node->right) {
-    if (node == without) continue;
-    if (!text.empty()) text += ' ';
-    text += node_text(node);
-  }
-  return text;
+std::string list_text(const Session& session, const Window& window) {
+  return texts_of_list(session, window, node_text);
+}
+
+std::string list_text_before(const Session& session, const Window& window, const RuleCandidate& candidate,
+                             const Node* inserted) {
+  return texts_of_list(session, window, [&](const Node* node) {
+    return node == inserted ? std::string() : node_text_before(node, candidate);
+  });
 }
 
 std::string miss_text(const Project& project, const Miss& miss) {

@@ -13,8 +13,13 @@ namespace lab {
 // A node in a list: its surface form once a rule has touched it; before, in brackets, what the graph calls it. A boundary
 // is "|", a blank "' '", a word that writes nothing "''".
 [[nodiscard]] std::string node_text(const Node* node);
-// The list of the window from end to end, without one of its nodes: "| the dog [sleep] |".
-[[nodiscard]] std::string list_text(const Session& session, const Window& window, const Node* without = nullptr);
+// The same as it was before this candidate fitted.
+[[nodiscard]] std::string node_text_before(const Node* node, const RuleCandidate& candidate);
+// The list of the window from end to end: "| the dog [sleep] |".
+[[nodiscard]] std::string list_text(const Session& session, const Window& window);
+// The same as it was before this candidate fitted and has brought in the node `inserted`; null: none.
+[[nodiscard]] std::string list_text_before(const Session& session, const Window& window, const RuleCandidate& candidate,
+                                           const Node* inserted);
 // Its two places: "dog + [sleep]".
 [[nodiscard]] std::string window_text(const Window& window);
 
