@@ -14,15 +14,15 @@
 #include "rules/compiled.hpp"
 #include "rules/matrix.hpp"
 #include "rules/parser.hpp"
+#include "support/grammar.hpp"
 #include "support/row_search.hpp"
 #include "support/rule_build.hpp"
-#include "support/grammar.hpp"
 
 namespace lexon {
 
-using lexon::test::session;
 using lexon::test::grammar;
 using lexon::test::index_build;
+using lexon::test::session;
 namespace {
 
 std::string joined(std::initializer_list<std::string_view> parts) {
@@ -80,7 +80,8 @@ bool written(Write write) {
 bool convert(std::FILE* text, Rule*& rules) {
   return parse_rule_file(session, grammar.pool, text, rules) == Status::ok &&
          written([&](std::FILE* stream) { return rule_list_write(session, rules, stream); }) &&
-         index_build(rules) == Status::ok && written([](std::FILE* stream) { return rule_matrix_save(session, grammar.index, stream); });
+         index_build(rules) == Status::ok &&
+         written([](std::FILE* stream) { return rule_matrix_save(session, grammar.index, stream); });
 }
 
 // Text to rules, rule file, index, index file.

@@ -47,7 +47,8 @@ std::vector<std::string_view> sections_of(std::string_view input, std::size_t co
 // A file, since a reader may ask for its size.
 Source::Source(std::string_view bytes) : stream_(std::tmpfile()) {
   require(stream_ != nullptr, "a temporary file can be had");
-  require(bytes.empty() || std::fwrite(bytes.data(), 1, bytes.size(), stream_) == bytes.size(), "a temporary file can be written");
+  require(bytes.empty() || std::fwrite(bytes.data(), 1, bytes.size(), stream_) == bytes.size(),
+          "a temporary file can be written");
   std::rewind(stream_);
 }
 

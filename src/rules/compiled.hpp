@@ -5,8 +5,8 @@
 #include <cstdio>
 #include <string>
 
-#include "data/status.hpp"
 #include "data/pool.hpp"
+#include "data/status.hpp"
 #include "rules/rule.hpp"
 #include "rules/rule_search.hpp"
 

@@ -59,6 +59,5 @@ TEST_F(Cells, EndsAt200BlocksAndStartsAfreshAfterARelease) {
   EXPECT_NE(temp_alloc(session, 4096), nullptr);
 }
 
-
 }  // namespace
 }  // namespace lexon::test

@@ -32,8 +32,7 @@ TEST_F(StampTest, TheHashIsTheKnownOne) {
     const char* bytes;
     std::uint64_t hash;  // published values of FNV-1a
   };
-  for (const Row& row :
-       {Row{"", 0xcbf29ce484222325}, Row{"a", 0xaf63dc4c8601ec8c}, Row{"foobar", 0x85944171f73967e8}}) {
+  for (const Row& row : {Row{"", 0xcbf29ce484222325}, Row{"a", 0xaf63dc4c8601ec8c}, Row{"foobar", 0x85944171f73967e8}}) {
     ByteHash hash;
     for (const char* c = row.bytes; *c != '\0'; ++c) hash.add(c, 1);
     EXPECT_EQ(hash.value(), row.hash) << row.bytes;

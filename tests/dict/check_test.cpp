@@ -54,55 +54,33 @@ const Damage kDamages[] = {
     {"BlockType", {dic(8194, "\7")}, "words.dic: offset 8194: a block of type 7\n"},
     {"UsedLengthTooLarge", {dic(12288, u16(4095))}, "words.dic: offset 12288: a used length of 4095\n"},
     {"UsedLengthTooSmall", {dic(12288, u16(2))}, "words.dic: offset 12288: a used length of 2\n"},
-    {"UsedLengthWithinARecord",
-     {dic(12288, u16(100))},
-     "words.dic: offset 12291: a record that reaches behind the used part of its block\n"},
+    {"UsedLengthWithinARecord", {dic(12288, u16(100))}, "words.dic: offset 12291: a record that reaches behind the used part of its block\n"},
     {"RecordSize", {dic(4099, u16(1))}, "words.dic: offset 4099: a record that reaches behind"},
-    {"FieldLength",
-     {dic(4104, u16(4000))},
-     "words.dic: offset 4099: a record with a field that reaches behind its end\n"},
+    {"FieldLength", {dic(4104, u16(4000))}, "words.dic: offset 4099: a record with a field that reaches behind its end\n"},
     {"LinkToNoBlock", {dic(8190, u16(9))}, "words.dic: offset 8190: a link to block 9, which is no such block\n"},
     {"LinkToAnotherType", {dic(8190, u16(5))}, "words.dic: offset 8190: a link to block 5, which is no such block\n"},
     {"LinkToItself", {dic(8190, u16(2))}, "words.dic: offset 8190: links that run in a circle\n"},
-    {"LinksInACircle",
-     {dic(8190, u16(3)), dic(12286, u16(4)), dic(16382, u16(2))},
-     "words.dic: offset 8190: links that run in a circle\n"},
-    {"TwoLinksToOneBlock",
-     {dic(8190, u16(4)), dic(12286, u16(4))},
-     "words.dic: offset 12286: a second link to block 4\n"},
+    {"LinksInACircle", {dic(8190, u16(3)), dic(12286, u16(4)), dic(16382, u16(2))}, "words.dic: offset 8190: links that run in a circle\n"},
+    {"TwoLinksToOneBlock", {dic(8190, u16(4)), dic(12286, u16(4))}, "words.dic: offset 12286: a second link to block 4\n"},
     {"KeyLength", {dic(16387, u16(500))}, "words.dic: offset 16387: an entry that reaches behind"},
     {"KeyOrder", {dic(16399, "a")}, "words.dic: offset 16397: a key that is lower than the one before it\n"},
     {"KeyToNoRecords", {dic(16390, u16(5))}, "words.dic: offset 16387: an entry that leads to no block of records\n"},
-    {"KeyToOtherRecords",
-     {dic(16390, u16(4))},
-     "words.dic: offset 4099: by cw \"x\": 1 records are found, and 2 are there\n"},
-    {"KeyTwiceToOneBlock",
-     {dic(16395, u16(2))},
-     "words.dic: offset 4099: by cw \"x\": other records are found than are there\n"},
+    {"KeyToOtherRecords", {dic(16390, u16(4))}, "words.dic: offset 4099: by cw \"x\": 1 records are found, and 2 are there\n"},
+    {"KeyTwiceToOneBlock", {dic(16395, u16(2))}, "words.dic: offset 4099: by cw \"x\": other records are found than are there\n"},
     {"KeyThatNoRecordHas", {dic(16399, "z")}, "words.dic: offset 12291: by cw \"y\": 0 records are found, and 1 are"},
     {"RecordWithAnotherKey",
      {dic(kFirstCw, "z")},
      "words.dic: offset 8195: by cw \"x\": an entry leads to no record\n"
      "words.dic: offset 4099: by cw \"z\": 0 records are found, and 1 are there\n"},
-    {"RecordWithAnotherSurfaceForm",
-     {dic(4103, "A")},
-     "words.idx: offset 15: an entry whose key is not the lowest of block 2\n"},
-    {"NulInAKey",
-     {dic(kFirstCw, std::string(1, '\0'))},
-     "words.dic: offset 4099: by cw \"?\": a NUL character is in the key\n"},
+    {"RecordWithAnotherSurfaceForm", {dic(4103, "A")}, "words.idx: offset 15: an entry whose key is not the lowest of block 2\n"},
+    {"NulInAKey", {dic(kFirstCw, std::string(1, '\0'))}, "words.dic: offset 4099: by cw \"?\": a NUL character is in the key\n"},
     {"EmptyIndexBlock", {idx(0, u16(15))}, "words.dic: offset 3: a tree that leads nowhere\n"},
     {"IndexUsedLength", {idx(0, u16(1023))}, "words.idx: offset 0: a used length of 1023\n"},
     {"IndexKeyLength", {idx(20, u16(900))}, "words.idx: offset 20: an entry that reaches behind"},
     {"IndexKeyOrder", {idx(22, "A")}, "words.idx: offset 20: a key that is lower than the one before it\n"},
-    {"IndexKey",
-     {idx(22, "aa"), idx(23, u16(3))},
-     "words.idx: offset 20: an entry whose key is not the lowest of block 3\n"},
-    {"IndexToNoBlock",
-     {idx(23, u16(99))},
-     "words.idx: offset 20: an entry that leads to no block of the level below\n"},
-    {"IndexToKeyBlock",
-     {idx(23, u16(5))},
-     "words.idx: offset 20: an entry that leads to no block of the level below\n"},
+    {"IndexKey", {idx(22, "aa"), idx(23, u16(3))}, "words.idx: offset 20: an entry whose key is not the lowest of block 3\n"},
+    {"IndexToNoBlock", {idx(23, u16(99))}, "words.idx: offset 20: an entry that leads to no block of the level below\n"},
+    {"IndexToKeyBlock", {idx(23, u16(5))}, "words.idx: offset 20: an entry that leads to no block of the level below\n"},
     {"IndexToOneBlockTwice",
      {idx(28, u16(3))},
      "words.idx: offset 25: an entry whose key is not the lowest of block 3\n"
@@ -110,9 +88,7 @@ const Damage kDamages[] = {
     {"IndexLinkToItself", {idx(1022, u16(1))}, "words.idx: offset 1022: links that run in a circle\n"},
     {"IndexLinkToNoBlock", {idx(1022, u16(7))}, "words.idx: offset 1022: a link to block 7, which is no such block\n"},
     {"RootNumber", {dic(19, u16(3))}, "words.dic: offset 3: a slot without a tree\n"},
-    {"RootOfAnotherTree",
-     {dic(19, u16(2))},
-     "words.idx: offset 1039: an entry that leads to no block of the level below\n"},
+    {"RootOfAnotherTree", {dic(19, u16(2))}, "words.idx: offset 1039: an entry that leads to no block of the level below\n"},
     {"TooManyLevels", {dic(16, "\2")}, "words.idx: offset 15: an entry whose key is not the lowest of block 2\n"},
     {"NoLevels", {dic(16, std::string(1, '\0'))}, "words.dic: offset 3: not a dictionary: its first slot"},
     {"TooFewLevelsForConceptWords", {dic(60, "\1")}, "words.dic: offset 47: a slot without a tree\n"},
@@ -150,8 +126,7 @@ TEST(Check, ChainsOfSeveralBlocksAreSound) {
   const BuildFolder folder;
   ASSERT_TRUE(build_text(folder, three_entries()).done);
   // The second data block is linked to the first and has no entries of its own.
-  const Patch patches[] = {dic(8190, u16(3)), idx(20, u16(1) + "c" + u16(4)), idx(0, u16(25)),
-                           dic(16392, u16(1) + "y" + u16(4)), dic(16384, u16(13))};
+  const Patch patches[] = {dic(8190, u16(3)), idx(20, u16(1) + "c" + u16(4)), idx(0, u16(25)), dic(16392, u16(1) + "y" + u16(4)), dic(16384, u16(13))};
   for (const Patch& patch : patches) apply(folder, patch);
   EXPECT_TRUE(check_of(folder).done) << check_of(folder).log;
   Asked asked(folder);
@@ -165,8 +140,7 @@ TEST(Check, SurvivesAnyBytes) {
   const BuildFolder folder;
   const auto any = [&random](std::size_t below) { return static_cast<std::streamoff>(random() % below); };
   for (int round = 0; round < 150; ++round) {
-    ASSERT_TRUE(
-        build_text(folder, three_entries() + "[d]{4} \"y\" (N) <ES,1,2>;X[e]{f}\n", "words.dic", {.force = true}).done);
+    ASSERT_TRUE(build_text(folder, three_entries() + "[d]{4} \"y\" (N) <ES,1,2>;X[e]{f}\n", "words.dic", {.force = true}).done);
     for (int i = 0; i < 3; ++i) {
       const std::streamoff near_a_block_start = 4096 * any(5) + any(24);
       const std::streamoff near_an_index_entry = 1024 * any(2) + any(32);
@@ -213,8 +187,7 @@ TEST(Check, ReportsFilesThatAreNotThere) {
 TEST(Check, ALongReportIsCut) {
   const BuildFolder folder;
   std::string text;
-  for (int i = 0; i < 150; ++i)
-    text += "[" + std::to_string(1000 + i) + "]{} " + std::string(3000, 'g') + " \"x\" (N);\n";
+  for (int i = 0; i < 150; ++i) text += "[" + std::to_string(1000 + i) + "]{} " + std::string(3000, 'g') + " \"x\" (N);\n";
   ASSERT_TRUE(build_text(folder, text).done);
   for (int i = 0; i < 150; ++i) apply(folder, dic(4096 * (i + 1) + 2, "\7"));
   const std::string log = check_of(folder).log;

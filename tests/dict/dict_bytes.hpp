@@ -71,10 +71,9 @@ inline std::string header(const std::vector<std::string>& slots) {
 }
 
 // A header with trees for HW and CW.
-inline std::string header_of(char hw_levels, std::size_t hw_root, char cw_levels, std::size_t cw_root,
-                             std::size_t name_size = 12, const std::string& name = "d.idx") {
-  return header({slot(name, hw_levels, hw_root, name_size), padded("", name_size + 10),
-                 slot(name, cw_levels, cw_root, name_size)});
+inline std::string header_of(char hw_levels, std::size_t hw_root, char cw_levels, std::size_t cw_root, std::size_t name_size = 12,
+                             const std::string& name = "d.idx") {
+  return header({slot(name, hw_levels, hw_root, name_size), padded("", name_size + 10), slot(name, cw_levels, cw_root, name_size)});
 }
 
 // ---- a dictionary of these bytes, and what it answers

@@ -52,8 +52,7 @@ TEST(Lookup, FindsTheSameInFlatAndDeepTrees) {
 }
 
 TEST(Lookup, LongNamesMoveTheIndexEntries) {
-  const std::string index = index_block(entry("a", 2) + entry("d", 4) + entry("e", 5), 0, 128) +
-                            index_block(entry("u", 6) + entry("x", 8), 0, 128);
+  const std::string index = index_block(entry("a", 2) + entry("d", 4) + entry("e", 5), 0, 128) + index_block(entry("u", 6) + entry("x", 8), 0, 128);
   TestedDictionary dictionary(header_of(1, 1, 2, 2, 128, "ninechars.idx") + kWords + kCwKeys, index);
   for (const FindRow& row : kFinds) EXPECT_EQ(dictionary.find(row.field, row.key), row.words) << row.what;
 }
@@ -70,9 +69,8 @@ TEST(Lookup, EqualEntriesOfTheTreeAreAllFollowed) {
 }
 
 TEST(Lookup, OtherFields) {
-  const std::string words = header({slot("d.idx", 1, 1), padded("", 22), padded("", 22), padded("", 22),
-                                    slot("d.idx", 1, 6), slot("d.idx", 0, 2)}) +
-                            kWords + keys(entry("i", 4) + entry("i", 5));
+  const std::string words = header({slot("d.idx", 1, 1), padded("", 22), padded("", 22), padded("", 22), slot("d.idx", 1, 6), slot("d.idx", 0, 2)}) + kWords +
+                            keys(entry("i", 4) + entry("i", 5));
   TestedDictionary dictionary(words, kFlatIndex);
   // One level for a field above 1 is a key block of the dictionary.
   EXPECT_EQ(dictionary.find(kKeyId, "i"), "d|e");
@@ -113,8 +111,8 @@ std::string slot_text(const std::string& file, std::size_t field) {
   const IndexDescriptor* d = dictionary.opened.slots[field];
   std::string result = std::to_string(dictionary.opened.name_size) + " ";
   if (d == nullptr) return result + "empty";
-  return result + std::string(d->name) + " " + static_cast<char>(d->unread) + " " + std::to_string(d->levels) + " " +
-         std::to_string(d->number1) + " " + std::to_string(d->root) + " " + std::to_string(d->number2);
+  return result + std::string(d->name) + " " + static_cast<char>(d->unread) + " " + std::to_string(d->levels) + " " + std::to_string(d->number1) + " " +
+         std::to_string(d->root) + " " + std::to_string(d->number2);
 }
 
 TEST(Slots, AreReadByTheNameSizeOfTheFirst) {
@@ -126,8 +124,7 @@ TEST(Slots, AreReadByTheNameSizeOfTheFirst) {
   EXPECT_EQ(slot_text(header({none12, none12, slot("abcdefgh.idx", 2, 5)}), 3), "12 abcdefgh.idx u 2 258 5 50595078");
   EXPECT_EQ(slot_text(header({none128, none128, slot("a b  ", 2, 5, 128)}), 3), "128 a b u 2 258 5 50595078");
   EXPECT_EQ(slot_text(header({none128}), 1), "128 empty");
-  EXPECT_EQ(slot_text(header({slot(std::string(128, 'x'), 1, 1, 128)}), 1),
-            "128 " + std::string(128, 'x') + " u 1 258 1 50595078");
+  EXPECT_EQ(slot_text(header({slot(std::string(128, 'x'), 1, 1, 128)}), 1), "128 " + std::string(128, 'x') + " u 1 258 1 50595078");
   EXPECT_EQ(slot_text(header_of(1, 1, 2, 2).substr(0, 4095), 1), "0 empty") << "a header that is cut";
 }
 
@@ -135,8 +132,7 @@ TEST(Slots, AreReadByTheNameSizeOfTheFirst) {
 TEST(Slots, BelongToTheirDictionary) {
   const auto made = [](std::size_t name_size, const char* name) {
     return std::pair(header_of(1, 1, 2, 2, name_size, name) + kWords + kCwKeys,
-                     index_block(entry("a", 2) + entry("d", 4) + entry("e", 5), 0, name_size) +
-                         index_block(entry("u", 6) + entry("x", 8), 0, name_size));
+                     index_block(entry("a", 2) + entry("d", 4) + entry("e", 5), 0, name_size) + index_block(entry("u", 6) + entry("x", 8), 0, name_size));
   };
   const auto [short_words, short_index] = made(12, "d.idx");
   const auto [long_words, long_index] = made(128, "ninechars.idx");
@@ -170,12 +166,9 @@ TEST_F(IndexOpen, NeedsATreeAndABareNameOfARegularFile) {
     bool opens;
   };
   const Row rows[] = {
-      {folder, name_, kKeyHw, 1, true},    {folder, name_, kKeyCw, 2, true},
-      {folder, name_, kKeyHw, 0, false},   {folder, name_, kKeyHw, -1, false},
-      {folder, name_, kKeyCw, 1, false},   {folder, fifo, kKeyHw, 1, false},
-      {folder, ".", kKeyHw, 1, false},     {folder, "..", kKeyHw, 1, false},
-      {folder, "", kKeyHw, 1, false},      {"", path_, kKeyHw, 1, false},
-      {"/dev/", "null", kKeyHw, 1, false}, {folder + "none/", name_, kKeyHw, 1, false},
+      {folder, name_, kKeyHw, 1, true},  {folder, name_, kKeyCw, 2, true}, {folder, name_, kKeyHw, 0, false},   {folder, name_, kKeyHw, -1, false},
+      {folder, name_, kKeyCw, 1, false}, {folder, fifo, kKeyHw, 1, false}, {folder, ".", kKeyHw, 1, false},     {folder, "..", kKeyHw, 1, false},
+      {folder, "", kKeyHw, 1, false},    {"", path_, kKeyHw, 1, false},    {"/dev/", "null", kKeyHw, 1, false}, {folder + "none/", name_, kKeyHw, 1, false},
   };
   for (const Row& row : rows) {
     for (const bool read_only : {true, false}) {
@@ -193,8 +186,7 @@ TEST_F(IndexOpen, ALookupOpensTheIndexByItsName) {
   const std::filesystem::path before = std::filesystem::current_path();
   std::filesystem::current_path(::testing::TempDir());
   TestedDictionary dictionary(header_of(1, 1, 2, 2) + kWords + kCwKeys, "");
-  for (const int field : {kKeyHw, kKeyCw})
-    name_.copy(dictionary.opened.descriptors[static_cast<std::size_t>(field)].name, kLongNameSize);
+  for (const int field : {kKeyHw, kKeyCw}) name_.copy(dictionary.opened.descriptors[static_cast<std::size_t>(field)].name, kLongNameSize);
   EXPECT_EQ(dictionary.find(kKeyHw, "d", false), "d,d");
   EXPECT_EQ(dictionary.find(kKeyCw, "u", false), "d|a,b,c");
   std::filesystem::current_path(before);
@@ -206,13 +198,11 @@ TEST(Records, BecomeWords) {
   const std::string fixed = std::string("\0\1\2\3", 4) + '\xFE' + "???" + "EX";
   const std::string attributes = text("V,@9") + fixed;
   const std::pair<std::string, const char*> rows[] = {
-      {sized(text("go") + text("g") + text("c") + text(attributes) + text("i") + text("e") + text("ff")),
-       "40 go g c V,@9 16 66051 254 EX i e ff"},
+      {sized(text("go") + text("g") + text("c") + text(attributes) + text("i") + text("e") + text("ff")), "40 go g c V,@9 16 66051 254 EX i e ff"},
       {sized(text("go") + text("") + text("c") + text(text("") + fixed)), "25 go - c - 12 66051 254 EX - - -"},
       {sized(text("go") + text("") + text("c") + u16(0) + text("i")), "16 go - c - 12 0 0 .. i - -"},
       {sized(text("go") + text("g")), "9 go g - - 0 0 0 .. - - -"},
-      {sized(text("go") + text("") + text("") + text(text("V") + std::string("\0\0\0\7\5", 5))),
-       "20 go - - V 8 7 5 .. - - -"},
+      {sized(text("go") + text("") + text("") + text(text("V") + std::string("\0\0\0\7\5", 5))), "20 go - - V 8 7 5 .. - - -"},
   };
   const auto shown = [](const char* t) { return t == nullptr ? std::string("-") : std::string(t); };
   for (const auto& [bytes, expected] : rows) {
@@ -220,11 +210,9 @@ TEST(Records, BecomeWords) {
     const ByteView view(reinterpret_cast<const std::uint8_t*>(bytes.data()), bytes.size());
     ASSERT_EQ(record_unpack(session, view, w), Status::ok);
     ASSERT_NE(w, nullptr) << expected;
-    const std::string got = std::to_string(w->total_size) + " " + shown(w->hw) + " " + shown(w->gloss) + " " +
-                            shown(w->cw) + " " + shown(w->attrs) + " " + std::to_string(w->attr_block_size) + " " +
-                            std::to_string(load_u32(w->frequency)) + " " + std::to_string(w->priority) + " " +
-                            std::string(w->language, 2) + " " + shown(w->id) + " " + shown(w->extra1) + " " +
-                            shown(w->extra2);
+    const std::string got = std::to_string(w->total_size) + " " + shown(w->hw) + " " + shown(w->gloss) + " " + shown(w->cw) + " " + shown(w->attrs) + " " +
+                            std::to_string(w->attr_block_size) + " " + std::to_string(load_u32(w->frequency)) + " " + std::to_string(w->priority) + " " +
+                            std::string(w->language, 2) + " " + shown(w->id) + " " + shown(w->extra1) + " " + shown(w->extra2);
     EXPECT_EQ(got, expected);
   }
   session.pool.release_all();

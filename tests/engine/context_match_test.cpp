@@ -5,8 +5,8 @@
 #include <chrono>
 #include <thread>
 
-#include "support/step.hpp"
 #include "support/session.hpp"
+#include "support/step.hpp"
 
 namespace lexon::test {
 namespace {

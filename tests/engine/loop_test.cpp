@@ -6,8 +6,8 @@
 
 #include "data/words.hpp"
 #include "engine/scope_entry.hpp"
-#include "support/step.hpp"
 #include "support/grammar.hpp"
+#include "support/step.hpp"
 
 namespace lexon::test {
 namespace {

@@ -5,8 +5,8 @@
 #include <string>
 
 #include "engine/post_edit_rule.hpp"
-#include "support/step.hpp"
 #include "support/grammar.hpp"
+#include "support/step.hpp"
 
 namespace lexon::test {
 namespace {

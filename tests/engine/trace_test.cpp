@@ -4,8 +4,8 @@
 
 #include <string>
 
-#include "support/step.hpp"
 #include "support/session.hpp"
+#include "support/step.hpp"
 
 namespace lexon::test {
 namespace {

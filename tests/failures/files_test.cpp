@@ -149,14 +149,11 @@ TEST_P(Calls, EachFailsInTurn) {
 }
 
 const CallRow kCallRows[] = {
-    {"read", "error=EIO", "input.txt", false},     {"read", "error=EIO", "rules.txt", true},
-    {"read", "error=EIO", "rules.rul", false},     {"read", "error=EIO", "rules.mtx", false},
-    {"pread64", "error=EIO", "words.dic", false},  {"pread64", "error=EIO", "words.idx", false},
-    {"pread64", "retval=0", "words.dic", false},   {"pread64", "error=EINTR", "words.dic", false},
-    {"read", "retval=0", "rules.rul", false},      {"read", "retval=0", "rules.mtx", false},
-    {"write", "error=ENOSPC", "output.txt", true}, {"read", "error=EIO", nullptr, true},
-    {"write", "error=ENOSPC", nullptr, true},      {"openat", "error=EMFILE", nullptr, true},
-    {"linkat,rename,unlink", "error=EACCES", nullptr, true},
+    {"read", "error=EIO", "input.txt", false},   {"read", "error=EIO", "rules.txt", true},       {"read", "error=EIO", "rules.rul", false},
+    {"read", "error=EIO", "rules.mtx", false},   {"pread64", "error=EIO", "words.dic", false},   {"pread64", "error=EIO", "words.idx", false},
+    {"pread64", "retval=0", "words.dic", false}, {"pread64", "error=EINTR", "words.dic", false}, {"read", "retval=0", "rules.rul", false},
+    {"read", "retval=0", "rules.mtx", false},    {"write", "error=ENOSPC", "output.txt", true},  {"read", "error=EIO", nullptr, true},
+    {"write", "error=ENOSPC", nullptr, true},    {"openat", "error=EMFILE", nullptr, true},      {"linkat,rename,unlink", "error=EACCES", nullptr, true},
     {"fsync,flock", "error=EIO", nullptr, true},
 };
 

@@ -24,7 +24,7 @@ class RunCase {
     std::string output;  // times masked
     std::string error;   // what went to standard error
     std::int64_t allocations = 0;
-    };
+  };
   // Renders all sentences, with the rules from the text (`converts`) or from the compiled files of the run before.
   // `fault` holds for the run alone; `more` is a switch besides, or null.
   [[nodiscard]] Result run(bool converts, AllocationFault fault = {}, const char* more = nullptr) const;

@@ -6,8 +6,8 @@
 
 #include "data/pool.hpp"
 #include "support/graph_text.hpp"
-#include "support/test_dictionary.hpp"
 #include "support/session.hpp"
+#include "support/test_dictionary.hpp"
 
 namespace lexon::test {
 namespace {

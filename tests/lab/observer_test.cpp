@@ -76,8 +76,8 @@ class Witness final : public Observer {
       ++asked;
       const std::vector<Miss> misses = index_misses(session, rule, window);
       if (misses.empty() == offered.contains(&rule)) continue;
-      note(project_.text_of(rule) + (misses.empty() ? " was not offered" : " was offered, but: " + misses_text(project_, misses)) +
-           " at " + window_text(window));
+      note(project_.text_of(rule) + (misses.empty() ? " was not offered" : " was offered, but: " + misses_text(project_, misses)) + " at " +
+           window_text(window));
     }
   }
   void tried(Session& session, const RuleCandidate& candidate, const Window& before, const Window& after, Fit fit) override {
@@ -140,8 +140,7 @@ struct Case {
 std::vector<Case> all_cases() {
   const fs::path root = LEXON_ROOT;
   std::vector<Case> cases = {{root / "examples/english", root / "examples/english/input.txt"}};
-  for (const char* language : {"english", "german"})
-    cases.push_back({root / "examples/stories" / language, root / "examples/stories/input.txt"});
+  for (const char* language : {"english", "german"}) cases.push_back({root / "examples/stories" / language, root / "examples/stories/input.txt"});
   for (const auto& entry : fs::directory_iterator(root / "tests/golden")) cases.push_back({entry.path(), entry.path() / "input.txt"});
   return cases;
 }

@@ -7,9 +7,9 @@
 #include <vector>
 
 #include "rules/matrix.hpp"
+#include "support/grammar.hpp"
 #include "support/rule_dump.hpp"
 #include "support/rules.hpp"
-#include "support/grammar.hpp"
 
 namespace lexon::test {
 namespace {
@@ -273,8 +273,8 @@ TEST(CompiledMatrix, BytesOfTheFile) {
 
 // Is there nothing left that a search could run on?
 bool is_zeroed() {
-  return grammar.index.matrix.rules == nullptr && grammar.index.matrix.rule_count == 0 && grammar.index.matrix.row_bytes == 0 && grammar.index.matrix.left.attr_pool == nullptr &&
-         grammar.index.matrix.right.attr_table == nullptr;
+  return grammar.index.matrix.rules == nullptr && grammar.index.matrix.rule_count == 0 && grammar.index.matrix.row_bytes == 0 &&
+         grammar.index.matrix.left.attr_pool == nullptr && grammar.index.matrix.right.attr_table == nullptr;
 }
 
 // A header of these eight numbers.

@@ -7,9 +7,9 @@
 #include <vector>
 
 #include "support/capture.hpp"
+#include "support/grammar.hpp"
 #include "support/rule_build.hpp"
 #include "support/saved_matrix.hpp"
-#include "support/grammar.hpp"
 
 namespace lexon::test {
 namespace {

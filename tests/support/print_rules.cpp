@@ -2,9 +2,9 @@
 #include <cstdio>
 #include <memory>
 
+#include "data/session.hpp"
 #include "rules/parser.hpp"
 #include "rules/print.hpp"
-#include "data/session.hpp"
 
 int main(int argc, char** argv) {
   if (argc != 3) return 2;

@@ -12,8 +12,8 @@
 #include "engine/backtrack.hpp"
 #include "engine/side.hpp"
 #include "support/capture.hpp"
-#include "support/step.hpp"
 #include "support/session.hpp"
+#include "support/step.hpp"
 
 namespace lexon::test {
 

@@ -8,9 +8,9 @@
 #include "data/pool.hpp"
 #include "engine/loop.hpp"
 #include "rules/matrix.hpp"
+#include "support/grammar.hpp"
 #include "support/list_text.hpp"
 #include "support/rules.hpp"
-#include "support/grammar.hpp"
 
 namespace lexon::test {
 
