@@ -11,6 +11,7 @@
 #include <array>
 #include <cstring>
 #include <iterator>
+#include <new>
 #include <numeric>
 #include <optional>
 #include <span>
@@ -300,9 +301,13 @@ void pairs_forget(SearchScratch& scratch) {
   scratch.rules.clear();
 }
 
-// Forgets all answers: their numbers begin anew.
+// Forgets all answers, whose numbers begin anew, and what a search that broke off has left.
 void search_forget(SearchScratch& scratch) {
   for (SearchScratch::Side* side : {&scratch.left, &scratch.right}) {
+    std::ranges::fill(side->is_present, 0);
+    std::ranges::fill(side->is_striking, 0);
+    side->present.clear();
+    side->striking.clear();
     side->known.clear();
     side->answers.clear();
     side->numbers.clear();
@@ -396,11 +401,14 @@ Numbers search(Session& session, Node* lnode, Node* rnode, Wanted kind) {
   WindowSide right{index.right, session.search.right, rnode};
   if (!see_through(session, left) || !see_through(session, right)) return {};
   if (session.search.is_full) search_forget(session.search);
-  const std::optional<Answer> left_answer = side_answer(session, left);
-  if (!left_answer) return {};
-  const std::optional<Answer> right_answer = side_answer(session, right);
-  if (!right_answer) return {};
-  return passing_rules(session, *left_answer, *right_answer, kind);
+  try {
+    const std::optional<Answer> left_answer = side_answer(session, left);
+    const std::optional<Answer> right_answer = left_answer ? side_answer(session, right) : std::nullopt;
+    return right_answer ? passing_rules(session, *left_answer, *right_answer, kind) : Numbers{};
+  } catch (const std::bad_alloc&) {
+    session.search.is_full = true;  // the sentence is lost, and the next one begins with nothing half done
+    throw;
+  }
 }
 
 }  // namespace

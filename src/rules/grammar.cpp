@@ -42,6 +42,7 @@ void session_use(Session& session, const Grammar& grammar) {
   scratch.rules.clear();
   scratch.rules.reserve(kPairRules);
   scratch.is_full = false;
+  session.label.reserve(kLineSize);  // a growth that fails in the middle of reading would make two sentences of one
 }
 
 }  // namespace lexon
