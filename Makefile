@@ -41,7 +41,7 @@ test: setup-tests layering
 	@tools/test release programs
 	@tools/test asan
 
-check-all: setup-check layering
+check-all: setup-check layering docs
 	@tools/test release all
 
 golden: setup-tests
