@@ -77,8 +77,8 @@ coverage: setup-coverage
 RUNS ?= 10000
 endurance: setup-tests
 	cmake --preset release
-	cmake --build --preset release --parallel $(JOBS) --target endurance
-	build/release/bin/endurance $(RUNS)
+	cmake --build --preset release --parallel $(JOBS) --target failures_memory_test
+	LEXON_RUNS=$(RUNS) build/release/bin/failures_memory_test --gtest_filter=Endurance.*
 
 layering:
 	@tools/layering
@@ -109,7 +109,9 @@ install: programs
 	cmake --install build/release --prefix $(PREFIX)
 
 # What a package is made with comes first, so that the windowed program is in.
-package: setup-package docs programs
+package: setup-package docs
+	cmake --preset release -DLEXON_TESTS=OFF -DLEXON_PACKAGES=ON
+	cmake --build --preset release --parallel $(JOBS)
 	cpack --config build/release/CPackConfig.cmake -B build/packages
 
 # Without the history a build has to be told who made it and when.
