@@ -44,6 +44,7 @@ struct Fault : std::runtime_error {
 [[nodiscard]] Command add_report(CLI::App& app);
 [[nodiscard]] Command add_shell(CLI::App& app);
 [[nodiscard]] Command add_test(CLI::App& app);
+[[nodiscard]] Command add_view(CLI::App& app);
 [[nodiscard]] Command add_why(CLI::App& app);
 
 }  // namespace lab
