@@ -14,7 +14,7 @@ help:
 	@echo "make bench-amr DATA=\"bank.txt ...\" English from a meaning bank, measured (FRAMES, FORMS, WORDNET: word sources)"
 	@echo "make fuzz      each fuzz target for TIME seconds (60; TARGETS=\"rules run\" for some of them)"
 	@echo "make coverage  which lines and branches of the core the tests reach"
-	@echo "make endurance RUNS (10000) runs in one process: memory and files must not grow"
+	@echo "make endurance RUNS (10000) runs of three cases in one process: memory and files must not grow"
 	@echo "make tsan      all tests under the thread sanitizer"
 	@echo "make format    format the sources; make lint  check them"
 	@echo "make docs      the manual as a site, in build/docs"

@@ -2,6 +2,8 @@
 
 #include <CLI/CLI.hpp>
 
+#include <type_traits>
+
 namespace lexon {
 inline namespace v1 {
 namespace lab {
@@ -17,7 +19,10 @@ CLI::Option* add_option(CLI::App& command, const char* names, T& value, const ch
   if (demands.one_value) option->allow_extra_args(false);
   if (demands.not_negative) option->check(CLI::NonNegativeNumber);
   if (!demands.choices.empty()) option->check(CLI::IsMember(demands.choices));
-  if (demands.range) option->check(CLI::Range(demands.range->first, demands.range->second));
+  if constexpr (std::is_arithmetic_v<T>) {
+    const auto& range = demands.range;
+    if (range) option->check(CLI::Range(static_cast<T>(range->first), static_cast<T>(range->second)));
+  }
   if (demands.needs != nullptr) option->needs(demands.needs);
   if (demands.shows_default) option->capture_default_str();
   return option;

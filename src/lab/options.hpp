@@ -27,7 +27,7 @@ struct Demands {
   bool one_value = false;      // a list takes one each time that the option is given
   bool not_negative = false;
   std::vector<std::string> choices = {};          // empty: any
-  std::optional<std::pair<int, int>> range = {};  // both ends belong to it
+  std::optional<std::pair<int, int>> range = {};  // of a number; both ends belong to it
   CLI::Option* needs = nullptr;                   // the option without which it is refused; null: none
 };
 
