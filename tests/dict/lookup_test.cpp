@@ -93,6 +93,7 @@ TEST(Lookup, DamagedFilesEndALookupCleanly) {
   const std::string full = head + kWords + kCwKeys;
   const std::string tree = index_block(entry("a", 2)) + index_block(entry("u", 3));
   const std::string two = record("a", "u") + record("b", "u");
+  const std::string bad_field = sized(text("b") + text("") + u16(500) + "u");
   const std::string bad_end = sized(text("b") + text("") + text("u") + u16(9) + u16(8) + "12345678");
   const std::string index_circle = index_block("", 2) + index_block("", 3) + index_block(entry("a", 2), 4) + index_block("", 2);
   const std::tuple<const char*, std::string, std::string, int, const char*, const char*> rows[] = {
@@ -108,6 +109,7 @@ TEST(Lookup, DamagedFilesEndALookupCleanly) {
       {"block number 1 reads as 2", head + data(two), index_block(entry("a", 1)), kKeyHw, "b", "b"},
       {"record of size 0", head + data(record("a", "u") + u16(0) + two), tree, kKeyHw, "b", "none"},
       {"used length beyond the block", head + dict_block(1, two, 0, 65535), tree, kKeyHw, "b", "b"},
+      {"a field past the record's end equals nothing", head + data(bad_field + record("b", "u")) + keys(entry("u", 2)), tree, kKeyCw, "u", "b"},
       {"a damaged record is passed over", head + data(bad_end + record("b", "u")), tree, kKeyHw, "b", "b"},
   };
   for (const auto& [what, dictionary, index, field, key, result] : rows) {

@@ -237,9 +237,11 @@ TEST_F(Candidates, AreTheSameWhetherRememberedOrNot) {
     ASSERT_EQ(index_build(rules.head()), Status::ok);
     if (random.one_in(4)) reload();
     sentence_clear(session);
-    for (int scopes = random.below(4); scopes > 0; --scopes) add_scope(node_of_attrs(random.node()));
+    // Sides that differ in one thing alone: the block of the entry that they lead to, or whether they have been used.
+    for (const char* entry : {"N,a", "N,a{b}", "N,a*"}) add_scope(node_of_attrs(entry));
     std::vector<std::pair<Node*, std::string>> nodes = {{nullptr, "-"}};
-    for (int more = 0; more < 9; ++more) {
+    for (const char* text : {":1a", ":2a", ":3a", "a|b", "a|b*", "a|b{N}*"}) nodes.emplace_back(node_of_attrs(text), text);
+    for (int more = 0; more < 5; ++more) {
       const std::string text = random.node();
       nodes.emplace_back(node_of_attrs(text), text);
     }
