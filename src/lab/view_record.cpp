@@ -203,7 +203,9 @@ std::int32_t ViewRecord::state_of(const Node& node, const RuleCandidate* candida
 
 ViewRecord::Shown ViewRecord::list_of(const Session& session, const Window& window, const RuleCandidate* candidate,
                                       const Node* inserted) {
-  const Node* middle = window.lnode != nullptr ? window.lnode : window.rnode;
+  // The walk begins at a place that stands in the list: what a rule brings in may not yet.
+  const bool begins_right = window.lnode == nullptr || window.lnode == inserted;
+  const Node* middle = begins_right ? window.rnode : window.lnode;
   if (middle == nullptr || must_leave(session) != core::Status::ok) return {};
   std::vector<const Node*> nodes;
   std::int32_t left_out[2] = {0, 0};
@@ -230,13 +232,8 @@ ViewRecord::Shown ViewRecord::list_of(const Session& session, const Window& wind
   Shown shown;
   if (left_out[0] > 0) list.push_back(-left_out[0]);
   for (std::size_t at = 0; at < nodes.size(); ++at) {
-    const bool is_left_place = at == to_the_left;
-    if (nodes[at] == inserted) {
-      // What a rule brings in as its left place comes to stand behind what was there.
-      if (is_left_place) shown.at = static_cast<std::int32_t>(list.size()) - 1;
-      continue;
-    }
-    if (is_left_place) shown.at = static_cast<std::int32_t>(list.size());
+    if (nodes[at] == inserted) continue;
+    if (at == to_the_left) shown.at = static_cast<std::int32_t>(list.size()) - (begins_right ? 1 : 0);
     list.push_back(state_of(*nodes[at], candidate));
   }
   if (left_out[1] > 0) list.push_back(-left_out[1]);

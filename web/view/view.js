@@ -637,7 +637,7 @@ const lexonView = (() => {
       section.append(make('div', { class: 'lx-bar', role: 'toolbar', 'aria-label': 'Steps' },
         button('Previous', 'Arrow up', () => move(-1)), button('Next', 'Arrow down', () => move(1)),
         button('Unfold all', 'Show what was taken back', () => foldAll(false)), button('Fold all', 'Hide what was taken back', () => foldAll(true)), box, found),
-        notKept,
+        ...(notKept ? [notKept] : []),
         make('p', { class: 'lx-legend' }, 'Arrow keys step through the list; right and left unfold and fold what was taken back; Enter in the box goes to the next step found.'),
         make('div', { class: 'lx-columns' }, tree, detail), announce);
       rows = stepRows(tree, { onSelect: showStep, rowContent, isFoldable: (row) => row.at >= 0 && folds(row.at), label: 'Steps of the search' });
@@ -725,7 +725,7 @@ const lexonView = (() => {
         const isAsWritten = rule.source && rule.source.replace(/\s+/g, '').includes(rule.text.replace(/\s+/g, ''));
         detail.append(make('div', { class: 'lx-rule' }, placeLink(rule.place), rule.values ? make('span', { class: 'lx-values' }, ' ' + shown(rule.values)) : null,
           make('pre', {}, shown(rule.text)),
-          rule.source && !isAsWritten ? make('pre', { class: 'lx-source', title: 'As it stands in the file' }, shown(rule.source.trim())) : null));
+          rule.source && !isAsWritten ? make('pre', { class: 'lx-source', title: 'As it stands in the file' }, shown(rule.source.trim().replace(/\s+/g, ' '))) : null));
       }
       const panel = make('div', { class: 'lx-word' });
       const marks = new Map(changes.map((each) => [each.state, each.what]));
