@@ -46,6 +46,7 @@ const lexonView = (() => {
   // Control characters would be invisible.
   const shown = (text) => text.replace(/[\u0000-\u001f\u007f]/g, (c) =>
     c === '\u007f' ? '\u2421' : String.fromCharCode(0x2400 + c.charCodeAt(0)));
+  const baseName = (place) => shown(place.slice(place.lastIndexOf('/') + 1));
   const short = (text, most) => {
     const characters = Array.from(text);
     return characters.length <= most ? text : characters.slice(0, most - 1).join('') + '…';
@@ -516,7 +517,7 @@ const lexonView = (() => {
       const lines = standing.slice(0, kMostPrinted).map((at) => {
         const step = steps[at];
         const rule = ruleOf(step);
-        return make('tr', {}, make('td', {}, String(step.number)), make('td', {}, rule ? shown(rule.place) : ''),
+        return make('tr', {}, make('td', {}, String(step.number)), make('td', {}, rule ? baseName(rule.place) : ''),
           make('td', {}, listText(step.before, step.beforeAt)), make('td', {}, difference(data, step).map((each) => changeText(data, each)).join('; ')));
       });
       printed.append(make('table', {}, make('thead', {}, make('tr', {}, ...['Step', 'Rule', 'List before', 'Changes'].map((head) => make('th', { scope: 'col' }, head)))), make('tbody', {}, ...lines)));
@@ -586,7 +587,7 @@ const lexonView = (() => {
     function stepLink(at) {
       const rule = ruleOf(steps[at]);
       return make('button', { type: 'button', class: 'lx-link', onclick: () => select(steps[at].number, true) },
-        `step ${steps[at].number}${rule ? ', ' + shown(rule.place) : ''}`);
+        `step ${steps[at].number}${rule ? ', ' + baseName(rule.place) : ''}`);
     }
 
     function attributeTable(state, path) {
@@ -677,6 +678,7 @@ const lexonView = (() => {
       const step = steps[at];
       const rule = ruleOf(step);
       row.classList.toggle('lx-undone', step.isUndone);
+      row.classList.toggle('lx-reason', step.kind === 'asked' || step.kind === 'end');
       row.classList.toggle('lx-hit', hits.has(at));
       if (folds(at)) {
         const sign = make('span', { class: 'lx-fold', 'aria-hidden': 'true', onclick: (event) => {
@@ -685,8 +687,9 @@ const lexonView = (() => {
         } }, isFolded ? '▸' : '▾');
         row.append(sign);
       }
+      if (step.isUndone && !folds(at)) row.append(make('span', { class: 'lx-fold', 'aria-hidden': 'true' }, '×'));
       row.append(make('span', { class: 'lx-number' }, String(step.number)));
-      row.append(make('span', { class: 'lx-where' }, rule ? shown(rule.place) : ''));
+      row.append(make('span', { class: 'lx-where' }, rule ? baseName(rule.place) : ''));
       row.append(make('span', { class: 'lx-what' }, stepSummary(step)));
       if (folds(at) && isFolded) row.append(make('span', { class: 'lx-count' }, `${count(step.size, 'step')} taken back`));
       if (step.isPostEdit) row.append(make('span', { class: 'lx-tag' }, 'post-edit'));
