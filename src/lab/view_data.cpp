@@ -139,7 +139,8 @@ std::vector<nlohmann::json> Viewer::data(const GraphText& graph, const RenderOpt
 }
 
 std::string view_json_text(const nlohmann::json& data) {
-  const std::string text = data.dump();
+  // Names of files can be no UTF-8.
+  const std::string text = data.dump(-1, ' ', false, nlohmann::json::error_handler_t::replace);
   std::string safe;
   safe.reserve(text.size());
   // "<" stands within strings alone.

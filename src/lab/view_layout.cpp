@@ -65,7 +65,7 @@ std::string dot_text(const json& graph) {
     if (scope != 0) boxes[scope].insert(node);
   }
   for (const auto& [scope, members] : boxes) {
-    text << "subgraph cluster_" << scope << " { margin=14; ";
+    text << "subgraph cluster_" << scope << " { margin=12; fontsize=10; label=\"xxxxxx\"; ";
     for (const int node : members) text << 'n' << node << "; ";
     text << "}\n";
   }

@@ -18,6 +18,7 @@ constexpr std::ptrdiff_t kMostAround = 100;
 constexpr int kMostNodes = 4096;
 constexpr std::size_t kMostStanding = 100000;
 constexpr int kMostCopies = 64;
+constexpr std::size_t kMostFitted = 300;
 constexpr int kMostFinal = 2048;
 
 std::string_view text_of(const char* text) {
@@ -203,7 +204,9 @@ std::int32_t ViewRecord::state_of(const Node& node, const RuleCandidate* candida
 
 ViewRecord::Shown ViewRecord::list_of(const Session& session, const Window& window, const RuleCandidate* candidate,
                                       const Node* inserted) {
-  const Node* middle = window.lnode != nullptr ? window.lnode : window.rnode;
+  // The walk begins at a place that stands in the list: what a rule brings in may not yet.
+  const bool begins_right = window.lnode == nullptr || window.lnode == inserted;
+  const Node* middle = begins_right ? window.rnode : window.lnode;
   if (middle == nullptr || must_leave(session) != core::Status::ok) return {};
   std::vector<const Node*> nodes;
   std::int32_t left_out[2] = {0, 0};
@@ -230,13 +233,8 @@ ViewRecord::Shown ViewRecord::list_of(const Session& session, const Window& wind
   Shown shown;
   if (left_out[0] > 0) list.push_back(-left_out[0]);
   for (std::size_t at = 0; at < nodes.size(); ++at) {
-    const bool is_left_place = at == to_the_left;
-    if (nodes[at] == inserted) {
-      // What a rule brings in as its left place comes to stand behind what was there.
-      if (is_left_place) shown.at = static_cast<std::int32_t>(list.size()) - 1;
-      continue;
-    }
-    if (is_left_place) shown.at = static_cast<std::int32_t>(list.size());
+    if (nodes[at] == inserted) continue;
+    if (at == to_the_left) shown.at = static_cast<std::int32_t>(list.size()) - (begins_right ? 1 : 0);
     list.push_back(state_of(*nodes[at], candidate));
   }
   if (left_out[1] > 0) list.push_back(-left_out[1]);
@@ -281,8 +279,7 @@ void ViewRecord::sentence_begins(Session& session) {
   standing_.clear();
   standing_at_.clear();
   last_number_ = forgotten_ = 0;
-  fitted_ = {};
-  outer_.clear();
+  fitted_.clear();
   last_offered_ = {};
   has_reason_ = is_post_edit_ = false;
   graph_read(session);
@@ -307,7 +304,11 @@ void ViewRecord::stand(const RuleCandidate& candidate, Step&& step) {
   has_reason_ = false;
   // Carried out again, with another word or another solution of its scope, it takes the place of what it was before.
   const std::size_t place = standing_at(candidate);
-  if (place < standing_.size() && !step.is_post_edit) take_back_from(place);
+  if (place < standing_.size() && !step.is_post_edit) {
+    const auto before = step_at(standing_[place].number);
+    if (before != steps_.end() && step.before.list == -1) step.before = before->before;
+    take_back_from(place);
+  }
   append(std::move(step));
   standing_at_[&candidate] = standing_.size();
   standing_.push_back({&candidate, last_number_});
@@ -324,6 +325,12 @@ void ViewRecord::leaf(Step&& step) {
   append(std::move(step));
 }
 
+std::deque<ViewRecord::Step>::iterator ViewRecord::step_at(std::int64_t number) {
+  const auto step = std::lower_bound(steps_.begin(), steps_.end(), number,
+                                     [](const Step& each, std::int64_t wanted) { return each.number < wanted; });
+  return step != steps_.end() && step->number == number ? step : steps_.end();
+}
+
 // The size of the stack if it does not stand.
 std::size_t ViewRecord::standing_at(const RuleCandidate& candidate) const {
   const auto found = standing_at_.find(&candidate);
@@ -335,9 +342,8 @@ void ViewRecord::take_back_from(std::size_t place) {
     const auto newest = standing_at_.find(standing_.back().candidate);
     if (newest != standing_at_.end() && newest->second + 1 == standing_.size()) standing_at_.erase(newest);
     const std::int64_t number = standing_.back().number;
-    const auto step = std::lower_bound(steps_.begin(), steps_.end(), number,
-                                       [](const Step& each, std::int64_t wanted) { return each.number < wanted; });
-    if (step == steps_.end() || step->number != number) continue;
+    const auto step = step_at(number);
+    if (step == steps_.end()) continue;
     step->is_undone = true;
     step->size = last_number_ - number + 1;
   }
@@ -379,8 +385,7 @@ void ViewRecord::forget_some() {
     move(step.before);
     move(step.after);
   }
-  for (Fitted& fitted : outer_) move(fitted.before);
-  move(fitted_.before);
+  for (Fitted& fitted : fitted_) move(fitted.before);
   move(last_offered_);
   states_.swap(states);
   entry_of_state_.swap(entries);
@@ -418,12 +423,18 @@ void ViewRecord::tried(Session& session, const RuleCandidate& candidate, const W
   }
   const Node* inserted = rule.lnode->inserted != 0 ? after.lnode : rule.rnode->inserted != 0 ? after.rnode : nullptr;
   if (inserted != nullptr) literal_note(*inserted);
-  fitted_ = {&candidate, list_of(session, after, &candidate, inserted)};
+  // Those whose scopes have failed are left over.
+  if (fitted_.size() > kMostFitted) fitted_.erase(fitted_.begin());
+  fitted_.push_back({&candidate, list_of(session, before, &candidate, inserted)});
 }
 
 void ViewRecord::applied(Session& session, const RuleCandidate& candidate, const Window& after) {
   Step step = step_of(session, Kind::rule, candidate.rule);
-  if (fitted_.candidate == &candidate) step.before = fitted_.before;
+  const auto same = [&candidate](const Fitted& each) { return each.candidate == &candidate; };
+  if (const auto found = std::find_if(fitted_.rbegin(), fitted_.rend(), same); found != fitted_.rend()) {
+    step.before = found->before;
+    fitted_.erase(std::next(found).base(), fitted_.end());
+  }
   step.after = list_of(session, after);
   step.used = used_now(session);
   stand(candidate, std::move(step));
@@ -440,20 +451,6 @@ void ViewRecord::undone(Session& session, const RuleCandidate& candidate) {
     has_reason_ = true;
   }
   take_back_from(place);
-}
-
-void ViewRecord::scope_entered(Session&, const RuleCandidate&, int) {
-  outer_.push_back(std::exchange(fitted_, {}));
-}
-
-void ViewRecord::scope_returned_into(Session&, int) {
-  outer_.push_back(std::exchange(fitted_, {}));
-}
-
-void ViewRecord::scope_left(Session&, int, bool) {
-  if (outer_.empty()) return;
-  fitted_ = outer_.back();
-  outer_.pop_back();
 }
 
 // ---- The whole.

@@ -63,9 +63,6 @@ class ViewRecord final : public Observer {
   void undone(Session& session, const RuleCandidate& candidate) override;
   void offered(Session& session, const Window& window, const RuleCandidate* list) override;
   void offered_in_post_edit(Session& session, const Window& window, std::span<const std::int32_t> rules) override;
-  void scope_entered(Session& session, const RuleCandidate& candidate, int scope) override;
-  void scope_returned_into(Session& session, int scope) override;
-  void scope_left(Session& session, int scope, bool has_failed) override;
 
  private:
   enum class Kind : std::uint8_t { rule, narrowed, asked, dead_end };
@@ -100,7 +97,7 @@ class ViewRecord final : public Observer {
     bool is_untouched;
     auto operator<=>(const State&) const = default;
   };
-  // The window as it was when a rule last fitted.
+  // The list as it was when a rule fitted.
   struct Fitted {
     const RuleCandidate* candidate = nullptr;
     Shown before{};
@@ -126,6 +123,7 @@ class ViewRecord final : public Observer {
   void stand(const RuleCandidate& candidate, Step&& step);
   void leaf(Step&& step);
   void append(Step&& step);
+  [[nodiscard]] std::deque<Step>::iterator step_at(std::int64_t number);  // the end: not kept
   [[nodiscard]] std::size_t standing_at(const RuleCandidate& candidate) const;
   void take_back_from(std::size_t place);
   void forget_some();
@@ -156,8 +154,7 @@ class ViewRecord final : public Observer {
   std::unordered_map<const RuleCandidate*, std::size_t> standing_at_;  // the newest of each
   std::int64_t last_number_ = 0;
   std::int64_t forgotten_ = 0;
-  Fitted fitted_;
-  std::vector<Fitted> outer_;  // of the scopes around
+  std::vector<Fitted> fitted_;  // not carried out yet, the newest last: scopes lie between
   Shown last_offered_;
   bool has_reason_ = false;  // why steps are taken back now has been written down
   bool is_post_edit_ = false;

@@ -104,7 +104,7 @@ test('without Graphviz, in print, for a screen reader', async () => {
 });
 
 test('ten thousand steps: few elements', async () => {
-  const { address } = view('english', null, ['-s', '1', '--steps', '30000'], { rules: ':{}{}P1;\nL:{}{}P9;\nR:{}{}P9;\n' });
+  const { address } = view('english', null, ['-s', '1', '--steps', '30000'], { rules: 'R{}{^p:+p}P8;\nL{p:-p}{}P9;\n' });
   await onPage(address, async (page) => {
     await page.focus('[role=tree]');
     await page.keyboard.press('End');

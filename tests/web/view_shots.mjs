@@ -15,7 +15,10 @@ async function shot(name, address, size, act) {
 }
 
 const all = view('english', null).address;
-await shot('view', `${all}#13`, { width: 1200, height: 900 }, (page) => page.focus('[role=tree]', { preventScroll: true }));
+await shot('view', `${all}#29`, { width: 1200, height: 900 }, async (page) => {
+  await page.focus('[role=tree]');
+  await page.evaluate(() => window.scrollTo(0, 0));
+});
 await shot('view-step', `${all}#38`, { width: 1200, height: 760 }, async (page) => {
   await page.focus('[role=tree]');
   for (let i = 0; i < 3; ++i) await page.keyboard.press('ArrowDown');

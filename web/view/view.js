@@ -46,6 +46,7 @@ const lexonView = (() => {
   // Control characters would be invisible.
   const shown = (text) => text.replace(/[\u0000-\u001f\u007f]/g, (c) =>
     c === '\u007f' ? '\u2421' : String.fromCharCode(0x2400 + c.charCodeAt(0)));
+  const baseName = (place) => shown(place.slice(place.lastIndexOf('/') + 1));
   const short = (text, most) => {
     const characters = Array.from(text);
     return characters.length <= most ? text : characters.slice(0, most - 1).join('') + '…';
@@ -516,7 +517,7 @@ const lexonView = (() => {
       const lines = standing.slice(0, kMostPrinted).map((at) => {
         const step = steps[at];
         const rule = ruleOf(step);
-        return make('tr', {}, make('td', {}, String(step.number)), make('td', {}, rule ? shown(rule.place) : ''),
+        return make('tr', {}, make('td', {}, String(step.number)), make('td', {}, rule ? baseName(rule.place) : ''),
           make('td', {}, listText(step.before, step.beforeAt)), make('td', {}, difference(data, step).map((each) => changeText(data, each)).join('; ')));
       });
       printed.append(make('table', {}, make('thead', {}, make('tr', {}, ...['Step', 'Rule', 'List before', 'Changes'].map((head) => make('th', { scope: 'col' }, head)))), make('tbody', {}, ...lines)));
@@ -586,7 +587,7 @@ const lexonView = (() => {
     function stepLink(at) {
       const rule = ruleOf(steps[at]);
       return make('button', { type: 'button', class: 'lx-link', onclick: () => select(steps[at].number, true) },
-        `step ${steps[at].number}${rule ? ', ' + shown(rule.place) : ''}`);
+        `step ${steps[at].number}${rule ? ', ' + baseName(rule.place) : ''}`);
     }
 
     function attributeTable(state, path) {
@@ -637,7 +638,7 @@ const lexonView = (() => {
       section.append(make('div', { class: 'lx-bar', role: 'toolbar', 'aria-label': 'Steps' },
         button('Previous', 'Arrow up', () => move(-1)), button('Next', 'Arrow down', () => move(1)),
         button('Unfold all', 'Show what was taken back', () => foldAll(false)), button('Fold all', 'Hide what was taken back', () => foldAll(true)), box, found),
-        notKept,
+        ...(notKept ? [notKept] : []),
         make('p', { class: 'lx-legend' }, 'Arrow keys step through the list; right and left unfold and fold what was taken back; Enter in the box goes to the next step found.'),
         make('div', { class: 'lx-columns' }, tree, detail), announce);
       rows = stepRows(tree, { onSelect: showStep, rowContent, isFoldable: (row) => row.at >= 0 && folds(row.at), label: 'Steps of the search' });
@@ -677,6 +678,7 @@ const lexonView = (() => {
       const step = steps[at];
       const rule = ruleOf(step);
       row.classList.toggle('lx-undone', step.isUndone);
+      row.classList.toggle('lx-reason', step.kind === 'asked' || step.kind === 'end');
       row.classList.toggle('lx-hit', hits.has(at));
       if (folds(at)) {
         const sign = make('span', { class: 'lx-fold', 'aria-hidden': 'true', onclick: (event) => {
@@ -685,8 +687,9 @@ const lexonView = (() => {
         } }, isFolded ? '▸' : '▾');
         row.append(sign);
       }
+      if (step.isUndone && !folds(at)) row.append(make('span', { class: 'lx-fold', 'aria-hidden': 'true' }, '×'));
       row.append(make('span', { class: 'lx-number' }, String(step.number)));
-      row.append(make('span', { class: 'lx-where' }, rule ? shown(rule.place) : ''));
+      row.append(make('span', { class: 'lx-where' }, rule ? baseName(rule.place) : ''));
       row.append(make('span', { class: 'lx-what' }, stepSummary(step)));
       if (folds(at) && isFolded) row.append(make('span', { class: 'lx-count' }, `${count(step.size, 'step')} taken back`));
       if (step.isPostEdit) row.append(make('span', { class: 'lx-tag' }, 'post-edit'));
@@ -725,7 +728,7 @@ const lexonView = (() => {
         const isAsWritten = rule.source && rule.source.replace(/\s+/g, '').includes(rule.text.replace(/\s+/g, ''));
         detail.append(make('div', { class: 'lx-rule' }, placeLink(rule.place), rule.values ? make('span', { class: 'lx-values' }, ' ' + shown(rule.values)) : null,
           make('pre', {}, shown(rule.text)),
-          rule.source && !isAsWritten ? make('pre', { class: 'lx-source', title: 'As it stands in the file' }, shown(rule.source.trim())) : null));
+          rule.source && !isAsWritten ? make('pre', { class: 'lx-source', title: 'As it stands in the file' }, shown(rule.source.trim().replace(/\s+/g, ' '))) : null));
       }
       const panel = make('div', { class: 'lx-word' });
       const marks = new Map(changes.map((each) => [each.state, each.what]));
