@@ -9,6 +9,7 @@
 #include <QFileDialog>
 #include <QLabel>
 #include <QMenu>
+#include <QMessageBox>
 #include <QMimeData>
 #include <QPushButton>
 #include <QTemporaryDir>
@@ -278,7 +279,7 @@ class DialogTest : public QObject {
       if (row.answer != nullptr) {
         when_shown("ask_overwrite", [&](QWidget& box) {
           was_asked = true;
-          QTest::keyClick(&box, *row.answer == 'Y' ? Qt::Key_Y : Qt::Key_N, Qt::AltModifier);
+          dynamic_cast<QMessageBox&>(box).button(*row.answer == 'Y' ? QMessageBox::Yes : QMessageBox::No)->click();
         });
       }
       dialog.accept();
