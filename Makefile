@@ -2,7 +2,7 @@
 MAKEFLAGS += --no-print-directory
 JOBS ?= $(shell nproc)
 
-.PHONY: help demo test check-all golden programs release debug bench bench-amr fuzz coverage endurance format format-check lint layering docs screenshots install package clean setup
+.PHONY: help demo test check-all golden programs release debug bench bench-amr fuzz coverage endurance format format-check lint layering docs screenshots translations install package clean setup
 
 help:
 	@echo "make demo      build, make the example dictionaries, render the examples and show them"
@@ -19,6 +19,7 @@ help:
 	@echo "make format    format the sources; make lint  check them"
 	@echo "make docs      the manual as a site, in build/docs"
 	@echo "make screenshots  the pictures of the dialogs, in docs/images"
+	@echo "make translations  the texts of the dialogs, for their translators"
 	@echo "make install   install programs, manual and examples (DESTDIR, PREFIX)"
 	@echo "make package   Debian packages, in build/packages"
 	@echo "make release   the source as a tarball, in build"
@@ -103,6 +104,11 @@ screenshots: setup-gui
 	cmake --preset release
 	cmake --build --preset release --parallel $(JOBS) --target lexon-screenshots
 	build/release/bin/lexon-screenshots docs/images
+
+# Takes changes of texts in the windows over into the translations, where they wait for a translator.
+translations: setup-gui
+	cmake --preset release
+	cmake --build --preset release --target translations
 
 PREFIX ?= /usr/local
 install: programs

@@ -176,7 +176,8 @@ for Python.")
 
 set(CPACK_DEBIAN_LEXON-GUI_PACKAGE_NAME lexon-gui)
 set(CPACK_DEBIAN_LEXON-GUI_PACKAGE_SECTION text)
-set(CPACK_DEBIAN_LEXON-GUI_PACKAGE_RECOMMENDS lexon)
+set(CPACK_DEBIAN_LEXON-GUI_PACKAGE_RECOMMENDS "lexon, qt6-translations-l10n")
+set(CPACK_DEBIAN_LEXON-GUI_PACKAGE_SUGGESTS lexon-doc)
 set(CPACK_COMPONENT_LEXON-GUI_DESCRIPTION "Lexon writes sentences from graphs of meaning, by a dictionary and a file of
 rules that a linguist supplies. This package has the dialogs to start a run
 from and to watch it.")

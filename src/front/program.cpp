@@ -24,8 +24,8 @@ int answered(const Program& program) {
 int start(const Program& program, int argc, char** argv) {
   const std::span words(argv, static_cast<std::size_t>(argc));
   CommandLine line = command_line_read(words.subspan(words.empty() ? 0 : 1));
-  if (line.error.empty() && !program.has_parts && (line.shard || line.index_input)) {
-    line.error = "--shard and --index-input are for \"lexon\"";
+  if (line.error.empty() && !program.has_parts && (line.shard || line.index_input || !line.report_file.empty())) {
+    line.error = "--shard, --index-input and --report are for \"lexon\"";
   }
   if (line.help) {
     print_usage(program, stdout);

@@ -10,7 +10,7 @@ struct Program {
   const char* usage;    // how to call it: its name and its paths
   bool starts_without;  // also without a word on its command line
   int (*run)(const CommandLine& line, int argc, char** argv);
-  bool has_parts = false;  // takes --shard and --index-input
+  bool has_parts = false;  // takes --shard, --index-input and --report
 };
 
 // The main function of `program`. Returns the exit status: that of `run`, 0 for help and version, 2 for a wrong command

@@ -1,12 +1,16 @@
 // Whole runs, worked through the windows from the first to the last.
 #include <QApplication>
+#include <QDesktopServices>
 #include <QElapsedTimer>
 #include <QLabel>
 #include <QMessageBox>
 #include <QPushButton>
+#include <QTreeWidget>
+#include <QUrl>
 
 #include "front/gui/controls.hpp"
 #include "front/gui/main_dialog.hpp"
+#include "front/gui/summary_dialog.hpp"
 #include "gui/windows.hpp"
 #include "support/capture.hpp"
 #include "support/program.hpp"
@@ -53,7 +57,21 @@ class RunTest : public QObject {
     return line;
   }
 
+  // Presses "Render" for a run that comes to its end, and the button of its summary.
+  static void render(
+      QWidget& main, const QString& leave_by = "close", const std::function<void(QWidget&)>& look = [](QWidget&) {}) {
+    when_shown("summary_dialog", [=](QWidget& summary) {
+      look(summary);
+      press(summary, leave_by);
+    });
+    press(main, "render");
+  }
+
   std::string folder_;
+  QList<QUrl> opened_;  // by the desktop
+
+ public Q_SLOTS:
+  void open(const QUrl& url) { opened_ << url; }
 
  private Q_SLOTS:
   void initTestCase() {
@@ -61,7 +79,10 @@ class RunTest : public QObject {
     write_file(path("entries.txt"), entries());
     QCOMPARE(run_program("lexon-dict", {"build", path("entries.txt"), path("words.dic")}).exit_status, 0);
     write_file(path("rules.txt"), kRules);
+    QDesktopServices::setUrlHandler("file", this, "open");
   }
+
+  void cleanupTestCase() { QDesktopServices::unsetUrlHandler("file"); }
 
   void init() { write_file(path("output.txt"), ""); }
 
@@ -79,7 +100,7 @@ class RunTest : public QObject {
         press(setting, "ok");
       });
       press(window, "setting");
-      press(window, "render");
+      render(window);
     });
     QCOMPARE(main.run(), 0);
     QVERIFY(!main.isVisible());
@@ -95,19 +116,20 @@ class RunTest : public QObject {
     QFETCH(QString, by);
     MainDialog main(line_for(std::string(kDog) + kEndless + kCat));
     when_shown("main_dialog", [by](QWidget& window) {
-      const auto in_the_middle = [](QWidget& progress) { return text_of(progress, "number") == "2" && text_of(progress, "elapsed") == "   0.2"; };
+      const auto in_the_middle = [](QWidget& progress) { return text_of(progress, "number") == "2" && text_of(progress, "elapsed").toDouble() > 0.15; };
       const auto leave = [by](QWidget& progress) {
         QVERIFY(progress.isModal());
         QCOMPARE(progress.windowTitle(), "Rendering");
         QCOMPARE(text_of(progress, "caption"), "sentence no.");
         QCOMPARE(text_of(progress, "limit"), "0");
-        QTest::keyClick(&progress, Qt::Key_Return);  // without effect
+        QCOMPARE(text_of(progress, "sentences"), "1 of 3 sentences, 0 failed");
+        for (const Qt::Key key : {Qt::Key_Return, Qt::Key_Space}) QTest::keyClick(progress.focusWidget(), key);  // without effect
         if (by == "button") press(progress, "cancel");
         if (by == "Escape") QTest::keyClick(&progress, Qt::Key_Escape);
         if (by == "close") progress.close();
       };
       when_shown("progress_dialog", leave, in_the_middle);
-      press(window, "render");
+      render(window);
     });
     QCOMPARE(main.run(), 130);
     QCOMPARE(output(), std::string(kDogOutput) + "[S:2]\n;;Cancelled!\n");
@@ -117,9 +139,32 @@ class RunTest : public QObject {
     CommandLine line = line_for(std::string(kDog) + kEndless + kCat);
     line.settings.max_time_per_sentence = 1;
     MainDialog main(line);
-    when_shown("main_dialog", [](QWidget& window) { press(window, "render"); });
+    when_shown("main_dialog", [](QWidget& window) { render(window); });
     QCOMPARE(main.run(), 3);
     QCOMPARE(output(), std::string(kDogOutput) + "[S:2]\n;;Time Over!\n" + kCatOutput);
+  }
+
+  void a_summary_tells_what_was_lost_and_starts_again() {
+    CommandLine line = line_for(std::string(kDog) + "[S:7]\n[W]\nemu.@entry\n[/W]\n[/S]\n[S:8]\n[W]\ncat.@entry\n[/W]\n");
+    line.settings.start_sentence = 2;
+    MainDialog main(line);
+    when_shown("main_dialog", [this](QWidget& window) {
+      render(window, "again", [this](QWidget& summary) {
+        QCOMPARE(text_of(summary, "counts").section(';', 0, 0), "1 done, 1 failed, 1 unclosed, in line 11");
+        QCOMPARE(text_of(summary, "output"), to_text(path("output.txt")));
+        const auto& lost = control<QTreeWidget>(summary, "failures");
+        QCOMPARE(lost.topLevelItemCount(), 1);
+        const QTreeWidgetItem& row = *lost.topLevelItem(0);
+        QCOMPARE(row.text(0) + row.text(1) + row.text(2), "2[S:7]failed");
+        QVERIFY2(text_of(summary, "detail").contains("Not in the dictionary: emu."), qPrintable(text_of(summary, "detail")));
+        const auto& dialog = dynamic_cast<const SummaryDialog&>(summary);
+        QVERIFY(dialog.page_words(0, "p.html").join(' ').contains("-o p.html -s [S:7] "));
+        press(summary, "open_output");
+      });
+    });
+    QCOMPARE(main.run(), 3);
+    QCOMPARE(opened_, {QUrl::fromLocalFile(to_text(path("output.txt")))});
+    QCOMPARE(main.words_for_again().front(), path("words.dic"));
   }
 
   void a_missing_dictionary_is_told_and_mended() {
@@ -141,7 +186,7 @@ class RunTest : public QObject {
         press(setting, "ok");
       });
       press(window, "setting");
-      press(window, "render");
+      render(window);
     });
     QCOMPARE(main.run(), 0);
     QCOMPARE(output(), kDogOutput);
@@ -160,7 +205,7 @@ class RunTest : public QObject {
       QVERIFY(main.isVisible());
       QCOMPARE(output(), "");
       answer(QMessageBox::Yes);
-      press(window, "render");
+      render(window);
     });
     QCOMPARE(main.run(), 0);
     QCOMPARE(output(), kDogOutput);
@@ -171,26 +216,6 @@ class RunTest : public QObject {
     const ProgramResult result = run_program("lexon-gui", {path("words.dic"), path("rules.txt"), path("input.txt"), path("output.txt"), "-Go", "-L0", "-N0"});
     QCOMPARE(result.exit_status, 0);
     QCOMPARE(output(), std::string(kDogOutput) + kCatOutput);
-  }
-
-  void go_comes_up_minimised_data() {
-    QTest::addColumn<bool>("show_progress");
-    QTest::newRow("all") << false;
-    QTest::newRow("but the progress") << true;
-  }
-
-  void go_comes_up_minimised() {
-    QFETCH(bool, show_progress);
-    CommandLine line = line_for(kEndless);
-    line.settings.run_at_once = true;
-    line.settings.show_progress = show_progress;
-    MainDialog main(line);
-    when_shown("progress_dialog", [&main, show_progress](QWidget& progress) {
-      QVERIFY(main.isMinimized());
-      QCOMPARE(progress.isMinimized(), !show_progress);
-      press(progress, "cancel");
-    });
-    QCOMPARE(main.run(), 130);
   }
 
   void go_that_cannot_start_ends_behind_its_message() {
@@ -207,7 +232,7 @@ class RunTest : public QObject {
     std::string input;
     for (int i = 0; i < 2000; ++i) input += kDog;
     MainDialog main(line_for(input));
-    when_shown("main_dialog", [](QWidget& window) { press(window, "render"); });
+    when_shown("main_dialog", [](QWidget& window) { render(window); });
     QElapsedTimer time;
     time.start();
     QCOMPARE(main.run(), 0);
@@ -221,27 +246,24 @@ class RunTest : public QObject {
     MainDialog main(line_for(input));
     when_shown("main_dialog", [](QWidget& window) {
       when_shown("progress_dialog", [](QWidget& progress) { press(progress, "cancel"); });
-      press(window, "render");
+      render(window);
     });
     QCOMPARE(main.run(), 130);
     QVERIFY(output().ends_with(";;Cancelled!\n"));
   }
 
-  void the_program_without_windows_data() {
-    QTest::addColumn<QString>("word");
-    QTest::addColumn<int>("status");
-    QTest::addColumn<QString>("said");
-    QTest::newRow("help") << "--help" << 0 << "usage: lexon-gui";
-    QTest::newRow("version") << "--version" << 0 << "lexon-gui ";
-    QTest::newRow("a fifth bare word") << "word" << 2 << "lexon-gui: not a switch: word\nusage: lexon-gui";
-  }
-
   void the_program_without_windows() {
-    QFETCH(QString, word);
-    QFETCH(QString, said);
-    const ProgramResult result = run_program("lexon-gui", {"a", "b", "c", "d", word.toStdString()});
-    QTEST(result.exit_status, "status");
-    QVERIFY2((result.out + result.error).starts_with(said.toStdString()), (result.out + result.error).c_str());
+    struct Row {
+      const char* word;
+      int status;
+      const char* said;
+    };
+    const Row rows[] = {{"--help", 0, "usage: lexon-gui"}, {"--version", 0, "lexon-gui "}, {"word", 2, "lexon-gui: not a switch: word\nusage: lexon-gui"}};
+    for (const Row& row : rows) {
+      const ProgramResult result = run_program("lexon-gui", {"a", "b", "c", "d", row.word});
+      QCOMPARE(result.exit_status, row.status);
+      QVERIFY2((result.out + result.error).starts_with(row.said), (result.out + result.error).c_str());
+    }
   }
 };
 

@@ -16,11 +16,11 @@ constexpr int kIconLines = 4;
 
 AboutDialog::AboutDialog(QWidget* parent) : QDialog(parent) {
   setObjectName("about_dialog");
-  setWindowTitle("About Lexon");
+  setWindowTitle(tr("About Lexon"));
   auto* icon = new Picture(":/lexon/lexon.svg", kIconLines, this);
   icon->setObjectName("icon");
   auto* box = new QDialogButtonBox(this);
-  QPushButton* ok = make_button("ok", "OK", box);
+  QPushButton* ok = make_button("ok", tr("OK"), box);
   box->addButton(ok, QDialogButtonBox::AcceptRole);
   connect(box, &QDialogButtonBox::accepted, this, &AboutDialog::accept);
 
@@ -30,7 +30,7 @@ AboutDialog::AboutDialog(QWidget* parent) : QDialog(parent) {
   grid->setHorizontalSpacing(gap);
   grid->addWidget(icon, 0, 0, 2, 1);
   grid->addWidget(make_label("name", "Lexon " LEXON_VERSION, this), 0, 1, Qt::AlignBottom);
-  grid->addWidget(make_label("purpose", "A rule-driven natural-language generator", this), 1, 1, Qt::AlignTop);
+  grid->addWidget(make_label("purpose", tr("A rule-driven natural-language generator"), this), 1, 1, Qt::AlignTop);
   grid->setRowMinimumHeight(2, gap / 2);
   grid->addWidget(box, 3, 0, 1, 2);
   grid->setSizeConstraint(QLayout::SetFixedSize);

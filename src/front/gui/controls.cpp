@@ -1,8 +1,18 @@
 #include "front/gui/controls.hpp"
 
+#include <QCoreApplication>
+#include <QDesktopServices>
+#include <QDialog>
 #include <QFile>
+#include <QFileInfo>
 #include <QLabel>
+#include <QLibraryInfo>
+#include <QLocale>
+#include <QMessageBox>
 #include <QPushButton>
+#include <QScreen>
+#include <QTranslator>
+#include <QUrl>
 
 // The macro declares a function outside of all namespaces.
 static void resources_init() {
@@ -26,6 +36,64 @@ QPushButton* make_button(const char* role, const QString& text, QWidget* parent)
 
 void resources_load() {
   resources_init();
+}
+
+// Ours lie where the program was installed, or in the folder that it was built in.
+void translations_load() {
+  const QString here = QCoreApplication::applicationDirPath();
+  const std::pair<const char*, QString> places[] = {
+      {"qtbase", QLibraryInfo::path(QLibraryInfo::TranslationsPath)},
+      {"lexon-gui", here + "/../translations"},
+      {"lexon-gui", here + "/../share/lexon/translations"},
+  };
+  for (const auto& [name, folder] : places) {
+    auto* translator = new QTranslator(qApp);
+    if (translator->load(QLocale(), name, "_", folder)) QCoreApplication::installTranslator(translator);
+  }
+}
+
+// A dialog that looks for its own place when it is first shown forgets on the way that it is minimised: it gets its
+// place beforehand.
+void show_minimised(QDialog& dialog) {
+  if (!dialog.testAttribute(Qt::WA_Moved)) {
+    dialog.adjustSize();
+    QRect place = dialog.rect();
+    place.moveCenter(dialog.screen()->availableGeometry().center());
+    dialog.move(place.topLeft());
+  }
+  dialog.showMinimized();
+}
+
+void open_for_user(const QUrl& url, QWidget* parent) {
+  if (QDesktopServices::openUrl(url)) return;
+  const QString place = url.isLocalFile() ? url.toLocalFile() : url.toString();
+  QMessageBox box(
+      QMessageBox::Warning, "Lexon",
+      QCoreApplication::translate("lexon", "%1 cannot be opened: the desktop has no program for it.").arg(place),
+      QMessageBox::Ok, parent);
+  box.setObjectName("cannot_open");
+  box.setTextFormat(Qt::PlainText);
+  box.exec();
+}
+
+void open_file(const QString& path, QWidget* parent) {
+  open_for_user(QUrl::fromLocalFile(QFileInfo(path).absoluteFilePath()), parent);
+}
+
+// Beside the program as it is installed, or in the folder that it was built in.
+void open_manual(QWidget* parent) {
+  const QString here = QCoreApplication::applicationDirPath();
+  for (const char* place : {"/../share/doc/lexon/html/dialogs.html", "/../share/doc/lexon/manual/dialogs.md",
+                            "/../../docs/dialogs.html", "/../../../docs/dialogs.md"}) {
+    const QFileInfo page(here + place);
+    if (page.isFile()) return open_file(page.canonicalFilePath(), parent);
+  }
+  QMessageBox box(
+      QMessageBox::Information, "Lexon",
+      QCoreApplication::translate("lexon", "The manual is not installed. On Debian it is in the package lexon-doc."),
+      QMessageBox::Ok, parent);
+  box.setObjectName("cannot_open");
+  box.exec();
 }
 
 QIcon program_icon() {

@@ -2,6 +2,7 @@
 
 #include <QMessageBox>
 
+#include <algorithm>
 #include <utility>
 
 #include "front/gui/controls.hpp"
@@ -13,8 +14,6 @@
 namespace lexon {
 
 namespace {
-
-constexpr std::size_t kShownNotes = 20;  // in one box
 
 int show_box(const char* role, QMessageBox::Icon icon, const std::string& text, QMessageBox::StandardButtons buttons,
              QWidget* parent) {
@@ -32,11 +31,9 @@ std::string with_reason(const std::string& text, const std::string& reason) {
 }  // namespace
 
 DialogHost::DialogHost(MainDialog& main, bool yes)
-    : main_(main),
-      yes_(yes),
-      progress_(main.settings().max_time_per_sentence, main.settings().run_at_once && !main.settings().show_progress,
-                main.settings().run_at_once ? nullptr : &main) {
+    : main_(main), yes_(yes), progress_(main.settings(), main.settings().run_at_once ? nullptr : &main) {
   outcome_.strict = main.settings().strict;
+  time_.start();
 }
 
 // A minimised window hides all that stands on it.
@@ -62,7 +59,17 @@ void DialogHost::note(const Note& note) {
 }
 
 void DialogHost::minimise() {
-  main_.showMinimized();
+  show_minimised(main_);
+}
+
+// Nobody looks at a summary of a run that started by itself.
+bool DialogHost::wants_reports() const {
+  return !main_.settings().run_at_once;
+}
+
+void DialogHost::report(const SentenceReport& sentence) {
+  const std::int64_t number = std::max(main_.settings().start_sentence, 1) + reported_++;
+  if (sentence.status != "done" && lost_.size() < kKeptSentences) lost_.push_back({number, sentence});
 }
 
 StepResult DialogHost::run_step(RunContext& context, Step& step) {
@@ -76,20 +83,25 @@ void DialogHost::finish(RunContext& context) {
   if (cancel_was_signalled()) outcome_.cancelled = true;
   progress_.hide();
   for (std::string& note : outcome_.finish(context)) notes_.push_back(std::move(note));
-  show_notes(notes_);
-  main_.end_run(outcome_);
+  for (const std::string& note : notes_) tell_line("lexon-gui: " + note);
+  const bool wants_again = show_summary(context);
+  main_.end_run(outcome_, wants_again);
 }
 
-// Nobody waits for a box behind a run that started by itself.
-void DialogHost::show_notes(const std::vector<std::string>& notes) {
-  std::string text;
-  for (std::size_t i = 0; i < notes.size(); ++i) {
-    tell_line("lexon-gui: " + notes[i]);
-    if (i < kShownNotes) text += (text.empty() ? "" : "\n") + notes[i];
-  }
-  if (notes.size() > kShownNotes) text += "\n... " + std::to_string(notes.size() - kShownNotes) + " more";
-  if (text.empty() || main_.settings().run_at_once) return;
-  show_box("notes", QMessageBox::Warning, text, QMessageBox::Ok, window_to_stand_on());
+// True if the user wants a new start with the same settings.
+bool DialogHost::show_summary(const RunContext& context) {
+  if (outcome_.could_not_start || main_.settings().run_at_once) return false;
+  RunSummary summary;
+  summary.settings = main_.settings();
+  summary.outcome = outcome_;
+  summary.lost = std::move(lost_);
+  summary.seconds = static_cast<double>(time_.elapsed()) / 1000.0;
+  summary.first = std::max(main_.settings().start_sentence, 1);
+  summary.unclosed_at = context.input_notes.unclosed.number;
+  for (const std::string& note : notes_) summary.notes << to_text(note);
+  SummaryDialog dialog(summary, window_to_stand_on());
+  dialog.exec();
+  return dialog.wants_again();
 }
 
 }  // namespace lexon

@@ -1,7 +1,10 @@
 // What a run needs of its front end, by windows.
 #pragma once
 
+#include <QElapsedTimer>
+
 #include "front/gui/progress_dialog.hpp"
+#include "front/gui/summary_dialog.hpp"
 #include "front/outcome.hpp"
 
 namespace lexon {
@@ -17,6 +20,8 @@ class DialogHost final : public Host {
   bool ask_yes_no(const std::string& text, const std::string& reason) override;
   void note(const Note& note) override;
   void minimise() override;
+  [[nodiscard]] bool wants_reports() const override;
+  void report(const SentenceReport& sentence) override;
   StepResult run_step(RunContext& context, Step& step) override;
   void finish(RunContext& context) override;
 
@@ -24,13 +29,16 @@ class DialogHost final : public Host {
 
  private:
   [[nodiscard]] QWidget* window_to_stand_on() const;
-  void show_notes(const std::vector<std::string>& notes);
+  [[nodiscard]] bool show_summary(const RunContext& context);
 
   MainDialog& main_;
   bool yes_;
   ProgressDialog progress_;
   Outcome outcome_;
   std::vector<std::string> notes_;
+  QElapsedTimer time_;
+  std::int64_t reported_ = 0;       // sentences
+  std::vector<LostSentence> lost_;  // the first of them
 };
 
 }  // namespace lexon

@@ -4,9 +4,13 @@
 #include <clocale>
 #include <cstdio>
 #include <cstdlib>
+#include <span>
+#include <string_view>
 
 #include "front/gui/controls.hpp"
 #include "front/gui/main_dialog.hpp"
+#include "front/gui/opening.hpp"
+#include "front/process.hpp"
 #include "front/program.hpp"
 
 namespace {
@@ -36,13 +40,30 @@ int run_windows(const lexon::CommandLine& line, int argc, char** argv) {
   QApplication::setDesktopFileName("lexon-gui");
   QApplication::setQuitOnLastWindowClosed(false);
   lexon::resources_load();
+  lexon::translations_load();
   QApplication::setWindowIcon(lexon::program_icon());
-  return lexon::MainDialog(line).run();
+  lexon::MainDialog main(line);
+  const int status = main.run();
+  if (!main.words_for_again().empty()) {
+    const std::string program = lexon::to_path(QApplication::applicationFilePath());
+    if (!lexon::start_program(program, main.words_for_again())) {
+      lexon::tell_line("lexon-gui: " + program + " cannot be started again");
+    }
+  }
+  return status;
+}
+
+// "--open FILE...": what a file manager calls.
+int open_files(int argc, char** argv) {
+  lexon::process_begin();
+  const std::span words(argv, static_cast<std::size_t>(argc));
+  return run_windows(lexon::line_of_files(words.subspan(2)), argc, argv);
 }
 
 }  // namespace
 
 int main(int argc, char** argv) {
+  if (argc > 1 && std::string_view(argv[1]) == "--open") return open_files(argc, argv);
   return lexon::program_main({.name = "lexon-gui",
                               .usage = "lexon-gui [DICTIONARY [RULES [INPUT [OUTPUT]]]]",
                               .starts_without = true,

@@ -9,8 +9,11 @@
 #include "front/gui/about_dialog.hpp"
 #include "front/gui/controls.hpp"
 #include "front/gui/dialog_host.hpp"
+#include "front/gui/opening.hpp"
 #include "front/gui/picture.hpp"
+#include "front/gui/recent.hpp"
 #include "front/gui/setting_dialog.hpp"
+#include "front/process.hpp"
 #include "front/signals.hpp"
 #include "run/driver.hpp"
 #include "run/output_check.hpp"
@@ -36,10 +39,17 @@ QLabel* make_title(QWidget* parent) {
 MainDialog::MainDialog(const CommandLine& line)
     : settings_(line.settings),
       yes_(line.yes),
-      render_(make_button("render", "&Render", this)),
-      cancel_(make_button("cancel", "&Cancel", this)),
-      setting_(make_button("setting", "&Setting", this)) {
+      render_(make_button("render", tr("&Render"), this)),
+      setting_(make_button("setting", tr("&Setting"), this)),
+      cancel_(make_button("cancel", tr("&Cancel"), this)),
+      notice_(make_label("notice", {}, this)) {
   settings_.jobs = line.jobs.value_or(0);
+  for (const auto* notes : {&line.notes, &line.path_faults}) {
+    for (const std::string& note : *notes) {
+      tell_line("lexon-gui: " + note);
+      notes_ << to_text(note);
+    }
+  }
   setObjectName("main_dialog");
   setWindowTitle("Lexon");
   setWindowIcon(program_icon());
@@ -47,6 +57,7 @@ MainDialog::MainDialog(const CommandLine& line)
                  Qt::WindowCloseButtonHint);
   make_layout();
   make_actions();
+  show_state();
 }
 
 void MainDialog::make_layout() {
@@ -64,26 +75,44 @@ void MainDialog::make_layout() {
   whole->addWidget(picture);
   whole->addSpacing(gap / 2);
   whole->addWidget(make_title(this));
-  whole->addWidget(make_label("notice",
-                              "A rule-driven natural-language generator\n"
-                              "Name the files under Setting, then press Render.",
-                              this));
+  notice_->setWordWrap(true);
+  notice_->setFixedWidth(picture->sizeHint().width());
+  whole->addWidget(notice_);
   whole->addSpacing(gap / 2);
   whole->addLayout(buttons);
   whole->setSizeConstraint(QLayout::SetFixedSize);
 }
 
-// The system menu cannot be extended on every platform: the entry stands in the context menu, and under F1.
+// Tells what is still to be named, and has the focus where the user goes on.
+void MainDialog::show_state() {
+  const QStringList empty = SettingDialog::empty_fields(settings_);
+  QStringList lines{tr("A rule-driven natural-language generator")};
+  if (empty.isEmpty()) {
+    lines << tr("Press Render to start.");
+  } else {
+    lines << tr("Name the files under Setting, then press Render.") << tr("Not named yet: %1").arg(empty.join(", "));
+  }
+  notice_->setText((lines + notes_).join('\n'));
+  (empty.isEmpty() ? render_ : setting_)->setFocus();
+}
+
+// The system menu cannot be extended on every platform: the entry stands in the context menu.
 void MainDialog::make_actions() {
   render_->setDefault(true);
   connect(render_, &QPushButton::clicked, this, &MainDialog::render);
   connect(setting_, &QPushButton::clicked, this, &MainDialog::open_setting);
   connect(cancel_, &QPushButton::clicked, this, &MainDialog::reject);
-  auto* about = new QAction("&About Lexon...", this);
+  render_->setToolTip(tr("Starts the run"));
+  setting_->setToolTip(tr("Names the files of the run, and how many sentences"));
+  cancel_->setToolTip(tr("Ends the program without a run"));
+  auto* about = new QAction(tr("&About Lexon..."), this);
   about->setObjectName("about");
-  about->setShortcut(QKeySequence(Qt::Key_F1));
   connect(about, &QAction::triggered, this, &MainDialog::open_about);
-  addAction(about);
+  auto* help = new QAction(tr("&Manual"), this);
+  help->setObjectName("help");
+  help->setShortcut(QKeySequence(QKeySequence::HelpContents));
+  connect(help, &QAction::triggered, this, [this] { open_manual(this); });
+  addActions({about, help});
   setContextMenuPolicy(Qt::ActionsContextMenu);
 }
 
@@ -102,9 +131,11 @@ void MainDialog::render() {
   if (output_conflict(settings_).empty()) own_output_ = settings_.output_file;
   run_driver(settings_, host);
   leave_signals_alone();
+  if (!settings_.run_at_once && !host.outcome().could_not_start) remember_project(settings_);
 }
 
-void MainDialog::end_run(const Outcome& outcome) {
+void MainDialog::end_run(const Outcome& outcome, bool wants_again) {
+  if (wants_again) words_for_again_ = words_of(settings_, yes_);
   exit_status_ = outcome.exit_status();
   if (!outcome.could_not_start || settings_.run_at_once) return accept();
   exit_status_ = 0;
@@ -115,7 +146,9 @@ void MainDialog::open_setting() {
   SettingDialog dialog(settings_, this);
   dialog.may_overwrite(own_output_);
   if (yes_) dialog.ask_nothing();
-  if (dialog.exec() == QDialog::Accepted) settings_ = dialog.fields();
+  if (dialog.exec() != QDialog::Accepted) return;
+  settings_ = dialog.fields();
+  show_state();
 }
 
 void MainDialog::open_about() {

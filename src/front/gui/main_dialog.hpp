@@ -6,6 +6,7 @@
 #include "front/command_line.hpp"
 #include "front/outcome.hpp"
 
+class QLabel;
 class QPushButton;
 
 namespace lexon {
@@ -27,20 +28,27 @@ class MainDialog : public QDialog {
   void open_about();
 
   // Behind a run the dialog ends. One that could not start leaves the dialog to the user, who mends the settings,
-  // unless there is no user.
-  void end_run(const Outcome& outcome);
+  // unless there is no user. `wants_again`: the user wants a new start with the same settings.
+  void end_run(const Outcome& outcome, bool wants_again);
+
+  // The words of the command line for a new start; empty if nobody wants one.
+  [[nodiscard]] const std::vector<std::string>& words_for_again() const { return words_for_again_; }
 
  private:
   void make_layout();
   void make_actions();
+  void show_state();
 
   RunSettings settings_;
   std::string own_output_;  // what the last run of this dialog wrote
   bool yes_;
+  QStringList notes_;  // of the command line
+  std::vector<std::string> words_for_again_;
   int exit_status_ = 0;
   QPushButton* render_;
-  QPushButton* cancel_;
   QPushButton* setting_;
+  QPushButton* cancel_;
+  QLabel* notice_;
 };
 
 }  // namespace lexon

@@ -31,20 +31,24 @@ QString plain_tip(const QString& text) {
 
 }  // namespace
 
-PathEdit::PathEdit(const QString& role, PathUse use, QWidget* parent) : QLineEdit(parent), use_(use) {
+PathEdit::PathEdit(const QString& role, PathUse use, const QString& help, QWidget* parent)
+    : QLineEdit(parent), use_(use), help_(help) {
   setObjectName(role);
   mark_ = addAction(style()->standardIcon(QStyle::SP_MessageBoxWarning), QLineEdit::TrailingPosition);
   mark_->setObjectName(role + "_mark");
+  mark_->setText(tr("Something is wrong with this path"));  // for who does not see it
   mark_->setVisible(false);
   connect(this, &QLineEdit::textChanged, this, &PathEdit::look_again);
+  setWhatsThis(help_);
+  look_again();
 }
 
 QString PathEdit::fault() const {
   if (text().isEmpty()) return {};
   const QFileInfo file(text());
-  if (file.isDir()) return "This is a folder.";
-  if (use_ == PathUse::read && !file.exists()) return "There is no such file.";
-  if (use_ == PathUse::write && !QFileInfo(file.path()).isDir()) return "There is no such folder.";
+  if (file.isDir()) return tr("This is a folder.");
+  if (use_ == PathUse::read && !file.exists()) return tr("There is no such file.");
+  if (use_ == PathUse::write && !QFileInfo(file.path()).isDir()) return tr("There is no such folder.");
   return conflict_;
 }
 
@@ -58,8 +62,10 @@ void PathEdit::look_again() {
   const QString found = fault();
   mark_->setVisible(!found.isEmpty());
   mark_->setToolTip(found);
-  setToolTip(plain_tip(found.isEmpty() ? text() : text() + "\n" + found));
-  setAccessibleDescription(found);
+  QStringList lines{text(), found, help_};
+  lines.removeAll(QString());
+  setToolTip(plain_tip(lines.join('\n')));
+  setAccessibleDescription(found.isEmpty() ? help_ : found);
 }
 
 // Beside the mark.

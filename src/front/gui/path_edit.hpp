@@ -15,8 +15,8 @@ class PathEdit : public QLineEdit {
   Q_OBJECT
 
  public:
-  // `role` is the object name; the mark is the action `role`_mark.
-  PathEdit(const QString& role, PathUse use, QWidget* parent);
+  // `role` is the object name; the mark is the action `role`_mark. `help` says what the file is.
+  PathEdit(const QString& role, PathUse use, const QString& help, QWidget* parent);
 
   // What is wrong with the path as it stands; empty if nothing is, or no path stands there.
   [[nodiscard]] QString fault() const;
@@ -39,6 +39,7 @@ class PathEdit : public QLineEdit {
   [[nodiscard]] QRect text_place() const;
 
   PathUse use_;
+  QString help_;
   QString conflict_;
   QAction* mark_;
 };

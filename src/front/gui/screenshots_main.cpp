@@ -1,12 +1,13 @@
 // Makes the pictures of the manual: every dialog, with the settings of an example, in a plain frame.
 //
-//   lexon-screenshots FOLDER
+//   lexon-screenshots FOLDER [LOCALE [dark]]
 #include <QApplication>
 #include <QDir>
 #include <QFile>
 #include <QHash>
 #include <QPainter>
 #include <QPainterPath>
+#include <QPushButton>
 #include <QStyleFactory>
 #include <QTemporaryDir>
 
@@ -19,6 +20,7 @@
 #include "front/gui/main_dialog.hpp"
 #include "front/gui/progress_dialog.hpp"
 #include "front/gui/setting_dialog.hpp"
+#include "front/gui/summary_dialog.hpp"
 
 namespace {
 
@@ -95,29 +97,63 @@ lexon::CommandLine example_line() {
   return line;
 }
 
+lexon::SentenceReport example_failure() {
+  lexon::SentenceReport report;
+  report.label = "[S:17]";
+  report.status = "failed";
+  report.milliseconds = 3.2;
+  report.steps = 214;
+  report.steps_back = 203;
+  report.unknown_words = {"emu(>animal)"};
+  report.unused_relations = {"mod(emu(>animal), tall)"};
+  return report;
+}
+
+QPalette dark_palette() {
+  QPalette palette(QColor(0x30, 0x32, 0x36), QColor(0x2a, 0x2c, 0x30));
+  palette.setColor(QPalette::Base, QColor(0x1d, 0x1f, 0x22));
+  palette.setColor(QPalette::Highlight, QColor(0x3d, 0x7e, 0xc2));
+  return palette;
+}
+
 bool save_all(const QDir& folder) {
   lexon::MainDialog main(example_line());
   lexon::SettingDialog setting(main.settings(), nullptr);
-  lexon::ProgressDialog progress(main.settings().max_time_per_sentence, false, nullptr);
+  lexon::ProgressDialog progress(main.settings(), nullptr);
   progress.show_step("sentence no.", 17);
-  progress.show_elapsed(3.4);
+  progress.show_elapsed(0.4);
+  progress.show_progress({.closed = 16, .all = 64, .lost = 1, .seconds = 12.5});
+  lexon::RunSummary run;
+  run.settings = main.settings();
+  run.outcome.done = 63;
+  run.outcome.failed = 1;
+  run.seconds = 0.4;
+  run.lost = {{.number = 17, .report = example_failure()}};
+  lexon::SummaryDialog summary(run, nullptr);
+  auto* page = summary.findChild<QPushButton*>("open_page");
+  page->setEnabled(true);
+  page->show();
   lexon::AboutDialog about(nullptr);
   return save(main, folder, "main.png") && save(setting, folder, "setting.png") &&
-         save(progress, folder, "progress.png") && save(about, folder, "about.png");
+         save(progress, folder, "progress.png") && save(summary, folder, "summary.png") &&
+         save(about, folder, "about.png");
 }
 
 }  // namespace
 
 int main(int argc, char** argv) {
-  if (argc != 2) {
-    std::fprintf(stderr, "usage: lexon-screenshots FOLDER\n");
+  if (argc < 2 || argc > 4) {
+    std::fprintf(stderr, "usage: lexon-screenshots FOLDER [LOCALE [dark]]\n");
     return 2;
   }
   qputenv("QT_QPA_PLATFORM", "offscreen");
   qputenv("QT_SCALE_FACTOR", QByteArray::number(kDensity));
   const QApplication application(argc, argv);
   QApplication::setStyle(QStyleFactory::create("Fusion"));
+  if (argc > 3) QApplication::setPalette(dark_palette());
+  QLocale::setDefault(QLocale(argc > 2 ? argv[2] : "C"));
   lexon::resources_load();
+  lexon::translations_load();
   const QDir folder(QFileInfo(argv[1]).absoluteFilePath());
   const QTemporaryDir example;
   if (!QDir().mkpath(folder.path()) || !QDir::setCurrent(example.path())) return 1;

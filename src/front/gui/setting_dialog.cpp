@@ -2,21 +2,27 @@
 // goes into the fields at once; the numbers follow with the next of these, or with OK.
 #include "front/gui/setting_dialog.hpp"
 
+#include <QAction>
 #include <QCheckBox>
 #include <QComboBox>
 #include <QDialogButtonBox>
 #include <QDir>
 #include <QFileDialog>
 #include <QGridLayout>
+#include <QHeaderView>
 #include <QIntValidator>
 #include <QLabel>
+#include <QLineEdit>
+#include <QMenu>
 #include <QMessageBox>
 #include <QPushButton>
+#include <QTreeView>
 #include <QVBoxLayout>
 
 #include "front/gui/controls.hpp"
 #include "front/gui/number_edit.hpp"
 #include "front/gui/path_edit.hpp"
+#include "front/gui/recent.hpp"
 #include "run/output_check.hpp"
 
 namespace lexon {
@@ -26,48 +32,94 @@ namespace {
 struct PathRow {
   const char* role;
   const char* label;
+  const char* help;
   PathUse use;
   bool enabled;
+  bool is_needed;       // by every run
   const char* filters;  // as the user sees them; a line for each
   std::string RunSettings::*field;
 };
 
-constexpr int kColumns = 90;  // of text, across the dialog
+constexpr int kColumns = 90;       // of text, across the dialog
+constexpr int kFileColumns = 110;  // across a file dialog
 
-constexpr const char* kDictionaryFilters = "Dictionary Files (*.dic)\nAll Files (*.*)";
+constexpr const char* kDictionaryFilters =
+    QT_TRANSLATE_NOOP("lexon::SettingDialog", "Dictionary Files (*.dic)\nAll Files (*.*)");
+constexpr const char* kRuleFilters =
+    QT_TRANSLATE_NOOP("lexon::SettingDialog", "Rule Files (*.rul;*.txt)\nAll Files (*.*)\nGrammar Sources (*.lxr)");
+constexpr const char* kInputFilters = QT_TRANSLATE_NOOP("lexon::SettingDialog", "Text Files (*.txt)\nAll Files (*.*)");
+constexpr const char* kOutputFilters =
+    QT_TRANSLATE_NOOP("lexon::SettingDialog", "Text Files (*.txt; *.trc)\nAll Files (*.*)");
 
 constexpr std::array<PathRow, kPathFields> kPathRows{{
-    {"dictionary_file", "&W Dictionary", PathUse::read, true, kDictionaryFilters, &RunSettings::dictionary_file},
-    {"cr_dictionary_file", "C&R Dictionary", PathUse::read, true, kDictionaryFilters, &RunSettings::cr_dictionary_file},
-    {"kb_dictionary_file", "&KB Dictionary", PathUse::read, false, kDictionaryFilters,
+    {"dictionary_file", QT_TRANSLATE_NOOP("lexon::SettingDialog", "&W Dictionary"),
+     QT_TRANSLATE_NOOP("lexon::SettingDialog",
+                       "The word dictionary: the words of the language. lexon-dict build makes it; its index lies in "
+                       "the same folder."),
+     PathUse::read, true, true, kDictionaryFilters, &RunSettings::dictionary_file},
+    {"cr_dictionary_file", QT_TRANSLATE_NOOP("lexon::SettingDialog", "C&R Dictionary"),
+     QT_TRANSLATE_NOOP("lexon::SettingDialog",
+                       "The co-occurrence dictionary: which words go with which. A run without one leaves this empty."),
+     PathUse::read, true, false, kDictionaryFilters, &RunSettings::cr_dictionary_file},
+    {"kb_dictionary_file", QT_TRANSLATE_NOOP("lexon::SettingDialog", "&KB Dictionary"),
+     QT_TRANSLATE_NOOP("lexon::SettingDialog", "Not in use."), PathUse::read, false, false, kDictionaryFilters,
      &RunSettings::kb_dictionary_file},
-    {"rule_file", "R&ules", PathUse::read, true, "Rule Files (*.rul;*.txt)\nAll Files (*.*)", &RunSettings::rule_file},
-    {"input_file", "&Input File", PathUse::read, true, "Text Files (*.txt)\nAll Files (*.*)", &RunSettings::input_file},
-    {"output_file", "&Output File", PathUse::write, true, "Text Files (*.txt; *.trc)\nAll Files (*.*)",
-     &RunSettings::output_file},
+    {"rule_file", QT_TRANSLATE_NOOP("lexon::SettingDialog", "R&ules"),
+     QT_TRANSLATE_NOOP("lexon::SettingDialog",
+                       "The rules, as text, as a grammar source (.lxr) or compiled (.rul). Compiled files are written "
+                       "beside the text."),
+     PathUse::read, true, true, kRuleFilters, &RunSettings::rule_file},
+    {"input_file", QT_TRANSLATE_NOOP("lexon::SettingDialog", "&Input File"),
+     QT_TRANSLATE_NOOP("lexon::SettingDialog", "The graphs that sentences are made of."), PathUse::read, true, true,
+     kInputFilters, &RunSettings::input_file},
+    {"output_file", QT_TRANSLATE_NOOP("lexon::SettingDialog", "&Output File"),
+     QT_TRANSLATE_NOOP(
+         "lexon::SettingDialog",
+         "What the run writes: sentences, messages and the trace. A file that is there is emptied first."),
+     PathUse::write, true, true, kOutputFilters, &RunSettings::output_file},
 }};
 
 struct NumberRow {
   const char* role;
   const char* label;
   const char* note;
+  const char* help;
   int first;  // of the arrows
   int last;
   std::int32_t RunSettings::*field;
 };
 
 constexpr std::array<NumberRow, kNumberFields> kNumberRows{{
-    {"start_sentence", "&Start Number of Sentence", "", 1, 100, &RunSettings::start_sentence},
-    {"sentence_count", "&Number of Sentences", "0 : all", 0, 100, &RunSettings::sentence_count},
-    {"max_time_per_sentence", "Max &Time per Sentence", "seconds, 0 : limitless", 0, 100,
-     &RunSettings::max_time_per_sentence},
+    {"start_sentence", QT_TRANSLATE_NOOP("lexon::SettingDialog", "&Start Number of Sentence"), "",
+     QT_TRANSLATE_NOOP("lexon::SettingDialog",
+                       "The first sentence to render, counted from 1. The arrows go to 100; any number can be typed."),
+     1, 100, &RunSettings::start_sentence},
+    {"sentence_count", QT_TRANSLATE_NOOP("lexon::SettingDialog", "&Number of Sentences"),
+     QT_TRANSLATE_NOOP("lexon::SettingDialog", "0 : all"),
+     QT_TRANSLATE_NOOP("lexon::SettingDialog",
+                       "How many sentences; 0 is all up to the end of the input. The arrows go to 100; any number can "
+                       "be typed."),
+     0, 100, &RunSettings::sentence_count},
+    {"max_time_per_sentence", QT_TRANSLATE_NOOP("lexon::SettingDialog", "Max &Time per Sentence"),
+     QT_TRANSLATE_NOOP("lexon::SettingDialog", "seconds, 0 : limitless"),
+     QT_TRANSLATE_NOOP("lexon::SettingDialog",
+                       "A sentence that takes more seconds is given up, and the run goes on with the next; 0 is no "
+                       "limit. The arrows go to 100; any number can be typed."),
+     0, 100, &RunSettings::max_time_per_sentence},
 }};
+
+constexpr const char* kLevelHelp = QT_TRANSLATE_NOOP(
+    "lexon::SettingDialog",
+    "How much of the work is written into the output: 0 is sentences alone, 4 is all. A whole trace is large: try it "
+    "on a sentence or two.");
+constexpr const char* kConversionHelp =
+    QT_TRANSLATE_NOOP("lexon::SettingDialog", "Converts the rules, and stops before the first sentence.");
 
 // The toolkit's list of filters. It takes the pattern from the last brackets and hides these from the user. Here
 // "*.*" would hide the files without an extension.
 QStringList toolkit_filters(const char* filters) {
   QStringList list;
-  for (const QString& shown : QString(filters).split('\n')) {
+  for (const QString& shown : SettingDialog::tr(filters).split('\n')) {
     const qsizetype open = shown.lastIndexOf('(');
     QString pattern = shown.sliced(open + 1, shown.size() - open - 2);
     if (pattern == "*.*") pattern = "*";
@@ -76,28 +128,67 @@ QStringList toolkit_filters(const char* filters) {
   return list;
 }
 
+// The folder of the present file, else the one that a file was chosen in last.
 void start_from(QFileDialog& dialog, const QString& present) {
   const QFileInfo file(present);
-  dialog.setDirectory(!present.isEmpty() && file.dir().exists() ? file.dir() : QDir::current());
-  if (!present.isEmpty()) dialog.selectFile(file.fileName());
+  const QString last = last_folder();
+  dialog.setDirectory(!present.isEmpty() && file.dir().exists() ? file.dir()
+                                                                : QDir(last.isEmpty() ? QDir::currentPath() : last));
+  if (present.isEmpty()) return;
+  dialog.selectFile(file.fileName());
+  if (!file.fileName().endsWith(".lxr")) return;
+  for (const QString& filter : dialog.nameFilters()) {
+    if (filter.contains("*.lxr")) dialog.selectNameFilter(filter);
+  }
+}
+
+// The toolkit's own file dialog, where the desktop has none, cuts sizes and dates off.
+void show_whole_columns(QFileDialog& dialog) {
+  auto* list = dialog.findChild<QTreeView*>("treeView");
+  if (list == nullptr) return;
+  dialog.setViewMode(QFileDialog::Detail);
+  dialog.resize(dialog.sizeHint().expandedTo({kFileColumns * dialog.fontMetrics().averageCharWidth(), 0}));
+  list->header()->setStretchLastSection(false);
+  list->header()->setSectionResizeMode(QHeaderView::ResizeToContents);
+  list->header()->setSectionResizeMode(0, QHeaderView::Stretch);
+}
+
+// A name without an extension gets that of texts, as long as texts are what is shown.
+void have_suffix(QFileDialog& dialog) {
+  const auto take = [&dialog](const QString& filter) {
+    dialog.setDefaultSuffix(filter.contains("*.txt") ? "txt" : QString());
+  };
+  take(dialog.selectedNameFilter());
+  QObject::connect(&dialog, &QFileDialog::filterSelected, &dialog, take);
+}
+
+void explain(QWidget* control, QLabel* label, const QString& help) {
+  for (QWidget* widget : {control, static_cast<QWidget*>(label)}) {
+    if (widget == nullptr) continue;
+    widget->setToolTip(help);
+    widget->setWhatsThis(help);
+  }
+  if (control->accessibleDescription().isEmpty()) control->setAccessibleDescription(help);
 }
 
 // The label that names a control and, by its mnemonic, leads to it.
 QLabel* make_row_label(const char* text, QWidget* control) {
-  auto* label = new QLabel(text, control->parentWidget());
+  auto* label = new QLabel(SettingDialog::tr(text), control->parentWidget());
   label->setObjectName(control->objectName() + "_label");
   label->setBuddy(control);
-  control->setAccessibleName(QString(text).remove('&'));
+  control->setAccessibleName(SettingDialog::tr(text).remove('&'));
   return label;
 }
 
 // A row of a short control and a note behind it.
-void add_labelled(QGridLayout& rows, const char* label, QWidget* control, const char* note) {
+void add_labelled(QGridLayout& rows, const char* text, QWidget* control, const char* note, const char* help) {
   auto* place = new QHBoxLayout;
   place->addWidget(control);
-  place->addWidget(new QLabel(note, control->parentWidget()), 1);
+  place->addWidget(new QLabel(*note == '\0' ? QString() : SettingDialog::tr(note), control->parentWidget()), 1);
   const int row = rows.rowCount();
-  rows.addWidget(make_row_label(label, control), row, 0);
+  QLabel* label = make_row_label(text, control);
+  explain(control, label, SettingDialog::tr(help));
+  rows.addWidget(label, row, 0);
   rows.addLayout(place, row, 1);
 }
 
@@ -105,12 +196,31 @@ void add_labelled(QGridLayout& rows, const char* label, QWidget* control, const 
 
 SettingDialog::SettingDialog(const RunSettings& settings, QWidget* parent) : QDialog(parent), fields_(settings) {
   setObjectName("setting_dialog");
-  setWindowTitle("Setting");
+  setWindowTitle(tr("Setting"));
   make_layout();
   write_controls();
   for (PathEdit* path : paths_) connect(path, &QLineEdit::textEdited, this, &SettingDialog::read_controls);
   connect(trace_level_, &QComboBox::editTextChanged, this, &SettingDialog::read_controls);
+  auto* help = new QAction(this);
+  help->setShortcut(QKeySequence(QKeySequence::HelpContents));
+  connect(help, &QAction::triggered, this, [this] { open_manual(this); });
+  addAction(help);
+  focus_first_empty();
   resize(sizeHint().expandedTo({kColumns * fontMetrics().averageCharWidth(), 0}));
+}
+
+QStringList SettingDialog::empty_fields(const RunSettings& settings) {
+  QStringList labels;
+  for (const PathRow& it : kPathRows) {
+    if (it.is_needed && (settings.*it.field).empty()) labels << tr(it.label).remove('&');
+  }
+  return labels;
+}
+
+void SettingDialog::focus_first_empty() {
+  for (std::size_t i = 0; i < kPathRows.size(); ++i) {
+    if (kPathRows[i].is_needed && paths_[i]->text().isEmpty()) return paths_[i]->setFocus();
+  }
 }
 
 // Rows of a label, a control and, behind a path, its button.
@@ -126,18 +236,18 @@ void SettingDialog::make_layout() {
   add_check_row(*rows);
   rows->setRowMinimumHeight(rows->rowCount(), gap / 2);
   rows->setRowStretch(rows->rowCount() - 1, 1);
-  rows->addWidget(make_button_box(), rows->rowCount(), 0, 1, 3);
+  rows->addWidget(make_buttons(), rows->rowCount(), 0, 1, 3);
 }
 
 void SettingDialog::add_path_row(QGridLayout& rows, int row) {
   const PathRow& it = kPathRows[static_cast<std::size_t>(row)];
-  auto* path = new PathEdit(it.role, it.use, this);
+  auto* path = new PathEdit(it.role, it.use, tr(it.help), this);
   path->setEnabled(it.enabled);
   QLabel* label = make_row_label(it.label, path);
-  QPushButton* button = make_button((std::string(it.role) + "_browse").c_str(), "&Browse", this);
-  button->setAccessibleName("Browse for " + path->accessibleName());
+  label->setToolTip(tr(it.help));
+  QPushButton* button = make_button((std::string(it.role) + "_browse").c_str(), tr("&Browse"), this);
+  button->setAccessibleName(tr("Browse for %1").arg(path->accessibleName()));
   button->setEnabled(it.enabled);
-  button->setAutoDefault(false);
   connect(button, &QPushButton::clicked, this, [this, row] { browse(row); });
   paths_[static_cast<std::size_t>(row)] = path;
   rows.addWidget(label, row, 0);
@@ -150,7 +260,7 @@ void SettingDialog::add_number_row(QGridLayout& rows, int row) {
   auto* number = new NumberEdit(it.first, it.last, this);
   number->setObjectName(it.role);
   numbers_[static_cast<std::size_t>(row)] = number;
-  add_labelled(rows, it.label, number, it.note);
+  add_labelled(rows, it.label, number, it.note, it.help);
 }
 
 void SettingDialog::add_trace_row(QGridLayout& rows) {
@@ -161,26 +271,76 @@ void SettingDialog::add_trace_row(QGridLayout& rows) {
   trace_level_->setInsertPolicy(QComboBox::NoInsert);
   trace_level_->setValidator(new QIntValidator(trace_level_));
   trace_level_->setMinimumWidth(numbers_.front()->sizeHint().width());
-  add_labelled(rows, "Output Trace &Level", trace_level_, "0 : text alone");
+  add_labelled(rows, QT_TRANSLATE_NOOP("lexon::SettingDialog", "Output Trace &Level"), trace_level_,
+               QT_TRANSLATE_NOOP("lexon::SettingDialog", "0 : text alone"), kLevelHelp);
+  trace_level_->lineEdit()->setAccessibleName(trace_level_->accessibleName());
 }
 
 void SettingDialog::add_check_row(QGridLayout& rows) {
-  rules_conversion_only_ = new QCheckBox("Rules &Conversion Only", this);
+  rules_conversion_only_ = new QCheckBox(tr("Rules &Conversion Only"), this);
   rules_conversion_only_->setObjectName("rules_conversion_only");
+  explain(rules_conversion_only_, nullptr, tr(kConversionHelp));
   connect(rules_conversion_only_, &QCheckBox::clicked, this,
           [this] { fields_.rules_conversion_only = !fields_.rules_conversion_only; });
   rows.addWidget(rules_conversion_only_, rows.rowCount(), 1);
 }
 
-QWidget* SettingDialog::make_button_box() {
-  auto* box = new QDialogButtonBox(this);
-  QPushButton* ok = make_button("ok", "OK", box);
+QWidget* SettingDialog::make_buttons() {
+  auto* whole = new QWidget(this);
+  auto* row = new QHBoxLayout(whole);
+  row->setContentsMargins(0, 0, 0, 0);
+  QPushButton* projects = make_projects_button(whole);
+  QPushButton* help = make_button("help", tr("&Help"), whole);
+  auto* box = new QDialogButtonBox(whole);
+  QPushButton* ok = make_button("ok", tr("OK"), box);
+  QPushButton* cancel = make_button("cancel", tr("Cancel"), box);
   box->addButton(ok, QDialogButtonBox::AcceptRole);
-  box->addButton(make_button("cancel", "Cancel", box), QDialogButtonBox::RejectRole);
+  box->addButton(cancel, QDialogButtonBox::RejectRole);
+  row->addWidget(projects);
+  row->addWidget(help);
+  row->addStretch(1);
+  row->addWidget(box);
+  help->setToolTip(tr("Opens the manual at this dialog"));
   ok->setDefault(true);
+  connect(help, &QPushButton::clicked, this, [this] { open_manual(this); });
   connect(box, &QDialogButtonBox::accepted, this, &SettingDialog::accept);
   connect(box, &QDialogButtonBox::rejected, this, &SettingDialog::reject);
-  return box;
+  return whole;
+}
+
+QPushButton* SettingDialog::make_projects_button(QWidget* parent) {
+  QPushButton* button = make_button("projects", tr("Recent &Projects"), parent);
+  button->setToolTip(tr("Fills the fields with the settings of an earlier run"));
+  auto* menu = new QMenu(button);
+  menu->setToolTipsVisible(true);
+  fill_projects(*menu);
+  button->setMenu(menu);
+  button->setEnabled(!menu->isEmpty());
+  return button;
+}
+
+void SettingDialog::fill_projects(QMenu& menu) {
+  const QList<RunSettings> projects = recent_projects();
+  for (const RunSettings& project : projects) {
+    QAction* action = menu.addAction(project_name(project).replace('&', "&&"));
+    action->setToolTip(to_text(project.rule_file) + "\n" + to_text(project.input_file));
+    connect(action, &QAction::triggered, this, [this, project] { take_project(project); });
+  }
+  if (projects.isEmpty()) return;
+  menu.addSeparator();
+  connect(menu.addAction(tr("&Forget These")), &QAction::triggered, this, [this] {
+    forget_projects();
+    findChild<QPushButton*>("projects")->setEnabled(false);
+  });
+}
+
+// What the dialog does not show stays as it is.
+void SettingDialog::take_project(const RunSettings& project) {
+  for (const PathRow& it : kPathRows) fields_.*it.field = project.*it.field;
+  for (const NumberRow& it : kNumberRows) fields_.*it.field = project.*it.field;
+  fields_.trace_level = project.trace_level;
+  fields_.rules_conversion_only = project.rules_conversion_only;
+  write_controls();
 }
 
 // A path that still reads as it was written keeps its bytes, which need not be characters. A level that is no number
@@ -219,14 +379,17 @@ void SettingDialog::browse(int row) {
   QFileDialog dialog(this);
   dialog.setObjectName(QString(it.role) + "_dialog");
   dialog.setWindowTitle(paths_[static_cast<std::size_t>(row)]->accessibleName());
-  dialog.setOption(QFileDialog::DontUseNativeDialog);
   dialog.setOption(QFileDialog::HideNameFilterDetails);
   dialog.setAcceptMode(it.use == PathUse::read ? QFileDialog::AcceptOpen : QFileDialog::AcceptSave);
   dialog.setFileMode(it.use == PathUse::read ? QFileDialog::ExistingFile : QFileDialog::AnyFile);
   dialog.setNameFilters(toolkit_filters(it.filters));
   start_from(dialog, to_text(fields_.*it.field));
+  if (it.use == PathUse::write) have_suffix(dialog);
+  show_whole_columns(dialog);
   if (dialog.exec() != QDialog::Accepted) return;
-  fields_.*it.field = to_path(dialog.selectedFiles().constFirst());
+  const QString chosen = dialog.selectedFiles().constFirst();
+  remember_folder(QFileInfo(chosen).absolutePath());
+  fields_.*it.field = to_path(chosen);
   if (it.use == PathUse::write) own_output_ = fields_.*it.field;  // the file dialog has asked
   write_controls();
 }
@@ -236,7 +399,8 @@ bool SettingDialog::keeps_other_output() {
   const QFileInfo file(to_text(fields_.output_file));
   const bool is_other = file.isFile() && file.size() != 0 && fields_.output_file != own_output_;
   if (!asks_ || !is_other || !output_edit().fault().isEmpty()) return false;
-  QMessageBox box(QMessageBox::Question, "Lexon", file.filePath() + " is there already. Shall the run write over it?",
+  QMessageBox box(QMessageBox::Question, "Lexon",
+                  tr("%1 is there already. Shall the run write over it?").arg(file.filePath()),
                   QMessageBox::Yes | QMessageBox::No, this);
   box.setObjectName("ask_overwrite");
   box.setTextFormat(Qt::PlainText);

@@ -10,6 +10,8 @@
 class QCheckBox;
 class QComboBox;
 class QGridLayout;
+class QMenu;
+class QPushButton;
 
 namespace lexon {
 
@@ -28,6 +30,9 @@ class SettingDialog : public QDialog {
 
   [[nodiscard]] const RunSettings& fields() const { return fields_; }
 
+  // The labels of the paths that a run needs and these settings do not name.
+  [[nodiscard]] static QStringList empty_fields(const RunSettings& settings);
+
   // OK asks before it takes an output file that is there and holds something, except this one.
   void may_overwrite(const std::string& output_file) { own_output_ = output_file; }
   // OK asks nothing.
@@ -41,7 +46,11 @@ class SettingDialog : public QDialog {
   void add_number_row(QGridLayout& rows, int row);
   void add_trace_row(QGridLayout& rows);
   void add_check_row(QGridLayout& rows);
-  [[nodiscard]] QWidget* make_button_box();
+  [[nodiscard]] QWidget* make_buttons();
+  [[nodiscard]] QPushButton* make_projects_button(QWidget* parent);
+  void fill_projects(QMenu& menu);
+  void take_project(const RunSettings& project);
+  void focus_first_empty();
 
   void read_controls();
   void write_controls();
