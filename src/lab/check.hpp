@@ -48,6 +48,22 @@ enum class Level : std::uint8_t {
   note,     // worth knowing
 };
 
+// A remedy that is a change of the text.
+struct Fix {
+  enum class Kind : std::uint8_t {
+    none,
+    replace,      // the text of the finding by another
+    strike_item,  // the text of the finding, with a comma beside it
+    strike_line,
+    line_before,  // another line in front of that of the finding
+    text_end,     // something behind the whole text
+    new_entry,    // a line of the dictionary's entries
+  };
+  Kind kind = Kind::none;
+  std::string old;   // what the finding's place has to hold for it; empty: anything
+  std::string text;  // what is put there
+};
+
 struct Finding {
   std::string file;
   std::int64_t line = 0;       // from 1; 0: it is about no line
@@ -57,6 +73,7 @@ struct Finding {
   const char* code = "";  // one of `check_codes()`
   std::string text;       // what is wrong
   std::string remedy;     // how to put it right; may be empty
+  Fix fix{};
 };
 
 struct CheckCode {

@@ -178,6 +178,7 @@ void check_parser(const CheckInput& input, const RuleNotes& notes, const Pool& p
     findings.push_back({file, notes.notes.empty() ? 0 : notes.notes.back().line, 0, 0, Level::error, "last-line",
                         "no rule of the file is in force, as its last line is refused",
                         "mend that line, or end the text with an empty one"});
+    findings.back().fix = {Fix::Kind::text_end, "", "\n"};
   }
   const std::int64_t room = std::int64_t{input.blocks} * kFirstBlockSize;
   constexpr std::int64_t kScarceBytes = std::int64_t{2} << 20;
@@ -233,7 +234,8 @@ Finding finding_at(const std::string& file, std::int64_t line, std::string_view 
   const std::size_t column = utf8_count(text.substr(0, begin)) + 1;
   const std::string_view piece = begin < text.size() ? text.substr(begin, end - begin) : std::string_view();
   return {file,  line, column,          column + std::max<std::size_t>(utf8_count(piece), 1),
-          level, code, std::move(what), std::move(remedy)};
+          level, code, std::move(what), std::move(remedy),
+          {}};
 }
 
 std::string rule_line_name(const CheckInput& input, std::int64_t line) {
@@ -275,6 +277,7 @@ void findings_to_sources(const CheckInput& input, std::vector<Finding>& findings
           finding_at(place.file, place.line, line, place.column, (is_one_stretch ? last.column : place.column) + 1,
                      finding.level, finding.code, std::move(text), std::move(finding.remedy));
       if (finding.column == 0) moved.column = moved.end_column = 0;
+      moved.fix = std::move(finding.fix);
       finding = std::move(moved);
     }
     const auto [first, is_new] = known.try_emplace(

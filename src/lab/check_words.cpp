@@ -72,6 +72,7 @@ void columns_find(std::string_view text, const std::vector<std::pair<std::int64_
       if (at == std::string_view::npos) continue;
       Finding placed = finding_at(finding.file, finding.line, line, at, at + needle.size(), finding.level, finding.code,
                                   finding.text, finding.remedy);
+      placed.fix = std::move(finding.fix);
       finding = std::move(placed);
     }
   }

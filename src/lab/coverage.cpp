@@ -276,6 +276,8 @@ Coverage coverage_of(const Json& json) {
   return coverage;
 }
 
+}  // namespace
+
 Coverage coverage_read(const std::string& path) {
   std::ifstream file(path, std::ios::binary);
   if (!file) throw Fault(path + ": cannot be opened");
@@ -285,6 +287,8 @@ Coverage coverage_read(const std::string& path) {
     throw Fault(path + ": this is no data file of lexon-lab coverage: " + fault.what());
   }
 }
+
+namespace {
 
 void file_write(const std::string& path, const std::string& text) {
   std::ofstream file(path, std::ios::binary);

@@ -133,6 +133,7 @@ class Duplicates {
       findings.push_back({source_.name, seen_[i].second, 1, 2, Level::warning, "duplicate-entry",
                           "the same entry stands in line " + std::to_string(seen_[first].second),
                           "strike one of the two out"});
+      findings.back().fix.kind = Fix::Kind::strike_line;
     }
   }
 
