@@ -68,8 +68,7 @@ Json range_of(const LinedText& text, std::size_t line, std::size_t begin, std::s
 }
 
 Json location_of(const NameUse& use) {
-  return {{"uri", uri_of_path(file_key(use.file->path))},
-          {"range", range_of(*use.text, use.line, use.part.begin, use.part.end)}};
+  return {{"uri", use.file->uri}, {"range", range_of(*use.text, use.line, use.part.begin, use.part.end)}};
 }
 
 TextPosition position_of(const Json& json) {
@@ -812,7 +811,7 @@ class Server {
       throw RequestError{kRequestFailed, fault};
     std::map<std::string, Json> by_file;
     for (const NameUse& use : at.model->uses(symbol)) {
-      Json& edits = by_file[file_key(use.file->path)];
+      Json& edits = by_file[use.file->uri];
       edits.push_back({{"range", range_of(*use.text, use.line, use.part.begin, use.part.end)}, {"newText", name}});
       constexpr std::size_t kNowAndThen = 1000;
       if (edits.size() % kNowAndThen == 0) refuse_if_cancelled();
@@ -822,10 +821,11 @@ class Server {
 
   Json workspace_edit(const std::map<std::string, Json>& by_file) {
     Json changes = has_versions_ ? Json::array() : Json::object();
-    for (const auto& [key, edits] : by_file) {
-      const auto document = documents_.find(key);
+    for (const auto& [file, edits] : by_file) {
+      const auto document =
+          std::ranges::find_if(documents_, [&file](const auto& each) { return uri_of_path(each.first) == file; });
       const bool is_open = document != documents_.end();
-      const std::string uri = is_open ? document->second.uri : uri_of_path(key);
+      const std::string& uri = is_open ? document->second.uri : file;
       if (has_versions_) {
         changes.push_back(
             {{"textDocument", {{"uri", uri}, {"version", is_open ? Json(document->second.version) : Json()}}},
@@ -881,7 +881,7 @@ class Server {
     constexpr int kConstant = 21;
     const auto add_names = [&](Symbol::Kind kind, int as) {
       std::vector<std::pair<std::int64_t, std::string>> sorted;
-      for (const auto& [name, count] : names_of(*at.model, kind)) {
+      for (const auto& [name, count] : at.model->names(kind)) {
         if (name.starts_with(prefix)) sorted.emplace_back(-count, name);
       }
       std::ranges::sort(sorted);
@@ -914,18 +914,6 @@ class Server {
       case Wanted::nothing: break;
     }
     return {{"isIncomplete", is_cut}, {"items", std::move(items)}};
-  }
-
-  // Counted once as long as no text changes.
-  const std::map<std::string, std::int64_t>& names_of(const Model& model, Symbol::Kind kind) {
-    std::vector<std::shared_ptr<const LinedText>> texts;
-    for (const TextFile& file : model.texts()) texts.push_back(store_.text(file.path));
-    KnownNames& known = known_names_[static_cast<std::size_t>(kind)];
-    if (known.texts != texts) {
-      known.texts = std::move(texts);
-      known.names = model.names(kind);
-    }
-    return known.names;
   }
 
   // ---- Remedies
@@ -964,7 +952,7 @@ class Server {
   void add_action(const Asked& at, const Finding& finding, const Place& place, Json& actions) {
     const LinedText& text = *at.text;
     std::string title;
-    std::string key = at.key;
+    std::string uri = uri_of_path(at.key);
     Json edit;
     switch (finding.fix.kind) {
       case Fix::Kind::replace:
@@ -1008,7 +996,7 @@ class Server {
         const auto& texts = at.model->texts();
         const auto found = std::ranges::find_if(texts, is_text);
         if (found == texts.end()) return;
-        key = file_key(found->path);
+        uri = found->uri;
         title = "Add an entry to " + std::filesystem::path(found->path).filename().string();
         edit = end_edit(*store_.text(found->path), finding.fix.text + '\n');
         break;
@@ -1016,7 +1004,7 @@ class Server {
       case Fix::Kind::none: return;
     }
     std::map<std::string, Json> by_file;
-    by_file[key] = Json::array({std::move(edit)});
+    by_file[uri] = Json::array({std::move(edit)});
     Json action{{"title", title},
                 {"kind", "quickfix"},
                 {"diagnostics", Json::array({diagnostic_of(finding, text)})},
@@ -1060,10 +1048,6 @@ class Server {
     std::shared_ptr<const Analysis> analysis;
     std::shared_ptr<const std::string> text;
   };
-  struct KnownNames {
-    std::vector<std::shared_ptr<const LinedText>> texts;
-    std::map<std::string, std::int64_t> names;
-  };
 
   std::FILE* in_;
   FrameWriter writer_;
@@ -1091,7 +1075,6 @@ class Server {
   TextStore store_;
   std::map<std::string, ProjectFiles> projects_;  // by name
   std::map<std::string, std::string> owners_;     // projects of documents
-  std::array<KnownNames, 8> known_names_;
 
   // Between the one that answers and the watch. The documents are written by the first alone.
   std::mutex documents_mutex_;

@@ -43,6 +43,56 @@ void TextStore::close(const std::string& path) {
   open_.erase(file_key(path));
 }
 
+namespace {
+
+// Adds the names of these lines, `sign` times.
+void count_lines(const LinedText& text, TextKind kind, std::size_t begin, std::size_t end, std::int64_t sign,
+                 NameCounts& counts) {
+  LineScanner scanner(kind);
+  std::vector<Token> tokens;
+  for (std::size_t line = begin; line < end; ++line) {
+    tokens.clear();
+    const std::string_view shown = text.line(line);
+    scanner.scan(shown, tokens);
+    for (const Token& token : tokens) {
+      auto* const names = token.kind == TokenKind::attribute   ? &counts.attributes
+                          : token.kind == TokenKind::label     ? &counts.labels
+                          : token.kind == TokenKind::mark_name ? &counts.marks
+                                                               : nullptr;
+      if (names != nullptr) (*names)[std::string(shown.substr(token.begin, token.end - token.begin))] += sign;
+    }
+  }
+}
+
+}  // namespace
+
+const NameCounts& TextStore::names(const TextFile& file) {
+  CountedText& known = counted_[file.path];
+  const std::shared_ptr<const LinedText> now = text(file.path);
+  if (known.text == now && known.kind == file.kind) return known.counts;
+  const std::shared_ptr<const LinedText> before = known.text;
+  const bool is_changed =
+      before != nullptr && now != nullptr && known.kind == file.kind && LineScanner::is_line_by_line(file.kind);
+  if (is_changed) {
+    const std::string& a = before->text();
+    const std::string& b = now->text();
+    const std::size_t shorter = std::min(a.size(), b.size());
+    std::size_t head = 0;
+    while (head < shorter && a[head] == b[head]) ++head;
+    std::size_t tail = 0;
+    while (tail < shorter - head && a[a.size() - 1 - tail] == b[b.size() - 1 - tail]) ++tail;
+    const std::size_t first = std::min(before->line_of(head), now->line_of(head));
+    count_lines(*before, file.kind, first, before->line_of(a.size() - tail) + 1, -1, known.counts);
+    count_lines(*now, file.kind, first, now->line_of(b.size() - tail) + 1, 1, known.counts);
+  } else {
+    known.counts = {};
+    if (now != nullptr) count_lines(*now, file.kind, 0, now->line_count(), 1, known.counts);
+  }
+  known.text = now;
+  known.kind = file.kind;
+  return known.counts;
+}
+
 // ---- Analysis
 
 std::vector<std::string> canonical_rules(std::string_view text) {
@@ -107,7 +157,7 @@ Model::Model(TextStore& store, ProjectFiles files, std::shared_ptr<const Analysi
     if (std::string_view(text->text()).substr(0, kHead).find('\0') != std::string_view::npos) {
       built_.push_back(path);
     } else {
-      texts_.push_back({path, kind});
+      texts_.push_back({path, kind, uri_of_path(file_key(path))});
     }
   };
   if (analysis_ != nullptr && !analysis_->sources.empty()) {
@@ -216,26 +266,14 @@ std::vector<NameUse> Model::uses(const Symbol& symbol) const {
 
 std::map<std::string, std::int64_t> Model::names(Symbol::Kind kind) const {
   std::map<std::string, std::int64_t> counts;
-  std::vector<Token> tokens;
-  std::unordered_map<std::string_view, std::int64_t> seen;
   for (const TextFile& file : texts_) {
     if (file.kind == TextKind::entries) continue;
-    const auto text = store_.text(file.path);
-    if (text == nullptr) continue;
-    LineScanner scanner(file.kind);
-    seen.clear();
-    for (std::size_t line = 0; line < text->line_count(); ++line) {
-      tokens.clear();
-      const std::string_view shown = text->line(line);
-      scanner.scan(shown, tokens);
-      for (const Token& token : tokens) {
-        const bool fits = kind == Symbol::Kind::label  ? token.kind == TokenKind::label
-                          : kind == Symbol::Kind::mark ? token.kind == TokenKind::mark_name
-                                                       : token.kind == TokenKind::attribute;
-        if (fits) ++seen[shown.substr(token.begin, token.end - token.begin)];
-      }
+    const NameCounts& own = store_.names(file);
+    for (const auto& [name, count] : kind == Symbol::Kind::label  ? own.labels
+                                     : kind == Symbol::Kind::mark ? own.marks
+                                                                  : own.attributes) {
+      if (count > 0) counts[name] += count;
     }
-    for (const auto& [name, count] : seen) counts[std::string(name)] += count;
   }
   if (analysis_ == nullptr || kind != Symbol::Kind::attribute) return counts;
   for (const auto& index : analysis_->words) {
@@ -539,7 +577,7 @@ std::string Model::rename_fault(const Symbol& symbol, const std::string* to) con
   constexpr std::size_t kRole = 64;
   const bool is_role = symbol.name.front() == '/';
   const std::size_t most = is_role ? kRole : is_followed ? kFollowed : is_in_graphs ? kInGraphs : kFollowed;
-  if (std::string fault = name_fault(symbol.kind, *to, most); !fault.empty()) return fault;
+  if (std::string fault = name_fault(symbol.kind, *to, is_in_graphs, most); !fault.empty()) return fault;
   bool is_taken = false;
   for_each_use({symbol.kind, *to}, [&is_taken](const NameUse&) {
     is_taken = true;

@@ -19,6 +19,19 @@ namespace lexon {
 inline namespace v1 {
 namespace lab {
 
+struct TextFile {
+  std::string path;
+  TextKind kind;
+  std::string uri;
+};
+
+// How often names stand in a text.
+struct NameCounts {
+  std::unordered_map<std::string, std::int64_t> attributes;
+  std::unordered_map<std::string, std::int64_t> labels;
+  std::unordered_map<std::string, std::int64_t> marks;
+};
+
 // The texts of files, open or not, read again when they have changed. For one thread.
 class TextStore {
  public:
@@ -29,8 +42,15 @@ class TextStore {
   void close(const std::string& path);
   [[nodiscard]] bool is_open(const std::string& path) const { return open_.contains(file_key(path)); }
   [[nodiscard]] const Overlay& unsaved() const { return unsaved_; }
+  // Of a text that is known already, what has changed is counted alone. Valid until the next call for the file.
+  [[nodiscard]] const NameCounts& names(const TextFile& file);
 
  private:
+  struct CountedText {
+    std::shared_ptr<const LinedText> text;
+    TextKind kind = TextKind::rules;
+    NameCounts counts;
+  };
   struct Known {
     TextMark mark;
     std::shared_ptr<const LinedText> text;
@@ -38,6 +58,7 @@ class TextStore {
   Overlay unsaved_;
   std::map<std::string, std::shared_ptr<const LinedText>> open_;  // by `file_key`
   std::map<std::string, Known> known_;
+  std::map<std::string, CountedText> counted_;  // by path
 };
 
 // What a look at the whole project has shown. Read-only once it is made, and shared by threads.
@@ -57,11 +78,6 @@ class Analyst {
 
  private:
   CheckCache cache_;
-};
-
-struct TextFile {
-  std::string path;
-  TextKind kind;
 };
 
 // A place where a name stands.

@@ -555,7 +555,7 @@ bool is_built_in(const Symbol& symbol) {
   return symbol.kind == Symbol::Kind::attribute && is_built_in_name(symbol.name);
 }
 
-std::string name_fault(Symbol::Kind kind, std::string_view name, std::size_t most) {
+std::string name_fault(Symbol::Kind kind, std::string_view name, bool in_graphs, std::size_t most) {
   if (name.empty()) return "a name has at least one character";
   // What the name would be read as, in a rule, a graph and an entry.
   const std::string text(name);
@@ -569,10 +569,10 @@ std::string name_fault(Symbol::Kind kind, std::string_view name, std::size_t mos
   };
   const bool is_sound = is_attribute
                             ? is_read(TextKind::rules, ":{", "} {} P1;", TokenKind::attribute) &&
-                                  is_read(TextKind::graphs, "a(b.", ", c)", TokenKind::attribute) &&
+                                  (!in_graphs || is_read(TextKind::graphs, "a(b.", ", c)", TokenKind::attribute)) &&
                                   is_read(TextKind::entries, "[a]{} \"b\" (", ") <E,0,0>;", TokenKind::attribute)
                             : is_read(TextKind::rules, ":\"N::", "\" {} P1;", TokenKind::label) &&
-                                  (name.front() == '/' || is_read(TextKind::graphs, "", "(b, c)", TokenKind::label));
+                                  (!in_graphs || is_read(TextKind::graphs, "", "(b, c)", TokenKind::label));
   constexpr std::string_view kSigns = "^+-[]{}()\";:,.|\\% \t\r\n";
   if (!is_sound || name.find_first_of(is_attribute ? "[]{}()\";:,.|\\%\t\r\n " : kSigns) != std::string_view::npos ||
       std::string_view("^+-").find(name.front()) != std::string_view::npos) {

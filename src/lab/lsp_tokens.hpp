@@ -110,8 +110,9 @@ struct TokenPart {
 
 // Names that the engine gives itself.
 [[nodiscard]] bool is_built_in(const Symbol& symbol);
-// Why the name cannot be one of this kind; empty: it can. `most`: bytes of a label.
-[[nodiscard]] std::string name_fault(Symbol::Kind kind, std::string_view name, std::size_t most);
+// Why the name cannot be one of this kind; empty: it can. `in_graphs`: it has to stand there too; `most`: bytes of a
+// label.
+[[nodiscard]] std::string name_fault(Symbol::Kind kind, std::string_view name, bool in_graphs, std::size_t most);
 
 }  // namespace lab
 }  // namespace v1
