@@ -331,7 +331,7 @@ struct Uses {
     ++count;
     if (places.size() < kShownPlaces && (places.empty() || places.back() != place)) places.push_back(place);
   }
-  void tell(const char* what, const char* noun, std::string& out) const {
+  void append_to(const char* what, const char* noun, std::string& out) const {
     if (count == 0) return;
     out += std::string("\n- ") + what + ' ' + count_of(count, noun);
     if (places.empty()) return;
@@ -350,7 +350,7 @@ std::string Model::place_name(const NameUse& use) const {
 std::string Model::name_text(const Symbol& symbol) const {
   std::string out;
   if (symbol.kind == Symbol::Kind::form || symbol.kind == Symbol::Kind::concept_word) {
-    tell_words(symbol.name, symbol.kind == Symbol::Kind::concept_word, out);
+    append_words(symbol.name, symbol.kind == Symbol::Kind::concept_word, out);
     return out;
   }
   if (symbol.kind == Symbol::Kind::mark) {
@@ -403,21 +403,21 @@ std::string Model::name_text(const Symbol& symbol) const {
   out = "**" + std::string(is_label ? "relation " : "attribute ") + in_code(symbol.name) + "**";
   const std::size_t head = out.size();
   if (is_built_in(symbol)) out += "\n- given by Lexon itself";
-  in_graphs.tell(is_label ? "stands in" : "given in graphs in", "place", out);
+  in_graphs.append_to(is_label ? "stands in" : "given in graphs in", "place", out);
   if (entries > 0)
     out += "\n- given by " + std::to_string(entries) + (entries == 1 ? " entry" : " entries") + ", as of " +
            in_code('[' + first + ']');
-  given.tell("given by", "action", out);
-  followed.tell("followed by", "pattern", out);
-  asked.tell("asked for by", "condition", out);
-  taken.tell("taken away by", "action", out);
-  in_pairs.tell("stands in", "co-occurrence entry text", out);
-  in_values.tell("a value in", "place of the source", out);
+  given.append_to("given by", "action", out);
+  followed.append_to("followed by", "pattern", out);
+  asked.append_to("asked for by", "condition", out);
+  taken.append_to("taken away by", "action", out);
+  in_pairs.append_to("stands in", "co-occurrence entry text", out);
+  in_values.append_to("a value of the source in", "place", out);
   if (out.size() == head) out += "\n- nothing gives it, and nobody asks for it";
   return out;
 }
 
-void Model::tell_words(const std::string& word, bool are_concepts, std::string& out) const {
+void Model::append_words(const std::string& word, bool are_concepts, std::string& out) const {
   if (analysis_ == nullptr || analysis_->words.empty()) return;
   std::int64_t count = 0;
   std::string lines;

@@ -123,7 +123,7 @@ class Model {
 
  private:
   [[nodiscard]] std::string place_name(const NameUse& use) const;
-  void tell_words(const std::string& word, bool are_concepts, std::string& out) const;
+  void append_words(const std::string& word, bool are_concepts, std::string& out) const;
   [[nodiscard]] std::string made_by_marks(const Symbol& symbol) const;
 
   TextStore& store_;

@@ -207,6 +207,7 @@ ProjectFiles project_files_from(const std::string& folder, const std::string& js
   guess_words(files, names, unsaved);
   guess_cooccurrence(files, names);
   guess_graphs(files, unsaved);
+  if (std::ranges::find(names, "coverage.json") != names.end()) files.coverage = files.folder + "coverage.json";
   if (json.empty()) return files;
   try {
     const Json settings = Json::parse(json);

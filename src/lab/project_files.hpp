@@ -29,7 +29,7 @@ struct ProjectFiles {
 };
 
 // The files that "lexon.json" in the folder names, or else those that have names as in the examples: rules.lxr,
-// rules.txt, *.rules; entries.txt, words.txt, literals.txt, *.entries; cr.txt; input.txt, graphs.txt, *.graphs. A folder
+// rules.txt, *.rules; entries.txt, words.txt, literals.txt, *.entries; cr.txt; input.txt, graphs.txt, *.graphs; coverage.json. A folder
 // without graphs takes those of the folder above.
 [[nodiscard]] ProjectFiles project_files_of(const std::string& folder, const Overlay* unsaved = nullptr);
 

@@ -139,6 +139,8 @@ def life(folder):
 def english(folder):
     for each in ("rules.txt", "entries.txt", "cr.txt", "input.txt"):
         shutil.copy(SOURCE / each, folder)
+    pairs = table.build_case(folder, folder / "built") if (folder / "built").mkdir() is None else []
+    table.run("lexon-lab", "coverage", "../input.txt", "-d", pairs[0], "-r", "rules.txt", "-c", "cr.dic", "--data", "../coverage.json", folder=folder / "built")
     rules, entries, graphs = folder / "rules.txt", folder / "entries.txt", folder / "input.txt"
     client = Client(folder)
     client.begin(folder)
@@ -155,6 +157,7 @@ def english(folder):
         ("an attribute", (rules, "V,PAST,@past", 8), ["attribute @past", "given in graphs in", "asked for by"]),
         ("a label", (graphs, "agn(sleep", 1), ["relation agn", "stands in", "followed by"]),
         ("the mark of a label", (rules, "->agn", 2), ["relation agn"]),
+        ("a rule", (rules, ":{[<<]} {V,PAST", 0), ["fired 28 times in the last run", "over 64 sentences"]),
         ("a word", (graphs, "dog(>animal)", 1), ["concept word dog(>animal)", "[dogs]", "entries.txt:"]),
     ]:
         found = hover(*words)
