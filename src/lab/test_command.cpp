@@ -1,10 +1,7 @@
 // lexon-lab test: sentences against what is expected of them, and what changed.
 
-#include <unistd.h>
-
 #include <algorithm>
 #include <atomic>
-#include <cstdlib>
 #include <iostream>
 #include <memory>
 #include <thread>
@@ -14,6 +11,7 @@
 #include "lab/gold.hpp"
 #include "lab/progress.hpp"
 #include "lab/project.hpp"
+#include "lab/show.hpp"
 #include "lab/text_file.hpp"
 
 namespace lexon {
@@ -142,7 +140,7 @@ std::vector<Outcome> outcomes_against(const Arguments& arguments, const std::vec
 
 class Report {
  public:
-  Report() : in_colours_(isatty(STDOUT_FILENO) != 0 && std::getenv("NO_COLOR") == nullptr) {}
+  Report() : in_colours_(wants_colours()) {}
 
   static std::string place(const Outcome& outcome) {
     return escaped(outcome.file) + ':' + std::to_string(outcome.line) + ": " +
