@@ -1,6 +1,11 @@
 #include "lab/bench.hpp"
 
+#include <algorithm>
+#include <exception>
+#include <thread>
+
 #include "front/process.hpp"
+#include "lab/progress.hpp"
 
 namespace lexon {
 inline namespace v1 {
@@ -87,6 +92,34 @@ std::vector<Rendered> Bench::render(const std::string& text, const RenderOptions
     results.push_back({std::move(sentence), watchers_.is_over_steps()});
   }
   return results;
+}
+
+void for_each_sentence_on(unsigned threads, const RenderOptions& options,
+                          const std::function<void(unsigned thread, const GraphText& sentence)>& use) {
+  if (threads <= 1) return for_each_sentence(options, [&use](const GraphText& sentence) { use(0, sentence); });
+  std::vector<GraphText> sentences;
+  for_each_sentence(options, [&sentences](const GraphText& sentence) { sentences.push_back(sentence); });
+  Progress progress(sentences.size());
+  std::vector<std::exception_ptr> faults(threads);
+  const auto work = [&](unsigned number) {
+    const std::size_t begin = sentences.size() * number / threads;
+    const std::size_t end = sentences.size() * (number + 1) / threads;
+    try {
+      for (std::size_t i = begin; i < end; ++i) {
+        use(number, sentences[i]);
+        progress.passed();
+      }
+    } catch (...) {
+      faults[number] = std::current_exception();
+    }
+  };
+  std::vector<std::thread> others;
+  for (unsigned number = 1; number < threads; ++number) others.emplace_back(work, number);
+  work(0);
+  for (std::thread& other : others) other.join();
+  for (const std::exception_ptr& fault : faults) {
+    if (fault != nullptr) std::rethrow_exception(fault);
+  }
 }
 
 void tell_failure(const GraphText& graph, const Rendered& rendered) {

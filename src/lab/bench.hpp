@@ -76,6 +76,12 @@ class Bench {
   Generator generator_;
 };
 
+// Renders the inputs on threads, each of which takes a stretch of the sentences in their order: what threads have counted,
+// added up in the order of their numbers, is what one alone would have counted. `use` gets the number of the thread,
+// from 0, and is called by that thread. With one the inputs are read sentence by sentence, else whole.
+void for_each_sentence_on(unsigned threads, const RenderOptions& options,
+                          const std::function<void(unsigned thread, const GraphText& sentence)>& use);
+
 // What is told on standard error of a sentence that came to nothing: where it stands, its status and messages.
 void tell_failure(const GraphText& graph, const Rendered& rendered);
 

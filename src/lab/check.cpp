@@ -61,6 +61,8 @@ constexpr CheckCode kCodes[] = {
     {"scope-entry", "a scope without @entry"},
     {"scope-empty", "a scope without relations"},
     {"scope-unused", "a scope that nothing leads to"},
+    {"source-syntax", "a grammar source that cannot be expanded"},
+    {"no-file", "a file of the project that cannot be read"},
     {"encoding", "text that is not read as it looks"},
     {"rules-room", "the rules leave no room for sentences"},
 };
@@ -232,7 +234,7 @@ class Check {
 
   // Without a dictionary any word may have to be made up.
   bool is_made_up(const RuleView& rule, Side side) const {
-    return !words_.is_there || literal_words(rule, side) == nullptr;
+    return !words_.is_there() || literal_words(rule, side) == nullptr;
   }
 
   // The conditions of a pattern that a word does not meet.
@@ -262,15 +264,26 @@ class Check {
 
   // --- findings
 
-  void report(const RuleView& rule, std::uint32_t begin, std::uint32_t end, Level level, const char* code,
-              std::string what, std::string remedy) {
+  Finding& report(const RuleView& rule, std::uint32_t begin, std::uint32_t end, Level level, const char* code,
+                  std::string what, std::string remedy) {
     findings_.push_back(finding_at(input_.rules.file, rule.line, rule.text, begin, end, level, code, std::move(what),
                                    std::move(remedy)));
+    findings_.back().fix.old = rule.text.substr(begin, end - begin);
+    return findings_.back();
   }
 
-  void report(const RuleView& rule, const RuleItem& item, Level level, const char* code, std::string what,
-              std::string remedy) {
-    report(rule, item.begin, item.end, level, code, std::move(what), std::move(remedy));
+  Finding& report(const RuleView& rule, const RuleItem& item, Level level, const char* code, std::string what,
+                  std::string remedy) {
+    return report(rule, item.begin, item.end, level, code, std::move(what), std::move(remedy));
+  }
+
+  // The remedy is another text in the place of a part of what was found.
+  static void fix_by(Finding& finding, std::string_view part, std::string_view other) {
+    const std::size_t at = finding.fix.old.rfind(part);
+    if (at == std::string::npos) return;
+    finding.fix.kind = Fix::Kind::replace;
+    finding.fix.text = finding.fix.old;
+    finding.fix.text.replace(at, part.size(), other);
   }
 
   // --- one rule
@@ -279,7 +292,7 @@ class Check {
     check_priority(rule);
     check_type(rule);
     for (const Side side : {Side::left, Side::right}) {
-      if (is_literal(rule, side) && words_.is_there) check_literal(rule, side);
+      if (is_literal(rule, side) && words_.is_there()) check_literal(rule, side);
       check_together(rule, side);
     }
     for (const RuleItem& item : rule.items) {
@@ -287,7 +300,7 @@ class Check {
       if (item.kind == ItemKind::hw) check_form(rule, item);
       if (item.kind == ItemKind::cw) check_concept(rule, item);
       const bool is_of_known_word =
-          item.place == Place::cond && is_literal(rule, item.side) && words_.is_there && !is_made_up(rule, item.side);
+          item.place == Place::cond && is_literal(rule, item.side) && words_.is_there() && !is_made_up(rule, item.side);
       if (is_misplaced || is_of_known_word) continue;
       if (item.place == Place::relation) check_label(rule, item);
       if (item.kind == ItemKind::attribute && item.place != Place::relation && item.place != Place::role)
@@ -300,9 +313,10 @@ class Check {
     const std::size_t zeros = std::min(number.find_first_not_of('0'), number.size());
     const std::string digits = number.substr(zeros);
     if (digits.size() < 3 || (digits.size() == 3 && digits <= "255")) return;
-    report(rule, rule.number_begin, rule.number_begin + static_cast<std::uint32_t>(number.size()) + 1, Level::error,
-           "priority-wraps", "P" + number + " counts as P" + std::to_string(rule.priority),
-           "use a priority of 1 to 255");
+    fix_by(report(rule, rule.number_begin, rule.number_begin + static_cast<std::uint32_t>(number.size()) + 1,
+                  Level::error, "priority-wraps", "P" + number + " counts as P" + std::to_string(rule.priority),
+                  "use a priority of 1 to 255"),
+           number, "255");
   }
 
   void check_type(const RuleView& rule) {
@@ -329,9 +343,11 @@ class Check {
       const bool keeps_off = item.op != kOpNot || names_[item.name] == "SHEAD" || names_[item.name] == "<<";
       if (keeps_off) return;
     }
-    report(rule, rule.pattern_begin[0], rule.pattern_end[0], Level::warning, "left-over-boundary",
-           "with the left boundary as its left word this rule leaves the list, and the sentence fails",
-           "write ^SHEAD,^CHEAD into this pattern");
+    Finding& found = report(rule, rule.pattern_begin[0], rule.pattern_end[0], Level::warning, "left-over-boundary",
+                            "with the left boundary as its left word this rule leaves the list, and the sentence fails",
+                            "write ^SHEAD,^CHEAD into this pattern");
+    const bool is_empty = rule.first(Place::cond, Side::left) == nullptr;
+    fix_by(found, found.fix.old.substr(1), (is_empty ? "^SHEAD,^CHEAD" : "^SHEAD,^CHEAD,") + found.fix.old.substr(1));
   }
 
   void check_literal(const RuleView& rule, Side side) {
@@ -343,10 +359,11 @@ class Check {
       for (const RuleItem& item : rule.items) {
         if (item.place != Place::cond || item.side != side || item.kind != ItemKind::attribute || item.op != kOpNot)
           continue;
-        report(rule, item, Level::warning, "literal-forbidden",
-               "the dictionary has no " + shown + ", so that the word is made up, and ^" + names_[item.name] +
-                   " gives it " + names_[item.name],
-               "strike ^" + names_[item.name] + " out, or put " + shown + " into the dictionary");
+        Finding& found = report(rule, item, Level::warning, "literal-forbidden",
+                                "the dictionary has no " + shown + ", so that the word is made up, and ^" +
+                                    names_[item.name] + " gives it " + names_[item.name],
+                                "strike ^" + names_[item.name] + " out, or put " + shown + " into the dictionary");
+        found.fix.kind = Fix::Kind::strike_item;
       }
       return;
     }
@@ -377,7 +394,7 @@ class Check {
 
   // Attributes that only entries give, and that no entry has together.
   void check_together(const RuleView& rule, Side side) {
-    if (!words_.is_there) return;
+    if (!words_.is_there()) return;
     std::vector<NameId> wanted;
     const RuleItem* last = nullptr;
     for (const RuleItem& item : rule.items) {
@@ -418,8 +435,10 @@ class Check {
     const std::string& name = names_[item.name];
     const bool brings_in = rule.inserts() && (rule.quote(Side::left) || rule.quote(Side::right));
     const bool has_relation = rule.first(Place::relation) != nullptr;
-    const auto misplaced = [&](const std::string& read_as, const std::string& remedy) {
-      report(rule, item, Level::error, "section-misplaced", name + " stands where " + read_as + " is read", remedy);
+    const auto misplaced = [&](const std::string& read_as, const std::string& remedy, const std::string& instead) {
+      Finding& found =
+          report(rule, item, Level::error, "section-misplaced", name + " stands where " + read_as + " is read", remedy);
+      if (!instead.empty()) fix_by(found, name, instead);
       return true;
     };
     const std::string order = "; a pattern is {conditions:actions:relation:role}";
@@ -427,18 +446,18 @@ class Check {
       case Place::action:
         if (item.kind != ItemKind::attribute || item.op != kOpAdd || rule.text[item.begin] == '+') return false;
         if (!brings_in || has_relation || !is_label(item.name) || use_of(item.name).asked) return false;
-        return misplaced("an action", "write a second colon: \"N::" + name + "\"" + order);
+        return misplaced("an action", "write a second colon: \"N::" + name + "\"" + order, ':' + name);
       case Place::relation: {
         const char first = name.empty() ? 'x' : name.front();
         if (first == '>' || first == '<') {
-          return misplaced("a label", "write " + name.substr(1) + " here; > and < are for conditions");
+          return misplaced("a label", "write " + name.substr(1) + " here; > and < are for conditions", name.substr(1));
         }
         if (std::string_view("+-@^![").find(first) == std::string_view::npos) return false;
-        return misplaced("a relation", "actions stand behind the first colon" + order);
+        return misplaced("a relation", "actions stand behind the first colon" + order, "");
       }
       case Place::role:
         if (has_relation || !is_label(item.name)) return false;
-        return misplaced("a role", "write two colons: \"N::" + name + "\"" + order);
+        return misplaced("a role", "write two colons: \"N::" + name + "\"" + order, "");
       case Place::cond:
         if (item.kind != ItemKind::attribute || (item.op != kOpAdd && item.op != kOpDelete)) return false;
         report(rule, item, Level::warning, "sign-in-condition",
@@ -470,15 +489,17 @@ class Check {
       if (!use_of(name).followed) candidates.push_back(&names_[name]);
     }
     const std::string* near = nearest(full, candidates);
-    report(rule, item, near != nullptr ? Level::warning : Level::note, "unknown-label", "no graph has " + full,
-           near == nullptr ? "" : "did you mean " + *near + ", which no rule follows?");
+    Finding& found =
+        report(rule, item, near != nullptr ? Level::warning : Level::note, "unknown-label", "no graph has " + full,
+               near == nullptr ? "" : "did you mean " + *near + ", which no rule follows?");
+    if (near != nullptr) fix_by(found, full, *near);
   }
 
   // Can it be told who gives this name?
   bool is_judged(const std::string& name) const {
     if (name.empty()) return false;
     if (is_signed_name(name)) return graphs_.is_there;
-    return words_.is_there;
+    return words_.is_there();
   }
 
   bool is_given(NameId name) {
@@ -501,9 +522,13 @@ class Check {
     }
     if (!is_judged(name) || is_given(item.name)) return;
     const bool is_action = item.place == Place::action;
-    std::string remedy = slip_in(name, rule, item);
+    std::string instead;
+    std::string remedy = slip_in(name, rule, item, instead);
     if (remedy.empty()) {
-      if (const std::string* near = near_given(name); near != nullptr) remedy = "did you mean " + *near + "?";
+      if (const std::string* near = near_given(name); near != nullptr) {
+        remedy = "did you mean " + *near + "?";
+        instead = *near;
+      }
     }
     const bool is_of_graphs = is_signed_name(name);
     const bool is_taken = is_action;
@@ -514,13 +539,21 @@ class Check {
     else if (item.op == kOpNot)
       what += ", so that ^" + name + " always holds";
     if (remedy.empty() && !is_of_graphs) remedy = "give it to an entry, or set it with an action";
-    report(rule, item, level, "unknown-name", std::move(what), std::move(remedy));
+    Finding& found = report(rule, item, level, "unknown-name", std::move(what), std::move(remedy));
+    if (!instead.empty()) fix_by(found, name, instead);
   }
 
-  // What the characters of a name show of a slip; empty for nothing.
-  std::string slip_in(const std::string& name, const RuleView& rule, const RuleItem& item) {
-    if (name.find('^') != std::string::npos) return "write a comma in front of ^";
-    if (name.back() == ';') return "write : for ;, between conditions and actions";
+  // What the characters of a name show of a slip; empty for nothing. `instead` receives what should stand there, where
+  // that is known.
+  std::string slip_in(const std::string& name, const RuleView& rule, const RuleItem& item, std::string& instead) {
+    if (const std::size_t sign = name.find('^'); sign != std::string::npos) {
+      instead = name.substr(0, sign) + ',' + name.substr(sign);
+      return "write a comma in front of ^";
+    }
+    if (name.back() == ';') {
+      instead = name.substr(0, name.size() - 1) + ':';
+      return "write : for ;, between conditions and actions";
+    }
     if (name.find_first_of("[]") != std::string::npos) return "write a comma between a form and an attribute";
     const bool is_plain_condition = item.place == Place::cond && item.op == kOpHas && rule.quote(item.side);
     if (is_plain_condition && is_label(item.name)) return "a relation stands behind two colons: \"N::" + name + "\"";
@@ -548,12 +581,14 @@ class Check {
     const NameUse& use = use_of(item.name);
     const std::string& name = names_[item.name];
     if (use.asked || use.taken || name.empty() || name == "@entry") return;
-    std::string remedy;
-    if (const std::string* near = nearest(name, asked_names_); near != nullptr)
-      remedy = "did you mean " + *near + "?";
+    const std::string* near = nearest(name, asked_names_);
+    Finding& found =
+        report(rule, item, Level::warning, "unused-name", "no condition asks for " + name,
+               near != nullptr ? "did you mean " + *near + "?" : "strike it out, or ask for it with a condition");
+    if (near != nullptr)
+      fix_by(found, name, *near);
     else
-      remedy = "strike it out, or ask for it with a condition";
-    report(rule, item, Level::warning, "unused-name", "no condition asks for " + name, std::move(remedy));
+      found.fix.kind = Fix::Kind::strike_item;
   }
 
   void check_form(const RuleView& rule, const RuleItem& item) {
@@ -571,7 +606,7 @@ class Check {
       return;
     }
     const bool is_asked = item.place == Place::cond || item.place == Place::suf || item.place == Place::mid;
-    if (!is_asked || item.op != kOpHas || !words_.is_there || !graphs_.is_there) return;
+    if (!is_asked || item.op != kOpHas || !words_.is_there() || !graphs_.is_there) return;
     if (item.place == Place::cond && rule.quote(item.side) && !rule.first(Place::relation)) return;
     // Post-edit can split any form off a word.
     if ((rule.is_post_edit() && has_splits_) || form == "<<" || form == ">>" || is_number(form)) return;
@@ -631,7 +666,7 @@ class Check {
       return;
     }
     const bool is_asked = item.place == Place::cond || item.place == Place::suf || item.place == Place::mid;
-    if (!is_asked || item.op != kOpHas || !words_.is_there || words_.by_concept.contains(item.name)) return;
+    if (!is_asked || item.op != kOpHas || !words_.is_there() || words_.by_concept.contains(item.name)) return;
     if (graphs_.words.contains(item.name) || graphs_.quoted.contains(item.name)) return;
     const bool is_made = is_literal(rule, item.side) && item.place == Place::cond;
     report(rule, item, Level::warning, "unknown-concept",
@@ -642,14 +677,15 @@ class Check {
   // --- names that nobody asks for
 
   void check_word_names() {
-    std::vector<std::pair<std::int64_t, NameId>> unused;
+    std::vector<NameId> unused;
     for (const auto& [name, use] : words_.attributes) {
-      if (!use_of(name).asked && !use_of(name).taken) unused.emplace_back(use.line, name);
+      if (!use_of(name).asked && !use_of(name).taken) unused.push_back(name);
     }
-    std::ranges::sort(unused, [this](const auto& a, const auto& b) {
-      return std::tie(a.first, names_[a.second]) < std::tie(b.first, names_[b.second]);
+    std::ranges::sort(unused, {}, [this](NameId name) {
+      const WordSurvey::Attribute& use = words_.attributes.at(name);
+      return std::tuple(use.file, use.line, std::string_view(names_[name]));
     });
-    for (const auto& [line, id] : unused) {
+    for (const NameId id : unused) {
       const WordSurvey::Attribute& use = words_.attributes.at(id);
       const std::string& name = names_[id];
       // A slip of the pen is rare; what stands in many entries is meant.
@@ -657,15 +693,21 @@ class Check {
       const std::string* near = use.count <= kMostSlips ? nearest(name, asked_names_) : nullptr;
       std::string what = "no rule asks for " + name + " of [" + use.form + "]";
       if (use.count > 1) what += " and of " + std::to_string(use.count - 1) + " more";
-      if (line != 0) needles_[findings_.size()] = name;
-      findings_.push_back({words_.file, line, 0, 0, near != nullptr ? Level::warning : Level::note, "unused-name",
-                           std::move(what), near != nullptr ? "did you mean " + *near + "?" : ""});
+      if (use.line != 0) needles_[findings_.size()] = name;
+      findings_.push_back({words_.files[use.file], use.line, 0, 0, near != nullptr ? Level::warning : Level::note,
+                           "unused-name", std::move(what), near != nullptr ? "did you mean " + *near + "?" : ""});
+      if (near != nullptr && use.line != 0) findings_.back().fix = {Fix::Kind::replace, name, *near};
     }
   }
 
-  void report(const GraphSurvey::Use& use, Level level, const char* code, std::string what, std::string remedy) {
+  void report(const GraphSurvey::Use& use, Level level, const char* code, std::string what, std::string remedy,
+              Fix fix = {}) {
     findings_.push_back({input_.graphs[use.file].file, use.line, use.column, use.end_column, level, code,
-                         std::move(what), std::move(remedy)});
+                         std::move(what), std::move(remedy), std::move(fix)});
+  }
+
+  static Fix fix_of(const std::string& name, const std::string* near) {
+    return near == nullptr ? Fix() : Fix{Fix::Kind::replace, name, *near};
   }
 
   static std::string times(std::int64_t count) { return count == 1 ? "" : " (" + std::to_string(count) + " times)"; }
@@ -697,9 +739,10 @@ class Check {
       const std::string& name = names_[id];
       const std::string* near = nearest(name, asked_names_);
       report(*use, near != nullptr ? Level::warning : Level::note, "unused-name",
-             "no rule asks for " + name + times(use->count), near != nullptr ? "did you mean " + *near + "?" : "");
+             "no rule asks for " + name + times(use->count), near != nullptr ? "did you mean " + *near + "?" : "",
+             fix_of(name, near));
     }
-    if (words_.is_there) check_graph_words();
+    if (words_.is_there()) check_graph_words();
   }
 
   void check_graph_label(NameId id, const GraphSurvey::Use& use, const std::vector<const std::string*>& lost_labels) {
@@ -718,7 +761,8 @@ class Check {
     const std::string* near = nearest(label, lost_labels);
     report(use, is_seen && near == nullptr ? Level::note : Level::warning, "unfollowed-label",
            "no rule follows " + label + times(use.count),
-           near != nullptr ? "did you mean " + *near + "?" : "write a rule that brings its word in");
+           near != nullptr ? "did you mean " + *near + "?" : "write a rule that brings its word in",
+           fix_of(label, near));
   }
 
   void check_graph_words() {
@@ -730,10 +774,11 @@ class Check {
       if (plain != kNoName && words_.by_concept.contains(plain)) continue;
       // A capital, or a letter beyond ASCII, begins a name, which needs no entry.
       const bool is_name = open == std::string::npos && !(name.front() >= 'a' && name.front() <= 'z');
-      report(*use, is_name ? Level::note : Level::warning, "unknown-word",
-             "the dictionary has no " + name + times(use->count) + (is_name ? "; it counts as a name" : ""),
-             is_name ? ""
-                     : "write an entry with the concept word \"" + name + "\", or the word in quotes if it is a name");
+      report(
+          *use, is_name ? Level::note : Level::warning, "unknown-word",
+          "the dictionary has no " + name + times(use->count) + (is_name ? "; it counts as a name" : ""),
+          is_name ? "" : "write an entry with the concept word \"" + name + "\", or the word in quotes if it is a name",
+          is_name ? Fix() : Fix{Fix::Kind::new_entry, name, '[' + name.substr(0, open) + "]{} \"" + name + "\" ();"});
     }
   }
 

@@ -44,8 +44,10 @@ class GraphText {
     if (!passed_block_.empty() || !open_tag_.empty()) {
       report(block_line_, 0, 1, Level::error, "unclosed", "this block is not closed, and hides what stands behind it",
              passed_block_.empty() ? "write {/name} behind it" : "write " + std::string(passed_block_) + "] behind it");
+      if (!passed_block_.empty()) findings_.back().fix = {Fix::Kind::text_end, "", std::string(passed_block_) + "]\n"};
     } else if (is_open_) {
       report(open_line_, 0, 1, Level::error, "unclosed", "this sentence is not closed", "write [/S] behind it");
+      findings_.back().fix = {Fix::Kind::text_end, "", "[/S]\n"};
       sentence_end();
     }
     if (open_line_ == 0) {
@@ -114,6 +116,7 @@ class GraphText {
                  "sentence-in-sentence",
                  "a sentence begins inside that of line " + std::to_string(open_line_) + ", and the two become one",
                  "write [/S] in front of it");
+          findings_.back().fix = {Fix::Kind::line_before, "", "[/S]\n"};
         }
         sentence_start();
         break;
@@ -168,6 +171,7 @@ class GraphText {
       if (is_meant) {
         report(watch_.line, 0, length, Level::error, "stray-relation", "this relation stands outside of any sentence",
                "write [S] in front of it");
+        findings_.back().fix = {Fix::Kind::line_before, "", "[S]\n"};
       }
       return;
     }

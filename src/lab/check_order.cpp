@@ -151,6 +151,7 @@ class OrderCheck {
   void report(const RuleView& rule, Level level, const char* code, std::string what, std::string remedy) {
     findings_.push_back(finding_at(input_.rules.file, rule.line, rule.text, rule.text.find_first_not_of(" \t"),
                                    rule.text.size(), level, code, std::move(what), std::move(remedy)));
+    findings_.back().fix.old = rule.text.substr(rule.text.find_first_not_of(" \t"));
   }
 
   [[nodiscard]] std::string line_of(const RuleView& rule) const { return rule_line_name(input_, rule.line); }
@@ -209,6 +210,7 @@ class OrderCheck {
     }
     report(second, is_second_choice ? Level::note : Level::warning, "rule-never-first", std::move(what),
            is_second_choice ? std::string() : std::move(remedy));
+    if (is_double) findings_.back().fix.kind = Fix::Kind::strike_line;
   }
 
   void check_first() {

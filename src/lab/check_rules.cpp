@@ -11,6 +11,7 @@
 #include "data/sentence.hpp"
 #include "data/session.hpp"
 #include "data/utf8.hpp"
+#include "lab/text_file.hpp"
 #include "rules/parser.hpp"
 #include "rules/scanners.hpp"
 #include "run/notes.hpp"
@@ -177,6 +178,7 @@ void check_parser(const CheckInput& input, const RuleNotes& notes, const Pool& p
     findings.push_back({file, notes.notes.empty() ? 0 : notes.notes.back().line, 0, 0, Level::error, "last-line",
                         "no rule of the file is in force, as its last line is refused",
                         "mend that line, or end the text with an empty one"});
+    findings.back().fix = {Fix::Kind::text_end, "", "\n"};
   }
   const std::int64_t room = std::int64_t{input.blocks} * kFirstBlockSize;
   constexpr std::int64_t kScarceBytes = std::int64_t{2} << 20;
@@ -188,6 +190,42 @@ void check_parser(const CheckInput& input, const RuleNotes& notes, const Pool& p
                       "run lexon with --blocks " + std::to_string(2 * input.blocks)});
 }
 
+std::vector<std::string_view> lines_of(std::string_view rest) {
+  std::vector<std::string_view> lines;
+  while (!rest.empty()) {
+    const std::size_t end = std::min(rest.find('\n'), rest.size());
+    lines.push_back(rest.substr(0, end));
+    rest.remove_prefix(std::min(end + 1, rest.size()));
+  }
+  return lines;
+}
+
+// The lines of sources, each file read once.
+class SourceLines {
+ public:
+  explicit SourceLines(const Overlay* unsaved) : unsaved_(unsaved) {}
+
+  std::string_view line(const std::string& path, std::int64_t number) {
+    const auto [known, is_new] = files_.try_emplace(path);
+    if (is_new) {
+      known->second.text = text_file_read(path, unsaved_);
+      known->second.lines = lines_of(known->second.text);
+    }
+    const auto index = static_cast<std::size_t>(number) - 1;
+    if (index >= known->second.lines.size()) return {};
+    const std::string_view found = known->second.lines[index];
+    return found.ends_with('\r') ? found.substr(0, found.size() - 1) : found;
+  }
+
+ private:
+  struct File {
+    std::string text;
+    std::vector<std::string_view> lines;
+  };
+  const Overlay* unsaved_;
+  std::map<std::string, File> files_;
+};
+
 }  // namespace
 
 Finding finding_at(const std::string& file, std::int64_t line, std::string_view text, std::size_t begin,
@@ -196,7 +234,8 @@ Finding finding_at(const std::string& file, std::int64_t line, std::string_view 
   const std::size_t column = utf8_count(text.substr(0, begin)) + 1;
   const std::string_view piece = begin < text.size() ? text.substr(begin, end - begin) : std::string_view();
   return {file,  line, column,          column + std::max<std::size_t>(utf8_count(piece), 1),
-          level, code, std::move(what), std::move(remedy)};
+          level, code, std::move(what), std::move(remedy),
+          {}};
 }
 
 std::string rule_line_name(const CheckInput& input, std::int64_t line) {
@@ -208,12 +247,8 @@ std::string rule_line_name(const CheckInput& input, std::int64_t line) {
 
 void findings_to_sources(const CheckInput& input, std::vector<Finding>& findings) {
   if (input.source == nullptr) return;
-  std::vector<std::string_view> lines;
-  for (std::string_view rest = input.rules.text; !rest.empty();) {
-    const std::size_t end = std::min(rest.find('\n'), rest.size());
-    lines.push_back(rest.substr(0, end));
-    rest.remove_prefix(std::min(end + 1, rest.size()));
-  }
+  const std::vector<std::string_view> lines = lines_of(input.rules.text);
+  SourceLines sources(input.unsaved);
   const auto byte_at = [&lines](std::int64_t line, std::size_t column) {
     std::string_view text =
         static_cast<std::size_t>(line) <= lines.size() ? lines[static_cast<std::size_t>(line) - 1] : std::string_view();
@@ -234,7 +269,7 @@ void findings_to_sources(const CheckInput& input, std::vector<Finding>& findings
     const MappedPlace place = input.source->place(finding.line, begin);
     const MappedPlace last = input.source->place(finding.line, end - 1);
     if (!place.file.empty()) {
-      const std::string line = source_line_at(place.file, place.line);
+      const std::string_view line = sources.line(place.file, place.line);
       const bool is_one_stretch = last.file == place.file && last.line == place.line && last.column >= place.column;
       std::string text = std::move(finding.text);
       if (const std::string around = surroundings_text(place); !around.empty()) text += " (" + around + ')';
@@ -242,6 +277,7 @@ void findings_to_sources(const CheckInput& input, std::vector<Finding>& findings
           finding_at(place.file, place.line, line, place.column, (is_one_stretch ? last.column : place.column) + 1,
                      finding.level, finding.code, std::move(text), std::move(finding.remedy));
       if (finding.column == 0) moved.column = moved.end_column = 0;
+      moved.fix = std::move(finding.fix);
       finding = std::move(moved);
     }
     const auto [first, is_new] = known.try_emplace(

@@ -39,6 +39,7 @@ struct Fault : std::runtime_error {
 [[nodiscard]] Command add_coverage(CLI::App& app);
 [[nodiscard]] Command add_expand(CLI::App& app);
 [[nodiscard]] Command add_explain(CLI::App& app);
+[[nodiscard]] Command add_lsp(CLI::App& app);
 [[nodiscard]] Command add_profile(CLI::App& app);
 [[nodiscard]] Command add_render(CLI::App& app);
 [[nodiscard]] Command add_report(CLI::App& app);

@@ -276,6 +276,8 @@ Coverage coverage_of(const Json& json) {
   return coverage;
 }
 
+}  // namespace
+
 Coverage coverage_read(const std::string& path) {
   std::ifstream file(path, std::ios::binary);
   if (!file) throw Fault(path + ": cannot be opened");
@@ -285,6 +287,8 @@ Coverage coverage_read(const std::string& path) {
     throw Fault(path + ": this is no data file of lexon-lab coverage: " + fault.what());
   }
 }
+
+namespace {
 
 void file_write(const std::string& path, const std::string& text) {
   std::ofstream file(path, std::ios::binary);
@@ -347,6 +351,7 @@ std::string condition_text(const ConditionCount& condition) {
 }
 
 void print_text(const Coverage& coverage, bool with_conditions) {
+  const bool in_colours = wants_colours();
   const auto fired =
       std::count_if(coverage.rules.begin(), coverage.rules.end(), [](const RuleCount& rule) { return rule.hits > 0; });
   std::cout << count_text(coverage.sentences, "sentence") << ", " << count_text(coverage.windows, "window") << "; "
@@ -364,7 +369,8 @@ void print_text(const Coverage& coverage, bool with_conditions) {
     } else {
       line += "never fired: never offered";
     }
-    std::cout << escaped(line) << '\n';
+    const bool is_marked = in_colours && rule->hits == 0;
+    std::cout << (is_marked ? "\x1b[31m" : "") << escaped(line) << (is_marked ? "\x1b[0m" : "") << '\n';
     if (!with_conditions && rule->hits > 0) continue;
     for (const ConditionCount& condition : rule->conditions) {
       const bool is_telling = with_conditions || condition.hits == 0;
@@ -522,6 +528,7 @@ struct Arguments {
   std::string html;
   std::string lcov;
   std::string pruned;
+  unsigned jobs = 1;
   bool with_conditions = false;
 };
 
@@ -529,20 +536,32 @@ int cover(const Arguments& arguments) {
   const Project project(arguments.grammar);
   if (arguments.pruned == project.rule_text() || arguments.pruned == project.files.rules)
     throw Fault(arguments.pruned + ": the rules themselves would be overwritten: give --prune another name");
-  Bench bench(project);
-  CoverageCounter counter(project);
-  bench.watchers().add(counter);
+  struct Worker {
+    explicit Worker(const Project& project) : bench(project), counter(project) { bench.watchers().add(counter); }
+    Bench bench;
+    CoverageCounter counter;
+    std::vector<std::pair<GraphText, Rendered>> failed;
+  };
+  std::vector<std::unique_ptr<Worker>> workers;
+  for (unsigned i = 0; i < arguments.jobs; ++i) workers.push_back(std::make_unique<Worker>(project));
+  for_each_sentence_on(arguments.jobs, arguments.render, [&](unsigned thread, const GraphText& graph) {
+    Worker& worker = *workers[thread];
+    worker.counter.set_sentence(graph.file + ':' + std::to_string(graph.line) +
+                                (graph.label.empty() ? std::string() : " [" + graph.label + "]"));
+    for (Rendered& rendered : worker.bench.render(graph.text, arguments.render)) {
+      if (!rendered.is_done()) worker.failed.emplace_back(graph, std::move(rendered));
+    }
+  });
   int status = kDone;
-  for_each_sentence(arguments.render, [&](const GraphText& graph) {
-    counter.set_sentence(graph.file + ':' + std::to_string(graph.line) +
-                         (graph.label.empty() ? std::string() : " [" + graph.label + "]"));
-    for (const Rendered& rendered : bench.render(graph.text, arguments.render)) {
-      if (rendered.is_done()) continue;
+  Coverage coverage = workers.front()->counter.result();
+  for (const auto& worker : workers) {
+    if (worker != workers.front()) static_cast<void>(coverage_add(coverage, worker->counter.result()));
+    for (const auto& [graph, rendered] : worker->failed) {
       status = kFailed;
       tell_failure(graph, rendered);
     }
-  });
-  Coverage coverage = counter.result();
+  }
+  coverage.runs = 1;
   for (const std::string& path : arguments.merged) {
     if (const std::int64_t lost = coverage_add(coverage, coverage_read(path)); lost > 0)
       tell_line(path + ": " + count_text(lost, "rule") + " of it, changed or taken out since, left out");
@@ -564,6 +583,7 @@ Command add_coverage(CLI::App& app) {
   const auto arguments = std::make_shared<Arguments>();
   add_grammar_options(command, arguments->grammar);
   add_render_options(command, arguments->render);
+  add_option(command, "-j,--jobs", arguments->jobs, "Threads", {.shows_default = true, .range = {{1, 256}}});
   add_option(command, "-m,--merge", arguments->merged, "Add what a data file of an earlier run holds; may be repeated",
              {.one_value = true});
   add_option(command, "--data", arguments->data, "Write a data file, for --merge");

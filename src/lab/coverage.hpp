@@ -80,6 +80,9 @@ class CoverageCounter final : public Observer {
   bool is_post_edit_ = false;
 };
 
+// Reads what `lexon-lab coverage --data` has written. Throws Fault.
+[[nodiscard]] Coverage coverage_read(const std::string& path);
+
 }  // namespace lab
 }  // namespace v1
 }  // namespace lexon

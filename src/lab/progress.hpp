@@ -1,8 +1,9 @@
-// How far a long reading has come: a line on standard error, if that is a terminal.
+// How far long work has come: a line on standard error, if that is a terminal.
 #pragma once
 
 #include <chrono>
 #include <cstdint>
+#include <mutex>
 #include <string>
 #include <vector>
 
@@ -10,24 +11,28 @@ namespace lexon {
 inline namespace v1 {
 namespace lab {
 
-// "1234 sentences, 320/s, 12 s left", from the second second on; it goes away at the end.
+// "1234 sentences, 320/s, 12 s left", from the second second on; it goes away at the end. Threads may share one.
 class Progress {
  public:
   // What is left is reckoned from the sizes of the files; without a size (a pipe) it is not shown.
   explicit Progress(const std::vector<std::string>& inputs);
+  // Of so many sentences.
+  explicit Progress(std::size_t sentences);
   ~Progress();
   Progress(const Progress&) = delete;
   Progress& operator=(const Progress&) = delete;
 
-  // A sentence of this many bytes is done.
-  void passed(std::size_t bytes);
+  // A sentence of this many bytes is done; how many does not matter where the sentences are counted.
+  void passed(std::size_t bytes = 1);
 
  private:
   using Clock = std::chrono::steady_clock;
 
+  std::mutex mutex_;
   bool shows_;
   bool is_shown_ = false;
-  double size_ = 0;  // bytes; 0: not known
+  std::size_t of_ = 0;  // sentences; 0: not known
+  double size_ = 0;     // bytes, or sentences; 0: not known
   double passed_ = 0;
   std::int64_t sentences_ = 0;
   Clock::time_point start_;

@@ -16,7 +16,8 @@
 #include <editline/readline.h>
 #include <unistd.h>
 
-#include "dicttool/list.hpp"
+#include "data/platform.hpp"
+#include "dicttool/find.hpp"
 #include "front/process.hpp"
 #include "lab/bench.hpp"
 #include "lab/commands.hpp"
@@ -160,7 +161,6 @@ class Shell {
   std::optional<GraphText> graph_;
   std::vector<std::string> rule_lines_;  // of the text; empty: not read
   bool is_changed_ = false;              // the rules differ from their file
-  File entries_;                         // the dictionary as text, for searching; null: not made
 };
 
 // ---- What is loaded
@@ -217,7 +217,6 @@ const GraphText& Shell::graph() {
 void Shell::reload() {
   const bool was_changed = std::exchange(is_changed_, false);
   rule_lines_.clear();
-  if (seen_[0] != Seen(files_.dictionary)) entries_.reset();
   const bool is_same =
       seen_[0] == Seen(files_.dictionary) && seen_[1] == Seen(files_.rules) && seen_[2] == Seen(files_.cooccurrence);
   if (!project_.has_value() || !is_same || was_changed) {
@@ -332,36 +331,29 @@ void Shell::find_words(std::string_view rest) {
     }
   }
   if (attrs.empty() && prefix.empty()) return;
-  if (entries_ == nullptr) {
-    entries_.reset(std::tmpfile());
+  // The prefix may be that of the form or of the concept word.
+  std::vector<std::string> found;
+  for (const int field : {kKeyHw, kKeyCw}) {
+    if (prefix.empty() && field != kKeyHw) break;
+    FindQuery query{.attributes = attrs, .field = field};
+    if (!prefix.empty()) query.prefixes.push_back(prefix);
     const auto session = std::make_unique<Session>();
-    if (entries_ == nullptr || !dictionary_list(*session, files_.dictionary, entries_.get(), stderr))
-      throw Fault(files_.dictionary + ": cannot be listed");
+    const File entries = unnamed_file();
+    if (entries == nullptr ||
+        dictionary_find(*session, files_.dictionary, query, entries.get(), stderr) == FindResult::failed)
+      throw Fault(files_.dictionary + ": cannot be searched");
+    std::string text(static_cast<std::size_t>(file_size(entries.get())), '\0');
+    if (!text.empty() && !file_read_at(entries.get(), 0, text.data(), text.size()))
+      throw Fault("what was found cannot be read");
+    std::istringstream lines(text);
+    for (std::string line; std::getline(lines, line);) found.push_back(std::move(line));
   }
-  std::rewind(entries_.get());
-  constexpr std::int64_t kMostShown = 200;
-  std::int64_t found = 0;
-  std::string line;
-  for (int c = std::getc(entries_.get()); c != EOF; c = std::getc(entries_.get())) {
-    if (c != '\n') {
-      line += static_cast<char>(c);
-      continue;
-    }
-    // [HW]{ID} GLOSS "CW" (ATTRS) ...
-    const std::string_view entry = line;
-    const std::size_t concept_at = entry.find('"');
-    const bool fits = prefix.empty() || entry.substr(1).starts_with(prefix) ||
-                      (concept_at != std::string_view::npos && entry.substr(concept_at + 1).starts_with(prefix));
-    const std::size_t open = entry.find("\" (");
-    const std::size_t close = entry.rfind(')');
-    const bool has_list = open != std::string_view::npos && close != std::string_view::npos && close > open;
-    const std::string list = has_list ? ',' + std::string(entry.substr(open + 3, close - open - 3)) + ',' : ",";
-    const auto has = [&list](const std::string& attr) { return list.find(',' + attr + ',') != std::string::npos; };
-    if (fits && std::all_of(attrs.begin(), attrs.end(), has) && ++found <= kMostShown) print(line);
-    line.clear();
-  }
-  if (found > kMostShown) print("and " + std::to_string(found - kMostShown) + " more");
-  if (found == 0) print("no entry fits");
+  std::ranges::sort(found);
+  found.erase(std::unique(found.begin(), found.end()), found.end());
+  constexpr std::size_t kMostShown = 200;
+  for (std::size_t i = 0; i < std::min(found.size(), kMostShown); ++i) print(found[i]);
+  if (found.size() > kMostShown) print("and " + std::to_string(found.size() - kMostShown) + " more");
+  if (found.empty()) print("no entry fits");
 }
 
 // ---- Rules
@@ -466,7 +458,6 @@ bool Shell::obey(std::string_view line) {
     file = argument;
     project_.reset();
     bench_.reset();
-    entries_.reset();
     rule_lines_.clear();
     is_changed_ = false;
   };

@@ -1,5 +1,9 @@
 #include "lab/show.hpp"
 
+#include <cstdlib>
+
+#include <unistd.h>
+
 #include <algorithm>
 #include <vector>
 
@@ -182,6 +186,10 @@ std::string entry_line(const WordEntry& word) {
   std::string line = output.take();
   while (line.ends_with('\n')) line.pop_back();
   return line;
+}
+
+bool wants_colours() {
+  return isatty(STDOUT_FILENO) != 0 && std::getenv("NO_COLOR") == nullptr;
 }
 
 std::string count_text(std::int64_t count, std::string_view noun) {

@@ -31,6 +31,9 @@ namespace lab {
 // The word as a line of entry text, without its end.
 [[nodiscard]] std::string entry_line(const WordEntry& word);
 
+// Does standard output go to a terminal whose user takes colours?
+[[nodiscard]] bool wants_colours();
+
 // "3 rules", "1 rule".
 [[nodiscard]] std::string count_text(std::int64_t count, std::string_view noun);
 

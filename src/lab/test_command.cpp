@@ -1,20 +1,17 @@
 // lexon-lab test: sentences against what is expected of them, and what changed.
 
-#include <unistd.h>
-
 #include <algorithm>
 #include <atomic>
-#include <chrono>
-#include <cstdlib>
 #include <iostream>
 #include <memory>
-#include <mutex>
 #include <thread>
 
 #include "front/process.hpp"
 #include "lab/commands.hpp"
 #include "lab/gold.hpp"
+#include "lab/progress.hpp"
 #include "lab/project.hpp"
+#include "lab/show.hpp"
 #include "lab/text_file.hpp"
 
 namespace lexon {
@@ -53,41 +50,6 @@ std::string label_of(const Sentence& sentence) {
   return line.empty() ? line : line.substr(1, close == std::string::npos ? close : close - 1);
 }
 
-// Shows on a terminal how far long work has come.
-class Progress {
- public:
-  explicit Progress(std::size_t all) : all_(all), is_shown_(isatty(STDERR_FILENO) != 0) {}
-  ~Progress() {
-    if (has_shown_) std::fputs(kClearLine, stderr);
-  }
-  Progress(const Progress&) = delete;
-  Progress& operator=(const Progress&) = delete;
-
-  void step() {
-    const std::lock_guard lock(mutex_);
-    ++done_;
-    const auto now = std::chrono::steady_clock::now();
-    if (!is_shown_ || now - last_ < std::chrono::milliseconds(200)) return;
-    last_ = now;
-    has_shown_ = true;
-    const double seconds = std::chrono::duration<double>(now - begin_).count();
-    const double rate = static_cast<double>(done_) / seconds;
-    std::fprintf(stderr, "%s%zu of %zu, %.0f/s, %.0f s left", kClearLine, done_, all_, rate,
-                 static_cast<double>(all_ - done_) / rate);
-  }
-
- private:
-  static constexpr const char* kClearLine = "\r\x1b[K";
-
-  std::mutex mutex_;
-  std::size_t all_;
-  std::size_t done_ = 0;
-  bool is_shown_;
-  bool has_shown_ = false;
-  std::chrono::steady_clock::time_point begin_ = std::chrono::steady_clock::now();
-  std::chrono::steady_clock::time_point last_ = begin_;
-};
-
 void render_one(Generator& generator, const Settings& settings, const GraphText& graph,
                 std::vector<Outcome>& outcomes) {
   for (const Sentence& sentence : generator.render(graph.text, settings)) {
@@ -113,7 +75,7 @@ std::vector<Outcome> render_all(const Grammar& grammar, const Arguments& argumen
     Generator generator(grammar);
     for (std::size_t i = next++; i < graphs.size(); i = next++) {
       render_one(generator, settings, graphs[i], outcomes[i]);
-      progress.step();
+      progress.passed();
     }
   };
   std::vector<std::thread> threads;
@@ -178,7 +140,7 @@ std::vector<Outcome> outcomes_against(const Arguments& arguments, const std::vec
 
 class Report {
  public:
-  Report() : in_colours_(isatty(STDOUT_FILENO) != 0 && std::getenv("NO_COLOR") == nullptr) {}
+  Report() : in_colours_(wants_colours()) {}
 
   static std::string place(const Outcome& outcome) {
     return escaped(outcome.file) + ':' + std::to_string(outcome.line) + ": " +

@@ -88,6 +88,8 @@ def main():
         # Coverage: what is merged is counted twice, and what is pruned still renders all.
         expected = table.text(table.ROOT / "examples" / "english" / "expected.txt")
         shows("coverage", ["coverage", "input.txt", *GRAMMAR, "--data", "one.json", "--html", "page.html", "--lcov", "trace.info", "--prune", "pruned.txt"], 0, [])
+        shows("coverage on threads", ["coverage", "input.txt", *GRAMMAR, "-j", "3", "--data", "three.json"], 0, [])
+        table.check("the same counts on threads", table.text(folder / "three.json"), table.text(folder / "one.json"))
         shows("coverage merged", ["coverage", "input.txt", *GRAMMAR, "-m", "one.json", "--data", "two.json"], 0, [])
         single, double = (json.loads(table.text(folder / name))["rules"] for name in ("one.json", "two.json"))
         table.check("merged counts", [(rule["hits"], rule["undone"]) for rule in double], [(2 * rule["hits"], 2 * rule["undone"]) for rule in single])

@@ -1,0 +1,1100 @@
+// lexon-lab lsp: a language server over standard input and output.
+//
+// One thread reads messages and notes what is cancelled; one answers them in order; one looks at projects that have
+// changed, once the keys rest, and publishes what it finds. Answers never wait for the third.
+
+#include <algorithm>
+#include <array>
+#include <chrono>
+#include <condition_variable>
+#include <cstdio>
+#include <deque>
+#include <filesystem>
+#include <functional>
+#include <map>
+#include <memory>
+#include <mutex>
+#include <nlohmann/json.hpp>
+#include <optional>
+#include <set>
+#include <thread>
+#include <unordered_map>
+
+#include "data/utf8.hpp"
+#include "front/process.hpp"
+#include "lab/commands.hpp"
+#include "lab/lsp_frames.hpp"
+#include "lab/lsp_model.hpp"
+#include "lab/lsp_outline.hpp"
+#include "lab/options.hpp"
+#include "lab/text_file.hpp"
+#include "source/source_text.hpp"
+
+namespace lexon {
+inline namespace v1 {
+namespace lab {
+
+namespace {
+
+using Json = nlohmann::json;
+using Clock = std::chrono::steady_clock;
+
+// The codes of the protocol.
+constexpr int kInvalidRequest = -32600;
+constexpr int kMethodNotFound = -32601;
+constexpr int kInvalidParams = -32602;
+constexpr int kInternalError = -32603;
+constexpr int kNotInitialized = -32002;
+constexpr int kRequestCancelled = -32800;
+constexpr int kRequestFailed = -32803;
+
+struct RequestError {
+  int code;
+  std::string text;
+};
+
+constexpr std::size_t kMostFindings = 1000;    // of one file; an editor shows no more anyway
+constexpr std::size_t kMostCompletions = 500;  // the rest comes when more is typed
+constexpr std::chrono::milliseconds kRest{200};
+
+// ---- Between the project and the protocol
+
+Json json_of(const TextPosition& position) {
+  return {{"line", position.line}, {"character", position.character}};
+}
+
+Json range_of(const LinedText& text, std::size_t line, std::size_t begin, std::size_t end) {
+  return {{"start", json_of(text.position(line, begin))}, {"end", json_of(text.position(line, end))}};
+}
+
+Json location_of(const NameUse& use) {
+  return {{"uri", use.file->uri}, {"range", range_of(*use.text, use.line, use.part.begin, use.part.end)}};
+}
+
+TextPosition position_of(const Json& json) {
+  return {json.at("line").get<std::int64_t>(), json.at("character").get<std::int64_t>()};
+}
+
+// The byte of a column in characters, which counts from 1.
+std::size_t byte_of_column(std::string_view line, std::size_t column) {
+  std::size_t at = 0;
+  for (; column > 1 && at < line.size(); --column) at += std::max<std::size_t>(utf8_first(line.substr(at)).length, 1);
+  return std::min(at, line.size());
+}
+
+struct Place {
+  std::size_t line;
+  std::size_t begin;
+  std::size_t end;
+};
+
+Place place_of(const Finding& finding, const LinedText& text) {
+  if (finding.line < 1) return {0, 0, 0};
+  const auto line = static_cast<std::size_t>(finding.line) - 1;
+  const std::string_view shown = text.line(line);
+  if (finding.column == 0) return {line, 0, shown.size()};
+  const std::size_t begin = byte_of_column(shown, finding.column);
+  return {line, begin, std::max(byte_of_column(shown, finding.end_column), begin)};
+}
+
+// Does the place of a finding still hold what its remedy is for?
+bool fix_fits(const Finding& finding, const LinedText& text, const Place& place) {
+  if (finding.fix.kind == Fix::Kind::none) return false;
+  if (finding.fix.old.empty() || finding.fix.kind == Fix::Kind::new_entry) return true;
+  return text.line(place.line).substr(place.begin, place.end - place.begin) == finding.fix.old;
+}
+
+constexpr std::array<int, 6> kSymbolKinds = {3,  12, 14,
+                                             15, 24, 20};  // namespace, function, constant, string, event, key
+
+Json outline_json(const std::vector<OutlineItem>& items, const LinedText& text) {
+  Json all = Json::array();
+  for (const OutlineItem& item : items) {
+    Json one{{"name", item.name},
+             {"kind", kSymbolKinds[static_cast<std::size_t>(item.kind)]},
+             {"range",
+              {{"start", {{"line", item.begin}, {"character", 0}}},
+               {"end", json_of(text.position(item.end, text.line(item.end).size()))}}},
+             {"selectionRange", range_of(text, item.begin, 0, text.line(item.begin).size())}};
+    if (!item.detail.empty()) one["detail"] = item.detail;
+    if (!item.children.empty()) one["children"] = outline_json(item.children, text);
+    all.push_back(std::move(one));
+  }
+  return all;
+}
+
+// For clients that know no trees.
+void outline_flat(const std::vector<OutlineItem>& items, const LinedText& text, const std::string& uri, Json& all) {
+  for (const OutlineItem& item : items) {
+    all.push_back({{"name", item.name},
+                   {"kind", kSymbolKinds[static_cast<std::size_t>(item.kind)]},
+                   {"location", {{"uri", uri}, {"range", range_of(text, item.begin, 0, text.line(item.end).size())}}}});
+    outline_flat(item.children, text, uri, all);
+  }
+}
+
+// ---- Looking at projects behind the back of the keys
+
+class Watch {
+ public:
+  // Called from its thread.
+  using Publish = std::function<void(const ProjectFiles&, const Overlay&, const std::shared_ptr<const Analysis>&)>;
+  explicit Watch(Publish publish) : publish_(std::move(publish)), thread_([this] { run(); }) {}
+  ~Watch() {
+    {
+      const std::scoped_lock lock(mutex_);
+      is_over_ = true;
+    }
+    wake_.notify_all();
+    thread_.join();
+  }
+  Watch(const Watch&) = delete;
+  Watch& operator=(const Watch&) = delete;
+
+  // Asks for a look at the project once nothing has been asked for `rest`.
+  void ask(const std::string& name, ProjectFiles files, const Overlay& unsaved, std::chrono::milliseconds rest) {
+    {
+      const std::scoped_lock lock(mutex_);
+      wanted_[name] = {std::move(files), unsaved};
+      due_ = Clock::now() + rest;
+    }
+    wake_.notify_all();
+  }
+  void forget(const std::string& name) {
+    const std::scoped_lock lock(mutex_);
+    wanted_.erase(name);
+  }
+
+ private:
+  struct Job {
+    ProjectFiles files;
+    Overlay unsaved;
+  };
+
+  void run() {
+    std::unique_lock lock(mutex_);
+    while (!is_over_) {
+      if (wanted_.empty()) {
+        wake_.wait(lock);
+        continue;
+      }
+      if (Clock::now() < due_) {
+        wake_.wait_until(lock, due_);
+        continue;
+      }
+      const std::string name = wanted_.begin()->first;
+      const Job job = std::move(wanted_.begin()->second);
+      wanted_.erase(wanted_.begin());
+      lock.unlock();
+      try {
+        publish_(job.files, job.unsaved, analysts_[name].look_at(job.files, job.unsaved));
+      } catch (const std::exception& fault) {
+        tell_line(std::string("lexon-lab lsp: ") + fault.what());
+      }
+      lock.lock();
+    }
+  }
+
+  Publish publish_;
+  std::mutex mutex_;
+  std::condition_variable wake_;
+  std::map<std::string, Job> wanted_;
+  std::map<std::string, Analyst> analysts_;  // of its thread alone
+  Clock::time_point due_;
+  bool is_over_ = false;
+  std::thread thread_;
+};
+
+// ---- The server
+
+struct OpenDocument {
+  std::string uri;
+  std::string path;
+  std::string language;
+  std::int64_t version = 0;
+};
+
+class Server {
+ public:
+  Server(std::FILE* in, std::FILE* out) : in_(in), writer_(out) {}
+
+  // Reads till the end; the status of the program.
+  int run() {
+    std::thread answering([this] { answer_all(); });
+    std::string text;
+    for (bool goes_on = true; goes_on;) {
+      switch (frame_read(in_, text)) {
+        case Frame::end: goes_on = false; break;
+        case Frame::bad: send_error(nullptr, kInvalidRequest, text); break;
+        case Frame::message: goes_on = take(text); break;
+      }
+    }
+    {
+      const std::scoped_lock lock(mutex_);
+      is_over_ = true;
+    }
+    wake_.notify_all();
+    answering.join();
+    watch_.reset();
+    return is_exited_ && is_shut_down_ ? kDone : kFailed;
+  }
+
+ private:
+  // ---- Messages
+
+  void send(const Json& message) { writer_.write(message.dump(-1, ' ', false, Json::error_handler_t::replace)); }
+  void send_error(const Json& id, int code, const std::string& text) {
+    send({{"jsonrpc", "2.0"}, {"id", id}, {"error", {{"code", code}, {"message", text}}}});
+  }
+  void notify(const char* method, Json params) {
+    send({{"jsonrpc", "2.0"}, {"method", method}, {"params", std::move(params)}});
+  }
+
+  // False behind "exit".
+  bool take(const std::string& text) {
+    Json message = Json::parse(text, nullptr, false);
+    if (message.is_discarded()) {
+      send_error(nullptr, -32700, "the message is no JSON");
+      return true;
+    }
+    const bool is_answer =
+        message.is_object() && !message.contains("method") && (message.contains("result") || message.contains("error"));
+    if (is_answer) return true;
+    const auto method = message.is_object() ? message.find("method") : message.end();
+    if (!message.is_object() || method == message.end() || !method->is_string()) {
+      send_error(message.is_object() ? message.value("id", Json()) : Json(), kInvalidRequest,
+                 "a message is an object with a \"method\"");
+      return true;
+    }
+    const std::string name = method->get<std::string>();
+    const auto id = message.find("id");
+    if (id != message.end() && !id->is_string() && !id->is_number_integer()) {
+      send_error(nullptr, kInvalidRequest, "\"id\" is a number or a string");
+      return true;
+    }
+    const std::scoped_lock lock(mutex_);
+    if (name == "$/cancelRequest") {
+      const auto params = message.find("params");
+      if (params == message.end() || !params->is_object()) return true;
+      const std::string cancelled = params->value("id", Json()).dump();
+      if (pending_.contains(cancelled)) cancelled_.insert(cancelled);
+      return true;
+    }
+    if (id != message.end()) pending_.insert(id->dump());
+    queue_.push_back(std::move(message));
+    wake_.notify_all();
+    return name != "exit";
+  }
+
+  void answer_all() {
+    while (true) {
+      Json message;
+      {
+        std::unique_lock lock(mutex_);
+        wake_.wait(lock, [this] { return is_over_ || !queue_.empty(); });
+        if (queue_.empty()) return;
+        message = std::move(queue_.front());
+        queue_.pop_front();
+      }
+      answer(message);
+      if (is_exited_) return;
+    }
+  }
+
+  void refuse_if_cancelled() {
+    const std::scoped_lock lock(mutex_);
+    if (cancelled_.contains(current_)) throw RequestError{kRequestCancelled, "the request was cancelled"};
+  }
+
+  void answer(const Json& message) {
+    const std::string method = message.at("method").get<std::string>();
+    const bool is_request = message.contains("id");
+    const Json id = is_request ? message.at("id") : Json();
+    current_ = is_request ? id.dump() : std::string();
+    const auto refuse = [&](int code, const std::string& text) {
+      if (is_request) {
+        send_error(id, code, text);
+      } else {
+        tell_line("lexon-lab lsp: " + method + ": " + text);
+      }
+    };
+    try {
+      if (is_request) refuse_if_cancelled();
+      static const Json kNoParams = Json::object();
+      const auto params = message.find("params");
+      const Json& given = params == message.end() || params->is_null() ? kNoParams : *params;
+      if (is_request) {
+        const Json result = request(method, given);
+        send({{"jsonrpc", "2.0"}, {"id", id}, {"result", result}});
+      } else {
+        notified(method, given);
+      }
+    } catch (const RequestError& error) {
+      refuse(error.code, error.text);
+    } catch (const Json::exception& error) {
+      refuse(kInvalidParams, std::string("the parameters are not those of this request: ") + error.what());
+    } catch (const std::exception& error) {
+      refuse(kInternalError, error.what());
+    }
+    if (!is_request) return;
+    const std::scoped_lock lock(mutex_);
+    pending_.erase(current_);
+    cancelled_.erase(current_);
+  }
+
+  Json request(const std::string& method, const Json& params) {
+    using Answer = Json (Server::*)(const Json&);
+    static const std::unordered_map<std::string, Answer> kAnswers = {
+        {"textDocument/hover", &Server::hover},
+        {"textDocument/definition", &Server::definition},
+        {"textDocument/references", &Server::references},
+        {"textDocument/prepareRename", &Server::prepare_rename},
+        {"textDocument/rename", &Server::rename},
+        {"textDocument/completion", &Server::completion},
+        {"textDocument/codeAction", &Server::code_action},
+        {"textDocument/documentSymbol", &Server::document_symbol},
+        {"textDocument/foldingRange", &Server::folding_range},
+    };
+    if (is_shut_down_) throw RequestError{kInvalidRequest, "the server is shut down"};
+    if (method == "initialize") {
+      if (is_initialized_) throw RequestError{kInvalidRequest, "the server is initialized already"};
+      return initialize(params);
+    }
+    if (!is_initialized_) throw RequestError{kNotInitialized, "the first request is \"initialize\""};
+    if (method == "shutdown") {
+      is_shut_down_ = true;
+      watch_.reset();
+      return nullptr;
+    }
+    const auto found = kAnswers.find(method);
+    if (found == kAnswers.end()) throw RequestError{kMethodNotFound, "there is no method " + method};
+    return (this->*found->second)(params);
+  }
+
+  void notified(const std::string& method, const Json& params) {
+    if (method == "exit") {
+      is_exited_ = true;
+      return;
+    }
+    if (!is_initialized_ || is_shut_down_) return;
+    if (method == "initialized") {
+      register_watchers();
+    } else if (method == "textDocument/didOpen") {
+      did_open(params);
+    } else if (method == "textDocument/didChange") {
+      did_change(params);
+    } else if (method == "textDocument/didClose") {
+      did_close(params);
+    } else if (method == "textDocument/didSave" || method == "workspace/didChangeWatchedFiles") {
+      find_projects();
+    } else if (method == "workspace/didChangeConfiguration") {
+      const Json& settings = params.contains("settings") ? params.at("settings") : params;
+      read_settings(settings.is_object() && settings.contains("lexon") ? settings.at("lexon") : settings);
+      find_projects();
+    } else if (method == "workspace/didChangeWorkspaceFolders") {
+      const Json& event = params.at("event");
+      for (const Json& folder : event.at("removed")) {
+        if (const auto path = path_of_uri(folder.at("uri").get<std::string>())) std::erase(folders_, file_key(*path));
+      }
+      for (const Json& folder : event.at("added")) add_folder(folder.at("uri"));
+      find_projects();
+    }
+    // Others are nothing that a server has to know.
+  }
+
+  // ---- Beginning
+
+  void add_folder(const Json& uri) {
+    if (!uri.is_string()) return;
+    if (const auto path = path_of_uri(uri.get<std::string>())) folders_.push_back(file_key(*path));
+  }
+
+  Json initialize(const Json& params) {
+    is_initialized_ = true;
+    if (const auto list = params.find("workspaceFolders"); list != params.end() && list->is_array()) {
+      for (const Json& folder : *list) add_folder(folder.at("uri"));
+    }
+    if (folders_.empty() && params.contains("rootUri")) add_folder(params.at("rootUri"));
+    if (folders_.empty() && params.contains("rootPath") && params.at("rootPath").is_string())
+      folders_.push_back(file_key(params.at("rootPath").get<std::string>()));
+    if (params.contains("initializationOptions")) read_settings(params.at("initializationOptions"));
+    const Json capabilities = params.value("capabilities", Json::object());
+    const auto can = [&capabilities](const char* pointer) {
+      const Json::json_pointer at(pointer);
+      return capabilities.contains(at) && capabilities.at(at).is_boolean() && capabilities.at(at).get<bool>();
+    };
+    has_trees_ = can("/textDocument/documentSymbol/hierarchicalDocumentSymbolSupport");
+    has_versions_ = can("/workspace/workspaceEdit/documentChanges");
+    watches_files_ = can("/workspace/didChangeWatchedFiles/dynamicRegistration");
+    const Json::json_pointer formats("/textDocument/hover/contentFormat");
+    is_markdown_ = capabilities.contains(formats) && capabilities.at(formats).is_array() &&
+                   std::ranges::find(capabilities.at(formats), Json("markdown")) != capabilities.at(formats).end();
+    watch_ = std::make_unique<Watch>(
+        [this](const ProjectFiles& files, const Overlay& unsaved, const std::shared_ptr<const Analysis>& analysis) {
+          publish(files, unsaved, analysis);
+        });
+    return {{"serverInfo", {{"name", "lexon-lab lsp"}, {"version", LEXON_VERSION}}},
+            {"capabilities",
+             {{"positionEncoding", "utf-16"},
+              {"textDocumentSync", {{"openClose", true}, {"change", 2}, {"save", {{"includeText", false}}}}},
+              {"hoverProvider", true},
+              {"definitionProvider", true},
+              {"referencesProvider", true},
+              {"renameProvider", {{"prepareProvider", true}}},
+              {"completionProvider",
+               {{"triggerCharacters", {",", ":", "^", "+", "-", "@", "<", ">", "{", "\"", "[", "(", ".", "%"}}}},
+              {"codeActionProvider", {{"codeActionKinds", Json::array({"quickfix"})}}},
+              {"documentSymbolProvider", true},
+              {"foldingRangeProvider", true},
+              {"workspace", {{"workspaceFolders", {{"supported", true}, {"changeNotifications", true}}}}}}}};
+  }
+
+  void register_watchers() {
+    if (!watches_files_) return;
+    Json watchers = Json::array();
+    for (const char* pattern : {"**/*.txt", "**/*.lxr", "**/*.rules", "**/*.tsv", "**/*.entries", "**/*.graphs",
+                                "**/lexon.json", "**/coverage.json"}) {
+      watchers.push_back(Json::object({{"globPattern", pattern}}));
+    }
+    send({{"jsonrpc", "2.0"},
+          {"id", "watch"},
+          {"method", "client/registerCapability"},
+          {"params",
+           {{"registrations", Json::array({{{"id", "watch"},
+                                            {"method", "workspace/didChangeWatchedFiles"},
+                                            {"registerOptions", {{"watchers", watchers}}}}})}}}});
+  }
+
+  void read_settings(const Json& settings) {
+    if (!settings.is_object()) return;
+    if (const auto project = settings.find("project"); project != settings.end())
+      settings_ = project->is_object() && !project->empty() ? project->dump() : std::string();
+    if (const auto rest = settings.find("delay"); rest != settings.end() && rest->is_number_integer()) {
+      constexpr std::int64_t kLongest = 60000;
+      rest_ = std::chrono::milliseconds(std::clamp<std::int64_t>(rest->get<std::int64_t>(), 0, kLongest));
+    }
+  }
+
+  // ---- Documents and their projects
+
+  void did_open(const Json& params) {
+    const Json& given = params.at("textDocument");
+    OpenDocument document;
+    document.uri = given.at("uri").get<std::string>();
+    const auto path = path_of_uri(document.uri);
+    if (!path) return;  // not in a file: it belongs to no project
+    document.path = *path;
+    document.language = given.value("languageId", "");
+    document.version = given.value("version", std::int64_t{0});
+    store_.open(*path, given.at("text").get<std::string>());
+    {
+      const std::scoped_lock lock(documents_mutex_);
+      documents_[file_key(*path)] = document;
+    }
+    find_projects();
+  }
+
+  void did_change(const Json& params) {
+    const Json& given = params.at("textDocument");
+    const auto path = path_of_uri(given.at("uri").get<std::string>());
+    if (!path || !store_.is_open(*path)) return;
+    for (const Json& change : params.at("contentChanges")) {
+      const std::string text = change.at("text").get<std::string>();
+      if (const auto range = change.find("range"); range != change.end()) {
+        store_.open(*path,
+                    store_.text(*path)->replaced(position_of(range->at("start")), position_of(range->at("end")), text));
+      } else {
+        store_.open(*path, text);
+      }
+    }
+    {
+      const std::scoped_lock lock(documents_mutex_);
+      documents_[file_key(*path)].version = given.value("version", std::int64_t{0});
+    }
+    const bool is_settings = std::filesystem::path(*path).filename() == kProjectFile;
+    if (is_settings) return find_projects();
+    const std::string key = file_key(*path);
+    for (const auto& [name, files] : projects_) {
+      if (has_file(name, files, key)) watch_->ask(name, files, store_.unsaved(), rest_);
+    }
+  }
+
+  void did_close(const Json& params) {
+    const auto path = path_of_uri(params.at("textDocument").at("uri").get<std::string>());
+    if (!path) return;
+    store_.close(*path);
+    {
+      const std::scoped_lock lock(documents_mutex_);
+      documents_.erase(file_key(*path));
+    }
+    find_projects();
+  }
+
+  // Does the project read this file? Sources tell what they include once they were looked at.
+  bool has_file(const std::string& name, const ProjectFiles& files, const std::string& key) {
+    const std::vector<std::string> keys = files.keys();
+    if (std::ranges::find(keys, key) != keys.end()) return true;
+    const auto analysis = analysis_of(name);
+    return analysis != nullptr && std::ranges::any_of(analysis->sources, [&key](const std::string& source) {
+             return file_key(source) == key;
+           });
+  }
+
+  std::shared_ptr<const Analysis> analysis_of(const std::string& name) {
+    const std::scoped_lock lock(documents_mutex_);
+    const auto found = analyses_.find(name);
+    return found == analyses_.end() ? nullptr : found->second;
+  }
+
+  static std::string name_of(const ProjectFiles& files) {
+    return files.rules.empty() ? files.folder : file_key(files.rules);
+  }
+
+  // The projects of all open documents, found anew, and looked at.
+  void find_projects() {
+    std::map<std::string, ProjectFiles> found;
+    std::map<std::string, std::string> owners;
+    for (const auto& [key, document] : documents_) {
+      if (std::filesystem::path(key).filename() == kProjectFile) continue;
+      ProjectFiles files = files_for(document, key);
+      const std::string name = name_of(files);
+      owners[key] = name;
+      found.try_emplace(name, std::move(files));
+    }
+    for (const auto& [name, files] : projects_) {
+      if (!found.contains(name)) drop_project(name);
+    }
+    projects_ = std::move(found);
+    owners_ = std::move(owners);
+    for (const auto& [name, files] : projects_) {
+      if (!files.fault.empty()) notify("window/showMessage", {{"type", 1}, {"message", files.fault}});
+      watch_->ask(name, files, store_.unsaved(), std::chrono::milliseconds(0));
+    }
+  }
+
+  ProjectFiles files_for(const OpenDocument& document, const std::string& key) {
+    std::string top;
+    for (const std::string& folder : folders_) {
+      if ((key + '/').starts_with(folder + '/') && folder.size() > top.size()) top = folder;
+    }
+    ProjectFiles files;
+    if (!settings_.empty() && !top.empty()) {
+      files = project_files_from(top, settings_, "the settings", &store_.unsaved());
+      const std::vector<std::string> keys = files.keys();
+      if (std::ranges::find(keys, key) != keys.end()) return files;
+    }
+    files = project_files_of(project_folder_of(key, top), &store_.unsaved());
+    if (has_file(name_of(files), files, key)) return files;
+    if (is_included(files, key)) return files;
+    // A file that nobody names joins the others of its folder.
+    switch (kind_of(document)) {
+      case TextKind::graphs: files.graphs.push_back(document.path); break;
+      case TextKind::entries: files.words.push_back(document.path); break;
+      case TextKind::cooccurrence: files.cooccurrence = document.path; break;
+      default: files.rules = document.path; break;
+    }
+    return files;
+  }
+
+  bool is_included(const ProjectFiles& files, const std::string& key) {
+    if (!files.rules.ends_with(kSourceExtension)) return false;
+    const Expansion expansion = expand_source(files.rules, store_.unsaved().lookup());
+    return std::ranges::any_of(expansion.map.files,
+                               [&key](const MappedFile& file) { return file_key(file.path) == key; });
+  }
+
+  static TextKind kind_of(const OpenDocument& document) {
+    const std::string name = std::filesystem::path(document.path).filename().string();
+    if (document.language == "lexon-graph") return TextKind::graphs;
+    if (document.language == "lexon-dictionary")
+      return name.find("cr.") != std::string::npos ? TextKind::cooccurrence : TextKind::entries;
+    if (document.language == "lexon-rules" || name.ends_with(kSourceExtension)) return TextKind::rules;
+    if (name.find("rules") != std::string::npos) return TextKind::rules;
+    if (name == "cr.txt" || name.ends_with("-cr.txt")) return TextKind::cooccurrence;
+    if (name.find("entries") != std::string::npos) return TextKind::entries;
+    const bool is_graph =
+        name.find("graph") != std::string::npos || name.starts_with("input") || name.ends_with(".sem");
+    return is_graph ? TextKind::graphs : TextKind::rules;
+  }
+
+  void drop_project(const std::string& name) {
+    watch_->forget(name);
+    std::vector<std::string> uris;
+    {
+      const std::scoped_lock lock(documents_mutex_);
+      analyses_.erase(name);
+      std::erase_if(published_, [&](const auto& each) {
+        if (each.second.project != name) return false;
+        uris.push_back(uri_of_path(each.first));
+        return true;
+      });
+    }
+    for (const std::string& uri : uris)
+      notify("textDocument/publishDiagnostics", {{"uri", uri}, {"diagnostics", Json::array()}});
+  }
+
+  // ---- Findings
+
+  Json diagnostic_of(const Finding& finding, const LinedText& text) {
+    const Place place = place_of(finding, text);
+    const int severity = finding.level == Level::error ? 1 : finding.level == Level::warning ? 2 : 3;
+    std::string message = finding.text;
+    if (!finding.remedy.empty()) message += "\nfix: " + finding.remedy;
+    return {{"range", range_of(text, place.line, place.begin, place.end)},
+            {"severity", severity},
+            {"code", finding.code},
+            {"source", "lexon"},
+            {"message", message}};
+  }
+
+  // In the thread of the watch.
+  void publish(const ProjectFiles& files, const Overlay& unsaved, const std::shared_ptr<const Analysis>& analysis) {
+    const std::string name = name_of(files);
+    std::map<std::string, std::vector<const Finding*>> by_file;
+    for (const std::string& key : files.keys()) by_file[key];
+    for (const std::string& source : analysis->sources) by_file[file_key(source)];
+    for (const Finding& finding : analysis->findings) by_file[file_key(finding.file)].push_back(&finding);
+    std::map<std::string, OpenDocument> documents;
+    {
+      const std::scoped_lock lock(documents_mutex_);
+      analyses_[name] = analysis;
+      documents = documents_;
+    }
+    for (auto& [key, findings] : by_file) {
+      std::shared_ptr<const std::string> shown = unsaved.find(key);
+      if (shown == nullptr) {
+        try {
+          shown = std::make_shared<const std::string>(text_file_read(key));
+        } catch (const Fault&) {
+          shown = std::make_shared<const std::string>();
+        }
+      }
+      const LinedText text(shown);
+      if (findings.size() > kMostFindings)
+        std::ranges::stable_sort(findings, {}, [](const Finding* finding) { return finding->level; });
+      Json diagnostics = Json::array();
+      for (const Finding* finding : findings) {
+        if (diagnostics.size() == kMostFindings) break;
+        diagnostics.push_back(diagnostic_of(*finding, text));
+      }
+      if (findings.size() > kMostFindings) {
+        diagnostics.push_back({{"range", range_of(text, 0, 0, 0)},
+                               {"severity", 3},
+                               {"source", "lexon"},
+                               {"message", "and " + std::to_string(findings.size() - kMostFindings) +
+                                               " more findings: lexon-lab check shows all"}});
+      }
+      Json params{{"uri", uri_of_path(key)}, {"diagnostics", std::move(diagnostics)}};
+      if (const auto document = documents.find(key); document != documents.end()) {
+        params["uri"] = document->second.uri;
+      }
+      {
+        const std::scoped_lock lock(documents_mutex_);
+        Published& before = published_[key];
+        // A file of several projects shows what the first of them finds.
+        const bool is_other = !before.project.empty() && before.project != name && analyses_.contains(before.project);
+        if (is_other && key != file_key(files.rules)) continue;
+        const std::size_t hash = std::hash<std::string>()(params.dump(-1, ' ', false, Json::error_handler_t::replace));
+        const bool is_same = before.hash == hash && before.project == name;
+        before = {name, hash, analysis, text.shared()};
+        if (is_same) continue;
+      }
+      notify("textDocument/publishDiagnostics", std::move(params));
+    }
+  }
+
+  // ---- Requests about a place
+
+  struct Asked {
+    std::unique_ptr<Model> model;
+    const TextFile* file = nullptr;  // null: the document is no text of a project
+    std::shared_ptr<const LinedText> text;
+    std::string key;
+    std::string uri;
+  };
+
+  Asked asked(const Json& params) {
+    Asked result;
+    result.uri = params.at("textDocument").at("uri").get<std::string>();
+    const auto path = path_of_uri(result.uri);
+    if (!path) return result;
+    result.key = file_key(*path);
+    const auto owner = owners_.find(result.key);
+    if (owner == owners_.end()) return result;
+    const auto project = projects_.find(owner->second);
+    if (project == projects_.end()) return result;
+    result.model = std::make_unique<Model>(store_, project->second, analysis_of(owner->second));
+    result.file = result.model->text_file(result.key);
+    result.text = store_.text(result.key);
+    return result;
+  }
+
+  Json hover(const Json& params) {
+    const Asked at = asked(params);
+    const TextPosition position = position_of(params.at("position"));
+    if (at.file == nullptr) return nullptr;
+    TokenPart part;
+    const Symbol symbol = at.model->symbol_at(*at.file, position, part);
+    std::string text = at.model->name_text(symbol);
+    const bool may_be_rule = at.file->kind == TextKind::rules || at.file->kind == TextKind::source;
+    const auto line = static_cast<std::size_t>(std::max<std::int64_t>(position.line, 0));
+    if (may_be_rule && line < at.text->line_count()) {
+      if (const std::string rule = at.model->rule_text(*at.file, line); !rule.empty())
+        text += (text.empty() ? "" : "\n\n---\n") + rule;
+    }
+    if (text.empty()) return nullptr;
+    Json result;
+    if (is_markdown_) {
+      result["contents"] = {{"kind", "markdown"}, {"value", text}};
+    } else {
+      std::erase_if(text, [](char c) { return c == '`' || c == '*'; });
+      result["contents"] = {{"kind", "plaintext"}, {"value", text}};
+    }
+    if (part.begin != part.end) result["range"] = range_of(*at.text, line, part.begin, part.end);
+    return result;
+  }
+
+  Json definition(const Json& params) {
+    const Asked at = asked(params);
+    const TextPosition position = position_of(params.at("position"));
+    if (at.file == nullptr) return nullptr;
+    TokenPart part;
+    const Symbol symbol = at.model->symbol_at(*at.file, position, part);
+    Json locations = Json::array();
+    for (const NameUse& use : at.model->definitions(symbol)) locations.push_back(location_of(use));
+    return locations;
+  }
+
+  Json references(const Json& params) {
+    const Asked at = asked(params);
+    const TextPosition position = position_of(params.at("position"));
+    if (at.file == nullptr) return nullptr;
+    TokenPart part;
+    const Symbol symbol = at.model->symbol_at(*at.file, position, part);
+    const bool with_declaration = !params.contains("context") || params.at("context").value("includeDeclaration", true);
+    Json locations = Json::array();
+    at.model->for_each_use(symbol, [&](const NameUse& use) {
+      if (with_declaration || use.token.use != TokenUse::gives) locations.push_back(location_of(use));
+      constexpr std::size_t kNowAndThen = 1000;
+      if (locations.size() % kNowAndThen == 0) refuse_if_cancelled();
+      return true;
+    });
+    return locations;
+  }
+
+  Json prepare_rename(const Json& params) {
+    const Asked at = asked(params);
+    const TextPosition position = position_of(params.at("position"));
+    if (at.file == nullptr) return nullptr;
+    TokenPart part;
+    const Symbol symbol = at.model->symbol_at(*at.file, position, part);
+    if (symbol.kind == Symbol::Kind::none) return nullptr;
+    if (const std::string fault = at.model->rename_fault(symbol, nullptr); !fault.empty())
+      throw RequestError{kRequestFailed, fault};
+    return {{"range", range_of(*at.text, static_cast<std::size_t>(position.line), part.begin, part.end)},
+            {"placeholder", symbol.name}};
+  }
+
+  Json rename(const Json& params) {
+    const Asked at = asked(params);
+    const TextPosition position = position_of(params.at("position"));
+    const std::string to = params.at("newName").get<std::string>();
+    if (at.file == nullptr) throw RequestError{kRequestFailed, "this text belongs to no project"};
+    TokenPart part;
+    const Symbol symbol = at.model->symbol_at(*at.file, position, part);
+    if (symbol.kind == Symbol::Kind::none) throw RequestError{kRequestFailed, "there is no name at this place"};
+    // The sign of a mark may be typed along.
+    const bool has_sign =
+        symbol.kind == Symbol::Kind::label && to.size() > 1 && (to.front() == '>' || to.front() == '<');
+    const std::string name = has_sign ? to.substr(1) : to;
+    if (const std::string fault = at.model->rename_fault(symbol, &name); !fault.empty())
+      throw RequestError{kRequestFailed, fault};
+    std::map<std::string, Json> by_file;
+    for (const NameUse& use : at.model->uses(symbol)) {
+      Json& edits = by_file[use.file->uri];
+      edits.push_back({{"range", range_of(*use.text, use.line, use.part.begin, use.part.end)}, {"newText", name}});
+      constexpr std::size_t kNowAndThen = 1000;
+      if (edits.size() % kNowAndThen == 0) refuse_if_cancelled();
+    }
+    return workspace_edit(by_file);
+  }
+
+  Json workspace_edit(const std::map<std::string, Json>& by_file) {
+    Json changes = has_versions_ ? Json::array() : Json::object();
+    for (const auto& [file, edits] : by_file) {
+      const auto document =
+          std::ranges::find_if(documents_, [&file](const auto& each) { return uri_of_path(each.first) == file; });
+      const bool is_open = document != documents_.end();
+      const std::string& uri = is_open ? document->second.uri : file;
+      if (has_versions_) {
+        changes.push_back(
+            {{"textDocument", {{"uri", uri}, {"version", is_open ? Json(document->second.version) : Json()}}},
+             {"edits", edits}});
+      } else {
+        changes[uri] = edits;
+      }
+    }
+    Json edit = Json::object();
+    edit[has_versions_ ? "documentChanges" : "changes"] = std::move(changes);
+    return edit;
+  }
+
+  // ---- Completion
+
+  Json completion(const Json& params) {
+    const Asked at = asked(params);
+    const TextPosition position = position_of(params.at("position"));
+    if (at.file == nullptr || position.line < 0 || static_cast<std::size_t>(position.line) >= at.text->line_count())
+      return nullptr;
+    const auto line = static_cast<std::size_t>(position.line);
+    LineScanner scanner(at.file->kind);
+    std::vector<Token> tokens;
+    for (std::size_t each = LineScanner::is_line_by_line(at.file->kind) ? line : 0; each < line; ++each) {
+      if (scanner.needs(at.text->line(each))) scanner.scan(at.text->line(each), tokens);
+    }
+    const std::size_t byte = at.text->byte_in_line(position);
+    const std::string_view shown = at.text->line(line);
+    // What stands behind the place is still to be written.
+    scanner.scan(shown.substr(0, byte), tokens, byte);
+    const std::size_t begin = std::min(scanner.wanted_begin(), byte);
+    const std::string prefix(shown.substr(begin, byte - begin));
+    const Json range = range_of(*at.text, line, begin, byte);
+    Json items = Json::array();
+    bool is_cut = false;
+    const auto add = [&](const std::string& label, int kind, const std::string& detail) {
+      if (!label.starts_with(prefix) || label == prefix) return;
+      if (items.size() >= kMostCompletions) {
+        is_cut = true;
+        return;
+      }
+      Json item{{"label", label},
+                {"kind", kind},
+                {"filterText", label},
+                {"textEdit", {{"range", range}, {"newText", label}}}};
+      if (!detail.empty()) item["detail"] = detail;
+      items.push_back(std::move(item));
+    };
+    constexpr int kProperty = 10;
+    constexpr int kReference = 18;
+    constexpr int kText = 1;
+    constexpr int kKeyword = 14;
+    constexpr int kConstant = 21;
+    const auto add_names = [&](Symbol::Kind kind, int as) {
+      std::vector<std::pair<std::int64_t, std::string>> sorted;
+      for (const auto& [name, count] : at.model->names(kind)) {
+        if (name.starts_with(prefix)) sorted.emplace_back(-count, name);
+      }
+      std::ranges::sort(sorted);
+      for (const auto& [count, name] : sorted) add(name, as, std::to_string(-count) + (count == -1 ? " use" : " uses"));
+    };
+    switch (scanner.wanted()) {
+      case Wanted::attribute:
+        add_names(Symbol::Kind::attribute, kProperty);
+        if (at.file->kind != TextKind::entries) {
+          for (const char* name : {"SHEAD", "STAIL", "CHEAD", "CTAIL", "SCOPE", "@entry", "TEMP", "NUM", "ANUM"})
+            add(name, kConstant, "given by Lexon");
+        }
+        break;
+      case Wanted::action: add_names(Symbol::Kind::attribute, kProperty); break;
+      case Wanted::label: add_names(Symbol::Kind::label, kReference); break;
+      case Wanted::role: add_names(Symbol::Kind::label, kReference); break;
+      case Wanted::mark: add_names(Symbol::Kind::mark, kConstant); break;
+      case Wanted::directive:
+        for (const std::string_view name : directive_names()) add(std::string(name), kKeyword, "");
+        break;
+      case Wanted::form:
+      case Wanted::concept_word:
+      case Wanted::graph_word: {
+        const bool are_concepts = scanner.wanted() != Wanted::form;
+        for (const std::string& word : at.model->words_like(prefix, are_concepts, kMostCompletions))
+          add(word, kText, "");
+        is_cut = items.size() >= kMostCompletions;
+        break;
+      }
+      case Wanted::nothing: break;
+    }
+    return {{"isIncomplete", is_cut}, {"items", std::move(items)}};
+  }
+
+  // ---- Remedies
+
+  Json code_action(const Json& params) {
+    const Asked at = asked(params);
+    Json actions = Json::array();
+    if (at.file == nullptr) return actions;
+    if (const auto& context = params.at("context"); context.contains("only") && context.at("only").is_array()) {
+      const auto fits = [](const Json& kind) {
+        return kind.is_string() && (kind == "quickfix" || kind.get<std::string>().empty());
+      };
+      if (std::ranges::none_of(context.at("only"), fits)) return actions;
+    }
+    const std::int64_t first = params.at("range").at("start").at("line").get<std::int64_t>();
+    const std::int64_t last = params.at("range").at("end").at("line").get<std::int64_t>();
+    std::shared_ptr<const Analysis> analysis;
+    {
+      const std::scoped_lock lock(documents_mutex_);
+      const auto found = published_.find(at.key);
+      // What was found in a text that has changed since may mean another place.
+      if (found != published_.end() && found->second.text != nullptr && *found->second.text == at.text->text())
+        analysis = found->second.analysis;
+    }
+    if (analysis == nullptr) return actions;
+    for (const Finding& finding : analysis->findings) {
+      if (finding.fix.kind == Fix::Kind::none || finding.line - 1 < first || finding.line - 1 > last) continue;
+      if (file_key(finding.file) != at.key) continue;
+      const Place place = place_of(finding, *at.text);
+      if (!fix_fits(finding, *at.text, place)) continue;
+      add_action(at, finding, place, actions);
+    }
+    return actions;
+  }
+
+  void add_action(const Asked& at, const Finding& finding, const Place& place, Json& actions) {
+    const LinedText& text = *at.text;
+    std::string title;
+    std::string uri = uri_of_path(at.key);
+    Json edit;
+    switch (finding.fix.kind) {
+      case Fix::Kind::replace:
+        title = "Replace by " + finding.fix.text;
+        edit = {{"range", range_of(text, place.line, place.begin, place.end)}, {"newText", finding.fix.text}};
+        break;
+      case Fix::Kind::strike_item: {
+        const std::string_view line = text.line(place.line);
+        Place whole = place;
+        // A comma goes along, the one in front rather.
+        std::size_t before = whole.begin;
+        while (before > 0 && line[before - 1] == ' ') --before;
+        if (before > 0 && line[before - 1] == ',') {
+          whole.begin = before - 1;
+        } else {
+          while (whole.end < line.size() && (line[whole.end] == ',' || line[whole.end] == ' ')) ++whole.end;
+        }
+        title = "Strike out " + finding.fix.old;
+        edit = {{"range", range_of(text, whole.line, whole.begin, whole.end)}, {"newText", ""}};
+        break;
+      }
+      case Fix::Kind::strike_line:
+        title = "Strike out this line";
+        edit = {{"range",
+                 {{"start", {{"line", place.line}, {"character", 0}}},
+                  {"end", {{"line", place.line + 1}, {"character", 0}}}}},
+                {"newText", ""}};
+        break;
+      case Fix::Kind::line_before:
+        title = "Write " + finding.fix.text.substr(0, finding.fix.text.find('\n')) + " in front of this line";
+        edit = {{"range", range_of(text, place.line, 0, 0)}, {"newText", finding.fix.text}};
+        break;
+      case Fix::Kind::text_end:
+        title = finding.fix.text == "\n"
+                    ? "End the text with an empty line"
+                    : "Write " + finding.fix.text.substr(0, finding.fix.text.find('\n')) + " at the end of the text";
+        edit = end_edit(text, finding.fix.text);
+        break;
+      case Fix::Kind::new_entry: {
+        const auto is_text = [](const TextFile& file) { return file.kind == TextKind::entries; };
+        const auto& texts = at.model->texts();
+        const auto found = std::ranges::find_if(texts, is_text);
+        if (found == texts.end()) return;
+        uri = found->uri;
+        title = "Add an entry to " + std::filesystem::path(found->path).filename().string();
+        edit = end_edit(*store_.text(found->path), finding.fix.text + '\n');
+        break;
+      }
+      case Fix::Kind::none: return;
+    }
+    std::map<std::string, Json> by_file;
+    by_file[uri] = Json::array({std::move(edit)});
+    Json action{{"title", title},
+                {"kind", "quickfix"},
+                {"diagnostics", Json::array({diagnostic_of(finding, text)})},
+                {"edit", workspace_edit(by_file)}};
+    if (finding.fix.kind == Fix::Kind::replace) action["isPreferred"] = true;
+    actions.push_back(std::move(action));
+  }
+
+  static Json end_edit(const LinedText& text, const std::string& added) {
+    const std::size_t last = text.line_count() - 1;
+    const std::size_t size = text.line(last).size();
+    return {{"range", range_of(text, last, size, size)}, {"newText", (size == 0 ? "" : "\n") + added}};
+  }
+
+  // ---- Outline
+
+  Json document_symbol(const Json& params) {
+    const Asked at = asked(params);
+    if (at.file == nullptr) return Json::array();
+    const std::vector<OutlineItem> items = outline_of(*at.text, at.file->kind);
+    if (has_trees_) return outline_json(items, *at.text);
+    Json all = Json::array();
+    outline_flat(items, *at.text, at.uri, all);
+    return all;
+  }
+
+  Json folding_range(const Json& params) {
+    const Asked at = asked(params);
+    Json all = Json::array();
+    if (at.file == nullptr) return all;
+    for (const Fold& fold : folds_of(*at.text, at.file->kind)) {
+      all.push_back(
+          {{"startLine", fold.begin}, {"endLine", fold.end}, {"kind", fold.is_comment ? "comment" : "region"}});
+    }
+    return all;
+  }
+
+  struct Published {
+    std::string project;
+    std::size_t hash = 0;
+    std::shared_ptr<const Analysis> analysis;
+    std::shared_ptr<const std::string> text;
+  };
+
+  std::FILE* in_;
+  FrameWriter writer_;
+
+  // Between the reader and the one that answers.
+  std::mutex mutex_;
+  std::condition_variable wake_;
+  std::deque<Json> queue_;
+  std::set<std::string> pending_;    // ids of requests without an answer
+  std::set<std::string> cancelled_;  // of these
+  bool is_over_ = false;
+
+  // Of the one that answers.
+  std::string current_;
+  bool is_initialized_ = false;
+  bool is_shut_down_ = false;
+  bool is_exited_ = false;
+  bool has_trees_ = false;
+  bool has_versions_ = false;
+  bool watches_files_ = false;
+  bool is_markdown_ = false;
+  std::vector<std::string> folders_;  // by `file_key`
+  std::string settings_;              // of the project, as JSON; empty: none
+  std::chrono::milliseconds rest_ = kRest;
+  TextStore store_;
+  std::map<std::string, ProjectFiles> projects_;  // by name
+  std::map<std::string, std::string> owners_;     // projects of documents
+
+  // Between the one that answers and the watch. The documents are written by the first alone.
+  std::mutex documents_mutex_;
+  std::map<std::string, OpenDocument> documents_;  // by `file_key`
+  std::map<std::string, std::shared_ptr<const Analysis>> analyses_;
+  std::map<std::string, Published> published_;
+
+  std::unique_ptr<Watch> watch_;
+};
+
+}  // namespace
+
+Command add_lsp(CLI::App& app) {
+  CLI::App& command =
+      add_command(app, "lsp", "Serve editors over standard input and output (Language Server Protocol)");
+  const auto is_stdio = std::make_shared<bool>(false);
+  add_flag(command, "--stdio", *is_stdio, "Taken and not needed: there is no other way");
+  return {&command, [is_stdio] { return Server(stdin, stdout).run(); }};
+}
+
+}  // namespace lab
+}  // namespace v1
+}  // namespace lexon

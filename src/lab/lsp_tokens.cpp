@@ -1,0 +1,594 @@
+#include "lab/lsp_tokens.hpp"
+
+#include <algorithm>
+#include <array>
+#include <cstring>
+
+#include "data/chars.hpp"
+#include "data/sentence.hpp"
+#include "graph/line_kind.hpp"
+#include "graph/line_text.hpp"
+#include "rules/scanners.hpp"
+#include "source/source_text.hpp"
+
+namespace lexon {
+inline namespace v1 {
+namespace lab {
+
+// The line under the scanner, with a NUL behind it.
+struct LineScanner::Scan {
+  std::string text;
+  std::size_t at = 0;
+  std::vector<Token>& tokens;
+  std::size_t until;
+
+  [[nodiscard]] char operator*() const { return text[at]; }
+  [[nodiscard]] bool is_end() const { return at >= text.size(); }
+  void blanks() {
+    while (!is_end() && is_blank(text[at])) ++at;
+  }
+  void commas() {
+    while (!is_end() && (is_blank(text[at]) || text[at] == ',')) ++at;
+  }
+  void add(TokenKind kind, TokenUse use, std::size_t begin, std::size_t end) {
+    if (end > begin) tokens.push_back({kind, use, static_cast<std::uint32_t>(begin), static_cast<std::uint32_t>(end)});
+  }
+  // Does the place that is asked about lie between here and `end`, or at it?
+  [[nodiscard]] bool is_asked(std::size_t begin, std::size_t end) const { return until >= begin && until <= end; }
+  void add_mark_tokens(std::size_t begin, std::size_t end);
+};
+
+namespace {
+
+bool is_name_char(char c) {
+  return is_digit(c) || (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || c == '_';
+}
+
+// Where a token of a rule ends, as the rule parser has it.
+std::size_t token_end(std::string_view text, std::size_t at) {
+  int depth = 0;
+  for (; at < text.size(); ++at) {
+    if (text[at] == '(') {
+      ++depth;
+    } else if (text[at] == ')' && depth > 0) {
+      --depth;
+    } else if (is_separator(text[at])) {
+      break;
+    }
+  }
+  return at;
+}
+
+bool has_mark(std::string_view text) {
+  for (std::size_t at = text.find('%'); at != std::string_view::npos; at = text.find('%', at + 1)) {
+    if (at + 1 < text.size() && (is_name_char(text[at + 1]) || text[at + 1] == '{' || text[at + 1] == '%')) return true;
+  }
+  return false;
+}
+
+}  // namespace
+
+// The %names in a stretch of a source.
+void LineScanner::Scan::add_mark_tokens(std::size_t begin, std::size_t end) {
+  while (begin < end && (begin = text.find('%', begin)) < end) {
+    ++begin;
+    if (begin < end && text[begin] == '%') {
+      ++begin;
+      continue;
+    }
+    const bool is_braced = begin < end && text[begin] == '{';
+    if (is_braced) ++begin;
+    std::size_t stop = begin;
+    while (stop < end && is_name_char(text[stop])) ++stop;
+    add(TokenKind::mark, TokenUse::asks, begin, stop);
+    begin = stop;
+  }
+}
+
+void LineScanner::scan(std::string_view line, std::vector<Token>& tokens, std::size_t until) {
+  Scan scan{std::string(line), 0, tokens, until};
+  std::replace(scan.text.begin(), scan.text.end(), '\0', ' ');
+  wanted_ = Wanted::nothing;
+  wanted_begin_ = until;
+  switch (kind_) {
+    case TextKind::rules: scan_rule(scan); break;
+    case TextKind::source: scan_directive(scan); break;
+    case TextKind::table:
+      for (std::size_t at = 0; at <= line.size();) {
+        const std::size_t end = std::min(line.find('\t', at), line.size());
+        scan.add(TokenKind::value, TokenUse::other, at, end);
+        at = end + 1;
+      }
+      break;
+    case TextKind::entries:
+    case TextKind::cooccurrence:
+      scan_entry(scan);
+      if (kind_ == TextKind::entries && until <= line.size()) {
+        // Between the last parentheses stand attributes.
+        const std::size_t quote = scan.text.find("\" (");
+        const std::size_t open = quote == std::string::npos ? std::string::npos : quote + 2;
+        const std::size_t close = open == std::string::npos ? open : std::min(scan.text.find(')', open), line.size());
+        if (open != std::string::npos && until > open && until <= close) {
+          wanted_ = Wanted::attribute;
+          wanted_begin_ = std::max(line.substr(0, until).find_last_of(",("), open) + 1;
+        }
+      }
+      break;
+    case TextKind::graphs: scan_graph(scan); break;
+  }
+}
+
+bool LineScanner::needs(std::string_view line) const {
+  if (goes_on_ || in_block_ || !block_end_.empty()) return true;
+  const std::size_t begin = line.find_first_not_of(" \t");
+  if (begin == std::string_view::npos) return false;
+  return kind_ == TextKind::graphs ? line[begin] == '[' : line[begin] == '%' || line.ends_with('\\');
+}
+
+// ---- Rules
+
+void LineScanner::scan_rule(Scan& scan) {
+  const bool is_source = kind_ == TextKind::source;
+  if (!goes_on_) {
+    patterns_ = section_ = 0;
+    in_pattern_ = is_quote_ = false;
+    scan.blanks();
+    if (scan.is_end() || *scan == ';') return;
+    while (!scan.is_end() && std::string_view("({\"").find(*scan) == std::string_view::npos) {
+      if (*scan == ';') return;
+      ++scan.at;
+    }
+  }
+  goes_on_ = is_source && scan.text.ends_with('\\');
+  if (goes_on_) scan.text.pop_back();
+
+  const auto item = [&](Wanted wanted, TokenUse plain_use) {
+    const std::size_t start = scan.at;
+    TokenUse use = plain_use;
+    if (*scan == '^')
+      use = TokenUse::asks, ++scan.at;
+    else if (*scan == '-')
+      use = TokenUse::takes, ++scan.at;
+    else if (*scan == '+')
+      use = TokenUse::gives, ++scan.at;
+    const bool is_condition = wanted == Wanted::attribute;
+    // Among conditions the signs are part of what is asked for.
+    if (is_condition) use = TokenUse::asks;
+    const std::size_t begin = scan.at;
+    if (!scan.is_end() && *scan == '[') {
+      ++scan.at;
+      const bool is_concept = *scan == '[' && !is_hw_text_end(scan.text.c_str() + scan.at + 1);
+      if (is_concept) ++scan.at;
+      const std::size_t body = scan.at;
+      if (is_concept) {
+        while (!scan.is_end() && *scan != ']') ++scan.at;
+      } else {
+        while (!scan.is_end() && !is_hw_text_end(scan.text.c_str() + scan.at)) ++scan.at;
+      }
+      scan.add(is_concept ? TokenKind::concept_word : TokenKind::form, use, body, scan.at);
+      if (scan.is_asked(body, scan.at)) {
+        wanted_ = is_concept ? Wanted::concept_word : Wanted::form;
+        wanted_begin_ = body;
+      }
+      scan.at = std::min(scan.at + (is_concept ? 2 : 1), scan.text.size());
+    } else {
+      scan.at = token_end(scan.text, begin);
+      const std::string_view token = std::string_view(scan.text).substr(begin, scan.at - begin);
+      if (is_source && has_mark(token)) {
+        scan.add_mark_tokens(begin, scan.at);
+      } else {
+        scan.add(TokenKind::attribute, use, begin, scan.at);
+      }
+      if (scan.is_asked(start, scan.at)) {
+        wanted_ = wanted;
+        wanted_begin_ = begin <= scan.until ? begin : start;
+      }
+    }
+    if (scan.at == start) ++scan.at;
+    const std::size_t behind = scan.at;
+    scan.commas();
+    // Behind a comma or blank another item may begin.
+    const bool may_begin = scan.at > behind && scan.until > behind && scan.until <= scan.at;
+    if (may_begin) {
+      wanted_ = wanted;
+      wanted_begin_ = scan.until;
+    }
+  };
+  const auto label = [&](bool is_role) {
+    if (is_role && (*scan == '<' || *scan == '>')) ++scan.at;
+    const std::size_t begin = scan.at;
+    while (!scan.is_end() && !is_separator(*scan)) ++scan.at;
+    const std::string_view token = std::string_view(scan.text).substr(begin, scan.at - begin);
+    if (is_source && has_mark(token)) {
+      scan.add_mark_tokens(begin, scan.at);
+    } else {
+      scan.add(is_role ? TokenKind::role : TokenKind::label, TokenUse::follows, begin, scan.at);
+    }
+    if (scan.is_asked(begin, scan.at)) {
+      wanted_ = is_role ? Wanted::role : Wanted::label;
+      wanted_begin_ = begin;
+    }
+    if (scan.at == begin && !scan.is_end()) ++scan.at;
+    scan.commas();
+  };
+
+  while (!scan.is_end()) {
+    if (in_pattern_) {
+      const Wanted wanted = section_ == 0   ? Wanted::attribute
+                            : section_ == 1 ? Wanted::action
+                            : section_ == 2 ? Wanted::label
+                                            : Wanted::role;
+      const std::size_t before = scan.at;
+      scan.commas();
+      if (scan.is_asked(before, scan.at)) {
+        wanted_ = wanted;
+        wanted_begin_ = scan.until;
+      }
+      if (scan.is_end()) break;
+      if (*scan == ':') {
+        section_ = std::min(section_ + 1, 3);
+        ++scan.at;
+        if (scan.is_end() && scan.until == scan.at) {
+          wanted_ = section_ == 1 ? Wanted::action : section_ == 2 ? Wanted::label : Wanted::role;
+          wanted_begin_ = scan.until;
+        }
+      } else if (*scan == '}' || *scan == '"') {
+        in_pattern_ = false;
+        ++patterns_;
+        ++scan.at;
+      } else if (section_ < 2) {
+        item(wanted, section_ == 0 ? TokenUse::asks : TokenUse::gives);
+      } else {
+        label(section_ == 3);
+      }
+      continue;
+    }
+    scan.blanks();
+    if (scan.is_end()) break;
+    if (is_source && *scan == '%') {
+      // A mark may stand for anything: a pattern, a part of one, a priority.
+      const std::size_t begin = scan.at++;
+      while (!scan.is_end() && (is_name_char(*scan) || *scan == '{' || *scan == '.' || *scan == '}')) ++scan.at;
+      scan.add_mark_tokens(begin, scan.at);
+    } else if (*scan == '(') {
+      ++scan.at;
+      scan.commas();
+      if (scan.is_end() && scan.until == scan.at) {
+        wanted_ = Wanted::attribute;
+        wanted_begin_ = scan.until;
+      }
+      while (!scan.is_end() && *scan != ')') item(Wanted::attribute, TokenUse::asks);
+      if (!scan.is_end()) ++scan.at;
+      if (!scan.is_end() && *scan == '*') ++scan.at;
+    } else if ((*scan == '{' || *scan == '"') && patterns_ < 2) {
+      in_pattern_ = true;
+      is_quote_ = *scan == '"';
+      section_ = 0;
+      ++scan.at;
+      if (scan.is_end() && scan.until == scan.at) {
+        wanted_ = Wanted::attribute;
+        wanted_begin_ = scan.until;
+      }
+    } else if (*scan == 'P') {
+      const std::size_t begin = scan.at++;
+      while (!scan.is_end() && is_digit(*scan)) ++scan.at;
+      scan.add(TokenKind::priority, TokenUse::other, begin, scan.at);
+      if (is_source) scan.add_mark_tokens(scan.at, std::min(scan.text.find(';', scan.at), scan.text.size()));
+      break;
+    } else {
+      break;
+    }
+  }
+  if (is_source && scan.until <= scan.text.size()) {
+    // Behind a percent sign a name is wanted.
+    std::size_t begin = scan.until;
+    while (begin > 0 && is_name_char(scan.text[begin - 1])) --begin;
+    if (begin > 0 && scan.text[begin - 1] == '{') --begin;
+    if (begin > 0 && scan.text[begin - 1] == '%') {
+      wanted_ = Wanted::mark;
+      wanted_begin_ = scan.text[begin] == '{' ? begin + 1 : begin;
+    }
+  }
+}
+
+// ---- Sources
+
+namespace {
+
+constexpr std::string_view kAroundValue = " \t,:(){}\"|^+-;";
+
+}  // namespace
+
+void LineScanner::scan_directive(Scan& scan) {
+  if (goes_on_ && !in_block_) return scan_rule(scan);
+  scan.blanks();
+  const std::size_t begin = scan.at;
+  const auto values = [&scan](std::size_t at, std::size_t end) {
+    scan.add_mark_tokens(at, end);
+    while (at < end) {
+      at = std::min(scan.text.find_first_not_of(kAroundValue, at), end);
+      const std::size_t stop = std::min(scan.text.find_first_of(kAroundValue, at), end);
+      const std::string_view word = std::string_view(scan.text).substr(at, stop - at);
+      if (!has_mark(word)) scan.add(TokenKind::value, TokenUse::other, at, stop);
+      at = stop;
+    }
+  };
+  const auto name_at = [&scan](std::size_t at, std::size_t& stop) {
+    at = std::min(scan.text.find_first_not_of(" \t", at), scan.text.size());
+    stop = at;
+    while (stop < scan.text.size() && is_name_char(scan.text[stop])) ++stop;
+    return at;
+  };
+  if (scan.is_end() || *scan != '%') {
+    if (!in_block_) {
+      scan.at = 0;
+      return scan_rule(scan);
+    }
+    if (!scan.is_end() && *scan != ';') values(begin, scan.text.size());
+    return;
+  }
+  std::size_t word_end = begin + 1;
+  while (word_end < scan.text.size() && is_name_char(scan.text[word_end])) ++word_end;
+  const std::string word = scan.text.substr(begin + 1, word_end - begin - 1);
+  if (scan.is_asked(begin + 1, word_end)) {
+    wanted_ = Wanted::directive;
+    wanted_begin_ = begin + 1;
+  }
+  if (word == "end") {
+    in_block_ = false;
+  } else if (in_block_) {
+    values(begin, scan.text.size());
+  } else if (word == "define" || word == "list" || word == "table") {
+    std::size_t stop = 0;
+    const std::size_t at = name_at(word_end, stop);
+    scan.add(TokenKind::mark_name, TokenUse::gives, at, stop);
+    const std::size_t sign = scan.text.find('=', stop);
+    if (sign == std::string::npos) {
+      in_block_ = word != "define";
+    } else if (word != "table") {
+      values(sign + 1, scan.text.size());
+    }
+  } else if (word == "for") {
+    const std::size_t in = scan.text.find(" in ", word_end);
+    for (std::size_t at = word_end; at < std::min(in, scan.text.size());) {
+      std::size_t stop = 0;
+      at = name_at(at, stop);
+      if (stop == at) break;
+      scan.add(TokenKind::mark_name, TokenUse::gives, at, stop);
+      at = stop + (stop < scan.text.size() && scan.text[stop] == ',' ? 1 : 0);
+    }
+    if (in != std::string::npos) {
+      std::size_t stop = 0;
+      const std::size_t at = name_at(in + 4, stop);
+      if (stop > at) {
+        scan.add(TokenKind::mark, TokenUse::asks, at, stop);
+      } else {
+        values(in + 4, scan.text.size());
+      }
+      if (scan.is_asked(in + 4, std::max(stop, in + 4))) {
+        wanted_ = Wanted::mark;
+        wanted_begin_ = at;
+      }
+    }
+  } else if (word == "if" || word == "elif") {
+    values(word_end, scan.text.size());
+  } else if (word != "include" && word != "else" && word_end > begin + 1) {
+    scan.at = 0;
+    scan_rule(scan);
+  }
+}
+
+// ---- Entries
+
+void LineScanner::scan_entry(Scan& scan) const {
+  scan.blanks();
+  if (scan.is_end() || *scan != '[') return;
+  const bool is_pairs = kind_ == TextKind::cooccurrence;
+  const std::string& text = scan.text;
+  const std::size_t form = ++scan.at;
+  std::size_t id = text.find("]{", form);
+  if (id == std::string::npos) return;
+  scan.add(is_pairs ? TokenKind::pair : TokenKind::form, TokenUse::gives, form, id);
+  id += 2;
+  const std::size_t id_end = text.find('}', id);
+  if (id_end == std::string::npos) return;
+  if (is_pairs) scan.add(TokenKind::pair, TokenUse::gives, id, id_end);
+  const std::size_t open = text.find('"', id_end);
+  std::size_t close = open;
+  do {
+    if (close == std::string::npos) return;
+    close = text.find('"', close + 1);
+  } while (close != std::string::npos && text[close - 1] == '\\');
+  if (close == std::string::npos) return;
+  scan.add(is_pairs ? TokenKind::pair : TokenKind::concept_word, TokenUse::gives, open + 1, close);
+  const std::size_t list = text.find('(', close);
+  if (list == std::string::npos || text.find_first_not_of(" \t", close + 1) != list) return;
+  int depth = 1;
+  for (std::size_t at = list + 1, begin = at; at < text.size() && depth > 0; ++at) {
+    if (text[at] == '(') ++depth;
+    if (text[at] == ')') --depth;
+    if ((text[at] != ',' || depth > 1) && depth > 0) continue;
+    while (begin < at && is_blank(text[begin])) ++begin;
+    std::size_t end = at;
+    while (end > begin && is_blank(text[end - 1])) --end;
+    scan.add(TokenKind::attribute, TokenUse::gives, begin, end);
+    begin = at + 1;
+  }
+}
+
+// ---- Graphs
+
+void LineScanner::scan_graph(Scan& scan) {
+  if (!block_end_.empty()) {
+    if (scan.text.starts_with(block_end_)) block_end_.clear();
+    return;
+  }
+  const std::string line = scan.text;
+  scan.blanks();
+  BlockTag no_tag;
+  switch (line_kind(std::string_view(scan.text).substr(scan.at), no_tag)) {
+    case LineKind::word_block: block_end_ = kWordBlockEnd; return;
+    case LineKind::skipped_block: block_end_ = kSkippedBlockEnd; return;
+    case LineKind::graph_line: break;
+    default: return;
+  }
+  if (scan.until <= line.size()) {
+    // Before the first parenthesis a label, behind a dot an attribute, else a word.
+    const std::string_view head = std::string_view(line).substr(0, scan.until);
+    const std::size_t open = head.find('(');
+    if (open == std::string_view::npos) {
+      const bool is_label = head.find(':') == std::string_view::npos;
+      wanted_ = is_label ? Wanted::label : Wanted::nothing;
+      wanted_begin_ = std::min(head.find_first_not_of(" \t"), scan.until);
+    } else {
+      int depth = 0;
+      bool in_quotes = false;
+      std::size_t begin = open + 1;
+      bool is_attribute = false;
+      for (std::size_t at = open + 1; at < head.size(); ++at) {
+        const char c = head[at];
+        if (c == '"') in_quotes = !in_quotes;
+        if (in_quotes) continue;
+        if (c == '(') ++depth;
+        if (c == ')') --depth;
+        if (depth > 0) continue;
+        if (c == ',' || c == '.') {
+          begin = at + 1;
+          is_attribute = c == '.';
+        }
+      }
+      while (begin < head.size() && is_blank(head[begin])) ++begin;
+      wanted_ = in_quotes ? Wanted::nothing : is_attribute ? Wanted::attribute : Wanted::graph_word;
+      wanted_begin_ = begin;
+    }
+  }
+  scan.text += '\n';
+  char* const buffer = scan.text.data();
+  RelationText parts;
+  if (split_relation(buffer, parts) <= 0 || parts.label == nullptr || parts.from == nullptr || parts.to == nullptr)
+    return;
+  const auto offset = [buffer](const char* part) { return static_cast<std::size_t>(part - buffer); };
+  static_cast<void>(label_scope(parts.label));
+  const std::size_t label_at = offset(parts.label);
+  scan.add(TokenKind::label, TokenUse::gives, label_at, label_at + std::strlen(parts.label));
+  for (char* side : {parts.from, parts.to}) {
+    const WordText word = split_word(side);
+    const std::size_t name = offset(word.name);
+    if (!word.quoted) scan.add(TokenKind::concept_word, TokenUse::gives, name, name + std::strlen(word.name));
+    for (const char* attr = word.attrs; *attr != '\0';) {
+      attr += std::strspn(attr, ". ");
+      const std::size_t size = std::strcspn(attr, ". ");
+      scan.add(TokenKind::attribute, TokenUse::gives, offset(attr), offset(attr) + size);
+      attr += size;
+    }
+  }
+}
+
+// ---- Symbols
+
+namespace {
+
+constexpr std::array<std::string_view, 12> kBuiltIn = {"SHEAD", "STAIL", "CHEAD", "CTAIL", "SCOPE", "@entry",
+                                                       "TEMP",  "NUM",   "ANUM",  "#ORIG", "#COPY", "H#NIL"};
+
+bool is_built_in_name(std::string_view name) {
+  return std::ranges::find(kBuiltIn, name) != kBuiltIn.end();
+}
+
+// The part of an attribute that names something, and whether that is a label.
+std::string_view core_of(std::string_view name, bool& is_label) {
+  is_label = false;
+  if (is_built_in_name(name)) return name;
+  const std::size_t copies = name.find_first_not_of('#');
+  if (copies != std::string_view::npos) name.remove_prefix(copies);
+  is_label = name.size() > 1 && (name.front() == '>' || name.front() == '<');
+  if (is_label) name.remove_prefix(1);
+  return name;
+}
+
+}  // namespace
+
+Symbol symbol_of(const Token& token, std::string_view line) {
+  const std::string_view text = line.substr(token.begin, token.end - token.begin);
+  switch (token.kind) {
+    case TokenKind::attribute:
+    case TokenKind::value: {
+      bool is_label = false;
+      const std::string_view name = core_of(text, is_label);
+      return {is_label ? Symbol::Kind::label : Symbol::Kind::attribute, std::string(name)};
+    }
+    case TokenKind::label:
+    case TokenKind::role: return {Symbol::Kind::label, std::string(text)};
+    case TokenKind::form: return {Symbol::Kind::form, std::string(text)};
+    case TokenKind::concept_word: return {Symbol::Kind::concept_word, std::string(text)};
+    case TokenKind::mark:
+    case TokenKind::mark_name: return {Symbol::Kind::mark, std::string(text)};
+    default: return {};
+  }
+}
+
+TokenPart symbol_in(const Token& token, std::string_view line, const Symbol& symbol) {
+  const std::string_view text = line.substr(token.begin, token.end - token.begin);
+  const auto part = [&token](std::size_t at, std::size_t size) {
+    return TokenPart{static_cast<std::uint32_t>(token.begin + at), static_cast<std::uint32_t>(token.begin + at + size)};
+  };
+  if (token.kind == TokenKind::pair) {
+    // "a/rel/b": three texts in one, kept apart by a relation that brings its own signs.
+    if (symbol.kind != Symbol::Kind::label) return {};
+    if (text == symbol.name) return part(0, text.size());
+    const auto is_sign = [](char c) { return !is_name_char(c) && static_cast<unsigned char>(c) < 128; };
+    if (symbol.name.size() < 2 || !is_sign(symbol.name.front()) || !is_sign(symbol.name.back())) return {};
+    const std::size_t at = text.find(symbol.name);
+    return at == std::string_view::npos ? TokenPart() : part(at, symbol.name.size());
+  }
+  if (token.kind == TokenKind::value) {
+    bool is_label = false;
+    const std::string_view name = core_of(text, is_label);
+    const bool fits = symbol.is_renamed() && name == symbol.name && (!is_label || symbol.kind == Symbol::Kind::label);
+    return fits ? part(text.size() - name.size(), name.size()) : TokenPart();
+  }
+  if (symbol_of(token, line) != symbol) return {};
+  return part(text.size() - symbol.name.size(), symbol.name.size());
+}
+
+bool is_built_in(const Symbol& symbol) {
+  return symbol.kind == Symbol::Kind::attribute && is_built_in_name(symbol.name);
+}
+
+std::string name_fault(Symbol::Kind kind, std::string_view name, bool in_graphs, std::size_t most) {
+  if (name.empty()) return "a name has at least one character";
+  // What the name would be read as, in a rule, a graph and an entry.
+  const std::string text(name);
+  const bool is_attribute = kind == Symbol::Kind::attribute;
+  const auto is_read = [&](TextKind of, const std::string& before, const std::string& behind, TokenKind wanted) {
+    std::vector<Token> tokens;
+    LineScanner(of).scan(before + text + behind, tokens);
+    return std::ranges::any_of(tokens, [&](const Token& token) {
+      return token.kind == wanted && token.begin == before.size() && token.end == before.size() + text.size();
+    });
+  };
+  const bool is_sound = is_attribute
+                            ? is_read(TextKind::rules, ":{", "} {} P1;", TokenKind::attribute) &&
+                                  (!in_graphs || is_read(TextKind::graphs, "a(b.", ", c)", TokenKind::attribute)) &&
+                                  is_read(TextKind::entries, "[a]{} \"b\" (", ") <E,0,0>;", TokenKind::attribute)
+                            : is_read(TextKind::rules, ":\"N::", "\" {} P1;", TokenKind::label) &&
+                                  (!in_graphs || is_read(TextKind::graphs, "", "(b, c)", TokenKind::label));
+  constexpr std::string_view kSigns = "^+-[]{}()\";:,.|\\% \t\r\n";
+  if (!is_sound || name.find_first_of(is_attribute ? "[]{}()\";:,.|\\%\t\r\n " : kSigns) != std::string_view::npos ||
+      std::string_view("^+-").find(name.front()) != std::string_view::npos) {
+    return "\"" + text + "\" cannot be a name: it would be read as something else";
+  }
+  if (is_attribute && (name.front() == '>' || name.front() == '<')) {
+    return "\"" + text + "\" is the mark of a relation: choose a name without > or <";
+  }
+  if (is_attribute && name.front() == '#') return "\"" + text + "\" is the mark of a copy: choose a name without #";
+  if (is_built_in_name(name)) return "\"" + text + "\" is a name that Lexon gives itself";
+  if (!is_attribute && name.size() > most) {
+    return "\"" + text + "\" is too long: " + std::to_string(most) + " characters of this label count";
+  }
+  return {};
+}
+
+}  // namespace lab
+}  // namespace v1
+}  // namespace lexon

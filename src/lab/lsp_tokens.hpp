@@ -1,0 +1,119 @@
+// The names in a line of rules, of a source, of entries or of graphs, and what stands at a place that is still being
+// written. Reads what is wrong or unfinished, too: a scanner for editors, beside the parsers that say what is in force.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace lexon {
+inline namespace v1 {
+namespace lab {
+
+enum class TextKind : std::uint8_t { rules, source, table, entries, cooccurrence, graphs };
+
+enum class TokenKind : std::uint8_t {
+  attribute,
+  label,         // of a relation, in graphs and in the third section of a pattern
+  role,          // a relation of the co-occurrence dictionary
+  form,          // between [ and ]
+  concept_word,  // between [[ and ]], or the word of a graph or an entry
+  pair,          // the text of a co-occurrence entry, in which a role may stand
+  value,         // a word of a text, list or table of a source, which may become any of these
+  mark,          // %name of a source
+  mark_name,     // where a source gives a name its value
+  priority,
+};
+
+// What a token is for.
+enum class TokenUse : std::uint8_t { gives, asks, takes, follows, other };
+
+struct Token {
+  TokenKind kind;
+  TokenUse use;
+  std::uint32_t begin;  // bytes of the line
+  std::uint32_t end;
+};
+
+// What may be written at a place.
+enum class Wanted : std::uint8_t {
+  nothing,
+  attribute,
+  action,
+  label,
+  role,
+  form,
+  concept_word,
+  graph_word,
+  mark,
+  directive
+};
+
+// Goes through a text line by line; what a line leaves open is known to the next.
+class LineScanner {
+ public:
+  explicit LineScanner(TextKind kind) : kind_(kind) {}
+
+  // Appends the tokens of the line, which comes without its end. With `until` of at most its size, `wanted` tells what
+  // may stand there; `wanted_begin` where it begins.
+  void scan(std::string_view line, std::vector<Token>& tokens, std::size_t until = std::string_view::npos);
+  // Does the line matter to those behind it? Others may be left out.
+  [[nodiscard]] bool needs(std::string_view line) const;
+  [[nodiscard]] Wanted wanted() const { return wanted_; }
+  [[nodiscard]] std::size_t wanted_begin() const { return wanted_begin_; }
+  // Do lines stand for themselves in this kind of text?
+  [[nodiscard]] static bool is_line_by_line(TextKind kind) {
+    return kind == TextKind::rules || kind == TextKind::table || kind == TextKind::entries ||
+           kind == TextKind::cooccurrence;
+  }
+
+ private:
+  struct Scan;
+  void scan_rule(Scan& scan);
+  void scan_directive(Scan& scan);
+  void scan_entry(Scan& scan) const;
+  void scan_graph(Scan& scan);
+
+  TextKind kind_;
+  Wanted wanted_ = Wanted::nothing;
+  std::size_t wanted_begin_ = 0;
+  // Of a rule that goes on in the next line.
+  bool goes_on_ = false;
+  int patterns_ = 0;
+  int section_ = 0;
+  bool in_pattern_ = false;
+  bool is_quote_ = false;
+  // Of a source: within a list or table that is written over lines, or within a block of a graph.
+  bool in_block_ = false;
+  std::string block_end_;
+};
+
+// A name as all its spellings have it: ">agn" and "<agn" are marks of the label "agn", "#N" is a copy's "N".
+struct Symbol {
+  enum class Kind : std::uint8_t { none, attribute, label, form, concept_word, mark };
+  Kind kind = Kind::none;
+  std::string name;
+
+  bool operator==(const Symbol&) const = default;
+  [[nodiscard]] bool is_renamed() const { return kind == Kind::attribute || kind == Kind::label; }
+};
+
+[[nodiscard]] Symbol symbol_of(const Token& token, std::string_view line);
+
+// The bytes of the line in which this token names the symbol; empty (begin == end) if it does not.
+struct TokenPart {
+  std::uint32_t begin = 0;
+  std::uint32_t end = 0;
+};
+[[nodiscard]] TokenPart symbol_in(const Token& token, std::string_view line, const Symbol& symbol);
+
+// Names that the engine gives itself.
+[[nodiscard]] bool is_built_in(const Symbol& symbol);
+// Why the name cannot be one of this kind; empty: it can. `in_graphs`: it has to stand there too; `most`: bytes of a
+// label.
+[[nodiscard]] std::string name_fault(Symbol::Kind kind, std::string_view name, bool in_graphs, std::size_t most);
+
+}  // namespace lab
+}  // namespace v1
+}  // namespace lexon
