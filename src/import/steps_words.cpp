@@ -153,7 +153,9 @@ void step_quantities(Meaning& meaning) {
                                                   "various", "numerous", "amr-unknown", "umr-unknown"};
   for (const Arc& one : meaning.arcs) {
     if (one.gone || one.inverse || one.role != "quant") continue;
-    const Concept& number = graph.word(one.to);
+    // "Only four": the number stands below the word that restricts it.
+    const int inner = graph.child(one.to, "op1");
+    const Concept& number = graph.word(inner >= 0 ? graph.arc(inner).to : one.to);
     const bool is_plain = number.sense.empty() && is_number(number.name);
     const bool is_many = std::find(kMany.begin(), kMany.end(), number.name) != kMany.end();
     if (is_plain || is_many) attribute_add(graph.word(one.from), number.name == "1" ? "@sg" : "@pl");
