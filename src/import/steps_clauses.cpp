@@ -156,10 +156,12 @@ void coordinate(Rewriter& graph, int at, const Conjunction& conjunction) {
 
 // ---- quotation -----------------------------------------------------------------------------------------------------
 
-constexpr std::array kSaying{"say",     "ask",      "answer",   "reply",   "exclaim", "cry",     "demand",
-                             "add",     "remark",   "repeat",   "state",   "murmur",  "respond", "object",
-                             "inquire", "explain",  "call-out", "tell",    "think",   "declare", "shout",
-                             "whisper", "announce", "observe",  "continue"};
+constexpr std::array kSaying{"say",     "ask",      "answer",   "reply",    "exclaim",   "cry",      "demand",
+                             "add",     "remark",   "repeat",   "state",    "murmur",    "respond",  "object",
+                             "inquire", "explain",  "call-out", "tell",     "think",     "declare",  "shout",
+                             "whisper", "announce", "observe",  "continue", "interrupt", "confess",  "insist",
+                             "protest", "comment",  "complain", "warn",     "admit",     "conclude", "suggest",
+                             "mutter",  "agree",    "call",     "mumble",   "sigh",      "yell",     "scream"};
 
 // Words that say who speaks to whom, and moods that only one who speaks has.
 bool has_speaker(Rewriter& graph, int at, int depth) {
