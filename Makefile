@@ -62,10 +62,12 @@ bench: setup-bench
 	cmake --build --preset bench --parallel $(JOBS)
 	@tools/bench build/bench/bin
 
-# DATA: PENMAN or UMR files. FRAMES, FORMS and WORDNET name what a dictionary is made of; see docs/import.md.
-bench-amr: release
+# DATA: PENMAN or UMR files. EVERY=4 scores every fourth sentence apart. FRAMES, FORMS and WORDNET name what a dictionary is made of; see docs/import.md.
+bench-amr:
 	@test -n "$(DATA)" || { echo "make bench-amr wants DATA=\"bank.txt ...\""; exit 2; }
-	@bench/amr/bench_amr.py build/release/bin $(DATA) $(if $(FRAMES),--frames $(FRAMES)) $(if $(FORMS),--forms $(FORMS)) \
+	cmake --preset release
+	cmake --build --preset release --parallel $(JOBS) --target lexon lexon-dict lexon-import
+	@bench/amr/bench_amr.py build/release/bin $(DATA) $(if $(EVERY),--every $(EVERY)) $(if $(FRAMES),--frames $(FRAMES)) $(if $(FORMS),--forms $(FORMS)) \
 	  $(if $(WORDNET),--wordnet $(WORDNET)) $(if $(DICTIONARY),--dictionary $(DICTIONARY))
 
 TIME ?= 60

@@ -1,14 +1,16 @@
 #!/usr/bin/env python3
 """Measures examples/amr-english on a meaning bank: `make bench-amr DATA="bank.txt ..."`.
 
-    bench_amr.py PROGRAMS DATA ... [--dictionary words.dic | --frames F --forms F --wordnet F] [--compare OUT]
+    bench_amr.py PROGRAMS DATA ... [--dictionary words.dic | --frames F --forms F --wordnet F] [--every N]
+        [--compare OUT]
 
 DATA are PENMAN files with `::snt`, or UMR files with `Words:`. Without a dictionary or sources for one, the entries of
 the example are used alone. It tells the share of sentences that were rendered, BLEU-4 (one reference, lower-cased, 13a
-tokens) for all and by length of the reference, once with the steps for direct speech and once without, the relations
+tokens) for all, for every Nth sentence (which you set aside) and for the others, and by length of the reference, once with the steps for direct speech and once without, the relations
 that went unsaid, the words that no dictionary knew, and the time."""
 import argparse
 import collections
+import json
 import math
 import pathlib
 import re
@@ -51,46 +53,33 @@ def run(*command):
 
 
 def sentences(path):
-    """Label, text, status, unsaid relations and unknown words of an output of trace level 1."""
-    found, label, section = {}, None, ""
-    for line in path.read_text(encoding="utf-8", errors="replace").splitlines():
-        if line.startswith("[S:"):
-            label, section = line[3:].rstrip("]"), ""
-            found[label] = {"text": "", "status": "", "unsaid": 0, "unknown": []}
-        elif label is None:
-            continue
-        elif line.startswith("="):
-            section = "words" if "WORD LISTS" in line else "graph" if " SEM " in line else ""
-        elif section == "words" and re.search(r'\((\S*,)?TEMP\) <', line):
-            found[label]["unknown"].append(line[1:line.index("]")])
-        elif line.startswith(";;"):
-            if line.startswith((";;Done", ";;Failed", ";;Time Over")):
-                found[label]["status"] = line[2:]
-        elif not section:
-            unsaid = re.findall(r">[a-z][a-z0-9]{0,2}(?=[> .,?!]|$)", line)
-            found[label]["unsaid"] += len(unsaid)
-            found[label]["text"] += re.sub(r"(?<=\S)(>[a-z][a-z0-9]{0,2})+(?=[ .,?!]|$)", "", line)
-    return found
+    """The rows of a report by label: text, status, unused_relations, unknown_words, ..."""
+    with open(path, encoding="utf-8", errors="replace") as lines:
+        return {row["label"][3:].rstrip("]"): row for row in map(json.loads, lines)}
 
 
-def measure(name, programs, data, dictionary, work, flags):
-    graphs, gold, out = work / "graphs.txt", work / "gold.txt", work / "out.txt"
+def measure(name, programs, data, dictionary, work, every, flags):
+    graphs, gold, report = work / "graphs.txt", work / "gold.txt", work / "report.json"
     imported = run(programs / "lexon-import", *data, "-o", graphs, "--gold", gold, *flags)
     references = dict(re.findall(r"^\[S:(.*)\]\n\\?(.*)$", gold.read_text(encoding="utf-8"), re.M))
     begin = time.time()
-    run(programs / "lexon", dictionary, work / "rules.txt", graphs, out, "-L1", "-N0", "-T10", "--quiet")
+    run(programs / "lexon", dictionary, work / "rules.lxr", graphs, work / "out.txt", "-L0", "-N0", "-T10", "--quiet",
+        "--report", report)
     took = time.time() - begin
-    found = sentences(out)
-    pairs = [(found[label]["text"], text, label) for label, text in references.items() if label in found]
-    rendered = sum(found[label]["status"].startswith("Done") and bool(found[label]["text"]) for _, _, label in pairs)
+    found = sentences(report)
+    pairs = [(found.get(label, {"text": ""})["text"], text, label) for label, text in references.items()]
+    rendered = sum(bool(text) for text, _, _ in pairs)
     print(f"{name}: {len(pairs)} sentences, rendered {100 * rendered / max(1, len(pairs)):.1f} %, "
           f"BLEU-4 {bleu([(s, r) for s, r, _ in pairs]):.2f}, {took:.1f} s")
+    if every:
+        print(f"  every {every}th: BLEU-4 {bleu([(s, r) for s, r, _ in pairs[::every]]):.2f}, the others "
+              f"{bleu([(s, r) for i, (s, r, _) in enumerate(pairs) if i % every]):.2f}")
     for low, high in ((1, 10), (11, 20), (21, 40), (41, 1000)):
         part = [(s, r) for s, r, _ in pairs if low <= len(r.split()) <= high]
         if part:
             print(f"  references of {low} to {high} words: {len(part)}, BLEU-4 {bleu(part):.2f}")
-    print(f"  relations unsaid: {sum(one['unsaid'] for one in found.values())}")
-    unknown = collections.Counter(word for one in found.values() for word in one["unknown"])
+    print(f"  relations unsaid: {sum(len(one['unused_relations']) for one in found.values())}")
+    unknown = collections.Counter(word for one in found.values() for word in one["unknown_words"])
     print(f"  words without an entry: {sum(unknown.values())}, " + ", ".join(f"{w} {n}" for w, n in unknown.most_common(12)))
     return imported.stderr, pairs
 
@@ -102,26 +91,29 @@ def main():
     parser.add_argument("--dictionary", type=pathlib.Path)
     for source in ("frames", "forms", "wordnet"):
         parser.add_argument("--" + source)
+    parser.add_argument("--every", type=int, default=0, metavar="N", help="score every Nth sentence apart")
     parser.add_argument("--compare", type=pathlib.Path, help="write label, reference and sentence there")
     arguments = parser.parse_args()
     with tempfile.TemporaryDirectory(prefix="lexon-bench-") as name:
         work = pathlib.Path(name)
-        (work / "rules.txt").write_text((EXAMPLE / "rules.txt").read_text())
+        (work / "rules.lxr").write_text((EXAMPLE / "rules.lxr").read_text())
         dictionary = arguments.dictionary
         if dictionary is None:
             dictionary, entries = work / "words.dic", work / "entries.txt"
-            own = [option for file in ("words.txt", "literals.txt") for option in ("--own", EXAMPLE / file)]
+            own = ["--own", EXAMPLE / "words.txt"]
             if arguments.frames or arguments.forms or arguments.wordnet:
                 given = [part for source in ("frames", "forms", "wordnet") if getattr(arguments, source)
                          for part in ("--" + source, getattr(arguments, source))]
                 made = run(sys.executable, HERE / "make_dictionary.py", *own, *given, "-o", entries)
                 print(made.stdout.strip() or made.stderr.strip())
             else:
-                files = ("words.txt", "literals.txt", "entries.txt")
+                files = ("words.txt", "entries.txt")
                 entries.write_text("".join((EXAMPLE / file).read_text(encoding="utf-8") for file in files))
             run(arguments.programs / "lexon-dict", "build", "--skip-bad", entries, dictionary)
-        told, pairs = measure("all steps", arguments.programs, arguments.data, dictionary, work, [])
-        measure("without direct speech", arguments.programs, arguments.data, dictionary, work, ["--no-quotation"])
+        told, pairs = measure("all steps", arguments.programs, arguments.data, dictionary, work,
+                              arguments.every, [])
+        measure("without direct speech", arguments.programs, arguments.data, dictionary, work, arguments.every,
+                ["--no-quotation"])
         print(told.strip())
         if arguments.compare:
             arguments.compare.write_text("".join(f"{label}\n R {reference}\n O {said}\n" for said, reference, label in pairs))

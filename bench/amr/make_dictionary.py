@@ -88,7 +88,7 @@ class Text:
                 if i + 1 < len(words) and words[i + 1] in nouns:
                     continue
                 j = i - 1
-                while j >= 0 and i - j < 4 and words[j] in adjectives and words[j] not in other and words[j] not in PREPOSITIONS:
+                while j >= 0 and i - j < 4 and words[j] in adjectives and words[j] not in known and words[j] not in other and words[j] not in PREPOSITIONS:
                     j -= 1
                 before = words[j] if j >= 0 else ""
                 self.articles[noun][known.get(before, "other" if before in other else "bare")] += 1
@@ -131,6 +131,7 @@ class Sources:
                     self.forms[lemma].setdefault(tags[features], []).append(form)
         self.nouns, self.adjectives, self.adverbs, self.verbs = {}, set(), set(), set()
         self.states = set()
+        self.governs = collections.defaultdict(collections.Counter)
         self.agents, self.nominal, self.adjectival, self.manner = ({} for _ in range(4))
         self.irregular = {"noun": {}, "adj": collections.defaultdict(list), "verb": {}}
         if arguments.wordnet:
@@ -146,6 +147,8 @@ class Sources:
                 count = int(fields[3], 16)
                 words = [re.sub(r"\(.*\)", "", fields[4 + 2 * i]) for i in range(count)]
                 at = 4 + 2 * count
+                if part == "verb":
+                    self.read_verb_frames(words, fields[at + 1 + 4 * int(fields[at]):])
                 pointers = [fields[at + 1 + 4 * i:at + 5 + 4 * i] for i in range(int(fields[at]))]
                 synsets[part, fields[0]] = int(fields[1]), words, pointers
             for line in open(folder / f"index.{part}", encoding="latin-1"):
@@ -191,7 +194,18 @@ class Sources:
                 if part == "adj" and category == "n" and symbol == "\\":
                     self.adjectival.setdefault(target, []).insert(0, source)
                 if part == "adv" and symbol == "\\":
-                    self.manner.setdefault(target.lower(), source)
+                    # Of several adverbs the one that is made of the adjective: slowly, not slower.
+                    if source.endswith("ly") or target.lower() not in self.manner:
+                        self.manner[target.lower()] = source
+
+    def read_verb_frames(self, words, fields):
+        """The sentence frames of a verb sense: what a clause that it governs looks like."""
+        shapes = {26: "THAT", 28: "INF", 33: "GER", 25: "BARE"}
+        for number, word in zip(fields[2::3], fields[3::3]):
+            shape = shapes.get(int(number))
+            for i, verb in enumerate(words):
+                if shape and int(word, 16) in (0, i + 1):
+                    self.governs[verb.lower().replace("_", " ")].update([shape])
 
     def verb_forms(self, lemma):
         first, *rest = lemma.split(" ")
@@ -253,12 +267,21 @@ def surface(lemma):
     return lemma.replace("_", " ").replace("-", " ").strip()
 
 
+def clause_shapes(counts, frames):
+    """What a clause in the place of ARG1 is: as in the examples of the frame files and as WordNet says of the verb."""
+    shapes = ("INF", "GER", "THAT")
+    seen, known = (max(1, sum(table[shape] for shape in shapes)) for table in (counts, frames))
+    score = {shape: counts[shape] / seen + frames[shape] / known for shape in shapes}
+    found = [shape + "1" for shape in ("INF", "GER") if score[shape] and score[shape] >= score["THAT"]]
+    return found + ["THAT1"] * (score["THAT"] > max(score["INF"], score["GER"])) + ["BARE1"] * (frames["BARE"] > 0)
+
+
 def patterns(roleset, sources, lemma):
     """How a frame is built, by its examples: the subject where there is no agent, and what introduces each argument."""
     introduced = collections.defaultdict(collections.Counter)
     subject = collections.Counter()
     roles = {role.get("n").upper() for role in roleset.iter("role")}
-    stem = lemma[:3].strip()
+    forms = {form.split(" ")[0] for form in sources.verb_forms(lemma).values()} | {lemma}
     for example in roleset.iter("example"):
         annotation = example.find("propbank")
         if annotation is None:
@@ -266,7 +289,7 @@ def patterns(roleset, sources, lemma):
         rel = annotation.find("rel")
         text = (example.findtext("text") or "").split()
         place = (rel.get("relloc") or "").split() if rel is not None else []
-        if not place or not place[0].isdigit() or not (rel.text or "").lower().startswith(stem):
+        if not place or not place[0].isdigit() or (rel.text or "").lower().split(" ")[0] not in forms:
             continue
         verb = int(place[0])
         spans = {}
@@ -303,15 +326,16 @@ def patterns(roleset, sources, lemma):
     tags = {role.get("n").upper(): role.get("f", "") for role in roleset.iter("role")}
     for n in "12345":
         counts = introduced.get("ARG" + n)
+        if n == "1":
+            attributes += clause_shapes(counts or collections.Counter(), sources.governs[lemma])
         if not counts:
             if n != "1" and n in tags and defaults.get(tags[n]):
                 attributes.append(f"p{n}{defaults[tags[n]]}")
             continue
-        for shape in ("INF", "GER"):
-            if counts[shape] and counts[shape] >= counts["THAT"]:
-                attributes.append(f"{shape}{n}")
-        if counts["THAT"] > counts["INF"] + counts["GER"]:
-            attributes.append("THAT" + n)
+        if n != "1":
+            attributes += [shape + n for shape in ("INF", "GER") if counts[shape] and counts[shape] >= counts["THAT"]]
+            if counts["THAT"] > counts["INF"] + counts["GER"]:
+                attributes.append("THAT" + n)
         best, _ = max(((k, v) for k, v in counts.items() if k not in ("INF", "THAT", "GER")), key=lambda kv: kv[1],
                       default=("", 0))
         if best and best != "NP":

@@ -119,6 +119,8 @@ LEXON_C_API void lexon_generator_stop(lexon_generator* generator);
 /* The sentences of a result, in order, and the messages of each. The texts live as long as the result. */
 LEXON_C_API size_t lexon_result_count(const lexon_result* result);
 LEXON_C_API lexon_sentence lexon_result_sentence(const lexon_result* result, size_t index);
+/* What can stand in for a sentence that is not done: the words of its graph; "" if it is done. */
+LEXON_C_API const char* lexon_result_fallback(const lexon_result* result, size_t index);
 LEXON_C_API lexon_message lexon_result_message(const lexon_result* result, size_t sentence, size_t index);
 
 #ifdef __cplusplus

@@ -126,6 +126,9 @@ struct Sentence {
   double seconds = 0;             // on the clock of the wall
   // A forced way back did not reach its target: the next sentence goes on to look for it, which can change its text.
   bool leaves_target = false;
+  // What can stand in for a sentence that is not done: the words of its graph, in an order that the manual describes.
+  // Empty if done, and where no graph was read.
+  std::string fallback;
 };
 
 // How sentences are rendered.

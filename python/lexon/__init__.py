@@ -59,7 +59,7 @@ class Sentence:
     `messages` say what is wrong with the graph, and why the sentence failed. `trace` is all that the program `lexon`
     writes for the sentence at the level. `steps` are passes of the search, `memory_bytes` what the sentence took,
     `seconds` the time on the clock. `leaves_target`: a forced way back did not reach its target, and in a run the next
-    sentence goes on to look for it.
+    sentence goes on to look for it. `fallback` stands in for a sentence that is not done: the words of its graph.
     """
 
     text: str
@@ -72,6 +72,7 @@ class Sentence:
     memory_bytes: int
     seconds: float
     leaves_target: bool
+    fallback: str = ""
 
 
 class GrammarWarning(UserWarning):
@@ -291,10 +292,13 @@ class Grammar:
                 for kind, file, line, column, text in found]
 
     def _sentence(
-        self, text: bytes, status: str, code: int, label: bytes, messages: Any, trace: bytes, *figures: Any
+        self, text: bytes, status: str, code: int, label: bytes, messages: Any, trace: bytes, *rest: Any
     ) -> Sentence:
+        *figures, fallback = rest
         found = self._messages(messages)
-        return Sentence(self._text(text), status, code, self._text(label), found, self._text(trace), *figures)
+        return Sentence(
+            self._text(text), status, code, self._text(label), found, self._text(trace), *figures, self._text(fallback)
+        )
 
 
 def _restore(make: Any, words: Any, encoding: str, blocks: int) -> Grammar:

@@ -89,7 +89,7 @@ py::list list_of(const std::vector<lexon::Message>& messages) {
 py::tuple tuple_of(const lexon::Sentence& sentence) {
   return py::make_tuple(py::bytes(sentence.text), to_string(sentence.status), sentence.code, py::bytes(sentence.label),
                         list_of(sentence.messages), py::bytes(sentence.trace), sentence.steps, sentence.memory_bytes,
-                        sentence.seconds, sentence.leaves_target);
+                        sentence.seconds, sentence.leaves_target, py::bytes(sentence.fallback));
 }
 
 std::unique_ptr<Renderer> load(const std::string& dictionary, const std::string& rules, const std::string& cooccurrence,

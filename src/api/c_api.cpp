@@ -151,6 +151,11 @@ lexon_sentence lexon_result_sentence(const lexon_result* result, size_t index) {
           sentence->leaves_target ? 1 : 0};
 }
 
+const char* lexon_result_fallback(const lexon_result* result, size_t index) {
+  const lexon::Sentence* sentence = sentence_at(result, index);
+  return sentence != nullptr ? sentence->fallback.c_str() : "";
+}
+
 lexon_message lexon_result_message(const lexon_result* result, size_t sentence, size_t index) {
   const lexon::Sentence* from = sentence_at(result, sentence);
   return message_at(from != nullptr ? &from->messages : nullptr, index);

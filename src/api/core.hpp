@@ -20,6 +20,7 @@
 #include "rules/grammar.hpp"
 #include "rules/parser.hpp"
 #include "rules/print.hpp"
+#include "run/fallback.hpp"
 #include "run/files.hpp"
 #include "run/notes.hpp"
 #include "run/render.hpp"

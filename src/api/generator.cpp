@@ -290,6 +290,7 @@ bool Generator::Body::render_next(std::string_view& rest) {
   const std::int64_t steps_before = session_->state.steps;
   const Clock::time_point start = Clock::now();
   Sentence result;
+  const std::string_view graph = rest;
   const core::Status code = render_into(rest, result);
   const bool is_over_time = end_sentence();
   result.seconds = std::chrono::duration<double>(Clock::now() - start).count();
@@ -301,6 +302,7 @@ bool Generator::Body::render_next(std::string_view& rest) {
   const bool has_ended = code == core::Status::end_of_input;
   if (has_ended && result.trace.empty()) return false;
   finish(result, code, is_over_time, text_before);
+  if (result.status != Status::done) result.fallback = fallback_words(graph.substr(0, graph.size() - rest.size()));
   // A run writes no banner for what the end of its input leaves open.
   if (!has_ended) result.trace += banner_of(result.status);
   results_.push_back(std::move(result));

@@ -38,9 +38,10 @@ std::string number_text(double number) {
 
 std::string tsv_row(const SentenceReport& sentence) {
   std::string row = tsv_text(sentence.label);
-  for (const std::string& field : {sentence.status, number_text(sentence.milliseconds), std::to_string(sentence.steps),
-                                   std::to_string(sentence.steps_back), tsv_list(sentence.unused_relations),
-                                   tsv_list(sentence.unknown_words), tsv_text(sentence.text)}) {
+  for (const std::string& field :
+       {sentence.status, number_text(sentence.milliseconds), std::to_string(sentence.steps),
+        std::to_string(sentence.steps_back), tsv_list(sentence.unused_relations), tsv_list(sentence.unknown_words),
+        tsv_text(sentence.text), tsv_text(sentence.fallback)}) {
     row += '\t' + field;
   }
   return row;
@@ -56,6 +57,7 @@ std::string json_row(const SentenceReport& sentence) {
   row["unused_relations"] = sentence.unused_relations;
   row["unknown_words"] = sentence.unknown_words;
   row["text"] = sentence.text;
+  row["fallback"] = sentence.fallback;
   return row.dump(-1, ' ', false, nlohmann::ordered_json::error_handler_t::replace);
 }
 
@@ -73,7 +75,7 @@ ReportForm report_form_of(const std::string& path) {
 ReportFile::ReportFile(const std::string& path, ReportForm form)
     : owned_(path == "-" ? nullptr : file_open(path, "wb")), stream_(path == "-" ? stdout : owned_.get()), form_(form) {
   if (stream_ != nullptr && form_ == ReportForm::tsv)
-    line_write(stream_, "label\tstatus\tms\tsteps\tsteps_back\tunused_relations\tunknown_words\ttext");
+    line_write(stream_, "label\tstatus\tms\tsteps\tsteps_back\tunused_relations\tunknown_words\ttext\tfallback");
 }
 
 // Who reads along sees a sentence as soon as it is there.

@@ -55,6 +55,11 @@ int mention_of(Rewriter& graph, int at) {
   return made;
 }
 
+template <std::size_t N>
+bool is_one_of(Rewriter& graph, int at, const std::array<const char*, N>& names) {
+  return std::any_of(names.begin(), names.end(), [&](const char* name) { return graph.word(at).name == name; });
+}
+
 // ---- coordination --------------------------------------------------------------------------------------------------
 
 struct Conjunction {
@@ -143,7 +148,7 @@ void coordinate(Rewriter& graph, int at, const Conjunction& conjunction) {
   }
   graph.remove(parts[0], Fate::relation);
   for (const std::string& attribute : graph.word(at).attributes) {
-    if (attribute != "@pl" && attribute != "@sg") attribute_add(graph.word(head), attribute);
+    if (attribute != "@pl" && attribute != "@sg" && attribute != "@v") attribute_add(graph.word(head), attribute);
   }
   graph.redirect(at, head);
   graph.move_children(at, head);
@@ -151,10 +156,12 @@ void coordinate(Rewriter& graph, int at, const Conjunction& conjunction) {
 
 // ---- quotation -----------------------------------------------------------------------------------------------------
 
-constexpr std::array kSaying{"say",     "ask",      "answer",   "reply",   "exclaim", "cry",     "demand",
-                             "add",     "remark",   "repeat",   "state",   "murmur",  "respond", "object",
-                             "inquire", "explain",  "call-out", "tell",    "think",   "declare", "shout",
-                             "whisper", "announce", "observe",  "continue"};
+constexpr std::array kSaying{"say",     "ask",      "answer",   "reply",    "exclaim",   "cry",      "demand",
+                             "add",     "remark",   "repeat",   "state",    "murmur",    "respond",  "object",
+                             "inquire", "explain",  "call-out", "tell",     "think",     "declare",  "shout",
+                             "whisper", "announce", "observe",  "continue", "interrupt", "confess",  "insist",
+                             "protest", "comment",  "complain", "warn",     "admit",     "conclude", "suggest",
+                             "mutter",  "agree",    "call",     "mumble",   "sigh",      "yell",     "scream"};
 
 // Words that say who speaks to whom, and moods that only one who speaks has.
 bool has_speaker(Rewriter& graph, int at, int depth) {
@@ -170,10 +177,25 @@ bool has_speaker(Rewriter& graph, int at, int depth) {
   return false;
 }
 
+// What is said without being a clause can only be its words: "Good morning", she said. Not so for words that stand for
+// what somebody said.
+bool is_said_so(Rewriter& graph, int frame, int at) {
+  constexpr std::array kUttering{"say",    "answer", "reply", "exclaim",  "cry",     "remark",
+                                 "repeat", "murmur", "shout", "call-out", "respond", "whisper"};
+  constexpr std::array kStandIn{"that",    "this",     "it",         "so",   "thing",       "something",
+                                "nothing", "anything", "everything", "word", "information", "name",
+                                "truth",   "story",    "speech",     "word"};
+  return is_one_of(graph, frame, kUttering) && !is_clause(graph, at) && graph.mentions(at) == 1 &&
+         !is_one_of(graph, at, kStandIn) && !has_attribute(graph.word(at), "@name");
+}
+
 void quote(Rewriter& graph, int at) {
-  const int led = graph.child(at, "ARG1");
+  // Who answers says the answer to a question.
+  constexpr std::array kAnswering{"answer", "reply", "respond"};
+  const bool is_answer = is_one_of(graph, at, kAnswering);
+  const int led = graph.child(at, is_answer ? "ARG2" : "ARG1");
   const int who = graph.child(at, "ARG0");
-  const int whom = graph.child(at, "ARG2");
+  const int whom = graph.child(at, is_answer ? "ARG1" : "ARG2");
   if (led < 0) return;
   const int said = graph.arc(led).to;
   const auto speaks_itself = [&](int arc_at) {
@@ -184,9 +206,14 @@ void quote(Rewriter& graph, int at) {
   const int subject = subject_arc(graph, said);
   const bool is_asked_to = whom >= 0 && subject >= 0 && graph.arc(subject).to == graph.arc(whom).to;
   if (has_attribute(graph.word(said), "@whether") || is_asked_to || speaks_itself(who) || speaks_itself(whom)) return;
-  if (!has_speaker(graph, said, 0)) return;
+  if (!has_speaker(graph, said, 0) && !is_said_so(graph, at, said)) return;
   graph.arc(led).role = "quoted";
   attribute_add(graph.word(said), "@quote");
+  // Behind a quotation a verb without an auxiliary stands before its subject, if that is no pronoun: said the king.
+  constexpr std::array kPronouns{"he", "she", "it", "they", "one"};
+  const bool is_plain = !has_attribute(graph.word(at), "@neg") && !has_attribute(graph.word(at), "@ask") &&
+                        !has_attribute(graph.word(at), "@int") && !has_attribute(graph.word(at), "@can");
+  if (who >= 0 && is_plain && !is_one_of(graph, graph.arc(who).to, kPronouns)) graph.arc(who).role = "speaker";
 }
 
 // ---- questions -----------------------------------------------------------------------------------------------------
@@ -195,11 +222,6 @@ void quote(Rewriter& graph, int at) {
 constexpr std::array kReporting{"know", "wonder", "understand", "forget", "remember", "learn",  "explain", "tell",
                                 "see",  "ask",    "find-out",   "show",   "discover", "teach",  "inquire", "question",
                                 "say",  "decide", "realize",    "hear",   "doubt",    "matter", "idea",    "care"};
-
-template <std::size_t N>
-bool is_one_of(Rewriter& graph, int at, const std::array<const char*, N>& names) {
-  return std::any_of(names.begin(), names.end(), [&](const char* name) { return graph.word(at).name == name; });
-}
 
 bool is_core_role(const std::string& role) {
   return role.starts_with("ARG");
@@ -255,9 +277,10 @@ void step_polarity(Meaning& meaning) {
   Rewriter graph(meaning, "polarity");
   for (int at = 0; at < graph.count(); ++at) {
     // "Not ever" is one word.
-    const int time = has_attribute(graph.word(at), "@neg") ? graph.child(at, "time") : -1;
-    if (time >= 0 && graph.is(graph.arc(time).to, "ever")) {
-      graph.word(graph.arc(time).to).name = "never";
+    for (const char* role : {"time", "mod", "frequency"}) {
+      const int led = has_attribute(graph.word(at), "@neg") ? graph.child(at, role) : -1;
+      if (led < 0 || !graph.is(graph.arc(led).to, "ever")) continue;
+      graph.word(graph.arc(led).to).name = "never";
       std::erase(graph.word(at).attributes, "@neg");
     }
     if (const int led = graph.child(at, "polarity"); led >= 0 && is_unknown(graph, graph.arc(led).to)) {
@@ -300,10 +323,37 @@ static void government_apply(Rewriter& graph, int at) {
   graph.move_children(frame, at);
 }
 
+// (t / thing :ARG1-of (o / order-01)): an order. Only what has no agent; "what she knows" stays a clause.
+static void thing_apply(Rewriter& graph, int at) {
+  int led = -1;
+  for (const int one : graph.children(at)) {
+    const Arc& below = graph.arc(one);
+    if (!below.inverse) continue;
+    if (led >= 0 || !is_core_role(below.role) || below.role == "ARG0") return;
+    led = one;
+  }
+  if (led < 0) return;
+  const int frame = graph.arc(led).to;
+  const std::vector<int> below = graph.children(frame);
+  const bool is_simple = std::all_of(below.begin(), below.end(), [&](int one) {
+    return is_core(graph.arc(one)) && graph.arc(one).role != "ARG0" && !is_clause(graph, graph.arc(one).to);
+  });
+  const bool is_plain = !has_attribute(graph.word(frame), "@neg") && graph.mentions(frame) == 1;
+  const std::string& name = graph.word(frame).name;
+  if (graph.word(frame).sense.empty() || !is_simple || !is_plain || name.find('-') != name.npos) return;
+  graph.remove(led, Fate::attribute);
+  graph.settle_concept(at, Fate::attribute);
+  attribute_add(graph.word(frame), "@result");
+  for (const std::string& attribute : graph.word(at).attributes) attribute_add(graph.word(frame), attribute);
+  graph.redirect(at, frame);
+  graph.move_children(at, frame);
+}
+
 void step_persons(Meaning& meaning) {
   Rewriter graph(meaning, "persons");
   for (int at = 0; at < graph.count(); ++at) {
     if (graph.is(at, "government-organization")) government_apply(graph, at);
+    if (graph.is(at, "thing")) thing_apply(graph, at);
     if (!graph.is(at, "person") || has_attribute(graph.word(at), "@name")) continue;
     const int led = graph.child(at, "ARG0", true);
     if (led < 0) continue;
@@ -352,12 +402,17 @@ void step_speaker(Meaning& meaning) {
   const int frame = meaning.root;
   const int said = graph.child(frame, "ARG1");
   const int who = graph.child(frame, "ARG0");
-  if (!is_utterance || said < 0 || who < 0) return;
+  if (said < 0 || who < 0) return;
   const auto is_bare = [&](int at) {
     return graph.children(at).empty() && !has_attribute(graph.word(at), "@name") &&
            (graph.is(at, "person") || graph.is(at, "i") || graph.is(at, "he") || graph.is(at, "you"));
   };
-  if (!is_bare(graph.arc(who).to)) return;
+  // Some files leave out the mark, and name a person who speaks to a person, of whom nothing is said.
+  const int whom = graph.child(frame, "ARG2");
+  const auto is_nobody = [&](int at) { return graph.is(at, "person") && is_bare(at) && graph.mentions(at) == 1; };
+  const bool is_unnamed =
+      graph.is(frame, "say", "01") && whom >= 0 && is_nobody(graph.arc(who).to) && is_nobody(graph.arc(whom).to);
+  if (!is_bare(graph.arc(who).to) || !(is_utterance || is_unnamed)) return;
   // Nobody writes "a person says": the speaker is "i", and who is spoken to is "you".
   graph.settle_concept(frame, Fate::left_out);
   const int content = graph.arc(said).to;
@@ -401,8 +456,38 @@ void step_tense(Meaning& meaning) {
   }
 }
 
+void step_forms(Meaning& meaning) {
+  Rewriter graph(meaning, "forms");
+  constexpr std::array kAuxiliary{"@can", "@must",  "@should", "@may", "@likely", "@maynot",
+                                  "@fut", "@would", "@neg",    "@ask", "@int"};
+  for (int at = 0; at < graph.count(); ++at) {
+    Concept& word = graph.word(at);
+    const bool has_subject = subject_arc(graph, at) >= 0 || graph.child(at, "understood") >= 0 ||
+                             graph.child(at, "shared") >= 0 || graph.child(at, "speaker") >= 0;
+    if (has_subject) attribute_add(word, "@cl");
+    const bool is_auxiliary =
+        std::any_of(kAuxiliary.begin(), kAuxiliary.end(), [&](const char* one) { return has_attribute(word, one); });
+    if (is_auxiliary && is_clause(graph, at)) attribute_add(word, "@aux");
+    // What is only counted is new: "there are three birds in the tree".
+    const bool is_being = graph.is(at, "be-located-at", "91") || graph.is(at, "exist", "91");
+    const int what = is_being ? graph.child(at, "ARG1") : -1;
+    if (what < 0) continue;
+    const Concept& thing = graph.word(graph.arc(what).to);
+    const bool is_new = graph.child(graph.arc(what).to, "quant") >= 0 || has_attribute(thing, "@indef");
+    if (is_new) attribute_add(word, has_attribute(thing, "@pl") ? "@theres" : "@there");
+  }
+}
+
 void step_control(Meaning& meaning) {
   Rewriter graph(meaning, "control");
+  // What seems to be done has its subject in front: "the cat seems to sleep".
+  for (int at = 0, end = graph.count(); at < end; ++at) {
+    const bool is_raising = graph.is(at, "seem", "01") || graph.is(at, "appear", "02");
+    const int led = is_raising && graph.child(at, "ARG0") < 0 ? graph.child(at, "ARG1") : -1;
+    if (led < 0 || graph.word(graph.arc(led).to).sense.empty()) continue;
+    const int subject = graph.child(graph.arc(led).to, "ARG0");
+    if (subject >= 0) graph.add(at, graph.arc(subject).to, "ARG0", false);
+  }
   const std::vector<int> first = first_arcs(graph);
   for (int at = 0; at < graph.count(); ++at) {
     const int above = first[static_cast<std::size_t>(at)];
@@ -425,6 +510,7 @@ void step_control(Meaning& meaning) {
       is_named |= led_here >= 0 && graph.arc(led_here).inverse && graph.arc(led_here).from == person;
     }
     if (!is_named) continue;
+    if (graph.arc(subject).role == "domain") continue;
     if (graph.arc(subject).role != "ARG0") attribute_add(graph.word(at), "@ctl1");
     graph.arc(subject).role = "understood";
   }

@@ -81,7 +81,16 @@ void reified_apply(Rewriter& graph, int at, const Reified& one) {
     // One end alone: "that is why ...", "... because". The frame's other end is not said.
     const int led = up >= 0 ? up : down;
     const bool is_above = graph.arc(led).to == at;
-    if (is_above || graph.mentions(at) > 1) return;
+    if (is_above) {
+      // "So the seventh planet was the Earth": the cause stands in another sentence.
+      if (std::string_view(one.role) != "cause" || up < 0 || graph.mentions(at) > 1 || !graph.children(at).empty())
+        return;
+      attribute_add(graph.word(graph.arc(led).from), "@so_cause");
+      graph.settle_concept(at, Fate::attribute);
+      graph.remove(led, Fate::attribute);
+      return;
+    }
+    if (graph.mentions(at) > 1) return;
     const bool is_plain = graph.children(at).size() == 1;
     if (!is_plain || std::string_view(one.role) == "superset") return;
     const int kept = graph.arc(led).to;
@@ -298,7 +307,9 @@ void modality_apply(Rewriter& graph, int at, const Modal& modal) {
   // A negated possibility: "cannot". The two negations of "it is not possible not to" stay apart.
   const bool both = has_attribute(graph.word(at), "@neg") && has_attribute(graph.word(clause), "@neg");
   if (both) return;
-  for (const std::string& attribute : graph.word(at).attributes) attribute_add(graph.word(clause), attribute);
+  for (const std::string& attribute : graph.word(at).attributes) {
+    if (attribute != "@v") attribute_add(graph.word(clause), attribute);
+  }
   const bool above = graph.arc(led).to == at;
   graph.remove(led, Fate::attribute);
   if (!above) graph.redirect(at, clause);

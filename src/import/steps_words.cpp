@@ -140,7 +140,7 @@ void step_quantities(Meaning& meaning) {
     if (graph.is(at, "rate-entity", "91")) rate_apply(graph, at);
   }
   // A number as :mod is a name, "chapter 2"; words that speak of several go with a plural.
-  constexpr std::array<std::string_view, 4> kSeveral{"all", "both", "these", "those"};
+  constexpr std::array<std::string_view, 5> kSeveral{"all", "both", "most", "these", "those"};
   for (Arc& one : meaning.arcs) {
     if (one.gone || one.inverse || one.role != "mod") continue;
     const Concept& word = graph.word(one.to);
@@ -149,11 +149,13 @@ void step_quantities(Meaning& meaning) {
     if (is_several && graph.word(one.from).sense.empty()) attribute_add(graph.word(one.from), "@pl");
   }
   // Numbers other than one go with a plural, and words that say how many.
-  constexpr std::array<std::string_view, 8> kMany{"many",    "few",      "several",     "multiple",
-                                                  "various", "numerous", "amr-unknown", "umr-unknown"};
+  constexpr std::array<std::string_view, 11> kMany{"many", "few",  "several", "multiple",    "various",    "numerous",
+                                                   "all",  "both", "most",    "amr-unknown", "umr-unknown"};
   for (const Arc& one : meaning.arcs) {
     if (one.gone || one.inverse || one.role != "quant") continue;
-    const Concept& number = graph.word(one.to);
+    // "Only four": the number stands below the word that restricts it.
+    const int inner = graph.child(one.to, "op1");
+    const Concept& number = graph.word(inner >= 0 ? graph.arc(inner).to : one.to);
     const bool is_plain = number.sense.empty() && is_number(number.name);
     const bool is_many = std::find(kMany.begin(), kMany.end(), number.name) != kMany.end();
     if (is_plain || is_many) attribute_add(graph.word(one.from), number.name == "1" ? "@sg" : "@pl");

@@ -125,6 +125,7 @@ void for_each_sentence_on(unsigned threads, const RenderOptions& options,
 void tell_failure(const GraphText& graph, const Rendered& rendered) {
   tell_line(graph.file + ':' + std::to_string(graph.line) + ": " + rendered.sentence.label + ": " + rendered.status());
   for (const Message& message : rendered.sentence.messages) tell_line("  " + to_string(message));
+  if (!rendered.sentence.fallback.empty()) tell_line("  its words: " + escaped(rendered.sentence.fallback));
 }
 
 }  // namespace lab

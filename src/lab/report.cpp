@@ -59,6 +59,7 @@ int report(const Arguments& arguments) {
       row.milliseconds = rendered.sentence.seconds * 1000;
       row.steps = rendered.sentence.steps;
       row.text = rendered.sentence.text;
+      row.fallback = rendered.sentence.fallback;
       if (!rendered.is_done()) status = kFailed;
       file.write(row);
     }

@@ -8,6 +8,7 @@
 #include <utility>
 
 #include "data/output.hpp"
+#include "run/fallback.hpp"
 #include "run/render.hpp"
 
 namespace lexon {
@@ -34,11 +35,19 @@ Status render_guarded(Session& session, RunContext& context, TextSource source, 
                       SentenceReport* report) {
   std::array<char, kSentenceSize> text;
   try {
-    const Status status = render_sentence(session, context.dictionary.files(), source, text.data(),
-                                          context.cr_dictionary.files(), context.post_edit, &notes);
-    if (report != nullptr) report_leftovers(session, *report);
-    if (report != nullptr && status == Status::ok) report->text = plain_sentence(session, text.data());
-    return session.stop_requested ? Status::stopped : status;
+    std::string graph;
+    if (report != nullptr) source.keep(&graph);
+    Status status = render_sentence(session, context.dictionary.files(), source, text.data(),
+                                    context.cr_dictionary.files(), context.post_edit, &notes);
+    if (session.stop_requested) status = Status::stopped;
+    if (report == nullptr) return status;
+    report_leftovers(session, *report);
+    if (status == Status::ok) {
+      report->text = plain_sentence(session, text.data());
+    } else {
+      report->fallback = fallback_words(graph);
+    }
+    return status;
   } catch (const std::bad_alloc&) {
     return Status::memory;
   }

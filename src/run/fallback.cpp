@@ -97,6 +97,8 @@ class Words {
       if (line.empty() || line.front() == ';' || line.front() == '{' || line.front() == '<') continue;
       if (line.front() == '[') {
         in_words = line.starts_with("[W");
+        // What stands in front of the sentence is no part of it.
+        if (line.starts_with("[S")) lines_.clear(), entries_.clear();
       } else if (in_words) {
         node_add("", line);
         lines_.push_back({"", std::string(node_of(line)), std::string(node_of(line))});

@@ -18,6 +18,7 @@ struct SentenceReport {
   std::vector<std::string> unused_relations;  // "agn(sleep(>rest), dog(>animal))", ":01" for a scope
   std::vector<std::string> unknown_words;     // words of the graph that the dictionary does not have
   std::string text;                           // the sentence without relation marks; empty unless done
+  std::string fallback;                       // its words in an order that needs no rules; empty if done
 };
 
 // The finished sentence as it is at trace level 0, where relations that are left over do not show. `printed` is what it

@@ -111,18 +111,19 @@ def main():
             found = []
             for line in map(json.loads, lines):
                 found.append([line["label"], line["status"], str(line["steps"]), str(line["steps_back"]),
-                              "; ".join(line["unused_relations"]), "; ".join(line["unknown_words"]), line["text"]])
+                              "; ".join(line["unused_relations"]), "; ".join(line["unknown_words"]), line["text"], line["fallback"]])
             return found
 
         lab("report", "input.txt", *GRAMMAR, "-o", "lab.tsv")
         run = [*words, "-N0", "--report"]
         table.run("lexon", *run, "one.tsv", folder=folder)
         table.run("lexon", *run, "four.jsonl", "-J4", folder=folder)
-        table.check("a row a sentence", [row[-1] for row in rows_of("lab.tsv")], expected.splitlines())
+        table.check("a row a sentence", [row[-2] for row in rows_of("lab.tsv")], expected.splitlines())
         for path in ("one.tsv", "four.jsonl"):
             table.check(f"{path} and lab.tsv", rows_of(path), rows_of("lab.tsv"))
         lab("report", "fails.txt", *GRAMMAR, "-o", "fails.jsonl")
-        table.check("of what failed", rows_of("fails.jsonl")[0][:2] + rows_of("fails.jsonl")[0][-1:], ["[S:tired]", "failed", ""])
+        table.check("of what failed", rows_of("fails.jsonl")[0][:2] + rows_of("fails.jsonl")[0][-2:],
+                    ["[S:tired]", "failed", "", "tired dog cat"])
         table.check("a report in the way", table.run("lexon", *run, "rules.txt", folder=folder).returncode, 1)
 
         # The shell, from a script.

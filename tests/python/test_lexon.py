@@ -163,6 +163,7 @@ def test_a_graph_that_fails_says_why(grammar, name):
     sentence = grammar.render(graph)
     assert (sentence.status, sentence.code) == (status, code)
     assert (sentence.text == "") == (status != "done")
+    assert (sentence.fallback == "a") == (name == "no way on")
     assert sentence.messages[-1].line == line and word in sentence.messages[-1].text, sentence.messages
 
 

@@ -22,6 +22,7 @@ const Row kRows[] = {
     {"unreached", "agn(a.@entry, b)\nagn(c, d)\n", "a b c d"},
     {"word_block", "[W]\nrain(>weather).@entry\n[/W]\n", "rain"},
     {"bad_lines", "agn(a.@entry\nnothing\nagn(a.@entry, b)\n", "a b"},
+    {"words_before_the_sentence", "agn(x, y)\n[S:1]\nagn(a.@entry, b)\n[/S]\n", "a b"},
     {"empty", "", ""},
 };
 
