@@ -27,6 +27,7 @@ struct RuleStep {
   const std::string& file;
   SourceMap& source;
   std::string& expansion;
+  const TextLookup& unsaved;
 };
 
 // The rest of the step, behind parsing or reading the rules.
@@ -69,13 +70,17 @@ bool load_source(RuleStep& step, ExpandedFile&& source) {
 }
 
 bool load_rules(RuleStep& step) {
-  if (ExpandedFile source = expand_beside(step.file, Expanding::in_memory); source.is_source)
+  if (ExpandedFile source = expand_beside(step.file, Expanding::in_memory, step.unsaved); source.is_source)
     return load_source(step, std::move(source));
   const std::string extension = path_split(step.file).extension;
   if (extension == ".mtx") {
     error_append(step.messages, step.file,
                  "this is the index of compiled rules: name the rule text or the \".rul\" file");
     return false;
+  }
+  if (const std::string* unsaved = step.unsaved ? step.unsaved(step.file) : nullptr; unsaved != nullptr) {
+    std::string_view text = *unsaved;
+    return parse(step, text);
   }
   errno = 0;
   const File stream(file_open(step.file, "rb"));
@@ -112,12 +117,12 @@ bool open_cooccurrence(LoadedGrammar& grammar, const std::string& path) {
 
 template <typename LoadRules>
 void load_all(LoadedGrammar& grammar, const GrammarFiles& files, const std::string& rule_file,
-              LoadRules load_rules_of) {
+              const TextLookup& unsaved, LoadRules load_rules_of) {
   bool is_usable = open_words(grammar.words, files.dictionary, grammar.messages);
   if (!files.cooccurrence.empty()) is_usable = open_cooccurrence(grammar, files.cooccurrence) && is_usable;
   grammar.rules.pool.limit_blocks(std::clamp(files.blocks, 1, kMostBlocks));
   const auto session = std::make_unique<Session>();
-  RuleStep step{*session, grammar.rules, grammar.messages, rule_file, grammar.source, grammar.expansion};
+  RuleStep step{*session, grammar.rules, grammar.messages, rule_file, grammar.source, grammar.expansion, unsaved};
   grammar.is_usable = load_rules_of(step) && is_usable;
   grammar.printed = session->output.take();
 }
@@ -127,8 +132,12 @@ void load_all(LoadedGrammar& grammar, const GrammarFiles& files, const std::stri
 Grammar::Grammar() noexcept = default;
 
 Grammar Grammar::load(const GrammarFiles& files) {
-  const auto body = std::make_shared<Body>();
-  load_all(*body, files, files.rules, load_rules);
+  return Inside::load(files, {});
+}
+
+Grammar Inside::load(const GrammarFiles& files, const TextLookup& unsaved) {
+  const auto body = std::make_shared<Grammar::Body>();
+  load_all(*body, files, files.rules, unsaved, load_rules);
   Grammar grammar;
   grammar.body_ = body;
   return grammar;
@@ -136,7 +145,7 @@ Grammar Grammar::load(const GrammarFiles& files) {
 
 Grammar Grammar::from_text(std::string_view rules, const GrammarFiles& files) {
   const auto body = std::make_shared<Body>();
-  load_all(*body, files, {}, [&rules](RuleStep& step) { return parse(step, rules); });
+  load_all(*body, files, {}, {}, [&rules](RuleStep& step) { return parse(step, rules); });
   Grammar grammar;
   grammar.body_ = body;
   return grammar;

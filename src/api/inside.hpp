@@ -26,6 +26,9 @@ struct Grammar::Body : LoadedGrammar {};
 struct Inside {
   // Null for a grammar without rules; valid as long as any copy of the grammar.
   [[nodiscard]] static const LoadedGrammar* loaded(const Grammar& grammar);
+  // As `Grammar::load`, with these texts in the place of the rules, or of the source and what it includes. Dictionaries
+  // are files.
+  [[nodiscard]] static Grammar load(const GrammarFiles& files, const TextLookup& unsaved);
   // The session that the generator's thread works with. Not to be touched while it renders, but by what is called from
   // there.
   [[nodiscard]] static Session& session(Generator& generator);

@@ -61,6 +61,8 @@ constexpr CheckCode kCodes[] = {
     {"scope-entry", "a scope without @entry"},
     {"scope-empty", "a scope without relations"},
     {"scope-unused", "a scope that nothing leads to"},
+    {"source-syntax", "a grammar source that cannot be expanded"},
+    {"no-file", "a file of the project that cannot be read"},
     {"encoding", "text that is not read as it looks"},
     {"rules-room", "the rules leave no room for sentences"},
 };
@@ -232,7 +234,7 @@ class Check {
 
   // Without a dictionary any word may have to be made up.
   bool is_made_up(const RuleView& rule, Side side) const {
-    return !words_.is_there || literal_words(rule, side) == nullptr;
+    return !words_.is_there() || literal_words(rule, side) == nullptr;
   }
 
   // The conditions of a pattern that a word does not meet.
@@ -279,7 +281,7 @@ class Check {
     check_priority(rule);
     check_type(rule);
     for (const Side side : {Side::left, Side::right}) {
-      if (is_literal(rule, side) && words_.is_there) check_literal(rule, side);
+      if (is_literal(rule, side) && words_.is_there()) check_literal(rule, side);
       check_together(rule, side);
     }
     for (const RuleItem& item : rule.items) {
@@ -287,7 +289,7 @@ class Check {
       if (item.kind == ItemKind::hw) check_form(rule, item);
       if (item.kind == ItemKind::cw) check_concept(rule, item);
       const bool is_of_known_word =
-          item.place == Place::cond && is_literal(rule, item.side) && words_.is_there && !is_made_up(rule, item.side);
+          item.place == Place::cond && is_literal(rule, item.side) && words_.is_there() && !is_made_up(rule, item.side);
       if (is_misplaced || is_of_known_word) continue;
       if (item.place == Place::relation) check_label(rule, item);
       if (item.kind == ItemKind::attribute && item.place != Place::relation && item.place != Place::role)
@@ -377,7 +379,7 @@ class Check {
 
   // Attributes that only entries give, and that no entry has together.
   void check_together(const RuleView& rule, Side side) {
-    if (!words_.is_there) return;
+    if (!words_.is_there()) return;
     std::vector<NameId> wanted;
     const RuleItem* last = nullptr;
     for (const RuleItem& item : rule.items) {
@@ -478,7 +480,7 @@ class Check {
   bool is_judged(const std::string& name) const {
     if (name.empty()) return false;
     if (is_signed_name(name)) return graphs_.is_there;
-    return words_.is_there;
+    return words_.is_there();
   }
 
   bool is_given(NameId name) {
@@ -571,7 +573,7 @@ class Check {
       return;
     }
     const bool is_asked = item.place == Place::cond || item.place == Place::suf || item.place == Place::mid;
-    if (!is_asked || item.op != kOpHas || !words_.is_there || !graphs_.is_there) return;
+    if (!is_asked || item.op != kOpHas || !words_.is_there() || !graphs_.is_there) return;
     if (item.place == Place::cond && rule.quote(item.side) && !rule.first(Place::relation)) return;
     // Post-edit can split any form off a word.
     if ((rule.is_post_edit() && has_splits_) || form == "<<" || form == ">>" || is_number(form)) return;
@@ -631,7 +633,7 @@ class Check {
       return;
     }
     const bool is_asked = item.place == Place::cond || item.place == Place::suf || item.place == Place::mid;
-    if (!is_asked || item.op != kOpHas || !words_.is_there || words_.by_concept.contains(item.name)) return;
+    if (!is_asked || item.op != kOpHas || !words_.is_there() || words_.by_concept.contains(item.name)) return;
     if (graphs_.words.contains(item.name) || graphs_.quoted.contains(item.name)) return;
     const bool is_made = is_literal(rule, item.side) && item.place == Place::cond;
     report(rule, item, Level::warning, "unknown-concept",
@@ -642,14 +644,15 @@ class Check {
   // --- names that nobody asks for
 
   void check_word_names() {
-    std::vector<std::pair<std::int64_t, NameId>> unused;
+    std::vector<NameId> unused;
     for (const auto& [name, use] : words_.attributes) {
-      if (!use_of(name).asked && !use_of(name).taken) unused.emplace_back(use.line, name);
+      if (!use_of(name).asked && !use_of(name).taken) unused.push_back(name);
     }
-    std::ranges::sort(unused, [this](const auto& a, const auto& b) {
-      return std::tie(a.first, names_[a.second]) < std::tie(b.first, names_[b.second]);
+    std::ranges::sort(unused, {}, [this](NameId name) {
+      const WordSurvey::Attribute& use = words_.attributes.at(name);
+      return std::tuple(use.file, use.line, std::string_view(names_[name]));
     });
-    for (const auto& [line, id] : unused) {
+    for (const NameId id : unused) {
       const WordSurvey::Attribute& use = words_.attributes.at(id);
       const std::string& name = names_[id];
       // A slip of the pen is rare; what stands in many entries is meant.
@@ -657,9 +660,9 @@ class Check {
       const std::string* near = use.count <= kMostSlips ? nearest(name, asked_names_) : nullptr;
       std::string what = "no rule asks for " + name + " of [" + use.form + "]";
       if (use.count > 1) what += " and of " + std::to_string(use.count - 1) + " more";
-      if (line != 0) needles_[findings_.size()] = name;
-      findings_.push_back({words_.file, line, 0, 0, near != nullptr ? Level::warning : Level::note, "unused-name",
-                           std::move(what), near != nullptr ? "did you mean " + *near + "?" : ""});
+      if (use.line != 0) needles_[findings_.size()] = name;
+      findings_.push_back({words_.files[use.file], use.line, 0, 0, near != nullptr ? Level::warning : Level::note,
+                           "unused-name", std::move(what), near != nullptr ? "did you mean " + *near + "?" : ""});
     }
   }
 
@@ -699,7 +702,7 @@ class Check {
       report(*use, near != nullptr ? Level::warning : Level::note, "unused-name",
              "no rule asks for " + name + times(use->count), near != nullptr ? "did you mean " + *near + "?" : "");
     }
-    if (words_.is_there) check_graph_words();
+    if (words_.is_there()) check_graph_words();
   }
 
   void check_graph_label(NameId id, const GraphSurvey::Use& use, const std::vector<const std::string*>& lost_labels) {

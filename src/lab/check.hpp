@@ -4,7 +4,6 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <optional>
 #include <span>
 #include <string>
 #include <vector>
@@ -22,19 +21,25 @@ struct CheckText {
   std::string text;
 };
 
+class CheckCache;  // word_index.hpp
+class Overlay;
+
 struct CheckInput {
   CheckText rules;
   // Where the rules were expanded from; null: from nothing. Findings then lie in the sources.
   const SourceMap* source = nullptr;
-  // Words: entry text in memory, or else a file, which may be entry text or what `lexon-dict build` makes of it. Without
-  // either, names that a dictionary may give are not judged.
-  std::optional<CheckText> entries{};
-  std::string words_file{};
+  // Words: files that count as one, of entry text or what `lexon-dict build` makes of it. Without any, names that a
+  // dictionary may give are not judged.
+  std::vector<std::string> words_files{};
   // The co-occurrence dictionary, text or built; empty: none.
   std::string cooccurrence_file{};
   // Graphs. Without any, names that graphs may give are not judged.
   std::vector<CheckText> graphs{};
   int blocks = kMaxBlocks;  // the memory that runs will have, as `lexon --blocks`
+  // Texts that stand for the files above and for those of the sources; null: none. Not owned.
+  const Overlay* unsaved = nullptr;
+  // Where words are kept for the next check; null: nowhere. Not owned, and for one thread at a time.
+  CheckCache* cache = nullptr;
 };
 
 enum class Level : std::uint8_t {

@@ -126,7 +126,7 @@ int run_check(const Arguments& arguments) {
   refuse_unknown_codes(arguments.silenced);
   CheckInput input;
   input.rules = {arguments.rules, text_file_read(arguments.rules)};
-  input.words_file = arguments.words;
+  if (!arguments.words.empty()) input.words_files.push_back(arguments.words);
   input.cooccurrence_file = arguments.cooccurrence;
   input.blocks = arguments.blocks;
   const bool may_be_source = path_split(arguments.rules).extension == kSourceExtension;

@@ -11,6 +11,7 @@
 #include "data/sentence.hpp"
 #include "data/session.hpp"
 #include "data/utf8.hpp"
+#include "lab/text_file.hpp"
 #include "rules/parser.hpp"
 #include "rules/scanners.hpp"
 #include "run/notes.hpp"
@@ -188,6 +189,42 @@ void check_parser(const CheckInput& input, const RuleNotes& notes, const Pool& p
                       "run lexon with --blocks " + std::to_string(2 * input.blocks)});
 }
 
+std::vector<std::string_view> lines_of(std::string_view rest) {
+  std::vector<std::string_view> lines;
+  while (!rest.empty()) {
+    const std::size_t end = std::min(rest.find('\n'), rest.size());
+    lines.push_back(rest.substr(0, end));
+    rest.remove_prefix(std::min(end + 1, rest.size()));
+  }
+  return lines;
+}
+
+// The lines of sources, each file read once.
+class SourceLines {
+ public:
+  explicit SourceLines(const Overlay* unsaved) : unsaved_(unsaved) {}
+
+  std::string_view line(const std::string& path, std::int64_t number) {
+    const auto [known, is_new] = files_.try_emplace(path);
+    if (is_new) {
+      known->second.text = text_file_read(path, unsaved_);
+      known->second.lines = lines_of(known->second.text);
+    }
+    const auto index = static_cast<std::size_t>(number) - 1;
+    if (index >= known->second.lines.size()) return {};
+    const std::string_view found = known->second.lines[index];
+    return found.ends_with('\r') ? found.substr(0, found.size() - 1) : found;
+  }
+
+ private:
+  struct File {
+    std::string text;
+    std::vector<std::string_view> lines;
+  };
+  const Overlay* unsaved_;
+  std::map<std::string, File> files_;
+};
+
 }  // namespace
 
 Finding finding_at(const std::string& file, std::int64_t line, std::string_view text, std::size_t begin,
@@ -208,12 +245,8 @@ std::string rule_line_name(const CheckInput& input, std::int64_t line) {
 
 void findings_to_sources(const CheckInput& input, std::vector<Finding>& findings) {
   if (input.source == nullptr) return;
-  std::vector<std::string_view> lines;
-  for (std::string_view rest = input.rules.text; !rest.empty();) {
-    const std::size_t end = std::min(rest.find('\n'), rest.size());
-    lines.push_back(rest.substr(0, end));
-    rest.remove_prefix(std::min(end + 1, rest.size()));
-  }
+  const std::vector<std::string_view> lines = lines_of(input.rules.text);
+  SourceLines sources(input.unsaved);
   const auto byte_at = [&lines](std::int64_t line, std::size_t column) {
     std::string_view text =
         static_cast<std::size_t>(line) <= lines.size() ? lines[static_cast<std::size_t>(line) - 1] : std::string_view();
@@ -234,7 +267,7 @@ void findings_to_sources(const CheckInput& input, std::vector<Finding>& findings
     const MappedPlace place = input.source->place(finding.line, begin);
     const MappedPlace last = input.source->place(finding.line, end - 1);
     if (!place.file.empty()) {
-      const std::string line = source_line_at(place.file, place.line);
+      const std::string_view line = sources.line(place.file, place.line);
       const bool is_one_stretch = last.file == place.file && last.line == place.line && last.column >= place.column;
       std::string text = std::move(finding.text);
       if (const std::string around = surroundings_text(place); !around.empty()) text += " (" + around + ')';

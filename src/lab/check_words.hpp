@@ -23,11 +23,12 @@ struct WordFacts {
 struct WordSurvey {
   struct Attribute {
     std::int64_t count = 0;
-    std::int64_t line = 0;  // of the first entry that has it; 0 in a built dictionary
-    std::string form;       // of that entry
+    std::uint32_t file = 0;  // of the first entry that has it, into `files`
+    std::int64_t line = 0;   // of that entry; 0 in a built dictionary
+    std::string form;        // of that entry
   };
-  bool is_there = false;
-  std::string file;
+  std::vector<std::string> files;
+  [[nodiscard]] bool is_there() const { return !files.empty(); }
   std::unordered_map<NameId, Attribute> attributes;
   std::vector<std::vector<NameId>> attribute_sets;  // each that some entry has, in ascending order
   // Of the forms and concept words that were asked for.

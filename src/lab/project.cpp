@@ -50,6 +50,11 @@ Project::Project(GrammarFiles of, std::string_view text)
   begin();
 }
 
+Project::Project(GrammarFiles of, const Overlay& unsaved)
+    : files(std::move(of)), grammar(Inside::load(files, unsaved.lookup())) {
+  begin();
+}
+
 void Project::begin() {
   std::string all;
   for (Message message : grammar.messages()) {
@@ -153,16 +158,20 @@ bool is_asked_for(const std::string& wanted, const GraphText& sentence) {
   return sentence.label.empty() && label == std::to_string(sentence.number);
 }
 
-void for_each_sentence(const RenderOptions& options, const std::function<void(const GraphText&)>& use) {
+void for_each_sentence(const RenderOptions& options, const std::function<void(const GraphText&)>& use,
+                       const Overlay* unsaved) {
   std::vector<std::string> missing = options.sentences;
   GraphText sentence;
   Progress progress(options.inputs);
   for (const std::string& path : options.inputs) {
     sentence.file = path;
     sentence.line = 1;
-    const File opened(path == "-" ? nullptr : file_open(path, "rb"));
-    if (path != "-" && opened == nullptr) throw Fault(path + ": cannot be opened: " + std::strerror(errno));
-    const TextSource source(path == "-" ? stdin : opened.get());
+    const auto text = unsaved != nullptr ? unsaved->find(path) : nullptr;
+    const bool is_file = text == nullptr && path != "-";
+    const File opened(is_file ? file_open(path, "rb") : nullptr);
+    if (is_file && opened == nullptr) throw Fault(path + ": cannot be opened: " + std::strerror(errno));
+    std::string_view rest = text != nullptr ? std::string_view(*text) : std::string_view();
+    const TextSource source = text != nullptr ? TextSource(rest) : TextSource(is_file ? opened.get() : stdin);
     while (sentence_text_read(source, sentence.text)) {
       if (is_blank(sentence.text)) break;
       ++sentence.number;

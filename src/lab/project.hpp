@@ -11,6 +11,7 @@
 
 #include "api/inside.hpp"
 #include "lab/options.hpp"
+#include "lab/overlay.hpp"
 
 namespace lexon {
 inline namespace v1 {
@@ -33,6 +34,9 @@ struct Project {
   explicit Project(GrammarFiles of);
   // The same with the rules as `text` has them, in place of what stands in their file.
   Project(GrammarFiles of, std::string_view text);
+  // The same with unsaved texts in the place of the rules, or of the source and what it includes. The dictionaries are
+  // files: `BuiltWords` makes one of unsaved entries.
+  Project(GrammarFiles of, const Overlay& unsaved);
   [[nodiscard]] const LoadedGrammar& loaded() const { return *Inside::loaded(grammar); }
   // "rules.txt:12", for a rule of this grammar; without a line for one from a compiled file without its text.
   [[nodiscard]] std::string place_of(const Rule& rule) const;
@@ -69,7 +73,9 @@ struct GraphText {
 
 // Reads the inputs sentence by sentence, whatever their size, and hands on those that are asked for. Throws Fault for a
 // file that cannot be read, and for a sentence that was asked for and is in none.
-void for_each_sentence(const RenderOptions& options, const std::function<void(const GraphText&)>& use);
+// Unsaved texts stand for their files.
+void for_each_sentence(const RenderOptions& options, const std::function<void(const GraphText&)>& use,
+                       const Overlay* unsaved = nullptr);
 
 }  // namespace lab
 }  // namespace v1

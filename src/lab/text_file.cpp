@@ -13,7 +13,8 @@ namespace lexon {
 inline namespace v1 {
 namespace lab {
 
-std::string text_file_read(const std::string& path) {
+std::string text_file_read(const std::string& path, const Overlay* unsaved) {
+  if (const auto text = unsaved != nullptr ? unsaved->find(path) : nullptr; text != nullptr) return *text;
   errno = 0;
   const File opened(path == "-" ? nullptr : file_open(path, "rb"));
   if (path != "-" && opened == nullptr) throw Fault(path + ": cannot be opened: " + std::strerror(errno));

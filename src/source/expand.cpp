@@ -17,6 +17,7 @@
 
 #include "data/chars.hpp"
 #include "data/platform.hpp"
+#include "data/stamp.hpp"
 #include "source/source_text.hpp"
 
 namespace lexon {
@@ -106,7 +107,7 @@ void split_at(std::string_view text, char separator, std::vector<std::string>& c
 
 class Expander {
  public:
-  explicit Expander(Expansion& out) : out_(out) { out_.map.frames.resize(1); }
+  Expander(Expansion& out, const TextLookup& unsaved) : out_(out), unsaved_(unsaved) { out_.map.frames.resize(1); }
 
   void expand(const std::string& path) {
     std::uint32_t file = 0;
@@ -166,11 +167,17 @@ class Expander {
       return true;
     }
     errno = 0;
-    const File stream(regular_file_open(path, "rb"));
-    std::string why = stream == nullptr ? std::strerror(errno) : std::string();
+    const std::string* text = unsaved_ ? unsaved_(path) : nullptr;
+    const File stream(text != nullptr ? nullptr : regular_file_open(path, "rb"));
+    std::string why = text == nullptr && stream == nullptr ? std::strerror(errno) : std::string();
     std::optional<FileMark> mark;
     std::string content;
-    if (stream != nullptr) {
+    if (text != nullptr) {
+      content = *text;
+      ByteHash hash;
+      hash.add(content.data(), content.size());
+      mark = FileMark{.size = static_cast<std::int64_t>(content.size()), .hash = hash.value()};
+    } else if (stream != nullptr) {
       const std::int64_t size = file_size(stream.get());
       content.resize(static_cast<std::size_t>(size));
       mark = file_mark(stream.get());
@@ -648,6 +655,7 @@ class Expander {
   }
 
   Expansion& out_;
+  const TextLookup& unsaved_;
   std::vector<std::unique_ptr<SourceText>> texts_;  // beside the files of the map
   std::unordered_map<std::string, std::uint32_t> numbers_;
   std::set<std::uint32_t> read_;
@@ -668,9 +676,9 @@ bool Expansion::has_errors() const {
   return std::any_of(messages.begin(), messages.end(), [](const SourceMessage& m) { return !m.is_warning; });
 }
 
-Expansion expand_source(const std::string& path) {
+Expansion expand_source(const std::string& path, const TextLookup& unsaved) {
   Expansion expansion;
-  Expander(expansion).expand(path);
+  Expander(expansion, unsaved).expand(path);
   return expansion;
 }
 

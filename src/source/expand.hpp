@@ -5,6 +5,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -34,8 +35,12 @@ struct Expansion {
 
 inline constexpr const char* kSourceExtension = ".lxr";
 
+// What an editor shows and has not saved: the text that stands for the file at `path`, or null where the file itself is
+// meant. The text has to stay until the call that asks for it returns.
+using TextLookup = std::function<const std::string*(const std::string& path)>;
+
 // Expands the file at `path` in memory, with what it includes. A file that cannot be opened is an error.
-[[nodiscard]] Expansion expand_source(const std::string& path);
+[[nodiscard]] Expansion expand_source(const std::string& path, const TextLookup& unsaved = {});
 
 // The expansion of a source as a file beside it, "NAME.lxr.txt", with a map, "NAME.lxr.map".
 struct ExpandedFile {
@@ -52,7 +57,7 @@ enum class Expanding : std::uint8_t { when_changed, anew, in_memory };
 
 // Brings the expansion of `path` up to date: it is made when one of its files or the expanded text is not what it was.
 // Files are replaced in one move each; in memory none is written or looked at. A file whose extension is not ".lxr" is
-// never a source.
-[[nodiscard]] ExpandedFile expand_beside(const std::string& path, Expanding how);
+// never a source. Unsaved texts are for expanding in memory.
+[[nodiscard]] ExpandedFile expand_beside(const std::string& path, Expanding how, const TextLookup& unsaved = {});
 
 }  // namespace lexon

@@ -70,10 +70,11 @@ void write_both(ExpandedFile& file) {
 
 }  // namespace
 
-ExpandedFile expand_beside(const std::string& path, Expanding how) {
+ExpandedFile expand_beside(const std::string& path, Expanding how, const TextLookup& unsaved) {
   ExpandedFile file;
   if (!path.ends_with(kSourceExtension)) return file;
-  const std::optional<std::string> content = content_of(path);
+  const std::string* text = unsaved ? unsaved(path) : nullptr;
+  const std::optional<std::string> content = text != nullptr ? *text : content_of(path);
   if (!content || !has_directives(*content)) return file;
   file.is_source = true;
   file.text_path = path + ".txt";
@@ -84,7 +85,7 @@ ExpandedFile expand_beside(const std::string& path, Expanding how) {
         source_map_read(file.map_path, file.expansion.map, true) && file.expansion.map.files.front().path == path;
     if (is_known && is_current(file)) return file;
   }
-  file.expansion = expand_source(path);
+  file.expansion = expand_source(path, unsaved);
   file.expansion.map.text_path = file.text_path;
   file.is_new = true;
   if (!file.expansion.has_errors() && how != Expanding::in_memory) write_both(file);

@@ -1,0 +1,73 @@
+#include "lab/built_words.hpp"
+
+#include <algorithm>
+#include <cstdlib>
+#include <filesystem>
+#include <memory>
+
+#include "data/session.hpp"
+#include "dicttool/build.hpp"
+#include "lab/commands.hpp"
+#include "lab/text_file.hpp"
+
+namespace lexon {
+inline namespace v1 {
+namespace lab {
+
+namespace fs = std::filesystem;
+
+BuiltWords::~BuiltWords() {
+  std::error_code error;
+  if (!folder_.empty()) fs::remove_all(folder_, error);
+}
+
+std::string BuiltWords::dictionary_of(const std::vector<std::string>& files, const Overlay* unsaved) {
+  if (files.empty()) return {};
+  std::vector<TextMark> marks;
+  for (const std::string& file : files) marks.push_back(text_mark(file, unsaved));
+  if (files == files_ && marks == marks_) return path_;
+  std::string all;
+  for (const std::string& file : files) {
+    const std::string text = text_file_read(file, unsaved);
+    constexpr std::size_t kHead = 4096;
+    if (std::string_view(text).substr(0, kHead).find('\0') != std::string_view::npos) {
+      if (files.size() > 1) throw Fault(file + ": is built already: name it alone, or name the entries as text");
+      return file;
+    }
+    all += text;
+    if (!all.empty() && all.back() != '\n') all += '\n';
+  }
+  if (folder_.empty()) {
+    std::error_code error;
+    std::string name = (fs::temp_directory_path(error) / "lexon-lab-XXXXXX").string();
+    if (error || ::mkdtemp(name.data()) == nullptr) throw Fault(name + ": no temporary folder can be made");
+    folder_ = name;
+  }
+  // A dictionary that is open must not change, so each build has a name of its own.
+  std::error_code error;
+  if (!path_.empty()) {
+    for (const char* extension : {".dic", ".idx", ".idx.stamp"}) {
+      fs::remove(fs::path(path_).replace_extension(extension), error);
+    }
+  }
+  const std::string text_path = folder_ + "/entries.txt";
+  text_file_write(text_path, all);
+  path_ = folder_ + '/' + 'w' + std::to_string(++count_) + ".dic";
+  const auto session = std::make_unique<Session>();
+  BuildFigures figures;
+  // What is wrong with entries is for `check` to say.
+  const File log = unnamed_file();
+  if (log == nullptr ||
+      !dictionary_build(*session, {.entries = text_path, .dictionary = path_, .skip_bad = true}, log.get(), figures)) {
+    files_.clear();
+    throw Fault(files.front() + ": no dictionary can be made of the entries: lexon-dict build tells why");
+  }
+  fs::remove(text_path, error);
+  files_ = files;
+  marks_ = std::move(marks);
+  return path_;
+}
+
+}  // namespace lab
+}  // namespace v1
+}  // namespace lexon

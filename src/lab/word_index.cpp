@@ -1,0 +1,217 @@
+#include "lab/word_index.hpp"
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <cstring>
+#include <functional>
+#include <unordered_map>
+#include <unordered_set>
+#include <utility>
+
+#include "data/platform.hpp"
+#include "data/session.hpp"
+#include "dict/block_chain.hpp"
+#include "dict/dict_record.hpp"
+#include "dicttool/entry_reader.hpp"
+#include "lab/commands.hpp"
+#include "run/files.hpp"
+
+namespace lexon {
+inline namespace v1 {
+namespace lab {
+
+namespace {
+
+constexpr std::size_t kSniffed = 4096;
+
+struct Source {
+  std::string name;
+  File file;
+  bool is_built = false;
+};
+
+Source open_file(const std::string& path) {
+  Source source{path, File(file_open(path, "rb"))};
+  if (source.file == nullptr) throw Fault(path + ": cannot be opened: " + std::strerror(errno));
+  std::array<char, kSniffed> head;
+  const std::size_t size = std::fread(head.data(), 1, head.size(), source.file.get());
+  // Entry text holds no NUL, and the header of a dictionary is full of them.
+  source.is_built = size != 0 && std::memchr(head.data(), 0, size) != nullptr;
+  std::rewind(source.file.get());
+  return source;
+}
+
+Source open_words(const std::string& path, const Overlay* unsaved) {
+  const auto text = unsaved != nullptr ? unsaved->find(path) : nullptr;
+  if (text == nullptr) return open_file(path);
+  Source source{path, unnamed_file()};
+  const bool is_written =
+      source.file != nullptr && std::fwrite(text->data(), 1, text->size(), source.file.get()) == text->size();
+  if (!is_written) throw Fault(path + ": no room for a temporary file");
+  std::rewind(source.file.get());
+  return source;
+}
+
+// One entry: its line, or 0 in a built dictionary, and its bytes as they are stored.
+using EntryUse = std::function<void(std::int64_t line, const StoredRecord& record, ByteView bytes)>;
+
+void read_text(const Source& source, const EntryUse& use, std::vector<Finding>& findings) {
+  const auto session = std::make_unique<Session>();
+  EntryText text(*session, source.file.get(), {kDefaultKeys, max_key_length(kShortNameSize)});
+  StoredRecord record;
+  while (true) {
+    switch (text.next()) {
+      case EntryText::Line::entry: {
+        const ByteView bytes(text.record());
+        if (stored_record_read(bytes, record)) use(text.line_number(), record, bytes);
+        break;
+      }
+      case EntryText::Line::bad:
+        findings.push_back({source.name, text.line_number(), 1, 2, Level::error, "entry-syntax", text.reason(),
+                            "an entry is [form]{id} \"concept\" (ATTRIBUTES) <language,frequency,priority>;"});
+        break;
+      case EntryText::Line::end: return;
+      case EntryText::Line::unreadable: throw Fault(source.name + ": cannot be read to its end");
+      case EntryText::Line::no_memory: throw std::bad_alloc();
+    }
+  }
+}
+
+void read_built(const Source& source, const EntryUse& use) {
+  const std::int64_t size = file_size(source.file.get());
+  const auto block = std::make_unique<DictBlock>();
+  StoredRecord record;
+  for (std::uint32_t number = kFirstDictBlock; number <= kMaxBlockNumber; ++number) {
+    const std::int64_t offset = dict_block_offset(number);
+    if (offset + static_cast<std::int64_t>(kDictBlockSize) > size) return;
+    if (!block->read(source.file.get(), offset)) throw Fault(source.name + ": cannot be read to its end");
+    if (block->bytes()[kDictTypeOffset] != kDataBlock) continue;
+    ByteView bytes;
+    for (std::size_t at = kDictDataOffset; at < block->content().size(); at += bytes.size()) {
+      bytes = record_at(block->content(), at);
+      if (bytes.empty() || !stored_record_read(bytes, record)) {
+        throw Fault(source.name + ": is damaged: lexon-dict check says where");
+      }
+      use(0, record, bytes);
+    }
+  }
+}
+
+void read_entries(const Source& source, const EntryUse& use, std::vector<Finding>& findings) {
+  if (source.is_built) return read_built(source, use);
+  read_text(source, use, findings);
+}
+
+// Entries that are alike in everything. Those of a text may stand anywhere, those of a built dictionary stand in the
+// order of their forms.
+class Duplicates {
+ public:
+  explicit Duplicates(const Source& source) : source_(source) {}
+
+  void look_at(std::int64_t line, const StoredRecord& record, ByteView bytes, std::vector<Finding>& findings) {
+    const std::string_view text(reinterpret_cast<const char*>(bytes.data()), bytes.size());
+    if (!source_.is_built) {
+      seen_.emplace_back(std::hash<std::string_view>()(text), line);
+      return;
+    }
+    if (form_ != record.hw) {
+      form_ = record.hw;
+      of_form_.clear();
+    }
+    if (of_form_.insert(std::string(text)).second) return;
+    findings.push_back({source_.name, 0, 0, 0, Level::warning, "duplicate-entry",
+                        "two entries of [" + form_ + "] are alike in everything", "strike one out of the entries"});
+  }
+
+  void finish(std::vector<Finding>& findings) {
+    std::ranges::sort(seen_);
+    for (std::size_t i = 1; i < seen_.size(); ++i) {
+      if (seen_[i].first != seen_[i - 1].first) continue;
+      std::size_t first = i - 1;
+      while (first > 0 && seen_[first - 1].first == seen_[i].first) --first;
+      findings.push_back({source_.name, seen_[i].second, 1, 2, Level::warning, "duplicate-entry",
+                          "the same entry stands in line " + std::to_string(seen_[first].second),
+                          "strike one of the two out"});
+    }
+  }
+
+ private:
+  const Source& source_;
+  std::vector<std::pair<std::size_t, std::int64_t>> seen_;
+  std::string form_;
+  std::unordered_set<std::string> of_form_;
+};
+
+std::uint64_t key_of(std::string_view text) {
+  return static_cast<std::uint64_t>(std::hash<std::string_view>()(text)) >> 32 << 32;
+}
+
+}  // namespace
+
+WordIndex::WordIndex(const std::string& path, const Overlay* unsaved) : path_(path) {
+  const Source source = open_words(path, unsaved);
+  std::unordered_map<std::string, std::uint32_t> sets;
+  Duplicates duplicates(source);
+  std::string attrs;
+  read_entries(
+      source,
+      [&](std::int64_t line, const StoredRecord& record, ByteView bytes) {
+        attrs.assign(record.attrs);
+        const auto [set, is_new] = sets.try_emplace(attrs, static_cast<std::uint32_t>(sets_.size()));
+        if (is_new) sets_.push_back({attrs, 0, static_cast<std::uint32_t>(entries_.size())});
+        ++sets_[set->second].count;
+        entries_.push_back({static_cast<std::uint32_t>(texts_.size()), set->second, static_cast<std::uint32_t>(line)});
+        for (const std::string_view field :
+             {std::string_view(record.hw), std::string_view(record.cw), std::string_view(record.id)}) {
+          (texts_ += field) += '\0';
+        }
+        duplicates.look_at(line, record, bytes, findings_);
+      },
+      findings_);
+  duplicates.finish(findings_);
+  sort_keys();
+}
+
+void WordIndex::sort_keys() {
+  by_form_.reserve(entries_.size());
+  by_concept_.reserve(entries_.size());
+  for (std::uint32_t i = 0; i < entries_.size(); ++i) {
+    by_form_.push_back(key_of(form(entries_[i])) | i);
+    by_concept_.push_back(key_of(concept_word(entries_[i])) | i);
+  }
+  std::ranges::sort(by_form_);
+  std::ranges::sort(by_concept_);
+}
+
+std::vector<std::uint32_t> WordIndex::find(const std::vector<std::uint64_t>& by_key, int number,
+                                           std::string_view key) const {
+  std::vector<std::uint32_t> found;
+  const std::uint64_t wanted = key_of(key);
+  for (auto at = std::ranges::lower_bound(by_key, wanted); at != by_key.end() && *at >> 32 == wanted >> 32; ++at) {
+    const auto entry = static_cast<std::uint32_t>(*at);
+    if (field(entries_[entry], number) == key) found.push_back(entry);
+  }
+  return found;
+}
+
+std::shared_ptr<const WordIndex> CheckCache::words(const std::string& path, const Overlay* unsaved) {
+  const TextMark mark = text_mark(path, unsaved);
+  Known& known = known_[path];
+  known.is_used = true;
+  if (known.index == nullptr || known.mark != mark) {
+    known.index = nullptr;
+    known.index = std::make_shared<const WordIndex>(path, unsaved);
+    known.mark = mark;
+  }
+  return known.index;
+}
+
+void CheckCache::forget_unused() {
+  std::erase_if(known_, [](const auto& each) { return !each.second.is_used; });
+  for (auto& [path, known] : known_) known.is_used = false;
+}
+
+}  // namespace lab
+}  // namespace v1
+}  // namespace lexon
