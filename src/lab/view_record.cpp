@@ -1,0 +1,512 @@
+#include "lab/view_record.hpp"
+
+#include <algorithm>
+#include <cstring>
+#include <fstream>
+
+#include "lab/show.hpp"
+
+namespace lexon {
+inline namespace v1 {
+namespace lab {
+
+namespace {
+
+// Of a longer list the nodes around the window.
+constexpr std::ptrdiff_t kMostAround = 100;
+constexpr int kMostNodes = 4096;
+constexpr std::size_t kMostStanding = 100000;
+constexpr int kMostCopies = 64;
+constexpr int kMostFinal = 2048;
+
+std::string_view text_of(const char* text) {
+  return text == nullptr ? std::string_view() : std::string_view(text);
+}
+
+bool has_attr(std::string_view attrs, std::string_view wanted) {
+  while (!attrs.empty()) {
+    const std::size_t length = std::min(attrs.find(','), attrs.size());
+    if (attrs.substr(0, length) == wanted) return true;
+    attrs.remove_prefix(std::min(length + 1, attrs.size()));
+  }
+  return false;
+}
+
+// How many of `attrs` are in `others`.
+int common_attrs(std::string_view attrs, std::string_view others) {
+  int count = 0;
+  while (!attrs.empty()) {
+    const std::size_t length = std::min(attrs.find(','), attrs.size());
+    if (length > 0 && has_attr(others, attrs.substr(0, length))) ++count;
+    attrs.remove_prefix(std::min(length + 1, attrs.size()));
+  }
+  return count;
+}
+
+// What no action of a rule changes.
+bool is_same_word(const WordEntry& a, const WordEntry& b) {
+  return text_of(a.cw) == text_of(b.cw) && text_of(a.gloss) == text_of(b.gloss) && text_of(a.id) == text_of(b.id) &&
+         std::memcmp(a.frequency, b.frequency, sizeof a.frequency) == 0 && a.priority == b.priority;
+}
+
+// The entry that the word comes from, whatever rules have made of it since.
+const WordEntry* entry_behind(const WordEntry* entries, const WordEntry& word) {
+  const WordEntry* best = nullptr;
+  int best_likeness = -1;
+  for (const WordEntry& entry : chain<&WordEntry::next>(entries)) {
+    if (!is_same_word(entry, word)) continue;
+    const bool has_its_form = text_of(entry.hw) == text_of(word.hw);
+    const int likeness = common_attrs(text_of(entry.attrs), text_of(word.attrs)) + (has_its_form ? kAttrLimit : 0);
+    if (likeness > best_likeness) {
+      best = &entry;
+      best_likeness = likeness;
+    }
+  }
+  return best;
+}
+
+const Node& first_of(const Node& node) {
+  const Node* first = &node;
+  for (int steps = 0; first->source != nullptr && steps < kMostCopies; ++steps) first = first->source;
+  return *first;
+}
+
+}  // namespace
+
+// ---- The graph.
+
+std::int32_t ViewRecord::graph_node(const Node& node) {
+  const auto [place, is_new] = graph_nodes_.try_emplace(&node, static_cast<std::int32_t>(graph_nodes_.size()));
+  if (!is_new) return place->second;
+  nlohmann::json data;
+  data["name"] = is_scope_reference(node) ? node_text(&node) : std::string(text_of(node.name));
+  data["scope"] = is_scope_reference(node) ? node.scope : -1;
+  data["instance"] = is_scope_reference(node) ? 0 : node.scope;
+  data["attrs"] = nlohmann::json::array();
+  for (const ScopeAttrs& block : chain<&ScopeAttrs::next>(node.scope_attrs))
+    data["attrs"].push_back({block.scope, block.text});
+  const bool stands_for_itself = has_attr(text_of(node.entries == nullptr ? nullptr : node.entries->attrs), "TEMP");
+  data["unknown"] = !is_scope_reference(node) && (node.entries == nullptr || stands_for_itself);
+  graph_["nodes"].push_back(std::move(data));
+  return place->second;
+}
+
+void ViewRecord::graph_read(const Session& session) {
+  graph_ = {{"nodes", nlohmann::json::array()},
+            {"relations", nlohmann::json::array()},
+            {"scopes", nlohmann::json::array()},
+            {"layout", nullptr},
+            {"notice", ""}};
+  const auto& sentence = session.sentence;
+  for (std::int32_t at = 0; at < sentence.graph_node_count; ++at) {
+    const Node* node = sentence.graph_nodes[static_cast<std::size_t>(at)];
+    if (node != nullptr) static_cast<void>(graph_node(*node));
+  }
+  for (std::int32_t at = 0; at < sentence.graph_relation_count; ++at) {
+    const Relation* arc = sentence.graph_relations[static_cast<std::size_t>(at)];
+    if (arc == nullptr || arc->from == nullptr || arc->to == nullptr) continue;
+    relations_.push_back(arc);
+    const std::int32_t from = graph_node(*arc->from);
+    const std::int32_t to = graph_node(*arc->to);
+    graph_["relations"].push_back(
+        {{"label", arc->label}, {"scope", arc->scope}, {"from", from}, {"to", to}, {"used", false}});
+  }
+  for (const ScopeRow& row : scope_rows(sentence)) {
+    const bool has_entry = row.entry != nullptr;
+    graph_["scopes"].push_back({{"number", row.number}, {"entry", has_entry ? graph_node(*row.entry) : -1}});
+  }
+}
+
+std::int32_t ViewRecord::used_now(const Session& session) {
+  std::string used;
+  if (must_leave(session) == core::Status::ok || is_post_edit_) {
+    for (const Relation* arc : relations_) used += arc->used != 0 ? '1' : '0';
+  }
+  return used_.number_of(used);
+}
+
+// ---- Lists.
+
+std::int32_t ViewRecord::place_of(const Node& node) {
+  const auto known = places_by_node_.find(&node);
+  // A place that was given back can come again as another one.
+  if (known != places_by_node_.end()) {
+    const Place& place = places_[static_cast<std::size_t>(known->second)];
+    const bool is_the_same = place.source == node.source && (node.name == nullptr || place.name == node.name);
+    if (is_the_same) return known->second;
+  }
+  Place place;
+  place.source = node.source;
+  int steps = 0;
+  for (const Node* each = &node; each != nullptr && place.name.empty() && ++steps < kMostCopies; each = each->source)
+    place.name = text_of(each->name);
+  if (const auto found = graph_nodes_.find(&node); found != graph_nodes_.end()) place.graph = found->second;
+  if (node.source != nullptr && node.source != &node) {
+    const auto source = places_by_node_.find(node.source);
+    place.from = source != places_by_node_.end() ? source->second : -1;
+    if (place.from == -1) {
+      // A copy of what no list has shown yet, which is a node of the graph.
+      const auto found = graph_nodes_.find(&first_of(node));
+      if (found != graph_nodes_.end()) place.graph = found->second;
+    }
+  }
+  const auto number = static_cast<std::int32_t>(places_.size());
+  places_.push_back(std::move(place));
+  places_by_node_[&node] = number;
+  return number;
+}
+
+void ViewRecord::literal_note(const Node& node) {
+  const std::int32_t number = place_of(node);
+  Place& place = places_[static_cast<std::size_t>(number)];
+  place.literals.clear();
+  for (const WordEntry& word : chain<&WordEntry::next>(node.candidates))
+    place.literals.emplace_back(text_of(word.hw), entries_.number_of(entry_line(word)));
+}
+
+std::int32_t ViewRecord::entry_of(const Node& node, const Place& place) {
+  if (node.candidates == nullptr || is_boundary(node)) return -1;
+  const Node& first = first_of(node);
+  const WordEntry* entry = entry_behind(node.entries != nullptr ? node.entries : first.entries, *node.candidates);
+  if (entry != nullptr) return entries_.number_of(entry_line(*entry));
+  const std::string_view form = text_of(node.candidates->hw);
+  for (const auto& [literal, number] : place.literals) {
+    if (literal == form) return number;
+  }
+  return place.literals.empty() ? -1 : place.literals.front().second;
+}
+
+std::int32_t ViewRecord::state_of(const Node& node, const RuleCandidate* candidate) {
+  State state;
+  state.place = place_of(node);
+  state.text = candidate == nullptr ? node_text(&node) : node_text_before(&node, *candidate);
+  const MatchRecord* record = node.matches;
+  while (record != nullptr && candidate != nullptr && record->candidate == candidate) record = record->next;
+  state.is_untouched = !is_boundary(node) && (record == nullptr || record->state == kStateHold);
+  if (node.candidates != nullptr) state.attrs = text_of(node.candidates->attrs);
+  // What the graph says of a word gets into it when a rule first fits.
+  if (is_untouched(node) && !is_boundary(node)) {
+    const char* said = head_text(node);
+    if (said != nullptr && *said != '\0') state.attrs = std::string(said) + ',' + state.attrs;
+  }
+  const std::int32_t number = states_.number_of(state);
+  if (static_cast<std::size_t>(number) == entry_of_state_.size())
+    entry_of_state_.push_back(entry_of(node, places_[static_cast<std::size_t>(state.place)]));
+  return number;
+}
+
+ViewRecord::Shown ViewRecord::list_of(const Session& session, const Window& window, const RuleCandidate* candidate,
+                                      const Node* inserted) {
+  const Node* middle = window.lnode != nullptr ? window.lnode : window.rnode;
+  if (middle == nullptr || must_leave(session) != core::Status::ok) return {};
+  std::vector<const Node*> nodes;
+  std::int32_t left_out[2] = {0, 0};
+  // A rule base can close a list to a circle.
+  int steps = 0;
+  for (const Node* node = middle->left; node != nullptr && ++steps < kMostNodes; node = node->left) {
+    if (steps <= kMostAround) {
+      nodes.push_back(node);
+    } else {
+      ++left_out[0];
+    }
+  }
+  std::reverse(nodes.begin(), nodes.end());
+  const std::size_t to_the_left = nodes.size();
+  steps = 0;
+  for (const Node* node = middle; node != nullptr && ++steps < kMostNodes; node = node->right) {
+    if (steps <= kMostAround) {
+      nodes.push_back(node);
+    } else {
+      ++left_out[1];
+    }
+  }
+  std::vector<std::int32_t> list;
+  Shown shown;
+  if (left_out[0] > 0) list.push_back(-left_out[0]);
+  for (std::size_t at = 0; at < nodes.size(); ++at) {
+    const bool is_left_place = at == to_the_left;
+    if (nodes[at] == inserted) {
+      // What a rule brings in as its left place comes to stand behind what was there.
+      if (is_left_place) shown.at = static_cast<std::int32_t>(list.size()) - 1;
+      continue;
+    }
+    if (is_left_place) shown.at = static_cast<std::int32_t>(list.size());
+    list.push_back(state_of(*nodes[at], candidate));
+  }
+  if (left_out[1] > 0) list.push_back(-left_out[1]);
+  shown.list = lists_.number_of(list);
+  return shown;
+}
+
+// The words of the sentence, as they are joined to its text: scopes in the places of their references.
+void ViewRecord::final_walk(const Session& session, const Node* entry, int depth, std::vector<std::int32_t>& list) {
+  if (entry == nullptr || depth > kMaxScopes) return;
+  int steps = 0;
+  while (entry->left != nullptr && ++steps < kMostNodes) entry = entry->left;
+  for (steps = 0; entry != nullptr && ++steps < kMostNodes && list.size() < kMostFinal; entry = entry->right) {
+    if (is_scope_reference(*entry)) {
+      const int row = scope_row_find(session, entry->scope);
+      if (row != 0) final_walk(session, session.sentence.semlst[static_cast<std::size_t>(row)].entry, depth + 1, list);
+    } else if (kind_bits(*entry) != kKindBoundary) {
+      list.push_back(state_of(*entry, nullptr));
+    }
+  }
+}
+
+std::int32_t ViewRecord::final_list(const Session& session) {
+  std::vector<std::int32_t> list;
+  final_walk(session, session.sentence.semlst[0].entry, 0, list);
+  return lists_.number_of(list);
+}
+
+// ---- The search.
+
+void ViewRecord::sentence_begins(Session& session) {
+  relations_.clear();
+  graph_nodes_.clear();
+  places_by_node_.clear();
+  places_.clear();
+  entries_.clear();
+  states_.clear();
+  entry_of_state_.clear();
+  lists_.clear();
+  used_.clear();
+  steps_.clear();
+  standing_.clear();
+  last_number_ = forgotten_ = 0;
+  fitted_ = {};
+  outer_.clear();
+  last_offered_ = {};
+  has_reason_ = is_post_edit_ = false;
+  graph_read(session);
+}
+
+void ViewRecord::generated(Session&, core::Status) {
+  is_post_edit_ = true;
+}
+
+ViewRecord::Step ViewRecord::step_of(const Session& session, Kind kind, const Rule* rule) const {
+  return {
+      .kind = kind, .is_post_edit = is_post_edit_, .rule = rule, .scope = std::int32_t{current_scope(session).number}};
+}
+
+void ViewRecord::append(Step&& step) {
+  step.number = ++last_number_;
+  steps_.push_back(std::move(step));
+  if (steps_.size() > kept_ + kept_ / 2) forget_some();
+}
+
+void ViewRecord::stand(const RuleCandidate& candidate, Step&& step) {
+  has_reason_ = false;
+  // Carried out again, with another word or another solution of its scope, it takes the place of what it was before.
+  const auto same = [&candidate](const Standing& each) { return each.candidate == &candidate; };
+  const auto found = std::find_if(standing_.rbegin(), standing_.rend(), same);
+  if (found != standing_.rend() && !step.is_post_edit)
+    take_back_from(static_cast<std::size_t>(standing_.rend() - found) - 1);
+  append(std::move(step));
+  standing_.push_back({&candidate, last_number_});
+  if (standing_.size() > kMostStanding) standing_.erase(standing_.begin(), standing_.begin() + kMostStanding / 2);
+}
+
+// A step that is over as soon as it is there.
+void ViewRecord::leaf(Step&& step) {
+  step.size = 1;
+  step.is_undone = true;
+  append(std::move(step));
+}
+
+void ViewRecord::take_back_from(std::size_t place) {
+  for (; standing_.size() > place; standing_.pop_back()) {
+    const std::int64_t number = standing_.back().number;
+    const auto step = std::lower_bound(steps_.begin(), steps_.end(), number,
+                                       [](const Step& each, std::int64_t wanted) { return each.number < wanted; });
+    if (step == steps_.end() || step->number != number) continue;
+    step->is_undone = true;
+    step->size = last_number_ - number + 1;
+  }
+}
+
+// Behind the first half goes first what was taken back longest ago, then what stands.
+void ViewRecord::forget_some() {
+  const std::size_t head = kept_ / 2;
+  const std::size_t size = steps_.size();
+  std::size_t surplus = size - kept_;
+  std::deque<Step> left;
+  for (std::size_t at = 0; at < size; ++at) {
+    const bool goes = at >= head && surplus > 0 && steps_[at].is_undone;
+    if (goes) --surplus;
+    if (!goes) left.push_back(steps_[at]);
+  }
+  if (surplus > 0) {
+    const auto first = left.begin() + static_cast<std::ptrdiff_t>(std::min(head, left.size() - surplus));
+    left.erase(first, first + static_cast<std::ptrdiff_t>(surplus));
+  }
+  forgotten_ += static_cast<std::int64_t>(size - left.size());
+  steps_.swap(left);
+  // The tables keep what is still pointed at.
+  Table<State> states;
+  std::vector<std::int32_t> entries;
+  Table<std::vector<std::int32_t>> lists;
+  const auto move = [&](Shown& shown) {
+    if (shown.list == -1) return;
+    std::vector<std::int32_t> list = lists_.at(shown.list);
+    for (std::int32_t& state : list) {
+      if (state < 0) continue;
+      const std::int32_t entry = entry_of_state_[static_cast<std::size_t>(state)];
+      state = states.number_of(states_.at(state));
+      if (static_cast<std::size_t>(state) == entries.size()) entries.push_back(entry);
+    }
+    shown.list = lists.number_of(list);
+  };
+  for (Step& step : steps_) {
+    move(step.before);
+    move(step.after);
+  }
+  for (Fitted& fitted : outer_) move(fitted.before);
+  move(fitted_.before);
+  move(last_offered_);
+  states_.swap(states);
+  entry_of_state_.swap(entries);
+  lists_.swap(lists);
+}
+
+void ViewRecord::offered(Session& session, const Window& window, const RuleCandidate*) {
+  has_reason_ = false;
+  last_offered_ = list_of(session, window);
+}
+
+void ViewRecord::offered_in_post_edit(Session&, const Window&, std::span<const std::int32_t>) {
+  has_reason_ = false;
+}
+
+void ViewRecord::tried(Session& session, const RuleCandidate& candidate, const Window& before, const Window& after,
+                       Fit fit) {
+  const Rule& rule = *candidate.rule;
+  const bool is_test = is_word_test_type(rule.type);
+  if (fit == Fit::refused && is_test) {
+    Step step = step_of(session, Kind::asked, &rule);
+    step.before = list_of(session, before);
+    step.used = used_now(session);
+    leaf(std::move(step));
+    has_reason_ = true;
+  }
+  if (fit != Fit::yes) return;
+  if (is_test) {
+    Step step = step_of(session, Kind::narrowed, &rule);
+    step.before = list_of(session, before, &candidate);
+    step.after = list_of(session, before);
+    step.used = used_now(session);
+    stand(candidate, std::move(step));
+    return;
+  }
+  const Node* inserted = rule.lnode->inserted != 0 ? after.lnode : rule.rnode->inserted != 0 ? after.rnode : nullptr;
+  if (inserted != nullptr) literal_note(*inserted);
+  fitted_ = {&candidate, list_of(session, after, &candidate, inserted)};
+}
+
+void ViewRecord::applied(Session& session, const RuleCandidate& candidate, const Window& after) {
+  Step step = step_of(session, Kind::rule, candidate.rule);
+  if (fitted_.candidate == &candidate) step.before = fitted_.before;
+  step.after = list_of(session, after);
+  step.used = used_now(session);
+  stand(candidate, std::move(step));
+}
+
+void ViewRecord::undone(Session& session, const RuleCandidate& candidate) {
+  const auto same = [&candidate](const Standing& each) { return each.candidate == &candidate; };
+  const auto found = std::find_if(standing_.rbegin(), standing_.rend(), same);
+  if (found == standing_.rend()) return;  // its scope failed before it was carried out
+  if (!has_reason_) {
+    Step step = step_of(session, Kind::dead_end, nullptr);
+    step.before = last_offered_;
+    step.used = used_now(session);
+    leaf(std::move(step));
+    has_reason_ = true;
+  }
+  take_back_from(static_cast<std::size_t>(standing_.rend() - found) - 1);
+}
+
+void ViewRecord::scope_entered(Session&, const RuleCandidate&, int) {
+  outer_.push_back(std::exchange(fitted_, {}));
+}
+
+void ViewRecord::scope_returned_into(Session&, int) {
+  outer_.push_back(std::exchange(fitted_, {}));
+}
+
+void ViewRecord::scope_left(Session&, int, bool) {
+  if (outer_.empty()) return;
+  fitted_ = outer_.back();
+  outer_.pop_back();
+}
+
+// ---- The whole.
+
+std::string ViewRecord::source_line(const RulePlace& place) {
+  const auto [known, is_new] = source_lines_.try_emplace(place.file);
+  std::vector<std::string>& lines = known->second;
+  std::ifstream file;
+  if (is_new) file.open(place.file, std::ios::binary);
+  for (std::string line; is_new && std::getline(file, line);) {
+    if (line.ends_with('\r')) line.pop_back();
+    lines.push_back(line);
+  }
+  return place.line == 0 || place.line > lines.size() ? std::string() : lines[place.line - 1];
+}
+
+const nlohmann::json& ViewRecord::rule_data(const Rule& rule) {
+  nlohmann::json& data = rule_data_[&rule];
+  if (!data.is_null()) return data;
+  data = {{"place", project_.place_of(rule)}, {"text", project_.text_of(rule)}};
+  data["source"] = source_line(project_.line_of(rule));
+  data["values"] = rule.line == 0 ? std::string() : surroundings_text(project_.loaded().source.place(rule.line, 0));
+  return data;
+}
+
+nlohmann::json ViewRecord::result(const Session& session) {
+  nlohmann::json data;
+  for (std::size_t at = 0; at < relations_.size(); ++at) graph_["relations"][at]["used"] = relations_[at]->used != 0;
+  data["final"] = must_leave(session) == core::Status::ok ? final_list(session) : -1;
+  data["graph"] = std::move(graph_);
+  std::map<const Rule*, std::size_t> rules;
+  data["rules"] = nlohmann::json::array();
+  nlohmann::json& rows = data["steps"] = nlohmann::json::array();
+  for (const Step& step : steps_) {
+    std::int64_t rule = -1;
+    if (step.rule != nullptr) {
+      const auto [known, is_new] = rules.try_emplace(step.rule, rules.size());
+      if (is_new) data["rules"].push_back(rule_data(*step.rule));
+      rule = static_cast<std::int64_t>(known->second);
+    }
+    const int kind = static_cast<int>(step.kind) + (step.is_post_edit ? 8 : 0) + (step.is_undone ? 16 : 0);
+    const std::int64_t size = step.size != 0 ? step.size : last_number_ - step.number + 1;
+    rows.push_back({step.number, size, kind, rule, step.scope, step.before.list, step.before.at, step.after.list,
+                    step.after.at, step.used});
+  }
+  data["kept"] = {{"steps", steps_.size()}, {"of", steps_.size() + static_cast<std::size_t>(forgotten_)}};
+  data["nodes"] = nlohmann::json::array();
+  for (const Place& place : places_)
+    data["nodes"].push_back({{"name", place.name}, {"from", place.from}, {"graph", place.graph}});
+  data["states"] = nlohmann::json::array();
+  for (std::size_t at = 0; at < states_.size(); ++at) {
+    const State& state = states_.at(static_cast<std::int32_t>(at));
+    data["states"].push_back({state.place, state.text, state.attrs, entry_of_state_[at], state.is_untouched ? 1 : 0});
+  }
+  const auto texts = [](const auto& table) {
+    nlohmann::json all = nlohmann::json::array();
+    for (std::size_t at = 0; at < table.size(); ++at) all.push_back(table.at(static_cast<std::int32_t>(at)));
+    return all;
+  };
+  data["entries"] = texts(entries_);
+  data["lists"] = texts(lists_);
+  data["used"] = texts(used_);
+  return data;
+}
+
+void ViewRecord::sentence_ends(Session& session, core::Status) {
+  sentences_.push_back(result(session));
+}
+
+}  // namespace lab
+}  // namespace v1
+}  // namespace lexon
