@@ -39,6 +39,7 @@ struct Fault : std::runtime_error {
 [[nodiscard]] Command add_profile(CLI::App& app);
 [[nodiscard]] Command add_render(CLI::App& app);
 [[nodiscard]] Command add_report(CLI::App& app);
+[[nodiscard]] Command add_serve(CLI::App& app);
 [[nodiscard]] Command add_shell(CLI::App& app);
 [[nodiscard]] Command add_test(CLI::App& app);
 [[nodiscard]] Command add_why(CLI::App& app);
