@@ -500,7 +500,7 @@ const viewLane = lane('view', (answer) => {
     return;
   }
   panel.replaceChildren();
-  lexonView(panel, answer.view, { embedded: true, onPlace: (place) => {
+  lexonView(panel, answer.view, { heading: 3, onPlace: (place) => {
     const [, path, line] = /^(.*):(\d+)$/.exec(place) || [];
     if (path) goTo(path, Number(line));
   } });

@@ -42,6 +42,7 @@ struct Fault : std::runtime_error {
 [[nodiscard]] Command add_serve(CLI::App& app);
 [[nodiscard]] Command add_shell(CLI::App& app);
 [[nodiscard]] Command add_test(CLI::App& app);
+[[nodiscard]] Command add_view(CLI::App& app);
 [[nodiscard]] Command add_why(CLI::App& app);
 
 }  // namespace lab

@@ -11,10 +11,11 @@
 //           relations: [{label, scope, from, to, used}]                numbers of nodes
 //           scopes: [{number, entry}]                                  number of a node; -1: it has no @entry
 //           layout: {width, height, nodes: [[x, y, width, height]],    as Graphviz has it, in points; null: none
-//                    relations: [{path, x, y, tip: [x, y, x, y]}], scopes: [{number, x, y, width, height}]}
+//                    relations: [{path, x, y, tip: [x, y, x, y]}], references: [as relations, from references of
+//                    scopes to their entries], scopes: [{number, x, y, width, height}]}
 //           notice}             why there is no layout; may be empty
 //   rules: [{place, text, source, values}]      `source`: the line as it stands there; `values`: of loops, "V=go"
-//   entries: [text]             of the dictionary
+//   entries: [[text, attrs]]    of the dictionary
 //   nodes: [{name, from, graph}]                places of lists; `from`: the node that it is a copy of, or -1;
 //                                               `graph`: the node of the graph, or -1
 //   states: [[node, text, attrs, entry, untouched]]                    a node at a time; no entry: -1
@@ -57,6 +58,8 @@ class Viewer {
   Viewer(const Viewer&) = delete;
   Viewer& operator=(const Viewer&) = delete;
 
+  // From the next sentence on.
+  void keep(std::size_t steps);
   // Renders the sentences of `graph`, most often one. No layout yet.
   [[nodiscard]] std::vector<nlohmann::json> data(const GraphText& graph, const RenderOptions& limits);
 

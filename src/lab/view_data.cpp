@@ -106,6 +106,10 @@ Viewer::~Viewer() {
   inner_->bench.watchers().remove(inner_->derivation);
 }
 
+void Viewer::keep(std::size_t steps) {
+  inner_->record.keep(std::max<std::size_t>(steps, 10));
+}
+
 std::vector<nlohmann::json> Viewer::data(const GraphText& graph, const RenderOptions& limits) {
   inner_->record.clear();
   const std::vector<Rendered> results = inner_->bench.render(graph.text, limits);

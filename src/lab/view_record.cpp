@@ -161,14 +161,15 @@ void ViewRecord::literal_note(const Node& node) {
   Place& place = places_[static_cast<std::size_t>(number)];
   place.literals.clear();
   for (const WordEntry& word : chain<&WordEntry::next>(node.candidates))
-    place.literals.emplace_back(text_of(word.hw), entries_.number_of(entry_line(word)));
+    place.literals.emplace_back(text_of(word.hw),
+                                entries_.number_of({entry_line(word), std::string(text_of(word.attrs))}));
 }
 
 std::int32_t ViewRecord::entry_of(const Node& node, const Place& place) {
   if (node.candidates == nullptr || is_boundary(node)) return -1;
   const Node& first = first_of(node);
   const WordEntry* entry = entry_behind(node.entries != nullptr ? node.entries : first.entries, *node.candidates);
-  if (entry != nullptr) return entries_.number_of(entry_line(*entry));
+  if (entry != nullptr) return entries_.number_of({entry_line(*entry), std::string(text_of(entry->attrs))});
   const std::string_view form = text_of(node.candidates->hw);
   for (const auto& [literal, number] : place.literals) {
     if (literal == form) return number;
@@ -494,7 +495,7 @@ nlohmann::json ViewRecord::result(const Session& session) {
   }
   const auto texts = [](const auto& table) {
     nlohmann::json all = nlohmann::json::array();
-    for (std::size_t at = 0; at < table.size(); ++at) all.push_back(table.at(static_cast<std::int32_t>(at)));
+    for (std::size_t at = 0; at < table.size(); ++at) all.emplace_back(table.at(static_cast<std::int32_t>(at)));
     return all;
   };
   data["entries"] = texts(entries_);

@@ -52,6 +52,7 @@ class ViewRecord final : public Observer {
   // The sentences since `clear`, in the form that view.hpp describes, as far as an observer knows it.
   [[nodiscard]] std::vector<nlohmann::json>& sentences() { return sentences_; }
   void clear() { sentences_.clear(); }
+  void keep(std::size_t steps) { kept_ = steps; }
 
   void sentence_begins(Session& session) override;
   void generated(Session& session, core::Status status) override;
@@ -143,7 +144,7 @@ class ViewRecord final : public Observer {
   std::unordered_map<const Node*, std::int32_t> graph_nodes_;
   std::unordered_map<const Node*, std::int32_t> places_by_node_;
   std::vector<Place> places_;
-  Table<std::string> entries_;
+  Table<std::pair<std::string, std::string>> entries_;  // line and attributes
   Table<State> states_;
   std::vector<std::int32_t> entry_of_state_;
   Table<std::vector<std::int32_t>> lists_;

@@ -1,0 +1,240 @@
+// lexon-lab view: sentences as a page to look at.
+//
+// The page is one file that fetches nothing. Each sentence is a piece of data of its own, which is read when it is shown,
+// and is written as soon as it is there, so that memory does not grow with the input.
+
+#include <algorithm>
+#include <filesystem>
+#include <memory>
+
+#include <spawn.h>
+
+#include "front/process.hpp"
+#include "lab/commands.hpp"
+#include "lab/show.hpp"
+#include "lab/view.hpp"
+
+extern char** environ;
+
+namespace lexon {
+
+namespace embedded {
+extern const std::string_view view_css, view_css_hash;
+extern const std::string_view view_js, view_js_hash;
+extern const std::string_view view_page_js, view_page_js_hash;
+}  // namespace embedded
+
+inline namespace v1 {
+namespace lab {
+
+namespace {
+
+using nlohmann::json;
+
+constexpr std::int64_t kMostSentences = 200;  // without --all
+// Of all sentences together; from there on each keeps few.
+constexpr std::size_t kMostSteps = 200000;
+constexpr std::size_t kFewSteps = 1000;
+// Of one batch that is laid out at a time.
+constexpr std::size_t kBatchSentences = 100;
+constexpr std::size_t kBatchSteps = 20000;
+
+struct Arguments {
+  GrammarFiles grammar;
+  RenderOptions render;
+  std::string output = "view.html";
+  std::size_t kept = kViewSteps;
+  bool all = false;
+  bool failed = false;
+  bool open = false;
+};
+
+std::string html_text(std::string_view text) {
+  std::string safe;
+  for (const char c : text) {
+    switch (c) {
+      case '&': safe += "&amp;"; break;
+      case '<': safe += "&lt;"; break;
+      case '>': safe += "&gt;"; break;
+      default: safe += static_cast<unsigned char>(c) < ' ' ? ' ' : c;
+    }
+  }
+  return safe;
+}
+
+class Page {
+ public:
+  explicit Page(const std::string& path) : path_(path) {
+    if (path != "-" && !draft_.open_beside(path)) throw Fault(path + ": cannot be written: " + std::strerror(errno));
+    stream_ = path == "-" ? stdout : draft_.stream();
+  }
+  void write(std::string_view text) { std::fwrite(text.data(), 1, text.size(), stream_); }
+  void write_script(const std::string& name, const json& data) {
+    write("<script type=\"application/json\" id=\"" + name + "\">" + view_json_text(data) + "</script>\n");
+  }
+  void close() {
+    if (path_ != "-" && !draft_.put_in_place(path_))
+      throw Fault(path_ + ": cannot be written: " + std::strerror(errno));
+  }
+
+ private:
+  std::string path_;
+  DraftFile draft_;
+  std::FILE* stream_ = nullptr;
+};
+
+void write_head(Page& page, const std::string& title) {
+  const auto hash = [](std::string_view text) { return " 'sha256-" + std::string(text) + "'"; };
+  page.write("<!doctype html>\n<html lang=\"en\">\n<head>\n<meta charset=\"utf-8\">\n");
+  page.write("<meta http-equiv=\"Content-Security-Policy\" content=\"default-src 'none'; script-src" +
+             hash(embedded::view_js_hash) + hash(embedded::view_page_js_hash) + "; style-src" +
+             hash(embedded::view_css_hash) + "; base-uri 'none'; form-action 'none'\">\n");
+  page.write("<meta name=\"viewport\" content=\"width=device-width, initial-scale=1\">\n");
+  page.write("<meta name=\"color-scheme\" content=\"light dark\">\n<title>" + html_text(title) + "</title>\n<style>");
+  page.write(embedded::view_css);
+  page.write("</style>\n</head>\n<body>\n<div id=\"page\"></div>\n");
+}
+
+void write_tail(Page& page, const json& index) {
+  page.write_script("index", index);
+  page.write("<noscript>\n<p>The steps are shown by a script, which this browser does not run.</p>\n<ul>\n");
+  for (const json& sentence : index["sentences"]) {
+    page.write("<li>" + html_text(sentence["label"].get_ref<const std::string&>()) + " " +
+               html_text(sentence["status"].get_ref<const std::string&>()) + ": " +
+               html_text(sentence["text"].get_ref<const std::string&>()) + "</li>\n");
+  }
+  page.write("</ul>\n</noscript>\n<script>");
+  page.write(embedded::view_js);
+  page.write("</script>\n<script>");
+  page.write(embedded::view_page_js);
+  page.write("</script>\n</body>\n</html>\n");
+}
+
+// What is written, sentence by sentence.
+class Writer {
+ public:
+  Writer(Page& page, json& index) : page_(page), index_(index) {}
+
+  void add(json&& sentence) {
+    const std::size_t steps = sentence.contains("steps") ? sentence["steps"].size() : 0;
+    steps_ += steps;
+    batch_steps_ += steps;
+    batch_.push_back(std::move(sentence));
+    if (batch_.size() >= kBatchSentences || batch_steps_ >= kBatchSteps) flush();
+  }
+  void flush() {
+    const std::string notice = view_lay_out(batch_);
+    if (!notice.empty()) notice_ = notice;
+    for (const json& data : batch_) {
+      json& sentences = index_["sentences"];
+      page_.write_script("s" + std::to_string(sentences.size()), data);
+      json row;
+      for (const char* key : {"label", "status", "text", "file", "line", "taken_back"}) row[key] = data[key];
+      sentences.push_back(std::move(row));
+    }
+    batch_.clear();
+    batch_steps_ = 0;
+  }
+  [[nodiscard]] std::size_t steps() const { return steps_; }
+  [[nodiscard]] const std::string& notice() const { return notice_; }
+
+ private:
+  Page& page_;
+  json& index_;
+  std::vector<json> batch_;
+  std::size_t batch_steps_ = 0;
+  std::size_t steps_ = 0;
+  std::string notice_;
+};
+
+void refuse_own_files(const Arguments& arguments) {
+  std::vector<std::string> files = arguments.render.inputs;
+  files.insert(files.end(), {arguments.grammar.rules, arguments.grammar.dictionary, arguments.grammar.cooccurrence});
+  for (const std::string& file : files) {
+    std::error_code error;
+    if (!file.empty() && std::filesystem::equivalent(file, arguments.output, error))
+      throw Fault(arguments.output + ": a file that is read would be overwritten: give --output another name");
+  }
+}
+
+// Hands the page to the desktop. What comes of it is not waited for.
+void open_page(const std::string& path) {
+  std::string program = "xdg-open";
+  std::string file = std::filesystem::absolute(path).string();
+  char* words[] = {program.data(), file.data(), nullptr};
+  pid_t process = 0;
+  if (const int error = posix_spawnp(&process, program.c_str(), nullptr, nullptr, words, environ); error != 0)
+    tell_line(path + ": cannot be opened by xdg-open: " + std::strerror(error) + "; open it in a browser");
+}
+
+int view(const Arguments& arguments) {
+  refuse_own_files(arguments);
+  if (arguments.open && arguments.output == "-") throw Fault("--open wants a file: give --output a name");
+  const Project project(arguments.grammar);
+  Bench bench(project);
+  Page page(arguments.output);
+  json index = {{"sentences", json::array()},        {"notices", json::array()},
+                {"inputs", arguments.render.inputs}, {"dictionary", arguments.grammar.dictionary},
+                {"rules", arguments.grammar.rules},  {"cooccurrence", arguments.grammar.cooccurrence}};
+  write_head(page, "Run of " + arguments.render.inputs.front());
+  Writer writer(page, index);
+  Viewer viewer(project, bench, arguments.kept);
+  std::int64_t read = 0;
+  std::int64_t shown = 0;
+  std::int64_t failed = 0;
+  bool has_cut = false;
+  for_each_sentence(arguments.render, [&](const GraphText& graph) {
+    ++read;
+    if (!arguments.all && shown >= kMostSentences) return;
+    if (writer.steps() >= kMostSteps && arguments.kept > kFewSteps && !std::exchange(has_cut, true))
+      viewer.keep(kFewSteps);
+    for (json& sentence : viewer.data(graph, arguments.render)) {
+      const bool has_failed = sentence["status"] != "done";
+      failed += has_failed ? 1 : 0;
+      if (arguments.failed && !has_failed) continue;
+      ++shown;
+      writer.add(std::move(sentence));
+    }
+  });
+  writer.flush();
+  std::vector<std::string> notices;
+  if (!writer.notice().empty()) notices.push_back(writer.notice());
+  if (!arguments.all && shown >= kMostSentences && read > shown) {
+    notices.push_back("The page shows " + std::to_string(shown) + " of " + std::to_string(read) +
+                      " sentences: --sentence names others, --failed shows what came to nothing, --all shows all");
+  }
+  if (has_cut) {
+    notices.push_back("The page has many steps: from a sentence in the middle on it keeps " +
+                      std::to_string(kFewSteps) + " of each; --sentence shows one with more");
+  }
+  index["notices"] = notices;
+  write_tail(page, index);
+  page.close();
+  for (const std::string& notice : notices) tell_line("lexon-lab: " + notice);
+  if (arguments.output != "-") {
+    tell_line(arguments.output + ": " + count_text(shown, "sentence") + ", " + std::to_string(failed) + " failed");
+    if (arguments.open) open_page(arguments.output);
+  }
+  return failed == 0 ? kDone : kFailed;
+}
+
+}  // namespace
+
+Command add_view(CLI::App& app) {
+  CLI::App* command = app.add_subcommand("view", "Write a page that shows graphs, steps and words of sentences");
+  const auto arguments = std::make_shared<Arguments>();
+  add_grammar_options(*command, arguments->grammar);
+  add_render_options(*command, arguments->render);
+  command->add_option("-o,--output", arguments->output, "The page; - for standard output")->capture_default_str();
+  command->add_flag("-a,--all", arguments->all, "All sentences, however many; else the first 200");
+  command->add_flag("-f,--failed", arguments->failed, "Only sentences that came to nothing");
+  command->add_option("-k,--keep", arguments->kept, "Steps that are kept of each sentence")
+      ->check(CLI::Range(100, 1000000))
+      ->capture_default_str();
+  command->add_flag("--open", arguments->open, "Open the page in the browser");
+  return {command, [arguments] { return view(*arguments); }};
+}
+
+}  // namespace lab
+}  // namespace v1
+}  // namespace lexon
