@@ -224,7 +224,8 @@ class Site {
 void answer_json(httplib::Response& response, int status, const Json& json) {
   response.status = status;
   // Files need not be UTF-8, which JSON is.
-  response.set_content(json.dump(-1, ' ', false, Json::error_handler_t::replace), "application/json");
+  // Told with its charset the server does not pack it, which takes longer than the way.
+  response.set_content(json.dump(-1, ' ', false, Json::error_handler_t::replace), "application/json; charset=utf-8");
 }
 
 void answer_text(httplib::Response& response, int status, const std::string& text) {
@@ -429,10 +430,18 @@ std::string browser_open(const std::string& address) {
   posix_spawn_file_actions_init(&actions);
   posix_spawn_file_actions_addopen(&actions, STDOUT_FILENO, "/dev/null", O_WRONLY, 0);
   posix_spawn_file_actions_addopen(&actions, STDERR_FILENO, "/dev/null", O_WRONLY, 0);
+  // The signals that end this program are not to be held back from the browser.
+  posix_spawnattr_t attributes;
+  posix_spawnattr_init(&attributes);
+  sigset_t none;
+  sigemptyset(&none);
+  posix_spawnattr_setsigmask(&attributes, &none);
+  posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETSIGMASK);
   pid_t child = 0;
-  const bool is_begun =
-      is_written && posix_spawnp(&child, words[0], &actions, nullptr, const_cast<char* const*>(words), environ) == 0;
+  const bool is_begun = is_written && posix_spawnp(&child, words[0], &actions, &attributes,
+                                                   const_cast<char* const*>(words), environ) == 0;
   posix_spawn_file_actions_destroy(&actions);
+  posix_spawnattr_destroy(&attributes);
   if (!is_begun) tell_line("no browser could be opened (xdg-open): open the address above yourself");
   return path;
 }
