@@ -25,7 +25,11 @@ function notice(text, isBad = false) {
 
 // ---- Asking the program
 
-async function ask(name, request, signal) {
+// Requests can overtake each other, so that each has a number.
+let turn = 0;
+async function ask(name, asked, signal) {
+  turn += 1;
+  const request = { ...asked, client, turn };
   let answer;
   try {
     answer = await fetch(`api/${name}`, {
@@ -58,7 +62,7 @@ function lane(name, use) {
     const mine = new AbortController();
     under = mine;
     try {
-      const answer = await ask(name, { client, texts: unsaved(), ...more }, mine.signal);
+      const answer = await ask(name, { texts: unsaved(), ...more }, mine.signal);
       if (under === mine && !answer.superseded) await use(answer);
       return under === mine ? answer : null;
     } catch (fault) {
@@ -373,7 +377,7 @@ async function run() {
   let from = 0;
   $('run-all').setAttribute('aria-busy', 'true');
   while (from !== null) {
-    const answer = await ask('run', { client, texts: unsaved(), from }).catch(() => ({ error: 'no answer' }));
+    const answer = await ask('run', { texts: unsaved(), from }).catch(() => ({ error: 'no answer' }));
     if (mine !== running || answer.superseded) return;
     if (answer.error || answer.status === 'unusable') {
       $('run-all').removeAttribute('aria-busy');
@@ -613,7 +617,7 @@ addEventListener('beforeunload', (event) => {
 async function begin() {
   const theme = store('theme');
   if (theme) document.documentElement.dataset.theme = theme;
-  project = await ask('files', { client });
+  project = await ask('files', {});
   if (project.error) return notice(project.error, true);
   $('folder').textContent = project.folder;
   document.title = `${project.folder.split('/').pop()} – Lexon`;

@@ -156,7 +156,8 @@ bool is_same_word(std::string_view a, std::string_view b) {
 // Work of one page and kind: what was asked for last is wanted, and nothing before it.
 class Lanes {
  public:
-  [[nodiscard]] Wanted begin(const std::string& name, const std::atomic<bool>& is_ending) {
+  // `turn` is the number that the page gave the request, since requests can overtake each other; 0: it gave none.
+  [[nodiscard]] Wanted begin(const std::string& name, std::uint64_t turn, const std::atomic<bool>& is_ending) {
     const std::lock_guard lock(mutex_);
     auto lane = std::ranges::find(lanes_, name, &Lane::name);
     if (lane == lanes_.end()) {
@@ -166,7 +167,9 @@ class Lanes {
       lanes_.splice(lanes_.begin(), lanes_, lane);
     }
     const auto last = lanes_.front().last;
-    return [last, mine = ++*last, &is_ending] { return *last == mine && !is_ending; };
+    const std::uint64_t mine = turn == 0 ? *last + 1 : turn;
+    if (mine > *last) *last = mine;
+    return [last, mine, &is_ending] { return *last == mine && !is_ending; };
   }
 
  private:
@@ -347,7 +350,7 @@ Json Site::answer(const std::string& name, const Json& asked, int& status) {
       unsaved[path] = text;
     }
   }
-  const Wanted wanted = lanes_.begin(client + '/' + name, is_ending_);
+  const Wanted wanted = lanes_.begin(client + '/' + name, asked.value("turn", std::uint64_t{0}), is_ending_);
   const auto line = [&asked] { return asked.at("line").get<std::int64_t>(); };
   if (name == "files") {
     Json files = place_.files(unsaved, wanted);

@@ -115,7 +115,7 @@ def paths(page, work, outside):
             check(f"save {path!r:.40} is refused", status in (403, 404, 409, 422) or path.startswith("%2e"), True)
     for path in ("../secret.txt", "link.txt", str(outside)):
         status, answer = page.ask("render", graphs="input.txt", line=9, texts={
-            "rules.lxr": f"%include {path}\n%define a b\n"})
+            "rules.lxr": f'%include "{path}"\n'})
         check(f"include {path!r:.40} tells nothing", "hush" in json.dumps(answer), False)
         check(f"include {path!r:.40} is told", "no path of a file" in str(answer) or "symbolic link" in str(answer), True)
     check("nothing outside has changed", outside.read_text(), "hush\n")
@@ -163,9 +163,9 @@ def working(page):
     check("words too", page.ask("render", graphs="input.txt", line=line, texts={"entries.txt": words})[1]["text"],
           "Two hounds are walking in the park.")
     rules = (EXAMPLE / "rules.lxr").read_text()
-    typed = rules + ":{nosuchname} {} P3;\n"
+    typed = rules + ":{new} {} P3;\n"
     _, answer = page.ask("check", texts={"rules.lxr": typed})
-    check("findings of what is not saved", [(each["file"], each["line"]) for each in answer["findings"] if "nosuchname" in each["text"]],
+    check("findings of what is not saved", [(each["file"], each["line"]) for each in answer["findings"] if each["code"] == "endless-rule"],
           [("rules.lxr", typed.count("\n"))])
     run = {"sentences": [], "next": 0}
     while run["next"] is not None:
@@ -177,22 +177,29 @@ def working(page):
     check("the steps", view["view"]["text"], "Two dogs are walking in the park.")
 
 
-ENDLESS = ":{^a:+a}{:}P9;\n:{a:-a}{:}P9;\n"
+# Ten words for every concept of a chain of nine, none of which may end a sentence.
+LETTERS = "abcdefghi"
+ENDLESS = {
+    "rules.lxr": ':{N:::}"N::nxt:"P9;\nR{:::}{^STAIL:::}P5;\nR{OK:::}{STAIL:::}P1;\n',
+    "entries.txt": "".join(f'[{c}{n}]{{}} "{c}" (N);\n' for c in LETTERS for n in range(10)),
+    "input.txt": "[S:1]\n" + "".join(f"nxt({a}{'.@entry' if a == 'a' else ''},{b})\n" for a, b in zip(LETTERS, LETTERS[1:])) + "[/S]\n",
+}
 
 
 def endless(page):
     """Rules without end: the next request gives the former up, the time limit ends the last, and others go on."""
     found = []
-    thread = threading.Thread(target=lambda: found.append(page.ask("render", graphs="input.txt", line=20, texts={"rules.lxr": ENDLESS})[1]))
-    begin = time.monotonic()
+    thread = threading.Thread(target=lambda: found.append(page.ask("render", graphs="input.txt", line=1, texts=ENDLESS)[1]))
     thread.start()
     time.sleep(0.3)
     check("another page is served meanwhile", page.ask("render", client="other", graphs="input.txt", line=20)[1]["status"], "done")
     check("and the same page", page.ask("render", graphs="input.txt", line=20)[1]["status"], "done")
-    thread.join(20)
+    thread.join(60)
     check("the former is given up", found, [{"superseded": True}])
-    check("before its time is over", time.monotonic() - begin < 4, True)
-    check("the time limit ends it", page.ask("render", graphs="input.txt", line=20, texts={"rules.lxr": ENDLESS})[1]["status"], "over time")
+    status, answer = page.ask("render", graphs="input.txt", line=1, texts=ENDLESS)
+    check("the time limit ends it", answer["status"], "over time")
+    check("a request that was overtaken is given up", [page.ask("render", graphs="input.txt", line=20, turn=turn)[1].get("status")
+                                                       for turn in (100, 99, 101)], ["done", None, "done"])
     idle = [socket.create_connection(("127.0.0.1", page.port)) for _ in range(12)]
     check("connections that say nothing do no harm", page.send("GET", page.path)[0], 200)
     for each in idle:
@@ -211,7 +218,7 @@ with folder() as base:
     (work / ".hidden").write_text("hush\n")
     os.mkfifo(work / "pipe")
     (work / "folder").mkdir()
-    page = Page(work, "-T", 4)
+    page = Page(work, "-T", 3)
     check("it prints its address", page.address.startswith("http://127.0.0.1:") and len(page.path) > 40, True)
     try:
         with socket.socket() as other:
