@@ -78,8 +78,8 @@ coverage: setup-coverage
 RUNS ?= 10000
 endurance: setup-tests
 	cmake --preset release
-	cmake --build --preset release --parallel $(JOBS) --target endurance
-	build/release/bin/endurance $(RUNS)
+	cmake --build --preset release --parallel $(JOBS) --target failures_memory_test
+	LEXON_RUNS=$(RUNS) build/release/bin/failures_memory_test --gtest_filter=Endurance.*
 
 layering:
 	@tools/layering
@@ -108,14 +108,17 @@ screenshots: setup-gui setup-browser web
 	cmake --preset release
 	cmake --build --preset release --parallel $(JOBS) --target lexon-screenshots lexon-lab
 	build/release/bin/lexon-screenshots docs/images
-	@tools/web-test build/web-test build/release/bin tests/web/screenshots.mjs docs/images
+	@for pictures in screenshots view_shots; do \
+	  tools/web-test build/web-test build/release/bin tests/web/$$pictures.mjs docs/images; done
 
 PREFIX ?= /usr/local
 install: programs
 	cmake --install build/release --prefix $(PREFIX)
 
 # What a package is made with comes first, so that the windowed program and the editor of the page are in.
-package: setup-package docs web programs
+package: setup-package docs web
+	cmake --preset release -DLEXON_TESTS=OFF -DLEXON_PACKAGES=ON
+	cmake --build --preset release --parallel $(JOBS)
 	cpack --config build/release/CPackConfig.cmake -B build/packages
 
 # Without the history a build has to be told who made it and when.

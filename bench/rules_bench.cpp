@@ -11,11 +11,11 @@
 
 #include "data/nodes.hpp"
 #include "ratios.hpp"
+#include "row_search.hpp"
 #include "rules/compiled.hpp"
 #include "rules/matrix.hpp"
 #include "rules/parser.hpp"
 #include "support/grammar.hpp"
-#include "support/row_search.hpp"
 #include "support/rule_build.hpp"
 
 namespace lexon {

@@ -139,6 +139,7 @@ set(CPACK_DEBIAN_LEXON_PACKAGE_SECTION text)
 set(CPACK_COMPONENT_LEXON_DESCRIPTION "Lexon writes sentences from graphs of meaning, by a dictionary and a file of
 rules that a linguist supplies. This package has the console program, the
 dictionary tool and the workbench.")
+set(CPACK_DEBIAN_LEXON_PACKAGE_RECOMMENDS graphviz)
 set(CPACK_DEBIAN_LEXON_PACKAGE_SUGGESTS lexon-doc)
 
 set(CPACK_DEBIAN_DOC_PACKAGE_NAME lexon-doc)

@@ -1,4 +1,4 @@
-// What targets that have rules in hand share.
+// What the targets that hold rules share.
 #pragma once
 
 #include <string>

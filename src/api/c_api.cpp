@@ -5,6 +5,7 @@
 #include <lexon/lexon.h>
 #include <lexon/lexon.hpp>
 
+// The handles: each owns one object of the C++ library.
 struct lexon_grammar {
   lexon::Grammar grammar;
 };
@@ -34,11 +35,13 @@ lexon::GrammarFiles paths_of(const lexon_grammar_files& files) {
   return paths;
 }
 
+// The texts stay those of the C++ message, which lives as long as its grammar or result.
 lexon_message shown(const lexon::Message& message) {
   return {static_cast<lexon_message_kind>(message.kind), message.file.c_str(), message.line, message.column,
           message.text.c_str()};
 }
 
+// Beyond the end, and of no handle, all fields are zero.
 lexon_message message_at(const std::vector<lexon::Message>* messages, size_t index) {
   return messages != nullptr && index < messages->size() ? shown((*messages)[index]) : lexon_message{};
 }
@@ -58,6 +61,7 @@ lexon_grammar* lexon_grammar_load(const char* dictionary, const char* rules, con
   return lexon_grammar_open(&files);
 }
 
+// An empty text is a text: rules that are null are not taken for a path.
 lexon_grammar* lexon_grammar_from_text(const char* dictionary, const char* rules, size_t size,
                                        const char* cooccurrence) {
   const lexon_grammar_files files{

@@ -56,7 +56,7 @@ static_assert(std::is_trivial_v<ScopeAttrs>);
 struct Node;
 struct MatchRecord;
 
-// One arc of the graph. It hangs on the lists of both its ends through its one `next`, so a list can hold arcs that
+// One arc of the graph. It is in the lists of both its ends through its one `next`, so a list can hold arcs that
 // do not touch its node: every reader tests `from` and `to`.
 struct Relation {
   std::uint8_t used;   // generation has consumed the arc; the graph dump borrows the flag

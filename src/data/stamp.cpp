@@ -131,7 +131,10 @@ std::optional<FileMark> Stamp::mark(std::string_view key) const {
 StampState stamp_read(const std::string& path, Stamp& stamp) {
   stamp.lines.clear();
   const File stream(regular_file_open(path, "rb"));
-  if (stream == nullptr) return errno == ENOENT ? StampState::missing : StampState::damaged;
+  if (stream == nullptr) {
+    if (errno == ENOENT) return StampState::missing;
+    return errno == EINVAL || errno == EISDIR ? StampState::damaged : StampState::unopened;
+  }
   std::string content(kMaxStamp + 1, '\0');
   content.resize(std::fread(content.data(), 1, content.size(), stream.get()));
   const bool is_stamp = content.size() <= kMaxStamp && content.starts_with(kFirstLine) && content.back() == '\n';

@@ -57,8 +57,9 @@ struct Stamp {
   bool operator==(const Stamp&) const = default;
 };
 
-// What stands under the name of a stamp: no file, a stamp, or a file that is none or cannot be read.
-enum class StampState { missing, whole, damaged };
+// What stands under the name of a stamp: no file, a stamp, something that is none, or a file that cannot be opened, for
+// whatever reason `errno` has.
+enum class StampState { missing, whole, damaged, unopened };
 
 // Reads the stamp at `path`; it is empty unless the result is `whole`.
 [[nodiscard]] StampState stamp_read(const std::string& path, Stamp& stamp);

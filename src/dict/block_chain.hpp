@@ -20,7 +20,7 @@ template <std::size_t Size>
   return {bytes, used < Size - 2 ? used : Size - 2};
 }
 
-// One block of a file in hand. It is not cleared: a block is read before it is looked at.
+// The bytes of one block of a file. They are not cleared: a block is read before it is looked at.
 template <std::size_t Size>
 class Block {
  public:
@@ -48,7 +48,7 @@ class BlockChain {
   BlockChain(Session& session, std::FILE* stream, std::uint16_t first)
       : lookups_(session.lookups), stream_(stream), next_(first) {}
 
-  // Takes the next block in hand. False at the end of the chain or if the block cannot be read.
+  // Goes on to the next block. False at the end of the chain or if the block cannot be read.
   [[nodiscard]] bool advance() {
     if (next_ == 0 || is_circle()) return false;
     number_ = next_;
@@ -59,12 +59,12 @@ class BlockChain {
     return true;
   }
 
-  // The block in hand, as long as the session looks up nothing else.
+  // The current block, valid as long as the session looks up nothing else.
   [[nodiscard]] const std::uint8_t* bytes() const { return bytes_; }
   [[nodiscard]] ByteView content() const { return block_content<Size>(bytes_); }
   [[nodiscard]] std::uint16_t number() const { return number_; }
   [[nodiscard]] bool is_unreadable() const { return is_unreadable_; }
-  // The place of the block in hand, or of the one that cannot be read.
+  // The place of the current block, or of the one that cannot be read.
   [[nodiscard]] std::int64_t offset() const { return offset_of(number_); }
 
  private:

@@ -21,7 +21,7 @@ void note_unreadable(Session& session, std::FILE* dictionary, const DictChain& c
   if (chain.is_unreadable()) note_damaged_block(session, dictionary, chain.offset());
 }
 
-// Is the block in hand of this type? One that is not is noted.
+// Is the block that was read last of this type? One that is not is noted.
 bool is_of_type(Session& session, std::FILE* dictionary, const DictChain& chain, std::uint8_t type) {
   const bool is_right = type_of(chain) == type;
   if (!is_right) note_damaged_block(session, dictionary, chain.offset());
@@ -71,7 +71,7 @@ struct DataScan {
   int key_field;
   std::string_view key;
   LookupGroup** link;     // of the group to come
-  WordEntry** word_link;  // of the word to come; null as long as the group in hand has none
+  WordEntry** word_link;  // of the word to come; null as long as the current group has none
   bool is_done;           // the chain holds nothing more
 };
 

@@ -18,7 +18,7 @@ struct Level {
   std::string_view key;
   std::size_t name_size;
   KeyHits found = {};
-  // Where the key would stand in the chain in hand: under the greatest entry below it, or else under the first one.
+  // Where the key would stand in the chain walked: under the greatest entry below it, or else under the first one.
   std::uint16_t nearest = 0;
   bool has_nearest = false;
   bool has_passed = false;  // an entry above the key: the chain holds nothing more

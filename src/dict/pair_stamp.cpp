@@ -1,6 +1,8 @@
 #include "dict/pair_stamp.hpp"
 
 #include <algorithm>
+#include <cerrno>
+#include <cstring>
 
 #include "data/bytes.hpp"
 
@@ -41,6 +43,10 @@ Pairing pair_check(Dictionary& dictionary, PairCheck check) {
   Stamp stamp;
   const StampState found = stamp_read(stamp_path, stamp);
   if (found == StampState::missing) return Pairing::belong;
+  if (found == StampState::unopened) {
+    dictionary.fault = stamp_path + ": cannot be opened: " + std::strerror(errno);
+    return Pairing::mixed;
+  }
   if (found == StampState::damaged) {
     dictionary.fault = stamp_path + ": cannot be read as a stamp; build the dictionary again, or remove this file";
     return Pairing::mixed;

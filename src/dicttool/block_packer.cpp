@@ -67,11 +67,13 @@ BlockPacker::BlockPacker(BlockFile& file, const BlockLayout& layout, LongRun lon
       used_(layout.data_offset),
       run_start_(layout.data_offset) {}
 
+// The chain begins with the block that is being filled, whose number the file will give next.
 void BlockPacker::start_chain() {
   starts_.push_back({key_, file_.next});
 }
 
-// Writes the block in hand up to `used` and leaves it empty. As `continues_` says, it is linked to the next.
+// Writes the block that is being filled up to `used` and leaves it empty. As `continues_` says, it is linked to the
+// next.
 PackResult BlockPacker::write_block(std::size_t used) {
   std::fill(block_.begin() + static_cast<std::ptrdiff_t>(used), block_.end(), std::uint8_t{0});
   store_u16(block_.data(), static_cast<std::uint32_t>(used));
@@ -92,6 +94,8 @@ PackResult BlockPacker::move_run() {
   return PackResult::ok;
 }
 
+// The block is full. A run that began behind other keys goes to a new block whole; one that has the block to itself
+// goes on in the next, linked to it or not.
 PackResult BlockPacker::make_room() {
   const bool begins_behind_others = run_start_ > layout_.data_offset;
   if (begins_behind_others && long_run_ != LongRun::whole_level) return move_run();
@@ -99,6 +103,7 @@ PackResult BlockPacker::make_room() {
   return write_block(used_);
 }
 
+// A chain that a long run filled ends with it: the next key begins a new one.
 PackResult BlockPacker::begin_run(std::string_view key) {
   key_ = key;
   run_start_ = used_;
@@ -121,12 +126,14 @@ PackResult BlockPacker::add(std::string_view key, ByteView item) {
   return PackResult::ok;
 }
 
+// Without items there is one empty block all the same: a tree needs something to lead to.
 PackResult BlockPacker::finish() {
   if (is_empty()) start_chain();
   continues_ = false;
   return write_block(used_);
 }
 
+// Level upon level, each over the chains of the one below, until one chain is left, which is the root.
 PackResult tree_write(BlockFile& index, std::size_t name_size, std::vector<ChainStart> chains, Tree& tree) {
   tree.levels = 0;
   do {

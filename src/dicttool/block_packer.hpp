@@ -76,7 +76,7 @@ class BlockPacker {
   std::size_t used_;
   std::size_t run_start_;   // offset at which the items of the last key begin
   std::string key_;         // the last key
-  bool continues_ = false;  // the block in hand continues a chain
+  bool continues_ = false;  // the block that is being filled continues a chain
 };
 
 // An entry of a key block or an index block.

@@ -126,6 +126,9 @@ bool owns_index(const Build& build) {
   const std::string way_out = "; give the dictionary another name, or replace it with --force";
   Stamp stamp;
   const StampState found = stamp_read(pair_stamp_path(index), stamp);
+  if (found == StampState::unopened) {
+    return fail(build, pair_stamp_path(index) + ": cannot be opened: " + std::strerror(errno));
+  }
   if (found == StampState::damaged) {
     return fail(build, pair_stamp_path(index) + ": is not the stamp of an index" + way_out);
   }

@@ -38,6 +38,7 @@ struct KeyCheck {
   CheckFigures& figures;
 };
 
+// Records are told apart by a hash of their bytes: a lookup gives words, not places.
 std::uint64_t content_mark(const RecordView& record) {
   Bytes bytes;
   record_append(record, bytes);

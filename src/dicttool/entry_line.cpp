@@ -44,7 +44,7 @@ bool is_writable(const Choice& choice, Place place) {
   return choice.plain[place] || (place == free_place && choice.pair);
 }
 
-// From the end to the start, since whether a character may be a pair hangs on the one behind it.
+// From the end to the start, since the character behind decides whether one may be a pair.
 std::vector<Choice> hw_choices(std::string_view hw) {
   std::vector<Choice> choices(hw.size() + 1, Choice{{true, true}, true});
   for (std::size_t i = hw.size(); i-- > 0;) {

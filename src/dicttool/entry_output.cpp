@@ -9,6 +9,7 @@ namespace lexon {
 EntryOutput::EntryOutput(Session& session, const EntryForm& form, std::FILE* out)
     : session_(session), form_(form), out_(out) {}
 
+// Puts the parts of the word in the places of {lemma}, {category} and {class}; other braces are text.
 void EntryOutput::fill(std::string_view form, const ListedWord& word, std::string& to) const {
   to.clear();
   while (!form.empty()) {
@@ -42,6 +43,7 @@ EntryOutput::Result EntryOutput::write(const ListedWord& word) {
   record.priority = word.priority;
   if (!form_.language.empty()) record.language[0] = *language_to_mark(form_.language.c_str());
   if (word.attributes.size() > kMaxAttrsLength || !entry_line_write(session_, record, line_)) return Result::impossible;
+  // Lists name many forms twice. Lines are known by their hashes, which is all that is kept of millions.
   ByteHash hash;
   hash.add(line_.data(), line_.size());
   if (!lines_.insert(hash.value()).second) {

@@ -22,6 +22,7 @@ bool EntryText::fill_chunk() {
   return chunk_end_ != 0;
 }
 
+// No line takes more room than the longest entry, however long it is in the file.
 void EntryText::take(const char* from, std::size_t length) {
   const std::size_t room = kMaxEntryLine + 1 - line_.size();  // one more for the first of two end characters
   too_long_ = too_long_ || length > room;
@@ -50,6 +51,7 @@ bool EntryText::read_line() {
   return true;
 }
 
+// Comments and empty lines. A line that begins with a NUL looks empty and is a bad one.
 bool EntryText::is_passed_over() const {
   const char first = *skip_blanks(line_.c_str());
   const bool is_empty = first == '\0' && !too_long_ && line_.find('\0') == std::string::npos;
@@ -68,6 +70,7 @@ bool EntryText::check_line() {
   return true;
 }
 
+// What the text may say and the files cannot hold.
 bool EntryText::check_record(const RecordView& record) {
   const std::size_t size = record_size(record);
   if (size > kMaxRecordSize) {
@@ -86,6 +89,7 @@ bool EntryText::check_record(const RecordView& record) {
 // From the line to the record. The word in between is gone at the end.
 EntryText::Line EntryText::convert() {
   if (!check_line()) return Line::bad;
+  // The parser takes the last ")" for the end of the attributes only in front of a line end.
   line_.push_back('\n');
   WordEntry* word = nullptr;
   const Status status = parse_entry(session_, line_.c_str(), word, EntryStorage::sentence_pool);

@@ -6,6 +6,8 @@
 
 namespace lexon {
 
+// A later row for the same features replaces the earlier one, so that a table of the user can override the shipped one.
+// Features are sorted, so that their order in the row does not count.
 void FeatureTable::read(std::string_view text, std::vector<std::string>& faults) {
   answers_.clear();
   std::int64_t number = 0;
@@ -30,8 +32,9 @@ void FeatureTable::read(std::string_view text, std::vector<std::string>& faults)
   }
 }
 
-// Rows are tried by the number of their features, those of one number in order of the table; attributes come in the
-// order in which their features stand in the bundle.
+// Rows that ask for most features come first, and each feature of the bundle serves one row; those of one number come
+// in order of the table. Attributes come in the order in which their features stand in the bundle. A row with "-"
+// leaves the word out, whatever the others say.
 FeatureTable::Answer FeatureTable::answer(std::string_view bundle) const {
   std::vector<std::string_view> left = fields_of(bundle, ';');
   std::vector<const Row*> tried;
@@ -71,6 +74,7 @@ FeatureTable::Answer FeatureTable::answer(std::string_view bundle) const {
   return answer;
 }
 
+// Lists of a million words have some hundred bundles, so answers are kept.
 std::optional<std::string> FeatureTable::attributes(const std::string& bundle) {
   const auto [found, is_new] = answers_.try_emplace(bundle);
   if (is_new) found->second = answer(bundle);

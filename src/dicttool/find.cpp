@@ -31,7 +31,8 @@ std::wstring wide(std::string_view text) {
   return out;
 }
 
-// An expression over characters. Texts of ASCII alone take the faster way over bytes, if the expression is ASCII too.
+// A regular expression over characters, not bytes, so that "." is one letter of any alphabet. Texts of ASCII alone take
+// the faster way over bytes, if the expression is ASCII too.
 class Expression {
  public:
   explicit Expression(const std::string& text) : wide_(wide(text), kKind) {
@@ -65,6 +66,7 @@ bool has_attribute(std::string_view list, std::string_view name) {
   return false;
 }
 
+// What is asked for, held against one record after the other; writes those that fit.
 class Search {
  public:
   Search(Session& session, const FindQuery& query, std::FILE* out)
@@ -75,6 +77,7 @@ class Search {
     if (!fits(record)) return true;
     ++count_;
     if (query_.count_only) return true;
+    // A record without a text form can only come from a damaged or foreign dictionary; as a word it can still be shown.
     if (entry_line_write(session_, record, line_)) {
       std::fwrite(line_.data(), 1, line_.size(), out_);
     } else if (word != nullptr) {
@@ -164,6 +167,8 @@ std::optional<Range> range_read(std::string_view pattern, std::size_t at, std::u
 
 }  // namespace
 
+// From left to right. Where the pattern does not take a character, the last star takes one more instead, and the
+// pattern goes on behind it; no star further left has to be tried again.
 bool glob_matches(std::string_view pattern, std::string_view text) {
   constexpr std::size_t kNone = std::string_view::npos;
   std::size_t p = 0;
@@ -219,6 +224,7 @@ FindResult dictionary_find(Session& session, const std::string& path, const Find
     return FindResult::failed;
   }
   bool is_good = true;
+  // An expression is compiled above, and may still turn out too complex for a text.
   try {
     is_good = query.wants_hw || query.wants_cw
                   ? look_up(session, opened, query, *search, log)

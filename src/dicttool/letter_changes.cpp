@@ -8,6 +8,7 @@ namespace lexon {
 
 namespace {
 
+// Written in front of every ending, and taken out when all passes are through.
 constexpr char32_t kBoundary = U'+';
 constexpr std::string_view kBlanks = " \t";
 
@@ -41,6 +42,7 @@ Letters letters_of(std::string_view text) {
   return letters;
 }
 
+// UTF-8, and bytes that were no characters as they came.
 void letters_append(std::u32string_view letters, std::string& text) {
   for (const char32_t c : letters) {
     if (c >= 0x110000) {
@@ -88,6 +90,8 @@ std::string LetterChanges::read(std::string_view line) {
   return read_change(line);
 }
 
+// The text is split at "->", at " / " and at the "_" of the context that stands alone. What is put in (FROM is "0")
+// wants a context, or it would be put in everywhere.
 std::string LetterChanges::read_change(std::string_view text) {
   Change change;
   const std::size_t arrow = text.find("->");
@@ -98,6 +102,7 @@ std::string LetterChanges::read_change(std::string_view text) {
   behind = behind.substr(0, slash);
   if (std::string fault = read_letters(trimmed_of(text.substr(0, arrow)), change.from); !fault.empty()) return fault;
   if (std::string fault = read_letters(trimmed_of(behind), change.to); !fault.empty()) return fault;
+  // All letters of a set may become one.
   if (change.to.size() == 1) change.to.resize(change.from.size(), change.to.front());
   if (change.from.size() != change.to.size()) return "the sets on both sides of -> have not the same number of letters";
   if (slash != std::string_view::npos) {
@@ -126,6 +131,7 @@ std::string LetterChanges::read_change(std::string_view text) {
   return {};
 }
 
+// A word, which is one item, or a set in parentheses, whose words are the items; "0" is an empty item.
 std::string LetterChanges::read_letters(std::string_view text, std::vector<Letters>& letters) const {
   if (text.starts_with('(')) {
     if (!text.ends_with(')')) return "this set is not closed: write ) behind its last letter";
@@ -140,6 +146,8 @@ std::string LetterChanges::read_letters(std::string_view text, std::vector<Lette
   return letters.empty() ? "letters are missing here, without blanks between them: write 0 for none" : std::string();
 }
 
+// A word of several letters gives an element for each. The elements are kept from the place outwards, so those on the
+// left are turned round.
 std::string LetterChanges::read_context(std::string_view text, bool is_left, Context& context) const {
   while (!trimmed_of(text).empty()) {
     std::string_view word = take_word(text);
@@ -180,7 +188,8 @@ std::string LetterChanges::read_context(std::string_view text, bool is_left, Con
   return {};
 }
 
-// `text`: all that stands on that side of the place.
+// Does `text`, all that stands on that side of the place, fit the elements from `number` on? An element that may miss
+// is first tried as missing, which is where the search branches.
 bool LetterChanges::fits(const Context& context, std::size_t number, std::u32string_view text, bool is_left) {
   while (number < context.elements.size()) {
     const Element& element = context.elements[number];
@@ -204,6 +213,7 @@ bool LetterChanges::fits(const Context& context, std::size_t number, std::u32str
 }
 
 void LetterChanges::apply(Letters& word) const {
+  // `out` is what the pass has written, `rest` from `at` on what is still to come.
   Letters out;
   for (const Pass& pass : passes_) {
     out.clear();
@@ -225,6 +235,7 @@ void LetterChanges::apply(Letters& word) const {
       }
       return false;
     };
+    // Something may be put in at every place, the end included, before the letter there is looked at.
     while (true) {
       if (pass.inserts) change_here(true);
       if (at == rest.size()) break;

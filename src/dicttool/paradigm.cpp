@@ -1,6 +1,7 @@
-// The table of paradigms, a text: letter changes (letter_changes.hpp) and tables. A table has a header, "features" and the
-// names of classes, with tabs between; each row below it gives attributes and, for each class, the endings of the form,
-// with blanks between several: "+s", "0" for the stem alone, "-" for no form, "@past+st" for another stem of the word.
+// The table of paradigms, a text: letter changes (letter_changes.hpp) and tables. A table has a header, "features" and
+// the names of classes, with tabs between; each row below it gives attributes and, for each class, the endings of the
+// form, with blanks between several: "+s", "0" for the stem alone, "-" for no form, "@past+st" for another stem of the
+// word.
 //
 // The stems, a text too: a header that names the columns, "stem" and "class" among them, then one stem a line. A column
 // named like the attributes of a row holds the whole form for words that do not follow their class; "-": there is none.
@@ -21,6 +22,7 @@ namespace lexon {
 
 namespace {
 
+// What a form adds to which stem.
 struct Ending {
   std::string column;  // of the stem; empty: the column "stem"
   Letters letters;
@@ -34,6 +36,7 @@ struct Form {
 
 constexpr std::int64_t kShownLines = 20;
 
+// Reads the paradigms whole, then goes through the stems line by line and writes the entries of each.
 class Inflector {
  public:
   Inflector(Session& session, const Inflection& options, std::FILE* out, std::FILE* log, InflectionFigures& figures)
@@ -109,6 +112,7 @@ class Inflector {
     return true;
   }
 
+  // Rows of several tables may have the same attributes; they then share a number, and a column of the stems.
   bool read_row(std::string_view line, const std::vector<std::string>& classes) {
     if (classes.empty()) {
       return fault("a line is letters, pass, change, the header of a table, or a row of one");
@@ -174,6 +178,7 @@ class Inflector {
     return true;
   }
 
+  // A misspelt column would be passed over without a word, so only known names are taken.
   bool check_columns(const std::vector<std::string>& columns) {
     static constexpr std::string_view kKnown[] = {"stem",  "class",    "concept",  "attributes",
                                                   "gloss", "priority", "frequency"};
@@ -194,6 +199,8 @@ class Inflector {
     return true;
   }
 
+  // A stem may have several classes. Of each, the forms are those of its table, but where the line has a form of its
+  // own.
   void inflect(const std::vector<std::string>& columns, const std::vector<std::string_view>& cells) {
     const auto cell = [&](std::string_view name) -> std::string_view {
       for (std::size_t i = 0; i < cells.size(); ++i) {
@@ -237,6 +244,7 @@ class Inflector {
     if (has_class) ++figures_.stems;
   }
 
+  // False if a stem that an ending asks for is not there, which is told.
   template <typename Cell>
   bool write_regular(const Form& form, const ListedWord& word, const Cell& cell) {
     for (const Ending& ending : form.endings) {

@@ -7,6 +7,8 @@ namespace lexon {
 
 namespace {
 
+// All records of the dictionary file in the order of its blocks, without the index. A damaged record ends its block,
+// since nothing says where the next one begins; the next block begins at its own place.
 class Scan {
  public:
   Scan(const Dictionary& opened, std::FILE* log, const RecordTaker& take) : opened_(opened), log_(log), take_(take) {}
@@ -51,7 +53,7 @@ class Scan {
   std::FILE* log_;
   const RecordTaker& take_;
   bool is_good_ = true;
-  bool goes_on_ = true;
+  bool goes_on_ = true;  // the taker wants more
 };
 
 }  // namespace

@@ -12,7 +12,7 @@ std::string_view text_of(const char* text, std::int32_t length) {
   return text == nullptr ? std::string_view{} : std::string_view{text, static_cast<std::size_t>(length)};
 }
 
-// How many of the texts behind the attributes are written: up to the last that is not empty.
+// How many of the texts behind the attributes (id, extra1, extra2) are written: up to the last that is not empty.
 int texts_behind_attrs(const RecordView& record) {
   if (!record.extra2.empty()) return 3;
   if (!record.extra1.empty()) return 2;

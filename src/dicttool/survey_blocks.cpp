@@ -13,7 +13,7 @@ namespace {
 
 constexpr std::int64_t kMaxDamageShown = 100;
 
-// One of the two files while it is looked at.
+// One of the two files while it is looked at. Block numbers begin with 1.
 struct FileSurvey {
   const std::string& path;
   std::FILE* stream;
@@ -30,6 +30,7 @@ struct FileSurvey {
   }
 };
 
+// Also makes the map as large as the file, so that no number of a block inside it is out of range.
 void count_blocks(const FileSurvey& file) {
   const std::int64_t size = file_size(file.stream);
   const auto block_size = static_cast<std::int64_t>(file.block_size);
@@ -44,6 +45,7 @@ void count_blocks(const FileSurvey& file) {
 
 // --- links
 
+// Only blocks of one type may be linked, and a block belongs to one chain.
 void check_link(const FileSurvey& file, std::uint32_t from, std::vector<bool>& is_linked) {
   const std::uint16_t to = file.map.links[from];
   if (to == 0) return;
@@ -131,6 +133,7 @@ void check_dictionary_block(const FileSurvey& file, std::uint32_t number, const 
               [&file](ByteView content, std::size_t at) { return read_entry(content, at, &file.map, kDataBlock); });
 }
 
+// In two rounds: whether an entry leads to records shows only when all types are known.
 void survey_dictionary(const FileSurvey& file) {
   count_blocks(file);
   DictBlock block;

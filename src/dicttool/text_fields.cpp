@@ -9,6 +9,7 @@
 
 namespace lexon {
 
+// Standard input is read like a file. What would be read as nonsense, a folder or UTF-16, is refused by its reason.
 bool text_read(const std::string& path, std::string& text, std::string& reason) {
   text.clear();
   const bool is_standard = path == "-";

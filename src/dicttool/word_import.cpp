@@ -24,6 +24,8 @@ namespace fs = std::filesystem;
 
 constexpr std::int64_t kShownLines = 20;  // bad lines that are told one by one
 
+// Reads one kind of list and writes entries. Features become attributes by the table; a word whose features the table
+// leaves out is counted, and a line that cannot be read is told, and the rest goes on.
 class Importer {
  public:
   Importer(Session& session, const WordImport& options, std::FILE* out, std::FILE* log, WordImportFigures& figures)
@@ -53,16 +55,22 @@ class Importer {
 
   void tell(const std::string& text) { std::fprintf(log_, "%s\n", text.c_str()); }
 
+  // The text of a file, whose lines are counted from now on. False, and told, if it cannot be read.
+  bool file_take(const std::string& path, std::string& text) {
+    std::string reason;
+    path_ = path;
+    number_ = 0;
+    const bool is_read = text_read(path, text, reason);
+    if (!is_read) tell(path + ": " + reason);
+    return is_read;
+  }
+
   bool read_tables() {
     std::vector<std::string> faults;
     table_.read(shipped_table(options_.format), faults);
     for (const std::string& path : options_.tables) {
       std::string text;
-      std::string reason;
-      if (!text_read(path, text, reason)) {
-        tell(path + ": " + reason);
-        return false;
-      }
+      if (!file_take(path, text)) return false;
       table_.read(text, faults);
       for (const std::string& fault : faults) tell(path + ':' + fault);
       if (!faults.empty()) return false;
@@ -89,13 +97,7 @@ class Importer {
 
   bool read_list(const std::string& path) {
     std::string text;
-    std::string reason;
-    path_ = path;
-    number_ = 0;
-    if (!text_read(path, text, reason)) {
-      tell(path + ": " + reason);
-      return false;
-    }
+    if (!file_take(path, text)) return false;
     std::string_view rest = text;
     for (std::string_view line; take_line(rest, line);) {
       ++number_;
@@ -180,7 +182,8 @@ class Importer {
     return out;
   }
 
-  // Ten columns; the words are counted first.
+  // Ten columns. A form comes up as often as the text has it, so words are counted first and written at the end, with
+  // the count as frequency. Ranges (1-2) and empty nodes (1.1) are no words.
   void read_conllu(std::string_view line) {
     if (line.starts_with('#')) return;
     const std::vector<std::string_view> fields = fields_of(line, '\t');
@@ -301,13 +304,7 @@ class Importer {
       return false;
     }
     std::string text;
-    std::string reason;
-    path_ = path;
-    number_ = 0;
-    if (!text_read(path, text, reason)) {
-      tell(path + ": " + reason);
-      return false;
-    }
+    if (!file_take(path, text)) return false;
     std::string_view rest = text;
     const bool is_data = name.starts_with("data.");
     for (std::string_view line; take_line(rest, line);) {
@@ -333,6 +330,7 @@ class Importer {
     const bool is_synset = fields.size() > 4 && read(fields[1], file, 10) && read(fields[3], count, 16) &&
                            file < std::size(kCategories) && fields.size() >= 4 + 2 * count;
     if (!is_synset) return bad_line("not a synset of WordNet");
+    // What the file is named after serves as category, but for those that say no more than the part of speech.
     const std::string category = kCategories[file];
     std::string_view kind = std::string_view(category).substr(category.find('.') + 1);
     if (kind == "all" || kind == "pert" || kind == "ppl") kind = part.feature;
@@ -351,13 +349,14 @@ class Importer {
     }
   }
 
-  // An irregular form and the words that it is a form of.
+  // An irregular form and the words that it is a form of. Read behind the synsets, of which it takes the categories.
   void read_exception(std::string_view line, const Part& part) {
     const std::vector<std::string_view> fields = fields_of(line, ' ');
     if (fields.size() < 2) return bad_line("a line is an irregular form and its word");
     std::string form(fields[0]);
     std::replace(form.begin(), form.end(), '_', ' ');
     std::string bundle = std::string(part.feature) + ";irregular";
+    // The list does not say which form it is; the ending does, if it is a regular one.
     const std::string_view of = part.feature;
     for (const char* const end : {"ing", "er", "est"}) {
       const bool is_sign = end[0] == 'i' ? of == "verb" : of.starts_with("ad");

@@ -185,17 +185,21 @@ Misses open_word_misses(Question& question, const WordEntry* own, const WordEntr
 }
 
 // The words of a node that the rule brings in are chosen by what stands beside it.
-Misses pair_misses(const Question& question, WordEntry* word) {
+Misses pair_misses(const Question& question, const WordEntry* word) {
   const bool has_choice = question.asks_pairs && question.rule.type == rule_type::insertion &&
                           question.target == nullptr && question.pattern().inserted != 0;
   if (!has_choice) return {};
   const Node* beside = node_of(question.window, other(question.side));
   WordEntry* beside_word = beside == nullptr ? nullptr : beside->candidates;
   const bool left = question.side == Side::left;
+  // The check puts the best word in front: not in the node's own list.
+  WordEntry* words = nullptr;
+  if (entry_list_copy(question.session, word, words) != Status::ok) return {};
   WordEntry* chosen = nullptr;
-  const int score = cooccurrence_check(question.session, left ? word : beside_word, left ? beside_word : word,
+  const int score = cooccurrence_check(question.session, left ? words : beside_word, left ? beside_word : words,
                                        question.rule, chosen, question.side);
   entry_list_free(question.session, chosen);
+  entry_list_free(question.session, words);
   if (score != 0) return {};
   const bool left_has_role = question.rule.lnode->roles != nullptr;
   const CondItem* role = left_has_role ? question.rule.lnode->roles : question.rule.rnode->roles;
@@ -428,30 +432,27 @@ void ask_slide(Asking& asking) {
   asking.misses.push_back({.reason = Reason::list_too_short});
 }
 
-// What the node at the other end of an arc would miss. One that stands or stood in a list comes in as a copy with fresh
-// words, which shows what the node has gathered.
+// What the node at the other end of an arc would miss. A stand-in is asked, with the block of the current scope in front:
+// the order of the node's own blocks counts for other rules. A node that stands or stood in a list comes in as a copy
+// with fresh words, which shows what the node has gathered.
 Misses offered_misses(Asking& asking, Side side, Node& node) {
   Session& session = asking.session;
   const Match& match = asking.match;
-  session.state.turned = nullptr;
-  scope_attrs_to_front(node, current_scope(session).number);
-  if (is_fresh(node))
-    return node_misses(session, match.rule, side, window_with(match.window, side, &node), asking.was_refused);
-  Node copy{};
-  copy.kind = node.kind;
-  copy.scope = node.scope;
-  copy.relations = node.relations;
-  copy.origin = copy.source = &node;
-  copy.name = node.name;
-  const bool stands_for_built_scope = is_scope_reference(node) && scope_is_built(session, node.scope) != 0;
-  copy.candidates = stands_for_built_scope ? node.candidates : node.entries;
+  Node asked = node;
   ScopeAttrs block{};
   if (node.scope_attrs != nullptr) {
-    block = *node.scope_attrs;
-    marked_attrs_append(block, node);
-    copy.scope_attrs = &block;
+    const ScopeAttrs* current = scope_attrs_find(node, current_scope(session).number);
+    block = current != nullptr ? *current : *node.scope_attrs;
+    asked.scope_attrs = &block;
   }
-  return node_misses(session, match.rule, side, window_with(match.window, side, &copy), asking.was_refused);
+  if (!is_fresh(node)) {
+    asked.matches = nullptr;
+    asked.origin = asked.source = &node;
+    const bool stands_for_built_scope = is_scope_reference(node) && scope_is_built(session, node.scope) != 0;
+    if (!stands_for_built_scope) asked.candidates = node.entries;
+    if (node.scope_attrs != nullptr) marked_attrs_append(block, node);
+  }
+  return node_misses(session, match.rule, side, window_with(match.window, side, &asked), asking.was_refused);
 }
 
 Misses arc_misses(Asking& asking, Side side) {
@@ -504,7 +505,7 @@ Misses literal_misses(Asking& asking, Side side) {
   NodePattern rest = pattern;
   if (node.candidates == nullptr) {
     const bool is_tested_again = side == Side::left && match.mid_mark.hit == nullptr && match.rule.pre != nullptr;
-    Node* beyond = match.window.rnode->left;
+    Node* beyond = is_tested_again ? match.window.rnode->left : nullptr;
     if (is_tested_again && match_context(session, side, match.rule.pre, beyond) == nullptr)
       return {context_miss(session, RulePart::pre, side, {match.rule.pre}, beyond)};
     if (hw != nullptr && hw[0] == '#') node.candidates = word_class_entries(session, match.rule, side);

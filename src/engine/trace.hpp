@@ -1,7 +1,7 @@
 // What the engine tells of its work. All fixed texts of the engine stand in trace.cpp, spelled as users know them;
 // call sites say what happened. Every function tests the trace level itself, begins each line with the trace indent
-// unless it says otherwise, and at a level that does not print formats and flushes nothing. Scopes are told by their
-// number, not their index. Candidates, rules and nodes are only read.
+// unless it says otherwise, and at a level that does not print formats and flushes nothing. Lines name a scope
+// by its number, not its index. Candidates, rules and nodes are only read.
 #pragma once
 
 #include "data/records.hpp"

@@ -150,7 +150,7 @@ void ConsoleHost::show_summary() const {
 }
 
 void ConsoleHost::finish(RunContext& context) {
-  signals_stop(nullptr);
+  signals_remember();
   if (cancel_was_signalled()) outcome_.cancelled = true;
   for (const std::string& note : outcome_.finish(context)) tell_line("lexon: " + note);
   if (report_ != nullptr && !report_->close()) {

@@ -31,7 +31,7 @@ constexpr const char* kAbout = R"(Turns meaning graphs (PENMAN: AMR, UMR) and de
 graphs of lexon.
 
 Every triple of the source is in the output, or on the list of --left-out with
-the reason. What a step of rewriting does is told by --steps.)";
+the reason. --steps tells what each step of rewriting does.)";
 
 struct Arguments {
   std::vector<std::string> inputs;

@@ -3,8 +3,10 @@
 #include "front/join.hpp"
 
 #include <algorithm>
+#include <cerrno>
 #include <charconv>
 #include <cstdio>
+#include <cstring>
 #include <filesystem>
 #include <set>
 #include <string>
@@ -135,6 +137,10 @@ class Join {
 
 void Join::check_marker(Part& part) {
   const StampState state = shard_marker_read(shard_marker_path(part.path), part.marker);
+  if (state == StampState::unopened) {
+    is_whole_ = false;
+    return tell_line(shard_marker_path(part.path) + ": cannot be opened: " + std::strerror(errno));
+  }
   const File output(regular_file_open(part.path, "rb"));
   const ShardNumber& found = part.marker.shard;
   if (state == StampState::missing) return wrong(part, output != nullptr ? "is unfinished" : "is missing");

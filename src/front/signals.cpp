@@ -17,8 +17,9 @@ constexpr std::int64_t kOneStroke = 250;  // milliseconds
 
 // When the first of the signals came, in milliseconds; 0: none has come.
 constinit std::atomic<std::int64_t> signalled{0};
-// What a signal sets: the stop request of the session in work, or null.
+// What a signal sets: the stop request of the session in work; null before there is one.
 constinit std::atomic<std::atomic<bool>*> to_stop{nullptr};
+constinit std::atomic<bool> nobody{false};  // is set when the work is over
 static_assert(std::atomic<std::int64_t>::is_always_lock_free);
 
 std::int64_t milliseconds_now() {
@@ -27,12 +28,15 @@ std::int64_t milliseconds_now() {
   return std::int64_t{now.tv_sec} * 1000 + now.tv_nsec / 1'000'000 + 1;
 }
 
-// Who ends a program and then its group sends two signals at once, and means one.
+// Who ends a program and then its group sends two signals at once, and means one. Where no work has begun the program may
+// be waiting to open a file, and nothing would tell it of the signal.
 extern "C" void on_cancel_signal(int) {
+  std::atomic<bool>* flag = to_stop;
+  if (flag == nullptr) _exit(kCancelledStatus);
   const std::int64_t now = milliseconds_now();
   std::int64_t first = 0;
   if (!signalled.compare_exchange_strong(first, now) && now - first > kOneStroke) _exit(kCancelledStatus);
-  if (std::atomic<bool>* flag = to_stop; flag != nullptr) *flag = true;
+  *flag = true;
 }
 
 // Who started the program may have asked that a hang-up leaves it alone.
@@ -57,7 +61,12 @@ void signals_stop(std::atomic<bool>* flag) {
   to_stop = flag;
 }
 
+void signals_remember() {
+  to_stop = &nobody;
+}
+
 void cancel_on_signals() {
+  to_stop = nullptr;
   handle_signals(on_cancel_signal);
 }
 

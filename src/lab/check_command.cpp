@@ -11,6 +11,7 @@
 #include "front/process.hpp"
 #include "lab/check.hpp"
 #include "lab/commands.hpp"
+#include "lab/options.hpp"
 #include "lab/text_file.hpp"
 #include "run/files.hpp"
 #include "run/notes.hpp"
@@ -164,23 +165,22 @@ int run_check(const Arguments& arguments) {
 }  // namespace
 
 Command add_check(CLI::App& app) {
-  CLI::App* command = app.add_subcommand("check", "Find mistakes in rules, words and graphs without rendering");
+  CLI::App& command = add_command(app, "check", "Find mistakes in rules, words and graphs without rendering");
   const auto arguments = std::make_shared<Arguments>();
-  command->add_option("RULES", arguments->rules, "The rules, as text or as a grammar source (.lxr)")->required();
-  command->add_option("-d,--dict", arguments->words,
-                      "The dictionary: entry text, so that findings name its lines, or what lexon-dict makes of it");
-  command->add_option("-c,--cr", arguments->cooccurrence, "The co-occurrence dictionary, text or built");
-  command->add_option("-i,--input", arguments->inputs, "Graphs; - for standard input; may be repeated");
-  command->add_option("--format", arguments->format, "How findings are written")
-      ->check(CLI::IsMember({"text", "json", "sarif"}))
-      ->capture_default_str();
-  command->add_option("--no", arguments->silenced, "Leave out findings of this code; may be repeated")
-      ->allow_extra_args(false);
-  command->add_option("--blocks", arguments->blocks, "The memory that runs will have, as for lexon")
-      ->check(CLI::Range(1, 65535))
-      ->capture_default_str();
-  command->add_flag("--strict", arguments->is_strict, "Status 1 with warnings too");
-  return {command, [arguments] { return run_check(*arguments); }};
+  add_option(command, "RULES", arguments->rules, "The rules, as text or as a grammar source (.lxr)",
+             {.required = true});
+  add_option(command, "-d,--dict", arguments->words,
+             "The dictionary: entry text, so that findings name its lines, or what lexon-dict makes of it");
+  add_option(command, "-c,--cr", arguments->cooccurrence, "The co-occurrence dictionary, text or built");
+  add_option(command, "-i,--input", arguments->inputs, "Graphs; - for standard input; may be repeated");
+  add_option(command, "--format", arguments->format, "How findings are written",
+             {.shows_default = true, .choices = {"text", "json", "sarif"}});
+  add_option(command, "--no", arguments->silenced, "Leave out findings of this code; may be repeated",
+             {.one_value = true});
+  add_option(command, "--blocks", arguments->blocks, "The memory that runs will have, as for lexon",
+             {.shows_default = true, .range = {{1, 65535}}});
+  add_flag(command, "--strict", arguments->is_strict, "Status 1 with warnings too");
+  return {&command, [arguments] { return run_check(*arguments); }};
 }
 
 }  // namespace lab

@@ -1,12 +1,15 @@
 // The commands of the workbench. Each adds itself to the program and gives what is to be run when it was asked for.
 #pragma once
 
-#include <CLI/CLI.hpp>
-
 #include <functional>
 #include <stdexcept>
 #include <string>
 #include <vector>
+
+// Declared alone: its header takes ten seconds to compile.
+namespace CLI {
+class App;
+}
 
 namespace lexon {
 inline namespace v1 {

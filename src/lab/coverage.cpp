@@ -17,6 +17,7 @@
 #include "front/process.hpp"
 #include "lab/bench.hpp"
 #include "lab/commands.hpp"
+#include "lab/options.hpp"
 #include "lab/show.hpp"
 
 namespace lexon {
@@ -559,18 +560,18 @@ int cover(const Arguments& arguments) {
 }  // namespace
 
 Command add_coverage(CLI::App& app) {
-  CLI::App* command = app.add_subcommand("coverage", "Count how often each rule and condition was of use");
+  CLI::App& command = add_command(app, "coverage", "Count how often each rule and condition was of use");
   const auto arguments = std::make_shared<Arguments>();
-  add_grammar_options(*command, arguments->grammar);
-  add_render_options(*command, arguments->render);
-  command->add_option("-m,--merge", arguments->merged, "Add what a data file of an earlier run holds; may be repeated")
-      ->allow_extra_args(false);
-  command->add_option("--data", arguments->data, "Write a data file, for --merge");
-  command->add_option("--html", arguments->html, "Write the rules with their counts as a page");
-  command->add_option("--lcov", arguments->lcov, "Write a tracefile of LCOV");
-  command->add_option("--prune", arguments->pruned, "Write the rules without those that never fired");
-  command->add_flag("--conditions", arguments->with_conditions, "Show each condition of each rule");
-  return {command, [arguments] { return cover(*arguments); }};
+  add_grammar_options(command, arguments->grammar);
+  add_render_options(command, arguments->render);
+  add_option(command, "-m,--merge", arguments->merged, "Add what a data file of an earlier run holds; may be repeated",
+             {.one_value = true});
+  add_option(command, "--data", arguments->data, "Write a data file, for --merge");
+  add_option(command, "--html", arguments->html, "Write the rules with their counts as a page");
+  add_option(command, "--lcov", arguments->lcov, "Write a tracefile of LCOV");
+  add_option(command, "--prune", arguments->pruned, "Write the rules without those that never fired");
+  add_flag(command, "--conditions", arguments->with_conditions, "Show each condition of each rule");
+  return {&command, [arguments] { return cover(*arguments); }};
 }
 
 }  // namespace lab

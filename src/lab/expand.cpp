@@ -11,6 +11,7 @@
 #include "data/platform.hpp"
 #include "front/process.hpp"
 #include "lab/commands.hpp"
+#include "lab/options.hpp"
 #include "lab/text_file.hpp"
 #include "run/notes.hpp"
 
@@ -54,12 +55,12 @@ int expand(const Arguments& arguments) {
 }  // namespace
 
 Command add_expand(CLI::App& app) {
-  CLI::App* command = app.add_subcommand("expand", "Write the plain rules that a grammar source (.lxr) stands for");
+  CLI::App& command = add_command(app, "expand", "Write the plain rules that a grammar source (.lxr) stands for");
   const auto arguments = std::make_shared<Arguments>();
-  command->add_option("SOURCE", arguments->source, "The source")->required();
-  CLI::Option* rules = command->add_option("-o,--output", arguments->rules, "The rules to write; else standard output");
-  command->add_option("--map", arguments->map, "Where each line of the rules comes from, to write")->needs(rules);
-  return {command, [arguments] { return expand(*arguments); }};
+  add_option(command, "SOURCE", arguments->source, "The source", {.required = true});
+  CLI::Option* rules = add_option(command, "-o,--output", arguments->rules, "The rules to write; else standard output");
+  add_option(command, "--map", arguments->map, "Where each line of the rules comes from, to write", {.needs = rules});
+  return {&command, [arguments] { return expand(*arguments); }};
 }
 
 }  // namespace lab

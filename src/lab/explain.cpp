@@ -196,14 +196,14 @@ bool explain_sentence(std::ostream& out, const Project& project, Bench& bench, c
 }
 
 Command add_explain(CLI::App& app) {
-  CLI::App* command = app.add_subcommand("explain", "Show the steps by which a sentence came about, or failed");
+  CLI::App& command = add_command(app, "explain", "Show the steps by which a sentence came about, or failed");
   const auto arguments = std::make_shared<Arguments>();
-  add_grammar_options(*command, arguments->grammar);
-  add_render_options(*command, arguments->render);
-  command->add_option("-w,--word", arguments->explain.word,
-                      "Only the entries of this word, or concept, and every rule that touched it");
-  command->add_flag("-a,--all", arguments->explain.all, "Show what was taken back too, in the order of time");
-  return {command, [arguments] { return explain(*arguments); }};
+  add_grammar_options(command, arguments->grammar);
+  add_render_options(command, arguments->render);
+  add_option(command, "-w,--word", arguments->explain.word,
+             "Only the entries of this word, or concept, and every rule that touched it");
+  add_flag(command, "-a,--all", arguments->explain.all, "Show what was taken back too, in the order of time");
+  return {&command, [arguments] { return explain(*arguments); }};
 }
 
 }  // namespace lab

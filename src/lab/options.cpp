@@ -1,24 +1,54 @@
 #include "lab/options.hpp"
 
+#include <CLI/CLI.hpp>
+
 namespace lexon {
 inline namespace v1 {
 namespace lab {
 
+CLI::App& add_command(CLI::App& app, const char* name, const char* about) {
+  return *app.add_subcommand(name, about);
+}
+
+template <class T>
+CLI::Option* add_option(CLI::App& command, const char* names, T& value, const char* about, const Demands& demands) {
+  CLI::Option* option = command.add_option(names, value, about);
+  if (demands.required) option->required();
+  if (demands.one_value) option->allow_extra_args(false);
+  if (demands.not_negative) option->check(CLI::NonNegativeNumber);
+  if (!demands.choices.empty()) option->check(CLI::IsMember(demands.choices));
+  if (demands.range) option->check(CLI::Range(demands.range->first, demands.range->second));
+  if (demands.needs != nullptr) option->needs(demands.needs);
+  if (demands.shows_default) option->capture_default_str();
+  return option;
+}
+
+template CLI::Option* add_option(CLI::App&, const char*, std::string&, const char*, const Demands&);
+template CLI::Option* add_option(CLI::App&, const char*, std::vector<std::string>&, const char*, const Demands&);
+template CLI::Option* add_option(CLI::App&, const char*, double&, const char*, const Demands&);
+template CLI::Option* add_option(CLI::App&, const char*, int&, const char*, const Demands&);
+template CLI::Option* add_option(CLI::App&, const char*, unsigned&, const char*, const Demands&);
+template CLI::Option* add_option(CLI::App&, const char*, std::int64_t&, const char*, const Demands&);
+template CLI::Option* add_option(CLI::App&, const char*, std::size_t&, const char*, const Demands&);
+
+void add_flag(CLI::App& command, const char* names, bool& value, const char* about) {
+  command.add_flag(names, value, about);
+}
+
 void add_grammar_options(CLI::App& command, GrammarFiles& files) {
-  command.add_option("-d,--dict", files.dictionary, "The dictionary, made by lexon-dict")->required();
-  command.add_option("-r,--rules", files.rules, "The rules, as text or compiled (.rul)")->required();
-  command.add_option("-c,--cr", files.cooccurrence, "The co-occurrence dictionary");
+  add_option(command, "-d,--dict", files.dictionary, "The dictionary, made by lexon-dict", {.required = true});
+  add_option(command, "-r,--rules", files.rules, "The rules, as text or compiled (.rul)", {.required = true});
+  add_option(command, "-c,--cr", files.cooccurrence, "The co-occurrence dictionary");
 }
 
 void add_render_options(CLI::App& command, RenderOptions& options) {
-  command.add_option("INPUT", options.inputs, "Graphs; - for standard input")->required();
-  command
-      .add_option("-s,--sentence", options.sentences, "Only the sentence with this label, or number; may be repeated")
-      ->allow_extra_args(false);
-  command.add_option("-T,--time", options.seconds, "Seconds for each sentence; 0: no limit")->capture_default_str();
-  command.add_option("--steps", options.steps, "Steps of the search for each sentence; 0: no limit")
-      ->check(CLI::NonNegativeNumber);
-  command.add_flag("!--no-post-edit", options.post_edit, "Leave out the rules of post-edit");
+  add_option(command, "INPUT", options.inputs, "Graphs; - for standard input", {.required = true});
+  add_option(command, "-s,--sentence", options.sentences,
+             "Only the sentence with this label, or number; may be repeated", {.one_value = true});
+  add_option(command, "-T,--time", options.seconds, "Seconds for each sentence; 0: no limit", {.shows_default = true});
+  add_option(command, "--steps", options.steps, "Steps of the search for each sentence; 0: no limit",
+             {.not_negative = true});
+  add_flag(command, "!--no-post-edit", options.post_edit, "Leave out the rules of post-edit");
 }
 
 }  // namespace lab

@@ -163,12 +163,12 @@ int profile(const Arguments& arguments) {
 }  // namespace
 
 Command add_profile(CLI::App& app) {
-  CLI::App* command = app.add_subcommand("profile", "Show which rules and sentences cost most");
+  CLI::App& command = add_command(app, "profile", "Show which rules and sentences cost most");
   const auto arguments = std::make_shared<Arguments>();
-  add_grammar_options(*command, arguments->grammar);
-  add_render_options(*command, arguments->render);
-  command->add_option("-n,--top", arguments->top, "Rules and sentences that are shown")->capture_default_str();
-  return {command, [arguments] { return profile(*arguments); }};
+  add_grammar_options(command, arguments->grammar);
+  add_render_options(command, arguments->render);
+  add_option(command, "-n,--top", arguments->top, "Rules and sentences that are shown", {.shows_default = true});
+  return {&command, [arguments] { return profile(*arguments); }};
 }
 
 }  // namespace lab

@@ -39,11 +39,11 @@ int render(const Arguments& arguments) {
 }  // namespace
 
 Command add_render(CLI::App& app) {
-  CLI::App* command = app.add_subcommand("render", "Write the sentences of graphs, one a line");
+  CLI::App& command = add_command(app, "render", "Write the sentences of graphs, one a line");
   const auto arguments = std::make_shared<Arguments>();
-  add_grammar_options(*command, arguments->grammar);
-  add_render_options(*command, arguments->render);
-  return {command, [arguments] { return render(*arguments); }};
+  add_grammar_options(command, arguments->grammar);
+  add_render_options(command, arguments->render);
+  return {&command, [arguments] { return render(*arguments); }};
 }
 
 }  // namespace lab

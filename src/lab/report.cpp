@@ -70,14 +70,14 @@ int report(const Arguments& arguments) {
 }  // namespace
 
 Command add_report(CLI::App& app) {
-  CLI::App* command = app.add_subcommand("report", "Write a row for each sentence: status, cost, what was left over");
+  CLI::App& command = add_command(app, "report", "Write a row for each sentence: status, cost, what was left over");
   const auto arguments = std::make_shared<Arguments>();
-  add_grammar_options(*command, arguments->grammar);
-  add_render_options(*command, arguments->render);
-  command->add_option("-o,--output", arguments->output, "Where to; - for standard output")->capture_default_str();
-  command->add_option("-f,--format", arguments->form, "tsv or json; else as the name of the output says")
-      ->check(CLI::IsMember({"tsv", "json"}));
-  return {command, [arguments] { return report(*arguments); }};
+  add_grammar_options(command, arguments->grammar);
+  add_render_options(command, arguments->render);
+  add_option(command, "-o,--output", arguments->output, "Where to; - for standard output", {.shows_default = true});
+  add_option(command, "-f,--format", arguments->form, "tsv or json; else as the name of the output says",
+             {.choices = {"tsv", "json"}});
+  return {&command, [arguments] { return report(*arguments); }};
 }
 
 }  // namespace lab

@@ -28,6 +28,7 @@
 
 #include "front/process.hpp"
 #include "lab/commands.hpp"
+#include "lab/options.hpp"
 #include "lab/project_files.hpp"
 #include "lab/serve_folder.hpp"
 #include "lab/serve_pages.hpp"
@@ -482,31 +483,29 @@ int run_serve(const Arguments& arguments) {
 }  // namespace
 
 Command add_serve(CLI::App& app) {
-  CLI::App* command =
-      app.add_subcommand("serve", "Open a page to work in: graphs, rules and words, and what comes of them");
+  CLI::App& command =
+      add_command(app, "serve", "Open a page to work in: graphs, rules and words, and what comes of them");
   const auto arguments = std::make_shared<Arguments>();
   arguments->limits.seconds = 5;
-  command->add_option("FOLDER", arguments->folder, "The project: files named as in the examples, or by its lexon.json")
-      ->capture_default_str();
-  command->add_option("-r,--rules", arguments->rules, "The rules, as text or as a source (.lxr)");
-  command->add_option("-e,--entries", arguments->entries, "Entry text; may be repeated, and counts as one")
-      ->allow_extra_args(false);
-  command->add_option("-d,--dict", arguments->dictionary, "A dictionary that is built, in place of entries");
-  command->add_option("-c,--cr", arguments->cooccurrence, "The co-occurrence dictionary, text or built");
-  command->add_option("-i,--input", arguments->graphs, "Graphs; may be repeated")->allow_extra_args(false);
-  command->add_option("-g,--gold", arguments->gold, "What is expected, as for lexon-lab test");
-  command->add_option("-T,--time", arguments->limits.seconds, "Seconds for each sentence")
-      ->check(CLI::Range(0.1, 600.0))
-      ->capture_default_str();
-  command->add_option("--steps", arguments->limits.steps, "Steps of the search for each sentence; 0: no limit")
-      ->check(CLI::NonNegativeNumber);
-  command->add_option("--blocks", arguments->blocks, "The memory that runs will have, as for lexon")
-      ->check(CLI::Range(1, 65535));
-  command->add_option("--port", arguments->port, "The port to listen on; 0: any that is free")
-      ->check(CLI::Range(0, 65535))
-      ->capture_default_str();
-  command->add_flag("--open", arguments->opens, "Open the page in the browser");
-  return {command, [arguments] { return run_serve(*arguments); }};
+  add_option(command, "FOLDER", arguments->folder, "The project: files named as in the examples, or by its lexon.json",
+             {.shows_default = true});
+  add_option(command, "-r,--rules", arguments->rules, "The rules, as text or as a source (.lxr)");
+  add_option(command, "-e,--entries", arguments->entries, "Entry text; may be repeated, and counts as one",
+             {.one_value = true});
+  add_option(command, "-d,--dict", arguments->dictionary, "A dictionary that is built, in place of entries");
+  add_option(command, "-c,--cr", arguments->cooccurrence, "The co-occurrence dictionary, text or built");
+  add_option(command, "-i,--input", arguments->graphs, "Graphs; may be repeated", {.one_value = true});
+  add_option(command, "-g,--gold", arguments->gold, "What is expected, as for lexon-lab test");
+  add_option(command, "-T,--time", arguments->limits.seconds, "Seconds for each sentence",
+             {.shows_default = true, .range = {{1, 600}}});
+  add_option(command, "--steps", arguments->limits.steps, "Steps of the search for each sentence; 0: no limit",
+             {.not_negative = true});
+  add_option(command, "--blocks", arguments->blocks, "The memory that runs will have, as for lexon",
+             {.range = {{1, 65535}}});
+  add_option(command, "--port", arguments->port, "The port to listen on; 0: any that is free",
+             {.shows_default = true, .range = {{0, 65535}}});
+  add_flag(command, "--open", arguments->opens, "Open the page in the browser");
+  return {&command, [arguments] { return run_serve(*arguments); }};
 }
 
 }  // namespace lab

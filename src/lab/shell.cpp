@@ -555,17 +555,17 @@ struct Arguments {
 }  // namespace
 
 Command add_shell(CLI::App& app) {
-  CLI::App* command = app.add_subcommand("shell", "Work with a grammar at a prompt, or by a script on standard input");
+  CLI::App& command = add_command(app, "shell", "Work with a grammar at a prompt, or by a script on standard input");
   const auto arguments = std::make_shared<Arguments>();
-  command->add_option("-d,--dict", arguments->grammar.dictionary, "The dictionary, made by lexon-dict");
-  command->add_option("-r,--rules", arguments->grammar.rules, "The rules, as text or compiled (.rul)");
-  command->add_option("-c,--cr", arguments->grammar.cooccurrence, "The co-occurrence dictionary");
-  command->add_option("INPUT", arguments->graphs, "Graphs");
-  command->add_option("-T,--time", arguments->limits.seconds, "Seconds for each sentence; 0: no limit")
-      ->capture_default_str();
-  command->add_option("--steps", arguments->limits.steps, "Steps of the search for each sentence; 0: no limit")
-      ->check(CLI::NonNegativeNumber);
-  return {command, [arguments] { return Shell(arguments->grammar, arguments->graphs, arguments->limits).run(); }};
+  add_option(command, "-d,--dict", arguments->grammar.dictionary, "The dictionary, made by lexon-dict");
+  add_option(command, "-r,--rules", arguments->grammar.rules, "The rules, as text or compiled (.rul)");
+  add_option(command, "-c,--cr", arguments->grammar.cooccurrence, "The co-occurrence dictionary");
+  add_option(command, "INPUT", arguments->graphs, "Graphs");
+  add_option(command, "-T,--time", arguments->limits.seconds, "Seconds for each sentence; 0: no limit",
+             {.shows_default = true});
+  add_option(command, "--steps", arguments->limits.steps, "Steps of the search for each sentence; 0: no limit",
+             {.not_negative = true});
+  return {&command, [arguments] { return Shell(arguments->grammar, arguments->graphs, arguments->limits).run(); }};
 }
 
 }  // namespace lab

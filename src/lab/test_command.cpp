@@ -394,23 +394,21 @@ int run_test(const Arguments& arguments) {
 }  // namespace
 
 Command add_test(CLI::App& app) {
-  CLI::App* command = app.add_subcommand("test", "Compare sentences with what is expected of them");
+  CLI::App& command = add_command(app, "test", "Compare sentences with what is expected of them");
   const auto arguments = std::make_shared<Arguments>();
-  command
-      ->add_option("GOLD", arguments->gold,
-                   "What is expected: a line a sentence, or below the label of each the texts that will do")
-      ->required();
-  add_grammar_options(*command, arguments->grammar);
-  add_render_options(*command, arguments->render);
-  command->add_option("--against", arguments->against,
-                      "Tell what changed against other rules, another dictionary, or a saved run");
-  command->add_option("--save", arguments->saved, "Save the run, for --against");
-  command->add_flag("--update", arguments->is_update, "Show what differs, and write what was found into GOLD");
-  command->add_option("--junit", arguments->junit, "Write the results as JUnit XML");
-  command->add_option("-j,--jobs", arguments->jobs, "Sentences to be rendered at once")
-      ->check(CLI::Range(1U, 256U))
-      ->capture_default_str();
-  return {command, [arguments] { return run_test(*arguments); }};
+  add_option(command, "GOLD", arguments->gold,
+             "What is expected: a line a sentence, or below the label of each the texts that will do",
+             {.required = true});
+  add_grammar_options(command, arguments->grammar);
+  add_render_options(command, arguments->render);
+  add_option(command, "--against", arguments->against,
+             "Tell what changed against other rules, another dictionary, or a saved run");
+  add_option(command, "--save", arguments->saved, "Save the run, for --against");
+  add_flag(command, "--update", arguments->is_update, "Show what differs, and write what was found into GOLD");
+  add_option(command, "--junit", arguments->junit, "Write the results as JUnit XML");
+  add_option(command, "-j,--jobs", arguments->jobs, "Sentences to be rendered at once",
+             {.shows_default = true, .range = {{1, 256}}});
+  return {&command, [arguments] { return run_test(*arguments); }};
 }
 
 }  // namespace lab

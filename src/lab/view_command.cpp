@@ -221,18 +221,17 @@ int view(const Arguments& arguments) {
 }  // namespace
 
 Command add_view(CLI::App& app) {
-  CLI::App* command = app.add_subcommand("view", "Write a page that shows graphs, steps and words of sentences");
+  CLI::App& command = add_command(app, "view", "Write a page that shows graphs, steps and words of sentences");
   const auto arguments = std::make_shared<Arguments>();
-  add_grammar_options(*command, arguments->grammar);
-  add_render_options(*command, arguments->render);
-  command->add_option("-o,--output", arguments->output, "The page; - for standard output")->capture_default_str();
-  command->add_flag("-a,--all", arguments->all, "All sentences, however many; else the first 200");
-  command->add_flag("-f,--failed", arguments->failed, "Only sentences that came to nothing");
-  command->add_option("-k,--keep", arguments->kept, "Steps that are kept of each sentence")
-      ->check(CLI::Range(100, 1000000))
-      ->capture_default_str();
-  command->add_flag("--open", arguments->open, "Open the page in the browser");
-  return {command, [arguments] { return view(*arguments); }};
+  add_grammar_options(command, arguments->grammar);
+  add_render_options(command, arguments->render);
+  add_option(command, "-o,--output", arguments->output, "The page; - for standard output", {.shows_default = true});
+  add_flag(command, "-a,--all", arguments->all, "All sentences, however many; else the first 200");
+  add_flag(command, "-f,--failed", arguments->failed, "Only sentences that came to nothing");
+  add_option(command, "-k,--keep", arguments->kept, "Steps that are kept of each sentence",
+             {.shows_default = true, .range = {{100, 1000000}}});
+  add_flag(command, "--open", arguments->open, "Open the page in the browser");
+  return {&command, [arguments] { return view(*arguments); }};
 }
 
 }  // namespace lab

@@ -5,6 +5,7 @@
 #include <fstream>
 
 #include "lab/show.hpp"
+#include "run/report.hpp"
 
 namespace lexon {
 inline namespace v1 {
@@ -79,14 +80,15 @@ std::int32_t ViewRecord::graph_node(const Node& node) {
   const auto [place, is_new] = graph_nodes_.try_emplace(&node, static_cast<std::int32_t>(graph_nodes_.size()));
   if (!is_new) return place->second;
   nlohmann::json data;
-  data["name"] = is_scope_reference(node) ? node_text(&node) : std::string(text_of(node.name));
+  const std::string scope = std::to_string(node.scope);
+  const std::string name(text_of(node.name));
+  data["name"] = is_scope_reference(node) ? ':' + std::string(scope.size() < 2 ? "0" : "") + scope : name;
   data["scope"] = is_scope_reference(node) ? node.scope : -1;
   data["instance"] = is_scope_reference(node) ? 0 : node.scope;
   data["attrs"] = nlohmann::json::array();
   for (const ScopeAttrs& block : chain<&ScopeAttrs::next>(node.scope_attrs))
     data["attrs"].push_back({block.scope, block.text});
-  const bool stands_for_itself = has_attr(text_of(node.entries == nullptr ? nullptr : node.entries->attrs), "TEMP");
-  data["unknown"] = !is_scope_reference(node) && (node.entries == nullptr || stands_for_itself);
+  data["unknown"] = std::find(unknown_words_.begin(), unknown_words_.end(), name) != unknown_words_.end();
   graph_["nodes"].push_back(std::move(data));
   return place->second;
 }
@@ -97,6 +99,9 @@ void ViewRecord::graph_read(const Session& session) {
             {"scopes", nlohmann::json::array()},
             {"layout", nullptr},
             {"notice", ""}};
+  SentenceReport report;
+  report_leftovers(session, report);
+  unknown_words_ = std::move(report.unknown_words);
   const auto& sentence = session.sentence;
   for (std::int32_t at = 0; at < sentence.graph_node_count; ++at) {
     const Node* node = sentence.graph_nodes[static_cast<std::size_t>(at)];
@@ -274,6 +279,7 @@ void ViewRecord::sentence_begins(Session& session) {
   used_.clear();
   steps_.clear();
   standing_.clear();
+  standing_at_.clear();
   last_number_ = forgotten_ = 0;
   fitted_ = {};
   outer_.clear();
@@ -300,13 +306,15 @@ void ViewRecord::append(Step&& step) {
 void ViewRecord::stand(const RuleCandidate& candidate, Step&& step) {
   has_reason_ = false;
   // Carried out again, with another word or another solution of its scope, it takes the place of what it was before.
-  const auto same = [&candidate](const Standing& each) { return each.candidate == &candidate; };
-  const auto found = std::find_if(standing_.rbegin(), standing_.rend(), same);
-  if (found != standing_.rend() && !step.is_post_edit)
-    take_back_from(static_cast<std::size_t>(standing_.rend() - found) - 1);
+  const std::size_t place = standing_at(candidate);
+  if (place < standing_.size() && !step.is_post_edit) take_back_from(place);
   append(std::move(step));
+  standing_at_[&candidate] = standing_.size();
   standing_.push_back({&candidate, last_number_});
-  if (standing_.size() > kMostStanding) standing_.erase(standing_.begin(), standing_.begin() + kMostStanding / 2);
+  if (standing_.size() <= kMostStanding) return;
+  standing_.erase(standing_.begin(), standing_.begin() + kMostStanding / 2);
+  standing_at_.clear();
+  for (std::size_t at = 0; at < standing_.size(); ++at) standing_at_[standing_[at].candidate] = at;
 }
 
 // A step that is over as soon as it is there.
@@ -316,8 +324,16 @@ void ViewRecord::leaf(Step&& step) {
   append(std::move(step));
 }
 
+// The size of the stack if it does not stand.
+std::size_t ViewRecord::standing_at(const RuleCandidate& candidate) const {
+  const auto found = standing_at_.find(&candidate);
+  return found == standing_at_.end() ? standing_.size() : found->second;
+}
+
 void ViewRecord::take_back_from(std::size_t place) {
   for (; standing_.size() > place; standing_.pop_back()) {
+    const auto newest = standing_at_.find(standing_.back().candidate);
+    if (newest != standing_at_.end() && newest->second + 1 == standing_.size()) standing_at_.erase(newest);
     const std::int64_t number = standing_.back().number;
     const auto step = std::lower_bound(steps_.begin(), steps_.end(), number,
                                        [](const Step& each, std::int64_t wanted) { return each.number < wanted; });
@@ -414,9 +430,8 @@ void ViewRecord::applied(Session& session, const RuleCandidate& candidate, const
 }
 
 void ViewRecord::undone(Session& session, const RuleCandidate& candidate) {
-  const auto same = [&candidate](const Standing& each) { return each.candidate == &candidate; };
-  const auto found = std::find_if(standing_.rbegin(), standing_.rend(), same);
-  if (found == standing_.rend()) return;  // its scope failed before it was carried out
+  const std::size_t place = standing_at(candidate);
+  if (place == standing_.size()) return;  // its scope failed before it was carried out
   if (!has_reason_) {
     Step step = step_of(session, Kind::dead_end, nullptr);
     step.before = last_offered_;
@@ -424,7 +439,7 @@ void ViewRecord::undone(Session& session, const RuleCandidate& candidate) {
     leaf(std::move(step));
     has_reason_ = true;
   }
-  take_back_from(static_cast<std::size_t>(standing_.rend() - found) - 1);
+  take_back_from(place);
 }
 
 void ViewRecord::scope_entered(Session&, const RuleCandidate&, int) {

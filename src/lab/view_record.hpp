@@ -126,6 +126,7 @@ class ViewRecord final : public Observer {
   void stand(const RuleCandidate& candidate, Step&& step);
   void leaf(Step&& step);
   void append(Step&& step);
+  [[nodiscard]] std::size_t standing_at(const RuleCandidate& candidate) const;
   void take_back_from(std::size_t place);
   void forget_some();
   [[nodiscard]] nlohmann::json result(const Session& session);
@@ -141,6 +142,7 @@ class ViewRecord final : public Observer {
   // Of the sentence.
   nlohmann::json graph_;
   std::vector<const Relation*> relations_;
+  std::vector<std::string> unknown_words_;
   std::unordered_map<const Node*, std::int32_t> graph_nodes_;
   std::unordered_map<const Node*, std::int32_t> places_by_node_;
   std::vector<Place> places_;
@@ -151,6 +153,7 @@ class ViewRecord final : public Observer {
   Table<std::string> used_;
   std::deque<Step> steps_;
   std::vector<Standing> standing_;
+  std::unordered_map<const RuleCandidate*, std::size_t> standing_at_;  // the newest of each
   std::int64_t last_number_ = 0;
   std::int64_t forgotten_ = 0;
   Fitted fitted_;

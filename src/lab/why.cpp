@@ -9,6 +9,7 @@
 
 #include "front/process.hpp"
 #include "lab/commands.hpp"
+#include "lab/options.hpp"
 #include "lab/show.hpp"
 
 namespace lexon {
@@ -216,12 +217,12 @@ void why_sentence(std::ostream& out, const Project& project, Bench& bench, const
 }
 
 Command add_why(CLI::App& app) {
-  CLI::App* command = app.add_subcommand("why", "Tell what kept a rule from working in a sentence");
+  CLI::App& command = add_command(app, "why", "Tell what kept a rule from working in a sentence");
   const auto arguments = std::make_shared<Arguments>();
-  command->add_option("RULE", arguments->rule, "The rule, by its line: 203, or rules.txt:203")->required();
-  add_grammar_options(*command, arguments->grammar);
-  add_render_options(*command, arguments->render);
-  return {command, [arguments] { return why(*arguments); }};
+  add_option(command, "RULE", arguments->rule, "The rule, by its line: 203, or rules.txt:203", {.required = true});
+  add_grammar_options(command, arguments->grammar);
+  add_render_options(command, arguments->render);
+  return {&command, [arguments] { return why(*arguments); }};
 }
 
 }  // namespace lab

@@ -15,7 +15,7 @@ namespace lexon {
 struct Session;
 
 // Writes the records of a list, back to back. Returns ok, `memory` or `stopped`; `no_effect` if a rule is too large for
-// the form, which a ";;" line tells, and nothing is written then. A disk that is full is told by a ";;" line alone. The
+// the form; a ";;" line tells so, and nothing is written then. Of a full disk only a ";;" line tells. The
 // stream stays open.
 [[nodiscard]] Status rule_list_write(Session& session, const Rule* rules, std::FILE* stream);
 

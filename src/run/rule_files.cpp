@@ -1,6 +1,8 @@
 #include "run/rule_files.hpp"
 
+#include <cerrno>
 #include <cstdio>
+#include <cstring>
 #include <memory>
 #include <optional>
 
@@ -109,10 +111,15 @@ void note_altered(const CompiledFile& file, const Stamp& stamp, const char* line
 }
 
 // What the stamp has to say of files that are about to be reused.
-void note_by_stamp(const std::string& rule_file, const std::string& stamp_path, StampState found, const Stamp& stamp,
-                   RunContext& context) {
+void note_by_stamp(const std::string& rule_file, const std::string& stamp_path, StampState found,
+                   const std::string& reason, const Stamp& stamp, RunContext& context) {
   if (found == StampState::missing) return;
   const std::string& rules = context.compiled_rules.path;
+  if (found == StampState::unopened) {
+    context.notes.push_back(stamp_path +
+                            ": cannot be opened, so changes of the compiled files go unnoticed: " + reason);
+    return;
+  }
   if (found == StampState::damaged) {
     context.notes.push_back(stamp_path + ": cannot be read, so changes of the compiled files go unnoticed; --rebuild " +
                             "writes it anew");
@@ -228,6 +235,7 @@ std::string rule_files_open(const RunSettings& settings, RunContext& context) {
   }
   Stamp stamp;
   StampState found = StampState::missing;
+  std::string reason;
   constexpr int kTries = 20;
   for (int i = 0; i < kTries; ++i) {
     close_both(context);
@@ -237,9 +245,10 @@ std::string rule_files_open(const RunSettings& settings, RunContext& context) {
       return message;
     }
     if (!context.convert) found = stamp_read(paths.stamp, stamp);
+    if (found == StampState::unopened) reason = std::strerror(errno);
     if (is_one_pair(context)) break;
   }
-  if (!context.convert) note_by_stamp(rule_file, paths.stamp, found, stamp, context);
+  if (!context.convert) note_by_stamp(rule_file, paths.stamp, found, reason, stamp, context);
   return {};
 }
 

@@ -1,18 +1,14 @@
 // The library from C++ and C: what Python does not reach. Results, messages and limits are tested through the module.
-#include <gtest/gtest.h>
 #include <lexon/lexon.h>
 #include <pthread.h>
 #include <lexon/lexon.hpp>
 
 #include <atomic>
-#include <cstring>
-#include <string>
 #include <thread>
-#include <utility>
-#include <vector>
 
 #include "support/capture.hpp"
 #include "support/program.hpp"
+#include "support/test.hpp"
 
 namespace lexon::test {
 namespace {

@@ -1,10 +1,7 @@
 #include "data/attr_string.hpp"
 
-#include <gtest/gtest.h>
-
-#include <string>
-
 #include "data/records.hpp"
+#include "support/test.hpp"
 
 namespace lexon {
 namespace {

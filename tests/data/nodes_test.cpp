@@ -1,14 +1,9 @@
 #include "data/nodes.hpp"
 
-#include <gtest/gtest.h>
-
-#include <array>
-#include <cstring>
-#include <string>
-
 #include "data/pool.hpp"
 #include "data/words.hpp"
 #include "support/session.hpp"
+#include "support/test.hpp"
 
 namespace lexon::test {
 namespace {

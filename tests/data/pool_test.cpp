@@ -1,11 +1,7 @@
 #include "data/pool.hpp"
 
-#include <gtest/gtest.h>
-
-#include <cstring>
-#include <vector>
-
 #include "support/session.hpp"
+#include "support/test.hpp"
 
 namespace lexon::test {
 namespace {

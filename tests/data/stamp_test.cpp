@@ -1,33 +1,13 @@
 #include "data/stamp.hpp"
 
-#include <gtest/gtest.h>
+#include "support/folder.hpp"
+
 #include <sys/stat.h>
 
-#include <cstdio>
-#include <filesystem>
-#include <fstream>
-#include <string>
-
-namespace lexon {
+namespace lexon::test {
 namespace {
 
-namespace fs = std::filesystem;
-
-class StampTest : public testing::Test {
- protected:
-  void TearDown() override { fs::remove_all(folder_); }
-  std::string write(const std::string& name, const std::string& content) {
-    const std::string path = (folder_ / name).string();
-    std::ofstream(path, std::ios::binary) << content;
-    return path;
-  }
-  fs::path folder_ = [] {
-    std::string name = (fs::temp_directory_path() / "lexon-stamp-XXXXXX").string();
-    return fs::path(mkdtemp(name.data()));
-  }();
-};
-
-TEST_F(StampTest, TheHashIsTheKnownOne) {
+TEST(Stamp, TheHashIsTheKnownOne) {
   struct Row {
     const char* bytes;
     std::uint64_t hash;  // published values of FNV-1a
@@ -39,9 +19,10 @@ TEST_F(StampTest, TheHashIsTheKnownOne) {
   }
 }
 
-TEST_F(StampTest, ComesBackAsItWasWritten) {
-  const std::string path = (folder_ / "pair.stamp").string();
-  std::FILE* file = std::fopen(write("file", std::string(70000, 'x')).c_str(), "rb");
+TEST(Stamp, ComesBackAsItWasWritten) {
+  const Folder folder;
+  const std::string path = folder.path("pair.stamp");
+  std::FILE* file = std::fopen(folder.write("file", std::string(70000, 'x')).c_str(), "rb");
   const std::optional<FileMark> mark = file_mark(file);
   std::fclose(file);
   ASSERT_TRUE(mark.has_value());
@@ -61,7 +42,8 @@ TEST_F(StampTest, ComesBackAsItWasWritten) {
   EXPECT_EQ(read.number("none"), std::nullopt);
 }
 
-TEST_F(StampTest, WhatIsNoStampIsToldApart) {
+TEST(Stamp, WhatIsNoStampIsToldApart) {
+  const Folder folder;
   struct Row {
     const char* what;
     std::string content;
@@ -78,12 +60,12 @@ TEST_F(StampTest, WhatIsNoStampIsToldApart) {
       {"endless", "lexon stamp 1\na=" + std::string(100000, 'x') + "\n", StampState::damaged},
   };
   Stamp stamp;
-  for (const Row& row : rows) EXPECT_EQ(stamp_read(write("s", row.content), stamp), row.state) << row.what;
-  EXPECT_EQ(stamp_read((folder_ / "none").string(), stamp), StampState::missing);
-  const std::string fifo = (folder_ / "fifo").string();
+  for (const Row& row : rows) EXPECT_EQ(stamp_read(folder.write("s", row.content), stamp), row.state) << row.what;
+  EXPECT_EQ(stamp_read(folder.path("none"), stamp), StampState::missing);
+  const std::string fifo = folder.path("fifo");
   ASSERT_EQ(mkfifo(fifo.c_str(), 0600), 0);
   EXPECT_EQ(stamp_read(fifo, stamp), StampState::damaged) << "and does not wait";
 }
 
 }  // namespace
-}  // namespace lexon
+}  // namespace lexon::test

@@ -1,12 +1,8 @@
 #include "data/words.hpp"
 
-#include <gtest/gtest.h>
-
-#include <string>
-#include <vector>
-
 #include "data/pool.hpp"
 #include "support/session.hpp"
+#include "support/test.hpp"
 
 namespace lexon::test {
 namespace {

@@ -1,16 +1,6 @@
 // Dictionaries built from text: that every record is found once by each of its keys, and in what order; that text and
 // dictionary stand for each other; what is refused.
 
-#include <gtest/gtest.h>
-
-#include <filesystem>
-#include <fstream>
-#include <map>
-#include <random>
-#include <string>
-#include <utility>
-#include <vector>
-
 #include "dict/entry_text.hpp"
 #include "dict/item_sort.hpp"
 #include "dicttool/block_packer.hpp"
@@ -18,6 +8,7 @@
 #include "support/built_dictionary.hpp"
 #include "support/capture.hpp"
 #include "support/session.hpp"
+#include "support/test.hpp"
 
 namespace lexon::test {
 namespace {
@@ -108,55 +99,55 @@ void expect_all(const std::vector<Generated>& entries, Expected& by_hw, Expected
   }
 }
 
-class GeneratedDictionary : public ::testing::TestWithParam<Shape> {};
-
-TEST_P(GeneratedDictionary, FindsEveryRecordOnceByEachKey) {
-  const Shape& shape = GetParam();
-  const std::vector<Generated> entries = generate(shape);
-  const BuildFolder folder;
-  const BuildResult built = build_text(folder, text_of(entries, shape.padding), shape.file, {.key_fields = 1U << kKeyCw | 1U << kKeyId});
-  ASSERT_TRUE(built.done) << built.log;
-  EXPECT_EQ(built.figures.entries, shape.entries);
-  Expected by_hw, by_cw, by_id;
-  expect_all(entries, by_hw, by_cw, by_id);
-  Asked asked(folder, shape.file);
-  const std::pair<int, const Expected*> keys[] = {{kKeyHw, &by_hw}, {kKeyCw, &by_cw}, {kKeyId, &by_id}};
-  for (const auto& [field, expected] : keys) {
-    for (const auto& [key, ids] : *expected) {
-      EXPECT_EQ(asked.ids(field, key), ids) << field << " " << key;
-      // Neighbours that are not there.
-      if (expected->contains(key + "!")) continue;
-      EXPECT_EQ(asked.ids(field, key + "!"), "") << field << " " << key;
+TEST(Builder, FindsEveryRecordOnceByEachKey) {
+  for (const Shape& shape : kShapes) {
+    SCOPED_TRACE(shape.name);
+    const std::vector<Generated> entries = generate(shape);
+    const Folder folder;
+    const BuildResult built = build_text(folder, text_of(entries, shape.padding), shape.file, {.key_fields = 1U << kKeyCw | 1U << kKeyId});
+    ASSERT_TRUE(built.done) << built.log;
+    EXPECT_EQ(built.figures.entries, shape.entries);
+    Expected by_hw, by_cw, by_id;
+    expect_all(entries, by_hw, by_cw, by_id);
+    Asked asked(folder, shape.file);
+    const std::pair<int, const Expected*> keys[] = {{kKeyHw, &by_hw}, {kKeyCw, &by_cw}, {kKeyId, &by_id}};
+    for (const auto& [field, expected] : keys) {
+      for (const auto& [key, ids] : *expected) {
+        EXPECT_EQ(asked.ids(field, key), ids) << field << " " << key;
+        // Neighbours that are not there.
+        if (expected->contains(key + "!")) continue;
+        EXPECT_EQ(asked.ids(field, key + "!"), "") << field << " " << key;
+      }
+      EXPECT_EQ(asked.ids(field, "\xff\xff\xff"), "") << field;
     }
-    EXPECT_EQ(asked.ids(field, "\xff\xff\xff"), "") << field;
+    EXPECT_EQ(asked.ids(kKeyCw, ""), "") << "an absent text is no key";
+    const ToolResult check = check_of(folder, shape.file);
+    EXPECT_TRUE(check.done) << check.log;
+    EXPECT_EQ(check.out, std::to_string(shape.entries) + " records");
   }
-  EXPECT_EQ(asked.ids(kKeyCw, ""), "") << "an absent text is no key";
-  const ToolResult check = check_of(folder, shape.file);
-  EXPECT_TRUE(check.done) << check.log;
-  EXPECT_EQ(check.out, std::to_string(shape.entries) + " records");
 }
 
-TEST_P(GeneratedDictionary, ListedAndBuiltAgainIsTheSame) {
-  const Shape& shape = GetParam();
-  const BuildFolder first;
-  const BuildFolder second;
-  ASSERT_TRUE(build_text(first, text_of(generate(shape), shape.padding), shape.file).done);
-  const ToolResult list = list_of(first, shape.file);
-  EXPECT_TRUE(list.done) << list.log;
-  ASSERT_TRUE(build_text(second, list.out, shape.file).done);
-  EXPECT_EQ(bytes_of(first.path(shape.file)), bytes_of(second.path(shape.file)));
-  const std::string index = index_name_of(shape.file);
-  EXPECT_EQ(bytes_of(first.path(index)), bytes_of(second.path(index)));
-  EXPECT_EQ(list_of(second, shape.file).out, list.out);
+TEST(Builder, ListedAndBuiltAgainIsTheSame) {
+  for (const Shape& shape : kShapes) {
+    SCOPED_TRACE(shape.name);
+    const Folder first;
+    const Folder second;
+    ASSERT_TRUE(build_text(first, text_of(generate(shape), shape.padding), shape.file).done);
+    const ToolResult list = list_of(first, shape.file);
+    EXPECT_TRUE(list.done) << list.log;
+    ASSERT_TRUE(build_text(second, list.out, shape.file).done);
+    EXPECT_EQ(bytes_of(first.path(shape.file)), bytes_of(second.path(shape.file)));
+    const std::string index = index_name_of(shape.file);
+    EXPECT_EQ(bytes_of(first.path(index)), bytes_of(second.path(index)));
+    EXPECT_EQ(list_of(second, shape.file).out, list.out);
+  }
 }
-
-INSTANTIATE_TEST_SUITE_P(Shapes, GeneratedDictionary, ::testing::ValuesIn(kShapes), [](const auto& instance) { return instance.param.name; });
 
 TEST(Builder, SortingInTemporaryFilesGivesTheSame) {
   const Shape shape = {"", 20000, 4000, 3000, 40, 0, "words.dic"};
   const std::string text = text_of(generate(shape), shape.padding);
-  const BuildFolder roomy;
-  const BuildFolder tight;
+  const Folder roomy;
+  const Folder tight;
   ASSERT_TRUE(build_text(roomy, text).done);
   ASSERT_TRUE(build_text(tight, text, "words.dic", {.memory = 1}).done);
   EXPECT_EQ(bytes_of(roomy.path("words.dic")), bytes_of(tight.path("words.dic")));
@@ -166,7 +157,7 @@ TEST(Builder, SortingInTemporaryFilesGivesTheSame) {
 TEST(Builder, AKeyIsEnteredOnceForEachBlock) {
   std::string text;
   for (int i = 0; i < 50; ++i) text += "[w" + std::to_string(i) + "]{" + std::to_string(i) + "} \"same\" (N);\n";
-  const BuildFolder folder;
+  const Folder folder;
   ASSERT_TRUE(build_text(folder, text).done);
   Asked asked(folder);
   EXPECT_EQ(asked.groups(kKeyCw, "same"), 1);
@@ -185,7 +176,7 @@ std::string hex(const std::string& bytes, std::size_t from, std::size_t length) 
 }
 
 TEST(Builder, WritesTheLayoutsByteForByte) {
-  const BuildFolder folder;
+  const Folder folder;
   ASSERT_TRUE(build_text(folder, "[ab]{i} g \"c\" (N,V) <ES,258,7>;X[e]{f}\n", "short.dic").done);
   const std::string dictionary = bytes_of(folder.path("short.dic"));
   const std::string index = bytes_of(folder.path("short.idx"));
@@ -212,7 +203,7 @@ TEST(Builder, TheNameDecidesTheSlots) {
       {"version.1.2.dic", "version_1_2.idx", 138}, {"no_extension", "no_extension.idx", 138},
   };
   for (const auto& [name, index, slot_size] : rows) {
-    const BuildFolder folder;
+    const Folder folder;
     const BuildResult built = build_text(folder, "[a]{7} \"c\" (N);\n", name);
     ASSERT_TRUE(built.done) << built.log;
     EXPECT_EQ(built.figures.index, folder.path(index));
@@ -248,41 +239,13 @@ TEST(Builder, ListWritesWhatWasRead) {
       {"\t [\xc3\xa4\xff]{\x80} \"\xe4\xb8\xad\" (\xc3\x9f);", "[\xc3\xa4\xff]{\x80} \"\xe4\xb8\xad\" (\xc3\x9f) <.,0,0>;"},
   };
   for (const auto& [line, listed] : rows) {
-    const BuildFolder folder;
+    const Folder folder;
     const BuildResult built = build_text(folder, std::string(line) + "\n");
     ASSERT_TRUE(built.done) << line << "\n" << built.log;
     EXPECT_EQ(list_of(folder).out, std::string(listed) + "\n") << line;
     const std::string bytes = bytes_of(folder.path("words.dic"));
     ASSERT_TRUE(build_text(folder, std::string(listed) + "\n").done) << listed;
     EXPECT_EQ(bytes_of(folder.path("words.dic")), bytes) << line;
-  }
-}
-
-// Calls `visit` with every text of up to `length` of these letters.
-template <typename Visit>
-void for_each_text(std::string_view letters, std::size_t length, const Visit& visit, const std::string& text = {}) {
-  visit(text);
-  if (text.size() == length) return;
-  for (const char letter : letters) for_each_text(letters, length, visit, text + letter);
-}
-
-TEST(Builder, EveryRecordThatTextCanMakeHasATextForm) {
-  const std::tuple<const char*, const char*, const char*> rows[] = {
-      {"[", "[]\\{ a", "]{i} g \"b\" (c) <.,1,2>;\n"}, {"[a]{i}", "\"( \ta{", "\"b\" (c) <.,1,2>;\n"}, {"[a]{i} g \"", "\"{}( a", "\" (c) <.,1,2>;\n"},
-      {"[a]{i} g \"b\" (", "(), a<;", ") <.,1,2>;\n"}, {"[a]{i} g \"b\" (c)", " ;[]{}a.", "\n"},
-  };
-  for (const auto& [before, letters, behind] : rows) {
-    int parsed = 0;
-    for_each_text(letters, 5, [&, front = before, end = behind](const std::string& text) {
-      WordEntry* word = nullptr;
-      const std::string line = front + text + end;
-      if (parse_entry(session, line.c_str(), word, EntryStorage::sentence_pool) != Status::ok) return;
-      ++parsed;
-      std::string written;
-      EXPECT_TRUE(entry_line_write(session, record_of(*word), written)) << line << written;
-      parsed_entry_free(session, word, EntryStorage::sentence_pool);
-    });
-    EXPECT_GT(parsed, 1000) << before;
   }
 }
 
@@ -296,7 +259,7 @@ TEST(Builder, LinesAroundEntries) {
       {"[a]{} \"b\" (c)\r\n[A]{} \"b\" (c)", "[A]{} \"b\" (c) <.,0,0>;\n[a]{} \"b\" (c) <.,0,0>;\n"},
   };
   for (const auto& [text, listed] : rows) {
-    const BuildFolder folder;
+    const Folder folder;
     const BuildResult built = build_text(folder, text);
     EXPECT_TRUE(built.done) << built.log;
     EXPECT_EQ(list_of(folder).out, listed) << text;
@@ -325,7 +288,7 @@ TEST(Builder, BadLinesAreReportedWithTheirPlace) {
       {"[a]{} \"" + filled(1004) + "\" (c);\n", "entries.txt:2: the cw has 1004 bytes, and a key of the index at most 1003\n"},
   };
   for (const auto& [text, message] : rows) {
-    const BuildFolder folder;
+    const Folder folder;
     const BuildResult strict = build_text(folder, good + text);
     EXPECT_FALSE(strict.done) << message;
     EXPECT_EQ(strict.log.find(message), 0U) << strict.log;
@@ -347,7 +310,7 @@ TEST(Builder, TheLargestThatFits) {
       {"[" + filled(888) + "]{} \"b\" (c);\n", "ninechars.dic", false},
   };
   for (const auto& [text, name, fits] : rows) {
-    const BuildFolder folder;
+    const Folder folder;
     EXPECT_EQ(build_text(folder, text + text, name).done, fits) << name << " " << text.size();
     EXPECT_EQ(check_of(folder, name).done, fits);
   }
@@ -363,7 +326,7 @@ TEST(Builder, RefusesOutputsThatWouldDestroySomething) {
       {filled(125) + ".dic", "the index name is too long\n"},
   };
   for (const auto& [name, message] : rows) {
-    const BuildFolder folder;
+    const Folder folder;
     std::filesystem::create_directory(folder.path("folder"));
     const BuildResult built = build_text(folder, "[a]{} \"b\" (c);\n", name);
     EXPECT_FALSE(built.done) << name;
@@ -373,7 +336,7 @@ TEST(Builder, RefusesOutputsThatWouldDestroySomething) {
 }
 
 TEST(Builder, AFailedBuildLeavesTheOldDictionary) {
-  const BuildFolder folder;
+  const Folder folder;
   ASSERT_TRUE(build_text(folder, "[a]{1} \"b\" (c);\n").done);
   EXPECT_FALSE(build_text(folder, "[a]{2} \"b\" (c);\nbad\n").done);
   EXPECT_EQ(Asked(folder).ids(kKeyHw, "a"), "1");
@@ -395,25 +358,6 @@ TEST(Builder, BlockNumbersEndAt65535) {
     if (result == PackResult::ok) result = packer.finish();
     EXPECT_EQ(result, expected) << first << " " << blocks;
   }
-}
-
-// ---- a dictionary of pairs, relations and chains of superior things
-
-TEST(Builder, BuildsACooccurrenceDictionary) {
-  const BuildFolder folder;
-  const std::string text =
-      "[makeattdecision]{1} \"\" () <.,0,200>;\n"
-      "[att]{2} \"\" () <.,0,5>;\n"
-      "[]{3} \"supatt\" () <.,0,9>;\n"
-      "[att]{4} \"\" () <.,0,6>;\n"
-      "[]{5} \"supatt\" () <.,0,8>;\n"
-      "[any]{6} \"sup#class\" () <.,0,8>;\n";
-  ASSERT_TRUE(build_text(folder, text).done);
-  Asked asked(folder);
-  const std::tuple<int, const char*, const char*> rows[] = {
-      {kKeyHw, "makeattdecision", "1"}, {kKeyHw, "att", "2 4"}, {kKeyHw, "takeattdecision", ""}, {kKeyCw, "supatt", "3 5"}, {kKeyCw, "sup#class", "6"},
-  };
-  for (const auto& [field, key, ids] : rows) EXPECT_EQ(asked.ids(field, key), ids) << key;
 }
 
 }  // namespace

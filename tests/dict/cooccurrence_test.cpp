@@ -1,17 +1,13 @@
 #include "dict/cooccurrence.hpp"
 
-#include <gtest/gtest.h>
-
-#include <cstring>
-#include <sstream>
-
 #include "data/pool.hpp"
 #include "data/words.hpp"
+#include "support/built_dictionary.hpp"
 #include "support/capture.hpp"
 #include "support/list_text.hpp"
 #include "support/rules.hpp"
 #include "support/session.hpp"
-#include "support/test_dictionary.hpp"
+#include "support/test.hpp"
 
 namespace lexon::test {
 namespace {
@@ -36,7 +32,7 @@ std::string ids_of(const WordEntry* chain) {
   return text;
 }
 
-struct Asked {
+struct Question {
   const char* name;
   const char* dictionary;
   const char* rule;
@@ -48,7 +44,7 @@ struct Asked {
 };
 
 // The score, the two lists, and the ids of the chain that is left.
-std::string checked(const Asked& asked, bool stop = false) {
+std::string checked(const Question& asked, bool stop = false) {
   session.pool.release_all();
   sentence_clear(session);
   const Rule* rule = rules_of(asked.rule);
@@ -65,7 +61,7 @@ std::string checked(const Asked& asked, bool stop = false) {
 constexpr const char* kLeft = ":\"[x]:::att\"{N}P1;";   // first text of the right word, second of the left one
 constexpr const char* kRight = ":{N}\"[x]:::att\"P1;";  // the other way round
 
-const Asked kChecks[] = {
+const Question kChecks[] = {
     {"the best word goes to the front, a tie keeps the first", "dogatta 5 dogattb 9 dogattc 9", kLeft, "a|b|c", "dog", Side::left, "", "9: b|a|c & dog;"},
     {"on the right side", "dogatta 5 dogattb 9", kRight, "dog", "a|b", Side::right, "", "9: dog & b|a;"},
     {"a role on the other pattern turns the texts", "aattdog 5 battdog 9", ":\"[x]\"{N:::att}P1;", "a|b", "dog", Side::left, "", "9: b|a & dog;"},
@@ -92,7 +88,7 @@ const Asked kChecks[] = {
 };
 
 TEST(Cooccurrence, Check) {
-  for (const Asked& asked : kChecks) {
+  for (const Question& asked : kChecks) {
     SCOPED_TRACE(asked.name);
     Capture output;
     EXPECT_EQ(checked(asked), asked.result);
@@ -112,7 +108,7 @@ TEST(Cooccurrence, WithoutDictionaryEveryRulePasses) {
   session.state.trace_level = 0;
 }
 
-std::string traced(int level, const Asked& asked) {
+std::string traced(int level, const Question& asked) {
   session.state.trace_level = static_cast<std::int8_t>(level);
   std::strcpy(session.state.trace_indent, "\t");
   Capture output;
@@ -124,7 +120,7 @@ std::string traced(int level, const Asked& asked) {
 
 TEST(Cooccurrence, Trace) {
   const std::string rule_line = "\t:\"[x]:::att\"{N:::}P1;\n";
-  const Asked by_chain{"", "att>m1 2 att>m2 1 dogm2a 7 dogattb 5", kLeft, "a|b", "dog", Side::left, "", ""};
+  const Question by_chain{"", "att>m1 2 att>m2 1 dogm2a 7 dogattb 5", kLeft, "a|b", "dog", Side::left, "", ""};
   const std::string start = "\t;;checking CR for rule:\n" + rule_line;
   EXPECT_EQ(traced(1, by_chain), "");
   EXPECT_EQ(traced(2, by_chain), start + "\t;;CR selected: att(dog,a)=7;\n");
@@ -132,9 +128,9 @@ TEST(Cooccurrence, Trace) {
                                      "\t;;CR checked: m2(dog,a)=7\n"
                                      "\t;;CR checked: att(dog,b)=5\n"
                                      "\t;;CR selected: att(dog,a)=7;\n");
-  const Asked none{"", "att>m1 2", kLeft, "a", "dog", Side::left, "", ""};
+  const Question none{"", "att>m1 2", kLeft, "a", "dog", Side::left, "", ""};
   EXPECT_EQ(traced(3, none), start + "\t;;CR checked: att(dog,a)=0\n\t;;CR selected: att(dog,a)=0;\n");
-  const Asked retry{"", "dogm3a 5", kLeft, "a", "dog", Side::left, "x~m2|x~m3", ""};
+  const Question retry{"", "dogm3a 5", kLeft, "a", "dog", Side::left, "x~m2|x~m3", ""};
   EXPECT_EQ(traced(3, retry), start + "\t;;CR checked: m2(dog,a)=5\n\t;;CR selected: m2(dog,a)=5;\n");
 }
 

@@ -1,15 +1,11 @@
 // Dictionaries written byte by byte, and what they answer.
 #pragma once
 
-#include <gtest/gtest.h>
-
-#include <string>
-#include <vector>
-
 #include "data/pool.hpp"
 #include "dict/dictionary.hpp"
 #include "support/capture.hpp"
 #include "support/session.hpp"
+#include "support/test.hpp"
 
 namespace lexon::test {
 

@@ -1,16 +1,12 @@
 // Lookups in small dictionaries, their slots, records and key order.
 
-#include <gtest/gtest.h>
 #include <sys/stat.h>
 #include <unistd.h>
-
-#include <filesystem>
-#include <string>
-#include <utility>
 
 #include "dict/dict_bytes.hpp"
 #include "dict/dict_record.hpp"
 #include "support/session.hpp"
+#include "support/test.hpp"
 
 namespace lexon::test {
 namespace {
@@ -88,6 +84,43 @@ TEST(Lookup, WithoutIndexTheRootChainIsScanned) {
   EXPECT_EQ(dictionary.find(kKeyHw, "d", false), "none");  // in another chain
   EXPECT_EQ(dictionary.find(kKeyCw, "v", false), "b");
   EXPECT_EQ(dictionary.find(kKeyCw, "x", false), "none");
+}
+
+// A chain that cannot be read or runs in a circle ends, and what has been found stands; only a block of the wrong type,
+// and an index that cannot be read, refuse the lookup.
+TEST(Lookup, DamagedFilesEndALookupCleanly) {
+  const std::string head = header_of(1, 1, 2, 2);
+  const std::string full = head + kWords + kCwKeys;
+  const std::string tree = index_block(entry("a", 2)) + index_block(entry("u", 3));
+  const std::string two = record("a", "u") + record("b", "u");
+  const std::string bad_end = sized(text("b") + text("") + text("u") + u16(9) + u16(8) + "12345678");
+  const std::string index_circle = index_block("", 2) + index_block("", 3) + index_block(entry("a", 2), 4) + index_block("", 2);
+  const std::tuple<const char*, std::string, std::string, int, const char*, const char*> rows[] = {
+      {"truncated index block", full, kFlatIndex.substr(0, 1023), kKeyHw, "a", "22"},
+      {"index entry past the used length", full, index_block(entry("a", 2) + "\1"), kKeyHw, "b", "22"},
+      {"index blocks in a circle", full, index_circle, kKeyHw, "b", "b,b"},
+      {"index without entries", full, index_block(""), kKeyHw, "b", "none"},
+      {"data where keys should be", head + data(two) + data(two), tree, kKeyCw, "u", "202"},
+      {"keys in the middle of a data chain", head + data(two, 3) + keys(""), tree, kKeyHw, "c", "203"},
+      {"words found are dropped at a wrong type", head + data(record("a", "u"), 4) + keys(entry("u", 2)) + keys(""), tree, kKeyCw, "u", "203"},
+      {"the chain ends where it cannot be read", head + data(record("a", ""), 7), tree, kKeyHw, "a", "a"},
+      {"data blocks in a circle", head + data(record("a", "x"), 3) + data(record("a", "y"), 4) + data("", 3), tree, kKeyHw, "b", "none"},
+      {"block number 1 reads as 2", head + data(two), index_block(entry("a", 1)), kKeyHw, "b", "b"},
+      {"record of size 0", head + data(record("a", "u") + u16(0) + two), tree, kKeyHw, "b", "none"},
+      {"used length beyond the block", head + dict_block(1, two, 0, 65535), tree, kKeyHw, "b", "b"},
+      {"a damaged record is passed over", head + data(bad_end + record("b", "u")), tree, kKeyHw, "b", "b"},
+  };
+  for (const auto& [what, dictionary, index, field, key, result] : rows) {
+    EXPECT_EQ(TestedDictionary(dictionary, index).find(field, key), result) << what;
+  }
+}
+
+TEST(Lookup, AStopEndsIt) {
+  TestedDictionary dictionary(header_of(1, 1, 2, 2) + kWords + kCwKeys, kFlatIndex);
+  session.stop_requested = true;
+  EXPECT_EQ(dictionary.find(kKeyCw, "u", false), "120");
+  session.stop_requested = false;
+  EXPECT_EQ(dictionary.find(kKeyHw, "a"), "a");
 }
 
 TEST(Lookup, FlatteningJoinsAllGroups) {

@@ -1,18 +1,15 @@
 // The two files of a dictionary belong to each other: what a broken-off build leaves, which pairs are refused, and
 // which index a build replaces.
 
-#include <gtest/gtest.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include <cerrno>
-#include <cstdio>
-#include <filesystem>
-#include <string>
 
 #include "dict/pair_stamp.hpp"
 #include "support/built_dictionary.hpp"
 #include "support/capture.hpp"
+#include "support/test.hpp"
 
 namespace {
 
@@ -42,7 +39,7 @@ std::string entries_of(const std::string& id, std::size_t gloss = 0) {
 }
 
 // The id of the one word, or why the pair is refused, without the name of the folder.
-std::string opened(const BuildFolder& folder, PairCheck check, const std::string& name = "words.dic") {
+std::string opened(const Folder& folder, PairCheck check, const std::string& name = "words.dic") {
   Dictionary dictionary;
   if (!dictionary_open(folder.path(name), check, dictionary)) {
     return "refused: " + dictionary.fault.substr(folder.path("").size(), 9);
@@ -58,7 +55,7 @@ TEST(Pair, ABrokenOffBuildLeavesTheOldPairTheNewOneOrWhatIsRefused) {
   for (const Row& row : {Row{1, "old"}, Row{2, "old"}, Row{3, "refused: words.dic"}, Row{4, "new"}}) {
     for (const bool kills : {true, false}) {
       for (const bool has_old_stamp : {true, false}) {
-        const BuildFolder folder;
+        const Folder folder;
         ASSERT_TRUE(build_text(folder, entries_of("old")).done);
         if (!has_old_stamp) fs::remove(folder.path("words.idx.stamp"));
         rename_kills = kills;
@@ -116,7 +113,7 @@ TEST(Pair, WhatIsNotOfOneBuildIsRefused) {
     return all;
   };
   for (const Row& row : rows) {
-    const BuildFolder folder;
+    const Folder folder;
     ASSERT_TRUE(build_text(folder, text("2", "B")).done);
     const std::string go = "cd '" + folder.path("") + "' && ";
     ASSERT_EQ(std::system((go + "mkdir other && mv words.* other").c_str()), 0);
@@ -155,7 +152,7 @@ TEST(Pair, ABuildReplacesItsOwnIndexAlone) {
       {"a link to a foreign file", "", "echo text >b; ln -s b a.idx", "a.dic", "a.idx: is there and is not"},
   };
   for (const Row& row : rows) {
-    const BuildFolder folder;
+    const Folder folder;
     const bool is_built = *row.before == '\0' || build_text(folder, entries_of("1"), row.before).done;
     ASSERT_TRUE(is_built) << row.what;
     ASSERT_EQ(std::system(("cd '" + folder.path("") + "' && " + row.command).c_str()), 0) << row.what;

@@ -1,11 +1,8 @@
-#include <gtest/gtest.h>
-
-#include <string>
-
 #include "engine/application.hpp"
 #include "engine/apply.hpp"
 #include "support/session.hpp"
 #include "support/step.hpp"
+#include "support/test.hpp"
 
 namespace lexon::test {
 namespace {

@@ -1,13 +1,10 @@
 #include "engine/apply.hpp"
 
-#include <gtest/gtest.h>
-
-#include <string>
-
 #include "data/words.hpp"
 #include "engine/application.hpp"
 #include "support/session.hpp"
 #include "support/step.hpp"
+#include "support/test.hpp"
 
 namespace lexon::test {
 namespace {

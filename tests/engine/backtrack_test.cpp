@@ -4,9 +4,9 @@
 
 #include "data/pool.hpp"
 #include "data/words.hpp"
+#include "support/built_dictionary.hpp"
 #include "support/search.hpp"
 #include "support/session.hpp"
-#include "support/test_dictionary.hpp"
 
 namespace lexon::test {
 namespace {

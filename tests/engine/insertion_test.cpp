@@ -1,13 +1,10 @@
-#include <gtest/gtest.h>
-
-#include <utility>
-
 #include "data/words.hpp"
 #include "engine/literal.hpp"
 #include "engine/match.hpp"
+#include "support/built_dictionary.hpp"
 #include "support/session.hpp"
 #include "support/step.hpp"
-#include "support/test_dictionary.hpp"
+#include "support/test.hpp"
 
 namespace lexon::test {
 namespace {

@@ -1,13 +1,10 @@
 #include "engine/loop.hpp"
 
-#include <gtest/gtest.h>
-
-#include <string>
-
 #include "data/words.hpp"
 #include "engine/scope_entry.hpp"
 #include "support/grammar.hpp"
 #include "support/step.hpp"
+#include "support/test.hpp"
 
 namespace lexon::test {
 namespace {
@@ -42,8 +39,8 @@ TEST(Walk, EndsWithItsListAndStatus) {
   }
 }
 
-// It stays the target and equals no node: no word and no rule is tried on the way back. The window in hand is not at
-// the beginning, so the search counts as finished.
+// It stays the target and equals no node: no word and no rule is tried on the way back. The window is not at the
+// beginning, so the search counts as finished.
 TEST(Walk, WithATargetThatIsGoneCountsAsFinished) {
   use_rules("?L{B}{STAIL}P9;\nR{SHEAD}{W}P5;\nR{W}{STAIL}P1;");
   session.state.forced_node = &session.gone;

@@ -1,12 +1,9 @@
 #include "engine/post_edit.hpp"
 
-#include <gtest/gtest.h>
-
-#include <string>
-
 #include "engine/post_edit_rule.hpp"
 #include "support/grammar.hpp"
 #include "support/step.hpp"
+#include "support/test.hpp"
 
 namespace lexon::test {
 namespace {

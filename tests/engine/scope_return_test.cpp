@@ -1,11 +1,9 @@
 #include "engine/scope_return.hpp"
 
-#include <gtest/gtest.h>
-#include <cstdint>
-
 #include "data/chain.hpp"
 #include "support/grammar.hpp"
 #include "support/search.hpp"
+#include "support/test.hpp"
 
 namespace lexon::test {
 namespace {

@@ -1,11 +1,8 @@
 #include "engine/trace.hpp"
 
-#include <gtest/gtest.h>
-
-#include <string>
-
 #include "support/session.hpp"
 #include "support/step.hpp"
+#include "support/test.hpp"
 
 namespace lexon::test {
 namespace {

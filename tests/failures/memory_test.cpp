@@ -4,11 +4,8 @@
 //
 // By default a case tries a bounded number of allocations, spread over the run. LEXON_EXHAUSTIVE tries every one, but of
 // the long case "english" only if it is the value.
-#include <gtest/gtest.h>
 
-#include <algorithm>
-#include <cstdlib>
-#include <filesystem>
+#include <atomic>
 #include <new>
 
 #include "data/pool.hpp"
@@ -20,38 +17,47 @@
 #include "support/capture.hpp"
 #include "support/program.hpp"
 #include "support/session.hpp"
+#include "support/test.hpp"
 #include "whole_run.hpp"
 
 #if defined(__SANITIZE_ADDRESS__)
+#include <sanitizer/allocator_interface.h>
 #include <sanitizer/lsan_interface.h>
 #endif
 
+namespace {
+std::atomic<long> living = 0;
+}
+
 // Out of line: seen through, the pairs look mismatched to the compiler.
-[[gnu::noinline]] void* operator new(std::size_t size) {
+[[gnu::noinline]] void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
   void* memory = lexon::test::refused.refuses() ? nullptr : std::malloc(size == 0 ? 1 : size);
-  if (memory == nullptr) throw std::bad_alloc();
+  living += memory != nullptr ? 1 : 0;
   return memory;
 }
-[[gnu::noinline]] void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
-  return lexon::test::refused.refuses() ? nullptr : std::malloc(size == 0 ? 1 : size);
+[[gnu::noinline]] void* operator new(std::size_t size) {
+  void* memory = operator new(size, std::nothrow);
+  if (memory == nullptr) throw std::bad_alloc();
+  return memory;
 }
 [[gnu::noinline]] void* operator new[](std::size_t size) {
   return operator new(size);
 }
-[[gnu::noinline]] void operator delete[](void* memory) noexcept {
-  std::free(memory);
-}
-[[gnu::noinline]] void operator delete[](void* memory, std::size_t) noexcept {
-  std::free(memory);
-}
 [[gnu::noinline]] void operator delete(void* memory) noexcept {
+  living -= memory != nullptr ? 1 : 0;
   std::free(memory);
 }
 [[gnu::noinline]] void operator delete(void* memory, const std::nothrow_t&) noexcept {
-  std::free(memory);
+  operator delete(memory);
 }
 [[gnu::noinline]] void operator delete(void* memory, std::size_t) noexcept {
-  std::free(memory);
+  operator delete(memory);
+}
+[[gnu::noinline]] void operator delete[](void* memory) noexcept {
+  operator delete(memory);
+}
+[[gnu::noinline]] void operator delete[](void* memory, std::size_t) noexcept {
+  operator delete(memory);
 }
 
 namespace lexon::test {
@@ -180,6 +186,40 @@ std::string case_name(const ::testing::TestParamInfo<std::string>& info) {
 
 INSTANTIATE_TEST_SUITE_P(Runs, Memory, ::testing::ValuesIn(run_case_names()), case_name);
 
+TEST(ShortReads, AreReadOn) {
+  const RunCase golden("choice-pair");
+  const RunCase::Result expected = golden.run(true);
+  const ShortReads all_short;
+  EXPECT_EQ(golden.run(true).output, expected.output);
+}
+
+// What operators new have given and operators delete have not taken back; where a sanitizer counts, all bytes in use.
+long in_use() {
+#if defined(__SANITIZE_ADDRESS__)
+  return static_cast<long>(__sanitizer_get_current_allocated_bytes());
+#else
+  return living;
+#endif
+}
+
+// One run behind the other, LEXON_RUNS of each case, with sentences that are good, fail or are malformed.
+TEST(Endurance, NeitherMemoryNorOpenFilesGrow) {
+  const char* wanted = std::getenv("LEXON_RUNS");
+  const long runs = wanted == nullptr ? 150 : std::strtol(wanted, nullptr, 10);
+  for (const char* name : {"english", "reading-errors", "search-failed-scope"}) {
+    const RunCase golden(name);
+    const std::string first = golden.run(true).output;
+    const std::size_t files = open_files();
+    long most = 0;  // behind a run of the first third
+    for (long run = 0; run < runs; ++run) {
+      ASSERT_EQ(golden.run(run % 2 == 0).output, first) << name << ", run " << run;
+      ASSERT_EQ(open_files(), files) << name << ", run " << run;
+      if (run < runs / 3) most = std::max(most, in_use());
+      ASSERT_LE(in_use(), most) << name << ", run " << run;
+    }
+  }
+}
+
 // The dictionary tool: what it calls, what it prints, and what it leaves.
 class ToolMemory : public ::testing::Test {
  protected:
@@ -238,7 +278,7 @@ class ToolMemory : public ::testing::Test {
   }
 
   static constexpr std::int64_t kFar = std::int64_t{1} << 40;
-  BuildFolder folder_;
+  Folder folder_;
   std::string entries_;
   std::string kept_;
   std::vector<std::string> names_;

@@ -1,15 +1,13 @@
 // Temporary files and drafts: private, under names that nobody can guess, and gone whatever happens. No shell.
 #include <fcntl.h>
-#include <gtest/gtest.h>
 #include <signal.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <filesystem>
-
 #include "data/platform.hpp"
 #include "support/capture.hpp"
 #include "support/program.hpp"
+#include "support/test.hpp"
 
 namespace lexon::test {
 namespace {

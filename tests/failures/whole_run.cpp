@@ -1,18 +1,9 @@
 #include "whole_run.hpp"
 
 #include <fcntl.h>
-#include <gtest/gtest.h>
 #include <unistd.h>
 
-#include <algorithm>
-#include <array>
-#include <cstdlib>
-#include <filesystem>
-#include <memory>
 #include <new>
-#include <span>
-#include <sstream>
-#include <utility>
 
 #include "data/pool.hpp"
 #include "dict/index.hpp"
@@ -21,6 +12,7 @@
 #include "run/driver.hpp"
 #include "support/capture.hpp"
 #include "support/program.hpp"
+#include "support/test.hpp"
 
 namespace fs = std::filesystem;
 

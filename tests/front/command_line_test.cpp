@@ -1,9 +1,6 @@
 #include "front/command_line.hpp"
 
-#include <gtest/gtest.h>
-
-#include <filesystem>
-#include <vector>
+#include "support/test.hpp"
 
 namespace lexon {
 namespace {

@@ -1,8 +1,6 @@
 #include "graph/line_text.hpp"
 
-#include <gtest/gtest.h>
-
-#include <string>
+#include "support/test.hpp"
 
 namespace lexon {
 namespace {

@@ -1,13 +1,10 @@
 #include "graph/graph_nodes.hpp"
 
-#include <gtest/gtest.h>
-
-#include <string>
-
 #include "data/pool.hpp"
+#include "support/built_dictionary.hpp"
 #include "support/graph_text.hpp"
 #include "support/session.hpp"
-#include "support/test_dictionary.hpp"
+#include "support/test.hpp"
 
 namespace lexon::test {
 namespace {

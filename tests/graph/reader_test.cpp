@@ -1,13 +1,10 @@
 #include "graph/reader.hpp"
 
-#include <gtest/gtest.h>
-
-#include <string>
-
 #include "data/pool.hpp"
 #include "support/capture.hpp"
 #include "support/graph_text.hpp"
 #include "support/session.hpp"
+#include "support/test.hpp"
 
 namespace lexon::test {
 namespace {

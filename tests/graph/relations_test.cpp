@@ -1,12 +1,9 @@
 #include "graph/relations.hpp"
 
-#include <gtest/gtest.h>
-
-#include <string>
-
 #include "data/chain.hpp"
 #include "support/graph_text.hpp"
 #include "support/session.hpp"
+#include "support/test.hpp"
 
 namespace lexon::test {
 namespace {

@@ -1,10 +1,7 @@
 #include "graph/graph_words.hpp"
 
-#include <gtest/gtest.h>
-
-#include <string>
-
 #include "support/graph_text.hpp"
+#include "support/test.hpp"
 
 namespace lexon::test {
 namespace {

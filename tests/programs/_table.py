@@ -62,6 +62,36 @@ def targets_left(parts):
     return [parts[4], parts[5], f"[S:hungry]\n{hungry}[/S]\n"]
 
 
+def hard_texts(some):
+    """Texts whose sentences are hard to part: a name, the pieces, switches. `some`: a list of sentences, ten or more."""
+    open_end = some[0].replace("[/S]\n", "")
+    return [
+        ("plain", some[:30], "-N0"),
+        ("fewer than workers", some[:3], "-N0"),
+        ("nothing", [], "-N0"),
+        ("blanks", ["\n \n"], "-N0"),
+        ("no end", [*some[:5], open_end], "-N0"),
+        ("text behind the last", [*some[:5], "; text\nnxt(\n"], "-N0"),
+        ("text between sentences", ["\ufeff; text\n", *[s + "\u00e9 \udce9 [S stray\n\n {x}\n{/x}\n" for s in some[:9]]], "-N0"),
+        ("an open tag", [*some[:5], "{hide}\n", *some[:5]], "-N0"),
+        ("tags across ends", ["{note}\n[/S]\n{/note}\n", some[0], "{a}\n{b}\n[/S]\n{//b}\n", *some[:4]], "-N0"),
+        ("ends in blocks", ["[S:1]\n[W]\n[/S]\ndog.@entry\n[/W]\n[/S]\n[R]\n[/S]\n[/R]\n", *some[:4]], "-N0"),
+        ("an open block", [*some[:5], "[S:6]\n[W]\ndog.@entry\n", *some[:3]], "-N0"),
+        ("CR LF", [s.replace("\n", "\r\n") for s in some[:9]] + ["nxt(\r\n"], "-N0"),
+        ("ends in long lines", ["x" * 1023 + "[/S]" + "y" * 2000 + "\n", some[0], ";" * 1023 + "[/S]\n", *some[:4]], "-N0"),
+        ("an end that is longer than a line", [some[0][:-1], "x" * 2100, "\n[S]\nnxt(\n[/S]\n", some[1]], "-N0"),
+        ("a zero", [some[0], ";\0[/S]\n", *some[:4]], "-N0"),
+        ("bad lines", ["[S:1]\nagn(dog\n[/S]\n", open_end + "nxt a b\n.x(,)\n[/S]\n", "stray(a, b)\n", *some[:4], "[S]\nq\n[/S]\n"], "-N0"),
+        ("from the fourth on", some[:9], "-S4 -N3"),
+        ("from the fourth to the end", some[:30], "-S4 -N0"),
+        ("more than there are", some[:5], "-S2 -N9"),
+        ("behind the last", some[:3], "-S5 -N0"),
+        ("skipped by another mark", [some[0].replace("[/S]", "[/T]"), "  [/S]\n", *some[:6]], "-S2 -N0"),
+        ("counted from below", some[:9], "-S-1 -N5"),
+        ("one alone", some[:3], "-N-3"),
+    ]
+
+
 def output(words, target, statuses=(0, 3)):
     """What a run writes, without its time lines."""
     made = run("lexon", *words, folder=target)

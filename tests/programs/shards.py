@@ -15,30 +15,6 @@ GOLDEN = table.ROOT / "tests" / "golden"
 DOG = "[S:{}]\natt(dog.@entry, dog)\n[/S]\n"
 MANY = [DOG.format(i) for i in range(30)]
 
-# What makes borders hard to find: a name, the input, switches.
-TEXTS = [
-    ("plain", MANY, "-N0"),
-    ("more parts than sentences", MANY[:3], "-N0"),
-    ("nothing", [], "-N0"),
-    ("blanks", ["\n \n"], "-N0"),
-    ("no end", MANY[:5] + ["[S:6]\natt(dog.@entry, dog)\n"], "-N0"),
-    ("text behind the last", MANY[:5] + ["; text\nnxt(\n"], "-N0"),
-    ("an open tag", MANY[:5] + ["{hide}\n", *MANY[:5]], "-N0"),
-    ("tags across ends", ["{note}\n[/S]\n{/note}\n", MANY[0], "{a}\n{b}\n[/S]\n{//b}\n", *MANY[:4]], "-N0"),
-    ("ends in blocks", ["[S:1]\n[W]\n[/S]\ndog.@entry\n[/W]\n[/S]\n[R]\n[/S]\n[/R]\n", *MANY[:4]], "-N0"),
-    ("an open block", MANY[:5] + ["[S:6]\n[W]\ndog.@entry\n", *MANY[:3]], "-N0"),
-    ("CR LF", [s.replace("\n", "\r\n") for s in MANY[:7]], "-N0"),
-    ("ends in long lines", ["x" * 1023 + "[/S]" + "y" * 2000 + "\n", MANY[0], ";" * 1023 + "[/S]\n", *MANY[:4]], "-N0"),
-    ("a zero", [MANY[0], ";\0[/S]\n", *MANY[:4]], "-N0"),
-    ("bad lines", ["[S:1]\nagn(dog\n[/S]\n", "stray(a, b)\n", *MANY[:4], "[S]\nq\n[/S]\n"], "-N0"),
-    ("from the fourth on", MANY, "-S4 -N0"),
-    ("some of them", MANY, "-S4 -N9"),
-    ("more than there are", MANY[:5], "-S2 -N9"),
-    ("behind the last", MANY[:3], "-S5 -N0"),
-    ("skipped by another mark", [MANY[0].replace("[/S]", "[/T]"), "  [/S]\n", *MANY[:6]], "-S2 -N0"),
-    ("counted from below", MANY[:9], "-S-1 -N5"),
-    ("one alone", MANY[:3], "-N-3"),
-]
 SUMMARY = re.compile(r"(\d+ done.*?); [0-9.]+ s\n")
 
 
@@ -94,8 +70,8 @@ def texts():
         target = pathlib.Path(name)
         words = language(target)
         lexon([*words, "-R"], target)
-        for title, sentences, switches in TEXTS:
-            (target / "input.txt").write_bytes("".join(sentences).encode())
+        for title, sentences, switches in table.hard_texts(MANY):
+            (target / "input.txt").write_bytes("".join(sentences).encode("utf-8", "surrogateescape"))
             compare(title, [*words, *switches.split()], target)
 
 

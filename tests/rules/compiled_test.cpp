@@ -1,24 +1,13 @@
 #include "rules/compiled.hpp"
 
-#include <gtest/gtest.h>
-
-#include <algorithm>
-#include <string>
-#include <vector>
-
 #include "rules/matrix.hpp"
 #include "support/grammar.hpp"
 #include "support/rule_dump.hpp"
 #include "support/rules.hpp"
+#include "support/test.hpp"
 
 namespace lexon::test {
 namespace {
-
-using test::Capture;
-using test::dump;
-using test::printed;
-using test::rules_of;
-using test::stream_of;
 
 // Bytes from hexadecimal pairs; blanks part them.
 std::string hex(const std::string& pairs) {

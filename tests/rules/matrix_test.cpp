@@ -1,15 +1,11 @@
 // Building the index: tables and bits.
 #include "rules/matrix.hpp"
 
-#include <gtest/gtest.h>
-
-#include <string>
-#include <vector>
-
 #include "support/capture.hpp"
 #include "support/grammar.hpp"
 #include "support/rule_build.hpp"
 #include "support/saved_matrix.hpp"
+#include "support/test.hpp"
 
 namespace lexon::test {
 namespace {
@@ -86,37 +82,12 @@ TEST_F(Matrix, HoldsTheConditionsOfBothSides) {
   }
 }
 
-TEST_F(Matrix, PoolsHoldTheNamesOneBehindTheOther) {
-  RuleList rules{"{bc a}{}", "{a d}{}"};
-  ASSERT_EQ(index_build(rules.head()), Status::ok);
-  EXPECT_EQ(std::string(grammar.index.matrix.left.attr_pool, grammar.index.matrix.left.pool_size), std::string("a\0bc\0d\0", 7));
-  EXPECT_EQ(grammar.index.matrix.left.matrix_size, 3U);
-  EXPECT_EQ(grammar.index.matrix.right.pool_size, 0U);
-  EXPECT_EQ(grammar.index.matrix.right.matrix_size, 0U);
-}
-
-TEST_F(Matrix, NamesAreFoundByBinarySearch) {
-  std::string pool[] = {"", "A", "AB", "a", "\xC3"};
-  char* table[] = {pool[0].data(), pool[1].data(), pool[2].data(), pool[3].data(), pool[4].data()};
-  for (std::int32_t i = 0; i < 5; ++i) EXPECT_EQ(attr_table_find(pool[i].c_str(), table, 5), i);
-  for (const char* missing : {"0", "AA", "ABC", "B", "\xC3\xA4"}) EXPECT_EQ(attr_table_find(missing, table, 5), -1);
-  EXPECT_EQ(attr_table_find("A", table, 0), -1);
-}
-
 // The names of the left side, parted by "|", of rules that ask for these texts.
 std::string names_of(const std::vector<std::string>& texts) {
-  std::vector<CondItem> items(texts.size());
-  for (std::size_t i = 0; i < texts.size(); ++i) {
-    items[i].text = const_cast<char*>(texts[i].c_str());
-    items[i].next = i + 1 < texts.size() ? &items[i + 1] : nullptr;
-  }
-  NodePattern left{};
-  NodePattern right{};
-  left.attr_conds = items.data();
-  Rule rule{};
-  rule.lnode = &left;
-  rule.rnode = &right;
-  EXPECT_EQ(index_build(&rule), Status::ok);
+  std::string left = "{";
+  for (const std::string& text : texts) left += (left.size() > 1 ? " =" : "=") + text;
+  RuleList rules{left + "}{}"};
+  EXPECT_EQ(index_build(rules.head()), Status::ok);
   std::string names;
   for (std::int32_t row = 0; row < grammar.index.matrix.left.attr_count; ++row) {
     names += (row == 0 ? "" : "|") + std::string(grammar.index.matrix.left.attr_table[row]);

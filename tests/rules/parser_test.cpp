@@ -1,13 +1,10 @@
 #include "rules/parser.hpp"
 
-#include <gtest/gtest.h>
-
-#include <string>
-
 #include "data/pool.hpp"
 #include "support/rule_dump.hpp"
 #include "support/rules.hpp"
 #include "support/session.hpp"
+#include "support/test.hpp"
 
 namespace lexon::test {
 namespace {

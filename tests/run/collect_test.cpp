@@ -1,13 +1,7 @@
-#include <gtest/gtest.h>
-
-#include <array>
-#include <cstring>
-#include <optional>
-#include <string>
-
 #include "run/render.hpp"
 #include "support/session.hpp"
 #include "support/step.hpp"
+#include "support/test.hpp"
 
 namespace lexon::test {
 namespace {

@@ -1,46 +1,12 @@
 #include "source/expand.hpp"
 
-#include <gtest/gtest.h>
-
-#include <cstdlib>
-#include <filesystem>
-#include <fstream>
-#include <string>
+#include "support/capture.hpp"
+#include "support/folder.hpp"
 
 namespace lexon::test {
 namespace {
 
 namespace fs = std::filesystem;
-
-// A folder of its own, with the file "a.lxr" and others.
-class Folder {
- public:
-  Folder() {
-    std::string pattern = testing::TempDir() + "source.XXXXXX";
-    path_ = mkdtemp(pattern.data());
-  }
-  ~Folder() { fs::remove_all(path_); }
-  Folder(const Folder&) = delete;
-  Folder& operator=(const Folder&) = delete;
-
-  [[nodiscard]] std::string path(const char* name) const { return path_ + '/' + name; }
-  void write(const char* name, const std::string& text) const {
-    fs::create_directories(fs::path(path(name)).parent_path());
-    std::ofstream(path(name), std::ios::binary) << text;
-  }
-  [[nodiscard]] std::string read(const char* name) const {
-    std::ifstream stream(path(name), std::ios::binary);
-    return {std::istreambuf_iterator<char>(stream), {}};
-  }
-  // A text without the name of the folder.
-  [[nodiscard]] std::string plain(std::string text) const {
-    for (std::size_t at = 0; (at = text.find(path_ + '/')) != std::string::npos;) text.erase(at, path_.size() + 1);
-    return text;
-  }
-
- private:
-  std::string path_;
-};
 
 // Other files that sources of the tables include.
 void write_others(const Folder& folder) {
@@ -217,7 +183,7 @@ TEST(SourceMap, TellsWhereEveryByteComesFrom) {
   };
   ExpandedFile file = expand_beside(folder.path("a.lxr"), Expanding::when_changed);
   ASSERT_EQ(file.fault, "");
-  EXPECT_EQ(folder.read("a.lxr.txt"), "; c\nRlong{x y}\nR{} {} P1;\r\n; why\nL{} {} P2;\ngo1\n a1\n");
+  EXPECT_EQ(bytes_of(folder.path("a.lxr.txt")), "; c\nRlong{x y}\nR{} {} P1;\r\n; why\nL{} {} P2;\ngo1\n a1\n");
   SourceMap written;
   ASSERT_TRUE(source_map_read(folder.path("a.lxr.map"), written, false));
   for (const SourceMap* map : {&file.expansion.map, &written}) {
@@ -234,7 +200,7 @@ TEST(SourceMap, ADamagedOneIsRefused) {
   Folder folder;
   folder.write("a.lxr", "%for x in (a b)\nR%x\n%end\nL\nL\n");
   ASSERT_EQ(expand_beside(folder.path("a.lxr"), Expanding::anew).fault, "");
-  const std::string whole = folder.read("a.lxr.map");
+  const std::string whole = bytes_of(folder.path("a.lxr.map"));
   SourceMap map;
   for (std::size_t size = 0; size < whole.size(); ++size) {
     folder.write("cut.map", whole.substr(0, size));
@@ -261,7 +227,7 @@ TEST(ExpandBeside, WritesWhenSomethingHasChanged) {
   const fs::file_time_type first = fs::last_write_time(path + ".txt");
   for (const char* const changed : {"a.lxr", "sub/in.lxr", "sub/more.txt", "v.tsv", "a.lxr.txt"}) {
     SCOPED_TRACE(changed);
-    folder.write(changed, folder.read(changed) + (std::string(changed).ends_with("tsv") ? "b\t\n" : "; more\n"));
+    folder.write(changed, bytes_of(folder.path(changed)) + (std::string(changed).ends_with("tsv") ? "b\t\n" : "; more\n"));
     EXPECT_TRUE(is_new());
     EXPECT_FALSE(is_new());
   }

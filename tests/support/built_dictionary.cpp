@@ -1,24 +1,12 @@
 #include "support/built_dictionary.hpp"
 
-#include <gtest/gtest.h>
-#include <unistd.h>
-
-#include <algorithm>
-#include <cstdlib>
-#include <filesystem>
-#include <fstream>
-
 #include "data/chain.hpp"
 #include "data/pool.hpp"
-#include "dict/dictionary.hpp"
 #include "dicttool/check.hpp"
 #include "dicttool/find.hpp"
 #include "dicttool/list.hpp"
-#include "support/session.hpp"
 
 namespace lexon::test {
-
-namespace fs = std::filesystem;
 
 namespace {
 
@@ -34,12 +22,10 @@ class TextStream {
   TextStream& operator=(const TextStream&) = delete;
 
   [[nodiscard]] std::FILE* get() const { return stream_; }
-  // What has been written, without `part` wherever it stands.
-  [[nodiscard]] std::string text_without(const std::string& part) const {
+  // What has been written, without the name of the folder.
+  [[nodiscard]] std::string text_in(const Folder& folder) const {
     std::fflush(stream_);
-    std::string text(buffer_, size_);
-    for (std::size_t at = text.find(part); at != std::string::npos; at = text.find(part)) text.erase(at, part.size());
-    return text;
+    return folder.plain({buffer_, size_});
   }
 
  private:
@@ -50,73 +36,45 @@ class TextStream {
 
 }  // namespace
 
-BuildFolder::BuildFolder() {
-  std::string pattern = ::testing::TempDir() + "lexon-build-XXXXXX";
-  path_ = mkdtemp(pattern.data());
-}
-
-BuildFolder::~BuildFolder() {
-  std::error_code error;
-  fs::remove_all(path_, error);
-}
-
-std::vector<std::string> BuildFolder::names() const {
-  std::vector<std::string> names;
-  for (const fs::directory_entry& entry : fs::directory_iterator(path_)) names.push_back(entry.path().filename());
-  std::sort(names.begin(), names.end());
-  return names;
-}
-
-BuildResult build_text(const BuildFolder& folder, const std::string& entries, const std::string& name, BuildOptions options) {
-  options.entries = folder.path("entries.txt");
+BuildResult build_text(const Folder& folder, const std::string& entries, const std::string& name, BuildOptions options) {
+  options.entries = folder.write("entries.txt", entries);
   options.dictionary = folder.path(name);
-  std::ofstream(options.entries, std::ios::binary) << entries;
   const TextStream log;
   BuildResult result;
   result.done = dictionary_build(session, options, log.get(), result.figures);
-  result.log = log.text_without(folder.path(""));
+  result.log = log.text_in(folder);
   return result;
 }
 
-ToolResult list_of(const BuildFolder& folder, const std::string& name) {
+ToolResult list_of(const Folder& folder, const std::string& name) {
   const TextStream out;
   const TextStream log;
   const bool done = dictionary_list(session, folder.path(name), out.get(), log.get());
-  return {done, out.text_without(folder.path("")), log.text_without(folder.path(""))};
+  return {done, out.text_in(folder), log.text_in(folder)};
 }
 
-ToolResult check_of(const BuildFolder& folder, const std::string& name) {
+ToolResult check_of(const Folder& folder, const std::string& name) {
   const TextStream log;
   CheckFigures figures;
   const bool done = dictionary_check(session, folder.path(name), log.get(), std::size_t{1} << 20, figures);
-  return {done, std::to_string(figures.records) + " records", log.text_without(folder.path(""))};
+  return {done, std::to_string(figures.records) + " records", log.text_in(folder)};
 }
 
-ToolResult find_of(const BuildFolder& folder, int key_field, const std::string& key) {
+ToolResult find_of(const Folder& folder, int key_field, const std::string& key) {
   const TextStream out;
   const TextStream log;
   const FindQuery query = key_field == kKeyHw ? FindQuery{.hw = key, .wants_hw = true} : FindQuery{.cw = key, .wants_cw = true};
   const FindResult result = dictionary_find(session, folder.path("words.dic"), query, out.get(), log.get());
-  return {result == FindResult::found, out.text_without(folder.path("")), log.text_without(folder.path(""))};
+  return {result == FindResult::found, out.text_in(folder), log.text_in(folder)};
 }
 
-struct Asked::State {
-  Dictionary opened;
-  bool is_open;
-};
-
-Asked::Asked(const BuildFolder& folder, const std::string& name) : state_(new State) {
-  state_->is_open = dictionary_open(folder.path(name), PairCheck::quick, state_->opened);
-  EXPECT_TRUE(state_->is_open) << state_->opened.fault;
-}
-
-Asked::~Asked() {
-  delete state_;
+Asked::Asked(const Folder& folder, const std::string& name) {
+  EXPECT_TRUE(dictionary_open(folder.path(name), PairCheck::quick, opened_)) << opened_.fault;
 }
 
 std::string Asked::ids(int key_field, const std::string& key) {
   LookupGroup* groups = nullptr;
-  const Status status = dict_lookup(session, state_->opened.files(), key_field, key.c_str(), groups);
+  const Status status = dict_lookup(session, opened_.files(), key_field, key.c_str(), groups);
   if (status != Status::ok) return "status " + std::to_string(code(status));
   WordEntry* words = nullptr;
   groups_flatten(session, groups, words);
@@ -128,11 +86,18 @@ std::string Asked::ids(int key_field, const std::string& key) {
 
 int Asked::groups(int key_field, const std::string& key) {
   LookupGroup* groups = nullptr;
-  EXPECT_EQ(dict_lookup(session, state_->opened.files(), key_field, key.c_str(), groups), Status::ok);
+  EXPECT_EQ(dict_lookup(session, opened_.files(), key_field, key.c_str(), groups), Status::ok);
   int count = 0;
   for (const LookupGroup* group = groups; group != nullptr; group = group->next) ++count;
   session.pool.release_all();
   return count;
+}
+
+TestDictionary::TestDictionary(const std::string& entries, DictionaryFiles& files) : files_(files) {
+  const BuildResult built = build_text(folder_, entries);
+  EXPECT_TRUE(built.done) << built.log;
+  EXPECT_TRUE(dictionary_open(folder_.path("words.dic"), PairCheck::quick, opened_)) << opened_.fault;
+  files_ = opened_.files();
 }
 
 }  // namespace lexon::test

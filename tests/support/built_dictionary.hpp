@@ -1,28 +1,12 @@
 // Dictionaries built from text in a folder of their own, and asked from outside.
 #pragma once
 
-#include <string>
-#include <vector>
-
+#include "dict/dictionary.hpp"
 #include "dicttool/build.hpp"
+#include "support/folder.hpp"
+#include "support/session.hpp"
 
 namespace lexon::test {
-
-// A fresh empty folder of the running test, with files and subfolders that tests make in it. It goes with the object.
-class BuildFolder {
- public:
-  BuildFolder();
-  ~BuildFolder();
-  BuildFolder(const BuildFolder&) = delete;
-  BuildFolder& operator=(const BuildFolder&) = delete;
-
-  [[nodiscard]] std::string path(const std::string& name) const { return path_ + "/" + name; }
-  // The names of all files in it, sorted.
-  [[nodiscard]] std::vector<std::string> names() const;
-
- private:
-  std::string path_;
-};
 
 struct BuildResult {
   bool done = false;
@@ -31,7 +15,7 @@ struct BuildResult {
 };
 
 // Writes `entries` to entries.txt in the folder and builds `name` of it.
-[[nodiscard]] BuildResult build_text(const BuildFolder& folder, const std::string& entries, const std::string& name = "words.dic", BuildOptions options = {});
+[[nodiscard]] BuildResult build_text(const Folder& folder, const std::string& entries, const std::string& name = "words.dic", BuildOptions options = {});
 
 // What the tools say of a dictionary of the folder: messages without the folder's name in front.
 struct ToolResult {
@@ -39,17 +23,14 @@ struct ToolResult {
   std::string out;
   std::string log;
 };
-[[nodiscard]] ToolResult list_of(const BuildFolder& folder, const std::string& name = "words.dic");
-[[nodiscard]] ToolResult check_of(const BuildFolder& folder, const std::string& name = "words.dic");
-[[nodiscard]] ToolResult find_of(const BuildFolder& folder, int key_field, const std::string& key);
+[[nodiscard]] ToolResult list_of(const Folder& folder, const std::string& name = "words.dic");
+[[nodiscard]] ToolResult check_of(const Folder& folder, const std::string& name = "words.dic");
+[[nodiscard]] ToolResult find_of(const Folder& folder, int key_field, const std::string& key);
 
 // Opens a dictionary of the folder as a run does, and looks words up in it.
 class Asked {
  public:
-  explicit Asked(const BuildFolder& folder, const std::string& name = "words.dic");
-  ~Asked();
-  Asked(const Asked&) = delete;
-  Asked& operator=(const Asked&) = delete;
+  explicit Asked(const Folder& folder, const std::string& name = "words.dic");
 
   // The ids of the words found, in their order, one behind each other with a blank; "status N" for a failed lookup.
   [[nodiscard]] std::string ids(int key_field, const std::string& key);
@@ -57,8 +38,22 @@ class Asked {
   [[nodiscard]] int groups(int key_field, const std::string& key);
 
  private:
-  struct State;
-  State* state_;
+  Dictionary opened_;
+};
+
+// While it lives, sentences look their words up in it, by surface form and by concept word. `files` says what for: it
+// is the word dictionary or the co-occurrence dictionary of the sentence.
+class TestDictionary {
+ public:
+  explicit TestDictionary(const std::string& entries, DictionaryFiles& files = session.sentence.dictionary);
+  ~TestDictionary() { files_ = {}; }
+  TestDictionary(const TestDictionary&) = delete;
+  TestDictionary& operator=(const TestDictionary&) = delete;
+
+ private:
+  Folder folder_;
+  DictionaryFiles& files_;
+  Dictionary opened_;
 };
 
 }  // namespace lexon::test

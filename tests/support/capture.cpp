@@ -1,12 +1,7 @@
 #include "support/capture.hpp"
 
-#include <gtest/gtest.h>
-
-#include <cstdlib>
-#include <fstream>
-#include <sstream>
-
 #include "support/session.hpp"
+#include "support/test.hpp"
 
 namespace lexon::test {
 

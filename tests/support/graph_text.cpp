@@ -1,16 +1,12 @@
 #include "support/graph_text.hpp"
 
-#include <gtest/gtest.h>
-
-#include <algorithm>
-#include <cstring>
-
 #include "data/chain.hpp"
 #include "data/pool.hpp"
 #include "data/words.hpp"
 #include "graph/reader.hpp"
 #include "support/capture.hpp"
 #include "support/session.hpp"
+#include "support/test.hpp"
 
 namespace lexon::test {
 

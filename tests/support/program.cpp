@@ -1,17 +1,11 @@
 #include "support/program.hpp"
 
 #include <fcntl.h>
-#include <gtest/gtest.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include <algorithm>
-#include <filesystem>
-#include <fstream>
-#include <string_view>
-#include <utility>
-
 #include "support/capture.hpp"
+#include "support/test.hpp"
 
 namespace lexon::test {
 
@@ -44,13 +38,6 @@ struct Folders {
 
 std::string program_path(const std::string& name) {
   return name.starts_with('/') ? name : std::string(LEXON_PROGRAMS) + "/" + name;
-}
-
-int start_program(const std::string& name, const std::vector<std::string>& arguments) {
-  const std::string path = program_path(name);
-  const pid_t child = fork();
-  if (child == 0) become_program(path, arguments, ".", "/dev/null", "/dev/null");
-  return child;
 }
 
 int wait_for_program(int process) {

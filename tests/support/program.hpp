@@ -19,10 +19,7 @@ struct ProgramResult {
 // for it.
 [[nodiscard]] ProgramResult run_program(const std::string& name, const std::vector<std::string>& arguments, const std::string& folder = ".");
 
-// Starts a program and does not wait; its output goes nowhere. The process number, to be waited for.
-[[nodiscard]] int start_program(const std::string& name, const std::vector<std::string>& arguments);
-
-// Waits for a started program; its exit status as above.
+// Waits for a child process; its exit status as above.
 [[nodiscard]] int wait_for_program(int process);
 
 // A fresh empty folder in the test's temporary place, of this process alone; removed when the program ends.

@@ -1,17 +1,13 @@
 // Rules from their text, and back. For tests whose program links the rules room or one above it.
 #pragma once
 
-#include <gtest/gtest.h>
-
-#include <cstdio>
-#include <string>
-
 #include "data/status.hpp"
 #include "rules/parser.hpp"
 #include "rules/print.hpp"
 #include "rules/rule.hpp"
 #include "support/capture.hpp"
 #include "support/grammar.hpp"
+#include "support/test.hpp"
 
 namespace lexon::test {
 

@@ -14,6 +14,10 @@ const lexonView = (() => {
   const kRowHeight = 26; // pixels, as in view.css
   const kOverscan = 12;
   const kKinds = ['rule', 'narrowed', 'asked', 'end'];
+  const kAbout = {
+    rule: 'A rule was carried out', narrowed: 'A word test narrowed the words',
+    asked: 'A word test asked for a step back', end: 'No rule was left at this window',
+  };
   const kMostPrinted = 2000;
   let views = 0;
 
@@ -644,7 +648,9 @@ const lexonView = (() => {
       return section;
     }
 
-    const folds = (at) => steps[at].isHead && steps[at].size > 1;
+    function folds(at) {
+      return steps[at].isHead && steps[at].size > 1;
+    }
 
     // The rows that no fold hides, and gaps where steps are not kept.
     function visible() {
@@ -703,8 +709,6 @@ const lexonView = (() => {
       return changes ? `${window}  →  ${changes}` : `${window}  →  ${windowText(step.after, step.afterAt) || 'on'}`;
     }
 
-    const kindText = { rule: 'A rule was carried out', narrowed: 'A word test narrowed the words', asked: 'A word test asked for a step back', end: 'No rule was left at this window' };
-
     function showStep({ at }) {
       if (at < 0) {
         detail.replaceChildren(make('p', {}, 'These steps were taken back and are not kept; --keep keeps more.'));
@@ -716,7 +720,7 @@ const lexonView = (() => {
       const changes = difference(data, step);
       detail.replaceChildren(
         heading(2, `Step ${step.number.toLocaleString('en')}${step.isUndone ? ', taken back' : ''}`),
-        make('p', { class: 'lx-legend' }, `${kindText[step.kind]}${step.isPostEdit ? ', in post-edit' : ''}${step.scope > 0 ? `, in scope :${String(step.scope).padStart(2, '0')}` : ''}; ${count(step.depth, 'step')} deep.`));
+        make('p', { class: 'lx-legend' }, `${kAbout[step.kind]}${step.isPostEdit ? ', in post-edit' : ''}${step.scope > 0 ? `, in scope :${String(step.scope).padStart(2, '0')}` : ''}; ${count(step.depth, 'step')} deep.`));
       if (rule) {
         const isAsWritten = rule.source && rule.source.replace(/\s+/g, '').includes(rule.text.replace(/\s+/g, ''));
         detail.append(make('div', { class: 'lx-rule' }, placeLink(rule.place), rule.values ? make('span', { class: 'lx-values' }, ' ' + shown(rule.values)) : null,

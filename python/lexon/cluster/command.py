@@ -88,7 +88,7 @@ def _cluster(line: argparse.Namespace) -> Iterator[Any]:
     import dask
     import distributed
 
-    # One that fails is told by the client; what dies with a worker is tried by two more.
+    # The client tells of a task that fails; what dies with a worker is tried by two more.
     dask.config.set({"distributed.scheduler.allowed-failures": 2, "distributed.admin.large-graph-warning-threshold": "1GB"})
     logging.getLogger("distributed").setLevel(logging.CRITICAL)
     if line.scheduler:

@@ -72,7 +72,7 @@ StepResult DialogHost::run_step(RunContext& context, Step& step) {
 }
 
 void DialogHost::finish(RunContext& context) {
-  signals_stop(nullptr);
+  signals_remember();
   if (cancel_was_signalled()) outcome_.cancelled = true;
   progress_.hide();
   for (std::string& note : outcome_.finish(context)) notes_.push_back(std::move(note));

@@ -1,4 +1,4 @@
-#include "support/row_search.hpp"
+#include "row_search.hpp"
 
 #include <cstring>
 #include <string>
@@ -42,7 +42,8 @@ struct Side {
 };
 
 bool find_entry(Side& side) {
-  if (side.node == nullptr || side.node->kind != kKindScope || scope_is_built(session, side.node->scope) != 0) return true;
+  if (side.node == nullptr || side.node->kind != kKindScope || scope_is_built(session, side.node->scope) != 0)
+    return true;
   int scope = side.node->scope;
   for (int hops = 0; hops < 1000; ++hops) {
     side.entry = scope_entry_node(session, scope);
@@ -74,7 +75,8 @@ bool block_has(const Node* node, const char* name) {
 void positive_step(Side& side, const WordEntry* w, const WordEntry* v) {
   for (std::int32_t r = 0; r < side.matrix.attr_count; ++r) {
     const char* name = side.matrix.attr_table[r];
-    const bool present = attr_has(w, name) || block_has(side.node, name) || attr_has(v, name) || block_has(side.entry, name);
+    const bool present =
+        attr_has(w, name) || block_has(side.node, name) || attr_has(v, name) || block_has(side.entry, name);
     if (!present) row_or(side.missing, side.saved.pos.data(), r);
   }
 }

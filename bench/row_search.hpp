@@ -1,5 +1,5 @@
 // The search of the rule index done the long way: every row of the name table is asked for every word. It shares
-// nothing with `rule_candidates` but the matrices, and is what that is tested and measured against.
+// nothing with `rule_candidates` but the matrices, and is what that is measured against.
 #pragma once
 
 #include "data/records.hpp"
