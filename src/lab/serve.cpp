@@ -97,6 +97,7 @@ std::string folder_of_page(const ProjectFiles& found, const std::string& named) 
 
 ServeFiles files_of(const Arguments& arguments, const ProjectFiles& found, const Folder& folder) {
   ServeFiles files;
+  files.silenced = found.silenced;
   files.blocks = arguments.blocks != 0 ? arguments.blocks : found.blocks;
   const std::string rules = arguments.rules.empty() ? found.rules : arguments.rules;
   if (rules.empty()) {

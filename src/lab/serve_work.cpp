@@ -420,6 +420,7 @@ Workplace::Json Workplace::check(const Unsaved& unsaved, const Wanted& wanted) {
   input.unsaved = &texts.overlay();
   input.cache = &checked_;
   for (const Finding& finding : lab::check(input)) {
+    if (std::ranges::find(files_.silenced, finding.code) != files_.silenced.end()) continue;
     add(finding.file, finding.line, finding.column, finding.end_column, level_name(finding.level), finding.code,
         finding.text, finding.remedy);
   }

@@ -32,6 +32,7 @@ struct ServeFiles {
   std::string cooccurrence;          // text
   std::string built_cooccurrence;    // instead of it
   std::string gold;
+  std::vector<std::string> silenced;  // codes of findings that are not wanted
   int blocks = kMaxBlocks;
 };
 
