@@ -504,7 +504,12 @@ const viewLane = lane('view', (answer) => {
     return;
   }
   panel.replaceChildren();
-  lexonView(panel, answer.view, { heading: 3, onPlace: (place) => {
+  // The program names files by their whole path.
+  const inFolder = (path) => (path.startsWith(`${project.folder}/`) ? path.slice(project.folder.length + 1) : path);
+  const data = answer.view;
+  data.file = inFolder(data.file || '');
+  for (const rule of data.rules || []) rule.place = inFolder(rule.place);
+  lexonView(panel, data, { heading: 3, onPlace: (place) => {
     const [, path, line] = /^(.*):(\d+)$/.exec(place) || [];
     if (path) goTo(path, Number(line));
   } });

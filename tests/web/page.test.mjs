@@ -102,7 +102,8 @@ test('findings and coverage stand in the margin, and lead to their place', () =>
   await page.locator('#tab-coverage').click();
   assert.match(await page.locator('#coverage p').textContent(), /\d+ of \d+ lines with rules/);
   await page.locator('#tab-steps').click();
-  await page.waitForFunction(() => document.querySelector('#steps').textContent.length > 0);
+  await page.locator('#steps .lx-link', { hasText: /^rules\.lxr:\d+$/ }).first().click();
+  assert.equal(await page.evaluate(() => document.activeElement.getAttribute('aria-label')), 'rules.lxr');
 }));
 
 test('rules without end do not keep the page busy', () => onPage('english', {
