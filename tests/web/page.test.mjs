@@ -102,6 +102,7 @@ test('findings and coverage stand in the margin, and lead to their place', () =>
   await page.locator('#tab-coverage').click();
   assert.match(await page.locator('#coverage p').textContent(), /\d+ of \d+ lines with rules/);
   await page.locator('#tab-steps').click();
+  await page.locator('#steps [role=treeitem]').first().click();
   await page.locator('#steps .lx-link', { hasText: /^rules\.lxr:\d+$/ }).first().click();
   assert.equal(await page.evaluate(() => document.activeElement.getAttribute('aria-label')), 'rules.lxr');
 }));
