@@ -2,7 +2,7 @@
 MAKEFLAGS += --no-print-directory
 JOBS ?= $(shell nproc)
 
-.PHONY: help demo test check-all golden programs release debug bench bench-amr fuzz coverage endurance format format-check lint layering docs screenshots translations install package clean setup
+.PHONY: help demo test check-all golden programs release debug bench bench-amr fuzz coverage endurance format format-check lint layering docs web screenshots translations install package clean setup
 
 help:
 	@echo "make demo      build, make the example dictionaries, render the examples and show them"
@@ -18,7 +18,8 @@ help:
 	@echo "make tsan      all tests under the thread sanitizer"
 	@echo "make format    format the sources; make lint  check them"
 	@echo "make docs      the manual as a site, in build/docs"
-	@echo "make screenshots  the pictures of the dialogs, in docs/images"
+	@echo "make web       the editor of the page of lexon-lab serve (npm); programs built afterwards have it in them"
+	@echo "make screenshots  the pictures of the dialogs and of the page, in docs/images"
 	@echo "make translations  the texts of the dialogs, for their translators"
 	@echo "make install   install programs, manual and examples (DESTDIR, PREFIX)"
 	@echo "make package   Debian packages, in build/packages"
@@ -42,7 +43,7 @@ test: setup-tests layering
 	@tools/test release programs
 	@tools/test asan
 
-check-all: setup-check layering docs
+check-all: setup-check layering docs web
 	@tools/test release all
 
 golden: setup-tests
@@ -102,10 +103,16 @@ lint: setup-lint format-check layering
 docs: setup-docs
 	@tools/docs
 
-screenshots: setup-gui
+# Without it the page has plain text areas.
+web: setup-web
+	@tools/web build/web
+
+screenshots: setup-gui setup-browser web
 	cmake --preset release
-	cmake --build --preset release --parallel $(JOBS) --target lexon-screenshots
+	cmake --build --preset release --parallel $(JOBS) --target lexon-screenshots lexon-lab
 	build/release/bin/lexon-screenshots docs/images
+	@for pictures in screenshots view_shots; do \
+	  tools/web-test build/web-test build/release/bin tests/web/$$pictures.mjs docs/images; done
 
 # Takes changes of texts in the windows over into the translations, where they wait for a translator.
 translations: setup-gui
@@ -116,8 +123,8 @@ PREFIX ?= /usr/local
 install: programs
 	cmake --install build/release --prefix $(PREFIX)
 
-# What a package is made with comes first, so that the windowed program is in.
-package: setup-package docs
+# What a package is made with comes first, so that the windowed program and the editor of the page are in.
+package: setup-package docs web
 	cmake --preset release -DLEXON_TESTS=OFF -DLEXON_PACKAGES=ON
 	cmake --build --preset release --parallel $(JOBS)
 	cpack --config build/release/CPackConfig.cmake -B build/packages

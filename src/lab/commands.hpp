@@ -43,6 +43,7 @@ struct Fault : std::runtime_error {
 [[nodiscard]] Command add_profile(CLI::App& app);
 [[nodiscard]] Command add_render(CLI::App& app);
 [[nodiscard]] Command add_report(CLI::App& app);
+[[nodiscard]] Command add_serve(CLI::App& app);
 [[nodiscard]] Command add_shell(CLI::App& app);
 [[nodiscard]] Command add_test(CLI::App& app);
 [[nodiscard]] Command add_view(CLI::App& app);

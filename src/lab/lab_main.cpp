@@ -19,8 +19,9 @@ int run_command(const std::vector<std::string>& words) {
   app.set_version_flag("--version", std::string("lexon-lab ") + LEXON_VERSION);
   app.require_subcommand(1);
   const std::vector<Command> commands = {
-      add_check(app),  add_coverage(app), add_expand(app), add_explain(app), add_lsp(app),  add_profile(app),
-      add_render(app), add_report(app),   add_shell(app),  add_test(app),    add_view(app), add_why(app),
+      add_check(app),   add_coverage(app), add_expand(app), add_explain(app), add_lsp(app),
+      add_profile(app), add_render(app),   add_report(app), add_serve(app),   add_shell(app),
+      add_test(app),    add_view(app),     add_why(app),
   };
   try {
     app.parse(std::vector<std::string>(words.rbegin(), words.rend()));

@@ -17,7 +17,12 @@ namespace lab {
 
 namespace {
 
-// The label that opens the sentence: "S:3" of "[S:3]"; empty if it has none.
+bool is_blank(const std::string& text) {
+  return std::all_of(text.begin(), text.end(), [](unsigned char c) { return std::isspace(c) != 0; });
+}
+
+}  // namespace
+
 std::string label_of(std::string_view text) {
   BlockTag tag;
   while (!text.empty()) {
@@ -34,12 +39,6 @@ std::string label_of(std::string_view text) {
   }
   return {};
 }
-
-bool is_blank(const std::string& text) {
-  return std::all_of(text.begin(), text.end(), [](unsigned char c) { return std::isspace(c) != 0; });
-}
-
-}  // namespace
 
 Project::Project(GrammarFiles of) : files(std::move(of)), grammar(Grammar::load(files)) {
   begin();
@@ -63,6 +62,14 @@ void Project::begin() {
   }
   if (!grammar) throw Fault(all + "the grammar cannot be used");
   tell(all);
+  prepare();
+}
+
+Project::Project(GrammarFiles of, Grammar made) : files(std::move(of)), grammar(std::move(made)) {
+  prepare();
+}
+
+void Project::prepare() {
   printer_ = std::make_unique<Session>();
   rule_text_ = files.rules;
   if (path_split(files.rules).extension == ".rul") lines_from_text_beside();

@@ -37,6 +37,8 @@ struct Project {
   // The same with unsaved texts in the place of the rules, or of the source and what it includes. The dictionaries are
   // files: `BuiltWords` makes one of unsaved entries.
   Project(GrammarFiles of, const Overlay& unsaved);
+  // Of a grammar that was loaded from these files and is usable. Its messages are not told.
+  Project(GrammarFiles of, Grammar made);
   [[nodiscard]] const LoadedGrammar& loaded() const { return *Inside::loaded(grammar); }
   // "rules.txt:12", for a rule of this grammar; without a line for one from a compiled file without its text.
   [[nodiscard]] std::string place_of(const Rule& rule) const;
@@ -52,6 +54,7 @@ struct Project {
 
  private:
   void begin();
+  void prepare();
   void lines_from_text_beside();
 
   std::string rule_text_;
@@ -67,6 +70,9 @@ struct GraphText {
   std::string label;        // "[S:3]" without brackets; may be empty
   std::string text;
 };
+
+// The label that opens the sentence: "S:3" of "[S:3]"; empty if it has none.
+[[nodiscard]] std::string label_of(std::string_view text);
 
 // Is the sentence meant by this label ("S:3", "[S:3]" or "3"), or by this number if it has none?
 [[nodiscard]] bool is_asked_for(const std::string& wanted, const GraphText& sentence);
