@@ -18,6 +18,12 @@ class KeyNumbers {
   // The number of a text, or -1.
   [[nodiscard]] std::int32_t find(std::string_view text) const;
 
+  // Is this the number of the text? Any number may be asked for.
+  [[nodiscard]] bool is_number_of(std::int32_t number, std::string_view text) const {
+    const auto index = static_cast<std::size_t>(number);
+    return index < entries_.size() && text_of(entries_[index]) == text;
+  }
+
   // The number of a text that has none yet, or -1 if there is no room.
   [[nodiscard]] std::int32_t add(std::string_view text);
 

@@ -33,26 +33,34 @@ void LookupMemory::attend(const Files& files) {
   if (!is_same) forget();
 }
 
-const std::uint8_t* LookupMemory::block(std::FILE* stream, std::int64_t offset, std::span<std::uint8_t> room) {
-  const std::size_t file = room.size() > kLargestBlock ? kNone : file_of(stream);
-  if (blocks_ == nullptr && file != kNone) blocks_.reset(new (std::nothrow) Block[kBlocks]);
-  if (blocks_ == nullptr || file == kNone) {
-    return file_read_at(stream, offset, room.data(), room.size()) ? room.data() : nullptr;
+bool LookupMemory::has_room(Shelf& shelf, Kind kind) {
+  if (shelf.labels != nullptr) return true;
+  const std::size_t size = kBlocks * kBlockSizes[static_cast<std::size_t>(kind)];
+  shelf.bytes.reset(new (std::nothrow) std::uint8_t[size]);
+  if (kind != Kind::words) shelf.places.reset(new (std::nothrow) KeyPlaces[kBlocks]);
+  const bool has_all = shelf.bytes != nullptr && (kind == Kind::words || shelf.places != nullptr);
+  if (has_all) shelf.labels.reset(new (std::nothrow) Shelf::Label[kBlocks]);
+  return shelf.labels != nullptr;
+}
+
+LookupMemory::Block LookupMemory::block(std::FILE* stream, std::int64_t offset, std::span<std::uint8_t> room,
+                                        Kind kind) {
+  const std::size_t file = file_of(stream);
+  const std::size_t size = kBlockSizes[static_cast<std::size_t>(kind)];
+  Shelf& shelf = shelves_[static_cast<std::size_t>(kind)];
+  if (file == kNone || room.size() != size || !has_room(shelf, kind)) {
+    return {file_read_at(stream, offset, room.data(), room.size()) ? room.data() : nullptr, nullptr};
   }
-  const std::uint64_t place = static_cast<std::uint64_t>(offset) / 1024 * kFiles + file;
-  Block& kept = blocks_[(place * 0x9E3779B97F4A7C15U) >> 53U];
-  static_assert(kBlocks == std::size_t{1} << (64U - 53U));
-  if (kept.stream == stream && kept.offset == offset && kept.room >= room.size()) return kept.bytes.get();
-  kept.stream = nullptr;
-  if (kept.room < room.size()) {
-    kept.bytes.reset(new (std::nothrow) std::uint8_t[room.size()]);
-    kept.room = kept.bytes == nullptr ? 0 : room.size();
-  }
-  std::uint8_t* to = kept.room == 0 ? room.data() : kept.bytes.get();
-  if (!file_read_at(stream, offset, to, room.size())) return nullptr;
-  if (kept.room != 0) kept.stream = stream;
-  kept.offset = offset;
-  return to;
+  // Neighbours keep out of each other's way; files begin apart.
+  const std::size_t place = (static_cast<std::size_t>(offset) / size + file * (kBlocks / 3)) % kBlocks;
+  Shelf::Label& label = shelf.labels[place];
+  const Block kept = {shelf.bytes.get() + place * size, kind == Kind::words ? nullptr : &shelf.places[place]};
+  if (label.stream == stream && label.offset == offset) return kept;
+  label = {nullptr, offset};
+  if (!file_read_at(stream, offset, shelf.bytes.get() + place * size, size)) return {nullptr, nullptr};
+  label.stream = stream;
+  if (kept.places != nullptr) kept.places->state = KeyPlaces::State::unknown;
+  return kept;
 }
 
 std::optional<LookupMemory::Answer> LookupMemory::answer(const Question& question) {
@@ -66,7 +74,7 @@ std::optional<LookupMemory::Answer> LookupMemory::answer(const Question& questio
 void LookupMemory::answer_begin(const Question& question) {
   draft_.reset();
   const std::size_t file = file_of(question.dictionary);
-  if (file == kNone || question.key.size() > kLargestBlock || !has_room_for_answers()) return;
+  if (file == kNone || question.key.size() > kLargestKey || !has_room_for_answers()) return;
   if (answers_ * 2 >= kAnswers || kAnswerBytes - used_ < question.key.size()) answers_forget();
   Slot& draft = draft_.emplace();
   draft.hash = std::hash<std::string_view>{}(question.key);
@@ -137,8 +145,9 @@ void LookupMemory::answers_forget() {
 void LookupMemory::forget() {
   draft_.reset();
   if (slots_ != nullptr && answers_ != 0) answers_forget();
-  if (blocks_ == nullptr) return;
-  for (std::size_t i = 0; i < kBlocks; ++i) blocks_[i].stream = nullptr;
+  for (Shelf& shelf : shelves_) {
+    for (std::size_t i = 0; shelf.labels != nullptr && i < kBlocks; ++i) shelf.labels[i].stream = nullptr;
+  }
 }
 
 }  // namespace lexon

@@ -1,6 +1,6 @@
 // What lookups in the dictionaries of a sentence have read, kept for those to come: blocks of the files, and the
 // records of whole answers. Files that have changed are forgotten when the next sentence begins. Bounded to some
-// 12 MB; without memory nothing is kept. Not thread-safe.
+// 16 MB; without memory nothing is kept. Not thread-safe.
 #pragma once
 
 #include <array>
@@ -30,6 +30,23 @@ class LookupMemory {
     std::string_view key;
   };
 
+  // What a block holds. Each kind is kept apart, so that the many blocks of words do not drive out the few of keys.
+  enum class Kind : std::uint8_t { index, keys, words };
+
+  // Where the entries of a block of keys begin, once somebody has looked; of use if they stand in order.
+  struct KeyPlaces {
+    enum class State : std::uint8_t { unknown, in_order, other };
+    State state;
+    std::uint16_t count;
+    std::array<std::uint16_t, 1024> at;  // an entry takes 4 bytes at least
+  };
+
+  // A block that was read. Valid until the next one is.
+  struct Block {
+    const std::uint8_t* bytes;  // null: it cannot be read
+    KeyPlaces* places;          // null: it is not kept, or no block of keys
+  };
+
   // A record of an answer.
   struct Record {
     std::uint16_t block;   // where it stands
@@ -53,9 +70,8 @@ class LookupMemory {
   // to since, everything is forgotten.
   void attend(const Files& files);
 
-  // `size` bytes at `offset` of a file, at most kLargestBlock; null if they cannot all be read. Bytes that are not
-  // kept are read into `room`. Valid until the next call.
-  [[nodiscard]] const std::uint8_t* block(std::FILE* stream, std::int64_t offset, std::span<std::uint8_t> room);
+  // The block of a file at `offset`, as long as `room`, into which it is read if it is not kept.
+  [[nodiscard]] Block block(std::FILE* stream, std::int64_t offset, std::span<std::uint8_t> room, Kind kind);
 
   // The answer to a question, if it is remembered.
   [[nodiscard]] std::optional<Answer> answer(const Question& question);
@@ -66,8 +82,9 @@ class LookupMemory {
   void answer_end();
 
  private:
-  static constexpr std::size_t kLargestBlock = 4096;
-  static constexpr std::size_t kBlocks = 2048;
+  static constexpr std::size_t kLargestKey = 4096;
+  static constexpr std::size_t kBlocks = 1024;                                   // of each kind
+  static constexpr std::array<std::size_t, 3> kBlockSizes = {1024, 4096, 4096};  // by kind
   static constexpr std::size_t kAnswerBytes = std::size_t{4} << 20;
   static constexpr std::size_t kAnswers = std::size_t{1} << 15;  // slots; half of them are used
   static constexpr std::size_t kNone = kFiles;
@@ -76,11 +93,15 @@ class LookupMemory {
     std::FILE* stream = nullptr;
     std::optional<FileState> state;
   };
-  struct Block {
+  // The blocks of one kind, each at a place that its number tells. Memory that no block has been read into is not touched.
+  struct Shelf {
+    struct Label {
+      std::FILE* stream = nullptr;  // null: nothing is kept
+      std::int64_t offset = 0;
+    };
+    std::unique_ptr<Label[]> labels;
     std::unique_ptr<std::uint8_t[]> bytes;
-    std::FILE* stream = nullptr;  // null: nothing is kept
-    std::int64_t offset = 0;
-    std::size_t room = 0;
+    std::unique_ptr<KeyPlaces[]> places;
   };
   // In front of each answer in `texts_`: its key, then its records.
   struct Slot {
@@ -93,6 +114,7 @@ class LookupMemory {
     bool taken = false;
   };
 
+  [[nodiscard]] static bool has_room(Shelf& shelf, Kind kind);
   [[nodiscard]] std::size_t file_of(const std::FILE* stream) const;
   // The slot that holds the answer, or the free one where it belongs.
   [[nodiscard]] Slot& slot_of(std::size_t file, const Question& question, std::uint64_t hash);
@@ -101,7 +123,7 @@ class LookupMemory {
   void forget();
 
   std::array<File, kFiles> files_{};
-  std::unique_ptr<Block[]> blocks_;
+  std::array<Shelf, kBlockSizes.size()> shelves_;  // by kind
   std::unique_ptr<std::uint8_t[]> texts_;
   std::unique_ptr<Slot[]> slots_;
   std::size_t used_ = 0;     // of `texts_`, by answers that stand

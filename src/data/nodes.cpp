@@ -70,6 +70,12 @@ Status copy_word_list(Session& session, Node& copy, Node& src, Relation* relatio
   return Status::ok;
 }
 
+// The sentence learns when a node has come to stand beside itself.
+void note_listed(Session& session, Node& at, Node& node) {
+  at.was_listed = node.was_listed = true;
+  if (&at == &node || node.left == &node || node.right == &node) session.sentence.has_loop = true;
+}
+
 }  // namespace
 
 void marked_attrs_append(ScopeAttrs& block, const Node& src) {
@@ -139,7 +145,7 @@ void node_free(Session& session, Node*& node) {
 
 void node_unlink_free(Session& session, Node*& node) {
   if (node == nullptr) return;
-  node_take_out(*node);
+  node_take_out(session, *node);
   node_free(session, node);
 }
 
@@ -230,23 +236,26 @@ void candidates_left_behind(Session& session, RuleCandidate* before, const RuleC
   if (!leads_to_before) candidates_passed_over(session, before, now);
 }
 
-void node_insert_after(Node& at, Node& node) {
+void node_insert_after(Session& session, Node& at, Node& node) {
   node.left = &at;
   node.right = at.right;
   if (at.right != nullptr) at.right->left = &node;
   at.right = &node;
+  note_listed(session, at, node);
 }
 
-void node_insert_before(Node& at, Node& node) {
+void node_insert_before(Session& session, Node& at, Node& node) {
   node.right = &at;
   node.left = at.left;
   if (at.left != nullptr) at.left->right = &node;
   at.left = &node;
+  note_listed(session, at, node);
 }
 
-void node_take_out(Node& node) {
+void node_take_out(Session& session, Node& node) {
   if (node.left != nullptr) node.left->right = node.right;
   if (node.right != nullptr) node.right->left = node.left;
+  if (node.right != nullptr && node.right == node.left) session.sentence.has_loop = true;
 }
 
 Node* list_first(Node* node) {

@@ -87,11 +87,11 @@ void candidates_passed_over(Session& session, RuleCandidate* first, const RuleCa
 void candidates_left_behind(Session& session, RuleCandidate* before, const RuleCandidate* now);
 
 // Links `node` into the list directly behind / in front of `at`.
-void node_insert_after(Node& at, Node& node);
-void node_insert_before(Node& at, Node& node);
+void node_insert_after(Session& session, Node& at, Node& node);
+void node_insert_before(Session& session, Node& at, Node& node);
 
 // Joins the neighbours of `node` to each other. The node keeps its own links.
-void node_take_out(Node& node);
+void node_take_out(Session& session, Node& node);
 
 // The first node of the list that `node` stands in, or a node that stands beside itself.
 [[nodiscard]] Node* list_first(Node* node);

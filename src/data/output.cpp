@@ -59,9 +59,10 @@ void Output::flush() {
   if (stream_ != nullptr) std::fflush(stream_);
 }
 
-std::string Output::take() {
+std::string Output::take(std::string room) {
   full_ = kFull;
-  return std::exchange(buffer_, {});
+  room.clear();
+  return std::exchange(buffer_, std::move(room));
 }
 
 void out_print(Session& session, const char* format, ...) {

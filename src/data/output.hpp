@@ -85,8 +85,9 @@ class Output {
   // collector is asked.
   void flush();
 
-  // What was kept in memory since the last call.
-  [[nodiscard]] std::string take();
+  // What was kept in memory since the last call. What comes is kept in `room`, which loses what it holds: a text that is
+  // done with spares the next one its growing.
+  [[nodiscard]] std::string take(std::string room = {});
   [[nodiscard]] std::size_t kept() const { return buffer_.size(); }
 
  private:

@@ -10,6 +10,7 @@
 #include <bit>
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
 #include <new>
 #include <string_view>
 #include <type_traits>
@@ -171,6 +172,27 @@ template <typename Record>
 template <typename Record>
 void perm_delete(Pool& pool, Record* record) {
   pool.free(record, static_cast<std::int64_t>(sizeof(Record)));
+}
+
+// `memcpy` for texts, of which most are short: up to 16 bytes go in two moves that may overlap.
+inline void text_copy(char* to, const char* from, std::size_t size) {
+  const auto move_ends = [&]<typename Word>(Word) {
+    Word first;
+    Word last;
+    std::memcpy(&first, from, sizeof(Word));
+    std::memcpy(&last, from + size - sizeof(Word), sizeof(Word));
+    std::memcpy(to, &first, sizeof(Word));
+    std::memcpy(to + size - sizeof(Word), &last, sizeof(Word));
+  };
+  if (size > 16) {
+    std::memcpy(to, from, size);
+  } else if (size >= 8) {
+    move_ends(std::uint64_t{});
+  } else if (size >= 4) {
+    move_ends(std::uint32_t{});
+  } else {
+    for (std::size_t i = 0; i < size; ++i) to[i] = from[i];
+  }
 }
 
 // Heap memory for what outlives pools; null if `size` is below 1 or the heap refuses. Freed by `heap_free_clear`.

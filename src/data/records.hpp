@@ -72,6 +72,7 @@ static_assert(std::is_trivial_v<Relation>);
 // left a list, until the sentence ends or the application that made it is undone.
 struct Node {
   std::int8_t kind;         // see the constants above; compared as a signed number
+  bool was_listed;          // stands in a list, or has stood in one
   std::int32_t scope;       // a scope reference: the scope's number; else the number of the word's instance, or 0
   char* name;               // text in the graph; null for boundaries, copies and nodes made by rules
   MatchRecord* matches;     // undo stack, newest first; null: the node is fresh

@@ -59,6 +59,8 @@ struct Sentence {
   DictionaryFiles dictionary;
   DictionaryFiles cr_dictionary;  // files null when the run has none
   bool refused;                   // a limit was exceeded while reading; a message has said which
+  bool has_scopes_mixed;          // a word has attributes in more than one scope
+  bool has_loop;                  // a node has been put beside itself
 };
 
 // The rows of the scope table that are in use, from row `first` on; 1 leaves out the sentence itself.

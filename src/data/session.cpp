@@ -40,14 +40,6 @@ void temp_free_string(Session& session, char* text) {
   temp_free(session, text, static_cast<std::int64_t>(std::strlen(text)) + 1);
 }
 
-char* temp_text(Session& session, std::string_view text) {
-  auto* copy = static_cast<char*>(temp_alloc(session, static_cast<std::int64_t>(text.size()) + 1));
-  if (copy == nullptr) return nullptr;
-  if (!text.empty()) std::memcpy(copy, text.data(), text.size());
-  copy[text.size()] = '\0';
-  return copy;
-}
-
 void sentence_clear(Session& session) {
   Sentence& sentence = session.sentence;
   for (GraphWord& word : sentence.graph_words) {
@@ -68,6 +60,8 @@ void sentence_clear(Session& session) {
   sentence.graph_relation_count = 0;
   sentence.root = nullptr;
   sentence.refused = false;
+  sentence.has_scopes_mixed = false;
+  sentence.has_loop = false;
   session.label.clear();
   session.state.semlst_cur = 0;
   session.state.abort = Status::ok;

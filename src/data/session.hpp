@@ -1,6 +1,7 @@
 // What one thread works with while it makes rules ready or renders sentences: the first parameter of what touches it.
 #pragma once
 
+#include <array>
 #include <atomic>
 #include <cstdint>
 #include <string>
@@ -45,15 +46,17 @@ struct SearchScratch {
       std::uint32_t satisfied;
       std::uint32_t words;
     };
-    std::vector<std::int32_t> satisfied;    // the rules that rows of this side watch, and that its words let through
-    std::vector<std::int32_t> words;        // the rows that each of the words has
-    std::vector<std::uint8_t> passing;      // beside each rule that is asked about
-    std::vector<std::uint8_t> is_present;   // by row of the index; zeros between searches
-    std::vector<std::int32_t> present;      // the rows that are present, in the order of their finding
+    std::vector<std::int32_t> satisfied;   // of the rules that it watches, and of easy ones, what its words let through
+    std::vector<std::int32_t> words;       // the rows that each of the words has
+    std::vector<std::uint8_t> passing;     // beside each rule that is asked about
+    std::vector<std::int32_t> open;        // places of those that are held against each word
+    std::vector<std::uint8_t> is_present;  // by row of the index; zeros between searches
+    std::vector<std::int32_t> present;     // the rows that are present, in the order of their finding
     std::vector<std::uint8_t> is_striking;  // by row; zeros between searches
     std::vector<std::int32_t> striking;     // the rows whose forbidding rules are struck out
     std::string key;                        // all that the answer for the node follows from
     KeyNumbers known;                       // keys of answers
+    std::array<std::int32_t, 64> latest{};  // numbers that are tried first, at a place that follows from the node
     std::vector<Known> answers;             // by number of the key
     std::vector<std::int32_t> numbers;      // of all answers that are known
   };
@@ -65,12 +68,13 @@ struct SearchScratch {
   Side left;
   Side right;
   KeyNumbers known_pairs;
-  std::vector<Found> found;          // by number of the pair
-  std::vector<std::int32_t> rules;   // of all pairs that are known
-  std::vector<std::int32_t> fresh;   // of the last pair that was not known
-  std::vector<std::int32_t> asked;   // the rules that a pair is asked about
-  std::vector<std::int32_t> merged;  // a list in the making
-  bool is_full = false;              // there was no room for an answer: the next search begins by forgetting all
+  std::array<std::int32_t, 256> latest{};  // numbers that are tried first, at a place that follows from the pair
+  std::vector<Found> found;                // by number of the pair
+  std::vector<std::int32_t> rules;         // of all pairs that are known
+  std::vector<std::int32_t> fresh;         // of the last pair that was not known
+  std::vector<std::int32_t> asked;         // the rules that a pair is asked about
+  std::vector<std::int32_t> merged;        // a list in the making
+  bool is_full = false;                    // there was no room for an answer: the next search begins by forgetting all
 };
 
 // One thread's working memory, 160 KB: not for a stack. Any number can live side by side, each with its own grammar or
@@ -165,7 +169,13 @@ inline void temp_free(Session& session, void* cell, std::int64_t size) {
 void temp_free_string(Session& session, char* text);
 
 // A terminated copy of `text`, or null.
-[[nodiscard]] char* temp_text(Session& session, std::string_view text);
+[[nodiscard]] inline char* temp_text(Session& session, std::string_view text) {
+  auto* copy = static_cast<char*>(temp_alloc(session, static_cast<std::int64_t>(text.size()) + 1));
+  if (copy == nullptr) return nullptr;
+  text_copy(copy, text.data(), text.size());
+  copy[text.size()] = '\0';
+  return copy;
+}
 
 // A zeroed record, or null. Released with `temp_delete`.
 template <typename Record>

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <cstring>
+#include <new>
 #include <utility>
 
 #include "data/session.hpp"
@@ -73,7 +74,7 @@ char* field_copy(Session& session, const char* text, std::int32_t length) {
   if (copy == nullptr) return nullptr;
   // A length can outlast a shortened text; nothing behind the terminator is read.
   const std::size_t present = text == nullptr ? 0 : strnlen(text, static_cast<std::size_t>(length));
-  if (present != 0) std::memcpy(copy, text, present);
+  text_copy(copy, text, present);
   copy[present] = '\0';
   return copy;
 }
@@ -94,9 +95,9 @@ WordEntry* entry_new(Session& session, const char* hw, const char* attrs) {
 
 Status entry_copy(Session& session, const WordEntry& src, WordEntry*& result, const char* new_hw) {
   result = nullptr;
-  auto* copy = temp_new<WordEntry>(session);
-  if (copy == nullptr) return Status::memory;
-  *copy = src;
+  void* cell = temp_alloc(session, static_cast<std::int64_t>(sizeof(WordEntry)));
+  if (cell == nullptr) return Status::memory;
+  auto* copy = new (cell) WordEntry(src);
   copy->next = nullptr;
   if (!copy_texts(session, *copy, src, new_hw)) return Status::memory;
   result = copy;

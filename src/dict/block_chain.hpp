@@ -45,23 +45,24 @@ static_assert(kDictLinkOffset == kDictBlockSize - 2 && kIndexLinkOffset == kInde
 template <std::size_t Size>
 class BlockChain {
  public:
-  BlockChain(Session& session, std::FILE* stream, std::uint16_t first)
-      : lookups_(session.lookups), stream_(stream), next_(first) {}
+  BlockChain(Session& session, std::FILE* stream, std::uint16_t first, LookupMemory::Kind kind)
+      : lookups_(session.lookups), stream_(stream), kind_(kind), next_(first) {}
 
   // Goes on to the next block. False at the end of the chain or if the block cannot be read.
   [[nodiscard]] bool advance() {
     if (next_ == 0 || is_circle()) return false;
     number_ = next_;
-    bytes_ = lookups_.block(stream_, offset_of(number_), room_);
-    is_unreadable_ = bytes_ == nullptr;
+    block_ = lookups_.block(stream_, offset_of(number_), room_, kind_);
+    is_unreadable_ = block_.bytes == nullptr;
     if (is_unreadable_) return false;
-    next_ = load_u16(bytes_ + Size - 2);
+    next_ = load_u16(block_.bytes + Size - 2);
     return true;
   }
 
   // The current block, valid as long as the session looks up nothing else.
-  [[nodiscard]] const std::uint8_t* bytes() const { return bytes_; }
-  [[nodiscard]] ByteView content() const { return block_content<Size>(bytes_); }
+  [[nodiscard]] const std::uint8_t* bytes() const { return block_.bytes; }
+  [[nodiscard]] ByteView content() const { return block_content<Size>(block_.bytes); }
+  [[nodiscard]] LookupMemory::KeyPlaces* places() const { return block_.places; }
   [[nodiscard]] std::uint16_t number() const { return number_; }
   [[nodiscard]] bool is_unreadable() const { return is_unreadable_; }
   // The place of the current block, or of the one that cannot be read.
@@ -86,13 +87,14 @@ class BlockChain {
 
   LookupMemory& lookups_;
   std::FILE* stream_;
+  LookupMemory::Kind kind_;
   std::uint16_t next_;
   std::uint16_t number_ = 0;
   std::uint16_t remembered_ = 0;
   std::uint32_t steps_ = 0;
   std::uint32_t stretch_ = 1;
   bool is_unreadable_ = false;
-  const std::uint8_t* bytes_ = nullptr;
+  LookupMemory::Block block_{};
   std::array<std::uint8_t, Size> room_;  // for a block that is not kept
 };
 

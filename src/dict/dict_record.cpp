@@ -1,6 +1,7 @@
 #include "dict/dict_record.hpp"
 
 #include <cstddef>
+#include <cstring>
 #include <span>
 
 #include "data/bytes.hpp"
@@ -33,6 +34,12 @@ void copy_fixed_field(ByteView fixed, std::size_t at, std::span<Byte, Extent> fi
 }
 
 void copy_fixed_part(ByteView fixed, WordEntry& word) {
+  if (fixed.size() == kRecordFixedPart) {
+    std::memcpy(word.frequency, fixed.data() + kFixedFrequency, sizeof word.frequency);
+    word.priority = fixed[kFixedPriority];
+    std::memcpy(word.language, fixed.data() + kFixedLanguage, sizeof word.language);
+    return;
+  }
   copy_fixed_field(fixed, kFixedFrequency, std::span(word.frequency));
   copy_fixed_field(fixed, kFixedPriority, std::span(&word.priority, 1));
   copy_fixed_field(fixed, kFixedLanguage, std::span(word.language));

@@ -1,11 +1,14 @@
 // Through the blocks of the dictionary file: for the fields that do not order the records, from key blocks to the
 // chains of data blocks they name; then through the data blocks, where each hit that has words gives a group.
 
+#include <cstring>
+
 #include "data/bytes.hpp"
 #include "data/session.hpp"
 #include "data/words.hpp"
 #include "dict/block_chain.hpp"
 #include "dict/dict_record.hpp"
+#include "dict/key_block.hpp"
 #include "dict/lookup.hpp"
 
 namespace lexon {
@@ -28,28 +31,14 @@ bool is_of_type(Session& session, std::FILE* dictionary, const DictChain& chain,
   return is_right;
 }
 
-// Appends the entries of a key block that equal the key. `is_done` is set where the chain holds nothing more: behind
-// an entry above the key, or where the block is damaged.
-Status scan_key_block(Session& session, ByteView content, std::string_view key, KeyHits& found, bool& is_done) {
-  ByteReader reader(content, kDictDataOffset);
-  while (reader.more() && !is_done) {
-    const std::string_view entry_key = reader.text();
-    const std::uint16_t block = reader.u16();
-    const int order = key_compare(entry_key, key);
-    is_done = !reader.ok() || order > 0;
-    if (is_done || order != 0) continue;
-    if (const Status s = key_hits_append(session, found, block); s != Status::ok) return s;
-  }
-  return Status::ok;
-}
-
-Status scan_key_chain(Session& session, std::FILE* dictionary, std::uint16_t first, std::string_view key,
-                      KeyHits& found) {
-  DictChain chain(session, dictionary, first);
-  for (bool is_done = false; !is_done && chain.advance();) {
+// Damage ends a chain of key blocks like its end.
+Status scan_key_chain(Session& session, std::FILE* dictionary, std::uint16_t first, KeyWalk& walk) {
+  walk.has_passed = walk.is_damaged = false;
+  DictChain chain(session, dictionary, first, LookupMemory::Kind::keys);
+  while (!walk.has_passed && !walk.is_damaged && chain.advance()) {
     if (const Status s = must_leave(session); s != Status::ok) return s;
     if (!is_of_type(session, dictionary, chain, kKeyBlock)) return Status::not_a_key_block;
-    if (const Status s = scan_key_block(session, chain.content(), key, found, is_done); s != Status::ok) return s;
+    if (const Status s = key_block_walk(session, chain.content(), chain.places(), walk); s != Status::ok) return s;
   }
   note_unreadable(session, dictionary, chain);
   return Status::ok;
@@ -57,12 +46,12 @@ Status scan_key_chain(Session& session, std::FILE* dictionary, std::uint16_t fir
 
 // From the key blocks of `hits` to the data blocks that they name.
 Status scan_key_blocks(Session& session, std::FILE* dictionary, std::string_view key, KeyHits& hits) {
-  KeyHits found;
+  KeyWalk walk{.key = key, .begin = kDictDataOffset};
   Status s = Status::ok;
   while (s == Status::ok && hits.first != nullptr)
-    s = scan_key_chain(session, dictionary, key_hits_take(session, hits), key, found);
+    s = scan_key_chain(session, dictionary, key_hits_take(session, hits), walk);
   key_hits_free(session, hits);
-  hits = found;
+  hits = walk.found;
   return s;
 }
 
@@ -97,21 +86,47 @@ Status append_word(Session& session, DataScan& scan, const LookupMemory::Record&
   return Status::ok;
 }
 
+// Do two texts of the same size hold the same? For many short ones that differ.
+bool is_same(const std::uint8_t* a, const char* b, std::size_t size) {
+  std::uint64_t first[2];
+  std::uint64_t last[2];
+  if (size < sizeof first[0] || size > 2 * sizeof first[0]) return size == 0 || std::memcmp(a, b, size) == 0;
+  std::memcpy(&first[0], a, sizeof first[0]);
+  std::memcpy(&first[1], b, sizeof first[0]);
+  std::memcpy(&last[0], a + size - sizeof first[0], sizeof first[0]);
+  std::memcpy(&last[1], b + size - sizeof first[0], sizeof first[0]);
+  return first[0] == first[1] && last[0] == last[1];
+}
+
 Status scan_data_block(Session& session, DataScan& scan, const DictChain& chain) {
   const ByteView content = chain.content();
-  ByteView record;
-  for (std::size_t at = kDictDataOffset; at < content.size(); at += record.size()) {
-    record = record_at(content, at);
-    scan.is_done = record.empty();
+  const std::uint8_t* const bytes = content.data();
+  std::size_t size = 0;
+  for (std::size_t at = kDictDataOffset; at < content.size(); at += size) {
+    // As `record_at` and `record_field` tell, in one go: most records are of other words.
+    size = content.size() - at < 2 ? 0 : load_u16(bytes + at);
+    scan.is_done = size <= 2 || size > content.size() - at;
     if (scan.is_done) return Status::ok;
-    const std::optional<std::string_view> field = record_field(record, scan.key_field);
-    if (!field.has_value()) continue;
-    const int order = key_compare(*field, scan.key);
-    // Records are in the order of the first field, and of no other.
-    scan.is_done = scan.key_field == kKeyHw && order > 0;
-    if (scan.is_done) return Status::ok;
-    if (order != 0) continue;
-    const LookupMemory::Record hit{chain.number(), static_cast<std::uint16_t>(at), scan.word_link == nullptr, record};
+    const std::size_t end = at + size;
+    std::size_t field = at + 2;
+    bool is_there = end - field >= 2;
+    for (int i = 1; i < scan.key_field && is_there; ++i) {
+      field += std::size_t{2} + load_u16(bytes + field);
+      is_there = field + 2 <= end;
+    }
+    const std::size_t length = is_there ? load_u16(bytes + field) : 0;
+    if (!is_there || length > end - field - 2) continue;
+    if (scan.key_field == kKeyHw) {
+      // Records are in the order of the first field, and of no other.
+      const int order = key_compare(as_text(content.subspan(field + 2, length)), scan.key);
+      scan.is_done = order > 0;
+      if (scan.is_done) return Status::ok;
+      if (order != 0) continue;
+    } else if (length != scan.key.size() || !is_same(bytes + field + 2, scan.key.data(), length)) {
+      continue;
+    }
+    const LookupMemory::Record hit{chain.number(), static_cast<std::uint16_t>(at), scan.word_link == nullptr,
+                                   content.subspan(at, size)};
     if (const Status s = append_word(session, scan, hit); s != Status::ok) return s;
     session.lookups.answer_add(hit);
   }
@@ -121,7 +136,7 @@ Status scan_data_block(Session& session, DataScan& scan, const DictChain& chain)
 Status scan_data_chain(Session& session, DataScan& scan, std::FILE* dictionary, std::uint16_t first) {
   scan.word_link = nullptr;
   scan.is_done = false;
-  DictChain chain(session, dictionary, first);
+  DictChain chain(session, dictionary, first, LookupMemory::Kind::words);
   while (!scan.is_done && chain.advance()) {
     if (const Status s = must_leave(session); s != Status::ok) return s;
     if (!is_of_type(session, dictionary, chain, kDataBlock)) return Status::not_a_data_block;

@@ -3,66 +3,29 @@
 
 #include <utility>
 
-#include "data/bytes.hpp"
 #include "data/session.hpp"
 #include "dict/block_chain.hpp"
 #include "dict/index.hpp"
+#include "dict/key_block.hpp"
 #include "dict/lookup.hpp"
 
 namespace lexon {
 
 namespace {
 
-// What a level is searched for, and what has been found on it.
-struct Level {
-  std::string_view key;
-  std::size_t name_size;
-  KeyHits found = {};
-  // Where the key would stand in the chain walked: under the greatest entry below it, or else under the first one.
-  std::uint16_t nearest = 0;
-  bool has_nearest = false;
-  bool has_passed = false;  // an entry above the key: the chain holds nothing more
-};
-
-Status search_block(Session& session, Level& level, ByteView content) {
-  ByteReader reader(content, index_data_offset(level.name_size));
-  while (reader.more()) {
-    const std::string_view key = reader.text();
-    const std::uint16_t block = reader.u16();
-    if (!reader.ok()) return Status::index_unreadable;
-    const int order = key_compare(key, level.key);
-    level.has_passed = order > 0;
-    if (!level.has_passed || !level.has_nearest) level.nearest = block;
-    level.has_nearest = true;
-    if (level.has_passed) return Status::ok;
-    if (order != 0) continue;
-    if (const Status s = key_hits_append(session, level.found, block); s != Status::ok) return s;
-  }
-  return Status::ok;
-}
-
-Status search_chain(Session& session, Level& level, std::FILE* index, std::uint16_t first) {
+Status search_chain(Session& session, KeyWalk& level, std::FILE* index, std::uint16_t first) {
   level.has_nearest = level.has_passed = false;
-  IndexChain chain(session, index, first);
+  IndexChain chain(session, index, first, LookupMemory::Kind::index);
   while (!level.has_passed && chain.advance()) {
     if (const Status s = must_leave(session); s != Status::ok) return s;
-    const Status s = search_block(session, level, chain.content());
-    const bool has_head = chain.content().size() >= index_data_offset(level.name_size);
-    if (s == Status::index_unreadable || !has_head) note_damaged_block(session, index, chain.offset());
-    if (s != Status::ok) return s;
+    const ByteView content = chain.content();
+    const Status s = key_block_walk(session, content, chain.places(), level);
+    if (level.is_damaged || content.size() < level.begin) note_damaged_block(session, index, chain.offset());
+    if (s != Status::ok || level.is_damaged) return s != Status::ok ? s : Status::index_unreadable;
   }
   if (!chain.is_unreadable()) return Status::ok;
   note_damaged_block(session, index, chain.offset());
   return Status::index_unreadable;
-}
-
-// The chain of the last hit decides where the key would stand. Chains without any entry lead nowhere.
-Status search_level(Session& session, Level& level, std::FILE* index, KeyHits& hits) {
-  while (hits.first != nullptr) {
-    if (const Status s = search_chain(session, level, index, key_hits_take(session, hits)); s != Status::ok) return s;
-  }
-  const bool leads_on = level.found.first == nullptr && level.has_nearest;
-  return leads_on ? key_hits_append(session, level.found, level.nearest) : Status::ok;
 }
 
 }  // namespace
@@ -90,8 +53,13 @@ void key_hits_free(Session& session, KeyHits& hits) {
 Status index_search(Session& session, std::FILE* index, std::size_t name_size, int levels, std::string_view key,
                     KeyHits& hits) {
   for (int i = 0; i < levels; ++i) {
-    Level level{.key = key, .name_size = name_size};
-    const Status s = search_level(session, level, index, hits);
+    KeyWalk level{.key = key, .begin = index_data_offset(name_size)};
+    Status s = Status::ok;
+    while (s == Status::ok && hits.first != nullptr)
+      s = search_chain(session, level, index, key_hits_take(session, hits));
+    // The chain of the last hit decides where the key would stand. Chains without any entry lead nowhere.
+    if (s == Status::ok && level.found.first == nullptr && level.has_nearest)
+      s = key_hits_append(session, level.found, level.nearest);
     key_hits_free(session, hits);
     hits = level.found;
     if (s != Status::ok) return s;

@@ -82,7 +82,7 @@ namespace {
   if (side == Side::left) trace_copied_node(session, copy);
   trace_result_node(session, Side::right, false, window.rnode);
   if (side == Side::right) trace_copied_node(session, copy);
-  node_insert_after(*source, *copy);
+  node_insert_after(session, *source, *copy);
   if (const Status status = window_marker_push(session, *copy); status != Status::ok) return ended(status);
   // wanted: the left node decides, though the right one may have been copied.
   if (is_word_changed(window.lnode) && window.lnode->left != nullptr) return done_if_ok(left_step(session, window));
@@ -118,13 +118,13 @@ namespace {
   }
   // The merge node takes the place of both. The survivor's own links stay as they were until undo needs it again.
   merged->merged_with = &dropped;
-  node_take_out(survivor);
+  node_take_out(session, survivor);
   if (side == Side::right) {
-    node_insert_after(dropped, *merged);
+    node_insert_after(session, dropped, *merged);
   } else {
-    node_insert_before(dropped, *merged);
+    node_insert_before(session, dropped, *merged);
   }
-  node_take_out(dropped);
+  node_take_out(session, dropped);
   dropped.left = dropped.right = nullptr;
   // wanted: DL always takes the step to the left, DR only after actions.
   const bool steps_left = side == Side::right || is_word_changed(merged);
@@ -156,8 +156,8 @@ namespace {
     node_of(window, side)->matches->state = kStateChanged;
   }
   // The window stands in front of the pair: its right place is the node that came from the right.
-  node_take_out(from_left);
-  node_insert_after(from_right, from_left);
+  node_take_out(session, from_left);
+  node_insert_after(session, from_right, from_left);
   window = {from_right.left, &from_right};
   return window.lnode == nullptr ? Status::ok : window_marker_push(session, *window.lnode);
 }

@@ -58,6 +58,7 @@ Node* match_groups(Session& session, const Walk& walk, GroupCursor groups, Node*
       session.state.turned = nullptr;
       before->right = node;
       node->left = before;
+      if (node == before) session.sentence.has_loop = true;
     }
     before = nullptr;
     if (result == nullptr || walk.side == Side::left) result = node;

@@ -30,7 +30,7 @@ Fit offer(Session& session, Match& match, Side side, Relation& arc, Node& node, 
     const Fit fit = filter_candidates(session, side, match.rule, match.candidate,
                                       window_with(match.window, side, &node), match.chosen);
     // An arc from a node to itself puts it beside itself: the list shows it, and the next match is refused.
-    if (fit == Fit::no || beside == &node || !stands_in_list(session, beside, &node)) return fit;
+    if (fit == Fit::no || beside == &node || !node.was_listed || !stands_in_list(session, beside, &node)) return fit;
     rule_base_failure(session, "a relation brings in a node that stands in the list already and is fresh");
     return Fit::failed;
   }
@@ -65,8 +65,9 @@ Fit find_by_arc(Session& session, Match& match, Side side, Node*& placed) {
   Relation* arcs = anchor->origin == nullptr ? anchor->relations : anchor->origin->relations;
   for (Relation& arc : chain<&Relation::next>(arcs)) {
     if (must_leave(session) != Status::ok) return Fit::no;
-    if (arc.scope != scope || arc.used != 0 || std::strcmp(arc.label, label) != 0) continue;
+    // The ends first: the lists of nodes join, and most arcs of a list belong to others.
     if (!is_same_or_origin(own != nullptr ? arc.from : arc.to, *anchor)) continue;
+    if (arc.scope != scope || arc.used != 0 || std::strcmp(arc.label, label) != 0) continue;
     Node& node = own != nullptr ? *arc.to : *arc.from;
     // wanted: a scope without an entry ends the search, whatever arcs are left.
     if (is_scope_reference(node) && scope_entry_node(session, node.scope) == nullptr) return Fit::no;
@@ -118,7 +119,7 @@ Fit bring_in(Session& session, Match& match, Side side) {
   if (fit != Fit::yes && fit != Fit::refused) return fit;
   // It stands between the other place of the window and that one's neighbour.
   Node& beside = *node_of(match.window, other(side));
-  side == Side::left ? node_insert_before(beside, *placed) : node_insert_after(beside, *placed);
+  side == Side::left ? node_insert_before(session, beside, *placed) : node_insert_after(session, beside, *placed);
   node_of(match.window, side) = placed;
   return Fit::yes;
 }

@@ -168,12 +168,12 @@ Status generate_scope(Session& session, Node* entry, bool nested) {
   if (node->left == nullptr) {
     const Status status = boundary_make(session, boundary, "<<", nested ? "CHEAD" : "SHEAD");
     if (status != Status::ok) return status;
-    node_insert_before(*node, *boundary);
+    node_insert_before(session, *node, *boundary);
   }
   if (node->right == nullptr) {
     const Status status = boundary_make(session, boundary, ">>", nested ? "CTAIL" : "STAIL");
     if (status != Status::ok) return status;
-    node_insert_after(*node, *boundary);
+    node_insert_after(session, *node, *boundary);
     const Status copied = entry_list_copy(session, boundary->candidates, boundary->entries);
     if (copied != Status::ok) return copied;
   }

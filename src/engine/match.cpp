@@ -75,17 +75,20 @@ bool is_refused(const Match& match) {
 
 // ---- Turn.
 
-// One walk does for all the rules that a window is offered, until one of them touches the list.
+// One walk does for all the rules that a window is offered, until one of them touches the list. Where each word has the
+// attributes of one scope there is nothing to turn.
 Status turn_to_current_scope(Session& session, const Window& window) {
   Node* member = window.lnode != nullptr ? window.lnode : window.rnode;
   EngineState& state = session.state;
   const int scope = current_scope(session).number;
   if (member != nullptr && state.turned == member && state.turned_scope == scope) return Status::ok;
-  Node* first = list_first(member);
-  if (first != nullptr && first->left == first) return rule_base_failure(session, "put a node beside itself");
-  for (Node& node : chain<&Node::right>(first)) {
-    if (const Status s = must_leave(session); s != Status::ok) return s;
-    scope_attrs_to_front(node, scope);
+  if (session.sentence.has_loop || session.sentence.has_scopes_mixed) {
+    Node* first = list_first(member);
+    if (first != nullptr && first->left == first) return rule_base_failure(session, "put a node beside itself");
+    for (Node& node : chain<&Node::right>(first)) {
+      if (const Status s = must_leave(session); s != Status::ok) return s;
+      scope_attrs_to_front(node, scope);
+    }
   }
   state.turned = member;
   state.turned_scope = scope;

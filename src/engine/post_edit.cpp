@@ -3,15 +3,18 @@
 
 #include "engine/post_edit.hpp"
 
+#include <cstring>
 #include <span>
 
 #include "data/nodes.hpp"
 #include "data/session.hpp"
+#include "data/words.hpp"
 #include "engine/apply.hpp"
 #include "engine/candidate_pin.hpp"
 #include "engine/match.hpp"
 #include "engine/observer.hpp"
 #include "engine/post_edit_rule.hpp"
+#include "engine/side.hpp"
 #include "engine/trace.hpp"
 #include "rules/grammar.hpp"
 #include "rules/matrix.hpp"
@@ -30,14 +33,48 @@ namespace {
   return wants_reference ? place != nullptr && is_scope_reference(*place) : is_post_edit_type(rule.type);
 }
 
+// The surface forms of a window that shifts may be held against before anything else, by the side that gives the text:
+// of nodes that are settled, beside a place that holds nothing for another try. Null: rules have to be matched.
+struct ShiftedTexts {
+  const char* of[2] = {nullptr, nullptr};
+  std::size_t size[2] = {0, 0};
+
+  explicit ShiftedTexts(const Window& window) {
+    for (const Side side : {Side::left, Side::right}) {
+      const Node* node = node_of(window, side);
+      const Node* place = node_of(window, other(side));
+      if (node == nullptr || node->candidates == nullptr || is_fresh(*node)) continue;
+      if (place != nullptr && is_marked(*place)) continue;
+      const auto index = static_cast<std::size_t>(side);
+      of[index] = text_or_empty(node->candidates->hw);
+      size[index] = std::strlen(of[index]);
+    }
+  }
+
+  // Most texts differ from a rule's in the character that stands at the end.
+  [[nodiscard]] bool refuse(RuleTraits rule) const {
+    if (rule.shifted_end == '\0') return false;
+    const auto index = static_cast<std::size_t>(rule.shifts_left ? Side::right : Side::left);
+    if (of[index] == nullptr) return false;
+    return size[index] == 0 || of[index][rule.shifts_left ? 0 : size[index] - 1] != rule.shifted_end;
+  }
+};
+
 // The first of the rules that fits, as a candidate of its own; null if none does. `result` is what the last match gave.
 [[nodiscard]] RuleCandidate* rule_choose(Session& session, std::span<const std::int32_t> rules, Window& window,
                                          Status& result) {
   session.state.turned = nullptr;
+  const ShiftedTexts texts(window);
+  // Who watches wants to hear of each try, and the trace of each word that has no room for what it would get.
+  const bool may_pass_over = session.observer == nullptr && session.state.trace_level < 3;
   for (const std::int32_t number : rules) {
+    const RuleTraits traits = session.grammar->index.search.traits[static_cast<std::size_t>(number)];
+    if (may_pass_over && session.state.turned != nullptr && texts.refuse(traits)) {
+      result = Status::ok;
+      continue;
+    }
     const Rule& rule = *session.grammar->index.search.rules[static_cast<std::size_t>(number)];
     if (!may_run(rule, window)) continue;
-    // Who watches wants to hear of each try.
     if (session.observer == nullptr && session.state.turned != nullptr && is_refused_by_text(session, rule, window)) {
       result = Status::ok;
       continue;

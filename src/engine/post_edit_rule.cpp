@@ -55,9 +55,9 @@ namespace {
     if (const Status status = entry_attrs_prefix(session, word, "H#NIL,"); status != Status::ok) return status;
   }
   if (side == Side::left) {
-    node_insert_before(*source, *node);
+    node_insert_before(session, *source, *node);
   } else {
-    node_insert_after(*source, *node);
+    node_insert_after(session, *source, *node);
   }
   node_of(window, side) = node;
   if (const Status status = rule_actions_apply(session, window, candidate); status != Status::ok) return status;

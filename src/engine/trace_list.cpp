@@ -44,7 +44,7 @@ void append_up_to(Session& session, std::string& line, Node* node, const Node* e
   for (; node != nullptr && node != end && must_leave(session) == Status::ok; node = node->right) {
     if (node->candidates == nullptr) {
       // Not released: the graph can still point at it.
-      node_take_out(*node);
+      node_take_out(session, *node);
       return;
     }
     append_node(line, *node, Form::plain);

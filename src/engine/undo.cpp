@@ -51,7 +51,7 @@ void node_unlink_release(Session& session, Node& node) {
   const bool is_known_to_others =
       node.name != nullptr || kind_bits(node) == kKindBoundary || is_scope_entry(session, node);
   if (is_known_to_others) {
-    node_take_out(node);
+    node_take_out(session, node);
     node_empty(session, node);
   } else {
     Node* released = &node;
@@ -114,9 +114,9 @@ Status merge_undo(Session& session, Window& window, RuleCandidate*& candidate) {
   // The two merged nodes stand in the place of the merge node again, and are the window.
   Node* source = merged->source;
   window = type == rule_type::merge_left ? Window{merged->merged_with, source} : Window{source, merged->merged_with};
-  node_insert_before(*merged, *window.lnode);
-  node_insert_before(*merged, *window.rnode);
-  node_take_out(*merged);
+  node_insert_before(session, *merged, *window.lnode);
+  node_insert_before(session, *merged, *window.rnode);
+  node_take_out(session, *merged);
   entry_drop_head(session, merged->candidates);
   merged->candidates = nullptr;  // the rest is the source's
   scope_entries_hand_over(session, *merged, source);
@@ -140,8 +140,8 @@ Status exchange_undo(Session& session, Window& window, const RuleCandidate& cand
   for (Node* node : {window.lnode, &first, second}) {
     if (const Status status = record_pop(session, node); status != Status::ok) return status;
   }
-  node_take_out(*second);
-  node_insert_before(first, *second);
+  node_take_out(session, *second);
+  node_insert_before(session, first, *second);
   window = {second, &first};
   return Status::ok;
 }
@@ -169,8 +169,8 @@ Status stepless_undo(Session& session, Window& window, const Rule& rule) {
   if (const Status status = record_pop(session, copy); status != Status::ok) return status;
   copy->matches = nullptr;
   if (!drops_always) copy->relations = nullptr;
-  node_insert_before(*copy, *before.lnode);
-  node_insert_before(*copy, *before.rnode);
+  node_insert_before(session, *copy, *before.lnode);
+  node_insert_before(session, *copy, *before.rnode);
   node_unlink_free(session, copy);
   window = before;
   return Status::ok;
@@ -239,7 +239,7 @@ Status inserted_undo(Session& session, const Rule& rule, Window& window) {
   // A node of the graph is ready to be brought in again; a copy, a word from the dictionary, and a node of which no arc
   // says how it came in, are gone.
   if (is_reset) {
-    node_take_out(inserted);
+    node_take_out(session, inserted);
     inserted.left = inserted.right = nullptr;
   } else {
     node_unlink_release(session, inserted);

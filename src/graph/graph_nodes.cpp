@@ -29,7 +29,8 @@ Node** nodes_end(Session& session) {
 // The node's blocks are those of a row; dots of the newest one turn to commas.
 void blocks_set(Node& node, ScopeAttrs* blocks) {
   node.scope_attrs = blocks;
-  if (blocks != nullptr) std::replace(blocks->text, blocks->text + std::strlen(blocks->text), '.', ',');
+  if (blocks == nullptr) return;
+  for (char* dot = std::strchr(blocks->text, '.'); dot != nullptr; dot = std::strchr(dot, '.')) *dot = ',';
 }
 
 // The master list of a node of the same concept from `position` on, or null.

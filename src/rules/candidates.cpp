@@ -20,6 +20,7 @@
 
 #include "data/nodes.hpp"
 #include "data/session.hpp"
+#include "data/side.hpp"
 #include "rules/grammar.hpp"
 #include "rules/rule_search.hpp"
 
@@ -29,6 +30,7 @@ namespace {
 
 // One side of the window, and the part of the index that belongs to it.
 struct WindowSide {
+  const RuleSearch& index;
   const SideSearch& search;
   SearchScratch::Side& scratch;
   const Node* node;             // may be null
@@ -43,7 +45,7 @@ enum class Verdict : std::uint8_t { answer, all, none };
 
 struct Answer {
   Verdict verdict;
-  Numbers satisfied;  // the rules that the side watches and lets through, in order
+  Numbers satisfied;  // the rules that the side watches and lets through, and such easy ones, in order
   Numbers words;      // what each word has, see `word_note`
   std::int32_t name;  // what it goes by in a pair
 };
@@ -166,7 +168,7 @@ bool lets_through(const SideSearch& search, const SearchScratch::Side& scratch, 
          std::ranges::none_of(list_of(search.forbidden, rule), is_striking);
 }
 
-// Appends to `satisfied` the rules that the present rows watch and that the word lets through.
+// Appends to `satisfied` the rules that the word lets through: of those that the present rows watch, and of the easy ones.
 void satisfied_take(const WindowSide& side) {
   SearchScratch::Side& scratch = side.scratch;
   for (const std::int32_t row : scratch.present) {
@@ -177,6 +179,10 @@ void satisfied_take(const WindowSide& side) {
       if (lets_through(side.search, scratch, static_cast<std::size_t>(watched.rule)))
         scratch.satisfied.push_back(watched.rule);
     }
+  }
+  if (!side.index.sides_know_easy()) return;
+  for (const std::int32_t rule : side.index.easy) {
+    if (lets_through(side.search, scratch, static_cast<std::size_t>(rule))) scratch.satisfied.push_back(rule);
   }
 }
 
@@ -281,6 +287,14 @@ Answer answer_remember(SearchScratch& search, SearchScratch::Side& scratch) {
   return known_answer(scratch, number);
 }
 
+// The number of a key, or -1. What was found last for the node or the pair is compared before the key is hashed.
+std::int32_t number_find(const KeyNumbers& known, std::string_view key, std::int32_t& latest) {
+  if (known.is_number_of(latest, key)) return latest;
+  const std::int32_t number = known.find(key);
+  if (number >= 0) latest = number;
+  return number;
+}
+
 // None if the search has to be given up.
 std::optional<Answer> side_answer(Session& session, const WindowSide& side) {
   const bool settled = side.node == nullptr || is_settled(side);
@@ -289,7 +303,9 @@ std::optional<Answer> side_answer(Session& session, const WindowSide& side) {
   }
   SearchScratch::Side& scratch = side.scratch;
   key_take(side);
-  if (const std::int32_t number = scratch.known.find(scratch.key); number >= 0) return known_answer(scratch, number);
+  const auto place = reinterpret_cast<std::uintptr_t>(side.node) / sizeof(Node) % scratch.latest.size();
+  const std::int32_t number = number_find(scratch.known, scratch.key, scratch.latest[place]);
+  if (number >= 0) return known_answer(scratch, number);
   if (!side_search(session, side)) return std::nullopt;
   return answer_remember(session.search, scratch);
 }
@@ -319,31 +335,52 @@ void search_forget(SearchScratch& scratch) {
 // The rules that are asked for.
 enum class Wanted : std::int32_t { all, post_edit };
 
-// Leaves in `asked` the rules that may pass: easy ones, and those that a side watches and lets through. Where all rules
-// pass on a side, what is watched there tells nothing.
+// Leaves in `asked` the rules that may pass: those that a side lets through, and easy ones of which it is not known. Where
+// all rules pass on a side, what is watched there tells nothing.
 void rules_ask(const RuleSearch& index, const Answer& left, const Answer& right, SearchScratch& scratch) {
   std::vector<std::int32_t>& asked = scratch.asked;
+  asked.clear();
   if (left.verdict == Verdict::all || right.verdict == Verdict::all) {
     asked.resize(index.rules.size());
     std::iota(asked.begin(), asked.end(), 0);
-    return;
+  } else if (index.sides_know_easy()) {
+    std::ranges::set_union(left.satisfied, right.satisfied, std::back_inserter(asked));
+  } else {
+    scratch.merged.clear();
+    std::ranges::set_union(left.satisfied, right.satisfied, std::back_inserter(scratch.merged));
+    std::ranges::set_union(index.easy, scratch.merged, std::back_inserter(asked));
   }
-  scratch.merged.clear();
-  std::ranges::set_union(left.satisfied, right.satisfied, std::back_inserter(scratch.merged));
-  asked.clear();
-  std::ranges::set_union(index.easy, scratch.merged, std::back_inserter(asked));
 }
 
-// Leaves in `passing`, beside each rule that is asked about, whether the side lets it through.
-void side_test(const SideSearch& search, SearchScratch::Side& scratch, const Answer& answer, Numbers asked) {
+// Leaves in `passing`, beside each rule that is asked about, whether the side lets it through. The answer names those that
+// it does of the rules that this side watches; rules of the other side are held against each word.
+void side_test(const RuleSearch& index, Side which, SearchScratch& all, const Answer& answer) {
+  const SideSearch& search = of_side(which, index.left, index.right);
+  SearchScratch::Side& scratch = of_side(which, all.left, all.right);
+  const Numbers asked = all.asked;
   scratch.passing.assign(asked.size(), answer.verdict == Verdict::all ? 1 : 0);
-  for (Numbers words = answer.words; !words.empty();) {
+  if (answer.verdict != Verdict::answer) return;
+  scratch.open.clear();
+  const std::int32_t* known = answer.satisfied.data();
+  const std::int32_t* const end = known + answer.satisfied.size();
+  for (std::size_t i = 0; i < asked.size(); ++i) {
+    while (known != end && *known < asked[i]) ++known;
+    scratch.passing[i] = known != end && *known == asked[i] ? 1 : 0;
+    const RuleTraits traits = index.traits[static_cast<std::size_t>(asked[i])];
+    const bool is_easy = !traits.left_watches && !traits.right_watches;
+    const bool is_told = is_easy               ? index.sides_know_easy()
+                         : which == Side::left ? traits.left_watches
+                                               : traits.right_watches;
+    if (!is_told) scratch.open.push_back(static_cast<std::int32_t>(i));
+  }
+  for (Numbers words = answer.words; !words.empty() && !scratch.open.empty();) {
     const auto present = words.subspan(2, static_cast<std::size_t>(words[0]));
     const auto striking = words.subspan(2 + present.size(), static_cast<std::size_t>(words[1]));
     words = words.subspan(2 + present.size() + striking.size());
     for (const std::int32_t row : present) scratch.is_present[static_cast<std::size_t>(row)] = 1;
     for (const std::int32_t row : striking) scratch.is_striking[static_cast<std::size_t>(row)] = 1;
-    for (std::size_t i = 0; i < asked.size(); ++i) {
+    for (const std::int32_t at : scratch.open) {
+      const auto i = static_cast<std::size_t>(at);
       if (scratch.passing[i] == 0 && lets_through(search, scratch, static_cast<std::size_t>(asked[i])))
         scratch.passing[i] = 1;
     }
@@ -357,8 +394,8 @@ void side_test(const SideSearch& search, SearchScratch::Side& scratch, const Ans
 void passing_find(const RuleSearch& index, const Answer& left, const Answer& right, Wanted kind,
                   SearchScratch& scratch) {
   rules_ask(index, left, right, scratch);
-  side_test(index.left, scratch.left, left, scratch.asked);
-  side_test(index.right, scratch.right, right, scratch.asked);
+  side_test(index, Side::left, scratch, left);
+  side_test(index, Side::right, scratch, right);
   scratch.fresh.clear();
   for (std::size_t i = 0; i < scratch.asked.size(); ++i) {
     const bool passes_left = scratch.left.passing[i] != 0;
@@ -376,7 +413,10 @@ Numbers passing_rules(Session& session, const Answer& left, const Answer& right,
   const std::array<std::int32_t, 3> pair = {left.name, right.name, static_cast<std::int32_t>(kind)};
   const std::string_view key(reinterpret_cast<const char*>(pair.data()), sizeof(pair));
   const bool has_names = left.name != kNameless && right.name != kNameless;
-  if (const std::int32_t number = has_names ? scratch.known_pairs.find(key) : -1; number >= 0) {
+  const std::size_t place =
+      (static_cast<std::size_t>(left.name) * 31 + static_cast<std::size_t>(right.name)) % scratch.latest.size();
+  const std::int32_t number = has_names ? number_find(scratch.known_pairs, key, scratch.latest[place]) : -1;
+  if (number >= 0) {
     const SearchScratch::Found& found = scratch.found[static_cast<std::size_t>(number)];
     return Numbers(scratch.rules).subspan(found.begin, found.count);
   }
@@ -397,8 +437,8 @@ Numbers passing_rules(Session& session, const Answer& left, const Answer& right,
 Numbers search(Session& session, Node* lnode, Node* rnode, Wanted kind) {
   const RuleSearch& index = session.grammar->index.search;
   if ((lnode == nullptr && rnode == nullptr) || index.rules.empty()) return {};
-  WindowSide left{index.left, session.search.left, lnode};
-  WindowSide right{index.right, session.search.right, rnode};
+  WindowSide left{index, index.left, session.search.left, lnode};
+  WindowSide right{index, index.right, session.search.right, rnode};
   if (!see_through(session, left) || !see_through(session, right)) return {};
   if (session.search.is_full) search_forget(session.search);
   try {

@@ -4,6 +4,7 @@
 #include <bit>
 #include <cstring>
 #include <span>
+#include <string_view>
 #include <utility>
 
 #include "data/chain.hpp"
@@ -69,6 +70,19 @@ void watchers_set(SideSearch& side, const std::vector<std::int32_t>& watchers) {
   }
 }
 
+// See `RuleTraits::shifted_end`.
+char shifted_end(const Rule& rule) {
+  if (rule.type != rule_type::shift_left && rule.type != rule_type::shift_right) return '\0';
+  const bool to_left = rule.type == rule_type::shift_left;
+  const NodePattern& own = to_left ? *rule.lnode : *rule.rnode;
+  const NodePattern& shifted = to_left ? *rule.rnode : *rule.lnode;
+  const bool is_plain = rule.mid == nullptr && (to_left ? rule.suf : rule.pre) == nullptr && own.inserted != 0 &&
+                        shifted.inserted == 0 && own.hw_conds != nullptr;
+  const std::string_view text = is_plain ? own.hw_conds->text : "";
+  if (text.empty()) return '\0';
+  return to_left ? text.front() : text.back();
+}
+
 }  // namespace
 
 NameIndex name_index_of(const MatrixSide& side) {
@@ -103,7 +117,10 @@ void rules_prepare(RuleIndex& index) {
   search.traits.reserve(count);
   for (Rule& rule : chain<&Rule::next>(index.matrix.rules)) {
     search.rules.push_back(&rule);
-    search.traits.push_back({rule.lnode->inserted != 0, rule.rnode->inserted != 0, is_post_edit_type(rule.type)});
+    const bool left_inserted = rule.lnode->inserted != 0;
+    const bool right_inserted = rule.rnode->inserted != 0;
+    search.traits.push_back({left_inserted, right_inserted, is_post_edit_type(rule.type),
+                             rule.type == rule_type::shift_left, false, false, shifted_end(rule)});
   }
 }
 
@@ -124,6 +141,8 @@ void watch_prepare(RuleSearch& search) {
     } else {
       right[rule] = right_row;
     }
+    search.traits[rule].left_watches = left[rule] >= 0;
+    search.traits[rule].right_watches = right[rule] >= 0;
   }
   watchers_set(search.left, left);
   watchers_set(search.right, right);

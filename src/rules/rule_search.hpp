@@ -4,7 +4,7 @@
 // lack one. Here the first goes from the pieces of the attribute strings to the rows, by hash. The second goes from
 // the present rows to the rules: each rule is watched by one of the rows it requires, the one that the fewest rules
 // require on either side, so a rule is looked at only when that rare attribute is there. Rules without such a row are
-// easy: they are looked at in every window.
+// easy: each side finds those that it lets through, if there are not too many, or they are looked at in every window.
 #pragma once
 
 #include <cstddef>
@@ -51,6 +51,13 @@ struct RuleTraits {
   bool left_inserted : 1;  // the pattern of this side is a quote pattern
   bool right_inserted : 1;
   bool is_post_edit : 1;
+  // A shift of post-edit, which may be refused by its text alone, since neither context nor another pattern has a say
+  // before: where it brings a node in, and the character that the other node's surface form must begin with (a shift to
+  // the left) or end with. None: NUL.
+  bool shifts_left : 1;
+  bool left_watches : 1;  // a row of this side watches the rule
+  bool right_watches : 1;
+  char shifted_end;
 };
 
 struct RuleSearch {
@@ -59,6 +66,9 @@ struct RuleSearch {
   std::vector<std::int32_t> easy;  // the rules that no row watches, in order
   SideSearch left;
   SideSearch right;
+
+  // Each answer holds the easy rules too: more of them would soon fill the room for answers.
+  [[nodiscard]] bool sides_know_easy() const { return easy.size() <= 512; }
 };
 
 // The index over the rules of a grammar: built or loaded once, then read by any number of threads. Zeroed until then:

@@ -24,6 +24,10 @@ constexpr std::size_t kMostOfOne = std::size_t{4} << 20;
 // Bytes of one text: a longer one is read from the input while it is rendered.
 constexpr std::size_t kMostText = std::size_t{1} << 20;
 
+// What a thread's next output is kept in: rooms for each thread that wait, and how large one may have become.
+constexpr std::size_t kRoomsOfOne = 4;
+constexpr std::size_t kLargestRoom = std::size_t{1} << 20;
+
 std::size_t thread_count(const RunSettings& settings) {
   if (settings.jobs > 0) return static_cast<std::size_t>(settings.jobs);
   return std::clamp<std::size_t>(std::thread::hardware_concurrency(), 1, kMostJobs);
@@ -167,7 +171,7 @@ void Batch::Desk::render(Job& job) {
   job.outcome = batch_.render(worker_, source, job.number, job.notes);
   worker_.end();
   job_ = nullptr;
-  job.output = session().output.take();
+  job.output = session().output.take(batch_.room_take());
   job.damage = session().damage;
   if (!reads_on) return;
   batch_.lines_.line = job.notes.text.line;
@@ -189,6 +193,7 @@ Batch::Batch(const RunSettings& settings, RunContext& context)
   lines_.line = context.input_notes.text.line;
   lines_.goes_on = context.input_notes.text.goes_on;
   const std::size_t threads = has_rules ? thread_count(settings) : 1;
+  if (threads > 1) rooms_.reserve(kRoomsOfOne * threads);
   for (std::size_t i = 0; i < threads && threads > 1; ++i) {
     sessions_.push_back(std::make_unique<Session>());
     sessions_.back()->state.trace_level = context.session.state.trace_level;
@@ -368,6 +373,15 @@ Batch::Job* Batch::take() {
   return &jobs_.back();
 }
 
+// Room for an output, of one that has been written if there is any.
+std::string Batch::room_take() {
+  const std::lock_guard lock(mutex_);
+  if (rooms_.empty()) return {};
+  std::string room = std::move(rooms_.back());
+  rooms_.pop_back();
+  return room;
+}
+
 // What the other threads do now is of no use. The caller holds the second mutex.
 void Batch::end() {
   has_ended_ = true;
@@ -392,6 +406,8 @@ void Batch::finish(Desk& desk, Job& job) {
     const bool goes_on = commit(first);
     lock.lock();
     target_left_ = first.outcome.leaves_target;
+    if (rooms_.size() < rooms_.capacity() && first.output.capacity() <= kLargestRoom)
+      rooms_.push_back(std::move(first.output));
     jobs_.pop_front();
     if (!goes_on) end();
     moved_.notify_all();

@@ -75,6 +75,7 @@ class Batch final : public StepWork {
   void finish(Desk& desk, Job& job);
   bool commit(Job& job);
   void end();
+  [[nodiscard]] std::string room_take();
   // False when the run ends with this sentence.
   bool close_sentence(Outcome& outcome);
 
@@ -96,8 +97,9 @@ class Batch final : public StepWork {
 
   std::mutex mutex_;
   std::condition_variable moved_;
-  std::deque<Job> jobs_;  // that are not committed, in the order of the input
-  std::size_t kept_ = 0;  // bytes of texts and finished outputs in there
+  std::deque<Job> jobs_;            // that are not committed, in the order of the input
+  std::size_t kept_ = 0;            // bytes of texts and finished outputs in there
+  std::vector<std::string> rooms_;  // outputs that have been written: room for those to come
   bool is_committing_ = false;
   bool target_left_ = false;  // the bit of the sentence that was committed last
   bool has_ended_ = false;

@@ -64,7 +64,7 @@ TEST(InsertedUndo, GivesTheArcOfACopyBackToItsOrigin) {
   Node& source = step.list.at(2);
   Relation* arc = arc_between(*step.window.lnode, source, "agn");
   ASSERT_EQ(node_copy(session, step.window.rnode, source, arc, 0), Status::ok);
-  node_insert_after(*step.window.lnode, *step.window.rnode);
+  node_insert_after(session, *step.window.lnode, *step.window.rnode);
   arc->used = 1;
   session.state.forced_node = step.window.rnode;
   ASSERT_EQ(inserted_undo(session, *step.rule, step.window), Status::ok);

@@ -69,6 +69,8 @@ ScopeAttrs* block_of(std::string_view text) {
 void add_blocks(Node& node, std::string_view& text) {
   ScopeAttrs** link = &node.scope_attrs;
   for (; text.starts_with('{'); link = &(*link)->next) *link = block_of(bracketed(text, '}'));
+  const bool has_several = node.scope_attrs != nullptr && node.scope_attrs->next != nullptr;
+  session.sentence.has_scopes_mixed = session.sentence.has_scopes_mixed || has_several;
 }
 
 // Read from the back, so that the first one stands on top.
@@ -159,7 +161,7 @@ List::List(std::string_view text) {
     const bool in_window = text.starts_with('[');
     if (in_window) text = text.substr(1, text.size() - 2);
     Node* node = node_of_text(text);
-    if (!nodes.empty()) node_insert_after(*nodes.back(), *node);
+    if (!nodes.empty()) node_insert_after(session, *nodes.back(), *node);
     nodes.push_back(node);
     if (in_window) (lnode == nullptr ? lnode : rnode) = node;
     text = rest;
