@@ -425,7 +425,7 @@ void ViewRecord::tried(Session& session, const RuleCandidate& candidate, const W
   if (inserted != nullptr) literal_note(*inserted);
   // Those whose scopes have failed are left over.
   if (fitted_.size() > kMostFitted) fitted_.erase(fitted_.begin());
-  fitted_.push_back({&candidate, list_of(session, before, &candidate, inserted)});
+  fitted_.push_back({&candidate, list_of(session, after, &candidate, inserted)});
 }
 
 void ViewRecord::applied(Session& session, const RuleCandidate& candidate, const Window& after) {
