@@ -38,7 +38,7 @@ with folder() as name:
     check("two sources: gold", (here / "gold.txt").read_text(), "[S:a.1]\nDogs ran .\n\n[S:t.1]\nDogs run.\n\n")
     check("two sources: left out", (here / "left.txt").read_text(), "a.2\tbank.txt:6:35\tg :wiki x\twiki\n")
     graphs = (here / "out.txt").read_text()
-    for part in ("agn(run(>02).@entry.@v, dog)", "go(>02).@entry.@v.@can", "agn(run.@entry.@verb, dog.@noun.@pl)"):
+    for part in ("agn(run(>02).@entry.@v.@cl, dog)", "go(>02).@entry.@v.@can", "agn(run.@entry.@verb, dog.@noun.@pl)"):
         check(f"two sources: {part}", part in graphs, True)
 
     run("lexon-dict", "build", "entries.txt", "words.dic", folder=here)
