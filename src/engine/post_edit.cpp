@@ -64,7 +64,7 @@ struct ShiftedTexts {
 [[nodiscard]] RuleCandidate* rule_choose(Session& session, std::span<const std::int32_t> rules, Window& window,
                                          Status& result) {
   session.state.turned = nullptr;
-  const ShiftedTexts texts(window);
+  ShiftedTexts texts(window);
   // Who watches wants to hear of each try, and the trace of each word that has no room for what it would get.
   const bool may_pass_over = session.observer == nullptr && session.state.trace_level < 3;
   for (const std::int32_t number : rules) {
@@ -92,6 +92,8 @@ struct ShiftedTexts {
     }
     if (fit == Fit::yes || must_leave(session) != Status::ok) return candidate;
     candidate_passed_over(session, candidate);
+    // A node that waited for another try has let go of its words.
+    if (fit != Fit::no) texts = ShiftedTexts(window);
   }
   return nullptr;
 }

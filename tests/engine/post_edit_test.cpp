@@ -130,6 +130,7 @@ TEST(Pass, WalksFromTheEndAsLongAsRulesFit) {
       {"ToTheLeftEnd", "PL{}{}P1;", "<<(0) a(0) >>(0)", "<<(00) a(0) >>(0)"},
       {"FirstWindowWithoutARule", "PL{STAIL}{}P1;", "<<(0) a(0) >>(0)", "<<(0) a(0) >>(0)"},
       {"ScopeRulesNeedAReference", "PSL{:+x}{}P1;", "<<(0) a(0) >>(0)", "<<(0) a(0) >>(0)"},
+      {"TextOfAWordThatTheFirstRuleLetGoOf", "P:{}\"[x]\"P3;\nPL{[x]}{}P2;\nP<<\"[un]\"{}P1;", "<<(0) a(0) !unable(0)", "<<(0) a(0) !(0)", Status::rule_base},
       {"BackOfTheLastWord", "P>>{V}\"[ed]:+B,-V\"P1;", "<<(0) ended/V(0) >>(0)", "<<(0) end/V(0) ed/B|ed/V^0(1) >>(0)"},
   };
   for (const PassCase& row : rows) {
