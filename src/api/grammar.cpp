@@ -102,24 +102,33 @@ bool open_words(Dictionary& words, const std::string& path, std::vector<Message>
 }
 
 // As in a run, the kind of index names that the dictionary opened last has is that of both.
-bool open_cooccurrence(LoadedGrammar& grammar, const std::string& path) {
+bool open_cooccurrence(LoadedGrammar& grammar, const std::string& path, bool is_kept) {
   Dictionary& pairs = grammar.cooccurrence;
-  const bool is_open = dictionary_open(path, PairCheck::quick, pairs);
+  const bool is_open = is_kept || dictionary_open(path, PairCheck::quick, pairs);
   if (!pairs.fault.empty()) fault_append(grammar.messages, path, pairs.fault);
   if (is_open && pairs.name_size != grammar.words.name_size && grammar.words.name_size != 0) {
     error_append(grammar.messages, path,
                  "the name of its index is of another kind than that of the dictionary, so that looking words up there "
                  "fails or finds nothing: build one of the two again under a name of the other's kind");
     grammar.words.name_size = pairs.name_size;
+    grammar.has_mixed_names = true;
   }
   return is_open;
 }
 
+// What of the grammar was there before is not made again.
 template <typename LoadRules>
 void load_all(LoadedGrammar& grammar, const GrammarFiles& files, const std::string& rule_file,
-              const TextLookup& unsaved, LoadRules load_rules_of) {
-  bool is_usable = open_words(grammar.words, files.dictionary, grammar.messages);
-  if (!files.cooccurrence.empty()) is_usable = open_cooccurrence(grammar, files.cooccurrence) && is_usable;
+              const TextLookup& unsaved, LoadRules load_rules_of, unsigned kept = Inside::none) {
+  bool is_usable = (kept & Inside::words) != 0 || open_words(grammar.words, files.dictionary, grammar.messages);
+  if (!files.cooccurrence.empty()) {
+    const bool is_kept = (kept & Inside::cooccurrence) != 0;
+    is_usable = open_cooccurrence(grammar, files.cooccurrence, is_kept) && is_usable;
+  }
+  if ((kept & Inside::rules) != 0) {
+    grammar.is_usable = is_usable;
+    return;
+  }
   grammar.rules.pool.limit_blocks(std::clamp(files.blocks, 1, kMostBlocks));
   const auto session = std::make_unique<Session>();
   RuleStep step{*session, grammar.rules, grammar.messages, rule_file, grammar.source, grammar.expansion, unsaved};
@@ -128,6 +137,11 @@ void load_all(LoadedGrammar& grammar, const GrammarFiles& files, const std::stri
 }
 
 }  // namespace
+
+LoadedGrammar::LoadedGrammar(GrammarParts kept)
+    : parts{kept.rules != nullptr ? kept.rules : std::make_shared<core::Grammar>(),
+            kept.words != nullptr ? kept.words : std::make_shared<Dictionary>(),
+            kept.cooccurrence != nullptr ? kept.cooccurrence : std::make_shared<Dictionary>()} {}
 
 Grammar::Grammar() noexcept = default;
 
@@ -146,6 +160,36 @@ Grammar Inside::load(const GrammarFiles& files, const TextLookup& unsaved) {
 Grammar Grammar::from_text(std::string_view rules, const GrammarFiles& files) {
   const auto body = std::make_shared<Body>();
   load_all(*body, files, {}, {}, [&rules](RuleStep& step) { return parse(step, rules); });
+  Grammar grammar;
+  grammar.body_ = body;
+  return grammar;
+}
+
+Grammar Inside::load_changed(const GrammarFiles& files, const std::string_view* text, const Grammar& before,
+                             unsigned kept) {
+  const LoadedGrammar& old = *before.body_;
+  if (old.has_mixed_names) kept &= ~unsigned{words | cooccurrence};
+  GrammarParts parts;
+  if ((kept & words) != 0) parts.words = old.parts.words;
+  if ((kept & cooccurrence) != 0) parts.cooccurrence = old.parts.cooccurrence;
+  if ((kept & rules) != 0) parts.rules = old.parts.rules;
+  const auto body = std::make_shared<Grammar::Body>(std::move(parts));
+  if ((kept & rules) != 0) {
+    body->source = old.source;
+    body->expansion = old.expansion;
+    body->printed = old.printed;
+  }
+  if (text == nullptr) {
+    load_all(*body, files, files.rules, {}, load_rules, kept);
+  } else {
+    load_all(
+        *body, files, {}, {},
+        [text](RuleStep& step) {
+          std::string_view rest = *text;
+          return parse(step, rest);
+        },
+        kept);
+  }
   Grammar grammar;
   grammar.body_ = body;
   return grammar;

@@ -107,29 +107,65 @@ bool fix_fits(const Finding& finding, const LinedText& text, const Place& place)
 constexpr std::array<int, 6> kSymbolKinds = {3,  12, 14,
                                              15, 24, 20};  // namespace, function, constant, string, event, key
 
-Json outline_json(const std::vector<OutlineItem>& items, const LinedText& text) {
-  Json all = Json::array();
-  for (const OutlineItem& item : items) {
-    Json one{{"name", item.name},
-             {"kind", kSymbolKinds[static_cast<std::size_t>(item.kind)]},
-             {"range",
-              {{"start", {{"line", item.begin}, {"character", 0}}},
-               {"end", json_of(text.position(item.end, text.line(item.end).size()))}}},
-             {"selectionRange", range_of(text, item.begin, 0, text.line(item.begin).size())}};
-    if (!item.detail.empty()) one["detail"] = item.detail;
-    if (!item.children.empty()) one["children"] = outline_json(item.children, text);
-    all.push_back(std::move(one));
-  }
-  return all;
+// Answers with a piece for each of many places are written as text at once: as values of the JSON library, a node of a
+// tree for each number, they take ten times as long.
+
+std::string in_json(std::string_view text) {
+  const bool is_plain =
+      std::ranges::all_of(text, [](char c) { return c >= ' ' && c < '\x7f' && c != '"' && c != '\\'; });
+  if (is_plain) return '"' + std::string(text) + '"';
+  return Json(text).dump(-1, ' ', false, Json::error_handler_t::replace);
 }
 
-// For clients that know no trees.
-void outline_flat(const std::vector<OutlineItem>& items, const LinedText& text, const std::string& uri, Json& all) {
+void append_position(std::string& out, const TextPosition& position) {
+  out += R"({"line":)";
+  out += std::to_string(position.line);
+  out += R"(,"character":)";
+  out += std::to_string(position.character);
+  out += '}';
+}
+
+// With its name, "range" or "selectionRange".
+void append_range(std::string& out, const char* name, const TextPosition& begin, const TextPosition& end) {
+  ((out += '"') += name) += R"(":{"start":)";
+  append_position(out, begin);
+  out += R"(,"end":)";
+  append_position(out, end);
+  out += '}';
+}
+
+void append_range(std::string& out, const NameUse& use) {
+  append_range(out, "range", use.text->position(use.line, use.part.begin), use.text->position(use.line, use.part.end));
+}
+
+void append_outline(std::string& out, const std::vector<OutlineItem>& items, const LinedText& text) {
+  out += '[';
   for (const OutlineItem& item : items) {
-    all.push_back({{"name", item.name},
-                   {"kind", kSymbolKinds[static_cast<std::size_t>(item.kind)]},
-                   {"location", {{"uri", uri}, {"range", range_of(text, item.begin, 0, text.line(item.end).size())}}}});
-    outline_flat(item.children, text, uri, all);
+    if (&item != &items.front()) out += ',';
+    (out += R"({"name":)") += in_json(item.name);
+    (out += R"(,"kind":)") += std::to_string(kSymbolKinds[static_cast<std::size_t>(item.kind)]);
+    append_range(out += ',', "range", text.position(item.begin, 0),
+                 text.position(item.end, text.line(item.end).size()));
+    append_range(out += ',', "selectionRange", text.position(item.begin, 0),
+                 text.position(item.begin, text.line(item.begin).size()));
+    if (!item.detail.empty()) (out += R"(,"detail":)") += in_json(item.detail);
+    if (!item.children.empty()) append_outline(out += R"(,"children":)", item.children, text);
+    out += '}';
+  }
+  out += ']';
+}
+
+// For clients that know no trees. `uri` is quoted.
+void append_flat(std::string& out, const std::vector<OutlineItem>& items, const LinedText& text,
+                 const std::string& uri) {
+  for (const OutlineItem& item : items) {
+    if (out.size() > 1) out += ',';
+    (out += R"({"name":)") += in_json(item.name);
+    (out += R"(,"kind":)") += std::to_string(kSymbolKinds[static_cast<std::size_t>(item.kind)]);
+    ((out += R"(,"location":{"uri":)") += uri) += ',';
+    append_range(out, "range", text.position(item.begin, 0), text.position(item.end, text.line(item.end).size()));
+    out += "}}";
+    append_flat(out, item.children, text, uri);
   }
 }
 
@@ -242,7 +278,8 @@ class Server {
  private:
   // ---- Messages
 
-  void send(const Json& message) { writer_.write(message.dump(-1, ' ', false, Json::error_handler_t::replace)); }
+  static std::string text_of(const Json& json) { return json.dump(-1, ' ', false, Json::error_handler_t::replace); }
+  void send(const Json& message) { writer_.write(text_of(message)); }
   void send_error(const Json& id, int code, const std::string& text) {
     send({{"jsonrpc", "2.0"}, {"id", id}, {"error", {{"code", code}, {"message", text}}}});
   }
@@ -306,6 +343,12 @@ class Server {
     if (cancelled_.contains(current_)) throw RequestError{kRequestCancelled, "the request was cancelled"};
   }
 
+  // In the midst of what may be much.
+  void refuse_now_and_then(std::size_t count) {
+    constexpr std::size_t kNowAndThen = 1000;
+    if (count % kNowAndThen == 0) refuse_if_cancelled();
+  }
+
   void answer(const Json& message) {
     const std::string method = message.at("method").get<std::string>();
     const bool is_request = message.contains("id");
@@ -324,8 +367,8 @@ class Server {
       const auto params = message.find("params");
       const Json& given = params == message.end() || params->is_null() ? kNoParams : *params;
       if (is_request) {
-        const Json result = request(method, given);
-        send({{"jsonrpc", "2.0"}, {"id", id}, {"result", result}});
+        const std::string result = request(method, given);
+        writer_.write(R"({"jsonrpc":"2.0","id":)" + id.dump() + R"(,"result":)" + result + '}');
       } else {
         notified(method, given);
       }
@@ -342,33 +385,39 @@ class Server {
     cancelled_.erase(current_);
   }
 
-  Json request(const std::string& method, const Json& params) {
+  // The result as text.
+  std::string request(const std::string& method, const Json& params) {
     using Answer = Json (Server::*)(const Json&);
     static const std::unordered_map<std::string, Answer> kAnswers = {
         {"textDocument/hover", &Server::hover},
         {"textDocument/definition", &Server::definition},
-        {"textDocument/references", &Server::references},
         {"textDocument/prepareRename", &Server::prepare_rename},
-        {"textDocument/rename", &Server::rename},
         {"textDocument/completion", &Server::completion},
         {"textDocument/codeAction", &Server::code_action},
-        {"textDocument/documentSymbol", &Server::document_symbol},
         {"textDocument/foldingRange", &Server::folding_range},
+    };
+    using LongAnswer = std::string (Server::*)(const Json&);
+    static const std::unordered_map<std::string, LongAnswer> kLongAnswers = {
+        {"textDocument/references", &Server::references},
+        {"textDocument/rename", &Server::rename},
+        {"textDocument/documentSymbol", &Server::document_symbol},
     };
     if (is_shut_down_) throw RequestError{kInvalidRequest, "the server is shut down"};
     if (method == "initialize") {
       if (is_initialized_) throw RequestError{kInvalidRequest, "the server is initialized already"};
-      return initialize(params);
+      return text_of(initialize(params));
     }
     if (!is_initialized_) throw RequestError{kNotInitialized, "the first request is \"initialize\""};
     if (method == "shutdown") {
       is_shut_down_ = true;
       watch_.reset();
-      return nullptr;
+      return "null";
     }
+    if (const auto found = kLongAnswers.find(method); found != kLongAnswers.end())
+      return (this->*found->second)(params);
     const auto found = kAnswers.find(method);
     if (found == kAnswers.end()) throw RequestError{kMethodNotFound, "there is no method " + method};
-    return (this->*found->second)(params);
+    return text_of((this->*found->second)(params));
   }
 
   void notified(const std::string& method, const Json& params) {
@@ -765,21 +814,26 @@ class Server {
     return locations;
   }
 
-  Json references(const Json& params) {
+  std::string references(const Json& params) {
     const Asked at = asked(params);
     const TextPosition position = position_of(params.at("position"));
-    if (at.file == nullptr) return nullptr;
+    if (at.file == nullptr) return "null";
     TokenPart part;
     const Symbol symbol = at.model->symbol_at(*at.file, position, part);
     const bool with_declaration = !params.contains("context") || params.at("context").value("includeDeclaration", true);
-    Json locations = Json::array();
+    std::string locations = "[";
+    std::size_t count = 0;
     at.model->for_each_use(symbol, [&](const NameUse& use) {
-      if (with_declaration || use.token.use != TokenUse::gives) locations.push_back(location_of(use));
-      constexpr std::size_t kNowAndThen = 1000;
-      if (locations.size() % kNowAndThen == 0) refuse_if_cancelled();
+      if (with_declaration || use.token.use != TokenUse::gives) {
+        if (locations.size() > 1) locations += ',';
+        ((locations += R"({"uri":)") += in_json(use.file->uri)) += ',';
+        append_range(locations, use);
+        locations += '}';
+      }
+      refuse_now_and_then(++count);
       return true;
     });
-    return locations;
+    return locations + ']';
   }
 
   Json prepare_rename(const Json& params) {
@@ -795,7 +849,7 @@ class Server {
             {"placeholder", symbol.name}};
   }
 
-  Json rename(const Json& params) {
+  std::string rename(const Json& params) {
     const Asked at = asked(params);
     const TextPosition position = position_of(params.at("position"));
     const std::string to = params.at("newName").get<std::string>();
@@ -809,34 +863,37 @@ class Server {
     const std::string name = has_sign ? to.substr(1) : to;
     if (const std::string fault = at.model->rename_fault(symbol, &name); !fault.empty())
       throw RequestError{kRequestFailed, fault};
-    std::map<std::string, Json> by_file;
-    for (const NameUse& use : at.model->uses(symbol)) {
-      Json& edits = by_file[use.file->uri];
-      edits.push_back({{"range", range_of(*use.text, use.line, use.part.begin, use.part.end)}, {"newText", name}});
-      constexpr std::size_t kNowAndThen = 1000;
-      if (edits.size() % kNowAndThen == 0) refuse_if_cancelled();
-    }
+    std::map<std::string, std::string> by_file;
+    const std::string new_text = R"(,"newText":)" + in_json(name) + '}';
+    std::size_t count = 0;
+    at.model->for_each_use(symbol, [&](const NameUse& use) {
+      std::string& edits = by_file[use.file->uri];
+      append_range(edits += edits.empty() ? "{" : ",{", use);
+      edits += new_text;
+      refuse_now_and_then(++count);
+      return true;
+    });
     return workspace_edit(by_file);
   }
 
-  Json workspace_edit(const std::map<std::string, Json>& by_file) {
-    Json changes = has_versions_ ? Json::array() : Json::object();
+  // Of the edits of each file as JSON, with commas between.
+  std::string workspace_edit(const std::map<std::string, std::string>& by_file) {
+    std::string changes;
     for (const auto& [file, edits] : by_file) {
       const auto document =
           std::ranges::find_if(documents_, [&file](const auto& each) { return uri_of_path(each.first) == file; });
       const bool is_open = document != documents_.end();
       const std::string& uri = is_open ? document->second.uri : file;
+      if (!changes.empty()) changes += ',';
       if (has_versions_) {
-        changes.push_back(
-            {{"textDocument", {{"uri", uri}, {"version", is_open ? Json(document->second.version) : Json()}}},
-             {"edits", edits}});
+        const std::string version = is_open ? std::to_string(document->second.version) : "null";
+        changes += R"({"textDocument":{"uri":)" + in_json(uri) + R"(,"version":)" + version + R"(},"edits":[)";
+        (changes += edits) += "]}";
       } else {
-        changes[uri] = edits;
+        ((changes += in_json(uri) + ":[") += edits) += ']';
       }
     }
-    Json edit = Json::object();
-    edit[has_versions_ ? "documentChanges" : "changes"] = std::move(changes);
-    return edit;
+    return has_versions_ ? R"({"documentChanges":[)" + changes + "]}" : R"({"changes":{)" + changes + "}}";
   }
 
   // ---- Completion
@@ -1003,12 +1060,10 @@ class Server {
       }
       case Fix::Kind::none: return;
     }
-    std::map<std::string, Json> by_file;
-    by_file[uri] = Json::array({std::move(edit)});
     Json action{{"title", title},
                 {"kind", "quickfix"},
                 {"diagnostics", Json::array({diagnostic_of(finding, text)})},
-                {"edit", workspace_edit(by_file)}};
+                {"edit", Json::parse(workspace_edit({{uri, text_of(edit)}}))}};
     if (finding.fix.kind == Fix::Kind::replace) action["isPreferred"] = true;
     actions.push_back(std::move(action));
   }
@@ -1021,14 +1076,17 @@ class Server {
 
   // ---- Outline
 
-  Json document_symbol(const Json& params) {
+  std::string document_symbol(const Json& params) {
     const Asked at = asked(params);
-    if (at.file == nullptr) return Json::array();
+    if (at.file == nullptr) return "[]";
     const std::vector<OutlineItem> items = outline_of(*at.text, at.file->kind);
-    if (has_trees_) return outline_json(items, *at.text);
-    Json all = Json::array();
-    outline_flat(items, *at.text, at.uri, all);
-    return all;
+    std::string all;
+    if (has_trees_) {
+      append_outline(all, items, *at.text);
+      return all;
+    }
+    append_flat(all += '[', items, *at.text, in_json(at.uri));
+    return all + ']';
   }
 
   Json folding_range(const Json& params) {

@@ -28,7 +28,10 @@ Step step_at(std::string_view rest) {
 }  // namespace
 
 std::int64_t utf16_length(std::string_view text) {
-  std::int64_t units = 0;
+  // Most lines are plain, and there every byte is a unit.
+  const auto plain = std::ranges::find_if(text, [](char c) { return static_cast<unsigned char>(c) >= 0x80; });
+  auto units = static_cast<std::int64_t>(plain - text.begin());
+  text.remove_prefix(static_cast<std::size_t>(units));
   while (!text.empty()) {
     const Step step = step_at(text);
     units += step.units;

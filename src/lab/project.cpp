@@ -54,6 +54,15 @@ Project::Project(GrammarFiles of, const Overlay& unsaved)
   begin();
 }
 
+Project::Project(GrammarFiles of, const std::string_view* text, const Project& before, unsigned kept)
+    : files(std::move(of)), grammar(Inside::load_changed(files, text, before.grammar, kept)) {
+  if ((kept & Inside::rules) != 0) {
+    places_ = before.places_;
+    rule_text_ = before.rule_text_;
+  }
+  begin();
+}
+
 void Project::begin() {
   std::string all;
   for (Message message : grammar.messages()) {
@@ -71,6 +80,7 @@ Project::Project(GrammarFiles of, Grammar made) : files(std::move(of)), grammar(
 
 void Project::prepare() {
   printer_ = std::make_unique<Session>();
+  if (!rule_text_.empty()) return;  // the lines are known
   rule_text_ = files.rules;
   if (path_split(files.rules).extension == ".rul") lines_from_text_beside();
 }

@@ -37,6 +37,8 @@ struct Project {
   // The same with unsaved texts in the place of the rules, or of the source and what it includes. The dictionaries are
   // files: `BuiltWords` makes one of unsaved entries.
   Project(GrammarFiles of, const Overlay& unsaved);
+  // What `kept` (of `Inside`) names is that of `before`, which need not live on, and is not read again.
+  Project(GrammarFiles of, const std::string_view* text, const Project& before, unsigned kept);
   // Of a grammar that was loaded from these files and is usable. Its messages are not told.
   Project(GrammarFiles of, Grammar made);
   [[nodiscard]] const LoadedGrammar& loaded() const { return *Inside::loaded(grammar); }

@@ -53,7 +53,7 @@ constexpr const char* kHelp =
     "word TEXT            entries with this form or concept; TEXT*: that begin so; +N +PL: with these attributes\n"
     "rule LINE            shows the rule; rule LINE TEXT changes it, rule LINE - takes it out, rule + TEXT adds one\n"
     "save [FILE]          writes the changed rules\n"
-    "reload               reads again what has changed on the disk; changed rules are forgotten\n"
+    "reload               reads again what has changed on the disk, and tells what; changed rules are forgotten\n"
     "steps N, time N      limits of each sentence; 0: none\n"
     "help, quit           and every other command of lexon-lab, with these files: coverage, profile, report, ...\n";
 
@@ -76,20 +76,20 @@ void print(const std::string& text) {
   std::cout << escaped(text) << '\n';
 }
 
-// The time and size of a file, to see whether it has changed; none if it is not there.
-struct Seen {
-  std::string path;
-  fs::file_time_type time{};
-  std::uintmax_t size = 0;
-
+// The files that something was read from, as they were then.
+class Seen {
+ public:
   Seen() = default;
-  explicit Seen(const std::string& of) : path(of) {
-    std::error_code error;
-    if (of.empty()) return;
-    time = fs::last_write_time(of, error);
-    size = fs::file_size(of, error);
+  explicit Seen(const std::string& path) { add(path); }
+  void add(const std::string& path) { files_.emplace_back(path, text_mark(path, nullptr)); }
+  // Would reading this path find the same again?
+  [[nodiscard]] bool is_still(const std::string& path) const {
+    return !files_.empty() && files_.front().first == path &&
+           std::ranges::all_of(files_, [](const auto& file) { return text_mark(file.first, nullptr) == file.second; });
   }
-  bool operator==(const Seen&) const = default;
+
+ private:
+  std::vector<std::pair<std::string, TextMark>> files_;  // the one that was named first
 };
 
 // Where lines come from: an edited one with history at a terminal, else standard input.
@@ -156,41 +156,83 @@ class Shell {
   Lines lines_;
   std::optional<Project> project_;
   std::unique_ptr<Bench> bench_;
-  Seen seen_[4];  // dictionary, rules, co-occurrence, graphs as they were when they were read
+  // Of what the project was made, and the graphs.
+  Seen seen_words_;
+  Seen seen_cooccurrence_;
+  Seen seen_rules_;
+  Seen seen_graphs_;
   std::vector<GraphText> graphs_;
   std::optional<GraphText> graph_;
   std::vector<std::string> rule_lines_;  // of the text; empty: not read
   bool is_changed_ = false;              // the rules differ from their file
+  bool is_of_file_ = false;              // the rules of the project are those of their file
+  bool is_stale_ = false;                // the project is to be loaded again before it is used
 };
 
 // ---- What is loaded
 
+// Reads only what has changed. With what cannot be used, the grammar before stays.
 void Shell::load() {
   if (files_.dictionary.empty()) throw Fault("there is no dictionary yet: dict FILE");
   if (files_.rules.empty()) throw Fault("there are no rules yet: rules FILE");
+  unsigned kept = Inside::none;
+  if (project_.has_value()) {
+    if (seen_words_.is_still(files_.dictionary)) kept |= Inside::words;
+    if (seen_cooccurrence_.is_still(files_.cooccurrence)) kept |= Inside::cooccurrence;
+    if (is_of_file_ && !is_changed_ && seen_rules_.is_still(files_.rules)) kept |= Inside::rules;
+  }
+  if (kept == (Inside::words | Inside::cooccurrence | Inside::rules)) {
+    is_stale_ = false;
+    return print("the grammar has not changed");
+  }
+  // The marks are older than what is read.
+  Seen words(files_.dictionary);
+  Seen cooccurrence(files_.cooccurrence);
+  Seen rules(files_.rules);
+  std::string text;
+  if (is_changed_) {
+    for (const std::string& line : rule_lines_) text += line + '\n';
+  }
+  const std::string_view changed = text;
+  const std::string_view* instead = is_changed_ ? &changed : nullptr;
+  Project made = project_.has_value() ? Project(files_, instead, *project_, kept)
+                 : is_changed_        ? Project(files_, changed)
+                                      : Project(files_);
+  words.add(made.loaded().words.index_path);
+  cooccurrence.add(made.loaded().cooccurrence.index_path);
+  for (const MappedFile& file : made.loaded().source.files) rules.add(file.path);
   bench_.reset();
   project_.reset();
-  seen_[0] = Seen(files_.dictionary);
-  seen_[1] = Seen(files_.rules);
-  seen_[2] = Seen(files_.cooccurrence);
-  if (is_changed_) {
-    std::string text;
-    for (const std::string& line : rule_lines_) text += line + '\n';
-    project_.emplace(files_, text);
-  } else {
-    project_.emplace(files_);
+  project_.emplace(std::move(made));
+  is_stale_ = false;
+  if ((kept & Inside::words) == 0) seen_words_ = std::move(words);
+  if ((kept & Inside::cooccurrence) == 0) seen_cooccurrence_ = std::move(cooccurrence);
+  if ((kept & Inside::rules) == 0) {
+    seen_rules_ = std::move(rules);
+    is_of_file_ = !is_changed_;
   }
-  print(count_text(static_cast<std::int64_t>(project_->grammar.rule_count()), "rule") + " loaded");
+  const std::string count = count_text(static_cast<std::int64_t>(project_->grammar.rule_count()), "rule");
+  if (kept == Inside::none || is_changed_) return print(count + " loaded");
+  std::string anew;
+  std::string same;
+  for (const auto& [part, name] : {std::pair{Inside::words, files_.dictionary},
+                                   {Inside::cooccurrence, files_.cooccurrence},
+                                   {Inside::rules, files_.rules + " (" + count + ')'}}) {
+    std::string& list = (kept & part) != 0 ? same : anew;
+    if (!name.empty()) list += (list.empty() ? "" : ", ") + name;
+  }
+  print("read again: " + anew + "; not changed: " + same);
 }
 
 const Project& Shell::project() {
-  if (!project_.has_value()) load();
+  if (!project_.has_value() || is_stale_) load();
   return *project_;
 }
 
 Bench& Shell::bench() {
+  const Project& of = project();
   if (bench_ == nullptr) {
-    bench_ = std::make_unique<Bench>(project());
+    bench_ = std::make_unique<Bench>(of);
     bench_->set_keep_going([] { return !interrupted.load(); });
   }
   return *bench_;
@@ -201,7 +243,7 @@ void Shell::load_graphs() {
   RenderOptions all;
   all.inputs = {graph_file_};
   graphs_.clear();
-  seen_[3] = Seen(graph_file_);
+  seen_graphs_ = Seen(graph_file_);
   for_each_sentence(all, [this](const GraphText& sentence) { graphs_.push_back(sentence); });
   print(count_text(static_cast<std::int64_t>(graphs_.size()), "sentence") + " read");
 }
@@ -215,16 +257,11 @@ const GraphText& Shell::graph() {
 }
 
 void Shell::reload() {
-  const bool was_changed = std::exchange(is_changed_, false);
+  is_changed_ = false;
   rule_lines_.clear();
-  const bool is_same =
-      seen_[0] == Seen(files_.dictionary) && seen_[1] == Seen(files_.rules) && seen_[2] == Seen(files_.cooccurrence);
-  if (!project_.has_value() || !is_same || was_changed) {
-    load();
-  } else {
-    print("the grammar has not changed");
-  }
-  if (graph_file_.empty() || graphs_.empty() || seen_[3] == Seen(graph_file_)) return;
+  is_stale_ = true;
+  load();
+  if (graph_file_.empty() || graphs_.empty() || seen_graphs_.is_still(graph_file_)) return;
   const std::string label = graph_.has_value() ? graph_->label : std::string();
   const bool is_of_file = graph_.has_value() && graph_->file == graph_file_;
   load_graphs();
@@ -360,7 +397,7 @@ void Shell::find_words(std::string_view rest) {
 
 std::vector<std::string>& Shell::rule_lines() {
   if (!rule_lines_.empty()) return rule_lines_;
-  const std::string path = project_.has_value() ? project_->rule_text() : files_.rules;
+  const std::string path = project_.has_value() && !is_stale_ ? project_->rule_text() : files_.rules;
   std::ifstream file(path, std::ios::binary);
   if (!file) throw Fault(path + ": cannot be opened");
   for (std::string line; std::getline(file, line);) rule_lines_.push_back(std::move(line));
@@ -421,7 +458,8 @@ void Shell::save(const std::string& path) {
   }
   if (target == project().rule_text()) {
     is_changed_ = false;
-    seen_[1] = Seen(files_.rules);
+    is_of_file_ = target == files_.rules;
+    seen_rules_ = Seen(files_.rules);
   }
   print(target + ": written");
 }
@@ -456,8 +494,7 @@ bool Shell::obey(std::string_view line) {
   const auto set_file = [&](std::string& file) {
     if (argument.empty()) throw Fault(word + " FILE");
     file = argument;
-    project_.reset();
-    bench_.reset();
+    is_stale_ = true;
     rule_lines_.clear();
     is_changed_ = false;
   };

@@ -129,6 +129,23 @@ def main():
         # The shell, from a script.
         out = shows("a script", ["shell", "input.txt", *GRAMMAR], 1, ["over steps", "line 12: "], given=SHELL.format(line=first))
         table.check("before, and after the reload", out.count("The dog slept.\n"), 2)
+
+        # A reload reads no more than has changed on the disk.
+        with table.subprocess.Popen([table.PROGRAMS / "lexon-lab", "shell", "input.txt", *GRAMMAR], cwd=folder, encoding="utf-8",
+                                    stdin=table.subprocess.PIPE, stdout=table.subprocess.PIPE) as shell:
+            told = []
+            for changed in ("", "", "rules.txt", "entries.dic", "cr.dic"):
+                if changed:
+                    (folder / changed).touch()
+                shell.stdin.write("reload\n")
+                shell.stdin.flush()
+                told.append(re.sub(r"\d+ rules", "N rules", shell.stdout.readline().rstrip()))
+            shell.stdin.write("render 1\n")
+            shell.stdin.close()
+            told += shell.stdout.read().splitlines()[1:]
+        table.check("reload", told, ["N rules loaded", "the grammar has not changed", "read again: rules.txt (N rules); not changed: entries.dic, cr.dic",
+                                     "read again: entries.dic; not changed: cr.dic, rules.txt (N rules)",
+                                     "read again: cr.dic; not changed: entries.dic, rules.txt (N rules)", "The dog slept."])
     table.finish()
 
 
