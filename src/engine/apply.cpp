@@ -31,7 +31,8 @@ namespace {
     return rule_base_failure(session, "applied a rule to a node that no rule has matched");
   if (window.lnode->matches->candidate != window.rnode->matches->candidate) return Status::no_effect;
   for (const Side side : {Side::left, Side::right}) {
-    trace_result_node(session, side, pattern_of(rule, side).inserted != 0, node_of(window, side));
+    const bool was_inserted = pattern_of(rule, side).inserted != 0;
+    trace_result_node(session, side, was_inserted ? Result::inserted : Result::stood, node_of(window, side));
   }
   return Status::ok;
 }
@@ -78,9 +79,9 @@ namespace {
   Node* copy = nullptr;
   if (const Status status = node_copy(session, copy, *source, nullptr, 1); copy == nullptr) return ended(status);
   // The copy is shown where it will stand.
-  trace_result_node(session, Side::left, false, window.lnode);
+  trace_result_node(session, Side::left, Result::stood, window.lnode);
   if (side == Side::left) trace_copied_node(session, copy);
-  trace_result_node(session, Side::right, false, window.rnode);
+  trace_result_node(session, Side::right, Result::stood, window.rnode);
   if (side == Side::right) trace_copied_node(session, copy);
   node_insert_after(session, *source, *copy);
   if (const Status status = window_marker_push(session, *copy); status != Status::ok) return ended(status);
@@ -198,7 +199,8 @@ Status window_marker_push(Session& session, Node& node) {
 
 Status apply_rule(Session& session, Window& window, RuleCandidate*& candidate, std::int32_t* home_scope) {
   trace_rule_applied(session, *candidate);
-  trace_rule_end_flushed(session);
+  trace_rule_end(session);
+  if (session.state.trace_level > 1) out_flush(session);
   const std::uint8_t type = candidate->rule->type;
   // An undoing inside can end the application at once; the caller's places must not outlive their nodes.
   const PlaceWatch watch(session, window.lnode, window.rnode);

@@ -21,6 +21,7 @@
 #include <utility>
 
 #include "data/nodes.hpp"
+#include "data/output.hpp"
 #include "data/session.hpp"
 #include "data/words.hpp"
 #include "dict/cooccurrence.hpp"
@@ -102,10 +103,11 @@ void give_up_rules(Session& session, Undo& undo, int number) {
   Node& target = final_node != nullptr ? *final_node : rnode;
   if (session.observer != nullptr) session.observer->word_given_up(session, target);
   entry_drop_head(session, target.candidates);
-  trace_next_entry_flushed(session, Side::right, 2);
+  trace_next_entry(session, Side::right, 2);
+  if (session.state.trace_level > 2) out_flush(session);
   if (session.state.forced_node == &rnode) {
     session.state.forced_node = nullptr;
-    trace_forced_ends(session);
+    trace_forced_ends(session, ForcedEnd::word);
   }
   if (target.candidates != nullptr && rnode.candidates != nullptr) return Stage::end;
   // 6.6: the words are used up. The next rule sees them all again, from the second on: being called again, the next
@@ -157,8 +159,7 @@ void give_up_rules(Session& session, Undo& undo, int number) {
     if (pattern_of(rule, side).inserted == 0 || choices == nullptr || choices->next == nullptr) continue;
     if (session.state.forced_node == &node) {
       session.state.forced_node = nullptr;
-      // wanted: the two lines are spelled differently.
-      side == Side::left ? trace_forced_ends_at_choice(session) : trace_forced_ends(session);
+      trace_forced_ends(session, side == Side::left ? ForcedEnd::left_choice : ForcedEnd::word);
     }
     WordEntry* rest = nullptr;
     if (const Status status = choice_take_off(session, undo, side, node, rest); status != Status::ok)
@@ -385,7 +386,7 @@ enum class Held : std::uint8_t { none, has_words, used_up, failed };
     word_change(session, *target, Side::right, 3, forced == nullptr || forced == &rnode || forced == target);
     if (forced == target) {
       session.state.forced_node = nullptr;
-      trace_forced_ends_at_right_entry(session);
+      trace_forced_ends(session, ForcedEnd::right_entry);
     }
     if (target->candidates == nullptr) {
       // Item 5: the left node's scope may have another word for the same rule.
@@ -446,7 +447,7 @@ enum class Held : std::uint8_t { none, has_words, used_up, failed };
     word_change(session, *target, Side::left, 2, forced == nullptr || forced == target);
     if (forced == target) {
       session.state.forced_node = nullptr;
-      trace_forced_ends(session);
+      trace_forced_ends(session, ForcedEnd::word);
     }
     if (target->candidates == nullptr) {
       if (const Stage stage = left_words_used_up(session, undo, retry.rule); stage != Stage::alternatives) return stage;
@@ -509,7 +510,7 @@ enum class Held : std::uint8_t { none, has_words, used_up, failed };
 Status backtrack(Session& session, Window& window, RuleCandidate*& candidate, std::int32_t& home_scope) {
   if (const Status status = must_leave(session); status != Status::ok) return status;
   Undo undo{window, candidate, home_scope, window, nullptr, false, Status::ok};
-  if (candidate != nullptr && is_word_test_type(candidate->rule->type)) trace_backtrack_0(session, *candidate, window);
+  if (candidate != nullptr && is_word_test_type(candidate->rule->type)) trace_backtrack(session, *candidate, window);
   for (Stage stage = first_stage(session, undo); stage != Stage::end;) {
     switch (stage) {
       case Stage::fresh_window: stage = fresh_window(session, undo); break;
@@ -520,7 +521,8 @@ Status backtrack(Session& session, Window& window, RuleCandidate*& candidate, st
       case Stage::end: break;
     }
   }
-  trace_list_after_undo(session, undo.window);
+  // A forced backtracking shows the list at its end alone.
+  if (session.state.trace_level > 2 && session.state.forced_node == nullptr) dump_list(session, undo.window, true);
   return undo.word_is_pending && undo.result == Status::ok ? Status::no_effect : undo.result;
 }
 

@@ -58,14 +58,14 @@ namespace {
   const bool right_came_in = candidate->rule->rnode->inserted != 0;
   if (is_target(session, window.rnode) && is_untouched(*window.rnode) && left_came_in) {
     session.state.forced_node = nullptr;
-    trace_forced_ends_in_window(session, Side::right);
+    trace_forced_ends(session, ForcedEnd::right_place);
     out_flush(session);
     return true;
   }
   // wanted: unlike the right place, the left one must be fresh.
   if (is_target(session, window.lnode) && is_fresh(*window.lnode) && right_came_in) {
     session.state.forced_node = nullptr;
-    trace_forced_ends_in_window(session, Side::left);
+    trace_forced_ends(session, ForcedEnd::left_place);
     return true;
   }
   return false;

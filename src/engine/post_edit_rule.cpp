@@ -62,11 +62,7 @@ namespace {
   node_of(window, side) = node;
   if (const Status status = rule_actions_apply(session, window, candidate); status != Status::ok) return status;
   for (const Side place : {Side::left, Side::right}) {
-    if (place == side) {
-      trace_shifted_node(session, place, node);
-    } else {
-      trace_result_node(session, place, false, node_of(window, place));
-    }
+    trace_result_node(session, place, place == side ? Result::shifted : Result::stood, node_of(window, place));
   }
   return Status::ok;
 }
@@ -78,14 +74,14 @@ namespace {
   const int scope = ref->scope;
   const int row = scope_row_find(session, scope);
   if (row == 0) return Status::ok;
-  trace_post_edit_entered(session, scope);
+  trace_scope(session, ScopeStep::post_edit_entered, scope);
   if (!trace_indent_grow(session)) return session.state.abort = Status::memory;
   const std::int32_t outer = std::exchange(session.state.semlst_cur, row);
   const Status status = post_edit(session, current_scope(session).entry);
   if (const Status leave = must_leave(session); leave != Status::ok) return leave;
   session.state.semlst_cur = outer;
   trace_indent_shrink(session);
-  trace_post_edit_finished(session, scope);
+  trace_scope(session, ScopeStep::post_edit_finished, scope);
   return status == Status::ok ? rule_actions_apply(session, window, candidate) : status;
 }
 

@@ -96,7 +96,7 @@ void attrs_hand_in(const ScopeEntry& scope) {
   if (const Status status = reference_attrs_join(session, word, own, *row.entry->candidates); status != Status::ok)
     return status;
   trace_indent_shrink(session);
-  trace_scope_finished(session, row.number);
+  trace_scope(session, ScopeStep::finished, row.number);
   return Status::ok;
 }
 
@@ -144,7 +144,7 @@ ScopeResult scope_enter(Session& session, Side side, Window& window, const RuleC
   if (has_failed) {
     const ScopeRow& failed = current_scope(session);
     trace_indent_shrink(session);
-    trace_scope_failed(session, side, failed.number);
+    trace_scope_failed(session, side == Side::right ? 1 : 2, failed.number);
     if (failed.entry != nullptr) block_cut(failed.entry->scope_attrs);
   } else {
     status = scope_finished(session, node_of(window, side));

@@ -52,7 +52,7 @@ struct Return {
 [[nodiscard]] Status inner_place_set(Session& session, Return& back) {
   if (!trace_indent_grow(session)) return session.state.abort = Status::memory;
   const ScopeRow& row = current_scope(session);
-  trace_return_into_scope(session, row.number);
+  trace_scope(session, ScopeStep::returned_into, row.number);
   if (session.observer != nullptr) session.observer->scope_returned_into(session, row.number);
   Node* last = nullptr;
   for (Node* node = list_first(row.entry); node != nullptr && must_leave(session) == Status::ok; node = node->right) {
@@ -93,7 +93,7 @@ struct Return {
 // Step 11: the reference takes what the new solution has brought, and the outer rule is applied once more.
 [[nodiscard]] Status solution_take(Session& session, Return& back) {
   trace_indent_shrink(session);
-  trace_return_finished(session, current_scope(session).number);
+  trace_scope(session, ScopeStep::return_finished, current_scope(session).number);
   if (session.observer != nullptr) session.observer->scope_left(session, current_scope(session).number, false);
   // 11.2
   const Node* reference = node_of(back.outer, back.side);
@@ -156,7 +156,7 @@ struct Return {
 // Step 12: the scope has nothing left.
 [[nodiscard]] Status scope_give_up(Session& session, Return& back) {
   trace_indent_shrink(session);
-  trace_return_failed(session, current_scope(session).number);
+  trace_scope_failed(session, 3, current_scope(session).number);
   if (session.observer != nullptr) session.observer->scope_left(session, current_scope(session).number, true);
   if (const Status status = scope_undo(session, back); status != Status::ok) return status;
   if (session.state.forced_node != nullptr) {

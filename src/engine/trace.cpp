@@ -1,5 +1,8 @@
 #include "engine/trace.hpp"
 
+#include <array>
+
+#include "data/chain.hpp"
 #include "data/output.hpp"
 #include "data/session.hpp"
 #include "rules/print.hpp"
@@ -21,13 +24,6 @@ void print_undone_node(Session& session, Side side, const Node* node) {
   dump_node(session, node, false);
 }
 
-// The part of a backtracking banner behind its first line.
-void print_undone_step(Session& session, const RuleCandidate& candidate, const Window& window) {
-  rule_stack_print(session, &candidate, true);
-  print_undone_node(session, Side::left, window.lnode);
-  print_undone_node(session, Side::right, window.rnode);
-}
-
 }  // namespace
 
 void trace_list(Session& session, const Window& window, bool with_words) {
@@ -38,22 +34,24 @@ void trace_rule_applied(Session& session, const RuleCandidate& candidate) {
   if (!traces(session, 2)) return;
   trace_line(session, "==================== APPLIED RULE ==================");
   rule_stack_print(session, &candidate, true);
-  if (traces(session, 4) && !is_post_edit_type(candidate.rule->type)) print_other_rules(session, candidate.next);
+  if (!traces(session, 4) || is_post_edit_type(candidate.rule->type)) return;
+  // The rules behind the applied one, but for those of post-edit.
+  trace_line(session, "-- other applicable rules --");
+  for (const RuleCandidate& element : chain<&RuleCandidate::next>(candidate.next)) {
+    if (is_post_edit_type(element.rule->type)) continue;
+    rule_print(session, element.rule, true);
+    out_flush(session);
+  }
 }
 
 void trace_rule_end(Session& session) {
   if (traces(session, 2)) trace_line(session, "====================================================");
 }
 
-void trace_rule_end_flushed(Session& session) {
+void trace_result_node(Session& session, Side side, Result result, const Node* node) {
   if (!traces(session, 2)) return;
-  trace_rule_end(session);
-  out_flush(session);
-}
-
-void trace_result_node(Session& session, Side side, bool inserted, const Node* node) {
-  if (!traces(session, 2)) return;
-  out_text(session, trace_indent(session), ">>>>> ", place_name(side), inserted ? "  INSERTED\n" : "\n");
+  constexpr std::array<const char*, 3> kTexts = {"", "  INSERTED", "  SHIFTED"};
+  trace_line(session, ">>>>> ", place_name(side), kTexts[static_cast<std::size_t>(result)]);
   dump_node(session, node, true);
 }
 
@@ -61,12 +59,6 @@ void trace_copied_node(Session& session, const Node* copy) {
   if (!traces(session, 2)) return;
   trace_line(session, ">>>>> copied node");
   dump_node(session, copy, true);
-}
-
-void trace_shifted_node(Session& session, Side side, const Node* node) {
-  if (!traces(session, 2)) return;
-  trace_line(session, ">>>>> ", place_name(side), "  SHIFTED");
-  dump_node(session, node, true);
 }
 
 void trace_to_backtrack(Session& session, bool has_candidate) {
@@ -85,35 +77,16 @@ void trace_scope_entered(Session& session, Side side, int scope) {
   out_flush(session);
 }
 
-void trace_scope_failed(Session& session, Side side, int scope) {
-  if (traces(session, 2))
-    trace_line(session, ";;#", Decimal(side == Side::right ? 1 : 2), " Scope:", Decimal(scope, 2), " failed");
-}
-
-void trace_scope_finished(Session& session, int scope) {
-  if (traces(session, 2)) trace_line(session, ";;<<== SCOPE:", Decimal(scope, 2));
-}
-
-void trace_return_into_scope(Session& session, int scope) {
+void trace_scope(Session& session, ScopeStep step, int scope) {
   if (!traces(session, 2)) return;
-  trace_line(session, ";;backtrack into SCOPE:", Decimal(scope, 2));
-  out_flush(session);
+  constexpr std::array<const char*, 5> kTexts = {";;<<== SCOPE:", ";;backtrack into SCOPE:", ";;backtrack <<== SCOPE:",
+                                                 ";;==>> PostEdit SCOPE:", ";;<<== PostEdit SCOPE:"};
+  trace_line(session, kTexts[static_cast<std::size_t>(step)], Decimal(scope, 2));
+  if (step == ScopeStep::returned_into) out_flush(session);
 }
 
-void trace_return_finished(Session& session, int scope) {
-  if (traces(session, 2)) trace_line(session, ";;backtrack <<== SCOPE:", Decimal(scope, 2));
-}
-
-void trace_return_failed(Session& session, int scope) {
-  if (traces(session, 2)) trace_line(session, ";;#3 Scope:", Decimal(scope, 2), " failed");
-}
-
-void trace_post_edit_entered(Session& session, int scope) {
-  if (traces(session, 2)) trace_line(session, ";;==>> PostEdit SCOPE:", Decimal(scope, 2));
-}
-
-void trace_post_edit_finished(Session& session, int scope) {
-  if (traces(session, 2)) trace_line(session, ";;<<== PostEdit SCOPE:", Decimal(scope, 2));
+void trace_scope_failed(Session& session, int number, int scope) {
+  if (traces(session, 2)) trace_line(session, ";;#", Decimal(number), " Scope:", Decimal(scope, 2), " failed");
 }
 
 void trace_return_to_inner_scope(Session& session) {
@@ -133,10 +106,14 @@ void trace_attrs_too_long(Session& session, const Rule& rule) {
   rule_print(session, &rule, true);
 }
 
-void trace_backtrack_0(Session& session, const RuleCandidate& candidate, const Window& window) {
+void trace_backtrack(Session& session, const RuleCandidate& candidate, const Window& window) {
   if (!traces(session, 3)) return;
-  trace_line(session, "==================== BACKTRACK-0 =====================");
-  print_undone_step(session, candidate, window);
+  // wanted: the two banners are not of one width.
+  trace_line(session, is_word_test_type(candidate.rule->type) ? "==================== BACKTRACK-0 ====================="
+                                                              : "==================== BACKTRACK ====================");
+  rule_stack_print(session, &candidate, true);
+  print_undone_node(session, Side::left, window.lnode);
+  print_undone_node(session, Side::right, window.rnode);
   out_flush(session);
 }
 
@@ -152,29 +129,12 @@ void trace_backtrack_1(Session& session, const RuleCandidate& candidate, const W
   out_flush(session);
 }
 
-void trace_backtrack_pair(Session& session, const RuleCandidate& candidate, const Window& window) {
-  if (!traces(session, 3)) return;
-  trace_line(session, "==================== BACKTRACK ====================");
-  print_undone_step(session, candidate, window);
-  out_flush(session);
-}
-
-void trace_list_after_undo(Session& session, const Window& window) {
-  if (traces(session, 3) && session.state.forced_node == nullptr) dump_list(session, window, true);
-}
-
 void trace_next_rule(Session& session, int number) {
   if (traces(session, 3)) trace_line(session, ";;next rule #", Decimal(number));
 }
 
 void trace_next_entry(Session& session, Side side, int number) {
   if (traces(session, 3)) trace_line(session, ";;next entry for ", place_name(side), " #", Decimal(number));
-}
-
-void trace_next_entry_flushed(Session& session, Side side, int number) {
-  if (!traces(session, 3)) return;
-  trace_next_entry(session, side, number);
-  out_flush(session);
 }
 
 void trace_clear_entries(Session& session, Side side, int number) {
@@ -200,22 +160,14 @@ void trace_ignore_rules(Session& session, int number) {
   if (traces(session, 3)) trace_line(session, ";;ignore all left possible rules for forced BT #", Decimal(number));
 }
 
-void trace_forced_ends(Session& session) {
-  if (traces(session, 3)) trace_line(session, ";;forced backtracking ends");
-}
-
-void trace_forced_ends_at_choice(Session& session) {
-  if (traces(session, 3)) trace_line(session, ";;forced backtrackng ends");
-}
-
-void trace_forced_ends_at_right_entry(Session& session) {
-  if (traces(session, 3)) trace_line(session, ";;forced backtracking ends at changing an entry in rnode");
-}
-
-void trace_forced_ends_in_window(Session& session, Side side) {
+void trace_forced_ends(Session& session, ForcedEnd end) {
   if (!traces(session, 3)) return;
-  trace_line(session, side == Side::right ? ";;forced breaktracking ends -- at rnode"
-                                          : ";;forced backtracking ends -- at lnode");
+  // wanted: the lines are spelled differently.
+  constexpr std::array<const char*, 5> kTexts = {";;forced backtracking ends", ";;forced backtrackng ends",
+                                                 ";;forced backtracking ends at changing an entry in rnode",
+                                                 ";;forced backtracking ends -- at lnode",
+                                                 ";;forced breaktracking ends -- at rnode"};
+  trace_line(session, kTexts[static_cast<std::size_t>(end)]);
 }
 
 }  // namespace lexon

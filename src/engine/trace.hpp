@@ -4,6 +4,8 @@
 // by its number, not its index. Candidates, rules and nodes are only read.
 #pragma once
 
+#include <cstdint>
+
 #include "data/records.hpp"
 #include "engine/loop.hpp"
 #include "engine/side.hpp"
@@ -24,9 +26,6 @@ void print_list_line(Session& session, const Window& window);
 // The word in force (`one`), or the words that are open. Null, or a node without words, prints nothing.
 void dump_node(Session& session, const Node* node, bool one);
 
-// The rules behind the applied one, but for those of post-edit. `list` may be null.
-void print_other_rules(Session& session, const RuleCandidate* list);
-
 // ---- Level 2: lists and applied rules.
 
 // `dump_list` at level 2.
@@ -36,12 +35,13 @@ void trace_list(Session& session, const Window& window, bool with_words);
 void trace_rule_applied(Session& session, const RuleCandidate& candidate);
 // The line of "=" that closes the banner.
 void trace_rule_end(Session& session);
-void trace_rule_end_flushed(Session& session);
+
+// How the node of a result has come to its place.
+enum class Result : std::uint8_t { stood, inserted, shifted };
 
 // A ">>>>>" line for a place of the window, and its word in force.
-void trace_result_node(Session& session, Side side, bool inserted, const Node* node);
+void trace_result_node(Session& session, Side side, Result result, const Node* node);
 void trace_copied_node(Session& session, const Node* copy);
-void trace_shifted_node(Session& session, Side side, const Node* node);
 
 // The two lines on the way to backtracking, flushed: a rule was refused (`has_candidate`), or none was left.
 void trace_to_backtrack(Session& session, bool has_candidate);
@@ -52,13 +52,13 @@ void trace_no_matched_word(Session& session, Side side);
 // ---- Level 2: scopes.
 
 void trace_scope_entered(Session& session, Side side, int scope);  // flushed
-void trace_scope_failed(Session& session, Side side, int scope);   // "#1" for the right, "#2" for the left side
-void trace_scope_finished(Session& session, int scope);            // "<<=="
-void trace_return_into_scope(Session& session, int scope);         // "backtrack into", flushed
-void trace_return_finished(Session& session, int scope);           // "backtrack <<=="
-void trace_return_failed(Session& session, int scope);             // "#3"
-void trace_post_edit_entered(Session& session, int scope);
-void trace_post_edit_finished(Session& session, int scope);
+
+// The other steps into and out of a scope, a line each. Only `returned_into` is flushed.
+enum class ScopeStep : std::uint8_t { finished, returned_into, return_finished, post_edit_entered, post_edit_finished };
+void trace_scope(Session& session, ScopeStep step, int scope);
+
+// "#1" is a scope entered from the right place, "#2" from the left one, "#3" one that was gone back into.
+void trace_scope_failed(Session& session, int number, int scope);
 
 // ---- At every level.
 
@@ -74,18 +74,13 @@ void trace_attrs_too_long(Session& session, const Rule& rule);
 
 // ---- Level 3: backtracking. The numbers are part of the format: they name the branch.
 
-// The three banners, with the rule and both nodes.
-void trace_backtrack_0(Session& session, const RuleCandidate& candidate, const Window& window);  // flushed at the end
+// The two banners, with the rule and both nodes.
+void trace_backtrack(Session& session, const RuleCandidate& candidate,
+                     const Window& window);  // of word tests, merges and exchanges; flushed at the end
 void trace_backtrack_1(Session& session, const RuleCandidate& candidate, const Window& window);  // flushed line by line
-void trace_backtrack_pair(Session& session, const RuleCandidate& candidate,
-                          const Window& window);  // of merges and exchanges
-
-// `dump_list` with words, unless a forced backtracking is under way.
-void trace_list_after_undo(Session& session, const Window& window);
 
 void trace_next_rule(Session& session, int number);
 void trace_next_entry(Session& session, Side side, int number);
-void trace_next_entry_flushed(Session& session, Side side, int number);
 void trace_clear_entries(Session& session, Side side, int number);
 void trace_no_entry(Session& session, Side side);       // "#2" stands in front for the left side
 void trace_no_next_entry(Session& session, Side side);  // of a failed scope, and its "next rule" line
@@ -94,9 +89,9 @@ void trace_ignore_rules(Session& session, int number);
 
 // ---- Level 3: a forced backtracking ends.
 
-void trace_forced_ends(Session& session);                 // another word is in force, or will be
-void trace_forced_ends_at_choice(Session& session);       // by the next co-occurrence choice of the left side
-void trace_forced_ends_at_right_entry(Session& session);  // at a word of an inserted right node
-void trace_forced_ends_in_window(Session& session, Side side);
+// Where it ends: as another word is in force or will be; by the next co-occurrence choice of the left side; at a word of
+// an inserted right node; at a target that is given up in the window.
+enum class ForcedEnd : std::uint8_t { word, left_choice, right_entry, left_place, right_place };
+void trace_forced_ends(Session& session, ForcedEnd end);
 
 }  // namespace lexon

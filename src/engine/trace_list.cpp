@@ -10,18 +10,12 @@
 #include "data/words.hpp"
 #include "dict/entry_text.hpp"
 #include "engine/trace.hpp"
-#include "rules/print.hpp"
 
 namespace lexon {
 
 namespace {
 
 enum class Form { plain, bracket };
-
-[[nodiscard]] bool shows_cw(const Node& node) {
-  const char* cw = node.candidates->cw;
-  return node.entries != nullptr && !is_boundary(node) && cw != nullptr && *cw != '\0';
-}
 
 // A node with words, behind a "/".
 void append_node(std::string& line, const Node& node, Form form) {
@@ -33,7 +27,9 @@ void append_node(std::string& line, const Node& node, Form form) {
     line.append("SCOPE:").append(number);
   } else {
     line += text_or_empty(node.candidates->hw);
-    if (shows_cw(node)) line.append("|cw=").append(node.candidates->cw);
+    const char* cw = node.candidates->cw;
+    const bool shows_cw = node.entries != nullptr && !is_boundary(node) && cw != nullptr && *cw != '\0';
+    if (shows_cw) line.append("|cw=").append(cw);
   }
   if (!plain) line += ']';
 }
@@ -55,12 +51,6 @@ void append_marked(std::string& line, const Node* node) {
   if (node != nullptr && node->candidates != nullptr) append_node(line, *node, Form::bracket);
 }
 
-void append_tail(Session& session, std::string& line, const Node* node) {
-  for (; node != nullptr && node->candidates != nullptr && must_leave(session) == Status::ok; node = node->right) {
-    append_node(line, *node, Form::plain);
-  }
-}
-
 void print_word(Session& session, const WordEntry* word) {
   if (must_leave(session) == Status::stopped) return;
   entry_print(session.output, word, session.state.trace_indent);
@@ -69,17 +59,6 @@ void print_word(Session& session, const WordEntry* word) {
 void print_words(Session& session, const WordEntry* words) {
   if (must_leave(session) == Status::stopped) return;
   entry_list_print(session.output, words, session.state.trace_indent);
-}
-
-// The changed copies, and the word from which they came.
-void print_open_words(Session& session, const Node& node) {
-  const WordEntry* word = node.candidates;
-  for (const MatchRecord& record : chain<&MatchRecord::next>(node.matches)) {
-    if (record.state == kStateStep || word == nullptr) continue;
-    print_word(session, word);
-    word = word->next;
-  }
-  print_word(session, word);
 }
 
 // The words of the entry nodes that a scope reference leads to, through references.
@@ -107,32 +86,6 @@ void print_graph_attrs(Session& session, const Node& node) {
   if (const char* text = head_text(node); text != nullptr) trace_line(session, text);
 }
 
-void dump_left_place(Session& session, const Node* lnode, bool with_words) {
-  trace_line(session, "lnode >>>>>");
-  const bool shows_open_words = with_words && (lnode == nullptr || is_fresh(*lnode));
-  if (shows_open_words) trace_line(session, "-- word candidates for lnode --");
-  dump_node(session, lnode, !shows_open_words);
-}
-
-void dump_right_place(Session& session, const Window& window, bool with_words) {
-  trace_line(session, "rnode >>>>>");
-  out_flush(session);
-  const Node* rnode = window.rnode;
-  if (!with_words) {
-    dump_node(session, rnode, true);
-    return;
-  }
-  if (rnode != nullptr && !is_fresh(*rnode)) {
-    const Node* lnode = window.lnode;
-    if (lnode != nullptr && is_boundary(*lnode) && is_fresh(*lnode)) print_graph_attrs(session, *rnode);
-    dump_node(session, rnode, true);
-    return;
-  }
-  if (rnode != nullptr) print_graph_attrs(session, *rnode);
-  trace_line(session, "-- word candidates for rnode --");
-  dump_node(session, rnode, false);
-}
-
 }  // namespace
 
 // Collected first: of a sentence that is stopped meanwhile the line is not printed at all.
@@ -151,7 +104,11 @@ void print_list_line(Session& session, const Window& window) {
     append_up_to(session, line, window.lnode->right, window.rnode);
   }
   append_marked(line, window.rnode);
-  if (window.rnode != nullptr) append_tail(session, line, window.rnode->right);
+  // wanted: behind the window a node without words ends the line and stays in the list.
+  const Node* node = window.rnode == nullptr ? nullptr : window.rnode->right;
+  for (; node != nullptr && node->candidates != nullptr && must_leave(session) == Status::ok; node = node->right) {
+    append_node(line, *node, Form::plain);
+  }
   if (must_leave(session) != Status::stopped) out_text(session, line.c_str(), "/\n");
   out_flush(session);
 }
@@ -163,8 +120,26 @@ void dump_list(Session& session, const Window& window, bool with_words) {
   print_list_line(session, window);
   out_flush(session);
   trace_line(session, "====================================================");
-  dump_left_place(session, window.lnode, with_words);
-  dump_right_place(session, window, with_words);
+  const Node* lnode = window.lnode;
+  trace_line(session, "lnode >>>>>");
+  const bool shows_open_words = with_words && (lnode == nullptr || is_fresh(*lnode));
+  if (shows_open_words) trace_line(session, "-- word candidates for lnode --");
+  dump_node(session, lnode, !shows_open_words);
+  trace_line(session, "rnode >>>>>");
+  out_flush(session);
+  const Node* rnode = window.rnode;
+  if (!with_words) {
+    dump_node(session, rnode, true);
+    return;
+  }
+  if (rnode != nullptr && !is_fresh(*rnode)) {
+    if (lnode != nullptr && is_boundary(*lnode) && is_fresh(*lnode)) print_graph_attrs(session, *rnode);
+    dump_node(session, rnode, true);
+    return;
+  }
+  if (rnode != nullptr) print_graph_attrs(session, *rnode);
+  trace_line(session, "-- word candidates for rnode --");
+  dump_node(session, rnode, false);
 }
 
 void dump_node(Session& session, const Node* node, bool one) {
@@ -174,18 +149,16 @@ void dump_node(Session& session, const Node* node, bool one) {
   } else if (is_fresh(*node)) {
     print_words(session, node->candidates);
   } else {
-    print_open_words(session, *node);
+    // The changed copies, and the word from which they came.
+    const WordEntry* word = node->candidates;
+    for (const MatchRecord& record : chain<&MatchRecord::next>(node->matches)) {
+      if (record.state == kStateStep || word == nullptr) continue;
+      print_word(session, word);
+      word = word->next;
+    }
+    print_word(session, word);
   }
   if (is_scope_reference(*node)) dump_scope_entries(session, node->scope);
-}
-
-void print_other_rules(Session& session, const RuleCandidate* list) {
-  trace_line(session, "-- other applicable rules --");
-  for (const RuleCandidate& element : chain<&RuleCandidate::next>(list)) {
-    if (is_post_edit_type(element.rule->type)) continue;
-    rule_print(session, element.rule, true);
-    out_flush(session);
-  }
 }
 
 }  // namespace lexon
