@@ -66,15 +66,6 @@ void word_changed(Actions& actions) {
   return true;
 }
 
-void attr_delete(Actions& actions, const char* attr) {
-  if (attr_blank(actions.word.attrs, attr)) word_changed(actions);
-  // wanted: a role that is taken from a copy dies in the node it was copied from, whether or not the copy has it.
-  const bool is_role = *attr == '<' || *attr == '>';
-  const Node* origin = actions.node.origin;
-  if (!is_role || origin == nullptr || is_fresh(*origin) || origin->candidates == nullptr) return;
-  if (attr_blank(origin->candidates->attrs, attr)) actions.origin_blanked = true;
-}
-
 void attr_add(Actions& actions, const char* attr) {
   AttrScratch& additions = actions.additions;
   const std::size_t length = additions.size() + std::strlen(attr) + 1;
@@ -131,7 +122,14 @@ Status node_actions_apply(Session& session, Side side, const Rule& rule, const W
     if (item.op == kOpSetHw) {
       if (const Status status = surface_set(session, actions, item.text); status != Status::ok) return status;
     }
-    if (item.op == kOpDelete) attr_delete(actions, item.text);
+    if (item.op == kOpDelete) {
+      if (attr_blank(actions.word.attrs, item.text)) word_changed(actions);
+      // wanted: a role that is taken from a copy dies in the node it was copied from, whether or not the copy has it.
+      const bool is_role = *item.text == '<' || *item.text == '>';
+      const Node* origin = is_role ? node->origin : nullptr;
+      const bool has_word = origin != nullptr && !is_fresh(*origin) && origin->candidates != nullptr;
+      if (has_word && attr_blank(origin->candidates->attrs, item.text)) actions.origin_blanked = true;
+    }
     if (item.op == kOpAdd) attr_add(actions, item.text);
     // A concept word changes nothing here.
   }

@@ -6,6 +6,7 @@
 #include "data/records.hpp"
 #include "data/status.hpp"
 #include "engine/loop.hpp"
+#include "engine/side.hpp"
 
 namespace lexon {
 
@@ -19,10 +20,11 @@ struct Session;
 // Applies the actions of both patterns to the two words in force, with the copies that undo needs.
 [[nodiscard]] Status rule_actions_apply(Session& session, const Window& window, const RuleCandidate& candidate);
 
-// Puts the mark of a co-occurrence choice in front of the attributes of the inserted node's word, and takes it off.
+// Puts the mark of a co-occurrence choice in front of the attributes of the inserted node's word, and takes it off the
+// word of the node at one side (may be null).
 [[nodiscard]] Status role_mark_add(Session& session, const Rule& rule, Node* lnode, Node* rnode,
                                    const WordEntry& chosen);
-[[nodiscard]] Status role_mark_remove(Session& session, const Rule& rule, Node* lnode, Node* rnode,
+[[nodiscard]] Status role_mark_remove(Session& session, const Rule& rule, Side side, Node* node,
                                       const WordEntry& chosen);
 
 // False if a record of the stack belongs to a ":" rule with two brace patterns: the node's scope was entered by it.

@@ -133,9 +133,7 @@ void give_up_rules(Session& session, Undo& undo, int number) {
 [[nodiscard]] Status choice_take_off(Session& session, const Undo& undo, Side side, Node& node, WordEntry*& rest) {
   const Rule& rule = *undo.candidate->rule;
   WordEntry* choice = node.matches->cooccurrence;
-  Node* left = side == Side::left ? &node : nullptr;
-  Node* right = side == Side::left ? nullptr : &node;
-  if (const Status status = role_mark_remove(session, rule, left, right, *choice); status != Status::ok) return status;
+  if (const Status status = role_mark_remove(session, rule, side, &node, *choice); status != Status::ok) return status;
   rest = std::exchange(choice->next, nullptr);
   node.matches->cooccurrence = nullptr;
   // The other record of the application shares the choice, until it has been taken off once. Of another record nothing
@@ -225,22 +223,41 @@ void give_up_rules(Session& session, Undo& undo, int number) {
   return has_both ? Status::ok : rule_base_failure(session, "undid a rule at an empty place");
 }
 
-// The choices that the two records of the application share, or that one of them has kept. Null if there are none, or
-// if the records are not a pair.
-[[nodiscard]] WordEntry* choices_of(const Undo& undo) {
-  const MatchRecord* left = undo.window.lnode->matches;
-  const MatchRecord* right = undo.window.rnode->matches;
-  if (left == nullptr || right == nullptr) return nullptr;
-  if (left->candidate != undo.candidate || right->candidate != undo.candidate) return nullptr;
-  if (left->cooccurrence == nullptr) return right->cooccurrence;
-  const bool are_one = right->cooccurrence == nullptr || right->cooccurrence == left->cooccurrence;
-  return are_one ? left->cooccurrence : nullptr;
-}
-
-// 7.14: was a scope brought in or entered by the rule? If it stands finished, the search goes on inside it.
-[[nodiscard]] Stage scope_test(Session& session, Undo& undo, const Rule& rule) {
-  Node& lnode = *undo.window.lnode;
-  Node& rnode = *undo.window.rnode;
+// 7.8 to 7.15, for the types that are undone in place.
+[[nodiscard]] Stage application_undo(Session& session, Undo& undo) {
+  Window& window = undo.window;
+  const Rule& rule = *undo.candidate->rule;
+  if (const Status status = place_restore(session, undo); status != Status::ok) return leave(undo, status);
+  trace_backtrack(session, Undoing::application, *undo.candidate, window);
+  if (rule.mid != nullptr) {
+    if (const Status status = to_noted_places(session, window, *undo.candidate); status != Status::ok)
+      return leave(undo, status);
+  }
+  if (const Stage stage = next_choice(session, undo); stage != Stage::pop) return stage;
+  // The choices that the two records of the application share, or that one of them has kept. Null if there are none, or
+  // if the records are not a pair.
+  WordEntry* choices = nullptr;
+  const MatchRecord* left = window.lnode->matches;
+  const MatchRecord* right = window.rnode->matches;
+  const bool are_both_there = left != nullptr && right != nullptr;
+  if (are_both_there && left->candidate == undo.candidate && right->candidate == undo.candidate) {
+    const bool are_one = right->cooccurrence == nullptr || right->cooccurrence == left->cooccurrence;
+    if (left->cooccurrence == nullptr) {
+      choices = right->cooccurrence;
+    } else if (are_one) {
+      choices = left->cooccurrence;
+    }
+  }
+  for (Node* node : {window.lnode, window.rnode}) {
+    if (!is_fresh(*node) && node->matches->state == kStateChanged) entry_drop_head(session, node->candidates);
+    if (const Status status = record_pop(session, node); status != Status::ok) return leave(undo, status);
+  }
+  entry_list_free(session, choices);
+  undo.caller = window;
+  if (rule.type == rule_type::right && is_boundary(*window.rnode)) return Stage::next_rule;
+  // 7.14: was a scope brought in or entered by the rule? If it stands finished, the search goes on inside it.
+  Node& lnode = *window.lnode;
+  Node& rnode = *window.rnode;
   if (!may_re_enter_scope(session, &rnode, *rule.rnode, rule) &&
       !may_re_enter_scope(session, &lnode, *rule.lnode, rule))
     return Stage::alternatives;
@@ -252,28 +269,6 @@ void give_up_rules(Session& session, Undo& undo, int number) {
     return Stage::end;
   }
   return Stage::alternatives;
-}
-
-// 7.8 to 7.15, for the types that are undone in place.
-[[nodiscard]] Stage application_undo(Session& session, Undo& undo) {
-  Window& window = undo.window;
-  const Rule& rule = *undo.candidate->rule;
-  if (const Status status = place_restore(session, undo); status != Status::ok) return leave(undo, status);
-  trace_backtrack_1(session, *undo.candidate, window);
-  if (rule.mid != nullptr) {
-    if (const Status status = to_noted_places(session, window, *undo.candidate); status != Status::ok)
-      return leave(undo, status);
-  }
-  if (const Stage stage = next_choice(session, undo); stage != Stage::pop) return stage;
-  WordEntry* choices = choices_of(undo);
-  for (Node* node : {window.lnode, window.rnode}) {
-    if (!is_fresh(*node) && node->matches->state == kStateChanged) entry_drop_head(session, node->candidates);
-    if (const Status status = record_pop(session, node); status != Status::ok) return leave(undo, status);
-  }
-  entry_list_free(session, choices);
-  undo.caller = window;
-  if (rule.type == rule_type::right && is_boundary(*window.rnode)) return Stage::next_rule;
-  return scope_test(session, undo, rule);
 }
 
 // 7.2, 7.4 and 7.5: `status` of what has set the window; the next stage if that has not failed.
@@ -510,7 +505,8 @@ enum class Held : std::uint8_t { none, has_words, used_up, failed };
 Status backtrack(Session& session, Window& window, RuleCandidate*& candidate, std::int32_t& home_scope) {
   if (const Status status = must_leave(session); status != Status::ok) return status;
   Undo undo{window, candidate, home_scope, window, nullptr, false, Status::ok};
-  if (candidate != nullptr && is_word_test_type(candidate->rule->type)) trace_backtrack(session, *candidate, window);
+  if (candidate != nullptr && is_word_test_type(candidate->rule->type))
+    trace_backtrack(session, Undoing::word_test, *candidate, window);
   for (Stage stage = first_stage(session, undo); stage != Stage::end;) {
     switch (stage) {
       case Stage::fresh_window: stage = fresh_window(session, undo); break;

@@ -28,16 +28,6 @@ bool group_fits(Side side, const ContextGroup& group, const WordEntry& word) {
   return true;
 }
 
-// Notes the node at the group that the caller has marked.
-void note_hit(const Walk& walk, const ContextGroup& group, Node& node) {
-  // wanted: to the right a group with a star is not noted
-  if (walk.side == Side::right && group.star != 0) return;
-  GroupMark& mark = walk.mark;
-  if (mark.group == nullptr) return;
-  const bool follows_starred_mark = mark.group->star != 0 && mark.hit == nullptr && mark.group->next == &group;
-  if (&group == mark.group || follows_starred_mark) mark.hit = &node;
-}
-
 // `before`: the node from which the walk came, or null.
 Node* match_groups(Session& session, const Walk& walk, GroupCursor groups, Node* node, Node* before) {
   Node* result = nullptr;
@@ -70,7 +60,13 @@ Node* match_groups(Session& session, const Walk& walk, GroupCursor groups, Node*
     } else {
       groups = groups.next();
     }
-    note_hit(walk, group, *node);
+    // The node is noted at the group that the caller has marked.
+    // wanted: to the right a group with a star is not noted
+    GroupMark& mark = walk.mark;
+    if (mark.group != nullptr && (walk.side == Side::left || group.star == 0)) {
+      const bool follows_starred_mark = mark.group->star != 0 && mark.hit == nullptr && mark.group->next == &group;
+      if (&group == mark.group || follows_starred_mark) mark.hit = node;
+    }
     last = node;
     node = neighbour(*node, walk.side);
   }

@@ -29,16 +29,6 @@ struct Filter {
   bool on_target = false;  // words of the target are moved, not those of the node
 };
 
-// Does a rule of this type never work on this place? Word tests do not aim at boundaries. A merge takes one node away,
-// which must not be a boundary, nor the node that the scope starts from.
-bool is_wrong_place(const Session& session, Side side, std::uint8_t type, const Window& window) {
-  const bool aims_here = type == (side == Side::left ? rule_type::test_left : rule_type::test_right);
-  if (aims_here && is_boundary(*node_of(window, side))) return true;
-  if (type != rule_type::merge_left && type != rule_type::merge_right) return false;
-  const Node* dropped = type == rule_type::merge_left ? window.lnode : window.rnode;
-  return dropped == nullptr || is_boundary(*dropped) || dropped == current_scope(session).entry;
-}
-
 bool head_text_has(const Node* node, const char* attr) {
   return node != nullptr && attr_find(head_text(*node), attr) != nullptr;
 }
@@ -182,7 +172,15 @@ Fit filter_open(Session& session, Filter& filter) {
 Fit filter_candidates(Session& session, Side side, const Rule& rule, RuleCandidate& candidate, const Window& window,
                       WordEntry*& chosen) {
   Node* node = node_of(window, side);
-  if (node == nullptr || is_wrong_place(session, side, rule.type, window)) return Fit::no;
+  if (node == nullptr) return Fit::no;
+  // Word tests do not aim at boundaries.
+  const bool aims_here = rule.type == (side == Side::left ? rule_type::test_left : rule_type::test_right);
+  if (aims_here && is_boundary(*node)) return Fit::no;
+  // A merge takes one node away, which must not be a boundary, nor the node that the scope starts from.
+  if (rule.type == rule_type::merge_left || rule.type == rule_type::merge_right) {
+    const Node* dropped = rule.type == rule_type::merge_left ? window.lnode : window.rnode;
+    if (dropped == nullptr || is_boundary(*dropped) || dropped == current_scope(session).entry) return Fit::no;
+  }
   const bool looks_through = rule.type == rule_type::insertion || is_word_test_type(rule.type);
   Node* target =
       looks_through && is_unbuilt_reference(session, *node) ? scope_final_node(session, node->scope) : nullptr;

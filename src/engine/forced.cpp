@@ -50,27 +50,6 @@ namespace {
   }
 }
 
-// The target waits in the window beside a node that a rule inserted: the target is given up, and the inserted
-// node is undone.
-[[nodiscard]] bool target_is_given_up(Session& session, const Window& window, const RuleCandidate* candidate) {
-  if (candidate == nullptr) return false;
-  const bool left_came_in = candidate->rule->lnode->inserted != 0;
-  const bool right_came_in = candidate->rule->rnode->inserted != 0;
-  if (is_target(session, window.rnode) && is_untouched(*window.rnode) && left_came_in) {
-    session.state.forced_node = nullptr;
-    trace_forced_ends(session, ForcedEnd::right_place);
-    out_flush(session);
-    return true;
-  }
-  // wanted: unlike the right place, the left one must be fresh.
-  if (is_target(session, window.lnode) && is_fresh(*window.lnode) && right_came_in) {
-    session.state.forced_node = nullptr;
-    trace_forced_ends(session, ForcedEnd::left_place);
-    return true;
-  }
-  return false;
-}
-
 }  // namespace
 
 Outcome forced_backtrack(Session& session, Window& window, RuleCandidate*& candidate, std::int32_t& home_scope) {
@@ -82,7 +61,23 @@ Outcome forced_backtrack(Session& session, Window& window, RuleCandidate*& candi
   }
   Outcome outcome = undo_to_target(session, window, candidate, home_scope);
   if (!outcome.writes_back) return outcome;
-  const bool was_given_up = target_is_given_up(session, window, candidate);
+  // Where the target waits in the window beside a node that a rule inserted, it is given up, and the inserted node is
+  // undone.
+  bool was_given_up = false;
+  if (candidate != nullptr) {
+    // wanted: unlike the right place, the left one must be fresh.
+    const bool left_came_in = candidate->rule->lnode->inserted != 0;
+    const bool right_came_in = candidate->rule->rnode->inserted != 0;
+    if (is_target(session, window.rnode) && is_untouched(*window.rnode) && left_came_in) {
+      was_given_up = true;
+      trace_forced_ends(session, ForcedEnd::right_place);
+      out_flush(session);
+    } else if (is_target(session, window.lnode) && is_fresh(*window.lnode) && right_came_in) {
+      was_given_up = true;
+      trace_forced_ends(session, ForcedEnd::left_place);
+    }
+  }
+  if (was_given_up) target = nullptr;
   const bool is_still_aimed = target != nullptr && candidate != nullptr && has_brace_patterns(*candidate->rule);
   if (was_given_up || is_still_aimed) {
     // wanted: one step more, whatever it says.

@@ -37,39 +37,6 @@ void write_graph_part(HeadText& part, std::string_view text, std::size_t room) {
   if (needed + 1 + own.size() <= room) part.append(',').append(own);
 }
 
-// "part" or "part,old", as a new text. Null when memory is exhausted.
-char* joined(Session& session, std::string_view part, const char* old) {
-  const std::string_view rest = text_or_empty(old);
-  const std::size_t size = part.size() + (old == nullptr ? 0 : 1 + rest.size());
-  auto* text = static_cast<char*>(temp_alloc(session, static_cast<std::int64_t>(size) + 1));
-  if (text == nullptr) return nullptr;
-  char* end = std::copy(part.begin(), part.end(), text);
-  if (old != nullptr) {
-    *end++ = ',';
-    end = std::copy(rest.begin(), rest.end(), end);
-  }
-  *end = '\0';
-  return text;
-}
-
-// The new length is computed, not measured: it can exceed that of the string.
-Status put_in_front(Session& session, WordEntry& word, std::string_view text) {
-  const std::int64_t wanted_length = std::int64_t{word.attr_len} + static_cast<std::int64_t>(text.size()) + 1;
-  const auto total = static_cast<std::int32_t>(std::min<std::int64_t>(wanted_length, kAttrLimit - 1));
-  const auto room = static_cast<std::size_t>(std::max(0, total - word.attr_len - 1));
-  HeadText part;
-  write_graph_part(part, text, room);
-  char* attrs = joined(session, part.view(), word.attrs);
-  if (attrs == nullptr) return Status::memory;
-  temp_free_string(session, word.attrs);
-  word.attrs = attrs;
-  const std::int32_t growth = total - word.attr_len;
-  word.attr_block_size += growth;
-  word.total_size += growth;
-  word.attr_len = total;
-  return Status::ok;
-}
-
 }  // namespace
 
 Status graph_attrs_into_word(Session& session, Node& node, const NodePattern& pattern) {
@@ -82,7 +49,29 @@ Status graph_attrs_into_word(Session& session, Node& node, const NodePattern& pa
   // A node that was there has them from an earlier match; for one that is brought in they count once more.
   const bool is_in_word = std::string_view(text_or_empty(word.attrs)).find(text) != std::string_view::npos;
   if (pattern.inserted == 0 && is_in_word) return Status::ok;
-  return put_in_front(session, word, text);
+  // The new length is computed, not measured: it can exceed that of the string.
+  const std::int64_t wanted_length = std::int64_t{word.attr_len} + static_cast<std::int64_t>(text.size()) + 1;
+  const auto total = static_cast<std::int32_t>(std::min<std::int64_t>(wanted_length, kAttrLimit - 1));
+  HeadText part;
+  write_graph_part(part, text, static_cast<std::size_t>(std::max(0, total - word.attr_len - 1)));
+  // "part" or "part,old".
+  const std::string_view old = text_or_empty(word.attrs);
+  const std::size_t size = part.size() + (word.attrs == nullptr ? 0 : 1 + old.size());
+  auto* attrs = static_cast<char*>(temp_alloc(session, static_cast<std::int64_t>(size) + 1));
+  if (attrs == nullptr) return Status::memory;
+  char* end = std::copy(part.view().begin(), part.view().end(), attrs);
+  if (word.attrs != nullptr) {
+    *end++ = ',';
+    end = std::copy(old.begin(), old.end(), end);
+  }
+  *end = '\0';
+  temp_free_string(session, word.attrs);
+  word.attrs = attrs;
+  const std::int32_t growth = total - word.attr_len;
+  word.attr_block_size += growth;
+  word.total_size += growth;
+  word.attr_len = total;
+  return Status::ok;
 }
 
 }  // namespace lexon

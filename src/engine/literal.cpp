@@ -42,7 +42,10 @@ Fit find_words(Session& session, Match& match, Side side, Node& node) {
   const bool names_class = hw != nullptr && hw[0] == '#';
   if (names_class) node.candidates = word_class_entries(session, match.rule, side);
   if (node.candidates == nullptr) {
-    node.candidates = entry_from_pattern(session, pattern);
+    // A word from the pattern's first texts and all its attribute conditions, if either text is affirmative.
+    const char* affirmed = first_affirmative_text(pattern.hw_conds);
+    if (affirmed == nullptr) affirmed = first_affirmative_text(pattern.cw_conds);
+    if (affirmed != nullptr) node.candidates = entry_from_class_member(session, pattern, affirmed);
     return node.candidates == nullptr ? Fit::no : Fit::yes;
   }
   // The conditions on texts name the class, and are not held against its members.
@@ -71,12 +74,6 @@ Status dict_select(Session& session, const char* hw, const char* cw, WordEntry*&
   // Words go from the head on until one has the concept word. What stands behind it stays, whatever it is.
   while (words != nullptr && std::strcmp(text_or_empty(words->cw), cw) != 0) entry_drop_head(session, words);
   return Status::ok;
-}
-
-WordEntry* entry_from_pattern(Session& session, const NodePattern& pattern) {
-  const char* hw = first_affirmative_text(pattern.hw_conds);
-  const char* text = hw != nullptr ? hw : first_affirmative_text(pattern.cw_conds);
-  return text == nullptr ? nullptr : entry_from_class_member(session, pattern, text);
 }
 
 Fit make_literal(Session& session, Match& match, Side side, Node*& node) {

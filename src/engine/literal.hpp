@@ -19,7 +19,4 @@ struct Session;
 // concept word. Null texts are not asked for. `words` is null if there are none.
 [[nodiscard]] Status dict_select(Session& session, const char* hw, const char* cw, WordEntry*& words);
 
-// A word made from a pattern's first texts and all its attribute conditions; null if neither text is affirmative.
-[[nodiscard]] WordEntry* entry_from_pattern(Session& session, const NodePattern& pattern);
-
 }  // namespace lexon

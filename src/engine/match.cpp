@@ -34,13 +34,6 @@ bool inserts(const Rule& rule, Side side) {
   return pattern_of(rule, side).inserted != 0;
 }
 
-// The side of the inserted node as the rest of the rule sees it: the left one if both are.
-std::optional<Side> inserted_side(const Rule& rule) {
-  if (inserts(rule, Side::left)) return Side::left;
-  if (inserts(rule, Side::right)) return Side::right;
-  return std::nullopt;
-}
-
 // An inserted node that undo has left in its place for another try.
 bool stands_for_retry(const Node* node) {
   return node != nullptr && is_marked(*node);
@@ -134,34 +127,6 @@ Fit test_side(Session& session, Match& match, Side side) {
   return Fit::no;
 }
 
-// ---- Slide.
-
-// Inlined into every match; who asks again afterwards calls it below.
-[[gnu::always_inline]] inline bool slide(Session& session, Match& match) {
-  Window& window = match.window;
-  const Rule& rule = match.rule;
-  if (rule.mid != nullptr) {
-    const Side side = inserts(rule, Side::left) ? Side::left : Side::right;
-    const Node* start = node_of(window, other(side));
-    if (start == nullptr) return false;
-    const ContextGroup* beyond = groups_beyond(rule, side);
-    match.mid_mark.group = beyond;
-    Node* place = match_context(session, side, {rule.mid, beyond}, neighbour(*start, side), match.mid_mark);
-    if (place == nullptr) return false;
-    // The groups beyond have matched in the same walk: the window stands in front of the first of their nodes.
-    if (match.mid_mark.hit != nullptr) place = neighbour(*match.mid_mark.hit, other(side));
-    if (place == nullptr) return false;
-    node_of(window, other(side)) = place;
-    node_of(window, side) = neighbour(*place, side);
-  }
-  // A group beyond the window that has no star needs a node there.
-  for (const Side side : {Side::left, Side::right}) {
-    const ContextGroup* beyond = groups_beyond(rule, side);
-    if (beyond != nullptr && beyond->star == 0 && node_of(window, side) == nullptr) return false;
-  }
-  return true;
-}
-
 // ---- Settle and verdict.
 
 // Graph attributes go into both words, and the mark of a co-occurrence choice. Then both nodes get the record of this
@@ -204,7 +169,10 @@ Status settle(Session& session, Match& match, bool& applies) {
 
 // The caller's window takes the inserted node in.
 Status hand_over(Session& session, Match& match, Window& window) {
-  const std::optional<Side> side = inserted_side(match.rule);
+  // The side of the inserted node as the rest of the rule sees it: the left one if both are.
+  std::optional<Side> side;
+  if (inserts(match.rule, Side::right)) side = Side::right;
+  if (inserts(match.rule, Side::left)) side = Side::left;
   if (side) node_of(window, *side) = node_of(match.window, *side);
   if (match.rule.mid != nullptr) {
     // The candidate keeps the window for another try, and the node that MID was counted from gets its record.
@@ -232,7 +200,7 @@ Fit match_steps(Session& session, Match& match, Window& window) {
   for (const Side side : {Side::left, Side::right}) {
     if (const Fit fit = test_side(session, match, side); fit != Fit::yes) return fit;
   }
-  if (!slide(session, match)) return Fit::no;
+  if (!slide_over_mid(session, match)) return Fit::no;
   // At most one node is brought in. A shift cuts its text off a word later, so it needs the place alone.
   for (const Side side : {Side::left, Side::right}) {
     if (is_tested(match, side)) continue;
@@ -263,7 +231,28 @@ bool is_refused_by_text(const Session& session, const Rule& rule, const Window& 
 }
 
 bool slide_over_mid(Session& session, Match& match) {
-  return slide(session, match);
+  Window& window = match.window;
+  const Rule& rule = match.rule;
+  if (rule.mid != nullptr) {
+    const Side side = inserts(rule, Side::left) ? Side::left : Side::right;
+    const Node* start = node_of(window, other(side));
+    if (start == nullptr) return false;
+    const ContextGroup* beyond = groups_beyond(rule, side);
+    match.mid_mark.group = beyond;
+    Node* place = match_context(session, side, {rule.mid, beyond}, neighbour(*start, side), match.mid_mark);
+    if (place == nullptr) return false;
+    // The groups beyond have matched in the same walk: the window stands in front of the first of their nodes.
+    if (match.mid_mark.hit != nullptr) place = neighbour(*match.mid_mark.hit, other(side));
+    if (place == nullptr) return false;
+    node_of(window, other(side)) = place;
+    node_of(window, side) = neighbour(*place, side);
+  }
+  // A group beyond the window that has no star needs a node there.
+  for (const Side side : {Side::left, Side::right}) {
+    const ContextGroup* beyond = groups_beyond(rule, side);
+    if (beyond != nullptr && beyond->star == 0 && node_of(window, side) == nullptr) return false;
+  }
+  return true;
 }
 
 Fit match_rule(Session& session, RuleCandidate& candidate, Window& window) {

@@ -24,15 +24,6 @@ namespace lexon {
 
 namespace {
 
-// Rules of generation are passed over, and scope rules at a place that stands for no scope.
-[[nodiscard]] bool may_run(const Rule& rule, const Window& window) {
-  const Node* place = nullptr;
-  if (rule.type == rule_type::post_scope_left) place = window.lnode;
-  if (rule.type == rule_type::post_scope_right) place = window.rnode;
-  const bool wants_reference = rule.type == rule_type::post_scope_left || rule.type == rule_type::post_scope_right;
-  return wants_reference ? place != nullptr && is_scope_reference(*place) : is_post_edit_type(rule.type);
-}
-
 // The surface forms of a window that shifts may be held against before anything else, by the side that gives the text:
 // of nodes that are settled, beside a place that holds nothing for another try. Null: rules have to be matched.
 struct ShiftedTexts {
@@ -74,7 +65,12 @@ struct ShiftedTexts {
       continue;
     }
     const Rule& rule = *session.grammar->index.search.rules[static_cast<std::size_t>(number)];
-    if (!may_run(rule, window)) continue;
+    // Rules of generation are passed over, and scope rules at a place that stands for no scope.
+    if (!is_post_edit_type(rule.type)) continue;
+    if (rule.type == rule_type::post_scope_left || rule.type == rule_type::post_scope_right) {
+      const Node* place = rule.type == rule_type::post_scope_left ? window.lnode : window.rnode;
+      if (place == nullptr || !is_scope_reference(*place)) continue;
+    }
     if (session.observer == nullptr && session.state.turned != nullptr && is_refused_by_text(session, rule, window)) {
       result = Status::ok;
       continue;
@@ -98,27 +94,6 @@ struct ShiftedTexts {
   return nullptr;
 }
 
-// One round. False when the pass is over.
-[[nodiscard]] bool round(Session& session, Window& window, Status& result) {
-  if (const Status status = must_leave(session); status != Status::ok) {
-    result = status;
-    return false;
-  }
-  if (window.lnode == nullptr || window.rnode == nullptr) return false;
-  const std::span<const std::int32_t> rules = post_edit_rules(session, window.lnode, window.rnode);
-  if (session.observer != nullptr) session.observer->offered_in_post_edit(session, window, rules);
-  RuleCandidate* candidate = rule_choose(session, rules, window, result);
-  if (candidate == nullptr || must_leave(session) != Status::ok) return false;
-  // A pass inside a scope must not release it.
-  const CandidatePin pin(candidate);
-  const std::uint8_t type = candidate->rule->type;
-  const bool moves_window =
-      type == rule_type::post_left || type == rule_type::post_right || type == rule_type::post_insertion;
-  result = moves_window ? apply_rule(session, window, candidate, nullptr) : post_edit_rule(session, window, *candidate);
-  // A rule that fails ends the pass, and with it the sentence.
-  return result == Status::ok;
-}
-
 }  // namespace
 
 Status post_edit(Session& session, Node* start) {
@@ -129,7 +104,21 @@ Status post_edit(Session& session, Node* start) {
   Window window{last->left, last};
   trace_list(session, window, false);
   Status result = Status::ok;
-  while (round(session, window, result)) {
+  // A rule that fails ends the pass, and with it the sentence.
+  while (result == Status::ok) {
+    if (const Status status = must_leave(session); status != Status::ok) return status;
+    if (window.lnode == nullptr || window.rnode == nullptr) return result;
+    const std::span<const std::int32_t> rules = post_edit_rules(session, window.lnode, window.rnode);
+    if (session.observer != nullptr) session.observer->offered_in_post_edit(session, window, rules);
+    RuleCandidate* candidate = rule_choose(session, rules, window, result);
+    if (candidate == nullptr || must_leave(session) != Status::ok) return result;
+    // A pass inside a scope must not release it.
+    const CandidatePin pin(candidate);
+    const std::uint8_t type = candidate->rule->type;
+    const bool moves_window =
+        type == rule_type::post_left || type == rule_type::post_right || type == rule_type::post_insertion;
+    result =
+        moves_window ? apply_rule(session, window, candidate, nullptr) : post_edit_rule(session, window, *candidate);
   }
   return result;
 }

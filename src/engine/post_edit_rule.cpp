@@ -85,16 +85,6 @@ namespace {
   return status == Status::ok ? rule_actions_apply(session, window, candidate) : status;
 }
 
-[[nodiscard]] Status rule_carry_out(Session& session, Window& window, const RuleCandidate& candidate) {
-  switch (candidate.rule->type) {
-    case rule_type::shift_left: return shift(session, Side::left, window, candidate);
-    case rule_type::shift_right: return shift(session, Side::right, window, candidate);
-    case rule_type::post_scope_left: return scope_rule(session, Side::left, window, candidate);
-    case rule_type::post_scope_right: return scope_rule(session, Side::right, window, candidate);
-    default: return Status::ok;
-  }
-}
-
 }  // namespace
 
 Status post_edit_rule(Session& session, Window& window, const RuleCandidate& candidate) {
@@ -102,7 +92,15 @@ Status post_edit_rule(Session& session, Window& window, const RuleCandidate& can
   trace_rule_end(session);
   // On failure the caller's window stays as it was.
   Window changed = window;
-  if (const Status status = rule_carry_out(session, changed, candidate); status != Status::ok) return status;
+  Status status = Status::ok;
+  switch (candidate.rule->type) {
+    case rule_type::shift_left: status = shift(session, Side::left, changed, candidate); break;
+    case rule_type::shift_right: status = shift(session, Side::right, changed, candidate); break;
+    case rule_type::post_scope_left: status = scope_rule(session, Side::left, changed, candidate); break;
+    case rule_type::post_scope_right: status = scope_rule(session, Side::right, changed, candidate); break;
+    default: break;
+  }
+  if (status != Status::ok) return status;
   window = changed;
   if (session.observer != nullptr) session.observer->applied(session, candidate, window);
   trace_list(session, window, false);

@@ -57,19 +57,16 @@ std::string word_text(const WordEntry* word) {
   return text;
 }
 
-const Rule* last_rule_on(const Node& node) {
-  for (const MatchRecord& record : chain<&MatchRecord::next>(node.matches)) {
-    if (record.candidate != nullptr) return record.candidate->rule;
-  }
-  return nullptr;
-}
-
 Miss miss_of_node(Reason reason, RulePart part, const Node& node) {
   Miss miss;
   miss.reason = reason;
   miss.part = part;
   miss.node = name_of(node);
-  miss.settled_by = last_rule_on(node);
+  for (const MatchRecord& record : chain<&MatchRecord::next>(node.matches)) {
+    if (record.candidate == nullptr) continue;
+    miss.settled_by = record.candidate->rule;
+    break;
+  }
   return miss;
 }
 
@@ -143,30 +140,6 @@ Misses settled_misses(const Question& question) {
 }
 
 // The word under test, and the word of the target that goes with it (null without a target).
-void ask_attributes(Question& question, const WordEntry* own, const WordEntry* targets, Misses& misses) {
-  bool needs_target = false;
-  const std::size_t before = misses.size();
-  for (const CondItem& condition : chain<&CondItem::next>(question.pattern().attr_conds)) {
-    const char* attr = condition.text;
-    const bool is_role = attr[0] == '<' || attr[0] == '>';
-    const bool target_text_has = !is_role && head_text_has(question.target, attr);
-    const bool node_text_has = head_text_has(&question.node, attr);
-    if (condition.op == kOpNot) {
-      if (attr_has(own, attr) || node_text_has || attr_has(targets, attr) || target_text_has)
-        misses.push_back(miss_of_word(question, Reason::attribute_forbidden, &condition, own));
-      continue;
-    }
-    if (attr_has(own, attr) || (is_fresh(question.node) && node_text_has)) continue;
-    if (attr_has(targets, attr)) {
-      needs_target = true;
-    } else if (!target_text_has) {
-      misses.push_back(
-          miss_of_word(question, Reason::attribute_missing, &condition, targets == nullptr ? own : targets));
-    }
-  }
-  if (misses.size() == before && needs_target) question.on_target = true;
-}
-
 Misses open_word_misses(Question& question, const WordEntry* own, const WordEntry* targets) {
   Misses misses;
   ask_surface(question, targets != nullptr ? nullptr : &question.node, targets != nullptr ? targets : own, misses);
@@ -175,7 +148,26 @@ Misses open_word_misses(Question& question, const WordEntry* own, const WordEntr
   const bool wants_misfits = question.side == Side::left ? type == rule_type::test_left
                                                          : type == rule_type::test || type == rule_type::test_right;
   Misses attributes;
-  ask_attributes(question, own, targets, attributes);
+  bool needs_target = false;
+  for (const CondItem& condition : chain<&CondItem::next>(question.pattern().attr_conds)) {
+    const char* attr = condition.text;
+    const bool is_role = attr[0] == '<' || attr[0] == '>';
+    const bool target_text_has = !is_role && head_text_has(question.target, attr);
+    const bool node_text_has = head_text_has(&question.node, attr);
+    if (condition.op == kOpNot) {
+      if (attr_has(own, attr) || node_text_has || attr_has(targets, attr) || target_text_has)
+        attributes.push_back(miss_of_word(question, Reason::attribute_forbidden, &condition, own));
+      continue;
+    }
+    if (attr_has(own, attr) || (is_fresh(question.node) && node_text_has)) continue;
+    if (attr_has(targets, attr)) {
+      needs_target = true;
+    } else if (!target_text_has) {
+      const WordEntry* asked = targets == nullptr ? own : targets;
+      attributes.push_back(miss_of_word(question, Reason::attribute_missing, &condition, asked));
+    }
+  }
+  if (attributes.empty() && needs_target) question.on_target = true;
   if (!wants_misfits) {
     append(misses, std::move(attributes));
   } else if (attributes.empty() || (question.target != nullptr && !is_fresh(*question.target))) {
@@ -379,25 +371,6 @@ std::optional<Miss> miss_at_once(const Match& match) {
   return std::nullopt;
 }
 
-// A relation of a pattern in braces must join the node to something.
-std::optional<Miss> relation_miss(const Asking& asking, Side side, const Node& node) {
-  const NodePattern& pattern = pattern_of(asking.match.rule, side);
-  if (pattern.inserted != 0 || pattern.relations == nullptr) return std::nullopt;
-  Miss miss = miss_of_node(Reason::relation_missing, pattern_part(side), node);
-  miss.condition = pattern.relations;
-  const bool may_be_of_any_scope = is_tested(asking.match, other(side));
-  for (const Relation& arc : chain<&Relation::next>(node.relations)) {
-    if (std::strcmp(arc.label, pattern.relations->text) != 0) continue;
-    if (arc.to != &node) {
-      if (arc.from == &node) miss.reason = Reason::relation_turned;
-      continue;
-    }
-    if (may_be_of_any_scope || arc.scope == current_scope(asking.session).number) return std::nullopt;
-    miss.reason = Reason::relation_of_other_scope;
-  }
-  return miss;
-}
-
 void ask_side(Asking& asking, Side side) {
   const Match& match = asking.match;
   if (!is_tested(match, side)) return;
@@ -411,7 +384,22 @@ void ask_side(Asking& asking, Side side) {
   if (beyond != nullptr && match_context(asking.session, side, beyond, next) == nullptr)
     asking.misses.push_back(context_miss(asking.session, beyond_part(side), side, {beyond}, next));
   append(asking.misses, node_misses(asking.session, match.rule, side, match.window, asking.was_refused));
-  if (std::optional<Miss> miss = relation_miss(asking, side, *node)) asking.misses.push_back(std::move(*miss));
+  // A relation of a pattern in braces must join the node to something.
+  const NodePattern& pattern = pattern_of(match.rule, side);
+  if (pattern.inserted != 0 || pattern.relations == nullptr) return;
+  Miss miss = miss_of_node(Reason::relation_missing, pattern_part(side), *node);
+  miss.condition = pattern.relations;
+  const bool may_be_of_any_scope = is_tested(match, other(side));
+  for (const Relation& arc : chain<&Relation::next>(node->relations)) {
+    if (std::strcmp(arc.label, pattern.relations->text) != 0) continue;
+    if (arc.to != node) {
+      if (arc.from == node) miss.reason = Reason::relation_turned;
+      continue;
+    }
+    if (may_be_of_any_scope || arc.scope == current_scope(asking.session).number) return;
+    miss.reason = Reason::relation_of_other_scope;
+  }
+  asking.misses.push_back(std::move(miss));
 }
 
 void ask_slide(Asking& asking) {
@@ -677,15 +665,6 @@ std::vector<Miss> index_misses(Session& session, const Rule& rule, const Window&
 }
 
 // ---- What is known by other means.
-
-Reason reason_of_refusal(const Rule& rule, const Window& window) {
-  for (const Side side : {Side::left, Side::right}) {
-    const Node* node = node_of(window, side);
-    if (pattern_of(rule, side).inserted != 0 && stands_for_retry(node) && node->candidates == nullptr)
-      return Reason::words_used_up;
-  }
-  return Reason::asks_for_step_back;
-}
 
 NodeSource source_of_node(Session& session, const Rule& rule, Side side, const Node& node) {
   if (rule.lnode->relations != nullptr || rule.rnode->relations != nullptr) return NodeSource::relation;

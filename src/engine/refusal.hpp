@@ -81,9 +81,6 @@ struct Miss {
 // must not. Empty: it offers it. To be asked where a list of rules was just asked for.
 [[nodiscard]] std::vector<Miss> index_misses(Session& session, const Rule& rule, const Window& window);
 
-// Why the match was refused, of one that said `Fit::refused`.
-[[nodiscard]] Reason reason_of_refusal(const Rule& rule, const Window& window);
-
 // Where the words of a node come from that the rule has just brought in.
 enum class NodeSource : std::uint8_t { relation, dictionary, word_class, pattern };
 [[nodiscard]] NodeSource source_of_node(Session& session, const Rule& rule, Side side, const Node& node);

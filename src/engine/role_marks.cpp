@@ -18,7 +18,25 @@ namespace {
 constexpr std::int32_t kMarkGrowth = 3;  // wanted: one more than the mark's sign and comma
 constexpr std::int32_t kMarkShrink = 1;
 
-[[nodiscard]] Status mark_remove(Session& session, const Rule& rule, Side side, Node* node, const WordEntry& chosen) {
+}  // namespace
+
+Status role_mark_add(Session& session, const Rule& rule, Node* lnode, Node* rnode, const WordEntry& chosen) {
+  // Only a node that the rule brings in has been chosen.
+  if (has_brace_patterns(rule)) return Status::ok;
+  const Side side = rule.lnode->inserted != 0 ? Side::left : Side::right;
+  Node* node = side == Side::left ? lnode : rnode;
+  if (node == nullptr || node->candidates == nullptr)
+    return rule_base_failure(session, "marked a choice on an empty place");
+  WordEntry& word = *node->candidates;
+  const std::string_view id = text_or_empty(chosen.id);
+  Scratch<kAttrLimit + 4> mark;
+  mark.append(pattern_of(rule, side).roles != nullptr ? '<' : '>').append(id).append(',');
+  const Status status = entry_attrs_prefix(session, word, mark.view());
+  if (status == Status::ok) word.attr_len += chosen.id_len + kMarkGrowth;
+  return status;
+}
+
+Status role_mark_remove(Session& session, const Rule& rule, Side side, Node* node, const WordEntry& chosen) {
   if (node == nullptr || node->candidates == nullptr) return Status::ok;
   WordEntry& word = *node->candidates;
   std::string_view attrs = text_or_empty(word.attrs);
@@ -38,29 +56,6 @@ constexpr std::int32_t kMarkShrink = 1;
   const Status status = entry_attrs_set(session, word, attrs);
   if (status == Status::ok) word.attr_len = length;
   return status;
-}
-
-}  // namespace
-
-Status role_mark_add(Session& session, const Rule& rule, Node* lnode, Node* rnode, const WordEntry& chosen) {
-  // Only a node that the rule brings in has been chosen.
-  if (has_brace_patterns(rule)) return Status::ok;
-  const Side side = rule.lnode->inserted != 0 ? Side::left : Side::right;
-  Node* node = side == Side::left ? lnode : rnode;
-  if (node == nullptr || node->candidates == nullptr)
-    return rule_base_failure(session, "marked a choice on an empty place");
-  WordEntry& word = *node->candidates;
-  const std::string_view id = text_or_empty(chosen.id);
-  Scratch<kAttrLimit + 4> mark;
-  mark.append(pattern_of(rule, side).roles != nullptr ? '<' : '>').append(id).append(',');
-  const Status status = entry_attrs_prefix(session, word, mark.view());
-  if (status == Status::ok) word.attr_len += chosen.id_len + kMarkGrowth;
-  return status;
-}
-
-Status role_mark_remove(Session& session, const Rule& rule, Node* lnode, Node* rnode, const WordEntry& chosen) {
-  if (const Status status = mark_remove(session, rule, Side::left, lnode, chosen); status != Status::ok) return status;
-  return mark_remove(session, rule, Side::right, rnode, chosen);
 }
 
 }  // namespace lexon

@@ -127,7 +127,7 @@ ScopeResult scope_enter(Session& session, Side side, Window& window, const RuleC
   const ScopeEntry scope{side, ref, pattern_of(*candidate.rule, side), row};
   trace_rule_applied(session, candidate);
   trace_rule_end(session);
-  trace_scope_entered(session, side, row.number);
+  trace_scope(session, side == Side::left ? ScopeStep::entered_left : ScopeStep::entered_right, row.number);
   if (session.observer != nullptr) session.observer->scope_entered(session, candidate, row.number);
   if (!trace_indent_grow(session)) return {session.state.abort = Status::memory, false};
   attrs_hand_in(scope);

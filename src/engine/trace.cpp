@@ -19,11 +19,6 @@ namespace {
   return side == Side::left ? "lnode" : "rnode";
 }
 
-void print_undone_node(Session& session, Side side, const Node* node) {
-  trace_line(session, "<<<<< ", place_name(side));
-  dump_node(session, node, false);
-}
-
 }  // namespace
 
 void trace_list(Session& session, const Window& window, bool with_words) {
@@ -71,18 +66,25 @@ void trace_no_matched_word(Session& session, Side side) {
   if (traces(session, 2)) trace_line(session, ";;", place_name(side), " No Matched Word!");
 }
 
-void trace_scope_entered(Session& session, Side side, int scope) {
-  if (!traces(session, 2)) return;
-  trace_line(session, ";;==>> SCOPE:", Decimal(scope, 2), " - ", place_name(side), ":scope");
-  out_flush(session);
-}
-
 void trace_scope(Session& session, ScopeStep step, int scope) {
   if (!traces(session, 2)) return;
-  constexpr std::array<const char*, 5> kTexts = {";;<<== SCOPE:", ";;backtrack into SCOPE:", ";;backtrack <<== SCOPE:",
-                                                 ";;==>> PostEdit SCOPE:", ";;<<== PostEdit SCOPE:"};
-  trace_line(session, kTexts[static_cast<std::size_t>(step)], Decimal(scope, 2));
-  if (step == ScopeStep::returned_into) out_flush(session);
+  struct Line {
+    const char* before;
+    const char* behind;
+    bool is_flushed;
+  };
+  constexpr std::array<Line, 7> kLines = {{
+      {";;==>> SCOPE:", " - lnode:scope", true},
+      {";;==>> SCOPE:", " - rnode:scope", true},
+      {";;<<== SCOPE:", "", false},
+      {";;backtrack into SCOPE:", "", true},
+      {";;backtrack <<== SCOPE:", "", false},
+      {";;==>> PostEdit SCOPE:", "", false},
+      {";;<<== PostEdit SCOPE:", "", false},
+  }};
+  const Line& line = kLines[static_cast<std::size_t>(step)];
+  trace_line(session, line.before, Decimal(scope, 2), line.behind);
+  if (line.is_flushed) out_flush(session);
 }
 
 void trace_scope_failed(Session& session, int number, int scope) {
@@ -106,26 +108,21 @@ void trace_attrs_too_long(Session& session, const Rule& rule) {
   rule_print(session, &rule, true);
 }
 
-void trace_backtrack(Session& session, const RuleCandidate& candidate, const Window& window) {
+void trace_backtrack(Session& session, Undoing what, const RuleCandidate& candidate, const Window& window) {
   if (!traces(session, 3)) return;
-  // wanted: the two banners are not of one width.
-  trace_line(session, is_word_test_type(candidate.rule->type) ? "==================== BACKTRACK-0 ====================="
-                                                              : "==================== BACKTRACK ====================");
+  // wanted: the banners are not of one width, and that of an application is flushed line by line.
+  constexpr std::array<const char*, 3> kTexts = {
+      "==================== BACKTRACK-0 =====================",
+      "==================== BACKTRACK-1 =====================", "==================== BACKTRACK ===================="};
+  const bool flushes_lines = what == Undoing::application;
+  trace_line(session, kTexts[static_cast<std::size_t>(what)]);
+  if (flushes_lines) out_flush(session);
   rule_stack_print(session, &candidate, true);
-  print_undone_node(session, Side::left, window.lnode);
-  print_undone_node(session, Side::right, window.rnode);
-  out_flush(session);
-}
-
-void trace_backtrack_1(Session& session, const RuleCandidate& candidate, const Window& window) {
-  if (!traces(session, 3)) return;
-  trace_line(session, "==================== BACKTRACK-1 =====================");
-  out_flush(session);
-  rule_stack_print(session, &candidate, true);
-  out_flush(session);
-  print_undone_node(session, Side::left, window.lnode);
-  out_flush(session);
-  print_undone_node(session, Side::right, window.rnode);
+  for (const Side side : {Side::left, Side::right}) {
+    if (flushes_lines) out_flush(session);
+    trace_line(session, "<<<<< ", place_name(side));
+    dump_node(session, node_of(window, side), false);
+  }
   out_flush(session);
 }
 

@@ -51,10 +51,16 @@ void trace_no_matched_word(Session& session, Side side);
 
 // ---- Level 2: scopes.
 
-void trace_scope_entered(Session& session, Side side, int scope);  // flushed
-
-// The other steps into and out of a scope, a line each. Only `returned_into` is flushed.
-enum class ScopeStep : std::uint8_t { finished, returned_into, return_finished, post_edit_entered, post_edit_finished };
+// The steps into and out of a scope, a line each. The first two, and a return into the scope, are flushed.
+enum class ScopeStep : std::uint8_t {
+  entered_left,
+  entered_right,
+  finished,
+  returned_into,
+  return_finished,
+  post_edit_entered,
+  post_edit_finished,
+};
 void trace_scope(Session& session, ScopeStep step, int scope);
 
 // "#1" is a scope entered from the right place, "#2" from the left one, "#3" one that was gone back into.
@@ -74,10 +80,12 @@ void trace_attrs_too_long(Session& session, const Rule& rule);
 
 // ---- Level 3: backtracking. The numbers are part of the format: they name the branch.
 
-// The two banners, with the rule and both nodes.
-void trace_backtrack(Session& session, const RuleCandidate& candidate,
-                     const Window& window);  // of word tests, merges and exchanges; flushed at the end
-void trace_backtrack_1(Session& session, const RuleCandidate& candidate, const Window& window);  // flushed line by line
+// What a banner announces: the word test that asked for a step back, the application that is undone in place, or a merge
+// or exchange.
+enum class Undoing : std::uint8_t { word_test, application, list_change };
+
+// The banner, with the rule and both nodes. Flushed at the end; that of an application, line by line.
+void trace_backtrack(Session& session, Undoing what, const RuleCandidate& candidate, const Window& window);
 
 void trace_next_rule(Session& session, int number);
 void trace_next_entry(Session& session, Side side, int number);

@@ -61,26 +61,6 @@ void print_words(Session& session, const WordEntry* words) {
   entry_list_print(session.output, words, session.state.trace_indent);
 }
 
-// The words of the entry nodes that a scope reference leads to, through references.
-void dump_scope_entries(Session& session, int scope) {
-  // References can run in a circle; no way through them is longer than the table.
-  for (int steps = session.sentence.semlst_count; steps > 0; --steps) {
-    const Node* entry = scope_entry_node(session, scope);
-    if (entry == nullptr) break;
-    if (is_fresh(*entry)) {
-      trace_line(session, "-- candidates of scope entry-node --");
-      print_words(session, entry->candidates);
-    } else {
-      trace_line(session, "-- entry of scope entry-node --");
-      print_word(session, entry->candidates);
-    }
-    if (!is_scope_reference(*entry)) return;
-    scope = entry->scope;
-  }
-  if (session.state.trace_level > 1) trace_line(session, "No @entry in Scope");
-  out_flush(session);
-}
-
 // What the graph says of the node in this scope; it is not merged into the word yet.
 void print_graph_attrs(Session& session, const Node& node) {
   if (const char* text = head_text(node); text != nullptr) trace_line(session, text);
@@ -158,7 +138,25 @@ void dump_node(Session& session, const Node* node, bool one) {
     }
     print_word(session, word);
   }
-  if (is_scope_reference(*node)) dump_scope_entries(session, node->scope);
+  if (!is_scope_reference(*node)) return;
+  // The words of the entry nodes that the reference leads to, through references. These can run in a circle; no way
+  // through them is longer than the table.
+  int scope = node->scope;
+  for (int steps = session.sentence.semlst_count; steps > 0; --steps) {
+    const Node* entry = scope_entry_node(session, scope);
+    if (entry == nullptr) break;
+    if (is_fresh(*entry)) {
+      trace_line(session, "-- candidates of scope entry-node --");
+      print_words(session, entry->candidates);
+    } else {
+      trace_line(session, "-- entry of scope entry-node --");
+      print_word(session, entry->candidates);
+    }
+    if (!is_scope_reference(*entry)) return;
+    scope = entry->scope;
+  }
+  if (session.state.trace_level > 1) trace_line(session, "No @entry in Scope");
+  out_flush(session);
 }
 
 }  // namespace lexon

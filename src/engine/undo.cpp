@@ -97,7 +97,7 @@ bool is_scope_entry(const Session& session, const Node& node) {
 
 Status merge_undo(Session& session, Window& window, RuleCandidate*& candidate) {
   const std::uint8_t type = candidate->rule->type;
-  trace_backtrack(session, *candidate, window);
+  trace_backtrack(session, Undoing::list_change, *candidate, window);
   if (window.lnode == nullptr || window.rnode == nullptr)
     return rule_base_failure(session, "undid a merge at an empty place");
   // The records of both places go. A merge to the left side that changed the survivor's word has left the window one
@@ -127,7 +127,7 @@ Status merge_undo(Session& session, Window& window, RuleCandidate*& candidate) {
 }
 
 Status exchange_undo(Session& session, Window& window, const RuleCandidate& candidate) {
-  trace_backtrack(session, candidate, window);
+  trace_backtrack(session, Undoing::list_change, candidate, window);
   if (candidate.rule->type != rule_type::exchange) return Status::no_effect;
   if (window.lnode == nullptr || window.rnode == nullptr)
     return rule_base_failure(session, "undid an exchange at an empty place");

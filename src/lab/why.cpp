@@ -113,8 +113,13 @@ void RuleWatch::tried(Session& session, const RuleCandidate& candidate, const Wi
   if (fit == Fit::no) {
     misses = rule_misses(session, candidate, before, true);
   } else {
-    misses.push_back({});
-    misses.back().reason = reason_of_refusal(rule_, before);
+    // A node that was put back for another try has none left, or a word test asks for a step back.
+    misses.push_back({.reason = Reason::asks_for_step_back});
+    for (const Side side : {Side::left, Side::right}) {
+      const Node* node = node_of(before, side);
+      const bool was_put_back = pattern_of(rule_, side).inserted != 0 && node != nullptr && is_marked(*node);
+      if (was_put_back && node->candidates == nullptr) misses.back().reason = Reason::words_used_up;
+    }
   }
   // A word test that asks for a step back has worked.
   const bool has_worked = fit == Fit::refused && is_word_test_type(rule_.type);

@@ -168,8 +168,8 @@ TEST(RoleMarks, AreAddedAndTakenOff) {
     Node* inserted = step.rule->lnode->inserted != 0 ? lnode : rnode;
     // One more than the mark is long.
     EXPECT_EQ(inserted->candidates->attr_len, 3 + (before == mark.marked ? -3 : 6));
-    const bool is_left = inserted == lnode;
-    EXPECT_EQ(role_mark_remove(session, *step.rule, is_left ? lnode : nullptr, is_left ? nullptr : rnode, chosen), Status::ok);
+    const Side side = inserted == lnode ? Side::left : Side::right;
+    EXPECT_EQ(role_mark_remove(session, *step.rule, side, inserted, chosen), Status::ok);
     EXPECT_EQ(step.text(), before);
   }
 }
@@ -178,7 +178,7 @@ TEST(RoleMarkRemoval, LeavesAnyOtherFront) {
   for (const char* attrs : {">loc,A", "<lo,A", "A,<loc", "loc,A"}) {
     Step step(":\"[in]:::p\"{}P1;", std::string("[a/") + attrs + "] [b]");
     const std::string before = step.text();
-    EXPECT_EQ(role_mark_remove(session, *step.rule, step.window.lnode, nullptr, *words_of("in~loc")), Status::ok);
+    EXPECT_EQ(role_mark_remove(session, *step.rule, Side::left, step.window.lnode, *words_of("in~loc")), Status::ok);
     EXPECT_EQ(step.text(), before);
   }
 }
