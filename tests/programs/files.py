@@ -375,9 +375,10 @@ def caught_signals(pid):
 
 
 def short_of_files():
-    """With too few of them, what cannot be opened is told with its reason, and nothing is called damaged."""
+    """With too few of them, what cannot be opened is told with its reason, and nothing is called damaged. The
+    second dictionary is there since a sanitizer needs open files of its own where the first is opened."""
     limits = [lambda n=n: resource.setrlimit(resource.RLIMIT_NOFILE, (n, n)) for n in range(5, 11)]
-    errors = [subprocess.run([LEXON, *WORDS, "--in-memory"], preexec_fn=limit, capture_output=True, text=True, timeout=60).stderr
+    errors = [subprocess.run([LEXON, *WORDS, "-Ccr.dic", "--in-memory"], preexec_fn=limit, capture_output=True, text=True, timeout=60).stderr
               for limit in limits]
     return any(".stamp: cannot be opened: Too many open files" in error for error in errors) and not any("as a stamp" in error for error in errors)
 
