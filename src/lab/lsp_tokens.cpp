@@ -127,11 +127,84 @@ bool LineScanner::needs(std::string_view line) const {
 
 // ---- Rules
 
+void LineScanner::scan_item(Scan& scan, Wanted wanted, TokenUse plain_use) {
+  const bool is_source = kind_ == TextKind::source;
+  const std::size_t start = scan.at;
+  TokenUse use = plain_use;
+  if (*scan == '^')
+    use = TokenUse::asks, ++scan.at;
+  else if (*scan == '-')
+    use = TokenUse::takes, ++scan.at;
+  else if (*scan == '+')
+    use = TokenUse::gives, ++scan.at;
+  const bool is_condition = wanted == Wanted::attribute;
+  // Among conditions the signs are part of what is asked for.
+  if (is_condition) use = TokenUse::asks;
+  const std::size_t begin = scan.at;
+  if (!scan.is_end() && *scan == '[') {
+    ++scan.at;
+    const bool is_concept = *scan == '[' && !is_hw_text_end(scan.text.c_str() + scan.at + 1);
+    if (is_concept) ++scan.at;
+    const std::size_t body = scan.at;
+    if (is_concept) {
+      while (!scan.is_end() && *scan != ']') ++scan.at;
+    } else {
+      while (!scan.is_end() && !is_hw_text_end(scan.text.c_str() + scan.at)) ++scan.at;
+    }
+    scan.add(is_concept ? TokenKind::concept_word : TokenKind::form, use, body, scan.at);
+    if (scan.is_asked(body, scan.at)) {
+      wanted_ = is_concept ? Wanted::concept_word : Wanted::form;
+      wanted_begin_ = body;
+    }
+    scan.at = std::min(scan.at + (is_concept ? 2 : 1), scan.text.size());
+  } else {
+    scan.at = token_end(scan.text, begin);
+    const std::string_view token = std::string_view(scan.text).substr(begin, scan.at - begin);
+    if (is_source && has_mark(token)) {
+      scan.add_mark_tokens(begin, scan.at);
+    } else {
+      scan.add(TokenKind::attribute, use, begin, scan.at);
+    }
+    if (scan.is_asked(start, scan.at)) {
+      wanted_ = wanted;
+      wanted_begin_ = begin <= scan.until ? begin : start;
+    }
+  }
+  if (scan.at == start) ++scan.at;
+  const std::size_t behind = scan.at;
+  scan.commas();
+  // Behind a comma or blank another item may begin.
+  const bool may_begin = scan.at > behind && scan.until > behind && scan.until <= scan.at;
+  if (may_begin) {
+    wanted_ = wanted;
+    wanted_begin_ = scan.until;
+  }
+}
+
+void LineScanner::scan_label(Scan& scan, bool is_role) {
+  const bool is_source = kind_ == TextKind::source;
+  if (is_role && (*scan == '<' || *scan == '>')) ++scan.at;
+  const std::size_t begin = scan.at;
+  while (!scan.is_end() && !is_separator(*scan)) ++scan.at;
+  const std::string_view token = std::string_view(scan.text).substr(begin, scan.at - begin);
+  if (is_source && has_mark(token)) {
+    scan.add_mark_tokens(begin, scan.at);
+  } else {
+    scan.add(is_role ? TokenKind::role : TokenKind::label, TokenUse::follows, begin, scan.at);
+  }
+  if (scan.is_asked(begin, scan.at)) {
+    wanted_ = is_role ? Wanted::role : Wanted::label;
+    wanted_begin_ = begin;
+  }
+  if (scan.at == begin && !scan.is_end()) ++scan.at;
+  scan.commas();
+}
+
 void LineScanner::scan_rule(Scan& scan) {
   const bool is_source = kind_ == TextKind::source;
   if (!goes_on_) {
     patterns_ = section_ = 0;
-    in_pattern_ = is_quote_ = false;
+    in_pattern_ = false;
     scan.blanks();
     if (scan.is_end() || *scan == ';') return;
     while (!scan.is_end() && std::string_view("({\"").find(*scan) == std::string_view::npos) {
@@ -141,76 +214,6 @@ void LineScanner::scan_rule(Scan& scan) {
   }
   goes_on_ = is_source && scan.text.ends_with('\\');
   if (goes_on_) scan.text.pop_back();
-
-  const auto item = [&](Wanted wanted, TokenUse plain_use) {
-    const std::size_t start = scan.at;
-    TokenUse use = plain_use;
-    if (*scan == '^')
-      use = TokenUse::asks, ++scan.at;
-    else if (*scan == '-')
-      use = TokenUse::takes, ++scan.at;
-    else if (*scan == '+')
-      use = TokenUse::gives, ++scan.at;
-    const bool is_condition = wanted == Wanted::attribute;
-    // Among conditions the signs are part of what is asked for.
-    if (is_condition) use = TokenUse::asks;
-    const std::size_t begin = scan.at;
-    if (!scan.is_end() && *scan == '[') {
-      ++scan.at;
-      const bool is_concept = *scan == '[' && !is_hw_text_end(scan.text.c_str() + scan.at + 1);
-      if (is_concept) ++scan.at;
-      const std::size_t body = scan.at;
-      if (is_concept) {
-        while (!scan.is_end() && *scan != ']') ++scan.at;
-      } else {
-        while (!scan.is_end() && !is_hw_text_end(scan.text.c_str() + scan.at)) ++scan.at;
-      }
-      scan.add(is_concept ? TokenKind::concept_word : TokenKind::form, use, body, scan.at);
-      if (scan.is_asked(body, scan.at)) {
-        wanted_ = is_concept ? Wanted::concept_word : Wanted::form;
-        wanted_begin_ = body;
-      }
-      scan.at = std::min(scan.at + (is_concept ? 2 : 1), scan.text.size());
-    } else {
-      scan.at = token_end(scan.text, begin);
-      const std::string_view token = std::string_view(scan.text).substr(begin, scan.at - begin);
-      if (is_source && has_mark(token)) {
-        scan.add_mark_tokens(begin, scan.at);
-      } else {
-        scan.add(TokenKind::attribute, use, begin, scan.at);
-      }
-      if (scan.is_asked(start, scan.at)) {
-        wanted_ = wanted;
-        wanted_begin_ = begin <= scan.until ? begin : start;
-      }
-    }
-    if (scan.at == start) ++scan.at;
-    const std::size_t behind = scan.at;
-    scan.commas();
-    // Behind a comma or blank another item may begin.
-    const bool may_begin = scan.at > behind && scan.until > behind && scan.until <= scan.at;
-    if (may_begin) {
-      wanted_ = wanted;
-      wanted_begin_ = scan.until;
-    }
-  };
-  const auto label = [&](bool is_role) {
-    if (is_role && (*scan == '<' || *scan == '>')) ++scan.at;
-    const std::size_t begin = scan.at;
-    while (!scan.is_end() && !is_separator(*scan)) ++scan.at;
-    const std::string_view token = std::string_view(scan.text).substr(begin, scan.at - begin);
-    if (is_source && has_mark(token)) {
-      scan.add_mark_tokens(begin, scan.at);
-    } else {
-      scan.add(is_role ? TokenKind::role : TokenKind::label, TokenUse::follows, begin, scan.at);
-    }
-    if (scan.is_asked(begin, scan.at)) {
-      wanted_ = is_role ? Wanted::role : Wanted::label;
-      wanted_begin_ = begin;
-    }
-    if (scan.at == begin && !scan.is_end()) ++scan.at;
-    scan.commas();
-  };
 
   while (!scan.is_end()) {
     if (in_pattern_) {
@@ -237,9 +240,9 @@ void LineScanner::scan_rule(Scan& scan) {
         ++patterns_;
         ++scan.at;
       } else if (section_ < 2) {
-        item(wanted, section_ == 0 ? TokenUse::asks : TokenUse::gives);
+        scan_item(scan, wanted, section_ == 0 ? TokenUse::asks : TokenUse::gives);
       } else {
-        label(section_ == 3);
+        scan_label(scan, section_ == 3);
       }
       continue;
     }
@@ -257,12 +260,11 @@ void LineScanner::scan_rule(Scan& scan) {
         wanted_ = Wanted::attribute;
         wanted_begin_ = scan.until;
       }
-      while (!scan.is_end() && *scan != ')') item(Wanted::attribute, TokenUse::asks);
+      while (!scan.is_end() && *scan != ')') scan_item(scan, Wanted::attribute, TokenUse::asks);
       if (!scan.is_end()) ++scan.at;
       if (!scan.is_end() && *scan == '*') ++scan.at;
     } else if ((*scan == '{' || *scan == '"') && patterns_ < 2) {
       in_pattern_ = true;
-      is_quote_ = *scan == '"';
       section_ = 0;
       ++scan.at;
       if (scan.is_end() && scan.until == scan.at) {

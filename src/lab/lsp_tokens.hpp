@@ -70,6 +70,8 @@ class LineScanner {
 
  private:
   struct Scan;
+  void scan_item(Scan& scan, Wanted wanted, TokenUse plain_use);
+  void scan_label(Scan& scan, bool is_role);
   void scan_rule(Scan& scan);
   void scan_directive(Scan& scan);
   void scan_entry(Scan& scan) const;
@@ -83,7 +85,6 @@ class LineScanner {
   int patterns_ = 0;
   int section_ = 0;
   bool in_pattern_ = false;
-  bool is_quote_ = false;
   // Of a source: within a list or table that is written over lines, or within a block of a graph.
   bool in_block_ = false;
   std::string block_end_;
