@@ -1,7 +1,6 @@
 #include "lab/built_words.hpp"
 
 #include <algorithm>
-#include <cstdlib>
 #include <filesystem>
 #include <memory>
 
@@ -15,11 +14,6 @@ inline namespace v1 {
 namespace lab {
 
 namespace fs = std::filesystem;
-
-BuiltWords::~BuiltWords() {
-  std::error_code error;
-  if (!folder_.empty()) fs::remove_all(folder_, error);
-}
 
 std::string BuiltWords::dictionary_of(const std::vector<std::string>& files, const Overlay* unsaved) {
   if (files.empty()) return {};
@@ -37,12 +31,7 @@ std::string BuiltWords::dictionary_of(const std::vector<std::string>& files, con
     all += text;
     if (!all.empty() && all.back() != '\n') all += '\n';
   }
-  if (folder_.empty()) {
-    std::error_code error;
-    std::string name = (fs::temp_directory_path(error) / "lexon-lab-XXXXXX").string();
-    if (error || ::mkdtemp(name.data()) == nullptr) throw Fault(name + ": no temporary folder can be made");
-    folder_ = name;
-  }
+  if (folder_ == nullptr) folder_ = std::make_unique<TemporaryFolder>();
   // A dictionary that is open must not change, so each build has a name of its own.
   std::error_code error;
   if (!path_.empty()) {
@@ -50,9 +39,9 @@ std::string BuiltWords::dictionary_of(const std::vector<std::string>& files, con
       fs::remove(fs::path(path_).replace_extension(extension), error);
     }
   }
-  const std::string text_path = folder_ + "/entries.txt";
+  const std::string text_path = folder_->path() + "/entries.txt";
   text_file_write(text_path, all);
-  path_ = folder_ + '/' + 'w' + std::to_string(++count_) + ".dic";
+  path_ = folder_->path() + '/' + 'w' + std::to_string(++count_) + ".dic";
   const auto session = std::make_unique<Session>();
   BuildFigures figures;
   // What is wrong with entries is for `check` to say.

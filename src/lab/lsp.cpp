@@ -104,6 +104,17 @@ bool fix_fits(const Finding& finding, const LinedText& text, const Place& place)
   return text.line(place.line).substr(place.begin, place.end - place.begin) == finding.fix.old;
 }
 
+// Markdown as plain text. What stands as code keeps its asterisks.
+std::string without_marks(std::string_view markdown) {
+  std::string plain;
+  bool is_code = false;
+  for (const char c : markdown) {
+    if (c == '`') is_code = !is_code;
+    if (c != '`' && (c != '*' || is_code)) plain += c;
+  }
+  return plain;
+}
+
 constexpr std::array<int, 6> kSymbolKinds = {3,  12, 14,
                                              15, 24, 20};  // namespace, function, constant, string, event, key
 
@@ -199,6 +210,7 @@ class Watch {
   void forget(const std::string& name) {
     const std::scoped_lock lock(mutex_);
     wanted_.erase(name);
+    forgotten_.push_back(name);
   }
 
  private:
@@ -221,6 +233,9 @@ class Watch {
       const std::string name = wanted_.begin()->first;
       const Job job = std::move(wanted_.begin()->second);
       wanted_.erase(wanted_.begin());
+      for (const std::string& gone : std::exchange(forgotten_, {})) {
+        if (gone != name) analysts_.erase(gone);
+      }
       lock.unlock();
       try {
         publish_(job.files, job.unsaved, analysts_[name].look_at(job.files, job.unsaved));
@@ -234,8 +249,9 @@ class Watch {
   Publish publish_;
   std::mutex mutex_;
   std::condition_variable wake_;
-  std::map<std::string, Job> wanted_;
-  std::map<std::string, Analyst> analysts_;  // of its thread alone
+  std::map<std::string, Job> wanted_;        // by the name of the project
+  std::vector<std::string> forgotten_;       // whose analysts can go
+  std::map<std::string, Analyst> analysts_;  // by the same; of its thread alone
   Clock::time_point due_;
   bool is_over_ = false;
   std::thread thread_;
@@ -459,7 +475,7 @@ class Server {
   }
 
   Json initialize(const Json& params) {
-    is_initialized_ = true;
+    folders_.clear();
     if (const auto list = params.find("workspaceFolders"); list != params.end() && list->is_array()) {
       for (const Json& folder : *list) add_folder(folder.at("uri"));
     }
@@ -482,6 +498,8 @@ class Server {
         [this](const ProjectFiles& files, const Overlay& unsaved, const std::shared_ptr<const Analysis>& analysis) {
           publish(files, unsaved, analysis);
         });
+    // Parameters of another form have thrown: the editor may try again.
+    is_initialized_ = true;
     return {{"serverInfo", {{"name", "lexon-lab lsp"}, {"version", LEXON_VERSION}}},
             {"capabilities",
              {{"positionEncoding", "utf-16"},
@@ -535,7 +553,7 @@ class Server {
     document.path = *path;
     document.language = given.value("languageId", "");
     document.version = given.value("version", std::int64_t{0});
-    store_.open(*path, given.at("text").get<std::string>());
+    store_.open(*path, document.uri, given.at("text").get<std::string>());
     {
       const std::scoped_lock lock(documents_mutex_);
       documents_[file_key(*path)] = document;
@@ -545,17 +563,22 @@ class Server {
 
   void did_change(const Json& params) {
     const Json& given = params.at("textDocument");
-    const auto path = path_of_uri(given.at("uri").get<std::string>());
+    const std::string& uri = given.at("uri").get_ref<const std::string&>();
+    const auto path = path_of_uri(uri);
     if (!path || !store_.is_open(*path)) return;
+    std::shared_ptr<const LinedText> before = store_.text(*path);
+    std::optional<TextEdit> edit;
     for (const Json& change : params.at("contentChanges")) {
-      const std::string text = change.at("text").get<std::string>();
+      const std::string& text = change.at("text").get_ref<const std::string&>();
       if (const auto range = change.find("range"); range != change.end()) {
-        store_.open(*path,
-                    store_.text(*path)->replaced(position_of(range->at("start")), position_of(range->at("end")), text));
+        if (!edit) edit.emplace(*before);
+        edit->replace(position_of(range->at("start")), position_of(range->at("end")), text);
       } else {
-        store_.open(*path, text);
+        edit.reset();
+        before = std::make_shared<const LinedText>(std::make_shared<const std::string>(text));
       }
     }
+    store_.open(*path, uri, edit ? edit->text() : before->text());
     {
       const std::scoped_lock lock(documents_mutex_);
       documents_[file_key(*path)].version = given.value("version", std::int64_t{0});
@@ -610,10 +633,13 @@ class Server {
       owners[key] = name;
       found.try_emplace(name, std::move(files));
     }
-    for (const auto& [name, files] : projects_) {
-      if (!found.contains(name)) drop_project(name);
+    {
+      const std::scoped_lock lock(documents_mutex_);
+      projects_.swap(found);
     }
-    projects_ = std::move(found);
+    for (const auto& [name, files] : found) {
+      if (!projects_.contains(name)) drop_project(name);
+    }
     owners_ = std::move(owners);
     for (const auto& [name, files] : projects_) {
       if (!files.fault.empty()) notify("window/showMessage", {{"type", 1}, {"message", files.fault}});
@@ -668,18 +694,13 @@ class Server {
 
   void drop_project(const std::string& name) {
     watch_->forget(name);
-    std::vector<std::string> uris;
-    {
-      const std::scoped_lock lock(documents_mutex_);
-      analyses_.erase(name);
-      std::erase_if(published_, [&](const auto& each) {
-        if (each.second.project != name) return false;
-        uris.push_back(uri_of_path(each.first));
-        return true;
-      });
-    }
-    for (const std::string& uri : uris)
-      notify("textDocument/publishDiagnostics", {{"uri", uri}, {"diagnostics", Json::array()}});
+    const std::scoped_lock lock(documents_mutex_);
+    analyses_.erase(name);
+    std::erase_if(published_, [&](const auto& each) {
+      if (each.second.project != name) return false;
+      notify("textDocument/publishDiagnostics", {{"uri", each.second.uri}, {"diagnostics", Json::array()}});
+      return true;
+    });
   }
 
   // ---- Findings
@@ -703,11 +724,10 @@ class Server {
     for (const std::string& key : files.keys()) by_file[key];
     for (const std::string& source : analysis->sources) by_file[file_key(source)];
     for (const Finding& finding : analysis->findings) by_file[file_key(finding.file)].push_back(&finding);
-    std::map<std::string, OpenDocument> documents;
     {
       const std::scoped_lock lock(documents_mutex_);
+      if (!projects_.contains(name)) return;
       analyses_[name] = analysis;
-      documents = documents_;
     }
     for (auto& [key, findings] : by_file) {
       std::shared_ptr<const std::string> shown = unsaved.find(key);
@@ -734,21 +754,25 @@ class Server {
                                                " more findings: lexon-lab check shows all"}});
       }
       Json params{{"uri", uri_of_path(key)}, {"diagnostics", std::move(diagnostics)}};
-      if (const auto document = documents.find(key); document != documents.end()) {
+      // Told while the lock is held: else what was found could come behind the news that its project is closed, and stay.
+      const std::scoped_lock lock(documents_mutex_);
+      if (!projects_.contains(name)) return;
+      Published& before = published_[key];
+      // Of a document that was closed the editor knows the name that it gave it.
+      if (const auto document = documents_.find(key); document != documents_.end()) {
         params["uri"] = document->second.uri;
+      } else if (!before.uri.empty()) {
+        params["uri"] = before.uri;
       }
-      {
-        const std::scoped_lock lock(documents_mutex_);
-        Published& before = published_[key];
-        // A file of several projects shows what the first of them finds.
-        const bool is_other = !before.project.empty() && before.project != name && analyses_.contains(before.project);
-        if (is_other && key != file_key(files.rules)) continue;
-        const std::size_t hash = std::hash<std::string>()(params.dump(-1, ' ', false, Json::error_handler_t::replace));
-        const bool is_same = before.hash == hash && before.project == name;
-        before = {name, hash, analysis, text.shared()};
-        if (is_same) continue;
-      }
-      notify("textDocument/publishDiagnostics", std::move(params));
+      // A file of several projects shows what the first of them finds.
+      const bool is_other = !before.project.empty() && before.project != name && analyses_.contains(before.project);
+      if (is_other && key != file_key(files.rules)) continue;
+      const std::size_t hash = std::hash<std::string>()(params.dump(-1, ' ', false, Json::error_handler_t::replace));
+      const bool is_same = before.hash == hash && before.project == name;
+      const bool is_renamed = !before.uri.empty() && before.uri != params["uri"];
+      if (is_renamed) notify("textDocument/publishDiagnostics", {{"uri", before.uri}, {"diagnostics", Json::array()}});
+      before = {name, params["uri"], hash, analysis, text.shared()};
+      if (!is_same) notify("textDocument/publishDiagnostics", std::move(params));
     }
   }
 
@@ -778,52 +802,52 @@ class Server {
     return result;
   }
 
+  // The name that the place of a request stands in or behind.
+  struct AskedName : Asked {
+    TextPosition position;
+    TokenPart part;  // of the line: what of it is the name; empty if there is none
+    Symbol symbol;
+  };
+
+  AskedName asked_name(const Json& params) {
+    AskedName at{asked(params), position_of(params.at("position")), {}, {}};
+    if (at.file != nullptr) at.symbol = at.model->symbol_at(*at.file, at.position, at.part);
+    return at;
+  }
+
   Json hover(const Json& params) {
-    const Asked at = asked(params);
-    const TextPosition position = position_of(params.at("position"));
+    const AskedName at = asked_name(params);
     if (at.file == nullptr) return nullptr;
-    TokenPart part;
-    const Symbol symbol = at.model->symbol_at(*at.file, position, part);
-    std::string text = at.model->name_text(symbol);
+    std::string text = at.model->name_text(at.symbol);
     const bool may_be_rule = at.file->kind == TextKind::rules || at.file->kind == TextKind::source;
-    const auto line = static_cast<std::size_t>(std::max<std::int64_t>(position.line, 0));
+    const auto line = static_cast<std::size_t>(std::max<std::int64_t>(at.position.line, 0));
     if (may_be_rule && line < at.text->line_count()) {
       if (const std::string rule = at.model->rule_text(*at.file, line); !rule.empty())
         text += (text.empty() ? "" : "\n\n---\n") + rule;
     }
     if (text.empty()) return nullptr;
-    Json result;
-    if (is_markdown_) {
-      result["contents"] = {{"kind", "markdown"}, {"value", text}};
-    } else {
-      std::erase_if(text, [](char c) { return c == '`' || c == '*'; });
-      result["contents"] = {{"kind", "plaintext"}, {"value", text}};
-    }
-    if (part.begin != part.end) result["range"] = range_of(*at.text, line, part.begin, part.end);
+    Json result{
+        {"contents",
+         {{"kind", is_markdown_ ? "markdown" : "plaintext"}, {"value", is_markdown_ ? text : without_marks(text)}}}};
+    if (at.part.begin != at.part.end) result["range"] = range_of(*at.text, line, at.part.begin, at.part.end);
     return result;
   }
 
   Json definition(const Json& params) {
-    const Asked at = asked(params);
-    const TextPosition position = position_of(params.at("position"));
+    const AskedName at = asked_name(params);
     if (at.file == nullptr) return nullptr;
-    TokenPart part;
-    const Symbol symbol = at.model->symbol_at(*at.file, position, part);
     Json locations = Json::array();
-    for (const NameUse& use : at.model->definitions(symbol)) locations.push_back(location_of(use));
+    for (const NameUse& use : at.model->definitions(at.symbol)) locations.push_back(location_of(use));
     return locations;
   }
 
   std::string references(const Json& params) {
-    const Asked at = asked(params);
-    const TextPosition position = position_of(params.at("position"));
+    const AskedName at = asked_name(params);
     if (at.file == nullptr) return "null";
-    TokenPart part;
-    const Symbol symbol = at.model->symbol_at(*at.file, position, part);
     const bool with_declaration = !params.contains("context") || params.at("context").value("includeDeclaration", true);
     std::string locations = "[";
     std::size_t count = 0;
-    at.model->for_each_use(symbol, [&](const NameUse& use) {
+    at.model->for_each_use(at.symbol, [&](const NameUse& use) {
       if (with_declaration || use.token.use != TokenUse::gives) {
         if (locations.size() > 1) locations += ',';
         ((locations += R"({"uri":)") += in_json(use.file->uri)) += ',';
@@ -837,25 +861,20 @@ class Server {
   }
 
   Json prepare_rename(const Json& params) {
-    const Asked at = asked(params);
-    const TextPosition position = position_of(params.at("position"));
+    const AskedName at = asked_name(params);
     if (at.file == nullptr) return nullptr;
-    TokenPart part;
-    const Symbol symbol = at.model->symbol_at(*at.file, position, part);
-    if (symbol.kind == Symbol::Kind::none) return nullptr;
-    if (const std::string fault = at.model->rename_fault(symbol, nullptr); !fault.empty())
+    if (at.symbol.kind == Symbol::Kind::none) return nullptr;
+    if (const std::string fault = at.model->rename_fault(at.symbol, nullptr); !fault.empty())
       throw RequestError{kRequestFailed, fault};
-    return {{"range", range_of(*at.text, static_cast<std::size_t>(position.line), part.begin, part.end)},
-            {"placeholder", symbol.name}};
+    return {{"range", range_of(*at.text, static_cast<std::size_t>(at.position.line), at.part.begin, at.part.end)},
+            {"placeholder", at.symbol.name}};
   }
 
   std::string rename(const Json& params) {
-    const Asked at = asked(params);
-    const TextPosition position = position_of(params.at("position"));
+    const AskedName at = asked_name(params);
     const std::string to = params.at("newName").get<std::string>();
     if (at.file == nullptr) throw RequestError{kRequestFailed, "this text belongs to no project"};
-    TokenPart part;
-    const Symbol symbol = at.model->symbol_at(*at.file, position, part);
+    const Symbol& symbol = at.symbol;
     if (symbol.kind == Symbol::Kind::none) throw RequestError{kRequestFailed, "there is no name at this place"};
     // The sign of a mark may be typed along.
     const bool has_sign =
@@ -876,17 +895,15 @@ class Server {
     return workspace_edit(by_file);
   }
 
-  // Of the edits of each file as JSON, with commas between.
+  // Of the edits by the URI of their file, each as JSON, with commas between.
   std::string workspace_edit(const std::map<std::string, std::string>& by_file) {
     std::string changes;
-    for (const auto& [file, edits] : by_file) {
+    for (const auto& [uri, edits] : by_file) {
       const auto document =
-          std::ranges::find_if(documents_, [&file](const auto& each) { return uri_of_path(each.first) == file; });
-      const bool is_open = document != documents_.end();
-      const std::string& uri = is_open ? document->second.uri : file;
+          std::ranges::find_if(documents_, [&uri](const auto& each) { return each.second.uri == uri; });
       if (!changes.empty()) changes += ',';
       if (has_versions_) {
-        const std::string version = is_open ? std::to_string(document->second.version) : "null";
+        const std::string version = document != documents_.end() ? std::to_string(document->second.version) : "null";
         changes += R"({"textDocument":{"uri":)" + in_json(uri) + R"(,"version":)" + version + R"(},"edits":[)";
         (changes += edits) += "]}";
       } else {
@@ -1009,7 +1026,7 @@ class Server {
   void add_action(const Asked& at, const Finding& finding, const Place& place, Json& actions) {
     const LinedText& text = *at.text;
     std::string title;
-    std::string uri = uri_of_path(at.key);
+    std::string uri = at.uri;
     Json edit;
     switch (finding.fix.kind) {
       case Fix::Kind::replace:
@@ -1100,11 +1117,13 @@ class Server {
     return all;
   }
 
+  // What was last told of a file.
   struct Published {
-    std::string project;
-    std::size_t hash = 0;
+    std::string project;   // by name
+    std::string uri;       // that it was told under
+    std::size_t hash = 0;  // of the message: the same is not told twice
     std::shared_ptr<const Analysis> analysis;
-    std::shared_ptr<const std::string> text;
+    std::shared_ptr<const std::string> text;  // in which it was found
   };
 
   std::FILE* in_;
@@ -1131,11 +1150,12 @@ class Server {
   std::string settings_;              // of the project, as JSON; empty: none
   std::chrono::milliseconds rest_ = kRest;
   TextStore store_;
-  std::map<std::string, ProjectFiles> projects_;  // by name
-  std::map<std::string, std::string> owners_;     // projects of documents
+  std::map<std::string, std::string> owners_;  // projects of documents
 
-  // Between the one that answers and the watch. The documents are written by the first alone.
+  // Between the one that answers and the watch. Documents and projects are written by the first alone, which reads them
+  // without the lock.
   std::mutex documents_mutex_;
+  std::map<std::string, ProjectFiles> projects_;   // by name
   std::map<std::string, OpenDocument> documents_;  // by `file_key`
   std::map<std::string, std::shared_ptr<const Analysis>> analyses_;
   std::map<std::string, Published> published_;

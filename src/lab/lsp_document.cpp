@@ -20,6 +20,23 @@ struct Step {
   std::int64_t units;
 };
 
+bool has_end(std::string_view line) {
+  return line.ends_with('\n') || line.ends_with('\r');
+}
+
+std::string_view without_end(std::string_view line) {
+  while (has_end(line)) line.remove_suffix(1);
+  return line;
+}
+
+// Bytes of the first line with its end: a line feed, a carriage return, or both in this order.
+std::size_t line_length(std::string_view text) {
+  std::size_t end = 0;
+  while (end < text.size() && text[end] != '\n' && text[end] != '\r') ++end;
+  if (end == text.size()) return end;
+  return end + (text.substr(end, 2) == "\r\n" ? 2 : 1);
+}
+
 Step step_at(std::string_view rest) {
   const std::size_t length = std::max<std::size_t>(utf8_first(rest).length, 1);
   return {length, length == kPairLength ? 2 : 1};
@@ -52,20 +69,20 @@ std::size_t utf16_byte(std::string_view text, std::int64_t units) {
 }
 
 LinedText::LinedText(std::shared_ptr<const std::string> text) : text_(std::move(text)) {
-  starts_.push_back(0);
-  const std::string& all = *text_;
-  for (std::size_t at = 0; at < all.size(); ++at) {
-    const bool ends = all[at] == '\n' || (all[at] == '\r' && (at + 1 == all.size() || all[at + 1] != '\n'));
-    if (ends) starts_.push_back(at + 1);
+  // An end of the last line is followed by an empty one.
+  std::size_t start = 0;
+  for (std::string_view rest = *text_;; rest = std::string_view(*text_).substr(start)) {
+    starts_.push_back(start);
+    const std::size_t length = line_length(rest);
+    if (!has_end(rest.substr(0, length))) break;
+    start += length;
   }
 }
 
 std::string_view LinedText::line(std::size_t number) const {
   if (number >= starts_.size()) return {};
   const std::size_t end = number + 1 < starts_.size() ? starts_[number + 1] : text_->size();
-  std::string_view line = std::string_view(*text_).substr(starts_[number], end - starts_[number]);
-  while (!line.empty() && (line.back() == '\n' || line.back() == '\r')) line.remove_suffix(1);
-  return line;
+  return without_end(std::string_view(*text_).substr(starts_[number], end - starts_[number]));
 }
 
 std::size_t LinedText::line_of(std::size_t offset) const {
@@ -88,13 +105,55 @@ TextPosition LinedText::position(std::size_t number, std::size_t byte) const {
   return {static_cast<std::int64_t>(number), utf16_length(line(number).substr(0, byte))};
 }
 
-std::string LinedText::replaced(const TextPosition& begin, const TextPosition& end, std::string_view by) const {
-  const std::size_t from = offset(begin);
-  const std::size_t to = std::max(offset(end), from);
-  std::string result;
-  result.reserve(text_->size() - (to - from) + by.size());
-  result.append(*text_, 0, from).append(by).append(*text_, to);
-  return result;
+TextEdit::TextEdit(const LinedText& text) {
+  const std::string_view all = text.text();
+  for (std::size_t line = 0; line < text.line_count(); ++line) {
+    const std::size_t end = line + 1 < text.line_count() ? text.start(line + 1) : all.size();
+    lines_.push_back(all.substr(text.start(line), end - text.start(line)));
+  }
+}
+
+TextEdit::Spot TextEdit::spot_of(const TextPosition& position) const {
+  if (position.line < 0) return {0, 0};
+  const auto line = static_cast<std::size_t>(position.line);
+  if (line >= lines_.size()) return {lines_.size() - 1, lines_.back().size()};
+  return {line, utf16_byte(without_end(lines_[line]), position.character)};
+}
+
+void TextEdit::replace(const TextPosition& begin, const TextPosition& end, std::string_view by) {
+  Spot from = spot_of(begin);
+  Spot to = spot_of(end);
+  if (std::pair(to.line, to.byte) < std::pair(from.line, from.byte)) to = from;
+  // A line that ends with a lone carriage return may go on with a line feed now.
+  if (from.byte == 0 && from.line > 0) {
+    --from.line;
+    from.byte = lines_[from.line].size();
+  }
+  std::string& text = written_.emplace_back(lines_[from.line].substr(0, from.byte));
+  text.append(by).append(lines_[to.line].substr(to.byte));
+  std::vector<std::string_view> now;
+  std::string_view rest = text;
+  while (const std::size_t length = line_length(rest)) {
+    now.push_back(rest.substr(0, length));
+    rest.remove_prefix(length);
+  }
+  const bool is_last = to.line + 1 == lines_.size();
+  if (is_last && (now.empty() || has_end(now.back()))) now.emplace_back();
+  // Most often as many lines as before, so that none behind them has to move.
+  const auto first = lines_.begin() + static_cast<std::ptrdiff_t>(from.line);
+  const auto last = lines_.begin() + static_cast<std::ptrdiff_t>(to.line) + 1;
+  const auto kept = std::min(last - first, std::ssize(now));
+  std::copy(now.begin(), now.begin() + kept, first);
+  if (kept < last - first)
+    lines_.erase(first + kept, last);
+  else
+    lines_.insert(last, now.begin() + kept, now.end());
+}
+
+std::string TextEdit::text() const {
+  std::string all;
+  for (const std::string_view line : lines_) all += line;
+  return all;
 }
 
 std::optional<std::string> path_of_uri(std::string_view uri) {

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <deque>
 #include <memory>
 #include <optional>
 #include <string>
@@ -37,12 +38,31 @@ class LinedText {
   [[nodiscard]] std::size_t byte_in_line(const TextPosition& position) const;
   [[nodiscard]] TextPosition position(std::size_t line, std::size_t byte) const;
 
-  // The text with what stands between two places replaced.
-  [[nodiscard]] std::string replaced(const TextPosition& begin, const TextPosition& end, std::string_view by) const;
-
  private:
   std::shared_ptr<const std::string> text_;
-  std::vector<std::size_t> starts_;
+  std::vector<std::size_t> starts_;  // of each line, its first byte; rising, the first is 0
+};
+
+// A text while changes are made to it one after the other, each in terms of what the ones before it have left. Only the
+// lines that a change touches are made anew: a rename in thousands of places comes as thousands of changes.
+class TextEdit {
+ public:
+  // The text must outlive it.
+  explicit TextEdit(const LinedText& text);
+
+  // Puts `by` in the place of what stands between two places, which count as the nearest ones inside of the text.
+  void replace(const TextPosition& begin, const TextPosition& end, std::string_view by);
+  [[nodiscard]] std::string text() const;
+
+ private:
+  struct Spot {
+    std::size_t line;
+    std::size_t byte;
+  };
+  [[nodiscard]] Spot spot_of(const TextPosition& position) const;
+
+  std::vector<std::string_view> lines_;  // with their ends; never empty, and all but the last have one
+  std::deque<std::string> written_;      // what lines point into that are no longer those of the text
 };
 
 // UTF-16 units of a text. A byte that is no UTF-8 counts as one.

@@ -20,7 +20,7 @@ namespace lab {
 
 std::shared_ptr<const LinedText> TextStore::text(const std::string& path) {
   const std::string key = file_key(path);
-  if (const auto found = open_.find(key); found != open_.end()) return found->second;
+  if (const auto found = open_.find(key); found != open_.end()) return found->second.text;
   const TextMark mark = text_mark(key, nullptr);
   Known& known = known_[key];
   if (known.text != nullptr && known.mark == mark) return known.text;
@@ -33,9 +33,15 @@ std::shared_ptr<const LinedText> TextStore::text(const std::string& path) {
   return known.text;
 }
 
-void TextStore::open(const std::string& path, std::string text) {
+void TextStore::open(const std::string& path, const std::string& uri, std::string text) {
   unsaved_.put(path, std::move(text));
-  open_[file_key(path)] = std::make_shared<const LinedText>(unsaved_.find(path));
+  open_[file_key(path)] = {std::make_shared<const LinedText>(unsaved_.find(path)), uri};
+}
+
+std::string TextStore::uri(const std::string& path) const {
+  const std::string key = file_key(path);
+  const auto found = open_.find(key);
+  return found != open_.end() ? found->second.uri : uri_of_path(key);
 }
 
 void TextStore::close(const std::string& path) {
@@ -157,7 +163,7 @@ Model::Model(TextStore& store, ProjectFiles files, std::shared_ptr<const Analysi
     if (std::string_view(text->text()).substr(0, kHead).find('\0') != std::string_view::npos) {
       built_.push_back(path);
     } else {
-      texts_.push_back({path, kind, uri_of_path(file_key(path))});
+      texts_.push_back({path, kind, store_.uri(path)});
     }
   };
   if (analysis_ != nullptr && !analysis_->sources.empty()) {

@@ -19,10 +19,11 @@ namespace lexon {
 inline namespace v1 {
 namespace lab {
 
+// A text of a project.
 struct TextFile {
-  std::string path;
+  std::string path;  // as the project names it, not a `file_key`
   TextKind kind;
-  std::string uri;
+  std::string uri;  // as the editor names it
 };
 
 // How often names stand in a text.
@@ -37,10 +38,12 @@ class TextStore {
  public:
   // Null if it cannot be read.
   [[nodiscard]] std::shared_ptr<const LinedText> text(const std::string& path);
-  // An editor has it open, and says what it holds.
-  void open(const std::string& path, std::string text);
+  // An editor has it open under this URI, which may lead over links, and says what it holds.
+  void open(const std::string& path, const std::string& uri, std::string text);
   void close(const std::string& path);
   [[nodiscard]] bool is_open(const std::string& path) const { return open_.contains(file_key(path)); }
+  // The one that the editor has for it, else one of its own.
+  [[nodiscard]] std::string uri(const std::string& path) const;
   [[nodiscard]] const Overlay& unsaved() const { return unsaved_; }
   // Of a text that is known already, what has changed is counted alone. Valid until the next call for the file.
   [[nodiscard]] const NameCounts& names(const TextFile& file);
@@ -55,8 +58,12 @@ class TextStore {
     TextMark mark;
     std::shared_ptr<const LinedText> text;
   };
+  struct Open {
+    std::shared_ptr<const LinedText> text;
+    std::string uri;
+  };
   Overlay unsaved_;
-  std::map<std::string, std::shared_ptr<const LinedText>> open_;  // by `file_key`
+  std::map<std::string, Open> open_;  // by `file_key`
   std::map<std::string, Known> known_;
   std::map<std::string, CountedText> counted_;  // by path
 };

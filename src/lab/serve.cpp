@@ -4,13 +4,9 @@
 // secret word; no answer under a name that is not this machine's (a foreign site can let its name point here), nor to
 // what other pages have asked for; one request for a connection, of bounded size; and no file outside of the folder.
 
-#include <fcntl.h>
 #include <signal.h>
-#include <spawn.h>
 #include <sys/random.h>
 #include <sys/socket.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
 #include <httplib.h>
 
@@ -27,15 +23,15 @@
 #include <thread>
 
 #include "front/process.hpp"
+#include "lab/child_process.hpp"
 #include "lab/commands.hpp"
 #include "lab/options.hpp"
 #include "lab/project_files.hpp"
 #include "lab/serve_folder.hpp"
 #include "lab/serve_pages.hpp"
 #include "lab/serve_work.hpp"
+#include "lab/temporary_folder.hpp"
 #include "lab/text_file.hpp"
-
-extern char** environ;  // NOLINT(readability-redundant-declaration)
 
 namespace lexon {
 inline namespace v1 {
@@ -48,12 +44,12 @@ using Json = nlohmann::json;
 
 constexpr std::size_t kMostRequestBytes = std::size_t{40} << 20;
 constexpr std::size_t kLongestAddress = 256;
-constexpr std::size_t kLongestName = 64;
-constexpr std::size_t kMostUnsaved = 64;
-constexpr std::size_t kMostLanes = 256;
-constexpr std::size_t kThreads = 24;
-constexpr int kDepthOfRequests = 4;
-constexpr time_t kSecondsForRequest = 5;
+constexpr std::size_t kLongestName = 64;  // of a page or a request
+constexpr std::size_t kMostFiles = 1024;  // of one request
+constexpr std::size_t kMostLanes = 256;   // those used longest ago are forgotten: what they had asked for goes on
+constexpr std::size_t kThreads = 24;      // so that connections that say nothing leave some for the page
+constexpr int kDepthOfRequests = 4;       // of objects and lists within each other
+constexpr time_t kSecondsForRequest = 5;  // to send it, not to answer it
 
 struct Arguments {
   std::string folder = ".";
@@ -267,8 +263,14 @@ int Site::bind(int port) {
     return is_answered ? httplib::Server::HandlerResponse::Handled : httplib::Server::HandlerResponse::Unhandled;
   });
   server_.Post(".*", [this](const Request& request, Response& response) { post(request, response); });
-  server_.set_exception_handler([](const Request&, Response& response, std::exception_ptr) {
-    answer_json(response, 500, {{"error", "memory is exhausted"}});
+  server_.set_exception_handler([](const Request&, Response& response, std::exception_ptr thrown) {
+    try {
+      std::rethrow_exception(thrown);
+    } catch (const std::bad_alloc&) {
+      answer_json(response, 500, {{"error", "memory is exhausted"}});
+    } catch (const std::exception& fault) {
+      answer_json(response, 500, {{"error", std::string("this request failed: ") + fault.what()}});
+    }
   });
   const char* const host = "127.0.0.1";
   port_ = port == 0 ? server_.bind_to_any_port(host) : server_.bind_to_port(host, port) ? port : -1;
@@ -345,7 +347,7 @@ Json Site::answer(const std::string& name, const Json& asked, int& status) {
   if (client.size() > kLongestName || name.size() > kLongestName) throw Fault("the name of the page is too long");
   Unsaved unsaved;
   if (asked.contains("texts")) {
-    if (asked["texts"].size() > kMostUnsaved) throw Fault("too many texts at once");
+    if (asked["texts"].size() > kMostFiles) throw Fault("too many texts at once");
     for (const auto& [path, text] : asked["texts"].items()) {
       if (!is_path_inside(path))
         throw Fault("\"" + path.substr(0, 200) + "\" is no path of a file in the project folder");
@@ -405,7 +407,7 @@ Json Site::save(const Json& asked, int& status) {
 }
 
 Json Site::stamps(const Json& asked) const {
-  if (asked.at("paths").size() > kMostUnsaved) throw Fault("too many paths at once");
+  if (asked.at("paths").size() > kMostFiles) throw Fault("too many paths at once");
   Json stamps = Json::object();
   for (const std::string path : asked.at("paths")) {
     FolderFault fault;
@@ -417,37 +419,14 @@ Json Site::stamps(const Json& asked) const {
 
 // ---- Begin and end
 
-// Shows the address in a browser. Other users can see the words of a command, so these name a file that only this user
-// can read, which leads there. Returns its path.
-std::string browser_open(const std::string& address) {
-  std::error_code error;
-  std::string path = (fs::temp_directory_path(error) / "lexon-lab-XXXXXX.html").string();
-  const int descriptor = error ? -1 : mkstemps(path.data(), 5);
-  const std::string page =
-      "<!doctype html><meta charset=\"utf-8\"><title>Lexon</title>"
-      "<meta http-equiv=\"refresh\" content=\"0;url=" +
-      address + "\"><a href=\"" + address + "\">Lexon</a>\n";
-  const bool is_written =
-      descriptor >= 0 && write(descriptor, page.data(), page.size()) == static_cast<ssize_t>(page.size());
-  if (descriptor >= 0) close(descriptor);
-  const char* words[] = {"xdg-open", path.c_str(), nullptr};
-  posix_spawn_file_actions_t actions;
-  posix_spawn_file_actions_init(&actions);
-  posix_spawn_file_actions_addopen(&actions, STDOUT_FILENO, "/dev/null", O_WRONLY, 0);
-  posix_spawn_file_actions_addopen(&actions, STDERR_FILENO, "/dev/null", O_WRONLY, 0);
-  // The signals that end this program are not to be held back from the browser.
-  posix_spawnattr_t attributes;
-  posix_spawnattr_init(&attributes);
-  sigset_t none;
-  sigemptyset(&none);
-  posix_spawnattr_setsigmask(&attributes, &none);
-  posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETSIGMASK);
-  pid_t child = 0;
-  const bool is_begun = is_written && posix_spawnp(&child, words[0], &actions, &attributes,
-                                                   const_cast<char* const*>(words), environ) == 0;
-  posix_spawn_file_actions_destroy(&actions);
-  posix_spawnattr_destroy(&attributes);
-  if (!is_begun) tell_line("no browser could be opened (xdg-open): open the address above yourself");
+// Other users can see the words of a command, so those that open the browser name a file that only this user can read,
+// which leads to the address.
+std::string write_way(const TemporaryFolder& folder, const std::string& address) {
+  const std::string path = folder.path() + "/lexon.html";
+  text_file_write(path,
+                  "<!doctype html><meta charset=\"utf-8\"><title>Lexon</title>"
+                  "<meta http-equiv=\"refresh\" content=\"0;url=" +
+                      address + "\"><a href=\"" + address + "\">Lexon</a>\n");
   return path;
 }
 
@@ -461,7 +440,10 @@ int run_serve(const Arguments& arguments) {
   // Every thread leaves these to the wait below.
   sigset_t ending;
   sigemptyset(&ending);
-  for (const int signal : {SIGINT, SIGTERM, SIGHUP}) sigaddset(&ending, signal);
+  for (const int signal : {SIGINT, SIGTERM}) sigaddset(&ending, signal);
+  // Under nohup the program outlives its terminal.
+  struct sigaction hangup {};
+  if (sigaction(SIGHUP, nullptr, &hangup) == 0 && hangup.sa_handler != SIG_IGN) sigaddset(&ending, SIGHUP);
   pthread_sigmask(SIG_BLOCK, &ending, nullptr);
 
   site.bind(arguments.port);
@@ -469,14 +451,14 @@ int run_serve(const Arguments& arguments) {
   tell_line("The page sees the folder " + folder.path() +
             " alone. Who has the address can change its files. Ctrl-C ends it.");
   std::thread listening([&site] { site.listen(); });
-  const std::string way = arguments.opens ? browser_open(site.address()) : std::string();
+  std::optional<TemporaryFolder> way;
+  if (arguments.opens) browser_show(write_way(way.emplace(), site.address()), "open the address above yourself");
   int signal = 0;
   sigwait(&ending, &signal);
   // A second one ends the program at once.
   pthread_sigmask(SIG_UNBLOCK, &ending, nullptr);
   site.stop();
   listening.join();
-  if (!way.empty()) unlink(way.c_str());
   tell_line("ended");
   return kDone;
 }

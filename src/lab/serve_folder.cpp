@@ -172,6 +172,11 @@ std::optional<std::string> Folder::save(const std::string& relative, std::string
                                  : ": is no longer there: it was removed or renamed since it was read here");
     return std::nullopt;
   }
+  // A new file can stand in the place of one that is write-protected, which nobody wants.
+  if (now && faccessat(folder.number, name.c_str(), W_OK, 0) != 0) {
+    fault.text = relative + ": is write-protected, so nothing was saved: " + std::strerror(errno);
+    return std::nullopt;
+  }
   struct stat status {};
   const bool has_mode = now && fstatat(folder.number, name.c_str(), &status, AT_SYMLINK_NOFOLLOW) == 0;
   // By way of the descriptor: no link can be put in the way.

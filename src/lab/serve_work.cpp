@@ -61,6 +61,17 @@ struct Part {
   std::int64_t number = 0;  // in its file, from 1
 };
 
+// Does no line hold more than a comment?
+bool is_without_graph(std::string_view text) {
+  while (!text.empty()) {
+    const std::size_t begin = text.find_first_not_of(" \t\r\n");
+    if (begin == std::string_view::npos) return true;
+    if (text[begin] != ';') return false;
+    text.remove_prefix(std::min(text.find('\n', begin), text.size()));
+  }
+  return true;
+}
+
 // The sentences of a text. What stands behind the last one is none.
 std::vector<Part> parts_of(std::string_view graphs) {
   std::vector<Part> parts;
@@ -70,8 +81,7 @@ std::vector<Part> parts_of(std::string_view graphs) {
     Part part{text, line, std::max(line, line + lines - (text.ends_with('\n') ? 1 : 0)),
               static_cast<std::int64_t>(parts.size()) + 1};
     line += lines;
-    const bool is_blank = text.find_first_not_of(" \t\r\n") == std::string_view::npos;
-    if (!is_blank) parts.push_back(part);
+    if (!is_without_graph(text)) parts.push_back(part);
   }
   return parts;
 }
@@ -302,75 +312,70 @@ Workplace::Json Workplace::files(const Unsaved& unsaved, const Wanted& wanted) {
   return {{"graphs", graphs}, {"rules", rules}, {"words", words}, {"gold", files_.gold}, {"entries", files_.entries}};
 }
 
-// The sentence around the line, or null and what the page shows instead.
+// Has the sentence around the line shown by `use`, which gets what is known of it already; without sentence or grammar
+// that is all.
 Workplace::Json Workplace::with_sentence(
     const Unsaved& unsaved, const std::string& graphs, std::int64_t line, const Wanted& wanted,
-    const std::function<Json(const LoadedPointer&, const GraphText&, Json&&)>& use) {
+    const std::function<Json(const Project&, Bench&, const GraphText&, Json&&)>& use) {
   if (std::ranges::find(files_.graphs, graphs) == files_.graphs.end()) throw Fault(graphs + ": is no graph file here");
   Texts texts = texts_of(unsaved);
   const std::string path = whole_path(graphs);
   const auto all = texts.demand(path);
   const std::vector<Part> parts = parts_of(*all);
   if (parts.empty()) return {{"status", "empty"}};
-  const Part* part = &parts.back();
-  for (const Part& each : parts) {
-    if (line > each.last) continue;
-    part = &each;
-    break;
-  }
+  // Between two sentences the next one is meant, behind the last one that.
+  const auto around = std::ranges::find_if(parts, [line](const Part& each) { return line <= each.last; });
+  const Part& part = around == parts.end() ? parts.back() : *around;
   const LoadedPointer loaded = load(texts, wanted);
   if (loaded == nullptr) return nullptr;
-  GraphText graph{path, part->first, part->number, label_of(part->text), std::string(part->text)};
-  Json result{{"label", graph.label}, {"file", graphs},         {"line", head_line(*part)}, {"first", part->first},
-              {"last", part->last},   {"number", part->number}, {"rules", loaded->notes},   {"load", loaded->seconds}};
+  const GraphText graph{path, part.first, part.number, label_of(part.text), std::string(part.text)};
+  Json result{{"label", graph.label}, {"file", graphs},        {"line", head_line(part)}, {"first", part.first},
+              {"last", part.last},    {"number", part.number}, {"rules", loaded->notes},  {"load", loaded->seconds}};
   if (!loaded->grammar) {
     result["status"] = "unusable";
     return result;
   }
-  return use(loaded, graph, std::move(result));
+  const Project project(loaded->files, loaded->grammar);
+  Bench bench(project);
+  bench.set_keep_going(wanted);
+  Json shown = use(project, bench, graph, std::move(result));
+  return wanted() ? shown : nullptr;
 }
 
 Workplace::Json Workplace::render(const Unsaved& unsaved, const std::string& graphs, std::int64_t line,
                                   const Wanted& wanted) {
-  return with_sentence(unsaved, graphs, line, wanted,
-                       [&](const LoadedPointer& loaded, const GraphText& graph, Json&& result) -> Json {
-                         const Project project(loaded->files, loaded->grammar);
-                         Bench bench(project);
-                         bench.set_keep_going(wanted);
-                         const std::vector<Rendered> all = bench.render(graph.text, limits_);
-                         if (!wanted()) return nullptr;
-                         Json notes = Json::array();
-                         std::string text;
-                         for (const Rendered& rendered : all) {
-                           text += (text.empty() ? "" : "\n") + rendered.sentence.text;
-                           for (Message message : rendered.sentence.messages) {
-                             if (message.file.empty()) message.file = graph.file;
-                             notes.push_back(note(message, graph.line - 1));
-                           }
-                           result["status"] = rendered.status();
-                           result["seconds"] = rendered.sentence.seconds;
-                           result["steps"] = rendered.sentence.steps;
-                         }
-                         if (all.empty()) result["status"] = "empty";
-                         result["text"] = text;
-                         result["notes"] = std::move(notes);
-                         return std::move(result);
-                       });
+  const auto as_text = [this](const Project&, Bench& bench, const GraphText& graph, Json&& result) {
+    const std::vector<Rendered> all = bench.render(graph.text, limits_);
+    Json notes = Json::array();
+    std::string text;
+    for (const Rendered& rendered : all) {
+      text += (text.empty() ? "" : "\n") + rendered.sentence.text;
+      for (Message message : rendered.sentence.messages) {
+        if (message.file.empty()) message.file = graph.file;
+        notes.push_back(note(message, graph.line - 1));
+      }
+      result["status"] = rendered.status();
+      result["seconds"] = rendered.sentence.seconds;
+      result["steps"] = rendered.sentence.steps;
+    }
+    if (all.empty()) result["status"] = "empty";
+    result["text"] = text;
+    result["notes"] = std::move(notes);
+    return std::move(result);
+  };
+  return with_sentence(unsaved, graphs, line, wanted, as_text);
 }
 
 Workplace::Json Workplace::view(const Unsaved& unsaved, const std::string& graphs, std::int64_t line,
                                 const Wanted& wanted) {
-  return with_sentence(unsaved, graphs, line, wanted,
-                       [&](const LoadedPointer& loaded, const GraphText& graph, Json&& result) -> Json {
-                         const Project project(loaded->files, loaded->grammar);
-                         Bench bench(project);
-                         bench.set_keep_going(wanted);
-                         std::vector<Json> views = Viewer(project, bench, kStepsShown).data(graph, limits_);
-                         if (!wanted() || views.empty()) return nullptr;
-                         view_lay_out(std::span(views).first(1));
-                         result["view"] = std::move(views.front());
-                         return std::move(result);
-                       });
+  const auto as_steps = [&](const Project& project, Bench& bench, const GraphText& graph, Json&& result) -> Json {
+    std::vector<Json> views = Viewer(project, bench, kStepsShown).data(graph, limits_);
+    if (!wanted() || views.empty()) return nullptr;
+    view_lay_out(std::span(views).first(1), wanted);
+    result["view"] = std::move(views.front());
+    return std::move(result);
+  };
+  return with_sentence(unsaved, graphs, line, wanted, as_steps);
 }
 
 Workplace::Json Workplace::check(const Unsaved& unsaved, const Wanted& wanted) {
@@ -428,63 +433,14 @@ Workplace::Json Workplace::check(const Unsaved& unsaved, const Wanted& wanted) {
   return {{"findings", findings}};
 }
 
-Workplace::Json Workplace::run(const Unsaved& unsaved, std::size_t from, const Wanted& wanted) {
-  const Clock::time_point begin = Clock::now();
-  Texts texts = texts_of(unsaved);
-  const LoadedPointer loaded = load(texts, wanted);
-  if (loaded == nullptr) return nullptr;
-  if (!loaded->grammar) return {{"status", "unusable"}, {"rules", loaded->notes}};
-  const bool has_gold = !files_.gold.empty();
-  Gold gold(has_gold ? std::string_view(*texts.demand(whole_path(files_.gold))) : std::string_view());
-  const Project project(loaded->files, loaded->grammar);
-  Bench bench(project);
-  CoverageCounter counter(project);
-  bench.watchers().add(counter);
-  bench.set_keep_going(wanted);
+namespace {
 
-  Json sentences = Json::array();
-  std::size_t number = 0;
-  bool is_over = true;
-  for (const std::string& name : files_.graphs) {
-    const auto text = texts.demand(whole_path(name));
-    for (const Part& part : parts_of(*text)) {
-      const std::string label = label_of(part.text);
-      if (number++ < from) {
-        static_cast<void>(gold.next(label));
-        continue;
-      }
-      if (seconds_since(begin) > kMomentSeconds && !sentences.empty()) {
-        --number;
-        is_over = false;
-        break;
-      }
-      counter.set_sentence(label.empty() ? std::to_string(number) : label);
-      const std::vector<Rendered> all = bench.render(std::string(part.text), limits_);
-      if (!wanted()) return nullptr;
-      if (all.empty()) continue;
-      const Expected* expected = gold.next(label);
-      const Rendered& rendered = all.front();
-      Json one{{"label", label},
-               {"number", part.number},
-               {"file", name},
-               {"line", head_line(part)},
-               {"status", rendered.status()},
-               {"text", rendered.sentence.text},
-               {"seconds", rendered.sentence.seconds}};
-      if (!rendered.is_done() && !rendered.sentence.messages.empty())
-        one["why"] = shown_text(rendered.sentence.messages.front().text);
-      if (expected != nullptr) {
-        one["expected"] = expected->texts;
-        one["good"] = is_as_expected(rendered, *expected);
-      }
-      sentences.push_back(std::move(one));
-    }
-    if (!is_over) break;
-  }
-
+// Lines of rules with what counted: [file, line, of use, taken back, tried, offered].
+Json coverage_rows(const std::vector<RuleCount>& rules,
+                   const std::function<std::string(std::string_view)>& shown_path) {
   // Several rules can come from one line of a source.
   std::map<std::pair<std::string, std::uint32_t>, std::array<std::int64_t, 4>> lines;
-  for (const RuleCount& rule : counter.result().rules) {
+  for (const RuleCount& rule : rules) {
     if (rule.line == 0) continue;
     auto& line = lines[{shown_path(rule.file), rule.line}];
     line[0] += rule.hits;
@@ -492,15 +448,74 @@ Workplace::Json Workplace::run(const Unsaved& unsaved, std::size_t from, const W
     line[2] += rule.tried;
     line[3] += rule.offered;
   }
-  Json coverage = Json::array();
+  Json rows = Json::array();
   for (const auto& [place, counts] : lines) {
-    coverage.push_back({place.first, place.second, counts[0], counts[1], counts[2], counts[3]});
+    rows.push_back({place.first, place.second, counts[0], counts[1], counts[2], counts[3]});
   }
-  return {{"sentences", sentences},
-          {"next", is_over ? Json(nullptr) : Json(number)},
-          {"gold", has_gold},
-          {"left", is_over && has_gold ? gold.rest().size() : 0},
-          {"coverage", coverage}};
+  return rows;
+}
+
+}  // namespace
+
+Workplace::Json Workplace::run(const Unsaved& unsaved, std::size_t from, const Wanted& wanted) {
+  const Clock::time_point begin = Clock::now();
+  Texts texts = texts_of(unsaved);
+  const LoadedPointer loaded = load(texts, wanted);
+  if (loaded == nullptr) return nullptr;
+  if (!loaded->grammar) return {{"status", "unusable"}, {"rules", loaded->notes}};
+  struct FilePart {
+    const std::string& file;
+    Part part;
+  };
+  std::vector<FilePart> parts;
+  for (const std::string& file : files_.graphs) {
+    for (const Part& part : parts_of(*texts.demand(whole_path(file)))) parts.push_back({file, part});
+  }
+  const bool has_gold = !files_.gold.empty();
+  Gold gold(has_gold ? std::string_view(*texts.demand(whole_path(files_.gold))) : std::string_view());
+  // Those that came before have taken what is expected of them.
+  std::size_t number = 0;
+  for (; number < std::min(from, parts.size()); ++number)
+    static_cast<void>(gold.next(label_of(parts[number].part.text)));
+
+  const Project project(loaded->files, loaded->grammar);
+  Bench bench(project);
+  CoverageCounter counter(project);
+  bench.watchers().add(counter);
+  bench.set_keep_going(wanted);
+  Json sentences = Json::array();
+  for (; number < parts.size(); ++number) {
+    if (seconds_since(begin) > kMomentSeconds && !sentences.empty()) break;
+    const auto& [file, part] = parts[number];
+    const std::string label = label_of(part.text);
+    counter.set_sentence(label.empty() ? std::to_string(number + 1) : label);
+    const std::vector<Rendered> all = bench.render(std::string(part.text), limits_);
+    if (!wanted()) return nullptr;
+    const Expected* expected = gold.next(label);
+    if (all.empty()) continue;
+    const Rendered& rendered = all.front();
+    Json one{{"label", label},
+             {"number", part.number},
+             {"file", file},
+             {"line", head_line(part)},
+             {"status", rendered.status()},
+             {"text", rendered.sentence.text},
+             {"seconds", rendered.sentence.seconds}};
+    if (!rendered.is_done() && !rendered.sentence.messages.empty())
+      one["why"] = shown_text(rendered.sentence.messages.front().text);
+    if (expected != nullptr) {
+      one["expected"] = expected->texts;
+      one["good"] = is_as_expected(rendered, *expected);
+    }
+    sentences.push_back(std::move(one));
+  }
+  const bool is_over = number == parts.size();
+  return {
+      {"sentences", sentences},
+      {"next", is_over ? Json(nullptr) : Json(number)},
+      {"gold", has_gold},
+      {"left", is_over && has_gold ? gold.rest().size() : 0},
+      {"coverage", coverage_rows(counter.result().rules, [this](std::string_view path) { return shown_path(path); })}};
 }
 
 }  // namespace lab

@@ -13,6 +13,7 @@
 #include <string_view>
 #include <vector>
 
+#include "lab/bench.hpp"
 #include "lab/built_words.hpp"
 #include "lab/options.hpp"
 #include "lab/project.hpp"
@@ -76,7 +77,7 @@ class Workplace {
   [[nodiscard]] std::shared_ptr<Loaded> load_anew(Texts& texts);
   [[nodiscard]] Json with_sentence(const Unsaved& unsaved, const std::string& graphs, std::int64_t line,
                                    const Wanted& wanted,
-                                   const std::function<Json(const LoadedPointer&, const GraphText&, Json&&)>& use);
+                                   const std::function<Json(const Project&, Bench&, const GraphText&, Json&&)>& use);
   [[nodiscard]] Json note(const Message& message, std::int64_t lines_before) const;
   [[nodiscard]] std::string whole_path(const std::string& relative) const;
   [[nodiscard]] std::string shown_path(std::string_view path) const;

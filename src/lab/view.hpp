@@ -33,6 +33,7 @@
 #pragma once
 
 #include <cstddef>
+#include <functional>
 #include <memory>
 #include <span>
 #include <string>
@@ -68,9 +69,10 @@ class Viewer {
   std::unique_ptr<Inner> inner_;
 };
 
-// Has the graphs laid out, by one run of Graphviz for all. What kept it from that stands in each `notice`; the page then
-// draws the graph without it. Returns the same notice, or an empty text.
-std::string view_lay_out(std::span<nlohmann::json> sentences);
+// Has the graphs laid out by Graphviz, all by one run if none takes it longer than some seconds. What kept it from that
+// stands in the `notice` of the sentence; the page then draws the graph without it. Returns the last notice, or an empty
+// text. Where `wanted` is asked now and then and says no, Graphviz is stopped and the rest is left as it is.
+std::string view_lay_out(std::span<nlohmann::json> sentences, const std::function<bool()>& wanted = {});
 
 // The data as text that can stand inside of <script type="application/json">.
 [[nodiscard]] std::string view_json_text(const nlohmann::json& data);

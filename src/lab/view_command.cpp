@@ -7,14 +7,11 @@
 #include <filesystem>
 #include <memory>
 
-#include <spawn.h>
-
 #include "front/process.hpp"
+#include "lab/child_process.hpp"
 #include "lab/commands.hpp"
 #include "lab/show.hpp"
 #include "lab/view.hpp"
-
-extern char** environ;
 
 namespace lexon {
 
@@ -157,16 +154,6 @@ void refuse_own_files(const Arguments& arguments) {
   }
 }
 
-// Hands the page to the desktop. What comes of it is not waited for.
-void open_page(const std::string& path) {
-  std::string program = "xdg-open";
-  std::string file = std::filesystem::absolute(path).string();
-  char* words[] = {program.data(), file.data(), nullptr};
-  pid_t process = 0;
-  if (const int error = posix_spawnp(&process, program.c_str(), nullptr, nullptr, words, environ); error != 0)
-    tell_line(path + ": cannot be opened by xdg-open: " + std::strerror(error) + "; open it in a browser");
-}
-
 int view(const Arguments& arguments) {
   refuse_own_files(arguments);
   if (arguments.open && arguments.output == "-") throw Fault("--open wants a file: give --output a name");
@@ -213,7 +200,8 @@ int view(const Arguments& arguments) {
   for (const std::string& notice : notices) tell_line("lexon-lab: " + notice);
   if (arguments.output != "-") {
     tell_line(arguments.output + ": " + count_text(shown, "sentence") + ", " + std::to_string(failed) + " failed");
-    if (arguments.open) open_page(arguments.output);
+    if (arguments.open)
+      browser_show(std::filesystem::absolute(arguments.output).string(), "open " + arguments.output + " in a browser");
   }
   return failed == 0 ? kDone : kFailed;
 }

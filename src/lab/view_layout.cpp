@@ -1,23 +1,24 @@
 // Graphs laid out by Graphviz. Nothing of a graph's text goes to it, only sizes and numbers, so that no text can break
 // what it reads or writes; the page draws the picture from the places that come back.
 
+#include <signal.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+
 #include <cerrno>
+#include <chrono>
 #include <cstdio>
 #include <cstring>
 #include <map>
 #include <set>
 #include <sstream>
+#include <thread>
 #include <utility>
-
-#include <spawn.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
 #include "data/platform.hpp"
 #include "data/utf8.hpp"
+#include "lab/child_process.hpp"
 #include "lab/view.hpp"
-
-extern char** environ;
 
 namespace lexon {
 inline namespace v1 {
@@ -31,6 +32,9 @@ constexpr double kPointsPerInch = 72;
 constexpr double kCharacterWidth = 7.2;  // points, of the page's type
 constexpr std::size_t kLongestName = 40;
 constexpr std::size_t kLongestAttrs = 34;
+// Without a graph from Graphviz. It writes each as soon as it is laid out.
+constexpr std::chrono::seconds kLongestWait{10};
+constexpr std::chrono::milliseconds kWaitingTurn{2};
 constexpr char kNotInstalled[] =
     "Graphviz (the program dot) is not installed, so the graph is drawn without it, plainly; with it the picture is "
     "clearer";
@@ -86,43 +90,64 @@ std::string dot_text(const json& graph) {
   return text.str();
 }
 
-// Runs `dot` over the text. What kept it from it; else empty.
-std::string dot_run(const std::string& text, std::string& result) {
-  const File given(std::tmpfile());
-  const File made(std::tmpfile());
+// What came of a run of Graphviz.
+struct DotRun {
+  std::string made{};    // a JSON value for each graph, as far as it came
+  std::string notice{};  // what kept it from more; else empty
+  bool is_over_time = false;
+};
+
+// Waits for `process`. It is killed if the file that it writes has not grown for so long, or once it is not wanted.
+int dot_wait(pid_t process, int made, const std::function<bool()>& wanted, bool& is_over_time) {
+  off_t size = 0;
+  auto grown = std::chrono::steady_clock::now();
+  while (true) {
+    int status = 0;
+    const pid_t ended = waitpid(process, &status, WNOHANG);
+    if (ended == process) return status;
+    struct stat now {};
+    const bool has_grown = fstat(made, &now) == 0 && now.st_size > size;
+    if (has_grown) {
+      size = now.st_size;
+      grown = std::chrono::steady_clock::now();
+    }
+    is_over_time = std::chrono::steady_clock::now() - grown > kLongestWait;
+    if (is_over_time || (wanted && !wanted())) kill(process, SIGKILL);
+    std::this_thread::sleep_for(kWaitingTurn);
+  }
+}
+
+DotRun dot_run(const std::string& text, const std::function<bool()>& wanted) {
+  const File given = unnamed_file();
+  const File made = unnamed_file();
   if (given == nullptr || made == nullptr || std::fwrite(text.data(), 1, text.size(), given.get()) != text.size() ||
       std::fflush(given.get()) != 0) {
-    return std::string("no temporary file for Graphviz: ") + std::strerror(errno);
+    return {.notice = std::string("no temporary file for Graphviz: ") + std::strerror(errno)};
   }
   std::rewind(given.get());
-  posix_spawn_file_actions_t files;
-  posix_spawn_file_actions_init(&files);
-  posix_spawn_file_actions_adddup2(&files, fileno(given.get()), STDIN_FILENO);
-  posix_spawn_file_actions_adddup2(&files, fileno(made.get()), STDOUT_FILENO);
-  posix_spawn_file_actions_addopen(&files, STDERR_FILENO, "/dev/null", 1, 0);
-  char name[] = "dot";
-  char form[] = "-Tjson0";
-  char* words[] = {name, form, nullptr};
-  pid_t process = 0;
-  const int error = posix_spawnp(&process, name, &files, nullptr, words, environ);
-  posix_spawn_file_actions_destroy(&files);
-  if (error == ENOENT) return kNotInstalled;
-  if (error != 0) return std::string("Graphviz cannot be run: ") + std::strerror(error);
-  int status = 0;
-  while (waitpid(process, &status, 0) == -1 && errno == EINTR) {
+  const pid_t process = process_start({"dot", "-Tjson0"}, fileno(given.get()), fileno(made.get()));
+  if (process == -1 && errno == ENOENT) return {.notice = kNotInstalled};
+  if (process == -1) return {.notice = std::string("Graphviz cannot be run: ") + std::strerror(errno)};
+  DotRun run;
+  const int status = dot_wait(process, fileno(made.get()), wanted, run.is_over_time);
+  if (run.is_over_time) {
+    run.notice = "Graphviz took too long to lay the graph out, so it is drawn without it, plainly";
+  } else if (WIFEXITED(status) && WEXITSTATUS(status) == 127) {
+    run.notice = kNotInstalled;
+  } else if (!WIFEXITED(status) || WEXITSTATUS(status) != 0) {
+    run.notice = "Graphviz could not lay the graph out, so it is drawn without it, plainly";
   }
-  if (WIFEXITED(status) && WEXITSTATUS(status) == 127) return kNotInstalled;
-  if (!WIFEXITED(status) || WEXITSTATUS(status) != 0)
-    return "Graphviz could not lay the graph out, so it is drawn without it, plainly";
   std::rewind(made.get());
   char piece[65536];
-  while (const std::size_t size = std::fread(piece, 1, sizeof piece, made.get())) result.append(piece, size);
-  return {};
+  while (const std::size_t size = std::fread(piece, 1, sizeof piece, made.get())) run.made.append(piece, size);
+  return run;
 }
 
 std::vector<double> numbers_of(std::string text) {
-  for (char& c : text) {
-    if (c == ',' || c == 'e' || c == 's') c = ' ';
+  // "e,x,y" and "s,x,y" name the ends of a curve; in a large number an "e" stands before its exponent.
+  for (std::size_t at = 0; at < text.size(); ++at) {
+    const bool names_end = (text[at] == 'e' || text[at] == 's') && text.substr(at + 1, 1) == ",";
+    if (names_end || text[at] == ',') text[at] = ' ';
   }
   std::istringstream stream(text);
   stream.imbue(std::locale::classic());
@@ -202,29 +227,41 @@ json layout_of(const json& graph, const json& laid_out) {
 
 }  // namespace
 
-std::string view_lay_out(std::span<nlohmann::json> sentences) {
-  std::string text;
-  for (const json& data : sentences) {
-    if (data.contains("graph")) text += dot_text(data["graph"]);
-  }
-  if (text.empty()) return {};
-  std::string made;
-  std::string notice = dot_run(text, made);
-  std::istringstream stream(made);
-  for (json& data : sentences) {
-    if (!data.contains("graph")) continue;
-    try {
-      json laid_out;
-      if (notice.empty()) {
-        stream >> laid_out;
-        data["graph"]["layout"] = layout_of(data["graph"], laid_out);
-      }
-    } catch (const std::exception&) {
-      notice = "Graphviz has answered in a form that is not known, so the graph is drawn without it, plainly";
+std::string view_lay_out(std::span<nlohmann::json> sentences, const std::function<bool()>& wanted) {
+  std::string told;
+  while (true) {
+    std::string text;
+    for (const json& data : sentences) {
+      if (data.contains("graph")) text += dot_text(data["graph"]);
     }
-    data["graph"]["notice"] = notice;
+    if (text.empty()) return told;
+    const DotRun run = dot_run(text, wanted);
+    if (wanted && !wanted()) return told;
+    std::istringstream stream(run.made);
+    std::size_t next = 0;
+    for (bool goes_on = true; goes_on && next < sentences.size(); ++next) {
+      json& data = sentences[next];
+      if (!data.contains("graph")) continue;
+      std::string notice = run.notice;
+      const bool may_be_there = notice.empty() || run.is_over_time;
+      try {
+        json laid_out;
+        if (may_be_there) {
+          stream >> laid_out;
+          data["graph"]["layout"] = layout_of(data["graph"], laid_out);
+          notice.clear();
+        }
+      } catch (const std::exception&) {
+        if (notice.empty())
+          notice = "Graphviz has answered in a form that is not known, so the graph is drawn without it, plainly";
+      }
+      data["graph"]["notice"] = notice;
+      if (!notice.empty()) told = notice;
+      // This graph took too long: those behind it get a run of their own.
+      goes_on = notice.empty() || !run.is_over_time;
+    }
+    sentences = sentences.subspan(next);
   }
-  return notice;
 }
 
 }  // namespace lab
