@@ -172,9 +172,11 @@ function makePane(id, title, paths, kindOf) {
 // ---- Saving
 
 async function save(file) {
-  if (!file || !isDirty(file)) return true;
+  // Two at a time would take each other for a change from elsewhere.
+  if (!file || file.isSaving || !isDirty(file)) return true;
   const text = textOf(file);
-  const answer = await ask('save', { path: file.path, text, stamp: file.stamp });
+  file.isSaving = true;
+  const answer = await ask('save', { path: file.path, text, stamp: file.stamp }).finally(() => { file.isSaving = false; });
   if (answer.status === 409) {
     file.conflict = answer.stamp;
     return conflict(file, answer.error);
@@ -227,11 +229,12 @@ async function reload(file) {
 
 async function watch() {
   if (document.hidden) return;
-  const open = [...files.values()].filter((file) => file.editor);
-  const answer = await ask('stamps', { paths: open.map((file) => file.path) }).catch(() => null);
-  for (const file of answer?.stamps ? open : []) {
+  const open = [...files.values()].filter((file) => file.editor && !file.isSaving).map((file) => [file, file.stamp]);
+  const answer = await ask('stamps', { paths: open.map(([file]) => file.path) }).catch(() => null);
+  for (const [file, before] of answer?.stamps ? open : []) {
     const now = answer.stamps[file.path];
-    if (now === file.stamp || now === file.conflict) continue;
+    // What was saved or read meanwhile is newer than the answer.
+    if (now === file.stamp || now === file.conflict || before !== file.stamp || file.isSaving) continue;
     if (!isDirty(file) && now !== '') {
       await reload(file);
     } else {
@@ -381,6 +384,8 @@ async function run() {
     if (mine !== running || answer.superseded) return;
     if (answer.error || answer.status === 'unusable') {
       $('run-all').removeAttribute('aria-busy');
+      badge('gold', '', false);
+      $('gold').replaceChildren(make('p', { className: 'refused', textContent: answer.error || 'The rules or words cannot be used: nothing was run.' }));
       return;
     }
     for (const each of answer.sentences) {
@@ -548,8 +553,13 @@ function nextPart(step) {
     ['#pane-rules', () => panes.rules.shown?.editor?.focus()], ['#result', () => $('result').focus()],
     ['#below', () => tabs.find((tab) => tab.tabIndex === 0).focus()],
   ];
-  const at = stops.findIndex(([part]) => document.activeElement?.closest(part));
-  stops[(at + step + stops.length) % stops.length][1]();
+  const before = document.activeElement;
+  let at = stops.findIndex(([part]) => before?.closest(part));
+  // A pane without a text that can be edited takes no focus.
+  for (let tries = 0; tries < stops.length && document.activeElement === before; tries += 1) {
+    at = (at + step + stops.length) % stops.length;
+    stops[at][1]();
+  }
 }
 
 document.addEventListener('keydown', (event) => {

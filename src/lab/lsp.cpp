@@ -4,7 +4,6 @@
 // changed, once the keys rest, and publishes what it finds. Answers never wait for the third.
 
 #include <algorithm>
-#include <array>
 #include <chrono>
 #include <condition_variable>
 #include <cstdio>
@@ -24,8 +23,10 @@
 #include "front/process.hpp"
 #include "lab/commands.hpp"
 #include "lab/lsp_frames.hpp"
+#include "lab/lsp_json.hpp"
 #include "lab/lsp_model.hpp"
 #include "lab/lsp_outline.hpp"
+#include "lab/lsp_watch.hpp"
 #include "lab/options.hpp"
 #include "lab/text_file.hpp"
 #include "source/source_text.hpp"
@@ -37,7 +38,6 @@ namespace lab {
 namespace {
 
 using Json = nlohmann::json;
-using Clock = std::chrono::steady_clock;
 
 // The codes of the protocol.
 constexpr int kInvalidRequest = -32600;
@@ -114,148 +114,6 @@ std::string without_marks(std::string_view markdown) {
   }
   return plain;
 }
-
-constexpr std::array<int, 6> kSymbolKinds = {3,  12, 14,
-                                             15, 24, 20};  // namespace, function, constant, string, event, key
-
-// Answers with a piece for each of many places are written as text at once: as values of the JSON library, a node of a
-// tree for each number, they take ten times as long.
-
-std::string in_json(std::string_view text) {
-  const bool is_plain =
-      std::ranges::all_of(text, [](char c) { return c >= ' ' && c < '\x7f' && c != '"' && c != '\\'; });
-  if (is_plain) return '"' + std::string(text) + '"';
-  return Json(text).dump(-1, ' ', false, Json::error_handler_t::replace);
-}
-
-void append_position(std::string& out, const TextPosition& position) {
-  out += R"({"line":)";
-  out += std::to_string(position.line);
-  out += R"(,"character":)";
-  out += std::to_string(position.character);
-  out += '}';
-}
-
-// With its name, "range" or "selectionRange".
-void append_range(std::string& out, const char* name, const TextPosition& begin, const TextPosition& end) {
-  ((out += '"') += name) += R"(":{"start":)";
-  append_position(out, begin);
-  out += R"(,"end":)";
-  append_position(out, end);
-  out += '}';
-}
-
-void append_range(std::string& out, const NameUse& use) {
-  append_range(out, "range", use.text->position(use.line, use.part.begin), use.text->position(use.line, use.part.end));
-}
-
-void append_outline(std::string& out, const std::vector<OutlineItem>& items, const LinedText& text) {
-  out += '[';
-  for (const OutlineItem& item : items) {
-    if (&item != &items.front()) out += ',';
-    (out += R"({"name":)") += in_json(item.name);
-    (out += R"(,"kind":)") += std::to_string(kSymbolKinds[static_cast<std::size_t>(item.kind)]);
-    append_range(out += ',', "range", text.position(item.begin, 0),
-                 text.position(item.end, text.line(item.end).size()));
-    append_range(out += ',', "selectionRange", text.position(item.begin, 0),
-                 text.position(item.begin, text.line(item.begin).size()));
-    if (!item.detail.empty()) (out += R"(,"detail":)") += in_json(item.detail);
-    if (!item.children.empty()) append_outline(out += R"(,"children":)", item.children, text);
-    out += '}';
-  }
-  out += ']';
-}
-
-// For clients that know no trees. `uri` is quoted.
-void append_flat(std::string& out, const std::vector<OutlineItem>& items, const LinedText& text,
-                 const std::string& uri) {
-  for (const OutlineItem& item : items) {
-    if (out.size() > 1) out += ',';
-    (out += R"({"name":)") += in_json(item.name);
-    (out += R"(,"kind":)") += std::to_string(kSymbolKinds[static_cast<std::size_t>(item.kind)]);
-    ((out += R"(,"location":{"uri":)") += uri) += ',';
-    append_range(out, "range", text.position(item.begin, 0), text.position(item.end, text.line(item.end).size()));
-    out += "}}";
-    append_flat(out, item.children, text, uri);
-  }
-}
-
-// ---- Looking at projects behind the back of the keys
-
-class Watch {
- public:
-  // Called from its thread.
-  using Publish = std::function<void(const ProjectFiles&, const Overlay&, const std::shared_ptr<const Analysis>&)>;
-  explicit Watch(Publish publish) : publish_(std::move(publish)), thread_([this] { run(); }) {}
-  ~Watch() {
-    {
-      const std::scoped_lock lock(mutex_);
-      is_over_ = true;
-    }
-    wake_.notify_all();
-    thread_.join();
-  }
-  Watch(const Watch&) = delete;
-  Watch& operator=(const Watch&) = delete;
-
-  // Asks for a look at the project once nothing has been asked for `rest`.
-  void ask(const std::string& name, ProjectFiles files, const Overlay& unsaved, std::chrono::milliseconds rest) {
-    {
-      const std::scoped_lock lock(mutex_);
-      wanted_[name] = {std::move(files), unsaved};
-      due_ = Clock::now() + rest;
-    }
-    wake_.notify_all();
-  }
-  void forget(const std::string& name) {
-    const std::scoped_lock lock(mutex_);
-    wanted_.erase(name);
-    forgotten_.push_back(name);
-  }
-
- private:
-  struct Job {
-    ProjectFiles files;
-    Overlay unsaved;
-  };
-
-  void run() {
-    std::unique_lock lock(mutex_);
-    while (!is_over_) {
-      if (wanted_.empty()) {
-        wake_.wait(lock);
-        continue;
-      }
-      if (Clock::now() < due_) {
-        wake_.wait_until(lock, due_);
-        continue;
-      }
-      const std::string name = wanted_.begin()->first;
-      const Job job = std::move(wanted_.begin()->second);
-      wanted_.erase(wanted_.begin());
-      for (const std::string& gone : std::exchange(forgotten_, {})) {
-        if (gone != name) analysts_.erase(gone);
-      }
-      lock.unlock();
-      try {
-        publish_(job.files, job.unsaved, analysts_[name].look_at(job.files, job.unsaved));
-      } catch (const std::exception& fault) {
-        tell_line(std::string("lexon-lab lsp: ") + fault.what());
-      }
-      lock.lock();
-    }
-  }
-
-  Publish publish_;
-  std::mutex mutex_;
-  std::condition_variable wake_;
-  std::map<std::string, Job> wanted_;        // by the name of the project
-  std::vector<std::string> forgotten_;       // whose analysts can go
-  std::map<std::string, Analyst> analysts_;  // by the same; of its thread alone
-  Clock::time_point due_;
-  bool is_over_ = false;
-  std::thread thread_;
-};
 
 // ---- The server
 
@@ -850,8 +708,8 @@ class Server {
     at.model->for_each_use(at.symbol, [&](const NameUse& use) {
       if (with_declaration || use.token.use != TokenUse::gives) {
         if (locations.size() > 1) locations += ',';
-        ((locations += R"({"uri":)") += in_json(use.file->uri)) += ',';
-        append_range(locations, use);
+        append_text(locations += R"({"uri":)", use.file->uri);
+        append_range(locations += ',', use);
         locations += '}';
       }
       refuse_now_and_then(++count);
@@ -915,6 +773,40 @@ class Server {
 
   // ---- Completion
 
+  // What is offered at a place.
+  struct Offers {
+    std::string prefix;  // what stands there of a name already
+    Json range;          // of it, which the name replaces
+    Json items = Json::array();
+    bool is_cut = false;
+
+    // `kind` is the protocol's number.
+    void add(const std::string& label, int kind, const std::string& detail) {
+      if (!label.starts_with(prefix) || label == prefix) return;
+      if (items.size() >= kMostCompletions) {
+        is_cut = true;
+        return;
+      }
+      Json item{{"label", label},
+                {"kind", kind},
+                {"filterText", label},
+                {"textEdit", {{"range", range}, {"newText", label}}}};
+      if (!detail.empty()) item["detail"] = detail;
+      items.push_back(std::move(item));
+    }
+
+    // The names that are used most come first.
+    void add_names(const Model& model, Symbol::Kind of, int kind) {
+      std::vector<std::pair<std::int64_t, std::string>> sorted;
+      for (const auto& [name, count] : model.names(of)) {
+        if (name.starts_with(prefix)) sorted.emplace_back(-count, name);
+      }
+      std::ranges::sort(sorted);
+      for (const auto& [count, name] : sorted)
+        add(name, kind, std::to_string(-count) + (count == -1 ? " use" : " uses"));
+    }
+  };
+
   Json completion(const Json& params) {
     const Asked at = asked(params);
     const TextPosition position = position_of(params.at("position"));
@@ -931,63 +823,39 @@ class Server {
     // What stands behind the place is still to be written.
     scanner.scan(shown.substr(0, byte), tokens, byte);
     const std::size_t begin = std::min(scanner.wanted_begin(), byte);
-    const std::string prefix(shown.substr(begin, byte - begin));
-    const Json range = range_of(*at.text, line, begin, byte);
-    Json items = Json::array();
-    bool is_cut = false;
-    const auto add = [&](const std::string& label, int kind, const std::string& detail) {
-      if (!label.starts_with(prefix) || label == prefix) return;
-      if (items.size() >= kMostCompletions) {
-        is_cut = true;
-        return;
-      }
-      Json item{{"label", label},
-                {"kind", kind},
-                {"filterText", label},
-                {"textEdit", {{"range", range}, {"newText", label}}}};
-      if (!detail.empty()) item["detail"] = detail;
-      items.push_back(std::move(item));
-    };
-    constexpr int kProperty = 10;
-    constexpr int kReference = 18;
+    Offers offers{std::string(shown.substr(begin, byte - begin)), range_of(*at.text, line, begin, byte)};
     constexpr int kText = 1;
+    constexpr int kProperty = 10;
     constexpr int kKeyword = 14;
+    constexpr int kReference = 18;
     constexpr int kConstant = 21;
-    const auto add_names = [&](Symbol::Kind kind, int as) {
-      std::vector<std::pair<std::int64_t, std::string>> sorted;
-      for (const auto& [name, count] : at.model->names(kind)) {
-        if (name.starts_with(prefix)) sorted.emplace_back(-count, name);
-      }
-      std::ranges::sort(sorted);
-      for (const auto& [count, name] : sorted) add(name, as, std::to_string(-count) + (count == -1 ? " use" : " uses"));
-    };
     switch (scanner.wanted()) {
       case Wanted::attribute:
-        add_names(Symbol::Kind::attribute, kProperty);
+        offers.add_names(*at.model, Symbol::Kind::attribute, kProperty);
         if (at.file->kind != TextKind::entries) {
           for (const char* name : {"SHEAD", "STAIL", "CHEAD", "CTAIL", "SCOPE", "@entry", "TEMP", "NUM", "ANUM"})
-            add(name, kConstant, "given by Lexon");
+            offers.add(name, kConstant, "given by Lexon");
         }
         break;
-      case Wanted::action: add_names(Symbol::Kind::attribute, kProperty); break;
-      case Wanted::label: add_names(Symbol::Kind::label, kReference); break;
-      case Wanted::role: add_names(Symbol::Kind::label, kReference); break;
-      case Wanted::mark: add_names(Symbol::Kind::mark, kConstant); break;
+      case Wanted::action: offers.add_names(*at.model, Symbol::Kind::attribute, kProperty); break;
+      case Wanted::label:
+      case Wanted::role: offers.add_names(*at.model, Symbol::Kind::label, kReference); break;
+      case Wanted::mark: offers.add_names(*at.model, Symbol::Kind::mark, kConstant); break;
       case Wanted::directive:
-        for (const std::string_view name : directive_names()) add(std::string(name), kKeyword, "");
+        for (const std::string_view name : directive_names()) offers.add(std::string(name), kKeyword, "");
         break;
       case Wanted::form:
       case Wanted::concept_word:
       case Wanted::graph_word: {
         const bool are_concepts = scanner.wanted() != Wanted::form;
-        for (const std::string& word : at.model->words_like(prefix, are_concepts, kMostCompletions))
-          add(word, kText, "");
-        is_cut = items.size() >= kMostCompletions;
+        for (const std::string& word : at.model->words_like(offers.prefix, are_concepts, kMostCompletions))
+          offers.add(word, kText, "");
+        offers.is_cut = offers.items.size() >= kMostCompletions;
         break;
       }
       case Wanted::nothing: break;
     }
-    return {{"isIncomplete", is_cut}, {"items", std::move(items)}};
+    return {{"isIncomplete", offers.is_cut}, {"items", std::move(offers.items)}};
   }
 
   // ---- Remedies
@@ -1097,13 +965,7 @@ class Server {
     const Asked at = asked(params);
     if (at.file == nullptr) return "[]";
     const std::vector<OutlineItem> items = outline_of(*at.text, at.file->kind);
-    std::string all;
-    if (has_trees_) {
-      append_outline(all, items, *at.text);
-      return all;
-    }
-    append_flat(all += '[', items, *at.text, in_json(at.uri));
-    return all + ']';
+    return has_trees_ ? outline_tree(items, *at.text) : outline_list(items, *at.text, at.uri);
   }
 
   Json folding_range(const Json& params) {

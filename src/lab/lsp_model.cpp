@@ -120,6 +120,28 @@ std::vector<std::string> canonical_rules(std::string_view text) {
   return result;
 }
 
+namespace {
+
+EntryAttributes attributes_of(const std::vector<std::shared_ptr<const WordIndex>>& words) {
+  EntryAttributes attributes;
+  for (const auto& index : words) {
+    for (const WordIndex::AttributeSet& set : index->sets()) {
+      for (std::string_view rest = set.attributes; !rest.empty();) {
+        const std::size_t end = std::min(rest.find(','), rest.size());
+        if (end != 0) {
+          EntryAttribute& known = attributes[std::string(rest.substr(0, end))];
+          if (known.entries == 0) known.first = index->form(index->entries()[set.first]);
+          known.entries += set.count;
+        }
+        rest.remove_prefix(std::min(end + 1, rest.size()));
+      }
+    }
+  }
+  return attributes;
+}
+
+}  // namespace
+
 std::shared_ptr<const Analysis> Analyst::look_at(const ProjectFiles& files, const Overlay& unsaved) {
   auto analysis = std::make_shared<Analysis>();
   analysis->findings = check_project(files, unsaved, cache_);
@@ -130,6 +152,11 @@ std::shared_ptr<const Analysis> Analyst::look_at(const ProjectFiles& files, cons
       continue;  // it is a finding
     }
   }
+  if (attributes_ == nullptr || words_ != analysis->words) {
+    words_ = analysis->words;
+    attributes_ = std::make_shared<const EntryAttributes>(attributes_of(words_));
+  }
+  analysis->attributes = attributes_;
   if (files.rules.ends_with(kSourceExtension)) {
     analysis->expansion = expand_source(files.rules, unsaved.lookup());
     for (const MappedFile& file : analysis->expansion.map.files) analysis->sources.push_back(file.path);
@@ -282,15 +309,7 @@ std::map<std::string, std::int64_t> Model::names(Symbol::Kind kind) const {
     }
   }
   if (analysis_ == nullptr || kind != Symbol::Kind::attribute) return counts;
-  for (const auto& index : analysis_->words) {
-    for (const WordIndex::AttributeSet& set : index->sets()) {
-      for (std::string_view rest = set.attributes; !rest.empty();) {
-        const std::size_t end = std::min(rest.find(','), rest.size());
-        if (end != 0) counts[std::string(rest.substr(0, end))] += set.count;
-        rest.remove_prefix(std::min(end + 1, rest.size()));
-      }
-    }
-  }
+  for (const auto& [name, known] : *analysis_->attributes) counts[name] += known.entries;
   // Rules ask for relations by their marks, too.
   for (const auto& [label, count] : names(Symbol::Kind::label)) {
     for (const char sign : {'>', '<'}) counts[sign + label] += count;
@@ -394,25 +413,18 @@ std::string Model::name_text(const Symbol& symbol) const {
     else
       asked.add(place);
   }
-  std::int64_t entries = 0;
-  std::string first;
+  EntryAttribute in_entries;
   if (!is_label && analysis_ != nullptr) {
-    const std::string wanted = ',' + symbol.name + ',';
-    for (const auto& index : analysis_->words) {
-      for (const WordIndex::AttributeSet& set : index->sets()) {
-        if ((',' + set.attributes + ',').find(wanted) == std::string::npos) continue;
-        if (entries == 0) first = index->form(index->entries()[set.first]);
-        entries += set.count;
-      }
-    }
+    if (const auto found = analysis_->attributes->find(symbol.name); found != analysis_->attributes->end())
+      in_entries = found->second;
   }
   out = "**" + std::string(is_label ? "relation " : "attribute ") + in_code(symbol.name) + "**";
   const std::size_t head = out.size();
   if (is_built_in(symbol)) out += "\n- given by Lexon itself";
   in_graphs.append_to(is_label ? "stands in" : "given in graphs in", "place", out);
-  if (entries > 0)
-    out += "\n- given by " + std::to_string(entries) + (entries == 1 ? " entry" : " entries") + ", as of " +
-           in_code('[' + first + ']');
+  if (in_entries.entries > 0)
+    out += "\n- given by " + std::to_string(in_entries.entries) + (in_entries.entries == 1 ? " entry" : " entries") +
+           ", as of " + in_code('[' + in_entries.first + ']');
   given.append_to("given by", "action", out);
   followed.append_to("followed by", "pattern", out);
   asked.append_to("asked for by", "condition", out);

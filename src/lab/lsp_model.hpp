@@ -68,10 +68,18 @@ class TextStore {
   std::map<std::string, CountedText> counted_;  // by path
 };
 
+// Which entries of the dictionaries have an attribute.
+struct EntryAttribute {
+  std::int64_t entries = 0;
+  std::string first;  // the form of one of them
+};
+using EntryAttributes = std::unordered_map<std::string, EntryAttribute>;
+
 // What a look at the whole project has shown. Read-only once it is made, and shared by threads.
 struct Analysis {
   std::vector<Finding> findings;
   std::vector<std::shared_ptr<const WordIndex>> words;
+  std::shared_ptr<const EntryAttributes> attributes;  // of `words`; never null
   Expansion expansion;                                // of a source
   std::vector<std::string> sources;                   // the files of a source, itself the first; else empty
   std::unordered_map<std::string, RuleCount> counts;  // of the last run, by rule text in its canonical form
@@ -85,6 +93,8 @@ class Analyst {
 
  private:
   CheckCache cache_;
+  std::vector<std::shared_ptr<const WordIndex>> words_;  // at the last look
+  std::shared_ptr<const EntryAttributes> attributes_;    // of these
 };
 
 // A place where a name stands.

@@ -421,7 +421,12 @@ void ViewRecord::tried(Session& session, const RuleCandidate& candidate, const W
     stand(candidate, std::move(step));
     return;
   }
-  const Node* inserted = rule.lnode->inserted != 0 ? after.lnode : rule.rnode->inserted != 0 ? after.rnode : nullptr;
+  // A shift brings its place in when it is carried out: in the window stand those that were there before.
+  const bool is_shift = rule.type == rule_type::shift_left || rule.type == rule_type::shift_right;
+  const Node* inserted = is_shift                    ? nullptr
+                         : rule.lnode->inserted != 0 ? after.lnode
+                         : rule.rnode->inserted != 0 ? after.rnode
+                                                     : nullptr;
   if (inserted != nullptr) literal_note(*inserted);
   // Those whose scopes have failed are left over.
   if (fitted_.size() > kMostFitted) fitted_.erase(fitted_.begin());

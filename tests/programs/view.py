@@ -67,7 +67,7 @@ def main():
                 if ends and (number + size > ends[-1][0] or (ends[-1][1] and not kind & 16)):
                     faults.append(number)
                 ends.append((number + size, kind & 16))
-            out_of_sight = [step[0] for step in each["steps"] if step[5] >= 0 and not -1 <= step[6] < len(each["lists"][step[5]]) - 1]
+            out_of_sight = [step[0] for step in each["steps"] if step[5] >= 0 and not 0 <= step[6] < len(each["lists"][step[5]]) - 1]
             words = "".join(" " if text == "' '" else "" if text == "''" else text for text in texts(each, each["final"]))
             table.check(f"{key}: nesting, windows, words", (faults, out_of_sight, words.strip()), ([], [], each["text"]))
         scopes = [each for key, each in data.items() if key != "index" and len(each["graph"]["scopes"]) > 1]

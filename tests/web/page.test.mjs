@@ -107,6 +107,20 @@ test('findings and coverage stand in the margin, and lead to their place', () =>
   assert.equal(await page.evaluate(() => document.activeElement.getAttribute('aria-label')), 'rules.lxr');
 }));
 
+test('text areas: findings stand beside the text, and lead to their place', () => onPage('english', { hash: '#plain' }, async (page) => {
+  await type(page, 'rules', ':{[<<]} {V,ING,@progress', [',', 'n', 'o', 's', 'u', 'c', 'h']);
+  const found = page.locator('#pane-rules .beside li', { hasText: 'nosuch' }).first();
+  await found.waitFor();
+  const line = () => page.getByLabel('rules.lxr', { exact: true }).evaluate((area) => area.value.slice(0, area.selectionStart).split('\n').length);
+  const wanted = await line();
+  await page.keyboard.press('Control+Home');
+  await found.locator('button').click();
+  assert.equal(await line(), wanted);
+  await page.keyboard.press('Control+Home');
+  for (let presses = 0; presses < 50 && await line() !== wanted; presses += 1) await page.keyboard.press('F8');
+  assert.equal(await line(), wanted);
+}));
+
 test('rules without end do not keep the page busy', () => onPage('english', {
   words: ['-T', '2'],
   prepare(folder) {

@@ -839,7 +839,7 @@ const lexonView = (() => {
           if ((step.rule >= 0 && rules[step.rule]) || isInWindow || isChanged()) hits.add(at);
         });
       }
-      rows.redraw();
+      rows?.redraw();
       return hits.size;
     }
 
