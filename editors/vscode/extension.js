@@ -2,6 +2,8 @@
 const vscode = require("vscode");
 
 let client;
+// Starts and stops come one behind the other: two changes of settings at once would leave a server that nobody stops.
+let turn = Promise.resolve();
 
 async function start() {
   const settings = vscode.workspace.getConfiguration("lexon");
@@ -44,22 +46,23 @@ async function start() {
 async function stop() {
   const stopped = client;
   client = undefined;
-  if (stopped) await stopped.stop();
+  // One that does not answer any more has been ended all the same.
+  if (stopped) await stopped.stop().catch(() => {});
 }
 
-exports.activate = async (context) => {
+function restart() {
+  turn = turn.then(stop).then(start);
+  return turn;
+}
+
+exports.activate = (context) => {
   context.subscriptions.push(
-    vscode.commands.registerCommand("lexon.restart", async () => {
-      await stop();
-      await start();
-    }),
-    vscode.workspace.onDidChangeConfiguration(async (change) => {
-      if (!change.affectsConfiguration("lexon.server")) return;
-      await stop();
-      await start();
+    vscode.commands.registerCommand("lexon.restart", restart),
+    vscode.workspace.onDidChangeConfiguration((change) => {
+      if (change.affectsConfiguration("lexon.server")) restart();
     }),
   );
-  await start();
+  return restart();
 };
 
-exports.deactivate = stop;
+exports.deactivate = () => turn.then(stop);

@@ -48,14 +48,15 @@ constexpr int kNotInitialized = -32002;
 constexpr int kRequestCancelled = -32800;
 constexpr int kRequestFailed = -32803;
 
+// Thrown by what answers a request: the editor gets it in place of a result.
 struct RequestError {
   int code;
   std::string text;
 };
 
-constexpr std::size_t kMostFindings = 1000;    // of one file; an editor shows no more anyway
-constexpr std::size_t kMostCompletions = 500;  // the rest comes when more is typed
-constexpr std::chrono::milliseconds kRest{200};
+constexpr std::size_t kMostFindings = 1000;      // of one file; an editor shows no more anyway
+constexpr std::size_t kMostCompletions = 500;    // the rest comes when more is typed
+constexpr std::chrono::milliseconds kRest{200};  // of the keys, till findings are looked for
 
 // ---- Between the project and the protocol
 
@@ -82,12 +83,15 @@ std::size_t byte_of_column(std::string_view line, std::size_t column) {
   return std::min(at, line.size());
 }
 
+// Bytes of a line that a finding is about.
 struct Place {
-  std::size_t line;
+  std::size_t line;  // from 0
   std::size_t begin;
-  std::size_t end;
+  std::size_t end;  // behind the last
 };
 
+// The whole line if the finding has no column, the begin of the file if it has no line. `check` counts lines and columns
+// from 1, columns in characters.
 Place place_of(const Finding& finding, const LinedText& text) {
   if (finding.line < 1) return {0, 0, 0};
   const auto line = static_cast<std::size_t>(finding.line) - 1;
@@ -117,11 +121,12 @@ std::string without_marks(std::string_view markdown) {
 
 // ---- The server
 
+// What an editor has open.
 struct OpenDocument {
   std::string uri;
   std::string path;
-  std::string language;
-  std::int64_t version = 0;
+  std::string language;      // as the editor calls it; most editors call all of our files the same
+  std::int64_t version = 0;  // which a rename hands back, so that the editor knows a text that has changed meanwhile
 };
 
 class Server {
@@ -152,6 +157,7 @@ class Server {
  private:
   // ---- Messages
 
+  // Names of files need not be UTF-8, which JSON is.
   static std::string text_of(const Json& json) { return json.dump(-1, ' ', false, Json::error_handler_t::replace); }
   void send(const Json& message) { writer_.write(text_of(message)); }
   void send_error(const Json& id, int code, const std::string& text) {
@@ -161,13 +167,14 @@ class Server {
     send({{"jsonrpc", "2.0"}, {"method", method}, {"params", std::move(params)}});
   }
 
-  // False behind "exit".
+  // Of the thread that reads: puts a message behind those that wait to be answered. False behind "exit".
   bool take(const std::string& text) {
     Json message = Json::parse(text, nullptr, false);
     if (message.is_discarded()) {
       send_error(nullptr, -32700, "the message is no JSON");
       return true;
     }
+    // To what the server has asked, which it does not wait for.
     const bool is_answer =
         message.is_object() && !message.contains("method") && (message.contains("result") || message.contains("error"));
     if (is_answer) return true;
@@ -187,6 +194,7 @@ class Server {
     if (name == "$/cancelRequest") {
       const auto params = message.find("params");
       if (params == message.end() || !params->is_object()) return true;
+      // Of a request that was answered already there is nothing to be kept.
       const std::string cancelled = params->value("id", Json()).dump();
       if (pending_.contains(cancelled)) cancelled_.insert(cancelled);
       return true;
@@ -197,6 +205,7 @@ class Server {
     return name != "exit";
   }
 
+  // Of the thread that answers: one message after the other, to the end of the input.
   void answer_all() {
     while (true) {
       Json message;
@@ -212,6 +221,7 @@ class Server {
     }
   }
 
+  // Throws if the request that is being answered was cancelled.
   void refuse_if_cancelled() {
     const std::scoped_lock lock(mutex_);
     if (cancelled_.contains(current_)) throw RequestError{kRequestCancelled, "the request was cancelled"};
@@ -223,6 +233,8 @@ class Server {
     if (count % kNowAndThen == 0) refuse_if_cancelled();
   }
 
+  // Whatever is wrong with a message, a request gets an answer and the server goes on; of a notification standard error
+  // tells.
   void answer(const Json& message) {
     const std::string method = message.at("method").get<std::string>();
     const bool is_request = message.contains("id");
@@ -270,6 +282,7 @@ class Server {
         {"textDocument/codeAction", &Server::code_action},
         {"textDocument/foldingRange", &Server::folding_range},
     };
+    // These write their text themselves.
     using LongAnswer = std::string (Server::*)(const Json&);
     static const std::unordered_map<std::string, LongAnswer> kLongAnswers = {
         {"textDocument/references", &Server::references},
@@ -284,6 +297,7 @@ class Server {
     if (!is_initialized_) throw RequestError{kNotInitialized, "the first request is \"initialize\""};
     if (method == "shutdown") {
       is_shut_down_ = true;
+      // Waits for the look that is under way: nothing is published behind the answer.
       watch_.reset();
       return "null";
     }
@@ -311,6 +325,7 @@ class Server {
     } else if (method == "textDocument/didSave" || method == "workspace/didChangeWatchedFiles") {
       find_projects();
     } else if (method == "workspace/didChangeConfiguration") {
+      // Some editors send the section by its name, some what is in it.
       const Json& settings = params.contains("settings") ? params.at("settings") : params;
       read_settings(settings.is_object() && settings.contains("lexon") ? settings.at("lexon") : settings);
       find_projects();
@@ -327,6 +342,7 @@ class Server {
 
   // ---- Beginning
 
+  // A folder that the editor has opened: no project lies above it. Others than those of files are passed over.
   void add_folder(const Json& uri) {
     if (!uri.is_string()) return;
     if (const auto path = path_of_uri(uri.get<std::string>())) folders_.push_back(file_key(*path));
@@ -337,6 +353,7 @@ class Server {
     if (const auto list = params.find("workspaceFolders"); list != params.end() && list->is_array()) {
       for (const Json& folder : *list) add_folder(folder.at("uri"));
     }
+    // Older editors name one folder, still older ones its path.
     if (folders_.empty() && params.contains("rootUri")) add_folder(params.at("rootUri"));
     if (folders_.empty() && params.contains("rootPath") && params.at("rootPath").is_string())
       folders_.push_back(file_key(params.at("rootPath").get<std::string>()));
@@ -374,6 +391,7 @@ class Server {
               {"workspace", {{"workspaceFolders", {{"supported", true}, {"changeNotifications", true}}}}}}}};
   }
 
+  // Asks the editor to tell of files that others change. One that cannot is believed once it saves something.
   void register_watchers() {
     if (!watches_files_) return;
     Json watchers = Json::array();
@@ -390,6 +408,7 @@ class Server {
                                             {"registerOptions", {{"watchers", watchers}}}}})}}}});
   }
 
+  // {"project": as lexon.json, "delay": milliseconds}; what is missing or of another form stays as it was.
   void read_settings(const Json& settings) {
     if (!settings.is_object()) return;
     if (const auto project = settings.find("project"); project != settings.end())
@@ -441,6 +460,7 @@ class Server {
       const std::scoped_lock lock(documents_mutex_);
       documents_[file_key(*path)].version = given.value("version", std::int64_t{0});
     }
+    // Of lexon.json it is not only the findings that may change, but which files belong together.
     const bool is_settings = std::filesystem::path(*path).filename() == kProjectFile;
     if (is_settings) return find_projects();
     const std::string key = file_key(*path);
@@ -476,6 +496,7 @@ class Server {
     return found == analyses_.end() ? nullptr : found->second;
   }
 
+  // Projects are told apart by their rules, so that two files of rules in a folder are two projects.
   static std::string name_of(const ProjectFiles& files) {
     return files.rules.empty() ? files.folder : file_key(files.rules);
   }
@@ -505,6 +526,8 @@ class Server {
     }
   }
 
+  // The project of a document: that of the settings if it names it, else that of its folder or one above, up to the
+  // folder that the editor has opened.
   ProjectFiles files_for(const OpenDocument& document, const std::string& key) {
     std::string top;
     for (const std::string& folder : folders_) {
@@ -529,6 +552,7 @@ class Server {
     return files;
   }
 
+  // Does the source include this file? Asked only of files that no look has shown yet.
   bool is_included(const ProjectFiles& files, const std::string& key) {
     if (!files.rules.ends_with(kSourceExtension)) return false;
     const Expansion expansion = expand_source(files.rules, store_.unsaved().lookup());
@@ -536,6 +560,7 @@ class Server {
                                [&key](const MappedFile& file) { return file_key(file.path) == key; });
   }
 
+  // Of a file that no project names: by the editor's language, else by its name.
   static TextKind kind_of(const OpenDocument& document) {
     const std::string name = std::filesystem::path(document.path).filename().string();
     if (document.language == "lexon-graph") return TextKind::graphs;
@@ -550,6 +575,7 @@ class Server {
     return is_graph ? TextKind::graphs : TextKind::rules;
   }
 
+  // Takes back what was told of a project that has no open document any more.
   void drop_project(const std::string& name) {
     watch_->forget(name);
     const std::scoped_lock lock(documents_mutex_);
@@ -575,7 +601,7 @@ class Server {
             {"message", message}};
   }
 
-  // In the thread of the watch.
+  // In the thread of the watch. Files without findings are told too: they may have had some.
   void publish(const ProjectFiles& files, const Overlay& unsaved, const std::shared_ptr<const Analysis>& analysis) {
     const std::string name = name_of(files);
     std::map<std::string, std::vector<const Finding*>> by_file;
@@ -597,6 +623,7 @@ class Server {
         }
       }
       const LinedText text(shown);
+      // Of too many the errors are kept.
       if (findings.size() > kMostFindings)
         std::ranges::stable_sort(findings, {}, [](const Finding* finding) { return finding->level; });
       Json diagnostics = Json::array();
@@ -636,11 +663,12 @@ class Server {
 
   // ---- Requests about a place
 
+  // The document of a request, and the project that it belongs to.
   struct Asked {
     std::unique_ptr<Model> model;
-    const TextFile* file = nullptr;  // null: the document is no text of a project
+    const TextFile* file = nullptr;  // of the model; null: the document is no text of a project
     std::shared_ptr<const LinedText> text;
-    std::string key;
+    std::string key;  // by `file_key`
     std::string uri;
   };
 
@@ -679,6 +707,7 @@ class Server {
     std::string text = at.model->name_text(at.symbol);
     const bool may_be_rule = at.file->kind == TextKind::rules || at.file->kind == TextKind::source;
     const auto line = static_cast<std::size_t>(std::max<std::int64_t>(at.position.line, 0));
+    // Of the rule that stands in the line, below what is known of the name.
     if (may_be_rule && line < at.text->line_count()) {
       if (const std::string rule = at.model->rule_text(*at.file, line); !rule.empty())
         text += (text.empty() ? "" : "\n\n---\n") + rule;
@@ -813,6 +842,7 @@ class Server {
     if (at.file == nullptr || position.line < 0 || static_cast<std::size_t>(position.line) >= at.text->line_count())
       return nullptr;
     const auto line = static_cast<std::size_t>(position.line);
+    // Texts whose lines go on are scanned from the begin, as far as a line matters to those behind it.
     LineScanner scanner(at.file->kind);
     std::vector<Token> tokens;
     for (std::size_t each = LineScanner::is_line_by_line(at.file->kind) ? line : 0; each < line; ++each) {
@@ -824,6 +854,7 @@ class Server {
     scanner.scan(shown.substr(0, byte), tokens, byte);
     const std::size_t begin = std::min(scanner.wanted_begin(), byte);
     Offers offers{std::string(shown.substr(begin, byte - begin)), range_of(*at.text, line, begin, byte)};
+    // How the protocol numbers kinds of completions.
     constexpr int kText = 1;
     constexpr int kProperty = 10;
     constexpr int kKeyword = 14;
@@ -850,6 +881,7 @@ class Server {
         const bool are_concepts = scanner.wanted() != Wanted::form;
         for (const std::string& word : at.model->words_like(offers.prefix, are_concepts, kMostCompletions))
           offers.add(word, kText, "");
+        // The words come cut already.
         offers.is_cut = offers.items.size() >= kMostCompletions;
         break;
       }
@@ -864,6 +896,7 @@ class Server {
     const Asked at = asked(params);
     Json actions = Json::array();
     if (at.file == nullptr) return actions;
+    // All of them are quick fixes; the empty kind stands for every kind.
     if (const auto& context = params.at("context"); context.contains("only") && context.at("only").is_array()) {
       const auto fits = [](const Json& kind) {
         return kind.is_string() && (kind == "quickfix" || kind.get<std::string>().empty());
@@ -891,6 +924,8 @@ class Server {
     return actions;
   }
 
+  // The change of a text that the finding's remedy is, as one of the actions. `text_end` and `new_entry` change another
+  // place than that of the finding, the latter another file.
   void add_action(const Asked& at, const Finding& finding, const Place& place, Json& actions) {
     const LinedText& text = *at.text;
     std::string title;
@@ -953,6 +988,7 @@ class Server {
     actions.push_back(std::move(action));
   }
 
+  // What is added at the end of a text begins a line.
   static Json end_edit(const LinedText& text, const std::string& added) {
     const std::size_t last = text.line_count() - 1;
     const std::size_t size = text.line(last).size();

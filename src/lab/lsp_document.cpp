@@ -15,9 +15,10 @@ namespace {
 // Characters beyond the first plane take four bytes and two units.
 constexpr std::size_t kPairLength = 4;
 
+// A character in the two ways to count it.
 struct Step {
-  std::size_t bytes;
-  std::int64_t units;
+  std::size_t bytes;   // of UTF-8
+  std::int64_t units;  // of UTF-16
 };
 
 bool has_end(std::string_view line) {
@@ -61,6 +62,7 @@ std::size_t utf16_byte(std::string_view text, std::int64_t units) {
   std::size_t at = 0;
   while (at < text.size() && units > 0) {
     const Step step = step_at(text.substr(at));
+    // In the middle of a pair.
     if (step.units > units) break;
     units -= step.units;
     at = std::min(at + step.bytes, text.size());
@@ -176,6 +178,7 @@ std::optional<std::string> path_of_uri(std::string_view uri) {
   return path;
 }
 
+// Escapes all but what may stand as it is in any part of a URI, byte by byte, as editors do it.
 std::string uri_of_path(std::string_view path) {
   std::string uri = "file://";
   for (const char c : path) {

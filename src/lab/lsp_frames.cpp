@@ -12,8 +12,8 @@ namespace lab {
 
 namespace {
 
-constexpr std::size_t kMostHead = 65536;
-constexpr std::size_t kMostMessage = std::size_t{1} << 30;
+constexpr std::size_t kMostHead = 65536;                    // bytes that are kept of a line of the head
+constexpr std::size_t kMostMessage = std::size_t{1} << 30;  // bytes; more is passed over
 
 // A line of the head without its end; none at the end of the stream.
 std::optional<std::string> head_line(std::FILE* stream) {
@@ -28,6 +28,7 @@ std::optional<std::string> head_line(std::FILE* stream) {
   return std::nullopt;
 }
 
+// Of "Content-Length: N", in any case and with blanks around the number; none if the line says something else.
 std::optional<std::size_t> length_of(std::string_view line) {
   constexpr std::string_view kName = "content-length:";
   const auto is_same = [](char a, char b) { return std::tolower(static_cast<unsigned char>(a)) == b; };
@@ -52,6 +53,7 @@ Frame frame_read(std::FILE* stream, std::string& text) {
     const std::optional<std::string> line = head_line(stream);
     if (!line) return Frame::end;
     if (line->empty()) {
+      // Lines between messages do no harm.
       if (!has_head) continue;
       break;
     }

@@ -19,6 +19,8 @@ namespace lab {
 // ---- Texts
 
 std::shared_ptr<const LinedText> TextStore::text(const std::string& path) {
+  // The same text comes back as the same object for as long as it does not change: others know by the address what they
+  // have made of it.
   const std::string key = file_key(path);
   if (const auto found = open_.find(key); found != open_.end()) return found->second.text;
   const TextMark mark = text_mark(key, nullptr);
@@ -51,7 +53,8 @@ void TextStore::close(const std::string& path) {
 
 namespace {
 
-// Adds the names of these lines, `sign` times.
+// Adds the names of the lines from `begin` to before `end`, `sign` times (1 or -1). Only for kinds of texts whose lines
+// stand for themselves, or for a whole text.
 void count_lines(const LinedText& text, TextKind kind, std::size_t begin, std::size_t end, std::int64_t sign,
                  NameCounts& counts) {
   LineScanner scanner(kind);
@@ -79,6 +82,7 @@ const NameCounts& TextStore::names(const TextFile& file) {
   const std::shared_ptr<const LinedText> before = known.text;
   const bool is_changed =
       before != nullptr && now != nullptr && known.kind == file.kind && LineScanner::is_line_by_line(file.kind);
+  // Between two keys most of a text stays: the lines around what differs are taken off and counted anew.
   if (is_changed) {
     const std::string& a = before->text();
     const std::string& b = now->text();
@@ -86,6 +90,7 @@ const NameCounts& TextStore::names(const TextFile& file) {
     std::size_t head = 0;
     while (head < shorter && a[head] == b[head]) ++head;
     std::size_t tail = 0;
+    // A byte that is repeated belongs to the head alone.
     while (tail < shorter - head && a[a.size() - 1 - tail] == b[b.size() - 1 - tail]) ++tail;
     const std::size_t first = std::min(before->line_of(head), now->line_of(head));
     count_lines(*before, file.kind, first, before->line_of(a.size() - tail) + 1, -1, known.counts);
@@ -106,6 +111,7 @@ std::vector<std::string> canonical_rules(std::string_view text) {
   std::string copy(text);
   if (!copy.ends_with('\n')) copy += '\n';
   std::string_view rest = copy;
+  // What the parser objects to is of no interest here: `check` says it.
   const auto session = std::make_unique<Session>();
   Pool pool;
   Rule* rules = nullptr;
@@ -122,6 +128,7 @@ std::vector<std::string> canonical_rules(std::string_view text) {
 
 namespace {
 
+// Counted once for all entries: between two keys there is no time to go through some ten thousand sets of them.
 EntryAttributes attributes_of(const std::vector<std::shared_ptr<const WordIndex>>& words) {
   EntryAttributes attributes;
   for (const auto& index : words) {
@@ -165,6 +172,7 @@ std::shared_ptr<const Analysis> Analyst::look_at(const ProjectFiles& files, cons
   try {
     Coverage coverage = coverage_read(files.coverage);
     analysis->counted_sentences = coverage.sentences;
+    // Several lines of a source can come to the same rule: their counts add up.
     for (RuleCount& count : coverage.rules) {
       std::string text = count.text;
       RuleCount& known = analysis->counts[std::move(text)];
@@ -183,6 +191,7 @@ std::shared_ptr<const Analysis> Analyst::look_at(const ProjectFiles& files, cons
 
 Model::Model(TextStore& store, ProjectFiles files, std::shared_ptr<const Analysis> analysis)
     : store_(store), files_(std::move(files)), analysis_(std::move(analysis)) {
+  // What cannot be read is left out: it is a finding of `check`.
   const auto add = [this](const std::string& path, TextKind kind) {
     const auto text = store_.text(path);
     if (text == nullptr) return;
@@ -193,6 +202,7 @@ Model::Model(TextStore& store, ProjectFiles files, std::shared_ptr<const Analysi
       texts_.push_back({path, kind, store_.uri(path)});
     }
   };
+  // Which files a source includes is known from the first look at it on.
   if (analysis_ != nullptr && !analysis_->sources.empty()) {
     for (const std::string& path : analysis_->sources) {
       add(path, path.ends_with(".tsv") ? TextKind::table : TextKind::source);
@@ -231,6 +241,7 @@ bool Model::token_at(const TextFile& file, const TextPosition& position, Token& 
   bool is_found = false;
   for (const Token& each : tokens) {
     if (each.begin > byte || each.end < byte) continue;
+    // At a comma between two names the place is behind the first; the second begins with a sign then.
     if (is_found && each.begin != byte) continue;
     token = each;
     is_found = true;
@@ -258,6 +269,8 @@ Symbol Model::settled(Symbol symbol, const Token& token) const {
   return symbol;
 }
 
+// Searches the text for the letters of the name, and scans only the lines that have them; a rename in 12,000 rules would
+// take ten times as long otherwise.
 void Model::for_each_use(const Symbol& symbol, const std::function<bool(const NameUse&)>& use) const {
   if (symbol.kind == Symbol::Kind::none || symbol.name.empty()) return;
   std::vector<Token> tokens;
@@ -271,6 +284,7 @@ void Model::for_each_use(const Symbol& symbol, const std::function<bool(const Na
     std::size_t next = 0;  // the first line that has not been looked at
     while (hit != std::string::npos) {
       const std::size_t line = text->line_of(hit);
+      // Lines in between are scanned only for what they leave open.
       for (; !is_line_by_line && next < line; ++next) {
         tokens.clear();
         if (scanner.needs(text->line(next))) scanner.scan(text->line(next), tokens);
@@ -300,11 +314,13 @@ std::vector<NameUse> Model::uses(const Symbol& symbol) const {
 std::map<std::string, std::int64_t> Model::names(Symbol::Kind kind) const {
   std::map<std::string, std::int64_t> counts;
   for (const TextFile& file : texts_) {
+    // Entries are counted from their index below, which holds those of built dictionaries too.
     if (file.kind == TextKind::entries) continue;
     const NameCounts& own = store_.names(file);
     for (const auto& [name, count] : kind == Symbol::Kind::label  ? own.labels
                                      : kind == Symbol::Kind::mark ? own.marks
                                                                   : own.attributes) {
+      // 0: of a name that was struck out since the text was first counted.
       if (count > 0) counts[name] += count;
     }
   }
@@ -335,12 +351,13 @@ std::vector<std::string> Model::words_like(std::string_view prefix, bool are_con
 
 namespace {
 
-constexpr std::size_t kShownPlaces = 5;
+constexpr std::size_t kShownPlaces = 5;  // of a kind of use, in what hovering tells
 
 std::string count_of(std::int64_t count, const char* noun) {
   return std::to_string(count) + ' ' + noun + (count == 1 ? "" : "s");
 }
 
+// As code in Markdown. A backtick would end it.
 std::string in_code(std::string_view text) {
   std::string code = "`";
   for (const char c : text) code += c == '`' ? '\'' : c;
@@ -350,7 +367,7 @@ std::string in_code(std::string_view text) {
 // How often, and where first.
 struct Uses {
   std::int64_t count = 0;
-  std::vector<std::string> places;
+  std::vector<std::string> places;  // "rules.txt:12", each once
 
   void add(const std::string& place) {
     ++count;
@@ -387,6 +404,7 @@ std::string Model::name_text(const Symbol& symbol) const {
     return out;
   }
   if (!symbol.is_renamed()) return out;
+  // An attribute or a label: a line for each of the ways in which it is used.
   const bool is_label = symbol.kind == Symbol::Kind::label;
   Uses given;
   Uses asked;
@@ -396,6 +414,7 @@ std::string Model::name_text(const Symbol& symbol) const {
   Uses in_values;
   Uses in_pairs;
   for (const NameUse& use : uses(symbol)) {
+    // The name of a place takes longer than to count it.
     const std::string place = given.count + asked.count + taken.count + in_graphs.count < 100000 ? place_name(use) : "";
     if (use.file->kind == TextKind::entries) continue;
     if (use.token.kind == TokenKind::value)
@@ -482,6 +501,7 @@ std::string Model::rule_text(const TextFile& file, std::size_t line) const {
   std::string out = rules.size() == 1
                         ? "**rule** " + in_code(rules.front())
                         : "**" + std::to_string(rules.size()) + " rules**, the first " + in_code(rules.front());
+  // A rule is known in the counts by its canonical form: where it stands may have changed since.
   if (analysis_->counted_sentences < 0) {
     out += files_.coverage.empty() ? "\n- no run is known: `lexon-lab coverage ... --data coverage.json` counts, and "
                                      "`\"coverage\": \"coverage.json\"` in lexon.json names the file"
@@ -510,12 +530,13 @@ std::string Model::rule_text(const TextFile& file, std::size_t line) const {
 
 std::vector<NameUse> Model::definitions(const Symbol& symbol) const {
   std::vector<NameUse> found;
-  std::set<const TextFile*> seen;
+  std::set<const TextFile*> seen;  // files of which one place is there
   for_each_use(symbol, [&](const NameUse& use) {
     const bool is_rule = use.file->kind == TextKind::rules || use.file->kind == TextKind::source;
     bool defines = use.token.use == TokenUse::gives;
     // What rules give is worth seeing each time; of words and graphs the first place is enough.
     if (symbol.is_renamed() && !is_rule) defines = defines && seen.insert(use.file).second;
+    // A word of a graph is no definition: its entry is.
     if (!symbol.is_renamed() && use.file->kind == TextKind::graphs) defines = false;
     if (defines) found.push_back(use);
     constexpr std::size_t kMost = 1000;
@@ -526,7 +547,8 @@ std::vector<NameUse> Model::definitions(const Symbol& symbol) const {
 
 // ---- Renaming
 
-// Rules of a source can hold names that no line of it shows whole.
+// Rules of a source can hold names that no line of it shows whole. Returns the first such place, "rules.lxr:12"; empty if
+// each stands in the source as it does in the expanded rules.
 std::string Model::made_by_marks(const Symbol& symbol) const {
   if (analysis_ == nullptr || !analysis_->expansion.is_source) return {};
   const std::string& all = analysis_->expansion.text;
@@ -540,6 +562,7 @@ std::string Model::made_by_marks(const Symbol& symbol) const {
     for (const Token& token : tokens) {
       const TokenPart part = symbol_in(token, expanded.line(line), symbol);
       if (part.begin == part.end) continue;
+      // The map leads from the expanded text back to the source, where the same letters should stand.
       const MappedPlace begin = analysis_->expansion.map.place(static_cast<std::int64_t>(line) + 1, part.begin);
       const auto source = store_.text(begin.file);
       if (source == nullptr || begin.line < 1) continue;
@@ -556,9 +579,9 @@ std::string Model::made_by_marks(const Symbol& symbol) const {
 std::string Model::rename_fault(const Symbol& symbol, const std::string* to) const {
   if (!symbol.is_renamed()) return "only attributes and relation labels can be renamed";
   if (is_built_in(symbol)) return "\"" + symbol.name + "\" is a name that Lexon gives itself, and stays as it is";
-  bool is_followed = false;
-  bool is_in_graphs = false;
-  bool has_values = false;
+  bool is_followed = false;   // by patterns, which compare three bytes of a label
+  bool is_in_graphs = false;  // whose labels have up to five
+  bool has_values = false;    // in lists of a source
   bool is_other = false;
   for (const NameUse& use : uses(symbol)) {
     is_followed = is_followed || use.token.use == TokenUse::follows;
@@ -579,6 +602,7 @@ std::string Model::rename_fault(const Symbol& symbol, const std::string* to) con
   } else if (const std::string place = made_by_marks(symbol); !place.empty()) {
     return "\"" + symbol.name + "\" is put together by marks at " + place + ": rename it there by hand";
   }
+  // A dictionary that is built already would keep the old name.
   if (!built_.empty() && symbol.kind == Symbol::Kind::attribute && analysis_ != nullptr) {
     for (const auto& index : analysis_->words) {
       if (std::ranges::find(built_, index->path()) == built_.end()) continue;
@@ -588,6 +612,7 @@ std::string Model::rename_fault(const Symbol& symbol, const std::string* to) con
       }
     }
   }
+  // So far of the old name; from here on of the new one.
   if (to == nullptr) return {};
   if (*to == symbol.name) return {};
   constexpr std::size_t kFollowed = 3;

@@ -11,8 +11,8 @@ namespace lab {
 
 namespace {
 
-constexpr std::size_t kMostEntries = 5000;
-constexpr std::size_t kLongestName = 80;
+constexpr std::size_t kMostEntries = 5000;  // lines of a file; a longer outline would be of no use
+constexpr std::size_t kLongestName = 80;    // bytes, to the end of the character
 
 std::string_view without_blanks(std::string_view text) {
   const std::size_t begin = text.find_first_not_of(" \t");
@@ -20,7 +20,8 @@ std::string_view without_blanks(std::string_view text) {
   return text.substr(begin, text.find_last_not_of(" \t") - begin + 1);
 }
 
-// The title of a comment that is drawn as a heading; empty if it is none.
+// The title of a comment that is drawn as a heading, "; ---- Title ----"; empty if it is none. A ruler without a title is
+// none, nor are signs of one kind that are fewer than three.
 std::string title_of(std::string_view line) {
   line = without_blanks(line);
   if (line.empty() || line.front() != ';') return {};
@@ -49,6 +50,7 @@ bool is_blank_line(std::string_view line) {
   return without_blanks(line).empty();
 }
 
+// The word behind the percent sign that a line of a source begins with; else empty.
 std::string_view directive_of(std::string_view line) {
   line = without_blanks(line);
   if (!line.starts_with('%')) return {};
@@ -56,6 +58,7 @@ std::string_view directive_of(std::string_view line) {
   return line.substr(1, std::min(end, line.size()) - 1);
 }
 
+// Does the line begin what goes on to its %end? A list or table with "=" is whole in one line.
 bool opens_block(std::string_view line) {
   const std::string_view word = directive_of(line);
   const bool may_be_list = (word == "list" || word == "table") && line.find('=') == std::string_view::npos;
@@ -75,6 +78,7 @@ void outline_rules(const LinedText& text, TextKind kind, std::vector<OutlineItem
     if (body.empty() || body.front() == ';') continue;
     const std::string_view word = kind == TextKind::source ? directive_of(body) : std::string_view();
     if (word.empty()) {
+      // A rule: its priority, behind the last P, stands as the detail.
       const std::size_t end = body.rfind('P');
       const std::size_t digits = end == std::string_view::npos ? end : body.find_first_not_of("0123456789", end + 1);
       const bool has_priority = end != std::string_view::npos && digits != end + 1;
@@ -91,6 +95,7 @@ void outline_rules(const LinedText& text, TextKind kind, std::vector<OutlineItem
     if (word == "define" || word == "list" || word == "table" || word == "for" || word == "if" || word == "include") {
       std::size_t last = line;
       if (opens_block(body)) {
+        // To the %end of its own depth, or the end of the text.
         int depth = 0;
         for (last = line; last < text.line_count(); ++last) {
           if (opens_block(text.line(last))) ++depth;
@@ -101,6 +106,7 @@ void outline_rules(const LinedText& text, TextKind kind, std::vector<OutlineItem
       const bool is_loop = word == "for" || word == "if";
       add(items,
           {is_loop ? OutlineItem::Kind::loop : OutlineItem::Kind::definition, shortened(body), "", line, last, {}});
+      // The rules within a loop are items too; the lines of a list are not.
       if (!is_loop) line = last;
     }
   }
@@ -110,6 +116,7 @@ void outline_graphs(const LinedText& text, std::vector<OutlineItem>& items) {
   for (std::size_t line = 0; line < text.line_count(); ++line) {
     const std::string_view body = without_blanks(text.line(line));
     if (!body.starts_with("[S")) continue;
+    // To its [/S], or up to the next one where that is missing. Its first relation stands as the detail.
     std::size_t end = line;
     std::string first;
     for (std::size_t next = line + 1; next < text.line_count(); ++next) {
@@ -139,10 +146,11 @@ void outline_entries(const LinedText& text, std::vector<OutlineItem>& items) {
   }
 }
 
+// What stands under a heading, to the last line in front of the next one that is not blank.
 struct Section {
   std::string title;
-  std::size_t begin;
-  std::size_t end;
+  std::size_t begin;  // lines from 0
+  std::size_t end;    // the last
 };
 
 std::vector<Section> sections_of(const LinedText& text) {
@@ -173,6 +181,7 @@ std::vector<OutlineItem> outline_of(const LinedText& text, TextKind kind) {
   }
   const std::vector<Section> sections = sections_of(text);
   if (sections.empty()) return items;
+  // Each item goes under the heading above it; those above the first heading stay where they are.
   std::vector<OutlineItem> result;
   auto next = items.begin();
   const auto take_until = [&](std::size_t line, std::vector<OutlineItem>& to) {
@@ -183,6 +192,7 @@ std::vector<OutlineItem> outline_of(const LinedText& text, TextKind kind) {
     const Section& section = sections[i];
     OutlineItem item{OutlineItem::Kind::section, section.title, "", section.begin, section.end, {}};
     take_until(i + 1 < sections.size() ? sections[i + 1].begin : text.line_count(), item.children);
+    // A loop can hold the next heading: the range of an item has to contain those of its children.
     for (const OutlineItem& child : item.children) item.end = std::max(item.end, child.end);
     result.push_back(std::move(item));
   }
@@ -194,11 +204,12 @@ std::vector<Fold> folds_of(const LinedText& text, TextKind kind) {
   for (const Section& section : sections_of(text)) {
     if (section.end > section.begin) folds.push_back({section.begin, section.end, false});
   }
-  std::vector<std::size_t> open;
+  std::vector<std::size_t> open;  // lines of blocks of a source without their %end yet
   std::size_t comment = 0;
   bool in_comment = false;
   std::size_t sentence = 0;
   bool in_sentence = false;
+  // One step behind the last line, so that a comment at the end of the text is closed.
   for (std::size_t line = 0; line <= text.line_count(); ++line) {
     const std::string_view body = without_blanks(text.line(line));
     const bool is_comment = line < text.line_count() && body.starts_with(';') && title_of(body).empty();

@@ -1,3 +1,7 @@
+// Each kind of text has its scanner below: `scan_rule`, `scan_directive` (a source: directives, else rules), `scan_entry`,
+// `scan_graph`. They follow the parsers as far as these go on, and then go on themselves where a parser would refuse the
+// line, since most lines that an editor asks about are not finished.
+
 #include "lab/lsp_tokens.hpp"
 
 #include <algorithm>
@@ -18,9 +22,9 @@ namespace lab {
 // The line under the scanner, with a NUL behind it.
 struct LineScanner::Scan {
   std::string text;
-  std::size_t at = 0;
+  std::size_t at = 0;  // what is read next; never beyond the NUL
   std::vector<Token>& tokens;
-  std::size_t until;
+  std::size_t until;  // the byte that the editor asks about; npos: none
 
   [[nodiscard]] char operator*() const { return text[at]; }
   [[nodiscard]] bool is_end() const { return at >= text.size(); }
@@ -30,6 +34,7 @@ struct LineScanner::Scan {
   void commas() {
     while (!is_end() && (is_blank(text[at]) || text[at] == ',')) ++at;
   }
+  // Names without a character are none.
   void add(TokenKind kind, TokenUse use, std::size_t begin, std::size_t end) {
     if (end > begin) tokens.push_back({kind, use, static_cast<std::uint32_t>(begin), static_cast<std::uint32_t>(end)});
   }
@@ -40,11 +45,12 @@ struct LineScanner::Scan {
 
 namespace {
 
+// Of a %name.
 bool is_name_char(char c) {
   return is_digit(c) || (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || c == '_';
 }
 
-// Where a token of a rule ends, as the rule parser has it.
+// Where a token of a rule ends, as the rule parser has it: parentheses within a name keep their separators.
 std::size_t token_end(std::string_view text, std::size_t at) {
   int depth = 0;
   for (; at < text.size(); ++at) {
@@ -59,6 +65,7 @@ std::size_t token_end(std::string_view text, std::size_t at) {
   return at;
 }
 
+// Does a source put something in here? "%%" counts: it is a percent sign once the source is expanded.
 bool has_mark(std::string_view text) {
   for (std::size_t at = text.find('%'); at != std::string_view::npos; at = text.find('%', at + 1)) {
     if (at + 1 < text.size() && (is_name_char(text[at + 1]) || text[at + 1] == '{' || text[at + 1] == '%')) return true;
@@ -72,6 +79,7 @@ bool has_mark(std::string_view text) {
 void LineScanner::Scan::add_mark_tokens(std::size_t begin, std::size_t end) {
   while (begin < end && (begin = text.find('%', begin)) < end) {
     ++begin;
+    // Two stand for a percent sign.
     if (begin < end && text[begin] == '%') {
       ++begin;
       continue;
@@ -87,6 +95,7 @@ void LineScanner::Scan::add_mark_tokens(std::size_t begin, std::size_t end) {
 
 void LineScanner::scan(std::string_view line, std::vector<Token>& tokens, std::size_t until) {
   Scan scan{std::string(line), 0, tokens, until};
+  // The parsers' scanners that are used below end at a NUL.
   std::replace(scan.text.begin(), scan.text.end(), '\0', ' ');
   wanted_ = Wanted::nothing;
   wanted_begin_ = until;
@@ -94,6 +103,7 @@ void LineScanner::scan(std::string_view line, std::vector<Token>& tokens, std::s
     case TextKind::rules: scan_rule(scan); break;
     case TextKind::source: scan_directive(scan); break;
     case TextKind::table:
+      // Columns between tabulators, each of which may be a value of a loop.
       for (std::size_t at = 0; at <= line.size();) {
         const std::size_t end = std::min(line.find('\t', at), line.size());
         scan.add(TokenKind::value, TokenUse::other, at, end);
@@ -120,6 +130,7 @@ void LineScanner::scan(std::string_view line, std::vector<Token>& tokens, std::s
 
 bool LineScanner::needs(std::string_view line) const {
   if (goes_on_ || in_block_ || !block_end_.empty()) return true;
+  // Else only what may open a block, or go on in the next line.
   const std::size_t begin = line.find_first_not_of(" \t");
   if (begin == std::string_view::npos) return false;
   return kind_ == TextKind::graphs ? line[begin] == '[' : line[begin] == '%' || line.ends_with('\\');
@@ -127,6 +138,8 @@ bool LineScanner::needs(std::string_view line) const {
 
 // ---- Rules
 
+// One condition or action: "^past", "+pl", "[dogs]", "[[dog(>animal)]]". `wanted` is what else may stand in its place;
+// `plain_use` what a name without a sign does. Moves on at least one character, so that its callers come to an end.
 void LineScanner::scan_item(Scan& scan, Wanted wanted, TokenUse plain_use) {
   const bool is_source = kind_ == TextKind::source;
   const std::size_t start = scan.at;
@@ -142,6 +155,7 @@ void LineScanner::scan_item(Scan& scan, Wanted wanted, TokenUse plain_use) {
   if (is_condition) use = TokenUse::asks;
   const std::size_t begin = scan.at;
   if (!scan.is_end() && *scan == '[') {
+    // A form in brackets, or a concept word in two; a form may begin with a bracket of its own.
     ++scan.at;
     const bool is_concept = *scan == '[' && !is_hw_text_end(scan.text.c_str() + scan.at + 1);
     if (is_concept) ++scan.at;
@@ -160,6 +174,7 @@ void LineScanner::scan_item(Scan& scan, Wanted wanted, TokenUse plain_use) {
   } else {
     scan.at = token_end(scan.text, begin);
     const std::string_view token = std::string_view(scan.text).substr(begin, scan.at - begin);
+    // A name that is put together from marks is whole only once the source is expanded.
     if (is_source && has_mark(token)) {
       scan.add_mark_tokens(begin, scan.at);
     } else {
@@ -167,6 +182,7 @@ void LineScanner::scan_item(Scan& scan, Wanted wanted, TokenUse plain_use) {
     }
     if (scan.is_asked(start, scan.at)) {
       wanted_ = wanted;
+      // In front of the sign the sign is still to be written too.
       wanted_begin_ = begin <= scan.until ? begin : start;
     }
   }
@@ -181,6 +197,7 @@ void LineScanner::scan_item(Scan& scan, Wanted wanted, TokenUse plain_use) {
   }
 }
 
+// A relation label in the third section of a pattern, or a role with its direction in the fourth.
 void LineScanner::scan_label(Scan& scan, bool is_role) {
   const bool is_source = kind_ == TextKind::source;
   if (is_role && (*scan == '<' || *scan == '>')) ++scan.at;
@@ -200,6 +217,8 @@ void LineScanner::scan_label(Scan& scan, bool is_role) {
   scan.commas();
 }
 
+// A rule: a type, contexts in parentheses, two patterns in braces or quotes with up to four sections between colons, a
+// priority. What it leaves open at a backslash (of a source) is kept in the members for the next line.
 void LineScanner::scan_rule(Scan& scan) {
   const bool is_source = kind_ == TextKind::source;
   if (!goes_on_) {
@@ -207,6 +226,7 @@ void LineScanner::scan_rule(Scan& scan) {
     in_pattern_ = false;
     scan.blanks();
     if (scan.is_end() || *scan == ';') return;
+    // The type names nothing.
     while (!scan.is_end() && std::string_view("({\"").find(*scan) == std::string_view::npos) {
       if (*scan == ';') return;
       ++scan.at;
@@ -217,6 +237,7 @@ void LineScanner::scan_rule(Scan& scan) {
 
   while (!scan.is_end()) {
     if (in_pattern_) {
+      // Sections: conditions, actions, labels, roles.
       const Wanted wanted = section_ == 0   ? Wanted::attribute
                             : section_ == 1 ? Wanted::action
                             : section_ == 2 ? Wanted::label
@@ -231,6 +252,7 @@ void LineScanner::scan_rule(Scan& scan) {
       if (*scan == ':') {
         section_ = std::min(section_ + 1, 3);
         ++scan.at;
+        // At the end of the line no other branch is reached any more.
         if (scan.is_end() && scan.until == scan.at) {
           wanted_ = section_ == 1 ? Wanted::action : section_ == 2 ? Wanted::label : Wanted::role;
           wanted_begin_ = scan.until;
@@ -275,6 +297,7 @@ void LineScanner::scan_rule(Scan& scan) {
       const std::size_t begin = scan.at++;
       while (!scan.is_end() && is_digit(*scan)) ++scan.at;
       scan.add(TokenKind::priority, TokenUse::other, begin, scan.at);
+      // "P%n": the priority may be put in, too. Behind it stands a comment at most.
       if (is_source) scan.add_mark_tokens(scan.at, std::min(scan.text.find(';', scan.at), scan.text.size()));
       break;
     } else {
@@ -297,14 +320,17 @@ void LineScanner::scan_rule(Scan& scan) {
 
 namespace {
 
+// What cannot be part of a name that a value of a list stands for.
 constexpr std::string_view kAroundValue = " \t,:(){}\"|^+-;";
 
 }  // namespace
 
+// A line of a source: a directive, a line of a list or table that is written over several, or a rule.
 void LineScanner::scan_directive(Scan& scan) {
   if (goes_on_ && !in_block_) return scan_rule(scan);
   scan.blanks();
   const std::size_t begin = scan.at;
+  // The words between `at` and `end`; whether each is an attribute, a label or neither is known from its other uses.
   const auto values = [&scan](std::size_t at, std::size_t end) {
     scan.add_mark_tokens(at, end);
     while (at < end) {
@@ -315,6 +341,7 @@ void LineScanner::scan_directive(Scan& scan) {
       at = stop;
     }
   };
+  // The name behind blanks; from what is returned to `stop`.
   const auto name_at = [&scan](std::size_t at, std::size_t& stop) {
     at = std::min(scan.text.find_first_not_of(" \t", at), scan.text.size());
     stop = at;
@@ -345,12 +372,14 @@ void LineScanner::scan_directive(Scan& scan) {
     const std::size_t at = name_at(word_end, stop);
     scan.add(TokenKind::mark_name, TokenUse::gives, at, stop);
     const std::size_t sign = scan.text.find('=', stop);
+    // Without it a list or table goes on to its %end; with it the one of a table names a file.
     if (sign == std::string::npos) {
       in_block_ = word != "define";
     } else if (word != "table") {
       values(sign + 1, scan.text.size());
     }
   } else if (word == "for") {
+    // %for NAME, NAME in LIST, or in values as they stand
     const std::size_t in = scan.text.find(" in ", word_end);
     for (std::size_t at = word_end; at < std::min(in, scan.text.size());) {
       std::size_t stop = 0;
@@ -375,6 +404,7 @@ void LineScanner::scan_directive(Scan& scan) {
   } else if (word == "if" || word == "elif") {
     values(word_end, scan.text.size());
   } else if (word != "include" && word != "else" && word_end > begin + 1) {
+    // No directive: a rule that begins with a mark.
     scan.at = 0;
     scan_rule(scan);
   }
@@ -382,6 +412,8 @@ void LineScanner::scan_directive(Scan& scan) {
 
 // ---- Entries
 
+// [form]{id} "concept word" (attributes) <language,frequency,priority>; a co-occurrence entry has its texts in the same
+// places, and no attributes. A quote may be escaped; parentheses within an attribute keep their commas.
 void LineScanner::scan_entry(Scan& scan) const {
   scan.blanks();
   if (scan.is_end() || *scan != '[') return;
@@ -420,6 +452,7 @@ void LineScanner::scan_entry(Scan& scan) const {
 
 // ---- Graphs
 
+// label:scope(from:instance.attrs, to:instance.attrs), outside of the blocks that hold no relations.
 void LineScanner::scan_graph(Scan& scan) {
   if (!block_end_.empty()) {
     if (scan.text.starts_with(block_end_)) block_end_.clear();
@@ -464,6 +497,7 @@ void LineScanner::scan_graph(Scan& scan) {
       wanted_begin_ = begin;
     }
   }
+  // From here on the parser's own functions split the line. They write NULs into it, which moves no byte.
   scan.text += '\n';
   char* const buffer = scan.text.data();
   RelationText parts;
@@ -490,6 +524,7 @@ void LineScanner::scan_graph(Scan& scan) {
 
 namespace {
 
+// What the engine itself puts into lists and words.
 constexpr std::array<std::string_view, 12> kBuiltIn = {"SHEAD", "STAIL", "CHEAD", "CTAIL", "SCOPE", "@entry",
                                                        "TEMP",  "NUM",   "ANUM",  "#ORIG", "#COPY", "H#NIL"};
 
@@ -497,7 +532,8 @@ bool is_built_in_name(std::string_view name) {
   return std::ranges::find(kBuiltIn, name) != kBuiltIn.end();
 }
 
-// The part of an attribute that names something, and whether that is a label.
+// The part of an attribute that names something, and whether that is a label: "##N" is a copy's "N", ">agn" a mark of
+// "agn".
 std::string_view core_of(std::string_view name, bool& is_label) {
   is_label = false;
   if (is_built_in_name(name)) return name;
@@ -546,10 +582,12 @@ TokenPart symbol_in(const Token& token, std::string_view line, const Symbol& sym
   if (token.kind == TokenKind::value) {
     bool is_label = false;
     const std::string_view name = core_of(text, is_label);
+    // A value without a sign may be either; with the sign of a mark it is a label.
     const bool fits = symbol.is_renamed() && name == symbol.name && (!is_label || symbol.kind == Symbol::Kind::label);
     return fits ? part(text.size() - name.size(), name.size()) : TokenPart();
   }
   if (symbol_of(token, line) != symbol) return {};
+  // The name is the end of the token: signs stand in front.
   return part(text.size() - symbol.name.size(), symbol.name.size());
 }
 
@@ -575,6 +613,7 @@ std::string name_fault(Symbol::Kind kind, std::string_view name, bool in_graphs,
                                   is_read(TextKind::entries, "[a]{} \"b\" (", ") <E,0,0>;", TokenKind::attribute)
                             : is_read(TextKind::rules, ":\"N::", "\" {} P1;", TokenKind::label) &&
                                   (!in_graphs || is_read(TextKind::graphs, "", "(b, c)", TokenKind::label));
+  // The scanner is more patient than the parsers: what it takes for a name may still end one there.
   constexpr std::string_view kSigns = "^+-[]{}()\";:,.|\\% \t\r\n";
   if (!is_sound || name.find_first_of(is_attribute ? "[]{}()\";:,.|\\%\t\r\n " : kSigns) != std::string_view::npos ||
       std::string_view("^+-").find(name.front()) != std::string_view::npos) {

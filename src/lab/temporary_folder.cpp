@@ -42,7 +42,7 @@ void left_ones_remove(const fs::path& place) {
     if (lock < 0) continue;
     struct stat status {};
     const bool is_left = fstat(lock, &status) == 0 && status.st_uid == geteuid() &&
-                         std::time(nullptr) - status.st_ctim.tv_sec > kSecondsTillLocked;
+                         std::time(nullptr) - status.st_mtim.tv_sec > kSecondsTillLocked;
     std::error_code ignored;
     if (is_left) fs::remove_all(each->path(), ignored);
     close(lock);

@@ -93,6 +93,8 @@ def life(folder):
     client = Client(folder)
     rows = [
         ("nothing before initialize", lambda: client.ask("textDocument/hover"), -32002),
+        ("initialize with a folder that is none", lambda: client.ask("initialize", workspaceFolders=[{}]), -32602),
+        ("nothing behind it either", lambda: client.tell("textDocument/didOpen", textDocument={"uri": "file:///a", "version": 1, "text": ""}), None),
         ("initialize", lambda: client.begin(folder)["capabilities"]["positionEncoding"], "utf-16"),
         ("initialize twice", lambda: client.begin(folder), -32600),
         ("a method that is none", lambda: client.ask("textDocument/none"), -32601),
@@ -133,6 +135,29 @@ def life(folder):
     client.tell("textDocument/didChange", textDocument={"uri": "file:///none", "version": 2}, contentChanges=[{"text": ""}])
     client.tell("$/unknown")
     table.check("still there", client.ask("none"), -32601)
+    table.check("ends", client.end(), 0)
+
+
+def changes(folder):
+    """Changes that come together: each counts in the text that those before it have left."""
+    path = folder / "rules.txt"
+    path.write_text("one P1;\ntwo P1;\nthree P1;\n")
+    client = Client(folder)
+    client.begin(folder)
+    for name, made, wanted in [
+        ("from the end", [(2, 0, 2, 5, "drei"), (0, 0, 0, 3, "eins")], [("eins", 0), ("two", 1), ("drei", 2)]),
+        ("from the begin, with more lines", [(0, 0, 0, 0, "null P1;\n\n"), (2, 0, 2, 3, "eins")], [("null", 0), ("eins", 2), ("two", 3), ("three", 4)]),
+        ("with fewer lines", [(0, 3, 1, 3, ""), (1, 0, 1, 5, "drei")], [("one", 0), ("drei", 1)]),
+        ("ends of lines that become one", [(0, 7, 1, 0, "\r"), (1, 0, 1, 0, "\n")], [("one", 0), ("two", 1), ("three", 2)]),
+        ("the last line", [(3, 0, 3, 0, "four P1;"), (99, 0, 99, 9, "\nfive P1;")], [("one", 0), ("two", 1), ("three", 2), ("four", 3), ("five", 4)]),
+        ("the whole text among them", [(0, 0, 3, 0, ""), "six P1;\n", (0, 0, 0, 3, "\U0001d11e"), (0, 2, 0, 2, "7")], [("\U0001d11e7", 0)]),
+    ]:
+        client.open(path)
+        texts = [{"text": each} if isinstance(each, str) else
+                 {"range": {"start": {"line": each[0], "character": each[1]}, "end": {"line": each[2], "character": each[3]}}, "text": each[4]} for each in made]
+        client.tell("textDocument/didChange", textDocument={"uri": path.as_uri(), "version": 2}, contentChanges=texts)
+        outline = client.ask("textDocument/documentSymbol", textDocument={"uri": path.as_uri()})
+        table.check(f"changes: {name}", [(each["name"], each["location"]["range"]["start"]["line"]) for each in outline], wanted)
     table.check("ends", client.end(), 0)
 
 
@@ -209,6 +234,13 @@ def english(folder):
     table.check("sentences fold", len(folds) >= table.text(graphs).count("[/S]"), True)
     definition = client.ask("textDocument/definition", **place(graphs, "dog(>animal)", 1))
     table.check("definition of a word", {each["uri"] for each in definition}, {entries.as_uri()})
+    # Places come under the name that the editor has for them.
+    (folder / "over").symlink_to(folder)
+    client.tell("textDocument/didClose", textDocument={"uri": graphs.as_uri()})
+    linked = folder / "over" / "input.txt"
+    client.open(linked)
+    found = client.ask("textDocument/references", context={"includeDeclaration": True}, **place(linked, "agn(sleep", 1))
+    table.check("over a link", {each["uri"] for each in found}, {linked.as_uri(), rules.as_uri()})
     table.check("ends in the midst", client.end(), 0)
 
 
@@ -232,7 +264,7 @@ def source(folder):
 
 
 def main():
-    for part in (life, english, source):
+    for part in (life, changes, english, source):
         with table.folder() as name:
             part(table.pathlib.Path(name).resolve())
     table.finish()

@@ -18,9 +18,9 @@ EXAMPLE = ROOT / "examples" / "english"
 
 
 class Page:
-    def __init__(self, work, *words):
+    def __init__(self, work, *words, **places):
         self.process = subprocess.Popen([PROGRAMS / "lexon-lab", "serve", work, *map(str, words)], stdout=subprocess.PIPE,
-                                        stderr=subprocess.PIPE, text=True)
+                                        stderr=subprocess.PIPE, text=True, env=os.environ | places)
         self.address = self.process.stdout.readline().strip()
         parts = urllib.parse.urlsplit(self.address)
         self.port, self.path = parts.port, parts.path
@@ -206,6 +206,37 @@ def endless(page):
         each.close()
 
 
+def ends(base):
+    """What is left of a program that was killed, and what a program that ends waits for."""
+    room = base / "temporary"
+    room.mkdir()
+    pages = [Page(EXAMPLE, TMPDIR=str(room)) for _ in range(2)]
+    for page in pages:
+        page.ask("render", graphs="input.txt", line=1)
+    check("each has a folder for its words and one for its pairs", len(list(room.iterdir())), 4)
+    for each in room.iterdir():
+        os.utime(each, (0, 0))
+    pages[0].process.kill()
+    pages[0].process.communicate()
+    after = Page(EXAMPLE, TMPDIR=str(room))
+    after.ask("render", graphs="input.txt", line=1)
+    check("those of the killed one are gone", len(list(room.iterdir())), 4)
+    check("those of the other one are in use", pages[1].ask("render", graphs="input.txt", line=1)[1]["status"], "done")
+    tools = base / "tools"
+    tools.mkdir()
+    (tools / "dot").write_text(f"#!/bin/sh\necho > {base}/begun\nexec sleep 600\n")
+    (tools / "dot").chmod(0o755)
+    slow = Page(EXAMPLE, TMPDIR=str(room), PATH=f"{tools}:{os.environ['PATH']}")
+    asking = threading.Thread(target=lambda: slow.ask("view", graphs="input.txt", line=1))
+    asking.start()
+    while not (base / "begun").exists() and asking.is_alive():
+        time.sleep(0.05)
+    check("a picture that takes long keeps none from ending", slow.end(), (0, "ended"))
+    asking.join()
+    check("ended", [page.end() for page in (pages[1], after)], [(0, "ended")] * 2)
+    check("nothing is left", list(room.iterdir()), [])
+
+
 with folder() as base:
     base = os.path.realpath(base)
     import pathlib
@@ -243,5 +274,6 @@ with folder() as base:
     files = page.ask("files")[1]
     check("graphs of the folder above", (files["graphs"], files["rules"][0]), (["input.txt", "german/expected.txt"], "german/rules.lxr"))
     check("a termination ends it too", page.end(signal.SIGTERM), (0, "ended"))
+    ends(pathlib.Path(base))
 
 finish()
