@@ -51,7 +51,7 @@ async function stop() {
 }
 
 function restart() {
-  turn = turn.then(stop).then(start);
+  turn = turn.catch(() => {}).then(stop).then(start);
   return turn;
 }
 
@@ -65,4 +65,4 @@ exports.activate = (context) => {
   return restart();
 };
 
-exports.deactivate = () => turn.then(stop);
+exports.deactivate = () => turn.catch(() => {}).then(stop);

@@ -51,6 +51,7 @@ constexpr std::size_t kThreads = 24;      // so that connections that say nothin
 constexpr int kDepthOfRequests = 4;       // of objects and lists within each other
 constexpr time_t kSecondsForRequest = 5;  // to send it, not to answer it
 
+// The command line. What it leaves empty is guessed from the names of the files, see `project_files_of`.
 struct Arguments {
   std::string folder = ".";
   std::string rules;
@@ -67,6 +68,7 @@ struct Arguments {
 
 // ---- What is asked of the project
 
+// Is it a dictionary, and no text? A text has no zero byte.
 bool is_built(const std::string& path) {
   return text_file_read(path).substr(0, 4096).find('\0') != std::string::npos;
 }
@@ -91,6 +93,7 @@ std::string folder_of_page(const ProjectFiles& found, const std::string& named) 
   return folder.string();
 }
 
+// Throws Fault for a part that is missing, and for a file that lies outside of the folder.
 ServeFiles files_of(const Arguments& arguments, const ProjectFiles& found, const Folder& folder) {
   ServeFiles files;
   files.silenced = found.silenced;
@@ -131,6 +134,7 @@ ServeFiles files_of(const Arguments& arguments, const ProjectFiles& found, const
 
 // ---- Who may ask
 
+// 192 bits, as hexadecimal digits.
 std::string secret_word() {
   std::array<unsigned char, 24> bytes{};
   if (getrandom(bytes.data(), bytes.size(), 0) != static_cast<ssize_t>(bytes.size()))
@@ -179,11 +183,13 @@ class Lanes {
   std::list<Lane> lanes_;  // the last used first
 };
 
+// Why a request is not answered.
 struct Refusal {
-  int status;
+  int status;  // of HTTP
   std::string text;
 };
 
+// The server. Its handlers run on threads of the library, several at once.
 class Site {
  public:
   Site(const Arguments& arguments, Folder& folder, ServeFiles files)
@@ -203,13 +209,16 @@ class Site {
   using Request = httplib::Request;
   using Response = httplib::Response;
 
+  // None: the request may be answered.
   [[nodiscard]] std::optional<Refusal> refusal_of(const Request& request) const;
   void get(const Request& request, Response& response) const;
   void post(const Request& request, Response& response);
+  // These answer with a status of 200 unless they set another one. Null: what was asked for is not wanted any longer.
   [[nodiscard]] Json answer(const std::string& name, const Json& asked, int& status);
   [[nodiscard]] Json read(const std::string& path, int& status) const;
   [[nodiscard]] Json save(const Json& asked, int& status);
   [[nodiscard]] Json stamps(const Json& asked) const;
+  // What stands in the address behind the secret word: empty, or from the slash on.
   [[nodiscard]] std::string rest_of(const std::string& path) const { return path.substr(token_.size() + 1); }
 
   Folder& folder_;
@@ -217,7 +226,7 @@ class Site {
   const std::string token_;
   httplib::Server server_;
   Lanes lanes_;
-  std::mutex saving_;
+  std::mutex saving_;  // between the look at what stands on the disk and the new file
   std::atomic<bool> is_ending_{false};
   int port_ = 0;
 };
@@ -240,6 +249,7 @@ int Site::bind(int port) {
     const int yes = 1;
     setsockopt(sock, SOL_SOCKET, SO_REUSEADDR, &yes, sizeof yes);
   });
+  // A request for a connection, and seconds to send it: nobody can keep the threads by saying nothing.
   server_.new_task_queue = [] { return new httplib::ThreadPool(kThreads); };
   server_.set_keep_alive_max_count(1);
   server_.set_read_timeout(kSecondsForRequest);
@@ -248,6 +258,7 @@ int Site::bind(int port) {
   server_.set_default_headers({
       {"Cache-Control", "no-store"},
       {"Content-Security-Policy",
+       // The editor brings styles of its own in the page, and nothing else that is not a file of the server.
        "default-src 'none'; script-src 'self'; style-src 'self' 'unsafe-inline'; img-src 'self' data:; "
        "connect-src 'self'; base-uri 'none'; form-action 'none'; frame-ancestors 'none'"},
       {"Cross-Origin-Opener-Policy", "same-origin"},
@@ -255,6 +266,7 @@ int Site::bind(int port) {
       {"Referrer-Policy", "no-referrer"},
       {"X-Content-Type-Options", "nosniff"},
   });
+  // Before a byte of a request's body is read it is known whether it may be answered.
   server_.set_pre_routing_handler([this](const Request& request, Response& response) {
     const std::optional<Refusal> refusal = refusal_of(request);
     if (refusal) answer_text(response, refusal->status, refusal->text);
@@ -282,6 +294,7 @@ int Site::bind(int port) {
 }
 
 std::optional<Refusal> Site::refusal_of(const Request& request) const {
+  // A name of another site may lead here, with the browser none the wiser: the page would be one of that site.
   const std::string port = ':' + std::to_string(port_);
   const std::string host = request.get_header_value("Host");
   const bool is_mine =
@@ -293,12 +306,14 @@ std::optional<Refusal> Site::refusal_of(const Request& request) const {
   if (!is_same_word(word.substr(0, word.find('/')), token_)) {
     return Refusal{403, "The address lacks its secret word: open the one that lexon-lab serve has printed."};
   }
+  // Browsers say which page asks; other programs need not.
   if (request.has_header("Origin") && request.get_header_value("Origin") != "http://" + host)
     return Refusal{403, "Other pages may not ask."};
   if (request.method == "GET") return std::nullopt;
   if (request.method != "POST") return Refusal{405, "Only GET and POST are understood."};
   const std::string site = request.get_header_value("Sec-Fetch-Site");
   if (!site.empty() && site != "same-origin") return Refusal{403, "Other pages may not ask."};
+  // A form of another page cannot be sent as JSON.
   if (!request.get_header_value("Content-Type").starts_with("application/json"))
     return Refusal{415, "Requests are JSON."};
   // A length that is not known beforehand has no limit, nor has what is packed.
@@ -340,6 +355,7 @@ void Site::post(const Request& request, Response& response) {
 }
 
 Json Site::answer(const std::string& name, const Json& asked, int& status) {
+  // Files are the same for every page; the rest is work that a page gives up by asking anew.
   if (name == "read") return read(asked.at("path"), status);
   if (name == "save") return save(asked, status);
   if (name == "stamps") return stamps(asked);
@@ -408,6 +424,7 @@ Json Site::save(const Json& asked, int& status) {
 
 Json Site::stamps(const Json& asked) const {
   if (asked.at("paths").size() > kMostFiles) throw Fault("too many paths at once");
+  // Of a file that is not there, or cannot be read, the stamp is empty.
   Json stamps = Json::object();
   for (const std::string path : asked.at("paths")) {
     FolderFault fault;
@@ -450,6 +467,7 @@ int run_serve(const Arguments& arguments) {
   std::cout << site.address() << std::endl;
   tell_line("The page sees the folder " + folder.path() +
             " alone. Who has the address can change its files. Ctrl-C ends it.");
+  // The browser comes last: the address has to be answered by then.
   std::thread listening([&site] { site.listen(); });
   std::optional<TemporaryFolder> way;
   if (arguments.opens) browser_show(write_way(way.emplace(), site.address()), "open the address above yourself");

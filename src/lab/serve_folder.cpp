@@ -22,6 +22,7 @@ namespace {
 
 constexpr std::size_t kLongestPath = 1024;
 
+// Of what a text holds: a file that was written anew with the same text has not changed for who edits it.
 std::string stamp_of(std::string_view text) {
   ByteHash hash;
   hash.add(text.data(), text.size());
@@ -34,6 +35,7 @@ std::string stamp_of(std::string_view text) {
 bool names_of(const std::string& relative, std::vector<std::string>& names) {
   if (relative.empty() || relative.size() > kLongestPath || relative.find('\0') != std::string::npos) return false;
   if (relative.find('\\') != std::string::npos) return false;
+  // No name may be empty, which "/" at either end would make it, nor "." or "..": these count as hidden.
   std::string_view rest = relative;
   while (true) {
     const std::size_t slash = rest.find('/');
@@ -56,6 +58,7 @@ struct Descriptor {
   Descriptor& operator=(const Descriptor&) = delete;
 };
 
+// As much as the file had when it was looked at; fewer bytes if it has shrunk since. None: `errno` says why.
 std::optional<std::string> read_whole(int descriptor, const struct stat& status) {
   std::string text;
   text.resize(static_cast<std::size_t>(status.st_size));
@@ -102,6 +105,9 @@ std::string Folder::relative(const std::string& file) const {
   return inside;
 }
 
+// A descriptor of the folder that the file lies in, and the file's `name` there; -1: `fault` says why. It goes down name by
+// name from the descriptor that the project folder was opened with, so that no link leads out of it, not even one that
+// takes a folder's place while this runs.
 int Folder::open_folder_of(const std::string& relative, std::string& name, FolderFault& fault) const {
   std::vector<std::string> names;
   if (!names_of(relative, names)) {
@@ -110,6 +116,7 @@ int Folder::open_folder_of(const std::string& relative, std::string& name, Folde
   }
   int folder = fcntl(descriptor_, F_DUPFD_CLOEXEC, 0);
   for (std::size_t i = 0; folder >= 0 && i + 1 < names.size(); ++i) {
+    // Closing must not hide why the next one could not be opened.
     const int next = openat(folder, names[i].c_str(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC);
     const int why = errno;
     close(folder);
@@ -131,6 +138,7 @@ std::optional<FolderText> Folder::read(const std::string& relative, FolderFault&
   std::string name;
   const Descriptor folder(open_folder_of(relative, name, fault));
   if (folder.number < 0) return std::nullopt;
+  // A pipe that nobody writes to would keep the request waiting.
   const Descriptor file(openat(folder.number, name.c_str(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY | O_CLOEXEC));
   struct stat status {};
   if (file.number < 0 || fstat(file.number, &status) != 0) {
@@ -166,6 +174,7 @@ std::optional<std::string> Folder::save(const std::string& relative, std::string
   if (folder.number < 0) return std::nullopt;
   const std::optional<FolderText> now = read(relative, fault);
   if (!now && !fault.is_missing) return std::nullopt;
+  // An empty stamp stands for no file, so that one that has come meanwhile is not overwritten either.
   if ((now ? now->stamp : std::string()) != stamp) {
     is_changed = true;
     fault.text = relative + (now ? ": has changed on the disk since it was read here"
@@ -185,6 +194,7 @@ std::optional<std::string> Folder::save(const std::string& relative, std::string
   errno = 0;
   if (draft.open_beside(target)) {
     std::fwrite(text.data(), 1, text.size(), draft.stream());
+    // The mode comes first: nobody may read the new file who could not read the old one.
     const bool keeps_mode = !has_mode || fchmod(fileno(draft.stream()), status.st_mode & 07777) == 0;
     // Where the owner cannot be kept, it is that of who saves.
     if (has_mode) static_cast<void>(!fchown(fileno(draft.stream()), status.st_uid, status.st_gid));

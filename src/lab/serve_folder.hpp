@@ -53,7 +53,7 @@ class Folder {
   [[nodiscard]] int open_folder_of(const std::string& relative, std::string& name, FolderFault& fault) const;
 
   std::string path_;
-  int descriptor_ = -1;
+  int descriptor_ = -1;  // of the folder: it stays the same one if it is moved
 };
 
 // Does the path lead down from the folder and nowhere else, by names that are not hidden?

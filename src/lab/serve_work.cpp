@@ -31,6 +31,7 @@ constexpr std::chrono::milliseconds kWaitingTurn{20};
 constexpr double kMomentSeconds = 0.3;
 // Steps of a sentence that a page steps through.
 constexpr std::size_t kStepsShown = 2000;
+// Grammars that are kept: a change that is taken back finds the one before.
 constexpr std::size_t kMostLoaded = 3;
 
 double seconds_since(Clock::time_point begin) {
@@ -53,9 +54,9 @@ const char* level_name(Level level) {
   }
 }
 
-// One sentence of a graph file, and its lines there.
+// One sentence of a graph file, and its lines there. What stands between two sentences belongs to the one behind it.
 struct Part {
-  std::string_view text;
+  std::string_view text;   // into the file's text
   std::int64_t first = 1;  // from 1
   std::int64_t last = 1;
   std::int64_t number = 0;  // in its file, from 1
@@ -94,6 +95,7 @@ std::int64_t head_line(const Part& part) {
   return part.first + std::count(part.text.begin(), part.text.begin() + static_cast<std::ptrdiff_t>(at), '\n');
 }
 
+// A sentence of which nothing is expected was expected to fail.
 bool is_as_expected(const Rendered& rendered, const Expected& expected) {
   if (!rendered.is_done()) return expected.texts.empty();
   return std::ranges::find(expected.texts, rendered.sentence.text) != expected.texts.end();
@@ -109,7 +111,8 @@ bool take_turn(std::unique_lock<std::timed_mutex>& turn, const Wanted& wanted) {
 
 }  // namespace
 
-// The texts as one request sees them. What is not among them is read below the folder, or refused.
+// The texts as one request sees them: those that the page has not saved, and the files as they were when the request came.
+// What is not among them is read below the folder, or refused. For one thread.
 class Workplace::Texts {
  public:
   Texts(const Workplace& place, Overlay overlay) : place_(place), overlay_(std::move(overlay)) {}
@@ -124,6 +127,7 @@ class Workplace::Texts {
       overlay_.put(path, std::move(read->text));
       return overlay_.find(path);
     }
+    // What is refused counts as empty: a rule file that includes it gets a message, and the rest of it is read.
     if (!why.is_missing) {
       faults_.push_back(why.text);
       overlay_.put(path, {});
@@ -132,6 +136,7 @@ class Workplace::Texts {
     return nullptr;
   }
 
+  // Throws Fault if there is none, or if something has been refused.
   [[nodiscard]] std::shared_ptr<const std::string> demand(const std::string& path) {
     auto text = find(path);
     if (text == nullptr) throw Fault(place_.shown_path(path) + ": is not there");
@@ -139,7 +144,7 @@ class Workplace::Texts {
     return text;
   }
 
-  // Remembers what was asked for.
+  // For who reads includes; valid as long as this is. Remembers what was asked for.
   [[nodiscard]] TextLookup lookup() {
     return [this](const std::string& path) -> const std::string* {
       const auto text = find(path);
@@ -160,13 +165,13 @@ class Workplace::Texts {
   Asked asked_;
 };
 
-// A grammar and what it was made from.
+// A grammar and what it was made from. Read-only once it is loaded: requests share it.
 struct Workplace::Loaded {
   GrammarFiles files;
-  Grammar grammar;
-  Texts::Asked made_from;
-  Json notes = Json::array();
-  double seconds = 0;
+  Grammar grammar;             // none if it cannot be used; `notes` then say why
+  Texts::Asked made_from;      // all texts; if they are the same, so is the grammar
+  Json notes = Json::array();  // messages of its reading, as the page shows them
+  double seconds = 0;          // that it took
 };
 
 Workplace::Workplace(const Folder& folder, ServeFiles files, RenderOptions limits)
@@ -193,6 +198,7 @@ std::string Workplace::shown_text(std::string text) const {
   return text;
 }
 
+// A message as the page shows it. Those of a sentence count its own lines, `lines_before` of its file are in front of them.
 Workplace::Json Workplace::note(const Message& message, std::int64_t lines_before) const {
   return {{"file", shown_path(message.file)},
           {"line", message.line == 0 ? 0 : message.line + lines_before},
@@ -208,9 +214,11 @@ Workplace::Texts Workplace::texts_of(const Unsaved& unsaved) {
   names.insert(names.end(), files_.entries.begin(), files_.entries.end());
   names.push_back(files_.cooccurrence);
   names.push_back(files_.gold);
+  // Files are read on each request: what others have saved counts from the next one on.
   const std::lock_guard lock(texts_);
   names.insert(names.end(), included_.begin(), included_.end());
   for (const auto& [name, text] : unsaved) names.push_back(name);
+  // What no longer belongs to the project goes, or what a page has closed without saving it would stay in force.
   for (const std::string& path : held_) {
     const bool is_asked = std::ranges::find(names, shown_path(path)) != names.end();
     if (!is_asked) known_.drop(path);
@@ -235,7 +243,9 @@ Workplace::Texts Workplace::texts_of(const Unsaved& unsaved) {
   return {*this, known_};
 }
 
+// Null: it was not wanted any longer.
 Workplace::LoadedPointer Workplace::load(Texts& texts, const Wanted& wanted) {
+  // One at a time: the next request most often wants the same grammar.
   std::unique_lock turn(loading_, std::defer_lock);
   if (!take_turn(turn, wanted)) return nullptr;
   const auto is_same = [&texts](const LoadedPointer& loaded) {
@@ -251,6 +261,7 @@ Workplace::LoadedPointer Workplace::load(Texts& texts, const Wanted& wanted) {
   }
   loaded_.push_front(load_anew(texts));
   if (loaded_.size() > kMostLoaded) loaded_.pop_back();
+  // The next request reads what this one has found to be included.
   const std::lock_guard lock(texts_);
   included_.clear();
   for (const auto& [path, text] : loaded_.front()->made_from) included_.push_back(shown_path(path));
@@ -261,6 +272,7 @@ std::shared_ptr<Workplace::Loaded> Workplace::load_anew(Texts& texts) {
   const Clock::time_point begin = Clock::now();
   const auto loaded = std::make_shared<Loaded>();
   const TextLookup lookup = texts.lookup();
+  // The path of a dictionary of entry texts, which belong to what the grammar is made from.
   const auto built = [&](BuiltWords& words, const std::vector<std::string>& names) {
     std::vector<std::string> paths;
     for (const std::string& name : names) {
@@ -379,6 +391,7 @@ Workplace::Json Workplace::view(const Unsaved& unsaved, const std::string& graph
 }
 
 Workplace::Json Workplace::check(const Unsaved& unsaved, const Wanted& wanted) {
+  // One at a time, since they share what is kept of entries.
   std::unique_lock turn(checking_, std::defer_lock);
   if (!take_turn(turn, wanted)) return nullptr;
   Texts texts = texts_of(unsaved);
@@ -397,6 +410,7 @@ Workplace::Json Workplace::check(const Unsaved& unsaved, const Wanted& wanted) {
                         {"text", shown_text(text)},
                         {"fix", shown_text(remedy)}});
   };
+  // A source is expanded here, since what is wrong with it is told in its own lines, and its rules in those of its files.
   Expansion expansion;
   if (files_.rules.ends_with(kSourceExtension)) expansion = expand_source(rules, texts.lookup());
   if (expansion.is_source) {

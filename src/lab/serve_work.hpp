@@ -87,6 +87,7 @@ class Workplace {
   const ServeFiles files_;
   const RenderOptions limits_;
 
+  // Texts, grammars and checks each have a lock of their own: a key in a text need not wait for a check.
   std::mutex texts_;
   Overlay known_;                      // as they were last seen
   std::vector<std::string> held_;      // the paths of `known_`

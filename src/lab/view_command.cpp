@@ -46,6 +46,7 @@ struct Arguments {
   bool open = false;
 };
 
+// As text between tags. Control characters, which HTML has none of, become blanks.
 std::string html_text(std::string_view text) {
   std::string safe;
   for (const char c : text) {
@@ -59,6 +60,7 @@ std::string html_text(std::string_view text) {
   return safe;
 }
 
+// The file in the making, which takes its name when it is whole; or standard output.
 class Page {
  public:
   explicit Page(const std::string& path) : path_(path) {
@@ -80,6 +82,7 @@ class Page {
   std::FILE* stream_ = nullptr;
 };
 
+// The page may run its own two scripts and fetch nothing: whatever texts of graphs and rules hold, they stay texts.
 void write_head(Page& page, const std::string& title) {
   const auto hash = [](std::string_view text) { return " 'sha256-" + std::string(text) + "'"; };
   page.write("<!doctype html>\n<html lang=\"en\">\n<head>\n<meta charset=\"utf-8\">\n");
@@ -92,6 +95,7 @@ void write_head(Page& page, const std::string& title) {
   page.write("</style>\n</head>\n<body>\n<div id=\"page\"></div>\n");
 }
 
+// The index of the sentences, their texts for who has no scripts, and the scripts, which come last since they read it all.
 void write_tail(Page& page, const json& index) {
   page.write_script("index", index);
   page.write("<noscript>\n<p>The steps are shown by a script, which this browser does not run.</p>\n<ul>\n");
@@ -107,7 +111,7 @@ void write_tail(Page& page, const json& index) {
   page.write("</script>\n</body>\n</html>\n");
 }
 
-// What is written, sentence by sentence.
+// What is written, batch by batch: to start Graphviz takes longer than to lay most graphs out.
 class Writer {
  public:
   Writer(Page& page, json& index) : page_(page), index_(index) {}

@@ -14,7 +14,7 @@ namespace lab {
 
 namespace {
 
-constexpr std::size_t kMostNamed = 20;
+constexpr std::size_t kMostNamed = 20;  // of relations and debts of a sentence that failed
 
 // Valid UTF-8: a byte that begins no character becomes "\xE9".
 void make_valid(std::string& text) {
@@ -44,6 +44,7 @@ void make_valid(nlohmann::json& data) {
   for (nlohmann::json& each : data) make_valid(each);
 }
 
+// The five of these that took back the most steps, each as a line; `name` gives a key's text.
 template <typename Map, typename Name>
 std::vector<std::string> most_taken_back(const Map& map, Name name) {
   std::vector<std::pair<std::string, Derivation::TakenBack>> most;
@@ -61,12 +62,14 @@ std::vector<std::string> most_taken_back(const Map& map, Name name) {
   return lines;
 }
 
+// Some of the lines, and how many more there are.
 std::vector<std::string> first_ones(const std::vector<std::string>& lines) {
   std::vector<std::string> some(lines.begin(), lines.begin() + std::min<std::ptrdiff_t>(std::ssize(lines), kMostNamed));
   if (lines.size() > some.size()) some.push_back("and " + std::to_string(lines.size() - some.size()) + " more");
   return some;
 }
 
+// Why the sentence came to nothing, see `trouble` in view.hpp.
 nlohmann::json trouble_data(const Project& project, const Derivation& derivation) {
   const Deepest& deepest = derivation.deepest();
   return {{"steps", deepest.steps},
@@ -90,8 +93,8 @@ std::string trimmed(std::string text) {
 struct Viewer::Inner {
   const Project& project;
   Bench& bench;
-  ViewRecord record;
-  Derivation derivation;
+  ViewRecord record;      // all that happens
+  Derivation derivation;  // what of it explains a failure
 };
 
 Viewer::Viewer(const Project& project, Bench& bench, std::size_t steps_kept)
@@ -113,6 +116,7 @@ void Viewer::keep(std::size_t steps) {
 std::vector<nlohmann::json> Viewer::data(const GraphText& graph, const RenderOptions& limits) {
   inner_->record.clear();
   const std::vector<Rendered> results = inner_->bench.render(graph.text, limits);
+  // A sentence that was refused before its search began is in the results alone.
   std::vector<nlohmann::json> sentences = std::move(inner_->record.sentences());
   sentences.resize(results.size());
   for (std::size_t at = 0; at < results.size(); ++at) {
@@ -130,6 +134,7 @@ std::vector<nlohmann::json> Viewer::data(const GraphText& graph, const RenderOpt
     data["messages"] = nlohmann::json::array();
     for (const Message& message : sentence.messages) data["messages"].push_back(to_string(message));
     if (data.contains("graph")) data["graph"]["source"] = graph.text;
+    // The derivation knows of the last sentence only.
     const bool has_search = data.contains("steps") && at + 1 == results.size();
     data["trouble"] = results[at].is_done() || !has_search ? nlohmann::json(nullptr)
                                                            : trouble_data(inner_->project, inner_->derivation);

@@ -29,8 +29,9 @@ namespace {
 using nlohmann::json;
 
 constexpr double kPointsPerInch = 72;
-constexpr double kCharacterWidth = 7.2;  // points, of the page's type
-constexpr std::size_t kLongestName = 40;
+// As web/view/view.js and view.css have them, so that texts fit into their boxes.
+constexpr double kCharacterWidth = 7.2;   // points, of the page's type
+constexpr std::size_t kLongestName = 40;  // characters; the page cuts what is longer
 constexpr std::size_t kLongestAttrs = 34;
 // Without a graph from Graphviz. It writes each as soon as it is laid out.
 constexpr std::chrono::seconds kLongestWait{10};
@@ -39,6 +40,7 @@ constexpr char kNotInstalled[] =
     "Graphviz (the program dot) is not installed, so the graph is drawn without it, plainly; with it the picture is "
     "clearer";
 
+// In characters: of the name with its instance, or of the attributes below it.
 std::size_t width_of(const json& node) {
   std::size_t attrs = 0;
   for (const json& block : node["attrs"]) attrs += utf8_count(block[1].get_ref<const std::string&>()) + 1;
@@ -55,6 +57,8 @@ std::map<int, int> scopes_of_nodes(const json& graph) {
   return scopes;
 }
 
+// The graph as Graphviz reads it: nodes n0, n1, ... of fixed size, a cluster for each scope but the whole, relations with
+// a label as long as theirs. Lengths are in inches.
 std::string dot_text(const json& graph) {
   std::ostringstream text;
   text << "digraph { graph [rankdir=TB, nodesep=0.35, ranksep=0.45]; node [shape=box, fixedsize=true, label=\"\"]; "
@@ -64,7 +68,7 @@ std::string dot_text(const json& graph) {
     const double width = (static_cast<double>(width_of(nodes[at])) * kCharacterWidth + 16) / kPointsPerInch;
     text << 'n' << at << " [width=" << width << ", height=" << (nodes[at]["attrs"].empty() ? 0.4 : 0.58) << "];\n";
   }
-  std::map<int, std::set<int>> boxes;
+  std::map<int, std::set<int>> boxes;  // by scope, its nodes
   for (const auto& [node, scope] : scopes_of_nodes(graph)) {
     if (scope != 0) boxes[scope].insert(node);
   }
@@ -143,6 +147,7 @@ DotRun dot_run(const std::string& text, const std::function<bool()>& wanted) {
   return run;
 }
 
+// The numbers of "1,2 3,4", with or without what names the ends of a curve.
 std::vector<double> numbers_of(std::string text) {
   // "e,x,y" and "s,x,y" name the ends of a curve; in a large number an "e" stands before its exponent.
   for (std::size_t at = 0; at < text.size(); ++at) {
@@ -156,6 +161,7 @@ std::vector<double> numbers_of(std::string text) {
   return numbers;
 }
 
+// To a tenth of a point, which is more than a screen shows.
 double rounded(double number) {
   return static_cast<double>(static_cast<std::int64_t>(number * 10 + (number < 0 ? -0.5 : 0.5))) / 10;
 }
@@ -168,6 +174,7 @@ std::string coordinates(double x, double y) {
 }
 
 // "e,x,y" for the tip of an arrow, then a start and three points for each piece of a Bezier curve.
+// Graphviz counts from below, a page from above. Null: it has drawn no curve.
 json curve_of(const json& edge, double height) {
   const std::string& text = edge.at("pos").get_ref<const std::string&>();
   std::vector<double> at = numbers_of(text);
@@ -176,6 +183,7 @@ json curve_of(const json& edge, double height) {
   std::string path = "M" + coordinates(at[first], height - at[first + 1]) + " C";
   for (std::size_t i = first + 2; i + 1 < at.size(); i += 2) path += ' ' + coordinates(at[i], height - at[i + 1]);
   json curve = {{"path", path}};
+  // The arrow goes from the end of the curve to the tip.
   const std::size_t last = at.size() - 2;
   if (first == 2)
     curve["tip"] = {rounded(at[last]), rounded(height - at[last + 1]), rounded(at[0]), rounded(height - at[1])};
@@ -187,6 +195,7 @@ json curve_of(const json& edge, double height) {
   return curve;
 }
 
+// The `layout` of view.hpp. Null, or an exception of the library, if the answer has not the form that is known.
 json layout_of(const json& graph, const json& laid_out) {
   const std::vector<double> box = numbers_of(laid_out.at("bb"));
   if (box.size() != 4) return nullptr;
@@ -207,6 +216,7 @@ json layout_of(const json& graph, const json& laid_out) {
                                   {"height", rounded(at[3] - at[1])}});
       continue;
     }
+    // Places in points, but sizes in inches.
     const std::vector<double> at = numbers_of(object.at("pos"));
     const double width = std::stod(object.at("width").get<std::string>()) * kPointsPerInch;
     const double tall = std::stod(object.at("height").get<std::string>()) * kPointsPerInch;

@@ -13,18 +13,19 @@ namespace lab {
 
 namespace {
 
-// Of a longer list the nodes around the window.
-constexpr std::ptrdiff_t kMostAround = 100;
-constexpr int kMostNodes = 4096;
-constexpr std::size_t kMostStanding = 100000;
-constexpr int kMostCopies = 64;
-constexpr std::size_t kMostFitted = 300;
-constexpr int kMostFinal = 2048;
+// Rules can make lists, copies and searches of any size; a page needs an end.
+constexpr std::ptrdiff_t kMostAround = 100;    // nodes of a list to each side of the window
+constexpr int kMostNodes = 4096;               // that are walked over in one direction
+constexpr std::size_t kMostStanding = 100000;  // steps that can be told to be taken back
+constexpr int kMostCopies = 64;                // of copies, back to the node of the graph
+constexpr std::size_t kMostFitted = 300;       // more than scopes can lie within each other
+constexpr int kMostFinal = 2048;               // words of the sentence
 
 std::string_view text_of(const char* text) {
   return text == nullptr ? std::string_view() : std::string_view(text);
 }
 
+// Is it one of the attributes, which have commas between them?
 bool has_attr(std::string_view attrs, std::string_view wanted) {
   while (!attrs.empty()) {
     const std::size_t length = std::min(attrs.find(','), attrs.size());
@@ -51,7 +52,8 @@ bool is_same_word(const WordEntry& a, const WordEntry& b) {
          std::memcmp(a.frequency, b.frequency, sizeof a.frequency) == 0 && a.priority == b.priority;
 }
 
-// The entry that the word comes from, whatever rules have made of it since.
+// The entry that the word comes from, whatever rules have made of it since: of those that agree in what no rule changes,
+// the one with the same form, or else the most of its attributes. Null: none agrees.
 const WordEntry* entry_behind(const WordEntry* entries, const WordEntry& word) {
   const WordEntry* best = nullptr;
   int best_likeness = -1;
@@ -67,6 +69,7 @@ const WordEntry* entry_behind(const WordEntry* entries, const WordEntry& word) {
   return best;
 }
 
+// What the node was copied from in the first place: a node of the graph, or one that a rule has brought in.
 const Node& first_of(const Node& node) {
   const Node* first = &node;
   for (int steps = 0; first->source != nullptr && steps < kMostCopies; ++steps) first = first->source;
@@ -77,6 +80,7 @@ const Node& first_of(const Node& node) {
 
 // ---- The graph.
 
+// The number of a node of the graph, which is noted when it is first met: nodes that no relation has come late.
 std::int32_t ViewRecord::graph_node(const Node& node) {
   const auto [place, is_new] = graph_nodes_.try_emplace(&node, static_cast<std::int32_t>(graph_nodes_.size()));
   if (!is_new) return place->second;
@@ -94,6 +98,7 @@ std::int32_t ViewRecord::graph_node(const Node& node) {
   return place->second;
 }
 
+// The graph as it was read, in the order of its lines. Whether a relation was followed is known at the end.
 void ViewRecord::graph_read(const Session& session) {
   graph_ = {{"nodes", nlohmann::json::array()},
             {"relations", nlohmann::json::array()},
@@ -123,6 +128,8 @@ void ViewRecord::graph_read(const Session& session) {
   }
 }
 
+// Which relations have been followed by now, as a number of `used_`. When the search was left early what is in memory may
+// be half done, so nothing is read.
 std::int32_t ViewRecord::used_now(const Session& session) {
   std::string used;
   if (must_leave(session) == core::Status::ok || is_post_edit_) {
@@ -133,6 +140,7 @@ std::int32_t ViewRecord::used_now(const Session& session) {
 
 // ---- Lists.
 
+// The number of a place of lists. Places are told apart by their node in memory.
 std::int32_t ViewRecord::place_of(const Node& node) {
   const auto known = places_by_node_.find(&node);
   // A place that was given back can come again as another one.
@@ -143,6 +151,7 @@ std::int32_t ViewRecord::place_of(const Node& node) {
   }
   Place place;
   place.source = node.source;
+  // A copy has no name of its own.
   int steps = 0;
   for (const Node* each = &node; each != nullptr && place.name.empty() && ++steps < kMostCopies; each = each->source)
     place.name = text_of(each->name);
@@ -162,6 +171,8 @@ std::int32_t ViewRecord::place_of(const Node& node) {
   return number;
 }
 
+// Notes the words of a node that a rule brings in, before its actions change them: they come from no entry of the
+// dictionary, and are shown in the place of one.
 void ViewRecord::literal_note(const Node& node) {
   const std::int32_t number = place_of(node);
   Place& place = places_[static_cast<std::size_t>(number)];
@@ -171,6 +182,7 @@ void ViewRecord::literal_note(const Node& node) {
                                 entries_.number_of({entry_line(word), std::string(text_of(word.attrs))}));
 }
 
+// The number of the entry behind the node's word; -1: it has none.
 std::int32_t ViewRecord::entry_of(const Node& node, const Place& place) {
   if (node.candidates == nullptr || is_boundary(node)) return -1;
   const Node& first = first_of(node);
@@ -183,6 +195,7 @@ std::int32_t ViewRecord::entry_of(const Node& node, const Place& place) {
   return place.literals.empty() ? -1 : place.literals.front().second;
 }
 
+// The number of the node's state now; with a candidate, as it was before that one touched it.
 std::int32_t ViewRecord::state_of(const Node& node, const RuleCandidate* candidate) {
   State state;
   state.place = place_of(node);
@@ -202,6 +215,8 @@ std::int32_t ViewRecord::state_of(const Node& node, const RuleCandidate* candida
   return number;
 }
 
+// The list around the window. With a candidate its words are as they were before that one touched them, and without what
+// it has `inserted`.
 ViewRecord::Shown ViewRecord::list_of(const Session& session, const Window& window, const RuleCandidate* candidate,
                                       const Node* inserted) {
   // The walk begins at a place that stands in the list: what a rule brings in may not yet.
@@ -209,7 +224,7 @@ ViewRecord::Shown ViewRecord::list_of(const Session& session, const Window& wind
   const Node* middle = begins_right ? window.rnode : window.lnode;
   if (middle == nullptr || must_leave(session) != core::Status::ok) return {};
   std::vector<const Node*> nodes;
-  std::int32_t left_out[2] = {0, 0};
+  std::int32_t left_out[2] = {0, 0};  // nodes at either end that are too far away
   // A rule base can close a list to a circle.
   int steps = 0;
   for (const Node* node = middle->left; node != nullptr && ++steps < kMostNodes; node = node->left) {
@@ -220,7 +235,7 @@ ViewRecord::Shown ViewRecord::list_of(const Session& session, const Window& wind
     }
   }
   std::reverse(nodes.begin(), nodes.end());
-  const std::size_t to_the_left = nodes.size();
+  const std::size_t to_the_left = nodes.size();  // where the middle comes to stand
   steps = 0;
   for (const Node* node = middle; node != nullptr && ++steps < kMostNodes; node = node->right) {
     if (steps <= kMostAround) {
@@ -234,6 +249,7 @@ ViewRecord::Shown ViewRecord::list_of(const Session& session, const Window& wind
   if (left_out[0] > 0) list.push_back(-left_out[0]);
   for (std::size_t at = 0; at < nodes.size(); ++at) {
     if (nodes[at] == inserted) continue;
+    // The window's left place is the one in front of the middle if that is its right one.
     if (at == to_the_left) shown.at = static_cast<std::int32_t>(list.size()) - (begins_right ? 1 : 0);
     list.push_back(state_of(*nodes[at], candidate));
   }
@@ -243,6 +259,7 @@ ViewRecord::Shown ViewRecord::list_of(const Session& session, const Window& wind
 }
 
 // The words of the sentence, as they are joined to its text: scopes in the places of their references.
+// `entry`: any node of the list; `depth`: of scopes, which bad rules can lay within themselves.
 void ViewRecord::final_walk(const Session& session, const Node* entry, int depth, std::vector<std::int32_t>& list) {
   if (entry == nullptr || depth > kMaxScopes) return;
   int steps = 0;
@@ -294,12 +311,14 @@ ViewRecord::Step ViewRecord::step_of(const Session& session, Kind kind, const Ru
       .kind = kind, .is_post_edit = is_post_edit_, .rule = rule, .scope = std::int32_t{current_scope(session).number}};
 }
 
+// A half more than is kept may gather, so that forgetting is rare.
 void ViewRecord::append(Step&& step) {
   step.number = ++last_number_;
   steps_.push_back(std::move(step));
   if (steps_.size() > kept_ + kept_ / 2) forget_some();
 }
 
+// A step that stands till it is taken back.
 void ViewRecord::stand(const RuleCandidate& candidate, Step&& step) {
   has_reason_ = false;
   // Carried out again, with another word or another solution of its scope, it takes the place of what it was before.
@@ -313,6 +332,7 @@ void ViewRecord::stand(const RuleCandidate& candidate, Step&& step) {
   standing_at_[&candidate] = standing_.size();
   standing_.push_back({&candidate, last_number_});
   if (standing_.size() <= kMostStanding) return;
+  // The oldest are given up: if they are taken back after all, the page shows them as standing.
   standing_.erase(standing_.begin(), standing_.begin() + kMostStanding / 2);
   standing_at_.clear();
   for (std::size_t at = 0; at < standing_.size(); ++at) standing_at_[standing_[at].candidate] = at;
@@ -337,12 +357,14 @@ std::size_t ViewRecord::standing_at(const RuleCandidate& candidate) const {
   return found == standing_at_.end() ? standing_.size() : found->second;
 }
 
+// This step and all that followed on it. Their sizes are known now: they reach to the last number.
 void ViewRecord::take_back_from(std::size_t place) {
   for (; standing_.size() > place; standing_.pop_back()) {
     const auto newest = standing_at_.find(standing_.back().candidate);
     if (newest != standing_at_.end() && newest->second + 1 == standing_.size()) standing_at_.erase(newest);
     const std::int64_t number = standing_.back().number;
     const auto step = step_at(number);
+    // It was forgotten meanwhile.
     if (step == steps_.end()) continue;
     step->is_undone = true;
     step->size = last_number_ - number + 1;
@@ -370,6 +392,7 @@ void ViewRecord::forget_some() {
   Table<State> states;
   std::vector<std::int32_t> entries;
   Table<std::vector<std::int32_t>> lists;
+  // Takes over what a step shows, and gives it the numbers of the new tables.
   const auto move = [&](Shown& shown) {
     if (shown.list == -1) return;
     std::vector<std::int32_t> list = lists_.at(shown.list);
@@ -405,6 +428,7 @@ void ViewRecord::tried(Session& session, const RuleCandidate& candidate, const W
                        Fit fit) {
   const Rule& rule = *candidate.rule;
   const bool is_test = is_word_test_type(rule.type);
+  // A word test that refuses asks for a step back, which comes next as `undone`.
   if (fit == Fit::refused && is_test) {
     Step step = step_of(session, Kind::asked, &rule);
     step.before = list_of(session, before);
@@ -413,6 +437,7 @@ void ViewRecord::tried(Session& session, const RuleCandidate& candidate, const W
     has_reason_ = true;
   }
   if (fit != Fit::yes) return;
+  // One that fits has narrowed the words at once; other rules are carried out later, with scopes in between.
   if (is_test) {
     Step step = step_of(session, Kind::narrowed, &rule);
     step.before = list_of(session, before, &candidate);
@@ -438,6 +463,7 @@ void ViewRecord::applied(Session& session, const RuleCandidate& candidate, const
   const auto same = [&candidate](const Fitted& each) { return each.candidate == &candidate; };
   if (const auto found = std::find_if(fitted_.rbegin(), fitted_.rend(), same); found != fitted_.rend()) {
     step.before = found->before;
+    // Those behind it belong to scopes that it has entered, and are done.
     fitted_.erase(std::next(found).base(), fitted_.end());
   }
   step.after = list_of(session, after);
@@ -448,6 +474,7 @@ void ViewRecord::applied(Session& session, const RuleCandidate& candidate, const
 void ViewRecord::undone(Session& session, const RuleCandidate& candidate) {
   const std::size_t place = standing_at(candidate);
   if (place == standing_.size()) return;  // its scope failed before it was carried out
+  // Nothing has said why: at the window that was offered last no rule was left.
   if (!has_reason_) {
     Step step = step_of(session, Kind::dead_end, nullptr);
     step.before = last_offered_;
@@ -460,6 +487,7 @@ void ViewRecord::undone(Session& session, const RuleCandidate& candidate) {
 
 // ---- The whole.
 
+// The line of a rule as it stands in its file, which is read once; empty if it cannot be had.
 std::string ViewRecord::source_line(const RulePlace& place) {
   const auto [known, is_new] = source_lines_.try_emplace(place.file);
   std::vector<std::string>& lines = known->second;
@@ -472,6 +500,7 @@ std::string ViewRecord::source_line(const RulePlace& place) {
   return place.line == 0 || place.line > lines.size() ? std::string() : lines[place.line - 1];
 }
 
+// Kept from sentence to sentence: a rule says the same each time.
 const nlohmann::json& ViewRecord::rule_data(const Rule& rule) {
   nlohmann::json& data = rule_data_[&rule];
   if (!data.is_null()) return data;
@@ -481,6 +510,7 @@ const nlohmann::json& ViewRecord::rule_data(const Rule& rule) {
   return data;
 }
 
+// The data of the sentence, see view.hpp. Of the rules only those of its steps are in it.
 nlohmann::json ViewRecord::result(const Session& session) {
   nlohmann::json data;
   for (std::size_t at = 0; at < relations_.size(); ++at) graph_["relations"][at]["used"] = relations_[at]->used != 0;
@@ -497,6 +527,7 @@ nlohmann::json ViewRecord::result(const Session& session) {
       rule = static_cast<std::int64_t>(known->second);
     }
     const int kind = static_cast<int>(step.kind) + (step.is_post_edit ? 8 : 0) + (step.is_undone ? 16 : 0);
+    // What stands reaches to the end of the search.
     const std::int64_t size = step.size != 0 ? step.size : last_number_ - step.number + 1;
     rows.push_back({step.number, size, kind, rule, step.scope, step.before.list, step.before.at, step.after.list,
                     step.after.at, step.used});
