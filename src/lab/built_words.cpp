@@ -19,8 +19,10 @@ std::string BuiltWords::dictionary_of(const std::vector<std::string>& files, con
   if (files.empty()) return {};
   std::vector<TextMark> marks;
   for (const std::string& file : files) marks.push_back(text_mark(file, unsaved));
+  // Neither files nor unsaved texts have changed.
   if (files == files_ && marks == marks_) return path_;
   std::string all;
+  // The texts one behind the other, each of which ends its last line.
   for (const std::string& file : files) {
     const std::string text = text_file_read(file, unsaved);
     constexpr std::size_t kHead = 4096;

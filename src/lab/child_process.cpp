@@ -21,6 +21,7 @@ namespace lab {
 pid_t process_start(const std::vector<std::string>& words, int input, int output) {
   posix_spawn_file_actions_t files;
   posix_spawn_file_actions_init(&files);
+  // Makes the descriptor `own`, or nothing at all, the program's descriptor `its`.
   const auto give = [&files](int own, int its, int mode) {
     if (own >= 0)
       posix_spawn_file_actions_adddup2(&files, own, its);
@@ -36,6 +37,7 @@ pid_t process_start(const std::vector<std::string>& words, int input, int output
   sigemptyset(&none);
   posix_spawnattr_setsigmask(&attributes, &none);
   posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETSIGMASK);
+  // The words are not written to, for all that the type says.
   std::vector<char*> arguments;
   for (const std::string& word : words) arguments.push_back(const_cast<char*>(word.c_str()));
   arguments.push_back(nullptr);

@@ -21,6 +21,7 @@ struct Step {
   std::int64_t units;  // of UTF-16
 };
 
+// A carriage return alone ends a line too, as the protocol has it.
 bool has_end(std::string_view line) {
   return line.ends_with('\n') || line.ends_with('\r');
 }
@@ -88,6 +89,7 @@ std::string_view LinedText::line(std::size_t number) const {
 }
 
 std::size_t LinedText::line_of(std::size_t offset) const {
+  // The first line starts at 0, so that there is one before.
   const auto behind = std::ranges::upper_bound(starts_, offset);
   return static_cast<std::size_t>(behind - starts_.begin()) - 1;
 }
@@ -115,6 +117,7 @@ TextEdit::TextEdit(const LinedText& text) {
   }
 }
 
+// Behind the last line: the end of the text.
 TextEdit::Spot TextEdit::spot_of(const TextPosition& position) const {
   if (position.line < 0) return {0, 0};
   const auto line = static_cast<std::size_t>(position.line);
@@ -131,6 +134,7 @@ void TextEdit::replace(const TextPosition& begin, const TextPosition& end, std::
     --from.line;
     from.byte = lines_[from.line].size();
   }
+  // What stays of the first line, what is new, what stays of the last one, and then in lines again.
   std::string& text = written_.emplace_back(lines_[from.line].substr(0, from.byte));
   text.append(by).append(lines_[to.line].substr(to.byte));
   std::vector<std::string_view> now;
@@ -139,6 +143,7 @@ void TextEdit::replace(const TextPosition& begin, const TextPosition& end, std::
     now.push_back(rest.substr(0, length));
     rest.remove_prefix(length);
   }
+  // The last line of a text has no end, if it is empty.
   const bool is_last = to.line + 1 == lines_.size();
   if (is_last && (now.empty() || has_end(now.back()))) now.emplace_back();
   // Most often as many lines as before, so that none behind them has to move.
@@ -162,7 +167,7 @@ std::optional<std::string> path_of_uri(std::string_view uri) {
   constexpr std::string_view kScheme = "file://";
   if (!uri.starts_with(kScheme)) return std::nullopt;
   uri.remove_prefix(kScheme.size());
-  // A host, most often none.
+  // A host, most often none: whatever it is called, it is this machine.
   uri.remove_prefix(std::min(uri.find('/'), uri.size()));
   uri = uri.substr(0, uri.find_first_of("?#"));
   std::string path;

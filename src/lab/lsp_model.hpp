@@ -49,14 +49,16 @@ class TextStore {
   [[nodiscard]] const NameCounts& names(const TextFile& file);
 
  private:
+  // Names as they were counted last, in this text as one of this kind.
   struct CountedText {
     std::shared_ptr<const LinedText> text;
     TextKind kind = TextKind::rules;
     NameCounts counts;
   };
+  // A file that no editor has open, as it was read.
   struct Known {
     TextMark mark;
-    std::shared_ptr<const LinedText> text;
+    std::shared_ptr<const LinedText> text;  // null: it could not be read
   };
   struct Open {
     std::shared_ptr<const LinedText> text;
@@ -99,13 +101,14 @@ class Analyst {
 
 // A place where a name stands.
 struct NameUse {
-  const TextFile* file;
+  const TextFile* file;  // of the model
   std::shared_ptr<const LinedText> text;
-  std::size_t line;
-  TokenPart part;
+  std::size_t line;  // from 0
+  TokenPart part;    // what of the token is the name
   Token token;
 };
 
+// A project as one request sees it: made for the request, and gone with it. The store must outlive it.
 class Model {
  public:
   Model(TextStore& store, ProjectFiles files, std::shared_ptr<const Analysis> analysis);
@@ -145,7 +148,7 @@ class Model {
 
   TextStore& store_;
   ProjectFiles files_;
-  std::shared_ptr<const Analysis> analysis_;
+  std::shared_ptr<const Analysis> analysis_;  // null until the first look is done
   std::vector<TextFile> texts_;
   std::vector<std::string> built_;  // dictionaries that are no text
 };

@@ -11,10 +11,17 @@ namespace lexon {
 inline namespace v1 {
 namespace lab {
 
-enum class TextKind : std::uint8_t { rules, source, table, entries, cooccurrence, graphs };
+enum class TextKind : std::uint8_t {
+  rules,
+  source,  // of rules, with directives
+  table,   // values of a source, with tabulators between
+  entries,
+  cooccurrence,  // entry text whose fields hold pairs of words
+  graphs
+};
 
 enum class TokenKind : std::uint8_t {
-  attribute,
+  attribute,     // with its signs but for "^", "+" and "-"
   label,         // of a relation, in graphs and in the third section of a pattern
   role,          // a relation of the co-occurrence dictionary
   form,          // between [ and ]
@@ -23,11 +30,17 @@ enum class TokenKind : std::uint8_t {
   value,         // a word of a text, list or table of a source, which may become any of these
   mark,          // %name of a source
   mark_name,     // where a source gives a name its value
-  priority,
+  priority,      // "P12"
 };
 
 // What a token is for.
-enum class TokenUse : std::uint8_t { gives, asks, takes, follows, other };
+enum class TokenUse : std::uint8_t {
+  gives,    // an action, a graph or an entry that gives the attribute; of a word or a %name: where it is defined
+  asks,     // a condition
+  takes,    // an action that strikes the attribute out
+  follows,  // a pattern that follows the relation
+  other
+};
 
 struct Token {
   TokenKind kind;
@@ -39,15 +52,15 @@ struct Token {
 // What may be written at a place.
 enum class Wanted : std::uint8_t {
   nothing,
-  attribute,
-  action,
-  label,
-  role,
-  form,
-  concept_word,
-  graph_word,
-  mark,
-  directive
+  attribute,     // in a condition, or where an entry or graph gives it
+  action,        // behind its sign
+  label,         // of a relation
+  role,          // with its direction
+  form,          // between brackets
+  concept_word,  // between two of them
+  graph_word,    // a concept word in a graph
+  mark,          // a %name, behind the percent sign
+  directive      // likewise
 };
 
 // Goes through a text line by line; what a line leaves open is known to the next.
@@ -78,16 +91,17 @@ class LineScanner {
   void scan_graph(Scan& scan);
 
   TextKind kind_;
+  // Of the line that was scanned last.
   Wanted wanted_ = Wanted::nothing;
   std::size_t wanted_begin_ = 0;
   // Of a rule that goes on in the next line.
   bool goes_on_ = false;
-  int patterns_ = 0;
-  int section_ = 0;
+  int patterns_ = 0;  // that are behind; a rule has two
+  int section_ = 0;   // of the pattern, from 0
   bool in_pattern_ = false;
   // Of a source: within a list or table that is written over lines, or within a block of a graph.
   bool in_block_ = false;
-  std::string block_end_;
+  std::string block_end_;  // of the graph's block, as a line begins with it; empty: in none
 };
 
 // A name as all its spellings have it: ">agn" and "<agn" are marks of the label "agn", "#N" is a copy's "N".

@@ -46,6 +46,7 @@ void Watch::run() {
       wake_.wait_until(lock, due_);
       continue;
     }
+    // The look itself takes long, and goes without the lock: who asks meanwhile is heard.
     const std::string name = wanted_.begin()->first;
     const Job job = std::move(wanted_.begin()->second);
     wanted_.erase(wanted_.begin());
@@ -53,6 +54,7 @@ void Watch::run() {
       if (gone != name) analysts_.erase(gone);
     }
     lock.unlock();
+    // A look that fails is told and the server goes on; the next change asks for another one.
     try {
       publish_(job.files, job.unsaved, analysts_[name].look_at(job.files, job.unsaved));
     } catch (const std::exception& fault) {

@@ -14,6 +14,7 @@
 #include <array>
 #include <atomic>
 #include <cerrno>
+#include <chrono>
 #include <cstring>
 #include <filesystem>
 #include <iostream>
@@ -199,9 +200,14 @@ class Site {
   int bind(int port);
   [[nodiscard]] std::string address() const { return "http://127.0.0.1:" + std::to_string(port_) + '/' + token_ + '/'; }
   // Until `stop`.
-  void listen() { server_.listen_after_bind(); }
+  void listen() {
+    server_.listen_after_bind();
+    is_over_ = true;
+  }
+  // The library passes over a stop that comes before it listens.
   void stop() {
     is_ending_ = true;
+    while (!server_.is_running() && !is_over_) std::this_thread::sleep_for(std::chrono::milliseconds(1));
     server_.stop();
   }
 
@@ -226,8 +232,9 @@ class Site {
   const std::string token_;
   httplib::Server server_;
   Lanes lanes_;
-  std::mutex saving_;  // between the look at what stands on the disk and the new file
-  std::atomic<bool> is_ending_{false};
+  std::mutex saving_;                   // between the look at what stands on the disk and the new file
+  std::atomic<bool> is_ending_{false};  // work that is under way is not wanted any longer
+  std::atomic<bool> is_over_{false};    // it listens no longer
   int port_ = 0;
 };
 

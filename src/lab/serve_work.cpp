@@ -317,6 +317,7 @@ Workplace::Json Workplace::files(const Unsaved& unsaved, const Wanted& wanted) {
   } catch (const Fault&) {
     // The page shows it with the first sentence.
   }
+  // What stands in which pane: the expected sentences beside the graphs, pairs beside the words.
   Json words = files_.entries;
   if (!files_.cooccurrence.empty()) words.push_back(files_.cooccurrence);
   Json graphs = files_.graphs;
@@ -332,7 +333,7 @@ Workplace::Json Workplace::with_sentence(
   if (std::ranges::find(files_.graphs, graphs) == files_.graphs.end()) throw Fault(graphs + ": is no graph file here");
   Texts texts = texts_of(unsaved);
   const std::string path = whole_path(graphs);
-  const auto all = texts.demand(path);
+  const auto all = texts.demand(path);  // which the parts point into
   const std::vector<Part> parts = parts_of(*all);
   if (parts.empty()) return {{"status", "empty"}};
   // Between two sentences the next one is meant, behind the last one that.
@@ -422,6 +423,7 @@ Workplace::Json Workplace::check(const Unsaved& unsaved, const Wanted& wanted) {
     input.rules.text = expansion.text;
     input.source = &expansion.map;
   }
+  // The check reads by itself, through the overlay; here it is made sure that everything is in there.
   for (const std::string& name : files_.entries) {
     input.words_files.push_back(whole_path(name));
     static_cast<void>(texts.demand(input.words_files.back()));
@@ -438,6 +440,7 @@ Workplace::Json Workplace::check(const Unsaved& unsaved, const Wanted& wanted) {
   input.blocks = files_.blocks;
   input.unsaved = &texts.overlay();
   input.cache = &checked_;
+  // A check cannot be given up half way, so that what is not wanted any longer is told all the same.
   for (const Finding& finding : lab::check(input)) {
     if (std::ranges::find(files_.silenced, finding.code) != files_.silenced.end()) continue;
     add(finding.file, finding.line, finding.column, finding.end_column, level_name(finding.level), finding.code,
@@ -449,7 +452,7 @@ Workplace::Json Workplace::check(const Unsaved& unsaved, const Wanted& wanted) {
 
 namespace {
 
-// Lines of rules with what counted: [file, line, of use, taken back, tried, offered].
+// Lines of rules with what was counted: [file, line, of use, taken back, tried, offered].
 Json coverage_rows(const std::vector<RuleCount>& rules,
                    const std::function<std::string(std::string_view)>& shown_path) {
   // Several rules can come from one line of a source.
@@ -481,6 +484,7 @@ Workplace::Json Workplace::run(const Unsaved& unsaved, std::size_t from, const W
     const std::string& file;
     Part part;
   };
+  // Sentences of all files are numbered through.
   std::vector<FilePart> parts;
   for (const std::string& file : files_.graphs) {
     for (const Part& part : parts_of(*texts.demand(whole_path(file)))) parts.push_back({file, part});
@@ -494,6 +498,7 @@ Workplace::Json Workplace::run(const Unsaved& unsaved, std::size_t from, const W
 
   const Project project(loaded->files, loaded->grammar);
   Bench bench(project);
+  // An answer counts its own sentences; the page adds the answers up.
   CoverageCounter counter(project);
   bench.watchers().add(counter);
   bench.set_keep_going(wanted);

@@ -118,6 +118,7 @@ class Writer {
 
   void add(json&& sentence) {
     const std::size_t steps = sentence.contains("steps") ? sentence["steps"].size() : 0;
+    // A batch is in memory: its end comes with its sentences or its steps.
     steps_ += steps;
     batch_steps_ += steps;
     batch_.push_back(std::move(sentence));
@@ -148,6 +149,7 @@ class Writer {
   std::string notice_;
 };
 
+// Throws Fault if the page would take the place of something that it is made from.
 void refuse_own_files(const Arguments& arguments) {
   std::vector<std::string> files = arguments.render.inputs;
   files.insert(files.end(), {arguments.grammar.rules, arguments.grammar.dictionary, arguments.grammar.cooccurrence});
@@ -177,6 +179,7 @@ int view(const Arguments& arguments) {
   for_each_sentence(arguments.render, [&](const GraphText& graph) {
     ++read;
     if (!arguments.all && shown >= kMostSentences) return;
+    // A page of some ten thousand steps for each of many sentences would be too much for a browser.
     if (writer.steps() >= kMostSteps && arguments.kept > kFewSteps && !std::exchange(has_cut, true))
       viewer.keep(kFewSteps);
     for (json& sentence : viewer.data(graph, arguments.render)) {

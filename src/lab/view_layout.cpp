@@ -252,6 +252,7 @@ std::string view_lay_out(std::span<nlohmann::json> sentences, const std::functio
     for (bool goes_on = true; goes_on && next < sentences.size(); ++next) {
       json& data = sentences[next];
       if (!data.contains("graph")) continue;
+      // One value of JSON for each graph, in their order.
       std::string notice = run.notice;
       const bool may_be_there = notice.empty() || run.is_over_time;
       try {
