@@ -308,36 +308,25 @@ class Server {
     return text_of((this->*found->second)(params));
   }
 
+  // Others than these are nothing that a server has to know.
   void notified(const std::string& method, const Json& params) {
+    using Note = void (Server::*)(const Json&);
+    static const std::unordered_map<std::string, Note> kNotes = {
+        {"initialized", &Server::register_watchers},
+        {"textDocument/didOpen", &Server::did_open},
+        {"textDocument/didChange", &Server::did_change},
+        {"textDocument/didClose", &Server::did_close},
+        {"textDocument/didSave", &Server::did_change_files},
+        {"workspace/didChangeWatchedFiles", &Server::did_change_files},
+        {"workspace/didChangeConfiguration", &Server::did_change_settings},
+        {"workspace/didChangeWorkspaceFolders", &Server::did_change_folders},
+    };
     if (method == "exit") {
       is_exited_ = true;
       return;
     }
     if (!is_initialized_ || is_shut_down_) return;
-    if (method == "initialized") {
-      register_watchers();
-    } else if (method == "textDocument/didOpen") {
-      did_open(params);
-    } else if (method == "textDocument/didChange") {
-      did_change(params);
-    } else if (method == "textDocument/didClose") {
-      did_close(params);
-    } else if (method == "textDocument/didSave" || method == "workspace/didChangeWatchedFiles") {
-      find_projects();
-    } else if (method == "workspace/didChangeConfiguration") {
-      // Some editors send the section by its name, some what is in it.
-      const Json& settings = params.contains("settings") ? params.at("settings") : params;
-      read_settings(settings.is_object() && settings.contains("lexon") ? settings.at("lexon") : settings);
-      find_projects();
-    } else if (method == "workspace/didChangeWorkspaceFolders") {
-      const Json& event = params.at("event");
-      for (const Json& folder : event.at("removed")) {
-        if (const auto path = path_of_uri(folder.at("uri").get<std::string>())) std::erase(folders_, file_key(*path));
-      }
-      for (const Json& folder : event.at("added")) add_folder(folder.at("uri"));
-      find_projects();
-    }
-    // Others are nothing that a server has to know.
+    if (const auto found = kNotes.find(method); found != kNotes.end()) (this->*found->second)(params);
   }
 
   // ---- Beginning
@@ -392,7 +381,7 @@ class Server {
   }
 
   // Asks the editor to tell of files that others change. One that cannot is believed once it saves something.
-  void register_watchers() {
+  void register_watchers(const Json& /*params*/) {
     if (!watches_files_) return;
     Json watchers = Json::array();
     for (const char* pattern : {"**/*.txt", "**/*.lxr", "**/*.rules", "**/*.tsv", "**/*.entries", "**/*.graphs",
@@ -477,6 +466,25 @@ class Server {
       const std::scoped_lock lock(documents_mutex_);
       documents_.erase(file_key(*path));
     }
+    find_projects();
+  }
+
+  // Whatever has changed on the disk, and where: marks of files tell what has to be read again.
+  void did_change_files(const Json& /*params*/) { find_projects(); }
+
+  void did_change_settings(const Json& params) {
+    // Some editors send the section by its name, some what is in it.
+    const Json& settings = params.contains("settings") ? params.at("settings") : params;
+    read_settings(settings.is_object() && settings.contains("lexon") ? settings.at("lexon") : settings);
+    find_projects();
+  }
+
+  void did_change_folders(const Json& params) {
+    const Json& event = params.at("event");
+    for (const Json& folder : event.at("removed")) {
+      if (const auto path = path_of_uri(folder.at("uri").get<std::string>())) std::erase(folders_, file_key(*path));
+    }
+    for (const Json& folder : event.at("added")) add_folder(folder.at("uri"));
     find_projects();
   }
 
