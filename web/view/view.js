@@ -20,6 +20,8 @@ const lexonView = (() => {
   };
   const kMostPrinted = 2000;
   let views = 0;
+  // By element, what lets go of the view that it showed before: a page that draws one at every key would keep them all.
+  const ends = new WeakMap();
 
   // ---- Elements.
 
@@ -511,7 +513,6 @@ const lexonView = (() => {
     root.append(printed);
     if (picture) picture.show(null);
     function print() {
-      if (!root.isConnected) return window.removeEventListener('beforeprint', print);
       if (printed.childElementCount > 0) return undefined;
       printed.append(heading(1, 'Steps that stand'));
       const lines = standing.slice(0, kMostPrinted).map((at) => {
@@ -525,6 +526,8 @@ const lexonView = (() => {
       return undefined;
     }
     window.addEventListener('beforeprint', print);
+    ends.get(element)?.();
+    ends.set(element, () => window.removeEventListener('beforeprint', print));
 
     function troubleSection() {
       const trouble = data.trouble;
