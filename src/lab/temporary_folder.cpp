@@ -10,6 +10,7 @@
 #include <cstring>
 #include <ctime>
 #include <filesystem>
+#include <string_view>
 
 #include "lab/commands.hpp"
 
@@ -21,7 +22,9 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr char kName[] = "lexon-lab-";
+// Such a name nobody else gives a folder: one that was left is removed with all that is in it.
+constexpr std::string_view kName = "lexon-lab-temporary-";
+constexpr std::string_view kMade = "XXXXXX";  // what mkdtemp makes unique
 // Between a folder's making and its lock another program could take it for one that was left.
 constexpr time_t kSecondsTillLocked = 60;
 
@@ -37,7 +40,8 @@ int locked(const fs::path& folder) {
 void left_ones_remove(const fs::path& place) {
   std::error_code error;
   for (fs::directory_iterator each(place, error), end; !error && each != end; each.increment(error)) {
-    if (!each->path().filename().string().starts_with(kName)) continue;
+    const std::string name = each->path().filename().string();
+    if (!name.starts_with(kName) || name.size() != kName.size() + kMade.size()) continue;
     const int lock = locked(each->path());
     if (lock < 0) continue;
     struct stat status {};
@@ -56,7 +60,7 @@ TemporaryFolder::TemporaryFolder() {
   const fs::path place = fs::temp_directory_path(error);
   if (error) throw Fault("there is no folder for temporary files (TMPDIR): " + error.message());
   left_ones_remove(place);
-  std::string name = (place / (std::string(kName) + "XXXXXX")).string();
+  std::string name = (place / kName).string() + std::string(kMade);
   if (::mkdtemp(name.data()) == nullptr) {
     throw Fault(place.string() + ": no temporary folder can be made here: " + std::strerror(errno) +
                 "; name another place by TMPDIR");
