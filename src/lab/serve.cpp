@@ -125,7 +125,9 @@ ServeFiles files_of(const Arguments& arguments, const ProjectFiles& found, const
     files.graphs.push_back(folder.relative(path));
   }
   if (files.graphs.empty()) {
-    throw Fault(arguments.folder + ": there are no graphs in this folder (input.txt, graphs.txt): name them with -i");
+    throw Fault(arguments.folder +
+                ": there are no graphs in this folder (input.txt, graphs.txt; of another format lexon-import makes "
+                "some): name them with -i");
   }
   const std::string gold =
       arguments.gold.empty() ? first_that_is_there(found.folder, {"expected.txt", "gold.txt"}) : arguments.gold;
