@@ -271,7 +271,7 @@ class Server {
     cancelled_.erase(current_);
   }
 
-  // The result as text.
+  // The result as text. Throws what `answer` makes an error of.
   std::string request(const std::string& method, const Json& params) {
     using Answer = Json (Server::*)(const Json&);
     static const std::unordered_map<std::string, Answer> kAnswers = {
@@ -432,6 +432,7 @@ class Server {
     const std::string& uri = given.at("uri").get_ref<const std::string&>();
     const auto path = path_of_uri(uri);
     if (!path || !store_.is_open(*path)) return;
+    // A change without a range is the whole text; those in front of it are of no interest any more.
     std::shared_ptr<const LinedText> before = store_.text(*path);
     std::optional<TextEdit> edit;
     for (const Json& change : params.at("contentChanges")) {
@@ -511,6 +512,7 @@ class Server {
 
   // The projects of all open documents, found anew, and looked at.
   void find_projects() {
+    // The settings of a project are open like its texts, and belong to all that lies below them.
     std::map<std::string, ProjectFiles> found;
     std::map<std::string, std::string> owners;
     for (const auto& [key, document] : documents_) {
@@ -541,6 +543,7 @@ class Server {
     for (const std::string& folder : folders_) {
       if ((key + '/').starts_with(folder + '/') && folder.size() > top.size()) top = folder;
     }
+    // The editor's settings hold for the folder that it has opened, and for the files that they name.
     ProjectFiles files;
     if (!settings_.empty() && !top.empty()) {
       files = project_files_from(top, settings_, "the settings", &store_.unsaved());
@@ -622,6 +625,7 @@ class Server {
       analyses_[name] = analysis;
     }
     for (auto& [key, findings] : by_file) {
+      // The text that was looked at: what the editor has now may be another one already.
       std::shared_ptr<const std::string> shown = unsaved.find(key);
       if (shown == nullptr) {
         try {
@@ -660,6 +664,7 @@ class Server {
       // A file of several projects shows what the first of them finds.
       const bool is_other = !before.project.empty() && before.project != name && analyses_.contains(before.project);
       if (is_other && key != file_key(files.rules)) continue;
+      // Most looks find what the one before has found, and an editor draws anew what it is told.
       const std::size_t hash = std::hash<std::string>()(params.dump(-1, ' ', false, Json::error_handler_t::replace));
       const bool is_same = before.hash == hash && before.project == name;
       const bool is_renamed = !before.uri.empty() && before.uri != params["uri"];
@@ -739,6 +744,7 @@ class Server {
   std::string references(const Json& params) {
     const AskedName at = asked_name(params);
     if (at.file == nullptr) return "null";
+    // Where it is given counts as its declaration.
     const bool with_declaration = !params.contains("context") || params.at("context").value("includeDeclaration", true);
     std::string locations = "[";
     std::size_t count = 0;
@@ -777,7 +783,7 @@ class Server {
     const std::string name = has_sign ? to.substr(1) : to;
     if (const std::string fault = at.model->rename_fault(symbol, &name); !fault.empty())
       throw RequestError{kRequestFailed, fault};
-    std::map<std::string, std::string> by_file;
+    std::map<std::string, std::string> by_file;  // by URI
     const std::string new_text = R"(,"newText":)" + in_json(name) + '}';
     std::size_t count = 0;
     at.model->for_each_use(symbol, [&](const NameUse& use) {
@@ -911,6 +917,7 @@ class Server {
       };
       if (std::ranges::none_of(context.at("only"), fits)) return actions;
     }
+    // The editor asks for a stretch of lines; whatever is found in one of them counts.
     const std::int64_t first = params.at("range").at("start").at("line").get<std::int64_t>();
     const std::int64_t last = params.at("range").at("end").at("line").get<std::int64_t>();
     std::shared_ptr<const Analysis> analysis;
@@ -960,6 +967,7 @@ class Server {
         break;
       }
       case Fix::Kind::strike_line:
+        // With its end.
         title = "Strike out this line";
         edit = {{"range",
                  {{"start", {{"line", place.line}, {"character", 0}}},
@@ -977,6 +985,7 @@ class Server {
         edit = end_edit(text, finding.fix.text);
         break;
       case Fix::Kind::new_entry: {
+        // Into the first file of entries that is a text.
         const auto is_text = [](const TextFile& file) { return file.kind == TextKind::entries; };
         const auto& texts = at.model->texts();
         const auto found = std::ranges::find_if(texts, is_text);
@@ -992,6 +1001,7 @@ class Server {
                 {"kind", "quickfix"},
                 {"diagnostics", Json::array({diagnostic_of(finding, text)})},
                 {"edit", Json::parse(workspace_edit({{uri, text_of(edit)}}))}};
+    // An editor offers such a one under a key of its own.
     if (finding.fix.kind == Fix::Kind::replace) action["isPreferred"] = true;
     actions.push_back(std::move(action));
   }

@@ -18,6 +18,7 @@ constexpr std::size_t kMostMessage = std::size_t{1} << 30;  // bytes; more is pa
 // A line of the head without its end; none at the end of the stream.
 std::optional<std::string> head_line(std::FILE* stream) {
   std::string line;
+  // The end of a line may be a line feed alone; what is too long is cut, not refused.
   for (int c = std::getc(stream); c != EOF; c = std::getc(stream)) {
     if (c == '\n') {
       if (line.ends_with('\r')) line.pop_back();

@@ -260,6 +260,7 @@ Symbol Model::symbol_at(const TextFile& file, const TextPosition& position, Toke
 
 Symbol Model::settled(Symbol symbol, const Token& token) const {
   if (token.kind != TokenKind::value || symbol.kind != Symbol::Kind::attribute) return symbol;
+  // One other use as a label will do.
   bool is_label = false;
   for_each_use({Symbol::Kind::label, symbol.name}, [&is_label](const NameUse& use) {
     is_label = use.token.kind != TokenKind::value;
@@ -334,6 +335,7 @@ std::map<std::string, std::int64_t> Model::names(Symbol::Kind kind) const {
 }
 
 std::vector<std::string> Model::words_like(std::string_view prefix, bool are_concepts, std::size_t most) const {
+  // In the order of the alphabet, but of the first ones in their files: to sort half a million words takes too long.
   std::set<std::string> found;
   if (analysis_ == nullptr) return {};
   for (const auto& index : analysis_->words) {
@@ -395,6 +397,7 @@ std::string Model::name_text(const Symbol& symbol) const {
     append_words(symbol.name, symbol.kind == Symbol::Kind::concept_word, out);
     return out;
   }
+  // Of a %name the line that gives it its value.
   if (symbol.kind == Symbol::Kind::mark) {
     for_each_use(symbol, [&](const NameUse& use) {
       if (use.token.kind == TokenKind::mark_name)
@@ -460,6 +463,7 @@ void Model::append_words(const std::string& word, bool are_concepts, std::string
   std::string lines;
   for (const auto& index : analysis_->words) {
     for (const std::uint32_t number : are_concepts ? index->with_concept(word) : index->with_form(word)) {
+      // The others are counted only.
       constexpr std::int64_t kShownEntries = 12;
       if (++count > kShownEntries) continue;
       const WordIndex::Entry& entry = index->entries()[number];
@@ -485,6 +489,7 @@ std::string Model::rule_text(const TextFile& file, std::size_t line) const {
   } else {
     // All lines that this one expands to.
     const SourceMap& map = analysis_->expansion.map;
+    // The map has the place in the source for each line of the expanded text, one by one.
     std::string expanded;
     std::string_view rest = analysis_->expansion.text;
     const std::string key = file_key(file.path);
@@ -508,6 +513,7 @@ std::string Model::rule_text(const TextFile& file, std::size_t line) const {
                                    : "\n- no run is known yet: " + in_code(files_.coverage) + " cannot be read";
     return out;
   }
+  // A line of a source can come to many rules, which count together.
   RuleCount sum;
   bool is_known = false;
   for (const std::string& rule : rules) {
@@ -615,6 +621,7 @@ std::string Model::rename_fault(const Symbol& symbol, const std::string* to) con
   // So far of the old name; from here on of the new one.
   if (to == nullptr) return {};
   if (*to == symbol.name) return {};
+  // Bytes that count of a name: a longer one would be taken for another that begins so.
   constexpr std::size_t kFollowed = 3;
   constexpr std::size_t kInGraphs = 5;
   constexpr std::size_t kRole = 64;

@@ -427,6 +427,7 @@ void LineScanner::scan_entry(Scan& scan) const {
   const std::size_t id_end = text.find('}', id);
   if (id_end == std::string::npos) return;
   if (is_pairs) scan.add(TokenKind::pair, TokenUse::gives, id, id_end);
+  // The end of the concept word is the first quote that is not escaped.
   const std::size_t open = text.find('"', id_end);
   std::size_t close = open;
   do {
@@ -435,6 +436,7 @@ void LineScanner::scan_entry(Scan& scan) const {
   } while (close != std::string::npos && text[close - 1] == '\\');
   if (close == std::string::npos) return;
   scan.add(is_pairs ? TokenKind::pair : TokenKind::concept_word, TokenUse::gives, open + 1, close);
+  // Attributes follow at once, or there are none.
   const std::size_t list = text.find('(', close);
   if (list == std::string::npos || text.find_first_not_of(" \t", close + 1) != list) return;
   int depth = 1;
@@ -480,6 +482,7 @@ void LineScanner::scan_graph(Scan& scan) {
       bool in_quotes = false;
       std::size_t begin = open + 1;
       bool is_attribute = false;
+      // A comma begins a word and a dot an attribute, unless they stand in quotes or in a word's own parentheses.
       for (std::size_t at = open + 1; at < head.size(); ++at) {
         const char c = head[at];
         if (c == '"') in_quotes = !in_quotes;
@@ -607,6 +610,7 @@ std::string name_fault(Symbol::Kind kind, std::string_view name, bool in_graphs,
       return token.kind == wanted && token.begin == before.size() && token.end == before.size() + text.size();
     });
   };
+  // A label has to be read as one by a pattern, and where graphs have it by these; an attribute by entries too.
   const bool is_sound = is_attribute
                             ? is_read(TextKind::rules, ":{", "} {} P1;", TokenKind::attribute) &&
                                   (!in_graphs || is_read(TextKind::graphs, "a(b.", ", c)", TokenKind::attribute)) &&

@@ -34,6 +34,7 @@ class Watch {
   void forget(const std::string& name);
 
  private:
+  // A project as it was when it was asked for.
   struct Job {
     ProjectFiles files;
     Overlay unsaved;
@@ -43,10 +44,10 @@ class Watch {
   Publish publish_;
   std::mutex mutex_;
   std::condition_variable wake_;
-  std::map<std::string, Job> wanted_;
-  std::vector<std::string> forgotten_;       // whose analysts can go
-  std::map<std::string, Analyst> analysts_;  // of its thread alone
-  std::chrono::steady_clock::time_point due_;
+  std::map<std::string, Job> wanted_;          // by name; one that is being looked at is not among them
+  std::vector<std::string> forgotten_;         // whose analysts can go
+  std::map<std::string, Analyst> analysts_;    // of its thread alone
+  std::chrono::steady_clock::time_point due_;  // when the keys have rested, for all that is wanted
   bool is_over_ = false;
   std::thread thread_;  // the last member: it uses the others
 };

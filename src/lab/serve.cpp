@@ -115,6 +115,7 @@ ServeFiles files_of(const Arguments& arguments, const ProjectFiles& found, const
     throw Fault(arguments.folder +
                 ": there are no words in this folder (entries.txt): name them with -e, or a dictionary with -d");
   }
+  // Built or text; only texts can be edited on the page, and have to lie in its folder.
   const std::string pairs = arguments.cooccurrence.empty() ? found.cooccurrence : arguments.cooccurrence;
   if (!pairs.empty() && is_built(pairs)) {
     files.built_cooccurrence = pairs;
@@ -370,6 +371,7 @@ Json Site::answer(const std::string& name, const Json& asked, int& status) {
   if (name == "stamps") return stamps(asked);
   const std::string client = asked.at("client");
   if (client.size() > kLongestName || name.size() > kLongestName) throw Fault("the name of the page is too long");
+  // The page has no memory here: each request brings what it has not saved.
   Unsaved unsaved;
   if (asked.contains("texts")) {
     if (asked["texts"].size() > kMostFiles) throw Fault("too many texts at once");
@@ -403,6 +405,7 @@ Json Site::read(const std::string& path, int& status) const {
     status = fault.is_missing ? 404 : 403;
     return {{"error", fault.text}};
   }
+  // JSON would put other bytes in the place of such, and a save would write these.
   if (const std::int64_t line = line_that_is_no_text(read->text); line != 0) {
     status = 415;
     return {{"error", path + ':' + std::to_string(line) +

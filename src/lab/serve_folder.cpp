@@ -49,7 +49,7 @@ bool names_of(const std::string& relative, std::vector<std::string>& names) {
 
 // A descriptor that closes itself.
 struct Descriptor {
-  int number;
+  int number;  // -1: none
   explicit Descriptor(int of) : number(of) {}
   ~Descriptor() {
     if (number >= 0) close(number);
@@ -140,6 +140,7 @@ std::optional<FolderText> Folder::read(const std::string& relative, FolderFault&
   if (folder.number < 0) return std::nullopt;
   // A pipe that nobody writes to would keep the request waiting.
   const Descriptor file(openat(folder.number, name.c_str(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY | O_CLOEXEC));
+  // What is asked is asked of the open file, which nobody can exchange any more.
   struct stat status {};
   if (file.number < 0 || fstat(file.number, &status) != 0) {
     fault.is_missing = errno == ENOENT;

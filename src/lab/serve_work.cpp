@@ -238,6 +238,7 @@ Workplace::Texts Workplace::texts_of(const Unsaved& unsaved) {
     }
     const std::string& now = edited == unsaved.end() ? read->text : edited->second;
     const auto before = known_.find(path);
+    // A put text is another one, even with the same letters.
     if (before == nullptr || *before != now) known_.put(path, now);
   }
   return {*this, known_};
@@ -289,6 +290,7 @@ std::shared_ptr<Workplace::Loaded> Workplace::load_anew(Texts& texts) {
   files.dictionary = files_.dictionary.empty() ? built(words_, files_.entries) : files_.dictionary;
   files.cooccurrence = files_.built_cooccurrence;
   if (!files_.cooccurrence.empty()) files.cooccurrence = built(pairs_, {files_.cooccurrence});
+  // All that the rules include comes through the lookup.
   loaded->grammar = Inside::load(files, lookup);
   loaded->made_from = texts.asked();
   for (const std::string& fault : texts.faults()) {

@@ -182,6 +182,7 @@ int view(const Arguments& arguments) {
     // A page of some ten thousand steps for each of many sentences would be too much for a browser.
     if (writer.steps() >= kMostSteps && arguments.kept > kFewSteps && !std::exchange(has_cut, true))
       viewer.keep(kFewSteps);
+    // A graph that failed counts whether it is shown or not: the status says so.
     for (json& sentence : viewer.data(graph, arguments.render)) {
       const bool has_failed = sentence["status"] != "done";
       failed += has_failed ? 1 : 0;
@@ -193,6 +194,7 @@ int view(const Arguments& arguments) {
   writer.flush();
   std::vector<std::string> notices;
   if (!writer.notice().empty()) notices.push_back(writer.notice());
+  // What the page does not show it says at its head, and standard error too.
   if (!arguments.all && shown >= kMostSentences && read > shown) {
     notices.push_back("The page shows " + std::to_string(shown) + " of " + std::to_string(read) +
                       " sentences: --sentence names others, --failed shows what came to nothing, --all shows all");

@@ -302,6 +302,7 @@ void ViewRecord::sentence_begins(Session& session) {
   graph_read(session);
 }
 
+// What comes now is post-edit.
 void ViewRecord::generated(Session&, core::Status) {
   is_post_edit_ = true;
 }
@@ -526,6 +527,7 @@ nlohmann::json ViewRecord::result(const Session& session) {
       if (is_new) data["rules"].push_back(rule_data(*step.rule));
       rule = static_cast<std::int64_t>(known->second);
     }
+    // As view.hpp numbers kinds.
     const int kind = static_cast<int>(step.kind) + (step.is_post_edit ? 8 : 0) + (step.is_undone ? 16 : 0);
     // What stands reaches to the end of the search.
     const std::int64_t size = step.size != 0 ? step.size : last_number_ - step.number + 1;

@@ -72,8 +72,8 @@ class ViewRecord final : public Observer {
     std::int32_t at = -1;
   };
   struct Step {
-    std::int64_t number = 0;
-    std::int64_t size = 0;  // 0: it stands
+    std::int64_t number = 0;  // in the order of time, from 1
+    std::int64_t size = 0;    // of it and all that followed on it; 0: it stands
     Kind kind{};
     bool is_post_edit = false;
     bool is_undone = false;
@@ -81,20 +81,22 @@ class ViewRecord final : public Observer {
     std::int32_t scope = 0;
     Shown before{};
     Shown after{};
-    std::int32_t used = 0;
+    std::int32_t used = 0;  // of `used_`: which relations had been followed
   };
+  // A place of lists.
   struct Place {
     std::string name;
-    std::int32_t from = -1;
-    std::int32_t graph = -1;
+    std::int32_t from = -1;                                      // the place that it is a copy of; -1: of none
+    std::int32_t graph = -1;                                     // its node of the graph; -1: it has none
     const Node* source = nullptr;                                // to be compared, never read
     std::vector<std::pair<std::string, std::int32_t>> literals;  // surface form and entry of a word of a rule
   };
+  // What stands in a place at a time.
   struct State {
     std::int32_t place;
-    std::string text;
-    std::string attrs;
-    bool is_untouched;
+    std::string text;   // as a list shows it
+    std::string attrs;  // with commas between
+    bool is_untouched;  // no rule has chosen its form yet
     auto operator<=>(const State&) const = default;
   };
   // The list as it was when a rule fitted.
@@ -102,9 +104,10 @@ class ViewRecord final : public Observer {
     const RuleCandidate* candidate = nullptr;
     Shown before{};
   };
+  // A step that was not taken back, on the stack of those.
   struct Standing {
-    const RuleCandidate* candidate;
-    std::int64_t number;
+    const RuleCandidate* candidate;  // to be compared, never read
+    std::int64_t number;             // of the step
   };
 
   void graph_read(const Session& session);
@@ -146,14 +149,14 @@ class ViewRecord final : public Observer {
   std::vector<Place> places_;
   Table<std::pair<std::string, std::string>> entries_;  // line and attributes
   Table<State> states_;
-  std::vector<std::int32_t> entry_of_state_;
+  std::vector<std::int32_t> entry_of_state_;  // by the number of the state; -1: none
   Table<std::vector<std::int32_t>> lists_;
   Table<std::string> used_;
   std::deque<Step> steps_;
   std::vector<Standing> standing_;
   std::unordered_map<const RuleCandidate*, std::size_t> standing_at_;  // the newest of each
   std::int64_t last_number_ = 0;
-  std::int64_t forgotten_ = 0;
+  std::int64_t forgotten_ = 0;  // steps
   std::vector<Fitted> fitted_;  // not carried out yet, the newest last: scopes lie between
   Shown last_offered_;
   bool has_reason_ = false;  // why steps are taken back now has been written down
