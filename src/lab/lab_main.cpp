@@ -9,6 +9,7 @@
 
 #include "front/process.hpp"
 #include "lab/commands.hpp"
+#include "lab/progress.hpp"
 
 namespace lexon {
 inline namespace v1 {
@@ -53,6 +54,7 @@ int with_output_written(int status) {
 
 int main(int argc, char** argv) {
   lexon::process_begin();
+  interrupts_end_program();
   try {
     return with_output_written(run_command({argv + (argc > 0 ? 1 : 0), argv + argc}));
   } catch (const std::bad_alloc&) {

@@ -2,7 +2,10 @@
 
 #include <CLI/CLI.hpp>
 
+#include <filesystem>
 #include <type_traits>
+
+#include "lab/commands.hpp"
 
 namespace lexon {
 inline namespace v1 {
@@ -54,6 +57,22 @@ void add_render_options(CLI::App& command, RenderOptions& options) {
   add_option(command, "--steps", options.steps, "Steps of the search for each sentence; 0: no limit",
              {.not_negative = true});
   add_flag(command, "!--no-post-edit", options.post_edit, "Leave out the rules of post-edit");
+}
+
+void add_run_options(CLI::App& command, RunArguments& arguments) {
+  add_grammar_options(command, arguments.grammar);
+  add_render_options(command, arguments.render);
+}
+
+void refuse_own_files(const RunArguments& arguments, const std::string& output, const char* option) {
+  if (output.empty() || output == "-") return;
+  std::vector<std::string> files = arguments.render.inputs;
+  files.insert(files.end(), {arguments.grammar.rules, arguments.grammar.dictionary, arguments.grammar.cooccurrence});
+  for (const std::string& file : files) {
+    std::error_code error;
+    if (!file.empty() && std::filesystem::equivalent(file, output, error))
+      throw Fault(output + ": a file that is read would be overwritten: give " + option + " another name");
+  }
 }
 
 }  // namespace lab
