@@ -34,6 +34,7 @@ class EntryText {
   [[nodiscard]] Line next();
 
   [[nodiscard]] std::int64_t line_number() const { return line_number_; }
+  [[nodiscard]] const std::string& line() const { return line_; }  // as read last
   [[nodiscard]] const Bytes& record() const { return record_; }
   [[nodiscard]] const std::string& reason() const { return reason_; }
 

@@ -11,6 +11,8 @@ namespace lexon {
 inline namespace v1 {
 namespace lab {
 
+// ---- Handing on. An observer may be added or removed between sentences only; what all of them are told is the same.
+
 void Watchers::sentence_begins(Session& session) {
   first_step_ = session.state.steps;
   is_over_ = false;
@@ -25,7 +27,8 @@ void Watchers::sentence_ends(Session& session, core::Status status) {
   for (Observer* each : observers_) each->sentence_ends(session, status);
 }
 
-// The search counts its passes itself; a search inside one pass is undone steps, which come by here too.
+// The search counts its passes itself, also those that end without an event; so the counter is looked at whenever
+// something comes by. A search inside one pass shows itself in undone steps and in words given up.
 void Watchers::count(Session& session) {
   if (limit_ <= 0 || session.state.steps - first_step_ < limit_) return;
   is_over_ = true;
@@ -73,14 +76,18 @@ void Watchers::scope_left(Session& session, int scope, bool has_failed) {
   for (Observer* each : observers_) each->scope_left(session, scope, has_failed);
 }
 
+// The session knows of a stop alone, and not who asked for it.
 std::string Rendered::status() const {
   return is_over_steps && sentence.status == Status::stopped ? "over steps" : to_string(sentence.status);
 }
 
-Bench::Bench(const Project& project) : generator_(project.grammar) {
+Bench::Bench(const Project& project) : keep_going_([] { return !is_interrupted(); }), generator_(project.grammar) {
+  // Every event of the engine goes to the watchers, also where none of them wants it.
   Inside::session(generator_).observer = &watchers_;
 }
 
+// Of several sentences in a text, which are rendered in one go, the limit of steps counts for each; that one was over it is
+// known of the last.
 std::vector<Rendered> Bench::render(const std::string& text, const RenderOptions& options) {
   Settings settings;
   settings.post_edit = options.post_edit;
@@ -94,27 +101,32 @@ std::vector<Rendered> Bench::render(const std::string& text, const RenderOptions
   return results;
 }
 
-void for_each_sentence_on(unsigned threads, const RenderOptions& options,
-                          const std::function<void(unsigned thread, const GraphText& sentence)>& use) {
-  if (threads <= 1) return for_each_sentence(options, [&use](const GraphText& sentence) { use(0, sentence); });
-  std::vector<GraphText> sentences;
-  for_each_sentence(options, [&sentences](const GraphText& sentence) { sentences.push_back(sentence); });
-  Progress progress(sentences.size());
+void for_each_rendered(Bench& bench, const RenderOptions& options,
+                       const std::function<void(const GraphText& graph, const Rendered& rendered)>& use) {
+  for_each_sentence(options, [&](const GraphText& graph) {
+    for (const Rendered& rendered : bench.render(graph.text, options)) use(graph, rendered);
+  });
+}
+
+void for_each_on(unsigned threads, std::size_t count,
+                 const std::function<void(unsigned thread, std::size_t number)>& use) {
+  Progress progress(count);
   std::vector<std::exception_ptr> faults(threads);
-  const auto work = [&](unsigned number) {
-    const std::size_t begin = sentences.size() * number / threads;
-    const std::size_t end = sentences.size() * (number + 1) / threads;
+  const auto work = [&](unsigned thread) {
+    // Stretches, not turns: what is added up by thread is then in the order of the sentences.
+    const std::size_t begin = count * thread / threads;
+    const std::size_t end = count * (thread + 1) / threads;
     try {
       for (std::size_t i = begin; i < end; ++i) {
-        use(number, sentences[i]);
+        use(thread, i);
         progress.passed();
       }
     } catch (...) {
-      faults[number] = std::current_exception();
+      faults[thread] = std::current_exception();
     }
   };
   std::vector<std::thread> others;
-  for (unsigned number = 1; number < threads; ++number) others.emplace_back(work, number);
+  for (unsigned thread = 1; thread < threads; ++thread) others.emplace_back(work, thread);
   work(0);
   for (std::thread& other : others) other.join();
   for (const std::exception_ptr& fault : faults) {
@@ -122,9 +134,19 @@ void for_each_sentence_on(unsigned threads, const RenderOptions& options,
   }
 }
 
+// Stretches want the number of sentences, so with threads the whole input is in memory.
+void for_each_sentence_on(unsigned threads, const RenderOptions& options,
+                          const std::function<void(unsigned thread, const GraphText& sentence)>& use) {
+  if (threads <= 1) return for_each_sentence(options, [&use](const GraphText& sentence) { use(0, sentence); });
+  std::vector<GraphText> sentences;
+  for_each_sentence(options, [&sentences](const GraphText& sentence) { sentences.push_back(sentence); });
+  for_each_on(threads, sentences.size(), [&](unsigned thread, std::size_t i) { use(thread, sentences[i]); });
+}
+
 void tell_failure(const GraphText& graph, const Rendered& rendered) {
-  tell_line(graph.file + ':' + std::to_string(graph.line) + ": " + rendered.sentence.label + ": " + rendered.status());
-  for (const Message& message : rendered.sentence.messages) tell_line("  " + to_string(message));
+  const std::string& label = rendered.sentence.label;
+  tell_line(graph.place() + ": " + label + (label.empty() ? "" : ": ") + rendered.status());
+  for (const Message& message : rendered.sentence.messages) tell_line("  " + to_string(graph.placed(message)));
   if (!rendered.sentence.fallback.empty()) tell_line("  its words: " + escaped(rendered.sentence.fallback));
 }
 

@@ -42,8 +42,7 @@ class Watchers final : public Observer {
 
   std::vector<Observer*> observers_;
   std::int64_t limit_ = 0;
-  std::int64_t first_step_ = 0;
-  std::int64_t events_ = 0;
+  std::int64_t first_step_ = 0;  // what the session, which never sets it back, had counted when the sentence began
   bool is_over_ = false;
 };
 
@@ -57,7 +56,7 @@ struct Rendered {
   [[nodiscard]] std::string status() const;
 };
 
-// A generator with its observers.
+// A generator with its observers, for one thread. The project has to outlive it.
 class Bench {
  public:
   explicit Bench(const Project& project);
@@ -65,16 +64,25 @@ class Bench {
   Bench& operator=(const Bench&) = delete;
 
   Watchers& watchers() { return watchers_; }
-  // The sentences of the text, most often one. With `options` of the command: limits and post-edit.
+  // The sentences of the text, most often one. Of `options` only the limits and post-edit count.
   [[nodiscard]] std::vector<Rendered> render(const std::string& text, const RenderOptions& options);
-  // Asked now and then while sentences are rendered: false stops. Empty: not asked.
+  // Asked now and then while sentences are rendered: false stops the one under way. Without it, the interrupt key does.
   void set_keep_going(std::function<bool()> asked) { keep_going_ = std::move(asked); }
 
  private:
-  Watchers watchers_;
+  Watchers watchers_;  // the generator's session points to it, so a bench stays where it is
   std::function<bool()> keep_going_;
   Generator generator_;
 };
+
+// Renders the inputs sentence by sentence, in their order, and hands on what came of each.
+void for_each_rendered(Bench& bench, const RenderOptions& options,
+                       const std::function<void(const GraphText& graph, const Rendered& rendered)>& use);
+
+// Does `use` for 0 to `count` - 1 on threads, each of which takes a stretch of them in order. With one thread it is the
+// caller's. What a thread throws ends its stretch, and is thrown when all have ended.
+void for_each_on(unsigned threads, std::size_t count,
+                 const std::function<void(unsigned thread, std::size_t number)>& use);
 
 // Renders the inputs on threads, each of which takes a stretch of the sentences in their order: what threads have counted,
 // added up in the order of their numbers, is what one alone would have counted. `use` gets the number of the thread,

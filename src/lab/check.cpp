@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <array>
+#include <bit>
 #include <map>
 #include <set>
 #include <tuple>
@@ -12,8 +13,10 @@
 #include "data/platform.hpp"
 #include "lab/check_graphs.hpp"
 #include "lab/check_order.hpp"
+#include "lab/check_pairs.hpp"
 #include "lab/check_rules.hpp"
 #include "lab/check_words.hpp"
+#include "lab/progress.hpp"
 #include "rules/scanners.hpp"
 
 namespace lexon {
@@ -22,6 +25,7 @@ namespace lab {
 
 namespace {
 
+// The manual has a row for each; a test holds the two against each other.
 constexpr CheckCode kCodes[] = {
     {"rule-syntax", "a rule cannot be read, and is left out"},
     {"last-line", "the last line is refused, and no rule is in force"},
@@ -30,6 +34,7 @@ constexpr CheckCode kCodes[] = {
     {"endless-pair", "rules that undo each other in place"},
     {"left-over-boundary", "an L that can leave the list at its left end"},
     {"no-priority", "a rule without a priority, or with 0"},
+    {"contradiction", "a pattern that asks for what it forbids"},
     {"third-pattern", "a pattern behind the second"},
     {"priority-wraps", "a priority above 255"},
     {"rule-never-first", "an earlier rule fits wherever this one does"},
@@ -45,9 +50,12 @@ constexpr CheckCode kCodes[] = {
     {"form-in-pre", "a form or concept where it is not tested"},
     {"idle-type", "a rule type that does nothing"},
     {"literal-never-fits", "a word of the rule that its own conditions rule out"},
+    {"literal-misspelt", "a word of the rule that is nearly one of the dictionary"},
     {"literal-forbidden", "a forbidden attribute that a made-up word gets"},
     {"form-never-there", "a form that no word of the list can have"},
     {"unknown-concept", "a concept word that nothing has"},
+    {"unknown-relation", "a relation of co-occurrence that no pair has"},
+    {"pair-idle", "a pair that nobody can ask about"},
     {"never-together", "attributes that no entry has together"},
     {"entry-syntax", "an entry that cannot be read"},
     {"duplicate-entry", "entries that are alike in everything"},
@@ -58,6 +66,7 @@ constexpr CheckCode kCodes[] = {
     {"unclosed", "a sentence or block that is not closed"},
     {"no-sentence", "a file of graphs without a sentence"},
     {"no-entry", "a sentence without @entry"},
+    {"second-entry", "a second word with @entry"},
     {"scope-entry", "a scope without @entry"},
     {"scope-empty", "a scope without relations"},
     {"scope-unused", "a scope that nothing leads to"},
@@ -67,10 +76,14 @@ constexpr CheckCode kCodes[] = {
     {"rules-room", "the rules leave no room for sentences"},
 };
 
+// Does the name begin as those do that graphs give: attributes and marks of relations?
 bool is_signed_name(const std::string& name) {
   return !name.empty() && (name.front() == '@' || name.front() == '<' || name.front() == '>');
 }
 
+// A check in the order of `run`: read the rules; collect who gives and who asks for each name, from rules, graphs, words
+// and pairs; then look at each rule, at the rules among themselves, and at the names that are left over. Findings about
+// rules are sorted and moved to their sources before those about other files come behind them.
 class Check {
  public:
   explicit Check(const CheckInput& input) : input_(input), base_(read_rules(input, names_, findings_)) {}
@@ -81,9 +94,15 @@ class Check {
     graphs_ = survey_graphs(input_, names_, elsewhere);
     ask_dictionary(elsewhere);
     collect_given();
-    for (const RuleView& rule : base_.rules) check_rule(rule);
-    check_order(
-        input_, base_, [this](const RuleView& rule) { return literal_fits(rule); }, findings_);
+    for (const RuleView& rule : base_.rules) {
+      interrupt_check();
+      check_rule(rule);
+    }
+    const OrderContext context{
+        .literal_fits = [this](const RuleView& rule) { return literal_fits(rule); },
+        .keeps_off_boundary = [this](NameId name) { return keeps_off_boundary(name); },
+    };
+    check_order(input_, base_, context, names_, findings_);
     std::ranges::stable_sort(findings_, {}, &Finding::line);
     findings_to_sources(input_, findings_);
     std::move(elsewhere.begin(), elsewhere.end(), std::back_inserter(findings_));
@@ -97,15 +116,15 @@ class Check {
   // --- who gives and who asks
 
   // Who gives a name, as bits.
-  static constexpr unsigned by_engine = 1;
+  static constexpr unsigned by_engine = 1;  // boundaries, scopes, copies, words that are made up
   static constexpr unsigned by_action = 2;
   static constexpr unsigned by_literal = 4;
   static constexpr unsigned by_words = 8;
   static constexpr unsigned by_graphs = 16;
-  static constexpr unsigned by_pairs = 32;
+  static constexpr unsigned by_pairs = 32;  // the mark of a choice
 
   struct NameUse {
-    unsigned given = 0;
+    unsigned given = 0;     // bits of the above
     bool asked = false;     // by a condition
     bool taken = false;     // an action takes it away
     bool followed = false;  // as a label, cut as the parser does
@@ -116,12 +135,15 @@ class Check {
     return uses_[name];
   }
 
+  // From the rules: what conditions ask for, what actions give and take away, labels and roles. Conditions of groups and of
+  // the two patterns count alike here.
   void collect_rule_names() {
     for (const RuleView& rule : base_.rules) {
       for (const RuleItem& item : rule.items) {
         const bool is_condition = item.place == Place::cond || item.place == Place::pre || item.place == Place::mid ||
                                   item.place == Place::suf;
         if (item.place == Place::relation) {
+          // Rules know a label as the parser cuts it.
           const std::string& label = names_[item.name];
           use_of(names_.enter(label.substr(0, kRelationLabelLimit))).followed = true;
         } else if (item.place == Place::role) {
@@ -143,7 +165,7 @@ class Check {
     }
   }
 
-  // Copies carry "#" in front of what their models had.
+  // Copies carry "#" in front of what their models had, so that who asks for "#N" asks for "N" too.
   void ask(NameId name) {
     use_of(name).asked = true;
     const std::string& text = names_[name];
@@ -151,9 +173,12 @@ class Check {
     if (begin != 0 && begin != std::string::npos) use_of(names_.enter(text.substr(begin))).asked = true;
   }
 
+  // Collects what the dictionary is to be asked, and reads it once: a dictionary of a million entries is gone through for
+  // the forms and concept words that rules and graphs name, and for the names of attributes.
   void ask_dictionary(std::vector<Finding>& elsewhere) {
     for (const auto& [name, use] : graphs_.words) {
       questions_.concepts.insert(name);
+      // A word with a restriction, "dog(>animal)", is looked up without it if it is not there with it.
       const std::string& text = names_[name];
       if (const std::size_t open = text.find('('); open != std::string::npos) {
         questions_.concepts.insert(names_.enter(text.substr(0, open)));
@@ -162,10 +187,19 @@ class Check {
     std::vector<Finding> of_words;
     words_ = survey_words(input_, questions_, names_, of_words);
     pairs_ = survey_cooccurrence(input_, names_, of_words);
+    const PairContext context{
+        .words = words_,
+        .roles = roles_,
+        .forms = questions_.forms,
+        .has_other_form = [this](const std::string& form) { return has_other_form(form); },
+        .judges_words = words_.is_there() && graphs_.is_there,
+    };
+    valued_roles_ = check_pairs(input_, pairs_, context, names_, of_words);
     // Words before graphs, as the command line names them.
     elsewhere.insert(elsewhere.begin(), of_words.begin(), of_words.end());
   }
 
+  // Who gives each name. Afterwards the lists of given and of asked names stand, in which slips are looked up.
   void collect_given() {
     for (const char* name :
          {"SHEAD", "STAIL", "CHEAD", "CTAIL", "SCOPE", "@entry", "TEMP", "NUM", "ANUM", "#ORIG", "#COPY", "H#NIL"}) {
@@ -173,17 +207,19 @@ class Check {
     }
     for (const auto& [name, use] : words_.attributes) use_of(name).given |= by_words;
     for (const auto& [name, use] : graphs_.attributes) use_of(name).given |= by_graphs;
+    // A relation shows at its ends as >label and <label.
     for (const auto& [name, use] : graphs_.labels) {
       for (const char sign : {'>', '<'}) use_of(names_.enter(sign + names_[name])).given |= by_graphs;
     }
     // The mark of a choice is the name of its relation.
-    for (const auto* relations : {&roles_, &pairs_}) {
+    for (const auto* relations : {&roles_, &pairs_.given}) {
       for (const NameId relation : *relations) {
         for (const char sign : {'>', '<'}) use_of(names_.enter(sign + names_[relation])).given |= by_pairs;
       }
     }
     for (const RuleView& rule : base_.rules) {
       for (const Side side : {Side::left, Side::right}) {
+        // A word that is made up gets the conditions of its pattern as attributes, forbidden ones too.
         if (!is_literal(rule, side) || !is_made_up(rule, side)) continue;
         for (const RuleItem& item : rule.items) {
           const bool is_own = item.place == Place::cond && item.side == side && item.kind == ItemKind::attribute;
@@ -220,6 +256,7 @@ class Check {
   const std::vector<WordFacts>* literal_words(const RuleView& rule, Side side) const {
     const RuleItem* name = named_by(rule, side);
     if (name == nullptr) return nullptr;
+    // Looked up by form, a word has to have the concept word that is asked for too, or it is none of these.
     const auto& by_key = name->kind == ItemKind::hw ? words_.by_form : words_.by_concept;
     const auto found = by_key.find(name->name);
     if (found == by_key.end() || name->kind == ItemKind::cw) return found == by_key.end() ? nullptr : &found->second;
@@ -237,7 +274,8 @@ class Check {
     return !words_.is_there() || literal_words(rule, side) == nullptr;
   }
 
-  // The conditions of a pattern that a word does not meet.
+  // The conditions of a pattern that a word does not meet. Signs among the conditions (`sign-in-condition`) ask for
+  // attributes like names without one, and for nothing on forms and concept words.
   std::vector<const RuleItem*> unmet(const RuleView& rule, Side side, const WordFacts& word) const {
     std::vector<const RuleItem*> result;
     const std::vector<NameId>& attributes = words_.attribute_sets[word.attributes];
@@ -252,6 +290,7 @@ class Check {
     return result;
   }
 
+  // Is there, for each literal of the rule, a word that meets its conditions? One that is made up meets them.
   bool literal_fits(const RuleView& rule) const {
     for (const Side side : {Side::left, Side::right}) {
       if (!is_literal(rule, side) || is_made_up(rule, side)) continue;
@@ -262,8 +301,22 @@ class Check {
     return true;
   }
 
+  // Boundaries have the attributes that the engine and the actions of rules give them, and no others.
+  bool keeps_off_boundary(NameId name) {
+    const unsigned given = use_of(name).given;
+    return given != 0 && (given & ~(by_words | by_graphs)) == 0;
+  }
+
+  // Words of pairs that no entry has: numbers, forms that rules write, members of classes, names in graphs.
+  bool has_other_form(const std::string& form) {
+    const NameId name = names_.find(form);
+    const bool is_written = name != kNoName && (written_forms_.contains(name) || pairs_.given.contains(name));
+    return is_written || is_number(form) || is_name_in_graphs(form);
+  }
+
   // --- findings
 
+  // A finding at bytes of a rule's line. It may only be touched until the next one is made.
   Finding& report(const RuleView& rule, std::uint32_t begin, std::uint32_t end, Level level, const char* code,
                   std::string what, std::string remedy) {
     findings_.push_back(finding_at(input_.rules.file, rule.line, rule.text, begin, end, level, code, std::move(what),
@@ -277,7 +330,8 @@ class Check {
     return report(rule, item.begin, item.end, level, code, std::move(what), std::move(remedy));
   }
 
-  // The remedy is another text in the place of a part of what was found.
+  // The remedy is another text in the place of a part of what was found; editors offer it as a change. The last place
+  // counts: signs and colons stand in front of a name.
   static void fix_by(Finding& finding, std::string_view part, std::string_view other) {
     const std::size_t at = finding.fix.old.rfind(part);
     if (at == std::string::npos) return;
@@ -288,13 +342,16 @@ class Check {
 
   // --- one rule
 
+  // What is wrong with the place of an item is told alone: its name means nothing then.
   void check_rule(const RuleView& rule) {
     check_priority(rule);
     check_type(rule);
     for (const Side side : {Side::left, Side::right}) {
       if (is_literal(rule, side) && words_.is_there()) check_literal(rule, side);
+      if (!is_literal(rule, side)) check_contradiction(rule, side);
       check_together(rule, side);
     }
+    if (const RuleItem* role = rule.first(Place::role); role != nullptr) check_role(rule, *role);
     for (const RuleItem& item : rule.items) {
       const bool is_misplaced = check_section(rule, item);
       if (item.kind == ItemKind::hw) check_form(rule, item);
@@ -308,6 +365,7 @@ class Check {
     }
   }
 
+  // Compared as digits, since a number can have any length.
   void check_priority(const RuleView& rule) {
     const std::string& number = rule.number;
     const std::size_t zeros = std::min(number.find_first_not_of('0'), number.size());
@@ -319,6 +377,7 @@ class Check {
            number, "255");
   }
 
+  // Types that do nothing, relations in a rule that brings in no word, an L that can leave the list.
   void check_type(const RuleView& rule) {
     constexpr std::string_view kIdle = "DP";
     if (is_stepless_type(rule.type) || kIdle.find(static_cast<char>(rule.type)) != std::string_view::npos) {
@@ -336,6 +395,7 @@ class Check {
     if (rule.type == rule_type::left) check_left_end(rule);
   }
 
+  // Any condition that asks for something keeps the left boundary off, and groups in front do.
   void check_left_end(const RuleView& rule) {
     if (rule.pre_groups != 0) return;
     for (const RuleItem& item : rule.items) {
@@ -350,12 +410,94 @@ class Check {
     fix_by(found, found.fix.old.substr(1), (is_empty ? "^SHEAD,^CHEAD" : "^SHEAD,^CHEAD,") + found.fix.old.substr(1));
   }
 
+  // Of a literal no word meets the conditions while it is made up, so this is about words that are there already.
+  void check_contradiction(const RuleView& rule, Side side) {
+    for (const RuleItem& forbidden : rule.items) {
+      if (forbidden.place != Place::cond || forbidden.side != side || forbidden.op != kOpNot) continue;
+      const bool is_asked = std::ranges::any_of(rule.items, [&](const RuleItem& item) {
+        return item.place == Place::cond && item.side == side && item.op == kOpHas && item.kind == forbidden.kind &&
+               item.name == forbidden.name;
+      });
+      if (!is_asked) continue;
+      Finding& found =
+          report(rule, forbidden, Level::warning, "contradiction",
+                 "this pattern asks for " + names_[forbidden.name] + " and forbids it, so that the rule never fits",
+                 "strike one of the two out");
+      found.fix.kind = Fix::Kind::strike_item;
+    }
+  }
+
+  // Of several roles the first one counts, that of the left pattern before that of the right.
+  void check_role(const RuleView& rule, const RuleItem& item) {
+    if (pairs_.index == nullptr || !rule.inserts() || valued_roles_.contains(item.name)) return;
+    std::vector<const std::string*> valued;
+    for (const NameId name : valued_roles_) valued.push_back(&names_[name]);
+    const std::string& name = names_[item.name];
+    const std::string* near = nearest(name, valued);
+    Finding& found =
+        report(rule, item, Level::warning, "unknown-relation",
+               "the co-occurrence dictionary has no pair with " + name + ", so that the rule never fits",
+               near != nullptr ? "did you mean " + *near + "?"
+                               : "write pairs with it, or the relation alone to give all pairs a value: [" + name +
+                                     "]{} \"\" () <.,0,1>;");
+    if (near != nullptr) fix_by(found, name, *near);
+  }
+
+  // A bit for each letter of a word, whatever its case; other characters share bits.
+  static std::uint32_t letters_of(std::string_view word) {
+    std::uint32_t letters = 0;
+    for (const char c : word) letters |= 1U << (static_cast<unsigned char>(c) % 32);
+    return letters;
+  }
+
+  // A word that is nearly this one, and that the pattern would take; empty if there is none, or if the pattern asks for
+  // nothing, so that any word would do.
+  std::string near_literal(const RuleView& rule, Side side, const std::string& form) const {
+    constexpr std::size_t kShortest = 4;  // shorter words are near each other as a matter of course
+    const auto is_condition = [side](const RuleItem& item) {
+      return item.place == Place::cond && item.side == side && item.kind == ItemKind::attribute;
+    };
+    const bool asks =
+        std::ranges::any_of(rule.items, [&](const RuleItem& item) { return is_condition(item) && item.op != kOpNot; });
+    if (form.size() < kShortest || !asks) return {};
+    const std::uint32_t letters = letters_of(form);
+    std::set<std::string> forms;
+    for (std::size_t file = 0; file < words_.indexes.size(); ++file) {
+      const WordIndex& index = *words_.indexes[file];
+      std::vector<bool> fits(index.sets().size());
+      for (std::size_t set = 0; set < fits.size(); ++set) {
+        const std::vector<NameId>& attributes = words_.attribute_sets[words_.first_sets[file] + set];
+        fits[set] = std::ranges::all_of(rule.items, [&](const RuleItem& item) {
+          return !is_condition(item) || std::ranges::binary_search(attributes, item.name) == (item.op != kOpNot);
+        });
+      }
+      for (const WordIndex::Entry& entry : index.entries()) {
+        if (!fits[entry.set]) continue;
+        // A slip changes a letter or two, each of which is one bit more and one less. Most words of a million go here.
+        const std::string_view other = index.form(entry);
+        if (std::popcount(letters_of(other) ^ letters) <= 4 && is_near(form, other)) forms.emplace(other);
+      }
+    }
+    std::vector<const std::string*> candidates;
+    for (const std::string& each : forms) candidates.push_back(&each);
+    const std::string* near = nearest(form, candidates);
+    return near == nullptr ? std::string() : *near;
+  }
+
   void check_literal(const RuleView& rule, Side side) {
     const RuleItem& name = *named_by(rule, side);
-    if (names_[name.name].starts_with('#') && name.kind == ItemKind::hw) return;
+    if (names_[name.name].starts_with('#') && name.kind == ItemKind::hw)
+      return;  // a class; the pairs say what is in it
     const std::string shown =
         name.kind == ItemKind::hw ? "[" + names_[name.name] + "]" : "[[" + names_[name.name] + "]]";
     if (is_made_up(rule, side)) {
+      if (const std::string near = name.kind == ItemKind::hw ? near_literal(rule, side, names_[name.name]) : "";
+          !near.empty()) {
+        fix_by(
+            report(rule, name, Level::warning, "literal-misspelt",
+                   "the dictionary has no " + shown + ", so that the word is made up", "did you mean [" + near + "]?"),
+            names_[name.name], near);
+      }
       for (const RuleItem& item : rule.items) {
         if (item.place != Place::cond || item.side != side || item.kind != ItemKind::attribute || item.op != kOpNot)
           continue;
@@ -367,6 +509,7 @@ class Check {
       }
       return;
     }
+    // The word that lacks least is the one that was meant.
     const WordFacts* best = nullptr;
     std::vector<const RuleItem*> best_unmet;
     for (const WordFacts& word : *literal_words(rule, side)) {
@@ -400,7 +543,8 @@ class Check {
     for (const RuleItem& item : rule.items) {
       if (item.place != Place::cond || item.side != side || item.kind != ItemKind::attribute || item.op == kOpNot)
         continue;
-      if (use_of(item.name).given != by_words) continue;
+      // Without graphs a name that these can give may come from there too.
+      if (use_of(item.name).given != by_words || !is_judged(names_[item.name])) continue;
       wanted.push_back(item.name);
       last = &item;
     }
@@ -415,6 +559,7 @@ class Check {
            "look for the entries with lexon-dict list, or strike one of them out");
   }
 
+  // Does an entry have all of them? Only the sets with the rarest one are gone through.
   bool some_entry_has(const std::vector<NameId>& wanted) {
     if (sets_with_.empty()) {
       for (std::uint32_t set = 0; set < words_.attribute_sets.size(); ++set) {
@@ -431,6 +576,7 @@ class Check {
   bool is_label(NameId name) { return graphs_.labels.contains(name) || use_of(name).followed; }
 
   // Does the item stand where something else is read?
+  // True if so; a condition with a sign is told, and still judged as a condition.
   bool check_section(const RuleView& rule, const RuleItem& item) {
     const std::string& name = names_[item.name];
     const bool brings_in = rule.inserts() && (rule.quote(Side::left) || rule.quote(Side::right));
@@ -445,6 +591,7 @@ class Check {
     switch (item.place) {
       case Place::action:
         if (item.kind != ItemKind::attribute || item.op != kOpAdd || rule.text[item.begin] == '+') return false;
+        // One colon too few: "N:agn" sets an attribute agn. A name that is asked for elsewhere may be meant as one.
         if (!brings_in || has_relation || !is_label(item.name) || use_of(item.name).asked) return false;
         return misplaced("an action", "write a second colon: \"N::" + name + "\"" + order, ':' + name);
       case Place::relation: {
@@ -456,6 +603,7 @@ class Check {
         return misplaced("a relation", "actions stand behind the first colon" + order, "");
       }
       case Place::role:
+        // One colon too many, with nothing between.
         if (has_relation || !is_label(item.name)) return false;
         return misplaced("a role", "write two colons: \"N::" + name + "\"" + order, "");
       case Place::cond:
@@ -469,6 +617,8 @@ class Check {
     }
   }
 
+  // A label of a rule: too long to be followed, without effect, or in no graph. It counts as a slip only if a label of the
+  // graphs is near that no rule follows; else the grammar may be ready for more than these graphs.
   void check_label(const RuleView& rule, const RuleItem& item) {
     const std::string& full = names_[item.name];
     const NameId label = names_.enter(full.substr(0, kRelationLabelLimit));
@@ -495,7 +645,8 @@ class Check {
     if (near != nullptr) fix_by(found, full, *near);
   }
 
-  // Can it be told who gives this name?
+  // Can it be told who gives this name? Names of graphs begin with a sign, all others may be those of entries; entries can
+  // have names with a sign too, but graphs are what such a name is looked for in.
   bool is_judged(const std::string& name) const {
     if (name.empty()) return false;
     if (is_signed_name(name)) return graphs_.is_there;
@@ -514,6 +665,8 @@ class Check {
     return (known != kNoName && use_of(known).given != 0) || !is_judged(plain);
   }
 
+  // A name in a condition, or one that an action takes away: does anything give it? Names of graphs that are near nothing
+  // are notes, since these graphs may just not have them.
   void check_name(const RuleView& rule, const RuleItem& item) {
     const std::string& name = names_[item.name];
     if (item.place == Place::action && item.op == kOpAdd) {
@@ -560,6 +713,7 @@ class Check {
     return {};
   }
 
+  // The given name that is nearest; null if none is near. Many rules share a slip, so answers are kept.
   const std::string* near_given(const std::string& name) {
     const auto [known, is_new] = near_.try_emplace(name, nullptr);
     if (!is_new) return known->second;
@@ -577,6 +731,7 @@ class Check {
     return known->second;
   }
 
+  // An action that sets what no condition asks for. "@entry" is asked for by the engine.
   void check_mark(const RuleView& rule, const RuleItem& item) {
     const NameUse& use = use_of(item.name);
     const std::string& name = names_[item.name];
@@ -591,9 +746,11 @@ class Check {
       found.fix.kind = Fix::Kind::strike_item;
   }
 
+  // A form in brackets: can any word of a list have it? Words come from entries with a concept word, which graphs name; from
+  // rules that write a form or bring one in; from graphs themselves; from classes; and from words that post-edit splits.
   void check_form(const RuleView& rule, const RuleItem& item) {
     const std::string& form = names_[item.name];
-    const std::size_t inner = form.find("] ");
+    const std::size_t inner = form.find("] ");  // the text of a form goes to the last bracket of its item
     if (inner != std::string::npos) {
       report(rule, item, Level::warning, "bracket-runs-on",
              "the text in brackets goes on to the last ]: its form is \"" + form + "\"",
@@ -607,12 +764,13 @@ class Check {
     }
     const bool is_asked = item.place == Place::cond || item.place == Place::suf || item.place == Place::mid;
     if (!is_asked || item.op != kOpHas || !words_.is_there() || !graphs_.is_there) return;
-    if (item.place == Place::cond && rule.quote(item.side) && !rule.first(Place::relation)) return;
+    if (item.place == Place::cond && rule.quote(item.side) && !rule.first(Place::relation)) return;  // a literal
     // Post-edit can split any form off a word.
     if ((rule.is_post_edit() && has_splits_) || form == "<<" || form == ">>" || is_number(form)) return;
-    if (is_written(item, rule) || (has_class_ && pairs_.contains(item.name))) return;
+    if (is_written(item, rule) || (has_class_ && pairs_.given.contains(item.name))) return;
     const auto known = words_.by_form.find(item.name);
     const bool has_entry = known != words_.by_form.end();
+    // Graphs reach entries by their concept words.
     const bool is_reached = has_entry && std::ranges::any_of(known->second, [](const WordFacts& word) {
                               return !word.concept_word.empty();
                             });
@@ -643,7 +801,7 @@ class Check {
     return !text.empty() && std::ranges::all_of(text, [](char c) { return is_digit(c); });
   }
 
-  // A word of the graphs that has no entry is written as it stands.
+  // A word of the graphs that has no entry is written as it stands, without its restriction.
   bool is_name_in_graphs(const std::string& form) {
     if (name_forms_.empty()) {
       for (const auto* uses : {&graphs_.words, &graphs_.quoted}) {
@@ -658,6 +816,7 @@ class Check {
     return name_forms_.contains(form);
   }
 
+  // A concept word in brackets: known to the dictionary, or to the graphs?
   void check_concept(const RuleView& rule, const RuleItem& item) {
     const std::string& name = names_[item.name];
     if (item.place == Place::pre || (item.place == Place::mid && rule.quote(Side::left))) {
@@ -676,6 +835,7 @@ class Check {
 
   // --- names that nobody asks for
 
+  // Attributes of entries, each told once, at the first entry that has it.
   void check_word_names() {
     std::vector<NameId> unused;
     for (const auto& [name, use] : words_.attributes) {
@@ -693,7 +853,7 @@ class Check {
       const std::string* near = use.count <= kMostSlips ? nearest(name, asked_names_) : nullptr;
       std::string what = "no rule asks for " + name + " of [" + use.form + "]";
       if (use.count > 1) what += " and of " + std::to_string(use.count - 1) + " more";
-      if (use.line != 0) needles_[findings_.size()] = name;
+      if (use.line != 0) needles_[findings_.size()] = name;  // the column is looked for when all findings are there
       findings_.push_back({words_.files[use.file], use.line, 0, 0, near != nullptr ? Level::warning : Level::note,
                            "unused-name", std::move(what), near != nullptr ? "did you mean " + *near + "?" : ""});
       if (near != nullptr && use.line != 0) findings_.back().fix = {Fix::Kind::replace, name, *near};
@@ -724,8 +884,10 @@ class Check {
     return result;
   }
 
+  // Labels and attributes in the order of the graphs, words by how often they stand there: what is missing most comes first.
   void check_graph_names() {
-    std::vector<const std::string*> lost_labels;
+    std::vector<const std::string*>
+        lost_labels;  // that rules follow and no graph has: what a slip may have been meant for
     for (const RuleView& rule : base_.rules) {
       for (const RuleItem& item : rule.items) {
         if (item.place == Place::relation && !graphs_.labels.contains(item.name))
@@ -745,6 +907,8 @@ class Check {
     if (words_.is_there()) check_graph_words();
   }
 
+  // A label of the graphs that no rule follows. One that a condition sees (>label) may be said by other means, so it is no
+  // more than a note.
   void check_graph_label(NameId id, const GraphSurvey::Use& use, const std::vector<const std::string*>& lost_labels) {
     const std::string& label = names_[id];
     if (label.size() > kRelationLabelLimit) {
@@ -765,6 +929,7 @@ class Check {
            fix_of(label, near));
   }
 
+  // Words of the graphs that no entry has, those in quotes apart: they are names by intention.
   void check_graph_words() {
     for (const auto& [id, use] : sorted(graphs_.words, true)) {
       const std::string& name = names_[id];
@@ -777,7 +942,10 @@ class Check {
       report(
           *use, is_name ? Level::note : Level::warning, "unknown-word",
           "the dictionary has no " + name + times(use->count) + (is_name ? "; it counts as a name" : ""),
-          is_name ? "" : "write an entry with the concept word \"" + name + "\", or the word in quotes if it is a name",
+          is_name ? ""
+          : name.front() == '@'
+              ? "write . for the comma in front of it: attributes stand behind a point"
+              : "write an entry with the concept word \"" + name + "\", or the word in quotes if it is a name",
           is_name ? Fix() : Fix{Fix::Kind::new_entry, name, '[' + name.substr(0, open) + "]{} \"" + name + "\" ();"});
     }
   }
@@ -788,20 +956,21 @@ class Check {
   RuleBase base_;
   GraphSurvey graphs_;
   WordSurvey words_;
-  std::unordered_set<NameId> pairs_;
-  WordQuestions questions_;
-  std::vector<NameUse> uses_;
-  std::unordered_set<NameId> roles_;
-  std::unordered_set<NameId> written_forms_;
-  std::set<std::string> name_forms_;
-  bool has_class_ = false;
-  bool has_splits_ = false;
+  PairSurvey pairs_;
+  WordQuestions questions_;                   // forms and concepts that rules and graphs name
+  std::vector<NameUse> uses_;                 // by name; grows with the names
+  std::unordered_set<NameId> roles_;          // relations of co-occurrence in rules
+  std::unordered_set<NameId> valued_roles_;   // of these and of their superiors: some pair has a value
+  std::unordered_set<NameId> written_forms_;  // that rules write, or bring in
+  std::set<std::string> name_forms_;          // forms of words in graphs, made when they are first asked for
+  bool has_class_ = false;                    // some rule asks for a word of a class
+  bool has_splits_ = false;                   // some rule splits words, and so makes forms that nothing else gives
   std::vector<const std::string*> given_names_;
-  std::vector<const std::string*> asked_names_;
-  std::unordered_map<std::string, const std::string*> near_;
-  std::map<std::vector<NameId>, bool> together_;
-  std::unordered_map<NameId, std::vector<std::uint32_t>> sets_with_;
-  std::unordered_map<std::size_t, std::string> needles_;
+  std::vector<const std::string*> asked_names_;                       // by conditions, but those of the engine
+  std::unordered_map<std::string, const std::string*> near_;          // answers of `near_given`
+  std::map<std::vector<NameId>, bool> together_;                      // answers of `some_entry_has`
+  std::unordered_map<NameId, std::vector<std::uint32_t>> sets_with_;  // attribute sets by name
+  std::unordered_map<std::size_t, std::string> needles_;              // see `entry_columns_find`
 };
 
 }  // namespace

@@ -10,6 +10,7 @@
 
 #include "front/process.hpp"
 #include "lab/check.hpp"
+#include "lab/check_rules.hpp"
 #include "lab/commands.hpp"
 #include "lab/options.hpp"
 #include "lab/text_file.hpp"
@@ -26,16 +27,17 @@ namespace {
 using Json = nlohmann::ordered_json;
 
 struct Arguments {
-  std::string rules;
-  std::string words;
-  std::string cooccurrence;
-  std::vector<std::string> inputs;
-  std::string format = "text";
-  std::vector<std::string> silenced;
+  std::string rules;                  // text or source; "-": standard input
+  std::vector<std::string> words;     // entry texts, which count as one, or a built dictionary; empty: none
+  std::string cooccurrence;           // the same, one file
+  std::vector<std::string> inputs;    // graphs
+  std::string format = "text";        // or "json" or "sarif"
+  std::vector<std::string> silenced;  // codes of findings that are left out
   int blocks = kMaxBlocks;
-  bool is_strict = false;
+  bool is_strict = false;  // warnings count as errors in the status
 };
 
+// As in all three forms of the output; the names are those of SARIF.
 const char* name_of(Level level) {
   switch (level) {
     case Level::error: return "error";
@@ -50,12 +52,13 @@ constexpr std::int64_t kShownAlike = 5;
 void write_text(const std::vector<Finding>& findings) {
   using What = std::tuple<std::string, std::string, std::string>;
   const auto what_of = [](const Finding& finding) { return What(finding.code, finding.file, finding.text); };
+  // The remedy does not count: that of copies names the lines that each was copied from.
   std::map<What, std::int64_t> alike;
   for (const Finding& finding : findings) ++alike[what_of(finding)];
   std::map<What, std::int64_t> shown;
   for (const Finding& finding : findings) {
     const What what = what_of(finding);
-    const std::int64_t count = ++shown[what];
+    const std::int64_t count = ++shown[what];  // of its like, this one counted
     if (count > kShownAlike) continue;
     std::cout << escaped(finding.file);
     if (finding.line != 0) std::cout << ':' << finding.line;
@@ -71,6 +74,8 @@ void write_json(const Json& json) {
   std::cout << json.dump(2, ' ', false, Json::error_handler_t::replace) << '\n';
 }
 
+// A list of {"file", "line", "column", "endColumn", "level", "code", "text", "fix"}; what is not known is left out. Columns
+// are characters, the end column stands behind the last.
 Json json_of(const std::vector<Finding>& findings) {
   Json all = Json::array();
   for (const Finding& finding : findings) {
@@ -89,6 +94,7 @@ Json json_of(const std::vector<Finding>& findings) {
   return all;
 }
 
+// The form that editors and code review read. It has no field for a remedy in words, so that goes into the message.
 Json sarif_of(const std::vector<Finding>& findings) {
   Json rules = Json::array();
   for (const CheckCode& code : check_codes()) {
@@ -115,6 +121,7 @@ Json sarif_of(const std::vector<Finding>& findings) {
            Json::array({{{"tool", {{"driver", driver}}}, {"columnKind", "unicodeCodePoints"}, {"results", results}}})}};
 }
 
+// A misspelt code would silence nothing, and nobody would notice.
 void refuse_unknown_codes(const std::vector<std::string>& codes) {
   for (const std::string& code : codes) {
     const bool is_known =
@@ -123,11 +130,14 @@ void refuse_unknown_codes(const std::vector<std::string>& codes) {
   }
 }
 
+// Expands a source, checks, leaves out what is silenced, and writes the rest; the count goes to standard error, so that
+// standard output holds findings alone.
 int run_check(const Arguments& arguments) {
   refuse_unknown_codes(arguments.silenced);
   CheckInput input;
   input.rules = {arguments.rules, text_file_read(arguments.rules)};
-  if (!arguments.words.empty()) input.words_files.push_back(arguments.words);
+  if (input.rules.text.empty()) tell_line(arguments.rules + ": is empty, so there are no rules to check");
+  input.words_files = arguments.words;
   input.cooccurrence_file = arguments.cooccurrence;
   input.blocks = arguments.blocks;
   const bool may_be_source = path_split(arguments.rules).extension == kSourceExtension;
@@ -141,7 +151,7 @@ int run_check(const Arguments& arguments) {
     input.source = &expansion.map;
   }
   for (const std::string& path : arguments.inputs) input.graphs.push_back({path, text_file_read(path)});
-  if (path_split(arguments.rules).extension == ".rul" || input.rules.text.find('\0') != std::string::npos) {
+  if (path_split(arguments.rules).extension == ".rul" || is_compiled(input.rules.text)) {
     throw Fault(arguments.rules + ": is no rule text: compiled rules do not tell lines; name the text");
   }
   std::vector<Finding> findings = check(input);
@@ -169,8 +179,10 @@ Command add_check(CLI::App& app) {
   const auto arguments = std::make_shared<Arguments>();
   add_option(command, "RULES", arguments->rules, "The rules, as text or as a grammar source (.lxr)",
              {.required = true});
-  add_option(command, "-d,--dict", arguments->words,
-             "The dictionary: entry text, so that findings name its lines, or what lexon-dict makes of it");
+  add_option(
+      command, "-d,--dict", arguments->words,
+      "The dictionary: entry text, so that findings name its lines, or what lexon-dict makes of it; may be repeated",
+      {.one_value = true});
   add_option(command, "-c,--cr", arguments->cooccurrence, "The co-occurrence dictionary, text or built");
   add_option(command, "-i,--input", arguments->inputs, "Graphs; - for standard input; may be repeated");
   add_option(command, "--format", arguments->format, "How findings are written",

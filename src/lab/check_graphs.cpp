@@ -21,9 +21,11 @@ namespace lab {
 
 namespace {
 
+// Longer ones are refused with their line. Rules follow shorter ones still, see `kRelationLabelLimit`.
 constexpr std::size_t kLongestLabel = sizeof(Relation::label) - 1;
 
-// One file of graphs, line by line, as the reader of a run goes over it.
+// One file of graphs, line by line, as the reader of a run goes over it: blocks that are passed over hide lines, what stands
+// outside of a sentence is lost, and a sentence that is not closed runs into the next.
 class GraphText {
  public:
   GraphText(GraphSurvey& survey, Names& names, std::vector<Finding>& findings, const CheckText& text, std::size_t file)
@@ -31,7 +33,7 @@ class GraphText {
 
   void read() {
     std::string_view rest = text_.text;
-    std::array<char, kLineSize> buffer;
+    std::array<char, kLineSize> buffer;  // lines come in pieces of this size, as in a run
     while (text_line_read(rest, buffer.data(), kLineSize, &watch_)) {
       line_ = buffer.data();
       if (!passed_block_.empty()) {
@@ -50,6 +52,7 @@ class GraphText {
       findings_.back().fix = {Fix::Kind::text_end, "", "[/S]\n"};
       sentence_end();
     }
+    // A file that is no graphs at all, or whose sentences all stand in a block that is passed over.
     if (open_line_ == 0) {
       report(0, 0, 0, Level::warning, "no-sentence", "this file holds no sentence",
              "a sentence begins with a line [S] and ends with a line [/S]");
@@ -64,9 +67,13 @@ class GraphText {
     std::size_t column = 0;
     bool has_relations = false;
     bool has_entry = false;
-    std::int64_t relation_line = 0;
+    std::string entry_word{};  // the first with @entry, with its number
+    std::int64_t entry_line = 0;
+    std::int64_t relation_line = 0;  // of its first relation
   };
 
+  // A finding at bytes of a line. The text is known of the line that is being read alone; of others the column is that of
+  // their first character.
   void report(std::int64_t line, std::size_t begin, std::size_t end, Level level, const char* code, std::string what,
               std::string remedy) {
     const std::string_view text = line == watch_.line ? std::string_view(line_) : std::string_view();
@@ -78,6 +85,7 @@ class GraphText {
     }
   }
 
+  // A line in a block that is read otherwise: a word block has a word a line, other blocks are passed over.
   void block_line(char* line) {
     if (std::string_view(line).starts_with(passed_block_)) {
       passed_block_ = {};
@@ -111,6 +119,7 @@ class GraphText {
       case LineKind::word_block: open_block(kWordBlockEnd); break;
       case LineKind::skipped_block: open_block(kSkippedBlockEnd); break;
       case LineKind::sentence_start:
+        // A second [S] in front of the first relation changes nothing.
         if (is_open_ && has_relations_) {
           report(watch_.line, static_cast<std::size_t>(line - buffer), std::strlen(buffer), Level::error,
                  "sentence-in-sentence",
@@ -124,11 +133,13 @@ class GraphText {
     }
   }
 
+  // A second start inside a sentence leaves the first one in force.
   void sentence_start() {
     if (!is_open_) open_line_ = watch_.line;
     is_open_ = true;
   }
 
+  // Scopes are judged as a whole: their relations can stand in any order.
   void sentence_end() {
     if (is_open_ || has_relations_) {
       for (const auto& [number, scope] : scopes_) check_scope(number, scope);
@@ -137,6 +148,7 @@ class GraphText {
     is_open_ = has_relations_ = false;
   }
 
+  // At the end of a sentence: can the scope be reached, and entered? The sentence itself has the number 0.
   void check_scope(int number, const Scope& scope) {
     char code[3];
     node_code_write(number, code);
@@ -159,6 +171,7 @@ class GraphText {
     }
   }
 
+  // Takes a relation apart, which cuts the line into texts; findings show the line as it was read.
   void relation(char* buffer) {
     const std::string as_read(buffer);
     RelationText parts;
@@ -166,6 +179,7 @@ class GraphText {
     line_ = as_read.c_str();
     const std::size_t length = as_read.find_last_not_of("\r\n") + 1;
     if (!is_open_) {
+      // Outside of sentences any text may stand; this is about what looks like a relation.
       const bool is_meant = is_relation && *parts.label != '\0' && std::strpbrk(parts.label, " \t[") == nullptr &&
                             *parts.from != '\0' && *parts.to != '\0';
       if (is_meant) {
@@ -185,6 +199,10 @@ class GraphText {
       return bad("the relation leads from no word", "write label(from, to)");
     if (*parts.to == '\0' || *parts.to == '.') return bad("the relation leads to no word", "write label(from, to)");
     const std::size_t label_at = offset(parts.label);
+    if (const char* colon = std::strchr(parts.label, ':'); colon != nullptr && !has_scope_code(colon)) {
+      bad("the number of a scope has two characters, and what follows here is read as one",
+          "write a digit and another digit or letter behind the colon, as in label:01(from, to)");
+    }
     const int number = label_scope(parts.label) & 0xFF;
     const std::string_view label(parts.label);
     if (label.size() > kLongestLabel) {
@@ -200,11 +218,21 @@ class GraphText {
     word(buffer, parts.to, number);
   }
 
+  // Does a colon stand in front of two characters that can be a number, and of no third?
+  static bool has_scope_code(const char* colon) {
+    const char* code = colon + 1 + std::strspn(colon + 1, " \t");
+    std::size_t length = 0;
+    while (std::isalnum(static_cast<unsigned char>(code[length])) != 0) ++length;
+    return length == 2;
+  }
+
+  // A word of a relation of this scope, or of a word block. Cuts `text`, which lies in `buffer`.
   void word(const char* buffer, char* text, int scope) {
     const auto offset = [buffer](const char* part) { return static_cast<std::size_t>(part - buffer); };
     const WordText parts = split_word(text);
     const std::string_view name(parts.name);
     const std::size_t at = offset(parts.name);
+    // A number without a name stands for a scope; with one it tells two nodes of a word apart.
     if (name.empty() && parts.number > 0) {
       Scope& inner = scopes_[parts.number];
       if (inner.line == 0) {
@@ -214,23 +242,38 @@ class GraphText {
     } else if (!name.empty()) {
       use(parts.quoted ? survey_.quoted : survey_.words, name, at, at + name.size());
     }
-    bool has_entry = false;
+    // Words of one name with other numbers are other nodes.
+    Scope& own = scopes_[scope];
+    const std::string who = std::string(name) + (parts.number > 0 ? ':' + std::to_string(parts.number) : "");
     for (const char* attr = parts.attrs; *attr != '\0';) {
       attr += std::strspn(attr, ". ");
       const std::size_t size = std::strcspn(attr, ". ");
       if (size == 0) break;
       const std::string_view attribute(attr, size);
-      has_entry = has_entry || attribute == "@entry";
+      if (attribute == "@entry") entry(own, who, offset(attr));
       use(survey_.attributes, attribute, offset(attr), offset(attr) + size);
       attr += size;
     }
-    Scope& own = scopes_[scope];
-    own.has_entry = own.has_entry || has_entry;
     own.has_relations = true;
     has_relations_ = true;
     if (own.relation_line == 0) own.relation_line = watch_.line;
   }
 
+  // A word has its @entry as often as it is named; another word with one is most likely a slip.
+  void entry(Scope& scope, const std::string& who, std::size_t at) {
+    if (scope.has_entry && scope.entry_word != who) {
+      report(watch_.line, at, at + std::strlen("@entry"), Level::warning, "second-entry",
+             "a second word with @entry: " + scope.entry_word + " in line " + std::to_string(scope.entry_line) +
+                 " has it too, and one of them is passed over",
+             "leave it with the word that governs all others");
+      return;
+    }
+    if (!scope.has_entry) scope.entry_line = watch_.line;
+    scope.has_entry = true;
+    scope.entry_word = who;
+  }
+
+  // Counts a name, and keeps the place where it stands first.
   void use(std::unordered_map<NameId, GraphSurvey::Use>& uses, std::string_view name, std::size_t begin,
            std::size_t end) {
     GraphSurvey::Use& found = uses[names_.enter(name)];
@@ -245,13 +288,13 @@ class GraphText {
   const CheckText& text_;
   std::size_t file_;
   TextWatch watch_;
-  const char* line_ = "";  // as read
-  BlockTag open_tag_;
+  const char* line_ = "";          // as read
+  BlockTag open_tag_;              // of a block {name} ... {/name}, whose lines are passed over
   std::string_view passed_block_;  // what ends it; empty if none is open
   std::int64_t block_line_ = 0;
-  bool is_open_ = false;
-  bool has_relations_ = false;
-  std::int64_t open_line_ = 0;
+  bool is_open_ = false;         // a sentence has begun
+  bool has_relations_ = false;   // and holds some
+  std::int64_t open_line_ = 0;   // of its begin; 0: none has begun so far
   std::map<int, Scope> scopes_;  // 0: the sentence itself
 };
 

@@ -10,10 +10,12 @@ namespace lab {
 
 namespace {
 
-// Short names differ by a letter as a matter of course.
+// Bytes, signs in front not counted. Short names differ by a letter as a matter of course, and long ones may hold two
+// slips.
 constexpr std::size_t kShortName = 3;
 constexpr std::size_t kLongName = 8;
 
+// "progress" of "@progress" and of "^@progress": which sign stands in front is a slip of its own.
 std::string_view without_signs(std::string_view name) {
   const std::size_t begin = name.find_first_not_of("@!#+-_.;^");
   return begin == std::string_view::npos ? name : name.substr(begin);
@@ -40,6 +42,7 @@ std::size_t distance(std::string_view a, std::string_view b, std::size_t limit) 
       if (exchanged) row[j] = std::min(row[j], before[j - 2] + 1);
     }
     if (*std::min_element(row.begin(), row.end()) > limit) return limit + 1;
+    // The rows of the table move up by one.
     before.swap(last);
     last.swap(row);
   }

@@ -5,6 +5,8 @@
 #include <unordered_map>
 #include <utility>
 
+#include "lab/progress.hpp"
+
 namespace lexon {
 inline namespace v1 {
 namespace lab {
@@ -19,13 +21,13 @@ Demand demand(unsigned kind, NameId name) {
   return static_cast<Demand>(kind) << 56 | name;
 }
 
-// Bits of the kind of a demand.
+// Bits of the kind of a demand: of the left word's attributes if none is set.
 constexpr unsigned kOfRight = 1;
 constexpr unsigned kForbidden = 2;
 constexpr unsigned kOfForm = 4;
 constexpr unsigned kOfConcept = 8;
-constexpr unsigned kOfInserted = 16;
-constexpr unsigned kLabel = 32;
+constexpr unsigned kOfInserted = 16;  // of a word that comes in
+constexpr unsigned kLabel = 32;       // the relation over which it does
 
 unsigned kind_of(const RuleItem& item) {
   unsigned kind = item.side == Side::right ? kOfRight : 0;
@@ -35,6 +37,7 @@ unsigned kind_of(const RuleItem& item) {
   return kind;
 }
 
+// In ascending order, each once.
 void make_set(Demands& demands) {
   std::ranges::sort(demands);
   demands.erase(std::unique(demands.begin(), demands.end()), demands.end());
@@ -59,14 +62,34 @@ Demands demands_of(const RuleView& rule) {
   return result;
 }
 
-// Does what meets `met` meet `demands`? A demanded form rules all others out, and so does a concept word.
-bool are_met(const Demands& demands, const Demands& met) {
-  return std::ranges::all_of(demands, [&met](Demand one) {
+// Of names: which of them only boundaries have, and which no boundary has.
+struct BoundaryNames {
+  std::vector<NameId> of_boundaries;
+  const std::function<bool(NameId)>& keeps_off;
+
+  [[nodiscard]] bool is_of_boundaries(Demand one) const {
+    return std::ranges::find(of_boundaries, static_cast<NameId>(one)) != of_boundaries.end();
+  }
+};
+
+// Can a demand be met without being made: is it one that forbids something which another demand rules out?
+bool may_be_implied(Demand one, const BoundaryNames& boundaries) {
+  const auto kind = static_cast<unsigned>(one >> 56);
+  return (kind & kForbidden) != 0 && ((kind & (kOfForm | kOfConcept)) != 0 || boundaries.is_of_boundaries(one));
+}
+
+// Does what meets `met` meet `demands`? A demanded form rules all others out, and so does a concept word; an attribute
+// that no boundary has rules boundaries out.
+bool are_met(const Demands& demands, const Demands& met, const BoundaryNames& boundaries) {
+  return std::ranges::all_of(demands, [&](Demand one) {
     if (std::ranges::binary_search(met, one)) return true;
+    if (!may_be_implied(one, boundaries)) return false;
     const auto kind = static_cast<unsigned>(one >> 56);
-    if ((kind & kForbidden) == 0 || (kind & (kOfForm | kOfConcept)) == 0) return false;
+    const bool is_attribute = (kind & (kOfForm | kOfConcept)) == 0;
     return std::ranges::any_of(met, [&](Demand other) {
-      return other >> 56 == (kind & ~kForbidden) && static_cast<NameId>(other) != static_cast<NameId>(one);
+      if (other >> 56 != (kind & ~kForbidden)) return false;
+      const auto name = static_cast<NameId>(other);
+      return is_attribute ? boundaries.keeps_off(name) : name != static_cast<NameId>(one);
     });
   });
 }
@@ -83,7 +106,7 @@ bool is_one_of(std::uint8_t type, std::string_view types) {
 // Finds rules whose demands are among given ones: each rule stands under the rarest of its demands.
 class RulesByDemand {
  public:
-  RulesByDemand(const std::vector<Demands>& demands, const std::vector<bool>& is_in) {
+  RulesByDemand(const std::vector<Demands>& demands, const std::vector<bool>& is_in, const BoundaryNames& boundaries) {
     std::unordered_map<Demand, std::uint32_t> counts;
     for (std::size_t i = 0; i < demands.size(); ++i) {
       if (!is_in[i]) continue;
@@ -95,12 +118,8 @@ class RulesByDemand {
         without_.push_back(i);
         continue;
       }
-      // A forbidden form may be met by another one, and is no sign then.
-      const auto rarity = [&](Demand one) {
-        const auto kind = static_cast<unsigned>(one >> 56);
-        const bool is_sure = (kind & kForbidden) == 0 || (kind & (kOfForm | kOfConcept)) == 0;
-        return std::pair(!is_sure, counts[one]);
-      };
+      // What may be implied by another demand is no sign.
+      const auto rarity = [&](Demand one) { return std::pair(may_be_implied(one, boundaries), counts[one]); };
       const Demand sign = *std::ranges::min_element(demands[i], {}, rarity);
       if (rarity(sign).first) {
         without_.push_back(i);
@@ -126,21 +145,26 @@ class RulesByDemand {
   }
 
  private:
-  std::unordered_map<Demand, std::vector<std::uint32_t>> under_;
-  std::vector<std::uint32_t> without_;
+  std::unordered_map<Demand, std::vector<std::uint32_t>> under_;  // numbers of rules, by their sign
+  std::vector<std::uint32_t> without_;                            // those without a sign, which any others may meet
 };
 
 class OrderCheck {
  public:
-  OrderCheck(const CheckInput& input, const RuleBase& base, const std::function<bool(const RuleView&)>& literal_fits,
+  OrderCheck(const CheckInput& input, const RuleBase& base, const OrderContext& context, const Names& names,
              std::vector<Finding>& findings)
-      : input_(input), rules_(base.rules), literal_fits_(literal_fits), findings_(findings) {}
+      : input_(input), rules_(base.rules), context_(context), findings_(findings) {
+    for (const char* name : {"SHEAD", "STAIL", "CHEAD", "CTAIL"}) {
+      if (const NameId id = names.find(name); id != kNoName) boundaries_.of_boundaries.push_back(id);
+    }
+  }
 
   void run() {
     demands_.reserve(rules_.size());
     for (const RuleView& rule : rules_) demands_.push_back(demands_of(rule));
     check_first();
     for (const RuleView& rule : rules_) {
+      interrupt_check();
       check_insertion(rule);
       check_move(rule);
     }
@@ -158,14 +182,15 @@ class OrderCheck {
 
   // --- rules that can never be first
 
-  // Does the rule fit wherever its demands are met?
+  // Does the rule fit wherever its demands are met? Not if it asks for more than demands can tell: groups between its
+  // patterns, a pair that goes together, a word for a relation on both sides, a word that may not be had.
   bool is_plain(const RuleView& rule) const {
     if (!is_one_of(rule.type, ":LRXCU345") || rule.mid_groups != 0 || rule.first(Place::role) != nullptr) return false;
     if (rule.quote(Side::left) && rule.quote(Side::right)) return false;
     const bool is_relation = rule.first(Place::relation) != nullptr;
     const bool is_quote = rule.quote(Side::left) || rule.quote(Side::right);
     if (is_relation && !is_quote) return false;
-    return !is_quote || is_relation || literal_fits_(rule);
+    return !is_quote || is_relation || context_.literal_fits(rule);
   }
 
   // Do the groups of `first` hold wherever those of `second` do?
@@ -176,6 +201,7 @@ class OrderCheck {
            (first.suf.empty() || first.suf == second.suf);
   }
 
+  // Given that its demands are met wherever those of the second are: does the first rule come before it there?
   static bool comes_first_where(const RuleView& first, const RuleView& second) {
     if (first.is_post_edit() != second.is_post_edit() || !groups_hold(first, second)) return false;
     // A forced step back, or a test whose right word narrows the other way, is another matter.
@@ -187,6 +213,7 @@ class OrderCheck {
     return !has_demands(first, Side::left) && !has_demands(first, Side::right);
   }
 
+  // Word for word, whatever the blanks and the priorities.
   static bool is_same(const RuleView& a, const RuleView& b) {
     if (a.type != b.type || a.pre != b.pre || a.suf != b.suf || a.items.size() != b.items.size()) return false;
     return std::ranges::equal(a.items, b.items, [](const RuleItem& one, const RuleItem& two) {
@@ -195,6 +222,8 @@ class OrderCheck {
     });
   }
 
+  // `is_alike`: the two demand the same. Then the later one has its turn when the search comes back, as a second choice,
+  // which is a way to write grammars and no mistake.
   void report_later(const RuleView& first, const RuleView& second, bool is_alike) {
     const bool is_double = is_same(first, second);
     std::string what = is_double ? "the same rule stands in " : "wherever this rule fits, an earlier one does: ";
@@ -213,14 +242,16 @@ class OrderCheck {
     if (is_double) findings_.back().fix.kind = Fix::Kind::strike_line;
   }
 
+  // For each rule the first one found that always comes before it. Rules stand in the order of trial, so that an earlier
+  // number is an earlier turn.
   void check_first() {
     std::vector<bool> is_in(rules_.size());
     for (std::size_t i = 0; i < rules_.size(); ++i) is_in[i] = is_plain(rules_[i]);
-    const RulesByDemand index(demands_, is_in);
+    const RulesByDemand index(demands_, is_in, boundaries_);
     for (std::uint32_t second = 0; second < rules_.size(); ++second) {
       const RuleView& rule = rules_[second];
       index.each(demands_[second], [&](std::uint32_t first) {
-        if (first >= second || !are_met(demands_[first], demands_[second])) return false;
+        if (first >= second || !are_met(demands_[first], demands_[second], boundaries_)) return false;
         if (!comes_first_where(rules_[first], rule)) return false;
         report_later(rules_[first], rule, demands_[first] == demands_[second]);
         return true;
@@ -240,6 +271,7 @@ class OrderCheck {
     });
   }
 
+  // Does the action make the condition fail? One that sets another form breaks each condition on the old one.
   static bool breaks(const RuleItem& action, const RuleItem& condition) {
     if (action.kind != condition.kind) return false;
     const bool is_same_name = action.name == condition.name;
@@ -265,6 +297,7 @@ class OrderCheck {
   // What is known of the two words: demands that hold.
   using Facts = Demands;
 
+  // What holds behind an application: actions take effect in their order, and each replaces what it contradicts.
   static void learn(Facts& facts, const RuleView& rule) {
     for (const RuleItem& item : rule.items) {
       if (item.place != Place::action || item.kind == ItemKind::cw) continue;
@@ -324,17 +357,17 @@ class OrderCheck {
       is_in[i] = rule.inserts() && !rule.quote(Side::left) && !rule.quote(Side::right) && rule.pre.empty() &&
                  rule.suf.empty() && rule.first(Place::relation) == nullptr;
     }
-    const RulesByDemand index(demands_, is_in);
+    const RulesByDemand index(demands_, is_in, boundaries_);
     for (std::uint32_t first = 0; first < rules_.size(); ++first) {
       if (!is_in[first]) continue;
       Facts behind_first = demands_[first];
       learn(behind_first, rules_[first]);
       index.each(behind_first, [&](std::uint32_t second) {
         if (second <= first || rules_[first].is_post_edit() != rules_[second].is_post_edit()) return false;
-        if (!are_met(demands_[second], behind_first)) return false;
+        if (!are_met(demands_[second], behind_first, boundaries_)) return false;
         Facts behind_both = behind_first;
         learn(behind_both, rules_[second]);
-        if (!are_met(demands_[first], behind_both)) return false;
+        if (!are_met(demands_[first], behind_both, boundaries_)) return false;
         report(rules_[second], Level::error, "endless-pair",
                "this rule and that of " + line_of(rules_[first]) + " undo each other on one pair of words, for ever",
                "let one of them leave a mark that the other forbids");
@@ -345,16 +378,17 @@ class OrderCheck {
 
   const CheckInput& input_;
   const std::vector<RuleView>& rules_;
-  const std::function<bool(const RuleView&)>& literal_fits_;
+  const OrderContext& context_;
+  BoundaryNames boundaries_{{}, context_.keeps_off_boundary};
   std::vector<Finding>& findings_;
-  std::vector<Demands> demands_;
+  std::vector<Demands> demands_;  // by rule
 };
 
 }  // namespace
 
-void check_order(const CheckInput& input, const RuleBase& base,
-                 const std::function<bool(const RuleView&)>& literal_fits, std::vector<Finding>& findings) {
-  OrderCheck(input, base, literal_fits, findings).run();
+void check_order(const CheckInput& input, const RuleBase& base, const OrderContext& context, const Names& names,
+                 std::vector<Finding>& findings) {
+  OrderCheck(input, base, context, names, findings).run();
 }
 
 }  // namespace lab

@@ -10,10 +10,17 @@ namespace lexon {
 inline namespace v1 {
 namespace lab {
 
-// Rules that can never be first, that fit their own result, that undo each other. `literal_fits` tells whether the
-// words that a rule names can come in, as far as that is known.
-void check_order(const CheckInput& input, const RuleBase& base,
-                 const std::function<bool(const RuleView&)>& literal_fits, std::vector<Finding>& findings);
+// What else a check knows of rules and names.
+struct OrderContext {
+  // Can the words that a rule names come in, as far as that is known?
+  std::function<bool(const RuleView&)> literal_fits;
+  // Does a pattern that asks for this attribute never fit the boundary of a list?
+  std::function<bool(NameId)> keeps_off_boundary;
+};
+
+// Rules that can never be first, that fit their own result, that undo each other.
+void check_order(const CheckInput& input, const RuleBase& base, const OrderContext& context, const Names& names,
+                 std::vector<Finding>& findings);
 
 }  // namespace lab
 }  // namespace v1

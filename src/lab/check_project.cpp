@@ -16,6 +16,7 @@ namespace lab {
 
 namespace {
 
+// A file that is missing must not end the check of the others.
 std::optional<std::string> text_or_finding(const std::string& path, const Overlay& unsaved,
                                            std::vector<Finding>& findings) {
   try {
@@ -27,6 +28,7 @@ std::optional<std::string> text_or_finding(const std::string& path, const Overla
   }
 }
 
+// The first half of a message says what is wrong, the second how to put it right.
 void add_messages(const Expansion& expansion, std::vector<Finding>& findings) {
   for (const SourceMessage& message : expansion.messages) {
     const std::size_t colon = message.text.find(": ");
@@ -53,8 +55,8 @@ std::vector<Finding> check_project(const ProjectFiles& files, const Overlay& uns
   input.unsaved = &unsaved;
   input.cache = &cache;
   input.rules.file = files.rules;
-  bool has_rules = false;
-  Expansion expansion;
+  bool has_rules = false;  // and they can be read
+  Expansion expansion;     // that `input` points into
   if (!files.rules.empty()) {
     if (auto text = text_or_finding(files.rules, unsaved, findings)) {
       input.rules.text = std::move(*text);
@@ -70,15 +72,17 @@ std::vector<Finding> check_project(const ProjectFiles& files, const Overlay& uns
       input.source = &expansion.map;
     }
   }
-  if (has_rules && input.rules.text.find('\0') != std::string::npos) {
+  if (has_rules && is_compiled(input.rules.text)) {
     findings.push_back({files.rules, 0, 0, 0, Level::error, "no-file", "is no rule text",
                         "compiled rules do not tell lines: name the text"});
     has_rules = false;
   }
+  // Words and graphs are still checked for themselves.
   if (!has_rules) {
     input.rules.text.clear();
     input.source = nullptr;
   }
+  // Reads words into the cache, from which the check takes them.
   const auto keep_readable = [&](const std::string& path) {
     try {
       static_cast<void>(cache.words(path, &unsaved));

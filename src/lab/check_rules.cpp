@@ -22,9 +22,14 @@ namespace lab {
 
 namespace {
 
+// The parser of runs cuts labels; here they are read whole, so that what is cut can be shown.
 constexpr std::size_t kAnyLength{kLineSize};
 
-// Goes once more over a line that the parser took, and notes where everything stands.
+// Goes once more over a line that the parser took, and notes where everything stands. It reads with the parser's own
+// scanners, so that both see the same items:
+//
+//   TYPE (group)* PATTERN (group)* PATTERN (group)* P priority ;
+//   PATTERN: {conditions : actions : labels : roles}, or the same in quotes
 class LineView {
  public:
   LineView(Session& session, Pool& pool, Names& names, const char* line)
@@ -33,7 +38,7 @@ class LineView {
     parse_.pool = &pool;
   }
 
-  // False if it is no rule after all.
+  // False if it is no rule after all; `rule` may hold a part of it then.
   bool read(RuleView& rule) {
     rule.type = parse_rule_type(cursor_);
     cursor_ = skip_blanks(cursor_);
@@ -46,6 +51,7 @@ class LineView {
       while (is_digit(*cursor_)) ++cursor_;
       rule.number.assign(begin, cursor_);
     }
+    // wanted: above 255 it wraps, as in a run.
     for (const char c : rule.number) rule.priority = static_cast<std::uint8_t>(rule.priority * 10 + (c - '0'));
     return true;
   }
@@ -55,11 +61,12 @@ class LineView {
 
   // The end of an item behind which the cursor stands, without the commas and blanks between.
   [[nodiscard]] std::uint32_t item_end(std::uint32_t begin) const {
-    std::uint32_t end = at();
+    std::uint32_t end = at();  // the scanners pass over commas and blanks behind an item
     while (end > begin + 1 && (start_[end - 1] == ',' || is_blank(start_[end - 1]))) --end;
     return end;
   }
 
+  // A condition or an action, read as the parser reads it. Its memory goes with the line; its name is kept as a number.
   bool item(RuleView& rule, Place place, Side side, std::uint16_t group, ItemPlace as) {
     const std::uint32_t begin = at();
     CondItem* read = nullptr;
@@ -96,6 +103,8 @@ class LineView {
     return true;
   }
 
+  // Labels of relations or names of roles, up to the next colon or the end of the pattern. The mark of a role (< or >) has
+  // no meaning and is left out of its name.
   bool labels(RuleView& rule, Place place, Side side) {
     while (!is_section_end(*cursor_)) {
       CondItem* read = perm_new<CondItem>(pool_);
@@ -112,6 +121,7 @@ class LineView {
     return true;
   }
 
+  // One of the two patterns, from its brace or quote to the one that closes it, and the blanks behind.
   bool pattern(RuleView& rule, Side side) {
     const std::size_t index = side == Side::left ? 0 : 1;
     rule.is_quote[index] = *cursor_ == '"';
@@ -140,13 +150,14 @@ class LineView {
   }
 
   Session& session_;
-  Pool& pool_;
+  Pool& pool_;  // of one line
   Names& names_;
-  const char* start_;
-  const char* cursor_;
-  RuleParse parse_;
+  const char* start_;   // of the line
+  const char* cursor_;  // of what is read next
+  RuleParse parse_;     // what the parser's functions want to know
 };
 
+// Faults that `check` tells apart from a rule that cannot be read.
 const char* code_of(RuleFault fault) {
   switch (fault) {
     case RuleFault::endless: return "endless-rule";
@@ -156,6 +167,7 @@ const char* code_of(RuleFault fault) {
   }
 }
 
+// Turns what the parser noted into findings, and adds what only the end shows: no rule in force, no room.
 void check_parser(const CheckInput& input, const RuleNotes& notes, const Pool& pool, std::vector<Finding>& findings) {
   const std::string& file = input.rules.file;
   check_encoding(file, notes.text, findings);
@@ -165,10 +177,15 @@ void check_parser(const CheckInput& input, const RuleNotes& notes, const Pool& p
     const bool is_whole_line = note.fault == RuleFault::endless;
     const std::size_t begin = is_whole_line ? 0 : std::min(note.column, note.text.size());
     const char there = begin < note.text.size() ? note.text[begin] : ' ';
+    constexpr std::string_view kNothingElse = " \t\r\n;P0123456789";
     if (note.fault == RuleFault::no_priority && (there == '{' || there == '"')) {
       what = "a third pattern, and what stands behind the second is not read: strike it out, a rule has two";
       code = "third-pattern";
+    } else if (note.fault == RuleFault::no_priority && kNothingElse.find(there) == std::string_view::npos) {
+      what = std::string("what begins with ") + there +
+             " is not read, and neither is a priority behind it: the priority stands behind the last pattern or group";
     }
+    // Texts of faults read "what is wrong: how to put it right".
     const std::size_t colon = what.find(": ");
     findings.push_back(finding_at(file, note.line, note.text, begin, is_whole_line ? note.text.size() : begin + 1,
                                   is_warning(note.fault) ? Level::warning : Level::error, code, what.substr(0, colon),
@@ -180,6 +197,7 @@ void check_parser(const CheckInput& input, const RuleNotes& notes, const Pool& p
                         "mend that line, or end the text with an empty one"});
     findings.back().fix = {Fix::Kind::text_end, "", "\n"};
   }
+  // Rules and sentence share the blocks of a run, and a sentence needs some of them.
   const std::int64_t room = std::int64_t{input.blocks} * kFirstBlockSize;
   constexpr std::int64_t kScarceBytes = std::int64_t{2} << 20;
   const std::int64_t used = pool.bytes_used();
@@ -190,17 +208,7 @@ void check_parser(const CheckInput& input, const RuleNotes& notes, const Pool& p
                       "run lexon with --blocks " + std::to_string(2 * input.blocks)});
 }
 
-std::vector<std::string_view> lines_of(std::string_view rest) {
-  std::vector<std::string_view> lines;
-  while (!rest.empty()) {
-    const std::size_t end = std::min(rest.find('\n'), rest.size());
-    lines.push_back(rest.substr(0, end));
-    rest.remove_prefix(std::min(end + 1, rest.size()));
-  }
-  return lines;
-}
-
-// The lines of sources, each file read once.
+// The lines of sources, each file read once: many findings lie in one.
 class SourceLines {
  public:
   explicit SourceLines(const Overlay* unsaved) : unsaved_(unsaved) {}
@@ -212,14 +220,12 @@ class SourceLines {
       known->second.lines = lines_of(known->second.text);
     }
     const auto index = static_cast<std::size_t>(number) - 1;
-    if (index >= known->second.lines.size()) return {};
-    const std::string_view found = known->second.lines[index];
-    return found.ends_with('\r') ? found.substr(0, found.size() - 1) : found;
+    return index < known->second.lines.size() ? known->second.lines[index] : std::string_view();
   }
 
  private:
   struct File {
-    std::string text;
+    std::string text;  // that the lines point into
     std::vector<std::string_view> lines;
   };
   const Overlay* unsaved_;
@@ -230,7 +236,7 @@ class SourceLines {
 
 Finding finding_at(const std::string& file, std::int64_t line, std::string_view text, std::size_t begin,
                    std::size_t end, Level level, const char* code, std::string what, std::string remedy) {
-  begin = std::min(begin, text.size());
+  begin = std::min(begin, text.size());  // behind the end: the finding is about what is missing there
   const std::size_t column = utf8_count(text.substr(0, begin)) + 1;
   const std::string_view piece = begin < text.size() ? text.substr(begin, end - begin) : std::string_view();
   return {file,  line, column,          column + std::max<std::size_t>(utf8_count(piece), 1),
@@ -249,6 +255,7 @@ void findings_to_sources(const CheckInput& input, std::vector<Finding>& findings
   if (input.source == nullptr) return;
   const std::vector<std::string_view> lines = lines_of(input.rules.text);
   SourceLines sources(input.unsaved);
+  // Columns are counted in characters, places of the map in bytes.
   const auto byte_at = [&lines](std::int64_t line, std::size_t column) {
     std::string_view text =
         static_cast<std::size_t>(line) <= lines.size() ? lines[static_cast<std::size_t>(line) - 1] : std::string_view();
@@ -256,6 +263,7 @@ void findings_to_sources(const CheckInput& input, std::vector<Finding>& findings
     for (; column > 1 && at < text.size(); --column) at += utf8_first(text.substr(at)).length;
     return at;
   };
+  // What the turns of a loop show in one place of a source is one finding; `more` counts the others.
   std::map<std::tuple<std::string, std::int64_t, std::size_t, std::string_view, std::string>, std::size_t> known;
   std::vector<std::size_t> more;
   std::vector<Finding> result;
@@ -270,6 +278,7 @@ void findings_to_sources(const CheckInput& input, std::vector<Finding>& findings
     const MappedPlace last = input.source->place(finding.line, end - 1);
     if (!place.file.empty()) {
       const std::string_view line = sources.line(place.file, place.line);
+      // A text that was put together from several places is pointed to where it begins.
       const bool is_one_stretch = last.file == place.file && last.line == place.line && last.column >= place.column;
       std::string text = std::move(finding.text);
       if (const std::string around = surroundings_text(place); !around.empty()) text += " (" + around + ')';
@@ -305,12 +314,19 @@ void check_encoding(const std::string& file, const TextWatch& watch, std::vector
   }
 }
 
+bool is_compiled(std::string_view text) {
+  const bool is_utf16 = text.starts_with("\xFF\xFE") || text.starts_with("\xFE\xFF");
+  return !is_utf16 && text.find('\0') != std::string_view::npos;
+}
+
 RuleBase read_rules(const CheckInput& input, Names& names, std::vector<Finding>& findings) {
   RuleBase base;
   const auto session = std::make_unique<Session>();
   Pool pool;
-  pool.limit_blocks(65535);
+  pool.limit_blocks(65535);  // rules that are too many for a run are still checked
   RuleNotes notes;
+  // First the parser of runs reads the text, for its findings; then each line that it took is gone over once more, for the
+  // places of all that it says.
   std::string_view rest = input.rules.text;
   Rule* list = nullptr;
   // The status speaks of the last line alone; the notes tell.
@@ -331,6 +347,7 @@ RuleBase read_rules(const CheckInput& input, Names& names, std::vector<Finding>&
     const bool is_first_piece = !goes_on;
     goes_on = watch.goes_on;
     const char first = *skip_blanks(line);
+    // The rest of a line that is too long is no rule, and the parser passes it over too.
     if (!is_first_piece || first == ';' || first == '\n' || first == '\0') continue;
     if (std::binary_search(refused.begin(), refused.end(), watch.line)) continue;
     RuleView rule;
@@ -342,6 +359,7 @@ RuleBase read_rules(const CheckInput& input, Names& names, std::vector<Finding>&
     }
     scratch.release_all();
   }
+  // The order of trial: by priority, and the lines in order where that is the same.
   std::ranges::stable_sort(base.rules, std::ranges::greater(), &RuleView::priority);
   return base;
 }

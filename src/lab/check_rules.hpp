@@ -16,6 +16,7 @@ namespace lexon {
 inline namespace v1 {
 namespace lab {
 
+// Where in a rule an item stands: in the groups in front, between and behind, or in a section of one of the two patterns.
 enum class Place : std::uint8_t { pre, cond, action, relation, role, mid, suf };
 
 struct RuleItem {
@@ -29,22 +30,23 @@ struct RuleItem {
   NameId name;
 };
 
+// A rule as its line says it; nothing of it points into the text.
 struct RuleView {
   std::int64_t line = 0;
-  std::uint8_t type = 0;
-  std::uint8_t priority = 0;
-  std::string number;  // of the priority, as written
+  std::uint8_t type = 0;      // see rule_type
+  std::uint8_t priority = 0;  // that counts
+  std::string number;         // of the priority, as written
   std::uint32_t number_begin = 0;
-  std::array<bool, 2> is_quote{};  // by side
-  std::array<std::uint32_t, 2> pattern_begin{};
+  std::array<bool, 2> is_quote{};                // by side: left, right
+  std::array<std::uint32_t, 2> pattern_begin{};  // bytes of the line, with the braces
   std::array<std::uint32_t, 2> pattern_end{};
-  std::uint16_t pre_groups = 0;
+  std::uint16_t pre_groups = 0;  // how many
   std::uint16_t mid_groups = 0;
   std::uint16_t suf_groups = 0;
   std::string pre;  // the groups as written
   std::string suf;
-  std::string text;  // the line
-  std::vector<RuleItem> items;
+  std::string text;             // the line
+  std::vector<RuleItem> items;  // in the order of the text
 
   [[nodiscard]] bool is_post_edit() const { return is_post_edit_type(type); }
   [[nodiscard]] bool quote(Side side) const { return is_quote[side == Side::left ? 0 : 1]; }
@@ -68,6 +70,9 @@ struct RuleBase {
   std::vector<RuleView> rules;  // in the order of trial
   std::int64_t bytes = 0;       // of memory that they take
 };
+
+// Is it what `lexon` makes of rules, and no text? UTF-16 is full of NULs too, but is a finding.
+[[nodiscard]] bool is_compiled(std::string_view text);
 
 // Reads the rules and appends what the parser found wrong.
 [[nodiscard]] RuleBase read_rules(const CheckInput& input, Names& names, std::vector<Finding>& findings);

@@ -17,7 +17,7 @@ namespace lab {
 
 namespace {
 
-// The pieces of an attribute list.
+// The names of an attribute list ("N,PL"), in ascending order of their numbers.
 std::vector<NameId> attributes_of(std::string_view text, Names& names) {
   std::vector<NameId> result;
   while (!text.empty()) {
@@ -35,7 +35,8 @@ std::shared_ptr<const WordIndex> index_of(const CheckInput& input, const std::st
   return std::make_shared<const WordIndex>(path, input.unsaved);
 }
 
-// Appends the entries that somebody asks for.
+// Appends the entries that somebody asks for: `find` gives their numbers in the index, and `first_set` is where the
+// attribute sets of the index stand among those of the survey.
 template <typename Find>
 void answer(const WordIndex& index, std::uint32_t first_set, const std::unordered_set<NameId>& wanted,
             const Names& names, const Find& find, std::unordered_map<NameId, std::vector<WordFacts>>& by_name) {
@@ -56,6 +57,7 @@ void columns_find(std::string_view text, const std::vector<std::pair<std::int64_
   std::vector<char> buffer(kMaxEntryLine + 2);
   TextWatch watch;
   auto next = wanted.begin();
+  // Lines are read as entries are, and only up to the last one that is wanted.
   while (next != wanted.end() && text_line_read(text, buffer.data(), static_cast<int>(buffer.size()), &watch)) {
     for (; next != wanted.end() && next->first == watch.line; ++next) {
       Finding& finding = findings[next->second];
@@ -63,6 +65,7 @@ void columns_find(std::string_view text, const std::vector<std::pair<std::int64_
       const std::string& needle = needles.at(next->second);
       // An attribute stands between the last parentheses, so look from the back.
       std::size_t at = line.rfind(needle);
+      // Is it a part of a longer name?
       const auto is_part = [&](std::size_t place) {
         constexpr std::string_view kAround = "(), \t";
         return kAround.find(line[place - 1]) == std::string_view::npos ||
@@ -80,6 +83,7 @@ void columns_find(std::string_view text, const std::vector<std::pair<std::int64_
 
 }  // namespace
 
+// Reads the files one after the other; an index stays in memory as long as the survey.
 WordSurvey survey_words(const CheckInput& input, const WordQuestions& questions, Names& names,
                         std::vector<Finding>& findings) {
   WordSurvey survey;
@@ -87,8 +91,10 @@ WordSurvey survey_words(const CheckInput& input, const WordQuestions& questions,
     const std::shared_ptr<const WordIndex> index = index_of(input, path);
     const auto file = static_cast<std::uint32_t>(survey.files.size());
     survey.files.push_back(path);
+    survey.indexes.push_back(index);
     findings.insert(findings.end(), index->findings().begin(), index->findings().end());
     const auto first_set = static_cast<std::uint32_t>(survey.attribute_sets.size());
+    survey.first_sets.push_back(first_set);
     for (const WordIndex::AttributeSet& set : index->sets()) {
       survey.attribute_sets.push_back(attributes_of(set.attributes, names));
       const WordIndex::Entry& first = index->entries()[set.first];
@@ -108,15 +114,16 @@ WordSurvey survey_words(const CheckInput& input, const WordQuestions& questions,
   return survey;
 }
 
-std::unordered_set<NameId> survey_cooccurrence(const CheckInput& input, Names& names, std::vector<Finding>& findings) {
-  std::unordered_set<NameId> given;
-  if (input.cooccurrence_file.empty()) return given;
-  const std::shared_ptr<const WordIndex> index = index_of(input, input.cooccurrence_file);
-  findings.insert(findings.end(), index->findings().begin(), index->findings().end());
-  for (const WordIndex::Entry& entry : index->entries()) {
-    if (!index->id(entry).empty()) given.insert(names.enter(index->id(entry)));
+PairSurvey survey_cooccurrence(const CheckInput& input, Names& names, std::vector<Finding>& findings) {
+  PairSurvey survey;
+  if (input.cooccurrence_file.empty()) return survey;
+  survey.index = index_of(input, input.cooccurrence_file);
+  findings.insert(findings.end(), survey.index->findings().begin(), survey.index->findings().end());
+  // Only superiors and members of classes have an id there.
+  for (const WordIndex::Entry& entry : survey.index->entries()) {
+    if (!survey.index->id(entry).empty()) survey.given.insert(names.enter(survey.index->id(entry)));
   }
-  return given;
+  return survey;
 }
 
 void entry_columns_find(const CheckInput& input, const std::unordered_map<std::size_t, std::string>& needles,
@@ -126,6 +133,8 @@ void entry_columns_find(const CheckInput& input, const std::unordered_map<std::s
     by_file[findings[index].file].emplace_back(findings[index].line, index);
   }
   for (auto& [file, wanted] : by_file) {
+    // What came through a pipe is gone, and a pipe with a name would wait for another writer for ever.
+    if ((input.unsaved == nullptr || input.unsaved->find(file) == nullptr) && !is_plain_file(file)) continue;
     std::ranges::sort(wanted);
     columns_find(text_file_read(file, input.unsaved), wanted, needles, findings);
   }

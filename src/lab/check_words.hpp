@@ -1,6 +1,7 @@
 // What checks want to know of a dictionary, in one pass over its entries, whatever their number.
 #pragma once
 
+#include <memory>
 #include <string>
 #include <unordered_map>
 #include <unordered_set>
@@ -8,6 +9,7 @@
 
 #include "lab/check.hpp"
 #include "lab/check_names.hpp"
+#include "lab/word_index.hpp"
 
 namespace lexon {
 inline namespace v1 {
@@ -28,6 +30,9 @@ struct WordSurvey {
     std::string form;        // of that entry
   };
   std::vector<std::string> files;
+  // By file; owned here too, whatever the cache does.
+  std::vector<std::shared_ptr<const WordIndex>> indexes;
+  std::vector<std::uint32_t> first_sets;  // where the sets of each index begin among `attribute_sets`
   [[nodiscard]] bool is_there() const { return !files.empty(); }
   std::unordered_map<NameId, Attribute> attributes;
   std::vector<std::vector<NameId>> attribute_sets;  // each that some entry has, in ascending order
@@ -46,9 +51,12 @@ struct WordQuestions {
 [[nodiscard]] WordSurvey survey_words(const CheckInput& input, const WordQuestions& questions, Names& names,
                                       std::vector<Finding>& findings);
 
-// The names that a co-occurrence dictionary gives: relations that stand as superiors, and the forms of class members.
-[[nodiscard]] std::unordered_set<NameId> survey_cooccurrence(const CheckInput& input, Names& names,
-                                                             std::vector<Finding>& findings);
+// What a co-occurrence dictionary gives.
+struct PairSurvey {
+  std::shared_ptr<const WordIndex> index;  // null: there is none
+  std::unordered_set<NameId> given;        // relations that stand as superiors, and the forms of class members
+};
+[[nodiscard]] PairSurvey survey_cooccurrence(const CheckInput& input, Names& names, std::vector<Finding>& findings);
 
 // Finds the columns of findings about entry text that tell a line and no column: `needles` holds for each finding, by
 // its index, what to look for in its line.

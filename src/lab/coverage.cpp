@@ -3,7 +3,6 @@
 #include "lab/coverage.hpp"
 
 #include <algorithm>
-#include <fstream>
 #include <iostream>
 #include <map>
 #include <memory>
@@ -19,6 +18,7 @@
 #include "lab/commands.hpp"
 #include "lab/options.hpp"
 #include "lab/show.hpp"
+#include "lab/text_file.hpp"
 
 namespace lexon {
 inline namespace v1 {
@@ -31,9 +31,9 @@ using Json = nlohmann::json;
 // A condition of a rule and the part that it stands in.
 struct Condition {
   RulePart part;
-  const CondItem* item;
-  std::string text;
-  bool is_attribute;
+  const CondItem* item;  // of the grammar; the key by which a refusal names the condition
+  std::string text;      // "LNODE ^PL"
+  bool is_attribute;     // else a form, a concept word, a relation or a role
 };
 
 const char* part_name(RulePart part) {
@@ -47,8 +47,11 @@ const char* part_name(RulePart part) {
   }
 }
 
+// All conditions of a rule in the order of its text. Two runs that have the same canonical text have the same list, which
+// is what merging goes by.
 std::vector<Condition> conditions_of(const Rule& rule) {
   std::vector<Condition> conditions;
+  // `open` and `close` stand around the text, as rules write it.
   const auto add = [&](RulePart part, const CondItem* items, const char* open, const char* close, bool is_attribute) {
     for (const CondItem& item : chain<&CondItem::next>(items)) {
       conditions.push_back(
@@ -85,6 +88,7 @@ bool asks_place(const Rule& rule, const Condition& condition) {
   return condition.part == RulePart::rnode && rule.rnode->inserted == 0;
 }
 
+// Calls `visit` with each name of an attribute list; null has none.
 template <typename Visit>
 void for_each_attr(const char* attrs, Visit visit) {
   std::string_view rest = attrs == nullptr ? std::string_view() : std::string_view(attrs);
@@ -101,6 +105,7 @@ void for_each_attr(const char* attrs, Visit visit) {
 
 CoverageCounter::CoverageCounter(const Project& project) {
   for (const Rule& rule : chain<&Rule::next>(project.loaded().rules.rules)) {
+    // The numbers are those of the search index, by which post-edit names its rules.
     numbers_[&rule] = list_.size();
     list_.push_back(&rule);
     RuleCount count;
@@ -124,6 +129,8 @@ void CoverageCounter::generated(Session&, core::Status) {
   is_post_edit_ = true;
 }
 
+// Counts for the place of a window each attribute that some word there could give, since before a rule has settled the
+// word the index too goes by what any of its words has. A scope that is not built yet has those of its entry word.
 void CoverageCounter::count_place(const Session& session, const Node* node, Places& places) {
   std::set<std::string_view> attrs;
   const auto take = [&](const Node& of, bool is_open) {
@@ -142,6 +149,7 @@ void CoverageCounter::count_place(const Session& session, const Node* node, Plac
   }
 }
 
+// Some rules are offered in generation whose type is of post-edit; these are no offers.
 void CoverageCounter::offered(Session& session, const Window& window, const RuleCandidate* list) {
   if (window.lnode == nullptr || window.rnode == nullptr) return;
   count_window(session, window);
@@ -156,6 +164,7 @@ void CoverageCounter::offered_in_post_edit(Session& session, const Window& windo
   for (const std::int32_t number : rules) ++coverage_.rules[static_cast<std::size_t>(number)].offered;
 }
 
+// Every window counts, in generation and in post-edit apart: rules of one see no places of the other.
 void CoverageCounter::count_window(const Session& session, const Window& window) {
   ++coverage_.windows;
   const std::size_t pass = is_post_edit_ ? 1 : 0;
@@ -173,10 +182,12 @@ void CoverageCounter::tried(Session& session, const RuleCandidate& candidate, co
   const std::size_t number = numbers_.find(candidate.rule)->second;
   RuleCount& count = coverage_.rules[number];
   ++count.tried;
+  // A word test that asks for a step back has worked. What fits is a hit when it is carried out; a test never is.
   if (fit == Fit::yes || (fit == Fit::refused && is_word_test_type(candidate.rule->type))) {
     ++fits_[number];
     if (is_word_test_type(candidate.rule->type)) hit(count);
   } else if (fit == Fit::no) {
+    // All that was missing, not only what refused it: a condition that alone would let the rule pass is worth knowing.
     for (const Miss& miss : rule_misses(session, candidate, before, true)) {
       if (miss.condition != nullptr) ++spoiled_[number][miss.condition];
     }
@@ -191,6 +202,8 @@ void CoverageCounter::undone(Session&, const RuleCandidate& candidate) {
   ++coverage_.rules[numbers_.find(candidate.rule)->second].undone;
 }
 
+// Adds the conditions to what was counted of the rules. Of an attribute that is held against a place the windows tell how
+// many had it, whether the rule was tried there or not; of all others only the tries tell.
 Coverage CoverageCounter::result() const {
   Coverage coverage = coverage_;
   for (std::size_t number = 0; number < list_.size(); ++number) {
@@ -200,9 +213,11 @@ Coverage CoverageCounter::result() const {
       ConditionCount count;
       count.text = condition.text;
       const auto spoiled = spoiled_[number].find(condition.item);
+      // First what the tries tell; the places of the window replace it where they know more.
       count.misses = spoiled == spoiled_[number].end() ? 0 : spoiled->second;
       count.hits = fits_[number];
       count.example = coverage.rules[number].example;
+      // Of a condition that forbids, the places that had the attribute are the misses.
       if (asks_place(rule, condition)) {
         const Places& places = condition.part == RulePart::lnode ? left_[pass] : right_[pass];
         const auto seen = places.find(condition.item->text);
@@ -222,6 +237,8 @@ namespace {
 
 // ---- Data files
 
+// {"format", "runs", "sentences", "windows", "rules": [{"file", "line", "text", "offered", "tried", "hits", "undone",
+// "example", "conditions": [{"text", "hits", "misses", "example"}, ...]}, ...]}. A rule is known again by its text.
 constexpr const char* kFormat = "lexon-coverage-1";
 
 Json json_of(const Coverage& coverage) {
@@ -251,6 +268,7 @@ Json json_of(const Coverage& coverage) {
           {"rules", std::move(rules)}};
 }
 
+// Throws for what is missing or has another type.
 Coverage coverage_of(const Json& json) {
   Coverage coverage;
   if (json.at("format") != kFormat) throw Fault("it is of another format");
@@ -279,23 +297,15 @@ Coverage coverage_of(const Json& json) {
 }  // namespace
 
 Coverage coverage_read(const std::string& path) {
-  std::ifstream file(path, std::ios::binary);
-  if (!file) throw Fault(path + ": cannot be opened");
+  const std::string text = text_file_read(path);
   try {
-    return coverage_of(Json::parse(file));
+    return coverage_of(Json::parse(text));
   } catch (const std::exception& fault) {
     throw Fault(path + ": this is no data file of lexon-lab coverage: " + fault.what());
   }
 }
 
 namespace {
-
-void file_write(const std::string& path, const std::string& text) {
-  std::ofstream file(path, std::ios::binary);
-  file << text;
-  file.close();
-  if (!file) throw Fault(path + ": cannot be written");
-}
 
 // Adds what an earlier run has counted, rule by rule. Returns how many of its rules are no longer there.
 std::int64_t coverage_add(Coverage& to, const Coverage& from) {
@@ -330,6 +340,7 @@ std::int64_t coverage_add(Coverage& to, const Coverage& from) {
 
 // ---- What is shown
 
+// The order of the grammar is that of trial; people read by file and line.
 std::vector<const RuleCount*> in_file_order(const Coverage& coverage) {
   std::vector<const RuleCount*> rules;
   for (const RuleCount& rule : coverage.rules) rules.push_back(&rule);
@@ -343,6 +354,7 @@ std::string place_text(const RuleCount& rule) {
   return rule.line == 0 ? rule.file : rule.file + ':' + std::to_string(rule.line);
 }
 
+// "RNODE ^PL  12 hits, 3 misses, input.txt:8 [S:1]".
 std::string condition_text(const ConditionCount& condition) {
   std::string text =
       condition.text + "  " + std::to_string(condition.hits) + " hits, " + std::to_string(condition.misses) + " misses";
@@ -350,6 +362,7 @@ std::string condition_text(const ConditionCount& condition) {
   return text;
 }
 
+// A line a rule. Below one that never fired stand the conditions that never held, which is why.
 void print_text(const Coverage& coverage, bool with_conditions) {
   const bool in_colours = wants_colours();
   const auto fired =
@@ -379,6 +392,7 @@ void print_text(const Coverage& coverage, bool with_conditions) {
   }
 }
 
+// Text as it may stand in a page, in an attribute too.
 std::string html_text(std::string_view text) {
   std::string html;
   for (const char c : text) {
@@ -391,16 +405,6 @@ std::string html_text(std::string_view text) {
     }
   }
   return html;
-}
-
-std::vector<std::string> source_lines(const std::string& path) {
-  std::ifstream file(path, std::ios::binary);
-  std::vector<std::string> lines;
-  for (std::string line; std::getline(file, line);) {
-    if (line.ends_with('\r')) line.pop_back();
-    lines.push_back(std::move(line));
-  }
-  return lines;
 }
 
 // The rule text with a colour and the counts at each rule; a file of its own.
@@ -426,13 +430,15 @@ std::string html_page(const Project& project, const Coverage& coverage) {
        << " fired. Green: fired; yellow: offered, but another rule came first or a condition failed; red: never "
           "offered.</p>\n<table><tr><th>line</th><th>hits</th><th>taken back</th><th>tried</th><th></th></tr>\n";
   std::uint32_t number = 0;
-  for (const std::string& line : source_lines(project.rule_text())) {
+  const std::string rules = text_file_read(project.rule_text());
+  for (const std::string_view line : lines_of(rules)) {
     const auto found = by_line.find(++number);
     if (found == by_line.end()) {
       page << "<tr><td class=\"n\">" << number << "</td><td></td><td></td><td></td><td class=\"c\">" << html_text(line)
            << "</td></tr>\n";
       continue;
     }
+    // A line of a source counts for all rules that it was expanded to.
     RuleCount all;
     for (const RuleCount* rule : found->second) {
       all.hits += rule->hits;
@@ -465,6 +471,14 @@ std::string html_page(const Project& project, const Coverage& coverage) {
 }
 
 // The tracefile that genhtml and editors read: a line is a rule, a branch pair a condition that held and failed.
+//
+//   TN:                       begins the record of a file, with an empty name of the test
+//   SF:FILE
+//   BRDA:LINE,BLOCK,0,COUNT   how often the condition held, and with ,1, how often it failed; "-": never asked
+//   BRF:N, BRH:N              branches, and those of them that were taken
+//   DA:LINE,COUNT             how often the rules of the line fired
+//   LF:N, LH:N                lines with rules, and those of them that fired
+//   end_of_record
 std::string lcov_text(const Coverage& coverage) {
   std::ostringstream text;
   const std::vector<const RuleCount*> rules = in_file_order(coverage);
@@ -501,7 +515,7 @@ std::string lcov_text(const Coverage& coverage) {
 // The rule text without the rules that never fired; comments and what is no rule in force stay. Of a grammar source it
 // is the rules alone.
 std::string pruned_text(const Project& project, const Coverage& coverage) {
-  std::set<std::uint32_t> left_out;
+  std::set<std::uint32_t> left_out;  // lines
   std::string canonical;
   bool has_lines = true;
   for (const RuleCount& rule : coverage.rules) {
@@ -509,22 +523,22 @@ std::string pruned_text(const Project& project, const Coverage& coverage) {
     if (rule.hits == 0) left_out.insert(rule.line);
     if (rule.hits > 0) canonical += rule.text + '\n';
   }
+  // Compiled rules without their text have no lines, and a line of a source may stand for rules that fired and others.
   if (!has_lines || project.has_source()) return canonical;
   std::string text;
   std::uint32_t number = 0;
-  for (const std::string& line : source_lines(project.rule_text())) {
-    if (left_out.count(++number) == 0) text += line + '\n';
+  const std::string rules = text_file_read(project.rule_text());
+  for (const std::string_view line : lines_of(rules)) {
+    if (left_out.count(++number) == 0) (text += line) += '\n';
   }
   return text;
 }
 
 // ---- The command
 
-struct Arguments {
-  GrammarFiles grammar;
-  RenderOptions render;
-  std::vector<std::string> merged;
-  std::string data;
+struct Arguments : RunArguments {
+  std::vector<std::string> merged;  // data files of earlier runs
+  std::string data;                 // files to write, here to `pruned`; empty: none
   std::string html;
   std::string lcov;
   std::string pruned;
@@ -534,8 +548,13 @@ struct Arguments {
 
 int cover(const Arguments& arguments) {
   const Project project(arguments.grammar);
-  if (arguments.pruned == project.rule_text() || arguments.pruned == project.files.rules)
-    throw Fault(arguments.pruned + ": the rules themselves would be overwritten: give --prune another name");
+  RunArguments read = arguments;
+  read.render.inputs.push_back(project.rule_text());  // of compiled rules the text beside them
+  refuse_own_files(read, arguments.pruned, "--prune");
+  refuse_own_files(read, arguments.html, "--html");
+  refuse_own_files(read, arguments.lcov, "--lcov");
+  refuse_own_files(read, arguments.data, "--data");
+  // A thread counts for itself; the counts are added up when all are through.
   struct Worker {
     explicit Worker(const Project& project) : bench(project), counter(project) { bench.watchers().add(counter); }
     Bench bench;
@@ -546,8 +565,7 @@ int cover(const Arguments& arguments) {
   for (unsigned i = 0; i < arguments.jobs; ++i) workers.push_back(std::make_unique<Worker>(project));
   for_each_sentence_on(arguments.jobs, arguments.render, [&](unsigned thread, const GraphText& graph) {
     Worker& worker = *workers[thread];
-    worker.counter.set_sentence(graph.file + ':' + std::to_string(graph.line) +
-                                (graph.label.empty() ? std::string() : " [" + graph.label + "]"));
+    worker.counter.set_sentence(graph.place() + (graph.label.empty() ? std::string() : " [" + graph.label + "]"));
     for (Rendered& rendered : worker.bench.render(graph.text, arguments.render)) {
       if (!rendered.is_done()) worker.failed.emplace_back(graph, std::move(rendered));
     }
@@ -561,16 +579,17 @@ int cover(const Arguments& arguments) {
       tell_failure(graph, rendered);
     }
   }
-  coverage.runs = 1;
+  coverage.runs = 1;  // however many threads took part
   for (const std::string& path : arguments.merged) {
     if (const std::int64_t lost = coverage_add(coverage, coverage_read(path)); lost > 0)
       tell_line(path + ": " + count_text(lost, "rule") + " of it, changed or taken out since, left out");
   }
   if (!arguments.data.empty())
-    file_write(arguments.data, json_of(coverage).dump(1, ' ', false, Json::error_handler_t::replace) + '\n');
-  if (!arguments.html.empty()) file_write(arguments.html, html_page(project, coverage));
-  if (!arguments.lcov.empty()) file_write(arguments.lcov, lcov_text(coverage));
-  if (!arguments.pruned.empty()) file_write(arguments.pruned, pruned_text(project, coverage));
+    text_file_write(arguments.data, json_of(coverage).dump(1, ' ', false, Json::error_handler_t::replace) + '\n');
+  if (!arguments.html.empty()) text_file_write(arguments.html, html_page(project, coverage));
+  if (!arguments.lcov.empty()) text_file_write(arguments.lcov, lcov_text(coverage));
+  if (!arguments.pruned.empty()) text_file_write(arguments.pruned, pruned_text(project, coverage));
+  // Who has it written wants no text too, but pruned rules are no account.
   const bool is_shown = arguments.data.empty() && arguments.html.empty() && arguments.lcov.empty();
   if (is_shown || arguments.with_conditions) print_text(coverage, arguments.with_conditions);
   return status;
@@ -581,8 +600,7 @@ int cover(const Arguments& arguments) {
 Command add_coverage(CLI::App& app) {
   CLI::App& command = add_command(app, "coverage", "Count how often each rule and condition was of use");
   const auto arguments = std::make_shared<Arguments>();
-  add_grammar_options(command, arguments->grammar);
-  add_render_options(command, arguments->render);
+  add_run_options(command, *arguments);
   add_option(command, "-j,--jobs", arguments->jobs, "Threads", {.shows_default = true, .range = {{1, 256}}});
   add_option(command, "-m,--merge", arguments->merged, "Add what a data file of an earlier run holds; may be repeated",
              {.one_value = true});

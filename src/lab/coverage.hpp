@@ -22,10 +22,10 @@ struct ConditionCount {
 };
 
 struct RuleCount {
-  std::string file;        // the rule text, or the source that it comes from
-  std::uint32_t line = 0;  // 0: not known
-  std::string text;        // canonical
-  std::int64_t offered = 0;
+  std::string file;          // the rule text, or the source that it comes from
+  std::uint32_t line = 0;    // 0: not known
+  std::string text;          // canonical
+  std::int64_t offered = 0;  // windows for which the index gave the rule
   std::int64_t tried = 0;
   std::int64_t hits = 0;    // carried out, words narrowed, or a step back asked for
   std::int64_t undone = 0;  // of these, taken back
@@ -33,6 +33,7 @@ struct RuleCount {
   std::vector<ConditionCount> conditions;
 };
 
+// What one run has counted, or several that were merged.
 struct Coverage {
   std::int64_t runs = 0;
   std::int64_t sentences = 0;
@@ -40,7 +41,7 @@ struct Coverage {
   std::vector<RuleCount> rules;  // in the order of the grammar
 };
 
-// Counts while sentences are rendered.
+// Counts while sentences are rendered, for one thread. The project has to outlive it.
 class CoverageCounter final : public Observer {
  public:
   explicit CoverageCounter(const Project& project);
@@ -68,14 +69,14 @@ class CoverageCounter final : public Observer {
   void count_place(const Session& session, const Node* node, Places& places);
   void hit(RuleCount& count);
 
-  std::unordered_map<const Rule*, std::size_t> numbers_;
+  std::unordered_map<const Rule*, std::size_t> numbers_;  // places in the next two
   std::vector<const Rule*> list_;
-  Coverage coverage_;
+  Coverage coverage_;                                                       // without conditions, which `result` adds
   std::vector<std::unordered_map<const CondItem*, std::int64_t>> spoiled_;  // by number of the rule
   std::vector<std::int64_t> fits_;                                          // by number of the rule
   Places left_[2];                                                          // of generation and of post-edit
   Places right_[2];
-  std::int64_t places_[2] = {0, 0};
+  std::int64_t places_[2] = {0, 0};  // windows, of generation and of post-edit
   std::string sentence_;
   bool is_post_edit_ = false;
 };

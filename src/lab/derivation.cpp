@@ -14,16 +14,17 @@ namespace lab {
 namespace {
 
 // What is kept of a search, however long it is.
-constexpr std::size_t kMostStanding = 20000;
-constexpr std::size_t kMostLines = 20000;
-constexpr std::size_t kMostTouches = 1000;
-constexpr std::size_t kMostDeadEnds = 500;
+constexpr std::size_t kMostStanding = 20000;  // steps
+constexpr std::size_t kMostLines = 20000;     // of the log
+constexpr std::size_t kMostTouches = 1000;    // rules and places that touched the word that is followed
+constexpr std::size_t kMostDeadEnds = 500;    // windows; later ones count as "(others)"
 constexpr std::size_t kLastSteps = 12;
 
 std::string_view text_of(const char* text) {
   return text == nullptr ? std::string_view() : std::string_view(text);
 }
 
+// Calls `visit` with each name of an attribute list ("N,PL,@def").
 template <typename Visit>
 void for_each_attr(std::string_view attrs, Visit visit) {
   while (!attrs.empty()) {
@@ -56,6 +57,7 @@ std::string pair_text(const Node* left, const Node* right) {
   return node_text(left) + ' ' + node_text(right);
 }
 
+// The two nodes that a rule has left behind; an exchange has moved the window on by one.
 std::string worked_on(const Rule& rule, const Window& after) {
   if (rule.type == rule_type::exchange && after.rnode != nullptr) return pair_text(after.rnode, after.rnode->right);
   return pair_text(after.lnode, after.rnode);
@@ -71,6 +73,7 @@ bool Step::is_plain_move() const {
 }
 
 Derivation::Derivation(const Project& project) : project_(project) {
+  // A debt is a mark that some word test asks about and some rule strikes out; the first test is named.
   std::map<std::string, const Rule*, std::less<>> asked;
   for (const Rule& rule : chain<&Rule::next>(project.loaded().rules.rules)) {
     if (!is_word_test_type(rule.type)) continue;
@@ -135,6 +138,8 @@ void Derivation::offered_in_post_edit(Session& session, const Window& window, st
   turn(session, window);
 }
 
+// What is known of a rule before it is carried out: `applied` comes when the window has changed already, and the nodes of
+// the window before may be gone by then, so all that is to be shown of them is copied here.
 void Derivation::tried(Session& session, const RuleCandidate& candidate, const Window& before, const Window& after,
                        Fit fit) {
   if (fit == Fit::no) return;
@@ -150,6 +155,7 @@ void Derivation::tried(Session& session, const RuleCandidate& candidate, const W
       note_touch(project_.place_of(rule) + "  asks for a step back at " + window_);
   }
   if (fit != Fit::yes) return;
+  // A test that fits has narrowed the words of the window, and nothing is carried out behind it.
   if (is_test) {
     Step step = step_of(session, candidate);
     step.before = list_text_before(session, before, candidate, nullptr);
@@ -161,6 +167,7 @@ void Derivation::tried(Session& session, const RuleCandidate& candidate, const W
     return;
   }
   fitted_.candidate = &candidate;
+  // The word that the rule brings in stands in the list already.
   const Node* inserted = rule.lnode->inserted != 0 ? after.lnode : rule.rnode->inserted != 0 ? after.rnode : nullptr;
   fitted_.before = list_text_before(session, after, candidate, inserted);
   const Node* nodes[2] = {after.lnode, after.rnode};
@@ -204,6 +211,7 @@ void Derivation::applied(Session& session, const RuleCandidate& candidate, const
   const Rule& rule = *candidate.rule;
   Step step = step_of(session, candidate);
   const bool is_known = fitted_.candidate == &candidate;
+  // A scope that was entered in between has put its own in front; see `scope_entered`.
   step.before = is_known ? fitted_.before : list_text(session, after);
   if (is_known && !replaces_nodes(rule.type)) {
     step.after = pair_text(fitted_.nodes[0], fitted_.nodes[1]);
@@ -222,9 +230,11 @@ void Derivation::applied(Session& session, const RuleCandidate& candidate, const
   note_deepest(session, after);
 }
 
+// Puts a step behind those that stand. Steps that were taken back since the last one are counted in front of it.
 void Derivation::stand(Session&, Step&& step) {
   ++steps_;
-  // Carried out again, it stands once.
+  // Carried out again (after a scope, or with another word), it stands once. In post-edit one candidate can stand at several
+  // places.
   const auto same = [&step](const Step& other) { return other.candidate == step.candidate; };
   if (const auto found = std::find_if(standing_.rbegin(), standing_.rend(), same);
       found != standing_.rend() && !step.is_post_edit) {
@@ -237,20 +247,23 @@ void Derivation::stand(Session&, Step&& step) {
   if (last_.size() > kLastSteps) last_.pop_front();
   standing_.push_back(std::move(step));
   if (standing_.size() <= kMostStanding) return;
-  standing_.pop_front();
+  standing_.pop_front();  // a search that deep is shown by its end
   ++forgotten_;
 }
 
+// Numbers rise over the whole sentence, also over lines that are forgotten.
 void Derivation::log_append(LogLine&& line) {
   line.number = (log_.empty() ? 0 : log_.back().number) + 1;
   log_.push_back(std::move(line));
-  const std::size_t most = keeps_all_ ? kMostLines : 1;
+  const std::size_t most = keeps_all_ ? kMostLines : 1;  // the last one gives the next its number
   while (log_.size() > most) {
     log_.pop_front();
     ++log_forgotten_;
   }
 }
 
+// A step that is taken back is counted for the word test that asked for it, or for the window in which no rule was left;
+// it leaves the standing steps, and its count goes to the one behind it.
 void Derivation::undone(Session&, const RuleCandidate& candidate) {
   ++undone_;
   if (asking_ != nullptr) {
@@ -268,6 +281,7 @@ void Derivation::undone(Session&, const RuleCandidate& candidate) {
   const auto found = std::find_if(standing_.rbegin(), standing_.rend(), same);
   if (found == standing_.rend()) return;  // its scope failed before it was carried out
   const auto step = std::next(found).base();
+  // Lines have rising numbers, and those in front may be forgotten.
   const auto line = std::lower_bound(log_.begin(), log_.end(), step->number,
                                      [](const LogLine& each, std::int64_t number) { return each.number < number; });
   if (line != log_.end() && line->number == step->number) line->is_undone = true;
@@ -276,6 +290,7 @@ void Derivation::undone(Session&, const RuleCandidate& candidate) {
   (behind == standing_.end() ? undone_at_end_ : behind->undone_before) += taken;
 }
 
+// The search takes the next word of a node, the one in force having led nowhere.
 void Derivation::word_given_up(Session&, const Node& node) {
   const WordEntry* word = node.candidates;
   if (word == nullptr) return;
@@ -285,6 +300,7 @@ void Derivation::word_given_up(Session&, const Node& node) {
   if (is_followed(&node)) note_touch(text);
 }
 
+// A scope is built in the middle of an application: the window around it waits on a stack.
 void Derivation::scope_entered(Session&, const RuleCandidate& candidate, int scope) {
   outer_.push_back(std::exchange(fitted_, {}));
   log_append({.text = "enters scope :" + std::to_string(scope), .step = {.rule = candidate.rule}});
@@ -295,6 +311,7 @@ void Derivation::scope_returned_into(Session&, int scope) {
   log_append({.text = "goes back into scope :" + std::to_string(scope)});
 }
 
+// Whether it is finished or has failed, the window around it is the one in force again.
 void Derivation::scope_left(Session&, int scope, bool has_failed) {
   if (!outer_.empty()) {
     fitted_ = std::move(outer_.back());
@@ -305,6 +322,8 @@ void Derivation::scope_left(Session&, int scope, bool has_failed) {
 
 // ---- The deepest list.
 
+// Of a failed sentence the list at which the most steps stood says most: what was not followed there, and which marks are
+// debts that some rule was to pay.
 void Derivation::note_deepest(Session& session, const Window& window) {
   const std::size_t depth = standing_.size() + static_cast<std::size_t>(forgotten_);
   if (is_post_edit_ || (depth <= deepest_.steps && !deepest_.list.empty())) return;
@@ -317,6 +336,7 @@ void Derivation::note_deepest(Session& session, const Window& window) {
     const Relation* arc = session.sentence.graph_relations[static_cast<std::size_t>(at)];
     if (arc == nullptr || arc->used != 0 || arc->from == nullptr || arc->to == nullptr) continue;
     const auto name = [](const Node* node) {
+      // A copy is called what its model is.
       while (node->name == nullptr && node->origin != nullptr) node = node->origin;
       return is_scope_reference(*node) ? node_text(node) : std::string(text_of(node->name));
     };
@@ -324,6 +344,7 @@ void Derivation::note_deepest(Session& session, const Window& window) {
   }
   deepest_.debts.clear();
   const Node* node = window.lnode != nullptr ? window.lnode : window.rnode;
+  // Rules can close a list to a circle, so the walk is bounded.
   for (int steps = 0; node != nullptr && node->left != nullptr && steps < 4096; ++steps) node = node->left;
   for (int steps = 0; node != nullptr && steps < 4096; node = node->right, ++steps) {
     if (is_untouched(*node)) continue;
@@ -338,6 +359,7 @@ void Derivation::note_deepest(Session& session, const Window& window) {
 
 // ---- One word.
 
+// Is it the word that was asked for: by the name in the graph, by its form, or by its concept? A copy counts as its model.
 bool Derivation::is_followed(const Node* node) const {
   if (word_.empty() || node == nullptr) return false;
   const auto is_word = [this](std::string_view text) {
@@ -353,6 +375,7 @@ bool Derivation::is_followed(const Node* node) const {
   return word != nullptr && (is_word(text_of(word->hw)) || is_word(text_of(word->cw)));
 }
 
+// The same touch again is counted.
 void Derivation::note_touch(const std::string& text) {
   const auto same = [&text](const Touch& touch) { return touch.text == text; };
   if (const auto found = std::find_if(touches_.begin(), touches_.end(), same); found != touches_.end()) {

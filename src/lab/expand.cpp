@@ -22,29 +22,32 @@ namespace lab {
 namespace {
 
 struct Arguments {
-  std::string source;
-  std::string rules;
-  std::string map;
+  std::string source;  // that names all others
+  std::string rules;   // file to write; empty: standard output
+  std::string map;     // file to write; empty: none
 };
 
-void tell_lines(std::string_view text) {
-  while (!text.empty()) {
-    const std::string_view line = text.substr(0, text.find('\n'));
-    tell_line(line);
-    text.remove_prefix(std::min(line.size() + 1, text.size()));
-  }
-}
-
+// The rules go to a file, or to standard output; the map, which says where each of their lines comes from, belongs to a
+// file of rules and is of no use without one.
 int expand(const Arguments& arguments) {
   Expansion expansion = expand_source(arguments.source);
-  for (const SourceMessage& message : expansion.messages) tell_lines(source_message_text(message));
+  for (const SourceMessage& message : expansion.messages) {
+    const std::string told = source_message_text(message);
+    for (const std::string_view line : lines_of(told)) tell_line(line);
+  }
   if (expansion.has_errors()) return kFailed;
+  RunArguments read;
+  read.grammar.rules = arguments.source;
+  for (const MappedFile& file : expansion.map.files) read.render.inputs.push_back(file.path);
+  refuse_own_files(read, arguments.rules, "--output");
+  refuse_own_files(read, arguments.map, "--map");
   if (arguments.rules.empty()) {
     std::fwrite(expansion.text.data(), 1, expansion.text.size(), stdout);
     return kDone;
   }
   text_file_write(arguments.rules, expansion.text);
   if (arguments.map.empty()) return kDone;
+  // The map holds the state of the rules that it was written for, so that another text is not taken for them.
   SourceMap& map = expansion.map;
   map.text_path = arguments.rules;
   map.text_mark = file_mark(File(regular_file_open(arguments.rules, "rb")).get()).value_or(FileMark());

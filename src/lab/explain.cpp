@@ -19,7 +19,7 @@ namespace lab {
 
 namespace {
 
-constexpr std::size_t kMostNamed = 8;  // of what can be many
+constexpr std::size_t kMostNamed = 8;  // relations and marks that are shown of a list
 
 std::string seconds_text(double seconds) {
   char text[32];
@@ -27,11 +27,13 @@ std::string seconds_text(double seconds) {
   return text;
 }
 
-// Lines in columns: the places of rules are filled up to the same width.
+// Lines in columns: mark, place of the rule, and, two blanks further in for each scope, what happened. Places are filled
+// up to the width of the longest that was announced by `place_seen`.
 class Printer {
  public:
   Printer(std::ostream& out, const Project& project) : out_(out), project_(project) {}
 
+  // Before the first line: this rule will be named.
   void place_seen(const Rule& rule) { width_ = std::max(width_, project_.place_of(rule).size()); }
   void step(const Step& step, std::string_view mark) {
     line(project_.place_of(*step.rule), mark, step.depth,
@@ -54,7 +56,9 @@ class Printer {
   std::size_t width_ = 0;
 };
 
-void print_standing(Printer& printer, const Derivation& derivation, bool with_moves) {
+// The steps that stand. What was taken back between two that are shown is counted in a line of its own; counts of plain
+// moves, which are left out, go to the next step that is shown.
+void print_standing(Printer& printer, const Derivation& derivation) {
   bool is_post_edit = false;
   std::int64_t taken_back = 0;
   if (derivation.forgotten() > 0)
@@ -63,7 +67,7 @@ void print_standing(Printer& printer, const Derivation& derivation, bool with_mo
     taken_back += step.undone_before;
     if (step.is_post_edit && !is_post_edit) printer.plain("post-edit:");
     is_post_edit = step.is_post_edit;
-    if (!with_moves && step.is_plain_move()) continue;
+    if (step.is_plain_move()) continue;
     if (taken_back > 0) printer.note("", step.depth, "(" + count_text(taken_back, "step") + " taken back)");
     taken_back = 0;
     printer.step(step, "");
@@ -72,6 +76,7 @@ void print_standing(Printer& printer, const Derivation& derivation, bool with_mo
   if (taken_back > 0) printer.note("", 0, "(" + count_text(taken_back, "step") + " taken back)");
 }
 
+// All that happened, in the order of time: "x" in front of steps that were taken back later.
 void print_log(Printer& printer, const Derivation& derivation) {
   if (derivation.log_forgotten() > 0)
     printer.note("  ", 0, "(" + count_text(derivation.log_forgotten(), "line") + " before, not kept)");
@@ -85,6 +90,7 @@ void print_log(Printer& printer, const Derivation& derivation) {
   }
 }
 
+// A title and the first lines below it; nothing for an empty list.
 void print_list(Printer& printer, const std::string& title, const std::vector<std::string>& lines) {
   if (lines.empty()) return;
   printer.plain(title);
@@ -92,6 +98,7 @@ void print_list(Printer& printer, const std::string& title, const std::vector<st
   if (lines.size() > kMostNamed) printer.plain("  and " + std::to_string(lines.size() - kMostNamed) + " more");
 }
 
+// The three of `map` that cost the most steps; `name` gives what a key is called.
 template <typename Map, typename Name>
 void print_taken_back(Printer& printer, const std::string& title, const Map& map, Name name) {
   std::vector<std::pair<std::string, Derivation::TakenBack>> most;
@@ -109,6 +116,8 @@ void print_taken_back(Printer& printer, const std::string& title, const Map& map
   }
 }
 
+// What helps with a sentence that came to nothing. Its end tells little, for a search that has tried everything ends where
+// it began. `ran_long`: a limit ended it, so that the last steps show what goes round.
 void print_trouble(Printer& printer, const Project& project, const Derivation& derivation, bool ran_long) {
   const Deepest& deepest = derivation.deepest();
   if (!deepest.list.empty()) {
@@ -126,6 +135,7 @@ void print_trouble(Printer& printer, const Project& project, const Derivation& d
   for (const Step& step : derivation.last()) printer.step(step, "  ");
 }
 
+// Everything that was done with a word, on ways too that were given up.
 void print_word(Printer& printer, const Derivation& derivation, const std::string& word) {
   printer.plain("Rules that touched \"" + word + "\":");
   for (const Derivation::Touch& touch : derivation.touches()) {
@@ -134,10 +144,8 @@ void print_word(Printer& printer, const Derivation& derivation, const std::strin
   if (derivation.touches().empty()) printer.plain("  none");
 }
 
-struct Arguments {
-  GrammarFiles grammar;
-  RenderOptions render;
-  ExplainOptions explain;
+struct Arguments : RunArguments {
+  ExplainOptions explain;  // what is shown
 };
 
 int explain(const Arguments& arguments) {
@@ -161,19 +169,21 @@ bool explain_sentence(std::ostream& out, const Project& project, Bench& bench, c
   const std::vector<Rendered> results = bench.render(graph.text, limits);
   bench.watchers().remove(derivation);
   bool is_done = true;
+  // A text is one sentence as a rule. Of several the derivation knows the last.
   for (const Rendered& result : results) {
     is_done = is_done && result.is_done();
     Printer printer(out, project);
+    // Columns are as wide as the longest place, so all are looked at before the first line.
     for (const Step& step : derivation.standing()) printer.place_seen(*step.rule);
     for (const LogLine& line : derivation.log()) {
       if (options.all && line.step.rule != nullptr) printer.place_seen(*line.step.rule);
     }
-    printer.plain(graph.file + ':' + std::to_string(graph.line) + ": " + result.sentence.label + "  " +
-                  result.status() + ", " + seconds_text(result.sentence.seconds) + ", " +
-                  count_text(result.sentence.steps, "pass") + ", " + count_text(derivation.undone(), "step") +
-                  " taken back");
-    for (const Message& message : result.sentence.messages) printer.plain("  " + to_string(message));
+    printer.plain(graph.place() + ": " + result.sentence.label + "  " + result.status() + ", " +
+                  seconds_text(result.sentence.seconds) + ", " + count_text(result.sentence.steps, "pass") + ", " +
+                  count_text(derivation.undone(), "step") + " taken back");
+    for (const Message& message : result.sentence.messages) printer.plain("  " + to_string(graph.placed(message)));
     if (!options.word.empty()) {
+      // Those of the graph's own word first; the dictionary may have others of this form or concept.
       std::vector<std::string> entries = derivation.word_entries();
       for (const std::string& entry : words_found(project, options.word)) {
         if (std::find(entries.begin(), entries.end(), entry) == entries.end()) entries.push_back(entry);
@@ -184,7 +194,7 @@ bool explain_sentence(std::ostream& out, const Project& project, Bench& bench, c
     } else if (options.all) {
       print_log(printer, derivation);
     } else {
-      print_standing(printer, derivation, false);
+      print_standing(printer, derivation);
     }
     if (!result.is_done()) {
       print_trouble(printer, project, derivation, result.sentence.status != Status::failed);
@@ -198,8 +208,7 @@ bool explain_sentence(std::ostream& out, const Project& project, Bench& bench, c
 Command add_explain(CLI::App& app) {
   CLI::App& command = add_command(app, "explain", "Show the steps by which a sentence came about, or failed");
   const auto arguments = std::make_shared<Arguments>();
-  add_grammar_options(command, arguments->grammar);
-  add_render_options(command, arguments->render);
+  add_run_options(command, *arguments);
   add_option(command, "-w,--word", arguments->explain.word,
              "Only the entries of this word, or concept, and every rule that touched it");
   add_flag(command, "-a,--all", arguments->explain.all, "Show what was taken back too, in the order of time");

@@ -17,11 +17,13 @@ struct ExplainOptions {
   bool all = false;  // what was taken back too
 };
 
-// False if the sentence came to nothing.
+// Renders the sentence and writes what stands of its search, or what `options` asks for, to `out`. False if the sentence
+// came to nothing; then it also writes how far the search came and what took it back.
 bool explain_sentence(std::ostream& out, const Project& project, Bench& bench, const GraphText& graph,
                       const RenderOptions& limits, const ExplainOptions& options);
 
-// The dictionary's entries with this surface form or concept word, one a line as `lexon-dict list` writes them.
+// The dictionary's entries with this surface form or concept word, one a line as `lexon-dict list` writes them. Throws
+// Fault for a dictionary that cannot be read.
 [[nodiscard]] std::vector<std::string> words_found(const Project& project, const std::string& word);
 
 }  // namespace lab

@@ -3,6 +3,9 @@
 #include <algorithm>
 #include <cstdint>
 
+#include "lab/project.hpp"
+#include "lab/text_file.hpp"
+
 namespace lexon {
 inline namespace v1 {
 namespace lab {
@@ -10,9 +13,12 @@ namespace lab {
 namespace {
 
 constexpr std::string_view kLabelBegin = "[S";
+constexpr std::string_view kMark = "\xEF\xBB\xBF";  // the byte order mark in UTF-8
 
-std::vector<std::string> cut(std::string_view text, char at) {
-  std::vector<std::string> pieces;
+// The pieces between tabs, or between blanks; empty ones too, so that they can be put together again.
+template <typename Text>
+std::vector<Text> cut(std::string_view text, char at) {
+  std::vector<Text> pieces;
   while (true) {
     const std::size_t end = text.find(at);
     pieces.emplace_back(text.substr(0, end));
@@ -21,48 +27,30 @@ std::vector<std::string> cut(std::string_view text, char at) {
   }
 }
 
-std::string label_of(std::string_view line) {
-  const std::size_t close = line.find(']');
-  return std::string(line.substr(1, close == std::string_view::npos ? close : close - 1));
-}
-
-std::string as_line(std::string_view text) {
-  const bool needs_escape = text.empty() || text.front() == ';' || text.front() == '[' || text.front() == '\\';
-  return (needs_escape ? "\\" : "") + std::string(text);
-}
-
-// Words with the blanks behind them, so that the text can be put together again.
 std::vector<std::string_view> words_of(std::string_view text) {
-  std::vector<std::string_view> words;
-  while (!text.empty()) {
-    const std::size_t end = std::min(text.find(' '), text.size());
-    words.push_back(text.substr(0, end));
-    text.remove_prefix(std::min(end + 1, text.size()));
-  }
-  return words;
+  return text.empty() ? std::vector<std::string_view>() : cut<std::string_view>(text, ' ');
 }
 
 }  // namespace
 
 Gold::Gold(std::string_view text) {
-  constexpr std::string_view kMark = "\xEF\xBB\xBF";
-  if (text.starts_with(kMark)) text.remove_prefix(kMark.size());
-  if (!text.empty()) {
-    lines_ = cut(text, '\n');
-    has_last_line_end_ = lines_.back().empty();
-    if (has_last_line_end_) lines_.pop_back();
-  }
-  for (std::string& line : lines_) {
-    if (line.ends_with('\r')) line.pop_back();
-  }
+  has_mark_ = text.starts_with(kMark);
+  if (has_mark_) text.remove_prefix(kMark.size());
+  const std::vector<std::string_view> lines = lines_of(text);
+  lines_.assign(lines.begin(), lines.end());
+  has_last_line_end_ = text.empty() || text.ends_with('\n');
+  if (const std::size_t end = text.find('\n'); end != std::string_view::npos && end > 0 && text[end - 1] == '\r')
+    line_end_ = "\r\n";
   inserted_.resize(lines_.size() + 1);
+  // One label makes the whole file one by label.
   is_by_label_ = std::ranges::any_of(lines_, [](const std::string& line) { return line.starts_with(kLabelBegin); });
   for (std::size_t i = 0; i < lines_.size(); ++i) {
     const std::string& line = lines_[i];
     if (!is_by_label_) {
-      sentences_.push_back({{}, cut(line, '\t'), i, 1});
+      sentences_.push_back({{}, cut<std::string>(line, '\t'), i, 1});
     } else if (line.starts_with(kLabelBegin)) {
-      sentences_.push_back({label_of(line), {}, i + 1, 0});
+      sentences_.push_back({label_in(line), {}, i + 1, 0});
+      by_label_[sentences_.back().label].push_back(sentences_.size() - 1);
     } else if (!line.empty() && line.front() != ';' && !sentences_.empty()) {
       Expected& sentence = sentences_.back();
       if (sentence.texts.empty()) sentence.first_line = i;
@@ -73,11 +61,13 @@ Gold::Gold(std::string_view text) {
   is_used_.resize(sentences_.size());
 }
 
+// By label the next one of that label, in constant time; in the plain form the next line, whatever the label.
 const Expected* Gold::next(std::string_view label) {
   std::size_t found = at_;
   if (is_by_label_) {
-    found = 0;
-    while (found < sentences_.size() && (is_used_[found] || sentences_[found].label != label)) ++found;
+    const auto same = by_label_.find(std::string(label));
+    found = same == by_label_.end() || same->second.empty() ? sentences_.size() : same->second.front();
+    if (found < sentences_.size()) same->second.pop_front();
   }
   if (found >= sentences_.size()) return nullptr;
   at_ = found + 1;
@@ -94,35 +84,46 @@ std::vector<const Expected*> Gold::rest() const {
   return result;
 }
 
+// Lines keep their numbers until `text` puts all together, so that what `Expected` knows of them stays true.
 void Gold::update(const Expected* expected, std::string_view label, std::string_view found) {
   if (expected == nullptr) {
-    std::string& inserted = inserted_[std::min(last_line_, lines_.size())];
-    if (is_by_label_) inserted += '[' + std::string(label) + "]\n";
-    inserted += (is_by_label_ ? as_line(found) : std::string(found)) + '\n';
+    std::vector<std::string>& inserted = inserted_[std::min(last_line_, lines_.size())];
+    if (is_by_label_) inserted.push_back('[' + std::string(label) + ']');
+    inserted.push_back(is_by_label_ ? gold_line(found) : std::string(found));
     return;
   }
   if (!is_by_label_) {
     std::string& line = lines_[expected->first_line];
     line = expected->texts.size() == 1 ? std::string(found) : std::string(found) + '\t' + line;
   } else if (expected->texts.size() == 1) {
-    lines_[expected->first_line] = as_line(found);
+    lines_[expected->first_line] = gold_line(found);
   } else {
-    inserted_[expected->first_line] += as_line(found) + '\n';
+    inserted_[expected->first_line].push_back(gold_line(found));
   }
 }
 
 std::string Gold::text() const {
-  std::string result;
-  for (std::size_t i = 0; i < lines_.size(); ++i) result += inserted_[i] + lines_[i] + '\n';
-  result += inserted_.back();
-  if (!has_last_line_end_ && inserted_.back().empty()) result.pop_back();
+  std::string result = has_mark_ ? std::string(kMark) : std::string();
+  for (std::size_t i = 0; i < inserted_.size(); ++i) {
+    for (const std::string& line : inserted_[i]) result += line + line_end_;
+    if (i < lines_.size()) result += lines_[i] + line_end_;
+  }
+  // A last line that was not closed stays so, unless something stands behind it now.
+  if (!has_last_line_end_ && inserted_.back().empty()) result.resize(result.size() - line_end_.size());
   return result;
 }
 
+std::string gold_line(std::string_view text) {
+  const bool needs_escape = text.empty() || text.front() == ';' || text.front() == '[' || text.front() == '\\';
+  return (needs_escape ? "\\" : "") + std::string(text);
+}
+
+// The common words stand once, and between them what either has alone, the old in front of the new.
 std::string word_diff(std::string_view before, std::string_view now, bool in_colours) {
   const std::vector<std::string_view> old_words = words_of(before);
   const std::vector<std::string_view> new_words = words_of(now);
-  // The longest common part of what is behind each pair of places.
+  // The length of the longest common part (words in the same order, not side by side) of what stands behind each pair of
+  // places, from the back: the way through it that keeps the most words is then read off from the front.
   const std::size_t width = new_words.size() + 1;
   std::vector<std::uint32_t> common((old_words.size() + 1) * width);
   for (std::size_t i = old_words.size(); i-- > 0;) {
@@ -137,6 +138,7 @@ std::string word_diff(std::string_view before, std::string_view now, bool in_col
     if (!result.empty()) result += ' ';
     result += text;
   };
+  // Words from `from` to `to` of one of the two, as one mark.
   const auto marked = [&](const std::vector<std::string_view>& words, std::size_t from, std::size_t to, bool is_new) {
     if (from == to) return;
     std::string text;

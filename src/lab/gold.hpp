@@ -2,12 +2,16 @@
 //
 // Two forms. Plain: a line a sentence, in the order of the graphs; several texts that will do stand side by side with
 // tabs between. By label: the line "[S:3]" of the graph, and below it each text that will do on a line of its own; none
-// there: the sentence is expected to fail. Lines that begin with ";" and empty ones are passed over, so that what
-// `lexon` writes is such a file; "\" in front of a text takes away what its first character means.
+// there: the sentence is expected to fail. Lines there that begin with ";" and empty ones are passed over, so that what
+// `lexon` writes is such a file; "\" in front of a text takes away what its first character means. A file with one label
+// is by label; in a plain one every line is a sentence, empty ones too. Line ends may be CR LF, and a byte order mark may
+// stand in front.
 #pragma once
 
+#include <deque>
 #include <string>
 #include <string_view>
+#include <unordered_map>
 #include <vector>
 
 namespace lexon {
@@ -41,14 +45,22 @@ class Gold {
 
  private:
   bool is_by_label_ = false;
-  bool has_last_line_end_ = true;
-  std::vector<std::string> lines_;
-  std::vector<std::string> inserted_;  // by line of `lines_`: what stands behind it now, with line ends
+  bool has_mark_ = false;           // of UTF-8, in front
+  bool has_last_line_end_ = true;   // the last line is closed
+  std::string line_end_ = "\n";     // of the first line, for those that `text` writes
+  std::vector<std::string> lines_;  // without their ends
+  // What stands in front of each of `lines_` now, line by line, and behind the last.
+  std::vector<std::vector<std::string>> inserted_;
   std::vector<Expected> sentences_;
-  std::vector<bool> is_used_;
-  std::size_t at_ = 0;
-  std::size_t last_line_ = 0;  // behind which a new sentence stands
+  std::vector<bool> is_used_;  // `next` has given the sentence
+  // By label: the sentences that have it, the next one to be given in front.
+  std::unordered_map<std::string, std::deque<std::size_t>> by_label_;
+  std::size_t at_ = 0;         // the next sentence of the plain form
+  std::size_t last_line_ = 0;  // a new sentence stands in front of this line
 };
+
+// A text as a line below a label.
+[[nodiscard]] std::string gold_line(std::string_view text);
 
 // The words of both, those of one alone marked: [-old-] {+new+}; in colours too, if wanted.
 [[nodiscard]] std::string word_diff(std::string_view before, std::string_view now, bool in_colours);

@@ -54,6 +54,17 @@ struct RenderOptions {
 };
 void add_render_options(CLI::App& command, RenderOptions& options);
 
+// What most commands begin with: a grammar, and the sentences that are rendered with it.
+struct RunArguments {
+  GrammarFiles grammar;
+  RenderOptions render;
+};
+void add_run_options(CLI::App& command, RunArguments& arguments);
+
+// Throws Fault if writing `output`, the value of `option`, would destroy a file that the command reads, under whatever
+// name. Empty and "-" are no files.
+void refuse_own_files(const RunArguments& arguments, const std::string& output, const char* option);
+
 }  // namespace lab
 }  // namespace v1
 }  // namespace lexon

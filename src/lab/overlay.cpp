@@ -13,6 +13,7 @@ namespace fs = std::filesystem;
 
 std::string file_key(const std::string& path) {
   std::error_code error;
+  // A file that is still to be written has a name too.
   const fs::path whole = fs::weakly_canonical(fs::absolute(path, error), error);
   return error || whole.empty() ? path : whole.string();
 }
@@ -31,6 +32,7 @@ std::shared_ptr<const std::string> Overlay::find(const std::string& path) const 
   return found == texts_.end() ? nullptr : found->second;
 }
 
+// No lookup at all where there is nothing to find, so that files are read without asking.
 TextLookup Overlay::lookup() const {
   if (texts_.empty()) return {};
   return [this](const std::string& path) { return find(path).get(); };
@@ -39,6 +41,7 @@ TextLookup Overlay::lookup() const {
 TextMark text_mark(const std::string& path, const Overlay* unsaved) {
   TextMark mark;
   if (unsaved != nullptr) mark.unsaved = unsaved->find(path);
+  // What is not there has the mark of an empty TextMark, and so is noticed when it comes.
   struct stat state {};
   if (mark.unsaved != nullptr || ::stat(path.c_str(), &state) != 0) return mark;
   constexpr std::int64_t kSecond = 1'000'000'000;

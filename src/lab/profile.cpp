@@ -21,16 +21,18 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 
+// What a rule has cost over all sentences.
 struct RuleCost {
-  std::int64_t tried = 0;
+  std::int64_t tried = 0;   // held against a window
   std::int64_t done = 0;    // carried out, or words narrowed
   std::int64_t asked = 0;   // for a step back
   std::int64_t undone = 0;  // its applications that were taken back
   std::int64_t caused = 0;  // steps that were taken back on its account, as a word test
-  Clock::duration time{};
+  Clock::duration time{};   // of its tries, of carrying it out and of taking it back
 };
 
-// What goes by between two events is the time of the second.
+// The engine tells events, not durations: what goes by between two events is taken as the time of the second. The cost of
+// being watched is in it, too, so times compare rules with each other and not with a run of lexon.
 class Costs final : public Observer {
  public:
   [[nodiscard]] const std::unordered_map<const Rule*, RuleCost>& rules() const { return rules_; }
@@ -80,28 +82,26 @@ class Costs final : public Observer {
 
   std::unordered_map<const Rule*, RuleCost> rules_;
   std::int64_t undone_ = 0;
-  RuleCost* asking_ = nullptr;
+  RuleCost* asking_ = nullptr;  // the word test on whose account steps are being taken back; null: none
   Clock::duration search_{};
   Clock::time_point last_;
 };
 
 struct SentenceCost {
-  std::string place;
+  std::string place;  // "input.txt:12"
   std::string label;
   std::string status;
   double seconds = 0;
-  std::int64_t steps = 0;
-  std::int64_t undone = 0;
+  std::int64_t steps = 0;   // passes of the search
+  std::int64_t undone = 0;  // applications taken back
 };
 
 double milliseconds(Clock::duration time) {
   return std::chrono::duration<double, std::milli>(time).count();
 }
 
-struct Arguments {
-  GrammarFiles grammar;
-  RenderOptions render;
-  std::size_t top = 15;
+struct Arguments : RunArguments {
+  std::size_t top = 15;  // rules, and sentences, that are shown
 };
 
 void print_rules(const Project& project, const Costs& costs, std::size_t top) {
@@ -122,16 +122,24 @@ void print_rules(const Project& project, const Costs& costs, std::size_t top) {
   if (rules.size() > top) std::printf("%65s and %zu rules more\n", "", rules.size() - top);
 }
 
-void print_sentences(std::vector<SentenceCost>& sentences, std::size_t top) {
-  std::stable_sort(sentences.begin(), sentences.end(),
-                   [](const SentenceCost& a, const SentenceCost& b) { return a.seconds > b.seconds; });
+constexpr std::size_t kSpare = 1000;  // sentences that wait for the next `keep_costliest`
+
+// The `top` that took longest, the longest first.
+void keep_costliest(std::vector<SentenceCost>& sentences, std::size_t top) {
+  std::ranges::stable_sort(sentences, std::ranges::greater(), &SentenceCost::seconds);
+  if (sentences.size() > top) sentences.resize(top);
+}
+
+// Those that were kept of `count`.
+void print_sentences(const std::vector<SentenceCost>& sentences, std::int64_t count) {
   std::printf("\n%10s %9s %9s  sentence\n", "ms", "steps", "undone");
-  for (std::size_t at = 0; at < std::min(top, sentences.size()); ++at) {
-    const SentenceCost& cost = sentences[at];
+  for (const SentenceCost& cost : sentences) {
     std::printf("%10.3f %9lld %9lld  %s\n", cost.seconds * 1000, static_cast<long long>(cost.steps),
                 static_cast<long long>(cost.undone),
                 escaped(cost.place + ": " + cost.label + ' ' + cost.status).c_str());
   }
+  if (const std::int64_t more = count - static_cast<std::int64_t>(sentences.size()); more > 0)
+    std::printf("%31s and %s more\n", "", count_text(more, "sentence").c_str());
 }
 
 int profile(const Arguments& arguments) {
@@ -141,23 +149,28 @@ int profile(const Arguments& arguments) {
   bench.watchers().add(costs);
   std::vector<SentenceCost> sentences;
   SentenceCost all;
-  for_each_sentence(arguments.render, [&](const GraphText& graph) {
-    for (const Rendered& rendered : bench.render(graph.text, arguments.render)) {
-      const Sentence& sentence = rendered.sentence;
-      sentences.push_back({graph.file + ':' + std::to_string(graph.line), sentence.label, rendered.status(),
-                           sentence.seconds, sentence.steps, costs.undone()});
-      all.seconds += sentence.seconds;
-      all.steps += sentence.steps;
-      all.undone += costs.undone();
-    }
+  std::int64_t count = 0;
+  std::int64_t failed = 0;
+  for_each_rendered(bench, arguments.render, [&](const GraphText& graph, const Rendered& rendered) {
+    const Sentence& sentence = rendered.sentence;
+    ++count;
+    failed += rendered.is_done() ? 0 : 1;
+    sentences.push_back(
+        {graph.place(), sentence.label, rendered.status(), sentence.seconds, sentence.steps, costs.undone()});
+    all.seconds += sentence.seconds;
+    all.steps += sentence.steps;
+    all.undone += costs.undone();
+    // Of any number of sentences only those are kept that can be shown.
+    if (sentences.size() / 2 >= arguments.top + kSpare) keep_costliest(sentences, arguments.top);
   });
-  std::printf("%s, %.3f ms, %s, %s; %.3f ms asking for rules\n\n",
-              count_text(static_cast<std::int64_t>(sentences.size()), "sentence").c_str(), all.seconds * 1000,
-              count_text(all.steps, "pass").c_str(), (count_text(all.undone, "step") + " taken back").c_str(),
-              milliseconds(costs.searching()));
+  const std::string not_done = failed == 0 ? "" : " (" + std::to_string(failed) + " not done)";
+  std::printf("%s%s, %.3f ms, %s, %s; %.3f ms asking for rules\n\n", count_text(count, "sentence").c_str(),
+              not_done.c_str(), all.seconds * 1000, count_text(all.steps, "pass").c_str(),
+              (count_text(all.undone, "step") + " taken back").c_str(), milliseconds(costs.searching()));
   print_rules(project, costs, arguments.top);
-  print_sentences(sentences, arguments.top);
-  return kDone;
+  keep_costliest(sentences, arguments.top);
+  print_sentences(sentences, count);
+  return failed == 0 ? kDone : kFailed;
 }
 
 }  // namespace
@@ -165,8 +178,7 @@ int profile(const Arguments& arguments) {
 Command add_profile(CLI::App& app) {
   CLI::App& command = add_command(app, "profile", "Show which rules and sentences cost most");
   const auto arguments = std::make_shared<Arguments>();
-  add_grammar_options(command, arguments->grammar);
-  add_render_options(command, arguments->render);
+  add_run_options(command, *arguments);
   add_option(command, "-n,--top", arguments->top, "Rules and sentences that are shown", {.shows_default = true});
   return {&command, [arguments] { return profile(*arguments); }};
 }

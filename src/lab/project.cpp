@@ -21,23 +21,49 @@ bool is_blank(const std::string& text) {
   return std::all_of(text.begin(), text.end(), [](unsigned char c) { return std::isspace(c) != 0; });
 }
 
-}  // namespace
+// The line that opens the sentence of a text.
+struct Opening {
+  std::string_view line{};       // without blanks in front; empty: there is none
+  std::int64_t lines_above = 0;  // 0 without a line
+};
 
-std::string label_of(std::string_view text) {
+// A "[S" inside a block ({note} ... {/note}) opens nothing.
+Opening opening_of(std::string_view text) {
   BlockTag tag;
-  while (!text.empty()) {
+  std::int64_t above = 0;
+  for (; !text.empty(); ++above) {
     const std::size_t end = std::min(text.find('\n'), text.size());
     std::string_view line = text.substr(0, end);
     line.remove_prefix(std::min(line.find_first_not_of(" \t"), line.size()));
     const LineKind kind = line_kind(line, tag);
-    if (kind == LineKind::sentence_start) {
-      const std::size_t close = line.find(']');
-      return std::string(line.substr(1, close == std::string_view::npos ? close : close - 1));
-    }
+    if (kind == LineKind::sentence_start) return {line, above};
     if (kind == LineKind::block_tag) block_tag_change(tag, line);
     text.remove_prefix(std::min(end + 1, text.size()));
   }
   return {};
+}
+
+}  // namespace
+
+std::string GraphText::place() const {
+  return file + ':' + std::to_string(line + opening_of(text).lines_above);
+}
+
+Message GraphText::placed(Message message) const {
+  if (message.line == 0 || !message.file.empty()) return message;
+  message.file = file;
+  message.line += line - 1;
+  return message;
+}
+
+std::string label_in(std::string_view line) {
+  const std::size_t close = line.find(']');
+  return line.empty() ? std::string()
+                      : std::string(line.substr(1, close == std::string_view::npos ? close : close - 1));
+}
+
+std::string label_of(std::string_view text) {
+  return label_in(opening_of(text).line);
 }
 
 Project::Project(GrammarFiles of) : files(std::move(of)), grammar(Grammar::load(files)) {
@@ -56,6 +82,7 @@ Project::Project(GrammarFiles of, const Overlay& unsaved)
 
 Project::Project(GrammarFiles of, const std::string_view* text, const Project& before, unsigned kept)
     : files(std::move(of)), grammar(Inside::load_changed(files, text, before.grammar, kept)) {
+  // The kept rules are the same objects, so their addresses still find their places.
   if ((kept & Inside::rules) != 0) {
     places_ = before.places_;
     rule_text_ = before.rule_text_;
@@ -63,6 +90,8 @@ Project::Project(GrammarFiles of, const std::string_view* text, const Project& b
   begin();
 }
 
+// What every way of loading ends with: the messages of the grammar are told, and a grammar that cannot be used ends the
+// command with them. A message without a file is about the rules, whose text may not have come from a file.
 void Project::begin() {
   std::string all;
   for (Message message : grammar.messages()) {
@@ -79,8 +108,8 @@ Project::Project(GrammarFiles of, Grammar made) : files(std::move(of)), grammar(
 }
 
 void Project::prepare() {
-  printer_ = std::make_unique<Session>();
-  if (!rule_text_.empty()) return;  // the lines are known
+  printer_ = std::make_unique<Session>();  // too large for the stack
+  if (!rule_text_.empty()) return;         // the lines are known
   rule_text_ = files.rules;
   if (path_split(files.rules).extension == ".rul") lines_from_text_beside();
 }
@@ -89,10 +118,12 @@ void Project::prepare() {
 // walked in step.
 void Project::lines_from_text_beside() {
   const PathParts parts = path_split(files.rules);
+  // The endings that compiled rules take the place of, ".lxr.txt" being what a source was expanded to.
   for (const char* extension : {".txt", ".lxr.txt", ".rules", ""}) {
     const std::string path = parts.folder + parts.name + extension;
     const File stream(file_open(path, "rb"));
     if (stream == nullptr) continue;
+    // The first text that is there is the one; that another would fit would be chance.
     rule_text_ = path;
     Pool pool;
     const auto session = std::make_unique<Session>();
@@ -109,10 +140,12 @@ void Project::lines_from_text_beside() {
               " is not what these were made from, so no lines can be told; name the text instead");
     break;
   }
+  // Half of the lines would be worse than none.
   rule_text_ = files.rules;
   places_.clear();
 }
 
+// Rules of a text know their line there. If that text was expanded from a source, the map says where the line comes from.
 RulePlace Project::line_of(const Rule& rule) const {
   if (rule.line == 0) {
     const auto found = places_.find(&rule);
@@ -128,6 +161,7 @@ std::string Project::place_of(const Rule& rule) const {
   return place.line == 0 ? place.file : place.file + ':' + std::to_string(place.line);
 }
 
+// A line of a source can stand for many rules, so all are looked at; the nearest lines are noted for the message.
 std::vector<const Rule*> Project::rules_at(const std::string& place) const {
   const std::size_t colon = place.rfind(':');
   const std::string file = colon == std::string::npos ? std::string() : place.substr(0, colon);
@@ -142,6 +176,7 @@ std::vector<const Rule*> Project::rules_at(const std::string& place) const {
   std::uint32_t behind = 0;
   for (const Rule& rule : chain<&Rule::next>(loaded().rules.rules)) {
     const RulePlace found = line_of(rule);
+    // "rules.txt:12" means "some/folder/rules.txt" too, and a number alone the file that was named.
     if (found.file != file && !found.file.ends_with('/' + file) && !(file.empty() && found.file == rule_text_))
       continue;
     is_known = true;
@@ -159,6 +194,7 @@ std::vector<const Rule*> Project::rules_at(const std::string& place) const {
   throw Fault(text);
 }
 
+// Printed into the output of a session of its own, so that nothing of the grammar is touched.
 std::string Project::text_of(const Rule& rule) const {
   rule_print(*printer_, &rule, true);
   std::string text = printer_->output.take();
@@ -166,6 +202,7 @@ std::string Project::text_of(const Rule& rule) const {
   return text;
 }
 
+// A number counts for sentences without a label alone: "3" is to mean one sentence, and labels are most often numbers.
 bool is_asked_for(const std::string& wanted, const GraphText& sentence) {
   std::string_view label = wanted;
   if (label.starts_with('[') && label.ends_with(']')) label = label.substr(1, label.size() - 2);
@@ -177,20 +214,21 @@ bool is_asked_for(const std::string& wanted, const GraphText& sentence) {
 
 void for_each_sentence(const RenderOptions& options, const std::function<void(const GraphText&)>& use,
                        const Overlay* unsaved) {
-  std::vector<std::string> missing = options.sentences;
+  std::vector<std::string> missing = options.sentences;  // those that no sentence was so far
   GraphText sentence;
   Progress progress(options.inputs);
   for (const std::string& path : options.inputs) {
     sentence.file = path;
     sentence.line = 1;
     const auto text = unsaved != nullptr ? unsaved->find(path) : nullptr;
+    // "-" is standard input, and an unsaved text stands for its file.
     const bool is_file = text == nullptr && path != "-";
     const File opened(is_file ? file_open(path, "rb") : nullptr);
     if (is_file && opened == nullptr) throw Fault(path + ": cannot be opened: " + std::strerror(errno));
     std::string_view rest = text != nullptr ? std::string_view(*text) : std::string_view();
     const TextSource source = text != nullptr ? TextSource(rest) : TextSource(is_file ? opened.get() : stdin);
     while (sentence_text_read(source, sentence.text)) {
-      if (is_blank(sentence.text)) break;
+      if (is_blank(sentence.text)) break;  // what stands behind the last sentence; a file can end so
       ++sentence.number;
       sentence.label = label_of(sentence.text);
       const auto fits = [&sentence](const std::string& wanted) { return is_asked_for(wanted, sentence); };
@@ -202,6 +240,10 @@ void for_each_sentence(const RenderOptions& options, const std::function<void(co
       sentence.line += std::count(sentence.text.begin(), sentence.text.end(), '\n');
     }
     if (source.has_failed()) throw Fault(path + ": cannot be read to its end: " + std::strerror(errno));
+  }
+  if (sentence.number == 0) {
+    for (const std::string& path : options.inputs)
+      tell_line(path + ": holds no sentence: it begins with a line [S] and ends with a line [/S]");
   }
   if (!missing.empty()) {
     throw Fault("no sentence has the label \"" + missing.front() +

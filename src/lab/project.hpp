@@ -59,29 +59,37 @@ struct Project {
   void prepare();
   void lines_from_text_beside();
 
-  std::string rule_text_;
-  std::map<const Rule*, RulePlace> places_;  // of rules from a compiled file
-  std::unique_ptr<Session> printer_;
+  std::string rule_text_;                    // see `rule_text()`
+  std::map<const Rule*, RulePlace> places_;  // of rules from a compiled file; others know their lines
+  std::unique_ptr<Session> printer_;         // whose output `text_of` writes into
 };
 
-// One sentence of an input, as it stands there.
+// One sentence of an input, as it stands there: with the comments and empty lines between it and the one before.
 struct GraphText {
   std::string file;
-  std::int64_t line = 0;    // its first, from 1
+  std::int64_t line = 0;    // of the first line of `text`, from 1
   std::int64_t number = 0;  // from 1, over all inputs
   std::string label;        // "[S:3]" without brackets; may be empty
   std::string text;
+
+  // "input.txt:12": the line that opens the sentence, which is where a reader looks for it.
+  [[nodiscard]] std::string place() const;
+  // A message about the text, with its line counted in the file.
+  [[nodiscard]] Message placed(Message message) const;
 };
 
-// The label that opens the sentence: "S:3" of "[S:3]"; empty if it has none.
+// The label in a line that opens a sentence: "S:3" of "[S:3] or more".
+[[nodiscard]] std::string label_in(std::string_view line);
+
+// The label of the sentence in a text: "S:3" of "[S:3]"; empty if it has none.
 [[nodiscard]] std::string label_of(std::string_view text);
 
 // Is the sentence meant by this label ("S:3", "[S:3]" or "3"), or by this number if it has none?
 [[nodiscard]] bool is_asked_for(const std::string& wanted, const GraphText& sentence);
 
-// Reads the inputs sentence by sentence, whatever their size, and hands on those that are asked for. Throws Fault for a
-// file that cannot be read, and for a sentence that was asked for and is in none.
-// Unsaved texts stand for their files.
+// Reads the inputs sentence by sentence, whatever their size, and hands on those that are asked for. Tells on standard
+// error if there is none. Throws Fault for a file that cannot be read, and for a sentence that was asked for and is in
+// none. Unsaved texts stand for their files.
 void for_each_sentence(const RenderOptions& options, const std::function<void(const GraphText&)>& use,
                        const Overlay* unsaved = nullptr);
 

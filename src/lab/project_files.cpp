@@ -33,7 +33,8 @@ std::vector<std::string> names_in(const std::string& folder) {
   return names;
 }
 
-// What the file begins with behind comments and empty lines.
+// What the file begins with behind comments and empty lines: its first line with something else, without blanks in front.
+// Empty for a file that is missing, or that has nothing in its first 64 KiB.
 std::string first_text(const std::string& path, const Overlay* unsaved) {
   std::string head;
   if (const auto text = unsaved != nullptr ? unsaved->find(path) : nullptr; text != nullptr) {
@@ -54,28 +55,33 @@ std::string first_text(const std::string& path, const Overlay* unsaved) {
   return {};
 }
 
-// Other formats have files of these names too.
+// Other formats have files of these names too: graphs open with a sentence, a word block, a block of any name ({org}), or a
+// document or paragraph. An empty file may become what its name says.
 bool is_graphs(const std::string& path, const Overlay* unsaved) {
   const std::string text = first_text(path, unsaved);
   return text.empty() || text.starts_with("[S") || text.starts_with("[W]") || text.starts_with("{") ||
          text.starts_with("[D") || text.starts_with("[P");
 }
 
+// Entry text opens with the surface form of an entry.
 bool is_entries(const std::string& path, const Overlay* unsaved) {
   const std::string text = first_text(path, unsaved);
   return text.empty() || (text.starts_with('[') && !text.starts_with("[S"));
 }
 
+// The first file whose name fits the first pattern that any fits: a source counts before the plain rules beside it, which
+// most often were made of it.
 void guess_rules(ProjectFiles& files, const std::vector<std::string>& names) {
   for (const char* pattern : {"rules.lxr", "rules.txt", "*.lxr", "rules[-_]*.txt", "*[-_]rules.txt", "*.rules"}) {
     for (const std::string& name : names) {
-      if (!glob_matches(pattern, name) || name.ends_with(".lxr.txt")) continue;
+      if (!glob_matches(pattern, name) || name.ends_with(".lxr.txt")) continue;  // what a source was expanded to
       files.rules = files.folder + name;
       return;
     }
   }
 }
 
+// All that fit, in the order of the patterns: the files of a project's words count as one.
 void guess_words(ProjectFiles& files, const std::vector<std::string>& names, const Overlay* unsaved) {
   for (const char* pattern : {"words.txt", "literals.txt", "entries.txt", "*[-_]entries.txt", "*.entries"}) {
     for (const std::string& name : names) {
@@ -85,12 +91,14 @@ void guess_words(ProjectFiles& files, const std::vector<std::string>& names, con
   }
 }
 
+// Of several the last in the order of names.
 void guess_cooccurrence(ProjectFiles& files, const std::vector<std::string>& names) {
   for (const std::string& name : names) {
     if (name == "cr.txt" || glob_matches("*[-_]cr.txt", name)) files.cooccurrence = files.folder + name;
   }
 }
 
+// Grammars of several languages lie side by side under one folder, which has the graphs of all.
 void guess_graphs(ProjectFiles& files, const Overlay* unsaved) {
   const std::string above = fs::path(files.folder).parent_path().parent_path().string() + '/';
   for (const std::string& folder : {files.folder, above}) {
@@ -110,7 +118,8 @@ std::string with_slash(std::string folder) {
   return folder;
 }
 
-// The settings of a project, one after the other.
+// The settings of a project, read over what was guessed. What is wrong with them is told by `ProjectFiles::fault`, the
+// first fault alone; what could be read is in force.
 class Settings {
  public:
   Settings(ProjectFiles& files, const Json& json, const std::string& name) : files_(files), json_(json), name_(name) {}
@@ -146,6 +155,7 @@ class Settings {
     if (files_.fault.empty()) files_.fault = name_ + ": " + what;
   }
 
+  // A file name. An empty text, or null, means that there is none, whatever was guessed.
   void one(const char* key, std::string& file) {
     std::vector<std::string> all;
     many(key, all, true);
@@ -153,6 +163,7 @@ class Settings {
     if (json_.contains(key)) file = all.empty() ? std::string() : all.front();
   }
 
+  // A text, or a list of texts, in the place of what was guessed.
   void many(const char* key, std::vector<std::string>& result, bool are_files) {
     const auto found = json_.find(key);
     if (found == json_.end() || found->is_null()) return;
@@ -170,6 +181,8 @@ class Settings {
     }
   }
 
+  // A "*" stands for text in the name of the file alone, not in those of folders. A name without one is taken as it is, so
+  // that a file that is missing is noticed where it is read.
   void add_files(const std::string& name, std::vector<std::string>& result) const {
     const std::string path = name.starts_with('/') ? name : files_.folder + name;
     const std::size_t slash = path.rfind('/');
@@ -185,7 +198,7 @@ class Settings {
 
   ProjectFiles& files_;
   const Json& json_;
-  const std::string& name_;
+  const std::string& name_;  // of the file with the settings, for messages
 };
 
 }  // namespace
@@ -221,10 +234,12 @@ ProjectFiles project_files_from(const std::string& folder, const std::string& js
 ProjectFiles project_files_of(const std::string& folder, const Overlay* unsaved) {
   const std::string path = with_slash(folder) + kProjectFile;
   std::error_code error;
+  // A project file that is new in an editor counts before it is saved.
   const bool is_there = fs::is_regular_file(path, error) || (unsaved != nullptr && unsaved->find(path) != nullptr);
   return project_files_from(folder, is_there ? text_file_read(path, unsaved) : std::string(), path, unsaved);
 }
 
+// Goes up from the folder of the file; `top`, or without one that folder, is the last that is looked at.
 std::string project_folder_of(const std::string& file, const std::string& top) {
   const fs::path own = fs::path(file_key(file)).parent_path();
   const fs::path last(file_key(top.empty() ? own.string() : top));

@@ -14,24 +14,18 @@ namespace lab {
 
 namespace {
 
-struct Arguments {
-  GrammarFiles grammar;
-  RenderOptions render;
-};
-
-int render(const Arguments& arguments) {
+// The sentences go to standard output, what failed to standard error: so that the lines of the first are sentences alone.
+int render(const RunArguments& arguments) {
   const Project project(arguments.grammar);
   Bench bench(project);
   int status = kDone;
-  for_each_sentence(arguments.render, [&](const GraphText& graph) {
-    for (const Rendered& rendered : bench.render(graph.text, arguments.render)) {
-      if (rendered.is_done()) {
-        std::cout << escaped(rendered.sentence.text) << '\n';
-        continue;
-      }
-      status = kFailed;
-      tell_failure(graph, rendered);
+  for_each_rendered(bench, arguments.render, [&status](const GraphText& graph, const Rendered& rendered) {
+    if (rendered.is_done()) {
+      std::cout << escaped(rendered.sentence.text) << '\n';
+      return;
     }
+    status = kFailed;
+    tell_failure(graph, rendered);
   });
   return status;
 }
@@ -40,9 +34,8 @@ int render(const Arguments& arguments) {
 
 Command add_render(CLI::App& app) {
   CLI::App& command = add_command(app, "render", "Write the sentences of graphs, one a line");
-  const auto arguments = std::make_shared<Arguments>();
-  add_grammar_options(command, arguments->grammar);
-  add_render_options(command, arguments->render);
+  const auto arguments = std::make_shared<RunArguments>();
+  add_run_options(command, *arguments);
   return {&command, [arguments] { return render(*arguments); }};
 }
 

@@ -13,9 +13,11 @@ namespace lab {
 
 namespace {
 
-// What a sentence leaves behind, taken while it is there.
+// What a sentence leaves behind (relations that nobody followed, words that are in no dictionary), taken while it is still
+// in memory.
 class Leftovers final : public Observer {
  public:
+  // Of the sentences that have ended since `clear`, in order.
   [[nodiscard]] const std::vector<SentenceReport>& reports() const { return reports_; }
   void clear() { reports_.clear(); }
 
@@ -28,18 +30,17 @@ class Leftovers final : public Observer {
   }
 
  private:
-  std::vector<SentenceReport> reports_;  // of one call
-  std::int64_t undone_ = 0;
+  std::vector<SentenceReport> reports_;
+  std::int64_t undone_ = 0;  // what the session had taken back when the sentence began: it counts on
 };
 
-struct Arguments {
-  GrammarFiles grammar;
-  RenderOptions render;
-  std::string output = "-";
-  std::string form;
+struct Arguments : RunArguments {
+  std::string output = "-";  // "-": standard output
+  std::string form;          // "tsv" or "json"; empty: as the name of the output says
 };
 
 int report(const Arguments& arguments) {
+  refuse_own_files(arguments, arguments.output, "--output");
   const Project project(arguments.grammar);
   Bench bench(project);
   Leftovers leftovers;
@@ -54,6 +55,7 @@ int report(const Arguments& arguments) {
     std::size_t at = 0;
     for (const Rendered& rendered : bench.render(graph.text, arguments.render)) {
       SentenceReport row;
+      // A text can come to nothing before a search begins, and leaves nothing then.
       if (at < leftovers.reports().size()) row = leftovers.reports()[at++];
       row.status = rendered.status();
       row.milliseconds = rendered.sentence.seconds * 1000;
@@ -73,8 +75,7 @@ int report(const Arguments& arguments) {
 Command add_report(CLI::App& app) {
   CLI::App& command = add_command(app, "report", "Write a row for each sentence: status, cost, what was left over");
   const auto arguments = std::make_shared<Arguments>();
-  add_grammar_options(command, arguments->grammar);
-  add_render_options(command, arguments->render);
+  add_run_options(command, *arguments);
   add_option(command, "-o,--output", arguments->output, "Where to; - for standard output", {.shows_default = true});
   add_option(command, "-f,--format", arguments->form, "tsv or json; else as the name of the output says",
              {.choices = {"tsv", "json"}});

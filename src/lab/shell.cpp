@@ -1,13 +1,9 @@
 // lexon-lab shell: a grammar and graphs at a prompt, or under a script on standard input.
 
 #include <algorithm>
-#include <atomic>
 #include <charconv>
-#include <csignal>
 #include <cstdio>
 #include <cstdlib>
-#include <filesystem>
-#include <fstream>
 #include <iostream>
 #include <memory>
 #include <optional>
@@ -22,8 +18,10 @@
 #include "lab/bench.hpp"
 #include "lab/commands.hpp"
 #include "lab/explain.hpp"
+#include "lab/progress.hpp"
 #include "lab/project.hpp"
 #include "lab/show.hpp"
+#include "lab/text_file.hpp"
 #include "lab/why.hpp"
 
 namespace lexon {
@@ -31,15 +29,6 @@ inline namespace v1 {
 namespace lab {
 
 namespace {
-
-namespace fs = std::filesystem;
-
-// Set by the interrupt key, which ends what is under way and not the shell.
-constinit std::atomic<bool> interrupted{false};
-
-extern "C" void on_interrupt(int) {
-  interrupted = true;
-}
 
 constexpr const char* kHelp =
     "dict FILE, rules FILE, cr FILE, graphs FILE   name the files; -d, -r, -c and INPUT of the call do the same\n"
@@ -57,13 +46,15 @@ constexpr const char* kHelp =
     "steps N, time N      limits of each sentence; 0: none\n"
     "help, quit           and every other command of lexon-lab, with these files: coverage, profile, report, ...\n";
 
+constexpr const char* kNotSaved = "the changed rules were not saved";
+
 std::string_view trimmed(std::string_view text) {
   while (!text.empty() && std::isspace(static_cast<unsigned char>(text.front())) != 0) text.remove_prefix(1);
   while (!text.empty() && std::isspace(static_cast<unsigned char>(text.back())) != 0) text.remove_suffix(1);
   return text;
 }
 
-// Takes the first word off.
+// Takes the first word off, and the blanks around it.
 std::string take_word(std::string_view& rest) {
   rest = trimmed(rest);
   const std::size_t end = std::min(rest.find_first_of(" \t"), rest.size());
@@ -95,6 +86,7 @@ class Seen {
 // Where lines come from: an edited one with history at a terminal, else standard input.
 class Lines {
  public:
+  // A history that cannot be read or written is none; the shell works without.
   Lines() : is_terminal_(isatty(STDIN_FILENO) != 0 && isatty(STDOUT_FILENO) != 0) {
     if (!is_terminal_) return;
     rl_initialize();
@@ -124,6 +116,8 @@ class Lines {
   std::string history_;
 };
 
+// What is loaded, what is changed, and what each line of the prompt does with it. Files are loaded when they are needed
+// first; names can be given one after the other, and nothing is read on the way.
 class Shell {
  public:
   Shell(GrammarFiles files, std::string graphs, RenderOptions limits)
@@ -150,9 +144,9 @@ class Shell {
   void set_rules(std::vector<std::string>&& lines);
   [[nodiscard]] std::vector<std::string>& rule_lines();
 
-  GrammarFiles files_;
-  std::string graph_file_;
-  RenderOptions limits_;
+  GrammarFiles files_;      // that were named; any may still be empty
+  std::string graph_file_;  // the same
+  RenderOptions limits_;    // of each sentence; its inputs are not used
   Lines lines_;
   std::optional<Project> project_;
   std::unique_ptr<Bench> bench_;
@@ -161,9 +155,10 @@ class Shell {
   Seen seen_cooccurrence_;
   Seen seen_rules_;
   Seen seen_graphs_;
-  std::vector<GraphText> graphs_;
-  std::optional<GraphText> graph_;
+  std::vector<GraphText> graphs_;        // of `graph_file_`; empty: not read
+  std::optional<GraphText> graph_;       // that was picked or typed
   std::vector<std::string> rule_lines_;  // of the text; empty: not read
+  std::string rule_line_end_ = "\n";     // as the file has it
   bool is_changed_ = false;              // the rules differ from their file
   bool is_of_file_ = false;              // the rules of the project are those of their file
   bool is_stale_ = false;                // the project is to be loaded again before it is used
@@ -171,11 +166,12 @@ class Shell {
 
 // ---- What is loaded
 
-// Reads only what has changed. With what cannot be used, the grammar before stays.
+// Reads only what has changed, by the marks of the files that were read before: the dictionary and its index, the rules and
+// all that a source includes. With what cannot be used, the grammar before stays.
 void Shell::load() {
   if (files_.dictionary.empty()) throw Fault("there is no dictionary yet: dict FILE");
   if (files_.rules.empty()) throw Fault("there are no rules yet: rules FILE");
-  unsigned kept = Inside::none;
+  unsigned kept = Inside::none;  // parts of the grammar before that are taken over
   if (project_.has_value()) {
     if (seen_words_.is_still(files_.dictionary)) kept |= Inside::words;
     if (seen_cooccurrence_.is_still(files_.cooccurrence)) kept |= Inside::cooccurrence;
@@ -195,12 +191,20 @@ void Shell::load() {
   }
   const std::string_view changed = text;
   const std::string_view* instead = is_changed_ ? &changed : nullptr;
-  Project made = project_.has_value() ? Project(files_, instead, *project_, kept)
-                 : is_changed_        ? Project(files_, changed)
-                                      : Project(files_);
+  // A changed source has to be expanded, so it stands for its file; the text of plain rules is taken as it is.
+  Overlay source;
+  if (is_changed_ && files_.rules.ends_with(kSourceExtension)) {
+    source.put(files_.rules, text);
+    kept = Inside::none;
+  }
+  Project made = !source.is_empty()     ? Project(files_, source)
+                 : project_.has_value() ? Project(files_, instead, *project_, kept)
+                 : is_changed_          ? Project(files_, changed)
+                                        : Project(files_);
   words.add(made.loaded().words.index_path);
   cooccurrence.add(made.loaded().cooccurrence.index_path);
   for (const MappedFile& file : made.loaded().source.files) rules.add(file.path);
+  // The bench holds on to the project, so it goes first; then the old grammar, before anything more is made.
   bench_.reset();
   project_.reset();
   project_.emplace(std::move(made));
@@ -224,6 +228,7 @@ void Shell::load() {
   print("read again: " + anew + "; not changed: " + same);
 }
 
+// What is loaded, after loading what is needed.
 const Project& Shell::project() {
   if (!project_.has_value() || is_stale_) load();
   return *project_;
@@ -233,11 +238,11 @@ Bench& Shell::bench() {
   const Project& of = project();
   if (bench_ == nullptr) {
     bench_ = std::make_unique<Bench>(of);
-    bench_->set_keep_going([] { return !interrupted.load(); });
   }
   return *bench_;
 }
 
+// All sentences of the file, kept in memory: a prompt is for files of a size that one looks through.
 void Shell::load_graphs() {
   if (graph_file_.empty()) throw Fault("there are no graphs yet: graphs FILE, or type one");
   RenderOptions all;
@@ -248,6 +253,7 @@ void Shell::load_graphs() {
   print(count_text(static_cast<std::int64_t>(graphs_.size()), "sentence") + " read");
 }
 
+// The sentence that commands work on; the first one until another is picked or typed.
 const GraphText& Shell::graph() {
   if (graph_.has_value()) return *graph_;
   if (graphs_.empty()) load_graphs();
@@ -257,6 +263,7 @@ const GraphText& Shell::graph() {
 }
 
 void Shell::reload() {
+  if (is_changed_) tell_line(kNotSaved);
   is_changed_ = false;
   rule_lines_.clear();
   is_stale_ = true;
@@ -283,6 +290,7 @@ void Shell::list(std::string_view text) {
   }
 }
 
+// A label counts before a number.
 void Shell::pick(const std::string& label) {
   if (graphs_.empty()) load_graphs();
   for (const GraphText& each : graphs_) {
@@ -316,6 +324,7 @@ void Shell::read_graph(std::string line) {
   graph_ = std::move(typed);
 }
 
+// Sentences that failed are told as they come; the status of a script says so too, by the Fault at the end.
 void Shell::render(const std::string& which) {
   if (!which.empty() && which != "all") pick(which);
   std::vector<GraphText> wanted;
@@ -327,7 +336,7 @@ void Shell::render(const std::string& which) {
   }
   bool is_done = true;
   for (const GraphText& each : wanted) {
-    if (interrupted) break;
+    interrupt_check();
     for (const Rendered& rendered : bench().render(each.text, limits_)) {
       is_done = is_done && rendered.is_done();
       if (rendered.is_done()) print(rendered.sentence.text);
@@ -337,6 +346,7 @@ void Shell::render(const std::string& which) {
   if (!is_done) throw Fault("not every sentence was done: explain tells more");
 }
 
+// -w may stand in front of the word, as on a command line.
 void Shell::explain(std::string_view rest) {
   ExplainOptions options;
   while (!rest.empty()) {
@@ -352,9 +362,10 @@ void Shell::explain(std::string_view rest) {
 
 // ---- Words
 
+// Words are looked up as they stand; a prefix and attributes are a search over the dictionary, and count together.
 void Shell::find_words(std::string_view rest) {
-  std::vector<std::string> attrs;
-  std::string prefix;
+  std::vector<std::string> attrs;  // that an entry must have
+  std::string prefix;              // of its form or of its concept word; empty: any
   while (!rest.empty()) {
     const std::string word = take_word(rest);
     if (word.front() == '+') {
@@ -387,7 +398,7 @@ void Shell::find_words(std::string_view rest) {
   }
   std::ranges::sort(found);
   found.erase(std::unique(found.begin(), found.end()), found.end());
-  constexpr std::size_t kMostShown = 200;
+  constexpr std::size_t kMostShown = 200;  // entries; a prefix of one letter finds thousands
   for (std::size_t i = 0; i < std::min(found.size(), kMostShown); ++i) print(found[i]);
   if (found.size() > kMostShown) print("and " + std::to_string(found.size() - kMostShown) + " more");
   if (found.empty()) print("no entry fits");
@@ -395,12 +406,14 @@ void Shell::find_words(std::string_view rest) {
 
 // ---- Rules
 
+// The text that the lines of rules are counted in. Of compiled rules it is the text beside them, once they are loaded.
 std::vector<std::string>& Shell::rule_lines() {
   if (!rule_lines_.empty()) return rule_lines_;
   const std::string path = project_.has_value() && !is_stale_ ? project_->rule_text() : files_.rules;
-  std::ifstream file(path, std::ios::binary);
-  if (!file) throw Fault(path + ": cannot be opened");
-  for (std::string line; std::getline(file, line);) rule_lines_.push_back(std::move(line));
+  const std::string text = text_file_read(path);
+  const std::vector<std::string_view> lines = lines_of(text);
+  rule_lines_.assign(lines.begin(), lines.end());
+  rule_line_end_ = text.find("\r\n") == std::string::npos ? "\n" : "\r\n";
   return rule_lines_;
 }
 
@@ -417,6 +430,7 @@ void Shell::set_rules(std::vector<std::string>&& lines) {
   }
 }
 
+// Shows or changes a line of the rule text. A change is loaded at once, and refused with what the loader says of it.
 void Shell::rule(std::string_view rest) {
   const std::string place = take_word(rest);
   if (place.empty()) throw Fault("rule LINE, rule LINE TEXT, rule LINE -, rule + TEXT");
@@ -435,27 +449,24 @@ void Shell::rule(std::string_view rest) {
   if (rest.empty()) {
     print(files_.rules + ':' + place + ": " + line);
     for (const Rule& each : chain<&Rule::next>(project().loaded().rules.rules)) {
-      if (each.line == number) print("  in force: " + project().text_of(each));
+      const RulePlace place_of_rule = project().line_of(each);
+      if (place_of_rule.line == number && place_of_rule.file == project().rule_text())
+        print("  in force: " + project().text_of(each));
     }
     return;
   }
+  // A rule that is taken out stays as a comment, so that the lines behind it keep their numbers.
   line = rest == "-" ? ";" + line : std::string(rest);
   set_rules(std::move(lines));
 }
 
+// Written to their own file the rules count as unchanged, and are what the file holds; a copy elsewhere changes nothing.
 void Shell::save(const std::string& path) {
   const std::string target = path.empty() ? project().rule_text() : path;
   const std::vector<std::string>& lines = rule_lines();
-  const std::string draft = target + ".draft";
-  std::ofstream file(draft, std::ios::binary);
-  for (const std::string& line : lines) file << line << '\n';
-  file.close();
-  std::error_code error;
-  if (file) fs::rename(draft, target, error);
-  if (!file || error) {
-    fs::remove(draft, error);
-    throw Fault(target + ": cannot be written");
-  }
+  std::string text;
+  for (const std::string& line : lines) text += line + rule_line_end_;
+  text_file_write(target, text);
   if (target == project().rule_text()) {
     is_changed_ = false;
     is_of_file_ = target == files_.rules;
@@ -466,15 +477,22 @@ void Shell::save(const std::string& path) {
 
 // ---- Other commands of the program, with the files of the shell.
 
+// Another command of the program: its own words, then the files that the shell knows, as options.
 void Shell::run_other(const std::string& name, std::string_view rest) {
   if (is_changed_) throw Fault("the rules have changed: save or reload them first");
   std::vector<std::string> words = {name};
   while (!rest.empty()) words.push_back(take_word(rest));
-  for (const auto& [option, value] :
-       {std::pair{"-d", files_.dictionary}, std::pair{"-r", files_.rules}, std::pair{"-c", files_.cooccurrence}}) {
-    if (!value.empty()) words.insert(words.end(), {option, value});
-  }
-  if (!graph_file_.empty()) words.push_back(graph_file_);
+  // A check names its rules without an option, and its graphs with one, since it can do without them.
+  const bool is_check = name == "check";
+  const auto add = [&words](const char* option, const std::string& value) {
+    if (value.empty()) return;
+    if (*option != '\0') words.emplace_back(option);
+    words.push_back(value);
+  };
+  add("-d", files_.dictionary);
+  add(is_check ? "" : "-r", files_.rules);
+  add("-c", files_.cooccurrence);
+  add(is_check ? "-i" : "", graph_file_);
   if (run_command(words) != kDone) throw Fault(name + ": there are findings, or it failed");
 }
 
@@ -484,6 +502,7 @@ void Shell::run_other(const std::string& name, std::string_view rest) {
 bool Shell::obey(std::string_view line) {
   std::string_view rest = trimmed(line);
   if (rest.empty() || rest.front() == '#') return true;
+  // A relation has its parenthesis before any blank, and no command has one.
   const bool is_graph = rest.starts_with("[S") || rest.find('(') < rest.find_first_of(" \t");
   if (is_graph) {
     read_graph(std::string(rest));
@@ -495,9 +514,13 @@ bool Shell::obey(std::string_view line) {
     if (argument.empty()) throw Fault(word + " FILE");
     file = argument;
     is_stale_ = true;
+    // Changed rules stay with another dictionary, and go with the file that they are of.
+    if (&file != &files_.rules) return;
+    if (is_changed_) tell_line(kNotSaved);
     rule_lines_.clear();
     is_changed_ = false;
   };
+  // The rest of the line as a number that is not negative.
   const auto number = [&argument, &word] {
     double value = 0;
     const auto [end, error] = std::from_chars(argument.data(), argument.data() + argument.size(), value);
@@ -530,7 +553,8 @@ bool Shell::obey(std::string_view line) {
   } else if (word == "explain") {
     explain(rest);
   } else if (word == "why") {
-    why_sentence(std::cout, project(), bench(), graph(), limits_, argument);
+    if (argument.empty()) throw Fault("why LINE");
+    static_cast<void>(why_sentence(std::cout, project(), bench(), graph(), limits_, argument));
   } else if (word == "word") {
     find_words(rest);
   } else if (word == "rule") {
@@ -549,18 +573,17 @@ bool Shell::obey(std::string_view line) {
   return true;
 }
 
+// A script goes on behind a line that fails, and its status says so in the end; at a prompt failures have been seen.
 int Shell::run() {
-  struct sigaction action {};
-  action.sa_handler = on_interrupt;
-  sigemptyset(&action.sa_mask);
-  sigaction(SIGINT, &action, nullptr);
+  // The key ends what is under way, and not the shell.
+  interrupts_are_noted();
   if (lines_.is_terminal()) std::cout << "lexon-lab " LEXON_VERSION "; help shows the commands\n";
   int status = kDone;
   std::int64_t number = 0;
   std::string line;
   while (lines_.next("lexon> ", line)) {
     ++number;
-    interrupted = false;
+    interrupt_forget();
     try {
       if (!obey(line)) break;
     } catch (const Fault& fault) {
@@ -570,7 +593,7 @@ int Shell::run() {
     std::cout.flush();
   }
   if (lines_.is_terminal()) std::cout << '\n';
-  if (is_changed_) tell_line("the changed rules were not saved");
+  if (is_changed_) tell_line(kNotSaved);
   return lines_.is_terminal() ? kDone : status;
 }
 

@@ -24,7 +24,7 @@ std::string_view text_of(const char* text) {
   return text == nullptr ? std::string_view() : std::string_view(text);
 }
 
-constexpr std::size_t kLongestWord = 120;
+constexpr std::size_t kLongestWord = 120;  // bytes that are shown of a word with its attributes
 
 // What the node is asked about: "the left word "dog"".
 std::string subject(const Miss& miss) {
@@ -54,6 +54,8 @@ std::string word_part(const Miss& miss) {
   return "; its word: " + word;
 }
 
+// A sentence for each reason of a refusal. `asked` is what the condition names: an attribute, a form, a concept word, a
+// label.
 std::string sentence_of(const Miss& miss) {
   const std::string asked = condition_text(miss);
   const bool is_forbidden = miss.condition != nullptr && miss.condition->op == kOpNot;
@@ -100,6 +102,7 @@ std::string sentence_of(const Miss& miss) {
   return {};
 }
 
+// A node that no rule has touched has no word in force yet: it goes by what the graph calls it.
 std::string text_of_node(const Node& node, bool is_untouched_yet) {
   if (kind_bits(node) == kKindBoundary) return "|";
   std::string text;
@@ -123,7 +126,7 @@ std::string text_of_node(const Node& node, bool is_untouched_yet) {
 template <typename Text>
 std::string texts_of_list(const Session& session, const Window& window, Text text) {
   const Node* node = window.lnode != nullptr ? window.lnode : window.rnode;
-  // A rule base can close a list to a circle.
+  // A rule base can close a list to a circle, and a walk must not outlive a sentence that is to stop.
   int steps = 0;
   constexpr int kMostNodes = 4096;
   while (node != nullptr && node->left != nullptr && ++steps < kMostNodes) node = node->left;
@@ -142,8 +145,10 @@ std::string node_text(const Node* node) {
   return node == nullptr ? "-" : text_of_node(*node, is_untouched(*node));
 }
 
+// A node is untouched as long as no rule has worked on it; a hold that was placed on it from outside is no work.
 std::string node_text_before(const Node* node, const RuleCandidate& candidate) {
   if (node == nullptr) return "-";
+  // Records stand newest first, so those of the candidate are in front.
   const MatchRecord* record = node->matches;
   while (record != nullptr && record->candidate == &candidate) record = record->next;
   return text_of_node(*node, record == nullptr || record->state == kStateHold);
@@ -180,6 +185,7 @@ std::string misses_text(const Project& project, const std::vector<Miss>& misses)
   return text;
 }
 
+// As `lexon-dict list` writes it.
 std::string entry_line(const WordEntry& word) {
   Output output;
   entry_print(output, &word, "");
@@ -188,6 +194,7 @@ std::string entry_line(const WordEntry& word) {
   return line;
 }
 
+// NO_COLOR is what users of many programs set; its value does not count.
 bool wants_colours() {
   return isatty(STDOUT_FILENO) != 0 && std::getenv("NO_COLOR") == nullptr;
 }

@@ -1,15 +1,13 @@
 // lexon-lab test: sentences against what is expected of them, and what changed.
 
 #include <algorithm>
-#include <atomic>
 #include <iostream>
 #include <memory>
-#include <thread>
 
 #include "front/process.hpp"
+#include "lab/bench.hpp"
 #include "lab/commands.hpp"
 #include "lab/gold.hpp"
-#include "lab/progress.hpp"
 #include "lab/project.hpp"
 #include "lab/show.hpp"
 #include "lab/text_file.hpp"
@@ -20,68 +18,52 @@ namespace lab {
 
 namespace {
 
-struct Arguments {
-  std::string gold;
-  GrammarFiles grammar;
-  RenderOptions render;
-  std::string against;
-  std::string junit;
+struct Arguments : RunArguments {
+  std::string gold;     // the file of what is expected
+  std::string against;  // rules, a dictionary, or a saved run to compare with; empty: what is expected counts
+  std::string junit;    // files to write; empty: none
   std::string saved;
-  unsigned jobs = 1;
-  bool is_update = false;
+  unsigned jobs = 1;       // threads
+  bool is_update = false;  // what was found goes into `gold`
 };
 
-// What came of one sentence.
+// What came of one sentence, in this run or in the one that it is compared with.
 struct Outcome {
   std::string file;
-  std::int64_t line = 0;
-  std::string label;
-  Status status = Status::failed;
+  std::int64_t line = 0;  // that opens the sentence, from 1
+  std::string label;      // without brackets; may be empty
+  std::string status;     // as `Rendered::status` tells it
   std::string text;
   std::string why;  // messages of a sentence that is not done, one a line
   double seconds = 0;
+
+  [[nodiscard]] bool is_done() const { return status == to_string(Status::done); }
 };
 
 // --- rendering
 
-std::string label_of(const Sentence& sentence) {
-  const std::string& line = sentence.label;
-  const std::size_t close = line.find(']');
-  return line.empty() ? line : line.substr(1, close == std::string::npos ? close : close - 1);
-}
-
-void render_one(Generator& generator, const Settings& settings, const GraphText& graph,
-                std::vector<Outcome>& outcomes) {
-  for (const Sentence& sentence : generator.render(graph.text, settings)) {
-    // The text of a sentence begins behind the one before it.
+void render_one(Bench& bench, const RenderOptions& options, const GraphText& graph, std::vector<Outcome>& outcomes) {
+  for (const Rendered& rendered : bench.render(graph.text, options)) {
+    const Sentence& sentence = rendered.sentence;
+    // A text can hold several sentences, so the line is that of this one's label.
     const std::size_t begin = sentence.label.empty() ? 0 : std::min(graph.text.find(sentence.label), graph.text.size());
     const auto above = std::count(graph.text.begin(), graph.text.begin() + static_cast<std::ptrdiff_t>(begin), '\n');
-    Outcome outcome{graph.file, graph.line + above, label_of(sentence), sentence.status, sentence.text,
+    Outcome outcome{graph.file, graph.line + above, label_in(sentence.label), rendered.status(), sentence.text,
                     {},         sentence.seconds};
-    for (const Message& message : sentence.messages) outcome.why += to_string(message) + '\n';
+    for (const Message& message : sentence.messages) outcome.why += to_string(graph.placed(message)) + '\n';
     outcomes.push_back(std::move(outcome));
   }
 }
 
-std::vector<Outcome> render_all(const Grammar& grammar, const Arguments& arguments,
+std::vector<Outcome> render_all(const Project& project, const Arguments& arguments,
                                 const std::vector<GraphText>& graphs) {
+  const auto threads = static_cast<unsigned>(std::clamp<std::size_t>(graphs.size(), 1, arguments.jobs));
+  std::vector<std::unique_ptr<Bench>> benches;
+  for (unsigned i = 0; i < threads; ++i) benches.push_back(std::make_unique<Bench>(project));
   std::vector<std::vector<Outcome>> outcomes(graphs.size());
-  std::atomic<std::size_t> next{0};
-  Progress progress(graphs.size());
-  Settings settings;
-  settings.post_edit = arguments.render.post_edit;
-  settings.time_limit = arguments.render.seconds;
-  const auto work = [&] {
-    Generator generator(grammar);
-    for (std::size_t i = next++; i < graphs.size(); i = next++) {
-      render_one(generator, settings, graphs[i], outcomes[i]);
-      progress.passed();
-    }
-  };
-  std::vector<std::thread> threads;
-  for (unsigned i = 1; i < arguments.jobs && i < graphs.size(); ++i) threads.emplace_back(work);
-  work();
-  for (std::thread& thread : threads) thread.join();
+  for_each_on(threads, graphs.size(), [&](unsigned thread, std::size_t i) {
+    render_one(*benches[thread], arguments.render, graphs[i], outcomes[i]);
+  });
   std::vector<Outcome> result;
   for (std::vector<Outcome>& some : outcomes) std::ranges::move(some, std::back_inserter(result));
   return result;
@@ -89,7 +71,7 @@ std::vector<Outcome> render_all(const Grammar& grammar, const Arguments& argumen
 
 // --- what to compare with
 
-// Does most of a text read as rules?
+// Does most of a text read as rules? Sentences are refused line by line.
 bool looks_like_rules(const std::string& text) {
   const auto session = std::make_unique<Session>();
   Pool pool;
@@ -103,6 +85,7 @@ bool looks_like_rules(const std::string& text) {
   return read > notes.refused;
 }
 
+// What `--against` names.
 enum class Kind { rules, dictionary, saved };
 
 Kind kind_of(const std::string& path, const std::string& text) {
@@ -112,13 +95,14 @@ Kind kind_of(const std::string& path, const std::string& text) {
   return looks_like_rules(text) ? Kind::rules : Kind::saved;
 }
 
+// The sentences of a saved run, each beside the one of this run that has its label, or its place in the order.
 std::vector<Outcome> outcomes_of(Gold saved, const std::vector<Outcome>& like) {
   std::vector<Outcome> result;
   for (const Outcome& now : like) {
     const Expected* expected = saved.next(now.label);
-    Outcome before{now.file, now.line, now.label, Status::failed, {}, {}, 0};
+    Outcome before{now.file, now.line, now.label, to_string(Status::failed), {}, {}, 0};
     if (expected != nullptr && !expected->texts.empty()) {
-      before.status = Status::done;
+      before.status = to_string(Status::done);
       before.text = expected->texts.front();
     }
     result.push_back(std::move(before));
@@ -133,11 +117,12 @@ std::vector<Outcome> outcomes_against(const Arguments& arguments, const std::vec
   if (kind == Kind::saved) return outcomes_of(Gold(text), now);
   GrammarFiles files = arguments.grammar;
   (kind == Kind::rules ? files.rules : files.dictionary) = arguments.against;
-  return render_all(Project(files).grammar, arguments, graphs);
+  return render_all(Project(files), arguments, graphs);
 }
 
 // --- what is told
 
+// How outcomes are written for people.
 class Report {
  public:
   Report() : in_colours_(wants_colours()) {}
@@ -149,7 +134,7 @@ class Report {
 
   // Text found, or what stands for it.
   static std::string shown(const Outcome& outcome) {
-    return outcome.status == Status::done ? escaped(outcome.text) : std::string("(") + to_string(outcome.status) + ')';
+    return outcome.is_done() ? escaped(outcome.text) : '(' + outcome.status + ')';
   }
 
   void difference(std::string_view first, const std::string& before, std::string_view second,
@@ -158,13 +143,8 @@ class Report {
   }
 
   static void why(const Outcome& outcome) {
-    if (outcome.status == Status::done) return;
-    std::string_view rest = outcome.why;
-    while (!rest.empty()) {
-      const std::size_t end = rest.find('\n');
-      std::cout << "    " << escaped(rest.substr(0, end)) << '\n';
-      rest.remove_prefix(end + 1);
-    }
+    if (outcome.is_done()) return;
+    for (const std::string_view line : lines_of(outcome.why)) std::cout << "    " << escaped(line) << '\n';
   }
 
  private:
@@ -172,8 +152,9 @@ class Report {
 };
 
 bool is_as_expected(const Outcome& outcome, const Expected* expected) {
+  // What came to nothing for whatever reason, a limit included, is as expected if nothing was to come of it.
   if (expected == nullptr) return false;
-  if (outcome.status != Status::done) return expected->texts.empty();
+  if (!outcome.is_done()) return expected->texts.empty();
   return std::ranges::find(expected->texts, outcome.text) != expected->texts.end();
 }
 
@@ -190,9 +171,9 @@ void tell_unexpected(const Report& report, const Outcome& outcome, const Expecte
   } else if (expected->texts.empty()) {
     std::cout << "was expected to fail\n  found:    " << Report::shown(outcome) << '\n';
   } else {
-    std::cout << (outcome.status == Status::done ? "differs\n" : "has failed\n");
+    std::cout << (outcome.is_done() ? "differs\n" : "has failed\n");
     const std::string& wanted = nearest_text(*expected, outcome.text);
-    if (outcome.status == Status::done) {
+    if (outcome.is_done()) {
       report.difference("expected: ", escaped(wanted), "found:    ", escaped(outcome.text));
     } else {
       std::cout << "  expected: " << escaped(wanted) << "\n  found:    " << Report::shown(outcome) << '\n';
@@ -202,6 +183,7 @@ void tell_unexpected(const Report& report, const Outcome& outcome, const Expecte
   Report::why(outcome);
 }
 
+// Text as it may stand in an attribute. XML has no way to write most control characters.
 std::string xml_text(std::string_view text) {
   std::string result;
   for (const char c : text) {
@@ -224,12 +206,14 @@ std::string xml_text(std::string_view text) {
   return result;
 }
 
+// A sentence beside what was expected of it.
 struct Case {
   const Outcome* outcome;
-  const Expected* expected;
+  const Expected* expected;  // null: nothing is
   bool is_good;
 };
 
+// One suite, a case for each sentence and for each expected one without a graph; the form that build servers read.
 std::string junit_of(const Arguments& arguments, const std::vector<Case>& cases,
                      const std::vector<const Expected*>& missing) {
   const auto failures = static_cast<std::size_t>(std::ranges::count(cases, false, &Case::is_good)) + missing.size();
@@ -262,34 +246,34 @@ std::string junit_of(const Arguments& arguments, const std::vector<Case>& cases,
                                               "found: " + Report::shown(outcome) + '\n' + outcome.why);
   }
   for (const Expected* expected : missing) {
+    // Those that were expected and are in no graph fail, too.
     open(expected->label.empty() ? "?" : expected->label, arguments.gold, 0);
     fail("no graph has this label", expected->texts.empty() ? "" : expected->texts.front());
   }
   return xml + "</testsuite>\n</testsuites>\n";
 }
 
+// The run by label, as `Gold` reads it: what failed has a comment for its text, and so is expected to fail.
 std::string saved_of(const std::vector<Outcome>& outcomes) {
   std::string text;
   for (const Outcome& outcome : outcomes) {
     text += '[' + (outcome.label.empty() ? "S" : outcome.label) + "]\n";
-    if (outcome.status != Status::done) {
-      text += ";;" + std::string(to_string(outcome.status)) + '\n';
+    if (!outcome.is_done()) {
+      text += ";;" + outcome.status + '\n';
       continue;
     }
-    const bool needs_escape =
-        outcome.text.empty() || std::string_view(";[\\").find(outcome.text.front()) != std::string_view::npos;
-    text += (needs_escape ? "\\" : "") + outcome.text + '\n';
+    text += gold_line(outcome.text) + '\n';
   }
   return text;
 }
 
-// How many changed.
+// Tells what differs between two runs, and which of the two was as it should be. How many changed.
 std::size_t tell_changes(const Report& report, Gold gold, const std::vector<Outcome>& before,
                          const std::vector<Outcome>& now) {
   std::size_t changed = 0;
   for (std::size_t i = 0; i < now.size(); ++i) {
     const Expected* expected = gold.next(now[i].label);
-    if (i >= before.size()) break;
+    if (i >= before.size()) break;  // the other run has come to fewer sentences
     if (before[i].status == now[i].status && before[i].text == now[i].text) continue;
     ++changed;
     const bool was_good = is_as_expected(before[i], expected);
@@ -302,7 +286,12 @@ std::size_t tell_changes(const Report& report, Gold gold, const std::vector<Outc
   return changed;
 }
 
+// In this order: render; compare with the other run, if one is wanted; compare with what is expected; tell the sum; write
+// files. What was compared with another run is told as a change, and else as a difference.
 int run_test(const Arguments& arguments) {
+  refuse_own_files(arguments, arguments.gold, "GOLD");
+  refuse_own_files(arguments, arguments.saved, "--save");
+  refuse_own_files(arguments, arguments.junit, "--junit");
   Gold gold(text_file_read(arguments.gold));
   const Project project(arguments.grammar);
   std::vector<GraphText> graphs;
@@ -313,15 +302,16 @@ int run_test(const Arguments& arguments) {
                 ": tells sentences by their order, so that all must be rendered: leave -s out, or "
                 "write the label of each in front of it");
   }
-  const std::vector<Outcome> now = render_all(project.grammar, arguments, graphs);
+  const std::vector<Outcome> now = render_all(project, arguments, graphs);
 
   const Report report;
   std::size_t changed = 0;
   if (!arguments.against.empty()) {
     changed = tell_changes(report, gold, outcomes_against(arguments, graphs, now), now);
   }
+  // Two readers over the same text: one to compare with while the other is changed.
   Gold updated = gold;
-  std::vector<Case> cases;
+  std::vector<Case> cases;  // in the order of the graphs
   for (const Outcome& outcome : now) {
     const Expected* expected = gold.next(outcome.label);
     const Expected* same = updated.next(outcome.label);
@@ -329,7 +319,8 @@ int run_test(const Arguments& arguments) {
     cases.push_back({&outcome, expected, is_good});
     if (is_good) continue;
     if (arguments.against.empty()) tell_unexpected(report, outcome, expected);
-    if (outcome.status == Status::done) updated.update(same, outcome.label, outcome.text);
+    // What failed stays expected: an update is not to hide it.
+    if (outcome.is_done()) updated.update(same, outcome.label, outcome.text);
   }
   const std::vector<const Expected*> missing = is_selection ? std::vector<const Expected*>() : gold.rest();
   for (const Expected* expected : missing) {
@@ -361,8 +352,7 @@ Command add_test(CLI::App& app) {
   add_option(command, "GOLD", arguments->gold,
              "What is expected: a line a sentence, or below the label of each the texts that will do",
              {.required = true});
-  add_grammar_options(command, arguments->grammar);
-  add_render_options(command, arguments->render);
+  add_run_options(command, *arguments);
   add_option(command, "--against", arguments->against,
              "Tell what changed against other rules, another dictionary, or a saved run");
   add_option(command, "--save", arguments->saved, "Save the run, for --against");

@@ -1,9 +1,11 @@
 #include "lab/text_file.hpp"
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
+#include <filesystem>
 
 #include "data/platform.hpp"
 #include "lab/commands.hpp"
@@ -18,6 +20,7 @@ std::string text_file_read(const std::string& path, const Overlay* unsaved) {
   errno = 0;
   const File opened(path == "-" ? nullptr : file_open(path, "rb"));
   if (path != "-" && opened == nullptr) throw Fault(path + ": cannot be opened: " + std::strerror(errno));
+  // The size is not asked for: of a pipe it is not known, and a file can grow while it is read.
   std::FILE* stream = opened == nullptr ? stdin : opened.get();
   std::string text;
   std::array<char, 65536> piece;
@@ -26,7 +29,13 @@ std::string text_file_read(const std::string& path, const Overlay* unsaved) {
   return text;
 }
 
+bool is_plain_file(const std::string& path) {
+  std::error_code error;
+  return std::filesystem::is_regular_file(path, error);
+}
+
 void text_file_write(const std::string& path, std::string_view text) {
+  // A draft beside the file takes its place when it is whole: who reads the file meanwhile sees the old or the new one.
   DraftFile draft;
   errno = 0;
   if (draft.open_beside(path)) {
@@ -34,6 +43,16 @@ void text_file_write(const std::string& path, std::string_view text) {
     if (draft.put_in_place(path)) return;
   }
   throw Fault(path + ": cannot be written: " + std::strerror(errno));
+}
+
+std::vector<std::string_view> lines_of(std::string_view text) {
+  std::vector<std::string_view> lines;
+  while (!text.empty()) {
+    const std::string_view line = text.substr(0, text.find('\n'));
+    lines.push_back(line.ends_with('\r') ? line.substr(0, line.size() - 1) : line);
+    text.remove_prefix(std::min(line.size() + 1, text.size()));
+  }
+  return lines;
 }
 
 }  // namespace lab

@@ -18,9 +18,10 @@ namespace lab {
 
 namespace {
 
-constexpr std::size_t kMostFindings = 2000;
-constexpr std::size_t kMostShown = 12;
+constexpr std::size_t kMostFindings = 2000;  // that are kept of a search; later ones of another kind are lost
+constexpr std::size_t kMostShown = 12;       // the nearest of them
 
+// How many of them are about this part of the rule.
 std::int64_t misses_of_side(const std::vector<Miss>& misses, RulePart part) {
   return std::count_if(misses.begin(), misses.end(), [part](const Miss& miss) { return miss.part == part; });
 }
@@ -47,8 +48,10 @@ void RuleWatch::generated(Session&, core::Status) {
   waits_ = false;
 }
 
+// Counts an answer; of equal ones the first window and list are kept, to be shown.
 void RuleWatch::note(Answer answer, std::vector<Miss>&& misses, const Rule* other, const std::string& window,
                      const std::string& list) {
+  // Answers are equal if the same rule or the same conditions were to blame, wherever that was.
   std::string key =
       std::to_string(static_cast<int>(answer)) + ' ' + (other == nullptr ? "" : project_.place_of(*other));
   for (const Miss& miss : misses) key.append("\n").append(miss_text(project_, miss));
@@ -79,6 +82,8 @@ void RuleWatch::offered_in_post_edit(Session& session, const Window& window, std
   look(session, window, std::any_of(rules.begin(), rules.end(), is_this));
 }
 
+// A window where rules were asked for. If the index has the rule, the answer comes when the rule is tried, or when another
+// one fits before: what the rule would have missed is noted now, since then the window may have changed.
 void RuleWatch::look(Session& session, const Window& window, bool is_offered) {
   ++windows_;
   window_ = window_text(window);
@@ -99,8 +104,11 @@ void RuleWatch::look(Session& session, const Window& window, bool is_offered) {
   note(Answer::not_offered, std::move(misses), nullptr, window_, list_);
 }
 
+// The rule itself was tried, with what it lacked if it was refused; or another one, which is the answer if it fits while
+// this one waits for its turn.
 void RuleWatch::tried(Session& session, const RuleCandidate& candidate, const Window& before, const Window&, Fit fit) {
   if (candidate.rule != &rule_) {
+    // No event says that a rule was not reached: it is inferred from another one that fits while this one waits.
     if (fit == Fit::no || !std::exchange(waits_, false)) return;
     note(Answer::other_came_first, std::move(would_miss_), candidate.rule, window_, list_);
     return;
@@ -114,7 +122,7 @@ void RuleWatch::tried(Session& session, const RuleCandidate& candidate, const Wi
     misses = rule_misses(session, candidate, before, true);
   } else {
     // A node that was put back for another try has none left, or a word test asks for a step back.
-    misses.push_back({.reason = Reason::asks_for_step_back});
+    misses.push_back({.reason = Reason::asks_for_step_back});  // unless the loop finds the other reason
     for (const Side side : {Side::left, Side::right}) {
       const Node* node = node_of(before, side);
       const bool was_put_back = pattern_of(rule_, side).inserted != 0 && node != nullptr && is_marked(*node);
@@ -141,10 +149,12 @@ std::vector<RuleWatch::Finding> RuleWatch::findings() const {
 
 namespace {
 
+// A line, with what would steer a terminal made visible.
 void print(std::ostream& out, const std::string& text) {
   out << escaped(text) << '\n';
 }
 
+// A check of co-occurrence is not repeated for a rule that was not reached, so whether its pair would do is left open.
 std::string answer_text(const Project& project, const Rule& rule, const RuleWatch::Finding& finding) {
   const bool asks_pairs = rule.lnode->roles != nullptr || rule.rnode->roles != nullptr;
   switch (finding.answer) {
@@ -169,10 +179,12 @@ void print_finding(std::ostream& out, const Project& project, const Rule& rule, 
   for (const Miss& miss : finding.misses) print(out, "      - " + miss_text(project, miss));
 }
 
+// For a rule that was never offered: the window that it needs never arose, and where one half of it did.
 void print_summary(std::ostream& out, const RuleWatch& watch, const std::vector<RuleWatch::Finding>& findings) {
   const auto is_offered = [](const RuleWatch::Finding& finding) {
     return finding.answer != RuleWatch::Answer::not_offered;
   };
+  // Post-edit rules want post-edit, and generation rules a search.
   if (watch.windows() == 0) return print(out, "  there was no window for a rule of this type");
   if (std::any_of(findings.begin(), findings.end(), is_offered)) return;
   print(out, "  the window never arose: of " + count_text(watch.windows(), "window") + " none offered the rule");
@@ -184,25 +196,26 @@ void print_summary(std::ostream& out, const RuleWatch& watch, const std::vector<
   }
 }
 
-struct Arguments {
-  GrammarFiles grammar;
-  RenderOptions render;
-  std::string rule;
+struct Arguments : RunArguments {
+  std::string rule;  // its line, with its file or without
 };
 
 int why(const Arguments& arguments) {
   const Project project(arguments.grammar);
   Bench bench(project);
+  static_cast<void>(project.rules_at(arguments.rule));  // what names no rule is told even without a sentence
+  int status = kDone;
   for_each_sentence(arguments.render, [&](const GraphText& graph) {
-    why_sentence(std::cout, project, bench, graph, arguments.render, arguments.rule);
+    if (!why_sentence(std::cout, project, bench, graph, arguments.render, arguments.rule)) status = kFailed;
   });
-  return kDone;
+  return status;
 }
 
 }  // namespace
 
-void why_sentence(std::ostream& out, const Project& project, Bench& bench, const GraphText& graph,
+bool why_sentence(std::ostream& out, const Project& project, Bench& bench, const GraphText& graph,
                   const RenderOptions& limits, const std::string& place) {
+  bool is_done = true;
   for (const Rule* rule : project.rules_at(place)) {
     RuleWatch watch(project, *rule);
     bench.watchers().add(watch);
@@ -210,7 +223,9 @@ void why_sentence(std::ostream& out, const Project& project, Bench& bench, const
     bench.watchers().remove(watch);
     print(out, project.place_of(*rule) + ": " + project.text_of(*rule));
     for (const Rendered& result : results) {
-      print(out, graph.file + ':' + std::to_string(graph.line) + ": " + result.sentence.label + "  " + result.status());
+      is_done = is_done && result.is_done();
+      print(out, graph.place() + ": " + result.sentence.label + "  " + result.status());
+      for (const Message& message : result.sentence.messages) print(out, "  " + to_string(graph.placed(message)));
     }
     const std::vector<RuleWatch::Finding> findings = watch.findings();
     print_summary(out, watch, findings);
@@ -219,14 +234,14 @@ void why_sentence(std::ostream& out, const Project& project, Bench& bench, const
     if (findings.size() > kMostShown)
       print(out, "  and " + count_text(static_cast<std::int64_t>(findings.size() - kMostShown), "more distant miss"));
   }
+  return is_done;
 }
 
 Command add_why(CLI::App& app) {
   CLI::App& command = add_command(app, "why", "Tell what kept a rule from working in a sentence");
   const auto arguments = std::make_shared<Arguments>();
   add_option(command, "RULE", arguments->rule, "The rule, by its line: 203, or rules.txt:203", {.required = true});
-  add_grammar_options(command, arguments->grammar);
-  add_render_options(command, arguments->render);
+  add_run_options(command, *arguments);
   return {&command, [arguments] { return why(*arguments); }};
 }
 

@@ -54,8 +54,8 @@ class RuleWatch final : public Observer {
 
   const Project& project_;
   const Rule& rule_;
-  std::map<std::string, Finding> findings_;
-  std::int64_t windows_ = 0;
+  std::map<std::string, Finding> findings_;  // by what makes two of them equal
+  std::int64_t windows_ = 0;                 // at which a rule of this type could be asked for
   std::int64_t left_fits_ = 0;
   std::int64_t right_fits_ = 0;
   std::string left_fit_;
@@ -63,13 +63,14 @@ class RuleWatch final : public Observer {
   bool is_post_edit_ = false;
   // Of the last list that was asked for, until the rule is tried or another one fits.
   bool waits_ = false;
-  std::vector<Miss> would_miss_;
+  std::vector<Miss> would_miss_;  // what the rule lacked when that list was asked for
   std::string window_;
   std::string list_;
 };
 
-// Tells of each rule at `place`.
-void why_sentence(std::ostream& out, const Project& project, Bench& bench, const GraphText& graph,
+// Renders the sentence once for each rule at `place` ("203", "rules.txt:203") and writes to `out` what became of it. False
+// if the sentence came to nothing. Throws Fault where no rule stands.
+bool why_sentence(std::ostream& out, const Project& project, Bench& bench, const GraphText& graph,
                   const RenderOptions& limits, const std::string& place);
 
 }  // namespace lab

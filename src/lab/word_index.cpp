@@ -15,6 +15,8 @@
 #include "dict/dict_record.hpp"
 #include "dicttool/entry_reader.hpp"
 #include "lab/commands.hpp"
+#include "lab/progress.hpp"
+#include "lab/text_file.hpp"
 #include "run/files.hpp"
 
 namespace lexon {
@@ -23,16 +25,31 @@ namespace lab {
 
 namespace {
 
-constexpr std::size_t kSniffed = 4096;
+constexpr std::size_t kMostText =
+    0xFFFF0000;                         // bytes; places in it have 32 bits, and an entry is shorter than the rest
+constexpr std::size_t kSniffed = 4096;  // bytes that tell entry text from a built dictionary
 
+// Where entries are read from.
 struct Source {
-  std::string name;
-  File file;
+  std::string name;  // that findings call it by
+  File file;         // at its beginning
   bool is_built = false;
 };
 
+// The text in a file without a name, for the readers of entries, which want a file.
+Source file_of_text(const std::string& path, std::string_view text) {
+  Source source{path, unnamed_file()};
+  const bool is_written =
+      source.file != nullptr && std::fwrite(text.data(), 1, text.size(), source.file.get()) == text.size();
+  if (!is_written) throw Fault(path + ": no room for a temporary file");
+  std::rewind(source.file.get());
+  return source;
+}
+
 Source open_file(const std::string& path) {
-  Source source{path, File(file_open(path, "rb"))};
+  // A pipe cannot be read from its beginning again.
+  Source source =
+      is_plain_file(path) ? Source{path, File(file_open(path, "rb"))} : file_of_text(path, text_file_read(path));
   if (source.file == nullptr) throw Fault(path + ": cannot be opened: " + std::strerror(errno));
   std::array<char, kSniffed> head;
   const std::size_t size = std::fread(head.data(), 1, head.size(), source.file.get());
@@ -44,18 +61,27 @@ Source open_file(const std::string& path) {
 
 Source open_words(const std::string& path, const Overlay* unsaved) {
   const auto text = unsaved != nullptr ? unsaved->find(path) : nullptr;
-  if (text == nullptr) return open_file(path);
-  Source source{path, unnamed_file()};
-  const bool is_written =
-      source.file != nullptr && std::fwrite(text->data(), 1, text->size(), source.file.get()) == text->size();
-  if (!is_written) throw Fault(path + ": no room for a temporary file");
-  std::rewind(source.file.get());
-  return source;
+  return text == nullptr ? open_file(path) : file_of_text(path, *text);
 }
 
 // One entry: its line, or 0 in a built dictionary, and its bytes as they are stored.
 using EntryUse = std::function<void(std::int64_t line, const StoredRecord& record, ByteView bytes)>;
 
+// The priority of an entry line, the last of the three numbers behind its attributes, where it does not fit its byte;
+// empty otherwise.
+std::string_view priority_too_large(std::string_view line) {
+  line.remove_prefix(std::min(line.rfind(')'), line.size()));
+  const std::size_t open = line.find('<');
+  const std::size_t close = line.find('>', open);
+  const std::size_t comma = line.rfind(',', close);
+  if (open == std::string_view::npos || close == std::string_view::npos || comma < open) return {};
+  std::string_view number = line.substr(comma + 1, close - comma - 1);
+  number.remove_prefix(std::min(number.find_first_not_of(" 0"), number.size()));
+  number = number.substr(0, number.find_first_not_of("0123456789"));
+  return number.size() > 3 || (number.size() == 3 && number > "255") ? number : std::string_view();
+}
+
+// Lines that are no entries are findings, and the entries behind them are read all the same.
 void read_text(const Source& source, const EntryUse& use, std::vector<Finding>& findings) {
   const auto session = std::make_unique<Session>();
   EntryText text(*session, source.file.get(), {kDefaultKeys, max_key_length(kShortNameSize)});
@@ -65,6 +91,13 @@ void read_text(const Source& source, const EntryUse& use, std::vector<Finding>& 
       case EntryText::Line::entry: {
         const ByteView bytes(text.record());
         if (stored_record_read(bytes, record)) use(text.line_number(), record, bytes);
+        if (const std::string_view number = priority_too_large(text.line()); !number.empty()) {
+          unsigned counts = 0;
+          for (const char digit : number) counts = (counts * 10 + static_cast<unsigned>(digit - '0')) % 256;
+          findings.push_back({source.name, text.line_number(), 1, 2, Level::error, "priority-wraps",
+                              "the priority " + std::string(number) + " counts as " + std::to_string(counts),
+                              "use 0 to 255"});
+        }
         break;
       }
       case EntryText::Line::bad:
@@ -78,6 +111,7 @@ void read_text(const Source& source, const EntryUse& use, std::vector<Finding>& 
   }
 }
 
+// A built dictionary is read block by block, and not by its index, which may be missing.
 void read_built(const Source& source, const EntryUse& use) {
   const std::int64_t size = file_size(source.file.get());
   const auto block = std::make_unique<DictBlock>();
@@ -126,10 +160,12 @@ class Duplicates {
 
   void finish(std::vector<Finding>& findings) {
     std::ranges::sort(seen_);
+    std::size_t first = 0;  // of those that are alike
     for (std::size_t i = 1; i < seen_.size(); ++i) {
-      if (seen_[i].first != seen_[i - 1].first) continue;
-      std::size_t first = i - 1;
-      while (first > 0 && seen_[first - 1].first == seen_[i].first) --first;
+      if (seen_[i].first != seen_[first].first) {
+        first = i;
+        continue;
+      }
       findings.push_back({source_.name, seen_[i].second, 1, 2, Level::warning, "duplicate-entry",
                           "the same entry stands in line " + std::to_string(seen_[first].second),
                           "strike one of the two out"});
@@ -139,11 +175,12 @@ class Duplicates {
 
  private:
   const Source& source_;
-  std::vector<std::pair<std::size_t, std::int64_t>> seen_;
-  std::string form_;
-  std::unordered_set<std::string> of_form_;
+  std::vector<std::pair<std::size_t, std::int64_t>> seen_;  // of a text: hash of an entry, and its line
+  std::string form_;                                        // of a built dictionary: the one that comes by,
+  std::unordered_set<std::string> of_form_;                 // and its entries so far
 };
 
+// The upper half of a key of `by_form_` and the like; the lower one is the number of the entry.
 std::uint64_t key_of(std::string_view text) {
   return static_cast<std::uint64_t>(std::hash<std::string_view>()(text)) >> 32 << 32;
 }
@@ -158,10 +195,13 @@ WordIndex::WordIndex(const std::string& path, const Overlay* unsaved) : path_(pa
   read_entries(
       source,
       [&](std::int64_t line, const StoredRecord& record, ByteView bytes) {
+        interrupt_check();
         attrs.assign(record.attrs);
         const auto [set, is_new] = sets.try_emplace(attrs, static_cast<std::uint32_t>(sets_.size()));
         if (is_new) sets_.push_back({attrs, 0, static_cast<std::uint32_t>(entries_.size())});
+        // A million entries have a few hundred sets of attributes.
         ++sets_[set->second].count;
+        if (texts_.size() > kMostText) throw Fault(path + ": has more than 4 GB of words, which a check cannot hold");
         entries_.push_back({static_cast<std::uint32_t>(texts_.size()), set->second, static_cast<std::uint32_t>(line)});
         for (const std::string_view field :
              {std::string_view(record.hw), std::string_view(record.cw), std::string_view(record.id)}) {
@@ -174,19 +214,24 @@ WordIndex::WordIndex(const std::string& path, const Overlay* unsaved) : path_(pa
   sort_keys();
 }
 
+// Sorted arrays of numbers take a third of what hash tables would, and are made faster.
 void WordIndex::sort_keys() {
   by_form_.reserve(entries_.size());
   by_concept_.reserve(entries_.size());
+  by_id_.reserve(std::ranges::count_if(entries_, [this](const Entry& entry) { return !id(entry).empty(); }));
   for (std::uint32_t i = 0; i < entries_.size(); ++i) {
     by_form_.push_back(key_of(form(entries_[i])) | i);
     by_concept_.push_back(key_of(concept_word(entries_[i])) | i);
+    if (!id(entries_[i]).empty()) by_id_.push_back(key_of(id(entries_[i])) | i);
   }
   std::ranges::sort(by_form_);
   std::ranges::sort(by_concept_);
+  std::ranges::sort(by_id_);
 }
 
 std::vector<std::uint32_t> WordIndex::find(const std::vector<std::uint64_t>& by_key, int number,
                                            std::string_view key) const {
+  // Half a hash is shared by some, so the text decides.
   std::vector<std::uint32_t> found;
   const std::uint64_t wanted = key_of(key);
   for (auto at = std::ranges::lower_bound(by_key, wanted); at != by_key.end() && *at >> 32 == wanted >> 32; ++at) {
@@ -201,13 +246,14 @@ std::shared_ptr<const WordIndex> CheckCache::words(const std::string& path, cons
   Known& known = known_[path];
   known.is_used = true;
   if (known.index == nullptr || known.mark != mark) {
-    known.index = nullptr;
+    known.index = nullptr;  // two large ones need not be in memory at once
     known.index = std::make_shared<const WordIndex>(path, unsaved);
     known.mark = mark;
   }
   return known.index;
 }
 
+// Called after each check: what was not asked for since the call before goes.
 void CheckCache::forget_unused() {
   std::erase_if(known_, [](const auto& each) { return !each.second.is_used; });
   for (auto& [path, known] : known_) known.is_used = false;

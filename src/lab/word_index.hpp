@@ -15,7 +15,7 @@ namespace lexon {
 inline namespace v1 {
 namespace lab {
 
-// Takes some 30 bytes an entry besides its form and its concept word. Read-only once it is made.
+// Takes some 30 to 40 bytes an entry besides its form and its concept word. Read-only once it is made.
 class WordIndex {
  public:
   struct Entry {
@@ -25,9 +25,9 @@ class WordIndex {
   };
   // Attributes that some entry has together.
   struct AttributeSet {
-    std::string attributes;  // with commas between
-    std::int64_t count = 0;  // of entries
-    std::uint32_t first = 0;
+    std::string attributes;   // with commas between
+    std::int64_t count = 0;   // of entries
+    std::uint32_t first = 0;  // of these, into `entries`
   };
 
   // Reads entry text or a built dictionary. Throws Fault for a file that cannot be read.
@@ -48,6 +48,8 @@ class WordIndex {
   [[nodiscard]] std::vector<std::uint32_t> with_concept(std::string_view word) const {
     return find(by_concept_, 1, word);
   }
+  // The same by their names for the co-occurrence dictionary; entries without one are found by none.
+  [[nodiscard]] std::vector<std::uint32_t> with_id(std::string_view id) const { return find(by_id_, 2, id); }
 
  private:
   [[nodiscard]] std::string_view field(const Entry& entry, int number) const {
@@ -60,11 +62,12 @@ class WordIndex {
   void sort_keys();
 
   std::string path_;
-  std::string texts_;
+  std::string texts_;  // of all entries, one behind the other; see `Entry::text`
   std::vector<Entry> entries_;
   std::vector<AttributeSet> sets_;
   std::vector<std::uint64_t> by_form_;  // hash of the key above, number of the entry below, in ascending order
   std::vector<std::uint64_t> by_concept_;
+  std::vector<std::uint64_t> by_id_;
   std::vector<Finding> findings_;
 };
 
@@ -78,9 +81,9 @@ class CheckCache {
 
  private:
   struct Known {
-    TextMark mark;
+    TextMark mark;  // the file as it was when `index` was made
     std::shared_ptr<const WordIndex> index;
-    bool is_used = true;
+    bool is_used = true;  // since the last `forget_unused`
   };
   std::map<std::string, Known> known_;
 };

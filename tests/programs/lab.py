@@ -1,8 +1,10 @@
 #!/usr/bin/env python3
 """lexon-lab on the English example: what stands, what was refused and why, what was counted; one row a fact."""
 import json
+import os
 import re
 import shutil
+import signal
 
 import _table as table
 
@@ -23,6 +25,7 @@ rule {line} ;
 render
 reload
 render
+check
 bad command
 """
 
@@ -126,8 +129,18 @@ def main():
                     ["[S:tired]", "failed", "", "tired dog cat"])
         table.check("a report in the way", table.run("lexon", *run, "rules.txt", folder=folder).returncode, 1)
 
+        # The interrupt key ends a check at once, here while it waits for entries.
+        os.mkfifo(folder / "pipe")
+        with table.subprocess.Popen([table.PROGRAMS / "lexon-lab", "check", "rules.txt", "-d", "pipe"], cwd=folder, encoding="utf-8",
+                                    stderr=table.subprocess.PIPE, preexec_fn=lambda: signal.signal(signal.SIGINT, signal.SIG_DFL)) as waiting:
+            with open(folder / "pipe", "w"):
+                waiting.send_signal(signal.SIGINT)
+                waiting.wait()
+            told = waiting.stderr.read()
+        table.check("interrupted", (waiting.returncode, told), (-signal.SIGINT, "lexon-lab: interrupted\n"))
+
         # The shell, from a script.
-        out = shows("a script", ["shell", "input.txt", *GRAMMAR], 1, ["over steps", "line 12: "], given=SHELL.format(line=first))
+        out = shows("a script", ["shell", "input.txt", *GRAMMAR], 1, ["over steps", "^0 errors, 0 warnings", "line 13: "], given=SHELL.format(line=first))
         table.check("before, and after the reload", out.count("The dog slept.\n"), 2)
 
         # A reload reads no more than has changed on the disk.

@@ -10,15 +10,13 @@ import _table as table
 
 EXAMPLES = table.ROOT / "examples"
 FILES = ("rules.txt", "entries.txt", "cr.txt", "input.txt")
-R, E, I = "rules.txt", "entries.txt", "input.txt"
+R, E, C, I = FILES
 
 SLIPS = [
     ("no colon in front of an action", R, "{[am],AUX: ['m],+tight}", "{[am],AUX ['m]+tight}", "rule-syntax"),
     ("no comma between conditions", R, "{!lead,be,ag1,^@past,", "{!lead,be,ag1^@past,", "unknown-name"),
     ("attribute of graphs misspelt", R, "{V,ING,@progress,", "{V,ING,@progres,", "unknown-name"),
     ("class of an entry misspelt", E, "(N,!art,HUM,VOW)", "(N,!art,HUM,VWO)", "unused-name"),
-    ("class of an entry in another case", E, '"cat(>animal)"        (N,!art)', '"cat(>animal)"        (n,!art)',
-     "unused-name"),
     ("entry missing", E, '[yesterday]{}  "yesterday(>time)"  (ADV);', "; none", "unknown-word",
      (I, "yesterday(>time)")),
     ("label of a rule misspelt", R, "+!lead:ins\"   P170", "+!lead:inx\"   P170", "unknown-label"),
@@ -47,7 +45,6 @@ SLIPS = [
      (I, "[S:4]")),
     ("section misplaced", R, '"P1,^PL,^@pl,^ACC,^POSS::thm"', '"P1,^PL,^@pl,^ACC,^POSS:thm"', "section-misplaced"),
     ("semicolon for colon", R, "{set,>thm: ->thm,+agp}", "{set,>thm; ->thm,+agp}", "unknown-name"),
-    ("mark that no action sets", R, "{V,BASE,@can,^set:", "{V,BASE,@can,^@set:", "unknown-name"),
     ("two entries alike", E, '[very]{}       "very(>degree)"     (ADV);',
      '[very]{}       "very(>degree)"     (ADV);\n[very]{} "very(>degree)" (ADV);', "duplicate-entry",
      (E, '[very]{} "very(>degree)" (ADV)')),
@@ -67,6 +64,17 @@ SLIPS = [
     ("concept word misspelt", R, '"[[support(>past)]]', '"[[suport(>past)]]', "unknown-concept"),
     ("mark of an action misspelt", R, "+set,+!lead,+be,+psv}", "+set,+!lead,+be,+spv}", "unused-name"),
     ("class of another word class", R, "{V,ING,@progress,", "{ADJ,ING,@progress,", "never-together"),
+    ("a condition that is forbidden too", R, "?{ASK} {SCOPE,stated}", "?{ASK,^ASK} {SCOPE,stated}", "contradiction"),
+    ("below what leaves out boundaries alone", R, "R{PUNCT} {STAIL}", "R{N} {V} P1;\nR{PUNCT} {STAIL}", "rule-never-first",
+     (R, "R{N} {V} P1")),
+    ("literal misspelt", R, '"[with],PREP"', '"[wiht],PREP"', "literal-misspelt"),
+    ("relation of co-occurrence misspelt", R, ":::/time/\"", ":::/tme/\"", "unknown-relation"),
+    ("relation of a pair misspelt", C, "[decision/support/make]", "[decision/suport/make]", "pair-idle"),
+    ("word of a pair misspelt", C, "[decision/support/make]", "[desicion/support/make]", "pair-idle"),
+    ("class of a member misspelt", C, '[sup]{cup} "sup#unit"', '[sup]{cup} "sup#unnit"', "pair-idle"),
+    ("strength above 255", C, '[day/time/on]{} "" () <E,0,200>', '[day/time/on]{} "" () <E,0,300>', "priority-wraps"),
+    ("two words that govern all others", I, "pat(see(>perceive), bird(>animal).@indef)",
+     "pat(see(>perceive), bird(>animal).@entry)", "second-entry"),
     ("parenthesis for brace", R, "{!of:              -!of}", "{!of:              -!of)", "rule-syntax"),
 ]
 
