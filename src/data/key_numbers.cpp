@@ -6,6 +6,7 @@
 
 namespace lexon {
 
+// All memory is taken here, so that `add` fails only for being full: it is asked in the middle of a search.
 void KeyNumbers::fit(std::size_t count, std::size_t bytes) {
   most_ = count;
   texts_.clear();
@@ -13,6 +14,7 @@ void KeyNumbers::fit(std::size_t count, std::size_t bytes) {
   entries_.clear();
   entries_.reserve(count);
   slots_.reserve(std::bit_ceil(count * 2 + 1));
+  // Small at first: who clears it often should not have to fill what was never used.
   slots_.assign(kFirstSlots, 0);
 }
 
@@ -23,6 +25,8 @@ void KeyNumbers::slots_double() {
   }
 }
 
+// The slot that holds the text, or the free one where it belongs. At most half of the slots are taken, so one is free.
+// A slot holds the number of its entry plus one; 0 is free.
 std::size_t KeyNumbers::slot_of(std::string_view text, std::size_t hash) const {
   const std::size_t mask = slots_.size() - 1;
   std::size_t slot = hash & mask;

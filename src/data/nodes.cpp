@@ -28,6 +28,8 @@ Status prefix_attrs(Session& session, WordEntry& word, std::string_view prefix) 
 }
 
 // The source keeps its word as it was behind a copy that says it is the original.
+// Only a word that a step has chosen is kept so; any other is changed where it stands. Either way the record on the
+// source says from now on that its words are no longer those of the step.
 Status mark_as_original(Session& session, Node& src) {
   if (src.matches != nullptr && src.matches->state == kStateStep) {
     WordEntry* pushed = nullptr;
@@ -41,6 +43,7 @@ Status mark_as_original(Session& session, Node& src) {
 }
 
 // One word: for mode 0 in front of the source's own list, for mode 1 alone and marked.
+// In mode 0 the rest of the list is that of the source, shared.
 Status copy_word_in_force(Session& session, Node& copy, Node& src, int mode) {
   if (src.candidates == nullptr) return rule_base_failure(session, "a node without words is to be copied");
   if (const Status s = entry_copy(session, *src.candidates, copy.candidates); s != Status::ok) return s;
@@ -53,6 +56,8 @@ Status copy_word_in_force(Session& session, Node& copy, Node& src, int mode) {
 }
 
 // All words afresh, with the attribute blocks of the source.
+// A scope that is built stands for itself with the words that its generation has left, anything else with those that it
+// began with. Only one end of the relation moves to the copy, `to` before `from`.
 Status copy_word_list(Session& session, Node& copy, Node& src, Relation* relation) {
   const bool stands_for_built_scope = is_scope_reference(src) && scope_is_built(session, src.scope) != 0;
   const WordEntry* words = stands_for_built_scope ? src.candidates : src.entries;
@@ -76,8 +81,18 @@ void note_listed(Session& session, Node& at, Node& node) {
   if (&at == &node || node.left == &node || node.right == &node) session.sentence.has_loop = true;
 }
 
+// Links `node` between `at` and its neighbour in the direction of `onward`; `back` leads the other way.
+void link_beside(Session& session, Node& at, Node& node, Node* Node::*onward, Node* Node::*back) {
+  node.*back = &at;
+  node.*onward = at.*onward;
+  if (at.*onward != nullptr) (at.*onward)->*back = &node;
+  at.*onward = &node;
+  note_listed(session, at, node);
+}
+
 }  // namespace
 
+// The text is written where it stands: its cell has room for the longest text that attributes may have.
 void marked_attrs_append(ScopeAttrs& block, const Node& src) {
   if (block.text[0] == '\0' || std::strchr(block.text, '#') != nullptr) return;
   Scratch<kAttrLimit + 1> text;
@@ -101,6 +116,7 @@ Status node_copy(Session& session, Node*& copy, Node& src, Relation* relation, i
   copy->kind = src.kind;
   copy->scope = src.scope;
   copy->relations = src.relations;
+  // The relations are shared with the source, and the name is not copied: it is looked up by way of `source`.
   copy->origin = copy->source = &src;
   const bool takes_one_word = relation == nullptr && (!is_entry_of_current_scope(session, src) || mode == 1);
   const Status status =
@@ -126,6 +142,7 @@ void PlaceWatch::forget(const Session& session, const Node* node) {
   }
 }
 
+// A forced target that goes with its node is neither reached nor given up: `gone` stands for it, which no node is.
 void node_empty(Session& session, Node& node) {
   if (session.state.forced_node == &node) session.state.forced_node = &session.gone;
   entry_list_free(session, node.candidates);
@@ -134,9 +151,11 @@ void node_empty(Session& session, Node& node) {
 
 void node_free(Session& session, Node*& node) {
   if (node == nullptr) return;
+  // The name belongs to the node it was read for.
   const bool shares_its_name = node->source != nullptr && node->source->name == node->name;
   if (!shares_its_name) temp_free_string(session, node->name);
   node_empty(session, *node);
+  // Whoever watches a place that led here sees null from now on, and not the memory of some other record.
   Node* const released = node;
   temp_delete(session, node);
   node = nullptr;
@@ -155,6 +174,7 @@ Status node_words_reload(Session& session, Node& node) {
 }
 
 void node_kind_recompute(Node& node) {
+  // Attributes may have come and gone since; what the node was read as is kept only where no attribute decides.
   const bool is_class_word = kind_bits(node) == kKindClassWord;
   if (attr_has(node.candidates, "@9")) {
     node.kind = kKindNine;
@@ -173,6 +193,7 @@ ScopeAttrs* scope_attrs_find(const Node& node, int scope) {
 
 void scope_attrs_to_front(Node& node, int scope) {
   if (node.scope_attrs == nullptr || node.scope_attrs->scope == scope) return;
+  // The others keep their order. A scope of which the node has nothing changes nothing.
   for (ScopeAttrs** link = &node.scope_attrs->next; *link != nullptr; link = &(*link)->next) {
     ScopeAttrs* block = *link;
     if (block->scope != scope) continue;
@@ -193,6 +214,7 @@ Status match_record_push(Session& session, Node& node, std::uint8_t record_state
   if (record == nullptr) return Status::memory;
   *record = {record_state, candidate, cooccurrence, node.matches};
   node.matches = record;
+  // As long as records lead to a list, none of its elements may go: going back reads on from them.
   if (candidate != nullptr && candidate->list != nullptr) ++candidate->list->records;
   return Status::ok;
 }
@@ -237,24 +259,17 @@ void candidates_left_behind(Session& session, RuleCandidate* before, const RuleC
 }
 
 void node_insert_after(Session& session, Node& at, Node& node) {
-  node.left = &at;
-  node.right = at.right;
-  if (at.right != nullptr) at.right->left = &node;
-  at.right = &node;
-  note_listed(session, at, node);
+  link_beside(session, at, node, &Node::right, &Node::left);
 }
 
 void node_insert_before(Session& session, Node& at, Node& node) {
-  node.right = &at;
-  node.left = at.left;
-  if (at.left != nullptr) at.left->right = &node;
-  at.left = &node;
-  note_listed(session, at, node);
+  link_beside(session, at, node, &Node::left, &Node::right);
 }
 
 void node_take_out(Session& session, Node& node) {
   if (node.left != nullptr) node.left->right = node.right;
   if (node.right != nullptr) node.right->left = node.left;
+  // The node keeps its own links: undoing a step puts it back by them.
   if (node.right != nullptr && node.right == node.left) session.sentence.has_loop = true;
 }
 

@@ -39,6 +39,8 @@ void Pool::block_free(char* start) {
 }
 
 void* Pool::serve_from_blocks(std::size_t& first_open, std::int32_t stride) {
+  // Each class of cells remembers the first block that may still have room for it, and never looks at earlier ones
+  // again.
   for (; first_open < blocks_.size(); ++first_open) {
     Block& block = blocks_[first_open];
     if (block.used + stride > block_size_) continue;
@@ -66,6 +68,7 @@ void* Pool::serve_from_new_block(std::int32_t stride) {
   if (blocks_.empty()) limit_blocks(max_blocks_);
   for (; stride <= block_size_; block_size_ /= 2) {
     if (fault_ != nullptr && fault_->refuses()) continue;
+    // The cell that is asked for is the first of its block.
     char* start = new_block();
     if (start == nullptr) continue;
     blocks_.push_back({stride, start});
@@ -75,6 +78,8 @@ void* Pool::serve_from_new_block(std::int32_t stride) {
   return nullptr;
 }
 
+// Cells beyond the largest class come from the heap. They stand in a list with links both ways, so that one can leave
+// it at once, and all can be given back together.
 void* Pool::serve_large(std::int64_t size) {
   auto* cell = static_cast<LargeCell*>(checked_malloc(static_cast<std::int64_t>(sizeof(LargeCell)) + size));
   if (cell == nullptr) return nullptr;
@@ -93,6 +98,7 @@ void* Pool::serve(std::int64_t size) {
     free_[index] = free_[index]->next;
   } else {
     const std::int32_t stride = kCellSizes[index] + kCellGuard;
+    // The stride is larger than the cell where a fuzzer looks for writes behind a cell.
     cell = serve_from_blocks(first_open_[index], stride);
     if (cell == nullptr) cell = serve_from_new_block(stride);
   }
@@ -116,6 +122,7 @@ void Pool::free_slowly(void* cell, std::int64_t size) {
     return std::free(large);
   }
   const std::size_t index = class_of(size);
+  // A free cell holds the link to the next one of its class, and nothing else may be touched in it.
   forbid(cell, static_cast<std::size_t>(kCellSizes[index]));
   allow(cell, sizeof(FreeCell));
   free_[index] = new (cell) FreeCell{free_[index]};

@@ -5,6 +5,7 @@
 namespace lexon {
 
 bool stack_nearly_used(Session& session) {
+  // Stacks grow downwards on what this runs on.
   const auto* here = static_cast<const char*>(__builtin_frame_address(0));
   const bool used = session.state.stack_limit != nullptr && here < session.state.stack_limit;
   if (used) session.state.abort = Status::memory;
@@ -12,6 +13,7 @@ bool stack_nearly_used(Session& session) {
 }
 
 Status rule_base_failure(Session& session, const char* what) {
+  // The first failure of a sentence is told; what follows from it on the way out is not.
   if (session.state.abort == Status::ok) out_print(session, ";;the rule base has failed: %s\n", what);
   if (session.state.abort == Status::ok) remark(session, 0, std::string("the rule base has failed: ") + what);
   session.state.abort = Status::rule_base;
@@ -22,6 +24,7 @@ void remark(Session& session, std::int64_t line, std::string_view text) {
   if (session.remarks != nullptr) session.remarks->push_back({line, std::string(text)});
 }
 
+// False at the greatest depth, and the indent stays.
 bool trace_indent_grow(Session& session) {
   EngineState& state = session.state;
   if (state.trace_depth == sizeof state.trace_indent - 1) return false;
@@ -55,6 +58,7 @@ void sentence_clear(Session& session) {
   sentence.word_lists.fill(nullptr);
   sentence.word_list_count = 0;
   sentence.semlst.fill(ScopeRow{0, nullptr});
+  // Row 0 is the sentence itself, and stays.
   sentence.semlst_count = 1;
   sentence.graph_relations.fill(nullptr);
   sentence.graph_relation_count = 0;
@@ -65,6 +69,7 @@ void sentence_clear(Session& session) {
   session.label.clear();
   session.state.semlst_cur = 0;
   session.state.abort = Status::ok;
+  // The one thing that a sentence leaves to the next: that a forced target was not reached.
   if (session.state.forced_node != nullptr) session.state.forced_node = &session.gone;
 }
 
@@ -88,6 +93,7 @@ int scope_row_find(const Session& session, int scope) {
 int scope_is_built(const Session& session, int scope) {
   int index = 1;
   for (const ScopeRow& row : scope_rows(session.sentence, 1)) {
+    // A row without an entry ends the search, as if the scope were built.
     if (row.entry == nullptr) return index;
     if (row.number == scope) {
       const bool stands = row.entry->left != nullptr && row.entry->right != nullptr && !is_untouched(*row.entry);
@@ -105,6 +111,7 @@ Node* scope_entry_node(const Session& session, int scope) {
 
 Node* scope_final_node(const Session& session, int scope) {
   Node* node = scope_entry_node(session, scope);
+  // Scopes whose entries stand for each other lead in a circle; no way is longer than there are scopes.
   for (int steps = 0; node != nullptr && is_scope_reference(*node); ++steps) {
     if (steps > kMaxScopes) return nullptr;
     node = scope_entry_node(session, node->scope);

@@ -34,8 +34,6 @@ struct Form {
   std::vector<Ending> endings;
 };
 
-constexpr std::int64_t kShownLines = 20;
-
 // Reads the paradigms whole, then goes through the stems line by line and writes the entries of each.
 class Inflector {
  public:

@@ -3,11 +3,15 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <cstdint>
 #include <string>
 #include <string_view>
 #include <vector>
 
 namespace lexon {
+
+// Bad lines of an import that are told one by one; of more only the number is told.
+inline constexpr std::int64_t kShownLines = 20;
 
 // The next line of `rest`, without its end, which may be that of Windows. False behind the last one.
 inline bool take_line(std::string_view& rest, std::string_view& line) {

@@ -22,8 +22,6 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr std::int64_t kShownLines = 20;  // bad lines that are told one by one
-
 // Reads one kind of list and writes entries. Features become attributes by the table; a word whose features the table
 // leaves out is counted, and a line that cannot be read is told, and the rest goes on.
 class Importer {

@@ -36,9 +36,7 @@ constexpr std::size_t kFewSteps = 1000;
 constexpr std::size_t kBatchSentences = 100;
 constexpr std::size_t kBatchSteps = 20000;
 
-struct Arguments {
-  GrammarFiles grammar;
-  RenderOptions render;
+struct Arguments : RunArguments {
   std::string output = "view.html";
   std::size_t kept = kViewSteps;
   bool all = false;
@@ -149,19 +147,8 @@ class Writer {
   std::string notice_;
 };
 
-// Throws Fault if the page would take the place of something that it is made from.
-void refuse_own_files(const Arguments& arguments) {
-  std::vector<std::string> files = arguments.render.inputs;
-  files.insert(files.end(), {arguments.grammar.rules, arguments.grammar.dictionary, arguments.grammar.cooccurrence});
-  for (const std::string& file : files) {
-    std::error_code error;
-    if (!file.empty() && std::filesystem::equivalent(file, arguments.output, error))
-      throw Fault(arguments.output + ": a file that is read would be overwritten: give --output another name");
-  }
-}
-
 int view(const Arguments& arguments) {
-  refuse_own_files(arguments);
+  refuse_own_files(arguments, arguments.output, "--output");
   if (arguments.open && arguments.output == "-") throw Fault("--open wants a file: give --output a name");
   const Project project(arguments.grammar);
   Bench bench(project);
@@ -220,8 +207,7 @@ int view(const Arguments& arguments) {
 Command add_view(CLI::App& app) {
   CLI::App& command = add_command(app, "view", "Write a page that shows graphs, steps and words of sentences");
   const auto arguments = std::make_shared<Arguments>();
-  add_grammar_options(command, arguments->grammar);
-  add_render_options(command, arguments->render);
+  add_run_options(command, *arguments);
   add_option(command, "-o,--output", arguments->output, "The page; - for standard output", {.shows_default = true});
   add_flag(command, "-a,--all", arguments->all, "All sentences, however many; else the first 200");
   add_flag(command, "-f,--failed", arguments->failed, "Only sentences that came to nothing");

@@ -156,16 +156,12 @@ void scope_attrs_take(const WindowSide& side, const Node& node) {
   });
 }
 
-Numbers list_of(const NumberLists& lists, std::size_t key) {
-  return Numbers(lists.items).subspan(lists.starts[key], lists.starts[key + 1] - lists.starts[key]);
-}
-
 // Do the present rows satisfy the rule, and does no striking row strike it out?
 bool lets_through(const SideSearch& search, const SearchScratch::Side& scratch, std::size_t rule) {
   const auto is_present = [&](std::int32_t row) { return scratch.is_present[static_cast<std::size_t>(row)] != 0; };
   const auto is_striking = [&](std::int32_t row) { return scratch.is_striking[static_cast<std::size_t>(row)] != 0; };
-  return std::ranges::all_of(list_of(search.required, rule), is_present) &&
-         std::ranges::none_of(list_of(search.forbidden, rule), is_striking);
+  return std::ranges::all_of(search.required.of(rule), is_present) &&
+         std::ranges::none_of(search.forbidden.of(rule), is_striking);
 }
 
 // Appends to `satisfied` the rules that the word lets through: of those that the present rows watch, and of the easy ones.

@@ -35,10 +35,6 @@ void list_append(NumberLists& lists, std::size_t key, std::size_t item) {
   lists.items[lists.starts[key + 1]++] = static_cast<std::int32_t>(item);
 }
 
-std::span<const std::int32_t> list_of(const NumberLists& lists, std::size_t key) {
-  return std::span(lists.items).subspan(lists.starts[key], lists.starts[key + 1] - lists.starts[key]);
-}
-
 // How many rules require each row.
 std::vector<std::uint32_t> users_of(const SideSearch& side) {
   std::vector<std::uint32_t> users(side.names.find_rows.size());
@@ -48,7 +44,7 @@ std::vector<std::uint32_t> users_of(const SideSearch& side) {
 
 // The row of the rule's list that the fewest rules require; -1 without rows.
 std::int32_t rarest_row(const SideSearch& side, const std::vector<std::uint32_t>& users, std::size_t rule) {
-  const auto rows = list_of(side.required, rule);
+  const auto rows = side.required.of(rule);
   const auto rarer = [&](std::int32_t a, std::int32_t b) { return users[to_size(a)] < users[to_size(b)]; };
   return rows.empty() ? -1 : *std::min_element(rows.begin(), rows.end(), rarer);
 }
@@ -63,7 +59,7 @@ void watchers_set(SideSearch& side, const std::vector<std::int32_t>& watchers) {
   for (std::size_t rule = 0; rule < watchers.size(); ++rule) {
     const std::int32_t row = watchers[rule];
     if (row < 0) continue;
-    const auto rows = list_of(side.required, rule);
+    const auto rows = side.required.of(rule);
     const auto also = std::find_if(rows.begin(), rows.end(), [&](std::int32_t other) { return other != row; });
     side.watched[side.watch_starts[to_size(row) + 1]++] = {static_cast<std::int32_t>(rule),
                                                            also == rows.end() ? row : *also};
@@ -154,7 +150,7 @@ NumberLists transposed(const NumberLists& lists, std::size_t keys) {
   for (const std::int32_t item : lists.items) ++result.starts[to_size(item) + 1];
   result.items.resize(lists_open(result.starts));
   for (std::size_t key = 0; key + 1 < lists.starts.size(); ++key) {
-    for (const std::int32_t item : list_of(lists, key)) list_append(result, to_size(item), key);
+    for (const std::int32_t item : lists.of(key)) list_append(result, to_size(item), key);
   }
   return result;
 }

@@ -9,6 +9,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <span>
 #include <vector>
 
 #include "rules/matrix.hpp"
@@ -30,6 +31,10 @@ struct NameIndex {
 struct NumberLists {
   std::vector<std::uint32_t> starts;
   std::vector<std::int32_t> items;
+
+  [[nodiscard]] std::span<const std::int32_t> of(std::size_t key) const {
+    return std::span(items).subspan(starts[key], starts[key + 1] - starts[key]);
+  }
 };
 
 // A rule as the row that watches it knows it.

@@ -26,6 +26,8 @@ namespace {
 
 namespace fs = std::filesystem;
 
+// A source is trusted no more than any other file: each of these ends an expansion that a slip would let grow without
+// end.
 constexpr std::size_t kMostLine = 1022;       // characters that the rule parser reads as one line
 constexpr std::size_t kMostValue = 65536;     // bytes of a named text
 constexpr std::size_t kMostDepth = 64;        // includes within each other
@@ -33,6 +35,7 @@ constexpr std::size_t kMostMessages = 100;    // that are kept
 constexpr std::size_t kMostSteps = 10000000;  // lines, marks and turns of loops of an expansion
 constexpr std::size_t kMostText = std::size_t{1} << 30;
 
+// The rows of a %table: as many cells each as there are columns, whose names may be anything.
 struct Table {
   std::vector<std::string> columns;
   std::vector<std::vector<std::string>> rows;
@@ -46,6 +49,7 @@ struct Table {
 };
 
 // What a name stands for.
+// `kind` says which members are filled. A row refers to the table it belongs to, which lives as long as one of both.
 struct Binding {
   enum class Kind : std::uint8_t { text, list, table, row };
   Kind kind = Kind::text;
@@ -56,12 +60,14 @@ struct Binding {
   SourcePlace place;
 };
 
+// Lets names be looked up by a view, without a copy.
 struct NameHash {
   using is_transparent = void;
   std::size_t operator()(std::string_view text) const { return std::hash<std::string_view>{}(text); }
 };
 
 // How many letters have to be changed, put in or taken out to make one of the other; a large number for long ones.
+// By rows: `row[j]` is the distance of the head of `a` that has been seen to the first `j` letters of `b`.
 std::size_t distance(std::string_view a, std::string_view b) {
   constexpr std::size_t kLong = 64;
   if (a.size() > kLong || b.size() > kLong) return kLong;
@@ -96,6 +102,7 @@ std::string counted(std::size_t count, const char* what) {
   return std::to_string(count) + ' ' + what + (count == 1 ? "" : "s");
 }
 
+// One cell more than there are separators, empty ones too.
 void split_at(std::string_view text, char separator, std::vector<std::string>& cells) {
   while (true) {
     const std::size_t end = text.find(separator);
@@ -105,10 +112,15 @@ void split_at(std::string_view text, char separator, std::vector<std::string>& c
   }
 }
 
+// Walks the trees of a source and of what it includes. There are two stacks in it: the names that are bound (`bound_`),
+// cut back behind each turn of a loop, and the frames around the current line, of which the innermost is `frame_` and
+// the map keeps the rest. Faults are told and the walk goes on, with nothing in the place of what is missing.
 class Expander {
  public:
   Expander(Expansion& out, const TextLookup& unsaved) : out_(out), unsaved_(unsaved) { out_.map.frames.resize(1); }
 
+  // A file without directives is its own expansion, and needs no map. One with directives in an included file alone is
+  // not possible: %include is a directive.
   void expand(const std::string& path) {
     std::uint32_t file = 0;
     if (!open_file(path, {}, file)) return;
@@ -123,6 +135,8 @@ class Expander {
  private:
   // ---- Messages
 
+  // A message at a place, with the values of the loops and the includes around it, so that a line that is said many
+  // times shows for which turn it is wrong.
   void tell(bool is_warning, const SourcePlace& place, std::string text) {
     // Each turn of a loop would say the same.
     if (!told_.emplace(place.file, place.line, place.column, text).second) return;
@@ -135,8 +149,10 @@ class Expander {
 
   void fault(const SourcePlace& place, std::string text) { tell(false, place, std::move(text)); }
 
+  // A place in the file that is being walked.
   SourcePlace at(std::uint32_t line, std::uint32_t column) const { return {file_, line, column}; }
 
+  // The line for a message; of one that is longer than 64 KiB the head.
   std::string line_of(const SourcePlace& place) {
     std::string_view rest = texts_[place.file]->content;
     std::string_view line;
@@ -158,6 +174,8 @@ class Expander {
   // ---- Files
 
   // Reads a file once; `from`: where it is asked for, none for the source itself.
+  // Two paths that lead to one file give one number, by which a file that includes itself is noticed. The message names
+  // the path as it was written.
   bool open_file(const std::string& path, const std::optional<SourcePlace>& from, std::uint32_t& number) {
     std::error_code error;
     const fs::path whole = fs::weakly_canonical(path, error);
@@ -176,6 +194,7 @@ class Expander {
       content = *text;
       ByteHash hash;
       hash.add(content.data(), content.size());
+      // An unsaved text has no time; it is not written to a map that lasts, as such texts are expanded in memory alone.
       mark = FileMark{.size = static_cast<std::int64_t>(content.size()), .hash = hash.value()};
     } else if (stream != nullptr) {
       const std::int64_t size = file_size(stream.get());
@@ -201,12 +220,15 @@ class Expander {
   }
 
   // What a name in the current file leads to.
+  // Relative paths are meant from the folder of the file that names them, so that a source can be moved with what it
+  // includes.
   std::string path_beside(std::string_view name) const {
     const std::string& path = out_.map.files[file_].path;
     if (name.starts_with('/')) return std::string(name);
     return path.substr(0, path.rfind('/') + 1) + std::string(name);
   }
 
+  // Such a file has a zero behind every letter and would give a fault a line: one message instead.
   bool is_utf16(std::uint32_t number) {
     const std::string_view content = texts_[number]->content;
     const bool is = content.starts_with("\xFF\xFE") || content.starts_with("\xFE\xFF");
@@ -214,6 +236,7 @@ class Expander {
     return is;
   }
 
+  // A file may be included at many places and is read into its tree once. One that has faults gives no rules at all.
   void walk_file(std::uint32_t number) {
     SourceText& text = *texts_[number];
     if (is_utf16(number)) return;
@@ -241,6 +264,7 @@ class Expander {
   }
 
   // Null: the name is taken, which has been told.
+  // Names are never hidden by others: what a name means can be seen at one place.
   Binding* bind(const std::string& name, const SourcePlace& place) {
     if (const Binding* known = find(name)) {
       fault(place, in_quotes(name) + " is defined already, at " + place_text(known->place) + ": choose another name");
@@ -257,6 +281,8 @@ class Expander {
     for (; bound_.size() > count; bound_.pop_back()) names_.erase(bound_.back());
   }
 
+  // The message for a name that nothing defines, with the likeliest remedy: a defined name at its head ("%STEMen" means
+  // "%{STEM}en"), a directive with a slip of the pen, or a name that differs by a letter or two.
   std::string unknown_name(const SourcePiece& mark) {
     std::string best;
     std::size_t best_distance = mark.text.size() < 4 ? 2 : 3;
@@ -284,6 +310,7 @@ class Expander {
   // ---- Values
 
   // Appends what a mark stands for. False if it stands for nothing, which has been told.
+  // A text behind which a dot and a name stand keeps both, unless the mark is braced.
   bool append_value(const SourcePiece& mark, std::string& to) {
     const SourcePlace place = at(mark.line, mark.column);
     const Binding* binding = find(mark.text);
@@ -329,6 +356,8 @@ class Expander {
   }
 
   // The text of pieces, with the values of their marks.
+  // None if a value is missing or it grows too long: a name may be defined by another, each twice as long as the one
+  // before.
   std::optional<std::string> text_of(const SourceLine& pieces) {
     std::string text;
     bool is_whole = true;
@@ -346,6 +375,7 @@ class Expander {
     return std::string(trimmed(text));
   }
 
+  // The words of a text, between blanks. Values are put in first, so a text of several words gives several items.
   std::vector<std::string> items_of(const SourceLine& pieces) {
     std::vector<std::string> items;
     const std::optional<std::string> text = text_of(pieces);
@@ -360,6 +390,8 @@ class Expander {
 
   // ---- Definitions
 
+  // The text is made now, with the values that names have here, and not where it is used. A name whose text has a fault
+  // is bound all the same, to nothing, so that its uses are not told as unknown.
   void walk_define(const SourceNode& node) {
     std::optional<std::string> text = text_of(node.text);
     Binding* binding = bind(node.name, at(node.line, node.column));
@@ -391,6 +423,7 @@ class Expander {
     binding->table = std::move(table);
   }
 
+  // Rows that are written in the source: cells between "|", without the blanks around them; marks have their values.
   void table_of_block(const SourceNode& node, Table& table) {
     if (node.rows.empty())
       return fault(at(node.line, node.column), "this table has no header: write NAME | NAME below");
@@ -404,6 +437,7 @@ class Expander {
     }
   }
 
+  // Rows of a TSV file: every byte between two tabs counts, and a percent sign is one.
   void table_of_file(const std::string& path, const SourcePlace& from, Table& table) {
     std::uint32_t number = 0;
     if (!open_file(path, from, number) || is_utf16(number)) return;
@@ -422,6 +456,7 @@ class Expander {
   }
 
   // The first one is the header.
+  // A row of another length is told and left out. Columns without a name cannot be asked for, so several may be.
   void row_append(Table& table, std::vector<std::string>&& cells, const SourcePlace& place, const char* separator) {
     if (table.columns.empty()) {
       for (auto cell = cells.begin(); cell != cells.end(); ++cell) {
@@ -458,6 +493,7 @@ class Expander {
   }
 
   // Comments are not said again by each turn of a loop.
+  // Elsewhere the line goes out with its own end, and is a copy in the map: no pieces.
   void walk_plain(const SourceNode& node) {
     if (loops_ != 0) return;
     out_.map.lines.push_back({file_, frame_, node.line, 0, 0});
@@ -466,6 +502,8 @@ class Expander {
     if (node.plain.back() != '\n' && around_.size() > 1) out_.text += '\n';
   }
 
+  // A rule line with its values. Each piece of the source is one of the map; a line that is a single piece from the
+  // head of its source line is a copy, which the map keeps in fewer bytes.
   void walk_rule(const SourceNode& node) {
     SourceMap& map = out_.map;
     if (!take_steps(node.text.size() + 1, at(node.line, node.column))) return;
@@ -493,10 +531,12 @@ class Expander {
       line.pieces = 0;
     }
     map.lines.push_back(line);
+    // The last line of a file may have no end. Something may follow it here, though: the next turn, or the file around.
     const bool wants_end = node.end.empty() && (loops_ != 0 || around_.size() > 1);
     out_.text += wants_end ? "\n" : node.end;
   }
 
+  // Names that the file defines stay defined behind it. An include counts as 1000 steps, as a file has to be walked.
   void walk_include(const SourceNode& node) {
     const SourcePlace place = at(node.line, node.column);
     const std::optional<std::string> name = text_of(node.text);
@@ -521,6 +561,9 @@ class Expander {
     out_.map.frames.push_back(std::move(frame));
   }
 
+  // Says the body once for each value, or for each `step` values with several variables. A frame of the map is opened
+  // for each variable of a turn, one within the other. What the body defines is forgotten behind the turn. The list is
+  // copied: the body may define names, and a reference into the table of names would not be safe then.
   void walk_loop(const SourceNode& node) {
     const SourcePlace place = at(node.line, node.column);
     std::vector<std::string> own;
@@ -558,6 +601,7 @@ class Expander {
     const std::size_t inside = bound_.size();
     const std::uint32_t around = frame_;
     ++loops_;
+    // An empty body costs a step a turn too: loops within loops would not end for a long time else.
     for (std::size_t turn = 0; turn < count && take_steps(1, place); turn += step) {
       frame_ = around;
       const std::size_t frames = out_.map.frames.size();
@@ -597,6 +641,7 @@ class Expander {
   // ---- Conditions
 
   // None: it cannot be told, and has been said.
+  // "Is set" means that the value is not empty: a name that nothing defines is a fault, not a test that fails.
   std::optional<bool> holds(const SourceTest& test) {
     std::string value;
     if (!append_value(test.name, value)) return std::nullopt;
@@ -630,6 +675,8 @@ class Expander {
   }
 
   // "and" binds closer than "or".
+  // `all` is the group of tests joined by "and" that is being read, `any` whether one before it held. Every test is
+  // asked, even if the outcome stands, so that a fault in any of them is told. Without tests, that of %else, it holds.
   std::optional<bool> hold(const std::vector<SourceTest>& tests) {
     bool any = false;
     bool all = true;
@@ -645,6 +692,8 @@ class Expander {
     return any || all;
   }
 
+  // The first way whose tests hold. If one cannot be told, none is taken: each could bring faults that follow from the
+  // first.
   void walk_branch(const SourceNode& node) {
     for (const SourceWay& way : node.ways) {
       const std::optional<bool> is_so = hold(way.tests);
@@ -654,17 +703,21 @@ class Expander {
     }
   }
 
+  // What is made, and what is read.
   Expansion& out_;
   const TextLookup& unsaved_;
   std::vector<std::unique_ptr<SourceText>> texts_;  // beside the files of the map
   std::unordered_map<std::string, std::uint32_t> numbers_;
   std::set<std::uint32_t> read_;
   std::vector<std::uint32_t> around_;  // the files that are being walked
+  // Where the walk is: numbers of the file and of the innermost frame, and how many loops are around.
   std::uint32_t file_ = 0;
   std::uint32_t frame_ = 0;
   std::size_t loops_ = 0;
   std::unordered_map<std::string, Binding, NameHash, std::equal_to<>> names_;
+  // The names in the order of their definition, the newest last.
   std::vector<std::string> bound_;
+  // Messages that have been told: file, line, column, text.
   std::set<std::tuple<std::uint32_t, std::uint32_t, std::uint32_t, std::string>> told_;
   std::size_t steps_ = 0;
   bool is_over_ = false;

@@ -32,6 +32,8 @@ std::optional<std::string> content_of(const std::string& path) {
   return content;
 }
 
+// Nothing that the expansion was made of has changed, nor what was made of it. Contents count, not times: a file that
+// was copied or touched is the same.
 bool is_current(const ExpandedFile& file) {
   const SourceMap& map = file.expansion.map;
   if (!is_as_marked(file.text_path, map.text_mark)) return false;
@@ -41,6 +43,8 @@ bool is_current(const ExpandedFile& file) {
   return true;
 }
 
+// Puts a file in its place in one move. A name that is no ordinary file (a device, a pipe) is refused: it cannot be
+// replaced.
 bool write(const std::string& path, const std::string& text) {
   if (!writable_name(path).by_replacing) return false;
   DraftFile draft;
@@ -50,6 +54,8 @@ bool write(const std::string& path, const std::string& text) {
   return draft.sync() && draft.put_in_place(path);
 }
 
+// The text first, then its map: see the head of this file. The lock keeps two programs that expand the same source from
+// mixing the text of one with the map of the other.
 void write_both(ExpandedFile& file) {
   SourceMap& map = file.expansion.map;
   const FolderLock lock(file.text_path);
@@ -70,6 +76,7 @@ void write_both(ExpandedFile& file) {
 
 }  // namespace
 
+// A look at the content comes before all else: a source without directives is rule text, and gets no files beside it.
 ExpandedFile expand_beside(const std::string& path, Expanding how, const TextLookup& unsaved) {
   ExpandedFile file;
   if (!path.ends_with(kSourceExtension)) return file;

@@ -17,6 +17,17 @@ namespace {
 
 namespace fs = std::filesystem;
 
+// The file is text: a line for each record, its fields with tabs between.
+//   lexon-map 1                                     the version
+//   text  PATH SIZE HASH SECONDS NANOSECONDS        the expanded rules
+//   file  PATH SIZE HASH SECONDS NANOSECONDS        each file that was read, the source first
+//   end                                             of the head, which is all that has to be read to see what is stale
+//   loop  PARENT NAME VALUE                         frames, numbered from 1 as they come
+//   row   PARENT FILE LINE NAME VALUE
+//   include PARENT FILE LINE
+//   run   COUNT FILE LINE FRAME                     lines that are those of the source, one after the other
+//   line  FILE FRAME BEGIN:LINE:COLUMN[=] ...       a line made of pieces, with blanks between; "=" for a value
+// Numbers of files count from 0, lines and columns from 1 (in memory columns count from 0), the hash is hexadecimal.
 constexpr std::string_view kFirstLine = "lexon-map\t1";
 
 // ---- Writing
@@ -35,12 +46,14 @@ void append_field(std::string& out, std::string_view field) {
   }
 }
 
+// By `to_chars`, which is quick: a map has some numbers for each rule.
 void append_number(std::string& out, std::int64_t number, char in_front = '\t') {
   std::array<char, 24> digits;
   if (in_front != '\0') out += in_front;
   out.append(digits.data(), std::to_chars(digits.data(), digits.data() + digits.size(), number).ptr);
 }
 
+// What a file was: by this it is seen later that it has changed.
 void append_mark(std::string& out, const FileMark& mark) {
   std::array<char, 96> text;
   const int length = std::snprintf(text.data(), text.size(), "\t%" PRId64 "\t%016" PRIx64 "\t%" PRId64 "\t%" PRId64,
@@ -53,7 +66,9 @@ std::string folder_of(const std::string& path) {
 }
 
 // As it is named in a map in `folder`.
+// A source with its map can be moved as a folder, so what lies below is named relative to it, and all else in full.
 std::string name_in(const std::string& folder, const std::string& path) {
+  // Without a folder in its own path a map lies in the current one, as does every relative path.
   const bool is_below = path.starts_with(folder) && !path.starts_with("/");
   if (is_below || (!folder.empty() && path.starts_with(folder))) return path.substr(folder.size());
   std::error_code error;
@@ -79,6 +94,7 @@ void append_frame(std::string& out, const MapFrame& frame) {
   out += '\n';
 }
 
+// A line with pieces. Its own `line` is not written: it is that of the first piece.
 void append_pieces(std::string& out, const SourceMap& map, const MapLine& line) {
   out += "line";
   append_number(out, line.file);
@@ -98,6 +114,8 @@ void append_pieces(std::string& out, const SourceMap& map, const MapLine& line) 
 // ---- Reading
 
 // The fields of a line, one after the other.
+// A map may be damaged or made by hand. What does not fit clears `is_sound` and gives 0, so that a reader asks once
+// behind all fields of a line, and no number leads out of its array.
 struct Fields {
   std::string_view rest;
   char separator = '\t';
@@ -119,12 +137,14 @@ struct Fields {
     return value;
   }
 
+  // A number that is used as an index: below `limit`.
   std::uint32_t index(std::size_t limit) {
     const auto value = number<std::uint32_t>();
     is_sound = is_sound && value < limit;
     return is_sound ? value : 0;
   }
 
+  // The field as it was before `append_field`. An unknown sign behind "\" stands for itself.
   std::string plain() {
     std::string value;
     const std::string_view field = text();
@@ -136,6 +156,7 @@ struct Fields {
     return value;
   }
 
+  // As `append_mark` writes it.
   FileMark mark() {
     FileMark mark;
     mark.size = number<std::int64_t>();
@@ -150,6 +171,7 @@ std::string whole_path(const std::string& folder, std::string name) {
   return name.starts_with('/') ? name : folder + name;
 }
 
+// A frame stands behind its parent, so a parent is one of those that have been read: frames cannot form a circle.
 void read_frame(Fields& fields, MapFrame::Kind kind, SourceMap& map) {
   MapFrame frame{.kind = kind, .name = {}, .value = {}};
   frame.parent = fields.index(map.frames.size());
@@ -164,6 +186,7 @@ void read_frame(Fields& fields, MapFrame::Kind kind, SourceMap& map) {
   map.frames.push_back(std::move(frame));
 }
 
+// Lines that are copies: they follow each other in the source too.
 void read_run(Fields& fields, SourceMap& map) {
   const auto count = fields.number<std::uint32_t>();
   MapLine line;
@@ -175,6 +198,7 @@ void read_run(Fields& fields, SourceMap& map) {
   for (std::uint32_t i = 0; fields.is_sound && i < count; ++i, ++line.line) map.lines.push_back(line);
 }
 
+// A line that was made: `pieces` stay in the order of the line, which `SourceMap::place` relies on.
 void read_line(Fields& fields, SourceMap& map) {
   MapLine line;
   line.file = fields.index(map.files.size());
@@ -197,6 +221,7 @@ void read_line(Fields& fields, SourceMap& map) {
   map.lines.push_back(line);
 }
 
+// The file, or, for who wants the head alone, as much as holds it. None if there is no ordinary file.
 std::optional<std::string> content_of(const std::string& path, bool head_only) {
   const File stream(regular_file_open(path, "rb"));
   if (stream == nullptr) return std::nullopt;
@@ -218,6 +243,8 @@ MappedPlace SourceMap::place(std::int64_t number, std::size_t column) const {
   place.file = files[line.file].path;
   place.line = line.line;
   place.column = column;
+  // The last piece that begins at or before the column. Within copied text the columns run side by side; of a value all
+  // columns lead to its mark.
   if (line.pieces != 0) {
     std::size_t at = line.first_piece;
     const std::size_t end = at + line.pieces;
@@ -239,6 +266,7 @@ MappedPlace SourceMap::surroundings(std::uint32_t number) const {
       place.values.emplace_back(frame.name, frame.value);
     }
   }
+  // Frames lead from the inside out, and are told from the outside in.
   std::reverse(place.values.begin(), place.values.end());
   std::reverse(place.included_at.begin(), place.included_at.end());
   return place;
@@ -259,6 +287,7 @@ std::string source_line_at(const std::string& path, std::int64_t line) {
   const std::optional<std::string> content = content_of(path, false);
   if (!content) return {};
   std::string_view rest = *content;
+  // A number behind the last line leaves nothing.
   for (; line > 1 && !rest.empty(); --line) rest.remove_prefix(std::min(rest.find('\n'), rest.size() - 1) + 1);
   rest = rest.substr(0, rest.find('\n'));
   if (rest.ends_with('\r')) rest.remove_suffix(1);
@@ -285,6 +314,8 @@ std::string source_map_text(const SourceMap& map, const std::string& path) {
       ++i;
       continue;
     }
+    // Copied lines that follow each other in the source and in the text become one record: a plain rule file is one
+    // line of map, however long.
     const auto goes_on = [&line](const MapLine& other, std::size_t behind) {
       return other.pieces == 0 && other.file == line.file && other.frame == line.frame &&
              other.line == line.line + behind;
@@ -306,6 +337,7 @@ bool source_map_read(const std::string& path, SourceMap& map, bool head_only) {
   map = {};
   map.frames.resize(1);
   const std::optional<std::string> content = content_of(path, head_only);
+  // A map that breaks off was not written to its end. Of the head alone the "end" line tells that.
   if (!content || !content->ends_with('\n')) {
     if (!content || !head_only) return false;
   }
@@ -317,6 +349,7 @@ bool source_map_read(const std::string& path, SourceMap& map, bool head_only) {
     const std::size_t end = std::min(rest.find('\n'), rest.size());
     Fields fields{rest.substr(0, end)};
     rest.remove_prefix(std::min(end + 1, rest.size()));
+    // Another version is no map: the source is expanded again.
     if (is_first && fields.rest != kFirstLine) return false;
     const std::string_view kind = fields.text();
     if (is_first) {

@@ -36,6 +36,7 @@ struct MapPiece {
   bool is_value = false;     // stands for a mark: all of it comes from that place
 };
 
+// Where a line of the expanded text comes from: a copy of a source line, or pieces.
 struct MapLine {
   std::uint32_t file = 0;
   std::uint32_t frame = 0;  // number of the innermost frame; 0: none
@@ -53,6 +54,7 @@ struct MappedPlace {
   std::vector<std::pair<std::string, std::int64_t>> included_at;  // file and line, the outermost first
 };
 
+// Maps every line of an expansion. Numbers of files are indices of `files`, those of pieces indices of `pieces`.
 struct SourceMap {
   std::string text_path;  // of the expanded rules
   FileMark text_mark;

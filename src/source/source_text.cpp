@@ -10,7 +10,10 @@ namespace lexon {
 
 namespace {
 
+// Loops and conditions around each other: the reader keeps one `Open` for each, and the expansion calls itself for
+// each.
 constexpr std::size_t kMostNesting = 100;
+// The directives. A line that begins with "%" and another word is a rule whose first piece is a mark.
 constexpr std::array<std::string_view, 9> kNames = {"define", "list", "table", "for",    "if",
                                                     "elif",   "else", "end",   "include"};
 
@@ -26,6 +29,7 @@ bool is_name_character(char c) {
   return is_name_start(c) || is_digit(c);
 }
 
+// How many bytes at the head of `text` are a name; 0 if none begins there.
 std::size_t name_length(std::string_view text) {
   if (text.empty() || !is_name_start(text.front())) return 0;
   return static_cast<std::size_t>(std::find_if_not(text.begin(), text.end(), is_name_character) - text.begin());
@@ -43,11 +47,13 @@ std::string_view directive_of(std::string_view line) {
   return is_directive_name(name) ? name : std::string_view();
 }
 
+// A comment of the source alone: it is not copied, while one behind ";" is.
 bool is_source_comment(std::string_view line) {
   return line.substr(blanks_before(line)).starts_with("%;");
 }
 
 // A directive without its comment.
+// `%` is skipped with the sign behind it, so that the second of "%%" begins nothing.
 std::string_view without_comment(std::string_view line) {
   for (std::size_t at = 0; (at = line.find('%', at)) != std::string_view::npos; at += 2) {
     if (line.substr(at + 1).starts_with(';')) line = line.substr(0, at);
@@ -56,17 +62,20 @@ std::string_view without_comment(std::string_view line) {
   return line;
 }
 
+// Comments of the rules and empty lines go out byte for byte, without a look at marks.
 bool is_copied(std::string_view line) {
   line.remove_prefix(blanks_before(line));
   return line.empty() || line.front() == ';';
 }
 
+// Text that goes out as it is; nothing of an empty one. `column`: where it stands in its line.
 void text_append(SourceLine& pieces, std::string_view text, std::uint32_t line, std::size_t column) {
   if (text.empty()) return;
   pieces.push_back({std::string(text), {}, false, false, false, line, static_cast<std::uint32_t>(column)});
 }
 
 // Reads the mark at the head of `text`, its "%" included, into `piece`. Returns its length; 0 and `fault` for none.
+// `text` has at least one sign behind the "%", and it is "{" or the first of a name.
 std::size_t mark_read(std::string_view text, SourcePiece& piece, std::string& fault) {
   piece.is_mark = true;
   if (text[1] == '{') {
@@ -84,6 +93,8 @@ std::size_t mark_read(std::string_view text, SourcePiece& piece, std::string& fa
   }
   const std::size_t length = name_length(text.substr(1));
   piece.text = text.substr(1, length);
+  // A dot with a name behind it is taken for a column here. Whether the name is a row at all is known only when it has
+  // a value: of a text, the expansion puts the dot and the name back.
   const std::string_view behind = text.substr(1 + length);
   const std::size_t field = behind.starts_with('.') ? name_length(behind.substr(1)) : 0;
   if (field != 0) piece.field = behind.substr(1, field);
@@ -91,6 +102,7 @@ std::size_t mark_read(std::string_view text, SourcePiece& piece, std::string& fa
 }
 
 // A line that is being read, and the place in it.
+// `at` counts in the line as a whole, so that it is the column that a message shows.
 struct Words {
   std::string_view text;
   std::size_t at = 0;
@@ -111,6 +123,7 @@ struct Words {
     return taken;
   }
 
+  // Takes the next word if it is this one, and else leaves everything as it was.
   bool take_if(std::string_view word) {
     const Words before = *this;
     if (take() == word) return true;
@@ -126,11 +139,15 @@ struct Words {
   }
 };
 
+// Reads a file line by line. A directive with an %end opens an entry of `open_`, and what follows goes into its body
+// until that %end. Faults are noted and the reading goes on, so that one call finds all of them; no text comes of a
+// file with faults, so what a faulty node holds does not matter, but that its %end finds it.
 class Reader {
  public:
   explicit Reader(SourceText& text) : text_(text), rest_(text.content) {}
 
   void read() {
+    // The byte order mark goes: it would stand in front of the first rule.
     if (rest_.starts_with("\xEF\xBB\xBF")) rest_.remove_prefix(3);
     open_.push_back({nullptr, {}, 0});
     while (next()) take_line_in();
@@ -140,12 +157,14 @@ class Reader {
 
  private:
   // What waits for its %end.
+  // The first entry of `open_` stands for the file itself and is never closed.
   struct Open {
     std::vector<SourceNode>* list;  // where the node lies; null for the file itself
     std::string_view directive;
     std::size_t index;  // of the node in the list
   };
 
+  // Makes the next line the current one (`line_`, `end_`, `number_`). False behind the last.
   bool next() {
     if (rest_.empty()) return false;
     ++number_;
@@ -160,6 +179,7 @@ class Reader {
   // Nodes are kept by their index, as the list around them grows no more while they are open.
   SourceNode& node_of(const Open& open) { return (*open.list)[open.index]; }
 
+  // Where the next node goes: the way of the innermost loop or condition that was opened last.
   std::vector<SourceNode>& body() {
     if (open_.size() == 1) return root_;
     return node_of(open_.back()).ways.back().body;
@@ -173,6 +193,8 @@ class Reader {
     return node;
   }
 
+  // The current line, and with a rule those that it goes on in. The order of the questions matters: "%;" is no
+  // directive, and a line that is neither comment nor directive is a rule, whatever stands in it.
   void take_line_in() {
     if (is_source_comment(line_)) return;
     if (const std::string_view directive = directive_of(line_); !directive.empty()) return take_directive(directive);
@@ -184,10 +206,12 @@ class Reader {
     bool is_open = false;
     source_line_read(line_, number_, 0, node.text, text_.faults, &is_open);
     while (is_open && next()) is_open = take_continuation(node.text);
+    // The end of the last line that the rule stands on: the expansion has it on one.
     node.end = end_;
   }
 
   // The next line of a rule that goes on. Does it go on behind this one too?
+  // Comments may stand between the lines of a rule; they do not end it.
   bool take_continuation(SourceLine& pieces) {
     const std::size_t column = blanks_before(line_);
     if (is_source_comment(line_) || line_.substr(column).starts_with(';')) return true;
@@ -214,10 +238,13 @@ class Reader {
     take_end(column);
   }
 
+  // A variable called "if" could not be written where a line begins: %if would be the directive.
   static std::string name_taken(std::string_view word) {
     return '"' + std::string(word) + "\" is the name of a directive: choose another name";
   }
 
+  // The name that a directive defines, up to a blank or "=". `form`: what the directive looks like, for the message.
+  // `name` is filled in any case, as a table without a good name is still read up to its %end.
   bool take_name(Words& words, std::string& name, const char* form) {
     const std::size_t at = words.at;
     const std::string_view word = words.take("=");
@@ -248,6 +275,8 @@ class Reader {
     source_line_read(words.rest(), number_, static_cast<std::uint32_t>(words.at), pieces, text_.faults);
   }
 
+  // %list and %table. With "=" the values stand on the line (of a table: the name of its file), without it below, up to
+  // the %end. A collection whose name is missing is read and left out.
   void take_collection(Words& words, std::size_t column, SourceKind kind) {
     const bool is_list = kind == SourceKind::list;
     std::string name;
@@ -275,6 +304,8 @@ class Reader {
   }
 
   // The lines up to the %end.
+  // Another directive in between means that the %end was forgotten: it is taken as what it is, and the values end
+  // there.
   void take_rows(SourceNode& node) {
     const std::uint32_t begin = number_;
     while (next()) {
@@ -290,6 +321,7 @@ class Reader {
       SourceLine& row = node.rows.emplace_back();
       source_line_read(line_, number_, 0, row, text_.faults);
     }
+    // The file is at its end. The message belongs to the line where the values begin.
     number_ = begin;
     fault(0, "the values of " + node.name + " have no end: write %end below the last one");
   }
@@ -311,6 +343,8 @@ class Reader {
     if (take_quoted(words, path)) append(SourceKind::include, column).text = std::move(path);
   }
 
+  // Adds a loop or condition, whose body is read next. One that is nested too deep ends the reading: `rest_` is
+  // emptied, and nothing waits for an %end any more.
   void open(SourceNode&& node, std::string_view directive) {
     std::vector<SourceNode>& list = body();
     list.push_back(std::move(node));
@@ -322,6 +356,7 @@ class Reader {
   }
 
   // Values in brackets, or the name of a list.
+  // `name` is empty for values in brackets. Their marks get values when the loop is walked.
   bool take_values(Words& words, std::string& name, SourceLine& values) {
     if (words.take_sign('(')) {
       const std::size_t close = words.rest().find(')');
@@ -373,6 +408,8 @@ class Reader {
     open(std::move(node), "for");
   }
 
+  // One comparison: [not] NAME [== | != VALUE, or [not] in LIST]. The name may be written as a mark too. It counts as
+  // braced, so that its dot always means a column: `a.b` of a text is an error, not a text with ".b" behind it.
   bool take_test(Words& words, SourceTest& test) {
     test.is_negated = words.take_if("not");
     const std::size_t at = words.at;
@@ -395,6 +432,8 @@ class Reader {
       test.is_negated = test.is_negated != is_different;
       return take_compared(words, test.value);
     }
+    // "not" behind the name belongs to "in". If none follows, the test was the name alone, and the caller reads on from
+    // here.
     const Words before = words;
     const bool is_outside = words.take_if("not");
     if (words.take_if("in")) {
@@ -431,6 +470,7 @@ class Reader {
     return true;
   }
 
+  // The tests of a %if or %elif, to the end of the line.
   void take_tests(Words& words, std::vector<SourceTest>& tests) {
     bool joined_by_or = false;
     while (true) {
@@ -454,6 +494,8 @@ class Reader {
     open(std::move(node), "if");
   }
 
+  // %elif or %else: the next way of the condition around it. Only %else has no tests, which is how a second one is
+  // noticed; a %elif that cannot be read looks the same, but then the file has a fault already.
   void take_way(Words& words, std::size_t column, std::string_view name) {
     const bool is_else = name == "else";
     const std::string shown = "%" + std::string(name);
@@ -471,6 +513,7 @@ class Reader {
   }
 
   // `line`: the %end; `directive`: what it closes.
+  // "%end for" may say what it closes, and must be right then.
   void check_end(std::string_view line, std::string_view directive) {
     Words words{without_comment(line), blanks_before(line) + 4};
     words.skip_blanks();
@@ -487,6 +530,7 @@ class Reader {
     open_.pop_back();
   }
 
+  // What has no %end is told at its own line, the innermost first.
   void close_all() {
     for (; open_.size() > 1; open_.pop_back()) {
       const SourceNode& node = node_of(open_.back());
@@ -496,10 +540,12 @@ class Reader {
     }
   }
 
+  // `rest_`, `line_` and `end_` are views of its content, as are the plain lines of the tree.
   SourceText& text_;
   std::string_view rest_;
   std::string_view line_;
   std::string_view end_;
+  // The number of the current line, from 1.
   std::uint32_t number_ = 0;
   std::vector<SourceNode> root_;
   std::vector<Open> open_;
@@ -515,6 +561,7 @@ std::span<const std::string_view> directive_names() {
   return kNames;
 }
 
+// Blanks are spaces and tabs. In front those two are what `blanks_before` skips; behind, `is_blank` says the same.
 std::string_view trimmed(std::string_view text) {
   text.remove_prefix(blanks_before(text));
   while (!text.empty() && is_blank(text.back())) text.remove_suffix(1);
@@ -522,6 +569,7 @@ std::string_view trimmed(std::string_view text) {
 }
 
 std::string_view take_line(std::string_view& rest, std::string_view& end) {
+  // A "\r" belongs to the end only in front of "\n". The last line may have no end at all.
   const std::size_t feed = rest.find('\n');
   const std::size_t length = feed == std::string_view::npos ? rest.size() : feed;
   const bool has_return = feed != std::string_view::npos && length > 0 && rest[length - 1] == '\r';
@@ -550,6 +598,7 @@ void source_line_read(std::string_view text, std::uint32_t line, std::uint32_t c
     const char behind = text[at + 1];
     if (behind == ';' || behind == '\\') {
       // What stands behind is a comment. Of the blanks in front one is kept where the rule goes on.
+      // "%;" ends the text here; behind "%\" the rule goes on in the next line.
       std::string_view before = text.substr(from, at - from);
       const bool goes_on = behind == '\\';
       const std::size_t end = before.find_last_not_of(" \t");
@@ -559,11 +608,13 @@ void source_line_read(std::string_view text, std::uint32_t line, std::uint32_t c
       if (is_open != nullptr) *is_open = goes_on;
       return;
     }
+    // "%%": the first sign goes out with the text in front of it, the second is passed over.
     if (behind == '%') {
       text_append(pieces, text.substr(from, at + 1 - from), line, column + from);
       from = at += 2;
       continue;
     }
+    // Before anything else the sign stands for itself, as in "100%]".
     if (behind != '{' && !is_name_start(behind)) {
       ++at;
       continue;
@@ -577,6 +628,7 @@ void source_line_read(std::string_view text, std::uint32_t line, std::uint32_t c
     const std::size_t length = mark_read(text.substr(at), piece, fault);
     if (length == 0) faults.push_back({line, piece.column, std::move(fault)});
     if (length != 0) pieces.push_back(std::move(piece));
+    // Behind a faulty "%{" the reading goes on, for the faults that follow.
     from = at += std::max<std::size_t>(length, 2);
   }
   text_append(pieces, text.substr(std::min(from, text.size())), line, column + from);

@@ -29,6 +29,7 @@ struct SourcePiece {
 };
 using SourceLine = std::vector<SourcePiece>;
 
+// What a node is. `plain`: a line that is copied; `branch`: %if with its %elif and %else.
 enum class SourceKind : std::uint8_t { plain, rule, define, list, table, loop, branch, include };
 
 // One comparison of a condition.
@@ -50,6 +51,7 @@ struct SourceWay {
   std::vector<SourceNode> body;
 };
 
+// A directive, a rule or a copied line. Which members are filled follows from `kind`.
 struct SourceNode {
   SourceKind kind = SourceKind::plain;
   std::uint32_t line = 0;

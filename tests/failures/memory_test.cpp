@@ -21,8 +21,9 @@
 #include "whole_run.hpp"
 
 #if defined(__SANITIZE_ADDRESS__)
-#include <sanitizer/allocator_interface.h>
 #include <sanitizer/lsan_interface.h>
+// Of allocator_interface.h, which GCC does not bring.
+extern "C" std::size_t __sanitizer_get_current_allocated_bytes();
 #endif
 
 namespace {
