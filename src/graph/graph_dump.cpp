@@ -3,6 +3,7 @@
 #include "graph/graph_dump.hpp"
 
 #include <array>
+#include <string>
 
 #include "data/chain.hpp"
 #include "data/nodes.hpp"
@@ -93,8 +94,8 @@ void branch_print(Session& session, Node& node, const DumpBranch* branches, int 
   for (const DumpBranch& branch : chain<&DumpBranch::next>(branches)) {
     const Relation& relation = *branch.relation;
     const bool inward = relation.to == &node;
-    out_print(session, "%s%*s", dump.prefix, indent + kArrowIndent, "");
-    out_print(session, inward ? "<%s-" : "-%s>", relation.label);
+    out_text(session, dump.prefix, std::string(static_cast<std::size_t>(indent + kArrowIndent), ' '),
+             inward ? "<" : "-", relation.label, inward ? "-" : ">");
     branch_print(session, *far_end(relation, node), branch.children, indent + kChildIndent, dump);
   }
 }
