@@ -139,10 +139,15 @@ Status literal_entry(Session& session, const char* word, WordEntry*& head) {
 Status node_build(Session& session, int row_number, Node*& node) {
   node = nullptr;
   const GraphWord& row = session.sentence.graph_words[static_cast<std::size_t>(row_number)];
-  // The node of the row, or where it is to be put in.
-  Node** position = std::lower_bound(
-      session.sentence.graph_nodes.data(), nodes_end(session), row,
-      [](const Node* known, const GraphWord& r) { return sorts_before(known->name, known->scope, r.name, r.number); });
+  // The node of the row, or where it is to be put in: at the row's own place, as long as each word before has a node.
+  Node** first = session.sentence.graph_nodes.data();
+  Node** position = first + row_number;
+  const auto stands_before = [](const Node* known, const GraphWord& r) {
+    return sorts_before(known->name, known->scope, r.name, r.number);
+  };
+  const bool is_place = position <= nodes_end(session) && (position == first || stands_before(position[-1], row)) &&
+                        (position == nodes_end(session) || !stands_before(*position, row));
+  if (!is_place) position = std::lower_bound(first, nodes_end(session), row, stands_before);
   const bool is_there = position != nodes_end(session) && (*position)->scope == row.number &&
                         std::strcmp((*position)->name, row.name) == 0;
   if (is_there) {

@@ -95,16 +95,26 @@ bool sorts_before(const char* name, int number, const char* other_name, int othe
   return order != 0 ? order < 0 : number < other_number;
 }
 
-int graph_word_add(Session& session, char* text, int scope) {
+int graph_word_add(Session& session, char* text, int scope, std::span<const int> guesses) {
   const WordText word = split_word(text);
   GraphWord* first = session.sentence.graph_words.data();
   GraphWord* end = first + session.sentence.graph_word_count;
+  const auto holds_word = [&](const GraphWord& row) {
+    return row.number == word.number && std::strcmp(row.name, word.name) == 0;
+  };
   // The row of the word, or where it is to be put in.
-  GraphWord* row = std::lower_bound(first, end, word, [](const GraphWord& known, const WordText& w) {
-    return sorts_before(known.name, known.number, w.name, w.number);
-  });
+  GraphWord* row = end;
+  for (const int guess : guesses) {
+    if (guess >= 0 && first + guess < end && holds_word(first[guess])) row = first + guess;
+  }
+  bool is_there = row != end;
+  if (!is_there) {
+    row = std::lower_bound(first, end, word, [](const GraphWord& known, const WordText& w) {
+      return sorts_before(known.name, known.number, w.name, w.number);
+    });
+    is_there = row != end && holds_word(*row);
+  }
   const auto index = static_cast<int>(row - first);
-  const bool is_there = row != end && row->number == word.number && std::strcmp(row->name, word.name) == 0;
   if (!is_there) return row_insert(session, row, word, scope) ? index : -1;
   // wanted: a scope above 255 equals none of the 8-bit numbers, so each mention brings a block of its own.
   for (ScopeAttrs& block : chain<&ScopeAttrs::next>(row->blocks)) {

@@ -1,5 +1,6 @@
 #include "graph/line_text.hpp"
 
+#include <array>
 #include <cstring>
 
 #include "data/chars.hpp"
@@ -31,6 +32,18 @@ void cut_at(const char* begin, char* end) {
   while (end > begin && is_blank(end[-1])) *--end = '\0';
 }
 
+// The characters that mean something to a scan; most of a line is others. The terminator is one of them.
+constexpr std::array<bool, 256> kMarks = [] {
+  std::array<bool, 256> marks{};
+  for (const char c : {'\0', '\\', '"', '(', ')', ',', ':', '.'}) marks[static_cast<unsigned char>(c)] = true;
+  return marks;
+}();
+
+char* skip_plain(char* at) {
+  while (!kMarks[static_cast<unsigned char>(*at)]) ++at;
+  return at;
+}
+
 int depth_change(char c) {
   return c == '(' ? 1 : c == ')' ? -1 : 0;
 }
@@ -39,7 +52,7 @@ int depth_change(char c) {
 char* find_outside(char* at, char wanted) {
   int depth = 0;
   bool in_quotes = false;
-  for (; *at != '\0'; ++at) {
+  for (at = skip_plain(at); *at != '\0'; at = skip_plain(at + 1)) {
     const bool hides_next = *at == '\\' && (at[1] == '"' || at[1] == '\\');
     if (hides_next) {
       ++at;
@@ -152,7 +165,9 @@ WordText split_word(char* text) {
   word.quoted = *word.name == '"';
   if (word.quoted) ++word.name;
   WordScan scan{word.name, word.quoted};
-  while (*scan.at != '\0' && !ends_word(scan)) take_character(scan);
+  for (scan.at = skip_plain(scan.at); *scan.at != '\0' && !ends_word(scan); scan.at = skip_plain(scan.at)) {
+    take_character(scan);
+  }
   char* end = scan.at;
   // Blanks in front of a closing quote stay: the quote has become a terminator.
   for (char* last = end; last > word.name && last[-1] == ' '; --last) last[-1] = '\0';

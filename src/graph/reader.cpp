@@ -34,6 +34,7 @@ struct Reader {
   BlockTag open_tag;                       // hides lines
   bool in_graph = false;
   bool syntax_reported = false;
+  std::array<int, 2> rows = {-1, -1};  // of the two words that were named last
   // What the end of the file must not meet open: the first line of the sentence, and of a block.
   InputNotes::Line sentence{};
   InputNotes::Line block{};
@@ -136,10 +137,16 @@ Relation* relation_new(Session& session, std::string_view label, int scope) {
   return relation;
 }
 
-// The node of a word as written, or null.
-Node* node_of(Session& session, char* text, int scope) {
+// The node of a word as written, or null. `rows` are those of the words of the line before, or of this line so far: one
+// of them is often meant again.
+Node* node_of(Session& session, char* text, int scope, std::array<int, 2>& rows) {
   Node* node = nullptr;
-  if (const int row = graph_word_add(session, text, scope); row >= 0) (void)node_build(session, row, node);
+  const int count = session.sentence.graph_word_count;
+  const int row = graph_word_add(session, text, scope, rows);
+  if (row >= 0) (void)node_build(session, row, node);
+  // A new row moves those behind it.
+  const bool has_moved = session.sentence.graph_word_count != count && rows[1] >= row;
+  rows = {has_moved ? rows[1] + 1 : rows[1], row};
   return node;
 }
 
@@ -149,9 +156,9 @@ bool is_entry_of_sentence(const Node& node) {
 
 // Ties two words together. A word without a node, because its lookup failed, leaves the relation unconnected.
 void relation_tie(Session& session, Reader& reader, const RelationText& text, int scope, Relation& relation) {
-  Node* from = node_of(session, text.from, scope);
+  Node* from = node_of(session, text.from, scope, reader.rows);
   if (is_lost(session)) return;
-  Node* to = node_of(session, text.to, scope);
+  Node* to = node_of(session, text.to, scope, reader.rows);
   if (from == nullptr || to == nullptr) return;
   relation_connect(session, *from, *to, relation);
   if (relation.scope != 0 || reader.root != nullptr) return;
