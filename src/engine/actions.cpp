@@ -1,8 +1,10 @@
 // The actions of a rule on the words of its two nodes: surface forms set, attributes deleted and added.
 
 #include <algorithm>
+#include <array>
 #include <cstring>
 #include <string_view>
+#include <utility>
 
 #include "data/attr_string.hpp"
 #include "data/chain.hpp"
@@ -44,20 +46,6 @@ void word_changed(Actions& actions) {
   return is_fresh(*node) ? rule_base_failure(session, "acted on a node that no rule has matched") : Status::ok;
 }
 
-[[nodiscard]] Status surface_set(Session& session, Actions& actions, std::string_view text) {
-  // wanted: a boundary keeps its surface form.
-  if (is_boundary(actions.node)) return Status::ok;
-  char* hw = temp_text(session, text);
-  if (hw == nullptr) return Status::memory;
-  temp_free_string(session, actions.word.hw);
-  actions.word.hw = hw;
-  actions.word.hw_len = static_cast<std::int32_t>(text.size());
-  // A scope reference with a surface form of its own is a word.
-  if (is_scope_reference(actions.node)) actions.node.kind = kKindWord;
-  word_changed(actions);
-  return Status::ok;
-}
-
 // Overwrites the attribute with commas; the rebuild squeezes them away.
 [[nodiscard]] bool attr_blank(char* attrs, const char* attr) {
   char* found = attr_find(attrs, attr);
@@ -85,6 +73,24 @@ void attr_add(Actions& actions, const char* attr) {
 
 // Appends the elements of `attrs` that are not empty.
 void elements_append(AttrScratch& text, std::string_view attrs) {
+  if (text.size() + 1 + attrs.size() < kAttrLimit) {
+    // All of them find room: one pass.
+    std::array<char, kAttrLimit> elements;
+    char* end = elements.data();
+    bool is_first = text.empty();
+    bool begins = true;
+    for (const char c : attrs) {
+      if (c == ',') {
+        begins = true;
+        continue;
+      }
+      if (begins && !std::exchange(is_first, false)) *end++ = ',';
+      begins = false;
+      *end++ = c;
+    }
+    text.append({elements.data(), end});
+    return;
+  }
   while (!attrs.empty() && text.fits()) {
     const std::size_t length = std::min(attrs.find(','), attrs.size());
     if (length > 0) {
@@ -119,8 +125,16 @@ Status node_actions_apply(Session& session, Side side, const Rule& rule, const W
   const NodePattern& own = pattern_of(rule, side);
   Actions actions{rule, own, pattern_of(rule, other(side)), *node, *node->candidates, {}, false};
   for (const CondItem& item : chain<&CondItem::next>(own.actions)) {
-    if (item.op == kOpSetHw) {
-      if (const Status status = surface_set(session, actions, item.text); status != Status::ok) return status;
+    // wanted: a boundary keeps its surface form.
+    if (item.op == kOpSetHw && !is_boundary(*node)) {
+      char* hw = temp_text(session, item.text);
+      if (hw == nullptr) return Status::memory;
+      temp_free_string(session, actions.word.hw);
+      actions.word.hw = hw;
+      actions.word.hw_len = static_cast<std::int32_t>(std::strlen(hw));
+      // A scope reference with a surface form of its own is a word.
+      if (is_scope_reference(*node)) node->kind = kKindWord;
+      word_changed(actions);
     }
     if (item.op == kOpDelete) {
       if (attr_blank(actions.word.attrs, item.text)) word_changed(actions);

@@ -103,7 +103,8 @@ bool find_place(Session& session, Match& match, Side side) {
   // The walk over MID has already found what lies beyond.
   if (beyond == nullptr || match.mid_mark.hit != nullptr) return true;
   Node* next = neighbour(*beside, side);
-  while (next != nullptr && match_context(session, side, beyond, next) == nullptr) {
+  GroupMark mark{.confirms_links = match.mid_mark.confirms_links};
+  while (next != nullptr && match_context(session, side, {beyond}, next, mark) == nullptr) {
     if (must_leave(session) != Status::ok || !is_lone_empty_star(match.rule.mid)) return false;
     beside = next;
     next = neighbour(*beside, side);

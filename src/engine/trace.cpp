@@ -130,12 +130,10 @@ void trace_next_rule(Session& session, int number) {
   if (traces(session, 3)) trace_line(session, ";;next rule #", Decimal(number));
 }
 
-void trace_next_entry(Session& session, Side side, int number) {
-  if (traces(session, 3)) trace_line(session, ";;next entry for ", place_name(side), " #", Decimal(number));
-}
-
-void trace_clear_entries(Session& session, Side side, int number) {
-  if (traces(session, 3)) trace_line(session, ";;clear all entries for ", place_name(side), " #", Decimal(number));
+void trace_word_change(Session& session, WordChange change, Side side, int number) {
+  if (!traces(session, 3)) return;
+  const char* what = change == WordChange::next ? ";;next entry for " : ";;clear all entries for ";
+  trace_line(session, what, place_name(side), " #", Decimal(number));
 }
 
 void trace_no_entry(Session& session, Side side) {
