@@ -57,6 +57,7 @@ void word_changed(Actions& actions) {
 void attr_add(Actions& actions, const char* attr) {
   AttrScratch& additions = actions.additions;
   const std::size_t length = additions.size() + std::strlen(attr) + 1;
+  // The stored length counts, which can be more than the text has: matching reckons with the same.
   if (static_cast<std::int64_t>(length) + actions.word.attr_len >= kAttrLimit) return;
   if (is_scope_reference(actions.node) && actions.rule.type == rule_type::insertion) {
     // Additions to a scope reference that the rule brings in are carried into the scope instead.

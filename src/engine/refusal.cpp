@@ -20,6 +20,7 @@ namespace lexon {
 
 namespace {
 
+// An empty answer says that nothing is missing.
 using Misses = std::vector<Miss>;
 
 void append(Misses& to, Misses&& more) {
@@ -31,6 +32,7 @@ void keep_nearest(std::optional<Misses>& nearest, Misses&& misses) {
   if (!nearest.has_value() || misses.size() < nearest->size()) nearest = std::move(misses);
 }
 
+// The parts of the rule that speak of this side: its node, and what lies beyond.
 RulePart pattern_part(Side side) {
   return side == Side::left ? RulePart::lnode : RulePart::rnode;
 }
@@ -49,6 +51,7 @@ std::string name_of(const Node& node) {
   return std::string(hw.empty() ? text_or_empty(word->cw) : hw);
 }
 
+// "surface form (attributes)"; the parentheses only if there are any.
 std::string word_text(const WordEntry* word) {
   if (word == nullptr) return {};
   const std::string_view attrs = text_or_empty(word->attrs);
@@ -57,6 +60,7 @@ std::string word_text(const WordEntry* word) {
   return text;
 }
 
+// With the rule that has touched the node last: it is where a user looks next.
 Miss miss_of_node(Reason reason, RulePart part, const Node& node) {
   Miss miss;
   miss.reason = reason;
@@ -96,6 +100,7 @@ Miss miss_of_word(const Question& question, Reason reason, const CondItem* condi
   return miss;
 }
 
+// `class_node`: the node if its words may be those of a class, for which no surface form is asked; else null.
 void ask_surface(const Question& question, const Node* class_node, const WordEntry* word, Misses& misses) {
   const NodePattern& pattern = question.pattern();
   for (const auto& [reason, conditions] :
@@ -110,6 +115,7 @@ void ask_surface(const Question& question, const Node* class_node, const WordEnt
   }
 }
 
+// Of the node and not of one word: the length of its word in force decides for all of them.
 void ask_room(const Question& question, Misses& misses) {
   if (attr_room_suffices(question.side, question.rule, question.window)) return;
   misses.push_back(miss_of_word(question, Reason::attributes_too_long, nullptr, question.node.candidates));
@@ -259,9 +265,10 @@ struct Walk {
   RulePart part;
   Side side;
   Miss furthest{};
-  int distance = -1;
+  int distance = -1;  // of it from the window, in nodes; -1: nothing has failed yet
 };
 
+// Keeps a failure that lies as far out as the furthest so far, or further.
 void note(Walk& walk, int distance, Reason reason, const ContextGroup& group, const CondItem* condition,
           const Node* node) {
   if (distance < walk.distance) return;
@@ -297,6 +304,7 @@ bool group_fits(Walk& walk, int distance, const ContextGroup& group, const Node&
   return true;
 }
 
+// Do the groups match from `node` on? Each star is tried as short as the rest allows, as in the walk of a match.
 bool walk_groups(const Session& session, Walk& walk, GroupCursor groups, const Node* node, int distance) {
   bool has_matched = false;
   while (groups.group != nullptr) {
@@ -339,9 +347,9 @@ Miss context_miss(const Session& session, RulePart part, Side side, GroupCursor 
 
 struct Asking {
   Session& session;
-  Match match;
-  bool was_refused;
-  Misses misses;
+  Match match;       // of its own: its window slides as that of a match does
+  bool was_refused;  // see `rule_misses`
+  Misses misses;     // so far, in the order of the steps of a match
 };
 
 bool stands_for_retry(const Node* node) {
@@ -407,6 +415,7 @@ void ask_side(Asking& asking, Side side) {
   asking.misses.push_back(std::move(miss));
 }
 
+// Leaves the match's window where the match would stand behind MID, or says why it cannot get there.
 void ask_slide(Asking& asking) {
   Match& match = asking.match;
   const Rule& rule = match.rule;
@@ -512,6 +521,8 @@ Misses literal_misses(Asking& asking, Side side) {
   return misses;
 }
 
+// The place beside which the node is to come, and then the node itself. The dictionary is asked only if nothing else was
+// missing: that costs a lookup.
 void ask_insertion(Asking& asking, Side side) {
   Match& match = asking.match;
   if (!shifted_text_fits(match.rule, match.window, side)) {
@@ -583,9 +594,10 @@ std::vector<Miss> rule_misses(Session& session, const RuleCandidate& candidate, 
 
 namespace {
 
+// One side of the window, as the index sees it.
 struct IndexSide {
   Side side;
-  const Node* node;
+  const Node* node;             // null: the side lets every rule through
   const Node* entry = nullptr;  // of the scope that the node stands for, not built
 };
 

@@ -19,39 +19,34 @@ namespace {
 
 enum class Form { plain, bracket };
 
-// The line in the making. A usual one needs no memory.
+// The line in the making. A usual one needs no memory: it stands whole in `end_`.
 class ListLine {
  public:
+  // The five pieces of a node; any of them may be empty.
   void append(std::string_view a, std::string_view b, std::string_view c, std::string_view d, std::string_view e) {
     const std::size_t size = a.size() + b.size() + c.size() + d.size() + e.size();
-    if (size > end_.size() - size_) {
-      begin_.append(end_.data(), std::exchange(size_, 0));
-      if (size > end_.size()) begin_.reserve(begin_.size() + 2 * size);
-    }
+    if (size > end_.size() - size_) begin_.append(end_.data(), std::exchange(size_, 0));
     if (size > end_.size()) {
       for (const std::string_view text : {a, b, c, d, e}) begin_ += text;
     } else {
       size_ = static_cast<std::size_t>(texts_copy(end_.data() + size_, a, b, c, d, e) - end_.data());
     }
   }
-  void append(std::string_view a, std::string_view b, std::string_view c, std::string_view d) {
-    append(a, b, c, d, "");
-  }
 
   [[nodiscard]] std::string_view begin() const { return begin_; }
   [[nodiscard]] std::string_view end() const { return {end_.data(), size_}; }
 
  private:
-  std::string begin_;
-  std::array<char, 2048> end_;
-  std::size_t size_ = 0;  // of the end
+  std::string begin_;           // what has found no more room in `end_`
+  std::array<char, 2048> end_;  // behind it
+  std::size_t size_ = 0;        // of the end
 };
 
 // A node with words, behind a "/".
 void append_node(ListLine& line, const Node& node, Form form) {
   const std::string_view open = form == Form::plain ? "/" : "/[";
   const std::string_view close = form == Form::plain ? "" : "]";
-  if (is_scope_reference(node)) return line.append(open, "SCOPE:", Decimal(node.scope, 2), close);
+  if (is_scope_reference(node)) return line.append(open, "SCOPE:", Decimal(node.scope, 2), "", close);
   const std::string_view hw = text_or_empty(node.candidates->hw);
   const std::string_view cw = text_or_empty(node.candidates->cw);
   const bool shows_cw = node.entries != nullptr && !is_boundary(node) && !cw.empty();
@@ -71,10 +66,12 @@ void append_up_to(Session& session, ListLine& line, Node* node, const Node* end)
   }
 }
 
+// A place of the window. An empty one leaves no gap in the line.
 void append_marked(ListLine& line, const Node* node) {
   if (node != nullptr && node->candidates != nullptr) append_node(line, *node, Form::bracket);
 }
 
+// The entry printer knows no session: whether the worker was asked to stop is asked here.
 void print_word(Session& session, const WordEntry* word) {
   if (must_leave(session) == Status::stopped) return;
   entry_print(session.output, word, session.state.trace_indent);
@@ -97,6 +94,7 @@ void print_list_line(Session& session, const Window& window) {
   ListLine line;
   if (window.lnode != nullptr) {
     Node* first = list_first(window.lnode);
+    // A node beside itself: rules can bring that about, and the match that follows refuses the list.
     if (first->left == first) {
       out_text(session, trace_indent(session));
       dump_node(session, first, true);
@@ -126,6 +124,7 @@ void dump_list(Session& session, const Window& window, bool with_words) {
   trace_line(session, "====================================================");
   const Node* lnode = window.lnode;
   trace_line(session, "lnode >>>>>");
+  // Before a match the words that are still to be tried are of interest, and after one the word in force.
   const bool shows_open_words = with_words && (lnode == nullptr || is_fresh(*lnode));
   if (shows_open_words) trace_line(session, "-- word candidates for lnode --");
   dump_node(session, lnode, !shows_open_words);

@@ -18,6 +18,7 @@ constexpr std::size_t kBlockLimit = 1024;  // characters of a block's text
 constexpr std::int64_t kBlockCell = 4096;  // bytes that the pool gives to a block
 constexpr int kHighestScope = 99;          // that can be referred to
 
+// Always false, for the callers to pass on.
 bool refuse(Session& session, const char* what) {
   sentence_refuse(session, what);
   return false;
@@ -29,6 +30,7 @@ bool refuse_attributes(Session& session) {
 
 // Puts a new block with the attributes as written in front of `blocks`.
 bool block_push(Session& session, ScopeAttrs*& blocks, const char* attrs, int scope) {
+  // Dots stay as they are: they turn to commas when the node is built.
   const std::string_view text(attrs);
   if (text.size() > kBlockLimit) return refuse_attributes(session);
   // Its cell has room to spare. Blocks that all began at the same place of theirs would drive each other from the cache.
@@ -43,6 +45,7 @@ bool block_push(Session& session, ScopeAttrs*& blocks, const char* attrs, int sc
   text.copy(block->text, text.size());
   block->text[text.size()] = '\0';
   block->next = blocks;
+  // From now on matching has to turn blocks: until then each word has the attributes of one scope.
   if (blocks != nullptr) session.sentence.has_scopes_mixed = true;
   blocks = block;
   return true;
@@ -73,10 +76,13 @@ bool block_merge(Session& session, ScopeAttrs& block, char* attrs) {
   }
 }
 
+// Puts a new row in at `row`, in front of the one that stands there. False if the word could not be entered; then nothing
+// has changed.
 bool row_insert(Session& session, GraphWord* row, const WordText& word, int scope) {
   const std::string_view name(word.name);
   if (name.size() >= sizeof row->name) return refuse(session, "the graph has a word of more than 259 characters");
   if (session.sentence.graph_word_count == kMaxGraphWords) return refuse(session, "the graph has more than 512 words");
+  // The block first: without memory no row may stand without one.
   ScopeAttrs* blocks = nullptr;
   if (!block_push(session, blocks, word.attrs, scope)) return false;
   GraphWord* end = session.sentence.graph_words.data() + session.sentence.graph_word_count;

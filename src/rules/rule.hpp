@@ -59,7 +59,7 @@ struct Rule {
   ContextGroup* suf;     // in order of the text
   std::uint8_t priority;
   std::int32_t number;  // its place in the list that the index was made from; 0 before
-  Rule* next;  // falling priority, file order within one
+  Rule* next;           // falling priority, file order within one
 };
 
 // Type codes that the engine names.
