@@ -1,10 +1,8 @@
 // The actions of a rule on the words of its two nodes: surface forms set, attributes deleted and added.
 
 #include <algorithm>
-#include <array>
 #include <cstring>
 #include <string_view>
-#include <utility>
 
 #include "data/attr_string.hpp"
 #include "data/chain.hpp"
@@ -74,22 +72,13 @@ void attr_add(Actions& actions, const char* attr) {
 
 // Appends the elements of `attrs` that are not empty.
 void elements_append(AttrScratch& text, std::string_view attrs) {
-  if (text.size() + 1 + attrs.size() < kAttrLimit) {
-    // All of them find room: one pass.
-    std::array<char, kAttrLimit> elements;
-    char* end = elements.data();
-    bool is_first = text.empty();
-    bool begins = true;
-    for (const char c : attrs) {
-      if (c == ',') {
-        begins = true;
-        continue;
-      }
-      if (begins && !std::exchange(is_first, false)) *end++ = ',';
-      begins = false;
-      *end++ = c;
-    }
-    text.append({elements.data(), end});
+  const bool find_room = text.size() + 1 + attrs.size() < kAttrLimit;
+  const bool has_no_empty =
+      !attrs.empty() && attrs.front() != ',' && attrs.back() != ',' && attrs.find(",,") == std::string_view::npos;
+  if (find_room && has_no_empty) {
+    // All of them as they stand.
+    if (!text.empty()) text.append(',');
+    text.append(attrs);
     return;
   }
   while (!attrs.empty() && text.fits()) {
