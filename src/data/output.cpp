@@ -12,7 +12,7 @@ namespace lexon {
 
 void Output::hand_on() {
   if (stream_ != nullptr) {
-    std::fwrite(text_.get(), 1, size_, stream_);
+    if (size_ != 0) std::fwrite(text_.get(), 1, size_, stream_);
     size_ = 0;
   } else if (collector_ != nullptr) {
     collector_->collect(*this);

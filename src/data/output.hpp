@@ -116,9 +116,9 @@ class Output {
   void hand_on();
   void grow(std::size_t size);
 
-  // Where the next text begins, with room for `size` characters.
+  // Where the next text begins, with room for `size` characters. Never null, even for none.
   [[nodiscard]] char* room_for(std::size_t size) {
-    if (room_ - size_ < size) grow(size);
+    if (room_ - size_ <= size) grow(size + 1);
     return text_.get() + size_;
   }
   // A text was written there, and ends at `end`.
