@@ -2,9 +2,33 @@
 
 #include <algorithm>
 #include <bit>
-#include <functional>
+#include <cstdint>
+#include <cstring>
 
 namespace lexon {
+
+namespace {
+
+// Eight bytes a step: texts are long and asked for often, and nothing that is stored depends on the value.
+std::size_t hash_of(std::string_view text) {
+  constexpr std::uint64_t kFactor = 0x9E3779B97F4A7C15U;
+  std::uint64_t hash = text.size();
+  std::uint64_t word = 0;
+  const auto mix = [&hash, &word] {
+    hash = (hash ^ word) * kFactor;
+    hash ^= hash >> 32;
+  };
+  for (; text.size() >= sizeof word; text.remove_prefix(sizeof word)) {
+    std::memcpy(&word, text.data(), sizeof word);
+    mix();
+  }
+  word = 0;
+  for (const char c : text) word = word << 8 | static_cast<unsigned char>(c);
+  mix();
+  return hash;
+}
+
+}  // namespace
 
 // All memory is taken here, so that `add` fails only for being full: it is asked in the middle of a search.
 void KeyNumbers::fit(std::size_t count, std::size_t bytes) {
@@ -38,13 +62,13 @@ std::size_t KeyNumbers::slot_of(std::string_view text, std::size_t hash) const {
 }
 
 std::int32_t KeyNumbers::find(std::string_view text) const {
-  return slots_[slot_of(text, std::hash<std::string_view>{}(text))] - 1;
+  return slots_[slot_of(text, hash_of(text))] - 1;
 }
 
 std::int32_t KeyNumbers::add(std::string_view text) {
   if (entries_.size() == most_ || texts_.capacity() - texts_.size() < text.size()) return -1;
   if ((entries_.size() + 1) * 2 > slots_.size()) slots_double();
-  const std::size_t hash = std::hash<std::string_view>{}(text);
+  const std::size_t hash = hash_of(text);
   const std::size_t slot = slot_of(text, hash);
   entries_.push_back({hash, texts_.size(), text.size()});
   texts_.append(text);

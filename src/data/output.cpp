@@ -1,8 +1,9 @@
 #include "data/output.hpp"
 
-#include <array>
+#include <algorithm>
 #include <cstdarg>
 #include <cstdio>
+#include <cstring>
 #include <utility>
 
 #include "data/session.hpp"
@@ -11,33 +12,40 @@ namespace lexon {
 
 void Output::hand_on() {
   if (stream_ != nullptr) {
-    std::fwrite(buffer_.data(), 1, buffer_.size(), stream_);
-    buffer_.clear();
+    if (size_ != 0) std::fwrite(text_.get(), 1, size_, stream_);
+    size_ = 0;
   } else if (collector_ != nullptr) {
     collector_->collect(*this);
   }
-  full_ = buffer_.size() + kFull;
+  full_ = size_ + kFull;
+}
+
+void Output::grow(std::size_t size) {
+  const std::size_t room = std::max(2 * room_, size_ + size);
+  std::unique_ptr<char[]> text(new char[room]);
+  if (size_ != 0) std::memcpy(text.get(), text_.get(), size_);
+  text_ = std::move(text);
+  room_ = room;
 }
 
 void Output::redirect(std::FILE* stream) {
   flush();
   stream_ = stream;
-  if (stream != nullptr) buffer_.reserve(2 * kFull);
+  if (stream != nullptr) (void)room_for(2 * kFull);
 }
 
 void Output::vprint(const char* format, std::va_list arguments) {
   std::va_list again;
   va_copy(again, arguments);
-  std::array<char, 2048> line;
-  const int length = std::vsnprintf(line.data(), line.size(), format, arguments);
-  if (length >= 0 && static_cast<std::size_t>(length) < line.size()) {
-    append({line.data(), static_cast<std::size_t>(length)});
-  } else if (length >= 0) {
-    std::string text(static_cast<std::size_t>(length) + 1, '\0');
-    std::vsnprintf(text.data(), text.size(), format, again);
-    text.pop_back();
-    append(text);
+  constexpr std::size_t kUsualLine = 2048;
+  char* begin = room_for(kUsualLine);
+  const int length = std::vsnprintf(begin, kUsualLine, format, arguments);
+  const auto size = static_cast<std::size_t>(std::max(length, 0));
+  if (size >= kUsualLine) {
+    begin = room_for(size + 1);
+    std::vsnprintf(begin, size + 1, format, again);
   }
+  written(begin + size);
   va_end(again);
 }
 
@@ -61,8 +69,8 @@ void Output::flush() {
 
 std::string Output::take(std::string room) {
   full_ = kFull;
-  room.clear();
-  return std::exchange(buffer_, std::move(room));
+  room.assign(text_.get(), std::exchange(size_, 0));
+  return room;
 }
 
 void out_print(Session& session, const char* format, ...) {

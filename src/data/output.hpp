@@ -8,17 +8,43 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstdio>
+#include <cstring>
+#include <memory>
 #include <string>
 #include <string_view>
+
+#include "data/pool.hpp"
 
 namespace lexon {
 
 struct Session;
 
+// Copies texts to `end`, one behind the other, and returns where they end. Those whose length the compiler knows take a
+// move or two.
+template <std::same_as<std::string_view>... Texts>
+[[gnu::always_inline]] inline char* texts_copy(char* end, const Texts... texts) {
+  const auto copy = [&end](const std::string_view text) __attribute__((always_inline)) {
+    if (__builtin_constant_p(text.size())) {
+      std::memcpy(end, text.data(), text.size());
+    } else {
+      text_copy(end, text.data(), text.size());
+    }
+    end += text.size();
+  };
+  (copy(texts), ...);
+  return end;
+}
+
 // A number as text, with zeros in front up to `width` characters, its sign among them.
 class Decimal {
  public:
   explicit Decimal(std::int64_t value, std::size_t width = 1) {
+    // Most numbers of a trace have one digit.
+    if (value >= 0 && value <= 9 && width <= 1) {
+      text_[0] = static_cast<char>('0' + value);
+      size_ = 1;
+      return;
+    }
     char* to = text_.data();
     const std::uint64_t size =
         value < 0 ? std::uint64_t{0} - static_cast<std::uint64_t>(value) : static_cast<std::uint64_t>(value);
@@ -64,16 +90,11 @@ class Output {
   // Not owned; null: nobody asks for the text. Is of use where there is no stream.
   void set_collector(Collector* collector) { collector_ = collector; }
 
-  void append(std::string_view text) {
-    if (text.empty()) return;
-    line_is_open_ = text.back() != '\n';
-    buffer_ += text;
-    if (buffer_.size() >= full_) hand_on();
-  }
+  void append(std::string_view text) { put(text); }
   // Texts, one behind the other.
   template <std::convertible_to<std::string_view>... Pieces>
-  void put(const Pieces&... pieces) {
-    (append(pieces), ...);
+  [[gnu::always_inline]] void put(const Pieces&... pieces) {
+    put_texts(std::string_view(pieces)...);
   }
   [[gnu::format(printf, 2, 3)]] void print(const char* format, ...);
   void vprint(const char* format, std::va_list arguments);
@@ -85,19 +106,41 @@ class Output {
   // collector is asked.
   void flush();
 
-  // What was kept in memory since the last call. What comes is kept in `room`, which loses what it holds: a text that is
-  // done with spares the next one its growing.
+  // What was kept in memory since the last call, in `room`, which loses what it holds: a text that is done with spares
+  // the next one its growing.
   [[nodiscard]] std::string take(std::string room = {});
-  [[nodiscard]] std::size_t kept() const { return buffer_.size(); }
+  [[nodiscard]] std::size_t kept() const { return size_; }
 
  private:
   static constexpr std::size_t kFull = std::size_t{64} << 10;
   void hand_on();
+  void grow(std::size_t size);
+
+  // Where the next text begins, with room for `size` characters. Never null, even for none.
+  [[nodiscard]] char* room_for(std::size_t size) {
+    if (room_ - size_ <= size) grow(size + 1);
+    return text_.get() + size_;
+  }
+  // A text was written there, and ends at `end`.
+  void written(const char* end) {
+    const auto size = static_cast<std::size_t>(end - text_.get());
+    if (size == size_) return;
+    size_ = size;
+    line_is_open_ = end[-1] != '\n';
+    if (size_ >= full_) hand_on();
+  }
+
+  template <std::same_as<std::string_view>... Texts>
+  [[gnu::always_inline]] void put_texts(const Texts... texts) {
+    written(texts_copy(room_for((texts.size() + ...)), texts...));
+  }
 
   std::FILE* stream_ = nullptr;
   Collector* collector_ = nullptr;
-  std::size_t full_ = kFull;  // of the buffer, when it is to be handed on
-  std::string buffer_;
+  std::size_t full_ = kFull;  // of the text, when it is to be handed on
+  std::unique_ptr<char[]> text_;
+  std::size_t size_ = 0;       // of the text
+  std::size_t room_ = 0;       // for it
   bool line_is_open_ = false;  // the text that was printed last has not ended its line
 };
 

@@ -86,6 +86,7 @@ struct Session {
   Pool pool;      // all cells of the sentence; released at its end
   Output output;  // sentences, banners, messages and trace
   SearchScratch search;
+  std::vector<std::string> rule_texts;  // by number of the rule: as the trace prints it; empty or missing: not yet
   LookupDamage damage{};
   std::string label;                       // the line that opened the sentence; empty if it has none
   std::int64_t line = 0;                   // how many lines of the input have been read

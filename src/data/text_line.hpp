@@ -42,6 +42,10 @@ class TextSource {
   // the line holds a CR, or nothing is left: `next` goes on there.
   [[nodiscard]] int take_plain(char* to, int most);
 
+  // Of a file: reads its next line into the `size` bytes at `to`, or as much of it as finds room with a terminator behind
+  // it; the pair CR LF becomes one LF. Returns how many characters; 0 at the end, and where memory comes first.
+  [[nodiscard]] int take_of_file(char* to, int size);
+
   // The file; null for memory.
   [[nodiscard]] std::FILE* stream() const { return stream_; }
 

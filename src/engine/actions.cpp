@@ -44,20 +44,6 @@ void word_changed(Actions& actions) {
   return is_fresh(*node) ? rule_base_failure(session, "acted on a node that no rule has matched") : Status::ok;
 }
 
-[[nodiscard]] Status surface_set(Session& session, Actions& actions, std::string_view text) {
-  // wanted: a boundary keeps its surface form.
-  if (is_boundary(actions.node)) return Status::ok;
-  char* hw = temp_text(session, text);
-  if (hw == nullptr) return Status::memory;
-  temp_free_string(session, actions.word.hw);
-  actions.word.hw = hw;
-  actions.word.hw_len = static_cast<std::int32_t>(text.size());
-  // A scope reference with a surface form of its own is a word.
-  if (is_scope_reference(actions.node)) actions.node.kind = kKindWord;
-  word_changed(actions);
-  return Status::ok;
-}
-
 // Overwrites the attribute with commas; the rebuild squeezes them away.
 [[nodiscard]] bool attr_blank(char* attrs, const char* attr) {
   char* found = attr_find(attrs, attr);
@@ -69,6 +55,7 @@ void word_changed(Actions& actions) {
 void attr_add(Actions& actions, const char* attr) {
   AttrScratch& additions = actions.additions;
   const std::size_t length = additions.size() + std::strlen(attr) + 1;
+  // The stored length counts, which can be more than the text has: matching reckons with the same.
   if (static_cast<std::int64_t>(length) + actions.word.attr_len >= kAttrLimit) return;
   if (is_scope_reference(actions.node) && actions.rule.type == rule_type::insertion) {
     // Additions to a scope reference that the rule brings in are carried into the scope instead.
@@ -85,6 +72,15 @@ void attr_add(Actions& actions, const char* attr) {
 
 // Appends the elements of `attrs` that are not empty.
 void elements_append(AttrScratch& text, std::string_view attrs) {
+  const bool find_room = text.size() + 1 + attrs.size() < kAttrLimit;
+  const bool has_no_empty =
+      !attrs.empty() && attrs.front() != ',' && attrs.back() != ',' && attrs.find(",,") == std::string_view::npos;
+  if (find_room && has_no_empty) {
+    // All of them as they stand.
+    if (!text.empty()) text.append(',');
+    text.append(attrs);
+    return;
+  }
   while (!attrs.empty() && text.fits()) {
     const std::size_t length = std::min(attrs.find(','), attrs.size());
     if (length > 0) {
@@ -119,8 +115,16 @@ Status node_actions_apply(Session& session, Side side, const Rule& rule, const W
   const NodePattern& own = pattern_of(rule, side);
   Actions actions{rule, own, pattern_of(rule, other(side)), *node, *node->candidates, {}, false};
   for (const CondItem& item : chain<&CondItem::next>(own.actions)) {
-    if (item.op == kOpSetHw) {
-      if (const Status status = surface_set(session, actions, item.text); status != Status::ok) return status;
+    // wanted: a boundary keeps its surface form.
+    if (item.op == kOpSetHw && !is_boundary(*node)) {
+      char* hw = temp_text(session, item.text);
+      if (hw == nullptr) return Status::memory;
+      temp_free_string(session, actions.word.hw);
+      actions.word.hw = hw;
+      actions.word.hw_len = static_cast<std::int32_t>(std::strlen(hw));
+      // A scope reference with a surface form of its own is a word.
+      if (is_scope_reference(*node)) node->kind = kKindWord;
+      word_changed(actions);
     }
     if (item.op == kOpDelete) {
       if (attr_blank(actions.word.attrs, item.text)) word_changed(actions);

@@ -37,6 +37,7 @@ namespace {
   return Status::ok;
 }
 
+// wanted: the window may leave the list: post-edit ends there
 [[nodiscard]] Outcome move_left(Session& session, Window& window, const RuleCandidate& candidate) {
   if (const Status status = rule_actions_apply(session, window, candidate); status != Status::ok) return ended(status);
   if (window.lnode == nullptr) return ended(Status::ok);
@@ -98,6 +99,7 @@ namespace {
   if (window.lnode == nullptr || window.rnode == nullptr)
     return rule_base_failure(session, "merged with an empty place");
   const Rule& rule = *candidate.rule;
+  // Matching has seen to it that the node which drops out is neither a boundary nor the scope's entry.
   const Side side = rule.type == rule_type::merge_left ? Side::right : Side::left;  // of the survivor
   Node& survivor = *node_of(window, side);
   Node& dropped = *node_of(window, other(side));
@@ -105,6 +107,7 @@ namespace {
   if (const Status status = node_copy(session, merged, survivor, nullptr, 0); status != Status::ok) return status;
   Node*& entry = current_scope(session).entry;
   if (entry == &survivor) entry = merged;
+  // For the graph it is the survivor.
   merged->relations = survivor.relations;
   merged->name = survivor.name;
   if (const Status status = match_record_push(session, *merged, kStateStep, &candidate); status != Status::ok)
@@ -165,6 +168,7 @@ namespace {
 
 // ---- The whole.
 
+// `window` and `candidate` are copies of the caller's: what an outcome does not write back is lost.
 [[nodiscard]] Outcome rule_carry_out(Session& session, Window& window, RuleCandidate*& candidate,
                                      std::int32_t* home_scope) {
   switch (candidate->rule->type) {
@@ -187,6 +191,7 @@ namespace {
     }
     case rule_type::test_left:
     case rule_type::test_right: return forced_backtrack(session, window, candidate, *home_scope);
+    // The types without a step: what they leave behind are the records of their match.
     default: return ended(Status::no_effect);
   }
 }

@@ -103,7 +103,7 @@ void give_up_rules(Session& session, Undo& undo, int number) {
   Node& target = final_node != nullptr ? *final_node : rnode;
   if (session.observer != nullptr) session.observer->word_given_up(session, target);
   entry_drop_head(session, target.candidates);
-  trace_next_entry(session, Side::right, 2);
+  trace_word_change(session, WordChange::next, Side::right, 2);
   if (session.state.trace_level > 2) out_flush(session);
   if (session.state.forced_node == &rnode) {
     session.state.forced_node = nullptr;
@@ -129,23 +129,6 @@ void give_up_rules(Session& session, Undo& undo, int number) {
 // ---- Steps 7.10 and 7.11: the same rule on the same nodes with the next word that the co-occurrence step chose. What
 // the actions of the application have done stays.
 
-// Takes the choice in force off the node's word and off the records; `rest` is what comes behind it.
-[[nodiscard]] Status choice_take_off(Session& session, const Undo& undo, Side side, Node& node, WordEntry*& rest) {
-  const Rule& rule = *undo.candidate->rule;
-  WordEntry* choice = node.matches->cooccurrence;
-  if (const Status status = role_mark_remove(session, rule, side, &node, *choice); status != Status::ok) return status;
-  rest = std::exchange(choice->next, nullptr);
-  node.matches->cooccurrence = nullptr;
-  // The other record of the application shares the choice, until it has been taken off once. Of another record nothing
-  // is known, and the choice stays in the pool.
-  MatchRecord* twin = node_of(undo.window, other(side))->matches;
-  if (twin == nullptr || twin->candidate != node.matches->candidate) return Status::ok;
-  if (twin->cooccurrence != nullptr && twin->cooccurrence != choice) return Status::ok;
-  twin->cooccurrence = nullptr;
-  entry_list_free(session, choice);
-  return Status::ok;
-}
-
 // `pop`: no choice is left.
 [[nodiscard]] Stage next_choice(Session& session, Undo& undo) {
   const Rule& rule = *undo.candidate->rule;
@@ -159,9 +142,20 @@ void give_up_rules(Session& session, Undo& undo, int number) {
       session.state.forced_node = nullptr;
       trace_forced_ends(session, side == Side::left ? ForcedEnd::left_choice : ForcedEnd::word);
     }
-    WordEntry* rest = nullptr;
-    if (const Status status = choice_take_off(session, undo, side, node, rest); status != Status::ok)
-      return leave(undo, status);
+    // The choice in force goes off the node's word and off the records; `rest` is what comes behind it.
+    WordEntry* choice = node.matches->cooccurrence;
+    const Status removed = role_mark_remove(session, rule, side, &node, *choice);
+    if (removed != Status::ok) return leave(undo, removed);
+    WordEntry* rest = std::exchange(choice->next, nullptr);
+    node.matches->cooccurrence = nullptr;
+    // The other record of the application shares the choice, until it has been taken off once. Of another record nothing
+    // is known, and the choice stays in the pool.
+    MatchRecord* twin = node_of(window, other(side))->matches;
+    const bool is_twin = twin != nullptr && twin->candidate == node.matches->candidate;
+    if (is_twin && (twin->cooccurrence == nullptr || twin->cooccurrence == choice)) {
+      twin->cooccurrence = nullptr;
+      entry_list_free(session, choice);
+    }
     const int score = cooccurrence_check(session, window.lnode->candidates, window.rnode->candidates, rule, rest, side);
     if (score == 0) {
       // wanted: what the left side has not used stays.
@@ -331,10 +325,10 @@ void word_change(Session& session, Node& target, Side side, int number, bool may
   if (target.candidates == nullptr) return;
   if (session.observer != nullptr) session.observer->word_given_up(session, target);
   if (may_go_on) {
-    trace_next_entry(session, side, number);
+    trace_word_change(session, WordChange::next, side, number);
     entry_drop_head(session, target.candidates);
   } else {
-    trace_clear_entries(session, side, number);
+    trace_word_change(session, WordChange::clear_all, side, number);
     entry_list_free(session, target.candidates);
   }
 }

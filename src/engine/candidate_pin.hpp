@@ -23,7 +23,8 @@ class CandidatePin {
   CandidateList* list_;
 };
 
-// While it lives, the present candidate is pinned; at its end, what the search has left behind goes back to the pool.
+// While it lives, the present candidate is pinned; an undoing inside may put another one, or none, in its place. At its
+// end, what the search has left behind goes back to the pool.
 class CandidateHandover {
  public:
   CandidateHandover(Session& session, RuleCandidate*& candidate)

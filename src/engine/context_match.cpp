@@ -44,7 +44,7 @@ Node* match_groups(Session& session, const Walk& walk, GroupCursor groups, Node*
       continue;
     }
     // wanted: a walk to the right confirms the link to its first node from the node before it. A list can be lopsided.
-    if (walk.side == Side::right && before != nullptr) {
+    if (walk.side == Side::right && before != nullptr && walk.mark.confirms_links) {
       session.state.turned = nullptr;
       before->right = node;
       node->left = before;

@@ -20,10 +20,11 @@ struct GroupCursor {
   }
 };
 
-// The group at which the caller wants to know the node.
+// What the caller of a walk wants to know, and whether it may leave a trace.
 struct GroupMark {
-  const ContextGroup* group = nullptr;  // null: none
+  const ContextGroup* group = nullptr;  // the group at which the node is of interest; null: none
   Node* hit = nullptr;                  // the node that `group`, or the group behind it if it has a star, has matched
+  bool confirms_links = true;           // see `match_groups`; false for a question after the fact
 };
 
 // Holds the groups against `node` and the nodes on its `side`. Boundaries and nodes that rules have touched can be

@@ -66,32 +66,6 @@ struct Words {
   const WordEntry* targets;
 };
 
-// Once a fitting pair has needed the target's word, words of the target are moved from then on.
-bool attrs_fit(Filter& filter, const Words& words) {
-  bool needs_target = false;
-  for (const CondItem& condition : chain<&CondItem::next>(filter.pattern.attr_conds)) {
-    const char* attr = condition.text;
-    const bool is_role = attr[0] == '<' || attr[0] == '>';
-    const auto target_text_has = [&] { return !is_role && head_text_has(filter.target, attr); };
-    if (condition.op == kOpNot) {
-      const bool is_broken = attr_has(words.own, attr) || head_text_has(&filter.node, attr) ||
-                             attr_has(words.targets, attr) || target_text_has();
-      if (is_broken) return false;
-      continue;
-    }
-    // wanted: a node that is touched shows its graph attributes to negated conditions alone
-    if (attr_has(words.own, attr) || (is_fresh(filter.node) && head_text_has(&filter.node, attr))) continue;
-    if (attr_has(words.targets, attr)) {
-      needs_target = true;
-    } else if (!target_text_has()) {
-      // Role conditions ask the reference itself, and no text of its target.
-      return false;
-    }
-  }
-  if (needs_target) filter.on_target = true;
-  return true;
-}
-
 // Is the word to come to the front? A word test of this side is after the words that do not fit.
 bool is_kept(Session& session, Filter& filter, const Words& words) {
   const NodePattern& pattern = filter.pattern;
@@ -106,22 +80,28 @@ bool is_kept(Session& session, Filter& filter, const Words& words) {
   const std::uint8_t type = filter.rule.type;
   const bool wants_misfits = filter.side == Side::left ? type == rule_type::test_left
                                                        : type == rule_type::test || type == rule_type::test_right;
-  if (attrs_fit(filter, words)) return !wants_misfits;
+  bool fits = true;
+  bool needs_target = false;
+  for (const CondItem& condition : chain<&CondItem::next>(pattern.attr_conds)) {
+    const char* attr = condition.text;
+    // Role conditions ask the reference itself, and no text of its target.
+    const bool is_role = attr[0] == '<' || attr[0] == '>';
+    const auto target_text_has = [&] { return !is_role && head_text_has(filter.target, attr); };
+    if (condition.op == kOpNot) {
+      fits = !attr_has(words.own, attr) && !head_text_has(&filter.node, attr) && !attr_has(words.targets, attr) &&
+             !target_text_has();
+    } else if (!attr_has(words.own, attr) && !(is_fresh(filter.node) && head_text_has(&filter.node, attr))) {
+      // wanted: a node that is touched shows its graph attributes to negated conditions alone
+      const bool target_has = attr_has(words.targets, attr);
+      needs_target = needs_target || target_has;
+      fits = target_has || target_text_has();
+    }
+    if (!fits) break;
+  }
+  // Once a fitting pair has needed the target's word, words of the target are moved from then on.
+  if (fits && needs_target) filter.on_target = true;
+  if (fits) return !wants_misfits;
   return wants_misfits && (filter.target == nullptr || is_fresh(*filter.target));
-}
-
-// Scores the words from `word` on, which may put another one in its place.
-Fit choose_by_neighbour(Session& session, Filter& filter, WordEntry*& word) {
-  entry_list_free(session, filter.chosen);
-  if (filter.pattern.inserted == 0) return Fit::yes;
-  Node* other_node = node_of(filter.window, other(filter.side));
-  WordEntry* none = nullptr;
-  WordEntry*& other_word = other_node == nullptr ? none : other_node->candidates;
-  const bool left = filter.side == Side::left;
-  const int score = cooccurrence_check(session, left ? word : other_word, left ? other_word : word, filter.rule,
-                                       filter.chosen, filter.side);
-  if (score >= 1) return Fit::yes;
-  return score == 0 ? Fit::no : Fit::refused;
 }
 
 // Asks all words of the node, and of its target along with them. What is kept is taken out of its list at once, and put
@@ -143,10 +123,19 @@ Fit filter_open(Session& session, Filter& filter) {
       }
       continue;
     }
-    // The words of a node that the rule brings in are chosen by what stands beside it.
     const bool is_first = kept == nullptr;
-    if (is_first && filter.target == nullptr && filter.rule.type == rule_type::insertion) {
-      if (const Fit fit = choose_by_neighbour(session, filter, *own); fit != Fit::yes) return fit;
+    const bool may_choose = is_first && filter.target == nullptr && filter.rule.type == rule_type::insertion;
+    if (may_choose) entry_list_free(session, filter.chosen);
+    if (may_choose && filter.pattern.inserted != 0) {
+      // The words of a node that the rule brings in are chosen by what stands beside it: those from here on are scored,
+      // and another one may take the place of the first.
+      Node* other_node = node_of(filter.window, other(filter.side));
+      WordEntry* none = nullptr;
+      WordEntry*& beside = other_node == nullptr ? none : other_node->candidates;
+      const bool left = filter.side == Side::left;
+      const int score = cooccurrence_check(session, left ? *own : beside, left ? beside : *own, filter.rule,
+                                           filter.chosen, filter.side);
+      if (score < 1) return score == 0 ? Fit::no : Fit::refused;
     }
     WordEntry** link = filter.on_target && targets != nullptr ? targets : own;
     WordEntry* word = *link;

@@ -17,26 +17,6 @@ namespace {
 
 constexpr std::string_view kScopeMark = ",;";
 
-using HeadText = Scratch<kAttrLimit + 4>;
-
-// The graph's part of the new attributes, in at most `room` characters.
-void write_graph_part(HeadText& part, std::string_view text, std::size_t room) {
-  const std::size_t mark = text.find(kScopeMark);
-  if (mark == std::string_view::npos || mark + kScopeMark.size() == text.size()) {
-    part.append(text.substr(0, room));
-    return;
-  }
-  const std::string_view own = text.substr(0, mark);
-  const std::string_view brought = text.substr(mark + kScopeMark.size() + 1);
-  const std::size_t needed = brought.size() + kScopeMark.size();
-  if (needed > room) {
-    part.append(brought.substr(0, room));
-    return;
-  }
-  part.append(brought).append(kScopeMark);
-  if (needed + 1 + own.size() <= room) part.append(',').append(own);
-}
-
 }  // namespace
 
 Status graph_attrs_into_word(Session& session, Node& node, const NodePattern& pattern) {
@@ -47,15 +27,27 @@ Status graph_attrs_into_word(Session& session, Node& node, const NodePattern& pa
   if (text.empty()) return Status::ok;
   WordEntry& word = *node.candidates;
   // A node that was there has them from an earlier match; for one that is brought in they count once more.
-  const bool is_in_word = std::string_view(text_or_empty(word.attrs)).find(text) != std::string_view::npos;
-  if (pattern.inserted == 0 && is_in_word) return Status::ok;
+  const std::string_view old = text_or_empty(word.attrs);
+  if (pattern.inserted == 0 && old.find(text) != std::string_view::npos) return Status::ok;
   // The new length is computed, not measured: it can exceed that of the string.
   const std::int64_t wanted_length = std::int64_t{word.attr_len} + static_cast<std::int64_t>(text.size()) + 1;
   const auto total = static_cast<std::int32_t>(std::min<std::int64_t>(wanted_length, kAttrLimit - 1));
-  HeadText part;
-  write_graph_part(part, text, static_cast<std::size_t>(std::max(0, total - word.attr_len - 1)));
+  // The graph's part of the new attributes, in at most `room` characters.
+  const auto room = static_cast<std::size_t>(std::max(0, total - word.attr_len - 1));
+  Scratch<kAttrLimit + 4> part;
+  const std::size_t mark = text.find(kScopeMark);
+  if (mark == std::string_view::npos || mark + kScopeMark.size() == text.size()) {
+    part.append(text.substr(0, room));
+  } else {
+    const std::string_view own = text.substr(0, mark);
+    const std::string_view brought = text.substr(mark + kScopeMark.size() + 1);
+    const std::size_t needed = brought.size() + kScopeMark.size();
+    part.append(needed > room ? brought.substr(0, room) : brought);
+    if (needed <= room) part.append(kScopeMark);
+    // The node's own attributes come in whole or not at all.
+    if (needed + 1 + own.size() <= room) part.append(',').append(own);
+  }
   // "part" or "part,old".
-  const std::string_view old = text_or_empty(word.attrs);
   const std::size_t size = part.size() + (word.attrs == nullptr ? 0 : 1 + old.size());
   auto* attrs = static_cast<char*>(temp_alloc(session, static_cast<std::int64_t>(size) + 1));
   if (attrs == nullptr) return Status::memory;

@@ -15,6 +15,7 @@ namespace lexon {
 
 namespace {
 
+// A MID or context that is "( )*": any number of nodes, whatever attributes they have.
 bool is_lone_empty_star(const ContextGroup* group) {
   return group != nullptr && group->attr_conds == nullptr && group->star != 0 && group->next == nullptr;
 }
@@ -99,11 +100,13 @@ bool shifted_text_fits(const Rule& rule, const Window& window, Side side) {
 bool find_place(Session& session, Match& match, Side side) {
   Node*& beside = node_of(match.window, other(side));
   const ContextGroup* beyond = groups_beyond(match.rule, side);
+  // Nothing can come to stand beside an empty place.
   if (beside == nullptr) return false;
   // The walk over MID has already found what lies beyond.
   if (beyond == nullptr || match.mid_mark.hit != nullptr) return true;
   Node* next = neighbour(*beside, side);
-  while (next != nullptr && match_context(session, side, beyond, next) == nullptr) {
+  GroupMark mark{.confirms_links = match.mid_mark.confirms_links};
+  while (next != nullptr && match_context(session, side, {beyond}, next, mark) == nullptr) {
     if (must_leave(session) != Status::ok || !is_lone_empty_star(match.rule.mid)) return false;
     beside = next;
     next = neighbour(*beside, side);

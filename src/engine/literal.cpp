@@ -23,6 +23,7 @@ const char* first_affirmative_text(const CondItem* items) {
   return items != nullptr && items->op == kOpHas ? items->text : nullptr;
 }
 
+// The words of a node that stands in no list yet, asked as if it stood in the window.
 Fit filter_words(Session& session, Match& match, Side side, const Rule& rule, Node& node) {
   return filter_candidates(session, side, rule, match.candidate, window_with(match.window, side, &node), match.chosen);
 }

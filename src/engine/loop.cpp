@@ -39,6 +39,7 @@ enum class Turn {
   leave,  // the loop returns its status
 };
 
+// The loop's result is `status`.
 [[nodiscard]] Turn leave(Loop& loop, Status status) {
   loop.status = status;
   return Turn::leave;
@@ -186,6 +187,7 @@ Status engine_loop(Session& session, RuleCandidate* candidates, Window window, s
   if (stack_nearly_used(session)) return Status::memory;
   Loop loop{candidates, window, home_scope, Status::ok};
   Turn turn = Turn::pass;
+  // Without a bound of its own: a rule base that never comes to an end is stopped from outside.
   for (; turn == Turn::pass; ++session.state.steps) {
     out_flush(session);
     turn = pass(session, loop);

@@ -24,6 +24,7 @@ namespace {
 // P<< and P>>: `side` is the place of the new node; the text comes from the other place.
 [[nodiscard]] Status shift(Session& session, Side side, Window& window, const RuleCandidate& candidate) {
   const NodePattern& pattern = pattern_of(*candidate.rule, side);
+  // The first text of the pattern is what the match has found at that end of the word; null: none was asked for.
   const char* condition = pattern.hw_conds == nullptr ? nullptr : pattern.hw_conds->text;
   Node* source = node_of(window, other(side));
   const bool has_text = source != nullptr && source->candidates != nullptr && source->candidates->hw != nullptr;
@@ -59,6 +60,7 @@ namespace {
   } else {
     node_insert_after(session, *source, *node);
   }
+  // The next round looks for rules here: the window stands on the new node and its source.
   node_of(window, side) = node;
   if (const Status status = rule_actions_apply(session, window, candidate); status != Status::ok) return status;
   for (const Side place : {Side::left, Side::right}) {
@@ -76,6 +78,7 @@ namespace {
   if (row == 0) return Status::ok;
   trace_scope(session, ScopeStep::post_edit_entered, scope);
   if (!trace_indent_grow(session)) return session.state.abort = Status::memory;
+  // A pass that must be left leaves the inner scope current: the sentence is over then.
   const std::int32_t outer = std::exchange(session.state.semlst_cur, row);
   const Status status = post_edit(session, current_scope(session).entry);
   if (const Status leave = must_leave(session); leave != Status::ok) return leave;

@@ -20,6 +20,7 @@ namespace lexon {
 
 namespace {
 
+// An empty answer says that nothing is missing.
 using Misses = std::vector<Miss>;
 
 void append(Misses& to, Misses&& more) {
@@ -31,6 +32,7 @@ void keep_nearest(std::optional<Misses>& nearest, Misses&& misses) {
   if (!nearest.has_value() || misses.size() < nearest->size()) nearest = std::move(misses);
 }
 
+// The parts of the rule that speak of this side: its node, and what lies beyond.
 RulePart pattern_part(Side side) {
   return side == Side::left ? RulePart::lnode : RulePart::rnode;
 }
@@ -49,6 +51,7 @@ std::string name_of(const Node& node) {
   return std::string(hw.empty() ? text_or_empty(word->cw) : hw);
 }
 
+// "surface form (attributes)"; the parentheses only if there are any.
 std::string word_text(const WordEntry* word) {
   if (word == nullptr) return {};
   const std::string_view attrs = text_or_empty(word->attrs);
@@ -57,6 +60,7 @@ std::string word_text(const WordEntry* word) {
   return text;
 }
 
+// With the rule that has touched the node last: it is where a user looks next.
 Miss miss_of_node(Reason reason, RulePart part, const Node& node) {
   Miss miss;
   miss.reason = reason;
@@ -96,6 +100,7 @@ Miss miss_of_word(const Question& question, Reason reason, const CondItem* condi
   return miss;
 }
 
+// `class_node`: the node if its words may be those of a class, for which no surface form is asked; else null.
 void ask_surface(const Question& question, const Node* class_node, const WordEntry* word, Misses& misses) {
   const NodePattern& pattern = question.pattern();
   for (const auto& [reason, conditions] :
@@ -110,6 +115,7 @@ void ask_surface(const Question& question, const Node* class_node, const WordEnt
   }
 }
 
+// Of the node and not of one word: the length of its word in force decides for all of them.
 void ask_room(const Question& question, Misses& misses) {
   if (attr_room_suffices(question.side, question.rule, question.window)) return;
   misses.push_back(miss_of_word(question, Reason::attributes_too_long, nullptr, question.node.candidates));
@@ -176,44 +182,25 @@ Misses open_word_misses(Question& question, const WordEntry* own, const WordEntr
   return misses;
 }
 
-// The words of a node that the rule brings in are chosen by what stands beside it.
-Misses pair_misses(const Question& question, const WordEntry* word) {
-  const bool has_choice = question.asks_pairs && question.rule.type == rule_type::insertion &&
-                          question.target == nullptr && question.pattern().inserted != 0;
-  if (!has_choice) return {};
-  const Node* beside = node_of(question.window, other(question.side));
-  WordEntry* beside_word = beside == nullptr ? nullptr : beside->candidates;
-  const bool left = question.side == Side::left;
-  // The check puts the best word in front: not in the node's own list.
-  WordEntry* words = nullptr;
-  if (entry_list_copy(question.session, word, words) != Status::ok) return {};
-  WordEntry* chosen = nullptr;
-  const int score = cooccurrence_check(question.session, left ? words : beside_word, left ? beside_word : words,
-                                       question.rule, chosen, question.side);
-  entry_list_free(question.session, chosen);
-  entry_list_free(question.session, words);
-  if (score != 0) return {};
-  const bool left_has_role = question.rule.lnode->roles != nullptr;
-  const CondItem* role = left_has_role ? question.rule.lnode->roles : question.rule.rnode->roles;
-  const auto text = [](const WordEntry* of) {
-    const std::string_view id = text_or_empty(of == nullptr ? nullptr : of->id);
-    return std::string(id.empty() && of != nullptr ? text_or_empty(of->hw) : id);
-  };
-  const WordEntry* first = left_has_role == left ? beside_word : word;
-  Miss miss = miss_of_word(question, Reason::co_occurrence, role, word);
-  miss.detail = (role == nullptr ? std::string() : std::string(role->text)) + "(" + text(first) + "," +
-                text(first == word ? beside_word : word) + ")";
-  return {std::move(miss)};
+// What a word goes by in the co-occurrence dictionary.
+std::string pair_name(const WordEntry* word) {
+  if (word == nullptr) return {};
+  const std::string_view id = text_or_empty(word->id);
+  return std::string(id.empty() ? text_or_empty(word->hw) : id);
 }
 
 // The nearest of the words that are open.
 Misses open_misses(Question& question) {
   WordEntry* own = question.node.candidates;
   WordEntry* targets = question.target == nullptr ? nullptr : question.target->candidates;
+  WordEntry* fitting = nullptr;
   std::optional<Misses> nearest;
   while (own != nullptr && (question.target == nullptr || targets != nullptr)) {
     Misses misses = open_word_misses(question, own, targets);
-    if (misses.empty()) return pair_misses(question, own);
+    if (misses.empty()) {
+      fitting = own;
+      break;
+    }
     keep_nearest(nearest, std::move(misses));
     if (question.target == nullptr) {
       own = own->next;
@@ -223,8 +210,31 @@ Misses open_misses(Question& question) {
       break;
     }
   }
-  if (nearest.has_value()) return std::move(*nearest);
-  return {miss_of_word(question, Reason::no_word, nullptr, nullptr)};
+  if (fitting == nullptr && nearest.has_value()) return std::move(*nearest);
+  if (fitting == nullptr) return {miss_of_word(question, Reason::no_word, nullptr, nullptr)};
+  // The words of a node that the rule brings in are chosen by what stands beside it.
+  const bool has_choice = question.asks_pairs && question.rule.type == rule_type::insertion &&
+                          question.target == nullptr && question.pattern().inserted != 0;
+  if (!has_choice) return {};
+  const Node* beside = node_of(question.window, other(question.side));
+  WordEntry* beside_word = beside == nullptr ? nullptr : beside->candidates;
+  const bool left = question.side == Side::left;
+  // The check puts the best word in front: not in the node's own list.
+  WordEntry* words = nullptr;
+  if (entry_list_copy(question.session, fitting, words) != Status::ok) return {};
+  WordEntry* chosen = nullptr;
+  const int score = cooccurrence_check(question.session, left ? words : beside_word, left ? beside_word : words,
+                                       question.rule, chosen, question.side);
+  entry_list_free(question.session, chosen);
+  entry_list_free(question.session, words);
+  if (score != 0) return {};
+  const bool left_has_role = question.rule.lnode->roles != nullptr;
+  const CondItem* role = left_has_role ? question.rule.lnode->roles : question.rule.rnode->roles;
+  const WordEntry* first = left_has_role == left ? beside_word : fitting;
+  Miss miss = miss_of_word(question, Reason::co_occurrence, role, fitting);
+  miss.detail = (role == nullptr ? std::string() : std::string(role->text)) + "(" + pair_name(first) + "," +
+                pair_name(first == fitting ? beside_word : fitting) + ")";
+  return {std::move(miss)};
 }
 
 // filter_candidates.
@@ -255,9 +265,10 @@ struct Walk {
   RulePart part;
   Side side;
   Miss furthest{};
-  int distance = -1;
+  int distance = -1;  // of it from the window, in nodes; -1: nothing has failed yet
 };
 
+// Keeps a failure that lies as far out as the furthest so far, or further.
 void note(Walk& walk, int distance, Reason reason, const ContextGroup& group, const CondItem* condition,
           const Node* node) {
   if (distance < walk.distance) return;
@@ -293,6 +304,7 @@ bool group_fits(Walk& walk, int distance, const ContextGroup& group, const Node&
   return true;
 }
 
+// Do the groups match from `node` on? Each star is tried as short as the rest allows, as in the walk of a match.
 bool walk_groups(const Session& session, Walk& walk, GroupCursor groups, const Node* node, int distance) {
   bool has_matched = false;
   while (groups.group != nullptr) {
@@ -335,9 +347,9 @@ Miss context_miss(const Session& session, RulePart part, Side side, GroupCursor 
 
 struct Asking {
   Session& session;
-  Match match;
-  bool was_refused;
-  Misses misses;
+  Match match;       // of its own: its window slides as that of a match does
+  bool was_refused;  // see `rule_misses`
+  Misses misses;     // so far, in the order of the steps of a match
 };
 
 bool stands_for_retry(const Node* node) {
@@ -381,7 +393,8 @@ void ask_side(Asking& asking, Side side) {
   }
   const ContextGroup* beyond = groups_beyond(match.rule, side);
   Node* next = neighbour(*node, side);
-  if (beyond != nullptr && match_context(asking.session, side, beyond, next) == nullptr)
+  GroupMark mark{.confirms_links = false};
+  if (beyond != nullptr && match_context(asking.session, side, {beyond}, next, mark) == nullptr)
     asking.misses.push_back(context_miss(asking.session, beyond_part(side), side, {beyond}, next));
   append(asking.misses, node_misses(asking.session, match.rule, side, match.window, asking.was_refused));
   // A relation of a pattern in braces must join the node to something.
@@ -402,6 +415,7 @@ void ask_side(Asking& asking, Side side) {
   asking.misses.push_back(std::move(miss));
 }
 
+// Leaves the match's window where the match would stand behind MID, or says why it cannot get there.
 void ask_slide(Asking& asking) {
   Match& match = asking.match;
   const Rule& rule = match.rule;
@@ -410,7 +424,7 @@ void ask_slide(Asking& asking) {
   const Side side = rule.lnode->inserted != 0 ? Side::left : Side::right;
   Node* start = node_of(before, other(side));
   if (rule.mid != nullptr && start != nullptr) {
-    GroupMark mark{groups_beyond(rule, side), nullptr};
+    GroupMark mark{.group = groups_beyond(rule, side), .confirms_links = false};
     const GroupCursor groups{rule.mid, groups_beyond(rule, side)};
     if (match_context(asking.session, side, groups, neighbour(*start, side), mark) == nullptr) {
       asking.misses.push_back(context_miss(asking.session, RulePart::mid, side, groups, neighbour(*start, side)));
@@ -420,30 +434,9 @@ void ask_slide(Asking& asking) {
   asking.misses.push_back({.reason = Reason::list_too_short});
 }
 
-// What the node at the other end of an arc would miss. A stand-in is asked, with the block of the current scope in front:
-// the order of the node's own blocks counts for other rules. A node that stands or stood in a list comes in as a copy
-// with fresh words, which shows what the node has gathered.
-Misses offered_misses(Asking& asking, Side side, Node& node) {
-  Session& session = asking.session;
-  const Match& match = asking.match;
-  Node asked = node;
-  ScopeAttrs block{};
-  if (node.scope_attrs != nullptr) {
-    const ScopeAttrs* current = scope_attrs_find(node, current_scope(session).number);
-    block = current != nullptr ? *current : *node.scope_attrs;
-    asked.scope_attrs = &block;
-  }
-  if (!is_fresh(node)) {
-    asked.matches = nullptr;
-    asked.origin = asked.source = &node;
-    const bool stands_for_built_scope = is_scope_reference(node) && scope_is_built(session, node.scope) != 0;
-    if (!stands_for_built_scope) asked.candidates = node.entries;
-    if (node.scope_attrs != nullptr) marked_attrs_append(block, node);
-  }
-  return node_misses(session, match.rule, side, window_with(match.window, side, &asked), asking.was_refused);
-}
-
+// What the nearest node would miss that an arc with the label leads to.
 Misses arc_misses(Asking& asking, Side side) {
+  Session& session = asking.session;
   const Match& match = asking.match;
   const Node* anchor = node_of(match.passed, other(side));
   if (anchor == nullptr) return {{.reason = Reason::place_empty, .part = pattern_part(other(side))}};
@@ -459,17 +452,35 @@ Misses arc_misses(Asking& asking, Side side) {
     const bool is_turned = !leads_on && is_same_or_origin(own != nullptr ? arc.to : arc.from, *anchor);
     if (is_turned && none.reason == Reason::relation_missing) none.reason = Reason::relation_turned;
     if (!leads_on) continue;
-    if (arc.scope != current_scope(asking.session).number) {
+    if (arc.scope != current_scope(session).number) {
       none.reason = Reason::relation_of_other_scope;
     } else if (arc.used != 0) {
       none.reason = Reason::relation_used;
     } else {
       Node& node = own != nullptr ? *arc.to : *arc.from;
-      if (is_scope_reference(node) && scope_entry_node(asking.session, node.scope) == nullptr) {
+      if (is_scope_reference(node) && scope_entry_node(session, node.scope) == nullptr) {
         none.reason = Reason::scope_without_entry;
         break;
       }
-      keep_nearest(nearest, offered_misses(asking, side, node));
+      // A stand-in is asked, with the block of the current scope in front: the order of the node's own blocks counts for
+      // other rules. A node that stands or stood in a list comes in as a copy with fresh words, which shows what the
+      // node has gathered.
+      Node asked = node;
+      ScopeAttrs block{};
+      if (node.scope_attrs != nullptr) {
+        const ScopeAttrs* current = scope_attrs_find(node, current_scope(session).number);
+        block = current != nullptr ? *current : *node.scope_attrs;
+        asked.scope_attrs = &block;
+      }
+      if (!is_fresh(node)) {
+        asked.matches = nullptr;
+        asked.origin = asked.source = &node;
+        const bool stands_for_built_scope = is_scope_reference(node) && scope_is_built(session, node.scope) != 0;
+        if (!stands_for_built_scope) asked.candidates = node.entries;
+        if (node.scope_attrs != nullptr) marked_attrs_append(block, node);
+      }
+      const Window offered = window_with(match.window, side, &asked);
+      keep_nearest(nearest, node_misses(session, match.rule, side, offered, asking.was_refused));
     }
   }
   if (nearest.has_value()) return std::move(*nearest);
@@ -510,6 +521,8 @@ Misses literal_misses(Asking& asking, Side side) {
   return misses;
 }
 
+// The place beside which the node is to come, and then the node itself. The dictionary is asked only if nothing else was
+// missing: that costs a lookup.
 void ask_insertion(Asking& asking, Side side) {
   Match& match = asking.match;
   if (!shifted_text_fits(match.rule, match.window, side)) {
@@ -560,6 +573,8 @@ std::vector<Miss> rule_misses(Session& session, const RuleCandidate& candidate, 
   const Silence silence(session);
   RuleCandidate asked = candidate;
   Asking asking{session, {asked, *candidate.rule, window, window}, was_refused, {}};
+  // The match may have said no before it came to walk over these nodes.
+  asking.match.mid_mark.confirms_links = false;
   if (std::optional<Miss> miss = miss_at_once(asking.match)) return {std::move(*miss)};
   for (const Side side : {Side::left, Side::right}) ask_side(asking, side);
   const bool has_places = window.lnode != nullptr || window.rnode != nullptr;
@@ -579,9 +594,10 @@ std::vector<Miss> rule_misses(Session& session, const RuleCandidate& candidate, 
 
 namespace {
 
+// One side of the window, as the index sees it.
 struct IndexSide {
   Side side;
-  const Node* node;
+  const Node* node;             // null: the side lets every rule through
   const Node* entry = nullptr;  // of the scope that the node stands for, not built
 };
 
@@ -599,29 +615,7 @@ bool see_through(const Session& session, IndexSide& side) {
   return false;
 }
 
-// What one word misses; `own` is the reference's word where the word is one of the entry node. A name with commas is in
-// no word's way.
-Misses index_word_misses(const IndexSide& side, const Rule& rule, const WordEntry* word, const WordEntry* own,
-                         bool own_forbids) {
-  Misses misses;
-  for (const CondItem& condition : chain<&CondItem::next>(pattern_of(rule, side.side).attr_conds)) {
-    const char* attr = condition.text;
-    Miss miss = miss_of_node(Reason::attribute_missing, pattern_part(side.side), *side.node);
-    miss.condition = &condition;
-    miss.word = word_text(word);
-    if (condition.op == kOpNot) {
-      const bool is_one_piece = std::strchr(attr, ',') == nullptr;
-      miss.reason = Reason::attribute_forbidden;
-      if (is_one_piece && (attr_has(word, attr) || (own_forbids && attr_has(own, attr)))) misses.push_back(miss);
-    } else if (condition.op == kOpHas) {
-      const bool has = attr_has(word, attr) || attr_has(own, attr) || head_text_has(side.node, attr) ||
-                       head_text_has(side.entry, attr);
-      if (!has) misses.push_back(miss);
-    }
-  }
-  return misses;
-}
-
+// What the nearest word of the side misses. `own` is the reference's word where the words are those of an entry node.
 Misses index_side_misses(const IndexSide& side, const Rule& rule) {
   if (side.node == nullptr) return {};
   const bool settled = side.node->matches != nullptr && (side.entry == nullptr || side.entry->matches != nullptr);
@@ -634,8 +628,27 @@ Misses index_side_misses(const IndexSide& side, const Rule& rule) {
   std::optional<Misses> nearest;
   bool is_first = true;
   do {
-    // The word of a reference is in the way of the first word of the entry node alone.
-    keep_nearest(nearest, index_word_misses(side, rule, word, own, std::exchange(is_first, false)));
+    Misses misses;
+    for (const CondItem& condition : chain<&CondItem::next>(pattern_of(rule, side.side).attr_conds)) {
+      const char* attr = condition.text;
+      bool is_missed = false;
+      if (condition.op == kOpNot) {
+        // The word of a reference is in the way of the first word of the entry node alone, and a name with commas is in
+        // no word's way.
+        const bool is_one_piece = std::strchr(attr, ',') == nullptr;
+        is_missed = is_one_piece && (attr_has(word, attr) || (is_first && attr_has(own, attr)));
+      } else if (condition.op == kOpHas) {
+        is_missed = !attr_has(word, attr) && !attr_has(own, attr) && !head_text_has(side.node, attr) &&
+                    !head_text_has(side.entry, attr);
+      }
+      if (!is_missed) continue;
+      const Reason reason = condition.op == kOpNot ? Reason::attribute_forbidden : Reason::attribute_missing;
+      misses.push_back(miss_of_node(reason, pattern_part(side.side), *side.node));
+      misses.back().condition = &condition;
+      misses.back().word = word_text(word);
+    }
+    keep_nearest(nearest, std::move(misses));
+    is_first = false;
     if (word != nullptr) word = word->next;
   } while (word != nullptr && !settled);
   return std::move(*nearest);

@@ -21,6 +21,8 @@ namespace lexon {
 
 namespace {
 
+// Behind the first stands, in a block, what was handed in; behind the second, in a reference's word, what it had before
+// rules added to it.
 constexpr std::string_view kHandedIn = ",;";
 constexpr std::string_view kOwnBehind = ",;,";
 constexpr std::size_t kBlockLimit = 1024;  // characters of a block that are used
@@ -43,6 +45,7 @@ void block_append(ScopeAttrs* block, std::string_view text) {
   block->text[length + taken] = '\0';
 }
 
+// Takes back what was handed in.
 void block_cut(ScopeAttrs* block) {
   if (block == nullptr) return;
   if (char* handed_in = std::strstr(block->text, kHandedIn.data()); handed_in != nullptr) *handed_in = '\0';
@@ -82,6 +85,7 @@ void attrs_hand_in(const ScopeEntry& scope) {
 
 // wanted: what stands in the current row when the scope ends counts. A return into deeper scopes can have left one of
 // theirs in force.
+// The reference has the attributes of the word at the scope's head from now on, behind its own.
 [[nodiscard]] Status scope_finished(Session& session, const Node* ref) {
   const ScopeRow& row = current_scope(session);
   const bool have_words =
@@ -106,6 +110,7 @@ std::optional<Side> scope_to_enter(const Session& session, const Window& window,
   if (rule.type != rule_type::insertion) return std::nullopt;
   for (const Side side : {Side::right, Side::left}) {
     const Node* node = node_of(window, side);
+    // A copy stands for a scope that its origin has entered.
     const bool is_own_reference = node != nullptr && is_scope_reference(*node) && node->origin == nullptr;
     if (!is_own_reference) continue;
     // A reference that the rule brings in is entered at once; one that stands there, by a rule with two brace patterns.
@@ -140,8 +145,10 @@ ScopeResult scope_enter(Session& session, Side side, Window& window, const RuleC
   }
   // A stopped or lost sentence prints nothing more.
   if (must_leave(session) != Status::ok) return {must_leave(session), false};
+  // wanted: a failure of whatever kind is one of the scope, and the outer search goes on
   const bool has_failed = status != Status::ok;
   if (has_failed) {
+    // The row is asked for again: the search inside may have made another scope the current one.
     const ScopeRow& failed = current_scope(session);
     trace_indent_shrink(session);
     trace_scope_failed(session, side == Side::right ? 1 : 2, failed.number);

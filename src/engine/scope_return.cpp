@@ -175,7 +175,7 @@ struct Return {
   }
   // 12.9 and 12.10: the other place of the window goes to its next word, for the same rule again. Without one it gets
   // all words back, for the next rule.
-  trace_next_entry(session, opposite, 1);
+  trace_word_change(session, WordChange::next, opposite, 1);
   entry_drop_head(session, node->candidates);
   if (node->candidates == nullptr) {
     trace_no_next_entry(session, opposite);

@@ -22,6 +22,7 @@ bool holds(const CondItem& condition, bool has_text) {
   return condition.op != kOpNot || !has_text;
 }
 
+// Null for an empty place and for a node without words.
 const WordEntry* word_in_force(const Node* node) {
   return node == nullptr ? nullptr : node->candidates;
 }

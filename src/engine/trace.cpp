@@ -11,6 +11,7 @@ namespace lexon {
 
 namespace {
 
+// Asked before anything is put together: a level that does not print costs a comparison.
 [[nodiscard]] bool traces(Session& session, int level) {
   return session.state.trace_level >= level;
 }
@@ -31,6 +32,7 @@ void trace_rule_applied(Session& session, const RuleCandidate& candidate) {
   rule_stack_print(session, &candidate, true);
   if (!traces(session, 4) || is_post_edit_type(candidate.rule->type)) return;
   // The rules behind the applied one, but for those of post-edit.
+  // wanted: the headline stands there without a rule behind it, too
   trace_line(session, "-- other applicable rules --");
   for (const RuleCandidate& element : chain<&RuleCandidate::next>(candidate.next)) {
     if (is_post_edit_type(element.rule->type)) continue;
@@ -73,6 +75,7 @@ void trace_scope(Session& session, ScopeStep step, int scope) {
     const char* behind;
     bool is_flushed;
   };
+  // In the order of `ScopeStep`.
   constexpr std::array<Line, 7> kLines = {{
       {";;==>> SCOPE:", " - lnode:scope", true},
       {";;==>> SCOPE:", " - rnode:scope", true},
@@ -87,6 +90,7 @@ void trace_scope(Session& session, ScopeStep step, int scope) {
   if (line.is_flushed) out_flush(session);
 }
 
+// wanted: "Scope" here, and "SCOPE" in all other lines
 void trace_scope_failed(Session& session, int number, int scope) {
   if (traces(session, 2)) trace_line(session, ";;#", Decimal(number), " Scope:", Decimal(scope, 2), " failed");
 }
@@ -97,11 +101,13 @@ void trace_return_to_inner_scope(Session& session) {
 }
 
 void trace_search_taken_as_finished(Session& session) {
+  // wanted: not indented, unlike all other lines of a search
   out_text(session, ";;semlst_cur:NULL -> Failed!\n");
 }
 
 void trace_attrs_too_long(Session& session, const Rule& rule) {
   if (!traces(session, 3)) return;
+  // wanted: the second line has no indent
   out_text(session, trace_indent(session), ";;attributes will be longer the ", Decimal(kAttrLimit),
            "\n;;the following rule will be not applied\n");
   out_flush(session);
@@ -130,16 +136,15 @@ void trace_next_rule(Session& session, int number) {
   if (traces(session, 3)) trace_line(session, ";;next rule #", Decimal(number));
 }
 
-void trace_next_entry(Session& session, Side side, int number) {
-  if (traces(session, 3)) trace_line(session, ";;next entry for ", place_name(side), " #", Decimal(number));
-}
-
-void trace_clear_entries(Session& session, Side side, int number) {
-  if (traces(session, 3)) trace_line(session, ";;clear all entries for ", place_name(side), " #", Decimal(number));
+void trace_word_change(Session& session, WordChange change, Side side, int number) {
+  if (!traces(session, 3)) return;
+  const char* what = change == WordChange::next ? ";;next entry for " : ";;clear all entries for ";
+  trace_line(session, what, place_name(side), " #", Decimal(number));
 }
 
 void trace_no_entry(Session& session, Side side) {
   if (!traces(session, 3)) return;
+  // wanted: the left one alone has a number, in front
   trace_line(session, side == Side::right ? ";;no entry for rnode" : "#2;;no entry for lnode");
 }
 

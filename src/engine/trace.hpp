@@ -88,8 +88,9 @@ enum class Undoing : std::uint8_t { word_test, application, list_change };
 void trace_backtrack(Session& session, Undoing what, const RuleCandidate& candidate, const Window& window);
 
 void trace_next_rule(Session& session, int number);
-void trace_next_entry(Session& session, Side side, int number);
-void trace_clear_entries(Session& session, Side side, int number);
+// The word in force of a place gives way to its next one, or all its words are given up.
+enum class WordChange : std::uint8_t { next, clear_all };
+void trace_word_change(Session& session, WordChange change, Side side, int number);
 void trace_no_entry(Session& session, Side side);       // "#2" stands in front for the left side
 void trace_no_next_entry(Session& session, Side side);  // of a failed scope, and its "next rule" line
 void trace_ignore_rules(Session& session);

@@ -1,7 +1,9 @@
 // The node list and the words of a node, as the trace shows them.
 
-#include <cstdio>
+#include <array>
 #include <string>
+#include <string_view>
+#include <utility>
 
 #include "data/chain.hpp"
 #include "data/nodes.hpp"
@@ -17,26 +19,43 @@ namespace {
 
 enum class Form { plain, bracket };
 
-// A node with words, behind a "/".
-void append_node(std::string& line, const Node& node, Form form) {
-  const bool plain = form == Form::plain;
-  line += plain ? "/" : "/[";
-  if (is_scope_reference(node)) {
-    char number[16];
-    std::snprintf(number, sizeof number, "%02d", node.scope);
-    line.append("SCOPE:").append(number);
-  } else {
-    line += text_or_empty(node.candidates->hw);
-    const char* cw = node.candidates->cw;
-    const bool shows_cw = node.entries != nullptr && !is_boundary(node) && cw != nullptr && *cw != '\0';
-    if (shows_cw) line.append("|cw=").append(cw);
+// The line in the making. A usual one needs no memory: it stands whole in `end_`.
+class ListLine {
+ public:
+  // The five pieces of a node; any of them may be empty.
+  void append(std::string_view a, std::string_view b, std::string_view c, std::string_view d, std::string_view e) {
+    const std::size_t size = a.size() + b.size() + c.size() + d.size() + e.size();
+    if (size > end_.size() - size_) begin_.append(end_.data(), std::exchange(size_, 0));
+    if (size > end_.size()) {
+      for (const std::string_view text : {a, b, c, d, e}) begin_ += text;
+    } else {
+      size_ = static_cast<std::size_t>(texts_copy(end_.data() + size_, a, b, c, d, e) - end_.data());
+    }
   }
-  if (!plain) line += ']';
+
+  [[nodiscard]] std::string_view begin() const { return begin_; }
+  [[nodiscard]] std::string_view end() const { return {end_.data(), size_}; }
+
+ private:
+  std::string begin_;           // what has found no more room in `end_`
+  std::array<char, 2048> end_;  // behind it
+  std::size_t size_ = 0;        // of the end
+};
+
+// A node with words, behind a "/".
+void append_node(ListLine& line, const Node& node, Form form) {
+  const std::string_view open = form == Form::plain ? "/" : "/[";
+  const std::string_view close = form == Form::plain ? "" : "]";
+  if (is_scope_reference(node)) return line.append(open, "SCOPE:", Decimal(node.scope, 2), "", close);
+  const std::string_view hw = text_or_empty(node.candidates->hw);
+  const std::string_view cw = text_or_empty(node.candidates->cw);
+  const bool shows_cw = node.entries != nullptr && !is_boundary(node) && !cw.empty();
+  shows_cw ? line.append(open, hw, "|cw=", cw, close) : line.append(open, hw, "", "", close);
 }
 
 // The nodes from `node` up to, but not including, `end`. A node without words is an error in the list: it is taken
 // out, and the line goes on with its next part.
-void append_up_to(Session& session, std::string& line, Node* node, const Node* end) {
+void append_up_to(Session& session, ListLine& line, Node* node, const Node* end) {
   for (; node != nullptr && node != end && must_leave(session) == Status::ok; node = node->right) {
     if (node->candidates == nullptr) {
       // Not released: the graph can still point at it.
@@ -47,10 +66,12 @@ void append_up_to(Session& session, std::string& line, Node* node, const Node* e
   }
 }
 
-void append_marked(std::string& line, const Node* node) {
+// A place of the window. An empty one leaves no gap in the line.
+void append_marked(ListLine& line, const Node* node) {
   if (node != nullptr && node->candidates != nullptr) append_node(line, *node, Form::bracket);
 }
 
+// The entry printer knows no session: whether the worker was asked to stop is asked here.
 void print_word(Session& session, const WordEntry* word) {
   if (must_leave(session) == Status::stopped) return;
   entry_print(session.output, word, session.state.trace_indent);
@@ -70,9 +91,10 @@ void print_graph_attrs(Session& session, const Node& node) {
 
 // Collected first: of a sentence that is stopped meanwhile the line is not printed at all.
 void print_list_line(Session& session, const Window& window) {
-  std::string line = session.state.trace_indent;
+  ListLine line;
   if (window.lnode != nullptr) {
     Node* first = list_first(window.lnode);
+    // A node beside itself: rules can bring that about, and the match that follows refuses the list.
     if (first->left == first) {
       out_text(session, trace_indent(session));
       dump_node(session, first, true);
@@ -89,7 +111,7 @@ void print_list_line(Session& session, const Window& window) {
   for (; node != nullptr && node->candidates != nullptr && must_leave(session) == Status::ok; node = node->right) {
     append_node(line, *node, Form::plain);
   }
-  if (must_leave(session) != Status::stopped) out_text(session, line.c_str(), "/\n");
+  if (must_leave(session) != Status::stopped) out_text(session, trace_indent(session), line.begin(), line.end(), "/\n");
   out_flush(session);
 }
 
@@ -102,6 +124,7 @@ void dump_list(Session& session, const Window& window, bool with_words) {
   trace_line(session, "====================================================");
   const Node* lnode = window.lnode;
   trace_line(session, "lnode >>>>>");
+  // Before a match the words that are still to be tried are of interest, and after one the word in force.
   const bool shows_open_words = with_words && (lnode == nullptr || is_fresh(*lnode));
   if (shows_open_words) trace_line(session, "-- word candidates for lnode --");
   dump_node(session, lnode, !shows_open_words);

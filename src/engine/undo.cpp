@@ -17,7 +17,8 @@
 
 namespace lexon {
 
-// ---- Records, places, holds, scopes.
+// ---- Records, places, holds, scopes. Where the rule base has brought a list into a state that no application leaves
+// behind, undoing stops the sentence instead of reading on: nothing here trusts a record to be there.
 
 Status record_pop(Session& session, Node* node) {
   if (node == nullptr || is_fresh(*node)) return rule_base_failure(session, "undid more steps than it has made");
@@ -59,6 +60,7 @@ void node_unlink_release(Session& session, Node& node) {
   }
 }
 
+// A hold is the only record of its node: it was fresh before.
 bool hold_take(Session& session, Node* node, const Rule* of) {
   if (node == nullptr || !is_held(*node)) return false;
   const RuleCandidate* holder = node->matches->candidate;
@@ -83,6 +85,7 @@ bool may_re_enter_scope(Session& session, const Node* node, const NodePattern& p
 }
 
 void scope_entries_hand_over(Session& session, const Node& node, Node* heir) {
+  // Several numbers can start at one node.
   for (ScopeRow& row : scope_rows(session.sentence)) {
     if (row.entry == &node) row.entry = heir;
   }
@@ -109,6 +112,7 @@ Status merge_undo(Session& session, Window& window, RuleCandidate*& candidate) {
     match_record_pop(session, *window.rnode);
     if (type == rule_type::merge_right && is_merge_nodes) window = {window.rnode, window.rnode->right};
   }
+  // The merge node stands where the survivor stood: on the left for DR, on the right for DL.
   Node* merged = type == rule_type::merge_right ? window.lnode : window.rnode;
   if (merged->source == nullptr || merged->merged_with == nullptr) return Status::no_effect;
   // The two merged nodes stand in the place of the merge node again, and are the window.
@@ -181,8 +185,8 @@ Status stepless_undo(Session& session, Window& window, const Rule& rule) {
 
 namespace {
 
-// The arc along which the rule can have brought in the node of `side`; null if there is none. The label of LNODE leads to the left
-// node, that of RNODE to the right one.
+// The arc along which the rule can have brought in the node of `side`; null if there is none. The label of LNODE leads
+// to the left node, that of RNODE to the right one.
 [[nodiscard]] Relation* arc_find(const Rule& rule, Side side, const Window& window) {
   const Node& inserted = *node_of(window, side);
   const Node& staying = *node_of(window, other(side));
@@ -222,6 +226,7 @@ Status inserted_undo(Session& session, const Rule& rule, Window& window) {
   // A merge node's words are those of the node that it replaced, which undo of the merge wants back.
   const bool takes_others_words = !is_reset && inserted.merged_with != nullptr;
   if (takes_others_words) return rule_base_failure(session, "undid an insertion of another node");
+  // The arc may bring a node in again.
   if (arc != nullptr) arc->used = 0;
   if (is_reset) {
     if (const Status status = node_reset(session, inserted); status != Status::ok) return status;
@@ -244,6 +249,7 @@ Status inserted_undo(Session& session, const Rule& rule, Window& window) {
   } else {
     node_unlink_release(session, inserted);
   }
+  // What stood behind the node is the window's other place now; at the end of a list that is none.
   node_of(window, side) = beyond;
   node_of(window, other(side)) = staying;
   return Status::ok;

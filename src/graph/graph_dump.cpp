@@ -3,6 +3,7 @@
 #include "graph/graph_dump.hpp"
 
 #include <array>
+#include <string>
 
 #include "data/chain.hpp"
 #include "data/nodes.hpp"
@@ -15,6 +16,7 @@ namespace lexon {
 
 namespace {
 
+// Characters: of an arrow behind its node's indent, and of a node behind that of the one that it hangs on.
 constexpr int kArrowIndent = 2;
 constexpr int kChildIndent = 7;
 
@@ -26,8 +28,8 @@ struct DumpBranch {
 
 // What all lines of one dump have in common.
 struct Dump {
-  int scope;
-  const char* prefix;
+  int scope;           // its arcs alone are shown, and of the nodes the attributes in it
+  const char* prefix;  // in front of each line
 };
 
 // Lists of arcs join, so an arc on a node's list need not touch the node.
@@ -86,6 +88,8 @@ void node_print(Session& session, Node& node, int scope) {
   mark(node);
 }
 
+// The node and, a line each, what hangs on it, depth first. `indent` is that of the node, whose line has begun already
+// unless it is the entry.
 void branch_print(Session& session, Node& node, const DumpBranch* branches, int indent, const Dump& dump) {
   if (must_leave(session) != Status::ok) return;
   if (indent == 0) out_text(session, dump.prefix);
@@ -93,8 +97,8 @@ void branch_print(Session& session, Node& node, const DumpBranch* branches, int 
   for (const DumpBranch& branch : chain<&DumpBranch::next>(branches)) {
     const Relation& relation = *branch.relation;
     const bool inward = relation.to == &node;
-    out_print(session, "%s%*s", dump.prefix, indent + kArrowIndent, "");
-    out_print(session, inward ? "<%s-" : "-%s>", relation.label);
+    out_text(session, dump.prefix, std::string(static_cast<std::size_t>(indent + kArrowIndent), ' '),
+             inward ? "<" : "-", relation.label, inward ? "-" : ">");
     branch_print(session, *far_end(relation, node), branch.children, indent + kChildIndent, dump);
   }
 }

@@ -19,9 +19,11 @@ namespace {
 // A row has one node at most, and a node fills one word list at most, so only the table of words can be full.
 static_assert(kMaxGraphNodes >= kMaxGraphWords && kMaxWordLists >= kMaxGraphNodes);
 
+// What stands for a word that no dictionary has, in the form of a dictionary line; its texts are filled in.
 constexpr const char* kUnknownWord = "[]{}  \"\" (TEMP);";
 constexpr const char* kNumberWord = "[0]{} \"\" (NUM,ANUM);";
 
+// The table grows while it is searched: its end is asked for each time.
 Node** nodes_end(Session& session) {
   return session.sentence.graph_nodes.data() + session.sentence.graph_node_count;
 }
@@ -33,7 +35,8 @@ void blocks_set(Node& node, ScopeAttrs* blocks) {
   for (char* dot = std::strchr(blocks->text, '.'); dot != nullptr; dot = std::strchr(dot, '.')) *dot = ',';
 }
 
-// The master list of a node of the same concept from `position` on, or null.
+// The master list of a node of the same concept from `position` on, or null. It saves a lookup: such lists are never
+// changed.
 // wanted: only these nodes are looked at, so an instance with a lower number shares nothing.
 WordEntry* words_to_share(Session& session, Node* const* position, const char* name) {
   for (; position != nodes_end(session); ++position) {
@@ -59,6 +62,7 @@ Status known_words(Session& session, const char* name, WordEntry*& words) {
 
 // Finds the words of a row and tells by `kind` where they came from.
 Status words_find(Session& session, const GraphWord& row, WordEntry*& words, std::int8_t& kind) {
+  // wanted: an empty name is asked for like any other, before it is taken for a scope
   if (row.look_up != 0) {
     if (const Status s = known_words(session, row.name, words); s != Status::ok) return s;
     if (words != nullptr) {
@@ -69,6 +73,7 @@ Status words_find(Session& session, const GraphWord& row, WordEntry*& words, std
       kind = kKindScope;
       words = entry_new(session, "SCOPE:00", "SCOPE");
       if (words == nullptr) return Status::memory;
+      // Two decimal digits behind "SCOPE:", whatever the digits of the graph's number are.
       words->hw[6] = static_cast<char>('0' + number / 10);
       words->hw[7] = static_cast<char>('0' + number % 10);
       return Status::ok;
@@ -95,6 +100,7 @@ Status node_make(Session& session, const GraphWord& row, WordEntry* shared_words
   // The number of the instance; of a scope reference, that of the scope.
   node->scope = row.number;
   if (shared_words == nullptr) return words_fill(session, row, *node);
+  // wanted: the kind stays that of a literal until matching asks the word
   node->entries = shared_words;
   return entry_list_copy(session, shared_words, node->candidates);
 }
@@ -111,6 +117,7 @@ std::string_view surface_of(std::string_view word) {
   return word;
 }
 
+// Puts a copy of `by` in the place of a text of the entry. False without memory: the old text stays.
 bool text_replace(Session& session, char*& text, std::int32_t& length, std::string_view by) {
   char* copy = temp_text(session, by);
   if (copy == nullptr) return false;
@@ -139,10 +146,15 @@ Status literal_entry(Session& session, const char* word, WordEntry*& head) {
 Status node_build(Session& session, int row_number, Node*& node) {
   node = nullptr;
   const GraphWord& row = session.sentence.graph_words[static_cast<std::size_t>(row_number)];
-  // The node of the row, or where it is to be put in.
-  Node** position = std::lower_bound(
-      session.sentence.graph_nodes.data(), nodes_end(session), row,
-      [](const Node* known, const GraphWord& r) { return sorts_before(known->name, known->scope, r.name, r.number); });
+  // The node of the row, or where it is to be put in: at the row's own place, as long as each word before has a node.
+  Node** first = session.sentence.graph_nodes.data();
+  Node** position = first + row_number;
+  const auto stands_before = [](const Node* known, const GraphWord& r) {
+    return sorts_before(known->name, known->scope, r.name, r.number);
+  };
+  const bool is_place = position <= nodes_end(session) && (position == first || stands_before(position[-1], row)) &&
+                        (position == nodes_end(session) || !stands_before(*position, row));
+  if (!is_place) position = std::lower_bound(first, nodes_end(session), row, stands_before);
   const bool is_there = position != nodes_end(session) && (*position)->scope == row.number &&
                         std::strcmp((*position)->name, row.name) == 0;
   if (is_there) {

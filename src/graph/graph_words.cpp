@@ -18,6 +18,7 @@ constexpr std::size_t kBlockLimit = 1024;  // characters of a block's text
 constexpr std::int64_t kBlockCell = 4096;  // bytes that the pool gives to a block
 constexpr int kHighestScope = 99;          // that can be referred to
 
+// Always false, for the callers to pass on.
 bool refuse(Session& session, const char* what) {
   sentence_refuse(session, what);
   return false;
@@ -29,6 +30,7 @@ bool refuse_attributes(Session& session) {
 
 // Puts a new block with the attributes as written in front of `blocks`.
 bool block_push(Session& session, ScopeAttrs*& blocks, const char* attrs, int scope) {
+  // Dots stay as they are: they turn to commas when the node is built.
   const std::string_view text(attrs);
   if (text.size() > kBlockLimit) return refuse_attributes(session);
   // Its cell has room to spare. Blocks that all began at the same place of theirs would drive each other from the cache.
@@ -43,6 +45,7 @@ bool block_push(Session& session, ScopeAttrs*& blocks, const char* attrs, int sc
   text.copy(block->text, text.size());
   block->text[text.size()] = '\0';
   block->next = blocks;
+  // From now on matching has to turn blocks: until then each word has the attributes of one scope.
   if (blocks != nullptr) session.sentence.has_scopes_mixed = true;
   blocks = block;
   return true;
@@ -73,10 +76,13 @@ bool block_merge(Session& session, ScopeAttrs& block, char* attrs) {
   }
 }
 
+// Puts a new row in at `row`, in front of the one that stands there. False if the word could not be entered; then nothing
+// has changed.
 bool row_insert(Session& session, GraphWord* row, const WordText& word, int scope) {
   const std::string_view name(word.name);
   if (name.size() >= sizeof row->name) return refuse(session, "the graph has a word of more than 259 characters");
   if (session.sentence.graph_word_count == kMaxGraphWords) return refuse(session, "the graph has more than 512 words");
+  // The block first: without memory no row may stand without one.
   ScopeAttrs* blocks = nullptr;
   if (!block_push(session, blocks, word.attrs, scope)) return false;
   GraphWord* end = session.sentence.graph_words.data() + session.sentence.graph_word_count;
@@ -95,16 +101,26 @@ bool sorts_before(const char* name, int number, const char* other_name, int othe
   return order != 0 ? order < 0 : number < other_number;
 }
 
-int graph_word_add(Session& session, char* text, int scope) {
+int graph_word_add(Session& session, char* text, int scope, std::span<const int> guesses) {
   const WordText word = split_word(text);
   GraphWord* first = session.sentence.graph_words.data();
   GraphWord* end = first + session.sentence.graph_word_count;
+  const auto holds_word = [&](const GraphWord& row) {
+    return row.number == word.number && std::strcmp(row.name, word.name) == 0;
+  };
   // The row of the word, or where it is to be put in.
-  GraphWord* row = std::lower_bound(first, end, word, [](const GraphWord& known, const WordText& w) {
-    return sorts_before(known.name, known.number, w.name, w.number);
-  });
+  GraphWord* row = end;
+  for (const int guess : guesses) {
+    if (guess >= 0 && first + guess < end && holds_word(first[guess])) row = first + guess;
+  }
+  bool is_there = row != end;
+  if (!is_there) {
+    row = std::lower_bound(first, end, word, [](const GraphWord& known, const WordText& w) {
+      return sorts_before(known.name, known.number, w.name, w.number);
+    });
+    is_there = row != end && holds_word(*row);
+  }
   const auto index = static_cast<int>(row - first);
-  const bool is_there = row != end && row->number == word.number && std::strcmp(row->name, word.name) == 0;
   if (!is_there) return row_insert(session, row, word, scope) ? index : -1;
   // wanted: a scope above 255 equals none of the 8-bit numbers, so each mention brings a block of its own.
   for (ScopeAttrs& block : chain<&ScopeAttrs::next>(row->blocks)) {

@@ -1,13 +1,16 @@
 // The words of the sentence's graph, each with its attributes in every scope that mentions it.
 #pragma once
 
+#include <span>
+
 #include "data/session.hpp"
 
 namespace lexon {
 
 // Cuts `text` (in place) into word, number and attributes and enters them for `scope`. Returns the row's index, or -1
-// when the word could not be entered: memory, or a limit, and then the sentence is refused.
-[[nodiscard]] int graph_word_add(Session& session, char* text, int scope);
+// when the word could not be entered: memory, or a limit, and then the sentence is refused. `guesses`: rows that may be
+// the word's, to be looked at first; any number will do.
+[[nodiscard]] int graph_word_add(Session& session, char* text, int scope, std::span<const int> guesses = {});
 
 // The number of a scope reference: an empty name with a number from 1 to 99; else 0.
 [[nodiscard]] int scope_number_of(const GraphWord& row);

@@ -11,17 +11,20 @@ namespace lexon {
 
 namespace {
 
-// The first row that a line begins with decides.
+// The first row that a line begins with decides, so a longer beginning stands in front of the shorter ones that it
+// contains. What follows the beginning on the line is not looked at.
 struct LineForm {
   std::string_view begin;
   LineKind kind;
 };
 
+// These count inside an open block tag as well. A line that is nothing but its end is empty.
 constexpr LineForm kFormsEverywhere[] = {
     {";", LineKind::ignored},        {"<", LineKind::ignored},       {"\n", LineKind::ignored},
     {"{sem", LineKind::graph_start}, {"{/sem", LineKind::graph_end}, {"{", LineKind::block_tag},
 };
 
+// wanted: a block tag hides the end of a sentence too
 constexpr LineForm kFormsOutsideTags[] = {
     {"[/S", LineKind::sentence_end}, {"[/", LineKind::ignored},        {"[W", LineKind::word_block},
     {"[R", LineKind::skipped_block}, {"[S", LineKind::sentence_start}, {"[", LineKind::ignored},
@@ -38,11 +41,13 @@ const LineForm* form_of(std::string_view line, const LineForm (&forms)[Count]) {
 // returns null at the end. Has a sentence ended?
 template <typename NextLine>
 bool to_sentence_end(NextLine next) {
+  // Blocks end by a mark in the first column, or with the text; no other line of theirs means anything.
   const auto pass_block = [&next](std::string_view end) {
     for (const char* line = next(); line != nullptr && !std::string_view(line).starts_with(end);) line = next();
   };
   BlockTag open_tag;
   while (const char* line = next()) {
+    // Blanks may stand in front, but no tabs.
     const char* start = line + std::strspn(line, " ");
     switch (line_kind(start, open_tag)) {
       case LineKind::sentence_end: return true;
@@ -68,6 +73,7 @@ LineKind line_kind(std::string_view line, const BlockTag& open_tag) {
 // wanted: a closing tag that matches nothing opens a tag whose name begins with "/".
 void block_tag_change(BlockTag& open_tag, std::string_view line) {
   const bool closes = line.starts_with("{/") && !open_tag.empty() && line.substr(2).starts_with(open_tag.view());
+  // An opening tag takes the place of one that is open.
   open_tag.clear();
   if (closes) return;
   const std::string_view name = line.substr(1, line.find_first_of("\n:}", 1) - 1);

@@ -1,5 +1,6 @@
 #include "graph/line_text.hpp"
 
+#include <array>
 #include <cstring>
 
 #include "data/chars.hpp"
@@ -11,6 +12,7 @@ namespace {
 constexpr int kCodeBase = 36;
 constexpr int kLetterOffset = 55;  // 'A' stands for 10
 
+// Unchecked, wanted: a lower-case letter comes out above 35, and what lies below 'A' can be negative.
 int code_value(char c) {
   return is_digit(c) ? c - '0' : static_cast<unsigned char>(c) - kLetterOffset;
 }
@@ -31,20 +33,34 @@ void cut_at(const char* begin, char* end) {
   while (end > begin && is_blank(end[-1])) *--end = '\0';
 }
 
+// The characters that mean something to a scan; most of a line is others. The terminator is one of them.
+constexpr std::array<bool, 256> kMarks = [] {
+  std::array<bool, 256> marks{};
+  for (const char c : {'\0', '\\', '"', '(', ')', ',', ':', '.'}) marks[static_cast<unsigned char>(c)] = true;
+  return marks;
+}();
+
+char* skip_plain(char* at) {
+  while (!kMarks[static_cast<unsigned char>(*at)]) ++at;
+  return at;
+}
+
 int depth_change(char c) {
   return c == '(' ? 1 : c == ')' ? -1 : 0;
 }
 
 // The first `wanted` outside quotes and parentheses, or null. A parenthesis that was never opened counts as well.
+// A backslash hides a quote or a backslash, and nothing else.
 char* find_outside(char* at, char wanted) {
   int depth = 0;
   bool in_quotes = false;
-  for (; *at != '\0'; ++at) {
+  for (at = skip_plain(at); *at != '\0'; at = skip_plain(at + 1)) {
     const bool hides_next = *at == '\\' && (at[1] == '"' || at[1] == '\\');
     if (hides_next) {
       ++at;
       continue;
     }
+    // Asked before the depth changes: a closer that is sought stands at depth 0 itself.
     if (*at == wanted && depth == 0 && !in_quotes) return at;
     if (*at == '"') in_quotes = !in_quotes;
     if (!in_quotes) depth += depth_change(*at);
@@ -68,11 +84,11 @@ char* cut_argument(char*& rest, char closer) {
 struct WordScan {
   char* at;
   bool in_quotes;
-  int depth = 0;
-  bool has_parentheses = false;
+  int depth = 0;                 // of parentheses outside quotes; below 0 once one was closed that was never opened
+  bool has_parentheses = false;  // one has been opened: from then on a dot outside of them ends the word
 };
 
-// Does a number or an attribute text begin here?
+// Does a number or an attribute text begin here? A dot in front of "@" does wherever it stands, in quotes too.
 bool ends_word(const WordScan& scan) {
   const bool outside = scan.depth == 0 && !scan.in_quotes;
   if (*scan.at == ':') return outside;
@@ -88,6 +104,7 @@ bool is_escape(const WordScan& scan) {
 
 void take_character(WordScan& scan) {
   if (is_escape(scan)) {
+    // The backslash goes, and what it has hidden is stepped over below.
     std::memmove(scan.at, scan.at + 1, std::strlen(scan.at));
   } else if (*scan.at == '"') {
     // wanted: a quote that opens in the middle of a word stays as text.
@@ -115,6 +132,7 @@ void node_code_write(int number, char (&code)[3]) {
 }
 
 int split_relation(char* line, RelationText& text) {
+  // A scan, not a grammar: what is wrong inside the parts is the reader's to find.
   text = {};
   text.label = skip_blanks(line);
   char* open = std::strchr(text.label, '(');
@@ -124,6 +142,7 @@ int split_relation(char* line, RelationText& text) {
   text.from = cut_argument(rest, ',');
   if (text.from == nullptr) return -1;
   text.to = cut_argument(rest, ')');
+  // wanted: the last line of a text needs its line end
   if (text.to == nullptr || *rest == '\0') return -1;
   text.rest = skip_blanks(rest);
   if (*text.rest != '=') return 1;
@@ -152,10 +171,13 @@ WordText split_word(char* text) {
   word.quoted = *word.name == '"';
   if (word.quoted) ++word.name;
   WordScan scan{word.name, word.quoted};
-  while (*scan.at != '\0' && !ends_word(scan)) take_character(scan);
+  for (scan.at = skip_plain(scan.at); *scan.at != '\0' && !ends_word(scan); scan.at = skip_plain(scan.at)) {
+    take_character(scan);
+  }
   char* end = scan.at;
   // Blanks in front of a closing quote stay: the quote has become a terminator.
   for (char* last = end; last > word.name && last[-1] == ' '; --last) last[-1] = '\0';
+  // Behind a number the attributes keep the dot in front of them; without one it is cut off here.
   word.attrs = *end == '.' ? end + 1 : end;
   if (*end == ':') {
     char* digits = skip_blanks(end + 1);

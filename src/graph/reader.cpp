@@ -23,6 +23,7 @@ namespace lexon {
 
 namespace {
 
+// What the record of a relation has room for; a line with a longer label is left out.
 constexpr std::size_t kLabelLength = sizeof(Relation::label) - 1;
 
 struct Reader {
@@ -34,6 +35,7 @@ struct Reader {
   BlockTag open_tag;                       // hides lines
   bool in_graph = false;
   bool syntax_reported = false;
+  std::array<int, 2> rows = {-1, -1};  // of the two words that were named last
   // What the end of the file must not meet open: the first line of the sentence, and of a block.
   InputNotes::Line sentence{};
   InputNotes::Line block{};
@@ -45,12 +47,14 @@ bool is_lost(Session& session) {
   return session.sentence.refused || session.state.abort == Status::memory;
 }
 
+// The next line, or what ends the reading. A lost sentence is read on to its end.
 Status line_read(Session& session, Reader& reader) {
   if (const Status s = must_leave(session); s != Status::ok && s != Status::memory) return s;
   TextWatch* watch = reader.notes == nullptr ? nullptr : &reader.notes->text;
   return text_line_read(reader.input, reader.line.data(), kLineSize, watch) ? Status::ok : Status::end_of_input;
 }
 
+// Remembers the line, to name it if the file ends before the block does.
 void block_opened(Reader& reader, const char* why) {
   if (reader.notes != nullptr) reader.block = {reader.notes->text.line, why};
 }
@@ -61,6 +65,7 @@ void sentence_opened(Reader& reader) {
   reader.notes->has_sentence = true;
 }
 
+// A line that was to say something and comes to nothing: counted, and the first few are kept by number.
 void note_left_out(Session& session, Reader& reader, const char* why) {
   if (reader.notes == nullptr) return;
   InputNotes& notes = *reader.notes;
@@ -94,6 +99,7 @@ Status word_block_read(Session& session, Reader& reader) {
   }
 }
 
+// Nothing in it is looked at but how its lines begin.
 Status skipped_block_read(Session& session, Reader& reader) {
   block_opened(reader, "this block is not closed: \"[/R]\" is missing, or does not begin its line");
   while (true) {
@@ -104,12 +110,14 @@ Status skipped_block_read(Session& session, Reader& reader) {
   return Status::ok;
 }
 
+// The message with the line as it was read, its line end included: cutting has changed the reader's own.
 void line_report(Session& session, Reader& reader, const char* what) {
   out_print(session, ";;%s\n\t%s", what, reader.saved_line.data());
   out_flush(session);
   note_left_out(session, reader, what);
 }
 
+// An empty text, or one that begins with what belongs behind it.
 bool is_missing(const char* text, char wrong_start) {
   return *text == '\0' || *text == wrong_start;
 }
@@ -130,16 +138,23 @@ Relation* relation_new(Session& session, std::string_view label, int scope) {
   }
   auto* relation = temp_new<Relation>(session);
   if (relation == nullptr) return nullptr;
+  // The record is zeroed: the label ends in a terminator, and the arc is not used. Of the number 8 bits are kept.
   label.copy(relation->label, kLabelLength);
   relation->scope = static_cast<std::uint8_t>(scope);
   session.sentence.graph_relations[static_cast<std::size_t>(session.sentence.graph_relation_count++)] = relation;
   return relation;
 }
 
-// The node of a word as written, or null.
-Node* node_of(Session& session, char* text, int scope) {
+// The node of a word as written, or null. `rows` are those of the words of the line before, or of this line so far: one
+// of them is often meant again.
+Node* node_of(Session& session, char* text, int scope, std::array<int, 2>& rows) {
   Node* node = nullptr;
-  if (const int row = graph_word_add(session, text, scope); row >= 0) (void)node_build(session, row, node);
+  const int count = session.sentence.graph_word_count;
+  const int row = graph_word_add(session, text, scope, rows);
+  if (row >= 0) (void)node_build(session, row, node);
+  // A new row moves those behind it.
+  const bool has_moved = session.sentence.graph_word_count != count && rows[1] >= row;
+  rows = {has_moved ? rows[1] + 1 : rows[1], row};
   return node;
 }
 
@@ -149,11 +164,12 @@ bool is_entry_of_sentence(const Node& node) {
 
 // Ties two words together. A word without a node, because its lookup failed, leaves the relation unconnected.
 void relation_tie(Session& session, Reader& reader, const RelationText& text, int scope, Relation& relation) {
-  Node* from = node_of(session, text.from, scope);
+  Node* from = node_of(session, text.from, scope, reader.rows);
   if (is_lost(session)) return;
-  Node* to = node_of(session, text.to, scope);
+  Node* to = node_of(session, text.to, scope, reader.rows);
   if (from == nullptr || to == nullptr) return;
   relation_connect(session, *from, *to, relation);
+  // The first word with "@entry" in a relation of the top scope. wanted: the start of the arc is asked first
   if (relation.scope != 0 || reader.root != nullptr) return;
   if (is_entry_of_sentence(*from)) {
     reader.root = from;
@@ -165,6 +181,7 @@ void relation_tie(Session& session, Reader& reader, const RelationText& text, in
 void relation_read(Session& session, Reader& reader) {
   RelationText text;
   if (split_relation(reader.line.data(), text) <= 0) {
+    // Each faulty line is shown, under one headline for the sentence.
     if (!reader.syntax_reported) out_print(session, ";;Syntactic Error\n");
     reader.syntax_reported = true;
     out_print(session, "\t%s", reader.saved_line.data());
@@ -174,6 +191,7 @@ void relation_read(Session& session, Reader& reader) {
   if (const char* fault = fault_of(text); fault != nullptr) {
     return line_report(session, reader, fault);
   }
+  // The number goes before the length is measured: it is no part of the label.
   const int scope = label_scope(text.label);
   if (std::strlen(text.label) > kLabelLength) {
     return line_report(session, reader, "Rel is too long");
@@ -203,6 +221,7 @@ Status lines_read(Session& session, Reader& reader) {
   while (true) {
     Status status = line_read(session, reader);
     if (status != Status::ok) return status;
+    // Before anything is cut: messages show the line as it stands in the text.
     reader.saved_line = reader.line;
     const char* line = reader.line.data() + std::strspn(reader.line.data(), " ");
     switch (line_kind(line, reader.open_tag)) {

@@ -42,6 +42,7 @@ bool holds_entry(const Node& node) {
 }
 
 void relation_connect(Session& session, Node& from, Node& to, Relation& relation) {
+  // A relation between a node and itself is on its list once: the second walk finds it there.
   list_append(from.relations, relation);
   list_append(to.relations, relation);
   relation.from = &from;
@@ -62,6 +63,7 @@ void scope_note(Session& session, const Relation& relation) {
     return known.entry == nullptr || known.number == relation.scope;
   });
   if (row.entry != nullptr) return;
+  // The end of the arc is asked first, unlike for the sentence's own entry.
   row.number = relation.scope;
   if (holds_entry(*relation.to)) {
     row.entry = relation.to;

@@ -235,29 +235,42 @@ bool side_search(const Session& session, const WindowSide& side) {
   return !is_given_up;
 }
 
-// Puts together all that the search looks at. No text holds what parts the texts.
-void key_take(const WindowSide& side) {
+// Longer keys are seldom the same again.
+constexpr std::size_t kLongestKey = 4096;
+
+// Puts together all that the search looks at, in the scratch. No text holds what parts the texts. Empty if it is too
+// long to be remembered.
+std::string_view key_take(const WindowSide& side) {
   std::string& key = side.scratch.key;
+  if (key.size() < kLongestKey) key.resize(kLongestKey);
+  char* to = key.data();
+  std::size_t room = kLongestKey;
+  // A missing text differs from an empty one.
   const auto text_take = [&](const char* text) {
-    key += text == nullptr ? '\0' : '\1';
-    if (text != nullptr) key.append(text, std::strlen(text) + 1);
+    const std::size_t size = text == nullptr ? 1 : std::strlen(text) + 2;
+    if (size > room) {
+      room = 0;
+      return;
+    }
+    *to = text == nullptr ? '\0' : '\1';
+    if (text != nullptr) std::memcpy(to + 1, text, size - 1);
+    to += size;
+    room -= size;
   };
   const bool settled = is_settled(side);
-  key.clear();
-  key += settled ? 's' : 'o';
-  key += side.entry == nullptr ? 'n' : 'e';
+  text_take(settled ? "s" : "o");
+  text_take(side.entry == nullptr ? nullptr : "e");
   text_take(head_text(*side.node));
   if (side.entry != nullptr) {
     text_take(head_text(*side.entry));
     text_take(side.node->candidates->attrs);
   }
-  for (const WordEntry* word = first_word(side); word != nullptr; word = settled ? nullptr : word->next) {
+  for (const WordEntry* word = first_word(side); word != nullptr && room != 0; word = settled ? nullptr : word->next) {
     text_take(word->attrs);
   }
+  if (room == 0) return {};
+  return {key.data(), kLongestKey - room};
 }
-
-// Longer keys are seldom the same again.
-constexpr std::size_t kLongestKey = 4096;
 
 Answer known_answer(const SearchScratch::Side& scratch, std::int32_t number) {
   const SearchScratch::Side::Known& known = scratch.answers[static_cast<std::size_t>(number)];
@@ -266,12 +279,12 @@ Answer known_answer(const SearchScratch::Side& scratch, std::int32_t number) {
 }
 
 // Remembers what stands in the scratch. Without room the next search begins by forgetting all.
-Answer answer_remember(SearchScratch& search, SearchScratch::Side& scratch) {
+Answer answer_remember(SearchScratch& search, SearchScratch::Side& scratch, std::string_view key) {
   const Answer answer{Verdict::answer, scratch.satisfied, scratch.words, kNameless};
-  if (scratch.key.size() > kLongestKey) return answer;
+  if (key.empty()) return answer;
   const std::size_t size = answer.satisfied.size() + answer.words.size();
   const bool has_room = scratch.numbers.capacity() - scratch.numbers.size() >= size;
-  const std::int32_t number = has_room ? scratch.known.add(scratch.key) : -1;
+  const std::int32_t number = has_room ? scratch.known.add(key) : -1;
   search.is_full = search.is_full || number < 0;
   if (number < 0) return answer;
   scratch.answers.push_back({static_cast<std::uint32_t>(scratch.numbers.size()),
@@ -298,12 +311,12 @@ std::optional<Answer> side_answer(Session& session, const WindowSide& side) {
     return plain_verdict(settled ? Verdict::all : Verdict::none);
   }
   SearchScratch::Side& scratch = side.scratch;
-  key_take(side);
+  const std::string_view key = key_take(side);
   const auto place = reinterpret_cast<std::uintptr_t>(side.node) / sizeof(Node) % scratch.latest.size();
-  const std::int32_t number = number_find(scratch.known, scratch.key, scratch.latest[place]);
+  const std::int32_t number = key.empty() ? -1 : number_find(scratch.known, key, scratch.latest[place]);
   if (number >= 0) return known_answer(scratch, number);
   if (!side_search(session, side)) return std::nullopt;
-  return answer_remember(session.search, scratch);
+  return answer_remember(session.search, scratch, key);
 }
 
 // Forgets the rules of pairs.

@@ -32,6 +32,7 @@ void fit(SearchScratch::Side& scratch, const SideSearch& side) {
 void session_use(Session& session, const Grammar& grammar) {
   const RuleSearch& search = grammar.index.search;
   session.grammar = &grammar;
+  session.rule_texts.clear();
   session.pool.limit_blocks(grammar.pool.max_blocks() - grammar.pool.blocks());
   SearchScratch& scratch = session.search;
   fit(scratch.left, search.left);

@@ -1,11 +1,21 @@
 #include "rules/print.hpp"
 
+#include <string>
+#include <string_view>
+#include <vector>
+
 #include "data/chain.hpp"
 #include "data/output.hpp"
 #include "data/session.hpp"
+#include "rules/grammar.hpp"
 
 namespace lexon {
 namespace {
+
+template <typename... Pieces>
+void text_append(std::string& text, const Pieces&... pieces) {
+  ((text += pieces), ...);
+}
 
 // The name of a type that does not print as its own character; null for the others.
 const char* type_name(std::uint8_t type) {
@@ -27,11 +37,11 @@ const char* type_name(std::uint8_t type) {
   }
 }
 
-void type_print(Session& session, std::uint8_t type) {
+void type_print(std::string& text, std::uint8_t type) {
   if (const char* const name = type_name(type); name != nullptr) {
-    out_text(session, name);
+    text_append(text, name);
   } else {
-    out_text(session, std::string_view(reinterpret_cast<const char*>(&type), 1));
+    text_append(text, std::string_view(reinterpret_cast<const char*>(&type), 1));
   }
 }
 
@@ -40,19 +50,19 @@ const char* comma_if(bool wanted) {
 }
 
 // The signs "+" and "-" of conditions are not shown.
-void conditions_print(Session& session, const CondItem* conditions, const char* open, const char* close) {
+void conditions_print(std::string& text, const CondItem* conditions, const char* open, const char* close) {
   for (const CondItem& item : chain<&CondItem::next>(conditions)) {
     const char* const sign = item.op == kOpNot ? "^" : "";
-    out_text(session, sign, open, item.text, close, comma_if(item.next != nullptr));
+    text_append(text, sign, open, item.text, close, comma_if(item.next != nullptr));
   }
 }
 
-void cond_print(Session& session, const CondItem* hw_conds, const CondItem* cw_conds, const CondItem* attr_conds) {
-  conditions_print(session, hw_conds, "[", "]");
-  out_text(session, comma_if(hw_conds != nullptr && (cw_conds != nullptr || attr_conds != nullptr)));
-  conditions_print(session, cw_conds, "[[", "]]");
-  out_text(session, comma_if(cw_conds != nullptr && attr_conds != nullptr));
-  conditions_print(session, attr_conds, "", "");
+void cond_print(std::string& text, const CondItem* hw_conds, const CondItem* cw_conds, const CondItem* attr_conds) {
+  conditions_print(text, hw_conds, "[", "]");
+  text_append(text, comma_if(hw_conds != nullptr && (cw_conds != nullptr || attr_conds != nullptr)));
+  conditions_print(text, cw_conds, "[[", "]]");
+  text_append(text, comma_if(cw_conds != nullptr && attr_conds != nullptr));
+  conditions_print(text, attr_conds, "", "");
 }
 
 const char* action_sign(std::uint8_t op) {
@@ -61,72 +71,87 @@ const char* action_sign(std::uint8_t op) {
 }
 
 // wanted: a comma follows each text whenever there are actions at all, though they may be those texts alone.
-void actions_print(Session& session, const NodePattern& pattern) {
+void actions_print(std::string& text, const NodePattern& pattern) {
   const bool has_actions = pattern.actions != nullptr;
   const bool has_cw = pattern.cw_action != nullptr;
-  if (pattern.hw_action != nullptr) out_text(session, "[", pattern.hw_action, "]", comma_if(has_cw || has_actions));
-  if (has_cw) out_text(session, "[[", pattern.cw_action, "]]", comma_if(has_actions));
+  if (pattern.hw_action != nullptr) text_append(text, "[", pattern.hw_action, "]", comma_if(has_cw || has_actions));
+  if (has_cw) text_append(text, "[[", pattern.cw_action, "]]", comma_if(has_actions));
   for (const CondItem& item : chain<&CondItem::next>(pattern.actions)) {
     if (item.op >= kOpSetHw) continue;
-    out_text(session, action_sign(item.op), item.text, comma_if(item.next != nullptr));
+    text_append(text, action_sign(item.op), item.text, comma_if(item.next != nullptr));
   }
 }
 
-void texts_print(Session& session, const CondItem* items) {
+void texts_print(std::string& text, const CondItem* items) {
   for (const CondItem& item : chain<&CondItem::next>(items)) {
-    out_text(session, item.text, comma_if(item.next != nullptr));
+    text_append(text, item.text, comma_if(item.next != nullptr));
   }
 }
 
-void pattern_print(Session& session, const NodePattern& pattern) {
+void pattern_print(std::string& text, const NodePattern& pattern) {
   const bool is_quoted = pattern.inserted != 0;
-  out_text(session, is_quoted ? "\"" : "{");
-  cond_print(session, pattern.hw_conds, pattern.cw_conds, pattern.attr_conds);
-  out_text(session, ":");
-  actions_print(session, pattern);
-  out_text(session, ":");
-  texts_print(session, pattern.relations);
-  out_text(session, ":");
-  texts_print(session, pattern.roles);
-  out_text(session, is_quoted ? "\"" : "}");
+  text_append(text, is_quoted ? "\"" : "{");
+  cond_print(text, pattern.hw_conds, pattern.cw_conds, pattern.attr_conds);
+  text_append(text, ":");
+  actions_print(text, pattern);
+  text_append(text, ":");
+  texts_print(text, pattern.relations);
+  text_append(text, ":");
+  texts_print(text, pattern.roles);
+  text_append(text, is_quoted ? "\"" : "}");
 }
 
-void group_print(Session& session, const ContextGroup& group) {
-  out_text(session, "(");
-  cond_print(session, group.hw_conds, group.cw_conds, group.attr_conds);
-  out_text(session, group.star != 0 ? ")*" : ")");
+void group_print(std::string& text, const ContextGroup& group) {
+  text_append(text, "(");
+  cond_print(text, group.hw_conds, group.cw_conds, group.attr_conds);
+  text_append(text, group.star != 0 ? ")*" : ")");
 }
 
-// Each list that is stored in the order of the walk is turned, so that all stand in the order of the text.
-void rule_body_print(Session& session, const Rule& rule) {
-  type_print(session, rule.type);
-  groups_print_backward(session, rule.pre);
-  pattern_print(session, *rule.lnode);
+// The groups in the order of the list, or in the other: each list that is stored in the order of the walk is turned, so
+// that all stand in the order of the text.
+void groups_print_forward(std::string& text, const ContextGroup* group) {
+  for (const ContextGroup& each : chain<&ContextGroup::next>(group)) group_print(text, each);
+}
+
+void groups_print_backward(std::string& text, const ContextGroup* group) {
+  if (group == nullptr) return;
+  groups_print_backward(text, group->next);
+  group_print(text, *group);
+}
+
+void rule_body_print(std::string& text, const Rule& rule) {
+  type_print(text, rule.type);
+  groups_print_backward(text, rule.pre);
+  pattern_print(text, *rule.lnode);
   const bool mid_is_reversed = rule.lnode->inserted != 0;
-  mid_is_reversed ? groups_print_backward(session, rule.mid) : groups_print_forward(session, rule.mid);
-  pattern_print(session, *rule.rnode);
-  groups_print_forward(session, rule.suf);
-  out_text(session, "P", Decimal(rule.priority), ";\n");
+  mid_is_reversed ? groups_print_backward(text, rule.mid) : groups_print_forward(text, rule.mid);
+  pattern_print(text, *rule.rnode);
+  groups_print_forward(text, rule.suf);
+  text_append(text, "P", std::string_view(Decimal(rule.priority)), ";\n");
+}
+
+// The rule as it is printed. That of a rule of the session's grammar is made once, and stands until the session uses
+// another grammar; that of any other rule, `made` receives.
+std::string_view rule_text(Session& session, const Rule& rule, std::string& made) {
+  const auto number = static_cast<std::size_t>(rule.number);
+  const auto knows_it = [&](const std::vector<Rule*>& rules) {
+    return number < rules.size() && rules[number] == &rule;
+  };
+  // A copy of a rule, as a match makes one to leave conditions out, has the number but not the place.
+  const bool is_kept = session.grammar != nullptr && knows_it(session.grammar->index.search.rules);
+  if (is_kept && session.rule_texts.size() <= number) session.rule_texts.resize(number + 1);
+  std::string& text = is_kept ? session.rule_texts[number] : made;
+  if (text.empty()) rule_body_print(text, rule);
+  return text;
 }
 
 }  // namespace
 
-void groups_print_forward(Session& session, const ContextGroup* group) {
-  for (const ContextGroup& each : chain<&ContextGroup::next>(group)) group_print(session, each);
-}
-
-void groups_print_backward(Session& session, const ContextGroup* group) {
-  if (group == nullptr) return;
-  groups_print_backward(session, group->next);
-  group_print(session, *group);
-}
-
 void rule_print(Session& session, const Rule* rule, bool one) {
-  out_text(session, trace_indent(session));
-  for (; rule != nullptr; rule = rule->next) {
-    rule_body_print(session, *rule);
-    if (one) return;
-  }
+  std::string made;
+  if (rule != nullptr && one) return out_text(session, trace_indent(session), rule_text(session, *rule, made));
+  for (; rule != nullptr; rule = rule->next) rule_body_print(made, *rule);
+  out_text(session, trace_indent(session), made);
 }
 
 void rule_stack_print(Session& session, const RuleCandidate* candidates, bool one) {

@@ -16,7 +16,4 @@ void rule_print(Session& session, const Rule* rule, bool one);
 // list prints nothing.
 void rule_stack_print(Session& session, const RuleCandidate* candidates, bool one);
 
-void groups_print_forward(Session& session, const ContextGroup* group);
-void groups_print_backward(Session& session, const ContextGroup* group);
-
 }  // namespace lexon

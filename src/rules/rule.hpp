@@ -58,7 +58,8 @@ struct Rule {
   NodePattern* rnode;    // never null in a finished rule
   ContextGroup* suf;     // in order of the text
   std::uint8_t priority;
-  Rule* next;  // falling priority, file order within one
+  std::int32_t number;  // its place in the list that the index was made from; 0 before
+  Rule* next;           // falling priority, file order within one
 };
 
 // Type codes that the engine names.

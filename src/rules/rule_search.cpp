@@ -112,6 +112,7 @@ void rules_prepare(RuleIndex& index) {
   search.rules.reserve(count);
   search.traits.reserve(count);
   for (Rule& rule : chain<&Rule::next>(index.matrix.rules)) {
+    rule.number = static_cast<std::int32_t>(search.rules.size());
     search.rules.push_back(&rule);
     const bool left_inserted = rule.lnode->inserted != 0;
     const bool right_inserted = rule.rnode->inserted != 0;

@@ -63,6 +63,7 @@ TEST_F(Candidates, FollowTheAttributesOfTheWindow) {
       {"of a fresh node every word counts, one at a time", {"{A}{}", "{B}{}", "{A B}{}"}, "A|B", "?", "0 1"},
       {"of a used node the first word alone counts", {"{A}{}", "{B}{}"}, "A|B*", "?*", "0"},
       {"a forbidden attribute of one word leaves the other", {"{^A}{}", "{^A ^B}{}"}, "A|B", "?", "0"},
+      {"also for a rule that the other side finds", {"{^A}{B}"}, "A|C", "B*", "0"},
       {"the block satisfies", {"{A}{}", "{A B}{}"}, "B{A}*", "?*", "0 1"},
       {"the block forbids nothing", {"{^A}{}"}, "B{A}*", "?*", "0"},
       {"a node without words and records lets nothing through", {"{}{}", "{}'X'"}, "#", "A*", "none"},
