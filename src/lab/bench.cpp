@@ -11,6 +11,8 @@ namespace lexon {
 inline namespace v1 {
 namespace lab {
 
+// ---- Handing on. An observer may be added or removed between sentences only; what all of them are told is the same.
+
 void Watchers::sentence_begins(Session& session) {
   first_step_ = session.state.steps;
   is_over_ = false;
@@ -74,14 +76,18 @@ void Watchers::scope_left(Session& session, int scope, bool has_failed) {
   for (Observer* each : observers_) each->scope_left(session, scope, has_failed);
 }
 
+// The session knows of a stop alone, and not who asked for it.
 std::string Rendered::status() const {
   return is_over_steps && sentence.status == Status::stopped ? "over steps" : to_string(sentence.status);
 }
 
 Bench::Bench(const Project& project) : keep_going_([] { return !is_interrupted(); }), generator_(project.grammar) {
+  // Every event of the engine goes to the watchers, also where none of them wants it.
   Inside::session(generator_).observer = &watchers_;
 }
 
+// Of several sentences in a text, which are rendered in one go, the limit of steps counts for each; that one was over it is
+// known of the last.
 std::vector<Rendered> Bench::render(const std::string& text, const RenderOptions& options) {
   Settings settings;
   settings.post_edit = options.post_edit;
@@ -128,6 +134,7 @@ void for_each_on(unsigned threads, std::size_t count,
   }
 }
 
+// Stretches want the number of sentences, so with threads the whole input is in memory.
 void for_each_sentence_on(unsigned threads, const RenderOptions& options,
                           const std::function<void(unsigned thread, const GraphText& sentence)>& use) {
   if (threads <= 1) return for_each_sentence(options, [&use](const GraphText& sentence) { use(0, sentence); });

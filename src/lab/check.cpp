@@ -420,7 +420,7 @@ class Check {
       });
       if (!is_asked) continue;
       Finding& found =
-          report(rule, forbidden, Level::error, "contradiction",
+          report(rule, forbidden, Level::warning, "contradiction",
                  "this pattern asks for " + names_[forbidden.name] + " and forbids it, so that the rule never fits",
                  "strike one of the two out");
       found.fix.kind = Fix::Kind::strike_item;

@@ -28,8 +28,8 @@ using Json = nlohmann::ordered_json;
 
 struct Arguments {
   std::string rules;                  // text or source; "-": standard input
-  std::string words;                  // entry text or a built dictionary; empty: none, here to `inputs`
-  std::string cooccurrence;           // the same
+  std::vector<std::string> words;     // entry texts, which count as one, or a built dictionary; empty: none
+  std::string cooccurrence;           // the same, one file
   std::vector<std::string> inputs;    // graphs
   std::string format = "text";        // or "json" or "sarif"
   std::vector<std::string> silenced;  // codes of findings that are left out
@@ -137,7 +137,7 @@ int run_check(const Arguments& arguments) {
   CheckInput input;
   input.rules = {arguments.rules, text_file_read(arguments.rules)};
   if (input.rules.text.empty()) tell_line(arguments.rules + ": is empty, so there are no rules to check");
-  if (!arguments.words.empty()) input.words_files.push_back(arguments.words);
+  input.words_files = arguments.words;
   input.cooccurrence_file = arguments.cooccurrence;
   input.blocks = arguments.blocks;
   const bool may_be_source = path_split(arguments.rules).extension == kSourceExtension;
@@ -179,8 +179,10 @@ Command add_check(CLI::App& app) {
   const auto arguments = std::make_shared<Arguments>();
   add_option(command, "RULES", arguments->rules, "The rules, as text or as a grammar source (.lxr)",
              {.required = true});
-  add_option(command, "-d,--dict", arguments->words,
-             "The dictionary: entry text, so that findings name its lines, or what lexon-dict makes of it");
+  add_option(
+      command, "-d,--dict", arguments->words,
+      "The dictionary: entry text, so that findings name its lines, or what lexon-dict makes of it; may be repeated",
+      {.one_value = true});
   add_option(command, "-c,--cr", arguments->cooccurrence, "The co-occurrence dictionary, text or built");
   add_option(command, "-i,--input", arguments->inputs, "Graphs; - for standard input; may be repeated");
   add_option(command, "--format", arguments->format, "How findings are written",

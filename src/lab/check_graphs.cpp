@@ -133,11 +133,13 @@ class GraphText {
     }
   }
 
+  // A second start inside a sentence leaves the first one in force.
   void sentence_start() {
     if (!is_open_) open_line_ = watch_.line;
     is_open_ = true;
   }
 
+  // Scopes are judged as a whole: their relations can stand in any order.
   void sentence_end() {
     if (is_open_ || has_relations_) {
       for (const auto& [number, scope] : scopes_) check_scope(number, scope);
@@ -240,6 +242,7 @@ class GraphText {
     } else if (!name.empty()) {
       use(parts.quoted ? survey_.quoted : survey_.words, name, at, at + name.size());
     }
+    // Words of one name with other numbers are other nodes.
     Scope& own = scopes_[scope];
     const std::string who = std::string(name) + (parts.number > 0 ? ':' + std::to_string(parts.number) : "");
     for (const char* attr = parts.attrs; *attr != '\0';) {

@@ -37,6 +37,7 @@ unsigned kind_of(const RuleItem& item) {
   return kind;
 }
 
+// In ascending order, each once.
 void make_set(Demands& demands) {
   std::ranges::sort(demands);
   demands.erase(std::unique(demands.begin(), demands.end()), demands.end());
@@ -144,8 +145,8 @@ class RulesByDemand {
   }
 
  private:
-  std::unordered_map<Demand, std::vector<std::uint32_t>> under_;
-  std::vector<std::uint32_t> without_;
+  std::unordered_map<Demand, std::vector<std::uint32_t>> under_;  // numbers of rules, by their sign
+  std::vector<std::uint32_t> without_;                            // those without a sign, which any others may meet
 };
 
 class OrderCheck {
@@ -200,6 +201,7 @@ class OrderCheck {
            (first.suf.empty() || first.suf == second.suf);
   }
 
+  // Given that its demands are met wherever those of the second are: does the first rule come before it there?
   static bool comes_first_where(const RuleView& first, const RuleView& second) {
     if (first.is_post_edit() != second.is_post_edit() || !groups_hold(first, second)) return false;
     // A forced step back, or a test whose right word narrows the other way, is another matter.
@@ -211,6 +213,7 @@ class OrderCheck {
     return !has_demands(first, Side::left) && !has_demands(first, Side::right);
   }
 
+  // Word for word, whatever the blanks and the priorities.
   static bool is_same(const RuleView& a, const RuleView& b) {
     if (a.type != b.type || a.pre != b.pre || a.suf != b.suf || a.items.size() != b.items.size()) return false;
     return std::ranges::equal(a.items, b.items, [](const RuleItem& one, const RuleItem& two) {
@@ -219,6 +222,8 @@ class OrderCheck {
     });
   }
 
+  // `is_alike`: the two demand the same. Then the later one has its turn when the search comes back, as a second choice,
+  // which is a way to write grammars and no mistake.
   void report_later(const RuleView& first, const RuleView& second, bool is_alike) {
     const bool is_double = is_same(first, second);
     std::string what = is_double ? "the same rule stands in " : "wherever this rule fits, an earlier one does: ";
@@ -237,6 +242,8 @@ class OrderCheck {
     if (is_double) findings_.back().fix.kind = Fix::Kind::strike_line;
   }
 
+  // For each rule the first one found that always comes before it. Rules stand in the order of trial, so that an earlier
+  // number is an earlier turn.
   void check_first() {
     std::vector<bool> is_in(rules_.size());
     for (std::size_t i = 0; i < rules_.size(); ++i) is_in[i] = is_plain(rules_[i]);
@@ -264,6 +271,7 @@ class OrderCheck {
     });
   }
 
+  // Does the action make the condition fail? One that sets another form breaks each condition on the old one.
   static bool breaks(const RuleItem& action, const RuleItem& condition) {
     if (action.kind != condition.kind) return false;
     const bool is_same_name = action.name == condition.name;

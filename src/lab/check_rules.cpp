@@ -66,6 +66,7 @@ class LineView {
     return end;
   }
 
+  // A condition or an action, read as the parser reads it. Its memory goes with the line; its name is kept as a number.
   bool item(RuleView& rule, Place place, Side side, std::uint16_t group, ItemPlace as) {
     const std::uint32_t begin = at();
     CondItem* read = nullptr;
@@ -102,6 +103,8 @@ class LineView {
     return true;
   }
 
+  // Labels of relations or names of roles, up to the next colon or the end of the pattern. The mark of a role (< or >) has
+  // no meaning and is left out of its name.
   bool labels(RuleView& rule, Place place, Side side) {
     while (!is_section_end(*cursor_)) {
       CondItem* read = perm_new<CondItem>(pool_);
@@ -118,6 +121,7 @@ class LineView {
     return true;
   }
 
+  // One of the two patterns, from its brace or quote to the one that closes it, and the blanks behind.
   bool pattern(RuleView& rule, Side side) {
     const std::size_t index = side == Side::left ? 0 : 1;
     rule.is_quote[index] = *cursor_ == '"';
@@ -146,11 +150,11 @@ class LineView {
   }
 
   Session& session_;
-  Pool& pool_;
+  Pool& pool_;  // of one line
   Names& names_;
-  const char* start_;
-  const char* cursor_;
-  RuleParse parse_;
+  const char* start_;   // of the line
+  const char* cursor_;  // of what is read next
+  RuleParse parse_;     // what the parser's functions want to know
 };
 
 // Faults that `check` tells apart from a rule that cannot be read.
@@ -221,7 +225,7 @@ class SourceLines {
 
  private:
   struct File {
-    std::string text;
+    std::string text;  // that the lines point into
     std::vector<std::string_view> lines;
   };
   const Overlay* unsaved_;

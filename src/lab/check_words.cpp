@@ -83,6 +83,7 @@ void columns_find(std::string_view text, const std::vector<std::pair<std::int64_
 
 }  // namespace
 
+// Reads the files one after the other; an index stays in memory as long as the survey.
 WordSurvey survey_words(const CheckInput& input, const WordQuestions& questions, Names& names,
                         std::vector<Finding>& findings) {
   WordSurvey survey;

@@ -88,6 +88,7 @@ bool asks_place(const Rule& rule, const Condition& condition) {
   return condition.part == RulePart::rnode && rule.rnode->inserted == 0;
 }
 
+// Calls `visit` with each name of an attribute list; null has none.
 template <typename Visit>
 void for_each_attr(const char* attrs, Visit visit) {
   std::string_view rest = attrs == nullptr ? std::string_view() : std::string_view(attrs);
@@ -163,6 +164,7 @@ void CoverageCounter::offered_in_post_edit(Session& session, const Window& windo
   for (const std::int32_t number : rules) ++coverage_.rules[static_cast<std::size_t>(number)].offered;
 }
 
+// Every window counts, in generation and in post-edit apart: rules of one see no places of the other.
 void CoverageCounter::count_window(const Session& session, const Window& window) {
   ++coverage_.windows;
   const std::size_t pass = is_post_edit_ ? 1 : 0;
@@ -211,9 +213,11 @@ Coverage CoverageCounter::result() const {
       ConditionCount count;
       count.text = condition.text;
       const auto spoiled = spoiled_[number].find(condition.item);
+      // First what the tries tell; the places of the window replace it where they know more.
       count.misses = spoiled == spoiled_[number].end() ? 0 : spoiled->second;
       count.hits = fits_[number];
       count.example = coverage.rules[number].example;
+      // Of a condition that forbids, the places that had the attribute are the misses.
       if (asks_place(rule, condition)) {
         const Places& places = condition.part == RulePart::lnode ? left_[pass] : right_[pass];
         const auto seen = places.find(condition.item->text);
@@ -350,6 +354,7 @@ std::string place_text(const RuleCount& rule) {
   return rule.line == 0 ? rule.file : rule.file + ':' + std::to_string(rule.line);
 }
 
+// "RNODE ^PL  12 hits, 3 misses, input.txt:8 [S:1]".
 std::string condition_text(const ConditionCount& condition) {
   std::string text =
       condition.text + "  " + std::to_string(condition.hits) + " hits, " + std::to_string(condition.misses) + " misses";
@@ -518,6 +523,7 @@ std::string pruned_text(const Project& project, const Coverage& coverage) {
     if (rule.hits == 0) left_out.insert(rule.line);
     if (rule.hits > 0) canonical += rule.text + '\n';
   }
+  // Compiled rules without their text have no lines, and a line of a source may stand for rules that fired and others.
   if (!has_lines || project.has_source()) return canonical;
   std::string text;
   std::uint32_t number = 0;

@@ -251,6 +251,7 @@ void Derivation::stand(Session&, Step&& step) {
   ++forgotten_;
 }
 
+// Numbers rise over the whole sentence, also over lines that are forgotten.
 void Derivation::log_append(LogLine&& line) {
   line.number = (log_.empty() ? 0 : log_.back().number) + 1;
   log_.push_back(std::move(line));
@@ -289,6 +290,7 @@ void Derivation::undone(Session&, const RuleCandidate& candidate) {
   (behind == standing_.end() ? undone_at_end_ : behind->undone_before) += taken;
 }
 
+// The search takes the next word of a node, the one in force having led nowhere.
 void Derivation::word_given_up(Session&, const Node& node) {
   const WordEntry* word = node.candidates;
   if (word == nullptr) return;
@@ -309,6 +311,7 @@ void Derivation::scope_returned_into(Session&, int scope) {
   log_append({.text = "goes back into scope :" + std::to_string(scope)});
 }
 
+// Whether it is finished or has failed, the window around it is the one in force again.
 void Derivation::scope_left(Session&, int scope, bool has_failed) {
   if (!outer_.empty()) {
     fitted_ = std::move(outer_.back());
@@ -356,6 +359,7 @@ void Derivation::note_deepest(Session& session, const Window& window) {
 
 // ---- One word.
 
+// Is it the word that was asked for: by the name in the graph, by its form, or by its concept? A copy counts as its model.
 bool Derivation::is_followed(const Node* node) const {
   if (word_.empty() || node == nullptr) return false;
   const auto is_word = [this](std::string_view text) {

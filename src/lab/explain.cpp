@@ -33,6 +33,7 @@ class Printer {
  public:
   Printer(std::ostream& out, const Project& project) : out_(out), project_(project) {}
 
+  // Before the first line: this rule will be named.
   void place_seen(const Rule& rule) { width_ = std::max(width_, project_.place_of(rule).size()); }
   void step(const Step& step, std::string_view mark) {
     line(project_.place_of(*step.rule), mark, step.depth,
@@ -89,6 +90,7 @@ void print_log(Printer& printer, const Derivation& derivation) {
   }
 }
 
+// A title and the first lines below it; nothing for an empty list.
 void print_list(Printer& printer, const std::string& title, const std::vector<std::string>& lines) {
   if (lines.empty()) return;
   printer.plain(title);
@@ -133,6 +135,7 @@ void print_trouble(Printer& printer, const Project& project, const Derivation& d
   for (const Step& step : derivation.last()) printer.step(step, "  ");
 }
 
+// Everything that was done with a word, on ways too that were given up.
 void print_word(Printer& printer, const Derivation& derivation, const std::string& word) {
   printer.plain("Rules that touched \"" + word + "\":");
   for (const Derivation::Touch& touch : derivation.touches()) {
@@ -170,6 +173,7 @@ bool explain_sentence(std::ostream& out, const Project& project, Bench& bench, c
   for (const Rendered& result : results) {
     is_done = is_done && result.is_done();
     Printer printer(out, project);
+    // Columns are as wide as the longest place, so all are looked at before the first line.
     for (const Step& step : derivation.standing()) printer.place_seen(*step.rule);
     for (const LogLine& line : derivation.log()) {
       if (options.all && line.step.rule != nullptr) printer.place_seen(*line.step.rule);

@@ -42,6 +42,7 @@ Gold::Gold(std::string_view text) {
   if (const std::size_t end = text.find('\n'); end != std::string_view::npos && end > 0 && text[end - 1] == '\r')
     line_end_ = "\r\n";
   inserted_.resize(lines_.size() + 1);
+  // One label makes the whole file one by label.
   is_by_label_ = std::ranges::any_of(lines_, [](const std::string& line) { return line.starts_with(kLabelBegin); });
   for (std::size_t i = 0; i < lines_.size(); ++i) {
     const std::string& line = lines_[i];
@@ -60,6 +61,7 @@ Gold::Gold(std::string_view text) {
   is_used_.resize(sentences_.size());
 }
 
+// By label the next one of that label, in constant time; in the plain form the next line, whatever the label.
 const Expected* Gold::next(std::string_view label) {
   std::size_t found = at_;
   if (is_by_label_) {
@@ -82,6 +84,7 @@ std::vector<const Expected*> Gold::rest() const {
   return result;
 }
 
+// Lines keep their numbers until `text` puts all together, so that what `Expected` knows of them stays true.
 void Gold::update(const Expected* expected, std::string_view label, std::string_view found) {
   if (expected == nullptr) {
     std::vector<std::string>& inserted = inserted_[std::min(last_line_, lines_.size())];
@@ -115,6 +118,7 @@ std::string gold_line(std::string_view text) {
   return (needs_escape ? "\\" : "") + std::string(text);
 }
 
+// The common words stand once, and between them what either has alone, the old in front of the new.
 std::string word_diff(std::string_view before, std::string_view now, bool in_colours) {
   const std::vector<std::string_view> old_words = words_of(before);
   const std::vector<std::string_view> new_words = words_of(now);

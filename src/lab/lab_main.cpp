@@ -15,6 +15,7 @@ namespace lexon {
 inline namespace v1 {
 namespace lab {
 
+// All commands are declared, and the one that was named is run: its help knows the others, and the shell calls any of them.
 int run_command(const std::vector<std::string>& words) {
   CLI::App app("Shows why sentences come out as they do, and finds mistakes in rules, words and graphs.", "lexon-lab");
   app.set_version_flag("--version", std::string("lexon-lab ") + LEXON_VERSION);
@@ -27,7 +28,7 @@ int run_command(const std::vector<std::string>& words) {
   try {
     app.parse(std::vector<std::string>(words.rbegin(), words.rend()));
   } catch (const CLI::ParseError& error) {
-    return app.exit(error) == 0 ? kDone : kUsage;
+    return app.exit(error) == 0 ? kDone : kUsage;  // --help and --version come this way too
   }
   for (const Command& command : commands) {
     if (command.app->parsed()) return command.run();

@@ -15,6 +15,8 @@ CLI::App& add_command(CLI::App& app, const char* name, const char* about) {
   return *app.add_subcommand(name, about);
 }
 
+// The one function that knows how CLI11 says each demand; below it the types that commands use, so that no command has to
+// include its headers.
 template <class T>
 CLI::Option* add_option(CLI::App& command, const char* names, T& value, const char* about, const Demands& demands) {
   CLI::Option* option = command.add_option(names, value, about);
@@ -22,6 +24,7 @@ CLI::Option* add_option(CLI::App& command, const char* names, T& value, const ch
   if (demands.one_value) option->allow_extra_args(false);
   if (demands.not_negative) option->check(CLI::NonNegativeNumber);
   if (!demands.choices.empty()) option->check(CLI::IsMember(demands.choices));
+  // A range of texts would have no meaning.
   if constexpr (std::is_arithmetic_v<T>) {
     const auto& range = demands.range;
     if (range) option->check(CLI::Range(static_cast<T>(range->first), static_cast<T>(range->second)));
@@ -69,7 +72,7 @@ void refuse_own_files(const RunArguments& arguments, const std::string& output, 
   std::vector<std::string> files = arguments.render.inputs;
   files.insert(files.end(), {arguments.grammar.rules, arguments.grammar.dictionary, arguments.grammar.cooccurrence});
   for (const std::string& file : files) {
-    std::error_code error;
+    std::error_code error;  // an output that is not there yet is no file that is read
     if (!file.empty() && std::filesystem::equivalent(file, output, error))
       throw Fault(output + ": a file that is read would be overwritten: give " + option + " another name");
   }

@@ -40,6 +40,7 @@ extern "C" void end_at_interrupt(int signal) {
   std::raise(signal);
 }
 
+// What is ignored already stays so: whoever started the program wants it.
 void handle_interrupts(void (*handler)(int)) {
   struct sigaction before {};
   sigaction(SIGINT, nullptr, &before);
@@ -101,6 +102,7 @@ void Progress::passed(std::size_t bytes) {
   const std::scoped_lock lock(mutex_);
   passed_ += of_ > 0 ? 1 : static_cast<double>(bytes);
   ++sentences_;
+  // Threads that come by between two lines only count.
   const Clock::time_point now = Clock::now();
   if (!shows_ || now < next_) return;
   next_ = now + kInterval;

@@ -90,6 +90,8 @@ Project::Project(GrammarFiles of, const std::string_view* text, const Project& b
   begin();
 }
 
+// What every way of loading ends with: the messages of the grammar are told, and a grammar that cannot be used ends the
+// command with them. A message without a file is about the rules, whose text may not have come from a file.
 void Project::begin() {
   std::string all;
   for (Message message : grammar.messages()) {
@@ -121,6 +123,7 @@ void Project::lines_from_text_beside() {
     const std::string path = parts.folder + parts.name + extension;
     const File stream(file_open(path, "rb"));
     if (stream == nullptr) continue;
+    // The first text that is there is the one; that another would fit would be chance.
     rule_text_ = path;
     Pool pool;
     const auto session = std::make_unique<Session>();
@@ -137,6 +140,7 @@ void Project::lines_from_text_beside() {
               " is not what these were made from, so no lines can be told; name the text instead");
     break;
   }
+  // Half of the lines would be worse than none.
   rule_text_ = files.rules;
   places_.clear();
 }
@@ -190,6 +194,7 @@ std::vector<const Rule*> Project::rules_at(const std::string& place) const {
   throw Fault(text);
 }
 
+// Printed into the output of a session of its own, so that nothing of the grammar is touched.
 std::string Project::text_of(const Rule& rule) const {
   rule_print(*printer_, &rule, true);
   std::string text = printer_->output.take();
@@ -197,6 +202,7 @@ std::string Project::text_of(const Rule& rule) const {
   return text;
 }
 
+// A number counts for sentences without a label alone: "3" is to mean one sentence, and labels are most often numbers.
 bool is_asked_for(const std::string& wanted, const GraphText& sentence) {
   std::string_view label = wanted;
   if (label.starts_with('[') && label.ends_with(']')) label = label.substr(1, label.size() - 2);
@@ -215,6 +221,7 @@ void for_each_sentence(const RenderOptions& options, const std::function<void(co
     sentence.file = path;
     sentence.line = 1;
     const auto text = unsaved != nullptr ? unsaved->find(path) : nullptr;
+    // "-" is standard input, and an unsaved text stands for its file.
     const bool is_file = text == nullptr && path != "-";
     const File opened(is_file ? file_open(path, "rb") : nullptr);
     if (is_file && opened == nullptr) throw Fault(path + ": cannot be opened: " + std::strerror(errno));

@@ -482,11 +482,17 @@ void Shell::run_other(const std::string& name, std::string_view rest) {
   if (is_changed_) throw Fault("the rules have changed: save or reload them first");
   std::vector<std::string> words = {name};
   while (!rest.empty()) words.push_back(take_word(rest));
-  for (const auto& [option, value] :
-       {std::pair{"-d", files_.dictionary}, std::pair{"-r", files_.rules}, std::pair{"-c", files_.cooccurrence}}) {
-    if (!value.empty()) words.insert(words.end(), {option, value});
-  }
-  if (!graph_file_.empty()) words.push_back(graph_file_);
+  // A check names its rules without an option, and its graphs with one, since it can do without them.
+  const bool is_check = name == "check";
+  const auto add = [&words](const char* option, const std::string& value) {
+    if (value.empty()) return;
+    if (*option != '\0') words.emplace_back(option);
+    words.push_back(value);
+  };
+  add("-d", files_.dictionary);
+  add(is_check ? "" : "-r", files_.rules);
+  add("-c", files_.cooccurrence);
+  add(is_check ? "-i" : "", graph_file_);
   if (run_command(words) != kDone) throw Fault(name + ": there are findings, or it failed");
 }
 

@@ -145,6 +145,7 @@ std::string node_text(const Node* node) {
   return node == nullptr ? "-" : text_of_node(*node, is_untouched(*node));
 }
 
+// A node is untouched as long as no rule has worked on it; a hold that was placed on it from outside is no work.
 std::string node_text_before(const Node* node, const RuleCandidate& candidate) {
   if (node == nullptr) return "-";
   // Records stand newest first, so those of the candidate are in front.
@@ -184,6 +185,7 @@ std::string misses_text(const Project& project, const std::vector<Miss>& misses)
   return text;
 }
 
+// As `lexon-dict list` writes it.
 std::string entry_line(const WordEntry& word) {
   Output output;
   entry_print(output, &word, "");
@@ -192,6 +194,7 @@ std::string entry_line(const WordEntry& word) {
   return line;
 }
 
+// NO_COLOR is what users of many programs set; its value does not count.
 bool wants_colours() {
   return isatty(STDOUT_FILENO) != 0 && std::getenv("NO_COLOR") == nullptr;
 }

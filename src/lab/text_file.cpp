@@ -20,6 +20,7 @@ std::string text_file_read(const std::string& path, const Overlay* unsaved) {
   errno = 0;
   const File opened(path == "-" ? nullptr : file_open(path, "rb"));
   if (path != "-" && opened == nullptr) throw Fault(path + ": cannot be opened: " + std::strerror(errno));
+  // The size is not asked for: of a pipe it is not known, and a file can grow while it is read.
   std::FILE* stream = opened == nullptr ? stdin : opened.get();
   std::string text;
   std::array<char, 65536> piece;

@@ -48,6 +48,7 @@ void RuleWatch::generated(Session&, core::Status) {
   waits_ = false;
 }
 
+// Counts an answer; of equal ones the first window and list are kept, to be shown.
 void RuleWatch::note(Answer answer, std::vector<Miss>&& misses, const Rule* other, const std::string& window,
                      const std::string& list) {
   // Answers are equal if the same rule or the same conditions were to blame, wherever that was.
@@ -103,6 +104,8 @@ void RuleWatch::look(Session& session, const Window& window, bool is_offered) {
   note(Answer::not_offered, std::move(misses), nullptr, window_, list_);
 }
 
+// The rule itself was tried, with what it lacked if it was refused; or another one, which is the answer if it fits while
+// this one waits for its turn.
 void RuleWatch::tried(Session& session, const RuleCandidate& candidate, const Window& before, const Window&, Fit fit) {
   if (candidate.rule != &rule_) {
     // No event says that a rule was not reached: it is inferred from another one that fits while this one waits.
@@ -119,7 +122,7 @@ void RuleWatch::tried(Session& session, const RuleCandidate& candidate, const Wi
     misses = rule_misses(session, candidate, before, true);
   } else {
     // A node that was put back for another try has none left, or a word test asks for a step back.
-    misses.push_back({.reason = Reason::asks_for_step_back});
+    misses.push_back({.reason = Reason::asks_for_step_back});  // unless the loop finds the other reason
     for (const Side side : {Side::left, Side::right}) {
       const Node* node = node_of(before, side);
       const bool was_put_back = pattern_of(rule_, side).inserted != 0 && node != nullptr && is_marked(*node);
@@ -146,10 +149,12 @@ std::vector<RuleWatch::Finding> RuleWatch::findings() const {
 
 namespace {
 
+// A line, with what would steer a terminal made visible.
 void print(std::ostream& out, const std::string& text) {
   out << escaped(text) << '\n';
 }
 
+// A check of co-occurrence is not repeated for a rule that was not reached, so whether its pair would do is left open.
 std::string answer_text(const Project& project, const Rule& rule, const RuleWatch::Finding& finding) {
   const bool asks_pairs = rule.lnode->roles != nullptr || rule.rnode->roles != nullptr;
   switch (finding.answer) {
@@ -179,6 +184,7 @@ void print_summary(std::ostream& out, const RuleWatch& watch, const std::vector<
   const auto is_offered = [](const RuleWatch::Finding& finding) {
     return finding.answer != RuleWatch::Answer::not_offered;
   };
+  // Post-edit rules want post-edit, and generation rules a search.
   if (watch.windows() == 0) return print(out, "  there was no window for a rule of this type");
   if (std::any_of(findings.begin(), findings.end(), is_offered)) return;
   print(out, "  the window never arose: of " + count_text(watch.windows(), "window") + " none offered the rule");

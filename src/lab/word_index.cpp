@@ -25,6 +25,8 @@ namespace lab {
 
 namespace {
 
+constexpr std::size_t kMostText =
+    0xFFFF0000;                         // bytes; places in it have 32 bits, and an entry is shorter than the rest
 constexpr std::size_t kSniffed = 4096;  // bytes that tell entry text from a built dictionary
 
 // Where entries are read from.
@@ -79,6 +81,7 @@ std::string_view priority_too_large(std::string_view line) {
   return number.size() > 3 || (number.size() == 3 && number > "255") ? number : std::string_view();
 }
 
+// Lines that are no entries are findings, and the entries behind them are read all the same.
 void read_text(const Source& source, const EntryUse& use, std::vector<Finding>& findings) {
   const auto session = std::make_unique<Session>();
   EntryText text(*session, source.file.get(), {kDefaultKeys, max_key_length(kShortNameSize)});
@@ -196,7 +199,9 @@ WordIndex::WordIndex(const std::string& path, const Overlay* unsaved) : path_(pa
         attrs.assign(record.attrs);
         const auto [set, is_new] = sets.try_emplace(attrs, static_cast<std::uint32_t>(sets_.size()));
         if (is_new) sets_.push_back({attrs, 0, static_cast<std::uint32_t>(entries_.size())});
+        // A million entries have a few hundred sets of attributes.
         ++sets_[set->second].count;
+        if (texts_.size() > kMostText) throw Fault(path + ": has more than 4 GB of words, which a check cannot hold");
         entries_.push_back({static_cast<std::uint32_t>(texts_.size()), set->second, static_cast<std::uint32_t>(line)});
         for (const std::string_view field :
              {std::string_view(record.hw), std::string_view(record.cw), std::string_view(record.id)}) {
@@ -209,6 +214,7 @@ WordIndex::WordIndex(const std::string& path, const Overlay* unsaved) : path_(pa
   sort_keys();
 }
 
+// Sorted arrays of numbers take a third of what hash tables would, and are made faster.
 void WordIndex::sort_keys() {
   by_form_.reserve(entries_.size());
   by_concept_.reserve(entries_.size());
@@ -225,6 +231,7 @@ void WordIndex::sort_keys() {
 
 std::vector<std::uint32_t> WordIndex::find(const std::vector<std::uint64_t>& by_key, int number,
                                            std::string_view key) const {
+  // Half a hash is shared by some, so the text decides.
   std::vector<std::uint32_t> found;
   const std::uint64_t wanted = key_of(key);
   for (auto at = std::ranges::lower_bound(by_key, wanted); at != by_key.end() && *at >> 32 == wanted >> 32; ++at) {
@@ -246,6 +253,7 @@ std::shared_ptr<const WordIndex> CheckCache::words(const std::string& path, cons
   return known.index;
 }
 
+// Called after each check: what was not asked for since the call before goes.
 void CheckCache::forget_unused() {
   std::erase_if(known_, [](const auto& each) { return !each.second.is_used; });
   for (auto& [path, known] : known_) known.is_used = false;

@@ -25,6 +25,7 @@ rule {line} ;
 render
 reload
 render
+check
 bad command
 """
 
@@ -139,7 +140,7 @@ def main():
         table.check("interrupted", (waiting.returncode, told), (-signal.SIGINT, "lexon-lab: interrupted\n"))
 
         # The shell, from a script.
-        out = shows("a script", ["shell", "input.txt", *GRAMMAR], 1, ["over steps", "line 12: "], given=SHELL.format(line=first))
+        out = shows("a script", ["shell", "input.txt", *GRAMMAR], 1, ["over steps", "^0 errors, 0 warnings", "line 13: "], given=SHELL.format(line=first))
         table.check("before, and after the reload", out.count("The dog slept.\n"), 2)
 
         # A reload reads no more than has changed on the disk.
