@@ -44,6 +44,9 @@ std::atomic<long> living = 0;
 [[gnu::noinline]] void* operator new[](std::size_t size) {
   return operator new(size);
 }
+[[gnu::noinline]] void* operator new[](std::size_t size, const std::nothrow_t& nothrow) noexcept {
+  return operator new(size, nothrow);
+}
 [[gnu::noinline]] void operator delete(void* memory) noexcept {
   living -= memory != nullptr ? 1 : 0;
   std::free(memory);
@@ -55,6 +58,9 @@ std::atomic<long> living = 0;
   operator delete(memory);
 }
 [[gnu::noinline]] void operator delete[](void* memory) noexcept {
+  operator delete(memory);
+}
+[[gnu::noinline]] void operator delete[](void* memory, const std::nothrow_t&) noexcept {
   operator delete(memory);
 }
 [[gnu::noinline]] void operator delete[](void* memory, std::size_t) noexcept {
