@@ -16,6 +16,8 @@ import xml.etree.ElementTree as ET
 VOWEL = re.compile(r"(?!(uni|use|usu|uti|eu|one\b|once|ubi|ura))(?:[aeiou]|hour|honest|honou?r|heir)", re.I)
 PREPOSITIONS = set("about above across after against along among around as at before behind between by for from in into "
                    "like near of off on onto out over through to toward towards under upon with within without".split())
+PARTICLES = set("about across ahead along apart around aside away back by down forward in off on out over through together "
+                "up".split())
 STATE_FILES = {31, 37, 42}
 MASS_FILES = {7, 12, 27, 26}
 
@@ -132,7 +134,7 @@ class Sources:
         self.nouns, self.adjectives, self.adverbs, self.verbs = {}, set(), set(), set()
         self.states = set()
         self.governs = collections.defaultdict(collections.Counter)
-        self.agents, self.nominal, self.adjectival, self.manner = ({} for _ in range(4))
+        self.agents, self.nominal, self.adjectival, self.manner, self.opposite = ({} for _ in range(5))
         self.irregular = {"noun": {}, "adj": collections.defaultdict(list), "verb": {}}
         if arguments.wordnet:
             self.read_wordnet(pathlib.Path(arguments.wordnet))
@@ -182,7 +184,7 @@ class Sources:
         for (part, _), (file, words, pointers) in synsets.items():
             for symbol, offset, category, place in pointers:
                 here, there = int(place[:2], 16), int(place[2:], 16)
-                if not here or not there or symbol not in ("+", "\\"):
+                if not here or not there or symbol not in ("+", "\\", "!"):
                     continue
                 target_file, target_words, _ = synsets[parts[category], offset]
                 source, target = words[here - 1].replace("_", " "), target_words[there - 1].replace("_", " ")
@@ -193,6 +195,8 @@ class Sources:
                     self.adjectival.setdefault(source, []).append(target)
                 if part == "adj" and category == "n" and symbol == "\\":
                     self.adjectival.setdefault(target, []).insert(0, source)
+                if part == "adj" and symbol == "!" and re.fullmatch("(un|in|im|il|ir|dis)" + re.escape(source), target):
+                    self.opposite[source] = target
                 if part == "adv" and symbol == "\\":
                     # Of several adverbs the one that is made of the adjective: slowly, not slower.
                     if source.endswith("ly") or target.lower() not in self.manner:
@@ -206,6 +210,11 @@ class Sources:
             for i, verb in enumerate(words):
                 if shape and int(word, 16) in (0, i + 1):
                     self.governs[verb.lower().replace("_", " ")].update([shape])
+
+    def is_state(self, lemma, forms):
+        """A state stands in the present, unless the examples tell of the verb in the past nearly always."""
+        present, past = self.text.counts[forms["S"]], self.text.counts[forms["PAST"]]
+        return lemma in self.states and not (present + past >= 8 and present < 0.13 * (present + past))
 
     def verb_forms(self, lemma):
         first, *rest = lemma.split(" ")
@@ -230,8 +239,11 @@ class Writer:
         self.count += 1
 
     def verb(self, lemma, concept, more=""):
-        forms = self.sources.verb_forms(lemma)
-        if lemma in self.sources.states:
+        first, _, particle = lemma.partition(" ")
+        forms = self.sources.verb_forms(first if particle in PARTICLES else lemma)
+        if particle in PARTICLES:
+            more += f",ZP,Z{particle}"
+        if self.sources.is_state(lemma, forms):
             more = ",STATV" + more
         third = forms["S"]
         ending = ",YS" if third.endswith("ies") else ",ES" if third.endswith("es") and not forms["BASE"].endswith("e") else ""
@@ -251,6 +263,10 @@ class Writer:
             self.entry(many, concept, f"N,PL{kinds}{vowel(many)}{more}")
 
     def adjective(self, lemma, concept, more=""):
+        if opposite := self.sources.opposite.get(lemma):
+            self.entry(opposite, concept, f"UN,UNADJ{vowel(opposite)}")
+            if adverb := self.sources.manner.get(opposite):
+                self.entry(adverb, concept, f"UN,UNADV{vowel(adverb)}")
         self.entry(lemma, concept, f"ADJ{vowel(lemma)}{more}")
         exceptions = [f for f in self.sources.irregular["adj"].get(lemma, ()) if re.search(r"(r|st|e)$", f)]
         grades = {"CMP": [f for f in exceptions if f.endswith(("r", "e"))], "SUP": [f for f in exceptions if f.endswith("st")]}
@@ -260,7 +276,7 @@ class Writer:
             for form in forms[:1]:
                 self.entry(form, concept, f"ADJ,{tag}{vowel(form)}{more}")
         if adverb := self.sources.manner.get(lemma):
-            self.entry(adverb, concept, f"ADV{vowel(adverb)}{more}")
+            self.entry(adverb, concept, f"ADV{',LY' * adverb.endswith('ly')}{vowel(adverb)}{more}")
 
 
 def surface(lemma):
@@ -272,8 +288,26 @@ def clause_shapes(counts, frames):
     shapes = ("INF", "GER", "THAT")
     seen, known = (max(1, sum(table[shape] for shape in shapes)) for table in (counts, frames))
     score = {shape: counts[shape] / seen + frames[shape] / known for shape in shapes}
-    found = [shape + "1" for shape in ("INF", "GER") if score[shape] and score[shape] >= score["THAT"]]
+    found = [shape + "1" for shape in ("INF", "GER") if score[shape] and score[shape] >= 0.3 * score["THAT"]]
     return found + ["THAT1"] * (score["THAT"] > max(score["INF"], score["GER"])) + ["BARE1"] * (frames["BARE"] > 0)
+
+
+KINDS = [("from", r"source|giver|seller|start"), ("for", r"benefactive|beneficiary|price|reason"), ("with", r"instrument"),
+         ("about", r"topic|subject matter"), ("to", r"recipient|hearer|listener|destination|goal")]
+
+
+def told_preposition(description, lemma, is_object):
+    """The preposition that the description of a role gives: "thing listened to", "instrument"; "" for none."""
+    words = re.findall(r"[a-z]+", description.lower())
+    if not words:
+        return ""
+    if words[-1] in PREPOSITIONS - {"off", "around"} and (not is_object or any(w[:3] == lemma[:3] for w in words)):
+        return "" if words[-1] in lemma.split() else words[-1]
+    if is_object:
+        return ""
+    if words[0] in PREPOSITIONS:
+        return words[0]
+    return next((p for p, kind in KINDS if re.search(kind, description.lower())), "")
 
 
 def patterns(roleset, sources, lemma):
@@ -324,13 +358,15 @@ def patterns(roleset, sources, lemma):
         attributes.append("SA1")
     defaults = {"GOL": "to", "DIR": "from"}
     tags = {role.get("n").upper(): role.get("f", "") for role in roleset.iter("role")}
+    described = {role.get("n").upper(): role.get("descr", "") for role in roleset.iter("role")}
     for n in "12345":
         counts = introduced.get("ARG" + n)
         if n == "1":
             attributes += clause_shapes(counts or collections.Counter(), sources.governs[lemma])
         if not counts:
-            if n != "1" and n in tags and defaults.get(tags[n]):
-                attributes.append(f"p{n}{defaults[tags[n]]}")
+            told = told_preposition(described.get(n, ""), lemma, n == "1") or (n != "1" and defaults.get(tags.get(n)))
+            if told:
+                attributes.append(f"p{n}{told}")
             continue
         if n != "1":
             attributes += [shape + n for shape in ("INF", "GER") if counts[shape] and counts[shape] >= counts["THAT"]]
@@ -371,7 +407,7 @@ def frames(folder, writer, sources):
                 if verb:
                     writer.verb(verb, concept, pattern)
                 for noun in list(dict.fromkeys(surface(t) for pos, t in aliases if pos == "n" and not t.endswith("ing")))[:1]:
-                    writer.noun(noun, concept, ",NMZ")
+                    writer.noun(noun, concept, ",NMZ" if verb else ",NMZ,QUAL")
                 adjectives = [surface(t) for pos, t in aliases if pos == "j"]
                 if adjectives and lemma in sources.adjectives:
                     adjectives = [lemma]

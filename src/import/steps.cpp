@@ -29,6 +29,8 @@ constexpr RewriteStep kSteps[] = {
     {"quotation", "what is said in a form that only direct speech has becomes :quoted", step_quotation},
     {"questions", "what is asked for becomes :questioned of its clause, which gets @ask", step_questions},
     {"tense", "a guess: a clause whose subject is you is about now, @pres, if nothing else is known", step_tense},
+    {"voice", "a frame whose agent is an event and that is done to a person gets @psv: she was surprised to see him",
+     step_voice},
     {"control",
      "a subject that the governing clause has named becomes :understood; that of what seems to be is its subject, too",
      step_control},

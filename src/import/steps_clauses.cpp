@@ -30,7 +30,8 @@ std::vector<int> first_arcs(Rewriter& graph) {
     first[static_cast<std::size_t>(at)] = led;
     std::vector<int> below = graph.children(at);
     // An agent is said before what it does something to, and a condition before both, wherever the source writes them.
-    std::stable_partition(below.begin(), below.end(), [&](int one) { return graph.arc(one).role == "ARG0"; });
+    const char* subject = has_attribute(graph.word(at), "@psv") ? "ARG1" : "ARG0";
+    std::stable_partition(below.begin(), below.end(), [&](int one) { return graph.arc(one).role == subject; });
     std::stable_partition(below.begin(), below.end(), [&](int one) {
       const Arc& led_down = graph.arc(one);
       const bool goes_in_front = led_down.role == "condition" || led_down.role == "time";
@@ -101,6 +102,7 @@ std::vector<int> joined(Rewriter& graph, int at) {
 
 // The subject of a clause as the source writes it: its agent, or else what it is said of.
 int subject_arc(Rewriter& graph, int clause) {
+  if (has_attribute(graph.word(clause), "@psv")) return graph.child(clause, "ARG1");
   for (const char* role : {"ARG0", "ARG1", "domain"}) {
     if (const int led = graph.child(clause, role); led >= 0) return led;
   }
@@ -257,7 +259,8 @@ void question(Rewriter& graph, int unknown) {
     const int above = graph.parent(clause);
     if (above < 0 || !is_core(graph.arc(above))) break;
     const int governor = graph.arc(above).from;
-    if (is_one_of(graph, governor, kReporting) || has_attribute(graph.word(governor), "@int")) {
+    const bool is_bidden = graph.is(governor, "think", "01") && has_attribute(graph.word(governor), "@imp");
+    if (is_bidden || is_one_of(graph, governor, kReporting) || has_attribute(graph.word(governor), "@int")) {
       is_reported = true;
       break;
     }
@@ -268,6 +271,8 @@ void question(Rewriter& graph, int unknown) {
                              (role == "domain" && graph.is(unknown, "amr-unknown")));
   attribute_add(graph.word(phrase), "@wh_" + role);
   attribute_add(graph.word(clause), is_reported ? "@asked" : is_subject ? "@asksub" : "@ask");
+  // Some files mark the mood beside the word that asks; one mark is enough.
+  std::erase(graph.word(clause).attributes, "@int");
   if (!is_subject) graph.replace(led, clause, phrase, "questioned");
 }
 
@@ -277,7 +282,7 @@ void step_polarity(Meaning& meaning) {
   Rewriter graph(meaning, "polarity");
   for (int at = 0; at < graph.count(); ++at) {
     // "Not ever" is one word.
-    for (const char* role : {"time", "mod", "frequency"}) {
+    for (const char* role : {"time", "temporal", "mod", "frequency"}) {
       const int led = has_attribute(graph.word(at), "@neg") ? graph.child(at, role) : -1;
       if (led < 0 || !graph.is(graph.arc(led).to, "ever")) continue;
       graph.word(graph.arc(led).to).name = "never";
@@ -349,9 +354,26 @@ static void thing_apply(Rewriter& graph, int at) {
   graph.move_children(at, frame);
 }
 
+// (t / that :ARG1-of (i / important-01)): "that is important". A pronoun has no relative clause; what is said of it is a
+// clause of its own.
+static void pronoun_apply(Rewriter& graph, int at) {
+  constexpr std::array kPronouns{"i", "we", "you", "he", "she", "it", "they", "that", "this"};
+  const int above = graph.parent(at);
+  const bool is_content = above < 0
+                              ? graph.meaning().root == at
+                              : !graph.arc(above).inverse && graph.arc(above).role == "ARG1" && graph.mentions(at) == 1;
+  if (!is_content || !is_one_of(graph, at, kPronouns) || graph.children(at).size() != 1) return;
+  const int led = graph.children(at)[0];
+  const int frame = graph.arc(led).to;
+  if (!graph.arc(led).inverse || !is_core_role(graph.arc(led).role) || graph.mentions(frame) > 1) return;
+  graph.redirect(at, frame);
+  graph.replace(led, frame, at, graph.arc(led).role);
+}
+
 void step_persons(Meaning& meaning) {
   Rewriter graph(meaning, "persons");
   for (int at = 0; at < graph.count(); ++at) {
+    pronoun_apply(graph, at);
     if (graph.is(at, "government-organization")) government_apply(graph, at);
     if (graph.is(at, "thing")) thing_apply(graph, at);
     if (!graph.is(at, "person") || has_attribute(graph.word(at), "@name")) continue;
@@ -444,15 +466,60 @@ void step_questions(Meaning& meaning) {
   }
 }
 
+// What the time of a clause says of its tense. "Before now" alone is no phrase of the sentence: it is the past.
+static void tense_from_time(Rewriter& graph, int at) {
+  constexpr std::array kPerfect{"ever", "never", "already", "yet", "since", "so-far", "recent", "lately"};
+  for (const int led : graph.children(at)) {
+    const std::string& role = graph.arc(led).role;
+    if (graph.arc(led).inverse || (role != "time" && role != "temporal")) continue;
+    const int time = graph.arc(led).to;
+    const bool is_perfect = is_one_of(graph, time, kPerfect) && graph.word(time).sense.empty();
+    if (is_perfect) attribute_add(graph.word(at), "@perf");
+    const bool is_relation = graph.is(time, "before") || graph.is(time, "after");
+    const int point = is_relation ? graph.child(time, "op1") : -1;
+    if (point < 0 || !graph.is(graph.arc(point).to, "now")) continue;
+    attribute_add(graph.word(at), graph.is(time, "before") ? "@past" : "@fut");
+    if (graph.mentions(time) > 1 || graph.mentions(graph.arc(point).to) > 1) continue;
+    graph.settle_concept(graph.arc(point).to, Fate::attribute);
+    graph.remove(point, Fate::attribute);
+    if (graph.children(time).empty()) {
+      graph.settle_concept(time, Fate::attribute);
+      graph.remove(led, Fate::attribute);
+    } else if (graph.is(time, "before")) {
+      graph.word(time).name = "ago";
+    }
+  }
+}
+
 void step_tense(Meaning& meaning) {
   Rewriter graph(meaning, "tense");
   for (int at = 0; at < graph.count(); ++at) {
+    tense_from_time(graph, at);
     Concept& clause = graph.word(at);
+    const bool is_lasting = has_attribute(clause, "@state") || has_attribute(clause, "@habit");
+    if (is_lasting && !has_attribute(clause, "@past") && !has_attribute(clause, "@fut")) attribute_add(clause, "@pres");
     const bool is_known = has_attribute(clause, "@past") || has_attribute(clause, "@pres") ||
                           has_attribute(clause, "@fut") || has_attribute(clause, "@imp") ||
                           !has_attribute(clause, "@v");
     const int subject = subject_arc(graph, at);
     if (!is_known && subject >= 0 && graph.is(graph.arc(subject).to, "you")) attribute_add(clause, "@pres");
+  }
+}
+
+void step_voice(Meaning& meaning) {
+  Rewriter graph(meaning, "voice");
+  constexpr std::array kSomebody{"i",      "we",      "you",      "he",       "she",     "they",   "person", "one",
+                                 "anyone", "someone", "everyone", "somebody", "anybody", "nobody", "man",    "woman"};
+  for (int at = 0; at < graph.count(); ++at) {
+    const int agent = graph.child(at, "ARG0");
+    const int patient = graph.child(at, "ARG1");
+    const bool is_frame = !graph.word(at).sense.empty() && graph.child(at, "questioned") < 0;
+    if (!is_frame || agent < 0 || patient < 0 || has_attribute(graph.word(at), "@imp")) continue;
+    const int what = graph.arc(agent).to;
+    const int whom = graph.arc(patient).to;
+    const bool is_event =
+        !graph.word(what).sense.empty() && !has_attribute(graph.word(what), "@agent") && !graph.children(what).empty();
+    if (is_event && is_one_of(graph, whom, kSomebody)) attribute_add(graph.word(at), "@psv");
   }
 }
 
@@ -462,12 +529,28 @@ void step_forms(Meaning& meaning) {
                                   "@fut", "@would", "@neg",    "@ask", "@int"};
   for (int at = 0; at < graph.count(); ++at) {
     Concept& word = graph.word(at);
+    constexpr std::array kGrades{"@more", "@most", "@less", "@least", "@too", "@so", "@very"};
+    const bool is_graded =
+        graph.child(at, "degree") >= 0 ||
+        std::any_of(kGrades.begin(), kGrades.end(), [&](const char* one) { return has_attribute(word, one); });
+    if (is_graded && has_attribute(word, "@v")) attribute_add(word, "@graded");
     const bool has_subject = subject_arc(graph, at) >= 0 || graph.child(at, "understood") >= 0 ||
                              graph.child(at, "shared") >= 0 || graph.child(at, "speaker") >= 0;
     if (has_subject) attribute_add(word, "@cl");
     const bool is_auxiliary =
         std::any_of(kAuxiliary.begin(), kAuxiliary.end(), [&](const char* one) { return has_attribute(word, one); });
     if (is_auxiliary && is_clause(graph, at)) attribute_add(word, "@aux");
+    // A clause that is the only thing spoken of stands behind: "it is good that the rain stopped".
+    const int said = graph.child(at, "ARG1");
+    const bool has_agent = graph.child(at, "ARG0") >= 0 || graph.child(at, "understood") >= 0 ||
+                           graph.child(at, "shared") >= 0 || graph.child(at, "speaker") >= 0;
+    if (said >= 0 && !has_agent && !has_attribute(word, "@imp") && has_attribute(word, "@v")) {
+      const int what = graph.arc(said).to;
+      const bool is_event = !graph.word(what).sense.empty() && !has_attribute(graph.word(what), "@result") &&
+                            !has_attribute(graph.word(what), "@agent") &&
+                            (graph.child(what, "ARG0") >= 0 || graph.child(what, "domain") >= 0);
+      if (is_event) attribute_add(word, "@xtra");
+    }
     // What is only counted is new: "there are three birds in the tree".
     const bool is_being = graph.is(at, "be-located-at", "91") || graph.is(at, "exist", "91");
     const int what = is_being ? graph.child(at, "ARG1") : -1;

@@ -14,6 +14,22 @@ bool is_number(const std::string& text) {
          text.find_first_of("0123456789") != std::string::npos;
 }
 
+// As people write a long number: whole millions and billions with the word, others with commas.
+std::string number_text(const std::string& digits) {
+  if (digits.size() < 5 || digits[0] == '0' || digits.find_first_not_of("0123456789") != digits.npos) return digits;
+  constexpr std::pair<std::size_t, const char*> kUnits[] = {{12, " trillion"}, {9, " billion"}, {6, " million"}};
+  for (const auto& [zeros, unit] : kUnits) {
+    const bool is_whole = digits.size() > zeros && digits.find_last_not_of('0') < digits.size() - zeros;
+    if (is_whole) return digits.substr(0, digits.size() - zeros) + unit;
+  }
+  std::string text;
+  for (std::size_t i = 0; i < digits.size(); ++i) {
+    if (i > 0 && (digits.size() - i) % 3 == 0) text += ',';
+    text += digits[i];
+  }
+  return text;
+}
+
 // The operands of a concept in the order of their numbers.
 std::vector<int> operands(Rewriter& graph, int at) {
   std::map<int, int> sorted;
@@ -160,6 +176,12 @@ void step_quantities(Meaning& meaning) {
     const bool is_many = std::find(kMany.begin(), kMany.end(), number.name) != kMany.end();
     if (is_plain || is_many) attribute_add(graph.word(one.from), number.name == "1" ? "@sg" : "@pl");
   }
+  for (int at = 0; at < graph.count(); ++at) {
+    const int led = graph.parent(at);
+    if (led >= 0 && graph.arc(led).role == "quant" && is_number(graph.word(at).name)) {
+      graph.word(at).name = number_text(graph.word(at).name);
+    }
+  }
 }
 
 void step_pronouns(Meaning& meaning) {
@@ -188,6 +210,8 @@ void step_pronouns(Meaning& meaning) {
     if (has_attribute(word, "@p1")) name = is_many ? "we" : "i";
     if (has_attribute(word, "@p2")) name = "you";
     if (has_attribute(word, "@p3")) name = is_many ? "they" : word.name == "person" ? "he" : "it";
+    // UMR's thing of which nothing is said stands for what was spoken of.
+    if (word.name == "thing" && name == nullptr && !is_many && graph.parent(at) >= 0) name = "it";
     if (name != nullptr) word.name = name;
   }
 }
