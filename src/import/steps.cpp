@@ -3,6 +3,9 @@
 namespace lexon {
 namespace {
 
+// Names and numbers come first, as later steps ask what is a pronoun and what a plural; frames that stand for roles
+// before coordination, so that operands share subjects and not frames; voice before control, which asks for the
+// subject; mentions last, as every step before them looks at concepts, not at words.
 constexpr RewriteStep kSteps[] = {
     {"wiki", "leave out :wiki, which no sentence says", step_wiki},
     {"names", "a named thing becomes its name: one word with @name and its type as attribute", step_names},

@@ -9,10 +9,12 @@
 namespace lexon {
 namespace {
 
+// A frame, or anything that is said of a subject.
 bool is_clause(Rewriter& graph, int at) {
   return !graph.word(at).sense.empty() || graph.child(at, "domain") >= 0;
 }
 
+// What a question asks for.
 bool is_unknown(Rewriter& graph, int at) {
   return graph.is(at, "amr-unknown") || graph.is(at, "umr-unknown");
 }
@@ -42,7 +44,8 @@ std::vector<int> first_arcs(Rewriter& graph) {
   return first;
 }
 
-// A word of its own for a further mention of a concept.
+// A word of its own for a further mention of a concept. Of the attributes it has those that say what it is; what is said
+// about it, degree or negation, stays with the first.
 int mention_of(Rewriter& graph, int at) {
   const Concept model = graph.word(at);
   const int made = graph.add_concept(model.name);
@@ -63,6 +66,7 @@ bool is_one_of(Rewriter& graph, int at, const std::array<const char*, N>& names)
 
 // ---- coordination --------------------------------------------------------------------------------------------------
 
+// A concept that joins its operands, and the attribute of all operands but the first.
 struct Conjunction {
   const char* name;
   const char* attribute;
@@ -75,6 +79,7 @@ constexpr Conjunction kConjunctions[] = {
 
 const Conjunction* conjunction_of(Rewriter& graph, int at) {
   for (const Conjunction& one : kConjunctions) {
+    // contrast-01 is a frame, the others are none: and-01 would be another word.
     const bool is_frame = std::string_view(one.name) == "contrast";
     if (graph.word(at).name == one.name && graph.word(at).sense.empty() != is_frame) return &one;
   }
@@ -109,6 +114,8 @@ int subject_arc(Rewriter& graph, int clause) {
   return -1;
 }
 
+// The first operand takes the place of the conjunction, and each further one hangs on the one before it, so that rules
+// see them in their order.
 void coordinate(Rewriter& graph, int at, const Conjunction& conjunction) {
   const std::vector<int> parts = joined(graph, at);
   if (parts.empty()) return;
@@ -158,6 +165,7 @@ void coordinate(Rewriter& graph, int at, const Conjunction& conjunction) {
 
 // ---- quotation -----------------------------------------------------------------------------------------------------
 
+// Verbs that may have direct speech as what is said.
 constexpr std::array kSaying{"say",     "ask",      "answer",   "reply",    "exclaim",   "cry",      "demand",
                              "add",     "remark",   "repeat",   "state",    "murmur",    "respond",  "object",
                              "inquire", "explain",  "call-out", "tell",     "think",     "declare",  "shout",
@@ -167,7 +175,7 @@ constexpr std::array kSaying{"say",     "ask",      "answer",   "reply",    "exc
 
 // Words that say who speaks to whom, and moods that only one who speaks has.
 bool has_speaker(Rewriter& graph, int at, int depth) {
-  if (depth > 12) return false;
+  if (depth > 12) return false;  // graphs have circles; no speaker is as deep as that
   const Concept& word = graph.word(at);
   for (const char* mood : {"@imp", "@int", "@exp", "@ask"}) {
     if (has_attribute(word, mood)) return true;
@@ -200,6 +208,7 @@ void quote(Rewriter& graph, int at) {
   const int whom = graph.child(at, is_answer ? "ARG1" : "ARG2");
   if (led < 0) return;
   const int said = graph.arc(led).to;
+  // "I said to you that ...": who says I inside is the same, so the sentence may as well report it.
   const auto speaks_itself = [&](int arc_at) {
     if (arc_at < 0) return false;
     const int person = graph.arc(arc_at).to;
@@ -235,7 +244,7 @@ bool is_core(const Arc& one) {
 
 // What is asked for moves to the front of its clause, together with the phrase that it belongs to.
 void question(Rewriter& graph, int unknown) {
-  int led = graph.parent(unknown);
+  int led = graph.parent(unknown);  // the arc by which the phrase hangs on what is above it
   if (led < 0 || graph.arc(led).inverse) return;
   int phrase = unknown;
   std::string role = graph.arc(led).role;
@@ -252,6 +261,8 @@ void question(Rewriter& graph, int unknown) {
     role = graph.arc(led).role;
     if (graph.arc(led).inverse) return;
   }
+  // The question is that of the highest clause that the phrase can move to: "where do you want to go". A verb of knowing
+  // ends the way: "I know where he lives".
   int clause = graph.arc(led).from;
   const int asked_at = clause;
   bool is_reported = false;
@@ -266,6 +277,7 @@ void question(Rewriter& graph, int unknown) {
     }
     clause = governor;
   }
+  // A subject stands in front already: "who came".
   const bool is_subject =
       clause == asked_at && (role == "ARG0" || (role == "ARG1" && graph.child(clause, "ARG0") < 0) ||
                              (role == "domain" && graph.is(unknown, "amr-unknown")));
@@ -281,7 +293,7 @@ void question(Rewriter& graph, int unknown) {
 void step_polarity(Meaning& meaning) {
   Rewriter graph(meaning, "polarity");
   for (int at = 0; at < graph.count(); ++at) {
-    // "Not ever" is one word.
+    // "Not ever" is one word, and takes the negation with it.
     for (const char* role : {"time", "temporal", "mod", "frequency"}) {
       const int led = has_attribute(graph.word(at), "@neg") ? graph.child(at, role) : -1;
       if (led < 0 || !graph.is(graph.arc(led).to, "ever")) continue;
@@ -294,12 +306,8 @@ void step_polarity(Meaning& meaning) {
       attribute_add(graph.word(at), "@int");
     }
     if (const int led = graph.child(at, "polarity", true); led >= 0 && graph.is(at, "truth-value")) {
-      const int clause = graph.arc(led).to;
-      graph.settle_concept(at, Fate::attribute);
-      graph.remove(led, Fate::attribute);
-      attribute_add(graph.word(clause), "@whether");
-      graph.redirect(at, clause);
-      graph.move_children(at, clause);
+      attribute_add(graph.word(graph.arc(led).to), "@whether");
+      graph.stand_in(at, led);
     }
     const bool is_tag = graph.is(at, "request-confirmation", "91");
     if (const int led = is_tag ? graph.argument(at, "ARG1") : -1; led >= 0) {
@@ -328,6 +336,14 @@ static void government_apply(Rewriter& graph, int at) {
   graph.move_children(frame, at);
 }
 
+// The frame names its participant: `mark` says which one.
+static void frame_stand_in(Rewriter& graph, int at, int led, const char* mark) {
+  Concept& frame = graph.word(graph.arc(led).to);
+  attribute_add(frame, mark);
+  for (const std::string& attribute : graph.word(at).attributes) attribute_add(frame, attribute);
+  graph.stand_in(at, led);
+}
+
 // (t / thing :ARG1-of (o / order-01)): an order. Only what has no agent; "what she knows" stays a clause.
 static void thing_apply(Rewriter& graph, int at) {
   int led = -1;
@@ -340,18 +356,14 @@ static void thing_apply(Rewriter& graph, int at) {
   if (led < 0) return;
   const int frame = graph.arc(led).to;
   const std::vector<int> below = graph.children(frame);
+  // A clause below needs a verb above it, which the noun is not.
   const bool is_simple = std::all_of(below.begin(), below.end(), [&](int one) {
     return is_core(graph.arc(one)) && graph.arc(one).role != "ARG0" && !is_clause(graph, graph.arc(one).to);
   });
   const bool is_plain = !has_attribute(graph.word(frame), "@neg") && graph.mentions(frame) == 1;
   const std::string& name = graph.word(frame).name;
   if (graph.word(frame).sense.empty() || !is_simple || !is_plain || name.find('-') != name.npos) return;
-  graph.remove(led, Fate::attribute);
-  graph.settle_concept(at, Fate::attribute);
-  attribute_add(graph.word(frame), "@result");
-  for (const std::string& attribute : graph.word(at).attributes) attribute_add(graph.word(frame), attribute);
-  graph.redirect(at, frame);
-  graph.move_children(at, frame);
+  frame_stand_in(graph, at, led, "@result");
 }
 
 // (t / that :ARG1-of (i / important-01)): "that is important". A pronoun has no relative clause; what is said of it is a
@@ -386,15 +398,11 @@ void step_persons(Meaning& meaning) {
     });
     const bool is_plain = !has_attribute(graph.word(frame), "@neg") && graph.mentions(frame) == 1;
     if (graph.word(frame).sense.empty() || !is_simple || !is_plain) continue;
-    graph.remove(led, Fate::attribute);
-    graph.settle_concept(at, Fate::attribute);
-    attribute_add(graph.word(frame), "@agent");
-    for (const std::string& attribute : graph.word(at).attributes) attribute_add(graph.word(frame), attribute);
-    graph.redirect(at, frame);
-    graph.move_children(at, frame);
+    frame_stand_in(graph, at, led, "@agent");
   }
 }
 
+// In front of coordination and quotation: "but" is no part of what is said.
 void step_contrast(Meaning& meaning) {
   Rewriter graph(meaning, "contrast");
   for (int at = 0, end = graph.count(); at < end; ++at) {
@@ -414,6 +422,7 @@ void step_coordination(Meaning& meaning) {
 
 void step_speaker(Meaning& meaning) {
   Rewriter graph(meaning, "speaker");
+  // UMR marks what is uttered by :quote with the verb of saying as target.
   bool is_utterance = false;
   for (int led = 0; led < static_cast<int>(meaning.arcs.size()); ++led) {
     if (graph.arc(led).gone || graph.arc(led).inverse || graph.arc(led).role != "quote") continue;
@@ -506,6 +515,7 @@ void step_tense(Meaning& meaning) {
   }
 }
 
+// Only people and pronouns: "the wall was moved by building the road" is no better than the active.
 void step_voice(Meaning& meaning) {
   Rewriter graph(meaning, "voice");
   constexpr std::array kSomebody{"i",      "we",      "you",      "he",       "she",     "they",   "person", "one",
@@ -525,6 +535,7 @@ void step_voice(Meaning& meaning) {
 
 void step_forms(Meaning& meaning) {
   Rewriter graph(meaning, "forms");
+  // What English says with an auxiliary in front of the basic form.
   constexpr std::array kAuxiliary{"@can", "@must",  "@should", "@may", "@likely", "@maynot",
                                   "@fut", "@would", "@neg",    "@ask", "@int"};
   for (int at = 0; at < graph.count(); ++at) {
@@ -576,6 +587,7 @@ void step_control(Meaning& meaning) {
     const int above = first[static_cast<std::size_t>(at)];
     if (above < 0 || graph.arc(above).inverse || !is_clause(graph, at)) continue;
     const std::string& role = graph.arc(above).role;
+    // A clause in another role keeps its subject: "she left because she was tired".
     const bool may_be_infinite = role.starts_with("ARG") || role == "purpose" || role == "manner" || role == "mod";
     const int subject = subject_arc(graph, at);
     if (!may_be_infinite || subject < 0) continue;
@@ -593,6 +605,7 @@ void step_control(Meaning& meaning) {
       is_named |= led_here >= 0 && graph.arc(led_here).inverse && graph.arc(led_here).from == person;
     }
     if (!is_named) continue;
+    // A predicate without verb has no infinitive of its own.
     if (graph.arc(subject).role == "domain") continue;
     if (graph.arc(subject).role != "ARG0") attribute_add(graph.word(at), "@ctl1");
     graph.arc(subject).role = "understood";
@@ -601,7 +614,7 @@ void step_control(Meaning& meaning) {
 
 void step_mentions(Meaning& meaning) {
   Rewriter graph(meaning, "mentions");
-  // What each arc led to before mentions became words of their own.
+  // What each arc led to before mentions became words of their own: only so "himself" can be told from "him".
   std::vector<int> meant;
   for (const Arc& one : meaning.arcs) meant.push_back(one.to);
   const std::vector<int> first = first_arcs(graph);

@@ -10,7 +10,8 @@
 namespace lexon {
 namespace {
 
-// A frame that stands for a role: the two arguments that it ties together.
+// A frame that stands for a role: the two arguments that it ties together. `role` goes from what is in `head` to what is
+// in `dependent`; the table of roles must know it.
 struct Reified {
   const char* name;
   const char* sense;
@@ -75,7 +76,9 @@ const Reified* reified_of(Rewriter& graph, int at) {
   return nullptr;
 }
 
-// The frame goes; its head and its dependent are tied together, written at the one that stood above the frame.
+// The frame goes; its head and its dependent are tied together, written at the one that stood above the frame. Four
+// cases: one end is missing; the frame is the statement itself and a verb says it; the dependent stood above, so that the
+// role becomes an inverse one; else the head stays or takes the place of the frame.
 void reified_apply(Rewriter& graph, int at, const Reified& one) {
   const int up = graph.argument(at, one.head);
   const int down = graph.argument(at, one.dependent);
@@ -93,6 +96,7 @@ void reified_apply(Rewriter& graph, int at, const Reified& one) {
       graph.remove(led, Fate::attribute);
       return;
     }
+    // "... because": what it is tied to stands in another sentence, so a conjunction in front says it.
     if (graph.mentions(at) > 1) return;
     const bool is_plain = graph.children(at).size() == 1;
     if (!is_plain || std::string_view(one.role) == "superset") return;
@@ -119,6 +123,7 @@ void reified_apply(Rewriter& graph, int at, const Reified& one) {
   }
   graph.settle_concept(at, Fate::relation);
   for (const std::string& attribute : graph.word(at).attributes) {
+    // What is denied is the reason, not what it is a reason for: "not because it rained".
     if (attribute != "@v") attribute_add(graph.word(attribute == "@neg" ? dependent : head), attribute);
   }
   if (dependent_above && !head_above) {
@@ -134,12 +139,14 @@ void reified_apply(Rewriter& graph, int at, const Reified& one) {
   }
 }
 
+// Pronouns that stand for people and things in AMR.
 bool is_speaking(const std::string& name) {
   constexpr std::string_view kPronouns[] = {"i", "we", "you", "he", "she", "it", "they"};
   return std::find(std::begin(kPronouns), std::end(kPronouns), name) != std::end(kPronouns);
 }
 
-// An office: who holds it, of what, and its title.
+// An office: the roles of who holds it, of what it belongs to, and of its title; the two numberings of the frame differ.
+// `role` ties the title to what it belongs to.
 struct Office {
   const char* name;
   const char* sense;
@@ -155,6 +162,8 @@ constexpr Office kOffices[] = {
     {"have-role", "91", "ARG1", "ARG2", "ARG3", "org"},
 };
 
+// Either the holder stands above, and is called by the office; or the frame is the statement, "she is the mayor". A holder
+// with a name keeps it, and the office stands beside it as a title; another becomes the office.
 void office_apply(Rewriter& graph, int at, const Office& office) {
   int holds = graph.argument(at, office.holder);
   int whole = graph.argument(at, office.whole);
@@ -221,6 +230,7 @@ void office_apply(Rewriter& graph, int at, const Office& office) {
   graph.move_children(at, holder);
 }
 
+// The attribute of a degree that is a word of its own; null for others, which stay words: "very much".
 const char* degree_attribute(const Concept& degree) {
   struct Named {
     const char* name;
@@ -295,6 +305,7 @@ void degree_apply(Rewriter& graph, int at, bool is_quantity) {
   graph.move_children(at, quality);
 }
 
+// A frame that a modal verb says, and the role of the clause that it governs.
 struct Modal {
   const char* name;
   const char* sense;
@@ -330,8 +341,10 @@ void modality_apply(Rewriter& graph, int at, const Modal& modal) {
     return graph.move_children(at, clause);
   }
   const bool is_clause = !graph.word(clause).sense.empty() || graph.child(clause, "domain") >= 0;
+  // Somebody who recommends is a subject: "she recommends that ...".
   const bool has_agent = graph.argument(at, "ARG0") >= 0;
   if (!is_clause || has_agent || clause == at) return;
+  // English has one modal verb in a clause: the inner frame keeps it.
   for (const char* attribute : {"@can", "@must", "@should"}) {
     if (has_attribute(graph.word(clause), attribute)) return;
   }
