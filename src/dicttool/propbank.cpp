@@ -89,7 +89,8 @@ bool is_verb(const std::string& word, const FrameSense& sense) {
     const std::string first = lowered(name.form.substr(0, name.form.find(' ')));
     const bool is_it = word == first || word == first + 's';
     if (is_it && std::string_view(name.part) == "verb") return true;
-    is_other |= is_it;
+    // "Listening" may be either: it counts as a form of the verb.
+    is_other |= is_it && !word.ends_with("ing");
   }
   return !is_other;
 }
@@ -136,12 +137,10 @@ std::string told_preposition(std::string_view description, std::string_view lemm
     const char* word;
     const char* preposition;
   };
-  constexpr Kind kKinds[] = {{"source", "from"}, {"giver", "from"},           {"seller", "from"},
-                             {"start", "from"},  {"benefactive", "for"},      {"beneficiary", "for"},
-                             {"price", "for"},   {"reason", "for"},           {"instrument", "with"},
-                             {"topic", "about"}, {"subject matter", "about"}, {"recipient", "to"},
-                             {"hearer", "to"},   {"listener", "to"},          {"destination", "to"},
-                             {"goal", "to"}};
+  constexpr Kind kKinds[] = {{"source", "from"},     {"giver", "from"},      {"seller", "from"},    {"start", "from"},
+                             {"benefactive", "for"}, {"beneficiary", "for"}, {"price", "for"},      {"reason", "for"},
+                             {"instrument", "with"}, {"topic", "about"},     {"matter", "about"},   {"recipient", "to"},
+                             {"hearer", "to"},       {"listener", "to"},     {"destination", "to"}, {"goal", "to"}};
   std::string text = lowered(description);
   const std::string whole = text;
   for (char& c : text) c = c >= 'a' && c <= 'z' ? c : ' ';
