@@ -104,6 +104,10 @@ def main():
             if arguments.frames or arguments.forms or arguments.wordnet:
                 given = [part for source in ("frames", "forms", "wordnet") if getattr(arguments, source)
                          for part in ("--" + source, getattr(arguments, source))]
+                if arguments.frames:
+                    senses = work / "senses.txt"
+                    run(arguments.programs / "lexon-dict", "import", "--from", "propbank", arguments.frames, "-o", senses)
+                    own += ["--senses", senses]
                 made = run(sys.executable, HERE / "make_dictionary.py", *own, *given, "-o", entries)
                 print(made.stdout.strip() or made.stderr.strip())
             else:

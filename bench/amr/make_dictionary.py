@@ -2,7 +2,8 @@
 """Makes a dictionary for examples/amr-english from what a user has: PropBank frame files, a UniMorph table of English
 verbs, and the files of WordNet 3.0.
 
-    make_dictionary.py --frames FOLDER --forms unimorph.tsv --wordnet FOLDER --own entries.txt ... -o entries.txt
+    lexon-dict import --from propbank FOLDER -o senses.txt
+    make_dictionary.py --frames FOLDER --senses senses.txt --forms unimorph.tsv --wordnet FOLDER --own entries.txt ... -o entries.txt
 
 Entries of --own stand first and replace what would be made for the same concept word. The attributes are those of the
 grammar: V with BASE PAST PTCP ING, N with PL, ADJ with CMP and SUP, ADV; HUM for people, TIM for times, MASS for what
@@ -11,11 +12,12 @@ import argparse
 import collections
 import pathlib
 import re
-import xml.etree.ElementTree as ET
 
 VOWEL = re.compile(r"(?!(uni|use|usu|uti|eu|one\b|once|ubi|ura))(?:[aeiou]|hour|honest|honou?r|heir)", re.I)
 PREPOSITIONS = set("about above across after against along among around as at before behind between by for from in into "
                    "like near of off on onto out over through to toward towards under upon with within without".split())
+PARTICLES = set("about across ahead along apart around aside away back by down forward in off on out over through together "
+                "up".split())
 STATE_FILES = {31, 37, 42}
 MASS_FILES = {7, 12, 27, 26}
 
@@ -132,7 +134,7 @@ class Sources:
         self.nouns, self.adjectives, self.adverbs, self.verbs = {}, set(), set(), set()
         self.states = set()
         self.governs = collections.defaultdict(collections.Counter)
-        self.agents, self.nominal, self.adjectival, self.manner = ({} for _ in range(4))
+        self.agents, self.nominal, self.adjectival, self.manner, self.opposite, self.quality = ({} for _ in range(6))
         self.irregular = {"noun": {}, "adj": collections.defaultdict(list), "verb": {}}
         if arguments.wordnet:
             self.read_wordnet(pathlib.Path(arguments.wordnet))
@@ -182,7 +184,7 @@ class Sources:
         for (part, _), (file, words, pointers) in synsets.items():
             for symbol, offset, category, place in pointers:
                 here, there = int(place[:2], 16), int(place[2:], 16)
-                if not here or not there or symbol not in ("+", "\\"):
+                if not here or not there or symbol not in ("+", "\\", "!"):
                     continue
                 target_file, target_words, _ = synsets[parts[category], offset]
                 source, target = words[here - 1].replace("_", " "), target_words[there - 1].replace("_", " ")
@@ -193,6 +195,10 @@ class Sources:
                     self.adjectival.setdefault(source, []).append(target)
                 if part == "adj" and category == "n" and symbol == "\\":
                     self.adjectival.setdefault(target, []).insert(0, source)
+                if part == "adj" and symbol == "!" and re.fullmatch("(un|in|im|il|ir|dis)" + re.escape(source), target):
+                    self.opposite[source] = target
+                if part == "adj" and category == "n" and symbol == "+" and target_file != 18 and not target.endswith("ness"):
+                    self.quality.setdefault(source.lower(), target)
                 if part == "adv" and symbol == "\\":
                     # Of several adverbs the one that is made of the adjective: slowly, not slower.
                     if source.endswith("ly") or target.lower() not in self.manner:
@@ -206,6 +212,11 @@ class Sources:
             for i, verb in enumerate(words):
                 if shape and int(word, 16) in (0, i + 1):
                     self.governs[verb.lower().replace("_", " ")].update([shape])
+
+    def is_state(self, lemma, forms):
+        """A state stands in the present, unless the examples tell of the verb in the past nearly always."""
+        present, past = self.text.counts[forms["S"]], self.text.counts[forms["PAST"]]
+        return lemma in self.states and not (present + past >= 8 and present < 0.13 * (present + past))
 
     def verb_forms(self, lemma):
         first, *rest = lemma.split(" ")
@@ -230,8 +241,11 @@ class Writer:
         self.count += 1
 
     def verb(self, lemma, concept, more=""):
-        forms = self.sources.verb_forms(lemma)
-        if lemma in self.sources.states:
+        first, _, particle = lemma.partition(" ")
+        forms = self.sources.verb_forms(first if particle in PARTICLES else lemma)
+        if particle in PARTICLES:
+            more += f",ZP,Z{particle}"
+        if self.sources.is_state(lemma, forms):
             more = ",STATV" + more
         third = forms["S"]
         ending = ",YS" if third.endswith("ies") else ",ES" if third.endswith("es") and not forms["BASE"].endswith("e") else ""
@@ -251,6 +265,10 @@ class Writer:
             self.entry(many, concept, f"N,PL{kinds}{vowel(many)}{more}")
 
     def adjective(self, lemma, concept, more=""):
+        if opposite := self.sources.opposite.get(lemma):
+            self.entry(opposite, concept, f"UN,UNADJ{vowel(opposite)}")
+            if adverb := self.sources.manner.get(opposite):
+                self.entry(adverb, concept, f"UN,UNADV{vowel(adverb)}")
         self.entry(lemma, concept, f"ADJ{vowel(lemma)}{more}")
         exceptions = [f for f in self.sources.irregular["adj"].get(lemma, ()) if re.search(r"(r|st|e)$", f)]
         grades = {"CMP": [f for f in exceptions if f.endswith(("r", "e"))], "SUP": [f for f in exceptions if f.endswith("st")]}
@@ -260,128 +278,49 @@ class Writer:
             for form in forms[:1]:
                 self.entry(form, concept, f"ADJ,{tag}{vowel(form)}{more}")
         if adverb := self.sources.manner.get(lemma):
-            self.entry(adverb, concept, f"ADV{vowel(adverb)}{more}")
+            self.entry(adverb, concept, f"ADV{',LY' * adverb.endswith('ly')}{vowel(adverb)}{more}")
 
 
 def surface(lemma):
     return lemma.replace("_", " ").replace("-", " ").strip()
 
 
-def clause_shapes(counts, frames):
+def clause_shapes(seen, frames):
     """What a clause in the place of ARG1 is: as in the examples of the frame files and as WordNet says of the verb."""
     shapes = ("INF", "GER", "THAT")
-    seen, known = (max(1, sum(table[shape] for shape in shapes)) for table in (counts, frames))
-    score = {shape: counts[shape] / seen + frames[shape] / known for shape in shapes}
-    found = [shape + "1" for shape in ("INF", "GER") if score[shape] and score[shape] >= score["THAT"]]
+    known = max(1, sum(frames[shape] for shape in shapes))
+    score = {shape: (shape + "1" in seen) / max(1, len(seen)) + frames[shape] / known for shape in shapes}
+    found = [shape + "1" for shape in ("INF", "GER") if score[shape] and score[shape] >= 0.3 * score["THAT"]]
     return found + ["THAT1"] * (score["THAT"] > max(score["INF"], score["GER"])) + ["BARE1"] * (frames["BARE"] > 0)
 
 
-def patterns(roleset, sources, lemma):
-    """How a frame is built, by its examples: the subject where there is no agent, and what introduces each argument."""
-    introduced = collections.defaultdict(collections.Counter)
-    subject = collections.Counter()
-    roles = {role.get("n").upper() for role in roleset.iter("role")}
-    forms = {form.split(" ")[0] for form in sources.verb_forms(lemma).values()} | {lemma}
-    for example in roleset.iter("example"):
-        annotation = example.find("propbank")
-        if annotation is None:
-            continue
-        rel = annotation.find("rel")
-        text = (example.findtext("text") or "").split()
-        place = (rel.get("relloc") or "").split() if rel is not None else []
-        if not place or not place[0].isdigit() or (rel.text or "").lower().split(" ")[0] not in forms:
-            continue
-        verb = int(place[0])
-        spans = {}
-        for arg in annotation.iter("arg"):
-            kind, start = arg.get("type", ""), arg.get("start", "?")
-            if re.fullmatch(r"ARG[0-6]", kind) and start.isdigit():
-                spans[kind] = int(start), (arg.text or "").split()
-        before = text[max(0, verb - 2):verb]
-        is_passive = any(w.lower() in "is are was were be been being 's get got gets".split() for w in before) and \
-            (rel.text or "").endswith(("ed", "en", "t", "d", "n"))
-        if "ARG0" not in spans and "ARG1" in spans and spans["ARG1"][0] < verb:
-            subject["passive" if is_passive else "active"] += 1
-        subject["agent"] += "ARG0" in spans
-        for kind, (start, words) in spans.items():
-            if start < verb or not words:
-                continue
-            first = words[0].lower()
-            if first == "to" and len(words) > 1 and words[1] in sources.forms:
-                introduced[kind]["INF"] += 1
-            elif first in PREPOSITIONS:
-                introduced[kind][first] += 1
-            elif first == "that":
-                introduced[kind]["THAT"] += 1
-            elif first.endswith("ing"):
-                introduced[kind]["GER"] += 1
-            else:
-                introduced[kind]["NP"] += 1
-    attributes = []
-    is_alone = "0" not in roles and "1" in roles and subject["passive"] <= subject["active"]
-    is_often = subject["active"] >= 2 and subject["active"] > 2 * subject["passive"] and 2 * subject["active"] >= subject["agent"]
-    if is_alone or is_often:
-        attributes.append("SA1")
-    defaults = {"GOL": "to", "DIR": "from"}
-    tags = {role.get("n").upper(): role.get("f", "") for role in roleset.iter("role")}
-    for n in "12345":
-        counts = introduced.get("ARG" + n)
-        if n == "1":
-            attributes += clause_shapes(counts or collections.Counter(), sources.governs[lemma])
-        if not counts:
-            if n != "1" and n in tags and defaults.get(tags[n]):
-                attributes.append(f"p{n}{defaults[tags[n]]}")
-            continue
-        if n != "1":
-            attributes += [shape + n for shape in ("INF", "GER") if counts[shape] and counts[shape] >= counts["THAT"]]
-            if counts["THAT"] > counts["INF"] + counts["GER"]:
-                attributes.append("THAT" + n)
-        best, _ = max(((k, v) for k, v in counts.items() if k not in ("INF", "THAT", "GER")), key=lambda kv: kv[1],
-                      default=("", 0))
-        if best and best != "NP":
-            attributes.append(f"p{n}{best}")
-        if n == "1" and best != "NP" and attributes and attributes[-1].startswith("p1"):
-            # An object is a plain noun, unless the examples leave no doubt.
-            if counts[best] < 2 or 10 * counts[best] < 7 * sum(counts.values()):
-                attributes.pop()
-        elif best == "NP" and n == "2":
-            attributes.append("NP2")
-    return "".join("," + a for a in attributes)
-
-
-def frames(folder, writer, sources):
-    known = set()
-    for path in sorted(pathlib.Path(folder).glob("*.xml")):
-        try:
-            root = ET.parse(path).getroot()
-        except ET.ParseError as error:
-            print(f"{path}: left out: {error}")
-            continue
-        for predicate in root.iter("predicate"):
-            for roleset in predicate.iter("roleset"):
-                name, _, sense = roleset.get("id").rpartition(".")
-                concept = f"{name.replace('_', '-')}(>{sense})"
-                aliases = [(a.get("pos"), a.text.strip()) for a in roleset.iter("alias") if a.text]
-                lemma = surface(name)
-                verbs = [surface(text) for pos, text in aliases if pos == "v"]
-                verb = lemma if lemma in verbs else verbs[0] if verbs else None
-                if verb is None and not aliases and (lemma.partition(' ')[0] in sources.verbs or lemma in sources.verbs):
-                    verb = lemma
-                pattern = patterns(roleset, sources, verb or lemma)
-                if verb:
-                    writer.verb(verb, concept, pattern)
-                for noun in list(dict.fromkeys(surface(t) for pos, t in aliases if pos == "n" and not t.endswith("ing")))[:1]:
-                    writer.noun(noun, concept, ",NMZ")
-                adjectives = [surface(t) for pos, t in aliases if pos == "j"]
-                if adjectives and lemma in sources.adjectives:
-                    adjectives = [lemma]
-                for adjective in adjectives[:1]:
-                    writer.adjective(adjective, concept, "" if verb else pattern)
-                if verb:
-                    for agent in agent_of(sources, verb)[:1]:
-                        writer.noun(agent, concept, ",AGT")
-                known.add(name)
-    return known
+def frames(path, writer, sources):
+    """The senses that `lexon-dict import --from propbank` has found: their names, inflected, and how they are built."""
+    senses = collections.defaultdict(list)
+    for line in open(path, encoding="utf-8"):
+        if found := re.match(r'\[(.*)\]\{.*?\} "(.*\(>\w+\))" \((.*?)\)', line):
+            senses[found.group(2)].append((found.group(1), found.group(3).split(",")))
+    for concept, names in senses.items():
+        lemma = surface(concept.partition("(>")[0])
+        of = {part: [form for form, attributes in names if attributes[0] == part] for part in ("V", "N", "ADJ")}
+        verb = lemma if lemma in of["V"] else of["V"][0] if of["V"] else None
+        if verb == lemma and len(names) == 1 and not {lemma, lemma.partition(" ")[0]} & (sources.verbs | set(sources.forms)):
+            verb = None
+        told = [a for a in names[0][1] if a not in ("V", "N", "ADJ", "NMZ", "QUAL")]
+        seen = {a for a in told if a in ("INF1", "GER1", "THAT1")}
+        built = [a for a in told if a not in seen] + clause_shapes(seen, sources.governs[verb or lemma])
+        pattern = "".join("," + a for a in built)
+        if verb:
+            writer.verb(verb, concept, pattern)
+        for noun in [form for form in of["N"] if not form.endswith("ing")][:1]:
+            writer.noun(noun, concept, ",NMZ" if verb else ",NMZ,QUAL")
+        adjectives = [lemma] if of["ADJ"] and lemma in sources.adjectives else of["ADJ"]
+        for adjective in adjectives[:1]:
+            if not verb and not of["N"] and adjective in sources.quality:
+                writer.noun(sources.quality[adjective], concept, ",NMZ,QUAL")
+            writer.adjective(adjective, concept, "" if verb else pattern)
+        for agent in agent_of(sources, verb)[:1] if verb else ():
+            writer.noun(agent, concept, ",AGT")
 
 
 def agent_of(sources, verb):
@@ -422,7 +361,8 @@ def lemmas(writer, sources):
 
 def main():
     parser = argparse.ArgumentParser(description=__doc__, formatter_class=argparse.RawDescriptionHelpFormatter)
-    parser.add_argument("--frames", help="the folder of PropBank's frame files")
+    parser.add_argument("--frames", help="the folder of PropBank's frame files, whose examples are read as text")
+    parser.add_argument("--senses", help="what `lexon-dict import --from propbank` makes of them")
     parser.add_argument("--forms", help="UniMorph's table of English verb forms")
     parser.add_argument("--wordnet", help="the folder with WordNet's data and index files")
     parser.add_argument("--own", action="append", default=[], help="entries that come first")
@@ -438,8 +378,8 @@ def main():
                     taken.add(found.group(1) or None)
         sources.text.read_articles({n for n in sources.nouns if " " not in n}, sources.adjectives | set(sources.nouns))
         writer = Writer(sources, out, taken)
-        if arguments.frames:
-            frames(arguments.frames, writer, sources)
+        if arguments.senses:
+            frames(arguments.senses, writer, sources)
         lemmas(writer, sources)
     print(f"{writer.count} entries, {len(taken)} concepts of your own")
 

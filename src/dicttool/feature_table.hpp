@@ -12,7 +12,7 @@
 namespace lexon {
 
 // The lists that can be read, and the tables that the program brings along for them.
-enum class WordFormat : std::uint8_t { unimorph, lttoolbox, conllu, wordnet };
+enum class WordFormat : std::uint8_t { unimorph, lttoolbox, conllu, wordnet, propbank };
 [[nodiscard]] const char* word_format_name(WordFormat format);
 [[nodiscard]] std::string_view shipped_table(WordFormat format);
 

@@ -1,3 +1,5 @@
+// Two ways to the records: a search for a headword or concept word asks the index, as a run does; every other search
+// reads the dictionary from its beginning to its end. The conditions are the same on both ways.
 #include "dicttool/find.hpp"
 
 #include <algorithm>
@@ -21,6 +23,7 @@ bool is_ascii(std::string_view text) {
   return std::all_of(text.begin(), text.end(), [](char c) { return static_cast<unsigned char>(c) < 0x80; });
 }
 
+// A character for each code; a byte that is none stands for itself.
 std::wstring wide(std::string_view text) {
   std::wstring out;
   while (!text.empty()) {
@@ -113,10 +116,10 @@ class Search {
   Session& session_;
   const FindQuery& query_;
   std::FILE* out_;
-  std::vector<Expression> expressions_;
-  std::string line_;
-  std::int64_t count_ = 0;
-  std::int64_t unwritable_ = 0;
+  std::vector<Expression> expressions_;  // those of the query, compiled
+  std::string line_;                     // kept for its memory
+  std::int64_t count_ = 0;               // records that fit
+  std::int64_t unwritable_ = 0;          // of these, records that could not be written
 };
 
 // By one of the two keys that every dictionary has, in the order in which a run would try the words.
@@ -135,12 +138,13 @@ bool look_up(Session& session, const Dictionary& opened, const FindQuery& query,
   for (const WordEntry& word : chain<&WordEntry::next>(words)) {
     if (!search.take(record_of(word), &word)) break;
   }
+  // The words lay in the pool of the session, which nothing else uses here.
   session.pool.release_all();
   return true;
 }
 
 // The range of an expression in brackets behind `at`: where it ends, and whether the character is in it. None if it is
-// not closed.
+// not closed. A "]" at the beginning is a letter of it, and a "-" at the end, as in the shell.
 struct Range {
   std::size_t end;
   bool holds;

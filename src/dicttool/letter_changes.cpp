@@ -1,3 +1,5 @@
+// Letters are changed in passes: a pass goes over the word once from left to right and sees what it has written itself on
+// its left, and what the pass before has left on its right.
 #include "dicttool/letter_changes.hpp"
 
 #include <algorithm>
@@ -81,7 +83,7 @@ std::string LetterChanges::read(std::string_view line) {
       set += letter;
     }
     if (name.size() < 1 || set.empty()) return "write letters NAME a b c";
-    std::sort(set.begin(), set.end());
+    std::sort(set.begin(), set.end());  // searched by halves in fits()
     if (!sets_.emplace(name, set).second)
       return "the set " + std::string(name) + " is there already: choose another name";
     return {};
@@ -121,6 +123,7 @@ std::string LetterChanges::read_change(std::string_view text) {
   if (inserts && change.left.elements.empty() && change.right.elements.empty()) {
     return "what is put in needs a context: write change 0 -> TO / LEFT _ RIGHT";
   }
+  // Letters with which no change begins are passed over quickly.
   Pass& pass = passes_.back();
   for (const Letters& from : change.from) {
     pass.inserts = pass.inserts || from.empty();
@@ -193,6 +196,7 @@ std::string LetterChanges::read_context(std::string_view text, bool is_left, Con
 bool LetterChanges::fits(const Context& context, std::size_t number, std::u32string_view text, bool is_left) {
   while (number < context.elements.size()) {
     const Element& element = context.elements[number];
+    // A context that does not name the boundary does not see it.
     while (!context.names_boundary && !text.empty() && (is_left ? text.back() : text.front()) == kBoundary) {
       is_left ? text.remove_suffix(1) : text.remove_prefix(1);
     }

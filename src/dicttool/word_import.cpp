@@ -1,4 +1,4 @@
-// UniMorph, the expansions of lttoolbox, CoNLL-U and WordNet. Each reader finds form, lemma and a bundle of features in
+// UniMorph, the expansions of lttoolbox, CoNLL-U, WordNet and PropBank. Each reader finds form, lemma and a bundle of features in
 // its lines; what follows is the same for all.
 #include "dicttool/word_import.hpp"
 
@@ -14,6 +14,7 @@
 
 #include "data/session.hpp"
 #include "data/utf8.hpp"
+#include "dicttool/propbank.hpp"
 #include "dicttool/text_fields.hpp"
 
 namespace lexon {
@@ -34,6 +35,8 @@ class Importer {
     bool is_whole = true;
     if (options_.format == WordFormat::wordnet) {
       is_whole = read_wordnet();
+    } else if (options_.format == WordFormat::propbank) {
+      is_whole = read_propbank();
     } else {
       for (const std::string& path : options_.inputs) is_whole = read_list(path) && is_whole;
     }
@@ -45,9 +48,11 @@ class Importer {
   }
 
  private:
+  static bool has_senses(WordFormat format) { return format == WordFormat::wordnet || format == WordFormat::propbank; }
+
   static EntryForm form_of(const WordImport& options) {
     EntryForm form = options.form;
-    if (form.cw.empty()) form.cw = options.format == WordFormat::wordnet ? "{lemma}(>{category})" : "{lemma}";
+    if (form.cw.empty()) form.cw = has_senses(options.format) ? "{lemma}(>{category})" : "{lemma}";
     return form;
   }
 
@@ -80,6 +85,7 @@ class Importer {
     if (++figures_.bad_lines <= kShownLines) tell(path_ + ':' + std::to_string(number_) + ": " + what);
   }
 
+  // One word of any list: its features, with ";" between them, become attributes, and it is written.
   void take(std::string_view form, std::string_view lemma, std::string_view category, const std::string& bundle,
             std::uint32_t frequency = 0) {
     const std::optional<std::string> attributes = table_.attributes(bundle);
@@ -107,7 +113,8 @@ class Importer {
         case WordFormat::unimorph: read_unimorph(line); break;
         case WordFormat::lttoolbox: read_lttoolbox(line); break;
         case WordFormat::conllu: read_conllu(line); break;
-        case WordFormat::wordnet: break;
+        case WordFormat::wordnet:
+        case WordFormat::propbank: break;
       }
     }
     return true;
@@ -158,6 +165,7 @@ class Importer {
     take(plain(line.substr(0, colon)), lemma, {}, bundle);
   }
 
+  // Where a sign stands that has no backslash in front of it.
   static std::size_t unescaped(std::string_view text, char sign, std::size_t at) {
     for (; at < text.size(); ++at) {
       if (text[at] == '\\') {
@@ -249,6 +257,7 @@ class Importer {
 
   // ---- WordNet
 
+  // A part of speech and what its files are called.
   struct Part {
     const char* file;     // behind "data." and in front of ".exc"
     const char* feature;  // of its words
@@ -272,6 +281,7 @@ class Importer {
                                                 "verb.perception",  "verb.possession",    "verb.social",
                                                 "verb.stative",     "verb.weather",       "adj.ppl"};
 
+  // Synsets first, then exceptions: these take the categories of their words from them.
   bool read_wordnet() {
     bool is_whole = true;
     for (const std::string& input : options_.inputs) {
@@ -373,8 +383,53 @@ class Importer {
     }
   }
 
+  // ---- PropBank
+
+  bool read_propbank() {
+    bool is_whole = true;
+    std::vector<std::string> files;
+    for (const std::string& input : options_.inputs) {
+      std::error_code error;
+      const std::size_t before = files.size();
+      if (!fs::is_directory(input, error)) {
+        files.push_back(input);
+      } else {
+        for (const fs::directory_entry& entry : fs::directory_iterator(input, error)) {
+          if (entry.path().extension() == ".xml") files.push_back(entry.path().string());
+        }
+        std::sort(files.begin() + static_cast<std::ptrdiff_t>(before), files.end());
+        if (files.size() == before) {
+          tell(input + ": no frame file (.xml) is in this folder");
+          is_whole = false;
+        }
+      }
+    }
+    VerbSet verbs;
+    for (const std::string& file : files) verbs.insert(fs::path(file).stem().string());
+    for (const std::string& file : files) is_whole = read_frames(file, verbs) && is_whole;
+    return is_whole;
+  }
+
+  // A file that is not well-formed counts as one bad line; the rest goes on.
+  bool read_frames(const std::string& path, const VerbSet& verbs) {
+    std::string text;
+    if (!file_take(path, text)) return false;
+    const FrameFault fault = frames_read(text, verbs, [&](const FrameSense& sense) {
+      const bool has_verb = std::any_of(sense.names.begin(), sense.names.end(),
+                                        [](const FrameName& name) { return std::string_view(name.part) == "verb"; });
+      for (const FrameName& name : sense.names) {
+        take(name.form, sense.lemma, sense.number,
+             name.part + std::string(has_verb ? "" : ";without.verb") + sense.features);
+      }
+    });
+    number_ = fault.line;
+    if (fault.line != 0) bad_line(("the file is left out, as it is not well-formed: " + fault.text).c_str());
+    return true;
+  }
+
   // ---- The end
 
+  // Features that no table knows, the most frequent first.
   void tell_rest() {
     if (figures_.bad_lines > kShownLines)
       tell("... and " + std::to_string(figures_.bad_lines - kShownLines) + " more bad lines");
@@ -387,14 +442,15 @@ class Importer {
   }
 
   const WordImport& options_;
-  EntryForm form_;
+  EntryForm form_;  // that of the options, with the usual concept word of the format if they name none
   FeatureTable table_;
   EntryOutput output_;
   std::FILE* log_;
   WordImportFigures& figures_;
-  std::string path_;
+  std::string path_;  // the file that is read, and its line, for messages
   std::int64_t number_ = 0;
-  bool begins_sentence_ = true;
+  bool begins_sentence_ = true;  // of CoNLL-U
+  // Of CoNLL-U: form, lemma and features of each word; how often it came, and its place among the words.
   std::map<std::tuple<std::string, std::string, std::string>, std::pair<std::uint32_t, std::size_t>> counts_;
   std::map<std::string, std::map<std::string, std::set<std::string>>> categories_;  // of words, by their part of speech
 };

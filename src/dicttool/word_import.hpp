@@ -13,7 +13,7 @@ namespace lexon {
 
 struct WordImport {
   WordFormat format = WordFormat::unimorph;
-  std::vector<std::string> inputs;  // "-": standard input. Of WordNet: its folder, or files of it
+  std::vector<std::string> inputs;  // "-": standard input. Of WordNet and PropBank: the folder, or files of it
   std::vector<std::string> tables;  // override rows of the shipped one
   EntryForm form;                   // an empty `cw`: the usual one of the format
 };

@@ -141,7 +141,7 @@ class EntryTarget {
 int run_import(Session& session, Arguments& arguments, const Streams& to) {
   WordImport& options = arguments.import;
   for (const WordFormat format :
-       {WordFormat::unimorph, WordFormat::lttoolbox, WordFormat::conllu, WordFormat::wordnet}) {
+       {WordFormat::unimorph, WordFormat::lttoolbox, WordFormat::conllu, WordFormat::wordnet, WordFormat::propbank}) {
     if (arguments.format == word_format_name(format)) options.format = format;
   }
   if (arguments.shows_table) {
@@ -259,10 +259,13 @@ void add_entry_form(CLI::App& command, Arguments& arguments, EntryForm& form) {
 
 CLI::App* add_import(CLI::App& app, Arguments& arguments) {
   CLI::App* command = app.add_subcommand("import", "Make entry text of a word list");
-  command->add_option("LISTS", arguments.import.inputs, "The lists; - for standard input; of WordNet its folder");
-  command->add_option("--from", arguments.format, "unimorph, lttoolbox (what lt-expand writes), conllu or wordnet")
+  command->add_option("LISTS", arguments.import.inputs,
+                      "The lists; - for standard input; of WordNet and PropBank their folder");
+  command
+      ->add_option("--from", arguments.format,
+                   "unimorph, lttoolbox (what lt-expand writes), conllu, wordnet or propbank")
       ->required()
-      ->check(CLI::IsMember({"unimorph", "lttoolbox", "conllu", "wordnet"}));
+      ->check(CLI::IsMember({"unimorph", "lttoolbox", "conllu", "wordnet", "propbank"}));
   command->add_option("--table", arguments.import.tables, "Rows that override the shipped table of features");
   command->add_flag("--show-table", arguments.shows_table, "Write the shipped table and stop");
   add_entry_form(*command, arguments, arguments.import.form);

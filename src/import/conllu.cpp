@@ -1,3 +1,10 @@
+// A sentence is a block of lines that ends with an empty one:
+//
+//   # sent_id = w1                    comments; `text` becomes the reference
+//   1  dogs  dog  NOUN  _  Number=Plur  2  nsubj  2:nsubj  _
+//
+// Each word becomes a concept, each dependency an arc from the head to it. A head may stand behind its dependent, so arcs
+// are made at the end of the block.
 #include "import/conllu.hpp"
 
 #include <map>
@@ -5,8 +12,10 @@
 namespace lexon {
 namespace {
 
+// The columns in their order; a "_" stands for an empty one.
 enum Column { kId, kForm, kLemma, kUpos, kXpos, kFeats, kHead, kDeprel, kDeps, kMisc };
 
+// What stands between the marks; empty parts count.
 std::vector<std::string> parts_of(const std::string& text, char mark) {
   std::vector<std::string> parts(1);
   for (const char c : text) {
@@ -19,6 +28,7 @@ std::vector<std::string> parts_of(const std::string& text, char mark) {
   return parts;
 }
 
+// Collects the lines of one sentence and hands it on at its end.
 class Sentences {
  public:
   Sentences(const std::string& name, const RoleTable& table, bool enhanced, const MeaningSink& sink)
@@ -37,6 +47,7 @@ class Sentences {
     }
     if (fields[kId].find('-') != std::string::npos) return;  // the span of a written word; its parts follow
     if (!enhanced_ && fields[kId].find('.') != std::string::npos) return;  // an empty node of the enhanced graph
+    // A word has a lemma, a dependency and a few features: so it stays below the most triples of a graph.
     if (places_.size() >= kMaxTriples / 4) {
       errors_.push_back(
           {{number, 1},
@@ -70,9 +81,9 @@ class Sentences {
   const MeaningSink& sink_;
   int count_ = 0;
   Meaning next_;
-  std::vector<std::vector<std::string>> rows_;
-  std::vector<int> places_;
-  std::map<std::string, int> ids_;
+  std::vector<std::vector<std::string>> rows_;  // the fields of each word; its concept has the same number
+  std::vector<int> places_;                     // its line
+  std::map<std::string, int> ids_;              // its number by what the first column calls it
   std::vector<SourceError> errors_;
 
   void comment(const std::string& text) {
@@ -89,6 +100,7 @@ class Sentences {
     return static_cast<int>(next_.triples.size()) - 1;
   }
 
+  // A category or feature that the table knows becomes an attribute; the others are listed as left out.
   void feature(Concept& word, const std::string& id, const std::string& feature, int line) {
     const int triple = triple_add(line, id, ":feature", feature);
     if (const std::string* attribute = table_.find(feature)) {
@@ -117,6 +129,7 @@ class Sentences {
     places_.push_back(number);
   }
 
+  // The basic dependency, or all enhanced ones: "2:nsubj|4:conj:and".
   void connect(std::size_t at) {
     const std::vector<std::string>& row = rows_[at];
     if (enhanced_ && row[kDeps] != "_") {
@@ -129,6 +142,7 @@ class Sentences {
     }
   }
 
+  // The head "0" is that of the word that begins the sentence.
   void depend(std::size_t at, const std::string& head, const std::string& relation) {
     const int self = static_cast<int>(at);
     if (head == "0") {

@@ -1,3 +1,13 @@
+// A graph file has a block for each sentence:
+//
+//   [S:lpp.3]
+//   ; The boy wants to go.
+//   a0(want(>01).@entry.@v, boy:01)
+//   a1(want(>01), go(>02).@v)
+//   [/S]
+//
+// Attributes stand with a word where it is written first; words of one text have numbers, `boy:01`. A graph of a single
+// concept has its word between [W] and [/W].
 #include "import/graph_writer.hpp"
 
 #include <algorithm>
@@ -14,6 +24,7 @@ void cut_to(std::string& text, std::size_t room) {
   text.resize(room);
 }
 
+// True for a word that needs no quotes in a graph file.
 bool is_plain(const std::string& text) {
   if (text.empty() || text.front() == ' ' || text.back() == ' ') return false;
   if (text.find_first_of(",():\"\\@") != std::string::npos) return false;
@@ -48,6 +59,8 @@ std::string number_code(int number) {
   return {kDigits[number / 36 % 36], kDigits[number % 36]};
 }
 
+// Writes one meaning. What has been chosen is settled on the list of triples as it is written; what is never reached is
+// settled by the caller.
 class Writer {
  public:
   Writer(Meaning& meaning, const WriterOptions& options, std::ostream& out, RoleCounts& unknown)
@@ -76,11 +89,12 @@ class Writer {
   const WriterOptions& options_;
   std::ostream& out_;
   RoleCounts& unknown_;
-  std::vector<int> chosen_;
-  std::vector<bool> is_used_;
-  std::vector<std::string> texts_;
-  std::vector<bool> is_shown_;  // its attributes have been written
+  std::vector<int> chosen_;         // the arcs that are written
+  std::vector<bool> is_used_;       // the concepts that they touch
+  std::vector<std::string> texts_;  // of concepts, with their numbers
+  std::vector<bool> is_shown_;      // its attributes have been written
 
+  // A label or comment stays on its line, and a label inside its brackets.
   static std::string line_safe(std::string text) {
     for (char& c : text) {
       if (static_cast<unsigned char>(c) < ' ' || c == ']') c = ' ';
@@ -119,6 +133,7 @@ class Writer {
         is_used_[static_cast<std::size_t>(far)] = true;
       }
     }
+    // The walk has gone outwards; the file has the order of the source.
     std::sort(chosen_.begin(), chosen_.end());
   }
 
@@ -157,6 +172,8 @@ class Writer {
     return text;
   }
 
+  // An inverse role is written with its own label if the table has one, so that rules know a relative clause; else it is
+  // turned round.
   void relation(const Arc& one) {
     const std::string& prefix = options_.role_prefix;
     int from = one.from;
@@ -168,6 +185,7 @@ class Writer {
       if (one.inverse) std::swap(from, to);
     }
     std::string cut;
+    // A role that the table only knows with certain values has no label either.
     if (label == nullptr || label->starts_with('@')) {
       ++unknown_[prefix + one.role];
       cut = RoleTable::cut(one.role);
@@ -187,6 +205,7 @@ void graph_write(Meaning& meaning, const WriterOptions& options, std::ostream& o
   }
 }
 
+// `:polarity -` and the like: the triple becomes an attribute of the concept where it is written.
 void attributes_apply(Meaning& meaning, const WriterOptions& options) {
   for (Arc& one : meaning.arcs) {
     const Concept& value = meaning.concepts[static_cast<std::size_t>(one.to)];

@@ -1,3 +1,5 @@
+// One meaning at a time runs through all of it: read, attributes of roles, attributes of the user, the steps, written,
+// accounted for. Nothing of it is kept, so memory does not grow with the source.
 #include "import/importer.hpp"
 
 #include <sstream>
@@ -10,6 +12,7 @@
 namespace lexon {
 namespace {
 
+// The name that labels begin with where the source gives none: without folder and extension.
 std::string base_name(const std::string& path) {
   const std::size_t slash = path.find_last_of("/\\");
   std::string name = slash == std::string::npos ? path : path.substr(slash + 1);
@@ -24,6 +27,7 @@ void rewrite(Meaning& meaning, const ImportOptions& options) {
   }
 }
 
+// Adds the fates of a sentence's triples to the figures and writes those that were left out: label, place, triple, reason.
 void account(const Meaning& meaning, const std::string& file, const ImportOutputs& outputs, ImportFigures& figures) {
   for (const Triple& triple : meaning.triples) {
     ++figures.triples;
@@ -67,6 +71,7 @@ std::vector<SourceError> AttributeTable::read(std::istream& in) {
   return errors;
 }
 
+// A node that the sentence lacks is told at the place of the sentence, as nobody can know which file has the mistake.
 void AttributeTable::apply(Meaning& meaning, std::vector<SourceError>& errors) {
   const auto found = sentences_.find(meaning.label);
   if (found == sentences_.end()) return;
@@ -100,6 +105,7 @@ void import_stream(std::istream& in, const std::string& name, const ImportOption
   const MeaningSink sink = [&](Meaning& meaning, const std::vector<SourceError>& read_errors) {
     std::vector<SourceError> errors = read_errors;
     if (meaning.root >= 0) {
+      // The user's attributes come before the steps, which mind them: a tense that is known is not guessed.
       attributes_apply(meaning, writing);
       attributes.apply(meaning, errors);
       if (is_penman) rewrite(meaning, options);

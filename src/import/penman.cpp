@@ -1,6 +1,15 @@
 // Line by line: metadata belong to the graph that follows; a graph is parsed as soon as its last parenthesis is there.
 // In a UMR file the document level that follows a graph still belongs to it, so a graph is handed on when the next
 // one's metadata begin.
+//
+//   # ::id lpp.3 ::date 2012                     metadata: pairs of a key and a value
+//   # ::snt The boy wants to go.                 the reference; runs to the end of the line
+//   (w / want-01 :ARG0 (b / boy) :ARG1 (g / go-02 :ARG0 b) :quant 3 :value "3")
+//
+// UMR writes blocks instead: "# :: snt3", "Words: ...", "# sentence level graph:", the graph, "# alignment:", and
+// "# document level annotation:" with a list of triples.
+//
+// A mistake in a graph is told with its place, what has been read is kept, and reading goes on at the next role.
 #include "import/penman.hpp"
 
 #include <algorithm>
@@ -32,12 +41,15 @@ struct Lines {
   int first = 0;
 };
 
+// One sign or word of a graph. A role keeps its colon, a text has lost its quotes and escapes.
 struct Token {
   enum class Kind { open, close, slash, role, text, symbol, end } kind = Kind::end;
   std::string text;
   SourcePlace place;
 };
 
+// Cuts the lines of a graph into tokens, with one in view. A "#" at the beginning of a word makes the rest of its line a
+// comment.
 class Tokens {
  public:
   explicit Tokens(const Lines& lines) : lines_(lines) { next(); }
@@ -52,7 +64,7 @@ class Tokens {
 
  private:
   const Lines& lines_;
-  std::size_t line_ = 0;
+  std::size_t line_ = 0;  // both are those of the first sign behind the token in view
   std::size_t at_ = 0;
   Token head_;
 
@@ -67,6 +79,7 @@ class Tokens {
       ++line_;
       at_ = 0;
     }
+    // The end: what is missing is missed on the last line.
     head_.place = {lines_.first + static_cast<int>(lines_.text.size()) - 1, 1};
   }
 
@@ -95,11 +108,13 @@ class Tokens {
       head_.text += line[at_];
     }
     if (at_ < line.size()) ++at_;
+    // What sticks to the closing quote is an alignment.
     while (at_ < line.size() && !is_blank(line[at_]) && line[at_] != ')' && line[at_] != '(') ++at_;
   }
 };
 
-// The name of a concept and the number of its frame: `want-01` is want and 01.
+// The name of a concept and the number of its frame: `want-01` is want and 01. Two digits make a frame, or three:
+// covid-19 is one by mistake, which no reader can know.
 void split_sense(Concept& word, const std::string& text) {
   const std::size_t dash = text.rfind('-');
   const bool has_sense = dash != std::string::npos && dash > 0 && dash + 3 <= text.size() && text.size() <= dash + 4 &&
@@ -121,6 +136,7 @@ void split_role(Arc& arc, std::string_view role) {
   if (arc.inverse && arc.role == "domain") arc.role = "mod", arc.inverse = false;
 }
 
+// Builds the meaning of one graph. It walks without recursion, so that no nesting of a source fills the stack.
 class GraphParser {
  public:
   GraphParser(const Lines& lines, Meaning& meaning, std::vector<SourceError>& errors)
@@ -134,6 +150,7 @@ class GraphParser {
     while (!open_.empty() && tokens_.head().kind != Token::Kind::end) {
       if (!step()) break;
     }
+    // A graph that was given up for its size has been told of.
     if (!open_.empty() && meaning_.triples.size() < kMaxTriples) {
       error(tokens_.head().place, "the graph has " + std::to_string(open_.size()) +
                                       " parentheses that are not closed; it is read as far as it goes");
@@ -142,6 +159,8 @@ class GraphParser {
   }
 
  private:
+  // A target that is a bare symbol: whether it is a variable is known at the end of the graph, as a variable may be used
+  // in front of its definition.
   struct Pending {
     int arc;
     std::string symbol;
@@ -150,9 +169,9 @@ class GraphParser {
   Tokens tokens_;
   Meaning& meaning_;
   std::vector<SourceError>& errors_;
-  std::vector<int> open_;
+  std::vector<int> open_;  // the concepts whose parentheses are open, the outermost first
   std::vector<Pending> pending_;
-  std::unordered_map<std::string, int> variables_;
+  std::unordered_map<std::string, int> variables_;  // the first definition of each
 
   void error(SourcePlace place, std::string text) { errors_.push_back({place, std::move(text)}); }
 
@@ -166,7 +185,7 @@ class GraphParser {
     return static_cast<int>(meaning_.concepts.size()) - 1;
   }
 
-  // Behind an opening parenthesis: `variable / concept`.
+  // Behind an opening parenthesis: `variable / concept`. `arc` is the one that leads here, -1 for the root.
   int concept_begin(int arc, const std::string& role) {
     Concept word;
     const SourcePlace place = tokens_.head().place;
@@ -194,6 +213,7 @@ class GraphParser {
     }
     const std::string variable = word.variable;
     const int at = concept_add(std::move(word));
+    // The concept stays, so that no triple is lost; other mentions mean the first.
     if (!variables_.emplace(variable, at).second) {
       error(place, "the variable " + variable + " is defined twice; the second one is read as another concept");
     }
@@ -254,6 +274,7 @@ class GraphParser {
 
   std::string variable_of(int word) const { return meaning_.concepts[static_cast<std::size_t>(word)].variable; }
 
+  // A constant is a concept without variable, one for each place where it is written.
   void constant(int arc, const std::string& text, bool is_text) {
     Concept word;
     word.name = text;
@@ -277,7 +298,9 @@ class GraphParser {
 
 // ---- the document level of UMR -------------------------------------------------------------------------------------
 
-// (parent :relation child) inside `:temporal (...)`: the child lies before, after or at the time of the parent.
+// (parent :relation child) inside `:temporal (...)`: the child lies before, after or at the time of the parent. What is
+// before the time of the document is past, what is after it future; what is tied to such a word without being after it
+// is of its time. A chain is followed in the order of the file alone: a parent that comes later gives nothing.
 void document_level(const std::string& text, Meaning& meaning) {
   const std::size_t section = text.find(":temporal");
   if (section == std::string::npos) return;
@@ -321,6 +344,7 @@ void document_level(const std::string& text, Meaning& meaning) {
 // A graph that is never closed ends here, so that no source fills the memory.
 constexpr std::size_t kMaxLines = 20000;
 
+// Sorts the lines of a file into metadata, graphs and document levels, and hands each graph on when it is whole.
 class FileReader {
  public:
   FileReader(const std::string& name, const MeaningSink& sink) : name_(name), sink_(sink) {}
@@ -356,11 +380,11 @@ class FileReader {
 
   std::string name_;
   const MeaningSink& sink_;
-  Section section_ = Section::graph;
+  Section section_ = Section::graph;  // of UMR; an AMR file is all graph
   bool is_umr_ = false;
-  int count_ = 0;
-  int depth_ = 0;
-  bool in_text_ = false;
+  int count_ = 0;         // graphs so far, for labels
+  int depth_ = 0;         // open parentheses; 0 between graphs
+  bool in_text_ = false;  // inside quotes, which end with their line at the latest
   Lines lines_;
   Meaning next_;                  // the metadata of the graph to come
   std::optional<Meaning> ready_;  // a graph that waits for its document level
@@ -373,6 +397,7 @@ class FileReader {
            bare.starts_with("####") || bare.starts_with("# alignment") || bare.starts_with("# document");
   }
 
+  // Counts parentheses only: the parser looks at the rest.
   void graph_line(const std::string& text) {
     lines_.text.push_back(text);
     in_text_ = false;
@@ -430,7 +455,8 @@ class FileReader {
     }
   }
 
-  // `# ::id lpp.3 ::date 2012`: the keys that are asked for.
+  // `# ::id lpp.3 ::date 2012`: the keys that are asked for. Where there is no `::snt`, `::tok` is the reference, which is
+  // the sentence with blanks between its tokens.
   void pairs(std::string_view bare) {
     for (std::size_t at = bare.find("::"); at != std::string_view::npos;) {
       const std::size_t gap = bare.find_first_of(" \t", at);

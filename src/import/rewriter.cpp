@@ -1,3 +1,5 @@
+// Arcs are looked for one by one: a sentence has a few dozen, and no step may make a list that the next step has to keep
+// true. An arc that is gone keeps its place, so that numbers of arcs hold through all steps.
 #include "import/rewriter.hpp"
 
 #include <utility>
@@ -42,6 +44,7 @@ int Rewriter::argument(int frame, std::string_view role) {
   return -1;
 }
 
+// Depth first, each concept once: a graph may have circles.
 bool Rewriter::reaches(int above, int below) {
   std::vector<bool> seen(meaning_.concepts.size());
   std::vector<int> open{above};
@@ -61,6 +64,7 @@ void Rewriter::remove(int arc_at, Fate fate) {
   settle(meaning_, arc(arc_at).triple, fate, step_);
 }
 
+// The triple stays open: what writes the graph settles it as a relation.
 int Rewriter::replace(int arc_at, int from, int to, std::string role, bool inverse) {
   Arc& changed = arc(arc_at);
   changed.from = from;
@@ -75,6 +79,7 @@ int Rewriter::add(int from, int to, std::string role, bool inverse) {
   return static_cast<int>(meaning_.arcs.size()) - 1;
 }
 
+// An arc from `now` to `old` would lead from a concept to itself, so it goes; its words are said by `now`.
 void Rewriter::redirect(int old, int now) {
   for (Arc& one : meaning_.arcs) {
     if (one.to == old && one.from != now) one.to = now;
@@ -83,6 +88,7 @@ void Rewriter::redirect(int old, int now) {
   if (meaning_.root == old) meaning_.root = now;
 }
 
+// What led from `old` to `now` itself goes, as above. Arcs that are gone stay where they were, for the list of triples.
 void Rewriter::move_children(int old, int now) {
   for (Arc& one : meaning_.arcs) {
     if (one.from != old || one.gone) continue;
@@ -93,6 +99,14 @@ void Rewriter::move_children(int old, int now) {
       one.from = now;
     }
   }
+}
+
+void Rewriter::stand_in(int at, int arc_at, Fate how) {
+  const int now = other(arc_at, at);
+  remove(arc_at, how);
+  settle_concept(at, Fate::attribute);
+  redirect(at, now);
+  move_children(at, now);
 }
 
 int Rewriter::add_concept(std::string name) {

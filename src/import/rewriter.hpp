@@ -48,6 +48,9 @@ class Rewriter {
   int add(int from, int to, std::string role, bool inverse = false);
   // Everything that led to `old` leads to `now`, the beginning of the sentence included.
   void redirect(int old, int now);
+  // The other end of an arc takes the place of a concept that is no word of its own: it gets what led there and what is
+  // written there. The arc itself was expressed as `how`.
+  void stand_in(int at, int arc_at, Fate how = Fate::attribute);
   // What is written at `old` is written at `now`.
   void move_children(int old, int now);
   // A concept of the step's own making.

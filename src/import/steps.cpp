@@ -3,6 +3,9 @@
 namespace lexon {
 namespace {
 
+// Names and numbers come first, as later steps ask what is a pronoun and what a plural; frames that stand for roles
+// before coordination, so that operands share subjects and not frames; voice before control, which asks for the
+// subject; mentions last, as every step before them looks at concepts, not at words.
 constexpr RewriteStep kSteps[] = {
     {"wiki", "leave out :wiki, which no sentence says", step_wiki},
     {"names", "a named thing becomes its name: one word with @name and its type as attribute", step_names},
@@ -29,6 +32,8 @@ constexpr RewriteStep kSteps[] = {
     {"quotation", "what is said in a form that only direct speech has becomes :quoted", step_quotation},
     {"questions", "what is asked for becomes :questioned of its clause, which gets @ask", step_questions},
     {"tense", "a guess: a clause whose subject is you is about now, @pres, if nothing else is known", step_tense},
+    {"voice", "a frame whose agent is an event and that is done to a person gets @psv: she was surprised to see him",
+     step_voice},
     {"control",
      "a subject that the governing clause has named becomes :understood; that of what seems to be is its subject, too",
      step_control},

@@ -9,10 +9,12 @@
 namespace lexon {
 namespace {
 
+// A frame, or anything that is said of a subject.
 bool is_clause(Rewriter& graph, int at) {
   return !graph.word(at).sense.empty() || graph.child(at, "domain") >= 0;
 }
 
+// What a question asks for.
 bool is_unknown(Rewriter& graph, int at) {
   return graph.is(at, "amr-unknown") || graph.is(at, "umr-unknown");
 }
@@ -30,7 +32,8 @@ std::vector<int> first_arcs(Rewriter& graph) {
     first[static_cast<std::size_t>(at)] = led;
     std::vector<int> below = graph.children(at);
     // An agent is said before what it does something to, and a condition before both, wherever the source writes them.
-    std::stable_partition(below.begin(), below.end(), [&](int one) { return graph.arc(one).role == "ARG0"; });
+    const char* subject = has_attribute(graph.word(at), "@psv") ? "ARG1" : "ARG0";
+    std::stable_partition(below.begin(), below.end(), [&](int one) { return graph.arc(one).role == subject; });
     std::stable_partition(below.begin(), below.end(), [&](int one) {
       const Arc& led_down = graph.arc(one);
       const bool goes_in_front = led_down.role == "condition" || led_down.role == "time";
@@ -41,7 +44,8 @@ std::vector<int> first_arcs(Rewriter& graph) {
   return first;
 }
 
-// A word of its own for a further mention of a concept.
+// A word of its own for a further mention of a concept. Of the attributes it has those that say what it is; what is said
+// about it, degree or negation, stays with the first.
 int mention_of(Rewriter& graph, int at) {
   const Concept model = graph.word(at);
   const int made = graph.add_concept(model.name);
@@ -62,6 +66,7 @@ bool is_one_of(Rewriter& graph, int at, const std::array<const char*, N>& names)
 
 // ---- coordination --------------------------------------------------------------------------------------------------
 
+// A concept that joins its operands, and the attribute of all operands but the first.
 struct Conjunction {
   const char* name;
   const char* attribute;
@@ -74,6 +79,7 @@ constexpr Conjunction kConjunctions[] = {
 
 const Conjunction* conjunction_of(Rewriter& graph, int at) {
   for (const Conjunction& one : kConjunctions) {
+    // contrast-01 is a frame, the others are none: and-01 would be another word.
     const bool is_frame = std::string_view(one.name) == "contrast";
     if (graph.word(at).name == one.name && graph.word(at).sense.empty() != is_frame) return &one;
   }
@@ -101,12 +107,15 @@ std::vector<int> joined(Rewriter& graph, int at) {
 
 // The subject of a clause as the source writes it: its agent, or else what it is said of.
 int subject_arc(Rewriter& graph, int clause) {
+  if (has_attribute(graph.word(clause), "@psv")) return graph.child(clause, "ARG1");
   for (const char* role : {"ARG0", "ARG1", "domain"}) {
     if (const int led = graph.child(clause, role); led >= 0) return led;
   }
   return -1;
 }
 
+// The first operand takes the place of the conjunction, and each further one hangs on the one before it, so that rules
+// see them in their order.
 void coordinate(Rewriter& graph, int at, const Conjunction& conjunction) {
   const std::vector<int> parts = joined(graph, at);
   if (parts.empty()) return;
@@ -156,6 +165,7 @@ void coordinate(Rewriter& graph, int at, const Conjunction& conjunction) {
 
 // ---- quotation -----------------------------------------------------------------------------------------------------
 
+// Verbs that may have direct speech as what is said.
 constexpr std::array kSaying{"say",     "ask",      "answer",   "reply",    "exclaim",   "cry",      "demand",
                              "add",     "remark",   "repeat",   "state",    "murmur",    "respond",  "object",
                              "inquire", "explain",  "call-out", "tell",     "think",     "declare",  "shout",
@@ -165,7 +175,7 @@ constexpr std::array kSaying{"say",     "ask",      "answer",   "reply",    "exc
 
 // Words that say who speaks to whom, and moods that only one who speaks has.
 bool has_speaker(Rewriter& graph, int at, int depth) {
-  if (depth > 12) return false;
+  if (depth > 12) return false;  // graphs have circles; no speaker is as deep as that
   const Concept& word = graph.word(at);
   for (const char* mood : {"@imp", "@int", "@exp", "@ask"}) {
     if (has_attribute(word, mood)) return true;
@@ -198,6 +208,7 @@ void quote(Rewriter& graph, int at) {
   const int whom = graph.child(at, is_answer ? "ARG1" : "ARG2");
   if (led < 0) return;
   const int said = graph.arc(led).to;
+  // "I said to you that ...": who says I inside is the same, so the sentence may as well report it.
   const auto speaks_itself = [&](int arc_at) {
     if (arc_at < 0) return false;
     const int person = graph.arc(arc_at).to;
@@ -233,7 +244,7 @@ bool is_core(const Arc& one) {
 
 // What is asked for moves to the front of its clause, together with the phrase that it belongs to.
 void question(Rewriter& graph, int unknown) {
-  int led = graph.parent(unknown);
+  int led = graph.parent(unknown);  // the arc by which the phrase hangs on what is above it
   if (led < 0 || graph.arc(led).inverse) return;
   int phrase = unknown;
   std::string role = graph.arc(led).role;
@@ -250,6 +261,8 @@ void question(Rewriter& graph, int unknown) {
     role = graph.arc(led).role;
     if (graph.arc(led).inverse) return;
   }
+  // The question is that of the highest clause that the phrase can move to: "where do you want to go". A verb of knowing
+  // ends the way: "I know where he lives".
   int clause = graph.arc(led).from;
   const int asked_at = clause;
   bool is_reported = false;
@@ -257,17 +270,21 @@ void question(Rewriter& graph, int unknown) {
     const int above = graph.parent(clause);
     if (above < 0 || !is_core(graph.arc(above))) break;
     const int governor = graph.arc(above).from;
-    if (is_one_of(graph, governor, kReporting) || has_attribute(graph.word(governor), "@int")) {
+    const bool is_bidden = graph.is(governor, "think", "01") && has_attribute(graph.word(governor), "@imp");
+    if (is_bidden || is_one_of(graph, governor, kReporting) || has_attribute(graph.word(governor), "@int")) {
       is_reported = true;
       break;
     }
     clause = governor;
   }
+  // A subject stands in front already: "who came".
   const bool is_subject =
       clause == asked_at && (role == "ARG0" || (role == "ARG1" && graph.child(clause, "ARG0") < 0) ||
                              (role == "domain" && graph.is(unknown, "amr-unknown")));
   attribute_add(graph.word(phrase), "@wh_" + role);
   attribute_add(graph.word(clause), is_reported ? "@asked" : is_subject ? "@asksub" : "@ask");
+  // Some files mark the mood beside the word that asks; one mark is enough.
+  std::erase(graph.word(clause).attributes, "@int");
   if (!is_subject) graph.replace(led, clause, phrase, "questioned");
 }
 
@@ -276,8 +293,8 @@ void question(Rewriter& graph, int unknown) {
 void step_polarity(Meaning& meaning) {
   Rewriter graph(meaning, "polarity");
   for (int at = 0; at < graph.count(); ++at) {
-    // "Not ever" is one word.
-    for (const char* role : {"time", "mod", "frequency"}) {
+    // "Not ever" is one word, and takes the negation with it.
+    for (const char* role : {"time", "temporal", "mod", "frequency"}) {
       const int led = has_attribute(graph.word(at), "@neg") ? graph.child(at, role) : -1;
       if (led < 0 || !graph.is(graph.arc(led).to, "ever")) continue;
       graph.word(graph.arc(led).to).name = "never";
@@ -289,12 +306,8 @@ void step_polarity(Meaning& meaning) {
       attribute_add(graph.word(at), "@int");
     }
     if (const int led = graph.child(at, "polarity", true); led >= 0 && graph.is(at, "truth-value")) {
-      const int clause = graph.arc(led).to;
-      graph.settle_concept(at, Fate::attribute);
-      graph.remove(led, Fate::attribute);
-      attribute_add(graph.word(clause), "@whether");
-      graph.redirect(at, clause);
-      graph.move_children(at, clause);
+      attribute_add(graph.word(graph.arc(led).to), "@whether");
+      graph.stand_in(at, led);
     }
     const bool is_tag = graph.is(at, "request-confirmation", "91");
     if (const int led = is_tag ? graph.argument(at, "ARG1") : -1; led >= 0) {
@@ -323,6 +336,14 @@ static void government_apply(Rewriter& graph, int at) {
   graph.move_children(frame, at);
 }
 
+// The frame names its participant: `mark` says which one.
+static void frame_stand_in(Rewriter& graph, int at, int led, const char* mark) {
+  Concept& frame = graph.word(graph.arc(led).to);
+  attribute_add(frame, mark);
+  for (const std::string& attribute : graph.word(at).attributes) attribute_add(frame, attribute);
+  graph.stand_in(at, led);
+}
+
 // (t / thing :ARG1-of (o / order-01)): an order. Only what has no agent; "what she knows" stays a clause.
 static void thing_apply(Rewriter& graph, int at) {
   int led = -1;
@@ -335,23 +356,36 @@ static void thing_apply(Rewriter& graph, int at) {
   if (led < 0) return;
   const int frame = graph.arc(led).to;
   const std::vector<int> below = graph.children(frame);
+  // A clause below needs a verb above it, which the noun is not.
   const bool is_simple = std::all_of(below.begin(), below.end(), [&](int one) {
     return is_core(graph.arc(one)) && graph.arc(one).role != "ARG0" && !is_clause(graph, graph.arc(one).to);
   });
   const bool is_plain = !has_attribute(graph.word(frame), "@neg") && graph.mentions(frame) == 1;
   const std::string& name = graph.word(frame).name;
   if (graph.word(frame).sense.empty() || !is_simple || !is_plain || name.find('-') != name.npos) return;
-  graph.remove(led, Fate::attribute);
-  graph.settle_concept(at, Fate::attribute);
-  attribute_add(graph.word(frame), "@result");
-  for (const std::string& attribute : graph.word(at).attributes) attribute_add(graph.word(frame), attribute);
+  frame_stand_in(graph, at, led, "@result");
+}
+
+// (t / that :ARG1-of (i / important-01)): "that is important". A pronoun has no relative clause; what is said of it is a
+// clause of its own.
+static void pronoun_apply(Rewriter& graph, int at) {
+  constexpr std::array kPronouns{"i", "we", "you", "he", "she", "it", "they", "that", "this"};
+  const int above = graph.parent(at);
+  const bool is_content = above < 0
+                              ? graph.meaning().root == at
+                              : !graph.arc(above).inverse && graph.arc(above).role == "ARG1" && graph.mentions(at) == 1;
+  if (!is_content || !is_one_of(graph, at, kPronouns) || graph.children(at).size() != 1) return;
+  const int led = graph.children(at)[0];
+  const int frame = graph.arc(led).to;
+  if (!graph.arc(led).inverse || !is_core_role(graph.arc(led).role) || graph.mentions(frame) > 1) return;
   graph.redirect(at, frame);
-  graph.move_children(at, frame);
+  graph.replace(led, frame, at, graph.arc(led).role);
 }
 
 void step_persons(Meaning& meaning) {
   Rewriter graph(meaning, "persons");
   for (int at = 0; at < graph.count(); ++at) {
+    pronoun_apply(graph, at);
     if (graph.is(at, "government-organization")) government_apply(graph, at);
     if (graph.is(at, "thing")) thing_apply(graph, at);
     if (!graph.is(at, "person") || has_attribute(graph.word(at), "@name")) continue;
@@ -364,15 +398,11 @@ void step_persons(Meaning& meaning) {
     });
     const bool is_plain = !has_attribute(graph.word(frame), "@neg") && graph.mentions(frame) == 1;
     if (graph.word(frame).sense.empty() || !is_simple || !is_plain) continue;
-    graph.remove(led, Fate::attribute);
-    graph.settle_concept(at, Fate::attribute);
-    attribute_add(graph.word(frame), "@agent");
-    for (const std::string& attribute : graph.word(at).attributes) attribute_add(graph.word(frame), attribute);
-    graph.redirect(at, frame);
-    graph.move_children(at, frame);
+    frame_stand_in(graph, at, led, "@agent");
   }
 }
 
+// In front of coordination and quotation: "but" is no part of what is said.
 void step_contrast(Meaning& meaning) {
   Rewriter graph(meaning, "contrast");
   for (int at = 0, end = graph.count(); at < end; ++at) {
@@ -392,6 +422,7 @@ void step_coordination(Meaning& meaning) {
 
 void step_speaker(Meaning& meaning) {
   Rewriter graph(meaning, "speaker");
+  // UMR marks what is uttered by :quote with the verb of saying as target.
   bool is_utterance = false;
   for (int led = 0; led < static_cast<int>(meaning.arcs.size()); ++led) {
     if (graph.arc(led).gone || graph.arc(led).inverse || graph.arc(led).role != "quote") continue;
@@ -444,10 +475,38 @@ void step_questions(Meaning& meaning) {
   }
 }
 
+// What the time of a clause says of its tense. "Before now" alone is no phrase of the sentence: it is the past.
+static void tense_from_time(Rewriter& graph, int at) {
+  constexpr std::array kPerfect{"ever", "never", "already", "yet", "since", "so-far", "recent", "lately"};
+  for (const int led : graph.children(at)) {
+    const std::string& role = graph.arc(led).role;
+    if (graph.arc(led).inverse || (role != "time" && role != "temporal")) continue;
+    const int time = graph.arc(led).to;
+    const bool is_perfect = is_one_of(graph, time, kPerfect) && graph.word(time).sense.empty();
+    if (is_perfect) attribute_add(graph.word(at), "@perf");
+    const bool is_relation = graph.is(time, "before") || graph.is(time, "after");
+    const int point = is_relation ? graph.child(time, "op1") : -1;
+    if (point < 0 || !graph.is(graph.arc(point).to, "now")) continue;
+    attribute_add(graph.word(at), graph.is(time, "before") ? "@past" : "@fut");
+    if (graph.mentions(time) > 1 || graph.mentions(graph.arc(point).to) > 1) continue;
+    graph.settle_concept(graph.arc(point).to, Fate::attribute);
+    graph.remove(point, Fate::attribute);
+    if (graph.children(time).empty()) {
+      graph.settle_concept(time, Fate::attribute);
+      graph.remove(led, Fate::attribute);
+    } else if (graph.is(time, "before")) {
+      graph.word(time).name = "ago";
+    }
+  }
+}
+
 void step_tense(Meaning& meaning) {
   Rewriter graph(meaning, "tense");
   for (int at = 0; at < graph.count(); ++at) {
+    tense_from_time(graph, at);
     Concept& clause = graph.word(at);
+    const bool is_lasting = has_attribute(clause, "@state") || has_attribute(clause, "@habit");
+    if (is_lasting && !has_attribute(clause, "@past") && !has_attribute(clause, "@fut")) attribute_add(clause, "@pres");
     const bool is_known = has_attribute(clause, "@past") || has_attribute(clause, "@pres") ||
                           has_attribute(clause, "@fut") || has_attribute(clause, "@imp") ||
                           !has_attribute(clause, "@v");
@@ -456,18 +515,53 @@ void step_tense(Meaning& meaning) {
   }
 }
 
+// Only people and pronouns: "the wall was moved by building the road" is no better than the active.
+void step_voice(Meaning& meaning) {
+  Rewriter graph(meaning, "voice");
+  constexpr std::array kSomebody{"i",      "we",      "you",      "he",       "she",     "they",   "person", "one",
+                                 "anyone", "someone", "everyone", "somebody", "anybody", "nobody", "man",    "woman"};
+  for (int at = 0; at < graph.count(); ++at) {
+    const int agent = graph.child(at, "ARG0");
+    const int patient = graph.child(at, "ARG1");
+    const bool is_frame = !graph.word(at).sense.empty() && graph.child(at, "questioned") < 0;
+    if (!is_frame || agent < 0 || patient < 0 || has_attribute(graph.word(at), "@imp")) continue;
+    const int what = graph.arc(agent).to;
+    const int whom = graph.arc(patient).to;
+    const bool is_event =
+        !graph.word(what).sense.empty() && !has_attribute(graph.word(what), "@agent") && !graph.children(what).empty();
+    if (is_event && is_one_of(graph, whom, kSomebody)) attribute_add(graph.word(at), "@psv");
+  }
+}
+
 void step_forms(Meaning& meaning) {
   Rewriter graph(meaning, "forms");
+  // What English says with an auxiliary in front of the basic form.
   constexpr std::array kAuxiliary{"@can", "@must",  "@should", "@may", "@likely", "@maynot",
                                   "@fut", "@would", "@neg",    "@ask", "@int"};
   for (int at = 0; at < graph.count(); ++at) {
     Concept& word = graph.word(at);
+    constexpr std::array kGrades{"@more", "@most", "@less", "@least", "@too", "@so", "@very"};
+    const bool is_graded =
+        graph.child(at, "degree") >= 0 ||
+        std::any_of(kGrades.begin(), kGrades.end(), [&](const char* one) { return has_attribute(word, one); });
+    if (is_graded && has_attribute(word, "@v")) attribute_add(word, "@graded");
     const bool has_subject = subject_arc(graph, at) >= 0 || graph.child(at, "understood") >= 0 ||
                              graph.child(at, "shared") >= 0 || graph.child(at, "speaker") >= 0;
     if (has_subject) attribute_add(word, "@cl");
     const bool is_auxiliary =
         std::any_of(kAuxiliary.begin(), kAuxiliary.end(), [&](const char* one) { return has_attribute(word, one); });
     if (is_auxiliary && is_clause(graph, at)) attribute_add(word, "@aux");
+    // A clause that is the only thing spoken of stands behind: "it is good that the rain stopped".
+    const int said = graph.child(at, "ARG1");
+    const bool has_agent = graph.child(at, "ARG0") >= 0 || graph.child(at, "understood") >= 0 ||
+                           graph.child(at, "shared") >= 0 || graph.child(at, "speaker") >= 0;
+    if (said >= 0 && !has_agent && !has_attribute(word, "@imp") && has_attribute(word, "@v")) {
+      const int what = graph.arc(said).to;
+      const bool is_event = !graph.word(what).sense.empty() && !has_attribute(graph.word(what), "@result") &&
+                            !has_attribute(graph.word(what), "@agent") &&
+                            (graph.child(what, "ARG0") >= 0 || graph.child(what, "domain") >= 0);
+      if (is_event) attribute_add(word, "@xtra");
+    }
     // What is only counted is new: "there are three birds in the tree".
     const bool is_being = graph.is(at, "be-located-at", "91") || graph.is(at, "exist", "91");
     const int what = is_being ? graph.child(at, "ARG1") : -1;
@@ -493,6 +587,7 @@ void step_control(Meaning& meaning) {
     const int above = first[static_cast<std::size_t>(at)];
     if (above < 0 || graph.arc(above).inverse || !is_clause(graph, at)) continue;
     const std::string& role = graph.arc(above).role;
+    // A clause in another role keeps its subject: "she left because she was tired".
     const bool may_be_infinite = role.starts_with("ARG") || role == "purpose" || role == "manner" || role == "mod";
     const int subject = subject_arc(graph, at);
     if (!may_be_infinite || subject < 0) continue;
@@ -510,6 +605,7 @@ void step_control(Meaning& meaning) {
       is_named |= led_here >= 0 && graph.arc(led_here).inverse && graph.arc(led_here).from == person;
     }
     if (!is_named) continue;
+    // A predicate without verb has no infinitive of its own.
     if (graph.arc(subject).role == "domain") continue;
     if (graph.arc(subject).role != "ARG0") attribute_add(graph.word(at), "@ctl1");
     graph.arc(subject).role = "understood";
@@ -518,7 +614,7 @@ void step_control(Meaning& meaning) {
 
 void step_mentions(Meaning& meaning) {
   Rewriter graph(meaning, "mentions");
-  // What each arc led to before mentions became words of their own.
+  // What each arc led to before mentions became words of their own: only so "himself" can be told from "him".
   std::vector<int> meant;
   for (const Arc& one : meaning.arcs) meant.push_back(one.to);
   const std::vector<int> first = first_arcs(graph);

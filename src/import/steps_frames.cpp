@@ -1,5 +1,8 @@
 // Steps about frames that say what a language says with a word or a form: causes, offices, degrees, modality.
+#include <algorithm>
+#include <string>
 #include <utility>
+#include <vector>
 
 #include "import/rewriter.hpp"
 #include "import/steps.hpp"
@@ -7,7 +10,8 @@
 namespace lexon {
 namespace {
 
-// A frame that stands for a role: the two arguments that it ties together.
+// A frame that stands for a role: the two arguments that it ties together. `role` goes from what is in `head` to what is
+// in `dependent`; the table of roles must know it.
 struct Reified {
   const char* name;
   const char* sense;
@@ -72,7 +76,9 @@ const Reified* reified_of(Rewriter& graph, int at) {
   return nullptr;
 }
 
-// The frame goes; its head and its dependent are tied together, written at the one that stood above the frame.
+// The frame goes; its head and its dependent are tied together, written at the one that stood above the frame. Four
+// cases: one end is missing; the frame is the statement itself and a verb says it; the dependent stood above, so that the
+// role becomes an inverse one; else the head stays or takes the place of the frame.
 void reified_apply(Rewriter& graph, int at, const Reified& one) {
   const int up = graph.argument(at, one.head);
   const int down = graph.argument(at, one.dependent);
@@ -90,6 +96,7 @@ void reified_apply(Rewriter& graph, int at, const Reified& one) {
       graph.remove(led, Fate::attribute);
       return;
     }
+    // "... because": what it is tied to stands in another sentence, so a conjunction in front says it.
     if (graph.mentions(at) > 1) return;
     const bool is_plain = graph.children(at).size() == 1;
     if (!is_plain || std::string_view(one.role) == "superset") return;
@@ -116,6 +123,7 @@ void reified_apply(Rewriter& graph, int at, const Reified& one) {
   }
   graph.settle_concept(at, Fate::relation);
   for (const std::string& attribute : graph.word(at).attributes) {
+    // What is denied is the reason, not what it is a reason for: "not because it rained".
     if (attribute != "@v") attribute_add(graph.word(attribute == "@neg" ? dependent : head), attribute);
   }
   if (dependent_above && !head_above) {
@@ -131,7 +139,14 @@ void reified_apply(Rewriter& graph, int at, const Reified& one) {
   }
 }
 
-// An office: who holds it, of what, and its title.
+// Pronouns that stand for people and things in AMR.
+bool is_speaking(const std::string& name) {
+  constexpr std::string_view kPronouns[] = {"i", "we", "you", "he", "she", "it", "they"};
+  return std::find(std::begin(kPronouns), std::end(kPronouns), name) != std::end(kPronouns);
+}
+
+// An office: the roles of who holds it, of what it belongs to, and of its title; the two numberings of the frame differ.
+// `role` ties the title to what it belongs to.
 struct Office {
   const char* name;
   const char* sense;
@@ -147,6 +162,8 @@ constexpr Office kOffices[] = {
     {"have-role", "91", "ARG1", "ARG2", "ARG3", "org"},
 };
 
+// Either the holder stands above, and is called by the office; or the frame is the statement, "she is the mayor". A holder
+// with a name keeps it, and the office stands beside it as a title; another becomes the office.
 void office_apply(Rewriter& graph, int at, const Office& office) {
   int holds = graph.argument(at, office.holder);
   int whole = graph.argument(at, office.whole);
@@ -164,7 +181,16 @@ void office_apply(Rewriter& graph, int at, const Office& office) {
   const int holder = graph.other(holds, at);
   const bool holder_above = graph.arc(holds).to == at;
   if (titled < 0) {
-    if (whole < 0 || !holder_above || graph.arc(whole).from != at) return;
+    if (whole < 0 || graph.arc(whole).from != at) return;
+    if (!holder_above) {
+      // "She is a Whig".
+      const int group = graph.arc(whole).to;
+      graph.settle_concept(at, Fate::relation);
+      graph.replace(holds, group, holder, "domain");
+      graph.remove(whole, Fate::relation);
+      graph.redirect(at, group);
+      return graph.move_children(at, group);
+    }
     graph.settle_concept(at, Fate::relation);
     graph.remove(holds, Fate::relation);
     graph.replace(whole, holder, graph.arc(whole).to, office.role);
@@ -204,6 +230,7 @@ void office_apply(Rewriter& graph, int at, const Office& office) {
   graph.move_children(at, holder);
 }
 
+// The attribute of a degree that is a word of its own; null for others, which stay words: "very much".
 const char* degree_attribute(const Concept& degree) {
   struct Named {
     const char* name;
@@ -278,6 +305,7 @@ void degree_apply(Rewriter& graph, int at, bool is_quantity) {
   graph.move_children(at, quality);
 }
 
+// A frame that a modal verb says, and the role of the clause that it governs.
 struct Modal {
   const char* name;
   const char* sense;
@@ -288,6 +316,7 @@ struct Modal {
 constexpr Modal kModals[] = {
     {"possible", "01", "ARG1", "@can"},
     {"obligate", "01", "ARG2", "@must"},
+    {"obligate", "01", "ARG1", "@must"},
     {"recommend", "01", "ARG1", "@should"},
 };
 
@@ -296,9 +325,26 @@ void modality_apply(Rewriter& graph, int at, const Modal& modal) {
   const int led = graph.argument(at, modal.governed);
   if (led < 0) return;
   const int clause = graph.other(led, at);
+  if (graph.is(clause, "and") || graph.is(clause, "or")) {
+    // What holds of several holds of each: "we should listen and wait".
+    const bool is_denied = has_attribute(graph.word(at), "@neg");
+    for (const int operand : graph.children(clause)) {
+      const int part = graph.arc(operand).to;
+      if (graph.word(part).sense.empty() || graph.arc(operand).inverse) continue;
+      attribute_add(graph.word(part), modal.attribute);
+      if (is_denied) attribute_add(graph.word(part), "@neg");
+    }
+    const bool above = graph.arc(led).to == at;
+    graph.settle_concept(at, Fate::attribute);
+    graph.remove(led, Fate::attribute);
+    if (!above) graph.redirect(at, clause);
+    return graph.move_children(at, clause);
+  }
   const bool is_clause = !graph.word(clause).sense.empty() || graph.child(clause, "domain") >= 0;
+  // Somebody who recommends is a subject: "she recommends that ...".
   const bool has_agent = graph.argument(at, "ARG0") >= 0;
   if (!is_clause || has_agent || clause == at) return;
+  // English has one modal verb in a clause: the inner frame keeps it.
   for (const char* attribute : {"@can", "@must", "@should"}) {
     if (has_attribute(graph.word(clause), attribute)) return;
   }
@@ -330,8 +376,26 @@ void modality_apply(Rewriter& graph, int at, const Modal& modal) {
 
 }  // namespace
 
+// (f / flower :ARG0-of (h / have-03 :ARG1 t)): the flower with t.
+static void having_apply(Rewriter& graph, int at) {
+  const int holder = graph.parent(at);
+  const int thing = graph.child(at, "ARG1");
+  const bool is_inside = holder >= 0 && graph.arc(holder).inverse && graph.arc(holder).role == "ARG0";
+  if (!is_inside || thing < 0 || graph.children(at).size() != 1 || graph.mentions(at) > 1) return;
+  const std::vector<std::string>& marks = graph.word(at).attributes;
+  if (std::any_of(marks.begin(), marks.end(), [](const std::string& mark) { return mark != "@v"; })) return;
+  graph.settle_concept(at, Fate::relation);
+  graph.replace(thing, graph.arc(holder).from, graph.arc(thing).to, "possession");
+  graph.remove(holder, Fate::relation);
+}
+
 void step_reified(Meaning& meaning) {
   Rewriter graph(meaning, "reified");
+  for (int at = 0; at < graph.count(); ++at) {
+    if (graph.is(at, "have", "03")) having_apply(graph, at);
+    // Nobody opines; people think.
+    if (graph.is(at, "opine", "01")) graph.word(at).name = "think";
+  }
   for (int at = 0; at < graph.count(); ++at) {
     if (const Reified* one = reified_of(graph, at)) reified_apply(graph, at, *one);
   }
@@ -339,6 +403,11 @@ void step_reified(Meaning& meaning) {
 
 void step_office(Meaning& meaning) {
   Rewriter graph(meaning, "office");
+  // A part of somebody is his.
+  for (Arc& one : meaning.arcs) {
+    const bool is_of = one.role == "part-of" && !one.inverse && !one.gone;
+    if (is_of && is_speaking(graph.word(one.to).name)) one.role = "poss";
+  }
   for (int at = 0; at < graph.count(); ++at) {
     for (const Office& office : kOffices) {
       if (graph.is(at, office.name, office.sense)) {
@@ -381,7 +450,7 @@ void step_modality(Meaning& meaning) {
   }
   for (int at = 0; at < graph.count(); ++at) {
     for (const Modal& modal : kModals) {
-      if (graph.is(at, modal.name, modal.sense)) {
+      if (graph.is(at, modal.name, modal.sense) && graph.argument(at, modal.governed) >= 0) {
         modality_apply(graph, at, modal);
         break;
       }

@@ -1,4 +1,5 @@
-// Steps about single words: names, dates, quantities, pronouns.
+// Steps about single words: names, dates, quantities, pronouns. A concept that only frames its value, `date-entity`,
+// `temporal-quantity`, `name`, is no word: the value takes its place, with an attribute that says what it is.
 #include <algorithm>
 #include <array>
 #include <map>
@@ -9,12 +10,29 @@
 namespace lexon {
 namespace {
 
+// Digits with the signs that numbers have among them: 3, 1,500, 2.5, 1990-2000.
 bool is_number(const std::string& text) {
   return !text.empty() && text.find_first_not_of("0123456789.,-") == std::string::npos &&
          text.find_first_of("0123456789") != std::string::npos;
 }
 
-// The operands of a concept in the order of their numbers.
+// As people write a long number: whole millions and billions with the word, others with commas.
+std::string number_text(const std::string& digits) {
+  if (digits.size() < 5 || digits[0] == '0' || digits.find_first_not_of("0123456789") != digits.npos) return digits;
+  constexpr std::pair<std::size_t, const char*> kUnits[] = {{12, " trillion"}, {9, " billion"}, {6, " million"}};
+  for (const auto& [zeros, unit] : kUnits) {
+    const bool is_whole = digits.size() > zeros && digits.find_last_not_of('0') < digits.size() - zeros;
+    if (is_whole) return digits.substr(0, digits.size() - zeros) + unit;
+  }
+  std::string text;
+  for (std::size_t i = 0; i < digits.size(); ++i) {
+    if (i > 0 && (digits.size() - i) % 3 == 0) text += ',';
+    text += digits[i];
+  }
+  return text;
+}
+
+// The operands of a concept in the order of their numbers, which is not always that of the source.
 std::vector<int> operands(Rewriter& graph, int at) {
   std::map<int, int> sorted;
   for (const int led : graph.children(at)) {
@@ -67,6 +85,7 @@ void step_names(Meaning& meaning) {
 
 void step_dates(Meaning& meaning) {
   // What a date is called by, if it has several parts.
+  // The first that is there: the month of a full date, the year of a bare one.
   constexpr std::array kHeads{"month", "weekday", "dayperiod", "season", "time", "year", "decade", "century", "day"};
   Rewriter graph(meaning, "dates");
   for (int at = 0; at < graph.count(); ++at) {
@@ -78,14 +97,12 @@ void step_dates(Meaning& meaning) {
     if (led < 0) continue;
     const std::string part = graph.arc(led).role;
     const int head = graph.arc(led).to;
-    graph.remove(led, Fate::word);
-    graph.settle_concept(at, Fate::attribute);
     attribute_add(graph.word(head), "@date");
     attribute_add(graph.word(head), "@" + part);
+    // The dictionary has months by number, month(>7), and no other word is called so.
     if (part == "month") graph.word(head).sense = graph.word(head).name, graph.word(head).name = "month";
     if (part == "decade") graph.word(head).name += 's';
-    graph.redirect(at, head);
-    graph.move_children(at, head);
+    graph.stand_in(at, led, Fate::word);
   }
 }
 
@@ -93,15 +110,13 @@ void step_dates(Meaning& meaning) {
 static void rate_apply(Rewriter& graph, int at) {
   int led = graph.child(at, "ARG3");
   if (led < 0) led = graph.child(at, "ARG4");
+  // With a quantity and a unit it is another rate: "two a year".
   if (led < 0 || graph.child(at, "ARG1") >= 0 || graph.child(at, "ARG2") >= 0) return;
   const int period = graph.arc(led).to;
-  graph.settle_concept(at, Fate::attribute);
-  graph.remove(led, Fate::attribute);
   attribute_add(graph.word(period), "@every");
   const int number = graph.child(period, "quant");
   if (number >= 0 && graph.word(graph.arc(number).to).name == "1") graph.remove(number, Fate::attribute);
-  graph.redirect(at, period);
-  graph.move_children(at, period);
+  graph.stand_in(at, led);
 }
 
 void step_quantities(Meaning& meaning) {
@@ -109,12 +124,8 @@ void step_quantities(Meaning& meaning) {
   for (int at = 0, end = graph.count(); at < end; ++at) {
     const bool is_quantity = graph.word(at).name.ends_with("-quantity") && graph.word(at).sense.empty();
     if (const int unit = is_quantity ? graph.child(at, "unit") : -1; unit >= 0) {
-      const int head = graph.arc(unit).to;
-      graph.remove(unit, Fate::word);
-      graph.settle_concept(at, Fate::attribute);
-      attribute_add(graph.word(head), "@measure");
-      graph.redirect(at, head);
-      graph.move_children(at, head);
+      attribute_add(graph.word(graph.arc(unit).to), "@measure");
+      graph.stand_in(at, unit, Fate::word);
     }
     const bool has_value = graph.is(at, "ordinal-entity") || graph.is(at, "percentage-entity") ||
                            graph.is(at, "url-entity") || graph.is(at, "string-entity") ||
@@ -123,19 +134,18 @@ void step_quantities(Meaning& meaning) {
     if (const int value = has_value ? graph.child(at, "value") : -1; value >= 0) {
       const int head = graph.arc(value).to;
       const bool is_ordinal = graph.is(at, "ordinal-entity");
+      // "Percent" is a word, and its value a number of it; the others are their value.
       if (graph.is(at, "percentage-entity")) {
         graph.word(at).name = "percent";
         attribute_add(graph.word(at), "@measure");
         graph.replace(value, at, head, "quant");
       } else {
-        graph.remove(value, Fate::word);
-        graph.settle_concept(at, Fate::attribute);
         if (is_ordinal) graph.word(head).sense = "ord", attribute_add(graph.word(head), "@ord");
-        graph.redirect(at, head);
-        graph.move_children(at, head);
+        graph.stand_in(at, value, Fate::word);
       }
     }
   }
+  // Behind the loop above, which has made a unit of each quantity.
   for (int at = 0, end = graph.count(); at < end; ++at) {
     if (graph.is(at, "rate-entity", "91")) rate_apply(graph, at);
   }
@@ -159,6 +169,12 @@ void step_quantities(Meaning& meaning) {
     const bool is_plain = number.sense.empty() && is_number(number.name);
     const bool is_many = std::find(kMany.begin(), kMany.end(), number.name) != kMany.end();
     if (is_plain || is_many) attribute_add(graph.word(one.from), number.name == "1" ? "@sg" : "@pl");
+  }
+  for (int at = 0; at < graph.count(); ++at) {
+    const int led = graph.parent(at);
+    if (led >= 0 && graph.arc(led).role == "quant" && is_number(graph.word(at).name)) {
+      graph.word(at).name = number_text(graph.word(at).name);
+    }
   }
 }
 
@@ -188,6 +204,8 @@ void step_pronouns(Meaning& meaning) {
     if (has_attribute(word, "@p1")) name = is_many ? "we" : "i";
     if (has_attribute(word, "@p2")) name = "you";
     if (has_attribute(word, "@p3")) name = is_many ? "they" : word.name == "person" ? "he" : "it";
+    // UMR's thing of which nothing is said stands for what was spoken of.
+    if (word.name == "thing" && name == nullptr && !is_many && graph.parent(at) >= 0) name = "it";
     if (name != nullptr) word.name = name;
   }
 }

@@ -31,6 +31,12 @@ DATA = "  1 licence\n00000010 05 n 02 dog 0 domestic_dog 0 001 @ 1 n 0000 | a pe
 VERBS = "00000010 38 v 01 go 0 000 01 + 02 00 | move\n"
 ADJECTIVES = "00000010 00 s 01 galore(ip) 0 000 | many\n"
 
+FRAMES = """<frameset><predicate lemma="give_up"><roleset id="give_up.07"><aliases><alias pos="v">give_up</alias><alias pos="n">surrender</alias></aliases>
+<roles><role n="0"/><role n="1" descr="thing given up"/><role n="2" descr="instrument"/><role n="3" f="GOL" descr="whom"/></roles>
+<example><text>She gave up to sing</text><propbank><rel relloc="1">gave</rel><arg type="ARG0" start="0">She</arg><arg type="ARG1" start="3">to sing</arg></propbank></example>
+<example><text>She gave up that</text><propbank><rel relloc="2">gave</rel><arg type="ARG1" start="3">that</arg></propbank></example></roleset>
+<roleset id="fall.01"><aliases/><roles><role n="1" descr="thing falling"/><role n="2" descr="place fallen from"/></roles></roleset></predicate></frameset>"""
+
 
 def entry(form, concept, attributes, frequency=0, language=".", ident=""):
     return f'[{form}]{{{ident}}} "{concept}" ({attributes}) <{language},{frequency},0>;\n'
@@ -55,6 +61,10 @@ IMPORTS = [
      + entry("went", "go(>motion)", "V,IRREG") + entry("galore", "galore(>adj)", "ADJ,POSTPOS"),
      "wn/data.noun:4: not a synset of WordNet\n9 entries, 1 word left out, 1 bad line\n"),
     (["--from", "wordnet", "u.tsv"], 1, "", "u.tsv: not a file of WordNet that holds words: name data.noun and its like, or noun.exc, or their folder\n"),
+    (["--from", "propbank", "frames"], 1, entry("give up", "give-up(>07)", "V,INF1,p2with,p3to") + entry("surrender", "give-up(>07)", "N,NMZ,INF1,p2with,p3to")
+     + entry("fall", "fall(>01)", "V,SA1,p2from"),
+     "frames/sing.xml:2: the file is left out, as it is not well-formed: Start-end tags mismatch\n3 entries, 1 bad line\n"),
+    (["--from", "propbank", "wn"], 1, "", "wn: no frame file (.xml) is in this folder\n"),
     (["--from", "unimorph"], 2, "", "no list is named: write it behind the options, - for standard input\n"),
 ]
 
@@ -106,9 +116,10 @@ WRONG = [
 with table.folder() as name:
     folder = pathlib.Path(name)
     (folder / "wn").mkdir()
+    (folder / "frames").mkdir()
     for file, text in {"entries.txt": ENTRIES, "u.tsv": UNIMORPH, "l.txt": LTTOOLBOX, "c.conllu": CONLLU, "t.tsv": "# mine\nV\tVB\nV;PRS;NOM(3,SG)\tVB,PRES,S3\nV;V.PTCP\t-\nNFIN\t-\nXX\t\n",
                        "bad.tsv": "V\tVB\nV\n", "wn/data.noun": DATA, "wn/noun.exc": "dogges dog\ncattes cat\n", "wn/data.verb": VERBS, "wn/verb.exc": "going go\nwent go\n",
-                       "wn/data.adj": ADJECTIVES, "wn/data.adv": "", "p.txt": PARADIGMS, "s.tsv": STEMS}.items():
+                       "wn/data.adj": ADJECTIVES, "wn/data.adv": "", "frames/give_up.xml": FRAMES, "frames/sing.xml": "<frameset>\n</predicate>", "p.txt": PARADIGMS, "s.tsv": STEMS}.items():
         (folder / file).write_text(text)
     (folder / "twice.txt").write_text(GING + "; no\n" + GEHEN + GING + GING.replace("PAST", "PRES") + GING)
     table.run("lexon-dict", "build", "entries.txt", "words.dic", folder=folder)
@@ -125,7 +136,7 @@ with table.folder() as name:
         made = table.run("lexon-dict", "import", *words, folder=folder)
         table.check(f"import {words}", made.stdout, out)
         table.check(f"import {words}", (made.returncode, made.stderr), (status, error))
-    for form in ("unimorph", "lttoolbox", "conllu", "wordnet"):
+    for form in ("unimorph", "lttoolbox", "conllu", "wordnet", "propbank"):
         made = table.run("lexon-dict", "import", "--from", form, "--show-table")
         rows = [row for row in made.stdout.splitlines() if row and not row.startswith("#")]
         table.check(f"the table of {form}", [row for row in rows if row.count("\t") != 1] + [row for row in rows if rows.count(row) > 1], [])

@@ -1,0 +1,258 @@
+// A frame file, as far as it is read:
+//
+//   frameset / predicate / roleset id="give_up.07"
+//     aliases / alias pos="v|n|j": give_up
+//     roles / role n="1" f="PPT" descr="thing given up"
+//     example
+//       text: the words of a sentence with spaces between them
+//       propbank / rel relloc="3": the place of the verb, counted from 0
+//       propbank / arg type="ARG1" start="5": the words of an argument, and the place of the first
+//
+// What introduces an argument is counted over the examples: they show how people build a sentence with the frame. Where
+// no example has the argument, the description of the role says it: "thing listened to".
+#include "dicttool/propbank.hpp"
+
+#include <algorithm>
+#include <array>
+#include <map>
+#include <pugixml.hpp>
+#include <set>
+
+#include "dicttool/text_fields.hpp"
+
+namespace lexon {
+
+namespace {
+
+constexpr int kArguments = 5;  // ARG1 to ARG5; ARG0 is the subject and needs nothing
+
+constexpr std::string_view kPrepositions[] = {"about",  "above",   "across", "after",  "against", "along",   "among",
+                                              "around", "as",      "at",     "before", "behind",  "between", "by",
+                                              "for",    "from",    "in",     "into",   "like",    "near",    "of",
+                                              "off",    "on",      "onto",   "out",    "over",    "through", "to",
+                                              "toward", "towards", "under",  "upon",   "with",    "within",  "without"};
+
+constexpr std::string_view kBeing[] = {"is", "are", "was", "were", "be", "been", "being", "'s", "get", "got", "gets"};
+
+template <std::size_t N>
+bool has(const std::string_view (&list)[N], std::string_view word) {
+  return std::find(std::begin(list), std::end(list), word) != std::end(list);
+}
+
+std::string lowered(std::string_view text) {
+  std::string low(text);
+  for (char& c : low) c = c >= 'A' && c <= 'Z' ? static_cast<char>(c + 32) : c;
+  return low;
+}
+
+std::vector<std::string> words_of(std::string_view text) {
+  std::vector<std::string> words(1);
+  for (const char c : text) {
+    const bool is_space = c == ' ' || c == '\n' || c == '\t' || c == '\r';
+    if (!is_space) words.back() += c;
+    if (is_space && !words.back().empty()) words.emplace_back();
+  }
+  if (words.back().empty()) words.pop_back();
+  return words;
+}
+
+// A name as people write it.
+std::string written(std::string_view name) {
+  std::string form(name);
+  std::replace(form.begin(), form.end(), '_', ' ');
+  std::replace(form.begin(), form.end(), '-', ' ');
+  return form;
+}
+
+// What the examples of one sense show.
+struct Usage {
+  std::array<std::map<std::string, int>, kArguments + 1> introduced;  // by number of the argument
+  int agents = 0;                                                     // examples with ARG0
+  int active = 0;                                                     // ARG1 in front of the verb, without ARG0
+  int passive = 0;                                                    // the same behind a form of "be"
+};
+
+// What stands at the beginning of an argument behind the verb. "To sing" and "to music" look alike: only a verb makes an
+// infinitive.
+std::string introduction(const std::vector<std::string>& words, const VerbSet& verbs) {
+  const std::string first = lowered(words[0]);
+  if (first == "to" && words.size() > 1 && verbs.contains(words[1])) return "infinitive";
+  if (has(kPrepositions, first)) return first;
+  if (first == "that") return "clause";
+  return first.ends_with("ing") ? "gerund" : "object";
+}
+
+// Examples of a noun or adjective say nothing about the verb.
+bool is_verb(const std::string& word, const FrameSense& sense) {
+  bool is_other = false;
+  for (const FrameName& name : sense.names) {
+    const std::string first = lowered(name.form.substr(0, name.form.find(' ')));
+    const bool is_it = word == first || word == first + 's';
+    if (is_it && std::string_view(name.part) == "verb") return true;
+    // "Listening" may be either: it counts as a form of the verb.
+    is_other |= is_it && !word.ends_with("ing");
+  }
+  return !is_other;
+}
+
+void example_count(const pugi::xml_node& example, const FrameSense& sense, const VerbSet& verbs, Usage& usage) {
+  const pugi::xml_node marks = example.child("propbank");
+  const pugi::xml_node verb = marks.child("rel");
+  const std::vector<std::string> text = words_of(example.child_value("text"));
+  const std::vector<std::string> verb_words = words_of(verb.text().get());
+  const std::string place = verb.attribute("relloc").value();
+  const bool has_place = !place.empty() && place[0] >= '0' && place[0] <= '9';
+  const int at = has_place ? verb.attribute("relloc").as_int() : -1;
+  if (at < 0 || verb_words.empty() || !is_verb(lowered(verb_words[0]), sense)) return;
+  bool has_agent = false;
+  int object = -1;
+  for (const pugi::xml_node& argument : marks.children("arg")) {
+    const std::string_view type = argument.attribute("type").value();
+    const std::string_view start = argument.attribute("start").value();
+    const bool is_numbered = type.size() == 4 && type.starts_with("ARG") && type[3] >= '0' && type[3] <= '9';
+    if (!is_numbered || start.empty() || start[0] < '0' || start[0] > '9') continue;
+    const int number = type[3] - '0';
+    const int from = argument.attribute("start").as_int();
+    has_agent |= number == 0;
+    if (number == 1) object = from;
+    const std::vector<std::string> words = words_of(argument.text().get());
+    if (number == 0 || number > kArguments || from < at || words.empty()) continue;
+    ++usage.introduced[static_cast<std::size_t>(number)][introduction(words, verbs)];
+  }
+  usage.agents += has_agent;
+  if (has_agent || object < 0 || object >= at) return;
+  bool is_passive = false;
+  for (int i = std::max(0, at - 2); i < at && i < static_cast<int>(text.size()); ++i) {
+    is_passive |= has(kBeing, lowered(text[static_cast<std::size_t>(i)]));
+  }
+  const std::string last = verb_words[0].substr(verb_words[0].size() - 1);
+  is_passive = is_passive && (last == "d" || last == "n" || last == "t");
+  ++(is_passive ? usage.passive : usage.active);
+}
+
+// The preposition that the description of a role names, "thing listened to", or that its kind asks for; "" for none. Of
+// an object only where the verb stands in front of it: an object is a plain noun as a rule.
+std::string told_preposition(std::string_view description, std::string_view lemma, bool is_object) {
+  struct Kind {
+    const char* word;
+    const char* preposition;
+  };
+  constexpr Kind kKinds[] = {{"source", "from"},     {"giver", "from"},      {"seller", "from"},    {"start", "from"},
+                             {"benefactive", "for"}, {"beneficiary", "for"}, {"price", "for"},      {"reason", "for"},
+                             {"instrument", "with"}, {"topic", "about"},     {"matter", "about"},   {"recipient", "to"},
+                             {"hearer", "to"},       {"listener", "to"},     {"destination", "to"}, {"goal", "to"}};
+  std::string text = lowered(description);
+  const std::string whole = text;
+  for (char& c : text) c = c >= 'a' && c <= 'z' ? c : ' ';
+  const std::vector<std::string> words = words_of(text);
+  if (words.empty()) return "";
+  const std::string& last = words.back();
+  const std::string stem(lemma.substr(0, 3));
+  const bool names_verb =
+      std::any_of(words.begin(), words.end(), [&](const auto& one) { return one.starts_with(stem); });
+  if (has(kPrepositions, last) && last != "off" && last != "around" && (!is_object || names_verb)) {
+    const std::vector<std::string> own = words_of(written(lemma));
+    return std::find(own.begin(), own.end(), last) != own.end() ? "" : last;
+  }
+  if (is_object) return "";
+  if (has(kPrepositions, words[0])) return words[0];
+  for (const Kind& kind : kKinds) {
+    if (whole.find(kind.word) != whole.npos) return kind.preposition;
+  }
+  return "";
+}
+
+// What most of the examples have; the shapes of clauses are left out unless `with_clauses`.
+std::pair<std::string, int> most(const std::map<std::string, int>& counts) {
+  std::pair<std::string, int> best;
+  for (const auto& [what, count] : counts) {
+    const bool is_clause = what == "infinitive" || what == "gerund" || what == "clause";
+    if (!is_clause && count > best.second) best = {what, count};
+  }
+  return best;
+}
+
+int count_of(const std::map<std::string, int>& counts, const char* what) {
+  const auto found = counts.find(what);
+  return found == counts.end() ? 0 : found->second;
+}
+
+// The features of one argument by its examples.
+void argument_features(int number, const std::map<std::string, int>& counts, std::string& features) {
+  const std::string name = ";arg" + std::to_string(number) + '.';
+  const int clauses = count_of(counts, "clause");
+  for (const char* shape : {"infinitive", "gerund"}) {
+    // The infinitive and the gerund are for a subject that is known, so that they count more than their number.
+    const int seen = count_of(counts, shape);
+    if (seen > 0 && 10 * seen >= 3 * clauses) features += name + shape;
+  }
+  if (clauses > count_of(counts, "infinitive") + count_of(counts, "gerund")) features += name + "clause";
+  const auto [best, times] = most(counts);
+  if (best.empty()) return;
+  int all = 0;
+  for (const auto& [what, count] : counts) all += count;
+  // An object is a plain noun, unless the examples leave no doubt.
+  const bool is_doubtful = number == 1 && (times < 2 || 10 * times < 7 * all);
+  const bool says_nothing = best == "object" && number != 2;
+  if (!is_doubtful && !says_nothing) features += name + best;
+}
+
+std::string features_of(const pugi::xml_node& node, const FrameSense& sense, const VerbSet& verbs) {
+  Usage usage;
+  for (const pugi::xml_node& example : node.children("example")) example_count(example, sense, verbs, usage);
+  std::map<std::string, pugi::xml_node> roles;
+  for (const pugi::xml_node& role : node.child("roles").children("role")) roles[role.attribute("n").value()] = role;
+  std::string features;
+  const bool is_alone = !roles.contains("0") && roles.contains("1") && usage.passive <= usage.active;
+  const bool is_often = usage.active >= 2 && usage.active > 2 * usage.passive && 2 * usage.active >= usage.agents;
+  if (is_alone || is_often) features += ";arg1.subject";
+  for (int number = 1; number <= kArguments; ++number) {
+    const auto& counts = usage.introduced[static_cast<std::size_t>(number)];
+    if (!counts.empty()) {
+      argument_features(number, counts, features);
+      continue;
+    }
+    const auto role = roles.find(std::to_string(number));
+    if (role == roles.end()) continue;
+    std::string told = told_preposition(role->second.attribute("descr").value(), sense.lemma, number == 1);
+    const std::string_view function = role->second.attribute("f").value();
+    if (told.empty() && number != 1) told = function == "GOL" ? "to" : function == "DIR" ? "from" : "";
+    if (!told.empty()) features += ";arg" + std::to_string(number) + '.' + told;
+  }
+  return features;
+}
+
+}  // namespace
+
+FrameFault frames_read(std::string_view text, const VerbSet& verbs,
+                       const std::function<void(const FrameSense&)>& sink) {
+  pugi::xml_document document;
+  const pugi::xml_parse_result parsed = document.load_buffer(text.data(), text.size());
+  if (!parsed) {
+    const auto end = text.begin() + std::min(parsed.offset, static_cast<std::ptrdiff_t>(text.size()));
+    return {1 + std::count(text.begin(), end, '\n'), parsed.description()};
+  }
+  for (const pugi::xml_node& predicate : document.child("frameset").children("predicate")) {
+    for (const pugi::xml_node& sense : predicate.children("roleset")) {
+      const std::string id = sense.attribute("id").value();
+      const std::size_t dot = id.rfind('.');
+      if (dot == id.npos || dot == 0) continue;
+      FrameSense read{id.substr(0, dot), id.substr(dot + 1), {}, {}};
+      std::replace(read.lemma.begin(), read.lemma.end(), '_', '-');
+      for (const pugi::xml_node& alias : sense.child("aliases").children("alias")) {
+        const std::string_view part = alias.attribute("pos").value();
+        const char* kind = part == "v" ? "verb" : part == "n" ? "noun" : part == "j" ? "adj" : nullptr;
+        const std::vector<std::string> words = words_of(written(alias.text().get()));
+        std::string form;
+        for (const std::string& word : words) form += (form.empty() ? "" : " ") + word;
+        if (kind != nullptr && !form.empty()) read.names.push_back({std::move(form), kind});
+      }
+      if (read.names.empty()) read.names.push_back({written(read.lemma), "verb"});
+      read.features = features_of(sense, read, verbs);
+      sink(read);
+    }
+  }
+  return {};
+}
+
+}  // namespace lexon
