@@ -25,10 +25,12 @@ constexpr std::size_t kMostOfOne = std::size_t{4} << 20;
 // Bytes of one text: a longer one is read from the input while it is rendered.
 constexpr std::size_t kMostText = std::size_t{1} << 20;
 
-// What is taken at once: so many sentences, or so many bytes of them. After this time the rest goes to whoever is idle.
+// What is taken at once: so many sentences, or so many bytes of them. After this time, or so many bytes of output, the
+// rest goes to whoever is idle.
 constexpr std::size_t kMostTogether = 16;
 constexpr std::size_t kBytesTogether = std::size_t{8} << 10;
 constexpr std::chrono::milliseconds kTimeTogether{2};
+constexpr std::size_t kOutputTogether = std::size_t{256} << 10;
 
 // Bytes that are read of the input at once.
 constexpr std::size_t kReadAtOnce = std::size_t{128} << 10;
@@ -252,7 +254,8 @@ void Batch::Desk::render(Job& job) {
   for (std::size_t place = 0; place < job.pieces.size() && render_piece(job, place);) {
     ++place;
     const bool is_long = std::chrono::steady_clock::now() - start > kTimeTogether;
-    if (is_long && place < job.pieces.size()) batch_.hand_back(job, place);
+    const bool is_enough = is_long || session().output.kept() > kOutputTogether;
+    if (is_enough && place < job.pieces.size()) batch_.hand_back(job, place);
   }
   end(job);
 }
