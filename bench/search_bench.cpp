@@ -148,6 +148,7 @@ struct Taken {
 Taken render(Language& language, std::FILE* input) {
   char text[kSentenceSize];
   const double start = processor_seconds();
+  lookups_attend(session, language.opened.files(), {});
   const Status status = render_sentence(session, language.opened.files(), input, text, {}, true);
   const double seconds = processor_seconds() - start;
   const Taken taken{seconds, session.pool.bytes_used(), status == Status::ok};

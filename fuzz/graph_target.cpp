@@ -21,6 +21,7 @@ constexpr int kMostSentences = 64;
 
 Status sentence_read(std::FILE* document, fuzz::Dictionary& dictionary) {
   std::array<char, kSentenceSize> text;
+  lookups_attend(session, dictionary.files(), {});
   const Status status = render_sentence(session, dictionary.files(), document, text.data(), {}, true);
   session.pool.release_all();
   return status;

@@ -92,6 +92,7 @@ struct Said {
 bool sentence_render(const Run& run, Said& said) {
   const fuzz::StepLimit limit(kMilliseconds);
   std::array<char, kSentenceSize> text{};
+  lookups_attend(session, run.words, run.pairs);
   const Status status = render_sentence(session, run.words, run.input, text.data(), run.pairs, run.post_edit);
   session.pool.release_all();
   fuzz::require(session.pool.blocks() == 0, "a sentence gives back what it took");

@@ -3,7 +3,10 @@
 #include <pybind11/stl.h>
 #include <unistd.h>
 
+#include <algorithm>
+#include <array>
 #include <atomic>
+#include <cstdint>
 #include <lexon/lexon.hpp>
 #include <memory>
 #include <mutex>
@@ -15,6 +18,8 @@
 namespace py = pybind11;
 
 namespace {
+
+constexpr int kEndOfInput = -10;  // the code of what is left behind the last sentence
 
 std::string_view view_of(const py::bytes& bytes) {
   return std::string_view(bytes);
@@ -112,8 +117,8 @@ bool may_go_on(const Stop* stop) {
   return PyErr_CheckSignals() == 0;
 }
 
-py::list render(Renderer& renderer, const py::bytes& graphs, int level, bool post_edit, double time_limit,
-                const Stop* stop, bool begins_with_target) {
+std::vector<lexon::Sentence> render_all(Renderer& renderer, const py::bytes& graphs, int level, bool post_edit,
+                                        double time_limit, const Stop* stop, bool begins_with_target) {
   const lexon::Settings settings{level, post_edit, time_limit, begins_with_target, [stop] { return may_go_on(stop); }};
   const std::string_view text = view_of(graphs);
   std::vector<lexon::Sentence> sentences;
@@ -122,9 +127,37 @@ py::list render(Renderer& renderer, const py::bytes& graphs, int level, bool pos
     sentences = renderer.render(text, settings);
   }
   if (PyErr_Occurred() != nullptr) throw py::error_already_set();
+  return sentences;
+}
+
+py::list render(Renderer& renderer, const py::bytes& graphs, int level, bool post_edit, double time_limit,
+                const Stop* stop, bool begins_with_target) {
   py::list list;
-  for (const lexon::Sentence& sentence : sentences) list.append(tuple_of(sentence));
+  for (const auto& sentence : render_all(renderer, graphs, level, post_edit, time_limit, stop, begins_with_target)) {
+    list.append(tuple_of(sentence));
+  }
   return list;
+}
+
+// What a run writes for the sentences, and its counts, without an object of Python for each of them: the output, how many
+// were done, failed, over time and stopped, messages about lines, and the bit that the last one leaves.
+py::tuple render_text(Renderer& renderer, const py::bytes& graphs, int level, bool post_edit, double time_limit,
+                      const Stop* stop, bool begins_with_target) {
+  std::string output;
+  std::array<std::int64_t, 4> counts{};
+  std::int64_t messages = 0;
+  bool leaves_target = begins_with_target;
+  for (const auto& sentence : render_all(renderer, graphs, level, post_edit, time_limit, stop, begins_with_target)) {
+    output += sentence.trace;
+    leaves_target = sentence.leaves_target;
+    // What an end of the input leaves without a banner is no sentence.
+    if (sentence.code != kEndOfInput) ++counts[static_cast<std::size_t>(sentence.status)];
+    messages += std::count_if(sentence.messages.begin(), sentence.messages.end(),
+                              [](const lexon::Message& message) { return message.line != 0; });
+  }
+  const auto count = [&counts](lexon::Status status) { return counts[static_cast<std::size_t>(status)]; };
+  return py::make_tuple(py::bytes(output), count(lexon::Status::done), count(lexon::Status::failed),
+                        count(lexon::Status::over_time), count(lexon::Status::stopped), messages, leaves_target);
 }
 
 py::list split(const py::bytes& graphs) {
@@ -167,5 +200,7 @@ PYBIND11_MODULE(_core, module) {
       .def("printed", [](const Renderer& self) { return py::bytes(std::string(self.grammar().printed())); })
       .def("messages", [](const Renderer& self) { return list_of(self.grammar().messages()); })
       .def("render", &render, py::arg("graphs"), py::arg("level"), py::arg("post_edit"), py::arg("time_limit"),
-           py::arg("stop"), py::arg("begins_with_target"));
+           py::arg("stop"), py::arg("begins_with_target"))
+      .def("render_text", &render_text, py::arg("graphs"), py::arg("level"), py::arg("post_edit"),
+           py::arg("time_limit"), py::arg("stop"), py::arg("begins_with_target"));
 }

@@ -1,7 +1,7 @@
 from typing import Optional
 
 _Message = tuple[int, bytes, int, int, bytes]
-_Sentence = tuple[bytes, str, int, bytes, list[_Message], bytes, int, int, float, bool]
+_Sentence = tuple[bytes, str, int, bytes, list[_Message], bytes, int, int, float, bool, bytes]
 
 class Stop:
     def __init__(self) -> None: ...
@@ -17,6 +17,9 @@ class Renderer:
     def render(
         self, graphs: bytes, level: int, post_edit: bool, time_limit: float, stop: Optional[Stop], begins_with_target: bool
     ) -> list[_Sentence]: ...
+    def render_text(
+        self, graphs: bytes, level: int, post_edit: bool, time_limit: float, stop: Optional[Stop], begins_with_target: bool
+    ) -> tuple[bytes, int, int, int, int, int, bool]: ...
 
 def version() -> str: ...
 def split(graphs: bytes) -> list[bytes]: ...

@@ -28,6 +28,7 @@ auto made(Make make) -> decltype(make()) {
   }
 }
 
+// A null path is one that is not given; 0 blocks are those that a run has without a switch.
 lexon::GrammarFiles paths_of(const lexon_grammar_files& files) {
   const auto text = [](const char* path) { return std::string(path != nullptr ? path : ""); };
   lexon::GrammarFiles paths{text(files.dictionary), text(files.rules), text(files.cooccurrence)};
@@ -46,6 +47,7 @@ lexon_message message_at(const std::vector<lexon::Message>* messages, size_t ind
   return messages != nullptr && index < messages->size() ? shown((*messages)[index]) : lexon_message{};
 }
 
+// Null beyond the end, and of no result.
 const lexon::Sentence* sentence_at(const lexon_result* result, size_t index) {
   return result != nullptr && index < result->sentences.size() ? &result->sentences[index] : nullptr;
 }
@@ -69,6 +71,7 @@ lexon_grammar* lexon_grammar_from_text(const char* dictionary, const char* rules
   return lexon_grammar_open(&files);
 }
 
+// Text goes before a path of rules where both are given.
 lexon_grammar* lexon_grammar_open(const lexon_grammar_files* files) {
   if (files == nullptr) return nullptr;
   return made([files] {
@@ -83,6 +86,7 @@ void lexon_grammar_free(lexon_grammar* grammar) {
   delete grammar;
 }
 
+// What asks a null handle has the answer of an empty one: a caller may look at messages and counts without a test.
 int lexon_grammar_is_usable(const lexon_grammar* grammar) {
   return grammar != nullptr && grammar->grammar.is_usable() ? 1 : 0;
 }
@@ -99,6 +103,7 @@ lexon_message lexon_grammar_message(const lexon_grammar* grammar, size_t index) 
   return message_at(grammar != nullptr ? &grammar->grammar.messages() : nullptr, index);
 }
 
+// The generator shares the grammar, which may be freed before it.
 lexon_generator* lexon_generator_new(const lexon_grammar* grammar) {
   if (grammar == nullptr) return nullptr;
   return made([&] { return new lexon_generator{lexon::Generator(grammar->grammar)}; });
@@ -111,6 +116,7 @@ void lexon_generator_free(lexon_generator* generator) {
 lexon_result* lexon_generator_render(lexon_generator* generator, const char* graphs, size_t size,
                                      const lexon_settings* settings) {
   if (generator == nullptr) return nullptr;
+  // Without settings, and where a field of them is 0, all is as a run has it by itself.
   lexon::Settings with;
   if (settings != nullptr) {
     with.trace_level = settings->trace_level;
@@ -134,6 +140,7 @@ size_t lexon_result_count(const lexon_result* result) {
   return result != nullptr ? result->sentences.size() : 0;
 }
 
+// The pointers stay valid until the result is freed. The order is that of the fields in the header.
 lexon_sentence lexon_result_sentence(const lexon_result* result, size_t index) {
   const lexon::Sentence* sentence = sentence_at(result, index);
   if (sentence == nullptr) return {};

@@ -20,8 +20,10 @@ using Clock = std::chrono::steady_clock;
 // Generation is recursive: a real grammar must never meet the end of this stack. The same as of a run.
 constexpr std::size_t kStack = std::size_t{256} << 20;
 constexpr std::size_t kStackReserve = std::size_t{256} << 10;
+// How often the caller is asked whether to go on, and the clock is looked at.
 constexpr std::chrono::milliseconds kAskInterval{100};
 
+// As a run writes them behind a sentence.
 const char* banner_of(Status status) {
   switch (status) {
     case Status::done: return ";;Done!\n";
@@ -62,16 +64,19 @@ std::string label_in(std::string_view output) {
 // The thread renders from `busy` to not `busy`; between, everything but the marked fields is its own. `session` is the
 // thread's but for its stop request, which is set and cleared under the mutex.
 struct Generator::Body {
+  // Starts the thread, unless the grammar is not usable. Throws `std::bad_alloc` where no thread is to be had.
   explicit Body(Grammar&& of);
   ~Body();
   Body(const Body&) = delete;
   Body& operator=(const Body&) = delete;
 
+  // For the caller's thread: gives the thread its work, waits, and watches the clock meanwhile.
   std::vector<Sentence> render(std::string_view text, const Settings& settings);
   void stop();
   [[nodiscard]] Session& session() { return *session_; }
 
  private:
+  // For the generator's own thread.
   void serve();
   void render_all();
   bool render_next(std::string_view& rest);
@@ -80,6 +85,7 @@ struct Generator::Body {
   bool end_sentence();
   void finish(Sentence& result, core::Status code, bool is_over_time, const TextWatch& text_before);
   std::string file_behind(const std::FILE* stream) const;
+  // For the caller's thread again, under the lock that they give up while they wait.
   void watch_clock(std::unique_lock<std::mutex>& lock);
   void ask_caller(std::unique_lock<std::mutex>& lock);
   void request_stop();
@@ -111,6 +117,7 @@ Generator::Body::Body(Grammar&& of) : grammar_(std::move(of)) {
   if (!grammar_.is_usable()) return;
   loaded_ = grammar_.body_.get();
   session_use(*session_, loaded_->rules);
+  // What the reader says of a sentence is kept apart from what it prints: it becomes messages with their lines.
   session_->remarks = &remarks_;
   const auto body = [](void* self) { static_cast<Body*>(self)->serve(); };
   if (!thread_start(thread_, kStack, body, this)) throw std::bad_alloc();
@@ -129,6 +136,7 @@ Generator::Body::~Body() {
 // ---- The caller's side
 
 std::vector<Sentence> Generator::Body::render(std::string_view text, const Settings& settings) {
+  // One failed sentence instead of none: who counts results finds that something is missing.
   if (loaded_ == nullptr) {
     Sentence none;
     none.messages.push_back({MessageKind::error, {}, 0, 0, "the grammar is not usable: its messages tell why"});
@@ -138,6 +146,7 @@ std::vector<Sentence> Generator::Body::render(std::string_view text, const Setti
   graphs_ = text;
   settings_ = &settings;
   session_->state.trace_level = static_cast<std::int8_t>(std::clamp(settings.trace_level, 0, 4));
+  // A stop that came before the call is none of this call.
   stop_wanted_ = false;
   next_question_ = Clock::now() + kAskInterval;
   deadline_ = Clock::time_point::max();
@@ -148,6 +157,7 @@ std::vector<Sentence> Generator::Body::render(std::string_view text, const Setti
     ask_caller(lock);
   }
   std::vector<Sentence> results = std::exchange(results_, {});
+  // The thread itself throws nothing: what it has met is thrown here, where somebody may catch it.
   if (std::exchange(no_memory_, false)) throw std::bad_alloc();
   return results;
 }
@@ -157,6 +167,7 @@ void Generator::Body::watch_clock(std::unique_lock<std::mutex>& lock) {
   const bool is_limited = settings_->time_limit > 0;
   const auto is_over = [this] { return !busy_; };
   if (!is_limited && !settings_->keep_going) return changed_.wait(lock, is_over);
+  // The deadline is set by the other thread, sentence by sentence, without waking this one.
   const Clock::time_point soon = Clock::now() + kAskInterval;
   changed_.wait_until(lock, is_limited ? std::min(deadline_, soon) : soon, is_over);
   if (is_limited && in_sentence_ && !is_over_time_ && Clock::now() >= deadline_) {
@@ -167,6 +178,7 @@ void Generator::Body::watch_clock(std::unique_lock<std::mutex>& lock) {
 
 void Generator::Body::ask_caller(std::unique_lock<std::mutex>& lock) {
   if (!busy_ || !settings_->keep_going || Clock::now() < next_question_) return;
+  // The caller's function may take its time, and may call `stop`.
   lock.unlock();
   const bool goes_on = settings_->keep_going();
   lock.lock();
@@ -174,6 +186,7 @@ void Generator::Body::ask_caller(std::unique_lock<std::mutex>& lock) {
   if (!goes_on) request_stop();
 }
 
+// Between two sentences there is nothing to stop: the next one is then not begun.
 void Generator::Body::request_stop() {
   stop_wanted_ = busy_;
   if (in_sentence_) session_->stop_requested = true;
@@ -203,11 +216,13 @@ void Generator::Body::serve() {
 void Generator::Body::render_all() {
   try {
     session_->state.forced_node = settings_->begins_with_target ? &session_->gone : nullptr;
+    // Lines count from the beginning of the text of this call.
     notes_ = {};
     for (std::string_view rest = graphs_; render_next(rest);) continue;
   } catch (const std::bad_alloc&) {
     no_memory_ = true;
   }
+  // Also behind an exception, so that the next call begins with an empty session.
   session_->pool.release_all();
   static_cast<void>(session_->output.take());
 }
@@ -243,9 +258,11 @@ std::string Generator::Body::file_behind(const std::FILE* stream) const {
 }
 
 core::Status Generator::Body::render_into(std::string_view& rest, Sentence& result) {
+  // A sentence without memory fails; those behind it are rendered. Its forced target is lost with it, as in a run.
   std::array<char, kSentenceSize> text;
   core::Status code = core::Status::memory;
   try {
+    lookups_attend(*session_, loaded_->words.files(), loaded_->cooccurrence.files());
     code = render_sentence(*session_, loaded_->words.files(), rest, text.data(), loaded_->cooccurrence.files(),
                            settings_->post_edit, &notes_);
   } catch (const std::bad_alloc&) {
@@ -263,6 +280,8 @@ void Generator::Body::finish(Sentence& result, core::Status code, bool is_over_t
   }
   result.code = lexon::code(code);
   result.label = label_in(result.trace);
+  // Messages in the order in which a reader meets them: encoding, lines, the end, the dictionary, and last why it
+  // failed.
   text_notes_append(result.messages, {}, notes_.text, text_before);
   for (Remark& remark : remarks_) {
     result.messages.push_back({MessageKind::error, {}, remark.line, 0, std::move(remark.text)});
@@ -290,11 +309,13 @@ bool Generator::Body::render_next(std::string_view& rest) {
   const std::int64_t steps_before = session_->state.steps;
   const Clock::time_point start = Clock::now();
   Sentence result;
+  // What the reader takes of it is this sentence.
   const std::string_view graph = rest;
   const core::Status code = render_into(rest, result);
   const bool is_over_time = end_sentence();
   result.seconds = std::chrono::duration<double>(Clock::now() - start).count();
   result.steps = session_->state.steps - steps_before;
+  // Before the pool is released, and before the text of the output is taken away.
   result.memory_bytes = session_->pool.bytes_used();
   result.leaves_target = session_->state.forced_node != nullptr;
   session_->pool.release_all();

@@ -20,6 +20,8 @@ namespace {
 // ---- rules
 
 // The rule step, in memory.
+// Nothing here is owned; all of it outlives the step. `file` is empty for rules from a text, and `unsaved` may be: then
+// every file counts as it stands on the disk.
 struct RuleStep {
   Session& session;
   core::Grammar& grammar;
@@ -32,6 +34,7 @@ struct RuleStep {
 
 // The rest of the step, behind parsing or reading the rules.
 bool finish(RuleStep& step, core::Status status) {
+  // A run goes on without a rule and fails every sentence; here a grammar is told to be of no use before the first.
   if (status == core::Status::ok && step.grammar.rules == nullptr) {
     error_append(step.messages, step.file, "there is no rule");
     return false;
@@ -51,6 +54,7 @@ bool parse(RuleStep& step, TextSource source) {
   return finish(step, status);
 }
 
+// The matrix is built of the rules that are read; a file of it beside them is left alone.
 bool load_compiled(RuleStep& step, std::FILE* stream) {
   std::string fault;
   const core::Status status = rule_list_read(step.session, step.grammar.pool, step.grammar.rules, stream, &fault);
@@ -69,6 +73,8 @@ bool load_source(RuleStep& step, ExpandedFile&& source) {
   return parse(step, text);
 }
 
+// In this order: what is a grammar source, whatever its extension says; then what an editor has not saved; then the
+// file.
 bool load_rules(RuleStep& step) {
   if (ExpandedFile source = expand_beside(step.file, Expanding::in_memory, step.unsaved); source.is_source)
     return load_source(step, std::move(source));
@@ -93,6 +99,7 @@ bool load_rules(RuleStep& step) {
 
 // ---- all of it
 
+// Without slots for concept words no graph finds a word. A damaged pair is told and can be used.
 bool open_words(Dictionary& words, const std::string& path, std::vector<Message>& messages) {
   const bool is_open = dictionary_open(path, PairCheck::quick, words);
   if (!words.fault.empty()) fault_append(messages, path, words.fault);
@@ -102,15 +109,15 @@ bool open_words(Dictionary& words, const std::string& path, std::vector<Message>
 }
 
 // As in a run, the kind of index names that the dictionary opened last has is that of both.
-bool open_cooccurrence(LoadedGrammar& grammar, const std::string& path, bool is_kept) {
+bool open_cooccurrence(LoadedGrammar& grammar, const std::string& path, unsigned kept) {
   Dictionary& pairs = grammar.cooccurrence;
-  const bool is_open = is_kept || dictionary_open(path, PairCheck::quick, pairs);
+  const bool is_open = (kept & Inside::cooccurrence) != 0 || dictionary_open(path, PairCheck::quick, pairs);
   if (!pairs.fault.empty()) fault_append(grammar.messages, path, pairs.fault);
   if (is_open && pairs.name_size != grammar.words.name_size && grammar.words.name_size != 0) {
     error_append(grammar.messages, path,
                  "the name of its index is of another kind than that of the dictionary, so that looking words up there "
                  "fails or finds nothing: build one of the two again under a name of the other's kind");
-    grammar.words.name_size = pairs.name_size;
+    if ((kept & Inside::words) == 0) grammar.words.name_size = pairs.name_size;
     grammar.has_mixed_names = true;
   }
   return is_open;
@@ -121,14 +128,12 @@ template <typename LoadRules>
 void load_all(LoadedGrammar& grammar, const GrammarFiles& files, const std::string& rule_file,
               const TextLookup& unsaved, LoadRules load_rules_of, unsigned kept = Inside::none) {
   bool is_usable = (kept & Inside::words) != 0 || open_words(grammar.words, files.dictionary, grammar.messages);
-  if (!files.cooccurrence.empty()) {
-    const bool is_kept = (kept & Inside::cooccurrence) != 0;
-    is_usable = open_cooccurrence(grammar, files.cooccurrence, is_kept) && is_usable;
-  }
+  if (!files.cooccurrence.empty()) is_usable = open_cooccurrence(grammar, files.cooccurrence, kept) && is_usable;
   if ((kept & Inside::rules) != 0) {
     grammar.is_usable = is_usable;
     return;
   }
+  // The rules have all blocks for themselves while they are loaded; a sentence gets what they leave.
   grammar.rules.pool.limit_blocks(std::clamp(files.blocks, 1, kMostBlocks));
   const auto session = std::make_unique<Session>();
   RuleStep step{*session, grammar.rules, grammar.messages, rule_file, grammar.source, grammar.expansion, unsaved};
@@ -190,6 +195,8 @@ Grammar Inside::load_changed(const GrammarFiles& files, const std::string_view* 
         },
         kept);
   }
+  // Only words of its own may take on the names of the other kind: others render with those that are kept.
+  if (body->has_mixed_names && (kept & words) != 0) return load_changed(files, text, before, kept & ~unsigned{words});
   Grammar grammar;
   grammar.body_ = body;
   return grammar;
@@ -213,6 +220,7 @@ const std::vector<Message>& Grammar::messages() const noexcept {
   return body_ == nullptr ? kNoMessages : body_->messages;
 }
 
+// Each dictionary in front of its index; who copies them keeps a pair in one folder.
 std::vector<std::string> Grammar::dictionary_files() const {
   std::vector<std::string> files;
   if (body_ == nullptr) return files;
@@ -239,6 +247,7 @@ std::size_t Grammar::rule_count() const noexcept {
 std::size_t Grammar::memory_bytes() const noexcept {
   if (body_ == nullptr) return 0;
   const RuleMatrix& matrix = body_->rules.index.matrix;
+  // Of rules and matrix: dictionaries stay in their files. Each side has two matrices.
   const auto bytes_of = [](const MatrixSide& side) { return side.pool_size + 2 * std::size_t{side.matrix_size}; };
   return static_cast<std::size_t>(body_->rules.pool.bytes_used()) + bytes_of(matrix.left) + bytes_of(matrix.right);
 }

@@ -17,6 +17,7 @@ struct GrammarParts {
   std::shared_ptr<Dictionary> cooccurrence;
 };
 
+// Read-only once it is loaded: any number of generators look at it at the same time.
 struct LoadedGrammar {
   GrammarParts parts;  // whole
   core::Grammar& rules = *parts.rules;
@@ -45,8 +46,8 @@ struct Inside {
   // As `Grammar::load`, with these texts in the place of the rules, or of the source and what it includes. Dictionaries
   // are files.
   [[nodiscard]] static Grammar load(const GrammarFiles& files, const TextLookup& unsaved);
-  // As `Grammar::load`, or with `text` as `Grammar::from_text`; reads only what is not kept of a usable grammar that was
-  // loaded before. Its messages are those of what was read.
+  // As `Grammar::load`, or with `text` as `Grammar::from_text`; reads only what is not kept of a usable grammar that
+  // was loaded before. Its messages are those of what was read.
   enum Kept : unsigned { none = 0, words = 1, cooccurrence = 2, rules = 4 };
   [[nodiscard]] static Grammar load_changed(const GrammarFiles& files, const std::string_view* text,
                                             const Grammar& before, unsigned kept);

@@ -10,6 +10,7 @@ void error_append(std::vector<Message>& messages, const std::string& file, std::
   messages.push_back({MessageKind::error, file, 0, 0, std::move(text)});
 }
 
+// What the core says of a file begins with its name, which a message has in a field of its own.
 void fault_append(std::vector<Message>& messages, const std::string& file, const std::string& fault) {
   const bool is_named = !file.empty() && fault.starts_with(file + ": ");
   error_append(messages, file, is_named ? fault.substr(file.size() + 2) : fault);
@@ -28,6 +29,7 @@ void rule_notes_append(std::vector<Message>& messages, const std::string& file, 
   text_notes_append(messages, file, notes.text);
   for (const RuleNote& note : notes.notes) {
     const MessageKind kind = is_warning(note.fault) ? MessageKind::warning : MessageKind::error;
+    // Of rules from a grammar source the place there is told. Columns count from 0 in the core, from 1 in a message.
     const MappedPlace from = map.place(note.line, note.column);
     const std::string around = surroundings_text(from);
     const std::string text = rule_fault_text(note.fault) + (around.empty() ? "" : " (" + around + ')');
@@ -39,12 +41,14 @@ void rule_notes_append(std::vector<Message>& messages, const std::string& file, 
     error_append(messages, file,
                  "no rule is in force, as the last line is refused: mend it, or end the text with an empty line");
   }
+  // The line at which the room for rules ended.
   if (notes.memory_line != 0) messages.push_back({MessageKind::error, file, notes.memory_line, 0, kNoRoomForRules});
 }
 
 void source_messages_append(std::vector<Message>& messages, const std::vector<SourceMessage>& source) {
   for (const SourceMessage& message : source) {
     const MessageKind kind = message.is_warning ? MessageKind::warning : MessageKind::error;
+    // A message about a file as a whole has neither line nor column.
     const auto column = message.line == 0 ? 0 : static_cast<std::int64_t>(message.column) + 1;
     messages.push_back({kind, message.file, message.line, column, message.text});
   }

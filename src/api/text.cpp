@@ -8,6 +8,7 @@ const char* version() noexcept {
   return LEXON_VERSION;
 }
 
+// A value that is none of these counts as a failure.
 const char* to_string(Status status) noexcept {
   switch (status) {
     case Status::done: return "done";
@@ -17,6 +18,7 @@ const char* to_string(Status status) noexcept {
   }
 }
 
+// "FILE:LINE:COLUMN: TEXT", without what there is not.
 std::string to_string(const Message& message) {
   std::string place = message.file;
   const auto add = [&place](const std::string& part) { place += place.empty() ? part : ':' + part; };
@@ -27,9 +29,11 @@ std::string to_string(const Message& message) {
 
 std::vector<std::string_view> split(std::string_view graphs) {
   std::vector<std::string_view> parts;
-  std::string copy;
-  for (std::string_view rest = graphs; sentence_text_read(rest, copy);) {
-    const std::string_view part = graphs.substr(graphs.size() - rest.size() - copy.size(), copy.size());
+  for (std::string_view rest = graphs; !rest.empty();) {
+    const std::string_view before = rest;
+    sentence_pass(rest);
+    const std::string_view part = before.substr(0, before.size() - rest.size());
+    // Blank text behind the last sentence is no part; in front of a sentence it belongs to it.
     const bool is_blank = part.find_first_not_of(" \t\r\n") == std::string_view::npos;
     if (!is_blank || !rest.empty()) parts.push_back(part);
   }

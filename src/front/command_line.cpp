@@ -75,10 +75,10 @@ class Words {
   std::size_t offset_ = 0;
 };
 
-// What is wrong with a path, for the user; empty if nothing is.
+// A path that was read.
 struct PathRead {
-  std::string path;
-  std::string fault;
+  std::string path;   // empty: none, or one that cannot be used
+  std::string fault;  // what is wrong with it, for the user; empty if nothing is
 };
 
 std::string too_long(std::size_t length) {
@@ -101,6 +101,7 @@ PathRead take_quoted(Words& words) {
     words.advance(rest.size());
     if (!words.at_end()) text += ' ';
   }
+  // A quoted path is cut at the limit and used; one without quotes is whole or none.
   if (text.size() <= kPathLimit) return {text, {}};
   return {text.substr(0, kPathLimit), too_long(text.size()) + ": the rest is left away"};
 }
@@ -115,6 +116,7 @@ PathRead absolute_path(const PathRead& read) {
   return {whole, read.fault};
 }
 
+// A path without quotes ends with its word, blanks and all.
 PathRead take_path(Words& words) {
   if (words.at_end()) return {};
   return absolute_path(words.rest().starts_with('"') ? take_quoted(words)
@@ -151,10 +153,12 @@ void take_number(Words& words, char letter, std::int32_t& value, CommandLine& li
   line.notes.push_back(std::string("-") + letter + ": \"" + text + "\" is read as " + std::to_string(value));
 }
 
+// Some switches have a second letter that says nothing, and may lack it.
 void skip_letter(Words& words, char upper_case) {
   if (!words.at_end() && !words.at_word_start() && (words.rest().front() & ~0x20) == upper_case) words.advance(1);
 }
 
+// What stands behind the letter of such a switch up to a blank says nothing.
 void skip_word(Words& words) {
   if (!words.at_end() && !words.at_word_start()) words.take_to_blank();
 }
@@ -171,6 +175,7 @@ std::optional<std::int32_t> number_within(const char* option, std::string_view t
   return std::nullopt;
 }
 
+// A wrong value leaves the default and an error, with which no run starts.
 void take_blocks(std::string_view text, CommandLine& line) {
   line.settings.blocks = number_within("--blocks", text, 1, kMostBlocks, line).value_or(line.settings.blocks);
 }
@@ -179,6 +184,7 @@ void take_jobs(const char* option, std::string_view text, CommandLine& line) {
   line.jobs = number_within(option, text, 0, kMostJobs, line);
 }
 
+// "I/N": both are whole numbers and nothing else.
 void take_shard(std::string_view text, CommandLine& line) {
   ShardNumber shard;
   const std::size_t slash = text.find('/');
@@ -199,6 +205,7 @@ void take_shard(std::string_view text, CommandLine& line) {
 // The switches that begin with "^" turn something off.
 bool take_caret_switch(Words& words, char letter, CommandLine& line) {
   switch (letter) {
+      // Accepted, and of no effect.
     case 'A':
       line.settings.reserved_a = false;
       skip_letter(words, 'C');
@@ -220,6 +227,7 @@ void take_cr_dictionary(Words& words, CommandLine& line) {
   line.path_faults.push_back("-C: " + fault + (read.path.empty() ? ": no co-occurrence dictionary is used" : ""));
 }
 
+// The letter comes in upper case, whatever was written. False if there is no such switch.
 bool take_dash_switch(Words& words, char letter, CommandLine& line) {
   RunSettings& settings = line.settings;
   switch (letter) {
@@ -253,6 +261,7 @@ bool take_dash_switch(Words& words, char letter, CommandLine& line) {
   }
 }
 
+// A word that is no switch ends the reading: a path too many is not passed over in silence.
 void take_switch(Words& words, CommandLine& line) {
   const std::string_view text = words.rest();
   const bool has_sign = text.front() == '-' || text.front() == '^';
@@ -325,6 +334,7 @@ bool take_long_option(std::span<const char* const>& words, CommandLine& line) {
 
 CommandLine command_line_read(std::span<const char* const> given) {
   CommandLine line;
+  // Long options go first, wherever they stand; what is left are paths and switches as they have always been.
   std::vector<const char*> bare;
   while (!given.empty()) {
     if (take_long_option(given, line)) continue;
@@ -333,6 +343,7 @@ CommandLine command_line_read(std::span<const char* const> given) {
   }
   Words words(bare);
   RunSettings& settings = line.settings;
+  // The four paths come first and in this order.
   const std::pair<const char*, std::string*> paths[] = {{"DICTIONARY", &settings.dictionary_file},
                                                         {"RULES", &settings.rule_file},
                                                         {"INPUT", &settings.input_file},

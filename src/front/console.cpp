@@ -21,8 +21,10 @@ namespace {
 
 using std::chrono::steady_clock;
 
+// Of plain lines, which go to a log.
 constexpr std::chrono::milliseconds kPlainInterval{1000};
 
+// The fixed messages of the core end their line or not; here the system's reason follows on the same one.
 std::string with_reason(std::string text, const std::string& reason) {
   if (text.ends_with('\n')) text.pop_back();
   return reason.empty() ? text : text + " (" + reason + ')';
@@ -45,6 +47,7 @@ double seconds_since(steady_clock::time_point start) {
 
 }  // namespace
 
+// A line that is written over is of use to a terminal alone. A conversion of rules has no sentences to sum up.
 ConsoleHost::ConsoleHost(const CommandLine& line)
     : wanted_(line.settings.sentence_count),
       answers_yes_(line.yes),
@@ -62,6 +65,7 @@ void ConsoleHost::report_stop(const std::string& text, const std::string& reason
 }
 
 void ConsoleHost::note(const Note& note) {
+  // The line of progress stands where the note is to begin.
   outcome_.has_losses = outcome_.has_losses || note.is_loss;
   clear_progress();
   if (!note.has_place) tell("lexon: ");
@@ -73,6 +77,8 @@ void ConsoleHost::note(const Note& note) {
 }
 
 bool ConsoleHost::open_report(const std::string& path, const RunSettings& settings) {
+  // The test for outputs that are read knows one output. The report takes its place, and what the run itself writes
+  // that of the input where both have one name.
   RunSettings other = settings;
   other.output_file = std::filesystem::absolute(path).lexically_normal().string();
   if (other.output_file == settings.output_file) other.input_file = settings.output_file;
@@ -89,6 +95,7 @@ bool ConsoleHost::open_report(const std::string& path, const RunSettings& settin
 bool ConsoleHost::ask_yes_no(const std::string& text, const std::string& reason) {
   tell(with_reason(text, reason) + " [y/N] ");
   bool answer = answers_yes_;
+  // Who cannot be asked has said no, unless --yes said otherwise; either way the answer can be read.
   if (!answer && isatty(STDIN_FILENO) != 0) {
     const int first = std::getchar();
     answer = first == 'y' || first == 'Y';
@@ -103,6 +110,7 @@ StepResult ConsoleHost::run_step(RunContext& context, Step& step) {
   context_ = &context;
   signals_stop(&step.stop_flag());
   step.begin();
+  // A signal sets the flag of the step at once, and the cancel follows here, at the next look.
   for (bool is_over = false; !is_over;) {
     is_over = step.wait_until(steady_clock::now() + kWatch);
     if (cancel_was_signalled()) step.cancel();
@@ -113,6 +121,7 @@ StepResult ConsoleHost::run_step(RunContext& context, Step& step) {
   return step.result();
 }
 
+// Reads what is atomic in the context: the step is at work.
 void ConsoleHost::show_progress(const Step& step) {
   if (!shows_line_ && !shows_plain_) return;
   const steady_clock::time_point now = steady_clock::now();
@@ -136,6 +145,7 @@ void ConsoleHost::clear_progress() const {
 void ConsoleHost::show_summary() const {
   clear_progress();
   if (!shows_summary_ || outcome_.could_not_start || context_ == nullptr) return;
+  // The words that tests and scripts look for: counts in this order, none that is 0 but the first.
   const InputNotes& input = context_->input_notes;
   std::string text = std::to_string(outcome_.done) + " done";
   const auto add = [&text](std::int64_t count, const char* what) {
@@ -149,6 +159,7 @@ void ConsoleHost::show_summary() const {
   std::fprintf(stderr, "%s; %.1f s\n", text.c_str(), seconds_since(start_));
 }
 
+// A signal that comes between the last step and this point still counts as a cancel.
 void ConsoleHost::finish(RunContext& context) {
   signals_remember();
   if (cancel_was_signalled()) outcome_.cancelled = true;

@@ -28,7 +28,8 @@ namespace {
 
 using namespace lexon;
 
-// Exit statuses: done; failed, damaged, nothing found, or bad lines in a word list, of which the rest is written; a wrong command line; standard output not written whole.
+// Exit statuses: done; failed, damaged, nothing found, or bad lines in a word list, of which the rest is written; a
+// wrong command line; standard output not written whole.
 constexpr int kDone = 0;
 constexpr int kFailed = 1;
 constexpr int kUsage = 2;
@@ -57,6 +58,7 @@ struct Arguments {
 };
 
 // The bit of a key field by its name; 0 for other names.
+// As the option `--keys` and the builder have them: bit N is key field N.
 unsigned key_bit(const std::string& name) {
   for (int field = kKeyHw; field <= kSlotCount; ++field) {
     if (key_field_name(field) != nullptr && name == key_field_name(field)) return 1U << field;
@@ -82,6 +84,7 @@ struct Streams {
   std::FILE* log;
 };
 
+// Figures go to the output, faults to the log; so do those of the other commands.
 int run_build(Session& session, Arguments& arguments, const Streams& to) {
   BuildOptions& options = arguments.build;
   for (const std::string& name : arguments.keys) options.key_fields |= key_bit(name);
@@ -126,6 +129,7 @@ class EntryTarget {
     return nullptr;
   }
 
+  // Only now does the file have its name: what fails on the way leaves the one that stood there.
   [[nodiscard]] bool finish() {
     if (path_ == "-" || draft_.put_in_place(path_)) return true;
     std::fprintf(to_.log, "%s: cannot be written\n", path_.c_str());
@@ -138,6 +142,7 @@ class EntryTarget {
   DraftFile draft_;
 };
 
+// Words that are left out are told and are no failure; lines that are no line of such a list are one, at the end.
 int run_import(Session& session, Arguments& arguments, const Streams& to) {
   WordImport& options = arguments.import;
   for (const WordFormat format :
@@ -180,6 +185,7 @@ int run_inflect(Session& session, Arguments& arguments, const Streams& to) {
   return figures.bad_lines == 0 ? kDone : kFailed;
 }
 
+// Where the check itself could not be made neither answer is given, and the log has the reason.
 int run_check(Session& session, const Arguments& arguments, const Streams& to) {
   CheckFigures figures;
   const std::size_t memory = std::size_t{arguments.memory_mib} << 20;
@@ -227,6 +233,7 @@ CLI::App* add_find(CLI::App& app, Arguments& arguments) {
   CLI::Option_group* conditions = command->add_option_group("conditions");
   const CLI::Option* hw = conditions->add_option("--hw", query.hw, "The whole surface form");
   const CLI::Option* cw = conditions->add_option("--cw", query.cw, "The whole concept word");
+  // An empty text is a form of its own: whether the option was given decides.
   command->callback([&query, hw, cw] {
     query.wants_hw = hw->count() != 0;
     query.wants_cw = cw->count() != 0;
@@ -248,6 +255,7 @@ CLI::App* add_find(CLI::App& app, Arguments& arguments) {
   return command;
 }
 
+// What `import` and `inflect` have in common.
 void add_entry_form(CLI::App& command, Arguments& arguments, EntryForm& form) {
   command.add_option("-o,--output", arguments.output, "The entry text to write; - for standard output")
       ->capture_default_str();
@@ -300,11 +308,13 @@ int run(int argc, char** argv, const Streams& to) {
   } catch (const CLI::ParseError& error) {
     std::ostringstream out;
     std::ostringstream log;
+    // The library's own statuses are not ours. Its texts go through our streams, which escape what steers a terminal.
     const int status = app.exit(error, out, log) == 0 ? kDone : kUsage;
     std::fputs(out.str().c_str(), to.out);
     std::fputs(log.str().c_str(), to.log);
     return status;
   }
+  // Too large for a stack.
   const auto session = std::make_unique<Session>();
   if (build->parsed()) return run_build(*session, arguments, to);
   if (list->parsed()) return run_list(*session, arguments, to);

@@ -4,6 +4,7 @@
 
 #include <cstdio>
 #include <exception>
+#include <filesystem>
 #include <fstream>
 #include <iostream>
 #include <memory>
@@ -48,18 +49,16 @@ struct Arguments {
   ImportOptions options;
 };
 
-bool ends_with(const std::string& text, const std::string& end) {
-  return text.size() >= end.size() && text.compare(text.size() - end.size(), end.size(), end) == 0;
-}
-
+// By the name's end, unless a format is asked for; standard input has no name and is PENMAN.
 SourceFormat format_of(const Arguments& arguments, const std::string& input) {
   if (arguments.format == "conllu") return SourceFormat::conllu;
-  if (arguments.format == "auto" && (ends_with(input, ".conllu") || ends_with(input, ".conll"))) {
+  if (arguments.format == "auto" && (input.ends_with(".conllu") || input.ends_with(".conll"))) {
     return SourceFormat::conllu;
   }
   return SourceFormat::penman;
 }
 
+// "FILE:LINE:COLUMN: error: TEXT", as editors find it.
 void complain(const std::string& file, const std::vector<SourceError>& errors) {
   for (const SourceError& error : errors) {
     tell_line(file + ':' + std::to_string(error.place.line) + ':' + std::to_string(error.place.column) +
@@ -126,10 +125,12 @@ class Teller : public std::stringbuf {
   }
 };
 
+// Each as the switch that leaves it out.
 void show_steps() {
   for (const RewriteStep& step : rewrite_steps()) std::printf("--no-%-13s %s\n", step.name, step.about);
 }
 
+// Every triple is in one of the counts: relations, words, attributes, left out.
 void show_figures(const ImportFigures& figures) {
   std::ostringstream out;
   out << figures.graphs << " graphs, " << figures.triples << " triples: " << figures.relations << " as relations, "
@@ -156,6 +157,16 @@ int run_import(Arguments& arguments) {
     complain(arguments.attributes, errors);
     if (!errors.empty()) return kUsage;
   }
+  // An output is emptied when it is opened: before the first input has been read.
+  for (const std::string& output : {arguments.output, arguments.gold, arguments.left_out}) {
+    for (const std::string& input : arguments.inputs) {
+      std::error_code error;
+      if (!std::filesystem::is_regular_file(output, error) || !std::filesystem::equivalent(output, input, error))
+        continue;
+      tell_line("lexon-import: " + output + " is read and cannot be written: name another file");
+      return kUsage;
+    }
+  }
   Output graphs;
   Output gold;
   Output left_out;
@@ -166,6 +177,7 @@ int run_import(Arguments& arguments) {
   const ImportOutputs outputs{graphs.stream(), gold.stream(), left_out.stream(), &messages};
   for (const std::string& input : arguments.inputs) {
     const SourceFormat format = format_of(arguments, input);
+    // Each format has a table of its own, so it is read anew for each input.
     arguments.options.table = {};
     if (!table_read(arguments, format, arguments.options.table)) return kUsage;
     arguments.options.format = format;
@@ -180,11 +192,13 @@ int run_import(Arguments& arguments) {
                   outputs, figures);
     messages.flush();
   }
+  // Known only behind the last input.
   for (const std::string& label : attributes.unused()) {
     tell_line(arguments.attributes + ": error: no sentence has the label " + label);
     ++figures.errors;
   }
   if (!arguments.quiet) show_figures(figures);
+  // All three are finished, and each that fails is told.
   const bool is_whole = static_cast<int>(graphs.finish()) + gold.finish() + left_out.finish() == 3;
   if (!is_whole) return kOutputShort;
   return figures.errors == 0 ? kDone : kMistakes;

@@ -1,5 +1,5 @@
-// Joining begins with a look at all markers, so that everything that is wrong is told at once. The output comes into its
-// place when all of it has been copied, and its parts are what their markers say.
+// Joining begins with a look at all markers, so that everything that is wrong is told at once. The output comes into
+// its place when all of it has been copied, and its parts are what their markers say.
 #include "front/join.hpp"
 
 #include <algorithm>
@@ -44,6 +44,7 @@ bool read_number(std::string_view text, std::int32_t& number) {
   return error == std::errc() && end == text.data() + text.size() && number >= 1 && number <= kMostShards;
 }
 
+// Wrong words make the line wrong as a whole; which of them it was shows in the usage text.
 JoinLine read_line(std::span<char* const> words) {
   JoinLine line;
   for (std::size_t i = 0; i < words.size(); ++i) {
@@ -75,6 +76,7 @@ std::set<std::int32_t> counts_of_shards(const std::string& output) {
   std::error_code error;
   for (fs::directory_iterator it(folder, error), end; !error && it != end; it.increment(error)) {
     std::string name = it->path().filename().string();
+    // A part of which the output is gone and the marker is left counts: the check names it.
     if (name.ends_with(".done")) name.resize(name.size() - 5);
     if (!name.starts_with(begin)) continue;
     const std::string_view rest = std::string_view(name).substr(begin.size());
@@ -82,6 +84,7 @@ std::set<std::int32_t> counts_of_shards(const std::string& output) {
     ShardNumber shard;
     const bool is_shard = middle != std::string_view::npos && read_number(rest.substr(0, middle), shard.number) &&
                           read_number(rest.substr(middle + 4), shard.of) && shard.number <= shard.of &&
+                          // Only the name that a part would have, zeros included.
                           output + '.' + std::string(rest) == shard_path(output, shard);
     if (is_shard) counts.insert(shard.of);
   }
@@ -135,6 +138,7 @@ class Join {
   bool is_whole_ = true;
 };
 
+// Each part has one message at most, the first thing that is wrong with it.
 void Join::check_marker(Part& part) {
   const StampState state = shard_marker_read(shard_marker_path(part.path), part.marker);
   if (state == StampState::unopened) {
@@ -160,12 +164,15 @@ void Join::check_place(const Part* before, const Part& part) {
   const std::int64_t first = before == nullptr ? 0 : before->marker.first + before->marker.sentences;
   if (part.marker.first != first) return wrong(part, "begins with another sentence than behind the shard before it");
   const bool leaves = before != nullptr && before->marker.result.target_left;
+  // The bit that it assumed is not the one that was left: the part is right in all else, and is to be done with the
+  // other bit.
   if (part.marker.begins_with_target == leaves) return;
   if (leaves)
     return wrong(part, "begins without the forced target that the shard before it leaves", " --forced-target");
   wrong(part, "begins with a forced target, which the shard before it does not leave");
 }
 
+// The places can be compared only when all markers have been read.
 bool Join::check() {
   for (Part& part : parts_) check_marker(part);
   const Part* before = nullptr;
@@ -176,6 +183,8 @@ bool Join::check() {
   return is_whole_;
 }
 
+// The hash is taken of what is copied, so that no byte is read twice. False if it cannot be written; what is wrong with
+// the part itself shows in `is_whole_`.
 bool Join::copy(const Part& part, std::FILE* to) {
   const File from(regular_file_open(part.path, "rb"));
   std::vector<char> chunk(std::size_t{1} << 20);
@@ -193,6 +202,7 @@ bool Join::copy(const Part& part, std::FILE* to) {
   return true;
 }
 
+// Leaving on the way discards the draft: an output that stood there before is untouched.
 int Join::write() {
   DraftFile draft;
   bool is_written = draft.open_beside(line_.output);
@@ -226,6 +236,7 @@ void show(const ShardResult& all, std::int32_t shards) {
   tell_line(text);
 }
 
+// Status 1 where parts are missing or do not fit, and nothing is written then; else that of one run over all.
 int join(const JoinLine& line) {
   std::int32_t of = line.of;
   if (of == 0) {

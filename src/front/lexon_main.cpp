@@ -13,6 +13,7 @@
 
 namespace {
 
+// The order matters: signals before anything that can wait, notes about the command line before those of files.
 int run_in_terminal(const lexon::CommandLine& line, int, char**) {
   lexon::cancel_on_signals();
   lexon::ConsoleHost host(line);
@@ -32,6 +33,7 @@ int run_in_terminal(const lexon::CommandLine& line, int, char**) {
 
 int main(int argc, char** argv) {
   const std::span words(argv, static_cast<std::size_t>(argc));
+  // The only command of its own; every other word in its place is the path of a dictionary.
   if (argc > 1 && std::string_view(words[1]) == "join") {
     lexon::process_begin();
     return lexon::join_shards(words.subspan(2));

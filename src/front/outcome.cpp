@@ -7,6 +7,7 @@
 
 namespace lexon {
 
+// A rule step that failed for its last line alone is told as a loss of rules, not as a failed one.
 void Outcome::count_step(const RunContext& context, StepResult result) {
   has_losses = has_losses || context.input_notes.left_out != 0 || context.rules_refused.value_or(0) != 0;
   cancelled = cancelled || result == StepResult::cancelled;
@@ -21,6 +22,7 @@ std::vector<std::string> Outcome::finish(RunContext& context) {
   output_failed = context.file_is_short;
   target_left = context.target_left;
   left_out = context.input_notes.left_out;
+  // Without an output nothing has been opened, and the reason was told.
   std::FILE* stream = context.output.get();
   if (stream == nullptr) return notes;
   context.session.output.flush();
@@ -30,6 +32,7 @@ std::vector<std::string> Outcome::finish(RunContext& context) {
   return notes;
 }
 
+// What is worst decides: no start, then an output that is not whole, then a cancel, then what was lost.
 int Outcome::exit_status() const {
   if (could_not_start) return 1;
   if (output_failed) return 4;

@@ -14,6 +14,7 @@ namespace lexon {
 
 namespace {
 
+// Also the second set of controls, from U+0080 on.
 bool is_control(std::uint32_t code) {
   return (code < 0x20 && code != '\t') || (code >= 0x7F && code < 0xA0);
 }
@@ -35,6 +36,7 @@ ssize_t write_shown(void* under, const char* text, std::size_t size) {
 
 }  // namespace
 
+// Where the system gives no such stream the text goes out as it is.
 ShownStream::ShownStream(std::FILE* under) : under_(under), stream_(under) {
   if (isatty(fileno(under)) == 0) return;
   cookie_io_functions_t functions{};
@@ -77,6 +79,7 @@ std::string escaped(std::string_view text) {
 }
 
 void tell(std::string_view text) {
+  // A file or a pipe gets the bytes as they are.
   const std::string shown = isatty(STDERR_FILENO) != 0 ? escaped(text) : std::string(text);
   std::fwrite(shown.data(), 1, shown.size(), stderr);
 }

@@ -21,6 +21,7 @@ int answered(const Program& program) {
   return 4;
 }
 
+// In this order: what is wrong with the words is told only where neither help nor the version was asked for.
 int start(const Program& program, int argc, char** argv) {
   const std::span words(argv, static_cast<std::size_t>(argc));
   CommandLine line = command_line_read(words.subspan(words.empty() ? 0 : 1));
@@ -50,6 +51,7 @@ int program_main(const Program& program, int argc, char** argv) {
   try {
     return start(program, argc, argv);
   } catch (const std::bad_alloc&) {
+    // Without a string of its own, for which there may be no memory.
     std::fprintf(stderr, "%s: No memory!\n", program.name);
     return 1;
   }

@@ -10,6 +10,7 @@ namespace lexon {
 
 namespace {
 
+// A field keeps to its line and its column.
 std::string tsv_text(std::string_view text) {
   std::string field;
   for (const char c : text) {
@@ -30,12 +31,14 @@ std::string tsv_list(const std::vector<std::string>& texts) {
   return field;
 }
 
+// Milliseconds to the microsecond.
 std::string number_text(double number) {
   char text[32];
   std::snprintf(text, sizeof text, "%.3f", number);
   return text;
 }
 
+// The columns in the order of the line of names.
 std::string tsv_row(const SentenceReport& sentence) {
   std::string row = tsv_text(sentence.label);
   for (const std::string& field :
@@ -47,6 +50,8 @@ std::string tsv_row(const SentenceReport& sentence) {
   return row;
 }
 
+// Names as in the line of names, but for the time, whose unit is its name; lists stay lists. What is no UTF-8 is
+// replaced, since JSON has no other bytes.
 std::string json_row(const SentenceReport& sentence) {
   nlohmann::ordered_json row;
   row["label"] = sentence.label;
@@ -84,6 +89,7 @@ void ReportFile::write(const SentenceReport& sentence) {
   std::fflush(stream_);
 }
 
+// A report that was never opened has been told of already.
 bool ReportFile::close() {
   return stream_ == nullptr || is_written(stream_);
 }

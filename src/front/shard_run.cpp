@@ -21,6 +21,7 @@ class StoppedBySignals {
   StoppedBySignals& operator=(const StoppedBySignals&) = delete;
 };
 
+// A search for borders that a signal ended has no fault to tell.
 int stopped_for(const std::string& fault, ConsoleHost& host) {
   if (cancel_was_signalled()) return kCancelledStatus;
   host.report_stop(fault, {});
@@ -33,6 +34,7 @@ void note_unkept(const RunSettings& settings, ConsoleHost& host) {
              false, true});
 }
 
+// As the run's own summary has it.
 std::string result_text(const ShardResult& result) {
   std::string text = std::to_string(result.done) + " done";
   if (result.failed != 0) text += ", " + std::to_string(result.failed) + " failed";
@@ -66,6 +68,7 @@ int run_shard(const CommandLine& line, RunSettings settings, ConsoleHost& host) 
   std::atomic<bool> stop = false;
   ShardPlan plan;
   {
+    // To find the borders takes a pass over the input where nobody has written them down.
     const StoppedBySignals stopped(stop);
     const std::string fault = shard_plan(settings, *line.shard, line.forced_target, LEXON_VERSION, stop, plan);
     if (!fault.empty()) return stopped_for(fault, host);
@@ -82,7 +85,9 @@ int run_shard(const CommandLine& line, RunSettings settings, ConsoleHost& host) 
     }
     return result->exit_status(settings.strict);
   }
+  // From here on the output is unfinished, until the marker stands there again.
   std::remove(marker.c_str());
+  if (!line.report_file.empty() && !host.open_report(line.report_file, settings)) return host.exit_status();
   run_driver(settings, host);
   if (!is_finished(host.outcome())) return host.exit_status();
   const std::string fault = mark_done(settings, host.outcome(), plan);
@@ -91,6 +96,7 @@ int run_shard(const CommandLine& line, RunSettings settings, ConsoleHost& host) 
   return 4;
 }
 
+// Borders that are there and fit are not found again.
 int index_input(const RunSettings& settings, ConsoleHost& host) {
   std::atomic<bool> stop = false;
   const StoppedBySignals stopped(stop);

@@ -28,8 +28,8 @@ std::int64_t milliseconds_now() {
   return std::int64_t{now.tv_sec} * 1000 + now.tv_nsec / 1'000'000 + 1;
 }
 
-// Who ends a program and then its group sends two signals at once, and means one. Where no work has begun the program may
-// be waiting to open a file, and nothing would tell it of the signal.
+// Who ends a program and then its group sends two signals at once, and means one. Where no work has begun the program
+// may be waiting to open a file, and nothing would tell it of the signal.
 extern "C" void on_cancel_signal(int) {
   std::atomic<bool>* flag = to_stop;
   if (flag == nullptr) _exit(kCancelledStatus);

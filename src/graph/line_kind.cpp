@@ -92,10 +92,10 @@ bool sentence_text_read(TextSource source, std::string& text, TextLimit* limit) 
   return ends || !text.empty();
 }
 
-bool sentence_pass(TextSource source, TextWatch& lines) {
+bool sentence_pass(TextSource source, TextWatch* lines) {
   std::array<char, kLineSize> line;
   return to_sentence_end(
-      [&]() -> const char* { return text_line_read(source, line.data(), kLineSize, &lines) ? line.data() : nullptr; });
+      [&]() -> const char* { return text_line_read(source, line.data(), kLineSize, lines) ? line.data() : nullptr; });
 }
 
 }  // namespace lexon

@@ -49,6 +49,7 @@ struct TextLimit {
 [[nodiscard]] bool sentence_text_read(TextSource source, std::string& text, TextLimit* limit = nullptr);
 
 // The same without keeping the text. False at the end of the source: what was passed over then is no whole sentence.
-bool sentence_pass(TextSource source, TextWatch& lines);
+// Null for `lines`: nobody wants to know.
+bool sentence_pass(TextSource source, TextWatch* lines = nullptr);
 
 }  // namespace lexon

@@ -21,6 +21,7 @@ constexpr std::size_t kMostPlaces = 1024;
 // Bytes that are read before their hash is taken.
 constexpr std::size_t kHashed = std::size_t{64} << 10;
 
+// In the first column. A line that goes on is looked at in pieces, as everywhere.
 bool ends_a_sentence(const char* line) {
   return std::strncmp(line, "[/S", 3) == 0 || std::strncmp(line, "[/T", 3) == 0;
 }
@@ -59,6 +60,8 @@ class ReadBytes {
   ByteHash hash_;
 };
 
+// The one pass over the whole input. Borders, size and hash are of the bytes that were read; if the file is another one
+// behind the pass, none of them is of use.
 std::string pass_over(std::FILE* stream, std::int64_t start, const std::atomic<bool>& stop, Borders& borders) {
   const auto before = file_state(stream);
   borders = {};
@@ -70,7 +73,8 @@ std::string pass_over(std::FILE* stream, std::int64_t start, const std::atomic<b
   while (is_there && !stop) {
     bytes.empty_if_full();
     const Border place{bytes.count(), lines.line, lines.goes_on};
-    const bool ends = sentence_pass(source, lines);
+    // What stands behind the last sentence counts as one, as the run tries it.
+    const bool ends = sentence_pass(source, &lines);
     is_there = ends || bytes.count() > place.offset;
     if (!is_there) break;
     place_add(borders, place);
@@ -91,6 +95,7 @@ std::string written(const Border& place) {
   return std::to_string(place.offset) + ' ' + std::to_string(place.line) + (place.goes_on ? " 1" : " 0");
 }
 
+// The three numbers of a border: offset, lines, whether the last one goes on. False unless they are all and alone.
 bool read_place(std::string_view text, Border& place) {
   std::array<std::int64_t, 3> numbers{};
   for (std::int64_t& number : numbers) {
@@ -135,6 +140,7 @@ bool borders_read(const std::string& path, Borders& borders) {
   return true;
 }
 
+// Size and date, not the content: that would take as long as to find the borders anew.
 bool is_of(const Borders& borders, std::FILE* stream, std::int64_t start) {
   const auto state = file_state(stream);
   return state && borders.start == start && state->size == borders.input.size && state->written == borders.input.time;
@@ -162,6 +168,7 @@ std::string borders_of(const std::string& input, std::int64_t start, bool is_new
   }
   start = std::max<std::int64_t>(start, 1);
   is_kept = true;
+  // Another program may have written them while this one waited for the lock: asked once before and once behind it.
   const auto is_there = [&] { return borders_read(path, borders) && is_of(borders, stream.get(), start); };
   if (!is_new && is_there()) return {};
   const FileLock lock(stream.get());

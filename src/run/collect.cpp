@@ -28,6 +28,7 @@ bool append_unused_relations(const Node& node, char*& cursor, const char* end, i
   return true;
 }
 
+// The surface form of the word in force. `hw_len` moves the cursor on, whatever the text's length.
 bool append_word(Session& session, const Node& node, char*& cursor, const char* end, int scope) {
   const WordEntry* word = node.candidates;
   if (word != nullptr && word->hw != nullptr) {
@@ -40,6 +41,7 @@ bool append_word(Session& session, const Node& node, char*& cursor, const char* 
   return session.state.trace_level <= 0 || append_unused_relations(node, cursor, end, scope);
 }
 
+// The scope's own list stands in for the reference; without a row it adds nothing, which is no failure.
 bool append_scope(Session& session, const Node& reference, char*& cursor, const char* end) {
   const int row = scope_row_find(session, reference.scope);
   if (row == 0) return true;
@@ -64,6 +66,7 @@ bool collect_beyond(Session& session, Node* neighbour, Node* Node::*back, char*&
 
 }  // namespace
 
+// From left to right, beginning anywhere in the list: all that is left of the node, the node, all that is right of it.
 bool collect_sentence(Session& session, Node* node, char*& cursor, const char* end, int scope) {
   if (node == nullptr) return true;
   if (stack_nearly_used(session) || must_leave(session) != Status::ok) return false;

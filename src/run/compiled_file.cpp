@@ -8,6 +8,7 @@ namespace lexon {
 
 namespace {
 
+// False for a file that is written in place, since its folder takes no new file.
 bool has_draft(const CompiledFile& file) {
   return file.draft.stream() != nullptr;
 }
@@ -31,6 +32,8 @@ bool compiled_file_open_read(CompiledFile& file) {
   return file.stream != nullptr;
 }
 
+// The draft has no name before it is whole. Where the folder takes none, the file itself is emptied: a program that is
+// killed then leaves it empty, which the next run takes for "to be made".
 bool compiled_file_open_write(CompiledFile& file) {
   const WritableName name = writable_name(file.path);
   if (!name.by_replacing) return false;
@@ -46,6 +49,7 @@ bool compiled_file_open_write(CompiledFile& file) {
 
 bool compiled_file_finish(CompiledFile& file, std::optional<FileTime> time) {
   if (file.stream == nullptr) return true;
+  // What was written in place and is not whole must not pass for compiled rules.
   if (!has_draft(file)) {
     if (time) stream_time_set(file.stream, *time);
     if (close_in_place(file)) return true;
@@ -53,12 +57,15 @@ bool compiled_file_finish(CompiledFile& file, std::optional<FileTime> time) {
     return false;
   }
   file.stream = nullptr;
+  // The date is set before the file has its name, so that nobody sees it with another one.
   const bool is_whole = file.draft.sync() && (!time || stream_time_set(file.draft.stream(), *time));
   if (is_whole && file.draft.put_in_place(file.path)) return true;
   file.draft.discard();
   return false;
 }
 
+// An empty file with the date that it would have if it had been emptied at its opening: the dates decide what the next
+// run compiles.
 void compiled_file_empty(CompiledFile& file) {
   if (file.stream == nullptr) return;
   if (!has_draft(file)) {

@@ -58,6 +58,7 @@ Opening open_output(const RunSettings& settings, RunContext& context) {
 }
 
 // Why a dictionary cannot be opened, for a message that has its path already.
+// The message of a dictionary begins with its path, and often with what the message says already.
 std::string reason_of(const Dictionary& dictionary) {
   std::string_view reason = dictionary.fault;
   for (const std::string& front : {dictionary.path + ": ", std::string("cannot be opened: ")}) {
@@ -70,6 +71,7 @@ PairCheck pair_check_of(const RunSettings& settings) {
   return settings.check_dictionaries ? PairCheck::whole : PairCheck::quick;
 }
 
+// The order of these tests decides which message a user sees: the file itself, its slot of concept words, its index.
 Opening open_dictionary(const RunSettings& settings, RunContext& context) {
   const std::string& path = settings.dictionary_file;
   Dictionary& dictionary = context.dictionary;
@@ -102,6 +104,7 @@ void share_name_size(RunContext& context, Host& host) {
   words.name_size = pairs.name_size;
 }
 
+// The only failure that offers a choice. Without the dictionary the run takes no co-occurrence step.
 Opening open_cr_dictionary(const RunSettings& settings, RunContext& context, Host& host) {
   const std::string& path = settings.cr_dictionary_file;
   if (path.empty()) return {};
@@ -115,6 +118,7 @@ Opening open_cr_dictionary(const RunSettings& settings, RunContext& context, Hos
   return goes_on ? Opening{} : failure({});
 }
 
+// A message that says "Can't Open" has the system's reason with it; the others say all that there is.
 Opening open_rules(const RunSettings& settings, RunContext& context, Host& host) {
   errno = 0;
   std::string message = rule_files_open(settings, context);
@@ -125,6 +129,7 @@ Opening open_rules(const RunSettings& settings, RunContext& context, Host& host)
   return failure(std::move(message), std::move(reason));
 }
 
+// The order is part of the behaviour: a run that fails at a later file has already emptied the output.
 Opening open_all(const RunSettings& settings, RunContext& context, Host& host) {
   Opening opening = open_output(settings, context);
   if (opening.succeeded) opening = open_dictionary(settings, context);
@@ -154,7 +159,9 @@ class RuleOutput {
 
 // False when the run was cancelled.
 bool rules_make_ready(const RunSettings& settings, RunContext& context, Host& host) {
+  // What the rules print comes from the first part of a run alone, so that the joined outputs hold it once.
   const RuleOutput output(context, !settings.range || settings.range->is_first);
+  // A failed rule step does not end the run: every sentence then fails with a banner of its own.
   if (run_rule_step(context, host) == StepResult::cancelled) {
     rule_files_cancel(context);
     context.session.output.banner(";;Cancelled!");
@@ -179,14 +186,16 @@ bool go_to_range(const RunSettings& settings, RunContext& context, StepResult& r
     if (range.is_empty() || context.grammar.rules == nullptr) return false;
     lines.line = range.from.line;
     lines.goes_on = range.from.goes_on;
+    // To the last border in front of the range, and from there sentence by sentence.
     bool is_there = fseeko(context.input, static_cast<off_t>(range.from.offset), SEEK_SET) == 0;
     for (std::int64_t i = 0; i < range.passed_over && is_there && !is_cancelled(); ++i) {
-      is_there = sentence_pass(context.input, lines);
+      is_there = sentence_pass(context.input, &lines);
     }
     if (is_cancelled()) result = StepResult::cancelled;
     if (!is_there) note_short_file(context, settings.input_file, "does not hold what its offsets say");
     return is_there && !is_cancelled();
   }
+  // An input that ends while sentences are skipped ends the run without a banner.
   const std::int64_t before = std::int64_t{settings.start_sentence} - 1;
   context.skipped = skip_sentences(context.input, before, lines, context.session.stop_requested);
   if (context.skipped >= before) return true;
@@ -217,6 +226,7 @@ std::string damaged_file(const RunContext& context) {
   return stream == dictionary.index.get() ? dictionary.index_path : dictionary.path;
 }
 
+// The first damaged place that a lookup has met, and how often there were such.
 void note_damage(RunContext& context) {
   if (context.session.damage.blocks == 0) return;
   std::string note = damaged_file(context) + ": damaged at offset " + std::to_string(context.session.damage.offset);
@@ -226,6 +236,8 @@ void note_damage(RunContext& context) {
   context.notes.push_back(note + "; \"lexon-dict check\" tells more");
 }
 
+// What did not reach a file, or did not come from one. Each of them makes the status that of an output that is not
+// whole.
 void note_faults(const RunSettings& settings, RunContext& context) {
   note_damage(context);
   const bool input_failed = context.input != nullptr && std::ferror(context.input) != 0;
@@ -269,6 +281,7 @@ void run_driver(const RunSettings& settings, Host& host) {
   run_guarded(settings, context, host);
   compiled_file_close(context.compiled_rules);
   compiled_file_close(context.compiled_matrix);
+  // The host finishes last: it flushes the output and says what came of the run, when nothing can change that any more.
   for (std::FILE* stream : {context.input, context.rule_text}) {
     if (stream != nullptr) std::fclose(stream);
   }

@@ -7,6 +7,7 @@
 namespace lexon {
 namespace {
 
+// A relation, or a word of a word block, which leads from itself to itself.
 struct Line {
   std::string scope;  // two characters, empty for the sentence itself
   std::string from;
@@ -55,8 +56,11 @@ std::string_view number_of(std::string_view text) {
 // The word as it is written.
 std::string said(std::string_view node) {
   if (node.starts_with('"')) {
-    std::string text(node.substr(1, node.rfind('"') - 1));
-    for (std::size_t at; (at = text.find("\\\"")) != std::string::npos;) text.erase(at, 1);
+    std::string text;
+    for (node = node.substr(1, node.rfind('"') - 1); !node.empty(); node.remove_prefix(1)) {
+      if (node.starts_with("\\\"")) node.remove_prefix(1);
+      text += node.front();
+    }
     return text;
   }
   const std::size_t colon = find_outside(node, ':', 0);
@@ -65,11 +69,14 @@ std::string said(std::string_view node) {
   return std::string(node.substr(0, restriction == 0 ? node.size() : restriction));
 }
 
+// Reads the graph by rules of its own, looser than the reader's: what it stands in for may have failed in reading.
 class Words {
  public:
   explicit Words(std::string_view graph) { read(graph); }
 
+  // First what the entry leads to, then the rest: the sentence's own lines before those of scopes.
   std::string all() {
+    for (const Line& line : lines_) from_[{line.scope, line.from}].push_back(&line);
     if (const auto entry = entries_.find(""); entry != entries_.end()) say("", entry->second);
     for (const Line& line : lines_) {
       if (line.scope.empty()) say("", line.from), say("", line.to);
@@ -79,11 +86,15 @@ class Words {
   }
 
  private:
+  using Place = std::pair<std::string, std::string>;  // a scope and a node of it
+
   std::vector<Line> lines_;
-  std::map<std::string, std::string> entries_;  // of each scope
+  std::map<Place, std::vector<const Line*>> from_;  // the lines that lead on from a node, as they stand
+  std::map<std::string, std::string> entries_;      // of each scope
   std::set<std::string> seen_;
   std::string text_;
 
+  // The first entry word of a scope counts.
   void node_add(const std::string& scope, std::string_view written) {
     if (written.find(".@entry") != std::string_view::npos) entries_.emplace(scope, node_of(written));
   }
@@ -123,9 +134,10 @@ class Words {
     lines_.push_back({scope, std::string(node_of(from)), std::string(node_of(to))});
   }
 
-  // A branch to its end. The list of what is still to be said stands in for recursion, which a long chain would exhaust.
+  // A branch to its end. The list of what is still to be said stands in for recursion, which a long chain would
+  // exhaust.
   void say(const std::string& scope, const std::string& node) {
-    std::vector<std::pair<std::string, std::string>> open{{scope, node}};
+    std::vector<Place> open{{scope, node}};
     while (!open.empty()) {
       const auto [place, name] = open.back();
       open.pop_back();
@@ -136,10 +148,13 @@ class Words {
         if (const auto entry = entries_.find(inner); entry != entries_.end()) open.emplace_back(inner, entry->second);
         continue;
       }
+      // A scope has been said in its place; a word is written once, the first time that a road leads to it.
       if (!text_.empty()) text_ += ' ';
       text_ += said(name);
-      for (auto line = lines_.rbegin(); line != lines_.rend(); ++line) {
-        if (line->scope == inner && line->from == name) open.emplace_back(inner, line->to);
+      const auto leading_on = from_.find({inner, name});
+      if (leading_on == from_.end()) continue;
+      for (auto line = leading_on->second.rbegin(); line != leading_on->second.rend(); ++line) {
+        open.emplace_back(inner, (*line)->to);
       }
     }
   }

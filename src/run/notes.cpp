@@ -15,6 +15,7 @@ constexpr std::size_t kShownBytes = 64;  // of a long line, on each side of the 
 // Room for sentences below which the rules are said to be many.
 constexpr std::int64_t kScarceBytes = std::int64_t{2} << 20;
 
+// "FILE:LINE", as compilers write it and editors find it.
 std::string place(const std::string& path, std::int64_t line) {
   return path + ':' + std::to_string(line);
 }
@@ -27,12 +28,14 @@ std::size_t character_begin(std::string_view text, std::size_t at) {
 
 // The line, or what stands around the place in a long one, and a caret under the place.
 std::string line_with_caret(std::string_view text, std::size_t column) {
+  // Of a long line so many bytes on each side of the place are shown, whole characters at both cuts.
   const std::size_t begin = character_begin(text, column > kShownBytes ? column - kShownBytes : 0);
   const std::size_t end = character_begin(text, std::min(text.size(), column + kShownBytes));
   std::string line = begin > 0 ? "  ..." : "  ";
   std::string below(line.size(), ' ');
   line += text.substr(begin, end - begin);
   if (end < text.size()) line += "...";
+  // Under each character one blank, and a tab under a tab, so that the caret stands right at any width of tabs.
   for (std::string_view rest = text.substr(begin, column - begin); !rest.empty();) {
     below += rest.front() == '\t' ? '\t' : ' ';
     rest.remove_prefix(utf8_first(rest).length);
@@ -46,6 +49,7 @@ std::string megabytes(std::int64_t bytes) {
   return text;
 }
 
+// What rules and a sentence have together, were every block full.
 std::int64_t room_bytes(const Pool& rules) {
   return std::int64_t{rules.max_blocks()} * kFirstBlockSize;
 }
@@ -54,6 +58,7 @@ std::string rules_room(const Pool& rules) {
   return "rules use " + megabytes(rules.bytes_used()) + " of " + megabytes(room_bytes(rules)) + " MB";
 }
 
+// What reading a text has shown, with the path in front.
 void note_text(const std::string& path, const TextWatch& text, Host& host) {
   for (const TextNote& note : text_notes(text))
     host.note({place(path, note.line) + ": " + note.text, note.is_loss, true});
@@ -88,6 +93,7 @@ SourceMap source_map_of(const RunContext& context) {
   return map;
 }
 
+// Rules that found no room, or leave little: the number of blocks that is proposed is twice the present one.
 void note_room(const RunSettings& settings, const RunContext& context, Host& host) {
   const Pool& rules = context.grammar.pool;
   const std::int64_t left = room_bytes(rules) - rules.bytes_used();
@@ -102,6 +108,7 @@ void note_room(const RunSettings& settings, const RunContext& context, Host& hos
   }
 }
 
+// What the end of the input shows: a sentence that it cut off, a start behind it, or no sentence at all.
 void note_end(const RunSettings& settings, const RunContext& context, Host& host) {
   const std::string& path = settings.input_file;
   const InputNotes& notes = context.input_notes;
@@ -130,6 +137,7 @@ std::vector<TextNote> text_notes(const TextWatch& text, const TextWatch& before)
   if (text.has_mark && !before.has_mark) {
     notes.push_back({1, "a byte order mark hides how this line begins: save the text without it", true});
   }
+  // What stands behind a NUL is lost to the line, so nothing that was seen behind one is worth a note.
   if (text.nul != 0) {
     if (before.nul == 0) {
       notes.push_back(
@@ -140,6 +148,7 @@ std::vector<TextNote> text_notes(const TextWatch& text, const TextWatch& before)
   if (is_new(text.long_line, before.long_line)) {
     notes.push_back({text.long_line, "this line has more than 1022 characters: its rest counts as another line", true});
   }
+  // Other characters alone are an encoding of their own, which is all right. Both kinds in one text are a mistake.
   const bool is_mixed = text.utf8 != 0 && text.other != 0;
   if (is_mixed && (before.utf8 == 0 || before.other == 0)) {
     notes.push_back({text.other,
@@ -176,6 +185,7 @@ void note_rules(const RunSettings& settings, const RunContext& context, Host& ho
   const RuleNotes& rules = context.rule_notes;
   const std::string& path = context.rule_text_path.empty() ? settings.rule_file : context.rule_text_path;
   note_text(path, rules.text, host);
+  // A large map is read only if there is something to find in it.
   const SourceMap map = rules.notes.empty() ? SourceMap() : source_map_of(context);
   for (const RuleNote& note : rules.notes) host.note({rule_note_text(path, map, note), !is_warning(note.fault), true});
   if (rules.last_line_fails) {

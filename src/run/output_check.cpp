@@ -16,6 +16,7 @@ namespace fs = std::filesystem;
 
 // Where a name leads, whether or not a file stands there.
 fs::path target_of(fs::path path) {
+  // As many links as the system follows; links that lead in a circle end here.
   constexpr int kMaxLinks = 40;
   std::error_code error;
   for (int i = 0; i < kMaxLinks && fs::is_symlink(fs::symlink_status(path, error)); ++i) {
@@ -30,6 +31,7 @@ fs::path target_of(fs::path path) {
 bool is_same_file(const std::string& a, const std::string& b) {
   if (b.empty()) return false;
   std::error_code error;
+  // By the file itself, so that hard links count; a name that is free has only its path.
   if (fs::exists(a, error) && fs::exists(b, error)) return fs::equivalent(a, b, error);
   const fs::path target = target_of(a);
   return !target.empty() && target == target_of(b);
@@ -45,6 +47,8 @@ std::string index_path(const std::string& dictionary_file) {
 
 }  // namespace
 
+// Files that a run writes by itself count as well: an output over the compiled rules would be emptied, then
+// overwritten.
 std::string output_conflict(const RunSettings& settings) {
   const std::string& output = settings.output_file;
   std::error_code error;

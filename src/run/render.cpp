@@ -22,6 +22,7 @@ long processor_clock(const Session& session) {
   return static_cast<long>(std::clock() / (CLOCKS_PER_SEC / 1000));
 }
 
+// The candidates of every node, as the dictionary gave them.
 void print_word_lists(Session& session) {
   out_print(session, "================= WORD LISTS : %02d ==================\n", session.sentence.graph_node_count);
   for (std::int32_t i = 0; i < session.sentence.graph_node_count && must_leave(session) == Status::ok; ++i) {
@@ -34,6 +35,7 @@ void print_word_lists(Session& session) {
   }
 }
 
+// The graph of the sentence and of each scope. Dumping leaves marks on the nodes, which the next dump must not find.
 void print_graph(Session& session) {
   out_print(session, "======================== SEM =======================\n");
   for (const ScopeRow& row : scope_rows(session.sentence)) {
@@ -69,6 +71,7 @@ Status read_sentence(Session& session, TextSource input, InputNotes* notes) {
   return status == Status::end_of_input ? status : Status::no_effect;
 }
 
+// The status stays in the session, where what comes behind looks for it.
 Status generate(Session& session) {
   session.state.trace_depth = 0;
   session.state.trace_indent[0] = '\0';
@@ -87,6 +90,7 @@ Status post_edit_sentence(Session& session) {
 Status collect_and_print(Session& session, char* text) {
   text[0] = '\0';
   char* cursor = text;
+  // Row 0 is read again: generation may have put a copy in the place of the root.
   const bool fits = collect_sentence(session, session.sentence.semlst[0].entry, cursor, text + kSentenceSize, 0);
   if (const Status s = must_leave(session); s != Status::ok) return failed_with(session, s);
   if (!fits) {
@@ -116,11 +120,15 @@ Status sentence_steps(Session& session, char* text, bool post_edit_wanted, long 
 
 }  // namespace
 
+void lookups_attend(Session& session, const DictionaryFiles& dictionary, const DictionaryFiles& cr_dictionary) {
+  session.lookups.attend({dictionary.dictionary, dictionary.index, cr_dictionary.dictionary, cr_dictionary.index});
+}
+
 Status render_sentence(Session& session, const DictionaryFiles& dictionary, TextSource input, char* text,
                        const DictionaryFiles& cr_dictionary, bool post_edit_wanted, InputNotes* notes) {
   session.sentence.dictionary = dictionary;
   session.sentence.cr_dictionary = cr_dictionary;
-  session.lookups.attend({dictionary.dictionary, dictionary.index, cr_dictionary.dictionary, cr_dictionary.index});
+  // From the start of the reading: the lookups of the graph's words count.
   const long start = processor_clock(session);
   sentence_clear(session);
   const Status read = read_sentence(session, input, notes);

@@ -10,6 +10,10 @@
 
 namespace lexon {
 
+// Looks after the files that lookups read: what is remembered of one that was written to since the last call is
+// forgotten. To be called in front of a sentence, or of some that take no time; without it a session remembers nothing.
+void lookups_attend(Session& session, const DictionaryFiles& dictionary, const DictionaryFiles& cr_dictionary);
+
 // Reads, generates, post-edits and prints one sentence. `text` is a buffer of kSentenceSize characters that receives
 // the finished line. `end_of_input` when there is no further sentence; every other status but ok is a failure. `notes`
 // goes to the reader.

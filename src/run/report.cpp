@@ -14,6 +14,7 @@ namespace lexon {
 
 namespace {
 
+// The name of a node as the graph has it. A copy that generation has made leads to the node that it was copied from.
 std::string node_name(const Node& node) {
   const Node* named = &node;
   while (named->name == nullptr && named->origin != nullptr) named = named->origin;
@@ -35,6 +36,7 @@ bool is_unknown(const Session& session, const Node& node) {
 
 }  // namespace
 
+// The marks of unused relations are added while the sentence is collected, so it is collected once more without them.
 std::string plain_sentence(Session& session, const char* printed) {
   std::int8_t& level = session.state.trace_level;
   if (level <= 0) return printed;
@@ -46,6 +48,7 @@ std::string plain_sentence(Session& session, const char* printed) {
   return fits ? text.data() : printed;
 }
 
+// Relations and words in the order of the graph; each word once, however often it stands there.
 void report_leftovers(const Session& session, SentenceReport& report) {
   report.label = session.label;
   while (!report.label.empty() && (report.label.back() == '\n' || report.label.back() == '\r')) report.label.pop_back();

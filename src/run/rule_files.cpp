@@ -45,12 +45,14 @@ std::string compare_with_text(const std::optional<FileTime>& compiled_time, RunC
   return {};
 }
 
+// Rules and matrix are put in place one behind the other, so a matrix of the same date belongs to the rules.
 bool matrix_is_current(const std::optional<FileTime>& compiled_time, const std::string& matrix_path) {
   int error = 0;
   const std::optional<FileTime> matrix_time = file_time(matrix_path, error);
   return compiled_time && matrix_time && *compiled_time <= *matrix_time;
 }
 
+// The message is the fixed one; what helps the user is in the note.
 std::string cannot_write(const CompiledFile& file, RunContext& context) {
   context.notes.push_back(file.path + ": cannot be written; --in-memory renders without compiled files");
   return cannot_open(kGenerationRule, file.path);
@@ -98,6 +100,7 @@ bool is_one_pair(const RunContext& context) {
 
 // ---- The stamp
 
+// A file that cannot be measured, or of which the stamp says nothing, is not called another one.
 bool differs(std::FILE* stream, const Stamp& stamp, const char* line) {
   const std::optional<FileMark> written = stamp.mark(line);
   const std::optional<FileMark> found = written ? file_mark(stream) : std::nullopt;
@@ -141,6 +144,7 @@ void note_by_stamp(const std::string& rule_file, const std::string& stamp_path, 
 
 // ---- Putting the files in their place
 
+// Against what it held when it was opened. A text that is gone has changed.
 bool text_has_changed(const RunContext& context) {
   if (!context.rule_text_mark) return false;
   const std::unique_ptr<std::FILE, int (*)(std::FILE*)> stream(regular_file_open(context.rule_text_path, "rb"),
@@ -163,6 +167,7 @@ std::optional<FileTime> date_of_rules(const RunContext& context) {
   return text_has_changed(context) ? std::optional(context.rule_text_mark->time) : std::nullopt;
 }
 
+// Taken before the file is put in place, while its stream is open.
 std::optional<FileMark> mark_of_written(std::FILE* stream) {
   return stream != nullptr && std::fflush(stream) == 0 ? file_mark(stream) : std::nullopt;
 }
@@ -179,6 +184,8 @@ void write_stamp(const RunContext& context, const std::optional<FileMark>& rules
   static_cast<void>(stamp_write(context.stamp_path, stamp, true));
 }
 
+// Rules first, then the matrix, then the stamp. Who looks in between finds rules whose matrix is older, and makes it
+// anew; never a matrix beside rules that it does not belong to.
 void finish_pair(RunContext& context, bool succeeded) {
   CompiledFile& rules = context.compiled_rules;
   CompiledFile& matrix = context.compiled_matrix;
@@ -194,6 +201,7 @@ void finish_pair(RunContext& context, bool succeeded) {
   if (context.rules_unwritten) return compiled_file_close(matrix);
   if (!succeeded) return compiled_file_empty(matrix);
   context.matrix_unwritten = !compiled_file_finish(matrix);
+  // The text may have changed while the files were written out.
   if (!date) {
     date = date_of_rules(context);
     if (date) file_time_set(rules.path, *date);
@@ -236,6 +244,7 @@ std::string rule_files_open(const RunSettings& settings, RunContext& context) {
   Stamp stamp;
   StampState found = StampState::missing;
   std::string reason;
+  // As long as another run puts its pair between the look and the opening, both are done again.
   constexpr int kTries = 20;
   for (int i = 0; i < kTries; ++i) {
     close_both(context);
@@ -252,6 +261,7 @@ std::string rule_files_open(const RunSettings& settings, RunContext& context) {
   return {};
 }
 
+// Only where there is a text. Rules that cannot be written are used all the same.
 bool rule_files_make_anew(RunContext& context, const std::string& why) {
   if (context.rule_text == nullptr) return false;
   close_both(context);
@@ -269,6 +279,7 @@ bool rule_files_make_anew(RunContext& context, const std::string& why) {
 void rule_files_finish(RunContext& context, bool succeeded) {
   const bool writes = context.rebuild_matrix && !context.in_memory;
   if (writes) {
+    // Two runs that finish at once would mix their pairs.
     const FolderLock lock(context.compiled_rules.path);
     left_drafts_remove(context.compiled_rules.path);
     if (context.convert) {
@@ -281,6 +292,7 @@ void rule_files_finish(RunContext& context, bool succeeded) {
   close_both(context);
 }
 
+// A cancelled conversion leaves no compiled file, not even the one of before.
 void rule_files_cancel(RunContext& context) {
   close_both(context);
   if (!context.convert || context.in_memory) return;

@@ -1,8 +1,8 @@
 // The rule text and the compiled files beside it: deciding whether the text is converted or the compiled files are
 // reused, opening them, and putting new ones in their place.
 //
-// The dates decide. A stamp beside the compiled files tells what the text and both files held when they were written: it
-// makes notes, and changes no decision. Runs that work side by side in one folder see one pair or the other, whole.
+// The dates decide. A stamp beside the compiled files tells what the text and both files held when they were written:
+// it makes notes, and changes no decision. Runs that work side by side in one folder see one pair or the other, whole.
 #pragma once
 
 #include <string>
@@ -37,8 +37,8 @@ struct CompiledPaths {
 // compiled file at all.
 [[nodiscard]] std::string rule_files_open(const RunSettings& settings, RunContext& context);
 
-// For the worker that loads: the compiled files fail, for the reason `why`. Opens them for writing, so that the text can
-// be converted after all, and notes it. False without a text; nothing has happened then.
+// For the worker that loads: the compiled files fail, for the reason `why`. Opens them for writing, so that the text
+// can be converted after all, and notes it. False without a text; nothing has happened then.
 [[nodiscard]] bool rule_files_make_anew(RunContext& context, const std::string& why);
 
 // Behind the rule step. What was written comes into its place; both files stand empty if the step has failed, and are

@@ -15,6 +15,7 @@ namespace lexon {
 
 namespace {
 
+// From the open text, or from what a grammar source has expanded to in memory.
 Status parse_and_write_rules(RunContext& context) {
   Session& session = context.session;
   Grammar& grammar = context.grammar;
@@ -31,6 +32,7 @@ Status parse_and_write_rules(RunContext& context) {
   return Status::ok;
 }
 
+// The matrix is built of the rules in memory; the file is for the next run.
 Status build_and_save_matrix(RunContext& context) {
   Session& session = context.session;
   Grammar& grammar = context.grammar;
@@ -56,6 +58,7 @@ Status convert_instead(RunContext& context, const CompiledFile& file, const std:
   return convert(context);
 }
 
+// Rules that are not compiled rules at all give `no_effect`: the text takes their place. Any other failure is final.
 Status load(RunContext& context) {
   Session& session = context.session;
   Grammar& grammar = context.grammar;
@@ -83,6 +86,7 @@ Status make_ready(RunContext& context) {
   }
 }
 
+// The step as the threads of a step run it: one of them, without a time limit.
 class RuleWork final : public StepWork {
  public:
   explicit RuleWork(RunContext& context) : context_(context) {}
@@ -105,6 +109,7 @@ StepResult run_rule_step(RunContext& context, Host& host) {
   RuleWork work(context);
   Step step(work, "converting/loading rules", 0, context.session, {&context.session});
   const StepResult result = host.run_step(context, step);
+  // The matrix has its size only now, and the session's scratch is made to it.
   if (result == StepResult::finished) session_use(context.session, context.grammar);
   return result;
 }

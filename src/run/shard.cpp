@@ -11,6 +11,7 @@ namespace lexon {
 
 namespace {
 
+// Size and hash. The date is left out: a copy on another machine is the same file.
 std::optional<FileMark> content_of(std::FILE* stream) {
   std::optional<FileMark> mark = stream != nullptr ? file_mark(stream) : std::nullopt;
   if (mark) mark->time = {0, 0};
@@ -35,6 +36,7 @@ FileMark rules_mark(const std::string& path) {
   return {static_cast<std::int64_t>(expansion.text.size()), hash.value(), {0, 0}};
 }
 
+// The switches that change the output, in an order of their own; the number of threads is none of them.
 std::string settings_text(const RunSettings& settings) {
   const std::pair<const char*, std::int64_t> all[] = {
       {"-S", settings.start_sentence},        {"-N", settings.sentence_count},           {"-L", settings.trace_level},
@@ -45,6 +47,8 @@ std::string settings_text(const RunSettings& settings) {
   return text;
 }
 
+// What the output of a part is made of. Parts with the same lines belong to one run, and one that is done stays done as
+// long as these lines are the same.
 Stamp made_of(const RunSettings& settings, const char* version, const Borders& borders) {
   Stamp stamp;
   stamp.put("program", version);
@@ -66,6 +70,7 @@ std::int64_t sentences_of(const RunSettings& settings, const Borders& borders) {
 
 // Shards have the same number of sentences, or one less; the first has some if there are any.
 InputRange range_of(ShardNumber shard, std::int64_t sentences, const Borders& borders) {
+  // Sentences in front of part `number` + 1, rounded up so that early parts are the longer ones; no product overflows.
   const auto border = [&](std::int64_t number) {
     const std::int64_t whole = sentences / shard.of * number;
     return whole + (sentences % shard.of * number + shard.of - 1) / shard.of;
@@ -75,6 +80,7 @@ InputRange range_of(ShardNumber shard, std::int64_t sentences, const Borders& bo
   range.before = border(shard.number - 1);
   const std::int64_t end = border(shard.number);
   range.count = end - range.before;
+  // What stands behind the last sentence belongs to the part that has it; of an input without any to the first part.
   range.to_end = end == sentences && (range.count != 0 || (range.is_first && sentences == 0));
   if (range.count == 0) return range;
   const auto place = static_cast<std::size_t>(range.before / borders.every);
@@ -87,6 +93,7 @@ InputRange range_of(ShardNumber shard, std::int64_t sentences, const Borders& bo
 
 constexpr const char* kMadeOf = "of ";  // in front of the keys of what it is made of
 
+// One line of a marker as a number, a count of parts or a flag. False if it is missing or out of its range.
 bool take(const Stamp& stamp, const char* key, std::int64_t& value) {
   const auto number = stamp.number(key);
   value = number.value_or(0);
@@ -125,6 +132,7 @@ std::optional<FileMark> content_mark(const std::string& path) {
 
 std::string shard_path(const std::string& output, ShardNumber shard) {
   const std::string of = std::to_string(shard.of);
+  // Zeros in front, so that a listing of the folder shows the parts in their order.
   std::string number = std::to_string(shard.number);
   number.insert(0, of.size() - std::min(of.size(), number.size()), '0');
   return output + '.' + number + "-of-" + of;
@@ -153,6 +161,7 @@ StampState shard_marker_read(const std::string& path, ShardMarker& marker) {
   return StampState::whole;
 }
 
+// The marker is the last thing that a part writes: with it the part is done, and without it the output is unfinished.
 bool shard_marker_write(const std::string& path, const ShardMarker& marker) {
   Stamp stamp;
   const auto put = [&stamp](const char* key, auto value) {
@@ -189,6 +198,7 @@ std::optional<ShardResult> shard_done(const RunSettings& settings, const ShardPl
   const ShardMarker& wanted = plan.marker;
   const bool is_same = found.shard.number == wanted.shard.number && found.shard.of == wanted.shard.of &&
                        found.begins_with_target == wanted.begins_with_target && found.made_of == wanted.made_of;
+  // The size alone: to read the whole output again would take longer than many a part.
   const File output(regular_file_open(settings.output_file, "rb"));
   if (!is_same || output == nullptr || file_size(output.get()) != found.result.output.size) return std::nullopt;
   return found.result;

@@ -1,5 +1,5 @@
-// A part of a run that another process renders, perhaps on another machine: which sentences it has, under which name its
-// output stands, and the marker that says that it is done, of what it was made, and what came of it.
+// A part of a run that another process renders, perhaps on another machine: which sentences it has, under which name
+// its output stands, and the marker that says that it is done, of what it was made, and what came of it.
 //
 // Shard 3 of 10 of a run that would write `out.txt` writes `out.txt.03-of-10`; behind its last sentence comes
 // `out.txt.03-of-10.done`, a stamp (data/stamp.hpp). An output without it is unfinished.

@@ -13,6 +13,8 @@ constexpr std::size_t kStackReserve = std::size_t{256} << 10;
 
 }  // namespace
 
+// The time of a sentence counts from the first look of the watcher that finds it at work, not from here. A stop for
+// good outlives the sentence that it met.
 void StepWorker::begin(std::int32_t number) {
   const std::lock_guard lock(mutex_);
   ++begun_;
@@ -37,12 +39,17 @@ void StepWorker::set_waiting(bool waits) {
   waits_ = waits;
 }
 
+// What the watcher does at each of its looks. It looks more often than a tick lasts: only `next_tick_` moves the time
+// on, so that a limit of N seconds ends a sentence when the sum of its ticks has passed N, as it would with a look a
+// tick.
 void StepWorker::tick(Clock::time_point now, std::int32_t limit) {
   const std::lock_guard lock(mutex_);
+  // A sentence that it has not seen before.
   if (!is_busy_ || watched_ != begun_) {
     watched_ = is_busy_ ? begun_ : 0;
     elapsed_ = 0.0;
     next_tick_ = now + kTick;
+    // What it waits for takes the time of another one.
   } else if (waits_) {
     next_tick_ = now + kTick;
   } else if (now >= next_tick_) {
@@ -70,6 +77,8 @@ Step::Step(StepWork& work, const char* caption, std::int32_t limit, Session& out
   }
 }
 
+// Who leaves without the end of the step, by an exception, has cancelled it: the threads work with what lies in the
+// caller.
 Step::~Step() {
   {
     const std::lock_guard lock(mutex_);
@@ -79,6 +88,7 @@ Step::~Step() {
   for (std::size_t i = 0; i < started_; ++i) thread_join(workers_[i]->thread_);
 }
 
+// On each of the threads. Where the stack ends is known there alone.
 void Step::serve(StepWorker& worker) {
   worker.session().state.stack_limit = stack_limit_of_this_thread(kStackReserve);
   work_.work(worker);
@@ -87,6 +97,7 @@ void Step::serve(StepWorker& worker) {
 void Step::begin() {
   output_.stop_requested = false;
   running_ = workers_.size();
+  // What a thread does: its work, and then it counts itself out.
   const auto body = [](void* argument) {
     const auto* thread = static_cast<Thread*>(argument);
     Step& step = *thread->step;
@@ -94,6 +105,7 @@ void Step::begin() {
     const std::lock_guard lock(step.mutex_);
     if (--step.running_ == 0) step.over_.notify_all();
   };
+  // With fewer threads than wanted the step goes on: those that are there do the work of all.
   while (started_ < workers_.size() &&
          thread_start(workers_[started_]->thread_, kWorkerStack, body, &threads_[started_])) {
     ++started_;
@@ -108,6 +120,7 @@ bool Step::wait_until(std::chrono::steady_clock::time_point deadline) {
   return over_.wait_until(lock, deadline, [this] { return running_ == 0; });
 }
 
+// The sessions are asked to hand on their output every tick; each does so at the next place that looks at the wish.
 void Step::watch() {
   const auto now = std::chrono::steady_clock::now();
   const bool wants_flush = now >= next_flush_;
@@ -125,6 +138,7 @@ void Step::stop() {
   for (const auto& worker : workers_) worker->stop();
 }
 
+// The order matters: who is woken must find that the step is cancelled and that its session is to stop.
 void Step::cancel() {
   cancelled_ = true;
   output_.stop_requested = true;

@@ -75,8 +75,8 @@ class StepWork {
 
 class Step {
  public:
-  // One thread for each session. `caption` is for display, `limit` in seconds, 0 for none. Nothing is owned, and `output`
-  // is the session that the output lies in.
+  // One thread for each session. `caption` is for display, `limit` in seconds, 0 for none. Nothing is owned, and
+  // `output` is the session that the output lies in.
   Step(StepWork& work, const char* caption, std::int32_t limit, Session& output, const std::vector<Session*>& sessions);
   // Stops what still runs, and waits for it.
   ~Step();

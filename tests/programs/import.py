@@ -18,6 +18,7 @@ ROWS = [
     ("attributes_of_nobody", ["bank.txt", "--attributes", "nobody.tsv"], 1, "nobody.tsv: error: no sentence has the label zz"),
     ("mistake_in_the_input", ["broken.txt"], 1, "broken.txt:1:1: error: the graph has 1 parentheses"),
     ("output_cannot_be_made", ["bank.txt", "-o", "no/folder/x"], 2, "no/folder/x cannot be written"),
+    ("output_is_an_input", ["bank.txt", "--gold", "./bank.txt"], 2, "./bank.txt is read and cannot be written"),
     ("summary", ["bank.txt"], 0, "2 graphs, 7 triples: 1 as relations, 3 as words, 2 as attributes, 1 left out"),
 ]
 

@@ -153,7 +153,8 @@ def restarts():
         shard(3)
         table.check("other rules", join(target).stderr,
                     "out.txt.3-of-3: was made with another rules than out.txt.1-of-3: run --shard 3/3 again\n")
-        shard(1), shard(2)
+        shard(1), shard(2, "--report", "r.tsv")
+        table.check("the report of a part", table.text(target / "r.tsv").count("\n"), 11)
         table.check("all with the other rules", join(target).returncode, 0)
         shard(3, "-L2")
         table.check("other switches", "another switches than" in join(target).stderr, True)

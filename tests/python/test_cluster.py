@@ -9,12 +9,13 @@ import signal
 import subprocess
 import sys
 import time
+import types
 
 import pytest
 
 pytest.importorskip("distributed")
 
-from lexon.cluster import inputs  # noqa: E402
+from lexon.cluster import inputs, results  # noqa: E402
 from test_lexon import CAT, DOG, ENDLESS, RULES, masked  # noqa: E402
 
 def command(*words):
@@ -156,7 +157,39 @@ def test_a_sentence_that_kills_is_named(words, scheduler, tmp_path):
     assert re.search(r"graphs.txt:501: chunk 2: sentence 51 of it, \[S:bad\], ended its process: signal 9", done.stderr), done.stderr
 
 
-def test_records_and_statuses(words, scheduler, tmp_path):
+class Arrow(types.ModuleType):
+    """Stands in for pyarrow, which Debian lacks: what is called of it, and with what. A type is its name."""
+
+    written = []
+
+    def __getattr__(self, name):
+        if name.startswith("__"):
+            raise AttributeError(name)
+        return lambda *of: (name, *of)
+
+    class Table:
+        @staticmethod
+        def from_pylist(rows, schema):
+            kinds = {"string": str, "int32": int, "int64": int, "float64": float, "list_": list}
+            for row in rows:
+                assert {n: type(v) for n, v in row.items()} == {n: kinds[kind[0]] for n, kind in schema[1]}
+            return rows
+
+    class ParquetWriter:
+        def __init__(self, path, schema):
+            pathlib.Path(path).write_text("a table")
+
+        def __enter__(self):
+            return self
+
+        def __exit__(self, *_):
+            pass
+
+        def write_table(self, rows):
+            Arrow.written.append([row["label"] for row in rows])
+
+
+def test_records_and_statuses(words, scheduler, tmp_path, monkeypatch):
     (tmp_path / "rules.txt").write_text(RULES)
     (tmp_path / "graphs.txt").write_text(DOG + ENDLESS + "[S:4]\nagn(dog\natt(dog.@entry,dog)\n[/S]\n")
     done = cluster(words, tmp_path / "rules.txt", tmp_path / "graphs.txt", tmp_path / "out.jsonl", "-T0.3", "--format", "jsonl",
@@ -166,6 +199,12 @@ def test_records_and_statuses(words, scheduler, tmp_path):
         ("[S:1]", "done", True), ("[S:3]", "over time", False), ("[S:4]", "done", True)]
     line = DOG.count("\n") + ENDLESS.count("\n") + 2
     assert done.returncode == 3 and found[2]["messages"][0].startswith(f"{line}:")
+    # As a table each record has the columns of the schema, with values of their types.
+    for name in ("pyarrow.parquet", "pyarrow"):
+        monkeypatch.setitem(sys.modules, name, Arrow(name))
+    sys.modules["pyarrow"].parquet = sys.modules["pyarrow.parquet"]
+    results.to_parquet(str(tmp_path / "out.jsonl"), str(tmp_path / "out.parquet"))
+    assert Arrow.written == [["[S:1]", "[S:3]", "[S:4]"]]
 
 
 # What does not start: words of the command line instead of the usual ones, status, and a word of the message.

@@ -6,6 +6,8 @@ import argparse
 import contextlib
 import dataclasses
 import logging
+import multiprocessing
+import multiprocessing.forkserver
 import os
 import queue
 import shutil
@@ -14,7 +16,6 @@ import sys
 import tempfile
 import time
 import warnings
-import zlib
 from typing import Any, Dict, Iterator, List, Optional
 
 import lexon
@@ -59,7 +60,7 @@ def _parser() -> argparse.ArgumentParser:
     add("--encoding", default="utf-8", help="of dictionary, rules and graphs, for the records (utf-8)")
     add("--format", choices=("text", "jsonl", "parquet"), default="text",
         help="text as lexon writes it, or a record of each sentence")
-    add("--chunk", type=int, default=2000, metavar="N", help="sentences that go to a worker at once (2000)")
+    add("--chunk", type=int, default=5000, metavar="N", help="sentences that go to a worker at once (5000)")
     add("--dashboard", default=":0", metavar="ADDRESS", help="of the local cluster's dashboard (a free port)")
     add("--fresh", action="store_true", help="begin anew, whatever an unfinished run has left")
     add("-q", "--quiet", action="store_true", help="no progress and no summary")
@@ -82,14 +83,25 @@ def _load(line: argparse.Namespace) -> lexon.Grammar:
     return grammar
 
 
+def _workers_prepare() -> None:
+    """Begins to import what workers need, in a process that they are forked from, while this one does so for itself."""
+    context = multiprocessing.get_context("forkserver")
+    context.set_forkserver_preload(["distributed", "distributed.nanny", "distributed.http.worker", "lexon.cluster.worker"])
+    multiprocessing.forkserver.ensure_running()
+
+
 @contextlib.contextmanager
 def _cluster(line: argparse.Namespace) -> Iterator[Any]:
     """A client of the scheduler, or of a cluster of processes here."""
     import dask
     import distributed
 
-    # The client tells of a task that fails; what dies with a worker is tried by two more.
-    dask.config.set({"distributed.scheduler.allowed-failures": 2, "distributed.admin.large-graph-warning-threshold": "1GB"})
+    # The client tells of a task that fails; what dies with a worker is tried by two more. Nobody wants to see the source of
+    # the code that sends a chunk, which would be read and parsed for each of them.
+    dask.config.set({"distributed.scheduler.allowed-failures": 2, "distributed.admin.large-graph-warning-threshold": "1GB",
+                     "distributed.diagnostics.computations.ignore-modules": [".*"],
+                     # Looks at the state of each process, which by themselves take a tenth of a processor.
+                     "distributed.admin.tick.interval": "200ms", "distributed.worker.profile.interval": "200ms"})
     logging.getLogger("distributed").setLevel(logging.CRITICAL)
     if line.scheduler:
         try:
@@ -99,6 +111,7 @@ def _cluster(line: argparse.Namespace) -> Iterator[Any]:
         with client:
             yield client
         return
+    dask.config.set({"distributed.worker.multiprocessing-method": "forkserver"})
     folder = tempfile.mkdtemp(prefix="lexon-cluster-")
     jobs = line.jobs or len(os.sched_getaffinity(0))
     try:
@@ -129,7 +142,7 @@ class _Run:
     def __init__(self, line: argparse.Namespace, client: Any, files: work.GrammarFiles, inputs: List[str], output: Output):
         self.line, self.client, self.files, self.inputs, self.output = line, client, files, inputs, output
         self.settings = work.Settings(line.level, not line.no_post_edit, line.time_limit,
-                                      "text" if line.format == "text" else "jsonl", line.poison)
+                                      "text" if line.format == "text" else "jsonl", bool(line.scheduler), line.poison)
         self.jobs: Dict[int, _Job] = {}
         self.finished: "queue.Queue[Any]" = queue.Queue()
         self.workers = self.threads = 0
@@ -223,7 +236,7 @@ class _Run:
         _tell(f"{_place(self.inputs, job.chunk)}: these sentences ended {_TRIES_APART + 3} workers and are set aside in {path}")
         parts = lexon.split(job.chunk.graphs)
         text = b"".join(work._lost_output(b"", "set aside", self.settings.form) for _ in parts)
-        job.result = work.Result(zlib.compress(text), failed=len(parts), begins_with_target=job.bit)
+        job.result = work.Result(text, failed=len(parts), begins_with_target=job.bit)
 
     def _commit(self) -> None:
         progress = self.output.progress
@@ -294,6 +307,8 @@ def _render(line: argparse.Namespace) -> int:
     start = time.monotonic()
     if line.format == "parquet":
         import pyarrow.parquet  # noqa: F401
+    if not line.scheduler:
+        _workers_prepare()
     grammar = _load(line)
     inputs = find(line.inputs)
     own = {os.path.abspath(line.output) + end for end in ("", ".part", ".journal")}

@@ -10,7 +10,6 @@ import dataclasses
 import json
 import os
 import time
-import zlib
 from typing import Any, Dict, List, Optional
 
 from .inputs import Place
@@ -86,7 +85,7 @@ class Output:
 
     def add(self, result: Result, place: Place) -> None:
         """The next chunk, which goes to `place`."""
-        self.write(zlib.decompress(result.output))
+        self.write(result.unpacked())
         progress = self.progress
         for count in ("done", "failed", "over_time", "messages"):
             setattr(progress, count, getattr(progress, count) + getattr(result, count))

@@ -29,6 +29,8 @@ class Settings:
     post_edit: bool = True
     time_limit: Optional[float] = None
     form: str = "text"
+    # Results go through a network that is slower than packing them.
+    packs: bool = True
     # For tests: a sentence that holds this text ends the process that renders it.
     poison: str = ""
 
@@ -37,7 +39,8 @@ class Settings:
 class Result:
     """What came of a chunk. `lost` names sentences that ended their process: number in the chunk, label, reason."""
 
-    output: bytes = b""  # packed
+    output: bytes = b""
+    is_packed: bool = False
     done: int = 0
     failed: int = 0
     over_time: int = 0
@@ -49,6 +52,12 @@ class Result:
     @property
     def tried(self) -> int:
         return self.done + self.failed + self.over_time
+
+    def pack(self) -> None:
+        self.output, self.is_packed = zlib.compress(self.output, 1), True
+
+    def unpacked(self) -> bytes:
+        return zlib.decompress(self.output) if self.is_packed else self.output
 
 
 class GrammarFiles:
@@ -138,10 +147,16 @@ def _render(grammar: lexon.Grammar, graphs: bytes, line: int, bit: bool, setting
             stop: Optional[_core.Stop]) -> Result:
     if settings.poison and settings.poison.encode() in graphs:
         os.kill(os.getpid(), signal.SIGKILL)
-    found = grammar._renderer.render(graphs, settings.level, settings.post_edit, settings.time_limit or 0.0, stop, bit)
+    arguments = (graphs, settings.level, settings.post_edit, settings.time_limit or 0.0, stop, bit)
     result = Result(begins_with_target=bit, leaves_target=bit)
+    if settings.form == "text":
+        (result.output, result.done, result.failed, result.over_time, stopped, result.messages,
+         result.leaves_target) = grammar._renderer.render_text(*arguments)
+        if stopped:
+            raise RuntimeError("stopped")
+        return result
     outputs = []
-    for sentence in found:
+    for sentence in grammar._renderer.render(*arguments):
         status = sentence[1]
         if status == "stopped":
             raise RuntimeError("stopped")
@@ -151,9 +166,7 @@ def _render(grammar: lexon.Grammar, graphs: bytes, line: int, bit: bool, setting
         result.failed += status == "failed" and is_sentence
         result.over_time += status == "over time"
         result.messages += sum(message[2] != 0 for message in sentence[4])
-        if settings.form == "text":
-            outputs.append(sentence[5])
-        elif is_sentence:
+        if is_sentence:
             outputs.append(_record(grammar, sentence, line))
         result.leaves_target = sentence[9]
     result.output = b"".join(outputs)
@@ -173,7 +186,8 @@ def render(stamp: str, graphs: bytes, line: int, bit: bool, settings: Settings) 
         result = _render(grammar, graphs, line, bit, settings, stop)
     finally:
         over.set()
-    result.output = zlib.compress(result.output, 1)
+    if settings.packs:
+        result.pack()
     return result
 
 
@@ -229,7 +243,9 @@ def render_apart(stamp: str, graphs: bytes, line: int, bit: bool, settings: Sett
             whole.leaves_target = False
             line += parts[number].count(b"\n")
             number += 1
-    whole.output = zlib.compress(b"".join(outputs), 1)
+    whole.output = b"".join(outputs)
+    if settings.packs:
+        whole.pack()
     return whole
 
 

@@ -17,6 +17,7 @@ constexpr int kIconLines = 4;
 AboutDialog::AboutDialog(QWidget* parent) : QDialog(parent) {
   setObjectName("about_dialog");
   setWindowTitle(tr("About Lexon"));
+  // Drawn, not an icon of fixed sizes: it grows with the font.
   auto* icon = new Picture(":/lexon/lexon.svg", kIconLines, this);
   icon->setObjectName("icon");
   auto* box = new QDialogButtonBox(this);

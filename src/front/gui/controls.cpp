@@ -34,6 +34,7 @@ QPushButton* make_button(const char* role, const QString& text, QWidget* parent)
   return button;
 }
 
+// A library's resources are not there by themselves.
 void resources_load() {
   resources_init();
 }
@@ -64,6 +65,7 @@ void show_minimised(QDialog& dialog) {
   dialog.showMinimized();
 }
 
+// The desktop starts the program and does not wait for it.
 void open_for_user(const QUrl& url, QWidget* parent) {
   if (QDesktopServices::openUrl(url)) return;
   const QString place = url.isLocalFile() ? url.toLocalFile() : url.toString();
@@ -100,6 +102,7 @@ QIcon program_icon() {
   return QIcon(":/lexon/lexon.svg");
 }
 
+// Bytes that are no characters of the user's locale do not survive the way there and back; see `read_controls`.
 QString to_text(const std::string& path) {
   return QFile::decodeName(path.c_str());
 }

@@ -15,6 +15,7 @@ namespace lexon {
 
 namespace {
 
+// Which button ended the box. Texts hold names of files, which may look like markup.
 int show_box(const char* role, QMessageBox::Icon icon, const std::string& text, QMessageBox::StandardButtons buttons,
              QWidget* parent) {
   // without a caption of its own it bears the program's name
@@ -24,12 +25,14 @@ int show_box(const char* role, QMessageBox::Icon icon, const std::string& text, 
   return box.exec();
 }
 
+// What the system says stands apart from the fixed message.
 std::string with_reason(const std::string& text, const std::string& reason) {
   return reason.empty() ? text : text + "\n\n" + reason;
 }
 
 }  // namespace
 
+// A run that starts at once has its main dialog minimised, and a window that stood on it would be hidden as well.
 DialogHost::DialogHost(MainDialog& main, bool yes)
     : main_(main), yes_(yes), progress_(main.settings(), main.settings().run_at_once ? nullptr : &main) {
   outcome_.strict = main.settings().strict;
@@ -46,6 +49,7 @@ void DialogHost::report_stop(const std::string& text, const std::string& reason)
   show_box("report_stop", QMessageBox::Critical, with_reason(text, reason), QMessageBox::Ok, window_to_stand_on());
 }
 
+// No ends the run, without another message: the user has just said so.
 bool DialogHost::ask_yes_no(const std::string& text, const std::string& reason) {
   const bool goes_on = yes_ || show_box("ask_yes_no", QMessageBox::Question, with_reason(text, reason),
                                         QMessageBox::Yes | QMessageBox::No, window_to_stand_on()) == QMessageBox::Yes;
@@ -67,6 +71,7 @@ bool DialogHost::wants_reports() const {
   return !main_.settings().run_at_once;
 }
 
+// On a thread of the step. Nothing here is shown, and what is kept is looked at behind the step.
 void DialogHost::report(const SentenceReport& sentence) {
   const std::int64_t number = std::max(main_.settings().start_sentence, 1) + reported_++;
   if (sentence.status != "done" && lost_.size() < kKeptSentences) lost_.push_back({number, sentence});
@@ -81,6 +86,7 @@ StepResult DialogHost::run_step(RunContext& context, Step& step) {
 void DialogHost::finish(RunContext& context) {
   signals_remember();
   if (cancel_was_signalled()) outcome_.cancelled = true;
+  // Notes go to standard error too: the summary shows the first of them, and a run that started by itself has none.
   progress_.hide();
   for (std::string& note : outcome_.finish(context)) notes_.push_back(std::move(note));
   for (const std::string& note : notes_) tell_line("lexon-gui: " + note);

@@ -38,12 +38,14 @@ int run_windows(const lexon::CommandLine& line, int argc, char** argv) {
   // The toolkit takes the user's locale; the numbers in the output keep their point.
   std::setlocale(LC_NUMERIC, "C");
   QApplication::setDesktopFileName("lexon-gui");
+  // Between two windows of a run none is open, which is no end.
   QApplication::setQuitOnLastWindowClosed(false);
   lexon::resources_load();
   lexon::translations_load();
   QApplication::setWindowIcon(lexon::program_icon());
   lexon::MainDialog main(line);
   const int status = main.run();
+  // There is no second run in a process: another process takes this one's place, with the same settings.
   if (!main.words_for_again().empty()) {
     const std::string program = lexon::to_path(QApplication::applicationFilePath());
     if (!lexon::start_program(program, main.words_for_again())) {

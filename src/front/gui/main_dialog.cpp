@@ -36,6 +36,7 @@ QLabel* make_title(QWidget* parent) {
 
 }  // namespace
 
+// Without a word about threads the dialogs use all processors; the program in a terminal uses one.
 MainDialog::MainDialog(const CommandLine& line)
     : settings_(line.settings),
       yes_(line.yes),
@@ -60,6 +61,7 @@ MainDialog::MainDialog(const CommandLine& line)
   show_state();
 }
 
+// The picture sets the width, and the text below wraps to it.
 void MainDialog::make_layout() {
   auto* picture = new Picture(":/lexon/picture.svg", kPictureLines, this);
   picture->setObjectName("picture");
@@ -116,6 +118,7 @@ void MainDialog::make_actions() {
   setContextMenuPolicy(Qt::ActionsContextMenu);
 }
 
+// A run that starts at once never shows this dialog.
 int MainDialog::run() {
   if (settings_.run_at_once) {
     render();
@@ -126,14 +129,17 @@ int MainDialog::run() {
 }
 
 void MainDialog::render() {
+  // While a run is at work signals cancel it; before and behind it they end the program.
   cancel_on_signals();
   DialogHost host(*this, yes_);
+  // Asked in front of the run, which empties the output; a second run may write over it without a question.
   if (output_conflict(settings_).empty()) own_output_ = settings_.output_file;
   run_driver(settings_, host);
   leave_signals_alone();
   if (!settings_.run_at_once && !host.outcome().could_not_start) remember_project(settings_);
 }
 
+// A run that could not start is no end: its status counts only if nobody is there to mend the settings.
 void MainDialog::end_run(const Outcome& outcome, bool wants_again) {
   if (wants_again) words_for_again_ = words_of(settings_, yes_);
   exit_status_ = outcome.exit_status();
@@ -142,6 +148,7 @@ void MainDialog::end_run(const Outcome& outcome, bool wants_again) {
   setting_->setFocus();
 }
 
+// Cancel leaves the settings as they were: the dialog works on its own.
 void MainDialog::open_setting() {
   SettingDialog dialog(settings_, this);
   dialog.may_overwrite(own_output_);

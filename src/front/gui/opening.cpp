@@ -20,6 +20,7 @@ constexpr qint64 kLooked = 65536;  // bytes of a text
 
 enum class Kind { unknown, words, pairs, rules, graphs, output, entries };
 
+// Texts of functions without a window have a context of their own for translators.
 QString text_for(const char* text) {
   return QCoreApplication::translate("lexon", text);
 }
@@ -31,6 +32,7 @@ Kind kind_of_text(const QString& path) {
     const char* pattern;
     Kind kind;
   };
+  // In this order: an output shows graphs, and a line of rules may begin like an entry or a relation.
   static constexpr Sign kSigns[] = {
       {"^;;(Done|Failed|Time)", Kind::output},
       {R"(^[^;\[].*["}]\s*(\([^()]*\)\s*)?P-?\d+\s*;)", Kind::rules},
@@ -46,6 +48,7 @@ Kind kind_of_text(const QString& path) {
   return Kind::unknown;
 }
 
+// By the name where that is sure, else by the text.
 Kind kind_of_file(const QFileInfo& file) {
   static const QRegularExpression pair_name("(^|[^a-z])(cr|cooc[a-z]*)([^a-z]|$)",
                                             QRegularExpression::CaseInsensitiveOption);
@@ -56,6 +59,7 @@ Kind kind_of_file(const QFileInfo& file) {
   return kind_of_text(file.filePath());
 }
 
+// A second dictionary is the one for co-occurrence.
 std::string* field_of(RunSettings& settings, Kind kind) {
   switch (kind) {
     case Kind::words:
@@ -92,6 +96,7 @@ QString take_file(const char* given, RunSettings& settings) {
   return {};
 }
 
+// The new start may have another current folder.
 std::string absolute_word(const std::string& path) {
   std::error_code error;
   return path.empty() ? path : std::filesystem::absolute(path, error).string();
@@ -110,6 +115,7 @@ CommandLine line_of_files(std::span<const char* const> files) {
 
 std::vector<std::string> words_of(const RunSettings& settings, bool yes) {
   std::vector<std::string> words;
+  // The four paths stand first, empty ones too: each has its place.
   for (const std::string* path :
        {&settings.dictionary_file, &settings.rule_file, &settings.input_file, &settings.output_file}) {
     words.push_back(absolute_word(*path));
@@ -137,6 +143,7 @@ std::vector<std::string> words_of(const RunSettings& settings, bool yes) {
 }
 
 bool start_program(const std::string& program, const std::vector<std::string>& words) {
+  // The words are not written to: the type is the system's.
   std::vector<char*> argv{const_cast<char*>(program.c_str())};
   for (const std::string& word : words) argv.push_back(const_cast<char*>(word.c_str()));
   argv.push_back(nullptr);

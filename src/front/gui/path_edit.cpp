@@ -31,6 +31,7 @@ QString plain_tip(const QString& text) {
 
 }  // namespace
 
+// The mark stands in the field itself, and takes no room as long as nothing is wrong.
 PathEdit::PathEdit(const QString& role, PathUse use, const QString& help, QWidget* parent)
     : QLineEdit(parent), use_(use), help_(help) {
   setObjectName(role);
@@ -43,6 +44,7 @@ PathEdit::PathEdit(const QString& role, PathUse use, const QString& help, QWidge
   look_again();
 }
 
+// What is wrong with the path alone goes first. An output that is not there is all right, as long as its folder is.
 QString PathEdit::fault() const {
   if (text().isEmpty()) return {};
   const QFileInfo file(text());
@@ -58,6 +60,7 @@ void PathEdit::set_conflict(const QString& conflict) {
   look_again();
 }
 
+// The tip shows the whole path, which the field may cut, then what is wrong, then what the field is for.
 void PathEdit::look_again() {
   const QString found = fault();
   mark_->setVisible(!found.isEmpty());
@@ -84,6 +87,7 @@ QString PathEdit::shown_text() const {
   return fontMetrics().elidedText(text(), Qt::ElideMiddle, text_place().width());
 }
 
+// Only a path that does not fit, while nobody edits it, is drawn here.
 void PathEdit::paintEvent(QPaintEvent* event) {
   const QString shown = shown_text();
   if (hasFocus() || shown == text()) return QLineEdit::paintEvent(event);
@@ -94,6 +98,7 @@ void PathEdit::paintEvent(QPaintEvent* event) {
   painter.drawItemText(text_place(), Qt::AlignVCenter, palette(), isEnabled(), shown, QPalette::Text);
 }
 
+// Files are taken over as paths; text is dropped as in any field.
 void PathEdit::dragEnterEvent(QDragEnterEvent* event) {
   if (dragged_file(*event->mimeData()).isEmpty()) return QLineEdit::dragEnterEvent(event);
   event->acceptProposedAction();

@@ -10,6 +10,7 @@ Picture::Picture(const QString& resource, int lines, QWidget* parent)
   setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
 }
 
+// The height is given by the font, the width by the drawing.
 QSize Picture::sizeHint() const {
   const int height = lines_ * fontMetrics().height();
   return drawing_->defaultSize().scaled(QWIDGETSIZE_MAX, height, Qt::KeepAspectRatio);

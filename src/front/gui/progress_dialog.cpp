@@ -43,6 +43,7 @@ QString number_text(double number) {
   return QLocale().toString(number, 'f', number < 10 ? 1 : 0);
 }
 
+// Minutes and seconds, with hours in front where there are any.
 QString time_text(double seconds) {
   const auto whole = static_cast<long long>(seconds);
   const QString rest = QString::asprintf("%02lld", whole % 60);
@@ -52,12 +53,14 @@ QString time_text(double seconds) {
 
 }  // namespace
 
+// The count may be under way in a large input: it looks at `stop_` line by line.
 InputCount::~InputCount() {
   stop_ = true;
   if (thread_.joinable()) thread_.join();
 }
 
 void InputCount::start(const std::string& input) {
+  // Once for a run.
   if (thread_.joinable() || !QFileInfo(to_text(input)).isFile()) return;
   const auto count = [this, input] {
     const File file(text_open(input, stop_));
@@ -141,6 +144,7 @@ void ProgressDialog::make_layout() {
 }
 
 void ProgressDialog::show_step(const QString& caption, std::int32_t number) {
+  // As the run gives them; what the caption is called in the user's language is known to the caller.
   caption_->setText(caption);
   number_->setText(QString::number(number));
 }
@@ -154,6 +158,7 @@ void ProgressDialog::show_progress(const RunProgress& progress) {
   const QString closed = locale.toString(static_cast<qlonglong>(progress.closed));
   const QString lost = locale.toString(static_cast<qlonglong>(progress.lost));
   const double rate = progress.seconds > 0 ? static_cast<double>(progress.closed) / progress.seconds : 0.0;
+  // In the first second a rate jumps about and says nothing.
   const bool has_rate = progress.seconds >= kFirstRate && rate > 0;
   const std::int64_t open = std::max<std::int64_t>(progress.all - progress.closed, 0);
   if (progress.all > 0) {
@@ -170,6 +175,7 @@ void ProgressDialog::show_progress(const RunProgress& progress) {
                            .arg(rate_shown, has_rate ? time_text(static_cast<double>(open) / rate) : QString("–")));
 }
 
+// It stays up between the steps, and a user who has minimised it finds it so.
 void ProgressDialog::show_once() {
   if (isVisible()) return;
   if (start_minimised_) {
@@ -184,6 +190,7 @@ StepResult ProgressDialog::run_step(RunContext& context, Step& step) {
   step_ = &step;
   signals_stop(&step.stop_flag());
   step.begin();
+  // 0 is the rule step.
   if (context.number != 0) {
     since_first_.start();
     if (wanted_ == 0) count_.start(input_);
@@ -197,6 +204,7 @@ StepResult ProgressDialog::run_step(RunContext& context, Step& step) {
   return step.result();
 }
 
+// The step first: one that is over needs no cancel. The end of a step presses the hidden button.
 void ProgressDialog::watch() {
   const bool is_over = step_->wait_until(std::chrono::steady_clock::now());
   if (cancel_wanted_ || cancel_was_signalled()) step_->cancel();
@@ -205,6 +213,7 @@ void ProgressDialog::watch() {
   if (since_shown_.elapsed() >= kTick.count()) show_all();
 }
 
+// 0 as long as it is not known. The count is that of the whole input, the run may begin later.
 std::int64_t ProgressDialog::all_sentences() const {
   if (wanted_ > 0) return wanted_;
   return std::max<std::int64_t>(count_.sentences() - (first_ - 1), 0);

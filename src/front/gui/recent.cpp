@@ -17,6 +17,7 @@ namespace {
 constexpr const char* kProjects = "projects";
 constexpr const char* kLastFolder = "last-folder";
 
+// The name of a field in the user's settings. What is kept there outlives versions: names are added, not changed.
 struct PathKey {
   const char* key;
   std::string RunSettings::*field;
@@ -39,11 +40,13 @@ constexpr std::array<NumberKey, 4> kNumbers{{{"start", &RunSettings::start_sente
 constexpr const char* kOrganisation = "lexon";
 constexpr const char* kProgram = "lexon-gui";
 
+// What makes two projects one: their files, not their numbers.
 bool are_same_files(const RunSettings& one, const RunSettings& other) {
   return std::ranges::all_of(kPaths, [&](const PathKey& path) { return one.*path.field == other.*path.field; });
 }
 
 void write_projects(QSettings& settings, const QList<RunSettings>& projects) {
+  // A shorter list must not leave the end of the longer one.
   settings.remove(kProjects);
   settings.beginWriteArray(kProjects, static_cast<int>(projects.size()));
   for (int i = 0; i < projects.size(); ++i) {
@@ -58,6 +61,7 @@ void write_projects(QSettings& settings, const QList<RunSettings>& projects) {
 
 }  // namespace
 
+// What cannot be read is as in a new program: the file is the user's, and may hold anything.
 QList<RunSettings> recent_projects() {
   QSettings settings(kOrganisation, kProgram);
   QList<RunSettings> projects;
@@ -102,6 +106,7 @@ QString project_name(const RunSettings& settings) {
   return rules.dir().dirName() + "/" + rules.fileName() + ", " + input.fileName() + " → " + output.fileName();
 }
 
+// A folder that is gone is none.
 QString last_folder() {
   const QString folder = QSettings(kOrganisation, kProgram).value(kLastFolder).toString();
   return QFileInfo(folder).isDir() ? folder : QString();

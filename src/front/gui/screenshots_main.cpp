@@ -70,6 +70,7 @@ QImage with_palette(const QImage& image) {
   return image.convertToFormat(QImage::Format_Indexed8, colours);
 }
 
+// The window must have been shown once: before, it has neither size nor style.
 bool save(QWidget& window, const QDir& folder, const QString& name) {
   window.show();
   QApplication::processEvents();
@@ -97,6 +98,7 @@ lexon::CommandLine example_line() {
   return line;
 }
 
+// Made up, as is the progress below: no run takes place.
 lexon::SentenceReport example_failure() {
   lexon::SentenceReport report;
   report.label = "[S:17]";
@@ -116,6 +118,7 @@ QPalette dark_palette() {
   return palette;
 }
 
+// Stops at the first picture that cannot be written.
 bool save_all(const QDir& folder) {
   lexon::MainDialog main(example_line());
   lexon::SettingDialog setting(main.settings(), nullptr);

@@ -162,6 +162,7 @@ void have_suffix(QFileDialog& dialog) {
   QObject::connect(&dialog, &QFileDialog::filterSelected, &dialog, take);
 }
 
+// The help of a control in all three places where users look for it.
 void explain(QWidget* control, QLabel* label, const QString& help) {
   for (QWidget* widget : {control, static_cast<QWidget*>(label)}) {
     if (widget == nullptr) continue;
@@ -194,6 +195,7 @@ void add_labelled(QGridLayout& rows, const char* text, QWidget* control, const c
 
 }  // namespace
 
+// Controls are filled before they are connected, so that filling them reads nothing back.
 SettingDialog::SettingDialog(const RunSettings& settings, QWidget* parent) : QDialog(parent), fields_(settings) {
   setObjectName("setting_dialog");
   setWindowTitle(tr("Setting"));
@@ -209,6 +211,7 @@ SettingDialog::SettingDialog(const RunSettings& settings, QWidget* parent) : QDi
   resize(sizeHint().expandedTo({kColumns * fontMetrics().averageCharWidth(), 0}));
 }
 
+// In the order of the rows, by the names that the user sees.
 QStringList SettingDialog::empty_fields(const RunSettings& settings) {
   QStringList labels;
   for (const PathRow& it : kPathRows) {
@@ -239,6 +242,7 @@ void SettingDialog::make_layout() {
   rows->addWidget(make_buttons(), rows->rowCount(), 0, 1, 3);
 }
 
+// A disabled row shows what its field holds and takes nothing.
 void SettingDialog::add_path_row(QGridLayout& rows, int row) {
   const PathRow& it = kPathRows[static_cast<std::size_t>(row)];
   auto* path = new PathEdit(it.role, it.use, tr(it.help), this);
@@ -255,6 +259,7 @@ void SettingDialog::add_path_row(QGridLayout& rows, int row) {
   rows.addWidget(button, row, 2);
 }
 
+// The limits of the row are those of its arrows alone.
 void SettingDialog::add_number_row(QGridLayout& rows, int row) {
   const NumberRow& it = kNumberRows[static_cast<std::size_t>(row)];
   auto* number = new NumberEdit(it.first, it.last, this);
@@ -263,6 +268,7 @@ void SettingDialog::add_number_row(QGridLayout& rows, int row) {
   add_labelled(rows, it.label, number, it.note, it.help);
 }
 
+// A list that can be typed into: the field takes any number, as the command line does.
 void SettingDialog::add_trace_row(QGridLayout& rows) {
   trace_level_ = new QComboBox(this);
   trace_level_->setObjectName("trace_level");
@@ -276,6 +282,7 @@ void SettingDialog::add_trace_row(QGridLayout& rows) {
   trace_level_->lineEdit()->setAccessibleName(trace_level_->accessibleName());
 }
 
+// A click flips the field.
 void SettingDialog::add_check_row(QGridLayout& rows) {
   rules_conversion_only_ = new QCheckBox(tr("Rules &Conversion Only"), this);
   rules_conversion_only_->setObjectName("rules_conversion_only");
@@ -308,6 +315,7 @@ QWidget* SettingDialog::make_buttons() {
   return whole;
 }
 
+// Without a project there is nothing to choose, and the button says so by being disabled.
 QPushButton* SettingDialog::make_projects_button(QWidget* parent) {
   QPushButton* button = make_button("projects", tr("Recent &Projects"), parent);
   button->setToolTip(tr("Fills the fields with the settings of an earlier run"));
@@ -319,6 +327,7 @@ QPushButton* SettingDialog::make_projects_button(QWidget* parent) {
   return button;
 }
 
+// An ampersand in a name is no mnemonic.
 void SettingDialog::fill_projects(QMenu& menu) {
   const QList<RunSettings> projects = recent_projects();
   for (const RunSettings& project : projects) {
@@ -369,10 +378,12 @@ PathEdit& SettingDialog::output_edit() const {
   return *paths_.back();
 }
 
+// What would be overwritten shows at the output, whichever field was changed last.
 void SettingDialog::mark_conflict() {
   output_edit().set_conflict(to_text(output_conflict(fields_)));
 }
 
+// A file dialog that is cancelled leaves the field as it is. The current folder stays the same.
 void SettingDialog::browse(int row) {
   read_controls();
   const PathRow& it = kPathRows[static_cast<std::size_t>(row)];
@@ -409,6 +420,7 @@ bool SettingDialog::keeps_other_output() {
   return true;
 }
 
+// The number fields tell nothing of their changes: they are read here.
 void SettingDialog::accept() {
   read_controls();
   if (!keeps_other_output()) QDialog::accept();

@@ -60,6 +60,7 @@ QString name_of(const LostSentence& lost) {
 
 }  // namespace
 
+// The window is there at once; whether there can be pages shows a moment later.
 SummaryDialog::SummaryDialog(const RunSummary& summary, QWidget* parent)
     : QDialog(parent), summary_(summary), workbench_(new QProcess(this)) {
   setObjectName("summary_dialog");
@@ -92,6 +93,7 @@ void SummaryDialog::make_layout() {
   resize(sizeHint().expandedTo({kColumns * fontMetrics().averageCharWidth(), 0}));
 }
 
+// The value can be selected, and is read out together with its label.
 void SummaryDialog::add_row(QGridLayout& rows, const char* role, const QString& label, const QString& text) {
   const int row = rows.rowCount();
   QLabel* value = make_label(role, text, this);
@@ -102,6 +104,7 @@ void SummaryDialog::add_row(QGridLayout& rows, const char* role, const QString& 
   rows.addWidget(value, row, 1);
 }
 
+// The sentences that failed, and below them what is known of the one that is chosen.
 void SummaryDialog::add_lost(QGridLayout& rows) {
   lost_ = new QTreeWidget(this);
   lost_->setObjectName("failures");
@@ -132,6 +135,7 @@ void SummaryDialog::add_lost(QGridLayout& rows) {
   lost_->setCurrentItem(lost_->topLevelItem(0));
 }
 
+// Return closes: what starts a program wants a button of its own.
 QWidget* SummaryDialog::make_buttons() {
   auto* box = new QDialogButtonBox(this);
   QPushButton* output = make_button("open_output", tr("Open &Output"), box);
@@ -155,6 +159,7 @@ QWidget* SummaryDialog::make_buttons() {
   return box;
 }
 
+// What is worst comes first.
 QString SummaryDialog::headline() const {
   const Outcome& outcome = summary_.outcome;
   if (outcome.output_failed) return tr("The output could not be written whole.");
@@ -181,6 +186,7 @@ QString SummaryDialog::counts() const {
   return texts.join(", ") + tr("; %1 seconds").arg(locale.toString(summary_.seconds, 'f', 1));
 }
 
+// Of the report of that sentence, which the run kept; nothing is rendered again.
 void SummaryDialog::show_detail() {
   const int row = lost_->indexOfTopLevelItem(lost_->currentItem());
   if (row < 0) return detail_->clear();
@@ -209,6 +215,7 @@ void SummaryDialog::look_for_workbench() {
   workbench_->start(workbench, {"view", "--help"});
 }
 
+// The same files and switches as the run, so that the page shows what happened there.
 QStringList SummaryDialog::page_words(int row, const QString& page) const {
   const RunSettings& settings = summary_.settings;
   QStringList words{"view", "-d", to_text(settings.dictionary_file), "-r", to_text(settings.rule_file)};
@@ -229,6 +236,7 @@ QStringList SummaryDialog::page_words(int row, const QString& page) const {
   return words << to_text(settings.input_file);
 }
 
+// The workbench renders the sentences once more and may take a while; the button waits for it, the window does not.
 void SummaryDialog::open_page() {
   if (!open_page_->isEnabled()) return;
   const int row = lost_ == nullptr ? -1 : lost_->indexOfTopLevelItem(lost_->currentItem());
