@@ -64,6 +64,7 @@ void copy_fixed_field(ByteView fixed, std::size_t at, std::span<Byte, Extent> fi
   for (std::size_t i = 0; i < field.size() && at + i < fixed.size(); ++i) field[i] = static_cast<Byte>(fixed[at + i]);
 }
 
+// By far most records have a fixed part of the usual size.
 void copy_fixed_part(ByteView fixed, WordEntry& word) {
   if (fixed.size() == kRecordFixedPart) {
     std::memcpy(word.frequency, fixed.data() + kFixedFrequency, sizeof word.frequency);

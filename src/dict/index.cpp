@@ -37,6 +37,7 @@ Status lookup_by(Session& session, const DictionaryFiles& files, const IndexDesc
   }
   session.lookups.answer_begin(question);
   const std::int64_t damaged_before = session.damage.blocks;
+  // The walk begins at the root, as if a level above it had named that.
   KeyHits hits;
   if (const Status s = key_hits_append(session, hits, descriptor.root); s != Status::ok) return s;
   std::FILE* own_index = files.index == nullptr ? index_open("", descriptor, key_field, false) : nullptr;
@@ -51,6 +52,7 @@ Status lookup_by(Session& session, const DictionaryFiles& files, const IndexDesc
   return s;
 }
 
+// What a lookup found before it failed goes back to the pool.
 void groups_free(Session& session, LookupGroup*& groups) {
   WordEntry* words = nullptr;
   groups_flatten(session, groups, words);
@@ -60,6 +62,7 @@ void groups_free(Session& session, LookupGroup*& groups) {
 
 }  // namespace
 
+// A dictionary from elsewhere must not make a run open files outside of its folder.
 bool is_bare_name(std::string_view name) {
   return !name.empty() && name != "." && name != ".." && name.find('/') == std::string_view::npos;
 }
