@@ -127,11 +127,11 @@ class Pool {
       free_[index] = cell->next;
       return cell;
     }
-    if (first_open_[index] >= blocks_.size()) return nullptr;
-    Block& block = blocks_[first_open_[index]];
-    const std::int32_t used = block.used + kCellSizes[index] + kCellGuard;
+    Block* const block = open_[index];
+    if (block == nullptr) return nullptr;
+    const std::int32_t used = block->used + kCellSizes[index] + kCellGuard;
     if (used > block_size_) return nullptr;
-    return block.start + std::exchange(block.used, used);
+    return block->start + std::exchange(block->used, used);
   }
   void* alloc_slowly(std::int64_t size);
   void free_slowly(void* cell, std::int64_t size);
@@ -155,6 +155,8 @@ class Pool {
   // a class stays full for it.
   std::array<FreeCell*, kCellSizes.size()> free_{};
   std::array<std::size_t, kCellSizes.size()> first_open_{};
+  std::array<Block*, kCellSizes.size()>
+      open_{};         // the same block; null: to be looked for. Blocks move when their list grows
   LargeCell large_{};  // heads the large cells
 };
 
