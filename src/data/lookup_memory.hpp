@@ -1,6 +1,6 @@
 // What lookups in the dictionaries of a sentence have read, kept for those to come: blocks of the files, and the words
-// of whole answers. Files that have changed are forgotten when the next sentence begins. Bounded to some 20 MB; without
-// memory nothing is kept. Not thread-safe.
+// of whole answers. Files that have changed are forgotten when the next sentence begins. Bounded to some 30 MB, of which
+// a page is touched when it is needed; without memory nothing is kept. Not thread-safe.
 #pragma once
 
 #include <array>
@@ -35,7 +35,8 @@ class LookupMemory {
   // What a block holds. Each kind is kept apart, so that the many blocks of words do not drive out the few of keys.
   enum class Kind : std::uint8_t { index, keys, words };
 
-  // Where the entries of a block of keys begin, once somebody has looked; of use if they stand in order.
+  // Where the entries of a block of keys begin, once somebody has looked; of use if they stand in order. A search halves the
+  // heads, which lie close together, and looks at the keys themselves only where heads are alike.
   struct KeyPlaces {
     enum class State : std::uint8_t { unknown, in_order, other };
     static constexpr std::size_t kMost = 1024;  // an entry takes 4 bytes at least
