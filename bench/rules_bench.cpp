@@ -157,12 +157,13 @@ int release(RuleCandidate* list) {
 }
 
 // One iteration asks about all windows.
-void search(benchmark::State& run, RuleCandidate* (*candidates)(Node*, Node*)) {
+template <typename Candidates>
+void search(benchmark::State& run, Candidates candidates) {
   Setting setting;
   if (!setting.built) run.SkipWithError("the index could not be built");
   std::int64_t found = 0;
   for ([[maybe_unused]] auto _ : run) {
-    for (const auto& [left, right] : setting.windows) found += release(candidates(left, right));
+    for (const auto& [left, right] : setting.windows) found += release(candidates(session, left, right));
   }
   const auto searches = static_cast<double>(run.iterations()) * static_cast<double>(setting.windows.size());
   run.counters["candidates"] = static_cast<double>(found) / searches;
@@ -183,7 +184,7 @@ BENCHMARK(search_row_by_row)->Unit(benchmark::kMicrosecond)->Repetitions(3);
 }  // namespace lexon
 
 int main(int argc, char** argv) {
-  lexon::session.output = stdout;
+  lexon::session.output.redirect(stdout);
   return lexon::bench::run(
       argc, argv,
       {{"converting 10,000 rules against 1,000", "convert_rules/10000", "convert_rules/1000", "at most 13"},

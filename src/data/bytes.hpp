@@ -1,6 +1,7 @@
 // The one codec of all binary files: numbers high byte first, texts behind their lengths, within bounds.
 #pragma once
 
+#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
@@ -65,11 +66,14 @@ class ByteReader {
   [[nodiscard]] ByteView bytes() { return bytes(u16()); }
   [[nodiscard]] std::string_view text() { return text(u16()); }
 
-  // Takes a length of 0, if that stands next.
-  [[nodiscard]] bool next_is_empty() {
-    const bool is_empty = ok_ && bytes_.size() - at_ >= 2 && bytes_[at_] == 0 && bytes_[at_ + 1] == 0;
-    if (is_empty) at_ += 2;
-    return is_empty;
+  // Takes `Count` lengths of 0, if these stand next.
+  template <std::size_t Count = 1>
+  [[nodiscard]] bool next_are_empty() {
+    static constexpr std::array<std::uint8_t, 2 * Count> kEmpty{};
+    const bool are_empty = ok_ && bytes_.size() - at_ >= kEmpty.size() &&
+                           std::memcmp(bytes_.data() + at_, kEmpty.data(), kEmpty.size()) == 0;
+    if (are_empty) at_ += kEmpty.size();
+    return are_empty;
   }
 
   void skip(std::size_t length) { (void)take(length); }

@@ -1,26 +1,10 @@
 #include "data/lookup_memory.hpp"
 
-#include <cstring>
+#include <algorithm>
 #include <functional>
 #include <new>
 
 namespace lexon {
-
-namespace {
-
-// In front of a record: block, offset, opens a group, size.
-constexpr std::size_t kRecordHead = 7;
-
-}  // namespace
-
-bool LookupMemory::Answer::next(Record& record) {
-  if (!reader_.more()) return false;
-  record.block = reader_.u16();
-  record.offset = reader_.u16();
-  record.opens_group = reader_.u8() != 0;
-  record.bytes = reader_.bytes();
-  return reader_.ok();
-}
 
 void LookupMemory::attend(const Files& files) {
   bool is_same = true;
@@ -30,7 +14,9 @@ void LookupMemory::attend(const Files& files) {
     // A file whose state cannot be told is not kept.
     files_[i] = {state ? files[i] : nullptr, state};
   }
+  draft_.reset();
   if (!is_same) forget();
+  if (count_ * 2 >= kAnswers || kAnswerBytes - used_ < kLeastRoom) answers_forget();
 }
 
 bool LookupMemory::has_room(Shelf& shelf, Kind kind) {
@@ -63,55 +49,58 @@ LookupMemory::Block LookupMemory::block(std::FILE* stream, std::int64_t offset, 
   return kept;
 }
 
-std::optional<LookupMemory::Answer> LookupMemory::answer(const Question& question) {
+std::optional<const LookupMemory::Kept*> LookupMemory::answer(const Question& question) const {
   const std::size_t file = file_of(question.dictionary);
   if (file == kNone || slots_ == nullptr) return std::nullopt;
   const Slot& slot = slot_of(file, question, std::hash<std::string_view>{}(question.key));
-  if (!slot.taken) return std::nullopt;
-  return Answer({texts_.get() + slot.begin + slot.key_size, slot.size - slot.key_size});
+  return slot.epoch == epoch_ ? std::optional(slot.words) : std::nullopt;
 }
 
 void LookupMemory::answer_begin(const Question& question) {
   draft_.reset();
   const std::size_t file = file_of(question.dictionary);
   if (file == kNone || question.key.size() > kLargestKey || !has_room_for_answers()) return;
-  if (answers_ * 2 >= kAnswers || kAnswerBytes - used_ < question.key.size()) answers_forget();
-  Slot& draft = draft_.emplace();
-  draft.hash = std::hash<std::string_view>{}(question.key);
-  draft.begin = static_cast<std::uint32_t>(used_);
-  draft.size = draft.key_size = static_cast<std::uint16_t>(question.key.size());
-  draft.file = static_cast<std::uint8_t>(file);
-  draft.field = static_cast<std::uint8_t>(question.key_field);
-  question.key.copy(reinterpret_cast<char*>(texts_.get() + used_), question.key.size());
+  // A long sentence may ask more than its share; one slot must stay free.
+  if (count_ + 1 >= kAnswers) return;
+  Draft& draft = draft_.emplace();
+  draft = {question, std::hash<std::string_view>{}(question.key), static_cast<std::uint8_t>(file), nullptr, nullptr};
 }
 
-void LookupMemory::answer_add(const Record& record) {
-  if (!draft_) return;
-  const std::size_t at = used_ + draft_->size;
-  if (kAnswerBytes - at < kRecordHead + record.bytes.size()) {
-    // The next one finds room.
+LookupMemory::Kept* LookupMemory::answer_add(std::size_t text_bytes) {
+  if (!draft_) return nullptr;
+  std::uint8_t* room = take(sizeof(Kept) + text_bytes);
+  if (room == nullptr) {
     draft_.reset();
-    answers_forget();
-    return;
+    return nullptr;
   }
-  std::uint8_t* to = texts_.get() + at;
-  store_u16(to, record.block);
-  store_u16(to + 2, record.offset);
-  to[4] = record.opens_group ? 1 : 0;
-  store_u16(to + 5, static_cast<std::uint32_t>(record.bytes.size()));
-  std::memcpy(to + kRecordHead, record.bytes.data(), record.bytes.size());
-  draft_->size += static_cast<std::uint32_t>(kRecordHead + record.bytes.size());
+  auto* kept = new (room) Kept;
+  kept->next = nullptr;
+  if (draft_->last == nullptr) {
+    draft_->words = kept;
+  } else {
+    draft_->last->next = kept;
+    draft_->last->word.next = &kept->word;
+  }
+  draft_->last = kept;
+  return kept;
 }
 
-void LookupMemory::answer_end() {
-  if (!draft_) return;
-  const std::string_view key = as_text({texts_.get() + draft_->begin, draft_->key_size});
-  Slot& slot = slot_of(draft_->file, {nullptr, draft_->field, key}, draft_->hash);
-  slot = *draft_;
-  slot.taken = true;
-  used_ += slot.size;
-  ++answers_;
+const LookupMemory::Kept* LookupMemory::answer_end() {
+  if (!draft_) return nullptr;
+  const Kept* words = nullptr;
+  const std::string_view key = draft_->question.key;
+  if (auto* copy = reinterpret_cast<char*>(take(key.size() + 1)); copy != nullptr) {
+    key.copy(copy, key.size());
+    Slot& slot = slot_of(draft_->file, draft_->question, draft_->hash);
+    slot = {draft_->words, copy,
+            draft_->hash,  static_cast<std::uint16_t>(key.size()),
+            draft_->file,  static_cast<std::uint8_t>(draft_->question.key_field),
+            epoch_};
+    ++count_;
+    words = draft_->words;
+  }
   draft_.reset();
+  return words;
 }
 
 std::size_t LookupMemory::file_of(const std::FILE* stream) const {
@@ -120,31 +109,42 @@ std::size_t LookupMemory::file_of(const std::FILE* stream) const {
   return stream == nullptr ? kNone : file;
 }
 
-LookupMemory::Slot& LookupMemory::slot_of(std::size_t file, const Question& question, std::uint64_t hash) {
+LookupMemory::Slot& LookupMemory::slot_of(std::size_t file, const Question& question, std::uint64_t hash) const {
   std::size_t at = hash % kAnswers;
-  for (; slots_[at].taken; at = (at + 1) % kAnswers) {
+  for (; slots_[at].epoch == epoch_; at = (at + 1) % kAnswers) {
     const Slot& slot = slots_[at];
     const bool may_be = slot.hash == hash && slot.file == file && slot.field == question.key_field;
-    if (may_be && as_text({texts_.get() + slot.begin, slot.key_size}) == question.key) break;
+    if (may_be && std::string_view(slot.key, slot.key_size) == question.key) break;
   }
   return slots_[at];
 }
 
 bool LookupMemory::has_room_for_answers() {
-  if (texts_ == nullptr) texts_.reset(new (std::nothrow) std::uint8_t[kAnswerBytes]);
-  if (texts_ != nullptr && slots_ == nullptr) slots_.reset(new (std::nothrow) Slot[kAnswers]);
+  if (answers_ == nullptr) {
+    answers_.reset(new (std::nothrow) std::uint8_t[kAnswerBytes]);
+    if (answers_ == nullptr) return false;
+    answers_begin_ = reinterpret_cast<std::uintptr_t>(answers_.get());
+    answers_size_ = kAnswerBytes;
+  }
+  if (slots_ == nullptr) slots_.reset(static_cast<Slot*>(std::calloc(kAnswers, sizeof(Slot))));
   return slots_ != nullptr;
 }
 
+std::uint8_t* LookupMemory::take(std::size_t size) {
+  if (size > kAnswerBytes - used_) return nullptr;
+  std::uint8_t* room = answers_.get() + used_;
+  used_ = std::min((used_ + size + alignof(Kept) - 1) / alignof(Kept) * alignof(Kept), kAnswerBytes);
+  return room;
+}
+
 void LookupMemory::answers_forget() {
-  for (std::size_t i = 0; i < kAnswers; ++i) slots_[i].taken = false;
+  ++epoch_;
   used_ = 0;
-  answers_ = 0;
+  count_ = 0;
 }
 
 void LookupMemory::forget() {
-  draft_.reset();
-  if (slots_ != nullptr && answers_ != 0) answers_forget();
+  if (used_ != 0) answers_forget();
   for (Shelf& shelf : shelves_) {
     for (std::size_t i = 0; shelf.labels != nullptr && i < kBlocks; ++i) shelf.labels[i].stream = nullptr;
   }

@@ -57,12 +57,13 @@ char* Pool::new_block() {
   return has_spare ? spare_[--spares_] : static_cast<char*>(checked_malloc(block_size_));
 }
 
-// Halves the block size as long as the heap refuses; the lowered size stays.
 void Pool::limit_blocks(int blocks) {
   max_blocks_ = blocks;
   blocks_.reserve(static_cast<std::size_t>(std::max(blocks, 0)));
+  open_ = {};
 }
 
+// Halves the block size as long as the heap refuses; the lowered size stays.
 void* Pool::serve_from_new_block(std::int32_t stride) {
   if (blocks() >= max_blocks_) return nullptr;
   if (blocks_.empty()) limit_blocks(max_blocks_);
@@ -101,6 +102,7 @@ void* Pool::serve(std::int64_t size) {
     // The stride is larger than the cell where a fuzzer looks for writes behind a cell.
     cell = serve_from_blocks(first_open_[index], stride);
     if (cell == nullptr) cell = serve_from_new_block(stride);
+    open_[index] = cell == nullptr ? nullptr : &blocks_[first_open_[index]];
   }
   if (cell != nullptr) allow(cell, static_cast<std::size_t>(size));
   return cell;
@@ -148,6 +150,7 @@ void Pool::release_all() {
   blocks_.clear();
   free_ = {};
   first_open_ = {};
+  open_ = {};
   block_size_ = kFirstBlockSize;
   exhausted_ = false;
 }

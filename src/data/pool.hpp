@@ -127,11 +127,11 @@ class Pool {
       free_[index] = cell->next;
       return cell;
     }
-    if (first_open_[index] >= blocks_.size()) return nullptr;
-    Block& block = blocks_[first_open_[index]];
-    const std::int32_t used = block.used + kCellSizes[index] + kCellGuard;
+    Block* const block = open_[index];
+    if (block == nullptr) return nullptr;
+    const std::int32_t used = block->used + kCellSizes[index] + kCellGuard;
     if (used > block_size_) return nullptr;
-    return block.start + std::exchange(block.used, used);
+    return block->start + std::exchange(block->used, used);
   }
   void* alloc_slowly(std::int64_t size);
   void free_slowly(void* cell, std::int64_t size);
@@ -155,18 +155,32 @@ class Pool {
   // a class stays full for it.
   std::array<FreeCell*, kCellSizes.size()> free_{};
   std::array<std::size_t, kCellSizes.size()> first_open_{};
+  std::array<Block*, kCellSizes.size()>
+      open_{};         // the same block; null: to be looked for. Blocks move when their list grows
   LargeCell large_{};  // heads the large cells
 };
 
 // A terminated copy of `text`, or null.
 [[nodiscard]] char* perm_text(Pool& pool, std::string_view text);
 
+// A record of zeros in `cell`. It is cleared piece by piece, since for more than some 100 bytes at once compilers take an
+// instruction for memory of any size, which is slow to begin.
+template <typename Record>
+[[nodiscard]] Record* zeroed_record(void* cell) {
+  static_assert(std::is_trivial_v<Record>);
+  constexpr std::size_t kPiece = 64;
+  auto* const record = new (cell) Record;
+  auto* const bytes = reinterpret_cast<char*>(record);
+  for (std::size_t at = 0; at + kPiece <= sizeof(Record); at += kPiece) std::memset(bytes + at, 0, kPiece);
+  std::memset(bytes + sizeof(Record) / kPiece * kPiece, 0, sizeof(Record) % kPiece);
+  return record;
+}
+
 // A zeroed record, or null. Released with `perm_delete`.
 template <typename Record>
 [[nodiscard]] Record* perm_new(Pool& pool) {
-  static_assert(std::is_trivially_destructible_v<Record>);
   void* cell = pool.alloc(static_cast<std::int64_t>(sizeof(Record)));
-  return cell == nullptr ? nullptr : new (cell) Record{};
+  return cell == nullptr ? nullptr : zeroed_record<Record>(cell);
 }
 
 template <typename Record>

@@ -39,7 +39,7 @@ void trace_indent_shrink(Session& session) {
 }
 
 void temp_free_string(Session& session, char* text) {
-  if (text == nullptr || *text == '\0') return;
+  if (text == nullptr || session.lookups.holds(text) || *text == '\0') return;
   temp_free(session, text, static_cast<std::int64_t>(std::strlen(text)) + 1);
 }
 

@@ -46,10 +46,11 @@ struct SearchScratch {
       std::uint32_t satisfied;
       std::uint32_t words;
     };
+    std::vector<std::int32_t> let;         // the rules that its words let through, but for easy ones that always pass
     std::vector<std::int32_t> satisfied;   // of the rules that it watches, and of easy ones, what its words let through
     std::vector<std::int32_t> words;       // the rows that each of the words has
     std::vector<std::uint8_t> passing;     // beside each rule that is asked about
-    std::vector<std::int32_t> open;        // places of those that are held against each word
+    std::vector<std::int32_t> open;        // places of those that are to be held against each word
     std::vector<std::uint8_t> is_present;  // by row of the index; zeros between searches
     std::vector<std::int32_t> present;     // the rows that are present, in the order of their finding
     std::vector<std::uint8_t> is_striking;  // by row; zeros between searches
@@ -166,7 +167,7 @@ inline void temp_free(Session& session, void* cell, std::int64_t size) {
   session.pool.free(cell, size);
 }
 
-// Gives a string back by its present length plus 1. Ignores null and the empty string.
+// Gives a string back by its present length plus 1. Ignores null, the empty string, and texts that lookups keep.
 void temp_free_string(Session& session, char* text);
 
 // A terminated copy of `text`, or null.
@@ -181,9 +182,8 @@ void temp_free_string(Session& session, char* text);
 // A zeroed record, or null. Released with `temp_delete`.
 template <typename Record>
 [[nodiscard]] Record* temp_new(Session& session) {
-  static_assert(std::is_trivially_destructible_v<Record>);
   void* cell = temp_alloc(session, static_cast<std::int64_t>(sizeof(Record)));
-  return cell == nullptr ? nullptr : new (cell) Record{};
+  return cell == nullptr ? nullptr : zeroed_record<Record>(cell);
 }
 
 template <typename Record>

@@ -19,8 +19,12 @@ std::int32_t length_of(std::string_view text) {
   return static_cast<std::int32_t>(text.size());
 }
 
-// Copies one text field into `target`. False when memory is exhausted.
-bool copy_field(Session& session, char*& target, const char* text, std::int32_t length) {
+// Copies one text field into `target`, unless lookups keep the text: then it serves both. False when memory is exhausted.
+bool copy_field(Session& session, char*& target, char* text, std::int32_t length) {
+  if (length > 0 && session.lookups.holds(text)) {
+    target = text;
+    return true;
+  }
   target = length > 0 ? field_copy(session, text, length) : nullptr;
   return length <= 0 || target != nullptr;
 }
@@ -29,6 +33,10 @@ bool copy_field(Session& session, char*& target, const char* text, std::int32_t 
 bool copy_attrs(Session& session, WordEntry& copy, const WordEntry& src) {
   copy.attrs = nullptr;
   if (src.attr_len <= 0) return true;
+  if (session.lookups.holds(src.attrs)) {
+    copy.attrs = src.attrs;
+    return true;
+  }
   const std::string_view text = text_or_empty(src.attrs);
   const auto room = static_cast<std::size_t>(src.attr_len) + 1;
   const std::size_t size = text.size() + 1 > room ? text.size() + 1 : room;
@@ -79,6 +87,14 @@ char* field_copy(Session& session, const char* text, std::int32_t length) {
   return copy;
 }
 
+Status text_make_own(Session& session, char*& text) {
+  if (!session.lookups.holds(text)) return Status::ok;
+  char* copy = temp_text(session, text);
+  if (copy == nullptr) return Status::memory;
+  text = copy;
+  return Status::ok;
+}
+
 WordEntry* entry_new(Session& session, const char* hw, const char* attrs) {
   if (hw == nullptr || *hw == '\0') return nullptr;
   auto* word = temp_new<WordEntry>(session);
@@ -86,8 +102,8 @@ WordEntry* entry_new(Session& session, const char* hw, const char* attrs) {
   word->language[0] = word->language[1] = '.';
   word->hw_len = length_of(hw);
   word->attr_len = length_of(text_or_empty(attrs));
-  const bool copied =
-      copy_field(session, word->hw, hw, word->hw_len) && copy_field(session, word->attrs, attrs, word->attr_len);
+  const bool copied = (word->hw = field_copy(session, hw, word->hw_len)) != nullptr &&
+                      (word->attr_len == 0 || (word->attrs = field_copy(session, attrs, word->attr_len)) != nullptr);
   if (!copied) return nullptr;
   entry_sizes_set(*word);
   return word;
@@ -120,16 +136,17 @@ void entry_drop_head(Session& session, WordEntry*& head) {
   if (head != nullptr) entry_free(session, std::exchange(head, head->next));
 }
 
+bool entry_list_is_sorted(const WordEntry* word) {
+  while (word != nullptr && word->next != nullptr && word->priority >= word->next->priority) word = word->next;
+  return word == nullptr || word->next == nullptr;
+}
+
 void entry_list_sort(WordEntry*& head) {
   struct Bucket {
     WordEntry* first = nullptr;
     WordEntry* last = nullptr;
   };
-  const auto is_in_order = [](const WordEntry* word) {
-    while (word != nullptr && word->next != nullptr && word->priority >= word->next->priority) word = word->next;
-    return word == nullptr || word->next == nullptr;
-  };
-  if (is_in_order(head)) return;
+  if (entry_list_is_sorted(head)) return;
   std::array<Bucket, 256> buckets;
   for (WordEntry* word = head; word != nullptr; word = word->next) {
     Bucket& bucket = buckets[word->priority];

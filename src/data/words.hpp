@@ -1,4 +1,6 @@
-// Dictionary words and lists of them, in the sentence's pool.
+// Dictionary words and lists of them, in the sentence's pool. Texts that are as the dictionary has them can belong to what
+// lookups keep (data/lookup_memory.hpp) and serve many words: copies share them, nobody gives them back, and who changes a
+// text in place calls `text_make_own` before.
 #pragma once
 
 #include <cstdint>
@@ -31,6 +33,9 @@ void entry_drop_head(Session& session, WordEntry*& head);
 // Stable, falling priority (unsigned).
 void entry_list_sort(WordEntry*& head);
 
+// Is the list as sorting would leave it?
+[[nodiscard]] bool entry_list_is_sorted(const WordEntry* word);
+
 // Replaces the word's attributes by a copy of `attrs`, releases the old ones and sets `attr_len` and no other size.
 [[nodiscard]] Status entry_attrs_set(Session& session, WordEntry& word, std::string_view attrs);
 
@@ -44,6 +49,10 @@ void entry_list_sort(WordEntry*& head);
 
 // Copies of texts for a record: null for length 0. On failure null with a length above 0.
 [[nodiscard]] char* field_copy(Session& session, const char* text, std::int32_t length);
+
+// Sees to it that a word's text, which may be null, is its own, so that it can be changed in place. Fails for want of memory
+// alone.
+[[nodiscard]] Status text_make_own(Session& session, char*& text);
 
 // Sets `attr_block_size` and `total_size` of a word made by hand from its lengths: the size as a text record, an
 // optional field counting with its length field if it or one behind it is there.

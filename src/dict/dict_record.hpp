@@ -7,6 +7,7 @@
 #include <string_view>
 
 #include "data/bytes.hpp"
+#include "data/lookup_memory.hpp"
 #include "data/records.hpp"
 #include "data/status.hpp"
 #include "dict/layout.hpp"
@@ -38,7 +39,12 @@ struct StoredRecord {
 // Reads all fields; false if the record is damaged: a field runs past its end.
 [[nodiscard]] bool stored_record_read(ByteView record, StoredRecord& stored);
 
-// Makes a word of a record, in the sentence's pool. `entry` is null on failure, and for a damaged record.
-[[nodiscard]] Status record_unpack(Session& session, ByteView record, WordEntry*& entry);
+// Makes a word of a record, in the sentence's pool. `entry` is null on failure, and for a damaged record. Where the answer
+// in the making has room, the word is kept there as well and lends its texts; `block` and the rest say where it stands.
+[[nodiscard]] Status record_unpack(Session& session, ByteView record, WordEntry*& entry, std::uint16_t block = 0,
+                                   std::uint16_t offset = 0, bool opens_group = false);
+
+// A copy of a word that is kept, in the sentence's pool; its texts stay where they are. Null when memory is exhausted.
+[[nodiscard]] WordEntry* kept_word_copy(Session& session, const LookupMemory::Kept& kept);
 
 }  // namespace lexon

@@ -2,8 +2,10 @@
 // chains of data blocks they name; then through the data blocks, where each hit that has words gives a group.
 
 #include <cstring>
+#include <type_traits>
 
 #include "data/bytes.hpp"
+#include "data/chain.hpp"
 #include "data/session.hpp"
 #include "data/words.hpp"
 #include "dict/block_chain.hpp"
@@ -55,10 +57,49 @@ Status scan_key_blocks(Session& session, std::FILE* dictionary, std::string_view
   return s;
 }
 
+// The key that records are compared with, prepared for many comparisons with texts of the same length, of which most
+// differ.
+class KeyText {
+ public:
+  explicit KeyText(std::string_view text) : text_(text) {
+    if (text.size() < sizeof head_) return;
+    head_ = word_at(text.data());
+    tail_ = word_at(text.data() + text.size() - sizeof tail_);
+  }
+
+  [[nodiscard]] std::string_view text() const { return text_; }
+
+  // Is it the text of the same size at `other`?
+  [[nodiscard]] bool is_at(const std::uint8_t* other) const {
+    const std::size_t size = text_.size();
+    if (size < sizeof head_) return is_short_at(other);
+    if (word_at(other) != head_ || word_at(other + size - sizeof tail_) != tail_) return false;
+    return size <= 2 * sizeof head_ || std::memcmp(other, text_.data(), size) == 0;
+  }
+
+ private:
+  template <typename Byte>
+  static std::uint64_t word_at(const Byte* bytes) {
+    std::uint64_t word;
+    std::memcpy(&word, bytes, sizeof word);
+    return word;
+  }
+
+  [[nodiscard]] bool is_short_at(const std::uint8_t* other) const {
+    std::size_t same = 0;
+    while (same < text_.size() && other[same] == static_cast<std::uint8_t>(text_[same])) ++same;
+    return same == text_.size();
+  }
+
+  std::string_view text_;
+  std::uint64_t head_ = 0;  // the first and the last eight bytes; of a shorter text nothing
+  std::uint64_t tail_ = 0;
+};
+
 // What is looked for in data blocks, and where the words go.
 struct DataScan {
   int key_field;
-  std::string_view key;
+  KeyText key;
   LookupGroup** link;     // of the group to come
   WordEntry** word_link;  // of the word to come; null as long as the current group has none
   bool is_done;           // the chain holds nothing more
@@ -75,60 +116,77 @@ Status group_open(Session& session, DataScan& scan, std::int32_t block, std::siz
   return Status::ok;
 }
 
-Status append_word(Session& session, DataScan& scan, const LookupMemory::Record& record) {
-  WordEntry* word = nullptr;
-  if (const Status s = record_unpack(session, record.bytes, word); s != Status::ok || word == nullptr) return s;
+// Takes a word into the current group, or opens one for it.
+Status append_word(Session& session, DataScan& scan, WordEntry& word, std::uint16_t block, std::uint16_t offset) {
   if (scan.word_link == nullptr) {
-    if (const Status s = group_open(session, scan, record.block, record.offset); s != Status::ok) return s;
+    if (const Status s = group_open(session, scan, block, offset); s != Status::ok) return s;
   }
-  *scan.word_link = word;
-  scan.word_link = &word->next;
+  *scan.word_link = &word;
+  scan.word_link = &word.next;
   return Status::ok;
 }
 
-// Do two texts of the same size hold the same? For many short ones that differ.
-bool is_same(const std::uint8_t* a, const char* b, std::size_t size) {
-  std::uint64_t first[2];
-  std::uint64_t last[2];
-  if (size < sizeof first[0] || size > 2 * sizeof first[0]) return size == 0 || std::memcmp(a, b, size) == 0;
-  std::memcpy(&first[0], a, sizeof first[0]);
-  std::memcpy(&first[1], b, sizeof first[0]);
-  std::memcpy(&last[0], a + size - sizeof first[0], sizeof first[0]);
-  std::memcpy(&last[1], b + size - sizeof first[0], sizeof first[0]);
-  return first[0] == first[1] && last[0] == last[1];
+// By far most lookups ask for this field.
+using UsualField = std::integral_constant<int, kKeyCw>;
+
+// The record that holds the key, from `from` on in a block's content; empty if there is none. `is_done` becomes true where
+// the chain holds nothing more: at a damaged record, and for the first field at one above the key. Records are passed over
+// as `record_at` and `record_field` tell, in one go, since most are of other words.
+template <typename KeyField>
+ByteView record_find(ByteView content, std::size_t from, KeyField key_field, const KeyText& key, bool& is_done) {
+  const std::uint8_t* const stop = content.data() + content.size();
+  const std::uint8_t* end = nullptr;
+  for (const std::uint8_t* at = content.data() + from; at < stop; at = end) {
+    const std::size_t size = stop - at < 2 ? 0 : load_u16(at);
+    end = at + size;
+    if (size <= 2 || end > stop) {
+      is_done = true;
+      break;
+    }
+    // The last place where the length of a field can stand in the record. A field that runs past the end leads beyond it.
+    const std::uint8_t* const last = end - 2;
+    const std::uint8_t* field = at + 2;
+    if constexpr (std::is_same_v<KeyField, UsualField>) {
+      static_assert(UsualField::value == 3);
+      if (field <= last) field += 2 + load_u16(field);
+      if (field <= last) field += 2 + load_u16(field);
+    } else {
+      for (int before = key_field - 1; before != 0 && field <= last; --before) field += 2 + load_u16(field);
+    }
+    if (field > last) continue;
+    const std::size_t length = load_u16(field);
+    if (key_field != kKeyHw && length != key.text().size()) continue;
+    if (length > static_cast<std::size_t>(last - field)) continue;
+    if (key_field != kKeyHw) {
+      if (key.is_at(field + 2)) return {at, size};
+      continue;
+    }
+    // Records are in the order of the first field, and of no other.
+    const int order = key_compare(as_text({field + 2, length}), key.text());
+    if (order == 0) return {at, size};
+    is_done = order > 0;
+    if (is_done) break;
+  }
+  return {};
+}
+
+ByteView record_find(ByteView content, std::size_t from, DataScan& scan) {
+  return scan.key_field == kKeyCw ? record_find(content, from, UsualField{}, scan.key, scan.is_done)
+                                  : record_find(content, from, scan.key_field, scan.key, scan.is_done);
 }
 
 Status scan_data_block(Session& session, DataScan& scan, const DictChain& chain) {
   const ByteView content = chain.content();
-  const std::uint8_t* const bytes = content.data();
-  std::size_t size = 0;
-  for (std::size_t at = kDictDataOffset; at < content.size(); at += size) {
-    // As `record_at` and `record_field` tell, in one go: most records are of other words.
-    size = content.size() - at < 2 ? 0 : load_u16(bytes + at);
-    scan.is_done = size <= 2 || size > content.size() - at;
-    if (scan.is_done) return Status::ok;
-    const std::size_t end = at + size;
-    std::size_t field = at + 2;
-    bool is_there = end - field >= 2;
-    for (int i = 1; i < scan.key_field && is_there; ++i) {
-      field += std::size_t{2} + load_u16(bytes + field);
-      is_there = field + 2 <= end;
-    }
-    const std::size_t length = is_there ? load_u16(bytes + field) : 0;
-    if (!is_there || length > end - field - 2) continue;
-    if (scan.key_field == kKeyHw) {
-      // Records are in the order of the first field, and of no other.
-      const int order = key_compare(as_text(content.subspan(field + 2, length)), scan.key);
-      scan.is_done = order > 0;
-      if (scan.is_done) return Status::ok;
-      if (order != 0) continue;
-    } else if (length != scan.key.size() || !is_same(bytes + field + 2, scan.key.data(), length)) {
-      continue;
-    }
-    const LookupMemory::Record hit{chain.number(), static_cast<std::uint16_t>(at), scan.word_link == nullptr,
-                                   content.subspan(at, size)};
-    if (const Status s = append_word(session, scan, hit); s != Status::ok) return s;
-    session.lookups.answer_add(hit);
+  for (std::size_t from = kDictDataOffset; from < content.size();) {
+    const ByteView record = record_find(content, from, scan);
+    if (record.empty()) return Status::ok;
+    const auto offset = static_cast<std::uint16_t>(record.data() - content.data());
+    from = offset + record.size();
+    WordEntry* word = nullptr;
+    const Status s = record_unpack(session, record, word, chain.number(), offset, scan.word_link == nullptr);
+    if (s != Status::ok) return s;
+    if (word == nullptr) continue;  // a damaged record
+    if (const Status t = append_word(session, scan, *word, chain.number(), offset); t != Status::ok) return t;
   }
   return Status::ok;
 }
@@ -153,7 +211,7 @@ Status dict_scan(Session& session, std::FILE* dictionary, int secondary, int key
   if (key_field > kKeyHw && secondary > 0) {
     if (const Status s = scan_key_blocks(session, dictionary, key, hits); s != Status::ok) return s;
   }
-  DataScan scan{.key_field = key_field, .key = key, .link = &groups, .word_link = nullptr, .is_done = false};
+  DataScan scan{.key_field = key_field, .key = KeyText(key), .link = &groups, .word_link = nullptr, .is_done = false};
   while (hits.first != nullptr) {
     if (const Status s = scan_data_chain(session, scan, dictionary, key_hits_take(session, hits)); s != Status::ok)
       return s;
@@ -161,12 +219,13 @@ Status dict_scan(Session& session, std::FILE* dictionary, int secondary, int key
   return Status::ok;
 }
 
-Status dict_recall(Session& session, LookupMemory::Answer& answer, LookupGroup*& groups) {
-  DataScan scan{.key_field = 0, .key = {}, .link = &groups, .word_link = nullptr, .is_done = false};
-  LookupMemory::Record record;
-  while (answer.next(record)) {
-    if (record.opens_group) scan.word_link = nullptr;
-    if (const Status s = append_word(session, scan, record); s != Status::ok) return s;
+Status dict_recall(Session& session, const LookupMemory::Kept* answer, LookupGroup*& groups) {
+  DataScan scan{.key_field = 0, .key = KeyText({}), .link = &groups, .word_link = nullptr, .is_done = false};
+  for (const LookupMemory::Kept& kept : chain<&LookupMemory::Kept::next>(answer)) {
+    WordEntry* word = kept_word_copy(session, kept);
+    if (word == nullptr) return Status::memory;
+    if (kept.opens_group) scan.word_link = nullptr;
+    if (const Status s = append_word(session, scan, *word, kept.block, kept.offset); s != Status::ok) return s;
   }
   return Status::ok;
 }

@@ -12,6 +12,7 @@ namespace lexon {
 
 namespace {
 
+// How long a build that is replacing the files is waited for: one second in all.
 constexpr int kMostTries = 40;
 constexpr std::chrono::milliseconds kBetweenTries{25};
 
@@ -37,10 +38,13 @@ void slot_read(ByteView header, int key_field, Dictionary& dictionary) {
   descriptor.number2 = reader.u32();
 }
 
+// `regular_file_open` gives the code for a wrong argument for what is no file: a folder, a device.
 const char* open_failure_text(int error) {
   return error == EINVAL ? "it is no regular file" : std::strerror(error);
 }
 
+// Opens the index that the slot of the surface form names; lookups by other fields go through it too. On failure `fault`
+// says why.
 bool index_file_open(Dictionary& dictionary) {
   const IndexDescriptor* slot = dictionary.slots[kKeyHw];
   if (slot == nullptr || slot->levels < 1) {

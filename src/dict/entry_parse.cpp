@@ -18,15 +18,17 @@ namespace lexon {
 
 namespace {
 
+// A line that is being read, and the word that is made of it.
 struct EntryScan {
-  const char* line;
-  const char* at;           // what is read next
+  const char* line;         // its start; messages show it whole
+  const char* at;           // what is read next; never behind the terminator
   const char* behind_list;  // right behind the ")" of the attributes
-  WordEntry& entry;
-  EntryStorage storage;
-  Scratch<1028> text;  // a field whose text differs from what is written
+  WordEntry& entry;         // fields that have not been read yet are null and 0
+  EntryStorage storage;     // where the texts of all fields come from
+  Scratch<1028> text;       // a field whose text differs from what is written
 };
 
+// Lines come from files with their line end, and from the program without one.
 bool ends_line(char c) {
   return c == '\0' || c == '\n';
 }
@@ -41,6 +43,7 @@ void storage_free(Session& session, EntryStorage storage, void* cell, std::size_
   temp_free(session, cell, static_cast<std::int64_t>(size));
 }
 
+// A field that is never null: the surface form.
 Status store_always(Session& session, const EntryScan& scan, char*& field, std::int32_t& length,
                     std::string_view text) {
   field = static_cast<char*>(storage_alloc(session, scan.storage, text.size() + 1));
@@ -69,6 +72,7 @@ bool is_escape_pair(const char* at) {
   return at[0] == '\\' && (at[1] == '[' || at[1] == ']' || at[1] == '\\');
 }
 
+// The "{" of the id must follow, so that brackets can stand in a surface form without escapes.
 bool closes_hw(const char* at) {
   return *at == ']' && *skip_blanks(at + 1) == '{';
 }
@@ -102,11 +106,14 @@ Status read_id(Session& session, EntryScan& scan) {
   return s;
 }
 
+// The gloss has no marks of its own: it goes up to what the next field begins with. A quote wins over a "(" wherever they
+// stand, so that a gloss may hold parentheses if a concept word follows.
 Status read_gloss(Session& session, EntryScan& scan) {
   if (*scan.at == '"' || *scan.at == '(') return Status::ok;
   const char* next = std::strstr(scan.at, " \"");
   if (next == nullptr) next = std::strstr(scan.at, " (");
   if (next == nullptr) return kBadGloss;
+  // The blanks in front of the next field are not part of it; a gloss of nothing else is none.
   const char* end = next;
   while (end > scan.at && is_blank(end[-1])) --end;
   const std::string_view text(scan.at, static_cast<std::size_t>(end - scan.at));
@@ -128,6 +135,7 @@ Status scan_cw(Session& session, EntryScan& scan) {
   const char* at = scan.at;
   for (; !closes_cw(at); ++at) {
     if (*at == '\0') return kBadCwOrAttrs;
+    // A "}" that closes belongs to the definition; one without a "{" is a character of the word.
     const bool closes_definition = in_definition && *at == '}';
     if (*at == '{') in_definition = true;
     if (!in_definition) scan.text.append(*at);
@@ -141,6 +149,7 @@ Status scan_cw(Session& session, EntryScan& scan) {
   return in_definition || !scan.text.fits() ? kBadCwOrAttrs : Status::ok;
 }
 
+// The word may be left out if the attributes stand in its place. Spaces at its end go, with a message; tabs stay.
 Status read_cw(Session& session, EntryScan& scan) {
   if (*scan.at != '"') return Status::ok;
   ++scan.at;
@@ -185,6 +194,7 @@ Status read_attrs(Session& session, EntryScan& scan) {
     if (!scan.text.empty()) scan.text.append(',');
     scan.text.append(scan_attribute(at));
   }
+  // wanted: a list that runs up to the terminator counts as closed, one up to a line feed does not.
   const bool is_unclosed = *at == '\n';
   if (is_unclosed || scan.text.size() > kMaxAttrsLength) return kBadCwOrAttrs;
   scan.behind_list = *at == ')' ? at + 1 : at;
@@ -192,6 +202,8 @@ Status read_attrs(Session& session, EntryScan& scan) {
   return store(session, scan, scan.entry.attrs, scan.entry.attr_len, scan.text.view());
 }
 
+// Of the language one character is kept: the mark of its code, or the letter itself. The rest of the word is passed over,
+// but a "." in front of something else than a letter is a mark by itself.
 void read_language(EntryScan& scan) {
   if (*scan.at != '.' && !is_letter(*scan.at)) return;
   scan.entry.language[0] = *language_to_mark(scan.at);
@@ -215,6 +227,8 @@ bool step_over(const char*& at, char c) {
   return true;
 }
 
+// "<language,frequency,priority>", of which each part may be left out from the end on; so may the closing ">" if ";" or the
+// line's end follows.
 Status read_numbers(Session&, EntryScan& scan) {
   if (!step_over(scan.at, '<')) return Status::ok;
   scan.at = skip_blanks(scan.at);
@@ -227,6 +241,7 @@ Status read_numbers(Session&, EntryScan& scan) {
   return ends ? Status::ok : kBadNumbers;
 }
 
+// Behind the entry proper: a letter or "." is the second character of the language.
 Status read_second_mark(Session&, EntryScan& scan) {
   while (is_blank(*scan.at) || *scan.at == ';') ++scan.at;
   if (is_letter(*scan.at) || *scan.at == '.') scan.entry.language[1] = *scan.at++;
@@ -248,6 +263,7 @@ Status read_extra2(Session& session, EntryScan& scan) {
   return store_up_to(session, scan, '}', scan.entry.extra2, scan.entry.extra2_len, kBadExtra2);
 }
 
+// In the order of the line; each leaves `at` where the next one begins.
 constexpr std::array kFields = {read_hw,      read_id,          read_gloss,  read_cw,    read_attrs,
                                 read_numbers, read_second_mark, read_extra1, read_extra2};
 
@@ -272,6 +288,7 @@ const char* entry_hw_end(const char* hw) {
   return nullptr;
 }
 
+// Cells go back by the lengths with which the fields were read.
 void parsed_entry_free(Session& session, WordEntry*& entry, EntryStorage storage) {
   if (entry == nullptr) return;
   const auto release = [&session, storage](char* text, std::int32_t length) {

@@ -27,15 +27,17 @@ Status lookup_from(Session& session, KeyHits& hits, const DictionaryFiles& files
 }
 
 Status lookup_by(Session& session, const DictionaryFiles& files, const IndexDescriptor& descriptor, int key_field,
-                 std::string_view key, LookupGroup*& groups) {
+                 std::string_view key, LookupGroup*& groups, const LookupMemory::Kept** kept) {
   // With an index that is looked for each time, nobody knows whether it is still the same one.
   const LookupMemory::Question question{files.index == nullptr ? nullptr : files.dictionary, key_field, key};
-  if (std::optional<LookupMemory::Answer> answer = session.lookups.answer(question); answer) {
+  if (const std::optional<const LookupMemory::Kept*> answer = session.lookups.answer(question); answer) {
+    if (kept != nullptr) *kept = *answer;
     const Status s = must_leave(session);
     return s != Status::ok ? s : dict_recall(session, *answer, groups);
   }
   session.lookups.answer_begin(question);
   const std::int64_t damaged_before = session.damage.blocks;
+  // The walk begins at the root, as if a level above it had named that.
   KeyHits hits;
   if (const Status s = key_hits_append(session, hits, descriptor.root); s != Status::ok) return s;
   std::FILE* own_index = files.index == nullptr ? index_open("", descriptor, key_field, false) : nullptr;
@@ -44,10 +46,13 @@ Status lookup_by(Session& session, const DictionaryFiles& files, const IndexDesc
   if (own_index != nullptr) static_cast<void>(std::fclose(own_index));
   key_hits_free(session, hits);
   // Damage counts as often as it is met.
-  if (s == Status::ok && session.damage.blocks == damaged_before) session.lookups.answer_end();
+  const bool may_be_kept = s == Status::ok && session.damage.blocks == damaged_before;
+  const LookupMemory::Kept* words = may_be_kept ? session.lookups.answer_end() : nullptr;
+  if (kept != nullptr) *kept = words;
   return s;
 }
 
+// What a lookup found before it failed goes back to the pool.
 void groups_free(Session& session, LookupGroup*& groups) {
   WordEntry* words = nullptr;
   groups_flatten(session, groups, words);
@@ -57,6 +62,7 @@ void groups_free(Session& session, LookupGroup*& groups) {
 
 }  // namespace
 
+// A dictionary from elsewhere must not make a run open files outside of its folder.
 bool is_bare_name(std::string_view name) {
   return !name.empty() && name != "." && name != ".." && name.find('/') == std::string_view::npos;
 }
@@ -74,13 +80,14 @@ void note_damaged_block(Session& session, const std::FILE* stream, std::int64_t 
   session.damage.offset = offset;
 }
 
-Status dict_lookup(Session& session, const DictionaryFiles& files, int key_field, const char* key,
-                   LookupGroup*& groups) {
+Status dict_lookup(Session& session, const DictionaryFiles& files, int key_field, const char* key, LookupGroup*& groups,
+                   const LookupMemory::Kept** kept) {
   groups = nullptr;
+  if (kept != nullptr) *kept = nullptr;
   const bool has_slot = files.slots != nullptr && key_field >= kKeyHw && key_field <= kSlotCount;
   const IndexDescriptor* descriptor = has_slot ? files.slots[key_field] : nullptr;
   Status s = Status::index_unreadable;
-  if (descriptor != nullptr) s = lookup_by(session, files, *descriptor, key_field, key, groups);
+  if (descriptor != nullptr) s = lookup_by(session, files, *descriptor, key_field, key, groups, kept);
   if (s != Status::ok) groups_free(session, groups);
   session.state.engine_status = s;
   return s;

@@ -46,9 +46,10 @@ struct LookupGroup {
 // All words whose field `key_field` is exactly `key`. `groups` is null for none, and on failure. The status also goes
 // to the engine status: `memory`, `index_unreadable` (also for a slot that is not filled), `not_a_key_block`,
 // `not_a_data_block`, or what `must_leave` gives. Damaged records, and what cannot be read of a chain in the
-// dictionary file, count as absent.
+// dictionary file, count as absent. The words are the caller's; `kept`, if it is wanted, receives the same ones as they are
+// remembered, for who wants to read them until the sentence ends, or null.
 [[nodiscard]] Status dict_lookup(Session& session, const DictionaryFiles& files, int key_field, const char* key,
-                                 LookupGroup*& groups);
+                                 LookupGroup*& groups, const LookupMemory::Kept** kept = nullptr);
 
 // Joins the words of all groups in their order and releases the groups; null for none.
 void groups_flatten(Session& session, LookupGroup* groups, WordEntry*& list);

@@ -13,6 +13,8 @@ namespace lexon {
 
 namespace {
 
+// One chain of the level, from block `first` on. What it leaves in `level` is that of this chain, but for the hits, which
+// add up over the level.
 Status search_chain(Session& session, KeyWalk& level, std::FILE* index, std::uint16_t first) {
   level.has_nearest = level.has_passed = false;
   IndexChain chain(session, index, first, LookupMemory::Kind::index);
@@ -20,6 +22,7 @@ Status search_chain(Session& session, KeyWalk& level, std::FILE* index, std::uin
     if (const Status s = must_leave(session); s != Status::ok) return s;
     const ByteView content = chain.content();
     const Status s = key_block_walk(session, content, chain.places(), level);
+    // A block too short for its own head holds no entry: that is told of, but it does not end the lookup.
     if (level.is_damaged || content.size() < level.begin) note_damaged_block(session, index, chain.offset());
     if (s != Status::ok || level.is_damaged) return s != Status::ok ? s : Status::index_unreadable;
   }

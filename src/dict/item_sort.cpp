@@ -9,12 +9,13 @@ namespace lexon {
 
 namespace {
 
-constexpr std::size_t kMaxItemSize = 65535;
-constexpr std::size_t kChunkSize = std::size_t{1} << 18;
+constexpr std::size_t kMaxItemSize = 65535;               // what its length field can tell
+constexpr std::size_t kChunkSize = std::size_t{1} << 18;  // items lie in chunks of this size, none across two
 constexpr std::size_t kLeastMemory = 4 * kChunkSize;
 constexpr std::size_t kLeastSlots = 1024;
-constexpr std::size_t kLargestRunBuffer = std::size_t{1} << 20;
+constexpr std::size_t kLargestRunBuffer = std::size_t{1} << 20;  // reads of this size are large enough
 
+// The first eight bytes as a number of the same order, so that most comparisons need not look at the item.
 std::uint64_t key_prefix(std::string_view key) {
   std::uint64_t prefix = 0;
   for (std::size_t i = 0; i < 8; ++i) {
@@ -35,6 +36,7 @@ ItemSorter::ItemSorter(std::size_t memory)
       max_chunks_(memory_ / 8 * 5 / kChunkSize),
       max_slots_(memory_ / 4 / sizeof(Slot)) {}
 
+// Places count through all chunks; an item that does not fit the rest of one begins the next.
 std::size_t ItemSorter::place_for(std::size_t item_size) const {
   const std::size_t left = kChunkSize - used_ % kChunkSize;
   return item_size <= left ? used_ : used_ + left;
@@ -54,6 +56,7 @@ void ItemSorter::make_room(std::size_t place) {
   if (must_grow) slots_.reserve(std::clamp(slots_.size() * 2, kLeastSlots, max_slots_));
 }
 
+// Items of one key stay in the order in which they were added, which is that of their places.
 bool ItemSorter::comes_before(const Slot& a, const Slot& b) const {
   if (a.prefix != b.prefix) return a.prefix < b.prefix;
   const int order = key_compare(item_key(item_at(a.place)), item_key(item_at(b.place)));
@@ -75,6 +78,7 @@ void ItemSorter::sort_slots() {
   std::sort(slots_.begin(), slots_.end(), [this](const Slot& a, const Slot& b) { return comes_before(a, b); });
 }
 
+// Writes what is in memory as one sorted run behind those in the file, and begins anew.
 bool ItemSorter::spill() {
   if (file_ == nullptr) file_ = unnamed_file();
   failed_ = file_ == nullptr;
@@ -99,6 +103,8 @@ bool ItemSorter::start_reading() {
     return true;
   }
   if (!slots_.empty() && !spill()) return false;
+  // From here on the memory belongs to the buffers of the runs. Each holds two of the longest items at least, so that one
+  // always lies whole in it.
   chunks_.clear();
   slots_ = {};
   const std::size_t share = std::clamp(memory_ / runs_.size(), 2 * kMaxItemSize, kLargestRunBuffer);
@@ -124,6 +130,7 @@ void ItemSorter::refill(Run& run) {
   run.at = 0;
 }
 
+// The run's next item; empty at its end.
 void ItemSorter::advance(Run& run) {
   run.item = {};
   const std::size_t left = run.buffer.size() - run.at;
@@ -134,6 +141,7 @@ void ItemSorter::advance(Run& run) {
   run.at += run.item.size();
 }
 
+// Runs hold items in the order of their adding, so that among equal keys the earlier run comes first.
 bool ItemSorter::is_behind(std::size_t run_a, std::size_t run_b) const {
   const int order = key_compare(item_key(runs_[run_a].item), item_key(runs_[run_b].item));
   return order != 0 ? order > 0 : run_a > run_b;

@@ -1,7 +1,9 @@
-// Entries stand in order, so that halving finds a key. In a damaged block they need not: there the first entry above the
+// Entries stand in order, so that halving finds a key, among numbers made of the keys' beginnings. In a damaged block they need not: there the first entry above the
 // key ends the walk, wherever it stands, and such a block is read from its beginning.
 
 #include "dict/key_block.hpp"
+
+#include <algorithm>
 
 #include "data/bytes.hpp"
 #include "dict/layout.hpp"
@@ -16,21 +18,64 @@ std::string_view key_at(ByteView content, std::size_t at) {
   return as_text(content.subspan(at + 2, load_u16(content.data() + at)));
 }
 
+// The four bytes of a key behind the first `shared`, in an order of numbers that is that of the keys, but for ties.
+std::uint32_t head_of(std::string_view key, std::size_t shared) {
+  if (key.size() - shared >= 4) return load_u32(reinterpret_cast<const std::uint8_t*>(key.data()) + shared);
+  std::uint32_t head = 0;
+  for (std::size_t i = shared; i < shared + 4; ++i)
+    head = head << 8 | (i < key.size() ? static_cast<std::uint8_t>(key[i]) : 0U);
+  return head;
+}
+
 // Notes where the entries stand, unless one is damaged or stands below the one in front of it.
 void places_find(ByteView content, std::size_t begin, KeyPlaces& places) {
   places.state = KeyPlaces::State::other;
   places.count = 0;
   ByteReader reader(content, begin);
+  std::string_view first;
   std::string_view before;
   while (reader.more()) {
     const std::size_t at = reader.at();
     const std::string_view key = reader.text();
     reader.skip(2);
     if (!reader.ok() || key_compare(before, key) > 0) return;
+    if (places.count == 0) first = key;
     places.at[places.count++] = static_cast<std::uint16_t>(at);
     before = key;
   }
+  // What the first and the last one begin with stands in front of all between them.
+  std::size_t shared = 0;
+  while (shared < std::min(first.size(), before.size()) && first[shared] == before[shared]) ++shared;
+  places.shared = static_cast<std::uint16_t>(shared);
+  for (std::size_t i = 0; i < places.count; ++i) places.heads[i] = head_of(key_at(content, places.at[i]), shared);
   places.state = KeyPlaces::State::in_order;
+}
+
+// How many entries stand below the key.
+std::size_t count_below(ByteView content, const KeyPlaces& places, std::string_view key) {
+  if (places.count == 0) return 0;
+  const std::string_view beginning = key_at(content, places.at[0]).substr(0, places.shared);
+  if (!key.starts_with(beginning)) return key_compare(key, beginning) < 0 ? 0 : places.count;
+  const std::uint32_t head = head_of(key, places.shared);
+  const std::uint32_t* low = places.heads.data();
+  for (std::size_t left = places.count; left != 0;) {
+    const std::size_t half = (left + 1) / 2;
+    low += low[half - 1] < head ? half : 0;
+    left -= half;
+  }
+  std::size_t below = static_cast<std::size_t>(low - places.heads.data());
+  // Entries of the same head follow. Most often there is one.
+  std::size_t above = below;
+  while (above < places.count && places.heads[above] == head) ++above;
+  while (below < above) {
+    const std::size_t middle = (below + above) / 2;
+    if (key_compare(key_at(content, places.at[middle]), key) < 0) {
+      below = middle + 1;
+    } else {
+      above = middle;
+    }
+  }
+  return below;
 }
 
 Status take_entry(Session& session, KeyWalk& walk, int order, std::uint16_t block) {
@@ -41,15 +86,7 @@ Status take_entry(Session& session, KeyWalk& walk, int order, std::uint16_t bloc
 }
 
 Status walk_by_places(Session& session, ByteView content, const KeyPlaces& places, KeyWalk& walk) {
-  std::size_t low = 0;
-  for (std::size_t high = places.count; low < high;) {
-    const std::size_t middle = (low + high) / 2;
-    if (key_compare(key_at(content, places.at[middle]), walk.key) < 0) {
-      low = middle + 1;
-    } else {
-      high = middle;
-    }
-  }
+  const std::size_t low = count_below(content, places, walk.key);
   // All behind the last entry below the key are taken one by one.
   for (std::size_t i = low == 0 ? 0 : low - 1; i < places.count && !walk.has_passed; ++i) {
     const std::string_view key = key_at(content, places.at[i]);

@@ -44,6 +44,6 @@ void key_hits_free(Session& session, KeyHits& hits);
                                std::string_view key, KeyHits& hits, LookupGroup*& groups);
 
 // The words of an answer that is remembered, as `dict_scan` found them.
-[[nodiscard]] Status dict_recall(Session& session, LookupMemory::Answer& answer, LookupGroup*& groups);
+[[nodiscard]] Status dict_recall(Session& session, const LookupMemory::Kept* answer, LookupGroup*& groups);
 
 }  // namespace lexon

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstring>
+#include <memory>
 
 #include "data/bytes.hpp"
 
@@ -28,12 +29,12 @@ bool is_as_stamped_quick(std::FILE* stream, const Stamp& stamp, const char* key,
 }  // namespace
 
 std::optional<std::int64_t> file_ends_hash(std::FILE* stream) {
-  Bytes end(kEnd);
+  const std::unique_ptr<std::uint8_t[]> end(new std::uint8_t[kEnd]);
   ByteHash hash;
   for (const std::int64_t at : {std::int64_t{0}, std::max<std::int64_t>(file_size(stream) - kEnd, 0)}) {
-    const std::int64_t got = file_read_some_at(stream, at, end.data(), end.size());
+    const std::int64_t got = file_read_some_at(stream, at, end.get(), kEnd);
     if (got < 0) return std::nullopt;
-    hash.add(end.data(), static_cast<std::size_t>(got));
+    hash.add(end.get(), static_cast<std::size_t>(got));
   }
   return static_cast<std::int64_t>(hash.value());
 }

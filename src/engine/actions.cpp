@@ -44,12 +44,14 @@ void word_changed(Actions& actions) {
   return is_fresh(*node) ? rule_base_failure(session, "acted on a node that no rule has matched") : Status::ok;
 }
 
-// Overwrites the attribute with commas; the rebuild squeezes them away.
-[[nodiscard]] bool attr_blank(char* attrs, const char* attr) {
-  char* found = attr_find(attrs, attr);
-  if (found == nullptr) return false;
-  std::memset(found, ',', std::strlen(attr));
-  return true;
+// Overwrites an attribute of the word with commas; the rebuild squeezes them away. `was_there` becomes true if the word
+// has it.
+[[nodiscard]] Status attr_blank(Session& session, WordEntry& word, const char* attr, bool& was_there) {
+  if (attr_find(word.attrs, attr) == nullptr) return Status::ok;
+  if (const Status status = text_make_own(session, word.attrs); status != Status::ok) return status;
+  std::memset(attr_find(word.attrs, attr), ',', std::strlen(attr));
+  was_there = true;
+  return Status::ok;
 }
 
 void attr_add(Actions& actions, const char* attr) {
@@ -127,18 +129,25 @@ Status node_actions_apply(Session& session, Side side, const Rule& rule, const W
       word_changed(actions);
     }
     if (item.op == kOpDelete) {
-      if (attr_blank(actions.word.attrs, item.text)) word_changed(actions);
+      bool was_there = false;
+      if (const Status status = attr_blank(session, actions.word, item.text, was_there); status != Status::ok)
+        return status;
+      if (was_there) word_changed(actions);
       // wanted: a role that is taken from a copy dies in the node it was copied from, whether or not the copy has it.
       const bool is_role = *item.text == '<' || *item.text == '>';
       const Node* origin = is_role ? node->origin : nullptr;
       const bool has_word = origin != nullptr && !is_fresh(*origin) && origin->candidates != nullptr;
-      if (has_word && attr_blank(origin->candidates->attrs, item.text)) actions.origin_blanked = true;
+      const Status blanked =
+          has_word ? attr_blank(session, *origin->candidates, item.text, actions.origin_blanked) : Status::ok;
+      if (blanked != Status::ok) return blanked;
     }
     if (item.op == kOpAdd) attr_add(actions, item.text);
     // A concept word changes nothing here.
   }
   // wanted: the commas are squeezed in the surface form; the attributes of the origin keep their blanks.
-  if (char* text = actions.origin_blanked ? node->origin->candidates->hw : nullptr; text != nullptr) {
+  if (actions.origin_blanked && node->origin->candidates->hw != nullptr) {
+    char*& text = node->origin->candidates->hw;
+    if (const Status status = text_make_own(session, text); status != Status::ok) return status;
     const auto both_commas = [](char a, char b) { return a == ',' && b == ','; };
     *std::unique(text, text + std::strlen(text), both_commas) = '\0';
   }

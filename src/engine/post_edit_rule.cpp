@@ -43,6 +43,7 @@ namespace {
   if (const Status status = match_record_push(session, *node, kStateStep, nullptr); status != Status::ok) return status;
   // The old word loses its front or its back.
   // wanted: as much as the condition is long, whatever text an action gives to the new node.
+  if (const Status status = text_make_own(session, word.hw); status != Status::ok) return status;
   const std::size_t length = std::strlen(word.hw);
   const std::size_t cut = std::min(condition != nullptr ? std::strlen(condition) : 1, length);
   word.hw_len = std::max(word.hw_len - static_cast<std::int32_t>(cut), 0);

@@ -49,22 +49,24 @@ WordEntry* words_to_share(Session& session, Node* const* position, const char* n
   return nullptr;
 }
 
-// The dictionary's words of the name as it stands, or else of its part in front of "(".
-Status known_words(Session& session, const char* name, WordEntry*& words) {
-  if (const Status s = words_by_key(session, session.sentence.dictionary, kKeyCw, name, words); s != Status::ok)
-    return s;
+// The dictionary's words of the name as it stands, or else of its part in front of "(". `kept` receives the same ones as
+// lookups keep them, or null.
+Status known_words(Session& session, const char* name, WordEntry*& words, const LookupMemory::Kept*& kept) {
+  const DictionaryFiles& dictionary = session.sentence.dictionary;
+  if (const Status s = words_by_key(session, dictionary, kKeyCw, name, words, &kept); s != Status::ok) return s;
   const char* parenthesis = std::strchr(name, '(');
   if (words != nullptr || parenthesis == nullptr) return Status::ok;
   Scratch<sizeof(GraphWord::name)> front;
   front.append(std::string_view(name, parenthesis));
-  return words_by_key(session, session.sentence.dictionary, kKeyCw, front.c_str(), words);
+  return words_by_key(session, dictionary, kKeyCw, front.c_str(), words, &kept);
 }
 
-// Finds the words of a row and tells by `kind` where they came from.
-Status words_find(Session& session, const GraphWord& row, WordEntry*& words, std::int8_t& kind) {
+// Finds the words of a row and tells by `kind` where they came from; `kept` as for `known_words`.
+Status words_find(Session& session, const GraphWord& row, WordEntry*& words, std::int8_t& kind,
+                  const LookupMemory::Kept*& kept) {
   // wanted: an empty name is asked for like any other, before it is taken for a scope
   if (row.look_up != 0) {
-    if (const Status s = known_words(session, row.name, words); s != Status::ok) return s;
+    if (const Status s = known_words(session, row.name, words, kept); s != Status::ok) return s;
     if (words != nullptr) {
       kind = kKindWord;
       return Status::ok;
@@ -82,11 +84,17 @@ Status words_find(Session& session, const GraphWord& row, WordEntry*& words, std
   return literal_entry(session, row.name, words);
 }
 
-// Fills the node's candidates, and a word list of its own as its master list.
+// Fills the node's candidates, and a word list of its own as its master list. Nobody changes that one, so that the words as
+// lookups keep them serve for it if their order does.
 Status words_fill(Session& session, const GraphWord& row, Node& node) {
-  if (const Status s = words_find(session, row, node.candidates, node.kind); s != Status::ok) return s;
+  const LookupMemory::Kept* kept = nullptr;
+  if (const Status s = words_find(session, row, node.candidates, node.kind, kept); s != Status::ok) return s;
   entry_list_sort(node.candidates);
-  if (const Status s = entry_list_copy(session, node.candidates, node.entries); s != Status::ok) return s;
+  if (kept != nullptr && entry_list_is_sorted(&kept->word)) {
+    node.entries = const_cast<WordEntry*>(&kept->word);
+  } else if (const Status s = entry_list_copy(session, node.candidates, node.entries); s != Status::ok) {
+    return s;
+  }
   session.sentence.word_lists[static_cast<std::size_t>(session.sentence.word_list_count++)] = node.entries;
   return Status::ok;
 }

@@ -16,6 +16,7 @@
 #include <optional>
 #include <span>
 #include <string_view>
+#include <tuple>
 #include <utility>
 
 #include "data/nodes.hpp"
@@ -164,7 +165,8 @@ bool lets_through(const SideSearch& search, const SearchScratch::Side& scratch, 
          std::ranges::none_of(search.forbidden.of(rule), is_striking);
 }
 
-// Appends to `satisfied` the rules that the word lets through: of those that the present rows watch, and of the easy ones.
+// Appends to `let` the rules that the word lets through: of those that the present rows watch, and of the easy ones that
+// ask something of the side.
 void satisfied_take(const WindowSide& side) {
   SearchScratch::Side& scratch = side.scratch;
   for (const std::int32_t row : scratch.present) {
@@ -173,12 +175,12 @@ void satisfied_take(const WindowSide& side) {
       const Watched watched = side.search.watched[at];
       if (scratch.is_present[static_cast<std::size_t>(watched.also)] == 0) continue;
       if (lets_through(side.search, scratch, static_cast<std::size_t>(watched.rule)))
-        scratch.satisfied.push_back(watched.rule);
+        scratch.let.push_back(watched.rule);
     }
   }
   if (!side.index.sides_know_easy()) return;
-  for (const std::int32_t rule : side.index.easy) {
-    if (lets_through(side.search, scratch, static_cast<std::size_t>(rule))) scratch.satisfied.push_back(rule);
+  for (const std::int32_t rule : side.search.easy_asking) {
+    if (lets_through(side.search, scratch, static_cast<std::size_t>(rule))) scratch.let.push_back(rule);
   }
 }
 
@@ -213,7 +215,7 @@ const WordEntry* first_word(const WindowSide& side) {
 // Leaves in `satisfied` and `words` what the side comes to. False if the search has to be given up.
 bool side_search(const Session& session, const WindowSide& side) {
   SearchScratch::Side& scratch = side.scratch;
-  scratch.satisfied.clear();
+  scratch.let.clear();
   scratch.words.clear();
   lasting_take(side);
   const std::size_t lasting = scratch.present.size();
@@ -230,8 +232,12 @@ bool side_search(const Session& session, const WindowSide& side) {
     if (word != nullptr) word = settled ? nullptr : word->next;
   } while (word != nullptr && !is_given_up);
   present_cut_to(scratch, 0);
-  std::ranges::sort(scratch.satisfied);
-  scratch.satisfied.erase(std::unique(scratch.satisfied.begin(), scratch.satisfied.end()), scratch.satisfied.end());
+  // Several words may let the same rule through.
+  std::ranges::sort(scratch.let);
+  scratch.let.erase(std::unique(scratch.let.begin(), scratch.let.end()), scratch.let.end());
+  scratch.satisfied.clear();
+  const Numbers easy = side.index.sides_know_easy() ? Numbers(side.search.easy_always) : Numbers{};
+  std::ranges::set_union(scratch.let, easy, std::back_inserter(scratch.satisfied));
   return !is_given_up;
 }
 
@@ -344,44 +350,62 @@ void search_forget(SearchScratch& scratch) {
 // The rules that are asked for.
 enum class Wanted : std::int32_t { all, post_edit };
 
-// Leaves in `asked` the rules that may pass: those that a side lets through, and easy ones of which it is not known. Where
-// all rules pass on a side, what is watched there tells nothing.
+// Does a rule pass that passes these sides? What an inserted pattern asks for is not held against the window: it speaks of a
+// word that is not there yet.
+bool passes(bool passes_left, bool passes_right, RuleTraits traits) {
+  return (passes_left && passes_right) || (passes_left && traits.right_inserted) ||
+         (passes_right && traits.left_inserted);
+}
+
+// Leaves in `asked` the rules that may pass, where an answer does not know the easy ones or is none. Where all rules pass on
+// a side, what is watched there tells nothing.
 void rules_ask(const RuleSearch& index, const Answer& left, const Answer& right, SearchScratch& scratch) {
   std::vector<std::int32_t>& asked = scratch.asked;
   asked.clear();
   if (left.verdict == Verdict::all || right.verdict == Verdict::all) {
     asked.resize(index.rules.size());
     std::iota(asked.begin(), asked.end(), 0);
-  } else if (index.sides_know_easy()) {
-    std::ranges::set_union(left.satisfied, right.satisfied, std::back_inserter(asked));
   } else {
+    const Numbers easy = index.sides_know_easy() ? Numbers{} : Numbers(index.easy);
     scratch.merged.clear();
     std::ranges::set_union(left.satisfied, right.satisfied, std::back_inserter(scratch.merged));
-    std::ranges::set_union(index.easy, scratch.merged, std::back_inserter(asked));
+    std::ranges::set_union(easy, scratch.merged, std::back_inserter(asked));
   }
 }
 
-// Leaves in `passing`, beside each rule that is asked about, whether the side lets it through. The answer names those that
-// it does of the rules that this side watches; rules of the other side are held against each word.
-void side_test(const RuleSearch& index, Side which, SearchScratch& all, const Answer& answer) {
-  const SideSearch& search = of_side(which, index.left, index.right);
-  SearchScratch::Side& scratch = of_side(which, all.left, all.right);
-  const Numbers asked = all.asked;
-  scratch.passing.assign(asked.size(), answer.verdict == Verdict::all ? 1 : 0);
-  if (answer.verdict != Verdict::answer) return;
-  scratch.open.clear();
-  const std::int32_t* known = answer.satisfied.data();
-  const std::int32_t* const end = known + answer.satisfied.size();
-  for (std::size_t i = 0; i < asked.size(); ++i) {
-    while (known != end && *known < asked[i]) ++known;
-    scratch.passing[i] = known != end && *known == asked[i] ? 1 : 0;
-    const RuleTraits traits = index.traits[static_cast<std::size_t>(asked[i])];
+// What is known of a rule on one side before it is held against the words there.
+enum class Passing : std::uint8_t { no, yes, open };
+
+// Walks through an answer beside rules in rising order.
+class Told {
+ public:
+  Told(const RuleSearch& index, Side side, const Answer& answer)
+      : is_left_(side == Side::left),
+        knows_easy_(index.sides_know_easy()),
+        verdict_(answer.verdict),
+        satisfied_(answer.satisfied) {}
+
+  // The answer names those that the side lets through of the rules that this side watches, and easy ones if it knows them;
+  // rules of the other side are open.
+  Passing of(std::int32_t rule, RuleTraits traits) {
+    if (verdict_ != Verdict::answer) return verdict_ == Verdict::all ? Passing::yes : Passing::no;
+    while (!satisfied_.empty() && satisfied_.front() < rule) satisfied_ = satisfied_.subspan(1);
+    if (!satisfied_.empty() && satisfied_.front() == rule) return Passing::yes;
+    const bool watches = is_left_ ? traits.left_watches : traits.right_watches;
     const bool is_easy = !traits.left_watches && !traits.right_watches;
-    const bool is_told = is_easy               ? index.sides_know_easy()
-                         : which == Side::left ? traits.left_watches
-                                               : traits.right_watches;
-    if (!is_told) scratch.open.push_back(static_cast<std::int32_t>(i));
+    return watches || (is_easy && knows_easy_) ? Passing::no : Passing::open;
   }
+
+ private:
+  bool is_left_;
+  bool knows_easy_;
+  Verdict verdict_;
+  Numbers satisfied_;
+};
+
+// Holds the open rules of a side, which are places in `asked`, against each of its words. The `passing` of those that one
+// lets through becomes 1.
+void open_test(const SideSearch& search, Numbers asked, const Answer& answer, SearchScratch::Side& scratch) {
   for (Numbers words = answer.words; !words.empty() && !scratch.open.empty();) {
     const auto present = words.subspan(2, static_cast<std::size_t>(words[0]));
     const auto striking = words.subspan(2 + present.size(), static_cast<std::size_t>(words[1]));
@@ -398,22 +422,87 @@ void side_test(const RuleSearch& index, Side which, SearchScratch& all, const An
   }
 }
 
-// Leaves in `fresh` the rules that pass the window. What an inserted pattern asks for is not held against the window: it
-// speaks of a word that is not there yet.
+// Leaves in `fresh` the rules that pass the window, by what is told of each on both sides.
 void passing_find(const RuleSearch& index, const Answer& left, const Answer& right, Wanted kind,
                   SearchScratch& scratch) {
   rules_ask(index, left, right, scratch);
-  side_test(index, Side::left, scratch, left);
-  side_test(index, Side::right, scratch, right);
-  scratch.fresh.clear();
-  for (std::size_t i = 0; i < scratch.asked.size(); ++i) {
-    const bool passes_left = scratch.left.passing[i] != 0;
-    const bool passes_right = scratch.right.passing[i] != 0;
-    const RuleTraits traits = index.traits[static_cast<std::size_t>(scratch.asked[i])];
-    const bool passes = (passes_left && passes_right) || (passes_left && traits.right_inserted) ||
-                        (passes_right && traits.left_inserted);
-    if (passes && (kind == Wanted::all || traits.is_post_edit)) scratch.fresh.push_back(scratch.asked[i]);
+  for (SearchScratch::Side* side : {&scratch.left, &scratch.right}) {
+    side->passing.clear();
+    side->open.clear();
   }
+  // Rules that fail whatever the words say drop out of `asked`.
+  Told told_left(index, Side::left, left);
+  Told told_right(index, Side::right, right);
+  std::size_t kept = 0;
+  for (const std::int32_t rule : scratch.asked) {
+    const RuleTraits traits = index.traits[static_cast<std::size_t>(rule)];
+    if (kind == Wanted::post_edit && !traits.is_post_edit) continue;
+    const Passing on_left = told_left.of(rule, traits);
+    const Passing on_right = told_right.of(rule, traits);
+    if (!passes(on_left != Passing::no, on_right != Passing::no, traits)) continue;
+    if (on_left == Passing::open) scratch.left.open.push_back(static_cast<std::int32_t>(kept));
+    if (on_right == Passing::open) scratch.right.open.push_back(static_cast<std::int32_t>(kept));
+    scratch.left.passing.push_back(on_left == Passing::yes ? 1 : 0);
+    scratch.right.passing.push_back(on_right == Passing::yes ? 1 : 0);
+    scratch.asked[kept++] = rule;
+  }
+  const Numbers asked = Numbers(scratch.asked).first(kept);
+  open_test(index.left, asked, left, scratch.left);
+  open_test(index.right, asked, right, scratch.right);
+  scratch.fresh.clear();
+  for (std::size_t i = 0; i < asked.size(); ++i) {
+    const RuleTraits traits = index.traits[static_cast<std::size_t>(asked[i])];
+    if (passes(scratch.left.passing[i] != 0, scratch.right.passing[i] != 0, traits)) scratch.fresh.push_back(asked[i]);
+  }
+}
+
+// The same for two answers that know the easy rules, which is the usual case: one walk through both. A rule that both name
+// is easy and passes. One that a single side names passes, unless the other side's pattern is held against the window; and
+// then an easy rule fails, and one that is watched is open on the other side.
+void passing_merge(const RuleSearch& index, const Answer& left, const Answer& right, Wanted kind,
+                   SearchScratch& scratch) {
+  std::vector<std::int32_t>& fresh = scratch.fresh;
+  fresh.clear();
+  for (SearchScratch::Side* side : {&scratch.left, &scratch.right}) side->open.clear();
+  const auto traits_of = [&](std::int32_t rule) { return index.traits[static_cast<std::size_t>(rule)]; };
+  const auto is_wanted = [&](RuleTraits traits) { return kind == Wanted::all || traits.is_post_edit; };
+  const auto single_take = [&](std::int32_t rule, SearchScratch::Side& other, bool is_other_inserted, bool is_watched) {
+    if (!is_other_inserted && !is_watched) return;
+    if (!is_other_inserted) other.open.push_back(static_cast<std::int32_t>(fresh.size()));
+    fresh.push_back(rule);
+  };
+  auto at_left = left.satisfied.begin();
+  auto at_right = right.satisfied.begin();
+  while (at_left != left.satisfied.end() || at_right != right.satisfied.end()) {
+    const bool has_left =
+        at_right == right.satisfied.end() || (at_left != left.satisfied.end() && *at_left <= *at_right);
+    const bool has_right =
+        at_left == left.satisfied.end() || (at_right != right.satisfied.end() && *at_right <= *at_left);
+    const std::int32_t rule = has_left ? *at_left : *at_right;
+    at_left += has_left ? 1 : 0;
+    at_right += has_right ? 1 : 0;
+    const RuleTraits traits = traits_of(rule);
+    if (!is_wanted(traits)) continue;
+    if (has_left && has_right) {
+      fresh.push_back(rule);
+    } else if (has_left) {
+      single_take(rule, scratch.right, traits.right_inserted, traits.left_watches);
+    } else {
+      single_take(rule, scratch.left, traits.left_inserted, traits.right_watches);
+    }
+  }
+  // Open rules that no word of the side lets through drop out.
+  constexpr std::int32_t kFails = -1;
+  for (const auto& [search, answer, side] :
+       {std::tuple(&index.left, &left, &scratch.left), std::tuple(&index.right, &right, &scratch.right)}) {
+    if (side->open.empty()) continue;
+    side->passing.assign(fresh.size(), 0);
+    open_test(*search, fresh, *answer, *side);
+    for (const std::int32_t at : side->open) {
+      if (side->passing[static_cast<std::size_t>(at)] == 0) fresh[static_cast<std::size_t>(at)] = kFails;
+    }
+  }
+  if (!scratch.left.open.empty() || !scratch.right.open.empty()) std::erase(fresh, kFails);
 }
 
 // The numbers of the rules that pass both sides; they stand until the next search.
@@ -429,7 +518,9 @@ Numbers passing_rules(Session& session, const Answer& left, const Answer& right,
     const SearchScratch::Found& found = scratch.found[static_cast<std::size_t>(number)];
     return Numbers(scratch.rules).subspan(found.begin, found.count);
   }
-  passing_find(session.grammar->index.search, left, right, kind, scratch);
+  const RuleSearch& index = session.grammar->index.search;
+  const bool is_usual = left.verdict == Verdict::answer && right.verdict == Verdict::answer && index.sides_know_easy();
+  is_usual ? passing_merge(index, left, right, kind, scratch) : passing_find(index, left, right, kind, scratch);
   const auto has_room = [&] { return scratch.rules.capacity() - scratch.rules.size() >= scratch.fresh.size(); };
   if (!has_names) return scratch.fresh;
   if (!has_room()) pairs_forget(scratch);

@@ -10,6 +10,7 @@
 #include <algorithm>
 #include <array>
 #include <cstring>
+#include <memory>
 #include <new>
 #include <utility>
 #include <vector>
@@ -172,13 +173,13 @@ Status area_take(const RuleMatrix& matrix, const MatrixSide& side, std::uint64_t
                  NumberLists& rules) {
   const auto row_bytes = static_cast<std::size_t>(matrix.row_bytes);
   const std::size_t rows_at_once = std::max<std::size_t>(kReadSize / row_bytes, 1);
-  std::vector<std::uint8_t> buffer(rows_at_once * row_bytes);
+  const std::unique_ptr<std::uint8_t[]> buffer(new std::uint8_t[rows_at_once * row_bytes]);
   rules.starts.assign(1, 0);
   for (auto rows_left = static_cast<std::size_t>(side.attr_count); rows_left != 0;) {
     const std::size_t rows = std::min(rows_left, rows_at_once);
-    if (std::fread(buffer.data(), row_bytes, rows, stream) != rows) return Status::no_effect;
+    if (std::fread(buffer.get(), row_bytes, rows, stream) != rows) return Status::no_effect;
     for (std::size_t row = 0; row < rows; ++row) {
-      row_take(std::span(buffer).subspan(row * row_bytes, row_bytes), others, rules);
+      row_take({buffer.get() + row * row_bytes, row_bytes}, others, rules);
     }
     if (rules.items.size() > kMostSetBits) return Status::memory;
     rows_left -= rows;

@@ -13,6 +13,7 @@ namespace {
 // What the nested readers give for a record whose lengths do not agree with each other.
 constexpr Status kDamaged = Status::no_effect;
 
+// A block must end with its last field, neither within it nor behind.
 Status whole(const ByteReader& in) {
   return in.ok() && !in.more() ? Status::ok : kDamaged;
 }
@@ -31,8 +32,9 @@ Status text_copy(Pool& pool, std::string_view all, char*& text) {
   return Status::ok;
 }
 
+// A length of 0 is a text that is not there; the empty text has a length of 1 and a NUL.
 Status text_read(Pool& pool, ByteReader& in, char*& text) {
-  if (in.next_is_empty()) return Status::ok;
+  if (in.next_are_empty()) return Status::ok;
   const auto bytes = in.bytes();
   return in.ok() ? text_copy(pool, as_text(bytes), text) : kDamaged;
 }
@@ -60,7 +62,7 @@ Status some_items_read(Pool& pool, ByteReader& in, CondItem*& items) {
 
 // Most lists are empty.
 inline Status items_read(Pool& pool, ByteReader& in, CondItem*& items) {
-  return in.next_is_empty() ? Status::ok : some_items_read(pool, in, items);
+  return in.next_are_empty() ? Status::ok : some_items_read(pool, in, items);
 }
 
 // What the block may leave out at its end.
@@ -71,6 +73,7 @@ Status more_text_read(Pool& pool, ByteReader& in, char*& text) {
   return !in.more() ? Status::ok : text_read(pool, in, text);
 }
 
+// The last group of a list may end behind its surface forms, or behind its concept words.
 Status group_read(Pool& pool, ByteReader& in, ContextGroup& group) {
   group.star = in.u8();
   if (const Status status = items_read(pool, in, group.hw_conds); status != Status::ok) return status;
@@ -89,17 +92,23 @@ Status some_groups_read(Pool& pool, ByteReader& in, ContextGroup*& groups) {
 }
 
 inline Status groups_read(Pool& pool, ByteReader& in, ContextGroup*& groups) {
-  return in.next_is_empty() ? Status::ok : some_groups_read(pool, in, groups);
+  return in.next_are_empty() ? Status::ok : some_groups_read(pool, in, groups);
 }
 
+// Most patterns speak of attributes alone: what stands in front of these, and behind them, is empty.
 Status pattern_fields_read(Pool& pool, ByteReader& in, NodePattern& pattern) {
   pattern.inserted = in.u8();
-  if (const Status status = items_read(pool, in, pattern.hw_conds); status != Status::ok) return status;
-  if (const Status status = more_items_read(pool, in, pattern.cw_conds); status != Status::ok) return status;
-  if (const Status status = more_text_read(pool, in, pattern.hw_action); status != Status::ok) return status;
-  if (const Status status = more_text_read(pool, in, pattern.cw_action); status != Status::ok) return status;
-  for (CondItem** items : {&pattern.attr_conds, &pattern.actions, &pattern.relations, &pattern.roles}) {
-    if (const Status status = more_items_read(pool, in, *items); status != Status::ok) return status;
+  if (!in.next_are_empty<4>()) {
+    if (const Status status = items_read(pool, in, pattern.hw_conds); status != Status::ok) return status;
+    if (const Status status = more_items_read(pool, in, pattern.cw_conds); status != Status::ok) return status;
+    if (const Status status = more_text_read(pool, in, pattern.hw_action); status != Status::ok) return status;
+    if (const Status status = more_text_read(pool, in, pattern.cw_action); status != Status::ok) return status;
+  }
+  if (const Status status = more_items_read(pool, in, pattern.attr_conds); status != Status::ok) return status;
+  if (!in.next_are_empty<3>()) {
+    for (CondItem** items : {&pattern.actions, &pattern.relations, &pattern.roles}) {
+      if (const Status status = more_items_read(pool, in, *items); status != Status::ok) return status;
+    }
   }
   return whole(in);
 }
@@ -111,12 +120,14 @@ Status pattern_read(Pool& pool, ByteReader& in, NodePattern*& pattern) {
   return pattern == nullptr ? Status::memory : pattern_fields_read(pool, block, *pattern);
 }
 
+// A mark in the place of the high byte of the length of PRE. The writer refuses a rule whose PRE is as long as that.
 void subtype_read(ByteReader& in, Rule& rule) {
   if (!in.next_is(kSubtypeMark)) return;
   in.u8();
   rule.subtype = in.u8();
 }
 
+// Bytes behind the priority are passed over, since the next record begins where the length says.
 Status rule_read(Pool& pool, ByteReader& in, Rule& rule) {
   rule.type = in.u8();
   subtype_read(in, rule);
@@ -181,6 +192,7 @@ Status next_rule_read(Pool& pool, RecordStream& file, Rule*& rule) {
   return rule_read(pool, in, *rule);
 }
 
+// Front ends take the text as a note of their own; for others it is a line of the output.
 void fault_tell(Session& session, int number, std::size_t place, std::string* fault) {
   const std::string text =
       "the compiled rule file is damaged at rule no. " + std::to_string(number) + ", offset " + std::to_string(place);

@@ -19,6 +19,7 @@ void text_write(ByteWriter& out, const char* text) {
   out.length_close(length);
 }
 
+// A list is its items one behind the other; its length tells where it ends, as no count stands in front.
 void items_write(ByteWriter& out, const CondItem* items) {
   const std::size_t length = out.length_open();
   for (const CondItem& item : chain<&CondItem::next>(items)) {
@@ -41,6 +42,7 @@ void groups_write(ByteWriter& out, const ContextGroup* groups) {
   out.length_close(length);
 }
 
+// All fields of a pattern are written, the empty ones as a length of 0; a reader takes fewer of them, too.
 void pattern_write(ByteWriter& out, const NodePattern& pattern) {
   const std::size_t length = out.length_open();
   out.u8(pattern.inserted);
@@ -55,6 +57,7 @@ void pattern_write(ByteWriter& out, const NodePattern& pattern) {
   out.length_close(length);
 }
 
+// What does not fit the buffer fails `out`, and the record is not used.
 void record_write(ByteWriter& out, const Rule& rule) {
   const std::size_t length = out.length_open();
   out.u8(rule.type);

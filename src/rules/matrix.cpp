@@ -44,6 +44,8 @@ constexpr std::size_t kLineLength = 1023;  // the longest line, its line feed in
 constexpr std::size_t kPieceLength = 255;  // of a line that becomes a name
 constexpr std::size_t kSortMemory = std::size_t{32} << 20;
 
+// Hands a line on as an item to be sorted, and begins the next. Its last character becomes the line feed, which was that
+// already unless the line was cut.
 bool line_add(std::string& line, ItemSorter& lines) {
   line.back() = '\n';
   Bytes item;
@@ -66,6 +68,7 @@ bool name_add(std::string_view name, ItemSorter& lines) {
   return true;
 }
 
+// No room on the disk for the sort: the step fails, and says so.
 Status sorting_failed(Session& session) {
   out_print(session, ";;Can't write a temporary file for sorting!\n");
   return Status::no_effect;
@@ -175,6 +178,7 @@ Status side_build(Session& session, RuleIndex& index, SideBuild build) {
   return Status::ok;
 }
 
+// wanted: a list without rules has a row of one byte: (0 - 1) / 8 is 0.
 void rules_count(RuleIndex& index, Rule* rules) {
   index.matrix.rules = rules;
   for ([[maybe_unused]] const Rule& rule : chain<&Rule::next>(rules)) ++index.matrix.rule_count;
@@ -192,6 +196,7 @@ Status build_all(Session& session, RuleIndex& index, Rule* rules) {
   return right;
 }
 
+// The names come from `zeroed_block`, so they go back to the heap.
 void side_release(MatrixSide& side) {
   std::free(side.attr_pool);
   std::free(side.attr_table);

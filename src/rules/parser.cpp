@@ -20,14 +20,16 @@ namespace {
 // One rule in the making.
 struct LineReading {
   RuleParse& parse;
-  const char* cursor;
-  Rule& rule;
+  const char* cursor;  // what is read next, in the line of `parse`
+  Rule& rule;          // all zero at first; goes back to the pool if it is refused
 };
 
+// The types whose patterns may both bring a word in.
 bool is_insertion_type(std::uint8_t type) {
   return type == rule_type::insertion || type == rule_type::insertion_a || type == rule_type::post_insertion;
 }
 
+// Ends the message that the failing step has begun.
 bool section_failed(Session& session, const char* section) {
   out_print(session, " in %s\n", section);
   return false;
@@ -44,6 +46,7 @@ bool type_read(Session& session, LineReading& line) {
   return true;
 }
 
+// The engine walks context away from the pattern it belongs to; PRE is written towards it.
 enum class GroupOrder { of_text, reversed };
 
 bool groups_read(Session& session, Pool& pool, LineReading& line, ContextGroup*& list, GroupOrder order,
@@ -131,6 +134,8 @@ bool rnode_read(Session& session, Pool& pool, LineReading& line) {
   return pattern_read(session, pool, line, Side::right, braces || quotes, line.rule.rnode);
 }
 
+// Refuses a rule that would apply again after itself. A rule of type "<" or ">" changes nothing, so it is not looked at:
+// it draws a warning, if it is of no use, and stays.
 bool ends_sometime(Session& session, LineReading& line) {
   const Rule& rule = line.rule;
   const bool wants_relation = rule.type == rule_type::less || rule.type == rule_type::greater;
@@ -199,11 +204,14 @@ Rule* rules_joined(const PriorityLists& lists) {
   return head;
 }
 
+// Comments and empty lines hold no rule, but they count as lines.
 bool is_rule_line(const char* text) {
   const char first = *skip_blanks(text);
   return first != ';' && first != '\n';
 }
 
+// Reads the rule of a line and enters it. A refused rule is no failure: what it has left in `parse.status` decides over the
+// file only if it stands last.
 Status line_parse(Session& session, Pool& pool, RuleParse& parse, PriorityLists& lists) {
   auto* rule = perm_new<Rule>(pool);
   if (rule == nullptr) return Status::memory;

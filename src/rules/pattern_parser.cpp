@@ -13,10 +13,12 @@
 namespace lexon {
 namespace {
 
+// Messages count columns from 0, in bytes.
 int column_of(const RuleParse& parse, const char* position) {
   return static_cast<int>(position - parse.start);
 }
 
+// Prints the message of a fault at `position` and notes it for front ends. Always `no_effect`, for the caller to return.
 Status syntax_error(Session& session, const RuleParse& parse, const char* position, const char* behind,
                     RuleFault fault) {
   rule_error_print(session, parse, position, behind);
@@ -56,6 +58,7 @@ bool is_out_of_place(ItemPlace place, char c) {
   return place == ItemPlace::cond && c == ')';
 }
 
+// Reads prefix, text and what separates the item from the next. A failure has been told when it comes back as `no_effect`.
 Status item_read(Session& session, Pool& pool, const RuleParse& parse, ItemPlace place, const char*& cursor,
                  CondItem& item, ItemKind& kind) {
   const char* const section = place == ItemPlace::action ? " in ACTION" : " in COND";
@@ -92,8 +95,8 @@ CondItem*& conditions_of(Owner& owner, ItemKind kind) {
 
 struct PatternReading {
   RuleParse& parse;
-  const char*& cursor;
-  NodePattern& pattern;
+  const char*& cursor;   // the caller's, who goes on where the pattern ends
+  NodePattern& pattern;  // belongs to the rule already, which releases it if it is refused
   Side side;
 };
 
@@ -128,6 +131,8 @@ Status cond_section(Session& session, Pool& pool, PatternReading& reading) {
   return Status::ok;
 }
 
+// The texts of the last surface form and the last concept word stand in fields of their own, for the engine to find at once.
+// They share the string of their item, which owns it.
 Status action_section(Session& session, Pool& pool, PatternReading& reading) {
   while (!is_section_end(*reading.cursor)) {
     CondItem* item = nullptr;
@@ -155,6 +160,7 @@ Status scanned_item_keep(Session& session, Pool& pool, const PatternReading& rea
   return scanned == Status::no_effect ? syntax_error(session, reading.parse, start, section, fault) : scanned;
 }
 
+// A label that is written in a pattern says on which side it stands.
 Status relation_section(Session& session, Pool& pool, PatternReading& reading) {
   while (!is_section_end(*reading.cursor)) {
     const char* const start = reading.cursor;
@@ -177,6 +183,7 @@ bool is_role_sign(char c) {
   return c == '<' || c == '>';
 }
 
+// A name without a sign goes with "<".
 Status role_read(Session& session, Pool& pool, PatternReading& reading) {
   auto* item = perm_new<CondItem>(pool);
   if (item == nullptr) return Status::memory;
@@ -233,6 +240,7 @@ Status sections_read(Session& session, Pool& pool, PatternReading& reading) {
 
 // ---- Groups ----
 
+// The conditions behind the "(", the ")" and a star. What has been read of a group that fails is released by the caller.
 Status group_read(Session& session, Pool& pool, RuleParse& parse, const char* opener, const char*& cursor,
                   ContextGroup& group) {
   while (*cursor != ')' && *cursor != '\0') {

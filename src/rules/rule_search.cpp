@@ -133,6 +133,10 @@ void watch_prepare(RuleSearch& search) {
     const std::int32_t right_row = traits.right_inserted ? -1 : rarest_row(search.right, right_users, rule);
     if (left_row < 0 && right_row < 0) {
       search.easy.push_back(static_cast<std::int32_t>(rule));
+      for (SideSearch* side : {&search.left, &search.right}) {
+        const bool asks = !list_of(side->required, rule).empty() || !list_of(side->forbidden, rule).empty();
+        (asks ? side->easy_asking : side->easy_always).push_back(static_cast<std::int32_t>(rule));
+      }
     } else if (right_row < 0 || (left_row >= 0 && left_users[to_size(left_row)] <= right_users[to_size(right_row)])) {
       left[rule] = left_row;
     } else {

@@ -49,6 +49,9 @@ struct SideSearch {
   NumberLists forbidden;                    // by rule: the rows that it forbids
   std::vector<std::uint32_t> watch_starts;  // by row: list r is watched[watch_starts[r]] up to the next list's start
   std::vector<Watched> watched;
+  // The easy rules, in order, by whether they ask anything of a word of this side: then it is in the lists above.
+  std::vector<std::int32_t> easy_always;
+  std::vector<std::int32_t> easy_asking;
 };
 
 // What a search needs of a rule before it looks at the rule itself.
