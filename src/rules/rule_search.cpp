@@ -134,7 +134,7 @@ void watch_prepare(RuleSearch& search) {
     if (left_row < 0 && right_row < 0) {
       search.easy.push_back(static_cast<std::int32_t>(rule));
       for (SideSearch* side : {&search.left, &search.right}) {
-        const bool asks = !list_of(side->required, rule).empty() || !list_of(side->forbidden, rule).empty();
+        const bool asks = !side->required.of(rule).empty() || !side->forbidden.of(rule).empty();
         (asks ? side->easy_asking : side->easy_always).push_back(static_cast<std::int32_t>(rule));
       }
     } else if (right_row < 0 || (left_row >= 0 && left_users[to_size(left_row)] <= right_users[to_size(right_row)])) {

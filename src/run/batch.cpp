@@ -548,7 +548,13 @@ Batch::Job* Batch::take(Jobs& spare) {
 void Batch::hand_back(Job& job, std::size_t rendered) {
   const Piece& last = job.pieces[rendered - 1];
   Jobs back;
-  Job& rest = back.emplace_back();
+  {
+    const std::lock_guard lock(mutex_);
+    if (!job.spare->empty()) back.splice(back.begin(), *job.spare, job.spare->begin());
+  }
+  Job& rest = back.empty() ? back.emplace_back() : back.front();
+  rest.clear();
+  rest.is_begun = false;
   rest.number = job.number + static_cast<std::int32_t>(rendered);
   rest.text = job.text.substr(last.text_end);
   rest.pieces.resize(job.pieces.size() - rendered);
