@@ -2,6 +2,7 @@
 
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "data/chain.hpp"
@@ -140,9 +141,11 @@ std::string_view rule_text(Session& session, const Rule& rule, std::string& made
   // A copy of a rule, as a match makes one to leave conditions out, has the number but not the place.
   const bool is_kept = session.grammar != nullptr && knows_it(session.grammar->index.search.rules);
   if (is_kept && session.rule_texts.size() <= number) session.rule_texts.resize(number + 1);
-  std::string& text = is_kept ? session.rule_texts[number] : made;
-  if (text.empty()) rule_body_print(text, rule);
-  return text;
+  if (is_kept && !session.rule_texts[number].empty()) return session.rule_texts[number];
+  rule_body_print(made, rule);
+  if (!is_kept) return made;
+  // Only when it is whole: memory may have been refused half way.
+  return session.rule_texts[number] = std::move(made);
 }
 
 }  // namespace

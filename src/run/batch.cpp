@@ -193,11 +193,16 @@ void Batch::Desk::collect(Output& output) {
     may_write_ = true;
   }
   batch_.context_.session.output.append(output.take());
+  // Who watches the run wants to know what came of those in front of a sentence that takes long.
+  for (; job_->closed < job_->rendered; ++job_->closed) {
+    static_cast<void>(batch_.close_sentence(job_->pieces[job_->closed].outcome));
+  }
   out_flush(batch_.context_.session);
 }
 
 void Batch::Desk::begin(Job& job) {
   job_ = &job;
+  job.rendered = job.closed = 0;
   may_write_ = false;
   session().damage = {};
   session().state.forced_node = job.begins_with_target ? &session().gone : nullptr;
@@ -221,6 +226,7 @@ bool Batch::Desk::render_piece(Job& job, std::size_t place) {
   worker_.end();
   banner_put(session().output, piece.outcome.end);
   piece.output_end = session().output.kept();
+  job.rendered = place + 1;
   return piece.outcome.end != End::cancelled && piece.outcome.end != End::end_of_input;
 }
 
@@ -617,10 +623,11 @@ bool Batch::commit(Job& job, bool& leaves_target) {
   join(context_.input_notes, job.notes);
   join(context_.session.damage, job.damage);
   bool all_are_done = true;
-  for (Piece& piece : job.pieces) {
+  for (std::size_t place = 0; place < job.pieces.size(); ++place) {
+    Piece& piece = job.pieces[place];
     leaves_target = piece.outcome.leaves_target;
     all_are_done = all_are_done && piece.outcome.end == End::done;
-    if (!close_sentence(piece.outcome)) return false;
+    if (place >= job.closed && !close_sentence(piece.outcome)) return false;
   }
   return goes_on_behind(all_are_done);
 }

@@ -70,6 +70,8 @@ class Batch final : public StepWork {
     bool is_begun = false;            // a thread has it
     bool is_done = false;             // and has rendered it
     bool begins_with_target = false;  // the bit that it assumes
+    std::size_t rendered = 0;         // of its sentences
+    std::size_t closed = 0;           // of these: counted and reported, while the next one takes its time
     std::string output;               // or what of it has not been written
     InputNotes notes;
     LookupDamage damage{};
