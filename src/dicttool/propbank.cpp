@@ -75,7 +75,7 @@ struct Usage {
 // What stands at the beginning of an argument behind the verb. "To sing" and "to music" look alike: only a verb makes an
 // infinitive.
 std::string introduction(const std::vector<std::string>& words, const VerbSet& verbs) {
-  const std::string first = lowered(words[0]);
+  std::string first = lowered(words[0]);
   if (first == "to" && words.size() > 1 && verbs.contains(words[1])) return "infinitive";
   if (has(kPrepositions, first)) return first;
   if (first == "that") return "clause";

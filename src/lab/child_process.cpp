@@ -39,6 +39,7 @@ pid_t process_start(const std::vector<std::string>& words, int input, int output
   posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETSIGMASK);
   // The words are not written to, for all that the type says.
   std::vector<char*> arguments;
+  arguments.reserve(words.size() + 1);
   for (const std::string& word : words) arguments.push_back(const_cast<char*>(word.c_str()));
   arguments.push_back(nullptr);
   pid_t process = -1;
