@@ -22,6 +22,7 @@
 #include <memory>
 #include <mutex>
 #include <thread>
+#include <utility>
 
 #include "front/process.hpp"
 #include "lab/child_process.hpp"
@@ -197,7 +198,7 @@ struct Refusal {
 class Site {
  public:
   Site(const Arguments& arguments, Folder& folder, ServeFiles files)
-      : folder_(folder), place_(folder, files, arguments.limits), token_(secret_word()) {}
+      : folder_(folder), place_(folder, std::move(files), arguments.limits), token_(secret_word()) {}
 
   // The port that it listens on. Throws Fault.
   int bind(int port);
@@ -287,7 +288,7 @@ int Site::bind(int port) {
   server_.Post(".*", [this](const Request& request, Response& response) { post(request, response); });
   server_.set_exception_handler([](const Request&, Response& response, std::exception_ptr thrown) {
     try {
-      std::rethrow_exception(thrown);
+      std::rethrow_exception(std::move(thrown));
     } catch (const std::bad_alloc&) {
       answer_json(response, 500, {{"error", "memory is exhausted"}});
     } catch (const std::exception& fault) {
@@ -451,7 +452,7 @@ Json Site::stamps(const Json& asked) const {
 // Other users can see the words of a command, so those that open the browser name a file that only this user can read,
 // which leads to the address.
 std::string write_way(const TemporaryFolder& folder, const std::string& address) {
-  const std::string path = folder.path() + "/lexon.html";
+  std::string path = folder.path() + "/lexon.html";
   text_file_write(path,
                   "<!doctype html><meta charset=\"utf-8\"><title>Lexon</title>"
                   "<meta http-equiv=\"refresh\" content=\"0;url=" +
