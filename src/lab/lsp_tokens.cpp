@@ -217,6 +217,39 @@ void LineScanner::scan_label(Scan& scan, bool is_role) {
   scan.commas();
 }
 
+// A piece of a pattern: an item, a colon between two sections, or the pattern's end.
+void LineScanner::scan_in_pattern(Scan& scan) {
+  // Sections: conditions, actions, labels, roles.
+  const Wanted wanted = section_ == 0   ? Wanted::attribute
+                        : section_ == 1 ? Wanted::action
+                        : section_ == 2 ? Wanted::label
+                                        : Wanted::role;
+  const std::size_t before = scan.at;
+  scan.commas();
+  if (scan.is_asked(before, scan.at)) {
+    wanted_ = wanted;
+    wanted_begin_ = scan.until;
+  }
+  if (scan.is_end()) return;
+  if (*scan == ':') {
+    section_ = std::min(section_ + 1, 3);
+    ++scan.at;
+    // At the end of the line no other branch is reached any more.
+    if (scan.is_end() && scan.until == scan.at) {
+      wanted_ = section_ == 1 ? Wanted::action : section_ == 2 ? Wanted::label : Wanted::role;
+      wanted_begin_ = scan.until;
+    }
+  } else if (*scan == '}' || *scan == '"') {
+    in_pattern_ = false;
+    ++patterns_;
+    ++scan.at;
+  } else if (section_ < 2) {
+    scan_item(scan, wanted, section_ == 0 ? TokenUse::asks : TokenUse::gives);
+  } else {
+    scan_label(scan, section_ == 3);
+  }
+}
+
 // A rule: a type, contexts in parentheses, two patterns in braces or quotes with up to four sections between colons, a
 // priority. What it leaves open at a backslash (of a source) is kept in the members for the next line.
 void LineScanner::scan_rule(Scan& scan) {
@@ -237,35 +270,7 @@ void LineScanner::scan_rule(Scan& scan) {
 
   while (!scan.is_end()) {
     if (in_pattern_) {
-      // Sections: conditions, actions, labels, roles.
-      const Wanted wanted = section_ == 0   ? Wanted::attribute
-                            : section_ == 1 ? Wanted::action
-                            : section_ == 2 ? Wanted::label
-                                            : Wanted::role;
-      const std::size_t before = scan.at;
-      scan.commas();
-      if (scan.is_asked(before, scan.at)) {
-        wanted_ = wanted;
-        wanted_begin_ = scan.until;
-      }
-      if (scan.is_end()) break;
-      if (*scan == ':') {
-        section_ = std::min(section_ + 1, 3);
-        ++scan.at;
-        // At the end of the line no other branch is reached any more.
-        if (scan.is_end() && scan.until == scan.at) {
-          wanted_ = section_ == 1 ? Wanted::action : section_ == 2 ? Wanted::label : Wanted::role;
-          wanted_begin_ = scan.until;
-        }
-      } else if (*scan == '}' || *scan == '"') {
-        in_pattern_ = false;
-        ++patterns_;
-        ++scan.at;
-      } else if (section_ < 2) {
-        scan_item(scan, wanted, section_ == 0 ? TokenUse::asks : TokenUse::gives);
-      } else {
-        scan_label(scan, section_ == 3);
-      }
+      scan_in_pattern(scan);
       continue;
     }
     scan.blanks();

@@ -85,6 +85,7 @@ class LineScanner {
   struct Scan;
   void scan_item(Scan& scan, Wanted wanted, TokenUse plain_use);
   void scan_label(Scan& scan, bool is_role);
+  void scan_in_pattern(Scan& scan);
   void scan_rule(Scan& scan);
   void scan_directive(Scan& scan);
   void scan_entry(Scan& scan) const;
