@@ -117,6 +117,7 @@ void Batch::Job::clear() {
   pieces.clear();
   output.clear();
   reads_on = is_done = false;
+  rendered = closed = 0;  // also for a job that is cancelled before it is begun
   notes = {};
   damage = {};
   if (output.capacity() > kLargestRoom) output = {};
