@@ -246,7 +246,8 @@ import lexon, os, sys
 grammar = lexon.Grammar.from_text(sys.argv[1], sys.argv[2])
 grammar.render(sys.argv[3])
 child = os.fork()
-print(grammar.render(sys.argv[3]).text, flush=True)
+# One write a process: print may write the line and its end apart, and the other process between them.
+os.write(1, grammar.render(sys.argv[3]).text.encode() + b"\n")
 if child:
     os.waitpid(child, 0)
 """
