@@ -73,6 +73,12 @@ std::string Output::take(std::string room) {
   return room;
 }
 
+void Output::take_from(Output& other) {
+  put(std::string_view(other.text_.get(), other.size_));
+  other.size_ = 0;
+  other.full_ = kFull;
+}
+
 void out_print(Session& session, const char* format, ...) {
   if (session.stop_requested.load(std::memory_order_relaxed)) return;
   std::va_list arguments;

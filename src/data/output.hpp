@@ -110,6 +110,8 @@ class Output {
   // the next one its growing.
   [[nodiscard]] std::string take(std::string room = {});
   [[nodiscard]] std::size_t kept() const { return size_; }
+  // Prints what `other` keeps, which has nothing left then. Throws `std::bad_alloc`, and then it still has all.
+  void take_from(Output& other);
 
  private:
   static constexpr std::size_t kFull = std::size_t{64} << 10;

@@ -64,6 +64,7 @@ Status render_guarded(Session& session, RunContext& context, TextSource source, 
     }
     return status;
   } catch (const std::bad_alloc&) {
+    session.state.abort = Status::memory;
     return Status::memory;
   }
 }
@@ -193,7 +194,7 @@ void Batch::Desk::collect(Output& output) {
     if (session().stop_requested) return;
     may_write_ = true;
   }
-  batch_.context_.session.output.append(output.take());
+  batch_.context_.session.output.take_from(output);
   // Who watches the run wants to know what came of those in front of a sentence that takes long.
   for (; job_->closed < job_->rendered; ++job_->closed) {
     static_cast<void>(batch_.close_sentence(job_->pieces[job_->closed].outcome));
@@ -411,9 +412,10 @@ bool Batch::close_sentence(Outcome& outcome) {
   return true;
 }
 
-// What was not done is shown at once.
+// What was not done is shown at once, and everything where the input waits: whoever feeds sentences one by one wants to
+// see what came of each before the next, and no thread comes by later to look whether the output is wanted.
 bool Batch::goes_on_behind(bool all_are_done) {
-  if (all_are_done) {
+  if (all_are_done && !context_.input_waits) {
     out_flush(context_.session);
   } else {
     context_.session.output.flush();
@@ -431,8 +433,6 @@ void Batch::work_alone(StepWorker& worker) {
   bool goes_on = true;
   while (goes_on) {
     const auto number = static_cast<std::int32_t>(context_.number);
-    // Who feeds sentences one by one wants to see each before the next.
-    if (context_.input_waits) session.flush_wanted = true;
     Outcome outcome{End::failed};
     if (has_rules) {
       lookups_attend(session, context_.dictionary.files(), context_.cr_dictionary.files());
@@ -440,7 +440,6 @@ void Batch::work_alone(StepWorker& worker) {
     } else if (step_->is_cancelled()) {
       outcome.end = End::cancelled;
     }
-    if (context_.input_waits) session.flush_wanted = true;
     // A read that was stopped while it waited for data is no fault of the file.
     if (outcome.end == End::over_time) std::clearerr(context_.input);
     banner_put(context_.session.output, outcome.end);

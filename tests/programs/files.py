@@ -338,6 +338,20 @@ def on_a_pipe(words, before="", signals=(), within=20):
     return status, read("out.txt").decode()
 
 
+def each_is_seen_before_the_next(*words):
+    """Who writes the next sentence only when the one before has come out would else wait for ever."""
+    os.mkfifo("fifo")
+    process = subprocess.Popen([LEXON, *("fifo" if word == "input.txt" else word for word in WORDS), "-N0", *words], stderr=subprocess.DEVNULL)
+    with open(os.open("fifo", os.O_RDWR), "w") as writer:
+        deadline = time.monotonic() + 20
+        for count in range(1, 9):
+            writer.write(SENTENCE)
+            writer.flush()
+            while read("out.txt").count(b";;Done!") < count and time.monotonic() < deadline: time.sleep(0.005)
+        seen = time.monotonic() < deadline
+    return process.wait(20) == 0 and seen
+
+
 def reads_fifo(pid):
     try:
         return any(os.readlink("/proc/%d/fd/%s" % (pid, fd)).endswith("fifo") for fd in os.listdir("/proc/%d/fd" % pid))
@@ -499,6 +513,8 @@ ROWS += [
     ("a pipe without data: SIGTERM works", lambda: silent_writer_is_cancelled(signal.SIGTERM)),
     ("a pipe without data: SIGTERM and SIGHUP at one stroke are one signal",
      lambda: silent_writer_is_cancelled(signal.SIGSTOP, signal.SIGTERM, signal.SIGHUP, signal.SIGCONT)),
+    ("a pipe: each sentence is seen before the next", each_is_seen_before_the_next),
+    ("a pipe: the same on two threads", lambda: each_is_seen_before_the_next("-j2")),
     ("a FIFO without a writer: SIGINT works", no_writer_is_cancelled),
     ("an output FIFO without a reader: SIGINT works", no_reader_is_cancelled),
     ("the run is short of open files", short_of_files),
