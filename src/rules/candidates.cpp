@@ -53,6 +53,7 @@ struct Answer {
 constexpr std::int32_t kFirstKnown = 2;  // from here on: the number of the key; below, a verdict
 constexpr std::int32_t kNameless = -1;   // not remembered; the numbers stand in the scratch
 
+// Both verdicts have fixed names, so that pairs with them are remembered as well.
 Answer plain_verdict(Verdict verdict) {
   return {verdict, {}, {}, verdict == Verdict::all ? 0 : 1};
 }
@@ -165,6 +166,7 @@ bool lets_through(const SideSearch& search, const SearchScratch::Side& scratch, 
          std::ranges::none_of(search.forbidden.of(rule), is_striking);
 }
 
+// A rule stands under one row only, so a word finds it at most once.
 // Appends to `let` the rules that the word lets through: of those that the present rows watch, and of the easy ones that
 // ask something of the side.
 void satisfied_take(const WindowSide& side) {
@@ -193,6 +195,7 @@ void word_note(SearchScratch::Side& scratch) {
   }
 }
 
+// What struck out rules for one word says nothing of the next.
 void striking_clear(SearchScratch::Side& scratch) {
   for (const std::int32_t row : scratch.striking) scratch.is_striking[static_cast<std::size_t>(row)] = 0;
   scratch.striking.clear();
@@ -222,6 +225,7 @@ bool side_search(const Session& session, const WindowSide& side) {
   const bool settled = is_settled(side);
   bool is_given_up = false;
   const WordEntry* word = first_word(side);
+  // One round without a word too: an entry node may have lost its words, and the rest still lets rules through.
   do {
     if (word != nullptr) word_take(side, *word);
     satisfied_take(side);
@@ -236,6 +240,7 @@ bool side_search(const Session& session, const WindowSide& side) {
   std::ranges::sort(scratch.let);
   scratch.let.erase(std::unique(scratch.let.begin(), scratch.let.end()), scratch.let.end());
   scratch.satisfied.clear();
+  // Easy rules that ask nothing here pass whatever the words are.
   const Numbers easy = side.index.sides_know_easy() ? Numbers(side.search.easy_always) : Numbers{};
   std::ranges::set_union(scratch.let, easy, std::back_inserter(scratch.satisfied));
   return !is_given_up;
@@ -289,6 +294,7 @@ Answer answer_remember(SearchScratch& search, SearchScratch::Side& scratch, std:
   const Answer answer{Verdict::answer, scratch.satisfied, scratch.words, kNameless};
   if (key.empty()) return answer;
   const std::size_t size = answer.satisfied.size() + answer.words.size();
+  // Beyond the room that was taken at first nothing grows: answers in use point into it.
   const bool has_room = scratch.numbers.capacity() - scratch.numbers.size() >= size;
   const std::int32_t number = has_room ? scratch.known.add(key) : -1;
   search.is_full = search.is_full || number < 0;
@@ -311,6 +317,7 @@ std::int32_t number_find(const KeyNumbers& known, std::string_view key, std::int
 }
 
 // None if the search has to be given up.
+// The place in `latest` follows from the address of the node: the same node comes back with the same texts most often.
 std::optional<Answer> side_answer(Session& session, const WindowSide& side) {
   const bool settled = side.node == nullptr || is_settled(side);
   if (side.node == nullptr || side.node->candidates == nullptr) {
@@ -326,6 +333,7 @@ std::optional<Answer> side_answer(Session& session, const WindowSide& side) {
 }
 
 // Forgets the rules of pairs.
+// Needed as well when answers get new numbers: pairs are known by these.
 void pairs_forget(SearchScratch& scratch) {
   scratch.known_pairs.clear();
   scratch.found.clear();
@@ -440,6 +448,7 @@ void passing_find(const RuleSearch& index, const Answer& left, const Answer& rig
     const Passing on_left = told_left.of(rule, traits);
     const Passing on_right = told_right.of(rule, traits);
     if (!passes(on_left != Passing::no, on_right != Passing::no, traits)) continue;
+    // Open rules are held against the words in one go, word by word: marking the rows of a word is what costs.
     if (on_left == Passing::open) scratch.left.open.push_back(static_cast<std::int32_t>(kept));
     if (on_right == Passing::open) scratch.right.open.push_back(static_cast<std::int32_t>(kept));
     scratch.left.passing.push_back(on_left == Passing::yes ? 1 : 0);
@@ -534,6 +543,7 @@ Numbers passing_rules(Session& session, const Answer& left, const Answer& right,
   return scratch.fresh;
 }
 
+// wanted: both sides are seen through before either is searched, so that an entry missing on one side means no rules.
 Numbers search(Session& session, Node* lnode, Node* rnode, Wanted kind) {
   const RuleSearch& index = session.grammar->index.search;
   if ((lnode == nullptr && rnode == nullptr) || index.rules.empty()) return {};

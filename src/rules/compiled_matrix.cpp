@@ -47,6 +47,7 @@ HeaderBytes header_of(const RuleMatrix& matrix) {
   return bytes;
 }
 
+// A size of 0 has no area: its pointer may be null.
 void area_write(const void* area, std::size_t size, std::FILE* stream) {
   if (size != 0) std::fwrite(area, 1, size, stream);
 }
@@ -63,6 +64,7 @@ void matrix_write(const NumberLists& rules, std::uint8_t others, std::size_t row
       others == 0 ? bit_set(row.data(), i) : bit_clear(row.data(), i);
     });
     area_write(row.data(), row.size(), stream);
+    // The row as it was, for the next key: cheaper than to fill it anew, since few bits differ.
     std::for_each(first, last, [&](std::int32_t rule) { row[static_cast<std::size_t>(rule) / 8] = others; });
   }
 }
@@ -77,6 +79,7 @@ struct Header {
   std::uint32_t row_bytes;
 };
 
+// Numbers as the file has them: nothing is believed before `header_fault` has agreed.
 Header header_from(const HeaderBytes& bytes) {
   Header header{};
   ByteReader in(bytes);
@@ -102,6 +105,7 @@ std::uint64_t row_bytes_for(std::uint64_t rule_count) {
   return std::max<std::uint64_t>((rule_count + 7) / 8, 1);
 }
 
+// Sums are taken in 64 bits: the header may hold any numbers.
 const char* side_fault(const MatrixSide& side, std::uint64_t row_bytes) {
   if (side.attr_count < 0) return "attr_count is negative";
   const auto count = static_cast<std::uint64_t>(side.attr_count);
@@ -111,6 +115,7 @@ const char* side_fault(const MatrixSide& side, std::uint64_t row_bytes) {
   return nullptr;
 }
 
+// A file may be longer; what stands behind its areas is not read.
 std::uint64_t file_size_for(const Header& header) {
   std::uint64_t size = kHeaderSize;
   for (const MatrixSide* side : {&header.left, &header.right}) {
@@ -194,6 +199,7 @@ bool names_agree(const MatrixSide& side) {
   return pool.back() == '\0' && std::count(pool.begin(), pool.end(), '\0') == side.attr_count;
 }
 
+// The pool must have been looked at: each walk over a name ends at its NUL.
 Status attr_table_make(MatrixSide& side) {
   if (side.attr_count == 0) return Status::ok;
   const auto count = static_cast<std::size_t>(side.attr_count);
@@ -219,6 +225,7 @@ MatrixReading refused(const char* fault) {
 
 constexpr const char* kUnreadable = "the file cannot be read";
 
+// The pools of both sides stand in front of all matrices.
 MatrixReading names_read(RuleIndex& index, std::FILE* stream) {
   for (MatrixSide* side : {&index.matrix.left, &index.matrix.right}) {
     const Status s = area_read(side->attr_pool, side->pool_size, stream);
@@ -231,6 +238,7 @@ MatrixReading names_read(RuleIndex& index, std::FILE* stream) {
   return {Status::ok};
 }
 
+// The file tells the rules of a name, a search wants the names of a rule: the lists are turned over.
 MatrixReading side_read(RuleIndex& index, const MatrixSide& side, SideSearch& search, std::FILE* stream) {
   search.names = name_index_of(side);
   NumberLists requiring;
@@ -245,6 +253,7 @@ MatrixReading side_read(RuleIndex& index, const MatrixSide& side, SideSearch& se
   return {Status::ok};
 }
 
+// Front to back, as the file stands. On failure the index is half filled; the caller clears it.
 MatrixReading matrix_read(RuleIndex& index, std::FILE* stream, Rule* rules) {
   std::rewind(stream);
   const auto size = static_cast<std::uint64_t>(file_size(stream));

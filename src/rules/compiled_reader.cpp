@@ -18,6 +18,7 @@ Status whole(const ByteReader& in) {
   return in.ok() && !in.more() ? Status::ok : kDamaged;
 }
 
+// The characters get a terminator. A NUL in the first place is the empty text; a later one is damage.
 // Most texts have a few letters, so that the look for a NUL and the copy are one loop.
 Status text_copy(Pool& pool, std::string_view all, char*& text) {
   const std::size_t size = all.front() == '\0' ? 0 : all.size();
@@ -176,13 +177,16 @@ class RecordStream {
     return end_ >= count;
   }
 
+  // Not owned, neither of them.
   std::FILE* stream_;
   std::span<std::uint8_t> buffer_;
+  // Of what has been read and not been taken, in the buffer; then the bytes taken so far, in the file.
   std::size_t begin_ = 0;
   std::size_t end_ = 0;
   std::size_t taken_ = 0;
 };
 
+// A rule that fails half way stays with what it has: the whole list is given up.
 Status next_rule_read(Pool& pool, RecordStream& file, Rule*& rule) {
   ByteView record;
   if (!file.next(record)) return kDamaged;
@@ -200,6 +204,7 @@ void fault_tell(Session& session, int number, std::size_t place, std::string* fa
   *fault = text;
 }
 
+// In the order of the file, which is that of falling priority: what the file says is not sorted again.
 Status rules_read(Session& session, Pool& pool, RecordStream& file, Rule*& rules, std::string* fault) {
   int number = 0;
   for (Rule** link = &rules; !file.at_end(); link = &(*link)->next) {

@@ -12,6 +12,7 @@ namespace {
 // Every writer puts a length in front, which is filled in when the block is closed.
 void text_write(ByteWriter& out, const char* text) {
   const std::string_view kept = text == nullptr ? std::string_view() : std::string_view(text);
+  // A length of 0 says that there is no text, so the empty one needs a byte.
   const bool is_empty_text = text != nullptr && kept.empty();
   const std::size_t length = out.length_open();
   if (is_empty_text) out.u8(0);
@@ -31,6 +32,7 @@ void items_write(ByteWriter& out, const CondItem* items) {
   out.length_close(length);
 }
 
+// In the order in which the groups are stored, which for PRE is not that of the text.
 void groups_write(ByteWriter& out, const ContextGroup* groups) {
   const std::size_t length = out.length_open();
   for (const ContextGroup& group : chain<&ContextGroup::next>(groups)) {
@@ -61,6 +63,7 @@ void pattern_write(ByteWriter& out, const NodePattern& pattern) {
 void record_write(ByteWriter& out, const Rule& rule) {
   const std::size_t length = out.length_open();
   out.u8(rule.type);
+  // No rule from a text has one. A mark tells of it, since no field has room for its absence.
   if (rule.subtype != 0) {
     out.u8(kSubtypeMark);
     out.u8(rule.subtype);
@@ -81,6 +84,7 @@ bool is_readable(const Rule& rule, ByteView record) {
 }
 
 // The bytes of a rule's record, or none if the file cannot carry it.
+// Valid until `buffer` is used again.
 ByteView record_of(const Rule& rule, std::span<std::uint8_t> buffer) {
   ByteWriter out(buffer);
   record_write(out, rule);
@@ -101,6 +105,7 @@ Status records_check(Session& session, const Rule* rules, std::span<std::uint8_t
   return Status::ok;
 }
 
+// Every record is made twice, in the check and here: to keep them all would take as much memory as the rules.
 Status records_write(Session& session, const Rule* rules, std::span<std::uint8_t> buffer, std::FILE* stream) {
   if (const Status status = records_check(session, rules, buffer); status != Status::ok) return status;
   for (const Rule& rule : chain<&Rule::next>(rules)) {

@@ -7,6 +7,7 @@
 namespace lexon {
 namespace {
 
+// Of the pattern alone: groups around it have no say, since its actions do not change their nodes.
 bool has_conditions(const NodePattern& side) {
   return side.hw_conds != nullptr || side.cw_conds != nullptr || side.attr_conds != nullptr;
 }
@@ -27,6 +28,7 @@ bool text_falsifies(const CondItem* conditions, const char* text) {
   return false;
 }
 
+// Conditions with "+" or "-" count as little as in the index: neither `kOpHas` nor `kOpNot` is their code.
 bool action_falsifies(const NodePattern& side, const CondItem& action) {
   switch (action.op) {
     case kOpSetHw: return text_falsifies(side.hw_conds, side.hw_action);
@@ -51,6 +53,7 @@ bool stays_on_pair(std::uint8_t type) {
 
 }  // namespace
 
+// A rule without conditions fits for ever whatever it does, one without actions leaves its conditions as they are.
 bool is_endless_rule(const Rule& rule) {
   if (!has_brace_patterns(rule) || !stays_on_pair(rule.type)) return false;
   if (!has_conditions(*rule.lnode) && !has_conditions(*rule.rnode)) return true;

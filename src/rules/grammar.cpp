@@ -13,6 +13,7 @@ constexpr std::size_t kAnswerRules = std::size_t{1} << 19;
 constexpr std::size_t kMostPairs = 8192;
 constexpr std::size_t kPairRules = std::size_t{1} << 18;
 
+// Room for what is remembered is taken here once and never grows: answers are handed on as spans of it.
 void fit(SearchScratch::Side& scratch, const SideSearch& side) {
   const std::size_t rows = side.names.find_rows.size();
   scratch.is_present.assign(rows, 0);
@@ -33,6 +34,7 @@ void session_use(Session& session, const Grammar& grammar) {
   const RuleSearch& search = grammar.index.search;
   session.grammar = &grammar;
   session.rule_texts.clear();
+  // Rules and sentences share one number of blocks.
   session.pool.limit_blocks(grammar.pool.max_blocks() - grammar.pool.blocks());
   SearchScratch& scratch = session.search;
   fit(scratch.left, search.left);

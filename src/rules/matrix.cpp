@@ -42,6 +42,7 @@ const CondItem* conditions(const SideBuild& build, const Rule& rule) {
 
 constexpr std::size_t kLineLength = 1023;  // the longest line, its line feed included
 constexpr std::size_t kPieceLength = 255;  // of a line that becomes a name
+// Bytes; beyond, the sort goes on on the disk.
 constexpr std::size_t kSortMemory = std::size_t{32} << 20;
 
 // Hands a line on as an item to be sorted, and begins the next. Its last character becomes the line feed, which was that
@@ -76,6 +77,7 @@ Status sorting_failed(Session& session) {
 
 // Adds the texts of all conditions of the side, whatever their prefix.
 Status names_add(Session& session, const SideBuild& build, const Rule* rules, ItemSorter& lines) {
+  // The same few names stand in many rules. The texts belong to the rules, and stay.
   std::unordered_set<std::string_view> added;
   for (const Rule& rule : chain<&Rule::next>(rules)) {
     if (const Status s = must_leave(session); s != Status::ok) return s;
@@ -101,6 +103,7 @@ Status lines_take(Session& session, ItemSorter& lines, std::string& text, std::i
 }
 
 // Makes the table of names from the sorted lines.
+// The pool is as long as the lines together: the last byte of each piece, mostly its line feed, becomes the NUL.
 Status attr_table_make(MatrixSide& side, std::string_view text, std::int32_t count) {
   if (count == 0) return Status::ok;
   side.attr_pool = static_cast<char*>(zeroed_block(text.size()));
@@ -151,6 +154,7 @@ void conditions_take(Demands& demands, const NameIndex& names, const CondItem* c
   list_end(demands.forbidden);
 }
 
+// The list of a rule may hold a row twice, if the rule asks twice.
 Status demands_collect(Session& session, const RuleIndex& index, const SideBuild& build, Demands& demands) {
   demands.required.starts.reserve(index.search.rules.size() + 1);
   demands.forbidden.starts.reserve(index.search.rules.size() + 1);
@@ -185,6 +189,7 @@ void rules_count(RuleIndex& index, Rule* rules) {
   index.matrix.row_bytes = (index.matrix.rule_count - 1) / 8 + 1;
 }
 
+// `rules_prepare` numbers the rules, which both sides rely on; `watch_prepare` needs the demands of both.
 Status build_all(Session& session, RuleIndex& index, Rule* rules) {
   rules_count(index, rules);
   rules_prepare(index);
@@ -204,6 +209,7 @@ void side_release(MatrixSide& side) {
 
 }  // namespace
 
+// A failure half way leaves nothing: an index without some rules would say other things than the linguist wrote.
 Status rule_matrix_build(Session& session, RuleIndex& index, Rule* rules) {
   rule_matrix_clear(index);
   Status status = Status::memory;

@@ -35,6 +35,7 @@ bool section_failed(Session& session, const char* section) {
   return false;
 }
 
+// Stands at the first character that is no blank. The message shows the line from there on.
 bool type_read(Session& session, LineReading& line) {
   line.rule.type = parse_rule_type(line.cursor);
   if (line.rule.type == 0) {
@@ -105,6 +106,7 @@ bool pattern_read(Session& session, Pool& pool, LineReading& line, Side side, bo
   return true;
 }
 
+// wanted: no blanks are passed in front of the left pattern but those behind the groups and the type.
 bool lnode_read(Session& session, Pool& pool, LineReading& line) {
   const std::uint8_t type = line.rule.type;
   const bool braces = *line.cursor == '{' && type != rule_type::shift_left;
@@ -174,6 +176,8 @@ bool priority_read(Session& session, LineReading& line) {
   return true;
 }
 
+// In the order of the line. The test for endless rules stands where both patterns are known, so that a fault in SUF
+// of such a rule is never told.
 bool rule_read(Session& session, Pool& pool, LineReading& line) {
   return type_read(session, line) && pre_read(session, pool, line) && lnode_read(session, pool, line) &&
          mid_read(session, pool, line) && rnode_read(session, pool, line) && ends_sometime(session, line) &&

@@ -29,8 +29,10 @@ Status syntax_error(Session& session, const RuleParse& parse, const char* positi
 // ---- Items ----
 
 // The operator, by the prefix under the cursor, which is stepped over.
+// wanted: in front of a bracket in a section of actions the prefix counts for nothing; `item_body_read` sets the code.
 std::uint8_t prefix_op(ItemPlace place, const char*& cursor) {
   switch (*cursor) {
+      // Not met in a section of actions: the caller has refused it.
     case '^': ++cursor; return kOpNot;
     case '-': ++cursor; return kOpDelete;
     case '+': ++cursor; return kOpAdd;
@@ -44,6 +46,7 @@ Status item_body_read(Pool& pool, ItemPlace place, const char*& cursor, CondItem
   kind = ItemKind::attribute;
   if (*cursor != '[') return scan_attr_token(pool, cursor, item, kAttrTokenLimit);
   ++cursor;
+  // `[[]` is the form "[", and `[[]]` an empty concept word.
   const bool is_cw = *cursor == '[' && !is_hw_text_end(cursor + 1);
   kind = is_cw ? ItemKind::cw : ItemKind::hw;
   if (place == ItemPlace::action) item.op = is_cw ? kOpSetCw : kOpSetHw;
@@ -61,6 +64,7 @@ bool is_out_of_place(ItemPlace place, char c) {
 // Reads prefix, text and what separates the item from the next. A failure has been told when it comes back as `no_effect`.
 Status item_read(Session& session, Pool& pool, const RuleParse& parse, ItemPlace place, const char*& cursor,
                  CondItem& item, ItemKind& kind) {
+  // A message names the section with a blank in front and no line end: the caller goes on with " in LNODE" or the like.
   const char* const section = place == ItemPlace::action ? " in ACTION" : " in COND";
   if (place == ItemPlace::action && *cursor == '^') {
     return syntax_error(session, parse, cursor, section, RuleFault::not_in_action);
@@ -100,6 +104,7 @@ struct PatternReading {
   Side side;
 };
 
+// Negated conditions may be as many as one likes: a word can lack any number of forms, but have only one.
 bool has_affirmative(const CondItem* conditions) {
   for (const CondItem& condition : chain<&CondItem::next>(conditions)) {
     if (condition.op == kOpHas) return true;
@@ -107,12 +112,14 @@ bool has_affirmative(const CondItem* conditions) {
   return false;
 }
 
+// wanted: the spelling.
 const char* limit_message(ItemKind kind) {
   return kind == ItemKind::hw ? " more than 2 affirmative condtions of HW are not allowed in COND"
                               : " more than 2 affirmative condtions of CW are not allowed in COND";
 }
 
 Status cond_section(Session& session, Pool& pool, PatternReading& reading) {
+  // Where the message of a second demand points: it is about the section, not about an item.
   const char* const start = reading.cursor;
   while (!is_section_end(*reading.cursor)) {
     CondItem* item = nullptr;
@@ -179,6 +186,7 @@ Status relation_section(Session& session, Pool& pool, PatternReading& reading) {
   return Status::ok;
 }
 
+// Kept with the name, and written out; nothing reads it.
 bool is_role_sign(char c) {
   return c == '<' || c == '>';
 }
@@ -200,6 +208,7 @@ Status role_section(Session& session, Pool& pool, PatternReading& reading) {
   while (!is_section_end(*reading.cursor) && *reading.cursor != ')') {
     if (const Status status = role_read(session, pool, reading); status != Status::ok) return status;
   }
+  // wanted: this message has a form of its own.
   const bool is_fifth_section = *reading.cursor == ':';
   if (!is_fifth_section && *reading.cursor != ')') return Status::ok;
   out_print(session, ";;%s;;ROLE ERR(%d,%d)", reading.cursor, column_of(reading.parse, reading.cursor),
@@ -228,6 +237,7 @@ Status closer_read(Session& session, PatternReading& reading) {
   return Status::no_effect;
 }
 
+// COND is always there, if empty. Each other section stands behind a colon, and a pattern may end in front of any.
 Status sections_read(Session& session, Pool& pool, PatternReading& reading) {
   if (const Status status = cond_section(session, pool, reading); status != Status::ok) return status;
   for (auto* const section : {action_section, relation_section, role_section}) {
@@ -265,10 +275,12 @@ Status group_read(Session& session, Pool& pool, RuleParse& parse, const char* op
 
 }  // namespace
 
+// The line from `position` on, with its line end, so that what follows stands on a line of its own.
 void rule_error_print(Session& session, const RuleParse& parse, const char* position, const char* behind) {
   out_print(session, ";;%s;;ERR(%d,%d)%s", position, column_of(parse, position), parse.line, behind);
 }
 
+// Nothing is noted once the parse is to be left: what half a line lacks is no fault of the text.
 void rule_fault_note(Session& session, const RuleParse& parse, const char* position, RuleFault fault) {
   if (parse.notes == nullptr || must_leave(session, *parse.pool) != Status::ok) return;
   std::string_view text = parse.start;
@@ -277,6 +289,7 @@ void rule_fault_note(Session& session, const RuleParse& parse, const char* posit
   parse.notes->notes.push_back({parse.notes->text.line, column, fault, std::string(text)});
 }
 
+// The status is kept in `parse` as well: that of the last line decides over the whole file.
 Status parse_cond_item(Session& session, Pool& pool, RuleParse& parse, ItemPlace place, const char*& cursor,
                        CondItem*& item, ItemKind& kind) {
   item = perm_new<CondItem>(pool);
@@ -297,6 +310,7 @@ Status parse_context_group(Session& session, Pool& pool, RuleParse& parse, const
   return parse.status;
 }
 
+// `pattern` belongs to the caller even when the parse fails; it goes with the rule.
 Status parse_node_pattern(Session& session, Pool& pool, RuleParse& parse, Side side, const char*& cursor,
                           NodePattern*& pattern) {
   pattern = perm_new<NodePattern>(pool);

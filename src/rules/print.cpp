@@ -14,6 +14,7 @@ namespace lexon {
 namespace {
 
 template <typename... Pieces>
+// All is put together in memory and printed in one piece: a rule is printed often, and made once.
 void text_append(std::string& text, const Pieces&... pieces) {
   ((text += pieces), ...);
 }
@@ -58,6 +59,8 @@ void conditions_print(std::string& text, const CondItem* conditions, const char*
   }
 }
 
+// Forms, concept words, attributes: in this order, whatever order the text of the rule had. Commas stand between the
+// lists only where there is something on both sides.
 void cond_print(std::string& text, const CondItem* hw_conds, const CondItem* cw_conds, const CondItem* attr_conds) {
   conditions_print(text, hw_conds, "[", "]");
   text_append(text, comma_if(hw_conds != nullptr && (cw_conds != nullptr || attr_conds != nullptr)));
@@ -66,6 +69,7 @@ void cond_print(std::string& text, const CondItem* hw_conds, const CondItem* cw_
   conditions_print(text, attr_conds, "", "");
 }
 
+// Only what is deleted or added has a sign; codes from a compiled file may be any.
 const char* action_sign(std::uint8_t op) {
   if (op == kOpDelete) return "-";
   return op == kOpAdd ? "+" : "";
@@ -78,17 +82,20 @@ void actions_print(std::string& text, const NodePattern& pattern) {
   if (pattern.hw_action != nullptr) text_append(text, "[", pattern.hw_action, "]", comma_if(has_cw || has_actions));
   if (has_cw) text_append(text, "[[", pattern.cw_action, "]]", comma_if(has_actions));
   for (const CondItem& item : chain<&CondItem::next>(pattern.actions)) {
+    // Printed in front of the others, from the fields of the pattern.
     if (item.op >= kOpSetHw) continue;
     text_append(text, action_sign(item.op), item.text, comma_if(item.next != nullptr));
   }
 }
 
+// Labels and names of roles. wanted: the sign of a role is not printed.
 void texts_print(std::string& text, const CondItem* items) {
   for (const CondItem& item : chain<&CondItem::next>(items)) {
     text_append(text, item.text, comma_if(item.next != nullptr));
   }
 }
 
+// Always with three colons, though the text may have had fewer.
 void pattern_print(std::string& text, const NodePattern& pattern) {
   const bool is_quoted = pattern.inserted != 0;
   text_append(text, is_quoted ? "\"" : "{");
@@ -114,12 +121,15 @@ void groups_print_forward(std::string& text, const ContextGroup* group) {
   for (const ContextGroup& each : chain<&ContextGroup::next>(group)) group_print(text, each);
 }
 
+// As deep as the list is long: a line of rule text has room for some hundred groups, a record of a compiled file for
+// some thousand.
 void groups_print_backward(std::string& text, const ContextGroup* group) {
   if (group == nullptr) return;
   groups_print_backward(text, group->next);
   group_print(text, *group);
 }
 
+// The line without the indent, which is not the same each time.
 void rule_body_print(std::string& text, const Rule& rule) {
   type_print(text, rule.type);
   groups_print_backward(text, rule.pre);
@@ -150,6 +160,7 @@ std::string_view rule_text(Session& session, const Rule& rule, std::string& made
 
 }  // namespace
 
+// wanted: several rules share one indent, in front of the first.
 void rule_print(Session& session, const Rule* rule, bool one) {
   std::string made;
   if (rule != nullptr && one) return out_text(session, trace_indent(session), rule_text(session, *rule, made));

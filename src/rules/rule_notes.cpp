@@ -6,11 +6,14 @@ namespace lexon {
 
 namespace {
 
+// What is told of a fault: first what is wrong, then how the rule is written right. Shown as it stands here, behind the
+// place, so that it is one line without an end.
 struct FaultText {
   RuleFault fault;
   const char* text;
 };
 
+// In the order of the enumerators: the fault itself is the place in the table.
 constexpr FaultText kTexts[] = {
     {RuleFault::type,
      "no rule type: a rule begins with : L R ? ?L ?R X CL CR DL DR P: PL PR P<< P>> PSL or PSR, a comment with ;"},
@@ -47,6 +50,7 @@ constexpr FaultText kTexts[] = {
     {RuleFault::no_priority, "no priority, or one that comes to 0: write P and a number from 1 to 255 behind the rule"},
     {RuleFault::no_relation, "a rule of type < or > without a relation; rules of these types change nothing"},
 };
+// A fault without a text would be read from behind the table.
 static_assert(std::size(kTexts) == static_cast<std::size_t>(RuleFault::no_relation) + 1);
 
 }  // namespace

@@ -17,12 +17,14 @@ std::size_t to_size(std::int32_t number) {
   return static_cast<std::size_t>(number);
 }
 
+// Of a whole name. Searches take the same steps over the pieces of an attribute text.
 std::uint32_t hash_of(const char* name) {
   std::uint32_t hash = kHashSeed;
   for (; *name != '\0'; ++name) hash = hash_step(hash, *name);
   return hash;
 }
 
+// Two passes fill lists that lie in one array: the first counts what each will hold, the second puts it there.
 // With `starts[k + 1]` the length of list k: turns the lengths to places in such a way that taking starts[k + 1]++ for
 // each item leaves the starts as they should be. The number of all items.
 std::uint32_t lists_open(std::vector<std::uint32_t>& starts) {
@@ -56,6 +58,7 @@ void watchers_set(SideSearch& side, const std::vector<std::int32_t>& watchers) {
     if (row >= 0) ++side.watch_starts[to_size(row) + 1];
   }
   side.watched.resize(lists_open(side.watch_starts));
+  // A second row that the rule requires spares most looks at it: a search asks for that before it goes to the rule.
   for (std::size_t rule = 0; rule < watchers.size(); ++rule) {
     const std::int32_t row = watchers[rule];
     if (row < 0) continue;
@@ -72,6 +75,7 @@ char shifted_end(const Rule& rule) {
   const bool to_left = rule.type == rule_type::shift_left;
   const NodePattern& own = to_left ? *rule.lnode : *rule.rnode;
   const NodePattern& shifted = to_left ? *rule.rnode : *rule.lnode;
+  // Whatever a match would look at before the text forbids to refuse by the text: it could have other effects.
   const bool is_plain = rule.mid == nullptr && (to_left ? rule.suf : rule.pre) == nullptr && own.inserted != 0 &&
                         shifted.inserted == 0 && own.hw_conds != nullptr;
   const std::string_view text = is_plain ? own.hw_conds->text : "";
@@ -83,6 +87,7 @@ char shifted_end(const Rule& rule) {
 
 NameIndex name_index_of(const MatrixSide& side) {
   const std::size_t count = to_size(side.attr_count);
+  // Half of the buckets stay empty, so that most names that no rule asks for are told by one look.
   const std::size_t buckets = std::bit_ceil(count * 2 + 1);
   NameIndex index;
   index.names = side.attr_table;
@@ -92,6 +97,7 @@ NameIndex name_index_of(const MatrixSide& side) {
   index.find_rows.resize(count);
   for (std::size_t row = 0; row < count; ++row) {
     const char* name = side.attr_table[row];
+    // A table from a file can hold a name twice or out of order; then the binary search decides, and may find none.
     index.find_rows[row] = attr_table_find(name, side.attr_table, side.attr_count);
     index.most_commas = std::max(index.most_commas, static_cast<int>(std::count(name, name + std::strlen(name), ',')));
     std::int32_t& bucket = index.buckets[hash_of(name) & index.mask];
@@ -122,6 +128,8 @@ void rules_prepare(RuleIndex& index) {
 }
 
 void watch_prepare(RuleSearch& search) {
+  // The fewer rules share a row, the more seldom it leads to a rule that does not fit. So the rarest row of both sides
+  // watches, and of two that are as rare that of the left side.
   const std::vector<std::uint32_t> left_users = users_of(search.left);
   const std::vector<std::uint32_t> right_users = users_of(search.right);
   std::vector<std::int32_t> left(search.rules.size(), -1);
@@ -133,6 +141,7 @@ void watch_prepare(RuleSearch& search) {
     const std::int32_t right_row = traits.right_inserted ? -1 : rarest_row(search.right, right_users, rule);
     if (left_row < 0 && right_row < 0) {
       search.easy.push_back(static_cast<std::int32_t>(rule));
+      // An easy rule can still ask: by what an inserted pattern requires, or by what it forbids.
       for (SideSearch* side : {&search.left, &search.right}) {
         const bool asks = !side->required.of(rule).empty() || !side->forbidden.of(rule).empty();
         (asks ? side->easy_asking : side->easy_always).push_back(static_cast<std::int32_t>(rule));
@@ -152,6 +161,7 @@ void watch_prepare(RuleSearch& search) {
 NumberLists transposed(const NumberLists& lists, std::size_t keys) {
   NumberLists result;
   result.starts.resize(keys + 1);
+  // Lengths first; the keys are then walked in order, so that each list of the result rises.
   for (const std::int32_t item : lists.items) ++result.starts[to_size(item) + 1];
   result.items.resize(lists_open(result.starts));
   for (std::size_t key = 0; key + 1 < lists.starts.size(); ++key) {

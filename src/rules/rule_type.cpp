@@ -23,11 +23,13 @@ std::uint8_t post_scope_type(const char*& cursor) {
   return static_cast<std::uint8_t>(third);
 }
 
+// The sign may be doubled: "P<" and "P<<" are one type.
 std::uint8_t shift_type(const char*& cursor, std::uint8_t type) {
   if (*cursor == cursor[-1]) ++cursor;
   return type;
 }
 
+// "P" and what stands behind it; any other character there is left for the pattern, and "P" is a type without a step.
 std::uint8_t post_edit_type(const char*& cursor) {
   switch (*++cursor) {
     case ':': ++cursor; return rule_type::post_insertion;
@@ -42,6 +44,7 @@ std::uint8_t post_edit_type(const char*& cursor) {
 
 }  // namespace
 
+// Digits but "1" and "2" are codes, and no texts: the codes of post-edit are written with "P".
 std::uint8_t parse_rule_type(const char*& cursor) {
   switch (*cursor) {
     case '+':
