@@ -38,6 +38,7 @@ lexon::GrammarFiles paths_of(const lexon_grammar_files& files) {
 
 // The texts stay those of the C++ message, which lives as long as its grammar or result.
 lexon_message shown(const lexon::Message& message) {
+  // The kinds of both languages have the same numbers.
   return {static_cast<lexon_message_kind>(message.kind), message.file.c_str(), message.line, message.column,
           message.text.c_str()};
 }
@@ -58,6 +59,7 @@ const char* lexon_version(void) {
   return lexon::version();
 }
 
+// Null for want of memory alone: a grammar that cannot be used is a handle, and its messages tell why.
 lexon_grammar* lexon_grammar_load(const char* dictionary, const char* rules, const char* cooccurrence) {
   const lexon_grammar_files files{dictionary, rules, cooccurrence, nullptr, 0, 0};
   return lexon_grammar_open(&files);
@@ -75,6 +77,7 @@ lexon_grammar* lexon_grammar_from_text(const char* dictionary, const char* rules
 lexon_grammar* lexon_grammar_open(const lexon_grammar_files* files) {
   if (files == nullptr) return nullptr;
   return made([files] {
+    // Whether there is a text decides, not whether it is empty.
     const lexon::GrammarFiles paths = paths_of(*files);
     return new lexon_grammar{files->rules_text != nullptr
                                  ? lexon::Grammar::from_text({files->rules_text, files->rules_size}, paths)
@@ -82,6 +85,7 @@ lexon_grammar* lexon_grammar_open(const lexon_grammar_files* files) {
   });
 }
 
+// Null is allowed, as in all functions that free.
 void lexon_grammar_free(lexon_grammar* grammar) {
   delete grammar;
 }
@@ -113,6 +117,7 @@ void lexon_generator_free(lexon_generator* generator) {
   delete generator;
 }
 
+// Nothing here keeps two callers of one generator apart; `lexon_generator_stop` alone may come from another thread.
 lexon_result* lexon_generator_render(lexon_generator* generator, const char* graphs, size_t size,
                                      const lexon_settings* settings) {
   if (generator == nullptr) return nullptr;

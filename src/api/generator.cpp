@@ -20,6 +20,7 @@ using Clock = std::chrono::steady_clock;
 // Generation is recursive: a real grammar must never meet the end of this stack. The same as of a run.
 constexpr std::size_t kStack = std::size_t{256} << 20;
 constexpr std::size_t kStackReserve = std::size_t{256} << 10;
+// Also the precision of a time limit, since a deadline that moves on wakes nobody.
 // How often the caller is asked whether to go on, and the clock is looked at.
 constexpr std::chrono::milliseconds kAskInterval{100};
 
@@ -119,6 +120,7 @@ Generator::Body::Body(Grammar&& of) : grammar_(std::move(of)) {
   session_use(*session_, loaded_->rules);
   // What the reader says of a sentence is kept apart from what it prints: it becomes messages with their lines.
   session_->remarks = &remarks_;
+  // One thread for the life of the generator; its stack is larger than that of any caller.
   const auto body = [](void* self) { static_cast<Body*>(self)->serve(); };
   if (!thread_start(thread_, kStack, body, this)) throw std::bad_alloc();
 }
@@ -135,6 +137,7 @@ Generator::Body::~Body() {
 
 // ---- The caller's side
 
+// `text` and `settings` must stand until the call returns; nothing of them is kept.
 std::vector<Sentence> Generator::Body::render(std::string_view text, const Settings& settings) {
   // One failed sentence instead of none: who counts results finds that something is missing.
   if (loaded_ == nullptr) {
@@ -199,6 +202,7 @@ void Generator::Body::stop() {
 
 // ---- The thread's side
 
+// Work comes by `busy_` and goes back by it; the mutex is free while sentences are rendered.
 void Generator::Body::serve() {
   session_->state.stack_limit = stack_limit_of_this_thread(kStackReserve);
   std::unique_lock lock(mutex_);
@@ -232,6 +236,7 @@ bool Generator::Body::begin_sentence() {
   const std::lock_guard lock(mutex_);
   in_sentence_ = !stop_wanted_;
   is_over_time_ = false;
+  // A limit of any size is taken: a double beyond what the clock can count would wrap.
   session_->stop_requested = false;
   if (settings_->time_limit > 0) {
     deadline_ = Clock::now() + std::chrono::duration_cast<Clock::duration>(
@@ -330,6 +335,7 @@ bool Generator::Body::render_next(std::string_view& rest) {
   return !has_ended;
 }
 
+// For the workbench, which watches the search from inside.
 Session& Inside::session(Generator& generator) {
   return generator.body_->session();
 }

@@ -46,6 +46,7 @@ bool finish(RuleStep& step, core::Status status) {
   return status == core::Status::ok;
 }
 
+// Refused rules are messages and no failure; a last line that is refused fails the whole text.
 bool parse(RuleStep& step, TextSource source) {
   RuleNotes notes;
   const core::Status status = parse_rule_file(step.session, step.grammar.pool, source, step.grammar.rules, &notes);
@@ -69,6 +70,7 @@ bool load_source(RuleStep& step, ExpandedFile&& source) {
   if (source.expansion.has_errors()) return false;
   step.source = std::move(source.expansion.map);
   step.expansion = std::move(source.expansion.text);
+  // The expansion stays with the grammar: the map leads from its lines to those of the source.
   std::string_view text = step.expansion;
   return parse(step, text);
 }
@@ -109,6 +111,7 @@ bool open_words(Dictionary& words, const std::string& path, std::vector<Message>
 }
 
 // As in a run, the kind of index names that the dictionary opened last has is that of both.
+// True also for a dictionary that is kept: it was open when it was loaded.
 bool open_cooccurrence(LoadedGrammar& grammar, const std::string& path, unsigned kept) {
   Dictionary& pairs = grammar.cooccurrence;
   const bool is_open = (kept & Inside::cooccurrence) != 0 || dictionary_open(path, PairCheck::quick, pairs);
@@ -127,6 +130,7 @@ bool open_cooccurrence(LoadedGrammar& grammar, const std::string& path, unsigned
 template <typename LoadRules>
 void load_all(LoadedGrammar& grammar, const GrammarFiles& files, const std::string& rule_file,
               const TextLookup& unsaved, LoadRules load_rules_of, unsigned kept = Inside::none) {
+  // Everything is tried even when something has failed: who loads a grammar sees all that is wrong with it at once.
   bool is_usable = (kept & Inside::words) != 0 || open_words(grammar.words, files.dictionary, grammar.messages);
   if (!files.cooccurrence.empty()) is_usable = open_cooccurrence(grammar, files.cooccurrence, kept) && is_usable;
   if ((kept & Inside::rules) != 0) {
@@ -172,6 +176,7 @@ Grammar Grammar::from_text(std::string_view rules, const GrammarFiles& files) {
 
 Grammar Inside::load_changed(const GrammarFiles& files, const std::string_view* text, const Grammar& before,
                              unsigned kept) {
+  // Words that took on the kind of the other dictionary are not as their file has them.
   const LoadedGrammar& old = *before.body_;
   if (old.has_mixed_names) kept &= ~unsigned{words | cooccurrence};
   GrammarParts parts;
@@ -195,6 +200,7 @@ Grammar Inside::load_changed(const GrammarFiles& files, const std::string_view* 
         },
         kept);
   }
+  // The second time nothing of the words is kept, so that it ends there.
   // Only words of its own may take on the names of the other kind: others render with those that are kept.
   if (body->has_mixed_names && (kept & words) != 0) return load_changed(files, text, before, kept & ~unsigned{words});
   Grammar grammar;
@@ -212,6 +218,7 @@ bool Grammar::is_usable() const noexcept {
 
 namespace {
 
+// For a grammar that was never loaded.
 constinit const std::vector<Message> kNoMessages;
 
 }  // namespace
@@ -240,6 +247,7 @@ std::string_view Grammar::printed() const noexcept {
   return body_ == nullptr ? std::string_view() : body_->printed;
 }
 
+// Those in force: refused rules are not among them.
 std::size_t Grammar::rule_count() const noexcept {
   return body_ == nullptr ? 0 : static_cast<std::size_t>(body_->rules.index.matrix.rule_count);
 }

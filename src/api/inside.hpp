@@ -35,6 +35,7 @@ struct LoadedGrammar {
   LoadedGrammar& operator=(const LoadedGrammar&) = delete;
 };
 
+// The public class names its contents and does not show them.
 struct Grammar::Body : LoadedGrammar {
   using LoadedGrammar::LoadedGrammar;
 };

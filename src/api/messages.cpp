@@ -6,6 +6,7 @@
 namespace lexon {
 inline namespace v1 {
 
+// About a file as a whole: neither line nor column.
 void error_append(std::vector<Message>& messages, const std::string& file, std::string text) {
   messages.push_back({MessageKind::error, file, 0, 0, std::move(text)});
 }
@@ -16,6 +17,7 @@ void fault_append(std::vector<Message>& messages, const std::string& file, const
   error_append(messages, file, is_named ? fault.substr(file.size() + 2) : fault);
 }
 
+// `before` is what an earlier look has told of already.
 void text_notes_append(std::vector<Message>& messages, const std::string& file, const TextWatch& text,
                        const TextWatch& before) {
   for (const TextNote& note : text_notes(text, before)) {
@@ -24,6 +26,7 @@ void text_notes_append(std::vector<Message>& messages, const std::string& file, 
   }
 }
 
+// First what the text is, then rule by rule in the order of the file, last what became of the whole.
 void rule_notes_append(std::vector<Message>& messages, const std::string& file, const RuleNotes& notes,
                        const SourceMap& map) {
   text_notes_append(messages, file, notes.text);

@@ -4,6 +4,7 @@
 namespace lexon {
 inline namespace v1 {
 
+// As the programs tell it.
 const char* version() noexcept {
   return LEXON_VERSION;
 }
@@ -27,6 +28,7 @@ std::string to_string(const Message& message) {
   return place.empty() ? message.text : place + ": " + message.text;
 }
 
+// The parts point into `graphs`; joined they are the whole text, but for blanks at its end.
 std::vector<std::string_view> split(std::string_view graphs) {
   std::vector<std::string_view> parts;
   for (std::string_view rest = graphs; !rest.empty();) {

@@ -120,6 +120,7 @@ ByteView record_at(ByteView content, std::size_t at) {
   return fits ? content.subspan(at, size) : ByteView{};
 }
 
+// Without a look at the attribute block as such: to step over, it is a field like others.
 std::optional<std::string_view> record_field(ByteView record, int key_field) {
   std::size_t at = 2;
   for (int field = 1;; ++field) {
@@ -161,6 +162,7 @@ Status record_unpack(Session& session, ByteView record, WordEntry*& entry, std::
   return Status::ok;
 }
 
+// A flat copy: lengths and texts are those of the kept word, whose texts nobody gives back.
 WordEntry* kept_word_copy(Session& session, const LookupMemory::Kept& kept) {
   void* cell = temp_alloc(session, static_cast<std::int64_t>(sizeof(WordEntry)));
   if (cell == nullptr) return nullptr;

@@ -105,6 +105,7 @@ struct DataScan {
   bool is_done;           // the chain holds nothing more
 };
 
+// Where the first word stood is noted with the group; nothing goes by it.
 Status group_open(Session& session, DataScan& scan, std::int32_t block, std::size_t offset) {
   auto* group = temp_new<LookupGroup>(session);
   if (group == nullptr) return Status::memory;

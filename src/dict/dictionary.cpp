@@ -19,6 +19,7 @@ constexpr std::chrono::milliseconds kBetweenTries{25};
 // Reads a slot of the header, unless it is empty.
 void slot_read(ByteView header, int key_field, Dictionary& dictionary) {
   const std::size_t at = slot_offset(dictionary.name_size, key_field);
+  // The first character decides, as padding never stands in front.
   const bool is_empty = header[at] == ' ' || header[at] == '\0';
   if (is_empty) return;
   const auto field = static_cast<std::size_t>(key_field);
@@ -83,6 +84,7 @@ bool dictionary_file_open(const std::string& path, Dictionary& dictionary) {
   return true;
 }
 
+// All slots at once: which of them a run asks for is not known yet.
 void dictionary_header_read(Dictionary& dictionary) {
   DictBlock header;
   if (!header.read(dictionary.dictionary.get(), 0)) {

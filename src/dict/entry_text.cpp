@@ -20,6 +20,7 @@ const char* mark_of(const char* row) {
   return skip_blanks(row + kCodeLength);
 }
 
+// What is wrong with an entry line, for the builder and the workbench; a sentence prints the number alone.
 struct ErrorText {
   Status status;
   const char* text;
@@ -38,6 +39,7 @@ constexpr std::array<ErrorText, 9> kErrorTexts = {{
 
 }  // namespace
 
+// A text without a row stands for itself, so the mark is its first character.
 const char* language_to_mark(const char* text) {
   for (const char* row : kLanguages) {
     if (text[0] == row[0] && text[1] == row[1]) return mark_of(row);
@@ -62,6 +64,7 @@ const char* entry_error_text(Status status) {
 void entry_print(Output& output, const WordEntry* entry, const char* prefix) {
   if (entry == nullptr) return;
   const char* language = language_to_code(entry->language);
+  // A row begins with its code, and a mark without a row is one character.
   const std::size_t language_length = language == entry->language ? 1 : kCodeLength;
   output.put(text_or_empty(prefix), "[", text_or_empty(entry->hw), "]{", text_or_empty(entry->id), "} ",
              text_or_empty(entry->gloss), " \"", text_or_empty(entry->cw), "\" (", text_or_empty(entry->attrs), ") <",

@@ -26,12 +26,15 @@ Status lookup_from(Session& session, KeyHits& hits, const DictionaryFiles& files
   return dict_scan(session, files.dictionary, key_field == kKeyHw ? 0 : 1, key_field, key, hits, groups);
 }
 
+// Asks what is remembered first, and remembers the answer. `kept` may be null; it receives the words as they are kept,
+// or null.
 Status lookup_by(Session& session, const DictionaryFiles& files, const IndexDescriptor& descriptor, int key_field,
                  std::string_view key, LookupGroup*& groups, const LookupMemory::Kept** kept) {
   // With an index that is looked for each time, nobody knows whether it is still the same one.
   const LookupMemory::Question question{files.index == nullptr ? nullptr : files.dictionary, key_field, key};
   if (const std::optional<const LookupMemory::Kept*> answer = session.lookups.answer(question); answer) {
     if (kept != nullptr) *kept = *answer;
+    // A sentence that is to stop stops here too, as it would at the first block.
     const Status s = must_leave(session);
     return s != Status::ok ? s : dict_recall(session, *answer, groups);
   }
@@ -74,6 +77,7 @@ std::FILE* index_open(const std::string& prefix, const IndexDescriptor& descript
   return regular_file_open(prefix + descriptor.name, read_only ? "rb" : "rb+");
 }
 
+// The first place is told, all are counted.
 void note_damaged_block(Session& session, const std::FILE* stream, std::int64_t offset) {
   if (session.damage.blocks++ != 0) return;
   session.damage.stream = stream;
@@ -89,10 +93,12 @@ Status dict_lookup(Session& session, const DictionaryFiles& files, int key_field
   Status s = Status::index_unreadable;
   if (descriptor != nullptr) s = lookup_by(session, files, *descriptor, key_field, key, groups, kept);
   if (s != Status::ok) groups_free(session, groups);
+  // Who does not look at the result finds it there.
   session.state.engine_status = s;
   return s;
 }
 
+// The groups go back to the pool, their words stay.
 void groups_flatten(Session& session, LookupGroup* groups, WordEntry*& list) {
   list = nullptr;
   WordEntry** link = &list;
@@ -103,6 +109,7 @@ void groups_flatten(Session& session, LookupGroup* groups, WordEntry*& list) {
   }
 }
 
+// wanted: -1 where one text is missing, whichever it is; two missing ones are equal whatever their lengths say.
 int key_compare(const char* a, std::int32_t a_len, const char* b, std::int32_t b_len) {
   if (a_len == 0 && b_len == 0) return 0;
   if (a == nullptr && b == nullptr) return 0;

@@ -74,6 +74,7 @@ bool ItemSorter::add(ByteView item) {
   return true;
 }
 
+// Places are part of the order, so that no two slots are equal and a plain sort keeps the order of adding.
 void ItemSorter::sort_slots() {
   std::sort(slots_.begin(), slots_.end(), [this](const Slot& a, const Slot& b) { return comes_before(a, b); });
 }

@@ -14,6 +14,7 @@ namespace {
 
 using KeyPlaces = LookupMemory::KeyPlaces;
 
+// The entry must have been found whole.
 std::string_view key_at(ByteView content, std::size_t at) {
   return as_text(content.subspan(at + 2, load_u16(content.data() + at)));
 }
@@ -56,6 +57,7 @@ std::size_t count_below(ByteView content, const KeyPlaces& places, std::string_v
   if (places.count == 0) return 0;
   const std::string_view beginning = key_at(content, places.at[0]).substr(0, places.shared);
   if (!key.starts_with(beginning)) return key_compare(key, beginning) < 0 ? 0 : places.count;
+  // The loop has no branch but its end: which half a key lies in cannot be foretold.
   const std::uint32_t head = head_of(key, places.shared);
   const std::uint32_t* low = places.heads.data();
   for (std::size_t left = places.count; left != 0;) {
@@ -78,6 +80,8 @@ std::size_t count_below(ByteView content, const KeyPlaces& places, std::string_v
   return below;
 }
 
+// What an entry means for the walk, by how its key compares with the one that is looked for. The nearest is the last
+// one that is not above it, or the first of all.
 Status take_entry(Session& session, KeyWalk& walk, int order, std::uint16_t block) {
   walk.has_passed = order > 0;
   if (!walk.has_passed || !walk.has_nearest) walk.nearest = block;

@@ -11,6 +11,8 @@ namespace lexon {
 
 namespace {
 
+// Bytes at each end of a file that the quick look goes by: an exchange or a cut shows there, and a large dictionary
+// need not be read.
 constexpr std::int64_t kEnd = 65536;
 
 // Is the file behind `stream` the one that the stamp knows under `key`?
@@ -20,6 +22,7 @@ bool is_as_stamped(std::FILE* stream, const Stamp& stamp, const char* key) {
   return mark && now && now->same_content(*mark);
 }
 
+// The same by size and ends alone.
 bool is_as_stamped_quick(std::FILE* stream, const Stamp& stamp, const char* key, const char* ends_key) {
   const std::optional<FileMark> mark = stamp.mark(key);
   const std::optional<std::int64_t> ends = stamp.number(ends_key);
@@ -28,6 +31,7 @@ bool is_as_stamped_quick(std::FILE* stream, const Stamp& stamp, const char* key,
 
 }  // namespace
 
+// Of a file that is shorter than both ends together some bytes count twice.
 std::optional<std::int64_t> file_ends_hash(std::FILE* stream) {
   const std::unique_ptr<std::uint8_t[]> end(new std::uint8_t[kEnd]);
   ByteHash hash;
@@ -43,6 +47,7 @@ Pairing pair_check(Dictionary& dictionary, PairCheck check) {
   const std::string stamp_path = pair_stamp_path(dictionary.index_path);
   Stamp stamp;
   const StampState found = stamp_read(stamp_path, stamp);
+  // A dictionary from elsewhere has no stamp, and is taken as it is.
   if (found == StampState::missing) return Pairing::belong;
   if (found == StampState::unopened) {
     dictionary.fault = stamp_path + ": cannot be opened: " + std::strerror(errno);
@@ -54,6 +59,8 @@ Pairing pair_check(Dictionary& dictionary, PairCheck check) {
   }
   std::FILE* words = dictionary.dictionary.get();
   std::FILE* index = dictionary.index.get();
+  // While a build puts two new files in their places the stamp knows the marks of both pairs, and only a look at every
+  // byte tells which of the files are there.
   const bool is_replacing = stamp.text(kStampReplacing) != nullptr;
   bool words_fit = false;
   bool index_fits = false;
@@ -68,6 +75,7 @@ Pairing pair_check(Dictionary& dictionary, PairCheck check) {
     index_fits = is_as_stamped_quick(index, stamp, kStampIndex, kStampIndexEnds);
   }
   if (words_fit && index_fits) return Pairing::belong;
+  // The file that does not fit is named; of two, the words.
   const bool is_index = words_fit;
   dictionary.fault = (is_index ? dictionary.index_path : dictionary.path) + ": is not the file that was built with " +
                      (is_index ? dictionary.path : dictionary.index_path) + ": " +

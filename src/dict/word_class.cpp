@@ -10,6 +10,7 @@
 
 namespace lexon {
 
+// For a member that the dictionary has no word for. It has neither concept word nor id.
 WordEntry* entry_from_class_member(Session& session, const NodePattern& pattern, const char* hw) {
   Scratch<kAttrLimit> attrs;
   for (const CondItem& condition : chain<&CondItem::next>(pattern.attr_conds)) {
@@ -23,6 +24,7 @@ WordEntry* entry_from_class_member(Session& session, const NodePattern& pattern,
   word->hw_len = static_cast<std::int32_t>(std::strlen(hw));
   word->attr_len = static_cast<std::int32_t>(attrs.size());
   word->attr_block_size = pattern.attr_conds == nullptr ? 0 : word->attr_len + 12;
+  // wanted: no attribute block counts without conditions, and the empty optional fields count with 6 bytes.
   word->total_size = word->hw_len + word->attr_block_size + 16;
   word->hw = field_copy(session, hw, word->hw_len);
   word->attrs = field_copy(session, attrs.c_str(), word->attr_len);

@@ -41,10 +41,12 @@ class Words {
   explicit Words(std::span<const char* const> words) : words_(words) {}
 
   [[nodiscard]] bool at_end() const { return words_.empty(); }
+  // False while a switch of several letters is being read.
   [[nodiscard]] bool at_word_start() const { return offset_ == 0; }
   // What is left of the word under the cursor.
   [[nodiscard]] std::string_view rest() const { return std::string_view(words_.front()).substr(offset_); }
 
+  // Moves on to the next word where one is used up. An empty word stays until `skip_blanks`.
   void advance(std::size_t characters) {
     offset_ += characters;
     if (!rest().empty()) return;
@@ -52,6 +54,7 @@ class Words {
     offset_ = 0;
   }
 
+  // The texts that are taken point into the words, and stand as long as these.
   std::string_view take_rest() {
     const std::string_view taken = rest();
     advance(taken.size());
@@ -81,6 +84,7 @@ struct PathRead {
   std::string fault;  // what is wrong with it, for the user; empty if nothing is
 };
 
+// Continues a message that names the path.
 std::string too_long(std::size_t length) {
   return "has " + std::to_string(length) + " characters, and " + std::to_string(kPathLimit) + " is the limit";
 }
@@ -123,6 +127,7 @@ PathRead take_path(Words& words) {
                                                      : PathRead{std::string(words.take_rest()), {}});
 }
 
+// Switches take numbers as they have always done: what is no number counts as 0, and a note says so.
 struct NumberRead {
   std::int32_t value = 0;
   bool is_whole = false;  // the text is a number and nothing else, and has room in 32 bits
@@ -180,6 +185,7 @@ void take_blocks(std::string_view text, CommandLine& line) {
   line.settings.blocks = number_within("--blocks", text, 1, kMostBlocks, line).value_or(line.settings.blocks);
 }
 
+// The same for `-J` and `--jobs`; `option` is what the message calls it.
 void take_jobs(const char* option, std::string_view text, CommandLine& line) {
   line.jobs = number_within(option, text, 0, kMostJobs, line);
 }
@@ -243,7 +249,10 @@ bool take_dash_switch(Words& words, char letter, CommandLine& line) {
       words.skip_blanks();
       take_jobs("-J", words.at_end() ? "" : words.take_to_blank(), line);
       return true;
-    case 'L': take_number(words, letter, settings.trace_level, line); return true;
+    case 'L':
+      take_number(words, letter, settings.trace_level, line);
+      return true;
+      // Accepted, and of no effect.
     case 'M': settings.reserved_b = true; return true;
     case 'N': take_number(words, letter, settings.sentence_count, line); return true;
     case 'Q': line.progress = ProgressStyle::none; return true;
@@ -270,6 +279,7 @@ void take_switch(Words& words, CommandLine& line) {
     return;
   }
   const char sign = text.front();
+  // One bit apart: the letter in upper case.
   const char letter = is_letter(text[1]) ? static_cast<char>(text[1] & ~0x20) : text[1];
   words.advance(2);
   const bool known = sign == '^' ? take_caret_switch(words, letter, line) : take_dash_switch(words, letter, line);
@@ -343,6 +353,7 @@ CommandLine command_line_read(std::span<const char* const> given) {
   }
   Words words(bare);
   RunSettings& settings = line.settings;
+  // Missing ones stay empty, and the run says which file it cannot open.
   // The four paths come first and in this order.
   const std::pair<const char*, std::string*> paths[] = {{"DICTIONARY", &settings.dictionary_file},
                                                         {"RULES", &settings.rule_file},
@@ -358,6 +369,7 @@ CommandLine command_line_read(std::span<const char* const> given) {
     line.error = "--shard and -R do not go together: convert the rules first, in a run without --shard";
   }
   if (line.error.empty() && line.forced_target && !line.shard) line.error = "--forced-target is for --shard";
+  // Elsewhere a fault of a path is a note, and the run goes on with what there is.
   if (settings.strict && line.error.empty() && !line.path_faults.empty()) line.error = line.path_faults.front();
   return line;
 }

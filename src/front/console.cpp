@@ -41,6 +41,7 @@ std::string left_out_text(const InputNotes& input) {
   return shown < input.left_out ? text + ", ..." : text;
 }
 
+// Of the wall clock: the figures of a run, not of its processor time.
 double seconds_since(steady_clock::time_point start) {
   return std::chrono::duration<double>(steady_clock::now() - start).count();
 }
@@ -60,6 +61,7 @@ ConsoleHost::ConsoleHost(const CommandLine& line)
 }
 
 void ConsoleHost::report_stop(const std::string& text, const std::string& reason) {
+  // What could not be opened ends the run before a sentence.
   outcome_.could_not_start = true;
   tell_line(with_reason(text, reason));
 }
@@ -92,6 +94,7 @@ bool ConsoleHost::open_report(const std::string& path, const RunSettings& settin
   return false;
 }
 
+// "No" ends the run as one that could not start.
 bool ConsoleHost::ask_yes_no(const std::string& text, const std::string& reason) {
   tell(with_reason(text, reason) + " [y/N] ");
   bool answer = answers_yes_;
@@ -117,6 +120,7 @@ StepResult ConsoleHost::run_step(RunContext& context, Step& step) {
     step.watch();
     show_progress(step);
   }
+  // Behind the step nobody else touches the context.
   outcome_.count_step(context, step.result());
   return step.result();
 }
@@ -130,6 +134,7 @@ void ConsoleHost::show_progress(const Step& step) {
   const double elapsed = seconds_since(start_);
   const auto tried = static_cast<double>(context_->tried());
   const long long lost = context_->failed + context_->over_time;
+  // An input is not counted in advance: without -N nobody knows how many there will be.
   const std::string of = wanted_ > 0 ? " of " + std::to_string(wanted_) : std::string();
   std::fprintf(stderr, "%s%s %lld%s, %.0f/s, %.1f s, failed %lld%s", shows_line_ ? "\r" : "", step.caption(),
                static_cast<long long>(context_->number), of.c_str(), elapsed > 0 ? tried / elapsed : 0.0, elapsed, lost,

@@ -43,6 +43,7 @@ An entry stands on one line:
 HW is the surface form and CW the concept word. Empty lines and lines that begin
 with ";" are comments.)";
 
+// What the words of the command line come to, for whichever command was given.
 struct Arguments {
   BuildOptions build;
   std::string dictionary;
@@ -50,10 +51,12 @@ struct Arguments {
   std::string field = "hw";
   WordImport import;
   std::string format;
+  // Of `import`: write the table that comes with the program, and read no list.
   bool shows_table = false;
   Inflection inflection;
   std::string output = "-";  // of entry text
   std::vector<std::string> keys;
+  // Of `build` and `check`, for the sort: what does not fit goes to the disk.
   unsigned memory_mib = 192;
 };
 
@@ -66,6 +69,7 @@ unsigned key_bit(const std::string& name) {
   return 0;
 }
 
+// Used for single names and, behind a delimiter, for each of a list.
 CLI::Validator is_key_name() {
   const auto check = [](const std::string& name) {
     return key_bit(name) != 0 ? std::string{} : "a key is hw, gloss, cw, id, extra1 or extra2, not \"" + name + "\"";
@@ -79,6 +83,7 @@ std::string counted(std::int64_t count, const char* one, const char* many) {
 }
 
 // Where answers and messages go.
+// On a terminal both show control characters as text; see `ShownStream`. Neither is owned.
 struct Streams {
   std::FILE* out;
   std::FILE* log;
@@ -87,6 +92,7 @@ struct Streams {
 // Figures go to the output, faults to the log; so do those of the other commands.
 int run_build(Session& session, Arguments& arguments, const Streams& to) {
   BuildOptions& options = arguments.build;
+  // Added to the two keys that every dictionary has.
   for (const std::string& name : arguments.keys) options.key_fields |= key_bit(name);
   options.memory = std::size_t{arguments.memory_mib} << 20;
   BuildFigures figures;
@@ -106,6 +112,7 @@ int run_list(Session& session, const Arguments& arguments, const Streams& to) {
   return dictionary_list(session, arguments.dictionary, to.out, to.log) ? kDone : kFailed;
 }
 
+// Nothing found is a failure, so that a script can ask whether a word is there.
 int run_find(Session& session, Arguments& arguments, const Streams& to) {
   FindQuery& query = arguments.find;
   for (int field = kKeyHw; field <= kSlotCount; ++field) {
@@ -170,6 +177,7 @@ int run_import(Session& session, Arguments& arguments, const Streams& to) {
   return figures.bad_lines == 0 ? kDone : kFailed;
 }
 
+// As for `run_import`: the text is written, and bad lines fail the command.
 int run_inflect(Session& session, Arguments& arguments, const Streams& to) {
   EntryTarget target(arguments.output, to);
   std::FILE* out = target.open();
@@ -202,6 +210,7 @@ int run_check(Session& session, const Arguments& arguments, const Streams& to) {
   return is_sound ? kDone : kFailed;
 }
 
+// The range keeps the product below what 32 bits can tell.
 void add_memory(CLI::App& command, Arguments& arguments) {
   command.add_option("--memory", arguments.memory_mib, "MiB that sorting may use")
       ->check(CLI::Range(1U, 4000U))
@@ -221,6 +230,7 @@ CLI::App* add_build(CLI::App& app, Arguments& arguments) {
   return command;
 }
 
+// The commands that read one dictionary; some add options of their own.
 CLI::App* add_with_dictionary(CLI::App& app, const char* name, const char* what, Arguments& arguments) {
   CLI::App* command = app.add_subcommand(name, what);
   command->add_option("DIC", arguments.dictionary, "The dictionary")->required();
@@ -246,6 +256,7 @@ CLI::App* add_find(CLI::App& app, Arguments& arguments) {
   one(conditions->add_option("--prefix", query.prefixes, "How the field begins"));
   one(conditions->add_option("--glob", query.globs, "All of the field: * any text, ? a character, [a-z] one of them"));
   one(conditions->add_option("--regex", query.regexes, "A part of the field, as an ECMAScript regular expression"));
+  // At least one: without a condition the command is `list`.
   conditions->require_option(1, 0);
   command->add_option("--in", arguments.field, "The field that prefix, glob and regex are about")
       ->check(is_key_name())
@@ -294,6 +305,7 @@ int run(int argc, char** argv, const Streams& to) {
   Arguments arguments;
   CLI::App app(kAbout, "lexon-dict");
   app.set_version_flag("--version", std::string("lexon-dict ") + LEXON_VERSION);
+  // No more than one, either: the options of two would mix.
   app.require_subcommand(1);
   const CLI::App* build = add_build(app, arguments);
   const CLI::App* list = add_with_dictionary(app, "list", "Write all entries as text, in order of HW", arguments);

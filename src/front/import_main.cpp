@@ -34,6 +34,7 @@ graphs of lexon.
 Every triple of the source is in the output, or on the list of --left-out with
 the reason. --steps tells what each step of rewriting does.)";
 
+// What the words of the command line come to. Empty names: not given.
 struct Arguments {
   std::vector<std::string> inputs;
   std::string output = "-";
@@ -59,6 +60,7 @@ SourceFormat format_of(const Arguments& arguments, const std::string& input) {
 }
 
 // "FILE:LINE:COLUMN: error: TEXT", as editors find it.
+// All of a file at once; the caller decides whether that ends the run.
 void complain(const std::string& file, const std::vector<SourceError>& errors) {
   for (const SourceError& error : errors) {
     tell_line(file + ':' + std::to_string(error.place.line) + ':' + std::to_string(error.place.column) +
@@ -68,6 +70,7 @@ void complain(const std::string& file, const std::vector<SourceError>& errors) {
 
 // The table of a format with those of the user on top. False if one cannot be read.
 bool table_read(const Arguments& arguments, SourceFormat format, RoleTable& table) {
+  // The user's rows come behind, and so go before those of the program.
   std::istringstream own(format == SourceFormat::penman ? kAmrRoles : kDependencyRoles);
   table.read(own);
   for (const std::string& name : arguments.roles) {
@@ -95,12 +98,14 @@ class Output {
     return static_cast<bool>(file_);
   }
 
+  // Not valid longer than this object.
   std::ostream* stream() {
     if (name_.empty()) return nullptr;
     return name_ == "-" ? &std::cout : &file_;
   }
 
   // True if all that was written has arrived.
+  // To be asked once, behind all that was written.
   bool finish() {
     std::ostream* under = stream();
     if (under == nullptr) return true;
@@ -115,6 +120,7 @@ class Output {
 };
 
 // The messages of a source, told line by line.
+// The library writes messages to a stream; on a terminal each line is shown so that it steers nothing.
 class Teller : public std::stringbuf {
  public:
   int sync() override {
@@ -145,6 +151,7 @@ void show_figures(const ImportFigures& figures) {
   for (std::string line; std::getline(lines, line);) tell_line(line);
 }
 
+// In this order: tables, then outputs, then one input after the other.
 int run_import(Arguments& arguments) {
   AttributeTable attributes;
   if (!arguments.attributes.empty()) {

@@ -30,6 +30,7 @@ constexpr const char* kUsage =
     "  --of N      the number of shards, where several sets of them stand there\n"
     "  --strict    status 3 also where something was left out\n";
 
+// What the words behind "join" come to.
 struct JoinLine {
   std::string output;
   std::int32_t of = 0;  // 0: as the files have it
@@ -39,6 +40,7 @@ struct JoinLine {
   bool is_wrong = false;
 };
 
+// A number of shards, whole and within its limits.
 bool read_number(std::string_view text, std::int32_t& number) {
   const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
   return error == std::errc() && end == text.data() + text.size() && number >= 1 && number <= kMostShards;
@@ -92,6 +94,7 @@ std::set<std::int32_t> counts_of_shards(const std::string& output) {
 }
 
 // The first thing of which two shards are not made alike; empty if there is none.
+// Keys are what the marker calls them, such as "input" or "rules": they go into the message as they are.
 std::string difference(const Stamp& a, const Stamp& b) {
   for (const auto& [key, value] : a.lines) {
     const std::string* other = b.text(key);
@@ -103,6 +106,7 @@ std::string difference(const Stamp& a, const Stamp& b) {
   return {};
 }
 
+// One joining. Parts stand in the order of their numbers, from the first to the last.
 class Join {
  public:
   Join(const JoinLine& line, std::int32_t of) : line_(line) {
@@ -119,10 +123,12 @@ class Join {
   struct Part {
     ShardNumber shard;
     std::string path;
+    // Found whole, with a marker that fits: only then can its place be looked at.
     bool is_there = false;
     ShardMarker marker{};
   };
 
+  // Tells what is wrong and which command mends it.
   void wrong(const Part& part, const std::string& what, const char* more = "") {
     is_whole_ = false;
     tell_line(part.path + ": " + what + ": run --shard " + std::to_string(part.shard.number) + '/' +
@@ -135,6 +141,7 @@ class Join {
   const JoinLine& line_;
   std::vector<Part> parts_;
   const Part* model_ = nullptr;  // the first with a marker
+                                 // Nothing wrong has been found so far.
   bool is_whole_ = true;
 };
 
@@ -215,6 +222,7 @@ int Join::write() {
   return 4;
 }
 
+// Counts and losses; mark and target of the sum stay empty, since nobody asks for them.
 ShardResult Join::sum() const {
   ShardResult all;
   for (const Part& part : parts_) {
@@ -228,6 +236,7 @@ ShardResult Join::sum() const {
   return all;
 }
 
+// In the words of a run's own summary.
 void show(const ShardResult& all, std::int32_t shards) {
   std::string text = counted(shards, "shard", "shards") + ": " + std::to_string(all.done) + " done";
   if (all.failed != 0) text += ", " + std::to_string(all.failed) + " failed";

@@ -20,6 +20,7 @@ int run_in_terminal(const lexon::CommandLine& line, int, char**) {
   for (const auto* list : {&line.notes, &line.path_faults}) {
     for (const std::string& note : *list) host.note({note});
   }
+  // Without a word about threads: one.
   lexon::RunSettings settings = line.settings;
   settings.jobs = line.jobs.value_or(1);
   if (line.index_input) return lexon::index_input(settings, host);

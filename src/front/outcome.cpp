@@ -17,6 +17,7 @@ void Outcome::count_step(const RunContext& context, StepResult result) {
   over_time = context.over_time;
 }
 
+// What is still in the buffer goes out here, and shows whether the disk had room for it.
 std::vector<std::string> Outcome::finish(RunContext& context) {
   std::vector<std::string> notes = context.notes;
   output_failed = context.file_is_short;

@@ -15,6 +15,7 @@ namespace lexon {
 namespace {
 
 // Also the second set of controls, from U+0080 on.
+// What a terminal would obey instead of showing it; a tab is shown.
 bool is_control(std::uint32_t code) {
   return (code < 0x20 && code != '\t') || (code >= 0x7F && code < 0xA0);
 }
@@ -51,11 +52,14 @@ ShownStream::~ShownStream() {
   if (stream_ != under_) std::fclose(stream_);
 }
 
+// A program may be started with closed streams. The next file that it opens would then become its standard output, and
+// messages would go into it.
 void process_begin() {
   for (const int descriptor : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
     // The lowest free number is the one that is closed.
     if (fcntl(descriptor, F_GETFD) == -1) static_cast<void>(open("/dev/null", O_RDWR));
   }
+  // A limit of the file size and a closed pipe are failed writes like any other, and are told as such.
   std::signal(SIGXFSZ, SIG_IGN);
   std::signal(SIGPIPE, SIG_IGN);
 }
@@ -68,6 +72,7 @@ std::string escaped(std::string_view text) {
   std::string shown;
   while (!text.empty()) {
     const Utf8Character character = utf8_first(text);
+    // Each byte of a control character by itself; bytes that are no UTF-8 pass as they are.
     for (const char c : text.substr(0, character.length)) {
       std::array<char, 5> code;
       std::snprintf(code.data(), code.size(), "\\x%02X", static_cast<unsigned char>(c));

@@ -10,6 +10,7 @@ namespace lexon {
 
 namespace {
 
+// The same text as help and behind a mistake; the stream tells them apart.
 void print_usage(const Program& program, std::FILE* stream) {
   std::fputs(usage_text(program.usage).c_str(), stream);
 }

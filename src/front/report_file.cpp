@@ -25,6 +25,7 @@ std::string tsv_text(std::string_view text) {
   return field;
 }
 
+// The texts of a list stand in one field.
 std::string tsv_list(const std::vector<std::string>& texts) {
   std::string field;
   for (const std::string& text : texts) field += (field.empty() ? "" : "; ") + tsv_text(text);
@@ -66,6 +67,7 @@ std::string json_row(const SentenceReport& sentence) {
   return row.dump(-1, ' ', false, nlohmann::ordered_json::error_handler_t::replace);
 }
 
+// In one piece, so that who reads along sees whole lines.
 void line_write(std::FILE* stream, std::string line) {
   line += '\n';
   std::fwrite(line.data(), 1, line.size(), stream);
@@ -77,6 +79,7 @@ ReportForm report_form_of(const std::string& path) {
   return path.ends_with(".json") || path.ends_with(".jsonl") ? ReportForm::json : ReportForm::tsv;
 }
 
+// The line of names stands there even when no sentence follows.
 ReportFile::ReportFile(const std::string& path, ReportForm form)
     : owned_(path == "-" ? nullptr : file_open(path, "wb")), stream_(path == "-" ? stdout : owned_.get()), form_(form) {
   if (stream_ != nullptr && form_ == ReportForm::tsv)

@@ -28,6 +28,7 @@ int stopped_for(const std::string& fault, ConsoleHost& host) {
   return host.exit_status();
 }
 
+// Not a loss: the parts come out the same, only later.
 void note_unkept(const RunSettings& settings, ConsoleHost& host) {
   host.note({Borders::path_beside(settings.input_file) +
                  ": cannot be written, so every shard reads the whole input to find its sentences",
@@ -59,6 +60,7 @@ std::string mark_done(const RunSettings& settings, const Outcome& outcome, Shard
             outcome.left_out,          outcome.has_losses, outcome.target_left};
   const std::string marker = shard_marker_path(path);
   if (mark && shard_marker_write(marker, plan.marker)) return {};
+  // The output stays: who looks at it finds it whole, but joining wants the marker.
   return marker + ": cannot be written, so the shard counts as unfinished";
 }
 
@@ -73,12 +75,15 @@ int run_shard(const CommandLine& line, RunSettings settings, ConsoleHost& host) 
     const std::string fault = shard_plan(settings, *line.shard, line.forced_target, LEXON_VERSION, stop, plan);
     if (!fault.empty()) return stopped_for(fault, host);
   }
+  // The name has grown by that of the part.
   if (settings.output_file.size() > kPathLimit) {
     return stopped_for(
         settings.output_file + ": this name is longer than " + std::to_string(kPathLimit) + " characters", host);
   }
   if (!plan.borders_are_kept) note_unkept(settings, host);
   const std::string marker = shard_marker_path(settings.output_file);
+  // A run that is repeated for some parts need not know which: those that are done end at once, with the status they
+  // had.
   if (const auto result = shard_done(settings, plan)) {
     if (line.progress != ProgressStyle::none) {
       tell_line(settings.output_file + ": is done already: " + result_text(*result));

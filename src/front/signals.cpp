@@ -13,15 +13,18 @@ namespace lexon {
 
 namespace {
 
+// Signals that come closer together count as one.
 constexpr std::int64_t kOneStroke = 250;  // milliseconds
 
 // When the first of the signals came, in milliseconds; 0: none has come.
 constinit std::atomic<std::int64_t> signalled{0};
+// Atomic and without a lock: a handler may be called in the middle of anything.
 // What a signal sets: the stop request of the session in work; null before there is one.
 constinit std::atomic<std::atomic<bool>*> to_stop{nullptr};
 constinit std::atomic<bool> nobody{false};  // is set when the work is over
 static_assert(std::atomic<std::int64_t>::is_always_lock_free);
 
+// Never 0, which stands for "none has come". May be called from a handler.
 std::int64_t milliseconds_now() {
   timespec now{};
   clock_gettime(CLOCK_MONOTONIC, &now);
@@ -49,6 +52,7 @@ void handle_signals(void (*handler)(int)) {
   struct sigaction action {};
   action.sa_handler = handler;
   sigemptyset(&action.sa_mask);
+  // Writes go on where they were; who waits for input looks at the flag by itself.
   action.sa_flags = SA_RESTART;
   sigaction(SIGINT, &action, nullptr);
   sigaction(SIGTERM, &action, nullptr);
@@ -61,6 +65,7 @@ void signals_stop(std::atomic<bool>* flag) {
   to_stop = flag;
 }
 
+// From now on a signal is only noted: the outcome is being told.
 void signals_remember() {
   to_stop = &nobody;
 }

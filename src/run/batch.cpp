@@ -64,7 +64,9 @@ Status render_guarded(Session& session, RunContext& context, TextSource source, 
     }
     return status;
   } catch (const std::bad_alloc&) {
+    // As where a step has met it: the sentence counts as one without memory, and its forced target is lost with it.
     session.state.abort = Status::memory;
+    session.state.forced_node = nullptr;
     return Status::memory;
   }
 }

@@ -22,6 +22,8 @@ namespace lexon {
 
 namespace {
 
+// Height of the picture, in lines of text, so that it grows with the font; then the size of the title beside other
+// text.
 constexpr int kPictureLines = 6;
 constexpr double kTitleScale = 1.6;
 
@@ -54,6 +56,7 @@ MainDialog::MainDialog(const CommandLine& line)
   setObjectName("main_dialog");
   setWindowTitle("Lexon");
   setWindowIcon(program_icon());
+  // No maximise box: the layout has a fixed size.
   setWindowFlags(Qt::Window | Qt::WindowTitleHint | Qt::WindowSystemMenuHint | Qt::WindowMinimizeButtonHint |
                  Qt::WindowCloseButtonHint);
   make_layout();
@@ -128,6 +131,7 @@ int MainDialog::run() {
   return exit_status_;
 }
 
+// The driver comes back when the run has ended; meanwhile the dialogs live in the loop of its host.
 void MainDialog::render() {
   // While a run is at work signals cancel it; before and behind it they end the program.
   cancel_on_signals();
@@ -158,6 +162,7 @@ void MainDialog::open_setting() {
   show_state();
 }
 
+// Modal, as all dialogs of the program.
 void MainDialog::open_about() {
   AboutDialog(this).exec();
 }

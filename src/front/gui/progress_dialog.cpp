@@ -22,12 +22,14 @@ namespace lexon {
 
 namespace {
 
+// Here only for who collects the texts to translate.
 // What steps call themselves.
 [[maybe_unused]] constexpr const char* kCaptions[] = {
     QT_TRANSLATE_NOOP("lexon::ProgressDialog", "sentence no."),
     QT_TRANSLATE_NOOP("lexon::ProgressDialog", "converting/loading rules"),
 };
 
+// Finer than the bar has pixels.
 constexpr int kBarSteps = 1000;
 constexpr double kFirstRate = 1.0;  // seconds behind which a rate means something
 
@@ -39,6 +41,7 @@ QLabel* make_value(const char* role, const QString& longest, const QString& mean
   return label;
 }
 
+// A digit behind the point where the number is small.
 QString number_text(double number) {
   return QLocale().toString(number, 'f', number < 10 ? 1 : 0);
 }
@@ -59,6 +62,7 @@ InputCount::~InputCount() {
   if (thread_.joinable()) thread_.join();
 }
 
+// On a thread of its own, which the run does not wait for. A pipe cannot be read twice, so it is not counted.
 void InputCount::start(const std::string& input) {
   // Once for a run.
   if (thread_.joinable() || !QFileInfo(to_text(input)).isFile()) return;
@@ -116,6 +120,7 @@ ProgressDialog::ProgressDialog(const RunSettings& settings, QWidget* parent)
   connect(step_end_, &QPushButton::clicked, &loop_, &QEventLoop::quit);
 }
 
+// The labels of changing figures keep the room of the longest, so that nothing moves.
 void ProgressDialog::make_layout() {
   auto* step = new QHBoxLayout;
   step->addWidget(caption_);
@@ -185,6 +190,7 @@ void ProgressDialog::show_once() {
   }
 }
 
+// Comes back when the step is over, cancelled or not.
 StepResult ProgressDialog::run_step(RunContext& context, Step& step) {
   context_ = &context;
   step_ = &step;
@@ -220,6 +226,7 @@ std::int64_t ProgressDialog::all_sentences() const {
 }
 
 void ProgressDialog::show_all() {
+  // Only what is atomic in the context is read: the step is at work.
   since_shown_.start();
   show_step(tr(step_->caption()), static_cast<std::int32_t>(context_->number));
   show_elapsed(step_->elapsed());
@@ -228,6 +235,7 @@ void ProgressDialog::show_all() {
 }
 
 // Between two steps the cancel is kept for the next one.
+// The close box and Escape come here as well as the button.
 void ProgressDialog::reject() {
   cancel_wanted_ = true;
   if (step_ != nullptr) step_->cancel();

@@ -14,6 +14,7 @@ namespace lexon {
 
 namespace {
 
+// Names in the user's settings, like those below.
 constexpr const char* kProjects = "projects";
 constexpr const char* kLastFolder = "last-folder";
 
@@ -79,6 +80,7 @@ QList<RunSettings> recent_projects() {
   return projects;
 }
 
+// In front of the others. A project with the same files is the same one, with other numbers.
 void remember_project(const RunSettings& settings) {
   RunSettings project = settings;
   for (const PathKey& path : kPaths) {
@@ -99,6 +101,7 @@ void forget_projects() {
   QSettings(kOrganisation, kProgram).remove(kProjects);
 }
 
+// Short enough for a menu: the folder of the rules, and names without folders.
 QString project_name(const RunSettings& settings) {
   const QFileInfo rules(to_text(settings.rule_file));
   const QFileInfo input(to_text(settings.input_file));

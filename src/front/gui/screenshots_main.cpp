@@ -24,6 +24,7 @@
 
 namespace {
 
+// All in units of the screen, of which `kDensity` pixels make one.
 constexpr int kBar = 30;    // the title bar
 constexpr int kMargin = 1;  // of the frame
 constexpr int kCorner = 8;
@@ -65,6 +66,7 @@ QImage with_palette(const QImage& image) {
     for (int x = 0; x < image.width(); ++x) ++count[image.pixel(x, y)];
   }
   QList<QRgb> colours = count.keys();
+  // A tie is decided by the colour itself, so that the same window gives the same bytes.
   std::ranges::sort(colours, [&count](QRgb a, QRgb b) { return std::pair(count[a], a) > std::pair(count[b], b); });
   colours.resize(std::min<qsizetype>(colours.size(), 256));
   return image.convertToFormat(QImage::Format_Indexed8, colours);
@@ -111,6 +113,7 @@ lexon::SentenceReport example_failure() {
   return report;
 }
 
+// The style works the other colours out from these.
 QPalette dark_palette() {
   QPalette palette(QColor(0x30, 0x32, 0x36), QColor(0x2a, 0x2c, 0x30));
   palette.setColor(QPalette::Base, QColor(0x1d, 0x1f, 0x22));
@@ -133,6 +136,7 @@ bool save_all(const QDir& folder) {
   run.seconds = 0.4;
   run.lost = {{.number = 17, .report = example_failure()}};
   lexon::SummaryDialog summary(run, nullptr);
+  // The button is there only where the workbench is; a picture shows it always.
   auto* page = summary.findChild<QPushButton*>("open_page");
   page->setEnabled(true);
   page->show();
@@ -149,6 +153,7 @@ int main(int argc, char** argv) {
     std::fprintf(stderr, "usage: lexon-screenshots FOLDER [LOCALE [dark]]\n");
     return 2;
   }
+  // Before the application is made: it reads them once.
   qputenv("QT_QPA_PLATFORM", "offscreen");
   qputenv("QT_SCALE_FACTOR", QByteArray::number(kDensity));
   const QApplication application(argc, argv);

@@ -29,6 +29,8 @@ namespace lexon {
 
 namespace {
 
+// `role` names the controls for tests and tools; texts are translated when they are shown. An ampersand marks the
+// letter of the shortcut.
 struct PathRow {
   const char* role;
   const char* label;
@@ -79,6 +81,7 @@ constexpr std::array<PathRow, kPathFields> kPathRows{{
      PathUse::write, true, true, kOutputFilters, &RunSettings::output_file},
 }};
 
+// As for paths; `note` stands behind the control and may be empty.
 struct NumberRow {
   const char* role;
   const char* label;
@@ -220,6 +223,7 @@ QStringList SettingDialog::empty_fields(const RunSettings& settings) {
   return labels;
 }
 
+// With nothing empty the focus stays where the toolkit puts it: on the first field.
 void SettingDialog::focus_first_empty() {
   for (std::size_t i = 0; i < kPathRows.size(); ++i) {
     if (kPathRows[i].is_needed && paths_[i]->text().isEmpty()) return paths_[i]->setFocus();
@@ -292,6 +296,7 @@ void SettingDialog::add_check_row(QGridLayout& rows) {
   rows.addWidget(rules_conversion_only_, rows.rowCount(), 1);
 }
 
+// Help and projects at the left, OK and Cancel in the order of the platform at the right.
 QWidget* SettingDialog::make_buttons() {
   auto* whole = new QWidget(this);
   auto* row = new QHBoxLayout(whole);
@@ -374,6 +379,7 @@ void SettingDialog::write_controls() {
   mark_conflict();
 }
 
+// The last row of the table.
 PathEdit& SettingDialog::output_edit() const {
   return *paths_.back();
 }
@@ -409,6 +415,7 @@ void SettingDialog::browse(int row) {
 bool SettingDialog::keeps_other_output() {
   const QFileInfo file(to_text(fields_.output_file));
   const bool is_other = file.isFile() && file.size() != 0 && fields_.output_file != own_output_;
+  // An empty file is nothing that could be lost, and the output of this program's own run may be written over.
   if (!asks_ || !is_other || !output_edit().fault().isEmpty()) return false;
   QMessageBox box(QMessageBox::Question, "Lexon",
                   tr("%1 is there already. Shall the run write over it?").arg(file.filePath()),

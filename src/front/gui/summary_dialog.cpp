@@ -22,11 +22,13 @@ namespace lexon {
 
 namespace {
 
+// The name of the program that makes pages.
 constexpr const char* kWorkbench = "lexon-lab";
 constexpr int kColumns = 80;    // of text, across the dialog
 constexpr int kListLines = 8;   // of lost sentences, at first
 constexpr int kShownNotes = 5;  // in the window; all of them stand on standard error
 
+// Here only for who collects the texts to translate.
 // What reports call a sentence that was lost.
 [[maybe_unused]] constexpr const char* kStatuses[] = {
     QT_TRANSLATE_NOOP("lexon::SummaryDialog", "failed"),
@@ -47,6 +49,7 @@ QString page_path(const RunSettings& settings) {
   return folder + "/page-" + QCryptographicHash::hash(output, QCryptographicHash::Sha1).toHex().left(12) + ".html";
 }
 
+// Words and relations of a report, whose bytes need not be characters.
 QStringList texts_of(const std::vector<std::string>& texts) {
   QStringList list;
   for (const std::string& text : texts) list << to_text(text);
@@ -208,6 +211,7 @@ void SummaryDialog::look_for_workbench() {
   connect(workbench_, &QProcess::finished, this, [this](int exit_code, QProcess::ExitStatus status) {
     disconnect(workbench_, &QProcess::finished, nullptr, nullptr);
     connect(workbench_, &QProcess::finished, this, &SummaryDialog::page_is_made);
+    // It is asked for its help: that needs no files and is over at once.
     const bool makes_pages = status == QProcess::NormalExit && exit_code == 0;
     open_page_->setEnabled(makes_pages);
     open_page_->setVisible(makes_pages);
@@ -222,6 +226,7 @@ QStringList SummaryDialog::page_words(int row, const QString& page) const {
   if (!settings.cr_dictionary_file.empty()) words << "-c" << to_text(settings.cr_dictionary_file);
   if (!settings.post_edit) words << "--no-post-edit";
   words << "-T" << QString::number(settings.max_time_per_sentence) << "-o" << page;
+  // The chosen one, else the first that were lost, else the first of the run.
   QStringList sentences;
   if (row >= 0) {
     sentences << name_of(summary_.lost[static_cast<std::size_t>(row)]);
@@ -241,10 +246,12 @@ void SummaryDialog::open_page() {
   if (!open_page_->isEnabled()) return;
   const int row = lost_ == nullptr ? -1 : lost_->indexOfTopLevelItem(lost_->currentItem());
   open_page_->setEnabled(false);
+  // Kept, since the workbench tells its end and not what it wrote.
   page_ = page_path(summary_.settings);
   workbench_->start(workbench_path(), page_words(row, page_));
 }
 
+// Status 2 is a wrong command line: nothing was written then, and an old page may stand there.
 void SummaryDialog::page_is_made(int exit_code) {
   open_page_->setEnabled(true);
   // A page of sentences that fail is a page too.
