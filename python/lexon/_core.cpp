@@ -68,6 +68,7 @@ class Renderer {
   std::unique_ptr<lexon::Generator> take() {
     const std::lock_guard lock(mutex_);
     forget_after_fork();
+    // Each has a thread and a session of its own; they share the grammar.
     if (idle_.empty()) return std::make_unique<lexon::Generator>(grammar_);
     std::unique_ptr<lexon::Generator> generator = std::move(idle_.back());
     idle_.pop_back();
@@ -76,10 +77,12 @@ class Renderer {
 
   lexon::Grammar grammar_;
   std::mutex mutex_;
+  // Under the mutex, as the process that they belong to; at most as many as have rendered at once.
   Generators idle_;
   pid_t owner_ = getpid();
 };
 
+// Texts go over as bytes: names of files and words of a dictionary need not be UTF-8.
 py::tuple tuple_of(const lexon::Message& message) {
   return py::make_tuple(static_cast<int>(message.kind), py::bytes(message.file), message.line, message.column,
                         py::bytes(message.text));
@@ -91,12 +94,14 @@ py::list list_of(const std::vector<lexon::Message>& messages) {
   return list;
 }
 
+// The order is what the classes of the package unpack.
 py::tuple tuple_of(const lexon::Sentence& sentence) {
   return py::make_tuple(py::bytes(sentence.text), to_string(sentence.status), sentence.code, py::bytes(sentence.label),
                         list_of(sentence.messages), py::bytes(sentence.trace), sentence.steps, sentence.memory_bytes,
                         sentence.seconds, sentence.leaves_target, py::bytes(sentence.fallback));
 }
 
+// Loading takes long, and touches no object of Python.
 std::unique_ptr<Renderer> load(const std::string& dictionary, const std::string& rules, const std::string& cooccurrence,
                                int blocks) {
   const py::gil_scoped_release unlocked;
@@ -105,6 +110,7 @@ std::unique_ptr<Renderer> load(const std::string& dictionary, const std::string&
 
 std::unique_ptr<Renderer> from_text(const py::bytes& rules, const std::string& dictionary,
                                     const std::string& cooccurrence, int blocks) {
+  // The caller holds the bytes while the text is read.
   const std::string_view text = view_of(rules);
   const py::gil_scoped_release unlocked;
   return std::make_unique<Renderer>(lexon::Grammar::from_text(text, {dictionary, {}, cooccurrence, blocks}));
@@ -117,6 +123,7 @@ bool may_go_on(const Stop* stop) {
   return PyErr_CheckSignals() == 0;
 }
 
+// Without the lock of the interpreter but where it is asked whether to go on. `stop` may be null.
 std::vector<lexon::Sentence> render_all(Renderer& renderer, const py::bytes& graphs, int level, bool post_edit,
                                         double time_limit, const Stop* stop, bool begins_with_target) {
   const lexon::Settings settings{level, post_edit, time_limit, begins_with_target, [stop] { return may_go_on(stop); }};
@@ -160,6 +167,7 @@ py::tuple render_text(Renderer& renderer, const py::bytes& graphs, int level, bo
                         count(lexon::Status::over_time), count(lexon::Status::stopped), messages, leaves_target);
 }
 
+// Copies: the parts outlive the text.
 py::list split(const py::bytes& graphs) {
   py::list list;
   for (const std::string_view part : lexon::split(view_of(graphs))) list.append(py::bytes(part.data(), part.size()));

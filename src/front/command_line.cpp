@@ -75,6 +75,7 @@ class Words {
 
  private:
   std::span<const char* const> words_;
+  // In the first of the words.
   std::size_t offset_ = 0;
 };
 
@@ -159,6 +160,7 @@ void take_number(Words& words, char letter, std::int32_t& value, CommandLine& li
 }
 
 // Some switches have a second letter that says nothing, and may lack it.
+// Directly behind the letter alone: the next word is another argument.
 void skip_letter(Words& words, char upper_case) {
   if (!words.at_end() && !words.at_word_start() && (words.rest().front() & ~0x20) == upper_case) words.advance(1);
 }
@@ -169,6 +171,7 @@ void skip_word(Words& words) {
 }
 
 // The value of an option that takes nothing but a number from `least` to `most`.
+// None if it is not; `line.error` says why then.
 std::optional<std::int32_t> number_within(const char* option, std::string_view text, std::int32_t least,
                                           std::int32_t most, CommandLine& line) {
   std::int32_t value = 0;
@@ -342,6 +345,7 @@ bool take_long_option(std::span<const char* const>& words, CommandLine& line) {
 
 }  // namespace
 
+// Errors end the start; notes and faults of paths are told, and the run goes on.
 CommandLine command_line_read(std::span<const char* const> given) {
   CommandLine line;
   // Long options go first, wherever they stand; what is left are paths and switches as they have always been.
@@ -374,6 +378,7 @@ CommandLine command_line_read(std::span<const char* const> given) {
   return line;
 }
 
+// The two programs differ in how they are called, not in their switches.
 std::string usage_text(std::string_view call) {
   return "usage: " + std::string(call) + " [switches]\n\n" + kSwitches;
 }

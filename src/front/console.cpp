@@ -129,6 +129,7 @@ StepResult ConsoleHost::run_step(RunContext& context, Step& step) {
 void ConsoleHost::show_progress(const Step& step) {
   if (!shows_line_ && !shows_plain_) return;
   const steady_clock::time_point now = steady_clock::now();
+  // Not at every look: a terminal is slow.
   if (now - last_shown_ < (shows_line_ ? kTick : kPlainInterval)) return;
   last_shown_ = now;
   const double elapsed = seconds_since(start_);
@@ -142,6 +143,7 @@ void ConsoleHost::show_progress(const Step& step) {
   std::fflush(stderr);
 }
 
+// The line is empty then, and the cursor at its beginning.
 void ConsoleHost::clear_progress() const {
   if (shows_line_) std::fputs("\r\033[K", stderr);
 }

@@ -108,6 +108,7 @@ int run_build(Session& session, Arguments& arguments, const Streams& to) {
   return kDone;
 }
 
+// As entry text, which `build` reads again.
 int run_list(Session& session, const Arguments& arguments, const Streams& to) {
   return dictionary_list(session, arguments.dictionary, to.out, to.log) ? kDone : kFailed;
 }
@@ -240,6 +241,7 @@ CLI::App* add_with_dictionary(CLI::App& app, const char* name, const char* what,
 CLI::App* add_find(CLI::App& app, Arguments& arguments) {
   CLI::App* command = add_with_dictionary(app, "find", "Write the entries for which all of these hold", arguments);
   FindQuery& query = arguments.find;
+  // A group, so that one of its options can be demanded.
   CLI::Option_group* conditions = command->add_option_group("conditions");
   const CLI::Option* hw = conditions->add_option("--hw", query.hw, "The whole surface form");
   const CLI::Option* cw = conditions->add_option("--cw", query.cw, "The whole concept word");
@@ -291,6 +293,7 @@ CLI::App* add_import(CLI::App& app, Arguments& arguments) {
   return command;
 }
 
+// Each `add_` function gives the command, for the caller to ask whether it was meant.
 CLI::App* add_inflect(CLI::App& app, Arguments& arguments) {
   CLI::App* command = app.add_subcommand("inflect", "Make entry text of stems and a table of paradigms");
   command->add_option("STEMS", arguments.inflection.stems, "Tables of stems; - for standard input")->required();

@@ -137,6 +137,7 @@ void show_steps() {
 }
 
 // Every triple is in one of the counts: relations, words, attributes, left out.
+// To the messages: the output may be the graphs.
 void show_figures(const ImportFigures& figures) {
   std::ostringstream out;
   out << figures.graphs << " graphs, " << figures.triples << " triples: " << figures.relations << " as relations, "
@@ -165,6 +166,7 @@ int run_import(Arguments& arguments) {
     if (!errors.empty()) return kUsage;
   }
   // An output is emptied when it is opened: before the first input has been read.
+  // By what the names lead to, not by how they are spelled.
   for (const std::string& output : {arguments.output, arguments.gold, arguments.left_out}) {
     for (const std::string& input : arguments.inputs) {
       std::error_code error;
@@ -180,6 +182,7 @@ int run_import(Arguments& arguments) {
   if (!graphs.open(arguments.output) || !gold.open(arguments.gold) || !left_out.open(arguments.left_out)) return kUsage;
   Teller teller;
   std::ostream messages(&teller);
+  // Over all inputs.
   ImportFigures figures;
   const ImportOutputs outputs{graphs.stream(), gold.stream(), left_out.stream(), &messages};
   for (const std::string& input : arguments.inputs) {

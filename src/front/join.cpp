@@ -24,6 +24,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
+// Help, and what a wrong line is answered with.
 constexpr const char* kUsage =
     "usage: lexon join OUTPUT [--of N] [--strict] [--quiet]\n\n"
     "  joins OUTPUT.1-of-N to OUTPUT.N-of-N, which \"--shard\" has written\n"
@@ -134,6 +135,7 @@ class Join {
     tell_line(part.path + ": " + what + ": run --shard " + std::to_string(part.shard.number) + '/' +
               std::to_string(part.shard.of) + more + " again");
   }
+  // What the marker says by itself; then where the part stands among the others.
   void check_marker(Part& part);
   void check_place(const Part* before, const Part& part);
   bool copy(const Part& part, std::FILE* to);
@@ -194,6 +196,7 @@ bool Join::check() {
 // the part itself shows in `is_whole_`.
 bool Join::copy(const Part& part, std::FILE* to) {
   const File from(regular_file_open(part.path, "rb"));
+  // Reads large enough that a disk is not asked too often.
   std::vector<char> chunk(std::size_t{1} << 20);
   ByteHash hash;
   std::int64_t size = 0;

@@ -32,6 +32,7 @@ int run_in_terminal(const lexon::CommandLine& line, int, char**) {
 
 }  // namespace
 
+// The status is that of the run; see the usage text.
 int main(int argc, char** argv) {
   const std::span words(argv, static_cast<std::size_t>(argc));
   // The only command of its own; every other word in its place is the path of a dictionary.

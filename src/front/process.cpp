@@ -48,6 +48,7 @@ ShownStream::ShownStream(std::FILE* under) : under_(under), stream_(under) {
   stream_ = shown;
 }
 
+// Closing hands on what is left; the stream below stays open.
 ShownStream::~ShownStream() {
   if (stream_ != under_) std::fclose(stream_);
 }

@@ -37,6 +37,7 @@ int start(const Program& program, int argc, char** argv) {
     std::printf("%s %s\n", program.name, LEXON_VERSION);
     return answered(program);
   }
+  // A call without words asks for help in its own way, and is told as a wrong one.
   if (!line.error.empty() || (words.size() < 2 && !program.starts_without)) {
     if (!line.error.empty()) tell_line(program.name + (": " + line.error));
     print_usage(program, stderr);

@@ -75,6 +75,7 @@ void line_write(std::FILE* stream, std::string line) {
 
 }  // namespace
 
+// Any other name gets a table.
 ReportForm report_form_of(const std::string& path) {
   return path.ends_with(".json") || path.ends_with(".jsonl") ? ReportForm::json : ReportForm::tsv;
 }

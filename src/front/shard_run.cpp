@@ -51,6 +51,7 @@ bool is_finished(const Outcome& outcome) {
 // The marker comes last. The fault, or empty.
 std::string mark_done(const RunSettings& settings, const Outcome& outcome, ShardPlan& plan) {
   const std::string& path = settings.output_file;
+  // Else the part would be of another input than its neighbours, and nobody would know.
   if (!is_input_of(settings.input_file, plan.borders)) {
     return settings.input_file + ": has changed meanwhile, so " + path + " is not marked as done: run it again";
   }
@@ -93,6 +94,7 @@ int run_shard(const CommandLine& line, RunSettings settings, ConsoleHost& host) 
   // From here on the output is unfinished, until the marker stands there again.
   std::remove(marker.c_str());
   if (!line.report_file.empty() && !host.open_report(line.report_file, settings)) return host.exit_status();
+  // A part that was cancelled or cut short keeps what it has, unmarked.
   run_driver(settings, host);
   if (!is_finished(host.outcome())) return host.exit_status();
   const std::string fault = mark_done(settings, host.outcome(), plan);

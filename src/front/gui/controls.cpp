@@ -21,6 +21,7 @@ static void resources_init() {
 
 namespace lexon {
 
+// Texts hold names of files, which may look like markup.
 QLabel* make_label(const char* role, const QString& text, QWidget* parent) {
   auto* label = new QLabel(text, parent);
   label->setObjectName(role);
@@ -28,6 +29,7 @@ QLabel* make_label(const char* role, const QString& text, QWidget* parent) {
   return label;
 }
 
+// Belongs to `parent`, as every control does.
 QPushButton* make_button(const char* role, const QString& text, QWidget* parent) {
   auto* button = new QPushButton(text, parent);
   button->setObjectName(role);
@@ -48,6 +50,7 @@ void translations_load() {
       {"lexon-gui", here + "/../share/lexon/translations"},
   };
   for (const auto& [name, folder] : places) {
+    // A language without a file stays English. The translator belongs to the application, used or not.
     auto* translator = new QTranslator(qApp);
     if (translator->load(QLocale(), name, "_", folder)) QCoreApplication::installTranslator(translator);
   }
@@ -78,6 +81,7 @@ void open_for_user(const QUrl& url, QWidget* parent) {
   box.exec();
 }
 
+// An address wants the whole path.
 void open_file(const QString& path, QWidget* parent) {
   open_for_user(QUrl::fromLocalFile(QFileInfo(path).absoluteFilePath()), parent);
 }

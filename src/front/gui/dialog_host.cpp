@@ -57,6 +57,7 @@ bool DialogHost::ask_yes_no(const std::string& text, const std::string& reason) 
   return goes_on;
 }
 
+// Kept to the end, when they can be read at leisure.
 void DialogHost::note(const Note& note) {
   outcome_.has_losses = outcome_.has_losses || note.is_loss;
   notes_.push_back(note.text);
@@ -77,6 +78,7 @@ void DialogHost::report(const SentenceReport& sentence) {
   if (sentence.status != "done" && lost_.size() < kKeptSentences) lost_.push_back({number, sentence});
 }
 
+// Both steps of a run show the same window.
 StepResult DialogHost::run_step(RunContext& context, Step& step) {
   const StepResult result = progress_.run_step(context, step);
   outcome_.count_step(context, result);
@@ -87,6 +89,7 @@ void DialogHost::finish(RunContext& context) {
   signals_remember();
   if (cancel_was_signalled()) outcome_.cancelled = true;
   // Notes go to standard error too: the summary shows the first of them, and a run that started by itself has none.
+  // The summary takes its place.
   progress_.hide();
   for (std::string& note : outcome_.finish(context)) notes_.push_back(std::move(note));
   for (const std::string& note : notes_) tell_line("lexon-gui: " + note);
@@ -100,6 +103,7 @@ bool DialogHost::show_summary(const RunContext& context) {
   RunSummary summary;
   summary.settings = main_.settings();
   summary.outcome = outcome_;
+  // The host is done with them: a run has one summary.
   summary.lost = std::move(lost_);
   summary.seconds = static_cast<double>(time_.elapsed()) / 1000.0;
   summary.first = std::max(main_.settings().start_sentence, 1);

@@ -28,6 +28,7 @@ bool has_display() {
 #endif
 }
 
+// The toolkit is there for as long as the windows are, and no longer.
 int run_windows(const lexon::CommandLine& line, int argc, char** argv) {
   if (!has_display()) {
     std::fprintf(stderr, "lexon-gui: there is no display; \"lexon\" runs in a terminal\n");
@@ -59,6 +60,7 @@ int run_windows(const lexon::CommandLine& line, int argc, char** argv) {
 int open_files(int argc, char** argv) {
   lexon::process_begin();
   const std::span words(argv, static_cast<std::size_t>(argc));
+  // Nothing starts by itself: the user sees which file has come into which field.
   return run_windows(lexon::line_of_files(words.subspan(2)), argc, argv);
 }
 

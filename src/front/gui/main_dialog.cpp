@@ -122,6 +122,7 @@ void MainDialog::make_actions() {
 }
 
 // A run that starts at once never shows this dialog.
+// The status of the program.
 int MainDialog::run() {
   if (settings_.run_at_once) {
     render();

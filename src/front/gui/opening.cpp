@@ -18,6 +18,7 @@ namespace {
 
 constexpr qint64 kLooked = 65536;  // bytes of a text
 
+// What a file can be to a run; entries are the text that a dictionary is built of, and no run reads it.
 enum class Kind { unknown, words, pairs, rules, graphs, output, entries };
 
 // Texts of functions without a window have a context of their own for translators.
@@ -39,6 +40,7 @@ Kind kind_of_text(const QString& path) {
       {R"(^\[[^\]]*\]\s*\{[^}]*\}\s*")", Kind::entries},
       {R"(^\[(S|W)\b|^\w+(:\w+)?\s*\([^,()]+(\([^()]*\))?)", Kind::graphs},
   };
+  // A sign that comes late in a long text is not met, and the kind stays unknown.
   QFile file(path);
   if (!file.open(QIODevice::ReadOnly)) return Kind::unknown;
   const QString text = QString::fromUtf8(file.read(kLooked));
@@ -97,6 +99,7 @@ QString take_file(const char* given, RunSettings& settings) {
 }
 
 // The new start may have another current folder.
+// Empty stays empty: an argument that was not given.
 std::string absolute_word(const std::string& path) {
   std::error_code error;
   return path.empty() ? path : std::filesystem::absolute(path, error).string();
@@ -113,6 +116,7 @@ CommandLine line_of_files(std::span<const char* const> files) {
   return line;
 }
 
+// All that the command line can say of the settings; what a run has by itself is said as well.
 std::vector<std::string> words_of(const RunSettings& settings, bool yes) {
   std::vector<std::string> words;
   // The four paths stand first, empty ones too: each has its place.
@@ -142,6 +146,7 @@ std::vector<std::string> words_of(const RunSettings& settings, bool yes) {
   return words;
 }
 
+// The new process is not waited for, and has the environment and the streams of this one.
 bool start_program(const std::string& program, const std::vector<std::string>& words) {
   // The words are not written to: the type is the system's.
   std::vector<char*> argv{const_cast<char*>(program.c_str())};

@@ -54,6 +54,7 @@ QString PathEdit::fault() const {
   return conflict_;
 }
 
+// What is wrong with the path beside the other paths of the run; empty if nothing is.
 void PathEdit::set_conflict(const QString& conflict) {
   if (conflict == conflict_) return;
   conflict_ = conflict;
@@ -83,6 +84,7 @@ QRect PathEdit::text_place() const {
   return place;
 }
 
+// Cut in the middle: both the folder and the name tell a path.
 QString PathEdit::shown_text() const {
   return fontMetrics().elidedText(text(), Qt::ElideMiddle, text_place().width());
 }

@@ -165,6 +165,7 @@ void ProgressDialog::show_progress(const RunProgress& progress) {
   const double rate = progress.seconds > 0 ? static_cast<double>(progress.closed) / progress.seconds : 0.0;
   // In the first second a rate jumps about and says nothing.
   const bool has_rate = progress.seconds >= kFirstRate && rate > 0;
+  // Never below 0: the count of an input need not be that of the run.
   const std::int64_t open = std::max<std::int64_t>(progress.all - progress.closed, 0);
   if (progress.all > 0) {
     const QString all = locale.toString(static_cast<qlonglong>(progress.all));

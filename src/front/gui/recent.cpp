@@ -97,6 +97,7 @@ void remember_project(const RunSettings& settings) {
   write_projects(kept, projects);
 }
 
+// The folder that was last in use stays.
 void forget_projects() {
   QSettings(kOrganisation, kProgram).remove(kProjects);
 }
@@ -115,6 +116,7 @@ QString last_folder() {
   return QFileInfo(folder).isDir() ? folder : QString();
 }
 
+// Of whichever file dialog: users keep what belongs together in one folder.
 void remember_folder(const QString& folder) {
   QSettings(kOrganisation, kProgram).setValue(kLastFolder, folder);
 }

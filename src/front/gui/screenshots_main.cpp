@@ -159,6 +159,7 @@ int main(int argc, char** argv) {
   const QApplication application(argc, argv);
   QApplication::setStyle(QStyleFactory::create("Fusion"));
   if (argc > 3) QApplication::setPalette(dark_palette());
+  // Without a locale the numbers are those of the programs' own output.
   QLocale::setDefault(QLocale(argc > 2 ? argv[2] : "C"));
   lexon::resources_load();
   lexon::translations_load();

@@ -45,6 +45,7 @@ struct PathRow {
 constexpr int kColumns = 90;       // of text, across the dialog
 constexpr int kFileColumns = 110;  // across a file dialog
 
+// The texts show the filters as users know them, and `toolkit_filters` makes of them what the toolkit reads.
 constexpr const char* kDictionaryFilters =
     QT_TRANSLATE_NOOP("lexon::SettingDialog", "Dictionary Files (*.dic)\nAll Files (*.*)");
 constexpr const char* kRuleFilters =
@@ -53,6 +54,7 @@ constexpr const char* kInputFilters = QT_TRANSLATE_NOOP("lexon::SettingDialog", 
 constexpr const char* kOutputFilters =
     QT_TRANSLATE_NOOP("lexon::SettingDialog", "Text Files (*.txt; *.trc)\nAll Files (*.*)");
 
+// In the order of the rows. The output stands last; `output_edit` relies on that.
 constexpr std::array<PathRow, kPathFields> kPathRows{{
     {"dictionary_file", QT_TRANSLATE_NOOP("lexon::SettingDialog", "&W Dictionary"),
      QT_TRANSLATE_NOOP("lexon::SettingDialog",
@@ -371,6 +373,7 @@ void SettingDialog::read_controls() {
   mark_conflict();
 }
 
+// The level comes behind paths and numbers: a change of it reads all controls back.
 void SettingDialog::write_controls() {
   for (std::size_t i = 0; i < kPathRows.size(); ++i) paths_[i]->setText(to_text(fields_.*kPathRows[i].field));
   for (std::size_t i = 0; i < kNumberRows.size(); ++i) numbers_[i]->setValue(fields_.*kNumberRows[i].field);

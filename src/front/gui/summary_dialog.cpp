@@ -82,6 +82,7 @@ void SummaryDialog::make_layout() {
   font.setBold(true);
   head->setFont(font);
   rows->addWidget(head, 0, 0, 1, 2);
+  // A conversion has no sentences to count.
   if (!summary_.settings.rules_conversion_only) add_row(*rows, "counts", tr("Sentences:"), counts());
   add_row(*rows, "output", tr("Output:"), QDir::toNativeSeparators(to_text(summary_.settings.output_file)));
   if (!summary_.notes.isEmpty()) {
@@ -119,6 +120,7 @@ void SummaryDialog::add_lost(QGridLayout& rows) {
     auto* row = new QTreeWidgetItem(
         lost_, {QString::number(lost.number), to_text(lost.report.label), tr(lost.report.status.c_str()),
                 QLocale().toString(lost.report.milliseconds / 1000.0, 'f', 3)});
+    // Numbers stand at the right.
     for (const int column : {0, 3}) row->setTextAlignment(column, Qt::AlignRight);
   }
   for (int column = 0; column < lost_->columnCount(); ++column) lost_->resizeColumnToContents(column);
@@ -243,6 +245,7 @@ QStringList SummaryDialog::page_words(int row, const QString& page) const {
 
 // The workbench renders the sentences once more and may take a while; the button waits for it, the window does not.
 void SummaryDialog::open_page() {
+  // A double click on the list comes here too, also while a page is being made.
   if (!open_page_->isEnabled()) return;
   const int row = lost_ == nullptr ? -1 : lost_->indexOfTopLevelItem(lost_->currentItem());
   open_page_->setEnabled(false);
