@@ -14,6 +14,7 @@
 
 namespace lexon {
 
+// One host serves one run, and is asked for its status behind it.
 class ConsoleHost final : public Host {
  public:
   explicit ConsoleHost(const CommandLine& line);
@@ -43,12 +44,12 @@ class ConsoleHost final : public Host {
   std::unique_ptr<ReportFile> report_;
   const RunContext* context_ = nullptr;  // of the run, once a step of it has begun
   std::int64_t wanted_;                  // sentences; 0: not known
-  bool answers_yes_;
-  bool shows_line_;   // a line that is written over
-  bool shows_plain_;  // plain lines
+  bool answers_yes_;                     // --yes
+  bool shows_line_;                      // a line that is written over
+  bool shows_plain_;                     // plain lines
   bool shows_summary_;
   std::chrono::steady_clock::time_point start_;
-  std::chrono::steady_clock::time_point last_shown_;
+  std::chrono::steady_clock::time_point last_shown_;  // of the progress
 };
 
 }  // namespace lexon

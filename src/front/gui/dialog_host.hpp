@@ -31,12 +31,12 @@ class DialogHost final : public Host {
   [[nodiscard]] QWidget* window_to_stand_on() const;
   [[nodiscard]] bool show_summary(const RunContext& context);
 
-  MainDialog& main_;
+  MainDialog& main_;  // outlives the host
   bool yes_;
   ProgressDialog progress_;
   Outcome outcome_;
-  std::vector<std::string> notes_;
-  QElapsedTimer time_;
+  std::vector<std::string> notes_;  // in the order of their coming
+  QElapsedTimer time_;              // since the host was made, the opening of files included
   std::int64_t reported_ = 0;       // sentences
   std::vector<LostSentence> lost_;  // the first of them
 };

@@ -52,16 +52,20 @@ class SettingDialog : public QDialog {
   void take_project(const RunSettings& project);
   void focus_first_empty();
 
+  // Between the controls and the fields.
   void read_controls();
   void write_controls();
+  // Lets the user choose a file for a row of paths.
   void browse(int row);
   [[nodiscard]] PathEdit& output_edit() const;
   void mark_conflict();
+  // True if the user does not want a file written over that is there; the dialog stays then.
   [[nodiscard]] bool keeps_other_output();
 
-  RunSettings fields_;
-  std::string own_output_;
+  RunSettings fields_;      // what the controls show, but for numbers, which follow later
+  std::string own_output_;  // may be written over without a question; empty: none
   bool asks_ = true;
+  // In the order of the tables in the source. All controls belong to the dialog.
   std::array<PathEdit*, kPathFields> paths_{};
   std::array<NumberEdit*, kNumberFields> numbers_{};
   QComboBox* trace_level_ = nullptr;
