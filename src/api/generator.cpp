@@ -346,6 +346,7 @@ Generator::~Generator() = default;
 Generator::Generator(Generator&& other) noexcept = default;
 Generator& Generator::operator=(Generator&& other) noexcept = default;
 
+// The public functions; moved-from objects may only be destroyed or assigned to.
 std::vector<Sentence> Generator::render(std::string_view graphs, const Settings& settings) {
   return body_->render(graphs, settings);
 }

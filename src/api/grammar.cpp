@@ -166,6 +166,7 @@ Grammar Inside::load(const GrammarFiles& files, const TextLookup& unsaved) {
   return grammar;
 }
 
+// Messages about the text name no file.
 Grammar Grammar::from_text(std::string_view rules, const GrammarFiles& files) {
   const auto body = std::make_shared<Body>();
   load_all(*body, files, {}, {}, [&rules](RuleStep& step) { return parse(step, rules); });
