@@ -12,8 +12,8 @@
 #include "data/nodes.hpp"
 #include "ratios.hpp"
 #include "row_search.hpp"
+#include "rules/candidates.hpp"
 #include "rules/compiled.hpp"
-#include "rules/matrix.hpp"
 #include "rules/parser.hpp"
 #include "support/grammar.hpp"
 #include "support/rule_build.hpp"
@@ -151,7 +151,8 @@ struct Setting {
 
 // Gives a list back to the pool; the number of its elements.
 int release(RuleCandidate* list) {
-  const int count = list == nullptr ? 0 : list->list->elements;
+  int count = 0;
+  for_each_rule_from(session, list, [&](const Rule&) { ++count; });
   candidates_passed_over(session, list);
   return count;
 }

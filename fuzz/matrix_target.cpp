@@ -6,6 +6,7 @@
 #include "data/words.hpp"
 #include "matrix_rules.hpp"
 #include "rule_text.hpp"
+#include "rules/candidates.hpp"
 #include "rules/compiled.hpp"
 #include "rules/matrix.hpp"
 #include "support/grammar.hpp"
@@ -41,7 +42,7 @@ void search(const std::string& left, const std::string& right) {
   Node* lnode = node_of(left);
   Node* rnode = node_of(right);
   int found = 0;
-  for (const RuleCandidate* c = rule_candidates(session, lnode, rnode); c != nullptr; c = c->next) ++found;
+  for_each_rule_from(session, rule_candidates(session, lnode, rnode), [&](const Rule&) { ++found; });
   fuzz::require(found <= grammar.index.matrix.rule_count, "no more candidates than rules");
   session.pool.release_all();
 }

@@ -18,12 +18,17 @@ std::size_t hash_of(std::string_view text) {
     hash = (hash ^ word) * kFactor;
     hash ^= hash >> 32;
   };
-  for (; text.size() >= sizeof word; text.remove_prefix(sizeof word)) {
-    std::memcpy(&word, text.data(), sizeof word);
-    mix();
+  if (text.size() < sizeof word) {
+    for (const char c : text) word = word << 8 | static_cast<unsigned char>(c);
+  } else {
+    // The last eight bytes may have had a part in the step before, too.
+    const char* const last = text.data() + text.size() - sizeof word;
+    for (const char* at = text.data(); at < last; at += sizeof word) {
+      std::memcpy(&word, at, sizeof word);
+      mix();
+    }
+    std::memcpy(&word, last, sizeof word);
   }
-  word = 0;
-  for (const char c : text) word = word << 8 | static_cast<unsigned char>(c);
   mix();
   return hash;
 }

@@ -1,6 +1,8 @@
 #include "data/nodes.hpp"
 
 #include <cstring>
+#include <memory>
+#include <new>
 #include <string_view>
 #include <utility>
 
@@ -12,6 +14,10 @@
 namespace lexon {
 
 namespace {
+
+std::int64_t list_size(std::size_t blocks) {
+  return static_cast<std::int64_t>(sizeof(CandidateList) + blocks * sizeof(RuleBlock));
+}
 
 bool is_entry_of_current_scope(Session& session, const Node& node) {
   return current_scope(session).entry == &node;
@@ -226,23 +232,30 @@ void match_record_pop(Session& session, Node& node) {
   temp_delete(session, record);
 }
 
-RuleCandidate* candidates_new(Session& session, std::size_t count) {
-  auto* list = temp_new<CandidateList>(session);
-  RuleCandidate* head = nullptr;
-  for (RuleCandidate** link = &head; list != nullptr && count != 0; --count, link = &(*link)->next) {
-    *link = temp_new<RuleCandidate>(session);
-    if (*link == nullptr) return nullptr;
-    (*link)->list = list;
-    ++list->elements;
-  }
-  return head;
+RuleCandidate* candidates_new(Session& session, const Rule* first, std::span<const RuleBlock> rest) {
+  void* cell = temp_alloc(session, list_size(rest.size()));
+  auto* element = cell == nullptr ? nullptr : temp_new<RuleCandidate>(session);
+  if (element == nullptr) return nullptr;
+  element->rule = first;
+  element->list = new (cell) CandidateList{0, 1, static_cast<std::int32_t>(rest.size()), 0};
+  std::uninitialized_copy(rest.begin(), rest.end(), blocks_of(*element->list));
+  return element;
+}
+
+RuleCandidate* candidate_append(Session& session, RuleCandidate& last, const Rule* rule) {
+  auto* element = temp_new<RuleCandidate>(session);
+  if (element == nullptr) return nullptr;
+  element->rule = rule;
+  element->list = last.list;
+  ++last.list->elements;
+  return last.next = element;
 }
 
 void candidate_passed_over(Session& session, RuleCandidate* element) {
   CandidateList* list = element->list;
   if (list == nullptr || list->records != 0) return;
   temp_delete(session, element);
-  if (--list->elements == 0) temp_delete(session, list);
+  if (--list->elements == 0) temp_free(session, list, list_size(static_cast<std::size_t>(list->blocks)));
 }
 
 void candidates_passed_over(Session& session, RuleCandidate* first, const RuleCandidate* end) {

@@ -4,6 +4,7 @@
 #pragma once
 
 #include <cstddef>
+#include <span>
 
 #include "data/records.hpp"
 #include "data/status.hpp"
@@ -72,8 +73,12 @@ void scope_attrs_to_front(Node& node, int scope);
 // Pops and releases the newest record. The stack must not be empty.
 void match_record_pop(Session& session, Node& node);
 
-// A new list of `count` linked elements, which name no rule yet, at least one; null when memory is exhausted.
-[[nodiscard]] RuleCandidate* candidates_new(Session& session, std::size_t count);
+// A new list: its first element, and the rules behind it, which get theirs when they are asked for. Null when memory is
+// exhausted.
+[[nodiscard]] RuleCandidate* candidates_new(Session& session, const Rule* first, std::span<const RuleBlock> rest = {});
+
+// A new element behind the last one of a list; null when memory is exhausted.
+[[nodiscard]] RuleCandidate* candidate_append(Session& session, RuleCandidate& last, const Rule* rule);
 
 // Releases an element of a candidate list that matching has passed over. It is kept until the sentence ends if a
 // record can still reach it.

@@ -92,14 +92,33 @@ static_assert(std::is_trivial_v<Node>);
 struct CandidateList {
   std::int32_t records;   // match records that point to any element of the list
   std::int32_t elements;  // elements not released yet; the list goes back to the pool with the last one
+  std::int32_t blocks;    // how many stand behind this record, in the same cell
+  std::int32_t at;        // the first of them that still names rules without an element; `blocks`: none does
 };
 
-// One rule that may fit a window. Backtracking resumes at `next`.
+// Rules of 64 neighbouring numbers, of which few are named: those of block b have the numbers from 64 * b on, the first on
+// the top bit. In an array of blocks, `block` rises.
+struct RuleBlock {
+  std::int32_t block;
+  std::uint64_t rules;
+};
+
+// The rules of the list that have no element yet, from `at` on.
+[[nodiscard]] inline RuleBlock* blocks_of(CandidateList& list) {
+  return reinterpret_cast<RuleBlock*>(&list + 1);
+}
+[[nodiscard]] inline const RuleBlock* blocks_of(const CandidateList& list) {
+  return reinterpret_cast<const RuleBlock*>(&list + 1);
+}
+static_assert(std::is_trivial_v<RuleBlock> && sizeof(CandidateList) % alignof(RuleBlock) == 0);
+
+// One rule that may fit a window. Backtracking resumes with the one behind it, which most often is not made before it is
+// asked for: see `candidate_next`.
 struct RuleCandidate {
   const Rule* rule;
   Node* lnode;  // set by matching for a rule with MID, else null
   Node* rnode;
-  RuleCandidate* next;
+  RuleCandidate* next;  // null: the last one, or the last that has been made
   CandidateList* list;  // never null
 };
 static_assert(std::is_trivial_v<RuleCandidate>);

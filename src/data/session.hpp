@@ -40,17 +40,16 @@ struct Remark {
 // are numbers in rising order.
 struct SearchScratch {
   struct Side {
-    // What is remembered of a node: where its numbers begin, and how many they are.
+    // What is remembered of a node: where its blocks and its numbers begin, and how many they are.
     struct Known {
-      std::uint32_t begin;
+      std::uint32_t first_block;
       std::uint32_t satisfied;
+      std::uint32_t first_number;
       std::uint32_t words;
     };
     std::vector<std::int32_t> let;         // the rules that its words let through, but for easy ones that always pass
-    std::vector<std::int32_t> satisfied;   // of the rules that it watches, and of easy ones, what its words let through
+    std::vector<RuleBlock> satisfied;      // of the rules that it watches, and of easy ones, what its words let through
     std::vector<std::int32_t> words;       // the rows that each of the words has
-    std::vector<std::uint8_t> passing;     // beside each rule that is asked about
-    std::vector<std::int32_t> open;        // places of those that are to be held against each word
     std::vector<std::uint8_t> is_present;  // by row of the index; zeros between searches
     std::vector<std::int32_t> present;     // the rows that are present, in the order of their finding
     std::vector<std::uint8_t> is_striking;  // by row; zeros between searches
@@ -59,9 +58,19 @@ struct SearchScratch {
     KeyNumbers known;                       // keys of answers
     std::array<std::int32_t, 64> latest{};  // numbers that are tried first, at a place that follows from the node
     std::vector<Known> answers;             // by number of the key
-    std::vector<std::int32_t> numbers;      // of all answers that are known
+    std::vector<RuleBlock> blocks;          // of all answers that are known: what they satisfy
+    std::vector<std::int32_t> numbers;      // the same: their words
   };
-  // The rules of a pair of answers, as `count` numbers from `begin` on.
+  // Is a rule let through on a side? Open: its words have not been asked yet.
+  enum class Passing : std::uint8_t { no, yes, open };
+  // A rule of which the answers of the sides do not tell yet whether it passes.
+  struct Uncertain {
+    std::int32_t rule;
+    std::uint32_t at;  // its place in `fresh`
+    Passing left;
+    Passing right;
+  };
+  // The rules of a pair of answers, as `count` blocks from `begin` on.
   struct Found {
     std::uint32_t begin;
     std::uint32_t count;
@@ -71,10 +80,9 @@ struct SearchScratch {
   KeyNumbers known_pairs;
   std::array<std::int32_t, 256> latest{};  // numbers that are tried first, at a place that follows from the pair
   std::vector<Found> found;                // by number of the pair
-  std::vector<std::int32_t> rules;         // of all pairs that are known
-  std::vector<std::int32_t> fresh;         // of the last pair that was not known
-  std::vector<std::int32_t> asked;         // the rules that a pair is asked about
-  std::vector<std::int32_t> merged;        // a list in the making
+  std::vector<RuleBlock> rules;            // of all pairs that are known
+  std::vector<RuleBlock> fresh;            // of the last pair that was not known
+  std::vector<Uncertain> uncertain;        // while such a pair is searched
   bool is_full = false;                    // there was no room for an answer: the next search begins by forgetting all
 };
 

@@ -29,6 +29,7 @@
 #include "engine/observer.hpp"
 #include "engine/trace.hpp"
 #include "engine/undo.hpp"
+#include "rules/candidates.hpp"
 
 namespace lexon {
 
@@ -57,7 +58,7 @@ enum class Stage : std::uint8_t { fresh_window, pop, alternatives, next_rule, en
 // The branch of this number: the rule is given up for the next one of its window.
 void to_next_rule(Session& session, Undo& undo, int number) {
   trace_next_rule(session, number);
-  RuleCandidate* given_up = std::exchange(undo.candidate, undo.candidate->next);
+  RuleCandidate* given_up = std::exchange(undo.candidate, candidate_next(session, *undo.candidate));
   // Its records are gone. An element that came from a caller may still be held by that caller.
   if (given_up == undo.undone) candidate_passed_over(session, given_up);
 }

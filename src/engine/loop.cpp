@@ -17,7 +17,7 @@
 #include "engine/scope_entry.hpp"
 #include "engine/scope_return.hpp"
 #include "engine/trace.hpp"
-#include "rules/matrix.hpp"
+#include "rules/candidates.hpp"
 #include "rules/rule.hpp"
 
 namespace lexon {
@@ -56,8 +56,7 @@ enum class Turn {
       if (fit != Fit::no) return fit;
     }
     // What has been passed over is not looked at again in this window.
-    loop.candidates = element.next;
-    candidate_passed_over(session, &element);
+    loop.candidates = candidate_pass(session, element);
   }
   return Fit::no;
 }

@@ -31,8 +31,8 @@ class Observer {
   // A list of rules was asked for. The right place is empty at the end of a list. A search that goes on with the rest
   // of an older list asks for none.
   virtual void offered(Session&, const Window&, const RuleCandidate* /*list*/) {}
-  // The same in post-edit: numbers of rules of the grammar.
-  virtual void offered_in_post_edit(Session&, const Window&, std::span<const std::int32_t> /*rules*/) {}
+  // The same in post-edit.
+  virtual void offered_in_post_edit(Session&, const Window&, std::span<const RuleBlock> /*rules*/) {}
   // A rule was held against `before`; on a fit `after` holds what it has brought in. A fit of a word test has narrowed
   // the words; a word test that is `refused` asks for a step back.
   virtual void tried(Session&, const RuleCandidate&, const Window& /*before*/, const Window& /*after*/, Fit) {}

@@ -16,8 +16,7 @@
 #include "engine/post_edit_rule.hpp"
 #include "engine/side.hpp"
 #include "engine/trace.hpp"
-#include "rules/grammar.hpp"
-#include "rules/matrix.hpp"
+#include "rules/candidates.hpp"
 #include "rules/rule.hpp"
 
 namespace lexon {
@@ -43,53 +42,55 @@ struct ShiftedTexts {
   }
 
   // Most texts differ from a rule's in the character that stands at the end.
-  [[nodiscard]] bool refuse(RuleTraits rule) const {
-    if (rule.shifted_end == '\0') return false;
+  [[nodiscard]] bool refuse(ShiftedEnd rule) const {
+    if (rule.character == '\0') return false;
     const auto index = static_cast<std::size_t>(rule.shifts_left ? Side::right : Side::left);
     if (of[index] == nullptr) return false;
-    return size[index] == 0 || of[index][rule.shifts_left ? 0 : size[index] - 1] != rule.shifted_end;
+    return size[index] == 0 || of[index][rule.shifts_left ? 0 : size[index] - 1] != rule.character;
   }
 };
 
 // The first of the rules that fits, as a candidate of its own; null if none does. `result` is what the last match gave.
-[[nodiscard]] RuleCandidate* rule_choose(Session& session, std::span<const std::int32_t> rules, Window& window,
+[[nodiscard]] RuleCandidate* rule_choose(Session& session, std::span<const RuleBlock> rules, Window& window,
                                          Status& result) {
   session.state.turned = nullptr;
   ShiftedTexts texts(window);
+  const RuleSearch& index = session.grammar->index.search;
   // Who watches wants to hear of each try, and the trace of each word that has no room for what it would get.
   const bool may_pass_over = session.observer == nullptr && session.state.trace_level < 3;
-  for (const std::int32_t number : rules) {
-    const RuleTraits traits = session.grammar->index.search.traits[static_cast<std::size_t>(number)];
-    if (may_pass_over && session.state.turned != nullptr && texts.refuse(traits)) {
-      result = Status::ok;
-      continue;
+  for (RuleBlock block : rules) {
+    while (block.rules != 0) {
+      const auto number = static_cast<std::size_t>(rule_take(block));
+      if (may_pass_over && session.state.turned != nullptr && texts.refuse(index.shifted_ends[number])) {
+        result = Status::ok;
+        continue;
+      }
+      const Rule& rule = *index.rules[number];
+      // Rules of generation are passed over, and scope rules at a place that stands for no scope.
+      if (!is_post_edit_type(rule.type)) continue;
+      if (rule.type == rule_type::post_scope_left || rule.type == rule_type::post_scope_right) {
+        const Node* place = rule.type == rule_type::post_scope_left ? window.lnode : window.rnode;
+        if (place == nullptr || !is_scope_reference(*place)) continue;
+      }
+      if (session.observer == nullptr && session.state.turned != nullptr && is_refused_by_text(session, rule, window)) {
+        result = Status::ok;
+        continue;
+      }
+      RuleCandidate* candidate = candidates_new(session, &rule);
+      if (candidate == nullptr) return nullptr;
+      // wanted: a failure is overwritten by what the next rule gives.
+      const Fit fit = match_rule(session, *candidate, window);
+      if (fit == Fit::failed) {
+        result = must_leave(session) != Status::ok ? must_leave(session) : Status::memory;
+      } else {
+        // wanted: a rule that fits and is refused fails the pass, if it is the last one asked.
+        result = fit == Fit::refused ? Status::no_effect : Status::ok;
+      }
+      if (fit == Fit::yes || must_leave(session) != Status::ok) return candidate;
+      candidate_passed_over(session, candidate);
+      // A node that waited for another try has let go of its words.
+      if (fit != Fit::no) texts = ShiftedTexts(window);
     }
-    const Rule& rule = *session.grammar->index.search.rules[static_cast<std::size_t>(number)];
-    // Rules of generation are passed over, and scope rules at a place that stands for no scope.
-    if (!is_post_edit_type(rule.type)) continue;
-    if (rule.type == rule_type::post_scope_left || rule.type == rule_type::post_scope_right) {
-      const Node* place = rule.type == rule_type::post_scope_left ? window.lnode : window.rnode;
-      if (place == nullptr || !is_scope_reference(*place)) continue;
-    }
-    if (session.observer == nullptr && session.state.turned != nullptr && is_refused_by_text(session, rule, window)) {
-      result = Status::ok;
-      continue;
-    }
-    RuleCandidate* candidate = candidates_new(session, 1);
-    if (candidate == nullptr) return nullptr;
-    candidate->rule = &rule;
-    // wanted: a failure is overwritten by what the next rule gives.
-    const Fit fit = match_rule(session, *candidate, window);
-    if (fit == Fit::failed) {
-      result = must_leave(session) != Status::ok ? must_leave(session) : Status::memory;
-    } else {
-      // wanted: a rule that fits and is refused fails the pass, if it is the last one asked.
-      result = fit == Fit::refused ? Status::no_effect : Status::ok;
-    }
-    if (fit == Fit::yes || must_leave(session) != Status::ok) return candidate;
-    candidate_passed_over(session, candidate);
-    // A node that waited for another try has let go of its words.
-    if (fit != Fit::no) texts = ShiftedTexts(window);
   }
   return nullptr;
 }
@@ -108,7 +109,7 @@ Status post_edit(Session& session, Node* start) {
   while (result == Status::ok) {
     if (const Status status = must_leave(session); status != Status::ok) return status;
     if (window.lnode == nullptr || window.rnode == nullptr) return result;
-    const std::span<const std::int32_t> rules = post_edit_rules(session, window.lnode, window.rnode);
+    const std::span<const RuleBlock> rules = post_edit_rules(session, window.lnode, window.rnode);
     if (session.observer != nullptr) session.observer->offered_in_post_edit(session, window, rules);
     RuleCandidate* candidate = rule_choose(session, rules, window, result);
     if (candidate == nullptr || must_leave(session) != Status::ok) return result;

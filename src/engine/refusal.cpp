@@ -121,7 +121,8 @@ void ask_room(const Question& question, Misses& misses) {
   misses.push_back(miss_of_word(question, Reason::attributes_too_long, nullptr, question.node.candidates));
 }
 
-// A node that rules have touched: the word in force fits, or nothing does.
+// A node that rules have touched: the word in force fits, or nothing does. All that it lacks, where the filter stops at the
+// first.
 Misses settled_misses(const Question& question) {
   const Node& node = question.node;
   const WordEntry* word = node.candidates;
@@ -134,6 +135,7 @@ Misses settled_misses(const Question& question) {
   for (const CondItem& condition : chain<&CondItem::next>(question.pattern().attr_conds)) {
     const char* attr = condition.text;
     const bool has_itself = attr_has(word, attr) || (is_held(node) && head_text_has(&node, attr));
+    // wanted: what the target has breaks no negated condition of a settled node
     if (condition.op == kOpNot) {
       if (has_itself) misses.push_back(miss_of_word(question, Reason::attribute_forbidden, &condition, word));
       continue;
@@ -145,12 +147,14 @@ Misses settled_misses(const Question& question) {
   return misses;
 }
 
-// The word under test, and the word of the target that goes with it (null without a target).
+// The word under test, and the word of the target that goes with it (null without a target). Empty if the filter would keep
+// them. Sets `on_target`, which decides what words are asked next.
 Misses open_word_misses(Question& question, const WordEntry* own, const WordEntry* targets) {
   Misses misses;
   ask_surface(question, targets != nullptr ? nullptr : &question.node, targets != nullptr ? targets : own, misses);
   ask_room(question, misses);
   const std::uint8_t type = question.rule.type;
+  // A word test of this side is after words that miss an attribute: these are then no reason to refuse.
   const bool wants_misfits = question.side == Side::left ? type == rule_type::test_left
                                                          : type == rule_type::test || type == rule_type::test_right;
   Misses attributes;
@@ -189,7 +193,8 @@ std::string pair_name(const WordEntry* word) {
   return std::string(id.empty() ? text_or_empty(word->hw) : id);
 }
 
-// The nearest of the words that are open.
+// Of the words that are open, in the order in which the filter asks them: nothing if one is kept, else what the nearest
+// one misses.
 Misses open_misses(Question& question) {
   WordEntry* own = question.node.candidates;
   WordEntry* targets = question.target == nullptr ? nullptr : question.target->candidates;
@@ -281,8 +286,10 @@ void note(Walk& walk, int distance, Reason reason, const ContextGroup& group, co
   if (node != nullptr) walk.furthest.word = word_text(node->candidates);
 }
 
+// Does the node meet what the group asks? The first condition that it does not is noted.
 bool group_fits(Walk& walk, int distance, const ContextGroup& group, const Node& node) {
   const WordEntry& word = *node.candidates;
+  // wanted: to the left no group asks for a surface form or a concept
   if (walk.side == Side::right) {
     for (const CondItem* conditions : {group.hw_conds, group.cw_conds}) {
       for (const CondItem& condition : chain<&CondItem::next>(conditions)) {

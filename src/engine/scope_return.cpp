@@ -27,6 +27,7 @@
 #include "engine/side.hpp"
 #include "engine/trace.hpp"
 #include "engine/undo.hpp"
+#include "rules/candidates.hpp"
 
 namespace lexon {
 
@@ -170,7 +171,7 @@ struct Return {
   RuleCandidate* candidate = &back.candidate;
   const bool same_rule_may_go_on = pattern_of(*candidate->rule, back.side).inserted != 0 && is_fresh(*node);
   if (!same_rule_may_go_on) {
-    candidate = candidate->next;
+    candidate = candidate_next(session, *candidate);
     return engine_loop(session, candidate, back.outer, back.home_scope);
   }
   // 12.9 and 12.10: the other place of the window goes to its next word, for the same rule again. Without one it gets
@@ -179,7 +180,7 @@ struct Return {
   entry_drop_head(session, node->candidates);
   if (node->candidates == nullptr) {
     trace_no_next_entry(session, opposite);
-    candidate = candidate->next;
+    candidate = candidate_next(session, *candidate);
     if (const Status status = node_words_reload(session, *node); status != Status::ok) return status;
   }
   return engine_loop(session, candidate, back.outer, back.home_scope);

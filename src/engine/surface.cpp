@@ -64,8 +64,9 @@ bool attr_room_suffices(Side side, const Rule& rule, const Window& window) {
   }
   // The types without a step would give both patterns' additions to one node.
   const bool takes_both_actions = rule.type == rule_type::plus || rule.type == rule_type::minus;
-  for (const CondItem& action : chain<&CondItem::next>(pattern_of(rule, other(side)).actions)) {
-    if (takes_both_actions && action.op == kOpAdd) length += static_cast<std::int64_t>(std::strlen(action.text)) + 1;
+  const CondItem* others = takes_both_actions ? pattern_of(rule, other(side)).actions : nullptr;
+  for (const CondItem& action : chain<&CondItem::next>(others)) {
+    if (action.op == kOpAdd) length += static_cast<std::int64_t>(std::strlen(action.text)) + 1;
   }
   return length < kAttrLimit;
 }

@@ -2,9 +2,9 @@
 
 #include <array>
 
-#include "data/chain.hpp"
 #include "data/output.hpp"
 #include "data/session.hpp"
+#include "rules/candidates.hpp"
 #include "rules/print.hpp"
 
 namespace lexon {
@@ -34,11 +34,11 @@ void trace_rule_applied(Session& session, const RuleCandidate& candidate) {
   // The rules behind the applied one, but for those of post-edit.
   // wanted: the headline stands there without a rule behind it, too
   trace_line(session, "-- other applicable rules --");
-  for (const RuleCandidate& element : chain<&RuleCandidate::next>(candidate.next)) {
-    if (is_post_edit_type(element.rule->type)) continue;
-    rule_print(session, element.rule, true);
+  for_each_rule_behind(session, candidate, [&](const Rule& rule) {
+    if (is_post_edit_type(rule.type)) return;
+    rule_print(session, &rule, true);
     out_flush(session);
-  }
+  });
 }
 
 void trace_rule_end(Session& session) {

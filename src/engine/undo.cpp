@@ -14,6 +14,7 @@
 #include "engine/apply.hpp"
 #include "engine/insertion.hpp"
 #include "engine/trace.hpp"
+#include "rules/candidates.hpp"
 
 namespace lexon {
 
@@ -126,7 +127,7 @@ Status merge_undo(Session& session, Window& window, RuleCandidate*& candidate) {
   scope_entries_hand_over(session, *merged, source);
   if (session.state.forced_node == merged) session.state.forced_node = source;
   node_free(session, merged);
-  candidate = candidate->next;
+  candidate = candidate_next(session, *candidate);
   return Status::ok;
 }
 

@@ -42,7 +42,7 @@ WordEntry* words_to_share(Session& session, Node* const* position, const char* n
   for (; position != nodes_end(session); ++position) {
     WordEntry* entries = (*position)->entries;
     if (entries == nullptr || entries->cw == nullptr) return nullptr;
-    const int order = std::strcmp(name, entries->cw);
+    const int order = names_compare(name, entries->cw);
     if (order == 0) return entries;
     if (order > 0) return nullptr;
   }

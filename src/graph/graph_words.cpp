@@ -96,11 +96,6 @@ bool row_insert(Session& session, GraphWord* row, const WordText& word, int scop
 
 }  // namespace
 
-bool sorts_before(const char* name, int number, const char* other_name, int other_number) {
-  const int order = std::strcmp(name, other_name);
-  return order != 0 ? order < 0 : number < other_number;
-}
-
 int graph_word_add(Session& session, char* text, int scope, std::span<const int> guesses) {
   const WordText word = split_word(text);
   GraphWord* first = session.sentence.graph_words.data();

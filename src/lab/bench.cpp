@@ -40,7 +40,7 @@ void Watchers::offered(Session& session, const Window& window, const RuleCandida
   for (Observer* each : observers_) each->offered(session, window, list);
 }
 
-void Watchers::offered_in_post_edit(Session& session, const Window& window, std::span<const std::int32_t> rules) {
+void Watchers::offered_in_post_edit(Session& session, const Window& window, std::span<const RuleBlock> rules) {
   count(session);
   for (Observer* each : observers_) each->offered_in_post_edit(session, window, rules);
 }

@@ -27,7 +27,7 @@ class Watchers final : public Observer {
   void generated(Session& session, core::Status status) override;
   void sentence_ends(Session& session, core::Status status) override;
   void offered(Session& session, const Window& window, const RuleCandidate* list) override;
-  void offered_in_post_edit(Session& session, const Window& window, std::span<const std::int32_t> rules) override;
+  void offered_in_post_edit(Session& session, const Window& window, std::span<const RuleBlock> rules) override;
   void tried(Session& session, const RuleCandidate& candidate, const Window& before, const Window& after,
              Fit fit) override;
   void applied(Session& session, const RuleCandidate& candidate, const Window& after) override;

@@ -19,6 +19,7 @@
 #include "lab/options.hpp"
 #include "lab/show.hpp"
 #include "lab/text_file.hpp"
+#include "rules/candidates.hpp"
 
 namespace lexon {
 inline namespace v1 {
@@ -153,15 +154,16 @@ void CoverageCounter::count_place(const Session& session, const Node* node, Plac
 void CoverageCounter::offered(Session& session, const Window& window, const RuleCandidate* list) {
   if (window.lnode == nullptr || window.rnode == nullptr) return;
   count_window(session, window);
-  for (const RuleCandidate& element : chain<&RuleCandidate::next>(list)) {
-    if (!is_post_edit_type(element.rule->type)) ++coverage_.rules[numbers_.find(element.rule)->second].offered;
-  }
+  for_each_rule_from(session, list, [&](const Rule& rule) {
+    if (!is_post_edit_type(rule.type)) ++coverage_.rules[numbers_.find(&rule)->second].offered;
+  });
 }
 
-void CoverageCounter::offered_in_post_edit(Session& session, const Window& window,
-                                           std::span<const std::int32_t> rules) {
+void CoverageCounter::offered_in_post_edit(Session& session, const Window& window, std::span<const RuleBlock> rules) {
   count_window(session, window);
-  for (const std::int32_t number : rules) ++coverage_.rules[static_cast<std::size_t>(number)].offered;
+  for (const RuleBlock& block : rules) {
+    for_each_rule(block, [&](std::int32_t number) { ++coverage_.rules[static_cast<std::size_t>(number)].offered; });
+  }
 }
 
 // Every window counts, in generation and in post-edit apart: rules of one see no places of the other.

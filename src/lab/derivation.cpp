@@ -134,7 +134,7 @@ void Derivation::offered(Session& session, const Window& window, const RuleCandi
   turn(session, window);
 }
 
-void Derivation::offered_in_post_edit(Session& session, const Window& window, std::span<const std::int32_t>) {
+void Derivation::offered_in_post_edit(Session& session, const Window& window, std::span<const RuleBlock>) {
   turn(session, window);
 }
 

@@ -86,7 +86,7 @@ class Derivation final : public Observer {
   void applied(Session& session, const RuleCandidate& candidate, const Window& after) override;
   void undone(Session& session, const RuleCandidate& candidate) override;
   void offered(Session& session, const Window& window, const RuleCandidate* list) override;
-  void offered_in_post_edit(Session& session, const Window& window, std::span<const std::int32_t> rules) override;
+  void offered_in_post_edit(Session& session, const Window& window, std::span<const RuleBlock> rules) override;
   void word_given_up(Session& session, const Node& node) override;
   void scope_entered(Session& session, const RuleCandidate& candidate, int scope) override;
   void scope_returned_into(Session& session, int scope) override;

@@ -48,7 +48,7 @@ class Costs final : public Observer {
     asking_ = nullptr;
     search_ += lap();
   }
-  void offered_in_post_edit(Session&, const Window&, std::span<const std::int32_t>) override {
+  void offered_in_post_edit(Session&, const Window&, std::span<const RuleBlock>) override {
     asking_ = nullptr;
     search_ += lap();
   }

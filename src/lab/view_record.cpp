@@ -421,7 +421,7 @@ void ViewRecord::offered(Session& session, const Window& window, const RuleCandi
   last_offered_ = list_of(session, window);
 }
 
-void ViewRecord::offered_in_post_edit(Session&, const Window&, std::span<const std::int32_t>) {
+void ViewRecord::offered_in_post_edit(Session&, const Window&, std::span<const RuleBlock>) {
   has_reason_ = false;
 }
 

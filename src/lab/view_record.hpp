@@ -62,7 +62,7 @@ class ViewRecord final : public Observer {
   void applied(Session& session, const RuleCandidate& candidate, const Window& after) override;
   void undone(Session& session, const RuleCandidate& candidate) override;
   void offered(Session& session, const Window& window, const RuleCandidate* list) override;
-  void offered_in_post_edit(Session& session, const Window& window, std::span<const std::int32_t> rules) override;
+  void offered_in_post_edit(Session& session, const Window& window, std::span<const RuleBlock> rules) override;
 
  private:
   enum class Kind : std::uint8_t { rule, narrowed, asked, dead_end };

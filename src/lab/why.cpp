@@ -11,6 +11,7 @@
 #include "lab/commands.hpp"
 #include "lab/options.hpp"
 #include "lab/show.hpp"
+#include "rules/candidates.hpp"
 
 namespace lexon {
 inline namespace v1 {
@@ -24,13 +25,6 @@ constexpr std::size_t kMostShown = 12;       // the nearest of them
 // How many of them are about this part of the rule.
 std::int64_t misses_of_side(const std::vector<Miss>& misses, RulePart part) {
   return std::count_if(misses.begin(), misses.end(), [part](const Miss& miss) { return miss.part == part; });
-}
-
-bool is_in(const RuleCandidate* list, const Rule& rule) {
-  for (const RuleCandidate& element : chain<&RuleCandidate::next>(list)) {
-    if (element.rule == &rule) return true;
-  }
-  return false;
 }
 
 }  // namespace
@@ -70,16 +64,22 @@ void RuleWatch::offered(Session& session, const Window& window, const RuleCandid
   waits_ = false;
   // At the end of a list rules are asked for, and never tried.
   if (window.lnode == nullptr || window.rnode == nullptr) return;
-  if (!is_post_edit_type(rule_.type)) look(session, window, is_in(list, rule_));
+  if (is_post_edit_type(rule_.type)) return;
+  bool is_offered = false;
+  for_each_rule_from(session, list, [&](const Rule& rule) { is_offered = is_offered || &rule == &rule_; });
+  look(session, window, is_offered);
 }
 
-void RuleWatch::offered_in_post_edit(Session& session, const Window& window, std::span<const std::int32_t> rules) {
+void RuleWatch::offered_in_post_edit(Session& session, const Window& window, std::span<const RuleBlock> rules) {
   waits_ = false;
   if (!is_post_edit_type(rule_.type)) return;
-  const auto is_this = [&](std::int32_t number) {
-    return session.grammar->index.search.rules[static_cast<std::size_t>(number)] == &rule_;
-  };
-  look(session, window, std::any_of(rules.begin(), rules.end(), is_this));
+  bool is_offered = false;
+  for (const RuleBlock& block : rules) {
+    for_each_rule(block, [&](std::int32_t number) {
+      is_offered = is_offered || session.grammar->index.search.rules[static_cast<std::size_t>(number)] == &rule_;
+    });
+  }
+  look(session, window, is_offered);
 }
 
 // A window where rules were asked for. If the index has the rule, the answer comes when the rule is tried, or when another

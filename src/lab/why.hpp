@@ -43,7 +43,7 @@ class RuleWatch final : public Observer {
   void sentence_begins(Session& session) override;
   void generated(Session& session, core::Status status) override;
   void offered(Session& session, const Window& window, const RuleCandidate* list) override;
-  void offered_in_post_edit(Session& session, const Window& window, std::span<const std::int32_t> rules) override;
+  void offered_in_post_edit(Session& session, const Window& window, std::span<const RuleBlock> rules) override;
   void tried(Session& session, const RuleCandidate& candidate, const Window& before, const Window& after,
              Fit fit) override;
 

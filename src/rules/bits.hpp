@@ -6,6 +6,8 @@
 #include <cstdint>
 #include <cstring>
 
+#include "data/records.hpp"
+
 namespace lexon {
 
 inline constexpr std::size_t kWordBytes = sizeof(std::uint64_t);
@@ -38,6 +40,19 @@ inline void bit_clear(std::uint8_t* vector, std::size_t i) {
 
 [[nodiscard]] constexpr std::size_t words_for(std::size_t bits) {
   return (bits + kWordBits - 1) / kWordBits;
+}
+
+// The number of the first rule that the block names, which it names no longer. It must name one.
+[[nodiscard]] inline std::int32_t rule_take(RuleBlock& block) {
+  const int place = std::countl_zero(block.rules);
+  block.rules ^= word_bit(static_cast<std::size_t>(place));
+  return block.block * static_cast<std::int32_t>(kWordBits) + place;
+}
+
+// Calls `visit` with the number of each rule that the block names, in order.
+template <typename Visit>
+void for_each_rule(RuleBlock block, Visit visit) {
+  while (block.rules != 0) visit(rule_take(block));
 }
 
 // Calls `visit` with the number of each set bit of `word`, whose top bit has the number `first`, in rising order.

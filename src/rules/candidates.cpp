@@ -7,22 +7,20 @@
 //
 // What a side has follows from the attribute texts of its node, and the same texts come back in window after window. So
 // what was found is remembered by the texts, and the rules of two sides by the pair.
+#include "rules/candidates.hpp"
+
 #include <algorithm>
 #include <array>
+#include <bit>
 #include <cstring>
-#include <iterator>
+#include <limits>
 #include <new>
-#include <numeric>
 #include <optional>
-#include <span>
 #include <string_view>
-#include <tuple>
 #include <utility>
 
 #include "data/nodes.hpp"
-#include "data/session.hpp"
 #include "data/side.hpp"
-#include "rules/grammar.hpp"
 #include "rules/rule_search.hpp"
 
 namespace lexon {
@@ -39,6 +37,9 @@ struct WindowSide {
 };
 
 using Numbers = std::span<const std::int32_t>;
+using Blocks = std::span<const RuleBlock>;
+using Passing = SearchScratch::Passing;
+using Uncertain = SearchScratch::Uncertain;
 
 // What is known of a side: an answer, that all rules pass there (no node stands there), or that none does (a fresh
 // node without words).
@@ -46,7 +47,7 @@ enum class Verdict : std::uint8_t { answer, all, none };
 
 struct Answer {
   Verdict verdict;
-  Numbers satisfied;  // the rules that the side watches and lets through, and such easy ones, in order
+  Blocks satisfied;   // the rules that the side watches and lets through, and such easy ones
   Numbers words;      // what each word has, see `word_note`
   std::int32_t name;  // what it goes by in a pair
 };
@@ -215,6 +216,23 @@ const WordEntry* first_word(const WindowSide& side) {
   return side.entry == nullptr ? side.node->candidates : side.entry->candidates;
 }
 
+// Puts what the words let through in blocks, and the easy rules among it. Several words may let the same rule through.
+void satisfied_join(SearchScratch::Side& scratch, Blocks easy) {
+  std::vector<RuleBlock>& blocks = scratch.satisfied;
+  blocks.clear();
+  const auto append = [&](RuleBlock more) {
+    if (blocks.empty() || blocks.back().block != more.block) return blocks.push_back(more);
+    blocks.back().rules |= more.rules;
+  };
+  std::ranges::sort(scratch.let);
+  for (const std::int32_t rule : scratch.let) {
+    const std::int32_t block = rule / static_cast<std::int32_t>(kWordBits);
+    for (; !easy.empty() && easy.front().block <= block; easy = easy.subspan(1)) append(easy.front());
+    append({block, word_bit(static_cast<std::size_t>(rule))});
+  }
+  for (const RuleBlock& more : easy) append(more);
+}
+
 // Leaves in `satisfied` and `words` what the side comes to. False if the search has to be given up.
 bool side_search(const Session& session, const WindowSide& side) {
   SearchScratch::Side& scratch = side.scratch;
@@ -236,13 +254,8 @@ bool side_search(const Session& session, const WindowSide& side) {
     if (word != nullptr) word = settled ? nullptr : word->next;
   } while (word != nullptr && !is_given_up);
   present_cut_to(scratch, 0);
-  // Several words may let the same rule through.
-  std::ranges::sort(scratch.let);
-  scratch.let.erase(std::unique(scratch.let.begin(), scratch.let.end()), scratch.let.end());
-  scratch.satisfied.clear();
   // Easy rules that ask nothing here pass whatever the words are.
-  const Numbers easy = side.index.sides_know_easy() ? Numbers(side.search.easy_always) : Numbers{};
-  std::ranges::set_union(scratch.let, easy, std::back_inserter(scratch.satisfied));
+  satisfied_join(scratch, side.index.sides_know_easy() ? Blocks(side.search.easy_always) : Blocks{});
   return !is_given_up;
 }
 
@@ -269,8 +282,8 @@ std::string_view key_take(const WindowSide& side) {
     room -= size;
   };
   const bool settled = is_settled(side);
-  text_take(settled ? "s" : "o");
-  text_take(side.entry == nullptr ? nullptr : "e");
+  *to++ = static_cast<char>('0' + (settled ? 1 : 0) + (side.entry == nullptr ? 0 : 2));
+  --room;
   text_take(head_text(*side.node));
   if (side.entry != nullptr) {
     text_take(head_text(*side.entry));
@@ -285,26 +298,30 @@ std::string_view key_take(const WindowSide& side) {
 
 Answer known_answer(const SearchScratch::Side& scratch, std::int32_t number) {
   const SearchScratch::Side::Known& known = scratch.answers[static_cast<std::size_t>(number)];
-  const Numbers numbers = Numbers(scratch.numbers).subspan(known.begin, known.satisfied + known.words);
-  return {Verdict::answer, numbers.first(known.satisfied), numbers.last(known.words), number + kFirstKnown};
+  return {Verdict::answer, Blocks(scratch.blocks).subspan(known.first_block, known.satisfied),
+          Numbers(scratch.numbers).subspan(known.first_number, known.words), number + kFirstKnown};
+}
+
+// Is there room for so much more without an allocation?
+template <typename Item>
+bool has_room(const std::vector<Item>& items, std::size_t more) {
+  return items.capacity() - items.size() >= more;
 }
 
 // Remembers what stands in the scratch. Without room the next search begins by forgetting all.
 Answer answer_remember(SearchScratch& search, SearchScratch::Side& scratch, std::string_view key) {
   const Answer answer{Verdict::answer, scratch.satisfied, scratch.words, kNameless};
   if (key.empty()) return answer;
-  const std::size_t size = answer.satisfied.size() + answer.words.size();
   // Beyond the room that was taken at first nothing grows: answers in use point into it.
-  const bool has_room = scratch.numbers.capacity() - scratch.numbers.size() >= size;
-  const std::int32_t number = has_room ? scratch.known.add(key) : -1;
+  const bool fits = has_room(scratch.blocks, answer.satisfied.size()) && has_room(scratch.numbers, answer.words.size());
+  const std::int32_t number = fits ? scratch.known.add(key) : -1;
   search.is_full = search.is_full || number < 0;
   if (number < 0) return answer;
-  scratch.answers.push_back({static_cast<std::uint32_t>(scratch.numbers.size()),
-                             static_cast<std::uint32_t>(answer.satisfied.size()),
-                             static_cast<std::uint32_t>(answer.words.size())});
-  for (const Numbers numbers : {answer.satisfied, answer.words}) {
-    scratch.numbers.insert(scratch.numbers.end(), numbers.begin(), numbers.end());
-  }
+  scratch.answers.push_back(
+      {static_cast<std::uint32_t>(scratch.blocks.size()), static_cast<std::uint32_t>(answer.satisfied.size()),
+       static_cast<std::uint32_t>(scratch.numbers.size()), static_cast<std::uint32_t>(answer.words.size())});
+  scratch.blocks.insert(scratch.blocks.end(), answer.satisfied.begin(), answer.satisfied.end());
+  scratch.numbers.insert(scratch.numbers.end(), answer.words.begin(), answer.words.end());
   return known_answer(scratch, number);
 }
 
@@ -349,6 +366,7 @@ void search_forget(SearchScratch& scratch) {
     side->striking.clear();
     side->known.clear();
     side->answers.clear();
+    side->blocks.clear();
     side->numbers.clear();
   }
   pairs_forget(scratch);
@@ -358,33 +376,13 @@ void search_forget(SearchScratch& scratch) {
 // The rules that are asked for.
 enum class Wanted : std::int32_t { all, post_edit };
 
-// Does a rule pass that passes these sides? What an inserted pattern asks for is not held against the window: it speaks of a
-// word that is not there yet.
-bool passes(bool passes_left, bool passes_right, RuleTraits traits) {
-  return (passes_left && passes_right) || (passes_left && traits.right_inserted) ||
-         (passes_right && traits.left_inserted);
+// Of the rules of a block: those that pass, if these pass the sides. What an inserted pattern asks for is not held against
+// the window: it speaks of a word that is not there yet.
+std::uint64_t passing(std::uint64_t left, std::uint64_t right, const BlockTraits& traits) {
+  return (left & right) | (left & traits.right_inserted) | (right & traits.left_inserted);
 }
 
-// Leaves in `asked` the rules that may pass, where an answer does not know the easy ones or is none. Where all rules pass on
-// a side, what is watched there tells nothing.
-void rules_ask(const RuleSearch& index, const Answer& left, const Answer& right, SearchScratch& scratch) {
-  std::vector<std::int32_t>& asked = scratch.asked;
-  asked.clear();
-  if (left.verdict == Verdict::all || right.verdict == Verdict::all) {
-    asked.resize(index.rules.size());
-    std::iota(asked.begin(), asked.end(), 0);
-  } else {
-    const Numbers easy = index.sides_know_easy() ? Numbers{} : Numbers(index.easy);
-    scratch.merged.clear();
-    std::ranges::set_union(left.satisfied, right.satisfied, std::back_inserter(scratch.merged));
-    std::ranges::set_union(easy, scratch.merged, std::back_inserter(asked));
-  }
-}
-
-// What is known of a rule on one side before it is held against the words there.
-enum class Passing : std::uint8_t { no, yes, open };
-
-// Walks through an answer beside rules in rising order.
+// Tells block by block, in rising order, what is known on one side before rules are held against the words there.
 class Told {
  public:
   Told(const RuleSearch& index, Side side, const Answer& answer)
@@ -393,129 +391,104 @@ class Told {
         verdict_(answer.verdict),
         satisfied_(answer.satisfied) {}
 
-  // The answer names those that the side lets through of the rules that this side watches, and easy ones if it knows them;
-  // rules of the other side are open.
-  Passing of(std::int32_t rule, RuleTraits traits) {
-    if (verdict_ != Verdict::answer) return verdict_ == Verdict::all ? Passing::yes : Passing::no;
-    while (!satisfied_.empty() && satisfied_.front() < rule) satisfied_ = satisfied_.subspan(1);
-    if (!satisfied_.empty() && satisfied_.front() == rule) return Passing::yes;
-    const bool watches = is_left_ ? traits.left_watches : traits.right_watches;
-    const bool is_easy = !traits.left_watches && !traits.right_watches;
-    return watches || (is_easy && knows_easy_) ? Passing::no : Passing::open;
+  struct Rules {
+    std::uint64_t yes;
+    std::uint64_t open;
+  };
+  // An answer names what the side lets through of the rules that this side watches, and of easy ones if it knows them; rules
+  // of the other side are open.
+  Rules of(std::int32_t block, const BlockTraits& traits) {
+    if (verdict_ != Verdict::answer) return {verdict_ == Verdict::all ? traits.all : 0, 0};
+    std::uint64_t yes = 0;
+    if (next() == block) {
+      yes = satisfied_.front().rules;
+      satisfied_ = satisfied_.subspan(1);
+    }
+    const std::uint64_t told = is_left_ ? traits.left_watches : traits.right_watches;
+    const std::uint64_t others = is_left_ ? traits.right_watches : traits.left_watches;
+    return {yes, (knows_easy_ ? others : traits.all & ~told) & ~yes};
   }
+
+  // The next block of which the answer names a rule.
+  [[nodiscard]] std::int32_t next() const { return satisfied_.empty() ? kNoBlock : satisfied_.front().block; }
+  static constexpr std::int32_t kNoBlock = std::numeric_limits<std::int32_t>::max();
 
  private:
   bool is_left_;
   bool knows_easy_;
   Verdict verdict_;
-  Numbers satisfied_;
+  Blocks satisfied_;
 };
 
-// Holds the open rules of a side, which are places in `asked`, against each of its words. The `passing` of those that one
-// lets through becomes 1.
-void open_test(const SideSearch& search, Numbers asked, const Answer& answer, SearchScratch::Side& scratch) {
-  for (Numbers words = answer.words; !words.empty() && !scratch.open.empty();) {
+// Holds rules that are open on a side against each of its words.
+void open_test(const SideSearch& search, const Answer& answer, SearchScratch::Side& scratch, std::span<Uncertain> rules,
+               Passing Uncertain::*side) {
+  if (std::ranges::none_of(rules, [side](const Uncertain& rule) { return rule.*side == Passing::open; })) return;
+  for (Numbers words = answer.words; !words.empty();) {
     const auto present = words.subspan(2, static_cast<std::size_t>(words[0]));
     const auto striking = words.subspan(2 + present.size(), static_cast<std::size_t>(words[1]));
     words = words.subspan(2 + present.size() + striking.size());
     for (const std::int32_t row : present) scratch.is_present[static_cast<std::size_t>(row)] = 1;
     for (const std::int32_t row : striking) scratch.is_striking[static_cast<std::size_t>(row)] = 1;
-    for (const std::int32_t at : scratch.open) {
-      const auto i = static_cast<std::size_t>(at);
-      if (scratch.passing[i] == 0 && lets_through(search, scratch, static_cast<std::size_t>(asked[i])))
-        scratch.passing[i] = 1;
+    for (Uncertain& rule : rules) {
+      if (rule.*side == Passing::open && lets_through(search, scratch, static_cast<std::size_t>(rule.rule)))
+        rule.*side = Passing::yes;
     }
     for (const std::int32_t row : present) scratch.is_present[static_cast<std::size_t>(row)] = 0;
     for (const std::int32_t row : striking) scratch.is_striking[static_cast<std::size_t>(row)] = 0;
   }
 }
 
-// Leaves in `fresh` the rules that pass the window, by what is told of each on both sides.
+// Leaves in `fresh` the rules that pass the window. Most are told by the answers of the sides, 64 at a time; the few of which
+// the answers tell too little are held against the words.
 void passing_find(const RuleSearch& index, const Answer& left, const Answer& right, Wanted kind,
                   SearchScratch& scratch) {
-  rules_ask(index, left, right, scratch);
-  for (SearchScratch::Side* side : {&scratch.left, &scratch.right}) {
-    side->passing.clear();
-    side->open.clear();
-  }
-  // Rules that fail whatever the words say drop out of `asked`.
+  scratch.fresh.clear();
+  scratch.uncertain.clear();
   Told told_left(index, Side::left, left);
   Told told_right(index, Side::right, right);
-  std::size_t kept = 0;
-  for (const std::int32_t rule : scratch.asked) {
-    const RuleTraits traits = index.traits[static_cast<std::size_t>(rule)];
-    if (kind == Wanted::post_edit && !traits.is_post_edit) continue;
-    const Passing on_left = told_left.of(rule, traits);
-    const Passing on_right = told_right.of(rule, traits);
-    if (!passes(on_left != Passing::no, on_right != Passing::no, traits)) continue;
-    // Open rules are held against the words in one go, word by word: marking the rows of a word is what costs.
-    if (on_left == Passing::open) scratch.left.open.push_back(static_cast<std::int32_t>(kept));
-    if (on_right == Passing::open) scratch.right.open.push_back(static_cast<std::int32_t>(kept));
-    scratch.left.passing.push_back(on_left == Passing::yes ? 1 : 0);
-    scratch.right.passing.push_back(on_right == Passing::yes ? 1 : 0);
-    scratch.asked[kept++] = rule;
+  // Where all rules pass on a side, what is watched there tells nothing, and all blocks are looked at.
+  const bool asks_all = left.verdict == Verdict::all || right.verdict == Verdict::all;
+  Blocks easy = index.sides_know_easy() ? Blocks{} : Blocks(index.easy);
+  const auto block_count = static_cast<std::int32_t>(index.traits.size());
+  for (std::int32_t last = -1;;) {
+    while (!easy.empty() && easy.front().block <= last) easy = easy.subspan(1);
+    const std::int32_t named =
+        std::min({told_left.next(), told_right.next(), easy.empty() ? Told::kNoBlock : easy.front().block});
+    const std::int32_t block = asks_all ? last + 1 : named;
+    if (block >= block_count) break;
+    last = block;
+    const BlockTraits& traits = index.traits[static_cast<std::size_t>(block)];
+    const Told::Rules on_left = told_left.of(block, traits);
+    const Told::Rules on_right = told_right.of(block, traits);
+    const std::uint64_t wanted = kind == Wanted::all ? traits.all : traits.post_edit;
+    const std::uint64_t sure = passing(on_left.yes, on_right.yes, traits) & wanted;
+    const std::uint64_t possible = passing(on_left.yes | on_left.open, on_right.yes | on_right.open, traits) & wanted;
+    if (possible == 0) continue;
+    for_each_rule({block, possible & ~sure}, [&](std::int32_t rule) {
+      const auto told = [bit = word_bit(static_cast<std::size_t>(rule))](const Told::Rules& rules) {
+        if ((rules.yes & bit) != 0) return Passing::yes;
+        return (rules.open & bit) != 0 ? Passing::open : Passing::no;
+      };
+      scratch.uncertain.push_back(
+          {rule, static_cast<std::uint32_t>(scratch.fresh.size()), told(on_left), told(on_right)});
+    });
+    scratch.fresh.push_back({block, sure});
   }
-  const Numbers asked = Numbers(scratch.asked).first(kept);
-  open_test(index.left, asked, left, scratch.left);
-  open_test(index.right, asked, right, scratch.right);
-  scratch.fresh.clear();
-  for (std::size_t i = 0; i < asked.size(); ++i) {
-    const RuleTraits traits = index.traits[static_cast<std::size_t>(asked[i])];
-    if (passes(scratch.left.passing[i] != 0, scratch.right.passing[i] != 0, traits)) scratch.fresh.push_back(asked[i]);
+  if (scratch.uncertain.empty()) return;
+  open_test(index.left, left, scratch.left, scratch.uncertain, &Uncertain::left);
+  open_test(index.right, right, scratch.right, scratch.uncertain, &Uncertain::right);
+  for (const Uncertain& rule : scratch.uncertain) {
+    RuleBlock& block = scratch.fresh[rule.at];
+    const std::uint64_t bit = word_bit(static_cast<std::size_t>(rule.rule));
+    const auto told = [bit](Passing side) { return side == Passing::yes ? bit : 0; };
+    block.rules |= passing(told(rule.left), told(rule.right), index.traits[static_cast<std::size_t>(block.block)]);
   }
+  std::erase_if(scratch.fresh, [](const RuleBlock& block) { return block.rules == 0; });
 }
 
-// The same for two answers that know the easy rules, which is the usual case: one walk through both. A rule that both name
-// is easy and passes. One that a single side names passes, unless the other side's pattern is held against the window; and
-// then an easy rule fails, and one that is watched is open on the other side.
-void passing_merge(const RuleSearch& index, const Answer& left, const Answer& right, Wanted kind,
-                   SearchScratch& scratch) {
-  std::vector<std::int32_t>& fresh = scratch.fresh;
-  fresh.clear();
-  for (SearchScratch::Side* side : {&scratch.left, &scratch.right}) side->open.clear();
-  const auto traits_of = [&](std::int32_t rule) { return index.traits[static_cast<std::size_t>(rule)]; };
-  const auto is_wanted = [&](RuleTraits traits) { return kind == Wanted::all || traits.is_post_edit; };
-  const auto single_take = [&](std::int32_t rule, SearchScratch::Side& other, bool is_other_inserted, bool is_watched) {
-    if (!is_other_inserted && !is_watched) return;
-    if (!is_other_inserted) other.open.push_back(static_cast<std::int32_t>(fresh.size()));
-    fresh.push_back(rule);
-  };
-  auto at_left = left.satisfied.begin();
-  auto at_right = right.satisfied.begin();
-  while (at_left != left.satisfied.end() || at_right != right.satisfied.end()) {
-    const bool has_left =
-        at_right == right.satisfied.end() || (at_left != left.satisfied.end() && *at_left <= *at_right);
-    const bool has_right =
-        at_left == left.satisfied.end() || (at_right != right.satisfied.end() && *at_right <= *at_left);
-    const std::int32_t rule = has_left ? *at_left : *at_right;
-    at_left += has_left ? 1 : 0;
-    at_right += has_right ? 1 : 0;
-    const RuleTraits traits = traits_of(rule);
-    if (!is_wanted(traits)) continue;
-    if (has_left && has_right) {
-      fresh.push_back(rule);
-    } else if (has_left) {
-      single_take(rule, scratch.right, traits.right_inserted, traits.left_watches);
-    } else {
-      single_take(rule, scratch.left, traits.left_inserted, traits.right_watches);
-    }
-  }
-  // Open rules that no word of the side lets through drop out.
-  constexpr std::int32_t kFails = -1;
-  for (const auto& [search, answer, side] :
-       {std::tuple(&index.left, &left, &scratch.left), std::tuple(&index.right, &right, &scratch.right)}) {
-    if (side->open.empty()) continue;
-    side->passing.assign(fresh.size(), 0);
-    open_test(*search, fresh, *answer, *side);
-    for (const std::int32_t at : side->open) {
-      if (side->passing[static_cast<std::size_t>(at)] == 0) fresh[static_cast<std::size_t>(at)] = kFails;
-    }
-  }
-  if (!scratch.left.open.empty() || !scratch.right.open.empty()) std::erase(fresh, kFails);
-}
-
-// The numbers of the rules that pass both sides; they stand until the next search.
-Numbers passing_rules(Session& session, const Answer& left, const Answer& right, Wanted kind) {
+// The rules that pass both sides; they stand until the next search.
+Blocks passing_rules(Session& session, const Answer& left, const Answer& right, Wanted kind) {
   SearchScratch& scratch = session.search;
   const std::array<std::int32_t, 3> pair = {left.name, right.name, static_cast<std::int32_t>(kind)};
   const std::string_view key(reinterpret_cast<const char*>(pair.data()), sizeof(pair));
@@ -525,15 +498,12 @@ Numbers passing_rules(Session& session, const Answer& left, const Answer& right,
   const std::int32_t number = has_names ? number_find(scratch.known_pairs, key, scratch.latest[place]) : -1;
   if (number >= 0) {
     const SearchScratch::Found& found = scratch.found[static_cast<std::size_t>(number)];
-    return Numbers(scratch.rules).subspan(found.begin, found.count);
+    return Blocks(scratch.rules).subspan(found.begin, found.count);
   }
-  const RuleSearch& index = session.grammar->index.search;
-  const bool is_usual = left.verdict == Verdict::answer && right.verdict == Verdict::answer && index.sides_know_easy();
-  is_usual ? passing_merge(index, left, right, kind, scratch) : passing_find(index, left, right, kind, scratch);
-  const auto has_room = [&] { return scratch.rules.capacity() - scratch.rules.size() >= scratch.fresh.size(); };
+  passing_find(session.grammar->index.search, left, right, kind, scratch);
   if (!has_names) return scratch.fresh;
-  if (!has_room()) pairs_forget(scratch);
-  if (has_room() && scratch.known_pairs.add(key) >= 0) {
+  if (!has_room(scratch.rules, scratch.fresh.size())) pairs_forget(scratch);
+  if (has_room(scratch.rules, scratch.fresh.size()) && scratch.known_pairs.add(key) >= 0) {
     scratch.found.push_back(
         {static_cast<std::uint32_t>(scratch.rules.size()), static_cast<std::uint32_t>(scratch.fresh.size())});
     scratch.rules.insert(scratch.rules.end(), scratch.fresh.begin(), scratch.fresh.end());
@@ -544,7 +514,7 @@ Numbers passing_rules(Session& session, const Answer& left, const Answer& right,
 }
 
 // wanted: both sides are seen through before either is searched, so that an entry missing on one side means no rules.
-Numbers search(Session& session, Node* lnode, Node* rnode, Wanted kind) {
+Blocks search(Session& session, Node* lnode, Node* rnode, Wanted kind) {
   const RuleSearch& index = session.grammar->index.search;
   if ((lnode == nullptr && rnode == nullptr) || index.rules.empty()) return {};
   WindowSide left{index, index.left, session.search.left, lnode};
@@ -554,26 +524,66 @@ Numbers search(Session& session, Node* lnode, Node* rnode, Wanted kind) {
   try {
     const std::optional<Answer> left_answer = side_answer(session, left);
     const std::optional<Answer> right_answer = left_answer ? side_answer(session, right) : std::nullopt;
-    return right_answer ? passing_rules(session, *left_answer, *right_answer, kind) : Numbers{};
+    return right_answer ? passing_rules(session, *left_answer, *right_answer, kind) : Blocks{};
   } catch (const std::bad_alloc&) {
     session.search.is_full = true;  // the sentence is lost, and the next one begins with nothing half done
     throw;
   }
 }
 
+// The first rule of the list that has no element yet, which it names no longer; null if each has one.
+const Rule* list_take(const Session& session, CandidateList& list) {
+  if (list.at == list.blocks) return nullptr;
+  RuleBlock& block = blocks_of(list)[list.at];
+  const std::int32_t number = rule_take(block);
+  if (block.rules == 0) ++list.at;
+  return session.grammar->index.search.rules[static_cast<std::size_t>(number)];
+}
+
 }  // namespace
 
 RuleCandidate* rule_candidates(Session& session, Node* lnode, Node* rnode) {
-  const Numbers rules = search(session, lnode, rnode, Wanted::all);
-  RuleCandidate* head = rules.empty() ? nullptr : candidates_new(session, rules.size());
-  RuleCandidate* element = head;
-  for (std::size_t i = 0; element != nullptr; ++i, element = element->next) {
-    element->rule = session.grammar->index.search.rules[static_cast<std::size_t>(rules[i])];
-  }
-  return head;
+  const Blocks rules = search(session, lnode, rnode, Wanted::all);
+  if (rules.empty()) return nullptr;
+  RuleCandidate* element = candidates_new(session, nullptr, rules);
+  if (element != nullptr) element->rule = list_take(session, *element->list);
+  return element;
 }
 
-std::span<const std::int32_t> post_edit_rules(Session& session, Node* lnode, Node* rnode) {
+RuleCandidate* candidate_next(Session& session, RuleCandidate& element) {
+  if (element.next != nullptr) return element.next;
+  const Rule* rule = list_take(session, *element.list);
+  return rule == nullptr ? nullptr : candidate_append(session, element, rule);
+}
+
+RuleCandidate* candidate_pass(Session& session, RuleCandidate& element) {
+  CandidateList& list = *element.list;
+  if (element.next != nullptr || list.records != 0) {
+    RuleCandidate* next = candidate_next(session, element);
+    candidate_passed_over(session, &element);
+    return next;
+  }
+  // Nobody can come back to the element, so it serves for the next rule. Rules of post-edit would be passed over as well, but
+  // not those behind the next rule: backtracking may come to them.
+  const std::vector<BlockTraits>& traits = session.grammar->index.search.traits;
+  for (; list.at < list.blocks; ++list.at) {
+    RuleBlock& block = blocks_of(list)[list.at];
+    const std::uint64_t others = block.rules & ~traits[static_cast<std::size_t>(block.block)].post_edit;
+    if (others == 0) continue;
+    block.rules &= ~std::uint64_t{0} >> std::countl_zero(others);
+    break;
+  }
+  const Rule* rule = list_take(session, list);
+  if (rule == nullptr) {
+    candidate_passed_over(session, &element);
+    return nullptr;
+  }
+  element.rule = rule;
+  element.lnode = element.rnode = nullptr;
+  return &element;
+}
+
+std::span<const RuleBlock> post_edit_rules(Session& session, Node* lnode, Node* rnode) {
   return search(session, lnode, rnode, Wanted::post_edit);
 }
 

@@ -9,9 +9,10 @@ namespace {
 // Room for answers and for pairs of them. Memory that is not needed is not touched.
 constexpr std::size_t kMostAnswers = std::size_t{1} << 15;
 constexpr std::size_t kKeyBytes = std::size_t{1} << 21;
-constexpr std::size_t kAnswerRules = std::size_t{1} << 19;
+constexpr std::size_t kAnswerBlocks = std::size_t{1} << 17;
+constexpr std::size_t kAnswerNumbers = std::size_t{1} << 18;
 constexpr std::size_t kMostPairs = 8192;
-constexpr std::size_t kPairRules = std::size_t{1} << 18;
+constexpr std::size_t kPairBlocks = std::size_t{1} << 16;
 
 // Room for what is remembered is taken here once and never grows: answers are handed on as spans of it.
 void fit(SearchScratch::Side& scratch, const SideSearch& side) {
@@ -24,8 +25,10 @@ void fit(SearchScratch::Side& scratch, const SideSearch& side) {
   scratch.known.fit(kMostAnswers, kKeyBytes);
   scratch.answers.clear();
   scratch.answers.reserve(kMostAnswers);
+  scratch.blocks.clear();
+  scratch.blocks.reserve(kAnswerBlocks);
   scratch.numbers.clear();
-  scratch.numbers.reserve(kAnswerRules);
+  scratch.numbers.reserve(kAnswerNumbers);
 }
 
 }  // namespace
@@ -43,7 +46,7 @@ void session_use(Session& session, const Grammar& grammar) {
   scratch.found.clear();
   scratch.found.reserve(kMostPairs);
   scratch.rules.clear();
-  scratch.rules.reserve(kPairRules);
+  scratch.rules.reserve(kPairBlocks);
   scratch.is_full = false;
   session.label.reserve(kLineSize);  // a growth that fails in the middle of reading would make two sentences of one
 }

@@ -41,16 +41,6 @@ struct RuleIndex;  // rules/rule_search.hpp
 // Releases all that the index holds, and zeroes it. The rules stay.
 void rule_matrix_clear(RuleIndex& index);
 
-// The rules that the attributes of the window allow, in rule order, as a new list from the sentence's pool. Either
-// node may be null. A reference to a scope that is not built is seen through to the scope's entry node, whose blocks
-// are turned to the scope. Null when none fits, when an entry node is missing or not to be reached, and when memory is
-// exhausted.
-[[nodiscard]] RuleCandidate* rule_candidates(Session& session, Node* lnode, Node* rnode);
-
-// The rules of post-edit that the attributes of the window allow, as numbers in the list of the index; they stand until
-// the session searches again.
-[[nodiscard]] std::span<const std::int32_t> post_edit_rules(Session& session, Node* lnode, Node* rnode);
-
 // Binary search in `count` names in ascending byte order; the row, or -1.
 [[nodiscard]] std::int32_t attr_table_find(const char* name, char* const* table, std::int32_t count);
 

@@ -8,6 +8,7 @@
 #include <utility>
 
 #include "data/chain.hpp"
+#include "rules/bits.hpp"
 
 namespace lexon {
 
@@ -69,9 +70,8 @@ void watchers_set(SideSearch& side, const std::vector<std::int32_t>& watchers) {
   }
 }
 
-// See `RuleTraits::shifted_end`.
-char shifted_end(const Rule& rule) {
-  if (rule.type != rule_type::shift_left && rule.type != rule_type::shift_right) return '\0';
+ShiftedEnd shifted_end(const Rule& rule) {
+  if (rule.type != rule_type::shift_left && rule.type != rule_type::shift_right) return {false, '\0'};
   const bool to_left = rule.type == rule_type::shift_left;
   const NodePattern& own = to_left ? *rule.lnode : *rule.rnode;
   const NodePattern& shifted = to_left ? *rule.rnode : *rule.lnode;
@@ -79,8 +79,15 @@ char shifted_end(const Rule& rule) {
   const bool is_plain = rule.mid == nullptr && (to_left ? rule.suf : rule.pre) == nullptr && own.inserted != 0 &&
                         shifted.inserted == 0 && own.hw_conds != nullptr;
   const std::string_view text = is_plain ? own.hw_conds->text : "";
-  if (text.empty()) return '\0';
-  return to_left ? text.front() : text.back();
+  if (text.empty()) return {to_left, '\0'};
+  return {to_left, to_left ? text.front() : text.back()};
+}
+
+// Names another rule, behind all that are named already.
+void rule_append(std::vector<RuleBlock>& blocks, std::size_t rule) {
+  const auto block = static_cast<std::int32_t>(rule / kWordBits);
+  if (blocks.empty() || blocks.back().block != block) blocks.push_back({block, 0});
+  blocks.back().rules |= word_bit(rule);
 }
 
 }  // namespace
@@ -116,14 +123,19 @@ void rules_prepare(RuleIndex& index) {
   RuleSearch& search = index.search;
   const std::size_t count = to_size(index.matrix.rule_count);
   search.rules.reserve(count);
-  search.traits.reserve(count);
+  search.shifted_ends.reserve(count);
+  search.traits.resize(words_for(count));
   for (Rule& rule : chain<&Rule::next>(index.matrix.rules)) {
-    rule.number = static_cast<std::int32_t>(search.rules.size());
+    const std::size_t number = search.rules.size();
+    rule.number = static_cast<std::int32_t>(number);
     search.rules.push_back(&rule);
-    const bool left_inserted = rule.lnode->inserted != 0;
-    const bool right_inserted = rule.rnode->inserted != 0;
-    search.traits.push_back({left_inserted, right_inserted, is_post_edit_type(rule.type),
-                             rule.type == rule_type::shift_left, false, false, shifted_end(rule)});
+    search.shifted_ends.push_back(shifted_end(rule));
+    BlockTraits& traits = search.traits[number / kWordBits];
+    const std::uint64_t bit = word_bit(number);
+    traits.all |= bit;
+    if (rule.lnode->inserted != 0) traits.left_inserted |= bit;
+    if (rule.rnode->inserted != 0) traits.right_inserted |= bit;
+    if (is_post_edit_type(rule.type)) traits.post_edit |= bit;
   }
 }
 
@@ -135,24 +147,32 @@ void watch_prepare(RuleSearch& search) {
   std::vector<std::int32_t> left(search.rules.size(), -1);
   std::vector<std::int32_t> right(search.rules.size(), -1);
   for (std::size_t rule = 0; rule < search.rules.size(); ++rule) {
-    const RuleTraits traits = search.traits[rule];
+    BlockTraits& traits = search.traits[rule / kWordBits];
+    const std::uint64_t bit = word_bit(rule);
     // What an inserted pattern requires need not be there.
-    const std::int32_t left_row = traits.left_inserted ? -1 : rarest_row(search.left, left_users, rule);
-    const std::int32_t right_row = traits.right_inserted ? -1 : rarest_row(search.right, right_users, rule);
+    const bool left_inserted = (traits.left_inserted & bit) != 0;
+    const bool right_inserted = (traits.right_inserted & bit) != 0;
+    const std::int32_t left_row = left_inserted ? -1 : rarest_row(search.left, left_users, rule);
+    const std::int32_t right_row = right_inserted ? -1 : rarest_row(search.right, right_users, rule);
     if (left_row < 0 && right_row < 0) {
-      search.easy.push_back(static_cast<std::int32_t>(rule));
+      rule_append(search.easy, rule);
+      ++search.easy_count;
       // An easy rule can still ask: by what an inserted pattern requires, or by what it forbids.
       for (SideSearch* side : {&search.left, &search.right}) {
         const bool asks = !side->required.of(rule).empty() || !side->forbidden.of(rule).empty();
-        (asks ? side->easy_asking : side->easy_always).push_back(static_cast<std::int32_t>(rule));
+        if (asks) {
+          side->easy_asking.push_back(static_cast<std::int32_t>(rule));
+        } else {
+          rule_append(side->easy_always, rule);
+        }
       }
     } else if (right_row < 0 || (left_row >= 0 && left_users[to_size(left_row)] <= right_users[to_size(right_row)])) {
       left[rule] = left_row;
     } else {
       right[rule] = right_row;
     }
-    search.traits[rule].left_watches = left[rule] >= 0;
-    search.traits[rule].right_watches = right[rule] >= 0;
+    if (left[rule] >= 0) traits.left_watches |= bit;
+    if (right[rule] >= 0) traits.right_watches |= bit;
   }
   watchers_set(search.left, left);
   watchers_set(search.right, right);

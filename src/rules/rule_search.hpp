@@ -50,33 +50,39 @@ struct SideSearch {
   std::vector<std::uint32_t> watch_starts;  // by row: list r is watched[watch_starts[r]] up to the next list's start
   std::vector<Watched> watched;
   // The easy rules, in order, by whether they ask anything of a word of this side: then it is in the lists above.
-  std::vector<std::int32_t> easy_always;
+  std::vector<RuleBlock> easy_always;
   std::vector<std::int32_t> easy_asking;
 };
 
-// What a search needs of a rule before it looks at the rule itself.
-struct RuleTraits {
-  bool left_inserted : 1;  // the pattern of this side is a quote pattern
-  bool right_inserted : 1;
-  bool is_post_edit : 1;
-  // A shift of post-edit, which may be refused by its text alone, since neither context nor another pattern has a say
-  // before: where it brings a node in, and the character that the other node's surface form must begin with (a shift to
-  // the left) or end with. None: NUL.
-  bool shifts_left : 1;
-  bool left_watches : 1;  // a row of this side watches the rule
-  bool right_watches : 1;
-  char shifted_end;
+// A shift of post-edit, which may be refused by its text alone, since neither context nor another pattern has a say
+// before: where it brings a node in, and the character that the other node's surface form must begin with (a shift to the
+// left) or end with. Any other rule: NUL.
+struct ShiftedEnd {
+  bool shifts_left;
+  char character;
+};
+
+// What a search needs of the rules of a block, a bit each as in `RuleBlock`.
+struct BlockTraits {
+  std::uint64_t all;            // the rules that there are: the last block is not full
+  std::uint64_t left_inserted;  // the pattern of this side is a quote pattern
+  std::uint64_t right_inserted;
+  std::uint64_t left_watches;  // a row of this side watches the rule
+  std::uint64_t right_watches;
+  std::uint64_t post_edit;
 };
 
 struct RuleSearch {
-  std::vector<Rule*> rules;  // by number; empty: not prepared, there are no candidates
-  std::vector<RuleTraits> traits;
-  std::vector<std::int32_t> easy;  // the rules that no row watches, in order
+  std::vector<Rule*> rules;              // by number; empty: not prepared, there are no candidates
+  std::vector<ShiftedEnd> shifted_ends;  // by number
+  std::vector<BlockTraits> traits;       // by block
+  std::vector<RuleBlock> easy;           // the rules that no row watches
+  std::size_t easy_count = 0;
   SideSearch left;
   SideSearch right;
 
-  // Each answer holds the easy rules too: more of them would soon fill the room for answers.
-  [[nodiscard]] bool sides_know_easy() const { return easy.size() <= 512; }
+  // Each answer holds the easy rules too: it would take long to find with many more of them.
+  [[nodiscard]] bool sides_know_easy() const { return easy_count <= 512; }
 };
 
 // The index over the rules of a grammar: built or loaded once, then read by any number of threads. Zeroed until then:
@@ -96,7 +102,7 @@ struct RuleIndex {
 // From the names of a side.
 [[nodiscard]] NameIndex name_index_of(const MatrixSide& side);
 
-// From the rule list of the matrix.
+// From the rule list of the matrix. Who watches is not known yet.
 void rules_prepare(RuleIndex& index);
 
 // Last, when `required` and `forbidden` of both sides are filled. A number may stand in a list twice.

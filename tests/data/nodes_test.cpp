@@ -125,7 +125,7 @@ TEST_F(Nodes, AReleasedTargetEqualsNoNode) {
 }
 
 TEST_F(Nodes, APassedOverElementStaysWhileARecordCanReachItsList) {
-  RuleCandidate* element = candidates_new(session, 1);
+  RuleCandidate* element = candidates_new(session, nullptr);
   const CandidateList* list = element->list;
   Node* node = node_of("a", nullptr);
   ASSERT_EQ(match_record_push(session, *node, kStateHold, element), Status::ok);
@@ -134,7 +134,7 @@ TEST_F(Nodes, APassedOverElementStaysWhileARecordCanReachItsList) {
   match_record_pop(session, *node);
   const std::int64_t used = session.pool.bytes_used();
   candidate_passed_over(session, element);
-  EXPECT_NE(candidates_new(session, 1), nullptr);
+  EXPECT_NE(candidates_new(session, nullptr), nullptr);
   EXPECT_EQ(session.pool.bytes_used(), used) << "the cell has been given back";
 }
 
@@ -160,8 +160,8 @@ TEST_F(Nodes, WhatIsLeftBehindIsPassedOver) {
   for (const Row& row : rows) {
     auto* list = temp_new<CandidateList>(session);
     auto* other_list = temp_new<CandidateList>(session);
-    *list = {row.records, kElements};  // one more than there are: the list's own cell stays
-    *other_list = {0, 1};
+    *list = {row.records, kElements, 0, 0};  // one more than there are: the list's own cell stays
+    *other_list = {0, 1, 0, 0};
     std::array<RuleCandidate*, kElements> elements{};
     for (std::size_t i = kElements; i-- > 0;) {
       elements[i] = temp_new<RuleCandidate>(session);

@@ -10,6 +10,7 @@
 #include "lab/derivation.hpp"
 #include "lab/project.hpp"
 #include "lab/show.hpp"
+#include "rules/candidates.hpp"
 #include "support/program.hpp"
 
 namespace lexon {
@@ -61,13 +62,15 @@ class Witness final : public Observer {
   void offered(Session& session, const Window& window, const RuleCandidate* list) override {
     derivation.offered(session, window, list);
     std::set<const Rule*> offered;
-    for (const RuleCandidate& element : chain<&RuleCandidate::next>(list)) offered.insert(element.rule);
+    for_each_rule_from(session, list, [&](const Rule& rule) { offered.insert(&rule); });
     compare_offer(session, window, offered);
   }
-  void offered_in_post_edit(Session& session, const Window& window, std::span<const std::int32_t> rules) override {
+  void offered_in_post_edit(Session& session, const Window& window, std::span<const RuleBlock> rules) override {
     derivation.offered_in_post_edit(session, window, rules);
     std::set<const Rule*> offered;
-    for (const std::int32_t number : rules) offered.insert(session.grammar->index.search.rules[static_cast<std::size_t>(number)]);
+    for (const RuleBlock& block : rules) {
+      for_each_rule(block, [&](std::int32_t number) { offered.insert(session.grammar->index.search.rules[static_cast<std::size_t>(number)]); });
+    }
     compare_offer(session, window, offered);
   }
   void compare_offer(Session& session, const Window& window, const std::set<const Rule*>& offered) {

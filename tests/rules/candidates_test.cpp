@@ -1,9 +1,9 @@
 // Which rules the index lets through for a window.
 
-#include "data/chain.hpp"
+#include "rules/candidates.hpp"
+
 #include "data/nodes.hpp"
 #include "rules/compiled.hpp"
-#include "rules/matrix.hpp"
 #include "rules/rule_search.hpp"
 #include "support/grammar.hpp"
 #include "support/rule_build.hpp"
@@ -15,11 +15,11 @@ namespace {
 // The numbers of the rules in the list; "none" for the null list.
 std::string numbers(const RuleCandidate* list) {
   std::string text;
-  for (const RuleCandidate& element : chain<&RuleCandidate::next>(list)) {
+  for_each_rule_from(session, list, [&](const Rule& found) {
     int number = 0;
-    for (const Rule* rule = grammar.index.matrix.rules; rule != element.rule; rule = rule->next) ++number;
+    for (const Rule* rule = grammar.index.matrix.rules; rule != &found; rule = rule->next) ++number;
     text += (text.empty() ? "" : " ") + std::to_string(number);
-  }
+  });
   return text.empty() ? "none" : text;
 }
 
@@ -155,13 +155,28 @@ TEST_F(Candidates, TurnEveryEntryOnTheWayToTheScopeOfTheFirstReference) {
 TEST_F(Candidates, ShareOneListRecord) {
   RuleList rules{"{}{}", "{}{}"};
   ASSERT_EQ(index_build(rules.head()), Status::ok);
-  const RuleCandidate* first = rule_candidates(session, node_of_attrs("A"), nullptr);
+  RuleCandidate* first = rule_candidates(session, node_of_attrs("A"), nullptr);
   ASSERT_NE(first->list, nullptr);
-  EXPECT_EQ(first->list, first->next->list);
+  EXPECT_EQ(first->list->elements, 1);
+  const RuleCandidate* second = candidate_next(session, *first);
+  EXPECT_EQ(candidate_next(session, *first), second) << "made once";
+  EXPECT_EQ(first->list, second->list);
   EXPECT_EQ(first->list->records, 0);
   EXPECT_EQ(first->list->elements, 2);
   EXPECT_EQ(first->lnode, nullptr);
   EXPECT_NE(rule_candidates(session, node_of_attrs("A"), nullptr)->list, first->list);
+}
+
+TEST_F(Candidates, ArePassedOverForTheNextOfGenerationAlone) {
+  RuleList rules{"{}{}", "{}{}", "{}{}", "{}{}", "{}{}"};
+  for (Rule* rule : {rules.head()->next, rules.head()->next->next->next}) rule->type = rule_type::post_left;
+  ASSERT_EQ(index_build(rules.head()), Status::ok);
+  RuleCandidate* passed = rule_candidates(session, node_of_attrs("A"), nullptr);
+  passed = candidate_pass(session, *passed);
+  EXPECT_EQ(numbers(passed), "2 3 4") << "backtracking comes to those of post-edit behind it";
+  passed = candidate_pass(session, *candidate_next(session, *passed));
+  EXPECT_EQ(numbers(passed), "4");
+  EXPECT_EQ(candidate_pass(session, *passed), nullptr);
 }
 
 TEST_F(Candidates, DoNotComeFromAnExhaustedPool) {

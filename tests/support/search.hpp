@@ -38,7 +38,7 @@ struct SearchCase {
   const char* arc = "";           // label of an arc from the window's left node to the right one, in use
 };
 
-// Elements that `rule_candidates` hands out together live and die together.
+// Elements of one list live and die together.
 inline void share_one_list(RuleCandidate* head) {
   for (RuleCandidate& element : chain<&RuleCandidate::next>(head->next)) {
     temp_delete(session, element.list);
