@@ -15,6 +15,7 @@
 #include "lab/check_order.hpp"
 #include "lab/check_pairs.hpp"
 #include "lab/check_rules.hpp"
+#include "lab/check_siblings.hpp"
 #include "lab/check_words.hpp"
 #include "lab/progress.hpp"
 #include "rules/scanners.hpp"
@@ -32,11 +33,13 @@ constexpr CheckCode kCodes[] = {
     {"endless-rule", "a rule would fit its own result for ever, and is left out"},
     {"endless-insertion", "a rule brings the same word in again and again"},
     {"endless-pair", "rules that undo each other in place"},
+    {"relation-mark", "a rule that follows a relation and leaves its mark, while others take theirs away"},
     {"left-over-boundary", "an L that can leave the list at its left end"},
     {"no-priority", "a rule without a priority, or with 0"},
     {"contradiction", "a pattern that asks for what it forbids"},
     {"third-pattern", "a pattern behind the second"},
     {"priority-wraps", "a priority above 255"},
+    {"priority-stands-out", "a priority that falls out of the lines around it"},
     {"rule-never-first", "an earlier rule fits wherever this one does"},
     {"unknown-name", "a name that nothing gives"},
     {"unused-name", "a name that nobody asks for"},
@@ -58,6 +61,7 @@ constexpr CheckCode kCodes[] = {
     {"pair-idle", "a pair that nobody can ask about"},
     {"never-together", "attributes that no entry has together"},
     {"entry-syntax", "an entry that cannot be read"},
+    {"concept-unquoted", "a concept word without quotes, which is read as the gloss"},
     {"duplicate-entry", "entries that are alike in everything"},
     {"unknown-word", "a word of the graphs without an entry"},
     {"graph-syntax", "a line of a graph that cannot be read"},
@@ -65,6 +69,7 @@ constexpr CheckCode kCodes[] = {
     {"sentence-in-sentence", "a sentence that begins before the last one ends"},
     {"unclosed", "a sentence or block that is not closed"},
     {"no-sentence", "a file of graphs without a sentence"},
+    {"label-twice", "two sentences of a file with one label"},
     {"no-entry", "a sentence without @entry"},
     {"second-entry", "a second word with @entry"},
     {"scope-entry", "a scope without @entry"},
@@ -103,6 +108,7 @@ class Check {
         .keeps_off_boundary = [this](NameId name) { return keeps_off_boundary(name); },
     };
     check_order(input_, base_, context, names_, findings_);
+    check_siblings(input_, base_, names_, findings_);
     std::ranges::stable_sort(findings_, {}, &Finding::line);
     findings_to_sources(input_, findings_);
     std::move(elsewhere.begin(), elsewhere.end(), std::back_inserter(findings_));
@@ -939,6 +945,17 @@ class Check {
       if (plain != kNoName && words_.by_concept.contains(plain)) continue;
       // A capital, or a letter beyond ASCII, begins a name, which needs no entry.
       const bool is_name = open == std::string::npos && !(name.front() >= 'a' && name.front() <= 'z');
+      std::string gloss_place;
+      for (const auto& index : words_.indexes) {
+        const std::int64_t line = gloss_place.empty() ? index->with_gloss(name) : 0;
+        if (line != 0) gloss_place = index->path() + ':' + std::to_string(line);
+      }
+      if (!gloss_place.empty()) {
+        report(*use, Level::warning, "unknown-word",
+               "the dictionary has no " + name + times(use->count) + ": without quotes it is read as the gloss",
+               "write the concept word of " + gloss_place + " in quotes");
+        continue;
+      }
       report(
           *use, is_name ? Level::note : Level::warning, "unknown-word",
           "the dictionary has no " + name + times(use->count) + (is_name ? "; it counts as a name" : ""),

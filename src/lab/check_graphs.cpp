@@ -13,6 +13,7 @@
 #include "graph/line_kind.hpp"
 #include "graph/line_text.hpp"
 #include "lab/check_rules.hpp"
+#include "lab/text_file.hpp"
 #include "rules/scanners.hpp"
 
 namespace lexon {
@@ -127,10 +128,23 @@ class GraphText {
                  "write [/S] in front of it");
           findings_.back().fix = {Fix::Kind::line_before, "", "[/S]\n"};
         }
+        label(line, static_cast<std::size_t>(line - buffer));
         sentence_start();
         break;
       case LineKind::graph_line: relation(buffer); break;
     }
+  }
+
+  // Programs ask for sentences by their labels, and expected texts are held against them by these. Sentences without a
+  // label are told apart by their numbers.
+  void label(const char* line, std::size_t at) {
+    const std::string name = label_in(line);
+    if (name.find(':') == std::string::npos) return;
+    const auto [known, is_new] = labels_.try_emplace(name, watch_.line);
+    if (is_new) return;
+    report(watch_.line, at, at + name.size() + 2, Level::warning, "label-twice",
+           "the sentence of line " + std::to_string(known->second) + " has the label [" + name + "] too",
+           "give each sentence a label of its own");
   }
 
   // A second start inside a sentence leaves the first one in force.
@@ -292,10 +306,11 @@ class GraphText {
   BlockTag open_tag_;              // of a block {name} ... {/name}, whose lines are passed over
   std::string_view passed_block_;  // what ends it; empty if none is open
   std::int64_t block_line_ = 0;
-  bool is_open_ = false;         // a sentence has begun
-  bool has_relations_ = false;   // and holds some
-  std::int64_t open_line_ = 0;   // of its begin; 0: none has begun so far
-  std::map<int, Scope> scopes_;  // 0: the sentence itself
+  bool is_open_ = false;                                  // a sentence has begun
+  bool has_relations_ = false;                            // and holds some
+  std::int64_t open_line_ = 0;                            // of its begin; 0: none has begun so far
+  std::map<int, Scope> scopes_;                           // 0: the sentence itself
+  std::unordered_map<std::string, std::int64_t> labels_;  // of sentences so far, with their lines
 };
 
 }  // namespace

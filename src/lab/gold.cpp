@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <cstdint>
 
-#include "lab/project.hpp"
 #include "lab/text_file.hpp"
 
 namespace lexon {

@@ -10,6 +10,7 @@
 #include "front/process.hpp"
 #include "lab/commands.hpp"
 #include "lab/progress.hpp"
+#include "lab/text_file.hpp"
 
 namespace lexon {
 inline namespace v1 {
@@ -54,12 +55,6 @@ Message GraphText::placed(Message message) const {
   message.file = file;
   message.line += line - 1;
   return message;
-}
-
-std::string label_in(std::string_view line) {
-  const std::size_t close = line.find(']');
-  return line.empty() ? std::string()
-                      : std::string(line.substr(1, close == std::string_view::npos ? close : close - 1));
 }
 
 std::string label_of(std::string_view text) {

@@ -55,6 +55,12 @@ std::vector<std::string_view> lines_of(std::string_view text) {
   return lines;
 }
 
+std::string label_in(std::string_view line) {
+  const std::size_t close = line.find(']');
+  return line.empty() ? std::string()
+                      : std::string(line.substr(1, close == std::string_view::npos ? close : close - 1));
+}
+
 }  // namespace lab
 }  // namespace v1
 }  // namespace lexon

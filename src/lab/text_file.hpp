@@ -26,6 +26,9 @@ void text_file_write(const std::string& path, std::string_view text);
 [[nodiscard]] std::vector<std::string_view> lines_of(std::string_view text);
 std::vector<std::string_view> lines_of(std::string&& text) = delete;  // they would outlive it
 
+// The label in a line that opens a sentence: "S:3" of "[S:3] or more".
+[[nodiscard]] std::string label_in(std::string_view line);
+
 }  // namespace lab
 }  // namespace v1
 }  // namespace lexon

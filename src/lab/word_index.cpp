@@ -208,10 +208,22 @@ WordIndex::WordIndex(const std::string& path, const Overlay* unsaved) : path_(pa
           (texts_ += field) += '\0';
         }
         duplicates.look_at(line, record, bytes, findings_);
+        if (record.cw.empty() && !record.gloss.empty()) look_at_gloss(line, record.gloss);
       },
       findings_);
   duplicates.finish(findings_);
   sort_keys();
+}
+
+// The sign of a restriction, as in very(>degree), stands in concept words alone.
+void WordIndex::look_at_gloss(std::int64_t line, std::string_view gloss) {
+  if (line == 0 || gloss.find(' ') != std::string_view::npos) return;
+  glosses_.try_emplace(std::string(gloss), line);
+  const bool is_concept = gloss.find("(>") != std::string_view::npos || gloss.find("(<") != std::string_view::npos;
+  if (!is_concept) return;
+  findings_.push_back({path_, line, 1, 2, Level::warning, "concept-unquoted",
+                       std::string(gloss) + " is read as the gloss, and the entry has no concept word",
+                       "write the concept word in quotes: [form]{id} \"concept\" (ATTRIBUTES)"});
 }
 
 // Sorted arrays of numbers take a third of what hash tables would, and are made faster.
