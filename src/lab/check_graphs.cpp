@@ -55,14 +55,19 @@ class GraphText {
     }
     // A file that is no graphs at all, or whose sentences all stand in a block that is passed over.
     if (open_line_ == 0) {
+      // The form of meaning banks: (w / want-01 :ARG0 (b / boy)).
+      const bool is_penman = (text_.text.starts_with('(') || text_.text.find("\n(") != std::string::npos) &&
+                             text_.text.find(" / ") != std::string::npos;
       report(0, 0, 0, Level::warning, "no-sentence", "this file holds no sentence",
-             "a sentence begins with a line [S] and ends with a line [/S]");
+             is_penman ? "it looks like PENMAN: lexon-import makes graphs of it"
+                       : "a sentence begins with a line [S] and ends with a line [/S]");
       findings_.back().column = findings_.back().end_column = 0;
     }
     check_encoding(text_.file, watch_, findings_);
   }
 
  private:
+  // A sentence (number 0) or a scope in it, as far as its lines have been read.
   struct Scope {
     std::int64_t line = 0;  // where it is first met
     std::size_t column = 0;
@@ -92,8 +97,10 @@ class GraphText {
       passed_block_ = {};
       return;
     }
+    // Of a block of words each line is one word; lines that begin a comment or another block are not.
     if (passed_block_ != kWordBlockEnd || *line == ';' || *line == '[') return;
     line[std::strcspn(line, "\n")] = '\0';
+    // `word` cuts the line into pieces, and findings show it whole.
     const std::string as_read(line);
     line_ = as_read.c_str();
     if (*skip_blanks(line) != '\0') word(line, line, 0);
@@ -101,6 +108,7 @@ class GraphText {
   }
 
   void open_block(std::string_view end) {
+    // A block of words opens a sentence by itself, without [S].
     passed_block_ = end;
     block_line_ = watch_.line;
     if (end == kWordBlockEnd) sentence_start();
@@ -217,8 +225,10 @@ class GraphText {
       bad("the number of a scope has two characters, and what follows here is read as one",
           "write a digit and another digit or letter behind the colon, as in label:01(from, to)");
     }
+    // Takes the number off the label, which is a name of its own from here on. 0 without a number.
     const int number = label_scope(parts.label) & 0xFF;
     const std::string_view label(parts.label);
+    // A run leaves out the whole line, so its words are not counted either.
     if (label.size() > kLongestLabel) {
       return report(watch_.line, label_at, label_at + label.size(), Level::error, "label-cut",
                     "the label " + std::string(label) + " has more than five characters, and the line is left out",
@@ -243,12 +253,14 @@ class GraphText {
   // A word of a relation of this scope, or of a word block. Cuts `text`, which lies in `buffer`.
   void word(const char* buffer, char* text, int scope) {
     const auto offset = [buffer](const char* part) { return static_cast<std::size_t>(part - buffer); };
+    // The parts lie in `buffer`; name, attributes and number each end at a NUL of their own.
     const WordText parts = split_word(text);
     const std::string_view name(parts.name);
     const std::size_t at = offset(parts.name);
     // A number without a name stands for a scope; with one it tells two nodes of a word apart.
     if (name.empty() && parts.number > 0) {
       Scope& inner = scopes_[parts.number];
+      // The first place where the scope stands for a word is shown if nothing belongs to it.
       if (inner.line == 0) {
         inner.line = watch_.line;
         inner.column = at;
@@ -258,6 +270,7 @@ class GraphText {
     }
     // Words of one name with other numbers are other nodes.
     Scope& own = scopes_[scope];
+    // Two nodes of one name must not share their @entry.
     const std::string who = std::string(name) + (parts.number > 0 ? ':' + std::to_string(parts.number) : "");
     for (const char* attr = parts.attrs; *attr != '\0';) {
       attr += std::strspn(attr, ". ");
@@ -290,6 +303,7 @@ class GraphText {
   // Counts a name, and keeps the place where it stands first.
   void use(std::unordered_map<NameId, GraphSurvey::Use>& uses, std::string_view name, std::size_t begin,
            std::size_t end) {
+    // Only the first place is kept: a name may stand in millions of lines.
     GraphSurvey::Use& found = uses[names_.enter(name)];
     if (found.count++ != 0) return;
     const Finding place = finding_at({}, watch_.line, line_, begin, end, Level::note, "", {}, {});

@@ -23,6 +23,7 @@ constexpr int kSmallSteps = 8;
 // Was a digit left out, typed twice, or exchanged with its neighbour? Another digit in its place is no sign: that is how
 // 229 and 209 differ, which grammars have side by side.
 bool is_slip_of(const std::string& written, const std::string& meant) {
+  // A digit too many is a digit left out the other way round.
   if (written.size() > meant.size()) return !meant.empty() && is_slip_of(meant, written);
   for (std::size_t i = 0; i < meant.size(); ++i) {
     std::string slip = meant;
@@ -84,6 +85,7 @@ class SiblingCheck {
     std::size_t keepers = 0;
     std::vector<Slip> slips;
     for (const RuleView* rule : rules_) {
+      // Rules with one pattern in quotes: the other one stands for the word that is there.
       const bool brings_in = rule->inserts() && rule->quote(Side::left) != rule->quote(Side::right);
       if (!brings_in || rule->is_post_edit()) continue;
       const Side there = rule->quote(Side::left) ? Side::right : Side::left;
@@ -93,6 +95,7 @@ class SiblingCheck {
       const NameId id = names_.find(mark);
       const RuleItem* asked = id == kNoName ? nullptr : find(*rule, Place::cond, there, kOpHas, id);
       const RuleItem* strikes = id == kNoName ? nullptr : find(*rule, Place::action, there, kOpDelete, id);
+      // Any mark that is taken away on that side, the first of them.
       const RuleItem* taken = find(*rule, Place::action, there, kOpDelete, kNoName);
       const bool is_asked_for = taken != nullptr && find(*rule, Place::cond, there, kOpHas, taken->name) != nullptr;
       if (asked != nullptr && strikes != nullptr) {
@@ -103,6 +106,7 @@ class SiblingCheck {
         slips.push_back({rule, label, names_[taken->name].substr(1), nullptr});
       }
     }
+    // A grammar without the custom, or one with many exceptions.
     if (keepers < kFewestKeepers || slips.size() * kKeepersForOne > keepers) return;
     for (const Slip& slip : slips) {
       if (slip.at->place == Place::relation) {
@@ -148,6 +152,7 @@ class SiblingCheck {
         const bool goes_on = rules_[end]->line == rules_[end - 1]->line + 1 && is_of_kind(*rules_[end], *rules_[begin]);
         if (!goes_on) break;
       }
+      // Of a few lines none stands out.
       if (end - begin < kFewestInRow) continue;
       const RuleView& first = *rules_[begin];
       const RuleView* odd = nullptr;
@@ -182,6 +187,7 @@ class SiblingCheck {
       const std::size_t second = i + 1 == end ? i - 2 : i + 1;
       const auto [least, most] = std::minmax(rules_[first]->priority, rules_[second]->priority);
       const bool is_inside = rule.priority >= least && rule.priority <= most;
+      // Priorities that differ much say nothing about what stands between them.
       if (is_inside || most - least > kSmallSteps) continue;
       for (int meant = most; meant >= least; --meant) {
         if (!is_slip_of(rule.number, std::to_string(meant))) continue;

@@ -122,6 +122,7 @@ std::string without_marks(std::string_view markdown) {
 // ---- The server
 
 // What an editor has open.
+// Written by the thread that answers alone.
 struct OpenDocument {
   std::string uri;
   std::string path;
@@ -135,6 +136,7 @@ class Server {
 
   // Reads till the end; the status of the program.
   int run() {
+    // Reading goes on while a request is answered, so that one can be cancelled.
     std::thread answering([this] { answer_all(); });
     std::string text;
     for (bool goes_on = true; goes_on;) {
@@ -151,6 +153,7 @@ class Server {
     wake_.notify_all();
     answering.join();
     watch_.reset();
+    // The protocol wants "shutdown" in front of "exit"; anything else is a failure.
     return is_exited_ && is_shut_down_ ? kDone : kFailed;
   }
 
@@ -199,6 +202,7 @@ class Server {
       if (pending_.contains(cancelled)) cancelled_.insert(cancelled);
       return true;
     }
+    // Ids are kept as JSON: the number 1 and the text "1" are two.
     if (id != message.end()) pending_.insert(id->dump());
     queue_.push_back(std::move(message));
     wake_.notify_all();
@@ -212,6 +216,7 @@ class Server {
       {
         std::unique_lock lock(mutex_);
         wake_.wait(lock, [this] { return is_over_ || !queue_.empty(); });
+        // What came before the end is still answered.
         if (queue_.empty()) return;
         message = std::move(queue_.front());
         queue_.pop_front();
@@ -239,6 +244,7 @@ class Server {
     const std::string method = message.at("method").get<std::string>();
     const bool is_request = message.contains("id");
     const Json id = is_request ? message.at("id") : Json();
+    // By this the answer finds out that its request was cancelled.
     current_ = is_request ? id.dump() : std::string();
     const auto refuse = [&](int code, const std::string& text) {
       if (is_request) {
@@ -254,6 +260,7 @@ class Server {
       const Json& given = params == message.end() || params->is_null() ? kNoParams : *params;
       if (is_request) {
         const std::string result = request(method, given);
+        // Put together as text, since long answers come as text.
         writer_.write(R"({"jsonrpc":"2.0","id":)" + id.dump() + R"(,"result":)" + result + '}');
       } else {
         notified(method, given);
@@ -289,6 +296,7 @@ class Server {
         {"textDocument/rename", &Server::rename},
         {"textDocument/documentSymbol", &Server::document_symbol},
     };
+    // The order of these questions is that of the protocol's errors.
     if (is_shut_down_) throw RequestError{kInvalidRequest, "the server is shut down"};
     if (method == "initialize") {
       if (is_initialized_) throw RequestError{kInvalidRequest, "the server is initialized already"};
@@ -338,6 +346,7 @@ class Server {
   }
 
   Json initialize(const Json& params) {
+    // A second try begins anew.
     folders_.clear();
     if (const auto list = params.find("workspaceFolders"); list != params.end() && list->is_array()) {
       for (const Json& folder : *list) add_folder(folder.at("uri"));
@@ -348,6 +357,7 @@ class Server {
       folders_.push_back(file_key(params.at("rootPath").get<std::string>()));
     if (params.contains("initializationOptions")) read_settings(params.at("initializationOptions"));
     const Json capabilities = params.value("capabilities", Json::object());
+    // A capability that the editor does not name it does not have.
     const auto can = [&capabilities](const char* pointer) {
       const Json::json_pointer at(pointer);
       return capabilities.contains(at) && capabilities.at(at).is_boolean() && capabilities.at(at).get<bool>();
@@ -404,6 +414,7 @@ class Server {
       settings_ = project->is_object() && !project->empty() ? project->dump() : std::string();
     if (const auto rest = settings.find("delay"); rest != settings.end() && rest->is_number_integer()) {
       constexpr std::int64_t kLongest = 60000;
+      // How long a text has to rest before it is looked at.
       rest_ = std::chrono::milliseconds(std::clamp<std::int64_t>(rest->get<std::int64_t>(), 0, kLongest));
     }
   }
@@ -431,6 +442,7 @@ class Server {
     const Json& given = params.at("textDocument");
     const std::string& uri = given.at("uri").get_ref<const std::string&>();
     const auto path = path_of_uri(uri);
+    // A change of a text that was never opened has nothing that it could change.
     if (!path || !store_.is_open(*path)) return;
     // A change without a range is the whole text; those in front of it are of no interest any more.
     std::shared_ptr<const LinedText> before = store_.text(*path);
@@ -438,6 +450,7 @@ class Server {
     for (const Json& change : params.at("contentChanges")) {
       const std::string& text = change.at("text").get_ref<const std::string&>();
       if (const auto range = change.find("range"); range != change.end()) {
+        // The places of each change count in the text that the one before has left.
         if (!edit) edit.emplace(*before);
         edit->replace(position_of(range->at("start")), position_of(range->at("end")), text);
       } else {
@@ -514,6 +527,7 @@ class Server {
   void find_projects() {
     // The settings of a project are open like its texts, and belong to all that lies below them.
     std::map<std::string, ProjectFiles> found;
+    // By document, the name of its project.
     std::map<std::string, std::string> owners;
     for (const auto& [key, document] : documents_) {
       if (std::filesystem::path(key).filename() == kProjectFile) continue;
@@ -527,6 +541,7 @@ class Server {
       projects_.swap(found);
     }
     for (const auto& [name, files] : found) {
+      // `found` holds the projects of before by now.
       if (!projects_.contains(name)) drop_project(name);
     }
     owners_ = std::move(owners);
@@ -541,6 +556,7 @@ class Server {
   ProjectFiles files_for(const OpenDocument& document, const std::string& key) {
     std::string top;
     for (const std::string& folder : folders_) {
+      // The innermost of the opened folders counts.
       if ((key + '/').starts_with(folder + '/') && folder.size() > top.size()) top = folder;
     }
     // The editor's settings hold for the folder that it has opened, and for the files that they name.
@@ -551,6 +567,7 @@ class Server {
       if (std::ranges::find(keys, key) != keys.end()) return files;
     }
     files = project_files_of(project_folder_of(key, top), &store_.unsaved());
+    // The folder's own project names the file.
     if (has_file(name_of(files), files, key)) return files;
     if (is_included(files, key)) return files;
     // A file that nobody names joins the others of its folder.
@@ -590,6 +607,7 @@ class Server {
   void drop_project(const std::string& name) {
     watch_->forget(name);
     const std::scoped_lock lock(documents_mutex_);
+    // The lock is held over both, so that `publish` sees all of a project or none of it.
     analyses_.erase(name);
     std::erase_if(published_, [&](const auto& each) {
       if (each.second.project != name) return false;
@@ -602,6 +620,7 @@ class Server {
 
   Json diagnostic_of(const Finding& finding, const LinedText& text) {
     const Place place = place_of(finding, text);
+    // The numbers of the protocol: error, warning, information.
     const int severity = finding.level == Level::error ? 1 : finding.level == Level::warning ? 2 : 3;
     std::string message = finding.text;
     if (!finding.remedy.empty()) message += "\nfix: " + finding.remedy;
@@ -616,6 +635,7 @@ class Server {
   void publish(const ProjectFiles& files, const Overlay& unsaved, const std::shared_ptr<const Analysis>& analysis) {
     const std::string name = name_of(files);
     std::map<std::string, std::vector<const Finding*>> by_file;
+    // Each file gets a list, empty or not.
     for (const std::string& key : files.keys()) by_file[key];
     for (const std::string& source : analysis->sources) by_file[file_key(source)];
     for (const Finding& finding : analysis->findings) by_file[file_key(finding.file)].push_back(&finding);
@@ -663,6 +683,7 @@ class Server {
       }
       // A file of several projects shows what the first of them finds.
       const bool is_other = !before.project.empty() && before.project != name && analyses_.contains(before.project);
+      // The rules are what a project is told apart by, so they show their own findings.
       if (is_other && key != file_key(files.rules)) continue;
       // Most looks find what the one before has found, and an editor draws anew what it is told.
       const std::size_t hash = std::hash<std::string>()(params.dump(-1, ' ', false, Json::error_handler_t::replace));
@@ -691,6 +712,7 @@ class Server {
     const auto path = path_of_uri(result.uri);
     if (!path) return result;
     result.key = file_key(*path);
+    // Without an owner the document is open, and belongs to nothing that can be asked about.
     const auto owner = owners_.find(result.key);
     if (owner == owners_.end()) return result;
     const auto project = projects_.find(owner->second);
@@ -725,6 +747,7 @@ class Server {
       if (const std::string rule = at.model->rule_text(*at.file, line); !rule.empty())
         text += (text.empty() ? "" : "\n\n---\n") + rule;
     }
+    // The protocol wants null where there is nothing to show.
     if (text.empty()) return nullptr;
     Json result{
         {"contents",
@@ -749,8 +772,10 @@ class Server {
     std::string locations = "[";
     std::size_t count = 0;
     at.model->for_each_use(at.symbol, [&](const NameUse& use) {
+      // What gives a name is its declaration.
       if (with_declaration || use.token.use != TokenUse::gives) {
         if (locations.size() > 1) locations += ',';
+        // Written by hand: a tree of 7,200 places would take longer than finding them.
         append_text(locations += R"({"uri":)", use.file->uri);
         append_range(locations += ',', use);
         locations += '}';
@@ -865,7 +890,9 @@ class Server {
     const std::size_t byte = at.text->byte_in_line(position);
     const std::string_view shown = at.text->line(line);
     // What stands behind the place is still to be written.
+    // The scanner notes what it would read next there.
     scanner.scan(shown.substr(0, byte), tokens, byte);
+    // What stands between here and the place is replaced by the name that is chosen.
     const std::size_t begin = std::min(scanner.wanted_begin(), byte);
     Offers offers{std::string(shown.substr(begin, byte - begin)), range_of(*at.text, line, begin, byte)};
     // How the protocol numbers kinds of completions.
@@ -877,6 +904,7 @@ class Server {
     switch (scanner.wanted()) {
       case Wanted::attribute:
         offers.add_names(*at.model, Symbol::Kind::attribute, kProperty);
+        // Entries cannot have what the engine gives.
         if (at.file->kind != TextKind::entries) {
           for (const char* name : {"SHEAD", "STAIL", "CHEAD", "CTAIL", "SCOPE", "@entry", "TEMP", "NUM", "ANUM"})
             offers.add(name, kConstant, "given by Lexon");
@@ -928,9 +956,11 @@ class Server {
       if (found != published_.end() && found->second.text != nullptr && *found->second.text == at.text->text())
         analysis = found->second.analysis;
     }
+    // The next look will tell.
     if (analysis == nullptr) return actions;
     for (const Finding& finding : analysis->findings) {
       if (finding.fix.kind == Fix::Kind::none || finding.line - 1 < first || finding.line - 1 > last) continue;
+      // One look finds what is wrong in all files of the project.
       if (file_key(finding.file) != at.key) continue;
       const Place place = place_of(finding, *at.text);
       if (!fix_fits(finding, *at.text, place)) continue;
@@ -989,6 +1019,7 @@ class Server {
         const auto is_text = [](const TextFile& file) { return file.kind == TextKind::entries; };
         const auto& texts = at.model->texts();
         const auto found = std::ranges::find_if(texts, is_text);
+        // A built dictionary takes no new line.
         if (found == texts.end()) return;
         uri = found->uri;
         title = "Add an entry to " + std::filesystem::path(found->path).filename().string();
@@ -1009,6 +1040,7 @@ class Server {
   // What is added at the end of a text begins a line.
   static Json end_edit(const LinedText& text, const std::string& added) {
     const std::size_t last = text.line_count() - 1;
+    // An empty last line means that the text ends with a line end.
     const std::size_t size = text.line(last).size();
     return {{"range", range_of(text, last, size, size)}, {"newText", (size == 0 ? "" : "\n") + added}};
   }

@@ -11,6 +11,7 @@
 
 #include "lab/check.hpp"
 #include "lab/overlay.hpp"
+#include "lab/text_file.hpp"
 
 namespace lexon {
 inline namespace v1 {
@@ -43,6 +44,7 @@ class WordIndex {
     const auto found = glosses_.find(text);
     return found == glosses_.end() ? 0 : found->second;
   }
+  [[nodiscard]] const EncodedLines& encoded() const { return encoded_; }  // of entry text
   // What is wrong with the entries themselves.
   [[nodiscard]] const std::vector<Finding>& findings() const { return findings_; }
 
@@ -76,6 +78,7 @@ class WordIndex {
   std::vector<std::uint64_t> by_form_;  // hash of the key above, number of the entry below, in ascending order
   std::vector<std::uint64_t> by_concept_;
   std::vector<std::uint64_t> by_id_;
+  EncodedLines encoded_;
   std::unordered_map<std::string, std::int64_t> glosses_;  // see `with_gloss`
   std::vector<Finding> findings_;
 };
