@@ -408,10 +408,9 @@ class Check {
     const std::size_t pattern = rest.find_first_of("{\"(");
     const std::size_t priority = rest.rfind('P');
     if (pattern == std::string_view::npos || priority == std::string_view::npos || priority < pattern) return;
-    constexpr std::array<std::string_view, 17> kTypes = {":",  "L",  "R",  "?",  "?L", "?R",  "X",   "CL", "CR",
-                                                         "DL", "DR", "P:", "PL", "PR", "P<<", "P>>", "PSL"};
-    const std::string_view type = rest.substr(0, pattern);
-    const bool is_type = type == "PSR" || std::ranges::find(kTypes, type) != kTypes.end();
+    constexpr std::array<std::string_view, 18> kTypes = {":",  "L",  "R",  "?",  "?L", "?R",  "X",   "CL",  "CR",
+                                                         "DL", "DR", "P:", "PL", "PR", "P<<", "P>>", "PSL", "PSR"};
+    const bool is_type = std::ranges::find(kTypes, rest.substr(0, pattern)) != kTypes.end();
     if (!is_type || priority + 1 == rest.size() || !is_digit(rest[priority + 1])) return;
     report(rule, static_cast<std::uint32_t>(begin), static_cast<std::uint32_t>(rule.text.size()), Level::warning,
            "line-runs-on", "a second rule in this line is a comment, and is not read",

@@ -140,6 +140,7 @@ class Server {
     std::thread answering([this] { answer_all(); });
     std::string text;
     for (bool goes_on = true; goes_on;) {
+      // A message of a wrong form is answered with an error, and the one behind it is read.
       switch (frame_read(in_, text)) {
         case Frame::end: goes_on = false; break;
         case Frame::bad: send_error(nullptr, kInvalidRequest, text); break;
@@ -161,6 +162,7 @@ class Server {
   // ---- Messages
 
   // Names of files need not be UTF-8, which JSON is.
+  // Such bytes are shown as a sign of their own.
   static std::string text_of(const Json& json) { return json.dump(-1, ' ', false, Json::error_handler_t::replace); }
   void send(const Json& message) { writer_.write(text_of(message)); }
   void send_error(const Json& id, int code, const std::string& text) {
@@ -255,6 +257,7 @@ class Server {
     };
     try {
       if (is_request) refuse_if_cancelled();
+      // Some requests may leave their parameters out.
       static const Json kNoParams = Json::object();
       const auto params = message.find("params");
       const Json& given = params == message.end() || params->is_null() ? kNoParams : *params;
@@ -280,6 +283,7 @@ class Server {
 
   // The result as text. Throws what `answer` makes an error of.
   std::string request(const std::string& method, const Json& params) {
+    // One function for each method, by its name in the protocol.
     using Answer = Json (Server::*)(const Json&);
     static const std::unordered_map<std::string, Answer> kAnswers = {
         {"textDocument/hover", &Server::hover},
@@ -333,6 +337,7 @@ class Server {
       is_exited_ = true;
       return;
     }
+    // The protocol has such notifications dropped.
     if (!is_initialized_ || is_shut_down_) return;
     if (const auto found = kNotes.find(method); found != kNotes.end()) (this->*found->second)(params);
   }
@@ -362,12 +367,14 @@ class Server {
       const Json::json_pointer at(pointer);
       return capabilities.contains(at) && capabilities.at(at).is_boolean() && capabilities.at(at).get<bool>();
     };
+    // What the editor can take decides about the form of answers.
     has_trees_ = can("/textDocument/documentSymbol/hierarchicalDocumentSymbolSupport");
     has_versions_ = can("/workspace/workspaceEdit/documentChanges");
     watches_files_ = can("/workspace/didChangeWatchedFiles/dynamicRegistration");
     const Json::json_pointer formats("/textDocument/hover/contentFormat");
     is_markdown_ = capabilities.contains(formats) && capabilities.at(formats).is_array() &&
                    std::ranges::find(capabilities.at(formats), Json("markdown")) != capabilities.at(formats).end();
+    // From here on another thread looks at projects, and publishes what it finds.
     watch_ = std::make_unique<Watch>(
         [this](const ProjectFiles& files, const Overlay& unsaved, const std::shared_ptr<const Analysis>& analysis) {
           publish(files, unsaved, analysis);
@@ -393,6 +400,7 @@ class Server {
   // Asks the editor to tell of files that others change. One that cannot is believed once it saves something.
   void register_watchers(const Json& /*params*/) {
     if (!watches_files_) return;
+    // Names as projects have them by custom; what lexon.json calls otherwise is seen when it is saved here.
     Json watchers = Json::array();
     for (const char* pattern : {"**/*.txt", "**/*.lxr", "**/*.rules", "**/*.tsv", "**/*.entries", "**/*.graphs",
                                 "**/lexon.json", "**/coverage.json"}) {
@@ -423,6 +431,7 @@ class Server {
 
   void did_open(const Json& params) {
     const Json& given = params.at("textDocument");
+    // Opened again under the same path it takes the place of the one before.
     OpenDocument document;
     document.uri = given.at("uri").get<std::string>();
     const auto path = path_of_uri(document.uri);
@@ -464,10 +473,12 @@ class Server {
       documents_[file_key(*path)].version = given.value("version", std::int64_t{0});
     }
     // Of lexon.json it is not only the findings that may change, but which files belong together.
+    // Then all projects are found anew.
     const bool is_settings = std::filesystem::path(*path).filename() == kProjectFile;
     if (is_settings) return find_projects();
     const std::string key = file_key(*path);
     for (const auto& [name, files] : projects_) {
+      // A file may belong to several projects.
       if (has_file(name, files, key)) watch_->ask(name, files, store_.unsaved(), rest_);
     }
   }
@@ -506,6 +517,7 @@ class Server {
   bool has_file(const std::string& name, const ProjectFiles& files, const std::string& key) {
     const std::vector<std::string> keys = files.keys();
     if (std::ranges::find(keys, key) != keys.end()) return true;
+    // None before the first look has ended.
     const auto analysis = analysis_of(name);
     return analysis != nullptr && std::ranges::any_of(analysis->sources, [&key](const std::string& source) {
              return file_key(source) == key;
@@ -531,6 +543,7 @@ class Server {
     std::map<std::string, std::string> owners;
     for (const auto& [key, document] : documents_) {
       if (std::filesystem::path(key).filename() == kProjectFile) continue;
+      // The files on the disk are looked at each time: others may have come.
       ProjectFiles files = files_for(document, key);
       const std::string name = name_of(files);
       owners[key] = name;
@@ -583,6 +596,7 @@ class Server {
   // Does the source include this file? Asked only of files that no look has shown yet.
   bool is_included(const ProjectFiles& files, const std::string& key) {
     if (!files.rules.ends_with(kSourceExtension)) return false;
+    // A whole expansion for one question, which is asked once a file.
     const Expansion expansion = expand_source(files.rules, store_.unsaved().lookup());
     return std::ranges::any_of(expansion.map.files,
                                [&key](const MappedFile& file) { return file_key(file.path) == key; });
@@ -611,6 +625,7 @@ class Server {
     analyses_.erase(name);
     std::erase_if(published_, [&](const auto& each) {
       if (each.second.project != name) return false;
+      // An empty list takes away what the editor shows.
       notify("textDocument/publishDiagnostics", {{"uri", each.second.uri}, {"diagnostics", Json::array()}});
       return true;
     });
@@ -634,6 +649,7 @@ class Server {
   // In the thread of the watch. Files without findings are told too: they may have had some.
   void publish(const ProjectFiles& files, const Overlay& unsaved, const std::shared_ptr<const Analysis>& analysis) {
     const std::string name = name_of(files);
+    // By key, since findings call files as the project does.
     std::map<std::string, std::vector<const Finding*>> by_file;
     // Each file gets a list, empty or not.
     for (const std::string& key : files.keys()) by_file[key];
@@ -717,6 +733,7 @@ class Server {
     if (owner == owners_.end()) return result;
     const auto project = projects_.find(owner->second);
     if (project == projects_.end()) return result;
+    // Made for each question from what is known; the texts and the analysis are shared.
     result.model = std::make_unique<Model>(store_, project->second, analysis_of(owner->second));
     result.file = result.model->text_file(result.key);
     result.text = store_.text(result.key);
@@ -740,6 +757,7 @@ class Server {
     const AskedName at = asked_name(params);
     if (at.file == nullptr) return nullptr;
     std::string text = at.model->name_text(at.symbol);
+    // A line of a source can be a rule, or come to many.
     const bool may_be_rule = at.file->kind == TextKind::rules || at.file->kind == TextKind::source;
     const auto line = static_cast<std::size_t>(std::max<std::int64_t>(at.position.line, 0));
     // Of the rule that stands in the line, below what is known of the name.
@@ -850,6 +868,7 @@ class Server {
 
     // `kind` is the protocol's number.
     void add(const std::string& label, int kind, const std::string& detail) {
+      // What stands there whole need not be offered.
       if (!label.starts_with(prefix) || label == prefix) return;
       if (items.size() >= kMostCompletions) {
         is_cut = true;
@@ -963,6 +982,7 @@ class Server {
       // One look finds what is wrong in all files of the project.
       if (file_key(finding.file) != at.key) continue;
       const Place place = place_of(finding, *at.text);
+      // A second look at the letters: the change must never hit something else.
       if (!fix_fits(finding, *at.text, place)) continue;
       add_action(at, finding, place, actions);
     }
@@ -1081,6 +1101,7 @@ class Server {
   std::mutex mutex_;
   std::condition_variable wake_;
   std::deque<Json> queue_;
+  // Guarded by `mutex_`, as the queue and the flag are.
   std::set<std::string> pending_;    // ids of requests without an answer
   std::set<std::string> cancelled_;  // of these
   bool is_over_ = false;

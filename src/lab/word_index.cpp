@@ -14,6 +14,7 @@
 #include "dict/block_chain.hpp"
 #include "dict/dict_record.hpp"
 #include "dicttool/entry_reader.hpp"
+#include "dicttool/terminal_count.hpp"
 #include "lab/commands.hpp"
 #include "lab/progress.hpp"
 #include "lab/text_file.hpp"
@@ -214,8 +215,10 @@ WordIndex::WordIndex(const std::string& path, const Overlay* unsaved) : path_(pa
   std::unordered_map<std::string, std::uint32_t> sets;
   Duplicates duplicates(source);
   std::string attrs;
+  TerminalCount shown(stderr, "entries read");
   const EntryUse use = [&](std::int64_t line, const StoredRecord& record, ByteView bytes) {
     interrupt_check();
+    shown.count();
     // Reused: a million entries would else be as many texts.
     attrs.assign(record.attrs);
     const auto [set, is_new] = sets.try_emplace(attrs, static_cast<std::uint32_t>(sets_.size()));
