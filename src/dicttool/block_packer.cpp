@@ -7,6 +7,7 @@ namespace lexon {
 
 namespace {
 
+// Writes a block behind the last one. Numbers of blocks have two bytes in both files.
 PackResult block_append(BlockFile& file, ByteView block) {
   if (file.next > kMaxBlockNumber) return PackResult::too_many_blocks;
   ++file.next;
@@ -17,8 +18,10 @@ PackResult block_append(BlockFile& file, ByteView block) {
 // How many chains the entries of a level need, if no run of equal keys is cut.
 std::size_t chains_needed(const std::vector<ChainStart>& entries, std::size_t capacity) {
   std::size_t chains = 0;
+  // Full, so that the first run begins a chain.
   std::size_t used = capacity;
   for (auto first = entries.begin(); first != entries.end();) {
+    // Entries come in the order of their keys, so equal ones stand together.
     const auto end = std::find_if(first, entries.end(), [first](const ChainStart& e) { return e.key != first->key; });
     const std::size_t run = static_cast<std::size_t>(end - first) * key_entry_size(first->key.size());
     if (used + run > capacity) {
@@ -38,6 +41,7 @@ bool hardly_shrinks(const std::vector<ChainStart>& entries, std::size_t capacity
   return chains > 1 && chains > entries.size() / 2;
 }
 
+// One level of a tree. `starts` receives where its chains begin, which the level above leads to.
 PackResult level_write(BlockFile& index, const BlockLayout& layout, const std::vector<ChainStart>& entries,
                        std::vector<ChainStart>& starts) {
   const bool is_root = hardly_shrinks(entries, layout.capacity());
@@ -77,8 +81,10 @@ void BlockPacker::start_chain() {
 PackResult BlockPacker::write_block(std::size_t used) {
   std::fill(block_.begin() + static_cast<std::ptrdiff_t>(used), block_.end(), std::uint8_t{0});
   store_u16(block_.data(), static_cast<std::uint32_t>(used));
+  // Blocks of the index have no type.
   if (layout_.type != 0) block_[kDictTypeOffset] = layout_.type;
   if (continues_) store_u16(block_.data() + layout_.link_offset, file_.next + 1);
+  // The next block begins empty, and a run in it at its first byte.
   used_ = run_start_ = layout_.data_offset;
   return block_append(file_, block_);
 }
@@ -88,6 +94,7 @@ PackResult BlockPacker::move_run() {
   const Bytes run(block_.begin() + static_cast<std::ptrdiff_t>(run_start_),
                   block_.begin() + static_cast<std::ptrdiff_t>(used_));
   if (const PackResult r = write_block(run_start_); r != PackResult::ok) return r;
+  // The chain of the moved run begins with the new block.
   if (!run.empty()) start_chain();
   std::copy(run.begin(), run.end(), block_.begin() + static_cast<std::ptrdiff_t>(used_));
   used_ += run.size();
@@ -120,6 +127,7 @@ PackResult BlockPacker::add(std::string_view key, ByteView item) {
   while (used_ + item.size() > layout_.link_offset) {
     if (const PackResult r = make_room(); r != PackResult::ok) return r;
   }
+  // A block that is linked to belongs to the chain of the one before it.
   if (is_empty() && !continues_) start_chain();
   std::copy(item.begin(), item.end(), block_.begin() + static_cast<std::ptrdiff_t>(used_));
   used_ += item.size();

@@ -47,6 +47,7 @@
 #include "dict/item_sort.hpp"
 #include "dict/pair_stamp.hpp"
 #include "dicttool/block_packer.hpp"
+#include "dicttool/terminal_count.hpp"
 
 namespace lexon {
 
@@ -65,6 +66,8 @@ struct PartFile {
   DraftFile draft;
 };
 
+// What the steps of a build hand on. `figures` is filled as they go, and is true of what was done even where a step
+// fails.
 struct Build {
   const BuildOptions& options;
   std::FILE* log;
@@ -80,6 +83,7 @@ struct Build {
   std::array<Tree, kSlotCount + 1> trees = {};
 };
 
+// Tells why the build ends; false for the caller to return.
 bool fail(const Build& build, const std::string& message) {
   std::fprintf(build.log, "%s\n", message.c_str());
   return false;
@@ -94,6 +98,7 @@ bool fail_sorting(const Build& build) {
   return fail(build, "cannot write a temporary file for sorting");
 }
 
+// Tells what kept a block from being written. True if nothing did.
 bool report(const Build& build, PackResult result, const BlockFile& file) {
   if (result == PackResult::ok) return true;
   const bool is_index = &file == &build.index_blocks;
@@ -105,6 +110,7 @@ bool report(const Build& build, PackResult result, const BlockFile& file) {
 
 // --- names
 
+// Under any names, links too. A file that is not there is the same as none.
 bool is_same_file(const std::string& a, const std::string& b) {
   std::error_code error;
   return fs::equivalent(a, b, error) && !error;
@@ -138,6 +144,7 @@ bool owns_index(const Build& build) {
     return is_named_in_target(build) ||
            fail(build, index + ": is there and is not the index of " + build.options.dictionary + way_out);
   }
+  // The stamp names the dictionary that the index was built for.
   const std::string* owner = stamp.text(kStampName);
   const bool is_owner = owner != nullptr && fs::path(build.options.dictionary).filename() == *owner;
   Dictionary dictionary;
@@ -145,6 +152,7 @@ bool owns_index(const Build& build) {
   return fail(build, index + ": is the index of " + (owner == nullptr ? "another dictionary" : *owner) + way_out);
 }
 
+// The names of the files to come, before anything is read: what cannot be written need not be made.
 bool plan_names(Build& build) {
   const BuildOptions& options = build.options;
   build.index_name = index_name_of(options.dictionary);
@@ -158,6 +166,7 @@ bool plan_names(Build& build) {
   }
   if (build.index_name.size() > kLongNameSize) return fail(build, build.index_name + ": the index name is too long");
   if (build.index_name.front() == ' ') return fail(build, options.dictionary + ": the name begins with a blank");
+  // None of the three files may replace the text that they are made of.
   for (const std::string& output : {options.dictionary, index, pair_stamp_path(index)}) {
     std::error_code error;
     if (fs::is_directory(output, error)) return fail(build, output + ": is a directory");
@@ -169,6 +178,7 @@ bool plan_names(Build& build) {
   return true;
 }
 
+// Opens a draft beside the file that it is to become.
 bool part_open(const Build& build, PartFile& part) {
   return part.draft.open_beside(part.target) || fail_with_reason(build, part.target + ": cannot be created", errno);
 }
@@ -180,9 +190,11 @@ void report_bad_line(const Build& build, const EntryText& text) {
                text.reason().c_str());
 }
 
+// Puts a record among those to be sorted. False, and told, if there are too many or no room is left for sorting.
 bool take_record(Build& build, const EntryText& text, ItemSorter& records, std::int64_t& bytes) {
   ++build.figures.entries;
   bytes += static_cast<std::int64_t>(text.record().size());
+  // Told before anything is sorted, which takes longest.
   if (bytes > kMaxRecordBytes) return report(build, PackResult::too_many_blocks, build.dictionary_blocks);
   // The number of its line goes with the record until all are in order.
   build.item = text.record();
@@ -197,14 +209,18 @@ bool refuse_bad_lines(const Build& build) {
   return fail(build, build.options.entries + ": " + std::to_string(count) + form + ", nothing has been built");
 }
 
+// Reads the text to its end, bad lines and all, so that one build shows all that is wrong.
 bool read_entries(Session& session, Build& build, ItemSorter& records) {
   const std::string& path = build.options.entries;
   const File stream(std::fopen(path.c_str(), "rb"));
   const int error = stream == nullptr ? errno : is_a_file(stream.get()) ? 0 : EISDIR;
   if (error != 0) return fail_with_reason(build, path + ": cannot be opened", error);
   EntryText text(session, stream.get(), build.keys);
+  TerminalCount shown(build.log, "entries read");
   std::int64_t bytes = 0;
   for (EntryText::Line line = text.next(); line != EntryText::Line::end; line = text.next()) {
+    shown.count();
+    if (line != EntryText::Line::entry) shown.hide();
     if (line == EntryText::Line::unreadable) return fail(build, path + ": cannot be read to its end");
     if (line == EntryText::Line::no_memory) return fail(build, "memory is exhausted");
     if (line == EntryText::Line::entry && !take_record(build, text, records, bytes)) return false;
@@ -219,6 +235,7 @@ bool read_entries(Session& session, Build& build, ItemSorter& records) {
 
 // --- blocks and trees
 
+// The tree over the chains of one field, in the index file.
 bool write_tree(Build& build, int key_field, std::vector<ChainStart> chains) {
   Tree& tree = build.trees[static_cast<std::size_t>(key_field)];
   const PackResult result = tree_write(build.index_blocks, build.name_size, std::move(chains), tree);
@@ -232,6 +249,7 @@ class RepeatedEntries {
  public:
   void take(ByteView record, std::uint32_t line) {
     const std::string_view hw = item_key(record);
+    // The same entry has the same form, so only those of one form are held in memory.
     if (hw != hw_) {
       lines_.clear();
       hw_ = hw;
@@ -261,20 +279,25 @@ class RepeatedEntries {
   std::vector<std::pair<std::uint32_t, std::uint32_t>> found_;  // the line of an entry, and of the one before
 };
 
+// The data blocks in the order of the forms, and the tree of the headwords over them.
 bool write_records(Build& build, ItemSorter& records) {
   if (!records.start_reading()) return fail_sorting(build);
   std::vector<ChainStart> chains;
   BlockPacker packer(build.dictionary_blocks, dict_layout(kDataBlock), LongRun::many_chains, chains);
   RepeatedEntries repeated;
+  TerminalCount shown(build.log, "entries written");
   for (ByteView item = records.next(); !item.empty(); item = records.next()) {
     Bytes& record = build.item;
+    // The number of the line goes along for messages alone; equal entries come in the order of the text.
     record.assign(item.begin(), item.end() - kLineNumberSize);
     store_u16(record.data(), static_cast<std::uint32_t>(record.size()));
     const std::uint32_t line = load_u32(item.data() + record.size());
     repeated.take(record, line);
+    shown.count();
     const PackResult result = packer.add(item_key(record), record);
     if (result != PackResult::ok) return report(build, result, build.dictionary_blocks);
   }
+  shown.hide();
   repeated.tell(build);
   if (records.failed()) return fail_sorting(build);
   return report(build, packer.finish(), build.dictionary_blocks) && write_tree(build, kKeyHw, std::move(chains));
@@ -288,6 +311,7 @@ void key_item(std::string_view key, std::uint32_t block, Bytes& item) {
   append_u16(item, block);
 }
 
+// The keys of one field in a data block. Records without such a key are found by the others alone.
 bool gather_block_keys(const DictBlock& block, std::uint32_t number, int key_field, ItemSorter& keys) {
   Bytes item;
   ByteView record;
@@ -301,6 +325,7 @@ bool gather_block_keys(const DictBlock& block, std::uint32_t number, int key_fie
   return true;
 }
 
+// Reads back the data blocks that were just written, since their numbers are what the keys lead to.
 bool gather_keys(Build& build, std::uint32_t end_block, int key_field, ItemSorter& keys) {
   DictBlock block;
   if (std::fflush(build.dictionary.draft.stream()) != 0)
@@ -325,6 +350,7 @@ PackResult pack_keys(ItemSorter& keys, BlockPacker& packer) {
   return packer.finish();
 }
 
+// The key blocks of one field behind the data blocks, and the tree over them.
 bool write_keys(Build& build, std::uint32_t end_block, int key_field) {
   ItemSorter keys(build.options.memory);
   if (!gather_keys(build, end_block, key_field, keys)) return false;
@@ -338,6 +364,7 @@ bool write_keys(Build& build, std::uint32_t end_block, int key_field) {
 
 // --- the header, and the end
 
+// The description of one index in the header: its name, the levels of its tree, its root.
 void slot_store(const Build& build, int key_field, Bytes& header) {
   const Tree& tree = build.trees[static_cast<std::size_t>(key_field)];
   std::uint8_t* slot = header.data() + slot_offset(build.name_size, key_field);
@@ -346,6 +373,7 @@ void slot_store(const Build& build, int key_field, Bytes& header) {
   store_u16(slot + build.name_size + kSlotRoot, tree.root);
 }
 
+// Written twice: first to take its place in front of the blocks, and in the end with the roots of the trees.
 bool write_header(Build& build) {
   Bytes header(kDictBlockSize);
   for (int field = kKeyHw; field <= kSlotCount; ++field) {
@@ -393,7 +421,9 @@ bool put_in_place(Build& build) {
   left_drafts_remove(build.dictionary.target);
   const std::string stamp_path = pair_stamp_path(build.index.target);
   Stamp stamp;
+  // The stamp is made of the drafts, before anything is put in place.
   if (!pair_stamp(build, stamp)) return fail(build, build.dictionary.target + ": cannot be read back");
+  // Between the two renames the files do not belong together; this stamp says that a replacement is under way.
   Stamp replacing = stamp;
   replacing.put(kStampReplacing, std::int64_t{1});
   put_pair_before(build, replacing);
@@ -417,11 +447,13 @@ bool put_in_place(Build& build) {
   return true;
 }
 
+// Data blocks first, then field by field the key blocks with their trees, and the header in the end.
 bool write_files(Build& build, std::unique_ptr<ItemSorter> records) {
   if (!part_open(build, build.dictionary) || !part_open(build, build.index)) return false;
   build.dictionary_blocks = {build.dictionary.draft.stream(), kFirstDictBlock};
   build.index_blocks = {build.index.draft.stream(), kFirstIndexBlock};
   if (!write_header(build) || !write_records(build, *records)) return false;
+  // The memory of the sort is free before that of the next one is taken.
   records.reset();
   const std::uint32_t end_block = build.dictionary_blocks.next;
   for (int field = kKeyHw + 1; field <= kSlotCount; ++field) {

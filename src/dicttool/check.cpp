@@ -11,6 +11,7 @@
 #include "dicttool/check.hpp"
 #include "dicttool/record_view.hpp"
 #include "dicttool/survey.hpp"
+#include "dicttool/terminal_count.hpp"
 
 namespace lexon {
 
@@ -18,6 +19,7 @@ namespace {
 
 // What is sorted by key to be compared with lookups: a record, or an entry of a key block. Layout of an item: size
 // (2), key, number of the block (2), offset in it (2), and for a record the mark of its content (4 + 4).
+// `content` is 0 for an entry of a key block.
 struct KeyUse {
   std::int64_t offset;  // in the dictionary file
   bool is_record;
@@ -31,11 +33,13 @@ struct KeyTotals {
   std::int64_t entries = 0;  // of key blocks; groups of a lookup
 };
 
+// What the check of one key field works with.
 struct KeyCheck {
   const Dictionary& opened;
   DamageLog& damage;
   int key_field;
   CheckFigures& figures;
+  TerminalCount& shown;  // of keys
 };
 
 // Records are told apart by a hash of their bytes: a lookup gives words, not places.
@@ -45,6 +49,7 @@ std::uint64_t content_mark(const RecordView& record) {
   return std::hash<std::string_view>{}(as_text(bytes));
 }
 
+// Puts a use among those to be sorted, in the layout above. Null for `record`: an entry of a key block.
 bool add_use(ItemSorter& uses, std::string_view key, std::uint32_t block, std::size_t at, const RecordView* record) {
   Bytes item;
   append_u16(item, 2 + 2 + key.size() + 4 + (record == nullptr ? 0U : 8U));
@@ -59,15 +64,18 @@ bool add_use(ItemSorter& uses, std::string_view key, std::uint32_t block, std::s
   return uses.add(item);
 }
 
+// Reads an item back. Size and key are known by the sorter, so the reader begins behind them.
 KeyUse use_of(ByteView item) {
   ByteReader reader(item, 4 + item_key(item).size());
   const std::int64_t block = dict_block_offset(reader.u16());
   KeyUse use{.offset = block + reader.u16(), .is_record = reader.more(), .content = 0};
+  // The mark stands there in two halves, the upper one first.
   if (use.is_record) use.content = static_cast<std::uint64_t>(reader.u32()) << 32;
   if (use.is_record) use.content |= reader.u32();
   return use;
 }
 
+// The records of a data block that have a key in the field. Damaged records were told by the survey.
 bool gather_records(const DictBlock& block, std::uint32_t number, KeyCheck& check, ItemSorter& uses) {
   ByteView bytes;
   for (std::size_t at = kDictDataOffset; at < block.content().size(); at += bytes.size()) {
@@ -75,6 +83,7 @@ bool gather_records(const DictBlock& block, std::uint32_t number, KeyCheck& chec
     StoredRecord stored;
     (void)stored_record_read(bytes, stored);
     const RecordView record = record_of(stored);
+    // Every record has a headword, so each is counted once over all fields.
     if (check.key_field == kKeyHw) ++check.figures.records;
     const bool is_used = has_key(record, check.key_field);
     if (is_used && !add_use(uses, record_key(record, check.key_field), number, at, &record)) return false;
@@ -82,6 +91,7 @@ bool gather_records(const DictBlock& block, std::uint32_t number, KeyCheck& chec
   return true;
 }
 
+// The entries of a key block: a key, and behind it the number of a block.
 bool gather_entries(const DictBlock& block, std::uint32_t number, ItemSorter& uses) {
   ByteReader reader(block.content(), kDictDataOffset);
   while (reader.more()) {
@@ -93,6 +103,7 @@ bool gather_entries(const DictBlock& block, std::uint32_t number, ItemSorter& us
   return true;
 }
 
+// All uses of the keys of one field, in data blocks and in the key blocks that belong to its index.
 bool gather_uses(const Survey& survey, KeyCheck& check, ItemSorter& uses) {
   DictBlock block;
   for (std::uint32_t number = kFirstDictBlock; number < survey.dictionary.end; ++number) {
@@ -105,6 +116,7 @@ bool gather_uses(const Survey& survey, KeyCheck& check, ItemSorter& uses) {
   return true;
 }
 
+// What a run would find by this key.
 Status ask(Session& session, const KeyCheck& check, const std::string& key, KeyTotals& found) {
   LookupGroup* groups = nullptr;
   const Status status = dict_lookup(session, check.opened.files(), check.key_field, key.c_str(), groups);
@@ -112,6 +124,7 @@ Status ask(Session& session, const KeyCheck& check, const std::string& key, KeyT
     ++found.entries;
     for (const WordEntry& word : chain<&WordEntry::next>(group.entries)) {
       ++found.records;
+      // A sum does not care for the order, in which the look-up and the file differ.
       found.content += content_mark(record_of(word));
     }
   }
@@ -128,6 +141,7 @@ struct KeyGroup {
   KeyTotals totals = {};
 
   void add(const KeyUse& use) {
+    // The place of the first record, or else of the last entry, is shown.
     if (totals.records == 0) offset = use.offset;
     totals.records += use.is_record ? 1 : 0;
     totals.entries += use.is_record ? 0 : 1;
@@ -139,6 +153,7 @@ std::string described(const KeyCheck& check, const std::string& key) {
   constexpr std::size_t kShown = 80;
   std::string shown = key.substr(0, kShown);
   std::replace_if(
+      // A damaged key may hold anything, and is shown in one line.
       shown.begin(), shown.end(), [](char c) { return c >= 0 && c < ' '; }, '?');
   return std::string(key_field_name(check.key_field)) + " \"" + shown + (key.size() > kShown ? "...\"" : "\"");
 }
@@ -149,6 +164,7 @@ std::string difference(const KeyTotals& found, const KeyTotals& wanted, int key_
     return std::to_string(found.records) + " records are found, and " + std::to_string(wanted.records) + " are there";
   }
   if (found.content != wanted.content) return "other records are found than are there";
+  // The headwords have no key blocks of their own: their index leads to the data blocks.
   const bool has_idle_entry = key_field != kKeyHw && found.entries != wanted.entries;
   return has_idle_entry ? "an entry leads to no record" : "";
 }
@@ -156,12 +172,15 @@ std::string difference(const KeyTotals& found, const KeyTotals& wanted, int key_
 // A key with more words than a sentence's memory holds is no damage, but of no use either.
 void note_unasked(const KeyCheck& check, const KeyGroup& group) {
   ++check.figures.unasked;
+  check.shown.hide();
   std::fprintf(check.damage.stream, "%s: note: by %s there are %lld records, more than a sentence can hold\n",
                check.opened.path.c_str(), described(check, group.key).c_str(),
                static_cast<long long>(group.totals.records));
 }
 
+// What is wrong with a key; empty if nothing is.
 std::string wrong_with(Session& session, const KeyCheck& check, const KeyGroup& group) {
+  // No look-up can ask for it: keys are handed over as texts that end at a NUL.
   if (group.key.find('\0') != std::string::npos) return "a NUL character is in the key";
   if (group.totals.records == 0) return "an entry leads to no record";
   KeyTotals found;
@@ -172,13 +191,17 @@ std::string wrong_with(Session& session, const KeyCheck& check, const KeyGroup& 
   return "";
 }
 
+// Asks for one key and tells what differs, with the place of its first use.
 void check_key(Session& session, const KeyCheck& check, const KeyGroup& group) {
   ++check.figures.keys;
+  check.shown.count();
   const std::string wrong = wrong_with(session, check, group);
   if (wrong.empty()) return;
+  check.shown.hide();
   check.damage.add(check.opened.path, group.offset, "by " + described(check, group.key) + ": " + wrong);
 }
 
+// Goes through the sorted uses, which brings all of a key together. False if they cannot be read back.
 bool check_keys(Session& session, const KeyCheck& check, ItemSorter& uses) {
   if (!uses.start_reading()) return false;
   KeyGroup group;
@@ -197,12 +220,15 @@ bool check_keys(Session& session, const KeyCheck& check, ItemSorter& uses) {
   return !uses.failed();
 }
 
+// One field after the other, since each sorts as many items as the dictionary has records.
 bool check_all_keys(Session& session, const Survey& survey, std::FILE* log, std::size_t memory, CheckFigures& figures) {
   for (int field = kKeyHw; field <= kSlotCount; ++field) {
     if (survey.opened.slots[static_cast<std::size_t>(field)] == nullptr) continue;
-    KeyCheck check{survey.opened, survey.damage, field, figures};
+    TerminalCount shown(log, "keys asked for");
+    KeyCheck check{survey.opened, survey.damage, field, figures, shown};
     ItemSorter uses(memory);
     if (gather_uses(survey, check, uses) && check_keys(session, check, uses)) continue;
+    shown.hide();
     std::fprintf(log, "%s: the check cannot be finished: reading or sorting fails\n", survey.opened.path.c_str());
     return false;
   }
@@ -220,6 +246,7 @@ bool dictionary_check(Session& session, const std::string& path, std::FILE* log,
   }
   DamageLog damage{log};
   Stamp stamp;
+  // A dictionary of another make has no stamp, and then nothing tells whether its two files belong together.
   figures.has_stamp = stamp_read(pair_stamp_path(opened.index_path), stamp) != StampState::missing;
   if (pair_check(opened, PairCheck::whole) != Pairing::belong) damage.add(opened.fault);
   const std::int64_t changed = damage.count;

@@ -12,6 +12,7 @@ namespace lexon {
 
 namespace {
 
+// Does `c` follow, with nothing but blanks in front of it?
 bool blanks_then(std::string_view text, std::size_t at, char c) {
   while (at < text.size() && is_blank(text[at])) ++at;
   return at < text.size() && text[at] == c;
@@ -26,10 +27,12 @@ bool is_escapable(char c) {
   return c == '[' || c == ']' || c == '\\';
 }
 
+// A "]" in front of "{" would end the form where it stands.
 bool closes_early(std::string_view hw, std::size_t i) {
   return hw[i] == ']' && blanks_then(hw, i + 1, '{');
 }
 
+// Would the reader take this backslash and what is behind it for a pair? At the end the "]" of the line is behind it.
 bool begins_pair(std::string_view hw, std::size_t i) {
   return hw[i] == '\\' && (i + 1 == hw.size() || is_escapable(hw[i + 1]));
 }
@@ -46,6 +49,7 @@ bool is_writable(const Choice& choice, Place place) {
 
 // From the end to the start, since the character behind decides whether one may be a pair.
 std::vector<Choice> hw_choices(std::string_view hw) {
+  // Behind the last character all is well.
   std::vector<Choice> choices(hw.size() + 1, Choice{{true, true}, true});
   for (std::size_t i = hw.size(); i-- > 0;) {
     const Choice& next = choices[i + 1];
@@ -56,6 +60,7 @@ std::vector<Choice> hw_choices(std::string_view hw) {
   return choices;
 }
 
+// As few pairs as possible. False: the form cannot be written in a way that reads back.
 bool append_hw(std::string_view hw, std::string& line) {
   const std::vector<Choice> choices = hw_choices(hw);
   Place place = free_place;
@@ -79,12 +84,14 @@ void append_cw(std::string_view cw, std::string& line) {
   }
 }
 
+// Of a mark the code of two letters, and of any other character that itself.
 void append_language(char mark, std::string& line) {
   const std::array<char, 2> text = {mark, '\0'};
   const char* row = language_to_code(text.data());
   line.append(row, row == text.data() ? 1 : 2);
 }
 
+// From the ")" of the attributes to the end of the line.
 void append_tail(const RecordView& record, std::string& line) {
   line += ") <";
   append_language(record.language[0], line);
@@ -92,6 +99,7 @@ void append_tail(const RecordView& record, std::string& line) {
   if (record.language[1] != '.') line += record.language[1];
   if (record.extra1.empty() && record.extra2.empty()) return;
   line.append("[").append(record.extra1).append("]");
+  // The second text can only stand behind the first, which may be empty.
   if (!record.extra2.empty()) line.append("{").append(record.extra2).append("}");
 }
 

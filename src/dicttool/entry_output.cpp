@@ -13,6 +13,7 @@ EntryOutput::EntryOutput(Session& session, const EntryForm& form, std::FILE* out
 void EntryOutput::fill(std::string_view form, const ListedWord& word, std::string& to) const {
   to.clear();
   while (!form.empty()) {
+    // A text without a known name in braces is copied, a character a turn.
     const auto take = [&form, &to](std::string_view name, std::string_view value) {
       if (!form.starts_with(name)) return false;
       to += value;
@@ -20,6 +21,7 @@ void EntryOutput::fill(std::string_view form, const ListedWord& word, std::strin
       return true;
     };
     if (take("{lemma}", word.lemma) || take("{category}", word.category)) continue;
+    // The first attribute is the class of the word.
     if (take("{class}", word.attributes.substr(0, word.attributes.find(',')))) continue;
     to += form.front();
     form.remove_prefix(1);
@@ -27,11 +29,13 @@ void EntryOutput::fill(std::string_view form, const ListedWord& word, std::strin
 }
 
 EntryOutput::Result EntryOutput::write(const ListedWord& word) {
+  // A word that brings its concept word along needs no pattern.
   if (word.concept_word.empty()) {
     fill(form_.cw, word, cw_);
   } else {
     cw_ = word.concept_word;
   }
+  // The members keep their memory from word to word, since there are millions.
   fill(form_.id, word, id_);
   RecordView record;
   record.hw = word.form;
@@ -41,6 +45,7 @@ EntryOutput::Result EntryOutput::write(const ListedWord& word) {
   record.attrs = word.attributes;
   record.frequency = word.frequency;
   record.priority = word.priority;
+  // Else the mark stays ".", any language.
   if (!form_.language.empty()) record.language[0] = *language_to_mark(form_.language.c_str());
   if (word.attributes.size() > kMaxAttrsLength || !entry_line_write(session_, record, line_)) return Result::impossible;
   // Lists name many forms twice. Lines are known by their hashes, which is all that is kept of millions.

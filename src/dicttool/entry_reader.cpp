@@ -37,6 +37,7 @@ bool EntryText::read_line() {
   while (!is_ended) {
     if (chunk_at_ == chunk_end_ && !fill_chunk()) break;
     const char* from = reinterpret_cast<const char*>(chunk_.data()) + chunk_at_;
+    // The line may begin in one chunk and end in another, or fill several.
     const void* end = std::memchr(from, '\n', chunk_end_ - chunk_at_);
     is_ended = end != nullptr;
     const std::size_t length =
@@ -44,6 +45,7 @@ bool EntryText::read_line() {
     take(from, length);
     chunk_at_ += length + (is_ended ? 1 : 0);
   }
+  // A last line without an end is a line all the same.
   if (!is_ended && line_.empty()) return false;
   if (is_ended && !line_.empty() && line_.back() == '\r') line_.pop_back();
   too_long_ = too_long_ || line_.size() > kMaxEntryLine;
@@ -64,6 +66,7 @@ bool EntryText::refuse(std::string reason) {
 }
 
 bool EntryText::check_line() {
+  // In this order: a line that is cut or holds a NUL cannot be judged by what it says.
   if (too_long_) return refuse("the line has more than " + std::to_string(kMaxEntryLine) + " characters");
   if (line_.find('\0') != std::string::npos) return refuse("the line holds a NUL character");
   if (*skip_blanks(line_.c_str()) != '[') return refuse("an entry begins with \"[\"");
@@ -72,6 +75,7 @@ bool EntryText::check_line() {
 
 // What the text may say and the files cannot hold.
 bool EntryText::check_record(const RecordView& record) {
+  // A record does not go over the end of a block.
   const std::size_t size = record_size(record);
   if (size > kMaxRecordSize) {
     return refuse("the entry needs " + std::to_string(size) + " bytes, and a block holds " +

@@ -13,6 +13,7 @@ void FeatureTable::read(std::string_view text, std::vector<std::string>& faults)
   std::int64_t number = 0;
   for (std::string_view line; take_line(text, line);) {
     ++number;
+    // A comment has a blank behind its sign: features may begin with one.
     if (line.empty() || line == "#" || line.starts_with("# ")) continue;
     const std::size_t tab = line.find('\t');
     if (tab == std::string_view::npos || tab == 0) {
@@ -37,6 +38,7 @@ void FeatureTable::read(std::string_view text, std::vector<std::string>& faults)
 // leaves the word out, whatever the others say.
 FeatureTable::Answer FeatureTable::answer(std::string_view bundle) const {
   std::vector<std::string_view> left = fields_of(bundle, ';');
+  // Rows whose features the bundle has, all of them.
   std::vector<const Row*> tried;
   for (const Row& row : rows_) {
     const bool fits = std::all_of(row.features.begin(), row.features.end(), [&left](const std::string& feature) {
@@ -50,6 +52,7 @@ FeatureTable::Answer FeatureTable::answer(std::string_view bundle) const {
   std::vector<const Row*> at(left.size());  // the row that a feature of the bundle begins
   std::vector<bool> used(left.size());
   for (const Row* row : tried) {
+    // Where in the bundle its features stand that no row has used so far.
     std::vector<std::size_t> places;
     for (const std::string& feature : row->features) {
       for (std::size_t i = 0; i < left.size(); ++i) {
@@ -66,6 +69,7 @@ FeatureTable::Answer FeatureTable::answer(std::string_view bundle) const {
   Answer answer;
   std::string attributes;
   for (std::size_t i = 0; i < left.size(); ++i) {
+    // A feature that served no row is one that the table lacks.
     if (!used[i] && !left[i].empty()) answer.unknown.emplace_back(left[i]);
     if (at[i] == nullptr || at[i]->attributes.empty()) continue;
     attributes += (attributes.empty() ? "" : ",") + at[i]->attributes;

@@ -43,6 +43,7 @@ class Expression {
   }
 
   [[nodiscard]] bool is_in(std::string_view text) const {
+    // Both expressions are the same, so either answers for a text of ASCII.
     if (narrow_ && is_ascii(text)) return std::regex_search(text.begin(), text.end(), *narrow_);
     return std::regex_search(wide(text), wide_);
   }
@@ -60,6 +61,7 @@ bool has_attribute(std::string_view list, std::string_view name) {
   for (std::size_t i = 0; i <= list.size(); ++i) {
     const bool parts = i == list.size() || (depth == 0 && (list[i] == ',' || list[i] == ' ' || list[i] == '\t'));
     if (!parts) {
+      // An attribute may have parentheses with commas in them.
       depth += list[i] == '(' ? 1 : list[i] == ')' ? -1 : 0;
       continue;
     }
@@ -97,6 +99,7 @@ class Search {
 
  private:
   [[nodiscard]] bool fits(const RecordView& record) const {
+    // A look-up gives records of this key alone; a scan gives all, and a second key is held against them here.
     if (query_.wants_hw && record.hw != query_.hw) return false;
     if (query_.wants_cw && record.cw != query_.cw) return false;
     for (const std::string& name : query_.attributes) {
@@ -136,6 +139,7 @@ bool look_up(Session& session, const Dictionary& opened, const FindQuery& query,
   groups_flatten(session, groups, words);
   entry_list_sort(words);
   for (const WordEntry& word : chain<&WordEntry::next>(words)) {
+    // The word is handed on, as its record may have no text form.
     if (!search.take(record_of(word), &word)) break;
   }
   // The words lay in the pool of the session, which nothing else uses here.
@@ -151,6 +155,7 @@ struct Range {
 };
 std::optional<Range> range_read(std::string_view pattern, std::size_t at, std::uint32_t c) {
   std::size_t i = at + 1;
+  // The shell writes "!", and expressions "^"; both are taken.
   const bool is_negated = i < pattern.size() && (pattern[i] == '!' || pattern[i] == '^');
   if (is_negated) ++i;
   bool holds = false;
@@ -158,6 +163,7 @@ std::optional<Range> range_read(std::string_view pattern, std::size_t at, std::u
     const Utf8Character from = utf8_first(pattern.substr(i));
     i += from.length;
     std::uint32_t to = from.code;
+    // A "-" in front of the closing bracket is a letter.
     if (i + 1 < pattern.size() && pattern[i] == '-' && pattern[i + 1] != ']') {
       const Utf8Character last = utf8_first(pattern.substr(i + 1));
       to = last.code;
@@ -181,6 +187,7 @@ bool glob_matches(std::string_view pattern, std::string_view text) {
   std::size_t taken = 0;
   while (t < text.size()) {
     const Utf8Character c = utf8_first(text.substr(t));
+    // A star takes nothing at first.
     if (p < pattern.size() && pattern[p] == '*') {
       star = p++;
       taken = t;
@@ -189,6 +196,7 @@ bool glob_matches(std::string_view pattern, std::string_view text) {
     std::size_t behind = kNone;  // where the pattern goes on if it takes this character
     if (p < pattern.size()) {
       const std::optional<Range> range = pattern[p] == '[' ? range_read(pattern, p, c.code) : std::nullopt;
+      // A backslash at the end of the pattern is a letter.
       const bool is_escape = pattern[p] == '\\' && p + 1 < pattern.size();
       const std::size_t at = is_escape ? p + 1 : p;
       const Utf8Character wanted = utf8_first(pattern.substr(at));
@@ -209,6 +217,7 @@ bool glob_matches(std::string_view pattern, std::string_view text) {
       return false;
     }
   }
+  // Stars at the end may stand for nothing.
   while (p < pattern.size() && pattern[p] == '*') ++p;
   return p == pattern.size();
 }
@@ -220,6 +229,7 @@ FindResult dictionary_find(Session& session, const std::string& path, const Find
     std::fprintf(log, "%s\n", opened.fault.c_str());
     return FindResult::failed;
   }
+  // Compiling an expression can throw, and is told as a fault of the option.
   std::optional<Search> search;
   try {
     search.emplace(session, query, out);
@@ -239,6 +249,7 @@ FindResult dictionary_find(Session& session, const std::string& path, const Find
     std::fprintf(log, "--regex: this expression takes too long: %s\n", error.what());
     return FindResult::failed;
   }
+  // A look-up notes it in the session and ends early, with what it has found so far.
   if (must_leave(session) == Status::memory) {
     std::fprintf(log, "memory is exhausted\n");
     return FindResult::failed;

@@ -24,6 +24,7 @@ std::string_view trimmed_of(std::string_view text) {
 std::string_view take_word(std::string_view& text) {
   text = trimmed_of(text);
   std::size_t end = 0;
+  // "(a b)*" is one word: the sign behind the parenthesis belongs to it.
   if (text.starts_with('(')) end = std::min(text.find(')'), text.size());
   end = std::min(text.find_first_of(kBlanks, end), text.size());
   const std::string_view word = text.substr(0, end);
@@ -88,6 +89,7 @@ std::string LetterChanges::read(std::string_view line) {
       return "the set " + std::string(name) + " is there already: choose another name";
     return {};
   }
+  // Changes in front of the first "pass" make one of their own.
   if (passes_.empty()) passes_.emplace_back();
   return read_change(line);
 }
@@ -99,6 +101,7 @@ std::string LetterChanges::read_change(std::string_view text) {
   const std::size_t arrow = text.find("->");
   if (arrow == std::string_view::npos) return "write change FROM -> TO, or change FROM -> TO / LEFT _ RIGHT";
   std::string_view behind = text.substr(arrow + 2);
+  // With blanks around it, since "/" may be a letter.
   const std::size_t slash = behind.find(" / ");
   const std::string_view context = slash == std::string_view::npos ? std::string_view() : behind.substr(slash + 3);
   behind = behind.substr(0, slash);
@@ -106,6 +109,7 @@ std::string LetterChanges::read_change(std::string_view text) {
   if (std::string fault = read_letters(trimmed_of(behind), change.to); !fault.empty()) return fault;
   // All letters of a set may become one.
   if (change.to.size() == 1) change.to.resize(change.from.size(), change.to.front());
+  // Each letter of the one set becomes the letter at the same place in the other.
   if (change.from.size() != change.to.size()) return "the sets on both sides of -> have not the same number of letters";
   if (slash != std::string_view::npos) {
     std::size_t place = std::string_view::npos;
@@ -115,6 +119,7 @@ std::string LetterChanges::read_change(std::string_view text) {
                                 (i + 1 == context.size() || kBlanks.find(context[i + 1]) != std::string_view::npos);
       if (stands_alone) place = i;
     }
+    // Of several that stand alone the last one counts.
     if (place == std::string_view::npos) return "the context has no place: write LEFT _ RIGHT";
     if (std::string fault = read_context(context.substr(0, place), true, change.left); !fault.empty()) return fault;
     if (std::string fault = read_context(context.substr(place + 1), false, change.right); !fault.empty()) return fault;
@@ -127,6 +132,7 @@ std::string LetterChanges::read_change(std::string_view text) {
   Pass& pass = passes_.back();
   for (const Letters& from : change.from) {
     pass.inserts = pass.inserts || from.empty();
+    // Of what is put in there is no first letter, which `inserts` remembers.
     pass.begins += from.substr(0, 1);
   }
   std::sort(pass.begins.begin(), pass.begins.end());
@@ -155,6 +161,7 @@ std::string LetterChanges::read_context(std::string_view text, bool is_left, Con
   while (!trimmed_of(text).empty()) {
     std::string_view word = take_word(text);
     Element element;
+    // Alone the two signs are letters.
     if (word.size() > 1 && (word.ends_with('?') || word.ends_with('*'))) {
       element.may_miss = true;
       element.may_repeat = word.ends_with('*');
@@ -177,6 +184,7 @@ std::string LetterChanges::read_context(std::string_view text, bool is_left, Con
       const Letters letters = letters_of(word);
       const bool is_one = letters.size() == 1;
       if (!is_one && element.may_miss) return "? and * stand behind one letter or a set: part the letters with blanks";
+      // The last letter of the word is the element itself, those in front of it are elements of their own.
       for (std::size_t i = 0; !is_one && i + 1 < letters.size(); ++i) {
         Element one;
         one.set = letters.substr(i, 1);
@@ -201,6 +209,7 @@ bool LetterChanges::fits(const Context& context, std::size_t number, std::u32str
       is_left ? text.remove_suffix(1) : text.remove_prefix(1);
     }
     if (element.is_edge) {
+      // The edge of the word takes no letter.
       const bool is_at_edge = text.empty();
       if (!is_at_edge) return false;
       ++number;
@@ -211,6 +220,7 @@ bool LetterChanges::fits(const Context& context, std::size_t number, std::u32str
     const char32_t letter = is_left ? text.back() : text.front();
     if (!std::binary_search(element.set.begin(), element.set.end(), letter)) return false;
     is_left ? text.remove_suffix(1) : text.remove_prefix(1);
+    // One that may repeat stays, and ends when it is tried as missing.
     if (!element.may_repeat) ++number;
   }
   return true;
@@ -225,6 +235,7 @@ void LetterChanges::apply(Letters& word) const {
     std::size_t at = 0;
     const auto change_here = [&](bool inserts) {
       for (const Change& change : pass.changes) {
+        // Its first item decides whether a change puts something in.
         if (change.from.front().empty() != inserts) continue;
         for (std::size_t i = 0; i < change.from.size(); ++i) {
           const Letters& from = change.from[i];
@@ -232,6 +243,7 @@ void LetterChanges::apply(Letters& word) const {
           if (!is_here || !fits(change.left, 0, out, true) ||
               !fits(change.right, 0, rest.substr(at + from.size()), false))
             continue;
+          // The first change that fits here is the one; the pass goes on behind what it took.
           out += change.to[i];
           at += from.size();
           return true;
@@ -248,6 +260,7 @@ void LetterChanges::apply(Letters& word) const {
     }
     word.swap(out);
   }
+  // The boundaries have served their purpose.
   word.erase(std::remove(word.begin(), word.end(), kBoundary), word.end());
 }
 

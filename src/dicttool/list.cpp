@@ -12,6 +12,7 @@ namespace lexon {
 
 bool dictionary_list(Session& session, const std::string& path, std::FILE* out, std::FILE* log) {
   Dictionary opened;
+  // The index is not needed: records are read from the beginning of the file to its end.
   if (!dictionary_file_open(path, opened) || opened.name_size == 0) {
     std::fprintf(log, "%s\n", opened.fault.c_str());
     return false;
@@ -23,6 +24,7 @@ bool dictionary_list(Session& session, const std::string& path, std::FILE* out, 
       std::fwrite(line.data(), 1, line.size(), out);
       return true;
     }
+    // One record without a text form does not keep the others from being listed.
     is_good = false;
     const bool is_memory = must_leave(session) == Status::memory;
     std::fprintf(log, "%s: offset %lld: %s\n", opened.path.c_str(), static_cast<long long>(offset),

@@ -43,6 +43,7 @@ class Inflector {
   }
 
   bool run() {
+    // Stems are judged by their paradigms, so without these none is read.
     bool is_whole = read_paradigms();
     for (const std::string& path : options_.stems) is_whole = is_whole && read_stems(path);
     if (figures_.bad_lines > kShownLines) {
@@ -60,6 +61,7 @@ class Inflector {
   }
 
   void bad_line(const std::string& what) {
+    // The rest is counted, and told at the end.
     if (++figures_.bad_lines <= kShownLines) fault(what);
   }
 
@@ -82,12 +84,14 @@ class Inflector {
     std::string_view rest = text;
     for (std::string_view line; take_line(rest, line);) {
       ++number_;
+      // An empty line, or a comment.
       const std::size_t begin = line.find_first_not_of(" \t");
       if (begin == std::string_view::npos || line[begin] == ';') continue;
       const std::string_view word = line.substr(0, line.find_first_of(" \t"));
       if (word == "letters" || word == "pass" || word == "change") {
         const std::string what = changes_.read(line);
         is_good = (what.empty() || fault(what)) && is_good;
+        // Every other line belongs to the table whose header came last.
       } else if (line.starts_with("features\t")) {
         is_good = read_header(line, classes) && is_good;
       } else {
@@ -105,6 +109,7 @@ class Inflector {
     for (const std::string& name : classes) {
       const bool is_name = !name.empty() && name.find(' ') == std::string::npos;
       if (!is_name) return fault("the name of a class is one word");
+      // A class may be missing in a table and stand in the next, but not in two.
       if (!forms_.try_emplace(name).second) return fault("the class " + name + " has a table already");
     }
     return true;
@@ -120,12 +125,14 @@ class Inflector {
       return fault("this row has " + std::to_string(cells.size() - 1) + " endings, and the table " +
                    std::to_string(classes.size()) + " classes: a tab stands between them, and - for no form");
     }
+    // The attributes of a row are its name.
     const auto [row, is_new] = row_numbers_.try_emplace(std::string(cells[0]), rows_.size());
     if (is_new) rows_.emplace_back(cells[0]);
     for (std::size_t i = 0; i < classes.size(); ++i) {
       Form form;
       form.row = row->second;
       for (const std::string_view text : fields_of(cells[i + 1], ' ')) {
+        // The dash is a form of its own beside others.
         if (text == "-" && cells[i + 1] == "-") continue;
         if (!read_ending(text, form))
           return fault("an ending is missing here: write 0 for the stem alone, - for no form");
@@ -137,9 +144,11 @@ class Inflector {
 
   bool read_ending(std::string_view text, Form& form) {
     Ending ending;
+    // "@past+st": the column in front of the "+", and the "+" goes with the ending as its boundary.
     if (text.starts_with('@')) {
       const std::size_t end = std::min(text.find('+'), text.size());
       ending.column = text.substr(1, end - 1);
+      // A column of the stems may have this name.
       stem_columns_.insert(ending.column);
       text.remove_prefix(end);
     } else if (text.empty()) {
@@ -160,12 +169,14 @@ class Inflector {
     for (std::string_view line; take_line(rest, line);) {
       ++number_;
       if (line.empty() || line.starts_with(';')) continue;
+      // Each file has a header of its own.
       if (columns.empty()) {
         for (const std::string_view name : fields_of(line, '\t')) columns.emplace_back(name);
         if (!check_columns(columns)) return false;
         continue;
       }
       const std::vector<std::string_view> cells = fields_of(line, '\t');
+      // Fewer cells are all right: the last columns are empty then.
       if (cells.size() > columns.size()) {
         bad_line("this line has " + std::to_string(cells.size()) + " cells, and the header " +
                  std::to_string(columns.size()) + " columns");
@@ -225,6 +236,7 @@ class Inflector {
       if (forms == forms_.end()) return bad_line("no table has the class \"" + std::string(name) + '"');
       has_class = true;
       for (const Form& form : forms->second) {
+        // A whole form that stands in the line replaces all endings of the row.
         const auto irregular = own.find(form.row);
         if (irregular == own.end()) {
           if (!write_regular(form, word, cell)) return;
@@ -239,6 +251,7 @@ class Inflector {
         if (!is_of_class && text != "-") write(text, row, word, cell("attributes"));
       }
     }
+    // A stem without a class has no forms, and is none.
     if (has_class) ++figures_.stems;
   }
 
@@ -262,6 +275,7 @@ class Inflector {
   }
 
   void write(std::string_view text, std::size_t row, ListedWord word, std::string_view attributes) {
+    // The attributes of the row, and behind them those of the stem itself.
     attributes_ = rows_[row];
     if (!attributes.empty()) attributes_ += (attributes_.empty() ? "" : ",") + std::string(attributes);
     word.form = text;
@@ -274,6 +288,7 @@ class Inflector {
 
   template <typename Number>
   static bool read_number(std::string_view text, Number& number) {
+    // An empty cell leaves the number as it is.
     if (text.empty()) return true;
     const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
     return error == std::errc{} && end == text.data() + text.size();
@@ -284,6 +299,7 @@ class Inflector {
   EntryOutput output_;
   std::FILE* log_;
   InflectionFigures& figures_;
+  // The file that is read, and its line, for messages.
   std::string path_;
   std::int64_t number_ = 0;
   LetterChanges changes_;
@@ -291,6 +307,7 @@ class Inflector {
   std::vector<std::string> rows_;                                // the attributes of each row
   std::map<std::string, std::size_t, std::less<>> row_numbers_;
   std::set<std::string> stem_columns_;
+  // Kept from word to word for their memory.
   Letters letters_;
   std::string text_;
   std::string attributes_;

@@ -32,6 +32,7 @@ constexpr std::string_view kPrepositions[] = {"about",  "above",   "across", "af
                                               "off",    "on",      "onto",   "out",    "over",    "through", "to",
                                               "toward", "towards", "under",  "upon",   "with",    "within",  "without"};
 
+// Words that make a participle behind them a passive.
 constexpr std::string_view kBeing[] = {"is", "are", "was", "were", "be", "been", "being", "'s", "get", "got", "gets"};
 
 template <std::size_t N>
@@ -45,6 +46,7 @@ std::string lowered(std::string_view text) {
   return low;
 }
 
+// The words between white space of any kind.
 std::vector<std::string> words_of(std::string_view text) {
   std::vector<std::string> words(1);
   for (const char c : text) {
@@ -95,6 +97,7 @@ bool is_verb(const std::string& word, const FrameSense& sense) {
   return !is_other;
 }
 
+// Counts what one example shows of the arguments. Without a place of the verb it shows nothing.
 void example_count(const pugi::xml_node& example, const FrameSense& sense, const VerbSet& verbs, Usage& usage) {
   const pugi::xml_node marks = example.child("propbank");
   const pugi::xml_node verb = marks.child("rel");
@@ -109,6 +112,7 @@ void example_count(const pugi::xml_node& example, const FrameSense& sense, const
   for (const pugi::xml_node& argument : marks.children("arg")) {
     const std::string_view type = argument.attribute("type").value();
     const std::string_view start = argument.attribute("start").value();
+    // Modifiers (ARGM) say nothing about the frame.
     const bool is_numbered = type.size() == 4 && type.starts_with("ARG") && type[3] >= '0' && type[3] <= '9';
     if (!is_numbered || start.empty() || start[0] < '0' || start[0] > '9') continue;
     const int number = type[3] - '0';
@@ -116,16 +120,19 @@ void example_count(const pugi::xml_node& example, const FrameSense& sense, const
     has_agent |= number == 0;
     if (number == 1) object = from;
     const std::vector<std::string> words = words_of(argument.text().get());
+    // Only what stands behind the verb shows how the verb introduces it.
     if (number == 0 || number > kArguments || from < at || words.empty()) continue;
     ++usage.introduced[static_cast<std::size_t>(number)][introduction(words, verbs)];
   }
   usage.agents += has_agent;
+  // Without an agent, and with its object in front: the subject of an active verb, or of a passive.
   if (has_agent || object < 0 || object >= at) return;
   bool is_passive = false;
   for (int i = std::max(0, at - 2); i < at && i < static_cast<int>(text.size()); ++i) {
     is_passive |= has(kBeing, lowered(text[static_cast<std::size_t>(i)]));
   }
   const std::string last = verb_words[0].substr(verb_words[0].size() - 1);
+  // The letters that participles end in; "is running" is no passive.
   is_passive = is_passive && (last == "d" || last == "n" || last == "t");
   ++(is_passive ? usage.passive : usage.active);
 }
@@ -151,6 +158,7 @@ std::string told_preposition(std::string_view description, std::string_view lemm
   const bool names_verb =
       std::any_of(words.begin(), words.end(), [&](const auto& one) { return one.starts_with(stem); });
   if (has(kPrepositions, last) && last != "off" && last != "around" && (!is_object || names_verb)) {
+    // A verb like "listen to" has its preposition already.
     const std::vector<std::string> own = words_of(written(lemma));
     return std::find(own.begin(), own.end(), last) != own.end() ? "" : last;
   }
@@ -162,7 +170,7 @@ std::string told_preposition(std::string_view description, std::string_view lemm
   return "";
 }
 
-// What most of the examples have; the shapes of clauses are left out unless `with_clauses`.
+// What most of the examples have, the shapes of clauses left out.
 std::pair<std::string, int> most(const std::map<std::string, int>& counts) {
   std::pair<std::string, int> best;
   for (const auto& [what, count] : counts) {
@@ -203,11 +211,13 @@ std::string features_of(const pugi::xml_node& node, const FrameSense& sense, con
   std::map<std::string, pugi::xml_node> roles;
   for (const pugi::xml_node& role : node.child("roles").children("role")) roles[role.attribute("n").value()] = role;
   std::string features;
+  // A verb without an agent among its roles puts its first argument in front, as "fall" does.
   const bool is_alone = !roles.contains("0") && roles.contains("1") && usage.passive <= usage.active;
   const bool is_often = usage.active >= 2 && usage.active > 2 * usage.passive && 2 * usage.active >= usage.agents;
   if (is_alone || is_often) features += ";arg1.subject";
   for (int number = 1; number <= kArguments; ++number) {
     const auto& counts = usage.introduced[static_cast<std::size_t>(number)];
+    // Examples count more than descriptions.
     if (!counts.empty()) {
       argument_features(number, counts, features);
       continue;
@@ -216,6 +226,7 @@ std::string features_of(const pugi::xml_node& node, const FrameSense& sense, con
     if (role == roles.end()) continue;
     std::string told = told_preposition(role->second.attribute("descr").value(), sense.lemma, number == 1);
     const std::string_view function = role->second.attribute("f").value();
+    // The function of a role: a goal, or a direction that something comes from.
     if (told.empty() && number != 1) told = function == "GOL" ? "to" : function == "DIR" ? "from" : "";
     if (!told.empty()) features += ";arg" + std::to_string(number) + '.' + told;
   }
@@ -235,6 +246,7 @@ FrameFault frames_read(std::string_view text, const VerbSet& verbs,
   for (const pugi::xml_node& predicate : document.child("frameset").children("predicate")) {
     for (const pugi::xml_node& sense : predicate.children("roleset")) {
       const std::string id = sense.attribute("id").value();
+      // "run.02": the lemma and the number of the sense. What has no such id is no sense.
       const std::size_t dot = id.rfind('.');
       if (dot == id.npos || dot == 0) continue;
       FrameSense read{id.substr(0, dot), id.substr(dot + 1), {}, {}};
@@ -247,6 +259,7 @@ FrameFault frames_read(std::string_view text, const VerbSet& verbs,
         for (const std::string& word : words) form += (form.empty() ? "" : " ") + word;
         if (kind != nullptr && !form.empty()) read.names.push_back({std::move(form), kind});
       }
+      // A sense without aliases is named as its file is.
       if (read.names.empty()) read.names.push_back({written(read.lemma), "verb"});
       read.features = features_of(sense, read, verbs);
       sink(read);

@@ -18,10 +18,12 @@ class Scan {
     DictBlock block;
     for (std::uint32_t number = kFirstDictBlock; number <= kMaxBlockNumber && goes_on_; ++number) {
       const std::int64_t offset = dict_block_offset(number);
+      // Only whole blocks; the rest is told below.
       if (offset + static_cast<std::int64_t>(kDictBlockSize) > size) break;
       if (!block.read(opened_.dictionary.get(), offset)) return report(offset, "a block that cannot be read");
       const std::uint8_t type = block.bytes()[kDictTypeOffset];
       if (type == kDataBlock) scan(block, offset);
+      // Key blocks repeat what the records say, and are passed over.
       if (type != kDataBlock && type != kKeyBlock) report(offset, "neither records nor keys");
     }
     const std::int64_t rest = size % static_cast<std::int64_t>(kDictBlockSize);
@@ -45,6 +47,7 @@ class Scan {
       } else {
         report(block_offset + static_cast<std::int64_t>(at), "a damaged record");
       }
+      // A record without a size hides where the next one begins.
       if (record.empty()) break;
     }
   }

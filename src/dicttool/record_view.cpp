@@ -8,6 +8,7 @@ namespace lexon {
 
 namespace {
 
+// Fields that an entry leaves out are null in the word, and empty here.
 std::string_view text_of(const char* text, std::int32_t length) {
   return text == nullptr ? std::string_view{} : std::string_view{text, static_cast<std::size_t>(length)};
 }
@@ -19,6 +20,7 @@ int texts_behind_attrs(const RecordView& record) {
   return record.id.empty() ? 0 : 1;
 }
 
+// The layout stands in layout.hpp: frequency (4), priority (1), three bytes without a use, language (2).
 void fixed_part_append(const RecordView& record, Bytes& out) {
   append_u32(out, record.frequency);
   out.push_back(record.priority);
@@ -75,6 +77,7 @@ std::size_t record_size(const RecordView& record) {
   lengths.id_len = length(record.id);
   lengths.extra1_len = length(record.extra1);
   lengths.extra2_len = length(record.extra2);
+  // The size of a record is computed at one place, which wants the lengths of a word.
   entry_sizes_set(lengths);
   return static_cast<std::size_t>(lengths.total_size);
 }
@@ -84,6 +87,7 @@ void record_append(const RecordView& record, Bytes& out) {
   append_text(out, record.hw);
   append_text(out, record.gloss);
   append_text(out, record.cw);
+  // The attribute block has a size of its own, in which the attributes are a text with its length in front.
   append_u16(out, 2 + record.attrs.size() + kRecordFixedPart);
   append_text(out, record.attrs);
   fixed_part_append(record, out);
@@ -93,6 +97,7 @@ void record_append(const RecordView& record, Bytes& out) {
 
 std::string_view record_key(const RecordView& record, int key_field) {
   switch (key_field) {
+    // The numbers are those of the slots in the header of an index; one of them stands for no field.
     case kKeyHw: return record.hw;
     case kKeyGloss: return record.gloss;
     case kKeyCw: return record.cw;

@@ -11,6 +11,7 @@ namespace lexon {
 
 namespace {
 
+// A file of another kind is nothing but damage.
 constexpr std::int64_t kMaxDamageShown = 100;
 
 // One of the two files while it is looked at. Block numbers begin with 1.
@@ -32,6 +33,7 @@ struct FileSurvey {
 
 // Also makes the map as large as the file, so that no number of a block inside it is out of range.
 void count_blocks(const FileSurvey& file) {
+  // The last block may be cut off; what is left of it is told, and not looked at.
   const std::int64_t size = file_size(file.stream);
   const auto block_size = static_cast<std::int64_t>(file.block_size);
   const std::int64_t blocks = size / block_size;
@@ -49,9 +51,11 @@ void count_blocks(const FileSurvey& file) {
 void check_link(const FileSurvey& file, std::uint32_t from, std::vector<bool>& is_linked) {
   const std::uint16_t to = file.map.links[from];
   if (to == 0) return;
+  // Types of index blocks are all 0, so that any of them may follow another.
   const bool is_place = to < file.map.end && file.map.types[to] == file.map.types[from];
   if (!is_place)
     return file.report(from, file.link_offset, "a link to block " + std::to_string(to) + ", which is no such block");
+  // Two links to one block would bring its records up twice.
   if (is_linked[to]) file.report(from, file.link_offset, "a second link to block " + std::to_string(to));
   is_linked[to] = true;
 }
@@ -60,6 +64,7 @@ void check_link(const FileSurvey& file, std::uint32_t from, std::vector<bool>& i
 void check_circles(const FileSurvey& file, std::uint32_t first, const std::vector<bool>& is_linked) {
   std::vector<bool> is_walked(file.map.end);
   for (std::uint32_t head = first; head < file.map.end; ++head) {
+    // A chain is walked from its head alone; what is linked to is no head.
     if (is_linked[head]) continue;
     for (std::uint32_t at = head; at != 0 && at < file.map.end && !is_walked[at]; at = file.map.links[at]) {
       is_walked[at] = true;
@@ -67,6 +72,7 @@ void check_circles(const FileSurvey& file, std::uint32_t first, const std::vecto
   }
   for (std::uint32_t number = first; number < file.map.end; ++number) {
     if (is_walked[number]) continue;
+    // One is enough: the others are most likely of the same circle.
     return file.report(number, file.link_offset, "links that run in a circle");
   }
 }
@@ -91,6 +97,7 @@ void check_items(const FileSurvey& file, std::uint32_t number, ByteView content,
   std::string last;
   while (at < content.size()) {
     const Item item = read(content, at);
+    // Behind a damaged item nothing says where the next one begins.
     if (item.wrong != nullptr) return file.report(number, at, item.wrong);
     if (key_compare(item.key, last) < 0) file.report(number, at, "a key that is lower than the one before it");
     last = item.key;
@@ -98,6 +105,7 @@ void check_items(const FileSurvey& file, std::uint32_t number, ByteView content,
   }
 }
 
+// A record of a data block; its key is the headword.
 Item read_record(ByteView content, std::size_t at) {
   const ByteView record = record_at(content, at);
   StoredRecord stored;
@@ -117,6 +125,7 @@ Item read_entry(ByteView content, std::size_t at, const BlockMap* map, std::uint
   return {key, reader.at() - at, is_lost ? "an entry that leads to no block of records" : nullptr};
 }
 
+// The first two bytes of a block say how much of it is used. False if that cannot be.
 bool check_used(const FileSurvey& file, std::uint32_t number, const std::uint8_t* bytes, std::size_t data_offset) {
   const std::size_t used = load_u16(bytes);
   const bool is_good = used >= data_offset && used <= file.link_offset;
@@ -124,6 +133,7 @@ bool check_used(const FileSurvey& file, std::uint32_t number, const std::uint8_t
   return is_good;
 }
 
+// What a block holds goes by its type, which has been noted before.
 void check_dictionary_block(const FileSurvey& file, std::uint32_t number, const DictBlock& block) {
   if (!check_used(file, number, block.bytes().data(), kDictDataOffset)) return;
   const std::uint8_t type = file.map.types[number];
@@ -149,6 +159,7 @@ void survey_dictionary(const FileSurvey& file) {
   check_links(file, kFirstDictBlock);
 }
 
+// The blocks of an index are all of one kind: entries, each a key and a block.
 void survey_index(const FileSurvey& file, std::size_t data_offset) {
   count_blocks(file);
   IndexBlock block;

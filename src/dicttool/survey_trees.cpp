@@ -23,6 +23,7 @@ struct LevelWalk {
   [[nodiscard]] std::uint8_t leads_to() const { return key_field == kKeyHw ? kDataBlock : kKeyBlock; }
 };
 
+// Where the header of the dictionary describes the index of a field.
 std::int64_t slot_place(const Survey& survey, int key_field) {
   return static_cast<std::int64_t>(slot_offset(survey.opened.name_size, key_field));
 }
@@ -35,21 +36,25 @@ std::optional<std::string> lowest_key(std::FILE* stream, std::int64_t offset, st
   return std::string(ByteReader(block.content(), data_offset).text());
 }
 
+// The first key of a block of the level below, whichever file that lies in.
 std::optional<std::string> lowest_key_below(const LevelWalk& walk, std::uint16_t number) {
   if (!walk.is_lowest) {
     return lowest_key<kIndexBlockSize>(walk.survey.opened.index.get(), index_block_offset(number),
                                        index_data_offset(walk.survey.opened.name_size));
   }
+  // In front of the first key of a record stands its size.
   const bool holds_records = walk.leads_to() == kDataBlock;
   return lowest_key<kDictBlockSize>(walk.survey.opened.dictionary.get(), dict_block_offset(number),
                                     kDictDataOffset + (holds_records ? 2 : 0));
 }
 
+// Is there such a block, and in the dictionary file one of the right type?
 bool is_block_below(const LevelWalk& walk, std::uint16_t number) {
   const BlockMap& map = walk.is_lowest ? walk.survey.dictionary : walk.survey.index;
   return number != 0 && number < map.end && (!walk.is_lowest || map.types[number] == walk.leads_to());
 }
 
+// Holds an entry against the block that it leads to, and notes that for the next level.
 void check_entry(LevelWalk& walk, std::int64_t offset, std::string_view key, std::uint16_t number) {
   const std::string& path = walk.survey.opened.index_path;
   if (!is_block_below(walk, number)) {
@@ -57,12 +62,14 @@ void check_entry(LevelWalk& walk, std::int64_t offset, std::string_view key, std
     return;
   }
   const std::optional<std::string> lowest = lowest_key_below(walk, number);
+  // An empty block has no lowest key, and is no damage.
   if (lowest.has_value() && *lowest != key) {
     walk.survey.damage.add(path, offset, "an entry whose key is not the lowest of block " + std::to_string(number));
   }
   walk.below.push_back(number);
 }
 
+// The entries of one block. A block that cannot be read was told with the blocks.
 void walk_block(LevelWalk& walk, std::uint16_t number) {
   IndexBlock block;
   if (!block.read(walk.survey.opened.index.get(), index_block_offset(number))) return;
@@ -85,6 +92,7 @@ void own_block(Survey& survey, BlockMap& map, std::uint16_t number, int key_fiel
   map.owners[number] = static_cast<std::uint8_t>(key_field);
 }
 
+// The blocks of one chain, each once: a circle was told with the links.
 void walk_chain(LevelWalk& walk, std::uint16_t head) {
   BlockMap& map = walk.survey.index;
   for (std::uint16_t number = head; number != 0 && number < map.end && !walk.seen[number]; number = map.links[number]) {
@@ -106,7 +114,9 @@ void own_chains(Survey& survey, int key_field, const std::vector<std::uint16_t>&
   }
 }
 
+// Level by level from the root down; the last heads are blocks of the dictionary file.
 void survey_tree(Survey& survey, int key_field, const IndexDescriptor& slot) {
+  // A slot counts the key blocks of the dictionary file as a level, which headwords have none of.
   const int levels = key_field == kKeyHw ? slot.levels : slot.levels - 1;
   const bool has_root = slot.root != 0 && slot.root < survey.index.end;
   if (levels < 1 || !has_root) {
@@ -123,6 +133,7 @@ void survey_tree(Survey& survey, int key_field, const IndexDescriptor& slot) {
   own_chains(survey, key_field, heads);
 }
 
+// Blocks that no tree leads to hold what no look-up finds.
 void check_owners(Survey& survey) {
   for (std::uint32_t number = kFirstDictBlock; number < survey.dictionary.end; ++number) {
     if (survey.dictionary.owners[number] != 0) continue;
@@ -146,6 +157,7 @@ void survey_trees(Survey& survey) {
       survey_tree(survey, field, *slot);
     }
   }
+  // Words of graphs are looked up by their concept words.
   if (survey.opened.slots[kKeyCw] == nullptr) {
     survey.damage.add(survey.opened.path, slot_place(survey, kKeyCw), "no index of concept words");
   }

@@ -16,11 +16,13 @@ bool text_read(const std::string& path, std::string& text, std::string& reason) 
   errno = 0;
   const File opened(is_standard ? nullptr : std::fopen(path.c_str(), "rb"));
   std::FILE* stream = is_standard ? stdin : opened.get();
+  // A folder opens like a file, and only fails to be read.
   if (stream != nullptr && !is_a_file(stream)) errno = EISDIR;
   if (stream == nullptr || errno == EISDIR) {
     reason = std::string("cannot be opened: ") + std::strerror(errno);
     return false;
   }
+  // The size is not asked for: of a pipe it is not known.
   std::array<char, 1 << 16> chunk;
   while (const std::size_t got = std::fread(chunk.data(), 1, chunk.size(), stream)) text.append(chunk.data(), got);
   if (std::ferror(stream) != 0) {
@@ -31,6 +33,7 @@ bool text_read(const std::string& path, std::string& text, std::string& reason) 
     reason = "this text is UTF-16: save it as UTF-8";
     return false;
   }
+  // A byte order mark would become a part of the first field.
   if (text.starts_with("\xEF\xBB\xBF")) text.erase(0, 3);
   return true;
 }

@@ -31,6 +31,7 @@ class Importer {
       : options_(options), form_(form_of(options)), output_(session, form_, out), log_(log), figures_(figures) {}
 
   bool run() {
+    // Without its tables an import would name attributes wrongly, so nothing is written then.
     if (!read_tables()) return false;
     bool is_whole = true;
     if (options_.format == WordFormat::wordnet) {
@@ -40,6 +41,7 @@ class Importer {
     } else {
       for (const std::string& path : options_.inputs) is_whole = read_list(path) && is_whole;
     }
+    // The other formats have written each word as it came.
     if (options_.format == WordFormat::conllu) write_counted();
     figures_.entries = output_.written();
     figures_.repeated = output_.known();
@@ -70,6 +72,7 @@ class Importer {
 
   bool read_tables() {
     std::vector<std::string> faults;
+    // The table of the program comes first; rows of the user's tables take the place of its rows.
     table_.read(shipped_table(options_.format), faults);
     for (const std::string& path : options_.tables) {
       std::string text;
@@ -82,12 +85,14 @@ class Importer {
   }
 
   void bad_line(const char* what) {
+    // A file of another format would else fill the screen with its lines.
     if (++figures_.bad_lines <= kShownLines) tell(path_ + ':' + std::to_string(number_) + ": " + what);
   }
 
   // One word of any list: its features, with ";" between them, become attributes, and it is written.
   void take(std::string_view form, std::string_view lemma, std::string_view category, const std::string& bundle,
             std::uint32_t frequency = 0) {
+    // None: the table says that words with one of these features are to be left out.
     const std::optional<std::string> attributes = table_.attributes(bundle);
     if (!attributes) {
       ++figures_.left_out;
@@ -130,6 +135,7 @@ class Importer {
 
   // form:lemma<tag><tag>, with ":>:" for what is analysed only and ":<:" for what is generated only
   void read_lttoolbox(std::string_view line) {
+    // A pattern that stands for many words, such as all numbers.
     if (line.starts_with("__REGEXP__")) {
       ++figures_.left_out;
       return;
@@ -137,6 +143,7 @@ class Importer {
     const std::size_t colon = unescaped(line, ':', 0);
     if (colon == std::string_view::npos) return bad_line("a line is FORM:LEMMA<TAG><TAG>");
     std::string_view analysis = line.substr(colon + 1);
+    // A spelling that is understood, and that nobody should write.
     if (analysis.starts_with(">:")) {
       ++figures_.left_out;
       return;
@@ -148,6 +155,7 @@ class Importer {
     while (!analysis.empty()) {
       const std::size_t open = std::min(unescaped(analysis, '<', 0), analysis.size());
       const std::string_view text = analysis.substr(0, open);
+      // A "+" behind the tags of a word begins the next one; within a lemma it is a letter.
       is_joined = is_joined || (!bundle.empty() && unescaped(text, '+', 0) != std::string_view::npos);
       lemma += plain(text);
       analysis.remove_prefix(open);
@@ -197,6 +205,7 @@ class Importer {
     const bool is_word = fields[0].find_first_of("-.") == std::string_view::npos;
     if (!is_word) return;
     const bool is_first = std::exchange(begins_sentence_, false);
+    // No lemma was given; a word that is the underscore itself has it as its lemma, too.
     if (fields[2] == "_" && fields[1] != "_") {
       ++figures_.left_out;
       return;
@@ -205,8 +214,10 @@ class Importer {
     if (fields[5] != "_") {
       for (const std::string_view feature : fields_of(fields[5], '|')) (bundle += ';') += feature;
     }
+    // A proper noun keeps its capital wherever it stands.
     const bool is_name = fields[3] == "PROPN";
     std::string form = is_first && !is_name ? as_lemma(fields[1], fields[2]) : std::string(fields[1]);
+    // The number of words so far is the place of a new one in the order of the text.
     const auto [place, is_new] = counts_.try_emplace({std::move(form), std::string(fields[2]), std::move(bundle)},
                                                      std::pair<std::uint32_t, std::size_t>(0, counts_.size()));
     ++place->second.first;
@@ -225,18 +236,24 @@ class Importer {
     return out.append(form.substr(of_form.length));
   }
 
-  // Of the alphabets whose capitals lie at a fixed distance.
+  // Of Latin, Greek, Cyrillic and Armenian letters: the capitals lie at a fixed distance from the small ones, or in front of
+  // them, in pairs that begin at an even number or at an odd one.
   static std::uint32_t small_letter(std::uint32_t c) {
     const bool is_latin = (c >= 'A' && c <= 'Z') || (c >= 0xC0 && c <= 0xDE && c != 0xD7);
     const bool is_greek_or_cyrillic = (c >= 0x391 && c <= 0x3A9) || (c >= 0x410 && c <= 0x42F);
     if (is_latin || is_greek_or_cyrillic) return c + 32;
     if (c >= 0x400 && c <= 0x40F) return c + 80;
-    const bool is_pair = (c >= 0x100 && c <= 0x137) || (c >= 0x14A && c <= 0x177) || (c >= 0x460 && c <= 0x52F);
+    if (c >= 0x531 && c <= 0x556) return c + 48;
+    const bool is_odd_pair = (c >= 0x139 && c <= 0x148) || (c >= 0x179 && c <= 0x17E) || (c >= 0x4C1 && c <= 0x4CE);
+    if (is_odd_pair) return c + (c & 1U);
+    const bool is_pair = (c >= 0x100 && c <= 0x137) || (c >= 0x14A && c <= 0x177) || (c >= 0x460 && c <= 0x481) ||
+                         (c >= 0x48A && c <= 0x4BF) || (c >= 0x4D0 && c <= 0x52F);
     if (is_pair && c != 0x130) return c | 1U;
     return c;
   }
 
   static void utf8_append(std::uint32_t c, std::string& out) {
+    // Two bytes are enough: no small letter above lies beyond U+07FF.
     if (c < 0x80) {
       out += static_cast<char>(c);
     } else {
@@ -290,6 +307,7 @@ class Importer {
         for (const Part& part : kParts) {
           const std::string data = input + "/data." + part.file;
           const std::string exceptions = input + '/' + part.file + ".exc";
+          // A folder without one of the four parts of speech is told, and is no whole WordNet.
           is_whole = read_wordnet_file(data) && is_whole;
           if (fs::exists(exceptions, error)) is_whole = read_wordnet_file(exceptions) && is_whole;
         }
@@ -329,12 +347,14 @@ class Importer {
 
   // offset, file number, type, count, and for each word itself and a number; the rest leads to other synsets
   void read_synset(std::string_view line, const Part& part) {
+    // Behind the bar stands the gloss.
     const std::vector<std::string_view> fields = fields_of(line.substr(0, line.find('|')), ' ');
     std::size_t file = std::size(kCategories);
     std::size_t count = 0;
     const auto read = [](std::string_view text, std::size_t& number, int base) {
       return std::from_chars(text.data(), text.data() + text.size(), number, base).ec == std::errc{};
     };
+    // The number of words is hexadecimal, that of the file decimal.
     const bool is_synset = fields.size() > 4 && read(fields[1], file, 10) && read(fields[3], count, 16) &&
                            file < std::size(kCategories) && fields.size() >= 4 + 2 * count;
     if (!is_synset) return bad_line("not a synset of WordNet");
@@ -345,13 +365,16 @@ class Importer {
     for (std::size_t i = 0; i < count; ++i) {
       std::string word(fields[4 + 2 * i]);
       std::string bundle = std::string(part.feature) + ';' + category;
+      // An adjective that belongs to the cluster of another one.
       if (fields[2] == "s") bundle += ";satellite";
       // Where an adjective may stand: "(a)", "(p)", "(ip)".
       if (const std::size_t open = word.find('('); open != std::string::npos && word.ends_with(')')) {
         bundle += ";position." + word.substr(open + 1, word.size() - open - 2);
         word.resize(open);
       }
+      // Words of several parts are written with underscores.
       std::replace(word.begin(), word.end(), '_', ' ');
+      // For the irregular forms, which name their word and no category.
       categories_[part.feature][word].emplace(kind);
       take(word, word, kind, bundle);
     }
@@ -367,6 +390,7 @@ class Importer {
     // The list does not say which form it is; the ending does, if it is a regular one.
     const std::string_view of = part.feature;
     for (const char* const end : {"ing", "er", "est"}) {
+      // "ing" is an ending of verbs, the other two are of adjectives and adverbs.
       const bool is_sign = end[0] == 'i' ? of == "verb" : of.starts_with("ad");
       if (is_sign && form.ends_with(end)) bundle = std::string(of) + ";irregular." + end;
     }
@@ -379,6 +403,7 @@ class Importer {
         ++figures_.left_out;
         continue;
       }
+      // A word has an entry in each of its categories, and so has its irregular form.
       for (const std::string& category : known->second) take(form, lemma, category, bundle);
     }
   }
@@ -397,6 +422,7 @@ class Importer {
         for (const fs::directory_entry& entry : fs::directory_iterator(input, error)) {
           if (entry.path().extension() == ".xml") files.push_back(entry.path().string());
         }
+        // A folder names its files in any order; entries are to come in the same one on every machine.
         std::sort(files.begin() + static_cast<std::ptrdiff_t>(before), files.end());
         if (files.size() == before) {
           tell(input + ": no frame file (.xml) is in this folder");
@@ -404,6 +430,8 @@ class Importer {
         }
       }
     }
+    // A frame is named after its verb, and a noun after the verb that it comes from: the names of all files tell
+    // which is which.
     VerbSet verbs;
     for (const std::string& file : files) verbs.insert(fs::path(file).stem().string());
     for (const std::string& file : files) is_whole = read_frames(file, verbs) && is_whole;
@@ -415,6 +443,7 @@ class Importer {
     std::string text;
     if (!file_take(path, text)) return false;
     const FrameFault fault = frames_read(text, verbs, [&](const FrameSense& sense) {
+      // A sense without a verb has nouns or adjectives alone, which the table may want to mark.
       const bool has_verb = std::any_of(sense.names.begin(), sense.names.end(),
                                         [](const FrameName& name) { return std::string_view(name.part) == "verb"; });
       for (const FrameName& name : sense.names) {
@@ -433,6 +462,7 @@ class Importer {
   void tell_rest() {
     if (figures_.bad_lines > kShownLines)
       tell("... and " + std::to_string(figures_.bad_lines - kShownLines) + " more bad lines");
+    // Counts are negative, so that sorting puts the most frequent first, and equal ones by name.
     std::vector<std::pair<std::int64_t, std::string>> unknown;
     for (const auto& [feature, count] : table_.unknown()) unknown.emplace_back(-count, feature);
     std::sort(unknown.begin(), unknown.end());

@@ -14,6 +14,7 @@ namespace lab {
 // ---- Handing on. An observer may be added or removed between sentences only; what all of them are told is the same.
 
 void Watchers::sentence_begins(Session& session) {
+  // The counter of the session goes on from sentence to sentence.
   first_step_ = session.state.steps;
   is_over_ = false;
   for (Observer* each : observers_) each->sentence_begins(session);
@@ -30,6 +31,7 @@ void Watchers::sentence_ends(Session& session, core::Status status) {
 // The search counts its passes itself, also those that end without an event; so the counter is looked at whenever
 // something comes by. A search inside one pass shows itself in undone steps and in words given up.
 void Watchers::count(Session& session) {
+  // 0 stands for no limit.
   if (limit_ <= 0 || session.state.steps - first_step_ < limit_) return;
   is_over_ = true;
   session.stop_requested = true;
@@ -92,6 +94,7 @@ std::vector<Rendered> Bench::render(const std::string& text, const RenderOptions
   Settings settings;
   settings.post_edit = options.post_edit;
   settings.time_limit = options.seconds;
+  // Asked now and then by the search: an interrupt, or a page that no longer wants the answer.
   settings.keep_going = keep_going_;
   watchers_.set_limit(options.steps);
   std::vector<Rendered> results;
@@ -122,11 +125,13 @@ void for_each_on(unsigned threads, std::size_t count,
         progress.passed();
       }
     } catch (...) {
+      // An exception must not leave its thread; the first of them is thrown again when all are through.
       faults[thread] = std::current_exception();
     }
   };
   std::vector<std::thread> others;
   for (unsigned thread = 1; thread < threads; ++thread) others.emplace_back(work, thread);
+  // The calling thread takes a stretch, too.
   work(0);
   for (std::thread& other : others) other.join();
   for (const std::exception_ptr& fault : faults) {

@@ -24,7 +24,10 @@ std::string BuiltWords::dictionary_of(const std::vector<std::string>& files, con
   std::string all;
   // The texts one behind the other, each of which ends its last line.
   for (const std::string& file : files) {
-    const std::string text = text_file_read(file, unsaved);
+    std::string text = text_file_read(file, unsaved);
+    // The mark of UTF-8 is passed over at the beginning of a text alone, and this one may come behind another.
+    if (text.starts_with("\xEF\xBB\xBF")) text.erase(0, 3);
+    // The header of a built dictionary holds NULs.
     constexpr std::size_t kHead = 4096;
     if (std::string_view(text).substr(0, kHead).find('\0') != std::string_view::npos) {
       if (files.size() > 1) throw Fault(file + ": is built already: name it alone, or name the entries as text");
@@ -33,6 +36,7 @@ std::string BuiltWords::dictionary_of(const std::vector<std::string>& files, con
     all += text;
     if (!all.empty() && all.back() != '\n') all += '\n';
   }
+  // At the first build; it goes with this object.
   if (folder_ == nullptr) folder_ = std::make_unique<TemporaryFolder>();
   // A dictionary that is open must not change, so each build has a name of its own.
   std::error_code error;

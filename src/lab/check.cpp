@@ -15,6 +15,7 @@
 #include "lab/check_order.hpp"
 #include "lab/check_pairs.hpp"
 #include "lab/check_rules.hpp"
+#include "lab/check_siblings.hpp"
 #include "lab/check_words.hpp"
 #include "lab/progress.hpp"
 #include "rules/scanners.hpp"
@@ -32,11 +33,14 @@ constexpr CheckCode kCodes[] = {
     {"endless-rule", "a rule would fit its own result for ever, and is left out"},
     {"endless-insertion", "a rule brings the same word in again and again"},
     {"endless-pair", "rules that undo each other in place"},
+    {"relation-mark", "a rule that follows a relation and leaves its mark, while others take theirs away"},
     {"left-over-boundary", "an L that can leave the list at its left end"},
     {"no-priority", "a rule without a priority, or with 0"},
     {"contradiction", "a pattern that asks for what it forbids"},
+    {"line-runs-on", "a second rule or entry in a line, which is not read"},
     {"third-pattern", "a pattern behind the second"},
     {"priority-wraps", "a priority above 255"},
+    {"priority-stands-out", "a priority that falls out of the lines around it"},
     {"rule-never-first", "an earlier rule fits wherever this one does"},
     {"unknown-name", "a name that nothing gives"},
     {"unused-name", "a name that nobody asks for"},
@@ -58,6 +62,7 @@ constexpr CheckCode kCodes[] = {
     {"pair-idle", "a pair that nobody can ask about"},
     {"never-together", "attributes that no entry has together"},
     {"entry-syntax", "an entry that cannot be read"},
+    {"concept-unquoted", "a concept word without quotes, which is read as the gloss"},
     {"duplicate-entry", "entries that are alike in everything"},
     {"unknown-word", "a word of the graphs without an entry"},
     {"graph-syntax", "a line of a graph that cannot be read"},
@@ -65,6 +70,7 @@ constexpr CheckCode kCodes[] = {
     {"sentence-in-sentence", "a sentence that begins before the last one ends"},
     {"unclosed", "a sentence or block that is not closed"},
     {"no-sentence", "a file of graphs without a sentence"},
+    {"label-twice", "two sentences of a file with one label"},
     {"no-entry", "a sentence without @entry"},
     {"second-entry", "a second word with @entry"},
     {"scope-entry", "a scope without @entry"},
@@ -103,11 +109,13 @@ class Check {
         .keeps_off_boundary = [this](NameId name) { return keeps_off_boundary(name); },
     };
     check_order(input_, base_, context, names_, findings_);
+    check_siblings(input_, base_, names_, findings_);
     std::ranges::stable_sort(findings_, {}, &Finding::line);
     findings_to_sources(input_, findings_);
     std::move(elsewhere.begin(), elsewhere.end(), std::back_inserter(findings_));
     check_word_names();
     check_graph_names();
+    check_encodings();
     entry_columns_find(input_, needles_, findings_);
     return std::move(findings_);
   }
@@ -123,6 +131,8 @@ class Check {
   static constexpr unsigned by_graphs = 16;
   static constexpr unsigned by_pairs = 32;  // the mark of a choice
 
+  // What is known of one name. Names of attributes, labels, forms and concept words share one numbering, so a label
+  // and an attribute that are spelt alike share this record too.
   struct NameUse {
     unsigned given = 0;     // bits of the above
     bool asked = false;     // by a condition
@@ -131,6 +141,7 @@ class Check {
   };
 
   NameUse& use_of(NameId name) {
+    // Names are entered while this goes on, so a reference that was given out before may dangle after the next call.
     if (uses_.size() < names_.size()) uses_.resize(names_.size());
     return uses_[name];
   }
@@ -161,6 +172,7 @@ class Check {
           questions_.concepts.insert(item.name);
         }
       }
+      // P<< and P>> write any letters that a rule names into a word of their own.
       has_splits_ = has_splits_ || rule.type == rule_type::shift_left || rule.type == rule_type::shift_right;
     }
   }
@@ -184,6 +196,7 @@ class Check {
         questions_.concepts.insert(names_.enter(text.substr(0, open)));
       }
     }
+    // Findings about words are made here, but have to stand in front of those about graphs.
     std::vector<Finding> of_words;
     words_ = survey_words(input_, questions_, names_, of_words);
     pairs_ = survey_cooccurrence(input_, names_, of_words);
@@ -202,6 +215,8 @@ class Check {
   // Who gives each name. Afterwards the lists of given and of asked names stand, in which slips are looked up.
   void collect_given() {
     for (const char* name :
+         // The boundaries of sentence and scope, marks of numbers and of words that are made up, and those of copied
+         // words.
          {"SHEAD", "STAIL", "CHEAD", "CTAIL", "SCOPE", "@entry", "TEMP", "NUM", "ANUM", "#ORIG", "#COPY", "H#NIL"}) {
       use_of(names_.enter(name)).given |= by_engine;
     }
@@ -258,6 +273,8 @@ class Check {
     if (name == nullptr) return nullptr;
     // Looked up by form, a word has to have the concept word that is asked for too, or it is none of these.
     const auto& by_key = name->kind == ItemKind::hw ? words_.by_form : words_.by_concept;
+    // A literal with a form is found by that, whatever concept word stands beside it; one without by its concept
+    // word.
     const auto found = by_key.find(name->name);
     if (found == by_key.end() || name->kind == ItemKind::cw) return found == by_key.end() ? nullptr : &found->second;
     for (const RuleItem& item : rule.items) {
@@ -303,6 +320,7 @@ class Check {
 
   // Boundaries have the attributes that the engine and the actions of rules give them, and no others.
   bool keeps_off_boundary(NameId name) {
+    // A name that nothing gives is told elsewhere, and is no reason to trust the pattern.
     const unsigned given = use_of(name).given;
     return given != 0 && (given & ~(by_words | by_graphs)) == 0;
   }
@@ -321,6 +339,7 @@ class Check {
                   std::string what, std::string remedy) {
     findings_.push_back(finding_at(input_.rules.file, rule.line, rule.text, begin, end, level, code, std::move(what),
                                    std::move(remedy)));
+    // Editors compare this with what stands there when the change is asked for, since the text may have moved on.
     findings_.back().fix.old = rule.text.substr(begin, end - begin);
     return findings_.back();
   }
@@ -345,6 +364,7 @@ class Check {
   // What is wrong with the place of an item is told alone: its name means nothing then.
   void check_rule(const RuleView& rule) {
     check_priority(rule);
+    check_rest(rule);
     check_type(rule);
     for (const Side side : {Side::left, Side::right}) {
       if (is_literal(rule, side) && words_.is_there()) check_literal(rule, side);
@@ -353,6 +373,7 @@ class Check {
     }
     if (const RuleItem* role = rule.first(Place::role); role != nullptr) check_role(rule, *role);
     for (const RuleItem& item : rule.items) {
+      // Order matters: what stands in the wrong section is told once, and not again as a name that nothing gives.
       const bool is_misplaced = check_section(rule, item);
       if (item.kind == ItemKind::hw) check_form(rule, item);
       if (item.kind == ItemKind::cw) check_concept(rule, item);
@@ -368,6 +389,7 @@ class Check {
   // Compared as digits, since a number can have any length.
   void check_priority(const RuleView& rule) {
     const std::string& number = rule.number;
+    // Zeros in front change nothing: P0300 wraps as P300 does.
     const std::size_t zeros = std::min(number.find_first_not_of('0'), number.size());
     const std::string digits = number.substr(zeros);
     if (digits.size() < 3 || (digits.size() == 3 && digits <= "255")) return;
@@ -377,8 +399,27 @@ class Check {
            number, "255");
   }
 
+  // What stands behind the ";" of a rule is a comment. One that is a rule itself has most likely lost its line end.
+  void check_rest(const RuleView& rule) {
+    const std::size_t end = rule.text.find(';', rule.number_begin);
+    const std::size_t begin = end == std::string::npos ? end : rule.text.find_first_not_of("; \t", end);
+    if (begin == std::string::npos) return;
+    const std::string_view rest = std::string_view(rule.text).substr(begin);
+    const std::size_t pattern = rest.find_first_of("{\"(");
+    const std::size_t priority = rest.rfind('P');
+    if (pattern == std::string_view::npos || priority == std::string_view::npos || priority < pattern) return;
+    constexpr std::array<std::string_view, 18> kTypes = {":",  "L",  "R",  "?",  "?L", "?R",  "X",   "CL",  "CR",
+                                                         "DL", "DR", "P:", "PL", "PR", "P<<", "P>>", "PSL", "PSR"};
+    const bool is_type = std::ranges::find(kTypes, rest.substr(0, pattern)) != kTypes.end();
+    if (!is_type || priority + 1 == rest.size() || !is_digit(rest[priority + 1])) return;
+    report(rule, static_cast<std::uint32_t>(begin), static_cast<std::uint32_t>(rule.text.size()), Level::warning,
+           "line-runs-on", "a second rule in this line is a comment, and is not read",
+           "begin a new line in front of it; or strike it out");
+  }
+
   // Types that do nothing, relations in a rule that brings in no word, an L that can leave the list.
   void check_type(const RuleView& rule) {
+    // Rules of the types D and P are read, and do nothing.
     constexpr std::string_view kIdle = "DP";
     if (is_stepless_type(rule.type) || kIdle.find(static_cast<char>(rule.type)) != std::string_view::npos) {
       report(rule, 0, 1, Level::warning, "idle-type", "rules of this type do nothing: the step is lost",
@@ -400,12 +441,14 @@ class Check {
     if (rule.pre_groups != 0) return;
     for (const RuleItem& item : rule.items) {
       if (item.place != Place::cond || item.side != Side::left) continue;
+      // "<<" is the form of the left boundary, and SHEAD its attribute: forbidding either keeps it off.
       const bool keeps_off = item.op != kOpNot || names_[item.name] == "SHEAD" || names_[item.name] == "<<";
       if (keeps_off) return;
     }
     Finding& found = report(rule, rule.pattern_begin[0], rule.pattern_end[0], Level::warning, "left-over-boundary",
                             "with the left boundary as its left word this rule leaves the list, and the sentence fails",
                             "write ^SHEAD,^CHEAD into this pattern");
+    // Behind the brace stands the first condition, or the colon or brace that ends an empty section.
     const bool is_empty = rule.first(Place::cond, Side::left) == nullptr;
     fix_by(found, found.fix.old.substr(1), (is_empty ? "^SHEAD,^CHEAD" : "^SHEAD,^CHEAD,") + found.fix.old.substr(1));
   }
@@ -464,6 +507,7 @@ class Check {
     std::set<std::string> forms;
     for (std::size_t file = 0; file < words_.indexes.size(); ++file) {
       const WordIndex& index = *words_.indexes[file];
+      // Whether an entry meets the conditions depends on its attributes alone, of which there are few sets.
       std::vector<bool> fits(index.sets().size());
       for (std::size_t set = 0; set < fits.size(); ++set) {
         const std::vector<NameId>& attributes = words_.attribute_sets[words_.first_sets[file] + set];
@@ -510,6 +554,7 @@ class Check {
       return;
     }
     // The word that lacks least is the one that was meant.
+    // Of several that lack as much the first of the file.
     const WordFacts* best = nullptr;
     std::vector<const RuleItem*> best_unmet;
     for (const WordFacts& word : *literal_words(rule, side)) {
@@ -550,6 +595,7 @@ class Check {
     }
     if (wanted.size() < 2 || (is_literal(rule, side) && !is_made_up(rule, side))) return;
     std::ranges::sort(wanted);
+    // Copies of a rule ask for the same again and again.
     const auto [known, is_new] = together_.try_emplace(wanted, false);
     if (is_new) known->second = some_entry_has(wanted);
     if (known->second) return;
@@ -577,6 +623,8 @@ class Check {
 
   // Does the item stand where something else is read?
   // True if so; a condition with a sign is told, and still judged as a condition.
+  // The sections are told apart by their colons alone, so that one colon too few or too many moves a name into the
+  // next.
   bool check_section(const RuleView& rule, const RuleItem& item) {
     const std::string& name = names_[item.name];
     const bool brings_in = rule.inserts() && (rule.quote(Side::left) || rule.quote(Side::right));
@@ -595,6 +643,7 @@ class Check {
         if (!brings_in || has_relation || !is_label(item.name) || use_of(item.name).asked) return false;
         return misplaced("an action", "write a second colon: \"N::" + name + "\"" + order, ':' + name);
       case Place::relation: {
+        // A label is a plain word; a sign in front of it shows an action or a mark that has slipped in.
         const char first = name.empty() ? 'x' : name.front();
         if (first == '>' || first == '<') {
           return misplaced("a label", "write " + name.substr(1) + " here; > and < are for conditions", name.substr(1));
@@ -621,6 +670,7 @@ class Check {
   // graphs is near that no rule follows; else the grammar may be ready for more than these graphs.
   void check_label(const RuleView& rule, const RuleItem& item) {
     const std::string& full = names_[item.name];
+    // Runs cut the label while they read the rule, so what is looked up from here on is the cut one.
     const NameId label = names_.enter(full.substr(0, kRelationLabelLimit));
     if (full.size() > kRelationLabelLimit) {
       report(rule, item, Level::error, "label-cut",
@@ -673,6 +723,7 @@ class Check {
       check_mark(rule, item);
       return;
     }
+    // Silent where the files that could give the name were not handed over.
     if (!is_judged(name) || is_given(item.name)) return;
     const bool is_action = item.place == Place::action;
     std::string instead;
@@ -719,6 +770,7 @@ class Check {
     if (!is_new) return known->second;
     // Labels are short and much alike: only one that no rule knows can be the one that was meant.
     if (name.front() == '>' || name.front() == '<') {
+      // A mark that some rule asks for is taken: it was meant where it stands.
       std::vector<const std::string*> unasked;
       for (const std::string* given : given_names_) {
         const NameId id = names_.find(*given);
@@ -735,6 +787,7 @@ class Check {
   void check_mark(const RuleView& rule, const RuleItem& item) {
     const NameUse& use = use_of(item.name);
     const std::string& name = names_[item.name];
+    // A rule that takes the mark away makes use of it, too.
     if (use.asked || use.taken || name.empty() || name == "@entry") return;
     const std::string* near = nearest(name, asked_names_);
     Finding& found =
@@ -750,6 +803,7 @@ class Check {
   // rules that write a form or bring one in; from graphs themselves; from classes; and from words that post-edit splits.
   void check_form(const RuleView& rule, const RuleItem& item) {
     const std::string& form = names_[item.name];
+    // "[a] N" is one form, "a] N": the bracket that ends a form is the last one of its item.
     const std::size_t inner = form.find("] ");  // the text of a form goes to the last bracket of its item
     if (inner != std::string::npos) {
       report(rule, item, Level::warning, "bracket-runs-on",
@@ -764,6 +818,7 @@ class Check {
     }
     const bool is_asked = item.place == Place::cond || item.place == Place::suf || item.place == Place::mid;
     if (!is_asked || item.op != kOpHas || !words_.is_there() || !graphs_.is_there) return;
+    // An earlier check has judged those.
     if (item.place == Place::cond && rule.quote(item.side) && !rule.first(Place::relation)) return;  // a literal
     // Post-edit can split any form off a word.
     if ((rule.is_post_edit() && has_splits_) || form == "<<" || form == ">>" || is_number(form)) return;
@@ -771,6 +826,7 @@ class Check {
     const auto known = words_.by_form.find(item.name);
     const bool has_entry = known != words_.by_form.end();
     // Graphs reach entries by their concept words.
+    // A form whose entries have no concept word can come in by name only.
     const bool is_reached = has_entry && std::ranges::any_of(known->second, [](const WordFacts& word) {
                               return !word.concept_word.empty();
                             });
@@ -803,6 +859,7 @@ class Check {
 
   // A word of the graphs that has no entry is written as it stands, without its restriction.
   bool is_name_in_graphs(const std::string& form) {
+    // Made at the first question, since most rules ask for no form that is missing. The empty name marks it as made.
     if (name_forms_.empty()) {
       for (const auto* uses : {&graphs_.words, &graphs_.quoted}) {
         for (const auto& [name, use] : *uses) {
@@ -833,12 +890,39 @@ class Check {
            "look at how the dictionary writes it");
   }
 
+  // --- texts
+
+  // Characters beyond ASCII are bytes to Lexon, and a word is found only if all files write it in the same ones. A file in
+  // an encoding of its own is all right where no other has such characters.
+  void check_encodings() {
+    struct Text {
+      const std::string* file;
+      EncodedLines lines;
+    };
+    std::vector<Text> texts;
+    if (input_.source == nullptr) texts.push_back({&input_.rules.file, encoded_lines(input_.rules.text)});
+    for (const auto& index : words_.indexes) texts.push_back({&index->path(), index->encoded()});
+    for (const CheckText& graphs : input_.graphs) texts.push_back({&graphs.file, encoded_lines(graphs.text)});
+    // A file that has both was told when it was read.
+    const auto in_utf8 =
+        std::ranges::find_if(texts, [](const Text& text) { return text.lines.utf8 != 0 && text.lines.other == 0; });
+    if (in_utf8 == texts.end()) return;
+    for (const Text& text : texts) {
+      if (text.lines.other == 0 || text.lines.utf8 != 0) continue;
+      findings_.push_back({*text.file, text.lines.other, 1, 2, Level::warning, "encoding",
+                           "characters that are not UTF-8, as those of " + *in_utf8->file + ':' +
+                               std::to_string(in_utf8->lines.utf8) + " are, so that no word with them is found",
+                           "save all files in UTF-8"});
+    }
+  }
+
   // --- names that nobody asks for
 
   // Attributes of entries, each told once, at the first entry that has it.
   void check_word_names() {
     std::vector<NameId> unused;
     for (const auto& [name, use] : words_.attributes) {
+      // An attribute that only an action takes away is told at that action, if at all.
       if (!use_of(name).asked && !use_of(name).taken) unused.push_back(name);
     }
     std::ranges::sort(unused, {}, [this](NameId name) {
@@ -935,10 +1019,23 @@ class Check {
       const std::string& name = names_[id];
       if (words_.by_concept.contains(id) || name.empty() || is_digit(name.front())) continue;
       const std::size_t open = name.find('(');
+      // Runs try the whole name first, and then the part in front of the restriction.
       const NameId plain = open == std::string::npos ? kNoName : names_.find(name.substr(0, open));
       if (plain != kNoName && words_.by_concept.contains(plain)) continue;
       // A capital, or a letter beyond ASCII, begins a name, which needs no entry.
+      // A restriction, as in dog(>animal), shows that an entry was meant after all.
       const bool is_name = open == std::string::npos && !(name.front() >= 'a' && name.front() <= 'z');
+      std::string gloss_place;
+      for (const auto& index : words_.indexes) {
+        const std::int64_t line = gloss_place.empty() ? index->with_gloss(name) : 0;
+        if (line != 0) gloss_place = index->path() + ':' + std::to_string(line);
+      }
+      if (!gloss_place.empty()) {
+        report(*use, Level::warning, "unknown-word",
+               "the dictionary has no " + name + times(use->count) + ": without quotes it is read as the gloss",
+               "write the concept word of " + gloss_place + " in quotes");
+        continue;
+      }
       report(
           *use, is_name ? Level::note : Level::warning, "unknown-word",
           "the dictionary has no " + name + times(use->count) + (is_name ? "; it counts as a name" : ""),

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cctype>
 #include <iostream>
 #include <map>
 #include <memory>
@@ -10,6 +11,7 @@
 
 #include "front/process.hpp"
 #include "lab/check.hpp"
+#include "lab/check_project.hpp"
 #include "lab/check_rules.hpp"
 #include "lab/commands.hpp"
 #include "lab/options.hpp"
@@ -59,6 +61,7 @@ void write_text(const std::vector<Finding>& findings) {
   for (const Finding& finding : findings) {
     const What what = what_of(finding);
     const std::int64_t count = ++shown[what];  // of its like, this one counted
+    // The fifth of a kind tells how many there are besides.
     if (count > kShownAlike) continue;
     std::cout << escaped(finding.file);
     if (finding.line != 0) std::cout << ':' << finding.line;
@@ -88,21 +91,39 @@ Json json_of(const std::vector<Finding>& findings) {
     one["level"] = name_of(finding.level);
     one["code"] = finding.code;
     one["text"] = finding.text;
+    // The remedy in words; the change of the text is for editors, which ask the language server.
     if (!finding.remedy.empty()) one["fix"] = finding.remedy;
     all.push_back(std::move(one));
   }
   return all;
 }
 
+// A path as a relative reference: bytes that a URI cannot hold are written as %XX.
+std::string uri_of(const std::string& path) {
+  constexpr std::string_view kPlain = "-._~/!$&'()*+,;=@";
+  std::string uri;
+  for (const char c : path) {
+    const auto byte = static_cast<unsigned char>(c);
+    if (byte < 0x80 && (std::isalnum(byte) != 0 || kPlain.find(c) != std::string_view::npos)) {
+      uri += c;
+    } else {
+      constexpr std::string_view kDigits = "0123456789ABCDEF";
+      ((uri += '%') += kDigits[byte >> 4]) += kDigits[byte & 15];
+    }
+  }
+  return uri;
+}
+
 // The form that editors and code review read. It has no field for a remedy in words, so that goes into the message.
 Json sarif_of(const std::vector<Finding>& findings) {
   Json rules = Json::array();
   for (const CheckCode& code : check_codes()) {
+    // All codes are listed, whether something was found or not: viewers show their texts.
     rules.push_back({{"id", code.code}, {"shortDescription", {{"text", code.text}}}});
   }
   Json results = Json::array();
   for (const Finding& finding : findings) {
-    Json location{{"artifactLocation", {{"uri", finding.file}}}};
+    Json location{{"artifactLocation", {{"uri", uri_of(finding.file)}}}};
     if (finding.line != 0) location["region"]["startLine"] = finding.line;
     if (finding.column != 0) {
       location["region"]["startColumn"] = finding.column;
@@ -136,25 +157,25 @@ int run_check(const Arguments& arguments) {
   refuse_unknown_codes(arguments.silenced);
   CheckInput input;
   input.rules = {arguments.rules, text_file_read(arguments.rules)};
+  // No finding, as an empty file is no mistake by itself.
   if (input.rules.text.empty()) tell_line(arguments.rules + ": is empty, so there are no rules to check");
   input.words_files = arguments.words;
   input.cooccurrence_file = arguments.cooccurrence;
   input.blocks = arguments.blocks;
   const bool may_be_source = path_split(arguments.rules).extension == kSourceExtension;
   const Expansion expansion = may_be_source ? expand_source(arguments.rules) : Expansion();
-  if (expansion.is_source) {
-    std::string faults;
-    for (const SourceMessage& message : expansion.messages) faults += source_message_text(message) + '\n';
-    if (expansion.has_errors()) throw Fault(faults + "the source cannot be expanded");
-    tell(faults);
+  if (expansion.is_source && !expansion.has_errors()) {
     input.rules.text = expansion.text;
     input.source = &expansion.map;
   }
+  // A text from standard input is read once, and named "-" in findings.
   for (const std::string& path : arguments.inputs) input.graphs.push_back({path, text_file_read(path)});
   if (path_split(arguments.rules).extension == ".rul" || is_compiled(input.rules.text)) {
     throw Fault(arguments.rules + ": is no rule text: compiled rules do not tell lines; name the text");
   }
-  std::vector<Finding> findings = check(input);
+  // Without its expansion nothing can be held against a source: its own faults come first.
+  std::vector<Finding> findings = source_findings(expansion);
+  if (!expansion.has_errors()) std::ranges::move(check(input), std::back_inserter(findings));
   std::erase_if(findings, [&arguments](const Finding& finding) {
     return std::ranges::find(arguments.silenced, finding.code) != arguments.silenced.end();
   });

@@ -13,6 +13,7 @@
 #include "graph/line_kind.hpp"
 #include "graph/line_text.hpp"
 #include "lab/check_rules.hpp"
+#include "lab/text_file.hpp"
 #include "rules/scanners.hpp"
 
 namespace lexon {
@@ -54,14 +55,19 @@ class GraphText {
     }
     // A file that is no graphs at all, or whose sentences all stand in a block that is passed over.
     if (open_line_ == 0) {
+      // The form of meaning banks: (w / want-01 :ARG0 (b / boy)).
+      const bool is_penman = (text_.text.starts_with('(') || text_.text.find("\n(") != std::string::npos) &&
+                             text_.text.find(" / ") != std::string::npos;
       report(0, 0, 0, Level::warning, "no-sentence", "this file holds no sentence",
-             "a sentence begins with a line [S] and ends with a line [/S]");
+             is_penman ? "it looks like PENMAN: lexon-import makes graphs of it"
+                       : "a sentence begins with a line [S] and ends with a line [/S]");
       findings_.back().column = findings_.back().end_column = 0;
     }
     check_encoding(text_.file, watch_, findings_);
   }
 
  private:
+  // A sentence (number 0) or a scope in it, as far as its lines have been read.
   struct Scope {
     std::int64_t line = 0;  // where it is first met
     std::size_t column = 0;
@@ -91,8 +97,10 @@ class GraphText {
       passed_block_ = {};
       return;
     }
+    // Of a block of words each line is one word; lines that begin a comment or another block are not.
     if (passed_block_ != kWordBlockEnd || *line == ';' || *line == '[') return;
     line[std::strcspn(line, "\n")] = '\0';
+    // `word` cuts the line into pieces, and findings show it whole.
     const std::string as_read(line);
     line_ = as_read.c_str();
     if (*skip_blanks(line) != '\0') word(line, line, 0);
@@ -100,6 +108,7 @@ class GraphText {
   }
 
   void open_block(std::string_view end) {
+    // A block of words opens a sentence by itself, without [S].
     passed_block_ = end;
     block_line_ = watch_.line;
     if (end == kWordBlockEnd) sentence_start();
@@ -127,10 +136,23 @@ class GraphText {
                  "write [/S] in front of it");
           findings_.back().fix = {Fix::Kind::line_before, "", "[/S]\n"};
         }
+        label(line, static_cast<std::size_t>(line - buffer));
         sentence_start();
         break;
       case LineKind::graph_line: relation(buffer); break;
     }
+  }
+
+  // Programs ask for sentences by their labels, and expected texts are held against them by these. Sentences without a
+  // label are told apart by their numbers.
+  void label(const char* line, std::size_t at) {
+    const std::string name = label_in(line);
+    if (name.find(':') == std::string::npos) return;
+    const auto [known, is_new] = labels_.try_emplace(name, watch_.line);
+    if (is_new) return;
+    report(watch_.line, at, at + name.size() + 2, Level::warning, "label-twice",
+           "the sentence of line " + std::to_string(known->second) + " has the label [" + name + "] too",
+           "give each sentence a label of its own");
   }
 
   // A second start inside a sentence leaves the first one in force.
@@ -203,8 +225,10 @@ class GraphText {
       bad("the number of a scope has two characters, and what follows here is read as one",
           "write a digit and another digit or letter behind the colon, as in label:01(from, to)");
     }
+    // Takes the number off the label, which is a name of its own from here on. 0 without a number.
     const int number = label_scope(parts.label) & 0xFF;
     const std::string_view label(parts.label);
+    // A run leaves out the whole line, so its words are not counted either.
     if (label.size() > kLongestLabel) {
       return report(watch_.line, label_at, label_at + label.size(), Level::error, "label-cut",
                     "the label " + std::string(label) + " has more than five characters, and the line is left out",
@@ -229,12 +253,14 @@ class GraphText {
   // A word of a relation of this scope, or of a word block. Cuts `text`, which lies in `buffer`.
   void word(const char* buffer, char* text, int scope) {
     const auto offset = [buffer](const char* part) { return static_cast<std::size_t>(part - buffer); };
+    // The parts lie in `buffer`; name, attributes and number each end at a NUL of their own.
     const WordText parts = split_word(text);
     const std::string_view name(parts.name);
     const std::size_t at = offset(parts.name);
     // A number without a name stands for a scope; with one it tells two nodes of a word apart.
     if (name.empty() && parts.number > 0) {
       Scope& inner = scopes_[parts.number];
+      // The first place where the scope stands for a word is shown if nothing belongs to it.
       if (inner.line == 0) {
         inner.line = watch_.line;
         inner.column = at;
@@ -244,6 +270,7 @@ class GraphText {
     }
     // Words of one name with other numbers are other nodes.
     Scope& own = scopes_[scope];
+    // Two nodes of one name must not share their @entry.
     const std::string who = std::string(name) + (parts.number > 0 ? ':' + std::to_string(parts.number) : "");
     for (const char* attr = parts.attrs; *attr != '\0';) {
       attr += std::strspn(attr, ". ");
@@ -276,6 +303,7 @@ class GraphText {
   // Counts a name, and keeps the place where it stands first.
   void use(std::unordered_map<NameId, GraphSurvey::Use>& uses, std::string_view name, std::size_t begin,
            std::size_t end) {
+    // Only the first place is kept: a name may stand in millions of lines.
     GraphSurvey::Use& found = uses[names_.enter(name)];
     if (found.count++ != 0) return;
     const Finding place = finding_at({}, watch_.line, line_, begin, end, Level::note, "", {}, {});
@@ -292,10 +320,11 @@ class GraphText {
   BlockTag open_tag_;              // of a block {name} ... {/name}, whose lines are passed over
   std::string_view passed_block_;  // what ends it; empty if none is open
   std::int64_t block_line_ = 0;
-  bool is_open_ = false;         // a sentence has begun
-  bool has_relations_ = false;   // and holds some
-  std::int64_t open_line_ = 0;   // of its begin; 0: none has begun so far
-  std::map<int, Scope> scopes_;  // 0: the sentence itself
+  bool is_open_ = false;                                  // a sentence has begun
+  bool has_relations_ = false;                            // and holds some
+  std::int64_t open_line_ = 0;                            // of its begin; 0: none has begun so far
+  std::map<int, Scope> scopes_;                           // 0: the sentence itself
+  std::unordered_map<std::string, std::int64_t> labels_;  // of sentences so far, with their lines
 };
 
 }  // namespace

@@ -30,6 +30,7 @@ std::string lower(std::string_view name) {
 // Steps from one to the other, an exchange of neighbours counting as one; anything above `limit` is `limit` + 1.
 std::size_t distance(std::string_view a, std::string_view b, std::size_t limit) {
   if (std::max(a.size(), b.size()) - std::min(a.size(), b.size()) > limit) return limit + 1;
+  // Three rows of the table are enough: an exchange looks two rows back.
   std::vector<std::size_t> before(b.size() + 1);
   std::vector<std::size_t> last(b.size() + 1);
   std::vector<std::size_t> row(b.size() + 1);
@@ -41,6 +42,7 @@ std::size_t distance(std::string_view a, std::string_view b, std::size_t limit) 
       const bool exchanged = i > 1 && j > 1 && a[i - 1] == b[j - 2] && a[i - 2] == b[j - 1];
       if (exchanged) row[j] = std::min(row[j], before[j - 2] + 1);
     }
+    // No later row can be smaller.
     if (*std::min_element(row.begin(), row.end()) > limit) return limit + 1;
     // The rows of the table move up by one.
     before.swap(last);
@@ -63,6 +65,7 @@ std::size_t difference(std::string_view a, std::string_view b) {
                                a.size() == b.size() && distance(a, b, 1) == 1;
     return is_short_slip ? 2 : 3;
   }
+  // Two slips only where the first letter is right.
   const std::size_t limit = shorter >= kLongName && plain_a.front() == plain_b.front() ? 2 : 1;
   const std::size_t steps = distance(plain_a, plain_b, limit);
   return steps <= limit ? steps : 3;
@@ -72,6 +75,7 @@ std::size_t difference(std::string_view a, std::string_view b) {
 
 NameId Names::enter(std::string_view text) {
   if (const auto known = ids_.find(text); known != ids_.end()) return known->second;
+  // A deque: its texts stay where they are, and the keys point to them.
   const std::string& kept = texts_.emplace_back(text);
   const auto id = static_cast<NameId>(texts_.size() - 1);
   ids_.emplace(kept, id);
@@ -93,6 +97,7 @@ const std::string* nearest(std::string_view name, const std::vector<const std::s
   for (const std::string* other : known) {
     if (*other == name || other->empty() || name.empty()) continue;
     const std::size_t found = difference(name, *other);
+    // Of names as near the first one is told.
     if (found >= best_difference) continue;
     best = other;
     best_difference = found;

@@ -49,6 +49,8 @@ Demands demands_of(const RuleView& rule) {
   Demands result;
   const bool has_relation = rule.first(Place::relation) != nullptr;
   for (const RuleItem& item : rule.items) {
+    // A word that the rule names itself makes no demand on the list; one that comes over a relation has to be there
+    // in the graph.
     const bool is_inserted = rule.quote(item.side);
     if (item.place == Place::relation && &item == rule.first(Place::relation, item.side)) {
       result.push_back(
@@ -120,6 +122,7 @@ class RulesByDemand {
       }
       // What may be implied by another demand is no sign.
       const auto rarity = [&](Demand one) { return std::pair(may_be_implied(one, boundaries), counts[one]); };
+      // The rarest demand keeps the lists short: twelve thousand rules would else be compared pair by pair.
       const Demand sign = *std::ranges::min_element(demands[i], {}, rarity);
       if (rarity(sign).first) {
         without_.push_back(i);
@@ -185,6 +188,8 @@ class OrderCheck {
   // Does the rule fit wherever its demands are met? Not if it asks for more than demands can tell: groups between its
   // patterns, a pair that goes together, a word for a relation on both sides, a word that may not be had.
   bool is_plain(const RuleView& rule) const {
+    // The letters are types of generation that go by their two words; tests that narrow, post-edit and splits go
+    // otherwise.
     if (!is_one_of(rule.type, ":LRXCU345") || rule.mid_groups != 0 || rule.first(Place::role) != nullptr) return false;
     if (rule.quote(Side::left) && rule.quote(Side::right)) return false;
     const bool is_relation = rule.first(Place::relation) != nullptr;
@@ -196,6 +201,7 @@ class OrderCheck {
   // Do the groups of `first` hold wherever those of `second` do?
   static bool groups_hold(const RuleView& first, const RuleView& second) {
     if (first.pre.empty() && first.suf.empty()) return true;
+    // Groups are counted from the window, and a word that comes in moves what stands there.
     const bool same_place = first.is_quote == second.is_quote && second.mid_groups == 0;
     return same_place && (first.pre.empty() || first.pre == second.pre) &&
            (first.suf.empty() || first.suf == second.suf);
@@ -276,6 +282,7 @@ class OrderCheck {
     if (action.kind != condition.kind) return false;
     const bool is_same_name = action.name == condition.name;
     if (action.kind == ItemKind::hw) return condition.op == kOpNot ? is_same_name : !is_same_name;
+    // No action changes a concept word.
     if (action.kind == ItemKind::cw) return false;
     return is_same_name && (action.op == kOpDelete ? condition.op != kOpNot : condition.op == kOpNot);
   }
@@ -284,6 +291,8 @@ class OrderCheck {
   void check_insertion(const RuleView& rule) {
     if (!rule.inserts() || rule.quote(Side::left) == rule.quote(Side::right)) return;
     if (rule.first(Place::relation) != nullptr || rule.mid_groups != 0) return;
+    // Where the new word stands, the pair of the window changes; what is left is the word that was there, and the
+    // outer groups.
     const Side in = rule.quote(Side::left) ? Side::left : Side::right;
     const Side there = other(in);
     if (!(in == Side::left ? rule.pre : rule.suf).empty() || breaks_itself(rule, there)) return;
@@ -310,6 +319,7 @@ class OrderCheck {
       }
       const Demand has = demand(side, item.name);
       const Demand has_not = demand(side | kForbidden, item.name);
+      // Both are taken out first, so that a fact and its contrary never stand together.
       std::erase_if(facts, [has, has_not](Demand fact) { return fact == has || fact == has_not; });
       facts.push_back(item.op == kOpDelete ? has_not : has);
     }
@@ -320,6 +330,7 @@ class OrderCheck {
   void check_move(const RuleView& rule) {
     const bool goes_back = rule.type == rule_type::left || rule.type == rule_type::post_right;
     if (!goes_back || breaks_itself(rule, Side::left) || breaks_itself(rule, Side::right)) return;
+    // What moves the other way in the same pass.
     const std::uint8_t onward = rule.type == rule_type::left ? rule_type::right : rule_type::post_left;
     // The word that both pairs share; of the rest of the pair nothing is known, so the plainest rule onward is meant.
     const Side kept = rule.type == rule_type::left ? Side::left : Side::right;
@@ -344,6 +355,7 @@ class OrderCheck {
   static bool contradicts(const RuleView& rule, Side side, const Facts& known, Side known_side) {
     return std::ranges::any_of(rule.items, [&](const RuleItem& item) {
       if (item.place != Place::cond || item.side != side) return false;
+      // The demand is turned to the side on which the word stands in `known`, and asked for its contrary.
       const unsigned kind = (kind_of(item) & ~kOfRight) | (known_side == Side::right ? kOfRight : 0);
       return std::ranges::binary_search(known, demand(kind ^ kForbidden, item.name));
     });
@@ -363,6 +375,7 @@ class OrderCheck {
       Facts behind_first = demands_[first];
       learn(behind_first, rules_[first]);
       index.each(behind_first, [&](std::uint32_t second) {
+        // Each pair is looked at once, from its first rule.
         if (second <= first || rules_[first].is_post_edit() != rules_[second].is_post_edit()) return false;
         if (!are_met(demands_[second], behind_first, boundaries_)) return false;
         Facts behind_both = behind_first;

@@ -57,14 +57,17 @@ class PairCheck {
     for (const WordIndex::Entry& entry : index_.entries()) {
       const std::string_view concept_word = index_.concept_word(entry);
       if (!concept_word.starts_with(kSuperior)) continue;
+      // The text behind "sup" is what the entry stands above; its id is what is tried instead.
       superiors.emplace(names_.enter(concept_word.substr(kSuperior.size())), names_.enter(index_.id(entry)));
     }
     std::vector<NameId> waiting(context_.roles.begin(), context_.roles.end());
     while (!waiting.empty()) {
       const NameId relation = waiting.back();
       waiting.pop_back();
+      // Superiors can form a ring; a relation that is known goes no further.
       if (!relations_.insert(relation).second) continue;
       const auto [begin, end] = superiors.equal_range(relation);
+      // A relation with a superior has the values of that one.
       if (begin != end) seen_.insert(relation);
       for (auto each = begin; each != end; ++each) waiting.push_back(each->second);
     }
@@ -102,6 +105,7 @@ class PairCheck {
       }
       has_use = has_use || wrong.empty();
       if (wrong.empty()) seen_.insert(relation);
+      // The last one is shown: in a key with two relations either may be the one that was meant.
       if (!wrong.empty()) fault = wrong;
     }
     if (has_use) return;
@@ -123,6 +127,7 @@ class PairCheck {
   void judge(const std::string& word, std::string& fault, std::string& remedy) const {
     if (word.empty() || context_.has_other_form(word)) return;
     std::string id;
+    // An entry with an id is known by that alone, and one without by its form.
     for (const auto& words : context_.words.indexes) {
       if (!words->with_id(word).empty()) return;
       for (const std::uint32_t each : words->with_form(word)) {

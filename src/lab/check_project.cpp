@@ -28,18 +28,6 @@ std::optional<std::string> text_or_finding(const std::string& path, const Overla
   }
 }
 
-// The first half of a message says what is wrong, the second how to put it right.
-void add_messages(const Expansion& expansion, std::vector<Finding>& findings) {
-  for (const SourceMessage& message : expansion.messages) {
-    const std::size_t colon = message.text.find(": ");
-    Finding finding =
-        finding_at(message.file, message.line, message.shown, message.column, message.column + 1,
-                   message.is_warning ? Level::warning : Level::error, "source-syntax", message.text.substr(0, colon),
-                   colon == std::string::npos ? std::string() : message.text.substr(colon + 2));
-    findings.push_back(std::move(finding));
-  }
-}
-
 // Findings that compare the files with the rules mean nothing without rules.
 bool is_about_rules(const Finding& finding) {
   constexpr std::array<std::string_view, 3> kCompared = {"unused-name", "unfollowed-label", "unknown-word"};
@@ -48,6 +36,20 @@ bool is_about_rules(const Finding& finding) {
 
 }  // namespace
 
+// The first half of a message says what is wrong, the second how to put it right.
+std::vector<Finding> source_findings(const Expansion& expansion) {
+  std::vector<Finding> findings;
+  for (const SourceMessage& message : expansion.messages) {
+    const std::size_t colon = message.text.find(": ");
+    Finding finding =
+        finding_at(message.file, message.line, message.shown, message.column, message.column + 1,
+                   message.is_warning ? Level::warning : Level::error, "source-syntax", message.text.substr(0, colon),
+                   colon == std::string::npos ? std::string() : message.text.substr(colon + 2));
+    findings.push_back(std::move(finding));
+  }
+  return findings;
+}
+
 std::vector<Finding> check_project(const ProjectFiles& files, const Overlay& unsaved, CheckCache& cache) {
   std::vector<Finding> findings;
   CheckInput input;
@@ -55,6 +57,7 @@ std::vector<Finding> check_project(const ProjectFiles& files, const Overlay& uns
   input.unsaved = &unsaved;
   input.cache = &cache;
   input.rules.file = files.rules;
+  // Without rules the other files are still checked for themselves.
   bool has_rules = false;  // and they can be read
   Expansion expansion;     // that `input` points into
   if (!files.rules.empty()) {
@@ -66,12 +69,13 @@ std::vector<Finding> check_project(const ProjectFiles& files, const Overlay& uns
   if (has_rules && files.rules.ends_with(kSourceExtension)) {
     expansion = expand_source(files.rules, unsaved.lookup());
     if (expansion.is_source) {
-      add_messages(expansion, findings);
+      std::ranges::move(source_findings(expansion), std::back_inserter(findings));
       has_rules = !expansion.has_errors();
       input.rules.text = expansion.text;
       input.source = &expansion.map;
     }
   }
+  // Compiled rules under the name of a text.
   if (has_rules && is_compiled(input.rules.text)) {
     findings.push_back({files.rules, 0, 0, 0, Level::error, "no-file", "is no rule text",
                         "compiled rules do not tell lines: name the text"});
@@ -99,6 +103,7 @@ std::vector<Finding> check_project(const ProjectFiles& files, const Overlay& uns
     if (auto text = text_or_finding(path, unsaved, findings)) input.graphs.push_back({path, std::move(*text)});
   }
   std::vector<Finding> all = check(input);
+  // Else everything would be a name that nobody asks for.
   if (!has_rules) std::erase_if(all, is_about_rules);
   std::ranges::move(all, std::back_inserter(findings));
   std::erase_if(findings, [&files](const Finding& finding) {

@@ -6,10 +6,14 @@
 #include "lab/check.hpp"
 #include "lab/project_files.hpp"
 #include "lab/word_index.hpp"
+#include "source/expand.hpp"
 
 namespace lexon {
 inline namespace v1 {
 namespace lab {
+
+// What the expansion of a source tells, as findings (`source-syntax`).
+[[nodiscard]] std::vector<Finding> source_findings(const Expansion& expansion);
 
 // All findings about the files of a project as they stand in the overlay, those that are silenced left out. A file that
 // cannot be read and a source that cannot be expanded are findings, too (`no-file`, `source-syntax`); then names are

@@ -47,6 +47,7 @@ class LineView {
     if (!pattern(rule, Side::right) || !groups(rule, Place::suf, rule.suf_groups, &rule.suf)) return false;
     rule.number_begin = at();
     if (*cursor_ == 'P') {
+      // The digits are kept as written, so that a finding can point to them and say what they count as.
       const char* begin = ++cursor_;
       while (is_digit(*cursor_)) ++cursor_;
       rule.number.assign(begin, cursor_);
@@ -61,6 +62,7 @@ class LineView {
 
   // The end of an item behind which the cursor stands, without the commas and blanks between.
   [[nodiscard]] std::uint32_t item_end(std::uint32_t begin) const {
+    // Findings underline the item alone.
     std::uint32_t end = at();  // the scanners pass over commas and blanks behind an item
     while (end > begin + 1 && (start_[end - 1] == ',' || is_blank(start_[end - 1]))) --end;
     return end;
@@ -71,6 +73,7 @@ class LineView {
     const std::uint32_t begin = at();
     CondItem* read = nullptr;
     ItemKind kind = ItemKind::attribute;
+    // The cursor moves on even where this fails; the caller gives the line up then.
     if (parse_cond_item(session_, pool_, parse_, as, cursor_, read, kind) != Status::ok) return false;
     rule.items.push_back({place, side, kind, read->op, group, begin, item_end(begin), names_.enter(read->text)});
     return true;
@@ -92,6 +95,7 @@ class LineView {
     }
     if (lone == nullptr) return true;
     lone->assign(begin, cursor_);
+    // Runs drop such a group too: it would fit anywhere, so that the rule has no context to be judged by.
     const auto is_of_place = [place](const RuleItem& item) { return item.place == place; };
     const bool says_something = std::ranges::any_of(rule.items, [&is_of_place](const RuleItem& item) {
       return is_of_place(item) && item.kind == ItemKind::attribute;
@@ -109,6 +113,7 @@ class LineView {
     while (!is_section_end(*cursor_)) {
       CondItem* read = perm_new<CondItem>(pool_);
       const std::uint32_t begin = at();
+      // Memory of one line: this is the pool that is emptied after each.
       if (read == nullptr) return false;
       if (place == Place::role && (*cursor_ == '<' || *cursor_ == '>')) ++cursor_;
       const Status status = place == Place::role ? scan_attr_token(pool_, cursor_, *read, kRoleTokenLimit)
@@ -177,6 +182,7 @@ void check_parser(const CheckInput& input, const RuleNotes& notes, const Pool& p
     const bool is_whole_line = note.fault == RuleFault::endless;
     const std::size_t begin = is_whole_line ? 0 : std::min(note.column, note.text.size());
     const char there = begin < note.text.size() ? note.text[begin] : ' ';
+    // What may stand where a priority is looked for without being the reason that there is none.
     constexpr std::string_view kNothingElse = " \t\r\n;P0123456789";
     if (note.fault == RuleFault::no_priority && (there == '{' || there == '"')) {
       what = "a third pattern, and what stands behind the second is not read: strike it out, a rule has two";
@@ -186,6 +192,7 @@ void check_parser(const CheckInput& input, const RuleNotes& notes, const Pool& p
              " is not read, and neither is a priority behind it: the priority stands behind the last pattern or group";
     }
     // Texts of faults read "what is wrong: how to put it right".
+    // Both halves are shown, the second as the remedy.
     const std::size_t colon = what.find(": ");
     findings.push_back(finding_at(file, note.line, note.text, begin, is_whole_line ? note.text.size() : begin + 1,
                                   is_warning(note.fault) ? Level::warning : Level::error, code, what.substr(0, colon),
@@ -219,6 +226,7 @@ class SourceLines {
       known->second.text = text_file_read(path, unsaved_);
       known->second.lines = lines_of(known->second.text);
     }
+    // A line behind the end is that of a source that has changed since it was expanded.
     const auto index = static_cast<std::size_t>(number) - 1;
     return index < known->second.lines.size() ? known->second.lines[index] : std::string_view();
   }
@@ -237,6 +245,7 @@ class SourceLines {
 Finding finding_at(const std::string& file, std::int64_t line, std::string_view text, std::size_t begin,
                    std::size_t end, Level level, const char* code, std::string what, std::string remedy) {
   begin = std::min(begin, text.size());  // behind the end: the finding is about what is missing there
+  // Editors count characters; bytes of another encoding count one each.
   const std::size_t column = utf8_count(text.substr(0, begin)) + 1;
   const std::string_view piece = begin < text.size() ? text.substr(begin, end - begin) : std::string_view();
   return {file,  line, column,          column + std::max<std::size_t>(utf8_count(piece), 1),
@@ -275,6 +284,7 @@ void findings_to_sources(const CheckInput& input, std::vector<Finding>& findings
     const std::size_t begin = byte_at(finding.line, finding.column);
     const std::size_t end = std::max(byte_at(finding.line, finding.end_column), begin + 1);
     const MappedPlace place = input.source->place(finding.line, begin);
+    // The end is looked up by its last byte: the place behind it may come from somewhere else.
     const MappedPlace last = input.source->place(finding.line, end - 1);
     if (!place.file.empty()) {
       const std::string_view line = sources.line(place.file, place.line);
@@ -289,6 +299,7 @@ void findings_to_sources(const CheckInput& input, std::vector<Finding>& findings
       moved.fix = std::move(finding.fix);
       finding = std::move(moved);
     }
+    // The text of a finding names the values of the turn, so it is no part of what makes two the same.
     const auto [first, is_new] = known.try_emplace(
         std::tuple(finding.file, finding.line, finding.column, std::string_view(finding.code), finding.remedy),
         result.size());
@@ -349,10 +360,12 @@ RuleBase read_rules(const CheckInput& input, Names& names, std::vector<Finding>&
     const char first = *skip_blanks(line);
     // The rest of a line that is too long is no rule, and the parser passes it over too.
     if (!is_first_piece || first == ';' || first == '\n' || first == '\0') continue;
+    // Refused lines come in ascending order, as they were read.
     if (std::binary_search(refused.begin(), refused.end(), watch.line)) continue;
     RuleView rule;
     rule.line = watch.line;
     if (LineView(*session, scratch, names, line).read(rule)) {
+      // The line as text without its end, since findings of later checks show and measure it.
       rule.text = line;
       while (!rule.text.empty() && rule.text.back() == '\n') rule.text.pop_back();
       base.rules.push_back(std::move(rule));

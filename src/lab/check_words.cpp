@@ -22,6 +22,7 @@ std::vector<NameId> attributes_of(std::string_view text, Names& names) {
   std::vector<NameId> result;
   while (!text.empty()) {
     const std::size_t end = std::min(text.find(','), text.size());
+    // Two commas in a row hold no name.
     if (end != 0) result.push_back(names.enter(text.substr(0, end)));
     text.remove_prefix(std::min(end + 1, text.size()));
   }
@@ -42,6 +43,7 @@ void answer(const WordIndex& index, std::uint32_t first_set, const std::unordere
             const Names& names, const Find& find, std::unordered_map<NameId, std::vector<WordFacts>>& by_name) {
   for (const NameId name : wanted) {
     const std::vector<std::uint32_t> found = find(names[name]);
+    // A name that nobody has gets no list, which is how it is known to be missing.
     if (found.empty()) continue;
     std::vector<WordFacts>& facts = by_name[name];
     for (const std::uint32_t i : found) {
@@ -54,6 +56,7 @@ void answer(const WordIndex& index, std::uint32_t first_set, const std::unordere
 // Looks for the needles of one file; `wanted`: line and number of a finding, in order.
 void columns_find(std::string_view text, const std::vector<std::pair<std::int64_t, std::size_t>>& wanted,
                   const std::unordered_map<std::size_t, std::string>& needles, std::vector<Finding>& findings) {
+  // As long as an entry may be: longer lines were refused, and no finding lies behind their beginning.
   std::vector<char> buffer(kMaxEntryLine + 2);
   TextWatch watch;
   auto next = wanted.begin();
@@ -72,6 +75,7 @@ void columns_find(std::string_view text, const std::vector<std::pair<std::int64_
                kAround.find(line[place + needle.size()]) == std::string_view::npos;
       };
       while (at != std::string_view::npos && at > 0 && is_part(at)) at = line.rfind(needle, at - 1);
+      // The finding stays about the whole line.
       if (at == std::string_view::npos) continue;
       Finding placed = finding_at(finding.file, finding.line, line, at, at + needle.size(), finding.level, finding.code,
                                   finding.text, finding.remedy);
@@ -90,6 +94,7 @@ WordSurvey survey_words(const CheckInput& input, const WordQuestions& questions,
   for (const std::string& path : input.words_files) {
     const std::shared_ptr<const WordIndex> index = index_of(input, path);
     const auto file = static_cast<std::uint32_t>(survey.files.size());
+    // The files count as one, so their sets and attributes are numbered through.
     survey.files.push_back(path);
     survey.indexes.push_back(index);
     findings.insert(findings.end(), index->findings().begin(), index->findings().end());
@@ -100,6 +105,7 @@ WordSurvey survey_words(const CheckInput& input, const WordQuestions& questions,
       const WordIndex::Entry& first = index->entries()[set.first];
       for (const NameId name : survey.attribute_sets.back()) {
         WordSurvey::Attribute& attribute = survey.attributes[name];
+        // The first entry of the first file that has it.
         if (attribute.count == 0) attribute = {0, file, first.line, std::string(index->form(first))};
         attribute.count += set.count;
       }
@@ -116,6 +122,7 @@ WordSurvey survey_words(const CheckInput& input, const WordQuestions& questions,
 
 PairSurvey survey_cooccurrence(const CheckInput& input, Names& names, std::vector<Finding>& findings) {
   PairSurvey survey;
+  // Without pairs there is nothing to ask for.
   if (input.cooccurrence_file.empty()) return survey;
   survey.index = index_of(input, input.cooccurrence_file);
   findings.insert(findings.end(), survey.index->findings().begin(), survey.index->findings().end());

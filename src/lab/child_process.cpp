@@ -30,9 +30,11 @@ pid_t process_start(const std::vector<std::string>& words, int input, int output
   };
   give(input, STDIN_FILENO, O_RDONLY);
   give(output, STDOUT_FILENO, O_WRONLY);
+  // What it has to say there would stand among our own messages.
   give(-1, STDERR_FILENO, O_WRONLY);
   posix_spawnattr_t attributes;
   posix_spawnattr_init(&attributes);
+  // The program that starts it may have blocked signals, which a child inherits.
   sigset_t none;
   sigemptyset(&none);
   posix_spawnattr_setsigmask(&attributes, &none);

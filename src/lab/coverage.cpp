@@ -44,6 +44,7 @@ const char* part_name(RulePart part) {
     case RulePart::mid: return "MID";
     case RulePart::rnode: return "RNODE";
     case RulePart::suf: return "SUF";
+    // A rule has no other part with conditions.
     default: return "";
   }
 }
@@ -60,6 +61,8 @@ std::vector<Condition> conditions_of(const Rule& rule) {
            is_attribute});
     }
   };
+  // Within a group and a pattern forms come first, then concept words, then attributes, whatever the order of the
+  // text.
   const auto add_groups = [&](RulePart part, const ContextGroup* groups) {
     for (const ContextGroup& group : chain<&ContextGroup::next>(groups)) {
       add(part, group.hw_conds, "[", "]", false);
@@ -85,6 +88,7 @@ std::vector<Condition> conditions_of(const Rule& rule) {
 // Is the condition held against a place of the window, attribute by attribute?
 bool asks_place(const Rule& rule, const Condition& condition) {
   if (!condition.is_attribute) return false;
+  // A pattern in quotes is about a word that is not there yet.
   if (condition.part == RulePart::lnode) return rule.lnode->inserted == 0;
   return condition.part == RulePart::rnode && rule.rnode->inserted == 0;
 }
@@ -113,11 +117,13 @@ CoverageCounter::CoverageCounter(const Project& project) {
     const RulePlace place = project.line_of(rule);
     count.file = place.file;
     count.line = place.line;
+    // The canonical text is how a rule is known again in another run, when its line may have moved.
     count.text = project.text_of(rule);
     coverage_.rules.push_back(std::move(count));
   }
   spoiled_.resize(list_.size());
   fits_.resize(list_.size());
+  // A counter is one run, however many sentences it sees.
   coverage_.runs = 1;
 }
 
@@ -135,6 +141,7 @@ void CoverageCounter::generated(Session&, core::Status) {
 void CoverageCounter::count_place(const Session& session, const Node* node, Places& places) {
   std::set<std::string_view> attrs;
   const auto take = [&](const Node& of, bool is_open) {
+    // What the graph says of the word; it is in force before any rule has touched it.
     for_each_attr(head_text(of), [&](std::string_view attr) { attrs.insert(attr); });
     for (const WordEntry* word = of.candidates; word != nullptr; word = is_open ? word->next : nullptr) {
       for_each_attr(word->attrs, [&](std::string_view attr) { attrs.insert(attr); });
@@ -146,12 +153,14 @@ void CoverageCounter::count_place(const Session& session, const Node* node, Plac
   }
   for (const std::string_view attr : attrs) {
     Seen& seen = places[std::string(attr)];
+    // The first sentence is kept as the example.
     if (seen.places++ == 0) seen.example = sentence_;
   }
 }
 
 // Some rules are offered in generation whose type is of post-edit; these are no offers.
 void CoverageCounter::offered(Session& session, const Window& window, const RuleCandidate* list) {
+  // At the end of a list rules are asked for once more, with half a window.
   if (window.lnode == nullptr || window.rnode == nullptr) return;
   count_window(session, window);
   for_each_rule_from(session, list, [&](const Rule& rule) {
@@ -169,6 +178,7 @@ void CoverageCounter::offered_in_post_edit(Session& session, const Window& windo
 // Every window counts, in generation and in post-edit apart: rules of one see no places of the other.
 void CoverageCounter::count_window(const Session& session, const Window& window) {
   ++coverage_.windows;
+  // Also the index of the tables below: generation first.
   const std::size_t pass = is_post_edit_ ? 1 : 0;
   ++places_[pass];
   count_place(session, window.lnode, left_[pass]);
@@ -176,6 +186,7 @@ void CoverageCounter::count_window(const Session& session, const Window& window)
 }
 
 void CoverageCounter::hit(RuleCount& count) {
+  // Threads begin with different sentences, so with several the example may be any of them.
   if (count.hits++ == 0) count.example = sentence_;
 }
 
@@ -224,6 +235,7 @@ Coverage CoverageCounter::result() const {
         const Places& places = condition.part == RulePart::lnode ? left_[pass] : right_[pass];
         const auto seen = places.find(condition.item->text);
         const std::int64_t with = seen == places.end() ? 0 : seen->second.places;
+        // A sign among the conditions asks for its attribute, too.
         const bool wants = condition.item->op != kOpNot;
         count.hits = wants ? with : places_[pass] - with;
         count.misses = wants ? places_[pass] - with : with;
@@ -279,6 +291,7 @@ Coverage coverage_of(const Json& json) {
   coverage.windows = json.at("windows");
   for (const Json& each : json.at("rules")) {
     RuleCount rule;
+    // An assignment throws if the value is of another type.
     rule.file = each.at("file");
     rule.line = each.at("line");
     rule.text = each.at("text");
@@ -321,12 +334,14 @@ std::int64_t coverage_add(Coverage& to, const Coverage& from) {
       ++lost;
       continue;
     }
+    // The lists were filled from the back, so their ends are the copies that stand first.
     RuleCount& mine = *found->second.back();
     found->second.pop_back();
     mine.offered += rule.offered;
     mine.tried += rule.tried;
     mine.hits += rule.hits;
     mine.undone += rule.undone;
+    // Of this run rather than of an earlier one.
     if (mine.example.empty()) mine.example = rule.example;
     for (std::size_t at = 0; at < std::min(mine.conditions.size(), rule.conditions.size()); ++at) {
       mine.conditions[at].hits += rule.conditions[at].hits;
@@ -378,6 +393,7 @@ void print_text(const Coverage& coverage, bool with_conditions) {
       line += count_text(rule->hits, "hit") + ", " + std::to_string(rule->undone) + " taken back, " +
               std::to_string(rule->tried - std::min(rule->hits, rule->tried)) + " misses; " + rule->example;
     } else if (rule->tried > 0) {
+      // Three ways of never firing, which call for different remedies: conditions, order, and names.
       line += "never fired: refused in " + std::to_string(rule->tried) + (rule->tried == 1 ? " try" : " tries");
     } else if (rule->offered > 0) {
       line += "never fired: another rule came first at " + count_text(rule->offered, "window");
@@ -388,6 +404,7 @@ void print_text(const Coverage& coverage, bool with_conditions) {
     std::cout << (is_marked ? "\x1b[31m" : "") << escaped(line) << (is_marked ? "\x1b[0m" : "") << '\n';
     if (!with_conditions && rule->hits > 0) continue;
     for (const ConditionCount& condition : rule->conditions) {
+      // Of a rule that never fired the conditions that held are not to blame.
       const bool is_telling = with_conditions || condition.hits == 0;
       if (is_telling) std::cout << escaped("    " + condition_text(condition)) << '\n';
     }
@@ -409,30 +426,16 @@ std::string html_text(std::string_view text) {
   return html;
 }
 
-// The rule text with a colour and the counts at each rule; a file of its own.
-std::string html_page(const Project& project, const Coverage& coverage) {
+// The rows of one file: its text, with a colour and the counts at each rule. `anchor` stands in front of the line numbers
+// by which links find a row.
+void html_rows(std::ostringstream& page, const std::string& path, const std::string& anchor, const Coverage& coverage) {
   // Of a grammar source a line can stand for many rules.
   std::map<std::uint32_t, std::vector<const RuleCount*>> by_line;
   for (const RuleCount& rule : coverage.rules) {
-    if (rule.file == project.rule_text()) by_line[rule.line].push_back(&rule);
+    if (rule.file == path) by_line[rule.line].push_back(&rule);
   }
-  const auto fired =
-      std::count_if(coverage.rules.begin(), coverage.rules.end(), [](const RuleCount& rule) { return rule.hits > 0; });
-  std::ostringstream page;
-  page << "<!DOCTYPE html>\n<html lang=\"en\"><head><meta charset=\"utf-8\"><title>Coverage of "
-       << html_text(project.rule_text())
-       << "</title>\n<style>body{font:14px/1.4 sans-serif;margin:1em}table{border-collapse:collapse;width:100%}"
-          "td{padding:0 .6em;vertical-align:top;white-space:pre-wrap}td.n{text-align:right;color:#666}"
-          "td.c{font-family:monospace}tr.hit{background:#e7f6e7}tr.miss{background:#fbe3e3}"
-          "tr.late{background:#fdf3d8}details{font-family:sans-serif;color:#333}summary{cursor:pointer}"
-          "li.zero{color:#a00}</style></head>\n<body><h1>"
-       << html_text(project.rule_text()) << "</h1>\n<p>" << count_text(coverage.sentences, "sentence") << " in "
-       << count_text(coverage.runs, "run") << ", " << count_text(coverage.windows, "window") << "; " << fired << " of "
-       << count_text(static_cast<std::int64_t>(coverage.rules.size()), "rule")
-       << " fired. Green: fired; yellow: offered, but another rule came first or a condition failed; red: never "
-          "offered.</p>\n<table><tr><th>line</th><th>hits</th><th>taken back</th><th>tried</th><th></th></tr>\n";
   std::uint32_t number = 0;
-  const std::string rules = text_file_read(project.rule_text());
+  const std::string rules = text_file_read(path);
   for (const std::string_view line : lines_of(rules)) {
     const auto found = by_line.find(++number);
     if (found == by_line.end()) {
@@ -449,7 +452,7 @@ std::string html_page(const Project& project, const Coverage& coverage) {
       all.offered += rule->offered;
       if (all.example.empty()) all.example = rule->example;
     }
-    page << "<tr id=\"L" << number << "\" class=\""
+    page << "<tr id=\"" << anchor << number << "\" class=\""
          << (all.hits > 0      ? "hit"
              : all.offered > 0 ? "late"
                                : "miss")
@@ -468,7 +471,37 @@ std::string html_page(const Project& project, const Coverage& coverage) {
     }
     page << "</details></td></tr>\n";
   }
-  page << "</table></body></html>\n";
+}
+
+// The rule text, and behind it each file that a source includes, as a page without anything beside it.
+std::string html_page(const Project& project, const Coverage& coverage) {
+  const auto fired =
+      std::count_if(coverage.rules.begin(), coverage.rules.end(), [](const RuleCount& rule) { return rule.hits > 0; });
+  std::ostringstream page;
+  page << "<!DOCTYPE html>\n<html lang=\"en\"><head><meta charset=\"utf-8\"><title>Coverage of "
+       << html_text(project.rule_text())
+       << "</title>\n<style>body{font:14px/1.4 sans-serif;margin:1em}table{border-collapse:collapse;width:100%}"
+          "td{padding:0 .6em;vertical-align:top;white-space:pre-wrap}td.n{text-align:right;color:#666}"
+          "td.c{font-family:monospace}tr.hit{background:#e7f6e7}tr.miss{background:#fbe3e3}"
+          "tr.late{background:#fdf3d8}details{font-family:sans-serif;color:#333}summary{cursor:pointer}"
+          "li.zero{color:#a00}</style></head>\n<body><h1>"
+       << html_text(project.rule_text()) << "</h1>\n<p>" << count_text(coverage.sentences, "sentence") << " in "
+       << count_text(coverage.runs, "run") << ", " << count_text(coverage.windows, "window") << "; " << fired << " of "
+       << count_text(static_cast<std::int64_t>(coverage.rules.size()), "rule")
+       << " fired. Green: fired; yellow: offered, but another rule came first or a condition failed; red: never "
+          "offered.</p>\n";
+  // The file that was named comes first, whether it has rules of its own or not.
+  std::vector<std::string> files = {project.rule_text()};
+  for (const RuleCount* rule : in_file_order(coverage)) {
+    if (std::ranges::find(files, rule->file) == files.end()) files.push_back(rule->file);
+  }
+  for (std::size_t i = 0; i < files.size(); ++i) {
+    if (i > 0) page << "<h2>" << html_text(files[i]) << "</h2>\n";
+    page << "<table><tr><th>line</th><th>hits</th><th>taken back</th><th>tried</th><th></th></tr>\n";
+    html_rows(page, files[i], i == 0 ? "L" : "F" + std::to_string(i) + "L", coverage);
+    page << "</table>\n";
+  }
+  page << "</body></html>\n";
   return page.str();
 }
 
@@ -498,6 +531,7 @@ std::string lcov_text(const Coverage& coverage) {
           text << "BRDA:" << rule.line << ',' << branches / 2 << ',' << branches % 2 << ',';
           text << (rule.offered == 0 ? "-" : std::to_string(count)) << '\n';
           ++branches;
+          // A rule that was never offered has asked for nothing, whatever the windows counted.
           taken += count > 0 && rule.offered > 0 ? 1 : 0;
         }
       }
@@ -522,6 +556,7 @@ std::string pruned_text(const Project& project, const Coverage& coverage) {
   bool has_lines = true;
   for (const RuleCount& rule : coverage.rules) {
     has_lines = has_lines && rule.line != 0;
+    // A plain text has one rule in a line, so that no rule goes along that fired.
     if (rule.hits == 0) left_out.insert(rule.line);
     if (rule.hits > 0) canonical += rule.text + '\n';
   }
@@ -551,11 +586,18 @@ struct Arguments : RunArguments {
 int cover(const Arguments& arguments) {
   const Project project(arguments.grammar);
   RunArguments read = arguments;
+  // Written files must be none that is read.
   read.render.inputs.push_back(project.rule_text());  // of compiled rules the text beside them
   refuse_own_files(read, arguments.pruned, "--prune");
   refuse_own_files(read, arguments.html, "--html");
   refuse_own_files(read, arguments.lcov, "--lcov");
   refuse_own_files(read, arguments.data, "--data");
+  // Compiled rules whose text is not beside them have no lines that a page or a tracefile could show.
+  const Rule* first = project.loaded().rules.rules;
+  const bool has_lines = first == nullptr || project.line_of(*first).line != 0;
+  if (!has_lines && !(arguments.html.empty() && arguments.lcov.empty())) {
+    throw Fault(arguments.grammar.rules + ": compiled rules do not tell lines: name the text for --html and --lcov");
+  }
   // A thread counts for itself; the counts are added up when all are through.
   struct Worker {
     explicit Worker(const Project& project) : bench(project), counter(project) { bench.watchers().add(counter); }
@@ -575,6 +617,7 @@ int cover(const Arguments& arguments) {
   int status = kDone;
   Coverage coverage = workers.front()->counter.result();
   for (const auto& worker : workers) {
+    // All threads have the same rules, so nothing is lost.
     if (worker != workers.front()) static_cast<void>(coverage_add(coverage, worker->counter.result()));
     for (const auto& [graph, rendered] : worker->failed) {
       status = kFailed;
@@ -587,6 +630,7 @@ int cover(const Arguments& arguments) {
       tell_line(path + ": " + count_text(lost, "rule") + " of it, changed or taken out since, left out");
   }
   if (!arguments.data.empty())
+    // Texts that are no UTF-8 are shown with a sign for each bad byte.
     text_file_write(arguments.data, json_of(coverage).dump(1, ' ', false, Json::error_handler_t::replace) + '\n');
   if (!arguments.html.empty()) text_file_write(arguments.html, html_page(project, coverage));
   if (!arguments.lcov.empty()) text_file_write(arguments.lcov, lcov_text(coverage));

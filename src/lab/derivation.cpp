@@ -79,6 +79,7 @@ Derivation::Derivation(const Project& project) : project_(project) {
     if (!is_word_test_type(rule.type)) continue;
     for (const NodePattern* pattern : {rule.lnode, rule.rnode}) {
       for (const CondItem& condition : chain<&CondItem::next>(pattern->attr_conds)) {
+        // `emplace` keeps the first.
         if (condition.op == kOpHas) asked.emplace(condition.text, &rule);
       }
     }
@@ -111,6 +112,7 @@ void Derivation::sentence_begins(Session& session) {
   is_post_edit_ = false;
   const auto nodes = std::span(session.sentence.graph_nodes);
   for (const Node* node : nodes.first(static_cast<std::size_t>(session.sentence.graph_node_count))) {
+    // Entries are noted now, while the node still has all of them.
     if (node == nullptr || !is_followed(node)) continue;
     for (const WordEntry& word : chain<&WordEntry::next>(node->entries)) word_entries_.push_back(entry_line(word));
   }
@@ -125,11 +127,13 @@ void Derivation::turn(Session& session, const Window& window) {
   asking_ = nullptr;
   dead_end_ = nullptr;
   if (window.lnode == nullptr || window.rnode == nullptr) return;
+  // As text: the nodes may have changed by the time that it is shown.
   window_ = window_text(window);
   list_ = list_text(session, window);
 }
 
 void Derivation::offered(Session& session, const Window& window, const RuleCandidate*) {
+  // A search that never takes a step has its first window as the deepest list.
   if (steps_ == 0) note_deepest(session, window);
   turn(session, window);
 }
@@ -148,6 +152,7 @@ void Derivation::tried(Session& session, const RuleCandidate& candidate, const W
   const bool is_test = is_word_test_type(rule.type);
   if (fit == Fit::refused && is_test) {
     asking_ = &rule;
+    // The first place is kept, and all are counted.
     TakenBack& taken = taken_back_[&rule];
     if (taken.asked++ == 0) taken.where = list_;
     log_append({.text = "asks for a step back in " + list_, .step = {.rule = &rule}});
@@ -173,6 +178,7 @@ void Derivation::tried(Session& session, const RuleCandidate& candidate, const W
   const Node* nodes[2] = {after.lnode, after.rnode};
   for (std::size_t at = 0; at < 2; ++at) {
     fitted_.nodes[at] = nodes[at];
+    // For the changes: what the word had before the rule acted on it.
     fitted_.attrs[at] = attrs_of(nodes[at]);
   }
 }
@@ -192,6 +198,7 @@ std::string Derivation::changes() const {
   for (std::size_t at = 0; at < 2; ++at) {
     const Node* node = fitted_.nodes[at];
     const std::string_view now = attrs_of(node);
+    // A node of the window before need not be one of the window now, and still shows its own changes.
     if (node == nullptr || now == fitted_.attrs[at]) continue;
     std::string changes;
     for_each_attr(now, [&](std::string_view attr) {
@@ -217,6 +224,7 @@ void Derivation::applied(Session& session, const RuleCandidate& candidate, const
     step.after = pair_text(fitted_.nodes[0], fitted_.nodes[1]);
     step.changes = changes();
   } else {
+    // Of rules that put nodes in the place of others, what stands there now.
     step.after = worked_on(rule, after);
   }
   const bool is_touched =
@@ -240,6 +248,7 @@ void Derivation::stand(Session&, Step&& step) {
       found != standing_.rend() && !step.is_post_edit) {
     standing_.erase(std::next(found).base());
   }
+  // Steps taken back are told between the steps that stand.
   step.undone_before = std::exchange(undone_at_end_, 0);
   log_append({.step = step});
   step.number = log_.back().number;
@@ -257,6 +266,7 @@ void Derivation::log_append(LogLine&& line) {
   log_.push_back(std::move(line));
   const std::size_t most = keeps_all_ ? kMostLines : 1;  // the last one gives the next its number
   while (log_.size() > most) {
+    // The oldest line goes; its number is not given again.
     log_.pop_front();
     ++log_forgotten_;
   }
@@ -267,6 +277,7 @@ void Derivation::log_append(LogLine&& line) {
 void Derivation::undone(Session&, const RuleCandidate& candidate) {
   ++undone_;
   if (asking_ != nullptr) {
+    // The test that asked is in force until the next try.
     ++taken_back_[asking_].steps;
   } else {
     if (dead_end_ == nullptr) {
@@ -329,8 +340,10 @@ void Derivation::note_deepest(Session& session, const Window& window) {
   if (is_post_edit_ || (depth <= deepest_.steps && !deepest_.list.empty())) return;
   deepest_.steps = depth;
   deepest_.list = list_text(session, window);
+  // What was noted of a list that was less deep is of no interest any more.
   deepest_.unfollowed.clear();
   const core::Status leaves = must_leave(session);
+  // A search that is being left may have half-done nodes.
   if (leaves != core::Status::ok) return;
   for (std::int32_t at = 0; at < session.sentence.graph_relation_count; ++at) {
     const Relation* arc = session.sentence.graph_relations[static_cast<std::size_t>(at)];
@@ -347,6 +360,7 @@ void Derivation::note_deepest(Session& session, const Window& window) {
   // Rules can close a list to a circle, so the walk is bounded.
   for (int steps = 0; node != nullptr && node->left != nullptr && steps < 4096; ++steps) node = node->left;
   for (int steps = 0; node != nullptr && steps < 4096; node = node->right, ++steps) {
+    // A word that no rule has touched has not settled which of its words is in force, so its marks are none yet.
     if (is_untouched(*node)) continue;
     for_each_attr(attrs_of(node), [&](std::string_view attr) {
       if (const auto debt = debts_.find(attr); debt != debts_.end()) {

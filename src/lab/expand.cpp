@@ -35,8 +35,10 @@ int expand(const Arguments& arguments) {
     const std::string told = source_message_text(message);
     for (const std::string_view line : lines_of(told)) tell_line(line);
   }
+  // Half of the rules would look like all of them.
   if (expansion.has_errors()) return kFailed;
   RunArguments read;
+  // What is written must be none of the files that were read.
   read.grammar.rules = arguments.source;
   for (const MappedFile& file : expansion.map.files) read.render.inputs.push_back(file.path);
   refuse_own_files(read, arguments.rules, "--output");

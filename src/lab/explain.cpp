@@ -67,6 +67,7 @@ void print_standing(Printer& printer, const Derivation& derivation) {
     taken_back += step.undone_before;
     if (step.is_post_edit && !is_post_edit) printer.plain("post-edit:");
     is_post_edit = step.is_post_edit;
+    // It moves the window and changes nothing; there is one between most others.
     if (step.is_plain_move()) continue;
     if (taken_back > 0) printer.note("", step.depth, "(" + count_text(taken_back, "step") + " taken back)");
     taken_back = 0;
@@ -81,6 +82,7 @@ void print_log(Printer& printer, const Derivation& derivation) {
   if (derivation.log_forgotten() > 0)
     printer.note("  ", 0, "(" + count_text(derivation.log_forgotten(), "line") + " before, not kept)");
   for (const LogLine& line : derivation.log()) {
+    // Two signs wide, so that the columns stay.
     const std::string_view mark = line.is_undone ? "x " : "  ";
     if (line.text.empty()) {
       printer.step(line.step, mark);
@@ -119,6 +121,7 @@ void print_taken_back(Printer& printer, const std::string& title, const Map& map
 // What helps with a sentence that came to nothing. Its end tells little, for a search that has tried everything ends where
 // it began. `ran_long`: a limit ended it, so that the last steps show what goes round.
 void print_trouble(Printer& printer, const Project& project, const Derivation& derivation, bool ran_long) {
+  // The list that was farthest from the beginning, where most had gone right.
   const Deepest& deepest = derivation.deepest();
   if (!deepest.list.empty()) {
     printer.plain("The deepest list, " + count_text(static_cast<std::int64_t>(deepest.steps), "step") + " in:");
@@ -163,6 +166,7 @@ int explain(const Arguments& arguments) {
 bool explain_sentence(std::ostream& out, const Project& project, Bench& bench, const GraphText& graph,
                       const RenderOptions& limits, const ExplainOptions& options) {
   Derivation derivation(project);
+  // Set before the sentence begins, as the derivation notes things on the way.
   derivation.follow_word(options.word);
   derivation.keep_all(options.all);
   bench.watchers().add(derivation);

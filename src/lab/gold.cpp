@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <cstdint>
 
-#include "lab/project.hpp"
 #include "lab/text_file.hpp"
 
 namespace lexon {
@@ -35,12 +34,14 @@ std::vector<std::string_view> words_of(std::string_view text) {
 
 Gold::Gold(std::string_view text) {
   has_mark_ = text.starts_with(kMark);
+  // The mark is put back when the file is written.
   if (has_mark_) text.remove_prefix(kMark.size());
   const std::vector<std::string_view> lines = lines_of(text);
   lines_.assign(lines.begin(), lines.end());
   has_last_line_end_ = text.empty() || text.ends_with('\n');
   if (const std::size_t end = text.find('\n'); end != std::string_view::npos && end > 0 && text[end - 1] == '\r')
     line_end_ = "\r\n";
+  // One place in front of each line, and one behind the last.
   inserted_.resize(lines_.size() + 1);
   // One label makes the whole file one by label.
   is_by_label_ = std::ranges::any_of(lines_, [](const std::string& line) { return line.starts_with(kLabelBegin); });
@@ -54,6 +55,7 @@ Gold::Gold(std::string_view text) {
     } else if (!line.empty() && line.front() != ';' && !sentences_.empty()) {
       Expected& sentence = sentences_.back();
       if (sentence.texts.empty()) sentence.first_line = i;
+      // Comments between two texts are counted along.
       sentence.line_count = i + 1 - sentence.first_line;
       sentence.texts.emplace_back(line.front() == '\\' ? line.substr(1) : line);
     }
@@ -67,9 +69,11 @@ const Expected* Gold::next(std::string_view label) {
   if (is_by_label_) {
     const auto same = by_label_.find(std::string(label));
     found = same == by_label_.end() || same->second.empty() ? sentences_.size() : same->second.front();
+    // Of a label that stands twice the second comes next.
     if (found < sentences_.size()) same->second.pop_front();
   }
   if (found >= sentences_.size()) return nullptr;
+  // In the plain form the place of the next one; by label it is not asked for.
   at_ = found + 1;
   is_used_[found] = true;
   last_line_ = sentences_[found].first_line + sentences_[found].line_count;
@@ -88,6 +92,7 @@ std::vector<const Expected*> Gold::rest() const {
 void Gold::update(const Expected* expected, std::string_view label, std::string_view found) {
   if (expected == nullptr) {
     std::vector<std::string>& inserted = inserted_[std::min(last_line_, lines_.size())];
+    // A new sentence brings its label along.
     if (is_by_label_) inserted.push_back('[' + std::string(label) + ']');
     inserted.push_back(is_by_label_ ? gold_line(found) : std::string(found));
     return;
@@ -114,6 +119,7 @@ std::string Gold::text() const {
 }
 
 std::string gold_line(std::string_view text) {
+  // What would be read as nothing, as a comment, as a label or as an escape.
   const bool needs_escape = text.empty() || text.front() == ';' || text.front() == '[' || text.front() == '\\';
   return (needs_escape ? "\\" : "") + std::string(text);
 }
@@ -140,6 +146,7 @@ std::string word_diff(std::string_view before, std::string_view now, bool in_col
   };
   // Words from `from` to `to` of one of the two, as one mark.
   const auto marked = [&](const std::vector<std::string_view>& words, std::size_t from, std::size_t to, bool is_new) {
+    // Nothing was taken out there, or put in.
     if (from == to) return;
     std::string text;
     for (std::size_t i = from; i < to; ++i) text += (i == from ? "" : " ") + std::string(words[i]);

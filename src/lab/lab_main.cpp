@@ -26,11 +26,13 @@ int run_command(const std::vector<std::string>& words) {
       add_test(app),    add_view(app),     add_why(app),
   };
   try {
+    // The library takes the words from the back.
     app.parse(std::vector<std::string>(words.rbegin(), words.rend()));
   } catch (const CLI::ParseError& error) {
     return app.exit(error) == 0 ? kDone : kUsage;  // --help and --version come this way too
   }
   for (const Command& command : commands) {
+    // It has one subcommand at the most.
     if (command.app->parsed()) return command.run();
   }
   return kUsage;

@@ -122,6 +122,7 @@ std::string without_marks(std::string_view markdown) {
 // ---- The server
 
 // What an editor has open.
+// Written by the thread that answers alone.
 struct OpenDocument {
   std::string uri;
   std::string path;
@@ -135,9 +136,11 @@ class Server {
 
   // Reads till the end; the status of the program.
   int run() {
+    // Reading goes on while a request is answered, so that one can be cancelled.
     std::thread answering([this] { answer_all(); });
     std::string text;
     for (bool goes_on = true; goes_on;) {
+      // A message of a wrong form is answered with an error, and the one behind it is read.
       switch (frame_read(in_, text)) {
         case Frame::end: goes_on = false; break;
         case Frame::bad: send_error(nullptr, kInvalidRequest, text); break;
@@ -151,6 +154,7 @@ class Server {
     wake_.notify_all();
     answering.join();
     watch_.reset();
+    // The protocol wants "shutdown" in front of "exit"; anything else is a failure.
     return is_exited_ && is_shut_down_ ? kDone : kFailed;
   }
 
@@ -158,6 +162,7 @@ class Server {
   // ---- Messages
 
   // Names of files need not be UTF-8, which JSON is.
+  // Such bytes are shown as a sign of their own.
   static std::string text_of(const Json& json) { return json.dump(-1, ' ', false, Json::error_handler_t::replace); }
   void send(const Json& message) { writer_.write(text_of(message)); }
   void send_error(const Json& id, int code, const std::string& text) {
@@ -199,6 +204,7 @@ class Server {
       if (pending_.contains(cancelled)) cancelled_.insert(cancelled);
       return true;
     }
+    // Ids are kept as JSON: the number 1 and the text "1" are two.
     if (id != message.end()) pending_.insert(id->dump());
     queue_.push_back(std::move(message));
     wake_.notify_all();
@@ -212,6 +218,7 @@ class Server {
       {
         std::unique_lock lock(mutex_);
         wake_.wait(lock, [this] { return is_over_ || !queue_.empty(); });
+        // What came before the end is still answered.
         if (queue_.empty()) return;
         message = std::move(queue_.front());
         queue_.pop_front();
@@ -239,6 +246,7 @@ class Server {
     const std::string method = message.at("method").get<std::string>();
     const bool is_request = message.contains("id");
     const Json id = is_request ? message.at("id") : Json();
+    // By this the answer finds out that its request was cancelled.
     current_ = is_request ? id.dump() : std::string();
     const auto refuse = [&](int code, const std::string& text) {
       if (is_request) {
@@ -249,11 +257,13 @@ class Server {
     };
     try {
       if (is_request) refuse_if_cancelled();
+      // Some requests may leave their parameters out.
       static const Json kNoParams = Json::object();
       const auto params = message.find("params");
       const Json& given = params == message.end() || params->is_null() ? kNoParams : *params;
       if (is_request) {
         const std::string result = request(method, given);
+        // Put together as text, since long answers come as text.
         writer_.write(R"({"jsonrpc":"2.0","id":)" + id.dump() + R"(,"result":)" + result + '}');
       } else {
         notified(method, given);
@@ -273,6 +283,7 @@ class Server {
 
   // The result as text. Throws what `answer` makes an error of.
   std::string request(const std::string& method, const Json& params) {
+    // One function for each method, by its name in the protocol.
     using Answer = Json (Server::*)(const Json&);
     static const std::unordered_map<std::string, Answer> kAnswers = {
         {"textDocument/hover", &Server::hover},
@@ -289,6 +300,7 @@ class Server {
         {"textDocument/rename", &Server::rename},
         {"textDocument/documentSymbol", &Server::document_symbol},
     };
+    // The order of these questions is that of the protocol's errors.
     if (is_shut_down_) throw RequestError{kInvalidRequest, "the server is shut down"};
     if (method == "initialize") {
       if (is_initialized_) throw RequestError{kInvalidRequest, "the server is initialized already"};
@@ -325,6 +337,7 @@ class Server {
       is_exited_ = true;
       return;
     }
+    // The protocol has such notifications dropped.
     if (!is_initialized_ || is_shut_down_) return;
     if (const auto found = kNotes.find(method); found != kNotes.end()) (this->*found->second)(params);
   }
@@ -338,6 +351,7 @@ class Server {
   }
 
   Json initialize(const Json& params) {
+    // A second try begins anew.
     folders_.clear();
     if (const auto list = params.find("workspaceFolders"); list != params.end() && list->is_array()) {
       for (const Json& folder : *list) add_folder(folder.at("uri"));
@@ -348,16 +362,19 @@ class Server {
       folders_.push_back(file_key(params.at("rootPath").get<std::string>()));
     if (params.contains("initializationOptions")) read_settings(params.at("initializationOptions"));
     const Json capabilities = params.value("capabilities", Json::object());
+    // A capability that the editor does not name it does not have.
     const auto can = [&capabilities](const char* pointer) {
       const Json::json_pointer at(pointer);
       return capabilities.contains(at) && capabilities.at(at).is_boolean() && capabilities.at(at).get<bool>();
     };
+    // What the editor can take decides about the form of answers.
     has_trees_ = can("/textDocument/documentSymbol/hierarchicalDocumentSymbolSupport");
     has_versions_ = can("/workspace/workspaceEdit/documentChanges");
     watches_files_ = can("/workspace/didChangeWatchedFiles/dynamicRegistration");
     const Json::json_pointer formats("/textDocument/hover/contentFormat");
     is_markdown_ = capabilities.contains(formats) && capabilities.at(formats).is_array() &&
                    std::ranges::find(capabilities.at(formats), Json("markdown")) != capabilities.at(formats).end();
+    // From here on another thread looks at projects, and publishes what it finds.
     watch_ = std::make_unique<Watch>(
         [this](const ProjectFiles& files, const Overlay& unsaved, const std::shared_ptr<const Analysis>& analysis) {
           publish(files, unsaved, analysis);
@@ -383,6 +400,7 @@ class Server {
   // Asks the editor to tell of files that others change. One that cannot is believed once it saves something.
   void register_watchers(const Json& /*params*/) {
     if (!watches_files_) return;
+    // Names as projects have them by custom; what lexon.json calls otherwise is seen when it is saved here.
     Json watchers = Json::array();
     for (const char* pattern : {"**/*.txt", "**/*.lxr", "**/*.rules", "**/*.tsv", "**/*.entries", "**/*.graphs",
                                 "**/lexon.json", "**/coverage.json"}) {
@@ -404,6 +422,7 @@ class Server {
       settings_ = project->is_object() && !project->empty() ? project->dump() : std::string();
     if (const auto rest = settings.find("delay"); rest != settings.end() && rest->is_number_integer()) {
       constexpr std::int64_t kLongest = 60000;
+      // How long a text has to rest before it is looked at.
       rest_ = std::chrono::milliseconds(std::clamp<std::int64_t>(rest->get<std::int64_t>(), 0, kLongest));
     }
   }
@@ -412,6 +431,7 @@ class Server {
 
   void did_open(const Json& params) {
     const Json& given = params.at("textDocument");
+    // Opened again under the same path it takes the place of the one before.
     OpenDocument document;
     document.uri = given.at("uri").get<std::string>();
     const auto path = path_of_uri(document.uri);
@@ -431,6 +451,7 @@ class Server {
     const Json& given = params.at("textDocument");
     const std::string& uri = given.at("uri").get_ref<const std::string&>();
     const auto path = path_of_uri(uri);
+    // A change of a text that was never opened has nothing that it could change.
     if (!path || !store_.is_open(*path)) return;
     // A change without a range is the whole text; those in front of it are of no interest any more.
     std::shared_ptr<const LinedText> before = store_.text(*path);
@@ -438,6 +459,7 @@ class Server {
     for (const Json& change : params.at("contentChanges")) {
       const std::string& text = change.at("text").get_ref<const std::string&>();
       if (const auto range = change.find("range"); range != change.end()) {
+        // The places of each change count in the text that the one before has left.
         if (!edit) edit.emplace(*before);
         edit->replace(position_of(range->at("start")), position_of(range->at("end")), text);
       } else {
@@ -451,10 +473,12 @@ class Server {
       documents_[file_key(*path)].version = given.value("version", std::int64_t{0});
     }
     // Of lexon.json it is not only the findings that may change, but which files belong together.
+    // Then all projects are found anew.
     const bool is_settings = std::filesystem::path(*path).filename() == kProjectFile;
     if (is_settings) return find_projects();
     const std::string key = file_key(*path);
     for (const auto& [name, files] : projects_) {
+      // A file may belong to several projects.
       if (has_file(name, files, key)) watch_->ask(name, files, store_.unsaved(), rest_);
     }
   }
@@ -493,6 +517,7 @@ class Server {
   bool has_file(const std::string& name, const ProjectFiles& files, const std::string& key) {
     const std::vector<std::string> keys = files.keys();
     if (std::ranges::find(keys, key) != keys.end()) return true;
+    // None before the first look has ended.
     const auto analysis = analysis_of(name);
     return analysis != nullptr && std::ranges::any_of(analysis->sources, [&key](const std::string& source) {
              return file_key(source) == key;
@@ -514,9 +539,11 @@ class Server {
   void find_projects() {
     // The settings of a project are open like its texts, and belong to all that lies below them.
     std::map<std::string, ProjectFiles> found;
+    // By document, the name of its project.
     std::map<std::string, std::string> owners;
     for (const auto& [key, document] : documents_) {
       if (std::filesystem::path(key).filename() == kProjectFile) continue;
+      // The files on the disk are looked at each time: others may have come.
       ProjectFiles files = files_for(document, key);
       const std::string name = name_of(files);
       owners[key] = name;
@@ -527,6 +554,7 @@ class Server {
       projects_.swap(found);
     }
     for (const auto& [name, files] : found) {
+      // `found` holds the projects of before by now.
       if (!projects_.contains(name)) drop_project(name);
     }
     owners_ = std::move(owners);
@@ -541,6 +569,7 @@ class Server {
   ProjectFiles files_for(const OpenDocument& document, const std::string& key) {
     std::string top;
     for (const std::string& folder : folders_) {
+      // The innermost of the opened folders counts.
       if ((key + '/').starts_with(folder + '/') && folder.size() > top.size()) top = folder;
     }
     // The editor's settings hold for the folder that it has opened, and for the files that they name.
@@ -551,6 +580,7 @@ class Server {
       if (std::ranges::find(keys, key) != keys.end()) return files;
     }
     files = project_files_of(project_folder_of(key, top), &store_.unsaved());
+    // The folder's own project names the file.
     if (has_file(name_of(files), files, key)) return files;
     if (is_included(files, key)) return files;
     // A file that nobody names joins the others of its folder.
@@ -566,6 +596,7 @@ class Server {
   // Does the source include this file? Asked only of files that no look has shown yet.
   bool is_included(const ProjectFiles& files, const std::string& key) {
     if (!files.rules.ends_with(kSourceExtension)) return false;
+    // A whole expansion for one question, which is asked once a file.
     const Expansion expansion = expand_source(files.rules, store_.unsaved().lookup());
     return std::ranges::any_of(expansion.map.files,
                                [&key](const MappedFile& file) { return file_key(file.path) == key; });
@@ -590,9 +621,11 @@ class Server {
   void drop_project(const std::string& name) {
     watch_->forget(name);
     const std::scoped_lock lock(documents_mutex_);
+    // The lock is held over both, so that `publish` sees all of a project or none of it.
     analyses_.erase(name);
     std::erase_if(published_, [&](const auto& each) {
       if (each.second.project != name) return false;
+      // An empty list takes away what the editor shows.
       notify("textDocument/publishDiagnostics", {{"uri", each.second.uri}, {"diagnostics", Json::array()}});
       return true;
     });
@@ -602,6 +635,7 @@ class Server {
 
   Json diagnostic_of(const Finding& finding, const LinedText& text) {
     const Place place = place_of(finding, text);
+    // The numbers of the protocol: error, warning, information.
     const int severity = finding.level == Level::error ? 1 : finding.level == Level::warning ? 2 : 3;
     std::string message = finding.text;
     if (!finding.remedy.empty()) message += "\nfix: " + finding.remedy;
@@ -615,7 +649,9 @@ class Server {
   // In the thread of the watch. Files without findings are told too: they may have had some.
   void publish(const ProjectFiles& files, const Overlay& unsaved, const std::shared_ptr<const Analysis>& analysis) {
     const std::string name = name_of(files);
+    // By key, since findings call files as the project does.
     std::map<std::string, std::vector<const Finding*>> by_file;
+    // Each file gets a list, empty or not.
     for (const std::string& key : files.keys()) by_file[key];
     for (const std::string& source : analysis->sources) by_file[file_key(source)];
     for (const Finding& finding : analysis->findings) by_file[file_key(finding.file)].push_back(&finding);
@@ -663,6 +699,7 @@ class Server {
       }
       // A file of several projects shows what the first of them finds.
       const bool is_other = !before.project.empty() && before.project != name && analyses_.contains(before.project);
+      // The rules are what a project is told apart by, so they show their own findings.
       if (is_other && key != file_key(files.rules)) continue;
       // Most looks find what the one before has found, and an editor draws anew what it is told.
       const std::size_t hash = std::hash<std::string>()(params.dump(-1, ' ', false, Json::error_handler_t::replace));
@@ -691,10 +728,12 @@ class Server {
     const auto path = path_of_uri(result.uri);
     if (!path) return result;
     result.key = file_key(*path);
+    // Without an owner the document is open, and belongs to nothing that can be asked about.
     const auto owner = owners_.find(result.key);
     if (owner == owners_.end()) return result;
     const auto project = projects_.find(owner->second);
     if (project == projects_.end()) return result;
+    // Made for each question from what is known; the texts and the analysis are shared.
     result.model = std::make_unique<Model>(store_, project->second, analysis_of(owner->second));
     result.file = result.model->text_file(result.key);
     result.text = store_.text(result.key);
@@ -718,6 +757,7 @@ class Server {
     const AskedName at = asked_name(params);
     if (at.file == nullptr) return nullptr;
     std::string text = at.model->name_text(at.symbol);
+    // A line of a source can be a rule, or come to many.
     const bool may_be_rule = at.file->kind == TextKind::rules || at.file->kind == TextKind::source;
     const auto line = static_cast<std::size_t>(std::max<std::int64_t>(at.position.line, 0));
     // Of the rule that stands in the line, below what is known of the name.
@@ -725,6 +765,7 @@ class Server {
       if (const std::string rule = at.model->rule_text(*at.file, line); !rule.empty())
         text += (text.empty() ? "" : "\n\n---\n") + rule;
     }
+    // The protocol wants null where there is nothing to show.
     if (text.empty()) return nullptr;
     Json result{
         {"contents",
@@ -749,8 +790,10 @@ class Server {
     std::string locations = "[";
     std::size_t count = 0;
     at.model->for_each_use(at.symbol, [&](const NameUse& use) {
+      // What gives a name is its declaration.
       if (with_declaration || use.token.use != TokenUse::gives) {
         if (locations.size() > 1) locations += ',';
+        // Written by hand: a tree of 7,200 places would take longer than finding them.
         append_text(locations += R"({"uri":)", use.file->uri);
         append_range(locations += ',', use);
         locations += '}';
@@ -825,6 +868,7 @@ class Server {
 
     // `kind` is the protocol's number.
     void add(const std::string& label, int kind, const std::string& detail) {
+      // What stands there whole need not be offered.
       if (!label.starts_with(prefix) || label == prefix) return;
       if (items.size() >= kMostCompletions) {
         is_cut = true;
@@ -865,7 +909,9 @@ class Server {
     const std::size_t byte = at.text->byte_in_line(position);
     const std::string_view shown = at.text->line(line);
     // What stands behind the place is still to be written.
+    // The scanner notes what it would read next there.
     scanner.scan(shown.substr(0, byte), tokens, byte);
+    // What stands between here and the place is replaced by the name that is chosen.
     const std::size_t begin = std::min(scanner.wanted_begin(), byte);
     Offers offers{std::string(shown.substr(begin, byte - begin)), range_of(*at.text, line, begin, byte)};
     // How the protocol numbers kinds of completions.
@@ -877,6 +923,7 @@ class Server {
     switch (scanner.wanted()) {
       case Wanted::attribute:
         offers.add_names(*at.model, Symbol::Kind::attribute, kProperty);
+        // Entries cannot have what the engine gives.
         if (at.file->kind != TextKind::entries) {
           for (const char* name : {"SHEAD", "STAIL", "CHEAD", "CTAIL", "SCOPE", "@entry", "TEMP", "NUM", "ANUM"})
             offers.add(name, kConstant, "given by Lexon");
@@ -928,11 +975,14 @@ class Server {
       if (found != published_.end() && found->second.text != nullptr && *found->second.text == at.text->text())
         analysis = found->second.analysis;
     }
+    // The next look will tell.
     if (analysis == nullptr) return actions;
     for (const Finding& finding : analysis->findings) {
       if (finding.fix.kind == Fix::Kind::none || finding.line - 1 < first || finding.line - 1 > last) continue;
+      // One look finds what is wrong in all files of the project.
       if (file_key(finding.file) != at.key) continue;
       const Place place = place_of(finding, *at.text);
+      // A second look at the letters: the change must never hit something else.
       if (!fix_fits(finding, *at.text, place)) continue;
       add_action(at, finding, place, actions);
     }
@@ -989,6 +1039,7 @@ class Server {
         const auto is_text = [](const TextFile& file) { return file.kind == TextKind::entries; };
         const auto& texts = at.model->texts();
         const auto found = std::ranges::find_if(texts, is_text);
+        // A built dictionary takes no new line.
         if (found == texts.end()) return;
         uri = found->uri;
         title = "Add an entry to " + std::filesystem::path(found->path).filename().string();
@@ -1009,6 +1060,7 @@ class Server {
   // What is added at the end of a text begins a line.
   static Json end_edit(const LinedText& text, const std::string& added) {
     const std::size_t last = text.line_count() - 1;
+    // An empty last line means that the text ends with a line end.
     const std::size_t size = text.line(last).size();
     return {{"range", range_of(text, last, size, size)}, {"newText", (size == 0 ? "" : "\n") + added}};
   }
@@ -1049,6 +1101,7 @@ class Server {
   std::mutex mutex_;
   std::condition_variable wake_;
   std::deque<Json> queue_;
+  // Guarded by `mutex_`, as the queue and the flag are.
   std::set<std::string> pending_;    // ids of requests without an answer
   std::set<std::string> cancelled_;  // of these
   bool is_over_ = false;

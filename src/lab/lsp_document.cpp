@@ -48,6 +48,7 @@ Step step_at(std::string_view rest) {
 
 std::int64_t utf16_length(std::string_view text) {
   // Most lines are plain, and there every byte is a unit.
+  // Only what stands behind is looked at character by character.
   const auto plain = std::ranges::find_if(text, [](char c) { return static_cast<unsigned char>(c) >= 0x80; });
   auto units = static_cast<std::int64_t>(plain - text.begin());
   text.remove_prefix(static_cast<std::size_t>(units));
@@ -75,6 +76,7 @@ LinedText::LinedText(std::shared_ptr<const std::string> text) : text_(std::move(
   // An end of the last line is followed by an empty one.
   std::size_t start = 0;
   for (std::string_view rest = *text_;; rest = std::string_view(*text_).substr(start)) {
+    // An empty text has one line.
     starts_.push_back(start);
     const std::size_t length = line_length(rest);
     if (!has_end(rest.substr(0, length))) break;
@@ -84,6 +86,7 @@ LinedText::LinedText(std::shared_ptr<const std::string> text) : text_(std::move(
 
 std::string_view LinedText::line(std::size_t number) const {
   if (number >= starts_.size()) return {};
+  // The text up to the next line, its end taken off.
   const std::size_t end = number + 1 < starts_.size() ? starts_[number + 1] : text_->size();
   return without_end(std::string_view(*text_).substr(starts_[number], end - starts_[number]));
 }
@@ -128,6 +131,7 @@ TextEdit::Spot TextEdit::spot_of(const TextPosition& position) const {
 void TextEdit::replace(const TextPosition& begin, const TextPosition& end, std::string_view by) {
   Spot from = spot_of(begin);
   Spot to = spot_of(end);
+  // A range that is turned round is empty.
   if (std::pair(to.line, to.byte) < std::pair(from.line, from.byte)) to = from;
   // A line that ends with a lone carriage return may go on with a line feed now.
   if (from.byte == 0 && from.line > 0) {
@@ -169,6 +173,7 @@ std::optional<std::string> path_of_uri(std::string_view uri) {
   uri.remove_prefix(kScheme.size());
   // A host, most often none: whatever it is called, it is this machine.
   uri.remove_prefix(std::min(uri.find('/'), uri.size()));
+  // Question and fragment name no file.
   uri = uri.substr(0, uri.find_first_of("?#"));
   std::string path;
   for (std::size_t at = 0; at < uri.size(); ++at) {
@@ -179,6 +184,7 @@ std::optional<std::string> path_of_uri(std::string_view uri) {
     path += is_escape ? static_cast<char>(value) : uri[at];
     if (is_escape) at += 2;
   }
+  // The system would take the path to end at the NUL, and open another file.
   if (path.empty() || path.find('\0') != std::string::npos) return std::nullopt;
   return path;
 }

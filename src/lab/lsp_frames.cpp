@@ -59,6 +59,7 @@ Frame frame_read(std::FILE* stream, std::string& text) {
       break;
     }
     has_head = true;
+    // Other lines of the head, such as the type of the content, are passed over.
     if (const auto found = length_of(*line)) length = found;
   }
   if (!length) {
@@ -67,6 +68,7 @@ Frame frame_read(std::FILE* stream, std::string& text) {
   }
   if (*length > kMostMessage) {
     text = "a message of more than 1 GiB is not read";
+    // Read and thrown away, so that the message behind it is found.
     std::array<char, 65536> passed;
     for (std::size_t left = *length; left > 0;) {
       const std::size_t size = std::fread(passed.data(), 1, std::min(left, passed.size()), stream);

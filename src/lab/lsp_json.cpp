@@ -90,6 +90,7 @@ void append_list(std::string& out, const std::vector<OutlineItem>& items, const 
 }  // namespace
 
 void append_text(std::string& out, std::string_view text) {
+  // Names in rules are plain as a rule, and then need no library.
   const bool is_plain =
       std::ranges::all_of(text, [](char c) { return c >= ' ' && c < '\x7f' && c != '"' && c != '\\'; });
   if (is_plain) {

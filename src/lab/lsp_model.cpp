@@ -23,11 +23,13 @@ std::shared_ptr<const LinedText> TextStore::text(const std::string& path) {
   // have made of it.
   const std::string key = file_key(path);
   if (const auto found = open_.find(key); found != open_.end()) return found->second.text;
+  // A file that cannot be read has a mark, too, and is tried again with each question.
   const TextMark mark = text_mark(key, nullptr);
   Known& known = known_[key];
   if (known.text != nullptr && known.mark == mark) return known.text;
   try {
     known.text = std::make_shared<const LinedText>(std::make_shared<const std::string>(text_file_read(key)));
+    // The mark is older than the text: a file that changes in between is read again.
     known.mark = mark;
   } catch (const Fault&) {
     known.text = nullptr;
@@ -37,6 +39,7 @@ std::shared_ptr<const LinedText> TextStore::text(const std::string& path) {
 
 void TextStore::open(const std::string& path, const std::string& uri, std::string text) {
   unsaved_.put(path, std::move(text));
+  // The text is shared with the overlay, which checks read in another thread.
   open_[file_key(path)] = {std::make_shared<const LinedText>(unsaved_.find(path)), uri};
 }
 
@@ -57,6 +60,7 @@ namespace {
 // stand for themselves, or for a whole text.
 void count_lines(const LinedText& text, TextKind kind, std::size_t begin, std::size_t end, std::int64_t sign,
                  NameCounts& counts) {
+  // A fresh scanner knows of nothing that lines in front have left open.
   LineScanner scanner(kind);
   std::vector<Token> tokens;
   for (std::size_t line = begin; line < end; ++line) {
@@ -76,6 +80,7 @@ void count_lines(const LinedText& text, TextKind kind, std::size_t begin, std::s
 }  // namespace
 
 const NameCounts& TextStore::names(const TextFile& file) {
+  // What was counted of the file before, and of which text.
   CountedText& known = counted_[file.path];
   const std::shared_ptr<const LinedText> now = text(file.path);
   if (known.text == now && known.kind == file.kind) return known.counts;
@@ -92,6 +97,7 @@ const NameCounts& TextStore::names(const TextFile& file) {
     std::size_t tail = 0;
     // A byte that is repeated belongs to the head alone.
     while (tail < shorter - head && a[a.size() - 1 - tail] == b[b.size() - 1 - tail]) ++tail;
+    // The same line of both texts, since what is in front of it is equal.
     const std::size_t first = std::min(before->line_of(head), now->line_of(head));
     count_lines(*before, file.kind, first, before->line_of(a.size() - tail) + 1, -1, known.counts);
     count_lines(*now, file.kind, first, now->line_of(b.size() - tail) + 1, 1, known.counts);
@@ -109,6 +115,7 @@ const NameCounts& TextStore::names(const TextFile& file) {
 std::vector<std::string> canonical_rules(std::string_view text) {
   std::vector<std::string> result;
   std::string copy(text);
+  // The parser refuses a text whose last line is not closed, and with it all rules.
   if (!copy.ends_with('\n')) copy += '\n';
   std::string_view rest = copy;
   // What the parser objects to is of no interest here: `check` says it.
@@ -116,6 +123,7 @@ std::vector<std::string> canonical_rules(std::string_view text) {
   Pool pool;
   Rule* rules = nullptr;
   static_cast<void>(parse_rule_file(*session, pool, rest, rules, nullptr));
+  // Its messages go with it.
   static_cast<void>(session->output.take());
   for (const Rule& rule : chain<&Rule::next>(rules)) {
     rule_print(*session, &rule, true);
@@ -151,6 +159,7 @@ EntryAttributes attributes_of(const std::vector<std::shared_ptr<const WordIndex>
 
 std::shared_ptr<const Analysis> Analyst::look_at(const ProjectFiles& files, const Overlay& unsaved) {
   auto analysis = std::make_shared<Analysis>();
+  // First, since it fills the cache with the words.
   analysis->findings = check_project(files, unsaved, cache_);
   for (const std::string& path : files.words) {
     try {
@@ -159,6 +168,7 @@ std::shared_ptr<const Analysis> Analyst::look_at(const ProjectFiles& files, cons
       continue;  // it is a finding
     }
   }
+  // Indexes of files that have not changed are the same objects.
   if (attributes_ == nullptr || words_ != analysis->words) {
     words_ = analysis->words;
     attributes_ = std::make_shared<const EntryAttributes>(attributes_of(words_));
@@ -195,6 +205,7 @@ Model::Model(TextStore& store, ProjectFiles files, std::shared_ptr<const Analysi
   const auto add = [this](const std::string& path, TextKind kind) {
     const auto text = store_.text(path);
     if (text == nullptr) return;
+    // The header of a built dictionary is shorter, and holds NULs.
     constexpr std::size_t kHead = 4096;
     if (std::string_view(text->text()).substr(0, kHead).find('\0') != std::string_view::npos) {
       built_.push_back(path);
@@ -237,11 +248,13 @@ bool Model::token_at(const TextFile& file, const TextPosition& position, Token& 
   }
   tokens.clear();
   scanner.scan(text->line(wanted), tokens);
+  // A place behind the end of the line counts as its end.
   const std::size_t byte = text->byte_in_line(position);
   bool is_found = false;
   for (const Token& each : tokens) {
     if (each.begin > byte || each.end < byte) continue;
     // At a comma between two names the place is behind the first; the second begins with a sign then.
+    // Two tokens can only meet at their borders.
     if (is_found && each.begin != byte) continue;
     token = each;
     is_found = true;
@@ -281,6 +294,7 @@ void Model::for_each_use(const Symbol& symbol, const std::function<bool(const Na
     LineScanner scanner(file.kind);
     const bool is_line_by_line = LineScanner::is_line_by_line(file.kind);
     const std::string& all = text->text();
+    // The letters may stand in a comment or in a longer name: the scanner decides.
     std::size_t hit = all.find(symbol.name);
     std::size_t next = 0;  // the first line that has not been looked at
     while (hit != std::string::npos) {
@@ -329,6 +343,7 @@ std::map<std::string, std::int64_t> Model::names(Symbol::Kind kind) const {
   for (const auto& [name, known] : *analysis_->attributes) counts[name] += known.entries;
   // Rules ask for relations by their marks, too.
   for (const auto& [label, count] : names(Symbol::Kind::label)) {
+    // The mark of a relation on the word that it leads from, and on the one that it leads to.
     for (const char sign : {'>', '<'}) counts[sign + label] += count;
   }
   return counts;
@@ -343,6 +358,7 @@ std::vector<std::string> Model::words_like(std::string_view prefix, bool are_con
       const std::string_view word = are_concepts ? index->concept_word(entry) : index->form(entry);
       if (word.empty() || !word.starts_with(prefix)) continue;
       found.insert(std::string(word));
+      // One more than is wanted shows that there are more.
       if (found.size() > most) break;
     }
   }
@@ -400,6 +416,7 @@ std::string Model::name_text(const Symbol& symbol) const {
   // Of a %name the line that gives it its value.
   if (symbol.kind == Symbol::Kind::mark) {
     for_each_use(symbol, [&](const NameUse& use) {
+      // Other uses of the mark have no value to show.
       if (use.token.kind == TokenKind::mark_name)
         out += (out.empty() ? "" : "\n\n") + in_code(use.text->line(use.line)) + "  (" + place_name(use) + ')';
       return true;
@@ -419,6 +436,7 @@ std::string Model::name_text(const Symbol& symbol) const {
   for (const NameUse& use : uses(symbol)) {
     // The name of a place takes longer than to count it.
     const std::string place = given.count + asked.count + taken.count + in_graphs.count < 100000 ? place_name(use) : "";
+    // Entries are counted from their index, built ones and all.
     if (use.file->kind == TextKind::entries) continue;
     if (use.token.kind == TokenKind::value)
       in_values.add(place);
@@ -441,6 +459,7 @@ std::string Model::name_text(const Symbol& symbol) const {
       in_entries = found->second;
   }
   out = "**" + std::string(is_label ? "relation " : "attribute ") + in_code(symbol.name) + "**";
+  // To tell below whether any line was added.
   const std::size_t head = out.size();
   if (is_built_in(symbol)) out += "\n- given by Lexon itself";
   in_graphs.append_to(is_label ? "stands in" : "given in graphs in", "place", out);
@@ -494,6 +513,7 @@ std::string Model::rule_text(const TextFile& file, std::size_t line) const {
     std::string_view rest = analysis_->expansion.text;
     const std::string key = file_key(file.path);
     std::vector<bool> is_here;
+    // Paths are compared once a file, and not once a line.
     for (const MappedFile& each : map.files) is_here.push_back(file_key(each.path) == key);
     for (const MapLine& from : map.lines) {
       const std::size_t end = std::min(rest.find('\n'), rest.size());
@@ -507,6 +527,7 @@ std::string Model::rule_text(const TextFile& file, std::size_t line) const {
                         ? "**rule** " + in_code(rules.front())
                         : "**" + std::to_string(rules.size()) + " rules**, the first " + in_code(rules.front());
   // A rule is known in the counts by its canonical form: where it stands may have changed since.
+  // No run has been read then.
   if (analysis_->counted_sentences < 0) {
     out += files_.coverage.empty() ? "\n- no run is known: `lexon-lab coverage ... --data coverage.json` counts, and "
                                      "`\"coverage\": \"coverage.json\"` in lexon.json names the file"
@@ -527,6 +548,7 @@ std::string Model::rule_text(const TextFile& file, std::size_t line) const {
   }
   if (!is_known) return out + "\n- was not in the last run: it is new, or has changed since";
   out += "\n- fired " + count_of(sum.hits, "time") + " in the last run, of " + count_of(sum.tried, "try");
+  // The plural of "try" is the one that adding an "s" does not give.
   if (out.ends_with("trys")) out.replace(out.size() - 4, 4, "tries");
   out += ", over " + count_of(analysis_->counted_sentences, "sentence");
   if (sum.undone > 0) out += "; " + std::to_string(sum.undone) + " taken back";
@@ -571,6 +593,7 @@ std::string Model::made_by_marks(const Symbol& symbol) const {
       // The map leads from the expanded text back to the source, where the same letters should stand.
       const MappedPlace begin = analysis_->expansion.map.place(static_cast<std::int64_t>(line) + 1, part.begin);
       const auto source = store_.text(begin.file);
+      // A place that comes from no file was made by a directive alone.
       if (source == nullptr || begin.line < 1) continue;
       const std::string_view shown = source->line(static_cast<std::size_t>(begin.line) - 1);
       if (shown.substr(std::min(begin.column, shown.size()), symbol.name.size()) == symbol.name) continue;
@@ -595,6 +618,7 @@ std::string Model::rename_fault(const Symbol& symbol, const std::string* to) con
     has_values = has_values || use.token.kind == TokenKind::value;
   }
   if (has_values) {
+    // The same letters in the other role: a relation for an attribute, an attribute for a relation.
     const Symbol twin{symbol.kind == Symbol::Kind::label ? Symbol::Kind::attribute : Symbol::Kind::label, symbol.name};
     for_each_use(twin, [&is_other](const NameUse& use) {
       is_other = use.token.kind != TokenKind::value;
@@ -611,6 +635,7 @@ std::string Model::rename_fault(const Symbol& symbol, const std::string* to) con
   // A dictionary that is built already would keep the old name.
   if (!built_.empty() && symbol.kind == Symbol::Kind::attribute && analysis_ != nullptr) {
     for (const auto& index : analysis_->words) {
+      // Entry text is renamed along with the rest.
       if (std::ranges::find(built_, index->path()) == built_.end()) continue;
       for (const WordIndex::AttributeSet& set : index->sets()) {
         if ((',' + set.attributes + ',').find(',' + symbol.name + ',') == std::string::npos) continue;
@@ -625,6 +650,7 @@ std::string Model::rename_fault(const Symbol& symbol, const std::string* to) con
   constexpr std::size_t kFollowed = 3;
   constexpr std::size_t kInGraphs = 5;
   constexpr std::size_t kRole = 64;
+  // Relations of co-occurrence are written between slashes by custom, and may be long.
   const bool is_role = symbol.name.front() == '/';
   const std::size_t most = is_role ? kRole : is_followed ? kFollowed : is_in_graphs ? kInGraphs : kFollowed;
   if (std::string fault = name_fault(symbol.kind, *to, is_in_graphs, most); !fault.empty()) return fault;

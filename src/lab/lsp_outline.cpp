@@ -54,6 +54,7 @@ bool is_blank_line(std::string_view line) {
 std::string_view directive_of(std::string_view line) {
   line = without_blanks(line);
   if (!line.starts_with('%')) return {};
+  // A directive has small letters alone.
   const std::size_t end = line.find_first_not_of("abcdefghijklmnopqrstuvwxyz", 1);
   return line.substr(1, std::min(end, line.size()) - 1);
 }
@@ -75,6 +76,7 @@ void outline_rules(const LinedText& text, TextKind kind, std::vector<OutlineItem
   for (std::size_t line = 0; line < text.line_count(); ++line) {
     const std::string_view shown = text.line(line);
     const std::string_view body = without_blanks(shown);
+    // Headings among the comments are found by `sections_of`.
     if (body.empty() || body.front() == ';') continue;
     const std::string_view word = kind == TextKind::source ? directive_of(body) : std::string_view();
     if (word.empty()) {
@@ -132,6 +134,7 @@ void outline_graphs(const LinedText& text, std::vector<OutlineItem>& items) {
 }
 
 void outline_entries(const LinedText& text, std::vector<OutlineItem>& items) {
+  // A dictionary has no outline that anybody would read.
   if (text.line_count() > kMostEntries) return;
   for (std::size_t line = 0; line < text.line_count(); ++line) {
     const std::string_view body = without_blanks(text.line(line));
@@ -162,6 +165,7 @@ std::vector<Section> sections_of(const LinedText& text) {
   for (std::size_t i = 0; i < sections.size(); ++i) {
     std::size_t& end = sections[i].end;
     if (i + 1 < sections.size()) end = sections[i + 1].begin - 1;
+    // Blank lines in front of a heading belong to neither.
     while (end > sections[i].begin && is_blank_line(text.line(end))) --end;
   }
   return sections;
@@ -183,6 +187,7 @@ std::vector<OutlineItem> outline_of(const LinedText& text, TextKind kind) {
   if (sections.empty()) return items;
   // Each item goes under the heading above it; those above the first heading stay where they are.
   std::vector<OutlineItem> result;
+  // Both lists are in the order of the lines, so one pass puts them together.
   auto next = items.begin();
   const auto take_until = [&](std::size_t line, std::vector<OutlineItem>& to) {
     for (; next != items.end() && next->begin < line; ++next) to.push_back(std::move(*next));
@@ -212,6 +217,7 @@ std::vector<Fold> folds_of(const LinedText& text, TextKind kind) {
   // One step behind the last line, so that a comment at the end of the text is closed.
   for (std::size_t line = 0; line <= text.line_count(); ++line) {
     const std::string_view body = without_blanks(text.line(line));
+    // A heading ends a comment, and is the fold of its section.
     const bool is_comment = line < text.line_count() && body.starts_with(';') && title_of(body).empty();
     if (is_comment && !in_comment) comment = line;
     if (!is_comment && in_comment && line > comment + 1) folds.push_back({comment, line - 1, true});
@@ -220,6 +226,7 @@ std::vector<Fold> folds_of(const LinedText& text, TextKind kind) {
       const bool begins = body.starts_with("[S");
       const bool ends = body.starts_with("[/S");
       if (begins) sentence = line;
+      // An editor folds from a line to a later one.
       if (ends && in_sentence && line > sentence) folds.push_back({sentence, line, false});
       in_sentence = begins || (in_sentence && !ends);
     }

@@ -87,6 +87,7 @@ void LineScanner::Scan::add_mark_tokens(std::size_t begin, std::size_t end) {
     const bool is_braced = begin < end && text[begin] == '{';
     if (is_braced) ++begin;
     std::size_t stop = begin;
+    // A column behind a dot is no part of the name.
     while (stop < end && is_name_char(text[stop])) ++stop;
     add(TokenKind::mark, TokenUse::asks, begin, stop);
     begin = stop;
@@ -113,6 +114,7 @@ void LineScanner::scan(std::string_view line, std::vector<Token>& tokens, std::s
     case TextKind::entries:
     case TextKind::cooccurrence:
       scan_entry(scan);
+      // A place behind the line asks for nothing: that is how lines are scanned for their tokens alone.
       if (kind_ == TextKind::entries && until <= line.size()) {
         // Between the last parentheses stand attributes.
         const std::size_t quote = scan.text.find("\" (");
@@ -133,6 +135,7 @@ bool LineScanner::needs(std::string_view line) const {
   // Else only what may open a block, or go on in the next line.
   const std::size_t begin = line.find_first_not_of(" \t");
   if (begin == std::string_view::npos) return false;
+  // Of graphs a block or sentence mark; of sources a directive, or a rule that goes on.
   return kind_ == TextKind::graphs ? line[begin] == '[' : line[begin] == '%' || line.ends_with('\\');
 }
 
@@ -157,6 +160,7 @@ void LineScanner::scan_item(Scan& scan, Wanted wanted, TokenUse plain_use) {
   if (!scan.is_end() && *scan == '[') {
     // A form in brackets, or a concept word in two; a form may begin with a bracket of its own.
     ++scan.at;
+    // "[[" begins a concept word unless the form itself is a bracket.
     const bool is_concept = *scan == '[' && !is_hw_text_end(scan.text.c_str() + scan.at + 1);
     if (is_concept) ++scan.at;
     const std::size_t body = scan.at;
@@ -170,6 +174,7 @@ void LineScanner::scan_item(Scan& scan, Wanted wanted, TokenUse plain_use) {
       wanted_ = is_concept ? Wanted::concept_word : Wanted::form;
       wanted_begin_ = body;
     }
+    // An open bracket at the end of the line has nothing to close it.
     scan.at = std::min(scan.at + (is_concept ? 2 : 1), scan.text.size());
   } else {
     scan.at = token_end(scan.text, begin);
@@ -213,6 +218,7 @@ void LineScanner::scan_label(Scan& scan, bool is_role) {
     wanted_ = is_role ? Wanted::role : Wanted::label;
     wanted_begin_ = begin;
   }
+  // A sign that belongs to no label is passed over, so that the scan comes to an end.
   if (scan.at == begin && !scan.is_end()) ++scan.at;
   scan.commas();
 }
@@ -232,6 +238,7 @@ void LineScanner::scan_in_pattern(Scan& scan) {
   }
   if (scan.is_end()) return;
   if (*scan == ':') {
+    // A colon too many stays in the last section.
     section_ = std::min(section_ + 1, 3);
     ++scan.at;
     // At the end of the line no other branch is reached any more.
@@ -261,11 +268,13 @@ void LineScanner::scan_rule(Scan& scan) {
     if (scan.is_end() || *scan == ';') return;
     // The type names nothing.
     while (!scan.is_end() && std::string_view("({\"").find(*scan) == std::string_view::npos) {
+      // A comment without a rule in front of it.
       if (*scan == ';') return;
       ++scan.at;
     }
   }
   goes_on_ = is_source && scan.text.ends_with('\\');
+  // The backslash is no part of the rule.
   if (goes_on_) scan.text.pop_back();
 
   while (!scan.is_end()) {
@@ -287,6 +296,7 @@ void LineScanner::scan_rule(Scan& scan) {
         wanted_ = Wanted::attribute;
         wanted_begin_ = scan.until;
       }
+      // Groups have conditions alone.
       while (!scan.is_end() && *scan != ')') scan_item(scan, Wanted::attribute, TokenUse::asks);
       if (!scan.is_end()) ++scan.at;
       if (!scan.is_end() && *scan == '*') ++scan.at;
@@ -301,6 +311,7 @@ void LineScanner::scan_rule(Scan& scan) {
     } else if (*scan == 'P') {
       const std::size_t begin = scan.at++;
       while (!scan.is_end() && is_digit(*scan)) ++scan.at;
+      // The "P" belongs to it.
       scan.add(TokenKind::priority, TokenUse::other, begin, scan.at);
       // "P%n": the priority may be put in, too. Behind it stands a comment at most.
       if (is_source) scan.add_mark_tokens(scan.at, std::min(scan.text.find(';', scan.at), scan.text.size()));
@@ -332,6 +343,7 @@ constexpr std::string_view kAroundValue = " \t,:(){}\"|^+-;";
 
 // A line of a source: a directive, a line of a list or table that is written over several, or a rule.
 void LineScanner::scan_directive(Scan& scan) {
+  // The line above is a rule that ends with a backslash.
   if (goes_on_ && !in_block_) return scan_rule(scan);
   scan.blanks();
   const std::size_t begin = scan.at;
@@ -342,6 +354,7 @@ void LineScanner::scan_directive(Scan& scan) {
       at = std::min(scan.text.find_first_not_of(kAroundValue, at), end);
       const std::size_t stop = std::min(scan.text.find_first_of(kAroundValue, at), end);
       const std::string_view word = std::string_view(scan.text).substr(at, stop - at);
+      // A word with a mark in it is no name before the source is expanded.
       if (!has_mark(word)) scan.add(TokenKind::value, TokenUse::other, at, stop);
       at = stop;
     }
@@ -358,6 +371,7 @@ void LineScanner::scan_directive(Scan& scan) {
       scan.at = 0;
       return scan_rule(scan);
     }
+    // A line of a list or table.
     if (!scan.is_end() && *scan != ';') values(begin, scan.text.size());
     return;
   }
@@ -389,6 +403,7 @@ void LineScanner::scan_directive(Scan& scan) {
     for (std::size_t at = word_end; at < std::min(in, scan.text.size());) {
       std::size_t stop = 0;
       at = name_at(at, stop);
+      // Something else stands where a name should: the source is being written.
       if (stop == at) break;
       scan.add(TokenKind::mark_name, TokenUse::gives, at, stop);
       at = stop + (stop < scan.text.size() && scan.text[stop] == ',' ? 1 : 0);
@@ -426,6 +441,7 @@ void LineScanner::scan_entry(Scan& scan) const {
   const std::string& text = scan.text;
   const std::size_t form = ++scan.at;
   std::size_t id = text.find("]{", form);
+  // Without an id in braces the parser takes the line for no entry.
   if (id == std::string::npos) return;
   scan.add(is_pairs ? TokenKind::pair : TokenKind::form, TokenUse::gives, form, id);
   id += 2;
@@ -448,6 +464,7 @@ void LineScanner::scan_entry(Scan& scan) const {
   for (std::size_t at = list + 1, begin = at; at < text.size() && depth > 0; ++at) {
     if (text[at] == '(') ++depth;
     if (text[at] == ')') --depth;
+    // A comma between attributes, or the parenthesis that closes the list.
     if ((text[at] != ',' || depth > 1) && depth > 0) continue;
     while (begin < at && is_blank(text[begin])) ++begin;
     std::size_t end = at;
@@ -471,6 +488,7 @@ void LineScanner::scan_graph(Scan& scan) {
   switch (line_kind(std::string_view(scan.text).substr(scan.at), no_tag)) {
     case LineKind::word_block: block_end_ = kWordBlockEnd; return;
     case LineKind::skipped_block: block_end_ = kSkippedBlockEnd; return;
+    // A tag of another block changes nothing for the lines of relations.
     case LineKind::graph_line: break;
     default: return;
   }
@@ -479,6 +497,7 @@ void LineScanner::scan_graph(Scan& scan) {
     const std::string_view head = std::string_view(line).substr(0, scan.until);
     const std::size_t open = head.find('(');
     if (open == std::string_view::npos) {
+      // Behind the colon stands the number of a scope.
       const bool is_label = head.find(':') == std::string_view::npos;
       wanted_ = is_label ? Wanted::label : Wanted::nothing;
       wanted_begin_ = std::min(head.find_first_not_of(" \t"), scan.until);
@@ -512,12 +531,14 @@ void LineScanner::scan_graph(Scan& scan) {
   if (split_relation(buffer, parts) <= 0 || parts.label == nullptr || parts.from == nullptr || parts.to == nullptr)
     return;
   const auto offset = [buffer](const char* part) { return static_cast<std::size_t>(part - buffer); };
+  // Takes the number off the label.
   static_cast<void>(label_scope(parts.label));
   const std::size_t label_at = offset(parts.label);
   scan.add(TokenKind::label, TokenUse::gives, label_at, label_at + std::strlen(parts.label));
   for (char* side : {parts.from, parts.to}) {
     const WordText word = split_word(side);
     const std::size_t name = offset(word.name);
+    // A word in quotes is a name, which no entry is looked up for.
     if (!word.quoted) scan.add(TokenKind::concept_word, TokenUse::gives, name, name + std::strlen(word.name));
     for (const char* attr = word.attrs; *attr != '\0';) {
       attr += std::strspn(attr, ". ");
@@ -547,6 +568,7 @@ std::string_view core_of(std::string_view name, bool& is_label) {
   if (is_built_in_name(name)) return name;
   const std::size_t copies = name.find_first_not_of('#');
   if (copies != std::string_view::npos) name.remove_prefix(copies);
+  // A sign alone is a name of its own.
   is_label = name.size() > 1 && (name.front() == '>' || name.front() == '<');
   if (is_label) name.remove_prefix(1);
   return name;
@@ -581,8 +603,10 @@ TokenPart symbol_in(const Token& token, std::string_view line, const Symbol& sym
   if (token.kind == TokenKind::pair) {
     // "a/rel/b": three texts in one, kept apart by a relation that brings its own signs.
     if (symbol.kind != Symbol::Kind::label) return {};
+    // A relation that stands alone gives the value of all pairs that are not listed.
     if (text == symbol.name) return part(0, text.size());
     const auto is_sign = [](char c) { return !is_name_char(c) && static_cast<unsigned char>(c) < 128; };
+    // Without signs around it the relation could be a part of either word.
     if (symbol.name.size() < 2 || !is_sign(symbol.name.front()) || !is_sign(symbol.name.back())) return {};
     const std::size_t at = text.find(symbol.name);
     return at == std::string_view::npos ? TokenPart() : part(at, symbol.name.size());
@@ -594,6 +618,7 @@ TokenPart symbol_in(const Token& token, std::string_view line, const Symbol& sym
     const bool fits = symbol.is_renamed() && name == symbol.name && (!is_label || symbol.kind == Symbol::Kind::label);
     return fits ? part(text.size() - name.size(), name.size()) : TokenPart();
   }
+  // Tokens that are whole names.
   if (symbol_of(token, line) != symbol) return {};
   // The name is the end of the token: signs stand in front.
   return part(text.size() - symbol.name.size(), symbol.name.size());
@@ -610,6 +635,7 @@ std::string name_fault(Symbol::Kind kind, std::string_view name, bool in_graphs,
   const bool is_attribute = kind == Symbol::Kind::attribute;
   const auto is_read = [&](TextKind of, const std::string& before, const std::string& behind, TokenKind wanted) {
     std::vector<Token> tokens;
+    // The scanner decides, so that a new name is read by the same rules as those that are there.
     LineScanner(of).scan(before + text + behind, tokens);
     return std::ranges::any_of(tokens, [&](const Token& token) {
       return token.kind == wanted && token.begin == before.size() && token.end == before.size() + text.size();

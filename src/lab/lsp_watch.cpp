@@ -23,6 +23,7 @@ Watch::~Watch() {
 void Watch::ask(const std::string& name, ProjectFiles files, const Overlay& unsaved, std::chrono::milliseconds rest) {
   {
     const std::scoped_lock lock(mutex_);
+    // The last state of a project takes the place of one that was not looked at yet.
     wanted_[name] = {std::move(files), unsaved};
     due_ = Clock::now() + rest;
   }
@@ -31,6 +32,7 @@ void Watch::ask(const std::string& name, ProjectFiles files, const Overlay& unsa
 
 void Watch::forget(const std::string& name) {
   const std::scoped_lock lock(mutex_);
+  // A look that is under way goes on, and finds nobody to tell.
   wanted_.erase(name);
   forgotten_.push_back(name);
 }
@@ -51,6 +53,7 @@ void Watch::run() {
     const Job job = std::move(wanted_.begin()->second);
     wanted_.erase(wanted_.begin());
     for (const std::string& gone : std::exchange(forgotten_, {})) {
+      // One that was forgotten and opened again keeps what it knows.
       if (gone != name) analysts_.erase(gone);
     }
     lock.unlock();

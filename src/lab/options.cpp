@@ -21,6 +21,7 @@ template <class T>
 CLI::Option* add_option(CLI::App& command, const char* names, T& value, const char* about, const Demands& demands) {
   CLI::Option* option = command.add_option(names, value, about);
   if (demands.required) option->required();
+  // Else an option that may be repeated would swallow the words behind it.
   if (demands.one_value) option->allow_extra_args(false);
   if (demands.not_negative) option->check(CLI::NonNegativeNumber);
   if (!demands.choices.empty()) option->check(CLI::IsMember(demands.choices));
@@ -68,6 +69,7 @@ void add_run_options(CLI::App& command, RunArguments& arguments) {
 }
 
 void refuse_own_files(const RunArguments& arguments, const std::string& output, const char* option) {
+  // Nothing is written to a file.
   if (output.empty() || output == "-") return;
   std::vector<std::string> files = arguments.render.inputs;
   files.insert(files.end(), {arguments.grammar.rules, arguments.grammar.dictionary, arguments.grammar.cooccurrence});

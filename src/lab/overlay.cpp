@@ -27,6 +27,7 @@ void Overlay::drop(const std::string& path) {
 }
 
 std::shared_ptr<const std::string> Overlay::find(const std::string& path) const {
+  // Before the key is made, which asks the file system.
   if (texts_.empty()) return nullptr;
   const auto found = texts_.find(file_key(path));
   return found == texts_.end() ? nullptr : found->second;

@@ -57,6 +57,7 @@ class Costs final : public Observer {
     cost.time += lap();
     ++cost.tried;
     const bool is_test = is_word_test_type(candidate.rule->type);
+    // References into the map stay good while it grows.
     asking_ = is_test && fit == Fit::refused ? &cost : nullptr;
     if (asking_ != nullptr) ++cost.asked;
     if (is_test && fit == Fit::yes) ++cost.done;
@@ -106,6 +107,7 @@ struct Arguments : RunArguments {
 
 void print_rules(const Project& project, const Costs& costs, std::size_t top) {
   std::vector<std::pair<const Rule*, RuleCost>> rules(costs.rules().begin(), costs.rules().end());
+  // The most time first, and by line where two are alike, so that runs can be compared.
   const auto key = [&project](const auto& each) {
     return std::make_tuple(-each.second.time.count(), project.line_of(*each.first).line);
   };
@@ -119,6 +121,7 @@ void print_rules(const Project& project, const Costs& costs, std::size_t top) {
                 static_cast<long long>(cost.caused),
                 escaped(project.place_of(*rules[at].first) + ": " + project.text_of(*rules[at].first)).c_str());
   }
+  // The width is that of the columns above.
   if (rules.size() > top) std::printf("%65s and %zu rules more\n", "", rules.size() - top);
 }
 

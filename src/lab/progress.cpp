@@ -33,6 +33,7 @@ extern "C" void note_interrupt(int) {
 
 extern "C" void end_at_interrupt(int signal) {
   constexpr std::string_view kTold = "lexon-lab: interrupted\n";
+  // `write` alone: printing may not be done in a handler.
   ssize_t written = isatty(STDERR_FILENO) != 0 ? write(STDERR_FILENO, kLineAway.data(), kLineAway.size()) : 0;
   written += write(STDERR_FILENO, kTold.data(), kTold.size());
   static_cast<void>(written);
@@ -44,6 +45,7 @@ extern "C" void end_at_interrupt(int signal) {
 void handle_interrupts(void (*handler)(int)) {
   struct sigaction before {};
   sigaction(SIGINT, nullptr, &before);
+  // As under nohup, or in the background of a shell without jobs.
   if (before.sa_handler == SIG_IGN) return;
   struct sigaction action {};
   action.sa_handler = handler;
@@ -100,6 +102,7 @@ Progress::~Progress() {
 void Progress::passed(std::size_t bytes) {
   interrupt_check();
   const std::scoped_lock lock(mutex_);
+  // In the unit that the whole is known in: sentences, or bytes.
   passed_ += of_ > 0 ? 1 : static_cast<double>(bytes);
   ++sentences_;
   // Threads that come by between two lines only count.
@@ -111,6 +114,7 @@ void Progress::passed(std::size_t bytes) {
   std::fprintf(stderr, "\r%lld", static_cast<long long>(sentences_));
   if (of_ > 0) std::fprintf(stderr, " of %zu", of_);
   std::fprintf(stderr, " sentences, %.0f/s", static_cast<double>(sentences_) / seconds);
+  // Of a pipe nobody knows the end.
   if (size_ > 0 && passed_ > 0) std::fprintf(stderr, ", %.0f s left", seconds * (size_ - passed_) / passed_);
   std::fputs("\033[K", stderr);
   std::fflush(stderr);

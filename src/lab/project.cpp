@@ -10,6 +10,7 @@
 #include "front/process.hpp"
 #include "lab/commands.hpp"
 #include "lab/progress.hpp"
+#include "lab/text_file.hpp"
 
 namespace lexon {
 inline namespace v1 {
@@ -36,6 +37,7 @@ Opening opening_of(std::string_view text) {
     std::string_view line = text.substr(0, end);
     line.remove_prefix(std::min(line.find_first_not_of(" \t"), line.size()));
     const LineKind kind = line_kind(line, tag);
+    // Only the first one: a text of one sentence has no other.
     if (kind == LineKind::sentence_start) return {line, above};
     if (kind == LineKind::block_tag) block_tag_change(tag, line);
     text.remove_prefix(std::min(end + 1, text.size()));
@@ -52,14 +54,9 @@ std::string GraphText::place() const {
 Message GraphText::placed(Message message) const {
   if (message.line == 0 || !message.file.empty()) return message;
   message.file = file;
+  // A text begins in the middle of its file.
   message.line += line - 1;
   return message;
-}
-
-std::string label_in(std::string_view line) {
-  const std::size_t close = line.find(']');
-  return line.empty() ? std::string()
-                      : std::string(line.substr(1, close == std::string_view::npos ? close : close - 1));
 }
 
 std::string label_of(std::string_view text) {
@@ -98,7 +95,17 @@ void Project::begin() {
     if (message.file.empty()) message.file = files.rules;
     all += to_string(message) + '\n';
   }
-  if (!grammar) throw Fault(all + "the grammar cannot be used");
+  if (!grammar) {
+    // The header of a dictionary is full of NULs, and entry text, which is named for it by mistake, holds none.
+    for (const std::string& path : {files.dictionary, files.cooccurrence}) {
+      if (path.empty() || !is_plain_file(path)) continue;
+      const std::string text = text_file_read(path);
+      if (!text.empty() && text.find('\0') == std::string::npos) {
+        all += path + ": is text, and no dictionary: lexon-dict build makes one of it\n";
+      }
+    }
+    throw Fault(all + "the grammar cannot be used");
+  }
   tell(all);
   prepare();
 }
@@ -132,6 +139,7 @@ void Project::lines_from_text_beside() {
     const bool is_read = parse_rule_file(*session, pool, stream.get(), text, &notes) == core::Status::ok;
     const Rule* rule = loaded().rules.rules;
     for (; is_read && rule != nullptr && text != nullptr; rule = rule->next, text = text->next) {
+      // The first difference ends it: lines behind it would be those of other rules.
       if (text_of(*rule) != text_of(*text)) break;
       places_[rule] = {path, text->line, text->column};
     }
@@ -151,6 +159,7 @@ RulePlace Project::line_of(const Rule& rule) const {
     const auto found = places_.find(&rule);
     return found == places_.end() ? RulePlace{.file = rule_text_} : found->second;
   }
+  // Empty without a source.
   const MappedPlace source = loaded().source.place(rule.line, 0);
   if (source.file.empty()) return {rule_text_, rule.line, rule.column};
   return {source.file, static_cast<std::uint32_t>(source.line), static_cast<std::uint32_t>(source.column) + 1};
@@ -179,6 +188,7 @@ std::vector<const Rule*> Project::rules_at(const std::string& place) const {
     // "rules.txt:12" means "some/folder/rules.txt" too, and a number alone the file that was named.
     if (found.file != file && !found.file.ends_with('/' + file) && !(file.empty() && found.file == rule_text_))
       continue;
+    // The file is one of the rules, even if the line is not.
     is_known = true;
     const std::uint32_t at = found.line;
     if (at == line) rules.push_back(&rule);
@@ -206,6 +216,7 @@ std::string Project::text_of(const Rule& rule) const {
 bool is_asked_for(const std::string& wanted, const GraphText& sentence) {
   std::string_view label = wanted;
   if (label.starts_with('[') && label.ends_with(']')) label = label.substr(1, label.size() - 2);
+  // "S:3" in full, or what stands behind the colon.
   if (label == sentence.label) return true;
   const std::size_t colon = sentence.label.find(':');
   if (colon != std::string::npos && label == std::string_view(sentence.label).substr(colon + 1)) return true;
@@ -229,13 +240,16 @@ void for_each_sentence(const RenderOptions& options, const std::function<void(co
     const TextSource source = text != nullptr ? TextSource(rest) : TextSource(is_file ? opened.get() : stdin);
     while (sentence_text_read(source, sentence.text)) {
       if (is_blank(sentence.text)) break;  // what stands behind the last sentence; a file can end so
+      // Numbers go on over all inputs.
       ++sentence.number;
       sentence.label = label_of(sentence.text);
       const auto fits = [&sentence](const std::string& wanted) { return is_asked_for(wanted, sentence); };
       const bool is_wanted =
           options.sentences.empty() || std::any_of(options.sentences.begin(), options.sentences.end(), fits);
+      // A label counts as found by the first sentence that has it, and all that have it are handed on.
       std::erase_if(missing, fits);
       if (is_wanted) use(sentence);
+      // Counted in bytes, since the number of sentences is not known beforehand.
       progress.passed(sentence.text.size());
       sentence.line += std::count(sentence.text.begin(), sentence.text.end(), '\n');
     }

@@ -78,9 +78,6 @@ struct GraphText {
   [[nodiscard]] Message placed(Message message) const;
 };
 
-// The label in a line that opens a sentence: "S:3" of "[S:3] or more".
-[[nodiscard]] std::string label_in(std::string_view line);
-
 // The label of the sentence in a text: "S:3" of "[S:3]"; empty if it has none.
 [[nodiscard]] std::string label_of(std::string_view text);
 

@@ -27,6 +27,7 @@ std::vector<std::string> names_in(const std::string& folder) {
   std::vector<std::string> names;
   std::error_code error;
   for (fs::directory_iterator each(folder, error), end; !error && each != end; each.increment(error)) {
+    // Folders, pipes and links that lead nowhere are no files of a project.
     if (each->is_regular_file(error)) names.push_back(each->path().filename().string());
   }
   std::ranges::sort(names);
@@ -38,6 +39,7 @@ std::vector<std::string> names_in(const std::string& folder) {
 std::string first_text(const std::string& path, const Overlay* unsaved) {
   std::string head;
   if (const auto text = unsaved != nullptr ? unsaved->find(path) : nullptr; text != nullptr) {
+    // What an editor has not saved counts in the place of the file.
     head = text->substr(0, 65536);
   } else {
     std::ifstream file(path, std::ios::binary);
@@ -94,6 +96,7 @@ void guess_words(ProjectFiles& files, const std::vector<std::string>& names, con
 // Of several the last in the order of names.
 void guess_cooccurrence(ProjectFiles& files, const std::vector<std::string>& names) {
   for (const std::string& name : names) {
+    // By its name alone: its text looks like that of entries.
     if (name == "cr.txt" || glob_matches("*[-_]cr.txt", name)) files.cooccurrence = files.folder + name;
   }
 }
@@ -108,6 +111,7 @@ void guess_graphs(ProjectFiles& files, const Overlay* unsaved) {
         if (glob_matches(pattern, name) && is_graphs(folder + name, unsaved)) files.graphs.push_back(folder + name);
       }
     }
+    // The folder above is looked at only where the own one has no graphs.
     if (!files.graphs.empty()) return;
   }
 }
@@ -146,6 +150,7 @@ class Settings {
       constexpr std::int64_t kMost = 65535;
       const std::int64_t blocks = found->is_number_integer() ? found->get<std::int64_t>() : 0;
       if (blocks < 1 || blocks > kMost) return refuse("\"blocks\": is a number from 1 to 65535");
+      // As `lexon --blocks`.
       files_.blocks = static_cast<int>(blocks);
     }
   }
@@ -160,6 +165,7 @@ class Settings {
     std::vector<std::string> all;
     many(key, all, true);
     if (all.size() > 1) refuse(std::string("\"") + key + "\": one file is wanted");
+    // Also where it is null, which takes away what was guessed.
     if (json_.contains(key)) file = all.empty() ? std::string() : all.front();
   }
 
@@ -184,9 +190,11 @@ class Settings {
   // A "*" stands for text in the name of the file alone, not in those of folders. A name without one is taken as it is, so
   // that a file that is missing is noticed where it is read.
   void add_files(const std::string& name, std::vector<std::string>& result) const {
+    // Names count from the folder of the settings.
     const std::string path = name.starts_with('/') ? name : files_.folder + name;
     const std::size_t slash = path.rfind('/');
     const std::string pattern = path.substr(slash + 1);
+    // Its text is not looked at either: who names a file means it.
     if (pattern.find('*') == std::string::npos) {
       result.push_back(path);
       return;
@@ -221,8 +229,10 @@ ProjectFiles project_files_from(const std::string& folder, const std::string& js
   guess_cooccurrence(files, names);
   guess_graphs(files, unsaved);
   if (std::ranges::find(names, "coverage.json") != names.end()) files.coverage = files.folder + "coverage.json";
+  // A folder without settings is what its names say.
   if (json.empty()) return files;
   try {
+    // Settings that are no JSON leave what was guessed in force.
     const Json settings = Json::parse(json);
     Settings(files, settings, name_of_json).read();
   } catch (const Json::parse_error& error) {

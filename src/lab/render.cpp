@@ -24,6 +24,7 @@ int render(const RunArguments& arguments) {
       std::cout << escaped(rendered.sentence.text) << '\n';
       return;
     }
+    // The others are written all the same.
     status = kFailed;
     tell_failure(graph, rendered);
   });

@@ -51,6 +51,7 @@ int report(const Arguments& arguments) {
   if (!file.is_open()) throw Fault(arguments.output + ": cannot be written");
   int status = kDone;
   for_each_sentence(arguments.render, [&](const GraphText& graph) {
+    // Of each text its own: the reports are matched with the results by their order.
     leftovers.clear();
     std::size_t at = 0;
     for (const Rendered& rendered : bench.render(graph.text, arguments.render)) {

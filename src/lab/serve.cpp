@@ -110,6 +110,7 @@ ServeFiles files_of(const Arguments& arguments, const ProjectFiles& found, const
   std::vector<std::string> entries = arguments.entries;
   if (entries.empty() && arguments.dictionary.empty()) entries = found.words;
   files.dictionary = arguments.dictionary;
+  // Who names a built dictionary as entries means it; of several files each has to be text.
   if (entries.size() == 1 && is_built(entries.front())) files.dictionary = std::exchange(entries, {}).front();
   for (const std::string& path : entries) files.entries.push_back(folder.relative(path));
   if (files.entries.empty() && files.dictionary.empty()) {
@@ -117,6 +118,7 @@ ServeFiles files_of(const Arguments& arguments, const ProjectFiles& found, const
                 ": there are no words in this folder (entries.txt): name them with -e, or a dictionary with -d");
   }
   // Built or text; only texts can be edited on the page, and have to lie in its folder.
+  // The command line counts before the settings of the folder.
   const std::string pairs = arguments.cooccurrence.empty() ? found.cooccurrence : arguments.cooccurrence;
   if (!pairs.empty() && is_built(pairs)) {
     files.built_cooccurrence = pairs;
@@ -154,6 +156,7 @@ std::string secret_word() {
 
 // Takes the same time wherever they differ.
 bool is_same_word(std::string_view a, std::string_view b) {
+  // The length of the word is no secret.
   if (a.size() != b.size()) return false;
   unsigned char difference = 0;
   for (std::size_t i = 0; i < a.size(); ++i) difference |= static_cast<unsigned char>(a[i] ^ b[i]);
@@ -169,12 +172,14 @@ class Lanes {
     auto lane = std::ranges::find(lanes_, name, &Lane::name);
     if (lane == lanes_.end()) {
       lanes_.push_front({name, std::make_shared<std::atomic<std::uint64_t>>(0)});
+      // What works in it keeps its counter.
       if (lanes_.size() > kMostLanes) lanes_.pop_back();
     } else {
       lanes_.splice(lanes_.begin(), lanes_, lane);
     }
     const auto last = lanes_.front().last;
     const std::uint64_t mine = turn == 0 ? *last + 1 : turn;
+    // A request that was overtaken finds that it is not wanted from the start.
     if (mine > *last) *last = mine;
     return [last, mine, &is_ending] { return *last == mine && !is_ending; };
   }
@@ -262,6 +267,7 @@ int Site::bind(int port) {
   });
   // A request for a connection, and seconds to send it: nobody can keep the threads by saying nothing.
   server_.new_task_queue = [] { return new httplib::ThreadPool(kThreads); };
+  // A connection that is kept would hold its thread.
   server_.set_keep_alive_max_count(1);
   server_.set_read_timeout(kSecondsForRequest);
   server_.set_write_timeout(kSecondsForRequest);
@@ -338,6 +344,7 @@ void Site::get(const Request& request, Response& response) const {
   const std::string rest = rest_of(request.path);
   if (rest.empty()) return response.set_redirect('/' + token_ + '/');
   const std::string_view name = rest == "/" ? "index.html" : std::string_view(rest).substr(1);
+  // The files are in the program; nothing of the disk is served.
   for (const PageFile& file : page_files()) {
     if (file.name != name) continue;
     response.status = 200;
@@ -351,6 +358,7 @@ void Site::post(const Request& request, Response& response) {
   if (!rest.starts_with("/api/")) return answer_text(response, 404, "There is no such page.");
   int status = 200;
   try {
+    // Asked at each object and list, before it is built.
     const auto bounded = [](int depth, Json::parse_event_t, Json&) {
       if (depth > kDepthOfRequests) throw Fault("the request is nested too deep");
       return true;
@@ -371,6 +379,7 @@ Json Site::answer(const std::string& name, const Json& asked, int& status) {
   if (name == "save") return save(asked, status);
   if (name == "stamps") return stamps(asked);
   const std::string client = asked.at("client");
+  // They are kept as the name of a lane.
   if (client.size() > kLongestName || name.size() > kLongestName) throw Fault("the name of the page is too long");
   // The page has no memory here: each request brings what it has not saved.
   Unsaved unsaved;
@@ -379,6 +388,7 @@ Json Site::answer(const std::string& name, const Json& asked, int& status) {
     for (const auto& [path, text] : asked["texts"].items()) {
       if (!is_path_inside(path))
         throw Fault("\"" + path.substr(0, 200) + "\" is no path of a file in the project folder");
+      // Throws for what is no text.
       unsaved[path] = text;
     }
   }
@@ -425,9 +435,11 @@ Json Site::save(const Json& asked, int& status) {
   FolderFault fault;
   // What a page cannot show it cannot have changed.
   const std::optional<FolderText> now = folder_.read(path, fault);
+  // The page refused to open it, so this is another program's request.
   if (now && line_that_is_no_text(now->text) != 0) throw Fault(path + ": is no UTF-8 on the disk, and stays as it is");
   bool is_changed = false;
   const std::optional<std::string> stamp = folder_.save(path, text, asked.at("stamp"), fault, is_changed);
+  // By this the page knows the file from now on.
   if (stamp) return {{"stamp", *stamp}};
   status = is_changed ? 409 : 403;
   Json result{{"error", fault.text}};
@@ -474,6 +486,7 @@ int run_serve(const Arguments& arguments) {
   // Under nohup the program outlives its terminal.
   struct sigaction hangup {};
   if (sigaction(SIGHUP, nullptr, &hangup) == 0 && hangup.sa_handler != SIG_IGN) sigaddset(&ending, SIGHUP);
+  // In front of the first thread: threads take over the mask of the one that starts them.
   pthread_sigmask(SIG_BLOCK, &ending, nullptr);
 
   site.bind(arguments.port);
@@ -485,6 +498,7 @@ int run_serve(const Arguments& arguments) {
   std::optional<TemporaryFolder> way;
   if (arguments.opens) browser_show(write_way(way.emplace(), site.address()), "open the address above yourself");
   int signal = 0;
+  // Here the program is, as long as it serves.
   sigwait(&ending, &signal);
   // A second one ends the program at once.
   pthread_sigmask(SIG_UNBLOCK, &ending, nullptr);

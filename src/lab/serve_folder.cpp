@@ -65,11 +65,13 @@ std::optional<std::string> read_whole(int descriptor, const struct stat& status)
   std::size_t have = 0;
   while (have < text.size()) {
     const ssize_t got = ::read(descriptor, text.data() + have, text.size() - have);
+    // A signal has come by.
     if (got < 0 && errno == EINTR) continue;
     if (got < 0) return std::nullopt;
     if (got == 0) break;
     have += static_cast<std::size_t>(got);
   }
+  // The file may have become shorter while it was read.
   text.resize(have);
   return text;
 }
@@ -94,6 +96,7 @@ std::string Folder::relative(const std::string& file) const {
   namespace fs = std::filesystem;
   // A name that is not found from here is one of the folder.
   std::error_code error;
+  // As the command line names it, from the current folder.
   const bool is_here = fs::exists(file, error);
   const fs::path whole = fs::weakly_canonical(is_here ? fs::path(file) : fs::path(path_) / file, error);
   const std::string inside = error ? std::string() : whole.lexically_relative(path_).string();
@@ -153,6 +156,7 @@ std::optional<FolderText> Folder::read(const std::string& relative, FolderFault&
     fault.text = relative + ": is no regular file";
     return std::nullopt;
   }
+  // In front of reading: the size is that of the open file.
   if (static_cast<std::uintmax_t>(status.st_size) > kMostBytes) {
     fault.text = relative + ": is larger than " + std::to_string(kMostBytes >> 20) +
                  " MiB, which is too much for a page: use an editor and the other commands";
@@ -174,6 +178,7 @@ std::optional<std::string> Folder::save(const std::string& relative, std::string
   const Descriptor folder(open_folder_of(relative, name, fault));
   if (folder.number < 0) return std::nullopt;
   const std::optional<FolderText> now = read(relative, fault);
+  // A file that cannot be read cannot be compared, and is not overwritten.
   if (!now && !fault.is_missing) return std::nullopt;
   // An empty stamp stands for no file, so that one that has come meanwhile is not overwritten either.
   if ((now ? now->stamp : std::string()) != stamp) {
@@ -217,6 +222,7 @@ std::int64_t line_that_is_no_text(std::string_view text) {
   std::int64_t line = 1;
   for (; !text.empty();) {
     const Utf8Character character = utf8_first(text);
+    // A NUL is valid UTF-8, and no text.
     if (!character.is_valid || character.code == 0) return line;
     if (character.code == '\n') ++line;
     text.remove_prefix(character.length);

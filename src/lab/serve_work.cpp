@@ -67,6 +67,7 @@ bool is_without_graph(std::string_view text) {
   while (!text.empty()) {
     const std::size_t begin = text.find_first_not_of(" \t\r\n");
     if (begin == std::string_view::npos) return true;
+    // The lines of a comment that stands behind the last sentence, say.
     if (text[begin] != ';') return false;
     text.remove_prefix(std::min(text.find('\n', begin), text.size()));
   }
@@ -82,6 +83,7 @@ std::vector<Part> parts_of(std::string_view graphs) {
     Part part{text, line, std::max(line, line + lines - (text.ends_with('\n') ? 1 : 0)),
               static_cast<std::int64_t>(parts.size()) + 1};
     line += lines;
+    // Its lines are counted all the same.
     if (!is_without_graph(text)) parts.push_back(part);
   }
   return parts;
@@ -104,6 +106,7 @@ bool is_as_expected(const Rendered& rendered, const Expected& expected) {
 // Takes the turn, or gives up because nobody waits for the work any longer.
 bool take_turn(std::unique_lock<std::timed_mutex>& turn, const Wanted& wanted) {
   while (wanted()) {
+    // While the turn was waited for, the page may have given the work up.
     if (turn.try_lock_for(kWaitingTurn)) return wanted();
   }
   return false;
@@ -119,6 +122,7 @@ class Workplace::Texts {
 
   // Null: there is none; `fault` says why.
   [[nodiscard]] std::shared_ptr<const std::string> find(const std::string& path) {
+    // What has been read once stays the same for the whole request.
     if (auto text = overlay_.find(path)) return text;
     const std::string inside =
         std::filesystem::path(path).lexically_normal().lexically_relative(place_.folder_.path()).string();
@@ -130,6 +134,7 @@ class Workplace::Texts {
     // What is refused counts as empty: a rule file that includes it gets a message, and the rest of it is read.
     if (!why.is_missing) {
       faults_.push_back(why.text);
+      // It is put there, so that it is refused once.
       overlay_.put(path, {});
       return overlay_.find(path);
     }
@@ -249,6 +254,7 @@ Workplace::LoadedPointer Workplace::load(Texts& texts, const Wanted& wanted) {
   // One at a time: the next request most often wants the same grammar.
   std::unique_lock turn(loading_, std::defer_lock);
   if (!take_turn(turn, wanted)) return nullptr;
+  // Texts are compared by their place in memory first, which is quick.
   const auto is_same = [&texts](const LoadedPointer& loaded) {
     return std::ranges::all_of(loaded->made_from, [&texts](const auto& part) {
       const auto now = texts.find(part.first);
@@ -257,6 +263,7 @@ Workplace::LoadedPointer Workplace::load(Texts& texts, const Wanted& wanted) {
   };
   const auto known = std::ranges::find_if(loaded_, is_same);
   if (known != loaded_.end()) {
+    // The one used last stands in front, and the last of the list goes first.
     loaded_.splice(loaded_.begin(), loaded_, known);
     return loaded_.front();
   }
@@ -292,6 +299,7 @@ std::shared_ptr<Workplace::Loaded> Workplace::load_anew(Texts& texts) {
   if (!files_.cooccurrence.empty()) files.cooccurrence = built(pairs_, {files_.cooccurrence});
   // All that the rules include comes through the lookup.
   loaded->grammar = Inside::load(files, lookup);
+  // Which files these are is known only now.
   loaded->made_from = texts.asked();
   for (const std::string& fault : texts.faults()) {
     loaded->notes.push_back({{"file", files_.rules}, {"line", 0}, {"level", "error"}, {"text", fault}});
@@ -343,9 +351,11 @@ Workplace::Json Workplace::with_sentence(
   const Part& part = around == parts.end() ? parts.back() : *around;
   const LoadedPointer loaded = load(texts, wanted);
   if (loaded == nullptr) return nullptr;
+  // A copy of the sentence, since the file may be another one at the next request.
   const GraphText graph{path, part.first, part.number, label_of(part.text), std::string(part.text)};
   Json result{{"label", graph.label}, {"file", graphs},        {"line", head_line(part)}, {"first", part.first},
               {"last", part.last},    {"number", part.number}, {"rules", loaded->notes},  {"load", loaded->seconds}};
+  // The reasons stand in `rules`.
   if (!loaded->grammar) {
     result["status"] = "unusable";
     return result;
@@ -369,6 +379,7 @@ Workplace::Json Workplace::render(const Unsaved& unsaved, const std::string& gra
         if (message.file.empty()) message.file = graph.file;
         notes.push_back(note(message, graph.line - 1));
       }
+      // Of several sentences in a text the last one counts.
       result["status"] = rendered.status();
       result["seconds"] = rendered.sentence.seconds;
       result["steps"] = rendered.sentence.steps;
@@ -430,6 +441,7 @@ Workplace::Json Workplace::check(const Unsaved& unsaved, const Wanted& wanted) {
     input.words_files.push_back(whole_path(name));
     static_cast<void>(texts.demand(input.words_files.back()));
   }
+  // A built dictionary is read as it is; it is none of the page's texts.
   if (!files_.dictionary.empty()) input.words_files = {files_.dictionary};
   input.cooccurrence_file = files_.built_cooccurrence;
   if (!files_.cooccurrence.empty()) {
@@ -460,6 +472,7 @@ Json coverage_rows(const std::vector<RuleCount>& rules,
   // Several rules can come from one line of a source.
   std::map<std::pair<std::string, std::uint32_t>, std::array<std::int64_t, 4>> lines;
   for (const RuleCount& rule : rules) {
+    // Compiled rules without their text have no line to show a count at.
     if (rule.line == 0) continue;
     auto& line = lines[{shown_path(rule.file), rule.line}];
     line[0] += rule.hits;
@@ -506,12 +519,14 @@ Workplace::Json Workplace::run(const Unsaved& unsaved, std::size_t from, const W
   bench.set_keep_going(wanted);
   Json sentences = Json::array();
   for (; number < parts.size(); ++number) {
+    // At least one sentence an answer, however long it takes.
     if (seconds_since(begin) > kMomentSeconds && !sentences.empty()) break;
     const auto& [file, part] = parts[number];
     const std::string label = label_of(part.text);
     counter.set_sentence(label.empty() ? std::to_string(number + 1) : label);
     const std::vector<Rendered> all = bench.render(std::string(part.text), limits_);
     if (!wanted()) return nullptr;
+    // Asked for before anything is left out, so that the order holds.
     const Expected* expected = gold.next(label);
     if (all.empty()) continue;
     const Rendered& rendered = all.front();

@@ -30,6 +30,7 @@ namespace lab {
 
 namespace {
 
+// One line a command. The manual has the same list with examples.
 constexpr const char* kHelp =
     "dict FILE, rules FILE, cr FILE, graphs FILE   name the files; -d, -r, -c and INPUT of the call do the same\n"
     "list [TEXT]          the sentences of the graphs, or those that hold the text\n"
@@ -72,6 +73,7 @@ class Seen {
  public:
   Seen() = default;
   explicit Seen(const std::string& path) { add(path); }
+  // The mark is taken now, before or after the file is read as the caller likes; before is the safe order.
   void add(const std::string& path) { files_.emplace_back(path, text_mark(path, nullptr)); }
   // Would reading this path find the same again?
   [[nodiscard]] bool is_still(const std::string& path) const {
@@ -91,6 +93,7 @@ class Lines {
     if (!is_terminal_) return;
     rl_initialize();
     if (const char* home = std::getenv("HOME"); home != nullptr) history_ = std::string(home) + "/.lexon_lab_history";
+    // A first session has no file yet.
     if (!history_.empty()) read_history(history_.c_str());
   }
   ~Lines() {
@@ -105,8 +108,10 @@ class Lines {
     if (!is_terminal_) return static_cast<bool>(std::getline(std::cin, line));
     std::cout.flush();
     const std::unique_ptr<char, decltype(&std::free)> read(readline(prompt), &std::free);
+    // The end of the input, Ctrl-D at a terminal.
     if (read == nullptr) return false;
     line = read.get();
+    // Empty lines would push commands out of the history.
     if (!trimmed(line).empty()) add_history(read.get());
     return true;
   }
@@ -151,6 +156,7 @@ class Shell {
   std::optional<Project> project_;
   std::unique_ptr<Bench> bench_;
   // Of what the project was made, and the graphs.
+  // Of each part: its file, and what else it was read from.
   Seen seen_words_;
   Seen seen_cooccurrence_;
   Seen seen_rules_;
@@ -172,6 +178,7 @@ void Shell::load() {
   if (files_.dictionary.empty()) throw Fault("there is no dictionary yet: dict FILE");
   if (files_.rules.empty()) throw Fault("there are no rules yet: rules FILE");
   unsigned kept = Inside::none;  // parts of the grammar before that are taken over
+  // Without a grammar before there is nothing that could be kept.
   if (project_.has_value()) {
     if (seen_words_.is_still(files_.dictionary)) kept |= Inside::words;
     if (seen_cooccurrence_.is_still(files_.cooccurrence)) kept |= Inside::cooccurrence;
@@ -195,12 +202,14 @@ void Shell::load() {
   Overlay source;
   if (is_changed_ && files_.rules.ends_with(kSourceExtension)) {
     source.put(files_.rules, text);
+    // Loaded through an overlay, the grammar takes nothing over.
     kept = Inside::none;
   }
   Project made = !source.is_empty()     ? Project(files_, source)
                  : project_.has_value() ? Project(files_, instead, *project_, kept)
                  : is_changed_          ? Project(files_, changed)
                                         : Project(files_);
+  // Which files these are is known only when they have been read.
   words.add(made.loaded().words.index_path);
   cooccurrence.add(made.loaded().cooccurrence.index_path);
   for (const MappedFile& file : made.loaded().source.files) rules.add(file.path);
@@ -215,6 +224,7 @@ void Shell::load() {
     seen_rules_ = std::move(rules);
     is_of_file_ = !is_changed_;
   }
+  // What follows tells the user what was read and what was not.
   const std::string count = count_text(static_cast<std::int64_t>(project_->grammar.rule_count()), "rule");
   if (kept == Inside::none || is_changed_) return print(count + " loaded");
   std::string anew;
@@ -248,6 +258,7 @@ void Shell::load_graphs() {
   RenderOptions all;
   all.inputs = {graph_file_};
   graphs_.clear();
+  // In front of the reading: a file that changes meanwhile is read again.
   seen_graphs_ = Seen(graph_file_);
   for_each_sentence(all, [this](const GraphText& sentence) { graphs_.push_back(sentence); });
   print(count_text(static_cast<std::int64_t>(graphs_.size()), "sentence") + " read");
@@ -270,6 +281,7 @@ void Shell::reload() {
   load();
   if (graph_file_.empty() || graphs_.empty() || seen_graphs_.is_still(graph_file_)) return;
   const std::string label = graph_.has_value() ? graph_->label : std::string();
+  // A typed graph stays as it is.
   const bool is_of_file = graph_.has_value() && graph_->file == graph_file_;
   load_graphs();
   if (!is_of_file) return;
@@ -285,6 +297,7 @@ void Shell::list(std::string_view text) {
   if (graphs_.empty()) load_graphs();
   for (const GraphText& each : graphs_) {
     if (!text.empty() && each.text.find(text) == std::string::npos) continue;
+    // By number, since labels may stand twice.
     const bool is_picked = graph_.has_value() && graph_->number == each.number && graph_->file == each.file;
     print((is_picked ? "* " : "  ") + each.file + ':' + std::to_string(each.line) + "  " + each.label);
   }
@@ -313,6 +326,7 @@ void Shell::read_graph(std::string line) {
   typed.line = 1;
   typed.number = 1;
   const bool has_start = line.starts_with("[S");
+  // One that is typed without a label gets one, so that messages can name it.
   typed.label = has_start ? line.substr(1, line.find(']') - 1) : "S:typed";
   typed.text = has_start ? line + '\n' : "[S:typed]\n" + line + '\n';
   bool has_end = false;
@@ -334,6 +348,7 @@ void Shell::render(const std::string& which) {
   } else {
     wanted.push_back(graph());
   }
+  // All sentences are tried; the fault at the end is for the status of a script.
   bool is_done = true;
   for (const GraphText& each : wanted) {
     interrupt_check();
@@ -378,6 +393,7 @@ void Shell::find_words(std::string_view rest) {
       if (found.empty()) print("no entry has the form or the concept " + word);
     }
   }
+  // Words alone have been answered above.
   if (attrs.empty() && prefix.empty()) return;
   // The prefix may be that of the form or of the concept word.
   std::vector<std::string> found;
@@ -386,6 +402,7 @@ void Shell::find_words(std::string_view rest) {
     FindQuery query{.attributes = attrs, .field = field};
     if (!prefix.empty()) query.prefixes.push_back(prefix);
     const auto session = std::make_unique<Session>();
+    // The search writes to a file, as the dictionary tool has it.
     const File entries = unnamed_file();
     if (entries == nullptr ||
         dictionary_find(*session, files_.dictionary, query, entries.get(), stderr) == FindResult::failed)
@@ -396,6 +413,7 @@ void Shell::find_words(std::string_view rest) {
     std::istringstream lines(text);
     for (std::string line; std::getline(lines, line);) found.push_back(std::move(line));
   }
+  // A word whose form and concept both begin so is found twice.
   std::ranges::sort(found);
   found.erase(std::unique(found.begin(), found.end()), found.end());
   constexpr std::size_t kMostShown = 200;  // entries; a prefix of one letter finds thousands
@@ -413,12 +431,14 @@ std::vector<std::string>& Shell::rule_lines() {
   const std::string text = text_file_read(path);
   const std::vector<std::string_view> lines = lines_of(text);
   rule_lines_.assign(lines.begin(), lines.end());
+  // Saved rules keep the line ends of their file.
   rule_line_end_ = text.find("\r\n") == std::string::npos ? "\n" : "\r\n";
   return rule_lines_;
 }
 
 // With rules that cannot be used, those before stay.
 void Shell::set_rules(std::vector<std::string>&& lines) {
+  // `load` takes the rules from the members.
   std::vector<std::string> before = std::exchange(rule_lines_, std::move(lines));
   const bool was_changed = std::exchange(is_changed_, true);
   try {
@@ -434,6 +454,7 @@ void Shell::set_rules(std::vector<std::string>&& lines) {
 void Shell::rule(std::string_view rest) {
   const std::string place = take_word(rest);
   if (place.empty()) throw Fault("rule LINE, rule LINE TEXT, rule LINE -, rule + TEXT");
+  // A copy: it takes their place only if it can be loaded.
   std::vector<std::string> lines = rule_lines();
   if (place == "+") {
     lines.emplace_back(rest);
@@ -450,6 +471,7 @@ void Shell::rule(std::string_view rest) {
     print(files_.rules + ':' + place + ": " + line);
     for (const Rule& each : chain<&Rule::next>(project().loaded().rules.rules)) {
       const RulePlace place_of_rule = project().line_of(each);
+      // A line of a source may have become any number of rules, or none.
       if (place_of_rule.line == number && place_of_rule.file == project().rule_text())
         print("  in force: " + project().text_of(each));
     }
@@ -462,6 +484,7 @@ void Shell::rule(std::string_view rest) {
 
 // Written to their own file the rules count as unchanged, and are what the file holds; a copy elsewhere changes nothing.
 void Shell::save(const std::string& path) {
+  // Of compiled rules the text beside them, which is what was changed.
   const std::string target = path.empty() ? project().rule_text() : path;
   const std::vector<std::string>& lines = rule_lines();
   std::string text;
@@ -471,6 +494,8 @@ void Shell::save(const std::string& path) {
     is_changed_ = false;
     is_of_file_ = target == files_.rules;
     seen_rules_ = Seen(files_.rules);
+    // A change of a file that a source includes is to be seen as before.
+    for (const MappedFile& file : project().loaded().source.files) seen_rules_.add(file.path);
   }
   print(target + ": written");
 }
@@ -493,6 +518,7 @@ void Shell::run_other(const std::string& name, std::string_view rest) {
   add(is_check ? "" : "-r", files_.rules);
   add("-c", files_.cooccurrence);
   add(is_check ? "-i" : "", graph_file_);
+  // The command has told on standard error why.
   if (run_command(words) != kDone) throw Fault(name + ": there are findings, or it failed");
 }
 
@@ -501,6 +527,7 @@ void Shell::run_other(const std::string& name, std::string_view rest) {
 // False to end.
 bool Shell::obey(std::string_view line) {
   std::string_view rest = trimmed(line);
+  // Scripts have comments.
   if (rest.empty() || rest.front() == '#') return true;
   // A relation has its parenthesis before any blank, and no command has one.
   const bool is_graph = rest.starts_with("[S") || rest.find('(') < rest.find_first_of(" \t");
@@ -509,7 +536,9 @@ bool Shell::obey(std::string_view line) {
     return true;
   }
   const std::string word = take_word(rest);
+  // Files may have blanks in their names, so the rest of the line is one argument.
   const std::string argument(rest);
+  // Names a file of the grammar; it is read when it is needed first.
   const auto set_file = [&](std::string& file) {
     if (argument.empty()) throw Fault(word + " FILE");
     file = argument;
@@ -524,9 +553,13 @@ bool Shell::obey(std::string_view line) {
   const auto number = [&argument, &word] {
     double value = 0;
     const auto [end, error] = std::from_chars(argument.data(), argument.data() + argument.size(), value);
-    if (error != std::errc() || end != argument.data() + argument.size() || value < 0) throw Fault(word + " N");
+    // Digits can name infinity, too, and what no counter holds.
+    constexpr double kMost = 1e15;
+    const bool is_number = error == std::errc() && end == argument.data() + argument.size();
+    if (!is_number || !(value >= 0 && value <= kMost)) throw Fault(word + " N: a number from 0 up");
     return value;
   };
+  // Below, a word a line in the order of the help; what is none of these may be a command of the program.
   if (word == "quit" || word == "exit") return false;
   if (word == "help") {
     std::cout << kHelp;
@@ -564,6 +597,7 @@ bool Shell::obey(std::string_view line) {
   } else if (word == "reload") {
     reload();
   } else if (word == "steps") {
+    // A fraction of a step is cut off.
     limits_.steps = static_cast<std::int64_t>(number());
   } else if (word == "time") {
     limits_.seconds = number();
@@ -592,6 +626,7 @@ int Shell::run() {
     }
     std::cout.flush();
   }
+  // The prompt that Ctrl-D has ended stands without a line end.
   if (lines_.is_terminal()) std::cout << '\n';
   if (is_changed_) tell_line(kNotSaved);
   return lines_.is_terminal() ? kDone : status;

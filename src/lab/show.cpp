@@ -28,6 +28,7 @@ constexpr std::size_t kLongestWord = 120;  // bytes that are shown of a word wit
 
 // What the node is asked about: "the left word "dog"".
 std::string subject(const Miss& miss) {
+  // A node without a text of its own may still have a word: one that writes nothing.
   const auto quoted = [&miss] {
     if (!miss.node.empty()) return " \"" + miss.node + "\"";
     return std::string(miss.word.empty() ? "" : " ''");
@@ -50,6 +51,7 @@ std::string condition_text(const Miss& miss) {
 std::string word_part(const Miss& miss) {
   if (miss.word.empty()) return {};
   std::string word = miss.word.substr(0, kLongestWord);
+  // Words with many attributes would hide what is said about them.
   if (word.size() < miss.word.size()) word += "...";
   return "; its word: " + word;
 }
@@ -60,6 +62,7 @@ std::string sentence_of(const Miss& miss) {
   const std::string asked = condition_text(miss);
   const bool is_forbidden = miss.condition != nullptr && miss.condition->op == kOpNot;
   const std::string who = subject(miss);
+  // No default: the compiler tells of a reason that has no sentence.
   switch (miss.reason) {
     case Reason::relation_between_braces:
       return "both patterns stand in braces, and a rule like that never fits when one of them names a relation (" +
@@ -104,6 +107,7 @@ std::string sentence_of(const Miss& miss) {
 
 // A node that no rule has touched has no word in force yet: it goes by what the graph calls it.
 std::string text_of_node(const Node& node, bool is_untouched_yet) {
+  // As the trace shows it.
   if (kind_bits(node) == kKindBoundary) return "|";
   std::string text;
   if (is_scope_reference(node)) {
@@ -111,6 +115,7 @@ std::string text_of_node(const Node& node, bool is_untouched_yet) {
   } else if (is_untouched_yet && node.name != nullptr) {
     text = node.name;
   } else if (node.candidates != nullptr) {
+    // A form may have blanks around it, which would hide in a line of words.
     const std::string_view whole = text_of(node.candidates->hw);
     const std::string_view hw = trimmed(whole);
     text = hw.empty() && is_untouched_yet ? text_of(node.candidates->cw) : hw;
@@ -129,6 +134,7 @@ std::string texts_of_list(const Session& session, const Window& window, Text tex
   // A rule base can close a list to a circle, and a walk must not outlive a sentence that is to stop.
   int steps = 0;
   constexpr int kMostNodes = 4096;
+  // First to the left end, then through the list.
   while (node != nullptr && node->left != nullptr && ++steps < kMostNodes) node = node->left;
   std::string all;
   for (; node != nullptr && ++steps < 2 * kMostNodes && must_leave(session) == core::Status::ok; node = node->right) {

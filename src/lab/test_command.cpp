@@ -57,9 +57,11 @@ void render_one(Bench& bench, const RenderOptions& options, const GraphText& gra
 
 std::vector<Outcome> render_all(const Project& project, const Arguments& arguments,
                                 const std::vector<GraphText>& graphs) {
+  // More threads than sentences would only cost memory.
   const auto threads = static_cast<unsigned>(std::clamp<std::size_t>(graphs.size(), 1, arguments.jobs));
   std::vector<std::unique_ptr<Bench>> benches;
   for (unsigned i = 0; i < threads; ++i) benches.push_back(std::make_unique<Bench>(project));
+  // A place for each text, so that the order does not depend on the threads.
   std::vector<std::vector<Outcome>> outcomes(graphs.size());
   for_each_on(threads, graphs.size(), [&](unsigned thread, std::size_t i) {
     render_one(*benches[thread], arguments.render, graphs[i], outcomes[i]);
@@ -75,6 +77,7 @@ std::vector<Outcome> render_all(const Project& project, const Arguments& argumen
 bool looks_like_rules(const std::string& text) {
   const auto session = std::make_unique<Session>();
   Pool pool;
+  // Rules that are too many for a run are rules all the same.
   pool.limit_blocks(65535);
   RuleNotes notes;
   std::string_view rest = text;
@@ -90,6 +93,7 @@ enum class Kind { rules, dictionary, saved };
 
 Kind kind_of(const std::string& path, const std::string& text) {
   const std::string extension = path_split(path).extension;
+  // The ending decides before the content: a source need not look like rules.
   if (extension == ".rul" || extension == ".lxr") return Kind::rules;
   if (text.find('\0') != std::string::npos) return Kind::dictionary;
   return looks_like_rules(text) ? Kind::rules : Kind::saved;
@@ -100,6 +104,7 @@ std::vector<Outcome> outcomes_of(Gold saved, const std::vector<Outcome>& like) {
   std::vector<Outcome> result;
   for (const Outcome& now : like) {
     const Expected* expected = saved.next(now.label);
+    // What the saved run has nothing for is as if it had failed.
     Outcome before{now.file, now.line, now.label, to_string(Status::failed), {}, {}, 0};
     if (expected != nullptr && !expected->texts.empty()) {
       before.status = to_string(Status::done);
@@ -114,6 +119,7 @@ std::vector<Outcome> outcomes_against(const Arguments& arguments, const std::vec
                                       const std::vector<Outcome>& now) {
   const std::string text = text_file_read(arguments.against);
   const Kind kind = kind_of(arguments.against, text);
+  // Nothing is rendered for it.
   if (kind == Kind::saved) return outcomes_of(Gold(text), now);
   GrammarFiles files = arguments.grammar;
   (kind == Kind::rules ? files.rules : files.dictionary) = arguments.against;
@@ -178,6 +184,7 @@ void tell_unexpected(const Report& report, const Outcome& outcome, const Expecte
     } else {
       std::cout << "  expected: " << escaped(wanted) << "\n  found:    " << Report::shown(outcome) << '\n';
     }
+    // Only the nearest is shown in full.
     if (expected->texts.size() > 1) std::cout << "  or one of " << expected->texts.size() - 1 << " other texts\n";
   }
   Report::why(outcome);
@@ -242,6 +249,7 @@ std::string junit_of(const Arguments& arguments, const std::vector<Case>& cases,
     if (one.expected != nullptr) {
       for (const std::string& text : one.expected->texts) wanted += "expected: " + text + '\n';
     }
+    // One message for all, so that build servers group them; the details stand below.
     fail("differs from what is expected", outcome.file + ':' + std::to_string(outcome.line) + '\n' + wanted +
                                               "found: " + Report::shown(outcome) + '\n' + outcome.why);
   }
@@ -272,6 +280,7 @@ std::size_t tell_changes(const Report& report, Gold gold, const std::vector<Outc
                          const std::vector<Outcome>& now) {
   std::size_t changed = 0;
   for (std::size_t i = 0; i < now.size(); ++i) {
+    // A copy of the expected sentences, since asking for one uses it up.
     const Expected* expected = gold.next(now[i].label);
     if (i >= before.size()) break;  // the other run has come to fewer sentences
     if (before[i].status == now[i].status && before[i].text == now[i].text) continue;
@@ -322,11 +331,13 @@ int run_test(const Arguments& arguments) {
     // What failed stays expected: an update is not to hide it.
     if (outcome.is_done()) updated.update(same, outcome.label, outcome.text);
   }
+  // With a selection most of what is expected has no sentence, and that is no fault.
   const std::vector<const Expected*> missing = is_selection ? std::vector<const Expected*>() : gold.rest();
   for (const Expected* expected : missing) {
     std::cout << escaped(arguments.gold) << ':' << expected->first_line + (gold.is_by_label() ? 0 : 1)
               << ": no graph for " << (gold.is_by_label() ? '[' + escaped(expected->label) + ']' : "this line") << '\n';
   }
+  // The differences stand in front of the sum, which goes to the other stream.
   std::cout.flush();
 
   const auto differing = static_cast<std::size_t>(std::ranges::count(cases, false, &Case::is_good));

@@ -1,6 +1,7 @@
 // Files as texts.
 #pragma once
 
+#include <cstdint>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -25,6 +26,20 @@ void text_file_write(const std::string& path, std::string_view text);
 // They point into `text`.
 [[nodiscard]] std::vector<std::string_view> lines_of(std::string_view text);
 std::vector<std::string_view> lines_of(std::string&& text) = delete;  // they would outlive it
+
+// The first line, from 1, with a character of UTF-8 that has more than a byte, and the first with bytes that are none;
+// 0: there is no such line.
+struct EncodedLines {
+  std::int64_t utf8 = 0;
+  std::int64_t other = 0;
+
+  // Looks at one more line, of this number.
+  void look_at(std::string_view line, std::int64_t number);
+};
+[[nodiscard]] EncodedLines encoded_lines(std::string_view text);
+
+// The label in a line that opens a sentence: "S:3" of "[S:3] or more".
+[[nodiscard]] std::string label_in(std::string_view line);
 
 }  // namespace lab
 }  // namespace v1

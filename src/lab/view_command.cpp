@@ -62,11 +62,13 @@ std::string html_text(std::string_view text) {
 class Page {
  public:
   explicit Page(const std::string& path) : path_(path) {
+    // Who has the page open meanwhile sees the old one whole.
     if (path != "-" && !draft_.open_beside(path)) throw Fault(path + ": cannot be written: " + std::strerror(errno));
     stream_ = path == "-" ? stdout : draft_.stream();
   }
   void write(std::string_view text) { std::fwrite(text.data(), 1, text.size(), stream_); }
   void write_script(const std::string& name, const json& data) {
+    // Data and no script: the policy below lets no other script run.
     write("<script type=\"application/json\" id=\"" + name + "\">" + view_json_text(data) + "</script>\n");
   }
   void close() {
@@ -82,6 +84,7 @@ class Page {
 
 // The page may run its own two scripts and fetch nothing: whatever texts of graphs and rules hold, they stay texts.
 void write_head(Page& page, const std::string& title) {
+  // The hashes are made with the program, from the files that it holds.
   const auto hash = [](std::string_view text) { return " 'sha256-" + std::string(text) + "'"; };
   page.write("<!doctype html>\n<html lang=\"en\">\n<head>\n<meta charset=\"utf-8\">\n");
   page.write("<meta http-equiv=\"Content-Security-Policy\" content=\"default-src 'none'; script-src" +
@@ -123,12 +126,14 @@ class Writer {
     if (batch_.size() >= kBatchSentences || batch_steps_ >= kBatchSteps) flush();
   }
   void flush() {
+    // One run of Graphviz for the whole batch.
     const std::string notice = view_lay_out(batch_);
     if (!notice.empty()) notice_ = notice;
     for (const json& data : batch_) {
       json& sentences = index_["sentences"];
       page_.write_script("s" + std::to_string(sentences.size()), data);
       json row;
+      // What the list of sentences shows before one of them is opened.
       for (const char* key : {"label", "status", "text", "file", "line", "taken_back"}) row[key] = data[key];
       sentences.push_back(std::move(row));
     }
@@ -165,6 +170,7 @@ int view(const Arguments& arguments) {
   bool has_cut = false;
   for_each_sentence(arguments.render, [&](const GraphText& graph) {
     ++read;
+    // Reading goes on, so that the page can say how many there are.
     if (!arguments.all && shown >= kMostSentences) return;
     // A page of some ten thousand steps for each of many sentences would be too much for a browser.
     if (writer.steps() >= kMostSteps && arguments.kept > kFewSteps && !std::exchange(has_cut, true))

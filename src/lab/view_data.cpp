@@ -21,6 +21,7 @@ void make_valid(std::string& text) {
   const auto is_valid = [](std::string_view rest) {
     while (!rest.empty()) {
       const Utf8Character character = utf8_first(rest);
+      // Most texts are valid, and are only looked at.
       if (!character.is_valid) return false;
       rest.remove_prefix(character.length);
     }
@@ -40,6 +41,7 @@ void make_valid(std::string& text) {
 
 void make_valid(nlohmann::json& data) {
   if (data.is_string()) return make_valid(data.get_ref<std::string&>());
+  // Numbers and the like have no text.
   if (!data.is_structured()) return;
   for (nlohmann::json& each : data) make_valid(each);
 }
@@ -49,6 +51,7 @@ template <typename Map, typename Name>
 std::vector<std::string> most_taken_back(const Map& map, Name name) {
   std::vector<std::pair<std::string, Derivation::TakenBack>> most;
   for (const auto& [key, taken] : map) {
+    // A test that took nothing back has cost nothing.
     if (taken.steps > 0) most.emplace_back(name(key), taken);
   }
   std::stable_sort(most.begin(), most.end(),
@@ -114,10 +117,12 @@ void Viewer::keep(std::size_t steps) {
 }
 
 std::vector<nlohmann::json> Viewer::data(const GraphText& graph, const RenderOptions& limits) {
+  // The sentences of the call before have been moved out.
   inner_->record.clear();
   const std::vector<Rendered> results = inner_->bench.render(graph.text, limits);
   // A sentence that was refused before its search began is in the results alone.
   std::vector<nlohmann::json> sentences = std::move(inner_->record.sentences());
+  // It has data without steps.
   sentences.resize(results.size());
   for (std::size_t at = 0; at < results.size(); ++at) {
     const Sentence& sentence = results[at].sentence;

@@ -43,6 +43,7 @@ constexpr char kNotInstalled[] =
 // In characters: of the name with its instance, or of the attributes below it.
 std::size_t width_of(const json& node) {
   std::size_t attrs = 0;
+  // One more for the sign between two blocks of attributes.
   for (const json& block : node["attrs"]) attrs += utf8_count(block[1].get_ref<const std::string&>()) + 1;
   const std::size_t name = utf8_count(node["name"].get_ref<const std::string&>()) + 3;
   return std::max(std::min(name, kLongestName), std::min(attrs, kLongestAttrs));
@@ -70,9 +71,11 @@ std::string dot_text(const json& graph) {
   }
   std::map<int, std::set<int>> boxes;  // by scope, its nodes
   for (const auto& [node, scope] : scopes_of_nodes(graph)) {
+    // The sentence itself has no box.
     if (scope != 0) boxes[scope].insert(node);
   }
   for (const auto& [scope, members] : boxes) {
+    // Six signs leave room for the title that the page writes.
     text << "subgraph cluster_" << scope << " { margin=12; fontsize=10; label=\"xxxxxx\"; ";
     for (const int node : members) text << 'n' << node << "; ";
     text << "}\n";
@@ -107,6 +110,7 @@ int dot_wait(pid_t process, int made, const std::function<bool()>& wanted, bool&
   auto grown = std::chrono::steady_clock::now();
   while (true) {
     int status = 0;
+    // Not waited for: the program may never end.
     const pid_t ended = waitpid(process, &status, WNOHANG);
     if (ended == process) return status;
     struct stat now {};
@@ -116,6 +120,7 @@ int dot_wait(pid_t process, int made, const std::function<bool()>& wanted, bool&
       grown = std::chrono::steady_clock::now();
     }
     is_over_time = std::chrono::steady_clock::now() - grown > kLongestWait;
+    // The next turn finds that it has ended.
     if (is_over_time || (wanted && !wanted())) kill(process, SIGKILL);
     std::this_thread::sleep_for(kWaitingTurn);
   }
@@ -129,6 +134,7 @@ DotRun dot_run(const std::string& text, const std::function<bool()>& wanted) {
     return {.notice = std::string("no temporary file for Graphviz: ") + std::strerror(errno)};
   }
   std::rewind(given.get());
+  // Files rather than pipes: neither side can wait for the other.
   const pid_t process = process_start({"dot", "-Tjson0"}, fileno(given.get()), fileno(made.get()));
   if (process == -1 && errno == ENOENT) return {.notice = kNotInstalled};
   if (process == -1) return {.notice = std::string("Graphviz cannot be run: ") + std::strerror(errno)};
@@ -136,6 +142,7 @@ DotRun dot_run(const std::string& text, const std::function<bool()>& wanted) {
   const int status = dot_wait(process, fileno(made.get()), wanted, run.is_over_time);
   if (run.is_over_time) {
     run.notice = "Graphviz took too long to lay the graph out, so it is drawn without it, plainly";
+    // What starting a program gives where the program is missing.
   } else if (WIFEXITED(status) && WEXITSTATUS(status) == 127) {
     run.notice = kNotInstalled;
   } else if (!WIFEXITED(status) || WEXITSTATUS(status) != 0) {
@@ -179,6 +186,7 @@ json curve_of(const json& edge, double height) {
   const std::string& text = edge.at("pos").get_ref<const std::string&>();
   std::vector<double> at = numbers_of(text);
   const std::size_t first = text.starts_with("e,") ? 2 : 0;
+  // A start and one piece of three points are the least.
   if (at.size() < first + 8) return nullptr;
   std::string path = "M" + coordinates(at[first], height - at[first + 1]) + " C";
   for (std::size_t i = first + 2; i + 1 < at.size(); i += 2) path += ' ' + coordinates(at[i], height - at[i + 1]);
@@ -202,6 +210,7 @@ json layout_of(const json& graph, const json& laid_out) {
   const double height = box[3];
   json layout = {{"width", rounded(box[2])},   {"height", rounded(height)},   {"nodes", json::array()},
                  {"relations", json::array()}, {"references", json::array()}, {"scopes", json::array()}};
+  // A node that is not answered for stays null, and the page draws the graph plainly then.
   layout["nodes"].get_ref<json::array_t&>().resize(graph["nodes"].size());
   layout["relations"].get_ref<json::array_t&>().resize(graph["relations"].size());
   for (const json& object : laid_out.value("objects", json::array())) {
@@ -271,6 +280,7 @@ std::string view_lay_out(std::span<nlohmann::json> sentences, const std::functio
       // This graph took too long: those behind it get a run of their own.
       goes_on = notice.empty() || !run.is_over_time;
     }
+    // At least the one that took too long is behind us, so this comes to an end.
     sentences = sentences.subspan(next);
   }
 }

@@ -61,6 +61,7 @@ const WordEntry* entry_behind(const WordEntry* entries, const WordEntry& word) {
     if (!is_same_word(entry, word)) continue;
     const bool has_its_form = text_of(entry.hw) == text_of(word.hw);
     const int likeness = common_attrs(text_of(entry.attrs), text_of(word.attrs)) + (has_its_form ? kAttrLimit : 0);
+    // Of equal ones the first, which the dictionary tries first.
     if (likeness > best_likeness) {
       best = &entry;
       best_likeness = likeness;
@@ -83,6 +84,7 @@ const Node& first_of(const Node& node) {
 // The number of a node of the graph, which is noted when it is first met: nodes that no relation has come late.
 std::int32_t ViewRecord::graph_node(const Node& node) {
   const auto [place, is_new] = graph_nodes_.try_emplace(&node, static_cast<std::int32_t>(graph_nodes_.size()));
+  // It was described when it was first met.
   if (!is_new) return place->second;
   nlohmann::json data;
   const std::string scope = std::to_string(node.scope);
@@ -90,6 +92,7 @@ std::int32_t ViewRecord::graph_node(const Node& node) {
   data["name"] = is_scope_reference(node) ? ':' + std::string(scope.size() < 2 ? "0" : "") + scope : name;
   data["scope"] = is_scope_reference(node) ? node.scope : -1;
   data["instance"] = is_scope_reference(node) ? 0 : node.scope;
+  // By scope, since a node may have other attributes in each.
   data["attrs"] = nlohmann::json::array();
   for (const ScopeAttrs& block : chain<&ScopeAttrs::next>(node.scope_attrs))
     data["attrs"].push_back({block.scope, block.text});
@@ -115,6 +118,7 @@ void ViewRecord::graph_read(const Session& session) {
   }
   for (std::int32_t at = 0; at < sentence.graph_relation_count; ++at) {
     const Relation* arc = sentence.graph_relations[static_cast<std::size_t>(at)];
+    // Relations that were refused leave a gap.
     if (arc == nullptr || arc->from == nullptr || arc->to == nullptr) continue;
     relations_.push_back(arc);
     const std::int32_t from = graph_node(*arc->from);
@@ -167,6 +171,7 @@ std::int32_t ViewRecord::place_of(const Node& node) {
   }
   const auto number = static_cast<std::int32_t>(places_.size());
   places_.push_back(std::move(place));
+  // In the place of what stood at this address before.
   places_by_node_[&node] = number;
   return number;
 }
@@ -185,6 +190,7 @@ void ViewRecord::literal_note(const Node& node) {
 // The number of the entry behind the node's word; -1: it has none.
 std::int32_t ViewRecord::entry_of(const Node& node, const Place& place) {
   if (node.candidates == nullptr || is_boundary(node)) return -1;
+  // A copy has no entries of its own.
   const Node& first = first_of(node);
   const WordEntry* entry = entry_behind(node.entries != nullptr ? node.entries : first.entries, *node.candidates);
   if (entry != nullptr) return entries_.number_of({entry_line(*entry), std::string(text_of(entry->attrs))});
@@ -201,6 +207,7 @@ std::int32_t ViewRecord::state_of(const Node& node, const RuleCandidate* candida
   state.place = place_of(node);
   state.text = candidate == nullptr ? node_text(&node) : node_text_before(&node, *candidate);
   const MatchRecord* record = node.matches;
+  // Records stand newest first.
   while (record != nullptr && candidate != nullptr && record->candidate == candidate) record = record->next;
   state.is_untouched = !is_boundary(node) && (record == nullptr || record->state == kStateHold);
   if (node.candidates != nullptr) state.attrs = text_of(node.candidates->attrs);
@@ -210,6 +217,7 @@ std::int32_t ViewRecord::state_of(const Node& node, const RuleCandidate* candida
     if (said != nullptr && *said != '\0') state.attrs = std::string(said) + ',' + state.attrs;
   }
   const std::int32_t number = states_.number_of(state);
+  // A state that is new; of a known one the entry is known, too.
   if (static_cast<std::size_t>(number) == entry_of_state_.size())
     entry_of_state_.push_back(entry_of(node, places_[static_cast<std::size_t>(state.place)]));
   return number;
@@ -246,6 +254,7 @@ ViewRecord::Shown ViewRecord::list_of(const Session& session, const Window& wind
   }
   std::vector<std::int32_t> list;
   Shown shown;
+  // A negative number stands for so many nodes that are not shown.
   if (left_out[0] > 0) list.push_back(-left_out[0]);
   for (std::size_t at = 0; at < nodes.size(); ++at) {
     if (nodes[at] == inserted) continue;
@@ -267,6 +276,7 @@ void ViewRecord::final_walk(const Session& session, const Node* entry, int depth
   for (steps = 0; entry != nullptr && ++steps < kMostNodes && list.size() < kMostFinal; entry = entry->right) {
     if (is_scope_reference(*entry)) {
       const int row = scope_row_find(session, entry->scope);
+      // Row 0 is the sentence itself.
       if (row != 0) final_walk(session, session.sentence.semlst[static_cast<std::size_t>(row)].entry, depth + 1, list);
     } else if (kind_bits(*entry) != kKindBoundary) {
       list.push_back(state_of(*entry, nullptr));
@@ -296,6 +306,7 @@ void ViewRecord::sentence_begins(Session& session) {
   standing_.clear();
   standing_at_.clear();
   last_number_ = forgotten_ = 0;
+  // What is left of a sentence that was stopped.
   fitted_.clear();
   last_offered_ = {};
   has_reason_ = is_post_edit_ = false;
@@ -316,6 +327,7 @@ ViewRecord::Step ViewRecord::step_of(const Session& session, Kind kind, const Ru
 void ViewRecord::append(Step&& step) {
   step.number = ++last_number_;
   steps_.push_back(std::move(step));
+  // Forgetting goes over everything that is kept.
   if (steps_.size() > kept_ + kept_ / 2) forget_some();
 }
 
@@ -326,6 +338,7 @@ void ViewRecord::stand(const RuleCandidate& candidate, Step&& step) {
   const std::size_t place = standing_at(candidate);
   if (place < standing_.size() && !step.is_post_edit) {
     const auto before = step_at(standing_[place].number);
+    // A list of -1 is one that could not be read.
     if (before != steps_.end() && step.before.list == -1) step.before = before->before;
     take_back_from(place);
   }
@@ -383,6 +396,7 @@ void ViewRecord::forget_some() {
     if (goes) --surplus;
     if (!goes) left.push_back(steps_[at]);
   }
+  // Not enough was taken back: of what stands the oldest behind the head goes.
   if (surplus > 0) {
     const auto first = left.begin() + static_cast<std::ptrdiff_t>(std::min(head, left.size() - surplus));
     left.erase(first, first + static_cast<std::ptrdiff_t>(surplus));
@@ -418,6 +432,7 @@ void ViewRecord::forget_some() {
 
 void ViewRecord::offered(Session& session, const Window& window, const RuleCandidate*) {
   has_reason_ = false;
+  // If the search goes back now, this is the window in which no rule was left.
   last_offered_ = list_of(session, window);
 }
 
@@ -453,9 +468,11 @@ void ViewRecord::tried(Session& session, const RuleCandidate& candidate, const W
                          : rule.lnode->inserted != 0 ? after.lnode
                          : rule.rnode->inserted != 0 ? after.rnode
                                                      : nullptr;
+  // Now, since its actions come next.
   if (inserted != nullptr) literal_note(*inserted);
   // Those whose scopes have failed are left over.
   if (fitted_.size() > kMostFitted) fitted_.erase(fitted_.begin());
+  // The list as it was: the nodes change when the rule is carried out.
   fitted_.push_back({&candidate, list_of(session, after, &candidate, inserted)});
 }
 
@@ -463,6 +480,7 @@ void ViewRecord::applied(Session& session, const RuleCandidate& candidate, const
   Step step = step_of(session, Kind::rule, candidate.rule);
   const auto same = [&candidate](const Fitted& each) { return each.candidate == &candidate; };
   if (const auto found = std::find_if(fitted_.rbegin(), fitted_.rend(), same); found != fitted_.rend()) {
+    // Of a rule that fitted too long ago nothing is kept, and the step has no list before.
     step.before = found->before;
     // Those behind it belong to scopes that it has entered, and are done.
     fitted_.erase(std::next(found).base(), fitted_.end());
@@ -495,6 +513,7 @@ std::string ViewRecord::source_line(const RulePlace& place) {
   std::ifstream file;
   if (is_new) file.open(place.file, std::ios::binary);
   for (std::string line; is_new && std::getline(file, line);) {
+    // The page would show it as a blank.
     if (line.ends_with('\r')) line.pop_back();
     lines.push_back(line);
   }
@@ -504,9 +523,11 @@ std::string ViewRecord::source_line(const RulePlace& place) {
 // Kept from sentence to sentence: a rule says the same each time.
 const nlohmann::json& ViewRecord::rule_data(const Rule& rule) {
   nlohmann::json& data = rule_data_[&rule];
+  // A rule that is met for the first time has no data yet.
   if (!data.is_null()) return data;
   data = {{"place", project_.place_of(rule)}, {"text", project_.text_of(rule)}};
   data["source"] = source_line(project_.line_of(rule));
+  // Of a rule from a source: the values of the loops around it.
   data["values"] = rule.line == 0 ? std::string() : surroundings_text(project_.loaded().source.place(rule.line, 0));
   return data;
 }
@@ -515,6 +536,7 @@ const nlohmann::json& ViewRecord::rule_data(const Rule& rule) {
 nlohmann::json ViewRecord::result(const Session& session) {
   nlohmann::json data;
   for (std::size_t at = 0; at < relations_.size(); ++at) graph_["relations"][at]["used"] = relations_[at]->used != 0;
+  // A sentence that was stopped has no words to show.
   data["final"] = must_leave(session) == core::Status::ok ? final_list(session) : -1;
   data["graph"] = std::move(graph_);
   std::map<const Rule*, std::size_t> rules;
@@ -543,6 +565,7 @@ nlohmann::json ViewRecord::result(const Session& session) {
     const State& state = states_.at(static_cast<std::int32_t>(at));
     data["states"].push_back({state.place, state.text, state.attrs, entry_of_state_[at], state.is_untouched ? 1 : 0});
   }
+  // Tables are written as lists: the number of an item is its place.
   const auto texts = [](const auto& table) {
     nlohmann::json all = nlohmann::json::array();
     for (std::size_t at = 0; at < table.size(); ++at) all.emplace_back(table.at(static_cast<std::int32_t>(at)));

@@ -31,6 +31,7 @@ std::int64_t misses_of_side(const std::vector<Miss>& misses, RulePart part) {
 
 void RuleWatch::sentence_begins(Session&) {
   findings_.clear();
+  // Each sentence has an account of its own.
   windows_ = left_fits_ = right_fits_ = 0;
   left_fit_.clear();
   right_fit_.clear();
@@ -49,6 +50,7 @@ void RuleWatch::note(Answer answer, std::vector<Miss>&& misses, const Rule* othe
   std::string key =
       std::to_string(static_cast<int>(answer)) + ' ' + (other == nullptr ? "" : project_.place_of(*other));
   for (const Miss& miss : misses) key.append("\n").append(miss_text(project_, miss));
+  // A finding that is known is counted, even where no new one finds room.
   const auto found = findings_.find(key);
   if (found == findings_.end() && findings_.size() >= kMostFindings) return;
   Finding& finding = findings_[key];
@@ -64,6 +66,7 @@ void RuleWatch::offered(Session& session, const Window& window, const RuleCandid
   waits_ = false;
   // At the end of a list rules are asked for, and never tried.
   if (window.lnode == nullptr || window.rnode == nullptr) return;
+  // A rule of post-edit is not asked for here, so this says nothing about it.
   if (is_post_edit_type(rule_.type)) return;
   bool is_offered = false;
   for_each_rule_from(session, list, [&](const Rule& rule) { is_offered = is_offered || &rule == &rule_; });
@@ -89,9 +92,11 @@ void RuleWatch::look(Session& session, const Window& window, bool is_offered) {
   window_ = window_text(window);
   list_ = list_text(session, window);
   if (is_offered) {
+    // A candidate that the search does not know, made to ask what the rule would miss here.
     const RuleCandidate candidate{&rule_, nullptr, nullptr, nullptr, nullptr};
     would_miss_ = rule_misses(session, candidate, window, false);
     waits_ = true;
+    // The index asks both sides, so what it offers fits on either.
     if (rule_.lnode->inserted == 0 && left_fits_++ == 0) left_fit_ = window_;
     if (rule_.rnode->inserted == 0 && right_fits_++ == 0) right_fit_ = window_;
     return;
@@ -175,6 +180,7 @@ void print_finding(std::ostream& out, const Project& project, const Rule& rule, 
                  (finding.count > 1 ? ", and at " + count_text(finding.count - 1, "window") + " more in the same way"
                                     : std::string()));
   print(out, "      in " + finding.list);
+  // What worked has missed nothing.
   if (finding.answer == RuleWatch::Answer::worked) return;
   for (const Miss& miss : finding.misses) print(out, "      - " + miss_text(project, miss));
 }
@@ -220,6 +226,7 @@ bool why_sentence(std::ostream& out, const Project& project, Bench& bench, const
     RuleWatch watch(project, *rule);
     bench.watchers().add(watch);
     const std::vector<Rendered> results = bench.render(graph.text, limits);
+    // The watch ends with this turn, and the bench is used again.
     bench.watchers().remove(watch);
     print(out, project.place_of(*rule) + ": " + project.text_of(*rule));
     for (const Rendered& result : results) {

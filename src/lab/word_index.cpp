@@ -14,6 +14,7 @@
 #include "dict/block_chain.hpp"
 #include "dict/dict_record.hpp"
 #include "dicttool/entry_reader.hpp"
+#include "dicttool/terminal_count.hpp"
 #include "lab/commands.hpp"
 #include "lab/progress.hpp"
 #include "lab/text_file.hpp"
@@ -71,6 +72,7 @@ using EntryUse = std::function<void(std::int64_t line, const StoredRecord& recor
 // empty otherwise.
 std::string_view priority_too_large(std::string_view line) {
   line.remove_prefix(std::min(line.rfind(')'), line.size()));
+  // Without the two signs there is no number that could be too large.
   const std::size_t open = line.find('<');
   const std::size_t close = line.find('>', open);
   const std::size_t comma = line.rfind(',', close);
@@ -81,13 +83,31 @@ std::string_view priority_too_large(std::string_view line) {
   return number.size() > 3 || (number.size() == 3 && number > "255") ? number : std::string_view();
 }
 
+// Behind the ";" may stand [text]{text}, two fields that Lexon keeps and does not use. Where a concept word or attributes
+// follow, it is an entry whose line has lost its beginning.
+bool has_second_entry(std::string_view line) {
+  for (std::size_t at = line.find(';'); at != std::string_view::npos; at = line.find(';', at + 1)) {
+    const std::size_t open = line.find_first_not_of("; \t", at);
+    if (open == std::string_view::npos || line[open] != '[') continue;
+    const std::size_t id = line.find("]{", open);
+    const std::size_t close = line.find('}', std::min(id, line.size()));
+    const std::size_t behind = close == std::string_view::npos ? close : line.find_first_not_of(" \t", close + 1);
+    if (behind != std::string_view::npos && (line[behind] == '"' || line[behind] == '(')) return true;
+  }
+  return false;
+}
+
 // Lines that are no entries are findings, and the entries behind them are read all the same.
-void read_text(const Source& source, const EntryUse& use, std::vector<Finding>& findings) {
+void read_text(const Source& source, const EntryUse& use, std::vector<Finding>& findings, EncodedLines& encoded) {
   const auto session = std::make_unique<Session>();
   EntryText text(*session, source.file.get(), {kDefaultKeys, max_key_length(kShortNameSize)});
   StoredRecord record;
   while (true) {
-    switch (text.next()) {
+    const EntryText::Line kind = text.next();
+    if (kind == EntryText::Line::entry || kind == EntryText::Line::bad) {
+      encoded.look_at(text.line(), text.line_number());
+    }
+    switch (kind) {
       case EntryText::Line::entry: {
         const ByteView bytes(text.record());
         if (stored_record_read(bytes, record)) use(text.line_number(), record, bytes);
@@ -97,6 +117,10 @@ void read_text(const Source& source, const EntryUse& use, std::vector<Finding>& 
           findings.push_back({source.name, text.line_number(), 1, 2, Level::error, "priority-wraps",
                               "the priority " + std::string(number) + " counts as " + std::to_string(counts),
                               "use 0 to 255"});
+        }
+        if (has_second_entry(text.line())) {
+          findings.push_back({source.name, text.line_number(), 1, 2, Level::warning, "line-runs-on",
+                              "a second entry in this line is not read", "begin a new line in front of it"});
         }
         break;
       }
@@ -120,6 +144,7 @@ void read_built(const Source& source, const EntryUse& use) {
     const std::int64_t offset = dict_block_offset(number);
     if (offset + static_cast<std::int64_t>(kDictBlockSize) > size) return;
     if (!block->read(source.file.get(), offset)) throw Fault(source.name + ": cannot be read to its end");
+    // Key blocks repeat what records say.
     if (block->bytes()[kDictTypeOffset] != kDataBlock) continue;
     ByteView bytes;
     for (std::size_t at = kDictDataOffset; at < block->content().size(); at += bytes.size()) {
@@ -132,11 +157,6 @@ void read_built(const Source& source, const EntryUse& use) {
   }
 }
 
-void read_entries(const Source& source, const EntryUse& use, std::vector<Finding>& findings) {
-  if (source.is_built) return read_built(source, use);
-  read_text(source, use, findings);
-}
-
 // Entries that are alike in everything. Those of a text may stand anywhere, those of a built dictionary stand in the
 // order of their forms.
 class Duplicates {
@@ -146,9 +166,11 @@ class Duplicates {
   void look_at(std::int64_t line, const StoredRecord& record, ByteView bytes, std::vector<Finding>& findings) {
     const std::string_view text(reinterpret_cast<const char*>(bytes.data()), bytes.size());
     if (!source_.is_built) {
+      // Sixteen bytes an entry; what is alike is found by sorting when all are read.
       seen_.emplace_back(std::hash<std::string_view>()(text), line);
       return;
     }
+    // Only the entries of one form are kept at a time.
     if (form_ != record.hw) {
       form_ = record.hw;
       of_form_.clear();
@@ -159,6 +181,7 @@ class Duplicates {
   }
 
   void finish(std::vector<Finding>& findings) {
+    // Alike entries stand together then, in the order of their lines.
     std::ranges::sort(seen_);
     std::size_t first = 0;  // of those that are alike
     for (std::size_t i = 1; i < seen_.size(); ++i) {
@@ -192,26 +215,43 @@ WordIndex::WordIndex(const std::string& path, const Overlay* unsaved) : path_(pa
   std::unordered_map<std::string, std::uint32_t> sets;
   Duplicates duplicates(source);
   std::string attrs;
-  read_entries(
-      source,
-      [&](std::int64_t line, const StoredRecord& record, ByteView bytes) {
-        interrupt_check();
-        attrs.assign(record.attrs);
-        const auto [set, is_new] = sets.try_emplace(attrs, static_cast<std::uint32_t>(sets_.size()));
-        if (is_new) sets_.push_back({attrs, 0, static_cast<std::uint32_t>(entries_.size())});
-        // A million entries have a few hundred sets of attributes.
-        ++sets_[set->second].count;
-        if (texts_.size() > kMostText) throw Fault(path + ": has more than 4 GB of words, which a check cannot hold");
-        entries_.push_back({static_cast<std::uint32_t>(texts_.size()), set->second, static_cast<std::uint32_t>(line)});
-        for (const std::string_view field :
-             {std::string_view(record.hw), std::string_view(record.cw), std::string_view(record.id)}) {
-          (texts_ += field) += '\0';
-        }
-        duplicates.look_at(line, record, bytes, findings_);
-      },
-      findings_);
+  TerminalCount shown(stderr, "entries read");
+  const EntryUse use = [&](std::int64_t line, const StoredRecord& record, ByteView bytes) {
+    interrupt_check();
+    shown.count();
+    // Reused: a million entries would else be as many texts.
+    attrs.assign(record.attrs);
+    const auto [set, is_new] = sets.try_emplace(attrs, static_cast<std::uint32_t>(sets_.size()));
+    if (is_new) sets_.push_back({attrs, 0, static_cast<std::uint32_t>(entries_.size())});
+    // A million entries have a few hundred sets of attributes.
+    ++sets_[set->second].count;
+    if (texts_.size() > kMostText) throw Fault(path + ": has more than 4 GB of words, which a check cannot hold");
+    entries_.push_back({static_cast<std::uint32_t>(texts_.size()), set->second, static_cast<std::uint32_t>(line)});
+    for (const std::string_view field :
+         {std::string_view(record.hw), std::string_view(record.cw), std::string_view(record.id)}) {
+      (texts_ += field) += '\0';
+    }
+    duplicates.look_at(line, record, bytes, findings_);
+    if (record.cw.empty() && !record.gloss.empty()) look_at_gloss(line, record.gloss);
+  };
+  if (source.is_built) {
+    read_built(source, use);
+  } else {
+    read_text(source, use, findings_, encoded_);
+  }
   duplicates.finish(findings_);
   sort_keys();
+}
+
+// The sign of a restriction, as in very(>degree), stands in concept words alone.
+void WordIndex::look_at_gloss(std::int64_t line, std::string_view gloss) {
+  if (line == 0 || gloss.find(' ') != std::string_view::npos) return;
+  glosses_.try_emplace(std::string(gloss), line);
+  const bool is_concept = gloss.find("(>") != std::string_view::npos || gloss.find("(<") != std::string_view::npos;
+  if (!is_concept) return;
+  findings_.push_back({path_, line, 1, 2, Level::warning, "concept-unquoted",
+                       std::string(gloss) + " is read as the gloss, and the entry has no concept word",
+                       "write the concept word in quotes: [form]{id} \"concept\" (ATTRIBUTES)"});
 }
 
 // Sorted arrays of numbers take a third of what hash tables would, and are made faster.
@@ -244,6 +284,7 @@ std::vector<std::uint32_t> WordIndex::find(const std::vector<std::uint64_t>& by_
 std::shared_ptr<const WordIndex> CheckCache::words(const std::string& path, const Overlay* unsaved) {
   const TextMark mark = text_mark(path, unsaved);
   Known& known = known_[path];
+  // A question is a use, whether the index is read anew or not.
   known.is_used = true;
   if (known.index == nullptr || known.mark != mark) {
     known.index = nullptr;  // two large ones need not be in memory at once

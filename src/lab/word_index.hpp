@@ -6,10 +6,12 @@
 #include <memory>
 #include <string>
 #include <string_view>
+#include <unordered_map>
 #include <vector>
 
 #include "lab/check.hpp"
 #include "lab/overlay.hpp"
+#include "lab/text_file.hpp"
 
 namespace lexon {
 inline namespace v1 {
@@ -36,6 +38,13 @@ class WordIndex {
   [[nodiscard]] const std::string& path() const { return path_; }
   [[nodiscard]] const std::vector<Entry>& entries() const { return entries_; }
   [[nodiscard]] const std::vector<AttributeSet>& sets() const { return sets_; }
+  // The line of the first entry without a concept word that has this text as its gloss, which is one word; 0: none. Such
+  // a text is a concept word most often, whose quotes were forgotten.
+  [[nodiscard]] std::int64_t with_gloss(const std::string& text) const {
+    const auto found = glosses_.find(text);
+    return found == glosses_.end() ? 0 : found->second;
+  }
+  [[nodiscard]] const EncodedLines& encoded() const { return encoded_; }  // of entry text
   // What is wrong with the entries themselves.
   [[nodiscard]] const std::vector<Finding>& findings() const { return findings_; }
 
@@ -59,6 +68,7 @@ class WordIndex {
   }
   [[nodiscard]] std::vector<std::uint32_t> find(const std::vector<std::uint64_t>& by_key, int number,
                                                 std::string_view key) const;
+  void look_at_gloss(std::int64_t line, std::string_view gloss);
   void sort_keys();
 
   std::string path_;
@@ -68,6 +78,8 @@ class WordIndex {
   std::vector<std::uint64_t> by_form_;  // hash of the key above, number of the entry below, in ascending order
   std::vector<std::uint64_t> by_concept_;
   std::vector<std::uint64_t> by_id_;
+  EncodedLines encoded_;
+  std::unordered_map<std::string, std::int64_t> glosses_;  // see `with_gloss`
   std::vector<Finding> findings_;
 };
 

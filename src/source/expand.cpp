@@ -88,6 +88,7 @@ std::size_t distance(std::string_view a, std::string_view b) {
 // The directive that a word is most like; empty if it is like none.
 std::string_view directive_like(std::string_view word) {
   for (const std::string_view name : directive_names()) {
+    // The first letter is hardly ever the wrong one, and short words are near each other otherwise.
     if (name.front() == word.front() && distance(name, word) <= 2) return name;
   }
   return {};
@@ -123,6 +124,7 @@ class Expander {
   // not possible: %include is a directive.
   void expand(const std::string& path) {
     std::uint32_t file = 0;
+    // What was wrong has been told.
     if (!open_file(path, {}, file)) return;
     out_.is_source = has_directives(texts_[file]->content);
     if (out_.is_source) {
@@ -140,6 +142,7 @@ class Expander {
   void tell(bool is_warning, const SourcePlace& place, std::string text) {
     // Each turn of a loop would say the same.
     if (!told_.emplace(place.file, place.line, place.column, text).second) return;
+    // The rest is known, so that it is not told twice, and not kept.
     if (out_.messages.size() >= kMostMessages) return;
     const std::string around = surroundings_text(out_.map.surroundings(frame_));
     if (!around.empty()) text += " (" + around + ")";
@@ -178,6 +181,7 @@ class Expander {
   // the path as it was written.
   bool open_file(const std::string& path, const std::optional<SourcePlace>& from, std::uint32_t& number) {
     std::error_code error;
+    // Links and dots are followed, so that one file has one key.
     const fs::path whole = fs::weakly_canonical(path, error);
     const std::string key = error || whole.empty() ? path : whole.string();
     if (const auto known = numbers_.find(key); known != numbers_.end()) {
@@ -224,6 +228,7 @@ class Expander {
   // includes.
   std::string path_beside(std::string_view name) const {
     const std::string& path = out_.map.files[file_].path;
+    // A full path stays as it is.
     if (name.starts_with('/')) return std::string(name);
     return path.substr(0, path.rfind('/') + 1) + std::string(name);
   }
@@ -240,12 +245,14 @@ class Expander {
   void walk_file(std::uint32_t number) {
     SourceText& text = *texts_[number];
     if (is_utf16(number)) return;
+    // The tree is kept with its faults, which are told once.
     if (read_.insert(number).second) {
       source_text_read(text);
       for (const SourceFault& found : text.faults) fault({number, found.line, found.column}, found.text);
     }
     if (!text.faults.empty()) return;
     const std::uint32_t before = std::exchange(file_, number);
+    // By this an %include notices that it would go round.
     around_.push_back(number);
     walk(text.body);
     around_.pop_back();
@@ -285,6 +292,7 @@ class Expander {
   // "%{STEM}en"), a directive with a slip of the pen, or a name that differs by a letter or two.
   std::string unknown_name(const SourcePiece& mark) {
     std::string best;
+    // Of a short name one other letter is a slip, of a longer one two.
     std::size_t best_distance = mark.text.size() < 4 ? 2 : 3;
     for (const auto& [name, binding] : names_) {
       if (const std::size_t d = distance(name, mark.text); d < best_distance) {
@@ -333,6 +341,7 @@ class Expander {
       fault(place, in_quotes(mark.text) + " is no row of a table, and has no columns");
       return false;
     }
+    // The dot that was taken for a column was one of the text.
     (to += '.') += mark.field;
     return true;
   }
@@ -371,6 +380,7 @@ class Expander {
       fault(at(piece.line, piece.column), "this text grows longer than 65,536 bytes");
       return std::nullopt;
     }
+    // All marks are looked at first, so that one call tells of all that is missing.
     if (!is_whole) return std::nullopt;
     return std::string(trimmed(text));
   }

@@ -49,6 +49,7 @@ void append_field(std::string& out, std::string_view field) {
 // By `to_chars`, which is quick: a map has some numbers for each rule.
 void append_number(std::string& out, std::int64_t number, char in_front = '\t') {
   std::array<char, 24> digits;
+  // The first number of a piece has a blank or a tab in front, the others a colon.
   if (in_front != '\0') out += in_front;
   out.append(digits.data(), std::to_chars(digits.data(), digits.data() + digits.size(), number).ptr);
 }
@@ -77,6 +78,7 @@ std::string name_in(const std::string& folder, const std::string& path) {
 }
 
 void append_frame(std::string& out, const MapFrame& frame) {
+  // The words of the file format, see above.
   switch (frame.kind) {
     case MapFrame::Kind::loop: out += "loop"; break;
     case MapFrame::Kind::row: out += "row"; break;
@@ -174,6 +176,7 @@ std::string whole_path(const std::string& folder, std::string name) {
 // A frame stands behind its parent, so a parent is one of those that have been read: frames cannot form a circle.
 void read_frame(Fields& fields, MapFrame::Kind kind, SourceMap& map) {
   MapFrame frame{.kind = kind, .name = {}, .value = {}};
+  // The first frame is there before any is read, and is its own parent.
   frame.parent = fields.index(map.frames.size());
   if (kind != MapFrame::Kind::loop) {
     frame.file = fields.index(map.files.size());
@@ -208,6 +211,7 @@ void read_line(Fields& fields, SourceMap& map) {
     const std::size_t end = std::min(rest.find(' '), rest.size());
     Fields piece{rest.substr(0, end), ':'};
     rest.remove_prefix(std::min(end + 1, rest.size()));
+    // The sign stands behind the column.
     const bool is_value = piece.rest.ends_with('=');
     if (is_value) piece.rest.remove_suffix(1);
     const auto begin = piece.number<std::uint32_t>();
@@ -229,6 +233,7 @@ std::optional<std::string> content_of(const std::string& path, bool head_only) {
   std::array<char, 1 << 16> chunk;
   while (const std::size_t got = std::fread(chunk.data(), 1, chunk.size(), stream.get())) {
     content.append(chunk.data(), got);
+    // The head may end in the middle of a chunk; what else was read of it does no harm.
     if (head_only && content.find("\nend\n") != std::string::npos) break;
   }
   return content;

@@ -31,6 +31,7 @@ bool is_name_character(char c) {
 
 // How many bytes at the head of `text` are a name; 0 if none begins there.
 std::size_t name_length(std::string_view text) {
+  // A digit cannot begin a name.
   if (text.empty() || !is_name_start(text.front())) return 0;
   return static_cast<std::size_t>(std::find_if_not(text.begin(), text.end(), is_name_character) - text.begin());
 }
@@ -79,6 +80,7 @@ void text_append(SourceLine& pieces, std::string_view text, std::uint32_t line, 
 std::size_t mark_read(std::string_view text, SourcePiece& piece, std::string& fault) {
   piece.is_mark = true;
   if (text[1] == '{') {
+    // Without it there is nothing inside, and the fault is the same.
     const std::size_t end = text.find('}');
     const std::string_view inside = end == std::string_view::npos ? std::string_view() : text.substr(2, end - 2);
     const std::size_t dot = inside.find('.');
@@ -150,6 +152,7 @@ class Reader {
     // The byte order mark goes: it would stand in front of the first rule.
     if (rest_.starts_with("\xEF\xBB\xBF")) rest_.remove_prefix(3);
     open_.push_back({nullptr, {}, 0});
+    // `take_line_in` may take more lines than the one.
     while (next()) take_line_in();
     close_all();
     text_.body = std::move(root_);
@@ -181,6 +184,7 @@ class Reader {
 
   // Where the next node goes: the way of the innermost loop or condition that was opened last.
   std::vector<SourceNode>& body() {
+    // Nothing is open but the file.
     if (open_.size() == 1) return root_;
     return node_of(open_.back()).ways.back().body;
   }
@@ -204,6 +208,7 @@ class Reader {
     }
     SourceNode& node = append(SourceKind::rule, 0);
     bool is_open = false;
+    // `is_open` says whether the line ends with the sign for going on.
     source_line_read(line_, number_, 0, node.text, text_.faults, &is_open);
     while (is_open && next()) is_open = take_continuation(node.text);
     // The end of the last line that the rule stands on: the expansion has it on one.
@@ -286,6 +291,7 @@ class Reader {
     node.line = number_;
     node.column = static_cast<std::uint32_t>(column);
     node.name = std::move(name);
+    // "=" decides between the two forms; what stands behind the name without it is told as a fault.
     const bool has_sign = words.take_sign('=');
     node.is_block = is_named && !has_sign;
     if (is_named && !has_sign && !words.at_end()) {
@@ -333,6 +339,7 @@ class Reader {
       fault(words.at, "the name of a file is missing here: write it in double quotes");
       return false;
     }
+    // The name may hold marks, as in "%lang.tsv".
     source_line_read(rest.substr(1, rest.size() - 2), number_, static_cast<std::uint32_t>(words.at) + 1, pieces,
                      text_.faults);
     return true;
@@ -346,6 +353,7 @@ class Reader {
   // Adds a loop or condition, whose body is read next. One that is nested too deep ends the reading: `rest_` is
   // emptied, and nothing waits for an %end any more.
   void open(SourceNode&& node, std::string_view directive) {
+    // The list stays where it is while the node is open: its own body grows, and not the list around it.
     std::vector<SourceNode>& list = body();
     list.push_back(std::move(node));
     open_.push_back({&list, directive, list.size() - 1});
@@ -397,6 +405,7 @@ class Reader {
         is_read = false;
         break;
       }
+      // Several names take a value each, turn by turn.
       node.names.push_back(std::move(name));
     } while (words.take_sign(','));
     if (is_read && !words.take_if("in")) {
@@ -429,6 +438,7 @@ class Reader {
     const bool is_different = words.take_if("!=");
     if (is_different || words.take_if("==")) {
       test.kind = SourceTest::Kind::equal;
+      // Two negations make none.
       test.is_negated = test.is_negated != is_different;
       return take_compared(words, test.value);
     }
@@ -479,6 +489,7 @@ class Reader {
       if (!take_test(words, test)) return;
       tests.push_back(std::move(test));
       if (words.at_end()) return;
+      // The tests are taken from left to right; which of the two words binds closer is the walk's matter.
       joined_by_or = words.take_if("or");
       if (joined_by_or || words.take_if("and")) continue;
       return fault(words.at, "\"and\" or \"or\" is missing here, or this belongs into double quotes");

@@ -27,6 +27,7 @@ reload
 render
 check
 bad command
+steps inf
 """
 
 
@@ -93,6 +94,9 @@ def main():
         shows("coverage", ["coverage", "input.txt", *GRAMMAR, "--data", "one.json", "--html", "page.html", "--lcov", "trace.info", "--prune", "pruned.txt"], 0, [])
         shows("coverage on threads", ["coverage", "input.txt", *GRAMMAR, "-j", "3", "--data", "three.json"], 0, [])
         table.check("the same counts on threads", table.text(folder / "three.json"), table.text(folder / "one.json"))
+        (folder / "all.lxr").write_text('%include "rules.txt"\n')
+        shows("coverage of what is included", ["coverage", "input.txt", "-r", "all.lxr", *GRAMMAR[:2], *GRAMMAR[4:], "--html", "all.html"], 0, [])
+        table.check("its rules are shown", 'class="hit"' in table.text(folder / "all.html"), True)
         shows("coverage merged", ["coverage", "input.txt", *GRAMMAR, "-m", "one.json", "--data", "two.json"], 0, [])
         single, double = (json.loads(table.text(folder / name))["rules"] for name in ("one.json", "two.json"))
         table.check("merged counts", [(rule["hits"], rule["undone"]) for rule in double], [(2 * rule["hits"], 2 * rule["undone"]) for rule in single])
@@ -140,7 +144,7 @@ def main():
         table.check("interrupted", (waiting.returncode, told), (-signal.SIGINT, "lexon-lab: interrupted\n"))
 
         # The shell, from a script.
-        out = shows("a script", ["shell", "input.txt", *GRAMMAR], 1, ["over steps", "^0 errors, 0 warnings", "line 13: "], given=SHELL.format(line=first))
+        out = shows("a script", ["shell", "input.txt", *GRAMMAR], 1, ["over steps", "^0 errors, 0 warnings", "line 13: ", "steps N: a number"], given=SHELL.format(line=first))
         table.check("before, and after the reload", out.count("The dog slept.\n"), 2)
 
         # A reload reads no more than has changed on the disk.

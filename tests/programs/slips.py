@@ -75,6 +75,16 @@ SLIPS = [
     ("strength above 255", C, '[day/time/on]{} "" () <E,0,200>', '[day/time/on]{} "" () <E,0,300>', "priority-wraps"),
     ("two words that govern all others", I, "pat(see(>perceive), bird(>animal).@indef)",
      "pat(see(>perceive), bird(>animal).@entry)", "second-entry"),
+    ("mark of the relation kept", R, "{>fre: ->fre}", "{>fre}", "relation-mark"),
+    ("mark of another relation taken", R, "{>fre: ->fre}", "{>fre: ->loc}", "relation-mark"),
+    ("mark of another relation paid", R, "{>fre: ->fre}", "{>loc: ->loc}", "relation-mark"),
+    ("priority without its last digit", R, '+!lead:ins"   P170', '+!lead:ins"   P17', "priority-stands-out"),
+    ("another priority within a row", R, "{!lead,will: -!lead}  P200", "{!lead,will: -!lead}  P150", "priority-stands-out"),
+    ("concept word without quotes", E, '"very(>degree)"     (ADV)', 'very(>degree)     (ADV)', "concept-unquoted"),
+    ("label of another sentence", I, "[S:4]\nagn(give", "[S:3]\nagn(give", "label-twice"),
+    ("two rules in a line", R, "P190;  often\n", "P190;  ", "line-runs-on"),
+    ("two entries in a line", E, "(N,!art);\n[cats]", "(N,!art); [cats]", "line-runs-on"),
+    ("one file in another encoding", E, "[tea]", "[t\udce9a]", "encoding"),
     ("parenthesis for brace", R, "{!of:              -!of}", "{!of:              -!of)", "rule-syntax"),
 ]
 
@@ -98,7 +108,7 @@ def slip(source, what, file, old, new, code, place=None):
         if not table.check(f"{what}: the text is there", old in text, True):
             return
         text = text.replace(old, new, 1)
-        (target / file).write_bytes(text.encode())
+        (target / file).write_bytes(text.encode(errors="surrogateescape"))
         place_file, piece = place or (file, new)
         if not table.check(f"{what}: the line is there", piece in table.text(target / place_file), True):
             return
@@ -160,6 +170,10 @@ def forms():
             table.check(f"check {more}: status", made.returncode, status)
             if told is not ...:
                 table.check(f"check {more}", made.stdout, told)
+        (target / "bad.lxr").write_text("%for t in TENSES\nR{} {} P1;\n")
+        made = table.run("lexon-lab", "check", "bad.lxr", "--format", "json", folder=target)
+        table.check("a source that cannot be expanded", [(f["line"], f["code"]) for f in json.loads(made.stdout)],
+                    [(1, "source-syntax")])
         made = table.run("lexon-lab", *words, "--format", "sarif", folder=target)
         run = json.loads(made.stdout)["runs"][0]
         codes = {rule["id"] for rule in run["tool"]["driver"]["rules"]}

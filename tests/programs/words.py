@@ -26,7 +26,7 @@ UNIMORPH = "go\twent\tV;PST\r\ngo\tgoes\tV;PRS;NOM(3,SG)\ngo\tgone\tV;V.PTCP;PST
 LTTOOLBOX = "house:house<n><sg>\nhouses:house<n><pl>\ndon't:>:do<vbdo><pres>+not<adv>\nwanna:want<vblex><pres>+to<pr>\nlook up:<:look# up<vblex><inf>\nx:>:y<n>\n3\\:4:3\\:4<num>\nno colon\nz:z<n\n"
 CONLLU = ("# text\n1-2\tDu\t_\t_\t_\t_\t_\t_\t_\t_\n1\tDe\tde\tADP\t_\t_\t0\troot\t_\t_\n2\tle\tle\tDET\t_\tDefinite=Def|Gender=Masc\t1\tdet\t_\t_\n"
           "3\tle\tle\tDET\t_\tDefinite=Def|Gender=Masc\t1\tdet\t_\t_\n4\tParis\tParis\tPROPN\t_\tNew=Yes\t1\tx\t_\t_\n5\tx\t_\tX\t_\t_\t1\tx\t_\t_\n\n"
-          "1\tÉté\tété\tNOUN\t_\tNumber=Sing\t0\troot\t_\t_\n\n1\tParis\tParis\tPROPN\t_\tNew=Yes\t0\troot\t_\t_\nshort\n")
+          "1\tÉté\tété\tNOUN\t_\tNumber=Sing\t0\troot\t_\t_\n\n1\tŻe\tże\tNOUN\t_\tNumber=Sing\t0\troot\t_\t_\n\n1\tParis\tParis\tPROPN\t_\tNew=Yes\t0\troot\t_\t_\nshort\n")
 DATA = "  1 licence\n00000010 05 n 02 dog 0 domestic_dog 0 001 @ 1 n 0000 | a pet\n00000020 18 n 01 dog 1 000 | a fellow\nbad\n"
 VERBS = "00000010 38 v 01 go 0 000 01 + 02 00 | move\n"
 ADJECTIVES = "00000010 00 s 01 galore(ip) 0 000 | many\n"
@@ -54,8 +54,8 @@ IMPORTS = [
     (["--from", "unimorph", "."], 1, "", ".: cannot be opened: Is a directory\n"),
     (["--from", "lttoolbox", "l.txt"], 1, entry("house", "house", "N,SG") + entry("houses", "house", "N,PL") + entry("look up", "look up", "V,BASE") + entry("3:4", "3:4", "NUM"),
      "l.txt:8: a line is FORM:LEMMA<TAG><TAG>\nl.txt:9: a tag is not closed: < stands without >\n4 entries, 3 words left out, 2 bad lines\n"),
-    (["--from", "conllu", "c.conllu"], 1, entry("de", "de", "PREP", 1) + entry("le", "le", "DET,DEF,M", 2) + entry("Paris", "Paris", "PROPN", 2) + entry("été", "été", "N,SG", 1),
-     "c.conllu:12: a line of a word has ten columns, with tabs between them\nthe table lacks New=Yes, of 1 word\n4 entries, 1 word left out, 1 bad line\n"),
+    (["--from", "conllu", "c.conllu"], 1, entry("de", "de", "PREP", 1) + entry("le", "le", "DET,DEF,M", 2) + entry("Paris", "Paris", "PROPN", 2) + entry("été", "été", "N,SG", 1) + entry("że", "że", "N,SG", 1),
+     "c.conllu:14: a line of a word has ten columns, with tabs between them\nthe table lacks New=Yes, of 1 word\n5 entries, 1 word left out, 1 bad line\n"),
     (["--from", "wordnet", "wn"], 1, entry("dog", "dog(>animal)", "N,ANIMAL") + entry("domestic dog", "domestic dog(>animal)", "N,ANIMAL") + entry("dog", "dog(>person)", "N,HUM")
      + entry("dogges", "dog(>animal)", "N,PL") + entry("dogges", "dog(>person)", "N,PL") + entry("go", "go(>motion)", "V") + entry("going", "go(>motion)", "V,ING")
      + entry("went", "go(>motion)", "V,IRREG") + entry("galore", "galore(>adj)", "ADJ,POSTPOS"),
