@@ -43,7 +43,7 @@ def in_parts(words, of, target):
     return made, joined
 
 
-def compare(name, words, target, parts=(1, 3, 7)):
+def compare(name, words, target, parts=(1, 5)):
     one = lexon(words, target)
     wanted = output(target)
     for of in parts:
