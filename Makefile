@@ -6,8 +6,8 @@ JOBS ?= $(shell nproc)
 
 help:
 	@echo "make demo      build, make the example dictionaries, render the examples and show them"
-	@echo "make test      build under the sanitizers and run all tests but the long ones; some minutes"
-	@echo "make check-all a release build and all tests: refused memory and files, windows, packages, site, editor colours"
+	@echo "make test      build under the sanitizers and run the tests of the core and its programs; some minutes"
+	@echo "make check-all a release build and all tests, and the rest of those under the sanitizers: the workbench, refused memory"
 	@echo "make golden    write the expected files of whole runs anew: read every line that changes"
 	@echo "make programs  the programs alone, in build/release/bin"
 	@echo "make bench     the benchmarks"
@@ -40,11 +40,11 @@ demo: programs
 	@tools/demo build/release/bin
 
 test: setup-tests layering
-	@tools/test asan
+	@tools/test asan core
 
 check-all: setup-check layering docs web
 	@tools/test release all
-	@tools/test asan failures
+	@tools/test asan rest
 
 golden: setup-tests
 	cmake --preset release

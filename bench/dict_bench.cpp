@@ -200,6 +200,6 @@ int main(int argc, char** argv) {
   if (!setting.is_good) return 1;
   lexon::register_all(setting);
   return lexon::bench::run(argc, argv,
-                           {{"SELECT by surface form against a lookup", "select_by_hw", "lookup_by_hw", "above 1"},
-                            {"SELECT by concept word against a lookup", "select_by_cw", "lookup_by_cw", "above 1"}});
+                           {{"SELECT by surface form against a lookup", "select_by_hw", "lookup_by_hw", 1.0},
+                            {"SELECT by concept word against a lookup", "select_by_cw", "lookup_by_cw", 1.0}});
 }

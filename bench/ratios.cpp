@@ -32,7 +32,13 @@ class TimeKeeper : public benchmark::ConsoleReporter {
     const auto slower = best_.find(ratio.slower);
     const auto faster = best_.find(ratio.faster);
     if (slower == best_.end() || faster == best_.end()) return;
-    std::printf("%s: %.1f times (wanted: %s)\n", ratio.what, slower->second / faster->second, ratio.wanted);
+    const double times = slower->second / faster->second;
+    const bool has_upper_bound = ratio.at_most > 0.0;
+    std::printf("%s: %.2f times", ratio.what, times);
+    if (ratio.at_least > 0.0) std::printf(", wanted >= %g", ratio.at_least);
+    if (has_upper_bound) std::printf(", wanted <= %g", ratio.at_most);
+    const bool is_met = times >= ratio.at_least && (!has_upper_bound || times <= ratio.at_most);
+    std::puts(ratio.at_least > 0.0 || has_upper_bound ? is_met ? ": met" : ": NOT MET" : " (for comparison)");
   }
 
  private:

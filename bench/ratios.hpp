@@ -10,7 +10,8 @@ struct Ratio {
   const char* what;
   const char* slower;
   const char* faster;
-  const char* wanted;  // for the reader, such as "at most 13"
+  double at_least = 0.0;  // both 0: nothing is wanted, the ratio is for comparison
+  double at_most = 0.0;   // 0: no upper bound
 };
 
 // The main function of a benchmark program: runs the benchmarks and then prints each ratio whose two times are known.

@@ -132,9 +132,10 @@ int main(int, char** argv) {
       longest = time < 0.0 ? time : std::max(longest, time);
     }
     if (longest < 0.0) {
-      std::printf("stopping %-34s ended by itself\n", input.name);
+      std::printf("stopping %s: ended by itself: NOT MET\n", input.name);
     } else {
-      std::printf("stopping %-34s %6.1f ms at most (wanted: %.0f)\n", input.name, longest, kWantedMilliseconds);
+      std::printf("stopping %s: %.1f ms, wanted <= %.0f: %s\n", input.name, longest, kWantedMilliseconds,
+                  longest <= kWantedMilliseconds ? "met" : "NOT MET");
     }
   }
   fs::remove_all(folder);

@@ -67,8 +67,8 @@ class Desktop(unittest.TestCase):
                                   (): {"Lexon": False}}.items():
             program = self.start(BIN / "lexon-gui", *self.files, *switches)
             for title, hidden in windows.items():
-                wait_for(lambda: is_hidden(title))
-                time.sleep(0.5)  # what the window manager has not made its mind up about
+                wait_for(lambda: is_hidden(title) == hidden or None)
+                time.sleep(0.5)  # and stays so
                 self.assertEqual(is_hidden(title), hidden, (switches, title))
             program.kill()
             wait_for(lambda: is_hidden("Lexon") is None or None)

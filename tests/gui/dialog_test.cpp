@@ -207,7 +207,7 @@ class DialogTest : public QObject {
     const QString chosen = browse([name](QFileDialog& files) {
       QVERIFY(files.nameFilters()[1].endsWith("(*)"));  // whatever has no extension too
       // The toolkit reads the folder beside the run; until it has, it may clear what is typed.
-      for (int tries = 0; tries < 100 && files.isVisible(); ++tries) {
+      for (int tries = 0; tries < 1000 && files.isVisible(); ++tries) {
         type(files, "fileNameEdit", name);
         static_cast<QDialog&>(files).accept();
         if (files.isVisible()) QTest::qWait(20);

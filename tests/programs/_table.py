@@ -55,6 +55,13 @@ def build_case(source, target):
     return words
 
 
+# A search without end: ten words for every concept of a chain of nine, none of which may end a sentence.
+CHAIN = "abcdefghi"
+ENDLESS_ENTRIES = "".join(f'[{c}{n}]{{}} "{c}" (N);\n' for c in CHAIN for n in range(10))
+ENDLESS_RULES = ':{N:::}"N::nxt:"P9;\nR{:::}{^STAIL:::}P5;\nR{OK:::}{STAIL:::}P1;\n'
+ENDLESS = "[S:{}]\n" + "".join(f"nxt({a}{'.@entry' if a == 'a' else ''},{b})\n" for a, b in zip(CHAIN, CHAIN[1:])) + "[/S]\n"
+
+
 def targets_left(parts):
     """Of the sentences of search-forced, with `--blocks 4`: one that leaves a forced target, one that still looks for it,
     and one that finds no memory, which makes an end of it."""

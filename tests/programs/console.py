@@ -183,12 +183,8 @@ def dates():
 
 
 def endless_case(folder):
-    """Ten words for every concept of a chain of nine, none of which may end a sentence: the search tries them all."""
-    letters = "abcdefghi"
-    entries = ENTRIES + "".join(f'[{c}{n}]{{}} "{c}" (N);\n' for c in letters for n in range(10))
-    chain = "\n".join(f"nxt({a}{'.@entry' if a == 'a' else ''},{b})" for a, b in zip(letters, letters[1:]))
-    rules = ':{N:::}"N::nxt:"P9;\nR{:::}{^STAIL:::}P5;\nR{OK:::}{STAIL:::}P1;\n'
-    return Case(folder, {"rules.txt": rules, "input.txt": f"{word('dog', 1)}[S:2]\n{chain}\n[/S]\n{word('cat', 3)}"}, entries)
+    texts = {"rules.txt": table.ENDLESS_RULES, "input.txt": word("dog", 1) + table.ENDLESS.format(2) + word("cat", 3)}
+    return Case(folder, texts, ENTRIES + table.ENDLESS_ENTRIES)
 
 
 def wait_for(happens, process):

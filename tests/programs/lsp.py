@@ -68,7 +68,7 @@ class Client:
     def end(self):
         self.ask("shutdown")
         self.tell("exit")
-        return self.process.wait(20)
+        return self.process.wait(60)
 
 
 def place(path, line_text, column):
@@ -106,12 +106,12 @@ def life(folder):
     for name, found, wanted in rows:
         table.check(name, found(), wanted)
     client.tell("exit")
-    table.check("exit behind shutdown", client.process.wait(20), 0)
+    table.check("exit behind shutdown", client.process.wait(60), 0)
     for name, data in [("exit without shutdown", b'Content-Length: 33\r\n\r\n{"jsonrpc":"2.0","method":"exit"}'), ("the end of the input", b""), ("half a message", b"Content-Length: 900\r\n\r\n{")]:
         client = Client(folder)
         client.raw(data)
         client.process.stdin.close()
-        table.check(name, client.process.wait(20), 1)
+        table.check(name, client.process.wait(60), 1)
 
     client = Client(folder)
     client.begin(folder)

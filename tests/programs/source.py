@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Grammar sources from outside: what runs, the library's tools and `lexon-lab expand` make of them. source.py PROGRAMS"""
+"""Grammar sources from outside: what runs make of them. source.py PROGRAMS"""
 import os
 import pathlib
 
@@ -56,8 +56,6 @@ with table.folder() as name:
     refused = "lexon: g.lxr.rul: 2 rules were refused when these were compiled; --rebuild tells them again\n"
     table.check("nothing has changed", case.run("g.lxr"), (0, refused, DOG))
     table.check("--rebuild", case.run("g.lxr", "--rebuild"), (0, notes, ERRORS + DOG))
-    table.check("the workbench names the source", table.run("lexon-lab", "render", "-d", "words.dic", "-r", "g.lxr", "input.txt",
-                folder=case.at).stderr, "".join(f"g.lxr:2:9: {ACTION} (with x={x})\n" for x in "ab"))
     case.write("g.lxr", "%; c\n" + BAD + '%include "more.txt"\n')
     before = os.stat(case.at / "g.lxr.txt").st_mtime_ns, os.stat(case.at / "g.lxr.rul").st_mtime_ns
     table.check("a comment is not compiled", case.run("g.lxr"), (0, refused, DOG))
@@ -75,16 +73,4 @@ with table.folder() as name:
     table.check("--in-memory", (case.run("g.lxr", "--in-memory"), case.names()), ((0, "", DOG.replace("dog", "cat")), "g.lxr"))
     made = table.run("lexon", "words.dic", "g.lxr", "input.txt", "g.lxr.txt", folder=case.at)
     table.check("the output is no file of the source", (made.returncode, "the expanded rules" in made.stderr, case.names()), (1, True, "g.lxr"))
-
-    case.write("b.lxr", "%for x in (a)\nR%x\n%end\n%for x in ()\n%end\n")
-    warning = "b.lxr:4:1: warning: this loop makes nothing: its list is empty\n  %for x in ()\n  ^\n"
-    for words, status, out, error in [
-            ("b.lxr", 0, "Ra\n", warning), ("more.txt", 0, table.text(case.at / "more.txt"), ""), ("b.lxr -o r.txt --map r.map", 0, "", warning),
-            ("none.lxr", 1, "", "none.lxr: the source cannot be opened: No such file or directory\n"),
-            ("b.lxr -o no/r.txt", 1, "", warning + "lexon-lab: no/r.txt: cannot be written: No such file or directory\n")]:
-        made = table.run("lexon-lab", "expand", *words.split(), folder=case.at)
-        table.check(f"expand {words}", (made.returncode, made.stdout, made.stderr), (status, out, error))
-    table.check("the files", (table.text(case.at / "r.txt"), table.text(case.at / "r.map").splitlines()[3:]),
-                ("Ra\n", ["end", "loop\t0\tx\ta", "line\t0\t1\t1:2:1 2:2:2="]))
-    table.check("--map alone", table.run("lexon-lab", "expand", "b.lxr", "--map", "m", folder=case.at).returncode, 2)
 table.finish()
