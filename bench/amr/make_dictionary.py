@@ -72,6 +72,7 @@ class Text:
         self.counts = collections.Counter()
         self.articles = collections.defaultdict(collections.Counter)
         self.prepositions = collections.defaultdict(collections.Counter)
+        self.governed = collections.defaultdict(collections.Counter)
         self.sentences = []
         for path in sorted(pathlib.Path(folder).glob("*.xml")) if folder else ():
             for text in re.findall(r"<text>([^<]*)</text>", path.read_text(encoding="utf-8", errors="replace")):
@@ -98,6 +99,28 @@ class Text:
                     before = words[j - 1]
                 if before in PREPOSITIONS:
                     self.prepositions[noun][before] += 1
+
+    def read_clauses(self, forms):
+        """Behind which verb stands what clause: that, to, -ing, or an infinitive with a subject of its own, OINF."""
+        lemma_of = {form: lemma for lemma, tags in forms.items() for known in tags.values() for form in known}
+        lemma_of.update((lemma, lemma) for lemma in forms)
+        subjects = set("i he she we they you it there".split())
+        objects = set("me him her us them you it people themselves".split())
+        passive = set("be been being is are was were am 's 're".split())
+        for words in self.sentences:
+            words = words + [""] * 3
+            for i, word in enumerate(words[:-3]):
+                if not (verb := lemma_of.get(word)):
+                    continue
+                first, second, third = words[i + 1:i + 4]
+                if first == "that" or (first in subjects and second != "to" and lemma_of.get(second)):
+                    self.governed[verb].update(["THAT"])
+                elif first == "to" and second in forms and words[i - 1] not in passive:
+                    self.governed[verb].update(["INF"])
+                elif first in objects and second == "to" and third in forms:
+                    self.governed[verb].update(["OINF"])
+                elif first.endswith("ing") and first in lemma_of:
+                    self.governed[verb].update(["GER"])
 
     def noun_marks(self, noun, many):
         """MASS, AN, THE: what usually stands before the noun; PLUR: it is mostly a plural; INP, ONP, ATP: its preposition."""
@@ -206,7 +229,7 @@ class Sources:
 
     def read_verb_frames(self, words, fields):
         """The sentence frames of a verb sense: what a clause that it governs looks like."""
-        shapes = {26: "THAT", 28: "INF", 33: "GER", 25: "BARE"}
+        shapes = {24: "OINF", 26: "THAT", 28: "INF", 33: "GER", 25: "BARE"}
         for number, word in zip(fields[2::3], fields[3::3]):
             shape = shapes.get(int(number))
             for i, verb in enumerate(words):
@@ -285,13 +308,19 @@ def surface(lemma):
     return lemma.replace("_", " ").replace("-", " ").strip()
 
 
-def clause_shapes(seen, frames):
-    """What a clause in the place of ARG1 is: as in the examples of the frame files and as WordNet says of the verb."""
+def clause_shapes(seen, frames, governed, count):
+    """What a clause in the place of ARG1 is: as in the examples of the frame files and as WordNet says of the verb. NOUN1
+    is for a verb that hardly ever governs a clause: an event behind it is a noun."""
     shapes = ("INF", "GER", "THAT")
     known = max(1, sum(frames[shape] for shape in shapes))
-    score = {shape: (shape + "1" in seen) / max(1, len(seen)) + frames[shape] / known for shape in shapes}
+    told = 3 + sum(governed[shape] for shape in shapes)
+    score = {shape: (shape + "1" in seen) / max(1, len(seen)) + frames[shape] / known + 2 * governed[shape] / told
+             for shape in shapes}
     found = [shape + "1" for shape in ("INF", "GER") if score[shape] and score[shape] >= 0.3 * score["THAT"]]
-    return found + ["THAT1"] * (score["THAT"] > max(score["INF"], score["GER"])) + ["BARE1"] * (frames["BARE"] > 0)
+    found += ["THAT1"] * (score["THAT"] > max(score["INF"], score["GER"])) + ["BARE1"] * (frames["BARE"] > 0)
+    found += ["OINF1"] * (frames["OINF"] > 0 or governed["OINF"] > 1 and 2 * governed["OINF"] > governed["THAT"])
+    is_rare = 10 * sum(governed.values()) < count and not sum(frames.values())
+    return found + ["NOUN1"] * (is_rare and not seen and "THAT1" not in found)
 
 
 def frames(path, writer, sources):
@@ -308,7 +337,9 @@ def frames(path, writer, sources):
             verb = None
         told = [a for a in names[0][1] if a not in ("V", "N", "ADJ", "NMZ", "QUAL")]
         seen = {a for a in told if a in ("INF1", "GER1", "THAT1")}
-        built = [a for a in told if a not in seen] + clause_shapes(seen, sources.governs[verb or lemma])
+        built = [a for a in told if a not in seen] + clause_shapes(
+            seen, sources.governs[verb or lemma], sources.text.governed[verb or lemma],
+            sum(sources.text.counts[form] for form in set(sources.verb_forms(verb or lemma).values())))
         pattern = "".join("," + a for a in built)
         if verb:
             writer.verb(verb, concept, pattern)
@@ -377,6 +408,7 @@ def main():
                 if found := re.search(r'"([^"]*)" \(', line):
                     taken.add(found.group(1) or None)
         sources.text.read_articles({n for n in sources.nouns if " " not in n}, sources.adjectives | set(sources.nouns))
+        sources.text.read_clauses(sources.forms)
         writer = Writer(sources, out, taken)
         if arguments.senses:
             frames(arguments.senses, writer, sources)
