@@ -102,13 +102,19 @@ void import_stream(std::istream& in, const std::string& name, const ImportOption
                    const ImportOutputs& outputs, ImportFigures& figures) {
   const bool is_penman = options.format == SourceFormat::penman;
   const WriterOptions writing{&options.table, is_penman ? ":" : "", !options.left_steps.contains(kRelativesStep)};
+  int reports = 0;
+  int quotations = 0;
   const MeaningSink sink = [&](Meaning& meaning, const std::vector<SourceError>& read_errors) {
+    // A third of what people say in this file is in their own words: a story, and no report.
+    meaning.is_dialogue = reports >= 3 && 3 * quotations >= reports;
     std::vector<SourceError> errors = read_errors;
     if (meaning.root >= 0) {
       // The user's attributes come before the steps, which mind them: a tense that is known is not guessed.
       attributes_apply(meaning, writing);
       attributes.apply(meaning, errors);
       if (is_penman) rewrite(meaning, options);
+      reports += meaning.reports;
+      quotations += meaning.quotations;
       graph_write(meaning, writing, *outputs.graphs, figures.unknown);
       if (outputs.gold != nullptr && !meaning.text.empty()) {
         // As `lexon-lab test` reads it: what would be a label or a comment gets a sign in front.

@@ -163,6 +163,14 @@ void coordinate(Rewriter& graph, int at, const Conjunction& conjunction) {
   graph.move_children(at, head);
 }
 
+bool is_core_role(const std::string& role) {
+  return role.starts_with("ARG");
+}
+
+bool is_core(const Arc& one) {
+  return !one.inverse && is_core_role(one.role);
+}
+
 // ---- quotation -----------------------------------------------------------------------------------------------------
 
 // Verbs that may have direct speech as what is said.
@@ -199,6 +207,40 @@ bool is_said_so(Rewriter& graph, int frame, int at) {
          !is_one_of(graph, at, kStandIn) && !has_attribute(graph.word(at), "@name");
 }
 
+// All concepts that a clause is made of, itself first; graphs have circles, so each is there once.
+std::vector<int> clause_words(Rewriter& graph, int clause) {
+  std::vector<int> words{clause};
+  for (std::size_t i = 0; i < words.size(); ++i) {
+    for (const int led : graph.children(words[i])) {
+      const int to = graph.arc(led).to;
+      if (std::find(words.begin(), words.end(), to) == words.end()) words.push_back(to);
+    }
+  }
+  return words;
+}
+
+// Who speaks is I in his own words, and to whom he speaks is you; not so where the source has made an I or you of them
+// itself. Somebody who speaks to himself is I.
+void speak_of_oneself(Rewriter& graph, int said, int speaker, int hearer) {
+  const std::vector<int> words = clause_words(graph, said);
+  const auto has_own = [&](const char* name) {
+    return std::any_of(words.begin(), words.end(), [&](int at) { return graph.is(at, name); });
+  };
+  const bool has_i = has_own("i") || has_own("we");
+  const bool has_you = has_own("you");
+  for (const int at : words) {
+    if (at == speaker || at == hearer) continue;
+    for (const int led : graph.children(at)) {
+      const bool is_speaker = graph.arc(led).to == speaker;
+      const bool is_person = (is_speaker && !has_i) || (graph.arc(led).to == hearer && !is_speaker && !has_you);
+      if (!is_person || graph.arc(led).inverse) continue;
+      const int person = graph.add_concept(is_speaker ? "i" : "you");
+      attribute_add(graph.word(person), is_speaker ? "@p1" : "@p2");
+      graph.arc(led).to = person;
+    }
+  }
+}
+
 void quote(Rewriter& graph, int at) {
   // Who answers says the answer to a question.
   constexpr std::array kAnswering{"answer", "reply", "respond"};
@@ -208,6 +250,12 @@ void quote(Rewriter& graph, int at) {
   const int whom = graph.child(at, is_answer ? "ARG1" : "ARG2");
   if (led < 0) return;
   const int said = graph.arc(led).to;
+  // Whoever asks does not ask whether he asks: the question is what he says.
+  if (graph.is(at, "ask", "01") && has_attribute(graph.word(at), "@int") && who >= 0 &&
+      !graph.is(graph.arc(who).to, "you")) {
+    std::erase(graph.word(at).attributes, "@int");
+    attribute_add(graph.word(said), "@int");
+  }
   // "I said to you that ...": who says I inside is the same, so the sentence may as well report it.
   const auto speaks_itself = [&](int arc_at) {
     if (arc_at < 0) return false;
@@ -216,12 +264,25 @@ void quote(Rewriter& graph, int at) {
   };
   const int subject = subject_arc(graph, said);
   const bool is_asked_to = whom >= 0 && subject >= 0 && graph.arc(subject).to == graph.arc(whom).to;
-  if (has_attribute(graph.word(said), "@whether") || is_asked_to || speaks_itself(who) || speaks_itself(whom)) return;
-  if (!has_speaker(graph, said, 0) && !is_said_so(graph, at, said)) return;
+  if (has_attribute(graph.word(said), "@whether") || is_asked_to) return;
+  const bool is_other = !speaks_itself(who) && !speaks_itself(whom);
+  const bool is_direct = is_other && (has_speaker(graph, said, 0) || is_said_so(graph, at, said));
+  // What the sentence is about, or is joined to that, is told; what stands below is spoken of.
+  const bool is_told = at == graph.meaning().root || !is_core(graph.arc(graph.parent(at)));
+  constexpr std::array kUttering{"say",    "ask",   "answer",   "reply",   "exclaim", "cry", "remark", "repeat",
+                                 "murmur", "shout", "call-out", "respond", "whisper", "add", "demand"};
+  const bool is_report = is_told && who >= 0 && is_clause(graph, said) && is_one_of(graph, at, kUttering) &&
+                         !has_attribute(graph.word(at), "@neg") && !has_attribute(graph.word(at), "@can");
+  if (is_report && is_other) {
+    ++graph.meaning().reports;
+    graph.meaning().quotations += is_direct;
+  }
+  if (!is_direct && !(is_report && graph.meaning().is_dialogue)) return;
   graph.arc(led).role = "quoted";
   attribute_add(graph.word(said), "@quote");
+  if (who >= 0) speak_of_oneself(graph, said, graph.arc(who).to, whom >= 0 ? graph.arc(whom).to : -1);
   // Behind a quotation a verb without an auxiliary stands before its subject, if that is no pronoun: said the king.
-  constexpr std::array kPronouns{"he", "she", "it", "they", "one"};
+  constexpr std::array kPronouns{"i", "we", "you", "he", "she", "it", "they", "one"};
   const bool is_plain = !has_attribute(graph.word(at), "@neg") && !has_attribute(graph.word(at), "@ask") &&
                         !has_attribute(graph.word(at), "@int") && !has_attribute(graph.word(at), "@can");
   if (who >= 0 && is_plain && !is_one_of(graph, graph.arc(who).to, kPronouns)) graph.arc(who).role = "speaker";
@@ -233,14 +294,6 @@ void quote(Rewriter& graph, int at) {
 constexpr std::array kReporting{"know", "wonder", "understand", "forget", "remember", "learn",  "explain", "tell",
                                 "see",  "ask",    "find-out",   "show",   "discover", "teach",  "inquire", "question",
                                 "say",  "decide", "realize",    "hear",   "doubt",    "matter", "idea",    "care"};
-
-bool is_core_role(const std::string& role) {
-  return role.starts_with("ARG");
-}
-
-bool is_core(const Arc& one) {
-  return !one.inverse && is_core_role(one.role);
-}
 
 // What is asked for moves to the front of its clause, together with the phrase that it belongs to.
 void question(Rewriter& graph, int unknown) {
@@ -629,7 +682,8 @@ void step_mentions(Meaning& meaning) {
       const int again = mention_of(graph, from);
       graph.replace(led, to, again, graph.arc(led).role);
     } else {
-      const int agent = graph.child(graph.arc(led).from, "ARG0");
+      int agent = graph.child(graph.arc(led).from, "ARG0");
+      if (agent < 0) agent = graph.child(graph.arc(led).from, "speaker");
       const bool is_own =
           agent >= 0 && agent != led && meant[static_cast<std::size_t>(agent)] == to && is_core(graph.arc(led));
       graph.arc(led).to = mention_of(graph, to);
