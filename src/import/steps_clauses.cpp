@@ -263,7 +263,8 @@ void quote(Rewriter& graph, int at) {
     return graph.is(person, "i") || graph.is(person, "you") || graph.is(person, "we");
   };
   const int subject = subject_arc(graph, said);
-  const bool is_asked_to = whom >= 0 && subject >= 0 && graph.arc(subject).to == graph.arc(whom).to;
+  const bool is_to_oneself = who >= 0 && whom >= 0 && graph.arc(who).to == graph.arc(whom).to;
+  const bool is_asked_to = whom >= 0 && subject >= 0 && graph.arc(subject).to == graph.arc(whom).to && !is_to_oneself;
   if (has_attribute(graph.word(said), "@whether") || is_asked_to) return;
   const bool is_other = !speaks_itself(who) && !speaks_itself(whom);
   const bool is_direct = is_other && (has_speaker(graph, said, 0) || is_said_so(graph, at, said));
@@ -564,7 +565,10 @@ void step_tense(Meaning& meaning) {
                           has_attribute(clause, "@fut") || has_attribute(clause, "@imp") ||
                           !has_attribute(clause, "@v");
     const int subject = subject_arc(graph, at);
-    if (!is_known && subject >= 0 && graph.is(graph.arc(subject).to, "you")) attribute_add(clause, "@pres");
+    const bool is_speech = has_attribute(clause, "@quote") && subject >= 0;
+    if (!is_known && (is_speech || (subject >= 0 && graph.is(graph.arc(subject).to, "you")))) {
+      attribute_add(clause, "@pres");
+    }
   }
 }
 
