@@ -105,8 +105,8 @@ void import_stream(std::istream& in, const std::string& name, const ImportOption
   int reports = 0;
   int quotations = 0;
   const MeaningSink sink = [&](Meaning& meaning, const std::vector<SourceError>& read_errors) {
-    // A third of what people say in this file is in their own words: a story, and no report.
-    meaning.is_dialogue = reports >= 3 && 3 * quotations >= reports;
+    // A quarter of what people say in this file has a form that only their own words have: a story, and no report.
+    meaning.is_dialogue = reports >= 3 && 4 * quotations >= reports;
     std::vector<SourceError> errors = read_errors;
     if (meaning.root >= 0) {
       // The user's attributes come before the steps, which mind them: a tense that is known is not guessed.
