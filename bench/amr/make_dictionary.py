@@ -18,6 +18,9 @@ PREPOSITIONS = set("about above across after against along among around as at be
                    "like near of off on onto out over through to toward towards under upon with within without".split())
 PARTICLES = set("about across ahead along apart around aside away back by down forward in off on out over through together "
                 "up".split())
+# Determiners and pronouns that begin a plain object.
+OBJECTS = set("the a an my your his her its our their this that these those him it me them you us some any every no each "
+              "another all many more".split())
 STATE_FILES = {31, 37, 42}
 MASS_FILES = {7, 12, 27, 26}
 
@@ -74,11 +77,22 @@ class Text:
         self.prepositions = collections.defaultdict(collections.Counter)
         self.governed = collections.defaultdict(collections.Counter)
         self.sentences = []
+        self.behind = collections.defaultdict(collections.Counter)
         for path in sorted(pathlib.Path(folder).glob("*.xml")) if folder else ():
             for text in re.findall(r"<text>([^<]*)</text>", path.read_text(encoding="utf-8", errors="replace")):
                 words = text.lower().split()
                 self.counts.update(words)
                 self.sentences.append(words)
+                for word, after, second in zip(words, words[1:], words[2:] + [""]):
+                    # "To the sea", but not "to sing".
+                    is_told = after in PREPOSITIONS and (after != "to" or second in OBJECTS)
+                    self.behind[word][after if is_told else "object" if after in OBJECTS else ""] += 1
+
+    def preposition(self, forms):
+        """What a verb has in front of its object nearly always: "look at". Empty for a plain object."""
+        seen = sum((self.behind[form] for form in forms), collections.Counter())
+        told, count = max(((p, seen[p]) for p in ("at", "for", "from", "on", "to", "with")), key=lambda one: one[1])
+        return told if count >= 3 and count > 2 * seen["object"] and count >= 0.2 * sum(seen.values()) else ""
 
     def read_articles(self, nouns, adjectives):
         known = {"the": "the", "a": "a", "an": "a"}
@@ -340,6 +354,10 @@ def frames(path, writer, sources):
         built = [a for a in told if a not in seen] + clause_shapes(
             seen, sources.governs[verb or lemma], sources.text.governed[verb or lemma],
             sum(sources.text.counts[form] for form in set(sources.verb_forms(verb or lemma).values())))
+        if verb and lemma == verb and sense_of(concept) < 3 and not {"SA1", "NP2"} & set(built):
+            told = sources.text.preposition({form for tag, form in sources.verb_forms(verb).items() if tag != "PTCP"})
+            if told and not any(re.match("p1|p[2-5]" + told, a) for a in built):
+                built = [a for a in built if (a, told) != ("INF1", "to")] + ["p1" + told]
         pattern = "".join("," + a for a in built)
         if verb:
             writer.verb(verb, concept, pattern)
@@ -352,6 +370,10 @@ def frames(path, writer, sources):
             writer.adjective(adjective, concept, "" if verb else pattern)
         for agent in agent_of(sources, verb)[:1] if verb else ():
             writer.noun(agent, concept, ",AGT")
+
+
+def sense_of(concept):
+    return int(re.search(r"\(>0*(\d+)", concept + "(>99").group(1))
 
 
 def agent_of(sources, verb):
