@@ -243,7 +243,7 @@ void speak_of_oneself(Rewriter& graph, int said, int speaker, int hearer) {
 
 void quote(Rewriter& graph, int at) {
   // Who answers says the answer to a question.
-  constexpr std::array kAnswering{"answer", "reply", "respond"};
+  constexpr std::array kAnswering{"answer", "reply", "respond", "interrupt"};
   const bool is_answer = is_one_of(graph, at, kAnswering);
   const int led = graph.child(at, is_answer ? "ARG2" : "ARG1");
   const int who = graph.child(at, "ARG0");
@@ -271,7 +271,7 @@ void quote(Rewriter& graph, int at) {
   // What the sentence is about, or is joined to that, is told; what stands below is spoken of.
   const bool is_told = at == graph.meaning().root || !is_core(graph.arc(graph.parent(at)));
   constexpr std::array kUttering{"say",    "ask",   "answer",   "reply",   "exclaim", "cry", "remark", "repeat",
-                                 "murmur", "shout", "call-out", "respond", "whisper", "add", "demand"};
+                                 "murmur", "shout", "call-out", "respond", "whisper", "add", "demand", "interrupt"};
   const bool is_report = is_told && who >= 0 && is_clause(graph, said) && is_one_of(graph, at, kUttering) &&
                          !has_attribute(graph.word(at), "@neg") && !has_attribute(graph.word(at), "@can");
   if (is_report && is_other) {
@@ -598,8 +598,12 @@ void step_forms(Meaning& meaning) {
   for (int at = 0; at < graph.count(); ++at) {
     Concept& word = graph.word(at);
     constexpr std::array kGrades{"@more", "@most", "@less", "@least", "@too", "@so", "@very"};
+    // "A little" and "completely" leave a verb a verb: he hesitated a little.
+    constexpr std::array kIntensifying{"so",    "very",      "too",    "more",  "most",        "less",
+                                       "least", "extremely", "rather", "quite", "amr-unknown", "umr-unknown"};
+    const int degree = graph.child(at, "degree");
     const bool is_graded =
-        graph.child(at, "degree") >= 0 ||
+        (degree >= 0 && is_one_of(graph, graph.arc(degree).to, kIntensifying)) ||
         std::any_of(kGrades.begin(), kGrades.end(), [&](const char* one) { return has_attribute(word, one); });
     if (is_graded && has_attribute(word, "@v")) attribute_add(word, "@graded");
     const bool has_subject = subject_arc(graph, at) >= 0 || graph.child(at, "understood") >= 0 ||
