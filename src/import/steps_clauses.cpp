@@ -342,6 +342,22 @@ void question(Rewriter& graph, int unknown) {
   if (!is_subject) graph.replace(led, clause, phrase, "questioned");
 }
 
+// A noun that no word picks out: no name, no pronoun, nobody's, none of several.
+bool is_any(Rewriter& graph, int at) {
+  const Concept& word = graph.word(at);
+  constexpr std::array kPronouns{"it", "this", "that",     "they",    "he",        "she",    "i",   "you",
+                                 "we", "one",  "anything", "nothing", "something", "anyone", "all", "any"};
+  if (!word.sense.empty() || word.variable.empty() || has_attribute(word, "@name") || is_unknown(graph, at))
+    return false;
+  if (is_one_of(graph, at, kPronouns) || conjunction_of(graph, at) != nullptr || graph.mentions(at) > 1) return false;
+  for (const char* role : {"poss", "possessor", "quant", "domain", "part-of"}) {
+    if (graph.child(at, role) >= 0) return false;
+  }
+  const int mod = graph.child(at, "mod");
+  constexpr std::array kPicking{"this", "that", "any", "every", "all", "other", "another", "same", "such", "only"};
+  return mod < 0 || !is_one_of(graph, graph.arc(mod).to, kPicking);
+}
+
 }  // namespace
 
 void step_polarity(Meaning& meaning) {
@@ -352,6 +368,12 @@ void step_polarity(Meaning& meaning) {
       const int led = has_attribute(graph.word(at), "@neg") ? graph.child(at, role) : -1;
       if (led < 0 || !graph.is(graph.arc(led).to, "ever")) continue;
       graph.word(graph.arc(led).to).name = "never";
+      std::erase(graph.word(at).attributes, "@neg");
+    }
+    // "She has no garden": what is had is denied, if it is any of its kind.
+    const int had = graph.is(at, "have", "03") && has_attribute(graph.word(at), "@neg") ? graph.child(at, "ARG1") : -1;
+    if (had >= 0 && is_any(graph, graph.arc(had).to)) {
+      attribute_add(graph.word(graph.arc(had).to), "@neg");
       std::erase(graph.word(at).attributes, "@neg");
     }
     if (const int led = graph.child(at, "polarity"); led >= 0 && is_unknown(graph, graph.arc(led).to)) {
