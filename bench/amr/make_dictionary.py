@@ -287,7 +287,8 @@ class Writer:
         third = forms["S"]
         ending = ",YS" if third.endswith("ies") else ",ES" if third.endswith("es") and not forms["BASE"].endswith("e") else ""
         for tag in ("BASE", "PAST", "PTCP", "ING"):
-            self.entry(forms[tag], concept, f"V,{tag}{ending if tag == 'BASE' else ''}{more}")
+            before = ending if tag == "BASE" else vowel(forms[tag]) if tag in ("PTCP", "ING") else ""
+            self.entry(forms[tag], concept, f"V,{tag}{before}{more}")
         self.entry(third, concept, f"V,THIRD{more}")
 
     def noun(self, lemma, concept, more=""):

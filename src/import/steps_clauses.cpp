@@ -149,15 +149,19 @@ void coordinate(Rewriter& graph, int at, const Conjunction& conjunction) {
     const int subject = subject_arc(graph, part);
     const int model = subject_arc(graph, head);
     const bool is_shared = subject >= 0 && model >= 0 && graph.arc(subject).to == graph.arc(model).to &&
-                           graph.arc(subject).role == graph.arc(model).role &&
                            std::string_view(conjunction.attribute) != "@snt";
+    if (is_shared && graph.arc(subject).role == "ARG1") attribute_add(graph.word(part), "@shr1");
     if (is_shared) graph.arc(subject).role = "shared";
     graph.replace(parts[i], last, part, "conjunct");
     last = part;
   }
   graph.remove(parts[0], Fate::relation);
+  const bool is_bidden = has_attribute(graph.word(head), "@imp");
   for (const std::string& attribute : graph.word(at).attributes) {
-    if (attribute != "@pl" && attribute != "@sg" && attribute != "@v") attribute_add(graph.word(head), attribute);
+    // Some files mark a request with more than one mood.
+    const bool is_other_mood = is_bidden && (attribute == "@int" || attribute == "@may");
+    const bool is_own = attribute == "@pl" || attribute == "@sg" || attribute == "@v";
+    if (!is_own && !is_other_mood) attribute_add(graph.word(head), attribute);
   }
   graph.redirect(at, head);
   graph.move_children(at, head);
@@ -248,7 +252,7 @@ void quote(Rewriter& graph, int at) {
   const int led = graph.child(at, is_answer ? "ARG2" : "ARG1");
   const int who = graph.child(at, "ARG0");
   const int whom = graph.child(at, is_answer ? "ARG1" : "ARG2");
-  if (led < 0) return;
+  if (led < 0 || who < 0) return;
   const int said = graph.arc(led).to;
   // Whoever asks does not ask whether he asks: the question is what he says.
   if (graph.is(at, "ask", "01") && has_attribute(graph.word(at), "@int") && who >= 0 &&
@@ -286,7 +290,7 @@ void quote(Rewriter& graph, int at) {
   constexpr std::array kPronouns{"i", "we", "you", "he", "she", "it", "they", "one"};
   const bool is_plain = !has_attribute(graph.word(at), "@neg") && !has_attribute(graph.word(at), "@ask") &&
                         !has_attribute(graph.word(at), "@int") && !has_attribute(graph.word(at), "@can");
-  if (who >= 0 && is_plain && !is_one_of(graph, graph.arc(who).to, kPronouns)) graph.arc(who).role = "speaker";
+  if (is_plain && !is_one_of(graph, graph.arc(who).to, kPronouns)) graph.arc(who).role = "speaker";
 }
 
 // ---- questions -----------------------------------------------------------------------------------------------------
@@ -491,6 +495,15 @@ void step_contrast(Meaning& meaning) {
 void step_coordination(Meaning& meaning) {
   Rewriter graph(meaning, "coordination");
   for (int at = 0, end = graph.count(); at < end; ++at) {
+    // "Between five and ten years".
+    if (graph.is(at, "value-interval") || graph.is(at, "date-interval")) graph.word(at).name = "between";
+    if (const int second = graph.is(at, "between") ? graph.child(at, "op2") : -1; second >= 0) {
+      const int first = graph.child(at, "op1");
+      if (first < 0) continue;
+      attribute_add(graph.word(graph.arc(second).to), "@and");
+      graph.replace(second, graph.arc(first).to, graph.arc(second).to, "conjunct");
+      continue;
+    }
     const Conjunction* conjunction = conjunction_of(graph, at);
     if (conjunction != nullptr && graph.word(at).sense.empty()) coordinate(graph, at, *conjunction);
   }

@@ -50,6 +50,8 @@ constexpr Reified kReified[] = {
     {"instead-of", "91", "ARG1", "ARG2", "substitute"},
     {"have-example", "91", "ARG1", "ARG2", "example"},
     {"exemplify", "01", "ARG1", "ARG0", "example"},
+    {"resemble", "91", "ARG1", "ARG2", "likeness"},
+    {"resemble", "01", "ARG1", "ARG2", "likeness"},
     {"include", "91", "ARG1", "ARG2", "superset"},
     {"have-part", "91", "ARG1", "ARG2", "part"},
     {"have-age", "91", "ARG1", "ARG2", "age"},
@@ -66,7 +68,7 @@ bool is_statement(const Reified& one) {
   return role == "mod" || role == "age" || role == "color" || role == "size" || role == "destination" ||
          role == "part" || role == "superset" || role == "apposition" || role == "example" || role == "source" ||
          role == "time" || role == "topic" || role == "accompanier" || role == "ord" || role == "purpose" ||
-         role == "substitute";
+         role == "substitute" || role == "likeness";
 }
 
 const Reified* reified_of(Rewriter& graph, int at) {
@@ -137,6 +139,21 @@ void reified_apply(Rewriter& graph, int at, const Reified& one) {
     graph.redirect(at, head);
     graph.move_children(at, head);
   }
+}
+
+// (t / thing :ARG0-of (c / cause-01 :ARG1 x)): the cause of x; as ARG1 the result of it.
+void cause_noun_apply(Rewriter& graph, int at) {
+  const int above = graph.parent(at);
+  const bool is_below = above >= 0 && graph.arc(above).inverse && graph.is(graph.arc(above).from, "thing");
+  if (!is_below || graph.children(graph.arc(above).from).size() != 1 || graph.children(at).size() != 1) return;
+  const bool is_cause = graph.arc(above).role == "ARG0";
+  const int led = graph.child(at, is_cause ? "ARG1" : "ARG0");
+  if (led < 0 || graph.mentions(at) > 1) return;
+  const int thing = graph.arc(above).from;
+  graph.word(thing).name = is_cause ? "cause" : "result";
+  graph.settle_concept(at, Fate::word);
+  graph.remove(above, Fate::word);
+  graph.replace(led, thing, graph.arc(led).to, "org");
 }
 
 // Pronouns that stand for people and things in AMR.
@@ -393,11 +410,17 @@ void step_reified(Meaning& meaning) {
   Rewriter graph(meaning, "reified");
   for (int at = 0; at < graph.count(); ++at) {
     if (graph.is(at, "have", "03")) having_apply(graph, at);
+    if (graph.is(at, "cause", "01")) cause_noun_apply(graph, at);
     // Nobody opines; people think.
     if (graph.is(at, "opine", "01")) graph.word(at).name = "think";
   }
   for (int at = 0; at < graph.count(); ++at) {
     if (const Reified* one = reified_of(graph, at)) reified_apply(graph, at, *one);
+  }
+  // "One of these things": what others are taken from is several.
+  for (const Arc& one : meaning.arcs) {
+    const bool is_whole = one.role == "superset" && !one.inverse && !one.gone;
+    if (is_whole && (graph.is(one.to, "thing") || graph.is(one.to, "person"))) attribute_add(graph.word(one.to), "@pl");
   }
 }
 

@@ -195,6 +195,18 @@ void step_pronouns(Meaning& meaning) {
   }
   for (int at = 0; at < graph.count(); ++at) {
     Concept& word = graph.word(at);
+    const int counted = word.name == "thing" && word.sense.empty() ? graph.child(at, "quant") : -1;
+    if (counted >= 0 && !has_attribute(word, "@name")) {
+      // "He knows much": the quantity stands for the thing.
+      constexpr std::array<std::string_view, 4> kStanding{"much", "lot", "enough", "more"};
+      const int quantity = graph.arc(counted).to;
+      const std::string& name = graph.word(quantity).name;
+      const bool is_standing = std::find(kStanding.begin(), kStanding.end(), name) != kStanding.end();
+      if (is_standing && graph.mentions(quantity) == 1) graph.stand_in(at, counted, Fate::word);
+      continue;
+    }
+    // An event of which nothing is said was spoken of before.
+    if (word.name == "event" && word.sense.empty() && graph.children(at).empty()) word.name = "that";
     const bool is_bare =
         word.sense.empty() && graph.children(at).empty() &&
         (word.name == "person" || word.name == "thing" || word.name == "animal" || word.name == "individual-person");
