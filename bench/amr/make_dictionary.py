@@ -171,6 +171,7 @@ class Sources:
         self.nouns, self.adjectives, self.adverbs, self.verbs = {}, set(), set(), set()
         self.states = set()
         self.governs = collections.defaultdict(collections.Counter)
+        self.shapes = collections.defaultdict(set)
         self.agents, self.nominal, self.adjectival, self.manner, self.opposite, self.quality = ({} for _ in range(6))
         self.irregular = {"noun": {}, "adj": collections.defaultdict(list), "verb": {}}
         if arguments.wordnet:
@@ -247,8 +248,14 @@ class Sources:
         for number, word in zip(fields[2::3], fields[3::3]):
             shape = shapes.get(int(number))
             for i, verb in enumerate(words):
+                if int(word, 16) in (0, i + 1):
+                    self.shapes[verb.lower().replace("_", " ")].add(int(number))
                 if shape and int(word, 16) in (0, i + 1):
                     self.governs[verb.lower().replace("_", " ")].update([shape])
+
+    def is_intransitive(self, verb):
+        """Things do it, and nobody does it to them: disappear. Without an agent it is no passive."""
+        return 1 in self.shapes[verb] and self.shapes[verb] <= {1, 2, 3, 4, 6, 7, 12, 13, 22, 23, 27, 28, 35}
 
     def is_state(self, lemma, forms):
         """A state stands in the present, unless the examples tell of the verb in the past nearly always."""
@@ -359,10 +366,14 @@ def frames(path, writer, sources):
             told = sources.text.preposition({form for tag, form in sources.verb_forms(verb).items() if tag != "PTCP"})
             if told and not any(re.match("p1|p[2-5]" + told, a) for a in built):
                 built = [a for a in built if (a, told) != ("INF1", "to")] + ["p1" + told]
+        if "SA1" not in built and sources.is_intransitive(verb or lemma):
+            built.append("SA1")
         pattern = "".join("," + a for a in built)
         if verb:
             writer.verb(verb, concept, pattern)
-        for noun in [form for form in of["N"] if not form.endswith("ing")][:1]:
+        # A gerund only where people use it as a noun: a meeting.
+        nouns = [form for form in of["N"] if not form.endswith("ing")]
+        for noun in (nouns or [form for form in of["N"] if sources.tagged[form, "1"] > 19])[:1]:
             writer.noun(noun, concept, ",NMZ" if verb else ",NMZ,QUAL")
         adjectives = [lemma] if of["ADJ"] and lemma in sources.adjectives else of["ADJ"]
         for adjective in adjectives[:1]:
