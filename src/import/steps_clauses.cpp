@@ -368,9 +368,8 @@ void step_polarity(Meaning& meaning) {
   Rewriter graph(meaning, "polarity");
   for (int at = 0; at < graph.count(); ++at) {
     // "Not ever" is one word, and takes the negation with it.
-    for (const char* role : {"time", "temporal", "mod", "frequency"}) {
-      const int led = has_attribute(graph.word(at), "@neg") ? graph.child(at, role) : -1;
-      if (led < 0 || !graph.is(graph.arc(led).to, "ever")) continue;
+    for (const int led : graph.children(at)) {
+      if (!has_attribute(graph.word(at), "@neg") || !graph.is(graph.arc(led).to, "ever")) continue;
       graph.word(graph.arc(led).to).name = "never";
       std::erase(graph.word(at).attributes, "@neg");
     }
@@ -601,9 +600,15 @@ void step_tense(Meaning& meaning) {
                           !has_attribute(clause, "@v");
     const int subject = subject_arc(graph, at);
     const bool is_speech = has_attribute(clause, "@quote") && subject >= 0;
-    if (!is_known && (is_speech || (subject >= 0 && graph.is(graph.arc(subject).to, "you")))) {
-      attribute_add(clause, "@pres");
-    }
+    const bool is_to_you = subject >= 0 && graph.is(graph.arc(subject).to, "you");
+    if (!is_known && (is_speech || is_to_you)) attribute_add(clause, "@pres");
+    // Who asks you what happens means now: "what are you doing?"
+    const bool is_question = has_attribute(clause, "@ask") || has_attribute(clause, "@int");
+    constexpr std::array kStanding{"@can", "@must", "@should", "@may", "@maynot", "@likely", "@perf", "@habit", "@neg"};
+    const bool is_timed = graph.child(at, "frequency") >= 0 || graph.child(at, "time") >= 0 ||
+                          std::any_of(kStanding.begin(), kStanding.end(),
+                                      [&](const char* one) { return has_attribute(graph.word(at), one); });
+    if (!is_known && is_to_you && is_question && !is_timed) attribute_add(clause, "@now");
   }
 }
 

@@ -153,6 +153,10 @@ void step_quantities(Meaning& meaning) {
   constexpr std::array<std::string_view, 5> kSeveral{"all", "both", "most", "these", "those"};
   for (Arc& one : meaning.arcs) {
     if (one.gone || one.inverse || one.role != "mod") continue;
+    // "All these": all belongs to the noun, wherever the source writes it.
+    const bool is_pointing = graph.is(one.from, "this") || graph.is(one.from, "that");
+    const int above = is_pointing && graph.is(one.to, "all") ? graph.parent(one.from) : -1;
+    if (above >= 0 && graph.arc(above).role == "mod" && !graph.arc(above).inverse) one.from = graph.arc(above).from;
     const Concept& word = graph.word(one.to);
     if (word.variable.empty() && is_number(word.name)) one.role = "number";
     const bool is_several = std::find(kSeveral.begin(), kSeveral.end(), word.name) != kSeveral.end();
