@@ -373,6 +373,15 @@ void step_polarity(Meaning& meaning) {
       graph.word(graph.arc(led).to).name = "never";
       std::erase(graph.word(at).attributes, "@neg");
     }
+    // A negated somebody is nobody.
+    constexpr std::pair<const char*, const char*> kNobody[] = {
+        {"somebody", "nobody"},   {"someone", "nobody"},   {"anybody", "nobody"},   {"anyone", "nobody"},
+        {"something", "nothing"}, {"anything", "nothing"}, {"somewhere", "nowhere"}};
+    for (const auto& [positive, negative] : kNobody) {
+      if (!has_attribute(graph.word(at), "@neg") || !graph.is(at, positive)) continue;
+      graph.word(at).name = negative;
+      std::erase(graph.word(at).attributes, "@neg");
+    }
     // "She has no garden": what is had is denied, if it is any of its kind.
     const int had = graph.is(at, "have", "03") && has_attribute(graph.word(at), "@neg") ? graph.child(at, "ARG1") : -1;
     if (had >= 0 && is_any(graph, graph.arc(had).to)) {
@@ -646,6 +655,16 @@ void step_forms(Meaning& meaning) {
         (degree >= 0 && is_one_of(graph, graph.arc(degree).to, kIntensifying)) ||
         std::any_of(kGrades.begin(), kGrades.end(), [&](const char* one) { return has_attribute(word, one); });
     if (is_graded && has_attribute(word, "@v")) attribute_add(word, "@graded");
+    // Who does something, and of whom nothing else is said, is people.
+    const int deed =
+        graph.is(at, "person") && graph.children(at).empty() && graph.mentions(at) == 1 ? graph.parent(at) : -1;
+    const bool is_anybody = deed >= 0 && graph.arc(deed).role == "ARG0" && !graph.arc(deed).inverse;
+    if (is_anybody && !has_attribute(word, "@agent") && !has_attribute(word, "@ref")) word.name = "people";
+    // What is most of its kind is known: the oldest tree.
+    const int quality = has_attribute(word, "@most") ? graph.parent(at) : -1;
+    const bool is_below = quality >= 0 && graph.arc(quality).role == "mod" && !graph.arc(quality).inverse;
+    if (is_below && graph.child(graph.arc(quality).from, "poss") < 0)
+      attribute_add(graph.word(graph.arc(quality).from), "@def");
     const bool has_subject = subject_arc(graph, at) >= 0 || graph.child(at, "understood") >= 0 ||
                              graph.child(at, "shared") >= 0 || graph.child(at, "speaker") >= 0;
     if (has_subject) attribute_add(word, "@cl");

@@ -53,6 +53,7 @@ constexpr Reified kReified[] = {
     {"resemble", "91", "ARG1", "ARG2", "likeness"},
     {"resemble", "01", "ARG1", "ARG2", "likeness"},
     {"include", "91", "ARG1", "ARG2", "superset"},
+    {"except", "01", "ARG2", "ARG1", "exception"},
     {"have-part", "91", "ARG1", "ARG2", "part"},
     {"have-age", "91", "ARG1", "ARG2", "age"},
     {"have-mod", "91", "ARG1", "ARG2", "mod"},
@@ -66,9 +67,9 @@ constexpr Reified kReified[] = {
 bool is_statement(const Reified& one) {
   const std::string_view role = one.role;
   return role == "mod" || role == "age" || role == "color" || role == "size" || role == "destination" ||
-         role == "part" || role == "superset" || role == "apposition" || role == "example" || role == "source" ||
-         role == "time" || role == "topic" || role == "accompanier" || role == "ord" || role == "purpose" ||
-         role == "substitute" || role == "likeness";
+         role == "part" || role == "superset" || role == "exception" || role == "apposition" || role == "example" ||
+         role == "source" || role == "time" || role == "topic" || role == "accompanier" || role == "ord" ||
+         role == "purpose" || role == "substitute" || role == "likeness";
 }
 
 const Reified* reified_of(Rewriter& graph, int at) {

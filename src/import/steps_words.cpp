@@ -162,6 +162,12 @@ void step_quantities(Meaning& meaning) {
     const bool is_several = std::find(kSeveral.begin(), kSeveral.end(), word.name) != kSeveral.end();
     if (is_several && graph.word(one.from).sense.empty()) attribute_add(graph.word(one.from), "@pl");
   }
+  // "One of the stars": what something is one of is many, and its name need not be said twice.
+  for (Arc& one : meaning.arcs) {
+    if (one.gone || one.inverse || (one.role != "superset" && one.role != "subset-of")) continue;
+    Concept& whole = graph.word(one.to);
+    if (whole.sense.empty() && !whole.variable.empty() && !has_attribute(whole, "@name")) attribute_add(whole, "@pl");
+  }
   // Numbers other than one go with a plural, and words that say how many.
   constexpr std::array<std::string_view, 11> kMany{"many", "few",  "several", "multiple",    "various",    "numerous",
                                                    "all",  "both", "most",    "amr-unknown", "umr-unknown"};
