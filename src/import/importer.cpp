@@ -21,6 +21,7 @@ std::string base_name(const std::string& path) {
   return name;
 }
 
+// A step without procedure belongs to the writer, which asks for its name itself.
 void rewrite(Meaning& meaning, const ImportOptions& options) {
   for (const RewriteStep& step : rewrite_steps()) {
     if (step.run != nullptr && !options.left_steps.contains(step.name)) step.run(meaning);
@@ -45,6 +46,7 @@ void account(const Meaning& meaning, const std::string& file, const ImportOutput
 
 }  // namespace
 
+// A line with a mistake is left out whole: half of what the user knows of a word would be a third guess.
 std::vector<SourceError> AttributeTable::read(std::istream& in) {
   std::vector<SourceError> errors;
   std::string line;
@@ -90,6 +92,7 @@ void AttributeTable::apply(Meaning& meaning, std::vector<SourceError>& errors) {
   }
 }
 
+// A label that no sentence has is most often one of another file, or one that was renamed.
 std::vector<std::string> AttributeTable::unused() const {
   std::vector<std::string> labels;
   for (const auto& [label, lines] : sentences_) {
@@ -101,6 +104,7 @@ std::vector<std::string> AttributeTable::unused() const {
 void import_stream(std::istream& in, const std::string& name, const ImportOptions& options, AttributeTable& attributes,
                    const ImportOutputs& outputs, ImportFigures& figures) {
   const bool is_penman = options.format == SourceFormat::penman;
+  // The dependencies of a tree have no colon and no inverse, and no step is made for them.
   const WriterOptions writing{&options.table, is_penman ? ":" : "", !options.left_steps.contains(kRelativesStep)};
   int reports = 0;
   int quotations = 0;
