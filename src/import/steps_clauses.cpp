@@ -59,6 +59,7 @@ int mention_of(Rewriter& graph, int at) {
   return made;
 }
 
+// True for a concept with one of these names, whatever its sense.
 template <std::size_t N>
 bool is_one_of(Rewriter& graph, int at, const std::array<const char*, N>& names) {
   return std::any_of(names.begin(), names.end(), [&](const char* name) { return graph.word(at).name == name; });
@@ -77,6 +78,7 @@ constexpr Conjunction kConjunctions[] = {
     {"sum-of", "@and"},   {"either", "@or"}, {"neither", "@nor"},        {"slash", "@slash"},
     {"contrast", "@but"}, {"but", "@but"},   {"multi-sentence", "@snt"}, {"multiple-sentences", "@snt"}};
 
+// Null for what joins nothing.
 const Conjunction* conjunction_of(Rewriter& graph, int at) {
   for (const Conjunction& one : kConjunctions) {
     // contrast-01 is a frame, the others are none: and-01 would be another word.
@@ -167,6 +169,7 @@ void coordinate(Rewriter& graph, int at, const Conjunction& conjunction) {
   graph.move_children(at, head);
 }
 
+// Arguments of a frame, in contrast to circumstances.
 bool is_core_role(const std::string& role) {
   return role.starts_with("ARG");
 }
@@ -364,6 +367,8 @@ bool is_any(Rewriter& graph, int at) {
 
 }  // namespace
 
+// :polarity - is @neg by the table of roles before any step. Here it meets the words that have a negation in them, and
+// (x :polarity (a / amr-unknown)) becomes a question, @int.
 void step_polarity(Meaning& meaning) {
   Rewriter graph(meaning, "polarity");
   for (int at = 0; at < graph.count(); ++at) {
@@ -470,6 +475,8 @@ static void pronoun_apply(Rewriter& graph, int at) {
   graph.replace(led, frame, at, graph.arc(led).role);
 }
 
+// (p / person :ARG0-of (d / drive-01)): the driver, if the dictionary has one; else the rules say who drives. Runs behind
+// the offices, as a mayor is no haver of a role.
 void step_persons(Meaning& meaning) {
   Rewriter graph(meaning, "persons");
   for (int at = 0; at < graph.count(); ++at) {
@@ -500,6 +507,8 @@ void step_contrast(Meaning& meaning) {
   }
 }
 
+// (a / and :op1 x :op2 y :op3 z) becomes a chain, x :conjunct y :conjunct z, so that rules see neighbours; inner ones first
+// or last makes no difference, as each replaces only itself.
 void step_coordination(Meaning& meaning) {
   Rewriter graph(meaning, "coordination");
   for (int at = 0, end = graph.count(); at < end; ++at) {
@@ -558,6 +567,8 @@ void step_speaker(Meaning& meaning) {
   graph.move_children(frame, content);
 }
 
+// (s / say-01 :ARG0 k :ARG1 c): c is :quoted and k :speaker where the words themselves are given. Stands behind
+// coordination, so that a quotation of several clauses has a head, and before control, as its subjects are its own.
 void step_quotation(Meaning& meaning) {
   Rewriter graph(meaning, "quotation");
   for (int at = 0; at < graph.count(); ++at) {
@@ -565,6 +576,7 @@ void step_quotation(Meaning& meaning) {
   }
 }
 
+// (g / go-02 :location (a / amr-unknown)): what is asked for becomes :questioned of the clause that asks.
 void step_questions(Meaning& meaning) {
   Rewriter graph(meaning, "questions");
   for (int at = 0; at < graph.count(); ++at) {
@@ -639,6 +651,8 @@ void step_voice(Meaning& meaning) {
   }
 }
 
+// What the rules must know of a whole clause before its first word stands: whether it has a subject, an auxiliary, an
+// expletive. No graph is changed here but for attributes, so that this step sees what the reader will see.
 void step_forms(Meaning& meaning) {
   Rewriter graph(meaning, "forms");
   // What English says with an auxiliary in front of the basic form.
@@ -692,6 +706,7 @@ void step_forms(Meaning& meaning) {
   }
 }
 
+// (w / want-01 :ARG0 b :ARG1 (g / go-02 :ARG0 b)): the b of go-02 becomes :understood, and rules make an infinitive of it.
 void step_control(Meaning& meaning) {
   Rewriter graph(meaning, "control");
   // What seems to be done has its subject in front: "the cat seems to sleep".
@@ -732,6 +747,8 @@ void step_control(Meaning& meaning) {
   }
 }
 
+// A concept is one word. Where the graph leads to it a second time, a word of its own with @ref stands for it, and rules
+// make a pronoun of that; with @self if it is the subject of the same verb.
 void step_mentions(Meaning& meaning) {
   Rewriter graph(meaning, "mentions");
   // What each arc led to before mentions became words of their own: only so "himself" can be told from "him".

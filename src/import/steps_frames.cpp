@@ -72,6 +72,7 @@ bool is_statement(const Reified& one) {
          role == "purpose" || role == "substitute" || role == "likeness";
 }
 
+// Null for a frame that stands for no role.
 const Reified* reified_of(Rewriter& graph, int at) {
   for (const Reified& one : kReified) {
     if (graph.is(at, one.name, one.sense)) return &one;
@@ -248,6 +249,7 @@ void office_apply(Rewriter& graph, int at, const Office& office) {
   graph.move_children(at, holder);
 }
 
+// A comparison is told by the quality, as words for it depend on its form: taller, more beautiful.
 // The attribute of a degree that is a word of its own; null for others, which stay words: "very much".
 const char* degree_attribute(const Concept& degree) {
   struct Named {
@@ -284,11 +286,13 @@ void degree_apply(Rewriter& graph, int at, bool is_quantity) {
       graph.replace(led, quality, degree, "degree");
     }
   }
+  // What it is compared to, the set in which it is the most, and what follows: "so tall that ...".
   constexpr std::pair<const char*, const char*> kOthers[] = {
       {"ARG4", "compared-to"}, {"ARG5", "superlative-of"}, {"ARG6", "consequence"}};
   for (const auto& [role, label] : kOthers) {
     if (const int led = graph.child(at, role); led >= 0) graph.replace(led, quality, graph.arc(led).to, label);
   }
+  // Nobody bears it: "as soon as possible".
   if (bearer_led < 0) {
     if (graph.arc(quality_led).from == at) {
       graph.remove(quality_led, Fate::relation);
@@ -338,7 +342,8 @@ constexpr Modal kModals[] = {
     {"recommend", "01", "ARG1", "@should"},
 };
 
-// The governed clause takes the place of the frame and an attribute in its stead.
+// The governed clause takes the place of the frame and an attribute in its stead; negation and mood of the frame go with
+// it. Nothing happens where a modal verb could not say it: no clause, somebody who recommends, a second modal.
 void modality_apply(Rewriter& graph, int at, const Modal& modal) {
   const int led = graph.argument(at, modal.governed);
   if (led < 0) return;
@@ -407,6 +412,8 @@ static void having_apply(Rewriter& graph, int at) {
   graph.remove(holder, Fate::relation);
 }
 
+// (c / cause-01 :ARG0 (r / rain-01) :ARG1 (s / stay-01)) becomes (s / stay-01 :cause (r / rain-01)). Nouns that a frame
+// makes come first, "the cause of", as they would be taken apart else.
 void step_reified(Meaning& meaning) {
   Rewriter graph(meaning, "reified");
   for (int at = 0; at < graph.count(); ++at) {
@@ -418,13 +425,26 @@ void step_reified(Meaning& meaning) {
   for (int at = 0; at < graph.count(); ++at) {
     if (const Reified* one = reified_of(graph, at)) reified_apply(graph, at, *one);
   }
-  // "One of these things": what others are taken from is several.
+  // What others are taken from is several.
   for (const Arc& one : meaning.arcs) {
     const bool is_whole = one.role == "superset" && !one.inverse && !one.gone;
-    if (is_whole && (graph.is(one.to, "thing") || graph.is(one.to, "person"))) attribute_add(graph.word(one.to), "@pl");
+    const Concept& whole = graph.word(one.to);
+    const bool is_noun = whole.sense.empty() && !whole.variable.empty() && !has_attribute(whole, "@name");
+    if (!is_whole || !is_noun) continue;
+    attribute_add(graph.word(one.to), "@pl");
+    // "One of the stars" names the stars once.
+    const int number = graph.child(one.from, "quant");
+    const bool is_one = number >= 0 && graph.is(graph.arc(number).to, "1");
+    if (!is_one || graph.word(one.from).name != whole.name) continue;
+    attribute_add(graph.word(one.to), "@def");
+    graph.word(one.from).name = "one";
+    graph.settle_concept(graph.arc(number).to, Fate::word);
+    graph.remove(number, Fate::word);
   }
 }
 
+// (p / person :ARG0-of (h / have-org-role-91 :ARG1 c :ARG2 (m / mayor))): the mayor of c. A person with a name keeps it:
+// mayor Brown.
 void step_office(Meaning& meaning) {
   Rewriter graph(meaning, "office");
   // A part of somebody is his.
@@ -442,6 +462,7 @@ void step_office(Meaning& meaning) {
   }
 }
 
+// (h / have-degree-91 :ARG1 x :ARG2 (t / tall) :ARG3 (m / more) :ARG4 y): tall with @more, its bearer x, compared to y.
 void step_degree(Meaning& meaning) {
   Rewriter graph(meaning, "degree");
   for (int at = 0; at < graph.count(); ++at) {
@@ -467,6 +488,8 @@ static void value_apply(Rewriter& graph, int at) {
   graph.move_children(at, word);
 }
 
+// (p / possible-01 :ARG1 (g / go-02)) becomes (g / go-02) with @can. UMR gives the same as an attribute of the clause, or as
+// a frame with a value, which is taken first. Of several governed roles the first that is there counts.
 void step_modality(Meaning& meaning) {
   Rewriter graph(meaning, "modality");
   for (int at = 0; at < graph.count(); ++at) {

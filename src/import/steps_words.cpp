@@ -68,6 +68,8 @@ void name_apply(Rewriter& graph, int at, int led) {
 
 }  // namespace
 
+// (c / city :wiki "Oslo" :name ...): an address in an encyclopedia is no part of the sentence. The triple is told as left
+// out, as it is the one that rules can do nothing with.
 void step_wiki(Meaning& meaning) {
   Rewriter graph(meaning, "wiki");
   for (Arc& one : meaning.arcs) {
@@ -75,6 +77,8 @@ void step_wiki(Meaning& meaning) {
   }
 }
 
+// (c / city :name (n / name :op1 "New" :op2 "York")) becomes one word, New York, with @name and @city. What is written at
+// the city, a relative clause or a part, stays with it.
 void step_names(Meaning& meaning) {
   Rewriter graph(meaning, "names");
   for (int at = 0; at < graph.count(); ++at) {
@@ -83,6 +87,8 @@ void step_names(Meaning& meaning) {
   }
 }
 
+// (d / date-entity :month 3 :day 4 :year 2012): the month becomes the word, month(>3).@date.@month, and day and year stand
+// below it. A date without any of its parts stays what it is, and is a word that no dictionary knows: the report says so.
 void step_dates(Meaning& meaning) {
   // What a date is called by, if it has several parts.
   // The first that is there: the month of a full date, the year of a bare one.
@@ -119,6 +125,8 @@ static void rate_apply(Rewriter& graph, int at) {
   graph.stand_in(at, led);
 }
 
+// (t / temporal-quantity :quant 3 :unit (y / year)) becomes year.@measure with the quantity below it. Number is settled
+// here, too: three years, all years, but one year. Loops follow one another as each looks at what the one before has made.
 void step_quantities(Meaning& meaning) {
   Rewriter graph(meaning, "quantities");
   for (int at = 0, end = graph.count(); at < end; ++at) {
@@ -162,12 +170,6 @@ void step_quantities(Meaning& meaning) {
     const bool is_several = std::find(kSeveral.begin(), kSeveral.end(), word.name) != kSeveral.end();
     if (is_several && graph.word(one.from).sense.empty()) attribute_add(graph.word(one.from), "@pl");
   }
-  // "One of the stars": what something is one of is many, and its name need not be said twice.
-  for (Arc& one : meaning.arcs) {
-    if (one.gone || one.inverse || (one.role != "superset" && one.role != "subset-of")) continue;
-    Concept& whole = graph.word(one.to);
-    if (whole.sense.empty() && !whole.variable.empty() && !has_attribute(whole, "@name")) attribute_add(whole, "@pl");
-  }
   // Numbers other than one go with a plural, and words that say how many.
   constexpr std::array<std::string_view, 11> kMany{"many", "few",  "several", "multiple",    "various",    "numerous",
                                                    "all",  "both", "most",    "amr-unknown", "umr-unknown"};
@@ -188,6 +190,8 @@ void step_quantities(Meaning& meaning) {
   }
 }
 
+// (p / person :mod (s / some)) is someone; (p / person :refer-person 3rd :refer-number plural) is they. Only what stands
+// alone becomes a pronoun: whatever is said of a person must still have a word to stand with.
 void step_pronouns(Meaning& meaning) {
   Rewriter graph(meaning, "pronouns");
   // "Some person" is someone.
