@@ -387,6 +387,19 @@ void step_polarity(Meaning& meaning) {
       graph.word(at).name = negative;
       std::erase(graph.word(at).attributes, "@neg");
     }
+    // What nobody does is said of nobody: "any" may not stand in front of "not".
+    const int doer = has_attribute(graph.word(at), "@neg") ? subject_arc(graph, at) : -1;
+    const int any = doer >= 0 ? graph.child(graph.arc(doer).to, "mod") : -1;
+    constexpr std::pair<const char*, const char*> kAny[] = {
+        {"anybody", "nobody"}, {"anyone", "nobody"}, {"anything", "nothing"}, {"any", "no"}};
+    for (const auto& [positive, negative] : kAny) {
+      const int word = doer >= 0 && graph.is(graph.arc(doer).to, positive) ? graph.arc(doer).to
+                       : any >= 0 && graph.is(graph.arc(any).to, positive) ? graph.arc(any).to
+                                                                           : -1;
+      if (word < 0 || graph.mentions(graph.arc(doer).to) > 1) continue;
+      graph.word(word).name = negative;
+      std::erase(graph.word(at).attributes, "@neg");
+    }
     // "She has no garden": what is had is denied, if it is any of its kind.
     const int had = graph.is(at, "have", "03") && has_attribute(graph.word(at), "@neg") ? graph.child(at, "ARG1") : -1;
     if (had >= 0 && is_any(graph, graph.arc(had).to)) {
