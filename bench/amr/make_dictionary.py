@@ -18,6 +18,9 @@ PREPOSITIONS = set("about above across after against along among around as at be
                    "like near of off on onto out over through to toward towards under upon with within without".split())
 PARTICLES = set("about across ahead along apart around aside away back by down forward in off on out over through together "
                 "up".split())
+# Determiners and pronouns that begin a plain object.
+OBJECTS = set("the a an my your his her its our their this that these those him it me them you us some any every no each "
+              "another all many more".split())
 STATE_FILES = {31, 37, 42}
 MASS_FILES = {7, 12, 27, 26}
 
@@ -72,12 +75,24 @@ class Text:
         self.counts = collections.Counter()
         self.articles = collections.defaultdict(collections.Counter)
         self.prepositions = collections.defaultdict(collections.Counter)
+        self.governed = collections.defaultdict(collections.Counter)
         self.sentences = []
+        self.behind = collections.defaultdict(collections.Counter)
         for path in sorted(pathlib.Path(folder).glob("*.xml")) if folder else ():
             for text in re.findall(r"<text>([^<]*)</text>", path.read_text(encoding="utf-8", errors="replace")):
                 words = text.lower().split()
                 self.counts.update(words)
                 self.sentences.append(words)
+                for word, after, second in zip(words, words[1:], words[2:] + [""]):
+                    # "To the sea", but not "to sing".
+                    is_told = after in PREPOSITIONS and (after != "to" or second in OBJECTS)
+                    self.behind[word][after if is_told else "object" if after in OBJECTS else ""] += 1
+
+    def preposition(self, forms):
+        """What a verb has in front of its object nearly always: "look at". Empty for a plain object."""
+        seen = sum((self.behind[form] for form in forms), collections.Counter())
+        told, count = max(((p, seen[p]) for p in ("at", "for", "from", "on", "to", "with")), key=lambda one: one[1])
+        return told if count >= 3 and count > 2 * seen["object"] and count >= 0.2 * sum(seen.values()) else ""
 
     def read_articles(self, nouns, adjectives):
         known = {"the": "the", "a": "a", "an": "a"}
@@ -98,6 +113,28 @@ class Text:
                     before = words[j - 1]
                 if before in PREPOSITIONS:
                     self.prepositions[noun][before] += 1
+
+    def read_clauses(self, forms):
+        """Behind which verb stands what clause: that, to, -ing, or an infinitive with a subject of its own, OINF."""
+        lemma_of = {form: lemma for lemma, tags in forms.items() for known in tags.values() for form in known}
+        lemma_of.update((lemma, lemma) for lemma in forms)
+        subjects = set("i he she we they you it there".split())
+        objects = set("me him her us them you it people themselves".split())
+        passive = set("be been being is are was were am 's 're".split())
+        for words in self.sentences:
+            words = words + [""] * 3
+            for i, word in enumerate(words[:-3]):
+                if not (verb := lemma_of.get(word)):
+                    continue
+                first, second, third = words[i + 1:i + 4]
+                if first == "that" or (first in subjects and second != "to" and lemma_of.get(second)):
+                    self.governed[verb].update(["THAT"])
+                elif first == "to" and second in forms and words[i - 1] not in passive:
+                    self.governed[verb].update(["INF"])
+                elif first in objects and second == "to" and third in forms:
+                    self.governed[verb].update(["OINF"])
+                elif first.endswith("ing") and first in lemma_of:
+                    self.governed[verb].update(["GER"])
 
     def noun_marks(self, noun, many):
         """MASS, AN, THE: what usually stands before the noun; PLUR: it is mostly a plural; INP, ONP, ATP: its preposition."""
@@ -134,6 +171,7 @@ class Sources:
         self.nouns, self.adjectives, self.adverbs, self.verbs = {}, set(), set(), set()
         self.states = set()
         self.governs = collections.defaultdict(collections.Counter)
+        self.shapes = collections.defaultdict(set)
         self.agents, self.nominal, self.adjectival, self.manner, self.opposite, self.quality = ({} for _ in range(6))
         self.irregular = {"noun": {}, "adj": collections.defaultdict(list), "verb": {}}
         if arguments.wordnet:
@@ -206,12 +244,18 @@ class Sources:
 
     def read_verb_frames(self, words, fields):
         """The sentence frames of a verb sense: what a clause that it governs looks like."""
-        shapes = {26: "THAT", 28: "INF", 33: "GER", 25: "BARE"}
+        shapes = {24: "OINF", 26: "THAT", 28: "INF", 33: "GER", 25: "BARE"}
         for number, word in zip(fields[2::3], fields[3::3]):
             shape = shapes.get(int(number))
             for i, verb in enumerate(words):
+                if int(word, 16) in (0, i + 1):
+                    self.shapes[verb.lower().replace("_", " ")].add(int(number))
                 if shape and int(word, 16) in (0, i + 1):
                     self.governs[verb.lower().replace("_", " ")].update([shape])
+
+    def is_intransitive(self, verb):
+        """Things do it, and nobody does it to them: disappear. Without an agent it is no passive."""
+        return 1 in self.shapes[verb] and self.shapes[verb] <= {1, 2, 3, 4, 6, 7, 12, 13, 22, 23, 27, 28, 35}
 
     def is_state(self, lemma, forms):
         """A state stands in the present, unless the examples tell of the verb in the past nearly always."""
@@ -250,7 +294,8 @@ class Writer:
         third = forms["S"]
         ending = ",YS" if third.endswith("ies") else ",ES" if third.endswith("es") and not forms["BASE"].endswith("e") else ""
         for tag in ("BASE", "PAST", "PTCP", "ING"):
-            self.entry(forms[tag], concept, f"V,{tag}{ending if tag == 'BASE' else ''}{more}")
+            before = ending if tag == "BASE" else vowel(forms[tag]) if tag in ("PTCP", "ING") else ""
+            self.entry(forms[tag], concept, f"V,{tag}{before}{more}")
         self.entry(third, concept, f"V,THIRD{more}")
 
     def noun(self, lemma, concept, more=""):
@@ -285,13 +330,19 @@ def surface(lemma):
     return lemma.replace("_", " ").replace("-", " ").strip()
 
 
-def clause_shapes(seen, frames):
-    """What a clause in the place of ARG1 is: as in the examples of the frame files and as WordNet says of the verb."""
+def clause_shapes(seen, frames, governed, count):
+    """What a clause in the place of ARG1 is: as in the examples of the frame files and as WordNet says of the verb. NOUN1
+    is for a verb that hardly ever governs a clause: an event behind it is a noun."""
     shapes = ("INF", "GER", "THAT")
     known = max(1, sum(frames[shape] for shape in shapes))
-    score = {shape: (shape + "1" in seen) / max(1, len(seen)) + frames[shape] / known for shape in shapes}
+    told = 3 + sum(governed[shape] for shape in shapes)
+    score = {shape: (shape + "1" in seen) / max(1, len(seen)) + frames[shape] / known + 2 * governed[shape] / told
+             for shape in shapes}
     found = [shape + "1" for shape in ("INF", "GER") if score[shape] and score[shape] >= 0.3 * score["THAT"]]
-    return found + ["THAT1"] * (score["THAT"] > max(score["INF"], score["GER"])) + ["BARE1"] * (frames["BARE"] > 0)
+    found += ["THAT1"] * (score["THAT"] > max(score["INF"], score["GER"])) + ["BARE1"] * (frames["BARE"] > 0)
+    found += ["OINF1"] * (frames["OINF"] > 0 or governed["OINF"] > 1 and 2 * governed["OINF"] > governed["THAT"])
+    is_rare = 10 * sum(governed.values()) < count and not sum(frames.values())
+    return found + ["NOUN1"] * (is_rare and not seen and "THAT1" not in found)
 
 
 def frames(path, writer, sources):
@@ -308,11 +359,21 @@ def frames(path, writer, sources):
             verb = None
         told = [a for a in names[0][1] if a not in ("V", "N", "ADJ", "NMZ", "QUAL")]
         seen = {a for a in told if a in ("INF1", "GER1", "THAT1")}
-        built = [a for a in told if a not in seen] + clause_shapes(seen, sources.governs[verb or lemma])
+        built = [a for a in told if a not in seen] + clause_shapes(
+            seen, sources.governs[verb or lemma], sources.text.governed[verb or lemma],
+            sum(sources.text.counts[form] for form in set(sources.verb_forms(verb or lemma).values())))
+        if verb and lemma == verb and sense_of(concept) < 3 and not {"SA1", "NP2"} & set(built):
+            told = sources.text.preposition({form for tag, form in sources.verb_forms(verb).items() if tag != "PTCP"})
+            if told and not any(re.match("p1|p[2-5]" + told, a) for a in built):
+                built = [a for a in built if (a, told) != ("INF1", "to")] + ["p1" + told]
+        if "SA1" not in built and sources.is_intransitive(verb or lemma):
+            built.append("SA1")
         pattern = "".join("," + a for a in built)
         if verb:
             writer.verb(verb, concept, pattern)
-        for noun in [form for form in of["N"] if not form.endswith("ing")][:1]:
+        # A gerund only where people use it as a noun: a meeting.
+        nouns = [form for form in of["N"] if not form.endswith("ing")]
+        for noun in (nouns or [form for form in of["N"] if sources.tagged[form, "1"] > 19])[:1]:
             writer.noun(noun, concept, ",NMZ" if verb else ",NMZ,QUAL")
         adjectives = [lemma] if of["ADJ"] and lemma in sources.adjectives else of["ADJ"]
         for adjective in adjectives[:1]:
@@ -321,6 +382,10 @@ def frames(path, writer, sources):
             writer.adjective(adjective, concept, "" if verb else pattern)
         for agent in agent_of(sources, verb)[:1] if verb else ():
             writer.noun(agent, concept, ",AGT")
+
+
+def sense_of(concept):
+    return int(re.search(r"\(>0*(\d+)", concept + "(>99").group(1))
 
 
 def agent_of(sources, verb):
@@ -377,6 +442,7 @@ def main():
                 if found := re.search(r'"([^"]*)" \(', line):
                     taken.add(found.group(1) or None)
         sources.text.read_articles({n for n in sources.nouns if " " not in n}, sources.adjectives | set(sources.nouns))
+        sources.text.read_clauses(sources.forms)
         writer = Writer(sources, out, taken)
         if arguments.senses:
             frames(arguments.senses, writer, sources)

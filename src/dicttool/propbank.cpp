@@ -84,17 +84,21 @@ std::string introduction(const std::vector<std::string>& words, const VerbSet& v
   return first.ends_with("ing") ? "gerund" : "object";
 }
 
-// Examples of a noun or adjective say nothing about the verb.
-bool is_verb(const std::string& word, const FrameSense& sense) {
-  bool is_other = false;
+// Which part of speech an example shows. A noun says nothing about the verb; an adjective, "acquainted with", is built as
+// the passive is.
+std::string_view part_of(const std::string& word, std::string_view title, const FrameSense& sense) {
+  const std::string_view kind = title.substr(0, title.find(':'));
+  if (kind.ends_with("-n")) return "noun";
+  if (kind.ends_with("-j")) return "adj";
+  std::string_view other;
   for (const FrameName& name : sense.names) {
     const std::string first = lowered(name.form.substr(0, name.form.find(' ')));
     const bool is_it = word == first || word == first + 's';
-    if (is_it && std::string_view(name.part) == "verb") return true;
+    if (is_it && std::string_view(name.part) == "verb") return "verb";
     // "Listening" may be either: it counts as a form of the verb.
-    is_other |= is_it && !word.ends_with("ing");
+    if (is_it && !word.ends_with("ing")) other = name.part;
   }
-  return !is_other;
+  return other.empty() ? "verb" : other;
 }
 
 // Counts what one example shows of the arguments. Without a place of the verb it shows nothing.
@@ -106,7 +110,9 @@ void example_count(const pugi::xml_node& example, const FrameSense& sense, const
   const std::string place = verb.attribute("relloc").value();
   const bool has_place = !place.empty() && place[0] >= '0' && place[0] <= '9';
   const int at = has_place ? verb.attribute("relloc").as_int() : -1;
-  if (at < 0 || verb_words.empty() || !is_verb(lowered(verb_words[0]), sense)) return;
+  if (at < 0 || verb_words.empty()) return;
+  const std::string_view part = part_of(lowered(verb_words[0]), example.attribute("name").value(), sense);
+  if (part == "noun") return;
   bool has_agent = false;
   int object = -1;
   for (const pugi::xml_node& argument : marks.children("arg")) {
@@ -120,13 +126,14 @@ void example_count(const pugi::xml_node& example, const FrameSense& sense, const
     has_agent |= number == 0;
     if (number == 1) object = from;
     const std::vector<std::string> words = words_of(argument.text().get());
-    // Only what stands behind the verb shows how the verb introduces it.
-    if (number == 0 || number > kArguments || from < at || words.empty()) continue;
+    // Only what stands behind the word shows how it introduces it; an adjective has its subject as ARG1.
+    const bool is_counted = number > (part == "adj" ? 1 : 0) && number <= kArguments && from >= at && !words.empty();
+    if (!is_counted) continue;
     ++usage.introduced[static_cast<std::size_t>(number)][introduction(words, verbs)];
   }
   usage.agents += has_agent;
   // Without an agent, and with its object in front: the subject of an active verb, or of a passive.
-  if (has_agent || object < 0 || object >= at) return;
+  if (part == "adj" || has_agent || object < 0 || object >= at) return;
   bool is_passive = false;
   for (int i = std::max(0, at - 2); i < at && i < static_cast<int>(text.size()); ++i) {
     is_passive |= has(kBeing, lowered(text[static_cast<std::size_t>(i)]));
@@ -199,8 +206,8 @@ void argument_features(int number, const std::map<std::string, int>& counts, std
   if (best.empty()) return;
   int all = 0;
   for (const auto& [what, count] : counts) all += count;
-  // An object is a plain noun, unless the examples leave no doubt.
-  const bool is_doubtful = number == 1 && (times < 2 || 10 * times < 7 * all);
+  // An object is a plain noun, unless the examples leave no doubt: "look at" and "look for", but no "look it".
+  const bool is_doubtful = number == 1 && (times < 2 || 2 * times <= all || 4 * count_of(counts, "object") > all);
   const bool says_nothing = best == "object" && number != 2;
   if (!is_doubtful && !says_nothing) features += name + best;
 }

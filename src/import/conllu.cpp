@@ -28,7 +28,8 @@ std::vector<std::string> parts_of(const std::string& text, char mark) {
   return parts;
 }
 
-// Collects the lines of one sentence and hands it on at its end.
+// Collects the lines of one sentence and hands it on at its end. A word that cannot be read is told and left out; its
+// dependents then have a head that is no word of the sentence, which is told at their lines.
 class Sentences {
  public:
   Sentences(const std::string& name, const RoleTable& table, bool enhanced, const MeaningSink& sink)
@@ -83,9 +84,10 @@ class Sentences {
   Meaning next_;
   std::vector<std::vector<std::string>> rows_;  // the fields of each word; its concept has the same number
   std::vector<int> places_;                     // its line
-  std::map<std::string, int> ids_;              // its number by what the first column calls it
+  std::map<std::string, int> ids_;  // its number by what the first column calls it: 3, or 3.1 for an empty node
   std::vector<SourceError> errors_;
 
+  // "# sent_id = w1" and "# text = ..."; all other comments are for people.
   void comment(const std::string& text) {
     const std::size_t equals = text.find('=');
     if (equals == std::string::npos) return;
@@ -111,6 +113,7 @@ class Sentences {
     }
   }
 
+  // A word that stands twice is told, and its second one cannot be a head, as the first has the number.
   void add(const std::vector<std::string>& fields, int number) {
     Concept word;
     word.variable = fields[kId];

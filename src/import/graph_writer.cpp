@@ -137,7 +137,8 @@ class Writer {
     std::sort(chosen_.begin(), chosen_.end());
   }
 
-  // Gives words of one text their numbers.
+  // Gives words of one text their numbers, in the order of the concepts. A word that stands alone has none, so that a graph
+  // is read as it would be written by hand.
   void number() {
     std::map<std::string, int> counts;
     texts_.resize(meaning_.concepts.size());

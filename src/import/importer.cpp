@@ -21,6 +21,7 @@ std::string base_name(const std::string& path) {
   return name;
 }
 
+// A step without procedure belongs to the writer, which asks for its name itself.
 void rewrite(Meaning& meaning, const ImportOptions& options) {
   for (const RewriteStep& step : rewrite_steps()) {
     if (step.run != nullptr && !options.left_steps.contains(step.name)) step.run(meaning);
@@ -45,6 +46,7 @@ void account(const Meaning& meaning, const std::string& file, const ImportOutput
 
 }  // namespace
 
+// A line with a mistake is left out whole: half of what the user knows of a word would be a third guess.
 std::vector<SourceError> AttributeTable::read(std::istream& in) {
   std::vector<SourceError> errors;
   std::string line;
@@ -90,6 +92,7 @@ void AttributeTable::apply(Meaning& meaning, std::vector<SourceError>& errors) {
   }
 }
 
+// A label that no sentence has is most often one of another file, or one that was renamed.
 std::vector<std::string> AttributeTable::unused() const {
   std::vector<std::string> labels;
   for (const auto& [label, lines] : sentences_) {
@@ -101,14 +104,21 @@ std::vector<std::string> AttributeTable::unused() const {
 void import_stream(std::istream& in, const std::string& name, const ImportOptions& options, AttributeTable& attributes,
                    const ImportOutputs& outputs, ImportFigures& figures) {
   const bool is_penman = options.format == SourceFormat::penman;
+  // The dependencies of a tree have no colon and no inverse, and no step is made for them.
   const WriterOptions writing{&options.table, is_penman ? ":" : "", !options.left_steps.contains(kRelativesStep)};
+  int reports = 0;
+  int quotations = 0;
   const MeaningSink sink = [&](Meaning& meaning, const std::vector<SourceError>& read_errors) {
+    // A quarter of what people say in this file has a form that only their own words have: a story, and no report.
+    meaning.is_dialogue = reports >= 3 && 4 * quotations >= reports;
     std::vector<SourceError> errors = read_errors;
     if (meaning.root >= 0) {
       // The user's attributes come before the steps, which mind them: a tense that is known is not guessed.
       attributes_apply(meaning, writing);
       attributes.apply(meaning, errors);
       if (is_penman) rewrite(meaning, options);
+      reports += meaning.reports;
+      quotations += meaning.quotations;
       graph_write(meaning, writing, *outputs.graphs, figures.unknown);
       if (outputs.gold != nullptr && !meaning.text.empty()) {
         // As `lexon-lab test` reads it: what would be a label or a comment gets a sign in front.

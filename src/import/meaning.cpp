@@ -8,10 +8,13 @@ bool has_attribute(const Concept& word, std::string_view attribute) {
   return std::find(word.attributes.begin(), word.attributes.end(), attribute) != word.attributes.end();
 }
 
+// Two steps may find the same, and a word shows each attribute once.
 void attribute_add(Concept& word, std::string_view attribute) {
   if (!has_attribute(word, attribute)) word.attributes.emplace_back(attribute);
 }
 
+// The first step that takes a triple says what became of it: what happens to the arc later happens to another arc that
+// only has its number.
 void settle(Meaning& meaning, int triple, Fate fate, const char* why) {
   if (triple < 0) return;
   Triple& settled = meaning.triples[static_cast<std::size_t>(triple)];

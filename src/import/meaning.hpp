@@ -56,6 +56,10 @@ struct Meaning {
   std::vector<Concept> concepts;
   std::vector<Arc> arcs;  // in the order of the source
   std::vector<Triple> triples;
+  // Of a file in which people speak in their own words, so far: what a sentence says somebody said is then direct speech.
+  bool is_dialogue = false;
+  int reports = 0;     // how many clauses this sentence says somebody said
+  int quotations = 0;  // how many of them have a form that only direct speech has
 };
 
 // A mistake in a source; the reader goes on behind it.

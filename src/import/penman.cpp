@@ -35,13 +35,15 @@ std::string_view trimmed(std::string_view text) {
   return text;
 }
 
-// The lines of one graph with the number of the first.
+// The lines of one graph with the number of the first. They are kept until the last parenthesis is there, as the parser
+// looks at a graph as a whole: a variable may stand in front of its definition.
 struct Lines {
   std::vector<std::string> text;
-  int first = 0;
+  int first = 0;  // counts from 1
 };
 
-// One sign or word of a graph. A role keeps its colon, a text has lost its quotes and escapes.
+// One sign or word of a graph. A role keeps its colon, a text has lost its quotes and escapes; signs have no text. `end`
+// comes again and again, so that nobody needs to ask twice whether there is more.
 struct Token {
   enum class Kind { open, close, slash, role, text, symbol, end } kind = Kind::end;
   std::string text;
@@ -83,6 +85,8 @@ class Tokens {
     head_.place = {lines_.first + static_cast<int>(lines_.text.size()) - 1, 1};
   }
 
+  // A word ends at a blank, a parenthesis or a quote, but not at "/": dates and addresses have it inside, and between a
+  // variable and its concept it has blanks around it.
   void cut(const std::string& line) {
     head_.place = place();
     const char c = line[at_];
@@ -101,6 +105,7 @@ class Tokens {
     if (tilde != std::string::npos && tilde > 0 && tilde + 1 < head_.text.size()) head_.text.resize(tilde);
   }
 
+  // A text ends with its line at the latest: one quote too few costs a line and not the file.
   void cut_text(const std::string& line) {
     head_.kind = Token::Kind::text;
     for (++at_; at_ < line.size() && line[at_] != '"'; ++at_) {
@@ -136,7 +141,9 @@ void split_role(Arc& arc, std::string_view role) {
   if (arc.inverse && arc.role == "domain") arc.role = "mod", arc.inverse = false;
 }
 
-// Builds the meaning of one graph. It walks without recursion, so that no nesting of a source fills the stack.
+// Builds the meaning of one graph. It walks without recursion, so that no nesting of a source fills the stack. Whatever is
+// wrong, what has been read stays: a sentence with a word less is worth more to the user than none, and the message says
+// what is missing.
 class GraphParser {
  public:
   GraphParser(const Lines& lines, Meaning& meaning, std::vector<SourceError>& errors)
@@ -146,7 +153,7 @@ class GraphParser {
     meaning_.place = tokens_.head().place;
     if (tokens_.head().kind != Token::Kind::open) return error(tokens_.head().place, "a graph begins with \"(\"");
     tokens_.take();
-    meaning_.root = concept_begin(-1, {});
+    meaning_.root = concept_begin(-1);
     while (!open_.empty() && tokens_.head().kind != Token::Kind::end) {
       if (!step()) break;
     }
@@ -175,6 +182,7 @@ class GraphParser {
 
   void error(SourcePlace place, std::string text) { errors_.push_back({place, std::move(text)}); }
 
+  // Every triple of the source goes on the list as it is read, before anybody knows what becomes of it.
   int triple_add(SourcePlace place, std::string source, std::string role, std::string target) {
     meaning_.triples.push_back({place, std::move(source), std::move(role), std::move(target)});
     return static_cast<int>(meaning_.triples.size()) - 1;
@@ -185,8 +193,9 @@ class GraphParser {
     return static_cast<int>(meaning_.concepts.size()) - 1;
   }
 
-  // Behind an opening parenthesis: `variable / concept`. `arc` is the one that leads here, -1 for the root.
-  int concept_begin(int arc, const std::string& role) {
+  // Behind an opening parenthesis: `variable / concept`. `arc` is the one that leads here, -1 for the root. In all three
+  // cases a concept is opened, as the closing parenthesis will close one.
+  int concept_begin(int arc) {
     Concept word;
     const SourcePlace place = tokens_.head().place;
     if (tokens_.head().kind == Token::Kind::symbol) {
@@ -223,7 +232,6 @@ class GraphParser {
       meaning_.triples[static_cast<std::size_t>(led.triple)].target = variable;
     }
     open_.push_back(at);
-    (void)role;
     return at;
   }
 
@@ -248,6 +256,8 @@ class GraphParser {
     return true;
   }
 
+  // Behind a role: a concept in parentheses, a text, or a symbol, which waits for the end of the graph. A role without
+  // target keeps its triple, as left out.
   void target(const Token& role) {
     const Token::Kind kind = tokens_.head().kind;
     if (kind == Token::Kind::role || kind == Token::Kind::close || kind == Token::Kind::end || role.text.size() < 2) {
@@ -264,7 +274,7 @@ class GraphParser {
     meaning_.arcs.push_back(arc);
     const int at = static_cast<int>(meaning_.arcs.size()) - 1;
     if (kind == Token::Kind::open) {
-      concept_begin(at, role.text);
+      concept_begin(at);
     } else if (kind == Token::Kind::text) {
       constant(at, head.text, true);
     } else {
@@ -378,7 +388,7 @@ class FileReader {
  private:
   enum class Section { graph, document, other };
 
-  std::string name_;
+  std::string name_;  // labels begin with it where the file gives none
   const MeaningSink& sink_;
   Section section_ = Section::graph;  // of UMR; an AMR file is all graph
   bool is_umr_ = false;
@@ -386,10 +396,10 @@ class FileReader {
   int depth_ = 0;         // open parentheses; 0 between graphs
   bool in_text_ = false;  // inside quotes, which end with their line at the latest
   Lines lines_;
-  Meaning next_;                  // the metadata of the graph to come
-  std::optional<Meaning> ready_;  // a graph that waits for its document level
-  std::string document_;
-  std::vector<SourceError> errors_;
+  Meaning next_;                     // the metadata of the graph to come
+  std::optional<Meaning> ready_;     // a graph that waits for its document level
+  std::string document_;             // the lines of the document level of that graph
+  std::vector<SourceError> errors_;  // since the last graph was handed on
 
   // A line that cannot belong to the graph that is open: its closing parentheses are missing.
   static bool begins_another(const std::string& text, std::string_view bare) {
@@ -410,6 +420,8 @@ class FileReader {
     }
   }
 
+  // The graph waits in `ready_`: of UMR the document level comes behind it. An AMR graph is handed on when the next one or
+  // the end comes, which is one graph of memory and no delay that anybody sees.
   void graph_end() {
     hand_on();
     depth_ = 0;
@@ -422,6 +434,7 @@ class FileReader {
     if (is_umr_) section_ = Section::other;
   }
 
+  // Errors without a graph are handed on, too: a line between two graphs may be a graph that lost its parenthesis.
   void hand_on() {
     if (ready_ && !document_.empty()) document_level(document_, *ready_);
     document_.clear();
@@ -435,6 +448,7 @@ class FileReader {
     errors_.clear();
   }
 
+  // UMR's heads of sections, or the pairs of AMR. "# :: snt3" begins a sentence and makes the file one of UMR for good.
   void metadata(std::string_view bare) {
     if (bare.starts_with("# :: snt")) {
       hand_on();

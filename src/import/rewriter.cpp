@@ -6,6 +6,7 @@
 
 namespace lexon {
 
+// A copy of numbers and not a view of arcs: who walks over it may add arcs on the way, which moves the arcs in memory.
 std::vector<int> Rewriter::children(int at) {
   std::vector<int> found;
   for (std::size_t i = 0; i < meaning_.arcs.size(); ++i) {
@@ -22,6 +23,8 @@ int Rewriter::child(int at, std::string_view role, bool inverse) {
   return -1;
 }
 
+// The first in the order of the source, whichever way the walk from the root would come: steps that need that way ask for
+// it themselves (first_arcs in steps_clauses.cpp).
 int Rewriter::parent(int at) {
   for (std::size_t i = 0; i < meaning_.arcs.size(); ++i) {
     if (meaning_.arcs[i].to == at && !meaning_.arcs[i].gone) return static_cast<int>(i);
@@ -35,6 +38,7 @@ int Rewriter::mentions(int at) {
   return count;
 }
 
+// (b / boy :ARG0-of (w / want-01)) and (w / want-01 :ARG0 (b / boy)) say the same of want-01.
 int Rewriter::argument(int frame, std::string_view role) {
   for (std::size_t i = 0; i < meaning_.arcs.size(); ++i) {
     const Arc& one = meaning_.arcs[i];
@@ -101,6 +105,7 @@ void Rewriter::move_children(int old, int now) {
   }
 }
 
+// The order matters: the arc goes first, or what led to `at` would be turned into an arc from `now` to itself.
 void Rewriter::stand_in(int at, int arc_at, Fate how) {
   const int now = other(arc_at, at);
   remove(arc_at, how);
@@ -109,6 +114,7 @@ void Rewriter::stand_in(int at, int arc_at, Fate how) {
   move_children(at, now);
 }
 
+// It has no triple and no variable: nothing of the source is lost with it, and no table of attributes can name it.
 int Rewriter::add_concept(std::string name) {
   Concept made;
   made.name = std::move(name);

@@ -15,12 +15,15 @@ const char* fault_of(const std::string& label) {
 
 }  // namespace
 
+// `role` may be that of a source with its colon (:ARG0, :ARG0-of), a role with a value (:polarity=-), a dependency (nsubj)
+// or a feature (Number=Plur): the readers ask for them by the same text, so that one table serves all.
 std::vector<SourceError> RoleTable::read(std::istream& in) {
   std::vector<SourceError> errors;
   std::string line;
   for (int number = 1; std::getline(in, line); ++number) {
     if (!line.empty() && line.back() == '\r') line.pop_back();
     if (line.empty() || line[0] == '#') continue;
+    // The first tab: a label has none, and a line with two is told by the check of the label.
     const std::size_t tab = line.find('\t');
     if (tab == std::string::npos || tab == 0) {
       errors.push_back({{number, 1}, "a line is a role, a tab and a label"});
@@ -36,11 +39,13 @@ std::vector<SourceError> RoleTable::read(std::istream& in) {
   return errors;
 }
 
+// The pointer holds until the table is read into again.
 const std::string* RoleTable::find(const std::string& role) const {
   const auto found = labels_.find(role);
   return found == labels_.end() ? nullptr : &found->second;
 }
 
+// Two roles may become one label so; the counts of roles that the table lacks name the whole role.
 std::string RoleTable::cut(std::string_view role) {
   std::string label;
   for (const char c : role) {

@@ -59,6 +59,7 @@ int mention_of(Rewriter& graph, int at) {
   return made;
 }
 
+// True for a concept with one of these names, whatever its sense.
 template <std::size_t N>
 bool is_one_of(Rewriter& graph, int at, const std::array<const char*, N>& names) {
   return std::any_of(names.begin(), names.end(), [&](const char* name) { return graph.word(at).name == name; });
@@ -77,6 +78,7 @@ constexpr Conjunction kConjunctions[] = {
     {"sum-of", "@and"},   {"either", "@or"}, {"neither", "@nor"},        {"slash", "@slash"},
     {"contrast", "@but"}, {"but", "@but"},   {"multi-sentence", "@snt"}, {"multiple-sentences", "@snt"}};
 
+// Null for what joins nothing.
 const Conjunction* conjunction_of(Rewriter& graph, int at) {
   for (const Conjunction& one : kConjunctions) {
     // contrast-01 is a frame, the others are none: and-01 would be another word.
@@ -149,18 +151,31 @@ void coordinate(Rewriter& graph, int at, const Conjunction& conjunction) {
     const int subject = subject_arc(graph, part);
     const int model = subject_arc(graph, head);
     const bool is_shared = subject >= 0 && model >= 0 && graph.arc(subject).to == graph.arc(model).to &&
-                           graph.arc(subject).role == graph.arc(model).role &&
                            std::string_view(conjunction.attribute) != "@snt";
+    if (is_shared && graph.arc(subject).role == "ARG1") attribute_add(graph.word(part), "@shr1");
     if (is_shared) graph.arc(subject).role = "shared";
     graph.replace(parts[i], last, part, "conjunct");
     last = part;
   }
   graph.remove(parts[0], Fate::relation);
+  const bool is_bidden = has_attribute(graph.word(head), "@imp");
   for (const std::string& attribute : graph.word(at).attributes) {
-    if (attribute != "@pl" && attribute != "@sg" && attribute != "@v") attribute_add(graph.word(head), attribute);
+    // Some files mark a request with more than one mood.
+    const bool is_other_mood = is_bidden && (attribute == "@int" || attribute == "@may");
+    const bool is_own = attribute == "@pl" || attribute == "@sg" || attribute == "@v";
+    if (!is_own && !is_other_mood) attribute_add(graph.word(head), attribute);
   }
   graph.redirect(at, head);
   graph.move_children(at, head);
+}
+
+// Arguments of a frame, in contrast to circumstances.
+bool is_core_role(const std::string& role) {
+  return role.starts_with("ARG");
+}
+
+bool is_core(const Arc& one) {
+  return !one.inverse && is_core_role(one.role);
 }
 
 // ---- quotation -----------------------------------------------------------------------------------------------------
@@ -199,15 +214,55 @@ bool is_said_so(Rewriter& graph, int frame, int at) {
          !is_one_of(graph, at, kStandIn) && !has_attribute(graph.word(at), "@name");
 }
 
+// All concepts that a clause is made of, itself first; graphs have circles, so each is there once.
+std::vector<int> clause_words(Rewriter& graph, int clause) {
+  std::vector<int> words{clause};
+  for (std::size_t i = 0; i < words.size(); ++i) {
+    for (const int led : graph.children(words[i])) {
+      const int to = graph.arc(led).to;
+      if (std::find(words.begin(), words.end(), to) == words.end()) words.push_back(to);
+    }
+  }
+  return words;
+}
+
+// Who speaks is I in his own words, and to whom he speaks is you; not so where the source has made an I or you of them
+// itself. Somebody who speaks to himself is I.
+void speak_of_oneself(Rewriter& graph, int said, int speaker, int hearer) {
+  const std::vector<int> words = clause_words(graph, said);
+  const auto has_own = [&](const char* name) {
+    return std::any_of(words.begin(), words.end(), [&](int at) { return graph.is(at, name); });
+  };
+  const bool has_i = has_own("i") || has_own("we");
+  const bool has_you = has_own("you");
+  for (const int at : words) {
+    if (at == speaker || at == hearer) continue;
+    for (const int led : graph.children(at)) {
+      const bool is_speaker = graph.arc(led).to == speaker;
+      const bool is_person = (is_speaker && !has_i) || (graph.arc(led).to == hearer && !is_speaker && !has_you);
+      if (!is_person || graph.arc(led).inverse) continue;
+      const int person = graph.add_concept(is_speaker ? "i" : "you");
+      attribute_add(graph.word(person), is_speaker ? "@p1" : "@p2");
+      graph.arc(led).to = person;
+    }
+  }
+}
+
 void quote(Rewriter& graph, int at) {
   // Who answers says the answer to a question.
-  constexpr std::array kAnswering{"answer", "reply", "respond"};
+  constexpr std::array kAnswering{"answer", "reply", "respond", "interrupt"};
   const bool is_answer = is_one_of(graph, at, kAnswering);
   const int led = graph.child(at, is_answer ? "ARG2" : "ARG1");
   const int who = graph.child(at, "ARG0");
   const int whom = graph.child(at, is_answer ? "ARG1" : "ARG2");
-  if (led < 0) return;
+  if (led < 0 || who < 0) return;
   const int said = graph.arc(led).to;
+  // Whoever asks does not ask whether he asks: the question is what he says.
+  if (graph.is(at, "ask", "01") && has_attribute(graph.word(at), "@int") && who >= 0 &&
+      !graph.is(graph.arc(who).to, "you")) {
+    std::erase(graph.word(at).attributes, "@int");
+    attribute_add(graph.word(said), "@int");
+  }
   // "I said to you that ...": who says I inside is the same, so the sentence may as well report it.
   const auto speaks_itself = [&](int arc_at) {
     if (arc_at < 0) return false;
@@ -215,16 +270,30 @@ void quote(Rewriter& graph, int at) {
     return graph.is(person, "i") || graph.is(person, "you") || graph.is(person, "we");
   };
   const int subject = subject_arc(graph, said);
-  const bool is_asked_to = whom >= 0 && subject >= 0 && graph.arc(subject).to == graph.arc(whom).to;
-  if (has_attribute(graph.word(said), "@whether") || is_asked_to || speaks_itself(who) || speaks_itself(whom)) return;
-  if (!has_speaker(graph, said, 0) && !is_said_so(graph, at, said)) return;
+  const bool is_to_oneself = who >= 0 && whom >= 0 && graph.arc(who).to == graph.arc(whom).to;
+  const bool is_asked_to = whom >= 0 && subject >= 0 && graph.arc(subject).to == graph.arc(whom).to && !is_to_oneself;
+  if (has_attribute(graph.word(said), "@whether") || is_asked_to) return;
+  const bool is_other = !speaks_itself(who) && !speaks_itself(whom);
+  const bool is_direct = is_other && (has_speaker(graph, said, 0) || is_said_so(graph, at, said));
+  // What the sentence is about, or is joined to that, is told; what stands below is spoken of.
+  const bool is_told = at == graph.meaning().root || !is_core(graph.arc(graph.parent(at)));
+  constexpr std::array kUttering{"say",    "ask",   "answer",   "reply",   "exclaim", "cry", "remark", "repeat",
+                                 "murmur", "shout", "call-out", "respond", "whisper", "add", "demand", "interrupt"};
+  const bool is_report = is_told && who >= 0 && is_clause(graph, said) && is_one_of(graph, at, kUttering) &&
+                         !has_attribute(graph.word(at), "@neg") && !has_attribute(graph.word(at), "@can");
+  if (is_report && is_other) {
+    ++graph.meaning().reports;
+    graph.meaning().quotations += is_direct;
+  }
+  if (!is_direct && !(is_report && graph.meaning().is_dialogue)) return;
   graph.arc(led).role = "quoted";
   attribute_add(graph.word(said), "@quote");
+  if (who >= 0) speak_of_oneself(graph, said, graph.arc(who).to, whom >= 0 ? graph.arc(whom).to : -1);
   // Behind a quotation a verb without an auxiliary stands before its subject, if that is no pronoun: said the king.
-  constexpr std::array kPronouns{"he", "she", "it", "they", "one"};
+  constexpr std::array kPronouns{"i", "we", "you", "he", "she", "it", "they", "one"};
   const bool is_plain = !has_attribute(graph.word(at), "@neg") && !has_attribute(graph.word(at), "@ask") &&
                         !has_attribute(graph.word(at), "@int") && !has_attribute(graph.word(at), "@can");
-  if (who >= 0 && is_plain && !is_one_of(graph, graph.arc(who).to, kPronouns)) graph.arc(who).role = "speaker";
+  if (is_plain && !is_one_of(graph, graph.arc(who).to, kPronouns)) graph.arc(who).role = "speaker";
 }
 
 // ---- questions -----------------------------------------------------------------------------------------------------
@@ -233,14 +302,6 @@ void quote(Rewriter& graph, int at) {
 constexpr std::array kReporting{"know", "wonder", "understand", "forget", "remember", "learn",  "explain", "tell",
                                 "see",  "ask",    "find-out",   "show",   "discover", "teach",  "inquire", "question",
                                 "say",  "decide", "realize",    "hear",   "doubt",    "matter", "idea",    "care"};
-
-bool is_core_role(const std::string& role) {
-  return role.starts_with("ARG");
-}
-
-bool is_core(const Arc& one) {
-  return !one.inverse && is_core_role(one.role);
-}
 
 // What is asked for moves to the front of its clause, together with the phrase that it belongs to.
 void question(Rewriter& graph, int unknown) {
@@ -288,16 +349,61 @@ void question(Rewriter& graph, int unknown) {
   if (!is_subject) graph.replace(led, clause, phrase, "questioned");
 }
 
+// A noun that no word picks out: no name, no pronoun, nobody's, none of several.
+bool is_any(Rewriter& graph, int at) {
+  const Concept& word = graph.word(at);
+  constexpr std::array kPronouns{"it", "this", "that",     "they",    "he",        "she",    "i",   "you",
+                                 "we", "one",  "anything", "nothing", "something", "anyone", "all", "any"};
+  if (!word.sense.empty() || word.variable.empty() || has_attribute(word, "@name") || is_unknown(graph, at))
+    return false;
+  if (is_one_of(graph, at, kPronouns) || conjunction_of(graph, at) != nullptr || graph.mentions(at) > 1) return false;
+  for (const char* role : {"poss", "possessor", "quant", "domain", "part-of"}) {
+    if (graph.child(at, role) >= 0) return false;
+  }
+  const int mod = graph.child(at, "mod");
+  constexpr std::array kPicking{"this", "that", "any", "every", "all", "other", "another", "same", "such", "only"};
+  return mod < 0 || !is_one_of(graph, graph.arc(mod).to, kPicking);
+}
+
 }  // namespace
 
+// :polarity - is @neg by the table of roles before any step. Here it meets the words that have a negation in them, and
+// (x :polarity (a / amr-unknown)) becomes a question, @int.
 void step_polarity(Meaning& meaning) {
   Rewriter graph(meaning, "polarity");
   for (int at = 0; at < graph.count(); ++at) {
     // "Not ever" is one word, and takes the negation with it.
-    for (const char* role : {"time", "temporal", "mod", "frequency"}) {
-      const int led = has_attribute(graph.word(at), "@neg") ? graph.child(at, role) : -1;
-      if (led < 0 || !graph.is(graph.arc(led).to, "ever")) continue;
+    for (const int led : graph.children(at)) {
+      if (!has_attribute(graph.word(at), "@neg") || !graph.is(graph.arc(led).to, "ever")) continue;
       graph.word(graph.arc(led).to).name = "never";
+      std::erase(graph.word(at).attributes, "@neg");
+    }
+    // A negated somebody is nobody.
+    constexpr std::pair<const char*, const char*> kNobody[] = {
+        {"somebody", "nobody"},   {"someone", "nobody"},   {"anybody", "nobody"},   {"anyone", "nobody"},
+        {"something", "nothing"}, {"anything", "nothing"}, {"somewhere", "nowhere"}};
+    for (const auto& [positive, negative] : kNobody) {
+      if (!has_attribute(graph.word(at), "@neg") || !graph.is(at, positive)) continue;
+      graph.word(at).name = negative;
+      std::erase(graph.word(at).attributes, "@neg");
+    }
+    // What nobody does is said of nobody: "any" may not stand in front of "not".
+    const int doer = has_attribute(graph.word(at), "@neg") ? subject_arc(graph, at) : -1;
+    const int any = doer >= 0 ? graph.child(graph.arc(doer).to, "mod") : -1;
+    constexpr std::pair<const char*, const char*> kAny[] = {
+        {"anybody", "nobody"}, {"anyone", "nobody"}, {"anything", "nothing"}, {"any", "no"}};
+    for (const auto& [positive, negative] : kAny) {
+      const int word = doer >= 0 && graph.is(graph.arc(doer).to, positive) ? graph.arc(doer).to
+                       : any >= 0 && graph.is(graph.arc(any).to, positive) ? graph.arc(any).to
+                                                                           : -1;
+      if (word < 0 || graph.mentions(graph.arc(doer).to) > 1) continue;
+      graph.word(word).name = negative;
+      std::erase(graph.word(at).attributes, "@neg");
+    }
+    // "She has no garden": what is had is denied, if it is any of its kind.
+    const int had = graph.is(at, "have", "03") && has_attribute(graph.word(at), "@neg") ? graph.child(at, "ARG1") : -1;
+    if (had >= 0 && is_any(graph, graph.arc(had).to)) {
+      attribute_add(graph.word(graph.arc(had).to), "@neg");
       std::erase(graph.word(at).attributes, "@neg");
     }
     if (const int led = graph.child(at, "polarity"); led >= 0 && is_unknown(graph, graph.arc(led).to)) {
@@ -382,6 +488,8 @@ static void pronoun_apply(Rewriter& graph, int at) {
   graph.replace(led, frame, at, graph.arc(led).role);
 }
 
+// (p / person :ARG0-of (d / drive-01)): the driver, if the dictionary has one; else the rules say who drives. Runs behind
+// the offices, as a mayor is no haver of a role.
 void step_persons(Meaning& meaning) {
   Rewriter graph(meaning, "persons");
   for (int at = 0; at < graph.count(); ++at) {
@@ -412,9 +520,20 @@ void step_contrast(Meaning& meaning) {
   }
 }
 
+// (a / and :op1 x :op2 y :op3 z) becomes a chain, x :conjunct y :conjunct z, so that rules see neighbours; inner ones first
+// or last makes no difference, as each replaces only itself.
 void step_coordination(Meaning& meaning) {
   Rewriter graph(meaning, "coordination");
   for (int at = 0, end = graph.count(); at < end; ++at) {
+    // "Between five and ten years".
+    if (graph.is(at, "value-interval") || graph.is(at, "date-interval")) graph.word(at).name = "between";
+    if (const int second = graph.is(at, "between") ? graph.child(at, "op2") : -1; second >= 0) {
+      const int first = graph.child(at, "op1");
+      if (first < 0) continue;
+      attribute_add(graph.word(graph.arc(second).to), "@and");
+      graph.replace(second, graph.arc(first).to, graph.arc(second).to, "conjunct");
+      continue;
+    }
     const Conjunction* conjunction = conjunction_of(graph, at);
     if (conjunction != nullptr && graph.word(at).sense.empty()) coordinate(graph, at, *conjunction);
   }
@@ -461,6 +580,8 @@ void step_speaker(Meaning& meaning) {
   graph.move_children(frame, content);
 }
 
+// (s / say-01 :ARG0 k :ARG1 c): c is :quoted and k :speaker where the words themselves are given. Stands behind
+// coordination, so that a quotation of several clauses has a head, and before control, as its subjects are its own.
 void step_quotation(Meaning& meaning) {
   Rewriter graph(meaning, "quotation");
   for (int at = 0; at < graph.count(); ++at) {
@@ -468,6 +589,7 @@ void step_quotation(Meaning& meaning) {
   }
 }
 
+// (g / go-02 :location (a / amr-unknown)): what is asked for becomes :questioned of the clause that asks.
 void step_questions(Meaning& meaning) {
   Rewriter graph(meaning, "questions");
   for (int at = 0; at < graph.count(); ++at) {
@@ -511,7 +633,16 @@ void step_tense(Meaning& meaning) {
                           has_attribute(clause, "@fut") || has_attribute(clause, "@imp") ||
                           !has_attribute(clause, "@v");
     const int subject = subject_arc(graph, at);
-    if (!is_known && subject >= 0 && graph.is(graph.arc(subject).to, "you")) attribute_add(clause, "@pres");
+    const bool is_speech = has_attribute(clause, "@quote") && subject >= 0;
+    const bool is_to_you = subject >= 0 && graph.is(graph.arc(subject).to, "you");
+    if (!is_known && (is_speech || is_to_you)) attribute_add(clause, "@pres");
+    // Who asks you what happens means now: "what are you doing?"
+    const bool is_question = has_attribute(clause, "@ask") || has_attribute(clause, "@int");
+    constexpr std::array kStanding{"@can", "@must", "@should", "@may", "@maynot", "@likely", "@perf", "@habit", "@neg"};
+    const bool is_timed = graph.child(at, "frequency") >= 0 || graph.child(at, "time") >= 0 ||
+                          std::any_of(kStanding.begin(), kStanding.end(),
+                                      [&](const char* one) { return has_attribute(graph.word(at), one); });
+    if (!is_known && is_to_you && is_question && !is_timed) attribute_add(clause, "@now");
   }
 }
 
@@ -533,6 +664,8 @@ void step_voice(Meaning& meaning) {
   }
 }
 
+// What the rules must know of a whole clause before its first word stands: whether it has a subject, an auxiliary, an
+// expletive. No graph is changed here but for attributes, so that this step sees what the reader will see.
 void step_forms(Meaning& meaning) {
   Rewriter graph(meaning, "forms");
   // What English says with an auxiliary in front of the basic form.
@@ -541,10 +674,24 @@ void step_forms(Meaning& meaning) {
   for (int at = 0; at < graph.count(); ++at) {
     Concept& word = graph.word(at);
     constexpr std::array kGrades{"@more", "@most", "@less", "@least", "@too", "@so", "@very"};
+    // "A little" and "completely" leave a verb a verb: he hesitated a little.
+    constexpr std::array kIntensifying{"so",    "very",      "too",    "more",  "most",        "less",
+                                       "least", "extremely", "rather", "quite", "amr-unknown", "umr-unknown"};
+    const int degree = graph.child(at, "degree");
     const bool is_graded =
-        graph.child(at, "degree") >= 0 ||
+        (degree >= 0 && is_one_of(graph, graph.arc(degree).to, kIntensifying)) ||
         std::any_of(kGrades.begin(), kGrades.end(), [&](const char* one) { return has_attribute(word, one); });
     if (is_graded && has_attribute(word, "@v")) attribute_add(word, "@graded");
+    // Who does something, and of whom nothing else is said, is people.
+    const int deed =
+        graph.is(at, "person") && graph.children(at).empty() && graph.mentions(at) == 1 ? graph.parent(at) : -1;
+    const bool is_anybody = deed >= 0 && graph.arc(deed).role == "ARG0" && !graph.arc(deed).inverse;
+    if (is_anybody && !has_attribute(word, "@agent") && !has_attribute(word, "@ref")) word.name = "people";
+    // What is most of its kind is known: the oldest tree.
+    const int quality = has_attribute(word, "@most") ? graph.parent(at) : -1;
+    const bool is_below = quality >= 0 && graph.arc(quality).role == "mod" && !graph.arc(quality).inverse;
+    if (is_below && graph.child(graph.arc(quality).from, "poss") < 0)
+      attribute_add(graph.word(graph.arc(quality).from), "@def");
     const bool has_subject = subject_arc(graph, at) >= 0 || graph.child(at, "understood") >= 0 ||
                              graph.child(at, "shared") >= 0 || graph.child(at, "speaker") >= 0;
     if (has_subject) attribute_add(word, "@cl");
@@ -572,6 +719,7 @@ void step_forms(Meaning& meaning) {
   }
 }
 
+// (w / want-01 :ARG0 b :ARG1 (g / go-02 :ARG0 b)): the b of go-02 becomes :understood, and rules make an infinitive of it.
 void step_control(Meaning& meaning) {
   Rewriter graph(meaning, "control");
   // What seems to be done has its subject in front: "the cat seems to sleep".
@@ -612,6 +760,8 @@ void step_control(Meaning& meaning) {
   }
 }
 
+// A concept is one word. Where the graph leads to it a second time, a word of its own with @ref stands for it, and rules
+// make a pronoun of that; with @self if it is the subject of the same verb.
 void step_mentions(Meaning& meaning) {
   Rewriter graph(meaning, "mentions");
   // What each arc led to before mentions became words of their own: only so "himself" can be told from "him".
@@ -629,7 +779,8 @@ void step_mentions(Meaning& meaning) {
       const int again = mention_of(graph, from);
       graph.replace(led, to, again, graph.arc(led).role);
     } else {
-      const int agent = graph.child(graph.arc(led).from, "ARG0");
+      int agent = graph.child(graph.arc(led).from, "ARG0");
+      if (agent < 0) agent = graph.child(graph.arc(led).from, "speaker");
       const bool is_own =
           agent >= 0 && agent != led && meant[static_cast<std::size_t>(agent)] == to && is_core(graph.arc(led));
       graph.arc(led).to = mention_of(graph, to);

@@ -50,7 +50,10 @@ constexpr Reified kReified[] = {
     {"instead-of", "91", "ARG1", "ARG2", "substitute"},
     {"have-example", "91", "ARG1", "ARG2", "example"},
     {"exemplify", "01", "ARG1", "ARG0", "example"},
+    {"resemble", "91", "ARG1", "ARG2", "likeness"},
+    {"resemble", "01", "ARG1", "ARG2", "likeness"},
     {"include", "91", "ARG1", "ARG2", "superset"},
+    {"except", "01", "ARG2", "ARG1", "exception"},
     {"have-part", "91", "ARG1", "ARG2", "part"},
     {"have-age", "91", "ARG1", "ARG2", "age"},
     {"have-mod", "91", "ARG1", "ARG2", "mod"},
@@ -64,11 +67,12 @@ constexpr Reified kReified[] = {
 bool is_statement(const Reified& one) {
   const std::string_view role = one.role;
   return role == "mod" || role == "age" || role == "color" || role == "size" || role == "destination" ||
-         role == "part" || role == "superset" || role == "apposition" || role == "example" || role == "source" ||
-         role == "time" || role == "topic" || role == "accompanier" || role == "ord" || role == "purpose" ||
-         role == "substitute";
+         role == "part" || role == "superset" || role == "exception" || role == "apposition" || role == "example" ||
+         role == "source" || role == "time" || role == "topic" || role == "accompanier" || role == "ord" ||
+         role == "purpose" || role == "substitute" || role == "likeness";
 }
 
+// Null for a frame that stands for no role.
 const Reified* reified_of(Rewriter& graph, int at) {
   for (const Reified& one : kReified) {
     if (graph.is(at, one.name, one.sense)) return &one;
@@ -137,6 +141,21 @@ void reified_apply(Rewriter& graph, int at, const Reified& one) {
     graph.redirect(at, head);
     graph.move_children(at, head);
   }
+}
+
+// (t / thing :ARG0-of (c / cause-01 :ARG1 x)): the cause of x; as ARG1 the result of it.
+void cause_noun_apply(Rewriter& graph, int at) {
+  const int above = graph.parent(at);
+  const bool is_below = above >= 0 && graph.arc(above).inverse && graph.is(graph.arc(above).from, "thing");
+  if (!is_below || graph.children(graph.arc(above).from).size() != 1 || graph.children(at).size() != 1) return;
+  const bool is_cause = graph.arc(above).role == "ARG0";
+  const int led = graph.child(at, is_cause ? "ARG1" : "ARG0");
+  if (led < 0 || graph.mentions(at) > 1) return;
+  const int thing = graph.arc(above).from;
+  graph.word(thing).name = is_cause ? "cause" : "result";
+  graph.settle_concept(at, Fate::word);
+  graph.remove(above, Fate::word);
+  graph.replace(led, thing, graph.arc(led).to, "org");
 }
 
 // Pronouns that stand for people and things in AMR.
@@ -230,6 +249,7 @@ void office_apply(Rewriter& graph, int at, const Office& office) {
   graph.move_children(at, holder);
 }
 
+// A comparison is told by the quality, as words for it depend on its form: taller, more beautiful.
 // The attribute of a degree that is a word of its own; null for others, which stay words: "very much".
 const char* degree_attribute(const Concept& degree) {
   struct Named {
@@ -266,11 +286,13 @@ void degree_apply(Rewriter& graph, int at, bool is_quantity) {
       graph.replace(led, quality, degree, "degree");
     }
   }
+  // What it is compared to, the set in which it is the most, and what follows: "so tall that ...".
   constexpr std::pair<const char*, const char*> kOthers[] = {
       {"ARG4", "compared-to"}, {"ARG5", "superlative-of"}, {"ARG6", "consequence"}};
   for (const auto& [role, label] : kOthers) {
     if (const int led = graph.child(at, role); led >= 0) graph.replace(led, quality, graph.arc(led).to, label);
   }
+  // Nobody bears it: "as soon as possible".
   if (bearer_led < 0) {
     if (graph.arc(quality_led).from == at) {
       graph.remove(quality_led, Fate::relation);
@@ -320,7 +342,8 @@ constexpr Modal kModals[] = {
     {"recommend", "01", "ARG1", "@should"},
 };
 
-// The governed clause takes the place of the frame and an attribute in its stead.
+// The governed clause takes the place of the frame and an attribute in its stead; negation and mood of the frame go with
+// it. Nothing happens where a modal verb could not say it: no clause, somebody who recommends, a second modal.
 void modality_apply(Rewriter& graph, int at, const Modal& modal) {
   const int led = graph.argument(at, modal.governed);
   if (led < 0) return;
@@ -389,18 +412,39 @@ static void having_apply(Rewriter& graph, int at) {
   graph.remove(holder, Fate::relation);
 }
 
+// (c / cause-01 :ARG0 (r / rain-01) :ARG1 (s / stay-01)) becomes (s / stay-01 :cause (r / rain-01)). Nouns that a frame
+// makes come first, "the cause of", as they would be taken apart else.
 void step_reified(Meaning& meaning) {
   Rewriter graph(meaning, "reified");
   for (int at = 0; at < graph.count(); ++at) {
     if (graph.is(at, "have", "03")) having_apply(graph, at);
+    if (graph.is(at, "cause", "01")) cause_noun_apply(graph, at);
     // Nobody opines; people think.
     if (graph.is(at, "opine", "01")) graph.word(at).name = "think";
   }
   for (int at = 0; at < graph.count(); ++at) {
     if (const Reified* one = reified_of(graph, at)) reified_apply(graph, at, *one);
   }
+  // What others are taken from is several.
+  for (const Arc& one : meaning.arcs) {
+    const bool is_whole = one.role == "superset" && !one.inverse && !one.gone;
+    const Concept& whole = graph.word(one.to);
+    const bool is_noun = whole.sense.empty() && !whole.variable.empty() && !has_attribute(whole, "@name");
+    if (!is_whole || !is_noun) continue;
+    attribute_add(graph.word(one.to), "@pl");
+    // "One of the stars" names the stars once.
+    const int number = graph.child(one.from, "quant");
+    const bool is_one = number >= 0 && graph.is(graph.arc(number).to, "1");
+    if (!is_one || graph.word(one.from).name != whole.name) continue;
+    attribute_add(graph.word(one.to), "@def");
+    graph.word(one.from).name = "one";
+    graph.settle_concept(graph.arc(number).to, Fate::word);
+    graph.remove(number, Fate::word);
+  }
 }
 
+// (p / person :ARG0-of (h / have-org-role-91 :ARG1 c :ARG2 (m / mayor))): the mayor of c. A person with a name keeps it:
+// mayor Brown.
 void step_office(Meaning& meaning) {
   Rewriter graph(meaning, "office");
   // A part of somebody is his.
@@ -418,6 +462,7 @@ void step_office(Meaning& meaning) {
   }
 }
 
+// (h / have-degree-91 :ARG1 x :ARG2 (t / tall) :ARG3 (m / more) :ARG4 y): tall with @more, its bearer x, compared to y.
 void step_degree(Meaning& meaning) {
   Rewriter graph(meaning, "degree");
   for (int at = 0; at < graph.count(); ++at) {
@@ -443,6 +488,8 @@ static void value_apply(Rewriter& graph, int at) {
   graph.move_children(at, word);
 }
 
+// (p / possible-01 :ARG1 (g / go-02)) becomes (g / go-02) with @can. UMR gives the same as an attribute of the clause, or as
+// a frame with a value, which is taken first. Of several governed roles the first that is there counts.
 void step_modality(Meaning& meaning) {
   Rewriter graph(meaning, "modality");
   for (int at = 0; at < graph.count(); ++at) {

@@ -68,6 +68,8 @@ void name_apply(Rewriter& graph, int at, int led) {
 
 }  // namespace
 
+// (c / city :wiki "Oslo" :name ...): an address in an encyclopedia is no part of the sentence. The triple is told as left
+// out, as it is the one that rules can do nothing with.
 void step_wiki(Meaning& meaning) {
   Rewriter graph(meaning, "wiki");
   for (Arc& one : meaning.arcs) {
@@ -75,6 +77,8 @@ void step_wiki(Meaning& meaning) {
   }
 }
 
+// (c / city :name (n / name :op1 "New" :op2 "York")) becomes one word, New York, with @name and @city. What is written at
+// the city, a relative clause or a part, stays with it.
 void step_names(Meaning& meaning) {
   Rewriter graph(meaning, "names");
   for (int at = 0; at < graph.count(); ++at) {
@@ -83,6 +87,8 @@ void step_names(Meaning& meaning) {
   }
 }
 
+// (d / date-entity :month 3 :day 4 :year 2012): the month becomes the word, month(>3).@date.@month, and day and year stand
+// below it. A date without any of its parts stays what it is, and is a word that no dictionary knows: the report says so.
 void step_dates(Meaning& meaning) {
   // What a date is called by, if it has several parts.
   // The first that is there: the month of a full date, the year of a bare one.
@@ -119,6 +125,8 @@ static void rate_apply(Rewriter& graph, int at) {
   graph.stand_in(at, led);
 }
 
+// (t / temporal-quantity :quant 3 :unit (y / year)) becomes year.@measure with the quantity below it. Number is settled
+// here, too: three years, all years, but one year. Loops follow one another as each looks at what the one before has made.
 void step_quantities(Meaning& meaning) {
   Rewriter graph(meaning, "quantities");
   for (int at = 0, end = graph.count(); at < end; ++at) {
@@ -153,6 +161,10 @@ void step_quantities(Meaning& meaning) {
   constexpr std::array<std::string_view, 5> kSeveral{"all", "both", "most", "these", "those"};
   for (Arc& one : meaning.arcs) {
     if (one.gone || one.inverse || one.role != "mod") continue;
+    // "All these": all belongs to the noun, wherever the source writes it.
+    const bool is_pointing = graph.is(one.from, "this") || graph.is(one.from, "that");
+    const int above = is_pointing && graph.is(one.to, "all") ? graph.parent(one.from) : -1;
+    if (above >= 0 && graph.arc(above).role == "mod" && !graph.arc(above).inverse) one.from = graph.arc(above).from;
     const Concept& word = graph.word(one.to);
     if (word.variable.empty() && is_number(word.name)) one.role = "number";
     const bool is_several = std::find(kSeveral.begin(), kSeveral.end(), word.name) != kSeveral.end();
@@ -178,6 +190,8 @@ void step_quantities(Meaning& meaning) {
   }
 }
 
+// (p / person :mod (s / some)) is someone; (p / person :refer-person 3rd :refer-number plural) is they. Only what stands
+// alone becomes a pronoun: whatever is said of a person must still have a word to stand with.
 void step_pronouns(Meaning& meaning) {
   Rewriter graph(meaning, "pronouns");
   // "Some person" is someone.
@@ -195,6 +209,18 @@ void step_pronouns(Meaning& meaning) {
   }
   for (int at = 0; at < graph.count(); ++at) {
     Concept& word = graph.word(at);
+    const int counted = word.name == "thing" && word.sense.empty() ? graph.child(at, "quant") : -1;
+    if (counted >= 0 && !has_attribute(word, "@name")) {
+      // "He knows much": the quantity stands for the thing.
+      constexpr std::array<std::string_view, 4> kStanding{"much", "lot", "enough", "more"};
+      const int quantity = graph.arc(counted).to;
+      const std::string& name = graph.word(quantity).name;
+      const bool is_standing = std::find(kStanding.begin(), kStanding.end(), name) != kStanding.end();
+      if (is_standing && graph.mentions(quantity) == 1) graph.stand_in(at, counted, Fate::word);
+      continue;
+    }
+    // An event of which nothing is said was spoken of before.
+    if (word.name == "event" && word.sense.empty() && graph.children(at).empty()) word.name = "that";
     const bool is_bare =
         word.sense.empty() && graph.children(at).empty() &&
         (word.name == "person" || word.name == "thing" || word.name == "animal" || word.name == "individual-person");
