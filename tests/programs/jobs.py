@@ -37,6 +37,7 @@ LONG = "[S:9]\n{hidden}\n" + ("x" * 1500 + "\n") * 1000 + "{/hidden}\n" + senten
 # What keeps some threads waiting for others: a name, the text, switches.
 SLOW = [
     ("a slow sentence in front", [sentence(0, 4), *SHORT], "-N0"),
+    ("a slow sentence in front of a bad line", [sentence(0, 4), "[S]\nnxt(\n[/S]\n", SHORT[0]], "-N0"),
     ("slow ones among short ones, with their trace", [sentence(i, 2 if i % 7 == 3 else 0) for i in range(60)], "-N0 -L4"),
     ("a long text", [*SHORT[:3], LONG, "[S]\nnxt(\n[/S]\n", *SHORT[:3]], "-N0"),
     ("counted from below, with a time limit", SHORT[:9], "-S-1 -N5 -T9"),
