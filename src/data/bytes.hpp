@@ -62,14 +62,22 @@ class ByteReader {
     return from == nullptr ? ByteView{} : ByteView{from, length};
   }
   [[nodiscard]] std::string_view text(std::size_t length) { return as_text(bytes(length)); }
-  // Bytes or a text behind their length.
-  [[nodiscard]] ByteView bytes() { return bytes(u16()); }
+  // Bytes or a text behind their length. Both are checked at once, since records are made of such fields.
+  [[nodiscard]] ByteView bytes() {
+    const std::uint8_t* const from = bytes_.data() + at_;
+    const std::size_t left = bytes_.size() - at_;
+    ok_ = ok_ && left >= kLengthSize && load_u16(from) <= left - kLengthSize;
+    if (!ok_) return {};
+    const ByteView field{from + kLengthSize, load_u16(from)};
+    at_ += kLengthSize + field.size();
+    return field;
+  }
   [[nodiscard]] std::string_view text() { return text(u16()); }
 
   // Takes `Count` lengths of 0, if these stand next.
   template <std::size_t Count = 1>
   [[nodiscard]] bool next_are_empty() {
-    static constexpr std::array<std::uint8_t, 2 * Count> kEmpty{};
+    static constexpr std::array<std::uint8_t, kLengthSize * Count> kEmpty{};
     const bool are_empty = ok_ && bytes_.size() - at_ >= kEmpty.size() &&
                            std::memcmp(bytes_.data() + at_, kEmpty.data(), kEmpty.size()) == 0;
     if (are_empty) at_ += kEmpty.size();
@@ -88,6 +96,8 @@ class ByteReader {
   [[nodiscard]] bool next_is(char c) const { return more() && bytes_[at_] == static_cast<std::uint8_t>(c); }
 
  private:
+  static constexpr std::size_t kLengthSize = 2;
+
   // The next `length` bytes, or null if there are fewer.
   const std::uint8_t* take(std::size_t length) {
     if (!ok_ || length > bytes_.size() - at_) {

@@ -19,6 +19,7 @@ void LookupMemory::attend(const Files& files) {
   if (count_ * 2 >= kAnswers || kAnswerBytes - used_ < kLeastRoom) answers_forget();
 }
 
+// The labels come last: a shelf that has them has all, and one that could not be made is tried again.
 bool LookupMemory::has_room(Shelf& shelf, Kind kind) {
   if (shelf.labels != nullptr) return true;
   const std::size_t size = kBlocks * kBlockSizes[static_cast<std::size_t>(kind)];
@@ -42,6 +43,7 @@ LookupMemory::Block LookupMemory::block(std::FILE* stream, std::int64_t offset, 
   Shelf::Label& label = shelf.labels[place];
   const Block kept = {shelf.bytes.get() + place * size, kind == Kind::words ? nullptr : &shelf.places[place]};
   if (label.stream == stream && label.offset == offset) return kept;
+  // What stood there is gone, whether or not the read succeeds.
   label = {nullptr, offset};
   if (!file_read_at(stream, offset, shelf.bytes.get() + place * size, size)) return {nullptr, nullptr};
   label.stream = stream;
@@ -49,6 +51,7 @@ LookupMemory::Block LookupMemory::block(std::FILE* stream, std::int64_t offset, 
   return kept;
 }
 
+// A file that is not attended has no answers: nobody would notice that it has changed.
 std::optional<const LookupMemory::Kept*> LookupMemory::answer(const Question& question) const {
   const std::size_t file = file_of(question.dictionary);
   if (file == kNone || slots_ == nullptr) return std::nullopt;
@@ -66,6 +69,7 @@ void LookupMemory::answer_begin(const Question& question) {
   draft = {question, std::hash<std::string_view>{}(question.key), static_cast<std::uint8_t>(file), nullptr, nullptr};
 }
 
+// Words are linked twice: as records of the memory, and as the list that a node can use as it stands.
 LookupMemory::Kept* LookupMemory::answer_add(std::size_t text_bytes) {
   if (!draft_) return nullptr;
   std::uint8_t* room = take(sizeof(Kept) + text_bytes);
@@ -85,6 +89,8 @@ LookupMemory::Kept* LookupMemory::answer_add(std::size_t text_bytes) {
   return kept;
 }
 
+// Only now does the answer get its slot, behind all its words: one that was given up on the way leaves nothing but room that
+// is not used.
 const LookupMemory::Kept* LookupMemory::answer_end() {
   if (!draft_) return nullptr;
   const Kept* words = nullptr;
@@ -119,6 +125,7 @@ LookupMemory::Slot& LookupMemory::slot_of(std::size_t file, const Question& ques
   return slots_[at];
 }
 
+// Both live as long as the memory. `holds` asks for the bounds, which are set once the room is there.
 bool LookupMemory::has_room_for_answers() {
   if (answers_ == nullptr) {
     answers_.reset(new (std::nothrow) std::uint8_t[kAnswerBytes]);

@@ -88,12 +88,12 @@ class BlockChain {
   LookupMemory& lookups_;
   std::FILE* stream_;
   LookupMemory::Kind kind_;
-  std::uint16_t next_;
-  std::uint16_t number_ = 0;
-  std::uint16_t remembered_ = 0;
-  std::uint32_t steps_ = 0;
-  std::uint32_t stretch_ = 1;
-  bool is_unreadable_ = false;
+  std::uint16_t next_;            // the block to come; 0: none
+  std::uint16_t number_ = 0;      // the current one, or the one that cannot be read
+  std::uint16_t remembered_ = 0;  // a block that the walk has been at; 0: none yet
+  std::uint32_t steps_ = 0;       // since then
+  std::uint32_t stretch_ = 1;     // after so many it remembers another one
+  bool is_unreadable_ = false;    // the walk has ended at a block that the file does not hold
   LookupMemory::Block block_{};
   std::array<std::uint8_t, Size> room_;  // for a block that is not kept
 };

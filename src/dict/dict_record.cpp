@@ -120,7 +120,7 @@ ByteView record_at(ByteView content, std::size_t at) {
   return fits ? content.subspan(at, size) : ByteView{};
 }
 
-// Without a look at the attribute block as such: to step over, it is a field like others.
+// Each field stands behind its length, the attribute block as a whole, so that all are stepped over in the same way.
 std::optional<std::string_view> record_field(ByteView record, int key_field) {
   std::size_t at = 2;
   for (int field = 1;; ++field) {
@@ -133,6 +133,7 @@ std::optional<std::string_view> record_field(ByteView record, int key_field) {
   }
 }
 
+// Only the surface form has to be there: a record may end behind any field from the gloss on.
 bool stored_record_read(ByteView record, StoredRecord& stored) {
   if (record.size() < 2) return false;
   stored.total_size = load_u16(record.data());

@@ -46,7 +46,8 @@ Status scan_key_chain(Session& session, std::FILE* dictionary, std::uint16_t fir
   return Status::ok;
 }
 
-// From the key blocks of `hits` to the data blocks that they name.
+// From the key blocks of `hits` to the data blocks that they name. A key that several entries name leads to several, in
+// the order of the entries.
 Status scan_key_blocks(Session& session, std::FILE* dictionary, std::string_view key, KeyHits& hits) {
   KeyWalk walk{.key = key, .begin = kDictDataOffset};
   Status s = Status::ok;
@@ -117,7 +118,7 @@ Status group_open(Session& session, DataScan& scan, std::int32_t block, std::siz
   return Status::ok;
 }
 
-// Takes a word into the current group, or opens one for it.
+// Takes a word into the current group, or opens one for it: a hit whose chain has no word of the key gives no group.
 Status append_word(Session& session, DataScan& scan, WordEntry& word, std::uint16_t block, std::uint16_t offset) {
   if (scan.word_link == nullptr) {
     if (const Status s = group_open(session, scan, block, offset); s != Status::ok) return s;
@@ -176,6 +177,7 @@ ByteView record_find(ByteView content, std::size_t from, DataScan& scan) {
                                   : record_find(content, from, scan.key_field, scan.key, scan.is_done);
 }
 
+// The words of one block. What is found stays, whatever the rest of the block is like.
 Status scan_data_block(Session& session, DataScan& scan, const DictChain& chain) {
   const ByteView content = chain.content();
   for (std::size_t from = kDictDataOffset; from < content.size();) {
@@ -192,6 +194,7 @@ Status scan_data_block(Session& session, DataScan& scan, const DictChain& chain)
   return Status::ok;
 }
 
+// The words of one hit: all blocks of its chain, since nothing but the first field tells where to end.
 Status scan_data_chain(Session& session, DataScan& scan, std::FILE* dictionary, std::uint16_t first) {
   scan.word_link = nullptr;
   scan.is_done = false;

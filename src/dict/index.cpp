@@ -26,8 +26,8 @@ Status lookup_from(Session& session, KeyHits& hits, const DictionaryFiles& files
   return dict_scan(session, files.dictionary, key_field == kKeyHw ? 0 : 1, key_field, key, hits, groups);
 }
 
-// Asks what is remembered first, and remembers the answer. `kept` may be null; it receives the words as they are kept,
-// or null.
+// A lookup in a field that has a slot: what is remembered of it, or the walk. What the walk found becomes an answer if nothing
+// was wrong on the way.
 Status lookup_by(Session& session, const DictionaryFiles& files, const IndexDescriptor& descriptor, int key_field,
                  std::string_view key, LookupGroup*& groups, const LookupMemory::Kept** kept) {
   // With an index that is looked for each time, nobody knows whether it is still the same one.
@@ -77,7 +77,7 @@ std::FILE* index_open(const std::string& prefix, const IndexDescriptor& descript
   return regular_file_open(prefix + descriptor.name, read_only ? "rb" : "rb+");
 }
 
-// The first place is told, all are counted.
+// The first one is told to the user, by its place; of the others the number.
 void note_damaged_block(Session& session, const std::FILE* stream, std::int64_t offset) {
   if (session.damage.blocks++ != 0) return;
   session.damage.stream = stream;

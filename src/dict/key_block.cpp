@@ -1,5 +1,6 @@
-// Entries stand in order, so that halving finds a key, among numbers made of the keys' beginnings. In a damaged block they need not: there the first entry above the
-// key ends the walk, wherever it stands, and such a block is read from its beginning.
+// Entries stand in order, so that halving finds a key, among numbers made of the keys' beginnings. In a damaged block they
+// need not: there the first entry above the key ends the walk, wherever it stands, and such a block is read from its
+// beginning.
 
 #include "dict/key_block.hpp"
 
@@ -14,7 +15,7 @@ namespace {
 
 using KeyPlaces = LookupMemory::KeyPlaces;
 
-// The entry must have been found whole.
+// The key of the entry at offset `at`, which `places_find` has found to be whole.
 std::string_view key_at(ByteView content, std::size_t at) {
   return as_text(content.subspan(at + 2, load_u16(content.data() + at)));
 }
@@ -80,8 +81,8 @@ std::size_t count_below(ByteView content, const KeyPlaces& places, std::string_v
   return below;
 }
 
-// What an entry means for the walk, by how its key compares with the one that is looked for. The nearest is the last
-// one that is not above it, or the first of all.
+// One step of the walk. `order` says how the entry's key stands to the one that is looked for. The greatest entry below is
+// the last that was met; an entry above counts only where nothing stands in front of it.
 Status take_entry(Session& session, KeyWalk& walk, int order, std::uint16_t block) {
   walk.has_passed = order > 0;
   if (!walk.has_passed || !walk.has_nearest) walk.nearest = block;

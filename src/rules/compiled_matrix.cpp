@@ -151,21 +151,21 @@ std::size_t row_bits(const RuleMatrix& matrix) {
   return static_cast<std::size_t>(matrix.row_bytes) * 8;
 }
 
-// Appends to the row's list the rules whose bits in `row` differ from those of `others`.
+// Appends to the row's list the rules whose bits in `row` differ from those of `others`, which are all alike. Few do, and
+// most words are passed over whole.
 void row_take(std::span<const std::uint8_t> row, std::uint64_t others, NumberLists& rules) {
-  const std::size_t bits = row.size() * 8;
-  const auto word_take = [&](std::size_t at) {
-    for_each_bit(bits_at(row.data(), row.size(), at) ^ others, at * 8, [&](std::size_t rule) {
-      if (rule < bits) rules.items.push_back(static_cast<std::int32_t>(rule));
-    });
-  };
+  const auto take = [&](std::size_t rule) { rules.items.push_back(static_cast<std::int32_t>(rule)); };
   std::size_t at = 0;
   for (; at + kWordBytes <= row.size(); at += kWordBytes) {
-    std::uint64_t word = 0;
-    std::memcpy(&word, row.data() + at, kWordBytes);
-    if (word != others) word_take(at);
+    const std::uint64_t word = bits_at(row.data() + at, kWordBytes, 0);
+    if (word != others) for_each_bit(word ^ others, at * 8, take);
   }
-  if (at < row.size()) word_take(at);
+  if (at < row.size()) {
+    const std::size_t bits = row.size() * 8;
+    for_each_bit(bits_at(row.data(), row.size(), at) ^ others, at * 8, [&](std::size_t rule) {
+      if (rule < bits) take(rule);
+    });
+  }
   rules.starts.push_back(static_cast<std::uint32_t>(rules.items.size()));
 }
 

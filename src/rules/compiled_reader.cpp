@@ -1,4 +1,7 @@
 #include <algorithm>
+#include <bit>
+#include <cstring>
+#include <new>
 #include <utility>
 
 #include "data/bytes.hpp"
@@ -18,19 +21,30 @@ Status whole(const ByteReader& in) {
   return in.ok() && !in.more() ? Status::ok : kDamaged;
 }
 
-// The characters get a terminator. A NUL in the first place is the empty text; a later one is damage.
-// Most texts have a few letters, so that the look for a NUL and the copy are one loop.
+// Short texts are copied as one number: the eight bytes that end with them, less what stands in front of them.
+constexpr std::size_t kShortText = std::endian::native == std::endian::little ? 7 : 0;
+
+// The bytes of a text of 1 to `kShortText` that ends at `end`: the first is the lowest, and NULs follow the last. Eight can
+// be read even of the first text of a file: type and lengths stand in front of it.
+inline std::uint64_t short_text(const std::uint8_t* end, std::size_t size) {
+  std::uint64_t bytes;
+  std::memcpy(&bytes, end - sizeof bytes, sizeof bytes);
+  return bytes >> (64 - 8 * size);
+}
+
+// Is there a NUL among the first `size` bytes?
+inline bool has_nul(std::uint64_t bytes, std::size_t size) {
+  constexpr std::uint64_t kLowBits = 0x0101010101010101U;
+  // Taking 1 from each byte reaches the top bit of a NUL first; of the NULs behind the text it must reach none.
+  return ((bytes - (kLowBits >> (64 - 8 * size))) & ~bytes & kLowBits << 7) != 0;
+}
+
+// A copy of any text, which is not empty. A NUL as its first byte makes it the empty text; no other byte may be one.
 Status text_copy(Pool& pool, std::string_view all, char*& text) {
   const std::size_t size = all.front() == '\0' ? 0 : all.size();
-  auto* copy = static_cast<char*>(pool.alloc(static_cast<std::int64_t>(size) + 1));
-  if (copy == nullptr) return Status::memory;
-  for (std::size_t i = 0; i < size; ++i) {
-    if (all[i] == '\0') return kDamaged;
-    copy[i] = all[i];
-  }
-  copy[size] = '\0';
-  text = copy;
-  return Status::ok;
+  if (size != 0 && std::memchr(all.data(), '\0', size) != nullptr) return kDamaged;
+  text = perm_text(pool, all.substr(0, size));
+  return text == nullptr ? Status::memory : Status::ok;
 }
 
 // A length of 0 is a text that is not there; the empty text has a length of 1 and a NUL.
@@ -42,21 +56,30 @@ Status text_read(Pool& pool, ByteReader& in, char*& text) {
 
 // Items are most of a file: they are read in one pass over their block.
 Status some_items_read(Pool& pool, ByteReader& in, CondItem*& items) {
-  constexpr std::size_t kHeadSize = 3;
-  const std::string_view block = as_text(in.bytes());
+  constexpr std::ptrdiff_t kHeadSize = 3;
+  const ByteView block = in.bytes();
   if (!in.ok()) return kDamaged;
-  std::size_t at = 0;
-  for (CondItem** link = &items; at != block.size(); link = &(*link)->next) {
-    auto* item = *link = perm_new<CondItem>(pool);
-    if (item == nullptr) return Status::memory;
-    if (block.size() - at < kHeadSize) return kDamaged;
-    item->op = static_cast<std::uint8_t>(block[at]);
-    const std::size_t length = static_cast<std::uint8_t>(block[at + 1]) << 8 | static_cast<std::uint8_t>(block[at + 2]);
+  const std::uint8_t* at = block.data();
+  const std::uint8_t* const end = at + block.size();
+  for (CondItem** link = &items; at != end; link = &(*link)->next) {
+    void* const cell = pool.alloc(static_cast<std::int64_t>(sizeof(CondItem)));
+    if (cell == nullptr) return Status::memory;
+    if (end - at < kHeadSize) return kDamaged;
+    auto* const item = *link = new (cell) CondItem{at[0], nullptr, nullptr};
+    const std::size_t length = load_u16(at + 1);
     at += kHeadSize;
-    if (length == 0 || length > block.size() - at) return kDamaged;
-    if (const Status status = text_copy(pool, block.substr(at, length), item->text); status != Status::ok)
-      return status;
+    if (length == 0 || length > static_cast<std::size_t>(end - at)) return kDamaged;
     at += length;
+    const std::uint64_t bytes = length <= kShortText ? short_text(at, length) : 0;
+    if (length <= kShortText && !has_nul(bytes, length)) {
+      void* const room = pool.alloc(sizeof bytes);
+      if (room == nullptr) return Status::memory;
+      std::memcpy(room, &bytes, sizeof bytes);
+      item->text = static_cast<char*>(room);
+    } else if (const Status status = text_copy(pool, as_text({at - length, length}), item->text);
+               status != Status::ok) {
+      return status;
+    }
   }
   return Status::ok;
 }

@@ -101,7 +101,7 @@ TEST(CompiledRules, SubtypeStandsBehindAColon) {
 TEST(CompiledRules, ReadBackEqual) {
   std::string text;
   for (const char* line : {":(a)(b)*{x,^[y],[]}(c,[d])([[e]])*\"[w]:[v],+q,-r,[[u]]:l,m:>n,<o\"(f)P200;", "P:\"[w]\"(a)(b)*{x:-x}P200;", "PSA{a:-a}{}P1;",
-                           "?R{-a,+b}{}P3;", "<{::rel}{}P2;"}) {
+                           "?R{-a,+b,seven77,eight888}{}P3;", "<{::rel}{}P2;"}) {
     text += std::string(line) + "\n";
   }
   // Larger than the reader's buffer, so that records lie across its end.
@@ -159,6 +159,8 @@ TEST(CompiledRules, DamagedRecordsAreRefused) {
       {"a group of one byte", "00 2F 4C 00 01 00" + kEmptyPattern + middle + "0000 05"},
       {"an item without text", "00 31 4C 0000 00 14 00 00 03 01 00 00 0000 0000 0000 0000 0000 0000 0000" + middle + "0000 05"},
       {"a NUL inside a text", "00 30 4C 0000 00 13 00 0000 0000 00 02 41 00 0000 0000 0000 0000 0000" + middle + "0000 05"},
+      {"a NUL inside an item's text", "00 33 4C 0000 00 16 00 00 05 01 00 02 41 00 0000 0000 0000 0000 0000 0000 0000" + middle + "0000 05"},
+      {"a NUL inside a long one", "00 39 4C 0000 00 1C 00 00 0B 01 00 08 4141414100414141 0000 0000 0000 0000 0000 0000 0000" + middle + "0000 05"},
       {"a pattern that goes on", "00 2F 4C 0000 00 12 00 0000 0000 0000 0000 0000 0000 0000 0000 00" + middle + "0000 05"},
       {"no priority", "00 2D 4C 0000" + kEmptyPattern + middle + "0000"},
       {"a length beyond the file", "FF FF 4C 0000" + kEmptyPattern + middle + "0000 05"},
