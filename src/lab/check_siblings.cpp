@@ -179,10 +179,9 @@ class SiblingCheck {
         while (end < rules_.size() && rules_[end]->line == rules_[end - 1]->line + 1) ++end;
       }
       const RuleView& rule = *rules_[i];
-      if (end - begin < 3 || rule.number.empty() || told_.contains(&rule)) continue;
-      const bool is_outer = i == begin || i + 1 == end;
-      // The rule that goes on to the right is often the last, with P1 whatever stands above.
-      if (is_outer && rule.number.size() < 2) continue;
+      if (end - begin < 3 || told_.contains(&rule)) continue;
+      // The rule that goes on to the right has P1 whatever stands around it.
+      if (rule.number.size() < 2) continue;
       const std::size_t first = i == begin ? i + 2 : i - 1;
       const std::size_t second = i + 1 == end ? i - 2 : i + 1;
       const auto [least, most] = std::minmax(rules_[first]->priority, rules_[second]->priority);

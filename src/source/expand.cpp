@@ -201,6 +201,7 @@ class Expander {
       // An unsaved text has no time; it is not written to a map that lasts, as such texts are expanded in memory alone.
       mark = FileMark{.size = static_cast<std::int64_t>(content.size()), .hash = hash.value()};
     } else if (stream != nullptr) {
+      // Regular files alone come here, whose size is known.
       const std::int64_t size = file_size(stream.get());
       content.resize(static_cast<std::size_t>(size));
       mark = file_mark(stream.get());
@@ -321,6 +322,7 @@ class Expander {
   // A text behind which a dot and a name stand keeps both, unless the mark is braced.
   bool append_value(const SourcePiece& mark, std::string& to) {
     const SourcePlace place = at(mark.line, mark.column);
+    // Null: no %define, list, table or loop around this has the name.
     const Binding* binding = find(mark.text);
     if (binding == nullptr) {
       fault(place, unknown_name(mark));
@@ -348,6 +350,7 @@ class Expander {
 
   bool append_cell(const Binding& row, const SourcePiece& mark, const SourcePlace& place, std::string& to) {
     const Table& table = *row.table;
+    // For the messages: what could have been written.
     std::string columns;
     for (const std::string& name : table.columns) columns += (columns.empty() ? "" : ", ") + name;
     if (mark.field.empty()) {

@@ -78,7 +78,7 @@ SLIPS = [
     ("mark of the relation kept", R, "{>fre: ->fre}", "{>fre}", "relation-mark"),
     ("mark of another relation taken", R, "{>fre: ->fre}", "{>fre: ->loc}", "relation-mark"),
     ("mark of another relation paid", R, "{>fre: ->fre}", "{>loc: ->loc}", "relation-mark"),
-    ("priority without its last digit", R, '+!lead:ins"   P170', '+!lead:ins"   P17', "priority-stands-out"),
+    ("priority without its last digit", R, '+!lead:ins"   P170;', '+!lead:ins"   P17;', "priority-stands-out"),
     ("another priority within a row", R, "{!lead,will: -!lead}  P200", "{!lead,will: -!lead}  P150", "priority-stands-out"),
     ("concept word without quotes", E, '"very(>degree)"     (ADV)', 'very(>degree)     (ADV)', "concept-unquoted"),
     ("label of another sentence", I, "[S:4]\nagn(give", "[S:3]\nagn(give", "label-twice"),
