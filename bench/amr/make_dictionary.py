@@ -21,6 +21,13 @@ PARTICLES = set("about across ahead along apart around aside away back by down f
 # Determiners and pronouns that begin a plain object.
 OBJECTS = set("the a an my your his her its our their this that these those him it me them you us some any every no each "
               "another all many more".split())
+# Places that something is on, unless the examples say otherwise.
+ON_PLACES = set("planet earth moon island continent coast beach shore border ground floor roof wall ceiling street road "
+                "bridge square hill mountain farm shelf stage screen page list map lawn deck platform surface raft horse bicycle "
+                "train bus ship boat plane table desk chair bench bed side".split())
+# Adverbs that stand in the middle of a clause, before its verb.
+MIDDLE = set("certainly probably possibly really truly surely obviously apparently indeed actually clearly finally usually "
+             "generally normally rarely seldom hardly barely merely simply scarcely nearly frequently recently suddenly".split())
 STATE_FILES = {31, 37, 42}
 MASS_FILES = {7, 12, 27, 26}
 
@@ -153,9 +160,9 @@ class Text:
         if self.prepositions[noun]:
             best, count = max(((p, n) for p, n in self.prepositions[noun].items() if p in ("in", "on", "at")),
                               key=lambda one: one[1], default=("", 0))
-            if count > 1:
-                marks += f",{best.upper()}P"
-        return marks
+            if count > 1 and (count > 3 or noun not in ON_PLACES):
+                return marks + f",{best.upper()}P"
+        return marks + ",ONP" * (noun in ON_PLACES)
 
 
 class Sources:
@@ -233,7 +240,8 @@ class Sources:
                     self.adjectival.setdefault(source, []).append(target)
                 if part == "adj" and category == "n" and symbol == "\\":
                     self.adjectival.setdefault(target, []).insert(0, source)
-                if part == "adj" and symbol == "!" and re.fullmatch("(un|in|im|il|ir|dis)" + re.escape(source), target):
+                denied = "(un|in|im|il|ir|dis)" + re.escape(source) + "|" + re.escape(re.sub("ful$", "", source)) + "less"
+                if part == "adj" and symbol == "!" and re.fullmatch(denied, target):
                     self.opposite[source] = target
                 if part == "adj" and category == "n" and symbol == "+" and target_file != 18 and not target.endswith("ness"):
                     self.quality.setdefault(source.lower(), target)
@@ -267,7 +275,7 @@ class Sources:
         forms = verb_rule(first)
         for tag, known in self.forms.get(first, {}).items():
             # Of several forms the one that people write.
-            forms[tag] = max(known, key=lambda form: (self.text.counts[form], form == forms[tag]))
+            forms[tag] = max(known, key=lambda form: (len(form) > 2, self.text.counts[form], form == forms[tag]))
         tail = "".join(" " + word for word in rest)
         return {tag: form + tail for tag, form in forms.items()}
 
@@ -323,7 +331,7 @@ class Writer:
             for form in forms[:1]:
                 self.entry(form, concept, f"ADJ,{tag}{vowel(form)}{more}")
         if adverb := self.sources.manner.get(lemma):
-            self.entry(adverb, concept, f"ADV{',LY' * adverb.endswith('ly')}{vowel(adverb)}{more}")
+            self.entry(adverb, concept, f"ADV{',LY' * adverb.endswith('ly')}{',SADV' * (adverb in MIDDLE)}{vowel(adverb)}{more}")
 
 
 def surface(lemma):
@@ -366,15 +374,22 @@ def frames(path, writer, sources):
             told = sources.text.preposition({form for tag, form in sources.verb_forms(verb).items() if tag != "PTCP"})
             if told and not any(re.match("p1|p[2-5]" + told, a) for a in built):
                 built = [a for a in built if (a, told) != ("INF1", "to")] + ["p1" + told]
-        if "SA1" not in built and sources.is_intransitive(verb or lemma):
+        is_getting = verb == "get" and sense_of(concept) > 2
+        if "SA1" not in built and (is_getting or sources.is_intransitive(verb or lemma)):
             built.append("SA1")
         pattern = "".join("," + a for a in built)
         if verb:
-            writer.verb(verb, concept, pattern)
+            writer.verb(verb, concept, pattern + ",SMALLC" * (verb in ("make", "render", "keep") and "THAT1" in pattern))
+        # A word that is a noun at least as often as a verb names what the verb does: "the size of the garden".
+        often = sources.tagged[lemma, "1"] >= max(5, 1.5 * sources.tagged[lemma, "2"])
+        if verb == lemma and not of["N"] and often and ",p1" not in pattern:
+            of["N"].append(lemma)
         # A gerund only where people use it as a noun: a meeting.
         nouns = [form for form in of["N"] if not form.endswith("ing")]
         for noun in (nouns or [form for form in of["N"] if sources.tagged[form, "1"] > 19])[:1]:
-            writer.noun(noun, concept, ",NMZ" if verb else ",NMZ,QUAL")
+            # A noun has the prepositions of its verb, "a look at the sea", and a verb of its own, "take a look".
+            kept = "".join("," + a for a in built if re.match(r"p\d|LV", a))
+            writer.noun(noun, concept, (",NMZ" if verb else ",NMZ,QUAL") + kept)
         adjectives = [lemma] if of["ADJ"] and lemma in sources.adjectives else of["ADJ"]
         for adjective in adjectives[:1]:
             if not verb and not of["N"] and adjective in sources.quality:
@@ -415,7 +430,7 @@ def lemmas(writer, sources):
     for lemma in sources.adverbs:
         if re.fullmatch(r"[a-z][a-z -]*", lemma):
             for key in {lemma, lemma.replace(" ", "-")}:
-                writer.entry(lemma, key, f"ADV{vowel(lemma)}")
+                writer.entry(lemma, key, f"ADV{',MID' * (lemma in MIDDLE)}{vowel(lemma)}")
     for lemma in sorted(sources.verbs | set(sources.forms)):
         if re.fullmatch(r"[a-z][a-z -]*", lemma):
             for key in {lemma, lemma.replace(" ", "-")}:

@@ -31,6 +31,15 @@ std::vector<int> first_arcs(Rewriter& graph) {
     seen[static_cast<std::size_t>(at)] = true;
     first[static_cast<std::size_t>(at)] = led;
     std::vector<int> below = graph.children(at);
+    // A receiver is said before what it is told to do: "she asked the driver to stop".
+    std::stable_partition(below.begin(), below.end(), [&](int one) {
+      const Arc& led_down = graph.arc(one);
+      const Concept& word = graph.word(led_down.to);
+      const bool is_noun =
+          !is_clause(graph, led_down.to) || has_attribute(word, "@agent") || has_attribute(word, "@result");
+      const bool is_argument = led_down.role.starts_with("ARG") || led_down.role == "speaker";
+      return !led_down.inverse && is_argument && is_noun;
+    });
     // An agent is said before what it does something to, and a condition before both, wherever the source writes them.
     const char* subject = has_attribute(graph.word(at), "@psv") ? "ARG1" : "ARG0";
     std::stable_partition(below.begin(), below.end(), [&](int one) { return graph.arc(one).role == subject; });
@@ -150,7 +159,9 @@ void coordinate(Rewriter& graph, int at, const Conjunction& conjunction) {
     attribute_add(graph.word(part), conjunction.attribute);
     const int subject = subject_arc(graph, part);
     const int model = subject_arc(graph, head);
-    const bool is_shared = subject >= 0 && model >= 0 && graph.arc(subject).to == graph.arc(model).to &&
+    // A condition of its own stands between: "..., and if it rains, I stay".
+    const bool is_shared = subject >= 0 && model >= 0 && graph.child(part, "condition") < 0 &&
+                           graph.arc(subject).to == graph.arc(model).to &&
                            std::string_view(conjunction.attribute) != "@snt";
     if (is_shared && graph.arc(subject).role == "ARG1") attribute_add(graph.word(part), "@shr1");
     if (is_shared) graph.arc(subject).role = "shared";
@@ -342,7 +353,12 @@ void question(Rewriter& graph, int unknown) {
   const bool is_subject =
       clause == asked_at && (role == "ARG0" || (role == "ARG1" && graph.child(clause, "ARG0") < 0) ||
                              (role == "domain" && graph.is(unknown, "amr-unknown")));
-  attribute_add(graph.word(phrase), "@wh_" + role);
+  // "Where is the key": what a place is said of has no other verb.
+  if (graph.is(asked_at, "be-located-at", "91") && role == "ARG2") role = "location";
+  // "Who are you".
+  constexpr std::array kPronouns{"i", "we", "you", "he", "she", "they"};
+  const bool is_person = role == "domain" && phrase == unknown && is_one_of(graph, asked_at, kPronouns);
+  attribute_add(graph.word(phrase), is_person ? "@wh_who" : "@wh_" + role);
   attribute_add(graph.word(clause), is_reported ? "@asked" : is_subject ? "@asksub" : "@ask");
   // Some files mark the mood beside the word that asks; one mark is enough.
   std::erase(graph.word(clause).attributes, "@int");
@@ -367,6 +383,26 @@ bool is_any(Rewriter& graph, int at) {
 
 }  // namespace
 
+// "Not ever" said of all that is joined: "I have never seen or heard anyone".
+static void ever_of_all(Rewriter& graph, int at) {
+  const int led = graph.is(at, "and") || graph.is(at, "or") ? graph.child(at, "time") : -1;
+  if (led < 0 || !graph.is(graph.arc(led).to, "ever")) return;
+  const std::vector<int> below = graph.children(at);
+  const auto is_denied = [&](int one) {
+    return !graph.arc(one).role.starts_with("op") || has_attribute(graph.word(graph.arc(one).to), "@neg");
+  };
+  if (!std::all_of(below.begin(), below.end(), is_denied)) return;
+  graph.word(graph.arc(led).to).name = "never";
+  for (const int one : below) std::erase(graph.word(graph.arc(one).to).attributes, "@neg");
+}
+
+// English denies once: where the subject is nobody, the clause is not denied again.
+static void negation_once(Rewriter& graph, int at) {
+  constexpr std::array kNone{"nobody", "noone", "no-one", "nothing"};
+  const int led = graph.word(at).sense.empty() ? -1 : subject_arc(graph, at);
+  if (led >= 0 && is_one_of(graph, graph.arc(led).to, kNone)) std::erase(graph.word(at).attributes, "@neg");
+}
+
 // :polarity - is @neg by the table of roles before any step. Here it meets the words that have a negation in them, and
 // (x :polarity (a / amr-unknown)) becomes a question, @int.
 void step_polarity(Meaning& meaning) {
@@ -378,6 +414,8 @@ void step_polarity(Meaning& meaning) {
       graph.word(graph.arc(led).to).name = "never";
       std::erase(graph.word(at).attributes, "@neg");
     }
+    ever_of_all(graph, at);
+    negation_once(graph, at);
     // A negated somebody is nobody.
     constexpr std::pair<const char*, const char*> kNobody[] = {
         {"somebody", "nobody"},   {"someone", "nobody"},   {"anybody", "nobody"},   {"anyone", "nobody"},
@@ -415,7 +453,16 @@ void step_polarity(Meaning& meaning) {
       attribute_add(graph.word(graph.arc(led).to), "@whether");
       graph.stand_in(at, led);
     }
-    const bool is_tag = graph.is(at, "request-confirmation", "91");
+    bool is_tag = graph.is(at, "request-confirmation", "91");
+    // With somebody who asks it is a verb: "she asked whether it rained".
+    const bool is_asking = is_tag || graph.is(at, "request-response", "91");
+    if (is_asking && graph.child(at, "ARG0") >= 0) {
+      const int said = is_tag ? graph.child(at, "ARG1") : -1;
+      if (said >= 0) attribute_add(graph.word(graph.arc(said).to), "@whether");
+      graph.word(at).name = "ask";
+      graph.word(at).sense = "01";
+      is_tag = false;
+    }
     if (const int led = is_tag ? graph.argument(at, "ARG1") : -1; led >= 0) {
       const bool is_above = graph.arc(led).from == at;
       const int clause = graph.other(led, at);
@@ -488,12 +535,32 @@ static void pronoun_apply(Rewriter& graph, int at) {
   graph.replace(led, frame, at, graph.arc(led).role);
 }
 
+// (s / say-01 :ARG0 (h / he :ARG0-of (t / talk-01))): "he said ..., talking". A pronoun has no relative clause; what it does
+// besides goes with what is said of it.
+static void attendant_apply(Rewriter& graph, int at) {
+  constexpr std::array kPronouns{"i", "we", "you", "he", "she", "it", "they"};
+  const int above = graph.parent(at);
+  if (above < 0 || graph.arc(above).inverse || !is_one_of(graph, at, kPronouns)) return;
+  const std::string role = graph.arc(above).role;
+  const int clause = graph.arc(above).from;
+  if (!is_core_role(role) || graph.word(clause).sense.empty()) return;
+  for (const int led : graph.children(at)) {
+    const int frame = graph.arc(led).to;
+    const bool is_act = graph.arc(led).inverse && is_core_role(graph.arc(led).role) && graph.mentions(frame) == 1;
+    if (!is_act || graph.word(frame).sense.empty()) continue;
+    const std::string held = graph.arc(led).role;
+    graph.add(frame, at, held);
+    graph.replace(led, clause, frame, "attendant");
+  }
+}
+
 // (p / person :ARG0-of (d / drive-01)): the driver, if the dictionary has one; else the rules say who drives. Runs behind
 // the offices, as a mayor is no haver of a role.
 void step_persons(Meaning& meaning) {
   Rewriter graph(meaning, "persons");
   for (int at = 0; at < graph.count(); ++at) {
     pronoun_apply(graph, at);
+    attendant_apply(graph, at);
     if (graph.is(at, "government-organization")) government_apply(graph, at);
     if (graph.is(at, "thing")) thing_apply(graph, at);
     if (!graph.is(at, "person") || has_attribute(graph.word(at), "@name")) continue;
@@ -726,9 +793,11 @@ void step_control(Meaning& meaning) {
   for (int at = 0, end = graph.count(); at < end; ++at) {
     const bool is_raising = graph.is(at, "seem", "01") || graph.is(at, "appear", "02");
     const int led = is_raising && graph.child(at, "ARG0") < 0 ? graph.child(at, "ARG1") : -1;
-    if (led < 0 || graph.word(graph.arc(led).to).sense.empty()) continue;
-    const int subject = graph.child(graph.arc(led).to, "ARG0");
-    if (subject >= 0) graph.add(at, graph.arc(subject).to, "ARG0", false);
+    if (led < 0 || !is_clause(graph, graph.arc(led).to)) continue;
+    const int subject = subject_arc(graph, graph.arc(led).to);
+    const bool is_said = subject >= 0 && !is_clause(graph, graph.arc(subject).to);
+    if (is_said) graph.add(at, graph.arc(subject).to, "ARG0", false);
+    if (is_said && graph.arc(subject).role != "ARG0") attribute_add(graph.word(at), "@raised");
   }
   const std::vector<int> first = first_arcs(graph);
   for (int at = 0; at < graph.count(); ++at) {
@@ -736,7 +805,8 @@ void step_control(Meaning& meaning) {
     if (above < 0 || graph.arc(above).inverse || !is_clause(graph, at)) continue;
     const std::string& role = graph.arc(above).role;
     // A clause in another role keeps its subject: "she left because she was tired".
-    const bool may_be_infinite = role.starts_with("ARG") || role == "purpose" || role == "manner" || role == "mod";
+    const bool may_be_infinite =
+        role.starts_with("ARG") || role == "purpose" || role == "manner" || role == "mod" || role == "attendant";
     const int subject = subject_arc(graph, at);
     if (!may_be_infinite || subject < 0) continue;
     const int person = graph.arc(subject).to;
@@ -749,12 +819,16 @@ void step_control(Meaning& meaning) {
       for (const int led : graph.children(governor)) {
         is_named |= led != led_here && !graph.arc(led).inverse && graph.arc(led).to == person;
       }
+      // "A pill to cure the cold".
+      is_named |= role == "purpose" && governor == person;
       led_here = first[static_cast<std::size_t>(governor)];
       is_named |= led_here >= 0 && graph.arc(led_here).inverse && graph.arc(led_here).from == person;
     }
     if (!is_named) continue;
     // A predicate without verb has no infinitive of its own.
-    if (graph.arc(subject).role == "domain") continue;
+    const int higher = graph.arc(above).from;
+    const bool is_seeming = graph.is(higher, "seem", "01") || graph.is(higher, "appear", "02");
+    if (graph.arc(subject).role == "domain" && !is_seeming && role != "attendant") continue;
     if (graph.arc(subject).role != "ARG0") attribute_add(graph.word(at), "@ctl1");
     graph.arc(subject).role = "understood";
   }
@@ -779,8 +853,10 @@ void step_mentions(Meaning& meaning) {
       const int again = mention_of(graph, from);
       graph.replace(led, to, again, graph.arc(led).role);
     } else {
-      int agent = graph.child(graph.arc(led).from, "ARG0");
-      if (agent < 0) agent = graph.child(graph.arc(led).from, "speaker");
+      int agent = -1;
+      for (const char* role : {"ARG0", "speaker", "shared", "understood"}) {
+        if (agent < 0) agent = graph.child(graph.arc(led).from, role);
+      }
       const bool is_own =
           agent >= 0 && agent != led && meant[static_cast<std::size_t>(agent)] == to && is_core(graph.arc(led));
       graph.arc(led).to = mention_of(graph, to);

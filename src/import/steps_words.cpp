@@ -125,6 +125,17 @@ static void rate_apply(Rewriter& graph, int at) {
   graph.stand_in(at, led);
 }
 
+// (r / relative-position :op1 (c / city) :quant (d / distance)): a distance from the city. Without a distance its direction
+// stands for it: north of the city.
+static void position_apply(Rewriter& graph, int at) {
+  const int point = graph.child(at, "op1");
+  const int distance = graph.child(at, "quant");
+  const int led = distance >= 0 ? distance : graph.child(at, "direction");
+  if (point < 0 || led < 0) return;
+  graph.arc(point).role = distance >= 0 ? "source" : "part-of";
+  graph.stand_in(at, led, Fate::word);
+}
+
 // (t / temporal-quantity :quant 3 :unit (y / year)) becomes year.@measure with the quantity below it. Number is settled
 // here, too: three years, all years, but one year. Loops follow one another as each looks at what the one before has made.
 void step_quantities(Meaning& meaning) {
@@ -156,6 +167,16 @@ void step_quantities(Meaning& meaning) {
   // Behind the loop above, which has made a unit of each quantity.
   for (int at = 0, end = graph.count(); at < end; ++at) {
     if (graph.is(at, "rate-entity", "91")) rate_apply(graph, at);
+    if (graph.is(at, "relative-position")) position_apply(graph, at);
+  }
+  // "Any other garden": what determines the noun may stand below another word of it.
+  constexpr std::array<std::string_view, 8> kDetermining{"any", "some", "every", "no", "this", "that", "all", "these"};
+  for (Arc& one : meaning.arcs) {
+    const int above = one.gone || one.inverse || one.role != "mod" ? -1 : graph.parent(one.from);
+    if (above < 0 || graph.arc(above).role != "mod" || graph.arc(above).inverse) continue;
+    const std::string& word = graph.word(one.to).name;
+    const bool is_determiner = std::find(kDetermining.begin(), kDetermining.end(), word) != kDetermining.end();
+    if (is_determiner && (graph.is(one.from, "other") || graph.is(one.from, "same"))) one.from = graph.arc(above).from;
   }
   // A number as :mod is a name, "chapter 2"; words that speak of several go with a plural.
   constexpr std::array<std::string_view, 5> kSeveral{"all", "both", "most", "these", "those"};
