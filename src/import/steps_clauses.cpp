@@ -434,7 +434,7 @@ void step_polarity(Meaning& meaning) {
       const int word = doer >= 0 && graph.is(graph.arc(doer).to, positive) ? graph.arc(doer).to
                        : any >= 0 && graph.is(graph.arc(any).to, positive) ? graph.arc(any).to
                                                                            : -1;
-      if (word < 0 || graph.mentions(graph.arc(doer).to) > 1) continue;
+      if (word < 0 || graph.parent(graph.arc(doer).to) != doer) continue;
       graph.word(word).name = negative;
       std::erase(graph.word(at).attributes, "@neg");
     }

@@ -488,6 +488,14 @@ void step_reified(Meaning& meaning) {
     if (one != nullptr) reified_apply(graph, at, *one);
   }
   for (int at = 0, end = graph.count(); at < end; ++at) frequency_apply(graph, at);
+  // "She lay down in the grass": a bare direction stands nearer to its verb than a place does.
+  constexpr std::string_view kBare[] = {"up",  "down",   "away",    "back", "out",
+                                        "off", "around", "forward", "home", "along"};
+  for (Arc& one : meaning.arcs) {
+    const bool is_direction = one.role == "direction" && !one.gone && !one.inverse && graph.children(one.to).empty();
+    const std::string& word = graph.word(one.to).name;
+    if (is_direction && std::find(std::begin(kBare), std::end(kBare), word) != std::end(kBare)) one.role = "particle";
+  }
   // What others are taken from is several.
   for (const Arc& one : meaning.arcs) {
     const bool is_whole = one.role == "superset" && !one.inverse && !one.gone;
