@@ -400,7 +400,8 @@ static void ever_of_all(Rewriter& graph, int at) {
 static void negation_once(Rewriter& graph, int at) {
   constexpr std::array kNone{"nobody", "noone", "no-one", "nothing"};
   const int led = graph.word(at).sense.empty() ? -1 : subject_arc(graph, at);
-  if (led >= 0 && is_one_of(graph, graph.arc(led).to, kNone)) std::erase(graph.word(at).attributes, "@neg");
+  const bool is_first = led >= 0 && graph.parent(graph.arc(led).to) == led;
+  if (is_first && is_one_of(graph, graph.arc(led).to, kNone)) std::erase(graph.word(at).attributes, "@neg");
 }
 
 // :polarity - is @neg by the table of roles before any step. Here it meets the words that have a negation in them, and

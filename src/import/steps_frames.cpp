@@ -494,7 +494,14 @@ void step_reified(Meaning& meaning) {
   for (Arc& one : meaning.arcs) {
     const bool is_direction = one.role == "direction" && !one.gone && !one.inverse && graph.children(one.to).empty();
     const std::string& word = graph.word(one.to).name;
-    if (is_direction && std::find(std::begin(kBare), std::end(kBare), word) != std::end(kBare)) one.role = "particle";
+    if (!is_direction || std::find(std::begin(kBare), std::end(kBare), word) == std::end(kBare)) continue;
+    one.role = "particle";
+    // The verb may have the word in its name: sit-down-02.
+    if (graph.word(one.from).name.ends_with('-' + word)) {
+      graph.settle_concept(one.to, Fate::word);
+      one.gone = true;
+      settle(meaning, one.triple, Fate::word, "reified");
+    }
   }
   // What others are taken from is several.
   for (const Arc& one : meaning.arcs) {
