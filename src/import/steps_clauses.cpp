@@ -316,6 +316,16 @@ constexpr std::array kReporting{"know", "wonder", "understand", "forget", "remem
 
 // What is asked for moves to the front of its clause, together with the phrase that it belongs to.
 void question(Rewriter& graph, int unknown) {
+  // (a / amr-unknown :domain (y / you)): what is asked for is the predicate. As :domain of the other it is the one word
+  // that moves: "who are you".
+  const int said = graph.child(unknown, "domain");
+  const int about = said >= 0 ? graph.arc(said).to : -1;
+  if (about >= 0 && graph.mentions(about) == 1) {
+    graph.redirect(unknown, about);
+    graph.replace(said, about, unknown, "domain");
+    for (const int below : graph.children(unknown)) graph.arc(below).from = about;
+    if (std::erase(graph.word(unknown).attributes, "@quote") > 0) attribute_add(graph.word(about), "@quote");
+  }
   int led = graph.parent(unknown);  // the arc by which the phrase hangs on what is above it
   if (led < 0 || graph.arc(led).inverse) return;
   int phrase = unknown;
