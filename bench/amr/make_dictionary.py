@@ -175,11 +175,13 @@ class Sources:
                 lemma, form, features = line.rstrip("\n").split("\t")[:3]
                 if features in tags:
                     self.forms[lemma].setdefault(tags[features], []).append(form)
+        self.tagged = collections.Counter()
         self.nouns, self.adjectives, self.adverbs, self.verbs = {}, set(), set(), set()
         self.states = set()
         self.governs = collections.defaultdict(collections.Counter)
         self.shapes = collections.defaultdict(set)
         self.agents, self.nominal, self.adjectival, self.manner, self.opposite, self.quality = ({} for _ in range(6))
+        self.exceptions = collections.defaultdict(set)
         self.irregular = {"noun": {}, "adj": collections.defaultdict(list), "verb": {}}
         if arguments.wordnet:
             self.read_wordnet(pathlib.Path(arguments.wordnet))
@@ -216,6 +218,8 @@ class Sources:
                 for line in open(folder / f"{part}.exc"):
                     form, *lemmas = line.split()
                     for lemma in lemmas:
+                        if part == "verb":
+                            self.exceptions[lemma].add(form)
                         if part == "adj":
                             self.irregular["adj"][lemma].append(form)
                         else:
@@ -270,12 +274,25 @@ class Sources:
         present, past = self.text.counts[forms["S"]], self.text.counts[forms["PAST"]]
         return lemma in self.states and not (present + past >= 8 and present < 0.13 * (present + past))
 
+    def form_weight(self, lemma, tag, form):
+        """How often people write the form, and how sure it is that they mean this verb: "bare" is no form of "bear"."""
+        weight = self.text.counts[form]
+        is_known = form in self.exceptions[lemma] or form == verb_rule(lemma)[tag]
+        is_other_word = any(self.tagged[form, part] >= 5 for part in "123") or len(form) < 3
+        if form == lemma:
+            weight *= 0.2
+        elif is_other_word:
+            weight *= 0.25 if is_known else 0.02
+        elif not is_known:
+            weight *= 0.5
+        return weight * (10 if tag == "PTCP" and form.endswith("n") and is_known else 1)
+
     def verb_forms(self, lemma):
         first, *rest = lemma.split(" ")
         forms = verb_rule(first)
         for tag, known in self.forms.get(first, {}).items():
             # Of several forms the one that people write.
-            forms[tag] = max(known, key=lambda form: (len(form) > 2, self.text.counts[form], form == forms[tag]))
+            forms[tag] = max(known, key=lambda form: (self.form_weight(first, tag, form), form == forms[tag]))
         tail = "".join(" " + word for word in rest)
         return {tag: form + tail for tag, form in forms.items()}
 
@@ -313,9 +330,9 @@ class Writer:
         kinds = {18: ",HUM", 28: ",TIM", 15: ",PLC"}.get(file, "") + (",MASS" if file in MASS_FILES else "")
         kinds += self.sources.text.noun_marks(lemma, self.sources.irregular["noun"].get(lemma) or plural(written))
         self.entry(written, concept, f"N{kinds}{vowel(written)}{more}")
-        if written[:1].islower():
+        if written[:1].islower() or file == 18 and " " not in written:
             many = self.sources.irregular["noun"].get(lemma) or plural(written)
-            self.entry(many, concept, f"N,PL{kinds}{vowel(many)}{more}")
+            self.entry(many, concept, f"N,PL{',PS' * many.endswith('s')}{kinds}{vowel(many)}{more}")
 
     def adjective(self, lemma, concept, more=""):
         if opposite := self.sources.opposite.get(lemma):
@@ -386,6 +403,9 @@ def frames(path, writer, sources):
             of["N"].append(lemma)
         # A gerund only where people use it as a noun: a meeting.
         nouns = [form for form in of["N"] if not form.endswith("ing")]
+        # Of several nouns the one that is made of the verb, and that people use: death, not die.
+        derived = sources.nominal.get(verb, ()) if verb else (lemma,)
+        nouns.sort(key=lambda form: (form not in derived, -sources.tagged[form, "1"]))
         for noun in (nouns or [form for form in of["N"] if sources.tagged[form, "1"] > 19])[:1]:
             # A noun has the prepositions of its verb, "a look at the sea", and a verb of its own, "take a look".
             kept = "".join("," + a for a in built if re.match(r"p\d|LV", a))
@@ -419,7 +439,7 @@ def lemmas(writer, sources):
                 writer.noun(written, key)
     for noun, adjectives in sources.adjectival.items():
         if noun[:1].isupper():
-            for adjective in adjectives[:1]:
+            for adjective in sorted(adjectives, key=lambda one: one[:3] != noun[:3])[:1]:
                 writer.entry(adjective, noun, f"ADJ{vowel(adjective)}")
     for lemma in sources.adjectives:
         if sources.tagged[lemma, "1"] > 20 * sources.tagged[lemma, "3"] or sources.tagged[lemma, "4"] > 20 * sources.tagged[lemma, "3"]:

@@ -617,6 +617,22 @@ void step_coordination(Meaning& meaning) {
   }
 }
 
+// Who is called is "you" everywhere else: "Kim, did you see that?"
+static void called_apply(Rewriter& graph) {
+  const int end = static_cast<int>(graph.meaning().arcs.size());
+  for (int led = 0; led < end; ++led) {
+    if (graph.arc(led).gone || graph.arc(led).inverse || graph.arc(led).role != "vocative") continue;
+    for (int other = 0; other < end; ++other) {
+      const Arc& one = graph.arc(other);
+      const bool is_mention = one.to == graph.arc(led).to && !one.gone && !one.inverse && one.role != "vocative";
+      if (!is_mention) continue;
+      const int you = graph.add_concept("you");
+      attribute_add(graph.word(you), "@p2");
+      graph.arc(other).to = you;
+    }
+  }
+}
+
 void step_speaker(Meaning& meaning) {
   Rewriter graph(meaning, "speaker");
   // UMR marks what is uttered by :quote with the verb of saying as target.
@@ -630,7 +646,16 @@ void step_speaker(Meaning& meaning) {
   const int frame = meaning.root;
   const int said = graph.child(frame, "ARG1");
   const int who = graph.child(frame, "ARG0");
-  if (said < 0 || who < 0) return;
+  if (const int called = graph.child(frame, "ARG2");
+      said >= 0 && who < 0 && called >= 0 && graph.is(frame, "say", "01")) {
+    // Nobody says it, and to somebody with a name: "Kim, that is true."
+    if (!has_attribute(graph.word(graph.arc(called).to), "@name")) return;
+    graph.arc(called).role = "vocative";
+    if (graph.child(graph.arc(said).to, "vocative") >= 0) graph.remove(called, Fate::word);
+    graph.stand_in(frame, said);
+    return called_apply(graph);
+  }
+  if (said < 0 || who < 0) return called_apply(graph);
   const auto is_bare = [&](int at) {
     return graph.children(at).empty() && !has_attribute(graph.word(at), "@name") &&
            (graph.is(at, "person") || graph.is(at, "i") || graph.is(at, "he") || graph.is(at, "you"));
@@ -640,7 +665,7 @@ void step_speaker(Meaning& meaning) {
   const auto is_nobody = [&](int at) { return graph.is(at, "person") && is_bare(at) && graph.mentions(at) == 1; };
   const bool is_unnamed =
       graph.is(frame, "say", "01") && whom >= 0 && is_nobody(graph.arc(who).to) && is_nobody(graph.arc(whom).to);
-  if (!is_bare(graph.arc(who).to) || !(is_utterance || is_unnamed)) return;
+  if (!is_bare(graph.arc(who).to) || !(is_utterance || is_unnamed)) return called_apply(graph);
   // Nobody writes "a person says": the speaker is "i", and who is spoken to is "you".
   graph.settle_concept(frame, Fate::left_out);
   const int content = graph.arc(said).to;
@@ -656,6 +681,7 @@ void step_speaker(Meaning& meaning) {
   }
   graph.redirect(frame, content);
   graph.move_children(frame, content);
+  called_apply(graph);
 }
 
 // (s / say-01 :ARG0 k :ARG1 c): c is :quoted and k :speaker where the words themselves are given. Stands behind
@@ -672,6 +698,15 @@ void step_questions(Meaning& meaning) {
   Rewriter graph(meaning, "questions");
   for (int at = 0; at < graph.count(); ++at) {
     if (is_unknown(graph, at)) question(graph, at);
+  }
+  // Only a clause of its own asks; below a verb of knowing it is "whether", elsewhere no question at all.
+  for (int at = 0; at < graph.count(); ++at) {
+    const int above = graph.parent(at);
+    const bool is_asking = has_attribute(graph.word(at), "@int") && !has_attribute(graph.word(at), "@quote");
+    if (!is_asking || above < 0 || at == meaning.root || graph.arc(above).role == "conjunct") continue;
+    std::erase(graph.word(at).attributes, "@int");
+    const bool is_told = is_core(graph.arc(above)) && is_one_of(graph, graph.arc(above).from, kReporting);
+    if (is_told) attribute_add(graph.word(at), "@whether");
   }
 }
 
@@ -742,6 +777,23 @@ void step_voice(Meaning& meaning) {
   }
 }
 
+// An event with a determiner is a noun, "it deserves the same respect": true then, and a subject that the clause above
+// has named is not said again.
+static bool nominal_apply(Rewriter& graph, int at) {
+  constexpr std::array kDeterminers{"same", "this", "that", "such", "any", "some", "other", "every", "each", "another"};
+  const int above = graph.parent(at);
+  const bool is_inside = above >= 0 && is_core(graph.arc(above)) && graph.arc(above).role != "ARG0";
+  if (!is_inside || graph.word(at).sense.empty() || at == graph.meaning().root) return false;
+  bool is_noun = false;
+  for (const int led : graph.children(at)) {
+    const Arc& one = graph.arc(led);
+    is_noun |= !one.inverse && one.role == "mod" && is_one_of(graph, one.to, kDeterminers);
+  }
+  const int known = is_noun ? graph.child(at, "understood") : -1;
+  if (known >= 0) graph.remove(known, Fate::attribute);
+  return is_noun;
+}
+
 // What the rules must know of a whole clause before its first word stands: whether it has a subject, an auxiliary, an
 // expletive. No graph is changed here but for attributes, so that this step sees what the reader will see.
 void step_forms(Meaning& meaning) {
@@ -751,6 +803,9 @@ void step_forms(Meaning& meaning) {
                                   "@fut", "@would", "@neg",    "@ask", "@int"};
   for (int at = 0; at < graph.count(); ++at) {
     Concept& word = graph.word(at);
+    // English has one modal verb in a clause.
+    if (has_attribute(word, "@must")) std::erase(word.attributes, "@should");
+    if (has_attribute(word, "@can")) std::erase(word.attributes, "@may");
     constexpr std::array kGrades{"@more", "@most", "@less", "@least", "@too", "@so", "@very"};
     // "A little" and "completely" leave a verb a verb: he hesitated a little.
     constexpr std::array kIntensifying{"so",    "very",      "too",    "more",  "most",        "less",
@@ -772,7 +827,7 @@ void step_forms(Meaning& meaning) {
       attribute_add(graph.word(graph.arc(quality).from), "@def");
     const bool has_subject = subject_arc(graph, at) >= 0 || graph.child(at, "understood") >= 0 ||
                              graph.child(at, "shared") >= 0 || graph.child(at, "speaker") >= 0;
-    if (has_subject) attribute_add(word, "@cl");
+    if (has_subject && !nominal_apply(graph, at)) attribute_add(word, "@cl");
     const bool is_auxiliary =
         std::any_of(kAuxiliary.begin(), kAuxiliary.end(), [&](const char* one) { return has_attribute(word, one); });
     if (is_auxiliary && is_clause(graph, at)) attribute_add(word, "@aux");

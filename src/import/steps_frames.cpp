@@ -51,7 +51,6 @@ constexpr Reified kReified[] = {
     {"have-example", "91", "ARG1", "ARG2", "example"},
     {"exemplify", "01", "ARG1", "ARG0", "example"},
     {"resemble", "91", "ARG1", "ARG2", "likeness"},
-    {"resemble", "01", "ARG1", "ARG2", "likeness"},
     {"include", "91", "ARG1", "ARG2", "superset"},
     {"except", "01", "ARG2", "ARG1", "exception"},
     {"have-part", "91", "ARG1", "ARG2", "part"},
@@ -196,7 +195,12 @@ void office_apply(Rewriter& graph, int at, const Office& office) {
     if (from_zero && titled < 0) titled = graph.argument(at, "ARG3");
   }
   if (titled < 0 && std::string_view(office.name) == "have-role") std::swap(titled, whole);
-  if (holds < 0) return;
+  if (holds < 0) {
+    // Nobody holds it in this sentence: the office is named, or what it belongs to.
+    const int named = titled >= 0 ? titled : whole;
+    if (named >= 0 && graph.arc(named).from == at) graph.stand_in(at, named, Fate::word);
+    return;
+  }
   const int holder = graph.other(holds, at);
   const bool holder_above = graph.arc(holds).to == at;
   if (titled < 0) {
@@ -212,7 +216,19 @@ void office_apply(Rewriter& graph, int at, const Office& office) {
     }
     graph.settle_concept(at, Fate::relation);
     graph.remove(holds, Fate::relation);
-    graph.replace(whole, holder, graph.arc(whole).to, office.role);
+    const Concept& group = graph.word(graph.arc(whole).to);
+    const bool is_party = has_attribute(group, "@political-party") || has_attribute(group, "@political-organization");
+    if (is_party && graph.is(holder, "person") && graph.mentions(graph.arc(whole).to) == 1) {
+      // Whoever is of the Green Party is a Green.
+      std::string name = group.name;
+      if (name.ends_with(" Party")) name.resize(name.size() - 6);
+      if (name == "Democratic") name = "Democrat";
+      graph.settle_concept(graph.arc(whole).to, Fate::word);
+      graph.remove(whole, Fate::word);
+      graph.word(holder).name = name;
+    } else {
+      graph.replace(whole, holder, graph.arc(whole).to, office.role);
+    }
     graph.move_children(at, holder);
     return;
   }
@@ -503,7 +519,22 @@ void step_reified(Meaning& meaning) {
       settle(meaning, one.triple, Fate::word, "reified");
     }
   }
-  // What others are taken from is several.
+  for (int at = 0; at < graph.count(); ++at) {
+    // "Some of us": how many are taken out of a whole stands for those that are taken.
+    const int whole = graph.child(at, "superset");
+    if (whole < 0) continue;
+    if (const int led = graph.child(at, "ARG3"); led >= 0) graph.arc(led).role = "quant";
+    const int quantity = graph.child(at, "quant");
+    if (quantity >= 0 && (graph.is(at, "thing") || graph.is(at, "person"))) graph.stand_in(at, quantity, Fate::word);
+  }
+  // "It is among the new books": what something is among is several.
+  for (int at = 0; at < graph.count(); ++at) {
+    const int led = graph.is(at, "include", "91") ? graph.child(at, "ARG2") : -1;
+    if (led < 0) continue;
+    Concept& whole = graph.word(graph.arc(led).to);
+    if (whole.sense.empty() && !has_attribute(whole, "@name")) attribute_add(whole, "@pl");
+  }
+  // "One of these things": what others are taken from is several.
   for (const Arc& one : meaning.arcs) {
     const bool is_whole = one.role == "superset" && !one.inverse && !one.gone;
     const Concept& whole = graph.word(one.to);
