@@ -555,8 +555,15 @@ static void attendant_apply(Rewriter& graph, int at) {
   const std::string role = graph.arc(above).role;
   const int clause = graph.arc(above).from;
   if (!is_core_role(role) || graph.word(clause).sense.empty()) return;
+  constexpr std::array kNoQuality{"all",  "both", "each", "alone", "also", "only", "even", "just",
+                                  "self", "too",  "two",  "other", "such", "poor", "dear", "most"};
   for (const int led : graph.children(at)) {
     const int frame = graph.arc(led).to;
+    // "..., tired": a quality of him goes the same way.
+    const bool is_quality = graph.arc(led).role == "mod" && !graph.arc(led).inverse && graph.mentions(frame) == 1 &&
+                            graph.word(frame).sense.empty() && !is_one_of(graph, frame, kNoQuality);
+    if (is_quality && !is_unknown(graph, frame)) graph.replace(led, clause, frame, "attendant");
+    if (is_quality) continue;
     const bool is_act = graph.arc(led).inverse && is_core_role(graph.arc(led).role) && graph.mentions(frame) == 1;
     if (!is_act || graph.word(frame).sense.empty()) continue;
     const std::string held = graph.arc(led).role;
