@@ -425,7 +425,8 @@ def sense_of(concept):
 
 def agent_of(sources, verb):
     stem = verb[:3]
-    return sorted((a for a in sources.agents.get(verb, ()) if a.lower().startswith(stem)), key=len)
+    return sorted((a for a in sources.agents.get(verb, ()) if a.lower().startswith(stem)),
+                  key=lambda a: (a.endswith("ee"), len(a)))
 
 
 def lemmas(writer, sources):
