@@ -538,6 +538,11 @@ static void pronoun_apply(Rewriter& graph, int at) {
   const bool is_content = above < 0
                               ? graph.meaning().root == at
                               : !graph.arc(above).inverse && graph.arc(above).role == "ARG1" && graph.mentions(at) == 1;
+  // Below another verb only what is said or known is such a clause; else a person or thing is meant.
+  const int governor = above < 0 ? -1 : graph.arc(above).from;
+  const bool is_pointing = graph.is(at, "that") || graph.is(at, "this");
+  if (governor >= 0 && !is_pointing && !is_one_of(graph, governor, kSaying) && !is_one_of(graph, governor, kReporting))
+    return;
   if (!is_content || !is_one_of(graph, at, kPronouns) || graph.children(at).size() != 1) return;
   const int led = graph.children(at)[0];
   const int frame = graph.arc(led).to;
@@ -564,6 +569,11 @@ static void attendant_apply(Rewriter& graph, int at) {
                             graph.word(frame).sense.empty() && !is_one_of(graph, frame, kNoQuality);
     if (is_quality && !is_unknown(graph, frame)) graph.replace(led, clause, frame, "attendant");
     if (is_quality) continue;
+    // "It is good, like the sun": what he is like is said of all that he does.
+    if (graph.arc(led).role == "likeness" && !graph.arc(led).inverse) {
+      graph.replace(led, clause, frame, "likeness");
+      continue;
+    }
     const bool is_act = graph.arc(led).inverse && is_core_role(graph.arc(led).role) && graph.mentions(frame) == 1;
     if (!is_act || graph.word(frame).sense.empty()) continue;
     const std::string held = graph.arc(led).role;
