@@ -21,6 +21,13 @@ PARTICLES = set("about across ahead along apart around aside away back by down f
 # Determiners and pronouns that begin a plain object.
 OBJECTS = set("the a an my your his her its our their this that these those him it me them you us some any every no each "
               "another all many more".split())
+# Places that something is on, unless the examples say otherwise.
+ON_PLACES = set("planet earth moon island continent coast beach shore border ground floor roof wall ceiling street road "
+                "bridge square hill mountain farm shelf stage screen page list map lawn deck platform surface raft horse bicycle "
+                "train bus ship boat plane table desk chair bench bed side".split())
+# Adverbs that stand in the middle of a clause, before its verb.
+MIDDLE = set("certainly probably possibly really truly surely obviously apparently indeed actually clearly finally usually "
+             "generally normally rarely seldom hardly barely merely simply scarcely nearly frequently recently suddenly".split())
 STATE_FILES = {31, 37, 42}
 MASS_FILES = {7, 12, 27, 26}
 
@@ -153,9 +160,9 @@ class Text:
         if self.prepositions[noun]:
             best, count = max(((p, n) for p, n in self.prepositions[noun].items() if p in ("in", "on", "at")),
                               key=lambda one: one[1], default=("", 0))
-            if count > 1:
-                marks += f",{best.upper()}P"
-        return marks
+            if count > 1 and (count > 3 or noun not in ON_PLACES):
+                return marks + f",{best.upper()}P"
+        return marks + ",ONP" * (noun in ON_PLACES)
 
 
 class Sources:
@@ -168,11 +175,13 @@ class Sources:
                 lemma, form, features = line.rstrip("\n").split("\t")[:3]
                 if features in tags:
                     self.forms[lemma].setdefault(tags[features], []).append(form)
+        self.tagged = collections.Counter()
         self.nouns, self.adjectives, self.adverbs, self.verbs = {}, set(), set(), set()
         self.states = set()
         self.governs = collections.defaultdict(collections.Counter)
         self.shapes = collections.defaultdict(set)
         self.agents, self.nominal, self.adjectival, self.manner, self.opposite, self.quality = ({} for _ in range(6))
+        self.exceptions = collections.defaultdict(set)
         self.irregular = {"noun": {}, "adj": collections.defaultdict(list), "verb": {}}
         if arguments.wordnet:
             self.read_wordnet(pathlib.Path(arguments.wordnet))
@@ -209,6 +218,8 @@ class Sources:
                 for line in open(folder / f"{part}.exc"):
                     form, *lemmas = line.split()
                     for lemma in lemmas:
+                        if part == "verb":
+                            self.exceptions[lemma].add(form)
                         if part == "adj":
                             self.irregular["adj"][lemma].append(form)
                         else:
@@ -233,7 +244,8 @@ class Sources:
                     self.adjectival.setdefault(source, []).append(target)
                 if part == "adj" and category == "n" and symbol == "\\":
                     self.adjectival.setdefault(target, []).insert(0, source)
-                if part == "adj" and symbol == "!" and re.fullmatch("(un|in|im|il|ir|dis)" + re.escape(source), target):
+                denied = "(un|in|im|il|ir|dis)" + re.escape(source) + "|" + re.escape(re.sub("ful$", "", source)) + "less"
+                if part == "adj" and symbol == "!" and re.fullmatch(denied, target):
                     self.opposite[source] = target
                 if part == "adj" and category == "n" and symbol == "+" and target_file != 18 and not target.endswith("ness"):
                     self.quality.setdefault(source.lower(), target)
@@ -262,12 +274,25 @@ class Sources:
         present, past = self.text.counts[forms["S"]], self.text.counts[forms["PAST"]]
         return lemma in self.states and not (present + past >= 8 and present < 0.13 * (present + past))
 
+    def form_weight(self, lemma, tag, form):
+        """How often people write the form, and how sure it is that they mean this verb: "bare" is no form of "bear"."""
+        weight = self.text.counts[form]
+        is_known = form in self.exceptions[lemma] or form == verb_rule(lemma)[tag]
+        is_other_word = any(self.tagged[form, part] >= 5 for part in "123") or len(form) < 3
+        if form == lemma:
+            weight *= 0.2
+        elif is_other_word:
+            weight *= 0.25 if is_known else 0.02
+        elif not is_known:
+            weight *= 0.5
+        return weight * (10 if tag == "PTCP" and form.endswith("n") and is_known else 1)
+
     def verb_forms(self, lemma):
         first, *rest = lemma.split(" ")
         forms = verb_rule(first)
         for tag, known in self.forms.get(first, {}).items():
             # Of several forms the one that people write.
-            forms[tag] = max(known, key=lambda form: (self.text.counts[form], form == forms[tag]))
+            forms[tag] = max(known, key=lambda form: (self.form_weight(first, tag, form), form == forms[tag]))
         tail = "".join(" " + word for word in rest)
         return {tag: form + tail for tag, form in forms.items()}
 
@@ -305,9 +330,9 @@ class Writer:
         kinds = {18: ",HUM", 28: ",TIM", 15: ",PLC"}.get(file, "") + (",MASS" if file in MASS_FILES else "")
         kinds += self.sources.text.noun_marks(lemma, self.sources.irregular["noun"].get(lemma) or plural(written))
         self.entry(written, concept, f"N{kinds}{vowel(written)}{more}")
-        if written[:1].islower():
+        if written[:1].islower() or file == 18 and " " not in written:
             many = self.sources.irregular["noun"].get(lemma) or plural(written)
-            self.entry(many, concept, f"N,PL{kinds}{vowel(many)}{more}")
+            self.entry(many, concept, f"N,PL{',PS' * many.endswith('s')}{kinds}{vowel(many)}{more}")
 
     def adjective(self, lemma, concept, more=""):
         if opposite := self.sources.opposite.get(lemma):
@@ -323,7 +348,7 @@ class Writer:
             for form in forms[:1]:
                 self.entry(form, concept, f"ADJ,{tag}{vowel(form)}{more}")
         if adverb := self.sources.manner.get(lemma):
-            self.entry(adverb, concept, f"ADV{',LY' * adverb.endswith('ly')}{vowel(adverb)}{more}")
+            self.entry(adverb, concept, f"ADV{',LY' * adverb.endswith('ly')}{',SADV' * (adverb in MIDDLE)}{vowel(adverb)}{more}")
 
 
 def surface(lemma):
@@ -366,15 +391,25 @@ def frames(path, writer, sources):
             told = sources.text.preposition({form for tag, form in sources.verb_forms(verb).items() if tag != "PTCP"})
             if told and not any(re.match("p1|p[2-5]" + told, a) for a in built):
                 built = [a for a in built if (a, told) != ("INF1", "to")] + ["p1" + told]
-        if "SA1" not in built and sources.is_intransitive(verb or lemma):
+        is_getting = verb == "get" and sense_of(concept) > 2
+        if "SA1" not in built and (is_getting or sources.is_intransitive(verb or lemma)):
             built.append("SA1")
         pattern = "".join("," + a for a in built)
         if verb:
-            writer.verb(verb, concept, pattern)
+            writer.verb(verb, concept, pattern + ",SMALLC" * (verb in ("make", "render", "keep") and "THAT1" in pattern))
+        # A word that is a noun at least as often as a verb names what the verb does: "the size of the garden".
+        often = sources.tagged[lemma, "1"] >= max(5, 1.5 * sources.tagged[lemma, "2"])
+        if verb == lemma and not of["N"] and often and ",p1" not in pattern:
+            of["N"].append(lemma)
         # A gerund only where people use it as a noun: a meeting.
         nouns = [form for form in of["N"] if not form.endswith("ing")]
+        # Of several nouns the one that is made of the verb, and that people use: death, not die.
+        derived = sources.nominal.get(verb, ()) if verb else (lemma,)
+        nouns.sort(key=lambda form: (form not in derived, -sources.tagged[form, "1"]))
         for noun in (nouns or [form for form in of["N"] if sources.tagged[form, "1"] > 19])[:1]:
-            writer.noun(noun, concept, ",NMZ" if verb else ",NMZ,QUAL")
+            # A noun has the prepositions of its verb, "a look at the sea", and a verb of its own, "take a look".
+            kept = "".join("," + a for a in built if re.match(r"p\d|LV", a))
+            writer.noun(noun, concept, (",NMZ" if verb else ",NMZ,QUAL") + kept)
         adjectives = [lemma] if of["ADJ"] and lemma in sources.adjectives else of["ADJ"]
         for adjective in adjectives[:1]:
             if not verb and not of["N"] and adjective in sources.quality:
@@ -390,7 +425,8 @@ def sense_of(concept):
 
 def agent_of(sources, verb):
     stem = verb[:3]
-    return sorted((a for a in sources.agents.get(verb, ()) if a.lower().startswith(stem)), key=len)
+    return sorted((a for a in sources.agents.get(verb, ()) if a.lower().startswith(stem)),
+                  key=lambda a: (a.endswith("ee"), len(a)))
 
 
 def lemmas(writer, sources):
@@ -404,7 +440,7 @@ def lemmas(writer, sources):
                 writer.noun(written, key)
     for noun, adjectives in sources.adjectival.items():
         if noun[:1].isupper():
-            for adjective in adjectives[:1]:
+            for adjective in sorted(adjectives, key=lambda one: one[:3] != noun[:3])[:1]:
                 writer.entry(adjective, noun, f"ADJ{vowel(adjective)}")
     for lemma in sources.adjectives:
         if sources.tagged[lemma, "1"] > 20 * sources.tagged[lemma, "3"] or sources.tagged[lemma, "4"] > 20 * sources.tagged[lemma, "3"]:
@@ -415,7 +451,7 @@ def lemmas(writer, sources):
     for lemma in sources.adverbs:
         if re.fullmatch(r"[a-z][a-z -]*", lemma):
             for key in {lemma, lemma.replace(" ", "-")}:
-                writer.entry(lemma, key, f"ADV{vowel(lemma)}")
+                writer.entry(lemma, key, f"ADV{',MID' * (lemma in MIDDLE)}{vowel(lemma)}")
     for lemma in sorted(sources.verbs | set(sources.forms)):
         if re.fullmatch(r"[a-z][a-z -]*", lemma):
             for key in {lemma, lemma.replace(" ", "-")}:

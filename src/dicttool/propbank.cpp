@@ -1,7 +1,7 @@
 // A frame file, as far as it is read:
 //
 //   frameset / predicate / roleset id="give_up.07"
-//     aliases / alias pos="v|n|j": give_up
+//     aliases / alias pos="v|n|j|l": give_up; l is a verb with a noun, make_effort
 //     roles / role n="1" f="PPT" descr="thing given up"
 //     example
 //       text: the words of a sentence with spaces between them
@@ -33,7 +33,8 @@ constexpr std::string_view kPrepositions[] = {"about",  "above",   "across", "af
                                               "toward", "towards", "under",  "upon",   "with",    "within",  "without"};
 
 // Words that make a participle behind them a passive.
-constexpr std::string_view kBeing[] = {"is", "are", "was", "were", "be", "been", "being", "'s", "get", "got", "gets"};
+constexpr std::string_view kBeing[] = {"is", "are", "was", "were", "be",  "been", "being",
+                                       "am", "'s",  "'re", "'m",   "get", "got",  "gets"};
 
 template <std::size_t N>
 bool has(const std::string_view (&list)[N], std::string_view word) {
@@ -112,7 +113,9 @@ void example_count(const pugi::xml_node& example, const FrameSense& sense, const
   const int at = has_place ? verb.attribute("relloc").as_int() : -1;
   if (at < 0 || verb_words.empty()) return;
   const std::string_view part = part_of(lowered(verb_words[0]), example.attribute("name").value(), sense);
-  if (part == "noun") return;
+  const auto is_verb = [](const FrameName& name) { return std::string_view(name.part) == "verb"; };
+  const bool has_verb = std::any_of(sense.names.begin(), sense.names.end(), is_verb);
+  if (part == "noun" && has_verb) return;
   bool has_agent = false;
   int object = -1;
   for (const pugi::xml_node& argument : marks.children("arg")) {
@@ -227,7 +230,8 @@ std::string features_of(const pugi::xml_node& node, const FrameSense& sense, con
     // Examples count more than descriptions.
     if (!counts.empty()) {
       argument_features(number, counts, features);
-      continue;
+      // Where the examples have clauses alone, the description says what a noun has: "go back to sleep", "to the town".
+      if (number == 1 || !most(counts).first.empty()) continue;
     }
     const auto role = roles.find(std::to_string(number));
     if (role == roles.end()) continue;
@@ -258,17 +262,21 @@ FrameFault frames_read(std::string_view text, const VerbSet& verbs,
       if (dot == id.npos || dot == 0) continue;
       FrameSense read{id.substr(0, dot), id.substr(dot + 1), {}, {}};
       std::replace(read.lemma.begin(), read.lemma.end(), '_', '-');
+      std::string light;
       for (const pugi::xml_node& alias : sense.child("aliases").children("alias")) {
         const std::string_view part = alias.attribute("pos").value();
         const char* kind = part == "v" ? "verb" : part == "n" ? "noun" : part == "j" ? "adj" : nullptr;
         const std::vector<std::string> words = words_of(written(alias.text().get()));
+        // "Make mistake": the verb that English puts in front of the noun.
+        constexpr std::string_view kLight[] = {"make", "take", "give", "have", "do"};
+        if (part == "l" && words.size() == 2 && has(kLight, words[0])) light = ";light." + words[0];
         std::string form;
         for (const std::string& word : words) form += (form.empty() ? "" : " ") + word;
         if (kind != nullptr && !form.empty()) read.names.push_back({std::move(form), kind});
       }
       // A sense without aliases is named as its file is.
       if (read.names.empty()) read.names.push_back({written(read.lemma), "verb"});
-      read.features = features_of(sense, read, verbs);
+      read.features = features_of(sense, read, verbs) + light;
       sink(read);
     }
   }

@@ -22,7 +22,8 @@ struct FrameSense {
   std::string number;  // of the sense, two digits: 07
   std::vector<FrameName> names;
   // What `lexon-dict import` looks up in its table, with ";" in front of each: ";arg1.subject", ";arg2.to",
-  // ";arg2.object" (a plain noun), ";arg1.infinitive", ";arg1.gerund", ";arg1.clause".
+  // ";arg2.object" (a plain noun), ";arg1.infinitive", ";arg1.gerund", ";arg1.clause",
+  // ";light.make" (the verb in front of the noun: "make a mistake").
   std::string features;
 };
 

@@ -31,6 +31,15 @@ std::vector<int> first_arcs(Rewriter& graph) {
     seen[static_cast<std::size_t>(at)] = true;
     first[static_cast<std::size_t>(at)] = led;
     std::vector<int> below = graph.children(at);
+    // A receiver is said before what it is told to do: "she asked the driver to stop".
+    std::stable_partition(below.begin(), below.end(), [&](int one) {
+      const Arc& led_down = graph.arc(one);
+      const Concept& word = graph.word(led_down.to);
+      const bool is_noun =
+          !is_clause(graph, led_down.to) || has_attribute(word, "@agent") || has_attribute(word, "@result");
+      const bool is_argument = led_down.role.starts_with("ARG") || led_down.role == "speaker";
+      return !led_down.inverse && is_argument && is_noun;
+    });
     // An agent is said before what it does something to, and a condition before both, wherever the source writes them.
     const char* subject = has_attribute(graph.word(at), "@psv") ? "ARG1" : "ARG0";
     std::stable_partition(below.begin(), below.end(), [&](int one) { return graph.arc(one).role == subject; });
@@ -150,7 +159,9 @@ void coordinate(Rewriter& graph, int at, const Conjunction& conjunction) {
     attribute_add(graph.word(part), conjunction.attribute);
     const int subject = subject_arc(graph, part);
     const int model = subject_arc(graph, head);
-    const bool is_shared = subject >= 0 && model >= 0 && graph.arc(subject).to == graph.arc(model).to &&
+    // A condition of its own stands between: "..., and if it rains, I stay".
+    const bool is_shared = subject >= 0 && model >= 0 && graph.child(part, "condition") < 0 &&
+                           graph.arc(subject).to == graph.arc(model).to &&
                            std::string_view(conjunction.attribute) != "@snt";
     if (is_shared && graph.arc(subject).role == "ARG1") attribute_add(graph.word(part), "@shr1");
     if (is_shared) graph.arc(subject).role = "shared";
@@ -305,6 +316,16 @@ constexpr std::array kReporting{"know", "wonder", "understand", "forget", "remem
 
 // What is asked for moves to the front of its clause, together with the phrase that it belongs to.
 void question(Rewriter& graph, int unknown) {
+  // (a / amr-unknown :domain (y / you)): what is asked for is the predicate. As :domain of the other it is the one word
+  // that moves: "who are you".
+  const int said = graph.child(unknown, "domain");
+  const int about = said >= 0 ? graph.arc(said).to : -1;
+  if (about >= 0 && graph.mentions(about) == 1) {
+    graph.redirect(unknown, about);
+    graph.replace(said, about, unknown, "domain");
+    for (const int below : graph.children(unknown)) graph.arc(below).from = about;
+    if (std::erase(graph.word(unknown).attributes, "@quote") > 0) attribute_add(graph.word(about), "@quote");
+  }
   int led = graph.parent(unknown);  // the arc by which the phrase hangs on what is above it
   if (led < 0 || graph.arc(led).inverse) return;
   int phrase = unknown;
@@ -342,7 +363,12 @@ void question(Rewriter& graph, int unknown) {
   const bool is_subject =
       clause == asked_at && (role == "ARG0" || (role == "ARG1" && graph.child(clause, "ARG0") < 0) ||
                              (role == "domain" && graph.is(unknown, "amr-unknown")));
-  attribute_add(graph.word(phrase), "@wh_" + role);
+  // "Where is the key": what a place is said of has no other verb.
+  if (graph.is(asked_at, "be-located-at", "91") && role == "ARG2") role = "location";
+  // "Who are you".
+  constexpr std::array kPronouns{"i", "we", "you", "he", "she", "they"};
+  const bool is_person = role == "domain" && phrase == unknown && is_one_of(graph, asked_at, kPronouns);
+  attribute_add(graph.word(phrase), is_person ? "@wh_who" : "@wh_" + role);
   attribute_add(graph.word(clause), is_reported ? "@asked" : is_subject ? "@asksub" : "@ask");
   // Some files mark the mood beside the word that asks; one mark is enough.
   std::erase(graph.word(clause).attributes, "@int");
@@ -367,6 +393,27 @@ bool is_any(Rewriter& graph, int at) {
 
 }  // namespace
 
+// "Not ever" said of all that is joined: "I have never seen or heard anyone".
+static void ever_of_all(Rewriter& graph, int at) {
+  const int led = graph.is(at, "and") || graph.is(at, "or") ? graph.child(at, "time") : -1;
+  if (led < 0 || !graph.is(graph.arc(led).to, "ever")) return;
+  const std::vector<int> below = graph.children(at);
+  const auto is_denied = [&](int one) {
+    return !graph.arc(one).role.starts_with("op") || has_attribute(graph.word(graph.arc(one).to), "@neg");
+  };
+  if (!std::all_of(below.begin(), below.end(), is_denied)) return;
+  graph.word(graph.arc(led).to).name = "never";
+  for (const int one : below) std::erase(graph.word(graph.arc(one).to).attributes, "@neg");
+}
+
+// English denies once: where the subject is nobody, the clause is not denied again.
+static void negation_once(Rewriter& graph, int at) {
+  constexpr std::array kNone{"nobody", "noone", "no-one", "nothing"};
+  const int led = graph.word(at).sense.empty() ? -1 : subject_arc(graph, at);
+  const bool is_first = led >= 0 && graph.parent(graph.arc(led).to) == led;
+  if (is_first && is_one_of(graph, graph.arc(led).to, kNone)) std::erase(graph.word(at).attributes, "@neg");
+}
+
 // :polarity - is @neg by the table of roles before any step. Here it meets the words that have a negation in them, and
 // (x :polarity (a / amr-unknown)) becomes a question, @int.
 void step_polarity(Meaning& meaning) {
@@ -378,6 +425,8 @@ void step_polarity(Meaning& meaning) {
       graph.word(graph.arc(led).to).name = "never";
       std::erase(graph.word(at).attributes, "@neg");
     }
+    ever_of_all(graph, at);
+    negation_once(graph, at);
     // A negated somebody is nobody.
     constexpr std::pair<const char*, const char*> kNobody[] = {
         {"somebody", "nobody"},   {"someone", "nobody"},   {"anybody", "nobody"},   {"anyone", "nobody"},
@@ -396,7 +445,7 @@ void step_polarity(Meaning& meaning) {
       const int word = doer >= 0 && graph.is(graph.arc(doer).to, positive) ? graph.arc(doer).to
                        : any >= 0 && graph.is(graph.arc(any).to, positive) ? graph.arc(any).to
                                                                            : -1;
-      if (word < 0 || graph.mentions(graph.arc(doer).to) > 1) continue;
+      if (word < 0 || graph.parent(graph.arc(doer).to) != doer) continue;
       graph.word(word).name = negative;
       std::erase(graph.word(at).attributes, "@neg");
     }
@@ -415,7 +464,16 @@ void step_polarity(Meaning& meaning) {
       attribute_add(graph.word(graph.arc(led).to), "@whether");
       graph.stand_in(at, led);
     }
-    const bool is_tag = graph.is(at, "request-confirmation", "91");
+    bool is_tag = graph.is(at, "request-confirmation", "91");
+    // With somebody who asks it is a verb: "she asked whether it rained".
+    const bool is_asking = is_tag || graph.is(at, "request-response", "91");
+    if (is_asking && graph.child(at, "ARG0") >= 0) {
+      const int said = is_tag ? graph.child(at, "ARG1") : -1;
+      if (said >= 0) attribute_add(graph.word(graph.arc(said).to), "@whether");
+      graph.word(at).name = "ask";
+      graph.word(at).sense = "01";
+      is_tag = false;
+    }
     if (const int led = is_tag ? graph.argument(at, "ARG1") : -1; led >= 0) {
       const bool is_above = graph.arc(led).from == at;
       const int clause = graph.other(led, at);
@@ -480,6 +538,11 @@ static void pronoun_apply(Rewriter& graph, int at) {
   const bool is_content = above < 0
                               ? graph.meaning().root == at
                               : !graph.arc(above).inverse && graph.arc(above).role == "ARG1" && graph.mentions(at) == 1;
+  // Below another verb only what is said or known is such a clause; else a person or thing is meant.
+  const int governor = above < 0 ? -1 : graph.arc(above).from;
+  const bool is_pointing = graph.is(at, "that") || graph.is(at, "this");
+  if (governor >= 0 && !is_pointing && !is_one_of(graph, governor, kSaying) && !is_one_of(graph, governor, kReporting))
+    return;
   if (!is_content || !is_one_of(graph, at, kPronouns) || graph.children(at).size() != 1) return;
   const int led = graph.children(at)[0];
   const int frame = graph.arc(led).to;
@@ -488,12 +551,44 @@ static void pronoun_apply(Rewriter& graph, int at) {
   graph.replace(led, frame, at, graph.arc(led).role);
 }
 
+// (s / say-01 :ARG0 (h / he :ARG0-of (t / talk-01))): "he said ..., talking". A pronoun has no relative clause; what it does
+// besides goes with what is said of it.
+static void attendant_apply(Rewriter& graph, int at) {
+  constexpr std::array kPronouns{"i", "we", "you", "he", "she", "it", "they"};
+  const int above = graph.parent(at);
+  if (above < 0 || graph.arc(above).inverse || !is_one_of(graph, at, kPronouns)) return;
+  const std::string role = graph.arc(above).role;
+  const int clause = graph.arc(above).from;
+  if (!is_core_role(role) || graph.word(clause).sense.empty()) return;
+  constexpr std::array kNoQuality{"all",  "both", "each", "alone", "also", "only", "even", "just",
+                                  "self", "too",  "two",  "other", "such", "poor", "dear", "most"};
+  for (const int led : graph.children(at)) {
+    const int frame = graph.arc(led).to;
+    // "..., tired": a quality of him goes the same way.
+    const bool is_quality = graph.arc(led).role == "mod" && !graph.arc(led).inverse && graph.mentions(frame) == 1 &&
+                            graph.word(frame).sense.empty() && !is_one_of(graph, frame, kNoQuality);
+    if (is_quality && !is_unknown(graph, frame)) graph.replace(led, clause, frame, "attendant");
+    if (is_quality) continue;
+    // "It is good, like the sun": what he is like is said of all that he does.
+    if (graph.arc(led).role == "likeness" && !graph.arc(led).inverse) {
+      graph.replace(led, clause, frame, "likeness");
+      continue;
+    }
+    const bool is_act = graph.arc(led).inverse && is_core_role(graph.arc(led).role) && graph.mentions(frame) == 1;
+    if (!is_act || graph.word(frame).sense.empty()) continue;
+    const std::string held = graph.arc(led).role;
+    graph.add(frame, at, held);
+    graph.replace(led, clause, frame, "attendant");
+  }
+}
+
 // (p / person :ARG0-of (d / drive-01)): the driver, if the dictionary has one; else the rules say who drives. Runs behind
 // the offices, as a mayor is no haver of a role.
 void step_persons(Meaning& meaning) {
   Rewriter graph(meaning, "persons");
   for (int at = 0; at < graph.count(); ++at) {
     pronoun_apply(graph, at);
+    attendant_apply(graph, at);
     if (graph.is(at, "government-organization")) government_apply(graph, at);
     if (graph.is(at, "thing")) thing_apply(graph, at);
     if (!graph.is(at, "person") || has_attribute(graph.word(at), "@name")) continue;
@@ -539,6 +634,22 @@ void step_coordination(Meaning& meaning) {
   }
 }
 
+// Who is called is "you" everywhere else: "Kim, did you see that?"
+static void called_apply(Rewriter& graph) {
+  const int end = static_cast<int>(graph.meaning().arcs.size());
+  for (int led = 0; led < end; ++led) {
+    if (graph.arc(led).gone || graph.arc(led).inverse || graph.arc(led).role != "vocative") continue;
+    for (int other = 0; other < end; ++other) {
+      const Arc& one = graph.arc(other);
+      const bool is_mention = one.to == graph.arc(led).to && !one.gone && !one.inverse && one.role != "vocative";
+      if (!is_mention) continue;
+      const int you = graph.add_concept("you");
+      attribute_add(graph.word(you), "@p2");
+      graph.arc(other).to = you;
+    }
+  }
+}
+
 void step_speaker(Meaning& meaning) {
   Rewriter graph(meaning, "speaker");
   // UMR marks what is uttered by :quote with the verb of saying as target.
@@ -552,7 +663,16 @@ void step_speaker(Meaning& meaning) {
   const int frame = meaning.root;
   const int said = graph.child(frame, "ARG1");
   const int who = graph.child(frame, "ARG0");
-  if (said < 0 || who < 0) return;
+  if (const int called = graph.child(frame, "ARG2");
+      said >= 0 && who < 0 && called >= 0 && graph.is(frame, "say", "01")) {
+    // Nobody says it, and to somebody with a name: "Kim, that is true."
+    if (!has_attribute(graph.word(graph.arc(called).to), "@name")) return;
+    graph.arc(called).role = "vocative";
+    if (graph.child(graph.arc(said).to, "vocative") >= 0) graph.remove(called, Fate::word);
+    graph.stand_in(frame, said);
+    return called_apply(graph);
+  }
+  if (said < 0 || who < 0) return called_apply(graph);
   const auto is_bare = [&](int at) {
     return graph.children(at).empty() && !has_attribute(graph.word(at), "@name") &&
            (graph.is(at, "person") || graph.is(at, "i") || graph.is(at, "he") || graph.is(at, "you"));
@@ -562,7 +682,7 @@ void step_speaker(Meaning& meaning) {
   const auto is_nobody = [&](int at) { return graph.is(at, "person") && is_bare(at) && graph.mentions(at) == 1; };
   const bool is_unnamed =
       graph.is(frame, "say", "01") && whom >= 0 && is_nobody(graph.arc(who).to) && is_nobody(graph.arc(whom).to);
-  if (!is_bare(graph.arc(who).to) || !(is_utterance || is_unnamed)) return;
+  if (!is_bare(graph.arc(who).to) || !(is_utterance || is_unnamed)) return called_apply(graph);
   // Nobody writes "a person says": the speaker is "i", and who is spoken to is "you".
   graph.settle_concept(frame, Fate::left_out);
   const int content = graph.arc(said).to;
@@ -578,6 +698,7 @@ void step_speaker(Meaning& meaning) {
   }
   graph.redirect(frame, content);
   graph.move_children(frame, content);
+  called_apply(graph);
 }
 
 // (s / say-01 :ARG0 k :ARG1 c): c is :quoted and k :speaker where the words themselves are given. Stands behind
@@ -594,6 +715,15 @@ void step_questions(Meaning& meaning) {
   Rewriter graph(meaning, "questions");
   for (int at = 0; at < graph.count(); ++at) {
     if (is_unknown(graph, at)) question(graph, at);
+  }
+  // Only a clause of its own asks; below a verb of knowing it is "whether", elsewhere no question at all.
+  for (int at = 0; at < graph.count(); ++at) {
+    const int above = graph.parent(at);
+    const bool is_asking = has_attribute(graph.word(at), "@int") && !has_attribute(graph.word(at), "@quote");
+    if (!is_asking || above < 0 || at == meaning.root || graph.arc(above).role == "conjunct") continue;
+    std::erase(graph.word(at).attributes, "@int");
+    const bool is_told = is_core(graph.arc(above)) && is_one_of(graph, graph.arc(above).from, kReporting);
+    if (is_told) attribute_add(graph.word(at), "@whether");
   }
 }
 
@@ -664,6 +794,23 @@ void step_voice(Meaning& meaning) {
   }
 }
 
+// An event with a determiner is a noun, "it deserves the same respect": true then, and a subject that the clause above
+// has named is not said again.
+static bool nominal_apply(Rewriter& graph, int at) {
+  constexpr std::array kDeterminers{"same", "this", "that", "such", "any", "some", "other", "every", "each", "another"};
+  const int above = graph.parent(at);
+  const bool is_inside = above >= 0 && is_core(graph.arc(above)) && graph.arc(above).role != "ARG0";
+  if (!is_inside || graph.word(at).sense.empty() || at == graph.meaning().root) return false;
+  bool is_noun = false;
+  for (const int led : graph.children(at)) {
+    const Arc& one = graph.arc(led);
+    is_noun |= !one.inverse && one.role == "mod" && is_one_of(graph, one.to, kDeterminers);
+  }
+  const int known = is_noun ? graph.child(at, "understood") : -1;
+  if (known >= 0) graph.remove(known, Fate::attribute);
+  return is_noun;
+}
+
 // What the rules must know of a whole clause before its first word stands: whether it has a subject, an auxiliary, an
 // expletive. No graph is changed here but for attributes, so that this step sees what the reader will see.
 void step_forms(Meaning& meaning) {
@@ -673,6 +820,9 @@ void step_forms(Meaning& meaning) {
                                   "@fut", "@would", "@neg",    "@ask", "@int"};
   for (int at = 0; at < graph.count(); ++at) {
     Concept& word = graph.word(at);
+    // English has one modal verb in a clause.
+    if (has_attribute(word, "@must")) std::erase(word.attributes, "@should");
+    if (has_attribute(word, "@can")) std::erase(word.attributes, "@may");
     constexpr std::array kGrades{"@more", "@most", "@less", "@least", "@too", "@so", "@very"};
     // "A little" and "completely" leave a verb a verb: he hesitated a little.
     constexpr std::array kIntensifying{"so",    "very",      "too",    "more",  "most",        "less",
@@ -694,7 +844,7 @@ void step_forms(Meaning& meaning) {
       attribute_add(graph.word(graph.arc(quality).from), "@def");
     const bool has_subject = subject_arc(graph, at) >= 0 || graph.child(at, "understood") >= 0 ||
                              graph.child(at, "shared") >= 0 || graph.child(at, "speaker") >= 0;
-    if (has_subject) attribute_add(word, "@cl");
+    if (has_subject && !nominal_apply(graph, at)) attribute_add(word, "@cl");
     const bool is_auxiliary =
         std::any_of(kAuxiliary.begin(), kAuxiliary.end(), [&](const char* one) { return has_attribute(word, one); });
     if (is_auxiliary && is_clause(graph, at)) attribute_add(word, "@aux");
@@ -726,9 +876,11 @@ void step_control(Meaning& meaning) {
   for (int at = 0, end = graph.count(); at < end; ++at) {
     const bool is_raising = graph.is(at, "seem", "01") || graph.is(at, "appear", "02");
     const int led = is_raising && graph.child(at, "ARG0") < 0 ? graph.child(at, "ARG1") : -1;
-    if (led < 0 || graph.word(graph.arc(led).to).sense.empty()) continue;
-    const int subject = graph.child(graph.arc(led).to, "ARG0");
-    if (subject >= 0) graph.add(at, graph.arc(subject).to, "ARG0", false);
+    if (led < 0 || !is_clause(graph, graph.arc(led).to)) continue;
+    const int subject = subject_arc(graph, graph.arc(led).to);
+    const bool is_said = subject >= 0 && !is_clause(graph, graph.arc(subject).to);
+    if (is_said) graph.add(at, graph.arc(subject).to, "ARG0", false);
+    if (is_said && graph.arc(subject).role != "ARG0") attribute_add(graph.word(at), "@raised");
   }
   const std::vector<int> first = first_arcs(graph);
   for (int at = 0; at < graph.count(); ++at) {
@@ -736,7 +888,8 @@ void step_control(Meaning& meaning) {
     if (above < 0 || graph.arc(above).inverse || !is_clause(graph, at)) continue;
     const std::string& role = graph.arc(above).role;
     // A clause in another role keeps its subject: "she left because she was tired".
-    const bool may_be_infinite = role.starts_with("ARG") || role == "purpose" || role == "manner" || role == "mod";
+    const bool may_be_infinite =
+        role.starts_with("ARG") || role == "purpose" || role == "manner" || role == "mod" || role == "attendant";
     const int subject = subject_arc(graph, at);
     if (!may_be_infinite || subject < 0) continue;
     const int person = graph.arc(subject).to;
@@ -749,12 +902,16 @@ void step_control(Meaning& meaning) {
       for (const int led : graph.children(governor)) {
         is_named |= led != led_here && !graph.arc(led).inverse && graph.arc(led).to == person;
       }
+      // "A pill to cure the cold".
+      is_named |= role == "purpose" && governor == person;
       led_here = first[static_cast<std::size_t>(governor)];
       is_named |= led_here >= 0 && graph.arc(led_here).inverse && graph.arc(led_here).from == person;
     }
     if (!is_named) continue;
     // A predicate without verb has no infinitive of its own.
-    if (graph.arc(subject).role == "domain") continue;
+    const int higher = graph.arc(above).from;
+    const bool is_seeming = graph.is(higher, "seem", "01") || graph.is(higher, "appear", "02");
+    if (graph.arc(subject).role == "domain" && !is_seeming && role != "attendant") continue;
     if (graph.arc(subject).role != "ARG0") attribute_add(graph.word(at), "@ctl1");
     graph.arc(subject).role = "understood";
   }
@@ -779,8 +936,10 @@ void step_mentions(Meaning& meaning) {
       const int again = mention_of(graph, from);
       graph.replace(led, to, again, graph.arc(led).role);
     } else {
-      int agent = graph.child(graph.arc(led).from, "ARG0");
-      if (agent < 0) agent = graph.child(graph.arc(led).from, "speaker");
+      int agent = -1;
+      for (const char* role : {"ARG0", "speaker", "shared", "understood"}) {
+        if (agent < 0) agent = graph.child(graph.arc(led).from, role);
+      }
       const bool is_own =
           agent >= 0 && agent != led && meant[static_cast<std::size_t>(agent)] == to && is_core(graph.arc(led));
       graph.arc(led).to = mention_of(graph, to);

@@ -51,7 +51,6 @@ constexpr Reified kReified[] = {
     {"have-example", "91", "ARG1", "ARG2", "example"},
     {"exemplify", "01", "ARG1", "ARG0", "example"},
     {"resemble", "91", "ARG1", "ARG2", "likeness"},
-    {"resemble", "01", "ARG1", "ARG2", "likeness"},
     {"include", "91", "ARG1", "ARG2", "superset"},
     {"except", "01", "ARG2", "ARG1", "exception"},
     {"have-part", "91", "ARG1", "ARG2", "part"},
@@ -196,7 +195,12 @@ void office_apply(Rewriter& graph, int at, const Office& office) {
     if (from_zero && titled < 0) titled = graph.argument(at, "ARG3");
   }
   if (titled < 0 && std::string_view(office.name) == "have-role") std::swap(titled, whole);
-  if (holds < 0) return;
+  if (holds < 0) {
+    // Nobody holds it in this sentence: the office is named, or what it belongs to.
+    const int named = titled >= 0 ? titled : whole;
+    if (named >= 0 && graph.arc(named).from == at) graph.stand_in(at, named, Fate::word);
+    return;
+  }
   const int holder = graph.other(holds, at);
   const bool holder_above = graph.arc(holds).to == at;
   if (titled < 0) {
@@ -212,7 +216,19 @@ void office_apply(Rewriter& graph, int at, const Office& office) {
     }
     graph.settle_concept(at, Fate::relation);
     graph.remove(holds, Fate::relation);
-    graph.replace(whole, holder, graph.arc(whole).to, office.role);
+    const Concept& group = graph.word(graph.arc(whole).to);
+    const bool is_party = has_attribute(group, "@political-party") || has_attribute(group, "@political-organization");
+    if (is_party && graph.is(holder, "person") && graph.mentions(graph.arc(whole).to) == 1) {
+      // Whoever is of the Green Party is a Green.
+      std::string name = group.name;
+      if (name.ends_with(" Party")) name.resize(name.size() - 6);
+      if (name == "Democratic") name = "Democrat";
+      graph.settle_concept(graph.arc(whole).to, Fate::word);
+      graph.remove(whole, Fate::word);
+      graph.word(holder).name = name;
+    } else {
+      graph.replace(whole, holder, graph.arc(whole).to, office.role);
+    }
     graph.move_children(at, holder);
     return;
   }
@@ -274,6 +290,8 @@ void degree_apply(Rewriter& graph, int at, bool is_quantity) {
   const int quality = graph.other(quality_led, at);
   const int bearer_led = graph.argument(at, "ARG1");
   graph.settle_concept(at, Fate::relation);
+  // What is denied is the degree: "no thicker than a finger".
+  if (has_attribute(graph.word(at), "@neg")) attribute_add(graph.word(quality), "@neg");
   if (const int led = graph.child(at, "ARG3"); led >= 0 && led != quality_led) {
     const int degree = graph.arc(led).to;
     const char* attribute = degree_attribute(graph.word(degree));
@@ -290,7 +308,13 @@ void degree_apply(Rewriter& graph, int at, bool is_quantity) {
   constexpr std::pair<const char*, const char*> kOthers[] = {
       {"ARG4", "compared-to"}, {"ARG5", "superlative-of"}, {"ARG6", "consequence"}};
   for (const auto& [role, label] : kOthers) {
-    if (const int led = graph.child(at, role); led >= 0) graph.replace(led, quality, graph.arc(led).to, label);
+    const int led = graph.child(at, role);
+    if (led < 0) continue;
+    // "The oldest house of the town", "an older house than mine": what it is measured by stands behind the noun.
+    const bool is_with_noun = bearer_led >= 0 && graph.arc(bearer_led).to == at && std::string_view(role) != "ARG6" &&
+                              !has_attribute(graph.word(quality), "@equal");
+    const int kept = is_with_noun ? graph.other(bearer_led, at) : quality;
+    graph.replace(led, kept, graph.arc(led).to, label);
   }
   // Nobody bears it: "as soon as possible".
   if (bearer_led < 0) {
@@ -305,9 +329,12 @@ void degree_apply(Rewriter& graph, int at, bool is_quantity) {
   const int bearer = graph.other(bearer_led, at);
   const bool bearer_above = graph.arc(bearer_led).to == at;
   const bool quality_above = graph.arc(quality_led).to == at;
-  // The quality may name its bearer by a role of its own: important-01 :ARG1 x.
-  const int own = graph.argument(quality, "ARG1");
-  const bool is_known = own >= 0 && graph.other(own, quality) == bearer && own != bearer_led;
+  // The quality may name its bearer by a role of its own: important-01 :ARG1 x, amuse-01 :ARG0 x.
+  const auto names_bearer = [&](const char* role) {
+    const int own = graph.argument(quality, role);
+    return own >= 0 && graph.other(own, quality) == bearer && own != bearer_led;
+  };
+  const bool is_known = names_bearer("ARG1") || names_bearer("ARG0");
   if (quality_above || is_known) {
     if (quality_above && !is_known) {
       graph.replace(bearer_led, quality, bearer, is_quantity ? "quant" : "domain", is_quantity);
@@ -319,6 +346,13 @@ void degree_apply(Rewriter& graph, int at, bool is_quantity) {
   } else if (bearer_above) {
     graph.remove(bearer_led, Fate::relation);
     graph.replace(quality_led, bearer, quality, is_quantity ? "quant" : "mod");
+  } else if (!graph.word(bearer).sense.empty() && !is_quantity && graph.word(quality).sense.empty() &&
+             (graph.child(bearer, "ARG0") >= 0 || graph.child(bearer, "ARG1") >= 0)) {
+    // The bearer is an event: "he fell as gently as a tree falls".
+    graph.remove(bearer_led, Fate::relation);
+    graph.replace(quality_led, bearer, quality, "manner");
+    graph.redirect(at, bearer);
+    return graph.move_children(at, bearer);
   } else {
     graph.replace(bearer_led, quality, bearer, "domain");
     graph.remove(quality_led, Fate::relation);
@@ -399,17 +433,50 @@ void modality_apply(Rewriter& graph, int at, const Modal& modal) {
 
 }  // namespace
 
-// (f / flower :ARG0-of (h / have-03 :ARG1 t)): the flower with t.
+// (f / flower :ARG0-of (h / have-03 :ARG1 t)): the flower with t. (f / flower :ARG1-of (h / have-03 :ARG0 i)): my flower.
 static void having_apply(Rewriter& graph, int at) {
   const int holder = graph.parent(at);
-  const int thing = graph.child(at, "ARG1");
-  const bool is_inside = holder >= 0 && graph.arc(holder).inverse && graph.arc(holder).role == "ARG0";
+  const bool is_had = holder >= 0 && graph.arc(holder).role == "ARG1";
+  const int thing = graph.child(at, is_had ? "ARG0" : "ARG1");
+  const bool is_inside = holder >= 0 && graph.arc(holder).inverse && (is_had || graph.arc(holder).role == "ARG0");
   if (!is_inside || thing < 0 || graph.children(at).size() != 1 || graph.mentions(at) > 1) return;
   const std::vector<std::string>& marks = graph.word(at).attributes;
   if (std::any_of(marks.begin(), marks.end(), [](const std::string& mark) { return mark != "@v"; })) return;
   graph.settle_concept(at, Fate::relation);
-  graph.replace(thing, graph.arc(holder).from, graph.arc(thing).to, "possession");
+  graph.replace(thing, graph.arc(holder).from, graph.arc(thing).to, is_had ? "poss" : "possession");
   graph.remove(holder, Fate::relation);
+}
+
+// (r / rush-01 :ARG1-of (r2 / resemble-01 :ARG2 (w / wind))): to rush like the wind, or as if it did something. What a noun
+// resembles stays a relative clause.
+static void likeness_apply(Rewriter& graph, int at) {
+  const int led = graph.parent(at);
+  const int like = graph.child(at, "ARG2");
+  const bool is_inside = led >= 0 && graph.arc(led).inverse && graph.arc(led).role == "ARG1";
+  if (!is_inside || like < 0 || graph.children(at).size() != 1 || graph.mentions(at) > 1) return;
+  const int event = graph.arc(led).from;
+  if (graph.word(event).sense.empty() || has_attribute(graph.word(at), "@neg")) return;
+  const int other = graph.arc(like).to;
+  const bool is_clause = !graph.word(other).sense.empty() && graph.child(other, "ARG0") >= 0;
+  graph.settle_concept(at, Fate::relation);
+  graph.replace(like, event, other, is_clause ? "conj-as-if" : "likeness");
+  graph.remove(led, Fate::relation);
+}
+
+// How often, as a bare number: "once", "twice".
+static void frequency_apply(Rewriter& graph, int at) {
+  const int led = graph.child(at, "frequency");
+  if (led < 0) return;
+  const std::string number = graph.word(graph.arc(led).to).name;
+  if (number.empty() || number.find_first_not_of("0123456789") != number.npos) return;
+  if (number == "1" || number == "2") {
+    graph.word(graph.arc(led).to).name = number == "1" ? "once" : "twice";
+    return;
+  }
+  const int times = graph.add_concept("time");
+  graph.add(times, graph.arc(led).to, "quant");
+  graph.arc(led).to = times;
+  attribute_add(graph.word(times), "@measure");
 }
 
 // (c / cause-01 :ARG0 (r / rain-01) :ARG1 (s / stay-01)) becomes (s / stay-01 :cause (r / rain-01)). Nouns that a frame
@@ -419,13 +486,55 @@ void step_reified(Meaning& meaning) {
   for (int at = 0; at < graph.count(); ++at) {
     if (graph.is(at, "have", "03")) having_apply(graph, at);
     if (graph.is(at, "cause", "01")) cause_noun_apply(graph, at);
+    if (graph.is(at, "resemble", "01")) likeness_apply(graph, at);
     // Nobody opines; people think.
     if (graph.is(at, "opine", "01")) graph.word(at).name = "think";
+    // What is one of several, without them: "for example".
+    const int above = graph.is(at, "exemplify", "01") && graph.children(at).empty() ? graph.parent(at) : -1;
+    if (above >= 0 && graph.arc(above).inverse && graph.arc(above).role == "ARG0") {
+      graph.word(at).name = "for-example";
+      graph.word(at).sense.clear();
+      graph.replace(above, graph.arc(above).from, at, "mod");
+    }
   }
   for (int at = 0; at < graph.count(); ++at) {
-    if (const Reified* one = reified_of(graph, at)) reified_apply(graph, at, *one);
+    // What something is not like stays a clause: "a garden that is not like mine".
+    const bool is_unlike = graph.word(at).name == "resemble" && has_attribute(graph.word(at), "@neg");
+    const Reified* one = is_unlike ? nullptr : reified_of(graph, at);
+    if (one != nullptr) reified_apply(graph, at, *one);
   }
-  // What others are taken from is several.
+  for (int at = 0, end = graph.count(); at < end; ++at) frequency_apply(graph, at);
+  // "She lay down in the grass": a bare direction stands nearer to its verb than a place does.
+  constexpr std::string_view kBare[] = {"up",  "down",   "away",    "back", "out",
+                                        "off", "around", "forward", "home", "along"};
+  for (Arc& one : meaning.arcs) {
+    const bool is_direction = one.role == "direction" && !one.gone && !one.inverse && graph.children(one.to).empty();
+    const std::string& word = graph.word(one.to).name;
+    if (!is_direction || std::find(std::begin(kBare), std::end(kBare), word) == std::end(kBare)) continue;
+    one.role = "particle";
+    // The verb may have the word in its name: sit-down-02.
+    if (graph.word(one.from).name.ends_with('-' + word)) {
+      graph.settle_concept(one.to, Fate::word);
+      one.gone = true;
+      settle(meaning, one.triple, Fate::word, "reified");
+    }
+  }
+  for (int at = 0; at < graph.count(); ++at) {
+    // "Some of us": how many are taken out of a whole stands for those that are taken.
+    const int whole = graph.child(at, "superset");
+    if (whole < 0) continue;
+    if (const int led = graph.child(at, "ARG3"); led >= 0) graph.arc(led).role = "quant";
+    const int quantity = graph.child(at, "quant");
+    if (quantity >= 0 && (graph.is(at, "thing") || graph.is(at, "person"))) graph.stand_in(at, quantity, Fate::word);
+  }
+  // "It is among the new books": what something is among is several.
+  for (int at = 0; at < graph.count(); ++at) {
+    const int led = graph.is(at, "include", "91") ? graph.child(at, "ARG2") : -1;
+    if (led < 0) continue;
+    Concept& whole = graph.word(graph.arc(led).to);
+    if (whole.sense.empty() && !has_attribute(whole, "@name")) attribute_add(whole, "@pl");
+  }
+  // "One of these things": what others are taken from is several.
   for (const Arc& one : meaning.arcs) {
     const bool is_whole = one.role == "superset" && !one.inverse && !one.gone;
     const Concept& whole = graph.word(one.to);
@@ -449,6 +558,9 @@ void step_office(Meaning& meaning) {
   Rewriter graph(meaning, "office");
   // A part of somebody is his.
   for (Arc& one : meaning.arcs) {
+    // The place of a thing that does nothing there: "the place of the wall".
+    const bool is_place = one.role == "location" && one.inverse && !one.gone && graph.is(one.from, "location");
+    if (is_place && graph.word(one.to).sense.empty()) one.role = "part-of", one.inverse = false;
     const bool is_of = one.role == "part-of" && !one.inverse && !one.gone;
     if (is_of && is_speaking(graph.word(one.to).name)) one.role = "poss";
   }

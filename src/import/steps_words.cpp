@@ -46,6 +46,20 @@ std::vector<int> operands(Rewriter& graph, int at) {
   return found;
 }
 
+// True for a name whose head is a common noun, or that is a plural: "the Central Court", "the Hill Islands".
+bool takes_article(const std::string& name) {
+  constexpr std::array<std::string_view, 30> kHeads{
+      "States",     "Nations", "Islands", "Emirates", "Kingdom",    "Republic", "Union",     "Federation",
+      "Ministry",   "Church",  "Senate",  "Court",    "Commission", "Council",  "Committee", "Association",
+      "Department", "Agency",  "Party",   "Army",     "Navy",       "Bureau",   "Institute", "Organization",
+      "Foundation", "House",   "Academy", "Alliance", "Empire",     "Act"};
+  const std::string head = name.substr(0, name.find(" of "));
+  const std::size_t space = head.rfind(' ');
+  const std::string last = space == head.npos ? head : head.substr(space + 1);
+  const bool is_compound = head.size() < name.size() || space != head.npos;
+  return is_compound && std::find(kHeads.begin(), kHeads.end(), last) != kHeads.end();
+}
+
 // The first mention of a type that names all its kind is no word of the sentence: "the country France".
 void name_apply(Rewriter& graph, int at, int led) {
   const int name = graph.arc(led).to;
@@ -62,6 +76,8 @@ void name_apply(Rewriter& graph, int at, int led) {
   Concept& named = graph.word(at);
   attribute_add(named, "@name");
   attribute_add(named, "@" + named.name);
+  if (takes_article(text)) attribute_add(named, "@the");
+  if (text.ends_with('s')) attribute_add(named, "@ends");
   named.name = text;
   named.sense.clear();
 }
@@ -116,13 +132,28 @@ void step_dates(Meaning& meaning) {
 static void rate_apply(Rewriter& graph, int at) {
   int led = graph.child(at, "ARG3");
   if (led < 0) led = graph.child(at, "ARG4");
-  // With a quantity and a unit it is another rate: "two a year".
+  if (const int per = graph.child(at, "ARG2"), what = graph.child(at, "ARG1"); per >= 0 && what >= 0) {
+    // "Two per year".
+    graph.arc(per).role = "rate";
+    return graph.stand_in(at, what);
+  }
   if (led < 0 || graph.child(at, "ARG1") >= 0 || graph.child(at, "ARG2") >= 0) return;
   const int period = graph.arc(led).to;
   attribute_add(graph.word(period), "@every");
   const int number = graph.child(period, "quant");
   if (number >= 0 && graph.word(graph.arc(number).to).name == "1") graph.remove(number, Fate::attribute);
   graph.stand_in(at, led);
+}
+
+// (r / relative-position :op1 (c / city) :quant (d / distance)): a distance from the city. Without a distance its direction
+// stands for it: north of the city.
+static void position_apply(Rewriter& graph, int at) {
+  const int point = graph.child(at, "op1");
+  const int distance = graph.child(at, "quant");
+  const int led = distance >= 0 ? distance : graph.child(at, "direction");
+  if (point < 0 || led < 0) return;
+  graph.arc(point).role = distance >= 0 ? "source" : "part-of";
+  graph.stand_in(at, led, Fate::word);
 }
 
 // (t / temporal-quantity :quant 3 :unit (y / year)) becomes year.@measure with the quantity below it. Number is settled
@@ -134,6 +165,12 @@ void step_quantities(Meaning& meaning) {
     if (const int unit = is_quantity ? graph.child(at, "unit") : -1; unit >= 0) {
       attribute_add(graph.word(graph.arc(unit).to), "@measure");
       graph.stand_in(at, unit, Fate::word);
+    }
+    if (graph.child(at, "unit") < 0) {
+      // Without a unit it is the thing that is measured.
+      if (graph.is(at, "monetary-quantity")) graph.word(at).name = "money";
+      if (graph.is(at, "temporal-quantity")) graph.word(at).name = "time";
+      if (graph.is(at, "distance-quantity")) graph.word(at).name = "distance";
     }
     const bool has_value = graph.is(at, "ordinal-entity") || graph.is(at, "percentage-entity") ||
                            graph.is(at, "url-entity") || graph.is(at, "string-entity") ||
@@ -156,6 +193,16 @@ void step_quantities(Meaning& meaning) {
   // Behind the loop above, which has made a unit of each quantity.
   for (int at = 0, end = graph.count(); at < end; ++at) {
     if (graph.is(at, "rate-entity", "91")) rate_apply(graph, at);
+    if (graph.is(at, "relative-position")) position_apply(graph, at);
+  }
+  // "Any other garden": what determines the noun may stand below another word of it.
+  constexpr std::array<std::string_view, 8> kDetermining{"any", "some", "every", "no", "this", "that", "all", "these"};
+  for (Arc& one : meaning.arcs) {
+    const int above = one.gone || one.inverse || one.role != "mod" ? -1 : graph.parent(one.from);
+    if (above < 0 || graph.arc(above).role != "mod" || graph.arc(above).inverse) continue;
+    const std::string& word = graph.word(one.to).name;
+    const bool is_determiner = std::find(kDetermining.begin(), kDetermining.end(), word) != kDetermining.end();
+    if (is_determiner && (graph.is(one.from, "other") || graph.is(one.from, "same"))) one.from = graph.arc(above).from;
   }
   // A number as :mod is a name, "chapter 2"; words that speak of several go with a plural.
   constexpr std::array<std::string_view, 5> kSeveral{"all", "both", "most", "these", "those"};
@@ -196,14 +243,16 @@ void step_pronouns(Meaning& meaning) {
   Rewriter graph(meaning, "pronouns");
   // "Some person" is someone.
   for (int at = 0; at < graph.count(); ++at) {
-    const int led = graph.child(at, "mod");
     const bool is_person = graph.is(at, "person") || graph.is(at, "individual-person");
-    if (led < 0 || (!is_person && !graph.is(at, "thing")) || !graph.children(graph.arc(led).to).empty()) continue;
-    for (const char* word : {"some", "any", "every", "no"}) {
-      if (!graph.is(graph.arc(led).to, word)) continue;
+    if ((!is_person && !graph.is(at, "thing")) || has_attribute(graph.word(at), "@pl")) continue;
+    for (const int led : graph.children(at)) {
+      constexpr std::array<std::string_view, 4> kWords{"some", "any", "every", "no"};
+      const std::string word = graph.word(graph.arc(led).to).name;
+      const bool is_any = std::find(kWords.begin(), kWords.end(), word) != kWords.end();
+      if (graph.arc(led).role != "mod" || !is_any || !graph.children(graph.arc(led).to).empty()) continue;
       graph.settle_concept(graph.arc(led).to, Fate::word);
       graph.remove(led, Fate::word);
-      graph.word(at).name = std::string(word) + (is_person ? "one" : "thing");
+      graph.word(at).name = word + (is_person ? "one" : "thing");
       break;
     }
   }

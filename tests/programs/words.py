@@ -31,7 +31,7 @@ DATA = "  1 licence\n00000010 05 n 02 dog 0 domestic_dog 0 001 @ 1 n 0000 | a pe
 VERBS = "00000010 38 v 01 go 0 000 01 + 02 00 | move\n"
 ADJECTIVES = "00000010 00 s 01 galore(ip) 0 000 | many\n"
 
-FRAMES = """<frameset><predicate lemma="give_up"><roleset id="give_up.07"><aliases><alias pos="v">give_up</alias><alias pos="n">surrender</alias></aliases>
+FRAMES = """<frameset><predicate lemma="give_up"><roleset id="give_up.07"><aliases><alias pos="v">give_up</alias><alias pos="n">surrender</alias><alias pos="l">make_surrender</alias></aliases>
 <roles><role n="0"/><role n="1" descr="thing given up"/><role n="2" descr="instrument"/><role n="3" f="GOL" descr="whom"/></roles>
 <example><text>She gave up to sing</text><propbank><rel relloc="1">gave</rel><arg type="ARG0" start="0">She</arg><arg type="ARG1" start="3">to sing</arg></propbank></example>
 <example><text>She gave up that</text><propbank><rel relloc="2">gave</rel><arg type="ARG1" start="3">that</arg></propbank></example></roleset>
@@ -61,7 +61,7 @@ IMPORTS = [
      + entry("went", "go(>motion)", "V,IRREG") + entry("galore", "galore(>adj)", "ADJ,POSTPOS"),
      "wn/data.noun:4: not a synset of WordNet\n9 entries, 1 word left out, 1 bad line\n"),
     (["--from", "wordnet", "u.tsv"], 1, "", "u.tsv: not a file of WordNet that holds words: name data.noun and its like, or noun.exc, or their folder\n"),
-    (["--from", "propbank", "frames"], 1, entry("give up", "give-up(>07)", "V,INF1,p2with,p3to") + entry("surrender", "give-up(>07)", "N,NMZ,INF1,p2with,p3to")
+    (["--from", "propbank", "frames"], 1, entry("give up", "give-up(>07)", "V,INF1,p2with,p3to,LVmake") + entry("surrender", "give-up(>07)", "N,NMZ,INF1,p2with,p3to,LVmake")
      + entry("fall", "fall(>01)", "V,SA1,p2from"),
      "frames/sing.xml:2: the file is left out, as it is not well-formed: Start-end tags mismatch\n3 entries, 1 bad line\n"),
     (["--from", "propbank", "wn"], 1, "", "wn: no frame file (.xml) is in this folder\n"),
