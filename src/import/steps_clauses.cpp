@@ -752,8 +752,33 @@ static void tense_from_time(Rewriter& graph, int at) {
   }
 }
 
+// What is told of him or her, and when and why, was; nobody who is there is spoken of so. What somebody says in his own
+// words is not told but said. True where the clause itself has nothing that says otherwise.
+static bool is_told_of_another(Rewriter& graph, int at) {
+  constexpr std::array kSays{"@past", "@pres", "@fut", "@would",  "@imp", "@perf",
+                             "@can",  "@must", "@may", "@should", "@ask", "@int"};
+  for (const char* one : kSays) {
+    if (has_attribute(graph.word(at), one)) return false;
+  }
+  if (!is_clause(graph, at)) return false;
+  const int shared = graph.child(at, "shared");
+  const int subject = shared >= 0 ? shared : subject_arc(graph, at);
+  constexpr std::array kAnother{"he", "she"};
+  if (subject >= 0 && is_one_of(graph, graph.arc(subject).to, kAnother)) return true;
+  const int led = graph.parent(at);
+  if (led < 0 || graph.arc(led).inverse || !has_attribute(graph.word(graph.arc(led).from), "@past")) return false;
+  constexpr std::array<std::string_view, 5> kSameTime{"time", "temporal", "cause", "concession", "conjunct"};
+  return std::find(kSameTime.begin(), kSameTime.end(), graph.arc(led).role) != kSameTime.end();
+}
+
 void step_tense(Meaning& meaning) {
   Rewriter graph(meaning, "tense");
+  std::vector<int> said;
+  for (int at = 0; at < graph.count(); ++at) {
+    if (!has_attribute(graph.word(at), "@quote")) continue;
+    const std::vector<int> words = clause_words(graph, at);
+    said.insert(said.end(), words.begin(), words.end());
+  }
   for (int at = 0; at < graph.count(); ++at) {
     tense_from_time(graph, at);
     Concept& clause = graph.word(at);
@@ -773,6 +798,8 @@ void step_tense(Meaning& meaning) {
                           std::any_of(kStanding.begin(), kStanding.end(),
                                       [&](const char* one) { return has_attribute(graph.word(at), one); });
     if (!is_known && is_to_you && is_question && !is_timed) attribute_add(clause, "@now");
+    const bool is_said = std::find(said.begin(), said.end(), at) != said.end();
+    if (!is_said && is_told_of_another(graph, at)) attribute_add(clause, "@past");
   }
 }
 
