@@ -2,6 +2,7 @@
 #include <algorithm>
 #include <array>
 #include <map>
+#include <utility>
 
 #include "import/rewriter.hpp"
 #include "import/steps.hpp"
@@ -199,18 +200,33 @@ constexpr std::array kSaying{"say",     "ask",      "answer",   "reply",    "exc
                              "protest", "comment",  "complain", "warn",     "admit",     "conclude", "suggest",
                              "mutter",  "agree",    "call",     "mumble",   "sigh",      "yell",     "scream"};
 
+// All concepts that some clauses are made of, themselves first; graphs have circles and meet again, so each is there once.
+// Arcs are sorted by their beginning once, as sentences within sentences ask this again for each.
+std::vector<int> clause_words(Rewriter& graph, std::vector<int> clauses) {
+  std::vector<std::vector<int>> below(graph.meaning().concepts.size());
+  for (const Arc& one : graph.meaning().arcs) {
+    if (!one.gone) below[static_cast<std::size_t>(one.from)].push_back(one.to);
+  }
+  std::vector<bool> seen(below.size());
+  for (const int clause : clauses) seen[static_cast<std::size_t>(clause)] = true;
+  for (std::size_t i = 0; i < clauses.size(); ++i) {
+    for (const int to : below[static_cast<std::size_t>(clauses[i])]) {
+      if (!seen[static_cast<std::size_t>(to)]) clauses.push_back(to);
+      seen[static_cast<std::size_t>(to)] = true;
+    }
+  }
+  return clauses;
+}
+
 // Words that say who speaks to whom, and moods that only one who speaks has.
-bool has_speaker(Rewriter& graph, int at, int depth) {
-  if (depth > 12) return false;  // graphs have circles; no speaker is as deep as that
-  const Concept& word = graph.word(at);
-  for (const char* mood : {"@imp", "@int", "@exp", "@ask"}) {
-    if (has_attribute(word, mood)) return true;
-  }
-  if (is_unknown(graph, at) || graph.is(at, "i") || graph.is(at, "we") || graph.is(at, "you")) return true;
-  for (const int led : graph.children(at)) {
-    if (has_speaker(graph, graph.arc(led).to, depth + 1)) return true;
-  }
-  return false;
+bool has_speaker(Rewriter& graph, int clause) {
+  const std::vector<int> words = clause_words(graph, {clause});
+  return std::any_of(words.begin(), words.end(), [&](int at) {
+    constexpr std::array kMoods{"@imp", "@int", "@exp", "@ask"};
+    const auto has_mood = [&](const char* mood) { return has_attribute(graph.word(at), mood); };
+    return is_unknown(graph, at) || graph.is(at, "i") || graph.is(at, "we") || graph.is(at, "you") ||
+           std::any_of(kMoods.begin(), kMoods.end(), has_mood);
+  });
 }
 
 // What is said without being a clause can only be its words: "Good morning", she said. Not so for words that stand for
@@ -225,22 +241,10 @@ bool is_said_so(Rewriter& graph, int frame, int at) {
          !is_one_of(graph, at, kStandIn) && !has_attribute(graph.word(at), "@name");
 }
 
-// All concepts that a clause is made of, itself first; graphs have circles, so each is there once.
-std::vector<int> clause_words(Rewriter& graph, int clause) {
-  std::vector<int> words{clause};
-  for (std::size_t i = 0; i < words.size(); ++i) {
-    for (const int led : graph.children(words[i])) {
-      const int to = graph.arc(led).to;
-      if (std::find(words.begin(), words.end(), to) == words.end()) words.push_back(to);
-    }
-  }
-  return words;
-}
-
 // Who speaks is I in his own words, and to whom he speaks is you; not so where the source has made an I or you of them
 // itself. Somebody who speaks to himself is I.
 void speak_of_oneself(Rewriter& graph, int said, int speaker, int hearer) {
-  const std::vector<int> words = clause_words(graph, said);
+  const std::vector<int> words = clause_words(graph, {said});
   const auto has_own = [&](const char* name) {
     return std::any_of(words.begin(), words.end(), [&](int at) { return graph.is(at, name); });
   };
@@ -285,7 +289,7 @@ void quote(Rewriter& graph, int at) {
   const bool is_asked_to = whom >= 0 && subject >= 0 && graph.arc(subject).to == graph.arc(whom).to && !is_to_oneself;
   if (has_attribute(graph.word(said), "@whether") || is_asked_to) return;
   const bool is_other = !speaks_itself(who) && !speaks_itself(whom);
-  const bool is_direct = is_other && (has_speaker(graph, said, 0) || is_said_so(graph, at, said));
+  const bool is_direct = is_other && (has_speaker(graph, said) || is_said_so(graph, at, said));
   // What the sentence is about, or is joined to that, is told; what stands below is spoken of.
   const bool is_told = at == graph.meaning().root || !is_core(graph.arc(graph.parent(at)));
   constexpr std::array kUttering{"say",    "ask",   "answer",   "reply",   "exclaim", "cry", "remark", "repeat",
@@ -752,8 +756,7 @@ static void tense_from_time(Rewriter& graph, int at) {
   }
 }
 
-// What is told of him or her, and when and why, was; nobody who is there is spoken of so. What somebody says in his own
-// words is not told but said. True where the clause itself has nothing that says otherwise.
+// What is told of him or her is past, and so is when and why it was: people who are there are seldom he or she. True where the clause itself has nothing that says otherwise.
 static bool is_told_of_another(Rewriter& graph, int at) {
   constexpr std::array kSays{"@past", "@pres", "@fut", "@would",  "@imp", "@perf",
                              "@can",  "@must", "@may", "@should", "@ask", "@int"};
@@ -773,12 +776,12 @@ static bool is_told_of_another(Rewriter& graph, int at) {
 
 void step_tense(Meaning& meaning) {
   Rewriter graph(meaning, "tense");
-  std::vector<int> said;
+  std::vector<int> quoted;
   for (int at = 0; at < graph.count(); ++at) {
-    if (!has_attribute(graph.word(at), "@quote")) continue;
-    const std::vector<int> words = clause_words(graph, at);
-    said.insert(said.end(), words.begin(), words.end());
+    if (has_attribute(graph.word(at), "@quote")) quoted.push_back(at);
   }
+  std::vector<bool> is_said(meaning.concepts.size());
+  for (const int at : clause_words(graph, std::move(quoted))) is_said[static_cast<std::size_t>(at)] = true;
   for (int at = 0; at < graph.count(); ++at) {
     tense_from_time(graph, at);
     Concept& clause = graph.word(at);
@@ -798,8 +801,7 @@ void step_tense(Meaning& meaning) {
                           std::any_of(kStanding.begin(), kStanding.end(),
                                       [&](const char* one) { return has_attribute(graph.word(at), one); });
     if (!is_known && is_to_you && is_question && !is_timed) attribute_add(clause, "@now");
-    const bool is_said = std::find(said.begin(), said.end(), at) != said.end();
-    if (!is_said && is_told_of_another(graph, at)) attribute_add(clause, "@past");
+    if (!is_said[static_cast<std::size_t>(at)] && is_told_of_another(graph, at)) attribute_add(clause, "@past");
   }
 }
 
