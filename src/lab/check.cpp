@@ -11,6 +11,7 @@
 
 #include "data/chars.hpp"
 #include "data/platform.hpp"
+#include "lab/check_entries.hpp"
 #include "lab/check_graphs.hpp"
 #include "lab/check_order.hpp"
 #include "lab/check_pairs.hpp"
@@ -64,6 +65,8 @@ constexpr CheckCode kCodes[] = {
     {"entry-syntax", "an entry that cannot be read"},
     {"concept-unquoted", "a concept word without quotes, which is read as the gloss"},
     {"duplicate-entry", "entries that are alike in everything"},
+    {"entry-class", "an entry without the class that others of its kind have"},
+    {"entry-twin", "two forms of a concept word that rules cannot tell apart"},
     {"unknown-word", "a word of the graphs without an entry"},
     {"graph-syntax", "a line of a graph that cannot be read"},
     {"stray-relation", "a relation outside of any sentence"},
@@ -114,6 +117,7 @@ class Check {
     findings_to_sources(input_, findings_);
     std::move(elsewhere.begin(), elsewhere.end(), std::back_inserter(findings_));
     check_word_names();
+    check_entries(words_.indexes, findings_);
     check_graph_names();
     check_encodings();
     entry_columns_find(input_, needles_, findings_);

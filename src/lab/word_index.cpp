@@ -203,6 +203,18 @@ class Duplicates {
   std::unordered_set<std::string> of_form_;                 // and its entries so far
 };
 
+// Forms of a word whose attributes do not tell them apart: so few are slips, and so many times more words have forms that
+// are made alike and told apart.
+constexpr std::int64_t kMostTwins = 3;
+constexpr std::int64_t kChangesForOne = 10;
+constexpr std::size_t kMostForms = 12;
+
+// How one form becomes another, as "-y+ies": what is cut off its end, and what is put there.
+std::string change_of(std::string_view from, std::string_view to) {
+  const auto same = static_cast<std::size_t>(std::ranges::mismatch(from, to).in1 - from.begin());
+  return '-' + std::string(from.substr(same)) + '+' + std::string(to.substr(same));
+}
+
 // The upper half of a key of `by_form_` and the like; the lower one is the number of the entry.
 std::uint64_t key_of(std::string_view text) {
   return static_cast<std::uint64_t>(std::hash<std::string_view>()(text)) >> 32 << 32;
@@ -241,6 +253,7 @@ WordIndex::WordIndex(const std::string& path, const Overlay* unsaved) : path_(pa
   }
   duplicates.finish(findings_);
   sort_keys();
+  look_for_twins();
 }
 
 // The sign of a restriction, as in very(>degree), stands in concept words alone.
@@ -279,6 +292,60 @@ std::vector<std::uint32_t> WordIndex::find(const std::vector<std::uint64_t>& by_
     if (field(entries_[entry], number) == key) found.push_back(entry);
   }
   return found;
+}
+
+template <typename Use>
+void WordIndex::for_each_two_forms(const Use& use) const {
+  std::vector<const Entry*> group;
+  for (std::size_t begin = 0, end = 0; begin < by_concept_.size(); begin = end) {
+    while (end < by_concept_.size() && by_concept_[end] >> 32 == by_concept_[begin] >> 32) ++end;
+    // A word has some ten forms; concept words with more are those of function words, which are no forms of another.
+    if (end - begin == 1 || end - begin > kMostForms) continue;
+    interrupt_check();
+    group.clear();
+    for (std::size_t i = begin; i < end; ++i) group.push_back(&entries_[static_cast<std::uint32_t>(by_concept_[i])]);
+    for (const Entry* from : group) {
+      for (const Entry* to : group) {
+        // Half a hash is shared by some, so the text decides.
+        const bool is_same_word = !concept_word(*from).empty() && concept_word(*from) == concept_word(*to);
+        if (is_same_word && form(*from) != form(*to)) use(*from, *to);
+      }
+    }
+  }
+}
+
+// Two forms of a concept word with the same attributes, of which one should have had others: as "dog" becomes "dogs",
+// many words become another that has PL besides. Variants of spelling change otherwise, or not always so.
+void WordIndex::look_for_twins() {
+  struct Change {
+    std::int64_t twins = 0;                         // pairs of forms with the same attributes
+    std::map<std::uint32_t, std::int64_t> becomes;  // pairs with others, by the attribute set of the second
+  };
+  // By the attribute set of the first form, and what becomes of it.
+  std::map<std::pair<std::uint32_t, std::string>, Change> changes;
+  for_each_two_forms([&](const Entry& from, const Entry& to) {
+    Change& change = changes[{from.set, change_of(form(from), form(to))}];
+    if (from.set == to.set) {
+      ++change.twins;
+    } else {
+      ++change.becomes[to.set];
+    }
+  });
+  for_each_two_forms([&](const Entry& from, const Entry& to) {
+    if (from.set != to.set) return;
+    const Change& change = changes.at({from.set, change_of(form(from), form(to))});
+    if (change.becomes.empty()) return;
+    const auto meant = std::ranges::max_element(change.becomes, {}, [](const auto& each) { return each.second; });
+    if (change.twins > kMostTwins || meant->second < change.twins * kChangesForOne) return;
+    const bool has_line = to.line != 0;  // a built dictionary has none
+    findings_.push_back(
+        {path_, to.line, has_line ? std::size_t{1} : 0, has_line ? std::size_t{2} : 0, Level::warning, "entry-twin",
+         '[' + std::string(form(to)) + "] has the concept word and the attributes of [" + std::string(form(from)) +
+             ']' + (has_line ? " in line " + std::to_string(from.line) : std::string()) +
+             ", so that rules cannot choose between them",
+         "did you mean (" + sets_[meant->first].attributes + "), as " + std::to_string(meant->second) +
+             " forms that are made alike have it?"});
+  });
 }
 
 std::shared_ptr<const WordIndex> CheckCache::words(const std::string& path, const Overlay* unsaved) {

@@ -70,6 +70,10 @@ class WordIndex {
                                                 std::string_view key) const;
   void look_at_gloss(std::int64_t line, std::string_view gloss);
   void sort_keys();
+  // Calls `use` with each two forms of a concept word, the one first and then the other.
+  template <typename Use>
+  void for_each_two_forms(const Use& use) const;
+  void look_for_twins();
 
   std::string path_;
   std::string texts_;  // of all entries, one behind the other; see `Entry::text`
