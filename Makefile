@@ -87,13 +87,13 @@ endurance: setup-tests
 layering:
 	@tools/layering
 
-SOURCES = $(shell git ls-files '*.cpp' '*.hpp')
+SOURCES = $(shell git ls-files '*.cpp' '*.hpp' '*.h')
 
 format: setup-lint
 	clang-format -i $(SOURCES)
 
 format-check: setup-lint
-	clang-format --dry-run --Werror $(SOURCES)
+	@clang-format --dry-run --Werror $(SOURCES)
 
 lint: setup-lint format-check layering
 	cmake --preset clang

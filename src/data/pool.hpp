@@ -190,7 +190,8 @@ void perm_delete(Pool& pool, Record* record) {
 
 // `memcpy` for texts, of which most are short: up to 16 bytes go in two moves that may overlap.
 inline void text_copy(char* to, const char* from, std::size_t size) {
-  const auto move_ends = [&]<typename Word>(Word) {
+  const auto move_ends = [&](auto word) {
+    using Word = decltype(word);
     Word first;
     Word last;
     std::memcpy(&first, from, sizeof(Word));

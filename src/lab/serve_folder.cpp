@@ -80,6 +80,7 @@ std::optional<std::string> read_whole(int descriptor, const struct stat& status)
 
 Folder::Folder(const std::string& path) {
   std::error_code error;
+  // cppcheck-suppress useInitializationList ; the error is wanted
   path_ = std::filesystem::canonical(path, error).string();
   if (!error) descriptor_ = open(path_.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
   if (descriptor_ < 0) {
