@@ -78,7 +78,7 @@ class Importer {
       std::string text;
       if (!file_take(path, text)) return false;
       table_.read(text, faults);
-      for (const std::string& fault : faults) tell(path + ':' + fault);
+      for (const std::string& fault : faults) std::fprintf(log_, "%s:%s\n", path.c_str(), fault.c_str());
       if (!faults.empty()) return false;
     }
     return true;

@@ -100,7 +100,7 @@ std::string Folder::relative(const std::string& file) const {
   // As the command line names it, from the current folder.
   const bool is_here = fs::exists(file, error);
   const fs::path whole = fs::weakly_canonical(is_here ? fs::path(file) : fs::path(path_) / file, error);
-  const std::string inside = error ? std::string() : whole.lexically_relative(path_).string();
+  std::string inside = error ? std::string() : whole.lexically_relative(path_).string();
   std::vector<std::string> names;
   if (!names_of(inside, names)) {
     throw Fault(file + ": lies outside of the folder " + path_ +

@@ -304,8 +304,9 @@ class Expander {
     for (std::size_t length = mark.text.size(); !mark.is_braced && length-- > 1;) {
       const std::string head = mark.text.substr(0, length);
       if (find(head) == nullptr) continue;
-      return "no " + in_quotes(mark.text) + " is defined: write %{" + head + "}" + mark.text.substr(length) + " if " +
-             head + " is meant";
+      std::string told = "no " + in_quotes(mark.text) + " is defined: write %{";
+      told.append(head).append("}").append(mark.text, length).append(" if ").append(head).append(" is meant");
+      return told;
     }
     std::string text = "no " + in_quotes(mark.text) + " is defined";
     const std::string_view directive = directive_like(mark.text);
