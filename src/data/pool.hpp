@@ -72,6 +72,25 @@ class Pool {
     free_[index] = new (cell) FreeCell{free_[index]};
   }
 
+  // How large the cell is that a request of `size` gets.
+  [[nodiscard]] static constexpr std::int64_t cell_size(std::int64_t size) { return kCellSizes[class_of(size)]; }
+
+  // For many small cells of two sizes at once: where the next ones stand, one behind the other, if `bytes` of them do; null if
+  // they are to be asked for one by one. Nothing is given out before `row_take`, which tells where the last cell ends; no
+  // other request may stand between the two.
+  [[nodiscard]] char* row_begin(std::int64_t size, std::int64_t other_size, std::int64_t bytes) const {
+    const std::size_t index = class_of(size);
+    const std::size_t other = class_of(other_size);
+    const bool is_free = kHasQuickCells && kCellGuard == 0 && fault_ == nullptr && free_[index] == nullptr &&
+                         free_[other] == nullptr && open_[index] != nullptr && open_[index] == open_[other];
+    if (!is_free || bytes > block_size_ - open_[index]->used) return nullptr;
+    return open_[index]->start + open_[index]->used;
+  }
+  void row_take(std::int64_t size, const char* end) {
+    Block& block = *open_[class_of(size)];
+    block.used = static_cast<std::int32_t>(end - block.start);
+  }
+
   // Frees every cell. The blocks begin anew; some are kept for the next sentence, and count for nothing until then.
   void release_all();
 

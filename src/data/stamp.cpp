@@ -61,26 +61,45 @@ std::string_view take_until(std::string_view& text, char separator) {
 
 }  // namespace
 
+// Each byte goes into the low end of the value, which is then multiplied. Zeros only multiply, so that a run of them is one
+// step; rule files have many. What eight bytes of ones do beside that follows from the low end alone, and a matrix is
+// half made of them.
 void ByteHash::add(const void* bytes, std::size_t size) {
   constexpr std::uint64_t kPrime = 0x100000001b3;
-  constexpr std::uint64_t kPrimeTo8 = [] {
-    std::uint64_t power = 1;
-    for (int i = 0; i < 8; ++i) power *= kPrime;
-    return power;
+  constexpr std::uint64_t kPrimeTo4 = kPrime * kPrime * kPrime * kPrime;
+  constexpr std::uint64_t kPrimeTo8 = kPrimeTo4 * kPrimeTo4;
+  constexpr std::uint64_t kOnes = ~std::uint64_t{0};
+  static constexpr std::array<std::uint64_t, 256> kOfOnes = [] {
+    std::array<std::uint64_t, 256> added{};
+    for (std::uint64_t low = 0; low < added.size(); ++low) {
+      std::uint64_t value = low;
+      for (int i = 0; i < 8; ++i) value = (value ^ 0xFF) * kPrime;
+      added[low] = value - low * kPrimeTo8;
+    }
+    return added;
   }();
   const auto* at = static_cast<const std::uint8_t*>(bytes);
   const std::uint8_t* const end = at + size;
   std::uint64_t value = value_;
   const auto step = [&](std::uint8_t byte) { value = (value ^ byte) * kPrime; };
-  for (; end - at >= 8; at += 8) {
+  const auto four_steps = [&](const std::uint8_t* from) {
+    std::uint32_t four;
+    std::memcpy(&four, from, sizeof four);
+    if (four == 0) {
+      value *= kPrimeTo4;
+    } else {
+      for (int i = 0; i < 4; ++i) step(from[i]);
+    }
+  };
+  for (const std::uint8_t* const end_of_eights = at + size / 8 * 8; at != end_of_eights; at += 8) {
     std::uint64_t eight;
     std::memcpy(&eight, at, sizeof eight);
-    // A zero only multiplies, and rule files and their matrices have long runs of them.
-    if (eight == 0) {
-      value *= kPrimeTo8;
-      continue;
+    if (eight == kOnes) {
+      value = value * kPrimeTo8 + kOfOnes[value & 0xFF];
+    } else {
+      four_steps(at);
+      four_steps(at + 4);
     }
-    for (int i = 0; i < 8; ++i) step(at[i]);
   }
   for (; at != end; ++at) step(*at);
   value_ = value;

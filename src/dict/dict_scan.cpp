@@ -1,8 +1,8 @@
 // Through the blocks of the dictionary file: for the fields that do not order the records, from key blocks to the
 // chains of data blocks they name; then through the data blocks, where each hit that has words gives a group.
 
+#include <array>
 #include <cstring>
-#include <type_traits>
 
 #include "data/bytes.hpp"
 #include "data/chain.hpp"
@@ -63,12 +63,18 @@ Status scan_key_blocks(Session& session, std::FILE* dictionary, std::string_view
 class KeyText {
  public:
   explicit KeyText(std::string_view text) : text_(text) {
+    store_u16(size_in_file_.data(), static_cast<std::uint32_t>(text.size()));
     if (text.size() < sizeof head_) return;
     head_ = word_at(text.data());
     tail_ = word_at(text.data() + text.size() - sizeof tail_);
   }
 
   [[nodiscard]] std::string_view text() const { return text_; }
+
+  // Is its size the one at `length`? Of a size that no length can hold, what is left of it may be.
+  [[nodiscard]] bool has_size_at(const std::uint8_t* length) const {
+    return std::memcmp(length, size_in_file_.data(), size_in_file_.size()) == 0;
+  }
 
   // Is it the text of the same size at `other`?
   [[nodiscard]] bool is_at(const std::uint8_t* other) const {
@@ -93,6 +99,7 @@ class KeyText {
   }
 
   std::string_view text_;
+  std::array<std::uint8_t, 2> size_in_file_;
   std::uint64_t head_ = 0;  // the first and the last eight bytes; of a shorter text nothing
   std::uint64_t tail_ = 0;
 };
@@ -128,14 +135,10 @@ Status append_word(Session& session, DataScan& scan, WordEntry& word, std::uint1
   return Status::ok;
 }
 
-// By far most lookups ask for this field.
-using UsualField = std::integral_constant<int, kKeyCw>;
-
 // The record that holds the key, from `from` on in a block's content; empty if there is none. `is_done` becomes true where
 // the chain holds nothing more: at a damaged record, and for the first field at one above the key. Records are passed over
 // as `record_at` and `record_field` tell, in one go, since most are of other words.
-template <typename KeyField>
-ByteView record_find(ByteView content, std::size_t from, KeyField key_field, const KeyText& key, bool& is_done) {
+ByteView record_find(ByteView content, std::size_t from, int key_field, const KeyText& key, bool& is_done) {
   const std::uint8_t* const stop = content.data() + content.size();
   const std::uint8_t* end = nullptr;
   for (const std::uint8_t* at = content.data() + from; at < stop; at = end) {
@@ -148,19 +151,12 @@ ByteView record_find(ByteView content, std::size_t from, KeyField key_field, con
     // The last place where the length of a field can stand in the record. A field that runs past the end leads beyond it.
     const std::uint8_t* const last = end - 2;
     const std::uint8_t* field = at + 2;
-    if constexpr (std::is_same_v<KeyField, UsualField>) {
-      static_assert(UsualField::value == 3);
-      if (field <= last) field += 2 + load_u16(field);
-      if (field <= last) field += 2 + load_u16(field);
-    } else {
-      for (int before = key_field - 1; before != 0 && field <= last; --before) field += 2 + load_u16(field);
-    }
+    for (int before = key_field - 1; before != 0 && field <= last; --before) field += 2 + load_u16(field);
     if (field > last) continue;
     const std::size_t length = load_u16(field);
-    if (key_field != kKeyHw && length != key.text().size()) continue;
     if (length > static_cast<std::size_t>(last - field)) continue;
     if (key_field != kKeyHw) {
-      if (key.is_at(field + 2)) return {at, size};
+      if (length == key.text().size() && key.is_at(field + 2)) return {at, size};
       continue;
     }
     // Records are in the order of the first field, and of no other.
@@ -172,8 +168,31 @@ ByteView record_find(ByteView content, std::size_t from, KeyField key_field, con
   return {};
 }
 
+// The same for concept words, which by far most lookups ask for, with as few looks at where a record ends as will do. The
+// content of a block never reaches into its link, so that a length can be read wherever the content has one byte of it.
+ByteView concept_record_find(ByteView content, std::size_t from, const KeyText& key, bool& is_done) {
+  const std::uint8_t* const stop = content.data() + content.size();
+  const std::uint8_t* end = nullptr;
+  for (const std::uint8_t* at = content.data() + from; at < stop; at = end) {
+    const std::size_t size = load_u16(at);
+    end = at + size;
+    if (size <= 2 || end > stop) {
+      is_done = true;
+      break;
+    }
+    const std::uint8_t* const last = end - 2;
+    const std::uint8_t* const gloss = at + 4 + load_u16(at + 2);
+    if (gloss > last) continue;
+    const std::uint8_t* const field = gloss + 2 + load_u16(gloss);
+    if (field > last || !key.has_size_at(field)) continue;
+    const bool fits = key.text().size() <= static_cast<std::size_t>(last - field);
+    if (fits && key.is_at(field + 2)) return {at, size};
+  }
+  return {};
+}
+
 ByteView record_find(ByteView content, std::size_t from, DataScan& scan) {
-  return scan.key_field == kKeyCw ? record_find(content, from, UsualField{}, scan.key, scan.is_done)
+  return scan.key_field == kKeyCw ? concept_record_find(content, from, scan.key, scan.is_done)
                                   : record_find(content, from, scan.key_field, scan.key, scan.is_done);
 }
 

@@ -156,9 +156,11 @@ std::size_t row_bits(const RuleMatrix& matrix) {
 void row_take(std::span<const std::uint8_t> row, std::uint64_t others, NumberLists& rules) {
   const auto take = [&](std::size_t rule) { rules.items.push_back(static_cast<std::int32_t>(rule)); };
   std::size_t at = 0;
-  for (; at + kWordBytes <= row.size(); at += kWordBytes) {
-    const std::uint64_t word = bits_at(row.data() + at, kWordBytes, 0);
-    if (word != others) for_each_bit(word ^ others, at * 8, take);
+  for (const std::size_t end_of_words = row.size() / kWordBytes * kWordBytes; at != end_of_words; at += kWordBytes) {
+    // All bits alike are so in any order of the bytes.
+    std::uint64_t word;
+    std::memcpy(&word, row.data() + at, sizeof word);
+    if (word != others) for_each_bit(bits_at(row.data() + at, kWordBytes, 0) ^ others, at * 8, take);
   }
   if (at < row.size()) {
     const std::size_t bits = row.size() * 8;

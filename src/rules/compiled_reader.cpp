@@ -16,11 +16,6 @@ namespace {
 // What the nested readers give for a record whose lengths do not agree with each other.
 constexpr Status kDamaged = Status::no_effect;
 
-// A block must end with its last field, neither within it nor behind.
-Status whole(const ByteReader& in) {
-  return in.ok() && !in.more() ? Status::ok : kDamaged;
-}
-
 // Short texts are copied as one number: the eight bytes that end with them, less what stands in front of them.
 constexpr std::size_t kShortText = std::endian::native == std::endian::little ? 7 : 0;
 
@@ -48,45 +43,69 @@ Status text_copy(Pool& pool, std::string_view all, char*& text) {
 }
 
 // A length of 0 is a text that is not there; the empty text has a length of 1 and a NUL.
-Status text_read(Pool& pool, ByteReader& in, char*& text) {
+inline Status text_read(Pool& pool, ByteReader& in, char*& text) {
   if (in.next_are_empty()) return Status::ok;
-  const auto bytes = in.bytes();
+  const ByteView bytes = in.bytes();
   return in.ok() ? text_copy(pool, as_text(bytes), text) : kDamaged;
 }
 
-// Items are most of a file: they are read in one pass over their block.
-Status some_items_read(Pool& pool, ByteReader& in, CondItem*& items) {
-  constexpr std::ptrdiff_t kHeadSize = 3;
-  const ByteView block = in.bytes();
-  if (!in.ok()) return kDamaged;
-  const std::uint8_t* at = block.data();
-  const std::uint8_t* const end = at + block.size();
-  for (CondItem** link = &items; at != end; link = &(*link)->next) {
+// In front of an item's text: what it does, and the length.
+constexpr std::ptrdiff_t kItemHeadSize = 3;
+
+// The items from `at` on whose texts are short, as nearly all are, go into a row of cells: that of an item, that of its
+// text, and so on. Gives the place of the first item that takes more care, or the end, and moves `link` there.
+const std::uint8_t* short_items_read(Pool& pool, const std::uint8_t* at, const std::uint8_t* end, CondItem**& link) {
+  constexpr auto kItemSize = static_cast<std::int64_t>(sizeof(CondItem));
+  constexpr std::int64_t kTextSize = sizeof(std::uint64_t);
+  constexpr std::int64_t kItemCell = Pool::cell_size(kItemSize);
+  constexpr std::int64_t kBothCells = kItemCell + Pool::cell_size(kTextSize);
+  const std::size_t most_items = static_cast<std::size_t>(end - at) / (kItemHeadSize + 1);
+  char* const first = pool.row_begin(kItemSize, kTextSize, static_cast<std::int64_t>(most_items) * kBothCells);
+  if (first == nullptr) return at;
+  char* cell = first;
+  while (end - at > kItemHeadSize) {
+    const std::size_t length = load_u16(at + 1);
+    const bool is_short = length - 1 < kShortText && length <= static_cast<std::size_t>(end - at - kItemHeadSize);
+    if (!is_short) break;
+    const std::uint8_t* const text_end = at + kItemHeadSize + length;
+    const std::uint64_t bytes = short_text(text_end, length);
+    if (has_nul(bytes, length)) break;
+    char* const text = cell + kItemCell;
+    std::memcpy(text, &bytes, sizeof bytes);
+    auto* const item = new (cell) CondItem{at[0], text, nullptr};
+    *link = item;
+    link = &item->next;
+    cell += kBothCells;
+    at = text_end;
+  }
+  pool.row_take(kItemSize, cell);
+  return at;
+}
+
+// Items are most of a file.
+Status some_items_read(Pool& pool, ByteView block, CondItem*& items) {
+  const std::uint8_t* const end = block.data() + block.size();
+  CondItem** link = &items;
+  for (const std::uint8_t* at = short_items_read(pool, block.data(), end, link); at != end; link = &(*link)->next) {
     void* const cell = pool.alloc(static_cast<std::int64_t>(sizeof(CondItem)));
     if (cell == nullptr) return Status::memory;
-    if (end - at < kHeadSize) return kDamaged;
+    if (end - at < kItemHeadSize) return kDamaged;
     auto* const item = *link = new (cell) CondItem{at[0], nullptr, nullptr};
     const std::size_t length = load_u16(at + 1);
-    at += kHeadSize;
+    at += kItemHeadSize;
     if (length == 0 || length > static_cast<std::size_t>(end - at)) return kDamaged;
+    const Status status = text_copy(pool, as_text({at, length}), item->text);
+    if (status != Status::ok) return status;
     at += length;
-    const std::uint64_t bytes = length <= kShortText ? short_text(at, length) : 0;
-    if (length <= kShortText && !has_nul(bytes, length)) {
-      void* const room = pool.alloc(sizeof bytes);
-      if (room == nullptr) return Status::memory;
-      std::memcpy(room, &bytes, sizeof bytes);
-      item->text = static_cast<char*>(room);
-    } else if (const Status status = text_copy(pool, as_text({at - length, length}), item->text);
-               status != Status::ok) {
-      return status;
-    }
   }
   return Status::ok;
 }
 
-// Most lists are empty.
+// Most lists are empty. What reads a list that is not takes a view, so that a reader need not lie in memory.
 inline Status items_read(Pool& pool, ByteReader& in, CondItem*& items) {
-  return in.next_are_empty() ? Status::ok : some_items_read(pool, in, items);
+  if (in.next_are_empty()) return Status::ok;
+  const ByteView block = in.bytes();
+  return in.ok() ? some_items_read(pool, block, items) : kDamaged;
 }
 
 // What the block may leave out at its end.
@@ -105,22 +124,29 @@ Status group_read(Pool& pool, ByteReader& in, ContextGroup& group) {
   return more_items_read(pool, in, group.attr_conds);
 }
 
-Status some_groups_read(Pool& pool, ByteReader& in, ContextGroup*& groups) {
-  ByteReader block(in.bytes());
+Status some_groups_read(Pool& pool, ByteView bytes, ContextGroup*& groups) {
+  ByteReader block(bytes);
   for (ContextGroup** link = &groups; block.more(); link = &(*link)->next) {
     *link = perm_new<ContextGroup>(pool);
     if (*link == nullptr) return Status::memory;
     if (const Status status = group_read(pool, block, **link); status != Status::ok) return status;
   }
-  return block.ok() && in.ok() ? Status::ok : kDamaged;
+  return block.ok() ? Status::ok : kDamaged;
 }
 
 inline Status groups_read(Pool& pool, ByteReader& in, ContextGroup*& groups) {
-  return in.next_are_empty() ? Status::ok : some_groups_read(pool, in, groups);
+  if (in.next_are_empty()) return Status::ok;
+  const ByteView block = in.bytes();
+  return in.ok() ? some_groups_read(pool, block, groups) : kDamaged;
 }
 
-// Most patterns speak of attributes alone: what stands in front of these, and behind them, is empty.
-Status pattern_fields_read(Pool& pool, ByteReader& in, NodePattern& pattern) {
+// Most patterns speak of attributes alone: what stands in front of these, and behind them, is empty. An empty block, a
+// pattern that is missing, is damage as well: no rule can do without.
+Status pattern_read(Pool& pool, ByteView block, NodePattern*& result) {
+  result = perm_new<NodePattern>(pool);
+  if (result == nullptr) return Status::memory;
+  NodePattern& pattern = *result;
+  ByteReader in(block);
   pattern.inserted = in.u8();
   if (!in.next_are_empty<4>()) {
     if (const Status status = items_read(pool, in, pattern.hw_conds); status != Status::ok) return status;
@@ -134,14 +160,8 @@ Status pattern_fields_read(Pool& pool, ByteReader& in, NodePattern& pattern) {
       if (const Status status = more_items_read(pool, in, *items); status != Status::ok) return status;
     }
   }
-  return whole(in);
-}
-
-// An empty block, a pattern that is missing, is damage as well: no rule can do without.
-Status pattern_read(Pool& pool, ByteReader& in, NodePattern*& pattern) {
-  ByteReader block(in.bytes());
-  pattern = perm_new<NodePattern>(pool);
-  return pattern == nullptr ? Status::memory : pattern_fields_read(pool, block, *pattern);
+  // A block must end with its last field, neither within it nor behind.
+  return in.ok() && !in.more() ? Status::ok : kDamaged;
 }
 
 // A mark in the place of the high byte of the length of PRE. The writer refuses a rule whose PRE is as long as that.
@@ -156,9 +176,9 @@ Status rule_read(Pool& pool, ByteReader& in, Rule& rule) {
   rule.type = in.u8();
   subtype_read(in, rule);
   if (const Status status = groups_read(pool, in, rule.pre); status != Status::ok) return status;
-  if (const Status status = pattern_read(pool, in, rule.lnode); status != Status::ok) return status;
+  if (const Status status = pattern_read(pool, in.bytes(), rule.lnode); status != Status::ok) return status;
   if (const Status status = groups_read(pool, in, rule.mid); status != Status::ok) return status;
-  if (const Status status = pattern_read(pool, in, rule.rnode); status != Status::ok) return status;
+  if (const Status status = pattern_read(pool, in.bytes(), rule.rnode); status != Status::ok) return status;
   if (const Status status = groups_read(pool, in, rule.suf); status != Status::ok) return status;
   rule.priority = in.u8();
   return in.ok() ? Status::ok : kDamaged;

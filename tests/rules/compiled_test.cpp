@@ -101,7 +101,7 @@ TEST(CompiledRules, SubtypeStandsBehindAColon) {
 TEST(CompiledRules, ReadBackEqual) {
   std::string text;
   for (const char* line : {":(a)(b)*{x,^[y],[]}(c,[d])([[e]])*\"[w]:[v],+q,-r,[[u]]:l,m:>n,<o\"(f)P200;", "P:\"[w]\"(a)(b)*{x:-x}P200;", "PSA{a:-a}{}P1;",
-                           "?R{-a,+b,seven77,eight888}{}P3;", "<{::rel}{}P2;"}) {
+                           "?R{-a,+b,seven77,eight888,c}{}P3;", "<{::rel}{}P2;"}) {
     text += std::string(line) + "\n";
   }
   // Larger than the reader's buffer, so that records lie across its end.
