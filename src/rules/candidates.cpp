@@ -263,7 +263,8 @@ bool side_search(const Session& session, const WindowSide& side) {
 constexpr std::size_t kLongestKey = 4096;
 
 // Puts together all that the search looks at, in the scratch. No text holds what parts the texts. Empty if it is too
-// long to be remembered.
+// long to be remembered. A settled node has the key of a fresh one whose only word is the word in force: the same rules
+// pass.
 std::string_view key_take(const WindowSide& side) {
   std::string& key = side.scratch.key;
   if (key.size() < kLongestKey) key.resize(kLongestKey);
@@ -282,7 +283,7 @@ std::string_view key_take(const WindowSide& side) {
     room -= size;
   };
   const bool settled = is_settled(side);
-  *to++ = static_cast<char>('0' + (settled ? 1 : 0) + (side.entry == nullptr ? 0 : 2));
+  *to++ = side.entry == nullptr ? 'n' : 'e';
   --room;
   text_take(head_text(*side.node));
   if (side.entry != nullptr) {

@@ -78,6 +78,18 @@ TEST(Lookup, OtherFields) {
   EXPECT_EQ(dictionary.find(8, "x"), "22");
 }
 
+TEST(Lookup, RemembersTheAnswersOfEachDictionary) {
+  TestedDictionary first(header_of(1, 1, 2, 2) + kWords + kCwKeys, kFlatIndex);
+  TestedDictionary second(header_of(1, 1, 0, 0) + data(record("d", "")), index_block(entry("d", 2)));
+  const DictionaryFiles files[] = {first.opened.files(), second.opened.files()};
+  session.lookups.attend({files[0].dictionary, files[0].index, files[1].dictionary, files[1].index});
+  for (int round = 0; round < 2; ++round) {
+    EXPECT_EQ(first.find(kKeyHw, "d"), "d,d");
+    EXPECT_EQ(second.find(kKeyHw, "d"), "d");
+  }
+  session.lookups.attend({});
+}
+
 TEST(Lookup, WithoutIndexTheRootChainIsScanned) {
   TestedDictionary dictionary(header_of(0, 2, 1, 6) + kWords + kCwKeys, "");
   EXPECT_EQ(dictionary.find(kKeyHw, "b", false), "b,b");

@@ -83,8 +83,12 @@ TEST(AttributeLimit, SkipsWhatWouldReachIt) {
   }
 }
 
-// The commas that are squeezed in the origin are those of the surface form.
+// The commas that are squeezed in the origin are those of the surface form, and not of the dictionary's word.
 TEST(ActionsOnCopies, DeleteARoleInTheOriginToo) {
+  std::FILE* const dictionary = std::tmpfile();
+  session.lookups.attend({dictionary});
+  session.lookups.answer_begin({dictionary, 1, "x"});
+  char* const kept = std::strcpy(reinterpret_cast<char*>(session.lookups.answer_add(5) + 1), "x,,y");
   struct Row {
     const char* copy;
     const char* copy_after;
@@ -94,10 +98,14 @@ TEST(ActionsOnCopies, DeleteARoleInTheOriginToo) {
     Step step("L{:-<agn}{}P1;", "[" + std::string(row.copy) + "] [b] x,,y/P,<agn,Q(0)");
     step.matched();
     step.window.lnode->origin = &step.list.at(2);
+    step.list.at(2).candidates->hw = kept;
     EXPECT_EQ(rule_actions_apply(session, step.window, *step.candidate), Status::ok);
     EXPECT_EQ(text_of_node(step.window.lnode), row.copy_after);
     EXPECT_EQ(text_of_node(&step.list.at(2)), "x,y/P,,,,,,Q(0)") << row.copy;
+    EXPECT_STREQ(kept, "x,,y");
   }
+  session.lookups.attend({});
+  std::fclose(dictionary);
 }
 
 TEST(ActionsOnCopies, LeaveAnOriginThatIsFreshOrAttributesThatAreNoRoles) {

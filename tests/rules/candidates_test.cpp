@@ -153,17 +153,20 @@ TEST_F(Candidates, TurnEveryEntryOnTheWayToTheScopeOfTheFirstReference) {
 }
 
 TEST_F(Candidates, ShareOneListRecord) {
-  RuleList rules{"{}{}", "{}{}"};
+  RuleList rules{"{}{}", "{}{}", "{}{}"};
   ASSERT_EQ(index_build(rules.head()), Status::ok);
   RuleCandidate* first = rule_candidates(session, node_of_attrs("A"), nullptr);
   ASSERT_NE(first->list, nullptr);
   EXPECT_EQ(first->list->elements, 1);
-  const RuleCandidate* second = candidate_next(session, *first);
+  RuleCandidate* second = candidate_next(session, *first);
   EXPECT_EQ(candidate_next(session, *first), second) << "made once";
   EXPECT_EQ(first->list, second->list);
   EXPECT_EQ(first->list->records, 0);
   EXPECT_EQ(first->list->elements, 2);
   EXPECT_EQ(first->lnode, nullptr);
+  ++first->list->records;
+  EXPECT_EQ(numbers(candidate_pass(session, *second)), "2");
+  EXPECT_EQ(numbers(first), "0 1 2") << "a record leads to what was passed over behind it";
   EXPECT_NE(rule_candidates(session, node_of_attrs("A"), nullptr)->list, first->list);
 }
 
@@ -171,12 +174,31 @@ TEST_F(Candidates, ArePassedOverForTheNextOfGenerationAlone) {
   RuleList rules{"{}{}", "{}{}", "{}{}", "{}{}", "{}{}"};
   for (Rule* rule : {rules.head()->next, rules.head()->next->next->next}) rule->type = rule_type::post_left;
   ASSERT_EQ(index_build(rules.head()), Status::ok);
-  RuleCandidate* passed = rule_candidates(session, node_of_attrs("A"), nullptr);
+  Node* node = node_of_attrs("A");
+  EXPECT_EQ(post_edit_rules(session, node, nullptr).size(), 1U);
+  RuleCandidate* passed = rule_candidates(session, node, nullptr);
+  passed->lnode = node_of_attrs("A");
   passed = candidate_pass(session, *passed);
+  EXPECT_EQ(passed->lnode, nullptr) << "the place of another rule";
   EXPECT_EQ(numbers(passed), "2 3 4") << "backtracking comes to those of post-edit behind it";
   passed = candidate_pass(session, *candidate_next(session, *passed));
   EXPECT_EQ(numbers(passed), "4");
   EXPECT_EQ(candidate_pass(session, *passed), nullptr);
+}
+
+// So many rules that require nothing are looked at in every window.
+TEST_F(Candidates, AreFoundAmongManyEasyRules) {
+  RuleList rules;
+  std::string with_a;
+  std::string with_b;
+  for (int i = 0; i < 600; ++i) {
+    rules.add(i == 300 ? "{=A}{}" : i % 2 == 0 ? "{^A}{}" : "{^B}'C'");
+    std::string& fits = i == 300 || i % 2 != 0 ? with_a : with_b;
+    fits += (fits.empty() ? "" : " ") + std::to_string(i);
+  }
+  ASSERT_EQ(index_build(rules.head()), Status::ok);
+  EXPECT_EQ(numbers(rule_candidates(session, node_of_attrs("A"), node_of_attrs("B"))), with_a);
+  EXPECT_EQ(numbers(rule_candidates(session, node_of_attrs("B"), node_of_attrs("B"))), with_b);
 }
 
 TEST_F(Candidates, DoNotComeFromAnExhaustedPool) {
