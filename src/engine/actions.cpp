@@ -75,8 +75,9 @@ void attr_add(Actions& actions, const char* attr) {
 // Appends the elements of `attrs` that are not empty.
 void elements_append(AttrScratch& text, std::string_view attrs) {
   const bool find_room = text.size() + 1 + attrs.size() < kAttrLimit;
-  const bool has_no_empty =
-      !attrs.empty() && attrs.front() != ',' && attrs.back() != ',' && attrs.find(",,") == std::string_view::npos;
+  const auto are_commas = [](char a, char b) { return a == ',' && b == ','; };
+  const bool has_no_empty = !attrs.empty() && attrs.front() != ',' && attrs.back() != ',' &&
+                            std::ranges::adjacent_find(attrs, are_commas) == attrs.end();
   if (find_room && has_no_empty) {
     // All of them as they stand.
     if (!text.empty()) text.append(',');
