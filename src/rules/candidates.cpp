@@ -272,7 +272,7 @@ std::string_view key_take(const WindowSide& side, std::span<char> key) {
       return;
     }
     *to = text == nullptr ? '\0' : '\1';
-    if (text != nullptr) std::memcpy(to + 1, text, size - 1);
+    if (text != nullptr) std::copy_n(text, size - 1, to + 1);
     to += size;
     room -= size;
   };
