@@ -11,24 +11,26 @@ namespace {
 
 using std::string_view;
 
-// Does ",attr" stand at a comma of the text?
-bool stands_behind(string_view text, std::size_t comma, string_view attr) {
-  const string_view rest = text.substr(comma + 1);
-  if (rest.empty() || attr.empty()) return attr.empty();
-  return rest[0] == attr[0] && rest.starts_with(attr);
-}
-
-// The place of `attr` in `text`, or npos.
+// The place of `attr` in `text`, or npos. From one place of its first character to the next; the empty attribute may
+// stand anywhere.
 std::size_t position_of(string_view text, string_view attr) {
   if (text == attr) return 0;
-  std::size_t first = string_view::npos;
-  for (std::size_t at = 0; at < text.size(); ++at) {
-    if (text[at] != ',' || !stands_behind(text, at, attr)) continue;
-    const std::size_t end = at + 1 + attr.size();
-    if (end < text.size() && text[end] == ',') return at + 1;
-    if (first == string_view::npos) first = at + 1;
+  const auto next_from = [=](std::size_t at) { return attr.empty() ? at : text.find(attr.front(), at); };
+  bool stands_first = false;
+  std::size_t first = string_view::npos;  // behind a comma
+  for (std::size_t at = next_from(0); at <= text.size(); at = next_from(at + 1)) {
+    if (at != 0 && text[at - 1] != ',') continue;
+    if (!text.substr(at).starts_with(attr)) continue;
+    const std::size_t end = at + attr.size();
+    const bool is_whole = end < text.size() && text[end] == ',';
+    if (at == 0) {
+      stands_first = is_whole;
+    } else if (is_whole) {
+      return at;
+    } else if (first == string_view::npos) {
+      first = at;
+    }
   }
-  const bool stands_first = text.size() > attr.size() && text[attr.size()] == ',' && text.starts_with(attr);
   if (stands_first) return 0;
   // wanted: as the last element the attribute counts only if the first ",attr" of the text is the one at its end.
   return first != string_view::npos && first + attr.size() == text.size() ? first : string_view::npos;

@@ -87,4 +87,29 @@ void KeyNumbers::clear() {
   std::fill(slots_.begin(), slots_.end(), 0);
 }
 
+// As for texts: all memory is taken here, and few slots are used at first.
+void NumberedRanges::fit(std::size_t count) {
+  most_ = count;
+  ranges_.clear();
+  ranges_.reserve(count);
+  slots_.reserve(std::bit_ceil(count * 2 + 1));
+  slots_.assign(kFirstSlots, 0);
+}
+
+bool NumberedRanges::add(const Range& range) {
+  if (ranges_.size() == most_) return false;
+  ranges_.push_back(range);
+  const bool is_full = ranges_.size() * 2 > slots_.size();
+  if (is_full) slots_.assign(slots_.size() * 2, 0);
+  for (std::size_t i = is_full ? 0 : ranges_.size() - 1; i < ranges_.size(); ++i) {
+    slots_[slot_of(ranges_[i].number)] = static_cast<std::int32_t>(i + 1);
+  }
+  return true;
+}
+
+void NumberedRanges::clear() {
+  ranges_.clear();
+  std::fill(slots_.begin(), slots_.end(), 0);
+}
+
 }  // namespace lexon

@@ -1,8 +1,20 @@
 #include "data/session.hpp"
 
+#include <algorithm>
+#include <array>
 #include <cstring>
 
 namespace lexon {
+
+namespace {
+
+template <typename Row, std::size_t Size>
+void rows_clear(std::array<Row, Size>& table, std::int32_t& count) {
+  std::fill_n(table.begin(), count, Row{});
+  count = 0;
+}
+
+}  // namespace
 
 bool stack_nearly_used(Session& session) {
   // Stacks grow downwards on what this runs on.
@@ -45,23 +57,15 @@ void temp_free_string(Session& session, char* text) {
 
 void sentence_clear(Session& session) {
   Sentence& sentence = session.sentence;
-  for (GraphWord& word : sentence.graph_words) {
-    // Not the rest of the name: it is most of the tables.
-    word.look_up = 1;
-    word.number = 0;
-    word.name[0] = '\0';
-    word.blocks = nullptr;
-  }
+  // A row of this table is written whole when it is put in.
   sentence.graph_word_count = 0;
-  sentence.graph_nodes.fill(nullptr);
-  sentence.graph_node_count = 0;
-  sentence.word_lists.fill(nullptr);
-  sentence.word_list_count = 0;
-  sentence.semlst.fill(ScopeRow{0, nullptr});
+  // Only what the last sentence has used: the tables are large, and most sentences small.
+  std::ranges::fill(scope_rows(sentence), ScopeRow{0, nullptr});
+  rows_clear(sentence.graph_nodes, sentence.graph_node_count);
+  rows_clear(sentence.word_lists, sentence.word_list_count);
+  rows_clear(sentence.graph_relations, sentence.graph_relation_count);
   // Row 0 is the sentence itself, and stays.
   sentence.semlst_count = 1;
-  sentence.graph_relations.fill(nullptr);
-  sentence.graph_relation_count = 0;
   sentence.root = nullptr;
   sentence.refused = false;
   sentence.has_scopes_mixed = false;

@@ -40,7 +40,8 @@ struct Remark {
 // are numbers in rising order.
 struct SearchScratch {
   struct Side {
-    // What is remembered of a node: where its blocks and its numbers begin, and how many they are.
+    // What is remembered of a node: where its blocks and its numbers begin, and how many they are. Each word has two numbers
+    // at least: without any, the side has not been asked yet.
     struct Known {
       std::uint32_t first_block;
       std::uint32_t satisfied;
@@ -54,10 +55,7 @@ struct SearchScratch {
     std::vector<std::int32_t> present;     // the rows that are present, in the order of their finding
     std::vector<std::uint8_t> is_striking;  // by row; zeros between searches
     std::vector<std::int32_t> striking;     // the rows whose forbidding rules are struck out
-    std::string key;                        // all that the answer for the node follows from
-    KeyNumbers known;                       // keys of answers
-    std::array<std::int32_t, 64> latest{};  // numbers that are tried first, at a place that follows from the node
-    std::vector<Known> answers;             // by number of the key
+    std::vector<Known> answers;             // by number of the key; the last keys may have none yet
     std::vector<RuleBlock> blocks;          // of all answers that are known: what they satisfy
     std::vector<std::int32_t> numbers;      // the same: their words
   };
@@ -70,20 +68,16 @@ struct SearchScratch {
     Passing left;
     Passing right;
   };
-  // The rules of a pair of answers, as `count` blocks from `begin` on.
-  struct Found {
-    std::uint32_t begin;
-    std::uint32_t count;
-  };
   Side left;
   Side right;
-  KeyNumbers known_pairs;
-  std::array<std::int32_t, 256> latest{};  // numbers that are tried first, at a place that follows from the pair
-  std::vector<Found> found;                // by number of the pair
-  std::vector<RuleBlock> rules;            // of all pairs that are known
-  std::vector<RuleBlock> fresh;            // of the last pair that was not known
-  std::vector<Uncertain> uncertain;        // while such a pair is searched
-  bool is_full = false;                    // there was no room for an answer: the next search begins by forgetting all
+  std::array<char, 4096> key;  // all that the answer for a node follows from; longer ones are seldom met again
+  KeyNumbers known;            // keys of answers, of both sides: a node moves from one to the other
+  std::array<std::int32_t, 64> latest{};  // numbers that are tried first, at a place that follows from the node
+  NumberedRanges pairs;                   // of `rules`, by pair of answers
+  std::vector<RuleBlock> rules;           // of all pairs that are known
+  std::vector<RuleBlock> fresh;           // of the last pair that was not known
+  std::vector<Uncertain> uncertain;       // while such a pair is searched
+  bool is_full = false;                   // there was no room for an answer: the next search begins by forgetting all
 };
 
 // One thread's working memory, 160 KB: not for a stack. Any number can live side by side, each with its own grammar or

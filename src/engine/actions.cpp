@@ -29,8 +29,8 @@ struct Actions {
   const NodePattern& opposite;
   Node& node;
   WordEntry& word;  // the node's word in force
-  AttrScratch additions;
-  bool origin_blanked;
+  AttrScratch& additions;
+  bool origin_blanked = false;
 };
 
 void word_changed(Actions& actions) {
@@ -72,11 +72,12 @@ void attr_add(Actions& actions, const char* attr) {
   word_changed(actions);
 }
 
-// Appends the elements of `attrs` that are not empty.
-void elements_append(AttrScratch& text, std::string_view attrs) {
+// Appends the elements of `list` that are not empty.
+void elements_append(AttrScratch& text, const char* list) {
+  std::string_view attrs(list);
   const bool find_room = text.size() + 1 + attrs.size() < kAttrLimit;
   const bool has_no_empty =
-      !attrs.empty() && attrs.front() != ',' && attrs.back() != ',' && attrs.find(",,") == std::string_view::npos;
+      !attrs.empty() && attrs.front() != ',' && attrs.back() != ',' && std::strstr(list, ",,") == nullptr;
   if (find_room && has_no_empty) {
     // All of them as they stand.
     if (!text.empty()) text.append(',');
@@ -115,7 +116,8 @@ Status node_actions_apply(Session& session, Side side, const Rule& rule, const W
   Node* node = node_of(window, side);
   if (const Status status = actions_have_a_place(session, node); status != Status::ok) return status;
   const NodePattern& own = pattern_of(rule, side);
-  Actions actions{rule, own, pattern_of(rule, other(side)), *node, *node->candidates, {}, false};
+  AttrScratch additions;
+  Actions actions{rule, own, pattern_of(rule, other(side)), *node, *node->candidates, additions};
   for (const CondItem& item : chain<&CondItem::next>(own.actions)) {
     // wanted: a boundary keeps its surface form.
     if (item.op == kOpSetHw && !is_boundary(*node)) {
@@ -157,7 +159,7 @@ Status node_actions_apply(Session& session, Side side, const Rule& rule, const W
   WordEntry& word = actions.word;
   const char* old = text_or_empty(word.attrs);
   AttrScratch text;
-  elements_append(text, actions.additions.view());
+  elements_append(text, actions.additions.c_str());
   if (is_unbuilt_reference(session, *node) && !text.empty() && std::strstr(old, ",;,") == nullptr) text.append(",;");
   elements_append(text, old);
   if (const Status status = entry_attrs_set(session, word, text.view()); status != Status::ok) return status;

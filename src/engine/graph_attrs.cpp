@@ -7,7 +7,7 @@
 #include <string_view>
 
 #include "data/nodes.hpp"
-#include "data/scratch.hpp"
+#include "data/output.hpp"
 #include "data/session.hpp"
 #include "data/words.hpp"
 
@@ -34,29 +34,26 @@ Status graph_attrs_into_word(Session& session, Node& node, const NodePattern& pa
   const auto total = static_cast<std::int32_t>(std::min<std::int64_t>(wanted_length, kAttrLimit - 1));
   // The graph's part of the new attributes, in at most `room` characters.
   const auto room = static_cast<std::size_t>(std::max(0, total - word.attr_len - 1));
-  Scratch<kAttrLimit + 4> part;
+  std::string_view part = text.substr(0, room);
+  std::string_view separator;
+  std::string_view own;
   const std::size_t mark = text.find(kScopeMark);
-  if (mark == std::string_view::npos || mark + kScopeMark.size() == text.size()) {
-    part.append(text.substr(0, room));
-  } else {
-    const std::string_view own = text.substr(0, mark);
+  if (mark != std::string_view::npos && mark + kScopeMark.size() != text.size()) {
     const std::string_view brought = text.substr(mark + kScopeMark.size() + 1);
     const std::size_t needed = brought.size() + kScopeMark.size();
-    part.append(needed > room ? brought.substr(0, room) : brought);
-    if (needed <= room) part.append(kScopeMark);
+    part = needed > room ? brought.substr(0, room) : brought;
+    if (needed <= room) separator = kScopeMark;
     // The node's own attributes come in whole or not at all.
-    if (needed + 1 + own.size() <= room) part.append(',').append(own);
+    const bool has_room = needed + 1 + mark <= room;
+    if (has_room) separator = ",;,";
+    if (has_room) own = text.substr(0, mark);
   }
-  // "part" or "part,old".
-  const std::size_t size = part.size() + (word.attrs == nullptr ? 0 : 1 + old.size());
+  // The graph's part, and behind it a comma and the old ones, if there are any.
+  const std::string_view comma = word.attrs == nullptr ? "" : ",";
+  const std::size_t size = part.size() + separator.size() + own.size() + comma.size() + old.size();
   auto* attrs = static_cast<char*>(temp_alloc(session, static_cast<std::int64_t>(size) + 1));
   if (attrs == nullptr) return Status::memory;
-  char* end = std::copy(part.view().begin(), part.view().end(), attrs);
-  if (word.attrs != nullptr) {
-    *end++ = ',';
-    end = std::copy(old.begin(), old.end(), end);
-  }
-  *end = '\0';
+  *texts_copy(attrs, part, separator, own, comma, old) = '\0';
   temp_free_string(session, word.attrs);
   word.attrs = attrs;
   const std::int32_t growth = total - word.attr_len;

@@ -129,6 +129,22 @@ Fit test_side(Session& session, Match& match, Side side) {
 
 // ---- Settle and verdict.
 
+// The types of generation that may be carried out on any window.
+bool changes_list(std::uint8_t type) {
+  switch (type) {
+    case rule_type::exchange:
+    case rule_type::right:
+    case rule_type::left:
+    case rule_type::insertion:
+    case rule_type::insertion_a:
+    case rule_type::copy_left:
+    case rule_type::copy_right:
+    case rule_type::merge_left:
+    case rule_type::merge_right: return true;
+    default: return false;
+  }
+}
+
 // Graph attributes go into both words, and the mark of a co-occurrence choice. Then both nodes get the record of this
 // match, if the rule may be carried out; `applies` says so.
 Status settle(Session& session, Match& match, bool& applies) {
@@ -143,8 +159,8 @@ Status settle(Session& session, Match& match, bool& applies) {
   }
   // A rule that changes nothing in the list works on two fresh nodes alone.
   const bool is_post_edit = is_post_edit_type(rule.type);
-  const bool changes_list = rule.type != '\0' && (std::strchr("XRL:ACUab", rule.type) != nullptr || is_post_edit);
-  applies = changes_list || (is_fresh(left) && is_fresh(right) && !is_scope_reference(right));
+  applies =
+      is_post_edit || changes_list(rule.type) || (is_fresh(left) && is_fresh(right) && !is_scope_reference(right));
   if (!applies) return Status::ok;
   for (const Side side : {Side::left, Side::right}) {
     // With MID the other place of the window has slid away; its record comes with the window.

@@ -35,11 +35,17 @@ void blocks_set(Node& node, ScopeAttrs* blocks) {
   for (char* dot = std::strchr(blocks->text, '.'); dot != nullptr; dot = std::strchr(dot, '.')) *dot = ',';
 }
 
+// Does `text` begin with `front`? Most differ in the first character.
+bool begins_with(const char* text, const char* front) {
+  while (*front != '\0' && *text == *front) ++text, ++front;
+  return *front == '\0';
+}
+
 // The master list of a node of the same concept from `position` on, or null. It saves a lookup: such lists are never
-// changed.
+// changed. A concept is the whole name of its node or the beginning of it, and those names stand side by side.
 // wanted: only these nodes are looked at, so an instance with a lower number shares nothing.
 WordEntry* words_to_share(Session& session, Node* const* position, const char* name) {
-  for (; position != nodes_end(session); ++position) {
+  for (; position != nodes_end(session) && begins_with((*position)->name, name); ++position) {
     WordEntry* entries = (*position)->entries;
     if (entries == nullptr || entries->cw == nullptr) return nullptr;
     const int order = names_compare(name, entries->cw);
@@ -135,6 +141,25 @@ bool text_replace(Session& session, char*& text, std::int32_t& length, std::stri
   return true;
 }
 
+// Does the node of the row stand at `position`? If not, that becomes where it is to be put in. It begins as the row's own
+// number, which is the place as long as each word before has a node.
+bool is_place_of(Session& session, const GraphWord& row, Node**& position) {
+  Node** const first = session.sentence.graph_nodes.data();
+  Node** const end = nodes_end(session);
+  const auto is_of_row = [&row](const Node* known) {
+    return known->scope == row.number && std::strcmp(known->name, row.name) == 0;
+  };
+  const auto stands_before = [](const Node* known, const GraphWord& r) {
+    return sorts_before(known->name, known->scope, r.name, r.number);
+  };
+  if (position < end && is_of_row(*position)) return true;
+  const bool belongs_here = position <= end && (position == first || stands_before(position[-1], row)) &&
+                            (position == end || !stands_before(*position, row));
+  if (belongs_here) return false;
+  position = std::lower_bound(first, end, row, stands_before);
+  return position != end && is_of_row(*position);
+}
+
 }  // namespace
 
 Status literal_entry(Session& session, const char* word, WordEntry*& head) {
@@ -154,18 +179,8 @@ Status literal_entry(Session& session, const char* word, WordEntry*& head) {
 Status node_build(Session& session, int row_number, Node*& node) {
   node = nullptr;
   const GraphWord& row = session.sentence.graph_words[static_cast<std::size_t>(row_number)];
-  // The node of the row, or where it is to be put in: at the row's own place, as long as each word before has a node.
-  Node** first = session.sentence.graph_nodes.data();
-  Node** position = first + row_number;
-  const auto stands_before = [](const Node* known, const GraphWord& r) {
-    return sorts_before(known->name, known->scope, r.name, r.number);
-  };
-  const bool is_place = position <= nodes_end(session) && (position == first || stands_before(position[-1], row)) &&
-                        (position == nodes_end(session) || !stands_before(*position, row));
-  if (!is_place) position = std::lower_bound(first, nodes_end(session), row, stands_before);
-  const bool is_there = position != nodes_end(session) && (*position)->scope == row.number &&
-                        std::strcmp((*position)->name, row.name) == 0;
-  if (is_there) {
+  Node** position = session.sentence.graph_nodes.data() + row_number;
+  if (is_place_of(session, row, position)) {
     node = *position;
     // wanted: the node's place in its table serves as a row number. A word without a node makes them differ, and
     // the node gets the blocks of another row.

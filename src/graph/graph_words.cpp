@@ -64,7 +64,7 @@ bool block_append(Session& session, ScopeAttrs& block, std::string_view attr) {
 // Adds those of the attributes, written with dots or blanks between, that the block does not hold.
 bool block_merge(Session& session, ScopeAttrs& block, char* attrs) {
   while (true) {
-    attrs += std::strspn(attrs, ". ");
+    while (*attrs == '.' || *attrs == ' ') ++attrs;
     if (*attrs == '\0') return true;
     char* end = attrs + std::strcspn(attrs, ". ");
     const bool is_last = *end == '\0';
@@ -88,8 +88,10 @@ bool row_insert(Session& session, GraphWord* row, const WordText& word, int scop
   GraphWord* end = session.sentence.graph_words.data() + session.sentence.graph_word_count;
   std::move_backward(row, end, end + 1);
   // A quoted word is not looked up.
-  *row = GraphWord{word.quoted ? 0 : 1, word.number, {}, blocks};
-  name.copy(row->name, name.size());
+  row->look_up = word.quoted ? 0 : 1;
+  row->number = word.number;
+  row->blocks = blocks;
+  text_copy(row->name, name.data(), name.size() + 1);
   ++session.sentence.graph_word_count;
   return true;
 }

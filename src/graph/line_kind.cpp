@@ -5,6 +5,7 @@
 #include <cstring>
 #include <iterator>
 
+#include "data/chars.hpp"
 #include "data/sentence.hpp"
 
 namespace lexon {
@@ -64,6 +65,8 @@ bool to_sentence_end(NextLine next) {
 
 LineKind line_kind(std::string_view line, const BlockTag& open_tag) {
   if (line.empty()) return LineKind::ignored;
+  // Most lines are relations, and no other form begins with a letter.
+  if (is_letter(line.front())) return open_tag.empty() ? LineKind::graph_line : LineKind::ignored;
   if (const LineForm* form = form_of(line, kFormsEverywhere); form != nullptr) return form->kind;
   if (!open_tag.empty()) return LineKind::ignored;
   const LineForm* form = form_of(line, kFormsOutsideTags);

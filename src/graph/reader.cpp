@@ -178,7 +178,9 @@ void relation_tie(Session& session, Reader& reader, const RelationText& text, in
   }
 }
 
-void relation_read(Session& session, Reader& reader) {
+void relation_read(Session& session, Reader& reader, std::string_view whole) {
+  // Before anything is cut: messages show the line as it stands in the text.
+  std::memcpy(reader.saved_line.data(), whole.data(), whole.size() + 1);
   RelationText text;
   if (split_relation(reader.line.data(), text) <= 0) {
     // Each faulty line is shown, under one headline for the sentence.
@@ -221,10 +223,10 @@ Status lines_read(Session& session, Reader& reader) {
   while (true) {
     Status status = line_read(session, reader);
     if (status != Status::ok) return status;
-    // Before anything is cut: messages show the line as it stands in the text.
-    reader.saved_line = reader.line;
-    const char* line = reader.line.data() + std::strspn(reader.line.data(), " ");
-    switch (line_kind(line, reader.open_tag)) {
+    const std::string_view whole(reader.line.data());
+    const char* line = whole.data();
+    while (*line == ' ') ++line;
+    switch (line_kind({line, whole.data() + whole.size()}, reader.open_tag)) {
       case LineKind::ignored: break;
       case LineKind::graph_start: graph_start(reader); break;
       case LineKind::graph_end: reader.in_graph = false; break;
@@ -243,7 +245,7 @@ Status lines_read(Session& session, Reader& reader) {
         if (!reader.in_graph) {
           stray_line_note(session, reader);
         } else if (!is_lost(session)) {
-          relation_read(session, reader);
+          relation_read(session, reader, whole);
         }
         break;
     }

@@ -259,17 +259,11 @@ bool side_search(const Session& session, const WindowSide& side) {
   return !is_given_up;
 }
 
-// Longer keys are seldom the same again.
-constexpr std::size_t kLongestKey = 4096;
-
-// Puts together all that the search looks at, in the scratch. No text holds what parts the texts. Empty if it is too
-// long to be remembered. A settled node has the key of a fresh one whose only word is the word in force: the same rules
-// pass.
-std::string_view key_take(const WindowSide& side) {
-  std::string& key = side.scratch.key;
-  if (key.size() < kLongestKey) key.resize(kLongestKey);
+// Puts together in `key` all that the search looks at. No text holds what parts the texts. Empty if it is too long to be
+// remembered. A settled node has the key of a fresh one whose only word is the word in force: the same rules pass.
+std::string_view key_take(const WindowSide& side, std::span<char> key) {
   char* to = key.data();
-  std::size_t room = kLongestKey;
+  std::size_t room = key.size();
   // A missing text differs from an empty one.
   const auto text_take = [&](const char* text) {
     const std::size_t size = text == nullptr ? 1 : std::strlen(text) + 2;
@@ -278,7 +272,7 @@ std::string_view key_take(const WindowSide& side) {
       return;
     }
     *to = text == nullptr ? '\0' : '\1';
-    if (text != nullptr) std::memcpy(to + 1, text, size - 1);
+    if (text != nullptr) std::copy_n(text, size - 1, to + 1);
     to += size;
     room -= size;
   };
@@ -294,7 +288,7 @@ std::string_view key_take(const WindowSide& side) {
     text_take(word->attrs);
   }
   if (room == 0) return {};
-  return {key.data(), kLongestKey - room};
+  return {key.data(), key.size() - room};
 }
 
 Answer known_answer(const SearchScratch::Side& scratch, std::int32_t number) {
@@ -309,52 +303,60 @@ bool has_room(const std::vector<Item>& items, std::size_t more) {
   return items.capacity() - items.size() >= more;
 }
 
-// Remembers what stands in the scratch. Without room the next search begins by forgetting all.
-Answer answer_remember(SearchScratch& search, SearchScratch::Side& scratch, std::string_view key) {
+// Remembers what stands in the scratch, by the number of its key; -1: the key has none yet. Without room the next search
+// begins by forgetting all.
+Answer answer_remember(SearchScratch& search, SearchScratch::Side& scratch, std::string_view key, std::int32_t number) {
   const Answer answer{Verdict::answer, scratch.satisfied, scratch.words, kNameless};
   if (key.empty()) return answer;
   // Beyond the room that was taken at first nothing grows: answers in use point into it.
   const bool fits = has_room(scratch.blocks, answer.satisfied.size()) && has_room(scratch.numbers, answer.words.size());
-  const std::int32_t number = fits ? scratch.known.add(key) : -1;
-  search.is_full = search.is_full || number < 0;
-  if (number < 0) return answer;
-  scratch.answers.push_back(
-      {static_cast<std::uint32_t>(scratch.blocks.size()), static_cast<std::uint32_t>(answer.satisfied.size()),
-       static_cast<std::uint32_t>(scratch.numbers.size()), static_cast<std::uint32_t>(answer.words.size())});
+  if (fits && number < 0) number = search.known.add(key);
+  if (!fits || number < 0) {
+    search.is_full = true;
+    return answer;
+  }
+  const auto place = static_cast<std::size_t>(number);
+  if (scratch.answers.size() <= place) scratch.answers.resize(place + 1);
+  scratch.answers[place] = {
+      static_cast<std::uint32_t>(scratch.blocks.size()), static_cast<std::uint32_t>(answer.satisfied.size()),
+      static_cast<std::uint32_t>(scratch.numbers.size()), static_cast<std::uint32_t>(answer.words.size())};
   scratch.blocks.insert(scratch.blocks.end(), answer.satisfied.begin(), answer.satisfied.end());
   scratch.numbers.insert(scratch.numbers.end(), answer.words.begin(), answer.words.end());
   return known_answer(scratch, number);
 }
 
-// The number of a key, or -1. What was found last for the node or the pair is compared before the key is hashed.
-std::int32_t number_find(const KeyNumbers& known, std::string_view key, std::int32_t& latest) {
-  if (known.is_number_of(latest, key)) return latest;
-  const std::int32_t number = known.find(key);
+// The number of the node's key, or -1. The same node comes back with the same texts most often, so what was found last for
+// its address is compared before the key is hashed.
+std::int32_t number_find(SearchScratch& search, const Node& node, std::string_view key) {
+  if (key.empty()) return -1;
+  std::int32_t& latest = search.latest[reinterpret_cast<std::uintptr_t>(&node) / sizeof(Node) % search.latest.size()];
+  if (search.known.is_number_of(latest, key)) return latest;
+  const std::int32_t number = search.known.find(key);
   if (number >= 0) latest = number;
   return number;
 }
 
 // None if the search has to be given up.
-// The place in `latest` follows from the address of the node: the same node comes back with the same texts most often.
 std::optional<Answer> side_answer(Session& session, const WindowSide& side) {
   const bool settled = side.node == nullptr || is_settled(side);
   if (side.node == nullptr || side.node->candidates == nullptr) {
     return plain_verdict(settled ? Verdict::all : Verdict::none);
   }
+  SearchScratch& search = session.search;
   SearchScratch::Side& scratch = side.scratch;
-  const std::string_view key = key_take(side);
-  const auto place = reinterpret_cast<std::uintptr_t>(side.node) / sizeof(Node) % scratch.latest.size();
-  const std::int32_t number = key.empty() ? -1 : number_find(scratch.known, key, scratch.latest[place]);
-  if (number >= 0) return known_answer(scratch, number);
+  const std::string_view key = key_take(side, search.key);
+  const std::int32_t number = number_find(search, *side.node, key);
+  const bool has_number = number >= 0 && static_cast<std::size_t>(number) < scratch.answers.size();
+  const bool is_known = has_number && scratch.answers[static_cast<std::size_t>(number)].words != 0;
+  if (is_known) return known_answer(scratch, number);
   if (!side_search(session, side)) return std::nullopt;
-  return answer_remember(session.search, scratch, key);
+  return answer_remember(search, scratch, key, number);
 }
 
 // Forgets the rules of pairs.
 // Needed as well when answers get new numbers: pairs are known by these.
 void pairs_forget(SearchScratch& scratch) {
-  scratch.known_pairs.clear();
-  scratch.found.clear();
+  scratch.pairs.clear();
   scratch.rules.clear();
 }
 
@@ -365,17 +367,17 @@ void search_forget(SearchScratch& scratch) {
     std::ranges::fill(side->is_striking, 0);
     side->present.clear();
     side->striking.clear();
-    side->known.clear();
     side->answers.clear();
     side->blocks.clear();
     side->numbers.clear();
   }
+  scratch.known.clear();
   pairs_forget(scratch);
   scratch.is_full = false;
 }
 
 // The rules that are asked for.
-enum class Wanted : std::int32_t { all, post_edit };
+enum class Wanted : std::uint8_t { all, post_edit };
 
 // Of the rules of a block: those that pass, if these pass the sides. What an inserted pattern asks for is not held against
 // the window: it speaks of a word that is not there yet.
@@ -491,22 +493,17 @@ void passing_find(const RuleSearch& index, const Answer& left, const Answer& rig
 // The rules that pass both sides; they stand until the next search.
 Blocks passing_rules(Session& session, const Answer& left, const Answer& right, Wanted kind) {
   SearchScratch& scratch = session.search;
-  const std::array<std::int32_t, 3> pair = {left.name, right.name, static_cast<std::int32_t>(kind)};
-  const std::string_view key(reinterpret_cast<const char*>(pair.data()), sizeof(pair));
   const bool has_names = left.name != kNameless && right.name != kNameless;
-  const std::size_t place =
-      (static_cast<std::size_t>(left.name) * 31 + static_cast<std::size_t>(right.name)) % scratch.latest.size();
-  const std::int32_t number = has_names ? number_find(scratch.known_pairs, key, scratch.latest[place]) : -1;
-  if (number >= 0) {
-    const SearchScratch::Found& found = scratch.found[static_cast<std::size_t>(number)];
-    return Blocks(scratch.rules).subspan(found.begin, found.count);
-  }
+  const auto pair = static_cast<std::uint64_t>(left.name) << 32 | static_cast<std::uint64_t>(right.name) << 1 |
+                    static_cast<std::uint64_t>(kind);
+  const NumberedRanges::Range* found = has_names ? scratch.pairs.find(pair) : nullptr;
+  if (found != nullptr) return Blocks(scratch.rules).subspan(found->begin, found->count);
   passing_find(session.grammar->index.search, left, right, kind, scratch);
   if (!has_names) return scratch.fresh;
   if (!has_room(scratch.rules, scratch.fresh.size())) pairs_forget(scratch);
-  if (has_room(scratch.rules, scratch.fresh.size()) && scratch.known_pairs.add(key) >= 0) {
-    scratch.found.push_back(
-        {static_cast<std::uint32_t>(scratch.rules.size()), static_cast<std::uint32_t>(scratch.fresh.size())});
+  const NumberedRanges::Range range{pair, static_cast<std::uint32_t>(scratch.rules.size()),
+                                    static_cast<std::uint32_t>(scratch.fresh.size())};
+  if (has_room(scratch.rules, scratch.fresh.size()) && scratch.pairs.add(range)) {
     scratch.rules.insert(scratch.rules.end(), scratch.fresh.begin(), scratch.fresh.end());
   } else {
     pairs_forget(scratch);

@@ -6,7 +6,7 @@ namespace lexon {
 
 namespace {
 
-// Room for answers and for pairs of them. Memory that is not needed is not touched.
+// Room for answers of a side and for pairs of them; a key may be of either side. Memory that is not needed is not touched.
 constexpr std::size_t kMostAnswers = std::size_t{1} << 15;
 constexpr std::size_t kKeyBytes = std::size_t{1} << 21;
 constexpr std::size_t kAnswerBlocks = std::size_t{1} << 17;
@@ -22,9 +22,8 @@ void fit(SearchScratch::Side& scratch, const SideSearch& side) {
   scratch.present.reserve(rows);
   scratch.is_striking.assign(rows, 0);
   scratch.striking.clear();
-  scratch.known.fit(kMostAnswers, kKeyBytes);
   scratch.answers.clear();
-  scratch.answers.reserve(kMostAnswers);
+  scratch.answers.reserve(2 * kMostAnswers);
   scratch.blocks.clear();
   scratch.blocks.reserve(kAnswerBlocks);
   scratch.numbers.clear();
@@ -42,9 +41,8 @@ void session_use(Session& session, const Grammar& grammar) {
   SearchScratch& scratch = session.search;
   fit(scratch.left, search.left);
   fit(scratch.right, search.right);
-  scratch.known_pairs.fit(kMostPairs, kMostPairs * sizeof(std::int32_t) * 3);
-  scratch.found.clear();
-  scratch.found.reserve(kMostPairs);
+  scratch.known.fit(2 * kMostAnswers, 2 * kKeyBytes);
+  scratch.pairs.fit(kMostPairs);
   scratch.rules.clear();
   scratch.rules.reserve(kPairBlocks);
   scratch.is_full = false;
