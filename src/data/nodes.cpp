@@ -1,5 +1,6 @@
 #include "data/nodes.hpp"
 
+#include <bit>
 #include <cstring>
 #include <memory>
 #include <new>
@@ -17,6 +18,12 @@ namespace {
 
 std::int64_t list_size(std::size_t blocks) {
   return static_cast<std::int64_t>(sizeof(CandidateList) + blocks * sizeof(RuleBlock));
+}
+
+std::int64_t rules_in(std::span<const RuleBlock> blocks) {
+  std::int64_t count = 0;
+  for (const RuleBlock& block : blocks) count += std::popcount(block.rules);
+  return count;
 }
 
 bool is_entry_of_current_scope(Session& session, const Node& node) {
@@ -232,7 +239,10 @@ void match_record_pop(Session& session, Node& node) {
   temp_delete(session, record);
 }
 
+// Each rule of a list costs a cell, whether it is asked for or not: so a search without an end is over when as much has been
+// listed as fits, and not much later.
 RuleCandidate* candidates_new(Session& session, const Rule* first, std::span<const RuleBlock> rest) {
+  if (!session.pool.promise(sizeof(RuleCandidate), rules_in(rest))) return nullptr;
   void* cell = temp_alloc(session, list_size(rest.size()));
   auto* element = cell == nullptr ? nullptr : temp_new<RuleCandidate>(session);
   if (element == nullptr) return nullptr;
@@ -255,7 +265,10 @@ void candidate_passed_over(Session& session, RuleCandidate* element) {
   CandidateList* list = element->list;
   if (list == nullptr || list->records != 0) return;
   temp_delete(session, element);
-  if (--list->elements == 0) temp_free(session, list, list_size(static_cast<std::size_t>(list->blocks)));
+  if (--list->elements != 0) return;
+  const std::span<const RuleBlock> rest(blocks_of(*list) + list->at, blocks_of(*list) + list->blocks);
+  session.pool.promise_take_back(sizeof(RuleCandidate), rules_in(rest));
+  temp_free(session, list, list_size(static_cast<std::size_t>(list->blocks)));
 }
 
 void candidates_passed_over(Session& session, RuleCandidate* first, const RuleCandidate* end) {

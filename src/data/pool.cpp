@@ -65,7 +65,7 @@ void Pool::limit_blocks(int blocks) {
 
 // Halves the block size as long as the heap refuses; the lowered size stays.
 void* Pool::serve_from_new_block(std::int32_t stride) {
-  if (blocks() >= max_blocks_) return nullptr;
+  if (blocks() + promised_ / kFirstBlockSize >= max_blocks_) return nullptr;
   if (blocks_.empty()) limit_blocks(max_blocks_);
   for (; stride <= block_size_; block_size_ /= 2) {
     if (fault_ != nullptr && fault_->refuses()) continue;
@@ -130,6 +130,14 @@ void Pool::free_slowly(void* cell, std::int64_t size) {
   free_[index] = new (cell) FreeCell{free_[index]};
 }
 
+// What is still free counts as given out.
+void Pool::fill(std::size_t index) {
+  open_ = {};
+  first_open_.fill(blocks_.size());
+  free_[index] = nullptr;
+  exhausted_ = true;
+}
+
 void Pool::large_cells_free() {
   LargeCell* cell = std::exchange(large_.next, nullptr);
   while (cell != nullptr) std::free(std::exchange(cell, cell->next));
@@ -153,6 +161,7 @@ void Pool::release_all() {
   open_ = {};
   block_size_ = kFirstBlockSize;
   exhausted_ = false;
+  promised_ = 0;
 }
 
 std::int64_t Pool::bytes_used() const {

@@ -91,7 +91,17 @@ class Pool {
     block.used = static_cast<std::int32_t>(end - block.start);
   }
 
-  // Frees every cell. The blocks begin anew; some are kept for the next sentence, and count for nothing until then.
+  // Promises cells that will be asked for later, or never: until they are taken back, one by one or together, promises fill
+  // the pool as the cells would. False if it is exhausted so: then only cells that come back are given out, none of this size.
+  [[nodiscard]] bool promise(std::int64_t size, std::int64_t cells) {
+    promised_ += cell_size(size) * cells;
+    if (blocks() + promised_ / kFirstBlockSize <= max_blocks_) return true;
+    fill(class_of(size));
+    return false;
+  }
+  void promise_take_back(std::int64_t size, std::int64_t cells) { promised_ -= cell_size(size) * cells; }
+
+  // Frees every cell, and forgets what was promised. The blocks begin anew; some are kept for the next sentence, and count for nothing until then.
   void release_all();
 
   // How many blocks it may hold from now on; those that it holds stay. Takes the room to list them: from here on `alloc`
@@ -154,6 +164,7 @@ class Pool {
   }
   void* alloc_slowly(std::int64_t size);
   void free_slowly(void* cell, std::int64_t size);
+  void fill(std::size_t index);
 
   [[nodiscard]] char* new_block();
   static void block_free(char* start);
@@ -166,6 +177,7 @@ class Pool {
   int max_blocks_ = kMaxBlocks;
   std::int32_t block_size_ = kFirstBlockSize;  // halved when the heap refuses a block, until `release_all`
   bool exhausted_ = false;
+  std::int64_t promised_ = 0;  // bytes of cells
   AllocationFault* fault_ = nullptr;
   std::vector<Block> blocks_;
   std::array<char*, kMostSpare> spare_{};  // blocks of the first size, given out before the heap is asked

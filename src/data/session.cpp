@@ -25,6 +25,8 @@ bool stack_nearly_used(Session& session) {
 }
 
 Status rule_base_failure(Session& session, const char* what) {
+  // After a cell was refused, the rule base met what was half done.
+  if (must_leave(session, session.pool) == Status::memory) return Status::memory;
   // The first failure of a sentence is told; what follows from it on the way out is not.
   if (session.state.abort == Status::ok) out_print(session, ";;the rule base has failed: %s\n", what);
   if (session.state.abort == Status::ok) remark(session, 0, std::string("the rule base has failed: ") + what);

@@ -122,7 +122,7 @@ struct Session {
 [[nodiscard]] bool stack_nearly_used(Session& session);
 
 // Ends the sentence as a failure of the rule base. Prints ";;" and what the rule base did, at the first call in a
-// sentence. Always returns `Status::rule_base`.
+// sentence. Returns `Status::rule_base`, or `memory` if memory was exhausted before.
 Status rule_base_failure(Session& session, const char* what);
 
 // Keeps a remark, if anybody wants to know.

@@ -530,8 +530,9 @@ Blocks search(Session& session, Node* lnode, Node* rnode, Wanted kind) {
 }
 
 // The first rule of the list that has no element yet, which it names no longer; null if each has one.
-const Rule* list_take(const Session& session, CandidateList& list) {
+const Rule* list_take(Session& session, CandidateList& list) {
   if (list.at == list.blocks) return nullptr;
+  session.pool.promise_take_back(sizeof(RuleCandidate), 1);
   RuleBlock& block = blocks_of(list)[list.at];
   const std::int32_t number = rule_take(block);
   if (block.rules == 0) ++list.at;
@@ -567,9 +568,12 @@ RuleCandidate* candidate_pass(Session& session, RuleCandidate& element) {
   for (; list.at < list.blocks; ++list.at) {
     RuleBlock& block = blocks_of(list)[list.at];
     const std::uint64_t others = block.rules & ~traits[static_cast<std::size_t>(block.block)].post_edit;
-    if (others == 0) continue;
-    block.rules &= ~std::uint64_t{0} >> std::countl_zero(others);
-    break;
+    const std::uint64_t kept = others == 0 ? 0 : block.rules & (~std::uint64_t{0} >> std::countl_zero(others));
+    if (kept != block.rules) {
+      session.pool.promise_take_back(sizeof(RuleCandidate), std::popcount(block.rules ^ kept));
+      block.rules = kept;
+    }
+    if (kept != 0) break;
   }
   const Rule* rule = list_take(session, list);
   if (rule == nullptr) {

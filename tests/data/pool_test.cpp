@@ -55,5 +55,20 @@ TEST_F(Cells, EndsAt200BlocksAndStartsAfreshAfterARelease) {
   EXPECT_NE(temp_alloc(session, 4096), nullptr);
 }
 
+TEST_F(Cells, PromisedCellsFillThePoolUntilTheyAreTakenBack) {
+  constexpr std::int64_t kHalf = std::int64_t{kFirstBlockSize} * kMaxBlocks / 64 / 2;
+  ASSERT_TRUE(session.pool.promise(40, kHalf));
+  int cells = 0;
+  for (; cells < 15 * 50; ++cells) ASSERT_NE(temp_alloc(session, 4096), nullptr);
+  session.pool.promise_take_back(40, kHalf);
+  while (temp_alloc(session, 4096) != nullptr) ++cells;
+  EXPECT_EQ(cells, 15 * 200);
+  session.pool.release_all();
+  EXPECT_TRUE(session.pool.promise(64, kHalf));
+  EXPECT_FALSE(session.pool.promise(64, 2 * kHalf));
+  EXPECT_EQ(temp_alloc(session, 8), nullptr);
+  EXPECT_TRUE(session.pool.is_exhausted());
+}
+
 }  // namespace
 }  // namespace lexon::test
