@@ -43,7 +43,10 @@ std::vector<int> first_arcs(Rewriter& graph) {
     });
     // An agent is said before what it does something to, and a condition before both, wherever the source writes them.
     const char* subject = has_attribute(graph.word(at), "@psv") ? "ARG1" : "ARG0";
-    std::stable_partition(below.begin(), below.end(), [&](int one) { return graph.arc(one).role == subject; });
+    const bool has_agent = graph.child(at, subject) >= 0;
+    std::stable_partition(below.begin(), below.end(), [&](int one) {
+      return graph.arc(one).role == (has_agent ? subject : "domain") && !graph.arc(one).inverse;
+    });
     std::stable_partition(below.begin(), below.end(), [&](int one) {
       const Arc& led_down = graph.arc(one);
       const bool goes_in_front = led_down.role == "condition" || led_down.role == "time";
@@ -528,7 +531,8 @@ static void thing_apply(Rewriter& graph, int at) {
   const bool is_simple = std::all_of(below.begin(), below.end(), [&](int one) {
     return is_core(graph.arc(one)) && graph.arc(one).role != "ARG0" && !is_clause(graph, graph.arc(one).to);
   });
-  const bool is_plain = !has_attribute(graph.word(frame), "@neg") && graph.mentions(frame) == 1;
+  const bool is_plain = !has_attribute(graph.word(frame), "@neg") && !has_attribute(graph.word(frame), "@most") &&
+                        !has_attribute(graph.word(frame), "@more") && graph.mentions(frame) == 1;
   const std::string& name = graph.word(frame).name;
   if (graph.word(frame).sense.empty() || !is_simple || !is_plain || name.find('-') != name.npos) return;
   frame_stand_in(graph, at, led, "@result");
@@ -883,9 +887,12 @@ void step_forms(Meaning& meaning) {
                            graph.child(at, "shared") >= 0 || graph.child(at, "speaker") >= 0;
     if (said >= 0 && !has_agent && !has_attribute(word, "@imp") && has_attribute(word, "@v")) {
       const int what = graph.arc(said).to;
+      // "It is known that the house was sold": what is known or said is a clause even if nobody does it.
+      constexpr std::array kKnowing{"suspect", "believe", "know", "say", "report", "think", "expect", "find", "allege"};
       const bool is_event = !graph.word(what).sense.empty() && !has_attribute(graph.word(what), "@result") &&
                             !has_attribute(graph.word(what), "@agent") &&
-                            (graph.child(what, "ARG0") >= 0 || graph.child(what, "domain") >= 0);
+                            (graph.child(what, "ARG0") >= 0 || graph.child(what, "domain") >= 0 ||
+                             (is_one_of(graph, at, kKnowing) && graph.child(what, "ARG1") >= 0));
       if (is_event) attribute_add(word, "@xtra");
     }
     // What is only counted is new: "there are three birds in the tree".
@@ -916,6 +923,8 @@ void step_control(Meaning& meaning) {
     const int above = first[static_cast<std::size_t>(at)];
     if (above < 0 || graph.arc(above).inverse || !is_clause(graph, at)) continue;
     const std::string& role = graph.arc(above).role;
+    // "She knows whether she may stay" is no infinitive.
+    if (has_attribute(graph.word(at), "@whether")) continue;
     // A clause in another role keeps its subject: "she left because she was tired".
     const bool may_be_infinite =
         role.starts_with("ARG") || role == "purpose" || role == "manner" || role == "mod" || role == "attendant";

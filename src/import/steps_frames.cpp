@@ -60,6 +60,7 @@ constexpr Reified kReified[] = {
     {"have-size", "91", "ARG1", "ARG2", "size"},
     {"be-destined-for", "91", "ARG1", "ARG2", "destination"},
     {"have-ord", "91", "ARG1", "ARG2", "ord"},
+    {"hyperlink", "91", "ARG1", "ARG3", "source"},
 };
 
 // These are said by a verb when they are the statement itself, and are roles only below what they speak of.
@@ -115,7 +116,11 @@ void reified_apply(Rewriter& graph, int at, const Reified& one) {
   if (head == dependent) return;
   const bool head_above = graph.arc(up).to == at;
   const bool dependent_above = graph.arc(down).to == at;
-  if (!head_above && !dependent_above && is_statement(one)) return;
+  // "Like her brother, she sings": what a clause is like is said beside it.
+  const int first = graph.is(head, "and") ? graph.child(head, "op1") : -1;
+  const bool is_of_clause =
+      std::string_view(one.role) == "likeness" && !graph.word(first >= 0 ? graph.arc(first).to : head).sense.empty();
+  if (!head_above && !dependent_above && is_statement(one) && !is_of_clause) return;
   if (!head_above && !dependent_above && std::string_view(one.role) == "identity") {
     // "Palin is the star".
     graph.settle_concept(at, Fate::relation);
@@ -180,6 +185,17 @@ constexpr Office kOffices[] = {
     {"have-role", "91", "ARG1", "ARG2", "ARG3", "org"},
 };
 
+bool is_party(const Concept& group) {
+  return has_attribute(group, "@political-party") || has_attribute(group, "@political-organization");
+}
+
+// Whoever is of the Green Party is a Green.
+void member_apply(Concept& party) {
+  if (party.name.ends_with(" Party")) party.name.resize(party.name.size() - 6);
+  if (party.name == "Democratic") party.name = "Democrat";
+  std::erase(party.attributes, "@name");
+}
+
 // Either the holder stands above, and is called by the office; or the frame is the statement, "she is the mayor". A holder
 // with a name keeps it, and the office stands beside it as a title; another becomes the office.
 void office_apply(Rewriter& graph, int at, const Office& office) {
@@ -208,6 +224,7 @@ void office_apply(Rewriter& graph, int at, const Office& office) {
     if (!holder_above) {
       // "She is a Whig".
       const int group = graph.arc(whole).to;
+      if (is_party(graph.word(group)) && graph.mentions(group) == 1) member_apply(graph.word(group));
       graph.settle_concept(at, Fate::relation);
       graph.replace(holds, group, holder, "domain");
       graph.remove(whole, Fate::relation);
@@ -217,15 +234,14 @@ void office_apply(Rewriter& graph, int at, const Office& office) {
     graph.settle_concept(at, Fate::relation);
     graph.remove(holds, Fate::relation);
     const Concept& group = graph.word(graph.arc(whole).to);
-    const bool is_party = has_attribute(group, "@political-party") || has_attribute(group, "@political-organization");
-    if (is_party && graph.is(holder, "person") && graph.mentions(graph.arc(whole).to) == 1) {
-      // Whoever is of the Green Party is a Green.
-      std::string name = group.name;
-      if (name.ends_with(" Party")) name.resize(name.size() - 6);
-      if (name == "Democratic") name = "Democrat";
+    if (is_party(group) && graph.is(holder, "person") && graph.mentions(graph.arc(whole).to) == 1) {
+      member_apply(graph.word(graph.arc(whole).to));
       graph.settle_concept(graph.arc(whole).to, Fate::word);
       graph.remove(whole, Fate::word);
-      graph.word(holder).name = name;
+      graph.word(holder).name = graph.word(graph.arc(whole).to).name;
+      // Of whom nothing else is said, all are meant: "Greens like trees".
+      if (graph.children(holder).empty() && !has_attribute(graph.word(holder), "@sg"))
+        attribute_add(graph.word(holder), "@pl");
     } else {
       graph.replace(whole, holder, graph.arc(whole).to, office.role);
     }
@@ -335,8 +351,18 @@ void degree_apply(Rewriter& graph, int at, bool is_quantity) {
     return own >= 0 && graph.other(own, quality) == bearer && own != bearer_led;
   };
   const bool is_known = names_bearer("ARG1") || names_bearer("ARG0");
-  if (quality_above || is_known) {
-    if (quality_above && !is_known) {
+  // What is said to bear it may not be what it is a quality of: "it was so deeply rooted that ...".
+  const int own = is_quantity ? -1 : graph.argument(quality, "ARG1");
+  const bool is_of_another = own >= 0 && own != quality_led && graph.other(own, quality) != bearer;
+  if (bearer_above && !quality_above && is_known && !is_of_another && !is_quantity) {
+    // The bearer stands above and the quality leads back to it: a taller tree.
+    const int led = own >= 0 ? own : graph.argument(quality, "ARG0");
+    const std::string role = own >= 0 ? "ARG1" : "ARG0";
+    graph.replace(led, bearer, quality, role, true);
+    graph.remove(quality_led, Fate::relation);
+    graph.remove(bearer_led, Fate::relation);
+  } else if (quality_above || is_known) {
+    if (quality_above && !is_known && !is_of_another) {
       graph.replace(bearer_led, quality, bearer, is_quantity ? "quant" : "domain", is_quantity);
     } else {
       graph.remove(bearer_led, Fate::relation);
@@ -499,11 +525,37 @@ void step_reified(Meaning& meaning) {
   }
   for (int at = 0; at < graph.count(); ++at) {
     // What something is not like stays a clause: "a garden that is not like mine".
-    const bool is_unlike = graph.word(at).name == "resemble" && has_attribute(graph.word(at), "@neg");
+    const int like = graph.argument(at, "ARG1");
+    const bool is_unlike = graph.word(at).name == "resemble" && has_attribute(graph.word(at), "@neg") &&
+                           (like < 0 || graph.arc(like).to == at || graph.word(graph.arc(like).to).sense.empty());
     const Reified* one = is_unlike ? nullptr : reified_of(graph, at);
     if (one != nullptr) reified_apply(graph, at, *one);
   }
   for (int at = 0, end = graph.count(); at < end; ++at) frequency_apply(graph, at);
+  for (Arc& one : meaning.arcs) {
+    if (one.gone) continue;
+    // "A number of birds": the number is the head.
+    if (one.role == "quant" && one.inverse && graph.word(one.from).sense.empty()) {
+      one.role = "consist-of", one.inverse = false;
+      constexpr std::string_view kOfMany[] = {"number", "group", "series", "range", "variety", "couple", "set", "row"};
+      const bool is_many =
+          std::find(std::begin(kOfMany), std::end(kOfMany), graph.word(one.from).name) != std::end(kOfMany);
+      if (is_many && graph.word(one.to).sense.empty()) attribute_add(graph.word(one.to), "@pl");
+    }
+    // "It is a lot for me": who feels it is no subject where there is one.
+    const bool has_subject = graph.child(one.from, "ARG0") >= 0 || graph.child(one.from, "ARG1") >= 0 ||
+                             graph.child(one.from, "domain") >= 0;
+    if (one.role == "experiencer" && !one.inverse && has_subject) one.role = "beneficiary";
+  }
+  for (int at = 0; at < graph.count(); ++at) {
+    // Who has written a text, above it: "by Ada Hill".
+    const int author = graph.is(at, "byline", "91") ? graph.child(at, "ARG1") : -1;
+    if (author < 0) continue;
+    graph.word(at).name = "by";
+    graph.word(at).sense.clear();
+    std::erase(graph.word(at).attributes, "@v");
+    graph.arc(author).role = "op1";
+  }
   // "She lay down in the grass": a bare direction stands nearer to its verb than a place does.
   constexpr std::string_view kBare[] = {"up",  "down",   "away",    "back", "out",
                                         "off", "around", "forward", "home", "along"};
@@ -532,7 +584,7 @@ void step_reified(Meaning& meaning) {
     const int led = graph.is(at, "include", "91") ? graph.child(at, "ARG2") : -1;
     if (led < 0) continue;
     Concept& whole = graph.word(graph.arc(led).to);
-    if (whole.sense.empty() && !has_attribute(whole, "@name")) attribute_add(whole, "@pl");
+    if (!has_attribute(whole, "@name")) attribute_add(whole, "@pl");
   }
   // "One of these things": what others are taken from is several.
   for (const Arc& one : meaning.arcs) {
@@ -543,10 +595,11 @@ void step_reified(Meaning& meaning) {
     attribute_add(graph.word(one.to), "@pl");
     // "One of the stars" names the stars once.
     const int number = graph.child(one.from, "quant");
-    const bool is_one = number >= 0 && graph.is(graph.arc(number).to, "1");
+    const bool is_one = number < 0 ? !has_attribute(graph.word(one.from), "@pl") : graph.is(graph.arc(number).to, "1");
     if (!is_one || graph.word(one.from).name != whole.name) continue;
     attribute_add(graph.word(one.to), "@def");
     graph.word(one.from).name = "one";
+    if (number < 0) continue;
     graph.settle_concept(graph.arc(number).to, Fate::word);
     graph.remove(number, Fate::word);
   }

@@ -156,10 +156,57 @@ static void position_apply(Rewriter& graph, int at) {
   graph.stand_in(at, led, Fate::word);
 }
 
+// (m / multiple :op1 1000): thousands of. (m / more-than :op1 (f / few)): more than a few.
+static void multiple_apply(Rewriter& graph, int at) {
+  constexpr std::pair<const char*, const char*> kPowers[] = {
+      {"12", "dozens"},          {"100", "hundreds"},
+      {"1000", "thousands"},     {"10000", "tens-of-thousands"},
+      {"1000000", "millions"},   {"100000", "hundreds-of-thousands"},
+      {"1000000000", "billions"}};
+  const int led = graph.child(at, "op1");
+  if (led < 0) return;
+  const int number = graph.arc(led).to;
+  if (graph.is(number, "few")) graph.word(number).name = "a-few";
+  if (!graph.is(at, "multiple")) return;
+  for (const auto& [digits, word] : kPowers) {
+    if (!graph.is(number, digits)) continue;
+    graph.word(at).name = word;
+    graph.settle_concept(number, Fate::word);
+    return graph.remove(led, Fate::word);
+  }
+}
+
+// Nouns of which there is a lot, and not lots of them; frames are no matter here.
+static bool is_uncounted(const std::string& name) {
+  constexpr std::array<std::string_view, 48> kMass{
+      "money",     "time",      "water",   "food",      "energy",  "attention", "information", "news",
+      "stuff",     "traffic",   "trouble", "noise",     "music",   "air",       "gas",         "oil",
+      "snow",      "rain",      "sand",    "wood",      "gold",    "power",     "sense",       "fun",
+      "room",      "space",     "land",    "evidence",  "crap",    "shit",      "luck",        "courage",
+      "knowledge", "furniture", "paper",   "coffee",    "wine",    "milk",      "sugar",       "blood",
+      "freedom",   "bullshit",  "weather", "equipment", "emotion", "wealth",    "progress",    "support"};
+  return std::find(kMass.begin(), kMass.end(), name) != kMass.end();
+}
+
+// "At this" is no time; "at this time" is.
+static void pointing_time_apply(Rewriter& graph) {
+  for (std::size_t i = 0, end = graph.meaning().arcs.size(); i < end; ++i) {
+    const int led = static_cast<int>(i);
+    const bool is_time = graph.arc(led).role == "time" || graph.arc(led).role == "temporal";
+    const int what = graph.arc(led).to;
+    const bool is_bare = (graph.is(what, "this") || graph.is(what, "that")) && graph.children(what).empty();
+    if (!is_time || !is_bare || graph.arc(led).inverse || graph.arc(led).gone || graph.mentions(what) > 1) continue;
+    const int time = graph.add_concept("time");
+    graph.add(time, what, "mod");
+    graph.arc(led).to = time;
+  }
+}
+
 // (t / temporal-quantity :quant 3 :unit (y / year)) becomes year.@measure with the quantity below it. Number is settled
 // here, too: three years, all years, but one year. Loops follow one another as each looks at what the one before has made.
 void step_quantities(Meaning& meaning) {
   Rewriter graph(meaning, "quantities");
+  pointing_time_apply(graph);
   for (int at = 0, end = graph.count(); at < end; ++at) {
     const bool is_quantity = graph.word(at).name.ends_with("-quantity") && graph.word(at).sense.empty();
     if (const int unit = is_quantity ? graph.child(at, "unit") : -1; unit >= 0) {
@@ -226,9 +273,12 @@ void step_quantities(Meaning& meaning) {
     const int inner = graph.child(one.to, "op1");
     const Concept& number = graph.word(inner >= 0 ? graph.arc(inner).to : one.to);
     const bool is_plain = number.sense.empty() && is_number(number.name);
-    const bool is_many = std::find(kMany.begin(), kMany.end(), number.name) != kMany.end();
+    const bool is_lot =
+        number.name == "lot" && graph.word(one.from).sense.empty() && !is_uncounted(graph.word(one.from).name);
+    const bool is_many = is_lot || std::find(kMany.begin(), kMany.end(), number.name) != kMany.end();
     if (is_plain || is_many) attribute_add(graph.word(one.from), number.name == "1" ? "@sg" : "@pl");
   }
+  for (int at = 0; at < graph.count(); ++at) multiple_apply(graph, at);
   for (int at = 0; at < graph.count(); ++at) {
     const int led = graph.parent(at);
     if (led >= 0 && graph.arc(led).role == "quant" && is_number(graph.word(at).name)) {
