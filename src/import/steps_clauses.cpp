@@ -784,8 +784,9 @@ void step_tense(Meaning& meaning) {
   for (int at = 0; at < graph.count(); ++at) {
     if (has_attribute(graph.word(at), "@quote")) quoted.push_back(at);
   }
+  const std::vector<int> said = clause_words(graph, std::move(quoted));
   std::vector<bool> is_said(meaning.concepts.size());
-  for (const int at : clause_words(graph, std::move(quoted))) is_said[static_cast<std::size_t>(at)] = true;
+  for (const int at : said) is_said[static_cast<std::size_t>(at)] = true;
   for (int at = 0; at < graph.count(); ++at) {
     tense_from_time(graph, at);
     Concept& clause = graph.word(at);

@@ -42,6 +42,7 @@ std::vector<int> operands(Rewriter& graph, int at) {
     if (is_operand) sorted.emplace(std::stoi(role.substr(2)), led);
   }
   std::vector<int> found;
+  found.reserve(sorted.size());
   for (const auto& [number, led] : sorted) found.push_back(led);
   return found;
 }
