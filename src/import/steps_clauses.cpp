@@ -20,8 +20,19 @@ bool is_unknown(Rewriter& graph, int at) {
   return graph.is(at, "amr-unknown") || graph.is(at, "umr-unknown");
 }
 
+// For each concept the arcs that are written at it, in the order of the source: for walks over a whole graph, which would
+// look at all arcs for each concept else. It holds until an arc changes its beginning.
+std::vector<std::vector<int>> arcs_by_beginning(Rewriter& graph) {
+  std::vector<std::vector<int>> below(static_cast<std::size_t>(graph.count()));
+  for (int led = 0; led < static_cast<int>(graph.meaning().arcs.size()); ++led) {
+    if (!graph.arc(led).gone) below[static_cast<std::size_t>(graph.arc(led).from)].push_back(led);
+  }
+  return below;
+}
+
 // For each concept the arc by which the walk from the beginning of the sentence first comes to it; -1 for none.
 std::vector<int> first_arcs(Rewriter& graph) {
+  std::vector<std::vector<int>> all = arcs_by_beginning(graph);
   std::vector<int> first(static_cast<std::size_t>(graph.count()), -1);
   std::vector<bool> seen(first.size());
   std::vector<std::pair<int, int>> open{{-1, graph.meaning().root}};
@@ -31,15 +42,14 @@ std::vector<int> first_arcs(Rewriter& graph) {
     if (at < 0 || seen[static_cast<std::size_t>(at)]) continue;
     seen[static_cast<std::size_t>(at)] = true;
     first[static_cast<std::size_t>(at)] = led;
-    std::vector<int> below = graph.children(at);
+    std::vector<int>& below = all[static_cast<std::size_t>(at)];
     // A receiver is said before what it is told to do: "she asked the driver to stop".
     std::stable_partition(below.begin(), below.end(), [&](int one) {
       const Arc& led_down = graph.arc(one);
-      const Concept& word = graph.word(led_down.to);
-      const bool is_noun =
-          !is_clause(graph, led_down.to) || has_attribute(word, "@agent") || has_attribute(word, "@result");
       const bool is_argument = led_down.role.starts_with("ARG") || led_down.role == "speaker";
-      return !led_down.inverse && is_argument && is_noun;
+      if (led_down.inverse || !is_argument) return false;
+      const Concept& word = graph.word(led_down.to);
+      return !is_clause(graph, led_down.to) || has_attribute(word, "@agent") || has_attribute(word, "@result");
     });
     // An agent is said before what it does something to, and a condition before both, wherever the source writes them.
     const char* subject = has_attribute(graph.word(at), "@psv") ? "ARG1" : "ARG0";
@@ -204,16 +214,13 @@ constexpr std::array kSaying{"say",     "ask",      "answer",   "reply",    "exc
                              "mutter",  "agree",    "call",     "mumble",   "sigh",      "yell",     "scream"};
 
 // All concepts that some clauses are made of, themselves first; graphs have circles and meet again, so each is there once.
-// Arcs are sorted by their beginning once, as sentences within sentences ask this again for each.
 std::vector<int> clause_words(Rewriter& graph, std::vector<int> clauses) {
-  std::vector<std::vector<int>> below(graph.meaning().concepts.size());
-  for (const Arc& one : graph.meaning().arcs) {
-    if (!one.gone) below[static_cast<std::size_t>(one.from)].push_back(one.to);
-  }
+  const std::vector<std::vector<int>> below = arcs_by_beginning(graph);
   std::vector<bool> seen(below.size());
   for (const int clause : clauses) seen[static_cast<std::size_t>(clause)] = true;
   for (std::size_t i = 0; i < clauses.size(); ++i) {
-    for (const int to : below[static_cast<std::size_t>(clauses[i])]) {
+    for (const int led : below[static_cast<std::size_t>(clauses[i])]) {
+      const int to = graph.arc(led).to;
       if (!seen[static_cast<std::size_t>(to)]) clauses.push_back(to);
       seen[static_cast<std::size_t>(to)] = true;
     }
@@ -246,16 +253,18 @@ bool is_said_so(Rewriter& graph, int frame, int at) {
 
 // Who speaks is I in his own words, and to whom he speaks is you; not so where the source has made an I or you of them
 // itself. Somebody who speaks to himself is I.
-void speak_of_oneself(Rewriter& graph, int said, int speaker, int hearer) {
+void speak_of_oneself(Rewriter& graph, int frame, int said, int speaker, int hearer) {
   const std::vector<int> words = clause_words(graph, {said});
   const auto has_own = [&](const char* name) {
     return std::any_of(words.begin(), words.end(), [&](int at) { return graph.is(at, name); });
   };
   const bool has_i = has_own("i") || has_own("we");
   const bool has_you = has_own("you");
+  const std::vector<std::vector<int>> below = arcs_by_beginning(graph);
   for (const int at : words) {
-    if (at == speaker || at == hearer) continue;
-    for (const int led : graph.children(at)) {
+    // Where the graph leads in a circle, the frame itself is among what is said.
+    if (at == frame || at == speaker || at == hearer) continue;
+    for (const int led : below[static_cast<std::size_t>(at)]) {
       const bool is_speaker = graph.arc(led).to == speaker;
       const bool is_person = (is_speaker && !has_i) || (graph.arc(led).to == hearer && !is_speaker && !has_you);
       if (!is_person || graph.arc(led).inverse) continue;
@@ -306,7 +315,7 @@ void quote(Rewriter& graph, int at) {
   if (!is_direct && !(is_report && graph.meaning().is_dialogue)) return;
   graph.arc(led).role = "quoted";
   attribute_add(graph.word(said), "@quote");
-  if (who >= 0) speak_of_oneself(graph, said, graph.arc(who).to, whom >= 0 ? graph.arc(whom).to : -1);
+  if (who >= 0) speak_of_oneself(graph, at, said, graph.arc(who).to, whom >= 0 ? graph.arc(whom).to : -1);
   // Behind a quotation a verb without an auxiliary stands before its subject, if that is no pronoun: said the king.
   constexpr std::array kPronouns{"i", "we", "you", "he", "she", "it", "they", "one"};
   const bool is_plain = !has_attribute(graph.word(at), "@neg") && !has_attribute(graph.word(at), "@ask") &&
@@ -664,6 +673,8 @@ void step_speaker(Meaning& meaning) {
   bool is_utterance = false;
   for (int led = 0; led < static_cast<int>(meaning.arcs.size()); ++led) {
     if (graph.arc(led).gone || graph.arc(led).inverse || graph.arc(led).role != "quote") continue;
+    // The verb stands elsewhere in the graph, too; any other target would be lost with the arc.
+    if (graph.arc(led).to != meaning.root && graph.mentions(graph.arc(led).to) == 1) continue;
     is_utterance |= graph.arc(led).to == meaning.root;
     graph.remove(led, Fate::attribute);
     attribute_add(graph.word(graph.arc(led).from), "@quote");

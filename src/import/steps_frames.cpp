@@ -249,7 +249,7 @@ void office_apply(Rewriter& graph, int at, const Office& office) {
     return;
   }
   const int title = graph.other(titled, at);
-  if (graph.arc(titled).from != at) return;
+  if (graph.arc(titled).from != at || title == holder) return;
   graph.settle_concept(at, Fate::relation);
   if (!holder_above) {
     // The statement itself: "she is the mayor of Oslo".
@@ -643,8 +643,15 @@ static void value_apply(Rewriter& graph, int at) {
   if (about < 0 || value < 0) return;
   const int word = graph.other(about, at);
   const std::string text = graph.word(graph.arc(value).to).name;
-  if (text == "-" || text.ends_with("-negative")) attribute_add(graph.word(word), "@neg");
-  if (text == "neutral-affirmative" || text == "partial-affirmative") attribute_add(graph.word(word), "@may");
+  const bool is_negative = text == "-" || text.ends_with("-negative");
+  const bool is_open = text == "neutral-affirmative" || text == "partial-affirmative";
+  const bool is_asked = text == "amr-unknown" || text == "umr-unknown";
+  // Any other value would be lost with the frame.
+  if (!is_negative && !is_open && !is_asked && text != "+" && text != "full-affirmative") return;
+  if (is_negative) attribute_add(graph.word(word), "@neg");
+  if (is_open) attribute_add(graph.word(word), "@may");
+  if (is_asked) attribute_add(graph.word(word), "@int");
+  graph.settle_concept(graph.arc(value).to, Fate::attribute);
   const bool is_above = graph.arc(about).from == at;
   graph.settle_concept(at, Fate::attribute);
   graph.remove(about, Fate::attribute);

@@ -38,7 +38,7 @@ std::vector<int> operands(Rewriter& graph, int at) {
   for (const int led : graph.children(at)) {
     const std::string& role = graph.arc(led).role;
     const bool is_operand = !graph.arc(led).inverse && role.starts_with("op") && role.size() > 2 && role.size() < 6 &&
-                            is_number(role.substr(2));
+                            role.find_first_not_of("0123456789", 2) == role.npos;
     if (is_operand) sorted.emplace(std::stoi(role.substr(2)), led);
   }
   std::vector<int> found;
