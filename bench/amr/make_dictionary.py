@@ -28,6 +28,29 @@ ON_PLACES = set("planet earth moon island continent coast beach shore border gro
 # Adverbs that stand in the middle of a clause, before its verb.
 MIDDLE = set("certainly probably possibly really truly surely obviously apparently indeed actually clearly finally usually "
              "generally normally rarely seldom hardly barely merely simply scarcely nearly frequently recently suddenly".split())
+# What English has in front of the object of a verb, and of its noun, whatever the examples make more frequent.
+VERB_OBJECTS = {verb: preposition for preposition, verbs in {
+    "to": "subscribe adhere conform succumb resort refer object react respond listen belong attest allude cater cling consent "
+          "relate testify",
+    "at": "look glance stare gaze laugh smile frown glare wink peer aim hint marvel sneer grin scoff",
+    "on": "depend rely insist focus concentrate elaborate dwell embark infringe encroach reflect spy capitalize impinge",
+    "for": "wait hope yearn long apologize opt strive account atone vouch vie",
+    "in": "participate engage indulge specialize succeed partake",
+    "with": "cope deal interfere tamper comply sympathize collaborate compete cooperate flirt collide coincide clash quarrel "
+            "war wrestle experiment meddle disagree",
+    "from": "refrain abstain suffer recover differ stem",
+    "about": "complain brag boast gossip rave care",
+    "over": "preside",
+    "against": "rebel discriminate retaliate conspire",
+    "": "lack oppose access contact convoy cure delay diagnose interview impact border",
+    "of": "dispose approve disapprove dream beware repent despair tire",
+    "into": "delve inquire pry"}.items() for verb in verbs.split()}
+NOUN_OBJECTS = {verb: preposition for preposition, verbs in {
+    "on": "attack influence impact comment ban tax limit assault raid restrict focus pressure emphasize effect affect report",
+    "for": "demand desire hope need respect care request support prefer vote apologize",
+    "in": "increase decrease rise fall drop decline grow improve change cut believe trust participate",
+    "to": "damage visit answer react respond reply object oppose access addict attend solve resist adapt adhere",
+    "against": "discriminate"}.items() for verb in verbs.split()}
 STATE_FILES = {31, 37, 42}
 MASS_FILES = {7, 12, 27, 26}
 
@@ -391,6 +414,11 @@ def frames(path, writer, sources):
             told = sources.text.preposition({form for tag, form in sources.verb_forms(verb).items() if tag != "PTCP"})
             if told and not any(re.match("p1|p[2-5]" + told, a) for a in built):
                 built = [a for a in built if (a, told) != ("INF1", "to")] + ["p1" + told]
+        if verb and sense_of(concept) < 4 and not {"SA1", "NP2"} & set(built):
+            # "A lack of rain" is no reason to lack of rain.
+            told = VERB_OBJECTS.get(lemma, "" if "p1of" in built else None)
+            if told is not None:
+                built = [a for a in built if not a.startswith("p1")] + ["p1" + told] * bool(told)
         is_getting = verb == "get" and sense_of(concept) > 2
         if "SA1" not in built and (is_getting or sources.is_intransitive(verb or lemma)):
             built.append("SA1")
@@ -408,7 +436,9 @@ def frames(path, writer, sources):
         nouns.sort(key=lambda form: (form not in derived, -sources.tagged[form, "1"]))
         for noun in (nouns or [form for form in of["N"] if sources.tagged[form, "1"] > 19])[:1]:
             # A noun has the prepositions of its verb, "a look at the sea", and a verb of its own, "take a look".
-            kept = "".join("," + a for a in built if re.match(r"p\d|LV", a))
+            of_noun = NOUN_OBJECTS.get(lemma, "")
+            kept = "".join("," + a for a in built if re.match(r"p[2-5]|LV" if of_noun else r"p\d|LV", a))
+            kept += f",p1{of_noun}" * bool(of_noun)
             writer.noun(noun, concept, (",NMZ" if verb else ",NMZ,QUAL") + kept)
         adjectives = [lemma] if of["ADJ"] and lemma in sources.adjectives else of["ADJ"]
         for adjective in adjectives[:1]:

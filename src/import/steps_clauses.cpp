@@ -760,6 +760,9 @@ static void tense_from_time(Rewriter& graph, int at) {
     if (point < 0 || !graph.is(graph.arc(point).to, "now")) continue;
     attribute_add(graph.word(at), graph.is(time, "before") ? "@past" : "@fut");
     if (graph.mentions(time) > 1 || graph.mentions(graph.arc(point).to) > 1) continue;
+    // "In the last two years" lasted so long: for two years.
+    const int lasting = graph.child(time, "duration");
+    if (lasting >= 0 && graph.is(time, "before")) graph.arc(lasting).from = at;
     graph.settle_concept(graph.arc(point).to, Fate::attribute);
     graph.remove(point, Fate::attribute);
     if (graph.children(time).empty()) {

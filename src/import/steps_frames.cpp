@@ -134,7 +134,15 @@ void reified_apply(Rewriter& graph, int at, const Reified& one) {
     // What is denied is the reason, not what it is a reason for: "not because it rained".
     if (attribute != "@v") attribute_add(graph.word(attribute == "@neg" ? dependent : head), attribute);
   }
-  if (dependent_above && !head_above) {
+  const bool is_why = graph.is(dependent, "amr-unknown") || graph.is(dependent, "umr-unknown");
+  if (dependent_above && !head_above && is_why && dependent == graph.meaning().root) {
+    // What causes it is what is asked for: "why are we surprised?"
+    graph.meaning().root = head;
+    graph.replace(down, head, dependent, one.role);
+    graph.remove(up, Fate::relation);
+    graph.move_children(at, head);
+    for (const int led : graph.children(dependent)) graph.arc(led).from = head;
+  } else if (dependent_above && !head_above) {
     graph.replace(down, dependent, head, one.role, true);
     graph.remove(up, Fate::relation);
     graph.redirect(at, dependent);
