@@ -347,9 +347,12 @@ void question(Rewriter& graph, int unknown) {
   int phrase = unknown;
   std::string role = graph.arc(led).role;
   attribute_add(graph.word(unknown), "@wh");
+  // Both walks go up, and a graph may have a circle there: more steps than concepts are none.
+  int steps = graph.count();
   // "How many stars", "whose hat": the noun goes with it.
   while (!is_clause(graph, graph.arc(led).from) && (role == "quant" || role == "poss" || role == "mod" ||
                                                     role == "degree" || role == "possessor" || role == "age")) {
+    if (--steps < 0) return;
     attribute_add(graph.word(unknown), "@wh_" + role);
     phrase = graph.arc(led).from;
     const int above = graph.parent(phrase);
@@ -364,7 +367,7 @@ void question(Rewriter& graph, int unknown) {
   int clause = graph.arc(led).from;
   const int asked_at = clause;
   bool is_reported = false;
-  while (clause != graph.meaning().root && !has_attribute(graph.word(clause), "@quote")) {
+  while (clause != graph.meaning().root && !has_attribute(graph.word(clause), "@quote") && --steps > 0) {
     const int above = graph.parent(clause);
     if (above < 0 || !is_core(graph.arc(above))) break;
     const int governor = graph.arc(above).from;
@@ -673,8 +676,8 @@ void step_speaker(Meaning& meaning) {
   bool is_utterance = false;
   for (int led = 0; led < static_cast<int>(meaning.arcs.size()); ++led) {
     if (graph.arc(led).gone || graph.arc(led).inverse || graph.arc(led).role != "quote") continue;
-    // The verb stands elsewhere in the graph, too; any other target would be lost with the arc.
-    if (graph.arc(led).to != meaning.root && graph.mentions(graph.arc(led).to) == 1) continue;
+    // The verb stands above; any other target would be lost with the arc.
+    if (!graph.reaches(graph.arc(led).to, graph.arc(led).from)) continue;
     is_utterance |= graph.arc(led).to == meaning.root;
     graph.remove(led, Fate::attribute);
     attribute_add(graph.word(graph.arc(led).from), "@quote");

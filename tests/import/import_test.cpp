@@ -167,6 +167,8 @@ const StepRow kSteps[] = {
     {"forms", "forms", "(g / go-02 :polarity - :ARG0 (i / i))", "a0(go(>02).@entry.@v.@neg.@cl.@aux, i)"},
     {"there", "forms", "(b / be-located-at-91 :ARG1 (c / cup :quant 1))", "a1(be-located-at(>91).@entry.@v.@cl.@there, cup); qty(cup, 1)"},
     {"relatives", "relatives", "(b / boy :ARG0-of (r / run-02))", "r0(boy.@entry, run(>02).@v)"},
+    {"question_in_a_circle", "questions", "(f / far :degree (g / amr-unknown :degree (e / tall :degree f)))",
+     "deg(far.@entry.@wh, amr-unknown.@wh.@wh_degree); deg(amr-unknown, tall.@wh); deg(tall, far)"},
     {"circle", "all", "(s / see-01 :ARG0 (b / boy :ARG0-of s))", "a0(see(>01).@entry.@v.@cl, boy:01); a0(see(>01), boy:02.@ref)"},
 };
 
@@ -237,6 +239,8 @@ TEST(Import, WhatIsTooMuchForASentenceIsListed) {
   const Result result = imported(source + ")\n", {});
   EXPECT_EQ(result.figures.relations, 128U);
   EXPECT_EQ(result.figures.left_out, 4U);  // two relations, and the two words that they lead to
+  // What a step has put into a word is lost with the word.
+  EXPECT_EQ(imported("(a / b :wiki (c / and :op1 (d / dog)))\n", {"wiki", "coordination"}).figures.left_out, 4U);
   EXPECT_NE(result.left_out.find("a :op130 x130\tlimits: a sentence has at most 128 relations\n"), std::string::npos);
   expect_account(result.figures);
 }
