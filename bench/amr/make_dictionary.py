@@ -51,6 +51,10 @@ NOUN_OBJECTS = {verb: preposition for preposition, verbs in {
     "in": "increase decrease rise fall drop decline grow improve change cut believe trust participate",
     "to": "damage visit answer react respond reply object oppose access addict attend solve resist adapt adhere",
     "against": "discriminate"}.items() for verb in verbs.split()}
+# Verbs behind which an infinitive has "how": she knows how to swim.
+HOW_VERBS = ("know",)
+# What people try or begin is what they do themselves: no infinitive with a subject of its own.
+OWN_SUBJECT_VERBS = ("try", "begin", "start", "continue", "attempt", "manage", "decide", "refuse", "learn", "hope")
 STATE_FILES = {31, 37, 42}
 MASS_FILES = {7, 12, 27, 26}
 
@@ -203,7 +207,7 @@ class Sources:
         self.states = set()
         self.governs = collections.defaultdict(collections.Counter)
         self.shapes = collections.defaultdict(set)
-        self.agents, self.nominal, self.adjectival, self.manner, self.opposite, self.quality = ({} for _ in range(6))
+        self.agents, self.nominal, self.adjectival, self.manner, self.opposite, self.quality, self.quality_ness = ({} for _ in range(7))
         self.exceptions = collections.defaultdict(set)
         self.irregular = {"noun": {}, "adj": collections.defaultdict(list), "verb": {}}
         if arguments.wordnet:
@@ -270,8 +274,9 @@ class Sources:
                 denied = "(un|in|im|il|ir|dis)" + re.escape(source) + "|" + re.escape(re.sub("ful$", "", source)) + "less"
                 if part == "adj" and symbol == "!" and re.fullmatch(denied, target):
                     self.opposite[source] = target
-                if part == "adj" and category == "n" and symbol == "+" and target_file != 18 and not target.endswith("ness"):
-                    self.quality.setdefault(source.lower(), target)
+                if part == "adj" and category == "n" and symbol == "+" and target_file != 18:
+                    table = self.quality_ness if target.endswith("ness") else self.quality
+                    table.setdefault(source.lower(), target)
                 if part == "adv" and symbol == "\\":
                     # Of several adverbs the one that is made of the adjective: slowly, not slower.
                     if source.endswith("ly") or target.lower() not in self.manner:
@@ -363,6 +368,10 @@ class Writer:
             if adverb := self.sources.manner.get(opposite):
                 self.entry(adverb, concept, f"UN,UNADV{vowel(adverb)}")
         self.entry(lemma, concept, f"ADJ{vowel(lemma)}{more}")
+        # Behind a preposition stands the noun of the quality: after the silence.
+        noun = self.sources.quality.get(lemma) or self.sources.quality_ness.get(lemma)
+        if noun and "(>" not in concept:
+            self.entry(noun, concept, f"QN,{'MASS' if noun.endswith('ness') else 'THE'}{vowel(noun)}")
         exceptions = [f for f in self.sources.irregular["adj"].get(lemma, ()) if re.search(r"(r|st|e)$", f)]
         grades = {"CMP": [f for f in exceptions if f.endswith(("r", "e"))], "SUP": [f for f in exceptions if f.endswith("st")]}
         if not exceptions and (short(lemma) or lemma.endswith("y")) and lemma.isalpha() and len(lemma) < 8:
@@ -378,7 +387,7 @@ def surface(lemma):
     return lemma.replace("_", " ").replace("-", " ").strip()
 
 
-def clause_shapes(seen, frames, governed, count):
+def clause_shapes(verb, seen, frames, governed, count):
     """What a clause in the place of ARG1 is: as in the examples of the frame files and as WordNet says of the verb. NOUN1
     is for a verb that hardly ever governs a clause: an event behind it is a noun."""
     shapes = ("INF", "GER", "THAT")
@@ -388,7 +397,7 @@ def clause_shapes(seen, frames, governed, count):
              for shape in shapes}
     found = [shape + "1" for shape in ("INF", "GER") if score[shape] and score[shape] >= 0.3 * score["THAT"]]
     found += ["THAT1"] * (score["THAT"] > max(score["INF"], score["GER"])) + ["BARE1"] * (frames["BARE"] > 0)
-    found += ["OINF1"] * (frames["OINF"] > 0 or governed["OINF"] > 1 and 2 * governed["OINF"] > governed["THAT"])
+    found += ["OINF1"] * (verb not in OWN_SUBJECT_VERBS) * (frames["OINF"] > 0 or governed["OINF"] > 1 and 2 * governed["OINF"] > governed["THAT"])
     is_rare = 10 * sum(governed.values()) < count and not sum(frames.values())
     return found + ["NOUN1"] * (is_rare and not seen and "THAT1" not in found)
 
@@ -408,7 +417,7 @@ def frames(path, writer, sources):
         told = [a for a in names[0][1] if a not in ("V", "N", "ADJ", "NMZ", "QUAL")]
         seen = {a for a in told if a in ("INF1", "GER1", "THAT1")}
         built = [a for a in told if a not in seen] + clause_shapes(
-            seen, sources.governs[verb or lemma], sources.text.governed[verb or lemma],
+            verb or lemma, seen, sources.governs[verb or lemma], sources.text.governed[verb or lemma],
             sum(sources.text.counts[form] for form in set(sources.verb_forms(verb or lemma).values())))
         if verb and lemma == verb and sense_of(concept) < 3 and not {"SA1", "NP2"} & set(built):
             told = sources.text.preposition({form for tag, form in sources.verb_forms(verb).items() if tag != "PTCP"})
@@ -419,6 +428,8 @@ def frames(path, writer, sources):
             told = VERB_OBJECTS.get(lemma, "" if "p1of" in built else None)
             if told is not None:
                 built = [a for a in built if not a.startswith("p1")] + ["p1" + told] * bool(told)
+        if verb in HOW_VERBS and "INF1" in built:
+            built.append("HOWINF")
         is_getting = verb == "get" and sense_of(concept) > 2
         if "SA1" not in built and (is_getting or sources.is_intransitive(verb or lemma)):
             built.append("SA1")

@@ -26,6 +26,8 @@ constexpr RewriteStep kSteps[] = {
     {"persons",
      "person :ARG0-of a frame becomes the frame with @agent (driver), thing :ARG1-of one with @result (order)",
      step_persons},
+    {"predicates", "what is said without a verb: you are there; where only and not stand; how tall is it",
+     step_predicates},
     {"contrast", "contrast-01 and a first operand that is missing: @but, @and on what follows", step_contrast},
     {"coordination", "operands become a chain of :conjunct, with @and, @or on the later; shared subjects :shared",
      step_coordination},

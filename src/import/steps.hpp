@@ -31,6 +31,7 @@ void step_degree(Meaning& meaning);
 void step_modality(Meaning& meaning);
 void step_polarity(Meaning& meaning);
 void step_persons(Meaning& meaning);
+void step_predicates(Meaning& meaning);
 void step_contrast(Meaning& meaning);
 void step_speaker(Meaning& meaning);
 void step_quotation(Meaning& meaning);

@@ -139,6 +139,15 @@ int subject_arc(Rewriter& graph, int clause) {
   return -1;
 }
 
+// What is joined to a clause that is a chain itself is joined to its last: "she came and sang, or she slept".
+int chain_end(Rewriter& graph, int clause) {
+  for (int led = graph.child(clause, "conjunct"); led >= 0 && is_clause(graph, clause);
+       led = graph.child(clause, "conjunct")) {
+    clause = graph.arc(led).to;
+  }
+  return clause;
+}
+
 // The first operand takes the place of the conjunction, and each further one hangs on the one before it, so that rules
 // see them in their order.
 void coordinate(Rewriter& graph, int at, const Conjunction& conjunction) {
@@ -167,20 +176,23 @@ void coordinate(Rewriter& graph, int at, const Conjunction& conjunction) {
     // "And ...", "But ...": what it is tied to stands in another sentence.
     attribute_add(graph.word(head), std::string("@lead_") + (conjunction.attribute + 1));
   }
-  int last = head;
+  int last = chain_end(graph, head);
   for (std::size_t i = 1; i < parts.size(); ++i) {
     const int part = graph.arc(parts[i]).to;
-    attribute_add(graph.word(part), conjunction.attribute);
+    // A question behind what is none is a sentence of its own: "Look. Do you see it?"
+    const bool is_asked = has_attribute(graph.word(part), "@int") && !has_attribute(graph.word(head), "@int");
+    const char* joined_by = is_asked ? "@snt" : conjunction.attribute;
+    if (is_asked && i + 1 == parts.size()) attribute_add(graph.word(head), "@ends_int");
+    attribute_add(graph.word(part), joined_by);
     const int subject = subject_arc(graph, part);
     const int model = subject_arc(graph, head);
     // A condition of its own stands between: "..., and if it rains, I stay".
     const bool is_shared = subject >= 0 && model >= 0 && graph.child(part, "condition") < 0 &&
-                           graph.arc(subject).to == graph.arc(model).to &&
-                           std::string_view(conjunction.attribute) != "@snt";
+                           graph.arc(subject).to == graph.arc(model).to && std::string_view(joined_by) != "@snt";
     if (is_shared && graph.arc(subject).role == "ARG1") attribute_add(graph.word(part), "@shr1");
     if (is_shared) graph.arc(subject).role = "shared";
     graph.replace(parts[i], last, part, "conjunct");
-    last = part;
+    last = chain_end(graph, part);
   }
   graph.remove(parts[0], Fate::relation);
   const bool is_bidden = has_attribute(graph.word(head), "@imp");
@@ -350,8 +362,13 @@ void question(Rewriter& graph, int unknown) {
   // Both walks go up, and a graph may have a circle there: more steps than concepts are none.
   int steps = graph.count();
   // "How many stars", "whose hat": the noun goes with it.
-  while (!is_clause(graph, graph.arc(led).from) && (role == "quant" || role == "poss" || role == "mod" ||
-                                                    role == "degree" || role == "possessor" || role == "age")) {
+  const auto is_phrase = [&](int at) {
+    const int above = graph.parent(at);
+    return !is_clause(graph, at) ||
+           (role == "degree" && above >= 0 && graph.is(graph.arc(above).from, "be-located-at", "91"));
+  };
+  while (is_phrase(graph.arc(led).from) && (role == "quant" || role == "poss" || role == "mod" || role == "degree" ||
+                                            role == "possessor" || role == "age")) {
     if (--steps < 0) return;
     attribute_add(graph.word(unknown), "@wh_" + role);
     phrase = graph.arc(led).from;
@@ -590,8 +607,9 @@ static void attendant_apply(Rewriter& graph, int at) {
     if (is_quality && !is_unknown(graph, frame)) graph.replace(led, clause, frame, "attendant");
     if (is_quality) continue;
     // "It is good, like the sun": what he is like is said of all that he does.
-    if (graph.arc(led).role == "likeness" && !graph.arc(led).inverse) {
-      graph.replace(led, clause, frame, "likeness");
+    const std::string held_by = graph.arc(led).role;
+    if (!graph.arc(led).inverse && (held_by == "likeness" || held_by == "location" || held_by == "accompanier")) {
+      graph.replace(led, clause, frame, held_by);
       continue;
     }
     const bool is_act = graph.arc(led).inverse && is_core_role(graph.arc(led).role) && graph.mentions(frame) == 1;
@@ -635,11 +653,11 @@ void step_contrast(Meaning& meaning) {
   }
 }
 
-// (a / and :op1 x :op2 y :op3 z) becomes a chain, x :conjunct y :conjunct z, so that rules see neighbours; inner ones first
-// or last makes no difference, as each replaces only itself.
+// (a / and :op1 x :op2 y :op3 z) becomes a chain, x :conjunct y :conjunct z, so that rules see neighbours; inner ones first,
+// so that what their operands are said of is seen.
 void step_coordination(Meaning& meaning) {
   Rewriter graph(meaning, "coordination");
-  for (int at = 0, end = graph.count(); at < end; ++at) {
+  for (int at = graph.count() - 1; at >= 0; --at) {
     // "Between five and ten years".
     if (graph.is(at, "value-interval") || graph.is(at, "date-interval")) graph.word(at).name = "between";
     if (const int second = graph.is(at, "between") ? graph.child(at, "op2") : -1; second >= 0) {
@@ -812,7 +830,8 @@ void step_tense(Meaning& meaning) {
     const bool is_known = has_attribute(clause, "@past") || has_attribute(clause, "@pres") ||
                           has_attribute(clause, "@fut") || has_attribute(clause, "@imp") ||
                           !has_attribute(clause, "@v");
-    const int subject = subject_arc(graph, at);
+    const int shared = graph.child(at, "shared");
+    const int subject = shared >= 0 ? shared : subject_arc(graph, at);
     const bool is_speech = has_attribute(clause, "@quote") && subject >= 0;
     const bool is_to_you = subject >= 0 && graph.is(graph.arc(subject).to, "you");
     if (!is_known && (is_speech || is_to_you)) attribute_add(clause, "@pres");
@@ -822,7 +841,7 @@ void step_tense(Meaning& meaning) {
     const bool is_timed = graph.child(at, "frequency") >= 0 || graph.child(at, "time") >= 0 ||
                           std::any_of(kStanding.begin(), kStanding.end(),
                                       [&](const char* one) { return has_attribute(graph.word(at), one); });
-    if (!is_known && is_to_you && is_question && !is_timed) attribute_add(clause, "@now");
+    if (!is_known && is_to_you && shared < 0 && is_question && !is_timed) attribute_add(clause, "@now");
     if (!is_said[static_cast<std::size_t>(at)] && is_told_of_another(graph, at)) attribute_add(clause, "@past");
   }
 }
@@ -913,6 +932,12 @@ void step_forms(Meaning& meaning) {
                              (is_one_of(graph, at, kKnowing) && graph.child(what, "ARG1") >= 0));
       if (is_event) attribute_add(word, "@xtra");
     }
+    // "It is a pity that she left": what a predicate says of a whole clause.
+    const int about = graph.child(at, "domain");
+    const int told = about >= 0 && graph.parent(graph.arc(about).to) == about ? graph.arc(about).to : -1;
+    const bool is_told = told >= 0 && !graph.word(told).sense.empty() && !has_attribute(graph.word(told), "@agent") &&
+                         !has_attribute(graph.word(told), "@result") && subject_arc(graph, told) >= 0;
+    if (is_told && graph.child(at, "consequence") < 0) attribute_add(word, "@xdom");
     // What is only counted is new: "there are three birds in the tree".
     const bool is_being = graph.is(at, "be-located-at", "91") || graph.is(at, "exist", "91");
     const int what = is_being ? graph.child(at, "ARG1") : -1;

@@ -305,6 +305,16 @@ const char* degree_attribute(const Concept& degree) {
   return nullptr;
 }
 
+// (d / distance-quantity :extent-of (r / run-02)), to which something is compared: "farther than he ran".
+void measured_apply(Rewriter& graph, int at) {
+  const std::vector<int> below = graph.children(at);
+  if (below.size() != 1 || !graph.arc(below[0]).inverse || !graph.word(at).sense.empty()) return;
+  constexpr std::string_view kMeasures[] = {"extent", "degree", "quant", "duration", "frequency"};
+  const bool is_measure =
+      std::find(std::begin(kMeasures), std::end(kMeasures), graph.arc(below[0]).role) != std::end(kMeasures);
+  if (is_measure && !graph.word(graph.arc(below[0]).to).sense.empty()) graph.stand_in(at, below[0]);
+}
+
 // (x :ARG1-of (have-degree-91 :ARG2 tall :ARG3 more :ARG4 y)): tall is the quality, x its bearer.
 void degree_apply(Rewriter& graph, int at, bool is_quantity) {
   int quality_led = graph.argument(at, "ARG2");
@@ -339,6 +349,7 @@ void degree_apply(Rewriter& graph, int at, bool is_quantity) {
                               !has_attribute(graph.word(quality), "@equal");
     const int kept = is_with_noun ? graph.other(bearer_led, at) : quality;
     graph.replace(led, kept, graph.arc(led).to, label);
+    measured_apply(graph, graph.arc(led).to);
   }
   // Nobody bears it: "as soon as possible".
   if (bearer_led < 0) {
@@ -354,15 +365,22 @@ void degree_apply(Rewriter& graph, int at, bool is_quantity) {
   const bool bearer_above = graph.arc(bearer_led).to == at;
   const bool quality_above = graph.arc(quality_led).to == at;
   // The quality may name its bearer by a role of its own: important-01 :ARG1 x, amuse-01 :ARG0 x.
-  const auto names_bearer = [&](const char* role) {
-    const int own = graph.argument(quality, role);
-    return own >= 0 && graph.other(own, quality) == bearer && own != bearer_led;
+  const auto names_bearer = [&](int frame, const char* role) {
+    const int own = graph.argument(frame, role);
+    return own >= 0 && graph.other(own, frame) == bearer && own != bearer_led;
   };
-  const bool is_known = names_bearer("ARG1") || names_bearer("ARG0");
+  // Or the verb above does: "she grew tall", "he ran farther".
+  const int above = quality_above ? graph.parent(quality) : -1;
+  const int governor = above >= 0 && !graph.arc(above).inverse ? graph.arc(above).from : -1;
+  const bool is_above = governor >= 0 && !graph.word(governor).sense.empty() &&
+                        (governor == bearer || (graph.arc(above).role == "ARG2" &&
+                                                (names_bearer(governor, "ARG1") || names_bearer(governor, "ARG0"))));
+  const bool names_frame = names_bearer(quality, "ARG1") || names_bearer(quality, "ARG0");
+  const bool is_known = is_above || names_frame || names_bearer(quality, "domain");
   // What is said to bear it may not be what it is a quality of: "it was so deeply rooted that ...".
   const int own = is_quantity ? -1 : graph.argument(quality, "ARG1");
   const bool is_of_another = own >= 0 && own != quality_led && graph.other(own, quality) != bearer;
-  if (bearer_above && !quality_above && is_known && !is_of_another && !is_quantity) {
+  if (bearer_above && !quality_above && names_frame && !is_of_another && !is_quantity) {
     // The bearer stands above and the quality leads back to it: a taller tree.
     const int led = own >= 0 ? own : graph.argument(quality, "ARG0");
     const std::string role = own >= 0 ? "ARG1" : "ARG0";
@@ -565,15 +583,19 @@ void step_reified(Meaning& meaning) {
     graph.arc(author).role = "op1";
   }
   // "She lay down in the grass": a bare direction stands nearer to its verb than a place does.
-  constexpr std::string_view kBare[] = {"up",  "down",   "away",    "back", "out",
-                                        "off", "around", "forward", "home", "along"};
+  constexpr std::string_view kBare[] = {"up",      "down",  "away",  "back",  "out",  "off",  "around",
+                                        "forward", "home",  "along", "by",    "past", "over", "across",
+                                        "through", "aside", "ahead", "apart", "in",   "on",   "about"};
   for (Arc& one : meaning.arcs) {
-    const bool is_direction = one.role == "direction" && !one.gone && !one.inverse && graph.children(one.to).empty();
-    const std::string& word = graph.word(one.to).name;
+    if (one.role != "direction" || one.gone || one.inverse) continue;
+    const std::string word = graph.word(one.to).name;
+    const bool is_in_verb = graph.word(one.from).name.ends_with('-' + word);
+    if (is_in_verb) graph.move_children(one.to, one.from);
+    const bool is_direction = graph.children(one.to).empty();
     if (!is_direction || std::find(std::begin(kBare), std::end(kBare), word) == std::end(kBare)) continue;
     one.role = "particle";
     // The verb may have the word in its name: sit-down-02.
-    if (graph.word(one.from).name.ends_with('-' + word)) {
+    if (is_in_verb) {
       graph.settle_concept(one.to, Fate::word);
       one.gone = true;
       settle(meaning, one.triple, Fate::word, "reified");
@@ -583,6 +605,10 @@ void step_reified(Meaning& meaning) {
     // "Some of us": how many are taken out of a whole stands for those that are taken.
     const int whole = graph.child(at, "superset");
     if (whole < 0) continue;
+    // "One of my stars".
+    const int owner = graph.child(at, "poss");
+    if (owner >= 0 && graph.word(graph.arc(whole).to).name == graph.word(at).name)
+      graph.arc(owner).from = graph.arc(whole).to;
     if (const int led = graph.child(at, "ARG3"); led >= 0) graph.arc(led).role = "quant";
     const int quantity = graph.child(at, "quant");
     if (quantity >= 0 && (graph.is(at, "thing") || graph.is(at, "person"))) graph.stand_in(at, quantity, Fate::word);
@@ -623,6 +649,9 @@ void step_office(Meaning& meaning) {
     const bool is_place = one.role == "location" && one.inverse && !one.gone && graph.is(one.from, "location");
     if (is_place && graph.word(one.to).sense.empty()) one.role = "part-of", one.inverse = false;
     const bool is_of = one.role == "part-of" && !one.inverse && !one.gone;
+    // Where somebody is from is his: "your village".
+    const bool is_home = one.role == "source" && one.inverse && !one.gone && graph.word(one.from).sense.empty();
+    if (is_home && is_speaking(graph.word(one.to).name)) one.role = "poss", one.inverse = false;
     if (is_of && is_speaking(graph.word(one.to).name)) one.role = "poss";
   }
   for (int at = 0; at < graph.count(); ++at) {

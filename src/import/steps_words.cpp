@@ -136,6 +136,8 @@ static void rate_apply(Rewriter& graph, int at) {
   if (const int per = graph.child(at, "ARG2"), what = graph.child(at, "ARG1"); per >= 0 && what >= 0) {
     // "Two per year".
     graph.arc(per).role = "rate";
+    const int one = graph.child(graph.arc(per).to, "quant");
+    if (one >= 0 && graph.is(graph.arc(one).to, "1")) graph.remove(one, Fate::attribute);
     return graph.stand_in(at, what);
   }
   if (led < 0 || graph.child(at, "ARG1") >= 0 || graph.child(at, "ARG2") >= 0) return;
@@ -152,8 +154,8 @@ static void position_apply(Rewriter& graph, int at) {
   const int point = graph.child(at, "op1");
   const int distance = graph.child(at, "quant");
   const int led = distance >= 0 ? distance : graph.child(at, "direction");
-  if (point < 0 || led < 0) return;
-  graph.arc(point).role = distance >= 0 ? "source" : "part-of";
+  if (led < 0) return;
+  if (point >= 0) graph.arc(point).role = distance >= 0 ? "source" : "part-of";
   graph.stand_in(at, led, Fate::word);
 }
 

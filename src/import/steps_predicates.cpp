@@ -1,0 +1,241 @@
+// The step about what is said without a verb of its own: being somewhere, being something, and where "only" and "not"
+// stand then.
+#include <algorithm>
+#include <array>
+#include <string>
+
+#include "import/rewriter.hpp"
+#include "import/steps.hpp"
+
+namespace lexon {
+namespace {
+
+constexpr std::array kPronouns{"i", "we", "you", "he", "she", "it", "they", "this", "that", "these", "those"};
+
+template <std::size_t N>
+bool is_one_of(Rewriter& graph, int at, const std::array<const char*, N>& names) {
+  const std::string& name = graph.word(at).name;
+  return std::find(names.begin(), names.end(), name) != names.end();
+}
+
+bool is_event(Rewriter& graph, int at) {
+  const Concept& word = graph.word(at);
+  return !word.sense.empty() && !has_attribute(word, "@agent") && !has_attribute(word, "@result");
+}
+
+// What says of a subject that it is somewhere.
+int add_being(Rewriter& graph) {
+  const int being = graph.add_concept("be-located-at");
+  graph.word(being).sense = "91";
+  attribute_add(graph.word(being), "@v");
+  return being;
+}
+
+// (y / you :location (t / there)), said for itself: "you are there".
+void located_apply(Rewriter& graph, int at) {
+  const int place = graph.child(at, "location");
+  if (place < 0 || !is_one_of(graph, at, kPronouns) || graph.child(at, "domain") >= 0) return;
+  const int above = graph.parent(at);
+  constexpr std::array kSaying{"say", "tell", "answer", "reply", "think", "know", "see"};
+  const bool is_said = above >= 0 && graph.mentions(at) == 1 && !graph.arc(above).inverse &&
+                       graph.arc(above).role == "ARG1" && is_one_of(graph, graph.arc(above).from, kSaying);
+  if (at != graph.meaning().root && !is_said) return;
+  const int being = add_being(graph);
+  graph.redirect(at, being);
+  graph.move_children(at, being);
+  graph.arc(place).role = "ARG2";
+  graph.add(being, at, "ARG1");
+  for (const char* mood : {"@neg", "@int", "@past", "@pres", "@fut", "@quote"}) {
+    if (std::erase(graph.word(at).attributes, mood) > 0) attribute_add(graph.word(being), mood);
+  }
+}
+
+// (l / lonely :domain (b / be-located-at-91 :ARG2 (c / city))): "it is lonely in the city".
+void somewhere_apply(Rewriter& graph, int at) {
+  const int led = graph.child(at, "domain");
+  if (led < 0) return;
+  const int being = graph.arc(led).to;
+  const int place = graph.is(being, "be-located-at", "91") ? graph.child(being, "ARG2") : -1;
+  if (place < 0 || graph.child(being, "ARG1") >= 0 || graph.mentions(being) > 1) return;
+  graph.settle_concept(being, Fate::relation);
+  graph.replace(place, at, graph.arc(place).to, "location");
+  graph.move_children(being, at);
+  graph.arc(led).to = graph.add_concept("it");
+}
+
+// Who speaks says something: no that-clause stands behind the verb. What is said to nobody, and is a clause,
+// is what is said.
+void speaking_apply(Rewriter& graph, int at) {
+  const int led = graph.child(at, "ARG1");
+  const int above = graph.parent(at);
+  const bool is_speaking = graph.is(at, "speak", "01") && (above < 0 || !graph.arc(above).role.starts_with("ARG"));
+  if (is_speaking && led >= 0) {
+    const int said = graph.arc(led).to;
+    const bool has_subject =
+        graph.child(said, "ARG0") >= 0 || graph.child(said, "domain") >= 0 || graph.child(said, "ARG1") >= 0;
+    const bool is_asked = has_attribute(graph.word(said), "@whether") || has_attribute(graph.word(said), "@int");
+    if (has_subject && (is_event(graph, said) || graph.child(said, "domain") >= 0))
+      graph.word(at).name = is_asked ? "ask" : "say";
+  }
+  const int told = graph.is(at, "say", "01") && led < 0 ? graph.child(at, "ARG2") : -1;
+  if (told >= 0 && graph.child(graph.arc(told).to, "domain") >= 0) graph.arc(told).role = "ARG1";
+}
+
+// (s / sell-01 :ARG0 (b / baker :domain (t / that))): "that is a baker who sells". The clause is said of the noun.
+void presented_apply(Rewriter& graph) {
+  const int root = graph.meaning().root;
+  if (root < 0 || !is_event(graph, root)) return;
+  const int led = graph.child(root, "ARG0");
+  const int noun = led >= 0 ? graph.arc(led).to : -1;
+  const int about = noun >= 0 ? graph.child(noun, "domain") : -1;
+  const bool is_presented = about >= 0 && graph.word(noun).sense.empty() && graph.mentions(noun) == 1 &&
+                            is_one_of(graph, graph.arc(about).to, kPronouns);
+  if (!is_presented) return;
+  graph.replace(led, noun, root, "ARG0", true);
+  graph.meaning().root = noun;
+}
+
+// (s / sleep-01 :ARG0 h :location h): "he sleeps where he is".
+void own_place_apply(Rewriter& graph, int at) {
+  const int led = graph.child(at, "location");
+  if (led < 0 || !is_event(graph, at)) return;
+  const int who = graph.arc(led).to;
+  for (const char* role : {"ARG0", "ARG1"}) {
+    const int own = graph.child(at, role);
+    if (own < 0 || graph.arc(own).to != who) continue;
+    const int being = add_being(graph);
+    graph.add(being, who, "ARG1");
+    graph.arc(led).to = being;
+    for (const char* aspect : {"@habit", "@state", "@past", "@pres"}) {
+      if (has_attribute(graph.word(at), aspect)) attribute_add(graph.word(being), aspect);
+    }
+    return;
+  }
+}
+
+// "He does not live here": what is not here is the living.
+void denial_apply(Rewriter& graph, Arc& one) {
+  constexpr std::array<std::string_view, 7> kCircumstances{"location", "time",      "manner",  "frequency",
+                                                           "extent",   "direction", "duration"};
+  const bool is_circumstance =
+      !one.gone && !one.inverse &&
+      std::find(kCircumstances.begin(), kCircumstances.end(), one.role) != kCircumstances.end();
+  if (!is_circumstance || !has_attribute(graph.word(one.to), "@neg") || !graph.word(one.to).sense.empty()) return;
+  const bool is_clause = is_event(graph, one.from) || graph.child(one.from, "domain") >= 0;
+  if (!is_clause || !graph.children(one.to).empty() || graph.mentions(one.to) > 1) return;
+  if (has_attribute(graph.word(one.from), "@neg")) return;
+  std::erase(graph.word(one.to).attributes, "@neg");
+  attribute_add(graph.word(one.from), "@neg");
+}
+
+// "Only" stands in front of the verb, also where the graph has it with the noun of an event below: "she only needs a walk".
+// In front of a predicate it stands before the article: "they are only small lamps".
+void only_apply(Rewriter& graph, int led) {
+  if (graph.arc(led).gone || graph.arc(led).inverse || graph.arc(led).role != "mod") return;
+  const int only = graph.arc(led).to;
+  if (!graph.is(only, "only") || !graph.children(only).empty() || graph.mentions(only) > 1) return;
+  const int at = graph.arc(led).from;
+  const bool is_predicate = graph.child(at, "domain") >= 0;
+  if (!is_event(graph, at) && !is_predicate) return;
+  const int above = graph.parent(at);
+  const bool is_noun = above >= 0 && !is_predicate && !graph.arc(above).inverse && graph.arc(above).role == "ARG1" &&
+                       graph.child(at, "ARG0") < 0 && is_event(graph, graph.arc(above).from);
+  // The noun of another event keeps it: "the only sale".
+  if (!is_noun && !is_predicate && above >= 0 && graph.arc(above).role.starts_with("ARG") &&
+      graph.child(at, "ARG0") < 0)
+    return;
+  if (is_noun) graph.replace(led, graph.arc(above).from, only, "mod");
+  graph.word(only).sense = "adv";
+}
+
+// What they are is several: "they are lamps".
+void number_apply(Rewriter& graph, int at) {
+  const int led = graph.child(at, "domain");
+  const Concept& word = graph.word(at);
+  if (led < 0 || !word.sense.empty() || word.variable.empty() || has_attribute(word, "@name")) return;
+  constexpr std::array kSeveral{"they", "we", "these", "those"};
+  constexpr std::array kGroups{"team", "family", "group", "couple", "pair", "majority", "minority", "people", "nation"};
+  const int who = graph.arc(led).to;
+  const bool is_several = is_one_of(graph, who, kSeveral) || has_attribute(graph.word(who), "@pl");
+  if (is_several && graph.child(at, "quant") < 0 && !is_one_of(graph, at, kGroups))
+    attribute_add(graph.word(at), "@pl");
+}
+
+// A noun at the top, with a clause of time: "there was a storm when we left".
+void existing_apply(Rewriter& graph) {
+  const int at = graph.meaning().root;
+  if (at < 0 || !graph.word(at).sense.empty() || graph.word(at).variable.empty()) return;
+  if (has_attribute(graph.word(at), "@name") || graph.child(at, "domain") >= 0) return;
+  const int led = graph.child(at, "time");
+  if (led >= 0 && is_event(graph, graph.arc(led).to) && !graph.children(graph.arc(led).to).empty())
+    attribute_add(graph.word(at), "@was");
+}
+
+// A thing that seems is there: "there seems to be something new". A quality of nobody is no thing.
+void seeming_apply(Rewriter& graph, int at) {
+  const bool is_seeming = graph.is(at, "seem", "01") || graph.is(at, "appear", "02");
+  const int led = is_seeming && graph.child(at, "ARG0") < 0 ? graph.child(at, "ARG1") : -1;
+  if (led < 0) return;
+  const int thing = graph.arc(led).to;
+  constexpr std::array kThings{"thing", "nothing", "something", "somebody", "someone", "person", "man", "way"};
+  const bool is_thing = is_one_of(graph, thing, kThings) || graph.child(thing, "quant") >= 0 ||
+                        graph.child(thing, "ARG0", true) >= 0 || graph.child(thing, "ARG1", true) >= 0;
+  if (!graph.word(thing).sense.empty() || graph.child(thing, "domain") >= 0 || !is_thing) return;
+  attribute_add(graph.word(at), has_attribute(graph.word(thing), "@pl") ? "@theres" : "@there");
+  attribute_add(graph.word(at), "@raised");
+}
+
+// What something becomes stands behind the verb without a preposition, if it is a quality.
+void becoming_apply(Rewriter& graph, int at) {
+  constexpr std::array kBecoming{"become", "grow", "get", "turn", "remain", "stay", "go", "look", "feel", "sound"};
+  const int led = graph.word(at).sense.empty() || !is_one_of(graph, at, kBecoming) ? -1 : graph.child(at, "ARG2");
+  if (led < 0 || !graph.word(graph.arc(led).to).sense.empty()) return;
+  const int quality = graph.arc(led).to;
+  if (graph.child(quality, "domain") < 0 && graph.child(quality, "mod") < 0 && graph.child(quality, "poss") < 0)
+    attribute_add(graph.word(quality), "@res");
+}
+
+// How great a quality is asked for: (t / tall :domain (s / she) :degree (a / amr-unknown)), "how tall is she". The quality
+// moves to the front with the word that asks.
+void how_apply(Rewriter& graph, int at) {
+  const int degree = graph.child(at, "degree");
+  if (degree < 0) return;
+  const int unknown = graph.arc(degree).to;
+  if (!graph.is(unknown, "amr-unknown") && !graph.is(unknown, "umr-unknown")) return;
+  constexpr std::array kQualities{"good",    "bad",       "wonderful", "beautiful", "important", "happy", "sad",
+                                  "strange", "difficult", "easy",      "long",      "wide",      "large", "great",
+                                  "serious", "dangerous", "useful",    "strong",    "likely",    "clear", "far"};
+  const bool is_frame = !graph.word(at).sense.empty();
+  const int subject = graph.child(at, is_frame ? "ARG1" : "domain");
+  if (subject < 0 || (is_frame && !is_one_of(graph, at, kQualities)) || graph.mentions(at) > 1) return;
+  const int being = add_being(graph);
+  graph.redirect(at, being);
+  graph.replace(subject, being, graph.arc(subject).to, "ARG1");
+  for (const int led : graph.children(at)) {
+    if (led != degree && !graph.arc(led).role.starts_with("ARG")) graph.arc(led).from = being;
+  }
+  graph.add(being, at, "ARG2");
+}
+
+}  // namespace
+
+void step_predicates(Meaning& meaning) {
+  Rewriter graph(meaning, "predicates");
+  for (int at = 0, end = graph.count(); at < end; ++at) {
+    if (graph.is(at, "top") && graph.child(at, "op1") >= 0) graph.word(at).name = "on-top-of";
+    located_apply(graph, at);
+    somewhere_apply(graph, at);
+    speaking_apply(graph, at);
+    own_place_apply(graph, at);
+    number_apply(graph, at);
+    seeming_apply(graph, at);
+    becoming_apply(graph, at);
+    how_apply(graph, at);
+  }
+  for (Arc& one : meaning.arcs) denial_apply(graph, one);
+  for (std::size_t i = 0; i < meaning.arcs.size(); ++i) only_apply(graph, static_cast<int>(i));
+  presented_apply(graph);
+  existing_apply(graph);
+}
+
+}  // namespace lexon
