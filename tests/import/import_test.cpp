@@ -262,6 +262,9 @@ const TreeRow kTrees[] = {
      "agn(come.@entry, he); agn(see, he); cnj(come, see)", ""},
     {"columns", false, "1 Dogs dog\n2\trun\trun\t_\t_\t_\t0\troot\t_\t_\n", "run.@entry",
      "bank.txt:1:1: error: a word has 10 columns with tabs between them, this line has 1; it is left out\n"},
+    {"no_dependencies", true, "1\ta\ta\t_\t_\t_\t_\t_\t1:obj|2\t_\n2\tb\tb\t_\t_\t_\t_\t_\t0:root\t_\n", "b.@entry",
+     "bank.txt:1:1: error: a is its own head; this dependency is left out\n"
+     "bank.txt:1:1: error: an enhanced dependency is a head, a colon and a relation; \"2\" is left out\n"},
     {"no_head", false, "1\ta\ta\t_\t_\t_\t7\tobj\t_\t_\n", "a.@entry",
      "bank.txt:1:1: error: the head 7 of a is no word of the sentence\nbank.txt:1:1: error: no word has the head 0; the first one begins the sentence\n"},
 };
