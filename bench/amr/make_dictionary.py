@@ -45,6 +45,10 @@ VERB_OBJECTS = {verb: preposition for preposition, verbs in {
     "": "lack oppose access contact convoy cure delay diagnose interview impact border",
     "of": "dispose approve disapprove dream beware repent despair tire",
     "into": "delve inquire pry"}.items() for verb in verbs.split()}
+VERB_SECOND = {verb: preposition for preposition, verbs in {
+    "of": "rob convince", "on": "put", "into": "insert divide transform convert", "with": "fill equip", "in": "invest",
+    "to": "subject expose limit devote dedicate attribute attach", "from": "separate distinguish exclude isolate"}.items()
+               for verb in verbs.split()}
 NOUN_OBJECTS = {verb: preposition for preposition, verbs in {
     "on": "attack influence impact comment ban tax limit assault raid restrict focus pressure emphasize effect affect report",
     "for": "demand desire hope need respect care request support prefer vote apologize",
@@ -202,6 +206,7 @@ class Sources:
                 lemma, form, features = line.rstrip("\n").split("\t")[:3]
                 if features in tags:
                     self.forms[lemma].setdefault(tags[features], []).append(form)
+        self.participles = {form for tags in self.forms.values() for form in tags.get("PTCP", ())}
         self.tagged = collections.Counter()
         self.nouns, self.adjectives, self.adverbs, self.verbs = {}, set(), set(), set()
         self.states = set()
@@ -374,7 +379,8 @@ class Writer:
             self.entry(noun, concept, f"QN,{'MASS' if noun.endswith('ness') else 'THE'}{vowel(noun)}")
         exceptions = [f for f in self.sources.irregular["adj"].get(lemma, ()) if re.search(r"(r|st|e)$", f)]
         grades = {"CMP": [f for f in exceptions if f.endswith(("r", "e"))], "SUP": [f for f in exceptions if f.endswith("st")]}
-        if not exceptions and (short(lemma) or lemma.endswith("y")) and lemma.isalpha() and len(lemma) < 8:
+        is_graded = (short(lemma) or lemma.endswith("y")) and lemma.isalpha() and len(lemma) < 8
+        if not exceptions and is_graded and lemma not in self.sources.participles:
             grades = {"CMP": [compared(lemma, "er")], "SUP": [compared(lemma, "est")]}
         for tag, forms in grades.items():
             for form in forms[:1]:
@@ -430,6 +436,8 @@ def frames(path, writer, sources):
                 built = [a for a in built if not a.startswith("p1")] + ["p1" + told] * bool(told)
         if verb in HOW_VERBS and "INF1" in built:
             built.append("HOWINF")
+        if verb and sense_of(concept) < 3 and (told := VERB_SECOND.get(lemma)):
+            built = [a for a in built if not a.startswith("p2") and a not in ("NP2", "INF2")] + ["p2" + told]
         is_getting = verb == "get" and sense_of(concept) > 2
         if "SA1" not in built and (is_getting or sources.is_intransitive(verb or lemma)):
             built.append("SA1")
@@ -444,7 +452,7 @@ def frames(path, writer, sources):
         nouns = [form for form in of["N"] if not form.endswith("ing")]
         # Of several nouns the one that is made of the verb, and that people use: death, not die.
         derived = sources.nominal.get(verb, ()) if verb else (lemma,)
-        nouns.sort(key=lambda form: (form not in derived, -sources.tagged[form, "1"]))
+        nouns.sort(key=lambda form: -(sources.tagged[form, "1"] + 1) * (4 if form in derived else 1))
         for noun in (nouns or [form for form in of["N"] if sources.tagged[form, "1"] > 19])[:1]:
             # A noun has the prepositions of its verb, "a look at the sea", and a verb of its own, "take a look".
             of_noun = NOUN_OBJECTS.get(lemma, "")
@@ -466,7 +474,9 @@ def sense_of(concept):
 
 def agent_of(sources, verb):
     stem = verb[:3]
-    return sorted((a for a in sources.agents.get(verb, ()) if a.lower().startswith(stem)),
+    # Not "liver" for one who lives: a word for parts of the body and for animals.
+    return sorted((a for a in sources.agents.get(verb, ()) if a.lower().startswith(stem)
+                   and sources.nouns.get(a.lower(), (a, 18))[1] not in (range(18) if a == verb else (5, 8))),
                   key=lambda a: (a.endswith("ee"), len(a)))
 
 

@@ -148,6 +148,36 @@ int chain_end(Rewriter& graph, int clause) {
   return clause;
 }
 
+// "She hates us, and the pity that she lacks": a noun that is joined to a clause, and of which one clause is told, is told by
+// that clause.
+void promote_relative(Rewriter& graph, int led, const std::vector<int>& parts) {
+  const int noun = graph.arc(led).to;
+  const bool is_last = led == parts.back() && is_clause(graph, graph.arc(parts[0]).to);
+  if (parts.size() < 2 || !is_last || is_clause(graph, noun) || graph.mentions(noun) > 1) return;
+  if (graph.children(noun).size() != 1) return;
+  const int below = graph.children(noun)[0];
+  const int frame = graph.arc(below).to;
+  const std::string role = graph.arc(below).role;
+  if (!graph.arc(below).inverse || role != "ARG1" || graph.child(frame, "ARG0") < 0 || graph.mentions(frame) > 1)
+    return;
+  graph.arc(led).to = frame;
+  graph.replace(below, frame, noun, role);
+}
+
+// "The same respect and honesty": an event that is joined to a thing is a noun.
+void nominal_parts(Rewriter& graph, int at, const std::vector<int>& parts) {
+  const int above = graph.parent(at);
+  if (above < 0 || graph.arc(above).inverse || !graph.arc(above).role.starts_with("ARG")) return;
+  const bool is_with_thing = std::any_of(parts.begin(), parts.end(), [&](int led) {
+    const Concept& word = graph.word(graph.arc(led).to);
+    return word.sense.empty() && !word.variable.empty() && graph.child(graph.arc(led).to, "domain") < 0 &&
+           conjunction_of(graph, graph.arc(led).to) == nullptr;
+  });
+  const int head = graph.arc(parts[0]).to;
+  const bool is_event = !graph.word(head).sense.empty() && !has_attribute(graph.word(head), "@agent");
+  if (is_with_thing && is_event && graph.child(head, "ARG0") < 0) attribute_add(graph.word(head), "@nom");
+}
+
 // The first operand takes the place of the conjunction, and each further one hangs on the one before it, so that rules
 // see them in their order.
 void coordinate(Rewriter& graph, int at, const Conjunction& conjunction) {
@@ -157,8 +187,23 @@ void coordinate(Rewriter& graph, int at, const Conjunction& conjunction) {
   const std::vector<int> first = first_arcs(graph);
   for (const int led : parts) {
     const int part = graph.arc(led).to;
-    if (first[static_cast<std::size_t>(part)] != led) graph.arc(led).to = mention_of(graph, part);
+    const int head = graph.arc(parts[0]).to;
+    const bool is_contrast =
+        conjunction.name == std::string_view("contrast") && is_clause(graph, head) && led != parts[0];
+    const bool is_inside = is_contrast && graph.mentions(part) > 1 && graph.reaches(head, part);
+    if (first[static_cast<std::size_t>(part)] == led && !is_inside) {
+      promote_relative(graph, led, parts);
+      continue;
+    }
+    if (is_contrast) {
+      // "You may not think so, but that is true."
+      graph.arc(led).to = graph.add_concept("true");
+      graph.add(graph.arc(led).to, graph.add_concept("that"), "domain");
+    } else {
+      graph.arc(led).to = mention_of(graph, part);
+    }
   }
+  nominal_parts(graph, at, parts);
   // The whole, mentioned again: "they".
   const int group_arc = first[static_cast<std::size_t>(at)];
   for (std::size_t i = 0; i < graph.meaning().arcs.size(); ++i) {
@@ -525,11 +570,12 @@ void step_polarity(Meaning& meaning) {
 // (g / government-organization :ARG0-of (g2 / govern-01 :ARG1 c)): the government of c.
 static void government_apply(Rewriter& graph, int at) {
   const int led = graph.child(at, "ARG0", true);
-  if (led < 0 || !graph.is(graph.arc(led).to, "govern", "01")) return;
+  const bool is_administration = led >= 0 && graph.is(graph.arc(led).to, "administrate", "01");
+  if (led < 0 || (!is_administration && !graph.is(graph.arc(led).to, "govern", "01"))) return;
   const int frame = graph.arc(led).to;
   graph.remove(led, Fate::word);
   graph.settle_concept(frame, Fate::word);
-  graph.word(at).name = "government";
+  graph.word(at).name = is_administration ? "administration" : "government";
   for (const int below : graph.children(frame)) {
     if (graph.arc(below).role == "ARG1") graph.arc(below).role = "org";
   }
@@ -556,9 +602,14 @@ static void thing_apply(Rewriter& graph, int at) {
   if (led < 0) return;
   const int frame = graph.arc(led).to;
   const std::vector<int> below = graph.children(frame);
+  // What somebody asks is his question, and what he knows is "what he knows".
+  constexpr std::array kOwned{"question", "answer", "plan",  "propose", "promise",
+                              "decide",   "offer",  "order", "request"};
+  const bool may_be_owned = is_one_of(graph, frame, kOwned);
   // A clause below needs a verb above it, which the noun is not.
   const bool is_simple = std::all_of(below.begin(), below.end(), [&](int one) {
-    return is_core(graph.arc(one)) && graph.arc(one).role != "ARG0" && !is_clause(graph, graph.arc(one).to);
+    return is_core(graph.arc(one)) && (may_be_owned || graph.arc(one).role != "ARG0") &&
+           !is_clause(graph, graph.arc(one).to);
   });
   const bool is_plain = !has_attribute(graph.word(frame), "@neg") && !has_attribute(graph.word(frame), "@most") &&
                         !has_attribute(graph.word(frame), "@more") && graph.mentions(frame) == 1;
@@ -876,8 +927,15 @@ static bool nominal_apply(Rewriter& graph, int at) {
     const Arc& one = graph.arc(led);
     is_noun |= !one.inverse && one.role == "mod" && is_one_of(graph, one.to, kDeterminers);
   }
+  // "It supports your statement": what is said, without a word of what it is, is a noun.
+  constexpr std::array kStating{"state",   "suggest", "announce", "declare", "propose",
+                                "explain", "decide",  "comment",  "remark"};
+  const bool is_statement =
+      is_one_of(graph, at, kStating) && graph.child(at, "ARG0") >= 0 && graph.children(at).size() == 1;
+  is_noun = is_noun || is_statement || has_attribute(graph.word(at), "@nom");
   const int known = is_noun ? graph.child(at, "understood") : -1;
   if (known >= 0) graph.remove(known, Fate::attribute);
+  if (is_noun) attribute_add(graph.word(at), "@nom");
   return is_noun;
 }
 
@@ -914,7 +972,7 @@ void step_forms(Meaning& meaning) {
       attribute_add(graph.word(graph.arc(quality).from), "@def");
     const bool has_subject = subject_arc(graph, at) >= 0 || graph.child(at, "understood") >= 0 ||
                              graph.child(at, "shared") >= 0 || graph.child(at, "speaker") >= 0;
-    if (has_subject && !nominal_apply(graph, at)) attribute_add(word, "@cl");
+    if (has_subject && !has_attribute(word, "@result") && !nominal_apply(graph, at)) attribute_add(word, "@cl");
     const bool is_auxiliary =
         std::any_of(kAuxiliary.begin(), kAuxiliary.end(), [&](const char* one) { return has_attribute(word, one); });
     if (is_auxiliary && is_clause(graph, at)) attribute_add(word, "@aux");
@@ -967,7 +1025,7 @@ void step_control(Meaning& meaning) {
     if (above < 0 || graph.arc(above).inverse || !is_clause(graph, at)) continue;
     const std::string& role = graph.arc(above).role;
     // "She knows whether she may stay" is no infinitive.
-    if (has_attribute(graph.word(at), "@whether")) continue;
+    if (has_attribute(graph.word(at), "@whether") || has_attribute(graph.word(at), "@result")) continue;
     // A clause in another role keeps its subject: "she left because she was tired".
     const bool may_be_infinite =
         role.starts_with("ARG") || role == "purpose" || role == "manner" || role == "mod" || role == "attendant";

@@ -121,6 +121,13 @@ void reified_apply(Rewriter& graph, int at, const Reified& one) {
   const bool is_of_clause =
       std::string_view(one.role) == "likeness" && !graph.word(first >= 0 ? graph.arc(first).to : head).sense.empty();
   if (!head_above && !dependent_above && is_statement(one) && !is_of_clause) return;
+  if (!head_above && !dependent_above && is_of_clause) attribute_add(graph.word(head), "@front");
+  // "The wind caused the noise": a thing is no clause that another could give the reason of.
+  const Concept& caused = graph.word(first >= 0 ? graph.arc(first).to : head);
+  const bool is_thing = caused.sense.empty() && !caused.variable.empty() && graph.child(head, "domain") < 0 &&
+                        caused.name != "amr-unknown" && caused.name != "umr-unknown" &&
+                        !caused.name.ends_with("choice");
+  if (graph.is(at, "cause", "01") && !head_above && !dependent_above && is_thing) return;
   if (!head_above && !dependent_above && std::string_view(one.role) == "identity") {
     // "Palin is the star".
     graph.settle_concept(at, Fate::relation);
@@ -520,6 +527,13 @@ static void frequency_apply(Rewriter& graph, int at) {
   const int led = graph.child(at, "frequency");
   if (led < 0) return;
   const std::string number = graph.word(graph.arc(led).to).name;
+  const bool is_several = number == "several" || number == "many" || number == "multiple" || number == "few";
+  if (is_several && graph.children(graph.arc(led).to).empty()) {
+    const int times = graph.add_concept("time");
+    graph.add(times, graph.arc(led).to, "quant");
+    graph.arc(led).to = times;
+    return attribute_add(graph.word(times), "@pl");
+  }
   if (number.empty() || number.find_first_not_of("0123456789") != number.npos) return;
   if (number == "1" || number == "2") {
     graph.word(graph.arc(led).to).name = number == "1" ? "once" : "twice";

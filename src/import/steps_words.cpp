@@ -297,10 +297,11 @@ void step_pronouns(Meaning& meaning) {
   // "Some person" is someone.
   for (int at = 0; at < graph.count(); ++at) {
     const bool is_person = graph.is(at, "person") || graph.is(at, "individual-person");
-    if ((!is_person && !graph.is(at, "thing")) || has_attribute(graph.word(at), "@pl")) continue;
+    if (!is_person && !graph.is(at, "thing")) continue;
     for (const int led : graph.children(at)) {
       constexpr std::array<std::string_view, 4> kWords{"some", "any", "every", "no"};
       const std::string word = graph.word(graph.arc(led).to).name;
+      if (has_attribute(graph.word(at), "@pl") && word != "every") continue;
       const bool is_any = std::find(kWords.begin(), kWords.end(), word) != kWords.end();
       if (graph.arc(led).role != "mod" || !is_any || !graph.children(graph.arc(led).to).empty()) continue;
       graph.settle_concept(graph.arc(led).to, Fate::word);
