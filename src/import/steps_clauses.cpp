@@ -301,9 +301,9 @@ bool has_speaker(Rewriter& graph, int clause) {
 bool is_said_so(Rewriter& graph, int frame, int at) {
   constexpr std::array kUttering{"say",    "answer", "reply", "exclaim",  "cry",     "remark",
                                  "repeat", "murmur", "shout", "call-out", "respond", "whisper"};
-  constexpr std::array kStandIn{"that",    "this",     "it",         "so",   "thing",       "something",
-                                "nothing", "anything", "everything", "word", "information", "name",
-                                "truth",   "story",    "speech",     "word"};
+  constexpr std::array kStandIn{"that",        "this",    "it",       "so",         "thing",
+                                "something",   "nothing", "anything", "everything", "word",
+                                "information", "name",    "truth",    "story",      "speech"};
   return is_one_of(graph, frame, kUttering) && !is_clause(graph, at) && graph.mentions(at) == 1 &&
          !is_one_of(graph, at, kStandIn) && !has_attribute(graph.word(at), "@name");
 }

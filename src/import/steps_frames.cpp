@@ -177,8 +177,8 @@ void cause_noun_apply(Rewriter& graph, int at) {
   graph.replace(led, thing, graph.arc(led).to, "org");
 }
 
-// Pronouns that stand for people and things in AMR.
-bool is_speaking(const std::string& name) {
+// The concepts that stand for people and things spoken of before.
+bool is_personal_pronoun(const std::string& name) {
   constexpr std::string_view kPronouns[] = {"i", "we", "you", "he", "she", "it", "they"};
   return std::find(std::begin(kPronouns), std::end(kPronouns), name) != std::end(kPronouns);
 }
@@ -296,7 +296,6 @@ void office_apply(Rewriter& graph, int at, const Office& office) {
   graph.move_children(at, holder);
 }
 
-// A comparison is told by the quality, as words for it depend on its form: taller, more beautiful.
 // The attribute of a degree that is a word of its own; null for others, which stay words: "very much".
 const char* degree_attribute(const Concept& degree) {
   struct Named {
@@ -322,6 +321,7 @@ void measured_apply(Rewriter& graph, int at) {
   if (is_measure && !graph.word(graph.arc(below[0]).to).sense.empty()) graph.stand_in(at, below[0]);
 }
 
+// A comparison is told by the quality, as words for it depend on its form: taller, more beautiful.
 // (x :ARG1-of (have-degree-91 :ARG2 tall :ARG3 more :ARG4 y)): tall is the quality, x its bearer.
 void degree_apply(Rewriter& graph, int at, bool is_quantity) {
   int quality_led = graph.argument(at, "ARG2");
@@ -665,8 +665,8 @@ void step_office(Meaning& meaning) {
     const bool is_of = one.role == "part-of" && !one.inverse && !one.gone;
     // Where somebody is from is his: "your village".
     const bool is_home = one.role == "source" && one.inverse && !one.gone && graph.word(one.from).sense.empty();
-    if (is_home && is_speaking(graph.word(one.to).name)) one.role = "poss", one.inverse = false;
-    if (is_of && is_speaking(graph.word(one.to).name)) one.role = "poss";
+    if (is_home && is_personal_pronoun(graph.word(one.to).name)) one.role = "poss", one.inverse = false;
+    if (is_of && is_personal_pronoun(graph.word(one.to).name)) one.role = "poss";
   }
   for (int at = 0; at < graph.count(); ++at) {
     for (const Office& office : kOffices) {
