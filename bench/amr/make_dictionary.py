@@ -59,6 +59,16 @@ NOUN_OBJECTS = {verb: preposition for preposition, verbs in {
 HOW_VERBS = ("know",)
 # What people try or begin is what they do themselves: no infinitive with a subject of its own.
 OWN_SUBJECT_VERBS = ("try", "begin", "start", "continue", "attempt", "manage", "decide", "refuse", "learn", "hope")
+# Verbs that govern a gerund and no infinitive: "she finished eating".
+GERUND = set("admit avoid consider complete delay deny detest dislike end enjoy escape finish imagine keep mention mind miss "
+             "postpone practice quit recall recommend resent resist risk suggest".split())
+# How English builds a sense, where the frame files have no example of it: "an answer with a smile", "split into halves".
+# POSTN is for a participle that stands behind its noun, "the money left".
+BUILT = {
+    "answer(>01)": "p2with", "come(>01)": "p3from p4to", "draw(>01)": "p2for", "excuse(>01)": "p2for GER2", "leave(>17)": "POSTN",
+    "question(>01)": "p1about", "remain(>01)": "GER3", "split(>01)": "p2into",
+    "title(>01)": "NP2", "war(>01)": "p2over", "weigh(>01)": "SA1",
+}
 STATE_FILES = {31, 37, 42}
 MASS_FILES = {7, 12, 27, 26}
 
@@ -439,6 +449,11 @@ def frames(path, writer, sources):
         if verb and sense_of(concept) < 3 and (told := VERB_SECOND.get(lemma)):
             built = [a for a in built if not a.startswith("p2") and a not in ("NP2", "INF2")] + ["p2" + told]
         is_getting = verb == "get" and sense_of(concept) > 2
+        if verb in GERUND:
+            built = [a for a in built if a != "INF1"] + ["GER1"]
+        more = BUILT.get(concept, "").split()
+        numbers = {argument_of(a) for a in more} - {""}
+        built = [a for a in built if "THAT" in a or argument_of(a) not in numbers] + more
         if "SA1" not in built and (is_getting or sources.is_intransitive(verb or lemma)):
             built.append("SA1")
         pattern = "".join("," + a for a in built)
@@ -466,6 +481,11 @@ def frames(path, writer, sources):
             writer.adjective(adjective, concept, "" if verb else pattern)
         for agent in agent_of(sources, verb)[:1] if verb else ():
             writer.noun(agent, concept, ",AGT")
+
+
+def argument_of(attribute):
+    """The number of the argument that an attribute speaks of: 2 for p2from, NP2 and INF2."""
+    return re.sub(r"\D", "", attribute)
 
 
 def sense_of(concept):

@@ -318,6 +318,9 @@ void speak_of_oneself(Rewriter& graph, int frame, int said, int speaker, int hea
   const bool has_i = has_own("i") || has_own("we");
   const bool has_you = has_own("you");
   const std::vector<std::vector<int>> below = arcs_by_beginning(graph);
+  // One concept each, so that what is meant twice is known to be the same.
+  int i = -1;
+  int you = -1;
   for (const int at : words) {
     // Where the graph leads in a circle, the frame itself is among what is said.
     if (at == frame || at == speaker || at == hearer) continue;
@@ -325,7 +328,8 @@ void speak_of_oneself(Rewriter& graph, int frame, int said, int speaker, int hea
       const bool is_speaker = graph.arc(led).to == speaker;
       const bool is_person = (is_speaker && !has_i) || (graph.arc(led).to == hearer && !is_speaker && !has_you);
       if (!is_person || graph.arc(led).inverse) continue;
-      const int person = graph.add_concept(is_speaker ? "i" : "you");
+      int& person = is_speaker ? i : you;
+      if (person < 0) person = graph.add_concept(is_speaker ? "i" : "you");
       attribute_add(graph.word(person), is_speaker ? "@p1" : "@p2");
       graph.arc(led).to = person;
     }
@@ -399,6 +403,7 @@ void question(Rewriter& graph, int unknown) {
     for (const int below : graph.children(unknown)) graph.arc(below).from = about;
     if (std::erase(graph.word(unknown).attributes, "@quote") > 0) attribute_add(graph.word(about), "@quote");
   }
+  if (unknown == graph.meaning().root) attribute_add(graph.word(unknown), "@ask");
   int led = graph.parent(unknown);  // the arc by which the phrase hangs on what is above it
   if (led < 0 || graph.arc(led).inverse) return;
   int phrase = unknown;
@@ -446,6 +451,13 @@ void question(Rewriter& graph, int unknown) {
                              (role == "domain" && graph.is(unknown, "amr-unknown")));
   // "Where is the key": what a place is said of has no other verb.
   if (graph.is(asked_at, "be-located-at", "91") && role == "ARG2") role = "location";
+  // "Where do you take it": the place that something is moved to has another number in each frame.
+  const bool is_goal = (role == "ARG3" && graph.is(asked_at, "take", "01")) ||
+                       (role == "ARG2" && (graph.is(asked_at, "bring", "01") || graph.is(asked_at, "put", "01") ||
+                                           graph.is(asked_at, "send", "01") || graph.is(asked_at, "carry", "01")));
+  if (is_goal) role = "destination";
+  // "How much does it weigh".
+  if (graph.is(asked_at, "weigh", "01") && role == "ARG3") role = "amount";
   // "Who are you".
   constexpr std::array kPronouns{"i", "we", "you", "he", "she", "they"};
   const bool is_person = role == "domain" && phrase == unknown && is_one_of(graph, asked_at, kPronouns);
@@ -487,6 +499,13 @@ static void ever_of_all(Rewriter& graph, int at) {
   for (const int one : below) std::erase(graph.word(graph.arc(one).to).attributes, "@neg");
 }
 
+// "They do not ask any question": said of the verb, "they do not ask at all".
+static void any_of_verb(Rewriter& graph, int at) {
+  const bool is_denied = has_attribute(graph.word(at), "@neg") && !graph.word(at).sense.empty();
+  const int led = is_denied && graph.child(at, "ARG0") >= 0 ? graph.child(at, "mod") : -1;
+  if (led >= 0 && graph.is(graph.arc(led).to, "any")) graph.word(graph.arc(led).to).name = "at-all";
+}
+
 // English denies once: where the subject is nobody, the clause is not denied again.
 static void negation_once(Rewriter& graph, int at) {
   constexpr std::array kNone{"nobody", "noone", "no-one", "nothing"};
@@ -503,10 +522,12 @@ void step_polarity(Meaning& meaning) {
     // "Not ever" is one word, and takes the negation with it.
     for (const int led : graph.children(at)) {
       if (!has_attribute(graph.word(at), "@neg") || !graph.is(graph.arc(led).to, "ever")) continue;
+      any_of_verb(graph, at);
       graph.word(graph.arc(led).to).name = "never";
       std::erase(graph.word(at).attributes, "@neg");
     }
     ever_of_all(graph, at);
+    any_of_verb(graph, at);
     negation_once(graph, at);
     // A negated somebody is nobody.
     constexpr std::pair<const char*, const char*> kNobody[] = {
@@ -613,8 +634,11 @@ static void thing_apply(Rewriter& graph, int at) {
   });
   const bool is_plain = !has_attribute(graph.word(frame), "@neg") && !has_attribute(graph.word(frame), "@most") &&
                         !has_attribute(graph.word(frame), "@more") && graph.mentions(frame) == 1;
+  // Nothing is the result of a motion: "the first thing that came".
+  constexpr std::array kMotion{"come", "go", "happen", "occur", "arrive", "fall", "appear", "exist", "lie", "stand"};
   const std::string& name = graph.word(frame).name;
   if (graph.word(frame).sense.empty() || !is_simple || !is_plain || name.find('-') != name.npos) return;
+  if (is_one_of(graph, frame, kMotion)) return;
   frame_stand_in(graph, at, led, "@result");
 }
 
@@ -756,8 +780,12 @@ void step_speaker(Meaning& meaning) {
   const int who = graph.child(frame, "ARG0");
   if (const int called = graph.child(frame, "ARG2");
       said >= 0 && who < 0 && called >= 0 && graph.is(frame, "say", "01")) {
-    // Nobody says it, and to somebody with a name: "Kim, that is true."
-    if (!has_attribute(graph.word(graph.arc(called).to), "@name")) return;
+    // Nobody says it, and to somebody with a name or who is spoken of in it: "Kim, that is true", "You are late, my son."
+    const int whom = graph.arc(called).to;
+    constexpr std::array kPronouns{"i", "we", "you", "he", "she", "it", "they", "person"};
+    const bool is_called = has_attribute(graph.word(whom), "@name") ||
+                           (graph.mentions(whom) > 1 && !is_one_of(graph, whom, kPronouns) && !is_clause(graph, whom));
+    if (!is_called) return;
     graph.arc(called).role = "vocative";
     if (graph.child(graph.arc(said).to, "vocative") >= 0) graph.remove(called, Fate::word);
     graph.stand_in(frame, said);
@@ -864,6 +892,19 @@ static bool is_told_of_another(Rewriter& graph, int at) {
   return std::find(kSameTime.begin(), kSameTime.end(), graph.arc(led).role) != kSameTime.end();
 }
 
+// "When I was six, I left": how old somebody was when it happened is told of the past, and so is what happened.
+static void tense_of_age(Rewriter& graph, int at) {
+  const int above = graph.is(at, "age", "01") ? graph.parent(at) : -1;
+  if (above < 0 || graph.arc(above).inverse || graph.arc(above).role != "time") return;
+  constexpr std::array kOther{"@pres", "@fut", "@would", "@imp", "@can", "@must", "@may", "@should", "@past"};
+  Concept& told = graph.word(graph.arc(above).from);
+  for (const char* one : kOther) {
+    if (has_attribute(told, one)) return;
+  }
+  attribute_add(told, "@past");
+  attribute_add(graph.word(at), "@past");
+}
+
 void step_tense(Meaning& meaning) {
   Rewriter graph(meaning, "tense");
   std::vector<int> quoted;
@@ -875,6 +916,7 @@ void step_tense(Meaning& meaning) {
   for (const int at : said) is_said[static_cast<std::size_t>(at)] = true;
   for (int at = 0; at < graph.count(); ++at) {
     tense_from_time(graph, at);
+    tense_of_age(graph, at);
     Concept& clause = graph.word(at);
     const bool is_lasting = has_attribute(clause, "@state") || has_attribute(clause, "@habit");
     if (is_lasting && !has_attribute(clause, "@past") && !has_attribute(clause, "@fut")) attribute_add(clause, "@pres");
@@ -1019,6 +1061,17 @@ void step_control(Meaning& meaning) {
     if (is_said) graph.add(at, graph.arc(subject).to, "ARG0", false);
     if (is_said && graph.arc(subject).role != "ARG0") attribute_add(graph.word(at), "@raised");
   }
+  // "She heard that he sang": of whom she heard it is said once.
+  constexpr std::array kLearning{"hear", "know", "learn", "read", "think", "believe", "expect", "find-out", "discover"};
+  for (int at = 0; at < graph.count(); ++at) {
+    const int content = is_one_of(graph, at, kLearning) ? graph.child(at, "ARG1") : -1;
+    const int topic = graph.child(at, "ARG2");
+    if (content < 0 || topic < 0) continue;
+    const int subject = subject_arc(graph, graph.arc(content).to);
+    const bool is_same = subject >= 0 && graph.arc(subject).to == graph.arc(topic).to;
+    // What the source says of him goes along, as he is said there.
+    if (is_same) graph.remove(topic, Fate::relation);
+  }
   const std::vector<int> first = first_arcs(graph);
   for (int at = 0; at < graph.count(); ++at) {
     const int above = first[static_cast<std::size_t>(at)];
@@ -1027,8 +1080,8 @@ void step_control(Meaning& meaning) {
     // "She knows whether she may stay" is no infinitive.
     if (has_attribute(graph.word(at), "@whether") || has_attribute(graph.word(at), "@result")) continue;
     // A clause in another role keeps its subject: "she left because she was tired".
-    const bool may_be_infinite =
-        role.starts_with("ARG") || role == "purpose" || role == "manner" || role == "mod" || role == "attendant";
+    const bool may_be_infinite = role.starts_with("ARG") || role == "purpose" || role == "manner" || role == "mod" ||
+                                 role == "attendant" || role == "substitute" || role == "exception";
     const int subject = subject_arc(graph, at);
     if (!may_be_infinite || subject < 0) continue;
     const int person = graph.arc(subject).to;

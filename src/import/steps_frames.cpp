@@ -266,6 +266,18 @@ void office_apply(Rewriter& graph, int at, const Office& office) {
   const int title = graph.other(titled, at);
   if (graph.arc(titled).from != at || title == holder) return;
   graph.settle_concept(at, Fate::relation);
+  // "You found a new friend": nobody else is spoken of, so the office stands for who holds it.
+  const int above = graph.parent(at);
+  const bool is_met = above >= 0 && !graph.arc(above).inverse && graph.arc(above).role == "ARG1";
+  if (!holder_above && is_met && graph.is(holder, "person") && graph.children(holder).empty() &&
+      graph.mentions(holder) == 1) {
+    graph.settle_concept(holder, Fate::word);
+    graph.remove(holds, Fate::word);
+    graph.remove(titled, Fate::relation);
+    graph.redirect(at, title);
+    if (whole >= 0) graph.replace(whole, title, graph.other(whole, at), office.role);
+    return graph.move_children(at, title);
+  }
   if (!holder_above) {
     // The statement itself: "she is the mayor of Oslo".
     graph.replace(holds, title, holder, "domain");
@@ -384,6 +396,11 @@ void degree_apply(Rewriter& graph, int at, bool is_quantity) {
                                                 (names_bearer(governor, "ARG1") || names_bearer(governor, "ARG0"))));
   const bool names_frame = names_bearer(quality, "ARG1") || names_bearer(quality, "ARG0");
   const bool is_known = is_above || names_frame || names_bearer(quality, "domain");
+  // "As soon as possible": what it is compared to is that the bearer is possible.
+  const int compared = governor == bearer ? graph.child(quality, "compared-to") : -1;
+  const int possible = compared < 0 ? -1 : graph.arc(compared).to;
+  const int again = possible >= 0 && graph.is(possible, "possible", "01") ? graph.child(possible, "ARG1") : -1;
+  if (again >= 0 && graph.arc(again).to == bearer) graph.remove(again, Fate::relation);
   // What is said to bear it may not be what it is a quality of: "it was so deeply rooted that ...".
   const int own = is_quantity ? -1 : graph.argument(quality, "ARG1");
   const bool is_of_another = own >= 0 && own != quality_led && graph.other(own, quality) != bearer;
@@ -545,6 +562,67 @@ static void frequency_apply(Rewriter& graph, int at) {
   attribute_add(graph.word(times), "@measure");
 }
 
+// "One of these": what something is taken from is several.
+static void plural_apply(Concept& whole) {
+  attribute_add(whole, "@pl");
+  if (whole.name == "this") whole.name = "these";
+  if (whole.name == "that") whole.name = "those";
+}
+
+// "At the top of the tree": a place that is a part of another is written as what the other has.
+static void part_place_apply(Rewriter& graph, int at) {
+  constexpr std::string_view kPlaces[] = {"middle", "center",  "top",   "bottom", "side", "edge",  "end",
+                                          "corner", "front",   "back",  "heart",  "rear", "begin", "beginning",
+                                          "inside", "outside", "north", "south",  "east", "west",  "interior"};
+  const int above = graph.parent(at);
+  const int led = graph.child(at, "part");
+  if (above < 0 || led < 0 || graph.arc(above).inverse || graph.mentions(at) > 1) return;
+  const int part = graph.arc(led).to;
+  const bool is_place = std::find(std::begin(kPlaces), std::end(kPlaces), graph.word(part).name) != std::end(kPlaces);
+  if (!is_place || !graph.children(part).empty() || graph.mentions(part) > 1) return;
+  graph.arc(above).to = part;
+  graph.replace(led, part, at, "part-of");
+}
+
+// How often, said as how many of it there are: "he asked so many times". Only of what is a clause.
+static void times_apply(Rewriter& graph, int at) {
+  const int led = graph.word(at).sense.empty() ? -1 : graph.child(at, "quant");
+  if (led < 0 || graph.child(at, "frequency") >= 0 || !graph.is(graph.arc(led).to, "many")) return;
+  const int above = graph.parent(at);
+  const bool is_clause = above < 0 || graph.arc(above).inverse;
+  if (!is_clause || (graph.child(at, "ARG0") < 0 && above < 0)) return;
+  const int times = graph.add_concept("time");
+  graph.replace(led, times, graph.arc(led).to, "quant");
+  graph.add(at, times, "frequency");
+  attribute_add(graph.word(times), "@measure");
+  attribute_add(graph.word(times), "@pl");
+}
+
+// (d / depart-01 :condition-of (t / thing)): what it is a condition of stands in another sentence: "if you depart".
+static void outer_apply(Rewriter& graph, int at) {
+  const int led =
+      graph.is(at, "thing") && graph.children(at).empty() && graph.mentions(at) == 1 ? graph.parent(at) : -1;
+  if (led < 0 || !graph.arc(led).inverse) return;
+  const std::string& role = graph.arc(led).role;
+  if (role != "condition" && role != "cause" && role != "concession") return;
+  attribute_add(graph.word(graph.arc(led).from), "@as_" + role);
+  graph.settle_concept(at, Fate::attribute);
+  graph.remove(led, Fate::attribute);
+}
+
+// (h / here :location-of (s / shop)): "a shop is here".
+static void here_apply(Rewriter& graph, int at) {
+  const int led = graph.is(at, "here") || graph.is(at, "there") ? graph.child(at, "location", true) : -1;
+  if (led < 0 || graph.children(at).size() != 1 || !graph.word(graph.arc(led).to).sense.empty()) return;
+  const int being = graph.add_concept("be-located-at");
+  graph.word(being).sense = "91";
+  attribute_add(graph.word(being), "@v");
+  graph.redirect(at, being);
+  const int what = graph.arc(led).to;
+  graph.replace(led, being, what, "ARG1");
+  graph.add(being, at, "ARG2");
+}
+
 // (c / cause-01 :ARG0 (r / rain-01) :ARG1 (s / stay-01)) becomes (s / stay-01 :cause (r / rain-01)). Nouns that a frame
 // makes come first, "the cause of", as they would be taken apart else.
 void step_reified(Meaning& meaning) {
@@ -571,7 +649,13 @@ void step_reified(Meaning& meaning) {
     const Reified* one = is_unlike ? nullptr : reified_of(graph, at);
     if (one != nullptr) reified_apply(graph, at, *one);
   }
-  for (int at = 0, end = graph.count(); at < end; ++at) frequency_apply(graph, at);
+  for (int at = 0, end = graph.count(); at < end; ++at) {
+    frequency_apply(graph, at);
+    times_apply(graph, at);
+    part_place_apply(graph, at);
+    outer_apply(graph, at);
+    here_apply(graph, at);
+  }
   for (Arc& one : meaning.arcs) {
     if (one.gone) continue;
     // "A number of birds": the number is the head.
@@ -632,7 +716,7 @@ void step_reified(Meaning& meaning) {
     const int led = graph.is(at, "include", "91") ? graph.child(at, "ARG2") : -1;
     if (led < 0) continue;
     Concept& whole = graph.word(graph.arc(led).to);
-    if (!has_attribute(whole, "@name")) attribute_add(whole, "@pl");
+    if (!has_attribute(whole, "@name")) plural_apply(whole);
   }
   // "One of these things": what others are taken from is several.
   for (const Arc& one : meaning.arcs) {
@@ -640,7 +724,7 @@ void step_reified(Meaning& meaning) {
     const Concept& whole = graph.word(one.to);
     const bool is_noun = whole.sense.empty() && !whole.variable.empty() && !has_attribute(whole, "@name");
     if (!is_whole || !is_noun) continue;
-    attribute_add(graph.word(one.to), "@pl");
+    plural_apply(graph.word(one.to));
     // "One of the stars" names the stars once.
     const int number = graph.child(one.from, "quant");
     const bool is_one = number < 0 ? !has_attribute(graph.word(one.from), "@pl") : graph.is(graph.arc(number).to, "1");
@@ -678,12 +762,21 @@ void step_office(Meaning& meaning) {
   }
 }
 
+// "Such a secret place": such belongs to the noun, though it says how secret it is.
+static void such_apply(Rewriter& graph, int at) {
+  const int led = graph.child(at, "degree");
+  const int above = led >= 0 && graph.is(graph.arc(led).to, "such") ? graph.parent(at) : -1;
+  if (above < 0 || graph.arc(above).inverse || graph.arc(above).role != "mod") return;
+  graph.replace(led, graph.arc(above).from, graph.arc(led).to, "mod");
+}
+
 // (h / have-degree-91 :ARG1 x :ARG2 (t / tall) :ARG3 (m / more) :ARG4 y): tall with @more, its bearer x, compared to y.
 void step_degree(Meaning& meaning) {
   Rewriter graph(meaning, "degree");
   for (int at = 0; at < graph.count(); ++at) {
     if (graph.is(at, "have-degree", "91") || graph.is(at, "have-degree", "92")) degree_apply(graph, at, false);
     if (graph.is(at, "have-quant", "91")) degree_apply(graph, at, true);
+    such_apply(graph, at);
   }
 }
 

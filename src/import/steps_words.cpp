@@ -168,11 +168,18 @@ static void multiple_apply(Rewriter& graph, int at) {
       {"1000000000", "billions"}};
   const int led = graph.child(at, "op1");
   if (led < 0) return;
-  const int number = graph.arc(led).to;
+  // The number may stand inside of a quantity: multiple years is years by the million.
+  const int inner = graph.is(at, "multiple") ? graph.child(graph.arc(led).to, "quant") : -1;
+  const int number = graph.arc(inner >= 0 ? inner : led).to;
   if (graph.is(number, "few")) graph.word(number).name = "a-few";
   if (!graph.is(at, "multiple")) return;
   for (const auto& [digits, word] : kPowers) {
     if (!graph.is(number, digits)) continue;
+    if (inner >= 0) {
+      graph.word(number).name = word;
+      attribute_add(graph.word(graph.arc(led).to), "@pl");
+      return graph.stand_in(at, led, Fate::word);
+    }
     graph.word(at).name = word;
     graph.settle_concept(number, Fate::word);
     return graph.remove(led, Fate::word);
@@ -265,7 +272,8 @@ void step_quantities(Meaning& meaning) {
     const Concept& word = graph.word(one.to);
     if (word.variable.empty() && is_number(word.name)) one.role = "number";
     const bool is_several = std::find(kSeveral.begin(), kSeveral.end(), word.name) != kSeveral.end();
-    if (is_several && graph.word(one.from).sense.empty()) attribute_add(graph.word(one.from), "@pl");
+    const bool is_all_that = graph.is(one.from, "that") || graph.is(one.from, "this");
+    if (is_several && !is_all_that && graph.word(one.from).sense.empty()) attribute_add(graph.word(one.from), "@pl");
   }
   // Numbers other than one go with a plural, and words that say how many.
   constexpr std::array<std::string_view, 11> kMany{"many", "few",  "several", "multiple",    "various",    "numerous",
@@ -298,6 +306,9 @@ void step_pronouns(Meaning& meaning) {
   for (int at = 0; at < graph.count(); ++at) {
     const bool is_person = graph.is(at, "person") || graph.is(at, "individual-person");
     if (!is_person && !graph.is(at, "thing")) continue;
+    // "Some more questions": a frame below names the things.
+    const int named = is_person ? -1 : graph.child(at, "ARG1", true);
+    if (named >= 0 && graph.children(graph.arc(named).to).empty() && graph.children(at).size() > 2) continue;
     for (const int led : graph.children(at)) {
       constexpr std::array<std::string_view, 4> kWords{"some", "any", "every", "no"};
       const std::string word = graph.word(graph.arc(led).to).name;
