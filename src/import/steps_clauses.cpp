@@ -82,12 +82,6 @@ int mention_of(Rewriter& graph, int at) {
   return made;
 }
 
-// True for a concept with one of these names, whatever its sense.
-template <std::size_t N>
-bool is_one_of(Rewriter& graph, int at, const std::array<const char*, N>& names) {
-  return std::any_of(names.begin(), names.end(), [&](const char* name) { return graph.word(at).name == name; });
-}
-
 // ---- coordination --------------------------------------------------------------------------------------------------
 
 // A concept that joins its operands, and the attribute of all operands but the first.

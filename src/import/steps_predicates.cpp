@@ -12,12 +12,6 @@ namespace {
 
 constexpr std::array kPronouns{"i", "we", "you", "he", "she", "it", "they", "this", "that", "these", "those"};
 
-template <std::size_t N>
-bool is_one_of(Rewriter& graph, int at, const std::array<const char*, N>& names) {
-  const std::string& name = graph.word(at).name;
-  return std::find(names.begin(), names.end(), name) != names.end();
-}
-
 bool is_event(Rewriter& graph, int at) {
   const Concept& word = graph.word(at);
   return !word.sense.empty() && !has_attribute(word, "@agent") && !has_attribute(word, "@result");
@@ -36,9 +30,9 @@ void located_apply(Rewriter& graph, int at) {
   const int place = graph.child(at, "location");
   if (place < 0 || !is_one_of(graph, at, kPronouns) || graph.child(at, "domain") >= 0) return;
   const int above = graph.parent(at);
-  constexpr std::array kSaying{"say", "tell", "answer", "reply", "think", "know", "see"};
+  constexpr std::array kStating{"say", "tell", "answer", "reply", "think", "know", "see"};
   const bool is_said = above >= 0 && graph.mentions(at) == 1 && !graph.arc(above).inverse &&
-                       graph.arc(above).role == "ARG1" && is_one_of(graph, graph.arc(above).from, kSaying);
+                       graph.arc(above).role == "ARG1" && is_one_of(graph, graph.arc(above).from, kStating);
   if (at != graph.meaning().root && !is_said) return;
   const int being = add_being(graph);
   graph.redirect(at, being);
