@@ -69,6 +69,8 @@ BUILT = {
     "question(>01)": "p1about", "remain(>01)": "GER3", "split(>01)": "p2into",
     "title(>01)": "NP2", "war(>01)": "p2over", "weigh(>01)": "SA1",
 }
+# Behind these an adjective says what the subject is or becomes.
+COPULAR = set("become look feel sound smell taste stay remain grow turn get go seem appear keep".split())
 STATE_FILES = {31, 37, 42}
 MASS_FILES = {7, 12, 27, 26}
 
@@ -458,7 +460,8 @@ def frames(path, writer, sources):
             built.append("SA1")
         pattern = "".join("," + a for a in built)
         if verb:
-            writer.verb(verb, concept, pattern + ",SMALLC" * (verb in ("make", "render", "keep") and "THAT1" in pattern))
+            writer.verb(verb, concept, pattern + ",SMALLC" * (verb in ("make", "render", "keep") and "THAT1" in pattern)
+                        + ",COPL" * (verb in COPULAR))
         # A word that is a noun at least as often as a verb names what the verb does: "the size of the garden".
         often = sources.tagged[lemma, "1"] >= max(5, 1.5 * sources.tagged[lemma, "2"])
         if verb == lemma and not of["N"] and often and ",p1" not in pattern:

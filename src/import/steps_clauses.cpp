@@ -220,7 +220,7 @@ void coordinate(Rewriter& graph, int at, const Conjunction& conjunction) {
     const int part = graph.arc(parts[i]).to;
     // A question behind what is none is a sentence of its own: "Look. Do you see it?"
     const bool is_asked = has_attribute(graph.word(part), "@int") && !has_attribute(graph.word(head), "@int");
-    const char* joined_by = is_asked ? "@snt" : conjunction.attribute;
+    const char* joined_by = is_asked ? "@snt" : graph.is(part, "et-cetera") ? "@etc" : conjunction.attribute;
     if (is_asked && i + 1 == parts.size()) attribute_add(graph.word(head), "@ends_int");
     attribute_add(graph.word(part), joined_by);
     const int subject = subject_arc(graph, part);
@@ -444,7 +444,8 @@ void question(Rewriter& graph, int unknown) {
       clause == asked_at && (role == "ARG0" || (role == "ARG1" && graph.child(clause, "ARG0") < 0) ||
                              (role == "domain" && graph.is(unknown, "amr-unknown")));
   // "Where is the key": what a place is said of has no other verb.
-  if (graph.is(asked_at, "be-located-at", "91") && role == "ARG2") role = "location";
+  const bool is_place = graph.is(asked_at, "be-located-at", "91") || graph.is(asked_at, "have-place", "91");
+  if (is_place && role == "ARG2") role = "location";
   // "Where do you take it": the place that something is moved to has another number in each frame.
   const bool is_goal = (role == "ARG3" && graph.is(asked_at, "take", "01")) ||
                        (role == "ARG2" && (graph.is(asked_at, "bring", "01") || graph.is(asked_at, "put", "01") ||
@@ -704,7 +705,10 @@ void step_persons(Meaning& meaning) {
     const int frame = graph.arc(led).to;
     const std::vector<int> below = graph.children(frame);
     const bool is_simple = std::all_of(below.begin(), below.end(), [&](int one) {
-      return graph.arc(one).role == "ARG1" && !graph.arc(one).inverse && !is_clause(graph, graph.arc(one).to);
+      // "The central planners": what qualifies the act qualifies who does it.
+      const std::string& role = graph.arc(one).role;
+      const bool is_quality = role == "mod" && graph.children(graph.arc(one).to).empty();
+      return (role == "ARG1" || is_quality) && !graph.arc(one).inverse && !is_clause(graph, graph.arc(one).to);
     });
     const bool is_plain = !has_attribute(graph.word(frame), "@neg") && graph.mentions(frame) == 1;
     if (graph.word(frame).sense.empty() || !is_simple || !is_plain) continue;
@@ -712,11 +716,23 @@ void step_persons(Meaning& meaning) {
   }
 }
 
+// (l / love-01 :ARG1-of (c / contrast-01 :ARG2 h)): the contrast stands above what it joins, as elsewhere.
+static void contrast_upright(Rewriter& graph, int at) {
+  const int above = graph.parent(at);
+  const bool is_below = above >= 0 && graph.arc(above).inverse && graph.arc(above).role == "ARG1";
+  if (!is_below || graph.child(at, "ARG2") < 0 || graph.mentions(at) > 1) return;
+  const int first = graph.arc(above).from;
+  if (graph.mentions(first) > 1) return;
+  graph.redirect(first, at);
+  graph.replace(above, at, first, "ARG1");
+}
+
 // In front of coordination and quotation: "but" is no part of what is said.
 void step_contrast(Meaning& meaning) {
   Rewriter graph(meaning, "contrast");
   for (int at = 0, end = graph.count(); at < end; ++at) {
     if (graph.is(at, "contrast", "01") || graph.is(at, "contrast", "91")) {
+      contrast_upright(graph, at);
       coordinate(graph, at, *conjunction_of(graph, at));
     }
   }
@@ -732,6 +748,12 @@ void step_coordination(Meaning& meaning) {
     if (const int second = graph.is(at, "between") ? graph.child(at, "op2") : -1; second >= 0) {
       const int first = graph.child(at, "op1");
       if (first < 0) continue;
+      // "Between five and ten years": the unit is said once.
+      const int unit = graph.arc(first).to;
+      const int number = graph.word(unit).name == graph.word(graph.arc(second).to).name && graph.mentions(unit) == 1
+                             ? graph.child(unit, "quant")
+                             : -1;
+      if (number >= 0 && graph.children(unit).size() == 1) graph.stand_in(unit, number, Fate::word);
       attribute_add(graph.word(graph.arc(second).to), "@and");
       graph.replace(second, graph.arc(first).to, graph.arc(second).to, "conjunct");
       continue;
@@ -981,7 +1003,7 @@ void step_forms(Meaning& meaning) {
   Rewriter graph(meaning, "forms");
   // What English says with an auxiliary in front of the basic form.
   constexpr std::array kAuxiliary{"@can", "@must",  "@should", "@may", "@likely", "@maynot",
-                                  "@fut", "@would", "@neg",    "@ask", "@int"};
+                                  "@fut", "@would", "@used",   "@neg", "@ask",    "@int"};
   for (int at = 0; at < graph.count(); ++at) {
     Concept& word = graph.word(at);
     // English has one modal verb in a clause.
@@ -1033,7 +1055,8 @@ void step_forms(Meaning& meaning) {
                          !has_attribute(graph.word(told), "@result") && subject_arc(graph, told) >= 0;
     if (is_told && graph.child(at, "consequence") < 0) attribute_add(word, "@xdom");
     // What is only counted is new: "there are three birds in the tree".
-    const bool is_being = graph.is(at, "be-located-at", "91") || graph.is(at, "exist", "91");
+    const bool is_being =
+        graph.is(at, "be-located-at", "91") || graph.is(at, "have-place", "91") || graph.is(at, "exist", "91");
     const int what = is_being ? graph.child(at, "ARG1") : -1;
     if (what < 0) continue;
     const Concept& thing = graph.word(graph.arc(what).to);
@@ -1042,15 +1065,37 @@ void step_forms(Meaning& meaning) {
   }
 }
 
+// (b / become-01 :ARG1 s :ARG2 (s2 / small :domain s)): behind such a verb an adjective has no subject of its own.
+static void copular_apply(Rewriter& graph, int at) {
+  constexpr std::array kCopular{"become", "look",   "feel", "sound", "smell", "taste",
+                                "stay",   "remain", "grow", "turn",  "get"};
+  if (graph.word(at).sense.empty() || !is_one_of(graph, at, kCopular)) return;
+  const std::vector<int> below = graph.children(at);
+  for (const int led : below) {
+    const int said = graph.arc(led).to;
+    const int own = is_core(graph.arc(led)) ? graph.child(said, "domain") : -1;
+    if (own < 0) continue;
+    const bool is_named = std::any_of(below.begin(), below.end(), [&](int one) {
+      return one != led && !graph.arc(one).inverse && graph.arc(one).to == graph.arc(own).to;
+    });
+    if (is_named) graph.remove(own, Fate::attribute);
+  }
+}
+
 // (w / want-01 :ARG0 b :ARG1 (g / go-02 :ARG0 b)): the b of go-02 becomes :understood, and rules make an infinitive of it.
 void step_control(Meaning& meaning) {
   Rewriter graph(meaning, "control");
   // What seems to be done has its subject in front: "the cat seems to sleep".
   for (int at = 0, end = graph.count(); at < end; ++at) {
-    const bool is_raising = graph.is(at, "seem", "01") || graph.is(at, "appear", "02");
+    copular_apply(graph, at);
+    const bool is_phase = graph.is(at, "begin", "01") || graph.is(at, "start", "01") || graph.is(at, "continue", "01");
+    const bool is_raising = is_phase || graph.is(at, "seem", "01") || graph.is(at, "appear", "02");
     const int led = is_raising && graph.child(at, "ARG0") < 0 ? graph.child(at, "ARG1") : -1;
     if (led < 0 || !is_clause(graph, graph.arc(led).to)) continue;
-    const int subject = subject_arc(graph, graph.arc(led).to);
+    // What begins to be done has a doer, what begins to be a subject: "the rain began to fall".
+    const int done = graph.arc(led).to;
+    const int subject = is_phase ? graph.child(done, "ARG0") : subject_arc(graph, done);
+    if (is_phase && (has_attribute(graph.word(done), "@agent") || has_attribute(graph.word(done), "@result"))) continue;
     const bool is_said = subject >= 0 && !is_clause(graph, graph.arc(subject).to);
     if (is_said) graph.add(at, graph.arc(subject).to, "ARG0", false);
     if (is_said && graph.arc(subject).role != "ARG0") attribute_add(graph.word(at), "@raised");

@@ -120,7 +120,13 @@ void reified_apply(Rewriter& graph, int at, const Reified& one) {
   const int first = graph.is(head, "and") ? graph.child(head, "op1") : -1;
   const bool is_of_clause =
       std::string_view(one.role) == "likeness" && !graph.word(first >= 0 ? graph.arc(first).to : head).sense.empty();
-  if (!head_above && !dependent_above && is_statement(one) && !is_of_clause) return;
+  if (!head_above && !dependent_above && is_statement(one) && !is_of_clause) {
+    // What it means, and how old it is, other words say.
+    const bool is_verb = graph.is(at, "mean", "91") || graph.is(at, "have-age", "91");
+    if (is_verb)
+      graph.word(at).name = one.role == std::string_view("age") ? "age" : "mean", graph.word(at).sense = "01";
+    return;
+  }
   if (!head_above && !dependent_above && is_of_clause) attribute_add(graph.word(head), "@front");
   // "The wind caused the noise": a thing is no clause that another could give the reason of.
   const Concept& caused = graph.word(first >= 0 ? graph.arc(first).to : head);
@@ -234,6 +240,13 @@ void office_apply(Rewriter& graph, int at, const Office& office) {
   }
   const int holder = graph.other(holds, at);
   const bool holder_above = graph.arc(holds).to == at;
+  if (!holder_above && (titled >= 0 || whole >= 0)) {
+    // What is denied or asked of the statement is that of its predicate.
+    const int predicate = graph.other(titled >= 0 ? titled : whole, at);
+    for (const std::string& attribute : graph.word(at).attributes) {
+      if (attribute != "@v") attribute_add(graph.word(predicate), attribute);
+    }
+  }
   if (titled < 0) {
     if (whole < 0 || graph.arc(whole).from != at) return;
     if (!holder_above) {
@@ -446,10 +459,8 @@ struct Modal {
 };
 
 constexpr Modal kModals[] = {
-    {"possible", "01", "ARG1", "@can"},
-    {"obligate", "01", "ARG2", "@must"},
-    {"obligate", "01", "ARG1", "@must"},
-    {"recommend", "01", "ARG1", "@should"},
+    {"possible", "01", "ARG1", "@can"},     {"obligate", "01", "ARG2", "@must"}, {"obligate", "01", "ARG1", "@must"},
+    {"recommend", "01", "ARG1", "@should"}, {"use", "03", "ARG1", "@used"},
 };
 
 // The governed clause takes the place of the frame and an attribute in its stead; negation and mood of the frame go with
@@ -631,6 +642,13 @@ void step_reified(Meaning& meaning) {
     if (graph.is(at, "have", "03")) having_apply(graph, at);
     if (graph.is(at, "cause", "01")) cause_noun_apply(graph, at);
     if (graph.is(at, "resemble", "01")) likeness_apply(graph, at);
+    // (w / work-01 :temporal (u / use-03)): what used to be done.
+    const int once = graph.is(at, "use", "03") && graph.children(at).empty() ? graph.parent(at) : -1;
+    if (once >= 0 && (graph.arc(once).role == "time" || graph.arc(once).role == "temporal")) {
+      attribute_add(graph.word(graph.arc(once).from), "@used");
+      graph.settle_concept(at, Fate::attribute);
+      graph.remove(once, Fate::attribute);
+    }
     // Nobody opines; people think.
     if (graph.is(at, "opine", "01")) graph.word(at).name = "think";
     // What is one of several, without them: "for example".
@@ -679,6 +697,12 @@ void step_reified(Meaning& meaning) {
     graph.word(at).sense.clear();
     std::erase(graph.word(at).attributes, "@v");
     graph.arc(author).role = "op1";
+  }
+  // (w / wife :part (e / ear)), where the ear is spoken of elsewhere: her ear.
+  for (int led = 0; led < static_cast<int>(meaning.arcs.size()); ++led) {
+    const Arc one = graph.arc(led);
+    if (one.gone || one.inverse || one.role != "part" || graph.mentions(one.to) < 2) continue;
+    graph.replace(led, one.to, one.from, "poss");
   }
   // "She lay down in the grass": a bare direction stands nearer to its verb than a place does.
   constexpr std::string_view kBare[] = {"up",      "down",  "away",  "back",  "out",  "off",  "around",
@@ -774,6 +798,12 @@ static void such_apply(Rewriter& graph, int at) {
 void step_degree(Meaning& meaning) {
   Rewriter graph(meaning, "degree");
   for (int at = 0; at < graph.count(); ++at) {
+    // "Such a small town": the degree of a quality stands in front of the noun.
+    const int degree = graph.child(at, "degree");
+    const int above = degree >= 0 && graph.is(graph.arc(degree).to, "such") ? graph.parent(at) : -1;
+    const bool is_inside =
+        above >= 0 && (graph.arc(above).inverse ? graph.arc(above).role == "ARG1" : graph.arc(above).role == "mod");
+    if (is_inside) graph.replace(degree, graph.arc(above).from, graph.arc(degree).to, "mod");
     if (graph.is(at, "have-degree", "91") || graph.is(at, "have-degree", "92")) degree_apply(graph, at, false);
     if (graph.is(at, "have-quant", "91")) degree_apply(graph, at, true);
     such_apply(graph, at);
@@ -784,9 +814,18 @@ void step_degree(Meaning& meaning) {
 static void value_apply(Rewriter& graph, int at) {
   const int about = graph.argument(at, "ARG1");
   const int value = graph.child(at, "ARG2");
-  if (about < 0 || value < 0) return;
-  const int word = graph.other(about, at);
+  if (value < 0) return;
   const std::string text = graph.word(graph.arc(value).to).name;
+  if (about < 0) {
+    // An answer without what it answers.
+    if (!graph.is(at, "have-polarity", "91") || (text != "-" && text != "+")) return;
+    graph.word(at).name = text == "-" ? "no" : "yes";
+    graph.word(at).sense.clear();
+    graph.word(at).attributes.clear();
+    graph.settle_concept(graph.arc(value).to, Fate::word);
+    return graph.remove(value, Fate::word);
+  }
+  const int word = graph.other(about, at);
   const bool is_negative = text == "-" || text.ends_with("-negative");
   const bool is_open = text == "neutral-affirmative" || text == "partial-affirmative";
   const bool is_asked = text == "amr-unknown" || text == "umr-unknown";

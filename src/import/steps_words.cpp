@@ -298,6 +298,26 @@ void step_quantities(Meaning& meaning) {
   }
 }
 
+// True for somebody who is called by an office or by what he is to others.
+static bool has_role(Rewriter& graph, int at) {
+  for (const int led : graph.children(at)) {
+    const std::string& frame = graph.word(graph.arc(led).to).name;
+    if (frame.starts_with("have-") && frame.ends_with("-role")) return true;
+  }
+  return false;
+}
+
+// (w / woman :mod (r / rest)): the rest of the women.
+static void rest_apply(Rewriter& graph, int at) {
+  const int led = graph.child(at, "mod");
+  if (led < 0 || !graph.is(graph.arc(led).to, "rest") || graph.mentions(graph.arc(led).to) > 1) return;
+  const int rest = graph.arc(led).to;
+  graph.redirect(at, rest);
+  graph.replace(led, rest, at, "part-of");
+  attribute_add(graph.word(at), "@pl");
+  attribute_add(graph.word(at), "@def");
+}
+
 // (p / person :mod (s / some)) is someone; (p / person :refer-person 3rd :refer-number plural) is they. Only what stands
 // alone becomes a pronoun: whatever is said of a person must still have a word to stand with.
 void step_pronouns(Meaning& meaning) {
@@ -321,7 +341,8 @@ void step_pronouns(Meaning& meaning) {
       break;
     }
   }
-  for (int at = 0; at < graph.count(); ++at) {
+  for (int at = 0, end = graph.count(); at < end; ++at) {
+    rest_apply(graph, at);
     Concept& word = graph.word(at);
     const int counted = word.name == "thing" && word.sense.empty() ? graph.child(at, "quant") : -1;
     if (counted >= 0 && !has_attribute(word, "@name")) {
@@ -331,6 +352,24 @@ void step_pronouns(Meaning& meaning) {
       const std::string& name = graph.word(quantity).name;
       const bool is_standing = std::find(kStanding.begin(), kStanding.end(), name) != kStanding.end();
       if (is_standing && graph.mentions(quantity) == 1) graph.stand_in(at, counted, Fate::word);
+      continue;
+    }
+    // Who speaks, and to whom, is never a person, whatever is said of him.
+    const bool is_speaking = word.sense.empty() && (word.name == "person" || word.name == "individual-person") &&
+                             (has_attribute(word, "@p1") || has_attribute(word, "@p2")) &&
+                             !has_attribute(word, "@name") && !has_role(graph, at);
+    if (is_speaking && !graph.children(at).empty()) {
+      word.name = has_attribute(word, "@p2") ? "you" : has_attribute(word, "@pl") ? "we" : "i";
+      continue;
+    }
+    // What a thing is about that nobody tells is not said.
+    const int about = word.name == "thing" && word.sense.empty() && word.attributes.empty() &&
+                              graph.children(at).empty() && graph.mentions(at) == 1
+                          ? graph.parent(at)
+                          : -1;
+    if (about >= 0 && graph.arc(about).role == "topic" && !graph.arc(about).inverse) {
+      graph.settle_concept(at, Fate::left_out);
+      graph.remove(about, Fate::left_out);
       continue;
     }
     // An event of which nothing is said was spoken of before.
