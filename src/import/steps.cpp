@@ -13,6 +13,8 @@ constexpr RewriteStep kSteps[] = {
      step_dates},
     {"quantities", "a quantity becomes its unit with a number, an ordinal the number with (>ord); @pl beside numbers",
      step_quantities},
+    {"prepositions", "a role that is a preposition (:prep-against) becomes :prep of that word, which governs the rest",
+     step_prepositions},
     {"pronouns", "a person or thing with :refer-person alone becomes i, we, you, he, it or they", step_pronouns},
     {"speaker", "UMR: an utterance stands for itself; who says it is i, to whom is you, and the frame is left out",
      step_speaker},

@@ -24,6 +24,7 @@ void step_wiki(Meaning& meaning);
 void step_names(Meaning& meaning);
 void step_dates(Meaning& meaning);
 void step_quantities(Meaning& meaning);
+void step_prepositions(Meaning& meaning);
 void step_pronouns(Meaning& meaning);
 void step_reified(Meaning& meaning);
 void step_office(Meaning& meaning);

@@ -318,6 +318,20 @@ static void rest_apply(Rewriter& graph, int at) {
   attribute_add(graph.word(at), "@def");
 }
 
+// Any word can stand in such a role, so the dictionary says it, as where a bank makes a concept of it (beneath :op1 mat).
+// Read from below the role stays: a table may have a label for it.
+void step_prepositions(Meaning& meaning) {
+  Rewriter graph(meaning, "prepositions");
+  constexpr std::string_view kBefore = "prep-";
+  for (int at = 0, end = static_cast<int>(meaning.arcs.size()); at < end; ++at) {
+    const Arc one = graph.arc(at);
+    if (one.gone || one.inverse || one.role.size() == kBefore.size() || !one.role.starts_with(kBefore)) continue;
+    const int preposition = graph.add_concept(one.role.substr(kBefore.size()));
+    graph.replace(at, one.from, preposition, "prep");
+    graph.add(preposition, one.to, "op1");
+  }
+}
+
 // (p / person :mod (s / some)) is someone; (p / person :refer-person 3rd :refer-number plural) is they. Only what stands
 // alone becomes a pronoun: whatever is said of a person must still have a word to stand with.
 void step_pronouns(Meaning& meaning) {
