@@ -71,6 +71,10 @@ BUILT = {
 }
 # Behind these an adjective says what the subject is or becomes.
 COPULAR = set("become look feel sound smell taste stay remain grow turn get go seem appear keep".split())
+FACT_VERBS = set("refer object react respond attest allude depend rely focus concentrate elaborate dwell reflect account".split())
+# What happens to things by itself as well: "the door opened" where nobody is named who opens it.
+ERGATIVE = set("increase decrease change improve begin start end stop continue develop spread shift double triple expand shrink "
+               "evolve accumulate worsen widen accelerate collapse sink melt freeze move turn open close".split())
 STATE_FILES = {31, 37, 42}
 MASS_FILES = {7, 12, 27, 26}
 
@@ -397,7 +401,9 @@ class Writer:
         for tag, forms in grades.items():
             for form in forms[:1]:
                 self.entry(form, concept, f"ADJ,{tag}{vowel(form)}{more}")
-        if adverb := self.sources.manner.get(lemma):
+        made = re.sub("ic$", "ical", re.sub("[^aeiou]le$", lambda end: end.group()[0], re.sub("y$", "i", lemma))) + "ly"
+        made = made.replace("lly", "ly") if lemma.endswith("ll") else made
+        if adverb := self.sources.manner.get(lemma) or (made if "(>" in concept and made in self.sources.adverbs else None):
             self.entry(adverb, concept, f"ADV{',LY' * adverb.endswith('ly')}{',SADV' * (adverb in MIDDLE)}{vowel(adverb)}{more}")
 
 
@@ -446,6 +452,8 @@ def frames(path, writer, sources):
             told = VERB_OBJECTS.get(lemma, "" if "p1of" in built else None)
             if told is not None:
                 built = [a for a in built if not a.startswith("p1")] + ["p1" + told] * bool(told)
+                # "She referred to the fact that it rained".
+                built += ["FACT1"] * (lemma in FACT_VERBS and "THAT1" not in built)
         if verb in HOW_VERBS and "INF1" in built:
             built.append("HOWINF")
         if verb and sense_of(concept) < 3 and (told := VERB_SECOND.get(lemma)):
@@ -456,7 +464,8 @@ def frames(path, writer, sources):
         more = BUILT.get(concept, "").split()
         numbers = {argument_of(a) for a in more} - {""}
         built = [a for a in built if "THAT" in a or argument_of(a) not in numbers] + more
-        if "SA1" not in built and (is_getting or sources.is_intransitive(verb or lemma)):
+        is_ergative = verb in ERGATIVE and sense_of(concept) < 3
+        if "SA1" not in built and (is_getting or is_ergative or sources.is_intransitive(verb or lemma)):
             built.append("SA1")
         pattern = "".join("," + a for a in built)
         if verb:
@@ -506,6 +515,8 @@ def agent_of(sources, verb):
 def lemmas(writer, sources):
     for lemma, (written, file, tags) in sources.nouns.items():
         rare = sources.tagged[lemma, "1"] * 3
+        if lemma in sources.adjectives and not rare and re.search("(ible|able|ous|ful|ive|less|ish|ical)$", lemma):
+            continue
         if sources.tagged[lemma, "3"] > rare or sources.tagged[lemma, "4"] > rare:
             continue
         if re.fullmatch(r"[A-Za-z][A-Za-z .'-]*", lemma):

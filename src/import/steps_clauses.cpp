@@ -197,6 +197,16 @@ void coordinate(Rewriter& graph, int at, const Conjunction& conjunction) {
       graph.arc(led).to = mention_of(graph, part);
     }
   }
+  // "Our songs and those of the town": where all parts are named again, and somebody else has them.
+  const bool is_again = std::all_of(parts.begin(), parts.end(),
+                                    [&](int led) { return has_attribute(graph.word(graph.arc(led).to), "@ref"); });
+  const int owner = is_again && parts.size() > 1 ? graph.child(at, "possessor") : -1;
+  if (owner >= 0) {
+    graph.arc(owner).role = "part-of";
+    for (const int led : parts) graph.remove(led, Fate::word);
+    graph.word(at).name = "those";
+    return;
+  }
   nominal_parts(graph, at, parts);
   // The whole, mentioned again: "they".
   const int group_arc = first[static_cast<std::size_t>(at)];
@@ -460,6 +470,8 @@ void question(Rewriter& graph, int unknown) {
   attribute_add(graph.word(clause), is_reported ? "@asked" : is_subject ? "@asksub" : "@ask");
   // Some files mark the mood beside the word that asks; one mark is enough.
   std::erase(graph.word(clause).attributes, "@int");
+  // "What are you filling it with?": a preposition stays with its verb.
+  if (role == "ARG2" && clause == asked_at) attribute_add(graph.word(clause), "@st2");
   if (!is_subject) graph.replace(led, clause, phrase, "questioned");
 }
 
@@ -1088,7 +1100,9 @@ void step_control(Meaning& meaning) {
   // What seems to be done has its subject in front: "the cat seems to sleep".
   for (int at = 0, end = graph.count(); at < end; ++at) {
     copular_apply(graph, at);
-    const bool is_phase = graph.is(at, "begin", "01") || graph.is(at, "start", "01") || graph.is(at, "continue", "01");
+    // "The rain began to fall": the beginning of what somebody does is his.
+    constexpr std::array kPhases{"begin", "start", "continue", "cease", "stop"};
+    const bool is_phase = graph.word(at).sense == "01" && is_one_of(graph, at, kPhases);
     const bool is_raising = is_phase || graph.is(at, "seem", "01") || graph.is(at, "appear", "02");
     const int led = is_raising && graph.child(at, "ARG0") < 0 ? graph.child(at, "ARG1") : -1;
     if (led < 0 || !is_clause(graph, graph.arc(led).to)) continue;
@@ -1098,7 +1112,7 @@ void step_control(Meaning& meaning) {
     if (is_phase && (has_attribute(graph.word(done), "@agent") || has_attribute(graph.word(done), "@result"))) continue;
     const bool is_said = subject >= 0 && !is_clause(graph, graph.arc(subject).to);
     if (is_said) graph.add(at, graph.arc(subject).to, "ARG0", false);
-    if (is_said && graph.arc(subject).role != "ARG0") attribute_add(graph.word(at), "@raised");
+    if (is_said && !is_phase && graph.arc(subject).role != "ARG0") attribute_add(graph.word(at), "@raised");
   }
   // "She heard that he sang": of whom she heard it is said once.
   constexpr std::array kLearning{"hear", "know", "learn", "read", "think", "believe", "expect", "find-out", "discover"};

@@ -61,6 +61,13 @@ constexpr Reified kReified[] = {
     {"be-destined-for", "91", "ARG1", "ARG2", "destination"},
     {"have-ord", "91", "ARG1", "ARG2", "ord"},
     {"hyperlink", "91", "ARG1", "ARG3", "source"},
+    {"have-subtraction", "91", "ARG1", "ARG2", "exception"},
+    {"have-medium", "91", "ARG1", "ARG2", "medium"},
+    {"have-path", "91", "ARG1", "ARG2", "path"},
+    {"have-start", "91", "ARG1", "ARG2", "source"},
+    {"have-result", "91", "ARG1", "ARG2", "consequence"},
+    {"have-cost", "91", "ARG1", "ARG2", "cost"},
+    {"have-other-role", "91", "ARG1", "ARG2", "other-role"},
 };
 
 // These are said by a verb when they are the statement itself, and are roles only below what they speak of.
