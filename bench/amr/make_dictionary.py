@@ -55,6 +55,8 @@ NOUN_OBJECTS = {verb: preposition for preposition, verbs in {
     "in": "increase decrease rise fall drop decline grow improve change cut believe trust participate",
     "to": "damage visit answer react respond reply object oppose access addict attend solve resist adapt adhere",
     "against": "discriminate"}.items() for verb in verbs.split()}
+# What the second argument has, where the examples count too little: sat down on a stone, did no good to her.
+SECOND_OBJECTS = {"sit down": "on", "do": "to", "go back": "to", "put": "in", "place": "on"}
 # Verbs behind which an infinitive has "how": she knows how to swim.
 HOW_VERBS = ("know",)
 # What people try or begin is what they do themselves: no infinitive with a subject of its own.
@@ -342,6 +344,8 @@ class Sources:
         for tag, known in self.forms.get(first, {}).items():
             # Of several forms the one that people write.
             forms[tag] = max(known, key=lambda form: (self.form_weight(first, tag, form), form == forms[tag]))
+        if first == "bear":
+            forms["PTCP"] = "borne"
         tail = "".join(" " + word for word in rest)
         return {tag: form + tail for tag, form in forms.items()}
 
@@ -454,6 +458,8 @@ def frames(path, writer, sources):
                 built = [a for a in built if not a.startswith("p1")] + ["p1" + told] * bool(told)
                 # "She referred to the fact that it rained".
                 built += ["FACT1"] * (lemma in FACT_VERBS and "THAT1" not in built)
+        if lemma in SECOND_OBJECTS:
+            built = [a for a in built if not a.startswith("p2")] + ["p2" + SECOND_OBJECTS[lemma]]
         if verb in HOW_VERBS and "INF1" in built:
             built.append("HOWINF")
         if verb and sense_of(concept) < 3 and (told := VERB_SECOND.get(lemma)):
@@ -534,6 +540,9 @@ def lemmas(writer, sources):
             for key in {lemma, lemma.replace(" ", "-")}:
                 writer.adjective(lemma, key)
     for lemma in sources.adverbs:
+        # "He said softly": of the two adverbs of an adjective that is plain.
+        if lemma in sources.adjectives and sources.manner.get(lemma, "").endswith("ly"):
+            continue
         if re.fullmatch(r"[a-z][a-z -]*", lemma):
             for key in {lemma, lemma.replace(" ", "-")}:
                 writer.entry(lemma, key, f"ADV{',MID' * (lemma in MIDDLE)}{vowel(lemma)}")

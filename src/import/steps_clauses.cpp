@@ -135,9 +135,10 @@ int subject_arc(Rewriter& graph, int clause) {
 
 // What is joined to a clause that is a chain itself is joined to its last: "she came and sang, or she slept".
 int chain_end(Rewriter& graph, int clause) {
-  for (int led = graph.child(clause, "conjunct"); led >= 0 && is_clause(graph, clause);
-       led = graph.child(clause, "conjunct")) {
+  int led = graph.child(clause, "conjunct");
+  for (int steps = graph.count(); steps > 0 && led >= 0 && is_clause(graph, clause); --steps) {
     clause = graph.arc(led).to;
+    led = graph.child(clause, "conjunct");
   }
   return clause;
 }
@@ -224,6 +225,14 @@ void coordinate(Rewriter& graph, int at, const Conjunction& conjunction) {
   if (parts.size() == 1) {
     // "And ...", "But ...": what it is tied to stands in another sentence.
     attribute_add(graph.word(head), std::string("@lead_") + (conjunction.attribute + 1));
+  }
+  // "All trees and flowers".
+  if (has_attribute(graph.word(at), "@pl")) {
+    for (const int led : parts) {
+      Concept& part = graph.word(graph.arc(led).to);
+      const bool is_noun = part.sense.empty() && !part.variable.empty() && !has_attribute(part, "@name");
+      if (is_noun && part.name != "this" && part.name != "that") attribute_add(part, "@pl");
+    }
   }
   int last = chain_end(graph, head);
   for (std::size_t i = 1; i < parts.size(); ++i) {
@@ -881,7 +890,10 @@ static void tense_from_time(Rewriter& graph, int at) {
     const std::string& role = graph.arc(led).role;
     if (graph.arc(led).inverse || (role != "time" && role != "temporal")) continue;
     const int time = graph.arc(led).to;
-    const bool is_perfect = is_one_of(graph, time, kPerfect) && graph.word(time).sense.empty();
+    // "One never knows" is true at all times.
+    const int who = subject_arc(graph, at);
+    const bool is_general = who >= 0 && graph.is(graph.arc(who).to, "one");
+    const bool is_perfect = is_one_of(graph, time, kPerfect) && graph.word(time).sense.empty() && !is_general;
     if (is_perfect) attribute_add(graph.word(at), "@perf");
     const bool is_relation = graph.is(time, "before") || graph.is(time, "after");
     const int point = is_relation ? graph.child(time, "op1") : -1;
@@ -962,7 +974,10 @@ void step_tense(Meaning& meaning) {
     const bool is_timed = graph.child(at, "frequency") >= 0 || graph.child(at, "time") >= 0 ||
                           std::any_of(kStanding.begin(), kStanding.end(),
                                       [&](const char* one) { return has_attribute(graph.word(at), one); });
-    if (!is_known && is_to_you && shared < 0 && is_question && !is_timed) attribute_add(clause, "@now");
+    // What lasts has no progressive: "do you see it?"
+    constexpr std::array kLasting{"see", "hear", "smell", "like", "love", "hate", "want", "need", "remember", "mind"};
+    if (!is_known && is_to_you && shared < 0 && !is_one_of(graph, at, kLasting) && is_question && !is_timed)
+      attribute_add(clause, "@now");
     if (!is_said[static_cast<std::size_t>(at)] && is_told_of_another(graph, at)) attribute_add(clause, "@past");
   }
 }
@@ -1153,6 +1168,15 @@ void step_control(Meaning& meaning) {
       is_named |= led_here >= 0 && graph.arc(led_here).inverse && graph.arc(led_here).from == person;
     }
     if (!is_named) continue;
+    // What somebody says or knows is a clause with a subject: "he told them that he was tired".
+    constexpr std::array kThatVerbs{"say",     "tell",       "think",   "answer", "reply",   "explain", "state",
+                                    "declare", "know",       "believe", "feel",   "realize", "see",     "hear",
+                                    "notice",  "understand", "write",   "hope",   "fear",    "admit"};
+    const int higher_verb = graph.arc(above).from;
+    const int hearer = graph.child(higher_verb, "ARG2");
+    const bool is_told = role == "ARG1" && graph.arc(subject).role == "ARG1" &&
+                         is_one_of(graph, higher_verb, kThatVerbs) && (hearer < 0 || graph.arc(hearer).to != person);
+    if (is_told) continue;
     // A predicate without verb has no infinitive of its own.
     const int higher = graph.arc(above).from;
     const bool is_seeming = graph.is(higher, "seem", "01") || graph.is(higher, "appear", "02");

@@ -17,6 +17,23 @@ bool is_event(Rewriter& graph, int at) {
   return !word.sense.empty() && !has_attribute(word, "@agent") && !has_attribute(word, "@result");
 }
 
+// A concept that joins others; the frame of a contrast is one.
+bool is_joining(Rewriter& graph, int at) {
+  constexpr std::array kJoining{"and", "or", "but", "contrast", "multi-sentence"};
+  return is_one_of(graph, at, kJoining);
+}
+
+// What the sentence states, behind "and", "but" of which nothing else is joined.
+int statement_of(Rewriter& graph) {
+  int at = graph.meaning().root;
+  for (int steps = graph.count(); at >= 0 && is_joining(graph, at) && steps > 0; --steps) {
+    const std::vector<int> below = graph.children(at);
+    if (below.size() != 1) break;
+    at = graph.arc(below[0]).to;
+  }
+  return at;
+}
+
 // What says of a subject that it is somewhere.
 int add_being(Rewriter& graph) {
   const int being = graph.add_concept("be-located-at");
@@ -33,7 +50,9 @@ void located_apply(Rewriter& graph, int at) {
   constexpr std::array kStating{"say", "tell", "answer", "reply", "think", "know", "see"};
   const bool is_said = above >= 0 && graph.mentions(at) == 1 && !graph.arc(above).inverse &&
                        graph.arc(above).role == "ARG1" && is_one_of(graph, graph.arc(above).from, kStating);
-  if (at != graph.meaning().root && !is_said) return;
+  const bool is_joined = above >= 0 && !graph.arc(above).inverse && graph.arc(above).role != "mod" &&
+                         is_joining(graph, graph.arc(above).from) && graph.parent(graph.arc(above).from) < 0;
+  if (at != graph.meaning().root && !is_said && !is_joined) return;
   const int being = add_being(graph);
   graph.redirect(at, being);
   graph.move_children(at, being);
@@ -62,7 +81,8 @@ void somewhere_apply(Rewriter& graph, int at) {
 void speaking_apply(Rewriter& graph, int at) {
   const int led = graph.child(at, "ARG1");
   const int above = graph.parent(at);
-  const bool is_speaking = graph.is(at, "speak", "01") && (above < 0 || !graph.arc(above).role.starts_with("ARG"));
+  const bool is_speaking = (graph.is(at, "speak", "01") || graph.is(at, "go", "23")) &&
+                           (above < 0 || !graph.arc(above).role.starts_with("ARG"));
   if (is_speaking && led >= 0) {
     const int said = graph.arc(led).to;
     const bool has_subject =
@@ -82,7 +102,7 @@ void presented_apply(Rewriter& graph) {
   const int led = graph.child(root, "ARG0");
   const int noun = led >= 0 ? graph.arc(led).to : -1;
   const int about = noun >= 0 ? graph.child(noun, "domain") : -1;
-  const bool is_presented = about >= 0 && graph.word(noun).sense.empty() && graph.mentions(noun) == 1 &&
+  const bool is_presented = about >= 0 && !is_event(graph, noun) && graph.mentions(noun) == 1 &&
                             is_one_of(graph, graph.arc(about).to, kPronouns);
   if (!is_presented) return;
   graph.replace(led, noun, root, "ARG0", true);
@@ -105,6 +125,16 @@ void own_place_apply(Rewriter& graph, int at) {
     }
     return;
   }
+}
+
+// (s / sing-01 :ARG0 t :cause t), where t is a pronoun: "because they sing", as an answer.
+void answer_apply(Rewriter& graph, int at) {
+  const int led = graph.child(at, "cause");
+  const int subject = graph.child(at, "ARG0");
+  const bool is_own = led >= 0 && subject >= 0 && graph.arc(led).to == graph.arc(subject).to;
+  if (!is_own || !is_one_of(graph, graph.arc(subject).to, kPronouns)) return;
+  graph.remove(led, Fate::attribute);
+  attribute_add(graph.word(at), "@as_cause");
 }
 
 // "He does not live here": what is not here is the living.
@@ -153,11 +183,31 @@ void number_apply(Rewriter& graph, int at) {
   const bool is_several = is_one_of(graph, who, kSeveral) || has_attribute(graph.word(who), "@pl");
   if (is_several && graph.child(at, "quant") < 0 && !is_one_of(graph, at, kGroups))
     attribute_add(graph.word(at), "@pl");
+  // "The only hills are three volcanoes".
+  const Concept& about = graph.word(who);
+  const bool is_noun = about.sense.empty() && !about.variable.empty() && !has_attribute(about, "@name") &&
+                       !is_one_of(graph, who, kPronouns) && graph.child(who, "quant") < 0 && !is_joining(graph, who);
+  if (is_noun && has_attribute(word, "@pl") && graph.child(at, "quant") >= 0 && !is_one_of(graph, who, kGroups))
+    attribute_add(graph.word(who), "@pl");
+}
+
+// A word that is asked for, or said to mean something, is no thing: "what does ephemeral mean".
+void meaning_apply(Rewriter& graph, int at) {
+  const int led = graph.is(at, "mean", "01") ? graph.child(at, "ARG1") : -1;
+  if (led < 0 || !graph.word(graph.arc(led).to).sense.empty() || !graph.children(graph.arc(led).to).empty()) return;
+  attribute_add(graph.word(graph.arc(led).to), "@word");
+}
+
+// (l / long-03 :mod (d / distance-quantity)): how long it is. Only so the quality stands behind the noun.
+void measure_apply(Rewriter& graph, Arc& one) {
+  if (one.gone || one.inverse || one.role != "mod" || !has_attribute(graph.word(one.to), "@measure")) return;
+  if (is_event(graph, one.from) && graph.child(one.from, "ARG2") < 0 && graph.child(one.to, "quant") >= 0)
+    one.role = "ARG2";
 }
 
 // A noun at the top, with a clause of time: "there was a storm when we left".
 void existing_apply(Rewriter& graph) {
-  const int at = graph.meaning().root;
+  const int at = statement_of(graph);
   if (at < 0 || !graph.word(at).sense.empty() || graph.word(at).variable.empty()) return;
   if (has_attribute(graph.word(at), "@name") || graph.child(at, "domain") >= 0) return;
   const int led = graph.child(at, "time");
@@ -222,11 +272,13 @@ void step_predicates(Meaning& meaning) {
     speaking_apply(graph, at);
     own_place_apply(graph, at);
     number_apply(graph, at);
+    answer_apply(graph, at);
+    meaning_apply(graph, at);
     seeming_apply(graph, at);
     becoming_apply(graph, at);
     how_apply(graph, at);
   }
-  for (Arc& one : meaning.arcs) denial_apply(graph, one);
+  for (Arc& one : meaning.arcs) denial_apply(graph, one), measure_apply(graph, one);
   for (std::size_t i = 0; i < meaning.arcs.size(); ++i) only_apply(graph, static_cast<int>(i));
   presented_apply(graph);
   existing_apply(graph);
