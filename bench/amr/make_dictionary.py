@@ -541,7 +541,8 @@ def lemmas(writer, sources):
                 writer.adjective(lemma, key)
     for lemma in sources.adverbs:
         # "He said softly": of the two adverbs of an adjective that is plain.
-        if lemma in sources.adjectives and sources.manner.get(lemma, "").endswith("ly"):
+        made = sources.manner.get(lemma, "")
+        if lemma in sources.adjectives and made.endswith("ly") and sources.tagged[made, "4"] > sources.tagged[lemma, "4"]:
             continue
         if re.fullmatch(r"[a-z][a-z -]*", lemma):
             for key in {lemma, lemma.replace(" ", "-")}:

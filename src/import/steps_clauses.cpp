@@ -476,6 +476,8 @@ void question(Rewriter& graph, int unknown) {
   constexpr std::array kPronouns{"i", "we", "you", "he", "she", "they"};
   const bool is_person = role == "domain" && phrase == unknown && is_one_of(graph, asked_at, kPronouns);
   attribute_add(graph.word(phrase), is_person ? "@wh_who" : "@wh_" + role);
+  // An exclamation has the order of a statement: "how beautiful she is!"
+  is_reported |= has_attribute(graph.word(clause), "@exp");
   attribute_add(graph.word(clause), is_reported ? "@asked" : is_subject ? "@asksub" : "@ask");
   // Some files mark the mood beside the word that asks; one mark is enough.
   std::erase(graph.word(clause).attributes, "@int");
@@ -549,6 +551,13 @@ void step_polarity(Meaning& meaning) {
     constexpr std::pair<const char*, const char*> kNobody[] = {
         {"somebody", "nobody"},   {"someone", "nobody"},   {"anybody", "nobody"},   {"anyone", "nobody"},
         {"something", "nothing"}, {"anything", "nothing"}, {"somewhere", "nowhere"}};
+    const std::vector<int> below = graph.children(at);
+    const bool is_bare =
+        std::all_of(below.begin(), below.end(), [&](int one) { return graph.arc(one).role == "location"; });
+    if (is_bare && has_attribute(graph.word(at), "@neg") && graph.is(at, "thing")) {
+      graph.word(at).name = "nothing";
+      std::erase(graph.word(at).attributes, "@neg");
+    }
     for (const auto& [positive, negative] : kNobody) {
       if (!has_attribute(graph.word(at), "@neg") || !graph.is(at, positive)) continue;
       graph.word(at).name = negative;
@@ -910,6 +919,10 @@ static void tense_from_time(Rewriter& graph, int at) {
       graph.remove(led, Fate::attribute);
     } else if (graph.is(time, "before")) {
       graph.word(time).name = "ago";
+    } else if (const int length = graph.child(time, "quant"); length >= 0) {
+      // "In three years".
+      graph.word(time).name = "in";
+      graph.arc(length).role = "op1";
     }
   }
 }
@@ -968,6 +981,19 @@ void step_tense(Meaning& meaning) {
     const bool is_speech = has_attribute(clause, "@quote") && subject >= 0;
     const bool is_to_you = subject >= 0 && graph.is(graph.arc(subject).to, "you");
     if (!is_known && (is_speech || is_to_you)) attribute_add(clause, "@pres");
+    // "If it rains or snows".
+    const int condition = graph.child(at, "condition");
+    const int if_so = condition >= 0 ? graph.arc(condition).to : -1;
+    const bool is_passive = if_so >= 0 && graph.child(if_so, "ARG0") < 0 && graph.child(if_so, "ARG1") >= 0;
+    if (if_so >= 0 && !is_passive && !has_attribute(graph.word(if_so), "@past")) {
+      const int led = condition;
+      int joined_to = graph.child(graph.arc(led).to, "conjunct");
+      for (int steps = graph.count(); joined_to >= 0 && steps > 0; --steps) {
+        Concept& part = graph.word(graph.arc(joined_to).to);
+        if (has_attribute(part, "@v") && !has_attribute(part, "@past")) attribute_add(part, "@pres");
+        joined_to = graph.child(graph.arc(joined_to).to, "conjunct");
+      }
+    }
     // Who asks you what happens means now: "what are you doing?"
     const bool is_question = has_attribute(clause, "@ask") || has_attribute(clause, "@int");
     constexpr std::array kStanding{"@can", "@must", "@should", "@may", "@maynot", "@likely", "@perf", "@habit", "@neg"};
@@ -975,8 +1001,10 @@ void step_tense(Meaning& meaning) {
                           std::any_of(kStanding.begin(), kStanding.end(),
                                       [&](const char* one) { return has_attribute(graph.word(at), one); });
     // What lasts has no progressive: "do you see it?"
-    constexpr std::array kLasting{"see", "hear", "smell", "like", "love", "hate", "want", "need", "remember", "mind"};
-    if (!is_known && is_to_you && shared < 0 && !is_one_of(graph, at, kLasting) && is_question && !is_timed)
+    constexpr std::array kLasting{"see",  "hear", "smell",    "like", "love", "hate",
+                                  "want", "need", "remember", "mind", "have", "know"};
+    if (!is_known && is_to_you && shared < 0 && graph.child(at, "conjunct") < 0 && !is_one_of(graph, at, kLasting) &&
+        is_question && !is_timed)
       attribute_add(clause, "@now");
     if (!is_said[static_cast<std::size_t>(at)] && is_told_of_another(graph, at)) attribute_add(clause, "@past");
   }
@@ -1024,6 +1052,35 @@ static bool nominal_apply(Rewriter& graph, int at) {
   return is_noun;
 }
 
+// A clause that is the only thing spoken of stands behind: "it is good that the rain stopped", "it is easy to read this".
+static void extraposed_apply(Rewriter& graph, int at) {
+  const Concept& word = graph.word(at);
+  const int said = graph.child(at, "ARG1");
+  if (said < 0 || has_attribute(word, "@imp") || !has_attribute(word, "@v")) return;
+  for (const char* agent : {"ARG0", "understood", "shared", "speaker"}) {
+    if (graph.child(at, agent) >= 0) return;
+  }
+  const int what = graph.arc(said).to;
+  const bool is_frame = !graph.word(what).sense.empty() && !has_attribute(graph.word(what), "@result") &&
+                        !has_attribute(graph.word(what), "@agent");
+  if (!is_frame) return;
+  // "It is known that the house was sold", "it is clear that he is wrong": what is known or true is a clause even if nobody
+  // does it.
+  constexpr std::array kFacts{"suspect", "believe", "know",  "say",       "report",  "think",    "expect",  "find",
+                              "allege",  "true",    "clear", "obvious",   "certain", "apparent", "evident", "strange",
+                              "lucky",   "funny",   "odd",   "fortunate", "natural", "likely"};
+  const bool is_clause = graph.child(what, "ARG0") >= 0 || graph.child(what, "domain") >= 0 ||
+                         (is_one_of(graph, at, kFacts) && graph.child(what, "ARG1") >= 0 && graph.parent(what) == said);
+  // What nobody in particular does, with an object or a place.
+  constexpr std::array kOfActs{"easy",   "difficult", "hard",     "dangerous",  "safe",
+                               "useful", "useless",   "pleasant", "impossible", "necessary",
+                               "wrong",  "cruel",     "stupid",   "wise",       "expensive"};
+  const bool is_act =
+      !is_clause && is_one_of(graph, at, kOfActs) && graph.parent(what) == said && !graph.children(what).empty();
+  if (is_clause) attribute_add(graph.word(at), "@xtra");
+  if (is_act) attribute_add(graph.word(at), "@xinf");
+}
+
 // What the rules must know of a whole clause before its first word stands: whether it has a subject, an auxiliary, an
 // expletive. No graph is changed here but for attributes, so that this step sees what the reader will see.
 void step_forms(Meaning& meaning) {
@@ -1061,20 +1118,7 @@ void step_forms(Meaning& meaning) {
     const bool is_auxiliary =
         std::any_of(kAuxiliary.begin(), kAuxiliary.end(), [&](const char* one) { return has_attribute(word, one); });
     if (is_auxiliary && is_clause(graph, at)) attribute_add(word, "@aux");
-    // A clause that is the only thing spoken of stands behind: "it is good that the rain stopped".
-    const int said = graph.child(at, "ARG1");
-    const bool has_agent = graph.child(at, "ARG0") >= 0 || graph.child(at, "understood") >= 0 ||
-                           graph.child(at, "shared") >= 0 || graph.child(at, "speaker") >= 0;
-    if (said >= 0 && !has_agent && !has_attribute(word, "@imp") && has_attribute(word, "@v")) {
-      const int what = graph.arc(said).to;
-      // "It is known that the house was sold": what is known or said is a clause even if nobody does it.
-      constexpr std::array kKnowing{"suspect", "believe", "know", "say", "report", "think", "expect", "find", "allege"};
-      const bool is_event = !graph.word(what).sense.empty() && !has_attribute(graph.word(what), "@result") &&
-                            !has_attribute(graph.word(what), "@agent") &&
-                            (graph.child(what, "ARG0") >= 0 || graph.child(what, "domain") >= 0 ||
-                             (is_one_of(graph, at, kKnowing) && graph.child(what, "ARG1") >= 0));
-      if (is_event) attribute_add(word, "@xtra");
-    }
+    extraposed_apply(graph, at);
     // "It is a pity that she left": what a predicate says of a whole clause.
     const int about = graph.child(at, "domain");
     const int told = about >= 0 && graph.parent(graph.arc(about).to) == about ? graph.arc(about).to : -1;
@@ -1107,6 +1151,11 @@ static void copular_apply(Rewriter& graph, int at) {
     });
     if (is_named) graph.remove(own, Fate::attribute);
   }
+}
+
+// "Too small to reach it", "old enough to drive": what would follow has no subject of its own, and no other denial.
+static bool is_limit(const Concept& quality) {
+  return has_attribute(quality, "@too") || has_attribute(quality, "@enough");
 }
 
 // (w / want-01 :ARG0 b :ARG1 (g / go-02 :ARG0 b)): the b of go-02 becomes :understood, and rules make an infinitive of it.
@@ -1149,7 +1198,8 @@ void step_control(Meaning& meaning) {
     if (has_attribute(graph.word(at), "@whether") || has_attribute(graph.word(at), "@result")) continue;
     // A clause in another role keeps its subject: "she left because she was tired".
     const bool may_be_infinite = role.starts_with("ARG") || role == "purpose" || role == "manner" || role == "mod" ||
-                                 role == "attendant" || role == "substitute" || role == "exception";
+                                 role == "attendant" || role == "substitute" || role == "exception" ||
+                                 (role == "consequence" && is_limit(graph.word(graph.arc(above).from)));
     const int subject = subject_arc(graph, at);
     if (!may_be_infinite || subject < 0) continue;
     const int person = graph.arc(subject).to;
@@ -1183,6 +1233,9 @@ void step_control(Meaning& meaning) {
     if (graph.arc(subject).role == "domain" && !is_seeming && role != "attendant") continue;
     if (graph.arc(subject).role != "ARG0") attribute_add(graph.word(at), "@ctl1");
     graph.arc(subject).role = "understood";
+    if (role == "consequence" && has_attribute(graph.word(graph.arc(above).from), "@too")) {
+      for (const char* mark : {"@can", "@neg"}) std::erase(graph.word(at).attributes, mark);
+    }
   }
 }
 

@@ -356,6 +356,11 @@ void measured_apply(Rewriter& graph, int at) {
 // A comparison is told by the quality, as words for it depend on its form: taller, more beautiful.
 // (x :ARG1-of (have-degree-91 :ARG2 tall :ARG3 more :ARG4 y)): tall is the quality, x its bearer.
 void degree_apply(Rewriter& graph, int at, bool is_quantity) {
+  // "She knows more things than he".
+  const int counted = is_quantity ? graph.argument(at, "ARG1") : -1;
+  if (counted >= 0 && graph.is(graph.other(counted, at), "thing")) {
+    attribute_add(graph.word(graph.other(counted, at)), "@pl");
+  }
   int quality_led = graph.argument(at, "ARG2");
   // A quantity may be the degree itself: "enough oil".
   if (quality_led < 0 && is_quantity) quality_led = graph.argument(at, "ARG3");
@@ -368,7 +373,17 @@ void degree_apply(Rewriter& graph, int at, bool is_quantity) {
   if (const int led = graph.child(at, "ARG3"); led >= 0 && led != quality_led) {
     const int degree = graph.arc(led).to;
     const char* attribute = degree_attribute(graph.word(degree));
-    if (attribute != nullptr && graph.mentions(degree) == 1) {
+    // "More money than he": more is the comparative of much and many.
+    constexpr std::string_view kAmounts[] = {"more", "most", "less", "enough"};
+    const bool is_amount =
+        (graph.is(quality, "much") || graph.is(quality, "many")) &&
+        std::find(std::begin(kAmounts), std::end(kAmounts), graph.word(degree).name) != std::end(kAmounts);
+    if (is_amount && graph.mentions(degree) == 1) {
+      graph.word(quality).name = graph.word(degree).name;
+      graph.settle_concept(degree, Fate::word);
+      graph.remove(led, Fate::word);
+      graph.move_children(degree, quality);
+    } else if (attribute != nullptr && graph.mentions(degree) == 1) {
       attribute_add(graph.word(quality), attribute);
       graph.settle_concept(degree, Fate::attribute);
       graph.remove(led, Fate::attribute);

@@ -45,7 +45,9 @@ int add_being(Rewriter& graph) {
 // (y / you :location (t / there)), said for itself: "you are there".
 void located_apply(Rewriter& graph, int at) {
   const int place = graph.child(at, "location");
-  if (place < 0 || !is_one_of(graph, at, kPronouns) || graph.child(at, "domain") >= 0) return;
+  constexpr std::array kNew{"nothing", "nobody", "something", "somebody", "someone", "no-one", "noone"};
+  const bool is_new = is_one_of(graph, at, kNew);
+  if (place < 0 || !(is_new || is_one_of(graph, at, kPronouns)) || graph.child(at, "domain") >= 0) return;
   const int above = graph.parent(at);
   constexpr std::array kStating{"say", "tell", "answer", "reply", "think", "know", "see"};
   const bool is_said = above >= 0 && graph.mentions(at) == 1 && !graph.arc(above).inverse &&
@@ -58,6 +60,7 @@ void located_apply(Rewriter& graph, int at) {
   graph.move_children(at, being);
   graph.arc(place).role = "ARG2";
   graph.add(being, at, "ARG1");
+  if (is_new) attribute_add(graph.word(being), "@there");
   for (const char* mood : {"@neg", "@int", "@past", "@pres", "@fut", "@quote"}) {
     if (std::erase(graph.word(at).attributes, mood) > 0) attribute_add(graph.word(being), mood);
   }
@@ -259,6 +262,40 @@ void how_apply(Rewriter& graph, int at) {
     if (led != degree && !graph.arc(led).role.starts_with("ARG")) graph.arc(led).from = being;
   }
   graph.add(being, at, "ARG2");
+  const std::vector<std::string> marks = graph.word(at).attributes;
+  for (const std::string& mark : marks) {
+    if (mark != "@v") attribute_add(graph.word(being), mark), std::erase(graph.word(at).attributes, mark);
+  }
+}
+
+// (e / exist-01 :ARG1 (p / planet :mod (o / other))): "there is another planet". Not so for what is known already.
+void exist_apply(Rewriter& graph, int at) {
+  const int led = graph.is(at, "exist", "01") ? graph.child(at, "ARG1") : -1;
+  if (led < 0) return;
+  const int thing = graph.arc(led).to;
+  const Concept& word = graph.word(thing);
+  if (!word.sense.empty() || word.variable.empty() || has_attribute(word, "@name") || graph.mentions(thing) > 1) return;
+  if (is_one_of(graph, thing, kPronouns) || is_joining(graph, thing) || graph.child(thing, "poss") >= 0) return;
+  constexpr std::array kKnown{"this", "that", "these", "those", "same", "all", "every", "each", "both"};
+  // What is denied, counted or somewhere is new; of a thing alone nobody knows.
+  bool is_new = has_attribute(graph.word(at), "@neg") || has_attribute(word, "@neg") ||
+                graph.child(thing, "quant") >= 0 || graph.child(at, "location") >= 0;
+  for (const int below : graph.children(thing)) {
+    const int quality = graph.arc(below).to;
+    if (graph.arc(below).role == "mod" && is_one_of(graph, quality, kKnown)) return;
+    if (graph.arc(below).role == "mod" && graph.is(quality, "other") && !has_attribute(word, "@pl") &&
+        graph.child(thing, "quant") < 0)
+      graph.word(quality).name = "another";
+    is_new |= graph.is(quality, "another") || graph.is(quality, "other") || graph.is(quality, "such");
+  }
+  if (!is_new) return;
+  graph.word(at).sense = "91";
+  attribute_add(graph.word(at), has_attribute(word, "@pl") ? "@theres" : "@there");
+  if (std::erase(graph.word(at).attributes, "@neg") > 0) attribute_add(graph.word(thing), "@neg");
+  const bool is_bare = graph.child(thing, "quant") < 0 && !has_attribute(graph.word(thing), "@neg");
+  const int quality = graph.child(thing, "mod");
+  const bool is_another = quality >= 0 && graph.is(graph.arc(quality).to, "another");
+  if (is_bare && !is_another && !has_attribute(word, "@pl")) attribute_add(graph.word(thing), "@indef");
 }
 
 }  // namespace
@@ -274,6 +311,7 @@ void step_predicates(Meaning& meaning) {
     number_apply(graph, at);
     answer_apply(graph, at);
     meaning_apply(graph, at);
+    exist_apply(graph, at);
     seeming_apply(graph, at);
     becoming_apply(graph, at);
     how_apply(graph, at);
