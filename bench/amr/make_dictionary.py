@@ -55,8 +55,6 @@ NOUN_OBJECTS = {verb: preposition for preposition, verbs in {
     "in": "increase decrease rise fall drop decline grow improve change cut believe trust participate",
     "to": "damage visit answer react respond reply object oppose access addict attend solve resist adapt adhere",
     "against": "discriminate"}.items() for verb in verbs.split()}
-# What the second argument has, where the examples count too little: sat down on a stone, did no good to her.
-SECOND_OBJECTS = {"sit down": "on", "do": "to", "go back": "to", "put": "in", "place": "on"}
 # Verbs behind which an infinitive has "how": she knows how to swim.
 HOW_VERBS = ("know",)
 # What people try or begin is what they do themselves: no infinitive with a subject of its own.
@@ -69,6 +67,7 @@ GERUND = set("admit avoid consider complete delay deny detest dislike end enjoy 
 BUILT = {
     "answer(>01)": "p2with", "come(>01)": "p3from p4to", "draw(>01)": "p2for", "excuse(>01)": "p2for GER2", "leave(>17)": "POSTN",
     "question(>01)": "p1about", "remain(>01)": "GER3", "split(>01)": "p2into",
+    "sit-down(>02)": "p2on", "do(>02)": "p2to", "go-back(>19)": "p2to",
     "title(>01)": "NP2", "war(>01)": "p2over", "weigh(>01)": "SA1",
 }
 # Behind these an adjective says what the subject is or becomes.
@@ -458,8 +457,6 @@ def frames(path, writer, sources):
                 built = [a for a in built if not a.startswith("p1")] + ["p1" + told] * bool(told)
                 # "She referred to the fact that it rained".
                 built += ["FACT1"] * (lemma in FACT_VERBS and "THAT1" not in built)
-        if lemma in SECOND_OBJECTS:
-            built = [a for a in built if not a.startswith("p2")] + ["p2" + SECOND_OBJECTS[lemma]]
         if verb in HOW_VERBS and "INF1" in built:
             built.append("HOWINF")
         if verb and sense_of(concept) < 3 and (told := VERB_SECOND.get(lemma)):
