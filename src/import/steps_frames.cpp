@@ -354,6 +354,32 @@ void measured_apply(Rewriter& graph, int at) {
 }
 
 // A comparison is told by the quality, as words for it depend on its form: taller, more beautiful.
+// (f / find-01 :ARG1 (h / have-degree-91 :ARG1 (h2 / horse) :ARG2 fast :ARG3 most)): to find the fastest horse. What is only
+// said or thought stays a clause.
+bool sought_apply(Rewriter& graph, int at, int quality, int bearer) {
+  const int above = graph.parent(at);
+  const bool is_object = above >= 0 && !graph.arc(above).inverse && graph.arc(above).role == "ARG1" &&
+                         has_attribute(graph.word(quality), "@most") && graph.word(bearer).sense.empty() &&
+                         !graph.word(bearer).variable.empty() && graph.mentions(at) == 1;
+  constexpr std::string_view kTelling[] = {"say",  "think", "know",  "believe", "mean",
+                                           "tell", "show",  "agree", "hope",    "opine"};
+  if (!is_object) return false;
+  const std::string& verb = graph.word(graph.arc(above).from).name;
+  const bool is_told = std::find(std::begin(kTelling), std::end(kTelling), verb) != std::end(kTelling);
+  const int bears = graph.child(at, "ARG1");
+  const int led = graph.child(at, "ARG2");
+  if (is_told || bears < 0 || led < 0 || graph.arc(bears).to != bearer) return false;
+  for (const char* role : {"ARG0", "ARG1", "domain"}) {
+    const int own = graph.child(quality, role);
+    if (own >= 0 && graph.arc(own).to == bearer) graph.remove(own, Fate::relation);
+  }
+  graph.remove(bears, Fate::relation);
+  graph.replace(led, bearer, quality, "mod");
+  graph.redirect(at, bearer);
+  graph.move_children(at, bearer);
+  return true;
+}
+
 // (x :ARG1-of (have-degree-91 :ARG2 tall :ARG3 more :ARG4 y)): tall is the quality, x its bearer.
 void degree_apply(Rewriter& graph, int at, bool is_quantity) {
   // "She knows more things than he".
@@ -423,6 +449,10 @@ void degree_apply(Rewriter& graph, int at, bool is_quantity) {
     const int own = graph.argument(frame, role);
     return own >= 0 && graph.other(own, frame) == bearer && own != bearer_led;
   };
+  // A few adjectives call who bears them by another number.
+  if (!is_quantity && !quality_above && graph.argument(quality, "ARG1") < 0 && names_bearer(quality, "ARG2"))
+    graph.arc(graph.argument(quality, "ARG2")).role = "ARG1";
+  if (!is_quantity && sought_apply(graph, at, quality, bearer)) return;
   // Or the verb above does: "she grew tall", "he ran farther".
   const int above = quality_above ? graph.parent(quality) : -1;
   const int governor = above >= 0 && !graph.arc(above).inverse ? graph.arc(above).from : -1;
@@ -458,7 +488,7 @@ void degree_apply(Rewriter& graph, int at, bool is_quantity) {
     graph.remove(bearer_led, Fate::relation);
     graph.replace(quality_led, bearer, quality, is_quantity ? "quant" : "mod");
   } else if (!graph.word(bearer).sense.empty() && !is_quantity && graph.word(quality).sense.empty() &&
-             (graph.child(bearer, "ARG0") >= 0 || graph.child(bearer, "ARG1") >= 0)) {
+             graph.mentions(bearer) == 1 && (graph.child(bearer, "ARG0") >= 0 || graph.child(bearer, "ARG1") >= 0)) {
     // The bearer is an event: "he fell as gently as a tree falls".
     graph.remove(bearer_led, Fate::relation);
     graph.replace(quality_led, bearer, quality, "manner");
@@ -670,6 +700,15 @@ void step_reified(Meaning& meaning) {
       attribute_add(graph.word(graph.arc(once).from), "@used");
       graph.settle_concept(at, Fate::attribute);
       graph.remove(once, Fate::attribute);
+    }
+    // Who thanks, with nobody to be thanked, says thanks.
+    const int who = graph.is(at, "thank", "01") && graph.children(at).size() == 1 ? graph.child(at, "ARG0") : -1;
+    if (who >= 0 && graph.is(graph.arc(who).to, "i")) {
+      if (graph.mentions(graph.arc(who).to) == 1) graph.settle_concept(graph.arc(who).to, Fate::left_out);
+      graph.remove(who, Fate::left_out);
+      graph.word(at).name = "thanks";
+      graph.word(at).sense.clear();
+      graph.word(at).attributes.clear();
     }
     // Nobody opines; people think.
     if (graph.is(at, "opine", "01")) graph.word(at).name = "think";

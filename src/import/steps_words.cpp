@@ -61,6 +61,27 @@ bool takes_article(const std::string& name) {
   return is_compound && std::find(kHeads.begin(), kHeads.end(), last) != kHeads.end();
 }
 
+// True for a thing whose type has a noun in front of it: "the fishing boat Aurora". People and places go by their names.
+bool keeps_type(Rewriter& graph, int at) {
+  constexpr std::array<std::string_view, 10> kNames{"person", "country",   "city",  "state",    "province",
+                                                    "county", "continent", "river", "language", "family"};
+  constexpr std::array<std::string_view, 16> kNoNoun{"this", "that",    "these", "all",  "other", "such",
+                                                     "same", "only",    "even",  "just", "also",  "both",
+                                                     "own",  "another", "too",   "new"};
+  const Concept& type = graph.word(at);
+  const bool is_known = std::find(kNames.begin(), kNames.end(), type.name) != kNames.end();
+  if (is_known || !type.sense.empty() || type.name.find('-') != type.name.npos) return false;
+  for (const int led : graph.children(at)) {
+    const Concept& word = graph.word(graph.arc(led).to);
+    const bool is_noun = graph.arc(led).role == "mod" && !graph.arc(led).inverse && word.sense.empty() &&
+                         !word.variable.empty() && graph.child(graph.arc(led).to, "name") < 0 &&
+                         graph.children(graph.arc(led).to).empty() && !has_attribute(word, "@name") &&
+                         std::find(kNoNoun.begin(), kNoNoun.end(), word.name) == kNoNoun.end();
+    if (is_noun) return true;
+  }
+  return false;
+}
+
 // The first mention of a type that names all its kind is no word of the sentence: "the country France".
 void name_apply(Rewriter& graph, int at, int led) {
   const int name = graph.arc(led).to;
@@ -71,6 +92,11 @@ void name_apply(Rewriter& graph, int at, int led) {
     graph.remove(operand, Fate::word);
   }
   if (text.empty()) return;
+  if (keeps_type(graph, at)) {
+    graph.word(name).name = text;
+    if (graph.child(at, "poss") < 0) attribute_add(graph.word(at), "@def");
+    return attribute_add(graph.word(name), "@name");
+  }
   graph.remove(led, Fate::word);
   graph.settle_concept(name, Fate::word);
   graph.settle_concept(at, Fate::attribute);
