@@ -39,7 +39,7 @@ VERB_OBJECTS = {verb: preposition for preposition, verbs in {
     "with": "cope deal interfere tamper comply sympathize collaborate compete cooperate flirt collide coincide clash quarrel "
             "war wrestle experiment meddle disagree",
     "from": "refrain abstain suffer recover differ stem",
-    "about": "complain brag boast gossip rave care pontificate bitch moan gripe grumble fuss fret rant reminisce",
+    "about": "complain brag boast gossip rave care speak talk chat pontificate bitch moan gripe grumble fuss fret rant reminisce",
     "over": "preside",
     "against": "rebel discriminate retaliate conspire",
     "": "lack oppose access contact convoy cure delay diagnose interview impact border",
@@ -62,6 +62,12 @@ OWN_SUBJECT_VERBS = ("try", "begin", "start", "continue", "attempt", "manage", "
 # Verbs that govern a gerund and no infinitive: "she finished eating".
 GERUND = set("admit avoid consider complete delay deny detest dislike end enjoy escape finish imagine keep mention mind miss "
              "postpone practice quit recall recommend resent resist risk suggest".split())
+# What a verb does, as a noun, where neither the frame files nor WordNet have one.
+NOUNS = {verb: noun for verb, noun in (one.split(":") for one in (
+    "live:life thirst:thirst hope:hope wait:wait exist:existence deject:dejection behave:behavior concern:concern "
+    "worry:worry entertain:entertainment disappear:disappearance shame:shame wonder:wonder pretend:pretense obey:obedience "
+    "err:error cry:cry excuse:excuse hunt:hunt belong:belonging isolate:isolation hesitate:hesitation insist:insistence "
+    "persist:persistence resist:resistance exist:existence occur:occurrence refuse:refusal survive:survival tend:tendency").split())}
 # How English builds a sense, where the frame files have no example of it: "an answer with a smile", "split into halves".
 # POSTN is for a participle that stands behind its noun, "the money left".
 BUILT = {
@@ -486,6 +492,8 @@ def frames(path, writer, sources):
         # Of several nouns the one that is made of the verb, and that people use: death, not die.
         derived = sources.nominal.get(verb, ()) if verb else (lemma,)
         nouns.sort(key=lambda form: -(sources.tagged[form, "1"] + 1) * (4 if form in derived else 1))
+        if not nouns and lemma in NOUNS and sense_of(concept) < 4:
+            nouns = [NOUNS[lemma]]
         for noun in (nouns or [form for form in of["N"] if sources.tagged[form, "1"] > 19])[:1]:
             # A noun has the prepositions of its verb, "a look at the sea", and a verb of its own, "take a look".
             of_noun = NOUN_OBJECTS.get(lemma, "")
@@ -493,7 +501,7 @@ def frames(path, writer, sources):
             kept += f",p1{of_noun}" * bool(of_noun)
             writer.noun(noun, concept, (",NMZ" if verb else ",NMZ,QUAL") + kept)
         adjectives = [lemma] if of["ADJ"] and lemma in sources.adjectives else of["ADJ"]
-        for adjective in adjectives[:1]:
+        for adjective in adjectives[:"POSTN" not in built]:
             if not verb and not of["N"] and adjective in sources.quality:
                 writer.noun(sources.quality[adjective], concept, ",NMZ,QUAL")
             writer.adjective(adjective, concept, "" if verb else pattern)

@@ -664,6 +664,10 @@ static void thing_apply(Rewriter& graph, int at) {
   const std::string& name = graph.word(frame).name;
   if (graph.word(frame).sense.empty() || !is_simple || !is_plain || name.find('-') != name.npos) return;
   if (is_one_of(graph, frame, kMotion)) return;
+  // "Some more questions".
+  const int mod = graph.child(at, "mod");
+  constexpr std::array kSeveral{"some", "more", "other"};
+  if (mod >= 0 && is_one_of(graph, graph.arc(mod).to, kSeveral)) attribute_add(graph.word(frame), "@pl");
   frame_stand_in(graph, at, led, "@result");
 }
 
@@ -1081,6 +1085,26 @@ static void extraposed_apply(Rewriter& graph, int at) {
   if (is_act) attribute_add(graph.word(at), "@xinf");
 }
 
+// "Next year", "this morning": such a time has no preposition.
+static void bare_time_apply(Rewriter& graph, int at) {
+  constexpr std::array kPointing{"this",     "that",      "next",     "last",      "every", "each",    "all",
+                                 "some",     "any",       "same",     "other",     "one",   "another", "few",
+                                 "previous", "following", "tomorrow", "yesterday", "today"};
+  const int led = graph.child(at, "mod");
+  if (led >= 0 && is_one_of(graph, graph.arc(led).to, kPointing)) attribute_add(graph.word(at), "@bare");
+}
+
+// "She gave it to him": a pronoun stands before who receives it, who then has a preposition.
+static void receiver_apply(Rewriter& graph, int at) {
+  constexpr std::array kGiving{"give", "show",  "tell", "send", "bring", "lend",    "teach", "hand", "offer", "sell",
+                               "pay",  "throw", "pass", "feed", "owe",   "promise", "grant", "read", "write"};
+  constexpr std::array kPronouns{"it", "they", "he", "she", "i", "you", "we"};
+  const int what = is_one_of(graph, at, kGiving) ? graph.child(at, "ARG1") : -1;
+  if (what < 0 || graph.child(at, "ARG2") < 0) return;
+  const int thing = graph.arc(what).to;
+  if (is_one_of(graph, thing, kPronouns) || graph.parent(thing) != what) attribute_add(graph.word(at), "@pro1");
+}
+
 // What the rules must know of a whole clause before its first word stands: whether it has a subject, an auxiliary, an
 // expletive. No graph is changed here but for attributes, so that this step sees what the reader will see.
 void step_forms(Meaning& meaning) {
@@ -1089,6 +1113,8 @@ void step_forms(Meaning& meaning) {
   constexpr std::array kAuxiliary{"@can", "@must",  "@should", "@may", "@likely", "@maynot",
                                   "@fut", "@would", "@used",   "@neg", "@ask",    "@int"};
   for (int at = 0; at < graph.count(); ++at) {
+    bare_time_apply(graph, at);
+    receiver_apply(graph, at);
     Concept& word = graph.word(at);
     // English has one modal verb in a clause.
     if (has_attribute(word, "@must")) std::erase(word.attributes, "@should");

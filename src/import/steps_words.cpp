@@ -212,6 +212,27 @@ static void multiple_apply(Rewriter& graph, int at) {
   }
 }
 
+// "A few steps"; what a word picks out has few alone: "these few steps", "very few steps".
+static void few_apply(Rewriter& graph, int at) {
+  const int led = graph.is(at, "few") && graph.children(at).empty() ? graph.parent(at) : -1;
+  if (led < 0 || graph.arc(led).inverse || graph.arc(led).role != "quant") return;
+  const int noun = graph.arc(led).from;
+  if (graph.child(noun, "poss") >= 0 || graph.is(noun, "person")) return;
+  for (const int one : graph.children(noun)) {
+    const int mod = graph.arc(one).to;
+    if (graph.is(mod, "this") || graph.is(mod, "that") || graph.is(mod, "only")) return;
+  }
+  graph.word(at).name = "a-few";
+}
+
+// "I saw the others": alone and with nothing that counts it, what is other is several.
+static void others_apply(Rewriter& graph, int at) {
+  const int led = graph.is(at, "other") && graph.children(at).empty() ? graph.parent(at) : -1;
+  if (led < 0 || graph.arc(led).inverse) return;
+  const std::string& role = graph.arc(led).role;
+  if (role.starts_with("ARG") || role == "beneficiary" || role == "accompanier") attribute_add(graph.word(at), "@pl");
+}
+
 // Nouns of which there is a lot, and not lots of them; frames are no matter here.
 static bool is_uncounted(const std::string& name) {
   constexpr std::array<std::string_view, 48> kMass{
@@ -315,7 +336,11 @@ void step_quantities(Meaning& meaning) {
     const bool is_many = is_lot || std::find(kMany.begin(), kMany.end(), number.name) != kMany.end();
     if (is_plain || is_many) attribute_add(graph.word(one.from), number.name == "1" ? "@sg" : "@pl");
   }
-  for (int at = 0; at < graph.count(); ++at) multiple_apply(graph, at);
+  for (int at = 0; at < graph.count(); ++at) {
+    multiple_apply(graph, at);
+    few_apply(graph, at);
+    others_apply(graph, at);
+  }
   for (int at = 0; at < graph.count(); ++at) {
     const int led = graph.parent(at);
     if (led >= 0 && graph.arc(led).role == "quant" && is_number(graph.word(at).name)) {
