@@ -46,7 +46,7 @@ VERB_OBJECTS = {verb: preposition for preposition, verbs in {
     "of": "dispose approve disapprove dream beware repent despair tire",
     "into": "delve inquire pry"}.items() for verb in verbs.split()}
 VERB_SECOND = {verb: preposition for preposition, verbs in {
-    "of": "rob convince", "on": "put", "into": "insert divide transform convert", "with": "fill equip", "in": "invest",
+    "of": "rob convince", "on": "put", "into": "insert divide transform convert", "with": "fill equip", "in": "invest", "for": "ban",
     "to": "subject expose limit devote dedicate attribute attach", "from": "separate distinguish exclude isolate"}.items()
                for verb in verbs.split()}
 NOUN_OBJECTS = {verb: preposition for preposition, verbs in {
@@ -71,7 +71,8 @@ NOUNS = {verb: noun for verb, noun in (one.split(":") for one in (
 # How English builds a sense, where the frame files have no example of it: "an answer with a smile", "split into halves".
 # POSTN is for a participle that stands behind its noun, "the money left".
 BUILT = {
-    "answer(>01)": "p2with", "ask(>02)": "p1for", "come(>01)": "p3from p4to", "draw(>01)": "p2for", "excuse(>01)": "p2for GER2", "leave(>17)": "POSTN",
+    "answer(>01)": "p2with", "attend(>02)": "p1to", "comment(>01)": "p3on",
+    "ask(>02)": "p1for", "come(>01)": "p3from p4to", "draw(>01)": "p2for", "excuse(>01)": "p2for GER2", "leave(>17)": "POSTN",
     "question(>01)": "p1about", "remain(>01)": "GER3", "split(>01)": "p2into",
     "sit-down(>02)": "p2on", "do(>02)": "p2to", "go-back(>19)": "p2to",
     "title(>01)": "NP2", "view(>02)": "THAT1", "war(>01)": "p2over", "weigh(>01)": "SA1",
@@ -81,7 +82,11 @@ COPULAR = set("become look feel sound smell taste stay remain grow turn get go s
 FACT_VERBS = set("refer object react respond attest allude depend rely focus concentrate elaborate dwell reflect account".split())
 # What happens to things by itself as well: "the door opened" where nobody is named who opens it.
 ERGATIVE = set("increase decrease change improve begin start end stop continue develop spread shift double triple expand shrink "
-               "evolve accumulate worsen widen accelerate collapse sink melt freeze move turn open close".split())
+               "evolve accumulate worsen widen accelerate collapse sink melt freeze move turn open close retire recover".split())
+# What has a topic with about.
+ABOUT_NOUNS = set("information news story book article bullshit nonsense joke rumour rumor gossip film movie song poem theory "
+                  "opinion view truth fact data documentary lesson lecture conversation discussion debate secret detail thing "
+                  "something anything nothing everything report remark statement complaint concern worry doubt".split())
 STATE_FILES = {31, 37, 42}
 MASS_FILES = {7, 12, 27, 26}
 
@@ -386,6 +391,7 @@ class Writer:
         if lemma != lemma.lower():
             written = lemma
         kinds = {18: ",HUM", 28: ",TIM", 15: ",PLC"}.get(file, "") + (",MASS" if file in MASS_FILES else "")
+        kinds += ",ABT" * (lemma in ABOUT_NOUNS)
         kinds += self.sources.text.noun_marks(lemma, self.sources.irregular["noun"].get(lemma) or plural(written))
         self.entry(written, concept, f"N{kinds}{vowel(written)}{more}")
         if written[:1].islower() or file == 18 and " " not in written:

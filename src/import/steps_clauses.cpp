@@ -639,9 +639,17 @@ static void frame_stand_in(Rewriter& graph, int at, int led, const char* mark) {
 // (t / thing :ARG1-of (o / order-01)): an order. Only what has no agent; "what she knows" stays a clause.
 static void thing_apply(Rewriter& graph, int at) {
   int led = -1;
-  for (const int one : graph.children(at)) {
+  // "The lie that he told": of several clauses the one that is a noun by itself.
+  constexpr std::array kNouns{"lie", "dream", "promise", "order", "question", "plan", "claim", "request", "offer"};
+  const std::vector<int> told = graph.children(at);
+  const auto is_noun = [&](int one) {
+    return graph.arc(one).inverse && graph.arc(one).role == "ARG1" && is_one_of(graph, graph.arc(one).to, kNouns) &&
+           graph.children(graph.arc(one).to).empty();
+  };
+  const auto noun = std::find_if(told.begin(), told.end(), is_noun);
+  for (const int one : told) {
     const Arc& below = graph.arc(one);
-    if (!below.inverse) continue;
+    if (!below.inverse || (noun != told.end() && one != *noun)) continue;
     if (led >= 0 || !is_core_role(below.role) || below.role == "ARG0") return;
     led = one;
   }
@@ -676,6 +684,12 @@ static void thing_apply(Rewriter& graph, int at) {
 static void pronoun_apply(Rewriter& graph, int at) {
   constexpr std::array kPronouns{"i", "we", "you", "he", "she", "it", "they", "that", "this"};
   const int above = graph.parent(at);
+  // "Which means that ...", as a sentence: what was spoken of before is "that".
+  const int meant = above < 0 && graph.is(at, "thing") && graph.children(at).size() == 1 ? graph.children(at)[0] : -1;
+  constexpr std::array kMeaning{"mean", "show", "suggest", "imply", "prove"};
+  if (meant >= 0 && is_one_of(graph, graph.arc(meant).to, kMeaning) && graph.child(graph.arc(meant).to, "ARG0") < 0) {
+    graph.word(at).name = "that";
+  }
   const bool is_content = above < 0
                               ? graph.meaning().root == at
                               : !graph.arc(above).inverse && graph.arc(above).role == "ARG1" && graph.mentions(at) == 1;
@@ -1014,11 +1028,26 @@ void step_tense(Meaning& meaning) {
   }
 }
 
+// "His death was announced", "she was told": where nobody does it and nothing else is spoken of, the second argument is.
+static void receiver_apply(Rewriter& graph, int at) {
+  const Concept& word = graph.word(at);
+  constexpr std::array kVerbs{"treat", "pronounce", "declare", "name", "appoint", "teach", "tell", "ask", "inform"};
+  const bool is_verb = !word.sense.empty() && is_one_of(graph, at, kVerbs) && !has_attribute(word, "@agent") &&
+                       !has_attribute(word, "@result") && !has_attribute(word, "@imp");
+  const int second = is_verb ? graph.child(at, "ARG2") : -1;
+  if (second < 0 || graph.argument(at, "ARG0") >= 0 || graph.argument(at, "ARG1") >= 0) return;
+  for (const char* role : {"understood", "shared", "speaker", "questioned", "quoted", "domain"}) {
+    if (graph.child(at, role) >= 0) return;
+  }
+  graph.arc(second).role = "ARG1";
+}
+
 // Only people and pronouns: "the wall was moved by building the road" is no better than the active.
 void step_voice(Meaning& meaning) {
   Rewriter graph(meaning, "voice");
   constexpr std::array kSomebody{"i",      "we",      "you",      "he",       "she",     "they",   "person", "one",
                                  "anyone", "someone", "everyone", "somebody", "anybody", "nobody", "man",    "woman"};
+  for (int at = 0; at < graph.count(); ++at) receiver_apply(graph, at);
   for (int at = 0; at < graph.count(); ++at) {
     const int agent = graph.child(at, "ARG0");
     const int patient = graph.child(at, "ARG1");
@@ -1222,6 +1251,9 @@ void step_control(Meaning& meaning) {
     const std::string& role = graph.arc(above).role;
     // "She knows whether she may stay" is no infinitive.
     if (has_attribute(graph.word(at), "@whether") || has_attribute(graph.word(at), "@result")) continue;
+    // "They said that they were tempted": what is said has a subject.
+    constexpr std::array kTelling{"say", "state", "explain", "report", "note", "mention", "announce", "think", "believe"};
+    if (role == "ARG1" && is_one_of(graph, graph.arc(above).from, kTelling)) continue;
     // A clause in another role keeps its subject: "she left because she was tired".
     const bool may_be_infinite = role.starts_with("ARG") || role == "purpose" || role == "manner" || role == "mod" ||
                                  role == "attendant" || role == "substitute" || role == "exception" ||
