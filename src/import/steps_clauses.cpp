@@ -1029,7 +1029,7 @@ void step_tense(Meaning& meaning) {
 }
 
 // "His death was announced", "she was told": where nobody does it and nothing else is spoken of, the second argument is.
-static void receiver_apply(Rewriter& graph, int at) {
+static void told_apply(Rewriter& graph, int at) {
   const Concept& word = graph.word(at);
   constexpr std::array kVerbs{"treat", "pronounce", "declare", "name", "appoint", "teach", "tell", "ask", "inform"};
   const bool is_verb = !word.sense.empty() && is_one_of(graph, at, kVerbs) && !has_attribute(word, "@agent") &&
@@ -1047,7 +1047,7 @@ void step_voice(Meaning& meaning) {
   Rewriter graph(meaning, "voice");
   constexpr std::array kSomebody{"i",      "we",      "you",      "he",       "she",     "they",   "person", "one",
                                  "anyone", "someone", "everyone", "somebody", "anybody", "nobody", "man",    "woman"};
-  for (int at = 0; at < graph.count(); ++at) receiver_apply(graph, at);
+  for (int at = 0; at < graph.count(); ++at) told_apply(graph, at);
   for (int at = 0; at < graph.count(); ++at) {
     const int agent = graph.child(at, "ARG0");
     const int patient = graph.child(at, "ARG1");
@@ -1252,7 +1252,8 @@ void step_control(Meaning& meaning) {
     // "She knows whether she may stay" is no infinitive.
     if (has_attribute(graph.word(at), "@whether") || has_attribute(graph.word(at), "@result")) continue;
     // "They said that they were tempted": what is said has a subject.
-    constexpr std::array kTelling{"say", "state", "explain", "report", "note", "mention", "announce", "think", "believe"};
+    constexpr std::array kTelling{"say",     "state",    "explain", "report", "note",
+                                  "mention", "announce", "think",   "believe"};
     if (role == "ARG1" && is_one_of(graph, graph.arc(above).from, kTelling)) continue;
     // A clause in another role keeps its subject: "she left because she was tired".
     const bool may_be_infinite = role.starts_with("ARG") || role == "purpose" || role == "manner" || role == "mod" ||
