@@ -606,7 +606,7 @@ void step_polarity(Meaning& meaning) {
       const int clause = graph.other(led, at);
       graph.settle_concept(at, Fate::attribute);
       graph.remove(led, Fate::attribute);
-      attribute_add(graph.word(clause), "@tag");
+      attribute_add(graph.word(clause), "@int");
       if (is_above) graph.redirect(at, clause);
       graph.move_children(at, clause);
     }
@@ -1243,6 +1243,14 @@ void step_control(Meaning& meaning) {
     const bool is_same = subject >= 0 && graph.arc(subject).to == graph.arc(topic).to;
     // What the source says of him goes along, as he is said there.
     if (is_same) graph.remove(topic, Fate::relation);
+  }
+  // "She left silently": that she is silent says nothing more.
+  for (int at = 0; at < graph.count(); ++at) {
+    const int said = graph.child(at, "domain");
+    const int above = said < 0 ? -1 : graph.parent(at);
+    if (above < 0 || graph.arc(above).inverse || graph.arc(above).role != "manner") continue;
+    const int subject = subject_arc(graph, graph.arc(above).from);
+    if (subject >= 0 && graph.arc(subject).to == graph.arc(said).to) graph.remove(said, Fate::relation);
   }
   const std::vector<int> first = first_arcs(graph);
   for (int at = 0; at < graph.count(); ++at) {
