@@ -77,6 +77,10 @@ BUILT = {
     "sit-down(>02)": "p2on", "do(>02)": "p2to", "go-back(>19)": "p2to",
     "title(>01)": "NP2", "view(>02)": "THAT1", "war(>01)": "p2over", "weigh(>01)": "SA1",
 }
+# Who does it, where the shortest word that is made of the verb is another.
+AGENTS = {"apply": "applicant", "assist": "assistant", "inhabit": "inhabitant", "reside": "resident", "study": "student",
+          "immigrate": "immigrant", "participate": "participant", "compete": "competitor", "represent": "representative",
+          "counsel": "counselor", "act": "actor", "account": "accountant", "assail": "assailant", "defend": "defender"}
 # Behind these an adjective says what the subject is or becomes.
 COPULAR = set("become look feel sound smell taste stay remain grow turn get go seem appear keep".split())
 FACT_VERBS = set("refer object react respond attest allude depend rely focus concentrate elaborate dwell reflect account".split())
@@ -529,7 +533,7 @@ def agent_of(sources, verb):
     # Not "liver" for one who lives: a word for parts of the body and for animals.
     return sorted((a for a in sources.agents.get(verb, ()) if a.lower().startswith(stem)
                    and sources.nouns.get(a.lower(), (a, 18))[1] not in (range(18) if a == verb else (5, 8))),
-                  key=lambda a: (a.endswith("ee"), len(a)))
+                  key=lambda a: (a != AGENTS.get(verb), a[0].isupper(), a == verb, a.endswith("ee"), len(a)))
 
 
 def lemmas(writer, sources):

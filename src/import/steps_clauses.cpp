@@ -577,7 +577,10 @@ void step_polarity(Meaning& meaning) {
       std::erase(graph.word(at).attributes, "@neg");
     }
     // "She has no garden": what is had is denied, if it is any of its kind.
-    const int had = graph.is(at, "have", "03") && has_attribute(graph.word(at), "@neg") ? graph.child(at, "ARG1") : -1;
+    const bool is_holding = graph.is(at, "have", "91") || graph.is(at, "have-part", "91") ||
+                            graph.is(at, "have-possession", "91") || graph.is(at, "have-experience", "91");
+    const bool has_not = (is_holding || graph.is(at, "have", "03")) && has_attribute(graph.word(at), "@neg");
+    const int had = has_not ? graph.child(at, is_holding ? "ARG2" : "ARG1") : -1;
     if (had >= 0 && is_any(graph, graph.arc(had).to)) {
       attribute_add(graph.word(graph.arc(had).to), "@neg");
       std::erase(graph.word(at).attributes, "@neg");
@@ -870,8 +873,14 @@ void step_speaker(Meaning& meaning) {
   graph.settle_concept(frame, Fate::left_out);
   const int content = graph.arc(said).to;
   std::erase(graph.word(content).attributes, "@quote");
+  const int called = graph.child(content, "vocative");
   for (const int led : graph.children(frame)) {
     const int to = graph.arc(led).to;
+    // Who is called need not be told that he is spoken to.
+    if (called >= 0 && graph.arc(led).role == "ARG2" && graph.arc(called).to == to) {
+      graph.remove(led, Fate::left_out);
+      continue;
+    }
     const bool is_person = graph.arc(led).role == "ARG0" || (graph.arc(led).role == "ARG2" && is_bare(to));
     if (is_person) {
       if (graph.mentions(to) > 1) graph.word(to).name = graph.arc(led).role == "ARG0" ? "i" : "you";

@@ -354,6 +354,14 @@ void measured_apply(Rewriter& graph, int at) {
 }
 
 // A comparison is told by the quality, as words for it depend on its form: taller, more beautiful.
+// What is said of a fact, and of no way to do something: it is easier to wait.
+bool is_judgement(const std::string& name) {
+  constexpr std::string_view kJudging[] = {
+      "difficult", "easy", "hard", "important", "good",      "bad",        "possible",  "necessary", "likely", "common",
+      "nice",      "fun",  "safe", "dangerous", "expensive", "impossible", "essential", "fair",      "right"};
+  return std::find(std::begin(kJudging), std::end(kJudging), name) != std::end(kJudging);
+}
+
 // (f / find-01 :ARG1 (h / have-degree-91 :ARG1 (h2 / horse) :ARG2 fast :ARG3 most)): to find the fastest horse. What is only
 // said or thought stays a clause.
 bool sought_apply(Rewriter& graph, int at, int quality, int bearer) {
@@ -488,7 +496,8 @@ void degree_apply(Rewriter& graph, int at, bool is_quantity) {
     graph.remove(bearer_led, Fate::relation);
     graph.replace(quality_led, bearer, quality, is_quantity ? "quant" : "mod");
   } else if (!graph.word(bearer).sense.empty() && !is_quantity && graph.word(quality).sense.empty() &&
-             graph.mentions(bearer) == 1 && (graph.child(bearer, "ARG0") >= 0 || graph.child(bearer, "ARG1") >= 0)) {
+             !is_judgement(graph.word(quality).name) && graph.mentions(bearer) == 1 &&
+             (graph.child(bearer, "ARG0") >= 0 || graph.child(bearer, "ARG1") >= 0)) {
     // The bearer is an event: "he fell as gently as a tree falls".
     graph.remove(bearer_led, Fate::relation);
     graph.replace(quality_led, bearer, quality, "manner");
@@ -650,7 +659,10 @@ static void part_place_apply(Rewriter& graph, int at) {
 // How often, said as how many of it there are: "he asked so many times". Only of what is a clause.
 static void times_apply(Rewriter& graph, int at) {
   const int led = graph.word(at).sense.empty() ? -1 : graph.child(at, "quant");
-  if (led < 0 || graph.child(at, "frequency") >= 0 || !graph.is(graph.arc(led).to, "many")) return;
+  constexpr std::string_view kMany[] = {"many", "several", "multiple", "numerous"};
+  const bool is_many =
+      led >= 0 && std::find(std::begin(kMany), std::end(kMany), graph.word(graph.arc(led).to).name) != std::end(kMany);
+  if (!is_many || graph.child(at, "frequency") >= 0) return;
   const int above = graph.parent(at);
   const bool is_clause = above < 0 || graph.arc(above).inverse;
   if (!is_clause || (graph.child(at, "ARG0") < 0 && above < 0)) return;

@@ -48,7 +48,15 @@ std::vector<int> operands(Rewriter& graph, int at) {
 }
 
 // True for a name whose head is a common noun, or that is a plural: "the Central Court", "the Hill Islands".
-bool takes_article(const std::string& name) {
+bool takes_article(const std::string& type, const std::string& name) {
+  constexpr std::array<std::string_view, 15> kAlways{"U.S.", "US",  "USA",         "U.S.A.",      "UK",
+                                                     "U.K.", "UN",  "U.N.",        "EU",          "E.U.",
+                                                     "FBI",  "CIA", "Netherlands", "Philippines", "Middle East"};
+  // Waters, deserts and ships: the Nile.
+  constexpr std::array<std::string_view, 6> kTypes{"river", "ocean", "sea", "canal", "desert", "ship"};
+  if (std::find(kAlways.begin(), kAlways.end(), name) != kAlways.end() ||
+      std::find(kTypes.begin(), kTypes.end(), type) != kTypes.end())
+    return true;
   constexpr std::array<std::string_view, 30> kHeads{
       "States",     "Nations", "Islands", "Emirates", "Kingdom",    "Republic", "Union",     "Federation",
       "Ministry",   "Church",  "Senate",  "Court",    "Commission", "Council",  "Committee", "Association",
@@ -102,8 +110,9 @@ void name_apply(Rewriter& graph, int at, int led) {
   graph.settle_concept(at, Fate::attribute);
   Concept& named = graph.word(at);
   attribute_add(named, "@name");
-  attribute_add(named, "@" + named.name);
-  if (takes_article(text)) attribute_add(named, "@the");
+  const std::string type = named.name;
+  attribute_add(named, "@" + type);
+  if (takes_article(type, text)) attribute_add(named, "@the");
   if (text.ends_with('s')) attribute_add(named, "@ends");
   named.name = text;
   named.sense.clear();
@@ -358,6 +367,37 @@ static bool has_role(Rewriter& graph, int at) {
   return false;
 }
 
+// Words that mean something else together than one by one.
+static void idiom_apply(Rewriter& graph, int at) {
+  for (const int led : graph.children(at)) {
+    const int word = graph.arc(led).to;
+    if (graph.arc(led).inverse || !graph.children(word).empty() || graph.mentions(word) > 1) continue;
+    const std::string& role = graph.arc(led).role;
+    // (i / institution :mod (o / only :polarity -)): not only the institution.
+    if (role == "mod" && graph.is(word, "only") && has_attribute(graph.word(word), "@neg")) {
+      graph.word(word).name = "not-only";
+      std::erase(graph.word(word).attributes, "@neg");
+    }
+    // Whoever is fed are the poor, not poorly.
+    constexpr std::array<std::string_view, 14> kPeople{"poor",       "rich",     "young",   "old",  "homeless",
+                                                       "unemployed", "elderly",  "sick",    "dead", "blind",
+                                                       "deaf",       "disabled", "wealthy", "needy"};
+    const bool is_people = std::find(kPeople.begin(), kPeople.end(), graph.word(word).name) != kPeople.end();
+    if (is_people && role.starts_with("ARG") && graph.word(word).sense.empty())
+      attribute_add(graph.word(word), "@people");
+  }
+  // (t / time :mod (a / all)): all the time.
+  const int above = graph.is(at, "time") && graph.children(at).size() == 1 ? graph.parent(at) : -1;
+  const int all = above < 0 ? -1 : graph.child(at, "mod");
+  if (all < 0 || graph.arc(above).inverse || !graph.is(graph.arc(all).to, "all")) return;
+  const std::string& role = graph.arc(above).role;
+  if (role != "frequency" && role != "duration" && role != "time" && role != "temporal") return;
+  graph.word(at).name = "all-the-time";
+  graph.word(at).attributes.clear();
+  graph.settle_concept(graph.arc(all).to, Fate::word);
+  graph.remove(all, Fate::word);
+}
+
 // (w / woman :mod (r / rest)): the rest of the women.
 static void rest_apply(Rewriter& graph, int at) {
   const int led = graph.child(at, "mod");
@@ -408,6 +448,7 @@ void step_pronouns(Meaning& meaning) {
   }
   for (int at = 0, end = graph.count(); at < end; ++at) {
     rest_apply(graph, at);
+    idiom_apply(graph, at);
     Concept& word = graph.word(at);
     const int counted = word.name == "thing" && word.sense.empty() ? graph.child(at, "quant") : -1;
     if (counted >= 0 && !has_attribute(word, "@name")) {
