@@ -75,12 +75,23 @@ BUILT = {
     "ask(>02)": "p1for", "come(>01)": "p3from p4to", "draw(>01)": "p2for", "excuse(>01)": "p2for GER2", "leave(>17)": "POSTN",
     "question(>01)": "p1about", "remain(>01)": "GER3", "split(>01)": "p2into",
     "sit-down(>02)": "p2on", "do(>02)": "p2to", "go-back(>19)": "p2to",
-    "title(>01)": "NP2", "view(>02)": "THAT1", "war(>01)": "p2over", "weigh(>01)": "SA1",
+    "title(>01)": "NP2", "view(>02)": "THAT1", "war(>01)": "p2over", "weigh(>01)": "SA1", "marry(>01)": "NP2",
+    "thank(>01)": "p2for GER2", "accuse(>01)": "p2of GER2", "suspect(>01)": "p2of GER2", "praise(>01)": "p2for GER2",
+    "punish(>01)": "p2for GER2", "prevent(>01)": "p2from GER2",
 }
 # Who does it, where the shortest word that is made of the verb is another.
 AGENTS = {"apply": "applicant", "assist": "assistant", "inhabit": "inhabitant", "reside": "resident", "study": "student",
           "immigrate": "immigrant", "participate": "participant", "compete": "competitor", "represent": "representative",
           "counsel": "counselor", "act": "actor", "account": "accountant", "assail": "assailant", "defend": "defender"}
+# What an adjective has in front of what it is about.
+ADJECTIVE_OBJECTS = {adjective: preposition for preposition, adjectives in {
+    "of": "afraid aware proud fond capable full ashamed jealous worthy guilty certain tired typical short free envious weary",
+    "for": "famous ready responsible sorry eligible suitable grateful eager necessary",
+    "about": "curious worried anxious enthusiastic pessimistic optimistic serious nervous",
+    "with": "angry busy familiar content compatible consistent",
+    "from": "different absent distinct safe", "on": "dependent keen reliant", "at": "good bad skilled",
+    "in": "interested rich fluent", "to": "similar equal loyal accustomed close relevant essential"}.items()
+    for adjective in adjectives.split()}
 # Behind these an adjective says what the subject is or becomes.
 COPULAR = set("become look feel sound smell taste stay remain grow turn get go seem appear keep".split())
 FACT_VERBS = set("refer object react respond attest allude depend rely focus concentrate elaborate dwell reflect account".split())
@@ -484,6 +495,8 @@ def frames(path, writer, sources):
         if verb in GERUND:
             built = [a for a in built if a != "INF1"] + ["GER1"]
         more = BUILT.get(concept, "").split()
+        if not verb and (told := ADJECTIVE_OBJECTS.get(lemma)):
+            more += [f"p{n}{told}" for n in "12" if "p" + n not in {a[:2] for a in built + more}]
         numbers = {argument_of(a) for a in more} - {""}
         built = [a for a in built if "THAT" in a or argument_of(a) not in numbers] + more
         is_ergative = verb in ERGATIVE and sense_of(concept) < 3

@@ -1021,6 +1021,13 @@ void step_tense(Meaning& meaning) {
         joined_to = graph.child(graph.arc(joined_to).to, "conjunct");
       }
     }
+    // What is joined to a clause about the same person is told of the same time.
+    const int next = graph.child(at, "conjunct");
+    const int part = next >= 0 ? graph.arc(next).to : -1;
+    const bool is_open = part >= 0 && graph.child(part, "shared") >= 0 && !has_attribute(graph.word(part), "@past") &&
+                         !has_attribute(graph.word(part), "@fut") && !has_attribute(graph.word(part), "@imp");
+    if (is_open && has_attribute(clause, "@pres") && has_attribute(graph.word(part), "@v"))
+      attribute_add(graph.word(part), "@pres");
     // Who asks you what happens means now: "what are you doing?"
     const bool is_question = has_attribute(clause, "@ask") || has_attribute(clause, "@int");
     constexpr std::array kStanding{"@can", "@must", "@should", "@may", "@maynot", "@likely", "@perf", "@habit", "@neg"};
@@ -1148,8 +1155,8 @@ static void receiver_apply(Rewriter& graph, int at) {
 void step_forms(Meaning& meaning) {
   Rewriter graph(meaning, "forms");
   // What English says with an auxiliary in front of the basic form.
-  constexpr std::array kAuxiliary{"@can", "@must",  "@should", "@may", "@likely", "@maynot",
-                                  "@fut", "@would", "@used",   "@neg", "@ask",    "@int"};
+  constexpr std::array kAuxiliary{"@need", "@can",   "@must", "@should", "@may", "@likely", "@maynot",
+                                  "@fut",  "@would", "@used", "@neg",    "@ask", "@int"};
   for (int at = 0; at < graph.count(); ++at) {
     bare_time_apply(graph, at);
     receiver_apply(graph, at);

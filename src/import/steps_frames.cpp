@@ -556,6 +556,10 @@ void modality_apply(Rewriter& graph, int at, const Modal& modal) {
   graph.settle_concept(at, Fate::attribute);
   attribute_add(graph.word(clause), modal.attribute);
   // A negated possibility: "cannot". The two negations of "it is not possible not to" stay apart.
+  // Who is not obliged may do it all the same: "you need not go".
+  if (graph.is(at, "obligate", "01") && has_attribute(graph.word(at), "@neg") &&
+      std::erase(graph.word(clause).attributes, "@must"))
+    attribute_add(graph.word(clause), "@need");
   const bool both = has_attribute(graph.word(at), "@neg") && has_attribute(graph.word(clause), "@neg");
   if (both) return;
   for (const std::string& attribute : graph.word(at).attributes) {
@@ -629,8 +633,10 @@ static void frequency_apply(Rewriter& graph, int at) {
     return;
   }
   const int times = graph.add_concept("time");
+  graph.move_children(graph.arc(led).to, times);
   graph.add(times, graph.arc(led).to, "quant");
   graph.arc(led).to = times;
+  attribute_add(graph.word(times), "@pl");
   attribute_add(graph.word(times), "@measure");
 }
 

@@ -242,6 +242,29 @@ void becoming_apply(Rewriter& graph, int at) {
     attribute_add(graph.word(quality), "@res");
 }
 
+// Who exclaims how great something is does not ask.
+void exclaim_apply(Rewriter& graph, int at) {
+  const int led = graph.is(at, "exclaim", "01") ? graph.child(at, "ARG1") : -1;
+  if (led >= 0 && graph.child(graph.arc(led).to, "degree") >= 0 &&
+      !has_attribute(graph.word(graph.arc(led).to), "@int"))
+    attribute_add(graph.word(graph.arc(led).to), "@exp");
+}
+
+// :time (t / time :mod every :time-of (r / rain-01)): "whenever it rains".
+void whenever_apply(Rewriter& graph, int at) {
+  const int led = graph.child(at, "time");
+  const int time = led >= 0 && graph.is(graph.arc(led).to, "time") ? graph.arc(led).to : -1;
+  const int clause = time >= 0 ? graph.child(time, "time", true) : -1;
+  const int every = time >= 0 ? graph.child(time, "mod") : -1;
+  constexpr std::array kEach{"every", "each", "any", "all"};
+  if (clause < 0 || every < 0 || !is_one_of(graph, graph.arc(every).to, kEach) || graph.children(time).size() != 2)
+    return;
+  graph.settle_concept(graph.arc(every).to, Fate::word);
+  graph.remove(every, Fate::word);
+  graph.replace(clause, time, graph.arc(clause).to, "op1");
+  graph.word(time).name = "whenever";
+}
+
 // How great a quality is asked for: (t / tall :domain (s / she) :degree (a / amr-unknown)), "how tall is she". The quality
 // moves to the front with the word that asks.
 void how_apply(Rewriter& graph, int at) {
@@ -314,6 +337,8 @@ void step_predicates(Meaning& meaning) {
     exist_apply(graph, at);
     seeming_apply(graph, at);
     becoming_apply(graph, at);
+    exclaim_apply(graph, at);
+    whenever_apply(graph, at);
     how_apply(graph, at);
   }
   for (Arc& one : meaning.arcs) denial_apply(graph, one), measure_apply(graph, one);

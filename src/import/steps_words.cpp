@@ -137,6 +137,19 @@ void step_names(Meaning& meaning) {
     const int led = graph.child(at, "name");
     if (led >= 0 && graph.is(graph.arc(led).to, "name")) name_apply(graph, at, led);
   }
+  // "They called him Tom": a name that is spoken of itself.
+  for (int at = 0; at < graph.count(); ++at) {
+    const std::vector<int> words = graph.is(at, "name") ? operands(graph, at) : std::vector<int>{};
+    if (words.empty() || words.size() != graph.children(at).size()) continue;
+    std::string text;
+    for (const int operand : words) {
+      if (!text.empty()) text += ' ';
+      text += graph.word(graph.arc(operand).to).name;
+      graph.remove(operand, Fate::word);
+    }
+    graph.word(at).name = text;
+    attribute_add(graph.word(at), "@name");
+  }
 }
 
 // (d / date-entity :month 3 :day 4 :year 2012): the month becomes the word, month(>3).@date.@month, and day and year stand
