@@ -1140,7 +1140,7 @@ static void bare_time_apply(Rewriter& graph, int at) {
 }
 
 // "She gave it to him": a pronoun stands before who receives it, who then has a preposition.
-static void receiver_apply(Rewriter& graph, int at) {
+static void giving_apply(Rewriter& graph, int at) {
   constexpr std::array kGiving{"give", "show",  "tell", "send", "bring", "lend",    "teach", "hand", "offer", "sell",
                                "pay",  "throw", "pass", "feed", "owe",   "promise", "grant", "read", "write"};
   constexpr std::array kPronouns{"it", "they", "he", "she", "i", "you", "we"};
@@ -1159,7 +1159,7 @@ void step_forms(Meaning& meaning) {
                                   "@fut",  "@would", "@used", "@neg",    "@ask", "@int"};
   for (int at = 0; at < graph.count(); ++at) {
     bare_time_apply(graph, at);
-    receiver_apply(graph, at);
+    giving_apply(graph, at);
     Concept& word = graph.word(at);
     // English has one modal verb in a clause.
     if (has_attribute(word, "@must")) std::erase(word.attributes, "@should");
