@@ -764,9 +764,10 @@ void step_reified(Meaning& meaning) {
       if (is_many && graph.word(one.to).sense.empty()) attribute_add(graph.word(one.to), "@pl");
     }
     // "It is a lot for me": who feels it is no subject where there is one.
+    if (one.role != "experiencer" || one.inverse) continue;
     const bool has_subject = graph.child(one.from, "ARG0") >= 0 || graph.child(one.from, "ARG1") >= 0 ||
                              graph.child(one.from, "domain") >= 0;
-    if (one.role == "experiencer" && !one.inverse && has_subject) one.role = "beneficiary";
+    if (has_subject) one.role = "beneficiary";
   }
   for (int at = 0; at < graph.count(); ++at) {
     // Who has written a text, above it: "by Ada Hill".

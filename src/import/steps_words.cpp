@@ -281,73 +281,69 @@ static void pointing_time_apply(Rewriter& graph) {
   }
 }
 
-// (t / temporal-quantity :quant 3 :unit (y / year)) becomes year.@measure with the quantity below it. Number is settled
-// here, too: three years, all years, but one year. Loops follow one another as each looks at what the one before has made.
-void step_quantities(Meaning& meaning) {
-  Rewriter graph(meaning, "quantities");
-  pointing_time_apply(graph);
-  for (int at = 0, end = graph.count(); at < end; ++at) {
-    const bool is_quantity = graph.word(at).name.ends_with("-quantity") && graph.word(at).sense.empty();
-    if (const int unit = is_quantity ? graph.child(at, "unit") : -1; unit >= 0) {
-      attribute_add(graph.word(graph.arc(unit).to), "@measure");
-      graph.stand_in(at, unit, Fate::word);
-    }
-    if (graph.child(at, "unit") < 0) {
-      // Without a unit it is the thing that is measured.
-      if (graph.is(at, "monetary-quantity")) graph.word(at).name = "money";
-      if (graph.is(at, "temporal-quantity")) graph.word(at).name = "time";
-      if (graph.is(at, "distance-quantity")) graph.word(at).name = "distance";
-    }
-    const bool has_value = graph.is(at, "ordinal-entity") || graph.is(at, "percentage-entity") ||
-                           graph.is(at, "url-entity") || graph.is(at, "string-entity") ||
-                           graph.is(at, "email-address-entity") || graph.is(at, "phone-number-entity") ||
-                           graph.is(at, "score-entity") || graph.is(at, "hyperlink", "91");
-    if (const int value = has_value ? graph.child(at, "value") : -1; value >= 0) {
-      const int head = graph.arc(value).to;
-      const bool is_ordinal = graph.is(at, "ordinal-entity");
-      // "Percent" is a word, and its value a number of it; the others are their value.
-      if (graph.is(at, "percentage-entity")) {
-        graph.word(at).name = "percent";
-        attribute_add(graph.word(at), "@measure");
-        graph.replace(value, at, head, "quant");
-      } else {
-        if (is_ordinal) graph.word(head).sense = "ord", attribute_add(graph.word(head), "@ord");
-        graph.stand_in(at, value, Fate::word);
-      }
+// A quantity becomes its unit; without one it is the thing that is measured.
+static void unit_apply(Rewriter& graph, int at) {
+  const bool is_quantity = graph.word(at).name.ends_with("-quantity") && graph.word(at).sense.empty();
+  if (const int unit = is_quantity ? graph.child(at, "unit") : -1; unit >= 0) {
+    attribute_add(graph.word(graph.arc(unit).to), "@measure");
+    graph.stand_in(at, unit, Fate::word);
+  }
+  if (graph.child(at, "unit") < 0) {
+    // Without a unit it is the thing that is measured.
+    if (graph.is(at, "monetary-quantity")) graph.word(at).name = "money";
+    if (graph.is(at, "temporal-quantity")) graph.word(at).name = "time";
+    if (graph.is(at, "distance-quantity")) graph.word(at).name = "distance";
+  }
+}
+
+// What has nothing but a value is that value; percent is a word, and its value a number of it.
+static void value_apply(Rewriter& graph, int at) {
+  const bool has_value = graph.is(at, "ordinal-entity") || graph.is(at, "percentage-entity") ||
+                         graph.is(at, "url-entity") || graph.is(at, "string-entity") ||
+                         graph.is(at, "email-address-entity") || graph.is(at, "phone-number-entity") ||
+                         graph.is(at, "score-entity") || graph.is(at, "hyperlink", "91");
+  if (const int value = has_value ? graph.child(at, "value") : -1; value >= 0) {
+    const int head = graph.arc(value).to;
+    const bool is_ordinal = graph.is(at, "ordinal-entity");
+    // "Percent" is a word, and its value a number of it; the others are their value.
+    if (graph.is(at, "percentage-entity")) {
+      graph.word(at).name = "percent";
+      attribute_add(graph.word(at), "@measure");
+      graph.replace(value, at, head, "quant");
+    } else {
+      if (is_ordinal) graph.word(head).sense = "ord", attribute_add(graph.word(head), "@ord");
+      graph.stand_in(at, value, Fate::word);
     }
   }
-  // Behind the loop above, which has made a unit of each quantity.
-  for (int at = 0, end = graph.count(); at < end; ++at) {
-    if (graph.is(at, "rate-entity", "91")) rate_apply(graph, at);
-    if (graph.is(at, "relative-position")) position_apply(graph, at);
-  }
-  // "Any other garden": what determines the noun may stand below another word of it.
+}
+
+// Words beside a noun that determine it: each belongs to the noun, wherever the source writes it, and some go with a
+// plural. A number as :mod is a name: chapter 2.
+static void determiners_apply(Rewriter& graph) {
   constexpr std::array<std::string_view, 8> kDetermining{"any", "some", "every", "no", "this", "that", "all", "these"};
-  for (Arc& one : meaning.arcs) {
-    const int above = one.gone || one.inverse || one.role != "mod" ? -1 : graph.parent(one.from);
-    if (above < 0 || graph.arc(above).role != "mod" || graph.arc(above).inverse) continue;
-    const std::string& word = graph.word(one.to).name;
-    const bool is_determiner = std::find(kDetermining.begin(), kDetermining.end(), word) != kDetermining.end();
-    if (is_determiner && (graph.is(one.from, "other") || graph.is(one.from, "same"))) one.from = graph.arc(above).from;
-  }
-  // A number as :mod is a name, "chapter 2"; words that speak of several go with a plural.
   constexpr std::array<std::string_view, 5> kSeveral{"all", "both", "most", "these", "those"};
-  for (Arc& one : meaning.arcs) {
+  for (Arc& one : graph.meaning().arcs) {
     if (one.gone || one.inverse || one.role != "mod") continue;
-    // "All these": all belongs to the noun, wherever the source writes it.
+    // "Any other garden", "all these".
+    const std::string name = graph.word(one.to).name;
+    const bool is_determiner = std::find(kDetermining.begin(), kDetermining.end(), name) != kDetermining.end();
     const bool is_pointing = graph.is(one.from, "this") || graph.is(one.from, "that");
-    const int above = is_pointing && graph.is(one.to, "all") ? graph.parent(one.from) : -1;
+    const bool is_moved = (is_determiner && (graph.is(one.from, "other") || graph.is(one.from, "same"))) ||
+                          (is_pointing && graph.is(one.to, "all"));
+    const int above = is_moved ? graph.parent(one.from) : -1;
     if (above >= 0 && graph.arc(above).role == "mod" && !graph.arc(above).inverse) one.from = graph.arc(above).from;
-    const Concept& word = graph.word(one.to);
-    if (word.variable.empty() && is_number(word.name)) one.role = "number";
-    const bool is_several = std::find(kSeveral.begin(), kSeveral.end(), word.name) != kSeveral.end();
+    if (graph.word(one.to).variable.empty() && is_number(name)) one.role = "number";
+    const bool is_several = std::find(kSeveral.begin(), kSeveral.end(), name) != kSeveral.end();
     const bool is_all_that = graph.is(one.from, "that") || graph.is(one.from, "this");
     if (is_several && !is_all_that && graph.word(one.from).sense.empty()) attribute_add(graph.word(one.from), "@pl");
   }
-  // Numbers other than one go with a plural, and words that say how many.
+}
+
+// Numbers other than one go with a plural, and words that say how many.
+static void counted_apply(Rewriter& graph) {
   constexpr std::array<std::string_view, 11> kMany{"many", "few",  "several", "multiple",    "various",    "numerous",
                                                    "all",  "both", "most",    "amr-unknown", "umr-unknown"};
-  for (const Arc& one : meaning.arcs) {
+  for (const Arc& one : graph.meaning().arcs) {
     if (one.gone || one.inverse || one.role != "quant") continue;
     // "Only four": the number stands below the word that restricts it.
     const int inner = graph.child(one.to, "op1");
@@ -358,6 +354,24 @@ void step_quantities(Meaning& meaning) {
     const bool is_many = is_lot || std::find(kMany.begin(), kMany.end(), number.name) != kMany.end();
     if (is_plain || is_many) attribute_add(graph.word(one.from), number.name == "1" ? "@sg" : "@pl");
   }
+}
+
+// (t / temporal-quantity :quant 3 :unit (y / year)) becomes year.@measure with the quantity below it. Number is settled
+// here, too: three years, all years, but one year. Loops follow one another as each looks at what the one before has made.
+void step_quantities(Meaning& meaning) {
+  Rewriter graph(meaning, "quantities");
+  pointing_time_apply(graph);
+  for (int at = 0, end = graph.count(); at < end; ++at) {
+    unit_apply(graph, at);
+    value_apply(graph, at);
+  }
+  // Behind the loop above, which has made a unit of each quantity.
+  for (int at = 0, end = graph.count(); at < end; ++at) {
+    if (graph.is(at, "rate-entity", "91")) rate_apply(graph, at);
+    if (graph.is(at, "relative-position")) position_apply(graph, at);
+  }
+  determiners_apply(graph);
+  counted_apply(graph);
   for (int at = 0; at < graph.count(); ++at) {
     multiple_apply(graph, at);
     few_apply(graph, at);
