@@ -388,6 +388,46 @@ bool sought_apply(Rewriter& graph, int at, int quality, int bearer) {
   return true;
 }
 
+// How much of it there is: an attribute for what is a word of its own in English, a comparative for amounts.
+void degree_said(Rewriter& graph, int led, int quality) {
+  const int degree = graph.arc(led).to;
+  const char* attribute = degree_attribute(graph.word(degree));
+  // "More money than he": more is the comparative of much and many.
+  constexpr std::string_view kAmounts[] = {"more", "most", "less", "enough"};
+  const bool is_amount =
+      (graph.is(quality, "much") || graph.is(quality, "many")) &&
+      std::find(std::begin(kAmounts), std::end(kAmounts), graph.word(degree).name) != std::end(kAmounts);
+  if (is_amount && graph.mentions(degree) == 1) {
+    graph.word(quality).name = graph.word(degree).name;
+    graph.settle_concept(degree, Fate::word);
+    graph.remove(led, Fate::word);
+    graph.move_children(degree, quality);
+  } else if (attribute != nullptr && graph.mentions(degree) == 1) {
+    attribute_add(graph.word(quality), attribute);
+    graph.settle_concept(degree, Fate::attribute);
+    graph.remove(led, Fate::attribute);
+    graph.move_children(degree, quality);
+  } else {
+    graph.replace(led, quality, degree, "degree");
+  }
+}
+
+// What it is compared to, the set in which it is the most, and what follows: "so tall that ...".
+void degree_measured(Rewriter& graph, int at, int quality, int bearer_led) {
+  constexpr std::pair<const char*, const char*> kOthers[] = {
+      {"ARG4", "compared-to"}, {"ARG5", "superlative-of"}, {"ARG6", "consequence"}};
+  for (const auto& [role, label] : kOthers) {
+    const int led = graph.child(at, role);
+    if (led < 0) continue;
+    // "The oldest house of the town", "an older house than mine": what it is measured by stands behind the noun.
+    const bool is_with_noun = bearer_led >= 0 && graph.arc(bearer_led).to == at && std::string_view(role) != "ARG6" &&
+                              !has_attribute(graph.word(quality), "@equal");
+    const int kept = is_with_noun ? graph.other(bearer_led, at) : quality;
+    graph.replace(led, kept, graph.arc(led).to, label);
+    measured_apply(graph, graph.arc(led).to);
+  }
+}
+
 // (x :ARG1-of (have-degree-91 :ARG2 tall :ARG3 more :ARG4 y)): tall is the quality, x its bearer.
 void degree_apply(Rewriter& graph, int at, bool is_quantity) {
   // "She knows more things than he".
@@ -404,41 +444,8 @@ void degree_apply(Rewriter& graph, int at, bool is_quantity) {
   graph.settle_concept(at, Fate::relation);
   // What is denied is the degree: "no thicker than a finger".
   if (has_attribute(graph.word(at), "@neg")) attribute_add(graph.word(quality), "@neg");
-  if (const int led = graph.child(at, "ARG3"); led >= 0 && led != quality_led) {
-    const int degree = graph.arc(led).to;
-    const char* attribute = degree_attribute(graph.word(degree));
-    // "More money than he": more is the comparative of much and many.
-    constexpr std::string_view kAmounts[] = {"more", "most", "less", "enough"};
-    const bool is_amount =
-        (graph.is(quality, "much") || graph.is(quality, "many")) &&
-        std::find(std::begin(kAmounts), std::end(kAmounts), graph.word(degree).name) != std::end(kAmounts);
-    if (is_amount && graph.mentions(degree) == 1) {
-      graph.word(quality).name = graph.word(degree).name;
-      graph.settle_concept(degree, Fate::word);
-      graph.remove(led, Fate::word);
-      graph.move_children(degree, quality);
-    } else if (attribute != nullptr && graph.mentions(degree) == 1) {
-      attribute_add(graph.word(quality), attribute);
-      graph.settle_concept(degree, Fate::attribute);
-      graph.remove(led, Fate::attribute);
-      graph.move_children(degree, quality);
-    } else {
-      graph.replace(led, quality, degree, "degree");
-    }
-  }
-  // What it is compared to, the set in which it is the most, and what follows: "so tall that ...".
-  constexpr std::pair<const char*, const char*> kOthers[] = {
-      {"ARG4", "compared-to"}, {"ARG5", "superlative-of"}, {"ARG6", "consequence"}};
-  for (const auto& [role, label] : kOthers) {
-    const int led = graph.child(at, role);
-    if (led < 0) continue;
-    // "The oldest house of the town", "an older house than mine": what it is measured by stands behind the noun.
-    const bool is_with_noun = bearer_led >= 0 && graph.arc(bearer_led).to == at && std::string_view(role) != "ARG6" &&
-                              !has_attribute(graph.word(quality), "@equal");
-    const int kept = is_with_noun ? graph.other(bearer_led, at) : quality;
-    graph.replace(led, kept, graph.arc(led).to, label);
-    measured_apply(graph, graph.arc(led).to);
-  }
+  if (const int led = graph.child(at, "ARG3"); led >= 0 && led != quality_led) degree_said(graph, led, quality);
+  degree_measured(graph, at, quality, bearer_led);
   // Nobody bears it: "as soon as possible".
   if (bearer_led < 0) {
     if (graph.arc(quality_led).from == at) {
@@ -704,91 +711,72 @@ static void here_apply(Rewriter& graph, int at) {
   graph.add(being, at, "ARG2");
 }
 
-// (c / cause-01 :ARG0 (r / rain-01) :ARG1 (s / stay-01)) becomes (s / stay-01 :cause (r / rain-01)). Nouns that a frame
-// makes come first, "the cause of", as they would be taken apart else.
-void step_reified(Meaning& meaning) {
-  Rewriter graph(meaning, "reified");
-  for (int at = 0; at < graph.count(); ++at) {
-    if (graph.is(at, "have", "03")) having_apply(graph, at);
-    if (graph.is(at, "cause", "01")) cause_noun_apply(graph, at);
-    if (graph.is(at, "resemble", "01")) likeness_apply(graph, at);
-    // (w / work-01 :temporal (u / use-03)): what used to be done.
-    const int once = graph.is(at, "use", "03") && graph.children(at).empty() ? graph.parent(at) : -1;
-    if (once >= 0 && (graph.arc(once).role == "time" || graph.arc(once).role == "temporal")) {
-      attribute_add(graph.word(graph.arc(once).from), "@used");
-      graph.settle_concept(at, Fate::attribute);
-      graph.remove(once, Fate::attribute);
-    }
-    // Who thanks, with nobody to be thanked, says thanks.
-    const int who = graph.is(at, "thank", "01") && graph.children(at).size() == 1 ? graph.child(at, "ARG0") : -1;
-    if (who >= 0 && graph.is(graph.arc(who).to, "i")) {
-      if (graph.mentions(graph.arc(who).to) == 1) graph.settle_concept(graph.arc(who).to, Fate::left_out);
-      graph.remove(who, Fate::left_out);
-      graph.word(at).name = "thanks";
-      graph.word(at).sense.clear();
-      graph.word(at).attributes.clear();
-    }
-    // Nobody opines; people think.
-    if (graph.is(at, "opine", "01")) graph.word(at).name = "think";
-    // What is one of several, without them: "for example".
-    const int above = graph.is(at, "exemplify", "01") && graph.children(at).empty() ? graph.parent(at) : -1;
-    if (above >= 0 && graph.arc(above).inverse && graph.arc(above).role == "ARG0") {
-      graph.word(at).name = "for-example";
-      graph.word(at).sense.clear();
-      graph.replace(above, graph.arc(above).from, at, "mod");
-    }
+// Frames that are a word or a phrase of their own.
+static void phrase_apply(Rewriter& graph, int at) {
+  // (w / work-01 :temporal (u / use-03)): what used to be done.
+  const int once = graph.is(at, "use", "03") && graph.children(at).empty() ? graph.parent(at) : -1;
+  if (once >= 0 && (graph.arc(once).role == "time" || graph.arc(once).role == "temporal")) {
+    attribute_add(graph.word(graph.arc(once).from), "@used");
+    graph.settle_concept(at, Fate::attribute);
+    graph.remove(once, Fate::attribute);
   }
-  for (int at = 0; at < graph.count(); ++at) {
-    // What something is not like stays a clause: "a garden that is not like mine".
-    const int like = graph.argument(at, "ARG1");
-    const bool is_unlike = graph.word(at).name == "resemble" && has_attribute(graph.word(at), "@neg") &&
-                           (like < 0 || graph.arc(like).to == at || graph.word(graph.arc(like).to).sense.empty());
-    const Reified* one = is_unlike ? nullptr : reified_of(graph, at);
-    if (one != nullptr) reified_apply(graph, at, *one);
+  // Who thanks, with nobody to be thanked, says thanks.
+  const int who = graph.is(at, "thank", "01") && graph.children(at).size() == 1 ? graph.child(at, "ARG0") : -1;
+  if (who >= 0 && graph.is(graph.arc(who).to, "i")) {
+    if (graph.mentions(graph.arc(who).to) == 1) graph.settle_concept(graph.arc(who).to, Fate::left_out);
+    graph.remove(who, Fate::left_out);
+    graph.word(at).name = "thanks";
+    graph.word(at).sense.clear();
+    graph.word(at).attributes.clear();
   }
-  for (int at = 0, end = graph.count(); at < end; ++at) {
-    frequency_apply(graph, at);
-    times_apply(graph, at);
-    part_place_apply(graph, at);
-    outer_apply(graph, at);
-    here_apply(graph, at);
+  // Nobody opines; people think.
+  if (graph.is(at, "opine", "01")) graph.word(at).name = "think";
+  // What is one of several, without them: "for example".
+  const int above = graph.is(at, "exemplify", "01") && graph.children(at).empty() ? graph.parent(at) : -1;
+  if (above >= 0 && graph.arc(above).inverse && graph.arc(above).role == "ARG0") {
+    graph.word(at).name = "for-example";
+    graph.word(at).sense.clear();
+    graph.replace(above, graph.arc(above).from, at, "mod");
   }
-  for (Arc& one : meaning.arcs) {
-    if (one.gone) continue;
-    // "A number of birds": the number is the head.
-    if (one.role == "quant" && one.inverse && graph.word(one.from).sense.empty()) {
-      one.role = "consist-of", one.inverse = false;
-      constexpr std::string_view kOfMany[] = {"number", "group", "series", "range", "variety", "couple", "set", "row"};
-      const bool is_many =
-          std::find(std::begin(kOfMany), std::end(kOfMany), graph.word(one.from).name) != std::end(kOfMany);
-      if (is_many && graph.word(one.to).sense.empty()) attribute_add(graph.word(one.to), "@pl");
-    }
-    // "It is a lot for me": who feels it is no subject where there is one.
-    if (one.role != "experiencer" || one.inverse) continue;
-    const bool has_subject = graph.child(one.from, "ARG0") >= 0 || graph.child(one.from, "ARG1") >= 0 ||
-                             graph.child(one.from, "domain") >= 0;
-    if (has_subject) one.role = "beneficiary";
-  }
-  for (int at = 0; at < graph.count(); ++at) {
-    // Who has written a text, above it: "by Ada Hill".
-    const int author = graph.is(at, "byline", "91") ? graph.child(at, "ARG1") : -1;
-    if (author < 0) continue;
+  // Who has written a text, above it: "by Ada Hill".
+  if (const int author = graph.is(at, "byline", "91") ? graph.child(at, "ARG1") : -1; author >= 0) {
     graph.word(at).name = "by";
     graph.word(at).sense.clear();
     std::erase(graph.word(at).attributes, "@v");
     graph.arc(author).role = "op1";
   }
-  // (w / wife :part (e / ear)), where the ear is spoken of elsewhere: her ear.
-  for (int led = 0; led < static_cast<int>(meaning.arcs.size()); ++led) {
-    const Arc one = graph.arc(led);
-    if (one.gone || one.inverse || one.role != "part" || graph.mentions(one.to) < 2) continue;
-    graph.replace(led, one.to, one.from, "poss");
+}
+
+// What something is not like stays a clause: "a garden that is not like mine".
+static bool is_unlike(Rewriter& graph, int at) {
+  const int like = graph.argument(at, "ARG1");
+  return graph.word(at).name == "resemble" && has_attribute(graph.word(at), "@neg") &&
+         (like < 0 || graph.arc(like).to == at || graph.word(graph.arc(like).to).sense.empty());
+}
+
+// Roles that lead from a number to what is counted, and to who feels something.
+static void role_apply(Rewriter& graph, Arc& one) {
+  // "A number of birds": the number is the head.
+  if (one.role == "quant" && one.inverse && graph.word(one.from).sense.empty()) {
+    one.role = "consist-of", one.inverse = false;
+    constexpr std::string_view kOfMany[] = {"number", "group", "series", "range", "variety", "couple", "set", "row"};
+    const bool is_many =
+        std::find(std::begin(kOfMany), std::end(kOfMany), graph.word(one.from).name) != std::end(kOfMany);
+    if (is_many && graph.word(one.to).sense.empty()) attribute_add(graph.word(one.to), "@pl");
   }
-  // "She lay down in the grass": a bare direction stands nearer to its verb than a place does.
+  // "It is a lot for me": who feels it is no subject where there is one.
+  if (one.role != "experiencer" || one.inverse) return;
+  const bool has_subject =
+      graph.child(one.from, "ARG0") >= 0 || graph.child(one.from, "ARG1") >= 0 || graph.child(one.from, "domain") >= 0;
+  if (has_subject) one.role = "beneficiary";
+}
+
+// "She lay down in the grass": a bare direction stands nearer to its verb than a place does.
+static void directions_apply(Rewriter& graph) {
   constexpr std::string_view kBare[] = {"up",      "down",  "away",  "back",  "out",  "off",  "around",
                                         "forward", "home",  "along", "by",    "past", "over", "across",
                                         "through", "aside", "ahead", "apart", "in",   "on",   "about"};
-  for (Arc& one : meaning.arcs) {
+  for (Arc& one : graph.meaning().arcs) {
     if (one.role != "direction" || one.gone || one.inverse) continue;
     const std::string word = graph.word(one.to).name;
     const bool is_in_verb = graph.word(one.from).name.ends_with('-' + word);
@@ -800,9 +788,13 @@ void step_reified(Meaning& meaning) {
     if (is_in_verb) {
       graph.settle_concept(one.to, Fate::word);
       one.gone = true;
-      settle(meaning, one.triple, Fate::word, "reified");
+      settle(graph.meaning(), one.triple, Fate::word, "reified");
     }
   }
+}
+
+// What is taken out of a whole, and the whole.
+static void sets_apply(Rewriter& graph) {
   for (int at = 0; at < graph.count(); ++at) {
     // "Some of us": how many are taken out of a whole stands for those that are taken.
     const int whole = graph.child(at, "superset");
@@ -823,7 +815,7 @@ void step_reified(Meaning& meaning) {
     if (!has_attribute(whole, "@name")) plural_apply(whole);
   }
   // "One of these things": what others are taken from is several.
-  for (const Arc& one : meaning.arcs) {
+  for (const Arc& one : graph.meaning().arcs) {
     const bool is_whole = one.role == "superset" && !one.inverse && !one.gone;
     const Concept& whole = graph.word(one.to);
     const bool is_noun = whole.sense.empty() && !whole.variable.empty() && !has_attribute(whole, "@name");
@@ -839,6 +831,40 @@ void step_reified(Meaning& meaning) {
     graph.settle_concept(graph.arc(number).to, Fate::word);
     graph.remove(number, Fate::word);
   }
+}
+
+// (c / cause-01 :ARG0 (r / rain-01) :ARG1 (s / stay-01)) becomes (s / stay-01 :cause (r / rain-01)). Nouns that a frame
+// makes come first, "the cause of", as they would be taken apart else.
+void step_reified(Meaning& meaning) {
+  Rewriter graph(meaning, "reified");
+  for (int at = 0; at < graph.count(); ++at) {
+    if (graph.is(at, "have", "03")) having_apply(graph, at);
+    if (graph.is(at, "cause", "01")) cause_noun_apply(graph, at);
+    if (graph.is(at, "resemble", "01")) likeness_apply(graph, at);
+    phrase_apply(graph, at);
+  }
+  for (int at = 0; at < graph.count(); ++at) {
+    const Reified* one = is_unlike(graph, at) ? nullptr : reified_of(graph, at);
+    if (one != nullptr) reified_apply(graph, at, *one);
+  }
+  for (int at = 0, end = graph.count(); at < end; ++at) {
+    frequency_apply(graph, at);
+    times_apply(graph, at);
+    part_place_apply(graph, at);
+    outer_apply(graph, at);
+    here_apply(graph, at);
+  }
+  for (Arc& one : meaning.arcs) {
+    if (!one.gone) role_apply(graph, one);
+  }
+  // (w / wife :part (e / ear)), where the ear is spoken of elsewhere: her ear.
+  for (int led = 0; led < static_cast<int>(meaning.arcs.size()); ++led) {
+    const Arc one = graph.arc(led);
+    if (one.gone || one.inverse || one.role != "part" || graph.mentions(one.to) < 2) continue;
+    graph.replace(led, one.to, one.from, "poss");
+  }
+  directions_apply(graph);
+  sets_apply(graph);
 }
 
 // (p / person :ARG0-of (h / have-org-role-91 :ARG1 c :ARG2 (m / mayor))): the mayor of c. A person with a name keeps it:
