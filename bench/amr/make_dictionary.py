@@ -85,12 +85,12 @@ AGENTS = {"apply": "applicant", "assist": "assistant", "inhabit": "inhabitant", 
           "counsel": "counselor", "act": "actor", "account": "accountant", "assail": "assailant", "defend": "defender"}
 # What an adjective has in front of what it is about.
 ADJECTIVE_OBJECTS = {adjective: preposition for preposition, adjectives in {
-    "of": "afraid aware proud fond capable full ashamed jealous worthy guilty certain tired typical short free envious weary",
+    "of": "afraid aware proud fond capable full ashamed jealous worthy guilty tired typical envious weary",
     "for": "famous ready responsible sorry eligible suitable grateful eager necessary",
-    "about": "curious worried anxious enthusiastic pessimistic optimistic serious nervous",
+    "about": "worried anxious enthusiastic pessimistic optimistic nervous",
     "with": "angry busy familiar content compatible consistent",
-    "from": "different absent distinct safe", "on": "dependent keen reliant", "at": "good bad skilled",
-    "in": "interested rich fluent", "to": "similar equal loyal accustomed close relevant essential"}.items()
+    "from": "different absent distinct safe", "on": "dependent keen reliant", "at": "skilled",
+    "in": "interested fluent", "to": "similar equal loyal accustomed relevant"}.items()
     for adjective in adjectives.split()}
 # Behind these an adjective says what the subject is or becomes.
 COPULAR = set("become look feel sound smell taste stay remain grow turn get go seem appear keep".split())

@@ -1115,9 +1115,10 @@ static void extraposed_apply(Rewriter& graph, int at) {
   if (!is_frame) return;
   // "It is known that the house was sold", "it is clear that he is wrong": what is known or true is a clause even if nobody
   // does it.
-  constexpr std::array kFacts{"suspect", "believe", "know",  "say",       "report",  "think",    "expect",  "find",
-                              "allege",  "true",    "clear", "obvious",   "certain", "apparent", "evident", "strange",
-                              "lucky",   "funny",   "odd",   "fortunate", "natural", "likely"};
+  constexpr std::array kFacts{"suspect", "believe",   "know",    "say",    "report",  "think",    "expect",
+                              "find",    "allege",    "true",    "clear",  "obvious", "certain",  "apparent",
+                              "evident", "strange",   "lucky",   "matter", "happen",  "turn-out", "funny",
+                              "odd",     "fortunate", "natural", "likely"};
   const bool is_clause = graph.child(what, "ARG0") >= 0 || graph.child(what, "domain") >= 0 ||
                          (is_one_of(graph, at, kFacts) && graph.child(what, "ARG1") >= 0 && graph.parent(what) == said);
   // What nobody in particular does, with an object or a place.
@@ -1126,6 +1127,8 @@ static void extraposed_apply(Rewriter& graph, int at) {
                                "wrong",  "cruel",     "stupid",   "wise",       "expensive"};
   const bool is_act =
       !is_clause && is_one_of(graph, at, kOfActs) && graph.parent(what) == said && !graph.children(what).empty();
+  constexpr std::array kHappening{"matter", "happen", "occur", "turn-out"};
+  if (is_clause && is_one_of(graph, at, kHappening) && graph.parent(what) == said) attribute_add(graph.word(at), "@xv");
   if (is_clause) attribute_add(graph.word(at), "@xtra");
   if (is_act) attribute_add(graph.word(at), "@xinf");
 }

@@ -160,6 +160,13 @@ void denial_apply(Rewriter& graph, Arc& one) {
 void only_apply(Rewriter& graph, int led) {
   if (graph.arc(led).gone || graph.arc(led).inverse || graph.arc(led).role != "mod") return;
   const int only = graph.arc(led).to;
+  // "Only one person": the number stands below.
+  const int counted = graph.is(only, "only") ? graph.child(only, "op1") : -1;
+  const int above_it = graph.arc(led).from;
+  if (counted >= 0 && graph.child(above_it, "quant") < 0 && graph.word(above_it).sense.empty()) {
+    graph.arc(led).role = "quant";
+    return;
+  }
   if (!graph.is(only, "only") || !graph.children(only).empty() || graph.mentions(only) > 1) return;
   const int at = graph.arc(led).from;
   const bool is_predicate = graph.child(at, "domain") >= 0;
@@ -236,8 +243,14 @@ void seeming_apply(Rewriter& graph, int at) {
 void becoming_apply(Rewriter& graph, int at) {
   constexpr std::array kBecoming{"become", "grow", "get", "turn", "remain", "stay", "go", "look", "feel", "sound"};
   const int led = graph.word(at).sense.empty() || !is_one_of(graph, at, kBecoming) ? -1 : graph.child(at, "ARG2");
-  if (led < 0 || !graph.word(graph.arc(led).to).sense.empty()) return;
+  if (led < 0) return;
   const int quality = graph.arc(led).to;
+  // "Turned yellow": the quality is that of the subject, which is not said twice.
+  const int own = graph.word(quality).sense.empty() ? -1 : graph.child(quality, "ARG1");
+  const int subject = graph.child(at, "ARG1");
+  const bool is_own = own >= 0 && subject >= 0 && graph.arc(own).to == graph.arc(subject).to;
+  if (is_own && graph.children(quality).size() == 1) graph.remove(own, Fate::attribute);
+  if (!graph.word(quality).sense.empty() && !is_own) return;
   if (graph.child(quality, "domain") < 0 && graph.child(quality, "mod") < 0 && graph.child(quality, "poss") < 0)
     attribute_add(graph.word(quality), "@res");
 }
