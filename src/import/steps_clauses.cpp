@@ -173,13 +173,9 @@ void nominal_parts(Rewriter& graph, int at, const std::vector<int>& parts) {
   if (is_with_thing && is_event && graph.child(head, "ARG0") < 0) attribute_add(graph.word(head), "@nom");
 }
 
-// The first operand takes the place of the conjunction, and each further one hangs on the one before it, so that rules
-// see them in their order.
-void coordinate(Rewriter& graph, int at, const Conjunction& conjunction) {
-  const std::vector<int> parts = joined(graph, at);
-  if (parts.empty()) return;
-  // A part that the sentence has named before joins in as a mention.
-  const std::vector<int> first = first_arcs(graph);
+// A part that the sentence has named before joins in as a mention.
+void mention_parts(Rewriter& graph, const Conjunction& conjunction, const std::vector<int>& parts,
+                   const std::vector<int>& first) {
   for (const int led : parts) {
     const int part = graph.arc(led).to;
     const int head = graph.arc(parts[0]).to;
@@ -198,6 +194,36 @@ void coordinate(Rewriter& graph, int at, const Conjunction& conjunction) {
       graph.arc(led).to = mention_of(graph, part);
     }
   }
+}
+
+// The whole, mentioned again: "they".
+void mention_group(Rewriter& graph, int at, int group_arc) {
+  for (std::size_t i = 0; i < graph.meaning().arcs.size(); ++i) {
+    const int led = static_cast<int>(i);
+    if (graph.arc(led).gone || graph.arc(led).to != at || led == group_arc || graph.arc(led).inverse) continue;
+    const int they = graph.add_concept("they");
+    attribute_add(graph.word(they), "@ref");
+    attribute_add(graph.word(they), "@pl");
+    graph.arc(led).to = they;
+  }
+}
+
+// "All trees and flowers".
+void plural_parts(Rewriter& graph, const std::vector<int>& parts) {
+  for (const int led : parts) {
+    Concept& part = graph.word(graph.arc(led).to);
+    const bool is_noun = part.sense.empty() && !part.variable.empty() && !has_attribute(part, "@name");
+    if (is_noun && part.name != "this" && part.name != "that") attribute_add(part, "@pl");
+  }
+}
+
+// The first operand takes the place of the conjunction, and each further one hangs on the one before it, so that rules
+// see them in their order.
+void coordinate(Rewriter& graph, int at, const Conjunction& conjunction) {
+  const std::vector<int> parts = joined(graph, at);
+  if (parts.empty()) return;
+  const std::vector<int> first = first_arcs(graph);
+  mention_parts(graph, conjunction, parts, first);
   // "Our songs and those of the town": where all parts are named again, and somebody else has them.
   const bool is_again = std::all_of(parts.begin(), parts.end(),
                                     [&](int led) { return has_attribute(graph.word(graph.arc(led).to), "@ref"); });
@@ -209,31 +235,14 @@ void coordinate(Rewriter& graph, int at, const Conjunction& conjunction) {
     return;
   }
   nominal_parts(graph, at, parts);
-  // The whole, mentioned again: "they".
-  const int group_arc = first[static_cast<std::size_t>(at)];
-  for (std::size_t i = 0; i < graph.meaning().arcs.size(); ++i) {
-    const int led = static_cast<int>(i);
-    if (graph.arc(led).gone || graph.arc(led).to != at || led == group_arc || graph.arc(led).inverse) continue;
-    const int they = graph.add_concept("they");
-    attribute_add(graph.word(they), "@ref");
-    attribute_add(graph.word(they), "@pl");
-    graph.arc(led).to = they;
-  }
+  mention_group(graph, at, first[static_cast<std::size_t>(at)]);
   const int head = graph.arc(parts[0]).to;
-  const std::string number = graph.arc(parts[0]).role;
   graph.settle_concept(at, Fate::attribute);
   if (parts.size() == 1) {
     // "And ...", "But ...": what it is tied to stands in another sentence.
     attribute_add(graph.word(head), std::string("@lead_") + (conjunction.attribute + 1));
   }
-  // "All trees and flowers".
-  if (has_attribute(graph.word(at), "@pl")) {
-    for (const int led : parts) {
-      Concept& part = graph.word(graph.arc(led).to);
-      const bool is_noun = part.sense.empty() && !part.variable.empty() && !has_attribute(part, "@name");
-      if (is_noun && part.name != "this" && part.name != "that") attribute_add(part, "@pl");
-    }
-  }
+  if (has_attribute(graph.word(at), "@pl")) plural_parts(graph, parts);
   int last = chain_end(graph, head);
   for (std::size_t i = 1; i < parts.size(); ++i) {
     const int part = graph.arc(parts[i]).to;

@@ -87,6 +87,30 @@ const Reified* reified_of(Rewriter& graph, int at) {
   return nullptr;
 }
 
+// One end alone: "that is why ...", "... because". The frame's other end is not said.
+void lone_apply(Rewriter& graph, int at, const Reified& one, int up, int down) {
+  const int led = up >= 0 ? up : down;
+  const bool is_above = graph.arc(led).to == at;
+  if (is_above) {
+    // "So the seventh planet was the Earth": the cause stands in another sentence.
+    if (std::string_view(one.role) != "cause" || up < 0 || graph.mentions(at) > 1 || !graph.children(at).empty())
+      return;
+    attribute_add(graph.word(graph.arc(led).from), "@so_cause");
+    graph.settle_concept(at, Fate::attribute);
+    graph.remove(led, Fate::attribute);
+    return;
+  }
+  // "... because": what it is tied to stands in another sentence, so a conjunction in front says it.
+  if (graph.mentions(at) > 1) return;
+  const bool is_plain = graph.children(at).size() == 1;
+  if (!is_plain || std::string_view(one.role) == "superset") return;
+  const int kept = graph.arc(led).to;
+  attribute_add(graph.word(kept), std::string("@") + (up >= 0 ? "so_" : "as_") + one.role);
+  graph.settle_concept(at, Fate::attribute);
+  graph.remove(led, Fate::attribute);
+  graph.redirect(at, kept);
+}
+
 // The frame goes; its head and its dependent are tied together, written at the one that stood above the frame. Four
 // cases: one end is missing; the frame is the statement itself and a verb says it; the dependent stood above, so that the
 // role becomes an inverse one; else the head stays or takes the place of the frame.
@@ -94,30 +118,7 @@ void reified_apply(Rewriter& graph, int at, const Reified& one) {
   const int up = graph.argument(at, one.head);
   const int down = graph.argument(at, one.dependent);
   if (down < 0 && up < 0) return;
-  if (up < 0 || down < 0) {
-    // One end alone: "that is why ...", "... because". The frame's other end is not said.
-    const int led = up >= 0 ? up : down;
-    const bool is_above = graph.arc(led).to == at;
-    if (is_above) {
-      // "So the seventh planet was the Earth": the cause stands in another sentence.
-      if (std::string_view(one.role) != "cause" || up < 0 || graph.mentions(at) > 1 || !graph.children(at).empty())
-        return;
-      attribute_add(graph.word(graph.arc(led).from), "@so_cause");
-      graph.settle_concept(at, Fate::attribute);
-      graph.remove(led, Fate::attribute);
-      return;
-    }
-    // "... because": what it is tied to stands in another sentence, so a conjunction in front says it.
-    if (graph.mentions(at) > 1) return;
-    const bool is_plain = graph.children(at).size() == 1;
-    if (!is_plain || std::string_view(one.role) == "superset") return;
-    const int kept = graph.arc(led).to;
-    attribute_add(graph.word(kept), std::string("@") + (up >= 0 ? "so_" : "as_") + one.role);
-    graph.settle_concept(at, Fate::attribute);
-    graph.remove(led, Fate::attribute);
-    graph.redirect(at, kept);
-    return;
-  }
+  if (up < 0 || down < 0) return lone_apply(graph, at, one, up, down);
   const int head = graph.other(up, at);
   const int dependent = graph.other(down, at);
   if (head == dependent) return;
@@ -224,6 +225,63 @@ void member_apply(Concept& party) {
   std::erase(party.attributes, "@name");
 }
 
+// No office is named: whoever is of a group. As the statement: "she is a Whig".
+void group_apply(Rewriter& graph, int at, const Office& office, int holds, int whole) {
+  const int holder = graph.other(holds, at);
+  const bool holder_above = graph.arc(holds).to == at;
+  if (whole < 0 || graph.arc(whole).from != at) return;
+  if (!holder_above) {
+    // "She is a Whig".
+    const int group = graph.arc(whole).to;
+    if (is_party(graph.word(group)) && graph.mentions(group) == 1) member_apply(graph.word(group));
+    graph.settle_concept(at, Fate::relation);
+    graph.replace(holds, group, holder, "domain");
+    graph.remove(whole, Fate::relation);
+    graph.redirect(at, group);
+    return graph.move_children(at, group);
+  }
+  graph.settle_concept(at, Fate::relation);
+  graph.remove(holds, Fate::relation);
+  const Concept& group = graph.word(graph.arc(whole).to);
+  if (is_party(group) && graph.is(holder, "person") && graph.mentions(graph.arc(whole).to) == 1) {
+    member_apply(graph.word(graph.arc(whole).to));
+    graph.settle_concept(graph.arc(whole).to, Fate::word);
+    graph.remove(whole, Fate::word);
+    graph.word(holder).name = graph.word(graph.arc(whole).to).name;
+    // Of whom nothing else is said, all are meant: "Greens like trees".
+    if (graph.children(holder).empty() && !has_attribute(graph.word(holder), "@sg"))
+      attribute_add(graph.word(holder), "@pl");
+  } else {
+    graph.replace(whole, holder, graph.arc(whole).to, office.role);
+  }
+  graph.move_children(at, holder);
+}
+
+// Who has no name is called by the office; a name keeps it as a title.
+void call_by_office(Rewriter& graph, int at, const Office& office, int holds, int whole, int titled) {
+  const int holder = graph.other(holds, at);
+  const int title = graph.other(titled, at);
+  const bool is_named = has_attribute(graph.word(holder), "@name") || !graph.is(holder, "person");
+  graph.remove(holds, Fate::relation);
+  if (whole >= 0 && graph.arc(whole).from == at) {
+    graph.replace(whole, is_named ? title : holder, graph.arc(whole).to, office.role);
+  }
+  if (is_named) {
+    graph.replace(titled, holder, title, "title");
+  } else {
+    graph.remove(titled, Fate::word);
+    graph.settle_concept(holder, Fate::word);
+    Concept& person = graph.word(holder);
+    person.name = graph.word(title).name;
+    person.sense = graph.word(title).sense;
+    person.triple = graph.word(title).triple;
+    for (const std::string& attribute : graph.word(title).attributes) attribute_add(person, attribute);
+    graph.move_children(title, holder);
+    graph.redirect(title, holder);
+  }
+  graph.move_children(at, holder);
+}
+
 // Either the holder stands above, and is called by the office; or the frame is the statement, "she is the mayor". A holder
 // with a name keeps it, and the office stands beside it as a title; another becomes the office.
 void office_apply(Rewriter& graph, int at, const Office& office) {
@@ -254,35 +312,7 @@ void office_apply(Rewriter& graph, int at, const Office& office) {
       if (attribute != "@v") attribute_add(graph.word(predicate), attribute);
     }
   }
-  if (titled < 0) {
-    if (whole < 0 || graph.arc(whole).from != at) return;
-    if (!holder_above) {
-      // "She is a Whig".
-      const int group = graph.arc(whole).to;
-      if (is_party(graph.word(group)) && graph.mentions(group) == 1) member_apply(graph.word(group));
-      graph.settle_concept(at, Fate::relation);
-      graph.replace(holds, group, holder, "domain");
-      graph.remove(whole, Fate::relation);
-      graph.redirect(at, group);
-      return graph.move_children(at, group);
-    }
-    graph.settle_concept(at, Fate::relation);
-    graph.remove(holds, Fate::relation);
-    const Concept& group = graph.word(graph.arc(whole).to);
-    if (is_party(group) && graph.is(holder, "person") && graph.mentions(graph.arc(whole).to) == 1) {
-      member_apply(graph.word(graph.arc(whole).to));
-      graph.settle_concept(graph.arc(whole).to, Fate::word);
-      graph.remove(whole, Fate::word);
-      graph.word(holder).name = graph.word(graph.arc(whole).to).name;
-      // Of whom nothing else is said, all are meant: "Greens like trees".
-      if (graph.children(holder).empty() && !has_attribute(graph.word(holder), "@sg"))
-        attribute_add(graph.word(holder), "@pl");
-    } else {
-      graph.replace(whole, holder, graph.arc(whole).to, office.role);
-    }
-    graph.move_children(at, holder);
-    return;
-  }
+  if (titled < 0) return group_apply(graph, at, office, holds, whole);
   const int title = graph.other(titled, at);
   if (graph.arc(titled).from != at || title == holder) return;
   graph.settle_concept(at, Fate::relation);
@@ -307,25 +337,7 @@ void office_apply(Rewriter& graph, int at, const Office& office) {
     graph.move_children(at, title);
     return;
   }
-  const bool is_named = has_attribute(graph.word(holder), "@name") || !graph.is(holder, "person");
-  graph.remove(holds, Fate::relation);
-  if (whole >= 0 && graph.arc(whole).from == at) {
-    graph.replace(whole, is_named ? title : holder, graph.arc(whole).to, office.role);
-  }
-  if (is_named) {
-    graph.replace(titled, holder, title, "title");
-  } else {
-    graph.remove(titled, Fate::word);
-    graph.settle_concept(holder, Fate::word);
-    Concept& person = graph.word(holder);
-    person.name = graph.word(title).name;
-    person.sense = graph.word(title).sense;
-    person.triple = graph.word(title).triple;
-    for (const std::string& attribute : graph.word(title).attributes) attribute_add(person, attribute);
-    graph.move_children(title, holder);
-    graph.redirect(title, holder);
-  }
-  graph.move_children(at, holder);
+  call_by_office(graph, at, office, holds, whole, titled);
 }
 
 // The attribute of a degree that is a word of its own; null for others, which stay words: "very much".
@@ -428,6 +440,25 @@ void degree_measured(Rewriter& graph, int at, int quality, int bearer_led) {
   }
 }
 
+// Nobody bears it: "as soon as possible".
+void bearerless_apply(Rewriter& graph, int at, int quality_led, int quality) {
+  if (graph.arc(quality_led).from == at) {
+    graph.remove(quality_led, Fate::relation);
+    graph.redirect(at, quality);
+  } else {
+    graph.remove(quality_led, Fate::relation);
+  }
+  graph.move_children(at, quality);
+}
+
+// "As soon as possible": what it is compared to is that the bearer is possible.
+void again_apply(Rewriter& graph, int quality, int bearer) {
+  const int compared = graph.child(quality, "compared-to");
+  const int possible = compared < 0 ? -1 : graph.arc(compared).to;
+  const int again = possible >= 0 && graph.is(possible, "possible", "01") ? graph.child(possible, "ARG1") : -1;
+  if (again >= 0 && graph.arc(again).to == bearer) graph.remove(again, Fate::relation);
+}
+
 // (x :ARG1-of (have-degree-91 :ARG2 tall :ARG3 more :ARG4 y)): tall is the quality, x its bearer.
 void degree_apply(Rewriter& graph, int at, bool is_quantity) {
   // "She knows more things than he".
@@ -446,16 +477,7 @@ void degree_apply(Rewriter& graph, int at, bool is_quantity) {
   if (has_attribute(graph.word(at), "@neg")) attribute_add(graph.word(quality), "@neg");
   if (const int led = graph.child(at, "ARG3"); led >= 0 && led != quality_led) degree_said(graph, led, quality);
   degree_measured(graph, at, quality, bearer_led);
-  // Nobody bears it: "as soon as possible".
-  if (bearer_led < 0) {
-    if (graph.arc(quality_led).from == at) {
-      graph.remove(quality_led, Fate::relation);
-      graph.redirect(at, quality);
-    } else {
-      graph.remove(quality_led, Fate::relation);
-    }
-    return graph.move_children(at, quality);
-  }
+  if (bearer_led < 0) return bearerless_apply(graph, at, quality_led, quality);
   const int bearer = graph.other(bearer_led, at);
   const bool bearer_above = graph.arc(bearer_led).to == at;
   const bool quality_above = graph.arc(quality_led).to == at;
@@ -476,11 +498,7 @@ void degree_apply(Rewriter& graph, int at, bool is_quantity) {
                                                 (names_bearer(governor, "ARG1") || names_bearer(governor, "ARG0"))));
   const bool names_frame = names_bearer(quality, "ARG1") || names_bearer(quality, "ARG0");
   const bool is_known = is_above || names_frame || names_bearer(quality, "domain");
-  // "As soon as possible": what it is compared to is that the bearer is possible.
-  const int compared = governor == bearer ? graph.child(quality, "compared-to") : -1;
-  const int possible = compared < 0 ? -1 : graph.arc(compared).to;
-  const int again = possible >= 0 && graph.is(possible, "possible", "01") ? graph.child(possible, "ARG1") : -1;
-  if (again >= 0 && graph.arc(again).to == bearer) graph.remove(again, Fate::relation);
+  if (governor == bearer) again_apply(graph, quality, bearer);
   // What is said to bear it may not be what it is a quality of: "it was so deeply rooted that ...".
   const int own = is_quantity ? -1 : graph.argument(quality, "ARG1");
   const bool is_of_another = own >= 0 && own != quality_led && graph.other(own, quality) != bearer;
