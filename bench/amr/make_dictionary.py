@@ -75,7 +75,7 @@ BUILT = {
     "ask(>02)": "p1for", "come(>01)": "p3from p4to", "draw(>01)": "p2for", "excuse(>01)": "p2for GER2", "leave(>17)": "POSTN",
     "question(>01)": "p1about", "remain(>01)": "GER3", "split(>01)": "p2into",
     "sit-down(>02)": "p2on", "do(>02)": "p2to", "go-back(>19)": "p2to",
-    "title(>01)": "NP2", "view(>02)": "THAT1", "war(>01)": "p2over", "weigh(>01)": "SA1", "marry(>01)": "NP2",
+    "title(>01)": "NP2", "speak(>01)": "p2to", "view(>02)": "THAT1", "war(>01)": "p2over", "weigh(>01)": "SA1", "marry(>01)": "NP2",
     "thank(>01)": "p2for GER2", "accuse(>01)": "p2of GER2", "suspect(>01)": "p2of GER2", "praise(>01)": "p2for GER2",
     "punish(>01)": "p2for GER2", "prevent(>01)": "p2from GER2",
 }

@@ -285,6 +285,11 @@ void call_by_office(Rewriter& graph, int at, const Office& office, int holds, in
 // Either the holder stands above, and is called by the office; or the frame is the statement, "she is the mayor". A holder
 // with a name keeps it, and the office stands beside it as a title; another becomes the office.
 void office_apply(Rewriter& graph, int at, const Office& office) {
+  if (graph.children(at).empty() && graph.mentions(at) == 1) {
+    // A role that nobody has of nothing.
+    graph.settle_concept(at, Fate::left_out);
+    return graph.remove(graph.parent(at), Fate::left_out);
+  }
   int holds = graph.argument(at, office.holder);
   int whole = graph.argument(at, office.whole);
   int titled = graph.argument(at, office.title);
@@ -737,6 +742,12 @@ static void phrase_apply(Rewriter& graph, int at) {
     attribute_add(graph.word(graph.arc(once).from), "@used");
     graph.settle_concept(at, Fate::attribute);
     graph.remove(once, Fate::attribute);
+  }
+  // What is an example of something that is not told: for example.
+  const int shown = graph.is(at, "have-example", "91") && graph.child(at, "ARG2") < 0 ? graph.child(at, "ARG1") : -1;
+  if (shown >= 0 && graph.mentions(graph.arc(shown).to) == 1) {
+    graph.add(graph.arc(shown).to, graph.add_concept("for-example"), "mod");
+    graph.stand_in(at, shown, Fate::word);
   }
   // Who thanks, with nobody to be thanked, says thanks.
   const int who = graph.is(at, "thank", "01") && graph.children(at).size() == 1 ? graph.child(at, "ARG0") : -1;

@@ -398,10 +398,11 @@ static bool has_role(Rewriter& graph, int at) {
 static void idiom_apply(Rewriter& graph, int at) {
   for (const int led : graph.children(at)) {
     const int word = graph.arc(led).to;
-    if (graph.arc(led).inverse || !graph.children(word).empty() || graph.mentions(word) > 1) continue;
+    if (graph.arc(led).inverse || !graph.children(word).empty()) continue;
     const std::string& role = graph.arc(led).role;
     // (i / institution :mod (o / only :polarity -)): not only the institution.
-    if (role == "mod" && graph.is(word, "only") && has_attribute(graph.word(word), "@neg")) {
+    if (role == "mod" && graph.mentions(word) == 1 && graph.is(word, "only") &&
+        has_attribute(graph.word(word), "@neg")) {
       graph.word(word).name = "not-only";
       std::erase(graph.word(word).attributes, "@neg");
     }
@@ -413,6 +414,16 @@ static void idiom_apply(Rewriter& graph, int at) {
     if (is_people && role.starts_with("ARG") && graph.word(word).sense.empty())
       attribute_add(graph.word(word), "@people");
   }
+  // (t / thing :example-of (t2 / thing) :mod (s / such)): such an example.
+  const int of = graph.is(at, "thing") ? graph.child(at, "example", true) : -1;
+  if (of >= 0 && graph.is(graph.arc(of).to, "thing") && graph.children(graph.arc(of).to).empty() &&
+      graph.mentions(graph.arc(of).to) == 1) {
+    graph.settle_concept(graph.arc(of).to, Fate::word);
+    graph.remove(of, Fate::word);
+    graph.word(at).name = "example";
+  }
+  // (t / that :ARG0-of (w / watch-01)): those that watched.
+  if (graph.is(at, "that") && graph.child(at, "ARG0", true) >= 0) attribute_add(graph.word(at), "@pl");
   // (t / time :mod (a / all)): all the time.
   const int above = graph.is(at, "time") && graph.children(at).size() == 1 ? graph.parent(at) : -1;
   const int all = above < 0 ? -1 : graph.child(at, "mod");
