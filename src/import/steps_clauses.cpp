@@ -541,6 +541,80 @@ static void negation_once(Rewriter& graph, int at) {
   if (is_first && is_one_of(graph, graph.arc(led).to, kNone)) std::erase(graph.word(at).attributes, "@neg");
 }
 
+// What a word for somebody is where it is denied; null for other words.
+static const char* denied(Rewriter& graph, int at) {
+  constexpr std::pair<const char*, const char*> kDenied[] = {
+      {"somebody", "nobody"},   {"someone", "nobody"},   {"anybody", "nobody"},    {"anyone", "nobody"},
+      {"something", "nothing"}, {"anything", "nothing"}, {"somewhere", "nowhere"}, {"any", "no"}};
+  for (const auto& [positive, negative] : kDenied) {
+    if (graph.is(at, positive)) return negative;
+  }
+  return nullptr;
+}
+
+// English denies once, with a word for nobody.
+static void nobody_apply(Rewriter& graph, int at) {
+  // A negated somebody is nobody.
+  const std::vector<int> below = graph.children(at);
+  const bool is_bare =
+      std::all_of(below.begin(), below.end(), [&](int one) { return graph.arc(one).role == "location"; });
+  if (is_bare && has_attribute(graph.word(at), "@neg") && graph.is(at, "thing")) {
+    graph.word(at).name = "nothing";
+    std::erase(graph.word(at).attributes, "@neg");
+  }
+  if (const char* nobody = has_attribute(graph.word(at), "@neg") ? denied(graph, at) : nullptr; nobody != nullptr) {
+    graph.word(at).name = nobody;
+    std::erase(graph.word(at).attributes, "@neg");
+  }
+  // What nobody does is said of nobody: "any" may not stand in front of "not".
+  const int doer = has_attribute(graph.word(at), "@neg") ? subject_arc(graph, at) : -1;
+  if (doer < 0 || graph.parent(graph.arc(doer).to) != doer) return;
+  const int any = graph.child(graph.arc(doer).to, "mod");
+  for (const int word : {graph.arc(doer).to, any >= 0 ? graph.arc(any).to : -1}) {
+    if (word < 0 || (!graph.word(word).name.starts_with("any"))) continue;
+    if (const char* nobody = denied(graph, word); nobody != nullptr) {
+      graph.word(word).name = nobody;
+      std::erase(graph.word(at).attributes, "@neg");
+      return;
+    }
+  }
+}
+
+// "She has no garden": what is had is denied, if it is any of its kind.
+static void nothing_had(Rewriter& graph, int at) {
+  const bool is_holding = graph.is(at, "have", "91") || graph.is(at, "have-part", "91") ||
+                          graph.is(at, "have-possession", "91") || graph.is(at, "have-experience", "91");
+  const bool has_not = (is_holding || graph.is(at, "have", "03")) && has_attribute(graph.word(at), "@neg");
+  const int had = has_not ? graph.child(at, is_holding ? "ARG2" : "ARG1") : -1;
+  if (had >= 0 && is_any(graph, graph.arc(had).to)) {
+    attribute_add(graph.word(graph.arc(had).to), "@neg");
+    std::erase(graph.word(at).attributes, "@neg");
+  }
+}
+
+// (r / request-confirmation-91 :ARG1 x): whether x.
+static void request_apply(Rewriter& graph, int at) {
+  bool is_tag = graph.is(at, "request-confirmation", "91");
+  // With somebody who asks it is a verb: "she asked whether it rained".
+  const bool is_asking = is_tag || graph.is(at, "request-response", "91");
+  if (is_asking && graph.child(at, "ARG0") >= 0) {
+    const int said = is_tag ? graph.child(at, "ARG1") : -1;
+    if (said >= 0) attribute_add(graph.word(graph.arc(said).to), "@whether");
+    graph.word(at).name = "ask";
+    graph.word(at).sense = "01";
+    is_tag = false;
+  }
+  if (const int led = is_tag ? graph.argument(at, "ARG1") : -1; led >= 0) {
+    const bool is_above = graph.arc(led).from == at;
+    const int clause = graph.other(led, at);
+    graph.settle_concept(at, Fate::attribute);
+    graph.remove(led, Fate::attribute);
+    attribute_add(graph.word(clause), "@int");
+    if (is_above) graph.redirect(at, clause);
+    graph.move_children(at, clause);
+  }
+}
+
 // :polarity - is @neg by the table of roles before any step. Here it meets the words that have a negation in them, and
 // (x :polarity (a / amr-unknown)) becomes a question, @int.
 void step_polarity(Meaning& meaning) {
@@ -556,44 +630,8 @@ void step_polarity(Meaning& meaning) {
     ever_of_all(graph, at);
     any_of_verb(graph, at);
     negation_once(graph, at);
-    // A negated somebody is nobody.
-    constexpr std::pair<const char*, const char*> kNobody[] = {
-        {"somebody", "nobody"},   {"someone", "nobody"},   {"anybody", "nobody"},   {"anyone", "nobody"},
-        {"something", "nothing"}, {"anything", "nothing"}, {"somewhere", "nowhere"}};
-    const std::vector<int> below = graph.children(at);
-    const bool is_bare =
-        std::all_of(below.begin(), below.end(), [&](int one) { return graph.arc(one).role == "location"; });
-    if (is_bare && has_attribute(graph.word(at), "@neg") && graph.is(at, "thing")) {
-      graph.word(at).name = "nothing";
-      std::erase(graph.word(at).attributes, "@neg");
-    }
-    for (const auto& [positive, negative] : kNobody) {
-      if (!has_attribute(graph.word(at), "@neg") || !graph.is(at, positive)) continue;
-      graph.word(at).name = negative;
-      std::erase(graph.word(at).attributes, "@neg");
-    }
-    // What nobody does is said of nobody: "any" may not stand in front of "not".
-    const int doer = has_attribute(graph.word(at), "@neg") ? subject_arc(graph, at) : -1;
-    const int any = doer >= 0 ? graph.child(graph.arc(doer).to, "mod") : -1;
-    constexpr std::pair<const char*, const char*> kAny[] = {
-        {"anybody", "nobody"}, {"anyone", "nobody"}, {"anything", "nothing"}, {"any", "no"}};
-    for (const auto& [positive, negative] : kAny) {
-      const int word = doer >= 0 && graph.is(graph.arc(doer).to, positive) ? graph.arc(doer).to
-                       : any >= 0 && graph.is(graph.arc(any).to, positive) ? graph.arc(any).to
-                                                                           : -1;
-      if (word < 0 || graph.parent(graph.arc(doer).to) != doer) continue;
-      graph.word(word).name = negative;
-      std::erase(graph.word(at).attributes, "@neg");
-    }
-    // "She has no garden": what is had is denied, if it is any of its kind.
-    const bool is_holding = graph.is(at, "have", "91") || graph.is(at, "have-part", "91") ||
-                            graph.is(at, "have-possession", "91") || graph.is(at, "have-experience", "91");
-    const bool has_not = (is_holding || graph.is(at, "have", "03")) && has_attribute(graph.word(at), "@neg");
-    const int had = has_not ? graph.child(at, is_holding ? "ARG2" : "ARG1") : -1;
-    if (had >= 0 && is_any(graph, graph.arc(had).to)) {
-      attribute_add(graph.word(graph.arc(had).to), "@neg");
-      std::erase(graph.word(at).attributes, "@neg");
-    }
+    nobody_apply(graph, at);
+    nothing_had(graph, at);
     if (const int led = graph.child(at, "polarity"); led >= 0 && is_unknown(graph, graph.arc(led).to)) {
       graph.settle_concept(graph.arc(led).to, Fate::attribute);
       graph.remove(led, Fate::attribute);
@@ -603,25 +641,7 @@ void step_polarity(Meaning& meaning) {
       attribute_add(graph.word(graph.arc(led).to), "@whether");
       graph.stand_in(at, led);
     }
-    bool is_tag = graph.is(at, "request-confirmation", "91");
-    // With somebody who asks it is a verb: "she asked whether it rained".
-    const bool is_asking = is_tag || graph.is(at, "request-response", "91");
-    if (is_asking && graph.child(at, "ARG0") >= 0) {
-      const int said = is_tag ? graph.child(at, "ARG1") : -1;
-      if (said >= 0) attribute_add(graph.word(graph.arc(said).to), "@whether");
-      graph.word(at).name = "ask";
-      graph.word(at).sense = "01";
-      is_tag = false;
-    }
-    if (const int led = is_tag ? graph.argument(at, "ARG1") : -1; led >= 0) {
-      const bool is_above = graph.arc(led).from == at;
-      const int clause = graph.other(led, at);
-      graph.settle_concept(at, Fate::attribute);
-      graph.remove(led, Fate::attribute);
-      attribute_add(graph.word(clause), "@int");
-      if (is_above) graph.redirect(at, clause);
-      graph.move_children(at, clause);
-    }
+    request_apply(graph, at);
   }
 }
 
