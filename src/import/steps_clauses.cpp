@@ -382,9 +382,10 @@ void quote(Rewriter& graph, int at) {
   const int subject = subject_arc(graph, said);
   const bool is_to_oneself = who >= 0 && whom >= 0 && graph.arc(who).to == graph.arc(whom).to;
   const bool is_asked_to = whom >= 0 && subject >= 0 && graph.arc(subject).to == graph.arc(whom).to && !is_to_oneself;
-  if (has_attribute(graph.word(said), "@whether") || is_asked_to) return;
+  const bool is_order = has_attribute(graph.word(said), "@imp") && !speaks_itself(who);
+  if (has_attribute(graph.word(said), "@whether") || (is_asked_to && !is_order)) return;
   const bool is_other = !speaks_itself(who) && !speaks_itself(whom);
-  const bool is_direct = is_other && (has_speaker(graph, said) || is_said_so(graph, at, said));
+  const bool is_direct = (is_other || is_order) && (has_speaker(graph, said) || is_said_so(graph, at, said));
   // What the sentence is about, or is joined to that, is told; what stands below is spoken of.
   const bool is_told = at == graph.meaning().root || !is_core(graph.arc(graph.parent(at)));
   constexpr std::array kUttering{"say",    "ask",   "answer",   "reply",   "exclaim", "cry", "remark", "repeat",
@@ -436,8 +437,7 @@ void question(Rewriter& graph, int unknown) {
   // "How many stars", "whose hat": the noun goes with it.
   const auto is_phrase = [&](int at) {
     const int above = graph.parent(at);
-    return !is_clause(graph, at) ||
-           (role == "degree" && above >= 0 && graph.is(graph.arc(above).from, "be-located-at", "91"));
+    return !is_clause(graph, at) || (above >= 0 && graph.is(graph.arc(above).from, "be-located-at", "91"));
   };
   while (is_phrase(graph.arc(led).from) && (role == "quant" || role == "poss" || role == "mod" || role == "degree" ||
                                             role == "possessor" || role == "age")) {

@@ -182,6 +182,17 @@ void only_apply(Rewriter& graph, int led) {
   graph.word(only).sense = "adv";
 }
 
+// "Next week", "last year", in clauses of time: no article.
+void next_apply(Rewriter& graph, const Arc& one) {
+  constexpr std::array kTimes{"week",   "month",   "year",      "weekend",  "summer", "winter",   "spring", "autumn",
+                              "monday", "tuesday", "wednesday", "thursday", "friday", "saturday", "sunday"};
+  if (one.gone || one.inverse || (one.role != "time" && one.role != "temporal") || !is_one_of(graph, one.to, kTimes))
+    return;
+  const int mod = graph.child(one.to, "mod");
+  const bool is_pointed = mod >= 0 && (graph.is(graph.arc(mod).to, "next") || graph.is(graph.arc(mod).to, "last"));
+  if (is_pointed && graph.children(one.to).size() == 1) attribute_add(graph.word(one.to), "@noart");
+}
+
 // What they are is several: "they are lamps".
 void number_apply(Rewriter& graph, int at) {
   const int led = graph.child(at, "domain");
@@ -281,7 +292,14 @@ void whenever_apply(Rewriter& graph, int at) {
 // How great a quality is asked for: (t / tall :domain (s / she) :degree (a / amr-unknown)), "how tall is she". The quality
 // moves to the front with the word that asks.
 void how_apply(Rewriter& graph, int at) {
-  const int degree = graph.child(at, "degree");
+  // "How long is it": what is measured has the measure as an argument.
+  constexpr std::array kMeasured{"long", "wide", "deep", "high", "tall", "age", "heavy"};
+  const int measure = graph.word(at).sense.empty() || !is_one_of(graph, at, kMeasured) ? -1 : graph.child(at, "ARG2");
+  const bool is_measured = measure >= 0 && graph.is(graph.arc(measure).to, "amr-unknown");
+  if (is_measured) graph.arc(measure).role = "degree";
+  // "Whose book is this".
+  const bool is_thing = graph.word(at).sense.empty() && graph.child(at, "domain") >= 0;
+  const int degree = is_thing && graph.child(at, "poss") >= 0 ? graph.child(at, "poss") : graph.child(at, "degree");
   if (degree < 0) return;
   const int unknown = graph.arc(degree).to;
   if (!graph.is(unknown, "amr-unknown") && !graph.is(unknown, "umr-unknown")) return;
@@ -290,7 +308,7 @@ void how_apply(Rewriter& graph, int at) {
                                   "serious", "dangerous", "useful",    "strong",    "likely",    "clear", "far"};
   const bool is_frame = !graph.word(at).sense.empty();
   const int subject = graph.child(at, is_frame ? "ARG1" : "domain");
-  if (subject < 0 || (is_frame && !is_one_of(graph, at, kQualities)) || graph.mentions(at) > 1) return;
+  if (subject < 0 || (is_frame && !is_measured && !is_one_of(graph, at, kQualities)) || graph.mentions(at) > 1) return;
   const int being = add_being(graph);
   graph.redirect(at, being);
   graph.replace(subject, being, graph.arc(subject).to, "ARG1");
@@ -354,7 +372,7 @@ void step_predicates(Meaning& meaning) {
     whenever_apply(graph, at);
     how_apply(graph, at);
   }
-  for (Arc& one : meaning.arcs) denial_apply(graph, one), measure_apply(graph, one);
+  for (Arc& one : meaning.arcs) denial_apply(graph, one), measure_apply(graph, one), next_apply(graph, one);
   for (std::size_t i = 0; i < meaning.arcs.size(); ++i) only_apply(graph, static_cast<int>(i));
   presented_apply(graph);
   existing_apply(graph);
