@@ -61,7 +61,7 @@ HOW_VERBS = ("know",)
 OWN_SUBJECT_VERBS = ("try", "begin", "start", "continue", "attempt", "manage", "decide", "refuse", "learn", "hope")
 # Verbs that govern a gerund and no infinitive: "she finished eating".
 GERUND = set("admit avoid consider complete delay deny detest dislike end enjoy escape finish imagine keep mention mind miss "
-             "postpone practice quit recall recommend resent resist risk suggest".split())
+             "postpone practice quit recall recommend resent resist risk stop suggest".split())
 # What a verb does, as a noun, where neither the frame files nor WordNet have one.
 NOUNS = {verb: noun for verb, noun in (one.split(":") for one in (
     "live:life thirst:thirst hope:hope wait:wait exist:existence deject:dejection behave:behavior concern:concern "
