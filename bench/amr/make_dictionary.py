@@ -42,7 +42,7 @@ VERB_OBJECTS = {verb: preposition for preposition, verbs in {
     "about": "complain brag boast gossip rave care speak talk chat pontificate bitch moan gripe grumble fuss fret rant reminisce",
     "over": "preside",
     "against": "rebel discriminate retaliate conspire",
-    "": "lack oppose access contact convoy cure delay diagnose interview impact border",
+    "": "lack impress oppose access contact convoy cure delay diagnose interview impact border",
     "of": "dispose approve disapprove dream beware repent despair tire",
     "into": "delve inquire pry"}.items() for verb in verbs.split()}
 VERB_SECOND = {verb: preposition for preposition, verbs in {
@@ -73,7 +73,7 @@ NOUNS = {verb: noun for verb, noun in (one.split(":") for one in (
 BUILT = {
     "answer(>01)": "p2with", "attend(>02)": "p1to", "comment(>01)": "p3on",
     "ask(>02)": "p1for", "come(>01)": "p3from p4to", "draw(>01)": "p2for", "excuse(>01)": "p2for GER2", "leave(>17)": "POSTN",
-    "question(>01)": "p1about", "remain(>01)": "GER3", "split(>01)": "p2into",
+    "question(>01)": "p1about", "remain(>01)": "GER3", "speak(>01)": "p1about p2to", "split(>01)": "p2into",
     "sit-down(>02)": "p2on", "do(>02)": "p2to", "go-back(>19)": "p2to",
     "title(>01)": "NP2", "speak(>01)": "p2to", "view(>02)": "THAT1", "war(>01)": "p2over", "weigh(>01)": "SA1", "marry(>01)": "NP2",
     "thank(>01)": "p2for GER2", "accuse(>01)": "p2of GER2", "suspect(>01)": "p2of GER2", "praise(>01)": "p2for GER2",

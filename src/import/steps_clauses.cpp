@@ -848,11 +848,12 @@ static void called_apply(Rewriter& graph) {
   const int end = static_cast<int>(graph.meaning().arcs.size());
   for (int led = 0; led < end; ++led) {
     if (graph.arc(led).gone || graph.arc(led).inverse || graph.arc(led).role != "vocative") continue;
+    int you = -1;
     for (int other = 0; other < end; ++other) {
       const Arc& one = graph.arc(other);
       const bool is_mention = one.to == graph.arc(led).to && !one.gone && !one.inverse && one.role != "vocative";
       if (!is_mention) continue;
-      const int you = graph.add_concept("you");
+      if (you < 0) you = graph.add_concept("you");
       attribute_add(graph.word(you), "@p2");
       graph.arc(other).to = you;
     }

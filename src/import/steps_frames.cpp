@@ -832,6 +832,10 @@ static void sets_apply(Rewriter& graph) {
     const int owner = graph.child(at, "poss");
     if (owner >= 0 && graph.word(graph.arc(whole).to).name == graph.word(at).name)
       graph.arc(owner).from = graph.arc(whole).to;
+    if (graph.is(at, "someone") || graph.is(at, "something")) {
+      graph.word(at).name = "some";
+      attribute_add(graph.word(at), "@pl");
+    }
     if (const int led = graph.child(at, "ARG3"); led >= 0) graph.arc(led).role = "quant";
     const int quantity = graph.child(at, "quant");
     if (quantity >= 0 && (graph.is(at, "thing") || graph.is(at, "person"))) graph.stand_in(at, quantity, Fate::word);
