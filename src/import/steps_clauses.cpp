@@ -404,7 +404,10 @@ void quote(Rewriter& graph, int at) {
   constexpr std::array kPronouns{"i", "we", "you", "he", "she", "it", "they", "one"};
   const bool is_plain = !has_attribute(graph.word(at), "@neg") && !has_attribute(graph.word(at), "@ask") &&
                         !has_attribute(graph.word(at), "@int") && !has_attribute(graph.word(at), "@can");
-  if (is_plain && !is_one_of(graph, graph.arc(who).to, kPronouns)) graph.arc(who).role = "speaker";
+  if (!is_plain || is_one_of(graph, graph.arc(who).to, kPronouns)) return;
+  graph.arc(who).role = "speaker";
+  const int office = graph.child(graph.arc(who).to, "apposition");
+  if (office >= 0) std::erase(graph.word(graph.arc(office).to).attributes, "@closed");
 }
 
 // ---- questions -----------------------------------------------------------------------------------------------------

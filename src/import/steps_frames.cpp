@@ -263,10 +263,17 @@ void call_by_office(Rewriter& graph, int at, const Office& office, int holds, in
   const int title = graph.other(titled, at);
   const bool is_named = has_attribute(graph.word(holder), "@name") || !graph.is(holder, "person");
   graph.remove(holds, Fate::relation);
-  if (whole >= 0 && graph.arc(whole).from == at) {
-    graph.replace(whole, is_named ? title : holder, graph.arc(whole).to, office.role);
-  }
-  if (is_named) {
+  const bool has_whole = whole >= 0 && graph.arc(whole).from == at;
+  const bool is_behind = is_named && has_whole && !is_personal_pronoun(graph.word(graph.arc(whole).to).name);
+  if (has_whole) graph.replace(whole, is_named ? title : holder, graph.arc(whole).to, office.role);
+  if (is_behind) {
+    // "Kim, the mayor of Oslo, ..."
+    const int above = graph.parent(holder);
+    graph.replace(titled, holder, title, "apposition");
+    attribute_add(graph.word(title), "@def");
+    if (above >= 0 && graph.arc(above).role == "ARG0" && !graph.arc(above).inverse)
+      attribute_add(graph.word(title), "@closed");
+  } else if (is_named) {
     graph.replace(titled, holder, title, "title");
   } else {
     graph.remove(titled, Fate::word);
