@@ -417,6 +417,20 @@ constexpr std::array kReporting{"know", "wonder", "understand", "forget", "remem
                                 "see",  "ask",    "find-out",   "show",   "discover", "teach",  "inquire", "question",
                                 "say",  "decide", "realize",    "hear",   "doubt",    "matter", "idea",    "care"};
 
+// What a frame's numbered role is called when it is asked for.
+std::string asked_role(Rewriter& graph, int frame, const std::string& role) {
+  // "Where is the key": what a place is said of has no other verb.
+  const bool is_place = graph.is(frame, "be-located-at", "91") || graph.is(frame, "have-place", "91");
+  if (is_place && role == "ARG2") return "location";
+  // "Where do you take it": the place that something is moved to has another number in each frame.
+  const bool is_goal = (role == "ARG3" && graph.is(frame, "take", "01")) ||
+                       (role == "ARG2" && (graph.is(frame, "bring", "01") || graph.is(frame, "put", "01") ||
+                                           graph.is(frame, "send", "01") || graph.is(frame, "carry", "01")));
+  if (is_goal) return "destination";
+  // "How much does it weigh".
+  return graph.is(frame, "weigh", "01") && role == "ARG3" ? "amount" : role;
+}
+
 // What is asked for moves to the front of its clause, together with the phrase that it belongs to.
 void question(Rewriter& graph, int unknown) {
   // (a / amr-unknown :domain (y / you)): what is asked for is the predicate. As :domain of the other it is the one word
@@ -474,16 +488,7 @@ void question(Rewriter& graph, int unknown) {
   const bool is_subject =
       clause == asked_at && (role == "ARG0" || (role == "ARG1" && graph.child(clause, "ARG0") < 0) ||
                              (role == "domain" && graph.is(unknown, "amr-unknown")));
-  // "Where is the key": what a place is said of has no other verb.
-  const bool is_place = graph.is(asked_at, "be-located-at", "91") || graph.is(asked_at, "have-place", "91");
-  if (is_place && role == "ARG2") role = "location";
-  // "Where do you take it": the place that something is moved to has another number in each frame.
-  const bool is_goal = (role == "ARG3" && graph.is(asked_at, "take", "01")) ||
-                       (role == "ARG2" && (graph.is(asked_at, "bring", "01") || graph.is(asked_at, "put", "01") ||
-                                           graph.is(asked_at, "send", "01") || graph.is(asked_at, "carry", "01")));
-  if (is_goal) role = "destination";
-  // "How much does it weigh".
-  if (graph.is(asked_at, "weigh", "01") && role == "ARG3") role = "amount";
+  role = asked_role(graph, asked_at, role);
   // "Who are you".
   constexpr std::array kPronouns{"i", "we", "you", "he", "she", "they"};
   const bool is_person = role == "domain" && phrase == unknown && is_one_of(graph, asked_at, kPronouns);
@@ -1265,45 +1270,66 @@ static bool is_limit(const Concept& quality) {
   return has_attribute(quality, "@too") || has_attribute(quality, "@enough");
 }
 
+// What seems to be done has its subject in front: "the cat seems to sleep".
+static void raise_apply(Rewriter& graph, int at) {
+  // "The rain began to fall": the beginning of what somebody does is his.
+  constexpr std::array kPhases{"begin", "start", "continue", "cease", "stop"};
+  const bool is_phase = graph.word(at).sense == "01" && is_one_of(graph, at, kPhases);
+  const bool is_raising = is_phase || graph.is(at, "seem", "01") || graph.is(at, "appear", "02");
+  const int led = is_raising && graph.child(at, "ARG0") < 0 ? graph.child(at, "ARG1") : -1;
+  if (led < 0 || !is_clause(graph, graph.arc(led).to)) return;
+  // What begins to be done has a doer, what begins to be a subject: "the rain began to fall".
+  const int done = graph.arc(led).to;
+  const int subject = is_phase ? graph.child(done, "ARG0") : subject_arc(graph, done);
+  if (is_phase && (has_attribute(graph.word(done), "@agent") || has_attribute(graph.word(done), "@result"))) return;
+  if (subject < 0 || is_clause(graph, graph.arc(subject).to)) return;
+  graph.add(at, graph.arc(subject).to, "ARG0", false);
+  if (!is_phase && graph.arc(subject).role != "ARG0") attribute_add(graph.word(at), "@raised");
+}
+
+// What says once more who does it goes.
+static void subject_once_apply(Rewriter& graph, int at) {
+  // "She heard that he sang", and not of him that he sang.
+  constexpr std::array kLearning{"hear", "know", "learn", "read", "think", "believe", "expect", "find-out", "discover"};
+  const int content = is_one_of(graph, at, kLearning) ? graph.child(at, "ARG1") : -1;
+  const int topic = graph.child(at, "ARG2");
+  if (content >= 0 && topic >= 0) {
+    const int subject = subject_arc(graph, graph.arc(content).to);
+    if (subject >= 0 && graph.arc(subject).to == graph.arc(topic).to) graph.remove(topic, Fate::relation);
+  }
+  // "She left silently": that she is silent says nothing more.
+  const int said = graph.child(at, "domain");
+  const int above = said < 0 ? -1 : graph.parent(at);
+  if (above < 0 || graph.arc(above).inverse || graph.arc(above).role != "manner") return;
+  const int subject = subject_arc(graph, graph.arc(above).from);
+  if (subject >= 0 && graph.arc(subject).to == graph.arc(said).to) graph.remove(said, Fate::relation);
+}
+
+// Named by the governing clause, or for a purpose by the one above: "she has no time to sing".
+static bool is_named_above(Rewriter& graph, const std::vector<int>& first, int above, int person) {
+  const bool is_purpose = graph.arc(above).role == "purpose";
+  int led_here = above;
+  for (int steps = is_purpose ? 3 : 1; steps > 0 && led_here >= 0; --steps) {
+    const int governor = graph.arc(led_here).from;
+    for (const int led : graph.children(governor)) {
+      if (led != led_here && !graph.arc(led).inverse && graph.arc(led).to == person) return true;
+    }
+    // "A pill to cure the cold".
+    if (is_purpose && governor == person) return true;
+    led_here = first[static_cast<std::size_t>(governor)];
+    if (led_here >= 0 && graph.arc(led_here).inverse && graph.arc(led_here).from == person) return true;
+  }
+  return false;
+}
+
 // (w / want-01 :ARG0 b :ARG1 (g / go-02 :ARG0 b)): the b of go-02 becomes :understood, and rules make an infinitive of it.
 void step_control(Meaning& meaning) {
   Rewriter graph(meaning, "control");
-  // What seems to be done has its subject in front: "the cat seems to sleep".
   for (int at = 0, end = graph.count(); at < end; ++at) {
     copular_apply(graph, at);
-    // "The rain began to fall": the beginning of what somebody does is his.
-    constexpr std::array kPhases{"begin", "start", "continue", "cease", "stop"};
-    const bool is_phase = graph.word(at).sense == "01" && is_one_of(graph, at, kPhases);
-    const bool is_raising = is_phase || graph.is(at, "seem", "01") || graph.is(at, "appear", "02");
-    const int led = is_raising && graph.child(at, "ARG0") < 0 ? graph.child(at, "ARG1") : -1;
-    if (led < 0 || !is_clause(graph, graph.arc(led).to)) continue;
-    // What begins to be done has a doer, what begins to be a subject: "the rain began to fall".
-    const int done = graph.arc(led).to;
-    const int subject = is_phase ? graph.child(done, "ARG0") : subject_arc(graph, done);
-    if (is_phase && (has_attribute(graph.word(done), "@agent") || has_attribute(graph.word(done), "@result"))) continue;
-    const bool is_said = subject >= 0 && !is_clause(graph, graph.arc(subject).to);
-    if (is_said) graph.add(at, graph.arc(subject).to, "ARG0", false);
-    if (is_said && !is_phase && graph.arc(subject).role != "ARG0") attribute_add(graph.word(at), "@raised");
+    raise_apply(graph, at);
   }
-  // "She heard that he sang": of whom she heard it is said once.
-  constexpr std::array kLearning{"hear", "know", "learn", "read", "think", "believe", "expect", "find-out", "discover"};
-  for (int at = 0; at < graph.count(); ++at) {
-    const int content = is_one_of(graph, at, kLearning) ? graph.child(at, "ARG1") : -1;
-    const int topic = graph.child(at, "ARG2");
-    if (content < 0 || topic < 0) continue;
-    const int subject = subject_arc(graph, graph.arc(content).to);
-    const bool is_same = subject >= 0 && graph.arc(subject).to == graph.arc(topic).to;
-    // What the source says of him goes along, as he is said there.
-    if (is_same) graph.remove(topic, Fate::relation);
-  }
-  // "She left silently": that she is silent says nothing more.
-  for (int at = 0; at < graph.count(); ++at) {
-    const int said = graph.child(at, "domain");
-    const int above = said < 0 ? -1 : graph.parent(at);
-    if (above < 0 || graph.arc(above).inverse || graph.arc(above).role != "manner") continue;
-    const int subject = subject_arc(graph, graph.arc(above).from);
-    if (subject >= 0 && graph.arc(subject).to == graph.arc(said).to) graph.remove(said, Fate::relation);
-  }
+  for (int at = 0; at < graph.count(); ++at) subject_once_apply(graph, at);
   const std::vector<int> first = first_arcs(graph);
   for (int at = 0; at < graph.count(); ++at) {
     const int above = first[static_cast<std::size_t>(at)];
@@ -1323,20 +1349,7 @@ void step_control(Meaning& meaning) {
     if (!may_be_infinite || subject < 0) continue;
     const int person = graph.arc(subject).to;
     if (first[static_cast<std::size_t>(person)] == subject) continue;
-    // Named by the governing clause, or for a purpose by the one above: "she has no time to sing".
-    bool is_named = false;
-    int led_here = above;
-    for (int steps = role == "purpose" ? 3 : 1; steps > 0 && led_here >= 0 && !is_named; --steps) {
-      const int governor = graph.arc(led_here).from;
-      for (const int led : graph.children(governor)) {
-        is_named |= led != led_here && !graph.arc(led).inverse && graph.arc(led).to == person;
-      }
-      // "A pill to cure the cold".
-      is_named |= role == "purpose" && governor == person;
-      led_here = first[static_cast<std::size_t>(governor)];
-      is_named |= led_here >= 0 && graph.arc(led_here).inverse && graph.arc(led_here).from == person;
-    }
-    if (!is_named) continue;
+    if (!is_named_above(graph, first, above, person)) continue;
     // What somebody says or knows is a clause with a subject: "he told them that he was tired".
     constexpr std::array kThatVerbs{"say",     "tell",       "think",   "answer", "reply",   "explain", "state",
                                     "declare", "know",       "believe", "feel",   "realize", "see",     "hear",
