@@ -67,13 +67,13 @@ NOUNS = {verb: noun for verb, noun in (one.split(":") for one in (
     "live:life thirst:thirst hope:hope wait:wait exist:existence deject:dejection behave:behavior concern:concern "
     "worry:worry entertain:entertainment disappear:disappearance shame:shame wonder:wonder pretend:pretense obey:obedience "
     "err:error cry:cry excuse:excuse hunt:hunt belong:belonging isolate:isolation hesitate:hesitation insist:insistence "
-    "persist:persistence resist:resistance exist:existence occur:occurrence refuse:refusal survive:survival tend:tendency").split())}
+    "persist:persistence resist:resistance exist:existence occur:occurrence refuse:refusal survive:survival tend:tendency tax:tax link:link").split())}
 # How English builds a sense, where the frame files have no example of it: "an answer with a smile", "split into halves".
 # POSTN is for a participle that stands behind its noun, "the money left".
 BUILT = {
     "answer(>01)": "p2with", "attend(>02)": "p1to", "comment(>01)": "p3on",
     "ask(>02)": "p1for", "come(>01)": "p3from p4to", "draw(>01)": "p2for", "excuse(>01)": "p2for GER2", "leave(>17)": "POSTN",
-    "question(>01)": "p1about", "remain(>01)": "GER3", "speak(>01)": "p1about p2to", "split(>01)": "p2into",
+    "question(>01)": "p1about", "policy(>01)": "p2on", "remain(>01)": "GER3", "speak(>01)": "p1about p2to", "split(>01)": "p2into",
     "sit-down(>02)": "p2on", "do(>02)": "p2to", "go-back(>19)": "p2to",
     "title(>01)": "NP2", "speak(>01)": "p2to", "view(>02)": "THAT1", "war(>01)": "p2over", "weigh(>01)": "SA1", "marry(>01)": "NP2",
     "thank(>01)": "p2for GER2", "accuse(>01)": "p2of GER2", "suspect(>01)": "p2of GER2", "praise(>01)": "p2for GER2",

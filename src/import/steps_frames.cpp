@@ -316,6 +316,12 @@ void office_apply(Rewriter& graph, int at, const Office& office) {
     return;
   }
   const int holder = graph.other(holds, at);
+  // What is stated of him may stand below him in the source: "if we cheat, we are fools".
+  const int stated = graph.parent(at);
+  const bool is_stated = at == graph.meaning().root || (stated >= 0 && stated != holds && !graph.arc(stated).inverse);
+  if (is_stated && graph.arc(holds).to == at) {
+    holds = graph.replace(holds, at, holder, graph.arc(holds).role);
+  }
   const bool holder_above = graph.arc(holds).to == at;
   if (!holder_above && (titled >= 0 || whole >= 0)) {
     // What is denied or asked of the statement is that of its predicate.
