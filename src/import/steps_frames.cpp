@@ -214,6 +214,18 @@ constexpr Office kOffices[] = {
     {"have-role", "91", "ARG1", "ARG2", "ARG3", "org"},
 };
 
+// What a name is called besides, behind it: "Kim, the mayor of Oslo". A comma closes it where more will follow.
+void stand_behind(Rewriter& graph, int led, int named, int title) {
+  const int above = graph.parent(named);
+  graph.replace(led, named, title, "apposition");
+  attribute_add(graph.word(title), "@def");
+  const bool is_subject = above >= 0 && graph.arc(above).role == "ARG0" && !graph.arc(above).inverse;
+  // A relative clause behind the name brings a comma of its own.
+  const std::vector<int> below = graph.children(named);
+  const bool is_last = std::none_of(below.begin(), below.end(), [&](int one) { return graph.arc(one).inverse; });
+  if (is_subject && is_last) attribute_add(graph.word(title), "@closed");
+}
+
 bool is_party(const Concept& group) {
   return has_attribute(group, "@political-party") || has_attribute(group, "@political-organization");
 }
@@ -264,15 +276,12 @@ void call_by_office(Rewriter& graph, int at, const Office& office, int holds, in
   const bool is_named = has_attribute(graph.word(holder), "@name") || !graph.is(holder, "person");
   graph.remove(holds, Fate::relation);
   const bool has_whole = whole >= 0 && graph.arc(whole).from == at;
-  const bool is_behind = is_named && has_whole && !is_personal_pronoun(graph.word(graph.arc(whole).to).name);
+  const bool is_behind = has_attribute(graph.word(holder), "@name") && has_whole &&
+                         !is_personal_pronoun(graph.word(graph.arc(whole).to).name);
   if (has_whole) graph.replace(whole, is_named ? title : holder, graph.arc(whole).to, office.role);
   if (is_behind) {
     // "Kim, the mayor of Oslo, ..."
-    const int above = graph.parent(holder);
-    graph.replace(titled, holder, title, "apposition");
-    attribute_add(graph.word(title), "@def");
-    if (above >= 0 && graph.arc(above).role == "ARG0" && !graph.arc(above).inverse)
-      attribute_add(graph.word(title), "@closed");
+    stand_behind(graph, titled, holder, title);
   } else if (is_named) {
     graph.replace(titled, holder, title, "title");
   } else {
@@ -927,6 +936,16 @@ void step_office(Meaning& meaning) {
     const bool is_home = one.role == "source" && one.inverse && !one.gone && graph.word(one.from).sense.empty();
     if (is_home && is_personal_pronoun(graph.word(one.to).name)) one.role = "poss", one.inverse = false;
     if (is_of && is_personal_pronoun(graph.word(one.to).name)) one.role = "poss";
+  }
+  // A noun of several words beside a name: "Aurora, the old fishing boat".
+  for (int at = 0; at < graph.count(); ++at) {
+    const int led = has_attribute(graph.word(at), "@name") ? graph.child(at, "mod") : -1;
+    const int noun = led < 0 ? -1 : graph.arc(led).to;
+    if (noun < 0 || graph.children(noun).empty() || graph.mentions(noun) > 1) continue;
+    const Concept& word = graph.word(noun);
+    const bool is_noun = word.sense.empty() && !word.variable.empty() && !has_attribute(word, "@name") &&
+                         graph.child(noun, "degree") < 0 && graph.child(noun, "mod") >= 0;
+    if (is_noun) stand_behind(graph, led, at, noun);
   }
   for (int at = 0; at < graph.count(); ++at) {
     for (const Office& office : kOffices) {
