@@ -64,6 +64,14 @@ std::vector<int> first_arcs(Rewriter& graph) {
     });
     for (auto one = below.rbegin(); one != below.rend(); ++one) open.emplace_back(*one, graph.arc(*one).to);
   }
+  // "It was cheap, although it was a long trip": what is a statement of its own is said where a clause may stand.
+  for (std::size_t i = 0; i < graph.meaning().arcs.size(); ++i) {
+    const Arc& one = graph.meaning().arcs[i];
+    const bool is_circumstance = one.role == "concession" || one.role == "cause" || one.role == "condition";
+    if (one.gone || one.inverse || !is_circumstance || graph.child(one.to, "domain") < 0) continue;
+    int& before = first[static_cast<std::size_t>(one.to)];
+    if (before >= 0 && graph.arc(before).role == "ARG0" && !graph.arc(before).inverse) before = static_cast<int>(i);
+  }
   return first;
 }
 
@@ -1171,6 +1179,15 @@ static void extraposed_apply(Rewriter& graph, int at) {
   if (is_act) attribute_add(graph.word(at), "@xinf");
 }
 
+// "She now knows that he sings": behind the verb, "now" would be said of what she knows.
+static void content_apply(Rewriter& graph, int at) {
+  const int led = graph.word(at).sense.empty() ? -1 : graph.child(at, "ARG1");
+  if (led < 0) return;
+  const Concept& what = graph.word(graph.arc(led).to);
+  const bool is_event = !what.sense.empty() && !has_attribute(what, "@agent") && !has_attribute(what, "@result");
+  if (is_event && !graph.children(graph.arc(led).to).empty()) attribute_add(graph.word(at), "@content");
+}
+
 // "Next year", "this morning": such a time has no preposition.
 static void bare_time_apply(Rewriter& graph, int at) {
   constexpr std::array kPointing{"this",     "that",      "next",     "last",      "every", "each",    "all",
@@ -1200,6 +1217,7 @@ void step_forms(Meaning& meaning) {
                                   "@fut",  "@would", "@used", "@neg",    "@ask", "@int"};
   for (int at = 0; at < graph.count(); ++at) {
     bare_time_apply(graph, at);
+    content_apply(graph, at);
     giving_apply(graph, at);
     Concept& word = graph.word(at);
     // English has one modal verb in a clause.
