@@ -248,6 +248,7 @@ void seeming_apply(Rewriter& graph, int at) {
   if (!graph.word(thing).sense.empty() || graph.child(thing, "domain") >= 0 || !is_thing) return;
   attribute_add(graph.word(at), has_attribute(graph.word(thing), "@pl") ? "@theres" : "@there");
   attribute_add(graph.word(at), "@raised");
+  attribute_add(graph.word(at), "@seems");
 }
 
 // What something becomes stands behind the verb without a preposition, if it is a quality.
