@@ -463,6 +463,11 @@ void degree_measured(Rewriter& graph, int at, int quality, int bearer_led) {
                               !has_attribute(graph.word(quality), "@equal");
     const int kept = is_with_noun ? graph.other(bearer_led, at) : quality;
     graph.replace(led, kept, graph.arc(led).to, label);
+    // "As many books as I".
+    const bool is_amount = graph.is(quality, "many") || graph.is(quality, "much") || graph.is(quality, "few");
+    const bool is_as_many = is_amount && bearer_led >= 0 && graph.arc(bearer_led).to == at &&
+                            has_attribute(graph.word(quality), "@equal") && std::string_view(role) == "ARG4";
+    if (is_as_many) graph.replace(led, graph.other(bearer_led, at), graph.arc(led).to, "role");
     measured_apply(graph, graph.arc(led).to);
   }
 }
@@ -488,17 +493,17 @@ void again_apply(Rewriter& graph, int quality, int bearer) {
 
 // (x :ARG1-of (have-degree-91 :ARG2 tall :ARG3 more :ARG4 y)): tall is the quality, x its bearer.
 void degree_apply(Rewriter& graph, int at, bool is_quantity) {
-  // "She knows more things than he".
-  const int counted = is_quantity ? graph.argument(at, "ARG1") : -1;
-  if (counted >= 0 && graph.is(graph.other(counted, at), "thing")) {
-    attribute_add(graph.word(graph.other(counted, at)), "@pl");
-  }
   int quality_led = graph.argument(at, "ARG2");
   // A quantity may be the degree itself: "enough oil".
   if (quality_led < 0 && is_quantity) quality_led = graph.argument(at, "ARG3");
   if (quality_led < 0) return;
   const int quality = graph.other(quality_led, at);
   const int bearer_led = graph.argument(at, "ARG1");
+  // "She knows more things than he", "there are too many stars".
+  const bool is_counted =
+      is_quantity && bearer_led >= 0 &&
+      (graph.is(quality, "many") || graph.is(quality, "few") || graph.is(graph.other(bearer_led, at), "thing"));
+  if (is_counted) attribute_add(graph.word(graph.other(bearer_led, at)), "@pl");
   graph.settle_concept(at, Fate::relation);
   // What is denied is the degree: "no thicker than a finger".
   if (has_attribute(graph.word(at), "@neg")) attribute_add(graph.word(quality), "@neg");
