@@ -491,6 +491,12 @@ void again_apply(Rewriter& graph, int quality, int bearer) {
   if (again >= 0 && graph.arc(again).to == bearer) graph.remove(again, Fate::relation);
 }
 
+// "She knows more things than he", "there are too many stars".
+void counted_apply(Rewriter& graph, int quality, int bearer) {
+  const bool is_counted = graph.is(quality, "many") || graph.is(quality, "few") || graph.is(bearer, "thing");
+  if (is_counted) attribute_add(graph.word(bearer), "@pl");
+}
+
 // (x :ARG1-of (have-degree-91 :ARG2 tall :ARG3 more :ARG4 y)): tall is the quality, x its bearer.
 void degree_apply(Rewriter& graph, int at, bool is_quantity) {
   int quality_led = graph.argument(at, "ARG2");
@@ -499,11 +505,7 @@ void degree_apply(Rewriter& graph, int at, bool is_quantity) {
   if (quality_led < 0) return;
   const int quality = graph.other(quality_led, at);
   const int bearer_led = graph.argument(at, "ARG1");
-  // "She knows more things than he", "there are too many stars".
-  const bool is_counted =
-      is_quantity && bearer_led >= 0 &&
-      (graph.is(quality, "many") || graph.is(quality, "few") || graph.is(graph.other(bearer_led, at), "thing"));
-  if (is_counted) attribute_add(graph.word(graph.other(bearer_led, at)), "@pl");
+  if (is_quantity && bearer_led >= 0) counted_apply(graph, quality, graph.other(bearer_led, at));
   graph.settle_concept(at, Fate::relation);
   // What is denied is the degree: "no thicker than a finger".
   if (has_attribute(graph.word(at), "@neg")) attribute_add(graph.word(quality), "@neg");
