@@ -35,7 +35,7 @@ VERB_OBJECTS = {verb: preposition for preposition, verbs in {
     "at": "look glance stare gaze laugh smile frown glare wink peer aim hint marvel sneer grin scoff recoil balk wince chuckle giggle leer",
     "on": "depend rely insist focus concentrate elaborate dwell embark infringe encroach reflect spy capitalize impinge",
     "for": "wait hope yearn long apologize opt strive account atone vouch vie",
-    "in": "participate engage indulge specialize succeed partake",
+    "in": "participate engage indulge specialize succeed partake reside",
     "with": "cope deal interfere tamper comply sympathize collaborate compete cooperate flirt collide coincide clash quarrel "
             "war wrestle experiment meddle disagree",
     "from": "refrain abstain suffer recover differ stem",
@@ -482,7 +482,7 @@ def frames(path, writer, sources):
                 built = [a for a in built if (a, told) != ("INF1", "to")] + ["p1" + told]
         if verb and sense_of(concept) < 4 and not {"SA1", "NP2"} & set(built):
             # "A lack of rain" is no reason to lack of rain.
-            told = VERB_OBJECTS.get(lemma, "" if "p1of" in built else None)
+            told = None if concept == "look(>02)" else VERB_OBJECTS.get(lemma, "" if "p1of" in built else None)
             if told is not None:
                 built = [a for a in built if not a.startswith("p1")] + ["p1" + told] * bool(told)
                 # "She referred to the fact that it rained".

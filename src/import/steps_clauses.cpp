@@ -1221,7 +1221,7 @@ void step_forms(Meaning& meaning) {
     giving_apply(graph, at);
     Concept& word = graph.word(at);
     // English has one modal verb in a clause.
-    if (has_attribute(word, "@must")) std::erase(word.attributes, "@should");
+    if (has_attribute(word, "@must") || has_attribute(word, "@need")) std::erase(word.attributes, "@should");
     if (has_attribute(word, "@can")) std::erase(word.attributes, "@may");
     constexpr std::array kGrades{"@more", "@most", "@less", "@least", "@too", "@so", "@very"};
     // "A little" and "completely" leave a verb a verb: he hesitated a little.
