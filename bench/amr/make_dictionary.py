@@ -28,6 +28,80 @@ ON_PLACES = set("planet earth moon island continent coast beach shore border gro
 # Adverbs that stand in the middle of a clause, before its verb.
 MIDDLE = set("certainly probably possibly really truly surely obviously apparently indeed actually clearly finally usually "
              "generally normally rarely seldom hardly barely merely simply scarcely nearly frequently recently suddenly".split())
+# What English has in front of the object of a verb, and of its noun, whatever the examples make more frequent.
+VERB_OBJECTS = {verb: preposition for preposition, verbs in {
+    "to": "subscribe adhere conform succumb resort refer object react respond listen belong attest allude cater cling consent "
+          "relate testify",
+    "at": "look glance stare gaze laugh smile frown glare wink peer aim hint marvel sneer grin scoff recoil balk wince chuckle giggle leer",
+    "on": "depend rely insist focus concentrate elaborate dwell embark infringe encroach reflect spy capitalize impinge",
+    "for": "wait hope yearn long apologize opt strive account atone vouch vie",
+    "in": "participate engage indulge specialize succeed partake reside",
+    "with": "cope deal interfere tamper comply sympathize collaborate compete cooperate flirt collide coincide clash quarrel "
+            "war wrestle experiment meddle disagree",
+    "from": "refrain abstain suffer recover differ stem",
+    "about": "complain brag boast gossip rave care speak talk chat pontificate bitch moan gripe grumble fuss fret rant reminisce",
+    "over": "preside",
+    "against": "rebel discriminate retaliate conspire",
+    "": "lack impress oppose access contact convoy cure delay diagnose interview impact border",
+    "of": "dispose approve disapprove dream beware repent despair tire",
+    "into": "delve inquire pry"}.items() for verb in verbs.split()}
+VERB_SECOND = {verb: preposition for preposition, verbs in {
+    "of": "rob convince", "on": "put", "into": "insert divide transform convert", "with": "fill equip", "in": "invest", "for": "ban",
+    "to": "subject expose limit devote dedicate attribute attach", "from": "separate distinguish exclude isolate"}.items()
+               for verb in verbs.split()}
+NOUN_OBJECTS = {verb: preposition for preposition, verbs in {
+    "on": "attack influence impact comment ban tax limit assault raid restrict focus pressure emphasize effect affect report",
+    "for": "demand desire hope need respect care request support prefer vote apologize",
+    "in": "increase decrease rise fall drop decline grow improve change cut believe trust participate",
+    "to": "damage visit answer react respond reply object oppose access addict attend solve resist adapt adhere",
+    "against": "discriminate"}.items() for verb in verbs.split()}
+# Verbs behind which an infinitive has "how": she knows how to swim.
+HOW_VERBS = ("know",)
+# What people try or begin is what they do themselves: no infinitive with a subject of its own.
+OWN_SUBJECT_VERBS = ("try", "begin", "start", "continue", "attempt", "manage", "decide", "refuse", "learn", "hope")
+# Verbs that govern a gerund and no infinitive: "she finished eating".
+GERUND = set("admit avoid consider complete delay deny detest dislike end enjoy escape finish imagine keep mention mind miss "
+             "postpone practice quit recall recommend resent resist risk stop suggest".split())
+# What a verb does, as a noun, where neither the frame files nor WordNet have one.
+NOUNS = {verb: noun for verb, noun in (one.split(":") for one in (
+    "live:life thirst:thirst hope:hope wait:wait exist:existence deject:dejection behave:behavior concern:concern "
+    "worry:worry entertain:entertainment disappear:disappearance shame:shame wonder:wonder pretend:pretense obey:obedience "
+    "err:error cry:cry excuse:excuse hunt:hunt belong:belonging isolate:isolation hesitate:hesitation insist:insistence "
+    "persist:persistence resist:resistance exist:existence occur:occurrence refuse:refusal survive:survival tend:tendency tax:tax link:link").split())}
+# How English builds a sense, where the frame files have no example of it: "an answer with a smile", "split into halves".
+# POSTN is for a participle that stands behind its noun, "the money left".
+BUILT = {
+    "answer(>01)": "p2with", "attend(>02)": "p1to", "comment(>01)": "p3on",
+    "ask(>02)": "p1for", "come(>01)": "p3from p4to", "draw(>01)": "p2for", "excuse(>01)": "p2for GER2", "leave(>17)": "POSTN",
+    "question(>01)": "p1about", "policy(>01)": "p2on", "remain(>01)": "GER3", "speak(>01)": "p1about p2to", "split(>01)": "p2into",
+    "sit-down(>02)": "p2on", "do(>02)": "p2to", "go-back(>19)": "p2to",
+    "title(>01)": "NP2", "speak(>01)": "p2to", "view(>02)": "THAT1", "war(>01)": "p2over", "weigh(>01)": "SA1", "marry(>01)": "NP2",
+    "thank(>01)": "p2for GER2", "accuse(>01)": "p2of GER2", "suspect(>01)": "p2of GER2", "praise(>01)": "p2for GER2",
+    "punish(>01)": "p2for GER2", "prevent(>01)": "p2from GER2",
+}
+# Who does it, where the shortest word that is made of the verb is another.
+AGENTS = {"apply": "applicant", "assist": "assistant", "inhabit": "inhabitant", "reside": "resident", "study": "student",
+          "immigrate": "immigrant", "participate": "participant", "compete": "competitor", "represent": "representative",
+          "counsel": "counselor", "act": "actor", "account": "accountant", "assail": "assailant", "defend": "defender"}
+# What an adjective has in front of what it is about.
+ADJECTIVE_OBJECTS = {adjective: preposition for preposition, adjectives in {
+    "of": "afraid aware proud fond capable full ashamed jealous worthy guilty tired typical envious weary",
+    "for": "famous ready responsible sorry eligible suitable grateful eager necessary",
+    "about": "worried anxious enthusiastic pessimistic optimistic nervous",
+    "with": "angry busy familiar content compatible consistent",
+    "from": "different absent distinct safe", "on": "dependent keen reliant", "at": "skilled",
+    "in": "interested fluent", "to": "similar equal loyal accustomed relevant"}.items()
+    for adjective in adjectives.split()}
+# Behind these an adjective says what the subject is or becomes.
+COPULAR = set("become look feel sound smell taste stay remain grow turn get go seem appear keep".split())
+FACT_VERBS = set("refer object react respond attest allude depend rely focus concentrate elaborate dwell reflect account".split())
+# What happens to things by itself as well: "the door opened" where nobody is named who opens it.
+ERGATIVE = set("increase decrease change improve begin start end stop continue develop spread shift double triple expand shrink "
+               "evolve accumulate worsen widen accelerate collapse sink melt freeze move turn open close retire recover".split())
+# What has a topic with about.
+ABOUT_NOUNS = set("information news story book article bullshit nonsense joke rumour rumor gossip film movie song poem theory "
+                  "opinion view truth fact data documentary lesson lecture conversation discussion debate secret detail thing "
+                  "something anything nothing everything report remark statement complaint concern worry doubt".split())
 STATE_FILES = {31, 37, 42}
 MASS_FILES = {7, 12, 27, 26}
 
@@ -175,12 +249,13 @@ class Sources:
                 lemma, form, features = line.rstrip("\n").split("\t")[:3]
                 if features in tags:
                     self.forms[lemma].setdefault(tags[features], []).append(form)
+        self.participles = {form for tags in self.forms.values() for form in tags.get("PTCP", ())}
         self.tagged = collections.Counter()
         self.nouns, self.adjectives, self.adverbs, self.verbs = {}, set(), set(), set()
         self.states = set()
         self.governs = collections.defaultdict(collections.Counter)
         self.shapes = collections.defaultdict(set)
-        self.agents, self.nominal, self.adjectival, self.manner, self.opposite, self.quality = ({} for _ in range(6))
+        self.agents, self.nominal, self.adjectival, self.manner, self.opposite, self.quality, self.quality_ness = ({} for _ in range(7))
         self.exceptions = collections.defaultdict(set)
         self.irregular = {"noun": {}, "adj": collections.defaultdict(list), "verb": {}}
         if arguments.wordnet:
@@ -247,8 +322,9 @@ class Sources:
                 denied = "(un|in|im|il|ir|dis)" + re.escape(source) + "|" + re.escape(re.sub("ful$", "", source)) + "less"
                 if part == "adj" and symbol == "!" and re.fullmatch(denied, target):
                     self.opposite[source] = target
-                if part == "adj" and category == "n" and symbol == "+" and target_file != 18 and not target.endswith("ness"):
-                    self.quality.setdefault(source.lower(), target)
+                if part == "adj" and category == "n" and symbol == "+" and target_file != 18:
+                    table = self.quality_ness if target.endswith("ness") else self.quality
+                    table.setdefault(source.lower(), target)
                 if part == "adv" and symbol == "\\":
                     # Of several adverbs the one that is made of the adjective: slowly, not slower.
                     if source.endswith("ly") or target.lower() not in self.manner:
@@ -293,6 +369,8 @@ class Sources:
         for tag, known in self.forms.get(first, {}).items():
             # Of several forms the one that people write.
             forms[tag] = max(known, key=lambda form: (self.form_weight(first, tag, form), form == forms[tag]))
+        if first == "bear":
+            forms["PTCP"] = "borne"
         tail = "".join(" " + word for word in rest)
         return {tag: form + tail for tag, form in forms.items()}
 
@@ -328,6 +406,7 @@ class Writer:
         if lemma != lemma.lower():
             written = lemma
         kinds = {18: ",HUM", 28: ",TIM", 15: ",PLC"}.get(file, "") + (",MASS" if file in MASS_FILES else "")
+        kinds += ",ABT" * (lemma in ABOUT_NOUNS)
         kinds += self.sources.text.noun_marks(lemma, self.sources.irregular["noun"].get(lemma) or plural(written))
         self.entry(written, concept, f"N{kinds}{vowel(written)}{more}")
         if written[:1].islower() or file == 18 and " " not in written:
@@ -340,14 +419,21 @@ class Writer:
             if adverb := self.sources.manner.get(opposite):
                 self.entry(adverb, concept, f"UN,UNADV{vowel(adverb)}")
         self.entry(lemma, concept, f"ADJ{vowel(lemma)}{more}")
+        # Behind a preposition stands the noun of the quality: after the silence.
+        noun = self.sources.quality.get(lemma) or self.sources.quality_ness.get(lemma)
+        if noun and "(>" not in concept:
+            self.entry(noun, concept, f"QN,{'MASS' if noun.endswith('ness') else 'THE'}{vowel(noun)}")
         exceptions = [f for f in self.sources.irregular["adj"].get(lemma, ()) if re.search(r"(r|st|e)$", f)]
         grades = {"CMP": [f for f in exceptions if f.endswith(("r", "e"))], "SUP": [f for f in exceptions if f.endswith("st")]}
-        if not exceptions and (short(lemma) or lemma.endswith("y")) and lemma.isalpha() and len(lemma) < 8:
+        is_graded = (short(lemma) or lemma.endswith("y")) and lemma.isalpha() and len(lemma) < 8
+        if not exceptions and is_graded and lemma not in self.sources.participles:
             grades = {"CMP": [compared(lemma, "er")], "SUP": [compared(lemma, "est")]}
         for tag, forms in grades.items():
             for form in forms[:1]:
                 self.entry(form, concept, f"ADJ,{tag}{vowel(form)}{more}")
-        if adverb := self.sources.manner.get(lemma):
+        made = re.sub("ic$", "ical", re.sub("[^aeiou]le$", lambda end: end.group()[0], re.sub("y$", "i", lemma))) + "ly"
+        made = made.replace("lly", "ly") if lemma.endswith("ll") else made
+        if adverb := self.sources.manner.get(lemma) or (made if "(>" in concept and made in self.sources.adverbs else None):
             self.entry(adverb, concept, f"ADV{',LY' * adverb.endswith('ly')}{',SADV' * (adverb in MIDDLE)}{vowel(adverb)}{more}")
 
 
@@ -355,7 +441,7 @@ def surface(lemma):
     return lemma.replace("_", " ").replace("-", " ").strip()
 
 
-def clause_shapes(seen, frames, governed, count):
+def clause_shapes(verb, seen, frames, governed, count):
     """What a clause in the place of ARG1 is: as in the examples of the frame files and as WordNet says of the verb. NOUN1
     is for a verb that hardly ever governs a clause: an event behind it is a noun."""
     shapes = ("INF", "GER", "THAT")
@@ -363,9 +449,12 @@ def clause_shapes(seen, frames, governed, count):
     told = 3 + sum(governed[shape] for shape in shapes)
     score = {shape: (shape + "1" in seen) / max(1, len(seen)) + frames[shape] / known + 2 * governed[shape] / told
              for shape in shapes}
+    # One clause in the examples proves nothing.
+    if not ("THAT1" in seen or frames["THAT"] or governed["THAT"] > 2):
+        score["THAT"] = 0
     found = [shape + "1" for shape in ("INF", "GER") if score[shape] and score[shape] >= 0.3 * score["THAT"]]
     found += ["THAT1"] * (score["THAT"] > max(score["INF"], score["GER"])) + ["BARE1"] * (frames["BARE"] > 0)
-    found += ["OINF1"] * (frames["OINF"] > 0 or governed["OINF"] > 1 and 2 * governed["OINF"] > governed["THAT"])
+    found += ["OINF1"] * (verb not in OWN_SUBJECT_VERBS) * (frames["OINF"] > 0 or governed["OINF"] > 1 and 2 * governed["OINF"] > governed["THAT"])
     is_rare = 10 * sum(governed.values()) < count and not sum(frames.values())
     return found + ["NOUN1"] * (is_rare and not seen and "THAT1" not in found)
 
@@ -385,18 +474,38 @@ def frames(path, writer, sources):
         told = [a for a in names[0][1] if a not in ("V", "N", "ADJ", "NMZ", "QUAL")]
         seen = {a for a in told if a in ("INF1", "GER1", "THAT1")}
         built = [a for a in told if a not in seen] + clause_shapes(
-            seen, sources.governs[verb or lemma], sources.text.governed[verb or lemma],
+            verb or lemma, seen, sources.governs[verb or lemma], sources.text.governed[verb or lemma],
             sum(sources.text.counts[form] for form in set(sources.verb_forms(verb or lemma).values())))
         if verb and lemma == verb and sense_of(concept) < 3 and not {"SA1", "NP2"} & set(built):
             told = sources.text.preposition({form for tag, form in sources.verb_forms(verb).items() if tag != "PTCP"})
             if told and not any(re.match("p1|p[2-5]" + told, a) for a in built):
                 built = [a for a in built if (a, told) != ("INF1", "to")] + ["p1" + told]
+        if verb and sense_of(concept) < 4 and not {"SA1", "NP2"} & set(built):
+            # "A lack of rain" is no reason to lack of rain.
+            told = None if concept == "look(>02)" else VERB_OBJECTS.get(lemma, "" if "p1of" in built else None)
+            if told is not None:
+                built = [a for a in built if not a.startswith("p1")] + ["p1" + told] * bool(told)
+                # "She referred to the fact that it rained".
+                built += ["FACT1"] * (lemma in FACT_VERBS and "THAT1" not in built)
+        if verb in HOW_VERBS and "INF1" in built:
+            built.append("HOWINF")
+        if verb and sense_of(concept) < 3 and (told := VERB_SECOND.get(lemma)):
+            built = [a for a in built if not a.startswith("p2") and a not in ("NP2", "INF2")] + ["p2" + told]
         is_getting = verb == "get" and sense_of(concept) > 2
-        if "SA1" not in built and (is_getting or sources.is_intransitive(verb or lemma)):
+        if verb in GERUND:
+            built = [a for a in built if a != "INF1"] + ["GER1"]
+        more = BUILT.get(concept, "").split()
+        if not verb and (told := ADJECTIVE_OBJECTS.get(lemma)):
+            more += [f"p{n}{told}" for n in "12" if "p" + n not in {a[:2] for a in built + more}]
+        numbers = {argument_of(a) for a in more} - {""}
+        built = [a for a in built if "THAT" in a or argument_of(a) not in numbers] + more
+        is_ergative = verb in ERGATIVE and sense_of(concept) < 3
+        if "SA1" not in built and (is_getting or is_ergative or sources.is_intransitive(verb or lemma)):
             built.append("SA1")
         pattern = "".join("," + a for a in built)
         if verb:
-            writer.verb(verb, concept, pattern + ",SMALLC" * (verb in ("make", "render", "keep") and "THAT1" in pattern))
+            writer.verb(verb, concept, pattern + ",SMALLC" * (verb in ("make", "render", "keep") and "THAT1" in pattern)
+                        + ",COPL" * (verb in COPULAR))
         # A word that is a noun at least as often as a verb names what the verb does: "the size of the garden".
         often = sources.tagged[lemma, "1"] >= max(5, 1.5 * sources.tagged[lemma, "2"])
         if verb == lemma and not of["N"] and often and ",p1" not in pattern:
@@ -405,18 +514,27 @@ def frames(path, writer, sources):
         nouns = [form for form in of["N"] if not form.endswith("ing")]
         # Of several nouns the one that is made of the verb, and that people use: death, not die.
         derived = sources.nominal.get(verb, ()) if verb else (lemma,)
-        nouns.sort(key=lambda form: (form not in derived, -sources.tagged[form, "1"]))
+        nouns.sort(key=lambda form: -(sources.tagged[form, "1"] + 1) * (4 if form in derived else 1))
+        if not nouns and lemma in NOUNS and sense_of(concept) < 4:
+            nouns = [NOUNS[lemma]]
         for noun in (nouns or [form for form in of["N"] if sources.tagged[form, "1"] > 19])[:1]:
             # A noun has the prepositions of its verb, "a look at the sea", and a verb of its own, "take a look".
-            kept = "".join("," + a for a in built if re.match(r"p\d|LV", a))
+            of_noun = NOUN_OBJECTS.get(lemma, "")
+            kept = "".join("," + a for a in built if re.match(r"p[2-5]|LV" if of_noun else r"p\d|LV", a))
+            kept += f",p1{of_noun}" * bool(of_noun)
             writer.noun(noun, concept, (",NMZ" if verb else ",NMZ,QUAL") + kept)
         adjectives = [lemma] if of["ADJ"] and lemma in sources.adjectives else of["ADJ"]
-        for adjective in adjectives[:1]:
+        for adjective in adjectives[:"POSTN" not in built]:
             if not verb and not of["N"] and adjective in sources.quality:
                 writer.noun(sources.quality[adjective], concept, ",NMZ,QUAL")
             writer.adjective(adjective, concept, "" if verb else pattern)
         for agent in agent_of(sources, verb)[:1] if verb else ():
             writer.noun(agent, concept, ",AGT")
+
+
+def argument_of(attribute):
+    """The number of the argument that an attribute speaks of: 2 for p2from, NP2 and INF2."""
+    return re.sub(r"\D", "", attribute)
 
 
 def sense_of(concept):
@@ -425,13 +543,17 @@ def sense_of(concept):
 
 def agent_of(sources, verb):
     stem = verb[:3]
-    return sorted((a for a in sources.agents.get(verb, ()) if a.lower().startswith(stem)),
-                  key=lambda a: (a.endswith("ee"), len(a)))
+    # Not "liver" for one who lives: a word for parts of the body and for animals.
+    return sorted((a for a in sources.agents.get(verb, ()) if a.lower().startswith(stem)
+                   and sources.nouns.get(a.lower(), (a, 18))[1] not in (range(18) if a == verb else (5, 8))),
+                  key=lambda a: (a != AGENTS.get(verb), a[0].isupper(), a == verb, a.endswith("ee"), len(a)))
 
 
 def lemmas(writer, sources):
     for lemma, (written, file, tags) in sources.nouns.items():
         rare = sources.tagged[lemma, "1"] * 3
+        if lemma in sources.adjectives and not rare and re.search("(ible|able|ous|ful|ive|less|ish|ical)$", lemma):
+            continue
         if sources.tagged[lemma, "3"] > rare or sources.tagged[lemma, "4"] > rare:
             continue
         if re.fullmatch(r"[A-Za-z][A-Za-z .'-]*", lemma):
@@ -449,6 +571,10 @@ def lemmas(writer, sources):
             for key in {lemma, lemma.replace(" ", "-")}:
                 writer.adjective(lemma, key)
     for lemma in sources.adverbs:
+        # "He said softly": of the two adverbs of an adjective that is plain.
+        made = sources.manner.get(lemma, "")
+        if lemma in sources.adjectives and made.endswith("ly") and sources.tagged[made, "4"] > sources.tagged[lemma, "4"]:
+            continue
         if re.fullmatch(r"[a-z][a-z -]*", lemma):
             for key in {lemma, lemma.replace(" ", "-")}:
                 writer.entry(lemma, key, f"ADV{',MID' * (lemma in MIDDLE)}{vowel(lemma)}")

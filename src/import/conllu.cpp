@@ -138,7 +138,12 @@ class Sentences {
     if (enhanced_ && row[kDeps] != "_") {
       for (const std::string& one : parts_of(row[kDeps], '|')) {
         const std::size_t colon = one.find(':');
-        if (colon != std::string::npos) depend(at, one.substr(0, colon), one.substr(colon + 1));
+        if (colon != std::string::npos) {
+          depend(at, one.substr(0, colon), one.substr(colon + 1));
+        } else {
+          errors_.push_back({{places_[at], 1},
+                             "an enhanced dependency is a head, a colon and a relation; \"" + one + "\" is left out"});
+        }
       }
     } else {
       depend(at, row[kHead], row[kDeprel]);
@@ -156,6 +161,10 @@ class Sentences {
     if (known == ids_.end()) {
       errors_.push_back(
           {{places_[at], 1}, "the head " + head + " of " + rows_[at][kForm] + " is no word of the sentence"});
+      return;
+    }
+    if (known->second == self) {
+      errors_.push_back({{places_[at], 1}, rows_[at][kForm] + " is its own head; this dependency is left out"});
       return;
     }
     Arc arc;

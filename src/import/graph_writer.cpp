@@ -12,6 +12,8 @@
 
 #include <algorithm>
 #include <deque>
+#include <set>
+#include <string_view>
 #include <vector>
 
 namespace lexon {
@@ -82,9 +84,15 @@ class Writer {
       out_ << "[W]\n" << mention(meaning_.root) << "\n[/W]\n";
     }
     out_ << "[/S]\n\n";
+    for (std::size_t i = 0; i < meaning_.triples.size(); ++i)
+      settle(meaning_, static_cast<int>(i), Fate::left_out, kNoRoad);
+    lost_tell();
   }
 
  private:
+  static constexpr const char* kNoRoad = "no road leads there from the word that begins the sentence";
+  static constexpr const char* kTooMany = "limits: a sentence has at most 128 relations";
+
   Meaning& meaning_;
   const WriterOptions& options_;
   std::ostream& out_;
@@ -124,7 +132,7 @@ class Writer {
         if (is_taken[static_cast<std::size_t>(led)]) continue;
         is_taken[static_cast<std::size_t>(led)] = true;
         if (chosen_.size() == kMaxRelations) {
-          settle(meaning_, one.triple, Fate::left_out, "limits: a sentence has at most 128 relations");
+          settle(meaning_, one.triple, Fate::left_out, kTooMany);
           continue;
         }
         chosen_.push_back(led);
@@ -153,6 +161,41 @@ class Writer {
     for (std::size_t i = 0; i < texts_.size(); ++i) {
       if (!is_used_[i] || counts[texts_[i]] < 2) continue;
       texts_[i] += ':' + number_code(++given[texts_[i]]);
+    }
+  }
+
+  // What a step has put into another word is lost with that word. An arc that is gone tells which one that is.
+  void lost_tell() {
+    std::vector<std::vector<int>> joined(meaning_.concepts.size());
+    for (const Arc& one : meaning_.arcs) {
+      const bool is_expressed =
+          one.gone && one.triple >= 0 && meaning_.triples[static_cast<std::size_t>(one.triple)].fate != Fate::left_out;
+      if (!is_expressed) continue;
+      joined[static_cast<std::size_t>(one.from)].push_back(one.to);
+      joined[static_cast<std::size_t>(one.to)].push_back(one.from);
+    }
+    std::vector<int> open;
+    for (std::size_t i = 0; i < is_used_.size(); ++i) {
+      if (is_used_[i]) open.push_back(static_cast<int>(i));
+    }
+    std::vector<bool> is_told = is_used_;
+    while (!open.empty()) {
+      const int at = open.back();
+      open.pop_back();
+      for (const int next : joined[static_cast<std::size_t>(at)]) {
+        if (!is_told[static_cast<std::size_t>(next)]) open.push_back(next);
+        is_told[static_cast<std::size_t>(next)] = true;
+      }
+    }
+    std::set<std::string_view> lost;
+    for (std::size_t i = 0; i < is_told.size(); ++i) {
+      if (!is_told[i]) lost.insert(meaning_.concepts[i].variable);
+    }
+    for (Triple& triple : meaning_.triples) {
+      const bool is_of_step = triple.fate != Fate::left_out && *triple.why != '\0';
+      if (!is_of_step || !lost.contains(triple.source)) continue;
+      triple.fate = Fate::left_out;
+      triple.why = chosen_.size() == kMaxRelations ? kTooMany : kNoRoad;
     }
   }
 
@@ -201,9 +244,6 @@ class Writer {
 
 void graph_write(Meaning& meaning, const WriterOptions& options, std::ostream& out, RoleCounts& unknown) {
   Writer(meaning, options, out, unknown).write();
-  for (std::size_t i = 0; i < meaning.triples.size(); ++i) {
-    settle(meaning, static_cast<int>(i), Fate::left_out, "no road leads there from the word that begins the sentence");
-  }
 }
 
 // `:polarity -` and the like: the triple becomes an attribute of the concept where it is written.

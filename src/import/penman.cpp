@@ -303,6 +303,12 @@ class GraphParser {
       }
     }
     pending_.clear();
+    // No word is said of itself, and steps that turn arcs round would lose what else is said of it.
+    for (Arc& arc : meaning_.arcs) {
+      if (arc.from != arc.to) continue;
+      arc.gone = true;
+      settle(meaning_, arc.triple, Fate::left_out, "source: a word stands below itself");
+    }
   }
 };
 
@@ -416,8 +422,21 @@ class FileReader {
       if (in_text_) continue;
       if (text[i] == '#' && (i == 0 || is_blank(text[i - 1]))) break;
       if (text[i] == '(') ++depth_;
-      if (text[i] == ')' && --depth_ == 0) return graph_end();
+      if (text[i] == ')' && --depth_ == 0) {
+        graph_end();
+        return rest_tell(std::string_view(text).substr(i + 1), static_cast<int>(i) + 2);
+      }
     }
+  }
+
+  // A comment may stand behind a graph. Anything else is one parenthesis too many, or another graph.
+  void rest_tell(std::string_view rest, int column) {
+    const std::string_view bare = trimmed(rest);
+    if (bare.empty() || bare.front() == '#') return;
+    column += static_cast<int>(bare.data() - rest.data());
+    errors_.push_back({{lines_.first + static_cast<int>(lines_.text.size()) - 1, column},
+                       "the graph ends in front of \"" + std::string(bare.substr(0, 40)) +
+                           "\", which is left out; a graph begins on a line of its own"});
   }
 
   // The graph waits in `ready_`: of UMR the document level comes behind it. An AMR graph is handed on when the next one or

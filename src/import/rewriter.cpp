@@ -50,6 +50,10 @@ int Rewriter::argument(int frame, std::string_view role) {
 
 // Depth first, each concept once: a graph may have circles.
 bool Rewriter::reaches(int above, int below) {
+  std::vector<std::vector<int>> under(meaning_.concepts.size());
+  for (const Arc& one : meaning_.arcs) {
+    if (!one.gone) under[static_cast<std::size_t>(one.from)].push_back(one.to);
+  }
   std::vector<bool> seen(meaning_.concepts.size());
   std::vector<int> open{above};
   while (!open.empty()) {
@@ -58,7 +62,7 @@ bool Rewriter::reaches(int above, int below) {
     if (at == below) return true;
     if (seen[static_cast<std::size_t>(at)]) continue;
     seen[static_cast<std::size_t>(at)] = true;
-    for (const int led : children(at)) open.push_back(arc(led).to);
+    for (const int to : under[static_cast<std::size_t>(at)]) open.push_back(to);
   }
   return false;
 }

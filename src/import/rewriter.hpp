@@ -2,6 +2,8 @@
 // from sight.
 #pragma once
 
+#include <algorithm>
+#include <array>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -60,5 +62,11 @@ class Rewriter {
   Meaning& meaning_;
   const char* step_;
 };
+
+// True for a concept with one of these names, whatever its sense.
+template <std::size_t N>
+bool is_one_of(Rewriter& graph, int at, const std::array<const char*, N>& names) {
+  return std::any_of(names.begin(), names.end(), [&](const char* name) { return graph.word(at).name == name; });
+}
 
 }  // namespace lexon

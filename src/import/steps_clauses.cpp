@@ -20,8 +20,19 @@ bool is_unknown(Rewriter& graph, int at) {
   return graph.is(at, "amr-unknown") || graph.is(at, "umr-unknown");
 }
 
+// For each concept the arcs that are written at it, in the order of the source: for walks over a whole graph, which would
+// look at all arcs for each concept else. It holds until an arc changes its beginning.
+std::vector<std::vector<int>> arcs_by_beginning(Rewriter& graph) {
+  std::vector<std::vector<int>> below(static_cast<std::size_t>(graph.count()));
+  for (int led = 0; led < static_cast<int>(graph.meaning().arcs.size()); ++led) {
+    if (!graph.arc(led).gone) below[static_cast<std::size_t>(graph.arc(led).from)].push_back(led);
+  }
+  return below;
+}
+
 // For each concept the arc by which the walk from the beginning of the sentence first comes to it; -1 for none.
 std::vector<int> first_arcs(Rewriter& graph) {
+  std::vector<std::vector<int>> all = arcs_by_beginning(graph);
   std::vector<int> first(static_cast<std::size_t>(graph.count()), -1);
   std::vector<bool> seen(first.size());
   std::vector<std::pair<int, int>> open{{-1, graph.meaning().root}};
@@ -31,25 +42,35 @@ std::vector<int> first_arcs(Rewriter& graph) {
     if (at < 0 || seen[static_cast<std::size_t>(at)]) continue;
     seen[static_cast<std::size_t>(at)] = true;
     first[static_cast<std::size_t>(at)] = led;
-    std::vector<int> below = graph.children(at);
+    std::vector<int>& below = all[static_cast<std::size_t>(at)];
     // A receiver is said before what it is told to do: "she asked the driver to stop".
     std::stable_partition(below.begin(), below.end(), [&](int one) {
       const Arc& led_down = graph.arc(one);
-      const Concept& word = graph.word(led_down.to);
-      const bool is_noun =
-          !is_clause(graph, led_down.to) || has_attribute(word, "@agent") || has_attribute(word, "@result");
       const bool is_argument = led_down.role.starts_with("ARG") || led_down.role == "speaker";
-      return !led_down.inverse && is_argument && is_noun;
+      if (led_down.inverse || !is_argument) return false;
+      const Concept& word = graph.word(led_down.to);
+      return !is_clause(graph, led_down.to) || has_attribute(word, "@agent") || has_attribute(word, "@result");
     });
     // An agent is said before what it does something to, and a condition before both, wherever the source writes them.
     const char* subject = has_attribute(graph.word(at), "@psv") ? "ARG1" : "ARG0";
-    std::stable_partition(below.begin(), below.end(), [&](int one) { return graph.arc(one).role == subject; });
+    const bool has_agent = graph.child(at, subject) >= 0;
+    std::stable_partition(below.begin(), below.end(), [&](int one) {
+      return graph.arc(one).role == (has_agent ? subject : "domain") && !graph.arc(one).inverse;
+    });
     std::stable_partition(below.begin(), below.end(), [&](int one) {
       const Arc& led_down = graph.arc(one);
       const bool goes_in_front = led_down.role == "condition" || led_down.role == "time";
       return goes_in_front && !led_down.inverse && is_clause(graph, led_down.to);
     });
     for (auto one = below.rbegin(); one != below.rend(); ++one) open.emplace_back(*one, graph.arc(*one).to);
+  }
+  // "It was cheap, although it was a long trip": what is a statement of its own is said where a clause may stand.
+  for (std::size_t i = 0; i < graph.meaning().arcs.size(); ++i) {
+    const Arc& one = graph.meaning().arcs[i];
+    const bool is_circumstance = one.role == "concession" || one.role == "cause" || one.role == "condition";
+    if (one.gone || one.inverse || !is_circumstance || graph.child(one.to, "domain") < 0) continue;
+    int& before = first[static_cast<std::size_t>(one.to)];
+    if (before >= 0 && graph.arc(before).role == "ARG0" && !graph.arc(before).inverse) before = static_cast<int>(i);
   }
   return first;
 }
@@ -67,12 +88,6 @@ int mention_of(Rewriter& graph, int at) {
   }
   attribute_add(word, "@ref");
   return made;
-}
-
-// True for a concept with one of these names, whatever its sense.
-template <std::size_t N>
-bool is_one_of(Rewriter& graph, int at, const std::array<const char*, N>& names) {
-  return std::any_of(names.begin(), names.end(), [&](const char* name) { return graph.word(at).name == name; });
 }
 
 // ---- coordination --------------------------------------------------------------------------------------------------
@@ -126,19 +141,71 @@ int subject_arc(Rewriter& graph, int clause) {
   return -1;
 }
 
-// The first operand takes the place of the conjunction, and each further one hangs on the one before it, so that rules
-// see them in their order.
-void coordinate(Rewriter& graph, int at, const Conjunction& conjunction) {
-  const std::vector<int> parts = joined(graph, at);
-  if (parts.empty()) return;
-  // A part that the sentence has named before joins in as a mention.
-  const std::vector<int> first = first_arcs(graph);
+// What is joined to a clause that is a chain itself is joined to its last: "she came and sang, or she slept".
+int chain_end(Rewriter& graph, int clause) {
+  int led = graph.child(clause, "conjunct");
+  for (int steps = graph.count(); steps > 0 && led >= 0 && is_clause(graph, clause); --steps) {
+    clause = graph.arc(led).to;
+    led = graph.child(clause, "conjunct");
+  }
+  return clause;
+}
+
+// "She hates us, and the pity that she lacks": a noun that is joined to a clause, and of which one clause is told, is told by
+// that clause.
+void promote_relative(Rewriter& graph, int led, const std::vector<int>& parts) {
+  const int noun = graph.arc(led).to;
+  const bool is_last = led == parts.back() && is_clause(graph, graph.arc(parts[0]).to);
+  if (parts.size() < 2 || !is_last || is_clause(graph, noun) || graph.mentions(noun) > 1) return;
+  if (graph.children(noun).size() != 1) return;
+  const int below = graph.children(noun)[0];
+  const int frame = graph.arc(below).to;
+  const std::string role = graph.arc(below).role;
+  if (!graph.arc(below).inverse || role != "ARG1" || graph.child(frame, "ARG0") < 0 || graph.mentions(frame) > 1)
+    return;
+  graph.arc(led).to = frame;
+  graph.replace(below, frame, noun, role);
+}
+
+// "The same respect and honesty": an event that is joined to a thing is a noun.
+void nominal_parts(Rewriter& graph, int at, const std::vector<int>& parts) {
+  const int above = graph.parent(at);
+  if (above < 0 || graph.arc(above).inverse || !graph.arc(above).role.starts_with("ARG")) return;
+  const bool is_with_thing = std::any_of(parts.begin(), parts.end(), [&](int led) {
+    const Concept& word = graph.word(graph.arc(led).to);
+    return word.sense.empty() && !word.variable.empty() && graph.child(graph.arc(led).to, "domain") < 0 &&
+           conjunction_of(graph, graph.arc(led).to) == nullptr;
+  });
+  const int head = graph.arc(parts[0]).to;
+  const bool is_event = !graph.word(head).sense.empty() && !has_attribute(graph.word(head), "@agent");
+  if (is_with_thing && is_event && graph.child(head, "ARG0") < 0) attribute_add(graph.word(head), "@nom");
+}
+
+// A part that the sentence has named before joins in as a mention.
+void mention_parts(Rewriter& graph, const Conjunction& conjunction, const std::vector<int>& parts,
+                   const std::vector<int>& first) {
   for (const int led : parts) {
     const int part = graph.arc(led).to;
-    if (first[static_cast<std::size_t>(part)] != led) graph.arc(led).to = mention_of(graph, part);
+    const int head = graph.arc(parts[0]).to;
+    const bool is_contrast =
+        conjunction.name == std::string_view("contrast") && is_clause(graph, head) && led != parts[0];
+    const bool is_inside = is_contrast && graph.mentions(part) > 1 && graph.reaches(head, part);
+    if (first[static_cast<std::size_t>(part)] == led && !is_inside) {
+      promote_relative(graph, led, parts);
+      continue;
+    }
+    if (is_contrast) {
+      // "You may not think so, but that is true."
+      graph.arc(led).to = graph.add_concept("true");
+      graph.add(graph.arc(led).to, graph.add_concept("that"), "domain");
+    } else {
+      graph.arc(led).to = mention_of(graph, part);
+    }
   }
-  // The whole, mentioned again: "they".
-  const int group_arc = first[static_cast<std::size_t>(at)];
+}
+
+// The whole, mentioned again: "they".
+void mention_group(Rewriter& graph, int at, int group_arc) {
   for (std::size_t i = 0; i < graph.meaning().arcs.size(); ++i) {
     const int led = static_cast<int>(i);
     if (graph.arc(led).gone || graph.arc(led).to != at || led == group_arc || graph.arc(led).inverse) continue;
@@ -147,27 +214,60 @@ void coordinate(Rewriter& graph, int at, const Conjunction& conjunction) {
     attribute_add(graph.word(they), "@pl");
     graph.arc(led).to = they;
   }
+}
+
+// "All trees and flowers".
+void plural_parts(Rewriter& graph, const std::vector<int>& parts) {
+  for (const int led : parts) {
+    Concept& part = graph.word(graph.arc(led).to);
+    const bool is_noun = part.sense.empty() && !part.variable.empty() && !has_attribute(part, "@name");
+    if (is_noun && part.name != "this" && part.name != "that") attribute_add(part, "@pl");
+  }
+}
+
+// The first operand takes the place of the conjunction, and each further one hangs on the one before it, so that rules
+// see them in their order.
+void coordinate(Rewriter& graph, int at, const Conjunction& conjunction) {
+  const std::vector<int> parts = joined(graph, at);
+  if (parts.empty()) return;
+  const std::vector<int> first = first_arcs(graph);
+  mention_parts(graph, conjunction, parts, first);
+  // "Our songs and those of the town": where all parts are named again, and somebody else has them.
+  const bool is_again = std::all_of(parts.begin(), parts.end(),
+                                    [&](int led) { return has_attribute(graph.word(graph.arc(led).to), "@ref"); });
+  const int owner = is_again && parts.size() > 1 ? graph.child(at, "possessor") : -1;
+  if (owner >= 0) {
+    graph.arc(owner).role = "part-of";
+    for (const int led : parts) graph.remove(led, Fate::word);
+    graph.word(at).name = "those";
+    return;
+  }
+  nominal_parts(graph, at, parts);
+  mention_group(graph, at, first[static_cast<std::size_t>(at)]);
   const int head = graph.arc(parts[0]).to;
-  const std::string number = graph.arc(parts[0]).role;
   graph.settle_concept(at, Fate::attribute);
   if (parts.size() == 1) {
     // "And ...", "But ...": what it is tied to stands in another sentence.
     attribute_add(graph.word(head), std::string("@lead_") + (conjunction.attribute + 1));
   }
-  int last = head;
+  if (has_attribute(graph.word(at), "@pl")) plural_parts(graph, parts);
+  int last = chain_end(graph, head);
   for (std::size_t i = 1; i < parts.size(); ++i) {
     const int part = graph.arc(parts[i]).to;
-    attribute_add(graph.word(part), conjunction.attribute);
+    // A question behind what is none is a sentence of its own: "Look. Do you see it?"
+    const bool is_asked = has_attribute(graph.word(part), "@int") && !has_attribute(graph.word(head), "@int");
+    const char* joined_by = is_asked ? "@snt" : graph.is(part, "et-cetera") ? "@etc" : conjunction.attribute;
+    if (is_asked && i + 1 == parts.size()) attribute_add(graph.word(head), "@ends_int");
+    attribute_add(graph.word(part), joined_by);
     const int subject = subject_arc(graph, part);
     const int model = subject_arc(graph, head);
     // A condition of its own stands between: "..., and if it rains, I stay".
     const bool is_shared = subject >= 0 && model >= 0 && graph.child(part, "condition") < 0 &&
-                           graph.arc(subject).to == graph.arc(model).to &&
-                           std::string_view(conjunction.attribute) != "@snt";
+                           graph.arc(subject).to == graph.arc(model).to && std::string_view(joined_by) != "@snt";
     if (is_shared && graph.arc(subject).role == "ARG1") attribute_add(graph.word(part), "@shr1");
     if (is_shared) graph.arc(subject).role = "shared";
     graph.replace(parts[i], last, part, "conjunct");
-    last = part;
+    last = chain_end(graph, part);
   }
   graph.remove(parts[0], Fate::relation);
   const bool is_bidden = has_attribute(graph.word(head), "@imp");
@@ -201,16 +301,13 @@ constexpr std::array kSaying{"say",     "ask",      "answer",   "reply",    "exc
                              "mutter",  "agree",    "call",     "mumble",   "sigh",      "yell",     "scream"};
 
 // All concepts that some clauses are made of, themselves first; graphs have circles and meet again, so each is there once.
-// Arcs are sorted by their beginning once, as sentences within sentences ask this again for each.
 std::vector<int> clause_words(Rewriter& graph, std::vector<int> clauses) {
-  std::vector<std::vector<int>> below(graph.meaning().concepts.size());
-  for (const Arc& one : graph.meaning().arcs) {
-    if (!one.gone) below[static_cast<std::size_t>(one.from)].push_back(one.to);
-  }
+  const std::vector<std::vector<int>> below = arcs_by_beginning(graph);
   std::vector<bool> seen(below.size());
   for (const int clause : clauses) seen[static_cast<std::size_t>(clause)] = true;
   for (std::size_t i = 0; i < clauses.size(); ++i) {
-    for (const int to : below[static_cast<std::size_t>(clauses[i])]) {
+    for (const int led : below[static_cast<std::size_t>(clauses[i])]) {
+      const int to = graph.arc(led).to;
       if (!seen[static_cast<std::size_t>(to)]) clauses.push_back(to);
       seen[static_cast<std::size_t>(to)] = true;
     }
@@ -234,29 +331,35 @@ bool has_speaker(Rewriter& graph, int clause) {
 bool is_said_so(Rewriter& graph, int frame, int at) {
   constexpr std::array kUttering{"say",    "answer", "reply", "exclaim",  "cry",     "remark",
                                  "repeat", "murmur", "shout", "call-out", "respond", "whisper"};
-  constexpr std::array kStandIn{"that",    "this",     "it",         "so",   "thing",       "something",
-                                "nothing", "anything", "everything", "word", "information", "name",
-                                "truth",   "story",    "speech",     "word"};
+  constexpr std::array kStandIn{"that",        "this",    "it",       "so",         "thing",
+                                "something",   "nothing", "anything", "everything", "word",
+                                "information", "name",    "truth",    "story",      "speech"};
   return is_one_of(graph, frame, kUttering) && !is_clause(graph, at) && graph.mentions(at) == 1 &&
          !is_one_of(graph, at, kStandIn) && !has_attribute(graph.word(at), "@name");
 }
 
 // Who speaks is I in his own words, and to whom he speaks is you; not so where the source has made an I or you of them
 // itself. Somebody who speaks to himself is I.
-void speak_of_oneself(Rewriter& graph, int said, int speaker, int hearer) {
+void speak_of_oneself(Rewriter& graph, int frame, int said, int speaker, int hearer) {
   const std::vector<int> words = clause_words(graph, {said});
   const auto has_own = [&](const char* name) {
     return std::any_of(words.begin(), words.end(), [&](int at) { return graph.is(at, name); });
   };
   const bool has_i = has_own("i") || has_own("we");
   const bool has_you = has_own("you");
+  const std::vector<std::vector<int>> below = arcs_by_beginning(graph);
+  // One concept each, so that what is meant twice is known to be the same.
+  int i = -1;
+  int you = -1;
   for (const int at : words) {
-    if (at == speaker || at == hearer) continue;
-    for (const int led : graph.children(at)) {
+    // Where the graph leads in a circle, the frame itself is among what is said.
+    if (at == frame || at == speaker || at == hearer) continue;
+    for (const int led : below[static_cast<std::size_t>(at)]) {
       const bool is_speaker = graph.arc(led).to == speaker;
       const bool is_person = (is_speaker && !has_i) || (graph.arc(led).to == hearer && !is_speaker && !has_you);
       if (!is_person || graph.arc(led).inverse) continue;
-      const int person = graph.add_concept(is_speaker ? "i" : "you");
+      int& person = is_speaker ? i : you;
+      if (person < 0) person = graph.add_concept(is_speaker ? "i" : "you");
       attribute_add(graph.word(person), is_speaker ? "@p1" : "@p2");
       graph.arc(led).to = person;
     }
@@ -287,9 +390,10 @@ void quote(Rewriter& graph, int at) {
   const int subject = subject_arc(graph, said);
   const bool is_to_oneself = who >= 0 && whom >= 0 && graph.arc(who).to == graph.arc(whom).to;
   const bool is_asked_to = whom >= 0 && subject >= 0 && graph.arc(subject).to == graph.arc(whom).to && !is_to_oneself;
-  if (has_attribute(graph.word(said), "@whether") || is_asked_to) return;
+  const bool is_order = has_attribute(graph.word(said), "@imp") && !speaks_itself(who);
+  if (has_attribute(graph.word(said), "@whether") || (is_asked_to && !is_order)) return;
   const bool is_other = !speaks_itself(who) && !speaks_itself(whom);
-  const bool is_direct = is_other && (has_speaker(graph, said) || is_said_so(graph, at, said));
+  const bool is_direct = (is_other || is_order) && (has_speaker(graph, said) || is_said_so(graph, at, said));
   // What the sentence is about, or is joined to that, is told; what stands below is spoken of.
   const bool is_told = at == graph.meaning().root || !is_core(graph.arc(graph.parent(at)));
   constexpr std::array kUttering{"say",    "ask",   "answer",   "reply",   "exclaim", "cry", "remark", "repeat",
@@ -303,12 +407,15 @@ void quote(Rewriter& graph, int at) {
   if (!is_direct && !(is_report && graph.meaning().is_dialogue)) return;
   graph.arc(led).role = "quoted";
   attribute_add(graph.word(said), "@quote");
-  if (who >= 0) speak_of_oneself(graph, said, graph.arc(who).to, whom >= 0 ? graph.arc(whom).to : -1);
+  if (who >= 0) speak_of_oneself(graph, at, said, graph.arc(who).to, whom >= 0 ? graph.arc(whom).to : -1);
   // Behind a quotation a verb without an auxiliary stands before its subject, if that is no pronoun: said the king.
   constexpr std::array kPronouns{"i", "we", "you", "he", "she", "it", "they", "one"};
   const bool is_plain = !has_attribute(graph.word(at), "@neg") && !has_attribute(graph.word(at), "@ask") &&
                         !has_attribute(graph.word(at), "@int") && !has_attribute(graph.word(at), "@can");
-  if (is_plain && !is_one_of(graph, graph.arc(who).to, kPronouns)) graph.arc(who).role = "speaker";
+  if (!is_plain || is_one_of(graph, graph.arc(who).to, kPronouns)) return;
+  graph.arc(who).role = "speaker";
+  const int office = graph.child(graph.arc(who).to, "apposition");
+  if (office >= 0) std::erase(graph.word(graph.arc(office).to).attributes, "@closed");
 }
 
 // ---- questions -----------------------------------------------------------------------------------------------------
@@ -317,6 +424,20 @@ void quote(Rewriter& graph, int at) {
 constexpr std::array kReporting{"know", "wonder", "understand", "forget", "remember", "learn",  "explain", "tell",
                                 "see",  "ask",    "find-out",   "show",   "discover", "teach",  "inquire", "question",
                                 "say",  "decide", "realize",    "hear",   "doubt",    "matter", "idea",    "care"};
+
+// What a frame's numbered role is called when it is asked for.
+std::string asked_role(Rewriter& graph, int frame, const std::string& role) {
+  // "Where is the key": what a place is said of has no other verb.
+  const bool is_place = graph.is(frame, "be-located-at", "91") || graph.is(frame, "have-place", "91");
+  if (is_place && role == "ARG2") return "location";
+  // "Where do you take it": the place that something is moved to has another number in each frame.
+  const bool is_goal = (role == "ARG3" && graph.is(frame, "take", "01")) ||
+                       (role == "ARG2" && (graph.is(frame, "bring", "01") || graph.is(frame, "put", "01") ||
+                                           graph.is(frame, "send", "01") || graph.is(frame, "carry", "01")));
+  if (is_goal) return "destination";
+  // "How much does it weigh".
+  return graph.is(frame, "weigh", "01") && role == "ARG3" ? "amount" : role;
+}
 
 // What is asked for moves to the front of its clause, together with the phrase that it belongs to.
 void question(Rewriter& graph, int unknown) {
@@ -330,14 +451,22 @@ void question(Rewriter& graph, int unknown) {
     for (const int below : graph.children(unknown)) graph.arc(below).from = about;
     if (std::erase(graph.word(unknown).attributes, "@quote") > 0) attribute_add(graph.word(about), "@quote");
   }
+  if (unknown == graph.meaning().root) attribute_add(graph.word(unknown), "@ask");
   int led = graph.parent(unknown);  // the arc by which the phrase hangs on what is above it
   if (led < 0 || graph.arc(led).inverse) return;
   int phrase = unknown;
   std::string role = graph.arc(led).role;
   attribute_add(graph.word(unknown), "@wh");
+  // Both walks go up, and a graph may have a circle there: more steps than concepts are none.
+  int steps = graph.count();
   // "How many stars", "whose hat": the noun goes with it.
-  while (!is_clause(graph, graph.arc(led).from) && (role == "quant" || role == "poss" || role == "mod" ||
-                                                    role == "degree" || role == "possessor" || role == "age")) {
+  const auto is_phrase = [&](int at) {
+    const int above = graph.parent(at);
+    return !is_clause(graph, at) || (above >= 0 && graph.is(graph.arc(above).from, "be-located-at", "91"));
+  };
+  while (is_phrase(graph.arc(led).from) && (role == "quant" || role == "poss" || role == "mod" || role == "degree" ||
+                                            role == "possessor" || role == "age")) {
+    if (--steps < 0) return;
     attribute_add(graph.word(unknown), "@wh_" + role);
     phrase = graph.arc(led).from;
     const int above = graph.parent(phrase);
@@ -352,7 +481,7 @@ void question(Rewriter& graph, int unknown) {
   int clause = graph.arc(led).from;
   const int asked_at = clause;
   bool is_reported = false;
-  while (clause != graph.meaning().root && !has_attribute(graph.word(clause), "@quote")) {
+  while (clause != graph.meaning().root && !has_attribute(graph.word(clause), "@quote") && --steps > 0) {
     const int above = graph.parent(clause);
     if (above < 0 || !is_core(graph.arc(above))) break;
     const int governor = graph.arc(above).from;
@@ -367,15 +496,18 @@ void question(Rewriter& graph, int unknown) {
   const bool is_subject =
       clause == asked_at && (role == "ARG0" || (role == "ARG1" && graph.child(clause, "ARG0") < 0) ||
                              (role == "domain" && graph.is(unknown, "amr-unknown")));
-  // "Where is the key": what a place is said of has no other verb.
-  if (graph.is(asked_at, "be-located-at", "91") && role == "ARG2") role = "location";
+  role = asked_role(graph, asked_at, role);
   // "Who are you".
   constexpr std::array kPronouns{"i", "we", "you", "he", "she", "they"};
   const bool is_person = role == "domain" && phrase == unknown && is_one_of(graph, asked_at, kPronouns);
   attribute_add(graph.word(phrase), is_person ? "@wh_who" : "@wh_" + role);
+  // An exclamation has the order of a statement: "how beautiful she is!"
+  is_reported |= has_attribute(graph.word(clause), "@exp");
   attribute_add(graph.word(clause), is_reported ? "@asked" : is_subject ? "@asksub" : "@ask");
   // Some files mark the mood beside the word that asks; one mark is enough.
   std::erase(graph.word(clause).attributes, "@int");
+  // "What are you filling it with?": a preposition stays with its verb.
+  if (role == "ARG2" && clause == asked_at) attribute_add(graph.word(clause), "@st2");
   if (!is_subject) graph.replace(led, clause, phrase, "questioned");
 }
 
@@ -410,12 +542,93 @@ static void ever_of_all(Rewriter& graph, int at) {
   for (const int one : below) std::erase(graph.word(graph.arc(one).to).attributes, "@neg");
 }
 
+// "They do not ask any question": said of the verb, "they do not ask at all".
+static void any_of_verb(Rewriter& graph, int at) {
+  const bool is_denied = has_attribute(graph.word(at), "@neg") && !graph.word(at).sense.empty();
+  const int led = is_denied && graph.child(at, "ARG0") >= 0 ? graph.child(at, "mod") : -1;
+  if (led >= 0 && graph.is(graph.arc(led).to, "any")) graph.word(graph.arc(led).to).name = "at-all";
+}
+
 // English denies once: where the subject is nobody, the clause is not denied again.
 static void negation_once(Rewriter& graph, int at) {
   constexpr std::array kNone{"nobody", "noone", "no-one", "nothing"};
   const int led = graph.word(at).sense.empty() ? -1 : subject_arc(graph, at);
   const bool is_first = led >= 0 && graph.parent(graph.arc(led).to) == led;
   if (is_first && is_one_of(graph, graph.arc(led).to, kNone)) std::erase(graph.word(at).attributes, "@neg");
+}
+
+// What a word for somebody is where it is denied; null for other words.
+static const char* denied(Rewriter& graph, int at) {
+  constexpr std::pair<const char*, const char*> kDenied[] = {
+      {"somebody", "nobody"},   {"someone", "nobody"},   {"anybody", "nobody"},    {"anyone", "nobody"},
+      {"something", "nothing"}, {"anything", "nothing"}, {"somewhere", "nowhere"}, {"any", "no"}};
+  for (const auto& [positive, negative] : kDenied) {
+    if (graph.is(at, positive)) return negative;
+  }
+  return nullptr;
+}
+
+// English denies once, with a word for nobody.
+static void nobody_apply(Rewriter& graph, int at) {
+  // A negated somebody is nobody.
+  const std::vector<int> below = graph.children(at);
+  const bool is_bare =
+      std::all_of(below.begin(), below.end(), [&](int one) { return graph.arc(one).role == "location"; });
+  if (is_bare && has_attribute(graph.word(at), "@neg") && graph.is(at, "thing")) {
+    graph.word(at).name = "nothing";
+    std::erase(graph.word(at).attributes, "@neg");
+  }
+  if (const char* nobody = has_attribute(graph.word(at), "@neg") ? denied(graph, at) : nullptr; nobody != nullptr) {
+    graph.word(at).name = nobody;
+    std::erase(graph.word(at).attributes, "@neg");
+  }
+  // What nobody does is said of nobody: "any" may not stand in front of "not".
+  const int doer = has_attribute(graph.word(at), "@neg") ? subject_arc(graph, at) : -1;
+  if (doer < 0 || graph.parent(graph.arc(doer).to) != doer) return;
+  const int any = graph.child(graph.arc(doer).to, "mod");
+  for (const int word : {graph.arc(doer).to, any >= 0 ? graph.arc(any).to : -1}) {
+    if (word < 0 || (!graph.word(word).name.starts_with("any"))) continue;
+    if (const char* nobody = denied(graph, word); nobody != nullptr) {
+      graph.word(word).name = nobody;
+      std::erase(graph.word(at).attributes, "@neg");
+      return;
+    }
+  }
+}
+
+// "She has no garden": what is had is denied, if it is any of its kind.
+static void nothing_had(Rewriter& graph, int at) {
+  const bool is_holding = graph.is(at, "have", "91") || graph.is(at, "have-part", "91") ||
+                          graph.is(at, "have-possession", "91") || graph.is(at, "have-experience", "91");
+  const bool has_not = (is_holding || graph.is(at, "have", "03")) && has_attribute(graph.word(at), "@neg");
+  const int had = has_not ? graph.child(at, is_holding ? "ARG2" : "ARG1") : -1;
+  if (had >= 0 && is_any(graph, graph.arc(had).to)) {
+    attribute_add(graph.word(graph.arc(had).to), "@neg");
+    std::erase(graph.word(at).attributes, "@neg");
+  }
+}
+
+// (r / request-confirmation-91 :ARG1 x): whether x.
+static void request_apply(Rewriter& graph, int at) {
+  bool is_tag = graph.is(at, "request-confirmation", "91");
+  // With somebody who asks it is a verb: "she asked whether it rained".
+  const bool is_asking = is_tag || graph.is(at, "request-response", "91");
+  if (is_asking && graph.child(at, "ARG0") >= 0) {
+    const int said = is_tag ? graph.child(at, "ARG1") : -1;
+    if (said >= 0) attribute_add(graph.word(graph.arc(said).to), "@whether");
+    graph.word(at).name = "ask";
+    graph.word(at).sense = "01";
+    is_tag = false;
+  }
+  if (const int led = is_tag ? graph.argument(at, "ARG1") : -1; led >= 0) {
+    const bool is_above = graph.arc(led).from == at;
+    const int clause = graph.other(led, at);
+    graph.settle_concept(at, Fate::attribute);
+    graph.remove(led, Fate::attribute);
+    attribute_add(graph.word(clause), "@int");
+    if (is_above) graph.redirect(at, clause);
+    graph.move_children(at, clause);
+  }
 }
 
 // :polarity - is @neg by the table of roles before any step. Here it meets the words that have a negation in them, and
@@ -426,39 +639,15 @@ void step_polarity(Meaning& meaning) {
     // "Not ever" is one word, and takes the negation with it.
     for (const int led : graph.children(at)) {
       if (!has_attribute(graph.word(at), "@neg") || !graph.is(graph.arc(led).to, "ever")) continue;
+      any_of_verb(graph, at);
       graph.word(graph.arc(led).to).name = "never";
       std::erase(graph.word(at).attributes, "@neg");
     }
     ever_of_all(graph, at);
+    any_of_verb(graph, at);
     negation_once(graph, at);
-    // A negated somebody is nobody.
-    constexpr std::pair<const char*, const char*> kNobody[] = {
-        {"somebody", "nobody"},   {"someone", "nobody"},   {"anybody", "nobody"},   {"anyone", "nobody"},
-        {"something", "nothing"}, {"anything", "nothing"}, {"somewhere", "nowhere"}};
-    for (const auto& [positive, negative] : kNobody) {
-      if (!has_attribute(graph.word(at), "@neg") || !graph.is(at, positive)) continue;
-      graph.word(at).name = negative;
-      std::erase(graph.word(at).attributes, "@neg");
-    }
-    // What nobody does is said of nobody: "any" may not stand in front of "not".
-    const int doer = has_attribute(graph.word(at), "@neg") ? subject_arc(graph, at) : -1;
-    const int any = doer >= 0 ? graph.child(graph.arc(doer).to, "mod") : -1;
-    constexpr std::pair<const char*, const char*> kAny[] = {
-        {"anybody", "nobody"}, {"anyone", "nobody"}, {"anything", "nothing"}, {"any", "no"}};
-    for (const auto& [positive, negative] : kAny) {
-      const int word = doer >= 0 && graph.is(graph.arc(doer).to, positive) ? graph.arc(doer).to
-                       : any >= 0 && graph.is(graph.arc(any).to, positive) ? graph.arc(any).to
-                                                                           : -1;
-      if (word < 0 || graph.parent(graph.arc(doer).to) != doer) continue;
-      graph.word(word).name = negative;
-      std::erase(graph.word(at).attributes, "@neg");
-    }
-    // "She has no garden": what is had is denied, if it is any of its kind.
-    const int had = graph.is(at, "have", "03") && has_attribute(graph.word(at), "@neg") ? graph.child(at, "ARG1") : -1;
-    if (had >= 0 && is_any(graph, graph.arc(had).to)) {
-      attribute_add(graph.word(graph.arc(had).to), "@neg");
-      std::erase(graph.word(at).attributes, "@neg");
-    }
+    nobody_apply(graph, at);
+    nothing_had(graph, at);
     if (const int led = graph.child(at, "polarity"); led >= 0 && is_unknown(graph, graph.arc(led).to)) {
       graph.settle_concept(graph.arc(led).to, Fate::attribute);
       graph.remove(led, Fate::attribute);
@@ -468,36 +657,19 @@ void step_polarity(Meaning& meaning) {
       attribute_add(graph.word(graph.arc(led).to), "@whether");
       graph.stand_in(at, led);
     }
-    bool is_tag = graph.is(at, "request-confirmation", "91");
-    // With somebody who asks it is a verb: "she asked whether it rained".
-    const bool is_asking = is_tag || graph.is(at, "request-response", "91");
-    if (is_asking && graph.child(at, "ARG0") >= 0) {
-      const int said = is_tag ? graph.child(at, "ARG1") : -1;
-      if (said >= 0) attribute_add(graph.word(graph.arc(said).to), "@whether");
-      graph.word(at).name = "ask";
-      graph.word(at).sense = "01";
-      is_tag = false;
-    }
-    if (const int led = is_tag ? graph.argument(at, "ARG1") : -1; led >= 0) {
-      const bool is_above = graph.arc(led).from == at;
-      const int clause = graph.other(led, at);
-      graph.settle_concept(at, Fate::attribute);
-      graph.remove(led, Fate::attribute);
-      attribute_add(graph.word(clause), "@tag");
-      if (is_above) graph.redirect(at, clause);
-      graph.move_children(at, clause);
-    }
+    request_apply(graph, at);
   }
 }
 
 // (g / government-organization :ARG0-of (g2 / govern-01 :ARG1 c)): the government of c.
 static void government_apply(Rewriter& graph, int at) {
   const int led = graph.child(at, "ARG0", true);
-  if (led < 0 || !graph.is(graph.arc(led).to, "govern", "01")) return;
+  const bool is_administration = led >= 0 && graph.is(graph.arc(led).to, "administrate", "01");
+  if (led < 0 || (!is_administration && !graph.is(graph.arc(led).to, "govern", "01"))) return;
   const int frame = graph.arc(led).to;
   graph.remove(led, Fate::word);
   graph.settle_concept(frame, Fate::word);
-  graph.word(at).name = "government";
+  graph.word(at).name = is_administration ? "administration" : "government";
   for (const int below : graph.children(frame)) {
     if (graph.arc(below).role == "ARG1") graph.arc(below).role = "org";
   }
@@ -515,22 +687,43 @@ static void frame_stand_in(Rewriter& graph, int at, int led, const char* mark) {
 // (t / thing :ARG1-of (o / order-01)): an order. Only what has no agent; "what she knows" stays a clause.
 static void thing_apply(Rewriter& graph, int at) {
   int led = -1;
-  for (const int one : graph.children(at)) {
+  // "The lie that he told": of several clauses the one that is a noun by itself.
+  constexpr std::array kNouns{"lie", "dream", "promise", "order", "question", "plan", "claim", "request", "offer"};
+  const std::vector<int> told = graph.children(at);
+  const auto is_noun = [&](int one) {
+    return graph.arc(one).inverse && graph.arc(one).role == "ARG1" && is_one_of(graph, graph.arc(one).to, kNouns) &&
+           graph.children(graph.arc(one).to).empty();
+  };
+  const auto noun = std::find_if(told.begin(), told.end(), is_noun);
+  for (const int one : told) {
     const Arc& below = graph.arc(one);
-    if (!below.inverse) continue;
+    if (!below.inverse || (noun != told.end() && one != *noun)) continue;
     if (led >= 0 || !is_core_role(below.role) || below.role == "ARG0") return;
     led = one;
   }
   if (led < 0) return;
   const int frame = graph.arc(led).to;
   const std::vector<int> below = graph.children(frame);
+  // What somebody asks is his question, and what he knows is "what he knows".
+  constexpr std::array kOwned{"question", "answer", "plan",  "propose", "promise",
+                              "decide",   "offer",  "order", "request"};
+  const bool may_be_owned = is_one_of(graph, frame, kOwned);
   // A clause below needs a verb above it, which the noun is not.
   const bool is_simple = std::all_of(below.begin(), below.end(), [&](int one) {
-    return is_core(graph.arc(one)) && graph.arc(one).role != "ARG0" && !is_clause(graph, graph.arc(one).to);
+    return is_core(graph.arc(one)) && (may_be_owned || graph.arc(one).role != "ARG0") &&
+           !is_clause(graph, graph.arc(one).to);
   });
-  const bool is_plain = !has_attribute(graph.word(frame), "@neg") && graph.mentions(frame) == 1;
+  const bool is_plain = !has_attribute(graph.word(frame), "@neg") && !has_attribute(graph.word(frame), "@most") &&
+                        !has_attribute(graph.word(frame), "@more") && graph.mentions(frame) == 1;
+  // Nothing is the result of a motion: "the first thing that came".
+  constexpr std::array kMotion{"come", "go", "happen", "occur", "arrive", "fall", "appear", "exist", "lie", "stand"};
   const std::string& name = graph.word(frame).name;
   if (graph.word(frame).sense.empty() || !is_simple || !is_plain || name.find('-') != name.npos) return;
+  if (is_one_of(graph, frame, kMotion)) return;
+  // "Some more questions".
+  const int mod = graph.child(at, "mod");
+  constexpr std::array kSeveral{"some", "more", "other"};
+  if (mod >= 0 && is_one_of(graph, graph.arc(mod).to, kSeveral)) attribute_add(graph.word(frame), "@pl");
   frame_stand_in(graph, at, led, "@result");
 }
 
@@ -539,6 +732,12 @@ static void thing_apply(Rewriter& graph, int at) {
 static void pronoun_apply(Rewriter& graph, int at) {
   constexpr std::array kPronouns{"i", "we", "you", "he", "she", "it", "they", "that", "this"};
   const int above = graph.parent(at);
+  // "Which means that ...", as a sentence: what was spoken of before is "that".
+  const int meant = above < 0 && graph.is(at, "thing") && graph.children(at).size() == 1 ? graph.children(at)[0] : -1;
+  constexpr std::array kMeaning{"mean", "show", "suggest", "imply", "prove"};
+  if (meant >= 0 && is_one_of(graph, graph.arc(meant).to, kMeaning) && graph.child(graph.arc(meant).to, "ARG0") < 0) {
+    graph.word(at).name = "that";
+  }
   const bool is_content = above < 0
                               ? graph.meaning().root == at
                               : !graph.arc(above).inverse && graph.arc(above).role == "ARG1" && graph.mentions(at) == 1;
@@ -574,8 +773,9 @@ static void attendant_apply(Rewriter& graph, int at) {
     if (is_quality && !is_unknown(graph, frame)) graph.replace(led, clause, frame, "attendant");
     if (is_quality) continue;
     // "It is good, like the sun": what he is like is said of all that he does.
-    if (graph.arc(led).role == "likeness" && !graph.arc(led).inverse) {
-      graph.replace(led, clause, frame, "likeness");
+    const std::string held_by = graph.arc(led).role;
+    if (!graph.arc(led).inverse && (held_by == "likeness" || held_by == "location" || held_by == "accompanier")) {
+      graph.replace(led, clause, frame, held_by);
       continue;
     }
     const bool is_act = graph.arc(led).inverse && is_core_role(graph.arc(led).role) && graph.mentions(frame) == 1;
@@ -601,7 +801,10 @@ void step_persons(Meaning& meaning) {
     const int frame = graph.arc(led).to;
     const std::vector<int> below = graph.children(frame);
     const bool is_simple = std::all_of(below.begin(), below.end(), [&](int one) {
-      return graph.arc(one).role == "ARG1" && !graph.arc(one).inverse && !is_clause(graph, graph.arc(one).to);
+      // "The central planners": what qualifies the act qualifies who does it.
+      const std::string& role = graph.arc(one).role;
+      const bool is_quality = role == "mod" && graph.children(graph.arc(one).to).empty();
+      return (role == "ARG1" || is_quality) && !graph.arc(one).inverse && !is_clause(graph, graph.arc(one).to);
     });
     const bool is_plain = !has_attribute(graph.word(frame), "@neg") && graph.mentions(frame) == 1;
     if (graph.word(frame).sense.empty() || !is_simple || !is_plain) continue;
@@ -609,26 +812,44 @@ void step_persons(Meaning& meaning) {
   }
 }
 
+// (l / love-01 :ARG1-of (c / contrast-01 :ARG2 h)): the contrast stands above what it joins, as elsewhere.
+static void contrast_upright(Rewriter& graph, int at) {
+  const int above = graph.parent(at);
+  const bool is_below = above >= 0 && graph.arc(above).inverse && graph.arc(above).role == "ARG1";
+  if (!is_below || graph.child(at, "ARG2") < 0 || graph.mentions(at) > 1) return;
+  const int first = graph.arc(above).from;
+  if (graph.mentions(first) > 1) return;
+  graph.redirect(first, at);
+  graph.replace(above, at, first, "ARG1");
+}
+
 // In front of coordination and quotation: "but" is no part of what is said.
 void step_contrast(Meaning& meaning) {
   Rewriter graph(meaning, "contrast");
   for (int at = 0, end = graph.count(); at < end; ++at) {
     if (graph.is(at, "contrast", "01") || graph.is(at, "contrast", "91")) {
+      contrast_upright(graph, at);
       coordinate(graph, at, *conjunction_of(graph, at));
     }
   }
 }
 
-// (a / and :op1 x :op2 y :op3 z) becomes a chain, x :conjunct y :conjunct z, so that rules see neighbours; inner ones first
-// or last makes no difference, as each replaces only itself.
+// (a / and :op1 x :op2 y :op3 z) becomes a chain, x :conjunct y :conjunct z, so that rules see neighbours; inner ones first,
+// so that what their operands are said of is seen.
 void step_coordination(Meaning& meaning) {
   Rewriter graph(meaning, "coordination");
-  for (int at = 0, end = graph.count(); at < end; ++at) {
+  for (int at = graph.count() - 1; at >= 0; --at) {
     // "Between five and ten years".
     if (graph.is(at, "value-interval") || graph.is(at, "date-interval")) graph.word(at).name = "between";
     if (const int second = graph.is(at, "between") ? graph.child(at, "op2") : -1; second >= 0) {
       const int first = graph.child(at, "op1");
       if (first < 0) continue;
+      // "Between five and ten years": the unit is said once.
+      const int unit = graph.arc(first).to;
+      const int number = graph.word(unit).name == graph.word(graph.arc(second).to).name && graph.mentions(unit) == 1
+                             ? graph.child(unit, "quant")
+                             : -1;
+      if (number >= 0 && graph.children(unit).size() == 1) graph.stand_in(unit, number, Fate::word);
       attribute_add(graph.word(graph.arc(second).to), "@and");
       graph.replace(second, graph.arc(first).to, graph.arc(second).to, "conjunct");
       continue;
@@ -643,11 +864,12 @@ static void called_apply(Rewriter& graph) {
   const int end = static_cast<int>(graph.meaning().arcs.size());
   for (int led = 0; led < end; ++led) {
     if (graph.arc(led).gone || graph.arc(led).inverse || graph.arc(led).role != "vocative") continue;
+    int you = -1;
     for (int other = 0; other < end; ++other) {
       const Arc& one = graph.arc(other);
       const bool is_mention = one.to == graph.arc(led).to && !one.gone && !one.inverse && one.role != "vocative";
       if (!is_mention) continue;
-      const int you = graph.add_concept("you");
+      if (you < 0) you = graph.add_concept("you");
       attribute_add(graph.word(you), "@p2");
       graph.arc(other).to = you;
     }
@@ -660,6 +882,8 @@ void step_speaker(Meaning& meaning) {
   bool is_utterance = false;
   for (int led = 0; led < static_cast<int>(meaning.arcs.size()); ++led) {
     if (graph.arc(led).gone || graph.arc(led).inverse || graph.arc(led).role != "quote") continue;
+    // The verb stands above; any other target would be lost with the arc.
+    if (!graph.reaches(graph.arc(led).to, graph.arc(led).from)) continue;
     is_utterance |= graph.arc(led).to == meaning.root;
     graph.remove(led, Fate::attribute);
     attribute_add(graph.word(graph.arc(led).from), "@quote");
@@ -669,8 +893,12 @@ void step_speaker(Meaning& meaning) {
   const int who = graph.child(frame, "ARG0");
   if (const int called = graph.child(frame, "ARG2");
       said >= 0 && who < 0 && called >= 0 && graph.is(frame, "say", "01")) {
-    // Nobody says it, and to somebody with a name: "Kim, that is true."
-    if (!has_attribute(graph.word(graph.arc(called).to), "@name")) return;
+    // Nobody says it, and to somebody with a name or who is spoken of in it: "Kim, that is true", "You are late, my son."
+    const int whom = graph.arc(called).to;
+    constexpr std::array kPronouns{"i", "we", "you", "he", "she", "it", "they", "person"};
+    const bool is_called = has_attribute(graph.word(whom), "@name") ||
+                           (graph.mentions(whom) > 1 && !is_one_of(graph, whom, kPronouns) && !is_clause(graph, whom));
+    if (!is_called) return;
     graph.arc(called).role = "vocative";
     if (graph.child(graph.arc(said).to, "vocative") >= 0) graph.remove(called, Fate::word);
     graph.stand_in(frame, said);
@@ -691,8 +919,14 @@ void step_speaker(Meaning& meaning) {
   graph.settle_concept(frame, Fate::left_out);
   const int content = graph.arc(said).to;
   std::erase(graph.word(content).attributes, "@quote");
+  const int called = graph.child(content, "vocative");
   for (const int led : graph.children(frame)) {
     const int to = graph.arc(led).to;
+    // Who is called need not be told that he is spoken to.
+    if (called >= 0 && graph.arc(led).role == "ARG2" && graph.arc(called).to == to) {
+      graph.remove(led, Fate::left_out);
+      continue;
+    }
     const bool is_person = graph.arc(led).role == "ARG0" || (graph.arc(led).role == "ARG2" && is_bare(to));
     if (is_person) {
       if (graph.mentions(to) > 1) graph.word(to).name = graph.arc(led).role == "ARG0" ? "i" : "you";
@@ -738,13 +972,19 @@ static void tense_from_time(Rewriter& graph, int at) {
     const std::string& role = graph.arc(led).role;
     if (graph.arc(led).inverse || (role != "time" && role != "temporal")) continue;
     const int time = graph.arc(led).to;
-    const bool is_perfect = is_one_of(graph, time, kPerfect) && graph.word(time).sense.empty();
+    // "One never knows" is true at all times.
+    const int who = subject_arc(graph, at);
+    const bool is_general = who >= 0 && graph.is(graph.arc(who).to, "one");
+    const bool is_perfect = is_one_of(graph, time, kPerfect) && graph.word(time).sense.empty() && !is_general;
     if (is_perfect) attribute_add(graph.word(at), "@perf");
     const bool is_relation = graph.is(time, "before") || graph.is(time, "after");
     const int point = is_relation ? graph.child(time, "op1") : -1;
     if (point < 0 || !graph.is(graph.arc(point).to, "now")) continue;
     attribute_add(graph.word(at), graph.is(time, "before") ? "@past" : "@fut");
     if (graph.mentions(time) > 1 || graph.mentions(graph.arc(point).to) > 1) continue;
+    // "In the last two years" lasted so long: for two years.
+    const int lasting = graph.child(time, "duration");
+    if (lasting >= 0 && graph.is(time, "before")) graph.arc(lasting).from = at;
     graph.settle_concept(graph.arc(point).to, Fate::attribute);
     graph.remove(point, Fate::attribute);
     if (graph.children(time).empty()) {
@@ -752,6 +992,10 @@ static void tense_from_time(Rewriter& graph, int at) {
       graph.remove(led, Fate::attribute);
     } else if (graph.is(time, "before")) {
       graph.word(time).name = "ago";
+    } else if (const int length = graph.child(time, "quant"); length >= 0) {
+      // "In three years".
+      graph.word(time).name = "in";
+      graph.arc(length).role = "op1";
     }
   }
 }
@@ -774,35 +1018,90 @@ static bool is_told_of_another(Rewriter& graph, int at) {
   return std::find(kSameTime.begin(), kSameTime.end(), graph.arc(led).role) != kSameTime.end();
 }
 
+// "When I was six, I left": how old somebody was when it happened is told of the past, and so is what happened.
+static void tense_of_age(Rewriter& graph, int at) {
+  const int above = graph.is(at, "age", "01") ? graph.parent(at) : -1;
+  if (above < 0 || graph.arc(above).inverse || graph.arc(above).role != "time") return;
+  constexpr std::array kOther{"@pres", "@fut", "@would", "@imp", "@can", "@must", "@may", "@should", "@past"};
+  Concept& told = graph.word(graph.arc(above).from);
+  for (const char* one : kOther) {
+    if (has_attribute(told, one)) return;
+  }
+  attribute_add(told, "@past");
+  attribute_add(graph.word(at), "@past");
+}
+
 void step_tense(Meaning& meaning) {
   Rewriter graph(meaning, "tense");
   std::vector<int> quoted;
   for (int at = 0; at < graph.count(); ++at) {
     if (has_attribute(graph.word(at), "@quote")) quoted.push_back(at);
   }
+  const std::vector<int> said = clause_words(graph, std::move(quoted));
   std::vector<bool> is_said(meaning.concepts.size());
-  for (const int at : clause_words(graph, std::move(quoted))) is_said[static_cast<std::size_t>(at)] = true;
+  for (const int at : said) is_said[static_cast<std::size_t>(at)] = true;
   for (int at = 0; at < graph.count(); ++at) {
     tense_from_time(graph, at);
+    tense_of_age(graph, at);
     Concept& clause = graph.word(at);
     const bool is_lasting = has_attribute(clause, "@state") || has_attribute(clause, "@habit");
     if (is_lasting && !has_attribute(clause, "@past") && !has_attribute(clause, "@fut")) attribute_add(clause, "@pres");
     const bool is_known = has_attribute(clause, "@past") || has_attribute(clause, "@pres") ||
                           has_attribute(clause, "@fut") || has_attribute(clause, "@imp") ||
                           !has_attribute(clause, "@v");
-    const int subject = subject_arc(graph, at);
+    const int shared = graph.child(at, "shared");
+    const int subject = shared >= 0 ? shared : subject_arc(graph, at);
     const bool is_speech = has_attribute(clause, "@quote") && subject >= 0;
     const bool is_to_you = subject >= 0 && graph.is(graph.arc(subject).to, "you");
     if (!is_known && (is_speech || is_to_you)) attribute_add(clause, "@pres");
+    // "If it rains or snows".
+    const int condition = graph.child(at, "condition");
+    const int if_so = condition >= 0 ? graph.arc(condition).to : -1;
+    const bool is_passive = if_so >= 0 && graph.child(if_so, "ARG0") < 0 && graph.child(if_so, "ARG1") >= 0;
+    if (if_so >= 0 && !is_passive && !has_attribute(graph.word(if_so), "@past")) {
+      const int led = condition;
+      int joined_to = graph.child(graph.arc(led).to, "conjunct");
+      for (int steps = graph.count(); joined_to >= 0 && steps > 0; --steps) {
+        Concept& part = graph.word(graph.arc(joined_to).to);
+        if (has_attribute(part, "@v") && !has_attribute(part, "@past")) attribute_add(part, "@pres");
+        joined_to = graph.child(graph.arc(joined_to).to, "conjunct");
+      }
+    }
+    // What is joined to a clause about the same person is told of the same time.
+    const int next = graph.child(at, "conjunct");
+    const int part = next >= 0 ? graph.arc(next).to : -1;
+    const bool is_open = part >= 0 && graph.child(part, "shared") >= 0 && !has_attribute(graph.word(part), "@past") &&
+                         !has_attribute(graph.word(part), "@fut") && !has_attribute(graph.word(part), "@imp");
+    if (is_open && has_attribute(clause, "@pres") && has_attribute(graph.word(part), "@v"))
+      attribute_add(graph.word(part), "@pres");
     // Who asks you what happens means now: "what are you doing?"
     const bool is_question = has_attribute(clause, "@ask") || has_attribute(clause, "@int");
     constexpr std::array kStanding{"@can", "@must", "@should", "@may", "@maynot", "@likely", "@perf", "@habit", "@neg"};
     const bool is_timed = graph.child(at, "frequency") >= 0 || graph.child(at, "time") >= 0 ||
                           std::any_of(kStanding.begin(), kStanding.end(),
                                       [&](const char* one) { return has_attribute(graph.word(at), one); });
-    if (!is_known && is_to_you && is_question && !is_timed) attribute_add(clause, "@now");
+    // What lasts has no progressive: "do you see it?"
+    constexpr std::array kLasting{"see",  "hear", "smell",    "like", "love", "hate",
+                                  "want", "need", "remember", "mind", "have", "know"};
+    if (!is_known && is_to_you && shared < 0 && graph.child(at, "conjunct") < 0 && !is_one_of(graph, at, kLasting) &&
+        is_question && !is_timed)
+      attribute_add(clause, "@now");
     if (!is_said[static_cast<std::size_t>(at)] && is_told_of_another(graph, at)) attribute_add(clause, "@past");
   }
+}
+
+// "His death was announced", "she was told": where nobody does it and nothing else is spoken of, the second argument is.
+static void told_apply(Rewriter& graph, int at) {
+  const Concept& word = graph.word(at);
+  constexpr std::array kVerbs{"treat", "pronounce", "declare", "name", "appoint", "teach", "tell", "ask", "inform"};
+  const bool is_verb = !word.sense.empty() && is_one_of(graph, at, kVerbs) && !has_attribute(word, "@agent") &&
+                       !has_attribute(word, "@result") && !has_attribute(word, "@imp");
+  const int second = is_verb ? graph.child(at, "ARG2") : -1;
+  if (second < 0 || graph.argument(at, "ARG0") >= 0 || graph.argument(at, "ARG1") >= 0) return;
+  for (const char* role : {"understood", "shared", "speaker", "questioned", "quoted", "domain"}) {
+    if (graph.child(at, role) >= 0) return;
+  }
+  graph.arc(second).role = "ARG1";
 }
 
 // Only people and pronouns: "the wall was moved by building the road" is no better than the active.
@@ -810,6 +1109,7 @@ void step_voice(Meaning& meaning) {
   Rewriter graph(meaning, "voice");
   constexpr std::array kSomebody{"i",      "we",      "you",      "he",       "she",     "they",   "person", "one",
                                  "anyone", "someone", "everyone", "somebody", "anybody", "nobody", "man",    "woman"};
+  for (int at = 0; at < graph.count(); ++at) told_apply(graph, at);
   for (int at = 0; at < graph.count(); ++at) {
     const int agent = graph.child(at, "ARG0");
     const int patient = graph.child(at, "ARG1");
@@ -835,9 +1135,77 @@ static bool nominal_apply(Rewriter& graph, int at) {
     const Arc& one = graph.arc(led);
     is_noun |= !one.inverse && one.role == "mod" && is_one_of(graph, one.to, kDeterminers);
   }
+  // "It supports your statement": what is said, without a word of what it is, is a noun.
+  constexpr std::array kStating{"state",   "suggest", "announce", "declare", "propose",
+                                "explain", "decide",  "comment",  "remark"};
+  const bool is_statement =
+      is_one_of(graph, at, kStating) && graph.child(at, "ARG0") >= 0 && graph.children(at).size() == 1;
+  is_noun = is_noun || is_statement || has_attribute(graph.word(at), "@nom");
   const int known = is_noun ? graph.child(at, "understood") : -1;
   if (known >= 0) graph.remove(known, Fate::attribute);
+  if (is_noun) attribute_add(graph.word(at), "@nom");
   return is_noun;
+}
+
+// A clause that is the only thing spoken of stands behind: "it is good that the rain stopped", "it is easy to read this".
+static void extraposed_apply(Rewriter& graph, int at) {
+  const Concept& word = graph.word(at);
+  const int said = graph.child(at, "ARG1");
+  if (said < 0 || has_attribute(word, "@imp") || !has_attribute(word, "@v")) return;
+  for (const char* agent : {"ARG0", "understood", "shared", "speaker"}) {
+    if (graph.child(at, agent) >= 0) return;
+  }
+  const int what = graph.arc(said).to;
+  const bool is_frame = !graph.word(what).sense.empty() && !has_attribute(graph.word(what), "@result") &&
+                        !has_attribute(graph.word(what), "@agent");
+  if (!is_frame) return;
+  // "It is known that the house was sold", "it is clear that he is wrong": what is known or true is a clause even if nobody
+  // does it.
+  constexpr std::array kFacts{"suspect", "believe",   "know",    "say",    "report",  "think",    "expect",
+                              "find",    "allege",    "true",    "clear",  "obvious", "certain",  "apparent",
+                              "evident", "strange",   "lucky",   "matter", "happen",  "turn-out", "funny",
+                              "odd",     "fortunate", "natural", "likely"};
+  const bool is_clause = graph.child(what, "ARG0") >= 0 || graph.child(what, "domain") >= 0 ||
+                         (is_one_of(graph, at, kFacts) && graph.child(what, "ARG1") >= 0 && graph.parent(what) == said);
+  // What nobody in particular does, with an object or a place.
+  constexpr std::array kOfActs{"easy",   "difficult", "hard",     "dangerous",  "safe",
+                               "useful", "useless",   "pleasant", "impossible", "necessary",
+                               "wrong",  "cruel",     "stupid",   "wise",       "expensive"};
+  const bool is_act =
+      !is_clause && is_one_of(graph, at, kOfActs) && graph.parent(what) == said && !graph.children(what).empty();
+  constexpr std::array kHappening{"matter", "happen", "occur", "turn-out"};
+  if (is_clause && is_one_of(graph, at, kHappening) && graph.parent(what) == said) attribute_add(graph.word(at), "@xv");
+  if (is_clause) attribute_add(graph.word(at), "@xtra");
+  if (is_act) attribute_add(graph.word(at), "@xinf");
+}
+
+// "She now knows that he sings": behind the verb, "now" would be said of what she knows.
+static void content_apply(Rewriter& graph, int at) {
+  const int led = graph.word(at).sense.empty() ? -1 : graph.child(at, "ARG1");
+  if (led < 0) return;
+  const Concept& what = graph.word(graph.arc(led).to);
+  const bool is_event = !what.sense.empty() && !has_attribute(what, "@agent") && !has_attribute(what, "@result");
+  if (is_event && !graph.children(graph.arc(led).to).empty()) attribute_add(graph.word(at), "@content");
+}
+
+// "Next year", "this morning": such a time has no preposition.
+static void bare_time_apply(Rewriter& graph, int at) {
+  constexpr std::array kPointing{"this",     "that",      "next",     "last",      "every", "each",    "all",
+                                 "some",     "any",       "same",     "other",     "one",   "another", "few",
+                                 "previous", "following", "tomorrow", "yesterday", "today"};
+  const int led = graph.child(at, "mod");
+  if (led >= 0 && is_one_of(graph, graph.arc(led).to, kPointing)) attribute_add(graph.word(at), "@bare");
+}
+
+// "She gave it to him": a pronoun stands before who receives it, who then has a preposition.
+static void giving_apply(Rewriter& graph, int at) {
+  constexpr std::array kGiving{"give", "show",  "tell", "send", "bring", "lend",    "teach", "hand", "offer", "sell",
+                               "pay",  "throw", "pass", "feed", "owe",   "promise", "grant", "read", "write"};
+  constexpr std::array kPronouns{"it", "they", "he", "she", "i", "you", "we"};
+  const int what = is_one_of(graph, at, kGiving) ? graph.child(at, "ARG1") : -1;
+  if (what < 0 || graph.child(at, "ARG2") < 0) return;
+  const int thing = graph.arc(what).to;
+  if (is_one_of(graph, thing, kPronouns) || graph.parent(thing) != what) attribute_add(graph.word(at), "@pro1");
 }
 
 // What the rules must know of a whole clause before its first word stands: whether it has a subject, an auxiliary, an
@@ -845,12 +1213,15 @@ static bool nominal_apply(Rewriter& graph, int at) {
 void step_forms(Meaning& meaning) {
   Rewriter graph(meaning, "forms");
   // What English says with an auxiliary in front of the basic form.
-  constexpr std::array kAuxiliary{"@can", "@must",  "@should", "@may", "@likely", "@maynot",
-                                  "@fut", "@would", "@neg",    "@ask", "@int"};
+  constexpr std::array kAuxiliary{"@need", "@can",   "@must", "@should", "@may", "@likely", "@maynot",
+                                  "@fut",  "@would", "@used", "@neg",    "@ask", "@int"};
   for (int at = 0; at < graph.count(); ++at) {
+    bare_time_apply(graph, at);
+    content_apply(graph, at);
+    giving_apply(graph, at);
     Concept& word = graph.word(at);
     // English has one modal verb in a clause.
-    if (has_attribute(word, "@must")) std::erase(word.attributes, "@should");
+    if (has_attribute(word, "@must") || has_attribute(word, "@need")) std::erase(word.attributes, "@should");
     if (has_attribute(word, "@can")) std::erase(word.attributes, "@may");
     constexpr std::array kGrades{"@more", "@most", "@less", "@least", "@too", "@so", "@very"};
     // "A little" and "completely" leave a verb a verb: he hesitated a little.
@@ -873,23 +1244,20 @@ void step_forms(Meaning& meaning) {
       attribute_add(graph.word(graph.arc(quality).from), "@def");
     const bool has_subject = subject_arc(graph, at) >= 0 || graph.child(at, "understood") >= 0 ||
                              graph.child(at, "shared") >= 0 || graph.child(at, "speaker") >= 0;
-    if (has_subject && !nominal_apply(graph, at)) attribute_add(word, "@cl");
+    if (has_subject && !has_attribute(word, "@result") && !nominal_apply(graph, at)) attribute_add(word, "@cl");
     const bool is_auxiliary =
         std::any_of(kAuxiliary.begin(), kAuxiliary.end(), [&](const char* one) { return has_attribute(word, one); });
     if (is_auxiliary && is_clause(graph, at)) attribute_add(word, "@aux");
-    // A clause that is the only thing spoken of stands behind: "it is good that the rain stopped".
-    const int said = graph.child(at, "ARG1");
-    const bool has_agent = graph.child(at, "ARG0") >= 0 || graph.child(at, "understood") >= 0 ||
-                           graph.child(at, "shared") >= 0 || graph.child(at, "speaker") >= 0;
-    if (said >= 0 && !has_agent && !has_attribute(word, "@imp") && has_attribute(word, "@v")) {
-      const int what = graph.arc(said).to;
-      const bool is_event = !graph.word(what).sense.empty() && !has_attribute(graph.word(what), "@result") &&
-                            !has_attribute(graph.word(what), "@agent") &&
-                            (graph.child(what, "ARG0") >= 0 || graph.child(what, "domain") >= 0);
-      if (is_event) attribute_add(word, "@xtra");
-    }
+    extraposed_apply(graph, at);
+    // "It is a pity that she left": what a predicate says of a whole clause.
+    const int about = graph.child(at, "domain");
+    const int told = about >= 0 && graph.parent(graph.arc(about).to) == about ? graph.arc(about).to : -1;
+    const bool is_told = told >= 0 && !graph.word(told).sense.empty() && !has_attribute(graph.word(told), "@agent") &&
+                         !has_attribute(graph.word(told), "@result") && subject_arc(graph, told) >= 0;
+    if (is_told && graph.child(at, "consequence") < 0) attribute_add(word, "@xdom");
     // What is only counted is new: "there are three birds in the tree".
-    const bool is_being = graph.is(at, "be-located-at", "91") || graph.is(at, "exist", "91");
+    const bool is_being =
+        graph.is(at, "be-located-at", "91") || graph.is(at, "have-place", "91") || graph.is(at, "exist", "91");
     const int what = is_being ? graph.child(at, "ARG1") : -1;
     if (what < 0) continue;
     const Concept& thing = graph.word(graph.arc(what).to);
@@ -898,51 +1266,126 @@ void step_forms(Meaning& meaning) {
   }
 }
 
+// (b / become-01 :ARG1 s :ARG2 (s2 / small :domain s)): behind such a verb an adjective has no subject of its own.
+static void copular_apply(Rewriter& graph, int at) {
+  constexpr std::array kCopular{"become", "look",   "feel", "sound", "smell", "taste",
+                                "stay",   "remain", "grow", "turn",  "get"};
+  if (graph.word(at).sense.empty() || !is_one_of(graph, at, kCopular)) return;
+  const std::vector<int> below = graph.children(at);
+  for (const int led : below) {
+    const int said = graph.arc(led).to;
+    const int own = is_core(graph.arc(led)) ? graph.child(said, "domain") : -1;
+    if (own < 0) continue;
+    const bool is_named = std::any_of(below.begin(), below.end(), [&](int one) {
+      return one != led && !graph.arc(one).inverse && graph.arc(one).to == graph.arc(own).to;
+    });
+    if (is_named) graph.remove(own, Fate::attribute);
+  }
+}
+
+// "Too small to reach it", "old enough to drive": what would follow has no subject of its own, and no other denial.
+static bool is_limit(const Concept& quality) {
+  return has_attribute(quality, "@too") || has_attribute(quality, "@enough");
+}
+
+// What seems to be done has its subject in front: "the cat seems to sleep".
+static void raise_apply(Rewriter& graph, int at) {
+  // "The rain began to fall": the beginning of what somebody does is his.
+  constexpr std::array kPhases{"begin", "start", "continue", "cease", "stop"};
+  const bool is_phase = graph.word(at).sense == "01" && is_one_of(graph, at, kPhases);
+  const bool is_raising = is_phase || graph.is(at, "seem", "01") || graph.is(at, "appear", "02");
+  const int led = is_raising && graph.child(at, "ARG0") < 0 ? graph.child(at, "ARG1") : -1;
+  if (led < 0 || !is_clause(graph, graph.arc(led).to)) return;
+  // What begins to be done has a doer, what begins to be a subject: "the rain began to fall".
+  const int done = graph.arc(led).to;
+  const int subject = is_phase ? graph.child(done, "ARG0") : subject_arc(graph, done);
+  if (is_phase && (has_attribute(graph.word(done), "@agent") || has_attribute(graph.word(done), "@result"))) return;
+  if (subject < 0 || is_clause(graph, graph.arc(subject).to)) return;
+  graph.add(at, graph.arc(subject).to, "ARG0", false);
+  if (!is_phase && graph.arc(subject).role != "ARG0") attribute_add(graph.word(at), "@raised");
+}
+
+// What says once more who does it goes.
+static void subject_once_apply(Rewriter& graph, int at) {
+  // "She heard that he sang", and not of him that he sang.
+  constexpr std::array kLearning{"hear", "know", "learn", "read", "think", "believe", "expect", "find-out", "discover"};
+  const int content = is_one_of(graph, at, kLearning) ? graph.child(at, "ARG1") : -1;
+  const int topic = graph.child(at, "ARG2");
+  if (content >= 0 && topic >= 0) {
+    const int subject = subject_arc(graph, graph.arc(content).to);
+    if (subject >= 0 && graph.arc(subject).to == graph.arc(topic).to) graph.remove(topic, Fate::relation);
+  }
+  // "She left silently": that she is silent says nothing more.
+  const int said = graph.child(at, "domain");
+  const int above = said < 0 ? -1 : graph.parent(at);
+  if (above < 0 || graph.arc(above).inverse || graph.arc(above).role != "manner") return;
+  const int subject = subject_arc(graph, graph.arc(above).from);
+  if (subject >= 0 && graph.arc(subject).to == graph.arc(said).to) graph.remove(said, Fate::relation);
+}
+
+// Named by the governing clause, or for a purpose by the one above: "she has no time to sing".
+static bool is_named_above(Rewriter& graph, const std::vector<int>& first, int above, int person) {
+  const bool is_purpose = graph.arc(above).role == "purpose";
+  int led_here = above;
+  for (int steps = is_purpose ? 3 : 1; steps > 0 && led_here >= 0; --steps) {
+    const int governor = graph.arc(led_here).from;
+    for (const int led : graph.children(governor)) {
+      if (led != led_here && !graph.arc(led).inverse && graph.arc(led).to == person) return true;
+    }
+    // "A pill to cure the cold".
+    if (is_purpose && governor == person) return true;
+    led_here = first[static_cast<std::size_t>(governor)];
+    if (led_here >= 0 && graph.arc(led_here).inverse && graph.arc(led_here).from == person) return true;
+  }
+  return false;
+}
+
 // (w / want-01 :ARG0 b :ARG1 (g / go-02 :ARG0 b)): the b of go-02 becomes :understood, and rules make an infinitive of it.
 void step_control(Meaning& meaning) {
   Rewriter graph(meaning, "control");
-  // What seems to be done has its subject in front: "the cat seems to sleep".
   for (int at = 0, end = graph.count(); at < end; ++at) {
-    const bool is_raising = graph.is(at, "seem", "01") || graph.is(at, "appear", "02");
-    const int led = is_raising && graph.child(at, "ARG0") < 0 ? graph.child(at, "ARG1") : -1;
-    if (led < 0 || !is_clause(graph, graph.arc(led).to)) continue;
-    const int subject = subject_arc(graph, graph.arc(led).to);
-    const bool is_said = subject >= 0 && !is_clause(graph, graph.arc(subject).to);
-    if (is_said) graph.add(at, graph.arc(subject).to, "ARG0", false);
-    if (is_said && graph.arc(subject).role != "ARG0") attribute_add(graph.word(at), "@raised");
+    copular_apply(graph, at);
+    raise_apply(graph, at);
   }
+  for (int at = 0; at < graph.count(); ++at) subject_once_apply(graph, at);
   const std::vector<int> first = first_arcs(graph);
   for (int at = 0; at < graph.count(); ++at) {
     const int above = first[static_cast<std::size_t>(at)];
     if (above < 0 || graph.arc(above).inverse || !is_clause(graph, at)) continue;
     const std::string& role = graph.arc(above).role;
+    // "She knows whether she may stay" is no infinitive.
+    if (has_attribute(graph.word(at), "@whether") || has_attribute(graph.word(at), "@result")) continue;
+    // "They said that they were tempted": what is said has a subject.
+    constexpr std::array kTelling{"say",     "state",    "explain", "report", "note",
+                                  "mention", "announce", "think",   "believe"};
+    if (role == "ARG1" && is_one_of(graph, graph.arc(above).from, kTelling)) continue;
     // A clause in another role keeps its subject: "she left because she was tired".
-    const bool may_be_infinite =
-        role.starts_with("ARG") || role == "purpose" || role == "manner" || role == "mod" || role == "attendant";
+    const bool may_be_infinite = role.starts_with("ARG") || role == "purpose" || role == "manner" || role == "mod" ||
+                                 role == "attendant" || role == "substitute" || role == "exception" ||
+                                 (role == "consequence" && is_limit(graph.word(graph.arc(above).from)));
     const int subject = subject_arc(graph, at);
     if (!may_be_infinite || subject < 0) continue;
     const int person = graph.arc(subject).to;
     if (first[static_cast<std::size_t>(person)] == subject) continue;
-    // Named by the governing clause, or for a purpose by the one above: "she has no time to sing".
-    bool is_named = false;
-    int led_here = above;
-    for (int steps = role == "purpose" ? 3 : 1; steps > 0 && led_here >= 0 && !is_named; --steps) {
-      const int governor = graph.arc(led_here).from;
-      for (const int led : graph.children(governor)) {
-        is_named |= led != led_here && !graph.arc(led).inverse && graph.arc(led).to == person;
-      }
-      // "A pill to cure the cold".
-      is_named |= role == "purpose" && governor == person;
-      led_here = first[static_cast<std::size_t>(governor)];
-      is_named |= led_here >= 0 && graph.arc(led_here).inverse && graph.arc(led_here).from == person;
-    }
-    if (!is_named) continue;
+    if (!is_named_above(graph, first, above, person)) continue;
+    // What somebody says or knows is a clause with a subject: "he told them that he was tired".
+    constexpr std::array kThatVerbs{"say",     "tell",       "think",   "answer", "reply",   "explain", "state",
+                                    "declare", "know",       "believe", "feel",   "realize", "see",     "hear",
+                                    "notice",  "understand", "write",   "hope",   "fear",    "admit"};
+    const int higher_verb = graph.arc(above).from;
+    const int hearer = graph.child(higher_verb, "ARG2");
+    const bool is_told = role == "ARG1" && graph.arc(subject).role == "ARG1" &&
+                         is_one_of(graph, higher_verb, kThatVerbs) && (hearer < 0 || graph.arc(hearer).to != person);
+    if (is_told) continue;
     // A predicate without verb has no infinitive of its own.
     const int higher = graph.arc(above).from;
     const bool is_seeming = graph.is(higher, "seem", "01") || graph.is(higher, "appear", "02");
     if (graph.arc(subject).role == "domain" && !is_seeming && role != "attendant") continue;
     if (graph.arc(subject).role != "ARG0") attribute_add(graph.word(at), "@ctl1");
     graph.arc(subject).role = "understood";
+    if (role == "consequence" && has_attribute(graph.word(graph.arc(above).from), "@too")) {
+      for (const char* mark : {"@can", "@neg"}) std::erase(graph.word(at).attributes, mark);
+    }
   }
 }
 

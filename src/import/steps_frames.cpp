@@ -60,6 +60,14 @@ constexpr Reified kReified[] = {
     {"have-size", "91", "ARG1", "ARG2", "size"},
     {"be-destined-for", "91", "ARG1", "ARG2", "destination"},
     {"have-ord", "91", "ARG1", "ARG2", "ord"},
+    {"hyperlink", "91", "ARG1", "ARG3", "source"},
+    {"have-subtraction", "91", "ARG1", "ARG2", "exception"},
+    {"have-medium", "91", "ARG1", "ARG2", "medium"},
+    {"have-path", "91", "ARG1", "ARG2", "path"},
+    {"have-start", "91", "ARG1", "ARG2", "source"},
+    {"have-result", "91", "ARG1", "ARG2", "consequence"},
+    {"have-cost", "91", "ARG1", "ARG2", "cost"},
+    {"have-other-role", "91", "ARG1", "ARG2", "other-role"},
 };
 
 // These are said by a verb when they are the statement itself, and are roles only below what they speak of.
@@ -79,6 +87,30 @@ const Reified* reified_of(Rewriter& graph, int at) {
   return nullptr;
 }
 
+// One end alone: "that is why ...", "... because". The frame's other end is not said.
+void lone_apply(Rewriter& graph, int at, const Reified& one, int up, int down) {
+  const int led = up >= 0 ? up : down;
+  const bool is_above = graph.arc(led).to == at;
+  if (is_above) {
+    // "So the seventh planet was the Earth": the cause stands in another sentence.
+    if (std::string_view(one.role) != "cause" || up < 0 || graph.mentions(at) > 1 || !graph.children(at).empty())
+      return;
+    attribute_add(graph.word(graph.arc(led).from), "@so_cause");
+    graph.settle_concept(at, Fate::attribute);
+    graph.remove(led, Fate::attribute);
+    return;
+  }
+  // "... because": what it is tied to stands in another sentence, so a conjunction in front says it.
+  if (graph.mentions(at) > 1) return;
+  const bool is_plain = graph.children(at).size() == 1;
+  if (!is_plain || std::string_view(one.role) == "superset") return;
+  const int kept = graph.arc(led).to;
+  attribute_add(graph.word(kept), std::string("@") + (up >= 0 ? "so_" : "as_") + one.role);
+  graph.settle_concept(at, Fate::attribute);
+  graph.remove(led, Fate::attribute);
+  graph.redirect(at, kept);
+}
+
 // The frame goes; its head and its dependent are tied together, written at the one that stood above the frame. Four
 // cases: one end is missing; the frame is the statement itself and a verb says it; the dependent stood above, so that the
 // role becomes an inverse one; else the head stays or takes the place of the frame.
@@ -86,36 +118,30 @@ void reified_apply(Rewriter& graph, int at, const Reified& one) {
   const int up = graph.argument(at, one.head);
   const int down = graph.argument(at, one.dependent);
   if (down < 0 && up < 0) return;
-  if (up < 0 || down < 0) {
-    // One end alone: "that is why ...", "... because". The frame's other end is not said.
-    const int led = up >= 0 ? up : down;
-    const bool is_above = graph.arc(led).to == at;
-    if (is_above) {
-      // "So the seventh planet was the Earth": the cause stands in another sentence.
-      if (std::string_view(one.role) != "cause" || up < 0 || graph.mentions(at) > 1 || !graph.children(at).empty())
-        return;
-      attribute_add(graph.word(graph.arc(led).from), "@so_cause");
-      graph.settle_concept(at, Fate::attribute);
-      graph.remove(led, Fate::attribute);
-      return;
-    }
-    // "... because": what it is tied to stands in another sentence, so a conjunction in front says it.
-    if (graph.mentions(at) > 1) return;
-    const bool is_plain = graph.children(at).size() == 1;
-    if (!is_plain || std::string_view(one.role) == "superset") return;
-    const int kept = graph.arc(led).to;
-    attribute_add(graph.word(kept), std::string("@") + (up >= 0 ? "so_" : "as_") + one.role);
-    graph.settle_concept(at, Fate::attribute);
-    graph.remove(led, Fate::attribute);
-    graph.redirect(at, kept);
-    return;
-  }
+  if (up < 0 || down < 0) return lone_apply(graph, at, one, up, down);
   const int head = graph.other(up, at);
   const int dependent = graph.other(down, at);
   if (head == dependent) return;
   const bool head_above = graph.arc(up).to == at;
   const bool dependent_above = graph.arc(down).to == at;
-  if (!head_above && !dependent_above && is_statement(one)) return;
+  // "Like her brother, she sings": what a clause is like is said beside it.
+  const int first = graph.is(head, "and") ? graph.child(head, "op1") : -1;
+  const bool is_of_clause =
+      std::string_view(one.role) == "likeness" && !graph.word(first >= 0 ? graph.arc(first).to : head).sense.empty();
+  if (!head_above && !dependent_above && is_statement(one) && !is_of_clause) {
+    // What it means, and how old it is, other words say.
+    const bool is_verb = graph.is(at, "mean", "91") || graph.is(at, "have-age", "91");
+    if (is_verb)
+      graph.word(at).name = one.role == std::string_view("age") ? "age" : "mean", graph.word(at).sense = "01";
+    return;
+  }
+  if (!head_above && !dependent_above && is_of_clause) attribute_add(graph.word(head), "@front");
+  // "The wind caused the noise": a thing is no clause that another could give the reason of.
+  const Concept& caused = graph.word(first >= 0 ? graph.arc(first).to : head);
+  const bool is_thing = caused.sense.empty() && !caused.variable.empty() && graph.child(head, "domain") < 0 &&
+                        caused.name != "amr-unknown" && caused.name != "umr-unknown" &&
+                        !caused.name.ends_with("choice");
+  if (graph.is(at, "cause", "01") && !head_above && !dependent_above && is_thing) return;
   if (!head_above && !dependent_above && std::string_view(one.role) == "identity") {
     // "Palin is the star".
     graph.settle_concept(at, Fate::relation);
@@ -129,7 +155,15 @@ void reified_apply(Rewriter& graph, int at, const Reified& one) {
     // What is denied is the reason, not what it is a reason for: "not because it rained".
     if (attribute != "@v") attribute_add(graph.word(attribute == "@neg" ? dependent : head), attribute);
   }
-  if (dependent_above && !head_above) {
+  const bool is_why = graph.is(dependent, "amr-unknown") || graph.is(dependent, "umr-unknown");
+  if (dependent_above && !head_above && is_why && dependent == graph.meaning().root) {
+    // What causes it is what is asked for: "why are we surprised?"
+    graph.meaning().root = head;
+    graph.replace(down, head, dependent, one.role);
+    graph.remove(up, Fate::relation);
+    graph.move_children(at, head);
+    for (const int led : graph.children(dependent)) graph.arc(led).from = head;
+  } else if (dependent_above && !head_above) {
     graph.replace(down, dependent, head, one.role, true);
     graph.remove(up, Fate::relation);
     graph.redirect(at, dependent);
@@ -157,8 +191,8 @@ void cause_noun_apply(Rewriter& graph, int at) {
   graph.replace(led, thing, graph.arc(led).to, "org");
 }
 
-// Pronouns that stand for people and things in AMR.
-bool is_speaking(const std::string& name) {
+// The concepts that stand for people and things spoken of before.
+bool is_personal_pronoun(const std::string& name) {
   constexpr std::string_view kPronouns[] = {"i", "we", "you", "he", "she", "it", "they"};
   return std::find(std::begin(kPronouns), std::end(kPronouns), name) != std::end(kPronouns);
 }
@@ -180,9 +214,98 @@ constexpr Office kOffices[] = {
     {"have-role", "91", "ARG1", "ARG2", "ARG3", "org"},
 };
 
+// What a name is called besides, behind it: "Kim, the mayor of Oslo". A comma closes it where more will follow.
+void stand_behind(Rewriter& graph, int led, int named, int title) {
+  const int above = graph.parent(named);
+  graph.replace(led, named, title, "apposition");
+  attribute_add(graph.word(title), "@def");
+  const bool is_subject = above >= 0 && graph.arc(above).role == "ARG0" && !graph.arc(above).inverse;
+  // A relative clause behind the name brings a comma of its own.
+  const std::vector<int> below = graph.children(named);
+  const bool is_last = std::none_of(below.begin(), below.end(), [&](int one) { return graph.arc(one).inverse; });
+  if (is_subject && is_last) attribute_add(graph.word(title), "@closed");
+}
+
+bool is_party(const Concept& group) {
+  return has_attribute(group, "@political-party") || has_attribute(group, "@political-organization");
+}
+
+// Whoever is of the Green Party is a Green.
+void member_apply(Concept& party) {
+  if (party.name.ends_with(" Party")) party.name.resize(party.name.size() - 6);
+  if (party.name == "Democratic") party.name = "Democrat";
+  std::erase(party.attributes, "@name");
+}
+
+// No office is named: whoever is of a group. As the statement: "she is a Whig".
+void group_apply(Rewriter& graph, int at, const Office& office, int holds, int whole) {
+  const int holder = graph.other(holds, at);
+  const bool holder_above = graph.arc(holds).to == at;
+  if (whole < 0 || graph.arc(whole).from != at) return;
+  if (!holder_above) {
+    // "She is a Whig".
+    const int group = graph.arc(whole).to;
+    if (is_party(graph.word(group)) && graph.mentions(group) == 1) member_apply(graph.word(group));
+    graph.settle_concept(at, Fate::relation);
+    graph.replace(holds, group, holder, "domain");
+    graph.remove(whole, Fate::relation);
+    graph.redirect(at, group);
+    return graph.move_children(at, group);
+  }
+  graph.settle_concept(at, Fate::relation);
+  graph.remove(holds, Fate::relation);
+  const Concept& group = graph.word(graph.arc(whole).to);
+  if (is_party(group) && graph.is(holder, "person") && graph.mentions(graph.arc(whole).to) == 1) {
+    member_apply(graph.word(graph.arc(whole).to));
+    graph.settle_concept(graph.arc(whole).to, Fate::word);
+    graph.remove(whole, Fate::word);
+    graph.word(holder).name = graph.word(graph.arc(whole).to).name;
+    // Of whom nothing else is said, all are meant: "Greens like trees".
+    if (graph.children(holder).empty() && !has_attribute(graph.word(holder), "@sg"))
+      attribute_add(graph.word(holder), "@pl");
+  } else {
+    graph.replace(whole, holder, graph.arc(whole).to, office.role);
+  }
+  graph.move_children(at, holder);
+}
+
+// Who has no name is called by the office; a name keeps it as a title.
+void call_by_office(Rewriter& graph, int at, const Office& office, int holds, int whole, int titled) {
+  const int holder = graph.other(holds, at);
+  const int title = graph.other(titled, at);
+  const bool is_named = has_attribute(graph.word(holder), "@name") || !graph.is(holder, "person");
+  graph.remove(holds, Fate::relation);
+  const bool has_whole = whole >= 0 && graph.arc(whole).from == at;
+  const bool is_behind = has_attribute(graph.word(holder), "@name") && has_whole &&
+                         !is_personal_pronoun(graph.word(graph.arc(whole).to).name);
+  if (has_whole) graph.replace(whole, is_named ? title : holder, graph.arc(whole).to, office.role);
+  if (is_behind) {
+    // "Kim, the mayor of Oslo, ..."
+    stand_behind(graph, titled, holder, title);
+  } else if (is_named) {
+    graph.replace(titled, holder, title, "title");
+  } else {
+    graph.remove(titled, Fate::word);
+    graph.settle_concept(holder, Fate::word);
+    Concept& person = graph.word(holder);
+    person.name = graph.word(title).name;
+    person.sense = graph.word(title).sense;
+    person.triple = graph.word(title).triple;
+    for (const std::string& attribute : graph.word(title).attributes) attribute_add(person, attribute);
+    graph.move_children(title, holder);
+    graph.redirect(title, holder);
+  }
+  graph.move_children(at, holder);
+}
+
 // Either the holder stands above, and is called by the office; or the frame is the statement, "she is the mayor". A holder
 // with a name keeps it, and the office stands beside it as a title; another becomes the office.
 void office_apply(Rewriter& graph, int at, const Office& office) {
+  if (graph.children(at).empty() && graph.mentions(at) == 1) {
+    // A role that nobody has of nothing.
+    graph.settle_concept(at, Fate::left_out);
+    return graph.remove(graph.parent(at), Fate::left_out);
+  }
   int holds = graph.argument(at, office.holder);
   int whole = graph.argument(at, office.whole);
   int titled = graph.argument(at, office.title);
@@ -202,39 +325,36 @@ void office_apply(Rewriter& graph, int at, const Office& office) {
     return;
   }
   const int holder = graph.other(holds, at);
-  const bool holder_above = graph.arc(holds).to == at;
-  if (titled < 0) {
-    if (whole < 0 || graph.arc(whole).from != at) return;
-    if (!holder_above) {
-      // "She is a Whig".
-      const int group = graph.arc(whole).to;
-      graph.settle_concept(at, Fate::relation);
-      graph.replace(holds, group, holder, "domain");
-      graph.remove(whole, Fate::relation);
-      graph.redirect(at, group);
-      return graph.move_children(at, group);
-    }
-    graph.settle_concept(at, Fate::relation);
-    graph.remove(holds, Fate::relation);
-    const Concept& group = graph.word(graph.arc(whole).to);
-    const bool is_party = has_attribute(group, "@political-party") || has_attribute(group, "@political-organization");
-    if (is_party && graph.is(holder, "person") && graph.mentions(graph.arc(whole).to) == 1) {
-      // Whoever is of the Green Party is a Green.
-      std::string name = group.name;
-      if (name.ends_with(" Party")) name.resize(name.size() - 6);
-      if (name == "Democratic") name = "Democrat";
-      graph.settle_concept(graph.arc(whole).to, Fate::word);
-      graph.remove(whole, Fate::word);
-      graph.word(holder).name = name;
-    } else {
-      graph.replace(whole, holder, graph.arc(whole).to, office.role);
-    }
-    graph.move_children(at, holder);
-    return;
+  // What is stated of him may stand below him in the source: "if we cheat, we are fools".
+  const int stated = graph.parent(at);
+  const bool is_stated = at == graph.meaning().root || (stated >= 0 && stated != holds && !graph.arc(stated).inverse);
+  if (is_stated && graph.arc(holds).to == at) {
+    holds = graph.replace(holds, at, holder, graph.arc(holds).role);
   }
+  const bool holder_above = graph.arc(holds).to == at;
+  if (!holder_above && (titled >= 0 || whole >= 0)) {
+    // What is denied or asked of the statement is that of its predicate.
+    const int predicate = graph.other(titled >= 0 ? titled : whole, at);
+    for (const std::string& attribute : graph.word(at).attributes) {
+      if (attribute != "@v") attribute_add(graph.word(predicate), attribute);
+    }
+  }
+  if (titled < 0) return group_apply(graph, at, office, holds, whole);
   const int title = graph.other(titled, at);
-  if (graph.arc(titled).from != at) return;
+  if (graph.arc(titled).from != at || title == holder) return;
   graph.settle_concept(at, Fate::relation);
+  // "You found a new friend": nobody else is spoken of, so the office stands for who holds it.
+  const int above = graph.parent(at);
+  const bool is_met = above >= 0 && !graph.arc(above).inverse && graph.arc(above).role == "ARG1";
+  if (!holder_above && is_met && graph.is(holder, "person") && graph.children(holder).empty() &&
+      graph.mentions(holder) == 1) {
+    graph.settle_concept(holder, Fate::word);
+    graph.remove(holds, Fate::word);
+    graph.remove(titled, Fate::relation);
+    graph.redirect(at, title);
+    if (whole >= 0) graph.replace(whole, title, graph.other(whole, at), office.role);
+    return graph.move_children(at, title);
+  }
   if (!holder_above) {
     // The statement itself: "she is the mayor of Oslo".
     graph.replace(holds, title, holder, "domain");
@@ -244,28 +364,9 @@ void office_apply(Rewriter& graph, int at, const Office& office) {
     graph.move_children(at, title);
     return;
   }
-  const bool is_named = has_attribute(graph.word(holder), "@name") || !graph.is(holder, "person");
-  graph.remove(holds, Fate::relation);
-  if (whole >= 0 && graph.arc(whole).from == at) {
-    graph.replace(whole, is_named ? title : holder, graph.arc(whole).to, office.role);
-  }
-  if (is_named) {
-    graph.replace(titled, holder, title, "title");
-  } else {
-    graph.remove(titled, Fate::word);
-    graph.settle_concept(holder, Fate::word);
-    Concept& person = graph.word(holder);
-    person.name = graph.word(title).name;
-    person.sense = graph.word(title).sense;
-    person.triple = graph.word(title).triple;
-    for (const std::string& attribute : graph.word(title).attributes) attribute_add(person, attribute);
-    graph.move_children(title, holder);
-    graph.redirect(title, holder);
-  }
-  graph.move_children(at, holder);
+  call_by_office(graph, at, office, holds, whole, titled);
 }
 
-// A comparison is told by the quality, as words for it depend on its form: taller, more beautiful.
 // The attribute of a degree that is a word of its own; null for others, which stay words: "very much".
 const char* degree_attribute(const Concept& degree) {
   struct Named {
@@ -281,30 +382,77 @@ const char* degree_attribute(const Concept& degree) {
   return nullptr;
 }
 
-// (x :ARG1-of (have-degree-91 :ARG2 tall :ARG3 more :ARG4 y)): tall is the quality, x its bearer.
-void degree_apply(Rewriter& graph, int at, bool is_quantity) {
-  int quality_led = graph.argument(at, "ARG2");
-  // A quantity may be the degree itself: "enough oil".
-  if (quality_led < 0 && is_quantity) quality_led = graph.argument(at, "ARG3");
-  if (quality_led < 0) return;
-  const int quality = graph.other(quality_led, at);
-  const int bearer_led = graph.argument(at, "ARG1");
-  graph.settle_concept(at, Fate::relation);
-  // What is denied is the degree: "no thicker than a finger".
-  if (has_attribute(graph.word(at), "@neg")) attribute_add(graph.word(quality), "@neg");
-  if (const int led = graph.child(at, "ARG3"); led >= 0 && led != quality_led) {
-    const int degree = graph.arc(led).to;
-    const char* attribute = degree_attribute(graph.word(degree));
-    if (attribute != nullptr && graph.mentions(degree) == 1) {
-      attribute_add(graph.word(quality), attribute);
-      graph.settle_concept(degree, Fate::attribute);
-      graph.remove(led, Fate::attribute);
-      graph.move_children(degree, quality);
-    } else {
-      graph.replace(led, quality, degree, "degree");
-    }
+// (d / distance-quantity :extent-of (r / run-02)), to which something is compared: "farther than he ran".
+void measured_apply(Rewriter& graph, int at) {
+  const std::vector<int> below = graph.children(at);
+  if (below.size() != 1 || !graph.arc(below[0]).inverse || !graph.word(at).sense.empty()) return;
+  constexpr std::string_view kMeasures[] = {"extent", "degree", "quant", "duration", "frequency"};
+  const bool is_measure =
+      std::find(std::begin(kMeasures), std::end(kMeasures), graph.arc(below[0]).role) != std::end(kMeasures);
+  if (is_measure && !graph.word(graph.arc(below[0]).to).sense.empty()) graph.stand_in(at, below[0]);
+}
+
+// A comparison is told by the quality, as words for it depend on its form: taller, more beautiful.
+// What is said of a fact, and of no way to do something: it is easier to wait.
+bool is_judgement(const std::string& name) {
+  constexpr std::string_view kJudging[] = {
+      "difficult", "easy", "hard", "important", "good",      "bad",        "possible",  "necessary", "likely", "common",
+      "nice",      "fun",  "safe", "dangerous", "expensive", "impossible", "essential", "fair",      "right"};
+  return std::find(std::begin(kJudging), std::end(kJudging), name) != std::end(kJudging);
+}
+
+// (f / find-01 :ARG1 (h / have-degree-91 :ARG1 (h2 / horse) :ARG2 fast :ARG3 most)): to find the fastest horse. What is only
+// said or thought stays a clause.
+bool sought_apply(Rewriter& graph, int at, int quality, int bearer) {
+  const int above = graph.parent(at);
+  const bool is_object = above >= 0 && !graph.arc(above).inverse && graph.arc(above).role == "ARG1" &&
+                         has_attribute(graph.word(quality), "@most") && graph.word(bearer).sense.empty() &&
+                         !graph.word(bearer).variable.empty() && graph.mentions(at) == 1;
+  constexpr std::string_view kTelling[] = {"say",  "think", "know",  "believe", "mean",
+                                           "tell", "show",  "agree", "hope",    "opine"};
+  if (!is_object) return false;
+  const std::string& verb = graph.word(graph.arc(above).from).name;
+  const bool is_told = std::find(std::begin(kTelling), std::end(kTelling), verb) != std::end(kTelling);
+  const int bears = graph.child(at, "ARG1");
+  const int led = graph.child(at, "ARG2");
+  if (is_told || bears < 0 || led < 0 || graph.arc(bears).to != bearer) return false;
+  for (const char* role : {"ARG0", "ARG1", "domain"}) {
+    const int own = graph.child(quality, role);
+    if (own >= 0 && graph.arc(own).to == bearer) graph.remove(own, Fate::relation);
   }
-  // What it is compared to, the set in which it is the most, and what follows: "so tall that ...".
+  graph.remove(bears, Fate::relation);
+  graph.replace(led, bearer, quality, "mod");
+  graph.redirect(at, bearer);
+  graph.move_children(at, bearer);
+  return true;
+}
+
+// How much of it there is: an attribute for what is a word of its own in English, a comparative for amounts.
+void degree_said(Rewriter& graph, int led, int quality) {
+  const int degree = graph.arc(led).to;
+  const char* attribute = degree_attribute(graph.word(degree));
+  // "More money than he": more is the comparative of much and many.
+  constexpr std::string_view kAmounts[] = {"more", "most", "less", "enough"};
+  const bool is_amount =
+      (graph.is(quality, "much") || graph.is(quality, "many")) &&
+      std::find(std::begin(kAmounts), std::end(kAmounts), graph.word(degree).name) != std::end(kAmounts);
+  if (is_amount && graph.mentions(degree) == 1) {
+    graph.word(quality).name = graph.word(degree).name;
+    graph.settle_concept(degree, Fate::word);
+    graph.remove(led, Fate::word);
+    graph.move_children(degree, quality);
+  } else if (attribute != nullptr && graph.mentions(degree) == 1) {
+    attribute_add(graph.word(quality), attribute);
+    graph.settle_concept(degree, Fate::attribute);
+    graph.remove(led, Fate::attribute);
+    graph.move_children(degree, quality);
+  } else {
+    graph.replace(led, quality, degree, "degree");
+  }
+}
+
+// What it is compared to, the set in which it is the most, and what follows: "so tall that ...".
+void degree_measured(Rewriter& graph, int at, int quality, int bearer_led) {
   constexpr std::pair<const char*, const char*> kOthers[] = {
       {"ARG4", "compared-to"}, {"ARG5", "superlative-of"}, {"ARG6", "consequence"}};
   for (const auto& [role, label] : kOthers) {
@@ -315,28 +463,88 @@ void degree_apply(Rewriter& graph, int at, bool is_quantity) {
                               !has_attribute(graph.word(quality), "@equal");
     const int kept = is_with_noun ? graph.other(bearer_led, at) : quality;
     graph.replace(led, kept, graph.arc(led).to, label);
+    // "As many books as I".
+    const bool is_amount = graph.is(quality, "many") || graph.is(quality, "much") || graph.is(quality, "few");
+    const bool is_as_many = is_amount && bearer_led >= 0 && graph.arc(bearer_led).to == at &&
+                            has_attribute(graph.word(quality), "@equal") && std::string_view(role) == "ARG4";
+    if (is_as_many) graph.replace(led, graph.other(bearer_led, at), graph.arc(led).to, "role");
+    measured_apply(graph, graph.arc(led).to);
   }
-  // Nobody bears it: "as soon as possible".
-  if (bearer_led < 0) {
-    if (graph.arc(quality_led).from == at) {
-      graph.remove(quality_led, Fate::relation);
-      graph.redirect(at, quality);
-    } else {
-      graph.remove(quality_led, Fate::relation);
-    }
-    return graph.move_children(at, quality);
+}
+
+// Nobody bears it: "as soon as possible".
+void bearerless_apply(Rewriter& graph, int at, int quality_led, int quality) {
+  if (graph.arc(quality_led).from == at) {
+    graph.remove(quality_led, Fate::relation);
+    graph.redirect(at, quality);
+  } else {
+    graph.remove(quality_led, Fate::relation);
   }
+  graph.move_children(at, quality);
+}
+
+// "As soon as possible": what it is compared to is that the bearer is possible.
+void again_apply(Rewriter& graph, int quality, int bearer) {
+  const int compared = graph.child(quality, "compared-to");
+  const int possible = compared < 0 ? -1 : graph.arc(compared).to;
+  const int again = possible >= 0 && graph.is(possible, "possible", "01") ? graph.child(possible, "ARG1") : -1;
+  if (again >= 0 && graph.arc(again).to == bearer) graph.remove(again, Fate::relation);
+}
+
+// "She knows more things than he", "there are too many stars".
+void counted_apply(Rewriter& graph, int quality, int bearer) {
+  const bool is_counted = graph.is(quality, "many") || graph.is(quality, "few") || graph.is(bearer, "thing");
+  if (is_counted) attribute_add(graph.word(bearer), "@pl");
+}
+
+// (x :ARG1-of (have-degree-91 :ARG2 tall :ARG3 more :ARG4 y)): tall is the quality, x its bearer.
+void degree_apply(Rewriter& graph, int at, bool is_quantity) {
+  int quality_led = graph.argument(at, "ARG2");
+  // A quantity may be the degree itself: "enough oil".
+  if (quality_led < 0 && is_quantity) quality_led = graph.argument(at, "ARG3");
+  if (quality_led < 0) return;
+  const int quality = graph.other(quality_led, at);
+  const int bearer_led = graph.argument(at, "ARG1");
+  if (is_quantity && bearer_led >= 0) counted_apply(graph, quality, graph.other(bearer_led, at));
+  graph.settle_concept(at, Fate::relation);
+  // What is denied is the degree: "no thicker than a finger".
+  if (has_attribute(graph.word(at), "@neg")) attribute_add(graph.word(quality), "@neg");
+  if (const int led = graph.child(at, "ARG3"); led >= 0 && led != quality_led) degree_said(graph, led, quality);
+  degree_measured(graph, at, quality, bearer_led);
+  if (bearer_led < 0) return bearerless_apply(graph, at, quality_led, quality);
   const int bearer = graph.other(bearer_led, at);
   const bool bearer_above = graph.arc(bearer_led).to == at;
   const bool quality_above = graph.arc(quality_led).to == at;
   // The quality may name its bearer by a role of its own: important-01 :ARG1 x, amuse-01 :ARG0 x.
-  const auto names_bearer = [&](const char* role) {
-    const int own = graph.argument(quality, role);
-    return own >= 0 && graph.other(own, quality) == bearer && own != bearer_led;
+  const auto names_bearer = [&](int frame, const char* role) {
+    const int own = graph.argument(frame, role);
+    return own >= 0 && graph.other(own, frame) == bearer && own != bearer_led;
   };
-  const bool is_known = names_bearer("ARG1") || names_bearer("ARG0");
-  if (quality_above || is_known) {
-    if (quality_above && !is_known) {
+  // A few adjectives call who bears them by another number.
+  if (!is_quantity && !quality_above && graph.argument(quality, "ARG1") < 0 && names_bearer(quality, "ARG2"))
+    graph.arc(graph.argument(quality, "ARG2")).role = "ARG1";
+  if (!is_quantity && sought_apply(graph, at, quality, bearer)) return;
+  // Or the verb above does: "she grew tall", "he ran farther".
+  const int above = quality_above ? graph.parent(quality) : -1;
+  const int governor = above >= 0 && !graph.arc(above).inverse ? graph.arc(above).from : -1;
+  const bool is_above = governor >= 0 && !graph.word(governor).sense.empty() &&
+                        (governor == bearer || (graph.arc(above).role == "ARG2" &&
+                                                (names_bearer(governor, "ARG1") || names_bearer(governor, "ARG0"))));
+  const bool names_frame = names_bearer(quality, "ARG1") || names_bearer(quality, "ARG0");
+  const bool is_known = is_above || names_frame || names_bearer(quality, "domain");
+  if (governor == bearer) again_apply(graph, quality, bearer);
+  // What is said to bear it may not be what it is a quality of: "it was so deeply rooted that ...".
+  const int own = is_quantity ? -1 : graph.argument(quality, "ARG1");
+  const bool is_of_another = own >= 0 && own != quality_led && graph.other(own, quality) != bearer;
+  if (bearer_above && !quality_above && names_frame && !is_of_another && !is_quantity) {
+    // The bearer stands above and the quality leads back to it: a taller tree.
+    const int led = own >= 0 ? own : graph.argument(quality, "ARG0");
+    const std::string role = own >= 0 ? "ARG1" : "ARG0";
+    graph.replace(led, bearer, quality, role, true);
+    graph.remove(quality_led, Fate::relation);
+    graph.remove(bearer_led, Fate::relation);
+  } else if (quality_above || is_known) {
+    if (quality_above && !is_known && !is_of_another) {
       graph.replace(bearer_led, quality, bearer, is_quantity ? "quant" : "domain", is_quantity);
     } else {
       graph.remove(bearer_led, Fate::relation);
@@ -347,6 +555,7 @@ void degree_apply(Rewriter& graph, int at, bool is_quantity) {
     graph.remove(bearer_led, Fate::relation);
     graph.replace(quality_led, bearer, quality, is_quantity ? "quant" : "mod");
   } else if (!graph.word(bearer).sense.empty() && !is_quantity && graph.word(quality).sense.empty() &&
+             !is_judgement(graph.word(quality).name) && graph.mentions(bearer) == 1 &&
              (graph.child(bearer, "ARG0") >= 0 || graph.child(bearer, "ARG1") >= 0)) {
     // The bearer is an event: "he fell as gently as a tree falls".
     graph.remove(bearer_led, Fate::relation);
@@ -370,10 +579,8 @@ struct Modal {
 };
 
 constexpr Modal kModals[] = {
-    {"possible", "01", "ARG1", "@can"},
-    {"obligate", "01", "ARG2", "@must"},
-    {"obligate", "01", "ARG1", "@must"},
-    {"recommend", "01", "ARG1", "@should"},
+    {"possible", "01", "ARG1", "@can"},     {"obligate", "01", "ARG2", "@must"}, {"obligate", "01", "ARG1", "@must"},
+    {"recommend", "01", "ARG1", "@should"}, {"use", "03", "ARG1", "@used"},
 };
 
 // The governed clause takes the place of the frame and an attribute in its stead; negation and mood of the frame go with
@@ -408,6 +615,10 @@ void modality_apply(Rewriter& graph, int at, const Modal& modal) {
   graph.settle_concept(at, Fate::attribute);
   attribute_add(graph.word(clause), modal.attribute);
   // A negated possibility: "cannot". The two negations of "it is not possible not to" stay apart.
+  // Who is not obliged may do it all the same: "you need not go".
+  if (graph.is(at, "obligate", "01") && has_attribute(graph.word(at), "@neg") &&
+      std::erase(graph.word(clause).attributes, "@must"))
+    attribute_add(graph.word(clause), "@need");
   const bool both = has_attribute(graph.word(at), "@neg") && has_attribute(graph.word(clause), "@neg");
   if (both) return;
   for (const std::string& attribute : graph.word(at).attributes) {
@@ -468,15 +679,220 @@ static void frequency_apply(Rewriter& graph, int at) {
   const int led = graph.child(at, "frequency");
   if (led < 0) return;
   const std::string number = graph.word(graph.arc(led).to).name;
+  const bool is_several = number == "several" || number == "many" || number == "multiple" || number == "few";
+  if (is_several && graph.children(graph.arc(led).to).empty()) {
+    const int times = graph.add_concept("time");
+    graph.add(times, graph.arc(led).to, "quant");
+    graph.arc(led).to = times;
+    return attribute_add(graph.word(times), "@pl");
+  }
   if (number.empty() || number.find_first_not_of("0123456789") != number.npos) return;
   if (number == "1" || number == "2") {
     graph.word(graph.arc(led).to).name = number == "1" ? "once" : "twice";
     return;
   }
   const int times = graph.add_concept("time");
+  graph.move_children(graph.arc(led).to, times);
   graph.add(times, graph.arc(led).to, "quant");
   graph.arc(led).to = times;
+  attribute_add(graph.word(times), "@pl");
   attribute_add(graph.word(times), "@measure");
+}
+
+// "One of these": what something is taken from is several.
+static void plural_apply(Concept& whole) {
+  attribute_add(whole, "@pl");
+  if (whole.name == "this") whole.name = "these";
+  if (whole.name == "that") whole.name = "those";
+}
+
+// "At the top of the tree": a place that is a part of another is written as what the other has.
+static void part_place_apply(Rewriter& graph, int at) {
+  constexpr std::string_view kPlaces[] = {"middle", "center",  "top",   "bottom", "side", "edge",  "end",
+                                          "corner", "front",   "back",  "heart",  "rear", "begin", "beginning",
+                                          "inside", "outside", "north", "south",  "east", "west",  "interior"};
+  const int above = graph.parent(at);
+  const int led = graph.child(at, "part");
+  if (above < 0 || led < 0 || graph.arc(above).inverse || graph.mentions(at) > 1) return;
+  const int part = graph.arc(led).to;
+  const bool is_place = std::find(std::begin(kPlaces), std::end(kPlaces), graph.word(part).name) != std::end(kPlaces);
+  if (!is_place || !graph.children(part).empty() || graph.mentions(part) > 1) return;
+  graph.arc(above).to = part;
+  graph.replace(led, part, at, "part-of");
+}
+
+// How often, said as how many of it there are: "he asked so many times". Only of what is a clause.
+static void times_apply(Rewriter& graph, int at) {
+  const int led = graph.word(at).sense.empty() ? -1 : graph.child(at, "quant");
+  constexpr std::string_view kMany[] = {"many", "several", "multiple", "numerous"};
+  const bool is_many =
+      led >= 0 && std::find(std::begin(kMany), std::end(kMany), graph.word(graph.arc(led).to).name) != std::end(kMany);
+  if (!is_many || graph.child(at, "frequency") >= 0) return;
+  const int above = graph.parent(at);
+  const bool is_clause = above < 0 || graph.arc(above).inverse;
+  if (!is_clause || (graph.child(at, "ARG0") < 0 && above < 0)) return;
+  const int times = graph.add_concept("time");
+  graph.replace(led, times, graph.arc(led).to, "quant");
+  graph.add(at, times, "frequency");
+  attribute_add(graph.word(times), "@measure");
+  attribute_add(graph.word(times), "@pl");
+}
+
+// (d / depart-01 :condition-of (t / thing)): what it is a condition of stands in another sentence: "if you depart".
+static void outer_apply(Rewriter& graph, int at) {
+  const int led =
+      graph.is(at, "thing") && graph.children(at).empty() && graph.mentions(at) == 1 ? graph.parent(at) : -1;
+  if (led < 0 || !graph.arc(led).inverse) return;
+  const std::string& role = graph.arc(led).role;
+  if (role != "condition" && role != "cause" && role != "concession") return;
+  attribute_add(graph.word(graph.arc(led).from), "@as_" + role);
+  graph.settle_concept(at, Fate::attribute);
+  graph.remove(led, Fate::attribute);
+}
+
+// (h / here :location-of (s / shop)): "a shop is here".
+static void here_apply(Rewriter& graph, int at) {
+  const int led = graph.is(at, "here") || graph.is(at, "there") ? graph.child(at, "location", true) : -1;
+  if (led < 0 || graph.children(at).size() != 1 || !graph.word(graph.arc(led).to).sense.empty()) return;
+  const int being = graph.add_concept("be-located-at");
+  graph.word(being).sense = "91";
+  attribute_add(graph.word(being), "@v");
+  graph.redirect(at, being);
+  const int what = graph.arc(led).to;
+  graph.replace(led, being, what, "ARG1");
+  graph.add(being, at, "ARG2");
+}
+
+// Frames that are a word or a phrase of their own.
+static void phrase_apply(Rewriter& graph, int at) {
+  // (w / work-01 :temporal (u / use-03)): what used to be done.
+  const int once = graph.is(at, "use", "03") && graph.children(at).empty() ? graph.parent(at) : -1;
+  if (once >= 0 && (graph.arc(once).role == "time" || graph.arc(once).role == "temporal")) {
+    attribute_add(graph.word(graph.arc(once).from), "@used");
+    graph.settle_concept(at, Fate::attribute);
+    graph.remove(once, Fate::attribute);
+  }
+  // What is an example of something that is not told: for example.
+  const int shown = graph.is(at, "have-example", "91") && graph.child(at, "ARG2") < 0 ? graph.child(at, "ARG1") : -1;
+  if (shown >= 0 && graph.mentions(graph.arc(shown).to) == 1) {
+    graph.add(graph.arc(shown).to, graph.add_concept("for-example"), "mod");
+    graph.stand_in(at, shown, Fate::word);
+  }
+  // Who thanks, with nobody to be thanked, says thanks.
+  const int who = graph.is(at, "thank", "01") && graph.children(at).size() == 1 ? graph.child(at, "ARG0") : -1;
+  if (who >= 0 && graph.is(graph.arc(who).to, "i")) {
+    if (graph.mentions(graph.arc(who).to) == 1) graph.settle_concept(graph.arc(who).to, Fate::left_out);
+    graph.remove(who, Fate::left_out);
+    graph.word(at).name = "thanks";
+    graph.word(at).sense.clear();
+    graph.word(at).attributes.clear();
+  }
+  // Nobody opines; people think.
+  if (graph.is(at, "opine", "01")) graph.word(at).name = "think";
+  // What is one of several, without them: "for example".
+  const int above = graph.is(at, "exemplify", "01") && graph.children(at).empty() ? graph.parent(at) : -1;
+  if (above >= 0 && graph.arc(above).inverse && graph.arc(above).role == "ARG0") {
+    graph.word(at).name = "for-example";
+    graph.word(at).sense.clear();
+    graph.replace(above, graph.arc(above).from, at, "mod");
+  }
+  // Who has written a text, above it: "by Ada Hill".
+  if (const int author = graph.is(at, "byline", "91") ? graph.child(at, "ARG1") : -1; author >= 0) {
+    graph.word(at).name = "by";
+    graph.word(at).sense.clear();
+    std::erase(graph.word(at).attributes, "@v");
+    graph.arc(author).role = "op1";
+  }
+}
+
+// What something is not like stays a clause: "a garden that is not like mine".
+static bool is_unlike(Rewriter& graph, int at) {
+  const int like = graph.argument(at, "ARG1");
+  return graph.word(at).name == "resemble" && has_attribute(graph.word(at), "@neg") &&
+         (like < 0 || graph.arc(like).to == at || graph.word(graph.arc(like).to).sense.empty());
+}
+
+// Roles that lead from a number to what is counted, and to who feels something.
+static void role_apply(Rewriter& graph, Arc& one) {
+  // "A number of birds": the number is the head.
+  if (one.role == "quant" && one.inverse && graph.word(one.from).sense.empty()) {
+    one.role = "consist-of", one.inverse = false;
+    constexpr std::string_view kOfMany[] = {"number", "group", "series", "range", "variety", "couple", "set", "row"};
+    const bool is_many =
+        std::find(std::begin(kOfMany), std::end(kOfMany), graph.word(one.from).name) != std::end(kOfMany);
+    if (is_many && graph.word(one.to).sense.empty()) attribute_add(graph.word(one.to), "@pl");
+  }
+  // "It is a lot for me": who feels it is no subject where there is one.
+  if (one.role != "experiencer" || one.inverse) return;
+  const bool has_subject =
+      graph.child(one.from, "ARG0") >= 0 || graph.child(one.from, "ARG1") >= 0 || graph.child(one.from, "domain") >= 0;
+  if (has_subject) one.role = "beneficiary";
+}
+
+// "She lay down in the grass": a bare direction stands nearer to its verb than a place does.
+static void directions_apply(Rewriter& graph) {
+  constexpr std::string_view kBare[] = {"up",      "down",  "away",  "back",  "out",  "off",  "around",
+                                        "forward", "home",  "along", "by",    "past", "over", "across",
+                                        "through", "aside", "ahead", "apart", "in",   "on",   "about"};
+  for (Arc& one : graph.meaning().arcs) {
+    if (one.role != "direction" || one.gone || one.inverse) continue;
+    const std::string word = graph.word(one.to).name;
+    const bool is_in_verb = graph.word(one.from).name.ends_with('-' + word);
+    if (is_in_verb) graph.move_children(one.to, one.from);
+    const bool is_direction = graph.children(one.to).empty();
+    if (!is_direction || std::find(std::begin(kBare), std::end(kBare), word) == std::end(kBare)) continue;
+    one.role = "particle";
+    // The verb may have the word in its name: sit-down-02.
+    if (is_in_verb) {
+      graph.settle_concept(one.to, Fate::word);
+      one.gone = true;
+      settle(graph.meaning(), one.triple, Fate::word, "reified");
+    }
+  }
+}
+
+// What is taken out of a whole, and the whole.
+static void sets_apply(Rewriter& graph) {
+  for (int at = 0; at < graph.count(); ++at) {
+    // "Some of us": how many are taken out of a whole stands for those that are taken.
+    const int whole = graph.child(at, "superset");
+    if (whole < 0) continue;
+    // "One of my stars".
+    const int owner = graph.child(at, "poss");
+    if (owner >= 0 && graph.word(graph.arc(whole).to).name == graph.word(at).name)
+      graph.arc(owner).from = graph.arc(whole).to;
+    if (graph.is(at, "someone") || graph.is(at, "something")) {
+      graph.word(at).name = "some";
+      attribute_add(graph.word(at), "@pl");
+    }
+    if (const int led = graph.child(at, "ARG3"); led >= 0) graph.arc(led).role = "quant";
+    const int quantity = graph.child(at, "quant");
+    if (quantity >= 0 && (graph.is(at, "thing") || graph.is(at, "person"))) graph.stand_in(at, quantity, Fate::word);
+  }
+  // "It is among the new books": what something is among is several.
+  for (int at = 0; at < graph.count(); ++at) {
+    const int led = graph.is(at, "include", "91") ? graph.child(at, "ARG2") : -1;
+    if (led < 0) continue;
+    Concept& whole = graph.word(graph.arc(led).to);
+    if (!has_attribute(whole, "@name")) plural_apply(whole);
+  }
+  // "One of these things": what others are taken from is several.
+  for (const Arc& one : graph.meaning().arcs) {
+    const bool is_whole = one.role == "superset" && !one.inverse && !one.gone;
+    const Concept& whole = graph.word(one.to);
+    const bool is_noun = whole.sense.empty() && !whole.variable.empty() && !has_attribute(whole, "@name");
+    if (!is_whole || !is_noun) continue;
+    plural_apply(graph.word(one.to));
+    // "One of the stars" names the stars once.
+    const int number = graph.child(one.from, "quant");
+    const bool is_one = number < 0 ? !has_attribute(graph.word(one.from), "@pl") : graph.is(graph.arc(number).to, "1");
+    if (!is_one || graph.word(one.from).name != whole.name) continue;
+    attribute_add(graph.word(one.to), "@def");
+    graph.word(one.from).name = "one";
+    if (number < 0) continue;
+    graph.settle_concept(graph.arc(number).to, Fate::word);
+    graph.remove(number, Fate::word);
+  }
 }
 
 // (c / cause-01 :ARG0 (r / rain-01) :ARG1 (s / stay-01)) becomes (s / stay-01 :cause (r / rain-01)). Nouns that a frame
@@ -487,69 +903,30 @@ void step_reified(Meaning& meaning) {
     if (graph.is(at, "have", "03")) having_apply(graph, at);
     if (graph.is(at, "cause", "01")) cause_noun_apply(graph, at);
     if (graph.is(at, "resemble", "01")) likeness_apply(graph, at);
-    // Nobody opines; people think.
-    if (graph.is(at, "opine", "01")) graph.word(at).name = "think";
-    // What is one of several, without them: "for example".
-    const int above = graph.is(at, "exemplify", "01") && graph.children(at).empty() ? graph.parent(at) : -1;
-    if (above >= 0 && graph.arc(above).inverse && graph.arc(above).role == "ARG0") {
-      graph.word(at).name = "for-example";
-      graph.word(at).sense.clear();
-      graph.replace(above, graph.arc(above).from, at, "mod");
-    }
+    phrase_apply(graph, at);
   }
   for (int at = 0; at < graph.count(); ++at) {
-    // What something is not like stays a clause: "a garden that is not like mine".
-    const bool is_unlike = graph.word(at).name == "resemble" && has_attribute(graph.word(at), "@neg");
-    const Reified* one = is_unlike ? nullptr : reified_of(graph, at);
+    const Reified* one = is_unlike(graph, at) ? nullptr : reified_of(graph, at);
     if (one != nullptr) reified_apply(graph, at, *one);
   }
-  for (int at = 0, end = graph.count(); at < end; ++at) frequency_apply(graph, at);
-  // "She lay down in the grass": a bare direction stands nearer to its verb than a place does.
-  constexpr std::string_view kBare[] = {"up",  "down",   "away",    "back", "out",
-                                        "off", "around", "forward", "home", "along"};
+  for (int at = 0, end = graph.count(); at < end; ++at) {
+    frequency_apply(graph, at);
+    times_apply(graph, at);
+    part_place_apply(graph, at);
+    outer_apply(graph, at);
+    here_apply(graph, at);
+  }
   for (Arc& one : meaning.arcs) {
-    const bool is_direction = one.role == "direction" && !one.gone && !one.inverse && graph.children(one.to).empty();
-    const std::string& word = graph.word(one.to).name;
-    if (!is_direction || std::find(std::begin(kBare), std::end(kBare), word) == std::end(kBare)) continue;
-    one.role = "particle";
-    // The verb may have the word in its name: sit-down-02.
-    if (graph.word(one.from).name.ends_with('-' + word)) {
-      graph.settle_concept(one.to, Fate::word);
-      one.gone = true;
-      settle(meaning, one.triple, Fate::word, "reified");
-    }
+    if (!one.gone) role_apply(graph, one);
   }
-  for (int at = 0; at < graph.count(); ++at) {
-    // "Some of us": how many are taken out of a whole stands for those that are taken.
-    const int whole = graph.child(at, "superset");
-    if (whole < 0) continue;
-    if (const int led = graph.child(at, "ARG3"); led >= 0) graph.arc(led).role = "quant";
-    const int quantity = graph.child(at, "quant");
-    if (quantity >= 0 && (graph.is(at, "thing") || graph.is(at, "person"))) graph.stand_in(at, quantity, Fate::word);
+  // (w / wife :part (e / ear)), where the ear is spoken of elsewhere: her ear.
+  for (int led = 0; led < static_cast<int>(meaning.arcs.size()); ++led) {
+    const Arc one = graph.arc(led);
+    if (one.gone || one.inverse || one.role != "part" || graph.mentions(one.to) < 2) continue;
+    graph.replace(led, one.to, one.from, "poss");
   }
-  // "It is among the new books": what something is among is several.
-  for (int at = 0; at < graph.count(); ++at) {
-    const int led = graph.is(at, "include", "91") ? graph.child(at, "ARG2") : -1;
-    if (led < 0) continue;
-    Concept& whole = graph.word(graph.arc(led).to);
-    if (whole.sense.empty() && !has_attribute(whole, "@name")) attribute_add(whole, "@pl");
-  }
-  // "One of these things": what others are taken from is several.
-  for (const Arc& one : meaning.arcs) {
-    const bool is_whole = one.role == "superset" && !one.inverse && !one.gone;
-    const Concept& whole = graph.word(one.to);
-    const bool is_noun = whole.sense.empty() && !whole.variable.empty() && !has_attribute(whole, "@name");
-    if (!is_whole || !is_noun) continue;
-    attribute_add(graph.word(one.to), "@pl");
-    // "One of the stars" names the stars once.
-    const int number = graph.child(one.from, "quant");
-    const bool is_one = number >= 0 && graph.is(graph.arc(number).to, "1");
-    if (!is_one || graph.word(one.from).name != whole.name) continue;
-    attribute_add(graph.word(one.to), "@def");
-    graph.word(one.from).name = "one";
-    graph.settle_concept(graph.arc(number).to, Fate::word);
-    graph.remove(number, Fate::word);
-  }
+  directions_apply(graph);
+  sets_apply(graph);
 }
 
 // (p / person :ARG0-of (h / have-org-role-91 :ARG1 c :ARG2 (m / mayor))): the mayor of c. A person with a name keeps it:
@@ -562,7 +939,20 @@ void step_office(Meaning& meaning) {
     const bool is_place = one.role == "location" && one.inverse && !one.gone && graph.is(one.from, "location");
     if (is_place && graph.word(one.to).sense.empty()) one.role = "part-of", one.inverse = false;
     const bool is_of = one.role == "part-of" && !one.inverse && !one.gone;
-    if (is_of && is_speaking(graph.word(one.to).name)) one.role = "poss";
+    // Where somebody is from is his: "your village".
+    const bool is_home = one.role == "source" && one.inverse && !one.gone && graph.word(one.from).sense.empty();
+    if (is_home && is_personal_pronoun(graph.word(one.to).name)) one.role = "poss", one.inverse = false;
+    if (is_of && is_personal_pronoun(graph.word(one.to).name)) one.role = "poss";
+  }
+  // A noun of several words beside a name: "Aurora, the old fishing boat".
+  for (int at = 0; at < graph.count(); ++at) {
+    const int led = has_attribute(graph.word(at), "@name") ? graph.child(at, "mod") : -1;
+    const int noun = led < 0 ? -1 : graph.arc(led).to;
+    if (noun < 0 || graph.children(noun).empty() || graph.mentions(noun) > 1) continue;
+    const Concept& word = graph.word(noun);
+    const bool is_noun = word.sense.empty() && !word.variable.empty() && !has_attribute(word, "@name") &&
+                         graph.child(noun, "degree") < 0 && graph.child(noun, "mod") >= 0;
+    if (is_noun) stand_behind(graph, led, at, noun);
   }
   for (int at = 0; at < graph.count(); ++at) {
     for (const Office& office : kOffices) {
@@ -574,12 +964,27 @@ void step_office(Meaning& meaning) {
   }
 }
 
+// "Such a secret place": such belongs to the noun, though it says how secret it is.
+static void such_apply(Rewriter& graph, int at) {
+  const int led = graph.child(at, "degree");
+  const int above = led >= 0 && graph.is(graph.arc(led).to, "such") ? graph.parent(at) : -1;
+  if (above < 0 || graph.arc(above).inverse || graph.arc(above).role != "mod") return;
+  graph.replace(led, graph.arc(above).from, graph.arc(led).to, "mod");
+}
+
 // (h / have-degree-91 :ARG1 x :ARG2 (t / tall) :ARG3 (m / more) :ARG4 y): tall with @more, its bearer x, compared to y.
 void step_degree(Meaning& meaning) {
   Rewriter graph(meaning, "degree");
   for (int at = 0; at < graph.count(); ++at) {
+    // "Such a small town": the degree of a quality stands in front of the noun.
+    const int degree = graph.child(at, "degree");
+    const int above = degree >= 0 && graph.is(graph.arc(degree).to, "such") ? graph.parent(at) : -1;
+    const bool is_inside =
+        above >= 0 && (graph.arc(above).inverse ? graph.arc(above).role == "ARG1" : graph.arc(above).role == "mod");
+    if (is_inside) graph.replace(degree, graph.arc(above).from, graph.arc(degree).to, "mod");
     if (graph.is(at, "have-degree", "91") || graph.is(at, "have-degree", "92")) degree_apply(graph, at, false);
     if (graph.is(at, "have-quant", "91")) degree_apply(graph, at, true);
+    such_apply(graph, at);
   }
 }
 
@@ -587,11 +992,27 @@ void step_degree(Meaning& meaning) {
 static void value_apply(Rewriter& graph, int at) {
   const int about = graph.argument(at, "ARG1");
   const int value = graph.child(at, "ARG2");
-  if (about < 0 || value < 0) return;
-  const int word = graph.other(about, at);
+  if (value < 0) return;
   const std::string text = graph.word(graph.arc(value).to).name;
-  if (text == "-" || text.ends_with("-negative")) attribute_add(graph.word(word), "@neg");
-  if (text == "neutral-affirmative" || text == "partial-affirmative") attribute_add(graph.word(word), "@may");
+  if (about < 0) {
+    // An answer without what it answers.
+    if (!graph.is(at, "have-polarity", "91") || (text != "-" && text != "+")) return;
+    graph.word(at).name = text == "-" ? "no" : "yes";
+    graph.word(at).sense.clear();
+    graph.word(at).attributes.clear();
+    graph.settle_concept(graph.arc(value).to, Fate::word);
+    return graph.remove(value, Fate::word);
+  }
+  const int word = graph.other(about, at);
+  const bool is_negative = text == "-" || text.ends_with("-negative");
+  const bool is_open = text == "neutral-affirmative" || text == "partial-affirmative";
+  const bool is_asked = text == "amr-unknown" || text == "umr-unknown";
+  // Any other value would be lost with the frame.
+  if (!is_negative && !is_open && !is_asked && text != "+" && text != "full-affirmative") return;
+  if (is_negative) attribute_add(graph.word(word), "@neg");
+  if (is_open) attribute_add(graph.word(word), "@may");
+  if (is_asked) attribute_add(graph.word(word), "@int");
+  graph.settle_concept(graph.arc(value).to, Fate::attribute);
   const bool is_above = graph.arc(about).from == at;
   graph.settle_concept(at, Fate::attribute);
   graph.remove(about, Fate::attribute);

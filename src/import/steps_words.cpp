@@ -38,16 +38,25 @@ std::vector<int> operands(Rewriter& graph, int at) {
   for (const int led : graph.children(at)) {
     const std::string& role = graph.arc(led).role;
     const bool is_operand = !graph.arc(led).inverse && role.starts_with("op") && role.size() > 2 && role.size() < 6 &&
-                            is_number(role.substr(2));
+                            role.find_first_not_of("0123456789", 2) == role.npos;
     if (is_operand) sorted.emplace(std::stoi(role.substr(2)), led);
   }
   std::vector<int> found;
+  found.reserve(sorted.size());
   for (const auto& [number, led] : sorted) found.push_back(led);
   return found;
 }
 
 // True for a name whose head is a common noun, or that is a plural: "the Central Court", "the Hill Islands".
-bool takes_article(const std::string& name) {
+bool takes_article(const std::string& type, const std::string& name) {
+  constexpr std::array<std::string_view, 15> kAlways{"U.S.", "US",  "USA",         "U.S.A.",      "UK",
+                                                     "U.K.", "UN",  "U.N.",        "EU",          "E.U.",
+                                                     "FBI",  "CIA", "Netherlands", "Philippines", "Middle East"};
+  // Waters, deserts and ships: the Nile.
+  constexpr std::array<std::string_view, 6> kTypes{"river", "ocean", "sea", "canal", "desert", "ship"};
+  if (std::find(kAlways.begin(), kAlways.end(), name) != kAlways.end() ||
+      std::find(kTypes.begin(), kTypes.end(), type) != kTypes.end())
+    return true;
   constexpr std::array<std::string_view, 30> kHeads{
       "States",     "Nations", "Islands", "Emirates", "Kingdom",    "Republic", "Union",     "Federation",
       "Ministry",   "Church",  "Senate",  "Court",    "Commission", "Council",  "Committee", "Association",
@@ -60,6 +69,27 @@ bool takes_article(const std::string& name) {
   return is_compound && std::find(kHeads.begin(), kHeads.end(), last) != kHeads.end();
 }
 
+// True for a thing whose type has a noun in front of it: "the fishing boat Aurora". People and places go by their names.
+bool keeps_type(Rewriter& graph, int at) {
+  constexpr std::array<std::string_view, 10> kNames{"person", "country",   "city",  "state",    "province",
+                                                    "county", "continent", "river", "language", "family"};
+  constexpr std::array<std::string_view, 16> kNoNoun{"this", "that",    "these", "all",  "other", "such",
+                                                     "same", "only",    "even",  "just", "also",  "both",
+                                                     "own",  "another", "too",   "new"};
+  const Concept& type = graph.word(at);
+  const bool is_known = std::find(kNames.begin(), kNames.end(), type.name) != kNames.end();
+  if (is_known || !type.sense.empty() || type.name.find('-') != type.name.npos) return false;
+  for (const int led : graph.children(at)) {
+    const Concept& word = graph.word(graph.arc(led).to);
+    const bool is_noun = graph.arc(led).role == "mod" && !graph.arc(led).inverse && word.sense.empty() &&
+                         !word.variable.empty() && graph.child(graph.arc(led).to, "name") < 0 &&
+                         graph.children(graph.arc(led).to).empty() && !has_attribute(word, "@name") &&
+                         std::find(kNoNoun.begin(), kNoNoun.end(), word.name) == kNoNoun.end();
+    if (is_noun) return true;
+  }
+  return false;
+}
+
 // The first mention of a type that names all its kind is no word of the sentence: "the country France".
 void name_apply(Rewriter& graph, int at, int led) {
   const int name = graph.arc(led).to;
@@ -70,13 +100,19 @@ void name_apply(Rewriter& graph, int at, int led) {
     graph.remove(operand, Fate::word);
   }
   if (text.empty()) return;
+  if (keeps_type(graph, at)) {
+    graph.word(name).name = text;
+    if (graph.child(at, "poss") < 0) attribute_add(graph.word(at), "@def");
+    return attribute_add(graph.word(name), "@name");
+  }
   graph.remove(led, Fate::word);
   graph.settle_concept(name, Fate::word);
   graph.settle_concept(at, Fate::attribute);
   Concept& named = graph.word(at);
   attribute_add(named, "@name");
-  attribute_add(named, "@" + named.name);
-  if (takes_article(text)) attribute_add(named, "@the");
+  const std::string type = named.name;
+  attribute_add(named, "@" + type);
+  if (takes_article(type, text)) attribute_add(named, "@the");
   if (text.ends_with('s')) attribute_add(named, "@ends");
   named.name = text;
   named.sense.clear();
@@ -100,6 +136,19 @@ void step_names(Meaning& meaning) {
   for (int at = 0; at < graph.count(); ++at) {
     const int led = graph.child(at, "name");
     if (led >= 0 && graph.is(graph.arc(led).to, "name")) name_apply(graph, at, led);
+  }
+  // "They called him Tom": a name that is spoken of itself.
+  for (int at = 0; at < graph.count(); ++at) {
+    const std::vector<int> words = graph.is(at, "name") ? operands(graph, at) : std::vector<int>{};
+    if (words.empty() || words.size() != graph.children(at).size()) continue;
+    std::string text;
+    for (const int operand : words) {
+      if (!text.empty()) text += ' ';
+      text += graph.word(graph.arc(operand).to).name;
+      graph.remove(operand, Fate::word);
+    }
+    graph.word(at).name = text;
+    attribute_add(graph.word(at), "@name");
   }
 }
 
@@ -135,6 +184,8 @@ static void rate_apply(Rewriter& graph, int at) {
   if (const int per = graph.child(at, "ARG2"), what = graph.child(at, "ARG1"); per >= 0 && what >= 0) {
     // "Two per year".
     graph.arc(per).role = "rate";
+    const int one = graph.child(graph.arc(per).to, "quant");
+    if (one >= 0 && graph.is(graph.arc(one).to, "1")) graph.remove(one, Fate::attribute);
     return graph.stand_in(at, what);
   }
   if (led < 0 || graph.child(at, "ARG1") >= 0 || graph.child(at, "ARG2") >= 0) return;
@@ -151,89 +202,262 @@ static void position_apply(Rewriter& graph, int at) {
   const int point = graph.child(at, "op1");
   const int distance = graph.child(at, "quant");
   const int led = distance >= 0 ? distance : graph.child(at, "direction");
-  if (point < 0 || led < 0) return;
-  graph.arc(point).role = distance >= 0 ? "source" : "part-of";
+  if (led < 0) return;
+  if (point >= 0) graph.arc(point).role = distance >= 0 ? "source" : "part-of";
   graph.stand_in(at, led, Fate::word);
+}
+
+// (m / multiple :op1 1000): thousands of. (m / more-than :op1 (f / few)): more than a few.
+static void multiple_apply(Rewriter& graph, int at) {
+  constexpr std::pair<const char*, const char*> kPowers[] = {
+      {"12", "dozens"},          {"100", "hundreds"},
+      {"1000", "thousands"},     {"10000", "tens-of-thousands"},
+      {"1000000", "millions"},   {"100000", "hundreds-of-thousands"},
+      {"1000000000", "billions"}};
+  const int led = graph.child(at, "op1");
+  if (led < 0) return;
+  // The number may stand inside of a quantity: multiple years is years by the million.
+  const int inner = graph.is(at, "multiple") ? graph.child(graph.arc(led).to, "quant") : -1;
+  const int number = graph.arc(inner >= 0 ? inner : led).to;
+  if (graph.is(number, "few")) graph.word(number).name = "a-few";
+  if (!graph.is(at, "multiple")) return;
+  for (const auto& [digits, word] : kPowers) {
+    if (!graph.is(number, digits)) continue;
+    if (inner >= 0) {
+      graph.word(number).name = word;
+      attribute_add(graph.word(graph.arc(led).to), "@pl");
+      return graph.stand_in(at, led, Fate::word);
+    }
+    graph.word(at).name = word;
+    graph.settle_concept(number, Fate::word);
+    return graph.remove(led, Fate::word);
+  }
+}
+
+// "A few steps"; what a word picks out has few alone: "these few steps", "very few steps".
+static void few_apply(Rewriter& graph, int at) {
+  const int led = graph.is(at, "few") && graph.children(at).empty() ? graph.parent(at) : -1;
+  if (led < 0 || graph.arc(led).inverse || graph.arc(led).role != "quant") return;
+  const int noun = graph.arc(led).from;
+  if (graph.child(noun, "poss") >= 0 || graph.is(noun, "person")) return;
+  for (const int one : graph.children(noun)) {
+    const int mod = graph.arc(one).to;
+    if (graph.is(mod, "this") || graph.is(mod, "that") || graph.is(mod, "only")) return;
+  }
+  graph.word(at).name = "a-few";
+}
+
+// "I saw the others": alone and with nothing that counts it, what is other is several.
+static void others_apply(Rewriter& graph, int at) {
+  const int led = graph.is(at, "other") && graph.children(at).empty() ? graph.parent(at) : -1;
+  if (led < 0 || graph.arc(led).inverse) return;
+  const std::string& role = graph.arc(led).role;
+  if (role.starts_with("ARG") || role == "beneficiary" || role == "accompanier") attribute_add(graph.word(at), "@pl");
+}
+
+// Nouns of which there is a lot, and not lots of them; frames are no matter here.
+static bool is_uncounted(const std::string& name) {
+  constexpr std::array<std::string_view, 48> kMass{
+      "money",     "time",      "water",   "food",      "energy",  "attention", "information", "news",
+      "stuff",     "traffic",   "trouble", "noise",     "music",   "air",       "gas",         "oil",
+      "snow",      "rain",      "sand",    "wood",      "gold",    "power",     "sense",       "fun",
+      "room",      "space",     "land",    "evidence",  "crap",    "shit",      "luck",        "courage",
+      "knowledge", "furniture", "paper",   "coffee",    "wine",    "milk",      "sugar",       "blood",
+      "freedom",   "bullshit",  "weather", "equipment", "emotion", "wealth",    "progress",    "support"};
+  return std::find(kMass.begin(), kMass.end(), name) != kMass.end();
+}
+
+// "At this" is no time; "at this time" is.
+static void pointing_time_apply(Rewriter& graph) {
+  for (std::size_t i = 0, end = graph.meaning().arcs.size(); i < end; ++i) {
+    const int led = static_cast<int>(i);
+    const bool is_time = graph.arc(led).role == "time" || graph.arc(led).role == "temporal";
+    const int what = graph.arc(led).to;
+    const bool is_bare = (graph.is(what, "this") || graph.is(what, "that")) && graph.children(what).empty();
+    if (!is_time || !is_bare || graph.arc(led).inverse || graph.arc(led).gone || graph.mentions(what) > 1) continue;
+    const int time = graph.add_concept("time");
+    graph.add(time, what, "mod");
+    graph.arc(led).to = time;
+  }
+}
+
+// A quantity becomes its unit; without one it is the thing that is measured.
+static void unit_apply(Rewriter& graph, int at) {
+  const bool is_quantity = graph.word(at).name.ends_with("-quantity") && graph.word(at).sense.empty();
+  if (const int unit = is_quantity ? graph.child(at, "unit") : -1; unit >= 0) {
+    attribute_add(graph.word(graph.arc(unit).to), "@measure");
+    graph.stand_in(at, unit, Fate::word);
+  }
+  if (graph.child(at, "unit") < 0) {
+    // Without a unit it is the thing that is measured.
+    if (graph.is(at, "monetary-quantity")) graph.word(at).name = "money";
+    if (graph.is(at, "temporal-quantity")) graph.word(at).name = "time";
+    if (graph.is(at, "distance-quantity")) graph.word(at).name = "distance";
+  }
+}
+
+// What has nothing but a value is that value; percent is a word, and its value a number of it.
+static void value_apply(Rewriter& graph, int at) {
+  const bool has_value = graph.is(at, "ordinal-entity") || graph.is(at, "percentage-entity") ||
+                         graph.is(at, "url-entity") || graph.is(at, "string-entity") ||
+                         graph.is(at, "email-address-entity") || graph.is(at, "phone-number-entity") ||
+                         graph.is(at, "score-entity") || graph.is(at, "hyperlink", "91");
+  if (const int value = has_value ? graph.child(at, "value") : -1; value >= 0) {
+    const int head = graph.arc(value).to;
+    const bool is_ordinal = graph.is(at, "ordinal-entity");
+    // "Percent" is a word, and its value a number of it; the others are their value.
+    if (graph.is(at, "percentage-entity")) {
+      graph.word(at).name = "percent";
+      attribute_add(graph.word(at), "@measure");
+      graph.replace(value, at, head, "quant");
+    } else {
+      if (is_ordinal) graph.word(head).sense = "ord", attribute_add(graph.word(head), "@ord");
+      graph.stand_in(at, value, Fate::word);
+    }
+  }
+}
+
+// Words beside a noun that determine it: each belongs to the noun, wherever the source writes it, and some go with a
+// plural. A number as :mod is a name: chapter 2.
+static void determiners_apply(Rewriter& graph) {
+  constexpr std::array<std::string_view, 8> kDetermining{"any", "some", "every", "no", "this", "that", "all", "these"};
+  constexpr std::array<std::string_view, 5> kSeveral{"all", "both", "most", "these", "those"};
+  for (Arc& one : graph.meaning().arcs) {
+    if (one.gone || one.inverse || one.role != "mod") continue;
+    // "Any other garden", "all these".
+    const std::string name = graph.word(one.to).name;
+    const bool is_determiner = std::find(kDetermining.begin(), kDetermining.end(), name) != kDetermining.end();
+    const bool is_pointing = graph.is(one.from, "this") || graph.is(one.from, "that");
+    const bool is_moved = (is_determiner && (graph.is(one.from, "other") || graph.is(one.from, "same"))) ||
+                          (is_pointing && graph.is(one.to, "all"));
+    const int above = is_moved ? graph.parent(one.from) : -1;
+    if (above >= 0 && graph.arc(above).role == "mod" && !graph.arc(above).inverse) one.from = graph.arc(above).from;
+    if (graph.word(one.to).variable.empty() && is_number(name)) one.role = "number";
+    const bool is_several = std::find(kSeveral.begin(), kSeveral.end(), name) != kSeveral.end();
+    const bool is_all_that = graph.is(one.from, "that") || graph.is(one.from, "this");
+    if (is_several && !is_all_that && graph.word(one.from).sense.empty()) attribute_add(graph.word(one.from), "@pl");
+  }
+}
+
+// Numbers other than one go with a plural, and words that say how many.
+static void counted_apply(Rewriter& graph) {
+  constexpr std::array<std::string_view, 11> kMany{"many", "few",  "several", "multiple",    "various",    "numerous",
+                                                   "all",  "both", "most",    "amr-unknown", "umr-unknown"};
+  for (const Arc& one : graph.meaning().arcs) {
+    if (one.gone || one.inverse || one.role != "quant") continue;
+    // "Only four": the number stands below the word that restricts it.
+    const int inner = graph.child(one.to, "op1");
+    const Concept& number = graph.word(inner >= 0 ? graph.arc(inner).to : one.to);
+    const bool is_plain = number.sense.empty() && is_number(number.name);
+    const bool is_lot =
+        number.name == "lot" && graph.word(one.from).sense.empty() && !is_uncounted(graph.word(one.from).name);
+    const bool is_many = is_lot || std::find(kMany.begin(), kMany.end(), number.name) != kMany.end();
+    if (is_plain || is_many) attribute_add(graph.word(one.from), number.name == "1" ? "@sg" : "@pl");
+  }
 }
 
 // (t / temporal-quantity :quant 3 :unit (y / year)) becomes year.@measure with the quantity below it. Number is settled
 // here, too: three years, all years, but one year. Loops follow one another as each looks at what the one before has made.
 void step_quantities(Meaning& meaning) {
   Rewriter graph(meaning, "quantities");
+  pointing_time_apply(graph);
   for (int at = 0, end = graph.count(); at < end; ++at) {
-    const bool is_quantity = graph.word(at).name.ends_with("-quantity") && graph.word(at).sense.empty();
-    if (const int unit = is_quantity ? graph.child(at, "unit") : -1; unit >= 0) {
-      attribute_add(graph.word(graph.arc(unit).to), "@measure");
-      graph.stand_in(at, unit, Fate::word);
-    }
-    if (graph.child(at, "unit") < 0) {
-      // Without a unit it is the thing that is measured.
-      if (graph.is(at, "monetary-quantity")) graph.word(at).name = "money";
-      if (graph.is(at, "temporal-quantity")) graph.word(at).name = "time";
-      if (graph.is(at, "distance-quantity")) graph.word(at).name = "distance";
-    }
-    const bool has_value = graph.is(at, "ordinal-entity") || graph.is(at, "percentage-entity") ||
-                           graph.is(at, "url-entity") || graph.is(at, "string-entity") ||
-                           graph.is(at, "email-address-entity") || graph.is(at, "phone-number-entity") ||
-                           graph.is(at, "score-entity") || graph.is(at, "hyperlink", "91");
-    if (const int value = has_value ? graph.child(at, "value") : -1; value >= 0) {
-      const int head = graph.arc(value).to;
-      const bool is_ordinal = graph.is(at, "ordinal-entity");
-      // "Percent" is a word, and its value a number of it; the others are their value.
-      if (graph.is(at, "percentage-entity")) {
-        graph.word(at).name = "percent";
-        attribute_add(graph.word(at), "@measure");
-        graph.replace(value, at, head, "quant");
-      } else {
-        if (is_ordinal) graph.word(head).sense = "ord", attribute_add(graph.word(head), "@ord");
-        graph.stand_in(at, value, Fate::word);
-      }
-    }
+    unit_apply(graph, at);
+    value_apply(graph, at);
   }
   // Behind the loop above, which has made a unit of each quantity.
   for (int at = 0, end = graph.count(); at < end; ++at) {
     if (graph.is(at, "rate-entity", "91")) rate_apply(graph, at);
     if (graph.is(at, "relative-position")) position_apply(graph, at);
   }
-  // "Any other garden": what determines the noun may stand below another word of it.
-  constexpr std::array<std::string_view, 8> kDetermining{"any", "some", "every", "no", "this", "that", "all", "these"};
-  for (Arc& one : meaning.arcs) {
-    const int above = one.gone || one.inverse || one.role != "mod" ? -1 : graph.parent(one.from);
-    if (above < 0 || graph.arc(above).role != "mod" || graph.arc(above).inverse) continue;
-    const std::string& word = graph.word(one.to).name;
-    const bool is_determiner = std::find(kDetermining.begin(), kDetermining.end(), word) != kDetermining.end();
-    if (is_determiner && (graph.is(one.from, "other") || graph.is(one.from, "same"))) one.from = graph.arc(above).from;
-  }
-  // A number as :mod is a name, "chapter 2"; words that speak of several go with a plural.
-  constexpr std::array<std::string_view, 5> kSeveral{"all", "both", "most", "these", "those"};
-  for (Arc& one : meaning.arcs) {
-    if (one.gone || one.inverse || one.role != "mod") continue;
-    // "All these": all belongs to the noun, wherever the source writes it.
-    const bool is_pointing = graph.is(one.from, "this") || graph.is(one.from, "that");
-    const int above = is_pointing && graph.is(one.to, "all") ? graph.parent(one.from) : -1;
-    if (above >= 0 && graph.arc(above).role == "mod" && !graph.arc(above).inverse) one.from = graph.arc(above).from;
-    const Concept& word = graph.word(one.to);
-    if (word.variable.empty() && is_number(word.name)) one.role = "number";
-    const bool is_several = std::find(kSeveral.begin(), kSeveral.end(), word.name) != kSeveral.end();
-    if (is_several && graph.word(one.from).sense.empty()) attribute_add(graph.word(one.from), "@pl");
-  }
-  // Numbers other than one go with a plural, and words that say how many.
-  constexpr std::array<std::string_view, 11> kMany{"many", "few",  "several", "multiple",    "various",    "numerous",
-                                                   "all",  "both", "most",    "amr-unknown", "umr-unknown"};
-  for (const Arc& one : meaning.arcs) {
-    if (one.gone || one.inverse || one.role != "quant") continue;
-    // "Only four": the number stands below the word that restricts it.
-    const int inner = graph.child(one.to, "op1");
-    const Concept& number = graph.word(inner >= 0 ? graph.arc(inner).to : one.to);
-    const bool is_plain = number.sense.empty() && is_number(number.name);
-    const bool is_many = std::find(kMany.begin(), kMany.end(), number.name) != kMany.end();
-    if (is_plain || is_many) attribute_add(graph.word(one.from), number.name == "1" ? "@sg" : "@pl");
+  determiners_apply(graph);
+  counted_apply(graph);
+  for (int at = 0; at < graph.count(); ++at) {
+    multiple_apply(graph, at);
+    few_apply(graph, at);
+    others_apply(graph, at);
   }
   for (int at = 0; at < graph.count(); ++at) {
     const int led = graph.parent(at);
     if (led >= 0 && graph.arc(led).role == "quant" && is_number(graph.word(at).name)) {
       graph.word(at).name = number_text(graph.word(at).name);
     }
+  }
+}
+
+// True for somebody who is called by an office or by what he is to others.
+static bool has_role(Rewriter& graph, int at) {
+  for (const int led : graph.children(at)) {
+    const std::string& frame = graph.word(graph.arc(led).to).name;
+    if (frame.starts_with("have-") && frame.ends_with("-role")) return true;
+  }
+  return false;
+}
+
+// Words that mean something else together than one by one.
+static void idiom_apply(Rewriter& graph, int at) {
+  for (const int led : graph.children(at)) {
+    const int word = graph.arc(led).to;
+    if (graph.arc(led).inverse || !graph.children(word).empty()) continue;
+    const std::string& role = graph.arc(led).role;
+    // (i / institution :mod (o / only :polarity -)): not only the institution.
+    if (role == "mod" && graph.mentions(word) == 1 && graph.is(word, "only") &&
+        has_attribute(graph.word(word), "@neg")) {
+      graph.word(word).name = "not-only";
+      std::erase(graph.word(word).attributes, "@neg");
+    }
+    // Whoever is fed are the poor, not poorly.
+    constexpr std::array<std::string_view, 14> kPeople{"poor",       "rich",     "young",   "old",  "homeless",
+                                                       "unemployed", "elderly",  "sick",    "dead", "blind",
+                                                       "deaf",       "disabled", "wealthy", "needy"};
+    const bool is_people = std::find(kPeople.begin(), kPeople.end(), graph.word(word).name) != kPeople.end();
+    if (is_people && role.starts_with("ARG") && graph.word(word).sense.empty())
+      attribute_add(graph.word(word), "@people");
+  }
+  // (t / thing :example-of (t2 / thing) :mod (s / such)): such an example.
+  const int of = graph.is(at, "thing") ? graph.child(at, "example", true) : -1;
+  if (of >= 0 && graph.is(graph.arc(of).to, "thing") && graph.children(graph.arc(of).to).empty() &&
+      graph.mentions(graph.arc(of).to) == 1) {
+    graph.settle_concept(graph.arc(of).to, Fate::word);
+    graph.remove(of, Fate::word);
+    graph.word(at).name = "example";
+  }
+  // (t / that :ARG0-of (w / watch-01)): those that watched.
+  if (graph.is(at, "that") && graph.child(at, "ARG0", true) >= 0) attribute_add(graph.word(at), "@pl");
+  // (t / time :mod (a / all)): all the time.
+  const int above = graph.is(at, "time") && graph.children(at).size() == 1 ? graph.parent(at) : -1;
+  const int all = above < 0 ? -1 : graph.child(at, "mod");
+  if (all < 0 || graph.arc(above).inverse || !graph.is(graph.arc(all).to, "all")) return;
+  const std::string& role = graph.arc(above).role;
+  if (role != "frequency" && role != "duration" && role != "time" && role != "temporal") return;
+  graph.word(at).name = "all-the-time";
+  graph.word(at).attributes.clear();
+  graph.settle_concept(graph.arc(all).to, Fate::word);
+  graph.remove(all, Fate::word);
+}
+
+// (w / woman :mod (r / rest)): the rest of the women.
+static void rest_apply(Rewriter& graph, int at) {
+  const int led = graph.child(at, "mod");
+  if (led < 0 || !graph.is(graph.arc(led).to, "rest") || graph.mentions(graph.arc(led).to) > 1) return;
+  const int rest = graph.arc(led).to;
+  graph.redirect(at, rest);
+  graph.replace(led, rest, at, "part-of");
+  attribute_add(graph.word(at), "@pl");
+  attribute_add(graph.word(at), "@def");
+}
+
+// Any word can stand in such a role, so the dictionary says it, as where a bank makes a concept of it (beneath :op1 mat).
+// Read from below the role stays: a table may have a label for it.
+void step_prepositions(Meaning& meaning) {
+  Rewriter graph(meaning, "prepositions");
+  constexpr std::string_view kBefore = "prep-";
+  for (int at = 0, end = static_cast<int>(meaning.arcs.size()); at < end; ++at) {
+    const Arc one = graph.arc(at);
+    if (one.gone || one.inverse || one.role.size() == kBefore.size() || !one.role.starts_with(kBefore)) continue;
+    const int preposition = graph.add_concept(one.role.substr(kBefore.size()));
+    graph.replace(at, one.from, preposition, "prep");
+    graph.add(preposition, one.to, "op1");
   }
 }
 
@@ -244,10 +468,14 @@ void step_pronouns(Meaning& meaning) {
   // "Some person" is someone.
   for (int at = 0; at < graph.count(); ++at) {
     const bool is_person = graph.is(at, "person") || graph.is(at, "individual-person");
-    if ((!is_person && !graph.is(at, "thing")) || has_attribute(graph.word(at), "@pl")) continue;
+    if (!is_person && !graph.is(at, "thing")) continue;
+    // "Some more questions": a frame below names the things.
+    const int named = is_person ? -1 : graph.child(at, "ARG1", true);
+    if (named >= 0 && graph.children(graph.arc(named).to).empty() && graph.children(at).size() > 2) continue;
     for (const int led : graph.children(at)) {
       constexpr std::array<std::string_view, 4> kWords{"some", "any", "every", "no"};
       const std::string word = graph.word(graph.arc(led).to).name;
+      if (has_attribute(graph.word(at), "@pl") && word != "every") continue;
       const bool is_any = std::find(kWords.begin(), kWords.end(), word) != kWords.end();
       if (graph.arc(led).role != "mod" || !is_any || !graph.children(graph.arc(led).to).empty()) continue;
       graph.settle_concept(graph.arc(led).to, Fate::word);
@@ -256,7 +484,9 @@ void step_pronouns(Meaning& meaning) {
       break;
     }
   }
-  for (int at = 0; at < graph.count(); ++at) {
+  for (int at = 0, end = graph.count(); at < end; ++at) {
+    rest_apply(graph, at);
+    idiom_apply(graph, at);
     Concept& word = graph.word(at);
     const int counted = word.name == "thing" && word.sense.empty() ? graph.child(at, "quant") : -1;
     if (counted >= 0 && !has_attribute(word, "@name")) {
@@ -266,6 +496,24 @@ void step_pronouns(Meaning& meaning) {
       const std::string& name = graph.word(quantity).name;
       const bool is_standing = std::find(kStanding.begin(), kStanding.end(), name) != kStanding.end();
       if (is_standing && graph.mentions(quantity) == 1) graph.stand_in(at, counted, Fate::word);
+      continue;
+    }
+    // Who speaks, and to whom, is never a person, whatever is said of him.
+    const bool is_speaking = word.sense.empty() && (word.name == "person" || word.name == "individual-person") &&
+                             (has_attribute(word, "@p1") || has_attribute(word, "@p2")) &&
+                             !has_attribute(word, "@name") && !has_role(graph, at);
+    if (is_speaking && !graph.children(at).empty()) {
+      word.name = has_attribute(word, "@p2") ? "you" : has_attribute(word, "@pl") ? "we" : "i";
+      continue;
+    }
+    // What a thing is about that nobody tells is not said.
+    const int about = word.name == "thing" && word.sense.empty() && word.attributes.empty() &&
+                              graph.children(at).empty() && graph.mentions(at) == 1
+                          ? graph.parent(at)
+                          : -1;
+    if (about >= 0 && graph.arc(about).role == "topic" && !graph.arc(about).inverse) {
+      graph.settle_concept(at, Fate::left_out);
+      graph.remove(about, Fate::left_out);
       continue;
     }
     // An event of which nothing is said was spoken of before.

@@ -91,6 +91,8 @@ const StepRow kSteps[] = {
     {"names", "names", "(p / person :name (n / name :op1 \"Ada\" :op2 \"King\"))", "Ada King.@entry.@name.@person"},
     {"dates", "dates", "(b / begin-01 :time (d / date-entity :year 2001 :month 7 :day 5))",
      "tim(begin(>01).@entry.@v, month(>7).@date.@month); yr(month(>7), 2001); day(month(>7), 5)"},
+    {"preposition", "prepositions", "(l / lie-07 :ARG1 (k / key) :prep-beneath (m / mat))",
+     "a1(lie(>07).@entry.@v, key); prp(lie(>07), beneath); o1(beneath, mat)"},
     {"only_four", "quantities", "(b / bird :quant (o / only :op1 4))", "qty(bird.@entry.@pl, only); o1(only, 4)"},
     {"quantity", "quantities", "(w / wait-01 :duration (t / temporal-quantity :quant 6 :unit (m / month)))",
      "dur(wait(>01).@entry.@v, month.@measure.@pl); qty(month, 6)"},
@@ -131,6 +133,12 @@ const StepRow kSteps[] = {
     {"per", "quantities", "(r / rate-entity-91 :ARG1 (e / egg) :ARG2 (c / child))", "rat(egg.@entry, child)"},
     {"passive_shared", "coordination", "(a / and :op1 (f / find-01 :ARG1 (b / box)) :op2 (o / open-01 :ARG1 b))",
      "a1(find(>01).@entry.@v, box); cnj(find(>01), open(>01).@v.@and.@shr1); shr(open(>01), box)"},
+    {"operand_without_number", "names", "(c / city :name (n / name :op.1 \"A\" :op2 \"B\"))", "B.@entry.@name.@city"},
+    {"unknown_polarity", "modality", "(g / go-02 :ARG1-of (h / have-polarity-91 :ARG2 half))",
+     "a1(have-polarity(>91).@v, go(>02).@entry.@v); a2(have-polarity(>91), half)"},
+    {"asked_by_frame", "modality", "(g / go-02 :ARG1-of (h / have-polarity-91 :ARG2 (a / amr-unknown)))", "go(>02).@entry.@v.@int"},
+    {"below_itself", "", "(b / boy :mod b :ARG1 (c / cat))", "a1(boy.@entry, cat)"},
+    {"quote_of_a_text", "speaker", "(g / go-02 :quote Kim)", "quo(go(>02).@entry.@v, Kim)"},
     {"negated_by_frame", "modality", "(g / go-02 :ARG1-of (h / have-polarity-91 :ARG2 -))", "go(>02).@entry.@v.@neg"},
     {"but", "contrast", "(c / contrast-01 :ARG1 (g / go-02) :ARG2 (s / stay-01))", "cnj(go(>02).@entry.@v, stay(>01).@v.@but)"},
     {"but_begins", "contrast", "(c / contrast-01 :ARG2 (s / stay-01))", "stay(>01).@entry.@v.@lead_but"},
@@ -162,6 +170,8 @@ const StepRow kSteps[] = {
     {"forms", "forms", "(g / go-02 :polarity - :ARG0 (i / i))", "a0(go(>02).@entry.@v.@neg.@cl.@aux, i)"},
     {"there", "forms", "(b / be-located-at-91 :ARG1 (c / cup :quant 1))", "a1(be-located-at(>91).@entry.@v.@cl.@there, cup); qty(cup, 1)"},
     {"relatives", "relatives", "(b / boy :ARG0-of (r / run-02))", "r0(boy.@entry, run(>02).@v)"},
+    {"question_in_a_circle", "questions", "(f / far :degree (g / amr-unknown :degree (e / tall :degree f)))",
+     "deg(far.@entry.@wh, amr-unknown.@wh.@wh_degree); deg(amr-unknown, tall.@wh); deg(tall, far)"},
     {"circle", "all", "(s / see-01 :ARG0 (b / boy :ARG0-of s))", "a0(see(>01).@entry.@v.@cl, boy:01); a0(see(>01), boy:02.@ref)"},
 };
 
@@ -190,6 +200,8 @@ const MistakeRow kMistakes[] = {
     {"defined_twice", "(a / b :ARG0 (a / c))\n", "bank.txt:1:15: error: the variable a is defined twice; the second one is read as another concept\n", 1},
     {"no_concept", "(a :ARG0 (c / d))\n", "bank.txt:1:2: error: the variable a has no concept; write \"(a / concept\"\n", 1},
     {"loose_word", "(a / b c)\n", "bank.txt:1:8: error: a role or \")\" is missing in front of \"c\"\n", 1},
+    {"behind_the_graph", "(a / b)) (c / d)\n",
+     "bank.txt:1:8: error: the graph ends in front of \") (c / d)\", which is left out; a graph begins on a line of its own\n", 1},
     {"loose_line", "hello\n(a / b)\n", "bank.txt:1:1: error: neither a comment nor a graph: \"hello\"\n", 1},
     {"empty", "", "", 0},
     {"only_a_parenthesis", "(",
@@ -231,6 +243,8 @@ TEST(Import, WhatIsTooMuchForASentenceIsListed) {
   const Result result = imported(source + ")\n", {});
   EXPECT_EQ(result.figures.relations, 128U);
   EXPECT_EQ(result.figures.left_out, 4U);  // two relations, and the two words that they lead to
+  // What a step has put into a word is lost with the word.
+  EXPECT_EQ(imported("(a / b :wiki (c / and :op1 (d / dog)))\n", {"wiki", "coordination"}).figures.left_out, 4U);
   EXPECT_NE(result.left_out.find("a :op130 x130\tlimits: a sentence has at most 128 relations\n"), std::string::npos);
   expect_account(result.figures);
 }
@@ -252,6 +266,9 @@ const TreeRow kTrees[] = {
      "agn(come.@entry, he); agn(see, he); cnj(come, see)", ""},
     {"columns", false, "1 Dogs dog\n2\trun\trun\t_\t_\t_\t0\troot\t_\t_\n", "run.@entry",
      "bank.txt:1:1: error: a word has 10 columns with tabs between them, this line has 1; it is left out\n"},
+    {"no_dependencies", true, "1\ta\ta\t_\t_\t_\t_\t_\t1:obj|2\t_\n2\tb\tb\t_\t_\t_\t_\t_\t0:root\t_\n", "b.@entry",
+     "bank.txt:1:1: error: a is its own head; this dependency is left out\n"
+     "bank.txt:1:1: error: an enhanced dependency is a head, a colon and a relation; \"2\" is left out\n"},
     {"no_head", false, "1\ta\ta\t_\t_\t_\t7\tobj\t_\t_\n", "a.@entry",
      "bank.txt:1:1: error: the head 7 of a is no word of the sentence\nbank.txt:1:1: error: no word has the head 0; the first one begins the sentence\n"},
 };

@@ -1,0 +1,382 @@
+// The step about what is said without a verb of its own: being somewhere, being something, and where "only" and "not"
+// stand then.
+#include <algorithm>
+#include <array>
+#include <string>
+
+#include "import/rewriter.hpp"
+#include "import/steps.hpp"
+
+namespace lexon {
+namespace {
+
+constexpr std::array kPronouns{"i", "we", "you", "he", "she", "it", "they", "this", "that", "these", "those"};
+
+bool is_event(Rewriter& graph, int at) {
+  const Concept& word = graph.word(at);
+  return !word.sense.empty() && !has_attribute(word, "@agent") && !has_attribute(word, "@result");
+}
+
+// A concept that joins others; the frame of a contrast is one.
+bool is_joining(Rewriter& graph, int at) {
+  constexpr std::array kJoining{"and", "or", "but", "contrast", "multi-sentence"};
+  return is_one_of(graph, at, kJoining);
+}
+
+// What the sentence states, behind "and", "but" of which nothing else is joined.
+int statement_of(Rewriter& graph) {
+  int at = graph.meaning().root;
+  for (int steps = graph.count(); at >= 0 && is_joining(graph, at) && steps > 0; --steps) {
+    const std::vector<int> below = graph.children(at);
+    if (below.size() != 1) break;
+    at = graph.arc(below[0]).to;
+  }
+  return at;
+}
+
+// What says of a subject that it is somewhere.
+int add_being(Rewriter& graph) {
+  const int being = graph.add_concept("be-located-at");
+  graph.word(being).sense = "91";
+  attribute_add(graph.word(being), "@v");
+  return being;
+}
+
+// (y / you :location (t / there)), said for itself: "you are there".
+void located_apply(Rewriter& graph, int at) {
+  const int place = graph.child(at, "location");
+  constexpr std::array kNew{"nothing", "nobody", "something", "somebody", "someone", "no-one", "noone"};
+  const bool is_new = is_one_of(graph, at, kNew);
+  if (place < 0 || !(is_new || is_one_of(graph, at, kPronouns)) || graph.child(at, "domain") >= 0) return;
+  const int above = graph.parent(at);
+  constexpr std::array kStating{"say", "tell", "answer", "reply", "think", "know", "see"};
+  const bool is_said = above >= 0 && graph.mentions(at) == 1 && !graph.arc(above).inverse &&
+                       graph.arc(above).role == "ARG1" && is_one_of(graph, graph.arc(above).from, kStating);
+  const bool is_joined = above >= 0 && !graph.arc(above).inverse && graph.arc(above).role != "mod" &&
+                         is_joining(graph, graph.arc(above).from) && graph.parent(graph.arc(above).from) < 0;
+  if (at != graph.meaning().root && !is_said && !is_joined) return;
+  const int being = add_being(graph);
+  graph.redirect(at, being);
+  graph.move_children(at, being);
+  graph.arc(place).role = "ARG2";
+  graph.add(being, at, "ARG1");
+  if (is_new) attribute_add(graph.word(being), "@there");
+  for (const char* mood : {"@neg", "@int", "@past", "@pres", "@fut", "@quote"}) {
+    if (std::erase(graph.word(at).attributes, mood) > 0) attribute_add(graph.word(being), mood);
+  }
+}
+
+// (l / lonely :domain (b / be-located-at-91 :ARG2 (c / city))): "it is lonely in the city".
+void somewhere_apply(Rewriter& graph, int at) {
+  const int led = graph.child(at, "domain");
+  if (led < 0) return;
+  const int being = graph.arc(led).to;
+  const int place = graph.is(being, "be-located-at", "91") ? graph.child(being, "ARG2") : -1;
+  if (place < 0 || graph.child(being, "ARG1") >= 0 || graph.mentions(being) > 1) return;
+  graph.settle_concept(being, Fate::relation);
+  graph.replace(place, at, graph.arc(place).to, "location");
+  graph.move_children(being, at);
+  graph.arc(led).to = graph.add_concept("it");
+}
+
+// Who speaks says something: no that-clause stands behind the verb. What is said to nobody, and is a clause,
+// is what is said.
+void speaking_apply(Rewriter& graph, int at) {
+  const int led = graph.child(at, "ARG1");
+  const int above = graph.parent(at);
+  const bool is_speaking = (graph.is(at, "speak", "01") || graph.is(at, "go", "23")) &&
+                           (above < 0 || !graph.arc(above).role.starts_with("ARG"));
+  if (is_speaking && led >= 0) {
+    const int said = graph.arc(led).to;
+    const bool has_subject =
+        graph.child(said, "ARG0") >= 0 || graph.child(said, "domain") >= 0 || graph.child(said, "ARG1") >= 0;
+    const bool is_asked = has_attribute(graph.word(said), "@whether") || has_attribute(graph.word(said), "@int");
+    if (has_subject && (is_event(graph, said) || graph.child(said, "domain") >= 0))
+      graph.word(at).name = is_asked ? "ask" : "say";
+  }
+  const int told = graph.is(at, "say", "01") && led < 0 ? graph.child(at, "ARG2") : -1;
+  if (told >= 0 && graph.child(graph.arc(told).to, "domain") >= 0) graph.arc(told).role = "ARG1";
+}
+
+// (s / sell-01 :ARG0 (b / baker :domain (t / that))): "that is a baker who sells". The clause is said of the noun.
+void presented_apply(Rewriter& graph) {
+  const int root = graph.meaning().root;
+  if (root < 0 || !is_event(graph, root)) return;
+  const int led = graph.child(root, "ARG0");
+  const int noun = led >= 0 ? graph.arc(led).to : -1;
+  const int about = noun >= 0 ? graph.child(noun, "domain") : -1;
+  const bool is_presented = about >= 0 && !is_event(graph, noun) && graph.mentions(noun) == 1 &&
+                            is_one_of(graph, graph.arc(about).to, kPronouns);
+  if (!is_presented) return;
+  graph.replace(led, noun, root, "ARG0", true);
+  graph.meaning().root = noun;
+}
+
+// (s / sleep-01 :ARG0 h :location h): "he sleeps where he is".
+void own_place_apply(Rewriter& graph, int at) {
+  const int led = graph.child(at, "location");
+  if (led < 0 || !is_event(graph, at)) return;
+  const int who = graph.arc(led).to;
+  for (const char* role : {"ARG0", "ARG1"}) {
+    const int own = graph.child(at, role);
+    if (own < 0 || graph.arc(own).to != who) continue;
+    const int being = add_being(graph);
+    graph.add(being, who, "ARG1");
+    graph.arc(led).to = being;
+    for (const char* aspect : {"@habit", "@state", "@past", "@pres"}) {
+      if (has_attribute(graph.word(at), aspect)) attribute_add(graph.word(being), aspect);
+    }
+    return;
+  }
+}
+
+// (s / sing-01 :ARG0 t :cause t), where t is a pronoun: "because they sing", as an answer.
+void answer_apply(Rewriter& graph, int at) {
+  const int led = graph.child(at, "cause");
+  const int subject = graph.child(at, "ARG0");
+  const bool is_own = led >= 0 && subject >= 0 && graph.arc(led).to == graph.arc(subject).to;
+  if (!is_own || !is_one_of(graph, graph.arc(subject).to, kPronouns)) return;
+  graph.remove(led, Fate::attribute);
+  attribute_add(graph.word(at), "@as_cause");
+}
+
+// "He does not live here": what is not here is the living.
+void denial_apply(Rewriter& graph, Arc& one) {
+  constexpr std::array<std::string_view, 7> kCircumstances{"location", "time",      "manner",  "frequency",
+                                                           "extent",   "direction", "duration"};
+  const bool is_circumstance =
+      !one.gone && !one.inverse &&
+      std::find(kCircumstances.begin(), kCircumstances.end(), one.role) != kCircumstances.end();
+  if (!is_circumstance || !has_attribute(graph.word(one.to), "@neg") || !graph.word(one.to).sense.empty()) return;
+  const bool is_clause = is_event(graph, one.from) || graph.child(one.from, "domain") >= 0;
+  if (!is_clause || !graph.children(one.to).empty() || graph.mentions(one.to) > 1) return;
+  if (has_attribute(graph.word(one.from), "@neg")) return;
+  std::erase(graph.word(one.to).attributes, "@neg");
+  attribute_add(graph.word(one.from), "@neg");
+}
+
+// "Only" stands in front of the verb, also where the graph has it with the noun of an event below: "she only needs a walk".
+// In front of a predicate it stands before the article: "they are only small lamps".
+void only_apply(Rewriter& graph, int led) {
+  if (graph.arc(led).gone || graph.arc(led).inverse || graph.arc(led).role != "mod") return;
+  const int only = graph.arc(led).to;
+  // "Only one person": the number stands below.
+  const int counted = graph.is(only, "only") ? graph.child(only, "op1") : -1;
+  const int above_it = graph.arc(led).from;
+  if (counted >= 0 && graph.child(above_it, "quant") < 0 && graph.word(above_it).sense.empty()) {
+    graph.arc(led).role = "quant";
+    return;
+  }
+  if (!graph.is(only, "only") || !graph.children(only).empty() || graph.mentions(only) > 1) return;
+  const int at = graph.arc(led).from;
+  const bool is_predicate = graph.child(at, "domain") >= 0;
+  if (!is_event(graph, at) && !is_predicate) return;
+  const int above = graph.parent(at);
+  const bool is_noun = above >= 0 && !is_predicate && !graph.arc(above).inverse && graph.arc(above).role == "ARG1" &&
+                       graph.child(at, "ARG0") < 0 && is_event(graph, graph.arc(above).from);
+  // The noun of another event keeps it: "the only sale".
+  if (!is_noun && !is_predicate && above >= 0 && graph.arc(above).role.starts_with("ARG") &&
+      graph.child(at, "ARG0") < 0)
+    return;
+  if (is_noun) graph.replace(led, graph.arc(above).from, only, "mod");
+  graph.word(only).sense = "adv";
+}
+
+// "Next week", "last year", in clauses of time: no article.
+void next_apply(Rewriter& graph, const Arc& one) {
+  constexpr std::array kTimes{"week",   "month",   "year",      "weekend",  "summer", "winter",   "spring", "autumn",
+                              "monday", "tuesday", "wednesday", "thursday", "friday", "saturday", "sunday"};
+  if (one.gone || one.inverse || (one.role != "time" && one.role != "temporal") || !is_one_of(graph, one.to, kTimes))
+    return;
+  const int mod = graph.child(one.to, "mod");
+  const bool is_pointed = mod >= 0 && (graph.is(graph.arc(mod).to, "next") || graph.is(graph.arc(mod).to, "last"));
+  if (is_pointed && graph.children(one.to).size() == 1) attribute_add(graph.word(one.to), "@noart");
+}
+
+// What they are is several: "they are lamps".
+void number_apply(Rewriter& graph, int at) {
+  const int led = graph.child(at, "domain");
+  const Concept& word = graph.word(at);
+  if (led < 0 || !word.sense.empty() || word.variable.empty() || has_attribute(word, "@name")) return;
+  constexpr std::array kSeveral{"they", "we", "these", "those"};
+  constexpr std::array kGroups{"team", "family", "group", "couple", "pair", "majority", "minority", "people", "nation"};
+  const int who = graph.arc(led).to;
+  const bool is_several = is_one_of(graph, who, kSeveral) || has_attribute(graph.word(who), "@pl");
+  if (is_several && graph.child(at, "quant") < 0 && !is_one_of(graph, at, kGroups))
+    attribute_add(graph.word(at), "@pl");
+  // "The only hills are three volcanoes".
+  const Concept& about = graph.word(who);
+  const bool is_noun = about.sense.empty() && !about.variable.empty() && !has_attribute(about, "@name") &&
+                       !is_one_of(graph, who, kPronouns) && graph.child(who, "quant") < 0 && !is_joining(graph, who);
+  if (is_noun && has_attribute(word, "@pl") && graph.child(at, "quant") >= 0 && !is_one_of(graph, who, kGroups))
+    attribute_add(graph.word(who), "@pl");
+}
+
+// A word that is asked for, or said to mean something, is no thing: "what does ephemeral mean".
+void meaning_apply(Rewriter& graph, int at) {
+  const int led = graph.is(at, "mean", "01") ? graph.child(at, "ARG1") : -1;
+  if (led < 0 || !graph.word(graph.arc(led).to).sense.empty() || !graph.children(graph.arc(led).to).empty()) return;
+  attribute_add(graph.word(graph.arc(led).to), "@word");
+}
+
+// (l / long-03 :mod (d / distance-quantity)): how long it is. Only so the quality stands behind the noun.
+void measure_apply(Rewriter& graph, Arc& one) {
+  if (one.gone || one.inverse || one.role != "mod" || !has_attribute(graph.word(one.to), "@measure")) return;
+  if (is_event(graph, one.from) && graph.child(one.from, "ARG2") < 0 && graph.child(one.to, "quant") >= 0)
+    one.role = "ARG2";
+}
+
+// A noun at the top, with a clause of time: "there was a storm when we left".
+void existing_apply(Rewriter& graph) {
+  const int at = statement_of(graph);
+  if (at < 0 || !graph.word(at).sense.empty() || graph.word(at).variable.empty()) return;
+  if (has_attribute(graph.word(at), "@name") || graph.child(at, "domain") >= 0) return;
+  const int led = graph.child(at, "time");
+  if (led >= 0 && is_event(graph, graph.arc(led).to) && !graph.children(graph.arc(led).to).empty())
+    attribute_add(graph.word(at), "@was");
+}
+
+// A thing that seems is there: "there seems to be something new". A quality of nobody is no thing.
+void seeming_apply(Rewriter& graph, int at) {
+  const bool is_seeming = graph.is(at, "seem", "01") || graph.is(at, "appear", "02");
+  const int led = is_seeming && graph.child(at, "ARG0") < 0 ? graph.child(at, "ARG1") : -1;
+  if (led < 0) return;
+  const int thing = graph.arc(led).to;
+  constexpr std::array kThings{"thing", "nothing", "something", "somebody", "someone", "person", "man", "way"};
+  const bool is_thing = is_one_of(graph, thing, kThings) || graph.child(thing, "quant") >= 0 ||
+                        graph.child(thing, "ARG0", true) >= 0 || graph.child(thing, "ARG1", true) >= 0;
+  if (!graph.word(thing).sense.empty() || graph.child(thing, "domain") >= 0 || !is_thing) return;
+  attribute_add(graph.word(at), has_attribute(graph.word(thing), "@pl") ? "@theres" : "@there");
+  attribute_add(graph.word(at), "@raised");
+  attribute_add(graph.word(at), "@seems");
+}
+
+// What something becomes stands behind the verb without a preposition, if it is a quality.
+void becoming_apply(Rewriter& graph, int at) {
+  constexpr std::array kBecoming{"become", "grow", "get", "turn", "remain", "stay", "go", "look", "feel", "sound"};
+  const int led = graph.word(at).sense.empty() || !is_one_of(graph, at, kBecoming) ? -1 : graph.child(at, "ARG2");
+  if (led < 0) return;
+  const int quality = graph.arc(led).to;
+  // "Turned yellow": the quality is that of the subject, which is not said twice.
+  const int own = graph.word(quality).sense.empty() ? -1 : graph.child(quality, "ARG1");
+  const int subject = graph.child(at, "ARG1");
+  const bool is_own = own >= 0 && subject >= 0 && graph.arc(own).to == graph.arc(subject).to;
+  if (is_own && graph.children(quality).size() == 1) graph.remove(own, Fate::attribute);
+  if (!graph.word(quality).sense.empty() && !is_own) return;
+  if (graph.child(quality, "domain") < 0 && graph.child(quality, "mod") < 0 && graph.child(quality, "poss") < 0)
+    attribute_add(graph.word(quality), "@res");
+}
+
+// Who exclaims how great something is does not ask.
+void exclaim_apply(Rewriter& graph, int at) {
+  const int led = graph.is(at, "exclaim", "01") ? graph.child(at, "ARG1") : -1;
+  if (led >= 0 && graph.child(graph.arc(led).to, "degree") >= 0 &&
+      !has_attribute(graph.word(graph.arc(led).to), "@int"))
+    attribute_add(graph.word(graph.arc(led).to), "@exp");
+}
+
+// :time (t / time :mod every :time-of (r / rain-01)): "whenever it rains".
+void whenever_apply(Rewriter& graph, int at) {
+  const int led = graph.child(at, "time");
+  const int time = led >= 0 && graph.is(graph.arc(led).to, "time") ? graph.arc(led).to : -1;
+  const int clause = time >= 0 ? graph.child(time, "time", true) : -1;
+  const int every = time >= 0 ? graph.child(time, "mod") : -1;
+  constexpr std::array kEach{"every", "each", "any", "all"};
+  if (clause < 0 || every < 0 || !is_one_of(graph, graph.arc(every).to, kEach) || graph.children(time).size() != 2)
+    return;
+  graph.settle_concept(graph.arc(every).to, Fate::word);
+  graph.remove(every, Fate::word);
+  graph.replace(clause, time, graph.arc(clause).to, "op1");
+  graph.word(time).name = "whenever";
+}
+
+// How great a quality is asked for: (t / tall :domain (s / she) :degree (a / amr-unknown)), "how tall is she". The quality
+// moves to the front with the word that asks.
+void how_apply(Rewriter& graph, int at) {
+  // "How long is it": what is measured has the measure as an argument.
+  constexpr std::array kMeasured{"long", "wide", "deep", "high", "tall", "age", "heavy"};
+  const int measure = graph.word(at).sense.empty() || !is_one_of(graph, at, kMeasured) ? -1 : graph.child(at, "ARG2");
+  const bool is_measured = measure >= 0 && graph.is(graph.arc(measure).to, "amr-unknown");
+  if (is_measured) graph.arc(measure).role = "degree";
+  // "Whose book is this".
+  const bool is_thing = graph.word(at).sense.empty() && graph.child(at, "domain") >= 0;
+  const int degree = is_thing && graph.child(at, "poss") >= 0 ? graph.child(at, "poss") : graph.child(at, "degree");
+  if (degree < 0) return;
+  const int unknown = graph.arc(degree).to;
+  if (!graph.is(unknown, "amr-unknown") && !graph.is(unknown, "umr-unknown")) return;
+  constexpr std::array kQualities{"good",    "bad",       "wonderful", "beautiful", "important", "happy", "sad",
+                                  "strange", "difficult", "easy",      "long",      "wide",      "large", "great",
+                                  "serious", "dangerous", "useful",    "strong",    "likely",    "clear", "far"};
+  const bool is_frame = !graph.word(at).sense.empty();
+  const int subject = graph.child(at, is_frame ? "ARG1" : "domain");
+  if (subject < 0 || (is_frame && !is_measured && !is_one_of(graph, at, kQualities)) || graph.mentions(at) > 1) return;
+  const int being = add_being(graph);
+  graph.redirect(at, being);
+  graph.replace(subject, being, graph.arc(subject).to, "ARG1");
+  for (const int led : graph.children(at)) {
+    if (led != degree && !graph.arc(led).role.starts_with("ARG")) graph.arc(led).from = being;
+  }
+  graph.add(being, at, "ARG2");
+  const std::vector<std::string> marks = graph.word(at).attributes;
+  for (const std::string& mark : marks) {
+    if (mark != "@v") attribute_add(graph.word(being), mark), std::erase(graph.word(at).attributes, mark);
+  }
+}
+
+// (e / exist-01 :ARG1 (p / planet :mod (o / other))): "there is another planet". Not so for what is known already.
+void exist_apply(Rewriter& graph, int at) {
+  const int led = graph.is(at, "exist", "01") ? graph.child(at, "ARG1") : -1;
+  if (led < 0) return;
+  const int thing = graph.arc(led).to;
+  const Concept& word = graph.word(thing);
+  if (!word.sense.empty() || word.variable.empty() || has_attribute(word, "@name") || graph.mentions(thing) > 1) return;
+  if (is_one_of(graph, thing, kPronouns) || is_joining(graph, thing) || graph.child(thing, "poss") >= 0) return;
+  constexpr std::array kKnown{"this", "that", "these", "those", "same", "all", "every", "each", "both"};
+  // What is denied, counted or somewhere is new; of a thing alone nobody knows.
+  bool is_new = has_attribute(graph.word(at), "@neg") || has_attribute(word, "@neg") ||
+                graph.child(thing, "quant") >= 0 || graph.child(at, "location") >= 0;
+  for (const int below : graph.children(thing)) {
+    const int quality = graph.arc(below).to;
+    if (graph.arc(below).role == "mod" && is_one_of(graph, quality, kKnown)) return;
+    if (graph.arc(below).role == "mod" && graph.is(quality, "other") && !has_attribute(word, "@pl") &&
+        graph.child(thing, "quant") < 0)
+      graph.word(quality).name = "another";
+    is_new |= graph.is(quality, "another") || graph.is(quality, "other") || graph.is(quality, "such");
+  }
+  if (!is_new) return;
+  graph.word(at).sense = "91";
+  attribute_add(graph.word(at), has_attribute(word, "@pl") ? "@theres" : "@there");
+  if (std::erase(graph.word(at).attributes, "@neg") > 0) attribute_add(graph.word(thing), "@neg");
+  const bool is_bare = graph.child(thing, "quant") < 0 && !has_attribute(graph.word(thing), "@neg");
+  const int quality = graph.child(thing, "mod");
+  const bool is_another = quality >= 0 && graph.is(graph.arc(quality).to, "another");
+  if (is_bare && !is_another && !has_attribute(word, "@pl")) attribute_add(graph.word(thing), "@indef");
+}
+
+}  // namespace
+
+void step_predicates(Meaning& meaning) {
+  Rewriter graph(meaning, "predicates");
+  for (int at = 0, end = graph.count(); at < end; ++at) {
+    if (graph.is(at, "top") && graph.child(at, "op1") >= 0) graph.word(at).name = "on-top-of";
+    located_apply(graph, at);
+    somewhere_apply(graph, at);
+    speaking_apply(graph, at);
+    own_place_apply(graph, at);
+    number_apply(graph, at);
+    answer_apply(graph, at);
+    meaning_apply(graph, at);
+    exist_apply(graph, at);
+    seeming_apply(graph, at);
+    becoming_apply(graph, at);
+    exclaim_apply(graph, at);
+    whenever_apply(graph, at);
+    how_apply(graph, at);
+  }
+  for (Arc& one : meaning.arcs) denial_apply(graph, one), measure_apply(graph, one), next_apply(graph, one);
+  for (std::size_t i = 0; i < meaning.arcs.size(); ++i) only_apply(graph, static_cast<int>(i));
+  presented_apply(graph);
+  existing_apply(graph);
+}
+
+}  // namespace lexon
