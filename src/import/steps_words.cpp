@@ -49,12 +49,12 @@ std::vector<int> operands(Rewriter& graph, int at) {
 
 // True for a name whose head is a common noun, or that is a plural: "the Central Court", "the Hill Islands".
 bool takes_article(const std::string& type, const std::string& name) {
-  constexpr std::array<std::string_view, 15> kAlways{"U.S.", "US",  "USA",         "U.S.A.",      "UK",
-                                                     "U.K.", "UN",  "U.N.",        "EU",          "E.U.",
-                                                     "FBI",  "CIA", "Netherlands", "Philippines", "Middle East"};
+  constexpr std::array<std::string_view, 15> kNames{"U.S.", "US",  "USA",         "U.S.A.",      "UK",
+                                                    "U.K.", "UN",  "U.N.",        "EU",          "E.U.",
+                                                    "FBI",  "CIA", "Netherlands", "Philippines", "Middle East"};
   // Waters, deserts and ships: the Nile.
   constexpr std::array<std::string_view, 6> kTypes{"river", "ocean", "sea", "canal", "desert", "ship"};
-  if (std::find(kAlways.begin(), kAlways.end(), name) != kAlways.end() ||
+  if (std::find(kNames.begin(), kNames.end(), name) != kNames.end() ||
       std::find(kTypes.begin(), kTypes.end(), type) != kTypes.end())
     return true;
   constexpr std::array<std::string_view, 30> kHeads{
