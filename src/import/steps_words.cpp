@@ -49,19 +49,19 @@ std::vector<int> operands(Rewriter& graph, int at) {
 
 // True for a name whose head is a common noun, or that is a plural: "the Central Court", "the Hill Islands".
 bool takes_article(const std::string& type, const std::string& name) {
-  constexpr std::array<std::string_view, 15> kNames{"U.S.", "US",  "USA",         "U.S.A.",      "UK",
-                                                    "U.K.", "UN",  "U.N.",        "EU",          "E.U.",
-                                                    "FBI",  "CIA", "Netherlands", "Philippines", "Middle East"};
+  constexpr std::array<std::string_view, 14> kNames{"U.S.", "US",  "USA",         "U.S.A.",     "UK",
+                                                    "U.K.", "UN",  "U.N.",        "EU",         "E.U.",
+                                                    "FBI",  "CIA", "Netherlands", "Philippines"};
   // Waters, deserts and ships: the Nile.
   constexpr std::array<std::string_view, 6> kTypes{"river", "ocean", "sea", "canal", "desert", "ship"};
   if (std::find(kNames.begin(), kNames.end(), name) != kNames.end() ||
       std::find(kTypes.begin(), kTypes.end(), type) != kTypes.end())
     return true;
-  constexpr std::array<std::string_view, 30> kHeads{
+  constexpr std::array<std::string_view, 31> kHeads{
       "States",     "Nations", "Islands", "Emirates", "Kingdom",    "Republic", "Union",     "Federation",
       "Ministry",   "Church",  "Senate",  "Court",    "Commission", "Council",  "Committee", "Association",
       "Department", "Agency",  "Party",   "Army",     "Navy",       "Bureau",   "Institute", "Organization",
-      "Foundation", "House",   "Academy", "Alliance", "Empire",     "Act"};
+      "Foundation", "House",   "Academy", "Alliance", "Empire",     "Act",      "East"};
   const std::string head = name.substr(0, name.find(" of "));
   const std::size_t space = head.rfind(' ');
   const std::string last = space == head.npos ? head : head.substr(space + 1);

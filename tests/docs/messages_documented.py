@@ -17,8 +17,8 @@ TOKEN = re.compile(
     r'//[^\n]*|/\*.*?\*/|R"\((?P<raw>.*?)\)"|"(?P<text>(?:\\.|[^"\\\n])*)"|\'(?:\\.|[^\'\\\n])+\'|[;{}]|\s+|.', re.S)
 CONVERSION = re.compile(r"%[-+ 0-9.*]*(?:ll|l|z|h)?[a-zA-Z]")
 ESCAPES = {"n": "\n", "t": "\t", '"': '"', "\\": "\\", "0": "\0", "r": "\r"}
-# The statements whose texts are help, or words of a language, not messages.
-HELP = re.compile(r"[uU]sage|kSwitches|kAbout|kNames|add_option|add_flag|add_subcommand|add_command|add_with_dictionary|CLI::App app|static_assert|group|starts_with|xml (?:\+)?=")
+# The statements whose texts are help, not messages.
+HELP = re.compile(r"[uU]sage|kSwitches|kAbout|add_option|add_flag|add_subcommand|add_command|add_with_dictionary|CLI::App app|static_assert|group|starts_with|xml (?:\+)?=")
 PREPROCESSOR = re.compile(r"^[ \t]*#[^\n]*", re.M)
 
 
