@@ -989,7 +989,7 @@ void step_degree(Meaning& meaning) {
 }
 
 // (x :ARG1-of (have-polarity-91 :ARG2 -)): the value becomes the attribute that the role itself would give.
-static void value_apply(Rewriter& graph, int at) {
+static void truth_apply(Rewriter& graph, int at) {
   const int about = graph.argument(at, "ARG1");
   const int value = graph.child(at, "ARG2");
   if (value < 0) return;
@@ -1026,7 +1026,7 @@ static void value_apply(Rewriter& graph, int at) {
 void step_modality(Meaning& meaning) {
   Rewriter graph(meaning, "modality");
   for (int at = 0; at < graph.count(); ++at) {
-    if (graph.is(at, "have-polarity", "91") || graph.is(at, "have-modal-strength", "91")) value_apply(graph, at);
+    if (graph.is(at, "have-polarity", "91") || graph.is(at, "have-modal-strength", "91")) truth_apply(graph, at);
   }
   for (int at = 0; at < graph.count(); ++at) {
     for (const Modal& modal : kModals) {

@@ -297,7 +297,7 @@ static void unit_apply(Rewriter& graph, int at) {
 }
 
 // What has nothing but a value is that value; percent is a word, and its value a number of it.
-static void value_apply(Rewriter& graph, int at) {
+static void entity_value_apply(Rewriter& graph, int at) {
   const bool has_value = graph.is(at, "ordinal-entity") || graph.is(at, "percentage-entity") ||
                          graph.is(at, "url-entity") || graph.is(at, "string-entity") ||
                          graph.is(at, "email-address-entity") || graph.is(at, "phone-number-entity") ||
@@ -363,7 +363,7 @@ void step_quantities(Meaning& meaning) {
   pointing_time_apply(graph);
   for (int at = 0, end = graph.count(); at < end; ++at) {
     unit_apply(graph, at);
-    value_apply(graph, at);
+    entity_value_apply(graph, at);
   }
   // Behind the loop above, which has made a unit of each quantity.
   for (int at = 0, end = graph.count(); at < end; ++at) {
