@@ -142,6 +142,8 @@ void show_figures(const ImportFigures& figures) {
   std::ostringstream out;
   out << figures.graphs << " graphs, " << figures.triples << " triples: " << figures.relations << " as relations, "
       << figures.words << " as words, " << figures.attributes << " as attributes, " << figures.left_out << " left out";
+  if (figures.placeholders != 0)
+    out << "\n  not written: " << figures.placeholders << "  the graph says that there is none (umr-empty)";
   for (const auto& [reason, count] : figures.reasons) out << "\n  left out: " << count << "  " << reason;
   for (const auto& [role, count] : figures.unknown) {
     out << "\n  no label in the table: " << count << "  " << role << ", written as " << RoleTable::cut(role);

@@ -54,7 +54,8 @@ struct ImportOutputs {
 };
 
 struct ImportFigures {
-  std::size_t graphs = 0;
+  std::size_t graphs = 0;        // that were written
+  std::size_t placeholders = 0;  // umr-empty: the source has no graph of the sentence, and none is written
   std::size_t errors = 0;
   std::size_t triples = 0;
   std::size_t relations = 0;

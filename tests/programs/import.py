@@ -20,12 +20,13 @@ ROWS = [
     ("output_cannot_be_made", ["bank.txt", "-o", "no/folder/x"], 2, "no/folder/x cannot be written"),
     ("output_is_an_input", ["bank.txt", "--gold", "./bank.txt"], 2, "./bank.txt is read and cannot be written"),
     ("summary", ["bank.txt"], 0, "2 graphs, 7 triples: 1 as relations, 3 as words, 2 as attributes, 1 left out"),
+    ("a_graph_that_says_there_is_none", ["empty.txt"], 0, "1 graphs, 1 triples: 0 as relations, 1 as words, 0 as attributes, 0 left out\n  not written: 1"),
 ]
 
 with folder() as name:
     here = pathlib.Path(name)
     for file, text in (("bank.txt", BANK), ("tree.conllu", TREE), ("bad.tsv", ":ARG0\ttoolong\n"), ("nobody.tsv", "zz b @pl\n"),
-                       ("broken.txt", "(a / b"), ("mine.tsv", ":ARG0\tagn\n"), ("entries.txt", '[dog]{} "dog" (N);\n'),
+                       ("broken.txt", "(a / b"), ("empty.txt", "(s / umr-empty)\n\n(b / boy)\n"), ("mine.tsv", ":ARG0\tagn\n"), ("entries.txt", '[dog]{} "dog" (N);\n'),
                        ("rules.txt", "R{} {} P1;\n")):
         (here / file).write_text(text)
     for row, words, status, message in ROWS:
