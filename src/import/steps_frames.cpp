@@ -155,7 +155,7 @@ void reified_apply(Rewriter& graph, int at, const Reified& one) {
     // What is denied is the reason, not what it is a reason for: "not because it rained".
     if (attribute != "@v") attribute_add(graph.word(attribute == "@neg" ? dependent : head), attribute);
   }
-  const bool is_why = graph.is(dependent, "amr-unknown") || graph.is(dependent, "umr-unknown");
+  const bool is_why = is_unknown(graph, dependent);
   if (dependent_above && !head_above && is_why && dependent == graph.meaning().root) {
     // What causes it is what is asked for: "why are we surprised?"
     graph.meaning().root = head;
@@ -189,12 +189,6 @@ void cause_noun_apply(Rewriter& graph, int at) {
   graph.settle_concept(at, Fate::word);
   graph.remove(above, Fate::word);
   graph.replace(led, thing, graph.arc(led).to, "org");
-}
-
-// The concepts that stand for people and things spoken of before.
-bool is_personal_pronoun(const std::string& name) {
-  constexpr std::string_view kPronouns[] = {"i", "we", "you", "he", "she", "it", "they"};
-  return std::find(std::begin(kPronouns), std::end(kPronouns), name) != std::end(kPronouns);
 }
 
 // An office: the roles of who holds it, of what it belongs to, and of its title; the two numberings of the frame differ.
@@ -231,7 +225,7 @@ bool is_party(const Concept& group) {
 }
 
 // Whoever is of the Green Party is a Green.
-void member_apply(Concept& party) {
+void party_to_member(Concept& party) {
   if (party.name.ends_with(" Party")) party.name.resize(party.name.size() - 6);
   if (party.name == "Democratic") party.name = "Democrat";
   std::erase(party.attributes, "@name");
@@ -245,7 +239,7 @@ void group_apply(Rewriter& graph, int at, const Office& office, int holds, int w
   if (!holder_above) {
     // "She is a Whig".
     const int group = graph.arc(whole).to;
-    if (is_party(graph.word(group)) && graph.mentions(group) == 1) member_apply(graph.word(group));
+    if (is_party(graph.word(group)) && graph.mentions(group) == 1) party_to_member(graph.word(group));
     graph.settle_concept(at, Fate::relation);
     graph.replace(holds, group, holder, "domain");
     graph.remove(whole, Fate::relation);
@@ -256,7 +250,7 @@ void group_apply(Rewriter& graph, int at, const Office& office, int holds, int w
   graph.remove(holds, Fate::relation);
   const Concept& group = graph.word(graph.arc(whole).to);
   if (is_party(group) && graph.is(holder, "person") && graph.mentions(graph.arc(whole).to) == 1) {
-    member_apply(graph.word(graph.arc(whole).to));
+    party_to_member(graph.word(graph.arc(whole).to));
     graph.settle_concept(graph.arc(whole).to, Fate::word);
     graph.remove(whole, Fate::word);
     graph.word(holder).name = graph.word(graph.arc(whole).to).name;
@@ -276,8 +270,8 @@ void call_by_office(Rewriter& graph, int at, const Office& office, int holds, in
   const bool is_named = has_attribute(graph.word(holder), "@name") || !graph.is(holder, "person");
   graph.remove(holds, Fate::relation);
   const bool has_whole = whole >= 0 && graph.arc(whole).from == at;
-  const bool is_behind = has_attribute(graph.word(holder), "@name") && has_whole &&
-                         !is_personal_pronoun(graph.word(graph.arc(whole).to).name);
+  const bool is_behind =
+      has_attribute(graph.word(holder), "@name") && has_whole && !is_personal_pronoun(graph, graph.arc(whole).to);
   if (has_whole) graph.replace(whole, is_named ? title : holder, graph.arc(whole).to, office.role);
   if (is_behind) {
     // "Kim, the mayor of Oslo, ..."
@@ -386,19 +380,18 @@ const char* degree_attribute(const Concept& degree) {
 void measured_apply(Rewriter& graph, int at) {
   const std::vector<int> below = graph.children(at);
   if (below.size() != 1 || !graph.arc(below[0]).inverse || !graph.word(at).sense.empty()) return;
-  constexpr std::string_view kMeasures[] = {"extent", "degree", "quant", "duration", "frequency"};
-  const bool is_measure =
-      std::find(std::begin(kMeasures), std::end(kMeasures), graph.arc(below[0]).role) != std::end(kMeasures);
+  constexpr std::array kMeasures{"extent", "degree", "quant", "duration", "frequency"};
+  const bool is_measure = is_listed(graph.arc(below[0]).role, kMeasures);
   if (is_measure && !graph.word(graph.arc(below[0]).to).sense.empty()) graph.stand_in(at, below[0]);
 }
 
 // A comparison is told by the quality, as words for it depend on its form: taller, more beautiful.
 // What is said of a fact, and of no way to do something: it is easier to wait.
 bool is_judgement(const std::string& name) {
-  constexpr std::string_view kJudging[] = {
-      "difficult", "easy", "hard", "important", "good",      "bad",        "possible",  "necessary", "likely", "common",
-      "nice",      "fun",  "safe", "dangerous", "expensive", "impossible", "essential", "fair",      "right"};
-  return std::find(std::begin(kJudging), std::end(kJudging), name) != std::end(kJudging);
+  constexpr std::array kJudging{"difficult", "easy",       "hard",      "important", "good", "bad",  "possible",
+                                "necessary", "likely",     "common",    "nice",      "fun",  "safe", "dangerous",
+                                "expensive", "impossible", "essential", "fair",      "right"};
+  return is_listed(name, kJudging);
 }
 
 // (f / find-01 :ARG1 (h / have-degree-91 :ARG1 (h2 / horse) :ARG2 fast :ARG3 most)): to find the fastest horse. What is only
@@ -408,11 +401,10 @@ bool sought_apply(Rewriter& graph, int at, int quality, int bearer) {
   const bool is_object = above >= 0 && !graph.arc(above).inverse && graph.arc(above).role == "ARG1" &&
                          has_attribute(graph.word(quality), "@most") && graph.word(bearer).sense.empty() &&
                          !graph.word(bearer).variable.empty() && graph.mentions(at) == 1;
-  constexpr std::string_view kTelling[] = {"say",  "think", "know",  "believe", "mean",
-                                           "tell", "show",  "agree", "hope",    "opine"};
+  constexpr std::array kTelling{"say", "think", "know", "believe", "mean", "tell", "show", "agree", "hope", "opine"};
   if (!is_object) return false;
   const std::string& verb = graph.word(graph.arc(above).from).name;
-  const bool is_told = std::find(std::begin(kTelling), std::end(kTelling), verb) != std::end(kTelling);
+  const bool is_told = is_listed(verb, kTelling);
   const int bears = graph.child(at, "ARG1");
   const int led = graph.child(at, "ARG2");
   if (is_told || bears < 0 || led < 0 || graph.arc(bears).to != bearer) return false;
@@ -432,10 +424,9 @@ void degree_said(Rewriter& graph, int led, int quality) {
   const int degree = graph.arc(led).to;
   const char* attribute = degree_attribute(graph.word(degree));
   // "More money than he": more is the comparative of much and many.
-  constexpr std::string_view kAmounts[] = {"more", "most", "less", "enough"};
+  constexpr std::array kAmounts{"more", "most", "less", "enough"};
   const bool is_amount =
-      (graph.is(quality, "much") || graph.is(quality, "many")) &&
-      std::find(std::begin(kAmounts), std::end(kAmounts), graph.word(degree).name) != std::end(kAmounts);
+      (graph.is(quality, "much") || graph.is(quality, "many")) && is_listed(graph.word(degree).name, kAmounts);
   if (is_amount && graph.mentions(degree) == 1) {
     graph.word(quality).name = graph.word(degree).name;
     graph.settle_concept(degree, Fate::word);
@@ -642,10 +633,8 @@ void modality_apply(Rewriter& graph, int at, const Modal& modal) {
   graph.move_children(at, clause);
 }
 
-}  // namespace
-
 // (f / flower :ARG0-of (h / have-03 :ARG1 t)): the flower with t. (f / flower :ARG1-of (h / have-03 :ARG0 i)): my flower.
-static void having_apply(Rewriter& graph, int at) {
+void having_apply(Rewriter& graph, int at) {
   const int holder = graph.parent(at);
   const bool is_had = holder >= 0 && graph.arc(holder).role == "ARG1";
   const int thing = graph.child(at, is_had ? "ARG0" : "ARG1");
@@ -660,7 +649,7 @@ static void having_apply(Rewriter& graph, int at) {
 
 // (r / rush-01 :ARG1-of (r2 / resemble-01 :ARG2 (w / wind))): to rush like the wind, or as if it did something. What a noun
 // resembles stays a relative clause.
-static void likeness_apply(Rewriter& graph, int at) {
+void likeness_apply(Rewriter& graph, int at) {
   const int led = graph.parent(at);
   const int like = graph.child(at, "ARG2");
   const bool is_inside = led >= 0 && graph.arc(led).inverse && graph.arc(led).role == "ARG1";
@@ -675,7 +664,7 @@ static void likeness_apply(Rewriter& graph, int at) {
 }
 
 // How often, as a bare number: "once", "twice".
-static void frequency_apply(Rewriter& graph, int at) {
+void frequency_apply(Rewriter& graph, int at) {
   const int led = graph.child(at, "frequency");
   if (led < 0) return;
   const std::string number = graph.word(graph.arc(led).to).name;
@@ -700,33 +689,32 @@ static void frequency_apply(Rewriter& graph, int at) {
 }
 
 // "One of these": what something is taken from is several.
-static void plural_apply(Concept& whole) {
+void plural_apply(Concept& whole) {
   attribute_add(whole, "@pl");
   if (whole.name == "this") whole.name = "these";
   if (whole.name == "that") whole.name = "those";
 }
 
 // "At the top of the tree": a place that is a part of another is written as what the other has.
-static void part_place_apply(Rewriter& graph, int at) {
-  constexpr std::string_view kPlaces[] = {"middle", "center",  "top",   "bottom", "side", "edge",  "end",
-                                          "corner", "front",   "back",  "heart",  "rear", "begin", "beginning",
-                                          "inside", "outside", "north", "south",  "east", "west",  "interior"};
+void part_place_apply(Rewriter& graph, int at) {
+  constexpr std::array kPlaces{"middle", "center",  "top",   "bottom", "side", "edge",  "end",
+                               "corner", "front",   "back",  "heart",  "rear", "begin", "beginning",
+                               "inside", "outside", "north", "south",  "east", "west",  "interior"};
   const int above = graph.parent(at);
   const int led = graph.child(at, "part");
   if (above < 0 || led < 0 || graph.arc(above).inverse || graph.mentions(at) > 1) return;
   const int part = graph.arc(led).to;
-  const bool is_place = std::find(std::begin(kPlaces), std::end(kPlaces), graph.word(part).name) != std::end(kPlaces);
+  const bool is_place = is_listed(graph.word(part).name, kPlaces);
   if (!is_place || !graph.children(part).empty() || graph.mentions(part) > 1) return;
   graph.arc(above).to = part;
   graph.replace(led, part, at, "part-of");
 }
 
 // How often, said as how many of it there are: "he asked so many times". Only of what is a clause.
-static void times_apply(Rewriter& graph, int at) {
+void times_apply(Rewriter& graph, int at) {
   const int led = graph.word(at).sense.empty() ? -1 : graph.child(at, "quant");
-  constexpr std::string_view kMany[] = {"many", "several", "multiple", "numerous"};
-  const bool is_many =
-      led >= 0 && std::find(std::begin(kMany), std::end(kMany), graph.word(graph.arc(led).to).name) != std::end(kMany);
+  constexpr std::array kMany{"many", "several", "multiple", "numerous"};
+  const bool is_many = led >= 0 && is_listed(graph.word(graph.arc(led).to).name, kMany);
   if (!is_many || graph.child(at, "frequency") >= 0) return;
   const int above = graph.parent(at);
   const bool is_clause = above < 0 || graph.arc(above).inverse;
@@ -739,7 +727,7 @@ static void times_apply(Rewriter& graph, int at) {
 }
 
 // (d / depart-01 :condition-of (t / thing)): what it is a condition of stands in another sentence: "if you depart".
-static void outer_apply(Rewriter& graph, int at) {
+void outer_apply(Rewriter& graph, int at) {
   const int led =
       graph.is(at, "thing") && graph.children(at).empty() && graph.mentions(at) == 1 ? graph.parent(at) : -1;
   if (led < 0 || !graph.arc(led).inverse) return;
@@ -751,7 +739,7 @@ static void outer_apply(Rewriter& graph, int at) {
 }
 
 // (h / here :location-of (s / shop)): "a shop is here".
-static void here_apply(Rewriter& graph, int at) {
+void here_apply(Rewriter& graph, int at) {
   const int led = graph.is(at, "here") || graph.is(at, "there") ? graph.child(at, "location", true) : -1;
   if (led < 0 || graph.children(at).size() != 1 || !graph.word(graph.arc(led).to).sense.empty()) return;
   const int being = graph.add_concept("be-located-at");
@@ -764,7 +752,7 @@ static void here_apply(Rewriter& graph, int at) {
 }
 
 // Frames that are a word or a phrase of their own.
-static void phrase_apply(Rewriter& graph, int at) {
+void phrase_apply(Rewriter& graph, int at) {
   // (w / work-01 :temporal (u / use-03)): what used to be done.
   const int once = graph.is(at, "use", "03") && graph.children(at).empty() ? graph.parent(at) : -1;
   if (once >= 0 && (graph.arc(once).role == "time" || graph.arc(once).role == "temporal")) {
@@ -806,20 +794,19 @@ static void phrase_apply(Rewriter& graph, int at) {
 }
 
 // What something is not like stays a clause: "a garden that is not like mine".
-static bool is_unlike(Rewriter& graph, int at) {
+bool is_unlike(Rewriter& graph, int at) {
   const int like = graph.argument(at, "ARG1");
   return graph.word(at).name == "resemble" && has_attribute(graph.word(at), "@neg") &&
          (like < 0 || graph.arc(like).to == at || graph.word(graph.arc(like).to).sense.empty());
 }
 
 // Roles that lead from a number to what is counted, and to who feels something.
-static void role_apply(Rewriter& graph, Arc& one) {
+void role_apply(Rewriter& graph, Arc& one) {
   // "A number of birds": the number is the head.
   if (one.role == "quant" && one.inverse && graph.word(one.from).sense.empty()) {
     one.role = "consist-of", one.inverse = false;
-    constexpr std::string_view kOfMany[] = {"number", "group", "series", "range", "variety", "couple", "set", "row"};
-    const bool is_many =
-        std::find(std::begin(kOfMany), std::end(kOfMany), graph.word(one.from).name) != std::end(kOfMany);
+    constexpr std::array kOfMany{"number", "group", "series", "range", "variety", "couple", "set", "row"};
+    const bool is_many = is_listed(graph.word(one.from).name, kOfMany);
     if (is_many && graph.word(one.to).sense.empty()) attribute_add(graph.word(one.to), "@pl");
   }
   // "It is a lot for me": who feels it is no subject where there is one.
@@ -830,17 +817,17 @@ static void role_apply(Rewriter& graph, Arc& one) {
 }
 
 // "She lay down in the grass": a bare direction stands nearer to its verb than a place does.
-static void directions_apply(Rewriter& graph) {
-  constexpr std::string_view kBare[] = {"up",      "down",  "away",  "back",  "out",  "off",  "around",
-                                        "forward", "home",  "along", "by",    "past", "over", "across",
-                                        "through", "aside", "ahead", "apart", "in",   "on",   "about"};
+void directions_apply(Rewriter& graph) {
+  constexpr std::array kBare{"up",      "down",  "away",  "back",  "out",  "off",  "around",
+                             "forward", "home",  "along", "by",    "past", "over", "across",
+                             "through", "aside", "ahead", "apart", "in",   "on",   "about"};
   for (Arc& one : graph.meaning().arcs) {
     if (one.role != "direction" || one.gone || one.inverse) continue;
     const std::string word = graph.word(one.to).name;
     const bool is_in_verb = graph.word(one.from).name.ends_with('-' + word);
     if (is_in_verb) graph.move_children(one.to, one.from);
     const bool is_direction = graph.children(one.to).empty();
-    if (!is_direction || std::find(std::begin(kBare), std::end(kBare), word) == std::end(kBare)) continue;
+    if (!is_direction || !is_listed(word, kBare)) continue;
     one.role = "particle";
     // The verb may have the word in its name: sit-down-02.
     if (is_in_verb) {
@@ -852,7 +839,7 @@ static void directions_apply(Rewriter& graph) {
 }
 
 // What is taken out of a whole, and the whole.
-static void sets_apply(Rewriter& graph) {
+void sets_apply(Rewriter& graph) {
   for (int at = 0; at < graph.count(); ++at) {
     // "Some of us": how many are taken out of a whole stands for those that are taken.
     const int whole = graph.child(at, "superset");
@@ -894,6 +881,8 @@ static void sets_apply(Rewriter& graph) {
     graph.remove(number, Fate::word);
   }
 }
+
+}  // namespace
 
 // (c / cause-01 :ARG0 (r / rain-01) :ARG1 (s / stay-01)) becomes (s / stay-01 :cause (r / rain-01)). Nouns that a frame
 // makes come first, "the cause of", as they would be taken apart else.
@@ -941,8 +930,8 @@ void step_office(Meaning& meaning) {
     const bool is_of = one.role == "part-of" && !one.inverse && !one.gone;
     // Where somebody is from is his: "your village".
     const bool is_home = one.role == "source" && one.inverse && !one.gone && graph.word(one.from).sense.empty();
-    if (is_home && is_personal_pronoun(graph.word(one.to).name)) one.role = "poss", one.inverse = false;
-    if (is_of && is_personal_pronoun(graph.word(one.to).name)) one.role = "poss";
+    if (is_home && is_personal_pronoun(graph, one.to)) one.role = "poss", one.inverse = false;
+    if (is_of && is_personal_pronoun(graph, one.to)) one.role = "poss";
   }
   // A noun of several words beside a name: "Aurora, the old fishing boat".
   for (int at = 0; at < graph.count(); ++at) {
@@ -964,13 +953,17 @@ void step_office(Meaning& meaning) {
   }
 }
 
+namespace {
+
 // "Such a secret place": such belongs to the noun, though it says how secret it is.
-static void such_apply(Rewriter& graph, int at) {
+void such_apply(Rewriter& graph, int at) {
   const int led = graph.child(at, "degree");
   const int above = led >= 0 && graph.is(graph.arc(led).to, "such") ? graph.parent(at) : -1;
   if (above < 0 || graph.arc(above).inverse || graph.arc(above).role != "mod") return;
   graph.replace(led, graph.arc(above).from, graph.arc(led).to, "mod");
 }
+
+}  // namespace
 
 // (h / have-degree-91 :ARG1 x :ARG2 (t / tall) :ARG3 (m / more) :ARG4 y): tall with @more, its bearer x, compared to y.
 void step_degree(Meaning& meaning) {
@@ -988,8 +981,10 @@ void step_degree(Meaning& meaning) {
   }
 }
 
+namespace {
+
 // (x :ARG1-of (have-polarity-91 :ARG2 -)): the value becomes the attribute that the role itself would give.
-static void truth_apply(Rewriter& graph, int at) {
+void truth_apply(Rewriter& graph, int at) {
   const int about = graph.argument(at, "ARG1");
   const int value = graph.child(at, "ARG2");
   if (value < 0) return;
@@ -1020,6 +1015,8 @@ static void truth_apply(Rewriter& graph, int at) {
   if (is_above) graph.redirect(at, word);
   graph.move_children(at, word);
 }
+
+}  // namespace
 
 // (p / possible-01 :ARG1 (g / go-02)) becomes (g / go-02) with @can. UMR gives the same as an attribute of the clause, or as
 // a frame with a value, which is taken first. Of several governed roles the first that is there counts.

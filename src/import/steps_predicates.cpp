@@ -10,11 +10,9 @@
 namespace lexon {
 namespace {
 
-constexpr std::array kPronouns{"i", "we", "you", "he", "she", "it", "they", "this", "that", "these", "those"};
-
-bool is_event(Rewriter& graph, int at) {
-  const Concept& word = graph.word(at);
-  return !word.sense.empty() && !has_attribute(word, "@agent") && !has_attribute(word, "@result");
+// What needs no word that says what it is.
+bool is_pronoun(Rewriter& graph, int at) {
+  return is_personal_pronoun(graph, at) || is_one_of(graph, at, kDemonstratives);
 }
 
 // A concept that joins others; the frame of a contrast is one.
@@ -47,7 +45,7 @@ void located_apply(Rewriter& graph, int at) {
   const int place = graph.child(at, "location");
   constexpr std::array kNew{"nothing", "nobody", "something", "somebody", "someone", "no-one", "noone"};
   const bool is_new = is_one_of(graph, at, kNew);
-  if (place < 0 || !(is_new || is_one_of(graph, at, kPronouns)) || graph.child(at, "domain") >= 0) return;
+  if (place < 0 || !(is_new || is_pronoun(graph, at)) || graph.child(at, "domain") >= 0) return;
   const int above = graph.parent(at);
   constexpr std::array kStating{"say", "tell", "answer", "reply", "think", "know", "see"};
   const bool is_said = above >= 0 && graph.mentions(at) == 1 && !graph.arc(above).inverse &&
@@ -105,8 +103,8 @@ void presented_apply(Rewriter& graph) {
   const int led = graph.child(root, "ARG0");
   const int noun = led >= 0 ? graph.arc(led).to : -1;
   const int about = noun >= 0 ? graph.child(noun, "domain") : -1;
-  const bool is_presented = about >= 0 && !is_event(graph, noun) && graph.mentions(noun) == 1 &&
-                            is_one_of(graph, graph.arc(about).to, kPronouns);
+  const bool is_presented =
+      about >= 0 && !is_event(graph, noun) && graph.mentions(noun) == 1 && is_pronoun(graph, graph.arc(about).to);
   if (!is_presented) return;
   graph.replace(led, noun, root, "ARG0", true);
   graph.meaning().root = noun;
@@ -135,18 +133,15 @@ void answer_apply(Rewriter& graph, int at) {
   const int led = graph.child(at, "cause");
   const int subject = graph.child(at, "ARG0");
   const bool is_own = led >= 0 && subject >= 0 && graph.arc(led).to == graph.arc(subject).to;
-  if (!is_own || !is_one_of(graph, graph.arc(subject).to, kPronouns)) return;
+  if (!is_own || !is_pronoun(graph, graph.arc(subject).to)) return;
   graph.remove(led, Fate::attribute);
   attribute_add(graph.word(at), "@as_cause");
 }
 
 // "He does not live here": what is not here is the living.
 void denial_apply(Rewriter& graph, Arc& one) {
-  constexpr std::array<std::string_view, 7> kCircumstances{"location", "time",      "manner",  "frequency",
-                                                           "extent",   "direction", "duration"};
-  const bool is_circumstance =
-      !one.gone && !one.inverse &&
-      std::find(kCircumstances.begin(), kCircumstances.end(), one.role) != kCircumstances.end();
+  constexpr std::array kCircumstances{"location", "time", "manner", "frequency", "extent", "direction", "duration"};
+  const bool is_circumstance = !one.gone && !one.inverse && is_listed(one.role, kCircumstances);
   if (!is_circumstance || !has_attribute(graph.word(one.to), "@neg") || !graph.word(one.to).sense.empty()) return;
   const bool is_clause = is_event(graph, one.from) || graph.child(one.from, "domain") >= 0;
   if (!is_clause || !graph.children(one.to).empty() || graph.mentions(one.to) > 1) return;
@@ -207,7 +202,7 @@ void number_apply(Rewriter& graph, int at) {
   // "The only hills are three volcanoes".
   const Concept& about = graph.word(who);
   const bool is_noun = about.sense.empty() && !about.variable.empty() && !has_attribute(about, "@name") &&
-                       !is_one_of(graph, who, kPronouns) && graph.child(who, "quant") < 0 && !is_joining(graph, who);
+                       !is_pronoun(graph, who) && graph.child(who, "quant") < 0 && !is_joining(graph, who);
   if (is_noun && has_attribute(word, "@pl") && graph.child(at, "quant") >= 0 && !is_one_of(graph, who, kGroups))
     attribute_add(graph.word(who), "@pl");
 }
@@ -238,8 +233,7 @@ void existing_apply(Rewriter& graph) {
 
 // A thing that seems is there: "there seems to be something new". A quality of nobody is no thing.
 void seeming_apply(Rewriter& graph, int at) {
-  const bool is_seeming = graph.is(at, "seem", "01") || graph.is(at, "appear", "02");
-  const int led = is_seeming && graph.child(at, "ARG0") < 0 ? graph.child(at, "ARG1") : -1;
+  const int led = is_seeming(graph, at) && graph.child(at, "ARG0") < 0 ? graph.child(at, "ARG1") : -1;
   if (led < 0) return;
   const int thing = graph.arc(led).to;
   constexpr std::array kThings{"thing", "nothing", "something", "somebody", "someone", "person", "man", "way"};
@@ -303,7 +297,7 @@ void how_apply(Rewriter& graph, int at) {
   const int degree = is_thing && graph.child(at, "poss") >= 0 ? graph.child(at, "poss") : graph.child(at, "degree");
   if (degree < 0) return;
   const int unknown = graph.arc(degree).to;
-  if (!graph.is(unknown, "amr-unknown") && !graph.is(unknown, "umr-unknown")) return;
+  if (!is_unknown(graph, unknown)) return;
   constexpr std::array kQualities{"good",    "bad",       "wonderful", "beautiful", "important", "happy", "sad",
                                   "strange", "difficult", "easy",      "long",      "wide",      "large", "great",
                                   "serious", "dangerous", "useful",    "strong",    "likely",    "clear", "far"};
@@ -330,7 +324,7 @@ void exist_apply(Rewriter& graph, int at) {
   const int thing = graph.arc(led).to;
   const Concept& word = graph.word(thing);
   if (!word.sense.empty() || word.variable.empty() || has_attribute(word, "@name") || graph.mentions(thing) > 1) return;
-  if (is_one_of(graph, thing, kPronouns) || is_joining(graph, thing) || graph.child(thing, "poss") >= 0) return;
+  if (is_pronoun(graph, thing) || is_joining(graph, thing) || graph.child(thing, "poss") >= 0) return;
   constexpr std::array kKnown{"this", "that", "these", "those", "same", "all", "every", "each", "both"};
   // What is denied, counted or somewhere is new; of a thing alone nobody knows.
   bool is_new = has_attribute(graph.word(at), "@neg") || has_attribute(word, "@neg") ||

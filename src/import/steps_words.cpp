@@ -2,7 +2,6 @@
 // `temporal-quantity`, `name`, is no word: the value takes its place, with an attribute that says what it is.
 #include <algorithm>
 #include <array>
-#include <map>
 
 #include "import/rewriter.hpp"
 #include "import/steps.hpp"
@@ -32,32 +31,14 @@ std::string number_text(const std::string& digits) {
   return text;
 }
 
-// The operands of a concept in the order of their numbers, which is not always that of the source.
-std::vector<int> operands(Rewriter& graph, int at) {
-  std::map<int, int> sorted;
-  for (const int led : graph.children(at)) {
-    const std::string& role = graph.arc(led).role;
-    const bool is_operand = !graph.arc(led).inverse && role.starts_with("op") && role.size() > 2 && role.size() < 6 &&
-                            role.find_first_not_of("0123456789", 2) == role.npos;
-    if (is_operand) sorted.emplace(std::stoi(role.substr(2)), led);
-  }
-  std::vector<int> found;
-  found.reserve(sorted.size());
-  for (const auto& [number, led] : sorted) found.push_back(led);
-  return found;
-}
-
 // True for a name whose head is a common noun, or that is a plural: "the Central Court", "the Hill Islands".
 bool takes_article(const std::string& type, const std::string& name) {
-  constexpr std::array<std::string_view, 14> kNames{"U.S.", "US",  "USA",         "U.S.A.",     "UK",
-                                                    "U.K.", "UN",  "U.N.",        "EU",         "E.U.",
-                                                    "FBI",  "CIA", "Netherlands", "Philippines"};
+  constexpr std::array kNames{"U.S.", "US", "USA",  "U.S.A.", "UK",  "U.K.",        "UN",
+                              "U.N.", "EU", "E.U.", "FBI",    "CIA", "Netherlands", "Philippines"};
   // Waters, deserts and ships: the Nile.
-  constexpr std::array<std::string_view, 6> kTypes{"river", "ocean", "sea", "canal", "desert", "ship"};
-  if (std::find(kNames.begin(), kNames.end(), name) != kNames.end() ||
-      std::find(kTypes.begin(), kTypes.end(), type) != kTypes.end())
-    return true;
-  constexpr std::array<std::string_view, 31> kHeads{
+  constexpr std::array kTypes{"river", "ocean", "sea", "canal", "desert", "ship"};
+  if (is_listed(name, kNames) || is_listed(type, kTypes)) return true;
+  constexpr std::array kHeads{
       "States",     "Nations", "Islands", "Emirates", "Kingdom",    "Republic", "Union",     "Federation",
       "Ministry",   "Church",  "Senate",  "Court",    "Commission", "Council",  "Committee", "Association",
       "Department", "Agency",  "Party",   "Army",     "Navy",       "Bureau",   "Institute", "Organization",
@@ -66,25 +47,24 @@ bool takes_article(const std::string& type, const std::string& name) {
   const std::size_t space = head.rfind(' ');
   const std::string last = space == head.npos ? head : head.substr(space + 1);
   const bool is_compound = head.size() < name.size() || space != head.npos;
-  return is_compound && std::find(kHeads.begin(), kHeads.end(), last) != kHeads.end();
+  return is_compound && is_listed(last, kHeads);
 }
 
 // True for a thing whose type has a noun in front of it: "the fishing boat Aurora". People and places go by their names.
 bool keeps_type(Rewriter& graph, int at) {
-  constexpr std::array<std::string_view, 10> kNames{"person", "country",   "city",  "state",    "province",
-                                                    "county", "continent", "river", "language", "family"};
-  constexpr std::array<std::string_view, 16> kNoNoun{"this", "that",    "these", "all",  "other", "such",
-                                                     "same", "only",    "even",  "just", "also",  "both",
-                                                     "own",  "another", "too",   "new"};
+  constexpr std::array kNames{"person", "country",   "city",  "state",    "province",
+                              "county", "continent", "river", "language", "family"};
+  constexpr std::array kNoNoun{"this", "that", "these", "all",  "other", "such",    "same", "only",
+                               "even", "just", "also",  "both", "own",   "another", "too",  "new"};
   const Concept& type = graph.word(at);
-  const bool is_known = std::find(kNames.begin(), kNames.end(), type.name) != kNames.end();
+  const bool is_known = is_listed(type.name, kNames);
   if (is_known || !type.sense.empty() || type.name.find('-') != type.name.npos) return false;
   for (const int led : graph.children(at)) {
     const Concept& word = graph.word(graph.arc(led).to);
     const bool is_noun = graph.arc(led).role == "mod" && !graph.arc(led).inverse && word.sense.empty() &&
                          !word.variable.empty() && graph.child(graph.arc(led).to, "name") < 0 &&
                          graph.children(graph.arc(led).to).empty() && !has_attribute(word, "@name") &&
-                         std::find(kNoNoun.begin(), kNoNoun.end(), word.name) == kNoNoun.end();
+                         !is_listed(word.name, kNoNoun);
     if (is_noun) return true;
   }
   return false;
@@ -94,7 +74,7 @@ bool keeps_type(Rewriter& graph, int at) {
 void name_apply(Rewriter& graph, int at, int led) {
   const int name = graph.arc(led).to;
   std::string text;
-  for (const int operand : operands(graph, name)) {
+  for (const int operand : graph.numbered(name, {"op"})) {
     if (!text.empty()) text += ' ';
     text += graph.word(graph.arc(operand).to).name;
     graph.remove(operand, Fate::word);
@@ -139,7 +119,7 @@ void step_names(Meaning& meaning) {
   }
   // "They called him Tom": a name that is spoken of itself.
   for (int at = 0; at < graph.count(); ++at) {
-    const std::vector<int> words = graph.is(at, "name") ? operands(graph, at) : std::vector<int>{};
+    const std::vector<int> words = graph.is(at, "name") ? graph.numbered(at, {"op"}) : std::vector<int>{};
     if (words.empty() || words.size() != graph.children(at).size()) continue;
     std::string text;
     for (const int operand : words) {
@@ -177,8 +157,10 @@ void step_dates(Meaning& meaning) {
   }
 }
 
+namespace {
+
 // (r / rate-entity-91 :ARG3 (t / temporal-quantity :quant 1 :unit (d / day))): every day.
-static void rate_apply(Rewriter& graph, int at) {
+void rate_apply(Rewriter& graph, int at) {
   int led = graph.child(at, "ARG3");
   if (led < 0) led = graph.child(at, "ARG4");
   if (const int per = graph.child(at, "ARG2"), what = graph.child(at, "ARG1"); per >= 0 && what >= 0) {
@@ -198,7 +180,7 @@ static void rate_apply(Rewriter& graph, int at) {
 
 // (r / relative-position :op1 (c / city) :quant (d / distance)): a distance from the city. Without a distance its direction
 // stands for it: north of the city.
-static void position_apply(Rewriter& graph, int at) {
+void position_apply(Rewriter& graph, int at) {
   const int point = graph.child(at, "op1");
   const int distance = graph.child(at, "quant");
   const int led = distance >= 0 ? distance : graph.child(at, "direction");
@@ -208,7 +190,7 @@ static void position_apply(Rewriter& graph, int at) {
 }
 
 // (m / multiple :op1 1000): thousands of. (m / more-than :op1 (f / few)): more than a few.
-static void multiple_apply(Rewriter& graph, int at) {
+void multiple_apply(Rewriter& graph, int at) {
   constexpr std::pair<const char*, const char*> kPowers[] = {
       {"12", "dozens"},          {"100", "hundreds"},
       {"1000", "thousands"},     {"10000", "tens-of-thousands"},
@@ -235,7 +217,7 @@ static void multiple_apply(Rewriter& graph, int at) {
 }
 
 // "A few steps"; what a word picks out has few alone: "these few steps", "very few steps".
-static void few_apply(Rewriter& graph, int at) {
+void few_apply(Rewriter& graph, int at) {
   const int led = graph.is(at, "few") && graph.children(at).empty() ? graph.parent(at) : -1;
   if (led < 0 || graph.arc(led).inverse || graph.arc(led).role != "quant") return;
   const int noun = graph.arc(led).from;
@@ -248,7 +230,7 @@ static void few_apply(Rewriter& graph, int at) {
 }
 
 // "I saw the others": alone and with nothing that counts it, what is other is several.
-static void others_apply(Rewriter& graph, int at) {
+void others_apply(Rewriter& graph, int at) {
   const int led = graph.is(at, "other") && graph.children(at).empty() ? graph.parent(at) : -1;
   if (led < 0 || graph.arc(led).inverse) return;
   const std::string& role = graph.arc(led).role;
@@ -256,19 +238,19 @@ static void others_apply(Rewriter& graph, int at) {
 }
 
 // Nouns of which there is a lot, and not lots of them; frames are no matter here.
-static bool is_uncounted(const std::string& name) {
-  constexpr std::array<std::string_view, 48> kMass{
-      "money",     "time",      "water",   "food",      "energy",  "attention", "information", "news",
-      "stuff",     "traffic",   "trouble", "noise",     "music",   "air",       "gas",         "oil",
-      "snow",      "rain",      "sand",    "wood",      "gold",    "power",     "sense",       "fun",
-      "room",      "space",     "land",    "evidence",  "crap",    "shit",      "luck",        "courage",
-      "knowledge", "furniture", "paper",   "coffee",    "wine",    "milk",      "sugar",       "blood",
-      "freedom",   "bullshit",  "weather", "equipment", "emotion", "wealth",    "progress",    "support"};
-  return std::find(kMass.begin(), kMass.end(), name) != kMass.end();
+bool is_uncounted(const std::string& name) {
+  constexpr std::array kMass{"money",   "time",      "water",   "food",    "energy",    "attention", "information",
+                             "news",    "stuff",     "traffic", "trouble", "noise",     "music",     "air",
+                             "gas",     "oil",       "snow",    "rain",    "sand",      "wood",      "gold",
+                             "power",   "sense",     "fun",     "room",    "space",     "land",      "evidence",
+                             "crap",    "shit",      "luck",    "courage", "knowledge", "furniture", "paper",
+                             "coffee",  "wine",      "milk",    "sugar",   "blood",     "freedom",   "bullshit",
+                             "weather", "equipment", "emotion", "wealth",  "progress",  "support"};
+  return is_listed(name, kMass);
 }
 
 // "At this" is no time; "at this time" is.
-static void pointing_time_apply(Rewriter& graph) {
+void pointing_time_apply(Rewriter& graph) {
   for (std::size_t i = 0, end = graph.meaning().arcs.size(); i < end; ++i) {
     const int led = static_cast<int>(i);
     const bool is_time = graph.arc(led).role == "time" || graph.arc(led).role == "temporal";
@@ -282,7 +264,7 @@ static void pointing_time_apply(Rewriter& graph) {
 }
 
 // A quantity becomes its unit; without one it is the thing that is measured.
-static void unit_apply(Rewriter& graph, int at) {
+void unit_apply(Rewriter& graph, int at) {
   const bool is_quantity = graph.word(at).name.ends_with("-quantity") && graph.word(at).sense.empty();
   if (const int unit = is_quantity ? graph.child(at, "unit") : -1; unit >= 0) {
     attribute_add(graph.word(graph.arc(unit).to), "@measure");
@@ -297,7 +279,7 @@ static void unit_apply(Rewriter& graph, int at) {
 }
 
 // What has nothing but a value is that value; percent is a word, and its value a number of it.
-static void entity_value_apply(Rewriter& graph, int at) {
+void entity_value_apply(Rewriter& graph, int at) {
   const bool has_value = graph.is(at, "ordinal-entity") || graph.is(at, "percentage-entity") ||
                          graph.is(at, "url-entity") || graph.is(at, "string-entity") ||
                          graph.is(at, "email-address-entity") || graph.is(at, "phone-number-entity") ||
@@ -319,30 +301,30 @@ static void entity_value_apply(Rewriter& graph, int at) {
 
 // Words beside a noun that determine it: each belongs to the noun, wherever the source writes it, and some go with a
 // plural. A number as :mod is a name: chapter 2.
-static void determiners_apply(Rewriter& graph) {
-  constexpr std::array<std::string_view, 8> kDetermining{"any", "some", "every", "no", "this", "that", "all", "these"};
-  constexpr std::array<std::string_view, 5> kSeveral{"all", "both", "most", "these", "those"};
+void determiners_apply(Rewriter& graph) {
+  constexpr std::array kDetermining{"any", "some", "every", "no", "this", "that", "all", "these"};
+  constexpr std::array kSeveral{"all", "both", "most", "these", "those"};
   for (Arc& one : graph.meaning().arcs) {
     if (one.gone || one.inverse || one.role != "mod") continue;
     // "Any other garden", "all these".
     const std::string name = graph.word(one.to).name;
-    const bool is_determiner = std::find(kDetermining.begin(), kDetermining.end(), name) != kDetermining.end();
+    const bool is_determiner = is_listed(name, kDetermining);
     const bool is_pointing = graph.is(one.from, "this") || graph.is(one.from, "that");
     const bool is_moved = (is_determiner && (graph.is(one.from, "other") || graph.is(one.from, "same"))) ||
                           (is_pointing && graph.is(one.to, "all"));
     const int above = is_moved ? graph.parent(one.from) : -1;
     if (above >= 0 && graph.arc(above).role == "mod" && !graph.arc(above).inverse) one.from = graph.arc(above).from;
     if (graph.word(one.to).variable.empty() && is_number(name)) one.role = "number";
-    const bool is_several = std::find(kSeveral.begin(), kSeveral.end(), name) != kSeveral.end();
+    const bool is_several = is_listed(name, kSeveral);
     const bool is_all_that = graph.is(one.from, "that") || graph.is(one.from, "this");
     if (is_several && !is_all_that && graph.word(one.from).sense.empty()) attribute_add(graph.word(one.from), "@pl");
   }
 }
 
 // Numbers other than one go with a plural, and words that say how many.
-static void counted_apply(Rewriter& graph) {
-  constexpr std::array<std::string_view, 11> kMany{"many", "few",  "several", "multiple",    "various",    "numerous",
-                                                   "all",  "both", "most",    "amr-unknown", "umr-unknown"};
+void counted_apply(Rewriter& graph) {
+  constexpr std::array kMany{"many", "few",  "several", "multiple",    "various",    "numerous",
+                             "all",  "both", "most",    "amr-unknown", "umr-unknown"};
   for (const Arc& one : graph.meaning().arcs) {
     if (one.gone || one.inverse || one.role != "quant") continue;
     // "Only four": the number stands below the word that restricts it.
@@ -351,10 +333,12 @@ static void counted_apply(Rewriter& graph) {
     const bool is_plain = number.sense.empty() && is_number(number.name);
     const bool is_lot =
         number.name == "lot" && graph.word(one.from).sense.empty() && !is_uncounted(graph.word(one.from).name);
-    const bool is_many = is_lot || std::find(kMany.begin(), kMany.end(), number.name) != kMany.end();
+    const bool is_many = is_lot || is_listed(number.name, kMany);
     if (is_plain || is_many) attribute_add(graph.word(one.from), number.name == "1" ? "@sg" : "@pl");
   }
 }
+
+}  // namespace
 
 // (t / temporal-quantity :quant 3 :unit (y / year)) becomes year.@measure with the quantity below it. Number is settled
 // here, too: three years, all years, but one year. Loops follow one another as each looks at what the one before has made.
@@ -385,8 +369,10 @@ void step_quantities(Meaning& meaning) {
   }
 }
 
+namespace {
+
 // True for somebody who is called by an office or by what he is to others.
-static bool has_role(Rewriter& graph, int at) {
+bool has_role(Rewriter& graph, int at) {
   for (const int led : graph.children(at)) {
     const std::string& frame = graph.word(graph.arc(led).to).name;
     if (frame.starts_with("have-") && frame.ends_with("-role")) return true;
@@ -395,7 +381,7 @@ static bool has_role(Rewriter& graph, int at) {
 }
 
 // Words that mean something else together than one by one.
-static void idiom_apply(Rewriter& graph, int at) {
+void idiom_apply(Rewriter& graph, int at) {
   for (const int led : graph.children(at)) {
     const int word = graph.arc(led).to;
     if (graph.arc(led).inverse || !graph.children(word).empty()) continue;
@@ -407,10 +393,9 @@ static void idiom_apply(Rewriter& graph, int at) {
       std::erase(graph.word(word).attributes, "@neg");
     }
     // Whoever is fed are the poor, not poorly.
-    constexpr std::array<std::string_view, 14> kPeople{"poor",       "rich",     "young",   "old",  "homeless",
-                                                       "unemployed", "elderly",  "sick",    "dead", "blind",
-                                                       "deaf",       "disabled", "wealthy", "needy"};
-    const bool is_people = std::find(kPeople.begin(), kPeople.end(), graph.word(word).name) != kPeople.end();
+    constexpr std::array kPeople{"poor", "rich", "young", "old",  "homeless", "unemployed", "elderly",
+                                 "sick", "dead", "blind", "deaf", "disabled", "wealthy",    "needy"};
+    const bool is_people = is_listed(graph.word(word).name, kPeople);
     if (is_people && role.starts_with("ARG") && graph.word(word).sense.empty())
       attribute_add(graph.word(word), "@people");
   }
@@ -437,7 +422,7 @@ static void idiom_apply(Rewriter& graph, int at) {
 }
 
 // (w / woman :mod (r / rest)): the rest of the women.
-static void rest_apply(Rewriter& graph, int at) {
+void rest_apply(Rewriter& graph, int at) {
   const int led = graph.child(at, "mod");
   if (led < 0 || !graph.is(graph.arc(led).to, "rest") || graph.mentions(graph.arc(led).to) > 1) return;
   const int rest = graph.arc(led).to;
@@ -446,6 +431,8 @@ static void rest_apply(Rewriter& graph, int at) {
   attribute_add(graph.word(at), "@pl");
   attribute_add(graph.word(at), "@def");
 }
+
+}  // namespace
 
 // Any word can stand in such a role, so the dictionary says it, as where a bank makes a concept of it (beneath :op1 mat).
 // Read from below the role stays: a table may have a label for it.
@@ -473,10 +460,10 @@ void step_pronouns(Meaning& meaning) {
     const int named = is_person ? -1 : graph.child(at, "ARG1", true);
     if (named >= 0 && graph.children(graph.arc(named).to).empty() && graph.children(at).size() > 2) continue;
     for (const int led : graph.children(at)) {
-      constexpr std::array<std::string_view, 4> kWords{"some", "any", "every", "no"};
+      constexpr std::array kWords{"some", "any", "every", "no"};
       const std::string word = graph.word(graph.arc(led).to).name;
       if (has_attribute(graph.word(at), "@pl") && word != "every") continue;
-      const bool is_any = std::find(kWords.begin(), kWords.end(), word) != kWords.end();
+      const bool is_any = is_listed(word, kWords);
       if (graph.arc(led).role != "mod" || !is_any || !graph.children(graph.arc(led).to).empty()) continue;
       graph.settle_concept(graph.arc(led).to, Fate::word);
       graph.remove(led, Fate::word);
@@ -491,10 +478,10 @@ void step_pronouns(Meaning& meaning) {
     const int counted = word.name == "thing" && word.sense.empty() ? graph.child(at, "quant") : -1;
     if (counted >= 0 && !has_attribute(word, "@name")) {
       // "He knows much": the quantity stands for the thing.
-      constexpr std::array<std::string_view, 4> kStanding{"much", "lot", "enough", "more"};
+      constexpr std::array kStanding{"much", "lot", "enough", "more"};
       const int quantity = graph.arc(counted).to;
       const std::string& name = graph.word(quantity).name;
-      const bool is_standing = std::find(kStanding.begin(), kStanding.end(), name) != kStanding.end();
+      const bool is_standing = is_listed(name, kStanding);
       if (is_standing && graph.mentions(quantity) == 1) graph.stand_in(at, counted, Fate::word);
       continue;
     }
