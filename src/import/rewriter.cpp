@@ -88,6 +88,7 @@ bool Rewriter::reaches(int above, int below) {
   return false;
 }
 
+// An arc stays in the list, so that its triple can be told; whoever walks over arcs asks for `gone`.
 void Rewriter::remove(int arc_at, Fate fate) {
   arc(arc_at).gone = true;
   settle(meaning_, arc(arc_at).triple, fate, step_);
@@ -103,6 +104,7 @@ int Rewriter::replace(int arc_at, int from, int to, std::string role, bool inver
   return arc_at;
 }
 
+// An arc of a step's own making has no triple: it is in the graph, and no figure counts it.
 int Rewriter::add(int from, int to, std::string role, bool inverse) {
   meaning_.arcs.push_back({from, to, std::move(role), inverse, -1, false});
   return static_cast<int>(meaning_.arcs.size()) - 1;
@@ -155,6 +157,8 @@ bool is_unknown(Rewriter& graph, int at) {
   return graph.is(at, "amr-unknown") || graph.is(at, "umr-unknown");
 }
 
+// (d / drive-01 with @agent) is the driver and (o / order-01 with @result) the order: frames no longer, though they
+// keep the sense by which the dictionary finds the noun.
 bool is_event(Rewriter& graph, int at) {
   const Concept& word = graph.word(at);
   return !word.sense.empty() && !has_attribute(word, "@agent") && !has_attribute(word, "@result");

@@ -71,6 +71,8 @@ std::vector<int> first_arcs(Rewriter& graph) {
 
 // A word of its own for a further mention of a concept. Of the attributes it has those that say what it is; what is said
 // about it, degree or negation, stays with the first.
+// (b / boy) in "the boy wants the boy to go" is one concept: the second mention is boy.@v...@ref, which a rule turns
+// into "he" or leaves out.
 int mention_of(Rewriter& graph, int at) {
   const Concept model = graph.word(at);
   const int made = graph.add_concept(model.name);
@@ -98,6 +100,7 @@ constexpr Conjunction kConjunctions[] = {
     {"contrast", "@but"}, {"but", "@but"},   {"multi-sentence", "@snt"}, {"multiple-sentences", "@snt"}};
 
 // Null for what joins nothing.
+// contrast-01 has ARG1 and ARG2 instead of operands; the choices name alternatives, of which each bank has its own.
 const Conjunction* conjunction_of(Rewriter& graph, int at) {
   for (const Conjunction& one : kConjunctions) {
     // contrast-01 is a frame, the others are none: and-01 would be another word.
@@ -117,6 +120,7 @@ int subject_arc(Rewriter& graph, int clause) {
 }
 
 // What is joined to a clause that is a chain itself is joined to its last: "she came and sang, or she slept".
+// x :conjunct y :conjunct z ends with z. Below a noun a chain is left alone: "a cat and a dog that bark".
 int chain_end(Rewriter& graph, int clause) {
   int led = graph.child(clause, "conjunct");
   for (int steps = graph.count(); steps > 0 && led >= 0 && is_clause(graph, clause); --steps) {
@@ -128,6 +132,8 @@ int chain_end(Rewriter& graph, int clause) {
 
 // "She hates us, and the pity that she lacks": a noun that is joined to a clause, and of which one clause is told, is told by
 // that clause.
+// (a / and :op1 (h / hate-01 ...) :op2 (p / pity :ARG1-of (l / lack-01 :ARG0 she))) becomes a second clause, she lacks
+// pity: a clause and a noun cannot be joined by "and".
 void promote_relative(Rewriter& graph, int led, const std::vector<int>& parts) {
   const int noun = graph.arc(led).to;
   const bool is_last = led == parts.back() && is_clause(graph, graph.arc(parts[0]).to);
@@ -157,6 +163,8 @@ void nominal_parts(Rewriter& graph, int at, const std::vector<int>& parts) {
 }
 
 // A part that the sentence has named before joins in as a mention.
+// `first` has for each concept the arc by which the reader meets it first. A part that is met elsewhere before cannot
+// be the head of what is said about it here.
 void mention_parts(Rewriter& graph, const Conjunction& conjunction, const std::vector<int>& parts,
                    const std::vector<int>& first) {
   for (const int led : parts) {
@@ -180,6 +188,8 @@ void mention_parts(Rewriter& graph, const Conjunction& conjunction, const std::v
 }
 
 // The whole, mentioned again: "they".
+// (s / sing-01 :ARG0 (a / and :op1 x :op2 y)) and below that (t / they :ARG0 a): when `at` has become its first
+// operand, the other arcs would mean x alone.
 void mention_group(Rewriter& graph, int at, int group_arc) {
   for (std::size_t i = 0; i < graph.meaning().arcs.size(); ++i) {
     const int led = static_cast<int>(i);
@@ -226,6 +236,8 @@ void coordinate(Rewriter& graph, int at, const Conjunction& conjunction) {
     attribute_add(graph.word(head), std::string("@lead_") + (conjunction.attribute + 1));
   }
   if (has_attribute(graph.word(at), "@pl")) plural_parts(graph, parts);
+  // Each part is tied to the one before. `joined_by` is what stands in front of it, and a subject that is that of the
+  // first clause becomes :shared: "she came and sang".
   int last = chain_end(graph, head);
   for (std::size_t i = 1; i < parts.size(); ++i) {
     const int part = graph.arc(parts[i]).to;
@@ -280,6 +292,7 @@ constexpr std::array kUttering{"say",    "answer", "reply", "exclaim",  "cry",  
                                "repeat", "murmur", "shout", "call-out", "respond", "whisper"};
 
 // All concepts that some clauses are made of, themselves first; graphs have circles and meet again, so each is there once.
+// Used to ask whether anybody in a quotation says "I".
 std::vector<int> clause_words(Rewriter& graph, std::vector<int> clauses) {
   const std::vector<std::vector<int>> below = arcs_by_beginning(graph);
   std::vector<bool> seen(below.size());
@@ -295,6 +308,8 @@ std::vector<int> clause_words(Rewriter& graph, std::vector<int> clauses) {
 }
 
 // Words that say who speaks to whom, and moods that only one who speaks has.
+// "He said that I know you" is a report only if the speaker of the whole sentence is meant, which no graph tells: such
+// words make it direct speech.
 bool has_speaker(Rewriter& graph, int clause) {
   const std::vector<int> words = clause_words(graph, {clause});
   return std::any_of(words.begin(), words.end(), [&](int at) {
@@ -343,6 +358,9 @@ void speak_of_oneself(Rewriter& graph, int frame, int said, int speaker, int hea
   }
 }
 
+// (s / say-01 :ARG0 (k / king) :ARG1 (c / come-01 :mode imperative) :ARG2 (b / boy)): "Come," said the king. `led` is
+// the arc to what is said, `who` that to the speaker and `whom` to the hearer; verbs of answering number the last two
+// the other way round.
 void quote(Rewriter& graph, int at) {
   // Who answers says the answer to a question.
   constexpr std::array kAnswering{"answer", "reply", "respond", "interrupt"};
@@ -403,6 +421,8 @@ constexpr std::array kReporting{"know", "wonder", "understand", "forget", "remem
                                 "say",  "decide", "realize",    "hear",   "doubt",    "matter", "idea",    "care"};
 
 // What a frame's numbered role is called when it is asked for.
+// The name becomes an attribute, @wh_location, by which rules choose where, when, who; what a number means differs from
+// frame to frame.
 std::string asked_role(Rewriter& graph, int frame, const std::string& role) {
   // "Where is the key": what a place is said of has no other verb.
   const bool is_place = graph.is(frame, "be-located-at", "91") || graph.is(frame, "have-place", "91");
@@ -417,6 +437,9 @@ std::string asked_role(Rewriter& graph, int frame, const std::string& role) {
 }
 
 // What is asked for moves to the front of its clause, together with the phrase that it belongs to.
+// Three parts: which phrase goes along (how many stars), up to which clause it moves (where do you want to go), and
+// what the clause and the phrase must know of it (@ask or @asked; @wh_ with the role). The phrase becomes :questioned
+// of the clause.
 void question(Rewriter& graph, int unknown) {
   // (a / amr-unknown :domain (y / you)): what is asked for is the predicate. As :domain of the other it is the one word
   // that moves: "who are you".
@@ -519,6 +542,7 @@ void ever_of_all(Rewriter& graph, int at) {
 }
 
 // "They do not ask any question": said of the verb, "they do not ask at all".
+// (a / ask-01 :polarity - :ARG0 they :mod (a2 / any)).
 void any_of_verb(Rewriter& graph, int at) {
   const bool is_denied = has_attribute(graph.word(at), "@neg") && !graph.word(at).sense.empty();
   const int led = is_denied && graph.child(at, "ARG0") >= 0 ? graph.child(at, "mod") : -1;
@@ -526,6 +550,7 @@ void any_of_verb(Rewriter& graph, int at) {
 }
 
 // English denies once: where the subject is nobody, the clause is not denied again.
+// (c / come-01 :polarity - :ARG0 (n / nobody)): banks differ in whether they mark both.
 void negation_once(Rewriter& graph, int at) {
   constexpr std::array kNone{"nobody", "noone", "no-one", "nothing"};
   const int led = graph.word(at).sense.empty() ? -1 : subject_arc(graph, at);
@@ -573,6 +598,8 @@ void nobody_apply(Rewriter& graph, int at) {
 }
 
 // "She has no garden": what is had is denied, if it is any of its kind.
+// The holding frame has what is had as ARG1 or ARG2. "She does not have my garden" denies the having, as the garden is
+// known.
 void nothing_had(Rewriter& graph, int at) {
   const bool is_holding = graph.is(at, "have", "91") || graph.is(at, "have-part", "91") ||
                           graph.is(at, "have-possession", "91") || graph.is(at, "have-experience", "91");
@@ -585,6 +612,8 @@ void nothing_had(Rewriter& graph, int at) {
 }
 
 // (r / request-confirmation-91 :ARG1 x): whether x.
+// UMR's frame of a question that wants a yes. Where nobody asks it the frame is the mood of the clause, @int; where
+// somebody does it is the verb.
 void request_apply(Rewriter& graph, int at) {
   bool is_tag = graph.is(at, "request-confirmation", "91");
   // With somebody who asks it is a verb: "she asked whether it rained".
@@ -657,6 +686,8 @@ void government_apply(Rewriter& graph, int at) {
 }
 
 // The frame names its participant: `mark` says which one.
+// (p / person :ARG0-of (d / drive-01)): drive takes the place of the person, with @agent, and the dictionary has
+// drive(>01) with @agent as "driver". What was known of the person, number or mention, goes along.
 void frame_stand_in(Rewriter& graph, int at, int led, const char* mark) {
   Concept& frame = graph.word(graph.arc(led).to);
   attribute_add(frame, mark);
@@ -665,6 +696,8 @@ void frame_stand_in(Rewriter& graph, int at, int led, const char* mark) {
 }
 
 // (t / thing :ARG1-of (o / order-01)): an order. Only what has no agent; "what she knows" stays a clause.
+// The thing is whatever the frame makes; only the arguments that a noun can have behind it may follow, "an answer to
+// the boy", and no negation or degree.
 void thing_apply(Rewriter& graph, int at) {
   int led = -1;
   // "The lie that he told": of several clauses the one that is a noun by itself.
@@ -709,6 +742,8 @@ void thing_apply(Rewriter& graph, int at) {
 
 // (t / that :ARG1-of (i / important-01)): "that is important". A pronoun has no relative clause; what is said of it is a
 // clause of its own.
+// Banks write "that is important" as a thing with a property, as they do "the important thing"; with a pronoun only the
+// first can be meant.
 void pronoun_apply(Rewriter& graph, int at) {
   const int above = graph.parent(at);
   // "Which means that ...", as a sentence: what was spoken of before is "that".
@@ -737,6 +772,7 @@ void pronoun_apply(Rewriter& graph, int at) {
 
 // (s / say-01 :ARG0 (h / he :ARG0-of (t / talk-01))): "he said ..., talking". A pronoun has no relative clause; what it does
 // besides goes with what is said of it.
+// What he does becomes :attendant of the clause, with himself as its subject, which step control takes out again.
 void attendant_apply(Rewriter& graph, int at) {
   const int above = graph.parent(at);
   if (above < 0 || graph.arc(above).inverse || !is_personal_pronoun(graph, at)) return;
@@ -797,6 +833,8 @@ void step_persons(Meaning& meaning) {
 namespace {
 
 // (l / love-01 :ARG1-of (c / contrast-01 :ARG2 h)): the contrast stands above what it joins, as elsewhere.
+// `first` is what stands above; the frame takes its place and has it as ARG1, so that both parts hang below as with
+// "and".
 void contrast_upright(Rewriter& graph, int at) {
   const int above = graph.parent(at);
   const bool is_below = above >= 0 && graph.arc(above).inverse && graph.arc(above).role == "ARG1";
@@ -848,6 +886,7 @@ void step_coordination(Meaning& meaning) {
 namespace {
 
 // Who is called is "you" everywhere else: "Kim, did you see that?"
+// The name is said once, in the address; in the clause the same person is "you".
 void called_apply(Rewriter& graph) {
   const int end = static_cast<int>(graph.meaning().arcs.size());
   for (int led = 0; led < end; ++led) {
@@ -866,6 +905,9 @@ void called_apply(Rewriter& graph) {
 
 }  // namespace
 
+// UMR puts an utterance below (s / say-01 :ARG0 (p / person) :ARG1 c :ARG2 (p2 / person) :quote s). A reader of the
+// sentence has c alone, in which p is "I" and p2 is "you"; a story that tells who speaks keeps the frame. Runs behind
+// pronouns, as the two may have become pronouns by then.
 void step_speaker(Meaning& meaning) {
   Rewriter graph(meaning, "speaker");
   // UMR marks what is uttered by :quote with the verb of saying as target.
@@ -958,6 +1000,8 @@ void step_questions(Meaning& meaning) {
 namespace {
 
 // What the time of a clause says of its tense. "Before now" alone is no phrase of the sentence: it is the past.
+// (c / come-01 :time (b / before :op1 (n / now))) is @past, with "after" @fut; (y / before :op1 n :quant (y2 / year
+// :quant 3)) is "three years ago" besides.
 void tense_from_time(Rewriter& graph, int at) {
   constexpr std::array kPerfect{"ever", "never", "already", "yet", "since", "so-far", "recent", "lately"};
   for (const int led : graph.children(at)) {
@@ -1025,6 +1069,9 @@ void tense_of_age(Rewriter& graph, int at) {
 
 }  // namespace
 
+// Banks of AMR have no tense. What UMR gives, the attributes @past, @pres, @fut, is left alone; the rest is a guess by
+// who is spoken of, since talk with "you" is about now and a story about "her" is past. Words inside of a quotation,
+// `is_said`, are talk, whoever they are about. Runs behind quotation and questions, whose marks it asks for.
 void step_tense(Meaning& meaning) {
   Rewriter graph(meaning, "tense");
   std::vector<int> quoted;
@@ -1087,6 +1134,7 @@ void step_tense(Meaning& meaning) {
 namespace {
 
 // "His death was announced", "she was told": where nobody does it and nothing else is spoken of, the second argument is.
+// English makes a subject of who is told: (t / tell-01 :ARG2 she) becomes tell :ARG1 she, and the passive follows.
 void told_apply(Rewriter& graph, int at) {
   const Concept& word = graph.word(at);
   constexpr std::array kVerbs{"treat", "pronounce", "declare", "name", "appoint", "teach", "tell", "ask", "inform"};
@@ -1102,6 +1150,8 @@ void told_apply(Rewriter& graph, int at) {
 }  // namespace
 
 // Only people and pronouns: "the wall was moved by building the road" is no better than the active.
+// (s / surprise-01 :ARG0 (s2 / see-01 :ARG0 i :ARG1 he) :ARG1 i): an event is an awkward subject, so the person is, and
+// control then finds that the seeing is his own: "I was surprised to see him".
 void step_voice(Meaning& meaning) {
   Rewriter graph(meaning, "voice");
   constexpr std::array kSomebody{"i",      "we",      "you",      "he",       "she",     "they",   "person", "one",
@@ -1124,6 +1174,7 @@ namespace {
 
 // An event with a determiner is a noun, "it deserves the same respect": true then, and a subject that the clause above
 // has named is not said again.
+// `at` has :understood where control has found its subject above; a noun shows it in no way.
 bool nominal_apply(Rewriter& graph, int at) {
   constexpr std::array kDeterminers{"same", "this", "that", "such", "any", "some", "other", "every", "each", "another"};
   const int above = graph.parent(at);
@@ -1147,6 +1198,8 @@ bool nominal_apply(Rewriter& graph, int at) {
 }
 
 // A clause that is the only thing spoken of stands behind: "it is good that the rain stopped", "it is easy to read this".
+// @xtra: "it" in front and a clause with "that" behind; @xinf: an infinitive behind; @xv: a verb and no adjective is in
+// front, it happens that.
 void extraposed_apply(Rewriter& graph, int at) {
   const Concept& word = graph.word(at);
   const int said = graph.child(at, "ARG1");
@@ -1265,6 +1318,7 @@ void step_forms(Meaning& meaning) {
 namespace {
 
 // (b / become-01 :ARG1 s :ARG2 (s2 / small :domain s)): behind such a verb an adjective has no subject of its own.
+// "She became small": both frames name her in the bank.
 void copular_apply(Rewriter& graph, int at) {
   constexpr std::array kCopular{"become", "look",   "feel", "sound", "smell", "taste",
                                 "stay",   "remain", "grow", "turn",  "get"};
@@ -1287,6 +1341,8 @@ bool is_limit(const Concept& quality) {
 }
 
 // What seems to be done has its subject in front: "the cat seems to sleep".
+// (s / seem-01 :ARG1 (s2 / sleep-01 :ARG0 (c / cat))): the cat gets an arc from seem as its ARG0, and the loop of
+// control then makes :understood of the one from sleep. @raised if the cat was no agent there.
 void raise_apply(Rewriter& graph, int at) {
   // "The rain began to fall": the beginning of what somebody does is his.
   constexpr std::array kPhases{"begin", "start", "continue", "cease", "stop"};
@@ -1322,6 +1378,8 @@ void subject_once_apply(Rewriter& graph, int at) {
 }
 
 // Named by the governing clause, or for a purpose by the one above: "she has no time to sing".
+// `first` has for each clause the arc that leads down to it; three steps up are enough for "she has no time to learn to
+// sing". `above` leads to the clause, `person` is its subject.
 bool is_named_above(Rewriter& graph, const std::vector<int>& first, int above, int person) {
   const bool is_purpose = graph.arc(above).role == "purpose";
   int led_here = above;
@@ -1338,6 +1396,45 @@ bool is_named_above(Rewriter& graph, const std::vector<int>& first, int above, i
   return false;
 }
 
+// The subject of `at` becomes :understood if `at` is a clause that English makes an infinitive or a participle of, and if
+// the clause above names the same person. `first` has for each concept the arc by which the reader meets it first: a
+// subject that is met here first has not been named.
+void understand_subject(Rewriter& graph, const std::vector<int>& first, int at) {
+  const int above = first[static_cast<std::size_t>(at)];
+  if (above < 0 || graph.arc(above).inverse || !is_clause(graph, at)) return;
+  const std::string& role = graph.arc(above).role;
+  // "She knows whether she may stay" is no infinitive.
+  if (has_attribute(graph.word(at), "@whether") || has_attribute(graph.word(at), "@result")) return;
+  // "They said that they were tempted": what is said has a subject.
+  constexpr std::array kTelling{"say", "state", "explain", "report", "note", "mention", "announce", "think", "believe"};
+  if (role == "ARG1" && is_one_of(graph, graph.arc(above).from, kTelling)) return;
+  // A clause in another role keeps its subject: "she left because she was tired".
+  const bool may_be_infinite = role.starts_with("ARG") || role == "purpose" || role == "manner" || role == "mod" ||
+                               role == "attendant" || role == "substitute" || role == "exception" ||
+                               (role == "consequence" && is_limit(graph.word(graph.arc(above).from)));
+  const int subject = subject_arc(graph, at);
+  if (!may_be_infinite || subject < 0) return;
+  const int person = graph.arc(subject).to;
+  if (first[static_cast<std::size_t>(person)] == subject) return;
+  if (!is_named_above(graph, first, above, person)) return;
+  // What somebody says or knows is a clause with a subject: "he told them that he was tired".
+  constexpr std::array kThatVerbs{"say",     "tell",       "think",   "answer", "reply",   "explain", "state",
+                                  "declare", "know",       "believe", "feel",   "realize", "see",     "hear",
+                                  "notice",  "understand", "write",   "hope",   "fear",    "admit"};
+  const int higher = graph.arc(above).from;
+  const int hearer = graph.child(higher, "ARG2");
+  const bool is_told = role == "ARG1" && graph.arc(subject).role == "ARG1" && is_one_of(graph, higher, kThatVerbs) &&
+                       (hearer < 0 || graph.arc(hearer).to != person);
+  if (is_told) return;
+  // A predicate without verb has no infinitive of its own.
+  if (graph.arc(subject).role == "domain" && !is_seeming(graph, higher) && role != "attendant") return;
+  if (graph.arc(subject).role != "ARG0") attribute_add(graph.word(at), "@ctl1");
+  graph.arc(subject).role = "understood";
+  if (role == "consequence" && has_attribute(graph.word(graph.arc(above).from), "@too")) {
+    for (const char* mark : {"@can", "@neg"}) std::erase(graph.word(at).attributes, mark);
+  }
+}
+
 }  // namespace
 
 // (w / want-01 :ARG0 b :ARG1 (g / go-02 :ARG0 b)): the b of go-02 becomes :understood, and rules make an infinitive of it.
@@ -1349,46 +1446,14 @@ void step_control(Meaning& meaning) {
   }
   for (int at = 0; at < graph.count(); ++at) subject_once_apply(graph, at);
   const std::vector<int> first = first_arcs(graph);
-  for (int at = 0; at < graph.count(); ++at) {
-    const int above = first[static_cast<std::size_t>(at)];
-    if (above < 0 || graph.arc(above).inverse || !is_clause(graph, at)) continue;
-    const std::string& role = graph.arc(above).role;
-    // "She knows whether she may stay" is no infinitive.
-    if (has_attribute(graph.word(at), "@whether") || has_attribute(graph.word(at), "@result")) continue;
-    // "They said that they were tempted": what is said has a subject.
-    constexpr std::array kTelling{"say",     "state",    "explain", "report", "note",
-                                  "mention", "announce", "think",   "believe"};
-    if (role == "ARG1" && is_one_of(graph, graph.arc(above).from, kTelling)) continue;
-    // A clause in another role keeps its subject: "she left because she was tired".
-    const bool may_be_infinite = role.starts_with("ARG") || role == "purpose" || role == "manner" || role == "mod" ||
-                                 role == "attendant" || role == "substitute" || role == "exception" ||
-                                 (role == "consequence" && is_limit(graph.word(graph.arc(above).from)));
-    const int subject = subject_arc(graph, at);
-    if (!may_be_infinite || subject < 0) continue;
-    const int person = graph.arc(subject).to;
-    if (first[static_cast<std::size_t>(person)] == subject) continue;
-    if (!is_named_above(graph, first, above, person)) continue;
-    // What somebody says or knows is a clause with a subject: "he told them that he was tired".
-    constexpr std::array kThatVerbs{"say",     "tell",       "think",   "answer", "reply",   "explain", "state",
-                                    "declare", "know",       "believe", "feel",   "realize", "see",     "hear",
-                                    "notice",  "understand", "write",   "hope",   "fear",    "admit"};
-    const int higher = graph.arc(above).from;
-    const int hearer = graph.child(higher, "ARG2");
-    const bool is_told = role == "ARG1" && graph.arc(subject).role == "ARG1" && is_one_of(graph, higher, kThatVerbs) &&
-                         (hearer < 0 || graph.arc(hearer).to != person);
-    if (is_told) continue;
-    // A predicate without verb has no infinitive of its own.
-    if (graph.arc(subject).role == "domain" && !is_seeming(graph, higher) && role != "attendant") continue;
-    if (graph.arc(subject).role != "ARG0") attribute_add(graph.word(at), "@ctl1");
-    graph.arc(subject).role = "understood";
-    if (role == "consequence" && has_attribute(graph.word(graph.arc(above).from), "@too")) {
-      for (const char* mark : {"@can", "@neg"}) std::erase(graph.word(at).attributes, mark);
-    }
-  }
+  for (int at = 0; at < graph.count(); ++at) understand_subject(graph, first, at);
 }
 
 // A concept is one word. Where the graph leads to it a second time, a word of its own with @ref stands for it, and rules
 // make a pronoun of that; with @self if it is the subject of the same verb.
+// (w / want-01 :ARG0 (b / boy) :ARG1 (s / see-01 :ARG0 b :ARG1 b)): of the three arcs to b the first is the boy, the
+// last "himself", with @ref and @self. An inverse argument to a concept that stands elsewhere makes a word of the frame
+// again, (b :ARG0-of w) "who wants".
 void step_mentions(Meaning& meaning) {
   Rewriter graph(meaning, "mentions");
   // What each arc led to before mentions became words of their own: only so "himself" can be told from "him".

@@ -41,6 +41,8 @@ int add_being(Rewriter& graph) {
 }
 
 // (y / you :location (t / there)), said for itself: "you are there".
+// A bank gives the place as a role of the thing, with no verb: at the root, below "and" or below what is said, the
+// thing with its place is the statement, and a verb is made for it. Nouns elsewhere keep the place: "the house there".
 void located_apply(Rewriter& graph, int at) {
   const int place = graph.child(at, "location");
   constexpr std::array kNew{"nothing", "nobody", "something", "somebody", "someone", "no-one", "noone"};
@@ -65,6 +67,7 @@ void located_apply(Rewriter& graph, int at) {
 }
 
 // (l / lonely :domain (b / be-located-at-91 :ARG2 (c / city))): "it is lonely in the city".
+// What is lonely is the being there; English puts "it" in the place of the subject and says the place behind.
 void somewhere_apply(Rewriter& graph, int at) {
   const int led = graph.child(at, "domain");
   if (led < 0) return;
@@ -79,6 +82,8 @@ void somewhere_apply(Rewriter& graph, int at) {
 
 // Who speaks says something: no that-clause stands behind the verb. What is said to nobody, and is a clause,
 // is what is said.
+// (s / speak-01 :ARG0 k :ARG1 (r / rain-01 ...)) is "k says that ...", or asks whether, as "speaks that" is no English.
+// Some files number what is said as ARG2 of say-01.
 void speaking_apply(Rewriter& graph, int at) {
   const int led = graph.child(at, "ARG1");
   const int above = graph.parent(at);
@@ -111,6 +116,8 @@ void presented_apply(Rewriter& graph) {
 }
 
 // (s / sleep-01 :ARG0 h :location h): "he sleeps where he is".
+// A bank that has no place to name writes the sleeper himself in its stead. The verb of being has the aspect and tense
+// of the clause, as both are about the same time.
 void own_place_apply(Rewriter& graph, int at) {
   const int led = graph.child(at, "location");
   if (led < 0 || !is_event(graph, at)) return;
@@ -139,6 +146,8 @@ void answer_apply(Rewriter& graph, int at) {
 }
 
 // "He does not live here": what is not here is the living.
+// (l / live-01 :ARG0 he :location (h / here :polarity -)). Only what is a bare word: a denied clause, "because he does
+// not live here", keeps its own.
 void denial_apply(Rewriter& graph, Arc& one) {
   constexpr std::array kCircumstances{"location", "time", "manner", "frequency", "extent", "direction", "duration"};
   const bool is_circumstance = !one.gone && !one.inverse && is_listed(one.role, kCircumstances);
@@ -178,6 +187,7 @@ void only_apply(Rewriter& graph, int led) {
 }
 
 // "Next week", "last year", in clauses of time: no article.
+// (g / go-02 :time (w / week :mod (n / next))).
 void next_apply(Rewriter& graph, const Arc& one) {
   constexpr std::array kTimes{"week",   "month",   "year",      "weekend",  "summer", "winter",   "spring", "autumn",
                               "monday", "tuesday", "wednesday", "thursday", "friday", "saturday", "sunday"};
@@ -189,6 +199,7 @@ void next_apply(Rewriter& graph, const Arc& one) {
 }
 
 // What they are is several: "they are lamps".
+// (l / lamp :domain they): the bank has one concept for one lamp and for many.
 void number_apply(Rewriter& graph, int at) {
   const int led = graph.child(at, "domain");
   const Concept& word = graph.word(at);
@@ -232,6 +243,7 @@ void existing_apply(Rewriter& graph) {
 }
 
 // A thing that seems is there: "there seems to be something new". A quality of nobody is no thing.
+// @there is said of one, @theres of several; @raised and @seems tell the rules that "to be" follows.
 void seeming_apply(Rewriter& graph, int at) {
   const int led = is_seeming(graph, at) && graph.child(at, "ARG0") < 0 ? graph.child(at, "ARG1") : -1;
   if (led < 0) return;
@@ -246,6 +258,7 @@ void seeming_apply(Rewriter& graph, int at) {
 }
 
 // What something becomes stands behind the verb without a preposition, if it is a quality.
+// @res marks the result. A noun with words of its own, "turned into a small frog", has a preposition instead.
 void becoming_apply(Rewriter& graph, int at) {
   constexpr std::array kBecoming{"become", "grow", "get", "turn", "remain", "stay", "go", "look", "feel", "sound"};
   const int led = graph.word(at).sense.empty() || !is_one_of(graph, at, kBecoming) ? -1 : graph.child(at, "ARG2");
@@ -286,6 +299,8 @@ void whenever_apply(Rewriter& graph, int at) {
 
 // How great a quality is asked for: (t / tall :domain (s / she) :degree (a / amr-unknown)), "how tall is she". The quality
 // moves to the front with the word that asks.
+// What the clause is about moves to a verb of being with the quality as ARG2: the rules bring whatever is asked for to
+// the front, and could not bring the head of the sentence there. Circumstances, negation and mood go with the verb.
 void how_apply(Rewriter& graph, int at) {
   // "How long is it": what is measured has the measure as an argument.
   constexpr std::array kMeasured{"long", "wide", "deep", "high", "tall", "age", "heavy"};
@@ -318,6 +333,8 @@ void how_apply(Rewriter& graph, int at) {
 }
 
 // (e / exist-01 :ARG1 (p / planet :mod (o / other))): "there is another planet". Not so for what is known already.
+// exist-01 becomes exist-91, a name of the import's own, so that the dictionary need not tell two meanings of the verb
+// apart: "ghosts exist" stays exist-01.
 void exist_apply(Rewriter& graph, int at) {
   const int led = graph.is(at, "exist", "01") ? graph.child(at, "ARG1") : -1;
   if (led < 0) return;
@@ -349,6 +366,8 @@ void exist_apply(Rewriter& graph, int at) {
 
 }  // namespace
 
+// Runs when frames of roles, degrees and offices have gone, as these are what a predicate is made of. Arcs come behind
+// concepts: the verbs of being that the first loop makes bring new arcs with them.
 void step_predicates(Meaning& meaning) {
   Rewriter graph(meaning, "predicates");
   for (int at = 0, end = graph.count(); at < end; ++at) {

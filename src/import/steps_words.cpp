@@ -10,12 +10,14 @@ namespace lexon {
 namespace {
 
 // Digits with the signs that numbers have among them: 3, 1,500, 2.5, 1990-2000.
+// A sign alone is no number: "-" is how a bank denies something.
 bool is_number(const std::string& text) {
   return !text.empty() && text.find_first_not_of("0123456789.,-") == std::string::npos &&
          text.find_first_of("0123456789") != std::string::npos;
 }
 
 // As people write a long number: whole millions and billions with the word, others with commas.
+// 12000 becomes 12,000 and 3000000 becomes 3 million; a year, 1984, is too short for either.
 std::string number_text(const std::string& digits) {
   if (digits.size() < 5 || digits[0] == '0' || digits.find_first_not_of("0123456789") != digits.npos) return digits;
   constexpr std::pair<std::size_t, const char*> kUnits[] = {{12, " trillion"}, {9, " billion"}, {6, " million"}};
@@ -43,6 +45,8 @@ bool takes_article(const std::string& type, const std::string& name) {
       "Ministry",   "Church",  "Senate",  "Court",    "Commission", "Council",  "Committee", "Association",
       "Department", "Agency",  "Party",   "Army",     "Navy",       "Bureau",   "Institute", "Organization",
       "Foundation", "House",   "Academy", "Alliance", "Empire",     "Act",      "East"};
+  // The head stands before "of", the Republic of Elbonia, or last, the Central Court. A single word is a plain name:
+  // Act.
   const std::string head = name.substr(0, name.find(" of "));
   const std::size_t space = head.rfind(' ');
   const std::string last = space == head.npos ? head : head.substr(space + 1);
@@ -59,6 +63,7 @@ bool keeps_type(Rewriter& graph, int at) {
   const Concept& type = graph.word(at);
   const bool is_known = is_listed(type.name, kNames);
   if (is_known || !type.sense.empty() || type.name.find('-') != type.name.npos) return false;
+  // (b / boat :name ... :mod (f / fishing)): the noun in front would be lost with the type, so both are said.
   for (const int led : graph.children(at)) {
     const Concept& word = graph.word(graph.arc(led).to);
     const bool is_noun = graph.arc(led).role == "mod" && !graph.arc(led).inverse && word.sense.empty() &&
@@ -85,6 +90,7 @@ void name_apply(Rewriter& graph, int at, int led) {
     if (graph.child(at, "poss") < 0) attribute_add(graph.word(at), "@def");
     return attribute_add(graph.word(name), "@name");
   }
+  // Else the type is an attribute, and the rules choose by it: in Oslo (@city), on Monday, by Ada (@person).
   graph.remove(led, Fate::word);
   graph.settle_concept(name, Fate::word);
   graph.settle_concept(at, Fate::attribute);
@@ -142,6 +148,7 @@ void step_dates(Meaning& meaning) {
   for (int at = 0; at < graph.count(); ++at) {
     if (!graph.is(at, "date-entity")) continue;
     int led = -1;
+    // (d / date-entity :year 2001 :month 7): "July 2001", so the month is the head and the year stands below it.
     for (const char* part : kHeads) {
       if (led = graph.child(at, part); led >= 0) break;
     }
@@ -160,6 +167,8 @@ void step_dates(Meaning& meaning) {
 namespace {
 
 // (r / rate-entity-91 :ARG3 (t / temporal-quantity :quant 1 :unit (d / day))): every day.
+// A bank gives a rate four arguments: what there is so much of (ARG1) in which period (ARG2), or only the interval at
+// which something happens again (ARG3, in some files ARG4).
 void rate_apply(Rewriter& graph, int at) {
   int led = graph.child(at, "ARG3");
   if (led < 0) led = graph.child(at, "ARG4");
@@ -180,6 +189,7 @@ void rate_apply(Rewriter& graph, int at) {
 
 // (r / relative-position :op1 (c / city) :quant (d / distance)): a distance from the city. Without a distance its direction
 // stands for it: north of the city.
+// A bank writes the point as :op1, how far from it something is as :quant, and on which side as :direction.
 void position_apply(Rewriter& graph, int at) {
   const int point = graph.child(at, "op1");
   const int distance = graph.child(at, "quant");
@@ -190,6 +200,7 @@ void position_apply(Rewriter& graph, int at) {
 }
 
 // (m / multiple :op1 1000): thousands of. (m / more-than :op1 (f / few)): more than a few.
+// "Multiple" is what a bank has for a round number that nobody counted; the number itself says which word English has.
 void multiple_apply(Rewriter& graph, int at) {
   constexpr std::pair<const char*, const char*> kPowers[] = {
       {"12", "dozens"},          {"100", "hundreds"},
@@ -199,6 +210,8 @@ void multiple_apply(Rewriter& graph, int at) {
   const int led = graph.child(at, "op1");
   if (led < 0) return;
   // The number may stand inside of a quantity: multiple years is years by the million.
+  // (m / multiple :op1 (t / temporal-quantity :quant 1000 :unit (y / year))): thousands of years. The unit has taken
+  // the place of the quantity by now.
   const int inner = graph.is(at, "multiple") ? graph.child(graph.arc(led).to, "quant") : -1;
   const int number = graph.arc(inner >= 0 ? inner : led).to;
   if (graph.is(number, "few")) graph.word(number).name = "a-few";
@@ -230,6 +243,8 @@ void few_apply(Rewriter& graph, int at) {
 }
 
 // "I saw the others": alone and with nothing that counts it, what is other is several.
+// (s / see-01 :ARG0 i :ARG1 (o / other)). Beside a noun, (b / boat :mod (o / other)), it stays an adjective: its arc is
+// no argument.
 void others_apply(Rewriter& graph, int at) {
   const int led = graph.is(at, "other") && graph.children(at).empty() ? graph.parent(at) : -1;
   if (led < 0 || graph.arc(led).inverse) return;
@@ -264,6 +279,7 @@ void pointing_time_apply(Rewriter& graph) {
 }
 
 // A quantity becomes its unit; without one it is the thing that is measured.
+// (d / distance-quantity :quant 3 :unit (m / mile)) becomes mile.@measure with :quant 3.
 void unit_apply(Rewriter& graph, int at) {
   const bool is_quantity = graph.word(at).name.ends_with("-quantity") && graph.word(at).sense.empty();
   if (const int unit = is_quantity ? graph.child(at, "unit") : -1; unit >= 0) {
@@ -279,6 +295,8 @@ void unit_apply(Rewriter& graph, int at) {
 }
 
 // What has nothing but a value is that value; percent is a word, and its value a number of it.
+// (o / ordinal-entity :value 2) becomes 2(>ord).@ord, "second"; (u / url-entity :value "a.b") the text alone; (p /
+// percentage-entity :value 5) becomes percent.@measure with :quant 5.
 void entity_value_apply(Rewriter& graph, int at) {
   const bool has_value = graph.is(at, "ordinal-entity") || graph.is(at, "percentage-entity") ||
                          graph.is(at, "url-entity") || graph.is(at, "string-entity") ||
@@ -301,6 +319,8 @@ void entity_value_apply(Rewriter& graph, int at) {
 
 // Words beside a noun that determine it: each belongs to the noun, wherever the source writes it, and some go with a
 // plural. A number as :mod is a name: chapter 2.
+// (g / garden :mod (o / other :mod (a / any))): a bank lets "any" qualify "other", but English puts both before the
+// noun, so both belong to the garden.
 void determiners_apply(Rewriter& graph) {
   constexpr std::array kDetermining{"any", "some", "every", "no", "this", "that", "all", "these"};
   constexpr std::array kSeveral{"all", "both", "most", "these", "those"};
@@ -322,6 +342,8 @@ void determiners_apply(Rewriter& graph) {
 }
 
 // Numbers other than one go with a plural, and words that say how many.
+// (s / star :quant 3) has @pl, (s / star :quant 1) @sg. A frame that a bank gives instead of a number, "how many
+// stars", counts as many.
 void counted_apply(Rewriter& graph) {
   constexpr std::array kMany{"many", "few",  "several", "multiple",    "various",    "numerous",
                              "all",  "both", "most",    "amr-unknown", "umr-unknown"};
@@ -372,6 +394,8 @@ void step_quantities(Meaning& meaning) {
 namespace {
 
 // True for somebody who is called by an office or by what he is to others.
+// (p / person :ARG0-of (h / have-org-role-91 :ARG2 m)): the office will be the word for this person, so no pronoun may
+// be.
 bool has_role(Rewriter& graph, int at) {
   for (const int led : graph.children(at)) {
     const std::string& frame = graph.word(graph.arc(led).to).name;
@@ -422,6 +446,8 @@ void idiom_apply(Rewriter& graph, int at) {
 }
 
 // (w / woman :mod (r / rest)): the rest of the women.
+// The part becomes the head and the whole stands behind it, as in "the top of the tree": banks have it the other way
+// round.
 void rest_apply(Rewriter& graph, int at) {
   const int led = graph.child(at, "mod");
   if (led < 0 || !graph.is(graph.arc(led).to, "rest") || graph.mentions(graph.arc(led).to) > 1) return;
@@ -430,6 +456,26 @@ void rest_apply(Rewriter& graph, int at) {
   graph.replace(led, rest, at, "part-of");
   attribute_add(graph.word(at), "@pl");
   attribute_add(graph.word(at), "@def");
+}
+
+// "Some person" is someone, "every thing" everything. "Some people", a plural, stays what it is.
+void someone_apply(Rewriter& graph, int at) {
+  const bool is_person = graph.is(at, "person") || graph.is(at, "individual-person");
+  if (!is_person && !graph.is(at, "thing")) return;
+  // "Some more questions": a frame below names the things.
+  const int named = is_person ? -1 : graph.child(at, "ARG1", true);
+  if (named >= 0 && graph.children(graph.arc(named).to).empty() && graph.children(at).size() > 2) return;
+  for (const int led : graph.children(at)) {
+    constexpr std::array kWords{"some", "any", "every", "no"};
+    const std::string word = graph.word(graph.arc(led).to).name;
+    if (has_attribute(graph.word(at), "@pl") && word != "every") continue;
+    const bool is_any = is_listed(word, kWords);
+    if (graph.arc(led).role != "mod" || !is_any || !graph.children(graph.arc(led).to).empty()) continue;
+    graph.settle_concept(graph.arc(led).to, Fate::word);
+    graph.remove(led, Fate::word);
+    graph.word(at).name = word + (is_person ? "one" : "thing");
+    return;
+  }
 }
 
 }  // namespace
@@ -452,28 +498,11 @@ void step_prepositions(Meaning& meaning) {
 // alone becomes a pronoun: whatever is said of a person must still have a word to stand with.
 void step_pronouns(Meaning& meaning) {
   Rewriter graph(meaning, "pronouns");
-  // "Some person" is someone.
-  for (int at = 0; at < graph.count(); ++at) {
-    const bool is_person = graph.is(at, "person") || graph.is(at, "individual-person");
-    if (!is_person && !graph.is(at, "thing")) continue;
-    // "Some more questions": a frame below names the things.
-    const int named = is_person ? -1 : graph.child(at, "ARG1", true);
-    if (named >= 0 && graph.children(graph.arc(named).to).empty() && graph.children(at).size() > 2) continue;
-    for (const int led : graph.children(at)) {
-      constexpr std::array kWords{"some", "any", "every", "no"};
-      const std::string word = graph.word(graph.arc(led).to).name;
-      if (has_attribute(graph.word(at), "@pl") && word != "every") continue;
-      const bool is_any = is_listed(word, kWords);
-      if (graph.arc(led).role != "mod" || !is_any || !graph.children(graph.arc(led).to).empty()) continue;
-      graph.settle_concept(graph.arc(led).to, Fate::word);
-      graph.remove(led, Fate::word);
-      graph.word(at).name = word + (is_person ? "one" : "thing");
-      break;
-    }
-  }
+  for (int at = 0; at < graph.count(); ++at) someone_apply(graph, at);
   for (int at = 0, end = graph.count(); at < end; ++at) {
     rest_apply(graph, at);
     idiom_apply(graph, at);
+    // The cases exclude one another; the first that fits ends it.
     Concept& word = graph.word(at);
     const int counted = word.name == "thing" && word.sense.empty() ? graph.child(at, "quant") : -1;
     if (counted >= 0 && !has_attribute(word, "@name")) {
@@ -485,6 +514,8 @@ void step_pronouns(Meaning& meaning) {
       if (is_standing && graph.mentions(quantity) == 1) graph.stand_in(at, counted, Fate::word);
       continue;
     }
+    // A person of whom something is said keeps a word for itself, unless the source says that it is who speaks: (p /
+    // person :refer-person 1st :mod (a / all)) is "we all".
     // Who speaks, and to whom, is never a person, whatever is said of him.
     const bool is_speaking = word.sense.empty() && (word.name == "person" || word.name == "individual-person") &&
                              (has_attribute(word, "@p1") || has_attribute(word, "@p2")) &&
@@ -509,6 +540,8 @@ void step_pronouns(Meaning& meaning) {
         word.sense.empty() && graph.children(at).empty() &&
         (word.name == "person" || word.name == "thing" || word.name == "animal" || word.name == "individual-person");
     if (!is_bare) continue;
+    // The person comes from the table of roles, which has made @p1, @p2, @p3 of :refer-person, and @pl of
+    // :refer-number.
     const bool is_many = has_attribute(word, "@pl");
     const char* name = nullptr;
     if (has_attribute(word, "@p1")) name = is_many ? "we" : "i";
