@@ -71,8 +71,8 @@ std::vector<int> first_arcs(Rewriter& graph) {
 
 // A word of its own for a further mention of a concept. Of the attributes it has those that say what it is; what is said
 // about it, degree or negation, stays with the first.
-// (b / boy) in "the boy wants the boy to go" is one concept: the second mention is boy.@v...@ref, which a rule turns
-// into "he" or leaves out.
+// (w / want-01 :ARG0 (b / boy) :ARG1 (s / sing-01 :ARG0 b)) has one concept for two mentions: the second becomes boy.@ref,
+// of which a rule makes "he", or nothing.
 int mention_of(Rewriter& graph, int at) {
   const Concept model = graph.word(at);
   const int made = graph.add_concept(model.name);
@@ -210,7 +210,7 @@ void plural_parts(Rewriter& graph, const std::vector<int>& parts) {
   }
 }
 
-// The first operand takes the place of the conjunction, and each further one hangs on the one before it, so that rules
+// The first operand takes the place of the conjunction, and each further one is tied to the one before it, so that rules
 // see them in their order.
 void coordinate(Rewriter& graph, int at, const Conjunction& conjunction) {
   const std::vector<int> parts = graph.numbered(at, {"op", "snt", "ARG"});
@@ -436,23 +436,26 @@ std::string asked_role(Rewriter& graph, int frame, const std::string& role) {
   return graph.is(frame, "weigh", "01") && role == "ARG3" ? "amount" : role;
 }
 
+// (a / amr-unknown :domain (y / you)): what is asked for is the predicate. As :domain of the other it is the one word that
+// moves: "who are you".
+void asked_predicate(Rewriter& graph, int unknown) {
+  const int said = graph.child(unknown, "domain");
+  const int about = said >= 0 ? graph.arc(said).to : -1;
+  if (about < 0 || graph.mentions(about) != 1) return;
+  graph.redirect(unknown, about);
+  graph.replace(said, about, unknown, "domain");
+  for (const int below : graph.children(unknown)) graph.arc(below).from = about;
+  if (std::erase(graph.word(unknown).attributes, "@quote") > 0) attribute_add(graph.word(about), "@quote");
+}
+
 // What is asked for moves to the front of its clause, together with the phrase that it belongs to.
 // Three parts: which phrase goes along (how many stars), up to which clause it moves (where do you want to go), and
 // what the clause and the phrase must know of it (@ask or @asked; @wh_ with the role). The phrase becomes :questioned
 // of the clause.
 void question(Rewriter& graph, int unknown) {
-  // (a / amr-unknown :domain (y / you)): what is asked for is the predicate. As :domain of the other it is the one word
-  // that moves: "who are you".
-  const int said = graph.child(unknown, "domain");
-  const int about = said >= 0 ? graph.arc(said).to : -1;
-  if (about >= 0 && graph.mentions(about) == 1) {
-    graph.redirect(unknown, about);
-    graph.replace(said, about, unknown, "domain");
-    for (const int below : graph.children(unknown)) graph.arc(below).from = about;
-    if (std::erase(graph.word(unknown).attributes, "@quote") > 0) attribute_add(graph.word(about), "@quote");
-  }
+  asked_predicate(graph, unknown);
   if (unknown == graph.meaning().root) attribute_add(graph.word(unknown), "@ask");
-  int led = graph.parent(unknown);  // the arc by which the phrase hangs on what is above it
+  int led = graph.parent(unknown);  // the arc from what is above the phrase
   if (led < 0 || graph.arc(led).inverse) return;
   int phrase = unknown;
   std::string role = graph.arc(led).role;
@@ -833,7 +836,7 @@ void step_persons(Meaning& meaning) {
 namespace {
 
 // (l / love-01 :ARG1-of (c / contrast-01 :ARG2 h)): the contrast stands above what it joins, as elsewhere.
-// `first` is what stands above; the frame takes its place and has it as ARG1, so that both parts hang below as with
+// `first` is what stands above; the frame takes its place and has it as ARG1, so that both parts stand below as with
 // "and".
 void contrast_upright(Rewriter& graph, int at) {
   const int above = graph.parent(at);
@@ -1342,7 +1345,8 @@ bool is_limit(const Concept& quality) {
 
 // What seems to be done has its subject in front: "the cat seems to sleep".
 // (s / seem-01 :ARG1 (s2 / sleep-01 :ARG0 (c / cat))): the cat gets an arc from seem as its ARG0, and the loop of
-// control then makes :understood of the one from sleep. @raised if the cat was no agent there.
+// control then makes :understood of the one from sleep. @raised if the cat was no agent
+// there; verbs of beginning need no such mark.
 void raise_apply(Rewriter& graph, int at) {
   // "The rain began to fall": the beginning of what somebody does is his.
   constexpr std::array kPhases{"begin", "start", "continue", "cease", "stop"};
@@ -1405,7 +1409,7 @@ void understand_subject(Rewriter& graph, const std::vector<int>& first, int at) 
   const std::string& role = graph.arc(above).role;
   // "She knows whether she may stay" is no infinitive.
   if (has_attribute(graph.word(at), "@whether") || has_attribute(graph.word(at), "@result")) return;
-  // "They said that they were tempted": what is said has a subject.
+  // "They said that they were tempted": what is said has a subject, whichever it is.
   constexpr std::array kTelling{"say", "state", "explain", "report", "note", "mention", "announce", "think", "believe"};
   if (role == "ARG1" && is_one_of(graph, graph.arc(above).from, kTelling)) return;
   // A clause in another role keeps its subject: "she left because she was tired".
@@ -1417,10 +1421,10 @@ void understand_subject(Rewriter& graph, const std::vector<int>& first, int at) 
   const int person = graph.arc(subject).to;
   if (first[static_cast<std::size_t>(person)] == subject) return;
   if (!is_named_above(graph, first, above, person)) return;
-  // What somebody says or knows is a clause with a subject: "he told them that he was tired".
-  constexpr std::array kThatVerbs{"say",     "tell",       "think",   "answer", "reply",   "explain", "state",
-                                  "declare", "know",       "believe", "feel",   "realize", "see",     "hear",
-                                  "notice",  "understand", "write",   "hope",   "fear",    "admit"};
+  // With these only a subject that is no agent is said again, and not if it is who listens: "he told them that he was
+  // tired", but "he told them to wait".
+  constexpr std::array kThatVerbs{"tell", "answer", "reply",      "declare", "know", "feel", "realize", "see",
+                                  "hear", "notice", "understand", "write",   "hope", "fear", "admit"};
   const int higher = graph.arc(above).from;
   const int hearer = graph.child(higher, "ARG2");
   const bool is_told = role == "ARG1" && graph.arc(subject).role == "ARG1" && is_one_of(graph, higher, kThatVerbs) &&

@@ -517,10 +517,10 @@ void counted_apply(Rewriter& graph, int quality, int bearer) {
   if (is_counted) attribute_add(graph.word(bearer), "@pl");
 }
 
-// The frame goes, and the quality stays tied to what it is a quality of. Which arc is left depends on what stood above and on
-// what the quality or a verb says already, in this order: a quality that names its bearer by a role of its own, below it (a
-// tree that is amusing), or above it or beside the frame (she is amusing); a bearer above, which keeps the quality as
-// :mod, a taller tree; an event as bearer, with a :manner; else the quality is stated of its bearer as :domain.
+// The frame goes, and one arc between the quality and its bearer is left. Five cases in this order, x the bearer: x stands
+// above and the quality has a role of its own for it (x :ARG1-of important-01); the quality stands above, or it or the verb
+// above names x already, so that nothing but the frame's own arcs goes; x stands above, x :mod tall; x is an event, which
+// gets a :manner; else the quality is the statement, tall :domain x.
 void tie_to_bearer(Rewriter& graph, int at, bool is_quantity, int quality_led, int bearer_led) {
   const int quality = graph.other(quality_led, at);
   const int bearer = graph.other(bearer_led, at);

@@ -502,7 +502,6 @@ void step_pronouns(Meaning& meaning) {
   for (int at = 0, end = graph.count(); at < end; ++at) {
     rest_apply(graph, at);
     idiom_apply(graph, at);
-    // The cases exclude one another; the first that fits ends it.
     Concept& word = graph.word(at);
     const int counted = word.name == "thing" && word.sense.empty() ? graph.child(at, "quant") : -1;
     if (counted >= 0 && !has_attribute(word, "@name")) {
@@ -514,9 +513,8 @@ void step_pronouns(Meaning& meaning) {
       if (is_standing && graph.mentions(quantity) == 1) graph.stand_in(at, counted, Fate::word);
       continue;
     }
-    // A person of whom something is said keeps a word for itself, unless the source says that it is who speaks: (p /
-    // person :refer-person 1st :mod (a / all)) is "we all".
-    // Who speaks, and to whom, is never a person, whatever is said of him.
+    // Who speaks, and to whom, is never a person, whatever is said of him: (p / person :refer-person 1st :refer-number
+    // plural :mod (a / all)) is "we all".
     const bool is_speaking = word.sense.empty() && (word.name == "person" || word.name == "individual-person") &&
                              (has_attribute(word, "@p1") || has_attribute(word, "@p2")) &&
                              !has_attribute(word, "@name") && !has_role(graph, at);
