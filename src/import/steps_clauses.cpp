@@ -1039,7 +1039,8 @@ void tense_from_time(Rewriter& graph, int at) {
   }
 }
 
-// What is told of him or her is past, and so is when and why it was: people who are there are seldom he or she. True where the clause itself has nothing that says otherwise.
+// What is told of him or her is past, and so is when and why it was: people who are there are seldom he or she. True
+// where the clause itself has nothing that says otherwise.
 bool is_told_of_another(Rewriter& graph, int at) {
   constexpr std::array kSays{"@past", "@pres", "@fut", "@would",  "@imp", "@perf",
                              "@can",  "@must", "@may", "@should", "@ask", "@int"};
