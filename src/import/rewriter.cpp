@@ -2,6 +2,7 @@
 // true. An arc that is gone keeps its place, so that numbers of arcs hold through all steps.
 #include "import/rewriter.hpp"
 
+#include <map>
 #include <utility>
 
 namespace lexon {
@@ -48,6 +49,26 @@ int Rewriter::argument(int frame, std::string_view role) {
   return -1;
 }
 
+// A number of more than three digits is part of a name that a bank made up, and not a place in a list.
+std::vector<int> Rewriter::numbered(int at, std::initializer_list<std::string_view> prefixes) {
+  std::map<int, int> sorted;
+  for (const int led : children(at)) {
+    const std::string_view role = arc(led).role;
+    if (arc(led).inverse) continue;
+    for (const std::string_view prefix : prefixes) {
+      if (!role.starts_with(prefix)) continue;
+      const std::string_view number = role.substr(prefix.size());
+      if (number.empty() || number.size() > 3 || number.find_first_not_of("0123456789") != number.npos) break;
+      sorted.emplace(std::stoi(std::string(number)), led);
+      break;
+    }
+  }
+  std::vector<int> found;
+  found.reserve(sorted.size());
+  for (const auto& [number, led] : sorted) found.push_back(led);
+  return found;
+}
+
 // Depth first, each concept once: a graph may have circles.
 bool Rewriter::reaches(int above, int below) {
   std::vector<std::vector<int>> under(meaning_.concepts.size());
@@ -67,6 +88,7 @@ bool Rewriter::reaches(int above, int below) {
   return false;
 }
 
+// An arc stays in the list, so that its triple can be told; whoever walks over arcs asks for `gone`.
 void Rewriter::remove(int arc_at, Fate fate) {
   arc(arc_at).gone = true;
   settle(meaning_, arc(arc_at).triple, fate, step_);
@@ -82,6 +104,7 @@ int Rewriter::replace(int arc_at, int from, int to, std::string role, bool inver
   return arc_at;
 }
 
+// An arc of a step's own making has no triple: it is in the graph, and no figure counts it.
 int Rewriter::add(int from, int to, std::string role, bool inverse) {
   meaning_.arcs.push_back({from, to, std::move(role), inverse, -1, false});
   return static_cast<int>(meaning_.arcs.size()) - 1;
@@ -124,6 +147,25 @@ int Rewriter::add_concept(std::string name) {
   made.name = std::move(name);
   meaning_.concepts.push_back(std::move(made));
   return count() - 1;
+}
+
+bool is_personal_pronoun(Rewriter& graph, int at) {
+  return is_one_of(graph, at, kPersonalPronouns);
+}
+
+bool is_unknown(Rewriter& graph, int at) {
+  return graph.is(at, "amr-unknown") || graph.is(at, "umr-unknown");
+}
+
+// (d / drive-01 with @agent) is the driver and (o / order-01 with @result) the order: frames no longer, though they
+// keep the sense by which the dictionary finds the noun.
+bool is_event(Rewriter& graph, int at) {
+  const Concept& word = graph.word(at);
+  return !word.sense.empty() && !has_attribute(word, "@agent") && !has_attribute(word, "@result");
+}
+
+bool is_seeming(Rewriter& graph, int at) {
+  return graph.is(at, "seem", "01") || graph.is(at, "appear", "02");
 }
 
 }  // namespace lexon

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <array>
+#include <initializer_list>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -38,6 +39,9 @@ class Rewriter {
   int argument(int frame, std::string_view role);
   // The other end of an arc.
   int other(int arc_at, int end) { return arc(arc_at).from == end ? arc(arc_at).to : arc(arc_at).from; }
+  // The arcs to what a concept counts up, op1, op2, ... for the prefix "op", in the order of their numbers, which is not
+  // always that of the source. Of two with the same number the first counts.
+  std::vector<int> numbered(int at, std::initializer_list<std::string_view> prefixes);
   // True if `below` can be reached from `above` over arcs as they are written.
   bool reaches(int above, int below);
 
@@ -63,10 +67,27 @@ class Rewriter {
   const char* step_;
 };
 
+template <std::size_t N>
+bool is_listed(std::string_view name, const std::array<const char*, N>& names) {
+  return std::find(names.begin(), names.end(), name) != names.end();
+}
+
 // True for a concept with one of these names, whatever its sense.
 template <std::size_t N>
 bool is_one_of(Rewriter& graph, int at, const std::array<const char*, N>& names) {
-  return std::any_of(names.begin(), names.end(), [&](const char* name) { return graph.word(at).name == name; });
+  return is_listed(graph.word(at).name, names);
 }
+
+// The concepts that stand for people and things spoken of before, and those that point at them.
+inline constexpr std::array kPersonalPronouns{"i", "we", "you", "he", "she", "it", "they"};
+inline constexpr std::array kDemonstratives{"this", "that", "these", "those"};
+
+bool is_personal_pronoun(Rewriter& graph, int at);
+// What a question asks for, in either bank: amr-unknown, umr-unknown.
+bool is_unknown(Rewriter& graph, int at);
+// A frame that is said as a verb, or as a noun of an event; the driver and the order (step persons) are none.
+bool is_event(Rewriter& graph, int at);
+// A frame that says how something looks from outside, and has no subject of its own: seem-01, appear-02.
+bool is_seeming(Rewriter& graph, int at);
 
 }  // namespace lexon

@@ -7,6 +7,7 @@ namespace {
 // before coordination, so that operands share subjects and not frames; voice before control, which asks for the
 // subject; mentions last, as every step before them looks at concepts, not at words.
 constexpr RewriteStep kSteps[] = {
+    // Words first: whoever asks later for a name, a number or a pronoun finds one concept, not a frame around a value.
     {"wiki", "leave out :wiki, which no sentence says", step_wiki},
     {"names", "a named thing becomes its name: one word with @name and its type as attribute", step_names},
     {"dates", "a date-entity becomes its month, weekday, part of the day or year, and the rest depends on that",
@@ -16,6 +17,8 @@ constexpr RewriteStep kSteps[] = {
     {"prepositions", "a role that is a preposition (:prep-against) becomes :prep of that word, which governs the rest",
      step_prepositions},
     {"pronouns", "a person or thing with :refer-person alone becomes i, we, you, he, it or they", step_pronouns},
+    // Frames that no sentence says as verbs. The speaker of an utterance goes first, so that the utterance is the root;
+    // an office before persons, as a mayor is no haver of a role.
     {"speaker", "UMR: an utterance stands for itself; who says it is i, to whom is you, and the frame is left out",
      step_speaker},
     {"reified", "frames that stand for a role (cause-01, have-purpose-91) become that role", step_reified},
@@ -23,13 +26,17 @@ constexpr RewriteStep kSteps[] = {
      step_office},
     {"degree", "have-degree-91 and have-quant-91: @more, @most, @too, @equal on the quality, with :compared-to",
      step_degree},
+    // What a modal verb, a negation or a mood says stands as an attribute of the clause from here on.
     {"modality", "possible-01, obligate-01, recommend-01: @can, @must, @should on what they govern", step_modality},
     {"polarity", "yes-no questions get @int, truth-value @whether", step_polarity},
+    // Nouns out of frames, then clauses out of nouns: what is left is what the sentence states.
     {"persons",
      "person :ARG0-of a frame becomes the frame with @agent (driver), thing :ARG1-of one with @result (order)",
      step_persons},
     {"predicates", "what is said without a verb: you are there; where only and not stand; how tall is it",
      step_predicates},
+    // From here on the shape of the sentence: which clause stands beside which, and who is said in which of them. A
+    // contrast is taken apart before other coordinations, so that "but" is outside of what is quoted.
     {"contrast", "contrast-01 and a first operand that is missing: @but, @and on what follows", step_contrast},
     {"coordination", "operands become a chain of :conjunct, with @and, @or on the later; shared subjects :shared",
      step_coordination},
@@ -37,6 +44,7 @@ constexpr RewriteStep kSteps[] = {
      "what is said in a form that only direct speech has becomes :quoted, in a file full of it all that is said",
      step_quotation},
     {"questions", "what is asked for becomes :questioned of its clause, which gets @ask", step_questions},
+    // Guesses that need the finished clauses: tense looks at who is spoken of, control at the passive.
     {"tense", "a guess: a clause whose subject is you is about now, @pres, if nothing else is known", step_tense},
     {"voice", "a frame whose agent is an event and that is done to a person gets @psv: she was surprised to see him",
      step_voice},
@@ -45,6 +53,7 @@ constexpr RewriteStep kSteps[] = {
      step_control},
     {"forms", "a clause with a subject gets @cl, one whose verb stands behind an auxiliary @aux, one of being @there",
      step_forms},
+    // From here on a concept may be several words, so nothing may ask any more how often it is mentioned.
     {"mentions", "a further mention becomes a word of its own with @ref", step_mentions},
     {kRelativesStep, "inverse roles keep their direction where the table has a label for them (:ARG0-of)", nullptr},
 };

@@ -1,7 +1,6 @@
 // Steps about clauses: questions, quotations, coordination, control, further mentions, relative clauses.
 #include <algorithm>
 #include <array>
-#include <map>
 #include <utility>
 
 #include "import/rewriter.hpp"
@@ -13,11 +12,6 @@ namespace {
 // A frame, or anything that is said of a subject.
 bool is_clause(Rewriter& graph, int at) {
   return !graph.word(at).sense.empty() || graph.child(at, "domain") >= 0;
-}
-
-// What a question asks for.
-bool is_unknown(Rewriter& graph, int at) {
-  return graph.is(at, "amr-unknown") || graph.is(at, "umr-unknown");
 }
 
 // For each concept the arcs that are written at it, in the order of the source: for walks over a whole graph, which would
@@ -77,6 +71,8 @@ std::vector<int> first_arcs(Rewriter& graph) {
 
 // A word of its own for a further mention of a concept. Of the attributes it has those that say what it is; what is said
 // about it, degree or negation, stays with the first.
+// (w / want-01 :ARG0 (b / boy) :ARG1 (s / sing-01 :ARG0 b)) has one concept for two mentions: the second becomes boy.@ref,
+// of which a rule makes "he", or nothing.
 int mention_of(Rewriter& graph, int at) {
   const Concept model = graph.word(at);
   const int made = graph.add_concept(model.name);
@@ -104,6 +100,7 @@ constexpr Conjunction kConjunctions[] = {
     {"contrast", "@but"}, {"but", "@but"},   {"multi-sentence", "@snt"}, {"multiple-sentences", "@snt"}};
 
 // Null for what joins nothing.
+// contrast-01 has ARG1 and ARG2 instead of operands; the choices name alternatives, of which each bank has its own.
 const Conjunction* conjunction_of(Rewriter& graph, int at) {
   for (const Conjunction& one : kConjunctions) {
     // contrast-01 is a frame, the others are none: and-01 would be another word.
@@ -111,25 +108,6 @@ const Conjunction* conjunction_of(Rewriter& graph, int at) {
     if (graph.word(at).name == one.name && graph.word(at).sense.empty() != is_frame) return &one;
   }
   return nullptr;
-}
-
-// The arcs to what is joined, in the order of their numbers.
-std::vector<int> joined(Rewriter& graph, int at) {
-  std::map<int, int> sorted;
-  for (const int led : graph.children(at)) {
-    std::string_view role = graph.arc(led).role;
-    if (graph.arc(led).inverse) continue;
-    for (const std::string_view prefix : {"op", "snt", "ARG"}) {
-      if (!role.starts_with(prefix)) continue;
-      role.remove_prefix(prefix.size());
-      if (role.empty() || role.size() > 3 || role.find_first_not_of("0123456789") != role.npos) break;
-      sorted.emplace(std::stoi(std::string(role)), led);
-      break;
-    }
-  }
-  std::vector<int> found;
-  for (const auto& [number, led] : sorted) found.push_back(led);
-  return found;
 }
 
 // The subject of a clause as the source writes it: its agent, or else what it is said of.
@@ -142,6 +120,7 @@ int subject_arc(Rewriter& graph, int clause) {
 }
 
 // What is joined to a clause that is a chain itself is joined to its last: "she came and sang, or she slept".
+// x :conjunct y :conjunct z ends with z. Below a noun a chain is left alone: "a cat and a dog that bark".
 int chain_end(Rewriter& graph, int clause) {
   int led = graph.child(clause, "conjunct");
   for (int steps = graph.count(); steps > 0 && led >= 0 && is_clause(graph, clause); --steps) {
@@ -153,6 +132,8 @@ int chain_end(Rewriter& graph, int clause) {
 
 // "She hates us, and the pity that she lacks": a noun that is joined to a clause, and of which one clause is told, is told by
 // that clause.
+// (a / and :op1 (h / hate-01 ...) :op2 (p / pity :ARG1-of (l / lack-01 :ARG0 she))) becomes a second clause, she lacks
+// pity: a clause and a noun cannot be joined by "and".
 void promote_relative(Rewriter& graph, int led, const std::vector<int>& parts) {
   const int noun = graph.arc(led).to;
   const bool is_last = led == parts.back() && is_clause(graph, graph.arc(parts[0]).to);
@@ -177,11 +158,13 @@ void nominal_parts(Rewriter& graph, int at, const std::vector<int>& parts) {
            conjunction_of(graph, graph.arc(led).to) == nullptr;
   });
   const int head = graph.arc(parts[0]).to;
-  const bool is_event = !graph.word(head).sense.empty() && !has_attribute(graph.word(head), "@agent");
-  if (is_with_thing && is_event && graph.child(head, "ARG0") < 0) attribute_add(graph.word(head), "@nom");
+  const bool is_deed = !graph.word(head).sense.empty() && !has_attribute(graph.word(head), "@agent");
+  if (is_with_thing && is_deed && graph.child(head, "ARG0") < 0) attribute_add(graph.word(head), "@nom");
 }
 
 // A part that the sentence has named before joins in as a mention.
+// `first` has for each concept the arc by which the reader meets it first. A part that is met elsewhere before cannot
+// be the head of what is said about it here.
 void mention_parts(Rewriter& graph, const Conjunction& conjunction, const std::vector<int>& parts,
                    const std::vector<int>& first) {
   for (const int led : parts) {
@@ -205,6 +188,8 @@ void mention_parts(Rewriter& graph, const Conjunction& conjunction, const std::v
 }
 
 // The whole, mentioned again: "they".
+// (s / sing-01 :ARG0 (a / and :op1 x :op2 y)) and below that (t / they :ARG0 a): when `at` has become its first
+// operand, the other arcs would mean x alone.
 void mention_group(Rewriter& graph, int at, int group_arc) {
   for (std::size_t i = 0; i < graph.meaning().arcs.size(); ++i) {
     const int led = static_cast<int>(i);
@@ -225,10 +210,10 @@ void plural_parts(Rewriter& graph, const std::vector<int>& parts) {
   }
 }
 
-// The first operand takes the place of the conjunction, and each further one hangs on the one before it, so that rules
+// The first operand takes the place of the conjunction, and each further one is tied to the one before it, so that rules
 // see them in their order.
 void coordinate(Rewriter& graph, int at, const Conjunction& conjunction) {
-  const std::vector<int> parts = joined(graph, at);
+  const std::vector<int> parts = graph.numbered(at, {"op", "snt", "ARG"});
   if (parts.empty()) return;
   const std::vector<int> first = first_arcs(graph);
   mention_parts(graph, conjunction, parts, first);
@@ -251,6 +236,8 @@ void coordinate(Rewriter& graph, int at, const Conjunction& conjunction) {
     attribute_add(graph.word(head), std::string("@lead_") + (conjunction.attribute + 1));
   }
   if (has_attribute(graph.word(at), "@pl")) plural_parts(graph, parts);
+  // Each part is tied to the one before. `joined_by` is what stands in front of it, and a subject that is that of the
+  // first clause becomes :shared: "she came and sang".
   int last = chain_end(graph, head);
   for (std::size_t i = 1; i < parts.size(); ++i) {
     const int part = graph.arc(parts[i]).to;
@@ -300,7 +287,12 @@ constexpr std::array kSaying{"say",     "ask",      "answer",   "reply",    "exc
                              "protest", "comment",  "complain", "warn",     "admit",     "conclude", "suggest",
                              "mutter",  "agree",    "call",     "mumble",   "sigh",      "yell",     "scream"};
 
+// Those of them that say no more than that words were said: with these a reader expects the words themselves.
+constexpr std::array kUttering{"say",    "answer", "reply", "exclaim",  "cry",     "remark",
+                               "repeat", "murmur", "shout", "call-out", "respond", "whisper"};
+
 // All concepts that some clauses are made of, themselves first; graphs have circles and meet again, so each is there once.
+// Used to ask whether anybody in a quotation says "I".
 std::vector<int> clause_words(Rewriter& graph, std::vector<int> clauses) {
   const std::vector<std::vector<int>> below = arcs_by_beginning(graph);
   std::vector<bool> seen(below.size());
@@ -316,6 +308,8 @@ std::vector<int> clause_words(Rewriter& graph, std::vector<int> clauses) {
 }
 
 // Words that say who speaks to whom, and moods that only one who speaks has.
+// "He said that I know you" is a report only if the speaker of the whole sentence is meant, which no graph tells: such
+// words make it direct speech.
 bool has_speaker(Rewriter& graph, int clause) {
   const std::vector<int> words = clause_words(graph, {clause});
   return std::any_of(words.begin(), words.end(), [&](int at) {
@@ -329,8 +323,6 @@ bool has_speaker(Rewriter& graph, int clause) {
 // What is said without being a clause can only be its words: "Good morning", she said. Not so for words that stand for
 // what somebody said.
 bool is_said_so(Rewriter& graph, int frame, int at) {
-  constexpr std::array kUttering{"say",    "answer", "reply", "exclaim",  "cry",     "remark",
-                                 "repeat", "murmur", "shout", "call-out", "respond", "whisper"};
   constexpr std::array kStandIn{"that",        "this",    "it",       "so",         "thing",
                                 "something",   "nothing", "anything", "everything", "word",
                                 "information", "name",    "truth",    "story",      "speech"};
@@ -366,6 +358,9 @@ void speak_of_oneself(Rewriter& graph, int frame, int said, int speaker, int hea
   }
 }
 
+// (s / say-01 :ARG0 (k / king) :ARG1 (c / come-01 :mode imperative) :ARG2 (b / boy)): "Come," said the king. `led` is
+// the arc to what is said, `who` that to the speaker and `whom` to the hearer; verbs of answering number the last two
+// the other way round.
 void quote(Rewriter& graph, int at) {
   // Who answers says the answer to a question.
   constexpr std::array kAnswering{"answer", "reply", "respond", "interrupt"};
@@ -376,8 +371,7 @@ void quote(Rewriter& graph, int at) {
   if (led < 0 || who < 0) return;
   const int said = graph.arc(led).to;
   // Whoever asks does not ask whether he asks: the question is what he says.
-  if (graph.is(at, "ask", "01") && has_attribute(graph.word(at), "@int") && who >= 0 &&
-      !graph.is(graph.arc(who).to, "you")) {
+  if (graph.is(at, "ask", "01") && has_attribute(graph.word(at), "@int") && !graph.is(graph.arc(who).to, "you")) {
     std::erase(graph.word(at).attributes, "@int");
     attribute_add(graph.word(said), "@int");
   }
@@ -388,7 +382,7 @@ void quote(Rewriter& graph, int at) {
     return graph.is(person, "i") || graph.is(person, "you") || graph.is(person, "we");
   };
   const int subject = subject_arc(graph, said);
-  const bool is_to_oneself = who >= 0 && whom >= 0 && graph.arc(who).to == graph.arc(whom).to;
+  const bool is_to_oneself = whom >= 0 && graph.arc(who).to == graph.arc(whom).to;
   const bool is_asked_to = whom >= 0 && subject >= 0 && graph.arc(subject).to == graph.arc(whom).to && !is_to_oneself;
   const bool is_order = has_attribute(graph.word(said), "@imp") && !speaks_itself(who);
   if (has_attribute(graph.word(said), "@whether") || (is_asked_to && !is_order)) return;
@@ -396,10 +390,10 @@ void quote(Rewriter& graph, int at) {
   const bool is_direct = (is_other || is_order) && (has_speaker(graph, said) || is_said_so(graph, at, said));
   // What the sentence is about, or is joined to that, is told; what stands below is spoken of.
   const bool is_told = at == graph.meaning().root || !is_core(graph.arc(graph.parent(at)));
-  constexpr std::array kUttering{"say",    "ask",   "answer",   "reply",   "exclaim", "cry", "remark", "repeat",
-                                 "murmur", "shout", "call-out", "respond", "whisper", "add", "demand", "interrupt"};
-  const bool is_report = is_told && who >= 0 && is_clause(graph, said) && is_one_of(graph, at, kUttering) &&
-                         !has_attribute(graph.word(at), "@neg") && !has_attribute(graph.word(at), "@can");
+  constexpr std::array kTakingTurns{"ask", "add", "demand", "interrupt"};
+  const bool is_uttering = is_one_of(graph, at, kUttering) || is_one_of(graph, at, kTakingTurns);
+  const bool is_report = is_told && is_clause(graph, said) && is_uttering && !has_attribute(graph.word(at), "@neg") &&
+                         !has_attribute(graph.word(at), "@can");
   if (is_report && is_other) {
     ++graph.meaning().reports;
     graph.meaning().quotations += is_direct;
@@ -407,12 +401,13 @@ void quote(Rewriter& graph, int at) {
   if (!is_direct && !(is_report && graph.meaning().is_dialogue)) return;
   graph.arc(led).role = "quoted";
   attribute_add(graph.word(said), "@quote");
-  if (who >= 0) speak_of_oneself(graph, at, said, graph.arc(who).to, whom >= 0 ? graph.arc(whom).to : -1);
+  speak_of_oneself(graph, at, said, graph.arc(who).to, whom >= 0 ? graph.arc(whom).to : -1);
   // Behind a quotation a verb without an auxiliary stands before its subject, if that is no pronoun: said the king.
-  constexpr std::array kPronouns{"i", "we", "you", "he", "she", "it", "they", "one"};
+  const int subject_of_saying = graph.arc(who).to;
+  const bool is_pronoun = is_personal_pronoun(graph, subject_of_saying) || graph.word(subject_of_saying).name == "one";
   const bool is_plain = !has_attribute(graph.word(at), "@neg") && !has_attribute(graph.word(at), "@ask") &&
                         !has_attribute(graph.word(at), "@int") && !has_attribute(graph.word(at), "@can");
-  if (!is_plain || is_one_of(graph, graph.arc(who).to, kPronouns)) return;
+  if (!is_plain || is_pronoun) return;
   graph.arc(who).role = "speaker";
   const int office = graph.child(graph.arc(who).to, "apposition");
   if (office >= 0) std::erase(graph.word(graph.arc(office).to).attributes, "@closed");
@@ -426,6 +421,8 @@ constexpr std::array kReporting{"know", "wonder", "understand", "forget", "remem
                                 "say",  "decide", "realize",    "hear",   "doubt",    "matter", "idea",    "care"};
 
 // What a frame's numbered role is called when it is asked for.
+// The name becomes an attribute, @wh_location, by which rules choose where, when, who; what a number means differs from
+// frame to frame.
 std::string asked_role(Rewriter& graph, int frame, const std::string& role) {
   // "Where is the key": what a place is said of has no other verb.
   const bool is_place = graph.is(frame, "be-located-at", "91") || graph.is(frame, "have-place", "91");
@@ -439,20 +436,26 @@ std::string asked_role(Rewriter& graph, int frame, const std::string& role) {
   return graph.is(frame, "weigh", "01") && role == "ARG3" ? "amount" : role;
 }
 
-// What is asked for moves to the front of its clause, together with the phrase that it belongs to.
-void question(Rewriter& graph, int unknown) {
-  // (a / amr-unknown :domain (y / you)): what is asked for is the predicate. As :domain of the other it is the one word
-  // that moves: "who are you".
+// (a / amr-unknown :domain (y / you)): what is asked for is the predicate. As :domain of the other it is the one word that
+// moves: "who are you".
+void asked_predicate(Rewriter& graph, int unknown) {
   const int said = graph.child(unknown, "domain");
   const int about = said >= 0 ? graph.arc(said).to : -1;
-  if (about >= 0 && graph.mentions(about) == 1) {
-    graph.redirect(unknown, about);
-    graph.replace(said, about, unknown, "domain");
-    for (const int below : graph.children(unknown)) graph.arc(below).from = about;
-    if (std::erase(graph.word(unknown).attributes, "@quote") > 0) attribute_add(graph.word(about), "@quote");
-  }
+  if (about < 0 || graph.mentions(about) != 1) return;
+  graph.redirect(unknown, about);
+  graph.replace(said, about, unknown, "domain");
+  for (const int below : graph.children(unknown)) graph.arc(below).from = about;
+  if (std::erase(graph.word(unknown).attributes, "@quote") > 0) attribute_add(graph.word(about), "@quote");
+}
+
+// What is asked for moves to the front of its clause, together with the phrase that it belongs to.
+// Three parts: which phrase goes along (how many stars), up to which clause it moves (where do you want to go), and
+// what the clause and the phrase must know of it (@ask or @asked; @wh_ with the role). The phrase becomes :questioned
+// of the clause.
+void question(Rewriter& graph, int unknown) {
+  asked_predicate(graph, unknown);
   if (unknown == graph.meaning().root) attribute_add(graph.word(unknown), "@ask");
-  int led = graph.parent(unknown);  // the arc by which the phrase hangs on what is above it
+  int led = graph.parent(unknown);  // the arc from what is above the phrase
   if (led < 0 || graph.arc(led).inverse) return;
   int phrase = unknown;
   std::string role = graph.arc(led).role;
@@ -498,8 +501,8 @@ void question(Rewriter& graph, int unknown) {
                              (role == "domain" && graph.is(unknown, "amr-unknown")));
   role = asked_role(graph, asked_at, role);
   // "Who are you".
-  constexpr std::array kPronouns{"i", "we", "you", "he", "she", "they"};
-  const bool is_person = role == "domain" && phrase == unknown && is_one_of(graph, asked_at, kPronouns);
+  const bool is_person = role == "domain" && phrase == unknown && is_personal_pronoun(graph, asked_at) &&
+                         graph.word(asked_at).name != "it";
   attribute_add(graph.word(phrase), is_person ? "@wh_who" : "@wh_" + role);
   // An exclamation has the order of a statement: "how beautiful she is!"
   is_reported |= has_attribute(graph.word(clause), "@exp");
@@ -512,13 +515,14 @@ void question(Rewriter& graph, int unknown) {
 }
 
 // A noun that no word picks out: no name, no pronoun, nobody's, none of several.
-bool is_any(Rewriter& graph, int at) {
+bool is_any_of_its_kind(Rewriter& graph, int at) {
   const Concept& word = graph.word(at);
-  constexpr std::array kPronouns{"it", "this", "that",     "they",    "he",        "she",    "i",   "you",
-                                 "we", "one",  "anything", "nothing", "something", "anyone", "all", "any"};
+  constexpr std::array kStandingAlone{"this",      "that",   "one", "anything", "nothing",
+                                      "something", "anyone", "all", "any"};
   if (!word.sense.empty() || word.variable.empty() || has_attribute(word, "@name") || is_unknown(graph, at))
     return false;
-  if (is_one_of(graph, at, kPronouns) || conjunction_of(graph, at) != nullptr || graph.mentions(at) > 1) return false;
+  if (is_personal_pronoun(graph, at) || is_one_of(graph, at, kStandingAlone)) return false;
+  if (conjunction_of(graph, at) != nullptr || graph.mentions(at) > 1) return false;
   for (const char* role : {"poss", "possessor", "quant", "domain", "part-of"}) {
     if (graph.child(at, role) >= 0) return false;
   }
@@ -527,10 +531,8 @@ bool is_any(Rewriter& graph, int at) {
   return mod < 0 || !is_one_of(graph, graph.arc(mod).to, kPicking);
 }
 
-}  // namespace
-
 // "Not ever" said of all that is joined: "I have never seen or heard anyone".
-static void ever_of_all(Rewriter& graph, int at) {
+void ever_of_all(Rewriter& graph, int at) {
   const int led = graph.is(at, "and") || graph.is(at, "or") ? graph.child(at, "time") : -1;
   if (led < 0 || !graph.is(graph.arc(led).to, "ever")) return;
   const std::vector<int> below = graph.children(at);
@@ -543,14 +545,16 @@ static void ever_of_all(Rewriter& graph, int at) {
 }
 
 // "They do not ask any question": said of the verb, "they do not ask at all".
-static void any_of_verb(Rewriter& graph, int at) {
+// (a / ask-01 :polarity - :ARG0 they :mod (a2 / any)).
+void any_of_verb(Rewriter& graph, int at) {
   const bool is_denied = has_attribute(graph.word(at), "@neg") && !graph.word(at).sense.empty();
   const int led = is_denied && graph.child(at, "ARG0") >= 0 ? graph.child(at, "mod") : -1;
   if (led >= 0 && graph.is(graph.arc(led).to, "any")) graph.word(graph.arc(led).to).name = "at-all";
 }
 
 // English denies once: where the subject is nobody, the clause is not denied again.
-static void negation_once(Rewriter& graph, int at) {
+// (c / come-01 :polarity - :ARG0 (n / nobody)): banks differ in whether they mark both.
+void negation_once(Rewriter& graph, int at) {
   constexpr std::array kNone{"nobody", "noone", "no-one", "nothing"};
   const int led = graph.word(at).sense.empty() ? -1 : subject_arc(graph, at);
   const bool is_first = led >= 0 && graph.parent(graph.arc(led).to) == led;
@@ -558,7 +562,7 @@ static void negation_once(Rewriter& graph, int at) {
 }
 
 // What a word for somebody is where it is denied; null for other words.
-static const char* denied(Rewriter& graph, int at) {
+const char* denied(Rewriter& graph, int at) {
   constexpr std::pair<const char*, const char*> kDenied[] = {
       {"somebody", "nobody"},   {"someone", "nobody"},   {"anybody", "nobody"},    {"anyone", "nobody"},
       {"something", "nothing"}, {"anything", "nothing"}, {"somewhere", "nowhere"}, {"any", "no"}};
@@ -569,7 +573,7 @@ static const char* denied(Rewriter& graph, int at) {
 }
 
 // English denies once, with a word for nobody.
-static void nobody_apply(Rewriter& graph, int at) {
+void nobody_apply(Rewriter& graph, int at) {
   // A negated somebody is nobody.
   const std::vector<int> below = graph.children(at);
   const bool is_bare =
@@ -597,19 +601,23 @@ static void nobody_apply(Rewriter& graph, int at) {
 }
 
 // "She has no garden": what is had is denied, if it is any of its kind.
-static void nothing_had(Rewriter& graph, int at) {
+// The holding frame has what is had as ARG1 or ARG2. "She does not have my garden" denies the having, as the garden is
+// known.
+void nothing_had(Rewriter& graph, int at) {
   const bool is_holding = graph.is(at, "have", "91") || graph.is(at, "have-part", "91") ||
                           graph.is(at, "have-possession", "91") || graph.is(at, "have-experience", "91");
   const bool has_not = (is_holding || graph.is(at, "have", "03")) && has_attribute(graph.word(at), "@neg");
   const int had = has_not ? graph.child(at, is_holding ? "ARG2" : "ARG1") : -1;
-  if (had >= 0 && is_any(graph, graph.arc(had).to)) {
+  if (had >= 0 && is_any_of_its_kind(graph, graph.arc(had).to)) {
     attribute_add(graph.word(graph.arc(had).to), "@neg");
     std::erase(graph.word(at).attributes, "@neg");
   }
 }
 
 // (r / request-confirmation-91 :ARG1 x): whether x.
-static void request_apply(Rewriter& graph, int at) {
+// UMR's frame of a question that wants a yes. Where nobody asks it the frame is the mood of the clause, @int; where
+// somebody does it is the verb.
+void request_apply(Rewriter& graph, int at) {
   bool is_tag = graph.is(at, "request-confirmation", "91");
   // With somebody who asks it is a verb: "she asked whether it rained".
   const bool is_asking = is_tag || graph.is(at, "request-response", "91");
@@ -630,6 +638,8 @@ static void request_apply(Rewriter& graph, int at) {
     graph.move_children(at, clause);
   }
 }
+
+}  // namespace
 
 // :polarity - is @neg by the table of roles before any step. Here it meets the words that have a negation in them, and
 // (x :polarity (a / amr-unknown)) becomes a question, @int.
@@ -661,8 +671,10 @@ void step_polarity(Meaning& meaning) {
   }
 }
 
+namespace {
+
 // (g / government-organization :ARG0-of (g2 / govern-01 :ARG1 c)): the government of c.
-static void government_apply(Rewriter& graph, int at) {
+void government_apply(Rewriter& graph, int at) {
   const int led = graph.child(at, "ARG0", true);
   const bool is_administration = led >= 0 && graph.is(graph.arc(led).to, "administrate", "01");
   if (led < 0 || (!is_administration && !graph.is(graph.arc(led).to, "govern", "01"))) return;
@@ -677,7 +689,9 @@ static void government_apply(Rewriter& graph, int at) {
 }
 
 // The frame names its participant: `mark` says which one.
-static void frame_stand_in(Rewriter& graph, int at, int led, const char* mark) {
+// (p / person :ARG0-of (d / drive-01)): drive takes the place of the person, with @agent, and the dictionary has
+// drive(>01) with @agent as "driver". What was known of the person, number or mention, goes along.
+void frame_stand_in(Rewriter& graph, int at, int led, const char* mark) {
   Concept& frame = graph.word(graph.arc(led).to);
   attribute_add(frame, mark);
   for (const std::string& attribute : graph.word(at).attributes) attribute_add(frame, attribute);
@@ -685,7 +699,9 @@ static void frame_stand_in(Rewriter& graph, int at, int led, const char* mark) {
 }
 
 // (t / thing :ARG1-of (o / order-01)): an order. Only what has no agent; "what she knows" stays a clause.
-static void thing_apply(Rewriter& graph, int at) {
+// The thing is whatever the frame makes; only the arguments that a noun can have behind it may follow, "an answer to
+// the boy", and no negation or degree.
+void thing_apply(Rewriter& graph, int at) {
   int led = -1;
   // "The lie that he told": of several clauses the one that is a noun by itself.
   constexpr std::array kNouns{"lie", "dream", "promise", "order", "question", "plan", "claim", "request", "offer"};
@@ -729,8 +745,9 @@ static void thing_apply(Rewriter& graph, int at) {
 
 // (t / that :ARG1-of (i / important-01)): "that is important". A pronoun has no relative clause; what is said of it is a
 // clause of its own.
-static void pronoun_apply(Rewriter& graph, int at) {
-  constexpr std::array kPronouns{"i", "we", "you", "he", "she", "it", "they", "that", "this"};
+// Banks write "that is important" as a thing with a property, as they do "the important thing"; with a pronoun only the
+// first can be meant.
+void pronoun_apply(Rewriter& graph, int at) {
   const int above = graph.parent(at);
   // "Which means that ...", as a sentence: what was spoken of before is "that".
   const int meant = above < 0 && graph.is(at, "thing") && graph.children(at).size() == 1 ? graph.children(at)[0] : -1;
@@ -746,7 +763,9 @@ static void pronoun_apply(Rewriter& graph, int at) {
   const bool is_pointing = graph.is(at, "that") || graph.is(at, "this");
   if (governor >= 0 && !is_pointing && !is_one_of(graph, governor, kSaying) && !is_one_of(graph, governor, kReporting))
     return;
-  if (!is_content || !is_one_of(graph, at, kPronouns) || graph.children(at).size() != 1) return;
+  const bool is_pronoun =
+      is_personal_pronoun(graph, at) || graph.word(at).name == "that" || graph.word(at).name == "this";
+  if (!is_content || !is_pronoun || graph.children(at).size() != 1) return;
   const int led = graph.children(at)[0];
   const int frame = graph.arc(led).to;
   if (!graph.arc(led).inverse || !is_core_role(graph.arc(led).role) || graph.mentions(frame) > 1) return;
@@ -756,10 +775,10 @@ static void pronoun_apply(Rewriter& graph, int at) {
 
 // (s / say-01 :ARG0 (h / he :ARG0-of (t / talk-01))): "he said ..., talking". A pronoun has no relative clause; what it does
 // besides goes with what is said of it.
-static void attendant_apply(Rewriter& graph, int at) {
-  constexpr std::array kPronouns{"i", "we", "you", "he", "she", "it", "they"};
+// What he does becomes :attendant of the clause, with himself as its subject, which step control takes out again.
+void attendant_apply(Rewriter& graph, int at) {
   const int above = graph.parent(at);
-  if (above < 0 || graph.arc(above).inverse || !is_one_of(graph, at, kPronouns)) return;
+  if (above < 0 || graph.arc(above).inverse || !is_personal_pronoun(graph, at)) return;
   const std::string role = graph.arc(above).role;
   const int clause = graph.arc(above).from;
   if (!is_core_role(role) || graph.word(clause).sense.empty()) return;
@@ -785,6 +804,8 @@ static void attendant_apply(Rewriter& graph, int at) {
     graph.replace(led, clause, frame, "attendant");
   }
 }
+
+}  // namespace
 
 // (p / person :ARG0-of (d / drive-01)): the driver, if the dictionary has one; else the rules say who drives. Runs behind
 // the offices, as a mayor is no haver of a role.
@@ -812,8 +833,12 @@ void step_persons(Meaning& meaning) {
   }
 }
 
+namespace {
+
 // (l / love-01 :ARG1-of (c / contrast-01 :ARG2 h)): the contrast stands above what it joins, as elsewhere.
-static void contrast_upright(Rewriter& graph, int at) {
+// `first` is what stands above; the frame takes its place and has it as ARG1, so that both parts stand below as with
+// "and".
+void contrast_upright(Rewriter& graph, int at) {
   const int above = graph.parent(at);
   const bool is_below = above >= 0 && graph.arc(above).inverse && graph.arc(above).role == "ARG1";
   if (!is_below || graph.child(at, "ARG2") < 0 || graph.mentions(at) > 1) return;
@@ -822,6 +847,8 @@ static void contrast_upright(Rewriter& graph, int at) {
   graph.redirect(first, at);
   graph.replace(above, at, first, "ARG1");
 }
+
+}  // namespace
 
 // In front of coordination and quotation: "but" is no part of what is said.
 void step_contrast(Meaning& meaning) {
@@ -859,8 +886,11 @@ void step_coordination(Meaning& meaning) {
   }
 }
 
+namespace {
+
 // Who is called is "you" everywhere else: "Kim, did you see that?"
-static void called_apply(Rewriter& graph) {
+// The name is said once, in the address; in the clause the same person is "you".
+void called_apply(Rewriter& graph) {
   const int end = static_cast<int>(graph.meaning().arcs.size());
   for (int led = 0; led < end; ++led) {
     if (graph.arc(led).gone || graph.arc(led).inverse || graph.arc(led).role != "vocative") continue;
@@ -876,6 +906,11 @@ static void called_apply(Rewriter& graph) {
   }
 }
 
+}  // namespace
+
+// UMR puts an utterance below (s / say-01 :ARG0 (p / person) :ARG1 c :ARG2 (p2 / person) :quote s). A reader of the
+// sentence has c alone, in which p is "I" and p2 is "you"; a story that tells who speaks keeps the frame. Runs behind
+// pronouns, as the two may have become pronouns by then.
 void step_speaker(Meaning& meaning) {
   Rewriter graph(meaning, "speaker");
   // UMR marks what is uttered by :quote with the verb of saying as target.
@@ -895,9 +930,9 @@ void step_speaker(Meaning& meaning) {
       said >= 0 && who < 0 && called >= 0 && graph.is(frame, "say", "01")) {
     // Nobody says it, and to somebody with a name or who is spoken of in it: "Kim, that is true", "You are late, my son."
     const int whom = graph.arc(called).to;
-    constexpr std::array kPronouns{"i", "we", "you", "he", "she", "it", "they", "person"};
+    const bool is_anybody = is_personal_pronoun(graph, whom) || graph.word(whom).name == "person";
     const bool is_called = has_attribute(graph.word(whom), "@name") ||
-                           (graph.mentions(whom) > 1 && !is_one_of(graph, whom, kPronouns) && !is_clause(graph, whom));
+                           (graph.mentions(whom) > 1 && !is_anybody && !is_clause(graph, whom));
     if (!is_called) return;
     graph.arc(called).role = "vocative";
     if (graph.child(graph.arc(said).to, "vocative") >= 0) graph.remove(called, Fate::word);
@@ -965,8 +1000,12 @@ void step_questions(Meaning& meaning) {
   }
 }
 
+namespace {
+
 // What the time of a clause says of its tense. "Before now" alone is no phrase of the sentence: it is the past.
-static void tense_from_time(Rewriter& graph, int at) {
+// (c / come-01 :time (b / before :op1 (n / now))) is @past, with "after" @fut; (y / before :op1 n :quant (y2 / year
+// :quant 3)) is "three years ago" besides.
+void tense_from_time(Rewriter& graph, int at) {
   constexpr std::array kPerfect{"ever", "never", "already", "yet", "since", "so-far", "recent", "lately"};
   for (const int led : graph.children(at)) {
     const std::string& role = graph.arc(led).role;
@@ -1000,8 +1039,9 @@ static void tense_from_time(Rewriter& graph, int at) {
   }
 }
 
-// What is told of him or her is past, and so is when and why it was: people who are there are seldom he or she. True where the clause itself has nothing that says otherwise.
-static bool is_told_of_another(Rewriter& graph, int at) {
+// What is told of him or her is past, and so is when and why it was: people who are there are seldom he or she. True
+// where the clause itself has nothing that says otherwise.
+bool is_told_of_another(Rewriter& graph, int at) {
   constexpr std::array kSays{"@past", "@pres", "@fut", "@would",  "@imp", "@perf",
                              "@can",  "@must", "@may", "@should", "@ask", "@int"};
   for (const char* one : kSays) {
@@ -1014,12 +1054,12 @@ static bool is_told_of_another(Rewriter& graph, int at) {
   if (subject >= 0 && is_one_of(graph, graph.arc(subject).to, kAnother)) return true;
   const int led = graph.parent(at);
   if (led < 0 || graph.arc(led).inverse || !has_attribute(graph.word(graph.arc(led).from), "@past")) return false;
-  constexpr std::array<std::string_view, 5> kSameTime{"time", "temporal", "cause", "concession", "conjunct"};
-  return std::find(kSameTime.begin(), kSameTime.end(), graph.arc(led).role) != kSameTime.end();
+  constexpr std::array kSameTime{"time", "temporal", "cause", "concession", "conjunct"};
+  return is_listed(graph.arc(led).role, kSameTime);
 }
 
 // "When I was six, I left": how old somebody was when it happened is told of the past, and so is what happened.
-static void tense_of_age(Rewriter& graph, int at) {
+void tense_of_age(Rewriter& graph, int at) {
   const int above = graph.is(at, "age", "01") ? graph.parent(at) : -1;
   if (above < 0 || graph.arc(above).inverse || graph.arc(above).role != "time") return;
   constexpr std::array kOther{"@pres", "@fut", "@would", "@imp", "@can", "@must", "@may", "@should", "@past"};
@@ -1031,6 +1071,11 @@ static void tense_of_age(Rewriter& graph, int at) {
   attribute_add(graph.word(at), "@past");
 }
 
+}  // namespace
+
+// Banks of AMR have no tense. What UMR gives, the attributes @past, @pres, @fut, is left alone; the rest is a guess by
+// who is spoken of, since talk with "you" is about now and a story about "her" is past. Words inside of a quotation,
+// `is_said`, are talk, whoever they are about. Runs behind quotation and questions, whose marks it asks for.
 void step_tense(Meaning& meaning) {
   Rewriter graph(meaning, "tense");
   std::vector<int> quoted;
@@ -1090,12 +1135,14 @@ void step_tense(Meaning& meaning) {
   }
 }
 
+namespace {
+
 // "His death was announced", "she was told": where nobody does it and nothing else is spoken of, the second argument is.
-static void told_apply(Rewriter& graph, int at) {
+// English makes a subject of who is told: (t / tell-01 :ARG2 she) becomes tell :ARG1 she, and the passive follows.
+void told_apply(Rewriter& graph, int at) {
   const Concept& word = graph.word(at);
   constexpr std::array kVerbs{"treat", "pronounce", "declare", "name", "appoint", "teach", "tell", "ask", "inform"};
-  const bool is_verb = !word.sense.empty() && is_one_of(graph, at, kVerbs) && !has_attribute(word, "@agent") &&
-                       !has_attribute(word, "@result") && !has_attribute(word, "@imp");
+  const bool is_verb = is_event(graph, at) && is_one_of(graph, at, kVerbs) && !has_attribute(word, "@imp");
   const int second = is_verb ? graph.child(at, "ARG2") : -1;
   if (second < 0 || graph.argument(at, "ARG0") >= 0 || graph.argument(at, "ARG1") >= 0) return;
   for (const char* role : {"understood", "shared", "speaker", "questioned", "quoted", "domain"}) {
@@ -1104,7 +1151,11 @@ static void told_apply(Rewriter& graph, int at) {
   graph.arc(second).role = "ARG1";
 }
 
+}  // namespace
+
 // Only people and pronouns: "the wall was moved by building the road" is no better than the active.
+// (s / surprise-01 :ARG0 (s2 / see-01 :ARG0 i :ARG1 he) :ARG1 i): an event is an awkward subject, so the person is, and
+// control then finds that the seeing is his own: "I was surprised to see him".
 void step_voice(Meaning& meaning) {
   Rewriter graph(meaning, "voice");
   constexpr std::array kSomebody{"i",      "we",      "you",      "he",       "she",     "they",   "person", "one",
@@ -1117,15 +1168,18 @@ void step_voice(Meaning& meaning) {
     if (!is_frame || agent < 0 || patient < 0 || has_attribute(graph.word(at), "@imp")) continue;
     const int what = graph.arc(agent).to;
     const int whom = graph.arc(patient).to;
-    const bool is_event =
+    const bool is_deed =
         !graph.word(what).sense.empty() && !has_attribute(graph.word(what), "@agent") && !graph.children(what).empty();
-    if (is_event && is_one_of(graph, whom, kSomebody)) attribute_add(graph.word(at), "@psv");
+    if (is_deed && is_one_of(graph, whom, kSomebody)) attribute_add(graph.word(at), "@psv");
   }
 }
 
+namespace {
+
 // An event with a determiner is a noun, "it deserves the same respect": true then, and a subject that the clause above
 // has named is not said again.
-static bool nominal_apply(Rewriter& graph, int at) {
+// `at` has :understood where control has found its subject above; a noun shows it in no way.
+bool nominal_apply(Rewriter& graph, int at) {
   constexpr std::array kDeterminers{"same", "this", "that", "such", "any", "some", "other", "every", "each", "another"};
   const int above = graph.parent(at);
   const bool is_inside = above >= 0 && is_core(graph.arc(above)) && graph.arc(above).role != "ARG0";
@@ -1148,7 +1202,9 @@ static bool nominal_apply(Rewriter& graph, int at) {
 }
 
 // A clause that is the only thing spoken of stands behind: "it is good that the rain stopped", "it is easy to read this".
-static void extraposed_apply(Rewriter& graph, int at) {
+// @xtra: "it" in front and a clause with "that" behind; @xinf: an infinitive behind; @xv: a verb and no adjective is in
+// front, it happens that.
+void extraposed_apply(Rewriter& graph, int at) {
   const Concept& word = graph.word(at);
   const int said = graph.child(at, "ARG1");
   if (said < 0 || has_attribute(word, "@imp") || !has_attribute(word, "@v")) return;
@@ -1156,9 +1212,7 @@ static void extraposed_apply(Rewriter& graph, int at) {
     if (graph.child(at, agent) >= 0) return;
   }
   const int what = graph.arc(said).to;
-  const bool is_frame = !graph.word(what).sense.empty() && !has_attribute(graph.word(what), "@result") &&
-                        !has_attribute(graph.word(what), "@agent");
-  if (!is_frame) return;
+  if (!is_event(graph, what)) return;
   // "It is known that the house was sold", "it is clear that he is wrong": what is known or true is a clause even if nobody
   // does it.
   constexpr std::array kFacts{"suspect", "believe",   "know",    "say",    "report",  "think",    "expect",
@@ -1180,16 +1234,15 @@ static void extraposed_apply(Rewriter& graph, int at) {
 }
 
 // "She now knows that he sings": behind the verb, "now" would be said of what she knows.
-static void content_apply(Rewriter& graph, int at) {
+void content_apply(Rewriter& graph, int at) {
   const int led = graph.word(at).sense.empty() ? -1 : graph.child(at, "ARG1");
   if (led < 0) return;
-  const Concept& what = graph.word(graph.arc(led).to);
-  const bool is_event = !what.sense.empty() && !has_attribute(what, "@agent") && !has_attribute(what, "@result");
-  if (is_event && !graph.children(graph.arc(led).to).empty()) attribute_add(graph.word(at), "@content");
+  if (is_event(graph, graph.arc(led).to) && !graph.children(graph.arc(led).to).empty())
+    attribute_add(graph.word(at), "@content");
 }
 
 // "Next year", "this morning": such a time has no preposition.
-static void bare_time_apply(Rewriter& graph, int at) {
+void bare_time_apply(Rewriter& graph, int at) {
   constexpr std::array kPointing{"this",     "that",      "next",     "last",      "every", "each",    "all",
                                  "some",     "any",       "same",     "other",     "one",   "another", "few",
                                  "previous", "following", "tomorrow", "yesterday", "today"};
@@ -1198,15 +1251,16 @@ static void bare_time_apply(Rewriter& graph, int at) {
 }
 
 // "She gave it to him": a pronoun stands before who receives it, who then has a preposition.
-static void giving_apply(Rewriter& graph, int at) {
+void giving_apply(Rewriter& graph, int at) {
   constexpr std::array kGiving{"give", "show",  "tell", "send", "bring", "lend",    "teach", "hand", "offer", "sell",
                                "pay",  "throw", "pass", "feed", "owe",   "promise", "grant", "read", "write"};
-  constexpr std::array kPronouns{"it", "they", "he", "she", "i", "you", "we"};
   const int what = is_one_of(graph, at, kGiving) ? graph.child(at, "ARG1") : -1;
   if (what < 0 || graph.child(at, "ARG2") < 0) return;
   const int thing = graph.arc(what).to;
-  if (is_one_of(graph, thing, kPronouns) || graph.parent(thing) != what) attribute_add(graph.word(at), "@pro1");
+  if (is_personal_pronoun(graph, thing) || graph.parent(thing) != what) attribute_add(graph.word(at), "@pro1");
 }
+
+}  // namespace
 
 // What the rules must know of a whole clause before its first word stands: whether it has a subject, an auxiliary, an
 // expletive. No graph is changed here but for attributes, so that this step sees what the reader will see.
@@ -1252,8 +1306,7 @@ void step_forms(Meaning& meaning) {
     // "It is a pity that she left": what a predicate says of a whole clause.
     const int about = graph.child(at, "domain");
     const int told = about >= 0 && graph.parent(graph.arc(about).to) == about ? graph.arc(about).to : -1;
-    const bool is_told = told >= 0 && !graph.word(told).sense.empty() && !has_attribute(graph.word(told), "@agent") &&
-                         !has_attribute(graph.word(told), "@result") && subject_arc(graph, told) >= 0;
+    const bool is_told = told >= 0 && is_event(graph, told) && subject_arc(graph, told) >= 0;
     if (is_told && graph.child(at, "consequence") < 0) attribute_add(word, "@xdom");
     // What is only counted is new: "there are three birds in the tree".
     const bool is_being =
@@ -1266,8 +1319,11 @@ void step_forms(Meaning& meaning) {
   }
 }
 
+namespace {
+
 // (b / become-01 :ARG1 s :ARG2 (s2 / small :domain s)): behind such a verb an adjective has no subject of its own.
-static void copular_apply(Rewriter& graph, int at) {
+// "She became small": both frames name her in the bank.
+void copular_apply(Rewriter& graph, int at) {
   constexpr std::array kCopular{"become", "look",   "feel", "sound", "smell", "taste",
                                 "stay",   "remain", "grow", "turn",  "get"};
   if (graph.word(at).sense.empty() || !is_one_of(graph, at, kCopular)) return;
@@ -1284,16 +1340,19 @@ static void copular_apply(Rewriter& graph, int at) {
 }
 
 // "Too small to reach it", "old enough to drive": what would follow has no subject of its own, and no other denial.
-static bool is_limit(const Concept& quality) {
+bool is_limit(const Concept& quality) {
   return has_attribute(quality, "@too") || has_attribute(quality, "@enough");
 }
 
 // What seems to be done has its subject in front: "the cat seems to sleep".
-static void raise_apply(Rewriter& graph, int at) {
+// (s / seem-01 :ARG1 (s2 / sleep-01 :ARG0 (c / cat))): the cat gets an arc from seem as its ARG0, and the loop of
+// control then makes :understood of the one from sleep. @raised if the cat was no agent
+// there; verbs of beginning need no such mark.
+void raise_apply(Rewriter& graph, int at) {
   // "The rain began to fall": the beginning of what somebody does is his.
   constexpr std::array kPhases{"begin", "start", "continue", "cease", "stop"};
   const bool is_phase = graph.word(at).sense == "01" && is_one_of(graph, at, kPhases);
-  const bool is_raising = is_phase || graph.is(at, "seem", "01") || graph.is(at, "appear", "02");
+  const bool is_raising = is_phase || is_seeming(graph, at);
   const int led = is_raising && graph.child(at, "ARG0") < 0 ? graph.child(at, "ARG1") : -1;
   if (led < 0 || !is_clause(graph, graph.arc(led).to)) return;
   // What begins to be done has a doer, what begins to be a subject: "the rain began to fall".
@@ -1306,7 +1365,7 @@ static void raise_apply(Rewriter& graph, int at) {
 }
 
 // What says once more who does it goes.
-static void subject_once_apply(Rewriter& graph, int at) {
+void subject_once_apply(Rewriter& graph, int at) {
   // "She heard that he sang", and not of him that he sang.
   constexpr std::array kLearning{"hear", "know", "learn", "read", "think", "believe", "expect", "find-out", "discover"};
   const int content = is_one_of(graph, at, kLearning) ? graph.child(at, "ARG1") : -1;
@@ -1324,7 +1383,9 @@ static void subject_once_apply(Rewriter& graph, int at) {
 }
 
 // Named by the governing clause, or for a purpose by the one above: "she has no time to sing".
-static bool is_named_above(Rewriter& graph, const std::vector<int>& first, int above, int person) {
+// `first` has for each clause the arc that leads down to it; three steps up are enough for "she has no time to learn to
+// sing". `above` leads to the clause, `person` is its subject.
+bool is_named_above(Rewriter& graph, const std::vector<int>& first, int above, int person) {
   const bool is_purpose = graph.arc(above).role == "purpose";
   int led_here = above;
   for (int steps = is_purpose ? 3 : 1; steps > 0 && led_here >= 0; --steps) {
@@ -1340,6 +1401,47 @@ static bool is_named_above(Rewriter& graph, const std::vector<int>& first, int a
   return false;
 }
 
+// The subject of `at` becomes :understood if `at` is a clause that English makes an infinitive or a participle of, and if
+// the clause above names the same person. `first` has for each concept the arc by which the reader meets it first: a
+// subject that is met here first has not been named.
+void understand_subject(Rewriter& graph, const std::vector<int>& first, int at) {
+  const int above = first[static_cast<std::size_t>(at)];
+  if (above < 0 || graph.arc(above).inverse || !is_clause(graph, at)) return;
+  const std::string& role = graph.arc(above).role;
+  // "She knows whether she may stay" is no infinitive.
+  if (has_attribute(graph.word(at), "@whether") || has_attribute(graph.word(at), "@result")) return;
+  // "They said that they were tempted": what is said has a subject, whichever it is.
+  constexpr std::array kTelling{"say", "state", "explain", "report", "note", "mention", "announce", "think", "believe"};
+  if (role == "ARG1" && is_one_of(graph, graph.arc(above).from, kTelling)) return;
+  // A clause in another role keeps its subject: "she left because she was tired".
+  const bool may_be_infinite = role.starts_with("ARG") || role == "purpose" || role == "manner" || role == "mod" ||
+                               role == "attendant" || role == "substitute" || role == "exception" ||
+                               (role == "consequence" && is_limit(graph.word(graph.arc(above).from)));
+  const int subject = subject_arc(graph, at);
+  if (!may_be_infinite || subject < 0) return;
+  const int person = graph.arc(subject).to;
+  if (first[static_cast<std::size_t>(person)] == subject) return;
+  if (!is_named_above(graph, first, above, person)) return;
+  // With these only a subject that is no agent is said again, and not if it is who listens: "he told them that he was
+  // tired", but "he told them to wait".
+  constexpr std::array kThatVerbs{"tell", "answer", "reply",      "declare", "know", "feel", "realize", "see",
+                                  "hear", "notice", "understand", "write",   "hope", "fear", "admit"};
+  const int higher = graph.arc(above).from;
+  const int hearer = graph.child(higher, "ARG2");
+  const bool is_told = role == "ARG1" && graph.arc(subject).role == "ARG1" && is_one_of(graph, higher, kThatVerbs) &&
+                       (hearer < 0 || graph.arc(hearer).to != person);
+  if (is_told) return;
+  // A predicate without verb has no infinitive of its own.
+  if (graph.arc(subject).role == "domain" && !is_seeming(graph, higher) && role != "attendant") return;
+  if (graph.arc(subject).role != "ARG0") attribute_add(graph.word(at), "@ctl1");
+  graph.arc(subject).role = "understood";
+  if (role == "consequence" && has_attribute(graph.word(graph.arc(above).from), "@too")) {
+    for (const char* mark : {"@can", "@neg"}) std::erase(graph.word(at).attributes, mark);
+  }
+}
+
+}  // namespace
+
 // (w / want-01 :ARG0 b :ARG1 (g / go-02 :ARG0 b)): the b of go-02 becomes :understood, and rules make an infinitive of it.
 void step_control(Meaning& meaning) {
   Rewriter graph(meaning, "control");
@@ -1349,48 +1451,14 @@ void step_control(Meaning& meaning) {
   }
   for (int at = 0; at < graph.count(); ++at) subject_once_apply(graph, at);
   const std::vector<int> first = first_arcs(graph);
-  for (int at = 0; at < graph.count(); ++at) {
-    const int above = first[static_cast<std::size_t>(at)];
-    if (above < 0 || graph.arc(above).inverse || !is_clause(graph, at)) continue;
-    const std::string& role = graph.arc(above).role;
-    // "She knows whether she may stay" is no infinitive.
-    if (has_attribute(graph.word(at), "@whether") || has_attribute(graph.word(at), "@result")) continue;
-    // "They said that they were tempted": what is said has a subject.
-    constexpr std::array kTelling{"say",     "state",    "explain", "report", "note",
-                                  "mention", "announce", "think",   "believe"};
-    if (role == "ARG1" && is_one_of(graph, graph.arc(above).from, kTelling)) continue;
-    // A clause in another role keeps its subject: "she left because she was tired".
-    const bool may_be_infinite = role.starts_with("ARG") || role == "purpose" || role == "manner" || role == "mod" ||
-                                 role == "attendant" || role == "substitute" || role == "exception" ||
-                                 (role == "consequence" && is_limit(graph.word(graph.arc(above).from)));
-    const int subject = subject_arc(graph, at);
-    if (!may_be_infinite || subject < 0) continue;
-    const int person = graph.arc(subject).to;
-    if (first[static_cast<std::size_t>(person)] == subject) continue;
-    if (!is_named_above(graph, first, above, person)) continue;
-    // What somebody says or knows is a clause with a subject: "he told them that he was tired".
-    constexpr std::array kThatVerbs{"say",     "tell",       "think",   "answer", "reply",   "explain", "state",
-                                    "declare", "know",       "believe", "feel",   "realize", "see",     "hear",
-                                    "notice",  "understand", "write",   "hope",   "fear",    "admit"};
-    const int higher_verb = graph.arc(above).from;
-    const int hearer = graph.child(higher_verb, "ARG2");
-    const bool is_told = role == "ARG1" && graph.arc(subject).role == "ARG1" &&
-                         is_one_of(graph, higher_verb, kThatVerbs) && (hearer < 0 || graph.arc(hearer).to != person);
-    if (is_told) continue;
-    // A predicate without verb has no infinitive of its own.
-    const int higher = graph.arc(above).from;
-    const bool is_seeming = graph.is(higher, "seem", "01") || graph.is(higher, "appear", "02");
-    if (graph.arc(subject).role == "domain" && !is_seeming && role != "attendant") continue;
-    if (graph.arc(subject).role != "ARG0") attribute_add(graph.word(at), "@ctl1");
-    graph.arc(subject).role = "understood";
-    if (role == "consequence" && has_attribute(graph.word(graph.arc(above).from), "@too")) {
-      for (const char* mark : {"@can", "@neg"}) std::erase(graph.word(at).attributes, mark);
-    }
-  }
+  for (int at = 0; at < graph.count(); ++at) understand_subject(graph, first, at);
 }
 
 // A concept is one word. Where the graph leads to it a second time, a word of its own with @ref stands for it, and rules
 // make a pronoun of that; with @self if it is the subject of the same verb.
+// (w / want-01 :ARG0 (b / boy) :ARG1 (s / see-01 :ARG0 b :ARG1 b)): of the three arcs to b the first is the boy, the
+// last "himself", with @ref and @self. An inverse argument to a concept that stands elsewhere makes a word of the frame
+// again, (b :ARG0-of w) "who wants".
 void step_mentions(Meaning& meaning) {
   Rewriter graph(meaning, "mentions");
   // What each arc led to before mentions became words of their own: only so "himself" can be told from "him".

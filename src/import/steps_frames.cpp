@@ -12,6 +12,9 @@ namespace {
 
 // A frame that stands for a role: the two arguments that it ties together. `role` goes from what is in `head` to what is
 // in `dependent`; the table of roles must know it.
+// A bank writes a role as a frame where it has to say something about the tie itself: (h / have-purpose-91 :ARG1 (k /
+// knife) :ARG2 (c / cut-01)) is the knife with :purpose cut, and can be denied or asked for as a knot of its own. ARG1
+// is nearly always what the role belongs to.
 struct Reified {
   const char* name;
   const char* sense;
@@ -71,6 +74,8 @@ constexpr Reified kReified[] = {
 };
 
 // These are said by a verb when they are the statement itself, and are roles only below what they speak of.
+// (h / have-color-91 :ARG1 (b / boat) :ARG2 (r / red)) at the top states that the boat is red; a cause at the top ties
+// two clauses, "it fell because it rained", and needs no verb.
 bool is_statement(const Reified& one) {
   const std::string_view role = one.role;
   return role == "mod" || role == "age" || role == "color" || role == "size" || role == "destination" ||
@@ -88,6 +93,9 @@ const Reified* reified_of(Rewriter& graph, int at) {
 }
 
 // One end alone: "that is why ...", "... because". The frame's other end is not said.
+// `up` is the arc of the head and `down` that of the dependent, -1 for the one that is missing: (c / cause-01 :ARG0 (r
+// / rain-01)) has only `down`, and becomes rain with @as_cause, "because it rained"; with ARG1 alone it has @so_cause,
+// "that is why".
 void lone_apply(Rewriter& graph, int at, const Reified& one, int up, int down) {
   const int led = up >= 0 ? up : down;
   const bool is_above = graph.arc(led).to == at;
@@ -155,7 +163,7 @@ void reified_apply(Rewriter& graph, int at, const Reified& one) {
     // What is denied is the reason, not what it is a reason for: "not because it rained".
     if (attribute != "@v") attribute_add(graph.word(attribute == "@neg" ? dependent : head), attribute);
   }
-  const bool is_why = graph.is(dependent, "amr-unknown") || graph.is(dependent, "umr-unknown");
+  const bool is_why = is_unknown(graph, dependent);
   if (dependent_above && !head_above && is_why && dependent == graph.meaning().root) {
     // What causes it is what is asked for: "why are we surprised?"
     graph.meaning().root = head;
@@ -177,6 +185,8 @@ void reified_apply(Rewriter& graph, int at, const Reified& one) {
 }
 
 // (t / thing :ARG0-of (c / cause-01 :ARG1 x)): the cause of x; as ARG1 the result of it.
+// Only where the thing has nothing else to be called by, and x nothing but its cause: else a clause with a verb, "what
+// caused x".
 void cause_noun_apply(Rewriter& graph, int at) {
   const int above = graph.parent(at);
   const bool is_below = above >= 0 && graph.arc(above).inverse && graph.is(graph.arc(above).from, "thing");
@@ -191,14 +201,11 @@ void cause_noun_apply(Rewriter& graph, int at) {
   graph.replace(led, thing, graph.arc(led).to, "org");
 }
 
-// The concepts that stand for people and things spoken of before.
-bool is_personal_pronoun(const std::string& name) {
-  constexpr std::string_view kPronouns[] = {"i", "we", "you", "he", "she", "it", "they"};
-  return std::find(std::begin(kPronouns), std::end(kPronouns), name) != std::end(kPronouns);
-}
-
 // An office: the roles of who holds it, of what it belongs to, and of its title; the two numberings of the frame differ.
 // `role` ties the title to what it belongs to.
+// A bank says of a person what he is to a group or to another person: (p / person :ARG0-of (h / have-org-role-91 :ARG1
+// (t / town) :ARG2 (m / mayor))) is the mayor of the town, and (h / have-rel-role-91 :ARG0 p :ARG1 i :ARG2 (f /
+// friend)) makes p my friend. In sense 92 and in have-role all numbers are one higher.
 struct Office {
   const char* name;
   const char* sense;
@@ -215,6 +222,8 @@ constexpr Office kOffices[] = {
 };
 
 // What a name is called besides, behind it: "Kim, the mayor of Oslo". A comma closes it where more will follow.
+// In front of a name stands a bare noun, Mayor Brown; what has words of its own behind it, or several in front, would
+// be a heap there.
 void stand_behind(Rewriter& graph, int led, int named, int title) {
   const int above = graph.parent(named);
   graph.replace(led, named, title, "apposition");
@@ -231,13 +240,16 @@ bool is_party(const Concept& group) {
 }
 
 // Whoever is of the Green Party is a Green.
-void member_apply(Concept& party) {
+void party_to_member(Concept& party) {
   if (party.name.ends_with(" Party")) party.name.resize(party.name.size() - 6);
   if (party.name == "Democratic") party.name = "Democrat";
   std::erase(party.attributes, "@name");
 }
 
 // No office is named: whoever is of a group. As the statement: "she is a Whig".
+// `holds` and `whole` are the arcs to the holder and to the group: (p / person :ARG0-of (h / have-org-role-91 :ARG1 (w
+// / whigs))) has no ARG2. Above the frame the holder stays and has the group with the office's role; below it the group
+// takes the place of the frame.
 void group_apply(Rewriter& graph, int at, const Office& office, int holds, int whole) {
   const int holder = graph.other(holds, at);
   const bool holder_above = graph.arc(holds).to == at;
@@ -245,7 +257,7 @@ void group_apply(Rewriter& graph, int at, const Office& office, int holds, int w
   if (!holder_above) {
     // "She is a Whig".
     const int group = graph.arc(whole).to;
-    if (is_party(graph.word(group)) && graph.mentions(group) == 1) member_apply(graph.word(group));
+    if (is_party(graph.word(group)) && graph.mentions(group) == 1) party_to_member(graph.word(group));
     graph.settle_concept(at, Fate::relation);
     graph.replace(holds, group, holder, "domain");
     graph.remove(whole, Fate::relation);
@@ -256,7 +268,7 @@ void group_apply(Rewriter& graph, int at, const Office& office, int holds, int w
   graph.remove(holds, Fate::relation);
   const Concept& group = graph.word(graph.arc(whole).to);
   if (is_party(group) && graph.is(holder, "person") && graph.mentions(graph.arc(whole).to) == 1) {
-    member_apply(graph.word(graph.arc(whole).to));
+    party_to_member(graph.word(graph.arc(whole).to));
     graph.settle_concept(graph.arc(whole).to, Fate::word);
     graph.remove(whole, Fate::word);
     graph.word(holder).name = graph.word(graph.arc(whole).to).name;
@@ -270,14 +282,17 @@ void group_apply(Rewriter& graph, int at, const Office& office, int holds, int w
 }
 
 // Who has no name is called by the office; a name keeps it as a title.
+// Three ways: Mayor Brown (a name keeps the office as :title), Brown, the mayor of Oslo (as :apposition, if the office
+// has a whole to name), and the mayor of Oslo (a person without a name becomes the office, whose concept then is no
+// word of its own).
 void call_by_office(Rewriter& graph, int at, const Office& office, int holds, int whole, int titled) {
   const int holder = graph.other(holds, at);
   const int title = graph.other(titled, at);
   const bool is_named = has_attribute(graph.word(holder), "@name") || !graph.is(holder, "person");
   graph.remove(holds, Fate::relation);
   const bool has_whole = whole >= 0 && graph.arc(whole).from == at;
-  const bool is_behind = has_attribute(graph.word(holder), "@name") && has_whole &&
-                         !is_personal_pronoun(graph.word(graph.arc(whole).to).name);
+  const bool is_behind =
+      has_attribute(graph.word(holder), "@name") && has_whole && !is_personal_pronoun(graph, graph.arc(whole).to);
   if (has_whole) graph.replace(whole, is_named ? title : holder, graph.arc(whole).to, office.role);
   if (is_behind) {
     // "Kim, the mayor of Oslo, ..."
@@ -368,6 +383,8 @@ void office_apply(Rewriter& graph, int at, const Office& office) {
 }
 
 // The attribute of a degree that is a word of its own; null for others, which stay words: "very much".
+// English puts these into the form of the adjective or in a fixed place beside it, so rules need to know them before
+// they choose the word.
 const char* degree_attribute(const Concept& degree) {
   struct Named {
     const char* name;
@@ -383,36 +400,36 @@ const char* degree_attribute(const Concept& degree) {
 }
 
 // (d / distance-quantity :extent-of (r / run-02)), to which something is compared: "farther than he ran".
+// Such a quantity has one purpose, to name what was measured; the event then stands for it.
 void measured_apply(Rewriter& graph, int at) {
   const std::vector<int> below = graph.children(at);
   if (below.size() != 1 || !graph.arc(below[0]).inverse || !graph.word(at).sense.empty()) return;
-  constexpr std::string_view kMeasures[] = {"extent", "degree", "quant", "duration", "frequency"};
-  const bool is_measure =
-      std::find(std::begin(kMeasures), std::end(kMeasures), graph.arc(below[0]).role) != std::end(kMeasures);
+  constexpr std::array kMeasures{"extent", "degree", "quant", "duration", "frequency"};
+  const bool is_measure = is_listed(graph.arc(below[0]).role, kMeasures);
   if (is_measure && !graph.word(graph.arc(below[0]).to).sense.empty()) graph.stand_in(at, below[0]);
 }
 
-// A comparison is told by the quality, as words for it depend on its form: taller, more beautiful.
 // What is said of a fact, and of no way to do something: it is easier to wait.
 bool is_judgement(const std::string& name) {
-  constexpr std::string_view kJudging[] = {
-      "difficult", "easy", "hard", "important", "good",      "bad",        "possible",  "necessary", "likely", "common",
-      "nice",      "fun",  "safe", "dangerous", "expensive", "impossible", "essential", "fair",      "right"};
-  return std::find(std::begin(kJudging), std::end(kJudging), name) != std::end(kJudging);
+  constexpr std::array kJudging{"difficult", "easy",       "hard",      "important", "good", "bad",  "possible",
+                                "necessary", "likely",     "common",    "nice",      "fun",  "safe", "dangerous",
+                                "expensive", "impossible", "essential", "fair",      "right"};
+  return is_listed(name, kJudging);
 }
 
 // (f / find-01 :ARG1 (h / have-degree-91 :ARG1 (h2 / horse) :ARG2 fast :ARG3 most)): to find the fastest horse. What is only
 // said or thought stays a clause.
+// A superlative below a verb of seeking is no statement about the horse: nobody says "to find that the horse is
+// fastest". `at` is the frame of the degree, `bearer` the horse and `quality` fast.
 bool sought_apply(Rewriter& graph, int at, int quality, int bearer) {
   const int above = graph.parent(at);
   const bool is_object = above >= 0 && !graph.arc(above).inverse && graph.arc(above).role == "ARG1" &&
                          has_attribute(graph.word(quality), "@most") && graph.word(bearer).sense.empty() &&
                          !graph.word(bearer).variable.empty() && graph.mentions(at) == 1;
-  constexpr std::string_view kTelling[] = {"say",  "think", "know",  "believe", "mean",
-                                           "tell", "show",  "agree", "hope",    "opine"};
+  constexpr std::array kTelling{"say", "think", "know", "believe", "mean", "tell", "show", "agree", "hope", "opine"};
   if (!is_object) return false;
   const std::string& verb = graph.word(graph.arc(above).from).name;
-  const bool is_told = std::find(std::begin(kTelling), std::end(kTelling), verb) != std::end(kTelling);
+  const bool is_told = is_listed(verb, kTelling);
   const int bears = graph.child(at, "ARG1");
   const int led = graph.child(at, "ARG2");
   if (is_told || bears < 0 || led < 0 || graph.arc(bears).to != bearer) return false;
@@ -432,10 +449,9 @@ void degree_said(Rewriter& graph, int led, int quality) {
   const int degree = graph.arc(led).to;
   const char* attribute = degree_attribute(graph.word(degree));
   // "More money than he": more is the comparative of much and many.
-  constexpr std::string_view kAmounts[] = {"more", "most", "less", "enough"};
+  constexpr std::array kAmounts{"more", "most", "less", "enough"};
   const bool is_amount =
-      (graph.is(quality, "much") || graph.is(quality, "many")) &&
-      std::find(std::begin(kAmounts), std::end(kAmounts), graph.word(degree).name) != std::end(kAmounts);
+      (graph.is(quality, "much") || graph.is(quality, "many")) && is_listed(graph.word(degree).name, kAmounts);
   if (is_amount && graph.mentions(degree) == 1) {
     graph.word(quality).name = graph.word(degree).name;
     graph.settle_concept(degree, Fate::word);
@@ -452,6 +468,8 @@ void degree_said(Rewriter& graph, int led, int quality) {
 }
 
 // What it is compared to, the set in which it is the most, and what follows: "so tall that ...".
+// ARG4 is what it is compared to (taller than he), ARG5 the set in which it is the most (of the town), ARG6 what
+// follows from a degree (so tall that ..., too small to ...).
 void degree_measured(Rewriter& graph, int at, int quality, int bearer_led) {
   constexpr std::pair<const char*, const char*> kOthers[] = {
       {"ARG4", "compared-to"}, {"ARG5", "superlative-of"}, {"ARG6", "consequence"}};
@@ -473,6 +491,8 @@ void degree_measured(Rewriter& graph, int at, int quality, int bearer_led) {
 }
 
 // Nobody bears it: "as soon as possible".
+// (h / have-degree-91 :ARG2 (s / soon) :ARG3 (e / equal) :ARG4 p) as :time of a clause: the quality alone takes the
+// place of the frame.
 void bearerless_apply(Rewriter& graph, int at, int quality_led, int quality) {
   if (graph.arc(quality_led).from == at) {
     graph.remove(quality_led, Fate::relation);
@@ -497,21 +517,12 @@ void counted_apply(Rewriter& graph, int quality, int bearer) {
   if (is_counted) attribute_add(graph.word(bearer), "@pl");
 }
 
-// (x :ARG1-of (have-degree-91 :ARG2 tall :ARG3 more :ARG4 y)): tall is the quality, x its bearer.
-void degree_apply(Rewriter& graph, int at, bool is_quantity) {
-  int quality_led = graph.argument(at, "ARG2");
-  // A quantity may be the degree itself: "enough oil".
-  if (quality_led < 0 && is_quantity) quality_led = graph.argument(at, "ARG3");
-  if (quality_led < 0) return;
+// The frame goes, and one arc between the quality and its bearer is left. Five cases in this order, x the bearer: x stands
+// above and the quality has a role of its own for it (x :ARG1-of important-01); the quality stands above, or it or the verb
+// above names x already, so that nothing but the frame's own arcs goes; x stands above, x :mod tall; x is an event, which
+// gets a :manner; else the quality is the statement, tall :domain x.
+void tie_to_bearer(Rewriter& graph, int at, bool is_quantity, int quality_led, int bearer_led) {
   const int quality = graph.other(quality_led, at);
-  const int bearer_led = graph.argument(at, "ARG1");
-  if (is_quantity && bearer_led >= 0) counted_apply(graph, quality, graph.other(bearer_led, at));
-  graph.settle_concept(at, Fate::relation);
-  // What is denied is the degree: "no thicker than a finger".
-  if (has_attribute(graph.word(at), "@neg")) attribute_add(graph.word(quality), "@neg");
-  if (const int led = graph.child(at, "ARG3"); led >= 0 && led != quality_led) degree_said(graph, led, quality);
-  degree_measured(graph, at, quality, bearer_led);
-  if (bearer_led < 0) return bearerless_apply(graph, at, quality_led, quality);
   const int bearer = graph.other(bearer_led, at);
   const bool bearer_above = graph.arc(bearer_led).to == at;
   const bool quality_above = graph.arc(quality_led).to == at;
@@ -570,7 +581,27 @@ void degree_apply(Rewriter& graph, int at, bool is_quantity) {
   graph.move_children(at, quality);
 }
 
+// (x :ARG1-of (have-degree-91 :ARG2 tall :ARG3 more :ARG4 y)): tall is the quality, x its bearer.
+void degree_apply(Rewriter& graph, int at, bool is_quantity) {
+  int quality_led = graph.argument(at, "ARG2");
+  // A quantity may be the degree itself: "enough oil".
+  if (quality_led < 0 && is_quantity) quality_led = graph.argument(at, "ARG3");
+  if (quality_led < 0) return;
+  const int quality = graph.other(quality_led, at);
+  const int bearer_led = graph.argument(at, "ARG1");
+  if (is_quantity && bearer_led >= 0) counted_apply(graph, quality, graph.other(bearer_led, at));
+  graph.settle_concept(at, Fate::relation);
+  // What is denied is the degree: "no thicker than a finger".
+  if (has_attribute(graph.word(at), "@neg")) attribute_add(graph.word(quality), "@neg");
+  if (const int led = graph.child(at, "ARG3"); led >= 0 && led != quality_led) degree_said(graph, led, quality);
+  degree_measured(graph, at, quality, bearer_led);
+  if (bearer_led < 0) return bearerless_apply(graph, at, quality_led, quality);
+  tie_to_bearer(graph, at, is_quantity, quality_led, bearer_led);
+}
+
 // A frame that a modal verb says, and the role of the clause that it governs.
+// A bank has what English says with a modal verb as a frame above the clause: (o / obligate-01 :ARG1 i :ARG2 (g / go-02
+// :ARG0 i)) is "I must go". Somebody who obliges or recommends, ARG0, makes a verb of it again.
 struct Modal {
   const char* name;
   const char* sense;
@@ -606,6 +637,7 @@ void modality_apply(Rewriter& graph, int at, const Modal& modal) {
   }
   const bool is_clause = !graph.word(clause).sense.empty() || graph.child(clause, "domain") >= 0;
   // Somebody who recommends is a subject: "she recommends that ...".
+  // (r / recommend-01 :ARG0 s :ARG1 c).
   const bool has_agent = graph.argument(at, "ARG0") >= 0;
   if (!is_clause || has_agent || clause == at) return;
   // English has one modal verb in a clause: the inner frame keeps it.
@@ -642,10 +674,9 @@ void modality_apply(Rewriter& graph, int at, const Modal& modal) {
   graph.move_children(at, clause);
 }
 
-}  // namespace
-
 // (f / flower :ARG0-of (h / have-03 :ARG1 t)): the flower with t. (f / flower :ARG1-of (h / have-03 :ARG0 i)): my flower.
-static void having_apply(Rewriter& graph, int at) {
+// What is denied, or is said of the having itself, needs the verb: the flower that has no thorns.
+void having_apply(Rewriter& graph, int at) {
   const int holder = graph.parent(at);
   const bool is_had = holder >= 0 && graph.arc(holder).role == "ARG1";
   const int thing = graph.child(at, is_had ? "ARG0" : "ARG1");
@@ -660,7 +691,8 @@ static void having_apply(Rewriter& graph, int at) {
 
 // (r / rush-01 :ARG1-of (r2 / resemble-01 :ARG2 (w / wind))): to rush like the wind, or as if it did something. What a noun
 // resembles stays a relative clause.
-static void likeness_apply(Rewriter& graph, int at) {
+// A clause with an agent, "as if it flew", is told from a thing, "like the wind", by its ARG0.
+void likeness_apply(Rewriter& graph, int at) {
   const int led = graph.parent(at);
   const int like = graph.child(at, "ARG2");
   const bool is_inside = led >= 0 && graph.arc(led).inverse && graph.arc(led).role == "ARG1";
@@ -675,7 +707,9 @@ static void likeness_apply(Rewriter& graph, int at) {
 }
 
 // How often, as a bare number: "once", "twice".
-static void frequency_apply(Rewriter& graph, int at) {
+// From three on English counts times: (r / ring-01 :frequency 3) becomes ring with :frequency (time :quant 3), "three
+// times".
+void frequency_apply(Rewriter& graph, int at) {
   const int led = graph.child(at, "frequency");
   if (led < 0) return;
   const std::string number = graph.word(graph.arc(led).to).name;
@@ -700,33 +734,34 @@ static void frequency_apply(Rewriter& graph, int at) {
 }
 
 // "One of these": what something is taken from is several.
-static void plural_apply(Concept& whole) {
+void plural_apply(Concept& whole) {
   attribute_add(whole, "@pl");
   if (whole.name == "this") whole.name = "these";
   if (whole.name == "that") whole.name = "those";
 }
 
 // "At the top of the tree": a place that is a part of another is written as what the other has.
-static void part_place_apply(Rewriter& graph, int at) {
-  constexpr std::string_view kPlaces[] = {"middle", "center",  "top",   "bottom", "side", "edge",  "end",
-                                          "corner", "front",   "back",  "heart",  "rear", "begin", "beginning",
-                                          "inside", "outside", "north", "south",  "east", "west",  "interior"};
+// (l / live-01 :location (h / hill :part (t / top))) becomes (l / live-01 :location (t / top :part-of (h / hill))): the
+// place itself is where one lives.
+void part_place_apply(Rewriter& graph, int at) {
+  constexpr std::array kPlaces{"middle", "center",  "top",   "bottom", "side", "edge",  "end",
+                               "corner", "front",   "back",  "heart",  "rear", "begin", "beginning",
+                               "inside", "outside", "north", "south",  "east", "west",  "interior"};
   const int above = graph.parent(at);
   const int led = graph.child(at, "part");
   if (above < 0 || led < 0 || graph.arc(above).inverse || graph.mentions(at) > 1) return;
   const int part = graph.arc(led).to;
-  const bool is_place = std::find(std::begin(kPlaces), std::end(kPlaces), graph.word(part).name) != std::end(kPlaces);
+  const bool is_place = is_listed(graph.word(part).name, kPlaces);
   if (!is_place || !graph.children(part).empty() || graph.mentions(part) > 1) return;
   graph.arc(above).to = part;
   graph.replace(led, part, at, "part-of");
 }
 
 // How often, said as how many of it there are: "he asked so many times". Only of what is a clause.
-static void times_apply(Rewriter& graph, int at) {
+void times_apply(Rewriter& graph, int at) {
   const int led = graph.word(at).sense.empty() ? -1 : graph.child(at, "quant");
-  constexpr std::string_view kMany[] = {"many", "several", "multiple", "numerous"};
-  const bool is_many =
-      led >= 0 && std::find(std::begin(kMany), std::end(kMany), graph.word(graph.arc(led).to).name) != std::end(kMany);
+  constexpr std::array kMany{"many", "several", "multiple", "numerous"};
+  const bool is_many = led >= 0 && is_listed(graph.word(graph.arc(led).to).name, kMany);
   if (!is_many || graph.child(at, "frequency") >= 0) return;
   const int above = graph.parent(at);
   const bool is_clause = above < 0 || graph.arc(above).inverse;
@@ -739,7 +774,8 @@ static void times_apply(Rewriter& graph, int at) {
 }
 
 // (d / depart-01 :condition-of (t / thing)): what it is a condition of stands in another sentence: "if you depart".
-static void outer_apply(Rewriter& graph, int at) {
+// @as_condition, @as_cause, @as_concession: the conjunction stands in front of the clause, and nothing follows.
+void outer_apply(Rewriter& graph, int at) {
   const int led =
       graph.is(at, "thing") && graph.children(at).empty() && graph.mentions(at) == 1 ? graph.parent(at) : -1;
   if (led < 0 || !graph.arc(led).inverse) return;
@@ -751,7 +787,8 @@ static void outer_apply(Rewriter& graph, int at) {
 }
 
 // (h / here :location-of (s / shop)): "a shop is here".
-static void here_apply(Rewriter& graph, int at) {
+// "Here" cannot be the head of a sentence, so a verb of being is made, with the shop as ARG1 and here as ARG2.
+void here_apply(Rewriter& graph, int at) {
   const int led = graph.is(at, "here") || graph.is(at, "there") ? graph.child(at, "location", true) : -1;
   if (led < 0 || graph.children(at).size() != 1 || !graph.word(graph.arc(led).to).sense.empty()) return;
   const int being = graph.add_concept("be-located-at");
@@ -764,7 +801,7 @@ static void here_apply(Rewriter& graph, int at) {
 }
 
 // Frames that are a word or a phrase of their own.
-static void phrase_apply(Rewriter& graph, int at) {
+void phrase_apply(Rewriter& graph, int at) {
   // (w / work-01 :temporal (u / use-03)): what used to be done.
   const int once = graph.is(at, "use", "03") && graph.children(at).empty() ? graph.parent(at) : -1;
   if (once >= 0 && (graph.arc(once).role == "time" || graph.arc(once).role == "temporal")) {
@@ -806,20 +843,20 @@ static void phrase_apply(Rewriter& graph, int at) {
 }
 
 // What something is not like stays a clause: "a garden that is not like mine".
-static bool is_unlike(Rewriter& graph, int at) {
+// As a role, :likeness, it could not be denied.
+bool is_unlike(Rewriter& graph, int at) {
   const int like = graph.argument(at, "ARG1");
   return graph.word(at).name == "resemble" && has_attribute(graph.word(at), "@neg") &&
          (like < 0 || graph.arc(like).to == at || graph.word(graph.arc(like).to).sense.empty());
 }
 
 // Roles that lead from a number to what is counted, and to who feels something.
-static void role_apply(Rewriter& graph, Arc& one) {
+void role_apply(Rewriter& graph, Arc& one) {
   // "A number of birds": the number is the head.
   if (one.role == "quant" && one.inverse && graph.word(one.from).sense.empty()) {
     one.role = "consist-of", one.inverse = false;
-    constexpr std::string_view kOfMany[] = {"number", "group", "series", "range", "variety", "couple", "set", "row"};
-    const bool is_many =
-        std::find(std::begin(kOfMany), std::end(kOfMany), graph.word(one.from).name) != std::end(kOfMany);
+    constexpr std::array kOfMany{"number", "group", "series", "range", "variety", "couple", "set", "row"};
+    const bool is_many = is_listed(graph.word(one.from).name, kOfMany);
     if (is_many && graph.word(one.to).sense.empty()) attribute_add(graph.word(one.to), "@pl");
   }
   // "It is a lot for me": who feels it is no subject where there is one.
@@ -830,17 +867,18 @@ static void role_apply(Rewriter& graph, Arc& one) {
 }
 
 // "She lay down in the grass": a bare direction stands nearer to its verb than a place does.
-static void directions_apply(Rewriter& graph) {
-  constexpr std::string_view kBare[] = {"up",      "down",  "away",  "back",  "out",  "off",  "around",
-                                        "forward", "home",  "along", "by",    "past", "over", "across",
-                                        "through", "aside", "ahead", "apart", "in",   "on",   "about"};
+// What has words of its own, "up the hill", stays a direction: a particle stands alone.
+void directions_apply(Rewriter& graph) {
+  constexpr std::array kBare{"up",      "down",  "away",  "back",  "out",  "off",  "around",
+                             "forward", "home",  "along", "by",    "past", "over", "across",
+                             "through", "aside", "ahead", "apart", "in",   "on",   "about"};
   for (Arc& one : graph.meaning().arcs) {
     if (one.role != "direction" || one.gone || one.inverse) continue;
     const std::string word = graph.word(one.to).name;
     const bool is_in_verb = graph.word(one.from).name.ends_with('-' + word);
     if (is_in_verb) graph.move_children(one.to, one.from);
     const bool is_direction = graph.children(one.to).empty();
-    if (!is_direction || std::find(std::begin(kBare), std::end(kBare), word) == std::end(kBare)) continue;
+    if (!is_direction || !is_listed(word, kBare)) continue;
     one.role = "particle";
     // The verb may have the word in its name: sit-down-02.
     if (is_in_verb) {
@@ -852,7 +890,10 @@ static void directions_apply(Rewriter& graph) {
 }
 
 // What is taken out of a whole, and the whole.
-static void sets_apply(Rewriter& graph) {
+// A bank writes "some of us" as (s / some :superset we); where it has the frame include-91 for it, that has become
+// :superset by now. The part is the head in English, too. What is left to do is number, as a whole is several things, and
+// the word for the part, which is not said twice: one of the stars.
+void sets_apply(Rewriter& graph) {
   for (int at = 0; at < graph.count(); ++at) {
     // "Some of us": how many are taken out of a whole stands for those that are taken.
     const int whole = graph.child(at, "superset");
@@ -895,6 +936,8 @@ static void sets_apply(Rewriter& graph) {
   }
 }
 
+}  // namespace
+
 // (c / cause-01 :ARG0 (r / rain-01) :ARG1 (s / stay-01)) becomes (s / stay-01 :cause (r / rain-01)). Nouns that a frame
 // makes come first, "the cause of", as they would be taken apart else.
 void step_reified(Meaning& meaning) {
@@ -905,10 +948,14 @@ void step_reified(Meaning& meaning) {
     if (graph.is(at, "resemble", "01")) likeness_apply(graph, at);
     phrase_apply(graph, at);
   }
+  // In the order of the source, so that of two nested frames the outer one comes first, and its role leads to the inner
+  // frame, which then gives its own place up.
   for (int at = 0; at < graph.count(); ++at) {
     const Reified* one = is_unlike(graph, at) ? nullptr : reified_of(graph, at);
     if (one != nullptr) reified_apply(graph, at, *one);
   }
+  // Behind the frames, as have-frequency-91 and others have become roles only now. Concepts made here are not looked
+  // at.
   for (int at = 0, end = graph.count(); at < end; ++at) {
     frequency_apply(graph, at);
     times_apply(graph, at);
@@ -941,8 +988,8 @@ void step_office(Meaning& meaning) {
     const bool is_of = one.role == "part-of" && !one.inverse && !one.gone;
     // Where somebody is from is his: "your village".
     const bool is_home = one.role == "source" && one.inverse && !one.gone && graph.word(one.from).sense.empty();
-    if (is_home && is_personal_pronoun(graph.word(one.to).name)) one.role = "poss", one.inverse = false;
-    if (is_of && is_personal_pronoun(graph.word(one.to).name)) one.role = "poss";
+    if (is_home && is_personal_pronoun(graph, one.to)) one.role = "poss", one.inverse = false;
+    if (is_of && is_personal_pronoun(graph, one.to)) one.role = "poss";
   }
   // A noun of several words beside a name: "Aurora, the old fishing boat".
   for (int at = 0; at < graph.count(); ++at) {
@@ -964,13 +1011,18 @@ void step_office(Meaning& meaning) {
   }
 }
 
+namespace {
+
 // "Such a secret place": such belongs to the noun, though it says how secret it is.
-static void such_apply(Rewriter& graph, int at) {
+// (p / place :mod (s / secret :degree (s2 / such))).
+void such_apply(Rewriter& graph, int at) {
   const int led = graph.child(at, "degree");
   const int above = led >= 0 && graph.is(graph.arc(led).to, "such") ? graph.parent(at) : -1;
   if (above < 0 || graph.arc(above).inverse || graph.arc(above).role != "mod") return;
   graph.replace(led, graph.arc(above).from, graph.arc(led).to, "mod");
 }
+
+}  // namespace
 
 // (h / have-degree-91 :ARG1 x :ARG2 (t / tall) :ARG3 (m / more) :ARG4 y): tall with @more, its bearer x, compared to y.
 void step_degree(Meaning& meaning) {
@@ -988,8 +1040,12 @@ void step_degree(Meaning& meaning) {
   }
 }
 
+namespace {
+
 // (x :ARG1-of (have-polarity-91 :ARG2 -)): the value becomes the attribute that the role itself would give.
-static void truth_apply(Rewriter& graph, int at) {
+// UMR writes how sure a clause is as have-modal-strength-91, with a value from full-affirmative to full-negative;
+// have-polarity-91 has the value that :polarity would have.
+void truth_apply(Rewriter& graph, int at) {
   const int about = graph.argument(at, "ARG1");
   const int value = graph.child(at, "ARG2");
   if (value < 0) return;
@@ -1020,6 +1076,8 @@ static void truth_apply(Rewriter& graph, int at) {
   if (is_above) graph.redirect(at, word);
   graph.move_children(at, word);
 }
+
+}  // namespace
 
 // (p / possible-01 :ARG1 (g / go-02)) becomes (g / go-02) with @can. UMR gives the same as an attribute of the clause, or as
 // a frame with a value, which is taken first. Of several governed roles the first that is there counts.

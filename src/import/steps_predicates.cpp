@@ -10,11 +10,9 @@
 namespace lexon {
 namespace {
 
-constexpr std::array kPronouns{"i", "we", "you", "he", "she", "it", "they", "this", "that", "these", "those"};
-
-bool is_event(Rewriter& graph, int at) {
-  const Concept& word = graph.word(at);
-  return !word.sense.empty() && !has_attribute(word, "@agent") && !has_attribute(word, "@result");
+// What needs no word that says what it is.
+bool is_pronoun(Rewriter& graph, int at) {
+  return is_personal_pronoun(graph, at) || is_one_of(graph, at, kDemonstratives);
 }
 
 // A concept that joins others; the frame of a contrast is one.
@@ -43,11 +41,13 @@ int add_being(Rewriter& graph) {
 }
 
 // (y / you :location (t / there)), said for itself: "you are there".
+// A bank gives the place as a role of the thing, with no verb: at the root, below "and" or below what is said, the
+// thing with its place is the statement, and a verb is made for it. Nouns elsewhere keep the place: "the house there".
 void located_apply(Rewriter& graph, int at) {
   const int place = graph.child(at, "location");
   constexpr std::array kNew{"nothing", "nobody", "something", "somebody", "someone", "no-one", "noone"};
   const bool is_new = is_one_of(graph, at, kNew);
-  if (place < 0 || !(is_new || is_one_of(graph, at, kPronouns)) || graph.child(at, "domain") >= 0) return;
+  if (place < 0 || !(is_new || is_pronoun(graph, at)) || graph.child(at, "domain") >= 0) return;
   const int above = graph.parent(at);
   constexpr std::array kStating{"say", "tell", "answer", "reply", "think", "know", "see"};
   const bool is_said = above >= 0 && graph.mentions(at) == 1 && !graph.arc(above).inverse &&
@@ -67,6 +67,7 @@ void located_apply(Rewriter& graph, int at) {
 }
 
 // (l / lonely :domain (b / be-located-at-91 :ARG2 (c / city))): "it is lonely in the city".
+// What is lonely is the being there; English puts "it" in the place of the subject and says the place behind.
 void somewhere_apply(Rewriter& graph, int at) {
   const int led = graph.child(at, "domain");
   if (led < 0) return;
@@ -81,6 +82,8 @@ void somewhere_apply(Rewriter& graph, int at) {
 
 // Who speaks says something: no that-clause stands behind the verb. What is said to nobody, and is a clause,
 // is what is said.
+// (s / speak-01 :ARG0 k :ARG1 (r / rain-01 ...)) is "k says that ...", or asks whether, as "speaks that" is no English.
+// Some files number what is said as ARG2 of say-01.
 void speaking_apply(Rewriter& graph, int at) {
   const int led = graph.child(at, "ARG1");
   const int above = graph.parent(at);
@@ -105,14 +108,16 @@ void presented_apply(Rewriter& graph) {
   const int led = graph.child(root, "ARG0");
   const int noun = led >= 0 ? graph.arc(led).to : -1;
   const int about = noun >= 0 ? graph.child(noun, "domain") : -1;
-  const bool is_presented = about >= 0 && !is_event(graph, noun) && graph.mentions(noun) == 1 &&
-                            is_one_of(graph, graph.arc(about).to, kPronouns);
+  const bool is_presented =
+      about >= 0 && !is_event(graph, noun) && graph.mentions(noun) == 1 && is_pronoun(graph, graph.arc(about).to);
   if (!is_presented) return;
   graph.replace(led, noun, root, "ARG0", true);
   graph.meaning().root = noun;
 }
 
 // (s / sleep-01 :ARG0 h :location h): "he sleeps where he is".
+// A bank that has no place to name writes the sleeper himself in its stead. The verb of being has the aspect and tense
+// of the clause, as both are about the same time.
 void own_place_apply(Rewriter& graph, int at) {
   const int led = graph.child(at, "location");
   if (led < 0 || !is_event(graph, at)) return;
@@ -135,18 +140,17 @@ void answer_apply(Rewriter& graph, int at) {
   const int led = graph.child(at, "cause");
   const int subject = graph.child(at, "ARG0");
   const bool is_own = led >= 0 && subject >= 0 && graph.arc(led).to == graph.arc(subject).to;
-  if (!is_own || !is_one_of(graph, graph.arc(subject).to, kPronouns)) return;
+  if (!is_own || !is_pronoun(graph, graph.arc(subject).to)) return;
   graph.remove(led, Fate::attribute);
   attribute_add(graph.word(at), "@as_cause");
 }
 
 // "He does not live here": what is not here is the living.
+// (l / live-01 :ARG0 he :location (h / here :polarity -)). Only what is a bare word: a denied clause, "because he does
+// not live here", keeps its own.
 void denial_apply(Rewriter& graph, Arc& one) {
-  constexpr std::array<std::string_view, 7> kCircumstances{"location", "time",      "manner",  "frequency",
-                                                           "extent",   "direction", "duration"};
-  const bool is_circumstance =
-      !one.gone && !one.inverse &&
-      std::find(kCircumstances.begin(), kCircumstances.end(), one.role) != kCircumstances.end();
+  constexpr std::array kCircumstances{"location", "time", "manner", "frequency", "extent", "direction", "duration"};
+  const bool is_circumstance = !one.gone && !one.inverse && is_listed(one.role, kCircumstances);
   if (!is_circumstance || !has_attribute(graph.word(one.to), "@neg") || !graph.word(one.to).sense.empty()) return;
   const bool is_clause = is_event(graph, one.from) || graph.child(one.from, "domain") >= 0;
   if (!is_clause || !graph.children(one.to).empty() || graph.mentions(one.to) > 1) return;
@@ -183,6 +187,7 @@ void only_apply(Rewriter& graph, int led) {
 }
 
 // "Next week", "last year", in clauses of time: no article.
+// (g / go-02 :time (w / week :mod (n / next))).
 void next_apply(Rewriter& graph, const Arc& one) {
   constexpr std::array kTimes{"week",   "month",   "year",      "weekend",  "summer", "winter",   "spring", "autumn",
                               "monday", "tuesday", "wednesday", "thursday", "friday", "saturday", "sunday"};
@@ -194,6 +199,7 @@ void next_apply(Rewriter& graph, const Arc& one) {
 }
 
 // What they are is several: "they are lamps".
+// (l / lamp :domain they): the bank has one concept for one lamp and for many.
 void number_apply(Rewriter& graph, int at) {
   const int led = graph.child(at, "domain");
   const Concept& word = graph.word(at);
@@ -207,7 +213,7 @@ void number_apply(Rewriter& graph, int at) {
   // "The only hills are three volcanoes".
   const Concept& about = graph.word(who);
   const bool is_noun = about.sense.empty() && !about.variable.empty() && !has_attribute(about, "@name") &&
-                       !is_one_of(graph, who, kPronouns) && graph.child(who, "quant") < 0 && !is_joining(graph, who);
+                       !is_pronoun(graph, who) && graph.child(who, "quant") < 0 && !is_joining(graph, who);
   if (is_noun && has_attribute(word, "@pl") && graph.child(at, "quant") >= 0 && !is_one_of(graph, who, kGroups))
     attribute_add(graph.word(who), "@pl");
 }
@@ -237,9 +243,9 @@ void existing_apply(Rewriter& graph) {
 }
 
 // A thing that seems is there: "there seems to be something new". A quality of nobody is no thing.
+// @there is said of one, @theres of several; @raised and @seems tell the rules that "to be" follows.
 void seeming_apply(Rewriter& graph, int at) {
-  const bool is_seeming = graph.is(at, "seem", "01") || graph.is(at, "appear", "02");
-  const int led = is_seeming && graph.child(at, "ARG0") < 0 ? graph.child(at, "ARG1") : -1;
+  const int led = is_seeming(graph, at) && graph.child(at, "ARG0") < 0 ? graph.child(at, "ARG1") : -1;
   if (led < 0) return;
   const int thing = graph.arc(led).to;
   constexpr std::array kThings{"thing", "nothing", "something", "somebody", "someone", "person", "man", "way"};
@@ -252,6 +258,7 @@ void seeming_apply(Rewriter& graph, int at) {
 }
 
 // What something becomes stands behind the verb without a preposition, if it is a quality.
+// @res marks the result. A noun with words of its own, "turned into a small frog", has a preposition instead.
 void becoming_apply(Rewriter& graph, int at) {
   constexpr std::array kBecoming{"become", "grow", "get", "turn", "remain", "stay", "go", "look", "feel", "sound"};
   const int led = graph.word(at).sense.empty() || !is_one_of(graph, at, kBecoming) ? -1 : graph.child(at, "ARG2");
@@ -292,6 +299,8 @@ void whenever_apply(Rewriter& graph, int at) {
 
 // How great a quality is asked for: (t / tall :domain (s / she) :degree (a / amr-unknown)), "how tall is she". The quality
 // moves to the front with the word that asks.
+// What the clause is about moves to a verb of being with the quality as ARG2: the rules bring whatever is asked for to
+// the front, and could not bring the head of the sentence there. Circumstances, negation and mood go with the verb.
 void how_apply(Rewriter& graph, int at) {
   // "How long is it": what is measured has the measure as an argument.
   constexpr std::array kMeasured{"long", "wide", "deep", "high", "tall", "age", "heavy"};
@@ -303,7 +312,7 @@ void how_apply(Rewriter& graph, int at) {
   const int degree = is_thing && graph.child(at, "poss") >= 0 ? graph.child(at, "poss") : graph.child(at, "degree");
   if (degree < 0) return;
   const int unknown = graph.arc(degree).to;
-  if (!graph.is(unknown, "amr-unknown") && !graph.is(unknown, "umr-unknown")) return;
+  if (!is_unknown(graph, unknown)) return;
   constexpr std::array kQualities{"good",    "bad",       "wonderful", "beautiful", "important", "happy", "sad",
                                   "strange", "difficult", "easy",      "long",      "wide",      "large", "great",
                                   "serious", "dangerous", "useful",    "strong",    "likely",    "clear", "far"};
@@ -324,13 +333,15 @@ void how_apply(Rewriter& graph, int at) {
 }
 
 // (e / exist-01 :ARG1 (p / planet :mod (o / other))): "there is another planet". Not so for what is known already.
+// exist-01 becomes exist-91, a name of the import's own, so that the dictionary need not tell two meanings of the verb
+// apart: "ghosts exist" stays exist-01.
 void exist_apply(Rewriter& graph, int at) {
   const int led = graph.is(at, "exist", "01") ? graph.child(at, "ARG1") : -1;
   if (led < 0) return;
   const int thing = graph.arc(led).to;
   const Concept& word = graph.word(thing);
   if (!word.sense.empty() || word.variable.empty() || has_attribute(word, "@name") || graph.mentions(thing) > 1) return;
-  if (is_one_of(graph, thing, kPronouns) || is_joining(graph, thing) || graph.child(thing, "poss") >= 0) return;
+  if (is_pronoun(graph, thing) || is_joining(graph, thing) || graph.child(thing, "poss") >= 0) return;
   constexpr std::array kKnown{"this", "that", "these", "those", "same", "all", "every", "each", "both"};
   // What is denied, counted or somewhere is new; of a thing alone nobody knows.
   bool is_new = has_attribute(graph.word(at), "@neg") || has_attribute(word, "@neg") ||
@@ -355,6 +366,8 @@ void exist_apply(Rewriter& graph, int at) {
 
 }  // namespace
 
+// Runs when frames of roles, degrees and offices have gone, as these are what a predicate is made of. Arcs come behind
+// concepts: the verbs of being that the first loop makes bring new arcs with them.
 void step_predicates(Meaning& meaning) {
   Rewriter graph(meaning, "predicates");
   for (int at = 0, end = graph.count(); at < end; ++at) {

@@ -2,7 +2,6 @@
 // `temporal-quantity`, `name`, is no word: the value takes its place, with an attribute that says what it is.
 #include <algorithm>
 #include <array>
-#include <map>
 
 #include "import/rewriter.hpp"
 #include "import/steps.hpp"
@@ -11,12 +10,14 @@ namespace lexon {
 namespace {
 
 // Digits with the signs that numbers have among them: 3, 1,500, 2.5, 1990-2000.
+// A sign alone is no number: "-" is how a bank denies something.
 bool is_number(const std::string& text) {
   return !text.empty() && text.find_first_not_of("0123456789.,-") == std::string::npos &&
          text.find_first_of("0123456789") != std::string::npos;
 }
 
 // As people write a long number: whole millions and billions with the word, others with commas.
+// 12000 becomes 12,000 and 3000000 becomes 3 million; a year, 1984, is too short for either.
 std::string number_text(const std::string& digits) {
   if (digits.size() < 5 || digits[0] == '0' || digits.find_first_not_of("0123456789") != digits.npos) return digits;
   constexpr std::pair<std::size_t, const char*> kUnits[] = {{12, " trillion"}, {9, " billion"}, {6, " million"}};
@@ -32,59 +33,43 @@ std::string number_text(const std::string& digits) {
   return text;
 }
 
-// The operands of a concept in the order of their numbers, which is not always that of the source.
-std::vector<int> operands(Rewriter& graph, int at) {
-  std::map<int, int> sorted;
-  for (const int led : graph.children(at)) {
-    const std::string& role = graph.arc(led).role;
-    const bool is_operand = !graph.arc(led).inverse && role.starts_with("op") && role.size() > 2 && role.size() < 6 &&
-                            role.find_first_not_of("0123456789", 2) == role.npos;
-    if (is_operand) sorted.emplace(std::stoi(role.substr(2)), led);
-  }
-  std::vector<int> found;
-  found.reserve(sorted.size());
-  for (const auto& [number, led] : sorted) found.push_back(led);
-  return found;
-}
-
 // True for a name whose head is a common noun, or that is a plural: "the Central Court", "the Hill Islands".
 bool takes_article(const std::string& type, const std::string& name) {
-  constexpr std::array<std::string_view, 14> kNames{"U.S.", "US",  "USA",         "U.S.A.",     "UK",
-                                                    "U.K.", "UN",  "U.N.",        "EU",         "E.U.",
-                                                    "FBI",  "CIA", "Netherlands", "Philippines"};
+  constexpr std::array kNames{"U.S.", "US", "USA",  "U.S.A.", "UK",  "U.K.",        "UN",
+                              "U.N.", "EU", "E.U.", "FBI",    "CIA", "Netherlands", "Philippines"};
   // Waters, deserts and ships: the Nile.
-  constexpr std::array<std::string_view, 6> kTypes{"river", "ocean", "sea", "canal", "desert", "ship"};
-  if (std::find(kNames.begin(), kNames.end(), name) != kNames.end() ||
-      std::find(kTypes.begin(), kTypes.end(), type) != kTypes.end())
-    return true;
-  constexpr std::array<std::string_view, 31> kHeads{
+  constexpr std::array kTypes{"river", "ocean", "sea", "canal", "desert", "ship"};
+  if (is_listed(name, kNames) || is_listed(type, kTypes)) return true;
+  constexpr std::array kHeads{
       "States",     "Nations", "Islands", "Emirates", "Kingdom",    "Republic", "Union",     "Federation",
       "Ministry",   "Church",  "Senate",  "Court",    "Commission", "Council",  "Committee", "Association",
       "Department", "Agency",  "Party",   "Army",     "Navy",       "Bureau",   "Institute", "Organization",
       "Foundation", "House",   "Academy", "Alliance", "Empire",     "Act",      "East"};
+  // The head stands before "of", the Republic of Elbonia, or last, the Central Court. A single word is a plain name:
+  // Act.
   const std::string head = name.substr(0, name.find(" of "));
   const std::size_t space = head.rfind(' ');
   const std::string last = space == head.npos ? head : head.substr(space + 1);
   const bool is_compound = head.size() < name.size() || space != head.npos;
-  return is_compound && std::find(kHeads.begin(), kHeads.end(), last) != kHeads.end();
+  return is_compound && is_listed(last, kHeads);
 }
 
 // True for a thing whose type has a noun in front of it: "the fishing boat Aurora". People and places go by their names.
 bool keeps_type(Rewriter& graph, int at) {
-  constexpr std::array<std::string_view, 10> kNames{"person", "country",   "city",  "state",    "province",
-                                                    "county", "continent", "river", "language", "family"};
-  constexpr std::array<std::string_view, 16> kNoNoun{"this", "that",    "these", "all",  "other", "such",
-                                                     "same", "only",    "even",  "just", "also",  "both",
-                                                     "own",  "another", "too",   "new"};
+  constexpr std::array kNames{"person", "country",   "city",  "state",    "province",
+                              "county", "continent", "river", "language", "family"};
+  constexpr std::array kNoNoun{"this", "that", "these", "all",  "other", "such",    "same", "only",
+                               "even", "just", "also",  "both", "own",   "another", "too",  "new"};
   const Concept& type = graph.word(at);
-  const bool is_known = std::find(kNames.begin(), kNames.end(), type.name) != kNames.end();
+  const bool is_known = is_listed(type.name, kNames);
   if (is_known || !type.sense.empty() || type.name.find('-') != type.name.npos) return false;
+  // (b / boat :name ... :mod (f / fishing)): the noun in front would be lost with the type, so both are said.
   for (const int led : graph.children(at)) {
     const Concept& word = graph.word(graph.arc(led).to);
     const bool is_noun = graph.arc(led).role == "mod" && !graph.arc(led).inverse && word.sense.empty() &&
                          !word.variable.empty() && graph.child(graph.arc(led).to, "name") < 0 &&
                          graph.children(graph.arc(led).to).empty() && !has_attribute(word, "@name") &&
-                         std::find(kNoNoun.begin(), kNoNoun.end(), word.name) == kNoNoun.end();
+                         !is_listed(word.name, kNoNoun);
     if (is_noun) return true;
   }
   return false;
@@ -94,7 +79,7 @@ bool keeps_type(Rewriter& graph, int at) {
 void name_apply(Rewriter& graph, int at, int led) {
   const int name = graph.arc(led).to;
   std::string text;
-  for (const int operand : operands(graph, name)) {
+  for (const int operand : graph.numbered(name, {"op"})) {
     if (!text.empty()) text += ' ';
     text += graph.word(graph.arc(operand).to).name;
     graph.remove(operand, Fate::word);
@@ -105,6 +90,7 @@ void name_apply(Rewriter& graph, int at, int led) {
     if (graph.child(at, "poss") < 0) attribute_add(graph.word(at), "@def");
     return attribute_add(graph.word(name), "@name");
   }
+  // Else the type is an attribute, and the rules choose by it: in Oslo (@city), on Monday, by Ada (@person).
   graph.remove(led, Fate::word);
   graph.settle_concept(name, Fate::word);
   graph.settle_concept(at, Fate::attribute);
@@ -139,7 +125,7 @@ void step_names(Meaning& meaning) {
   }
   // "They called him Tom": a name that is spoken of itself.
   for (int at = 0; at < graph.count(); ++at) {
-    const std::vector<int> words = graph.is(at, "name") ? operands(graph, at) : std::vector<int>{};
+    const std::vector<int> words = graph.is(at, "name") ? graph.numbered(at, {"op"}) : std::vector<int>{};
     if (words.empty() || words.size() != graph.children(at).size()) continue;
     std::string text;
     for (const int operand : words) {
@@ -162,6 +148,7 @@ void step_dates(Meaning& meaning) {
   for (int at = 0; at < graph.count(); ++at) {
     if (!graph.is(at, "date-entity")) continue;
     int led = -1;
+    // (d / date-entity :year 2001 :month 7): "July 2001", so the month is the head and the year stands below it.
     for (const char* part : kHeads) {
       if (led = graph.child(at, part); led >= 0) break;
     }
@@ -177,8 +164,12 @@ void step_dates(Meaning& meaning) {
   }
 }
 
+namespace {
+
 // (r / rate-entity-91 :ARG3 (t / temporal-quantity :quant 1 :unit (d / day))): every day.
-static void rate_apply(Rewriter& graph, int at) {
+// A bank gives a rate four arguments: what there is so much of (ARG1) in which period (ARG2), or only the interval at
+// which something happens again (ARG3, in some files ARG4).
+void rate_apply(Rewriter& graph, int at) {
   int led = graph.child(at, "ARG3");
   if (led < 0) led = graph.child(at, "ARG4");
   if (const int per = graph.child(at, "ARG2"), what = graph.child(at, "ARG1"); per >= 0 && what >= 0) {
@@ -198,7 +189,8 @@ static void rate_apply(Rewriter& graph, int at) {
 
 // (r / relative-position :op1 (c / city) :quant (d / distance)): a distance from the city. Without a distance its direction
 // stands for it: north of the city.
-static void position_apply(Rewriter& graph, int at) {
+// A bank writes the point as :op1, how far from it something is as :quant, and on which side as :direction.
+void position_apply(Rewriter& graph, int at) {
   const int point = graph.child(at, "op1");
   const int distance = graph.child(at, "quant");
   const int led = distance >= 0 ? distance : graph.child(at, "direction");
@@ -208,7 +200,8 @@ static void position_apply(Rewriter& graph, int at) {
 }
 
 // (m / multiple :op1 1000): thousands of. (m / more-than :op1 (f / few)): more than a few.
-static void multiple_apply(Rewriter& graph, int at) {
+// "Multiple" is what a bank has for a round number that nobody counted; the number itself says which word English has.
+void multiple_apply(Rewriter& graph, int at) {
   constexpr std::pair<const char*, const char*> kPowers[] = {
       {"12", "dozens"},          {"100", "hundreds"},
       {"1000", "thousands"},     {"10000", "tens-of-thousands"},
@@ -217,6 +210,8 @@ static void multiple_apply(Rewriter& graph, int at) {
   const int led = graph.child(at, "op1");
   if (led < 0) return;
   // The number may stand inside of a quantity: multiple years is years by the million.
+  // (m / multiple :op1 (t / temporal-quantity :quant 1000 :unit (y / year))): thousands of years. The unit has taken
+  // the place of the quantity by now.
   const int inner = graph.is(at, "multiple") ? graph.child(graph.arc(led).to, "quant") : -1;
   const int number = graph.arc(inner >= 0 ? inner : led).to;
   if (graph.is(number, "few")) graph.word(number).name = "a-few";
@@ -235,7 +230,7 @@ static void multiple_apply(Rewriter& graph, int at) {
 }
 
 // "A few steps"; what a word picks out has few alone: "these few steps", "very few steps".
-static void few_apply(Rewriter& graph, int at) {
+void few_apply(Rewriter& graph, int at) {
   const int led = graph.is(at, "few") && graph.children(at).empty() ? graph.parent(at) : -1;
   if (led < 0 || graph.arc(led).inverse || graph.arc(led).role != "quant") return;
   const int noun = graph.arc(led).from;
@@ -248,7 +243,9 @@ static void few_apply(Rewriter& graph, int at) {
 }
 
 // "I saw the others": alone and with nothing that counts it, what is other is several.
-static void others_apply(Rewriter& graph, int at) {
+// (s / see-01 :ARG0 i :ARG1 (o / other)). Beside a noun, (b / boat :mod (o / other)), it stays an adjective: its arc is
+// no argument.
+void others_apply(Rewriter& graph, int at) {
   const int led = graph.is(at, "other") && graph.children(at).empty() ? graph.parent(at) : -1;
   if (led < 0 || graph.arc(led).inverse) return;
   const std::string& role = graph.arc(led).role;
@@ -256,19 +253,19 @@ static void others_apply(Rewriter& graph, int at) {
 }
 
 // Nouns of which there is a lot, and not lots of them; frames are no matter here.
-static bool is_uncounted(const std::string& name) {
-  constexpr std::array<std::string_view, 48> kMass{
-      "money",     "time",      "water",   "food",      "energy",  "attention", "information", "news",
-      "stuff",     "traffic",   "trouble", "noise",     "music",   "air",       "gas",         "oil",
-      "snow",      "rain",      "sand",    "wood",      "gold",    "power",     "sense",       "fun",
-      "room",      "space",     "land",    "evidence",  "crap",    "shit",      "luck",        "courage",
-      "knowledge", "furniture", "paper",   "coffee",    "wine",    "milk",      "sugar",       "blood",
-      "freedom",   "bullshit",  "weather", "equipment", "emotion", "wealth",    "progress",    "support"};
-  return std::find(kMass.begin(), kMass.end(), name) != kMass.end();
+bool is_uncounted(const std::string& name) {
+  constexpr std::array kMass{"money",   "time",      "water",   "food",    "energy",    "attention", "information",
+                             "news",    "stuff",     "traffic", "trouble", "noise",     "music",     "air",
+                             "gas",     "oil",       "snow",    "rain",    "sand",      "wood",      "gold",
+                             "power",   "sense",     "fun",     "room",    "space",     "land",      "evidence",
+                             "crap",    "shit",      "luck",    "courage", "knowledge", "furniture", "paper",
+                             "coffee",  "wine",      "milk",    "sugar",   "blood",     "freedom",   "bullshit",
+                             "weather", "equipment", "emotion", "wealth",  "progress",  "support"};
+  return is_listed(name, kMass);
 }
 
 // "At this" is no time; "at this time" is.
-static void pointing_time_apply(Rewriter& graph) {
+void pointing_time_apply(Rewriter& graph) {
   for (std::size_t i = 0, end = graph.meaning().arcs.size(); i < end; ++i) {
     const int led = static_cast<int>(i);
     const bool is_time = graph.arc(led).role == "time" || graph.arc(led).role == "temporal";
@@ -282,7 +279,8 @@ static void pointing_time_apply(Rewriter& graph) {
 }
 
 // A quantity becomes its unit; without one it is the thing that is measured.
-static void unit_apply(Rewriter& graph, int at) {
+// (d / distance-quantity :quant 3 :unit (m / mile)) becomes mile.@measure with :quant 3.
+void unit_apply(Rewriter& graph, int at) {
   const bool is_quantity = graph.word(at).name.ends_with("-quantity") && graph.word(at).sense.empty();
   if (const int unit = is_quantity ? graph.child(at, "unit") : -1; unit >= 0) {
     attribute_add(graph.word(graph.arc(unit).to), "@measure");
@@ -297,7 +295,9 @@ static void unit_apply(Rewriter& graph, int at) {
 }
 
 // What has nothing but a value is that value; percent is a word, and its value a number of it.
-static void entity_value_apply(Rewriter& graph, int at) {
+// (o / ordinal-entity :value 2) becomes 2(>ord).@ord, "second"; (u / url-entity :value "a.b") the text alone; (p /
+// percentage-entity :value 5) becomes percent.@measure with :quant 5.
+void entity_value_apply(Rewriter& graph, int at) {
   const bool has_value = graph.is(at, "ordinal-entity") || graph.is(at, "percentage-entity") ||
                          graph.is(at, "url-entity") || graph.is(at, "string-entity") ||
                          graph.is(at, "email-address-entity") || graph.is(at, "phone-number-entity") ||
@@ -319,30 +319,34 @@ static void entity_value_apply(Rewriter& graph, int at) {
 
 // Words beside a noun that determine it: each belongs to the noun, wherever the source writes it, and some go with a
 // plural. A number as :mod is a name: chapter 2.
-static void determiners_apply(Rewriter& graph) {
-  constexpr std::array<std::string_view, 8> kDetermining{"any", "some", "every", "no", "this", "that", "all", "these"};
-  constexpr std::array<std::string_view, 5> kSeveral{"all", "both", "most", "these", "those"};
+// (g / garden :mod (o / other :mod (a / any))): a bank lets "any" qualify "other", but English puts both before the
+// noun, so both belong to the garden.
+void determiners_apply(Rewriter& graph) {
+  constexpr std::array kDetermining{"any", "some", "every", "no", "this", "that", "all", "these"};
+  constexpr std::array kSeveral{"all", "both", "most", "these", "those"};
   for (Arc& one : graph.meaning().arcs) {
     if (one.gone || one.inverse || one.role != "mod") continue;
     // "Any other garden", "all these".
     const std::string name = graph.word(one.to).name;
-    const bool is_determiner = std::find(kDetermining.begin(), kDetermining.end(), name) != kDetermining.end();
+    const bool is_determiner = is_listed(name, kDetermining);
     const bool is_pointing = graph.is(one.from, "this") || graph.is(one.from, "that");
     const bool is_moved = (is_determiner && (graph.is(one.from, "other") || graph.is(one.from, "same"))) ||
                           (is_pointing && graph.is(one.to, "all"));
     const int above = is_moved ? graph.parent(one.from) : -1;
     if (above >= 0 && graph.arc(above).role == "mod" && !graph.arc(above).inverse) one.from = graph.arc(above).from;
     if (graph.word(one.to).variable.empty() && is_number(name)) one.role = "number";
-    const bool is_several = std::find(kSeveral.begin(), kSeveral.end(), name) != kSeveral.end();
+    const bool is_several = is_listed(name, kSeveral);
     const bool is_all_that = graph.is(one.from, "that") || graph.is(one.from, "this");
     if (is_several && !is_all_that && graph.word(one.from).sense.empty()) attribute_add(graph.word(one.from), "@pl");
   }
 }
 
 // Numbers other than one go with a plural, and words that say how many.
-static void counted_apply(Rewriter& graph) {
-  constexpr std::array<std::string_view, 11> kMany{"many", "few",  "several", "multiple",    "various",    "numerous",
-                                                   "all",  "both", "most",    "amr-unknown", "umr-unknown"};
+// (s / star :quant 3) has @pl, (s / star :quant 1) @sg. A frame that a bank gives instead of a number, "how many
+// stars", counts as many.
+void counted_apply(Rewriter& graph) {
+  constexpr std::array kMany{"many", "few",  "several", "multiple",    "various",    "numerous",
+                             "all",  "both", "most",    "amr-unknown", "umr-unknown"};
   for (const Arc& one : graph.meaning().arcs) {
     if (one.gone || one.inverse || one.role != "quant") continue;
     // "Only four": the number stands below the word that restricts it.
@@ -351,10 +355,12 @@ static void counted_apply(Rewriter& graph) {
     const bool is_plain = number.sense.empty() && is_number(number.name);
     const bool is_lot =
         number.name == "lot" && graph.word(one.from).sense.empty() && !is_uncounted(graph.word(one.from).name);
-    const bool is_many = is_lot || std::find(kMany.begin(), kMany.end(), number.name) != kMany.end();
+    const bool is_many = is_lot || is_listed(number.name, kMany);
     if (is_plain || is_many) attribute_add(graph.word(one.from), number.name == "1" ? "@sg" : "@pl");
   }
 }
+
+}  // namespace
 
 // (t / temporal-quantity :quant 3 :unit (y / year)) becomes year.@measure with the quantity below it. Number is settled
 // here, too: three years, all years, but one year. Loops follow one another as each looks at what the one before has made.
@@ -385,8 +391,12 @@ void step_quantities(Meaning& meaning) {
   }
 }
 
+namespace {
+
 // True for somebody who is called by an office or by what he is to others.
-static bool has_role(Rewriter& graph, int at) {
+// (p / person :ARG0-of (h / have-org-role-91 :ARG2 m)): the office will be the word for this person, so no pronoun may
+// be.
+bool has_role(Rewriter& graph, int at) {
   for (const int led : graph.children(at)) {
     const std::string& frame = graph.word(graph.arc(led).to).name;
     if (frame.starts_with("have-") && frame.ends_with("-role")) return true;
@@ -395,7 +405,7 @@ static bool has_role(Rewriter& graph, int at) {
 }
 
 // Words that mean something else together than one by one.
-static void idiom_apply(Rewriter& graph, int at) {
+void idiom_apply(Rewriter& graph, int at) {
   for (const int led : graph.children(at)) {
     const int word = graph.arc(led).to;
     if (graph.arc(led).inverse || !graph.children(word).empty()) continue;
@@ -407,10 +417,9 @@ static void idiom_apply(Rewriter& graph, int at) {
       std::erase(graph.word(word).attributes, "@neg");
     }
     // Whoever is fed are the poor, not poorly.
-    constexpr std::array<std::string_view, 14> kPeople{"poor",       "rich",     "young",   "old",  "homeless",
-                                                       "unemployed", "elderly",  "sick",    "dead", "blind",
-                                                       "deaf",       "disabled", "wealthy", "needy"};
-    const bool is_people = std::find(kPeople.begin(), kPeople.end(), graph.word(word).name) != kPeople.end();
+    constexpr std::array kPeople{"poor", "rich", "young", "old",  "homeless", "unemployed", "elderly",
+                                 "sick", "dead", "blind", "deaf", "disabled", "wealthy",    "needy"};
+    const bool is_people = is_listed(graph.word(word).name, kPeople);
     if (is_people && role.starts_with("ARG") && graph.word(word).sense.empty())
       attribute_add(graph.word(word), "@people");
   }
@@ -437,7 +446,9 @@ static void idiom_apply(Rewriter& graph, int at) {
 }
 
 // (w / woman :mod (r / rest)): the rest of the women.
-static void rest_apply(Rewriter& graph, int at) {
+// The part becomes the head and the whole stands behind it, as in "the top of the tree": banks have it the other way
+// round.
+void rest_apply(Rewriter& graph, int at) {
   const int led = graph.child(at, "mod");
   if (led < 0 || !graph.is(graph.arc(led).to, "rest") || graph.mentions(graph.arc(led).to) > 1) return;
   const int rest = graph.arc(led).to;
@@ -446,6 +457,28 @@ static void rest_apply(Rewriter& graph, int at) {
   attribute_add(graph.word(at), "@pl");
   attribute_add(graph.word(at), "@def");
 }
+
+// "Some person" is someone, "every thing" everything. "Some people", a plural, stays what it is.
+void someone_apply(Rewriter& graph, int at) {
+  const bool is_person = graph.is(at, "person") || graph.is(at, "individual-person");
+  if (!is_person && !graph.is(at, "thing")) return;
+  // "Some more questions": a frame below names the things.
+  const int named = is_person ? -1 : graph.child(at, "ARG1", true);
+  if (named >= 0 && graph.children(graph.arc(named).to).empty() && graph.children(at).size() > 2) return;
+  for (const int led : graph.children(at)) {
+    constexpr std::array kWords{"some", "any", "every", "no"};
+    const std::string word = graph.word(graph.arc(led).to).name;
+    if (has_attribute(graph.word(at), "@pl") && word != "every") continue;
+    const bool is_any = is_listed(word, kWords);
+    if (graph.arc(led).role != "mod" || !is_any || !graph.children(graph.arc(led).to).empty()) continue;
+    graph.settle_concept(graph.arc(led).to, Fate::word);
+    graph.remove(led, Fate::word);
+    graph.word(at).name = word + (is_person ? "one" : "thing");
+    return;
+  }
+}
+
+}  // namespace
 
 // Any word can stand in such a role, so the dictionary says it, as where a bank makes a concept of it (beneath :op1 mat).
 // Read from below the role stays: a table may have a label for it.
@@ -465,25 +498,7 @@ void step_prepositions(Meaning& meaning) {
 // alone becomes a pronoun: whatever is said of a person must still have a word to stand with.
 void step_pronouns(Meaning& meaning) {
   Rewriter graph(meaning, "pronouns");
-  // "Some person" is someone.
-  for (int at = 0; at < graph.count(); ++at) {
-    const bool is_person = graph.is(at, "person") || graph.is(at, "individual-person");
-    if (!is_person && !graph.is(at, "thing")) continue;
-    // "Some more questions": a frame below names the things.
-    const int named = is_person ? -1 : graph.child(at, "ARG1", true);
-    if (named >= 0 && graph.children(graph.arc(named).to).empty() && graph.children(at).size() > 2) continue;
-    for (const int led : graph.children(at)) {
-      constexpr std::array<std::string_view, 4> kWords{"some", "any", "every", "no"};
-      const std::string word = graph.word(graph.arc(led).to).name;
-      if (has_attribute(graph.word(at), "@pl") && word != "every") continue;
-      const bool is_any = std::find(kWords.begin(), kWords.end(), word) != kWords.end();
-      if (graph.arc(led).role != "mod" || !is_any || !graph.children(graph.arc(led).to).empty()) continue;
-      graph.settle_concept(graph.arc(led).to, Fate::word);
-      graph.remove(led, Fate::word);
-      graph.word(at).name = word + (is_person ? "one" : "thing");
-      break;
-    }
-  }
+  for (int at = 0; at < graph.count(); ++at) someone_apply(graph, at);
   for (int at = 0, end = graph.count(); at < end; ++at) {
     rest_apply(graph, at);
     idiom_apply(graph, at);
@@ -491,14 +506,15 @@ void step_pronouns(Meaning& meaning) {
     const int counted = word.name == "thing" && word.sense.empty() ? graph.child(at, "quant") : -1;
     if (counted >= 0 && !has_attribute(word, "@name")) {
       // "He knows much": the quantity stands for the thing.
-      constexpr std::array<std::string_view, 4> kStanding{"much", "lot", "enough", "more"};
+      constexpr std::array kStanding{"much", "lot", "enough", "more"};
       const int quantity = graph.arc(counted).to;
       const std::string& name = graph.word(quantity).name;
-      const bool is_standing = std::find(kStanding.begin(), kStanding.end(), name) != kStanding.end();
+      const bool is_standing = is_listed(name, kStanding);
       if (is_standing && graph.mentions(quantity) == 1) graph.stand_in(at, counted, Fate::word);
       continue;
     }
-    // Who speaks, and to whom, is never a person, whatever is said of him.
+    // Who speaks, and to whom, is never a person, whatever is said of him: (p / person :refer-person 1st :refer-number
+    // plural :mod (a / all)) is "we all".
     const bool is_speaking = word.sense.empty() && (word.name == "person" || word.name == "individual-person") &&
                              (has_attribute(word, "@p1") || has_attribute(word, "@p2")) &&
                              !has_attribute(word, "@name") && !has_role(graph, at);
@@ -522,6 +538,8 @@ void step_pronouns(Meaning& meaning) {
         word.sense.empty() && graph.children(at).empty() &&
         (word.name == "person" || word.name == "thing" || word.name == "animal" || word.name == "individual-person");
     if (!is_bare) continue;
+    // The person comes from the table of roles, which has made @p1, @p2, @p3 of :refer-person, and @pl of
+    // :refer-number.
     const bool is_many = has_attribute(word, "@pl");
     const char* name = nullptr;
     if (has_attribute(word, "@p1")) name = is_many ? "we" : "i";
