@@ -55,6 +55,9 @@ constexpr RewriteStep kSteps[] = {
      step_forms},
     // From here on a concept may be several words, so nothing may ask any more how often it is mentioned.
     {"mentions", "a further mention becomes a word of its own with @ref", step_mentions},
+    {"conjunctions",
+     "a cause, concession or the like that is a clause becomes :adverbial-clause, with its conjunction: @s_because",
+     step_conjunctions},
     {kRelativesStep, "inverse roles keep their direction where the table has a label for them (:ARG0-of)", nullptr},
 };
 

@@ -43,5 +43,6 @@ void step_control(Meaning& meaning);
 void step_voice(Meaning& meaning);
 void step_forms(Meaning& meaning);
 void step_mentions(Meaning& meaning);
+void step_conjunctions(Meaning& meaning);
 
 }  // namespace lexon

@@ -1488,4 +1488,42 @@ void step_mentions(Meaning& meaning) {
   }
 }
 
+// Clauses of circumstance differ in nothing but their conjunction, and so do relative clauses of a time, a purpose and a
+// source: one role for all, so that rules say their forms once.
+void step_conjunctions(Meaning& meaning) {
+  struct Circumstance {
+    const char* role;
+    bool inverse;
+    const char* conjunction;
+  };
+  constexpr Circumstance kCircumstances[] = {
+      {"concession", false, "@s_although"},
+      {"concession", true, "@s_although"},
+      {"cause", false, "@s_because"},
+      {"reason", false, "@s_because"},
+      {"cause", true, "@s_so"},
+      {"reason", true, "@s_so"},
+      {"condition", true, "@s_so"},
+      {"concessive-conditional", false, "@s_evenif"},
+      {"conj-as-if", false, "@s_asif"},
+      {"time", true, "@s_when"},
+      {"temporal", true, "@s_when"},
+      {"purpose", true, "@s_that"},
+      {"source", true, "@s_where"},
+  };
+  Rewriter graph(meaning, "conjunctions");
+  for (Arc& one : meaning.arcs) {
+    if (one.gone || !has_attribute(graph.word(one.to), "@cl")) continue;
+    for (const Circumstance& circumstance : kCircumstances) {
+      if (one.role != circumstance.role || one.inverse != circumstance.inverse) continue;
+      attribute_add(graph.word(one.to), circumstance.conjunction);
+      const bool is_relative =
+          one.role == "time" || one.role == "temporal" || one.role == "purpose" || one.role == "source";
+      one.role = is_relative ? "adverbial-relative" : "adverbial-clause";
+      one.inverse = false;
+      break;
+    }
+  }
+}
+
 }  // namespace lexon

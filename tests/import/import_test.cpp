@@ -172,6 +172,8 @@ const StepRow kSteps[] = {
     {"relatives", "relatives", "(b / boy :ARG0-of (r / run-02))", "r0(boy.@entry, run(>02).@v)"},
     {"question_in_a_circle", "questions", "(f / far :degree (g / amr-unknown :degree (e / tall :degree f)))",
      "deg(far.@entry.@wh, amr-unknown.@wh.@wh_degree); deg(amr-unknown, tall.@wh); deg(tall, far)"},
+    {"circumstances", "all", "(g / go-02 :ARG0 (i / i) :cause (r / rain-01 :ARG1 (d / drop)) :cause-of (f / fog))",
+     "a0(go(>02).@entry.@v.@cl, i); adv(go(>02), rain(>01).@v.@cl.@s_because); a1(rain(>01), drop); csf(go(>02), fog)"},
     {"circle", "all", "(s / see-01 :ARG0 (b / boy :ARG0-of s))", "a0(see(>01).@entry.@v.@cl, boy:01); a0(see(>01), boy:02.@ref)"},
 };
 
