@@ -14,11 +14,11 @@ namespace lab {
 namespace {
 
 // A slip of the pen is rare; what stands in many entries is meant.
-constexpr std::int64_t kMostSlips = 3;
+constexpr std::int64_t kMostOdd = 3;
 // A custom is one that so many entries keep for each that breaks it.
-constexpr std::int64_t kKeepersForOne = 10;
+constexpr std::int64_t kEntriesForOne = 10;
 
-std::string_view first_of(std::string_view attributes) {
+std::string_view first_attribute(std::string_view attributes) {
   return attributes.substr(0, attributes.find(','));
 }
 
@@ -59,11 +59,11 @@ class EntryCheck {
           without_ += set.count;
           continue;
         }
-        const std::string_view lead = first_of(rest);
+        const std::string_view lead = first_attribute(rest);
         standings_[lead].in_front += set.count;
-        while (rest.size() > first_of(rest).size()) {
-          rest.remove_prefix(first_of(rest).size() + 1);
-          Standing& standing = standings_[first_of(rest)];
+        while (rest.size() > first_attribute(rest).size()) {
+          rest.remove_prefix(first_attribute(rest).size() + 1);
+          Standing& standing = standings_[first_attribute(rest)];
           standing.behind += set.count;
           standing.leads[lead] += set.count;
         }
@@ -79,15 +79,15 @@ class EntryCheck {
     if (index.form(entry).empty()) return;
     const std::string form = '[' + std::string(index.form(entry)) + ']';
     if (set.attributes.empty()) {
-      if (without_ > kMostSlips || entries_ - without_ < without_ * kKeepersForOne) return;
+      if (without_ > kMostOdd || entries_ - without_ < without_ * kEntriesForOne) return;
       report(index, entry, "entry-class",
              form + " has no attributes, and all entries but " + std::to_string(without_) + " have",
              "give it its class, as (N)");
       return;
     }
-    const std::string_view name = first_of(set.attributes);
+    const std::string_view name = first_attribute(set.attributes);
     const Standing& standing = standings_.at(name);
-    if (standing.in_front > kMostSlips || standing.behind < standing.in_front * kKeepersForOne) return;
+    if (standing.in_front > kMostOdd || standing.behind < standing.in_front * kEntriesForOne) return;
     const auto lead = std::ranges::max_element(standing.leads, {}, [](const auto& each) { return each.second; });
     report(index, entry, "entry-class",
            std::string(name) + " stands in front in " + form + ", and behind " + std::string(lead->first) + " in " +
