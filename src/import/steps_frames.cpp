@@ -151,7 +151,7 @@ void reified_apply(Rewriter& graph, int at, const Reified& one) {
                         !caused.name.ends_with("choice");
   if (graph.is(at, "cause", "01") && !head_above && !dependent_above && is_thing) return;
   if (!head_above && !dependent_above && std::string_view(one.role) == "identity") {
-    // "Palin is the star".
+    // "Kim is the mayor".
     graph.settle_concept(at, Fate::relation);
     graph.replace(up, dependent, head, "domain");
     graph.remove(down, Fate::relation);
