@@ -56,7 +56,7 @@ void add_grammar_options(CLI::App& command, GrammarFiles& files) {
 void add_render_options(CLI::App& command, RenderOptions& options) {
   add_option(command, "INPUT", options.inputs, "Graphs; - for standard input", {.required = true});
   add_option(command, "-s,--sentence", options.sentences,
-             "Only the sentence with this label, or number; may be repeated", {.one_value = true});
+             "Only the sentence with this label, or #NUMBER; may be repeated", {.one_value = true});
   add_option(command, "-T,--time", options.seconds, "Seconds for each sentence; 0: no limit", {.shows_default = true});
   add_option(command, "--steps", options.steps, "Steps of the search for each sentence; 0: no limit",
              {.not_negative = true});

@@ -220,7 +220,8 @@ bool is_asked_for(const std::string& wanted, const GraphText& sentence) {
   if (label == sentence.label) return true;
   const std::size_t colon = sentence.label.find(':');
   if (colon != std::string::npos && label == std::string_view(sentence.label).substr(colon + 1)) return true;
-  return sentence.label.empty() && label == std::to_string(sentence.number);
+  const std::string number = std::to_string(sentence.number);
+  return label == "#" + number || (sentence.label.empty() && label == number);
 }
 
 void for_each_sentence(const RenderOptions& options, const std::function<void(const GraphText&)>& use,
@@ -261,7 +262,7 @@ void for_each_sentence(const RenderOptions& options, const std::function<void(co
   }
   if (!missing.empty()) {
     throw Fault("no sentence has the label \"" + missing.front() +
-                "\": labels stand in the lines [S:LABEL] of the input");
+                "\": labels stand in the lines [S:LABEL] of the input; #2 is the second, whatever its label");
   }
 }
 

@@ -81,7 +81,7 @@ struct GraphText {
 // The label of the sentence in a text: "S:3" of "[S:3]"; empty if it has none.
 [[nodiscard]] std::string label_of(std::string_view text);
 
-// Is the sentence meant by this label ("S:3", "[S:3]" or "3"), or by this number if it has none?
+// Is the sentence meant by this label ("S:3", "[S:3]" or "3"), by its place ("#2"), or by this number if it has no label?
 [[nodiscard]] bool is_asked_for(const std::string& wanted, const GraphText& sentence);
 
 // Reads the inputs sentence by sentence, whatever their size, and hands on those that are asked for. Tells on standard

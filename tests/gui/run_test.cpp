@@ -158,13 +158,32 @@ class RunTest : public QObject {
         QCOMPARE(row.text(0) + row.text(1) + row.text(2), "2[S:7]failed");
         QVERIFY2(text_of(summary, "detail").contains("Not in the dictionary: emu."), qPrintable(text_of(summary, "detail")));
         const auto& dialog = dynamic_cast<const SummaryDialog&>(summary);
-        QVERIFY(dialog.page_words(0, "p.html").join(' ').contains("-o p.html -s [S:7] "));
+        QVERIFY(dialog.page_words(0, "p.html").join(' ').contains("-o p.html -s #2 "));
         press(summary, "open_output");
       });
     });
     QCOMPARE(main.run(), 3);
     QCOMPARE(opened_, {QUrl::fromLocalFile(to_text(path("output.txt")))});
     QCOMPARE(main.words_for_again().front(), path("words.dic"));
+  }
+
+  void a_page_shows_how_sentences_came_about() {
+    opened_.clear();
+    MainDialog main(line_for(std::string(kDog) + kCat));
+    when_shown("main_dialog", [this](QWidget& window) {
+      const auto look = [this](QWidget& summary) {
+        press(summary, "open_page");
+        // The workbench makes it in a process of its own.
+        QTRY_COMPARE_WITH_TIMEOUT(opened_.size(), 1, 60'000);
+        press(summary, "close");
+      };
+      when_shown("summary_dialog", look, [](QWidget& summary) { return control<QPushButton>(summary, "open_page").isEnabled(); });
+      press(window, "render");
+    });
+    QCOMPARE(main.run(), 0);
+    QCOMPARE(opened_.size(), 1);
+    const std::string page = bytes_of(opened_.front().toLocalFile().toStdString());
+    for (const char* shown : {"<html", "[S:3]"}) QVERIFY2(page.find(shown) != std::string::npos, shown);
   }
 
   void a_missing_dictionary_is_told_and_mended() {

@@ -56,9 +56,9 @@ QStringList texts_of(const std::vector<std::string>& texts) {
   return list;
 }
 
-// What the workbench knows a sentence by: its label, or its number.
-QString name_of(const LostSentence& lost) {
-  return lost.report.label.empty() ? QString::number(lost.number) : to_text(lost.report.label);
+// What the workbench knows a sentence by, whatever its label: several may have the same.
+QString name_of(std::int64_t number) {
+  return "#" + QString::number(number);
 }
 
 }  // namespace
@@ -231,13 +231,13 @@ QStringList SummaryDialog::page_words(int row, const QString& page) const {
   // The chosen one, else the first that were lost, else the first of the run.
   QStringList sentences;
   if (row >= 0) {
-    sentences << name_of(summary_.lost[static_cast<std::size_t>(row)]);
+    sentences << name_of(summary_.lost[static_cast<std::size_t>(row)].number);
   } else if (!summary_.lost.empty()) {
     const std::size_t shown = std::min(summary_.lost.size(), static_cast<std::size_t>(kPageSentences));
-    for (std::size_t i = 0; i < shown; ++i) sentences << name_of(summary_.lost[i]);
+    for (std::size_t i = 0; i < shown; ++i) sentences << name_of(summary_.lost[i].number);
   } else {
     const std::int64_t shown = std::min<std::int64_t>(summary_.outcome.done, kPageSentences);
-    for (std::int64_t i = 0; i < shown; ++i) sentences << QString::number(summary_.first + i);
+    for (std::int64_t i = 0; i < shown; ++i) sentences << name_of(summary_.first + i);
   }
   for (const QString& sentence : sentences) words << "-s" << sentence;
   return words << to_text(settings.input_file);
