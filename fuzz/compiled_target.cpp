@@ -6,7 +6,6 @@
 namespace {
 
 using lexon::test::grammar;
-using lexon::test::index_build;
 using lexon::test::session;
 
 using namespace lexon;

@@ -14,7 +14,6 @@
 namespace {
 
 using lexon::test::grammar;
-using lexon::test::index_build;
 using lexon::test::session;
 
 using namespace lexon;
