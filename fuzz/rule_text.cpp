@@ -12,7 +12,6 @@
 namespace lexon::fuzz {
 
 using lexon::test::grammar;
-using lexon::test::index_build;
 using lexon::test::session;
 
 ParsedRules rules_parsed(std::string_view text) {

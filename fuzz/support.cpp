@@ -18,7 +18,6 @@
 namespace lexon::fuzz {
 
 using lexon::test::grammar;
-using lexon::test::index_build;
 using lexon::test::session;
 
 namespace fs = std::filesystem;

@@ -147,7 +147,7 @@ void load_all(LoadedGrammar& grammar, const GrammarFiles& files, const std::stri
 
 }  // namespace
 
-LoadedGrammar::LoadedGrammar(GrammarParts kept)
+LoadedGrammar::LoadedGrammar(const GrammarParts& kept)
     : parts{kept.rules != nullptr ? kept.rules : std::make_shared<core::Grammar>(),
             kept.words != nullptr ? kept.words : std::make_shared<Dictionary>(),
             kept.cooccurrence != nullptr ? kept.cooccurrence : std::make_shared<Dictionary>()} {}

@@ -30,7 +30,7 @@ struct LoadedGrammar {
   bool has_mixed_names = false;  // the dictionaries have names of two kinds, and `words` took on the other one
   bool is_usable = false;
 
-  explicit LoadedGrammar(GrammarParts kept = {});
+  explicit LoadedGrammar(const GrammarParts& kept = {});
   LoadedGrammar(const LoadedGrammar&) = delete;
   LoadedGrammar& operator=(const LoadedGrammar&) = delete;
 };
