@@ -83,7 +83,7 @@ std::string LetterChanges::read(std::string_view line) {
       if (letter.size() != 1) return "a set has single letters, with blanks between them";
       set += letter;
     }
-    if (name.size() < 1 || set.empty()) return "write letters NAME a b c";
+    if (name.empty() || set.empty()) return "write letters NAME a b c";
     std::sort(set.begin(), set.end());  // searched by halves in fits()
     if (!sets_.emplace(name, set).second)
       return "the set " + std::string(name) + " is there already: choose another name";

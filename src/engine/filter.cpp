@@ -183,7 +183,7 @@ Fit filter_candidates(Session& session, Side side, const Rule& rule, RuleCandida
   const Fit fit = is_open ? filter_open(session, filter) : filter_settled(session, filter);
   if (fit != Fit::yes) return fit;
   // A hold keeps the target's word until its scope is entered.
-  if (!filter.on_target || !is_fresh(*target)) return Fit::yes;
+  if (target == nullptr || !filter.on_target || !is_fresh(*target)) return Fit::yes;
   const Status held = match_record_push(session, *target, kStateHold, &candidate);
   return held == Status::ok ? Fit::yes : Fit::failed;
 }
