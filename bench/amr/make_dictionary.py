@@ -102,6 +102,9 @@ ERGATIVE = set("increase decrease change improve begin start end stop continue d
 ABOUT_NOUNS = set("information news story book article bullshit nonsense joke rumour rumor gossip film movie song poem theory "
                   "opinion view truth fact data documentary lesson lecture conversation discussion debate secret detail thing "
                   "something anything nothing everything report remark statement complaint concern worry doubt".split())
+# Of several forms of the past the one for a verb, where the examples have other words that look the same.
+STRONG = {"bear": "bore borne", "drink": "drank drunk", "sink": "sank sunk", "clothe": "clothed clothed", "melt": "melted melted",
+          "tread": "trod trodden", "forbid": "forbade forbidden", "abide": "abided abided", "pen": "penned penned"}
 STATE_FILES = {31, 37, 42}
 MASS_FILES = {7, 12, 27, 26}
 
@@ -350,6 +353,13 @@ class Sources:
         present, past = self.text.counts[forms["S"]], self.text.counts[forms["PAST"]]
         return lemma in self.states and not (present + past >= 8 and present < 0.13 * (present + past))
 
+    def plural(self, noun, written):
+        """An irregular plural if people write it, or if it is of a kind that has no other: knives, men, crises, cacti."""
+        known, made = self.irregular["noun"].get(noun), plural(written)
+        is_only = known and re.search("(ves|men|feet|teeth|mice|lice|geese|children|oxen)$", known) or \
+            known and (noun[-2:], known[-1:]) in (("us", "i"), ("on", "a"), ("is", "s"), ("ix", "s"), ("ex", "s"))
+        return known if known and (is_only or self.text.counts[known] > self.text.counts[made]) else made
+
     def form_weight(self, lemma, tag, form):
         """How often people write the form, and how sure it is that they mean this verb: "bare" is no form of "bear"."""
         weight = self.text.counts[form]
@@ -368,9 +378,10 @@ class Sources:
         forms = verb_rule(first)
         for tag, known in self.forms.get(first, {}).items():
             # Of several forms the one that people write.
-            forms[tag] = max(known, key=lambda form: (self.form_weight(first, tag, form), form == forms[tag]))
-        if first == "bear":
-            forms["PTCP"] = "borne"
+            known = [form for form in known if form not in PARTICLES | {"it"}]
+            forms[tag] = max(known or [forms[tag]], key=lambda form: (self.form_weight(first, tag, form), form == forms[tag]))
+        if first in STRONG:
+            forms["PAST"], forms["PTCP"] = STRONG[first].split()
         tail = "".join(" " + word for word in rest)
         return {tag: form + tail for tag, form in forms.items()}
 
@@ -407,10 +418,10 @@ class Writer:
             written = lemma
         kinds = {18: ",HUM", 28: ",TIM", 15: ",PLC"}.get(file, "") + (",MASS" if file in MASS_FILES else "")
         kinds += ",ABT" * (lemma in ABOUT_NOUNS)
-        kinds += self.sources.text.noun_marks(lemma, self.sources.irregular["noun"].get(lemma) or plural(written))
+        kinds += self.sources.text.noun_marks(lemma, self.sources.plural(lemma, written))
         self.entry(written, concept, f"N{kinds}{vowel(written)}{more}")
         if written[:1].islower() or file == 18 and " " not in written:
-            many = self.sources.irregular["noun"].get(lemma) or plural(written)
+            many = self.sources.plural(lemma, written)
             self.entry(many, concept, f"N,PL{',PS' * many.endswith('s')}{kinds}{vowel(many)}{more}")
 
     def adjective(self, lemma, concept, more=""):
