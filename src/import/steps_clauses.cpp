@@ -257,6 +257,9 @@ void coordinate(Rewriter& graph, int at, const Conjunction& conjunction) {
     last = chain_end(graph, part);
   }
   graph.remove(parts[0], Fate::relation);
+  // What is joined to all of them stands behind the last: "she came and sang, but he left".
+  const int to_all = graph.child(at, "conjunct");
+  if (to_all >= 0 && is_event(graph, last) && is_event(graph, graph.arc(to_all).to)) graph.arc(to_all).from = last;
   const bool is_bidden = has_attribute(graph.word(head), "@imp");
   for (const std::string& attribute : graph.word(at).attributes) {
     // Some files mark a request with more than one mood.
