@@ -57,6 +57,8 @@ NOUN_OBJECTS = {verb: preposition for preposition, verbs in {
     "against": "discriminate"}.items() for verb in verbs.split()}
 # Verbs behind which an infinitive has "how": she knows how to swim.
 HOW_VERBS = ("know",)
+# Behind these stands somebody and what he does, without "to": "she let him go".
+BARE_VERBS = ("let", "make", "have", "bid", "help", "watch", "overhear")
 # What people try or begin is what they do themselves: no infinitive with a subject of its own.
 OWN_SUBJECT_VERBS = ("try", "begin", "start", "continue", "attempt", "manage", "decide", "refuse", "learn", "hope")
 # Verbs that govern a gerund and no infinitive: "she finished eating".
@@ -464,7 +466,7 @@ def clause_shapes(verb, seen, frames, governed, count):
     if not ("THAT1" in seen or frames["THAT"] or governed["THAT"] > 2):
         score["THAT"] = 0
     found = [shape + "1" for shape in ("INF", "GER") if score[shape] and score[shape] >= 0.3 * score["THAT"]]
-    found += ["THAT1"] * (score["THAT"] > max(score["INF"], score["GER"])) + ["BARE1"] * (frames["BARE"] > 0)
+    found += ["THAT1"] * (score["THAT"] > max(score["INF"], score["GER"])) + ["BARE1"] * (frames["BARE"] > 0 and verb in BARE_VERBS)
     found += ["OINF1"] * (verb not in OWN_SUBJECT_VERBS) * (frames["OINF"] > 0 or governed["OINF"] > 1 and 2 * governed["OINF"] > governed["THAT"])
     is_rare = 10 * sum(governed.values()) < count and not sum(frames.values())
     return found + ["NOUN1"] * (is_rare and not seen and "THAT1" not in found)
@@ -513,10 +515,12 @@ def frames(path, writer, sources):
         is_ergative = verb in ERGATIVE and sense_of(concept) < 3
         if "SA1" not in built and (is_getting or is_ergative or sources.is_intransitive(verb or lemma)):
             built.append("SA1")
+        is_small = verb in ("make", "render", "keep") and "THAT1" in built
+        if verb in ("let", "make"):
+            built = [a for a in built if a != "THAT1"]
         pattern = "".join("," + a for a in built)
         if verb:
-            writer.verb(verb, concept, pattern + ",SMALLC" * (verb in ("make", "render", "keep") and "THAT1" in pattern)
-                        + ",COPL" * (verb in COPULAR))
+            writer.verb(verb, concept, pattern + ",SMALLC" * is_small + ",COPL" * (verb in COPULAR))
         # A word that is a noun at least as often as a verb names what the verb does: "the size of the garden".
         often = sources.tagged[lemma, "1"] >= max(5, 1.5 * sources.tagged[lemma, "2"])
         if verb == lemma and not of["N"] and often and ",p1" not in pattern:

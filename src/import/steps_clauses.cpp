@@ -800,7 +800,9 @@ void attendant_apply(Rewriter& graph, int at) {
       graph.replace(led, clause, frame, held_by);
       continue;
     }
-    const bool is_act = graph.arc(led).inverse && is_core_role(graph.arc(led).role) && graph.mentions(frame) == 1;
+    // What is said of the subject stands behind a comma; of another, "to you, who know it".
+    const bool is_act = graph.arc(led).inverse && is_core_role(graph.arc(led).role) && graph.mentions(frame) == 1 &&
+                        (role == "ARG0" || graph.child(clause, "ARG0") < 0);
     if (!is_act || graph.word(frame).sense.empty()) continue;
     const std::string held = graph.arc(led).role;
     graph.add(frame, at, held);
@@ -1021,6 +1023,9 @@ void tense_from_time(Rewriter& graph, int at) {
     if (is_perfect) attribute_add(graph.word(at), "@perf");
     const bool is_relation = graph.is(time, "before") || graph.is(time, "after");
     const int point = is_relation ? graph.child(time, "op1") : -1;
+    // After what was told: two days later.
+    const bool is_open = is_relation && point < 0 && graph.child(time, "quant") >= 0;
+    if (is_open) graph.word(time).name = graph.is(time, "before") ? "earlier" : "later";
     if (point < 0 || !graph.is(graph.arc(point).to, "now")) continue;
     attribute_add(graph.word(at), graph.is(time, "before") ? "@past" : "@fut");
     if (graph.mentions(time) > 1 || graph.mentions(graph.arc(point).to) > 1) continue;
@@ -1129,8 +1134,8 @@ void step_tense(Meaning& meaning) {
                           std::any_of(kStanding.begin(), kStanding.end(),
                                       [&](const char* one) { return has_attribute(graph.word(at), one); });
     // What lasts has no progressive: "do you see it?"
-    constexpr std::array kLasting{"see",  "hear", "smell",    "like", "love", "hate",
-                                  "want", "need", "remember", "mind", "have", "know"};
+    constexpr std::array kLasting{"see",  "hear", "smell", "like", "love",    "hate",   "want", "need",   "remember",
+                                  "mind", "have", "know",  "mean", "believe", "prefer", "own",  "belong", "understand"};
     if (!is_known && is_to_you && shared < 0 && graph.child(at, "conjunct") < 0 && !is_one_of(graph, at, kLasting) &&
         is_question && !is_timed)
       attribute_add(clause, "@now");
@@ -1163,6 +1168,11 @@ void step_voice(Meaning& meaning) {
   Rewriter graph(meaning, "voice");
   constexpr std::array kSomebody{"i",      "we",      "you",      "he",       "she",     "they",   "person", "one",
                                  "anyone", "someone", "everyone", "somebody", "anybody", "nobody", "man",    "woman"};
+  // Behind these stands what moved somebody, "surprised to see him"; behind others how: "ruined by gambling".
+  constexpr std::array kMoving{"surprise",   "astonish", "astound", "amaze",   "please",  "delight", "shock",
+                               "horrify",    "sadden",   "relieve", "thrill",  "honor",   "stun",    "alarm",
+                               "disappoint", "dismay",   "gratify", "overjoy", "startle", "touch",   "flatter",
+                               "embarrass",  "appall",   "upset",   "disturb", "pain",    "humble",  "bewilder"};
   for (int at = 0; at < graph.count(); ++at) told_apply(graph, at);
   for (int at = 0; at < graph.count(); ++at) {
     const int agent = graph.child(at, "ARG0");
@@ -1174,6 +1184,7 @@ void step_voice(Meaning& meaning) {
     const bool is_deed =
         !graph.word(what).sense.empty() && !has_attribute(graph.word(what), "@agent") && !graph.children(what).empty();
     if (is_deed && is_one_of(graph, whom, kSomebody)) attribute_add(graph.word(at), "@psv");
+    if (is_one_of(graph, at, kMoving)) attribute_add(graph.word(at), "@moved");
   }
 }
 
@@ -1263,6 +1274,20 @@ void giving_apply(Rewriter& graph, int at) {
   if (is_personal_pronoun(graph, thing) || graph.parent(thing) != what) attribute_add(graph.word(at), "@pro1");
 }
 
+// "She put down the box that he had sent": a particle stands in front of an object that has more than a word beside it.
+void particle_apply(Rewriter& graph, int at) {
+  const int led = graph.child(at, "particle");
+  const int object = led < 0 ? -1 : graph.child(at, "ARG1");
+  if (object < 0 || graph.child(at, "ARG0") < 0) return;
+  const int thing = graph.arc(object).to;
+  const std::vector<int> below = graph.children(thing);
+  const bool is_long = below.size() > 1 || std::any_of(below.begin(), below.end(), [&](int one) {
+                         return graph.arc(one).inverse || graph.arc(one).role == "conjunct";
+                       });
+  if (is_long && !is_personal_pronoun(graph, thing) && graph.parent(thing) == object)
+    graph.arc(led).role = "particle-near";
+}
+
 }  // namespace
 
 // What the rules must know of a whole clause before its first word stands: whether it has a subject, an auxiliary, an
@@ -1276,6 +1301,7 @@ void step_forms(Meaning& meaning) {
     bare_time_apply(graph, at);
     content_apply(graph, at);
     giving_apply(graph, at);
+    particle_apply(graph, at);
     Concept& word = graph.word(at);
     // English has one modal verb in a clause.
     if (has_attribute(word, "@must") || has_attribute(word, "@need")) std::erase(word.attributes, "@should");
@@ -1430,6 +1456,16 @@ void understand_subject(Rewriter& graph, const std::vector<int>& first, int at) 
   constexpr std::array kThatVerbs{"tell", "answer", "reply",      "declare", "know", "feel", "realize", "see",
                                   "hear", "notice", "understand", "write",   "hope", "fear", "admit"};
   const int higher = graph.arc(above).from;
+  // "She let herself fall": whom she lets fall is said, if it is herself as well.
+  constexpr std::array kLetting{"let", "allow", "permit", "make", "force", "cause", "enable", "see", "imagine"};
+  const bool is_let = role == "ARG1" && is_one_of(graph, higher, kLetting) && graph.child(higher, "ARG2") < 0 &&
+                      graph.child(higher, "ARG0") >= 0 && graph.arc(graph.child(higher, "ARG0")).to == person;
+  if (is_let) {
+    const int self = mention_of(graph, person);
+    attribute_add(graph.word(self), "@self");
+    graph.arc(subject).to = self;
+    return;
+  }
   const int hearer = graph.child(higher, "ARG2");
   const bool is_told = role == "ARG1" && graph.arc(subject).role == "ARG1" && is_one_of(graph, higher, kThatVerbs) &&
                        (hearer < 0 || graph.arc(hearer).to != person);
@@ -1454,7 +1490,7 @@ void step_control(Meaning& meaning) {
   }
   for (int at = 0; at < graph.count(); ++at) subject_once_apply(graph, at);
   const std::vector<int> first = first_arcs(graph);
-  for (int at = 0; at < graph.count(); ++at) understand_subject(graph, first, at);
+  for (int at = 0, end = graph.count(); at < end; ++at) understand_subject(graph, first, at);
 }
 
 // A concept is one word. Where the graph leads to it a second time, a word of its own with @ref stands for it, and rules

@@ -776,8 +776,9 @@ void times_apply(Rewriter& graph, int at) {
 // (d / depart-01 :condition-of (t / thing)): what it is a condition of stands in another sentence: "if you depart".
 // @as_condition, @as_cause, @as_concession: the conjunction stands in front of the clause, and nothing follows.
 void outer_apply(Rewriter& graph, int at) {
-  const int led =
-      graph.is(at, "thing") && graph.children(at).empty() && graph.mentions(at) == 1 ? graph.parent(at) : -1;
+  // A thing of which nothing is said is "it" by now.
+  const bool is_open = graph.is(at, "thing") || graph.is(at, "it");
+  const int led = is_open && graph.children(at).empty() && graph.mentions(at) == 1 ? graph.parent(at) : -1;
   if (led < 0 || !graph.arc(led).inverse) return;
   const std::string& role = graph.arc(led).role;
   if (role != "condition" && role != "cause" && role != "concession") return;
@@ -824,6 +825,9 @@ void phrase_apply(Rewriter& graph, int at) {
     graph.word(at).sense.clear();
     graph.word(at).attributes.clear();
   }
+  // Whom nobody dares to do it dares to do it himself.
+  const int daring = graph.is(at, "dare", "01") && graph.argument(at, "ARG0") < 0 ? graph.child(at, "ARG1") : -1;
+  if (daring >= 0 && graph.child(at, "ARG2") >= 0) graph.arc(daring).role = "ARG0";
   // Nobody opines; people think.
   if (graph.is(at, "opine", "01")) graph.word(at).name = "think";
   // What is one of several, without them: "for example".
@@ -873,7 +877,10 @@ void directions_apply(Rewriter& graph) {
                              "forward", "home",  "along", "by",    "past", "over", "across",
                              "through", "aside", "ahead", "apart", "in",   "on",   "about"};
   for (Arc& one : graph.meaning().arcs) {
-    if (one.role != "direction" || one.gone || one.inverse) continue;
+    // Of the arguments of a motion those that tell its end: (b / bring-01 :ARG1 x :ARG2 y :ARG3 (d / down)).
+    const bool is_end =
+        (one.role == "ARG3" || one.role == "ARG4") && graph.word(one.to).sense.empty() && graph.mentions(one.to) == 1;
+    if ((one.role != "direction" && !is_end) || one.gone || one.inverse) continue;
     const std::string word = graph.word(one.to).name;
     const bool is_in_verb = graph.word(one.from).name.ends_with('-' + word);
     if (is_in_verb) graph.move_children(one.to, one.from);

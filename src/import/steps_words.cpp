@@ -337,7 +337,9 @@ void determiners_apply(Rewriter& graph) {
     if (graph.word(one.to).variable.empty() && is_number(name)) one.role = "number";
     const bool is_several = is_listed(name, kSeveral);
     const bool is_all_that = graph.is(one.from, "that") || graph.is(one.from, "this");
-    if (is_several && !is_all_that && graph.word(one.from).sense.empty()) attribute_add(graph.word(one.from), "@pl");
+    // The noun of an event below "other" is several, too: "from all other attempts".
+    if (is_several && !is_all_that && (graph.word(one.from).sense.empty() || is_moved))
+      attribute_add(graph.word(one.from), "@pl");
   }
 }
 
