@@ -258,6 +258,7 @@ class Sources:
         self.tagged = collections.Counter()
         self.nouns, self.adjectives, self.adverbs, self.verbs = {}, set(), set(), set()
         self.states = set()
+        self.common = set()
         self.governs = collections.defaultdict(collections.Counter)
         self.shapes = collections.defaultdict(set)
         self.agents, self.nominal, self.adjectival, self.manner, self.opposite, self.quality, self.quality_ness = ({} for _ in range(7))
@@ -290,6 +291,8 @@ class Sources:
                 written = next((w for w in synsets[part, first][1] if w.lower() == fields[0]), fields[0])
                 if part == "noun":
                     self.nouns[lemma] = written.replace("_", " "), file, int(fields[-int(fields[2]) - 1])
+                    if any(fields[0] in synsets[part, sense][1] for sense in fields[-int(fields[2]):]):
+                        self.common.add(lemma)
                 else:
                     if part == "verb" and file in STATE_FILES:
                         self.states.add(lemma)
@@ -416,7 +419,7 @@ class Writer:
 
     def noun(self, lemma, concept, more=""):
         written, file, _ = self.sources.nouns.get(lemma.lower(), (lemma, 0, 0))
-        if lemma != lemma.lower():
+        if lemma != lemma.lower() or more and lemma in self.sources.common:
             written = lemma
         kinds = {18: ",HUM", 28: ",TIM", 15: ",PLC"}.get(file, "") + (",MASS" if file in MASS_FILES else "")
         kinds += ",ABT" * (lemma in ABOUT_NOUNS)

@@ -43,10 +43,14 @@ std::vector<int> first_arcs(Rewriter& graph) {
       const bool is_argument = led_down.role.starts_with("ARG") || led_down.role == "speaker";
       if (led_down.inverse || !is_argument) return false;
       const Concept& word = graph.word(led_down.to);
-      return !is_clause(graph, led_down.to) || has_attribute(word, "@agent") || has_attribute(word, "@result");
+      if (is_clause(graph, led_down.to)) return has_attribute(word, "@agent") || has_attribute(word, "@result");
+      // "She showed the boy how he should do it": a thing that a clause tells is one, too.
+      const int told = word.name == "thing" ? graph.child(led_down.to, "manner", true) : -1;
+      return told < 0;
     });
     // An agent is said before what it does something to, and a condition before both, wherever the source writes them.
-    const char* subject = has_attribute(graph.word(at), "@psv") ? "ARG1" : "ARG0";
+    const bool is_bidden = has_attribute(graph.word(at), "@bid");
+    const char* subject = is_bidden ? "understood" : has_attribute(graph.word(at), "@psv") ? "ARG1" : "ARG0";
     const bool has_agent = graph.child(at, subject) >= 0;
     std::stable_partition(below.begin(), below.end(), [&](int one) {
       return graph.arc(one).role == (has_agent ? subject : "domain") && !graph.arc(one).inverse;
@@ -210,6 +214,22 @@ void plural_parts(Rewriter& graph, const std::vector<int>& parts) {
   }
 }
 
+// "She came and sang to please us": a phrase that is said of all clauses stands behind the last.
+// A word alone, "always", stays with the first, and so does a clause that goes in front.
+void late_circumstances(Rewriter& graph, int at, int head, int last) {
+  constexpr std::array kLate{"purpose",  "cause",  "concession",  "conj-as-if", "substitute", "instrument",
+                             "location", "manner", "accompanier", "duration",   "time",       "temporal",
+                             "likeness", "place",  "source",      "exception",  "beneficiary"};
+  if (head == last || !is_clause(graph, head) || !is_clause(graph, last)) return;
+  for (const int led : graph.children(at)) {
+    const Arc& one = graph.arc(led);
+    const bool is_time = one.role == "time" || one.role == "temporal";
+    const bool goes_in_front = (is_time && is_clause(graph, one.to)) || has_attribute(graph.word(head), "@front");
+    if (one.inverse || !is_listed(one.role, kLate) || goes_in_front || graph.children(one.to).empty()) continue;
+    if (!is_unknown(graph, one.to)) graph.arc(led).from = last;
+  }
+}
+
 // The first operand takes the place of the conjunction, and each further one is tied to the one before it, so that rules
 // see them in their order.
 void coordinate(Rewriter& graph, int at, const Conjunction& conjunction) {
@@ -268,6 +288,7 @@ void coordinate(Rewriter& graph, int at, const Conjunction& conjunction) {
     if (!is_own && !is_other_mood) attribute_add(graph.word(head), attribute);
   }
   graph.redirect(at, head);
+  if (conjunction.attribute == std::string_view("@and")) late_circumstances(graph, at, head, last);
   graph.move_children(at, head);
 }
 
@@ -418,11 +439,6 @@ void quote(Rewriter& graph, int at) {
 
 // ---- questions -----------------------------------------------------------------------------------------------------
 
-// Verbs below which a question is reported and not asked.
-constexpr std::array kReporting{"know", "wonder", "understand", "forget", "remember", "learn",  "explain", "tell",
-                                "see",  "ask",    "find-out",   "show",   "discover", "teach",  "inquire", "question",
-                                "say",  "decide", "realize",    "hear",   "doubt",    "matter", "idea",    "care"};
-
 // What a frame's numbered role is called when it is asked for.
 // The name becomes an attribute, @wh_location, by which rules choose where, when, who; what a number means differs from
 // frame to frame.
@@ -489,6 +505,7 @@ void question(Rewriter& graph, int unknown) {
   bool is_reported = false;
   while (clause != graph.meaning().root && !has_attribute(graph.word(clause), "@quote") && --steps > 0) {
     const int above = graph.parent(clause);
+    is_reported = above >= 0 && graph.is(graph.arc(above).from, "no-matter");
     if (above < 0 || !is_core(graph.arc(above))) break;
     const int governor = graph.arc(above).from;
     const bool is_bidden = graph.is(governor, "think", "01") && has_attribute(graph.word(governor), "@imp");
@@ -594,7 +611,8 @@ void nobody_apply(Rewriter& graph, int at) {
   if (doer < 0 || graph.parent(graph.arc(doer).to) != doer) return;
   const int any = graph.child(graph.arc(doer).to, "mod");
   for (const int word : {graph.arc(doer).to, any >= 0 ? graph.arc(any).to : -1}) {
-    if (word < 0 || (!graph.word(word).name.starts_with("any"))) continue;
+    const std::string name = word < 0 ? "" : graph.word(word).name;
+    if (!name.starts_with("any") && name != "somebody" && name != "someone") continue;
     if (const char* nobody = denied(graph, word); nobody != nullptr) {
       graph.word(word).name = nobody;
       std::erase(graph.word(at).attributes, "@neg");
@@ -649,6 +667,8 @@ void request_apply(Rewriter& graph, int at) {
 void step_polarity(Meaning& meaning) {
   Rewriter graph(meaning, "polarity");
   for (int at = 0; at < graph.count(); ++at) {
+    // Some files deny "ever" itself.
+    if (graph.is(at, "ever") && std::erase(graph.word(at).attributes, "@neg") > 0) graph.word(at).name = "never";
     // "Not ever" is one word, and takes the negation with it.
     for (const int led : graph.children(at)) {
       if (!has_attribute(graph.word(at), "@neg") || !graph.is(graph.arc(led).to, "ever")) continue;
@@ -830,7 +850,8 @@ void step_persons(Meaning& meaning) {
       // "The central planners": what qualifies the act qualifies who does it.
       const std::string& role = graph.arc(one).role;
       const bool is_quality = role == "mod" && graph.children(graph.arc(one).to).empty();
-      return (role == "ARG1" || is_quality) && !graph.arc(one).inverse && !is_clause(graph, graph.arc(one).to);
+      const bool is_told = is_clause(graph, graph.arc(one).to) && !graph.children(graph.arc(one).to).empty();
+      return (role == "ARG1" || is_quality) && !graph.arc(one).inverse && !is_told;
     });
     const bool is_plain = !has_attribute(graph.word(frame), "@neg") && graph.mentions(frame) == 1;
     if (graph.word(frame).sense.empty() || !is_simple || !is_plain) continue;
@@ -911,6 +932,21 @@ void called_apply(Rewriter& graph) {
   }
 }
 
+// (c / come-01 :mode imperative :ARG0 (s / snail)): "come, snail". Who is bidden is called.
+void bidden_apply(Rewriter& graph, int at) {
+  constexpr std::array kMotion{"come", "sit-down", "wake-up", "hurry", "arrive", "stand-up", "get-up"};
+  int led = graph.child(at, "ARG0");
+  if (led < 0 && is_one_of(graph, at, kMotion)) led = graph.child(at, "ARG1");
+  const int whom = led < 0 ? -1 : graph.arc(led).to;
+  if (whom < 0 || is_personal_pronoun(graph, whom) || is_unknown(graph, whom) || graph.parent(whom) != led) return;
+  if (!graph.word(whom).sense.empty() || graph.word(whom).variable.empty()) return;
+  if (graph.child(at, "vocative") >= 0 || conjunction_of(graph, whom) != nullptr) return;
+  for (const Arc& one : graph.meaning().arcs) {
+    if (!one.gone && one.to == whom && is_one_of(graph, one.from, kSaying)) return;
+  }
+  graph.add(at, whom, "vocative");
+}
+
 }  // namespace
 
 // UMR puts an utterance below (s / say-01 :ARG0 (p / person) :ARG1 c :ARG2 (p2 / person) :quote s). A reader of the
@@ -927,6 +963,9 @@ void step_speaker(Meaning& meaning) {
     is_utterance |= graph.arc(led).to == meaning.root;
     graph.remove(led, Fate::attribute);
     attribute_add(graph.word(graph.arc(led).from), "@quote");
+  }
+  for (int at = 0; at < graph.count(); ++at) {
+    if (has_attribute(graph.word(at), "@imp")) bidden_apply(graph, at);
   }
   const int frame = meaning.root;
   const int said = graph.child(frame, "ARG1");
@@ -1016,6 +1055,16 @@ void tense_from_time(Rewriter& graph, int at) {
     const std::string& role = graph.arc(led).role;
     if (graph.arc(led).inverse || (role != "time" && role != "temporal")) continue;
     const int time = graph.arc(led).to;
+    // "She calls tomorrow" is to come.
+    const int pointer = graph.child(time, "mod");
+    const bool is_coming =
+        graph.is(time, "tomorrow") ||
+        (pointer >= 0 && (graph.is(graph.arc(pointer).to, "next") || graph.is(graph.arc(pointer).to, "tomorrow")));
+    constexpr std::array kSaid{"@past", "@pres", "@fut", "@imp", "@can", "@must", "@should", "@may", "@would", "@neg"};
+    const bool is_open =
+        has_attribute(graph.word(at), "@v") &&
+        std::none_of(kSaid.begin(), kSaid.end(), [&](const char* one) { return has_attribute(graph.word(at), one); });
+    if (is_coming && is_open) attribute_add(graph.word(at), "@fut");
     // "One never knows" is true at all times.
     const int who = subject_arc(graph, at);
     const bool is_general = who >= 0 && graph.is(graph.arc(who).to, "one");
@@ -1066,6 +1115,25 @@ bool is_told_of_another(Rewriter& graph, int at) {
   return is_listed(graph.arc(led).role, kSameTime);
 }
 
+// "You should eat before we leave", "Call me when he comes": what is bidden or will be is not past, nor is its time.
+void tense_of_coming(Rewriter& graph, int at) {
+  const Concept& clause = graph.word(at);
+  const bool is_coming = has_attribute(clause, "@imp") || has_attribute(clause, "@should") ||
+                         has_attribute(clause, "@must") || has_attribute(clause, "@fut") ||
+                         (has_attribute(clause, "@can") && has_attribute(clause, "@pres"));
+  if (!is_coming || has_attribute(clause, "@past")) return;
+  constexpr std::array kRelations{"before",   "after",      "until",      "till", "while",
+                                  "whenever", "as-soon-as", "as-long-as", "since"};
+  for (const int led : graph.children(at)) {
+    if (graph.arc(led).inverse || (graph.arc(led).role != "time" && graph.arc(led).role != "temporal")) continue;
+    int when = graph.arc(led).to;
+    const int event = is_one_of(graph, when, kRelations) ? graph.child(when, "op1") : -1;
+    if (event >= 0) when = graph.arc(event).to;
+    const Concept& word = graph.word(when);
+    if (has_attribute(word, "@v") && !has_attribute(word, "@past")) attribute_add(graph.word(when), "@pres");
+  }
+}
+
 // "When I was six, I left": how old somebody was when it happened is told of the past, and so is what happened.
 void tense_of_age(Rewriter& graph, int at) {
   const int above = graph.is(at, "age", "01") ? graph.parent(at) : -1;
@@ -1102,6 +1170,7 @@ void step_tense(Meaning& meaning) {
     const bool is_known = has_attribute(clause, "@past") || has_attribute(clause, "@pres") ||
                           has_attribute(clause, "@fut") || has_attribute(clause, "@imp") ||
                           !has_attribute(clause, "@v");
+    tense_of_coming(graph, at);
     const int shared = graph.child(at, "shared");
     const int subject = shared >= 0 ? shared : subject_arc(graph, at);
     const bool is_speech = has_attribute(clause, "@quote") && subject >= 0;
@@ -1226,7 +1295,7 @@ void extraposed_apply(Rewriter& graph, int at) {
     if (graph.child(at, agent) >= 0) return;
   }
   const int what = graph.arc(said).to;
-  if (!is_event(graph, what)) return;
+  if (!is_event(graph, what) && graph.child(what, "domain") < 0) return;
   // "It is known that the house was sold", "it is clear that he is wrong": what is known or true is a clause even if nobody
   // does it.
   constexpr std::array kFacts{"suspect", "believe",   "know",    "say",    "report",  "think",    "expect",
@@ -1245,6 +1314,17 @@ void extraposed_apply(Rewriter& graph, int at) {
   if (is_clause && is_one_of(graph, at, kHappening) && graph.parent(what) == said) attribute_add(graph.word(at), "@xv");
   if (is_clause) attribute_add(graph.word(at), "@xtra");
   if (is_act) attribute_add(graph.word(at), "@xinf");
+}
+
+// "Waiting is better than rewarding them": acts that are compared.
+void gerund_apply(Rewriter& graph, int at) {
+  const int led = graph.child(at, "compared-to");
+  if (led < 0) return;
+  for (const int one : {led, subject_arc(graph, at)}) {
+    const int act = one < 0 ? -1 : graph.arc(one).to;
+    const bool is_act = act >= 0 && is_event(graph, act) && graph.child(act, "ARG0") < 0;
+    if (is_act) attribute_add(graph.word(act), "@ger");
+  }
 }
 
 // "She now knows that he sings": behind the verb, "now" would be said of what she knows.
@@ -1314,7 +1394,7 @@ void step_forms(Meaning& meaning) {
     const bool is_graded =
         (degree >= 0 && is_one_of(graph, graph.arc(degree).to, kIntensifying)) ||
         std::any_of(kGrades.begin(), kGrades.end(), [&](const char* one) { return has_attribute(word, one); });
-    if (is_graded && has_attribute(word, "@v")) attribute_add(word, "@graded");
+    if (is_graded) attribute_add(word, "@graded");
     // Who does something, and of whom nothing else is said, is people.
     const int deed =
         graph.is(at, "person") && graph.children(at).empty() && graph.mentions(at) == 1 ? graph.parent(at) : -1;
@@ -1332,6 +1412,7 @@ void step_forms(Meaning& meaning) {
         std::any_of(kAuxiliary.begin(), kAuxiliary.end(), [&](const char* one) { return has_attribute(word, one); });
     if (is_auxiliary && is_clause(graph, at)) attribute_add(word, "@aux");
     extraposed_apply(graph, at);
+    gerund_apply(graph, at);
     // "It is a pity that she left": what a predicate says of a whole clause.
     const int about = graph.child(at, "domain");
     const int told = about >= 0 && graph.parent(graph.arc(about).to) == about ? graph.arc(about).to : -1;
@@ -1381,7 +1462,13 @@ void raise_apply(Rewriter& graph, int at) {
   // "The rain began to fall": the beginning of what somebody does is his.
   constexpr std::array kPhases{"begin", "start", "continue", "cease", "stop"};
   const bool is_phase = graph.word(at).sense == "01" && is_one_of(graph, at, kPhases);
-  const bool is_raising = is_phase || is_seeming(graph, at);
+  // "She was allowed to stay": whom somebody allows it, is said in front where nobody does.
+  constexpr std::array kBidding{"allow",     "permit",  "force",  "oblige", "forbid",
+                                "encourage", "require", "compel", "expect", "order"};
+  const bool is_bidden = is_one_of(graph, at, kBidding) && is_event(graph, at) &&
+                         !has_attribute(graph.word(at), "@imp") && graph.child(at, "ARG2") < 0 &&
+                         graph.argument(at, "ARG0") < 0;
+  const bool is_raising = is_phase || is_bidden || is_seeming(graph, at);
   const int led = is_raising && graph.child(at, "ARG0") < 0 ? graph.child(at, "ARG1") : -1;
   if (led < 0 || !is_clause(graph, graph.arc(led).to)) return;
   // What begins to be done has a doer, what begins to be a subject: "the rain began to fall".
@@ -1389,6 +1476,19 @@ void raise_apply(Rewriter& graph, int at) {
   const int subject = is_phase ? graph.child(done, "ARG0") : subject_arc(graph, done);
   if (is_phase && (has_attribute(graph.word(done), "@agent") || has_attribute(graph.word(done), "@result"))) return;
   if (subject < 0 || is_clause(graph, graph.arc(subject).to)) return;
+  if (is_bidden) {
+    if (graph.arc(subject).role == "domain" || graph.parent(done) != led || has_attribute(graph.word(done), "@neg"))
+      return;
+    for (const char* own : {"understood", "shared", "questioned", "domain"}) {
+      if (graph.child(at, own) >= 0) return;
+    }
+    graph.add(at, graph.arc(subject).to, "understood");
+    attribute_add(graph.word(at), "@psv");
+    attribute_add(graph.word(at), "@bid");
+    if (graph.arc(subject).role != "ARG0") attribute_add(graph.word(done), "@ctl1");
+    graph.arc(subject).role = "understood";
+    return;
+  }
   graph.add(at, graph.arc(subject).to, "ARG0", false);
   if (!is_phase && graph.arc(subject).role != "ARG0") attribute_add(graph.word(at), "@raised");
 }
@@ -1471,7 +1571,11 @@ void understand_subject(Rewriter& graph, const std::vector<int>& first, int at) 
                        (hearer < 0 || graph.arc(hearer).to != person);
   if (is_told) return;
   // A predicate without verb has no infinitive of its own.
-  if (graph.arc(subject).role == "domain" && !is_seeming(graph, higher) && role != "attendant") return;
+  constexpr std::array kToBe{"want",    "decide",  "try",    "attempt", "wish",    "need", "prefer",
+                             "learn",   "pretend", "choose", "deserve", "refuse",  "plan", "intend",
+                             "promise", "claim",   "begin",  "start",   "continue"};
+  const bool is_to_be = role == "ARG1" && is_one_of(graph, higher, kToBe);
+  if (graph.arc(subject).role == "domain" && !is_seeming(graph, higher) && role != "attendant" && !is_to_be) return;
   if (graph.arc(subject).role != "ARG0") attribute_add(graph.word(at), "@ctl1");
   graph.arc(subject).role = "understood";
   if (role == "consequence" && has_attribute(graph.word(graph.arc(above).from), "@too")) {
@@ -1543,6 +1647,7 @@ void step_conjunctions(Meaning& meaning) {
       {"cause", true, "@s_so"},
       {"reason", true, "@s_so"},
       {"condition", true, "@s_so"},
+      {"cause", true, "@s_why"},
       {"concessive-conditional", false, "@s_evenif"},
       {"conj-as-if", false, "@s_asif"},
       {"time", true, "@s_when"},
@@ -1555,9 +1660,12 @@ void step_conjunctions(Meaning& meaning) {
     if (one.gone || !has_attribute(graph.word(one.to), "@cl")) continue;
     for (const Circumstance& circumstance : kCircumstances) {
       if (one.role != circumstance.role || one.inverse != circumstance.inverse) continue;
+      // "The reason why she left".
+      const bool is_why = circumstance.conjunction == std::string_view("@s_why");
+      if (one.inverse && one.role == "cause" && is_why != graph.is(one.from, "reason")) continue;
       attribute_add(graph.word(one.to), circumstance.conjunction);
       const bool is_relative =
-          one.role == "time" || one.role == "temporal" || one.role == "purpose" || one.role == "source";
+          is_why || one.role == "time" || one.role == "temporal" || one.role == "purpose" || one.role == "source";
       one.role = is_relative ? "adverbial-relative" : "adverbial-clause";
       one.inverse = false;
       break;

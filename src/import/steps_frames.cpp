@@ -32,6 +32,7 @@ constexpr Reified kReified[] = {
     {"mean", "91", "ARG1", "ARG2", "apposition"},
     {"have-condition", "91", "ARG1", "ARG2", "condition"},
     {"have-concession", "91", "ARG1", "ARG2", "concession"},
+    {"regardless", "91", "ARG1", "ARG2", "concession"},
     {"have-concessive-condition", "91", "ARG1", "ARG2", "concessive-conditional"},
     {"have-purpose", "91", "ARG1", "ARG2", "purpose"},
     {"have-goal", "91", "ARG1", "ARG2", "purpose"},
@@ -199,6 +200,50 @@ void cause_noun_apply(Rewriter& graph, int at) {
   graph.settle_concept(at, Fate::word);
   graph.remove(above, Fate::word);
   graph.replace(led, thing, graph.arc(led).to, "org");
+}
+
+// (k / know-01 :ARG1 (t / thing :ARG0-of (c / cause-01 :ARG1 (l / leave-11 :ARG0 s)))): to know why she left; below other
+// verbs the reason why she left.
+void reason_apply(Rewriter& graph, int at) {
+  const int above = graph.parent(at);
+  const int thing = above < 0 ? -1 : graph.arc(above).from;
+  const bool is_reason = thing >= 0 && graph.arc(above).inverse && graph.arc(above).role == "ARG0" &&
+                         (graph.is(thing, "thing") || graph.is(thing, "reason"));
+  if (!is_reason || graph.children(thing).size() != 1 || graph.children(at).size() != 1 || graph.mentions(at) > 1)
+    return;
+  const int led = graph.child(at, "ARG1");
+  const int told = led < 0 ? -1 : graph.arc(led).to;
+  if (told < 0 || graph.word(told).sense.empty() || graph.mentions(told) > 1 || graph.children(told).empty()) return;
+  const int asked = graph.parent(thing);
+  const bool is_asked = asked >= 0 && !graph.arc(asked).inverse && graph.arc(asked).role.starts_with("ARG") &&
+                        is_one_of(graph, graph.arc(asked).from, kReporting) && graph.mentions(thing) == 1;
+  graph.settle_concept(at, Fate::word);
+  graph.remove(above, Fate::word);
+  if (!is_asked) {
+    graph.word(thing).name = "reason";
+    graph.replace(led, thing, told, "cause", true);
+    return;
+  }
+  graph.settle_concept(thing, Fate::word);
+  graph.remove(led, Fate::word);
+  graph.redirect(thing, told);
+  graph.add(told, graph.add_concept("amr-unknown"), "cause");
+}
+
+// (r / regardless-91 :ARG1 c :ARG2 x): whatever x is; "no matter how", if x asks.
+void regardless_apply(Rewriter& graph, int at) {
+  const int led = graph.child(at, "ARG2");
+  if (led < 0) return;
+  const int what = graph.arc(led).to;
+  bool is_asked = false;
+  for (const int below : graph.children(what)) {
+    const int word = graph.arc(below).to;
+    const int degree = graph.child(word, "degree");
+    is_asked |= is_unknown(graph, word) || (degree >= 0 && is_unknown(graph, graph.arc(degree).to));
+  }
+  const int word = graph.add_concept(is_asked ? "no-matter" : "regardless-of");
+  graph.add(word, what, "op1");
+  graph.arc(led).to = word;
 }
 
 // An office: the roles of who holds it, of what it belongs to, and of its title; the two numberings of the frame differ.
@@ -541,6 +586,9 @@ void tie_to_bearer(Rewriter& graph, int at, bool is_quantity, int quality_led, i
   const bool is_above = governor >= 0 && !graph.word(governor).sense.empty() &&
                         (governor == bearer || (graph.arc(above).role == "ARG2" &&
                                                 (names_bearer(governor, "ARG1") || names_bearer(governor, "ARG0"))));
+  // "It barked so loudly that we woke": the manner is said by the frame.
+  const int manner = graph.child(quality, "manner", true);
+  if (manner >= 0 && graph.arc(manner).to == bearer) graph.remove(manner, Fate::relation);
   const bool names_frame = names_bearer(quality, "ARG1") || names_bearer(quality, "ARG0");
   const bool is_known = is_above || names_frame || names_bearer(quality, "domain");
   if (governor == bearer) again_apply(graph, quality, bearer);
@@ -949,9 +997,10 @@ void sets_apply(Rewriter& graph) {
 // makes come first, "the cause of", as they would be taken apart else.
 void step_reified(Meaning& meaning) {
   Rewriter graph(meaning, "reified");
-  for (int at = 0; at < graph.count(); ++at) {
+  for (int at = 0, end = graph.count(); at < end; ++at) {
     if (graph.is(at, "have", "03")) having_apply(graph, at);
-    if (graph.is(at, "cause", "01")) cause_noun_apply(graph, at);
+    if (graph.is(at, "cause", "01")) reason_apply(graph, at), cause_noun_apply(graph, at);
+    if (graph.is(at, "regardless", "91")) regardless_apply(graph, at);
     if (graph.is(at, "resemble", "01")) likeness_apply(graph, at);
     phrase_apply(graph, at);
   }

@@ -216,6 +216,12 @@ void multiple_apply(Rewriter& graph, int at) {
   const int number = graph.arc(inner >= 0 ? inner : led).to;
   if (graph.is(number, "few")) graph.word(number).name = "a-few";
   if (!graph.is(at, "multiple")) return;
+  // "For weeks".
+  if (inner >= 0 && graph.is(number, "1")) {
+    graph.remove(inner, Fate::attribute);
+    attribute_add(graph.word(graph.arc(led).to), "@pl");
+    return graph.stand_in(at, led, Fate::word);
+  }
   for (const auto& [digits, word] : kPowers) {
     if (!graph.is(number, digits)) continue;
     if (inner >= 0) {
@@ -312,6 +318,11 @@ void entity_value_apply(Rewriter& graph, int at) {
       graph.replace(value, at, head, "quant");
     } else {
       if (is_ordinal) graph.word(head).sense = "ord", attribute_add(graph.word(head), "@ord");
+      // "The first bridge in ten years".
+      const int range = is_ordinal ? graph.child(at, "range") : -1;
+      const int noun = graph.parent(at);
+      if (range >= 0 && noun >= 0 && !graph.arc(noun).inverse)
+        graph.replace(range, graph.arc(noun).from, graph.arc(range).to, "location");
       graph.stand_in(at, value, Fate::word);
     }
   }
