@@ -1055,11 +1055,13 @@ void tense_from_time(Rewriter& graph, int at) {
     const std::string& role = graph.arc(led).role;
     if (graph.arc(led).inverse || (role != "time" && role != "temporal")) continue;
     const int time = graph.arc(led).to;
-    // "She calls tomorrow" is to come.
-    const int pointer = graph.child(time, "mod");
+    // "She calls tomorrow", "next week", is to come; in a story the next day has been.
+    constexpr std::array kPeriods{"week", "month", "year", "summer", "winter", "spring", "autumn"};
+    const int pointer = is_one_of(graph, time, kPeriods) ? graph.child(time, "mod") : -1;
+    const int above = graph.parent(at);
+    const bool is_circumstance = above >= 0 && !is_core(graph.arc(above)) && graph.arc(above).role != "conjunct";
     const bool is_coming =
-        graph.is(time, "tomorrow") ||
-        (pointer >= 0 && (graph.is(graph.arc(pointer).to, "next") || graph.is(graph.arc(pointer).to, "tomorrow")));
+        !is_circumstance && (graph.is(time, "tomorrow") || (pointer >= 0 && graph.is(graph.arc(pointer).to, "next")));
     constexpr std::array kSaid{"@past", "@pres", "@fut", "@imp", "@can", "@must", "@should", "@may", "@would", "@neg"};
     const bool is_open =
         has_attribute(graph.word(at), "@v") &&
@@ -1118,9 +1120,9 @@ bool is_told_of_another(Rewriter& graph, int at) {
 // "You should eat before we leave", "Call me when he comes": what is bidden or will be is not past, nor is its time.
 void tense_of_coming(Rewriter& graph, int at) {
   const Concept& clause = graph.word(at);
-  const bool is_coming = has_attribute(clause, "@imp") || has_attribute(clause, "@should") ||
-                         has_attribute(clause, "@must") || has_attribute(clause, "@fut") ||
-                         (has_attribute(clause, "@can") && has_attribute(clause, "@pres"));
+  const bool is_coming =
+      has_attribute(clause, "@imp") || has_attribute(clause, "@should") || has_attribute(clause, "@fut") ||
+      ((has_attribute(clause, "@can") || has_attribute(clause, "@must")) && has_attribute(clause, "@pres"));
   if (!is_coming || has_attribute(clause, "@past")) return;
   constexpr std::array kRelations{"before",   "after",      "until",      "till", "while",
                                   "whenever", "as-soon-as", "as-long-as", "since"};
@@ -1394,7 +1396,7 @@ void step_forms(Meaning& meaning) {
     const bool is_graded =
         (degree >= 0 && is_one_of(graph, graph.arc(degree).to, kIntensifying)) ||
         std::any_of(kGrades.begin(), kGrades.end(), [&](const char* one) { return has_attribute(word, one); });
-    if (is_graded) attribute_add(word, "@graded");
+    if (is_graded && has_attribute(word, "@v")) attribute_add(word, "@graded");
     // Who does something, and of whom nothing else is said, is people.
     const int deed =
         graph.is(at, "person") && graph.children(at).empty() && graph.mentions(at) == 1 ? graph.parent(at) : -1;
@@ -1479,7 +1481,7 @@ void raise_apply(Rewriter& graph, int at) {
   if (is_bidden) {
     if (graph.arc(subject).role == "domain" || graph.parent(done) != led || has_attribute(graph.word(done), "@neg"))
       return;
-    for (const char* own : {"understood", "shared", "questioned", "domain"}) {
+    for (const char* own : {"understood", "shared", "domain"}) {
       if (graph.child(at, own) >= 0) return;
     }
     graph.add(at, graph.arc(subject).to, "understood");
