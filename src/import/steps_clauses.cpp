@@ -1046,6 +1046,19 @@ void step_questions(Meaning& meaning) {
 
 namespace {
 
+// "She calls tomorrow", "next week", is to come; in a story the next day has been.
+bool is_coming(Rewriter& graph, int at, int time) {
+  constexpr std::array kPeriods{"week", "month", "year", "summer", "winter", "spring", "autumn"};
+  const int pointer = is_one_of(graph, time, kPeriods) ? graph.child(time, "mod") : -1;
+  const bool is_next = pointer >= 0 && graph.is(graph.arc(pointer).to, "next");
+  if (!graph.is(time, "tomorrow") && !is_next) return false;
+  const int above = graph.parent(at);
+  if (above >= 0 && !is_core(graph.arc(above)) && graph.arc(above).role != "conjunct") return false;
+  constexpr std::array kSaid{"@past", "@pres", "@fut", "@imp", "@can", "@must", "@should", "@may", "@would", "@neg"};
+  return has_attribute(graph.word(at), "@v") &&
+         std::none_of(kSaid.begin(), kSaid.end(), [&](const char* one) { return has_attribute(graph.word(at), one); });
+}
+
 // What the time of a clause says of its tense. "Before now" alone is no phrase of the sentence: it is the past.
 // (c / come-01 :time (b / before :op1 (n / now))) is @past, with "after" @fut; (y / before :op1 n :quant (y2 / year
 // :quant 3)) is "three years ago" besides.
@@ -1055,18 +1068,7 @@ void tense_from_time(Rewriter& graph, int at) {
     const std::string& role = graph.arc(led).role;
     if (graph.arc(led).inverse || (role != "time" && role != "temporal")) continue;
     const int time = graph.arc(led).to;
-    // "She calls tomorrow", "next week", is to come; in a story the next day has been.
-    constexpr std::array kPeriods{"week", "month", "year", "summer", "winter", "spring", "autumn"};
-    const int pointer = is_one_of(graph, time, kPeriods) ? graph.child(time, "mod") : -1;
-    const int above = graph.parent(at);
-    const bool is_circumstance = above >= 0 && !is_core(graph.arc(above)) && graph.arc(above).role != "conjunct";
-    const bool is_coming =
-        !is_circumstance && (graph.is(time, "tomorrow") || (pointer >= 0 && graph.is(graph.arc(pointer).to, "next")));
-    constexpr std::array kSaid{"@past", "@pres", "@fut", "@imp", "@can", "@must", "@should", "@may", "@would", "@neg"};
-    const bool is_open =
-        has_attribute(graph.word(at), "@v") &&
-        std::none_of(kSaid.begin(), kSaid.end(), [&](const char* one) { return has_attribute(graph.word(at), one); });
-    if (is_coming && is_open) attribute_add(graph.word(at), "@fut");
+    if (is_coming(graph, at, time)) attribute_add(graph.word(at), "@fut");
     // "One never knows" is true at all times.
     const int who = subject_arc(graph, at);
     const bool is_general = who >= 0 && graph.is(graph.arc(who).to, "one");
@@ -1120,10 +1122,10 @@ bool is_told_of_another(Rewriter& graph, int at) {
 // "You should eat before we leave", "Call me when he comes": what is bidden or will be is not past, nor is its time.
 void tense_of_coming(Rewriter& graph, int at) {
   const Concept& clause = graph.word(at);
-  const bool is_coming =
+  const bool is_ahead =
       has_attribute(clause, "@imp") || has_attribute(clause, "@should") || has_attribute(clause, "@fut") ||
       ((has_attribute(clause, "@can") || has_attribute(clause, "@must")) && has_attribute(clause, "@pres"));
-  if (!is_coming || has_attribute(clause, "@past")) return;
+  if (!is_ahead || has_attribute(clause, "@past")) return;
   constexpr std::array kRelations{"before",   "after",      "until",      "till", "while",
                                   "whenever", "as-soon-as", "as-long-as", "since"};
   for (const int led : graph.children(at)) {
