@@ -25,6 +25,12 @@ OBJECTS = set("the a an my your his her its our their this that these those him 
 ON_PLACES = set("planet earth moon island continent coast beach shore border ground floor roof wall ceiling street road "
                 "bridge square hill mountain farm shelf stage screen page list map lawn deck platform surface raft horse bicycle "
                 "train bus ship boat plane table desk chair bench bed side".split())
+# Places and containers that something is in.
+IN_PLACES = set("box bag pocket drawer cup glass bowl pot bottle basket room house kitchen garden cage jar bucket suitcase trunk "
+                "envelope folder oven fridge pan hospital prison jail school office cell tank pool river lake sea forest field "
+                "town city village country building mouth cupboard closet garage barn shed cellar nest bank cave grave "
+                "tomb coffin sack barrel tin kettle chest bathtub sink bathroom bedroom car wallet purse safe hole tunnel "
+                "refrigerator freezer museum library church courtyard yard park jungle desert valley shade sun".split())
 # Adverbs that stand in the middle of a clause, before its verb.
 MIDDLE = set("certainly probably possibly really truly surely obviously apparently indeed actually clearly finally usually "
              "generally normally rarely seldom hardly barely merely simply scarcely nearly frequently recently suddenly".split())
@@ -96,7 +102,8 @@ ADJECTIVE_OBJECTS = {adjective: preposition for preposition, adjectives in {
     for adjective in adjectives.split()}
 # Behind these an adjective says what the subject is or becomes.
 COPULAR = set("become look feel sound smell taste stay remain grow turn get go seem appear keep".split())
-FACT_VERBS = set("refer object react respond attest allude depend rely focus concentrate elaborate dwell reflect account".split())
+FACT_VERBS = set("refer object react respond attest allude depend rely focus concentrate elaborate dwell reflect account approve "
+                 "disapprove benefit stem result arise cope point".split())
 # What happens to things by itself as well: "the door opened" where nobody is named who opens it.
 ERGATIVE = set("increase decrease change improve begin start end stop continue develop spread shift double triple expand shrink "
                "evolve accumulate worsen widen accelerate collapse sink melt freeze move turn open close retire recover".split())
@@ -107,6 +114,7 @@ ABOUT_NOUNS = set("information news story book article bullshit nonsense joke ru
 # Of several forms of the past the one for a verb, where the examples have other words that look the same.
 STRONG = {"bear": "bore borne", "drink": "drank drunk", "sink": "sank sunk", "clothe": "clothed clothed", "melt": "melted melted",
           "tread": "trod trodden", "forbid": "forbade forbidden", "abide": "abided abided", "pen": "penned penned"}
+GERUND_PREPOSITIONS = set("about against at by from in into of on with".split())
 STATE_FILES = {31, 37, 42}
 MASS_FILES = {7, 12, 27, 26}
 
@@ -241,7 +249,7 @@ class Text:
                               key=lambda one: one[1], default=("", 0))
             if count > 1 and (count > 3 or noun not in ON_PLACES):
                 return marks + f",{best.upper()}P"
-        return marks + ",ONP" * (noun in ON_PLACES)
+        return marks + ",ONP" * (noun in ON_PLACES) + ",INP" * (noun in IN_PLACES)
 
 
 class Sources:
@@ -475,8 +483,51 @@ def clause_shapes(verb, seen, frames, governed, count):
     return found + ["NOUN1"] * (is_rare and not seen and "THAT1" not in found)
 
 
+def read_constructions():
+    """verb_frames.txt: the shapes of clauses by verb, and the attributes of single senses."""
+    shapes, senses = collections.defaultdict(list), {}
+    for line in open(pathlib.Path(__file__).with_name("verb_frames.txt"), encoding="utf-8"):
+        first, *rest = line.split() or "#"
+        if first.isupper() or first[:-1].isupper():
+            for verb in rest:
+                shapes[verb.replace("-", " ")].append(first)
+        elif first != "#":
+            senses[first.replace(".", "(>") + ")"] = rest
+    return shapes, senses
+
+
+def told_of_verb(concept, verb, built, seen, is_alone, shapes, senses):
+    """`built`, as far as the table of verbs has nothing better: its own line, the clauses of its class. A verb of no
+    class governs no clause but those that its own examples show."""
+    clauses = {"INF1", "GER1", "THAT1", "BARE1", "OINF1", "NOUN1", "HOWINF", "FACT1"}
+    told = senses.get(concept)
+    if told is None:
+        own = [a for a in built if a not in clauses]
+    else:
+        own = [a for a in built if a.startswith("LV")] + [a for a in told if not a.endswith("-")]
+        own += ["SA1"] * is_alone
+    if not clauses & set(own):
+        own += shapes.get(verb, sorted(seen))
+    if told is not None:
+        own = [a for a in own if a + "-" not in told]
+    if not {"INF1", "THAT1", "BARE1", "OINF1"} & set(own):
+        own.append("NOUN1")
+    # Behind a preposition stands a gerund, "she objected to waiting", or the fact that somebody else waits.
+    about = {a[2:] for a in own if a.startswith("p1")}
+    if about & set(PREPOSITIONS) and not {"INF1", "THAT1"} & set(own):
+        own.append("GER1")
+    # "She accused him of lying", "they are used to waiting".
+    second = {a[2:] for a in own if a.startswith("p2")}
+    if second & GERUND_PREPOSITIONS and "INF2" not in own or second and "GER2" in own:
+        own.append("PG2")
+    if about and verb in FACT_VERBS and "THAT1" not in own:
+        own.append("FACT1")
+    return list(dict.fromkeys(own))
+
+
 def frames(path, writer, sources):
     """The senses that `lexon-dict import --from propbank` has found: their names, inflected, and how they are built."""
+    shapes, constructions = read_constructions()
     senses = collections.defaultdict(list)
     for line in open(path, encoding="utf-8"):
         if found := re.match(r'\[(.*)\]\{.*?\} "(.*\(>\w+\))" \((.*?)\)', line):
@@ -516,14 +567,16 @@ def frames(path, writer, sources):
         numbers = {argument_of(a) for a in more} - {""}
         built = [a for a in built if "THAT" in a or argument_of(a) not in numbers] + more
         is_ergative = verb in ERGATIVE and sense_of(concept) < 3
-        if "SA1" not in built and (is_getting or is_ergative or sources.is_intransitive(verb or lemma)):
+        is_alone = is_getting or is_ergative or sources.is_intransitive(verb or lemma)
+        if "SA1" not in built and is_alone:
             built.append("SA1")
-        is_small = verb in ("make", "render", "keep") and "THAT1" in built
-        if verb in ("let", "make"):
-            built = [a for a in built if a != "THAT1"]
+        if verb:
+            seen |= {a for a in more if a in ("INF1", "GER1", "THAT1")}
+            built = told_of_verb(concept, lemma, built, seen, is_ergative, shapes, constructions)
         pattern = "".join("," + a for a in built)
         if verb:
-            writer.verb(verb, concept, pattern + ",SMALLC" * is_small + ",COPL" * (verb in COPULAR))
+            writer.verb(verb, concept, pattern + ",SMALLC" * (verb in ("make", "render", "keep") and "SMALLC" not in built)
+                        + ",COPL" * (verb in COPULAR and "COPL" not in built))
         # A word that is a noun at least as often as a verb names what the verb does: "the size of the garden".
         often = sources.tagged[lemma, "1"] >= max(5, 1.5 * sources.tagged[lemma, "2"])
         if verb == lemma and not of["N"] and often and ",p1" not in pattern:

@@ -660,6 +660,19 @@ void request_apply(Rewriter& graph, int at) {
   }
 }
 
+// "She wonders whether it rains": what somebody wonders is open, unless it has a question word of its own.
+void wondering_apply(Rewriter& graph, int at) {
+  constexpr std::array kWondering{"wonder", "inquire", "enquire"};
+  const int led = !graph.word(at).sense.empty() && is_one_of(graph, at, kWondering) ? graph.child(at, "ARG1") : -1;
+  if (led < 0) return;
+  const int what = graph.arc(led).to;
+  const std::vector<int> below = graph.children(what);
+  const bool is_open =
+      std::none_of(below.begin(), below.end(), [&](int one) { return is_unknown(graph, graph.arc(one).to); });
+  const bool is_told = subject_arc(graph, what) >= 0 && (is_event(graph, what) || graph.child(what, "domain") >= 0);
+  if (is_open && is_told && graph.mentions(what) == 1) attribute_add(graph.word(what), "@whether");
+}
+
 }  // namespace
 
 // :polarity - is @neg by the table of roles before any step. Here it meets the words that have a negation in them, and
@@ -691,6 +704,7 @@ void step_polarity(Meaning& meaning) {
       graph.stand_in(at, led);
     }
     request_apply(graph, at);
+    wondering_apply(graph, at);
   }
 }
 
@@ -1151,6 +1165,33 @@ void tense_of_age(Rewriter& graph, int at) {
   attribute_add(graph.word(at), "@past");
 }
 
+// "She hopes that he will come", "she promised that it would rain", "she demanded that he should go": what is hoped or
+// demanded is still to come. Only what has a subject of its own: the rest is an infinitive.
+void tense_of_content(Rewriter& graph, int at) {
+  const int led = graph.word(at).sense.empty() ? -1 : graph.child(at, "ARG1");
+  const int what = led >= 0 ? graph.arc(led).to : -1;
+  if (what < 0 || !is_event(graph, what) || graph.parent(what) != led) return;
+  constexpr std::array kKnown{"@past", "@pres", "@fut",    "@would", "@imp",   "@perf",  "@can",
+                              "@must", "@may",  "@should", "@ask",   "@quote", "@likely"};
+  for (const char* one : kKnown) {
+    if (has_attribute(graph.word(what), one)) return;
+  }
+  const int subject = subject_arc(graph, what);
+  const int agent = graph.child(at, "ARG0");
+  const bool is_own = subject >= 0 && agent >= 0 && graph.arc(subject).to == graph.arc(agent).to;
+  if (subject < 0 || is_own) return;
+  constexpr std::array kHoping{"hope", "bet", "trust", "guarantee", "ensure"};
+  constexpr std::array kPromising{"promise", "predict", "vow", "pledge", "forecast", "threaten", "foresee", "wish"};
+  constexpr std::array kDemanding{"demand", "recommend", "propose", "stipulate", "decree"};
+  const bool is_past = has_attribute(graph.word(at), "@past");
+  if (is_one_of(graph, at, kHoping)) attribute_add(graph.word(what), is_past ? "@would" : "@fut");
+  if (is_one_of(graph, at, kPromising)) {
+    const bool is_now = has_attribute(graph.word(at), "@pres") || has_attribute(graph.word(at), "@fut");
+    attribute_add(graph.word(what), is_now ? "@fut" : "@would");
+  }
+  if (is_one_of(graph, at, kDemanding)) attribute_add(graph.word(what), "@should");
+}
+
 }  // namespace
 
 // Banks of AMR have no tense. What UMR gives, the attributes @past, @pres, @fut, is left alone; the rest is a guess by
@@ -1212,6 +1253,7 @@ void step_tense(Meaning& meaning) {
     if (!is_known && is_to_you && shared < 0 && graph.child(at, "conjunct") < 0 && !is_one_of(graph, at, kLasting) &&
         is_question && !is_timed)
       attribute_add(clause, "@now");
+    tense_of_content(graph, at);
     if (!is_said[static_cast<std::size_t>(at)] && is_told_of_another(graph, at)) attribute_add(clause, "@past");
   }
 }
@@ -1534,6 +1576,12 @@ bool is_named_above(Rewriter& graph, const std::vector<int>& first, int above, i
   return false;
 }
 
+// What has a modal verb, which no infinitive has.
+bool is_modal(const Concept& clause) {
+  constexpr std::array kModals{"@can", "@must", "@should", "@may", "@fut", "@would", "@likely", "@past", "@perf"};
+  return std::any_of(kModals.begin(), kModals.end(), [&](const char* one) { return has_attribute(clause, one); });
+}
+
 // The subject of `at` becomes :understood if `at` is a clause that English makes an infinitive or a participle of, and if
 // the clause above names the same person. `first` has for each concept the arc by which the reader meets it first: a
 // subject that is met here first has not been named.
@@ -1574,6 +1622,11 @@ void understand_subject(Rewriter& graph, const std::vector<int>& first, int at) 
   const bool is_told = role == "ARG1" && graph.arc(subject).role == "ARG1" && is_one_of(graph, higher, kThatVerbs) &&
                        (hearer < 0 || graph.arc(hearer).to != person);
   if (is_told) return;
+  // "She told him that she sang": who is told to sing is who listens.
+  constexpr std::array kOfHearers{"tell", "warn", "remind", "assure", "inform", "notify"};
+  const bool is_of_teller = role == "ARG1" && is_one_of(graph, higher, kOfHearers) &&
+                            (hearer < 0 || graph.arc(hearer).to != person || is_modal(graph.word(at)));
+  if (is_of_teller) return;
   // A predicate without verb has no infinitive of its own.
   constexpr std::array kToBe{"want",    "decide",  "try",    "attempt", "wish",    "need", "prefer",
                              "learn",   "pretend", "choose", "deserve", "refuse",  "plan", "intend",
