@@ -56,7 +56,7 @@ constexpr RewriteStep kSteps[] = {
     // From here on a concept may be several words, so nothing may ask any more how often it is mentioned.
     {"mentions", "a further mention becomes a word of its own with @ref", step_mentions},
     {"conjunctions",
-     "a cause, concession or the like that is a clause becomes :adverbial-clause, with its conjunction: @s_because",
+     "a cause, condition or the like that is a clause becomes :adverbial-clause, with its conjunction: @s_because",
      step_conjunctions},
     {kRelativesStep, "inverse roles keep their direction where the table has a label for them (:ARG0-of)", nullptr},
 };

@@ -1688,44 +1688,71 @@ void step_mentions(Meaning& meaning) {
   }
 }
 
-// Clauses of circumstance differ in nothing but their conjunction, and so do relative clauses of a time, a purpose and a
-// source: one role for all, so that rules say their forms once.
+// Clauses of circumstance differ in nothing but their conjunction, and so do relative clauses of a place, a time and the
+// like: one role for each kind, so that rules say their forms once. A condition and a clause of time stand in front,
+// @ahead; what has a condition is still to come, @conditional.
 void step_conjunctions(Meaning& meaning) {
   struct Circumstance {
     const char* role;
     bool inverse;
     const char* conjunction;
+    const char* becomes;
   };
+  constexpr const char* kClause = "adverbial-clause";
+  constexpr const char* kRelative = "adverbial-relative";
   constexpr Circumstance kCircumstances[] = {
-      {"concession", false, "@s_although"},
-      {"concession", true, "@s_although"},
-      {"cause", false, "@s_because"},
-      {"reason", false, "@s_because"},
-      {"cause", true, "@s_so"},
-      {"reason", true, "@s_so"},
-      {"condition", true, "@s_so"},
-      {"cause", true, "@s_why"},
-      {"concessive-conditional", false, "@s_evenif"},
-      {"conj-as-if", false, "@s_asif"},
-      {"time", true, "@s_when"},
-      {"temporal", true, "@s_when"},
-      {"purpose", true, "@s_that"},
-      {"source", true, "@s_where"},
+      {"concession", false, "@s_although", kClause},
+      {"concession", true, "@s_although", kClause},
+      {"cause", false, "@s_because", kClause},
+      {"reason", false, "@s_because", kClause},
+      {"cause", true, "@s_so", kClause},
+      {"cause", true, "@s_why", kRelative},
+      {"reason", true, "@s_so", kClause},
+      {"condition", false, "@s_if", kClause},
+      {"condition", true, "@s_so", kClause},
+      {"concessive-conditional", false, "@s_evenif", kClause},
+      {"conj-as-if", false, "@s_asif", kClause},
+      {"time", false, "@s_when", kClause},
+      {"temporal", false, "@s_when", kClause},
+      {"purpose", false, "@s_sothat", kClause},
+      {"consequence", false, "@s_that", kClause},
+      {"result", false, "@s_that", kClause},
+      {"location", false, "@s_where", kClause},
+      {"place", false, "@s_where", kClause},
+      {"time", true, "@s_when", kRelative},
+      {"temporal", true, "@s_when", kRelative},
+      {"purpose", true, "@s_that", kRelative},
+      {"source", true, "@s_where", kRelative},
+      {"location", true, "@s_where", kRelative},
+      {"place", true, "@s_where", kRelative},
+      {"manner", true, "@s_how", kRelative},
   };
   Rewriter graph(meaning, "conjunctions");
   for (Arc& one : meaning.arcs) {
-    if (one.gone || !has_attribute(graph.word(one.to), "@cl")) continue;
+    if (one.gone) continue;
+    if (one.role == "condition" && !one.inverse) attribute_add(graph.word(one.from), "@conditional");
+    if (!has_attribute(graph.word(one.to), "@cl")) continue;
     for (const Circumstance& circumstance : kCircumstances) {
       if (one.role != circumstance.role || one.inverse != circumstance.inverse) continue;
       // "The reason why she left".
-      const bool is_why = circumstance.conjunction == std::string_view("@s_why");
+      const bool is_why = std::string_view(circumstance.conjunction) == "@s_why";
       if (one.inverse && one.role == "cause" && is_why != graph.is(one.from, "reason")) continue;
+      // "Where it is a mystery": what something is, is no place.
+      const bool is_place = !one.inverse && (one.role == "location" || one.role == "place");
+      if (is_place && !has_attribute(graph.word(one.to), "@v")) break;
+      const bool is_ahead = !one.inverse && (one.role == "condition" || one.role == "time" || one.role == "temporal");
+      if (is_ahead) attribute_add(graph.word(one.to), "@ahead");
+      // "How he sings", and not the thing how he sings.
+      if (one.role == "manner") attribute_add(graph.word(one.from), "@how");
       attribute_add(graph.word(one.to), circumstance.conjunction);
-      const bool is_relative =
-          is_why || one.role == "time" || one.role == "temporal" || one.role == "purpose" || one.role == "source";
-      one.role = is_relative ? "adverbial-relative" : "adverbial-clause";
+      one.role = circumstance.becomes;
       one.inverse = false;
       break;
+    }
+    // "As tall as she is".
+    if (one.role == "compared-to" && !one.inverse && has_attribute(graph.word(one.from), "@equal")) {
+      attribute_add(graph.word(one.to), "@s_as");
+      one.role = kRelative;
     }
   }
 }
