@@ -65,6 +65,8 @@ NOUN_OBJECTS = {verb: preposition for preposition, verbs in {
 HOW_VERBS = ("know",)
 # Behind these stands somebody and what he does, without "to": "she let him go".
 BARE_VERBS = ("let", "make", "have", "bid", "help", "watch", "overhear")
+# Behind the object of these stands what it is called or becomes: "they called him a fool".
+NAMING_VERBS = ("call", "name", "elect", "appoint", "consider", "crown", "deem", "dub", "pronounce", "nickname", "declare")
 # What people try or begin is what they do themselves: no infinitive with a subject of its own.
 OWN_SUBJECT_VERBS = ("try", "begin", "start", "continue", "attempt", "manage", "decide", "refuse", "learn", "hope")
 # Verbs that govern a gerund and no infinitive: "she finished eating".
@@ -80,7 +82,7 @@ NOUNS = {verb: noun for verb, noun in (one.split(":") for one in (
 # POSTN is for a participle that stands behind its noun, "the money left".
 BUILT = {
     "answer(>01)": "p2with", "attend(>02)": "p1to", "comment(>01)": "p3on",
-    "ask(>02)": "p1for", "come(>01)": "p3from p4to", "draw(>01)": "p2for", "excuse(>01)": "p2for GER2", "leave(>17)": "POSTN",
+    "ask(>02)": "p1for", "dress(>01)": "p2in", "come(>01)": "p3from p4to", "draw(>01)": "p2for", "excuse(>01)": "p2for GER2", "leave(>17)": "POSTN",
     "question(>01)": "p1about", "policy(>01)": "p2on", "remain(>01)": "GER3", "speak(>01)": "p1about p2to", "split(>01)": "p2into",
     "sit-down(>02)": "p2on", "do(>02)": "p2to", "go-back(>19)": "p2to",
     "title(>01)": "NP2", "speak(>01)": "p2to", "view(>02)": "THAT1", "war(>01)": "p2over", "weigh(>01)": "SA1", "marry(>01)": "NP2",
@@ -573,6 +575,8 @@ def frames(path, writer, sources):
         if verb:
             seen |= {a for a in more if a in ("INF1", "GER1", "THAT1")}
             built = told_of_verb(concept, lemma, built, seen, is_ergative, shapes, constructions)
+        if verb in NAMING_VERBS and sense_of(concept) < 3:
+            built = [a for a in built if not a.startswith("p2") and a not in ("NP2", "INF2")] + ["OCOMP"]
         pattern = "".join("," + a for a in built)
         if verb:
             writer.verb(verb, concept, pattern + ",SMALLC" * (verb in ("make", "render", "keep") and "SMALLC" not in built)

@@ -1400,6 +1400,34 @@ void giving_apply(Rewriter& graph, int at) {
   if (is_personal_pronoun(graph, thing) || graph.parent(thing) != what) attribute_add(graph.word(at), "@pro1");
 }
 
+// "She saw him fall", "she heard the bird sing": what is seen or heard itself, in contrast to what one learns, which is a
+// clause with "that".
+void perceived_apply(Rewriter& graph, int at) {
+  constexpr std::array kSeeing{"see", "watch", "notice", "feel", "observe"};
+  constexpr std::array kMoves{
+      "come",  "go",      "walk",  "run",       "fall",  "fly",     "sit",      "stand",   "move",   "break",
+      "shine", "rise",    "jump",  "dance",     "climb", "enter",   "shimmer",  "open",    "close",  "smile",
+      "cry",   "play",    "shake", "swim",      "drive", "cross",   "wave",     "nod",     "turn",   "burn",
+      "glow",  "sleep",   "eat",   "drink",     "bloom", "blow",    "push",     "pull",    "throw",  "kick",
+      "pass",  "rush",    "roll",  "float",     "sink",  "crawl",   "approach", "tremble", "vanish", "laugh",
+      "sing",  "flicker", "drop",  "disappear", "stop",  "stumble", "shiver",   "swing"};
+  constexpr std::array kSounds{"sing",  "laugh", "cry",  "bark",   "shout", "scream",  "call",    "weep",     "whistle",
+                               "knock", "ring",  "roar", "speak",  "talk",  "play",    "whisper", "howl",     "growl",
+                               "sigh",  "creak", "tick", "rumble", "buzz",  "breathe", "snore",   "approach", "groan"};
+  const bool is_seeing = is_one_of(graph, at, kSeeing);
+  if (!is_event(graph, at) || (!is_seeing && !graph.is(at, "hear", "01"))) return;
+  const int led = graph.child(at, "ARG1");
+  const int what = led < 0 ? -1 : graph.arc(led).to;
+  if (what < 0 || !is_event(graph, what) || graph.parent(what) != led || graph.mentions(what) > 1) return;
+  if (!(is_seeing ? is_one_of(graph, what, kMoves) : is_one_of(graph, what, kSounds))) return;
+  constexpr std::array kClauses{"@neg",  "@can",     "@must",  "@should", "@may", "@fut",
+                                "@used", "@whether", "@asked", "@ask",    "@psv", "@nom"};
+  for (const char* mark : kClauses) {
+    if (has_attribute(graph.word(what), mark)) return;
+  }
+  if (graph.child(what, "conjunct") < 0) attribute_add(graph.word(what), "@perceived");
+}
+
 // "She put down the box that he had sent": a particle stands in front of an object that has more than a word beside it.
 void particle_apply(Rewriter& graph, int at) {
   const int led = graph.child(at, "particle");
@@ -1428,6 +1456,7 @@ void step_forms(Meaning& meaning) {
     content_apply(graph, at);
     giving_apply(graph, at);
     particle_apply(graph, at);
+    perceived_apply(graph, at);
     Concept& word = graph.word(at);
     // English has one modal verb in a clause.
     if (has_attribute(word, "@must") || has_attribute(word, "@need")) std::erase(word.attributes, "@should");

@@ -274,6 +274,30 @@ void becoming_apply(Rewriter& graph, int at) {
     attribute_add(graph.word(quality), "@res");
 }
 
+// What somebody becomes or is called is one of a kind: "she became a doctor", "they became doctors".
+// (b / become-01 :ARG1 s :ARG2 (d / doctor)), (c / call-01 :ARG1 h :ARG2 (f / fool)).
+void kind_apply(Rewriter& graph, int at) {
+  constexpr std::array kBecoming{"become", "remain", "stay"};
+  constexpr std::array kCalling{"call", "consider", "deem", "label", "dub", "nickname"};
+  const bool is_becoming = is_one_of(graph, at, kBecoming);
+  if (graph.word(at).sense.empty() || (!is_becoming && !is_one_of(graph, at, kCalling))) return;
+  int led = graph.child(at, "ARG2");
+  if (led < 0 && is_becoming) led = graph.child(at, "ARG3");
+  const int subject = graph.child(at, "ARG1");
+  if (led < 0 || subject < 0) return;
+  const int kind = graph.arc(led).to;
+  const Concept& word = graph.word(kind);
+  if (!word.sense.empty() || word.variable.empty() || has_attribute(word, "@name") || is_pronoun(graph, kind)) return;
+  if (graph.mentions(kind) > 1 || is_joining(graph, kind) || has_attribute(word, "@pl")) return;
+  for (const char* role : {"poss", "org", "part-of", "ord", "quant", "superlative-of"}) {
+    if (graph.child(kind, role) >= 0) return;
+  }
+  constexpr std::array kSeveral{"they", "we", "these", "those"};
+  const int who = graph.arc(subject).to;
+  const bool is_several = is_one_of(graph, who, kSeveral) || has_attribute(graph.word(who), "@pl");
+  attribute_add(graph.word(kind), is_several ? "@pl" : "@indef");
+}
+
 // Who exclaims how great something is does not ask.
 void exclaim_apply(Rewriter& graph, int at) {
   const int led = graph.is(at, "exclaim", "01") ? graph.child(at, "ARG1") : -1;
@@ -382,6 +406,7 @@ void step_predicates(Meaning& meaning) {
     exist_apply(graph, at);
     seeming_apply(graph, at);
     becoming_apply(graph, at);
+    kind_apply(graph, at);
     exclaim_apply(graph, at);
     whenever_apply(graph, at);
     how_apply(graph, at);
