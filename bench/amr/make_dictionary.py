@@ -652,7 +652,7 @@ def lemmas(writer, sources):
             continue
         if re.fullmatch(r"[a-z][a-z -]*", lemma):
             for key in {lemma, lemma.replace(" ", "-")}:
-                writer.entry(lemma, key, f"ADV{',MID' * (lemma in MIDDLE)}{vowel(lemma)}")
+                writer.entry(lemma, key, f"ADV{',MID' * (lemma in MIDDLE)}{',END' * (' ' in lemma)}{vowel(lemma)}")
     for lemma in sorted(sources.verbs | set(sources.forms)):
         if re.fullmatch(r"[a-z][a-z -]*", lemma):
             for key in {lemma, lemma.replace(" ", "-")}:

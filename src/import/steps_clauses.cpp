@@ -87,6 +87,8 @@ int mention_of(Rewriter& graph, int at) {
     if (has_attribute(model, kept)) attribute_add(word, kept);
   }
   attribute_add(word, "@ref");
+  // The poor are they.
+  if (has_attribute(model, "@people")) graph.word(made).name = "they";
   return made;
 }
 
@@ -271,6 +273,10 @@ void coordinate(Rewriter& graph, int at, const Conjunction& conjunction) {
     // A condition of its own stands between: "..., and if it rains, I stay".
     const bool is_shared = subject >= 0 && model >= 0 && graph.child(part, "condition") < 0 &&
                            graph.arc(subject).to == graph.arc(model).to && std::string_view(joined_by) != "@snt";
+    // "Did it rain, or did the wind blow?"
+    if (!is_shared && subject >= 0 && has_attribute(graph.word(at), "@int") &&
+        conjunction.attribute == std::string_view("@or"))
+      attribute_add(graph.word(part), "@int");
     if (is_shared && graph.arc(subject).role == "ARG1") attribute_add(graph.word(part), "@shr1");
     if (is_shared) graph.arc(subject).role = "shared";
     graph.replace(parts[i], last, part, "conjunct");
@@ -844,12 +850,31 @@ void attendant_apply(Rewriter& graph, int at) {
   }
 }
 
+// "The house that she wants to build": who wants it stands above the building, within the clause about the house.
+// (h / house :ARG1-of (b / build-01 :ARG0 she :ARG1-of (w / want-01 :ARG0 she))). `led` leads to the building.
+void wanted_apply(Rewriter& graph, int led) {
+  const int deed = graph.arc(led).to;
+  const std::string& role = graph.arc(led).role;
+  const bool is_relative = graph.arc(led).inverse && !graph.arc(led).gone && role != "ARG0" && is_core_role(role);
+  const int up = is_relative && graph.mentions(deed) == 1 ? graph.child(deed, "ARG1", true) : -1;
+  if (up < 0 || !is_event(graph, deed)) return;
+  const int frame = graph.arc(up).to;
+  constexpr std::array kGoverning{"want",   "need",   "try", "like",   "love",    "hope", "plan", "wish",  "expect",
+                                  "intend", "refuse", "say", "decide", "attempt", "see",  "know", "think", "believe"};
+  const bool is_governing = is_one_of(graph, frame, kGoverning) && graph.mentions(frame) == 1 &&
+                            graph.child(frame, "ARG0") >= 0 && graph.child(frame, "ARG1") < 0;
+  if (!is_governing) return;
+  graph.arc(led).to = frame;
+  graph.replace(up, frame, deed, "ARG1");
+}
+
 }  // namespace
 
 // (p / person :ARG0-of (d / drive-01)): the driver, if the dictionary has one; else the rules say who drives. Runs behind
 // the offices, as a mayor is no haver of a role.
 void step_persons(Meaning& meaning) {
   Rewriter graph(meaning, "persons");
+  for (int led = 0; led < static_cast<int>(meaning.arcs.size()); ++led) wanted_apply(graph, led);
   for (int at = 0; at < graph.count(); ++at) {
     pronoun_apply(graph, at);
     attendant_apply(graph, at);
@@ -1152,6 +1177,24 @@ void tense_of_coming(Rewriter& graph, int at) {
   }
 }
 
+// "When she was here, we sang": a place, a quality or an office that somebody has while he does something is told of the
+// same time. What he does is past, as rules have it, if the graph says nothing else.
+void tense_of_place(Rewriter& graph, int at) {
+  const bool is_being = graph.is(at, "be-located-at", "91") || graph.is(at, "have-place", "91");
+  const int above = is_being || graph.child(at, "domain") >= 0 ? graph.parent(at) : -1;
+  const std::string role = above < 0 ? "" : graph.arc(above).role;
+  if (role != "time" && role != "temporal") return;
+  int deed = graph.arc(above).from;
+  // "The day when she was here" has the deed above the day.
+  if (graph.arc(above).inverse && graph.parent(deed) >= 0) deed = graph.arc(graph.parent(deed)).from;
+  constexpr std::array kOther{"@pres", "@fut", "@would",  "@imp",   "@can",
+                              "@must", "@may", "@should", "@state", "@habit"};
+  for (const char* one : kOther) {
+    if (has_attribute(graph.word(deed), one) || has_attribute(graph.word(at), one)) return;
+  }
+  if (is_event(graph, deed) && graph.child(deed, "ARG0") >= 0) attribute_add(graph.word(at), "@past");
+}
+
 // "When I was six, I left": how old somebody was when it happened is told of the past, and so is what happened.
 void tense_of_age(Rewriter& graph, int at) {
   const int above = graph.is(at, "age", "01") ? graph.parent(at) : -1;
@@ -1209,6 +1252,7 @@ void step_tense(Meaning& meaning) {
   for (int at = 0; at < graph.count(); ++at) {
     tense_from_time(graph, at);
     tense_of_age(graph, at);
+    tense_of_place(graph, at);
     Concept& clause = graph.word(at);
     const bool is_lasting = has_attribute(clause, "@state") || has_attribute(clause, "@habit");
     if (is_lasting && !has_attribute(clause, "@past") && !has_attribute(clause, "@fut")) attribute_add(clause, "@pres");
@@ -1341,23 +1385,25 @@ void extraposed_apply(Rewriter& graph, int at) {
     if (graph.child(at, agent) >= 0) return;
   }
   const int what = graph.arc(said).to;
-  if (!is_event(graph, what) && graph.child(what, "domain") < 0) return;
+  // "It was hard", of what has been told: a mention stays the subject.
+  const bool is_told = is_event(graph, what) || graph.child(what, "domain") >= 0;
+  if (!is_told || graph.parent(what) != said || what == graph.meaning().root) return;
   // "It is known that the house was sold", "it is clear that he is wrong": what is known or true is a clause even if nobody
   // does it.
   constexpr std::array kFacts{"suspect", "believe",   "know",    "say",    "report",  "think",    "expect",
                               "find",    "allege",    "true",    "clear",  "obvious", "certain",  "apparent",
                               "evident", "strange",   "lucky",   "matter", "happen",  "turn-out", "funny",
-                              "odd",     "fortunate", "natural", "likely"};
-  const bool is_clause = graph.child(what, "ARG0") >= 0 || graph.child(what, "domain") >= 0 ||
-                         (is_one_of(graph, at, kFacts) && graph.child(what, "ARG1") >= 0 && graph.parent(what) == said);
+                              "odd",     "fortunate", "natural", "likely", "mention"};
+  const bool is_clause =
+      graph.child(what, "ARG0") >= 0 || graph.child(what, "domain") >= 0 ||
+      ((is_one_of(graph, at, kFacts) || is_one_of(graph, at, kReporting)) && graph.child(what, "ARG1") >= 0);
   // What nobody in particular does, with an object or a place.
   constexpr std::array kOfActs{"easy",   "difficult", "hard",     "dangerous",  "safe",
                                "useful", "useless",   "pleasant", "impossible", "necessary",
                                "wrong",  "cruel",     "stupid",   "wise",       "expensive"};
-  const bool is_act =
-      !is_clause && is_one_of(graph, at, kOfActs) && graph.parent(what) == said && !graph.children(what).empty();
+  const bool is_act = !is_clause && is_one_of(graph, at, kOfActs) && !graph.children(what).empty();
   constexpr std::array kHappening{"matter", "happen", "occur", "turn-out"};
-  if (is_clause && is_one_of(graph, at, kHappening) && graph.parent(what) == said) attribute_add(graph.word(at), "@xv");
+  if (is_clause && is_one_of(graph, at, kHappening)) attribute_add(graph.word(at), "@xv");
   if (is_clause) attribute_add(graph.word(at), "@xtra");
   if (is_act) attribute_add(graph.word(at), "@xinf");
 }
@@ -1477,7 +1523,9 @@ void step_forms(Meaning& meaning) {
     if (is_anybody && !has_attribute(word, "@agent") && !has_attribute(word, "@ref")) word.name = "people";
     // What is most of its kind is known: the oldest tree.
     const int quality = has_attribute(word, "@most") ? graph.parent(at) : -1;
-    const bool is_below = quality >= 0 && graph.arc(quality).role == "mod" && !graph.arc(quality).inverse;
+    const bool is_below = quality >= 0 && graph.arc(quality).inverse == is_core_role(graph.arc(quality).role) &&
+                          (graph.arc(quality).inverse || graph.arc(quality).role == "mod") &&
+                          graph.word(graph.arc(quality).from).sense.empty();
     if (is_below && graph.child(graph.arc(quality).from, "poss") < 0)
       attribute_add(graph.word(graph.arc(quality).from), "@def");
     const bool has_subject = subject_arc(graph, at) >= 0 || graph.child(at, "understood") >= 0 ||
@@ -1578,6 +1626,17 @@ void subject_once_apply(Rewriter& graph, int at) {
     const int subject = subject_arc(graph, graph.arc(content).to);
     if (subject >= 0 && graph.arc(subject).to == graph.arc(topic).to) graph.remove(topic, Fate::relation);
   }
+  // "He worked efficiently": nor does it that he was efficient.
+  for (const int led : graph.children(at)) {
+    const int frame = graph.arc(led).to;
+    const std::string& held = graph.arc(led).role;
+    if (!graph.arc(led).inverse || (held != "ARG2" && held != "ARG3") || graph.mentions(frame) > 1) continue;
+    const int bearer = graph.child(frame, "ARG1");
+    const int shared = graph.child(at, "shared");
+    const int subject = shared >= 0 ? shared : subject_arc(graph, at);
+    if (bearer >= 0 && subject >= 0 && graph.arc(bearer).to == graph.arc(subject).to)
+      graph.remove(bearer, Fate::relation);
+  }
   // "She left silently": that she is silent says nothing more.
   const int said = graph.child(at, "domain");
   const int above = said < 0 ? -1 : graph.parent(at);
@@ -1619,7 +1678,9 @@ void understand_subject(Rewriter& graph, const std::vector<int>& first, int at) 
   if (above < 0 || graph.arc(above).inverse || !is_clause(graph, at)) return;
   const std::string& role = graph.arc(above).role;
   // "She knows whether she may stay" is no infinitive.
-  if (has_attribute(graph.word(at), "@whether") || has_attribute(graph.word(at), "@result")) return;
+  for (const char* mark : {"@whether", "@result", "@agent"}) {
+    if (has_attribute(graph.word(at), mark)) return;
+  }
   // "They said that they were tempted": what is said has a subject, whichever it is.
   constexpr std::array kTelling{"say", "state", "explain", "report", "note", "mention", "announce", "think", "believe"};
   if (role == "ARG1" && is_one_of(graph, graph.arc(above).from, kTelling)) return;

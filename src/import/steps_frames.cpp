@@ -161,8 +161,13 @@ void reified_apply(Rewriter& graph, int at, const Reified& one) {
   }
   graph.settle_concept(at, Fate::relation);
   for (const std::string& attribute : graph.word(at).attributes) {
-    // What is denied is the reason, not what it is a reason for: "not because it rained".
-    if (attribute != "@v") attribute_add(graph.word(attribute == "@neg" ? dependent : head), attribute);
+    // What is denied is the reason, not what it is a reason for: "not because it rained", "a letter not from her".
+    const Concept& tied = graph.word(dependent);
+    constexpr std::array kPlain{"source", "purpose", "destination", "topic", "time", "medium", "material"};
+    const bool is_noun = is_listed(one.role, kPlain) && tied.sense.empty() && graph.child(dependent, "domain") < 0;
+    const bool is_denied = attribute == "@neg";
+    if (attribute != "@v")
+      attribute_add(graph.word(is_denied ? dependent : head), is_denied && is_noun ? "@notp" : attribute);
   }
   const bool is_why = is_unknown(graph, dependent);
   if (dependent_above && !head_above && is_why && dependent == graph.meaning().root) {
@@ -521,6 +526,11 @@ void degree_measured(Rewriter& graph, int at, int quality, int bearer_led) {
   for (const auto& [role, label] : kOthers) {
     const int led = graph.child(at, role);
     if (led < 0) continue;
+    // More often than what is said to be more often is no comparison.
+    if (bearer_led >= 0 && graph.arc(led).to == graph.other(bearer_led, at)) {
+      graph.remove(led, Fate::left_out);
+      continue;
+    }
     // "The oldest house of the town", "an older house than mine": what it is measured by stands behind the noun.
     const bool is_with_noun = bearer_led >= 0 && graph.arc(bearer_led).to == at && std::string_view(role) != "ARG6" &&
                               !has_attribute(graph.word(quality), "@equal");
@@ -821,6 +831,24 @@ void times_apply(Rewriter& graph, int at) {
   attribute_add(graph.word(times), "@pl");
 }
 
+// "If it rains, we stay": what follows is the statement, also where the condition stands above it.
+// (r / rain-01 :condition-of (s / stay-01 :ARG0 we)).
+void condition_apply(Rewriter& graph, int led) {
+  const Arc one = graph.arc(led);
+  if (one.gone || !one.inverse || one.role != "condition" || graph.mentions(one.to) > 1) return;
+  if (graph.word(one.to).sense.empty() && graph.child(one.to, "domain") < 0) return;
+  const int above = graph.parent(one.from);
+  const bool is_stated = above < 0 || (!graph.arc(above).inverse && (graph.arc(above).role.starts_with("op") ||
+                                                                     graph.arc(above).role.starts_with("ARG")));
+  if (!is_stated || graph.mentions(one.from) > (above < 0 ? 0 : 1)) return;
+  for (const char* mood : {"@int", "@imp", "@exp"}) {
+    if (std::erase(graph.word(one.from).attributes, mood) > 0) attribute_add(graph.word(one.to), mood);
+  }
+  if (above >= 0) graph.arc(above).to = one.to;
+  if (above < 0) graph.meaning().root = one.to;
+  graph.replace(led, one.to, one.from, "condition");
+}
+
 // (d / depart-01 :condition-of (t / thing)): what it is a condition of stands in another sentence: "if you depart".
 // @as_condition, @as_cause, @as_concession: the conjunction stands in front of the clause, and nothing follows.
 void outer_apply(Rewriter& graph, int at) {
@@ -1022,11 +1050,21 @@ void step_reified(Meaning& meaning) {
   for (Arc& one : meaning.arcs) {
     if (!one.gone) role_apply(graph, one);
   }
+  for (int led = 0; led < static_cast<int>(meaning.arcs.size()); ++led) condition_apply(graph, led);
   // (w / wife :part (e / ear)), where the ear is spoken of elsewhere: her ear.
   for (int led = 0; led < static_cast<int>(meaning.arcs.size()); ++led) {
     const Arc one = graph.arc(led);
     if (one.gone || one.inverse || one.role != "part" || graph.mentions(one.to) < 2) continue;
     graph.replace(led, one.to, one.from, "poss");
+  }
+  // "An equal share": of a quality that nothing else is said of, the number of the role is no matter.
+  for (Arc& one : meaning.arcs) {
+    const bool is_far = one.role == "ARG3" || one.role == "ARG4" || one.role == "ARG5";
+    if (one.gone || !one.inverse || !is_far || !is_event(graph, one.to) || graph.mentions(one.to) > 1) continue;
+    // "..., which is typical of the town".
+    const bool is_of_clause = is_event(graph, one.from) && graph.child(one.to, "ARG2") >= 0;
+    const bool is_bare = graph.children(one.to).empty() && graph.word(one.from).sense.empty();
+    if ((is_bare || is_of_clause) && graph.child(one.to, "ARG1") < 0) one.role = "ARG1";
   }
   directions_apply(graph);
   sets_apply(graph);
@@ -1078,6 +1116,26 @@ void such_apply(Rewriter& graph, int at) {
   graph.replace(led, graph.arc(above).from, graph.arc(led).to, "mod");
 }
 
+// "The oldest house ever": behind the noun.
+void ever_apply(Rewriter& graph, int at) {
+  const int above = has_attribute(graph.word(at), "@most") ? graph.parent(at) : -1;
+  const bool is_with_noun = above >= 0 && (graph.arc(above).role == "mod" || graph.arc(above).inverse);
+  for (const char* role : {"time", "temporal"}) {
+    const int led = is_with_noun ? graph.child(at, role) : -1;
+    if (led >= 0 && graph.is(graph.arc(led).to, "ever"))
+      graph.replace(led, graph.arc(above).from, graph.arc(led).to, "time");
+  }
+}
+
+// "It helped him more": of what somebody does, how much stands behind it.
+// (h / help-01 :ARG0 it :ARG1 he :quant (m / more)).
+void amount_apply(Rewriter& graph, int at) {
+  const int led = is_event(graph, at) && graph.child(at, "ARG0") >= 0 ? graph.child(at, "quant") : -1;
+  constexpr std::array kAmounts{"more", "less", "most", "enough"};
+  const bool is_amount = led >= 0 && is_one_of(graph, graph.arc(led).to, kAmounts);
+  if (is_amount && graph.children(graph.arc(led).to).empty()) graph.arc(led).role = "extent";
+}
+
 }  // namespace
 
 // (h / have-degree-91 :ARG1 x :ARG2 (t / tall) :ARG3 (m / more) :ARG4 y): tall with @more, its bearer x, compared to y.
@@ -1093,6 +1151,8 @@ void step_degree(Meaning& meaning) {
     if (graph.is(at, "have-degree", "91") || graph.is(at, "have-degree", "92")) degree_apply(graph, at, false);
     if (graph.is(at, "have-quant", "91")) degree_apply(graph, at, true);
     such_apply(graph, at);
+    ever_apply(graph, at);
+    amount_apply(graph, at);
   }
 }
 

@@ -360,7 +360,13 @@ void how_apply(Rewriter& graph, int at) {
 // exist-01 becomes exist-91, a name of the import's own, so that the dictionary need not tell two meanings of the verb
 // apart: "ghosts exist" stays exist-01.
 void exist_apply(Rewriter& graph, int at) {
-  const int led = graph.is(at, "exist", "01") ? graph.child(at, "ARG1") : -1;
+  // UMR's frame of being there names the place first.
+  const int there = graph.is(at, "exist", "91") ? graph.child(at, "ARG2") : -1;
+  if (there >= 0) {
+    if (const int place = graph.child(at, "ARG1"); place >= 0) graph.arc(place).role = "location";
+    graph.arc(there).role = "ARG1";
+  }
+  const int led = graph.is(at, "exist", "01") || there >= 0 ? graph.child(at, "ARG1") : -1;
   if (led < 0) return;
   const int thing = graph.arc(led).to;
   const Concept& word = graph.word(thing);

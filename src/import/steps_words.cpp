@@ -98,6 +98,11 @@ void name_apply(Rewriter& graph, int at, int led) {
   attribute_add(named, "@name");
   const std::string type = named.name;
   attribute_add(named, "@" + type);
+  constexpr std::array kPeople{"man",       "woman",   "boy",     "girl",     "child",     "king",   "queen",
+                               "president", "teacher", "actor",   "actress",  "singer",    "writer", "author",
+                               "doctor",    "mayor",   "officer", "minister", "professor", "player", "prince",
+                               "princess",  "uncle",   "aunt",    "brother",  "sister",    "friend"};
+  if (is_listed(type, kPeople)) attribute_add(named, "@person");
   if (takes_article(type, text)) attribute_add(named, "@the");
   if (text.ends_with('s')) attribute_add(named, "@ends");
   named.name = text;
@@ -284,12 +289,21 @@ void pointing_time_apply(Rewriter& graph) {
   }
 }
 
+// Whoever is of a country are its people: "French people".
+void people_apply(Rewriter& graph, int at) {
+  const int led = graph.is(at, "person") && graph.children(at).size() == 1 ? graph.child(at, "mod") : -1;
+  const bool is_known = has_attribute(graph.word(at), "@sg") || has_attribute(graph.word(at), "@pl");
+  if (led >= 0 && !is_known && has_attribute(graph.word(graph.arc(led).to), "@country"))
+    attribute_add(graph.word(at), "@pl");
+}
+
 // A quantity becomes its unit; without one it is the thing that is measured.
 // (d / distance-quantity :quant 3 :unit (m / mile)) becomes mile.@measure with :quant 3.
 void unit_apply(Rewriter& graph, int at) {
   const bool is_quantity = graph.word(at).name.ends_with("-quantity") && graph.word(at).sense.empty();
   if (const int unit = is_quantity ? graph.child(at, "unit") : -1; unit >= 0) {
     attribute_add(graph.word(graph.arc(unit).to), "@measure");
+    if (has_attribute(graph.word(at), "@pl")) attribute_add(graph.word(graph.arc(unit).to), "@pl");
     graph.stand_in(at, unit, Fate::word);
   }
   if (graph.child(at, "unit") < 0) {
@@ -368,7 +382,8 @@ void counted_apply(Rewriter& graph) {
     const bool is_plain = number.sense.empty() && is_number(number.name);
     const bool is_lot =
         number.name == "lot" && graph.word(one.from).sense.empty() && !is_uncounted(graph.word(one.from).name);
-    const bool is_many = is_lot || is_listed(number.name, kMany);
+    const bool is_some = number.name == "some" && graph.word(one.from).name == "person";
+    const bool is_many = is_lot || is_some || is_listed(number.name, kMany);
     if (is_plain || is_many) attribute_add(graph.word(one.from), number.name == "1" ? "@sg" : "@pl");
   }
 }
@@ -392,6 +407,7 @@ void step_quantities(Meaning& meaning) {
   determiners_apply(graph);
   counted_apply(graph);
   for (int at = 0; at < graph.count(); ++at) {
+    people_apply(graph, at);
     multiple_apply(graph, at);
     few_apply(graph, at);
     others_apply(graph, at);
@@ -466,6 +482,7 @@ void rest_apply(Rewriter& graph, int at) {
   if (led < 0 || !graph.is(graph.arc(led).to, "rest") || graph.mentions(graph.arc(led).to) > 1) return;
   const int rest = graph.arc(led).to;
   graph.redirect(at, rest);
+  attribute_add(graph.word(rest), "@several");
   graph.replace(led, rest, at, "part-of");
   attribute_add(graph.word(at), "@pl");
   attribute_add(graph.word(at), "@def");
