@@ -1632,9 +1632,9 @@ void subject_once_apply(Rewriter& graph, int at) {
     const std::string& held = graph.arc(led).role;
     if (!graph.arc(led).inverse || (held != "ARG2" && held != "ARG3") || graph.mentions(frame) > 1) continue;
     const int bearer = graph.child(frame, "ARG1");
-    const int shared = graph.child(at, "shared");
-    const int subject = shared >= 0 ? shared : subject_arc(graph, at);
-    if (bearer >= 0 && subject >= 0 && graph.arc(bearer).to == graph.arc(subject).to)
+    const int agent = graph.argument(at, "ARG0");
+    const int subject = agent >= 0 ? agent : graph.argument(at, "shared");
+    if (bearer >= 0 && subject >= 0 && graph.arc(bearer).to == graph.other(subject, at))
       graph.remove(bearer, Fate::relation);
   }
   // "She left silently": that she is silent says nothing more.
