@@ -1531,6 +1531,7 @@ void step_forms(Meaning& meaning) {
     const bool has_subject = subject_arc(graph, at) >= 0 || graph.child(at, "understood") >= 0 ||
                              graph.child(at, "shared") >= 0 || graph.child(at, "speaker") >= 0;
     if (has_subject && !has_attribute(word, "@result") && !nominal_apply(graph, at)) attribute_add(word, "@cl");
+    if (has_attribute(word, "@whether") || has_attribute(word, "@asked")) attribute_add(word, "@query");
     const bool is_auxiliary =
         std::any_of(kAuxiliary.begin(), kAuxiliary.end(), [&](const char* one) { return has_attribute(word, one); });
     if (is_auxiliary && is_clause(graph, at)) attribute_add(word, "@aux");
