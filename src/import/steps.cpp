@@ -58,6 +58,9 @@ constexpr RewriteStep kSteps[] = {
     {"conjunctions",
      "a cause, condition or the like that is a clause becomes :adverbial-clause, with its conjunction: @s_because",
      step_conjunctions},
+    {"merging",
+     "roles that English says alike become one: an instrument or a path is a :circumstance, with its preposition",
+     step_merging},
     {kRelativesStep, "inverse roles keep their direction where the table has a label for them (:ARG0-of)", nullptr},
 };
 

@@ -44,5 +44,6 @@ void step_voice(Meaning& meaning);
 void step_forms(Meaning& meaning);
 void step_mentions(Meaning& meaning);
 void step_conjunctions(Meaning& meaning);
+void step_merging(Meaning& meaning);
 
 }  // namespace lexon

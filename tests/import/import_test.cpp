@@ -75,7 +75,7 @@ const StepRow kSteps[] = {
     {"alignments", "", "(b / boy~e.1 :ARG0-of~e.2 (r / run-02~e.3))", "a0(run(>02).@v, boy.@entry)"},
     {"unknown_role", "", "(b / boy :Foobar (c / cat))", "foo(boy.@entry, cat)"},
     {"voice", "voice", "(s / surprise-01 :ARG0 (h / hear-01 :ARG0 i :ARG1 (t / that)) :ARG1 (i / i))",
-     "a0(surprise(>01).@entry.@v.@psv, hear(>01).@v); a0(hear(>01), i); a1(hear(>01), that); a1(surprise(>01), i)"},
+     "a0(surprise(>01).@entry.@v.@psv.@moved, hear(>01).@v); a0(hear(>01), i); a1(hear(>01), that); a1(surprise(>01), i)"},
     {"voice_of_a_bare_noun", "voice", "(h / help-01 :ARG0 (d / decide-01) :ARG1 (w / we))", "a0(help(>01).@entry.@v, decide(>01).@v); a1(help(>01), we)"},
     {"before_now", "tense", "(l / leave-11 :time (b / before :op1 (n / now)))", "leave(>11).@entry.@v.@past"},
     {"ago", "tense", "(l / leave-11 :time (b / before :op1 (n / now) :quant (y / year)))", "tim(leave(>11).@entry.@v.@past, ago); qty(ago, year)"},
@@ -181,6 +181,7 @@ const StepRow kSteps[] = {
      "deg(far.@entry.@wh, amr-unknown.@wh.@wh_degree); deg(amr-unknown, tall.@wh); deg(tall, far)"},
     {"circumstances", "all", "(g / go-02 :ARG0 (i / i) :cause (r / rain-01 :ARG1 (d / drop)) :cause-of (f / fog))",
      "a0(go(>02).@entry.@v.@cl, i); adv(go(>02), rain(>01).@v.@cl.@s_because); a1(rain(>01), drop); csf(go(>02), fog)"},
+    {"merging", "merging", "(s / see-01 :instrument (g / glass) :example (b / bird))", "cir(see(>01).@entry.@v, glass.@p_with); lik(see(>01), bird)"},
     {"circle", "all", "(s / see-01 :ARG0 (b / boy :ARG0-of s))", "a0(see(>01).@entry.@v.@cl, boy:01); a0(see(>01), boy:02.@ref)"},
 };
 
