@@ -1,0 +1,122 @@
+// Steps that only rename roles, when all else is settled: what English says alike has one label, so that rules say its
+// forms once.
+#include <string_view>
+
+#include "import/rewriter.hpp"
+#include "import/steps.hpp"
+
+namespace lexon {
+
+// Clauses of circumstance differ in nothing but their conjunction, and so do relative clauses of a place, a time and the
+// like: one role for each kind, so that rules say their forms once. A condition and a clause of time stand in front,
+// @ahead; what has a condition is still to come, @conditional.
+void step_conjunctions(Meaning& meaning) {
+  struct Circumstance {
+    const char* role;
+    bool inverse;
+    const char* conjunction;
+    const char* becomes;
+  };
+  constexpr const char* kClause = "adverbial-clause";
+  constexpr const char* kRelative = "adverbial-relative";
+  constexpr Circumstance kCircumstances[] = {
+      {"concession", false, "@s_although", kClause},
+      {"concession", true, "@s_although", kClause},
+      {"cause", false, "@s_because", kClause},
+      {"reason", false, "@s_because", kClause},
+      {"cause", true, "@s_so", kClause},
+      {"cause", true, "@s_why", kRelative},
+      {"reason", true, "@s_so", kClause},
+      {"condition", false, "@s_if", kClause},
+      {"condition", true, "@s_so", kClause},
+      {"concessive-conditional", false, "@s_evenif", kClause},
+      {"conj-as-if", false, "@s_asif", kClause},
+      {"time", false, "@s_when", kClause},
+      {"temporal", false, "@s_when", kClause},
+      {"purpose", false, "@s_sothat", kClause},
+      {"consequence", false, "@s_that", kClause},
+      {"result", false, "@s_that", kClause},
+      {"location", false, "@s_where", kClause},
+      {"place", false, "@s_where", kClause},
+      {"time", true, "@s_when", kRelative},
+      {"temporal", true, "@s_when", kRelative},
+      {"purpose", true, "@s_that", kRelative},
+      {"source", true, "@s_where", kRelative},
+      {"location", true, "@s_where", kRelative},
+      {"place", true, "@s_where", kRelative},
+      {"manner", true, "@s_how", kRelative},
+  };
+  Rewriter graph(meaning, "conjunctions");
+  for (Arc& one : meaning.arcs) {
+    if (one.gone) continue;
+    if (one.role == "condition" && !one.inverse) attribute_add(graph.word(one.from), "@conditional");
+    if (!has_attribute(graph.word(one.to), "@cl")) continue;
+    for (const Circumstance& circumstance : kCircumstances) {
+      if (one.role != circumstance.role || one.inverse != circumstance.inverse) continue;
+      // "The reason why she left".
+      const bool is_why = std::string_view(circumstance.conjunction) == "@s_why";
+      if (one.inverse && one.role == "cause" && is_why != graph.is(one.from, "reason")) continue;
+      // "Where it is a mystery": what something is, is no place.
+      const bool is_place = !one.inverse && (one.role == "location" || one.role == "place");
+      if (is_place && !has_attribute(graph.word(one.to), "@v")) break;
+      const bool is_ahead = !one.inverse && (one.role == "condition" || one.role == "time" || one.role == "temporal");
+      if (is_ahead) attribute_add(graph.word(one.to), "@ahead");
+      // "How he sings", and not the thing how he sings.
+      if (one.role == "manner") attribute_add(graph.word(one.from), "@how");
+      attribute_add(graph.word(one.to), circumstance.conjunction);
+      one.role = circumstance.becomes;
+      one.inverse = false;
+      break;
+    }
+    // "As tall as she is".
+    if (one.role == "compared-to" && !one.inverse && has_attribute(graph.word(one.from), "@equal")) {
+      attribute_add(graph.word(one.to), "@s_as");
+      one.role = kRelative;
+    }
+  }
+}
+
+// Rules need a row for each form that what fills a role may have, so roles that differ by a preposition alone are one role
+// for them: :circumstance, where the word says which, @p_with.
+void step_merging(Meaning& meaning) {
+  struct Merged {
+    const char* role;
+    bool inverse;
+    const char* becomes;
+    const char* preposition;  // null for a role whose preposition stays
+  };
+  constexpr const char* kCircumstance = "circumstance";
+  constexpr Merged kMerged[] = {
+      {"direction", false, kCircumstance, "@p_toward"},
+      {"path", false, kCircumstance, "@p_along"},
+      {"instrument", false, kCircumstance, "@p_with"},
+      {"companion", false, kCircumstance, "@p_with"},
+      {"accompanier", false, kCircumstance, "@p_with"},
+      {"medium", false, kCircumstance, "@p_in"},
+      {"beneficiary", false, kCircumstance, "@p_for"},
+      {"affectee", false, kCircumstance, "@p_for"},
+      {"cost", false, kCircumstance, "@p_for"},
+      {"range", false, kCircumstance, "@p_over"},
+      {"role", false, kCircumstance, "@p_as"},
+      {"example", false, "likeness", nullptr},
+      {"superlative-of", false, "superset", nullptr},
+      // "A spring of water", for which the graph says that the water comes from there.
+      {"source", true, "location", nullptr},
+      {"time", true, "location", nullptr},
+      {"temporal", true, "location", nullptr},
+  };
+  Rewriter graph(meaning, "merging");
+  for (Arc& one : meaning.arcs) {
+    if (one.gone) continue;
+    for (const Merged& merged : kMerged) {
+      if (one.role != merged.role || one.inverse != merged.inverse) continue;
+      // "The oldest of them": of a pronoun nothing is said, so that role keeps its name.
+      if (one.role == "superlative-of" && has_attribute(graph.word(one.to), "@ref")) break;
+      one.role = merged.becomes;
+      if (merged.preposition != nullptr) attribute_add(graph.word(one.to), merged.preposition);
+      break;
+    }
+  }
+}
+
+}  // namespace lexon
