@@ -49,18 +49,24 @@ VERB_OBJECTS = {verb: preposition for preposition, verbs in {
     "over": "preside",
     "against": "rebel discriminate retaliate conspire",
     "": "lack impress oppose access contact convoy cure delay diagnose interview impact border",
-    "of": "dispose approve disapprove dream beware repent despair tire",
+    "of": "dispose approve disapprove dream beware repent despair",
     "into": "delve inquire pry"}.items() for verb in verbs.split()}
 VERB_SECOND = {verb: preposition for preposition, verbs in {
     "of": "rob convince", "on": "put", "into": "insert divide transform convert", "with": "fill equip", "in": "invest", "for": "ban",
     "to": "subject expose limit devote dedicate attribute attach", "from": "separate distinguish exclude isolate"}.items()
                for verb in verbs.split()}
 NOUN_OBJECTS = {verb: preposition for preposition, verbs in {
-    "on": "attack influence impact comment ban tax limit assault raid restrict focus pressure emphasize effect affect report",
+    "on": "attack influence impact comment ban tax limit assault raid restrict focus pressure emphasize effect affect report agree",
     "for": "demand desire hope need respect care request support prefer vote apologize",
     "in": "increase decrease rise fall drop decline grow improve change cut believe trust participate",
     "to": "damage visit answer react respond reply object oppose access addict attend solve resist adapt adhere",
-    "against": "discriminate"}.items() for verb in verbs.split()}
+    "against": "discriminate protest struggle campaign revolt rebel"}.items() for verb in verbs.split()}
+# Nouns of these have a clause with "that" behind them: the belief that.
+THAT_NOUNS = set("believe hope fear know claim state announce report conclude feel suspect decide agree promise argue assume "
+                 "assure admit allege complain confirm declare discover doubt estimate expect explain find guarantee imply "
+                 "indicate insist note observe predict prove propose realize recognize recommend remark remind reply reveal "
+                 "say suggest suppose swear understand warn wish worry assert deny aware certain likely possible proof "
+                 "opine convince threaten imagine dream accuse rumor demand require request".split())
 # Verbs behind which an infinitive has "how": she knows how to swim.
 HOW_VERBS = ("know",)
 # Behind these stands somebody and what he does, without "to": "she let him go".
@@ -93,6 +99,18 @@ BUILT = {
 AGENTS = {"apply": "applicant", "assist": "assistant", "inhabit": "inhabitant", "reside": "resident", "study": "student",
           "immigrate": "immigrant", "participate": "participant", "compete": "competitor", "represent": "representative",
           "counsel": "counselor", "act": "actor", "account": "accountant", "assail": "assailant", "defend": "defender"}
+# Who does it has no noun, or one that means something else: nobody who waits is a waiter.
+NO_AGENTS = set("account attract captivate cart close come condition confide connect count date deify demonize despair draw dress "
+                "equal equate fail go hang have hear hit idolize incarnate know let log look major man marry mutate name open "
+                "oust pass personify port pretend prey process rest see sit stand tell tie turn wait wake walk want".split())
+# Nouns of agents that the examples lack.
+MORE_AGENTS = set("abuser achiever adopter aggressor avenger bowler campaigner colonizer complainer debater deceiver defector "
+                  "deserter doer earner emigrant exhibitor facilitator flatterer forecaster hitchhiker imitator informer "
+                  "inheritor infiltrator interrogator jailer lawbreaker lodger looter molester nominee objector onlooker "
+                  "overseer owner pickpocket poisoner polluter quitter rapist recruiter redeemer rescuer retiree rioter robber "
+                  "saver seducer seller sender skater skier sleeper smoker smuggler spender squatter stalker storyteller "
+                  "sufferer supervisor swimmer tempter thinker tormentor traitor translator traveler traveller trespasser "
+                  "vandal violator volunteer wanderer whistleblower woodcutter worshipper".split())
 # What an adjective has in front of what it is about.
 ADJECTIVE_OBJECTS = {adjective: preposition for preposition, adjectives in {
     "of": "afraid aware proud fond capable full ashamed jealous worthy guilty tired typical envious weary",
@@ -596,7 +614,7 @@ def frames(path, writer, sources):
             # A noun has the prepositions of its verb, "a look at the sea", and a verb of its own, "take a look".
             of_noun = NOUN_OBJECTS.get(lemma, "")
             kept = "".join("," + a for a in built if re.match(r"p[2-5]|LV" if of_noun else r"p\d|LV", a))
-            kept += f",p1{of_noun}" * bool(of_noun)
+            kept += f",p1{of_noun}" * bool(of_noun) + ",NOUNC" * (lemma not in THAT_NOUNS)
             writer.noun(noun, concept, (",NMZ" if verb else ",NMZ,QUAL") + kept)
         adjectives = [lemma] if of["ADJ"] and lemma in sources.adjectives else of["ADJ"]
         for adjective in adjectives[:"POSTN" not in built]:
@@ -619,7 +637,15 @@ def sense_of(concept):
 def agent_of(sources, verb):
     stem = verb[:3]
     # Not "liver" for one who lives: a word for parts of the body and for animals.
-    return sorted((a for a in sources.agents.get(verb, ()) if a.lower().startswith(stem)
+    def is_used(agent):
+        if agent == AGENTS.get(verb) or agent in MORE_AGENTS:
+            return True
+        count = sources.tagged[agent, "1"] + sources.text.counts[agent] + sources.text.counts[plural(agent)]
+        # Of a verb that people use often they use the noun, too, if there is one.
+        is_rare = sum(sources.text.counts[form] for form in set(sources.verb_forms(verb).values())) < 30
+        return agent.islower() and verb not in NO_AGENTS and (count or is_rare) and not re.search("(ee|tion|ure|ity)$", agent)
+
+    return sorted((a for a in sources.agents.get(verb, ()) if a.lower().startswith(stem) and is_used(a)
                    and sources.nouns.get(a.lower(), (a, 18))[1] not in (range(18) if a == verb else (5, 8))),
                   key=lambda a: (a != AGENTS.get(verb), a[0].isupper(), a == verb, a.endswith("ee"), len(a)))
 

@@ -46,6 +46,7 @@ constexpr RewriteStep kSteps[] = {
     {"questions", "what is asked for becomes :questioned of its clause, which gets @ask", step_questions},
     // Guesses that need the finished clauses: tense looks at who is spoken of, control at the passive.
     {"tense", "a guess: a clause whose subject is you is about now, @pres, if nothing else is known", step_tense},
+    {"nouns", "an event gets @nom where English has a noun for it: they rejected the proposal", step_nouns},
     {"voice", "a frame whose agent is an event and that is done to a person gets @psv: she was surprised to see him",
      step_voice},
     {"control",

@@ -40,6 +40,7 @@ void step_questions(Meaning& meaning);
 void step_coordination(Meaning& meaning);
 void step_tense(Meaning& meaning);
 void step_control(Meaning& meaning);
+void step_nouns(Meaning& meaning);
 void step_voice(Meaning& meaning);
 void step_forms(Meaning& meaning);
 void step_mentions(Meaning& meaning);

@@ -1340,8 +1340,8 @@ void step_voice(Meaning& meaning) {
     if (!is_frame || agent < 0 || patient < 0 || has_attribute(graph.word(at), "@imp")) continue;
     const int what = graph.arc(agent).to;
     const int whom = graph.arc(patient).to;
-    const bool is_deed =
-        !graph.word(what).sense.empty() && !has_attribute(graph.word(what), "@agent") && !graph.children(what).empty();
+    const bool is_deed = !graph.word(what).sense.empty() && !has_attribute(graph.word(what), "@agent") &&
+                         !has_attribute(graph.word(what), "@nom") && !graph.children(what).empty();
     if (is_deed && is_one_of(graph, whom, kSomebody)) attribute_add(graph.word(at), "@psv");
     if (is_one_of(graph, at, kMoving)) attribute_add(graph.word(at), "@moved");
   }
@@ -1355,7 +1355,8 @@ namespace {
 bool nominal_apply(Rewriter& graph, int at) {
   constexpr std::array kDeterminers{"same", "this", "that", "such", "any", "some", "other", "every", "each", "another"};
   const int above = graph.parent(at);
-  const bool is_inside = above >= 0 && is_core(graph.arc(above)) && graph.arc(above).role != "ARG0";
+  const bool is_told = has_attribute(graph.word(at), "@nom");
+  const bool is_inside = above >= 0 && (is_told || (is_core(graph.arc(above)) && graph.arc(above).role != "ARG0"));
   if (!is_inside || graph.word(at).sense.empty() || at == graph.meaning().root) return false;
   bool is_noun = false;
   for (const int led : graph.children(at)) {
@@ -1367,7 +1368,7 @@ bool nominal_apply(Rewriter& graph, int at) {
                                 "explain", "decide",  "comment",  "remark"};
   const bool is_statement =
       is_one_of(graph, at, kStating) && graph.child(at, "ARG0") >= 0 && graph.children(at).size() == 1;
-  is_noun = is_noun || is_statement || has_attribute(graph.word(at), "@nom");
+  is_noun = is_noun || is_statement || is_told;
   const int known = is_noun ? graph.child(at, "understood") : -1;
   if (known >= 0) graph.remove(known, Fate::attribute);
   if (is_noun) attribute_add(graph.word(at), "@nom");
@@ -1387,7 +1388,8 @@ void extraposed_apply(Rewriter& graph, int at) {
   const int what = graph.arc(said).to;
   // "It was hard", of what has been told: a mention stays the subject.
   const bool is_told = is_event(graph, what) || graph.child(what, "domain") >= 0;
-  if (!is_told || graph.parent(what) != said || what == graph.meaning().root) return;
+  if (!is_told || graph.parent(what) != said || what == graph.meaning().root || has_attribute(graph.word(what), "@nom"))
+    return;
   // "It is known that the house was sold", "it is clear that he is wrong": what is known or true is a clause even if nobody
   // does it.
   constexpr std::array kFacts{"suspect", "believe",   "know",    "say",    "report",  "think",    "expect",
@@ -1441,7 +1443,9 @@ void giving_apply(Rewriter& graph, int at) {
   constexpr std::array kGiving{"give", "show",  "tell", "send", "bring", "lend",    "teach", "hand", "offer", "sell",
                                "pay",  "throw", "pass", "feed", "owe",   "promise", "grant", "read", "write"};
   const int what = is_one_of(graph, at, kGiving) ? graph.child(at, "ARG1") : -1;
-  if (what < 0 || graph.child(at, "ARG2") < 0) return;
+  if (what < 0) return;
+  // "The boy that she gave it to".
+  if (graph.child(at, "ARG2") < 0) return attribute_add(graph.word(at), "@gives");
   const int thing = graph.arc(what).to;
   if (is_personal_pronoun(graph, thing) || graph.parent(thing) != what) attribute_add(graph.word(at), "@pro1");
 }
@@ -1540,7 +1544,8 @@ void step_forms(Meaning& meaning) {
     // "It is a pity that she left": what a predicate says of a whole clause.
     const int about = graph.child(at, "domain");
     const int told = about >= 0 && graph.parent(graph.arc(about).to) == about ? graph.arc(about).to : -1;
-    const bool is_told = told >= 0 && is_event(graph, told) && subject_arc(graph, told) >= 0;
+    const bool is_told =
+        told >= 0 && is_event(graph, told) && subject_arc(graph, told) >= 0 && !has_attribute(graph.word(told), "@nom");
     if (is_told && graph.child(at, "consequence") < 0) attribute_add(word, "@xdom");
     // What is only counted is new: "there are three birds in the tree".
     const bool is_being =
@@ -1690,7 +1695,7 @@ void understand_subject(Rewriter& graph, const std::vector<int>& first, int at) 
                                role == "attendant" || role == "substitute" || role == "exception" ||
                                (role == "consequence" && is_limit(graph.word(graph.arc(above).from)));
   const int subject = subject_arc(graph, at);
-  if (!may_be_infinite || subject < 0) return;
+  if (!may_be_infinite || subject < 0 || has_attribute(graph.word(at), "@whose")) return;
   const int person = graph.arc(subject).to;
   if (first[static_cast<std::size_t>(person)] == subject) return;
   if (!is_named_above(graph, first, above, person)) return;

@@ -150,7 +150,10 @@ void reified_apply(Rewriter& graph, int at, const Reified& one) {
   const bool is_thing = caused.sense.empty() && !caused.variable.empty() && graph.child(head, "domain") < 0 &&
                         caused.name != "amr-unknown" && caused.name != "umr-unknown" &&
                         !caused.name.ends_with("choice");
-  if (graph.is(at, "cause", "01") && !head_above && !dependent_above && is_thing) return;
+  // "The failure of the engine caused the crash": of which nothing is said is no clause either.
+  const bool is_bare_event = !caused.sense.empty() && graph.children(head).empty() && has_attribute(caused, "@v") &&
+                             caused.attributes.size() == 1 && !caused.name.starts_with("have-");
+  if (graph.is(at, "cause", "01") && !head_above && !dependent_above && (is_thing || is_bare_event)) return;
   if (!head_above && !dependent_above && std::string_view(one.role) == "identity") {
     // "Kim is the mayor".
     graph.settle_concept(at, Fate::relation);
@@ -426,6 +429,11 @@ void office_apply(Rewriter& graph, int at, const Office& office) {
     graph.remove(titled, Fate::relation);
     graph.redirect(at, title);
     if (whole >= 0) graph.replace(whole, title, graph.other(whole, at), office.role);
+    // "She is the mayor of Oslo": of some offices there is one.
+    constexpr std::array kOnly{"president", "head",    "leader",    "director", "mayor",  "king",    "queen",
+                               "chairman",  "captain", "emperor",   "founder",  "owner",  "author",  "boss",
+                               "chief",     "pope",    "commander", "father",   "mother", "husband", "wife"};
+    if (whole >= 0 && is_listed(graph.word(title).name, kOnly)) attribute_add(graph.word(title), "@def");
     graph.move_children(at, title);
     return;
   }
@@ -972,6 +980,20 @@ void directions_apply(Rewriter& graph) {
   }
 }
 
+// "Some of the workers": a part that is called by the same deed as the whole is not called by it twice.
+void same_deed_apply(Rewriter& graph, int part, int whole) {
+  for (const char* role : {"ARG0", "ARG1"}) {
+    const int own = graph.child(part, role, true);
+    const int model = graph.child(whole, role, true);
+    if (own < 0 || model < 0 || graph.word(part).name != graph.word(whole).name) continue;
+    const int deed = graph.arc(own).to;
+    const bool is_same = graph.word(deed).name == graph.word(graph.arc(model).to).name;
+    if (!is_same || !graph.children(deed).empty() || graph.mentions(deed) > 1) continue;
+    graph.settle_concept(deed, Fate::word);
+    graph.remove(own, Fate::word);
+  }
+}
+
 // What is taken out of a whole, and the whole.
 // A bank writes "some of us" as (s / some :superset we); where it has the frame include-91 for it, that has become
 // :superset by now. The part is the head in English, too. What is left to do is number, as a whole is several things, and
@@ -989,6 +1011,7 @@ void sets_apply(Rewriter& graph) {
       graph.word(at).name = "some";
       attribute_add(graph.word(at), "@pl");
     }
+    same_deed_apply(graph, at, graph.arc(whole).to);
     if (const int led = graph.child(at, "ARG3"); led >= 0) graph.arc(led).role = "quant";
     const int quantity = graph.child(at, "quant");
     if (quantity >= 0 && (graph.is(at, "thing") || graph.is(at, "person"))) graph.stand_in(at, quantity, Fate::word);

@@ -7,6 +7,36 @@
 
 namespace lexon {
 
+namespace {
+
+// "The key that she opened it with", "the way that he sings": the preposition of a relative
+// clause stands at its end, and a noun that names its role needs none.
+void relative_apply(Rewriter& graph, int led) {
+  struct Stranded {
+    const char* role;
+    const char* preposition;
+    const char* noun;
+  };
+  constexpr Stranded kStranded[] = {
+      {"instrument", "with", nullptr}, {"accompanier", "with", nullptr}, {"topic", "about", nullptr},
+      {"beneficiary", "for", nullptr}, {"source", "from", nullptr},      {"manner", nullptr, "way"},
+  };
+  const Arc one = graph.arc(led);
+  const Concept& noun = graph.word(one.from);
+  if (one.gone || !one.inverse || !noun.sense.empty() || !has_attribute(graph.word(one.to), "@cl")) return;
+  for (const Stranded& stranded : kStranded) {
+    const bool is_it = one.role == stranded.role && (stranded.noun == nullptr || noun.name == stranded.noun);
+    if (!is_it || graph.child(one.to, "particle") >= 0) continue;
+    attribute_add(graph.word(one.to), "@s_that");
+    graph.arc(led).role = "adverbial-relative";
+    graph.arc(led).inverse = false;
+    if (stranded.preposition != nullptr) graph.add(one.to, graph.add_concept(stranded.preposition), "particle");
+    return;
+  }
+}
+
+}  // namespace
+
 // Clauses of circumstance differ in nothing but their conjunction, and so do relative clauses of a place, a time and the
 // like: one role for each kind, so that rules say their forms once. A condition and a clause of time stand in front,
 // @ahead; what has a condition is still to come, @conditional.
@@ -47,6 +77,7 @@ void step_conjunctions(Meaning& meaning) {
       {"manner", true, "@s_how", kRelative},
   };
   Rewriter graph(meaning, "conjunctions");
+  for (int led = 0, end = static_cast<int>(meaning.arcs.size()); led < end; ++led) relative_apply(graph, led);
   for (Arc& one : meaning.arcs) {
     if (one.gone) continue;
     if (one.role == "condition" && !one.inverse) attribute_add(graph.word(one.from), "@conditional");
