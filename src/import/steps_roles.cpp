@@ -131,6 +131,7 @@ void step_merging(Meaning& meaning) {
       {"role", false, kCircumstance, "@p_as"},
       {"example", false, "likeness", nullptr},
       {"superlative-of", false, "superset", nullptr},
+      {"instrument", true, "ARG3", nullptr},
       // "A spring of water", for which the graph says that the water comes from there.
       {"source", true, "location", nullptr},
       {"time", true, "location", nullptr},
