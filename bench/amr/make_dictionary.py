@@ -66,7 +66,7 @@ THAT_NOUNS = set("believe hope fear know claim state announce report conclude fe
                  "assure admit allege complain confirm declare discover doubt estimate expect explain find guarantee imply "
                  "indicate insist note observe predict prove propose realize recognize recommend remark remind reply reveal "
                  "say suggest suppose swear understand warn wish worry assert deny aware certain likely possible proof "
-                 "opine convince threaten imagine dream accuse rumor demand require request".split())
+                 "opine convince threaten imagine dream accuse rumor demand require request evidence allege idea notion theory".split())
 # Verbs behind which an infinitive has "how": she knows how to swim.
 HOW_VERBS = ("know",)
 # Behind these stands somebody and what he does, without "to": "she let him go".
@@ -620,7 +620,9 @@ def frames(path, writer, sources):
         for adjective in adjectives[:"POSTN" not in built]:
             if not verb and not of["N"] and adjective in sources.quality:
                 writer.noun(sources.quality[adjective], concept, ",NMZ,QUAL")
-            writer.adjective(adjective, concept, "" if verb else pattern)
+            # Of a frame that is a noun: surgery, surgical.
+            of_noun = ",OFN" * (not verb and lemma in of["N"] and lemma != adjective)
+            writer.adjective(adjective, concept, of_noun if verb else pattern + of_noun)
         for agent in agent_of(sources, verb)[:1] if verb else ():
             writer.noun(agent, concept, ",AGT")
 

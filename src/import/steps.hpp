@@ -20,6 +20,7 @@ inline constexpr const char* kRelativesStep = "relatives";
 std::span<const RewriteStep> rewrite_steps();
 
 // The steps by subject; see the table in steps.cpp for what each does.
+void step_synonyms(Meaning& meaning);
 void step_wiki(Meaning& meaning);
 void step_names(Meaning& meaning);
 void step_dates(Meaning& meaning);
@@ -29,6 +30,7 @@ void step_pronouns(Meaning& meaning);
 void step_reified(Meaning& meaning);
 void step_office(Meaning& meaning);
 void step_degree(Meaning& meaning);
+void step_turned(Meaning& meaning);
 void step_modality(Meaning& meaning);
 void step_polarity(Meaning& meaning);
 void step_persons(Meaning& meaning);

@@ -55,8 +55,11 @@ std::vector<int> first_arcs(Rewriter& graph) {
     std::stable_partition(below.begin(), below.end(), [&](int one) {
       return graph.arc(one).role == (has_agent ? subject : "domain") && !graph.arc(one).inverse;
     });
+    // An infinitive, which has no subject of its own, has nothing in front of it.
+    const bool is_infinitive = graph.child(at, "understood") >= 0 || (led >= 0 && graph.arc(led).role == "domain");
     std::stable_partition(below.begin(), below.end(), [&](int one) {
       const Arc& led_down = graph.arc(one);
+      if (is_infinitive) return false;
       const bool goes_in_front = led_down.role == "condition" || led_down.role == "time";
       return goes_in_front && !led_down.inverse && is_clause(graph, led_down.to);
     });
@@ -242,7 +245,7 @@ void coordinate(Rewriter& graph, int at, const Conjunction& conjunction) {
   // "Our songs and those of the town": where all parts are named again, and somebody else has them.
   const bool is_again = std::all_of(parts.begin(), parts.end(),
                                     [&](int led) { return has_attribute(graph.word(graph.arc(led).to), "@ref"); });
-  const int owner = is_again && parts.size() > 1 ? graph.child(at, "possessor") : -1;
+  const int owner = is_again && parts.size() > 1 ? graph.child(at, "poss") : -1;
   if (owner >= 0) {
     graph.arc(owner).role = "part-of";
     for (const int led : parts) graph.remove(led, Fate::word);
@@ -1288,7 +1291,8 @@ void step_tense(Meaning& meaning) {
     // Who asks you what happens means now: "what are you doing?"
     const bool is_question = has_attribute(clause, "@ask") || has_attribute(clause, "@int");
     constexpr std::array kStanding{"@can", "@must", "@should", "@may", "@maynot", "@likely", "@perf", "@habit", "@neg"};
-    const bool is_timed = graph.child(at, "frequency") >= 0 || graph.child(at, "time") >= 0 ||
+    const int when = graph.child(at, "time");
+    const bool is_timed = graph.child(at, "frequency") >= 0 || (when >= 0 && !graph.is(graph.arc(when).to, "now")) ||
                           std::any_of(kStanding.begin(), kStanding.end(),
                                       [&](const char* one) { return has_attribute(graph.word(at), one); });
     // What lasts has no progressive: "do you see it?"
@@ -1654,11 +1658,18 @@ void subject_once_apply(Rewriter& graph, int at) {
 // Named by the governing clause, or for a purpose by the one above: "she has no time to sing".
 // `first` has for each clause the arc that leads down to it; three steps up are enough for "she has no time to learn to
 // sing". `above` leads to the clause, `person` is its subject.
-bool is_named_above(Rewriter& graph, const std::vector<int>& first, int above, int person) {
-  const bool is_purpose = graph.arc(above).role == "purpose";
+bool is_named_above(Rewriter& graph, const std::vector<int>& first, int above, int person, bool is_agent) {
+  const std::string& held = graph.arc(above).role;
+  const bool is_purpose = held == "purpose" || held == "source" || held == "topic" || held == "medium";
   int led_here = above;
-  for (int steps = is_purpose ? 3 : 1; steps > 0 && led_here >= 0; --steps) {
+  // "Time to grow", but "a revolution to rip it out": what is done to him is no matter of whoever stands far above.
+  const bool is_far = is_purpose && (is_agent || !is_clause(graph, graph.arc(above).from));
+  for (int steps = is_far ? 3 : 1; steps > 0 && led_here >= 0; --steps) {
     const int governor = graph.arc(led_here).from;
+    // "My plan is to leave".
+    const int plan = graph.is(governor, "identity", "91") ? graph.child(governor, "ARG1") : -1;
+    const int owner = plan < 0 ? -1 : graph.child(graph.arc(plan).to, "poss");
+    if (owner >= 0 && graph.arc(owner).to == person) return true;
     for (const int led : graph.children(governor)) {
       if (led != led_here && !graph.arc(led).inverse && graph.arc(led).to == person) return true;
     }
@@ -1680,7 +1691,12 @@ bool is_modal(const Concept& clause) {
 // the clause above names the same person. `first` has for each concept the arc by which the reader meets it first: a
 // subject that is met here first has not been named.
 void understand_subject(Rewriter& graph, const std::vector<int>& first, int at) {
-  const int above = first[static_cast<std::size_t>(at)];
+  int above = first[static_cast<std::size_t>(at)];
+  // "She attended to the road and to keeping it dry": what is joined to a thing stands where the thing stands.
+  for (int steps = graph.count(); above >= 0 && graph.arc(above).role == "conjunct" && steps > 0; --steps) {
+    if (is_clause(graph, graph.arc(above).from)) return;
+    above = first[static_cast<std::size_t>(graph.arc(above).from)];
+  }
   if (above < 0 || graph.arc(above).inverse || !is_clause(graph, at)) return;
   const std::string& role = graph.arc(above).role;
   // "She knows whether she may stay" is no infinitive.
@@ -1691,14 +1707,15 @@ void understand_subject(Rewriter& graph, const std::vector<int>& first, int at) 
   constexpr std::array kTelling{"say", "state", "explain", "report", "note", "mention", "announce", "think", "believe"};
   if (role == "ARG1" && is_one_of(graph, graph.arc(above).from, kTelling)) return;
   // A clause in another role keeps its subject: "she left because she was tired".
-  const bool may_be_infinite = role.starts_with("ARG") || role == "purpose" || role == "manner" || role == "mod" ||
+  constexpr std::array kGerunds{"source", "topic", "medium", "instrument", "manner"};
+  const bool may_be_infinite = role.starts_with("ARG") || role == "purpose" || is_listed(role, kGerunds) || role == "mod" ||
                                role == "attendant" || role == "substitute" || role == "exception" ||
                                (role == "consequence" && is_limit(graph.word(graph.arc(above).from)));
   const int subject = subject_arc(graph, at);
   if (!may_be_infinite || subject < 0 || has_attribute(graph.word(at), "@whose")) return;
   const int person = graph.arc(subject).to;
   if (first[static_cast<std::size_t>(person)] == subject) return;
-  if (!is_named_above(graph, first, above, person)) return;
+  if (!is_named_above(graph, first, above, person, graph.arc(subject).role == "ARG0")) return;
   // With these only a subject that is no agent is said again, and not if it is who listens: "he told them that he was
   // tired", but "he told them to wait".
   constexpr std::array kThatVerbs{"tell", "answer", "reply",      "declare", "know", "feel", "realize", "see",
@@ -1736,6 +1753,71 @@ void understand_subject(Rewriter& graph, const std::vector<int>& first, int at) 
   }
 }
 
+// What the verb above has named is not said again with the noun of an event: "he was exposed to abuse".
+void said_above(Rewriter& graph, int at, int governor) {
+  for (const int led : graph.children(at)) {
+    const Arc& one = graph.arc(led);
+    const bool is_argument = !one.inverse && (one.role == "ARG0" || one.role == "ARG1" || one.role == "understood");
+    const std::vector<int> said = graph.children(governor);
+    const bool is_said = std::any_of(said.begin(), said.end(), [&](int other) {
+      return graph.arc(other).to == one.to && !graph.arc(other).inverse;
+    });
+    if (is_argument && (is_said || one.role == "understood")) graph.remove(led, Fate::attribute);
+  }
+}
+
+// An event that stands where English has a noun and no clause.
+void noun_of_event(Rewriter& graph, int at) {
+  const int above = graph.parent(at);
+  if (above < 0 || !is_core(graph.arc(above)) || !is_event(graph, at) || graph.arc(above).role == "ARG0") return;
+  const int governor = graph.arc(above).from;
+  const std::string& role = graph.arc(above).role;
+  if (graph.word(governor).sense.empty()) return;
+  // "To" as a preposition: exposed to ridicule.
+  constexpr std::array kToThings{"subject", "expose",  "devote", "dedicate", "limit",  "attribute", "reduce",
+                                 "confine", "restrict", "resort", "react",    "accustom", "addict",  "attach"};
+  if (role == "ARG2" && is_one_of(graph, governor, kToThings)) {
+    attribute_add(graph.word(at), "@nom");
+    int part = at;
+    for (int steps = graph.count(); steps > 0; --steps) {
+      said_above(graph, part, governor);
+      const int next = graph.child(part, "conjunct");
+      if (next < 0) break;
+      part = graph.arc(next).to;
+    }
+    return;
+  }
+  // "Hunger motivated the attack": nobody was moved to do it.
+  const bool has_agent = subject_arc(graph, at) >= 0 || graph.child(at, "understood") >= 0;
+  const bool is_moved = graph.argument(governor, "ARG1") >= 0 || graph.child(governor, "understood") >= 0 ||
+                        graph.child(governor, "shared") >= 0;
+  if (role == "ARG2" && !has_agent && !is_moved && graph.child(at, "ARG1") < 0) attribute_add(graph.word(at), "@nom");
+  // "They have hope that he lives": nobody in particular hopes.
+  constexpr std::array kContents{"hope",   "believe",   "claim",  "evidence", "prove",  "fear",   "suspect", "doubt",
+                                 "agree",  "guarantee", "report", "assume",   "expect", "allege", "suggest", "threaten",
+                                 "warn",   "promise",   "wish",   "conclude", "argue",  "assure", "indicate", "realize"};
+  constexpr std::array kTelling{"say", "think", "know", "believe", "tell", "mean", "feel", "report", "note", "add"};
+  const int content = graph.child(at, "ARG1");
+  const bool is_held = content >= 0 && is_one_of(graph, at, kContents) && !is_one_of(graph, governor, kTelling);
+  if (!is_held || graph.child(at, "ARG0") >= 0 || graph.child(at, "understood") >= 0) return;
+  if (is_clause(graph, graph.arc(content).to) && !has_attribute(graph.word(at), "@neg"))
+    attribute_add(graph.word(at), "@nom");
+}
+
+// "Pronounced dead": who dies is whom it is said of.
+void dead_apply(Rewriter& graph, int at) {
+  constexpr std::array kDeclaring{"pronounce", "declare", "certify", "presume"};
+  const int led = is_one_of(graph, at, kDeclaring) ? graph.child(at, "ARG2") : -1;
+  const int death = led >= 0 && graph.is(graph.arc(led).to, "die", "01") ? graph.arc(led).to : -1;
+  const int who = death < 0 ? -1 : graph.child(death, "ARG1");
+  const int said = graph.child(at, "ARG1");
+  if (who < 0 || said < 0 || graph.arc(who).to != graph.arc(said).to || graph.children(death).size() != 1) return;
+  graph.remove(who, Fate::attribute);
+  graph.word(death).name = "dead";
+  graph.word(death).sense.clear();
+  graph.word(death).attributes.assign(1, "@res");
+}
+
 }  // namespace
 
 // (w / want-01 :ARG0 b :ARG1 (g / go-02 :ARG0 b)): the b of go-02 becomes :understood, and rules make an infinitive of it.
@@ -1747,7 +1829,9 @@ void step_control(Meaning& meaning) {
   }
   for (int at = 0; at < graph.count(); ++at) subject_once_apply(graph, at);
   const std::vector<int> first = first_arcs(graph);
+  for (int at = 0; at < graph.count(); ++at) dead_apply(graph, at);
   for (int at = 0, end = graph.count(); at < end; ++at) understand_subject(graph, first, at);
+  for (int at = 0; at < graph.count(); ++at) noun_of_event(graph, at);
 }
 
 // A concept is one word. Where the graph leads to it a second time, a word of its own with @ref stands for it, and rules

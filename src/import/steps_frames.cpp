@@ -82,7 +82,7 @@ bool is_statement(const Reified& one) {
   return role == "mod" || role == "age" || role == "color" || role == "size" || role == "destination" ||
          role == "part" || role == "superset" || role == "exception" || role == "apposition" || role == "example" ||
          role == "source" || role == "time" || role == "topic" || role == "accompanier" || role == "ord" ||
-         role == "purpose" || role == "substitute" || role == "likeness";
+         role == "purpose" || role == "substitute" || role == "likeness" || role == "consist-of";
 }
 
 // Null for a frame that stands for no role.
@@ -155,7 +155,14 @@ void reified_apply(Rewriter& graph, int at, const Reified& one) {
                              caused.attributes.size() == 1 && !caused.name.starts_with("have-");
   if (graph.is(at, "cause", "01") && !head_above && !dependent_above && (is_thing || is_bare_event)) return;
   if (!head_above && !dependent_above && std::string_view(one.role) == "identity") {
+    // "The trouble is that he lies" needs the verb.
+    const bool is_told = !graph.word(dependent).sense.empty() && graph.word(head).sense.empty();
+    if (is_told && (graph.child(dependent, "ARG0") >= 0 || graph.child(dependent, "ARG1") >= 0))
+      return graph.child(head, "poss") < 0 ? attribute_add(graph.word(head), "@def") : void();
     // "Kim is the mayor".
+    for (const std::string& attribute : graph.word(at).attributes) {
+      if (attribute != "@v") attribute_add(graph.word(dependent), attribute);
+    }
     graph.settle_concept(at, Fate::relation);
     graph.replace(up, dependent, head, "domain");
     graph.remove(down, Fate::relation);
@@ -288,6 +295,16 @@ void stand_behind(Rewriter& graph, int led, int named, int title) {
   if (is_subject && is_last) attribute_add(graph.word(title), "@closed");
 }
 
+// True for what no noun may have in front of it: several words, or what comes behind its own noun.
+bool has_words_behind(Rewriter& graph, int at) {
+  constexpr std::array kBehind{"mod", "part-of", "org", "poss", "location", "source", "topic"};
+  const std::vector<int> below = graph.children(at);
+  return std::any_of(below.begin(), below.end(), [&](int led) {
+    const Arc& one = graph.arc(led);
+    return one.inverse ? !graph.children(one.to).empty() : is_listed(one.role, kBehind);
+  });
+}
+
 bool is_party(const Concept& group) {
   return has_attribute(group, "@political-party") || has_attribute(group, "@political-organization");
 }
@@ -346,7 +363,8 @@ void call_by_office(Rewriter& graph, int at, const Office& office, int holds, in
   const bool has_whole = whole >= 0 && graph.arc(whole).from == at;
   const bool is_behind =
       has_attribute(graph.word(holder), "@name") && has_whole && !is_personal_pronoun(graph, graph.arc(whole).to);
-  if (has_whole) graph.replace(whole, is_named ? title : holder, graph.arc(whole).to, office.role);
+  const bool is_of_title = has_attribute(graph.word(holder), "@name");
+  if (has_whole) graph.replace(whole, is_of_title ? title : holder, graph.arc(whole).to, office.role);
   if (is_behind) {
     // "Kim, the mayor of Oslo, ..."
     stand_behind(graph, titled, holder, title);
@@ -580,6 +598,21 @@ void counted_apply(Rewriter& graph, int quality, int bearer) {
   if (is_counted) attribute_add(graph.word(bearer), "@pl");
 }
 
+// "There are too many rules": how many of it there are is the statement.
+void amount_stated(Rewriter& graph, int at, int quality_led, int bearer_led) {
+  const int quality = graph.other(quality_led, at);
+  const int bearer = graph.other(bearer_led, at);
+  const int being = graph.add_concept("exist");
+  graph.word(being).sense = "91";
+  graph.word(being).attributes = {"@v", has_attribute(graph.word(bearer), "@pl") ? "@theres" : "@there"};
+  if (std::erase(graph.word(quality).attributes, "@neg") > 0) attribute_add(graph.word(being), "@neg");
+  graph.redirect(at, being);
+  graph.replace(bearer_led, being, bearer, "ARG1");
+  graph.replace(quality_led, bearer, quality, "quant");
+  if (const int led = graph.child(quality, "consequence"); led >= 0) graph.arc(led).from = being;
+  graph.move_children(at, being);
+}
+
 // The frame goes, and one arc between the quality and its bearer is left. Five cases in this order, x the bearer: x stands
 // above and the quality has a role of its own for it (x :ARG1-of important-01); the quality stands above, or it or the verb
 // above names x already, so that nothing but the frame's own arcs goes; x stands above, x :mod tall; x is an event, which
@@ -639,6 +672,9 @@ void tie_to_bearer(Rewriter& graph, int at, bool is_quantity, int quality_led, i
     graph.replace(quality_led, bearer, quality, "manner");
     graph.redirect(at, bearer);
     return graph.move_children(at, bearer);
+  } else if (is_quantity && graph.word(bearer).sense.empty() && !is_personal_pronoun(graph, bearer) &&
+             !has_attribute(graph.word(bearer), "@name")) {
+    return amount_stated(graph, at, quality_led, bearer_led);
   } else {
     graph.replace(bearer_led, quality, bearer, "domain");
     graph.remove(quality_led, Fate::relation);
@@ -839,24 +875,6 @@ void times_apply(Rewriter& graph, int at) {
   attribute_add(graph.word(times), "@pl");
 }
 
-// "If it rains, we stay": what follows is the statement, also where the condition stands above it.
-// (r / rain-01 :condition-of (s / stay-01 :ARG0 we)).
-void condition_apply(Rewriter& graph, int led) {
-  const Arc one = graph.arc(led);
-  if (one.gone || !one.inverse || one.role != "condition" || graph.mentions(one.to) > 1) return;
-  if (graph.word(one.to).sense.empty() && graph.child(one.to, "domain") < 0) return;
-  const int above = graph.parent(one.from);
-  const bool is_stated = above < 0 || (!graph.arc(above).inverse && (graph.arc(above).role.starts_with("op") ||
-                                                                     graph.arc(above).role.starts_with("ARG")));
-  if (!is_stated || graph.mentions(one.from) > (above < 0 ? 0 : 1)) return;
-  for (const char* mood : {"@int", "@imp", "@exp"}) {
-    if (std::erase(graph.word(one.from).attributes, mood) > 0) attribute_add(graph.word(one.to), mood);
-  }
-  if (above >= 0) graph.arc(above).to = one.to;
-  if (above < 0) graph.meaning().root = one.to;
-  graph.replace(led, one.to, one.from, "condition");
-}
-
 // (d / depart-01 :condition-of (t / thing)): what it is a condition of stands in another sentence: "if you depart".
 // @as_condition, @as_cause, @as_concession: the conjunction stands in front of the clause, and nothing follows.
 void outer_apply(Rewriter& graph, int at) {
@@ -1014,7 +1032,9 @@ void sets_apply(Rewriter& graph) {
     same_deed_apply(graph, at, graph.arc(whole).to);
     if (const int led = graph.child(at, "ARG3"); led >= 0) graph.arc(led).role = "quant";
     const int quantity = graph.child(at, "quant");
-    if (quantity >= 0 && (graph.is(at, "thing") || graph.is(at, "person"))) graph.stand_in(at, quantity, Fate::word);
+    if (quantity < 0 || !(graph.is(at, "thing") || graph.is(at, "person"))) continue;
+    if (!graph.is(graph.arc(quantity).to, "1")) attribute_add(graph.word(graph.arc(quantity).to), "@pl");
+    graph.stand_in(at, quantity, Fate::word);
   }
   // "It is among the new books": what something is among is several.
   for (int at = 0; at < graph.count(); ++at) {
@@ -1030,6 +1050,8 @@ void sets_apply(Rewriter& graph) {
     const bool is_noun = whole.sense.empty() && !whole.variable.empty() && !has_attribute(whole, "@name");
     if (!is_whole || !is_noun) continue;
     plural_apply(graph.word(one.to));
+    if (graph.child(one.to, "mod") < 0 && graph.child(one.to, "quant") < 0)
+      attribute_add(graph.word(one.to), "@def");
     // "One of the stars" names the stars once.
     const int number = graph.child(one.from, "quant");
     const bool is_one = number < 0 ? !has_attribute(graph.word(one.from), "@pl") : graph.is(graph.arc(number).to, "1");
@@ -1073,7 +1095,6 @@ void step_reified(Meaning& meaning) {
   for (Arc& one : meaning.arcs) {
     if (!one.gone) role_apply(graph, one);
   }
-  for (int led = 0; led < static_cast<int>(meaning.arcs.size()); ++led) condition_apply(graph, led);
   // (w / wife :part (e / ear)), where the ear is spoken of elsewhere: her ear.
   for (int led = 0; led < static_cast<int>(meaning.arcs.size()); ++led) {
     const Arc one = graph.arc(led);
@@ -1110,13 +1131,16 @@ void step_office(Meaning& meaning) {
   }
   // A noun of several words beside a name: "Aurora, the old fishing boat".
   for (int at = 0; at < graph.count(); ++at) {
-    const int led = has_attribute(graph.word(at), "@name") ? graph.child(at, "mod") : -1;
-    const int noun = led < 0 ? -1 : graph.arc(led).to;
-    if (noun < 0 || graph.children(noun).empty() || graph.mentions(noun) > 1) continue;
-    const Concept& word = graph.word(noun);
-    const bool is_noun = word.sense.empty() && !word.variable.empty() && !has_attribute(word, "@name") &&
-                         graph.child(noun, "degree") < 0 && graph.child(noun, "mod") >= 0;
-    if (is_noun) stand_behind(graph, led, at, noun);
+    if (!has_attribute(graph.word(at), "@name")) continue;
+    for (const int led : graph.children(at)) {
+      const int noun = graph.arc(led).to;
+      const bool is_mod = graph.arc(led).role == "mod" && !graph.arc(led).inverse;
+      if (!is_mod || graph.children(noun).empty() || graph.mentions(noun) > 1) continue;
+      const Concept& word = graph.word(noun);
+      const bool is_noun = word.sense.empty() && !word.variable.empty() && !has_attribute(word, "@name") &&
+                           graph.child(noun, "degree") < 0 && has_words_behind(graph, noun);
+      if (is_noun) stand_behind(graph, led, at, noun);
+    }
   }
   for (int at = 0; at < graph.count(); ++at) {
     for (const Office& office : kOffices) {

@@ -47,18 +47,24 @@ void located_apply(Rewriter& graph, int at) {
   const int place = graph.child(at, "location");
   constexpr std::array kNew{"nothing", "nobody", "something", "somebody", "someone", "no-one", "noone"};
   const bool is_new = is_one_of(graph, at, kNew);
-  if (place < 0 || !(is_new || is_pronoun(graph, at)) || graph.child(at, "domain") >= 0) return;
+  if (place < 0 || graph.child(at, "domain") >= 0) return;
   const int above = graph.parent(at);
   constexpr std::array kStating{"say", "tell", "answer", "reply", "think", "know", "see"};
   const bool is_said = above >= 0 && graph.mentions(at) == 1 && !graph.arc(above).inverse &&
                        graph.arc(above).role == "ARG1" && is_one_of(graph, graph.arc(above).from, kStating);
   const bool is_joined = above >= 0 && !graph.arc(above).inverse && graph.arc(above).role != "mod" &&
                          is_joining(graph, graph.arc(above).from) && graph.parent(graph.arc(above).from) < 0;
+  // "She said that the school is in the mill": no place is said.
+  constexpr std::array kWords{"word", "thing", "name", "story", "truth", "speech", "this", "that"};
+  const bool is_noun = is_said && graph.word(at).sense.empty() && !graph.word(at).variable.empty() &&
+                       (graph.is(graph.arc(above).from, "say", "01") || graph.is(graph.arc(above).from, "think", "01")) &&
+                       !is_one_of(graph, at, kWords) && !is_joining(graph, at);
+  if (!is_new && !is_noun && !is_pronoun(graph, at)) return;
   if (at != graph.meaning().root && !is_said && !is_joined) return;
   const int being = add_being(graph);
   graph.redirect(at, being);
-  graph.move_children(at, being);
-  graph.arc(place).role = "ARG2";
+  if (!is_noun) graph.move_children(at, being);
+  graph.replace(place, being, graph.arc(place).to, "ARG2");
   graph.add(being, at, "ARG1");
   if (is_new) attribute_add(graph.word(being), "@there");
   for (const char* mood : {"@neg", "@int", "@past", "@pres", "@fut", "@quote"}) {

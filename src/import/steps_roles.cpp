@@ -1,11 +1,28 @@
-// Steps that only rename roles, when all else is settled: what English says alike has one label, so that rules say its
-// forms once.
+// Steps that only rename roles: in front of all others what the banks call differently, and when all else is settled what
+// English says alike, so that rules say its forms once.
 #include <string_view>
+#include <utility>
 
 #include "import/rewriter.hpp"
 #include "import/steps.hpp"
 
 namespace lexon {
+
+// Every later step then asks for one name. Roles of one bank alone, :affectee, stay what they are.
+void step_synonyms(Meaning& meaning) {
+  constexpr std::pair<const char*, const char*> kSynonyms[] = {
+      {"temporal", "time"},     {"place", "location"},     {"possessor", "poss"},
+      {"reason", "cause"},      {"material", "consist-of"}, {"companion", "accompanier"},
+  };
+  for (Arc& one : meaning.arcs) {
+    for (const auto& [name, kept] : kSynonyms) {
+      if (one.role == name) {
+        one.role = kept;
+        break;
+      }
+    }
+  }
+}
 
 namespace {
 
@@ -53,28 +70,23 @@ void step_conjunctions(Meaning& meaning) {
       {"concession", false, "@s_although", kClause},
       {"concession", true, "@s_although", kClause},
       {"cause", false, "@s_because", kClause},
-      {"reason", false, "@s_because", kClause},
       {"cause", true, "@s_so", kClause},
       {"cause", true, "@s_why", kRelative},
-      {"reason", true, "@s_so", kClause},
       {"condition", false, "@s_if", kClause},
       {"condition", true, "@s_so", kClause},
       {"concessive-conditional", false, "@s_evenif", kClause},
       {"conj-as-if", false, "@s_asif", kClause},
       {"time", false, "@s_when", kClause},
-      {"temporal", false, "@s_when", kClause},
       {"purpose", false, "@s_sothat", kClause},
       {"consequence", false, "@s_that", kClause},
       {"result", false, "@s_that", kClause},
       {"location", false, "@s_where", kClause},
-      {"place", false, "@s_where", kClause},
       {"time", true, "@s_when", kRelative},
-      {"temporal", true, "@s_when", kRelative},
       {"purpose", true, "@s_that", kRelative},
       {"source", true, "@s_where", kRelative},
       {"location", true, "@s_where", kRelative},
-      {"place", true, "@s_where", kRelative},
       {"manner", true, "@s_how", kRelative},
+      {"likeness", false, "@s_as", kClause},
   };
   Rewriter graph(meaning, "conjunctions");
   for (int led = 0, end = static_cast<int>(meaning.arcs.size()); led < end; ++led) relative_apply(graph, led);
@@ -88,9 +100,12 @@ void step_conjunctions(Meaning& meaning) {
       const bool is_why = std::string_view(circumstance.conjunction) == "@s_why";
       if (one.inverse && one.role == "cause" && is_why != graph.is(one.from, "reason")) continue;
       // "Where it is a mystery": what something is, is no place.
-      const bool is_place = !one.inverse && (one.role == "location" || one.role == "place");
+      const bool is_place = !one.inverse && one.role == "location";
       if (is_place && !has_attribute(graph.word(one.to), "@v")) break;
-      const bool is_ahead = !one.inverse && (one.role == "condition" || one.role == "time" || one.role == "temporal");
+      // "It held as the smith had promised", but "like the fall of a tree", of which nothing more is told.
+      const bool is_told = graph.child(one.to, "ARG0") >= 0 && graph.child(one.to, "ARG1") >= 0;
+      if (one.role == "likeness" && !is_told && !has_attribute(graph.word(one.to), "@neg")) break;
+      const bool is_ahead = !one.inverse && (one.role == "condition" || one.role == "time");
       if (is_ahead) attribute_add(graph.word(one.to), "@ahead");
       // "How he sings", and not the thing how he sings.
       if (one.role == "manner") attribute_add(graph.word(one.from), "@how");
@@ -121,7 +136,6 @@ void step_merging(Meaning& meaning) {
       {"direction", false, kCircumstance, "@p_toward"},
       {"path", false, kCircumstance, "@p_along"},
       {"instrument", false, kCircumstance, "@p_with"},
-      {"companion", false, kCircumstance, "@p_with"},
       {"accompanier", false, kCircumstance, "@p_with"},
       {"medium", false, kCircumstance, "@p_in"},
       {"beneficiary", false, kCircumstance, "@p_for"},
@@ -135,7 +149,6 @@ void step_merging(Meaning& meaning) {
       // "A spring of water", for which the graph says that the water comes from there.
       {"source", true, "location", nullptr},
       {"time", true, "location", nullptr},
-      {"temporal", true, "location", nullptr},
   };
   Rewriter graph(meaning, "merging");
   for (Arc& one : meaning.arcs) {

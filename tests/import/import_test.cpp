@@ -176,7 +176,7 @@ const StepRow kSteps[] = {
     {"there", "forms", "(b / be-located-at-91 :ARG1 (c / cup :quant 1))", "a1(be-located-at(>91).@entry.@v.@cl.@there, cup); qty(cup, 1)"},
     {"wanted_deed", "persons", "(h / house :ARG1-of (b / build-01 :ARG0 (s / she) :ARG1-of (w / want-01 :ARG0 s)))",
      "a1(want(>01).@v, house.@entry); a0(build(>01).@v, she); a1(want(>01), build(>01)); a0(want(>01), she)"},
-    {"condition_above", "reified", "(r / rain-01 :mode interrogative :condition-of (s / stay-01 :ARG0 (w / we)))",
+    {"condition_above", "turned", "(r / rain-01 :mode interrogative :condition-of (s / stay-01 :ARG0 (w / we)))",
      "cnd(stay(>01).@entry.@v.@int, rain(>01).@v); a0(stay(>01), we)"},
     {"role_denied", "reified", "(l / letter :ARG1-of (h / have-source-91 :ARG2 (k / king) :polarity -))", "sou(letter.@entry, king.@notp)"},
     {"place_of_the_past", "tense", "(s / sing-01 :ARG0 (b / boy) :time (b2 / be-located-at-91 :ARG1 (i / i) :ARG2 (h / here)))",
