@@ -1708,8 +1708,8 @@ void understand_subject(Rewriter& graph, const std::vector<int>& first, int at) 
   if (role == "ARG1" && is_one_of(graph, graph.arc(above).from, kTelling)) return;
   // A clause in another role keeps its subject: "she left because she was tired".
   constexpr std::array kGerunds{"source", "topic", "medium", "instrument", "manner"};
-  const bool may_be_infinite = role.starts_with("ARG") || role == "purpose" || is_listed(role, kGerunds) || role == "mod" ||
-                               role == "attendant" || role == "substitute" || role == "exception" ||
+  const bool may_be_infinite = role.starts_with("ARG") || role == "purpose" || is_listed(role, kGerunds) ||
+                               role == "mod" || role == "attendant" || role == "substitute" || role == "exception" ||
                                (role == "consequence" && is_limit(graph.word(graph.arc(above).from)));
   const int subject = subject_arc(graph, at);
   if (!may_be_infinite || subject < 0 || has_attribute(graph.word(at), "@whose")) return;
@@ -1774,8 +1774,8 @@ void noun_of_event(Rewriter& graph, int at) {
   const std::string& role = graph.arc(above).role;
   if (graph.word(governor).sense.empty()) return;
   // "To" as a preposition: exposed to ridicule.
-  constexpr std::array kToThings{"subject", "expose",  "devote", "dedicate", "limit",  "attribute", "reduce",
-                                 "confine", "restrict", "resort", "react",    "accustom", "addict",  "attach"};
+  constexpr std::array kToThings{"subject", "expose",   "devote", "dedicate", "limit",    "attribute", "reduce",
+                                 "confine", "restrict", "resort", "react",    "accustom", "addict",    "attach"};
   if (role == "ARG2" && is_one_of(graph, governor, kToThings)) {
     attribute_add(graph.word(at), "@nom");
     int part = at;
@@ -1793,9 +1793,9 @@ void noun_of_event(Rewriter& graph, int at) {
                         graph.child(governor, "shared") >= 0;
   if (role == "ARG2" && !has_agent && !is_moved && graph.child(at, "ARG1") < 0) attribute_add(graph.word(at), "@nom");
   // "They have hope that he lives": nobody in particular hopes.
-  constexpr std::array kContents{"hope",   "believe",   "claim",  "evidence", "prove",  "fear",   "suspect", "doubt",
-                                 "agree",  "guarantee", "report", "assume",   "expect", "allege", "suggest", "threaten",
-                                 "warn",   "promise",   "wish",   "conclude", "argue",  "assure", "indicate", "realize"};
+  constexpr std::array kContents{"hope",  "believe",   "claim",  "evidence", "prove",  "fear",   "suspect",  "doubt",
+                                 "agree", "guarantee", "report", "assume",   "expect", "allege", "suggest",  "threaten",
+                                 "warn",  "promise",   "wish",   "conclude", "argue",  "assure", "indicate", "realize"};
   constexpr std::array kTelling{"say", "think", "know", "believe", "tell", "mean", "feel", "report", "note", "add"};
   const int content = graph.child(at, "ARG1");
   const bool is_held = content >= 0 && is_one_of(graph, at, kContents) && !is_one_of(graph, governor, kTelling);

@@ -602,6 +602,8 @@ void counted_apply(Rewriter& graph, int quality, int bearer) {
 void amount_stated(Rewriter& graph, int at, int quality_led, int bearer_led) {
   const int quality = graph.other(quality_led, at);
   const int bearer = graph.other(bearer_led, at);
+  const std::string& amount = graph.word(quality).name;
+  if (amount.find_first_of("0123456789") == 0 && amount != "1") attribute_add(graph.word(bearer), "@pl");
   const int being = graph.add_concept("exist");
   graph.word(being).sense = "91";
   graph.word(being).attributes = {"@v", has_attribute(graph.word(bearer), "@pl") ? "@theres" : "@there"};
@@ -1050,8 +1052,7 @@ void sets_apply(Rewriter& graph) {
     const bool is_noun = whole.sense.empty() && !whole.variable.empty() && !has_attribute(whole, "@name");
     if (!is_whole || !is_noun) continue;
     plural_apply(graph.word(one.to));
-    if (graph.child(one.to, "mod") < 0 && graph.child(one.to, "quant") < 0)
-      attribute_add(graph.word(one.to), "@def");
+    if (graph.child(one.to, "mod") < 0 && graph.child(one.to, "quant") < 0) attribute_add(graph.word(one.to), "@def");
     // "One of the stars" names the stars once.
     const int number = graph.child(one.from, "quant");
     const bool is_one = number < 0 ? !has_attribute(graph.word(one.from), "@pl") : graph.is(graph.arc(number).to, "1");

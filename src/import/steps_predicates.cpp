@@ -56,9 +56,10 @@ void located_apply(Rewriter& graph, int at) {
                          is_joining(graph, graph.arc(above).from) && graph.parent(graph.arc(above).from) < 0;
   // "She said that the school is in the mill": no place is said.
   constexpr std::array kWords{"word", "thing", "name", "story", "truth", "speech", "this", "that"};
-  const bool is_noun = is_said && graph.word(at).sense.empty() && !graph.word(at).variable.empty() &&
-                       (graph.is(graph.arc(above).from, "say", "01") || graph.is(graph.arc(above).from, "think", "01")) &&
-                       !is_one_of(graph, at, kWords) && !is_joining(graph, at);
+  const bool is_noun =
+      is_said && graph.word(at).sense.empty() && !graph.word(at).variable.empty() &&
+      (graph.is(graph.arc(above).from, "say", "01") || graph.is(graph.arc(above).from, "think", "01")) &&
+      !is_one_of(graph, at, kWords) && !is_joining(graph, at);
   if (!is_new && !is_noun && !is_pronoun(graph, at)) return;
   if (at != graph.meaning().root && !is_said && !is_joined) return;
   const int being = add_being(graph);
