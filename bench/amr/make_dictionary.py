@@ -87,7 +87,7 @@ NOUNS = {verb: noun for verb, noun in (one.split(":") for one in (
 # How English builds a sense, where the frame files have no example of it: "an answer with a smile", "split into halves".
 # POSTN is for a participle that stands behind its noun, "the money left".
 BUILT = {
-    "answer(>01)": "p2with", "attend(>02)": "p1to", "comment(>01)": "p3on",
+    "answer(>01)": "p2with", "capable(>01)": "p2of PG2", "attend(>02)": "p1to", "comment(>01)": "p3on",
     "ask(>02)": "p1for", "dress(>01)": "p2in", "come(>01)": "p3from p4to", "draw(>01)": "p2for", "excuse(>01)": "p2for GER2", "leave(>17)": "POSTN",
     "question(>01)": "p1about", "policy(>01)": "p2on", "remain(>01)": "GER3", "speak(>01)": "p1about p2to", "split(>01)": "p2into",
     "sit-down(>02)": "p2on", "do(>02)": "p2to", "go-back(>19)": "p2to",
