@@ -98,7 +98,8 @@ BUILT = {
 # Who does it, where the shortest word that is made of the verb is another.
 AGENTS = {"apply": "applicant", "assist": "assistant", "inhabit": "inhabitant", "reside": "resident", "study": "student",
           "immigrate": "immigrant", "participate": "participant", "compete": "competitor", "represent": "representative",
-          "counsel": "counselor", "act": "actor", "account": "accountant", "assail": "assailant", "defend": "defender"}
+          "counsel": "counselor", "act": "actor", "account": "accountant", "assail": "assailant", "defend": "defender",
+          "witness": "witness"}
 # Who does it has no noun, or one that means something else: nobody who waits is a waiter.
 NO_AGENTS = set("account attract captivate cart close come condition confide connect count date deify demonize despair draw dress "
                 "equal equate fail go hang have hear hit idolize incarnate know let log look major man marry mutate name open "
@@ -384,7 +385,7 @@ class Sources:
     def is_state(self, lemma, forms):
         """A state stands in the present, unless the examples tell of the verb in the past nearly always."""
         present, past = self.text.counts[forms["S"]], self.text.counts[forms["PAST"]]
-        return lemma in self.states and not (present + past >= 8 and present < 0.13 * (present + past))
+        return lemma in self.states and lemma not in ("end", "begin", "start", "stop", "cease", "finish") and not (present + past >= 8 and present < 0.13 * (present + past))
 
     def plural(self, noun, written):
         """An irregular plural if people write it, or if it is of a kind that has no other: knives, men, crises, cacti."""
@@ -450,6 +451,7 @@ class Writer:
         if lemma != lemma.lower() or more and lemma in self.sources.common:
             written = lemma
         kinds = {18: ",HUM", 28: ",TIM", 15: ",PLC"}.get(file, "") + (",MASS" if file in MASS_FILES else "")
+        kinds += ",FEM" * (file == 18 and lemma.endswith(("ess", "woman")) and not lemma.endswith("witness"))
         kinds += ",ABT" * (lemma in ABOUT_NOUNS)
         kinds += self.sources.text.noun_marks(lemma, self.sources.plural(lemma, written))
         self.entry(written, concept, f"N{kinds}{vowel(written)}{more}")

@@ -84,6 +84,10 @@ int mention_of(Rewriter& graph, int at) {
   const Concept model = graph.word(at);
   const int made = graph.add_concept(model.name);
   Concept& word = graph.word(made);
+  // Of a person that nothing names the pronoun is known.
+  const bool is_person = graph.is(at, "person") && !has_attribute(model, "@name") && !has_attribute(model, "@pl") &&
+                         !has_attribute(model, "@agent");
+  if (is_person) word.name = "he";
   word.sense = model.sense;
   word.is_text = model.is_text;
   for (const char* kept : {"@v", "@person", "@pl", "@name", "@p1", "@p2", "@p3", "@agent", "@measure"}) {
@@ -219,6 +223,11 @@ void plural_parts(Rewriter& graph, const std::vector<int>& parts) {
   }
 }
 
+// Arguments of a frame, in contrast to circumstances.
+bool is_core_role(const std::string& role) {
+  return role.starts_with("ARG");
+}
+
 // "She came and sang to please us": a phrase that is said of all clauses stands behind the last.
 // A word alone, "always", stays with the first, and so does a clause that goes in front.
 void late_circumstances(Rewriter& graph, int at, int head, int last) {
@@ -297,13 +306,19 @@ void coordinate(Rewriter& graph, int at, const Conjunction& conjunction) {
     if (!is_own && !is_other_mood) attribute_add(graph.word(head), attribute);
   }
   graph.redirect(at, head);
+  // "A cloth that is strong but light": the noun above is said once.
+  const int above = graph.parent(head);
+  if (above >= 0 && graph.arc(above).inverse && is_core_role(graph.arc(above).role)) {
+    for (const int led : graph.children(head)) {
+      const bool is_doubled = !graph.arc(led).inverse && graph.arc(led).to == graph.arc(above).from &&
+                              (graph.arc(led).role == "ARG0" || graph.arc(led).role == "ARG1");
+      if (!is_doubled) continue;
+      graph.arc(above).role = graph.arc(led).role;
+      graph.remove(led, Fate::relation);
+    }
+  }
   if (conjunction.attribute == std::string_view("@and")) late_circumstances(graph, at, head, last);
   graph.move_children(at, head);
-}
-
-// Arguments of a frame, in contrast to circumstances.
-bool is_core_role(const std::string& role) {
-  return role.starts_with("ARG");
 }
 
 bool is_core(const Arc& one) {
@@ -707,6 +722,11 @@ void step_polarity(Meaning& meaning) {
       graph.settle_concept(graph.arc(led).to, Fate::attribute);
       graph.remove(led, Fate::attribute);
       attribute_add(graph.word(at), "@int");
+    }
+    if (const int led = graph.child(at, "polarity"); led >= 0 && graph.is(graph.arc(led).to, "truth-value")) {
+      graph.settle_concept(graph.arc(led).to, Fate::attribute);
+      graph.remove(led, Fate::attribute);
+      attribute_add(graph.word(at), "@whether");
     }
     if (const int led = graph.child(at, "polarity", true); led >= 0 && graph.is(at, "truth-value")) {
       attribute_add(graph.word(graph.arc(led).to), "@whether");
@@ -1360,9 +1380,19 @@ bool nominal_apply(Rewriter& graph, int at) {
   constexpr std::array kDeterminers{"same", "this", "that", "such", "any", "some", "other", "every", "each", "another"};
   const int above = graph.parent(at);
   const bool is_told = has_attribute(graph.word(at), "@nom");
-  const bool is_inside = above >= 0 && (is_told || (is_core(graph.arc(above)) && graph.arc(above).role != "ARG0"));
+  constexpr std::array kReasons{"cause", "concession", "reason"};
+  const bool is_reason = above >= 0 && !graph.arc(above).inverse && is_listed(graph.arc(above).role, kReasons);
+  const bool is_inside =
+      above >= 0 && (is_told || is_reason || (is_core(graph.arc(above)) && graph.arc(above).role != "ARG0"));
   if (!is_inside || graph.word(at).sense.empty() || at == graph.meaning().root) return false;
+  // "Because of lower prices": a quality is that of a noun.
   bool is_noun = false;
+  for (const int led : graph.children(at)) {
+    const Arc& one = graph.arc(led);
+    const bool is_quality = one.inverse && one.role == "ARG1" && graph.child(one.to, "ARG0") < 0 &&
+                            !has_attribute(graph.word(one.to), "@neg") && graph.mentions(one.to) == 1;
+    is_noun |= is_reason && is_quality && (graph.child(at, "ARG0") < 0 || graph.is(one.to, "repeat", "01"));
+  }
   for (const int led : graph.children(at)) {
     const Arc& one = graph.arc(led);
     is_noun |= !one.inverse && one.role == "mod" && is_one_of(graph, one.to, kDeterminers);
@@ -1538,6 +1568,13 @@ void step_forms(Meaning& meaning) {
       attribute_add(graph.word(graph.arc(quality).from), "@def");
     const bool has_subject = subject_arc(graph, at) >= 0 || graph.child(at, "understood") >= 0 ||
                              graph.child(at, "shared") >= 0 || graph.child(at, "speaker") >= 0;
+    // "It rained in the south for days".
+    constexpr std::array kWeather{"rain", "snow", "hail", "drizzle", "thunder"};
+    const bool is_weather = at == meaning.root && is_event(graph, at) && is_one_of(graph, at, kWeather) &&
+                            !has_subject &&
+                            (graph.child(at, "duration") >= 0 || graph.child(at, "time") >= 0 ||
+                             graph.child(at, "temporal") >= 0 || has_attribute(word, "@activity"));
+    if (is_weather) attribute_add(word, "@cl");
     if (has_subject && !has_attribute(word, "@result") && !nominal_apply(graph, at)) attribute_add(word, "@cl");
     if (has_attribute(word, "@whether") || has_attribute(word, "@asked")) attribute_add(word, "@query");
     const bool is_auxiliary =

@@ -179,6 +179,10 @@ void reified_apply(Rewriter& graph, int at, const Reified& one) {
     if (attribute != "@v")
       attribute_add(graph.word(is_denied ? dependent : head), is_denied && is_noun ? "@notp" : attribute);
   }
+  // "Mainly because it rained".
+  constexpr std::array kFocus{"only", "just", "even", "also", "simple", "precise"};
+  const int share = std::string_view(one.role) == "cause" ? graph.child(at, "mod") : -1;
+  if (share >= 0 && !is_one_of(graph, graph.arc(share).to, kFocus)) graph.arc(share).role = "manner";
   const bool is_why = is_unknown(graph, dependent);
   if (dependent_above && !head_above && is_why && dependent == graph.meaning().root) {
     // What causes it is what is asked for: "why are we surprised?"
@@ -242,6 +246,25 @@ void reason_apply(Rewriter& graph, int at) {
   graph.settle_concept(thing, Fate::word);
   graph.remove(led, Fate::word);
   graph.redirect(thing, told);
+  graph.add(told, graph.add_concept("amr-unknown"), "cause");
+}
+
+// (k / know-01 :ARG1 (t / thing :cause-of (l / leave-11 :ARG0 s))): the same without a frame.
+void reason_role_apply(Rewriter& graph, int at) {
+  const int led =
+      graph.child(at, "cause", true) >= 0 ? graph.child(at, "cause", true) : graph.child(at, "reason", true);
+  const int asked = led < 0 ? -1 : graph.parent(at);
+  const bool is_asked = asked >= 0 && !graph.arc(asked).inverse && graph.arc(asked).role.starts_with("ARG") &&
+                        is_one_of(graph, graph.arc(asked).from, kReporting) && graph.mentions(at) == 1;
+  if (led < 0 || graph.children(at).size() != 1) return;
+  const int told = graph.arc(led).to;
+  if (graph.word(told).sense.empty() || graph.mentions(told) > 1) return;
+  graph.arc(led).role = "cause";
+  graph.word(at).name = "reason";
+  if (!is_asked) return;
+  graph.settle_concept(at, Fate::word);
+  graph.remove(led, Fate::word);
+  graph.redirect(at, told);
   graph.add(told, graph.add_concept("amr-unknown"), "cause");
 }
 
@@ -562,6 +585,12 @@ void degree_measured(Rewriter& graph, int at, int quality, int bearer_led) {
                               !has_attribute(graph.word(quality), "@equal");
     const int kept = is_with_noun ? graph.other(bearer_led, at) : quality;
     graph.replace(led, kept, graph.arc(led).to, label);
+    // "Such a cold day that we stayed": what follows stands behind the noun.
+    const int above = std::string_view(role) == "ARG6" ? graph.parent(quality) : -1;
+    const bool is_of_noun = above >= 0 && graph.arc(above).inverse && graph.arc(above).role == "ARG1" &&
+                            graph.word(graph.arc(above).from).sense.empty() && bearer_led >= 0 &&
+                            graph.other(bearer_led, at) == graph.arc(above).from;
+    if (is_of_noun) graph.arc(graph.child(quality, "consequence")).from = graph.arc(above).from;
     // "As many books as I".
     const bool is_amount = graph.is(quality, "many") || graph.is(quality, "much") || graph.is(quality, "few");
     const bool is_as_many = is_amount && bearer_led >= 0 && graph.arc(bearer_led).to == at &&
@@ -932,6 +961,20 @@ void phrase_apply(Rewriter& graph, int at) {
   // Whom nobody dares to do it dares to do it himself.
   const int daring = graph.is(at, "dare", "01") && graph.argument(at, "ARG0") < 0 ? graph.child(at, "ARG1") : -1;
   if (daring >= 0 && graph.child(at, "ARG2") >= 0) graph.arc(daring).role = "ARG0";
+  // "She preferred to wait instead of leaving".
+  const int instead = graph.is(at, "prefer", "01") ? graph.child(at, "ARG2") : -1;
+  if (instead >= 0 && !graph.word(graph.arc(instead).to).sense.empty()) graph.arc(instead).role = "substitute";
+  // "The tailor, a thin man": what somebody is, said beside him.
+  const int is_what = graph.word(at).sense.empty() ? graph.child(at, "domain", true) : -1;
+  if (is_what >= 0) {
+    const int noun = graph.arc(is_what).to;
+    const bool is_noun = graph.word(noun).sense.empty() && !graph.children(noun).empty() && graph.mentions(noun) == 1;
+    if (is_noun) {
+      graph.replace(is_what, at, noun, "apposition");
+      attribute_add(graph.word(noun), "@indef");
+      attribute_add(graph.word(noun), "@closed");
+    }
+  }
   // Nobody opines; people think.
   if (graph.is(at, "opine", "01")) graph.word(at).name = "think";
   // What is one of several, without them: "for example".
@@ -1074,6 +1117,7 @@ void step_reified(Meaning& meaning) {
   for (int at = 0, end = graph.count(); at < end; ++at) {
     if (graph.is(at, "have", "03")) having_apply(graph, at);
     if (graph.is(at, "cause", "01")) reason_apply(graph, at), cause_noun_apply(graph, at);
+    if (graph.is(at, "thing") || graph.is(at, "reason")) reason_role_apply(graph, at);
     if (graph.is(at, "regardless", "91")) regardless_apply(graph, at);
     if (graph.is(at, "resemble", "01")) likeness_apply(graph, at);
     phrase_apply(graph, at);
@@ -1160,8 +1204,9 @@ namespace {
 void such_apply(Rewriter& graph, int at) {
   const int led = graph.child(at, "degree");
   const int above = led >= 0 && graph.is(graph.arc(led).to, "such") ? graph.parent(at) : -1;
-  if (above < 0 || graph.arc(above).inverse || graph.arc(above).role != "mod") return;
-  graph.replace(led, graph.arc(above).from, graph.arc(led).to, "mod");
+  if (above < 0) return;
+  const bool is_inside = graph.arc(above).inverse ? graph.arc(above).role == "ARG1" : graph.arc(above).role == "mod";
+  if (is_inside) graph.replace(led, graph.arc(above).from, graph.arc(led).to, "mod");
 }
 
 // "The oldest house ever": behind the noun.
@@ -1198,10 +1243,10 @@ void step_degree(Meaning& meaning) {
     if (is_inside) graph.replace(degree, graph.arc(above).from, graph.arc(degree).to, "mod");
     if (graph.is(at, "have-degree", "91") || graph.is(at, "have-degree", "92")) degree_apply(graph, at, false);
     if (graph.is(at, "have-quant", "91")) degree_apply(graph, at, true);
-    such_apply(graph, at);
     ever_apply(graph, at);
     amount_apply(graph, at);
   }
+  for (int at = 0; at < graph.count(); ++at) such_apply(graph, at);
 }
 
 namespace {

@@ -99,6 +99,8 @@ void step_conjunctions(Meaning& meaning) {
       // "The reason why she left".
       const bool is_why = std::string_view(circumstance.conjunction) == "@s_why";
       if (one.inverse && one.role == "cause" && is_why != graph.is(one.from, "reason")) continue;
+      // "The way that she sings".
+      const bool is_way = one.inverse && one.role == "manner" && graph.is(one.from, "way");
       // "Where it is a mystery": what something is, is no place.
       const bool is_place = !one.inverse && one.role == "location";
       if (is_place && !has_attribute(graph.word(one.to), "@v")) break;
@@ -108,8 +110,8 @@ void step_conjunctions(Meaning& meaning) {
       const bool is_ahead = !one.inverse && (one.role == "condition" || one.role == "time");
       if (is_ahead) attribute_add(graph.word(one.to), "@ahead");
       // "How he sings", and not the thing how he sings.
-      if (one.role == "manner") attribute_add(graph.word(one.from), "@how");
-      attribute_add(graph.word(one.to), circumstance.conjunction);
+      if (one.role == "manner" && !is_way) attribute_add(graph.word(one.from), "@how");
+      attribute_add(graph.word(one.to), is_way ? "@s_that" : circumstance.conjunction);
       one.role = circumstance.becomes;
       one.inverse = false;
       break;

@@ -22,8 +22,12 @@ std::string number_text(const std::string& digits) {
   if (digits.size() < 5 || digits[0] == '0' || digits.find_first_not_of("0123456789") != digits.npos) return digits;
   constexpr std::pair<std::size_t, const char*> kUnits[] = {{12, " trillion"}, {9, " billion"}, {6, " million"}};
   for (const auto& [zeros, unit] : kUnits) {
-    const bool is_whole = digits.size() > zeros && digits.find_last_not_of('0') < digits.size() - zeros;
-    if (is_whole) return digits.substr(0, digits.size() - zeros) + unit;
+    if (digits.size() <= zeros) continue;
+    const std::size_t whole = digits.size() - zeros;
+    const std::size_t last = digits.find_last_not_of('0');
+    if (last < whole) return digits.substr(0, whole) + unit;
+    // "1.2 billion".
+    if (last <= whole + 1) return digits.substr(0, whole) + '.' + digits.substr(whole, last + 1 - whole) + unit;
   }
   std::string text;
   for (std::size_t i = 0; i < digits.size(); ++i) {
