@@ -1575,7 +1575,8 @@ void step_forms(Meaning& meaning) {
                             (graph.child(at, "duration") >= 0 || graph.child(at, "time") >= 0 ||
                              graph.child(at, "temporal") >= 0 || has_attribute(word, "@activity"));
     if (is_weather) attribute_add(word, "@cl");
-    if (has_subject && !has_attribute(word, "@result") && !nominal_apply(graph, at)) attribute_add(word, "@cl");
+    if (has_subject && !has_attribute(word, "@result") && !has_attribute(word, "@agent") && !nominal_apply(graph, at))
+      attribute_add(word, "@cl");
     if (has_attribute(word, "@whether") || has_attribute(word, "@asked")) attribute_add(word, "@query");
     const bool is_auxiliary =
         std::any_of(kAuxiliary.begin(), kAuxiliary.end(), [&](const char* one) { return has_attribute(word, one); });
