@@ -127,7 +127,10 @@ FACT_VERBS = set("refer object react respond attest allude depend rely focus con
                  "disapprove benefit stem result arise cope point".split())
 # What happens to things by itself as well: "the door opened" where nobody is named who opens it.
 ERGATIVE = set("increase decrease change improve begin start end stop continue develop spread shift double triple expand shrink "
-               "evolve accumulate worsen widen accelerate collapse sink melt freeze move turn open close retire recover".split())
+               "evolve accumulate worsen widen accelerate collapse sink melt freeze move turn open close retire recover hang lean stand float spin bounce roll "
+               "land drown heal crack snap pop shatter spill soften vary warm lie live sleep emerge depend belong bleed shake vibrate "
+               "rattle hum buzz echo flash succeed suffer rot travel trip stumble collide shine ring crash explode burst fade "
+               "grow die swell dissolve thaw ripen dangle sway rotate revolve descend ascend".split())
 # What has a topic with about.
 ABOUT_NOUNS = set("information news story book article bullshit nonsense joke rumour rumor gossip film movie song poem theory "
                   "opinion view truth fact data documentary lesson lecture conversation discussion debate secret detail thing "
@@ -468,7 +471,8 @@ class Writer:
         # Behind a preposition stands the noun of the quality: after the silence.
         noun = self.sources.quality.get(lemma) or self.sources.quality_ness.get(lemma)
         if noun and "(>" not in concept:
-            self.entry(noun, concept, f"QN,{'MASS' if noun.endswith('ness') else 'THE'}{vowel(noun)}")
+            alone = ",QNO" * (lemma not in self.sources.nouns and not noun.startswith(lemma + " "))
+            self.entry(noun, concept, f"QN{alone},{'MASS' if noun.endswith('ness') else 'THE'}{vowel(noun)}")
         exceptions = [f for f in self.sources.irregular["adj"].get(lemma, ()) if re.search(r"(r|st|e)$", f)]
         grades = {"CMP": [f for f in exceptions if f.endswith(("r", "e"))], "SUP": [f for f in exceptions if f.endswith("st")]}
         is_graded = (short(lemma) or lemma.endswith("y")) and lemma.isalpha() and len(lemma) < 8

@@ -24,6 +24,13 @@ std::vector<std::vector<int>> arcs_by_beginning(Rewriter& graph) {
   return below;
 }
 
+// Verbs whose receiver stands in front of what he receives; for a pronoun that is received see giving_apply.
+bool gives(Rewriter& graph, int at) {
+  constexpr std::array kGiving{"give", "show",  "tell", "send", "bring", "lend",    "teach", "hand", "offer", "sell",
+                               "pay",  "throw", "pass", "feed", "owe",   "promise", "grant", "read", "write"};
+  return is_one_of(graph, at, kGiving);
+}
+
 // For each concept the arc by which the walk from the beginning of the sentence first comes to it; -1 for none.
 std::vector<int> first_arcs(Rewriter& graph) {
   std::vector<std::vector<int>> all = arcs_by_beginning(graph);
@@ -48,6 +55,12 @@ std::vector<int> first_arcs(Rewriter& graph) {
       const int told = word.name == "thing" ? graph.child(led_down.to, "manner", true) : -1;
       return told < 0;
     });
+    // "She gave the boy something to eat": who receives it is said before it.
+    if (gives(graph, at)) {
+      std::stable_partition(below.begin(), below.end(), [&](int one) {
+        return graph.arc(one).role == "ARG2" && !graph.arc(one).inverse && !is_clause(graph, graph.arc(one).to);
+      });
+    }
     // An agent is said before what it does something to, and a condition before both, wherever the source writes them.
     const bool is_bidden = has_attribute(graph.word(at), "@bid");
     const char* subject = is_bidden ? "understood" : has_attribute(graph.word(at), "@psv") ? "ARG1" : "ARG0";
@@ -1437,7 +1450,14 @@ void extraposed_apply(Rewriter& graph, int at) {
   constexpr std::array kOfActs{"easy",   "difficult", "hard",     "dangerous",  "safe",
                                "useful", "useless",   "pleasant", "impossible", "necessary",
                                "wrong",  "cruel",     "stupid",   "wise",       "expensive"};
-  const bool is_act = !is_clause && is_one_of(graph, at, kOfActs) && !graph.children(what).empty();
+  // "It is necessary that we wait": somebody who waits is said.
+  const int sufferer = graph.child(what, "ARG1");
+  constexpr std::array kSomebody{"i", "we", "you", "he", "she", "they", "everyone", "everybody", "someone", "person"};
+  const bool is_person = sufferer >= 0 && is_one_of(graph, graph.arc(sufferer).to, kSomebody);
+  if (is_person && is_one_of(graph, at, kOfActs)) attribute_add(graph.word(at), "@xtra");
+  if (is_person && is_one_of(graph, at, kOfActs) && !has_attribute(graph.word(what), "@past"))
+    attribute_add(graph.word(what), "@pres");
+  const bool is_act = !is_clause && !is_person && is_one_of(graph, at, kOfActs) && !graph.children(what).empty();
   constexpr std::array kHappening{"matter", "happen", "occur", "turn-out"};
   if (is_clause && is_one_of(graph, at, kHappening)) attribute_add(graph.word(at), "@xv");
   if (is_clause) attribute_add(graph.word(at), "@xtra");
@@ -1474,9 +1494,7 @@ void bare_time_apply(Rewriter& graph, int at) {
 
 // "She gave it to him": a pronoun stands before who receives it, who then has a preposition.
 void giving_apply(Rewriter& graph, int at) {
-  constexpr std::array kGiving{"give", "show",  "tell", "send", "bring", "lend",    "teach", "hand", "offer", "sell",
-                               "pay",  "throw", "pass", "feed", "owe",   "promise", "grant", "read", "write"};
-  const int what = is_one_of(graph, at, kGiving) ? graph.child(at, "ARG1") : -1;
+  const int what = gives(graph, at) ? graph.child(at, "ARG1") : -1;
   if (what < 0) return;
   // "The boy that she gave it to".
   if (graph.child(at, "ARG2") < 0) return attribute_add(graph.word(at), "@gives");
@@ -1741,6 +1759,9 @@ void understand_subject(Rewriter& graph, const std::vector<int>& first, int at) 
   for (const char* mark : {"@whether", "@result", "@agent"}) {
     if (has_attribute(graph.word(at), mark)) return;
   }
+  // Nor is "she asked what he was called".
+  constexpr std::array kAsking{"ask", "inquire", "question", "wonder"};
+  if (has_attribute(graph.word(at), "@asked") && is_one_of(graph, graph.arc(above).from, kAsking)) return;
   // "They said that they were tempted": what is said has a subject, whichever it is.
   constexpr std::array kTelling{"say", "state", "explain", "report", "note", "mention", "announce", "think", "believe"};
   if (role == "ARG1" && is_one_of(graph, graph.arc(above).from, kTelling)) return;
@@ -1756,8 +1777,8 @@ void understand_subject(Rewriter& graph, const std::vector<int>& first, int at) 
   if (!is_named_above(graph, first, above, person, graph.arc(subject).role == "ARG0")) return;
   // With these only a subject that is no agent is said again, and not if it is who listens: "he told them that he was
   // tired", but "he told them to wait".
-  constexpr std::array kThatVerbs{"tell", "answer", "reply",      "declare", "know", "feel", "realize", "see",
-                                  "hear", "notice", "understand", "write",   "hope", "fear", "admit"};
+  constexpr std::array kThatVerbs{"tell", "answer", "reply",  "declare",    "know",  "feel", "realize",
+                                  "see",  "hear",   "notice", "understand", "write", "fear", "admit"};
   const int higher = graph.arc(above).from;
   // "She let herself fall": whom she lets fall is said, if it is herself as well.
   constexpr std::array kLetting{"let", "allow", "permit", "make", "force", "cause", "enable", "see", "imagine"};

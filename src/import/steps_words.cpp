@@ -437,6 +437,17 @@ bool has_role(Rewriter& graph, int at) {
   return false;
 }
 
+// A noun that nothing counts is several.
+void several_apply(Rewriter& graph, int at) {
+  Concept& word = graph.word(at);
+  constexpr std::array kGroups{"group", "crowd", "people", "family", "crew", "team", "public", "population", "debris"};
+  const bool is_noun = word.sense.empty() && !word.variable.empty() && !has_attribute(word, "@name") &&
+                       !has_attribute(word, "@sg") && !is_personal_pronoun(graph, at) && !is_unknown(graph, at);
+  constexpr std::array kJoining{"and", "or", "this", "that", "these", "those", "other", "thing"};
+  if (is_noun && graph.child(at, "quant") < 0 && !is_listed(word.name, kGroups) && !is_listed(word.name, kJoining))
+    attribute_add(word, "@pl");
+}
+
 // Words that mean something else together than one by one.
 void idiom_apply(Rewriter& graph, int at) {
   for (const int led : graph.children(at)) {
@@ -464,6 +475,32 @@ void idiom_apply(Rewriter& graph, int at) {
     graph.remove(of, Fate::word);
     graph.word(at).name = "example";
   }
+  // "Exactly", she said: an answer in one word is an adverb.
+  constexpr std::array kAnswers{"exact", "absolute", "precise", "definite", "certain", "probable", "obvious",
+                                "total", "natural",  "indeed",  "sure",     "perfect", "literal",  "honest"};
+  const int said = graph.parent(at);
+  const bool is_answer = graph.word(at).sense.empty() && is_listed(graph.word(at).name, kAnswers) &&
+                         graph.children(at).empty() && (said < 0 || graph.is(graph.arc(said).from, "say", "01"));
+  if (is_answer) attribute_add(graph.word(at), "@answer");
+  // Among and between is several, and what something breaks into.
+  const int within =
+      graph.is(at, "among") || (graph.is(at, "between") && graph.child(at, "op2") < 0) ? graph.child(at, "op1") : -1;
+  if (within >= 0) several_apply(graph, graph.arc(within).to);
+  constexpr std::array kBreaking{"break", "split", "divide", "cut", "tear", "smash", "shatter", "chop", "slice", "rip"};
+  constexpr std::array kPieces{"piece",    "part",  "half",  "bit",   "slice",
+                               "fragment", "strip", "chunk", "shred", "section"};
+  for (const char* role : {"ARG2", "ARG3", "consequence", "destination"}) {
+    const int led = is_one_of(graph, at, kBreaking) ? graph.child(at, role) : -1;
+    if (led >= 0 && is_one_of(graph, graph.arc(led).to, kPieces)) several_apply(graph, graph.arc(led).to);
+  }
+  // Each of several people has a hand: their hands.
+  const int owner = graph.child(at, "part", true) >= 0 ? graph.child(at, "part", true) : graph.child(at, "poss");
+  const bool is_theirs = owner >= 0 && (graph.is(graph.arc(owner).to, "they") || graph.is(graph.arc(owner).to, "we") ||
+                                        has_attribute(graph.word(graph.arc(owner).to), "@pl"));
+  constexpr std::array kBody{"head",   "hand", "eye",  "ear",   "leg",   "arm",   "foot",     "face",
+                             "nose",   "back", "neck", "heart", "mouth", "lip",   "shoulder", "knee",
+                             "finger", "tail", "wing", "body",  "brain", "tooth", "chest",    "throat"};
+  if (is_theirs && is_one_of(graph, at, kBody)) several_apply(graph, at);
   // (t / that :ARG0-of (w / watch-01)): those that watched.
   if (graph.is(at, "that") && graph.child(at, "ARG0", true) >= 0) attribute_add(graph.word(at), "@pl");
   // (t / time :mod (a / all)): all the time.
