@@ -57,10 +57,10 @@ VERB_SECOND = {verb: preposition for preposition, verbs in {
                for verb in verbs.split()}
 NOUN_OBJECTS = {verb: preposition for preposition, verbs in {
     "on": "attack influence impact comment ban tax limit assault raid restrict focus pressure emphasize effect affect report agree",
-    "for": "demand desire hope need respect care request support prefer vote apologize",
+    "for": "demand desire hope need respect care request support prefer vote apologize love admire compete",
     "in": "increase decrease rise fall drop decline grow improve change cut believe trust participate",
-    "to": "damage visit answer react respond reply object oppose access addict attend solve resist adapt adhere",
-    "against": "discriminate protest struggle campaign revolt rebel"}.items() for verb in verbs.split()}
+    "to": "damage threaten marry visit answer react respond reply object oppose access addict attend solve resist adapt adhere",
+    "against": "discriminate fight protest struggle campaign revolt rebel"}.items() for verb in verbs.split()}
 # Nouns of these have a clause with "that" behind them: the belief that.
 THAT_NOUNS = set("believe hope fear know claim state announce report conclude feel suspect decide agree promise argue assume "
                  "assure admit allege complain confirm declare discover doubt estimate expect explain find guarantee imply "
@@ -83,7 +83,21 @@ NOUNS = {verb: noun for verb, noun in (one.split(":") for one in (
     "live:life thirst:thirst hope:hope wait:wait exist:existence deject:dejection behave:behavior concern:concern "
     "worry:worry entertain:entertainment disappear:disappearance shame:shame wonder:wonder pretend:pretense obey:obedience "
     "err:error cry:cry excuse:excuse hunt:hunt belong:belonging isolate:isolation hesitate:hesitation insist:insistence "
-    "persist:persistence resist:resistance exist:existence occur:occurrence refuse:refusal survive:survival tend:tendency tax:tax link:link").split())}
+    "persist:persistence resist:resistance exist:existence occur:occurrence refuse:refusal survive:survival tend:tendency tax:tax link:link "
+    "reverse:reversal receive:receipt continue:continuation close:closure hire:hiring handle:handling "
+    "buy:purchase meet:meeting add:addition teach:teaching attend:attendance act:action "
+    "avoid:avoidance settle:settlement introduce:introduction gather:gathering divide:division locate:location remind:reminder "
+    "sponsor:sponsorship imply:implication assert:assertion differ:difference appreciate:appreciation trust:trust "
+    "proclaim:proclamation forgive:forgiveness practice:practice enforce:enforcement entitle:entitlement impress:impression "
+    "pray:prayer celebrate:celebration race:race endure:endurance convince:conviction attribute:attribution "
+    "resent:resentment open:opening spend:spending steal:theft smile:smile sigh:sigh yell:yell nod:nod glance:glance "
+    "shout:shout stare:stare whisper:whisper greet:greeting grin:grin pause:pause gaze:gaze discourage:discouragement "
+    "insure:insurance press:pressure arouse:arousal commence:commencement address:address ").split())}
+# Words that name no deed, though the frame files or WordNet have them for the verb: "the make of a coat", "the leave".
+NO_NOUNS = set("make leave build kill hold raise face head fire hand mind matter subject term feature average stem float center "
+               "figure contain allow cause proceed commit watch drink sink file store stain show run feed set put take let "
+               "carry bring keep stand sit lie wear beat lift drag pull push toss fill sweep draw back clear "
+               "hit cast grasp squeeze register".split())
 # How English builds a sense, where the frame files have no example of it: "an answer with a smile", "split into halves".
 # POSTN is for a participle that stands behind its noun, "the money left".
 BUILT = {
@@ -614,8 +628,10 @@ def frames(path, writer, sources):
         # Of several nouns the one that is made of the verb, and that people use: death, not die.
         derived = sources.nominal.get(verb, ()) if verb else (lemma,)
         nouns.sort(key=lambda form: -(sources.tagged[form, "1"] + 1) * (4 if form in derived else 1))
-        if not nouns and lemma in NOUNS and sense_of(concept) < 4:
+        if lemma in NOUNS and sense_of(concept) < 4:
             nouns = [NOUNS[lemma]]
+        if verb and lemma in NO_NOUNS:
+            nouns, of["N"] = [], []
         for noun in (nouns or [form for form in of["N"] if sources.tagged[form, "1"] > 19])[:1]:
             # A noun has the prepositions of its verb, "a look at the sea", and a verb of its own, "take a look".
             of_noun = NOUN_OBJECTS.get(lemma, "")

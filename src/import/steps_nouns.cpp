@@ -102,6 +102,24 @@ void object_apply(Rewriter& graph, int at) {
   if (giver >= 0) drop_again(graph, event, graph.arc(giver).to);
 }
 
+// "They waited for an answer": of whom nobody tells that he does anything, as no argument of any clause is named, it is
+// a thing. What is begun or wanted is an infinitive all the same.
+void bare_apply(Rewriter& graph, int at) {
+  constexpr std::array kActing{"want",  "begin",    "start",    "continue", "stop",  "try",    "let",   "make",
+                               "cease", "able",     "capable",  "ready",    "allow", "permit", "help",  "finish",
+                               "go",    "come",     "keep",     "like",     "love",  "hate",   "enjoy", "avoid",
+                               "learn", "have",     "obligate", "oblige",   "force", "compel", "ask",   "tell",
+                               "urge",  "persuade", "teach",    "invite",   "train"};
+  if (graph.word(at).sense.empty() || is_one_of(graph, at, kActing)) return;
+  for (const char* role : {"ARG1", "ARG2"}) {
+    const int led = graph.child(at, role);
+    const int event = led < 0 ? -1 : graph.arc(led).to;
+    const bool is_bare = event >= 0 && graph.parent(event) == led && graph.children(event).empty() &&
+                         graph.mentions(event) == 1 && is_one_clause(graph, event);
+    if (is_bare && graph.word(event).attributes.size() == 1) attribute_add(graph.word(event), "@nom");
+  }
+}
+
 // The subject of a quality of things, "his love is strong", and of a deed: "the loss of the key delayed us".
 void subject_apply(Rewriter& graph, int at) {
   const bool is_deed = !graph.word(at).sense.empty() && graph.child(at, "ARG0") >= 0;
@@ -195,6 +213,7 @@ void step_nouns(Meaning& meaning) {
   Rewriter graph(meaning, "nouns");
   for (int at = 0; at < graph.count(); ++at) {
     object_apply(graph, at);
+    bare_apply(graph, at);
     subject_apply(graph, at);
     bare_infinitive_apply(graph, at);
     feeling_apply(graph, at);
