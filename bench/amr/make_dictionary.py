@@ -67,17 +67,8 @@ THAT_NOUNS = set("believe hope fear know claim state announce report conclude fe
                  "indicate insist note observe predict prove propose realize recognize recommend remark remind reply reveal "
                  "say suggest suppose swear understand warn wish worry assert deny aware certain likely possible proof "
                  "opine convince threaten imagine dream accuse rumor demand require request evidence allege idea notion theory".split())
-# Verbs behind which an infinitive has "how": she knows how to swim.
-HOW_VERBS = ("know",)
-# Behind these stands somebody and what he does, without "to": "she let him go".
-BARE_VERBS = ("let", "make", "have", "bid", "help", "watch", "overhear")
 # Behind the object of these stands what it is called or becomes: "they called him a fool".
 NAMING_VERBS = ("call", "name", "elect", "appoint", "consider", "crown", "deem", "dub", "pronounce", "nickname", "declare")
-# What people try or begin is what they do themselves: no infinitive with a subject of its own.
-OWN_SUBJECT_VERBS = ("try", "begin", "start", "continue", "attempt", "manage", "decide", "refuse", "learn", "hope")
-# Verbs that govern a gerund and no infinitive: "she finished eating".
-GERUND = set("admit avoid consider complete delay deny detest dislike end enjoy escape finish imagine keep mention mind miss "
-             "postpone practice quit recall recommend resent resist risk stop suggest".split())
 # What a verb does, as a noun, where neither the frame files nor WordNet have one.
 NOUNS = {verb: noun for verb, noun in (one.split(":") for one in (
     "live:life thirst:thirst hope:hope wait:wait exist:existence deject:dejection behave:behavior concern:concern "
@@ -207,7 +198,6 @@ class Text:
         self.counts = collections.Counter()
         self.articles = collections.defaultdict(collections.Counter)
         self.prepositions = collections.defaultdict(collections.Counter)
-        self.governed = collections.defaultdict(collections.Counter)
         self.sentences = []
         self.behind = collections.defaultdict(collections.Counter)
         for path in sorted(pathlib.Path(folder).glob("*.xml")) if folder else ():
@@ -246,28 +236,6 @@ class Text:
                 if before in PREPOSITIONS:
                     self.prepositions[noun][before] += 1
 
-    def read_clauses(self, forms):
-        """Behind which verb stands what clause: that, to, -ing, or an infinitive with a subject of its own, OINF."""
-        lemma_of = {form: lemma for lemma, tags in forms.items() for known in tags.values() for form in known}
-        lemma_of.update((lemma, lemma) for lemma in forms)
-        subjects = set("i he she we they you it there".split())
-        objects = set("me him her us them you it people themselves".split())
-        passive = set("be been being is are was were am 's 're".split())
-        for words in self.sentences:
-            words = words + [""] * 3
-            for i, word in enumerate(words[:-3]):
-                if not (verb := lemma_of.get(word)):
-                    continue
-                first, second, third = words[i + 1:i + 4]
-                if first == "that" or (first in subjects and second != "to" and lemma_of.get(second)):
-                    self.governed[verb].update(["THAT"])
-                elif first == "to" and second in forms and words[i - 1] not in passive:
-                    self.governed[verb].update(["INF"])
-                elif first in objects and second == "to" and third in forms:
-                    self.governed[verb].update(["OINF"])
-                elif first.endswith("ing") and first in lemma_of:
-                    self.governed[verb].update(["GER"])
-
     def noun_marks(self, noun, many):
         """MASS, AN, THE: what usually stands before the noun; PLUR: it is mostly a plural; INP, ONP, ATP: its preposition."""
         seen = self.articles[noun]
@@ -305,7 +273,6 @@ class Sources:
         self.nouns, self.adjectives, self.adverbs, self.verbs = {}, set(), set(), set()
         self.states = set()
         self.common = set()
-        self.governs = collections.defaultdict(collections.Counter)
         self.shapes = collections.defaultdict(set)
         self.agents, self.nominal, self.adjectival, self.manner, self.opposite, self.quality, self.quality_ness = ({} for _ in range(7))
         self.exceptions = collections.defaultdict(set)
@@ -385,15 +352,11 @@ class Sources:
                         self.manner[target.lower()] = source
 
     def read_verb_frames(self, words, fields):
-        """The sentence frames of a verb sense: what a clause that it governs looks like."""
-        shapes = {24: "OINF", 26: "THAT", 28: "INF", 33: "GER", 25: "BARE"}
+        """The numbers of the sentence frames that a verb has in any of its senses."""
         for number, word in zip(fields[2::3], fields[3::3]):
-            shape = shapes.get(int(number))
             for i, verb in enumerate(words):
                 if int(word, 16) in (0, i + 1):
                     self.shapes[verb.lower().replace("_", " ")].add(int(number))
-                if shape and int(word, 16) in (0, i + 1):
-                    self.governs[verb.lower().replace("_", " ")].update([shape])
 
     def is_intransitive(self, verb):
         """Things do it, and nobody does it to them: disappear. Without an agent it is no passive."""
@@ -505,24 +468,6 @@ def surface(lemma):
     return lemma.replace("_", " ").replace("-", " ").strip()
 
 
-def clause_shapes(verb, seen, frames, governed, count):
-    """What a clause in the place of ARG1 is: as in the examples of the frame files and as WordNet says of the verb. NOUN1
-    is for a verb that hardly ever governs a clause: an event behind it is a noun."""
-    shapes = ("INF", "GER", "THAT")
-    known = max(1, sum(frames[shape] for shape in shapes))
-    told = 3 + sum(governed[shape] for shape in shapes)
-    score = {shape: (shape + "1" in seen) / max(1, len(seen)) + frames[shape] / known + 2 * governed[shape] / told
-             for shape in shapes}
-    # One clause in the examples proves nothing.
-    if not ("THAT1" in seen or frames["THAT"] or governed["THAT"] > 2):
-        score["THAT"] = 0
-    found = [shape + "1" for shape in ("INF", "GER") if score[shape] and score[shape] >= 0.3 * score["THAT"]]
-    found += ["THAT1"] * (score["THAT"] > max(score["INF"], score["GER"])) + ["BARE1"] * (frames["BARE"] > 0 and verb in BARE_VERBS)
-    found += ["OINF1"] * (verb not in OWN_SUBJECT_VERBS) * (frames["OINF"] > 0 or governed["OINF"] > 1 and 2 * governed["OINF"] > governed["THAT"])
-    is_rare = 10 * sum(governed.values()) < count and not sum(frames.values())
-    return found + ["NOUN1"] * (is_rare and not seen and "THAT1" not in found)
-
-
 def read_constructions():
     """verb_frames.txt: the shapes of clauses by verb, and the attributes of single senses."""
     shapes, senses = collections.defaultdict(list), {}
@@ -580,9 +525,7 @@ def frames(path, writer, sources):
             verb = None
         told = [a for a in names[0][1] if a not in ("V", "N", "ADJ", "NMZ", "QUAL")]
         seen = {a for a in told if a in ("INF1", "GER1", "THAT1")}
-        built = [a for a in told if a not in seen] + clause_shapes(
-            verb or lemma, seen, sources.governs[verb or lemma], sources.text.governed[verb or lemma],
-            sum(sources.text.counts[form] for form in set(sources.verb_forms(verb or lemma).values())))
+        built = list(told)
         if verb and lemma == verb and sense_of(concept) < 3 and not {"SA1", "NP2"} & set(built):
             told = sources.text.preposition({form for tag, form in sources.verb_forms(verb).items() if tag != "PTCP"})
             if told and not any(re.match("p1|p[2-5]" + told, a) for a in built):
@@ -592,15 +535,9 @@ def frames(path, writer, sources):
             told = None if concept == "look(>02)" else VERB_OBJECTS.get(lemma, "" if "p1of" in built else None)
             if told is not None:
                 built = [a for a in built if not a.startswith("p1")] + ["p1" + told] * bool(told)
-                # "She referred to the fact that it rained".
-                built += ["FACT1"] * (lemma in FACT_VERBS and "THAT1" not in built)
-        if verb in HOW_VERBS and "INF1" in built:
-            built.append("HOWINF")
         if verb and sense_of(concept) < 3 and (told := VERB_SECOND.get(lemma)):
             built = [a for a in built if not a.startswith("p2") and a not in ("NP2", "INF2")] + ["p2" + told]
         is_getting = verb == "get" and sense_of(concept) > 2
-        if verb in GERUND:
-            built = [a for a in built if a != "INF1"] + ["GER1"]
         more = BUILT.get(concept, "").split()
         if not verb and (told := ADJECTIVE_OBJECTS.get(lemma)):
             more += [f"p{n}{told}" for n in "12" if "p" + n not in {a[:2] for a in built + more}]
@@ -610,18 +547,19 @@ def frames(path, writer, sources):
         is_alone = is_getting or is_ergative or sources.is_intransitive(verb or lemma)
         if "SA1" not in built and is_alone:
             built.append("SA1")
+        if verb in NAMING_VERBS and sense_of(concept) < 3:
+            built = [a for a in built if not a.startswith("p2") and a not in ("NP2", "INF2")] + ["OCOMP"]
+        has_preposition = any(a.startswith("p1") for a in built)
         if verb:
             seen |= {a for a in more if a in ("INF1", "GER1", "THAT1")}
             built = told_of_verb(concept, lemma, built, seen, is_ergative, shapes, constructions)
-        if verb in NAMING_VERBS and sense_of(concept) < 3:
-            built = [a for a in built if not a.startswith("p2") and a not in ("NP2", "INF2")] + ["OCOMP"]
         pattern = "".join("," + a for a in built)
         if verb:
             writer.verb(verb, concept, pattern + ",SMALLC" * (verb in ("make", "render", "keep") and "SMALLC" not in built)
                         + ",COPL" * (verb in COPULAR and "COPL" not in built))
         # A word that is a noun at least as often as a verb names what the verb does: "the size of the garden".
         often = sources.tagged[lemma, "1"] >= max(5, 1.5 * sources.tagged[lemma, "2"])
-        if verb == lemma and not of["N"] and often and ",p1" not in pattern:
+        if verb == lemma and not of["N"] and often and not has_preposition:
             of["N"].append(lemma)
         # A gerund only where people use it as a noun: a meeting.
         nouns = [form for form in of["N"] if not form.endswith("ing")]
@@ -729,7 +667,6 @@ def main():
                 if found := re.search(r'"([^"]*)" \(', line):
                     taken.add(found.group(1) or None)
         sources.text.read_articles({n for n in sources.nouns if " " not in n}, sources.adjectives | set(sources.nouns))
-        sources.text.read_clauses(sources.forms)
         writer = Writer(sources, out, taken)
         if arguments.senses:
             frames(arguments.senses, writer, sources)

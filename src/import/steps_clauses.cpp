@@ -1684,6 +1684,17 @@ void raise_apply(Rewriter& graph, int at) {
 
 // What says once more who does it goes.
 void subject_once_apply(Rewriter& graph, int at) {
+  // "The law requires the owner to pay", and not of the owner: what is required is his.
+  // (r / require-01 :ARG0 l :ARG1 (p / pay-01 :ARG0 o) :ARG2 o)
+  constexpr std::array kWanting{"require", "expect", "allow", "permit", "enable", "forbid", "want", "demand"};
+  const int wanted = is_one_of(graph, at, kWanting) && is_event(graph, at) ? graph.child(at, "ARG1") : -1;
+  const int whose = graph.child(at, "ARG2");
+  const int doer = wanted >= 0 && whose >= 0 ? subject_arc(graph, graph.arc(wanted).to) : -1;
+  if (doer >= 0 && graph.arc(doer).to == graph.arc(whose).to) graph.remove(whose, Fate::relation);
+  // "It cost her five dollars": who pays stands nearer to the verb.
+  const int buyer = graph.is(at, "cost", "01") ? graph.child(at, "ARG3") : -1;
+  const int price = graph.child(at, "ARG2");
+  if (buyer >= 0 && price >= 0) std::swap(graph.arc(buyer).role, graph.arc(price).role);
   // "She heard that he sang", and not of him that he sang.
   constexpr std::array kLearning{"hear", "know", "learn", "read", "think", "believe", "expect", "find-out", "discover"};
   const int content = is_one_of(graph, at, kLearning) ? graph.child(at, "ARG1") : -1;
@@ -1781,7 +1792,7 @@ void understand_subject(Rewriter& graph, const std::vector<int>& first, int at) 
                                   "see",  "hear",   "notice", "understand", "write", "fear", "admit"};
   const int higher = graph.arc(above).from;
   // "She let herself fall": whom she lets fall is said, if it is herself as well.
-  constexpr std::array kLetting{"let", "allow", "permit", "make", "force", "cause", "enable", "see", "imagine"};
+  constexpr std::array kLetting{"let", "allow", "permit", "make", "force", "cause", "enable"};
   const bool is_let = role == "ARG1" && is_one_of(graph, higher, kLetting) && graph.child(higher, "ARG2") < 0 &&
                       graph.child(higher, "ARG0") >= 0 && graph.arc(graph.child(higher, "ARG0")).to == person;
   if (is_let) {
@@ -1794,11 +1805,17 @@ void understand_subject(Rewriter& graph, const std::vector<int>& first, int at) 
   const bool is_told = role == "ARG1" && graph.arc(subject).role == "ARG1" && is_one_of(graph, higher, kThatVerbs) &&
                        (hearer < 0 || graph.arc(hearer).to != person);
   if (is_told) return;
-  // "She told him that she sang": who is told to sing is who listens.
+  // "She told him that she sang", "she suggested to him that he sing": only of some verbs who listens does what is said.
   constexpr std::array kOfHearers{"tell", "warn", "remind", "assure", "inform", "notify"};
-  const bool is_of_teller = role == "ARG1" && is_one_of(graph, higher, kOfHearers) &&
-                            (hearer < 0 || graph.arc(hearer).to != person || is_modal(graph.word(at)));
-  if (is_of_teller) return;
+  constexpr std::array kBidding{"tell",   "ask",    "beg",  "teach", "help",   "permit", "allow",  "forbid", "warn",
+                                "remind", "advise", "want", "mean",  "enable", "let",    "train",  "need",   "expect",
+                                "get",    "cause",  "show", "learn", "assist", "leave",  "assign", "require"};
+  const bool is_hearers = hearer >= 0 && graph.arc(hearer).to == person;
+  const int teller = graph.child(higher, "ARG0");
+  const bool is_tellers = teller >= 0 && graph.arc(teller).to == person;
+  const bool is_of_other = is_hearers ? !is_tellers && teller >= 0 && !is_one_of(graph, higher, kBidding)
+                                      : is_one_of(graph, higher, kOfHearers);
+  if (role == "ARG1" && (is_of_other || (is_one_of(graph, higher, kOfHearers) && is_modal(graph.word(at))))) return;
   // A predicate without verb has no infinitive of its own.
   constexpr std::array kToBe{"want",    "decide",  "try",    "attempt", "wish",    "need", "prefer",
                              "learn",   "pretend", "choose", "deserve", "refuse",  "plan", "intend",
