@@ -92,6 +92,7 @@ NO_NOUNS = set("make leave build kill hold raise face head fire hand mind matter
 # How English builds a sense, where the frame files have no example of it: "an answer with a smile", "split into halves".
 # POSTN is for a participle that stands behind its noun, "the money left".
 BUILT = {
+    "grateful(>01)": "p1to p2for", "thankful(>02)": "p1to p2for", "innocent(>01)": "p2of",
     "answer(>01)": "p2with", "capable(>01)": "p2of PG2", "attend(>02)": "p1to", "comment(>01)": "p3on",
     "ask(>02)": "p1for", "dress(>01)": "p2in", "come(>01)": "p3from p4to", "draw(>01)": "p2for", "excuse(>01)": "p2for GER2", "leave(>17)": "POSTN",
     "question(>01)": "p1about", "policy(>01)": "p2on", "remain(>01)": "GER3", "speak(>01)": "p1about p2to", "split(>01)": "p2into",
@@ -119,12 +120,12 @@ MORE_AGENTS = set("abuser achiever adopter aggressor avenger bowler campaigner c
                   "vandal violator volunteer wanderer whistleblower woodcutter worshipper".split())
 # What an adjective has in front of what it is about.
 ADJECTIVE_OBJECTS = {adjective: preposition for preposition, adjectives in {
-    "of": "afraid aware proud fond capable full ashamed jealous worthy guilty tired typical envious weary",
-    "for": "famous ready responsible sorry eligible suitable grateful eager necessary",
-    "about": "worried anxious enthusiastic pessimistic optimistic nervous",
-    "with": "angry busy familiar content compatible consistent",
+    "of": "afraid aware proud fond capable full ashamed jealous worthy guilty tired typical envious weary unaware conscious suspicious certain uncertain contemptuous wary empty ignorant",
+    "for": "famous ready responsible sorry eligible suitable grateful eager necessary desperate greedy hungry thirsty",
+    "about": "worried anxious enthusiastic pessimistic optimistic nervous adamant careless curious honest frank blunt cautious",
+    "with": "angry busy familiar content compatible consistent conversant comfortable",
     "from": "different absent distinct safe", "on": "dependent keen reliant", "at": "skilled",
-    "in": "interested fluent", "to": "similar equal loyal accustomed relevant"}.items()
+    "in": "interested fluent", "to": "similar equal loyal accustomed relevant hostile responsive sensitive equal indifferent vulnerable immune allergic"}.items()
     for adjective in adjectives.split()}
 # Behind these an adjective says what the subject is or becomes.
 COPULAR = set("become look feel sound smell taste stay remain grow turn get go seem appear keep".split())

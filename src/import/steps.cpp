@@ -8,7 +8,8 @@ namespace {
 // subject; mentions last, as every step before them looks at concepts, not at words.
 constexpr RewriteStep kSteps[] = {
     // Words first: whoever asks later for a name, a number or a pronoun finds one concept, not a frame around a value.
-    {"synonyms", "UMR's :temporal, :place, :possessor, :reason, ... get the names that AMR has for them", step_synonyms},
+    {"synonyms", "UMR's :temporal, :place, :possessor, :reason, ... get the names that AMR has for them",
+     step_synonyms},
     {"wiki", "leave out :wiki, which no sentence says", step_wiki},
     {"names", "a named thing becomes its name: one word with @name and its type as attribute", step_names},
     {"dates", "a date-entity becomes its month, weekday, part of the day or year, and the rest depends on that",
@@ -27,8 +28,10 @@ constexpr RewriteStep kSteps[] = {
      step_office},
     {"degree", "have-degree-91 and have-quant-91: @more, @most, @too, @equal on the quality, with :compared-to",
      step_degree},
-    {"turned", "what English tells the other way round: a condition stands below what it is a condition of, what follows "
-     "from a degree behind the clause, a place without a name is the place where", step_turned},
+    {"turned",
+     "what English tells the other way round: a condition stands below what it is a condition of, what follows "
+     "from a degree behind the clause, a place without a name is the place where",
+     step_turned},
     // What a modal verb, a negation or a mood says stands as an attribute of the clause from here on.
     {"modality", "possible-01, obligate-01, recommend-01: @can, @must, @should on what they govern", step_modality},
     {"polarity", "yes-no questions get @int, truth-value @whether", step_polarity},

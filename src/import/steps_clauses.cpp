@@ -928,8 +928,17 @@ void step_persons(Meaning& meaning) {
       const bool is_told = is_clause(graph, graph.arc(one).to) && !graph.children(graph.arc(one).to).empty();
       return (role == "ARG1" || is_quality) && !graph.arc(one).inverse && !is_told;
     });
+    // "The person who is responsible for it", "the only person who knows": there is no noun for these.
+    constexpr std::array kQualities{"responsible", "aware",     "conscious", "sure",     "certain",  "proud",
+                                    "eager",       "reluctant", "greedy",    "honest",   "fond",     "keen",
+                                    "jealous",     "ready",     "capable",   "cautious", "careless", "hostile",
+                                    "desperate",   "generous",  "grateful",  "thankful", "brave",    "cruel"};
+    constexpr std::array kNoAgents{"know", "see", "want", "go",    "come", "hear", "have", "think", "feel", "need",
+                                   "like", "say", "tell", "stand", "sit",  "lie",  "wait", "ask",   "get",  "take"};
+    const bool is_nameless =
+        is_one_of(graph, frame, kQualities) || (is_one_of(graph, frame, kNoAgents) && graph.children(at).size() > 1);
     const bool is_plain = !has_attribute(graph.word(frame), "@neg") && graph.mentions(frame) == 1;
-    if (graph.word(frame).sense.empty() || !is_simple || !is_plain) continue;
+    if (graph.word(frame).sense.empty() || !is_simple || !is_plain || is_nameless) continue;
     frame_stand_in(graph, at, led, "@agent");
   }
 }

@@ -49,9 +49,10 @@ constexpr std::array kFeelings{
     "intrigue", "outrage",   "tempt"};
 
 // Qualities of who feels, with what he feels it about: "glad about the news".
-constexpr std::array kFeelingQualities{"happy",        "unhappy", "glad",      "sad",   "anxious",
-                                       "nervous",      "bitter",  "uneasy",    "giddy", "curious",
-                                       "enthusiastic", "cynical", "skeptical", "touchy"};
+constexpr std::array kFeelingQualities{"happy",        "unhappy",    "glad",        "sad",     "anxious",
+                                       "nervous",      "bitter",     "uneasy",      "giddy",   "curious",
+                                       "enthusiastic", "cynical",    "skeptical",   "touchy",  "content",
+                                       "stoked",       "optimistic", "pessimistic", "hopeful", "edgy"};
 
 bool is_one_clause(Rewriter& graph, int at) {
   for (const char* mark : {"@can", "@must", "@should", "@may", "@neg", "@whether", "@int", "@ask", "@imp", "@quote"}) {

@@ -11,8 +11,8 @@ namespace lexon {
 // Every later step then asks for one name. Roles of one bank alone, :affectee, stay what they are.
 void step_synonyms(Meaning& meaning) {
   constexpr std::pair<const char*, const char*> kSynonyms[] = {
-      {"temporal", "time"},     {"place", "location"},     {"possessor", "poss"},
-      {"reason", "cause"},      {"material", "consist-of"}, {"companion", "accompanier"},
+      {"temporal", "time"}, {"place", "location"},      {"possessor", "poss"},
+      {"reason", "cause"},  {"material", "consist-of"}, {"companion", "accompanier"},
   };
   for (Arc& one : meaning.arcs) {
     for (const auto& [name, kept] : kSynonyms) {
@@ -67,26 +67,16 @@ void step_conjunctions(Meaning& meaning) {
   constexpr const char* kClause = "adverbial-clause";
   constexpr const char* kRelative = "adverbial-relative";
   constexpr Circumstance kCircumstances[] = {
-      {"concession", false, "@s_although", kClause},
-      {"concession", true, "@s_although", kClause},
-      {"cause", false, "@s_because", kClause},
-      {"cause", true, "@s_so", kClause},
-      {"cause", true, "@s_why", kRelative},
-      {"condition", false, "@s_if", kClause},
-      {"condition", true, "@s_so", kClause},
-      {"concessive-conditional", false, "@s_evenif", kClause},
-      {"conj-as-if", false, "@s_asif", kClause},
-      {"time", false, "@s_when", kClause},
-      {"purpose", false, "@s_sothat", kClause},
-      {"consequence", false, "@s_that", kClause},
-      {"result", false, "@s_that", kClause},
-      {"location", false, "@s_where", kClause},
-      {"time", true, "@s_when", kRelative},
-      {"purpose", true, "@s_that", kRelative},
-      {"source", true, "@s_where", kRelative},
-      {"location", true, "@s_where", kRelative},
-      {"manner", true, "@s_how", kRelative},
-      {"likeness", false, "@s_as", kClause},
+      {"concession", false, "@s_although", kClause}, {"concession", true, "@s_although", kClause},
+      {"cause", false, "@s_because", kClause},       {"cause", true, "@s_so", kClause},
+      {"cause", true, "@s_why", kRelative},          {"condition", false, "@s_if", kClause},
+      {"condition", true, "@s_so", kClause},         {"concessive-conditional", false, "@s_evenif", kClause},
+      {"conj-as-if", false, "@s_asif", kClause},     {"time", false, "@s_when", kClause},
+      {"purpose", false, "@s_sothat", kClause},      {"consequence", false, "@s_that", kClause},
+      {"result", false, "@s_that", kClause},         {"location", false, "@s_where", kClause},
+      {"time", true, "@s_when", kRelative},          {"purpose", true, "@s_that", kRelative},
+      {"source", true, "@s_where", kRelative},       {"location", true, "@s_where", kRelative},
+      {"manner", true, "@s_how", kRelative},         {"likeness", false, "@s_as", kClause},
   };
   Rewriter graph(meaning, "conjunctions");
   for (int led = 0, end = static_cast<int>(meaning.arcs.size()); led < end; ++led) relative_apply(graph, led);
