@@ -140,11 +140,14 @@ ERGATIVE = set("increase decrease change improve begin start end stop continue d
 # What has a topic with about.
 ABOUT_NOUNS = set("information news story book article bullshit nonsense joke rumour rumor gossip film movie song poem theory "
                   "opinion view truth fact data documentary lesson lecture conversation discussion debate secret detail thing "
-                  "something anything nothing everything report remark statement complaint concern worry doubt".split())
+                  "something anything nothing everything speech talk paper essay research argument rumour video program post "
+                  "comment letter email survey poll lie myth fuss law question report remark statement complaint concern worry doubt".split())
 # Of several forms of the past the one for a verb, where the examples have other words that look the same.
 STRONG = {"bear": "bore borne", "drink": "drank drunk", "sink": "sank sunk", "clothe": "clothed clothed", "melt": "melted melted",
           "tread": "trod trodden", "forbid": "forbade forbidden", "abide": "abided abided", "pen": "penned penned"}
 GERUND_PREPOSITIONS = set("about against at by from in into of on with".split())
+# Adjectives that are adverbs as they are.
+FLAT_ADVERBS = set("hard fast early late long high low deep close near".split())
 STATE_FILES = {31, 37, 42}
 MASS_FILES = {7, 12, 27, 26}
 
@@ -254,7 +257,7 @@ class Text:
         if self.prepositions[noun]:
             best, count = max(((p, n) for p, n in self.prepositions[noun].items() if p in ("in", "on", "at")),
                               key=lambda one: one[1], default=("", 0))
-            if count > 1 and (count > 3 or noun not in ON_PLACES):
+            if count > (1 if best != "on" and noun not in ON_PLACES else 3):
                 return marks + f",{best.upper()}P"
         return marks + ",ONP" * (noun in ON_PLACES) + ",INP" * (noun in IN_PLACES)
 
@@ -459,6 +462,9 @@ class Writer:
         for tag, forms in grades.items():
             for form in forms[:1]:
                 self.entry(form, concept, f"ADJ,{tag}{vowel(form)}{more}")
+                # "He worked harder".
+                if lemma in FLAT_ADVERBS and tag == "CMP":
+                    self.entry(form, concept, f"ADV,CMP{vowel(form)}")
         made = re.sub("ic$", "ical", re.sub("[^aeiou]le$", lambda end: end.group()[0], re.sub("y$", "i", lemma))) + "ly"
         made = made.replace("lly", "ly") if lemma.endswith("ll") else made
         if adverb := self.sources.manner.get(lemma) or (made if "(>" in concept and made in self.sources.adverbs else None):

@@ -811,7 +811,8 @@ void thing_apply(Rewriter& graph, int at) {
   const bool is_plain = !has_attribute(graph.word(frame), "@neg") && !has_attribute(graph.word(frame), "@most") &&
                         !has_attribute(graph.word(frame), "@more") && graph.mentions(frame) == 1;
   // Nothing is the result of a motion: "the first thing that came".
-  constexpr std::array kMotion{"come", "go", "happen", "occur", "arrive", "fall", "appear", "exist", "lie", "stand"};
+  constexpr std::array kMotion{"come", "go",    "happen", "occur",  "arrive",  "fall",  "appear", "exist",
+                               "lie",  "stand", "matter", "remain", "survive", "count", "belong"};
   const std::string& name = graph.word(frame).name;
   if (graph.word(frame).sense.empty() || !is_simple || !is_plain || name.find('-') != name.npos) return;
   if (is_one_of(graph, frame, kMotion)) return;
@@ -1632,8 +1633,9 @@ namespace {
 // (b / become-01 :ARG1 s :ARG2 (s2 / small :domain s)): behind such a verb an adjective has no subject of its own.
 // "She became small": both frames name her in the bank.
 void copular_apply(Rewriter& graph, int at) {
-  constexpr std::array kCopular{"become", "look",   "feel", "sound", "smell", "taste",
-                                "stay",   "remain", "grow", "turn",  "get"};
+  constexpr std::array kCopular{"become", "look", "feel",  "sound",   "smell", "taste",    "stay",    "remain", "grow",
+                                "turn",   "get",  "elect", "appoint", "name",  "nominate", "declare", "choose", "call",
+                                "crown",  "make", "elect", "promote", "hire",  "consider", "regard"};
   if (graph.word(at).sense.empty() || !is_one_of(graph, at, kCopular)) return;
   const std::vector<int> below = graph.children(at);
   for (const int led : below) {
@@ -1889,6 +1891,21 @@ void noun_of_event(Rewriter& graph, int at) {
     attribute_add(graph.word(at), "@nom");
 }
 
+// "The decision to close the mine", "it was decided to close it": nobody in particular decides, and nobody else does it.
+void nobody_decides(Rewriter& graph, int at) {
+  constexpr std::array kDeciding{"decide", "plan", "refuse", "attempt", "try", "intend", "vow", "propose", "agree"};
+  const int led = is_event(graph, at) && is_one_of(graph, at, kDeciding) ? graph.child(at, "ARG1") : -1;
+  const int deed = led < 0 ? -1 : graph.arc(led).to;
+  if (deed < 0 || !is_event(graph, deed) || graph.mentions(deed) > 1) return;
+  for (const char* role : {"ARG0", "understood", "shared", "domain", "questioned", "conjunct"}) {
+    if (graph.argument(at, role) >= 0 || graph.argument(deed, role) >= 0) return;
+  }
+  for (const char* mark : {"@whether", "@asked", "@result", "@agent", "@can", "@must", "@should"}) {
+    if (has_attribute(graph.word(deed), mark) || has_attribute(graph.word(at), mark)) return;
+  }
+  if (graph.child(deed, "ARG1") >= 0) graph.add(deed, graph.add_concept("one"), "understood");
+}
+
 // "Pronounced dead": who dies is whom it is said of.
 void dead_apply(Rewriter& graph, int at) {
   constexpr std::array kDeclaring{"pronounce", "declare", "certify", "presume"};
@@ -1917,6 +1934,7 @@ void step_control(Meaning& meaning) {
   for (int at = 0; at < graph.count(); ++at) dead_apply(graph, at);
   for (int at = 0, end = graph.count(); at < end; ++at) understand_subject(graph, first, at);
   for (int at = 0; at < graph.count(); ++at) noun_of_event(graph, at);
+  for (int at = 0, end = graph.count(); at < end; ++at) nobody_decides(graph, at);
 }
 
 // A concept is one word. Where the graph leads to it a second time, a word of its own with @ref stands for it, and rules

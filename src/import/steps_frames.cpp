@@ -551,8 +551,10 @@ void degree_said(Rewriter& graph, int led, int quality) {
   constexpr std::array kAmounts{"more", "most", "less", "enough"};
   const bool is_amount =
       (graph.is(quality, "much") || graph.is(quality, "many")) && is_listed(graph.word(degree).name, kAmounts);
-  if (is_amount && graph.mentions(degree) == 1) {
-    graph.word(quality).name = graph.word(degree).name;
+  // "Fewer people".
+  const bool is_fewer = graph.is(quality, "few") && graph.is(degree, "more");
+  if ((is_amount || is_fewer) && graph.mentions(degree) == 1) {
+    graph.word(quality).name = is_fewer ? "fewer" : graph.word(degree).name;
     graph.settle_concept(degree, Fate::word);
     graph.remove(led, Fate::word);
     graph.move_children(degree, quality);

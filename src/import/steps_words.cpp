@@ -164,6 +164,9 @@ void step_dates(Meaning& meaning) {
     if (led < 0) continue;
     const std::string part = graph.arc(led).role;
     const int head = graph.arc(led).to;
+    // "At 12:20 yesterday".
+    const int day = part == "time" ? graph.child(at, "mod") : -1;
+    if (day >= 0) graph.arc(day).role = "weekday";
     attribute_add(graph.word(head), "@date");
     attribute_add(graph.word(head), "@" + part);
     // The dictionary has months by number, month(>7), and no other word is called so.
