@@ -112,6 +112,15 @@ int mention_of(Rewriter& graph, int at) {
   return made;
 }
 
+// Arguments of a frame, in contrast to circumstances.
+bool is_core_role(const std::string& role) {
+  return role.starts_with("ARG");
+}
+
+bool is_core(const Arc& one) {
+  return !one.inverse && is_core_role(one.role);
+}
+
 // ---- coordination --------------------------------------------------------------------------------------------------
 
 // A concept that joins its operands, and the attribute of all operands but the first.
@@ -236,11 +245,6 @@ void plural_parts(Rewriter& graph, const std::vector<int>& parts) {
   }
 }
 
-// Arguments of a frame, in contrast to circumstances.
-bool is_core_role(const std::string& role) {
-  return role.starts_with("ARG");
-}
-
 // "She came and sang to please us": a phrase that is said of all clauses stands behind the last.
 // A word alone, "always", stays with the first, and so does a clause that goes in front.
 void late_circumstances(Rewriter& graph, int at, int head, int last) {
@@ -278,7 +282,13 @@ void coordinate(Rewriter& graph, int at, const Conjunction& conjunction) {
   mention_group(graph, at, first[static_cast<std::size_t>(at)]);
   const int head = graph.arc(parts[0]).to;
   graph.settle_concept(at, Fate::attribute);
-  if (parts.size() == 1) {
+  // Within a sentence nothing is left that it could be tied to.
+  const int led_here = graph.parent(at);
+  const bool is_inside = led_here >= 0 && is_core(graph.arc(led_here)) && graph.arc(led_here).role != "ARG1";
+  const bool is_object =
+      led_here >= 0 && graph.arc(led_here).role == "ARG1" && !graph.is(graph.arc(led_here).from, "say", "01");
+  const bool is_but = conjunction.attribute == std::string_view("@but");
+  if (parts.size() == 1 && (is_but || (!is_object && !is_inside))) {
     // "And ...", "But ...": what it is tied to stands in another sentence.
     attribute_add(graph.word(head), std::string("@lead_") + (conjunction.attribute + 1));
   }
@@ -332,10 +342,6 @@ void coordinate(Rewriter& graph, int at, const Conjunction& conjunction) {
   }
   if (conjunction.attribute == std::string_view("@and")) late_circumstances(graph, at, head, last);
   graph.move_children(at, head);
-}
-
-bool is_core(const Arc& one) {
-  return !one.inverse && is_core_role(one.role);
 }
 
 // ---- quotation -----------------------------------------------------------------------------------------------------

@@ -128,6 +128,9 @@ void reified_apply(Rewriter& graph, int at, const Reified& one) {
   const int down = graph.argument(at, one.dependent);
   if (down < 0 && up < 0) return;
   if (up < 0 || down < 0) return lone_apply(graph, at, one, up, down);
+  // "I am with you": of two who are together, who speaks comes first.
+  const bool is_together = one.role == std::string_view("accompanier") && graph.is(graph.other(down, at), "i");
+  if (is_together && graph.parent(at) < 0) std::swap(graph.arc(up).to, graph.arc(down).to);
   const int head = graph.other(up, at);
   const int dependent = graph.other(down, at);
   if (head == dependent) return;
@@ -716,6 +719,39 @@ void tie_to_bearer(Rewriter& graph, int at, bool is_quantity, int quality_led, i
   graph.move_children(at, quality);
 }
 
+// "There is enough water to drink": how much there is of what nobody has spoken of before. (h / have-quant-91 :ARG1 (w /
+// water) :ARG3 (e / enough)). True if the frame has become one of being there.
+bool stated_amount(Rewriter& graph, int at, int quality_led, int bearer_led) {
+  const int bearer = bearer_led < 0 ? -1 : graph.arc(bearer_led).to;
+  if (bearer < 0 || graph.arc(bearer_led).from != at || graph.arc(quality_led).from != at) return false;
+  const Concept& noun = graph.word(bearer);
+  const bool is_noun = noun.sense.empty() && !noun.variable.empty() && !has_attribute(noun, "@name") &&
+                       !is_personal_pronoun(graph, bearer);
+  // "Enough water to drink" does not say it again.
+  const int then = graph.child(at, "ARG6");
+  const int again = then < 0 ? -1 : graph.child(graph.arc(then).to, "ARG1");
+  const bool is_again = again >= 0 && graph.arc(again).to == bearer;
+  if (graph.mentions(bearer) > (is_again ? 2 : 1)) return false;
+  constexpr std::array kKnown{"this", "that", "these", "those", "such", "all", "same"};
+  const int mod = graph.child(bearer, "mod");
+  if (!is_noun || graph.child(bearer, "poss") >= 0 || (mod >= 0 && is_one_of(graph, graph.arc(mod).to, kKnown)))
+    return false;
+  constexpr std::array kAmounts{"enough", "many", "much", "few", "little", "several", "lot", "more", "less"};
+  const int degree = graph.child(at, "ARG3");
+  if (!is_one_of(graph, graph.arc(quality_led).to, kAmounts)) return false;
+  if (degree >= 0 && degree != quality_led) degree_said(graph, degree, graph.arc(quality_led).to);
+  const bool is_denied = std::erase(graph.word(at).attributes, "@neg") > 0;
+  if (is_denied) attribute_add(graph.word(graph.arc(quality_led).to), "@neg");
+  const int amount = graph.arc(quality_led).to;
+  graph.word(at).name = "exist";
+  graph.word(at).sense = "01";
+  graph.replace(quality_led, bearer, amount, "quant");
+  if (const int than = graph.child(at, "ARG4"); than >= 0) graph.arc(than).role = "compared-to";
+  if (then >= 0) graph.arc(then).role = "purpose";
+  if (is_again) graph.remove(again, Fate::relation);
+  return true;
+}
+
 // (x :ARG1-of (have-degree-91 :ARG2 tall :ARG3 more :ARG4 y)): tall is the quality, x its bearer.
 void degree_apply(Rewriter& graph, int at, bool is_quantity) {
   int quality_led = graph.argument(at, "ARG2");
@@ -725,6 +761,7 @@ void degree_apply(Rewriter& graph, int at, bool is_quantity) {
   const int quality = graph.other(quality_led, at);
   const int bearer_led = graph.argument(at, "ARG1");
   if (is_quantity && bearer_led >= 0) counted_apply(graph, quality, graph.other(bearer_led, at));
+  if (is_quantity && stated_amount(graph, at, quality_led, bearer_led)) return;
   graph.settle_concept(at, Fate::relation);
   // What is denied is the degree: "no thicker than a finger".
   if (has_attribute(graph.word(at), "@neg")) attribute_add(graph.word(quality), "@neg");
@@ -752,6 +789,16 @@ constexpr Modal kModals[] = {
 // The governed clause takes the place of the frame and an attribute in its stead; negation and mood of the frame go with
 // it. Nothing happens where a modal verb could not say it: no clause, somebody who recommends, a second modal.
 void modality_apply(Rewriter& graph, int at, const Modal& modal) {
+  // "It can be cleaned and sold": what holds of several clauses leads to each.
+  std::vector<int> further;
+  for (int led = 0; led < static_cast<int>(graph.meaning().arcs.size()); ++led) {
+    const Arc& one = graph.arc(led);
+    if (!one.gone && one.inverse && one.to == at && one.role == modal.governed) further.push_back(led);
+  }
+  for (std::size_t i = 1; i < further.size(); ++i) {
+    attribute_add(graph.word(graph.arc(further[i]).from), modal.attribute);
+    graph.remove(further[i], Fate::attribute);
+  }
   const int led = graph.argument(at, modal.governed);
   if (led < 0) return;
   const int clause = graph.other(led, at);
@@ -899,7 +946,8 @@ void times_apply(Rewriter& graph, int at) {
   const bool is_many = led >= 0 && is_listed(graph.word(graph.arc(led).to).name, kMany);
   if (!is_many || graph.child(at, "frequency") >= 0) return;
   const int above = graph.parent(at);
-  const bool is_clause = above < 0 || graph.arc(above).inverse;
+  constexpr std::array kOuter{"concession", "cause", "condition", "op1", "op2"};
+  const bool is_clause = above < 0 || graph.arc(above).inverse || is_listed(graph.arc(above).role, kOuter);
   if (!is_clause || (graph.child(at, "ARG0") < 0 && above < 0)) return;
   const int times = graph.add_concept("time");
   graph.replace(led, times, graph.arc(led).to, "quant");
@@ -976,6 +1024,14 @@ void phrase_apply(Rewriter& graph, int at) {
       attribute_add(graph.word(noun), "@indef");
       attribute_add(graph.word(noun), "@closed");
     }
+  }
+  // What is a trouble to somebody: "the road is an issue".
+  const int issue = graph.is(at, "issue", "02") ? graph.child(at, "ARG0") : -1;
+  if (issue >= 0) {
+    graph.arc(issue).role = "domain";
+    if (const int whose = graph.child(at, "ARG1"); whose >= 0) graph.arc(whose).role = "beneficiary";
+    graph.word(at).sense.clear();
+    std::erase(graph.word(at).attributes, "@v");
   }
   // Nobody opines; people think.
   if (graph.is(at, "opine", "01")) graph.word(at).name = "think";
@@ -1102,7 +1158,6 @@ void sets_apply(Rewriter& graph) {
     const int number = graph.child(one.from, "quant");
     const bool is_one = number < 0 ? !has_attribute(graph.word(one.from), "@pl") : graph.is(graph.arc(number).to, "1");
     if (!is_one || graph.word(one.from).name != whole.name) continue;
-    attribute_add(graph.word(one.to), "@def");
     graph.word(one.from).name = "one";
     if (number < 0) continue;
     graph.settle_concept(graph.arc(number).to, Fate::word);

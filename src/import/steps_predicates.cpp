@@ -214,7 +214,9 @@ void number_apply(Rewriter& graph, int at) {
   constexpr std::array kSeveral{"they", "we", "these", "those"};
   constexpr std::array kGroups{"team", "family", "group", "couple", "pair", "majority", "minority", "people", "nation"};
   const int who = graph.arc(led).to;
-  const bool is_several = is_one_of(graph, who, kSeveral) || has_attribute(graph.word(who), "@pl");
+  const bool is_several =
+      is_one_of(graph, who, kSeveral) || has_attribute(graph.word(who), "@pl") ||
+      (graph.is(who, "and") && graph.child(who, "op2") >= 0 && !is_event(graph, graph.arc(graph.child(who, "op2")).to));
   if (is_several && graph.child(at, "quant") < 0 && !is_one_of(graph, at, kGroups))
     attribute_add(graph.word(at), "@pl");
   // "The only hills are three volcanoes".
@@ -258,6 +260,9 @@ void seeming_apply(Rewriter& graph, int at) {
   constexpr std::array kThings{"thing", "nothing", "something", "somebody", "someone", "person", "man", "way"};
   const bool is_thing = is_one_of(graph, thing, kThings) || graph.child(thing, "quant") >= 0 ||
                         graph.child(thing, "ARG0", true) >= 0 || graph.child(thing, "ARG1", true) >= 0;
+  // "It is better than it seems".
+  const bool is_alone = graph.child(at, "ARG2") < 0 && graph.word(thing).sense.empty();
+  if (is_alone && is_personal_pronoun(graph, thing) && graph.child(thing, "domain") < 0) graph.arc(led).role = "ARG0";
   if (!graph.word(thing).sense.empty() || graph.child(thing, "domain") >= 0 || !is_thing) return;
   attribute_add(graph.word(at), has_attribute(graph.word(thing), "@pl") ? "@theres" : "@there");
   attribute_add(graph.word(at), "@raised");

@@ -505,7 +505,11 @@ void idiom_apply(Rewriter& graph, int at) {
                              "finger", "tail", "wing", "body",  "brain", "tooth", "chest",    "throat"};
   if (is_theirs && is_one_of(graph, at, kBody)) several_apply(graph, at);
   // (t / that :ARG0-of (w / watch-01)): those that watched.
-  if (graph.is(at, "that") && graph.child(at, "ARG0", true) >= 0) attribute_add(graph.word(at), "@pl");
+  if (graph.is(at, "that") && graph.child(at, "ARG0", true) >= 0) {
+    attribute_add(graph.word(at), "@pl");
+    attribute_add(graph.word(at), "@person");
+    graph.word(at).name = "those";
+  }
   // (t / time :mod (a / all)): all the time.
   const int above = graph.is(at, "time") && graph.children(at).size() == 1 ? graph.parent(at) : -1;
   const int all = above < 0 ? -1 : graph.child(at, "mod");
