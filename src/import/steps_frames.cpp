@@ -641,11 +641,15 @@ void amount_stated(Rewriter& graph, int at, int quality_led, int bearer_led) {
   const int being = graph.add_concept("exist");
   graph.word(being).sense = "91";
   graph.word(being).attributes = {"@v", has_attribute(graph.word(bearer), "@pl") ? "@theres" : "@there"};
-  if (std::erase(graph.word(quality).attributes, "@neg") > 0) attribute_add(graph.word(being), "@neg");
+  // "There is not enough water to drink": what is denied is the amount.
   graph.redirect(at, being);
   graph.replace(bearer_led, being, bearer, "ARG1");
   graph.replace(quality_led, bearer, quality, "quant");
-  if (const int led = graph.child(quality, "consequence"); led >= 0) graph.arc(led).from = being;
+  if (const int led = graph.child(quality, "consequence"); led >= 0) {
+    graph.replace(led, being, graph.arc(led).to, graph.is(quality, "enough") ? "purpose" : "consequence");
+    const int again = graph.child(graph.arc(led).to, "ARG1");
+    if (again >= 0 && graph.arc(again).to == bearer) graph.remove(again, Fate::relation);
+  }
   graph.move_children(at, being);
 }
 
@@ -719,39 +723,6 @@ void tie_to_bearer(Rewriter& graph, int at, bool is_quantity, int quality_led, i
   graph.move_children(at, quality);
 }
 
-// "There is enough water to drink": how much there is of what nobody has spoken of before. (h / have-quant-91 :ARG1 (w /
-// water) :ARG3 (e / enough)). True if the frame has become one of being there.
-bool stated_amount(Rewriter& graph, int at, int quality_led, int bearer_led) {
-  const int bearer = bearer_led < 0 ? -1 : graph.arc(bearer_led).to;
-  if (bearer < 0 || graph.arc(bearer_led).from != at || graph.arc(quality_led).from != at) return false;
-  const Concept& noun = graph.word(bearer);
-  const bool is_noun = noun.sense.empty() && !noun.variable.empty() && !has_attribute(noun, "@name") &&
-                       !is_personal_pronoun(graph, bearer);
-  // "Enough water to drink" does not say it again.
-  const int then = graph.child(at, "ARG6");
-  const int again = then < 0 ? -1 : graph.child(graph.arc(then).to, "ARG1");
-  const bool is_again = again >= 0 && graph.arc(again).to == bearer;
-  if (graph.mentions(bearer) > (is_again ? 2 : 1)) return false;
-  constexpr std::array kKnown{"this", "that", "these", "those", "such", "all", "same"};
-  const int mod = graph.child(bearer, "mod");
-  if (!is_noun || graph.child(bearer, "poss") >= 0 || (mod >= 0 && is_one_of(graph, graph.arc(mod).to, kKnown)))
-    return false;
-  constexpr std::array kAmounts{"enough", "many", "much", "few", "little", "several", "lot", "more", "less"};
-  const int degree = graph.child(at, "ARG3");
-  if (!is_one_of(graph, graph.arc(quality_led).to, kAmounts)) return false;
-  if (degree >= 0 && degree != quality_led) degree_said(graph, degree, graph.arc(quality_led).to);
-  const bool is_denied = std::erase(graph.word(at).attributes, "@neg") > 0;
-  if (is_denied) attribute_add(graph.word(graph.arc(quality_led).to), "@neg");
-  const int amount = graph.arc(quality_led).to;
-  graph.word(at).name = "exist";
-  graph.word(at).sense = "01";
-  graph.replace(quality_led, bearer, amount, "quant");
-  if (const int than = graph.child(at, "ARG4"); than >= 0) graph.arc(than).role = "compared-to";
-  if (then >= 0) graph.arc(then).role = "purpose";
-  if (is_again) graph.remove(again, Fate::relation);
-  return true;
-}
-
 // (x :ARG1-of (have-degree-91 :ARG2 tall :ARG3 more :ARG4 y)): tall is the quality, x its bearer.
 void degree_apply(Rewriter& graph, int at, bool is_quantity) {
   int quality_led = graph.argument(at, "ARG2");
@@ -761,7 +732,6 @@ void degree_apply(Rewriter& graph, int at, bool is_quantity) {
   const int quality = graph.other(quality_led, at);
   const int bearer_led = graph.argument(at, "ARG1");
   if (is_quantity && bearer_led >= 0) counted_apply(graph, quality, graph.other(bearer_led, at));
-  if (is_quantity && stated_amount(graph, at, quality_led, bearer_led)) return;
   graph.settle_concept(at, Fate::relation);
   // What is denied is the degree: "no thicker than a finger".
   if (has_attribute(graph.word(at), "@neg")) attribute_add(graph.word(quality), "@neg");

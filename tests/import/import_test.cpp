@@ -184,8 +184,6 @@ const StepRow kSteps[] = {
     {"chapter", "quantities", "(c / chapter :mod 2)", "num(chapter.@entry, 2)"},
     {"forms", "forms", "(g / go-02 :polarity - :ARG0 (i / i))", "a0(go(>02).@entry.@v.@neg.@cl.@aux, i)"},
     {"there", "forms", "(b / be-located-at-91 :ARG1 (c / cup :quant 1))", "a1(be-located-at(>91).@entry.@v.@cl.@there, cup); qty(cup, 1)"},
-    {"amount_stated", "degree", "(h / have-quant-91 :ARG1 (w / water) :ARG3 (e / enough) :ARG6 (d / drink-01 :ARG1 w) :polarity -)",
-     "a1(exist(>01).@entry.@v, water); qty(water, enough.@neg); pur(exist(>01), drink(>01).@v)"},
     {"wanted_deed", "persons", "(h / house :ARG1-of (b / build-01 :ARG0 (s / she) :ARG1-of (w / want-01 :ARG0 s)))",
      "a1(want(>01).@v, house.@entry); a0(build(>01).@v, she); a1(want(>01), build(>01)); a0(want(>01), she)"},
     {"condition_above", "turned", "(r / rain-01 :mode interrogative :condition-of (s / stay-01 :ARG0 (w / we)))",
