@@ -310,6 +310,59 @@ void kind_apply(Rewriter& graph, int at) {
   attribute_add(graph.word(kind), is_several ? "@pl" : "@indef");
 }
 
+// Adjectives whose subject is what is judged, and what stands in front of who judges it: "useful to us".
+struct Judged {
+  const char* name;
+  const char* preposition;
+};
+
+constexpr Judged kJudged[] = {{"acceptable", "to"},     {"accessible", "to"},       {"visible", "to"},
+                              {"invisible", "to"},      {"audible", "to"},          {"useful", "to"},
+                              {"useless", "to"},        {"unacceptable", "to"},     {"understandable", "to"},
+                              {"inaccessible", "to"},   {"recognizable", "to"},     {"valuable", "to"},
+                              {"noticeable", "to"},     {"desirable", "to"},        {"inconceivable", "to"},
+                              {"apparent", "to"},       {"incomprehensible", "to"}, {"preferable", "to"},
+                              {"tolerable", "to"},      {"unknown", "to"},          {"funny", "to"},
+                              {"precious", "to"},       {"affordable", "for"},      {"enjoyable", "for"},
+                              {"profitable", "for"},    {"unbearable", "for"},      {"attainable", "for"},
+                              {"unforgettable", "for"}, {"habitable", "for"},       {"predictable", "for"},
+                              {"unavoidable", "for"},   {"imaginable", "to"},       {"sick", "of"},
+                              {"available", "to"},      {"believable", "to"},       {"unpredictable", "for"}};
+
+// (u / useful-05 :ARG0 (f / farmer) :ARG1 (t / tool)): the tool is useful to the farmer.
+void judged_apply(Rewriter& graph, int at) {
+  const int judge = graph.word(at).sense.empty() ? -1 : graph.child(at, "ARG0");
+  if (judge < 0 || graph.argument(at, "ARG1") < 0) return;
+  for (const Judged& one : kJudged) {
+    if (graph.word(at).name != one.name) continue;
+    const int preposition = graph.add_concept(one.preposition);
+    const int person = graph.arc(judge).to;
+    graph.replace(judge, at, preposition, "prep");
+    graph.add(preposition, person, "op1");
+    return;
+  }
+}
+
+// (c / cruel-01 :ARG0 s :ARG1 (l / leave-15 :ARG0 s)): "it is cruel of her to leave".
+void behaving_apply(Rewriter& graph, int at) {
+  constexpr std::array kBehaving{"cruel",   "rude",     "evil",     "kind",   "wise",   "stupid",
+                                 "selfish", "generous", "brave",    "unfair", "unkind", "clever",
+                                 "foolish", "silly",    "careless", "nice",   "polite", "brutal"};
+  const bool is_behaving = !graph.word(at).sense.empty() && is_one_of(graph, at, kBehaving);
+  const int who = is_behaving ? graph.child(at, "ARG0") : -1;
+  const int deed = is_behaving ? graph.child(at, "ARG1") : -1;
+  if (who < 0 || deed < 0 || !is_event(graph, graph.arc(deed).to)) return;
+  const int act = graph.arc(deed).to;
+  const int person = graph.arc(who).to;
+  const int own = graph.child(act, "ARG0");
+  if (own < 0 || graph.arc(own).to != person || graph.parent(act) != deed) return;
+  graph.remove(own, Fate::relation);
+  const int preposition = graph.add_concept("of");
+  graph.replace(who, at, preposition, "prep");
+  graph.add(preposition, person, "op1");
+  attribute_add(graph.word(at), "@xinf");
+}
+
 // Who exclaims how great something is does not ask.
 void exclaim_apply(Rewriter& graph, int at) {
   const int led = graph.is(at, "exclaim", "01") ? graph.child(at, "ARG1") : -1;
@@ -425,6 +478,8 @@ void step_predicates(Meaning& meaning) {
     seeming_apply(graph, at);
     becoming_apply(graph, at);
     kind_apply(graph, at);
+    judged_apply(graph, at);
+    behaving_apply(graph, at);
     exclaim_apply(graph, at);
     whenever_apply(graph, at);
     how_apply(graph, at);
