@@ -777,7 +777,8 @@ void modality_apply(Rewriter& graph, int at, const Modal& modal) {
     const bool is_denied = has_attribute(graph.word(at), "@neg");
     for (const int operand : graph.children(clause)) {
       const int part = graph.arc(operand).to;
-      if (graph.word(part).sense.empty() || graph.arc(operand).inverse) continue;
+      const bool is_said = !graph.word(part).sense.empty() || graph.child(part, "domain") >= 0;
+      if (!is_said || graph.arc(operand).inverse) continue;
       attribute_add(graph.word(part), modal.attribute);
       if (is_denied) attribute_add(graph.word(part), "@neg");
     }
@@ -796,15 +797,14 @@ void modality_apply(Rewriter& graph, int at, const Modal& modal) {
   for (const char* attribute : {"@can", "@must", "@should"}) {
     if (has_attribute(graph.word(clause), attribute)) return;
   }
+  // A negated possibility: "cannot". The two negations of "it is not possible not to" stay apart.
+  if (has_attribute(graph.word(at), "@neg") && has_attribute(graph.word(clause), "@neg")) return;
   graph.settle_concept(at, Fate::attribute);
   attribute_add(graph.word(clause), modal.attribute);
-  // A negated possibility: "cannot". The two negations of "it is not possible not to" stay apart.
   // Who is not obliged may do it all the same: "you need not go".
   if (graph.is(at, "obligate", "01") && has_attribute(graph.word(at), "@neg") &&
       std::erase(graph.word(clause).attributes, "@must"))
     attribute_add(graph.word(clause), "@need");
-  const bool both = has_attribute(graph.word(at), "@neg") && has_attribute(graph.word(clause), "@neg");
-  if (both) return;
   for (const std::string& attribute : graph.word(at).attributes) {
     if (attribute != "@v") attribute_add(graph.word(clause), attribute);
   }
