@@ -150,7 +150,7 @@ void consequence_behind(Rewriter& graph, int at) {
 }
 
 // (b / buy-01 :frequency (v / visit-01 :ARG0 he) with @every): "whenever he visits".
-void whenever_apply(Rewriter& graph, int led) {
+void every_time_apply(Rewriter& graph, int led) {
   const Arc one = graph.arc(led);
   if (one.gone || one.inverse || one.role != "frequency" || !is_event(graph, one.to)) return;
   if (!has_attribute(graph.word(one.to), "@every") || graph.children(one.to).empty()) return;
@@ -175,7 +175,7 @@ void step_turned(Meaning& meaning) {
     consequence_behind(graph, at);
   }
   for (int led = 0, end = static_cast<int>(meaning.arcs.size()); led < end; ++led) {
-    whenever_apply(graph, led);
+    every_time_apply(graph, led);
     extent_apply(graph, led);
   }
 }
