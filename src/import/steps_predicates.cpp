@@ -300,7 +300,8 @@ void kind_apply(Rewriter& graph, int at) {
   const int kind = graph.arc(led).to;
   const Concept& word = graph.word(kind);
   if (!word.sense.empty() || word.variable.empty() || has_attribute(word, "@name") || is_pronoun(graph, kind)) return;
-  if (graph.mentions(kind) > 1 || is_joining(graph, kind) || has_attribute(word, "@pl")) return;
+  if (graph.mentions(kind) > 1 || is_unknown(graph, kind) || is_joining(graph, kind) || has_attribute(word, "@pl"))
+    return;
   for (const char* role : {"poss", "org", "part-of", "ord", "quant", "superlative-of"}) {
     if (graph.child(kind, role) >= 0) return;
   }
