@@ -314,11 +314,19 @@ void stand_behind(Rewriter& graph, int led, int named, int title) {
   const int above = graph.parent(named);
   graph.replace(led, named, title, "apposition");
   attribute_add(graph.word(title), "@def");
-  const bool is_subject = above >= 0 && graph.arc(above).role == "ARG0" && !graph.arc(above).inverse;
+  const int clause = above >= 0 && !graph.arc(above).inverse ? graph.arc(above).from : -1;
+  const std::string role = clause < 0 ? "" : graph.arc(above).role;
+  const bool is_subject = role == "ARG0" || role == "domain" || (role == "ARG1" && graph.child(clause, "ARG0") < 0);
+  // "They met Kim, the mayor of Rome, on Monday".
+  constexpr std::array kBehind{"time", "location", "duration"};
+  const bool is_inside = clause >= 0 && std::any_of(kBehind.begin(), kBehind.end(), [&](const char* one) {
+                           const int circumstance = graph.child(clause, one);
+                           return circumstance >= 0 && graph.word(graph.arc(circumstance).to).sense.empty();
+                         });
   // A relative clause behind the name brings a comma of its own.
   const std::vector<int> below = graph.children(named);
   const bool is_last = std::none_of(below.begin(), below.end(), [&](int one) { return graph.arc(one).inverse; });
-  if (is_subject && is_last) attribute_add(graph.word(title), "@closed");
+  if ((is_subject || is_inside) && is_last) attribute_add(graph.word(title), "@closed");
 }
 
 // True for what no noun may have in front of it: several words, or what comes behind its own noun.
@@ -1221,6 +1229,16 @@ void step_office(Meaning& meaning) {
         break;
       }
     }
+  }
+  // "Kim, 81, sang".
+  for (int at = 0; at < graph.count(); ++at) {
+    const int led = has_attribute(graph.word(at), "@name") ? graph.child(at, "age") : -1;
+    const int years = led < 0 || !graph.is(graph.arc(led).to, "year") ? -1 : graph.child(graph.arc(led).to, "quant");
+    if (years < 0 || graph.children(graph.arc(led).to).size() != 1 || graph.mentions(graph.arc(led).to) > 1) continue;
+    graph.settle_concept(graph.arc(led).to, Fate::word);
+    const int number = graph.arc(years).to;
+    graph.remove(years, Fate::word);
+    stand_behind(graph, led, at, number);
   }
 }
 

@@ -309,6 +309,9 @@ void people_apply(Rewriter& graph, int at) {
 void unit_apply(Rewriter& graph, int at) {
   const bool is_quantity = graph.word(at).name.ends_with("-quantity") && graph.word(at).sense.empty();
   if (const int unit = is_quantity ? graph.child(at, "unit") : -1; unit >= 0) {
+    // One unit of two quantities is two words: "between two and three years".
+    if (graph.mentions(graph.arc(unit).to) > 1)
+      graph.arc(unit).to = graph.add_concept(std::string(graph.word(graph.arc(unit).to).name));
     attribute_add(graph.word(graph.arc(unit).to), "@measure");
     if (has_attribute(graph.word(at), "@pl")) attribute_add(graph.word(graph.arc(unit).to), "@pl");
     graph.stand_in(at, unit, Fate::word);
