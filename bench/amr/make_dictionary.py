@@ -502,7 +502,7 @@ def told_of_verb(concept, verb, built, seen, is_alone, shapes, senses):
         own += shapes.get(verb, sorted(seen))
     if told is not None:
         own = [a for a in own if a + "-" not in told]
-    if not {"INF1", "THAT1", "BARE1", "OINF1"} & set(own):
+    if not {"THAT1", "BARE1", "OINF1"} & set(own):
         own.append("NOUN1")
     # Behind a preposition stands a gerund, "she objected to waiting", or the fact that somebody else waits.
     about = {a[2:] for a in own if a.startswith("p1")}

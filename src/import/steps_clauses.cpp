@@ -703,19 +703,6 @@ void request_apply(Rewriter& graph, int at) {
   }
 }
 
-// "She wonders whether it rains": what somebody wonders is open, unless it has a question word of its own.
-void wondering_apply(Rewriter& graph, int at) {
-  constexpr std::array kWondering{"wonder", "inquire", "enquire"};
-  const int led = !graph.word(at).sense.empty() && is_one_of(graph, at, kWondering) ? graph.child(at, "ARG1") : -1;
-  if (led < 0) return;
-  const int what = graph.arc(led).to;
-  const std::vector<int> below = graph.children(what);
-  const bool is_open =
-      std::none_of(below.begin(), below.end(), [&](int one) { return is_unknown(graph, graph.arc(one).to); });
-  const bool is_told = subject_arc(graph, what) >= 0 && (is_event(graph, what) || graph.child(what, "domain") >= 0);
-  if (is_open && is_told && graph.mentions(what) == 1) attribute_add(graph.word(what), "@whether");
-}
-
 }  // namespace
 
 // :polarity - is @neg by the table of roles before any step. Here it meets the words that have a negation in them, and
@@ -752,7 +739,6 @@ void step_polarity(Meaning& meaning) {
       graph.stand_in(at, led);
     }
     request_apply(graph, at);
-    wondering_apply(graph, at);
   }
 }
 
@@ -1260,31 +1246,45 @@ void tense_of_age(Rewriter& graph, int at) {
   attribute_add(graph.word(at), "@past");
 }
 
-// "She hopes that he will come", "she promised that it would rain", "she demanded that he should go": what is hoped or
-// demanded is still to come. Only what has a subject of its own: the rest is an infinitive.
+// "She hopes that he will come", "she promised that it would rain", "she wonders whether it rains": what is hoped or
+// demanded is still to come, and what is wondered is open. Only what has a subject of its own: the rest is an infinitive.
+// The mark of what the clause of `at` says, "" for none.
+std::string mark_of_content(Rewriter& graph, int at) {
+  constexpr std::array kHoping{"hope", "bet", "trust", "guarantee", "ensure"};
+  constexpr std::array kPromising{"promise", "predict", "vow",      "pledge", "forecast",
+                                  "decide",  "foresee", "threaten", "wish"};
+  constexpr std::array kDemanding{"demand", "recommend", "propose", "stipulate", "decree"};
+  constexpr std::array kWondering{"wonder", "inquire", "enquire"};
+  const Concept& word = graph.word(at);
+  const bool is_now = has_attribute(word, "@pres") || has_attribute(word, "@fut");
+  if (is_one_of(graph, at, kHoping)) return has_attribute(word, "@past") ? "@would" : "@fut";
+  if (is_one_of(graph, at, kPromising)) return is_now ? "@fut" : "@would";
+  if (is_one_of(graph, at, kDemanding)) return "@should";
+  return is_one_of(graph, at, kWondering) ? "@whether" : "";
+}
+
 void tense_of_content(Rewriter& graph, int at) {
   const int led = graph.word(at).sense.empty() ? -1 : graph.child(at, "ARG1");
-  const int what = led >= 0 ? graph.arc(led).to : -1;
-  if (what < 0 || !is_event(graph, what) || graph.parent(what) != led) return;
-  constexpr std::array kKnown{"@past", "@pres", "@fut",    "@would", "@imp",   "@perf",  "@can",
-                              "@must", "@may",  "@should", "@ask",   "@quote", "@likely"};
-  for (const char* one : kKnown) {
-    if (has_attribute(graph.word(what), one)) return;
-  }
+  int what = led >= 0 ? graph.arc(led).to : -1;
+  if (what < 0 || graph.parent(what) != led || graph.child(what, "questioned") >= 0) return;
+  const std::string mark = mark_of_content(graph, at);
+  const bool is_open = mark == "@whether";
   const int subject = subject_arc(graph, what);
   const int agent = graph.child(at, "ARG0");
   const bool is_own = subject >= 0 && agent >= 0 && graph.arc(subject).to == graph.arc(agent).to;
-  if (subject < 0 || is_own) return;
-  constexpr std::array kHoping{"hope", "bet", "trust", "guarantee", "ensure"};
-  constexpr std::array kPromising{"promise", "predict", "vow", "pledge", "forecast", "threaten", "foresee", "wish"};
-  constexpr std::array kDemanding{"demand", "recommend", "propose", "stipulate", "decree"};
-  const bool is_past = has_attribute(graph.word(at), "@past");
-  if (is_one_of(graph, at, kHoping)) attribute_add(graph.word(what), is_past ? "@would" : "@fut");
-  if (is_one_of(graph, at, kPromising)) {
-    const bool is_now = has_attribute(graph.word(at), "@pres") || has_attribute(graph.word(at), "@fut");
-    attribute_add(graph.word(what), is_now ? "@fut" : "@would");
+  if (mark.empty() || subject < 0 || (is_own && !is_open) || has_attribute(graph.word(what), "@asked")) return;
+  constexpr std::array kKnown{"@past", "@pres", "@fut",    "@would", "@imp",   "@perf",  "@can",
+                              "@must", "@may",  "@should", "@ask",   "@quote", "@likely"};
+  // What is joined to it is told of the same time.
+  for (int steps = graph.count(); what >= 0 && steps > 0; --steps) {
+    const Concept& clause = graph.word(what);
+    const bool is_known =
+        std::any_of(kKnown.begin(), kKnown.end(), [&](const char* one) { return has_attribute(clause, one); });
+    const bool is_told = is_event(graph, what) && !is_known;
+    if (is_open || is_told) attribute_add(graph.word(what), mark);
+    const int next = is_open ? -1 : graph.child(what, "conjunct");
+    what = next >= 0 ? graph.arc(next).to : -1;
   }
-  if (is_one_of(graph, at, kDemanding)) attribute_add(graph.word(what), "@should");
 }
 
 }  // namespace
@@ -1834,9 +1834,10 @@ void understand_subject(Rewriter& graph, const std::vector<int>& first, int at) 
                                       : is_one_of(graph, higher, kOfHearers);
   if (role == "ARG1" && (is_of_other || (is_one_of(graph, higher, kOfHearers) && is_modal(graph.word(at))))) return;
   // A predicate without verb has no infinitive of its own.
-  constexpr std::array kToBe{"want",    "decide",  "try",    "attempt", "wish",    "need", "prefer",
-                             "learn",   "pretend", "choose", "deserve", "refuse",  "plan", "intend",
-                             "promise", "claim",   "begin",  "start",   "continue"};
+  constexpr std::array kToBe{"want",    "decide", "try",      "attempt", "wish",  "need",    "prefer",  "learn",
+                             "pretend", "choose", "deserve",  "refuse",  "plan",  "intend",  "promise", "claim",
+                             "begin",   "start",  "continue", "enjoy",   "avoid", "stop",    "risk",    "resist",
+                             "mind",    "hate",   "like",     "love",    "hope",  "succeed", "keep"};
   const bool is_to_be = role == "ARG1" && is_one_of(graph, higher, kToBe);
   if (graph.arc(subject).role == "domain" && !is_seeming(graph, higher) && role != "attendant" && !is_to_be) return;
   if (graph.arc(subject).role != "ARG0") attribute_add(graph.word(at), "@ctl1");

@@ -192,7 +192,7 @@ const StepRow kSteps[] = {
      "a0(hope(>01).@entry.@v, boy); a1(hope(>01), sing(>01).@v.@fut); a0(sing(>01), girl)"},
     {"promised", "tense", "(p / promise-01 :ARG0 (b / boy) :ARG1 (s / sing-01 :ARG0 (g / girl)))",
      "a0(promise(>01).@entry.@v, boy); a1(promise(>01), sing(>01).@v.@would); a0(sing(>01), girl)"},
-    {"wondering", "polarity", "(w / wonder-01 :ARG1 (s / sing-01 :ARG0 (g / girl)))", "a1(wonder(>01).@entry.@v, sing(>01).@v.@whether); a0(sing(>01), girl)"},
+    {"wondering", "tense", "(w / wonder-01 :ARG1 (s / sing-01 :ARG0 (g / girl)))", "a1(wonder(>01).@entry.@v, sing(>01).@v.@whether); a0(sing(>01), girl)"},
     {"tense_of_you", "tense", "(s / sing-01 :ARG0 (y / you))", "a0(sing(>01).@entry.@v.@pres, you)"},
     {"reflexive", "mentions", "(h / hide-01 :ARG0 (b / boy) :ARG1 b)", "a0(hide(>01).@entry.@v, boy:01); a1(hide(>01), boy:02.@ref.@self)"},
     {"never", "polarity", "(s / sing-01 :polarity - :time (e / ever))", "tim(sing(>01).@entry.@v, never)"},
