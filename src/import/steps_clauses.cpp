@@ -1345,8 +1345,10 @@ void step_tense(Meaning& meaning) {
                           std::any_of(kStanding.begin(), kStanding.end(),
                                       [&](const char* one) { return has_attribute(graph.word(at), one); });
     // What lasts has no progressive: "do you see it?"
-    constexpr std::array kLasting{"see",  "hear", "smell", "like", "love",    "hate",   "want", "need",   "remember",
-                                  "mind", "have", "know",  "mean", "believe", "prefer", "own",  "belong", "understand"};
+    constexpr std::array kLasting{"see",    "hear",     "smell",  "like",       "love",  "hate",     "want",
+                                  "need",   "remember", "mind",   "have",       "know",  "mean",     "believe",
+                                  "prefer", "own",      "belong", "understand", "agree", "disagree", "deserve",
+                                  "matter", "doubt",    "care",   "suppose",    "hope",  "lack"};
     if (!is_known && is_to_you && shared < 0 && graph.child(at, "conjunct") < 0 && !is_one_of(graph, at, kLasting) &&
         is_question && !is_timed)
       attribute_add(clause, "@now");
@@ -1510,10 +1512,17 @@ void bare_time_apply(Rewriter& graph, int at) {
 
 // "She gave it to him": a pronoun stands before who receives it, who then has a preposition.
 void giving_apply(Rewriter& graph, int at) {
-  const int what = gives(graph, at) ? graph.child(at, "ARG1") : -1;
+  const bool is_shared = has_attribute(graph.word(at), "@shr1");
+  const int what = gives(graph, at) ? graph.child(at, is_shared ? "shared" : "ARG1") : -1;
   if (what < 0) return;
   // "The boy that she gave it to".
   if (graph.child(at, "ARG2") < 0) return attribute_add(graph.word(at), "@gives");
+  // "They sent him to prison": what is no person may be a place.
+  const int receiver = graph.arc(graph.child(at, "ARG2")).to;
+  const bool is_person = is_personal_pronoun(graph, receiver) || has_attribute(graph.word(receiver), "@person") ||
+                         graph.is(receiver, "person") || !graph.word(receiver).sense.empty();
+  constexpr std::array kSending{"send", "bring"};
+  if (is_shared || (is_one_of(graph, at, kSending) && !is_person)) attribute_add(graph.word(at), "@pro1");
   const int thing = graph.arc(what).to;
   if (is_personal_pronoun(graph, thing) || graph.parent(thing) != what) attribute_add(graph.word(at), "@pro1");
 }

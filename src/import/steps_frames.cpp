@@ -140,6 +140,14 @@ void reified_apply(Rewriter& graph, int at, const Reified& one) {
   const int first = graph.is(head, "and") ? graph.child(head, "op1") : -1;
   const bool is_of_clause =
       std::string_view(one.role) == "likeness" && !graph.word(first >= 0 ? graph.arc(first).to : head).sense.empty();
+  // "The war lasted ten years": what is no clause has no duration beside it.
+  const bool is_bare = graph.child(head, "ARG0") < 0 && graph.child(head, "ARG1") < 0 &&
+                       graph.child(head, "domain") < 0 && graph.word(head).name != "and";
+  if (!head_above && !dependent_above && is_bare && graph.is(at, "have-duration", "91")) {
+    graph.word(at).name = "last";
+    graph.word(at).sense = "01";
+    return;
+  }
   if (!head_above && !dependent_above && is_statement(one) && !is_of_clause) {
     // What it means, and how old it is, other words say.
     const bool is_verb = graph.is(at, "mean", "91") || graph.is(at, "have-age", "91");
@@ -1113,7 +1121,10 @@ void sets_apply(Rewriter& graph) {
     same_deed_apply(graph, at, graph.arc(whole).to);
     if (const int led = graph.child(at, "ARG3"); led >= 0) graph.arc(led).role = "quant";
     const int quantity = graph.child(at, "quant");
-    if (quantity < 0 || !(graph.is(at, "thing") || graph.is(at, "person"))) continue;
+    // "Some of the money" names the money once.
+    const bool is_again = graph.word(at).name == graph.word(graph.arc(whole).to).name && quantity >= 0 &&
+                          !graph.is(graph.arc(quantity).to, "1");
+    if (quantity < 0 || !(is_again || graph.is(at, "thing") || graph.is(at, "person"))) continue;
     if (!graph.is(graph.arc(quantity).to, "1")) attribute_add(graph.word(graph.arc(quantity).to), "@pl");
     graph.stand_in(at, quantity, Fate::word);
   }

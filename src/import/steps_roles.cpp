@@ -8,8 +8,30 @@
 
 namespace lexon {
 
+namespace {
+
+// UMR calls participants by what they do where it knows no frame: (m / move-01 :actor x :theme y). Where the numbers are
+// free they are those numbers, so that later steps find a subject.
+void participants_apply(Rewriter& graph, int at) {
+  if (graph.word(at).sense.empty()) return;
+  const bool has_agent = graph.argument(at, "ARG0") >= 0;
+  const bool has_object = graph.argument(at, "ARG1") >= 0;
+  for (const int led : graph.children(at)) {
+    Arc& one = graph.arc(led);
+    if (one.inverse) continue;
+    const bool is_agent = one.role == "actor" || one.role == "force" || (one.role == "experiencer" && !has_object);
+    const bool is_object = one.role == "theme" || one.role == "undergoer" || one.role == "stimulus";
+    if (is_agent && !has_agent && graph.argument(at, "ARG0") < 0) one.role = "ARG0";
+    if (is_object && !has_object && graph.argument(at, "ARG1") < 0) one.role = "ARG1";
+  }
+}
+
+}  // namespace
+
 // Every later step then asks for one name. Roles of one bank alone, :affectee, stay what they are.
 void step_synonyms(Meaning& meaning) {
+  Rewriter graph(meaning, "synonyms");
+  for (int at = 0; at < graph.count(); ++at) participants_apply(graph, at);
   constexpr std::pair<const char*, const char*> kSynonyms[] = {
       {"temporal", "time"}, {"place", "location"},      {"possessor", "poss"},
       {"reason", "cause"},  {"material", "consist-of"}, {"companion", "accompanier"},

@@ -511,7 +511,8 @@ void idiom_apply(Rewriter& graph, int at) {
   if (graph.is(at, "that") && graph.child(at, "ARG0", true) >= 0) {
     attribute_add(graph.word(at), "@pl");
     attribute_add(graph.word(at), "@person");
-    graph.word(at).name = "those";
+    // "Many people who want it": a number has no pronoun behind it.
+    graph.word(at).name = graph.child(at, "quant") >= 0 ? "person" : "those";
   }
   // (t / time :mod (a / all)): all the time.
   const int above = graph.is(at, "time") && graph.children(at).size() == 1 ? graph.parent(at) : -1;
