@@ -296,6 +296,7 @@ void coordinate(Rewriter& graph, int at, const Conjunction& conjunction) {
   // Each part is tied to the one before. `joined_by` is what stands in front of it, and a subject that is that of the
   // first clause becomes :shared: "she came and sang".
   int last = chain_end(graph, head);
+  int listed = -1;
   for (std::size_t i = 1; i < parts.size(); ++i) {
     const int part = graph.arc(parts[i]).to;
     // A question behind what is none is a sentence of its own: "Look. Do you see it?"
@@ -314,6 +315,9 @@ void coordinate(Rewriter& graph, int at, const Conjunction& conjunction) {
       attribute_add(graph.word(part), "@int");
     if (is_shared && graph.arc(subject).role == "ARG1") attribute_add(graph.word(part), "@shr1");
     if (is_shared) graph.arc(subject).role = "shared";
+    // "She came, sang and left": between clauses of one subject only the last has a conjunction.
+    if (is_shared && listed >= 0) attribute_add(graph.word(listed), "@list");
+    listed = is_shared && i + 1 < parts.size() ? part : -1;
     graph.replace(parts[i], last, part, "conjunct");
     last = chain_end(graph, part);
   }
