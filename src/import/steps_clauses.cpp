@@ -25,6 +25,12 @@ std::vector<std::vector<int>> arcs_by_beginning(Rewriter& graph) {
 }
 
 // Verbs whose receiver stands in front of what he receives; for a pronoun that is received see giving_apply.
+// Who has a clause of his own stands behind: "she gave the key to the woman who lived there".
+bool is_long_receiver(Rewriter& graph, int receiver) {
+  const std::vector<int> below = graph.children(receiver);
+  return std::any_of(below.begin(), below.end(), [&](int led) { return graph.arc(led).inverse; });
+}
+
 bool gives(Rewriter& graph, int at) {
   constexpr std::array kGiving{"give", "show",  "tell", "send", "bring", "lend",    "teach", "hand", "offer", "sell",
                                "pay",  "throw", "pass", "feed", "owe",   "promise", "grant", "read", "write"};
@@ -58,7 +64,8 @@ std::vector<int> first_arcs(Rewriter& graph) {
     // "She gave the boy something to eat": who receives it is said before it.
     if (gives(graph, at)) {
       std::stable_partition(below.begin(), below.end(), [&](int one) {
-        return graph.arc(one).role == "ARG2" && !graph.arc(one).inverse && !is_clause(graph, graph.arc(one).to);
+        return graph.arc(one).role == "ARG2" && !graph.arc(one).inverse && !is_clause(graph, graph.arc(one).to) &&
+               !is_long_receiver(graph, graph.arc(one).to);
       });
     }
     // An agent is said before what it does something to, and a condition before both, wherever the source writes them.
@@ -1528,7 +1535,11 @@ void giving_apply(Rewriter& graph, int at) {
   constexpr std::array kSending{"send", "bring"};
   if (is_shared || (is_one_of(graph, at, kSending) && !is_person)) attribute_add(graph.word(at), "@pro1");
   const int thing = graph.arc(what).to;
-  if (is_personal_pronoun(graph, thing) || graph.parent(thing) != what) attribute_add(graph.word(at), "@pro1");
+  const int receiver = graph.arc(graph.child(at, "ARG2")).to;
+  const bool is_light = !is_clause(graph, thing) && !is_long_receiver(graph, thing);
+  if (is_personal_pronoun(graph, thing) || graph.parent(thing) != what ||
+      (is_light && is_long_receiver(graph, receiver)))
+    attribute_add(graph.word(at), "@pro1");
 }
 
 // "She saw him fall", "she heard the bird sing": what is seen or heard itself, in contrast to what one learns, which is a

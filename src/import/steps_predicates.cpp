@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <array>
 #include <string>
+#include <utility>
+#include <vector>
 
 #include "import/rewriter.hpp"
 #include "import/steps.hpp"
@@ -364,6 +366,47 @@ void behaving_apply(Rewriter& graph, int at) {
   attribute_add(graph.word(at), "@xinf");
 }
 
+// "He worked very hard": how very is said of the manner, though a bank may write it at the verb. "She left for the city."
+void manner_apply(Rewriter& graph, int at) {
+  if (!is_event(graph, at)) return;
+  const int degree = graph.child(at, "degree");
+  const int manner = graph.child(at, "manner");
+  constexpr std::array kVery{"very", "so", "too", "more", "extremely", "rather", "quite"};
+  const bool is_open = degree >= 0 && manner >= 0 && is_one_of(graph, graph.arc(degree).to, kVery) &&
+                       graph.word(graph.arc(manner).to).sense.empty() && graph.children(graph.arc(manner).to).empty() &&
+                       graph.mentions(graph.arc(manner).to) == 1;
+  if (is_open) graph.arc(degree).from = graph.arc(manner).to;
+  const int goal = graph.is(at, "leave", "11") || graph.is(at, "leave", "15") || graph.is(at, "depart", "01")
+                       ? graph.child(at, "destination")
+                       : -1;
+  if (goal >= 0 && graph.word(graph.arc(goal).to).name != "home") graph.arc(goal).role = "beneficiary";
+}
+
+// The place of a quality among several in front of a noun, "a big old red hat": size, age, colour; 0 for others.
+int quality_rank(const std::string& name) {
+  constexpr std::array kSizes{"big",  "small", "large", "tiny", "huge",     "long",  "short",
+                              "tall", "high",  "low",   "wide", "enormous", "thick", "thin"};
+  constexpr std::array kAges{"old", "new", "young", "ancient", "modern"};
+  constexpr std::array kColors{"red",  "blue",  "green", "yellow", "black",  "white",
+                               "gray", "brown", "pink",  "orange", "purple", "golden"};
+  return is_listed(name, kSizes) ? 1 : is_listed(name, kAges) ? 2 : is_listed(name, kColors) ? 3 : 0;
+}
+
+// Those of the qualities of a noun that have a place take it; the others stay where the source has them.
+void qualities_apply(Rewriter& graph, int at) {
+  std::vector<int> ranked;
+  for (const int led : graph.children(at)) {
+    const int quality = graph.arc(led).to;
+    const bool is_plain = graph.arc(led).role == "mod" && !graph.arc(led).inverse && graph.word(quality).sense.empty();
+    if (is_plain && quality_rank(graph.word(quality).name) > 0) ranked.push_back(led);
+  }
+  const auto rank = [&](int led) { return quality_rank(graph.word(graph.arc(led).to).name); };
+  for (std::size_t i = 1; i < ranked.size(); ++i) {
+    for (std::size_t j = i; j > 0 && rank(ranked[j - 1]) > rank(ranked[j]); --j)
+      std::swap(graph.arc(ranked[j - 1]), graph.arc(ranked[j]));
+  }
+}
+
 // Who exclaims how great something is does not ask.
 void exclaim_apply(Rewriter& graph, int at) {
   const int led = graph.is(at, "exclaim", "01") ? graph.child(at, "ARG1") : -1;
@@ -480,6 +523,8 @@ void step_predicates(Meaning& meaning) {
     becoming_apply(graph, at);
     kind_apply(graph, at);
     judged_apply(graph, at);
+    manner_apply(graph, at);
+    qualities_apply(graph, at);
     behaving_apply(graph, at);
     exclaim_apply(graph, at);
     whenever_apply(graph, at);

@@ -369,6 +369,13 @@ void determiners_apply(Rewriter& graph) {
                           (is_pointing && graph.is(one.to, "all"));
     const int above = is_moved ? graph.parent(one.from) : -1;
     if (above >= 0 && graph.arc(above).role == "mod" && !graph.arc(above).inverse) one.from = graph.arc(above).from;
+    // "Many other towns".
+    constexpr std::array kCounting{"many", "several", "few"};
+    const int counted = graph.is(one.from, "other") && is_listed(name, kCounting) ? graph.parent(one.from) : -1;
+    if (counted >= 0 && graph.arc(counted).role == "mod" && !graph.arc(counted).inverse) {
+      one.from = graph.arc(counted).from;
+      one.role = "quant";
+    }
     if (graph.word(one.to).variable.empty() && is_number(name)) one.role = "number";
     const bool is_several = is_listed(name, kSeveral);
     const bool is_all_that = graph.is(one.from, "that") || graph.is(one.from, "this");
