@@ -93,6 +93,8 @@ const StepRow kSteps[] = {
      "o1(and.@entry, stop(>01).@v.@should); o2(and, look(>01).@v.@should)"},
     {"group_as_office", "office", "(h / have-org-role-92 :ARG1 (s / she) :ARG2 (p / party))", "dom(party.@entry, she)"},
     {"synonyms", "synonyms", "(g / go-02 :temporal (d / day) :place-of (s / song))", "tim(go(>02).@entry.@v, day); loc(song, go(>02))"},
+    {"participants", "synonyms", "(m / move-01 :actor (s / she) :theme (b / boat))", "a0(move(>01).@entry.@v, she); a1(move(>01), boat)"},
+    {"participant_beside_a_number", "synonyms", "(m / move-01 :ARG1 (s / she) :theme (b / boat))", "a1(move(>01).@entry.@v, she); a1(move(>01), boat)"},
     {"condition_of", "turned", "(b / bring-01 :condition-of (o / open-01))", "cnd(open(>01).@entry.@v, bring(>01).@v)"},
     {"condition_of_an_order", "turned", "(b / bring-01 :mode imperative :condition-of (o / open-01))",
      "cnj(bring(>01).@entry.@v.@imp, open(>01).@v.@and.@fut)"},
