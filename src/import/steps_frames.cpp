@@ -120,6 +120,60 @@ void lone_apply(Rewriter& graph, int at, const Reified& one, int up, int down) {
   graph.redirect(at, kept);
 }
 
+// The frame is the statement itself: true where a verb says it, or its predicate has taken its place.
+bool stated_apply(Rewriter& graph, int at, const Reified& one, int up, int down) {
+  const int head = graph.other(up, at);
+  const int dependent = graph.other(down, at);
+  // "Like her brother, she sings": what a clause is like is said beside it.
+  const int first = graph.is(head, "and") ? graph.child(head, "op1") : -1;
+  const bool is_of_clause =
+      std::string_view(one.role) == "likeness" && !graph.word(first >= 0 ? graph.arc(first).to : head).sense.empty();
+  // "The war lasted ten years": what is no clause has no duration beside it.
+  const bool is_bare = graph.child(head, "ARG0") < 0 && graph.child(head, "ARG1") < 0 &&
+                       graph.child(head, "domain") < 0 && graph.word(head).name != "and";
+  if (is_bare && graph.is(at, "have-duration", "91")) {
+    graph.word(at).name = "last";
+    graph.word(at).sense = "01";
+    return true;
+  }
+  if (is_statement(one) && !is_of_clause) {
+    // What it means, and how old it is, other words say.
+    const bool is_verb = graph.is(at, "mean", "91") || graph.is(at, "have-age", "91");
+    if (is_verb)
+      graph.word(at).name = one.role == std::string_view("age") ? "age" : "mean", graph.word(at).sense = "01";
+    return true;
+  }
+  if (is_of_clause) attribute_add(graph.word(head), "@front");
+  // "The wind caused the noise": a thing is no clause that another could give the reason of.
+  const Concept& caused = graph.word(first >= 0 ? graph.arc(first).to : head);
+  const bool is_thing = caused.sense.empty() && !caused.variable.empty() && graph.child(head, "domain") < 0 &&
+                        caused.name != "amr-unknown" && caused.name != "umr-unknown" &&
+                        !caused.name.ends_with("choice");
+  // "The failure of the engine caused the crash": of which nothing is said is no clause either.
+  const bool is_bare_event = !caused.sense.empty() && graph.children(head).empty() && has_attribute(caused, "@v") &&
+                             caused.attributes.size() == 1 && !caused.name.starts_with("have-");
+  if (graph.is(at, "cause", "01") && (is_thing || is_bare_event)) return true;
+  if (std::string_view(one.role) == "identity") {
+    // "The trouble is that he lies" needs the verb.
+    const bool is_told = !graph.word(dependent).sense.empty() && graph.word(head).sense.empty();
+    if (is_told && (graph.child(dependent, "ARG0") >= 0 || graph.child(dependent, "ARG1") >= 0)) {
+      if (graph.child(head, "poss") < 0) attribute_add(graph.word(head), "@def");
+      return true;
+    }
+    // "Kim is the mayor".
+    for (const std::string& attribute : graph.word(at).attributes) {
+      if (attribute != "@v") attribute_add(graph.word(dependent), attribute);
+    }
+    graph.settle_concept(at, Fate::relation);
+    graph.replace(up, dependent, head, "domain");
+    graph.remove(down, Fate::relation);
+    graph.redirect(at, dependent);
+    graph.move_children(at, dependent);
+    return true;
+  }
+  return false;
+}
+
 // The frame goes; its head and its dependent are tied together, written at the one that stood above the frame. Four
 // cases: one end is missing; the frame is the statement itself and a verb says it; the dependent stood above, so that the
 // role becomes an inverse one; else the head stays or takes the place of the frame.
@@ -136,50 +190,7 @@ void reified_apply(Rewriter& graph, int at, const Reified& one) {
   if (head == dependent) return;
   const bool head_above = graph.arc(up).to == at;
   const bool dependent_above = graph.arc(down).to == at;
-  // "Like her brother, she sings": what a clause is like is said beside it.
-  const int first = graph.is(head, "and") ? graph.child(head, "op1") : -1;
-  const bool is_of_clause =
-      std::string_view(one.role) == "likeness" && !graph.word(first >= 0 ? graph.arc(first).to : head).sense.empty();
-  // "The war lasted ten years": what is no clause has no duration beside it.
-  const bool is_bare = graph.child(head, "ARG0") < 0 && graph.child(head, "ARG1") < 0 &&
-                       graph.child(head, "domain") < 0 && graph.word(head).name != "and";
-  if (!head_above && !dependent_above && is_bare && graph.is(at, "have-duration", "91")) {
-    graph.word(at).name = "last";
-    graph.word(at).sense = "01";
-    return;
-  }
-  if (!head_above && !dependent_above && is_statement(one) && !is_of_clause) {
-    // What it means, and how old it is, other words say.
-    const bool is_verb = graph.is(at, "mean", "91") || graph.is(at, "have-age", "91");
-    if (is_verb)
-      graph.word(at).name = one.role == std::string_view("age") ? "age" : "mean", graph.word(at).sense = "01";
-    return;
-  }
-  if (!head_above && !dependent_above && is_of_clause) attribute_add(graph.word(head), "@front");
-  // "The wind caused the noise": a thing is no clause that another could give the reason of.
-  const Concept& caused = graph.word(first >= 0 ? graph.arc(first).to : head);
-  const bool is_thing = caused.sense.empty() && !caused.variable.empty() && graph.child(head, "domain") < 0 &&
-                        caused.name != "amr-unknown" && caused.name != "umr-unknown" &&
-                        !caused.name.ends_with("choice");
-  // "The failure of the engine caused the crash": of which nothing is said is no clause either.
-  const bool is_bare_event = !caused.sense.empty() && graph.children(head).empty() && has_attribute(caused, "@v") &&
-                             caused.attributes.size() == 1 && !caused.name.starts_with("have-");
-  if (graph.is(at, "cause", "01") && !head_above && !dependent_above && (is_thing || is_bare_event)) return;
-  if (!head_above && !dependent_above && std::string_view(one.role) == "identity") {
-    // "The trouble is that he lies" needs the verb.
-    const bool is_told = !graph.word(dependent).sense.empty() && graph.word(head).sense.empty();
-    if (is_told && (graph.child(dependent, "ARG0") >= 0 || graph.child(dependent, "ARG1") >= 0))
-      return graph.child(head, "poss") < 0 ? attribute_add(graph.word(head), "@def") : void();
-    // "Kim is the mayor".
-    for (const std::string& attribute : graph.word(at).attributes) {
-      if (attribute != "@v") attribute_add(graph.word(dependent), attribute);
-    }
-    graph.settle_concept(at, Fate::relation);
-    graph.replace(up, dependent, head, "domain");
-    graph.remove(down, Fate::relation);
-    graph.redirect(at, dependent);
-    return graph.move_children(at, dependent);
-  }
+  if (!head_above && !dependent_above && stated_apply(graph, at, one, up, down)) return;
   graph.settle_concept(at, Fate::relation);
   for (const std::string& attribute : graph.word(at).attributes) {
     // What is denied is the reason, not what it is a reason for: "not because it rained", "a letter not from her".
