@@ -1275,7 +1275,7 @@ std::string mark_of_content(Rewriter& graph, int at) {
 }
 
 void tense_of_content(Rewriter& graph, int at) {
-  const int led = graph.word(at).sense.empty() ? -1 : graph.child(at, "ARG1");
+  const int led = graph.word(at).sense.empty() ? -1 : graph.child(at, graph.is(at, "promise", "01") ? "ARG2" : "ARG1");
   int what = led >= 0 ? graph.arc(led).to : -1;
   if (what < 0 || graph.parent(what) != led || graph.child(what, "questioned") >= 0) return;
   const std::string mark = mark_of_content(graph, at);
@@ -1832,6 +1832,12 @@ void understand_subject(Rewriter& graph, const std::vector<int>& first, int at) 
   constexpr std::array kThatVerbs{"tell", "answer", "reply",  "declare",    "know",  "feel", "realize",
                                   "see",  "hear",   "notice", "understand", "write", "fear", "admit"};
   const int higher = graph.arc(above).from;
+  // "They informed her that she won": who is informed of it need not do it.
+  constexpr std::array kInforming{"inform", "notify", "assure", "satisfy", "impress"};
+  constexpr std::array kConvincing{"persuade", "convince", "promise"};
+  const bool is_predicate = graph.arc(subject).role == "domain" || graph.is(at, "be-located-at", "91");
+  if (role == "ARG2" && is_one_of(graph, higher, kInforming)) return;
+  if (role == "ARG2" && is_predicate && is_one_of(graph, higher, kConvincing)) return;
   // "She let herself fall": whom she lets fall is said, if it is herself as well.
   constexpr std::array kLetting{"let", "allow", "permit", "make", "force", "cause", "enable"};
   const bool is_let = role == "ARG1" && is_one_of(graph, higher, kLetting) && graph.child(higher, "ARG2") < 0 &&
@@ -1862,7 +1868,10 @@ void understand_subject(Rewriter& graph, const std::vector<int>& first, int at) 
                              "pretend", "choose", "deserve",  "refuse",  "plan",  "intend",  "promise", "claim",
                              "begin",   "start",  "continue", "enjoy",   "avoid", "stop",    "risk",    "resist",
                              "mind",    "hate",   "like",     "love",    "hope",  "succeed", "keep"};
-  const bool is_to_be = role == "ARG1" && is_one_of(graph, higher, kToBe);
+  // "They forced him to be quiet": whom they force is quiet.
+  const int forced = graph.child(higher, "ARG1");
+  const bool is_forced = role == "ARG2" && forced >= 0 && graph.arc(forced).to == person && is_event(graph, higher);
+  const bool is_to_be = is_forced || (role == "ARG1" && is_one_of(graph, higher, kToBe));
   if (graph.arc(subject).role == "domain" && !is_seeming(graph, higher) && role != "attendant" && !is_to_be) return;
   if (graph.arc(subject).role != "ARG0") attribute_add(graph.word(at), "@ctl1");
   graph.arc(subject).role = "understood";
