@@ -1535,7 +1535,6 @@ void giving_apply(Rewriter& graph, int at) {
   constexpr std::array kSending{"send", "bring"};
   if (is_shared || (is_one_of(graph, at, kSending) && !is_person)) attribute_add(graph.word(at), "@pro1");
   const int thing = graph.arc(what).to;
-  const int receiver = graph.arc(graph.child(at, "ARG2")).to;
   const bool is_light = !is_clause(graph, thing) && !is_long_receiver(graph, thing);
   if (is_personal_pronoun(graph, thing) || graph.parent(thing) != what ||
       (is_light && is_long_receiver(graph, receiver)))
