@@ -40,6 +40,17 @@ bool gives(Rewriter& graph, int at) {
 // For each concept the arc by which the walk from the beginning of the sentence first comes to it; -1 for none.
 std::vector<int> first_arcs(Rewriter& graph) {
   std::vector<std::vector<int>> all = arcs_by_beginning(graph);
+  // As Rewriter::child and is_clause, but without a look at all arcs for each concept: coordination asks for this walk once
+  // for each conjunction.
+  const auto has_child = [&](int at, std::string_view role, bool inverse = false) {
+    const std::vector<int>& below = all[static_cast<std::size_t>(at)];
+    return std::any_of(below.begin(), below.end(),
+                       [&](int one) { return graph.arc(one).role == role && graph.arc(one).inverse == inverse; });
+  };
+  const auto has_clause = [&](int led) {
+    const int at = graph.arc(led).to;
+    return !graph.word(at).sense.empty() || has_child(at, "domain");
+  };
   std::vector<int> first(static_cast<std::size_t>(graph.count()), -1);
   std::vector<bool> seen(first.size());
   std::vector<std::pair<int, int>> open{{-1, graph.meaning().root}};
@@ -56,32 +67,31 @@ std::vector<int> first_arcs(Rewriter& graph) {
       const bool is_argument = led_down.role.starts_with("ARG") || led_down.role == "speaker";
       if (led_down.inverse || !is_argument) return false;
       const Concept& word = graph.word(led_down.to);
-      if (is_clause(graph, led_down.to)) return has_attribute(word, "@agent") || has_attribute(word, "@result");
+      if (has_clause(one)) return has_attribute(word, "@agent") || has_attribute(word, "@result");
       // "She showed the boy how he should do it": a thing that a clause tells is one, too.
-      const int told = word.name == "thing" ? graph.child(led_down.to, "manner", true) : -1;
-      return told < 0;
+      return word.name != "thing" || !has_child(led_down.to, "manner", true);
     });
     // "She gave the boy something to eat": who receives it is said before it.
     if (gives(graph, at)) {
       std::stable_partition(below.begin(), below.end(), [&](int one) {
-        return graph.arc(one).role == "ARG2" && !graph.arc(one).inverse && !is_clause(graph, graph.arc(one).to) &&
+        return graph.arc(one).role == "ARG2" && !graph.arc(one).inverse && !has_clause(one) &&
                !is_long_receiver(graph, graph.arc(one).to);
       });
     }
     // An agent is said before what it does something to, and a condition before both, wherever the source writes them.
     const bool is_bidden = has_attribute(graph.word(at), "@bid");
     const char* subject = is_bidden ? "understood" : has_attribute(graph.word(at), "@psv") ? "ARG1" : "ARG0";
-    const bool has_agent = graph.child(at, subject) >= 0;
+    const bool has_agent = has_child(at, subject);
     std::stable_partition(below.begin(), below.end(), [&](int one) {
       return graph.arc(one).role == (has_agent ? subject : "domain") && !graph.arc(one).inverse;
     });
     // An infinitive, which has no subject of its own, has nothing in front of it.
-    const bool is_infinitive = graph.child(at, "understood") >= 0 || (led >= 0 && graph.arc(led).role == "domain");
+    const bool is_infinitive = has_child(at, "understood") || (led >= 0 && graph.arc(led).role == "domain");
     std::stable_partition(below.begin(), below.end(), [&](int one) {
       const Arc& led_down = graph.arc(one);
       if (is_infinitive) return false;
       const bool goes_in_front = led_down.role == "condition" || led_down.role == "time";
-      return goes_in_front && !led_down.inverse && is_clause(graph, led_down.to);
+      return goes_in_front && !led_down.inverse && has_clause(one);
     });
     for (auto one = below.rbegin(); one != below.rend(); ++one) open.emplace_back(*one, graph.arc(*one).to);
   }
