@@ -278,6 +278,33 @@ void late_circumstances(Rewriter& graph, int at, int head, int last) {
   }
 }
 
+// Mood and negation of the whole are those of its first part; how many there are is not.
+void take_marks(Rewriter& graph, int at, int head) {
+  const bool is_bidden = has_attribute(graph.word(head), "@imp");
+  for (const std::string& attribute : graph.word(at).attributes) {
+    // Some files mark a request with more than one mood.
+    const bool is_other_mood = is_bidden && (attribute == "@int" || attribute == "@may");
+    const bool is_own = attribute == "@pl" || attribute == "@sg" || attribute == "@v";
+    if (!is_own && !is_other_mood) attribute_add(graph.word(head), attribute);
+  }
+}
+
+// "A cloth that is strong but light": the noun above is said once.
+// (c / cloth :ARG1-of (a / and :op1 (s / strong-02 :ARG1 c) :op2 l)): when `head`, strong-02, has taken the place of the
+// conjunction, two arcs tie it to the cloth; the one above is kept, with the role of the one below.
+void noun_once(Rewriter& graph, int head) {
+  const int above = graph.parent(head);
+  if (above >= 0 && graph.arc(above).inverse && is_core_role(graph.arc(above).role)) {
+    for (const int led : graph.children(head)) {
+      const bool is_doubled = !graph.arc(led).inverse && graph.arc(led).to == graph.arc(above).from &&
+                              (graph.arc(led).role == "ARG0" || graph.arc(led).role == "ARG1");
+      if (!is_doubled) continue;
+      graph.arc(above).role = graph.arc(led).role;
+      graph.remove(led, Fate::relation);
+    }
+  }
+}
+
 // The first operand takes the place of the conjunction, and each further one is tied to the one before it, so that rules
 // see them in their order.
 void coordinate(Rewriter& graph, int at, const Conjunction& conjunction) {
@@ -342,25 +369,9 @@ void coordinate(Rewriter& graph, int at, const Conjunction& conjunction) {
   // What is joined to all of them stands behind the last: "she came and sang, but he left".
   const int to_all = graph.child(at, "conjunct");
   if (to_all >= 0 && is_event(graph, last) && is_event(graph, graph.arc(to_all).to)) graph.arc(to_all).from = last;
-  const bool is_bidden = has_attribute(graph.word(head), "@imp");
-  for (const std::string& attribute : graph.word(at).attributes) {
-    // Some files mark a request with more than one mood.
-    const bool is_other_mood = is_bidden && (attribute == "@int" || attribute == "@may");
-    const bool is_own = attribute == "@pl" || attribute == "@sg" || attribute == "@v";
-    if (!is_own && !is_other_mood) attribute_add(graph.word(head), attribute);
-  }
+  take_marks(graph, at, head);
   graph.redirect(at, head);
-  // "A cloth that is strong but light": the noun above is said once.
-  const int above = graph.parent(head);
-  if (above >= 0 && graph.arc(above).inverse && is_core_role(graph.arc(above).role)) {
-    for (const int led : graph.children(head)) {
-      const bool is_doubled = !graph.arc(led).inverse && graph.arc(led).to == graph.arc(above).from &&
-                              (graph.arc(led).role == "ARG0" || graph.arc(led).role == "ARG1");
-      if (!is_doubled) continue;
-      graph.arc(above).role = graph.arc(led).role;
-      graph.remove(led, Fate::relation);
-    }
-  }
+  noun_once(graph, head);
   if (conjunction.attribute == std::string_view("@and")) late_circumstances(graph, at, head, last);
   graph.move_children(at, head);
 }
