@@ -437,6 +437,27 @@ void call_by_office(Rewriter& graph, int at, const Office& office, int holds, in
   graph.move_children(at, holder);
 }
 
+// The arcs to who holds an office, to what it belongs to, and to what it is called; -1 for those that are missing.
+struct OfficeArcs {
+  int holds;
+  int whole;
+  int titled;
+};
+
+OfficeArcs office_arcs(Rewriter& graph, int at, const Office& office) {
+  OfficeArcs found{graph.argument(at, office.holder), graph.argument(at, office.whole),
+                   graph.argument(at, office.title)};
+  // Annotators mix the two numberings: who holds it comes first, its name last.
+  if (found.holds < 0 || graph.argument(at, "ARG0") >= 0 || (found.titled < 0 && graph.argument(at, "ARG3") >= 0)) {
+    const bool from_zero = graph.argument(at, "ARG0") >= 0;
+    found.holds = graph.argument(at, from_zero ? "ARG0" : "ARG1");
+    found.whole = graph.argument(at, from_zero ? "ARG1" : "ARG2");
+    found.titled = graph.argument(at, from_zero ? "ARG2" : "ARG3");
+    if (from_zero && found.titled < 0) found.titled = graph.argument(at, "ARG3");
+  }
+  return found;
+}
+
 // Either the holder stands above, and is called by the office; or the frame is the statement, "she is the mayor". A holder
 // with a name keeps it, and the office stands beside it as a title; another becomes the office.
 void office_apply(Rewriter& graph, int at, const Office& office) {
@@ -445,17 +466,7 @@ void office_apply(Rewriter& graph, int at, const Office& office) {
     graph.settle_concept(at, Fate::left_out);
     return graph.remove(graph.parent(at), Fate::left_out);
   }
-  int holds = graph.argument(at, office.holder);
-  int whole = graph.argument(at, office.whole);
-  int titled = graph.argument(at, office.title);
-  // Annotators mix the two numberings: who holds it comes first, its name last.
-  if (holds < 0 || graph.argument(at, "ARG0") >= 0 || (titled < 0 && graph.argument(at, "ARG3") >= 0)) {
-    const bool from_zero = graph.argument(at, "ARG0") >= 0;
-    holds = graph.argument(at, from_zero ? "ARG0" : "ARG1");
-    whole = graph.argument(at, from_zero ? "ARG1" : "ARG2");
-    titled = graph.argument(at, from_zero ? "ARG2" : "ARG3");
-    if (from_zero && titled < 0) titled = graph.argument(at, "ARG3");
-  }
+  auto [holds, whole, titled] = office_arcs(graph, at, office);
   if (titled < 0 && std::string_view(office.name) == "have-role") std::swap(titled, whole);
   if (holds < 0) {
     // Nobody holds it in this sentence: the office is named, or what it belongs to.
