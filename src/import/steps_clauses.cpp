@@ -24,13 +24,13 @@ std::vector<std::vector<int>> arcs_by_beginning(Rewriter& graph) {
   return below;
 }
 
-// Verbs whose receiver stands in front of what he receives; for a pronoun that is received see giving_apply.
 // Who has a clause of his own stands behind: "she gave the key to the woman who lived there".
 bool is_long_receiver(Rewriter& graph, int receiver) {
   const std::vector<int> below = graph.children(receiver);
   return std::any_of(below.begin(), below.end(), [&](int led) { return graph.arc(led).inverse; });
 }
 
+// Verbs whose receiver stands in front of what he receives; for a pronoun that is received see giving_apply.
 bool gives(Rewriter& graph, int at) {
   constexpr std::array kGiving{"give", "show",  "tell", "send", "bring", "lend",    "teach", "hand", "offer", "sell",
                                "pay",  "throw", "pass", "feed", "owe",   "promise", "grant", "read", "write"};
