@@ -1395,7 +1395,9 @@ namespace {
 // English makes a subject of who is told: (t / tell-01 :ARG2 she) becomes tell :ARG1 she, and the passive follows.
 void told_apply(Rewriter& graph, int at) {
   const Concept& word = graph.word(at);
-  constexpr std::array kVerbs{"treat", "pronounce", "declare", "name", "appoint", "teach", "tell", "ask", "inform"};
+  constexpr std::array kVerbs{"treat",   "pronounce", "declare", "name", "appoint", "teach", "tell",
+                              "ask",     "inform",    "pay",     "give", "offer",   "feed",  "serve",
+                              "promise", "award",     "grant",   "deny", "refuse",  "charge"};
   const bool is_verb = is_event(graph, at) && is_one_of(graph, at, kVerbs) && !has_attribute(word, "@imp");
   const int second = is_verb ? graph.child(at, "ARG2") : -1;
   if (second < 0 || graph.argument(at, "ARG0") >= 0 || graph.argument(at, "ARG1") >= 0) return;

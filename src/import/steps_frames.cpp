@@ -1128,6 +1128,15 @@ void same_deed_apply(Rewriter& graph, int part, int whole) {
 // :superset by now. The part is the head in English, too. What is left to do is number, as a whole is several things, and
 // the word for the part, which is not said twice: one of the stars.
 void sets_apply(Rewriter& graph) {
+  // "Two of them".
+  for (int at = 0, end = graph.count(); at < end; ++at) {
+    const int number = is_personal_pronoun(graph, at) ? graph.child(at, "quant") : -1;
+    if (number < 0 || !graph.children(graph.arc(number).to).empty() || is_unknown(graph, graph.arc(number).to))
+      continue;
+    const int several = graph.arc(number).to;
+    graph.redirect(at, several);
+    graph.replace(number, several, at, "superset");
+  }
   for (int at = 0; at < graph.count(); ++at) {
     // "Some of us": how many are taken out of a whole stands for those that are taken.
     const int whole = graph.child(at, "superset");
