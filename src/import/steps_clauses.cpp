@@ -315,6 +315,18 @@ void coordinate(Rewriter& graph, int at, const Conjunction& conjunction) {
   // "Our songs and those of the town": where all parts are named again, and somebody else has them.
   const bool is_again = std::all_of(parts.begin(), parts.end(),
                                     [&](int led) { return has_attribute(graph.word(graph.arc(led).to), "@ref"); });
+  // "They", where all of them were named before.
+  const bool is_people =
+      is_again && parts.size() > 1 && std::none_of(parts.begin(), parts.end(), [&](int led) {
+        const int part = graph.arc(led).to;
+        return is_clause(graph, part) || graph.is(part, "i") || graph.is(part, "you") || graph.is(part, "we");
+      });
+  if (is_people && graph.children(at).size() == parts.size() && conjunction.attribute == std::string_view("@and")) {
+    for (const int led : parts) graph.remove(led, Fate::word);
+    graph.word(at).name = "they";
+    attribute_add(graph.word(at), "@pl");
+    return attribute_add(graph.word(at), "@ref");
+  }
   const int owner = is_again && parts.size() > 1 ? graph.child(at, "poss") : -1;
   if (owner >= 0) {
     graph.arc(owner).role = "part-of";
@@ -466,7 +478,7 @@ void quote(Rewriter& graph, int at) {
   const bool is_answer = is_one_of(graph, at, kAnswering);
   const int led = graph.child(at, is_answer ? "ARG2" : "ARG1");
   const int who = graph.child(at, "ARG0");
-  const int whom = graph.child(at, is_answer ? "ARG1" : "ARG2");
+  int whom = graph.child(at, is_answer ? "ARG1" : "ARG2");
   if (led < 0 || who < 0) return;
   const int said = graph.arc(led).to;
   // Whoever asks does not ask whether he asks: the question is what he says.
@@ -480,6 +492,13 @@ void quote(Rewriter& graph, int at) {
     const int person = graph.arc(arc_at).to;
     return graph.is(person, "i") || graph.is(person, "you") || graph.is(person, "we");
   };
+  // "You are late," she said: who is you inside is the hearer, and need not be told.
+  const bool is_to_you = whom >= 0 && graph.is(graph.arc(whom).to, "you") && !speaks_itself(who) &&
+                         graph.mentions(graph.arc(whom).to) > 1 && is_clause(graph, said);
+  if (is_to_you) {
+    graph.remove(whom, Fate::left_out);
+    whom = -1;
+  }
   const int subject = subject_arc(graph, said);
   const bool is_to_oneself = whom >= 0 && graph.arc(who).to == graph.arc(whom).to;
   const bool is_asked_to = whom >= 0 && subject >= 0 && graph.arc(subject).to == graph.arc(whom).to && !is_to_oneself;
@@ -1265,6 +1284,18 @@ void tense_of_place(Rewriter& graph, int at) {
   if (is_event(graph, deed) && graph.child(deed, "ARG0") >= 0) attribute_add(graph.word(at), "@past");
 }
 
+// "I thank you": it is done by saying so.
+void tense_of_thanks(Rewriter& graph, int at) {
+  constexpr std::array kDone{"thank", "congratulate", "assure", "beg", "promise"};
+  const int who = is_one_of(graph, at, kDone) ? graph.child(at, "ARG0") : -1;
+  if (who < 0 || !(graph.is(graph.arc(who).to, "i") || graph.is(graph.arc(who).to, "we"))) return;
+  for (const char* role : {"ARG1", "ARG2"}) {
+    const int whom = graph.child(at, role);
+    const bool is_you = whom >= 0 && graph.is(graph.arc(whom).to, "you");
+    if (is_you && !has_attribute(graph.word(at), "@past")) attribute_add(graph.word(at), "@pres");
+  }
+}
+
 // "When I was six, I left": how old somebody was when it happened is told of the past, and so is what happened.
 void tense_of_age(Rewriter& graph, int at) {
   const int above = graph.is(at, "age", "01") ? graph.parent(at) : -1;
@@ -1344,6 +1375,7 @@ void step_tense(Meaning& meaning) {
                           has_attribute(clause, "@fut") || has_attribute(clause, "@imp") ||
                           !has_attribute(clause, "@v");
     tense_of_coming(graph, at);
+    tense_of_thanks(graph, at);
     const int shared = graph.child(at, "shared");
     const int subject = shared >= 0 ? shared : subject_arc(graph, at);
     const bool is_speech = has_attribute(clause, "@quote") && subject >= 0;
@@ -1381,7 +1413,9 @@ void step_tense(Meaning& meaning) {
                                   "need",   "remember", "mind",   "have",       "know",  "mean",     "believe",
                                   "prefer", "own",      "belong", "understand", "agree", "disagree", "deserve",
                                   "matter", "doubt",    "care",   "suppose",    "hope",  "lack"};
-    if (!is_known && is_to_you && shared < 0 && graph.child(at, "conjunct") < 0 && !is_one_of(graph, at, kLasting) &&
+    if (!is_known && is_question && if_so >= 0 && !is_passive && !has_attribute(graph.word(if_so), "@past"))
+      attribute_add(clause, "@fut");
+    else if (!is_known && is_to_you && shared < 0 && graph.child(at, "conjunct") < 0 && !is_one_of(graph, at, kLasting) &&
         is_question && !is_timed)
       attribute_add(clause, "@now");
     tense_of_content(graph, at);
@@ -1727,7 +1761,8 @@ void raise_apply(Rewriter& graph, int at) {
   const int done = graph.arc(led).to;
   const int subject = is_phase ? graph.child(done, "ARG0") : subject_arc(graph, done);
   if (is_phase && (has_attribute(graph.word(done), "@agent") || has_attribute(graph.word(done), "@result"))) return;
-  if (subject < 0 || is_clause(graph, graph.arc(subject).to)) return;
+  if (subject < 0) return;
+  if (is_clause(graph, graph.arc(subject).to) && !has_attribute(graph.word(graph.arc(subject).to), "@agent")) return;
   if (is_bidden) {
     if (graph.arc(subject).role == "domain" || graph.parent(done) != led || has_attribute(graph.word(done), "@neg"))
       return;
@@ -1743,6 +1778,21 @@ void raise_apply(Rewriter& graph, int at) {
   }
   graph.add(at, graph.arc(subject).to, "ARG0", false);
   if (!is_phase && graph.arc(subject).role != "ARG0") attribute_add(graph.word(at), "@raised");
+}
+
+// "Everyone began to talk when the music stopped": when something begins stands behind what begins.
+void phase_apply(Rewriter& graph, int at) {
+  constexpr std::array kPhases{"begin", "start", "continue", "cease", "stop", "try", "manage"};
+  const int led = is_event(graph, at) && is_one_of(graph, at, kPhases) ? graph.child(at, "ARG1") : -1;
+  if (led < 0 || !is_event(graph, graph.arc(led).to) || graph.parent(graph.arc(led).to) != led) return;
+  const int done = graph.arc(led).to;
+  if (has_attribute(graph.word(done), "@agent") || graph.child(done, "ARG0") < 0) return;
+  for (const int below : graph.children(at)) {
+    const Arc& one = graph.arc(below);
+    constexpr std::array kCircumstances{"time", "temporal", "location", "place"};
+    const bool is_phrase = !graph.children(one.to).empty() && !is_clause(graph, one.to);
+    if (!one.inverse && is_listed(one.role, kCircumstances) && is_phrase) graph.arc(below).from = done;
+  }
 }
 
 // What says once more who does it goes.
@@ -1989,6 +2039,7 @@ void step_control(Meaning& meaning) {
   Rewriter graph(meaning, "control");
   for (int at = 0, end = graph.count(); at < end; ++at) {
     copular_apply(graph, at);
+    phase_apply(graph, at);
     raise_apply(graph, at);
   }
   for (int at = 0; at < graph.count(); ++at) subject_once_apply(graph, at);

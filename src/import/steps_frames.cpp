@@ -609,6 +609,13 @@ void degree_said(Rewriter& graph, int led, int quality) {
   }
 }
 
+// "A boy who is older than his sister": a comparison with something is a clause behind the noun.
+bool is_behind(Rewriter& graph, int quality, int bearer, std::string_view role) {
+  constexpr std::array kAmounts{"many", "much", "few", "more", "less", "little"};
+  return role == "ARG4" && has_attribute(graph.word(quality), "@more") && graph.word(bearer).sense.empty() &&
+         !is_one_of(graph, quality, kAmounts);
+}
+
 // What it is compared to, the set in which it is the most, and what follows: "so tall that ...".
 // ARG4 is what it is compared to (taller than he), ARG5 the set in which it is the most (of the town), ARG6 what
 // follows from a degree (so tall that ..., too small to ...).
@@ -625,7 +632,8 @@ void degree_measured(Rewriter& graph, int at, int quality, int bearer_led) {
     }
     // "The oldest house of the town", "an older house than mine": what it is measured by stands behind the noun.
     const bool is_with_noun = bearer_led >= 0 && graph.arc(bearer_led).to == at && std::string_view(role) != "ARG6" &&
-                              !has_attribute(graph.word(quality), "@equal");
+                              !has_attribute(graph.word(quality), "@equal") &&
+                              !is_behind(graph, quality, graph.other(bearer_led, at), role);
     const int kept = is_with_noun ? graph.other(bearer_led, at) : quality;
     graph.replace(led, kept, graph.arc(led).to, label);
     // "Such a cold day that we stayed": what follows stands behind the noun.
@@ -720,7 +728,7 @@ void tie_to_bearer(Rewriter& graph, int at, bool is_quantity, int quality_led, i
   if (manner >= 0 && graph.arc(manner).to == bearer) graph.remove(manner, Fate::relation);
   const bool names_frame = names_bearer(quality, "ARG1") || names_bearer(quality, "ARG0");
   const bool is_known = is_above || names_frame || names_bearer(quality, "domain");
-  if (governor == bearer) again_apply(graph, quality, bearer);
+  again_apply(graph, quality, bearer);
   // What is said to bear it may not be what it is a quality of: "it was so deeply rooted that ...".
   const int own = is_quantity ? -1 : graph.argument(quality, "ARG1");
   const bool is_of_another = own >= 0 && own != quality_led && graph.other(own, quality) != bearer;
@@ -741,7 +749,10 @@ void tie_to_bearer(Rewriter& graph, int at, bool is_quantity, int quality_led, i
     if (!quality_above && !bearer_above) graph.redirect(at, quality);
   } else if (bearer_above) {
     graph.remove(bearer_led, Fate::relation);
-    graph.replace(quality_led, bearer, quality, is_quantity ? "quant" : "mod");
+    const bool is_compared =
+        !is_quantity && graph.child(quality, "compared-to") >= 0 && is_behind(graph, quality, bearer, "ARG4");
+    if (is_compared) attribute_add(graph.word(quality), "@v");
+    graph.replace(quality_led, bearer, quality, is_quantity ? "quant" : is_compared ? "ARG1" : "mod", is_compared);
   } else if (!graph.word(bearer).sense.empty() && !is_quantity && graph.word(quality).sense.empty() &&
              !is_judgement(graph.word(quality).name) && graph.mentions(bearer) == 1 &&
              (graph.child(bearer, "ARG0") >= 0 || graph.child(bearer, "ARG1") >= 0)) {
@@ -1019,6 +1030,13 @@ void phrase_apply(Rewriter& graph, int at) {
   // Whom nobody dares to do it dares to do it himself.
   const int daring = graph.is(at, "dare", "01") && graph.argument(at, "ARG0") < 0 ? graph.child(at, "ARG1") : -1;
   if (daring >= 0 && graph.child(at, "ARG2") >= 0) graph.arc(daring).role = "ARG0";
+  // "It is a shame that ..."
+  const int shame = graph.is(at, "shame", "02") || graph.is(at, "pity", "01") ? graph.child(at, "ARG1") : -1;
+  if (shame >= 0 && graph.argument(at, "ARG0") < 0 && !graph.word(graph.arc(shame).to).sense.empty()) {
+    graph.arc(shame).role = "domain";
+    graph.word(at).sense.clear();
+    std::erase(graph.word(at).attributes, "@v");
+  }
   // "She preferred to wait instead of leaving".
   const int instead = graph.is(at, "prefer", "01") ? graph.child(at, "ARG2") : -1;
   if (instead >= 0 && !graph.word(graph.arc(instead).to).sense.empty()) graph.arc(instead).role = "substitute";
@@ -1128,6 +1146,14 @@ void same_deed_apply(Rewriter& graph, int part, int whole) {
 // :superset by now. The part is the head in English, too. What is left to do is number, as a whole is several things, and
 // the word for the part, which is not said twice: one of the stars.
 void sets_apply(Rewriter& graph) {
+  // "The former general".
+  for (Arc& one : graph.meaning().arcs) {
+    constexpr std::array kOffice{"former", "current", "future", "present", "then"};
+    const bool is_time = !one.gone && !one.inverse && (one.role == "time" || one.role == "temporal");
+    if (is_time && is_one_of(graph, one.to, kOffice) && graph.word(one.from).sense.empty() &&
+        !graph.word(one.from).variable.empty() && graph.child(one.from, "domain") < 0 && graph.children(one.to).empty())
+      one.role = "mod";
+  }
   // "Two of them".
   for (int at = 0, end = graph.count(); at < end; ++at) {
     const int number = is_personal_pronoun(graph, at) ? graph.child(at, "quant") : -1;

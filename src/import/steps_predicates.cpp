@@ -475,7 +475,10 @@ void exist_apply(Rewriter& graph, int at) {
     if (const int place = graph.child(at, "ARG1"); place >= 0) graph.arc(place).role = "location";
     graph.arc(there).role = "ARG1";
   }
-  const int led = graph.is(at, "exist", "01") || there >= 0 ? graph.child(at, "ARG1") : -1;
+  // "There is no choice": what nobody has.
+  bool is_had = graph.is(at, "have", "03") && graph.argument(at, "ARG0") < 0 && !has_attribute(graph.word(at), "@imp");
+  for (const char* role : {"understood", "shared", "questioned", "ARG2"}) is_had &= graph.child(at, role) < 0;
+  const int led = graph.is(at, "exist", "01") || there >= 0 || is_had ? graph.child(at, "ARG1") : -1;
   if (led < 0) return;
   const int thing = graph.arc(led).to;
   const Concept& word = graph.word(thing);
@@ -494,6 +497,7 @@ void exist_apply(Rewriter& graph, int at) {
     is_new |= graph.is(quality, "another") || graph.is(quality, "other") || graph.is(quality, "such");
   }
   if (!is_new) return;
+  graph.word(at).name = "exist";
   graph.word(at).sense = "91";
   attribute_add(graph.word(at), has_attribute(word, "@pl") ? "@theres" : "@there");
   if (std::erase(graph.word(at).attributes, "@neg") > 0) attribute_add(graph.word(thing), "@neg");

@@ -104,7 +104,16 @@ void step_conjunctions(Meaning& meaning) {
   for (int led = 0, end = static_cast<int>(meaning.arcs.size()); led < end; ++led) relative_apply(graph, led);
   for (Arc& one : meaning.arcs) {
     if (one.gone) continue;
-    if (one.role == "condition" && !one.inverse) attribute_add(graph.word(one.from), "@conditional");
+    if (one.role == "condition" && !one.inverse) {
+      attribute_add(graph.word(one.from), "@conditional");
+      // "I will go with you and look for it": what is joined about the same person has the same condition.
+      int joined = graph.child(one.from, "conjunct");
+      for (int steps = graph.count(); joined >= 0 && steps > 0; --steps) {
+        const int part = graph.arc(joined).to;
+        if (graph.child(part, "shared") >= 0) attribute_add(graph.word(part), "@conditional");
+        joined = graph.child(part, "conjunct");
+      }
+    }
     if (!has_attribute(graph.word(one.to), "@cl")) continue;
     for (const Circumstance& circumstance : kCircumstances) {
       if (one.role != circumstance.role || one.inverse != circumstance.inverse) continue;
