@@ -1095,8 +1095,8 @@ void role_apply(Rewriter& graph, Arc& one) {
     if (is_many && graph.word(one.to).sense.empty()) attribute_add(graph.word(one.to), "@pl");
   }
   // "The foreign minister": a topic that is a quality.
-  constexpr std::array kQualities{"foreign", "domestic", "public", "military", "social", "political", "economic",
-                                  "financial", "national", "international", "legal", "medical"};
+  constexpr std::array kQualities{"foreign",  "domestic",  "public",   "military",      "social", "political",
+                                  "economic", "financial", "national", "international", "legal",  "medical"};
   const bool is_quality = one.role == "topic" && !one.inverse && is_one_of(graph, one.to, kQualities);
   if (is_quality && graph.children(one.to).empty() && graph.word(one.from).sense.empty()) one.role = "mod";
   // "It is a lot for me": who feels it is no subject where there is one.
