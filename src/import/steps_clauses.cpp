@@ -1415,8 +1415,8 @@ void step_tense(Meaning& meaning) {
                                   "matter", "doubt",    "care",   "suppose",    "hope",  "lack"};
     if (!is_known && is_question && if_so >= 0 && !is_passive && !has_attribute(graph.word(if_so), "@past"))
       attribute_add(clause, "@fut");
-    else if (!is_known && is_to_you && shared < 0 && graph.child(at, "conjunct") < 0 && !is_one_of(graph, at, kLasting) &&
-        is_question && !is_timed)
+    else if (!is_known && is_to_you && shared < 0 && graph.child(at, "conjunct") < 0 &&
+             !is_one_of(graph, at, kLasting) && is_question && !is_timed)
       attribute_add(clause, "@now");
     tense_of_content(graph, at);
     if (!is_said[static_cast<std::size_t>(at)] && is_told_of_another(graph, at)) attribute_add(clause, "@past");
