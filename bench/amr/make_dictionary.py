@@ -58,7 +58,7 @@ VERB_SECOND = {verb: preposition for preposition, verbs in {
 NOUN_OBJECTS = {verb: preposition for preposition, verbs in {
     "on": "attack influence impact comment ban tax limit assault raid restrict focus pressure emphasize effect affect report agree",
     "for": "demand desire hope need respect care request support prefer vote apologize love admire compete",
-    "in": "increase decrease rise fall drop decline grow improve change cut believe trust participate",
+    "in": "increase decrease rise drop decline improve change cut believe trust participate",
     "to": "damage threaten marry visit answer react respond reply object oppose access addict attend solve resist adapt adhere",
     "against": "discriminate fight protest struggle campaign revolt rebel"}.items() for verb in verbs.split()}
 # Nouns of these have a clause with "that" behind them: the belief that.

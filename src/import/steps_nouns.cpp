@@ -135,6 +135,17 @@ void subject_apply(Rewriter& graph, int at) {
   if (whom >= 0) drop_again(graph, event, graph.arc(whom).to);
 }
 
+// "She died in the defense of her home": an event of nobody is a place as a noun.
+void place_apply(Rewriter& graph, int at) {
+  const int led = graph.child(at, "location");
+  const int event = led < 0 ? -1 : graph.arc(led).to;
+  if (event < 0 || graph.parent(event) != led || !is_one_clause(graph, event) || graph.is(event, "be-located-at", "91"))
+    return;
+  const bool is_of_nobody = graph.child(event, "ARG0") < 0 && graph.child(event, "domain") < 0;
+  if (is_of_nobody && graph.child(event, "ARG1") >= 0 && graph.child(event, "location") < 0)
+    event_to_noun(graph, event);
+}
+
 // "Their decision to leave": what is decided has the same subject, and where nobody is named it is an infinitive, too.
 void bare_infinitive_apply(Rewriter& graph, int at) {
   constexpr std::array kWilling{"decide", "try",     "attempt", "refuse",   "promise", "plan", "intend", "threaten",
@@ -216,6 +227,7 @@ void step_nouns(Meaning& meaning) {
     object_apply(graph, at);
     bare_apply(graph, at);
     subject_apply(graph, at);
+    place_apply(graph, at);
     bare_infinitive_apply(graph, at);
     feeling_apply(graph, at);
     possibility_apply(graph, at);
