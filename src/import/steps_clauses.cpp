@@ -385,6 +385,11 @@ void coordinate(Rewriter& graph, int at, const Conjunction& conjunction) {
   graph.redirect(at, head);
   noun_once(graph, head);
   if (conjunction.attribute == std::string_view("@and")) late_circumstances(graph, at, head, last);
+  // "The man and the woman who sat there": what is said of several things stands behind the last.
+  for (const int led : graph.children(at)) {
+    const bool is_relative = graph.arc(led).inverse && is_core_role(graph.arc(led).role);
+    if (is_relative && !is_clause(graph, head) && !is_clause(graph, last)) graph.arc(led).from = last;
+  }
   graph.move_children(at, head);
 }
 

@@ -59,6 +59,7 @@ void relative_apply(Rewriter& graph, int led) {
   constexpr Stranded kStranded[] = {
       {"instrument", "with", nullptr}, {"accompanier", "with", nullptr}, {"topic", "about", nullptr},
       {"beneficiary", "for", nullptr}, {"source", "from", nullptr},      {"manner", nullptr, "way"},
+      {"ARG4", "to", nullptr},         {"destination", "to", nullptr},
   };
   const Arc one = graph.arc(led);
   const Concept& noun = graph.word(one.from);

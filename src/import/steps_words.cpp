@@ -547,6 +547,27 @@ void rest_apply(Rewriter& graph, int at) {
   attribute_add(graph.word(at), "@def");
 }
 
+// (b / bird :mod (k / kind :mod (a / all))): all kinds of birds. What has nothing beside it is no such head: "kind".
+void kind_apply(Rewriter& graph, int at) {
+  constexpr std::array kKinds{"kind", "type", "sort", "breed", "brand", "genre", "species", "variety"};
+  constexpr std::array kManyKinds{"all", "many", "several", "various", "different", "other", "these", "those", "both"};
+  const int led = graph.word(at).sense.empty() && !has_attribute(graph.word(at), "@name") ? graph.child(at, "mod") : -1;
+  const int kind = led < 0 ? -1 : graph.arc(led).to;
+  if (kind < 0 || !is_one_of(graph, kind, kKinds) || !graph.word(kind).sense.empty() || graph.mentions(kind) > 1)
+    return;
+  const std::vector<int> below = graph.children(kind);
+  if (below.empty() || is_personal_pronoun(graph, at)) return;
+  bool is_several = has_attribute(graph.word(kind), "@pl");
+  for (const int one : below) {
+    is_several |= is_listed(graph.word(graph.arc(one).to).name, kManyKinds);
+    if (graph.arc(one).inverse && graph.arc(one).role == "mod") return;
+  }
+  graph.redirect(at, kind);
+  graph.replace(led, kind, at, "part-of");
+  if (is_several) attribute_add(graph.word(kind), "@pl");
+  attribute_add(graph.word(at), is_several && !is_uncounted(graph.word(at).name) ? "@pl" : "@noart");
+}
+
 // "Some person" is someone, "every thing" everything. "Some people", a plural, stays what it is.
 void someone_apply(Rewriter& graph, int at) {
   const bool is_person = graph.is(at, "person") || graph.is(at, "individual-person");
@@ -590,6 +611,7 @@ void step_pronouns(Meaning& meaning) {
   for (int at = 0; at < graph.count(); ++at) someone_apply(graph, at);
   for (int at = 0, end = graph.count(); at < end; ++at) {
     rest_apply(graph, at);
+    kind_apply(graph, at);
     idiom_apply(graph, at);
     Concept& word = graph.word(at);
     const int counted = word.name == "thing" && word.sense.empty() ? graph.child(at, "quant") : -1;
