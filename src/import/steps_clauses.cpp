@@ -1872,6 +1872,15 @@ bool is_modal(const Concept& clause) {
   return std::any_of(kModals.begin(), kModals.end(), [&](const char* one) { return has_attribute(clause, one); });
 }
 
+// "They informed her that she won": who is informed of `at` need not do it. `higher` governs it as ARG2, `subject` leads
+// to its own.
+bool is_content_of_second(Rewriter& graph, int higher, int at, int subject) {
+  constexpr std::array kInforming{"inform", "notify", "assure", "satisfy", "impress"};
+  constexpr std::array kConvincing{"persuade", "convince", "promise"};
+  const bool is_predicate = graph.arc(subject).role == "domain" || graph.is(at, "be-located-at", "91");
+  return is_one_of(graph, higher, kInforming) || (is_predicate && is_one_of(graph, higher, kConvincing));
+}
+
 // The subject of `at` becomes :understood if `at` is a clause that English makes an infinitive or a participle of, and if
 // the clause above names the same person. `first` has for each concept the arc by which the reader meets it first: a
 // subject that is met here first has not been named.
@@ -1909,12 +1918,7 @@ void understand_subject(Rewriter& graph, const std::vector<int>& first, int at) 
   constexpr std::array kThatVerbs{"tell", "answer", "reply",  "declare",    "know",  "feel", "realize",
                                   "see",  "hear",   "notice", "understand", "write", "fear", "admit"};
   const int higher = graph.arc(above).from;
-  // "They informed her that she won": who is informed of it need not do it.
-  constexpr std::array kInforming{"inform", "notify", "assure", "satisfy", "impress"};
-  constexpr std::array kConvincing{"persuade", "convince", "promise"};
-  const bool is_predicate = graph.arc(subject).role == "domain" || graph.is(at, "be-located-at", "91");
-  if (role == "ARG2" && is_one_of(graph, higher, kInforming)) return;
-  if (role == "ARG2" && is_predicate && is_one_of(graph, higher, kConvincing)) return;
+  if (role == "ARG2" && is_content_of_second(graph, higher, at, subject)) return;
   // "She let herself fall": whom she lets fall is said, if it is herself as well.
   constexpr std::array kLetting{"let", "allow", "permit", "make", "force", "cause", "enable"};
   const bool is_let = role == "ARG1" && is_one_of(graph, higher, kLetting) && graph.child(higher, "ARG2") < 0 &&
