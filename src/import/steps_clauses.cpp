@@ -486,6 +486,7 @@ void quote(Rewriter& graph, int at) {
   int whom = graph.child(at, is_answer ? "ARG1" : "ARG2");
   if (led < 0 || who < 0) return;
   const int said = graph.arc(led).to;
+  if (is_unknown(graph, said) && graph.child(said, "domain") < 0) return;
   // Whoever asks does not ask whether he asks: the question is what he says.
   if (graph.is(at, "ask", "01") && has_attribute(graph.word(at), "@int") && !graph.is(graph.arc(who).to, "you")) {
     std::erase(graph.word(at).attributes, "@int");
@@ -1961,6 +1962,30 @@ void understand_subject(Rewriter& graph, const std::vector<int>& first, int at) 
   }
 }
 
+// "He opened the gate so that the goats will see it": an aim with a subject of its own has not come true yet.
+void aim_apply(Rewriter& graph, int at) {
+  const int led = graph.child(at, "purpose");
+  const int aim = led < 0 ? -1 : graph.arc(led).to;
+  const bool is_own = aim >= 0 && !graph.word(at).sense.empty() && is_event(graph, aim) && !is_modal(graph.word(aim)) &&
+                      !has_attribute(graph.word(aim), "@nom") && graph.child(aim, "understood") < 0 &&
+                      subject_arc(graph, aim) >= 0;
+  if (is_own) attribute_add(graph.word(aim), "@fut");
+}
+
+// (r / cold-01 :consequence (s / swim-01 :ARG0 (c / child))) with @too: "so cold that the child cannot swim". Only what is
+// about the same subject is "too tired to swim".
+void too_much_apply(Rewriter& graph, int at) {
+  const int led = has_attribute(graph.word(at), "@too") ? graph.child(at, "consequence") : -1;
+  const int clause = led < 0 ? -1 : graph.arc(led).to;
+  if (clause < 0 || !is_clause(graph, clause) || has_attribute(graph.word(clause), "@nom")) return;
+  if (graph.child(clause, "understood") >= 0 || subject_arc(graph, clause) < 0) return;
+  std::erase(graph.word(at).attributes, "@too");
+  attribute_add(graph.word(at), "@so");
+  if (std::erase(graph.word(clause).attributes, "@neg") > 0) return;
+  attribute_add(graph.word(clause), "@neg");
+  attribute_add(graph.word(clause), "@can");
+}
+
 // What the verb above has named is not said again with the noun of an event: "he was exposed to abuse".
 void said_above(Rewriter& graph, int at, int governor) {
   for (const int led : graph.children(at)) {
@@ -2055,7 +2080,7 @@ void step_control(Meaning& meaning) {
   const std::vector<int> first = first_arcs(graph);
   for (int at = 0; at < graph.count(); ++at) dead_apply(graph, at);
   for (int at = 0, end = graph.count(); at < end; ++at) understand_subject(graph, first, at);
-  for (int at = 0; at < graph.count(); ++at) noun_of_event(graph, at);
+  for (int at = 0; at < graph.count(); ++at) noun_of_event(graph, at), too_much_apply(graph, at), aim_apply(graph, at);
   for (int at = 0, end = graph.count(); at < end; ++at) nobody_decides(graph, at);
 }
 

@@ -557,6 +557,13 @@ bool is_judgement(const std::string& name) {
   return is_listed(name, kJudging);
 }
 
+// What is asked, exclaimed or denied of a frame that goes is that of what takes its place.
+void move_mood(Rewriter& graph, int from, int to) {
+  for (const char* mood : {"@int", "@exp", "@quote", "@neg"}) {
+    if (std::erase(graph.word(from).attributes, mood) > 0) attribute_add(graph.word(to), mood);
+  }
+}
+
 // (f / find-01 :ARG1 (h / have-degree-91 :ARG1 (h2 / horse) :ARG2 fast :ARG3 most)): to find the fastest horse. What is only
 // said or thought stays a clause.
 // A superlative below a verb of seeking is no statement about the horse: nobody says "to find that the horse is
@@ -567,9 +574,10 @@ bool sought_apply(Rewriter& graph, int at, int quality, int bearer) {
                          has_attribute(graph.word(quality), "@most") && graph.word(bearer).sense.empty() &&
                          !graph.word(bearer).variable.empty() && graph.mentions(at) == 1;
   constexpr std::array kTelling{"say", "think", "know", "believe", "mean", "tell", "show", "agree", "hope", "opine"};
-  if (!is_object) return false;
-  const std::string& verb = graph.word(graph.arc(above).from).name;
-  const bool is_told = is_listed(verb, kTelling);
+  // "This is the hardest question of all": what bears the quality is a predicate itself.
+  const bool is_predicate = graph.word(bearer).sense.empty() && graph.child(bearer, "domain") >= 0;
+  if (!is_object && !is_predicate) return false;
+  const bool is_told = !is_predicate && is_listed(graph.word(graph.arc(above).from).name, kTelling);
   const int bears = graph.child(at, "ARG1");
   const int led = graph.child(at, "ARG2");
   if (is_told || bears < 0 || led < 0 || graph.arc(bears).to != bearer) return false;
@@ -579,6 +587,13 @@ bool sought_apply(Rewriter& graph, int at, int quality, int bearer) {
   }
   graph.remove(bears, Fate::relation);
   graph.replace(led, bearer, quality, "mod");
+  if (is_predicate) {
+    for (const char* role : {"superlative-of", "compared-to"}) {
+      const int measured = graph.child(quality, role);
+      if (measured >= 0 && !has_attribute(graph.word(quality), "@equal")) graph.arc(measured).from = bearer;
+    }
+    move_mood(graph, quality, bearer);
+  }
   graph.redirect(at, bearer);
   graph.move_children(at, bearer);
   return true;
@@ -616,6 +631,25 @@ bool is_behind(Rewriter& graph, int quality, int bearer, std::string_view role) 
          !is_one_of(graph, quality, kAmounts);
 }
 
+// (t / tree :ARG1-of (h / have-degree-91 :ARG2 tall :ARG3 most :ARG5 (t2 / tree :location g))): the tallest tree in the garden.
+// A set of the same things is not named a second time.
+bool set_of_same(Rewriter& graph, int led, int bearer) {
+  const int set = graph.arc(led).to;
+  const bool is_noun = graph.word(set).sense.empty() && !graph.word(set).variable.empty();
+  if (!is_noun || graph.word(set).name != graph.word(bearer).name || graph.mentions(set) > 1) return false;
+  for (const int below : graph.children(set)) {
+    const bool is_all = graph.arc(below).role == "mod" &&
+                        (graph.is(graph.arc(below).to, "all") || graph.is(graph.arc(below).to, "every"));
+    if (!is_all) continue;
+    graph.settle_concept(graph.arc(below).to, Fate::word);
+    graph.remove(below, Fate::word);
+  }
+  graph.settle_concept(set, Fate::word);
+  graph.remove(led, Fate::word);
+  graph.move_children(set, bearer);
+  return true;
+}
+
 // What it is compared to, the set in which it is the most, and what follows: "so tall that ...".
 // ARG4 is what it is compared to (taller than he), ARG5 the set in which it is the most (of the town), ARG6 what
 // follows from a degree (so tall that ..., too small to ...).
@@ -630,6 +664,8 @@ void degree_measured(Rewriter& graph, int at, int quality, int bearer_led) {
       graph.remove(led, Fate::left_out);
       continue;
     }
+    if (std::string_view(role) == "ARG5" && bearer_led >= 0 && set_of_same(graph, led, graph.other(bearer_led, at)))
+      continue;
     // "The oldest house of the town", "an older house than mine": what it is measured by stands behind the noun.
     const bool is_with_noun = bearer_led >= 0 && graph.arc(bearer_led).to == at && std::string_view(role) != "ARG6" &&
                               !has_attribute(graph.word(quality), "@equal") &&
@@ -726,6 +762,9 @@ void tie_to_bearer(Rewriter& graph, int at, bool is_quantity, int quality_led, i
   // "It barked so loudly that we woke": the manner is said by the frame.
   const int manner = graph.child(quality, "manner", true);
   if (manner >= 0 && graph.arc(manner).to == bearer) graph.remove(manner, Fate::relation);
+  // (h / house :ARG1-of (have-degree-91 :ARG2 (b / big :domain h) :ARG3 more)): the house stands above its quality.
+  const int domain = bearer_above && !quality_above && !is_quantity ? graph.child(quality, "domain") : -1;
+  if (domain >= 0 && graph.arc(domain).to == bearer) graph.remove(domain, Fate::relation);
   const bool names_frame = names_bearer(quality, "ARG1") || names_bearer(quality, "ARG0");
   const bool is_known = is_above || names_frame || names_bearer(quality, "domain");
   again_apply(graph, quality, bearer);
@@ -759,6 +798,7 @@ void tie_to_bearer(Rewriter& graph, int at, bool is_quantity, int quality_led, i
     // The bearer is an event: "he fell as gently as a tree falls".
     graph.remove(bearer_led, Fate::relation);
     graph.replace(quality_led, bearer, quality, "manner");
+    move_mood(graph, quality, bearer);
     graph.redirect(at, bearer);
     return graph.move_children(at, bearer);
   } else if (is_quantity && graph.word(bearer).sense.empty() && !is_personal_pronoun(graph, bearer) &&
@@ -783,7 +823,7 @@ void degree_apply(Rewriter& graph, int at, bool is_quantity) {
   if (is_quantity && bearer_led >= 0) counted_apply(graph, quality, graph.other(bearer_led, at));
   graph.settle_concept(at, Fate::relation);
   // What is denied is the degree: "no thicker than a finger".
-  if (has_attribute(graph.word(at), "@neg")) attribute_add(graph.word(quality), "@neg");
+  move_mood(graph, at, quality);
   if (const int led = graph.child(at, "ARG3"); led >= 0 && led != quality_led) degree_said(graph, led, quality);
   degree_measured(graph, at, quality, bearer_led);
   if (bearer_led < 0) return bearerless_apply(graph, at, quality_led, quality);

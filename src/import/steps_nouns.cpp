@@ -146,6 +146,20 @@ void place_apply(Rewriter& graph, int at) {
     event_to_noun(graph, event);
 }
 
+// "All drawings", "another attempt", "this loss": what stands with a determiner is a noun.
+void determined_apply(Rewriter& graph, int at) {
+  constexpr std::array kDeterminers{"all", "every", "each", "another", "these", "those", "many", "several"};
+  const int above = graph.parent(at);
+  const bool is_part = above >= 0 && !graph.arc(above).inverse &&
+                       (graph.arc(above).role == "domain" || graph.arc(above).role.starts_with("ARG"));
+  const int led = is_part && is_one_clause(graph, at) ? graph.child(at, "mod") : -1;
+  if (led < 0 || graph.arc(led).inverse || !is_one_of(graph, graph.arc(led).to, kDeterminers)) return;
+  if (!graph.children(graph.arc(led).to).empty() || has_attribute(graph.word(at), "@agent")) return;
+  event_to_noun(graph, at);
+  constexpr std::array kOne{"every", "each", "another"};
+  if (!is_one_of(graph, graph.arc(led).to, kOne)) attribute_add(graph.word(at), "@pl");
+}
+
 // "Their decision to leave": what is decided has the same subject, and where nobody is named it is an infinitive, too.
 void bare_infinitive_apply(Rewriter& graph, int at) {
   constexpr std::array kWilling{"decide", "try",     "attempt", "refuse",   "promise", "plan", "intend", "threaten",
@@ -228,6 +242,7 @@ void step_nouns(Meaning& meaning) {
     bare_apply(graph, at);
     subject_apply(graph, at);
     place_apply(graph, at);
+    determined_apply(graph, at);
     bare_infinitive_apply(graph, at);
     feeling_apply(graph, at);
     possibility_apply(graph, at);

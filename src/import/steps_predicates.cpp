@@ -251,6 +251,46 @@ void existing_apply(Rewriter& graph) {
   const int led = graph.child(at, "time");
   if (led >= 0 && is_event(graph, graph.arc(led).to) && !graph.children(graph.arc(led).to).empty())
     attribute_add(graph.word(at), "@was");
+  // "It is night in one town when it is noon in another."
+  constexpr std::array kPeriods{"night", "day", "noon", "midnight", "morning", "evening", "dawn", "summer", "winter"};
+  const int when = led < 0 ? -1 : graph.arc(led).to;
+  if (!is_one_of(graph, at, kPeriods) || (when < 0 && graph.child(at, "location") < 0)) return;
+  std::erase(graph.word(at).attributes, "@was");
+  for (const int period : {at, when}) {
+    const bool is_stated =
+        period == at || (period >= 0 && is_one_of(graph, period, kPeriods) && graph.child(period, "location") >= 0);
+    if (!is_stated) continue;
+    graph.add(period, graph.add_concept("it"), "domain");
+    attribute_add(graph.word(period), "@noart");
+  }
+}
+
+// (l / leave-11 :ARG0 c :ord (o / ordinal-entity :value 1)): c was the first to leave. As an adverb the number would be
+// that of a time.
+void first_to_apply(Rewriter& graph, int at) {
+  const int led = is_event(graph, at) ? graph.child(at, "ord") : -1;
+  const bool is_first = led >= 0 && graph.is(graph.arc(led).to, "1", "ord");
+  const bool is_last = led >= 0 && graph.is(graph.arc(led).to, "-1", "ord");
+  if ((!is_first && !is_last) || graph.mentions(at) > 1 || !graph.children(graph.arc(led).to).empty()) return;
+  for (const std::string& mark : graph.word(at).attributes) {
+    if (mark != "@v" && mark != "@past" && mark != "@neg") return;
+  }
+  const int above = graph.parent(at);
+  constexpr std::array kWishing{"want", "hope", "wish", "try"};
+  const bool is_told = above < 0 ? graph.meaning().root == at
+                                 : !graph.arc(above).inverse && graph.arc(above).role == "ARG1" &&
+                                       is_one_of(graph, graph.arc(above).from, kWishing);
+  const int subject = graph.child(at, "ARG0");
+  if (!is_told || subject < 0 || is_unknown(graph, graph.arc(subject).to)) return;
+  const int place = graph.add_concept(is_first ? "the-first" : "the-last");
+  for (const char* mark : {"@past", "@neg"}) {
+    if (std::erase(graph.word(at).attributes, mark) > 0) attribute_add(graph.word(place), mark);
+  }
+  graph.settle_concept(graph.arc(led).to, Fate::word);
+  graph.remove(led, Fate::word);
+  graph.redirect(at, place);
+  graph.add(place, graph.arc(subject).to, "domain");
+  graph.add(place, at, "purpose");
 }
 
 // A thing that seems is there: "there seems to be something new". A quality of nobody is no thing.
@@ -533,6 +573,7 @@ void step_predicates(Meaning& meaning) {
     exclaim_apply(graph, at);
     whenever_apply(graph, at);
     how_apply(graph, at);
+    first_to_apply(graph, at);
   }
   for (Arc& one : meaning.arcs) denial_apply(graph, one), measure_apply(graph, one), next_apply(graph, one);
   for (std::size_t i = 0; i < meaning.arcs.size(); ++i) only_apply(graph, static_cast<int>(i));
