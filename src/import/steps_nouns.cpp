@@ -146,7 +146,7 @@ void place_apply(Rewriter& graph, int at) {
     event_to_noun(graph, event);
 }
 
-// "All drawings", "another attempt", "this loss": what stands with a determiner is a noun.
+// "All drawings", "another attempt": what is counted out by a determiner is a noun.
 void determined_apply(Rewriter& graph, int at) {
   constexpr std::array kDeterminers{"all", "every", "each", "another", "these", "those", "many", "several"};
   const int above = graph.parent(at);
