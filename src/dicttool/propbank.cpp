@@ -204,7 +204,7 @@ struct Role {
 
 // Where something goes, as its description says: no place gets a thing as a person does.
 bool is_place_of_motion(std::string_view description) {
-  constexpr std::string_view kPlaces[] = {"direction", "destination", "location", "where", "end point"};
+  constexpr std::string_view kPlaces[] = {"direction", "destination", "location", "where"};
   return std::any_of(std::begin(kPlaces), std::end(kPlaces),
                      [&](std::string_view word) { return description.find(word) != description.npos; });
 }
