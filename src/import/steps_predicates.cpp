@@ -330,7 +330,7 @@ void becoming_apply(Rewriter& graph, int at) {
 
 // What somebody becomes or is called is one of a kind: "she became a doctor", "they became doctors".
 // (b / become-01 :ARG1 s :ARG2 (d / doctor)), (c / call-01 :ARG1 h :ARG2 (f / fool)).
-void kind_apply(Rewriter& graph, int at) {
+void become_apply(Rewriter& graph, int at) {
   constexpr std::array kBecoming{"become", "remain", "stay"};
   constexpr std::array kCalling{"call", "consider", "deem", "label", "dub", "nickname"};
   const bool is_becoming = is_one_of(graph, at, kBecoming);
@@ -565,7 +565,7 @@ void step_predicates(Meaning& meaning) {
     exist_apply(graph, at);
     seeming_apply(graph, at);
     becoming_apply(graph, at);
-    kind_apply(graph, at);
+    become_apply(graph, at);
     judged_apply(graph, at);
     manner_apply(graph, at);
     qualities_apply(graph, at);
