@@ -599,9 +599,30 @@ bool sought_apply(Rewriter& graph, int at, int quality, int bearer) {
   return true;
 }
 
+// (e / equal :quant (p / product-of :op1 2)), or the product alone: twice as large; with more, "three times larger".
+void times_more(Rewriter& graph, int led, int quality) {
+  constexpr std::pair<const char*, const char*> kTimes[] = {
+      {"2", "twice"},      {"3", "three-times"},       {"4", "four-times"},         {"5", "five-times"},
+      {"10", "ten-times"}, {"100", "a-hundred-times"}, {"1000", "a-thousand-times"}};
+  const int degree = graph.arc(led).to;
+  const int quant = graph.child(degree, "quant");
+  const int product = graph.is(degree, "product-of") ? degree : quant < 0 ? -1 : graph.arc(quant).to;
+  const int number = product >= 0 && graph.is(product, "product-of") ? graph.child(product, "op1") : -1;
+  if (number < 0 || graph.children(product).size() != 1) return;
+  for (const auto& [digits, word] : kTimes) {
+    if (!graph.is(graph.arc(number).to, digits)) continue;
+    graph.settle_concept(graph.arc(number).to, Fate::word);
+    graph.remove(number, Fate::word);
+    graph.word(product).name = word;
+    if (product == degree) attribute_add(graph.word(quality), "@equal");
+    if (quant >= 0) graph.arc(quant).role = "degree";
+  }
+}
+
 // How much of it there is: an attribute for what is a word of its own in English, a comparative for amounts.
 void degree_said(Rewriter& graph, int led, int quality) {
   const int degree = graph.arc(led).to;
+  times_more(graph, led, quality);
   const char* attribute = degree_attribute(graph.word(degree));
   // "More money than he": more is the comparative of much and many.
   constexpr std::array kAmounts{"more", "most", "less", "enough"};
@@ -727,12 +748,27 @@ void amount_stated(Rewriter& graph, int at, int quality_led, int bearer_led) {
   graph.redirect(at, being);
   graph.replace(bearer_led, being, bearer, "ARG1");
   graph.replace(quality_led, bearer, quality, "quant");
+  // "There is more water than I thought."
+  if (const int led = graph.child(quality, "compared-to"); led >= 0 && !has_attribute(graph.word(quality), "@equal"))
+    graph.arc(led).from = bearer;
   if (const int led = graph.child(quality, "consequence"); led >= 0) {
     graph.replace(led, being, graph.arc(led).to, graph.is(quality, "enough") ? "purpose" : "consequence");
     const int again = graph.child(graph.arc(led).to, "ARG1");
     if (again >= 0 && graph.arc(again).to == bearer) graph.remove(again, Fate::relation);
   }
   graph.move_children(at, being);
+}
+
+// "I have enough time to read", "he had so much money that he bought it": what follows from an amount stands behind the
+// verb that has the noun.
+void amount_follows(Rewriter& graph, int quality, int bearer) {
+  const int led = graph.child(quality, "consequence");
+  const int above = led < 0 ? -1 : graph.parent(bearer);
+  if (above < 0 || graph.arc(above).inverse || graph.word(graph.arc(above).from).sense.empty()) return;
+  const int verb = graph.arc(above).from;
+  if (graph.reaches(graph.arc(led).to, verb)) return;
+  const bool is_for = graph.is(quality, "enough") || has_attribute(graph.word(quality), "@too");
+  graph.replace(led, verb, graph.arc(led).to, is_for ? "purpose" : "consequence");
 }
 
 // The frame goes, and one arc between the quality and its bearer is left. Five cases in this order, x the bearer: x stands
@@ -791,6 +827,7 @@ void tie_to_bearer(Rewriter& graph, int at, bool is_quantity, int quality_led, i
     const bool is_compared =
         !is_quantity && graph.child(quality, "compared-to") >= 0 && is_behind(graph, quality, bearer, "ARG4");
     if (is_compared) attribute_add(graph.word(quality), "@v");
+    if (is_quantity) amount_follows(graph, quality, bearer);
     graph.replace(quality_led, bearer, quality, is_quantity ? "quant" : is_compared ? "ARG1" : "mod", is_compared);
   } else if (!graph.word(bearer).sense.empty() && !is_quantity && graph.word(quality).sense.empty() &&
              !is_judgement(graph.word(quality).name) && graph.mentions(bearer) == 1 &&
@@ -1222,6 +1259,14 @@ void sets_apply(Rewriter& graph) {
     }
     same_deed_apply(graph, at, graph.arc(whole).to);
     if (const int led = graph.child(at, "ARG3"); led >= 0) graph.arc(led).role = "quant";
+    // "Each of us": the word that picks them out stands for the persons.
+    constexpr std::array kPicked{"each", "any", "all", "both"};
+    const int picked = graph.child(at, "mod");
+    const bool is_person = graph.is(at, "person") || graph.is(at, "thing");
+    if (picked >= 0 && is_person && is_one_of(graph, graph.arc(picked).to, kPicked)) {
+      graph.stand_in(at, picked, Fate::word);
+      continue;
+    }
     const int quantity = graph.child(at, "quant");
     // "Some of the money" names the money once.
     const bool is_again = graph.word(at).name == graph.word(graph.arc(whole).to).name && quantity >= 0 &&
@@ -1250,6 +1295,7 @@ void sets_apply(Rewriter& graph) {
     const bool is_one = number < 0 ? !has_attribute(graph.word(one.from), "@pl") : graph.is(graph.arc(number).to, "1");
     if (!is_one || graph.word(one.from).name != whole.name) continue;
     graph.word(one.from).name = "one";
+    if (graph.child(one.from, "ord") >= 0) attribute_add(graph.word(one.from), "@def");
     if (number < 0) continue;
     graph.settle_concept(graph.arc(number).to, Fate::word);
     graph.remove(number, Fate::word);

@@ -183,6 +183,18 @@ void only_apply(Rewriter& graph, int led) {
   if (!graph.is(only, "only") || !graph.children(only).empty() || graph.mentions(only) > 1) return;
   const int at = graph.arc(led).from;
   const bool is_predicate = graph.child(at, "domain") >= 0;
+  // "The only one who can read", "the only man who saw it".
+  const std::vector<int> said = graph.children(at);
+  const bool is_told_of = std::any_of(said.begin(), said.end(), [&](int below) { return graph.arc(below).inverse; });
+  if (is_told_of && !is_event(graph, at)) {
+    if (graph.is(at, "one")) attribute_add(graph.word(at), "@def");
+    return;
+  }
+  // "Only the doctor can help": who does something, of whom nothing else is said.
+  const int doing = graph.parent(at);
+  const bool is_doer = doing >= 0 && !graph.arc(doing).inverse && graph.arc(doing).role == "ARG0" && said.size() == 1 &&
+                       graph.word(at).sense.empty() && is_event(graph, graph.arc(doing).from);
+  if (is_doer) graph.word(only).sense = "adv";
   if (!is_event(graph, at) && !is_predicate) return;
   const int above = graph.parent(at);
   const bool is_noun = above >= 0 && !is_predicate && !graph.arc(above).inverse && graph.arc(above).role == "ARG1" &&
@@ -243,6 +255,23 @@ void measure_apply(Rewriter& graph, Arc& one) {
     one.role = "ARG2";
 }
 
+// A noun at the top that is denied or counted, with its place: "there were no stars in the sky".
+void denied_somewhere(Rewriter& graph, int at) {
+  const int place = graph.child(at, "location");
+  const bool is_new = has_attribute(graph.word(at), "@neg") || graph.child(at, "quant") >= 0;
+  if (place < 0 || !is_new || is_unknown(graph, graph.arc(place).to) || is_pronoun(graph, at)) return;
+  for (const char* mood : {"@int", "@exp", "@imp"}) {
+    if (has_attribute(graph.word(at), mood)) return;
+  }
+  const int being = graph.add_concept("exist");
+  graph.word(being).sense = "91";
+  graph.word(being).attributes = {"@v", has_attribute(graph.word(at), "@pl") ? "@theres" : "@there"};
+  graph.redirect(at, being);
+  graph.replace(place, being, graph.arc(place).to, "location");
+  graph.add(being, at, "ARG1");
+  if (const int time = graph.child(at, "time"); time >= 0) graph.arc(time).from = being;
+}
+
 // A noun at the top, with a clause of time: "there was a storm when we left".
 void existing_apply(Rewriter& graph) {
   const int at = statement_of(graph);
@@ -254,7 +283,8 @@ void existing_apply(Rewriter& graph) {
   // "It is night in one town when it is noon in another."
   constexpr std::array kPeriods{"night", "day", "noon", "midnight", "morning", "evening", "dawn", "summer", "winter"};
   const int when = led < 0 ? -1 : graph.arc(led).to;
-  if (!is_one_of(graph, at, kPeriods) || (when < 0 && graph.child(at, "location") < 0)) return;
+  if (!is_one_of(graph, at, kPeriods)) return denied_somewhere(graph, at);
+  if (when < 0 && graph.child(at, "location") < 0) return;
   std::erase(graph.word(at).attributes, "@was");
   for (const int period : {at, when}) {
     const bool is_stated =

@@ -208,6 +208,9 @@ void position_apply(Rewriter& graph, int at) {
   const int led = distance >= 0 ? distance : graph.child(at, "direction");
   if (led < 0) return;
   if (point >= 0) graph.arc(point).role = distance >= 0 ? "source" : "part-of";
+  // "Ten miles away."
+  if (point >= 0 && distance >= 0 && graph.is(graph.arc(point).to, "here"))
+    graph.word(graph.arc(point).to).name = "away";
   graph.stand_in(at, led, Fate::word);
 }
 
