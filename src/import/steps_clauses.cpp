@@ -1514,6 +1514,36 @@ bool nominal_apply(Rewriter& graph, int at) {
   return is_noun;
 }
 
+// What has a modal verb, which no infinitive has.
+bool is_modal(const Concept& clause) {
+  constexpr std::array kModals{"@can", "@must", "@should", "@may", "@fut", "@would", "@likely", "@past", "@perf"};
+  return std::any_of(kModals.begin(), kModals.end(), [&](const char* one) { return has_attribute(clause, one); });
+}
+
+// Acts that are easy or hard, wise or wrong, for whoever does them.
+constexpr std::array kOfActs{"easy",   "difficult", "hard",     "dangerous",  "safe",
+                             "useful", "useless",   "pleasant", "impossible", "necessary",
+                             "wrong",  "cruel",     "stupid",   "wise",       "expensive"};
+
+// A deed that is told without modal verb and negation, and may become an infinitive.
+bool is_plain_deed(Rewriter& graph, int at) {
+  constexpr std::array kMore{"@can", "@must",    "@should", "@may", "@fut", "@would", "@likely", "@perf",  "@neg",
+                             "@nom", "@whether", "@asked",  "@int", "@ask", "@imp",   "@quote",  "@agent", "@result"};
+  return is_event(graph, at) && graph.child(at, "conjunct") < 0 &&
+         std::none_of(kMore.begin(), kMore.end(), [&](const char* one) { return has_attribute(graph.word(at), one); });
+}
+
+// "It is easy for her to climb the tree": `at` is easy and `act` climb, which somebody does.
+bool is_easy_for(Rewriter& graph, int at, int act) {
+  return is_one_of(graph, at, kOfActs) && is_plain_deed(graph, act) && graph.child(act, "ARG0") >= 0;
+}
+
+// Marks `clause` as an infinitive that `mark` tells of: it has no tense.
+void make_infinitive(Rewriter& graph, int clause, const char* mark) {
+  attribute_add(graph.word(clause), mark);
+  for (const char* tense : {"@past", "@pres"}) std::erase(graph.word(clause).attributes, tense);
+}
+
 // A clause that is the only thing spoken of stands behind: "it is good that the rain stopped", "it is easy to read this".
 // @xtra: "it" in front and a clause with "that" behind; @xinf: an infinitive behind; @xv: a verb and no adjective is in
 // front, it happens that.
@@ -1538,10 +1568,6 @@ void extraposed_apply(Rewriter& graph, int at) {
   const bool is_clause =
       graph.child(what, "ARG0") >= 0 || graph.child(what, "domain") >= 0 ||
       ((is_one_of(graph, at, kFacts) || is_one_of(graph, at, kReporting)) && graph.child(what, "ARG1") >= 0);
-  // What nobody in particular does, with an object or a place.
-  constexpr std::array kOfActs{"easy",   "difficult", "hard",     "dangerous",  "safe",
-                               "useful", "useless",   "pleasant", "impossible", "necessary",
-                               "wrong",  "cruel",     "stupid",   "wise",       "expensive"};
   // "It is necessary that we wait": somebody who waits is said.
   const int sufferer = graph.child(what, "ARG1");
   constexpr std::array kSomebody{"i", "we", "you", "he", "she", "they", "everyone", "everybody", "someone", "person"};
@@ -1552,8 +1578,10 @@ void extraposed_apply(Rewriter& graph, int at) {
   const bool is_act = !is_clause && !is_person && is_one_of(graph, at, kOfActs) && !graph.children(what).empty();
   constexpr std::array kHappening{"matter", "happen", "occur", "turn-out"};
   if (is_clause && is_one_of(graph, at, kHappening)) attribute_add(graph.word(at), "@xv");
-  if (is_clause) attribute_add(graph.word(at), "@xtra");
-  if (is_act) attribute_add(graph.word(at), "@xinf");
+  const bool is_for = is_clause && is_easy_for(graph, at, what);
+  if (is_for) make_infinitive(graph, what, "@xfor");
+  if (is_clause && !is_for) attribute_add(graph.word(at), "@xtra");
+  if (is_act || is_for) attribute_add(graph.word(at), "@xinf");
 }
 
 // "Waiting is better than rewarding them": acts that are compared.
@@ -1709,6 +1737,7 @@ void step_forms(Meaning& meaning) {
     const bool is_told =
         told >= 0 && is_event(graph, told) && subject_arc(graph, told) >= 0 && !has_attribute(graph.word(told), "@nom");
     if (is_told && graph.child(at, "consequence") < 0) attribute_add(word, "@xdom");
+    if (is_told && is_easy_for(graph, at, told)) make_infinitive(graph, told, "@xfor");
     // What is only counted is new: "there are three birds in the tree".
     const bool is_being =
         graph.is(at, "be-located-at", "91") || graph.is(at, "have-place", "91") || graph.is(at, "exist", "91");
@@ -1810,6 +1839,14 @@ void subject_once_apply(Rewriter& graph, int at) {
   const int whose = graph.child(at, "ARG2");
   const int doer = wanted >= 0 && whose >= 0 ? subject_arc(graph, graph.arc(wanted).to) : -1;
   if (doer >= 0 && graph.arc(doer).to == graph.arc(whose).to) graph.remove(whose, Fate::relation);
+  // "She sailed to the island", and not herself.
+  constexpr std::array kMovingOneself{"sail",  "move",  "turn",   "roll",    "fly",    "travel", "sit",
+                                      "stand", "lie",   "settle", "rise",    "swim",   "jump",   "ride",
+                                      "slip",  "hurry", "return", "retreat", "gather", "climb",  "drift",
+                                      "spin",  "march", "rush",   "wander",  "stop",   "crawl"};
+  const int mover = is_one_of(graph, at, kMovingOneself) ? graph.child(at, "ARG0") : -1;
+  const int moved = mover < 0 ? -1 : graph.child(at, "ARG1");
+  if (moved >= 0 && graph.arc(moved).to == graph.arc(mover).to) graph.remove(moved, Fate::relation);
   // "It cost her five dollars": who pays stands nearer to the verb.
   const int buyer = graph.is(at, "cost", "01") ? graph.child(at, "ARG3") : -1;
   const int price = graph.child(at, "ARG2");
@@ -1849,8 +1886,11 @@ bool is_named_above(Rewriter& graph, const std::vector<int>& first, int above, i
   const bool is_purpose = held == "purpose" || held == "source" || held == "topic" || held == "medium";
   int led_here = above;
   // "Time to grow", but "a revolution to rip it out": what is done to him is no matter of whoever stands far above.
-  const bool is_far = is_purpose && (is_agent || !is_clause(graph, graph.arc(above).from));
-  for (int steps = is_far ? 3 : 1; steps > 0 && led_here >= 0; --steps) {
+  const int noun = graph.arc(above).from;
+  const bool is_far = is_purpose && (is_agent || !is_clause(graph, noun));
+  // "She has a plan to build it": the noun of an event does not say again whose it is.
+  const bool is_of_noun = has_attribute(graph.word(noun), "@nom") && graph.child(noun, "ARG0") < 0;
+  for (int steps = is_far ? 3 : is_of_noun ? 2 : 1; steps > 0 && led_here >= 0; --steps) {
     const int governor = graph.arc(led_here).from;
     // "My plan is to leave".
     const int plan = graph.is(governor, "identity", "91") ? graph.child(governor, "ARG1") : -1;
@@ -1867,12 +1907,6 @@ bool is_named_above(Rewriter& graph, const std::vector<int>& first, int above, i
   return false;
 }
 
-// What has a modal verb, which no infinitive has.
-bool is_modal(const Concept& clause) {
-  constexpr std::array kModals{"@can", "@must", "@should", "@may", "@fut", "@would", "@likely", "@past", "@perf"};
-  return std::any_of(kModals.begin(), kModals.end(), [&](const char* one) { return has_attribute(clause, one); });
-}
-
 // "They informed her that she won": who is informed of `at` need not do it. `higher` governs it as ARG2, `subject` leads
 // to its own.
 bool is_content_of_second(Rewriter& graph, int higher, int at, int subject) {
@@ -1880,6 +1914,79 @@ bool is_content_of_second(Rewriter& graph, int higher, int at, int subject) {
   constexpr std::array kConvincing{"persuade", "convince", "promise"};
   const bool is_predicate = graph.arc(subject).role == "domain" || graph.is(at, "be-located-at", "91");
   return is_one_of(graph, higher, kInforming) || (is_predicate && is_one_of(graph, higher, kConvincing));
+}
+
+// `at`, to which `above` leads, is a clause that English makes an infinitive or a participle of.
+bool may_be_infinite(Rewriter& graph, int above, int at) {
+  const std::string& role = graph.arc(above).role;
+  // "She knows whether she may stay" is no infinitive.
+  for (const char* mark : {"@whether", "@result", "@agent"}) {
+    if (has_attribute(graph.word(at), mark)) return false;
+  }
+  // Nor is "she asked what he was called".
+  constexpr std::array kAsking{"ask", "inquire", "question", "wonder"};
+  if (has_attribute(graph.word(at), "@asked") && is_one_of(graph, graph.arc(above).from, kAsking)) return false;
+  // "They said that they were tempted": what is said has a subject, whichever it is.
+  constexpr std::array kTelling{"say", "state", "explain", "report", "note", "mention", "announce", "think", "believe"};
+  if (role == "ARG1" && is_one_of(graph, graph.arc(above).from, kTelling)) return false;
+  // A clause in another role keeps its subject: "she left because she was tired".
+  constexpr std::array kGerunds{"source", "topic", "medium", "instrument", "manner"};
+  return role.starts_with("ARG") || role == "purpose" || is_listed(role, kGerunds) || role == "mod" ||
+         role == "attendant" || role == "substitute" || role == "exception" ||
+         (role == "consequence" && is_limit(graph.word(graph.arc(above).from)));
+}
+
+// The clause above wants the subject of `at` said again, "he told them that he was tired"; `subject` leads to him.
+bool is_said_again(Rewriter& graph, int above, int at, int subject) {
+  const std::string& role = graph.arc(above).role;
+  const int person = graph.arc(subject).to;
+  const int higher = graph.arc(above).from;
+  if (role == "ARG2" && is_content_of_second(graph, higher, at, subject)) return true;
+  // With these only a subject that is no agent is said again, and not if it is who listens: "he told them that he was
+  // tired", but "he told them to wait".
+  constexpr std::array kThatVerbs{"tell", "answer", "reply",  "declare",    "know",  "feel", "realize",
+                                  "see",  "hear",   "notice", "understand", "write", "admit"};
+  const int hearer = graph.child(higher, "ARG2");
+  const bool is_told = role == "ARG1" && graph.arc(subject).role == "ARG1" && is_one_of(graph, higher, kThatVerbs) &&
+                       (hearer < 0 || graph.arc(hearer).to != person);
+  if (is_told) return true;
+  // "She told him that she sang", "she suggested to him that he sing": only of some verbs who listens does what is said.
+  constexpr std::array kOfHearers{"tell", "warn", "remind", "assure", "inform", "notify"};
+  constexpr std::array kBidding{"tell",   "ask",    "beg",  "teach", "help",   "permit", "allow",  "forbid", "warn",
+                                "remind", "advise", "want", "mean",  "enable", "let",    "train",  "need",   "expect",
+                                "get",    "cause",  "show", "learn", "assist", "leave",  "assign", "require"};
+  const bool is_hearers = hearer >= 0 && graph.arc(hearer).to == person;
+  const int teller = graph.child(higher, "ARG0");
+  const bool is_tellers = teller >= 0 && graph.arc(teller).to == person;
+  const bool is_of_other = is_hearers ? !is_tellers && teller >= 0 && !is_one_of(graph, higher, kBidding)
+                                      : is_one_of(graph, higher, kOfHearers);
+  return role == "ARG1" && (is_of_other || (is_one_of(graph, higher, kOfHearers) && is_modal(graph.word(at))));
+}
+
+// A predicate without verb has no infinitive of its own, and keeps its subject but with some verbs.
+bool is_bare_predicate(Rewriter& graph, int above, int subject) {
+  if (graph.arc(subject).role != "domain") return false;
+  const std::string& role = graph.arc(above).role;
+  const int higher = graph.arc(above).from;
+  constexpr std::array kToBe{"want",    "decide", "try",      "attempt", "wish",    "need",    "prefer",  "learn",
+                             "pretend", "choose", "deserve",  "refuse",  "plan",    "intend",  "promise", "claim",
+                             "begin",   "start",  "continue", "enjoy",   "avoid",   "stop",    "risk",    "resist",
+                             "mind",    "hate",   "like",     "love",    "hope",    "succeed", "keep",    "apologize",
+                             "fear",    "regret", "dread",    "insist",  "confess", "deny",    "dream"};
+  // "They forced him to be quiet": whom they force is quiet.
+  const int forced = graph.child(higher, "ARG1");
+  const bool is_forced =
+      role == "ARG2" && forced >= 0 && graph.arc(forced).to == graph.arc(subject).to && is_event(graph, higher);
+  const bool is_to_be = is_forced || (role == "ARG1" && is_one_of(graph, higher, kToBe));
+  return !is_seeming(graph, higher) && role != "attendant" && !is_to_be;
+}
+
+// "She let herself fall": whom she lets fall is said, if it is herself as well.
+bool is_let(Rewriter& graph, int above, int person) {
+  const int higher = graph.arc(above).from;
+  constexpr std::array kLetting{"let", "allow", "permit", "make", "force", "cause", "enable"};
+  return graph.arc(above).role == "ARG1" && is_one_of(graph, higher, kLetting) && graph.child(higher, "ARG2") < 0 &&
+         graph.child(higher, "ARG0") >= 0 && graph.arc(graph.child(higher, "ARG0")).to == person;
 }
 
 // The subject of `at` becomes :understood if `at` is a clause that English makes an infinitive or a participle of, and if
@@ -1892,69 +1999,22 @@ void understand_subject(Rewriter& graph, const std::vector<int>& first, int at) 
     if (is_clause(graph, graph.arc(above).from)) return;
     above = first[static_cast<std::size_t>(graph.arc(above).from)];
   }
-  if (above < 0 || graph.arc(above).inverse || !is_clause(graph, at)) return;
+  if (above < 0 || graph.arc(above).inverse || !is_clause(graph, at) || !may_be_infinite(graph, above, at)) return;
   const std::string& role = graph.arc(above).role;
-  // "She knows whether she may stay" is no infinitive.
-  for (const char* mark : {"@whether", "@result", "@agent"}) {
-    if (has_attribute(graph.word(at), mark)) return;
-  }
-  // Nor is "she asked what he was called".
-  constexpr std::array kAsking{"ask", "inquire", "question", "wonder"};
-  if (has_attribute(graph.word(at), "@asked") && is_one_of(graph, graph.arc(above).from, kAsking)) return;
-  // "They said that they were tempted": what is said has a subject, whichever it is.
-  constexpr std::array kTelling{"say", "state", "explain", "report", "note", "mention", "announce", "think", "believe"};
-  if (role == "ARG1" && is_one_of(graph, graph.arc(above).from, kTelling)) return;
-  // A clause in another role keeps its subject: "she left because she was tired".
-  constexpr std::array kGerunds{"source", "topic", "medium", "instrument", "manner"};
-  const bool may_be_infinite = role.starts_with("ARG") || role == "purpose" || is_listed(role, kGerunds) ||
-                               role == "mod" || role == "attendant" || role == "substitute" || role == "exception" ||
-                               (role == "consequence" && is_limit(graph.word(graph.arc(above).from)));
   const int subject = subject_arc(graph, at);
-  if (!may_be_infinite || subject < 0 || has_attribute(graph.word(at), "@whose")) return;
+  if (subject < 0 || has_attribute(graph.word(at), "@whose")) return;
+  // "She hid so that she would not be seen": "not to" would be heard as what she does.
+  if (role == "purpose" && has_attribute(graph.word(at), "@neg") && graph.arc(subject).role != "ARG0") return;
   const int person = graph.arc(subject).to;
   if (first[static_cast<std::size_t>(person)] == subject) return;
   if (!is_named_above(graph, first, above, person, graph.arc(subject).role == "ARG0")) return;
-  // With these only a subject that is no agent is said again, and not if it is who listens: "he told them that he was
-  // tired", but "he told them to wait".
-  constexpr std::array kThatVerbs{"tell", "answer", "reply",  "declare",    "know",  "feel", "realize",
-                                  "see",  "hear",   "notice", "understand", "write", "fear", "admit"};
-  const int higher = graph.arc(above).from;
-  if (role == "ARG2" && is_content_of_second(graph, higher, at, subject)) return;
-  // "She let herself fall": whom she lets fall is said, if it is herself as well.
-  constexpr std::array kLetting{"let", "allow", "permit", "make", "force", "cause", "enable"};
-  const bool is_let = role == "ARG1" && is_one_of(graph, higher, kLetting) && graph.child(higher, "ARG2") < 0 &&
-                      graph.child(higher, "ARG0") >= 0 && graph.arc(graph.child(higher, "ARG0")).to == person;
-  if (is_let) {
+  if (is_let(graph, above, person)) {
     const int self = mention_of(graph, person);
     attribute_add(graph.word(self), "@self");
     graph.arc(subject).to = self;
     return;
   }
-  const int hearer = graph.child(higher, "ARG2");
-  const bool is_told = role == "ARG1" && graph.arc(subject).role == "ARG1" && is_one_of(graph, higher, kThatVerbs) &&
-                       (hearer < 0 || graph.arc(hearer).to != person);
-  if (is_told) return;
-  // "She told him that she sang", "she suggested to him that he sing": only of some verbs who listens does what is said.
-  constexpr std::array kOfHearers{"tell", "warn", "remind", "assure", "inform", "notify"};
-  constexpr std::array kBidding{"tell",   "ask",    "beg",  "teach", "help",   "permit", "allow",  "forbid", "warn",
-                                "remind", "advise", "want", "mean",  "enable", "let",    "train",  "need",   "expect",
-                                "get",    "cause",  "show", "learn", "assist", "leave",  "assign", "require"};
-  const bool is_hearers = hearer >= 0 && graph.arc(hearer).to == person;
-  const int teller = graph.child(higher, "ARG0");
-  const bool is_tellers = teller >= 0 && graph.arc(teller).to == person;
-  const bool is_of_other = is_hearers ? !is_tellers && teller >= 0 && !is_one_of(graph, higher, kBidding)
-                                      : is_one_of(graph, higher, kOfHearers);
-  if (role == "ARG1" && (is_of_other || (is_one_of(graph, higher, kOfHearers) && is_modal(graph.word(at))))) return;
-  // A predicate without verb has no infinitive of its own.
-  constexpr std::array kToBe{"want",    "decide", "try",      "attempt", "wish",  "need",    "prefer",  "learn",
-                             "pretend", "choose", "deserve",  "refuse",  "plan",  "intend",  "promise", "claim",
-                             "begin",   "start",  "continue", "enjoy",   "avoid", "stop",    "risk",    "resist",
-                             "mind",    "hate",   "like",     "love",    "hope",  "succeed", "keep"};
-  // "They forced him to be quiet": whom they force is quiet.
-  const int forced = graph.child(higher, "ARG1");
-  const bool is_forced = role == "ARG2" && forced >= 0 && graph.arc(forced).to == person && is_event(graph, higher);
-  const bool is_to_be = is_forced || (role == "ARG1" && is_one_of(graph, higher, kToBe));
-  if (graph.arc(subject).role == "domain" && !is_seeming(graph, higher) && role != "attendant" && !is_to_be) return;
+  if (is_said_again(graph, above, at, subject) || is_bare_predicate(graph, above, subject)) return;
   if (graph.arc(subject).role != "ARG0") attribute_add(graph.word(at), "@ctl1");
   graph.arc(subject).role = "understood";
   if (role == "consequence" && has_attribute(graph.word(graph.arc(above).from), "@too")) {
@@ -1984,6 +2044,117 @@ void too_much_apply(Rewriter& graph, int at) {
   if (std::erase(graph.word(clause).attributes, "@neg") > 0) return;
   attribute_add(graph.word(clause), "@neg");
   attribute_add(graph.word(clause), "@can");
+}
+
+// "She came running", "he sat reading": how somebody moves or stays is no means of it. "Came by train" has no event.
+void along_apply(Rewriter& graph, int at) {
+  constexpr std::array kMoving{"come",  "go",    "rush", "run",     "walk", "arrive", "return", "wander",
+                               "stand", "sit",   "lie",  "wait",    "stay", "kneel",  "hang",   "remain",
+                               "flee",  "march", "fly",  "set-out", "live", "pass",   "roam",   "crouch",
+                               "lean",  "hurry", "ride", "stroll",  "pace", "crawl"};
+  constexpr std::array kSounding{"laugh",  "smile",   "cry",   "weep",   "sob",   "shout",   "scream",  "sing",
+                                 "roar",   "sigh",    "grin",  "giggle", "moan",  "groan",   "pant",    "yell",
+                                 "howl",   "limp",    "run",   "gallop", "blush", "stammer", "stumble", "tremble",
+                                 "shiver", "whistle", "growl", "bark",   "think"};
+  // "She left without being seen".
+  constexpr std::array kPerceived{"see",  "notice", "hear",   "catch",  "observe", "recognize", "detect", "discover",
+                                  "ask",  "invite", "tell",   "harm",   "hurt",    "disturb",   "wound",  "stop",
+                                  "find", "touch",  "punish", "arrest", "kill",    "pay",       "bother", "spot"};
+  if (graph.word(at).sense.empty()) return;
+  for (const int led : graph.children(at)) {
+    const int how = graph.arc(led).to;
+    if (graph.arc(led).inverse || graph.arc(led).role != "manner" || graph.child(how, "understood") < 0) continue;
+    const bool is_denied = has_attribute(graph.word(how), "@neg");
+    const bool is_passive = has_attribute(graph.word(how), "@ctl1");
+    if (is_denied && is_passive && is_one_of(graph, how, kPerceived)) attribute_add(graph.word(how), "@unseen");
+    if (is_denied || is_passive) continue;
+    if (is_one_of(graph, at, kMoving) || is_one_of(graph, how, kSounding)) attribute_add(graph.word(how), "@along");
+  }
+}
+
+// "They had the wall painted", "he made himself heard": who does it is not said, and it is done when they are ready.
+void done_apply(Rewriter& graph, int at) {
+  const bool is_having = graph.is(at, "have", "04") || graph.is(at, "get", "04") || graph.is(at, "make", "02");
+  const int led = is_having ? graph.child(at, "ARG1") : -1;
+  const bool has_doer = graph.child(at, "ARG0") >= 0 || graph.child(at, "understood") >= 0;
+  const int deed = led < 0 || !has_doer ? -1 : graph.arc(led).to;
+  if (deed < 0 || !is_plain_deed(graph, deed)) return;
+  if (graph.child(deed, "ARG0") < 0 && graph.child(deed, "ARG1") >= 0) make_infinitive(graph, deed, "@gotten");
+}
+
+// "She has nothing to say", "they looked for something to eat", "the only way to cross the river".
+void to_do_apply(Rewriter& graph, int at) {
+  constexpr std::array kUsing{"have", "find",  "need", "want", "seek",  "look-for",
+                              "look", "bring", "get",  "lack", "search"};
+  constexpr std::array kThings{"nothing", "something", "anything", "much", "lot"};
+  const bool is_using = !graph.word(at).sense.empty() && is_one_of(graph, at, kUsing);
+  const int led = is_using ? graph.child(at, "ARG1") : -1;
+  const int user = led < 0 ? -1 : graph.child(at, "ARG0");
+  const int thing = user >= 0 && is_one_of(graph, graph.arc(led).to, kThings) ? graph.arc(led).to : -1;
+  const int done = thing < 0 ? -1 : graph.child(thing, "ARG1", true);
+  const int doer = done < 0 ? -1 : graph.child(graph.arc(done).to, "ARG0");
+  const bool is_his = doer >= 0 && graph.arc(doer).to == graph.arc(user).to;
+  if (is_his && is_plain_deed(graph, graph.arc(done).to)) {
+    graph.arc(doer).role = "understood";
+    make_infinitive(graph, graph.arc(done).to, "@toinf");
+  }
+  const int way = graph.is(at, "way") ? graph.child(at, "manner", true) : -1;
+  const int deed = way < 0 ? -1 : graph.arc(way).to;
+  if (deed < 0 || !is_plain_deed(graph, deed) || graph.child(deed, "ARG1") < 0) return;
+  for (const char* role : {"ARG0", "shared", "understood"}) {
+    if (graph.child(deed, role) >= 0) return;
+  }
+  make_infinitive(graph, deed, "@toinf");
+}
+
+// "The soldiers ignored the order to leave": whom it was given to is who leaves, and has been named.
+void order_apply(Rewriter& graph, const std::vector<int>& first, int at) {
+  const int whom = has_attribute(graph.word(at), "@nom") ? graph.child(at, "ARG1") : -1;
+  const int content = whom < 0 ? -1 : graph.child(at, "ARG2");
+  const int known = content < 0 ? -1 : graph.child(graph.arc(content).to, "understood");
+  if (known < 0 || graph.arc(known).to != graph.arc(whom).to) return;
+  if (first[static_cast<std::size_t>(graph.arc(whom).to)] != whom) graph.remove(whom, Fate::relation);
+}
+
+// "She taught them how to write", "he did not know what to say": who shall do it has been named.
+// (k / know-01 :polarity - :ARG0 h :ARG1 (t / thing :ARG1-of (s / say-01 :ARG0 h)))
+void how_to_apply(Rewriter& graph, int at) {
+  constexpr std::array kOfSelf{"learn", "forget", "discover", "decide", "wonder", "consider", "figure-out", "find-out"};
+  constexpr std::array kOfOther{"teach", "show", "tell", "advise", "instruct", "explain", "ask"};
+  const bool is_not_known = graph.is(at, "know", "01") && has_attribute(graph.word(at), "@neg");
+  const bool is_own = is_one_of(graph, at, kOfSelf) || is_not_known;
+  const int led = is_own || is_one_of(graph, at, kOfOther) ? graph.child(at, "ARG1") : -1;
+  const int thing = led >= 0 && graph.is(graph.arc(led).to, "thing") ? graph.arc(led).to : -1;
+  if (thing < 0 || graph.children(thing).size() != 1) return;
+  const Arc& held = graph.arc(graph.children(thing)[0]);
+  const int deed = held.to;
+  if (!held.inverse || (held.role != "ARG1" && held.role != "manner") || !is_plain_deed(graph, deed)) return;
+  // "She told him what he ate" is no advice.
+  if (!is_own && held.role == "ARG1" && !graph.is(at, "teach") && !graph.is(at, "advise")) return;
+  const int doer = graph.child(deed, "ARG0");
+  const int who = graph.child(at, is_own ? "ARG0" : "ARG2");
+  const int known = is_own && who < 0 ? graph.child(at, "understood") : who;
+  if (doer < 0 || known < 0 || graph.arc(doer).to != graph.arc(known).to) return;
+  graph.arc(doer).role = "understood";
+  make_infinitive(graph, deed, "@toinf");
+}
+
+// (w / want-01 :ARG0 g :ARG1 (s / sing-01 :understood g)) with @can: "she wants to be able to sing".
+void able_apply(Rewriter& graph, int at) {
+  constexpr std::array kWanting{"want", "need", "wish", "like", "love", "seem", "claim", "pretend", "hate", "prefer"};
+  const int known = has_attribute(graph.word(at), "@can") ? graph.child(at, "understood") : -1;
+  const int led = known < 0 ? -1 : graph.parent(at);
+  if (led < 0 || graph.arc(led).inverse || graph.arc(led).role != "ARG1") return;
+  if (!is_one_of(graph, graph.arc(led).from, kWanting) || graph.word(graph.arc(led).from).sense.empty()) return;
+  const int able = graph.add_concept("able");
+  graph.word(able).sense = "01";
+  attribute_add(graph.word(able), "@v");
+  attribute_add(graph.word(able), "@ctl1");
+  if (std::erase(graph.word(at).attributes, "@neg") > 0) attribute_add(graph.word(able), "@neg");
+  std::erase(graph.word(at).attributes, "@can");
+  graph.arc(led).to = able;
+  graph.add(able, graph.arc(known).to, "understood");
+  graph.add(able, at, "ARG2");
 }
 
 // What the verb above has named is not said again with the noun of an event: "he was exposed to abuse".
@@ -2081,6 +2252,10 @@ void step_control(Meaning& meaning) {
   for (int at = 0; at < graph.count(); ++at) dead_apply(graph, at);
   for (int at = 0, end = graph.count(); at < end; ++at) understand_subject(graph, first, at);
   for (int at = 0; at < graph.count(); ++at) noun_of_event(graph, at), too_much_apply(graph, at), aim_apply(graph, at);
+  for (int at = 0; at < graph.count(); ++at)
+    along_apply(graph, at), done_apply(graph, at), order_apply(graph, first, at), how_to_apply(graph, at),
+        to_do_apply(graph, at);
+  for (int at = 0, end = graph.count(); at < end; ++at) able_apply(graph, at);
   for (int at = 0, end = graph.count(); at < end; ++at) nobody_decides(graph, at);
 }
 

@@ -162,9 +162,10 @@ void determined_apply(Rewriter& graph, int at) {
 
 // "Their decision to leave": what is decided has the same subject, and where nobody is named it is an infinitive, too.
 void bare_infinitive_apply(Rewriter& graph, int at) {
-  constexpr std::array kWilling{"decide", "try",     "attempt", "refuse",   "promise", "plan", "intend", "threaten",
-                                "vow",    "pledge",  "manage",  "hesitate", "strive",  "aim",  "offer",  "choose",
-                                "learn",  "prepare", "desire",  "propose",  "agree",   "want", "hope",   "wish"};
+  constexpr std::array kWilling{"decide",   "try",    "attempt", "refuse",  "promise",  "plan",    "intend",
+                                "threaten", "vow",    "pledge",  "manage",  "hesitate", "strive",  "aim",
+                                "offer",    "choose", "learn",   "prepare", "desire",   "propose", "agree",
+                                "want",     "hope",   "wish",    "need"};
   const int led = graph.word(at).sense.empty() || !is_one_of(graph, at, kWilling) ? -1 : graph.child(at, "ARG1");
   if (led < 0 || graph.argument(at, "ARG0") >= 0 || graph.parent(graph.arc(led).to) != led) return;
   const int event = graph.arc(led).to;
