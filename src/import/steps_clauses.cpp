@@ -106,6 +106,31 @@ std::vector<int> first_arcs(Rewriter& graph) {
   return first;
 }
 
+// True for one person who is known as a woman by her first name or by what she is.
+bool is_woman(const Concept& word) {
+  constexpr std::array kFirst{
+      "Ada",       "Alice",   "Amelia",   "Amy",      "Andrea",   "Angela",   "Anita",     "Ann",      "Anna",
+      "Anne",      "Audrey",  "Barbara",  "Beatrice", "Betty",    "Bridget",  "Carla",     "Carmen",   "Carol",
+      "Caroline",  "Cecilia", "Claire",   "Clara",    "Cynthia",  "Daisy",    "Deborah",   "Denise",   "Diana",
+      "Donna",     "Doris",   "Dorothy",  "Edith",    "Elena",    "Eliza",    "Ella",      "Ellen",    "Elsa",
+      "Emily",     "Emma",    "Erica",    "Esther",   "Eva",      "Eve",      "Fatima",    "Fiona",    "Florence",
+      "Gloria",    "Greta",   "Hanna",    "Hannah",   "Harriet",  "Helen",    "Helena",    "Ida",      "Ingrid",
+      "Irene",     "Isabel",  "Isabella", "Jane",     "Janet",    "Jenny",    "Jessica",   "Joan",     "Joanna",
+      "Josephine", "Judith",  "Julia",    "Juliet",   "Karen",    "Kate",     "Katherine", "Kathleen", "Laura",
+      "Lena",      "Lilian",  "Linda",    "Lisa",     "Louise",   "Lucy",     "Lydia",     "Maria",    "Margaret",
+      "Marie",     "Martha",  "Mary",     "Matilda",  "Maya",     "Michelle", "Monica",    "Nadia",    "Nancy",
+      "Natalia",   "Nina",    "Nora",     "Olga",     "Olivia",   "Pamela",   "Patricia",  "Paula",    "Pauline",
+      "Rachel",    "Rebecca", "Rita",     "Rosa",     "Ruth",     "Sandra",   "Sara",      "Silvia",   "Sofia",
+      "Sonia",     "Sophia",  "Sophie",   "Stella",   "Susan",    "Sylvia",   "Tamara",    "Teresa",   "Theresa",
+      "Ursula",    "Valerie", "Vera",     "Veronica", "Victoria", "Virginia", "Wendy",     "Yvonne",   "Zoe"};
+  const bool is_one = has_attribute(word, "@name") && has_attribute(word, "@person") && !has_attribute(word, "@pl");
+  const bool is_called = is_listed(std::string_view(word.name).substr(0, word.name.find(' ')), kFirst);
+  bool is_so = is_called;
+  for (const char* what : {"@woman", "@girl", "@queen", "@princess", "@actress", "@aunt", "@sister"})
+    is_so = is_so || has_attribute(word, what);
+  return is_one && is_so;
+}
+
 // A word of its own for a further mention of a concept. Of the attributes it has those that say what it is; what is said
 // about it, degree or negation, stays with the first.
 // (w / want-01 :ARG0 (b / boy) :ARG1 (s / sing-01 :ARG0 b)) has one concept for two mentions: the second becomes boy.@ref,
@@ -124,6 +149,10 @@ int mention_of(Rewriter& graph, int at) {
     if (has_attribute(model, kept)) attribute_add(word, kept);
   }
   attribute_add(word, "@ref");
+  if (is_woman(model)) {
+    word.name = "she";
+    std::erase(word.attributes, "@name");
+  }
   // The poor are they.
   if (has_attribute(model, "@people")) graph.word(made).name = "they";
   return made;
@@ -958,6 +987,50 @@ void wanted_apply(Rewriter& graph, int led) {
 
 // (p / person :ARG0-of (d / drive-01)): the driver, if the dictionary has one; else the rules say who drives. Runs behind
 // the offices, as a mayor is no haver of a role.
+namespace {
+
+// (p / person :ARG0-of (w / work-01 :manner (h / hard))): "a hard worker". What is said of a deed that has a noun of its
+// doer stands beside that noun, and whom it is done to belongs to it: "her teacher".
+void agent_words_apply(Rewriter& graph, int at, int frame) {
+  constexpr std::array kDoers{
+      "work",  "think",  "read",    "write",  "sing",   "dance",   "swim",   "drive",   "run",    "speak",  "talk",
+      "lead",  "paint",  "play",    "teach",  "listen", "learn",   "dream",  "train",   "travel", "trade",  "farm",
+      "hunt",  "fight",  "build",   "cook",   "bake",   "smoke",   "drink",  "eat",     "sleep",  "walk",   "climb",
+      "fly",   "ride",   "observe", "love",   "lie",    "believe", "admire", "support", "employ", "advise", "jump",
+      "skate", "sail",   "ski",     "shoot",  "race",   "invest",  "report", "perform", "win",    "kill",   "rule",
+      "own",   "manage", "garden",  "murder", "rob",    "publish", "edit"};
+  if (!is_one_of(graph, frame, kDoers) || graph.word(frame).sense.empty() || graph.mentions(frame) != 1) return;
+  if (graph.child(at, "ARG0", true) < 0 || has_attribute(graph.word(at), "@name")) return;
+  constexpr std::array kWhen{"early", "late", "frequent", "regular", "occasional"};
+  constexpr std::array kServing{"teach", "advise", "train", "employ"};
+  std::vector<int> qualities;
+  int served = -1;
+  for (const int led : graph.children(frame)) {
+    const Arc& one = graph.arc(led);
+    const Concept& word = graph.word(one.to);
+    const bool is_leaf = graph.children(one.to).empty() && graph.mentions(one.to) == 1 && !word.variable.empty();
+    const bool is_plain = is_leaf && !is_unknown(graph, one.to) && !has_attribute(word, "@name");
+    const bool is_time = (one.role == "time" || one.role == "frequency") && is_one_of(graph, one.to, kWhen);
+    const bool is_quality = is_plain && ((!one.inverse && (one.role == "manner" || one.role == "mod" || is_time)) ||
+                                         (one.inverse && one.role == "ARG1" && !word.sense.empty()));
+    if (is_quality) {
+      qualities.push_back(led);
+    } else if (!one.inverse && one.role == "ARG2" && is_one_of(graph, frame, kServing)) {
+      served = led;
+    } else if (one.inverse || one.role != "ARG1") {
+      return;
+    }
+  }
+  for (const int led : qualities) {
+    const bool is_upright = !graph.arc(led).inverse;
+    graph.replace(led, at, graph.arc(led).to, is_upright ? "mod" : graph.arc(led).role, !is_upright);
+  }
+  if (served >= 0 && graph.child(at, "poss") < 0)
+    graph.replace(served, at, graph.arc(served).to, is_personal_pronoun(graph, graph.arc(served).to) ? "poss" : "org");
+}
+
+}  // namespace
+
 void step_persons(Meaning& meaning) {
   Rewriter graph(meaning, "persons");
   for (int led = 0; led < static_cast<int>(meaning.arcs.size()); ++led) wanted_apply(graph, led);
@@ -970,6 +1043,7 @@ void step_persons(Meaning& meaning) {
     const int led = graph.child(at, "ARG0", true);
     if (led < 0) continue;
     const int frame = graph.arc(led).to;
+    agent_words_apply(graph, at, frame);
     const std::vector<int> below = graph.children(frame);
     const bool is_simple = std::all_of(below.begin(), below.end(), [&](int one) {
       // "The central planners": what qualifies the act qualifies who does it.

@@ -402,7 +402,10 @@ void counted_apply(Rewriter& graph) {
     const bool is_plain = number.sense.empty() && is_number(number.name);
     const bool is_lot =
         number.name == "lot" && graph.word(one.from).sense.empty() && !is_uncounted(graph.word(one.from).name);
-    const bool is_some = number.name == "some" && graph.word(one.from).name == "person";
+    constexpr std::array kPeople{"person", "man",  "woman", "child",  "boy",    "girl",   "friend", "farmer", "soldier",
+                                 "animal", "tree", "house", "book",   "flower", "animal", "bird",   "dog",    "country",
+                                 "city",   "company", "letter", "question", "problem", "place", "thing", "word", "idea"};
+    const bool is_some = number.name == "some" && is_one_of(graph, one.from, kPeople);
     const bool is_many = is_lot || is_some || is_listed(number.name, kMany);
     if (is_plain || is_many) attribute_add(graph.word(one.from), number.name == "1" ? "@sg" : "@pl");
   }
