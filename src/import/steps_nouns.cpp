@@ -99,8 +99,8 @@ void object_apply(Rewriter& graph, int at) {
   }
   if (!is_known && graph.child(event, "ARG1") < 0 && graph.child(event, "poss") < 0 && graph.child(event, "ord") < 0)
     attribute_add(graph.word(event), "@indef");
-  const int giver = graph.child(at, "ARG0");
-  if (giver >= 0) drop_again(graph, event, graph.arc(giver).to);
+  const int giver = graph.argument(at, "ARG0");
+  if (giver >= 0) drop_again(graph, event, graph.other(giver, at));
 }
 
 // "They waited for an answer": of whom nobody tells that he does anything, as no argument of any clause is named, it is
