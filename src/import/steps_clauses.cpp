@@ -393,7 +393,8 @@ void coordinate(Rewriter& graph, int at, const Conjunction& conjunction) {
     const int model = subject_arc(graph, head);
     // A condition of its own stands between: "..., and if it rains, I stay".
     const bool is_shared = subject >= 0 && model >= 0 && graph.child(part, "condition") < 0 &&
-                           graph.arc(subject).to == graph.arc(model).to && std::string_view(joined_by) != "@snt";
+                           graph.arc(subject).to == graph.arc(model).to && std::string_view(joined_by) != "@snt" &&
+                           !has_attribute(graph.word(part), "@agent");
     // "Did it rain, or did the wind blow?"
     if (!is_shared && subject >= 0 && has_attribute(graph.word(at), "@int") &&
         conjunction.attribute == std::string_view("@or"))
@@ -1057,11 +1058,14 @@ void step_persons(Meaning& meaning) {
                                     "eager",       "reluctant", "greedy",    "honest",   "fond",     "keen",
                                     "jealous",     "ready",     "capable",   "cautious", "careless", "hostile",
                                     "desperate",   "generous",  "grateful",  "thankful", "brave",    "cruel"};
-    constexpr std::array kNoAgents{"know", "see", "want", "go",    "come", "hear", "have", "think", "feel", "need",
-                                   "like", "say", "tell", "stand", "sit",  "lie",  "wait", "ask",   "get",  "take"};
+    constexpr std::array kNoAgents{"know", "see",  "want",  "go",  "come", "hear", "have", "feel", "need", "like",
+                                   "say",  "tell", "stand", "sit", "lie",  "wait", "ask",  "get",  "take"};
     const bool is_nameless =
         is_one_of(graph, frame, kQualities) || (is_one_of(graph, frame, kNoAgents) && graph.children(at).size() > 1);
-    const bool is_plain = !has_attribute(graph.word(frame), "@neg") && graph.mentions(frame) == 1;
+    // "A great thinker", but "the person who thinks".
+    const bool is_thinker = !graph.is(frame, "think", "01") || graph.children(at).size() == 1 ||
+                            (graph.child(at, "mod") >= 0 && graph.children(frame).empty());
+    const bool is_plain = !has_attribute(graph.word(frame), "@neg") && graph.mentions(frame) == 1 && is_thinker;
     if (graph.word(frame).sense.empty() || !is_simple || !is_plain || is_nameless) continue;
     frame_stand_in(graph, at, led, "@agent");
   }

@@ -84,9 +84,14 @@ void drop_again(Rewriter& graph, int event, int person) {
 // The object of a verb that governs no clause, and of one that says little: "they made a decision".
 void object_apply(Rewriter& graph, int at) {
   const int led = graph.word(at).sense.empty() ? -1 : graph.child(at, "ARG1");
-  if (led < 0 || graph.parent(graph.arc(led).to) != led || !is_one_clause(graph, graph.arc(led).to)) return;
+  if (led < 0 || graph.parent(graph.arc(led).to) != led) return;
   const int event = graph.arc(led).to;
   const bool is_light = is_one_of(graph, at, kLight);
+  // "She had no interest": it is the verb that is denied.
+  if (graph.is(at, "have", "03") && !has_attribute(graph.word(at), "@neg") && is_event(graph, event) &&
+      std::erase(graph.word(event).attributes, "@neg") > 0)
+    attribute_add(graph.word(at), "@neg");
+  if (!is_one_clause(graph, event)) return;
   if (!is_light && !is_one_of(graph, at, kOfEvents)) return;
   // Who lets somebody do something: "it made him laugh".
   if (graph.is(at, "make", "02") || graph.is(at, "have", "04") || graph.is(at, "get", "04")) return;
