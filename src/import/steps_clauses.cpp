@@ -1067,6 +1067,16 @@ void step_persons(Meaning& meaning) {
                             (graph.child(at, "mod") >= 0 && graph.children(frame).empty());
     const bool is_plain = !has_attribute(graph.word(frame), "@neg") && graph.mentions(frame) == 1 && is_thinker;
     if (graph.word(frame).sense.empty() || !is_simple || !is_plain || is_nameless) continue;
+    // "He is a good singer": what somebody is called that nothing else makes known.
+    bool is_known = graph.child(at, "domain") < 0 || has_attribute(graph.word(at), "@pl") || !below.empty();
+    for (const char* role : {"poss", "ord", "org", "quant"}) is_known |= graph.child(at, role) >= 0;
+    for (const int one : graph.children(at)) {
+      constexpr std::array kKnowing{"only", "same",  "this", "that", "first", "last", "next",   "other",
+                                    "such", "every", "any",  "no",   "all",   "some", "another"};
+      const Concept& word = graph.word(graph.arc(one).to);
+      is_known |= is_listed(word.name, kKnowing) || has_attribute(word, "@most") || has_attribute(word, "@more");
+    }
+    if (!is_known) attribute_add(graph.word(frame), "@indef");
     frame_stand_in(graph, at, led, "@agent");
   }
 }

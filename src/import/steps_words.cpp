@@ -402,9 +402,10 @@ void counted_apply(Rewriter& graph) {
     const bool is_plain = number.sense.empty() && is_number(number.name);
     const bool is_lot =
         number.name == "lot" && graph.word(one.from).sense.empty() && !is_uncounted(graph.word(one.from).name);
-    constexpr std::array kPeople{"person", "man",  "woman", "child",  "boy",    "girl",   "friend", "farmer", "soldier",
-                                 "animal", "tree", "house", "book",   "flower", "animal", "bird",   "dog",    "country",
-                                 "city",   "company", "letter", "question", "problem", "place", "thing", "word", "idea"};
+    constexpr std::array kPeople{"person",   "man",     "woman",  "child",   "boy",   "girl",    "friend",
+                                 "farmer",   "soldier", "animal", "tree",    "house", "book",    "flower",
+                                 "animal",   "bird",    "dog",    "country", "city",  "company", "letter",
+                                 "question", "problem", "place",  "thing",   "word",  "idea"};
     const bool is_some = number.name == "some" && is_one_of(graph, one.from, kPeople);
     const bool is_many = is_lot || is_some || is_listed(number.name, kMany);
     if (is_plain || is_many) attribute_add(graph.word(one.from), number.name == "1" ? "@sg" : "@pl");
@@ -469,6 +470,9 @@ void several_apply(Rewriter& graph, int at) {
 
 // Words that mean something else together than one by one.
 void idiom_apply(Rewriter& graph, int at) {
+  // "Far from the city".
+  const int distant = graph.is(at, "far") ? graph.child(at, "op1") : -1;
+  if (distant >= 0) graph.arc(distant).role = "source";
   for (const int led : graph.children(at)) {
     const int word = graph.arc(led).to;
     if (graph.arc(led).inverse || !graph.children(word).empty()) continue;
