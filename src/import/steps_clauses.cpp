@@ -990,6 +990,21 @@ void wanted_apply(Rewriter& graph, int led) {
 // the offices, as a mayor is no haver of a role.
 namespace {
 
+// "He is a good singer", but "the only singer", "my best singer": what makes somebody one of a kind.
+bool is_singled_out(Rewriter& graph, int at) {
+  constexpr std::array kKnowing{"only", "same",  "this", "that", "first", "last", "next",   "other",
+                                "such", "every", "any",  "no",   "all",   "some", "another"};
+  if (has_attribute(graph.word(at), "@pl")) return true;
+  for (const char* role : {"poss", "ord", "org", "quant"}) {
+    if (graph.child(at, role) >= 0) return true;
+  }
+  const std::vector<int> told = graph.children(at);
+  return std::any_of(told.begin(), told.end(), [&](int one) {
+    const Concept& word = graph.word(graph.arc(one).to);
+    return is_listed(word.name, kKnowing) || has_attribute(word, "@most") || has_attribute(word, "@more");
+  });
+}
+
 // (p / person :ARG0-of (w / work-01 :manner (h / hard))): "a hard worker". What is said of a deed that has a noun of its
 // doer stands beside that noun, and whom it is done to belongs to it: "her teacher".
 void agent_words_apply(Rewriter& graph, int at, int frame) {
@@ -1067,16 +1082,8 @@ void step_persons(Meaning& meaning) {
                             (graph.child(at, "mod") >= 0 && graph.children(frame).empty());
     const bool is_plain = !has_attribute(graph.word(frame), "@neg") && graph.mentions(frame) == 1 && is_thinker;
     if (graph.word(frame).sense.empty() || !is_simple || !is_plain || is_nameless) continue;
-    // "He is a good singer": what somebody is called that nothing else makes known.
-    bool is_known = graph.child(at, "domain") < 0 || has_attribute(graph.word(at), "@pl") || !below.empty();
-    for (const char* role : {"poss", "ord", "org", "quant"}) is_known |= graph.child(at, role) >= 0;
-    for (const int one : graph.children(at)) {
-      constexpr std::array kKnowing{"only", "same",  "this", "that", "first", "last", "next",   "other",
-                                    "such", "every", "any",  "no",   "all",   "some", "another"};
-      const Concept& word = graph.word(graph.arc(one).to);
-      is_known |= is_listed(word.name, kKnowing) || has_attribute(word, "@most") || has_attribute(word, "@more");
-    }
-    if (!is_known) attribute_add(graph.word(frame), "@indef");
+    const bool is_told = graph.child(at, "domain") >= 0 && below.empty();
+    if (is_told && !is_singled_out(graph, at)) attribute_add(graph.word(frame), "@indef");
     frame_stand_in(graph, at, led, "@agent");
   }
 }
