@@ -56,11 +56,14 @@ VERB_SECOND = {verb: preposition for preposition, verbs in {
     "to": "subject expose limit devote dedicate attribute attach", "from": "separate distinguish exclude isolate"}.items()
                for verb in verbs.split()}
 NOUN_OBJECTS = {verb: preposition for preposition, verbs in {
-    "on": "attack influence impact comment ban tax limit assault raid restrict focus pressure emphasize effect affect report agree",
-    "for": "demand desire hope need respect care request support prefer vote apologize love admire compete",
+    "on": "strike spend attack influence impact comment ban tax limit assault raid restrict focus pressure emphasize effect affect report agree",
+    "for": "hunt prepare praise reward plan wait long demand desire hope need respect care request support prefer vote apologize love admire compete",
     "in": "increase decrease rise drop decline improve change cut believe trust participate",
-    "to": "damage threaten marry visit answer react respond reply object oppose access addict attend solve resist adapt adhere",
-    "against": "discriminate fight protest struggle campaign revolt rebel"}.items() for verb in verbs.split()}
+    "to": "harm injure damage threaten marry visit answer react respond reply object oppose access addict attend solve resist adapt adhere",
+    "at": "look glance stare gaze laugh smile shout yell guess wonder anger attempt",
+    "of": "see fear complete think travel",
+    "about": "complain worry joke doubt dream",
+    "against": "charge crime discriminate fight protest struggle campaign revolt rebel"}.items() for verb in verbs.split()}
 # Nouns of these have a clause with "that" behind them: the belief that.
 THAT_NOUNS = set("believe hope fear know claim state announce report conclude feel suspect decide agree promise argue assume "
                  "assure admit allege complain confirm declare discover doubt estimate expect explain find guarantee imply "
@@ -83,7 +86,23 @@ NOUNS = {verb: noun for verb, noun in (one.split(":") for one in (
     "pray:prayer celebrate:celebration race:race endure:endurance convince:conviction attribute:attribution "
     "resent:resentment open:opening spend:spending steal:theft smile:smile sigh:sigh yell:yell nod:nod glance:glance "
     "shout:shout stare:stare whisper:whisper greet:greeting grin:grin pause:pause gaze:gaze discourage:discouragement "
-    "insure:insurance press:pressure arouse:arousal commence:commencement address:address ").split())}
+    "insure:insurance press:pressure arouse:arousal commence:commencement address:address "
+    "build:building mine:mining light:lighting cross:crossing land:landing shop:shopping school:schooling cook:cooking "
+    "kill:killing sign:signing bomb:bombing draw:drawing found:founding record:recording sail:sailing shoot:shooting "
+    "write:writing lend:lending borrow:borrowing plant:planting form:formation declare:declaration "
+    "imprison:imprisonment astonish:astonishment sympathize:sympathy rob:robbery trial:trial sound:sound lift:lift "
+    "manufacture:manufacture fire:firing spend:spending hack:hacking scold:scolding mix:mixture "
+    "weep:weeping happen:happening push:push pull:pull beat:beating "
+    "whip:whipping flog:flogging fish:fishing farm:farming stab:stabbing loot:looting hang:hanging sing:singing "
+    "train:training dump:dumping log:logging print:printing pack:packing spell:spelling weave:weaving knit:knitting "
+    "skate:skating ski:skiing surf:surfing box:boxing gamble:gambling smuggle:smuggling traffic:trafficking launder:laundering "
+    "bully:bullying beg:begging clap:clapping howl:howling bark:barking bleed:bleeding crave:craving sever:severance "
+    "uproot:uprooting flood:flooding shell:shelling poison:poisoning drown:drowning kidnap:kidnapping "
+    "hijack:hijacking torture:torture behead:beheading breed:breeding graze:grazing board:boarding "
+    "pluck:plucking thaw:thaw melt:melting wed:wedding christen:christening beget:begetting ").split())}
+# Verbs with a noun that the frame files write without its article.
+PHRASES = {"make difference": "make a difference", "give hand": "give a hand", "get grip": "get a grip", "have clue": "have a clue",
+           "get kick": "get a kick", "make scene": "make a scene", "take picture": "take a picture", "have good run": "have a good run"}
 # Words that name no deed, though the frame files or WordNet have them for the verb: "the make of a coat", "the leave".
 NO_NOUNS = set("make leave build kill hold raise face head fire hand mind matter subject term feature average stem float center "
                "figure contain allow cause proceed commit watch drink sink file store stain show run feed set put take let "
@@ -105,10 +124,12 @@ BUILT = {
 AGENTS = {"apply": "applicant", "assist": "assistant", "inhabit": "inhabitant", "reside": "resident", "study": "student",
           "immigrate": "immigrant", "participate": "participant", "compete": "competitor", "represent": "representative",
           "counsel": "counselor", "act": "actor", "account": "accountant", "assail": "assailant", "defend": "defender",
-          "witness": "witness"}
+          "witness": "witness", "negotiate": "negotiator", "oppose": "opponent", "assault": "assailant", "tour": "tourist",
+          "trick": "trickster"}
 # Who does it has no noun, or one that means something else: nobody who waits is a waiter.
 NO_AGENTS = set("account attract captivate cart close come condition confide connect count date deify demonize despair draw dress "
                 "equal equate fail go hang have hear hit idolize incarnate know let log look major man marry mutate name open "
+                "arrive depart laugh surrender crime mistake pray smile escape sacrifice obey warn journey "
                 "oust pass personify port pretend prey process rest see sit stand tell tie turn wait wake walk want".split())
 # Nouns of agents that the examples lack.
 MORE_AGENTS = set("abuser achiever adopter aggressor avenger bowler campaigner colonizer complainer debater deceiver defector "
@@ -525,6 +546,7 @@ def frames(path, writer, sources):
         if found := re.match(r'\[(.*)\]\{.*?\} "(.*\(>\w+\))" \((.*?)\)', line):
             senses[found.group(2)].append((found.group(1), found.group(3).split(",")))
     for concept, names in senses.items():
+        names = [(PHRASES.get(name, name), attributes) for name, attributes in names]
         lemma = surface(concept.partition("(>")[0])
         of = {part: [form for form, attributes in names if attributes[0] == part] for part in ("V", "N", "ADJ")}
         verb = lemma if lemma in of["V"] else of["V"][0] if of["V"] else None
@@ -575,7 +597,7 @@ def frames(path, writer, sources):
         nouns.sort(key=lambda form: -(sources.tagged[form, "1"] + 1) * (4 if form in derived else 1))
         if lemma in NOUNS and sense_of(concept) < 4:
             nouns = [NOUNS[lemma]]
-        if verb and lemma in NO_NOUNS:
+        if verb and lemma in NO_NOUNS and lemma not in NOUNS:
             nouns, of["N"] = [], []
         for noun in (nouns or [form for form in of["N"] if sources.tagged[form, "1"] > 19])[:1]:
             # A noun has the prepositions of its verb, "a look at the sea", and a verb of its own, "take a look".

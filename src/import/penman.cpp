@@ -127,6 +127,14 @@ void split_sense(Concept& word, const std::string& text) {
   const std::size_t dash = text.rfind('-');
   const bool has_sense = dash != std::string::npos && dash > 0 && dash + 3 <= text.size() && text.size() <= dash + 4 &&
                          std::all_of(text.begin() + static_cast<std::ptrdiff_t>(dash) + 1, text.end(), is_digit);
+  // An annotator who finds no sense in the frame files writes -XX or -00; the verb is mostly used in its first one.
+  const bool has_none = text.size() > 3 && (text.ends_with("-XX") || text.ends_with("-00"));
+  if (has_none) {
+    word.name = text.substr(0, text.size() - 3);
+    word.sense = "01";
+    attribute_add(word, "@v");
+    return;
+  }
   word.name = has_sense ? text.substr(0, dash) : text;
   word.sense = has_sense ? text.substr(dash + 1) : "";
   if (has_sense) attribute_add(word, "@v");

@@ -1080,6 +1080,133 @@ void here_apply(Rewriter& graph, int at) {
   graph.add(being, at, "ARG2");
 }
 
+// A verb and its noun that a bank writes as one frame, which no dictionary has: (h / have-fun-00 :ARG0 b :ARG1 g).
+struct LightPhrase {
+  const char* name;
+  const char* verb;
+  const char* sense;
+  const char* noun;
+  const char* preposition;  // of what is done with it: fun with a friend
+  bool is_counted;          // a way, but fun
+};
+
+constexpr LightPhrase kLightPhrases[] = {
+    {"have-business", "have", "03", "business", "with", false},
+    {"have-fun", "have", "03", "fun", "with", false},
+    {"have-breakfast", "have", "03", "breakfast", "with", false},
+    {"have-lunch", "have", "03", "lunch", "with", false},
+    {"have-dinner", "have", "03", "dinner", "with", false},
+    {"have-party", "have", "03", "party", "for", true},
+    {"have-chance", "have", "03", "chance", "of", true},
+    {"have-effect", "have", "03", "effect", "on", true},
+    {"have-impact", "have", "03", "impact", "on", true},
+    {"have-influence", "have", "03", "influence", "on", false},
+    {"have-access", "have", "03", "access", "to", false},
+    {"have-faith", "have", "03", "faith", "in", false},
+    {"have-pity", "have", "03", "pity", "on", false},
+    {"have-patience", "have", "03", "patience", "with", false},
+    {"have-problem", "have", "03", "problem", "with", true},
+    {"have-talk", "have", "03", "talk", "with", true},
+    {"have-time", "have", "03", "time", "for", false},
+    {"have-baby", "have", "03", "baby", "with", true},
+    {"find-way", "find", "01", "way", "to", true},
+    {"find-solution", "find", "01", "solution", "to", true},
+    {"find-job", "find", "01", "job", "with", true},
+    {"lose-way", "lose", "02", "way", "to", true},
+    {"lose-interest", "lose", "02", "interest", "in", false},
+    {"lose-hope", "lose", "02", "hope", "of", false},
+    {"make-decision", "make", "01", "decision", "on", true},
+    {"make-effort", "make", "01", "effort", "for", true},
+    {"make-friend", "make", "01", "friends", "with", false},
+    {"make-friends", "make", "01", "friends", "with", false},
+    {"make-progress", "make", "01", "progress", "with", false},
+    {"make-mistake", "make", "01", "mistake", "in", true},
+    {"make-plan", "make", "01", "plan", "for", true},
+    {"make-sense", "make", "01", "sense", "to", false},
+    {"make-use", "make", "01", "use", "of", false},
+    {"make-peace", "make", "01", "peace", "with", false},
+    {"make-money", "make", "01", "money", "from", false},
+    {"make-love", "make", "01", "love", "to", false},
+    {"make-noise", "make", "01", "noise", "with", true},
+    {"make-room", "make", "01", "room", "for", false},
+    {"make-promise", "make", "01", "promise", "to", true},
+    {"take-part", "take", "01", "part", "in", false},
+    {"take-care", "take", "01", "care", "of", false},
+    {"take-photo", "take", "01", "photo", "of", true},
+    {"take-walk", "take", "01", "walk", "in", true},
+    {"take-bath", "take", "01", "bath", "in", true},
+    {"take-shower", "take", "01", "shower", "in", true},
+    {"take-break", "take", "01", "break", "from", true},
+    {"take-nap", "take", "01", "nap", "in", true},
+    {"take-action", "take", "01", "action", "on", false},
+    {"take-control", "take", "01", "control", "of", false},
+    {"take-notice", "take", "01", "notice", "of", false},
+    {"take-revenge", "take", "01", "revenge", "on", false},
+    {"take-responsibility", "take", "01", "responsibility", "for", false},
+    {"take-look", "take", "01", "look", "at", true},
+    {"pay-attention", "pay", "01", "attention", "to", false},
+    {"pay-heed", "pay", "01", "heed", "to", false},
+    {"pay-visit", "pay", "01", "visit", "to", true},
+    {"pay-tribute", "pay", "01", "tribute", "to", false},
+    {"do-homework", "do", "02", "homework", "for", false},
+    {"do-harm", "do", "02", "harm", "to", false},
+    {"do-damage", "do", "02", "damage", "to", false},
+    {"do-research", "do", "02", "research", "on", false},
+    {"do-work", "do", "02", "work", "for", false},
+    {"give-birth", "give", "01", "birth", "to", false},
+    {"give-speech", "give", "01", "speech", "to", true},
+    {"give-way", "give", "01", "way", "to", false},
+    {"give-rise", "give", "01", "rise", "to", false},
+    {"give-permission", "give", "01", "permission", "to", false},
+    {"get-job", "get", "01", "job", "with", true},
+    {"get-divorce", "get", "01", "divorce", "from", true},
+    {"set-fire", "set", "01", "fire", "to", false},
+    {"keep-watch", "keep", "02", "watch", "over", false},
+    {"keep-company", "keep", "02", "company", "with", false},
+    {"keep-secret", "keep", "02", "secret", "from", true},
+    {"tell-story", "tell", "01", "story", "to", true},
+    {"tell-lie", "tell", "01", "lie", "to", true},
+    {"tell-joke", "tell", "01", "joke", "to", true},
+    {"run-risk", "run", "01", "risk", "of", true},
+    {"play-role", "play", "08", "role", "in", true},
+    {"play-part", "play", "08", "part", "in", true},
+    {"hold-meeting", "hold", "04", "meeting", "with", true},
+    {"hold-talk", "hold", "04", "talks", "with", false},
+};
+
+// "He found a way to the sea": the noun is the object, and what was the object has the preposition of the noun.
+void light_phrase_apply(Rewriter& graph, int at) {
+  const auto phrase = std::find_if(std::begin(kLightPhrases), std::end(kLightPhrases),
+                                   [&](const LightPhrase& one) { return graph.word(at).name == one.name; });
+  if (graph.is(at, "get-rid", "05")) graph.word(at).name = "get-rid-of";
+  // A weekend is no deed, though frame files have one for it.
+  if (graph.is(at, "weekend", "01")) {
+    graph.word(at).sense.clear();
+    graph.word(at).attributes.clear();
+  }
+  if (phrase == std::end(kLightPhrases) || graph.word(at).sense.empty()) return;
+  graph.word(at).name = phrase->verb;
+  graph.word(at).sense = phrase->sense;
+  const int noun = graph.add_concept(phrase->noun);
+  attribute_add(graph.word(noun), "@indef");
+  if (!phrase->is_counted) attribute_add(graph.word(noun), "MASS");
+  const int led = graph.child(at, "ARG1");
+  graph.add(at, noun, "ARG1");
+  if (led < 0) return;
+  if (graph.argument(at, "ARG0") < 0) {
+    graph.arc(led).role = "ARG0";
+    return;
+  }
+  const int object = graph.arc(led).to;
+  if (std::string_view(phrase->preposition) == "to" && phrase->is_counted && is_event(graph, object)) {
+    graph.arc(led).role = "purpose";
+    return;
+  }
+  const int preposition = graph.add_concept(phrase->preposition);
+  graph.replace(led, at, preposition, "prep");
+  graph.add(preposition, object, "op1");
+}
+
 // Frames that are a word or a phrase of their own.
 void phrase_apply(Rewriter& graph, int at) {
   // (w / work-01 :temporal (u / use-03)): what used to be done.
@@ -1315,6 +1442,7 @@ void step_reified(Meaning& meaning) {
     if (graph.is(at, "regardless", "91")) regardless_apply(graph, at);
     if (graph.is(at, "resemble", "01")) likeness_apply(graph, at);
     phrase_apply(graph, at);
+    light_phrase_apply(graph, at);
   }
   // In the order of the source, so that of two nested frames the outer one comes first, and its role leads to the inner
   // frame, which then gives its own place up.

@@ -153,15 +153,23 @@ void place_apply(Rewriter& graph, int at) {
 
 // "All drawings", "another attempt": what is counted out by a determiner is a noun.
 void determined_apply(Rewriter& graph, int at) {
-  constexpr std::array kDeterminers{"all", "every", "each", "another", "these", "those", "many", "several"};
+  constexpr std::array kDeterminers{"all", "every", "each", "another", "these", "those", "many", "several", "such"};
   const int above = graph.parent(at);
   const bool is_part = above >= 0 && !graph.arc(above).inverse &&
                        (graph.arc(above).role == "domain" || graph.arc(above).role.starts_with("ARG"));
-  const int led = is_part && is_one_clause(graph, at) ? graph.child(at, "mod") : -1;
+  if (!is_part || !is_one_clause(graph, at)) return;
+  // "His third attempt"; but "he was born first" tells when.
+  const int counted = graph.child(at, "ord");
+  if (counted >= 0 && graph.word(graph.arc(counted).to).name != "1" && graph.child(at, "time") < 0 &&
+      !has_attribute(graph.word(at), "@agent")) {
+    event_to_noun(graph, at);
+    return;
+  }
+  const int led = graph.child(at, "mod");
   if (led < 0 || graph.arc(led).inverse || !is_one_of(graph, graph.arc(led).to, kDeterminers)) return;
   if (!graph.children(graph.arc(led).to).empty() || has_attribute(graph.word(at), "@agent")) return;
   event_to_noun(graph, at);
-  constexpr std::array kOne{"every", "each", "another"};
+  constexpr std::array kOne{"every", "each", "another", "such"};
   if (!is_one_of(graph, graph.arc(led).to, kOne)) attribute_add(graph.word(at), "@pl");
 }
 
