@@ -661,7 +661,8 @@ def lemmas(writer, sources):
             continue
         if re.fullmatch(r"[A-Za-z][A-Za-z -]*", lemma):
             for key in {lemma, lemma.replace(" ", "-")}:
-                writer.adjective(lemma, key)
+                told = ADJECTIVE_OBJECTS.get(lemma)
+                writer.adjective(lemma, key, f",p1{told},p2{told}" if told else "")
     for lemma in sources.adverbs:
         # "He said softly": of the two adverbs of an adjective that is plain.
         made = sources.manner.get(lemma, "")
