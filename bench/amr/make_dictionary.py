@@ -112,6 +112,7 @@ NO_NOUNS = set("make leave build kill hold raise face head fire hand mind matter
 # POSTN is for a participle that stands behind its noun, "the money left".
 BUILT = {
     "grateful(>01)": "p1to p2for", "thankful(>02)": "p1to p2for", "innocent(>01)": "p2of",
+    "responsible(>01)": "GER1",
     "answer(>01)": "p2with", "capable(>01)": "p2of PG2", "attend(>02)": "p1to", "comment(>01)": "p3on",
     "ask(>02)": "p1for", "grateful(>01)": "p1to p2for GER2", "reluctant(>01)": "INF1", "hesitant(>01)": "INF1", "unwilling(>01)": "INF1", "dress(>01)": "p2in", "come(>01)": "p3from p4to", "draw(>01)": "p2for", "excuse(>01)": "p2for GER2", "leave(>17)": "POSTN",
     "question(>01)": "p1about", "policy(>01)": "p2on", "remain(>01)": "GER3", "speak(>01)": "p1about p2to", "split(>01)": "p2into",

@@ -2151,6 +2151,11 @@ void along_apply(Rewriter& graph, int at) {
                                  "roar",   "sigh",    "grin",  "giggle", "moan",  "groan",   "pant",    "yell",
                                  "howl",   "limp",    "run",   "gallop", "blush", "stammer", "stumble", "tremble",
                                  "shiver", "whistle", "growl", "bark",   "think"};
+  // "They spent the night dancing".
+  constexpr std::array kSpending{"spend", "busy", "waste"};
+  const int occupied = is_one_of(graph, at, kSpending) ? graph.child(at, "ARG2") : -1;
+  const int pastime = occupied < 0 ? -1 : graph.arc(occupied).to;
+  if (pastime >= 0 && graph.child(pastime, "understood") >= 0) attribute_add(graph.word(pastime), "@along");
   // "She left without being seen".
   constexpr std::array kPerceived{"see",  "notice", "hear",   "catch",  "observe", "recognize", "detect", "discover",
                                   "ask",  "invite", "tell",   "harm",   "hurt",    "disturb",   "wound",  "stop",
@@ -2162,9 +2167,24 @@ void along_apply(Rewriter& graph, int at) {
     const bool is_denied = has_attribute(graph.word(how), "@neg");
     const bool is_passive = has_attribute(graph.word(how), "@ctl1");
     if (is_denied && is_passive && is_one_of(graph, how, kPerceived)) attribute_add(graph.word(how), "@unseen");
+    // "She helped him to grow by feeding him": behind what she helps him to do.
+    for (const int other : graph.children(at)) {
+      const bool is_infinitive = !graph.arc(other).inverse && graph.arc(other).role.starts_with("ARG") &&
+                                 graph.child(graph.arc(other).to, "understood") >= 0;
+      if (is_infinitive && !is_passive) attribute_add(graph.word(how), "@outer");
+    }
     if (is_denied || is_passive) continue;
     if (is_one_of(graph, at, kMoving) || is_one_of(graph, how, kSounding)) attribute_add(graph.word(how), "@along");
   }
+}
+
+// "I would like to sing": a wish that is spoken of as one.
+void polite_apply(Rewriter& graph, int at) {
+  if (!graph.is(at, "like", "02") || !is_plain_deed(graph, at) || graph.child(at, "ARG0") < 0) return;
+  const bool is_timed = has_attribute(graph.word(at), "@past") || has_attribute(graph.word(at), "@pres");
+  const int wish = graph.child(at, "ARG1");
+  const bool is_to_do = wish >= 0 && graph.child(graph.arc(wish).to, "understood") >= 0;
+  if (!is_timed && is_to_do) attribute_add(graph.word(at), "@would");
 }
 
 // "They had the wall painted", "he made himself heard": who does it is not said, and it is done when they are ready.
@@ -2179,8 +2199,7 @@ void done_apply(Rewriter& graph, int at) {
 
 // "She has nothing to say", "they looked for something to eat", "the only way to cross the river".
 void to_do_apply(Rewriter& graph, int at) {
-  constexpr std::array kUsing{"have", "find",  "need", "want", "seek",  "look-for",
-                              "look", "bring", "get",  "lack", "search"};
+  constexpr std::array kUsing{"have", "find", "need", "want", "seek", "look-for", "bring", "get", "lack"};
   constexpr std::array kThings{"nothing", "something", "anything", "much", "lot"};
   const bool is_using = !graph.word(at).sense.empty() && is_one_of(graph, at, kUsing);
   const int led = is_using ? graph.child(at, "ARG1") : -1;
@@ -2192,6 +2211,14 @@ void to_do_apply(Rewriter& graph, int at) {
   if (is_his && is_plain_deed(graph, graph.arc(done).to)) {
     graph.arc(doer).role = "understood";
     make_infinitive(graph, graph.arc(done).to, "@toinf");
+  }
+  const bool is_place = user >= 0 && graph.is(graph.arc(led).to, "place");
+  const int place = is_place ? graph.child(graph.arc(led).to, "location", true) : -1;
+  const int sleeper = place < 0 ? -1 : graph.child(graph.arc(place).to, "ARG0");
+  const bool is_there = sleeper >= 0 && graph.arc(sleeper).to == graph.arc(user).to;
+  if (is_there && is_plain_deed(graph, graph.arc(place).to)) {
+    graph.arc(sleeper).role = "understood";
+    make_infinitive(graph, graph.arc(place).to, "@toinf");
   }
   const int way = graph.is(at, "way") ? graph.child(at, "manner", true) : -1;
   const int deed = way < 0 ? -1 : graph.arc(way).to;
@@ -2348,8 +2375,8 @@ void step_control(Meaning& meaning) {
   for (int at = 0, end = graph.count(); at < end; ++at) understand_subject(graph, first, at);
   for (int at = 0; at < graph.count(); ++at) noun_of_event(graph, at), too_much_apply(graph, at), aim_apply(graph, at);
   for (int at = 0; at < graph.count(); ++at)
-    along_apply(graph, at), done_apply(graph, at), order_apply(graph, first, at), how_to_apply(graph, at),
-        to_do_apply(graph, at);
+    polite_apply(graph, at), along_apply(graph, at), done_apply(graph, at), order_apply(graph, first, at),
+        how_to_apply(graph, at), to_do_apply(graph, at);
   for (int at = 0, end = graph.count(); at < end; ++at) able_apply(graph, at);
   for (int at = 0, end = graph.count(); at < end; ++at) nobody_decides(graph, at);
 }
