@@ -1103,12 +1103,35 @@ void contrast_upright(Rewriter& graph, int at) {
   graph.replace(above, at, first, "ARG1");
 }
 
+// (a / and :op1 (k / king :polarity -) :op2 (q / queen)) below a verb: the queen instead of the king, as the denial would be
+// read with both.
+void not_but_apply(Rewriter& graph, int at, const char* denied, const char* other) {
+  const std::vector<int> parts = graph.children(at);
+  const int first = graph.child(at, denied);
+  const int second = graph.child(at, other);
+  const int above = graph.parent(at);
+  if (parts.size() != 2 || first < 0 || second < 0 || above < 0 || graph.arc(above).inverse) return;
+  const int not_this = graph.arc(first).to;
+  const int but_that = graph.arc(second).to;
+  if (!has_attribute(graph.word(not_this), "@neg") || has_attribute(graph.word(but_that), "@neg")) return;
+  for (const int part : {not_this, but_that}) {
+    const bool is_noun = graph.word(part).sense.empty() && !graph.word(part).variable.empty();
+    if (!is_noun || graph.child(part, "domain") >= 0 || graph.mentions(part) > 1) return;
+  }
+  if (!is_core(graph.arc(above)) || !is_event(graph, graph.arc(above).from)) return;
+  std::erase(graph.word(not_this).attributes, "@neg");
+  graph.replace(first, but_that, not_this, "substitute");
+  graph.stand_in(at, second, Fate::word);
+}
+
 }  // namespace
 
 // In front of coordination and quotation: "but" is no part of what is said.
 void step_contrast(Meaning& meaning) {
   Rewriter graph(meaning, "contrast");
   for (int at = 0, end = graph.count(); at < end; ++at) {
+    if (graph.is(at, "and") || graph.is(at, "but")) not_but_apply(graph, at, "op1", "op2");
+    if (graph.is(at, "contrast", "01")) not_but_apply(graph, at, "ARG1", "ARG2");
     if (graph.is(at, "contrast", "01") || graph.is(at, "contrast", "91")) {
       contrast_upright(graph, at);
       coordinate(graph, at, *conjunction_of(graph, at));
@@ -1261,6 +1284,14 @@ void step_questions(Meaning& meaning) {
   Rewriter graph(meaning, "questions");
   for (int at = 0; at < graph.count(); ++at) {
     if (is_unknown(graph, at)) question(graph, at);
+  }
+  // "Which of you", "which one of these": what is asked for is taken out of a set that is known.
+  for (int at = 0; at < graph.count(); ++at) {
+    if (!is_unknown(graph, at)) continue;
+    const int above = graph.parent(at);
+    const bool is_mod = above >= 0 && !graph.arc(above).inverse && graph.arc(above).role == "mod" &&
+                        graph.child(graph.arc(above).from, "superset") >= 0;
+    if (is_mod || graph.child(at, "superset") >= 0) graph.word(at).name = "which";
   }
   // Only a clause of its own asks; below a verb of knowing it is "whether", elsewhere no question at all.
   for (int at = 0; at < graph.count(); ++at) {

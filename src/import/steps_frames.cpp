@@ -827,6 +827,7 @@ void tie_to_bearer(Rewriter& graph, int at, bool is_quantity, int quality_led, i
     const bool is_compared =
         !is_quantity && graph.child(quality, "compared-to") >= 0 && is_behind(graph, quality, bearer, "ARG4");
     if (is_compared) attribute_add(graph.word(quality), "@v");
+    if (has_attribute(graph.word(quality), "@least")) attribute_add(graph.word(bearer), "@def");
     if (is_quantity) amount_follows(graph, quality, bearer);
     graph.replace(quality_led, bearer, quality, is_quantity ? "quant" : is_compared ? "ARG1" : "mod", is_compared);
   } else if (!graph.word(bearer).sense.empty() && !is_quantity && graph.word(quality).sense.empty() &&
@@ -942,7 +943,12 @@ void modality_apply(Rewriter& graph, int at, const Modal& modal) {
     const int who = graph.child(at, role);
     if (who < 0) continue;
     const int person = graph.arc(who).to;
-    const int subject = graph.argument(clause, "ARG0");
+    int subject = graph.argument(clause, "ARG0");
+    // "The boy must come": of some verbs it is ARG1.
+    if (subject < 0) {
+      const int own = graph.argument(clause, graph.child(clause, "domain") >= 0 ? "domain" : "ARG1");
+      if (own >= 0 && graph.other(own, clause) == person) subject = own;
+    }
     if (subject >= 0 && graph.other(subject, clause) == person) {
       graph.remove(who, Fate::relation);
     } else {

@@ -168,6 +168,18 @@ void denial_apply(Rewriter& graph, Arc& one) {
   attribute_add(graph.word(one.from), "@neg");
 }
 
+// (a / apple :quant 1 :mod (o / only)) that somebody buys: only one apple.
+void only_counted(Rewriter& graph, int at, int led) {
+  const int above = graph.parent(at);
+  const bool is_object = above >= 0 && !graph.arc(above).inverse && graph.arc(above).role.starts_with("ARG") &&
+                         graph.word(at).sense.empty() && is_event(graph, graph.arc(above).from);
+  const int counted = graph.child(at, "quant");
+  const int number = counted < 0 ? -1 : graph.arc(counted).to;
+  if (!is_object || number < 0 || !graph.word(number).variable.empty() || graph.child(at, "poss") >= 0) return;
+  graph.replace(counted, graph.arc(led).to, number, "op1");
+  graph.arc(led).role = "quant";
+}
+
 // "Only" stands in front of the verb, also where the graph has it with the noun of an event below: "she only needs a walk".
 // In front of a predicate it stands before the article: "they are only small lamps".
 void only_apply(Rewriter& graph, int led) {
@@ -195,6 +207,8 @@ void only_apply(Rewriter& graph, int led) {
   const bool is_doer = doing >= 0 && !graph.arc(doing).inverse && graph.arc(doing).role == "ARG0" && said.size() == 1 &&
                        graph.word(at).sense.empty() && is_event(graph, graph.arc(doing).from);
   if (is_doer) graph.word(only).sense = "adv";
+  if (!is_predicate) only_counted(graph, at, led);
+  if (graph.arc(led).role != "mod") return;
   if (!is_event(graph, at) && !is_predicate) return;
   const int above = graph.parent(at);
   const bool is_noun = above >= 0 && !is_predicate && !graph.arc(above).inverse && graph.arc(above).role == "ARG1" &&
@@ -255,11 +269,27 @@ void measure_apply(Rewriter& graph, Arc& one) {
     one.role = "ARG2";
 }
 
+// (s / sell-01 :ARG1 (h / horse :mod (a / also))): he also sold the horse, as "also" stands in front of the verb.
+void also_apply(Rewriter& graph, int led) {
+  const Arc& one = graph.arc(led);
+  if (one.gone || one.inverse || one.role != "mod" || !graph.is(one.to, "also")) return;
+  const int above = graph.parent(one.from);
+  if (above < 0 || graph.arc(above).inverse || graph.mentions(one.to) > 1 || graph.mentions(one.from) > 1) return;
+  const std::string& role = graph.arc(above).role;
+  const bool is_object = role == "ARG1" || role == "ARG2" || role == "location" || role == "time";
+  if (!is_object || is_event(graph, one.from) || graph.child(one.from, "domain") >= 0 ||
+      !is_event(graph, graph.arc(above).from))
+    return;
+  graph.replace(led, graph.arc(above).from, one.to, "mod");
+}
+
 // A noun at the top that is denied or counted, with its place: "there were no stars in the sky".
 void denied_somewhere(Rewriter& graph, int at) {
   const int place = graph.child(at, "location");
   const bool is_new = has_attribute(graph.word(at), "@neg") || graph.child(at, "quant") >= 0;
-  if (place < 0 || !is_new || is_unknown(graph, graph.arc(place).to) || is_pronoun(graph, at)) return;
+  if (place < 0 || !is_new || has_attribute(graph.word(at), "@name") || is_unknown(graph, graph.arc(place).to) ||
+      is_pronoun(graph, at))
+    return;
   for (const char* mood : {"@int", "@exp", "@imp"}) {
     if (has_attribute(graph.word(at), mood)) return;
   }
@@ -606,7 +636,10 @@ void step_predicates(Meaning& meaning) {
     first_to_apply(graph, at);
   }
   for (Arc& one : meaning.arcs) denial_apply(graph, one), measure_apply(graph, one), next_apply(graph, one);
-  for (std::size_t i = 0; i < meaning.arcs.size(); ++i) only_apply(graph, static_cast<int>(i));
+  for (std::size_t i = 0; i < meaning.arcs.size(); ++i) {
+    only_apply(graph, static_cast<int>(i));
+    also_apply(graph, static_cast<int>(i));
+  }
   presented_apply(graph);
   existing_apply(graph);
 }
