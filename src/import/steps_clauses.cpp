@@ -986,8 +986,6 @@ void wanted_apply(Rewriter& graph, int led) {
 
 }  // namespace
 
-// (p / person :ARG0-of (d / drive-01)): the driver, if the dictionary has one; else the rules say who drives. Runs behind
-// the offices, as a mayor is no haver of a role.
 namespace {
 
 // "He is a good singer", but "the only singer", "my best singer": what makes somebody one of a kind.
@@ -1003,6 +1001,26 @@ bool is_singled_out(Rewriter& graph, int at) {
     const Concept& word = graph.word(graph.arc(one).to);
     return is_listed(word.name, kKnowing) || has_attribute(word, "@most") || has_attribute(word, "@more");
   });
+}
+
+// (s / sailor :mod (m / man :mod (t / tall))): "the sailor, a tall man", as somebody who is described is no word in front.
+void described_apply(Rewriter& graph, int led) {
+  constexpr std::array kPeople{"man", "woman", "boy", "girl", "person", "child", "fellow", "lady", "gentleman"};
+  const Arc& one = graph.arc(led);
+  if (one.gone || one.inverse || one.role != "mod" || !is_one_of(graph, one.to, kPeople)) return;
+  const Concept& whole = graph.word(one.from);
+  constexpr std::array kSomebody{
+      "brother", "sister",  "father", "mother",    "son",     "daughter", "uncle",   "aunt",    "husband", "wife",
+      "friend",  "cousin",  "sailor", "soldier",   "captain", "doctor",   "nurse",   "judge",   "lawyer",  "king",
+      "queen",   "prince",  "mayor",  "president", "artist",  "poet",     "farmer",  "teacher", "student", "neighbor",
+      "actor",   "actress", "priest", "boss",      "officer", "general",  "partner", "guest",   "thief",   "minister"};
+  const bool is_person = has_attribute(whole, "@person") || is_listed(whole.name, kSomebody);
+  const bool is_somebody =
+      is_person && whole.sense.empty() && !has_attribute(whole, "@pl") && !is_personal_pronoun(graph, one.from);
+  if (!is_somebody || graph.children(one.to).empty() || graph.mentions(one.to) != 1) return;
+  graph.arc(led).role = "apposition";
+  if (!has_attribute(graph.word(one.to), "@pl") && !is_singled_out(graph, one.to) && !graph.is(one.to, "person"))
+    attribute_add(graph.word(one.to), "@indef");
 }
 
 // (p / person :ARG0-of (w / work-01 :manner (h / hard))): "a hard worker". What is said of a deed that has a noun of its
@@ -1047,9 +1065,14 @@ void agent_words_apply(Rewriter& graph, int at, int frame) {
 
 }  // namespace
 
+// (p / person :ARG0-of (d / drive-01)): the driver, if the dictionary has one; else the rules say who drives. Runs behind
+// the offices, as a mayor is no haver of a role.
 void step_persons(Meaning& meaning) {
   Rewriter graph(meaning, "persons");
-  for (int led = 0; led < static_cast<int>(meaning.arcs.size()); ++led) wanted_apply(graph, led);
+  for (int led = 0; led < static_cast<int>(meaning.arcs.size()); ++led) {
+    wanted_apply(graph, led);
+    described_apply(graph, led);
+  }
   for (int at = 0; at < graph.count(); ++at) {
     pronoun_apply(graph, at);
     attendant_apply(graph, at);
@@ -1065,7 +1088,8 @@ void step_persons(Meaning& meaning) {
       // "The central planners": what qualifies the act qualifies who does it.
       const std::string& role = graph.arc(one).role;
       const bool is_quality = role == "mod" && graph.children(graph.arc(one).to).empty();
-      const bool is_told = is_clause(graph, graph.arc(one).to) && !graph.children(graph.arc(one).to).empty();
+      const bool is_told = is_clause(graph, graph.arc(one).to) && !graph.children(graph.arc(one).to).empty() &&
+                           !has_attribute(graph.word(graph.arc(one).to), "@agent");
       return (role == "ARG1" || is_quality) && !graph.arc(one).inverse && !is_told;
     });
     // "The person who is responsible for it", "the only person who knows": there is no noun for these.
