@@ -1019,6 +1019,10 @@ void described_apply(Rewriter& graph, int led) {
       is_person && whole.sense.empty() && !has_attribute(whole, "@pl") && !is_personal_pronoun(graph, one.from);
   if (!is_somebody || graph.children(one.to).empty() || graph.mentions(one.to) != 1) return;
   graph.arc(led).role = "apposition";
+  // In front of the verb a comma follows, too.
+  const int above = graph.parent(graph.arc(led).from);
+  if (above >= 0 && !graph.arc(above).inverse && graph.arc(above).role == "ARG0")
+    attribute_add(graph.word(graph.arc(led).to), "@closed");
   if (!has_attribute(graph.word(one.to), "@pl") && !is_singled_out(graph, one.to) && !graph.is(one.to, "person"))
     attribute_add(graph.word(one.to), "@indef");
 }
