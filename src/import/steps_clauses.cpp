@@ -539,7 +539,8 @@ void quote(Rewriter& graph, int at) {
   const bool is_to_oneself = whom >= 0 && graph.arc(who).to == graph.arc(whom).to;
   const bool is_asked_to = whom >= 0 && subject >= 0 && graph.arc(subject).to == graph.arc(whom).to && !is_to_oneself;
   const bool is_order = has_attribute(graph.word(said), "@imp") && !speaks_itself(who);
-  if (has_attribute(graph.word(said), "@whether") || (is_asked_to && !is_order)) return;
+  const bool is_reported = has_attribute(graph.word(said), "@whether") || has_attribute(graph.word(said), "@asked");
+  if (is_reported || (is_asked_to && !is_order)) return;
   const bool is_other = !speaks_itself(who) && !speaks_itself(whom);
   const bool is_direct = (is_other || is_order) && (has_speaker(graph, said) || is_said_so(graph, at, said));
   // What the sentence is about, or is joined to that, is told; what stands below is spoken of.
@@ -556,12 +557,18 @@ void quote(Rewriter& graph, int at) {
   graph.arc(led).role = "quoted";
   attribute_add(graph.word(said), "@quote");
   speak_of_oneself(graph, at, said, graph.arc(who).to, whom >= 0 ? graph.arc(whom).to : -1);
+  // The quotation stands in front, so "then" cannot: '"Stop!" she said then.'
+  const int when = graph.child(at, "time");
+  if (when >= 0 && graph.word(graph.arc(when).to).sense.empty()) attribute_add(graph.word(graph.arc(when).to), "@late");
   // Behind a quotation a verb without an auxiliary stands before its subject, if that is no pronoun: said the king.
   const int subject_of_saying = graph.arc(who).to;
   const bool is_pronoun = is_personal_pronoun(graph, subject_of_saying) || graph.word(subject_of_saying).name == "one";
   const bool is_plain = !has_attribute(graph.word(at), "@neg") && !has_attribute(graph.word(at), "@ask") &&
                         !has_attribute(graph.word(at), "@int") && !has_attribute(graph.word(at), "@can");
-  if (!is_plain || is_pronoun) return;
+  // "..., the girl asked the driver": turned round, two nouns would stand side by side.
+  constexpr std::array kBareHearer{"ask", "tell", "answer", "warn", "interrupt"};
+  const bool is_beside_hearer = whom >= 0 && is_one_of(graph, at, kBareHearer);
+  if (!is_plain || is_pronoun || is_beside_hearer) return;
   graph.arc(who).role = "speaker";
   const int office = graph.child(graph.arc(who).to, "apposition");
   if (office >= 0) std::erase(graph.word(graph.arc(office).to).attributes, "@closed");
@@ -597,6 +604,19 @@ void asked_predicate(Rewriter& graph, int unknown) {
   if (std::erase(graph.word(unknown).attributes, "@quote") > 0) attribute_add(graph.word(about), "@quote");
 }
 
+// "Tell me what it is": in the order of a statement what is asked for stands in front of what it is said of. Both stand
+// below a frame of being, which takes the place of the clause.
+void reported_predicate(Rewriter& graph, int about, int led) {
+  const int being = graph.add_concept("be-located-at");
+  graph.word(being).sense = "91";
+  attribute_add(graph.word(being), "@v");
+  std::erase(graph.word(graph.arc(led).to).attributes, "@asked");
+  graph.redirect(about, being);
+  graph.add(being, about, "ARG1");
+  attribute_add(graph.word(being), "@asked");
+  graph.replace(led, being, graph.arc(led).to, "questioned");
+}
+
 // What is asked for moves to the front of its clause, together with the phrase that it belongs to.
 // Three parts: which phrase goes along (how many stars), up to which clause it moves (where do you want to go), and
 // what the clause and the phrase must know of it (@ask or @asked; @wh_ with the role). The phrase becomes :questioned
@@ -622,6 +642,8 @@ void question(Rewriter& graph, int unknown) {
     attribute_add(graph.word(unknown), "@wh_" + role);
     phrase = graph.arc(led).from;
     const int above = graph.parent(phrase);
+    // "What a good idea!" asks nothing.
+    if (has_attribute(graph.word(phrase), "@exp")) return;
     if (above < 0) return attribute_add(graph.word(phrase), "@ask");
     attribute_add(graph.word(phrase), "@wh");
     led = above;
@@ -654,6 +676,9 @@ void question(Rewriter& graph, int unknown) {
   const bool is_person = role == "domain" && phrase == unknown && is_personal_pronoun(graph, asked_at) &&
                          graph.word(asked_at).name != "it";
   attribute_add(graph.word(phrase), is_person ? "@wh_who" : "@wh_" + role);
+  if (is_reported && role == "domain" && phrase == unknown && graph.parent(asked_at) >= 0 &&
+      graph.word(asked_at).sense.empty())
+    return reported_predicate(graph, asked_at, led);
   // An exclamation has the order of a statement: "how beautiful she is!"
   is_reported |= has_attribute(graph.word(clause), "@exp");
   attribute_add(graph.word(clause), is_reported ? "@asked" : is_subject ? "@asksub" : "@ask");
@@ -966,6 +991,55 @@ void attendant_apply(Rewriter& graph, int at) {
   }
 }
 
+// (k / know-01 :ARG1 (p / person :ARG1-of (c / come-01))): "she knows who came", (t / tell-01 :ARG1 (t2 / thing :domain
+// it)): "tell me what it is". Below what one knows or tells a person or thing without any other mark is what is asked.
+void asked_content(Rewriter& graph, int at) {
+  constexpr std::array kOfClauses{"know",    "tell",  "ask",      "find-out", "guess", "wonder",
+                                  "explain", "learn", "discover", "reveal",   "decide"};
+  const int above = graph.parent(at);
+  const bool is_content = above >= 0 && !graph.arc(above).inverse && graph.arc(above).role == "ARG1" &&
+                          is_one_of(graph, graph.arc(above).from, kOfClauses) && graph.mentions(at) == 1 &&
+                          graph.word(graph.arc(above).from).sense != "02";
+  const std::vector<int> told = graph.children(at);
+  if (!is_content || told.size() != 1 || !graph.word(at).attributes.empty()) return;
+  const Arc& one = graph.arc(told[0]);
+  if (!one.inverse && one.role == "domain") {
+    graph.word(at).name = "amr-unknown";
+    graph.word(at).attributes = {"@asked"};
+    return;
+  }
+  const int frame = one.to;
+  const std::string role = one.role;
+  const bool is_subject = role == "ARG0" || (role == "ARG1" && graph.child(frame, "ARG0") < 0);
+  if (!graph.is(at, "person") || !one.inverse || !is_subject || graph.mentions(frame) > 1) return;
+  graph.redirect(at, frame);
+  graph.replace(told[0], frame, at, role);
+  graph.word(at).name = "amr-unknown";
+  attribute_add(graph.word(at), "@wh_who");
+  attribute_add(graph.word(frame), "@asked");
+}
+
+// (n / news :topic (i / ill-01 :ARG1 q)): "the news that the queen is ill", a clause and not what the news is about.
+void noun_content(Rewriter& graph, int at) {
+  constexpr std::array kOfClauses{"news",    "idea",  "rumor", "fact",   "message", "proof",    "evidence",    "theory",
+                                  "notion",  "sign",  "hope",  "belief", "thought", "question", "possibility", "chance",
+                                  "opinion", "claim", "view",  "fear",   "feeling", "word",     "argument",    "story"};
+  const int led = graph.word(at).sense.empty() && is_one_of(graph, at, kOfClauses) ? graph.child(at, "topic") : -1;
+  if (led < 0 || graph.child(at, "ARG1") >= 0) return;
+  const int told = graph.arc(led).to;
+  // "The idea of its size": these have a noun as often as a clause.
+  constexpr std::array kOfNouns{"idea",     "message", "theory", "notion", "thought", "question", "opinion",
+                                "argument", "view",    "fear",   "word",   "feeling", "story"};
+  const bool is_clear = graph.child(told, "ARG0") >= 0 || has_attribute(graph.word(told), "@whether") ||
+                        has_attribute(graph.word(told), "@int") || !is_one_of(graph, at, kOfNouns);
+  const bool is_event_of = is_event(graph, told) && graph.mentions(told) == 1 && subject_arc(graph, told) >= 0;
+  const bool is_told = (is_event_of && is_clear) || graph.child(told, "domain") >= 0;
+  if (!is_told) return;
+  graph.arc(led).role = "ARG1";
+  attribute_add(graph.word(at), "@fact");
+  if (!has_attribute(graph.word(at), "@indef")) attribute_add(graph.word(at), "@def");
+}
+
 // "The house that she wants to build": who wants it stands above the building, within the clause about the house.
 // (h / house :ARG1-of (b / build-01 :ARG0 she :ARG1-of (w / want-01 :ARG0 she))). `led` leads to the building.
 void wanted_apply(Rewriter& graph, int led) {
@@ -1080,6 +1154,8 @@ void step_persons(Meaning& meaning) {
   for (int at = 0; at < graph.count(); ++at) {
     pronoun_apply(graph, at);
     attendant_apply(graph, at);
+    if (graph.is(at, "person") || graph.is(at, "thing")) asked_content(graph, at);
+    noun_content(graph, at);
     if (graph.is(at, "government-organization")) government_apply(graph, at);
     if (graph.is(at, "thing")) thing_apply(graph, at);
     if (!graph.is(at, "person") || has_attribute(graph.word(at), "@name")) continue;
@@ -1154,6 +1230,42 @@ void not_but_apply(Rewriter& graph, int at, const char* denied, const char* othe
 
 }  // namespace
 
+// "Oh, it is late": a cry that the graph has as a quality of the clause stands in front of it.
+void cry_apply(Rewriter& graph, int at) {
+  constexpr std::array kCries{"oh",    "ah", "alas",  "hey",  "ha",  "aha", "wow",
+                              "hello", "hi", "bravo", "ouch", "ugh", "ooh"};
+  const int above = graph.parent(at);
+  if (above < 0 || graph.arc(above).inverse || !graph.word(at).sense.empty() || !is_one_of(graph, at, kCries)) return;
+  const std::string& role = graph.arc(above).role;
+  const int clause = graph.arc(above).from;
+  if ((role != "mod" && role != "manner" && role != "discourse") || !graph.children(at).empty()) return;
+  if (!is_clause(graph, clause)) return;
+  const int both = graph.add_concept("and");
+  graph.redirect(clause, both);
+  graph.replace(above, both, at, "op1");
+  graph.add(both, clause, "op2");
+}
+
+// "Thank you", "please come": who thanks is nobody else than who speaks.
+void courtesy_apply(Rewriter& graph, int at) {
+  if (has_attribute(graph.word(at), "@polite") && has_attribute(graph.word(at), "@imp")) {
+    std::erase(graph.word(at).attributes, "@polite");
+    graph.add(at, graph.add_concept("please"), "mod");
+  }
+  const int whom = graph.is(at, "thank", "01") ? graph.child(at, "ARG1") : -1;
+  const int who = graph.child(at, "ARG0");
+  if (whom < 0 || !graph.is(graph.arc(whom).to, "you") || (who >= 0 && !graph.is(graph.arc(who).to, "i"))) return;
+  const int above = graph.parent(at);
+  const bool is_uttered = above < 0 || graph.arc(above).role.starts_with("snt") ||
+                          graph.arc(above).role.starts_with("op") || is_one_of(graph, graph.arc(above).from, kSaying);
+  if (!is_uttered || graph.word(at).attributes.size() > 1 || graph.child(at, "time") >= 0) return;
+  if (who >= 0) {
+    if (graph.mentions(graph.arc(who).to) == 1) graph.settle_concept(graph.arc(who).to, Fate::left_out);
+    graph.remove(who, Fate::left_out);
+  }
+  attribute_add(graph.word(at), "@imp");
+}
+
 // In front of coordination and quotation: "but" is no part of what is said.
 void step_contrast(Meaning& meaning) {
   Rewriter graph(meaning, "contrast");
@@ -1164,6 +1276,8 @@ void step_contrast(Meaning& meaning) {
       contrast_upright(graph, at);
       coordinate(graph, at, *conjunction_of(graph, at));
     }
+    cry_apply(graph, at);
+    courtesy_apply(graph, at);
   }
 }
 
@@ -1781,8 +1895,8 @@ void giving_apply(Rewriter& graph, int at) {
   if (is_shared || (is_one_of(graph, at, kSending) && !is_person)) attribute_add(graph.word(at), "@pro1");
   const int thing = graph.arc(what).to;
   const bool is_light = !is_clause(graph, thing) && !is_long_receiver(graph, thing);
-  if (is_personal_pronoun(graph, thing) || graph.parent(thing) != what ||
-      (is_light && is_long_receiver(graph, receiver)))
+  const bool is_bare_pronoun = is_personal_pronoun(graph, thing) && !is_clause(graph, thing);
+  if (is_bare_pronoun || graph.parent(thing) != what || (is_light && is_long_receiver(graph, receiver)))
     attribute_add(graph.word(at), "@pro1");
 }
 

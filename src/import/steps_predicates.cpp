@@ -446,6 +446,17 @@ void judged_apply(Rewriter& graph, int at) {
   }
 }
 
+// (a / afraid-01 :ARG0 g :ARG1 (d / dog)): "afraid of the dog".
+void feeling_of_apply(Rewriter& graph, int at) {
+  constexpr std::array kOf{"proud", "ashamed", "afraid", "fond", "jealous", "weary", "envious", "frightened", "scared"};
+  const int what = graph.word(at).sense.empty() || !is_one_of(graph, at, kOf) ? -1 : graph.child(at, "ARG1");
+  if (what < 0 || graph.argument(at, "ARG0") < 0 || is_event(graph, graph.arc(what).to)) return;
+  const int preposition = graph.add_concept("of");
+  const int thing = graph.arc(what).to;
+  graph.replace(what, at, preposition, "prep");
+  graph.add(preposition, thing, "op1");
+}
+
 // (c / cruel-01 :ARG0 s :ARG1 (l / leave-15 :ARG0 s)): "it is cruel of her to leave".
 void behaving_apply(Rewriter& graph, int at) {
   constexpr std::array kBehaving{"cruel",   "rude",     "evil",     "kind",   "wise",   "stupid",
@@ -513,6 +524,9 @@ void exclaim_apply(Rewriter& graph, int at) {
   if (led >= 0 && graph.child(graph.arc(led).to, "degree") >= 0 &&
       !has_attribute(graph.word(graph.arc(led).to), "@int"))
     attribute_add(graph.word(graph.arc(led).to), "@exp");
+  // "How beautiful it is!", in a bank that writes the word.
+  const int degree = has_attribute(graph.word(at), "@exp") ? graph.child(at, "degree") : -1;
+  if (degree >= 0 && graph.is(graph.arc(degree).to, "how")) graph.word(graph.arc(degree).to).name = "amr-unknown";
 }
 
 // :time (t / time :mod every :time-of (r / rain-01)): "whenever it rains".
@@ -627,6 +641,7 @@ void step_predicates(Meaning& meaning) {
     becoming_apply(graph, at);
     become_apply(graph, at);
     judged_apply(graph, at);
+    feeling_of_apply(graph, at);
     manner_apply(graph, at);
     qualities_apply(graph, at);
     behaving_apply(graph, at);
