@@ -25,6 +25,12 @@ OBJECTS = set("the a an my your his her its our their this that these those him 
 ON_PLACES = set("planet earth moon island continent coast beach shore border ground floor roof wall ceiling street road "
                 "bridge square hill mountain farm shelf stage screen page list map lawn deck platform surface raft horse bicycle "
                 "train bus ship boat plane table desk chair bench bed side".split())
+# Places and containers that something is in.
+IN_PLACES = set("box bag pocket drawer cup glass bowl pot bottle basket room house kitchen garden cage jar bucket suitcase trunk "
+                "envelope folder oven fridge pan hospital prison jail school office cell tank pool river lake sea forest field "
+                "town city village country building mouth cupboard closet garage barn shed cellar nest bank cave grave "
+                "tomb coffin sack barrel tin kettle chest bathtub sink bathroom bedroom car wallet purse safe hole tunnel "
+                "refrigerator freezer museum library church courtyard yard park jungle desert valley shade sun".split())
 # Adverbs that stand in the middle of a clause, before its verb.
 MIDDLE = set("certainly probably possibly really truly surely obviously apparently indeed actually clearly finally usually "
              "generally normally rarely seldom hardly barely merely simply scarcely nearly frequently recently suddenly".split())
@@ -43,36 +49,72 @@ VERB_OBJECTS = {verb: preposition for preposition, verbs in {
     "over": "preside",
     "against": "rebel discriminate retaliate conspire",
     "": "lack impress oppose access contact convoy cure delay diagnose interview impact border",
-    "of": "dispose approve disapprove dream beware repent despair tire",
+    "of": "dispose approve disapprove dream beware repent despair",
     "into": "delve inquire pry"}.items() for verb in verbs.split()}
 VERB_SECOND = {verb: preposition for preposition, verbs in {
     "of": "rob convince", "on": "put", "into": "insert divide transform convert", "with": "fill equip", "in": "invest", "for": "ban",
     "to": "subject expose limit devote dedicate attribute attach", "from": "separate distinguish exclude isolate"}.items()
                for verb in verbs.split()}
 NOUN_OBJECTS = {verb: preposition for preposition, verbs in {
-    "on": "attack influence impact comment ban tax limit assault raid restrict focus pressure emphasize effect affect report",
-    "for": "demand desire hope need respect care request support prefer vote apologize",
-    "in": "increase decrease rise fall drop decline grow improve change cut believe trust participate",
-    "to": "damage visit answer react respond reply object oppose access addict attend solve resist adapt adhere",
-    "against": "discriminate"}.items() for verb in verbs.split()}
-# Verbs behind which an infinitive has "how": she knows how to swim.
-HOW_VERBS = ("know",)
-# What people try or begin is what they do themselves: no infinitive with a subject of its own.
-OWN_SUBJECT_VERBS = ("try", "begin", "start", "continue", "attempt", "manage", "decide", "refuse", "learn", "hope")
-# Verbs that govern a gerund and no infinitive: "she finished eating".
-GERUND = set("admit avoid consider complete delay deny detest dislike end enjoy escape finish imagine keep mention mind miss "
-             "postpone practice quit recall recommend resent resist risk stop suggest".split())
+    "on": "strike spend attack influence impact comment ban tax limit assault raid restrict focus pressure emphasize effect affect report agree",
+    "for": "hunt prepare praise reward plan wait long demand desire hope need respect care request support prefer vote apologize love admire compete",
+    "in": "increase decrease rise drop decline improve change cut believe trust participate",
+    "to": "harm injure damage threaten marry visit answer react respond reply object oppose access addict attend solve resist adapt adhere",
+    "at": "look glance stare gaze laugh smile shout yell guess wonder anger attempt",
+    "of": "see fear complete think travel",
+    "about": "complain worry joke doubt dream",
+    "against": "charge crime discriminate fight protest struggle campaign revolt rebel"}.items() for verb in verbs.split()}
+# Nouns of these have a clause with "that" behind them: the belief that.
+THAT_NOUNS = set("believe hope fear know claim state announce report conclude feel suspect decide agree promise argue assume "
+                 "assure admit allege complain confirm declare discover doubt estimate expect explain find guarantee imply "
+                 "indicate insist note observe predict prove propose realize recognize recommend remark remind reply reveal "
+                 "say suggest suppose swear understand warn wish worry assert deny aware certain likely possible proof "
+                 "opine convince threaten imagine dream accuse rumor demand require request evidence allege idea notion theory".split())
+# Behind the object of these stands what it is called or becomes: "they called him a fool".
+NAMING_VERBS = ("call", "name", "elect", "appoint", "consider", "crown", "deem", "dub", "pronounce", "nickname", "declare")
 # What a verb does, as a noun, where neither the frame files nor WordNet have one.
 NOUNS = {verb: noun for verb, noun in (one.split(":") for one in (
     "live:life thirst:thirst hope:hope wait:wait exist:existence deject:dejection behave:behavior concern:concern "
     "worry:worry entertain:entertainment disappear:disappearance shame:shame wonder:wonder pretend:pretense obey:obedience "
     "err:error cry:cry excuse:excuse hunt:hunt belong:belonging isolate:isolation hesitate:hesitation insist:insistence "
-    "persist:persistence resist:resistance exist:existence occur:occurrence refuse:refusal survive:survival tend:tendency tax:tax link:link").split())}
+    "persist:persistence resist:resistance exist:existence occur:occurrence refuse:refusal survive:survival tend:tendency tax:tax link:link "
+    "reverse:reversal receive:receipt continue:continuation close:closure hire:hiring handle:handling "
+    "buy:purchase meet:meeting add:addition teach:teaching attend:attendance act:action "
+    "avoid:avoidance settle:settlement introduce:introduction gather:gathering divide:division locate:location remind:reminder "
+    "sponsor:sponsorship imply:implication assert:assertion differ:difference appreciate:appreciation trust:trust "
+    "proclaim:proclamation forgive:forgiveness practice:practice enforce:enforcement entitle:entitlement impress:impression "
+    "pray:prayer celebrate:celebration race:race endure:endurance convince:conviction attribute:attribution "
+    "resent:resentment open:opening spend:spending steal:theft smile:smile sigh:sigh yell:yell nod:nod glance:glance "
+    "shout:shout stare:stare whisper:whisper greet:greeting grin:grin pause:pause gaze:gaze discourage:discouragement "
+    "insure:insurance press:pressure arouse:arousal commence:commencement address:address "
+    "build:building mine:mining light:lighting cross:crossing land:landing shop:shopping school:schooling cook:cooking "
+    "kill:killing sign:signing bomb:bombing draw:drawing found:founding record:recording sail:sailing shoot:shooting "
+    "write:writing lend:lending borrow:borrowing plant:planting form:formation declare:declaration "
+    "imprison:imprisonment astonish:astonishment sympathize:sympathy rob:robbery trial:trial sound:sound lift:lift "
+    "manufacture:manufacture fire:firing spend:spending hack:hacking scold:scolding mix:mixture "
+    "weep:weeping happen:happening push:push pull:pull beat:beating "
+    "whip:whipping flog:flogging fish:fishing farm:farming stab:stabbing loot:looting hang:hanging sing:singing "
+    "train:training dump:dumping log:logging print:printing pack:packing spell:spelling weave:weaving knit:knitting "
+    "skate:skating ski:skiing surf:surfing box:boxing gamble:gambling smuggle:smuggling traffic:trafficking launder:laundering "
+    "bully:bullying beg:begging clap:clapping howl:howling bark:barking bleed:bleeding crave:craving sever:severance "
+    "uproot:uprooting flood:flooding shell:shelling poison:poisoning drown:drowning kidnap:kidnapping "
+    "hijack:hijacking torture:torture behead:beheading breed:breeding graze:grazing board:boarding "
+    "pluck:plucking thaw:thaw melt:melting wed:wedding christen:christening beget:begetting ").split())}
+# Verbs with a noun that the frame files write without its article.
+PHRASES = {"make difference": "make a difference", "give hand": "give a hand", "get grip": "get a grip", "have clue": "have a clue",
+           "get kick": "get a kick", "make scene": "make a scene", "take picture": "take a picture", "have good run": "have a good run"}
+# Words that name no deed, though the frame files or WordNet have them for the verb: "the make of a coat", "the leave".
+NO_NOUNS = set("make leave build kill hold raise face head fire hand mind matter subject term feature average stem float center "
+               "figure contain allow cause proceed commit watch drink sink file store stain show run feed set put take let "
+               "carry bring keep stand sit lie wear beat lift drag pull push toss fill sweep draw back clear "
+               "hit cast grasp squeeze register".split())
 # How English builds a sense, where the frame files have no example of it: "an answer with a smile", "split into halves".
 # POSTN is for a participle that stands behind its noun, "the money left".
 BUILT = {
-    "answer(>01)": "p2with", "attend(>02)": "p1to", "comment(>01)": "p3on",
-    "ask(>02)": "p1for", "come(>01)": "p3from p4to", "draw(>01)": "p2for", "excuse(>01)": "p2for GER2", "leave(>17)": "POSTN",
+    "grateful(>01)": "p1to p2for", "thankful(>02)": "p1to p2for", "innocent(>01)": "p2of",
+    "responsible(>01)": "GER1",
+    "answer(>01)": "p2with", "capable(>01)": "p2of PG2", "attend(>02)": "p1to", "comment(>01)": "p3on",
+    "ask(>02)": "p1for", "grateful(>01)": "p1to p2for GER2", "reluctant(>01)": "INF1", "hesitant(>01)": "INF1", "unwilling(>01)": "INF1", "dress(>01)": "p2in", "come(>01)": "p3from p4to", "draw(>01)": "p2for", "excuse(>01)": "p2for GER2", "leave(>17)": "POSTN",
     "question(>01)": "p1about", "policy(>01)": "p2on", "remain(>01)": "GER3", "speak(>01)": "p1about p2to", "split(>01)": "p2into",
     "sit-down(>02)": "p2on", "do(>02)": "p2to", "go-back(>19)": "p2to",
     "title(>01)": "NP2", "speak(>01)": "p2to", "view(>02)": "THAT1", "war(>01)": "p2over", "weigh(>01)": "SA1", "marry(>01)": "NP2",
@@ -82,26 +124,52 @@ BUILT = {
 # Who does it, where the shortest word that is made of the verb is another.
 AGENTS = {"apply": "applicant", "assist": "assistant", "inhabit": "inhabitant", "reside": "resident", "study": "student",
           "immigrate": "immigrant", "participate": "participant", "compete": "competitor", "represent": "representative",
-          "counsel": "counselor", "act": "actor", "account": "accountant", "assail": "assailant", "defend": "defender"}
+          "counsel": "counselor", "act": "actor", "account": "accountant", "assail": "assailant", "defend": "defender",
+          "witness": "witness", "negotiate": "negotiator", "oppose": "opponent", "assault": "assailant", "tour": "tourist",
+          "trick": "trickster"}
+# Who does it has no noun, or one that means something else: nobody who waits is a waiter.
+NO_AGENTS = set("account attract captivate cart close come condition confide connect count date deify demonize despair draw dress "
+                "equal equate fail go hang have hear hit idolize incarnate know let log look major man marry mutate name open "
+                "arrive depart laugh surrender crime mistake pray smile escape sacrifice obey warn journey "
+                "oust pass personify port pretend prey process rest see sit stand tell tie turn wait wake walk want".split())
+# Nouns of agents that the examples lack.
+MORE_AGENTS = set("abuser achiever adopter aggressor avenger bowler campaigner colonizer complainer debater deceiver defector "
+                  "deserter doer earner emigrant exhibitor facilitator flatterer forecaster hitchhiker imitator informer "
+                  "inheritor infiltrator interrogator jailer lawbreaker lodger looter molester nominee objector onlooker "
+                  "overseer owner pickpocket poisoner polluter quitter rapist recruiter redeemer rescuer retiree rioter robber "
+                  "saver seducer seller sender skater skier sleeper smoker smuggler spender squatter stalker storyteller "
+                  "sufferer supervisor swimmer tempter thinker tormentor traitor translator traveler traveller trespasser "
+                  "vandal violator volunteer wanderer whistleblower woodcutter worshipper".split())
 # What an adjective has in front of what it is about.
 ADJECTIVE_OBJECTS = {adjective: preposition for preposition, adjectives in {
-    "of": "afraid aware proud fond capable full ashamed jealous worthy guilty tired typical envious weary",
-    "for": "famous ready responsible sorry eligible suitable grateful eager necessary",
-    "about": "worried anxious enthusiastic pessimistic optimistic nervous",
-    "with": "angry busy familiar content compatible consistent",
+    "of": "afraid aware proud fond capable full ashamed jealous worthy guilty tired typical envious weary unaware conscious suspicious certain uncertain contemptuous wary empty ignorant",
+    "for": "famous ready responsible sorry eligible suitable grateful eager necessary desperate greedy hungry thirsty",
+    "about": "worried anxious enthusiastic pessimistic optimistic nervous adamant careless curious honest frank blunt cautious",
+    "with": "angry busy familiar content compatible consistent conversant comfortable",
     "from": "different absent distinct safe", "on": "dependent keen reliant", "at": "skilled",
-    "in": "interested fluent", "to": "similar equal loyal accustomed relevant"}.items()
+    "in": "interested fluent", "to": "similar equal loyal accustomed relevant hostile responsive sensitive equal indifferent vulnerable immune allergic"}.items()
     for adjective in adjectives.split()}
 # Behind these an adjective says what the subject is or becomes.
 COPULAR = set("become look feel sound smell taste stay remain grow turn get go seem appear keep".split())
-FACT_VERBS = set("refer object react respond attest allude depend rely focus concentrate elaborate dwell reflect account".split())
+FACT_VERBS = set("refer object react respond attest allude depend rely focus concentrate elaborate dwell reflect account approve "
+                 "disapprove benefit stem result arise cope point".split())
 # What happens to things by itself as well: "the door opened" where nobody is named who opens it.
 ERGATIVE = set("increase decrease change improve begin start end stop continue develop spread shift double triple expand shrink "
-               "evolve accumulate worsen widen accelerate collapse sink melt freeze move turn open close retire recover".split())
+               "evolve accumulate worsen widen accelerate collapse sink melt freeze move turn open close retire recover hang lean stand float spin bounce roll "
+               "land drown heal crack snap pop shatter spill soften vary warm lie live sleep emerge depend belong bleed shake vibrate "
+               "rattle hum buzz echo flash succeed suffer rot travel trip stumble collide shine ring crash explode burst fade "
+               "grow die swell dissolve thaw ripen dangle sway rotate revolve descend ascend".split())
 # What has a topic with about.
 ABOUT_NOUNS = set("information news story book article bullshit nonsense joke rumour rumor gossip film movie song poem theory "
                   "opinion view truth fact data documentary lesson lecture conversation discussion debate secret detail thing "
-                  "something anything nothing everything report remark statement complaint concern worry doubt".split())
+                  "something anything nothing everything speech talk paper essay research argument rumour video program post "
+                  "comment letter email survey poll lie myth fuss law question report remark statement complaint concern worry doubt".split())
+# Of several forms of the past the one for a verb, where the examples have other words that look the same.
+STRONG = {"bear": "bore borne", "drink": "drank drunk", "sink": "sank sunk", "clothe": "clothed clothed", "melt": "melted melted",
+          "tread": "trod trodden", "forbid": "forbade forbidden", "abide": "abided abided", "pen": "penned penned"}
+GERUND_PREPOSITIONS = set("about against at by from in into of on with".split())
+# Adjectives that are adverbs as they are.
+FLAT_ADVERBS = set("hard fast early late long high low deep close near".split())
 STATE_FILES = {31, 37, 42}
 MASS_FILES = {7, 12, 27, 26}
 
@@ -156,7 +224,6 @@ class Text:
         self.counts = collections.Counter()
         self.articles = collections.defaultdict(collections.Counter)
         self.prepositions = collections.defaultdict(collections.Counter)
-        self.governed = collections.defaultdict(collections.Counter)
         self.sentences = []
         self.behind = collections.defaultdict(collections.Counter)
         for path in sorted(pathlib.Path(folder).glob("*.xml")) if folder else ():
@@ -195,28 +262,6 @@ class Text:
                 if before in PREPOSITIONS:
                     self.prepositions[noun][before] += 1
 
-    def read_clauses(self, forms):
-        """Behind which verb stands what clause: that, to, -ing, or an infinitive with a subject of its own, OINF."""
-        lemma_of = {form: lemma for lemma, tags in forms.items() for known in tags.values() for form in known}
-        lemma_of.update((lemma, lemma) for lemma in forms)
-        subjects = set("i he she we they you it there".split())
-        objects = set("me him her us them you it people themselves".split())
-        passive = set("be been being is are was were am 's 're".split())
-        for words in self.sentences:
-            words = words + [""] * 3
-            for i, word in enumerate(words[:-3]):
-                if not (verb := lemma_of.get(word)):
-                    continue
-                first, second, third = words[i + 1:i + 4]
-                if first == "that" or (first in subjects and second != "to" and lemma_of.get(second)):
-                    self.governed[verb].update(["THAT"])
-                elif first == "to" and second in forms and words[i - 1] not in passive:
-                    self.governed[verb].update(["INF"])
-                elif first in objects and second == "to" and third in forms:
-                    self.governed[verb].update(["OINF"])
-                elif first.endswith("ing") and first in lemma_of:
-                    self.governed[verb].update(["GER"])
-
     def noun_marks(self, noun, many):
         """MASS, AN, THE: what usually stands before the noun; PLUR: it is mostly a plural; INP, ONP, ATP: its preposition."""
         seen = self.articles[noun]
@@ -234,9 +279,9 @@ class Text:
         if self.prepositions[noun]:
             best, count = max(((p, n) for p, n in self.prepositions[noun].items() if p in ("in", "on", "at")),
                               key=lambda one: one[1], default=("", 0))
-            if count > 1 and (count > 3 or noun not in ON_PLACES):
+            if count > (1 if best != "on" and noun not in ON_PLACES else 3):
                 return marks + f",{best.upper()}P"
-        return marks + ",ONP" * (noun in ON_PLACES)
+        return marks + ",ONP" * (noun in ON_PLACES) + ",INP" * (noun in IN_PLACES)
 
 
 class Sources:
@@ -253,7 +298,7 @@ class Sources:
         self.tagged = collections.Counter()
         self.nouns, self.adjectives, self.adverbs, self.verbs = {}, set(), set(), set()
         self.states = set()
-        self.governs = collections.defaultdict(collections.Counter)
+        self.common = set()
         self.shapes = collections.defaultdict(set)
         self.agents, self.nominal, self.adjectival, self.manner, self.opposite, self.quality, self.quality_ness = ({} for _ in range(7))
         self.exceptions = collections.defaultdict(set)
@@ -285,6 +330,8 @@ class Sources:
                 written = next((w for w in synsets[part, first][1] if w.lower() == fields[0]), fields[0])
                 if part == "noun":
                     self.nouns[lemma] = written.replace("_", " "), file, int(fields[-int(fields[2]) - 1])
+                    if any(fields[0] in synsets[part, sense][1] for sense in fields[-int(fields[2]):]):
+                        self.common.add(lemma)
                 else:
                     if part == "verb" and file in STATE_FILES:
                         self.states.add(lemma)
@@ -331,15 +378,11 @@ class Sources:
                         self.manner[target.lower()] = source
 
     def read_verb_frames(self, words, fields):
-        """The sentence frames of a verb sense: what a clause that it governs looks like."""
-        shapes = {24: "OINF", 26: "THAT", 28: "INF", 33: "GER", 25: "BARE"}
+        """The numbers of the sentence frames that a verb has in any of its senses."""
         for number, word in zip(fields[2::3], fields[3::3]):
-            shape = shapes.get(int(number))
             for i, verb in enumerate(words):
                 if int(word, 16) in (0, i + 1):
                     self.shapes[verb.lower().replace("_", " ")].add(int(number))
-                if shape and int(word, 16) in (0, i + 1):
-                    self.governs[verb.lower().replace("_", " ")].update([shape])
 
     def is_intransitive(self, verb):
         """Things do it, and nobody does it to them: disappear. Without an agent it is no passive."""
@@ -348,7 +391,14 @@ class Sources:
     def is_state(self, lemma, forms):
         """A state stands in the present, unless the examples tell of the verb in the past nearly always."""
         present, past = self.text.counts[forms["S"]], self.text.counts[forms["PAST"]]
-        return lemma in self.states and not (present + past >= 8 and present < 0.13 * (present + past))
+        return lemma in self.states and lemma not in ("end", "begin", "start", "stop", "cease", "finish") and not (present + past >= 8 and present < 0.13 * (present + past))
+
+    def plural(self, noun, written):
+        """An irregular plural if people write it, or if it is of a kind that has no other: knives, men, crises, cacti."""
+        known, made = self.irregular["noun"].get(noun), plural(written)
+        is_only = known and re.search("(ves|men|feet|teeth|mice|lice|geese|children|oxen)$", known) or \
+            known and (noun[-2:], known[-1:]) in (("us", "i"), ("on", "a"), ("is", "s"), ("ix", "s"), ("ex", "s"))
+        return known if known and (is_only or self.text.counts[known] > self.text.counts[made]) else made
 
     def form_weight(self, lemma, tag, form):
         """How often people write the form, and how sure it is that they mean this verb: "bare" is no form of "bear"."""
@@ -368,9 +418,10 @@ class Sources:
         forms = verb_rule(first)
         for tag, known in self.forms.get(first, {}).items():
             # Of several forms the one that people write.
-            forms[tag] = max(known, key=lambda form: (self.form_weight(first, tag, form), form == forms[tag]))
-        if first == "bear":
-            forms["PTCP"] = "borne"
+            known = [form for form in known if form not in PARTICLES | {"it"}]
+            forms[tag] = max(known or [forms[tag]], key=lambda form: (self.form_weight(first, tag, form), form == forms[tag]))
+        if first in STRONG:
+            forms["PAST"], forms["PTCP"] = STRONG[first].split()
         tail = "".join(" " + word for word in rest)
         return {tag: form + tail for tag, form in forms.items()}
 
@@ -403,14 +454,15 @@ class Writer:
 
     def noun(self, lemma, concept, more=""):
         written, file, _ = self.sources.nouns.get(lemma.lower(), (lemma, 0, 0))
-        if lemma != lemma.lower():
+        if lemma != lemma.lower() or more and lemma in self.sources.common:
             written = lemma
         kinds = {18: ",HUM", 28: ",TIM", 15: ",PLC"}.get(file, "") + (",MASS" if file in MASS_FILES else "")
+        kinds += ",FEM" * (file == 18 and lemma.endswith(("ess", "woman")) and not lemma.endswith("witness"))
         kinds += ",ABT" * (lemma in ABOUT_NOUNS)
-        kinds += self.sources.text.noun_marks(lemma, self.sources.irregular["noun"].get(lemma) or plural(written))
+        kinds += self.sources.text.noun_marks(lemma, self.sources.plural(lemma, written))
         self.entry(written, concept, f"N{kinds}{vowel(written)}{more}")
         if written[:1].islower() or file == 18 and " " not in written:
-            many = self.sources.irregular["noun"].get(lemma) or plural(written)
+            many = self.sources.plural(lemma, written)
             self.entry(many, concept, f"N,PL{',PS' * many.endswith('s')}{kinds}{vowel(many)}{more}")
 
     def adjective(self, lemma, concept, more=""):
@@ -422,7 +474,8 @@ class Writer:
         # Behind a preposition stands the noun of the quality: after the silence.
         noun = self.sources.quality.get(lemma) or self.sources.quality_ness.get(lemma)
         if noun and "(>" not in concept:
-            self.entry(noun, concept, f"QN,{'MASS' if noun.endswith('ness') else 'THE'}{vowel(noun)}")
+            alone = ",QNO" * (lemma not in self.sources.nouns and not noun.startswith(lemma + " "))
+            self.entry(noun, concept, f"QN{alone},{'MASS' if noun.endswith('ness') else 'THE'}{vowel(noun)}")
         exceptions = [f for f in self.sources.irregular["adj"].get(lemma, ()) if re.search(r"(r|st|e)$", f)]
         grades = {"CMP": [f for f in exceptions if f.endswith(("r", "e"))], "SUP": [f for f in exceptions if f.endswith("st")]}
         is_graded = (short(lemma) or lemma.endswith("y")) and lemma.isalpha() and len(lemma) < 8
@@ -431,6 +484,9 @@ class Writer:
         for tag, forms in grades.items():
             for form in forms[:1]:
                 self.entry(form, concept, f"ADJ,{tag}{vowel(form)}{more}")
+                # "He worked harder".
+                if lemma in FLAT_ADVERBS and tag == "CMP":
+                    self.entry(form, concept, f"ADV,CMP{vowel(form)}")
         made = re.sub("ic$", "ical", re.sub("[^aeiou]le$", lambda end: end.group()[0], re.sub("y$", "i", lemma))) + "ly"
         made = made.replace("lly", "ly") if lemma.endswith("ll") else made
         if adverb := self.sources.manner.get(lemma) or (made if "(>" in concept and made in self.sources.adverbs else None):
@@ -441,31 +497,57 @@ def surface(lemma):
     return lemma.replace("_", " ").replace("-", " ").strip()
 
 
-def clause_shapes(verb, seen, frames, governed, count):
-    """What a clause in the place of ARG1 is: as in the examples of the frame files and as WordNet says of the verb. NOUN1
-    is for a verb that hardly ever governs a clause: an event behind it is a noun."""
-    shapes = ("INF", "GER", "THAT")
-    known = max(1, sum(frames[shape] for shape in shapes))
-    told = 3 + sum(governed[shape] for shape in shapes)
-    score = {shape: (shape + "1" in seen) / max(1, len(seen)) + frames[shape] / known + 2 * governed[shape] / told
-             for shape in shapes}
-    # One clause in the examples proves nothing.
-    if not ("THAT1" in seen or frames["THAT"] or governed["THAT"] > 2):
-        score["THAT"] = 0
-    found = [shape + "1" for shape in ("INF", "GER") if score[shape] and score[shape] >= 0.3 * score["THAT"]]
-    found += ["THAT1"] * (score["THAT"] > max(score["INF"], score["GER"])) + ["BARE1"] * (frames["BARE"] > 0)
-    found += ["OINF1"] * (verb not in OWN_SUBJECT_VERBS) * (frames["OINF"] > 0 or governed["OINF"] > 1 and 2 * governed["OINF"] > governed["THAT"])
-    is_rare = 10 * sum(governed.values()) < count and not sum(frames.values())
-    return found + ["NOUN1"] * (is_rare and not seen and "THAT1" not in found)
+def read_constructions():
+    """verb_frames.txt: the shapes of clauses by verb, and the attributes of single senses."""
+    shapes, senses = collections.defaultdict(list), {}
+    for line in open(pathlib.Path(__file__).with_name("verb_frames.txt"), encoding="utf-8"):
+        first, *rest = line.split() or "#"
+        if first.isupper() or first[:-1].isupper():
+            for verb in rest:
+                shapes[verb.replace("-", " ")].append(first)
+        elif first != "#":
+            senses[first.replace(".", "(>") + ")"] = rest
+    return shapes, senses
+
+
+def told_of_verb(concept, verb, built, seen, is_alone, shapes, senses):
+    """`built`, as far as the table of verbs has nothing better: its own line, the clauses of its class. A verb of no
+    class governs no clause but those that its own examples show."""
+    clauses = {"INF1", "GER1", "THAT1", "BARE1", "OINF1", "NOUN1", "HOWINF", "FACT1"}
+    told = senses.get(concept)
+    if told is None:
+        own = [a for a in built if a not in clauses]
+    else:
+        own = [a for a in built if a.startswith("LV")] + [a for a in told if not a.endswith("-")]
+        own += ["SA1"] * is_alone
+    if not clauses & set(own):
+        own += shapes.get(verb, sorted(seen))
+    if told is not None:
+        own = [a for a in own if a + "-" not in told]
+    if not {"THAT1", "BARE1", "OINF1"} & set(own):
+        own.append("NOUN1")
+    # Behind a preposition stands a gerund, "she objected to waiting", or the fact that somebody else waits.
+    about = {a[2:] for a in own if a.startswith("p1")}
+    if about & set(PREPOSITIONS) and not {"INF1", "THAT1"} & set(own):
+        own.append("GER1")
+    # "She accused him of lying", "they are used to waiting".
+    second = {a[2:] for a in own if a.startswith("p2")}
+    if second & GERUND_PREPOSITIONS and "INF2" not in own or second and "GER2" in own:
+        own.append("PG2")
+    if about and verb in FACT_VERBS and "THAT1" not in own:
+        own.append("FACT1")
+    return list(dict.fromkeys(own))
 
 
 def frames(path, writer, sources):
     """The senses that `lexon-dict import --from propbank` has found: their names, inflected, and how they are built."""
+    shapes, constructions = read_constructions()
     senses = collections.defaultdict(list)
     for line in open(path, encoding="utf-8"):
         if found := re.match(r'\[(.*)\]\{.*?\} "(.*\(>\w+\))" \((.*?)\)', line):
             senses[found.group(2)].append((found.group(1), found.group(3).split(",")))
     for concept, names in senses.items():
+        names = [(PHRASES.get(name, name), attributes) for name, attributes in names]
         lemma = surface(concept.partition("(>")[0])
         of = {part: [form for form, attributes in names if attributes[0] == part] for part in ("V", "N", "ADJ")}
         verb = lemma if lemma in of["V"] else of["V"][0] if of["V"] else None
@@ -473,9 +555,7 @@ def frames(path, writer, sources):
             verb = None
         told = [a for a in names[0][1] if a not in ("V", "N", "ADJ", "NMZ", "QUAL")]
         seen = {a for a in told if a in ("INF1", "GER1", "THAT1")}
-        built = [a for a in told if a not in seen] + clause_shapes(
-            verb or lemma, seen, sources.governs[verb or lemma], sources.text.governed[verb or lemma],
-            sum(sources.text.counts[form] for form in set(sources.verb_forms(verb or lemma).values())))
+        built = list(told)
         if verb and lemma == verb and sense_of(concept) < 3 and not {"SA1", "NP2"} & set(built):
             told = sources.text.preposition({form for tag, form in sources.verb_forms(verb).items() if tag != "PTCP"})
             if told and not any(re.match("p1|p[2-5]" + told, a) for a in built):
@@ -485,49 +565,54 @@ def frames(path, writer, sources):
             told = None if concept == "look(>02)" else VERB_OBJECTS.get(lemma, "" if "p1of" in built else None)
             if told is not None:
                 built = [a for a in built if not a.startswith("p1")] + ["p1" + told] * bool(told)
-                # "She referred to the fact that it rained".
-                built += ["FACT1"] * (lemma in FACT_VERBS and "THAT1" not in built)
-        if verb in HOW_VERBS and "INF1" in built:
-            built.append("HOWINF")
         if verb and sense_of(concept) < 3 and (told := VERB_SECOND.get(lemma)):
             built = [a for a in built if not a.startswith("p2") and a not in ("NP2", "INF2")] + ["p2" + told]
         is_getting = verb == "get" and sense_of(concept) > 2
-        if verb in GERUND:
-            built = [a for a in built if a != "INF1"] + ["GER1"]
         more = BUILT.get(concept, "").split()
         if not verb and (told := ADJECTIVE_OBJECTS.get(lemma)):
             more += [f"p{n}{told}" for n in "12" if "p" + n not in {a[:2] for a in built + more}]
         numbers = {argument_of(a) for a in more} - {""}
         built = [a for a in built if "THAT" in a or argument_of(a) not in numbers] + more
         is_ergative = verb in ERGATIVE and sense_of(concept) < 3
-        if "SA1" not in built and (is_getting or is_ergative or sources.is_intransitive(verb or lemma)):
+        is_alone = is_getting or is_ergative or sources.is_intransitive(verb or lemma)
+        if "SA1" not in built and is_alone:
             built.append("SA1")
+        if verb in NAMING_VERBS and sense_of(concept) < 3:
+            built = [a for a in built if not a.startswith("p2") and a not in ("NP2", "INF2")] + ["OCOMP"]
+        has_preposition = any(a.startswith("p1") for a in built)
+        if verb:
+            seen |= {a for a in more if a in ("INF1", "GER1", "THAT1")}
+            built = told_of_verb(concept, lemma, built, seen, is_ergative, shapes, constructions)
         pattern = "".join("," + a for a in built)
         if verb:
-            writer.verb(verb, concept, pattern + ",SMALLC" * (verb in ("make", "render", "keep") and "THAT1" in pattern)
-                        + ",COPL" * (verb in COPULAR))
+            writer.verb(verb, concept, pattern + ",SMALLC" * (verb in ("make", "render", "keep") and "SMALLC" not in built)
+                        + ",COPL" * (verb in COPULAR and "COPL" not in built))
         # A word that is a noun at least as often as a verb names what the verb does: "the size of the garden".
         often = sources.tagged[lemma, "1"] >= max(5, 1.5 * sources.tagged[lemma, "2"])
-        if verb == lemma and not of["N"] and often and ",p1" not in pattern:
+        if verb == lemma and not of["N"] and often and not has_preposition:
             of["N"].append(lemma)
         # A gerund only where people use it as a noun: a meeting.
         nouns = [form for form in of["N"] if not form.endswith("ing")]
         # Of several nouns the one that is made of the verb, and that people use: death, not die.
         derived = sources.nominal.get(verb, ()) if verb else (lemma,)
         nouns.sort(key=lambda form: -(sources.tagged[form, "1"] + 1) * (4 if form in derived else 1))
-        if not nouns and lemma in NOUNS and sense_of(concept) < 4:
+        if lemma in NOUNS and sense_of(concept) < 4:
             nouns = [NOUNS[lemma]]
+        if verb and lemma in NO_NOUNS and lemma not in NOUNS:
+            nouns, of["N"] = [], []
         for noun in (nouns or [form for form in of["N"] if sources.tagged[form, "1"] > 19])[:1]:
             # A noun has the prepositions of its verb, "a look at the sea", and a verb of its own, "take a look".
             of_noun = NOUN_OBJECTS.get(lemma, "")
             kept = "".join("," + a for a in built if re.match(r"p[2-5]|LV" if of_noun else r"p\d|LV", a))
-            kept += f",p1{of_noun}" * bool(of_noun)
+            kept += f",p1{of_noun}" * bool(of_noun) + ",NOUNC" * (lemma not in THAT_NOUNS)
             writer.noun(noun, concept, (",NMZ" if verb else ",NMZ,QUAL") + kept)
         adjectives = [lemma] if of["ADJ"] and lemma in sources.adjectives else of["ADJ"]
         for adjective in adjectives[:"POSTN" not in built]:
             if not verb and not of["N"] and adjective in sources.quality:
                 writer.noun(sources.quality[adjective], concept, ",NMZ,QUAL")
-            writer.adjective(adjective, concept, "" if verb else pattern)
+            # Of a frame that is a noun: surgery, surgical.
+            of_noun = ",OFN" * (not verb and lemma in of["N"] and lemma != adjective)
+            writer.adjective(adjective, concept, of_noun if verb else pattern + of_noun)
         for agent in agent_of(sources, verb)[:1] if verb else ():
             writer.noun(agent, concept, ",AGT")
 
@@ -544,7 +629,15 @@ def sense_of(concept):
 def agent_of(sources, verb):
     stem = verb[:3]
     # Not "liver" for one who lives: a word for parts of the body and for animals.
-    return sorted((a for a in sources.agents.get(verb, ()) if a.lower().startswith(stem)
+    def is_used(agent):
+        if agent == AGENTS.get(verb) or agent in MORE_AGENTS:
+            return True
+        count = sources.tagged[agent, "1"] + sources.text.counts[agent] + sources.text.counts[plural(agent)]
+        # Of a verb that people use often they use the noun, too, if there is one.
+        is_rare = sum(sources.text.counts[form] for form in set(sources.verb_forms(verb).values())) < 30
+        return agent.islower() and verb not in NO_AGENTS and (count or is_rare) and not re.search("(ee|tion|ure|ity)$", agent)
+
+    return sorted((a for a in sources.agents.get(verb, ()) if a.lower().startswith(stem) and is_used(a)
                    and sources.nouns.get(a.lower(), (a, 18))[1] not in (range(18) if a == verb else (5, 8))),
                   key=lambda a: (a != AGENTS.get(verb), a[0].isupper(), a == verb, a.endswith("ee"), len(a)))
 
@@ -569,7 +662,8 @@ def lemmas(writer, sources):
             continue
         if re.fullmatch(r"[A-Za-z][A-Za-z -]*", lemma):
             for key in {lemma, lemma.replace(" ", "-")}:
-                writer.adjective(lemma, key)
+                told = ADJECTIVE_OBJECTS.get(lemma)
+                writer.adjective(lemma, key, f",p1{told},p2{told}" if told else "")
     for lemma in sources.adverbs:
         # "He said softly": of the two adverbs of an adjective that is plain.
         made = sources.manner.get(lemma, "")
@@ -577,7 +671,7 @@ def lemmas(writer, sources):
             continue
         if re.fullmatch(r"[a-z][a-z -]*", lemma):
             for key in {lemma, lemma.replace(" ", "-")}:
-                writer.entry(lemma, key, f"ADV{',MID' * (lemma in MIDDLE)}{vowel(lemma)}")
+                writer.entry(lemma, key, f"ADV{',MID' * (lemma in MIDDLE)}{',END' * (' ' in lemma)}{vowel(lemma)}")
     for lemma in sorted(sources.verbs | set(sources.forms)):
         if re.fullmatch(r"[a-z][a-z -]*", lemma):
             for key in {lemma, lemma.replace(" ", "-")}:
@@ -604,7 +698,6 @@ def main():
                 if found := re.search(r'"([^"]*)" \(', line):
                     taken.add(found.group(1) or None)
         sources.text.read_articles({n for n in sources.nouns if " " not in n}, sources.adjectives | set(sources.nouns))
-        sources.text.read_clauses(sources.forms)
         writer = Writer(sources, out, taken)
         if arguments.senses:
             frames(arguments.senses, writer, sources)

@@ -195,8 +195,22 @@ int count_of(const std::map<std::string, int>& counts, const char* what) {
   return found == counts.end() ? 0 : found->second;
 }
 
+// What a role is, beside its description.
+struct Role {
+  std::string_view function;  // PropBank's: GOL, DIR, EXT
+  std::string_view description;
+  bool is_behind_verb = false;  // ARG1 is the subject, so that nothing stands between it and the verb
+};
+
+// Where something goes, as its description says: no place gets a thing as a person does.
+bool is_place_of_motion(std::string_view description) {
+  constexpr std::string_view kPlaces[] = {"direction", "destination", "location", "where"};
+  return std::any_of(std::begin(kPlaces), std::end(kPlaces),
+                     [&](std::string_view word) { return description.find(word) != description.npos; });
+}
+
 // The features of one argument by its examples.
-void argument_features(int number, const std::map<std::string, int>& counts, std::string& features) {
+void argument_features(int number, const std::map<std::string, int>& counts, const Role& role, std::string& features) {
   const std::string name = ";arg" + std::to_string(number) + '.';
   const int clauses = count_of(counts, "clause");
   for (const char* shape : {"infinitive", "gerund"}) {
@@ -210,35 +224,70 @@ void argument_features(int number, const std::map<std::string, int>& counts, std
   int all = 0;
   for (const auto& [what, count] : counts) all += count;
   // An object is a plain noun, unless the examples leave no doubt: "look at" and "look for", but no "look it".
-  const bool is_doubtful = number == 1 && (times < 2 || 2 * times <= all || 4 * count_of(counts, "object") > all);
-  const bool says_nothing = best == "object" && number != 2;
-  if (!is_doubtful && !says_nothing) features += name + best;
+  // Who does it together with the subject has "with", be it shown once: "met up with her".
+  const bool is_partner = role.function == "COM" && best == "with" && count_of(counts, "object") == 0;
+  const bool is_doubtful =
+      number == 1 && !is_partner && (times < 2 || 2 * times <= all || 4 * count_of(counts, "object") > all);
+  // How much something grows stands behind what grows, by five percent, and so does what it is done with.
+  const char* behind = role.function == "EXT" ? "by" : role.function == "MNR" ? "with" : nullptr;
+  const bool is_behind = behind != nullptr && best == "object" && number > 1;
+  // In front of the object stands who gets it, and nothing else: "called her a friend", "pulled it to the door".
+  const bool is_place = is_place_of_motion(role.description);
+  const bool is_receiver = role.is_behind_verb || (role.function == "GOL" && !is_place);
+  const bool says_nothing = best == "object" && (number != 2 || !is_receiver);
+  if (is_behind) features += name + behind;
+  if (best == "object" && number == 2 && is_place && !role.is_behind_verb) features += name + "to";
+  if (!is_doubtful && !says_nothing && !is_behind) features += name + best;
 }
 
-std::string features_of(const pugi::xml_node& node, const FrameSense& sense, const VerbSet& verbs) {
+// The preposition of a role by its function, where nothing else tells it: what the act is done with, to or for.
+std::string function_preposition(std::string_view function) {
+  struct Kind {
+    const char* function;
+    const char* preposition;
+  };
+  constexpr Kind kKinds[] = {{"GOL", "to"}, {"DIR", "from"}, {"SRC", "from"}, {"MNR", "with"}, {"COM", "with"},
+                             {"EXT", "by"}, {"LOC", "in"},   {"PRP", "for"},  {"CAU", "for"}};
+  for (const Kind& kind : kKinds) {
+    if (function == kind.function) return kind.preposition;
+  }
+  return "";
+}
+
+// The preposition of an ARG1 that no example shows: with whom, through where, about what. What verbs have as an object is
+// shown by some example nearly always.
+std::string lone_preposition(const Role& role) {
+  if (role.function == "COM") return "with";
+  if (role.function == "LOC") return "through";
+  return role.description.find("topic") != role.description.npos ? "about" : "";
+}
+
+std::string features_of(const pugi::xml_node& roleset, const FrameSense& sense, const VerbSet& verbs) {
   Usage usage;
-  for (const pugi::xml_node& example : node.children("example")) example_count(example, sense, verbs, usage);
+  for (const pugi::xml_node& example : roleset.children("example")) example_count(example, sense, verbs, usage);
   std::map<std::string, pugi::xml_node> roles;
-  for (const pugi::xml_node& role : node.child("roles").children("role")) roles[role.attribute("n").value()] = role;
+  for (const pugi::xml_node& role : roleset.child("roles").children("role")) roles[role.attribute("n").value()] = role;
   std::string features;
   // A verb without an agent among its roles puts its first argument in front, as "fall" does.
   const bool is_alone = !roles.contains("0") && roles.contains("1") && usage.passive <= usage.active;
   const bool is_often = usage.active >= 2 && usage.active > 2 * usage.passive && 2 * usage.active >= usage.agents;
   if (is_alone || is_often) features += ";arg1.subject";
+  const bool is_subject = is_alone || is_often;
   for (int number = 1; number <= kArguments; ++number) {
     const auto& counts = usage.introduced[static_cast<std::size_t>(number)];
+    const auto found = roles.find(std::to_string(number));
+    const pugi::xml_node node = found == roles.end() ? pugi::xml_node() : found->second;
+    const Role role{node.attribute("f").value(), node.attribute("descr").value(), is_subject};
     // Examples count more than descriptions.
     if (!counts.empty()) {
-      argument_features(number, counts, features);
+      argument_features(number, counts, role, features);
       // Where the examples have clauses alone, the description says what a noun has: "go back to sleep", "to the town".
       if (number == 1 || !most(counts).first.empty()) continue;
     }
-    const auto role = roles.find(std::to_string(number));
-    if (role == roles.end()) continue;
-    std::string told = told_preposition(role->second.attribute("descr").value(), sense.lemma, number == 1);
-    const std::string_view function = role->second.attribute("f").value();
-    // The function of a role: a goal, or a direction that something comes from.
-    if (told.empty() && number != 1) told = function == "GOL" ? "to" : function == "DIR" ? "from" : "";
+    if (!node) continue;
+    std::string told = told_preposition(node.attribute("descr").value(), sense.lemma, number == 1);
+    if (told.empty() && number != 1) told = function_preposition(role.function);
+    if (told.empty() && number == 1) told = lone_preposition(role);
     if (!told.empty()) features += ";arg" + std::to_string(number) + '.' + told;
   }
   return features;

@@ -188,7 +188,10 @@ void conllu_read(std::istream& in, const std::string& name, const RoleTable& tab
                  const MeaningSink& sink) {
   Sentences sentences(name, table, enhanced, sink);
   std::string line;
-  for (int number = 1; std::getline(in, line); ++number) sentences.line(std::move(line), number);
+  for (int number = 1; std::getline(in, line); ++number) {
+    if (number == 1 && line.starts_with(kByteOrderMark)) line.erase(0, kByteOrderMark.size());
+    sentences.line(std::move(line), number);
+  }
   sentences.end();
 }
 

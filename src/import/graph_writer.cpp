@@ -71,7 +71,7 @@ class Writer {
   void write() {
     choose();
     number();
-    out_ << "[S:" << line_safe(meaning_.label) << "]\n";
+    out_ << "[S:" << meaning_.label << "]\n";
     if (!meaning_.text.empty()) out_ << "; " << line_safe(meaning_.text) << '\n';
     bool any = false;
     for (const int led : chosen_) {
@@ -101,15 +101,6 @@ class Writer {
   std::vector<bool> is_used_;       // the concepts that they touch
   std::vector<std::string> texts_;  // of concepts, with their numbers
   std::vector<bool> is_shown_;      // its attributes have been written
-
-  // A label or comment stays on its line, and a label inside its brackets.
-  static std::string line_safe(std::string text) {
-    for (char& c : text) {
-      if (static_cast<unsigned char>(c) < ' ' || c == ']') c = ' ';
-    }
-    cut_to(text, 900);
-    return text;
-  }
 
   // The relations of the sentence: all of them, or as many as fit, from the beginning of the sentence outwards.
   void choose() {
@@ -241,6 +232,14 @@ class Writer {
 };
 
 }  // namespace
+
+std::string line_safe(std::string text) {
+  for (char& c : text) {
+    if (static_cast<unsigned char>(c) < ' ' || c == ']') c = ' ';
+  }
+  cut_to(text, 900);
+  return text;
+}
 
 void graph_write(Meaning& meaning, const WriterOptions& options, std::ostream& out, RoleCounts& unknown) {
   Writer(meaning, options, out, unknown).write();

@@ -24,7 +24,10 @@ struct WriterOptions {
 // Roles that the table lacks, with how often they came.
 using RoleCounts = std::map<std::string, std::size_t>;
 
-// Writes `[S:label]` to `[/S]`, the reference as a comment, and settles the fate of the triples that become relations
+// A text as a label or comment: on one line, without the bracket that would end a label, at most 900 bytes.
+std::string line_safe(std::string text);
+
+// Writes `[S:label]` to `[/S]`, with a label that is safe already, the reference as a comment, and settles the fate of the triples that become relations
 // and words. What does not fit the limits of a sentence is left out, and its triples say so.
 void graph_write(Meaning& meaning, const WriterOptions& options, std::ostream& out, RoleCounts& unknown);
 

@@ -28,6 +28,14 @@ void rewrite(Meaning& meaning, const ImportOptions& options) {
   }
 }
 
+// A text between tabs: those that it has itself, and what else would end a line, become blanks.
+std::string column_safe(std::string text) {
+  for (char& c : text) {
+    if (static_cast<unsigned char>(c) < ' ') c = ' ';
+  }
+  return text;
+}
+
 // Adds the fates of a sentence's triples to the figures and writes those that were left out: label, place, triple, reason.
 void account(const Meaning& meaning, const std::string& file, const ImportOutputs& outputs, ImportFigures& figures) {
   for (const Triple& triple : meaning.triples) {
@@ -40,7 +48,8 @@ void account(const Meaning& meaning, const std::string& file, const ImportOutput
     ++figures.reasons[triple.why];
     if (outputs.left_out == nullptr) continue;
     *outputs.left_out << meaning.label << '\t' << file << ':' << triple.place.line << ':' << triple.place.column << '\t'
-                      << triple.source << ' ' << triple.role << ' ' << triple.target << '\t' << triple.why << '\n';
+                      << column_safe(triple.source + ' ' + triple.role + ' ' + triple.target) << '\t' << triple.why
+                      << '\n';
   }
 }
 
@@ -117,6 +126,8 @@ void import_stream(std::istream& in, const std::string& name, const ImportOption
   const MeaningSink sink = [&](Meaning& meaning, const std::vector<SourceError>& read_errors) {
     // A quarter of what people say in this file has a form that only their own words have: a story, and no report.
     meaning.is_dialogue = reports >= 3 && 4 * quotations >= reports;
+    // One label for all outputs, or a graph and its reference would not find each other.
+    meaning.label = line_safe(std::move(meaning.label));
     std::vector<SourceError> errors = read_errors;
     if (meaning.root >= 0 && is_penman && is_placeholder(meaning)) {
       ++figures.placeholders;

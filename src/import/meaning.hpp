@@ -68,6 +68,9 @@ struct SourceError {
   std::string text;
 };
 
+// What some editors write in front of a UTF-8 file; it belongs to no line.
+inline constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
+
 bool has_attribute(const Concept& word, std::string_view attribute);
 // Adds it unless it is there.
 void attribute_add(Concept& word, std::string_view attribute);

@@ -100,9 +100,11 @@ class Tokens {
     while (at_ < line.size() && !is_blank(line[at_]) && line[at_] != '(' && line[at_] != ')' && line[at_] != '"') ++at_;
     head_.kind = c == ':' ? Token::Kind::role : Token::Kind::symbol;
     head_.text = line.substr(begin, at_ - begin);
-    // An alignment, `~e.3` or `~3`, says where the word stands in the reference; no graph needs it.
+    // An alignment, `~e.3` or `~3,4`, says where the word stands in the reference; no graph needs it. Other tildes belong to
+    // the word: an address has them.
     const std::size_t tilde = head_.text.rfind('~');
-    if (tilde != std::string::npos && tilde > 0 && tilde + 1 < head_.text.size()) head_.text.resize(tilde);
+    if (tilde == std::string::npos || tilde == 0 || tilde + 1 == head_.text.size()) return;
+    if (head_.text.find_first_not_of("0123456789e.,", tilde + 1) == std::string::npos) head_.text.resize(tilde);
   }
 
   // A text ends with its line at the latest: one quote too few costs a line and not the file.
@@ -113,7 +115,8 @@ class Tokens {
       head_.text += line[at_];
     }
     if (at_ < line.size()) ++at_;
-    // What sticks to the closing quote is an alignment.
+    // An alignment may stick to the closing quote; anything else is a word of its own.
+    if (at_ == line.size() || line[at_] != '~') return;
     while (at_ < line.size() && !is_blank(line[at_]) && line[at_] != ')' && line[at_] != '(') ++at_;
   }
 };
@@ -124,6 +127,14 @@ void split_sense(Concept& word, const std::string& text) {
   const std::size_t dash = text.rfind('-');
   const bool has_sense = dash != std::string::npos && dash > 0 && dash + 3 <= text.size() && text.size() <= dash + 4 &&
                          std::all_of(text.begin() + static_cast<std::ptrdiff_t>(dash) + 1, text.end(), is_digit);
+  // An annotator who finds no sense in the frame files writes -XX or -00; the verb is mostly used in its first one.
+  const bool has_none = text.size() > 3 && (text.ends_with("-XX") || text.ends_with("-00"));
+  if (has_none) {
+    word.name = text.substr(0, text.size() - 3);
+    word.sense = "01";
+    attribute_add(word, "@v");
+    return;
+  }
   word.name = has_sense ? text.substr(0, dash) : text;
   word.sense = has_sense ? text.substr(dash + 1) : "";
   if (has_sense) attribute_add(word, "@v");
@@ -359,6 +370,9 @@ void document_level(const std::string& text, Meaning& meaning) {
 
 // A graph that is never closed ends here, so that no source fills the memory.
 constexpr std::size_t kMaxLines = 20000;
+// So do errors between graphs, in a file that is none of graphs, and a document level without an end.
+constexpr std::size_t kMaxErrors = 1000;
+constexpr std::size_t kMaxDocument = 4000000;
 
 // Sorts the lines of a file into metadata, graphs and document levels, and hands each graph on when it is whole.
 class FileReader {
@@ -376,13 +390,14 @@ class FileReader {
       return;
     }
     if (section_ == Section::document) {
-      document_ += text + '\n';
+      document_line(text, number);
     } else if (section_ == Section::graph && bare.starts_with('(')) {
       if (!is_umr_) hand_on();
       lines_ = {{}, number};
       graph_line(text);
     } else if (section_ == Section::graph && !bare.empty() && !is_umr_) {
       errors_.push_back({{number, 1}, "neither a comment nor a graph: \"" + std::string(bare.substr(0, 40)) + '"'});
+      if (errors_.size() == kMaxErrors) hand_on();
     }
   }
 
@@ -398,9 +413,8 @@ class FileReader {
   const MeaningSink& sink_;
   Section section_ = Section::graph;  // of UMR; an AMR file is all graph
   bool is_umr_ = false;
-  int count_ = 0;         // graphs so far, for labels
-  int depth_ = 0;         // open parentheses; 0 between graphs
-  bool in_text_ = false;  // inside quotes, which end with their line at the latest
+  int count_ = 0;  // graphs so far, for labels
+  int depth_ = 0;  // open parentheses; 0 between graphs
   Lines lines_;
   Meaning next_;                     // the metadata of the graph to come
   std::optional<Meaning> ready_;     // a graph that waits for its document level
@@ -413,19 +427,36 @@ class FileReader {
            bare.starts_with("####") || bare.starts_with("# alignment") || bare.starts_with("# document");
   }
 
-  // Counts parentheses only: the parser looks at the rest.
+  void document_line(const std::string& text, int number) {
+    if (document_.size() >= kMaxDocument) return;
+    document_ += text + '\n';
+    if (document_.size() < kMaxDocument) return;
+    errors_.push_back({{number, 1},
+                       "the document level has more than " + std::to_string(kMaxDocument) +
+                           " characters; the rest of it is left out"});
+  }
+
+  // Counts parentheses only: the parser looks at the rest. A text ends with its line at the latest, for both.
   void graph_line(const std::string& text) {
     lines_.text.push_back(text);
-    in_text_ = false;
+    std::optional<std::size_t> quote;  // of the text that is open
     for (std::size_t i = 0; i < text.size(); ++i) {
-      if (text[i] == '"' && (i == 0 || text[i - 1] != '\\')) in_text_ = !in_text_;
-      if (in_text_) continue;
+      if (quote && text[i] == '\\') {
+        ++i;
+        continue;
+      }
+      if (text[i] == '"') quote = quote ? std::nullopt : std::optional(i);
+      if (quote) continue;
       if (text[i] == '#' && (i == 0 || is_blank(text[i - 1]))) break;
       if (text[i] == '(') ++depth_;
       if (text[i] == ')' && --depth_ == 0) {
         graph_end();
         return rest_tell(std::string_view(text).substr(i + 1), static_cast<int>(i) + 2);
       }
+    }
+    if (quote) {
+      errors_.push_back({{lines_.first + static_cast<int>(lines_.text.size()) - 1, static_cast<int>(*quote) + 1},
+                         "the text is not closed; it ends with its line"});
     }
   }
 
@@ -515,7 +546,10 @@ class FileReader {
 void penman_read(std::istream& in, const std::string& name, const MeaningSink& sink) {
   FileReader reader(name, sink);
   std::string line;
-  for (int number = 1; std::getline(in, line); ++number) reader.line(std::move(line), number);
+  for (int number = 1; std::getline(in, line); ++number) {
+    if (number == 1 && line.starts_with(kByteOrderMark)) line.erase(0, kByteOrderMark.size());
+    reader.line(std::move(line), number);
+  }
   reader.end();
 }
 

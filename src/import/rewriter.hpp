@@ -82,6 +82,12 @@ bool is_one_of(Rewriter& graph, int at, const std::array<const char*, N>& names)
 inline constexpr std::array kPersonalPronouns{"i", "we", "you", "he", "she", "it", "they"};
 inline constexpr std::array kDemonstratives{"this", "that", "these", "those"};
 
+// Verbs below which a question is reported and not asked.
+inline constexpr std::array kReporting{
+    "know",     "wonder", "understand", "forget", "remember", "learn",    "explain", "tell",     "see",       "ask",
+    "find-out", "show",   "discover",   "teach",  "inquire",  "question", "say",     "decide",   "realize",   "hear",
+    "doubt",    "matter", "idea",       "care",   "imagine",  "guess",    "notice",  "describe", "determine", "reveal"};
+
 bool is_personal_pronoun(Rewriter& graph, int at);
 // What a question asks for, in either bank: amr-unknown, umr-unknown.
 bool is_unknown(Rewriter& graph, int at);

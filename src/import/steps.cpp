@@ -8,6 +8,8 @@ namespace {
 // subject; mentions last, as every step before them looks at concepts, not at words.
 constexpr RewriteStep kSteps[] = {
     // Words first: whoever asks later for a name, a number or a pronoun finds one concept, not a frame around a value.
+    {"synonyms", "UMR's :temporal, :place, :possessor, :reason, ... get the names that AMR has for them",
+     step_synonyms},
     {"wiki", "leave out :wiki, which no sentence says", step_wiki},
     {"names", "a named thing becomes its name: one word with @name and its type as attribute", step_names},
     {"dates", "a date-entity becomes its month, weekday, part of the day or year, and the rest depends on that",
@@ -26,6 +28,10 @@ constexpr RewriteStep kSteps[] = {
      step_office},
     {"degree", "have-degree-91 and have-quant-91: @more, @most, @too, @equal on the quality, with :compared-to",
      step_degree},
+    {"turned",
+     "what English tells the other way round: a condition stands below what it is a condition of, what follows "
+     "from a degree behind the clause, a place without a name is the place where",
+     step_turned},
     // What a modal verb, a negation or a mood says stands as an attribute of the clause from here on.
     {"modality", "possible-01, obligate-01, recommend-01: @can, @must, @should on what they govern", step_modality},
     {"polarity", "yes-no questions get @int, truth-value @whether", step_polarity},
@@ -46,6 +52,7 @@ constexpr RewriteStep kSteps[] = {
     {"questions", "what is asked for becomes :questioned of its clause, which gets @ask", step_questions},
     // Guesses that need the finished clauses: tense looks at who is spoken of, control at the passive.
     {"tense", "a guess: a clause whose subject is you is about now, @pres, if nothing else is known", step_tense},
+    {"nouns", "an event gets @nom where English has a noun for it: they rejected the proposal", step_nouns},
     {"voice", "a frame whose agent is an event and that is done to a person gets @psv: she was surprised to see him",
      step_voice},
     {"control",
@@ -56,8 +63,11 @@ constexpr RewriteStep kSteps[] = {
     // From here on a concept may be several words, so nothing may ask any more how often it is mentioned.
     {"mentions", "a further mention becomes a word of its own with @ref", step_mentions},
     {"conjunctions",
-     "a cause, concession or the like that is a clause becomes :adverbial-clause, with its conjunction: @s_because",
+     "a cause, condition or the like that is a clause becomes :adverbial-clause, with its conjunction: @s_because",
      step_conjunctions},
+    {"merging",
+     "roles that English says alike become one: an instrument or a path is a :circumstance, with its preposition",
+     step_merging},
     {kRelativesStep, "inverse roles keep their direction where the table has a label for them (:ARG0-of)", nullptr},
 };
 

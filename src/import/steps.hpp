@@ -20,6 +20,7 @@ inline constexpr const char* kRelativesStep = "relatives";
 std::span<const RewriteStep> rewrite_steps();
 
 // The steps by subject; see the table in steps.cpp for what each does.
+void step_synonyms(Meaning& meaning);
 void step_wiki(Meaning& meaning);
 void step_names(Meaning& meaning);
 void step_dates(Meaning& meaning);
@@ -29,6 +30,7 @@ void step_pronouns(Meaning& meaning);
 void step_reified(Meaning& meaning);
 void step_office(Meaning& meaning);
 void step_degree(Meaning& meaning);
+void step_turned(Meaning& meaning);
 void step_modality(Meaning& meaning);
 void step_polarity(Meaning& meaning);
 void step_persons(Meaning& meaning);
@@ -40,9 +42,11 @@ void step_questions(Meaning& meaning);
 void step_coordination(Meaning& meaning);
 void step_tense(Meaning& meaning);
 void step_control(Meaning& meaning);
+void step_nouns(Meaning& meaning);
 void step_voice(Meaning& meaning);
 void step_forms(Meaning& meaning);
 void step_mentions(Meaning& meaning);
 void step_conjunctions(Meaning& meaning);
+void step_merging(Meaning& meaning);
 
 }  // namespace lexon

@@ -24,9 +24,33 @@ std::vector<std::vector<int>> arcs_by_beginning(Rewriter& graph) {
   return below;
 }
 
+// Who has a clause of his own stands behind: "she gave the key to the woman who lived there".
+bool is_long_receiver(Rewriter& graph, int receiver) {
+  const std::vector<int> below = graph.children(receiver);
+  return std::any_of(below.begin(), below.end(), [&](int led) { return graph.arc(led).inverse; });
+}
+
+// Verbs whose receiver stands in front of what he receives; for a pronoun that is received see giving_apply.
+bool gives(Rewriter& graph, int at) {
+  constexpr std::array kGiving{"give", "show",  "tell", "send", "bring", "lend",    "teach", "hand", "offer", "sell",
+                               "pay",  "throw", "pass", "feed", "owe",   "promise", "grant", "read", "write"};
+  return is_one_of(graph, at, kGiving);
+}
+
 // For each concept the arc by which the walk from the beginning of the sentence first comes to it; -1 for none.
 std::vector<int> first_arcs(Rewriter& graph) {
   std::vector<std::vector<int>> all = arcs_by_beginning(graph);
+  // As Rewriter::child and is_clause, but without a look at all arcs for each concept: coordination asks for this walk once
+  // for each conjunction.
+  const auto has_child = [&](int at, std::string_view role, bool inverse = false) {
+    const std::vector<int>& below = all[static_cast<std::size_t>(at)];
+    return std::any_of(below.begin(), below.end(),
+                       [&](int one) { return graph.arc(one).role == role && graph.arc(one).inverse == inverse; });
+  };
+  const auto has_clause = [&](int led) {
+    const int at = graph.arc(led).to;
+    return !graph.word(at).sense.empty() || has_child(at, "domain");
+  };
   std::vector<int> first(static_cast<std::size_t>(graph.count()), -1);
   std::vector<bool> seen(first.size());
   std::vector<std::pair<int, int>> open{{-1, graph.meaning().root}};
@@ -43,18 +67,31 @@ std::vector<int> first_arcs(Rewriter& graph) {
       const bool is_argument = led_down.role.starts_with("ARG") || led_down.role == "speaker";
       if (led_down.inverse || !is_argument) return false;
       const Concept& word = graph.word(led_down.to);
-      return !is_clause(graph, led_down.to) || has_attribute(word, "@agent") || has_attribute(word, "@result");
+      if (has_clause(one)) return has_attribute(word, "@agent") || has_attribute(word, "@result");
+      // "She showed the boy how he should do it": a thing that a clause tells is one, too.
+      return word.name != "thing" || !has_child(led_down.to, "manner", true);
     });
+    // "She gave the boy something to eat": who receives it is said before it.
+    if (gives(graph, at)) {
+      std::stable_partition(below.begin(), below.end(), [&](int one) {
+        return graph.arc(one).role == "ARG2" && !graph.arc(one).inverse && !has_clause(one) &&
+               !is_long_receiver(graph, graph.arc(one).to);
+      });
+    }
     // An agent is said before what it does something to, and a condition before both, wherever the source writes them.
-    const char* subject = has_attribute(graph.word(at), "@psv") ? "ARG1" : "ARG0";
-    const bool has_agent = graph.child(at, subject) >= 0;
+    const bool is_bidden = has_attribute(graph.word(at), "@bid");
+    const char* subject = is_bidden ? "understood" : has_attribute(graph.word(at), "@psv") ? "ARG1" : "ARG0";
+    const bool has_agent = has_child(at, subject);
     std::stable_partition(below.begin(), below.end(), [&](int one) {
       return graph.arc(one).role == (has_agent ? subject : "domain") && !graph.arc(one).inverse;
     });
+    // An infinitive, which has no subject of its own, has nothing in front of it.
+    const bool is_infinitive = has_child(at, "understood") || (led >= 0 && graph.arc(led).role == "domain");
     std::stable_partition(below.begin(), below.end(), [&](int one) {
       const Arc& led_down = graph.arc(one);
+      if (is_infinitive) return false;
       const bool goes_in_front = led_down.role == "condition" || led_down.role == "time";
-      return goes_in_front && !led_down.inverse && is_clause(graph, led_down.to);
+      return goes_in_front && !led_down.inverse && has_clause(one);
     });
     for (auto one = below.rbegin(); one != below.rend(); ++one) open.emplace_back(*one, graph.arc(*one).to);
   }
@@ -69,6 +106,31 @@ std::vector<int> first_arcs(Rewriter& graph) {
   return first;
 }
 
+// True for one person who is known as a woman by her first name or by what she is.
+bool is_woman(const Concept& word) {
+  constexpr std::array kFirst{
+      "Ada",       "Alice",   "Amelia",   "Amy",      "Andrea",   "Angela",   "Anita",     "Ann",      "Anna",
+      "Anne",      "Audrey",  "Barbara",  "Beatrice", "Betty",    "Bridget",  "Carla",     "Carmen",   "Carol",
+      "Caroline",  "Cecilia", "Claire",   "Clara",    "Cynthia",  "Daisy",    "Deborah",   "Denise",   "Diana",
+      "Donna",     "Doris",   "Dorothy",  "Edith",    "Elena",    "Eliza",    "Ella",      "Ellen",    "Elsa",
+      "Emily",     "Emma",    "Erica",    "Esther",   "Eva",      "Eve",      "Fatima",    "Fiona",    "Florence",
+      "Gloria",    "Greta",   "Hanna",    "Hannah",   "Harriet",  "Helen",    "Helena",    "Ida",      "Ingrid",
+      "Irene",     "Isabel",  "Isabella", "Jane",     "Janet",    "Jenny",    "Jessica",   "Joan",     "Joanna",
+      "Josephine", "Judith",  "Julia",    "Juliet",   "Karen",    "Kate",     "Katherine", "Kathleen", "Laura",
+      "Lena",      "Lilian",  "Linda",    "Lisa",     "Louise",   "Lucy",     "Lydia",     "Maria",    "Margaret",
+      "Marie",     "Martha",  "Mary",     "Matilda",  "Maya",     "Michelle", "Monica",    "Nadia",    "Nancy",
+      "Natalia",   "Nina",    "Nora",     "Olga",     "Olivia",   "Pamela",   "Patricia",  "Paula",    "Pauline",
+      "Rachel",    "Rebecca", "Rita",     "Rosa",     "Ruth",     "Sandra",   "Sara",      "Silvia",   "Sofia",
+      "Sonia",     "Sophia",  "Sophie",   "Stella",   "Susan",    "Sylvia",   "Tamara",    "Teresa",   "Theresa",
+      "Ursula",    "Valerie", "Vera",     "Veronica", "Victoria", "Virginia", "Wendy",     "Yvonne",   "Zoe"};
+  const bool is_one = has_attribute(word, "@name") && has_attribute(word, "@person") && !has_attribute(word, "@pl");
+  const bool is_called = is_listed(std::string_view(word.name).substr(0, word.name.find(' ')), kFirst);
+  bool is_so = is_called;
+  for (const char* what : {"@woman", "@girl", "@queen", "@princess", "@actress", "@aunt", "@sister"})
+    is_so = is_so || has_attribute(word, what);
+  return is_one && is_so;
+}
+
 // A word of its own for a further mention of a concept. Of the attributes it has those that say what it is; what is said
 // about it, degree or negation, stays with the first.
 // (w / want-01 :ARG0 (b / boy) :ARG1 (s / sing-01 :ARG0 b)) has one concept for two mentions: the second becomes boy.@ref,
@@ -77,13 +139,32 @@ int mention_of(Rewriter& graph, int at) {
   const Concept model = graph.word(at);
   const int made = graph.add_concept(model.name);
   Concept& word = graph.word(made);
+  // Of a person that nothing names the pronoun is known.
+  const bool is_person = graph.is(at, "person") && !has_attribute(model, "@name") && !has_attribute(model, "@pl") &&
+                         !has_attribute(model, "@agent");
+  if (is_person) word.name = "he";
   word.sense = model.sense;
   word.is_text = model.is_text;
   for (const char* kept : {"@v", "@person", "@pl", "@name", "@p1", "@p2", "@p3", "@agent", "@measure"}) {
     if (has_attribute(model, kept)) attribute_add(word, kept);
   }
   attribute_add(word, "@ref");
+  if (is_woman(model)) {
+    word.name = "she";
+    std::erase(word.attributes, "@name");
+  }
+  // The poor are they.
+  if (has_attribute(model, "@people")) graph.word(made).name = "they";
   return made;
+}
+
+// Arguments of a frame, in contrast to circumstances.
+bool is_core_role(const std::string& role) {
+  return role.starts_with("ARG");
+}
+
+bool is_core(const Arc& one) {
+  return !one.inverse && is_core_role(one.role);
 }
 
 // ---- coordination --------------------------------------------------------------------------------------------------
@@ -210,6 +291,49 @@ void plural_parts(Rewriter& graph, const std::vector<int>& parts) {
   }
 }
 
+// "She came and sang to please us": a phrase that is said of all clauses stands behind the last.
+// A word alone, "always", stays with the first, and so does a clause that goes in front.
+void late_circumstances(Rewriter& graph, int at, int head, int last) {
+  constexpr std::array kLate{"purpose",  "cause",  "concession",  "conj-as-if", "substitute", "instrument",
+                             "location", "manner", "accompanier", "duration",   "time",       "temporal",
+                             "likeness", "place",  "source",      "exception",  "beneficiary"};
+  if (head == last || !is_clause(graph, head) || !is_clause(graph, last)) return;
+  for (const int led : graph.children(at)) {
+    const Arc& one = graph.arc(led);
+    const bool is_time = one.role == "time" || one.role == "temporal";
+    const bool goes_in_front = (is_time && is_clause(graph, one.to)) || has_attribute(graph.word(head), "@front");
+    if (one.inverse || !is_listed(one.role, kLate) || goes_in_front || graph.children(one.to).empty()) continue;
+    if (!is_unknown(graph, one.to)) graph.arc(led).from = last;
+  }
+}
+
+// Mood and negation of the whole are those of its first part; how many there are is not.
+void take_marks(Rewriter& graph, int at, int head) {
+  const bool is_bidden = has_attribute(graph.word(head), "@imp");
+  for (const std::string& attribute : graph.word(at).attributes) {
+    // Some files mark a request with more than one mood.
+    const bool is_other_mood = is_bidden && (attribute == "@int" || attribute == "@may");
+    const bool is_own = attribute == "@pl" || attribute == "@sg" || attribute == "@v";
+    if (!is_own && !is_other_mood) attribute_add(graph.word(head), attribute);
+  }
+}
+
+// "A cloth that is strong but light": the noun above is said once.
+// (c / cloth :ARG1-of (a / and :op1 (s / strong-02 :ARG1 c) :op2 l)): when `head`, strong-02, has taken the place of the
+// conjunction, two arcs tie it to the cloth; the one above is kept, with the role of the one below.
+void noun_once(Rewriter& graph, int head) {
+  const int above = graph.parent(head);
+  if (above >= 0 && graph.arc(above).inverse && is_core_role(graph.arc(above).role)) {
+    for (const int led : graph.children(head)) {
+      const bool is_doubled = !graph.arc(led).inverse && graph.arc(led).to == graph.arc(above).from &&
+                              (graph.arc(led).role == "ARG0" || graph.arc(led).role == "ARG1");
+      if (!is_doubled) continue;
+      graph.arc(above).role = graph.arc(led).role;
+      graph.remove(led, Fate::relation);
+    }
+  }
+}
+
 // The first operand takes the place of the conjunction, and each further one is tied to the one before it, so that rules
 // see them in their order.
 void coordinate(Rewriter& graph, int at, const Conjunction& conjunction) {
@@ -220,7 +344,19 @@ void coordinate(Rewriter& graph, int at, const Conjunction& conjunction) {
   // "Our songs and those of the town": where all parts are named again, and somebody else has them.
   const bool is_again = std::all_of(parts.begin(), parts.end(),
                                     [&](int led) { return has_attribute(graph.word(graph.arc(led).to), "@ref"); });
-  const int owner = is_again && parts.size() > 1 ? graph.child(at, "possessor") : -1;
+  // "They", where all of them were named before.
+  const bool is_people =
+      is_again && parts.size() > 1 && std::none_of(parts.begin(), parts.end(), [&](int led) {
+        const int part = graph.arc(led).to;
+        return is_clause(graph, part) || graph.is(part, "i") || graph.is(part, "you") || graph.is(part, "we");
+      });
+  if (is_people && graph.children(at).size() == parts.size() && conjunction.attribute == std::string_view("@and")) {
+    for (const int led : parts) graph.remove(led, Fate::word);
+    graph.word(at).name = "they";
+    attribute_add(graph.word(at), "@pl");
+    return attribute_add(graph.word(at), "@ref");
+  }
+  const int owner = is_again && parts.size() > 1 ? graph.child(at, "poss") : -1;
   if (owner >= 0) {
     graph.arc(owner).role = "part-of";
     for (const int led : parts) graph.remove(led, Fate::word);
@@ -231,7 +367,13 @@ void coordinate(Rewriter& graph, int at, const Conjunction& conjunction) {
   mention_group(graph, at, first[static_cast<std::size_t>(at)]);
   const int head = graph.arc(parts[0]).to;
   graph.settle_concept(at, Fate::attribute);
-  if (parts.size() == 1) {
+  // Within a sentence nothing is left that it could be tied to.
+  const int led_here = graph.parent(at);
+  const bool is_inside = led_here >= 0 && is_core(graph.arc(led_here)) && graph.arc(led_here).role != "ARG1";
+  const bool is_object =
+      led_here >= 0 && graph.arc(led_here).role == "ARG1" && !graph.is(graph.arc(led_here).from, "say", "01");
+  const bool is_but = conjunction.attribute == std::string_view("@but");
+  if (parts.size() == 1 && (is_but || (!is_object && !is_inside))) {
     // "And ...", "But ...": what it is tied to stands in another sentence.
     attribute_add(graph.word(head), std::string("@lead_") + (conjunction.attribute + 1));
   }
@@ -239,6 +381,7 @@ void coordinate(Rewriter& graph, int at, const Conjunction& conjunction) {
   // Each part is tied to the one before. `joined_by` is what stands in front of it, and a subject that is that of the
   // first clause becomes :shared: "she came and sang".
   int last = chain_end(graph, head);
+  int listed = -1;
   for (std::size_t i = 1; i < parts.size(); ++i) {
     const int part = graph.arc(parts[i]).to;
     // A question behind what is none is a sentence of its own: "Look. Do you see it?"
@@ -250,31 +393,34 @@ void coordinate(Rewriter& graph, int at, const Conjunction& conjunction) {
     const int model = subject_arc(graph, head);
     // A condition of its own stands between: "..., and if it rains, I stay".
     const bool is_shared = subject >= 0 && model >= 0 && graph.child(part, "condition") < 0 &&
-                           graph.arc(subject).to == graph.arc(model).to && std::string_view(joined_by) != "@snt";
+                           graph.arc(subject).to == graph.arc(model).to && std::string_view(joined_by) != "@snt" &&
+                           !has_attribute(graph.word(part), "@agent");
+    // "Did it rain, or did the wind blow?"
+    if (!is_shared && subject >= 0 && has_attribute(graph.word(at), "@int") &&
+        conjunction.attribute == std::string_view("@or"))
+      attribute_add(graph.word(part), "@int");
     if (is_shared && graph.arc(subject).role == "ARG1") attribute_add(graph.word(part), "@shr1");
     if (is_shared) graph.arc(subject).role = "shared";
+    // "She came, sang and left": between clauses of one subject only the last has a conjunction.
+    if (is_shared && listed >= 0) attribute_add(graph.word(listed), "@list");
+    listed = is_shared && i + 1 < parts.size() ? part : -1;
     graph.replace(parts[i], last, part, "conjunct");
     last = chain_end(graph, part);
   }
   graph.remove(parts[0], Fate::relation);
-  const bool is_bidden = has_attribute(graph.word(head), "@imp");
-  for (const std::string& attribute : graph.word(at).attributes) {
-    // Some files mark a request with more than one mood.
-    const bool is_other_mood = is_bidden && (attribute == "@int" || attribute == "@may");
-    const bool is_own = attribute == "@pl" || attribute == "@sg" || attribute == "@v";
-    if (!is_own && !is_other_mood) attribute_add(graph.word(head), attribute);
-  }
+  // What is joined to all of them stands behind the last: "she came and sang, but he left".
+  const int to_all = graph.child(at, "conjunct");
+  if (to_all >= 0 && is_event(graph, last) && is_event(graph, graph.arc(to_all).to)) graph.arc(to_all).from = last;
+  take_marks(graph, at, head);
   graph.redirect(at, head);
+  noun_once(graph, head);
+  if (conjunction.attribute == std::string_view("@and")) late_circumstances(graph, at, head, last);
+  // "The man and the woman who sat there": what is said of several things stands behind the last.
+  for (const int led : graph.children(at)) {
+    const bool is_relative = graph.arc(led).inverse && is_core_role(graph.arc(led).role);
+    if (is_relative && !is_clause(graph, head) && !is_clause(graph, last)) graph.arc(led).from = last;
+  }
   graph.move_children(at, head);
-}
-
-// Arguments of a frame, in contrast to circumstances.
-bool is_core_role(const std::string& role) {
-  return role.starts_with("ARG");
-}
-
-bool is_core(const Arc& one) {
-  return !one.inverse && is_core_role(one.role);
 }
 
 // ---- quotation -----------------------------------------------------------------------------------------------------
@@ -367,9 +513,10 @@ void quote(Rewriter& graph, int at) {
   const bool is_answer = is_one_of(graph, at, kAnswering);
   const int led = graph.child(at, is_answer ? "ARG2" : "ARG1");
   const int who = graph.child(at, "ARG0");
-  const int whom = graph.child(at, is_answer ? "ARG1" : "ARG2");
+  int whom = graph.child(at, is_answer ? "ARG1" : "ARG2");
   if (led < 0 || who < 0) return;
   const int said = graph.arc(led).to;
+  if (is_unknown(graph, said) && graph.child(said, "domain") < 0) return;
   // Whoever asks does not ask whether he asks: the question is what he says.
   if (graph.is(at, "ask", "01") && has_attribute(graph.word(at), "@int") && !graph.is(graph.arc(who).to, "you")) {
     std::erase(graph.word(at).attributes, "@int");
@@ -381,11 +528,19 @@ void quote(Rewriter& graph, int at) {
     const int person = graph.arc(arc_at).to;
     return graph.is(person, "i") || graph.is(person, "you") || graph.is(person, "we");
   };
+  // "You are late," she said: who is you inside is the hearer, and need not be told.
+  const bool is_to_you = whom >= 0 && graph.is(graph.arc(whom).to, "you") && !speaks_itself(who) &&
+                         graph.mentions(graph.arc(whom).to) > 1 && is_clause(graph, said);
+  if (is_to_you) {
+    graph.remove(whom, Fate::left_out);
+    whom = -1;
+  }
   const int subject = subject_arc(graph, said);
   const bool is_to_oneself = whom >= 0 && graph.arc(who).to == graph.arc(whom).to;
   const bool is_asked_to = whom >= 0 && subject >= 0 && graph.arc(subject).to == graph.arc(whom).to && !is_to_oneself;
   const bool is_order = has_attribute(graph.word(said), "@imp") && !speaks_itself(who);
-  if (has_attribute(graph.word(said), "@whether") || (is_asked_to && !is_order)) return;
+  const bool is_reported = has_attribute(graph.word(said), "@whether") || has_attribute(graph.word(said), "@asked");
+  if (is_reported || (is_asked_to && !is_order)) return;
   const bool is_other = !speaks_itself(who) && !speaks_itself(whom);
   const bool is_direct = (is_other || is_order) && (has_speaker(graph, said) || is_said_so(graph, at, said));
   // What the sentence is about, or is joined to that, is told; what stands below is spoken of.
@@ -402,23 +557,24 @@ void quote(Rewriter& graph, int at) {
   graph.arc(led).role = "quoted";
   attribute_add(graph.word(said), "@quote");
   speak_of_oneself(graph, at, said, graph.arc(who).to, whom >= 0 ? graph.arc(whom).to : -1);
+  // The quotation stands in front, so "then" cannot: '"Stop!" she said then.'
+  const int when = graph.child(at, "time");
+  if (when >= 0 && graph.word(graph.arc(when).to).sense.empty()) attribute_add(graph.word(graph.arc(when).to), "@late");
   // Behind a quotation a verb without an auxiliary stands before its subject, if that is no pronoun: said the king.
   const int subject_of_saying = graph.arc(who).to;
   const bool is_pronoun = is_personal_pronoun(graph, subject_of_saying) || graph.word(subject_of_saying).name == "one";
   const bool is_plain = !has_attribute(graph.word(at), "@neg") && !has_attribute(graph.word(at), "@ask") &&
                         !has_attribute(graph.word(at), "@int") && !has_attribute(graph.word(at), "@can");
-  if (!is_plain || is_pronoun) return;
+  // "..., the girl asked the driver": turned round, two nouns would stand side by side.
+  constexpr std::array kBareHearer{"ask", "tell", "answer", "warn", "interrupt"};
+  const bool is_beside_hearer = whom >= 0 && is_one_of(graph, at, kBareHearer);
+  if (!is_plain || is_pronoun || is_beside_hearer) return;
   graph.arc(who).role = "speaker";
   const int office = graph.child(graph.arc(who).to, "apposition");
   if (office >= 0) std::erase(graph.word(graph.arc(office).to).attributes, "@closed");
 }
 
 // ---- questions -----------------------------------------------------------------------------------------------------
-
-// Verbs below which a question is reported and not asked.
-constexpr std::array kReporting{"know", "wonder", "understand", "forget", "remember", "learn",  "explain", "tell",
-                                "see",  "ask",    "find-out",   "show",   "discover", "teach",  "inquire", "question",
-                                "say",  "decide", "realize",    "hear",   "doubt",    "matter", "idea",    "care"};
 
 // What a frame's numbered role is called when it is asked for.
 // The name becomes an attribute, @wh_location, by which rules choose where, when, who; what a number means differs from
@@ -448,6 +604,19 @@ void asked_predicate(Rewriter& graph, int unknown) {
   if (std::erase(graph.word(unknown).attributes, "@quote") > 0) attribute_add(graph.word(about), "@quote");
 }
 
+// "Tell me what it is": in the order of a statement what is asked for stands in front of what it is said of. Both stand
+// below a frame of being, which takes the place of the clause.
+void reported_predicate(Rewriter& graph, int about, int led) {
+  const int being = graph.add_concept("be-located-at");
+  graph.word(being).sense = "91";
+  attribute_add(graph.word(being), "@v");
+  std::erase(graph.word(graph.arc(led).to).attributes, "@asked");
+  graph.redirect(about, being);
+  graph.add(being, about, "ARG1");
+  attribute_add(graph.word(being), "@asked");
+  graph.replace(led, being, graph.arc(led).to, "questioned");
+}
+
 // What is asked for moves to the front of its clause, together with the phrase that it belongs to.
 // Three parts: which phrase goes along (how many stars), up to which clause it moves (where do you want to go), and
 // what the clause and the phrase must know of it (@ask or @asked; @wh_ with the role). The phrase becomes :questioned
@@ -473,6 +642,8 @@ void question(Rewriter& graph, int unknown) {
     attribute_add(graph.word(unknown), "@wh_" + role);
     phrase = graph.arc(led).from;
     const int above = graph.parent(phrase);
+    // "What a good idea!" asks nothing.
+    if (has_attribute(graph.word(phrase), "@exp")) return;
     if (above < 0) return attribute_add(graph.word(phrase), "@ask");
     attribute_add(graph.word(phrase), "@wh");
     led = above;
@@ -486,6 +657,7 @@ void question(Rewriter& graph, int unknown) {
   bool is_reported = false;
   while (clause != graph.meaning().root && !has_attribute(graph.word(clause), "@quote") && --steps > 0) {
     const int above = graph.parent(clause);
+    is_reported = above >= 0 && graph.is(graph.arc(above).from, "no-matter");
     if (above < 0 || !is_core(graph.arc(above))) break;
     const int governor = graph.arc(above).from;
     const bool is_bidden = graph.is(governor, "think", "01") && has_attribute(graph.word(governor), "@imp");
@@ -504,6 +676,9 @@ void question(Rewriter& graph, int unknown) {
   const bool is_person = role == "domain" && phrase == unknown && is_personal_pronoun(graph, asked_at) &&
                          graph.word(asked_at).name != "it";
   attribute_add(graph.word(phrase), is_person ? "@wh_who" : "@wh_" + role);
+  if (is_reported && role == "domain" && phrase == unknown && graph.parent(asked_at) >= 0 &&
+      graph.word(asked_at).sense.empty())
+    return reported_predicate(graph, asked_at, led);
   // An exclamation has the order of a statement: "how beautiful she is!"
   is_reported |= has_attribute(graph.word(clause), "@exp");
   attribute_add(graph.word(clause), is_reported ? "@asked" : is_subject ? "@asksub" : "@ask");
@@ -591,7 +766,8 @@ void nobody_apply(Rewriter& graph, int at) {
   if (doer < 0 || graph.parent(graph.arc(doer).to) != doer) return;
   const int any = graph.child(graph.arc(doer).to, "mod");
   for (const int word : {graph.arc(doer).to, any >= 0 ? graph.arc(any).to : -1}) {
-    if (word < 0 || (!graph.word(word).name.starts_with("any"))) continue;
+    const std::string name = word < 0 ? "" : graph.word(word).name;
+    if (!name.starts_with("any") && name != "somebody" && name != "someone") continue;
     if (const char* nobody = denied(graph, word); nobody != nullptr) {
       graph.word(word).name = nobody;
       std::erase(graph.word(at).attributes, "@neg");
@@ -646,6 +822,8 @@ void request_apply(Rewriter& graph, int at) {
 void step_polarity(Meaning& meaning) {
   Rewriter graph(meaning, "polarity");
   for (int at = 0; at < graph.count(); ++at) {
+    // Some files deny "ever" itself.
+    if (graph.is(at, "ever") && std::erase(graph.word(at).attributes, "@neg") > 0) graph.word(at).name = "never";
     // "Not ever" is one word, and takes the negation with it.
     for (const int led : graph.children(at)) {
       if (!has_attribute(graph.word(at), "@neg") || !graph.is(graph.arc(led).to, "ever")) continue;
@@ -662,6 +840,11 @@ void step_polarity(Meaning& meaning) {
       graph.settle_concept(graph.arc(led).to, Fate::attribute);
       graph.remove(led, Fate::attribute);
       attribute_add(graph.word(at), "@int");
+    }
+    if (const int led = graph.child(at, "polarity"); led >= 0 && graph.is(graph.arc(led).to, "truth-value")) {
+      graph.settle_concept(graph.arc(led).to, Fate::attribute);
+      graph.remove(led, Fate::attribute);
+      attribute_add(graph.word(at), "@whether");
     }
     if (const int led = graph.child(at, "polarity", true); led >= 0 && graph.is(at, "truth-value")) {
       attribute_add(graph.word(graph.arc(led).to), "@whether");
@@ -732,7 +915,8 @@ void thing_apply(Rewriter& graph, int at) {
   const bool is_plain = !has_attribute(graph.word(frame), "@neg") && !has_attribute(graph.word(frame), "@most") &&
                         !has_attribute(graph.word(frame), "@more") && graph.mentions(frame) == 1;
   // Nothing is the result of a motion: "the first thing that came".
-  constexpr std::array kMotion{"come", "go", "happen", "occur", "arrive", "fall", "appear", "exist", "lie", "stand"};
+  constexpr std::array kMotion{"come", "go",    "happen", "occur",  "arrive",  "fall",  "appear", "exist",
+                               "lie",  "stand", "matter", "remain", "survive", "count", "belong"};
   const std::string& name = graph.word(frame).name;
   if (graph.word(frame).sense.empty() || !is_simple || !is_plain || name.find('-') != name.npos) return;
   if (is_one_of(graph, frame, kMotion)) return;
@@ -797,12 +981,164 @@ void attendant_apply(Rewriter& graph, int at) {
       graph.replace(led, clause, frame, held_by);
       continue;
     }
-    const bool is_act = graph.arc(led).inverse && is_core_role(graph.arc(led).role) && graph.mentions(frame) == 1;
+    // What is said of the subject stands behind a comma; of another, "to you, who know it".
+    const bool is_act = graph.arc(led).inverse && is_core_role(graph.arc(led).role) && graph.mentions(frame) == 1 &&
+                        (role == "ARG0" || graph.child(clause, "ARG0") < 0);
     if (!is_act || graph.word(frame).sense.empty()) continue;
     const std::string held = graph.arc(led).role;
     graph.add(frame, at, held);
     graph.replace(led, clause, frame, "attendant");
   }
+}
+
+// (k / know-01 :ARG1 (p / person :ARG1-of (c / come-01))): "she knows who came", (t / tell-01 :ARG1 (t2 / thing :domain
+// it)): "tell me what it is". Below what one knows or tells a person or thing without any other mark is what is asked.
+void asked_content(Rewriter& graph, int at) {
+  constexpr std::array kOfClauses{"know",    "tell",  "ask",      "find-out", "guess", "wonder",
+                                  "explain", "learn", "discover", "reveal",   "decide"};
+  const int above = graph.parent(at);
+  const bool is_content = above >= 0 && !graph.arc(above).inverse && graph.arc(above).role == "ARG1" &&
+                          is_one_of(graph, graph.arc(above).from, kOfClauses) && graph.mentions(at) == 1 &&
+                          graph.word(graph.arc(above).from).sense != "02";
+  const std::vector<int> told = graph.children(at);
+  if (!is_content || told.size() != 1 || !graph.word(at).attributes.empty()) return;
+  const Arc& one = graph.arc(told[0]);
+  if (!one.inverse && one.role == "domain") {
+    graph.word(at).name = "amr-unknown";
+    graph.word(at).attributes = {"@asked"};
+    return;
+  }
+  const int frame = one.to;
+  const std::string role = one.role;
+  const bool is_subject = role == "ARG0" || (role == "ARG1" && graph.child(frame, "ARG0") < 0);
+  if (!graph.is(at, "person") || !one.inverse || !is_subject || graph.mentions(frame) > 1) return;
+  graph.redirect(at, frame);
+  graph.replace(told[0], frame, at, role);
+  graph.word(at).name = "amr-unknown";
+  attribute_add(graph.word(at), "@wh_who");
+  attribute_add(graph.word(frame), "@asked");
+}
+
+// (n / news :topic (i / ill-01 :ARG1 q)): "the news that the queen is ill", a clause and not what the news is about.
+void noun_content(Rewriter& graph, int at) {
+  constexpr std::array kOfClauses{"news",    "idea",  "rumor", "fact",   "message", "proof",    "evidence",    "theory",
+                                  "notion",  "sign",  "hope",  "belief", "thought", "question", "possibility", "chance",
+                                  "opinion", "claim", "view",  "fear",   "feeling", "word",     "argument",    "story"};
+  const int led = graph.word(at).sense.empty() && is_one_of(graph, at, kOfClauses) ? graph.child(at, "topic") : -1;
+  if (led < 0 || graph.child(at, "ARG1") >= 0) return;
+  const int told = graph.arc(led).to;
+  // "The idea of its size": these have a noun as often as a clause.
+  constexpr std::array kOfNouns{"idea",     "message", "theory", "notion", "thought", "question", "opinion",
+                                "argument", "view",    "fear",   "word",   "feeling", "story"};
+  const bool is_clear = graph.child(told, "ARG0") >= 0 || has_attribute(graph.word(told), "@whether") ||
+                        has_attribute(graph.word(told), "@int") || !is_one_of(graph, at, kOfNouns);
+  const bool is_event_of = is_event(graph, told) && graph.mentions(told) == 1 && subject_arc(graph, told) >= 0;
+  const bool is_told = (is_event_of && is_clear) || graph.child(told, "domain") >= 0;
+  if (!is_told) return;
+  graph.arc(led).role = "ARG1";
+  attribute_add(graph.word(at), "@fact");
+  if (!has_attribute(graph.word(at), "@indef")) attribute_add(graph.word(at), "@def");
+}
+
+// "The house that she wants to build": who wants it stands above the building, within the clause about the house.
+// (h / house :ARG1-of (b / build-01 :ARG0 she :ARG1-of (w / want-01 :ARG0 she))). `led` leads to the building.
+void wanted_apply(Rewriter& graph, int led) {
+  const int deed = graph.arc(led).to;
+  const std::string& role = graph.arc(led).role;
+  const bool is_relative = graph.arc(led).inverse && !graph.arc(led).gone && role != "ARG0" && is_core_role(role);
+  const int up = is_relative && graph.mentions(deed) == 1 ? graph.child(deed, "ARG1", true) : -1;
+  if (up < 0 || !is_event(graph, deed)) return;
+  const int frame = graph.arc(up).to;
+  constexpr std::array kGoverning{"want",   "need",   "try", "like",   "love",    "hope", "plan", "wish",  "expect",
+                                  "intend", "refuse", "say", "decide", "attempt", "see",  "know", "think", "believe"};
+  const bool is_governing = is_one_of(graph, frame, kGoverning) && graph.mentions(frame) == 1 &&
+                            graph.child(frame, "ARG0") >= 0 && graph.child(frame, "ARG1") < 0;
+  if (!is_governing) return;
+  graph.arc(led).to = frame;
+  graph.replace(up, frame, deed, "ARG1");
+}
+
+}  // namespace
+
+namespace {
+
+// "He is a good singer", but "the only singer", "my best singer": what makes somebody one of a kind.
+bool is_singled_out(Rewriter& graph, int at) {
+  constexpr std::array kKnowing{"only", "same",  "this", "that", "first", "last", "next",   "other",
+                                "such", "every", "any",  "no",   "all",   "some", "another"};
+  if (has_attribute(graph.word(at), "@pl")) return true;
+  for (const char* role : {"poss", "ord", "org", "quant"}) {
+    if (graph.child(at, role) >= 0) return true;
+  }
+  const std::vector<int> told = graph.children(at);
+  return std::any_of(told.begin(), told.end(), [&](int one) {
+    const Concept& word = graph.word(graph.arc(one).to);
+    return is_listed(word.name, kKnowing) || has_attribute(word, "@most") || has_attribute(word, "@more");
+  });
+}
+
+// (s / sailor :mod (m / man :mod (t / tall))): "the sailor, a tall man", as somebody who is described is no word in front.
+void described_apply(Rewriter& graph, int led) {
+  constexpr std::array kPeople{"man", "woman", "boy", "girl", "person", "child", "fellow", "lady", "gentleman"};
+  const Arc& one = graph.arc(led);
+  if (one.gone || one.inverse || one.role != "mod" || !is_one_of(graph, one.to, kPeople)) return;
+  const Concept& whole = graph.word(one.from);
+  constexpr std::array kSomebody{
+      "brother", "sister",  "father", "mother",    "son",     "daughter", "uncle",   "aunt",    "husband", "wife",
+      "friend",  "cousin",  "sailor", "soldier",   "captain", "doctor",   "nurse",   "judge",   "lawyer",  "king",
+      "queen",   "prince",  "mayor",  "president", "artist",  "poet",     "farmer",  "teacher", "student", "neighbor",
+      "actor",   "actress", "priest", "boss",      "officer", "general",  "partner", "guest",   "thief",   "minister"};
+  const bool is_person = has_attribute(whole, "@person") || is_listed(whole.name, kSomebody);
+  const bool is_somebody =
+      is_person && whole.sense.empty() && !has_attribute(whole, "@pl") && !is_personal_pronoun(graph, one.from);
+  if (!is_somebody || graph.children(one.to).empty() || graph.mentions(one.to) != 1) return;
+  graph.arc(led).role = "apposition";
+  // In front of the verb a comma follows, too.
+  const int above = graph.parent(graph.arc(led).from);
+  if (above >= 0 && !graph.arc(above).inverse && graph.arc(above).role == "ARG0")
+    attribute_add(graph.word(graph.arc(led).to), "@closed");
+  if (!has_attribute(graph.word(one.to), "@pl") && !is_singled_out(graph, one.to) && !graph.is(one.to, "person"))
+    attribute_add(graph.word(one.to), "@indef");
+}
+
+// (p / person :ARG0-of (w / work-01 :manner (h / hard))): "a hard worker". What is said of a deed that has a noun of its
+// doer stands beside that noun, and whom it is done to belongs to it: "her teacher".
+void agent_words_apply(Rewriter& graph, int at, int frame) {
+  constexpr std::array kDoers{
+      "work",  "think",  "read",    "write",  "sing",   "dance",   "swim",   "drive",   "run",    "speak",  "talk",
+      "lead",  "paint",  "play",    "teach",  "listen", "learn",   "dream",  "train",   "travel", "trade",  "farm",
+      "hunt",  "fight",  "build",   "cook",   "bake",   "smoke",   "drink",  "eat",     "sleep",  "walk",   "climb",
+      "fly",   "ride",   "observe", "love",   "lie",    "believe", "admire", "support", "employ", "advise", "jump",
+      "skate", "sail",   "ski",     "shoot",  "race",   "invest",  "report", "perform", "win",    "kill",   "rule",
+      "own",   "manage", "garden",  "murder", "rob",    "publish", "edit"};
+  if (!is_one_of(graph, frame, kDoers) || graph.word(frame).sense.empty() || graph.mentions(frame) != 1) return;
+  if (graph.child(at, "ARG0", true) < 0 || has_attribute(graph.word(at), "@name")) return;
+  constexpr std::array kWhen{"early", "late", "frequent", "regular", "occasional"};
+  constexpr std::array kServing{"teach", "advise", "train", "employ"};
+  std::vector<int> qualities;
+  int served = -1;
+  for (const int led : graph.children(frame)) {
+    const Arc& one = graph.arc(led);
+    const Concept& word = graph.word(one.to);
+    const bool is_leaf = graph.children(one.to).empty() && graph.mentions(one.to) == 1 && !word.variable.empty();
+    const bool is_plain = is_leaf && !is_unknown(graph, one.to) && !has_attribute(word, "@name");
+    const bool is_time = (one.role == "time" || one.role == "frequency") && is_one_of(graph, one.to, kWhen);
+    const bool is_quality = is_plain && ((!one.inverse && (one.role == "manner" || one.role == "mod" || is_time)) ||
+                                         (one.inverse && one.role == "ARG1" && !word.sense.empty()));
+    if (is_quality) {
+      qualities.push_back(led);
+    } else if (!one.inverse && one.role == "ARG2" && is_one_of(graph, frame, kServing)) {
+      served = led;
+    } else if (one.inverse || one.role != "ARG1") {
+      return;
+    }
+  }
+  for (const int led : qualities) {
+    const bool is_upright = !graph.arc(led).inverse;
+    graph.replace(led, at, graph.arc(led).to, is_upright ? "mod" : graph.arc(led).role, !is_upright);
+  }
+  if (served >= 0 && graph.child(at, "poss") < 0)
+    graph.replace(served, at, graph.arc(served).to, is_personal_pronoun(graph, graph.arc(served).to) ? "poss" : "org");
 }
 
 }  // namespace
@@ -811,24 +1147,47 @@ void attendant_apply(Rewriter& graph, int at) {
 // the offices, as a mayor is no haver of a role.
 void step_persons(Meaning& meaning) {
   Rewriter graph(meaning, "persons");
+  for (int led = 0; led < static_cast<int>(meaning.arcs.size()); ++led) {
+    wanted_apply(graph, led);
+    described_apply(graph, led);
+  }
   for (int at = 0; at < graph.count(); ++at) {
     pronoun_apply(graph, at);
     attendant_apply(graph, at);
+    if (graph.is(at, "person") || graph.is(at, "thing")) asked_content(graph, at);
+    noun_content(graph, at);
     if (graph.is(at, "government-organization")) government_apply(graph, at);
     if (graph.is(at, "thing")) thing_apply(graph, at);
     if (!graph.is(at, "person") || has_attribute(graph.word(at), "@name")) continue;
     const int led = graph.child(at, "ARG0", true);
     if (led < 0) continue;
     const int frame = graph.arc(led).to;
+    agent_words_apply(graph, at, frame);
     const std::vector<int> below = graph.children(frame);
     const bool is_simple = std::all_of(below.begin(), below.end(), [&](int one) {
       // "The central planners": what qualifies the act qualifies who does it.
       const std::string& role = graph.arc(one).role;
       const bool is_quality = role == "mod" && graph.children(graph.arc(one).to).empty();
-      return (role == "ARG1" || is_quality) && !graph.arc(one).inverse && !is_clause(graph, graph.arc(one).to);
+      const bool is_told = is_clause(graph, graph.arc(one).to) && !graph.children(graph.arc(one).to).empty() &&
+                           !has_attribute(graph.word(graph.arc(one).to), "@agent");
+      return (role == "ARG1" || is_quality) && !graph.arc(one).inverse && !is_told;
     });
-    const bool is_plain = !has_attribute(graph.word(frame), "@neg") && graph.mentions(frame) == 1;
-    if (graph.word(frame).sense.empty() || !is_simple || !is_plain) continue;
+    // "The person who is responsible for it", "the only person who knows": there is no noun for these.
+    constexpr std::array kQualities{"responsible", "aware",     "conscious", "sure",     "certain",  "proud",
+                                    "eager",       "reluctant", "greedy",    "honest",   "fond",     "keen",
+                                    "jealous",     "ready",     "capable",   "cautious", "careless", "hostile",
+                                    "desperate",   "generous",  "grateful",  "thankful", "brave",    "cruel"};
+    constexpr std::array kNoAgents{"know", "see",  "want",  "go",  "come", "hear", "have", "feel", "need", "like",
+                                   "say",  "tell", "stand", "sit", "lie",  "wait", "ask",  "get",  "take"};
+    const bool is_nameless =
+        is_one_of(graph, frame, kQualities) || (is_one_of(graph, frame, kNoAgents) && graph.children(at).size() > 1);
+    // "A great thinker", but "the person who thinks".
+    const bool is_thinker = !graph.is(frame, "think", "01") || graph.children(at).size() == 1 ||
+                            (graph.child(at, "mod") >= 0 && graph.children(frame).empty());
+    const bool is_plain = !has_attribute(graph.word(frame), "@neg") && graph.mentions(frame) == 1 && is_thinker;
+    if (graph.word(frame).sense.empty() || !is_simple || !is_plain || is_nameless) continue;
+    const bool is_told = graph.child(at, "domain") >= 0 && below.empty();
+    if (is_told && !is_singled_out(graph, at)) attribute_add(graph.word(frame), "@indef");
     frame_stand_in(graph, at, led, "@agent");
   }
 }
@@ -848,16 +1207,77 @@ void contrast_upright(Rewriter& graph, int at) {
   graph.replace(above, at, first, "ARG1");
 }
 
+// (a / and :op1 (k / king :polarity -) :op2 (q / queen)) below a verb: the queen instead of the king, as the denial would be
+// read with both.
+void not_but_apply(Rewriter& graph, int at, const char* denied, const char* other) {
+  const std::vector<int> parts = graph.children(at);
+  const int first = graph.child(at, denied);
+  const int second = graph.child(at, other);
+  const int above = graph.parent(at);
+  if (parts.size() != 2 || first < 0 || second < 0 || above < 0 || graph.arc(above).inverse) return;
+  const int not_this = graph.arc(first).to;
+  const int but_that = graph.arc(second).to;
+  if (!has_attribute(graph.word(not_this), "@neg") || has_attribute(graph.word(but_that), "@neg")) return;
+  for (const int part : {not_this, but_that}) {
+    const bool is_noun = graph.word(part).sense.empty() && !graph.word(part).variable.empty();
+    if (!is_noun || graph.child(part, "domain") >= 0 || graph.mentions(part) > 1) return;
+  }
+  if (!is_core(graph.arc(above)) || !is_event(graph, graph.arc(above).from)) return;
+  std::erase(graph.word(not_this).attributes, "@neg");
+  graph.replace(first, but_that, not_this, "substitute");
+  graph.stand_in(at, second, Fate::word);
+}
+
 }  // namespace
+
+// "Oh, it is late": a cry that the graph has as a quality of the clause stands in front of it.
+void cry_apply(Rewriter& graph, int at) {
+  constexpr std::array kCries{"oh",    "ah", "alas",  "hey",  "ha",  "aha", "wow",
+                              "hello", "hi", "bravo", "ouch", "ugh", "ooh"};
+  const int above = graph.parent(at);
+  if (above < 0 || graph.arc(above).inverse || !graph.word(at).sense.empty() || !is_one_of(graph, at, kCries)) return;
+  const std::string& role = graph.arc(above).role;
+  const int clause = graph.arc(above).from;
+  if ((role != "mod" && role != "manner" && role != "discourse") || !graph.children(at).empty()) return;
+  if (!is_clause(graph, clause)) return;
+  const int both = graph.add_concept("and");
+  graph.redirect(clause, both);
+  graph.replace(above, both, at, "op1");
+  graph.add(both, clause, "op2");
+}
+
+// "Thank you", "please come": who thanks is nobody else than who speaks.
+void courtesy_apply(Rewriter& graph, int at) {
+  if (has_attribute(graph.word(at), "@polite") && has_attribute(graph.word(at), "@imp")) {
+    std::erase(graph.word(at).attributes, "@polite");
+    graph.add(at, graph.add_concept("please"), "mod");
+  }
+  const int whom = graph.is(at, "thank", "01") ? graph.child(at, "ARG1") : -1;
+  const int who = graph.child(at, "ARG0");
+  if (whom < 0 || !graph.is(graph.arc(whom).to, "you") || (who >= 0 && !graph.is(graph.arc(who).to, "i"))) return;
+  const int above = graph.parent(at);
+  const bool is_uttered = above < 0 || graph.arc(above).role.starts_with("snt") ||
+                          graph.arc(above).role.starts_with("op") || is_one_of(graph, graph.arc(above).from, kSaying);
+  if (!is_uttered || graph.word(at).attributes.size() > 1 || graph.child(at, "time") >= 0) return;
+  if (who >= 0) {
+    if (graph.mentions(graph.arc(who).to) == 1) graph.settle_concept(graph.arc(who).to, Fate::left_out);
+    graph.remove(who, Fate::left_out);
+  }
+  attribute_add(graph.word(at), "@imp");
+}
 
 // In front of coordination and quotation: "but" is no part of what is said.
 void step_contrast(Meaning& meaning) {
   Rewriter graph(meaning, "contrast");
   for (int at = 0, end = graph.count(); at < end; ++at) {
+    if (graph.is(at, "and") || graph.is(at, "but")) not_but_apply(graph, at, "op1", "op2");
+    if (graph.is(at, "contrast", "01")) not_but_apply(graph, at, "ARG1", "ARG2");
     if (graph.is(at, "contrast", "01") || graph.is(at, "contrast", "91")) {
       contrast_upright(graph, at);
       coordinate(graph, at, *conjunction_of(graph, at));
     }
+    cry_apply(graph, at);
+    courtesy_apply(graph, at);
   }
 }
 
@@ -906,6 +1326,21 @@ void called_apply(Rewriter& graph) {
   }
 }
 
+// (c / come-01 :mode imperative :ARG0 (s / snail)): "come, snail". Who is bidden is called.
+void bidden_apply(Rewriter& graph, int at) {
+  constexpr std::array kMotion{"come", "sit-down", "wake-up", "hurry", "arrive", "stand-up", "get-up"};
+  int led = graph.child(at, "ARG0");
+  if (led < 0 && is_one_of(graph, at, kMotion)) led = graph.child(at, "ARG1");
+  const int whom = led < 0 ? -1 : graph.arc(led).to;
+  if (whom < 0 || is_personal_pronoun(graph, whom) || is_unknown(graph, whom) || graph.parent(whom) != led) return;
+  if (!graph.word(whom).sense.empty() || graph.word(whom).variable.empty()) return;
+  if (graph.child(at, "vocative") >= 0 || conjunction_of(graph, whom) != nullptr) return;
+  for (const Arc& one : graph.meaning().arcs) {
+    if (!one.gone && one.to == whom && is_one_of(graph, one.from, kSaying)) return;
+  }
+  graph.add(at, whom, "vocative");
+}
+
 }  // namespace
 
 // UMR puts an utterance below (s / say-01 :ARG0 (p / person) :ARG1 c :ARG2 (p2 / person) :quote s). A reader of the
@@ -922,6 +1357,9 @@ void step_speaker(Meaning& meaning) {
     is_utterance |= graph.arc(led).to == meaning.root;
     graph.remove(led, Fate::attribute);
     attribute_add(graph.word(graph.arc(led).from), "@quote");
+  }
+  for (int at = 0; at < graph.count(); ++at) {
+    if (has_attribute(graph.word(at), "@imp")) bidden_apply(graph, at);
   }
   const int frame = meaning.root;
   const int said = graph.child(frame, "ARG1");
@@ -989,6 +1427,14 @@ void step_questions(Meaning& meaning) {
   for (int at = 0; at < graph.count(); ++at) {
     if (is_unknown(graph, at)) question(graph, at);
   }
+  // "Which of you", "which one of these": what is asked for is taken out of a set that is known.
+  for (int at = 0; at < graph.count(); ++at) {
+    if (!is_unknown(graph, at)) continue;
+    const int above = graph.parent(at);
+    const bool is_mod = above >= 0 && !graph.arc(above).inverse && graph.arc(above).role == "mod" &&
+                        graph.child(graph.arc(above).from, "superset") >= 0;
+    if (is_mod || graph.child(at, "superset") >= 0) graph.word(at).name = "which";
+  }
   // Only a clause of its own asks; below a verb of knowing it is "whether", elsewhere no question at all.
   for (int at = 0; at < graph.count(); ++at) {
     const int above = graph.parent(at);
@@ -1002,6 +1448,19 @@ void step_questions(Meaning& meaning) {
 
 namespace {
 
+// "She calls tomorrow", "next week", is to come; in a story the next day has been.
+bool is_coming(Rewriter& graph, int at, int time) {
+  constexpr std::array kPeriods{"week", "month", "year", "summer", "winter", "spring", "autumn"};
+  const int pointer = is_one_of(graph, time, kPeriods) ? graph.child(time, "mod") : -1;
+  const bool is_next = pointer >= 0 && graph.is(graph.arc(pointer).to, "next");
+  if (!graph.is(time, "tomorrow") && !is_next) return false;
+  const int above = graph.parent(at);
+  if (above >= 0 && !is_core(graph.arc(above)) && graph.arc(above).role != "conjunct") return false;
+  constexpr std::array kSaid{"@past", "@pres", "@fut", "@imp", "@can", "@must", "@should", "@may", "@would", "@neg"};
+  return has_attribute(graph.word(at), "@v") &&
+         std::none_of(kSaid.begin(), kSaid.end(), [&](const char* one) { return has_attribute(graph.word(at), one); });
+}
+
 // What the time of a clause says of its tense. "Before now" alone is no phrase of the sentence: it is the past.
 // (c / come-01 :time (b / before :op1 (n / now))) is @past, with "after" @fut; (y / before :op1 n :quant (y2 / year
 // :quant 3)) is "three years ago" besides.
@@ -1011,6 +1470,7 @@ void tense_from_time(Rewriter& graph, int at) {
     const std::string& role = graph.arc(led).role;
     if (graph.arc(led).inverse || (role != "time" && role != "temporal")) continue;
     const int time = graph.arc(led).to;
+    if (is_coming(graph, at, time)) attribute_add(graph.word(at), "@fut");
     // "One never knows" is true at all times.
     const int who = subject_arc(graph, at);
     const bool is_general = who >= 0 && graph.is(graph.arc(who).to, "one");
@@ -1018,6 +1478,9 @@ void tense_from_time(Rewriter& graph, int at) {
     if (is_perfect) attribute_add(graph.word(at), "@perf");
     const bool is_relation = graph.is(time, "before") || graph.is(time, "after");
     const int point = is_relation ? graph.child(time, "op1") : -1;
+    // After what was told: two days later.
+    const bool is_open = is_relation && point < 0 && graph.child(time, "quant") >= 0;
+    if (is_open) graph.word(time).name = graph.is(time, "before") ? "earlier" : "later";
     if (point < 0 || !graph.is(graph.arc(point).to, "now")) continue;
     attribute_add(graph.word(at), graph.is(time, "before") ? "@past" : "@fut");
     if (graph.mentions(time) > 1 || graph.mentions(graph.arc(point).to) > 1) continue;
@@ -1058,6 +1521,55 @@ bool is_told_of_another(Rewriter& graph, int at) {
   return is_listed(graph.arc(led).role, kSameTime);
 }
 
+// "You should eat before we leave", "Call me when he comes": what is bidden or will be is not past, nor is its time.
+void tense_of_coming(Rewriter& graph, int at) {
+  const Concept& clause = graph.word(at);
+  const bool is_ahead =
+      has_attribute(clause, "@imp") || has_attribute(clause, "@should") || has_attribute(clause, "@fut") ||
+      ((has_attribute(clause, "@can") || has_attribute(clause, "@must")) && has_attribute(clause, "@pres"));
+  if (!is_ahead || has_attribute(clause, "@past")) return;
+  constexpr std::array kRelations{"before",   "after",      "until",      "till", "while",
+                                  "whenever", "as-soon-as", "as-long-as", "since"};
+  for (const int led : graph.children(at)) {
+    if (graph.arc(led).inverse || (graph.arc(led).role != "time" && graph.arc(led).role != "temporal")) continue;
+    int when = graph.arc(led).to;
+    const int event = is_one_of(graph, when, kRelations) ? graph.child(when, "op1") : -1;
+    if (event >= 0) when = graph.arc(event).to;
+    const Concept& word = graph.word(when);
+    if (has_attribute(word, "@v") && !has_attribute(word, "@past")) attribute_add(graph.word(when), "@pres");
+  }
+}
+
+// "When she was here, we sang": a place, a quality or an office that somebody has while he does something is told of the
+// same time. What he does is past, as rules have it, if the graph says nothing else.
+void tense_of_place(Rewriter& graph, int at) {
+  const bool is_being = graph.is(at, "be-located-at", "91") || graph.is(at, "have-place", "91");
+  const int above = is_being || graph.child(at, "domain") >= 0 ? graph.parent(at) : -1;
+  const std::string role = above < 0 ? "" : graph.arc(above).role;
+  if (role != "time" && role != "temporal") return;
+  int deed = graph.arc(above).from;
+  // "The day when she was here" has the deed above the day.
+  if (graph.arc(above).inverse && graph.parent(deed) >= 0) deed = graph.arc(graph.parent(deed)).from;
+  constexpr std::array kOther{"@pres", "@fut", "@would",  "@imp",   "@can",
+                              "@must", "@may", "@should", "@state", "@habit"};
+  for (const char* one : kOther) {
+    if (has_attribute(graph.word(deed), one) || has_attribute(graph.word(at), one)) return;
+  }
+  if (is_event(graph, deed) && graph.child(deed, "ARG0") >= 0) attribute_add(graph.word(at), "@past");
+}
+
+// "I thank you": it is done by saying so.
+void tense_of_thanks(Rewriter& graph, int at) {
+  constexpr std::array kDone{"thank", "congratulate", "assure", "beg", "promise"};
+  const int who = is_one_of(graph, at, kDone) ? graph.child(at, "ARG0") : -1;
+  if (who < 0 || !(graph.is(graph.arc(who).to, "i") || graph.is(graph.arc(who).to, "we"))) return;
+  for (const char* role : {"ARG1", "ARG2"}) {
+    const int whom = graph.child(at, role);
+    const bool is_you = whom >= 0 && graph.is(graph.arc(whom).to, "you");
+    if (is_you && !has_attribute(graph.word(at), "@past")) attribute_add(graph.word(at), "@pres");
+  }
+}
+
 // "When I was six, I left": how old somebody was when it happened is told of the past, and so is what happened.
 void tense_of_age(Rewriter& graph, int at) {
   const int above = graph.is(at, "age", "01") ? graph.parent(at) : -1;
@@ -1069,6 +1581,47 @@ void tense_of_age(Rewriter& graph, int at) {
   }
   attribute_add(told, "@past");
   attribute_add(graph.word(at), "@past");
+}
+
+// "She hopes that he will come", "she promised that it would rain", "she wonders whether it rains": what is hoped or
+// demanded is still to come, and what is wondered is open. Only what has a subject of its own: the rest is an infinitive.
+// The mark of what the clause of `at` says, "" for none.
+std::string mark_of_content(Rewriter& graph, int at) {
+  constexpr std::array kHoping{"hope", "bet", "trust", "guarantee", "ensure"};
+  constexpr std::array kPromising{"promise", "predict", "vow",      "pledge", "forecast",
+                                  "decide",  "foresee", "threaten", "wish"};
+  constexpr std::array kDemanding{"demand", "recommend", "propose", "stipulate", "decree"};
+  constexpr std::array kWondering{"wonder", "inquire", "enquire"};
+  const Concept& word = graph.word(at);
+  const bool is_now = has_attribute(word, "@pres") || has_attribute(word, "@fut");
+  if (is_one_of(graph, at, kHoping)) return has_attribute(word, "@past") ? "@would" : "@fut";
+  if (is_one_of(graph, at, kPromising)) return is_now ? "@fut" : "@would";
+  if (is_one_of(graph, at, kDemanding)) return "@should";
+  return is_one_of(graph, at, kWondering) ? "@whether" : "";
+}
+
+void tense_of_content(Rewriter& graph, int at) {
+  const int led = graph.word(at).sense.empty() ? -1 : graph.child(at, graph.is(at, "promise", "01") ? "ARG2" : "ARG1");
+  int what = led >= 0 ? graph.arc(led).to : -1;
+  if (what < 0 || graph.parent(what) != led || graph.child(what, "questioned") >= 0) return;
+  const std::string mark = mark_of_content(graph, at);
+  const bool is_open = mark == "@whether";
+  const int subject = subject_arc(graph, what);
+  const int agent = graph.child(at, "ARG0");
+  const bool is_own = subject >= 0 && agent >= 0 && graph.arc(subject).to == graph.arc(agent).to;
+  if (mark.empty() || subject < 0 || (is_own && !is_open) || has_attribute(graph.word(what), "@asked")) return;
+  constexpr std::array kKnown{"@past", "@pres", "@fut",    "@would", "@imp",   "@perf",  "@can",
+                              "@must", "@may",  "@should", "@ask",   "@quote", "@likely"};
+  // What is joined to it is told of the same time.
+  for (int steps = graph.count(); what >= 0 && steps > 0; --steps) {
+    const Concept& clause = graph.word(what);
+    const bool is_known =
+        std::any_of(kKnown.begin(), kKnown.end(), [&](const char* one) { return has_attribute(clause, one); });
+    const bool is_told = is_event(graph, what) && !is_known;
+    if (is_open || is_told) attribute_add(graph.word(what), mark);
+    const int next = is_open ? -1 : graph.child(what, "conjunct");
+    what = next >= 0 ? graph.arc(next).to : -1;
+  }
 }
 
 }  // namespace
@@ -1088,12 +1641,15 @@ void step_tense(Meaning& meaning) {
   for (int at = 0; at < graph.count(); ++at) {
     tense_from_time(graph, at);
     tense_of_age(graph, at);
+    tense_of_place(graph, at);
     Concept& clause = graph.word(at);
     const bool is_lasting = has_attribute(clause, "@state") || has_attribute(clause, "@habit");
     if (is_lasting && !has_attribute(clause, "@past") && !has_attribute(clause, "@fut")) attribute_add(clause, "@pres");
     const bool is_known = has_attribute(clause, "@past") || has_attribute(clause, "@pres") ||
                           has_attribute(clause, "@fut") || has_attribute(clause, "@imp") ||
                           !has_attribute(clause, "@v");
+    tense_of_coming(graph, at);
+    tense_of_thanks(graph, at);
     const int shared = graph.child(at, "shared");
     const int subject = shared >= 0 ? shared : subject_arc(graph, at);
     const bool is_speech = has_attribute(clause, "@quote") && subject >= 0;
@@ -1122,15 +1678,21 @@ void step_tense(Meaning& meaning) {
     // Who asks you what happens means now: "what are you doing?"
     const bool is_question = has_attribute(clause, "@ask") || has_attribute(clause, "@int");
     constexpr std::array kStanding{"@can", "@must", "@should", "@may", "@maynot", "@likely", "@perf", "@habit", "@neg"};
-    const bool is_timed = graph.child(at, "frequency") >= 0 || graph.child(at, "time") >= 0 ||
+    const int when = graph.child(at, "time");
+    const bool is_timed = graph.child(at, "frequency") >= 0 || (when >= 0 && !graph.is(graph.arc(when).to, "now")) ||
                           std::any_of(kStanding.begin(), kStanding.end(),
                                       [&](const char* one) { return has_attribute(graph.word(at), one); });
     // What lasts has no progressive: "do you see it?"
-    constexpr std::array kLasting{"see",  "hear", "smell",    "like", "love", "hate",
-                                  "want", "need", "remember", "mind", "have", "know"};
-    if (!is_known && is_to_you && shared < 0 && graph.child(at, "conjunct") < 0 && !is_one_of(graph, at, kLasting) &&
-        is_question && !is_timed)
+    constexpr std::array kLasting{"see",    "hear",     "smell",  "like",       "love",  "hate",     "want",
+                                  "need",   "remember", "mind",   "have",       "know",  "mean",     "believe",
+                                  "prefer", "own",      "belong", "understand", "agree", "disagree", "deserve",
+                                  "matter", "doubt",    "care",   "suppose",    "hope",  "lack"};
+    if (!is_known && is_question && if_so >= 0 && !is_passive && !has_attribute(graph.word(if_so), "@past"))
+      attribute_add(clause, "@fut");
+    else if (!is_known && is_to_you && shared < 0 && graph.child(at, "conjunct") < 0 &&
+             !is_one_of(graph, at, kLasting) && is_question && !is_timed)
       attribute_add(clause, "@now");
+    tense_of_content(graph, at);
     if (!is_said[static_cast<std::size_t>(at)] && is_told_of_another(graph, at)) attribute_add(clause, "@past");
   }
 }
@@ -1141,7 +1703,9 @@ namespace {
 // English makes a subject of who is told: (t / tell-01 :ARG2 she) becomes tell :ARG1 she, and the passive follows.
 void told_apply(Rewriter& graph, int at) {
   const Concept& word = graph.word(at);
-  constexpr std::array kVerbs{"treat", "pronounce", "declare", "name", "appoint", "teach", "tell", "ask", "inform"};
+  constexpr std::array kVerbs{"treat",   "pronounce", "declare", "name", "appoint", "teach", "tell",
+                              "ask",     "inform",    "pay",     "give", "offer",   "feed",  "serve",
+                              "promise", "award",     "grant",   "deny", "refuse",  "charge"};
   const bool is_verb = is_event(graph, at) && is_one_of(graph, at, kVerbs) && !has_attribute(word, "@imp");
   const int second = is_verb ? graph.child(at, "ARG2") : -1;
   if (second < 0 || graph.argument(at, "ARG0") >= 0 || graph.argument(at, "ARG1") >= 0) return;
@@ -1160,6 +1724,11 @@ void step_voice(Meaning& meaning) {
   Rewriter graph(meaning, "voice");
   constexpr std::array kSomebody{"i",      "we",      "you",      "he",       "she",     "they",   "person", "one",
                                  "anyone", "someone", "everyone", "somebody", "anybody", "nobody", "man",    "woman"};
+  // Behind these stands what moved somebody, "surprised to see him"; behind others how: "ruined by gambling".
+  constexpr std::array kMoving{"surprise",   "astonish", "astound", "amaze",   "please",  "delight", "shock",
+                               "horrify",    "sadden",   "relieve", "thrill",  "honor",   "stun",    "alarm",
+                               "disappoint", "dismay",   "gratify", "overjoy", "startle", "touch",   "flatter",
+                               "embarrass",  "appall",   "upset",   "disturb", "pain",    "humble",  "bewilder"};
   for (int at = 0; at < graph.count(); ++at) told_apply(graph, at);
   for (int at = 0; at < graph.count(); ++at) {
     const int agent = graph.child(at, "ARG0");
@@ -1168,9 +1737,10 @@ void step_voice(Meaning& meaning) {
     if (!is_frame || agent < 0 || patient < 0 || has_attribute(graph.word(at), "@imp")) continue;
     const int what = graph.arc(agent).to;
     const int whom = graph.arc(patient).to;
-    const bool is_deed =
-        !graph.word(what).sense.empty() && !has_attribute(graph.word(what), "@agent") && !graph.children(what).empty();
+    const bool is_deed = !graph.word(what).sense.empty() && !has_attribute(graph.word(what), "@agent") &&
+                         !has_attribute(graph.word(what), "@nom") && !graph.children(what).empty();
     if (is_deed && is_one_of(graph, whom, kSomebody)) attribute_add(graph.word(at), "@psv");
+    if (is_one_of(graph, at, kMoving)) attribute_add(graph.word(at), "@moved");
   }
 }
 
@@ -1182,9 +1752,20 @@ namespace {
 bool nominal_apply(Rewriter& graph, int at) {
   constexpr std::array kDeterminers{"same", "this", "that", "such", "any", "some", "other", "every", "each", "another"};
   const int above = graph.parent(at);
-  const bool is_inside = above >= 0 && is_core(graph.arc(above)) && graph.arc(above).role != "ARG0";
+  const bool is_told = has_attribute(graph.word(at), "@nom");
+  constexpr std::array kReasons{"cause", "concession", "reason"};
+  const bool is_reason = above >= 0 && !graph.arc(above).inverse && is_listed(graph.arc(above).role, kReasons);
+  const bool is_inside =
+      above >= 0 && (is_told || is_reason || (is_core(graph.arc(above)) && graph.arc(above).role != "ARG0"));
   if (!is_inside || graph.word(at).sense.empty() || at == graph.meaning().root) return false;
+  // "Because of lower prices": a quality is that of a noun.
   bool is_noun = false;
+  for (const int led : graph.children(at)) {
+    const Arc& one = graph.arc(led);
+    const bool is_quality = one.inverse && one.role == "ARG1" && graph.child(one.to, "ARG0") < 0 &&
+                            !has_attribute(graph.word(one.to), "@neg") && graph.mentions(one.to) == 1;
+    is_noun |= is_reason && is_quality && (graph.child(at, "ARG0") < 0 || graph.is(one.to, "repeat", "01"));
+  }
   for (const int led : graph.children(at)) {
     const Arc& one = graph.arc(led);
     is_noun |= !one.inverse && one.role == "mod" && is_one_of(graph, one.to, kDeterminers);
@@ -1194,11 +1775,41 @@ bool nominal_apply(Rewriter& graph, int at) {
                                 "explain", "decide",  "comment",  "remark"};
   const bool is_statement =
       is_one_of(graph, at, kStating) && graph.child(at, "ARG0") >= 0 && graph.children(at).size() == 1;
-  is_noun = is_noun || is_statement || has_attribute(graph.word(at), "@nom");
+  is_noun = is_noun || is_statement || is_told;
   const int known = is_noun ? graph.child(at, "understood") : -1;
   if (known >= 0) graph.remove(known, Fate::attribute);
   if (is_noun) attribute_add(graph.word(at), "@nom");
   return is_noun;
+}
+
+// What has a modal verb, which no infinitive has.
+bool is_modal(const Concept& clause) {
+  constexpr std::array kModals{"@can", "@must", "@should", "@may", "@fut", "@would", "@likely", "@past", "@perf"};
+  return std::any_of(kModals.begin(), kModals.end(), [&](const char* one) { return has_attribute(clause, one); });
+}
+
+// Acts that are easy or hard, wise or wrong, for whoever does them.
+constexpr std::array kOfActs{"easy",   "difficult", "hard",     "dangerous",  "safe",
+                             "useful", "useless",   "pleasant", "impossible", "necessary",
+                             "wrong",  "cruel",     "stupid",   "wise",       "expensive"};
+
+// A deed that is told without modal verb and negation, and may become an infinitive.
+bool is_plain_deed(Rewriter& graph, int at) {
+  constexpr std::array kMore{"@can", "@must",    "@should", "@may", "@fut", "@would", "@likely", "@perf",  "@neg",
+                             "@nom", "@whether", "@asked",  "@int", "@ask", "@imp",   "@quote",  "@agent", "@result"};
+  return is_event(graph, at) && graph.child(at, "conjunct") < 0 &&
+         std::none_of(kMore.begin(), kMore.end(), [&](const char* one) { return has_attribute(graph.word(at), one); });
+}
+
+// "It is easy for her to climb the tree": `at` is easy and `act` climb, which somebody does.
+bool is_easy_for(Rewriter& graph, int at, int act) {
+  return is_one_of(graph, at, kOfActs) && is_plain_deed(graph, act) && graph.child(act, "ARG0") >= 0;
+}
+
+// Marks `clause` as an infinitive that `mark` tells of: it has no tense.
+void make_infinitive(Rewriter& graph, int clause, const char* mark) {
+  attribute_add(graph.word(clause), mark);
+  for (const char* tense : {"@past", "@pres"}) std::erase(graph.word(clause).attributes, tense);
 }
 
 // A clause that is the only thing spoken of stands behind: "it is good that the rain stopped", "it is easy to read this".
@@ -1212,25 +1823,44 @@ void extraposed_apply(Rewriter& graph, int at) {
     if (graph.child(at, agent) >= 0) return;
   }
   const int what = graph.arc(said).to;
-  if (!is_event(graph, what)) return;
+  // "It was hard", of what has been told: a mention stays the subject.
+  const bool is_told = is_event(graph, what) || graph.child(what, "domain") >= 0;
+  if (!is_told || graph.parent(what) != said || what == graph.meaning().root || has_attribute(graph.word(what), "@nom"))
+    return;
   // "It is known that the house was sold", "it is clear that he is wrong": what is known or true is a clause even if nobody
   // does it.
   constexpr std::array kFacts{"suspect", "believe",   "know",    "say",    "report",  "think",    "expect",
                               "find",    "allege",    "true",    "clear",  "obvious", "certain",  "apparent",
                               "evident", "strange",   "lucky",   "matter", "happen",  "turn-out", "funny",
-                              "odd",     "fortunate", "natural", "likely"};
-  const bool is_clause = graph.child(what, "ARG0") >= 0 || graph.child(what, "domain") >= 0 ||
-                         (is_one_of(graph, at, kFacts) && graph.child(what, "ARG1") >= 0 && graph.parent(what) == said);
-  // What nobody in particular does, with an object or a place.
-  constexpr std::array kOfActs{"easy",   "difficult", "hard",     "dangerous",  "safe",
-                               "useful", "useless",   "pleasant", "impossible", "necessary",
-                               "wrong",  "cruel",     "stupid",   "wise",       "expensive"};
-  const bool is_act =
-      !is_clause && is_one_of(graph, at, kOfActs) && graph.parent(what) == said && !graph.children(what).empty();
+                              "odd",     "fortunate", "natural", "likely", "mention"};
+  const bool is_clause =
+      graph.child(what, "ARG0") >= 0 || graph.child(what, "domain") >= 0 ||
+      ((is_one_of(graph, at, kFacts) || is_one_of(graph, at, kReporting)) && graph.child(what, "ARG1") >= 0);
+  // "It is necessary that we wait": somebody who waits is said.
+  const int sufferer = graph.child(what, "ARG1");
+  constexpr std::array kSomebody{"i", "we", "you", "he", "she", "they", "everyone", "everybody", "someone", "person"};
+  const bool is_person = sufferer >= 0 && is_one_of(graph, graph.arc(sufferer).to, kSomebody);
+  if (is_person && is_one_of(graph, at, kOfActs)) attribute_add(graph.word(at), "@xtra");
+  if (is_person && is_one_of(graph, at, kOfActs) && !has_attribute(graph.word(what), "@past"))
+    attribute_add(graph.word(what), "@pres");
+  const bool is_act = !is_clause && !is_person && is_one_of(graph, at, kOfActs) && !graph.children(what).empty();
   constexpr std::array kHappening{"matter", "happen", "occur", "turn-out"};
-  if (is_clause && is_one_of(graph, at, kHappening) && graph.parent(what) == said) attribute_add(graph.word(at), "@xv");
-  if (is_clause) attribute_add(graph.word(at), "@xtra");
-  if (is_act) attribute_add(graph.word(at), "@xinf");
+  if (is_clause && is_one_of(graph, at, kHappening)) attribute_add(graph.word(at), "@xv");
+  const bool is_for = is_clause && is_easy_for(graph, at, what);
+  if (is_for) make_infinitive(graph, what, "@xfor");
+  if (is_clause && !is_for) attribute_add(graph.word(at), "@xtra");
+  if (is_act || is_for) attribute_add(graph.word(at), "@xinf");
+}
+
+// "Waiting is better than rewarding them": acts that are compared.
+void gerund_apply(Rewriter& graph, int at) {
+  const int led = graph.child(at, "compared-to");
+  if (led < 0) return;
+  for (const int one : {led, subject_arc(graph, at)}) {
+    const int act = one < 0 ? -1 : graph.arc(one).to;
+    const bool is_act = act >= 0 && is_event(graph, act) && graph.child(act, "ARG0") < 0;
+    if (is_act) attribute_add(graph.word(act), "@ger");
+  }
 }
 
 // "She now knows that he sings": behind the verb, "now" would be said of what she knows.
@@ -1252,12 +1882,64 @@ void bare_time_apply(Rewriter& graph, int at) {
 
 // "She gave it to him": a pronoun stands before who receives it, who then has a preposition.
 void giving_apply(Rewriter& graph, int at) {
-  constexpr std::array kGiving{"give", "show",  "tell", "send", "bring", "lend",    "teach", "hand", "offer", "sell",
-                               "pay",  "throw", "pass", "feed", "owe",   "promise", "grant", "read", "write"};
-  const int what = is_one_of(graph, at, kGiving) ? graph.child(at, "ARG1") : -1;
-  if (what < 0 || graph.child(at, "ARG2") < 0) return;
+  const bool is_shared = has_attribute(graph.word(at), "@shr1");
+  const int what = gives(graph, at) ? graph.child(at, is_shared ? "shared" : "ARG1") : -1;
+  if (what < 0) return;
+  // "The boy that she gave it to".
+  if (graph.child(at, "ARG2") < 0) return attribute_add(graph.word(at), "@gives");
+  // "They sent him to prison": what is no person may be a place.
+  const int receiver = graph.arc(graph.child(at, "ARG2")).to;
+  const bool is_person = is_personal_pronoun(graph, receiver) || has_attribute(graph.word(receiver), "@person") ||
+                         graph.is(receiver, "person") || !graph.word(receiver).sense.empty();
+  constexpr std::array kSending{"send", "bring"};
+  if (is_shared || (is_one_of(graph, at, kSending) && !is_person)) attribute_add(graph.word(at), "@pro1");
   const int thing = graph.arc(what).to;
-  if (is_personal_pronoun(graph, thing) || graph.parent(thing) != what) attribute_add(graph.word(at), "@pro1");
+  const bool is_light = !is_clause(graph, thing) && !is_long_receiver(graph, thing);
+  const bool is_bare_pronoun = is_personal_pronoun(graph, thing) && !is_clause(graph, thing);
+  if (is_bare_pronoun || graph.parent(thing) != what || (is_light && is_long_receiver(graph, receiver)))
+    attribute_add(graph.word(at), "@pro1");
+}
+
+// "She saw him fall", "she heard the bird sing": what is seen or heard itself, in contrast to what one learns, which is a
+// clause with "that".
+void perceived_apply(Rewriter& graph, int at) {
+  constexpr std::array kSeeing{"see", "watch", "notice", "feel", "observe"};
+  constexpr std::array kMoves{
+      "come",  "go",      "walk",  "run",       "fall",  "fly",     "sit",      "stand",   "move",   "break",
+      "shine", "rise",    "jump",  "dance",     "climb", "enter",   "shimmer",  "open",    "close",  "smile",
+      "cry",   "play",    "shake", "swim",      "drive", "cross",   "wave",     "nod",     "turn",   "burn",
+      "glow",  "sleep",   "eat",   "drink",     "bloom", "blow",    "push",     "pull",    "throw",  "kick",
+      "pass",  "rush",    "roll",  "float",     "sink",  "crawl",   "approach", "tremble", "vanish", "laugh",
+      "sing",  "flicker", "drop",  "disappear", "stop",  "stumble", "shiver",   "swing"};
+  constexpr std::array kSounds{"sing",  "laugh", "cry",  "bark",   "shout", "scream",  "call",    "weep",     "whistle",
+                               "knock", "ring",  "roar", "speak",  "talk",  "play",    "whisper", "howl",     "growl",
+                               "sigh",  "creak", "tick", "rumble", "buzz",  "breathe", "snore",   "approach", "groan"};
+  const bool is_seeing = is_one_of(graph, at, kSeeing);
+  if (!is_event(graph, at) || (!is_seeing && !graph.is(at, "hear", "01"))) return;
+  const int led = graph.child(at, "ARG1");
+  const int what = led < 0 ? -1 : graph.arc(led).to;
+  if (what < 0 || !is_event(graph, what) || graph.parent(what) != led || graph.mentions(what) > 1) return;
+  if (!(is_seeing ? is_one_of(graph, what, kMoves) : is_one_of(graph, what, kSounds))) return;
+  constexpr std::array kClauses{"@neg",  "@can",     "@must",  "@should", "@may", "@fut",
+                                "@used", "@whether", "@asked", "@ask",    "@psv", "@nom"};
+  for (const char* mark : kClauses) {
+    if (has_attribute(graph.word(what), mark)) return;
+  }
+  if (graph.child(what, "conjunct") < 0) attribute_add(graph.word(what), "@perceived");
+}
+
+// "She put down the box that he had sent": a particle stands in front of an object that has more than a word beside it.
+void particle_apply(Rewriter& graph, int at) {
+  const int led = graph.child(at, "particle");
+  const int object = led < 0 ? -1 : graph.child(at, "ARG1");
+  if (object < 0 || graph.child(at, "ARG0") < 0) return;
+  const int thing = graph.arc(object).to;
+  const std::vector<int> below = graph.children(thing);
+  const bool is_long = below.size() > 1 || std::any_of(below.begin(), below.end(), [&](int one) {
+                         return graph.arc(one).inverse || graph.arc(one).role == "conjunct";
+                       });
+  if (is_long && !is_personal_pronoun(graph, thing) && graph.parent(thing) == object)
+    graph.arc(led).role = "particle-near";
 }
 
 }  // namespace
@@ -1273,6 +1955,8 @@ void step_forms(Meaning& meaning) {
     bare_time_apply(graph, at);
     content_apply(graph, at);
     giving_apply(graph, at);
+    particle_apply(graph, at);
+    perceived_apply(graph, at);
     Concept& word = graph.word(at);
     // English has one modal verb in a clause.
     if (has_attribute(word, "@must") || has_attribute(word, "@need")) std::erase(word.attributes, "@should");
@@ -1293,21 +1977,35 @@ void step_forms(Meaning& meaning) {
     if (is_anybody && !has_attribute(word, "@agent") && !has_attribute(word, "@ref")) word.name = "people";
     // What is most of its kind is known: the oldest tree.
     const int quality = has_attribute(word, "@most") ? graph.parent(at) : -1;
-    const bool is_below = quality >= 0 && graph.arc(quality).role == "mod" && !graph.arc(quality).inverse;
+    const bool is_below = quality >= 0 && graph.arc(quality).inverse == is_core_role(graph.arc(quality).role) &&
+                          (graph.arc(quality).inverse || graph.arc(quality).role == "mod") &&
+                          graph.word(graph.arc(quality).from).sense.empty();
     if (is_below && graph.child(graph.arc(quality).from, "poss") < 0)
       attribute_add(graph.word(graph.arc(quality).from), "@def");
     const bool has_subject = subject_arc(graph, at) >= 0 || graph.child(at, "understood") >= 0 ||
                              graph.child(at, "shared") >= 0 || graph.child(at, "speaker") >= 0;
-    if (has_subject && !has_attribute(word, "@result") && !nominal_apply(graph, at)) attribute_add(word, "@cl");
+    // "It rained in the south for days".
+    constexpr std::array kWeather{"rain", "snow", "hail", "drizzle", "thunder"};
+    const bool is_weather = at == meaning.root && is_event(graph, at) && is_one_of(graph, at, kWeather) &&
+                            !has_subject &&
+                            (graph.child(at, "duration") >= 0 || graph.child(at, "time") >= 0 ||
+                             graph.child(at, "temporal") >= 0 || has_attribute(word, "@activity"));
+    if (is_weather) attribute_add(word, "@cl");
+    if (has_subject && !has_attribute(word, "@result") && !has_attribute(word, "@agent") && !nominal_apply(graph, at))
+      attribute_add(word, "@cl");
+    if (has_attribute(word, "@whether") || has_attribute(word, "@asked")) attribute_add(word, "@query");
     const bool is_auxiliary =
         std::any_of(kAuxiliary.begin(), kAuxiliary.end(), [&](const char* one) { return has_attribute(word, one); });
     if (is_auxiliary && is_clause(graph, at)) attribute_add(word, "@aux");
     extraposed_apply(graph, at);
+    gerund_apply(graph, at);
     // "It is a pity that she left": what a predicate says of a whole clause.
     const int about = graph.child(at, "domain");
     const int told = about >= 0 && graph.parent(graph.arc(about).to) == about ? graph.arc(about).to : -1;
-    const bool is_told = told >= 0 && is_event(graph, told) && subject_arc(graph, told) >= 0;
+    const bool is_told =
+        told >= 0 && is_event(graph, told) && subject_arc(graph, told) >= 0 && !has_attribute(graph.word(told), "@nom");
     if (is_told && graph.child(at, "consequence") < 0) attribute_add(word, "@xdom");
+    if (is_told && is_easy_for(graph, at, told)) make_infinitive(graph, told, "@xfor");
     // What is only counted is new: "there are three birds in the tree".
     const bool is_being =
         graph.is(at, "be-located-at", "91") || graph.is(at, "have-place", "91") || graph.is(at, "exist", "91");
@@ -1324,8 +2022,9 @@ namespace {
 // (b / become-01 :ARG1 s :ARG2 (s2 / small :domain s)): behind such a verb an adjective has no subject of its own.
 // "She became small": both frames name her in the bank.
 void copular_apply(Rewriter& graph, int at) {
-  constexpr std::array kCopular{"become", "look",   "feel", "sound", "smell", "taste",
-                                "stay",   "remain", "grow", "turn",  "get"};
+  constexpr std::array kCopular{"become", "look", "feel",  "sound",   "smell", "taste",    "stay",    "remain", "grow",
+                                "turn",   "get",  "elect", "appoint", "name",  "nominate", "declare", "choose", "call",
+                                "crown",  "make", "elect", "promote", "hire",  "consider", "regard"};
   if (graph.word(at).sense.empty() || !is_one_of(graph, at, kCopular)) return;
   const std::vector<int> below = graph.children(at);
   for (const int led : below) {
@@ -1352,20 +2051,74 @@ void raise_apply(Rewriter& graph, int at) {
   // "The rain began to fall": the beginning of what somebody does is his.
   constexpr std::array kPhases{"begin", "start", "continue", "cease", "stop"};
   const bool is_phase = graph.word(at).sense == "01" && is_one_of(graph, at, kPhases);
-  const bool is_raising = is_phase || is_seeming(graph, at);
+  // "She was allowed to stay": whom somebody allows it, is said in front where nobody does.
+  constexpr std::array kBidding{"allow",     "permit",  "force",  "oblige", "forbid",
+                                "encourage", "require", "compel", "expect", "order"};
+  const bool is_bidden = is_one_of(graph, at, kBidding) && is_event(graph, at) &&
+                         !has_attribute(graph.word(at), "@imp") && graph.child(at, "ARG2") < 0 &&
+                         graph.argument(at, "ARG0") < 0;
+  const bool is_raising = is_phase || is_bidden || is_seeming(graph, at);
   const int led = is_raising && graph.child(at, "ARG0") < 0 ? graph.child(at, "ARG1") : -1;
   if (led < 0 || !is_clause(graph, graph.arc(led).to)) return;
   // What begins to be done has a doer, what begins to be a subject: "the rain began to fall".
   const int done = graph.arc(led).to;
   const int subject = is_phase ? graph.child(done, "ARG0") : subject_arc(graph, done);
   if (is_phase && (has_attribute(graph.word(done), "@agent") || has_attribute(graph.word(done), "@result"))) return;
-  if (subject < 0 || is_clause(graph, graph.arc(subject).to)) return;
+  if (subject < 0) return;
+  if (is_clause(graph, graph.arc(subject).to) && !has_attribute(graph.word(graph.arc(subject).to), "@agent")) return;
+  if (is_bidden) {
+    if (graph.arc(subject).role == "domain" || graph.parent(done) != led || has_attribute(graph.word(done), "@neg"))
+      return;
+    for (const char* own : {"understood", "shared", "domain"}) {
+      if (graph.child(at, own) >= 0) return;
+    }
+    graph.add(at, graph.arc(subject).to, "understood");
+    attribute_add(graph.word(at), "@psv");
+    attribute_add(graph.word(at), "@bid");
+    if (graph.arc(subject).role != "ARG0") attribute_add(graph.word(done), "@ctl1");
+    graph.arc(subject).role = "understood";
+    return;
+  }
   graph.add(at, graph.arc(subject).to, "ARG0", false);
   if (!is_phase && graph.arc(subject).role != "ARG0") attribute_add(graph.word(at), "@raised");
 }
 
+// "Everyone began to talk when the music stopped": when something begins stands behind what begins.
+void phase_apply(Rewriter& graph, int at) {
+  constexpr std::array kPhases{"begin", "start", "continue", "cease", "stop", "try", "manage"};
+  const int led = is_event(graph, at) && is_one_of(graph, at, kPhases) ? graph.child(at, "ARG1") : -1;
+  if (led < 0 || !is_event(graph, graph.arc(led).to) || graph.parent(graph.arc(led).to) != led) return;
+  const int done = graph.arc(led).to;
+  if (has_attribute(graph.word(done), "@agent") || graph.child(done, "ARG0") < 0) return;
+  for (const int below : graph.children(at)) {
+    const Arc& one = graph.arc(below);
+    constexpr std::array kCircumstances{"time", "temporal", "location", "place"};
+    const bool is_phrase = !graph.children(one.to).empty() && !is_clause(graph, one.to);
+    if (!one.inverse && is_listed(one.role, kCircumstances) && is_phrase) graph.arc(below).from = done;
+  }
+}
+
 // What says once more who does it goes.
 void subject_once_apply(Rewriter& graph, int at) {
+  // "The law requires the owner to pay", and not of the owner: what is required is his.
+  // (r / require-01 :ARG0 l :ARG1 (p / pay-01 :ARG0 o) :ARG2 o)
+  constexpr std::array kWanting{"require", "expect", "allow", "permit", "enable", "forbid", "want", "demand"};
+  const int wanted = is_one_of(graph, at, kWanting) && is_event(graph, at) ? graph.child(at, "ARG1") : -1;
+  const int whose = graph.child(at, "ARG2");
+  const int doer = wanted >= 0 && whose >= 0 ? subject_arc(graph, graph.arc(wanted).to) : -1;
+  if (doer >= 0 && graph.arc(doer).to == graph.arc(whose).to) graph.remove(whose, Fate::relation);
+  // "She sailed to the island", and not herself.
+  constexpr std::array kMovingOneself{"sail",  "move",  "turn",   "roll",    "fly",    "travel", "sit",
+                                      "stand", "lie",   "settle", "rise",    "swim",   "jump",   "ride",
+                                      "slip",  "hurry", "return", "retreat", "gather", "climb",  "drift",
+                                      "spin",  "march", "rush",   "wander",  "stop",   "crawl"};
+  const int mover = is_one_of(graph, at, kMovingOneself) ? graph.child(at, "ARG0") : -1;
+  const int moved = mover < 0 ? -1 : graph.child(at, "ARG1");
+  if (moved >= 0 && graph.arc(moved).to == graph.arc(mover).to) graph.remove(moved, Fate::relation);
+  // "It cost her five dollars": who pays stands nearer to the verb.
+  const int buyer = graph.is(at, "cost", "01") ? graph.child(at, "ARG3") : -1;
+  const int price = graph.child(at, "ARG2");
+  if (buyer >= 0 && price >= 0) std::swap(graph.arc(buyer).role, graph.arc(price).role);
   // "She heard that he sang", and not of him that he sang.
   constexpr std::array kLearning{"hear", "know", "learn", "read", "think", "believe", "expect", "find-out", "discover"};
   const int content = is_one_of(graph, at, kLearning) ? graph.child(at, "ARG1") : -1;
@@ -1373,6 +2126,17 @@ void subject_once_apply(Rewriter& graph, int at) {
   if (content >= 0 && topic >= 0) {
     const int subject = subject_arc(graph, graph.arc(content).to);
     if (subject >= 0 && graph.arc(subject).to == graph.arc(topic).to) graph.remove(topic, Fate::relation);
+  }
+  // "He worked efficiently": nor does it that he was efficient.
+  for (const int led : graph.children(at)) {
+    const int frame = graph.arc(led).to;
+    const std::string& held = graph.arc(led).role;
+    if (!graph.arc(led).inverse || (held != "ARG2" && held != "ARG3") || graph.mentions(frame) > 1) continue;
+    const int bearer = graph.child(frame, "ARG1");
+    const int agent = graph.argument(at, "ARG0");
+    const int subject = agent >= 0 ? agent : graph.argument(at, "shared");
+    if (bearer >= 0 && subject >= 0 && graph.arc(bearer).to == graph.other(subject, at))
+      graph.remove(bearer, Fate::relation);
   }
   // "She left silently": that she is silent says nothing more.
   const int said = graph.child(at, "domain");
@@ -1385,11 +2149,21 @@ void subject_once_apply(Rewriter& graph, int at) {
 // Named by the governing clause, or for a purpose by the one above: "she has no time to sing".
 // `first` has for each clause the arc that leads down to it; three steps up are enough for "she has no time to learn to
 // sing". `above` leads to the clause, `person` is its subject.
-bool is_named_above(Rewriter& graph, const std::vector<int>& first, int above, int person) {
-  const bool is_purpose = graph.arc(above).role == "purpose";
+bool is_named_above(Rewriter& graph, const std::vector<int>& first, int above, int person, bool is_agent) {
+  const std::string& held = graph.arc(above).role;
+  const bool is_purpose = held == "purpose" || held == "source" || held == "topic" || held == "medium";
   int led_here = above;
-  for (int steps = is_purpose ? 3 : 1; steps > 0 && led_here >= 0; --steps) {
+  // "Time to grow", but "a revolution to rip it out": what is done to him is no matter of whoever stands far above.
+  const int noun = graph.arc(above).from;
+  const bool is_far = is_purpose && (is_agent || !is_clause(graph, noun));
+  // "She has a plan to build it": the noun of an event does not say again whose it is.
+  const bool is_of_noun = has_attribute(graph.word(noun), "@nom") && graph.child(noun, "ARG0") < 0;
+  for (int steps = is_far ? 3 : is_of_noun ? 2 : 1; steps > 0 && led_here >= 0; --steps) {
     const int governor = graph.arc(led_here).from;
+    // "My plan is to leave".
+    const int plan = graph.is(governor, "identity", "91") ? graph.child(governor, "ARG1") : -1;
+    const int owner = plan < 0 ? -1 : graph.child(graph.arc(plan).to, "poss");
+    if (owner >= 0 && graph.arc(owner).to == person) return true;
     for (const int led : graph.children(governor)) {
       if (led != led_here && !graph.arc(led).inverse && graph.arc(led).to == person) return true;
     }
@@ -1401,43 +2175,361 @@ bool is_named_above(Rewriter& graph, const std::vector<int>& first, int above, i
   return false;
 }
 
+// "They informed her that she won": who is informed of `at` need not do it. `higher` governs it as ARG2, `subject` leads
+// to its own.
+bool is_content_of_second(Rewriter& graph, int higher, int at, int subject) {
+  constexpr std::array kInforming{"inform", "notify", "assure", "satisfy", "impress"};
+  constexpr std::array kConvincing{"persuade", "convince", "promise"};
+  const bool is_predicate = graph.arc(subject).role == "domain" || graph.is(at, "be-located-at", "91");
+  return is_one_of(graph, higher, kInforming) || (is_predicate && is_one_of(graph, higher, kConvincing));
+}
+
+// `at`, to which `above` leads, is a clause that English makes an infinitive or a participle of.
+bool may_be_infinite(Rewriter& graph, int above, int at) {
+  const std::string& role = graph.arc(above).role;
+  // "She knows whether she may stay" is no infinitive.
+  for (const char* mark : {"@whether", "@result", "@agent"}) {
+    if (has_attribute(graph.word(at), mark)) return false;
+  }
+  // Nor is "she asked what he was called".
+  constexpr std::array kAsking{"ask", "inquire", "question", "wonder"};
+  if (has_attribute(graph.word(at), "@asked") && is_one_of(graph, graph.arc(above).from, kAsking)) return false;
+  // "They said that they were tempted": what is said has a subject, whichever it is.
+  constexpr std::array kTelling{"say", "state", "explain", "report", "note", "mention", "announce", "think", "believe"};
+  if (role == "ARG1" && is_one_of(graph, graph.arc(above).from, kTelling)) return false;
+  // A clause in another role keeps its subject: "she left because she was tired".
+  constexpr std::array kGerunds{"source", "topic", "medium", "instrument", "manner"};
+  return role.starts_with("ARG") || role == "purpose" || is_listed(role, kGerunds) || role == "mod" ||
+         role == "attendant" || role == "substitute" || role == "exception" ||
+         (role == "consequence" && is_limit(graph.word(graph.arc(above).from)));
+}
+
+// The clause above wants the subject of `at` said again, "he told them that he was tired"; `subject` leads to him.
+bool is_said_again(Rewriter& graph, int above, int at, int subject) {
+  const std::string& role = graph.arc(above).role;
+  const int person = graph.arc(subject).to;
+  const int higher = graph.arc(above).from;
+  if (role == "ARG2" && is_content_of_second(graph, higher, at, subject)) return true;
+  // With these only a subject that is no agent is said again, and not if it is who listens: "he told them that he was
+  // tired", but "he told them to wait".
+  constexpr std::array kThatVerbs{"tell", "answer", "reply",  "declare",    "know",  "feel", "realize",
+                                  "see",  "hear",   "notice", "understand", "write", "admit"};
+  const int hearer = graph.child(higher, "ARG2");
+  const bool is_told = role == "ARG1" && graph.arc(subject).role == "ARG1" && is_one_of(graph, higher, kThatVerbs) &&
+                       (hearer < 0 || graph.arc(hearer).to != person);
+  if (is_told) return true;
+  // "She told him that she sang", "she suggested to him that he sing": only of some verbs who listens does what is said.
+  constexpr std::array kOfHearers{"tell", "warn", "remind", "assure", "inform", "notify"};
+  constexpr std::array kBidding{"tell",   "ask",    "beg",  "teach", "help",   "permit", "allow",  "forbid", "warn",
+                                "remind", "advise", "want", "mean",  "enable", "let",    "train",  "need",   "expect",
+                                "get",    "cause",  "show", "learn", "assist", "leave",  "assign", "require"};
+  const bool is_hearers = hearer >= 0 && graph.arc(hearer).to == person;
+  const int teller = graph.child(higher, "ARG0");
+  const bool is_tellers = teller >= 0 && graph.arc(teller).to == person;
+  const bool is_of_other = is_hearers ? !is_tellers && teller >= 0 && !is_one_of(graph, higher, kBidding)
+                                      : is_one_of(graph, higher, kOfHearers);
+  return role == "ARG1" && (is_of_other || (is_one_of(graph, higher, kOfHearers) && is_modal(graph.word(at))));
+}
+
+// A predicate without verb has no infinitive of its own, and keeps its subject but with some verbs.
+bool is_bare_predicate(Rewriter& graph, int above, int subject) {
+  if (graph.arc(subject).role != "domain") return false;
+  const std::string& role = graph.arc(above).role;
+  const int higher = graph.arc(above).from;
+  constexpr std::array kToBe{"want",    "decide", "try",      "attempt", "wish",    "need",    "prefer",  "learn",
+                             "pretend", "choose", "deserve",  "refuse",  "plan",    "intend",  "promise", "claim",
+                             "begin",   "start",  "continue", "enjoy",   "avoid",   "stop",    "risk",    "resist",
+                             "mind",    "hate",   "like",     "love",    "hope",    "succeed", "keep",    "apologize",
+                             "fear",    "regret", "dread",    "insist",  "confess", "deny",    "dream"};
+  // "They forced him to be quiet": whom they force is quiet.
+  const int forced = graph.child(higher, "ARG1");
+  const bool is_forced =
+      role == "ARG2" && forced >= 0 && graph.arc(forced).to == graph.arc(subject).to && is_event(graph, higher);
+  const bool is_to_be = is_forced || (role == "ARG1" && is_one_of(graph, higher, kToBe));
+  return !is_seeming(graph, higher) && role != "attendant" && !is_to_be;
+}
+
+// "She let herself fall": whom she lets fall is said, if it is herself as well.
+bool is_let(Rewriter& graph, int above, int person) {
+  const int higher = graph.arc(above).from;
+  constexpr std::array kLetting{"let", "allow", "permit", "make", "force", "cause", "enable"};
+  return graph.arc(above).role == "ARG1" && is_one_of(graph, higher, kLetting) && graph.child(higher, "ARG2") < 0 &&
+         graph.child(higher, "ARG0") >= 0 && graph.arc(graph.child(higher, "ARG0")).to == person;
+}
+
 // The subject of `at` becomes :understood if `at` is a clause that English makes an infinitive or a participle of, and if
 // the clause above names the same person. `first` has for each concept the arc by which the reader meets it first: a
 // subject that is met here first has not been named.
 void understand_subject(Rewriter& graph, const std::vector<int>& first, int at) {
-  const int above = first[static_cast<std::size_t>(at)];
-  if (above < 0 || graph.arc(above).inverse || !is_clause(graph, at)) return;
+  int above = first[static_cast<std::size_t>(at)];
+  // "She attended to the road and to keeping it dry": what is joined to a thing stands where the thing stands.
+  for (int steps = graph.count(); above >= 0 && graph.arc(above).role == "conjunct" && steps > 0; --steps) {
+    if (is_clause(graph, graph.arc(above).from)) return;
+    above = first[static_cast<std::size_t>(graph.arc(above).from)];
+  }
+  if (above < 0 || graph.arc(above).inverse || !is_clause(graph, at) || !may_be_infinite(graph, above, at)) return;
   const std::string& role = graph.arc(above).role;
-  // "She knows whether she may stay" is no infinitive.
-  if (has_attribute(graph.word(at), "@whether") || has_attribute(graph.word(at), "@result")) return;
-  // "They said that they were tempted": what is said has a subject, whichever it is.
-  constexpr std::array kTelling{"say", "state", "explain", "report", "note", "mention", "announce", "think", "believe"};
-  if (role == "ARG1" && is_one_of(graph, graph.arc(above).from, kTelling)) return;
-  // A clause in another role keeps its subject: "she left because she was tired".
-  const bool may_be_infinite = role.starts_with("ARG") || role == "purpose" || role == "manner" || role == "mod" ||
-                               role == "attendant" || role == "substitute" || role == "exception" ||
-                               (role == "consequence" && is_limit(graph.word(graph.arc(above).from)));
   const int subject = subject_arc(graph, at);
-  if (!may_be_infinite || subject < 0) return;
+  if (subject < 0 || has_attribute(graph.word(at), "@whose")) return;
+  // "She hid so that she would not be seen": "not to" would be heard as what she does.
+  if (role == "purpose" && has_attribute(graph.word(at), "@neg") && graph.arc(subject).role != "ARG0") return;
   const int person = graph.arc(subject).to;
   if (first[static_cast<std::size_t>(person)] == subject) return;
-  if (!is_named_above(graph, first, above, person)) return;
-  // With these only a subject that is no agent is said again, and not if it is who listens: "he told them that he was
-  // tired", but "he told them to wait".
-  constexpr std::array kThatVerbs{"tell", "answer", "reply",      "declare", "know", "feel", "realize", "see",
-                                  "hear", "notice", "understand", "write",   "hope", "fear", "admit"};
-  const int higher = graph.arc(above).from;
-  const int hearer = graph.child(higher, "ARG2");
-  const bool is_told = role == "ARG1" && graph.arc(subject).role == "ARG1" && is_one_of(graph, higher, kThatVerbs) &&
-                       (hearer < 0 || graph.arc(hearer).to != person);
-  if (is_told) return;
-  // A predicate without verb has no infinitive of its own.
-  if (graph.arc(subject).role == "domain" && !is_seeming(graph, higher) && role != "attendant") return;
+  if (!is_named_above(graph, first, above, person, graph.arc(subject).role == "ARG0")) return;
+  if (is_let(graph, above, person)) {
+    const int self = mention_of(graph, person);
+    attribute_add(graph.word(self), "@self");
+    graph.arc(subject).to = self;
+    return;
+  }
+  if (is_said_again(graph, above, at, subject) || is_bare_predicate(graph, above, subject)) return;
   if (graph.arc(subject).role != "ARG0") attribute_add(graph.word(at), "@ctl1");
   graph.arc(subject).role = "understood";
   if (role == "consequence" && has_attribute(graph.word(graph.arc(above).from), "@too")) {
     for (const char* mark : {"@can", "@neg"}) std::erase(graph.word(at).attributes, mark);
   }
+}
+
+// "He opened the gate so that the goats will see it": an aim with a subject of its own has not come true yet.
+void aim_apply(Rewriter& graph, int at) {
+  const int led = graph.child(at, "purpose");
+  const int aim = led < 0 ? -1 : graph.arc(led).to;
+  const bool is_own = aim >= 0 && !graph.word(at).sense.empty() && is_event(graph, aim) && !is_modal(graph.word(aim)) &&
+                      !has_attribute(graph.word(aim), "@nom") && graph.child(aim, "understood") < 0 &&
+                      subject_arc(graph, aim) >= 0;
+  if (is_own) attribute_add(graph.word(aim), "@fut");
+}
+
+// (r / cold-01 :consequence (s / swim-01 :ARG0 (c / child))) with @too: "so cold that the child cannot swim". Only what is
+// about the same subject is "too tired to swim".
+void too_much_apply(Rewriter& graph, int at) {
+  const int led = has_attribute(graph.word(at), "@too") ? graph.child(at, "consequence") : -1;
+  const int clause = led < 0 ? -1 : graph.arc(led).to;
+  if (clause < 0 || !is_clause(graph, clause) || has_attribute(graph.word(clause), "@nom")) return;
+  if (graph.child(clause, "understood") >= 0 || subject_arc(graph, clause) < 0) return;
+  std::erase(graph.word(at).attributes, "@too");
+  attribute_add(graph.word(at), "@so");
+  if (std::erase(graph.word(clause).attributes, "@neg") > 0) return;
+  attribute_add(graph.word(clause), "@neg");
+  attribute_add(graph.word(clause), "@can");
+}
+
+// "She came running", "he sat reading": how somebody moves or stays is no means of it. "Came by train" has no event.
+void along_apply(Rewriter& graph, int at) {
+  constexpr std::array kMoving{"come",  "go",    "rush", "run",     "walk", "arrive", "return", "wander",
+                               "stand", "sit",   "lie",  "wait",    "stay", "kneel",  "hang",   "remain",
+                               "flee",  "march", "fly",  "set-out", "live", "pass",   "roam",   "crouch",
+                               "lean",  "hurry", "ride", "stroll",  "pace", "crawl"};
+  constexpr std::array kSounding{"laugh",  "smile",   "cry",   "weep",   "sob",   "shout",   "scream",  "sing",
+                                 "roar",   "sigh",    "grin",  "giggle", "moan",  "groan",   "pant",    "yell",
+                                 "howl",   "limp",    "run",   "gallop", "blush", "stammer", "stumble", "tremble",
+                                 "shiver", "whistle", "growl", "bark",   "think"};
+  // "They spent the night dancing".
+  constexpr std::array kSpending{"spend", "busy", "waste"};
+  const int occupied = is_one_of(graph, at, kSpending) ? graph.child(at, "ARG2") : -1;
+  const int pastime = occupied < 0 ? -1 : graph.arc(occupied).to;
+  if (pastime >= 0 && graph.child(pastime, "understood") >= 0) attribute_add(graph.word(pastime), "@along");
+  // "She left without being seen".
+  constexpr std::array kPerceived{"see",  "notice", "hear",   "catch",  "observe", "recognize", "detect", "discover",
+                                  "ask",  "invite", "tell",   "harm",   "hurt",    "disturb",   "wound",  "stop",
+                                  "find", "touch",  "punish", "arrest", "kill",    "pay",       "bother", "spot"};
+  if (graph.word(at).sense.empty()) return;
+  for (const int led : graph.children(at)) {
+    const int how = graph.arc(led).to;
+    if (graph.arc(led).inverse || graph.arc(led).role != "manner" || graph.child(how, "understood") < 0) continue;
+    const bool is_denied = has_attribute(graph.word(how), "@neg");
+    const bool is_passive = has_attribute(graph.word(how), "@ctl1");
+    if (is_denied && is_passive && is_one_of(graph, how, kPerceived)) attribute_add(graph.word(how), "@unseen");
+    // "She helped him to grow by feeding him": behind what she helps him to do.
+    for (const int other : graph.children(at)) {
+      const bool is_infinitive = !graph.arc(other).inverse && graph.arc(other).role.starts_with("ARG") &&
+                                 graph.child(graph.arc(other).to, "understood") >= 0;
+      if (is_infinitive && !is_passive) attribute_add(graph.word(how), "@outer");
+    }
+    if (is_denied || is_passive) continue;
+    if (is_one_of(graph, at, kMoving) || is_one_of(graph, how, kSounding)) attribute_add(graph.word(how), "@along");
+  }
+}
+
+// "I would like to sing": a wish that is spoken of as one.
+void polite_apply(Rewriter& graph, int at) {
+  if (!graph.is(at, "like", "02") || !is_plain_deed(graph, at) || graph.child(at, "ARG0") < 0) return;
+  const bool is_timed = has_attribute(graph.word(at), "@past") || has_attribute(graph.word(at), "@pres");
+  const int wish = graph.child(at, "ARG1");
+  const bool is_to_do = wish >= 0 && graph.child(graph.arc(wish).to, "understood") >= 0;
+  if (!is_timed && is_to_do) attribute_add(graph.word(at), "@would");
+}
+
+// "They had the wall painted", "he made himself heard": who does it is not said, and it is done when they are ready.
+void done_apply(Rewriter& graph, int at) {
+  const bool is_having = graph.is(at, "have", "04") || graph.is(at, "get", "04") || graph.is(at, "make", "02");
+  const int led = is_having ? graph.child(at, "ARG1") : -1;
+  const bool has_doer = graph.child(at, "ARG0") >= 0 || graph.child(at, "understood") >= 0;
+  const int deed = led < 0 || !has_doer ? -1 : graph.arc(led).to;
+  if (deed < 0 || !is_plain_deed(graph, deed)) return;
+  if (graph.child(deed, "ARG0") < 0 && graph.child(deed, "ARG1") >= 0) make_infinitive(graph, deed, "@gotten");
+}
+
+// "She has nothing to say", "they looked for something to eat", "the only way to cross the river".
+void to_do_apply(Rewriter& graph, int at) {
+  constexpr std::array kUsing{"have", "find", "need", "want", "seek", "look-for", "bring", "get", "lack"};
+  constexpr std::array kThings{"nothing", "something", "anything", "much", "lot"};
+  const bool is_using = !graph.word(at).sense.empty() && is_one_of(graph, at, kUsing);
+  const int led = is_using ? graph.child(at, "ARG1") : -1;
+  const int user = led < 0 ? -1 : graph.child(at, "ARG0");
+  const int thing = user >= 0 && is_one_of(graph, graph.arc(led).to, kThings) ? graph.arc(led).to : -1;
+  const int done = thing < 0 ? -1 : graph.child(thing, "ARG1", true);
+  const int doer = done < 0 ? -1 : graph.child(graph.arc(done).to, "ARG0");
+  const bool is_his = doer >= 0 && graph.arc(doer).to == graph.arc(user).to;
+  if (is_his && is_plain_deed(graph, graph.arc(done).to)) {
+    graph.arc(doer).role = "understood";
+    make_infinitive(graph, graph.arc(done).to, "@toinf");
+  }
+  const bool is_place = user >= 0 && graph.is(graph.arc(led).to, "place");
+  const int place = is_place ? graph.child(graph.arc(led).to, "location", true) : -1;
+  const int sleeper = place < 0 ? -1 : graph.child(graph.arc(place).to, "ARG0");
+  const bool is_there = sleeper >= 0 && graph.arc(sleeper).to == graph.arc(user).to;
+  if (is_there && is_plain_deed(graph, graph.arc(place).to)) {
+    graph.arc(sleeper).role = "understood";
+    make_infinitive(graph, graph.arc(place).to, "@toinf");
+  }
+  const int way = graph.is(at, "way") ? graph.child(at, "manner", true) : -1;
+  const int deed = way < 0 ? -1 : graph.arc(way).to;
+  if (deed < 0 || !is_plain_deed(graph, deed) || graph.child(deed, "ARG1") < 0) return;
+  for (const char* role : {"ARG0", "shared", "understood"}) {
+    if (graph.child(deed, role) >= 0) return;
+  }
+  make_infinitive(graph, deed, "@toinf");
+}
+
+// "The soldiers ignored the order to leave": whom it was given to is who leaves, and has been named.
+void order_apply(Rewriter& graph, const std::vector<int>& first, int at) {
+  const int whom = has_attribute(graph.word(at), "@nom") ? graph.child(at, "ARG1") : -1;
+  const int content = whom < 0 ? -1 : graph.child(at, "ARG2");
+  const int known = content < 0 ? -1 : graph.child(graph.arc(content).to, "understood");
+  if (known < 0 || graph.arc(known).to != graph.arc(whom).to) return;
+  if (first[static_cast<std::size_t>(graph.arc(whom).to)] != whom) graph.remove(whom, Fate::relation);
+}
+
+// "She taught them how to write", "he did not know what to say": who shall do it has been named.
+// (k / know-01 :polarity - :ARG0 h :ARG1 (t / thing :ARG1-of (s / say-01 :ARG0 h)))
+void how_to_apply(Rewriter& graph, int at) {
+  constexpr std::array kOfSelf{"learn", "forget", "discover", "decide", "wonder", "consider", "figure-out", "find-out"};
+  constexpr std::array kOfOther{"teach", "show", "tell", "advise", "instruct", "explain", "ask"};
+  const bool is_not_known = graph.is(at, "know", "01") && has_attribute(graph.word(at), "@neg");
+  const bool is_own = is_one_of(graph, at, kOfSelf) || is_not_known;
+  const int led = is_own || is_one_of(graph, at, kOfOther) ? graph.child(at, "ARG1") : -1;
+  const int thing = led >= 0 && graph.is(graph.arc(led).to, "thing") ? graph.arc(led).to : -1;
+  if (thing < 0 || graph.children(thing).size() != 1) return;
+  const Arc& held = graph.arc(graph.children(thing)[0]);
+  const int deed = held.to;
+  if (!held.inverse || (held.role != "ARG1" && held.role != "manner") || !is_plain_deed(graph, deed)) return;
+  // "She told him what he ate" is no advice.
+  if (!is_own && held.role == "ARG1" && !graph.is(at, "teach") && !graph.is(at, "advise")) return;
+  const int doer = graph.child(deed, "ARG0");
+  const int who = graph.child(at, is_own ? "ARG0" : "ARG2");
+  const int known = is_own && who < 0 ? graph.child(at, "understood") : who;
+  if (doer < 0 || known < 0 || graph.arc(doer).to != graph.arc(known).to) return;
+  graph.arc(doer).role = "understood";
+  make_infinitive(graph, deed, "@toinf");
+}
+
+// (w / want-01 :ARG0 g :ARG1 (s / sing-01 :understood g)) with @can: "she wants to be able to sing".
+void able_apply(Rewriter& graph, int at) {
+  constexpr std::array kWanting{"want", "need", "wish", "like", "love", "seem", "claim", "pretend", "hate", "prefer"};
+  const int known = has_attribute(graph.word(at), "@can") ? graph.child(at, "understood") : -1;
+  const int led = known < 0 ? -1 : graph.parent(at);
+  if (led < 0 || graph.arc(led).inverse || graph.arc(led).role != "ARG1") return;
+  if (!is_one_of(graph, graph.arc(led).from, kWanting) || graph.word(graph.arc(led).from).sense.empty()) return;
+  const int able = graph.add_concept("able");
+  graph.word(able).sense = "01";
+  attribute_add(graph.word(able), "@v");
+  attribute_add(graph.word(able), "@ctl1");
+  if (std::erase(graph.word(at).attributes, "@neg") > 0) attribute_add(graph.word(able), "@neg");
+  std::erase(graph.word(at).attributes, "@can");
+  graph.arc(led).to = able;
+  graph.add(able, graph.arc(known).to, "understood");
+  graph.add(able, at, "ARG2");
+}
+
+// What the verb above has named is not said again with the noun of an event: "he was exposed to abuse".
+void said_above(Rewriter& graph, int at, int governor) {
+  for (const int led : graph.children(at)) {
+    const Arc& one = graph.arc(led);
+    const bool is_argument = !one.inverse && (one.role == "ARG0" || one.role == "ARG1" || one.role == "understood");
+    const std::vector<int> said = graph.children(governor);
+    const bool is_said = std::any_of(said.begin(), said.end(), [&](int other) {
+      return graph.arc(other).to == one.to && !graph.arc(other).inverse;
+    });
+    if (is_argument && (is_said || one.role == "understood")) graph.remove(led, Fate::attribute);
+  }
+}
+
+// An event that stands where English has a noun and no clause.
+void noun_of_event(Rewriter& graph, int at) {
+  const int above = graph.parent(at);
+  if (above < 0 || !is_core(graph.arc(above)) || !is_event(graph, at) || graph.arc(above).role == "ARG0") return;
+  const int governor = graph.arc(above).from;
+  const std::string& role = graph.arc(above).role;
+  if (graph.word(governor).sense.empty()) return;
+  // "To" as a preposition: exposed to ridicule.
+  constexpr std::array kToThings{"subject", "expose",   "devote", "dedicate", "limit",    "attribute", "reduce",
+                                 "confine", "restrict", "resort", "react",    "accustom", "addict",    "attach"};
+  if (role == "ARG2" && is_one_of(graph, governor, kToThings)) {
+    attribute_add(graph.word(at), "@nom");
+    int part = at;
+    for (int steps = graph.count(); steps > 0; --steps) {
+      said_above(graph, part, governor);
+      const int next = graph.child(part, "conjunct");
+      if (next < 0) break;
+      part = graph.arc(next).to;
+    }
+    return;
+  }
+  // "Hunger motivated the attack": nobody was moved to do it.
+  const bool has_agent = subject_arc(graph, at) >= 0 || graph.child(at, "understood") >= 0;
+  const bool is_moved = graph.argument(governor, "ARG1") >= 0 || graph.child(governor, "understood") >= 0 ||
+                        graph.child(governor, "shared") >= 0;
+  if (role == "ARG2" && !has_agent && !is_moved && graph.child(at, "ARG1") < 0) attribute_add(graph.word(at), "@nom");
+  // "They have hope that he lives": nobody in particular hopes.
+  constexpr std::array kContents{"hope",  "believe",   "claim",  "evidence", "prove",  "fear",   "suspect",  "doubt",
+                                 "agree", "guarantee", "report", "assume",   "expect", "allege", "suggest",  "threaten",
+                                 "warn",  "promise",   "wish",   "conclude", "argue",  "assure", "indicate", "realize"};
+  constexpr std::array kTelling{"say", "think", "know", "believe", "tell", "mean", "feel", "report", "note", "add"};
+  const int content = graph.child(at, "ARG1");
+  const bool is_held = content >= 0 && is_one_of(graph, at, kContents) && !is_one_of(graph, governor, kTelling);
+  if (!is_held || graph.child(at, "ARG0") >= 0 || graph.child(at, "understood") >= 0) return;
+  if (is_clause(graph, graph.arc(content).to) && !has_attribute(graph.word(at), "@neg"))
+    attribute_add(graph.word(at), "@nom");
+}
+
+// "The decision to close the mine", "it was decided to close it": nobody in particular decides, and nobody else does it.
+void nobody_decides(Rewriter& graph, int at) {
+  constexpr std::array kDeciding{"decide", "plan", "refuse", "attempt", "try", "intend", "vow", "propose", "agree"};
+  const int led = is_event(graph, at) && is_one_of(graph, at, kDeciding) ? graph.child(at, "ARG1") : -1;
+  const int deed = led < 0 ? -1 : graph.arc(led).to;
+  if (deed < 0 || !is_event(graph, deed) || graph.mentions(deed) > 1) return;
+  for (const char* role : {"ARG0", "understood", "shared", "domain", "questioned", "conjunct"}) {
+    if (graph.argument(at, role) >= 0 || graph.argument(deed, role) >= 0) return;
+  }
+  for (const char* mark : {"@whether", "@asked", "@result", "@agent", "@can", "@must", "@should"}) {
+    if (has_attribute(graph.word(deed), mark) || has_attribute(graph.word(at), mark)) return;
+  }
+  if (graph.child(deed, "ARG1") >= 0) graph.add(deed, graph.add_concept("one"), "understood");
+}
+
+// "Pronounced dead": who dies is whom it is said of.
+void dead_apply(Rewriter& graph, int at) {
+  constexpr std::array kDeclaring{"pronounce", "declare", "certify", "presume"};
+  const int led = is_one_of(graph, at, kDeclaring) ? graph.child(at, "ARG2") : -1;
+  const int death = led >= 0 && graph.is(graph.arc(led).to, "die", "01") ? graph.arc(led).to : -1;
+  const int who = death < 0 ? -1 : graph.child(death, "ARG1");
+  const int said = graph.child(at, "ARG1");
+  if (who < 0 || said < 0 || graph.arc(who).to != graph.arc(said).to || graph.children(death).size() != 1) return;
+  graph.remove(who, Fate::attribute);
+  graph.word(death).name = "dead";
+  graph.word(death).sense.clear();
+  graph.word(death).attributes.assign(1, "@res");
 }
 
 }  // namespace
@@ -1447,11 +2539,19 @@ void step_control(Meaning& meaning) {
   Rewriter graph(meaning, "control");
   for (int at = 0, end = graph.count(); at < end; ++at) {
     copular_apply(graph, at);
+    phase_apply(graph, at);
     raise_apply(graph, at);
   }
   for (int at = 0; at < graph.count(); ++at) subject_once_apply(graph, at);
   const std::vector<int> first = first_arcs(graph);
-  for (int at = 0; at < graph.count(); ++at) understand_subject(graph, first, at);
+  for (int at = 0; at < graph.count(); ++at) dead_apply(graph, at);
+  for (int at = 0, end = graph.count(); at < end; ++at) understand_subject(graph, first, at);
+  for (int at = 0; at < graph.count(); ++at) noun_of_event(graph, at), too_much_apply(graph, at), aim_apply(graph, at);
+  for (int at = 0; at < graph.count(); ++at)
+    polite_apply(graph, at), along_apply(graph, at), done_apply(graph, at), order_apply(graph, first, at),
+        how_to_apply(graph, at), to_do_apply(graph, at);
+  for (int at = 0, end = graph.count(); at < end; ++at) able_apply(graph, at);
+  for (int at = 0, end = graph.count(); at < end; ++at) nobody_decides(graph, at);
 }
 
 // A concept is one word. Where the graph leads to it a second time, a word of its own with @ref stands for it, and rules
@@ -1484,44 +2584,6 @@ void step_mentions(Meaning& meaning) {
           agent >= 0 && agent != led && meant[static_cast<std::size_t>(agent)] == to && is_core(graph.arc(led));
       graph.arc(led).to = mention_of(graph, to);
       if (is_own) attribute_add(graph.word(graph.arc(led).to), "@self");
-    }
-  }
-}
-
-// Clauses of circumstance differ in nothing but their conjunction, and so do relative clauses of a time, a purpose and a
-// source: one role for all, so that rules say their forms once.
-void step_conjunctions(Meaning& meaning) {
-  struct Circumstance {
-    const char* role;
-    bool inverse;
-    const char* conjunction;
-  };
-  constexpr Circumstance kCircumstances[] = {
-      {"concession", false, "@s_although"},
-      {"concession", true, "@s_although"},
-      {"cause", false, "@s_because"},
-      {"reason", false, "@s_because"},
-      {"cause", true, "@s_so"},
-      {"reason", true, "@s_so"},
-      {"condition", true, "@s_so"},
-      {"concessive-conditional", false, "@s_evenif"},
-      {"conj-as-if", false, "@s_asif"},
-      {"time", true, "@s_when"},
-      {"temporal", true, "@s_when"},
-      {"purpose", true, "@s_that"},
-      {"source", true, "@s_where"},
-  };
-  Rewriter graph(meaning, "conjunctions");
-  for (Arc& one : meaning.arcs) {
-    if (one.gone || !has_attribute(graph.word(one.to), "@cl")) continue;
-    for (const Circumstance& circumstance : kCircumstances) {
-      if (one.role != circumstance.role || one.inverse != circumstance.inverse) continue;
-      attribute_add(graph.word(one.to), circumstance.conjunction);
-      const bool is_relative =
-          one.role == "time" || one.role == "temporal" || one.role == "purpose" || one.role == "source";
-      one.role = is_relative ? "adverbial-relative" : "adverbial-clause";
-      one.inverse = false;
-      break;
     }
   }
 }

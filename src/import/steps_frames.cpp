@@ -32,6 +32,7 @@ constexpr Reified kReified[] = {
     {"mean", "91", "ARG1", "ARG2", "apposition"},
     {"have-condition", "91", "ARG1", "ARG2", "condition"},
     {"have-concession", "91", "ARG1", "ARG2", "concession"},
+    {"regardless", "91", "ARG1", "ARG2", "concession"},
     {"have-concessive-condition", "91", "ARG1", "ARG2", "concessive-conditional"},
     {"have-purpose", "91", "ARG1", "ARG2", "purpose"},
     {"have-goal", "91", "ARG1", "ARG2", "purpose"},
@@ -81,7 +82,7 @@ bool is_statement(const Reified& one) {
   return role == "mod" || role == "age" || role == "color" || role == "size" || role == "destination" ||
          role == "part" || role == "superset" || role == "exception" || role == "apposition" || role == "example" ||
          role == "source" || role == "time" || role == "topic" || role == "accompanier" || role == "ord" ||
-         role == "purpose" || role == "substitute" || role == "likeness";
+         role == "purpose" || role == "substitute" || role == "likeness" || role == "consist-of";
 }
 
 // Null for a frame that stands for no role.
@@ -119,6 +120,60 @@ void lone_apply(Rewriter& graph, int at, const Reified& one, int up, int down) {
   graph.redirect(at, kept);
 }
 
+// The frame is the statement itself: true where a verb says it, or its predicate has taken its place.
+bool stated_apply(Rewriter& graph, int at, const Reified& one, int up, int down) {
+  const int head = graph.other(up, at);
+  const int dependent = graph.other(down, at);
+  // "Like her brother, she sings": what a clause is like is said beside it.
+  const int first = graph.is(head, "and") ? graph.child(head, "op1") : -1;
+  const bool is_of_clause =
+      std::string_view(one.role) == "likeness" && !graph.word(first >= 0 ? graph.arc(first).to : head).sense.empty();
+  // "The war lasted ten years": what is no clause has no duration beside it.
+  const bool is_bare = graph.child(head, "ARG0") < 0 && graph.child(head, "ARG1") < 0 &&
+                       graph.child(head, "domain") < 0 && graph.word(head).name != "and";
+  if (is_bare && graph.is(at, "have-duration", "91")) {
+    graph.word(at).name = "last";
+    graph.word(at).sense = "01";
+    return true;
+  }
+  if (is_statement(one) && !is_of_clause) {
+    // What it means, and how old it is, other words say.
+    const bool is_verb = graph.is(at, "mean", "91") || graph.is(at, "have-age", "91");
+    if (is_verb)
+      graph.word(at).name = one.role == std::string_view("age") ? "age" : "mean", graph.word(at).sense = "01";
+    return true;
+  }
+  if (is_of_clause) attribute_add(graph.word(head), "@front");
+  // "The wind caused the noise": a thing is no clause that another could give the reason of.
+  const Concept& caused = graph.word(first >= 0 ? graph.arc(first).to : head);
+  const bool is_thing = caused.sense.empty() && !caused.variable.empty() && graph.child(head, "domain") < 0 &&
+                        caused.name != "amr-unknown" && caused.name != "umr-unknown" &&
+                        !caused.name.ends_with("choice");
+  // "The failure of the engine caused the crash": of which nothing is said is no clause either.
+  const bool is_bare_event = !caused.sense.empty() && graph.children(head).empty() && has_attribute(caused, "@v") &&
+                             caused.attributes.size() == 1 && !caused.name.starts_with("have-");
+  if (graph.is(at, "cause", "01") && (is_thing || is_bare_event)) return true;
+  if (std::string_view(one.role) == "identity") {
+    // "The trouble is that he lies" needs the verb.
+    const bool is_told = !graph.word(dependent).sense.empty() && graph.word(head).sense.empty();
+    if (is_told && (graph.child(dependent, "ARG0") >= 0 || graph.child(dependent, "ARG1") >= 0)) {
+      if (graph.child(head, "poss") < 0) attribute_add(graph.word(head), "@def");
+      return true;
+    }
+    // "Kim is the mayor".
+    for (const std::string& attribute : graph.word(at).attributes) {
+      if (attribute != "@v") attribute_add(graph.word(dependent), attribute);
+    }
+    graph.settle_concept(at, Fate::relation);
+    graph.replace(up, dependent, head, "domain");
+    graph.remove(down, Fate::relation);
+    graph.redirect(at, dependent);
+    graph.move_children(at, dependent);
+    return true;
+  }
+  return false;
+}
+
 // The frame goes; its head and its dependent are tied together, written at the one that stood above the frame. Four
 // cases: one end is missing; the frame is the statement itself and a verb says it; the dependent stood above, so that the
 // role becomes an inverse one; else the head stays or takes the place of the frame.
@@ -127,42 +182,29 @@ void reified_apply(Rewriter& graph, int at, const Reified& one) {
   const int down = graph.argument(at, one.dependent);
   if (down < 0 && up < 0) return;
   if (up < 0 || down < 0) return lone_apply(graph, at, one, up, down);
+  // "I am with you": of two who are together, who speaks comes first.
+  const bool is_together = one.role == std::string_view("accompanier") && graph.is(graph.other(down, at), "i");
+  if (is_together && graph.parent(at) < 0) std::swap(graph.arc(up).to, graph.arc(down).to);
   const int head = graph.other(up, at);
   const int dependent = graph.other(down, at);
   if (head == dependent) return;
   const bool head_above = graph.arc(up).to == at;
   const bool dependent_above = graph.arc(down).to == at;
-  // "Like her brother, she sings": what a clause is like is said beside it.
-  const int first = graph.is(head, "and") ? graph.child(head, "op1") : -1;
-  const bool is_of_clause =
-      std::string_view(one.role) == "likeness" && !graph.word(first >= 0 ? graph.arc(first).to : head).sense.empty();
-  if (!head_above && !dependent_above && is_statement(one) && !is_of_clause) {
-    // What it means, and how old it is, other words say.
-    const bool is_verb = graph.is(at, "mean", "91") || graph.is(at, "have-age", "91");
-    if (is_verb)
-      graph.word(at).name = one.role == std::string_view("age") ? "age" : "mean", graph.word(at).sense = "01";
-    return;
-  }
-  if (!head_above && !dependent_above && is_of_clause) attribute_add(graph.word(head), "@front");
-  // "The wind caused the noise": a thing is no clause that another could give the reason of.
-  const Concept& caused = graph.word(first >= 0 ? graph.arc(first).to : head);
-  const bool is_thing = caused.sense.empty() && !caused.variable.empty() && graph.child(head, "domain") < 0 &&
-                        caused.name != "amr-unknown" && caused.name != "umr-unknown" &&
-                        !caused.name.ends_with("choice");
-  if (graph.is(at, "cause", "01") && !head_above && !dependent_above && is_thing) return;
-  if (!head_above && !dependent_above && std::string_view(one.role) == "identity") {
-    // "Kim is the mayor".
-    graph.settle_concept(at, Fate::relation);
-    graph.replace(up, dependent, head, "domain");
-    graph.remove(down, Fate::relation);
-    graph.redirect(at, dependent);
-    return graph.move_children(at, dependent);
-  }
+  if (!head_above && !dependent_above && stated_apply(graph, at, one, up, down)) return;
   graph.settle_concept(at, Fate::relation);
   for (const std::string& attribute : graph.word(at).attributes) {
-    // What is denied is the reason, not what it is a reason for: "not because it rained".
-    if (attribute != "@v") attribute_add(graph.word(attribute == "@neg" ? dependent : head), attribute);
+    // What is denied is the reason, not what it is a reason for: "not because it rained", "a letter not from her".
+    const Concept& tied = graph.word(dependent);
+    constexpr std::array kPlain{"source", "purpose", "destination", "topic", "time", "medium", "material"};
+    const bool is_noun = is_listed(one.role, kPlain) && tied.sense.empty() && graph.child(dependent, "domain") < 0;
+    const bool is_denied = attribute == "@neg";
+    if (attribute != "@v")
+      attribute_add(graph.word(is_denied ? dependent : head), is_denied && is_noun ? "@notp" : attribute);
   }
+  // "Mainly because it rained".
+  constexpr std::array kFocus{"only", "just", "even", "also", "simple", "precise"};
+  const int share = std::string_view(one.role) == "cause" ? graph.child(at, "mod") : -1;
+  if (share >= 0 && !is_one_of(graph, graph.arc(share).to, kFocus)) graph.arc(share).role = "manner";
   const bool is_why = is_unknown(graph, dependent);
   if (dependent_above && !head_above && is_why && dependent == graph.meaning().root) {
     // What causes it is what is asked for: "why are we surprised?"
@@ -201,6 +243,69 @@ void cause_noun_apply(Rewriter& graph, int at) {
   graph.replace(led, thing, graph.arc(led).to, "org");
 }
 
+// (k / know-01 :ARG1 (t / thing :ARG0-of (c / cause-01 :ARG1 (l / leave-11 :ARG0 s)))): to know why she left; below other
+// verbs the reason why she left.
+void reason_apply(Rewriter& graph, int at) {
+  const int above = graph.parent(at);
+  const int thing = above < 0 ? -1 : graph.arc(above).from;
+  const bool is_reason = thing >= 0 && graph.arc(above).inverse && graph.arc(above).role == "ARG0" &&
+                         (graph.is(thing, "thing") || graph.is(thing, "reason"));
+  if (!is_reason || graph.children(thing).size() != 1 || graph.children(at).size() != 1 || graph.mentions(at) > 1)
+    return;
+  const int led = graph.child(at, "ARG1");
+  const int told = led < 0 ? -1 : graph.arc(led).to;
+  if (told < 0 || graph.word(told).sense.empty() || graph.mentions(told) > 1 || graph.children(told).empty()) return;
+  const int asked = graph.parent(thing);
+  const bool is_asked = asked >= 0 && !graph.arc(asked).inverse && graph.arc(asked).role.starts_with("ARG") &&
+                        is_one_of(graph, graph.arc(asked).from, kReporting) && graph.mentions(thing) == 1;
+  graph.settle_concept(at, Fate::word);
+  graph.remove(above, Fate::word);
+  if (!is_asked) {
+    graph.word(thing).name = "reason";
+    graph.replace(led, thing, told, "cause", true);
+    return;
+  }
+  graph.settle_concept(thing, Fate::word);
+  graph.remove(led, Fate::word);
+  graph.redirect(thing, told);
+  graph.add(told, graph.add_concept("amr-unknown"), "cause");
+}
+
+// (k / know-01 :ARG1 (t / thing :cause-of (l / leave-11 :ARG0 s))): the same without a frame.
+void reason_role_apply(Rewriter& graph, int at) {
+  const int led =
+      graph.child(at, "cause", true) >= 0 ? graph.child(at, "cause", true) : graph.child(at, "reason", true);
+  const int asked = led < 0 ? -1 : graph.parent(at);
+  const bool is_asked = asked >= 0 && !graph.arc(asked).inverse && graph.arc(asked).role.starts_with("ARG") &&
+                        is_one_of(graph, graph.arc(asked).from, kReporting) && graph.mentions(at) == 1;
+  if (led < 0 || graph.children(at).size() != 1) return;
+  const int told = graph.arc(led).to;
+  if (graph.word(told).sense.empty() || graph.mentions(told) > 1) return;
+  graph.arc(led).role = "cause";
+  graph.word(at).name = "reason";
+  if (!is_asked) return;
+  graph.settle_concept(at, Fate::word);
+  graph.remove(led, Fate::word);
+  graph.redirect(at, told);
+  graph.add(told, graph.add_concept("amr-unknown"), "cause");
+}
+
+// (r / regardless-91 :ARG1 c :ARG2 x): whatever x is; "no matter how", if x asks.
+void regardless_apply(Rewriter& graph, int at) {
+  const int led = graph.child(at, "ARG2");
+  if (led < 0) return;
+  const int what = graph.arc(led).to;
+  bool is_asked = false;
+  for (const int below : graph.children(what)) {
+    const int word = graph.arc(below).to;
+    const int degree = graph.child(word, "degree");
+    is_asked |= is_unknown(graph, word) || (degree >= 0 && is_unknown(graph, graph.arc(degree).to));
+  }
+  const int word = graph.add_concept(is_asked ? "no-matter" : "regardless-of");
+  graph.add(word, what, "op1");
+  graph.arc(led).to = word;
+}
+
 // An office: the roles of who holds it, of what it belongs to, and of its title; the two numberings of the frame differ.
 // `role` ties the title to what it belongs to.
 // A bank says of a person what he is to a group or to another person: (p / person :ARG0-of (h / have-org-role-91 :ARG1
@@ -228,11 +333,29 @@ void stand_behind(Rewriter& graph, int led, int named, int title) {
   const int above = graph.parent(named);
   graph.replace(led, named, title, "apposition");
   attribute_add(graph.word(title), "@def");
-  const bool is_subject = above >= 0 && graph.arc(above).role == "ARG0" && !graph.arc(above).inverse;
+  const int clause = above >= 0 && !graph.arc(above).inverse ? graph.arc(above).from : -1;
+  const std::string role = clause < 0 ? "" : graph.arc(above).role;
+  const bool is_subject = role == "ARG0" || role == "domain" || (role == "ARG1" && graph.child(clause, "ARG0") < 0);
+  // "They met Kim, the mayor of Rome, on Monday".
+  constexpr std::array kBehind{"time", "location", "duration"};
+  const bool is_inside = clause >= 0 && std::any_of(kBehind.begin(), kBehind.end(), [&](const char* one) {
+                           const int circumstance = graph.child(clause, one);
+                           return circumstance >= 0 && graph.word(graph.arc(circumstance).to).sense.empty();
+                         });
   // A relative clause behind the name brings a comma of its own.
   const std::vector<int> below = graph.children(named);
   const bool is_last = std::none_of(below.begin(), below.end(), [&](int one) { return graph.arc(one).inverse; });
-  if (is_subject && is_last) attribute_add(graph.word(title), "@closed");
+  if ((is_subject || is_inside) && is_last) attribute_add(graph.word(title), "@closed");
+}
+
+// True for what no noun may have in front of it: several words, or what comes behind its own noun.
+bool has_words_behind(Rewriter& graph, int at) {
+  constexpr std::array kBehind{"mod", "part-of", "org", "poss", "location", "source", "topic"};
+  const std::vector<int> below = graph.children(at);
+  return std::any_of(below.begin(), below.end(), [&](int led) {
+    const Arc& one = graph.arc(led);
+    return one.inverse ? !graph.children(one.to).empty() : is_listed(one.role, kBehind);
+  });
 }
 
 bool is_party(const Concept& group) {
@@ -293,7 +416,8 @@ void call_by_office(Rewriter& graph, int at, const Office& office, int holds, in
   const bool has_whole = whole >= 0 && graph.arc(whole).from == at;
   const bool is_behind =
       has_attribute(graph.word(holder), "@name") && has_whole && !is_personal_pronoun(graph, graph.arc(whole).to);
-  if (has_whole) graph.replace(whole, is_named ? title : holder, graph.arc(whole).to, office.role);
+  const bool is_of_title = has_attribute(graph.word(holder), "@name");
+  if (has_whole) graph.replace(whole, is_of_title ? title : holder, graph.arc(whole).to, office.role);
   if (is_behind) {
     // "Kim, the mayor of Oslo, ..."
     stand_behind(graph, titled, holder, title);
@@ -313,6 +437,27 @@ void call_by_office(Rewriter& graph, int at, const Office& office, int holds, in
   graph.move_children(at, holder);
 }
 
+// The arcs to who holds an office, to what it belongs to, and to what it is called; -1 for those that are missing.
+struct OfficeArcs {
+  int holds;
+  int whole;
+  int titled;
+};
+
+OfficeArcs office_arcs(Rewriter& graph, int at, const Office& office) {
+  OfficeArcs found{graph.argument(at, office.holder), graph.argument(at, office.whole),
+                   graph.argument(at, office.title)};
+  // Annotators mix the two numberings: who holds it comes first, its name last.
+  if (found.holds < 0 || graph.argument(at, "ARG0") >= 0 || (found.titled < 0 && graph.argument(at, "ARG3") >= 0)) {
+    const bool from_zero = graph.argument(at, "ARG0") >= 0;
+    found.holds = graph.argument(at, from_zero ? "ARG0" : "ARG1");
+    found.whole = graph.argument(at, from_zero ? "ARG1" : "ARG2");
+    found.titled = graph.argument(at, from_zero ? "ARG2" : "ARG3");
+    if (from_zero && found.titled < 0) found.titled = graph.argument(at, "ARG3");
+  }
+  return found;
+}
+
 // Either the holder stands above, and is called by the office; or the frame is the statement, "she is the mayor". A holder
 // with a name keeps it, and the office stands beside it as a title; another becomes the office.
 void office_apply(Rewriter& graph, int at, const Office& office) {
@@ -321,17 +466,7 @@ void office_apply(Rewriter& graph, int at, const Office& office) {
     graph.settle_concept(at, Fate::left_out);
     return graph.remove(graph.parent(at), Fate::left_out);
   }
-  int holds = graph.argument(at, office.holder);
-  int whole = graph.argument(at, office.whole);
-  int titled = graph.argument(at, office.title);
-  // Annotators mix the two numberings: who holds it comes first, its name last.
-  if (holds < 0 || graph.argument(at, "ARG0") >= 0 || (titled < 0 && graph.argument(at, "ARG3") >= 0)) {
-    const bool from_zero = graph.argument(at, "ARG0") >= 0;
-    holds = graph.argument(at, from_zero ? "ARG0" : "ARG1");
-    whole = graph.argument(at, from_zero ? "ARG1" : "ARG2");
-    titled = graph.argument(at, from_zero ? "ARG2" : "ARG3");
-    if (from_zero && titled < 0) titled = graph.argument(at, "ARG3");
-  }
+  auto [holds, whole, titled] = office_arcs(graph, at, office);
   if (titled < 0 && std::string_view(office.name) == "have-role") std::swap(titled, whole);
   if (holds < 0) {
     // Nobody holds it in this sentence: the office is named, or what it belongs to.
@@ -376,6 +511,11 @@ void office_apply(Rewriter& graph, int at, const Office& office) {
     graph.remove(titled, Fate::relation);
     graph.redirect(at, title);
     if (whole >= 0) graph.replace(whole, title, graph.other(whole, at), office.role);
+    // "She is the mayor of Oslo": of some offices there is one.
+    constexpr std::array kOnly{"president", "head",    "leader",    "director", "mayor",  "king",    "queen",
+                               "chairman",  "captain", "emperor",   "founder",  "owner",  "author",  "boss",
+                               "chief",     "pope",    "commander", "father",   "mother", "husband", "wife"};
+    if (whole >= 0 && is_listed(graph.word(title).name, kOnly)) attribute_add(graph.word(title), "@def");
     graph.move_children(at, title);
     return;
   }
@@ -417,6 +557,13 @@ bool is_judgement(const std::string& name) {
   return is_listed(name, kJudging);
 }
 
+// What is asked, exclaimed or denied of a frame that goes is that of what takes its place.
+void move_mood(Rewriter& graph, int from, int to) {
+  for (const char* mood : {"@int", "@exp", "@quote", "@neg"}) {
+    if (std::erase(graph.word(from).attributes, mood) > 0) attribute_add(graph.word(to), mood);
+  }
+}
+
 // (f / find-01 :ARG1 (h / have-degree-91 :ARG1 (h2 / horse) :ARG2 fast :ARG3 most)): to find the fastest horse. What is only
 // said or thought stays a clause.
 // A superlative below a verb of seeking is no statement about the horse: nobody says "to find that the horse is
@@ -427,9 +574,10 @@ bool sought_apply(Rewriter& graph, int at, int quality, int bearer) {
                          has_attribute(graph.word(quality), "@most") && graph.word(bearer).sense.empty() &&
                          !graph.word(bearer).variable.empty() && graph.mentions(at) == 1;
   constexpr std::array kTelling{"say", "think", "know", "believe", "mean", "tell", "show", "agree", "hope", "opine"};
-  if (!is_object) return false;
-  const std::string& verb = graph.word(graph.arc(above).from).name;
-  const bool is_told = is_listed(verb, kTelling);
+  // "This is the hardest question of all": what bears the quality is a predicate itself.
+  const bool is_predicate = graph.word(bearer).sense.empty() && graph.child(bearer, "domain") >= 0;
+  if (!is_object && !is_predicate) return false;
+  const bool is_told = !is_predicate && is_listed(graph.word(graph.arc(above).from).name, kTelling);
   const int bears = graph.child(at, "ARG1");
   const int led = graph.child(at, "ARG2");
   if (is_told || bears < 0 || led < 0 || graph.arc(bears).to != bearer) return false;
@@ -439,21 +587,51 @@ bool sought_apply(Rewriter& graph, int at, int quality, int bearer) {
   }
   graph.remove(bears, Fate::relation);
   graph.replace(led, bearer, quality, "mod");
+  if (is_predicate) {
+    for (const char* role : {"superlative-of", "compared-to"}) {
+      const int measured = graph.child(quality, role);
+      if (measured >= 0 && !has_attribute(graph.word(quality), "@equal")) graph.arc(measured).from = bearer;
+    }
+    move_mood(graph, quality, bearer);
+  }
   graph.redirect(at, bearer);
   graph.move_children(at, bearer);
   return true;
 }
 
+// (e / equal :quant (p / product-of :op1 2)), or the product alone: twice as large; with more, "three times larger".
+void times_more(Rewriter& graph, int led, int quality) {
+  constexpr std::pair<const char*, const char*> kTimes[] = {
+      {"2", "twice"},      {"3", "three-times"},       {"4", "four-times"},         {"5", "five-times"},
+      {"10", "ten-times"}, {"100", "a-hundred-times"}, {"1000", "a-thousand-times"}};
+  const int degree = graph.arc(led).to;
+  const int quant = graph.child(degree, "quant");
+  const int product = graph.is(degree, "product-of") ? degree : quant < 0 ? -1 : graph.arc(quant).to;
+  const int number = product >= 0 && graph.is(product, "product-of") ? graph.child(product, "op1") : -1;
+  if (number < 0 || graph.children(product).size() != 1) return;
+  for (const auto& [digits, word] : kTimes) {
+    if (!graph.is(graph.arc(number).to, digits)) continue;
+    graph.settle_concept(graph.arc(number).to, Fate::word);
+    graph.remove(number, Fate::word);
+    graph.word(product).name = word;
+    if (product == degree) attribute_add(graph.word(quality), "@equal");
+    if (quant >= 0) graph.arc(quant).role = "degree";
+  }
+}
+
 // How much of it there is: an attribute for what is a word of its own in English, a comparative for amounts.
 void degree_said(Rewriter& graph, int led, int quality) {
   const int degree = graph.arc(led).to;
+  times_more(graph, led, quality);
   const char* attribute = degree_attribute(graph.word(degree));
   // "More money than he": more is the comparative of much and many.
   constexpr std::array kAmounts{"more", "most", "less", "enough"};
   const bool is_amount =
       (graph.is(quality, "much") || graph.is(quality, "many")) && is_listed(graph.word(degree).name, kAmounts);
-  if (is_amount && graph.mentions(degree) == 1) {
-    graph.word(quality).name = graph.word(degree).name;
+  // "Fewer people".
+  const bool is_fewer = graph.is(quality, "few") && graph.is(degree, "more");
+  if ((is_amount || is_fewer) && graph.mentions(degree) == 1) {
+    graph.word(quality).name = is_fewer ? "fewer" : graph.word(degree).name;
     graph.settle_concept(degree, Fate::word);
     graph.remove(led, Fate::word);
     graph.move_children(degree, quality);
@@ -467,6 +645,32 @@ void degree_said(Rewriter& graph, int led, int quality) {
   }
 }
 
+// "A boy who is older than his sister": a comparison with something is a clause behind the noun.
+bool is_behind(Rewriter& graph, int quality, int bearer, std::string_view role) {
+  constexpr std::array kAmounts{"many", "much", "few", "more", "less", "little"};
+  return role == "ARG4" && has_attribute(graph.word(quality), "@more") && graph.word(bearer).sense.empty() &&
+         !is_one_of(graph, quality, kAmounts);
+}
+
+// (t / tree :ARG1-of (h / have-degree-91 :ARG2 tall :ARG3 most :ARG5 (t2 / tree :location g))): the tallest tree in the garden.
+// A set of the same things is not named a second time.
+bool set_of_same(Rewriter& graph, int led, int bearer) {
+  const int set = graph.arc(led).to;
+  const bool is_noun = graph.word(set).sense.empty() && !graph.word(set).variable.empty();
+  if (!is_noun || graph.word(set).name != graph.word(bearer).name || graph.mentions(set) > 1) return false;
+  for (const int below : graph.children(set)) {
+    const bool is_all = graph.arc(below).role == "mod" &&
+                        (graph.is(graph.arc(below).to, "all") || graph.is(graph.arc(below).to, "every"));
+    if (!is_all) continue;
+    graph.settle_concept(graph.arc(below).to, Fate::word);
+    graph.remove(below, Fate::word);
+  }
+  graph.settle_concept(set, Fate::word);
+  graph.remove(led, Fate::word);
+  graph.move_children(set, bearer);
+  return true;
+}
+
 // What it is compared to, the set in which it is the most, and what follows: "so tall that ...".
 // ARG4 is what it is compared to (taller than he), ARG5 the set in which it is the most (of the town), ARG6 what
 // follows from a degree (so tall that ..., too small to ...).
@@ -476,11 +680,25 @@ void degree_measured(Rewriter& graph, int at, int quality, int bearer_led) {
   for (const auto& [role, label] : kOthers) {
     const int led = graph.child(at, role);
     if (led < 0) continue;
+    // More often than what is said to be more often is no comparison.
+    if (bearer_led >= 0 && graph.arc(led).to == graph.other(bearer_led, at)) {
+      graph.remove(led, Fate::left_out);
+      continue;
+    }
+    if (std::string_view(role) == "ARG5" && bearer_led >= 0 && set_of_same(graph, led, graph.other(bearer_led, at)))
+      continue;
     // "The oldest house of the town", "an older house than mine": what it is measured by stands behind the noun.
     const bool is_with_noun = bearer_led >= 0 && graph.arc(bearer_led).to == at && std::string_view(role) != "ARG6" &&
-                              !has_attribute(graph.word(quality), "@equal");
+                              !has_attribute(graph.word(quality), "@equal") &&
+                              !is_behind(graph, quality, graph.other(bearer_led, at), role);
     const int kept = is_with_noun ? graph.other(bearer_led, at) : quality;
     graph.replace(led, kept, graph.arc(led).to, label);
+    // "Such a cold day that we stayed": what follows stands behind the noun.
+    const int above = std::string_view(role) == "ARG6" ? graph.parent(quality) : -1;
+    const bool is_of_noun = above >= 0 && graph.arc(above).inverse && graph.arc(above).role == "ARG1" &&
+                            graph.word(graph.arc(above).from).sense.empty() && bearer_led >= 0 &&
+                            graph.other(bearer_led, at) == graph.arc(above).from;
+    if (is_of_noun) graph.arc(graph.child(quality, "consequence")).from = graph.arc(above).from;
     // "As many books as I".
     const bool is_amount = graph.is(quality, "many") || graph.is(quality, "much") || graph.is(quality, "few");
     const bool is_as_many = is_amount && bearer_led >= 0 && graph.arc(bearer_led).to == at &&
@@ -517,6 +735,42 @@ void counted_apply(Rewriter& graph, int quality, int bearer) {
   if (is_counted) attribute_add(graph.word(bearer), "@pl");
 }
 
+// "There are too many rules": how many of it there are is the statement.
+void amount_stated(Rewriter& graph, int at, int quality_led, int bearer_led) {
+  const int quality = graph.other(quality_led, at);
+  const int bearer = graph.other(bearer_led, at);
+  const std::string& amount = graph.word(quality).name;
+  if (amount.find_first_of("0123456789") == 0 && amount != "1") attribute_add(graph.word(bearer), "@pl");
+  const int being = graph.add_concept("exist");
+  graph.word(being).sense = "91";
+  graph.word(being).attributes = {"@v", has_attribute(graph.word(bearer), "@pl") ? "@theres" : "@there"};
+  // "There is not enough water to drink": what is denied is the amount.
+  graph.redirect(at, being);
+  graph.replace(bearer_led, being, bearer, "ARG1");
+  graph.replace(quality_led, bearer, quality, "quant");
+  // "There is more water than I thought."
+  if (const int led = graph.child(quality, "compared-to"); led >= 0 && !has_attribute(graph.word(quality), "@equal"))
+    graph.arc(led).from = bearer;
+  if (const int led = graph.child(quality, "consequence"); led >= 0) {
+    graph.replace(led, being, graph.arc(led).to, graph.is(quality, "enough") ? "purpose" : "consequence");
+    const int again = graph.child(graph.arc(led).to, "ARG1");
+    if (again >= 0 && graph.arc(again).to == bearer) graph.remove(again, Fate::relation);
+  }
+  graph.move_children(at, being);
+}
+
+// "I have enough time to read", "he had so much money that he bought it": what follows from an amount stands behind the
+// verb that has the noun.
+void amount_follows(Rewriter& graph, int quality, int bearer) {
+  const int led = graph.child(quality, "consequence");
+  const int above = led < 0 ? -1 : graph.parent(bearer);
+  if (above < 0 || graph.arc(above).inverse || graph.word(graph.arc(above).from).sense.empty()) return;
+  const int verb = graph.arc(above).from;
+  if (graph.reaches(graph.arc(led).to, verb)) return;
+  const bool is_for = graph.is(quality, "enough") || has_attribute(graph.word(quality), "@too");
+  graph.replace(led, verb, graph.arc(led).to, is_for ? "purpose" : "consequence");
+}
+
 // The frame goes, and one arc between the quality and its bearer is left. Five cases in this order, x the bearer: x stands
 // above and the quality has a role of its own for it (x :ARG1-of important-01); the quality stands above, or it or the verb
 // above names x already, so that nothing but the frame's own arcs goes; x stands above, x :mod tall; x is an event, which
@@ -541,9 +795,15 @@ void tie_to_bearer(Rewriter& graph, int at, bool is_quantity, int quality_led, i
   const bool is_above = governor >= 0 && !graph.word(governor).sense.empty() &&
                         (governor == bearer || (graph.arc(above).role == "ARG2" &&
                                                 (names_bearer(governor, "ARG1") || names_bearer(governor, "ARG0"))));
+  // "It barked so loudly that we woke": the manner is said by the frame.
+  const int manner = graph.child(quality, "manner", true);
+  if (manner >= 0 && graph.arc(manner).to == bearer) graph.remove(manner, Fate::relation);
+  // (h / house :ARG1-of (have-degree-91 :ARG2 (b / big :domain h) :ARG3 more)): the house stands above its quality.
+  const int domain = bearer_above && !quality_above && !is_quantity ? graph.child(quality, "domain") : -1;
+  if (domain >= 0 && graph.arc(domain).to == bearer) graph.remove(domain, Fate::relation);
   const bool names_frame = names_bearer(quality, "ARG1") || names_bearer(quality, "ARG0");
   const bool is_known = is_above || names_frame || names_bearer(quality, "domain");
-  if (governor == bearer) again_apply(graph, quality, bearer);
+  again_apply(graph, quality, bearer);
   // What is said to bear it may not be what it is a quality of: "it was so deeply rooted that ...".
   const int own = is_quantity ? -1 : graph.argument(quality, "ARG1");
   const bool is_of_another = own >= 0 && own != quality_led && graph.other(own, quality) != bearer;
@@ -564,15 +824,24 @@ void tie_to_bearer(Rewriter& graph, int at, bool is_quantity, int quality_led, i
     if (!quality_above && !bearer_above) graph.redirect(at, quality);
   } else if (bearer_above) {
     graph.remove(bearer_led, Fate::relation);
-    graph.replace(quality_led, bearer, quality, is_quantity ? "quant" : "mod");
+    const bool is_compared =
+        !is_quantity && graph.child(quality, "compared-to") >= 0 && is_behind(graph, quality, bearer, "ARG4");
+    if (is_compared) attribute_add(graph.word(quality), "@v");
+    if (has_attribute(graph.word(quality), "@least")) attribute_add(graph.word(bearer), "@def");
+    if (is_quantity) amount_follows(graph, quality, bearer);
+    graph.replace(quality_led, bearer, quality, is_quantity ? "quant" : is_compared ? "ARG1" : "mod", is_compared);
   } else if (!graph.word(bearer).sense.empty() && !is_quantity && graph.word(quality).sense.empty() &&
              !is_judgement(graph.word(quality).name) && graph.mentions(bearer) == 1 &&
              (graph.child(bearer, "ARG0") >= 0 || graph.child(bearer, "ARG1") >= 0)) {
     // The bearer is an event: "he fell as gently as a tree falls".
     graph.remove(bearer_led, Fate::relation);
     graph.replace(quality_led, bearer, quality, "manner");
+    move_mood(graph, quality, bearer);
     graph.redirect(at, bearer);
     return graph.move_children(at, bearer);
+  } else if (is_quantity && graph.word(bearer).sense.empty() && !is_personal_pronoun(graph, bearer) &&
+             !has_attribute(graph.word(bearer), "@name")) {
+    return amount_stated(graph, at, quality_led, bearer_led);
   } else {
     graph.replace(bearer_led, quality, bearer, "domain");
     graph.remove(quality_led, Fate::relation);
@@ -592,7 +861,7 @@ void degree_apply(Rewriter& graph, int at, bool is_quantity) {
   if (is_quantity && bearer_led >= 0) counted_apply(graph, quality, graph.other(bearer_led, at));
   graph.settle_concept(at, Fate::relation);
   // What is denied is the degree: "no thicker than a finger".
-  if (has_attribute(graph.word(at), "@neg")) attribute_add(graph.word(quality), "@neg");
+  move_mood(graph, at, quality);
   if (const int led = graph.child(at, "ARG3"); led >= 0 && led != quality_led) degree_said(graph, led, quality);
   degree_measured(graph, at, quality, bearer_led);
   if (bearer_led < 0) return bearerless_apply(graph, at, quality_led, quality);
@@ -617,6 +886,16 @@ constexpr Modal kModals[] = {
 // The governed clause takes the place of the frame and an attribute in its stead; negation and mood of the frame go with
 // it. Nothing happens where a modal verb could not say it: no clause, somebody who recommends, a second modal.
 void modality_apply(Rewriter& graph, int at, const Modal& modal) {
+  // "It can be cleaned and sold": what holds of several clauses leads to each.
+  std::vector<int> further;
+  for (int led = 0; led < static_cast<int>(graph.meaning().arcs.size()); ++led) {
+    const Arc& one = graph.arc(led);
+    if (!one.gone && one.inverse && one.to == at && one.role == modal.governed) further.push_back(led);
+  }
+  for (std::size_t i = 1; i < further.size(); ++i) {
+    attribute_add(graph.word(graph.arc(further[i]).from), modal.attribute);
+    graph.remove(further[i], Fate::attribute);
+  }
   const int led = graph.argument(at, modal.governed);
   if (led < 0) return;
   const int clause = graph.other(led, at);
@@ -625,7 +904,8 @@ void modality_apply(Rewriter& graph, int at, const Modal& modal) {
     const bool is_denied = has_attribute(graph.word(at), "@neg");
     for (const int operand : graph.children(clause)) {
       const int part = graph.arc(operand).to;
-      if (graph.word(part).sense.empty() || graph.arc(operand).inverse) continue;
+      const bool is_said = !graph.word(part).sense.empty() || graph.child(part, "domain") >= 0;
+      if (!is_said || graph.arc(operand).inverse) continue;
       attribute_add(graph.word(part), modal.attribute);
       if (is_denied) attribute_add(graph.word(part), "@neg");
     }
@@ -644,15 +924,14 @@ void modality_apply(Rewriter& graph, int at, const Modal& modal) {
   for (const char* attribute : {"@can", "@must", "@should"}) {
     if (has_attribute(graph.word(clause), attribute)) return;
   }
+  // A negated possibility: "cannot". The two negations of "it is not possible not to" stay apart.
+  if (has_attribute(graph.word(at), "@neg") && has_attribute(graph.word(clause), "@neg")) return;
   graph.settle_concept(at, Fate::attribute);
   attribute_add(graph.word(clause), modal.attribute);
-  // A negated possibility: "cannot". The two negations of "it is not possible not to" stay apart.
   // Who is not obliged may do it all the same: "you need not go".
   if (graph.is(at, "obligate", "01") && has_attribute(graph.word(at), "@neg") &&
       std::erase(graph.word(clause).attributes, "@must"))
     attribute_add(graph.word(clause), "@need");
-  const bool both = has_attribute(graph.word(at), "@neg") && has_attribute(graph.word(clause), "@neg");
-  if (both) return;
   for (const std::string& attribute : graph.word(at).attributes) {
     if (attribute != "@v") attribute_add(graph.word(clause), attribute);
   }
@@ -664,7 +943,12 @@ void modality_apply(Rewriter& graph, int at, const Modal& modal) {
     const int who = graph.child(at, role);
     if (who < 0) continue;
     const int person = graph.arc(who).to;
-    const int subject = graph.argument(clause, "ARG0");
+    int subject = graph.argument(clause, "ARG0");
+    // "The boy must come": of some verbs it is ARG1.
+    if (subject < 0) {
+      const int own = graph.argument(clause, graph.child(clause, "domain") >= 0 ? "domain" : "ARG1");
+      if (own >= 0 && graph.other(own, clause) == person) subject = own;
+    }
     if (subject >= 0 && graph.other(subject, clause) == person) {
       graph.remove(who, Fate::relation);
     } else {
@@ -764,7 +1048,8 @@ void times_apply(Rewriter& graph, int at) {
   const bool is_many = led >= 0 && is_listed(graph.word(graph.arc(led).to).name, kMany);
   if (!is_many || graph.child(at, "frequency") >= 0) return;
   const int above = graph.parent(at);
-  const bool is_clause = above < 0 || graph.arc(above).inverse;
+  constexpr std::array kOuter{"concession", "cause", "condition", "op1", "op2"};
+  const bool is_clause = above < 0 || graph.arc(above).inverse || is_listed(graph.arc(above).role, kOuter);
   if (!is_clause || (graph.child(at, "ARG0") < 0 && above < 0)) return;
   const int times = graph.add_concept("time");
   graph.replace(led, times, graph.arc(led).to, "quant");
@@ -776,8 +1061,9 @@ void times_apply(Rewriter& graph, int at) {
 // (d / depart-01 :condition-of (t / thing)): what it is a condition of stands in another sentence: "if you depart".
 // @as_condition, @as_cause, @as_concession: the conjunction stands in front of the clause, and nothing follows.
 void outer_apply(Rewriter& graph, int at) {
-  const int led =
-      graph.is(at, "thing") && graph.children(at).empty() && graph.mentions(at) == 1 ? graph.parent(at) : -1;
+  // A thing of which nothing is said is "it" by now.
+  const bool is_open = graph.is(at, "thing") || graph.is(at, "it");
+  const int led = is_open && graph.children(at).empty() && graph.mentions(at) == 1 ? graph.parent(at) : -1;
   if (led < 0 || !graph.arc(led).inverse) return;
   const std::string& role = graph.arc(led).role;
   if (role != "condition" && role != "cause" && role != "concession") return;
@@ -798,6 +1084,133 @@ void here_apply(Rewriter& graph, int at) {
   const int what = graph.arc(led).to;
   graph.replace(led, being, what, "ARG1");
   graph.add(being, at, "ARG2");
+}
+
+// A verb and its noun that a bank writes as one frame, which no dictionary has: (h / have-fun-00 :ARG0 b :ARG1 g).
+struct LightPhrase {
+  const char* name;
+  const char* verb;
+  const char* sense;
+  const char* noun;
+  const char* preposition;  // of what is done with it: fun with a friend
+  bool is_counted;          // a way, but fun
+};
+
+constexpr LightPhrase kLightPhrases[] = {
+    {"have-business", "have", "03", "business", "with", false},
+    {"have-fun", "have", "03", "fun", "with", false},
+    {"have-breakfast", "have", "03", "breakfast", "with", false},
+    {"have-lunch", "have", "03", "lunch", "with", false},
+    {"have-dinner", "have", "03", "dinner", "with", false},
+    {"have-party", "have", "03", "party", "for", true},
+    {"have-chance", "have", "03", "chance", "of", true},
+    {"have-effect", "have", "03", "effect", "on", true},
+    {"have-impact", "have", "03", "impact", "on", true},
+    {"have-influence", "have", "03", "influence", "on", false},
+    {"have-access", "have", "03", "access", "to", false},
+    {"have-faith", "have", "03", "faith", "in", false},
+    {"have-pity", "have", "03", "pity", "on", false},
+    {"have-patience", "have", "03", "patience", "with", false},
+    {"have-problem", "have", "03", "problem", "with", true},
+    {"have-talk", "have", "03", "talk", "with", true},
+    {"have-time", "have", "03", "time", "for", false},
+    {"have-baby", "have", "03", "baby", "with", true},
+    {"find-way", "find", "01", "way", "to", true},
+    {"find-solution", "find", "01", "solution", "to", true},
+    {"find-job", "find", "01", "job", "with", true},
+    {"lose-way", "lose", "02", "way", "to", true},
+    {"lose-interest", "lose", "02", "interest", "in", false},
+    {"lose-hope", "lose", "02", "hope", "of", false},
+    {"make-decision", "make", "01", "decision", "on", true},
+    {"make-effort", "make", "01", "effort", "for", true},
+    {"make-friend", "make", "01", "friends", "with", false},
+    {"make-friends", "make", "01", "friends", "with", false},
+    {"make-progress", "make", "01", "progress", "with", false},
+    {"make-mistake", "make", "01", "mistake", "in", true},
+    {"make-plan", "make", "01", "plan", "for", true},
+    {"make-sense", "make", "01", "sense", "to", false},
+    {"make-use", "make", "01", "use", "of", false},
+    {"make-peace", "make", "01", "peace", "with", false},
+    {"make-money", "make", "01", "money", "from", false},
+    {"make-love", "make", "01", "love", "to", false},
+    {"make-noise", "make", "01", "noise", "with", true},
+    {"make-room", "make", "01", "room", "for", false},
+    {"make-promise", "make", "01", "promise", "to", true},
+    {"take-part", "take", "01", "part", "in", false},
+    {"take-care", "take", "01", "care", "of", false},
+    {"take-photo", "take", "01", "photo", "of", true},
+    {"take-walk", "take", "01", "walk", "in", true},
+    {"take-bath", "take", "01", "bath", "in", true},
+    {"take-shower", "take", "01", "shower", "in", true},
+    {"take-break", "take", "01", "break", "from", true},
+    {"take-nap", "take", "01", "nap", "in", true},
+    {"take-action", "take", "01", "action", "on", false},
+    {"take-control", "take", "01", "control", "of", false},
+    {"take-notice", "take", "01", "notice", "of", false},
+    {"take-revenge", "take", "01", "revenge", "on", false},
+    {"take-responsibility", "take", "01", "responsibility", "for", false},
+    {"take-look", "take", "01", "look", "at", true},
+    {"pay-attention", "pay", "01", "attention", "to", false},
+    {"pay-heed", "pay", "01", "heed", "to", false},
+    {"pay-visit", "pay", "01", "visit", "to", true},
+    {"pay-tribute", "pay", "01", "tribute", "to", false},
+    {"do-homework", "do", "02", "homework", "for", false},
+    {"do-harm", "do", "02", "harm", "to", false},
+    {"do-damage", "do", "02", "damage", "to", false},
+    {"do-research", "do", "02", "research", "on", false},
+    {"do-work", "do", "02", "work", "for", false},
+    {"give-birth", "give", "01", "birth", "to", false},
+    {"give-speech", "give", "01", "speech", "to", true},
+    {"give-way", "give", "01", "way", "to", false},
+    {"give-rise", "give", "01", "rise", "to", false},
+    {"give-permission", "give", "01", "permission", "to", false},
+    {"get-job", "get", "01", "job", "with", true},
+    {"get-divorce", "get", "01", "divorce", "from", true},
+    {"set-fire", "set", "01", "fire", "to", false},
+    {"keep-watch", "keep", "02", "watch", "over", false},
+    {"keep-company", "keep", "02", "company", "with", false},
+    {"keep-secret", "keep", "02", "secret", "from", true},
+    {"tell-story", "tell", "01", "story", "to", true},
+    {"tell-lie", "tell", "01", "lie", "to", true},
+    {"tell-joke", "tell", "01", "joke", "to", true},
+    {"run-risk", "run", "01", "risk", "of", true},
+    {"play-role", "play", "08", "role", "in", true},
+    {"play-part", "play", "08", "part", "in", true},
+    {"hold-meeting", "hold", "04", "meeting", "with", true},
+    {"hold-talk", "hold", "04", "talks", "with", false},
+};
+
+// "He found a way to the sea": the noun is the object, and what was the object has the preposition of the noun.
+void light_phrase_apply(Rewriter& graph, int at) {
+  const auto phrase = std::find_if(std::begin(kLightPhrases), std::end(kLightPhrases),
+                                   [&](const LightPhrase& one) { return graph.word(at).name == one.name; });
+  if (graph.is(at, "get-rid", "05")) graph.word(at).name = "get-rid-of";
+  // A weekend is no deed, though frame files have one for it.
+  if (graph.is(at, "weekend", "01")) {
+    graph.word(at).sense.clear();
+    graph.word(at).attributes.clear();
+  }
+  if (phrase == std::end(kLightPhrases) || graph.word(at).sense.empty()) return;
+  graph.word(at).name = phrase->verb;
+  graph.word(at).sense = phrase->sense;
+  const int noun = graph.add_concept(phrase->noun);
+  attribute_add(graph.word(noun), "@indef");
+  if (!phrase->is_counted) attribute_add(graph.word(noun), "MASS");
+  const int led = graph.child(at, "ARG1");
+  graph.add(at, noun, "ARG1");
+  if (led < 0) return;
+  if (graph.argument(at, "ARG0") < 0) {
+    graph.arc(led).role = "ARG0";
+    return;
+  }
+  const int object = graph.arc(led).to;
+  if (std::string_view(phrase->preposition) == "to" && phrase->is_counted && is_event(graph, object)) {
+    graph.arc(led).role = "purpose";
+    return;
+  }
+  const int preposition = graph.add_concept(phrase->preposition);
+  graph.replace(led, at, preposition, "prep");
+  graph.add(preposition, object, "op1");
 }
 
 // Frames that are a word or a phrase of their own.
@@ -823,6 +1236,38 @@ void phrase_apply(Rewriter& graph, int at) {
     graph.word(at).name = "thanks";
     graph.word(at).sense.clear();
     graph.word(at).attributes.clear();
+  }
+  // Whom nobody dares to do it dares to do it himself.
+  const int daring = graph.is(at, "dare", "01") && graph.argument(at, "ARG0") < 0 ? graph.child(at, "ARG1") : -1;
+  if (daring >= 0 && graph.child(at, "ARG2") >= 0) graph.arc(daring).role = "ARG0";
+  // "It is a shame that ..."
+  const int shame = graph.is(at, "shame", "02") || graph.is(at, "pity", "01") ? graph.child(at, "ARG1") : -1;
+  if (shame >= 0 && graph.argument(at, "ARG0") < 0 && !graph.word(graph.arc(shame).to).sense.empty()) {
+    graph.arc(shame).role = "domain";
+    graph.word(at).sense.clear();
+    std::erase(graph.word(at).attributes, "@v");
+  }
+  // "She preferred to wait instead of leaving".
+  const int instead = graph.is(at, "prefer", "01") ? graph.child(at, "ARG2") : -1;
+  if (instead >= 0 && !graph.word(graph.arc(instead).to).sense.empty()) graph.arc(instead).role = "substitute";
+  // "The tailor, a thin man": what somebody is, said beside him.
+  const int is_what = graph.word(at).sense.empty() ? graph.child(at, "domain", true) : -1;
+  if (is_what >= 0) {
+    const int noun = graph.arc(is_what).to;
+    const bool is_noun = graph.word(noun).sense.empty() && !graph.children(noun).empty() && graph.mentions(noun) == 1;
+    if (is_noun) {
+      graph.replace(is_what, at, noun, "apposition");
+      attribute_add(graph.word(noun), "@indef");
+      attribute_add(graph.word(noun), "@closed");
+    }
+  }
+  // What is a trouble to somebody: "the road is an issue".
+  const int issue = graph.is(at, "issue", "02") ? graph.child(at, "ARG0") : -1;
+  if (issue >= 0) {
+    graph.arc(issue).role = "domain";
+    if (const int whose = graph.child(at, "ARG1"); whose >= 0) graph.arc(whose).role = "beneficiary";
+    graph.word(at).sense.clear();
+    std::erase(graph.word(at).attributes, "@v");
   }
   // Nobody opines; people think.
   if (graph.is(at, "opine", "01")) graph.word(at).name = "think";
@@ -859,6 +1304,11 @@ void role_apply(Rewriter& graph, Arc& one) {
     const bool is_many = is_listed(graph.word(one.from).name, kOfMany);
     if (is_many && graph.word(one.to).sense.empty()) attribute_add(graph.word(one.to), "@pl");
   }
+  // "The foreign minister": a topic that is a quality.
+  constexpr std::array kQualities{"foreign",  "domestic",  "public",   "military",      "social", "political",
+                                  "economic", "financial", "national", "international", "legal",  "medical"};
+  const bool is_quality = one.role == "topic" && !one.inverse && is_one_of(graph, one.to, kQualities);
+  if (is_quality && graph.children(one.to).empty() && graph.word(one.from).sense.empty()) one.role = "mod";
   // "It is a lot for me": who feels it is no subject where there is one.
   if (one.role != "experiencer" || one.inverse) return;
   const bool has_subject =
@@ -873,7 +1323,10 @@ void directions_apply(Rewriter& graph) {
                              "forward", "home",  "along", "by",    "past", "over", "across",
                              "through", "aside", "ahead", "apart", "in",   "on",   "about"};
   for (Arc& one : graph.meaning().arcs) {
-    if (one.role != "direction" || one.gone || one.inverse) continue;
+    // Of the arguments of a motion those that tell its end: (b / bring-01 :ARG1 x :ARG2 y :ARG3 (d / down)).
+    const bool is_end =
+        (one.role == "ARG3" || one.role == "ARG4") && graph.word(one.to).sense.empty() && graph.mentions(one.to) == 1;
+    if ((one.role != "direction" && !is_end) || one.gone || one.inverse) continue;
     const std::string word = graph.word(one.to).name;
     const bool is_in_verb = graph.word(one.from).name.ends_with('-' + word);
     if (is_in_verb) graph.move_children(one.to, one.from);
@@ -889,11 +1342,42 @@ void directions_apply(Rewriter& graph) {
   }
 }
 
+// "Some of the workers": a part that is called by the same deed as the whole is not called by it twice.
+void same_deed_apply(Rewriter& graph, int part, int whole) {
+  for (const char* role : {"ARG0", "ARG1"}) {
+    const int own = graph.child(part, role, true);
+    const int model = graph.child(whole, role, true);
+    if (own < 0 || model < 0 || graph.word(part).name != graph.word(whole).name) continue;
+    const int deed = graph.arc(own).to;
+    const bool is_same = graph.word(deed).name == graph.word(graph.arc(model).to).name;
+    if (!is_same || !graph.children(deed).empty() || graph.mentions(deed) > 1) continue;
+    graph.settle_concept(deed, Fate::word);
+    graph.remove(own, Fate::word);
+  }
+}
+
 // What is taken out of a whole, and the whole.
 // A bank writes "some of us" as (s / some :superset we); where it has the frame include-91 for it, that has become
 // :superset by now. The part is the head in English, too. What is left to do is number, as a whole is several things, and
 // the word for the part, which is not said twice: one of the stars.
 void sets_apply(Rewriter& graph) {
+  // "The former general".
+  for (Arc& one : graph.meaning().arcs) {
+    constexpr std::array kOffice{"former", "current", "future", "present", "then"};
+    const bool is_time = !one.gone && !one.inverse && (one.role == "time" || one.role == "temporal");
+    if (is_time && is_one_of(graph, one.to, kOffice) && graph.word(one.from).sense.empty() &&
+        !graph.word(one.from).variable.empty() && graph.child(one.from, "domain") < 0 && graph.children(one.to).empty())
+      one.role = "mod";
+  }
+  // "Two of them".
+  for (int at = 0, end = graph.count(); at < end; ++at) {
+    const int number = is_personal_pronoun(graph, at) ? graph.child(at, "quant") : -1;
+    if (number < 0 || !graph.children(graph.arc(number).to).empty() || is_unknown(graph, graph.arc(number).to))
+      continue;
+    const int several = graph.arc(number).to;
+    graph.redirect(at, several);
+    graph.replace(number, several, at, "superset");
+  }
   for (int at = 0; at < graph.count(); ++at) {
     // "Some of us": how many are taken out of a whole stands for those that are taken.
     const int whole = graph.child(at, "superset");
@@ -906,9 +1390,23 @@ void sets_apply(Rewriter& graph) {
       graph.word(at).name = "some";
       attribute_add(graph.word(at), "@pl");
     }
+    same_deed_apply(graph, at, graph.arc(whole).to);
     if (const int led = graph.child(at, "ARG3"); led >= 0) graph.arc(led).role = "quant";
+    // "Each of us": the word that picks them out stands for the persons.
+    constexpr std::array kPicked{"each", "any", "all", "both"};
+    const int picked = graph.child(at, "mod");
+    const bool is_person = graph.is(at, "person") || graph.is(at, "thing");
+    if (picked >= 0 && is_person && is_one_of(graph, graph.arc(picked).to, kPicked)) {
+      graph.stand_in(at, picked, Fate::word);
+      continue;
+    }
     const int quantity = graph.child(at, "quant");
-    if (quantity >= 0 && (graph.is(at, "thing") || graph.is(at, "person"))) graph.stand_in(at, quantity, Fate::word);
+    // "Some of the money" names the money once.
+    const bool is_again = graph.word(at).name == graph.word(graph.arc(whole).to).name && quantity >= 0 &&
+                          !graph.is(graph.arc(quantity).to, "1");
+    if (quantity < 0 || !(is_again || graph.is(at, "thing") || graph.is(at, "person"))) continue;
+    if (!graph.is(graph.arc(quantity).to, "1")) attribute_add(graph.word(graph.arc(quantity).to), "@pl");
+    graph.stand_in(at, quantity, Fate::word);
   }
   // "It is among the new books": what something is among is several.
   for (int at = 0; at < graph.count(); ++at) {
@@ -924,12 +1422,13 @@ void sets_apply(Rewriter& graph) {
     const bool is_noun = whole.sense.empty() && !whole.variable.empty() && !has_attribute(whole, "@name");
     if (!is_whole || !is_noun) continue;
     plural_apply(graph.word(one.to));
+    if (graph.child(one.to, "mod") < 0 && graph.child(one.to, "quant") < 0) attribute_add(graph.word(one.to), "@def");
     // "One of the stars" names the stars once.
     const int number = graph.child(one.from, "quant");
     const bool is_one = number < 0 ? !has_attribute(graph.word(one.from), "@pl") : graph.is(graph.arc(number).to, "1");
     if (!is_one || graph.word(one.from).name != whole.name) continue;
-    attribute_add(graph.word(one.to), "@def");
     graph.word(one.from).name = "one";
+    if (graph.child(one.from, "ord") >= 0) attribute_add(graph.word(one.from), "@def");
     if (number < 0) continue;
     graph.settle_concept(graph.arc(number).to, Fate::word);
     graph.remove(number, Fate::word);
@@ -942,11 +1441,14 @@ void sets_apply(Rewriter& graph) {
 // makes come first, "the cause of", as they would be taken apart else.
 void step_reified(Meaning& meaning) {
   Rewriter graph(meaning, "reified");
-  for (int at = 0; at < graph.count(); ++at) {
+  for (int at = 0, end = graph.count(); at < end; ++at) {
     if (graph.is(at, "have", "03")) having_apply(graph, at);
-    if (graph.is(at, "cause", "01")) cause_noun_apply(graph, at);
+    if (graph.is(at, "cause", "01")) reason_apply(graph, at), cause_noun_apply(graph, at);
+    if (graph.is(at, "thing") || graph.is(at, "reason")) reason_role_apply(graph, at);
+    if (graph.is(at, "regardless", "91")) regardless_apply(graph, at);
     if (graph.is(at, "resemble", "01")) likeness_apply(graph, at);
     phrase_apply(graph, at);
+    light_phrase_apply(graph, at);
   }
   // In the order of the source, so that of two nested frames the outer one comes first, and its role leads to the inner
   // frame, which then gives its own place up.
@@ -972,6 +1474,15 @@ void step_reified(Meaning& meaning) {
     if (one.gone || one.inverse || one.role != "part" || graph.mentions(one.to) < 2) continue;
     graph.replace(led, one.to, one.from, "poss");
   }
+  // "An equal share": of a quality that nothing else is said of, the number of the role is no matter.
+  for (Arc& one : meaning.arcs) {
+    const bool is_far = one.role == "ARG3" || one.role == "ARG4" || one.role == "ARG5";
+    if (one.gone || !one.inverse || !is_far || !is_event(graph, one.to) || graph.mentions(one.to) > 1) continue;
+    // "..., which is typical of the town".
+    const bool is_of_clause = is_event(graph, one.from) && graph.child(one.to, "ARG2") >= 0;
+    const bool is_bare = graph.children(one.to).empty() && graph.word(one.from).sense.empty();
+    if ((is_bare || is_of_clause) && graph.child(one.to, "ARG1") < 0) one.role = "ARG1";
+  }
   directions_apply(graph);
   sets_apply(graph);
 }
@@ -993,13 +1504,16 @@ void step_office(Meaning& meaning) {
   }
   // A noun of several words beside a name: "Aurora, the old fishing boat".
   for (int at = 0; at < graph.count(); ++at) {
-    const int led = has_attribute(graph.word(at), "@name") ? graph.child(at, "mod") : -1;
-    const int noun = led < 0 ? -1 : graph.arc(led).to;
-    if (noun < 0 || graph.children(noun).empty() || graph.mentions(noun) > 1) continue;
-    const Concept& word = graph.word(noun);
-    const bool is_noun = word.sense.empty() && !word.variable.empty() && !has_attribute(word, "@name") &&
-                         graph.child(noun, "degree") < 0 && graph.child(noun, "mod") >= 0;
-    if (is_noun) stand_behind(graph, led, at, noun);
+    if (!has_attribute(graph.word(at), "@name")) continue;
+    for (const int led : graph.children(at)) {
+      const int noun = graph.arc(led).to;
+      const bool is_mod = graph.arc(led).role == "mod" && !graph.arc(led).inverse;
+      if (!is_mod || graph.children(noun).empty() || graph.mentions(noun) > 1) continue;
+      const Concept& word = graph.word(noun);
+      const bool is_noun = word.sense.empty() && !word.variable.empty() && !has_attribute(word, "@name") &&
+                           graph.child(noun, "degree") < 0 && has_words_behind(graph, noun);
+      if (is_noun) stand_behind(graph, led, at, noun);
+    }
   }
   for (int at = 0; at < graph.count(); ++at) {
     for (const Office& office : kOffices) {
@@ -1008,6 +1522,16 @@ void step_office(Meaning& meaning) {
         break;
       }
     }
+  }
+  // "Kim, 81, sang".
+  for (int at = 0; at < graph.count(); ++at) {
+    const int led = has_attribute(graph.word(at), "@name") ? graph.child(at, "age") : -1;
+    const int years = led < 0 || !graph.is(graph.arc(led).to, "year") ? -1 : graph.child(graph.arc(led).to, "quant");
+    if (years < 0 || graph.children(graph.arc(led).to).size() != 1 || graph.mentions(graph.arc(led).to) > 1) continue;
+    graph.settle_concept(graph.arc(led).to, Fate::word);
+    const int number = graph.arc(years).to;
+    graph.remove(years, Fate::word);
+    stand_behind(graph, led, at, number);
   }
 }
 
@@ -1018,8 +1542,29 @@ namespace {
 void such_apply(Rewriter& graph, int at) {
   const int led = graph.child(at, "degree");
   const int above = led >= 0 && graph.is(graph.arc(led).to, "such") ? graph.parent(at) : -1;
-  if (above < 0 || graph.arc(above).inverse || graph.arc(above).role != "mod") return;
-  graph.replace(led, graph.arc(above).from, graph.arc(led).to, "mod");
+  if (above < 0) return;
+  const bool is_inside = graph.arc(above).inverse ? graph.arc(above).role == "ARG1" : graph.arc(above).role == "mod";
+  if (is_inside) graph.replace(led, graph.arc(above).from, graph.arc(led).to, "mod");
+}
+
+// "The oldest house ever": behind the noun.
+void ever_apply(Rewriter& graph, int at) {
+  const int above = has_attribute(graph.word(at), "@most") ? graph.parent(at) : -1;
+  const bool is_with_noun = above >= 0 && (graph.arc(above).role == "mod" || graph.arc(above).inverse);
+  for (const char* role : {"time", "temporal"}) {
+    const int led = is_with_noun ? graph.child(at, role) : -1;
+    if (led >= 0 && graph.is(graph.arc(led).to, "ever"))
+      graph.replace(led, graph.arc(above).from, graph.arc(led).to, "time");
+  }
+}
+
+// "It helped him more": of what somebody does, how much stands behind it.
+// (h / help-01 :ARG0 it :ARG1 he :quant (m / more)).
+void amount_apply(Rewriter& graph, int at) {
+  const int led = is_event(graph, at) && graph.child(at, "ARG0") >= 0 ? graph.child(at, "quant") : -1;
+  constexpr std::array kAmounts{"more", "less", "most", "enough"};
+  const bool is_amount = led >= 0 && is_one_of(graph, graph.arc(led).to, kAmounts);
+  if (is_amount && graph.children(graph.arc(led).to).empty()) graph.arc(led).role = "extent";
 }
 
 }  // namespace
@@ -1036,8 +1581,10 @@ void step_degree(Meaning& meaning) {
     if (is_inside) graph.replace(degree, graph.arc(above).from, graph.arc(degree).to, "mod");
     if (graph.is(at, "have-degree", "91") || graph.is(at, "have-degree", "92")) degree_apply(graph, at, false);
     if (graph.is(at, "have-quant", "91")) degree_apply(graph, at, true);
-    such_apply(graph, at);
+    ever_apply(graph, at);
+    amount_apply(graph, at);
   }
+  for (int at = 0; at < graph.count(); ++at) such_apply(graph, at);
 }
 
 namespace {

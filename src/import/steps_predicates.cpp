@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <array>
 #include <string>
+#include <utility>
+#include <vector>
 
 #include "import/rewriter.hpp"
 #include "import/steps.hpp"
@@ -47,18 +49,25 @@ void located_apply(Rewriter& graph, int at) {
   const int place = graph.child(at, "location");
   constexpr std::array kNew{"nothing", "nobody", "something", "somebody", "someone", "no-one", "noone"};
   const bool is_new = is_one_of(graph, at, kNew);
-  if (place < 0 || !(is_new || is_pronoun(graph, at)) || graph.child(at, "domain") >= 0) return;
+  if (place < 0 || graph.child(at, "domain") >= 0) return;
   const int above = graph.parent(at);
   constexpr std::array kStating{"say", "tell", "answer", "reply", "think", "know", "see"};
   const bool is_said = above >= 0 && graph.mentions(at) == 1 && !graph.arc(above).inverse &&
                        graph.arc(above).role == "ARG1" && is_one_of(graph, graph.arc(above).from, kStating);
   const bool is_joined = above >= 0 && !graph.arc(above).inverse && graph.arc(above).role != "mod" &&
                          is_joining(graph, graph.arc(above).from) && graph.parent(graph.arc(above).from) < 0;
+  // "She said that the school is in the mill": no place is said.
+  constexpr std::array kWords{"word", "thing", "name", "story", "truth", "speech", "this", "that"};
+  const bool is_noun =
+      is_said && graph.word(at).sense.empty() && !graph.word(at).variable.empty() &&
+      (graph.is(graph.arc(above).from, "say", "01") || graph.is(graph.arc(above).from, "think", "01")) &&
+      !is_one_of(graph, at, kWords) && !is_joining(graph, at);
+  if (!is_new && !is_noun && !is_pronoun(graph, at)) return;
   if (at != graph.meaning().root && !is_said && !is_joined) return;
   const int being = add_being(graph);
   graph.redirect(at, being);
-  graph.move_children(at, being);
-  graph.arc(place).role = "ARG2";
+  if (!is_noun) graph.move_children(at, being);
+  graph.replace(place, being, graph.arc(place).to, "ARG2");
   graph.add(being, at, "ARG1");
   if (is_new) attribute_add(graph.word(being), "@there");
   for (const char* mood : {"@neg", "@int", "@past", "@pres", "@fut", "@quote"}) {
@@ -159,6 +168,18 @@ void denial_apply(Rewriter& graph, Arc& one) {
   attribute_add(graph.word(one.from), "@neg");
 }
 
+// (a / apple :quant 1 :mod (o / only)) that somebody buys: only one apple.
+void only_counted(Rewriter& graph, int at, int led) {
+  const int above = graph.parent(at);
+  const bool is_object = above >= 0 && !graph.arc(above).inverse && graph.arc(above).role.starts_with("ARG") &&
+                         graph.word(at).sense.empty() && is_event(graph, graph.arc(above).from);
+  const int counted = graph.child(at, "quant");
+  const int number = counted < 0 ? -1 : graph.arc(counted).to;
+  if (!is_object || number < 0 || !graph.word(number).variable.empty() || graph.child(at, "poss") >= 0) return;
+  graph.replace(counted, graph.arc(led).to, number, "op1");
+  graph.arc(led).role = "quant";
+}
+
 // "Only" stands in front of the verb, also where the graph has it with the noun of an event below: "she only needs a walk".
 // In front of a predicate it stands before the article: "they are only small lamps".
 void only_apply(Rewriter& graph, int led) {
@@ -174,6 +195,20 @@ void only_apply(Rewriter& graph, int led) {
   if (!graph.is(only, "only") || !graph.children(only).empty() || graph.mentions(only) > 1) return;
   const int at = graph.arc(led).from;
   const bool is_predicate = graph.child(at, "domain") >= 0;
+  // "The only one who can read", "the only man who saw it".
+  const std::vector<int> said = graph.children(at);
+  const bool is_told_of = std::any_of(said.begin(), said.end(), [&](int below) { return graph.arc(below).inverse; });
+  if (is_told_of && !is_event(graph, at)) {
+    if (graph.is(at, "one")) attribute_add(graph.word(at), "@def");
+    return;
+  }
+  // "Only the doctor can help": who does something, of whom nothing else is said.
+  const int doing = graph.parent(at);
+  const bool is_doer = doing >= 0 && !graph.arc(doing).inverse && graph.arc(doing).role == "ARG0" && said.size() == 1 &&
+                       graph.word(at).sense.empty() && is_event(graph, graph.arc(doing).from);
+  if (is_doer) graph.word(only).sense = "adv";
+  if (!is_predicate) only_counted(graph, at, led);
+  if (graph.arc(led).role != "mod") return;
   if (!is_event(graph, at) && !is_predicate) return;
   const int above = graph.parent(at);
   const bool is_noun = above >= 0 && !is_predicate && !graph.arc(above).inverse && graph.arc(above).role == "ARG1" &&
@@ -207,7 +242,9 @@ void number_apply(Rewriter& graph, int at) {
   constexpr std::array kSeveral{"they", "we", "these", "those"};
   constexpr std::array kGroups{"team", "family", "group", "couple", "pair", "majority", "minority", "people", "nation"};
   const int who = graph.arc(led).to;
-  const bool is_several = is_one_of(graph, who, kSeveral) || has_attribute(graph.word(who), "@pl");
+  const bool is_several =
+      is_one_of(graph, who, kSeveral) || has_attribute(graph.word(who), "@pl") ||
+      (graph.is(who, "and") && graph.child(who, "op2") >= 0 && !is_event(graph, graph.arc(graph.child(who, "op2")).to));
   if (is_several && graph.child(at, "quant") < 0 && !is_one_of(graph, at, kGroups))
     attribute_add(graph.word(at), "@pl");
   // "The only hills are three volcanoes".
@@ -232,6 +269,39 @@ void measure_apply(Rewriter& graph, Arc& one) {
     one.role = "ARG2";
 }
 
+// (s / sell-01 :ARG1 (h / horse :mod (a / also))): he also sold the horse, as "also" stands in front of the verb.
+void also_apply(Rewriter& graph, int led) {
+  const Arc& one = graph.arc(led);
+  if (one.gone || one.inverse || one.role != "mod" || !graph.is(one.to, "also")) return;
+  const int above = graph.parent(one.from);
+  if (above < 0 || graph.arc(above).inverse || graph.mentions(one.to) > 1 || graph.mentions(one.from) > 1) return;
+  const std::string& role = graph.arc(above).role;
+  const bool is_object = role == "ARG1" || role == "ARG2" || role == "location" || role == "time";
+  if (!is_object || is_event(graph, one.from) || graph.child(one.from, "domain") >= 0 ||
+      !is_event(graph, graph.arc(above).from))
+    return;
+  graph.replace(led, graph.arc(above).from, one.to, "mod");
+}
+
+// A noun at the top that is denied or counted, with its place: "there were no stars in the sky".
+void denied_somewhere(Rewriter& graph, int at) {
+  const int place = graph.child(at, "location");
+  const bool is_new = has_attribute(graph.word(at), "@neg") || graph.child(at, "quant") >= 0;
+  if (place < 0 || !is_new || has_attribute(graph.word(at), "@name") || is_unknown(graph, graph.arc(place).to) ||
+      is_pronoun(graph, at))
+    return;
+  for (const char* mood : {"@int", "@exp", "@imp"}) {
+    if (has_attribute(graph.word(at), mood)) return;
+  }
+  const int being = graph.add_concept("exist");
+  graph.word(being).sense = "91";
+  graph.word(being).attributes = {"@v", has_attribute(graph.word(at), "@pl") ? "@theres" : "@there"};
+  graph.redirect(at, being);
+  graph.replace(place, being, graph.arc(place).to, "location");
+  graph.add(being, at, "ARG1");
+  if (const int time = graph.child(at, "time"); time >= 0) graph.arc(time).from = being;
+}
+
 // A noun at the top, with a clause of time: "there was a storm when we left".
 void existing_apply(Rewriter& graph) {
   const int at = statement_of(graph);
@@ -240,6 +310,47 @@ void existing_apply(Rewriter& graph) {
   const int led = graph.child(at, "time");
   if (led >= 0 && is_event(graph, graph.arc(led).to) && !graph.children(graph.arc(led).to).empty())
     attribute_add(graph.word(at), "@was");
+  // "It is night in one town when it is noon in another."
+  constexpr std::array kPeriods{"night", "day", "noon", "midnight", "morning", "evening", "dawn", "summer", "winter"};
+  const int when = led < 0 ? -1 : graph.arc(led).to;
+  if (!is_one_of(graph, at, kPeriods)) return denied_somewhere(graph, at);
+  if (when < 0 && graph.child(at, "location") < 0) return;
+  std::erase(graph.word(at).attributes, "@was");
+  for (const int period : {at, when}) {
+    const bool is_stated =
+        period == at || (period >= 0 && is_one_of(graph, period, kPeriods) && graph.child(period, "location") >= 0);
+    if (!is_stated) continue;
+    graph.add(period, graph.add_concept("it"), "domain");
+    attribute_add(graph.word(period), "@noart");
+  }
+}
+
+// (l / leave-11 :ARG0 c :ord (o / ordinal-entity :value 1)): c was the first to leave. As an adverb the number would be
+// that of a time.
+void first_to_apply(Rewriter& graph, int at) {
+  const int led = is_event(graph, at) ? graph.child(at, "ord") : -1;
+  const bool is_first = led >= 0 && graph.is(graph.arc(led).to, "1", "ord");
+  const bool is_last = led >= 0 && graph.is(graph.arc(led).to, "-1", "ord");
+  if ((!is_first && !is_last) || graph.mentions(at) > 1 || !graph.children(graph.arc(led).to).empty()) return;
+  for (const std::string& mark : graph.word(at).attributes) {
+    if (mark != "@v" && mark != "@past" && mark != "@neg") return;
+  }
+  const int above = graph.parent(at);
+  constexpr std::array kWishing{"want", "hope", "wish", "try"};
+  const bool is_told = above < 0 ? graph.meaning().root == at
+                                 : !graph.arc(above).inverse && graph.arc(above).role == "ARG1" &&
+                                       is_one_of(graph, graph.arc(above).from, kWishing);
+  const int subject = graph.child(at, "ARG0");
+  if (!is_told || subject < 0 || is_unknown(graph, graph.arc(subject).to)) return;
+  const int place = graph.add_concept(is_first ? "the-first" : "the-last");
+  for (const char* mark : {"@past", "@neg"}) {
+    if (std::erase(graph.word(at).attributes, mark) > 0) attribute_add(graph.word(place), mark);
+  }
+  graph.settle_concept(graph.arc(led).to, Fate::word);
+  graph.remove(led, Fate::word);
+  graph.redirect(at, place);
+  graph.add(place, graph.arc(subject).to, "domain");
+  graph.add(place, at, "purpose");
 }
 
 // A thing that seems is there: "there seems to be something new". A quality of nobody is no thing.
@@ -251,6 +362,9 @@ void seeming_apply(Rewriter& graph, int at) {
   constexpr std::array kThings{"thing", "nothing", "something", "somebody", "someone", "person", "man", "way"};
   const bool is_thing = is_one_of(graph, thing, kThings) || graph.child(thing, "quant") >= 0 ||
                         graph.child(thing, "ARG0", true) >= 0 || graph.child(thing, "ARG1", true) >= 0;
+  // "It is better than it seems".
+  const bool is_alone = graph.child(at, "ARG2") < 0 && graph.word(thing).sense.empty();
+  if (is_alone && is_personal_pronoun(graph, thing) && graph.child(thing, "domain") < 0) graph.arc(led).role = "ARG0";
   if (!graph.word(thing).sense.empty() || graph.child(thing, "domain") >= 0 || !is_thing) return;
   attribute_add(graph.word(at), has_attribute(graph.word(thing), "@pl") ? "@theres" : "@there");
   attribute_add(graph.word(at), "@raised");
@@ -274,12 +388,145 @@ void becoming_apply(Rewriter& graph, int at) {
     attribute_add(graph.word(quality), "@res");
 }
 
+// What somebody becomes or is called is one of a kind: "she became a doctor", "they became doctors".
+// (b / become-01 :ARG1 s :ARG2 (d / doctor)), (c / call-01 :ARG1 h :ARG2 (f / fool)).
+void become_apply(Rewriter& graph, int at) {
+  constexpr std::array kBecoming{"become", "remain", "stay"};
+  constexpr std::array kCalling{"call", "consider", "deem", "label", "dub", "nickname"};
+  const bool is_becoming = is_one_of(graph, at, kBecoming);
+  if (graph.word(at).sense.empty() || (!is_becoming && !is_one_of(graph, at, kCalling))) return;
+  int led = graph.child(at, "ARG2");
+  if (led < 0 && is_becoming) led = graph.child(at, "ARG3");
+  const int subject = graph.child(at, "ARG1");
+  if (led < 0 || subject < 0) return;
+  const int kind = graph.arc(led).to;
+  const Concept& word = graph.word(kind);
+  if (!word.sense.empty() || word.variable.empty() || has_attribute(word, "@name") || is_pronoun(graph, kind)) return;
+  if (graph.mentions(kind) > 1 || is_unknown(graph, kind) || is_joining(graph, kind) || has_attribute(word, "@pl"))
+    return;
+  for (const char* role : {"poss", "org", "part-of", "ord", "quant", "superlative-of"}) {
+    if (graph.child(kind, role) >= 0) return;
+  }
+  constexpr std::array kSeveral{"they", "we", "these", "those"};
+  const int who = graph.arc(subject).to;
+  const bool is_several = is_one_of(graph, who, kSeveral) || has_attribute(graph.word(who), "@pl");
+  attribute_add(graph.word(kind), is_several ? "@pl" : "@indef");
+}
+
+// Adjectives whose subject is what is judged, and what stands in front of who judges it: "useful to us".
+struct Judged {
+  const char* name;
+  const char* preposition;
+};
+
+constexpr Judged kJudged[] = {{"acceptable", "to"},     {"accessible", "to"},       {"visible", "to"},
+                              {"invisible", "to"},      {"audible", "to"},          {"useful", "to"},
+                              {"useless", "to"},        {"unacceptable", "to"},     {"understandable", "to"},
+                              {"inaccessible", "to"},   {"recognizable", "to"},     {"valuable", "to"},
+                              {"noticeable", "to"},     {"desirable", "to"},        {"inconceivable", "to"},
+                              {"apparent", "to"},       {"incomprehensible", "to"}, {"preferable", "to"},
+                              {"tolerable", "to"},      {"unknown", "to"},          {"funny", "to"},
+                              {"precious", "to"},       {"affordable", "for"},      {"enjoyable", "for"},
+                              {"profitable", "for"},    {"unbearable", "for"},      {"attainable", "for"},
+                              {"unforgettable", "for"}, {"habitable", "for"},       {"predictable", "for"},
+                              {"unavoidable", "for"},   {"imaginable", "to"},       {"sick", "of"},
+                              {"available", "to"},      {"believable", "to"},       {"unpredictable", "for"}};
+
+// (u / useful-05 :ARG0 (f / farmer) :ARG1 (t / tool)): the tool is useful to the farmer.
+void judged_apply(Rewriter& graph, int at) {
+  const int judge = graph.word(at).sense.empty() ? -1 : graph.child(at, "ARG0");
+  if (judge < 0 || graph.argument(at, "ARG1") < 0) return;
+  for (const Judged& one : kJudged) {
+    if (graph.word(at).name != one.name) continue;
+    const int preposition = graph.add_concept(one.preposition);
+    const int person = graph.arc(judge).to;
+    graph.replace(judge, at, preposition, "prep");
+    graph.add(preposition, person, "op1");
+    return;
+  }
+}
+
+// (a / afraid-01 :ARG0 g :ARG1 (d / dog)): "afraid of the dog".
+void feeling_of_apply(Rewriter& graph, int at) {
+  constexpr std::array kOf{"proud", "ashamed", "afraid", "fond", "jealous", "weary", "envious", "frightened", "scared"};
+  const int what = graph.word(at).sense.empty() || !is_one_of(graph, at, kOf) ? -1 : graph.child(at, "ARG1");
+  if (what < 0 || graph.argument(at, "ARG0") < 0 || is_event(graph, graph.arc(what).to)) return;
+  const int preposition = graph.add_concept("of");
+  const int thing = graph.arc(what).to;
+  graph.replace(what, at, preposition, "prep");
+  graph.add(preposition, thing, "op1");
+}
+
+// (c / cruel-01 :ARG0 s :ARG1 (l / leave-15 :ARG0 s)): "it is cruel of her to leave".
+void behaving_apply(Rewriter& graph, int at) {
+  constexpr std::array kBehaving{"cruel",   "rude",     "evil",     "kind",   "wise",   "stupid",
+                                 "selfish", "generous", "brave",    "unfair", "unkind", "clever",
+                                 "foolish", "silly",    "careless", "nice",   "polite", "brutal"};
+  const bool is_behaving = !graph.word(at).sense.empty() && is_one_of(graph, at, kBehaving);
+  const int who = is_behaving ? graph.child(at, "ARG0") : -1;
+  const int deed = is_behaving ? graph.child(at, "ARG1") : -1;
+  if (who < 0 || deed < 0 || !is_event(graph, graph.arc(deed).to)) return;
+  const int act = graph.arc(deed).to;
+  const int person = graph.arc(who).to;
+  const int own = graph.child(act, "ARG0");
+  if (own < 0 || graph.arc(own).to != person || graph.parent(act) != deed) return;
+  graph.remove(own, Fate::relation);
+  const int preposition = graph.add_concept("of");
+  graph.replace(who, at, preposition, "prep");
+  graph.add(preposition, person, "op1");
+  attribute_add(graph.word(at), "@xinf");
+}
+
+// "He worked very hard": how very is said of the manner, though a bank may write it at the verb. "She left for the city."
+void manner_apply(Rewriter& graph, int at) {
+  if (!is_event(graph, at)) return;
+  const int degree = graph.child(at, "degree");
+  const int manner = graph.child(at, "manner");
+  constexpr std::array kVery{"very", "so", "too", "more", "extremely", "rather", "quite"};
+  const bool is_open = degree >= 0 && manner >= 0 && is_one_of(graph, graph.arc(degree).to, kVery) &&
+                       graph.word(graph.arc(manner).to).sense.empty() && graph.children(graph.arc(manner).to).empty() &&
+                       graph.mentions(graph.arc(manner).to) == 1;
+  if (is_open) graph.arc(degree).from = graph.arc(manner).to;
+  const int goal = graph.is(at, "leave", "11") || graph.is(at, "leave", "15") || graph.is(at, "depart", "01")
+                       ? graph.child(at, "destination")
+                       : -1;
+  if (goal >= 0 && graph.word(graph.arc(goal).to).name != "home") graph.arc(goal).role = "beneficiary";
+}
+
+// The place of a quality among several in front of a noun, "a big old red hat": size, age, colour; 0 for others.
+int quality_rank(const std::string& name) {
+  constexpr std::array kSizes{"big",  "small", "large", "tiny", "huge",     "long",  "short",
+                              "tall", "high",  "low",   "wide", "enormous", "thick", "thin"};
+  constexpr std::array kAges{"old", "new", "young", "ancient", "modern"};
+  constexpr std::array kColors{"red",  "blue",  "green", "yellow", "black",  "white",
+                               "gray", "brown", "pink",  "orange", "purple", "golden"};
+  return is_listed(name, kSizes) ? 1 : is_listed(name, kAges) ? 2 : is_listed(name, kColors) ? 3 : 0;
+}
+
+// Those of the qualities of a noun that have a place take it; the others stay where the source has them.
+void qualities_apply(Rewriter& graph, int at) {
+  std::vector<int> ranked;
+  for (const int led : graph.children(at)) {
+    const int quality = graph.arc(led).to;
+    const bool is_plain = graph.arc(led).role == "mod" && !graph.arc(led).inverse && graph.word(quality).sense.empty();
+    if (is_plain && quality_rank(graph.word(quality).name) > 0) ranked.push_back(led);
+  }
+  const auto rank = [&](int led) { return quality_rank(graph.word(graph.arc(led).to).name); };
+  for (std::size_t i = 1; i < ranked.size(); ++i) {
+    for (std::size_t j = i; j > 0 && rank(ranked[j - 1]) > rank(ranked[j]); --j)
+      std::swap(graph.arc(ranked[j - 1]), graph.arc(ranked[j]));
+  }
+}
+
 // Who exclaims how great something is does not ask.
 void exclaim_apply(Rewriter& graph, int at) {
   const int led = graph.is(at, "exclaim", "01") ? graph.child(at, "ARG1") : -1;
   if (led >= 0 && graph.child(graph.arc(led).to, "degree") >= 0 &&
       !has_attribute(graph.word(graph.arc(led).to), "@int"))
     attribute_add(graph.word(graph.arc(led).to), "@exp");
+  // "How beautiful it is!", in a bank that writes the word.
+  const int degree = has_attribute(graph.word(at), "@exp") ? graph.child(at, "degree") : -1;
+  if (degree >= 0 && graph.is(graph.arc(degree).to, "how")) graph.word(graph.arc(degree).to).name = "amr-unknown";
 }
 
 // :time (t / time :mod every :time-of (r / rain-01)): "whenever it rains".
@@ -336,7 +583,16 @@ void how_apply(Rewriter& graph, int at) {
 // exist-01 becomes exist-91, a name of the import's own, so that the dictionary need not tell two meanings of the verb
 // apart: "ghosts exist" stays exist-01.
 void exist_apply(Rewriter& graph, int at) {
-  const int led = graph.is(at, "exist", "01") ? graph.child(at, "ARG1") : -1;
+  // UMR's frame of being there names the place first.
+  const int there = graph.is(at, "exist", "91") ? graph.child(at, "ARG2") : -1;
+  if (there >= 0) {
+    if (const int place = graph.child(at, "ARG1"); place >= 0) graph.arc(place).role = "location";
+    graph.arc(there).role = "ARG1";
+  }
+  // "There is no choice": what nobody has.
+  bool is_had = graph.is(at, "have", "03") && graph.argument(at, "ARG0") < 0 && !has_attribute(graph.word(at), "@imp");
+  for (const char* role : {"understood", "shared", "questioned", "ARG2"}) is_had &= graph.child(at, role) < 0;
+  const int led = graph.is(at, "exist", "01") || there >= 0 || is_had ? graph.child(at, "ARG1") : -1;
   if (led < 0) return;
   const int thing = graph.arc(led).to;
   const Concept& word = graph.word(thing);
@@ -355,6 +611,7 @@ void exist_apply(Rewriter& graph, int at) {
     is_new |= graph.is(quality, "another") || graph.is(quality, "other") || graph.is(quality, "such");
   }
   if (!is_new) return;
+  graph.word(at).name = "exist";
   graph.word(at).sense = "91";
   attribute_add(graph.word(at), has_attribute(word, "@pl") ? "@theres" : "@there");
   if (std::erase(graph.word(at).attributes, "@neg") > 0) attribute_add(graph.word(thing), "@neg");
@@ -382,12 +639,22 @@ void step_predicates(Meaning& meaning) {
     exist_apply(graph, at);
     seeming_apply(graph, at);
     becoming_apply(graph, at);
+    become_apply(graph, at);
+    judged_apply(graph, at);
+    feeling_of_apply(graph, at);
+    manner_apply(graph, at);
+    qualities_apply(graph, at);
+    behaving_apply(graph, at);
     exclaim_apply(graph, at);
     whenever_apply(graph, at);
     how_apply(graph, at);
+    first_to_apply(graph, at);
   }
   for (Arc& one : meaning.arcs) denial_apply(graph, one), measure_apply(graph, one), next_apply(graph, one);
-  for (std::size_t i = 0; i < meaning.arcs.size(); ++i) only_apply(graph, static_cast<int>(i));
+  for (std::size_t i = 0; i < meaning.arcs.size(); ++i) {
+    only_apply(graph, static_cast<int>(i));
+    also_apply(graph, static_cast<int>(i));
+  }
   presented_apply(graph);
   existing_apply(graph);
 }

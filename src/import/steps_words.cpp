@@ -22,8 +22,12 @@ std::string number_text(const std::string& digits) {
   if (digits.size() < 5 || digits[0] == '0' || digits.find_first_not_of("0123456789") != digits.npos) return digits;
   constexpr std::pair<std::size_t, const char*> kUnits[] = {{12, " trillion"}, {9, " billion"}, {6, " million"}};
   for (const auto& [zeros, unit] : kUnits) {
-    const bool is_whole = digits.size() > zeros && digits.find_last_not_of('0') < digits.size() - zeros;
-    if (is_whole) return digits.substr(0, digits.size() - zeros) + unit;
+    if (digits.size() <= zeros) continue;
+    const std::size_t whole = digits.size() - zeros;
+    const std::size_t last = digits.find_last_not_of('0');
+    if (last < whole) return digits.substr(0, whole) + unit;
+    // "1.2 billion".
+    if (last <= whole + 1) return digits.substr(0, whole) + '.' + digits.substr(whole, last + 1 - whole) + unit;
   }
   std::string text;
   for (std::size_t i = 0; i < digits.size(); ++i) {
@@ -98,6 +102,11 @@ void name_apply(Rewriter& graph, int at, int led) {
   attribute_add(named, "@name");
   const std::string type = named.name;
   attribute_add(named, "@" + type);
+  constexpr std::array kPeople{"man",       "woman",   "boy",     "girl",     "child",     "king",   "queen",
+                               "president", "teacher", "actor",   "actress",  "singer",    "writer", "author",
+                               "doctor",    "mayor",   "officer", "minister", "professor", "player", "prince",
+                               "princess",  "uncle",   "aunt",    "brother",  "sister",    "friend"};
+  if (is_listed(type, kPeople)) attribute_add(named, "@person");
   if (takes_article(type, text)) attribute_add(named, "@the");
   if (text.ends_with('s')) attribute_add(named, "@ends");
   named.name = text;
@@ -155,6 +164,9 @@ void step_dates(Meaning& meaning) {
     if (led < 0) continue;
     const std::string part = graph.arc(led).role;
     const int head = graph.arc(led).to;
+    // "At 12:20 yesterday".
+    const int day = part == "time" ? graph.child(at, "mod") : -1;
+    if (day >= 0) graph.arc(day).role = "weekday";
     attribute_add(graph.word(head), "@date");
     attribute_add(graph.word(head), "@" + part);
     // The dictionary has months by number, month(>7), and no other word is called so.
@@ -196,6 +208,9 @@ void position_apply(Rewriter& graph, int at) {
   const int led = distance >= 0 ? distance : graph.child(at, "direction");
   if (led < 0) return;
   if (point >= 0) graph.arc(point).role = distance >= 0 ? "source" : "part-of";
+  // "Ten miles away."
+  if (point >= 0 && distance >= 0 && graph.is(graph.arc(point).to, "here"))
+    graph.word(graph.arc(point).to).name = "away";
   graph.stand_in(at, led, Fate::word);
 }
 
@@ -216,6 +231,12 @@ void multiple_apply(Rewriter& graph, int at) {
   const int number = graph.arc(inner >= 0 ? inner : led).to;
   if (graph.is(number, "few")) graph.word(number).name = "a-few";
   if (!graph.is(at, "multiple")) return;
+  // "For weeks".
+  if (inner >= 0 && graph.is(number, "1")) {
+    graph.remove(inner, Fate::attribute);
+    attribute_add(graph.word(graph.arc(led).to), "@pl");
+    return graph.stand_in(at, led, Fate::word);
+  }
   for (const auto& [digits, word] : kPowers) {
     if (!graph.is(number, digits)) continue;
     if (inner >= 0) {
@@ -278,12 +299,24 @@ void pointing_time_apply(Rewriter& graph) {
   }
 }
 
+// Whoever is of a country are its people: "French people".
+void people_apply(Rewriter& graph, int at) {
+  const int led = graph.is(at, "person") && graph.children(at).size() == 1 ? graph.child(at, "mod") : -1;
+  const bool is_known = has_attribute(graph.word(at), "@sg") || has_attribute(graph.word(at), "@pl");
+  if (led >= 0 && !is_known && has_attribute(graph.word(graph.arc(led).to), "@country"))
+    attribute_add(graph.word(at), "@pl");
+}
+
 // A quantity becomes its unit; without one it is the thing that is measured.
 // (d / distance-quantity :quant 3 :unit (m / mile)) becomes mile.@measure with :quant 3.
 void unit_apply(Rewriter& graph, int at) {
   const bool is_quantity = graph.word(at).name.ends_with("-quantity") && graph.word(at).sense.empty();
   if (const int unit = is_quantity ? graph.child(at, "unit") : -1; unit >= 0) {
+    // One unit of two quantities is two words: "between two and three years".
+    if (graph.mentions(graph.arc(unit).to) > 1)
+      graph.arc(unit).to = graph.add_concept(std::string(graph.word(graph.arc(unit).to).name));
     attribute_add(graph.word(graph.arc(unit).to), "@measure");
+    if (has_attribute(graph.word(at), "@pl")) attribute_add(graph.word(graph.arc(unit).to), "@pl");
     graph.stand_in(at, unit, Fate::word);
   }
   if (graph.child(at, "unit") < 0) {
@@ -312,6 +345,11 @@ void entity_value_apply(Rewriter& graph, int at) {
       graph.replace(value, at, head, "quant");
     } else {
       if (is_ordinal) graph.word(head).sense = "ord", attribute_add(graph.word(head), "@ord");
+      // "The first bridge in ten years".
+      const int range = is_ordinal ? graph.child(at, "range") : -1;
+      const int noun = graph.parent(at);
+      if (range >= 0 && noun >= 0 && !graph.arc(noun).inverse)
+        graph.replace(range, graph.arc(noun).from, graph.arc(range).to, "location");
       graph.stand_in(at, value, Fate::word);
     }
   }
@@ -334,10 +372,19 @@ void determiners_apply(Rewriter& graph) {
                           (is_pointing && graph.is(one.to, "all"));
     const int above = is_moved ? graph.parent(one.from) : -1;
     if (above >= 0 && graph.arc(above).role == "mod" && !graph.arc(above).inverse) one.from = graph.arc(above).from;
+    // "Many other towns".
+    constexpr std::array kCounting{"many", "several", "few"};
+    const int counted = graph.is(one.from, "other") && is_listed(name, kCounting) ? graph.parent(one.from) : -1;
+    if (counted >= 0 && graph.arc(counted).role == "mod" && !graph.arc(counted).inverse) {
+      one.from = graph.arc(counted).from;
+      one.role = "quant";
+    }
     if (graph.word(one.to).variable.empty() && is_number(name)) one.role = "number";
     const bool is_several = is_listed(name, kSeveral);
     const bool is_all_that = graph.is(one.from, "that") || graph.is(one.from, "this");
-    if (is_several && !is_all_that && graph.word(one.from).sense.empty()) attribute_add(graph.word(one.from), "@pl");
+    // The noun of an event below "other" is several, too: "from all other attempts".
+    if (is_several && !is_all_that && (graph.word(one.from).sense.empty() || is_moved))
+      attribute_add(graph.word(one.from), "@pl");
   }
 }
 
@@ -355,7 +402,12 @@ void counted_apply(Rewriter& graph) {
     const bool is_plain = number.sense.empty() && is_number(number.name);
     const bool is_lot =
         number.name == "lot" && graph.word(one.from).sense.empty() && !is_uncounted(graph.word(one.from).name);
-    const bool is_many = is_lot || is_listed(number.name, kMany);
+    constexpr std::array kPeople{"person",   "man",     "woman",  "child",   "boy",   "girl",    "friend",
+                                 "farmer",   "soldier", "animal", "tree",    "house", "book",    "flower",
+                                 "animal",   "bird",    "dog",    "country", "city",  "company", "letter",
+                                 "question", "problem", "place",  "thing",   "word",  "idea"};
+    const bool is_some = number.name == "some" && is_one_of(graph, one.from, kPeople);
+    const bool is_many = is_lot || is_some || is_listed(number.name, kMany);
     if (is_plain || is_many) attribute_add(graph.word(one.from), number.name == "1" ? "@sg" : "@pl");
   }
 }
@@ -379,6 +431,7 @@ void step_quantities(Meaning& meaning) {
   determiners_apply(graph);
   counted_apply(graph);
   for (int at = 0; at < graph.count(); ++at) {
+    people_apply(graph, at);
     multiple_apply(graph, at);
     few_apply(graph, at);
     others_apply(graph, at);
@@ -404,8 +457,22 @@ bool has_role(Rewriter& graph, int at) {
   return false;
 }
 
+// A noun that nothing counts is several.
+void several_apply(Rewriter& graph, int at) {
+  Concept& word = graph.word(at);
+  constexpr std::array kGroups{"group", "crowd", "people", "family", "crew", "team", "public", "population", "debris"};
+  const bool is_noun = word.sense.empty() && !word.variable.empty() && !has_attribute(word, "@name") &&
+                       !has_attribute(word, "@sg") && !is_personal_pronoun(graph, at) && !is_unknown(graph, at);
+  constexpr std::array kJoining{"and", "or", "this", "that", "these", "those", "other", "thing"};
+  if (is_noun && graph.child(at, "quant") < 0 && !is_listed(word.name, kGroups) && !is_listed(word.name, kJoining))
+    attribute_add(word, "@pl");
+}
+
 // Words that mean something else together than one by one.
 void idiom_apply(Rewriter& graph, int at) {
+  // "Far from the city".
+  const int distant = graph.is(at, "far") ? graph.child(at, "op1") : -1;
+  if (distant >= 0) graph.arc(distant).role = "source";
   for (const int led : graph.children(at)) {
     const int word = graph.arc(led).to;
     if (graph.arc(led).inverse || !graph.children(word).empty()) continue;
@@ -431,8 +498,39 @@ void idiom_apply(Rewriter& graph, int at) {
     graph.remove(of, Fate::word);
     graph.word(at).name = "example";
   }
+  // "Exactly", she said: an answer in one word is an adverb.
+  constexpr std::array kAnswers{"exact", "absolute", "precise", "definite", "certain", "probable", "obvious",
+                                "total", "natural",  "indeed",  "sure",     "perfect", "literal",  "honest"};
+  const int said = graph.parent(at);
+  const bool is_answer = graph.word(at).sense.empty() && is_listed(graph.word(at).name, kAnswers) &&
+                         graph.children(at).empty() && (said < 0 || graph.is(graph.arc(said).from, "say", "01"));
+  if (is_answer) attribute_add(graph.word(at), "@answer");
+  // Among and between is several, and what something breaks into.
+  const int within =
+      graph.is(at, "among") || (graph.is(at, "between") && graph.child(at, "op2") < 0) ? graph.child(at, "op1") : -1;
+  if (within >= 0) several_apply(graph, graph.arc(within).to);
+  constexpr std::array kBreaking{"break", "split", "divide", "cut", "tear", "smash", "shatter", "chop", "slice", "rip"};
+  constexpr std::array kPieces{"piece",    "part",  "half",  "bit",   "slice",
+                               "fragment", "strip", "chunk", "shred", "section"};
+  for (const char* role : {"ARG2", "ARG3", "consequence", "destination"}) {
+    const int led = is_one_of(graph, at, kBreaking) ? graph.child(at, role) : -1;
+    if (led >= 0 && is_one_of(graph, graph.arc(led).to, kPieces)) several_apply(graph, graph.arc(led).to);
+  }
+  // Each of several people has a hand: their hands.
+  const int owner = graph.child(at, "part", true) >= 0 ? graph.child(at, "part", true) : graph.child(at, "poss");
+  const bool is_theirs = owner >= 0 && (graph.is(graph.arc(owner).to, "they") || graph.is(graph.arc(owner).to, "we") ||
+                                        has_attribute(graph.word(graph.arc(owner).to), "@pl"));
+  constexpr std::array kBody{"head",   "hand", "eye",  "ear",   "leg",   "arm",   "foot",     "face",
+                             "nose",   "back", "neck", "heart", "mouth", "lip",   "shoulder", "knee",
+                             "finger", "tail", "wing", "body",  "brain", "tooth", "chest",    "throat"};
+  if (is_theirs && is_one_of(graph, at, kBody)) several_apply(graph, at);
   // (t / that :ARG0-of (w / watch-01)): those that watched.
-  if (graph.is(at, "that") && graph.child(at, "ARG0", true) >= 0) attribute_add(graph.word(at), "@pl");
+  if (graph.is(at, "that") && graph.child(at, "ARG0", true) >= 0) {
+    attribute_add(graph.word(at), "@pl");
+    attribute_add(graph.word(at), "@person");
+    // "Many people who want it": a number has no pronoun behind it.
+    graph.word(at).name = graph.child(at, "quant") >= 0 ? "person" : "those";
+  }
   // (t / time :mod (a / all)): all the time.
   const int above = graph.is(at, "time") && graph.children(at).size() == 1 ? graph.parent(at) : -1;
   const int all = above < 0 ? -1 : graph.child(at, "mod");
@@ -453,9 +551,31 @@ void rest_apply(Rewriter& graph, int at) {
   if (led < 0 || !graph.is(graph.arc(led).to, "rest") || graph.mentions(graph.arc(led).to) > 1) return;
   const int rest = graph.arc(led).to;
   graph.redirect(at, rest);
+  attribute_add(graph.word(rest), "@several");
   graph.replace(led, rest, at, "part-of");
   attribute_add(graph.word(at), "@pl");
   attribute_add(graph.word(at), "@def");
+}
+
+// (b / bird :mod (k / kind :mod (a / all))): all kinds of birds. What has nothing beside it is no such head: "kind".
+void kind_apply(Rewriter& graph, int at) {
+  constexpr std::array kKinds{"kind", "type", "sort", "breed", "brand", "genre", "species", "variety"};
+  constexpr std::array kManyKinds{"all", "many", "several", "various", "different", "other", "these", "those", "both"};
+  const int led = graph.word(at).sense.empty() && !has_attribute(graph.word(at), "@name") ? graph.child(at, "mod") : -1;
+  const int kind = led < 0 ? -1 : graph.arc(led).to;
+  if (kind < 0 || !is_one_of(graph, kind, kKinds) || !graph.word(kind).sense.empty() || graph.mentions(kind) > 1)
+    return;
+  const std::vector<int> below = graph.children(kind);
+  if (below.empty() || is_personal_pronoun(graph, at)) return;
+  bool is_several = has_attribute(graph.word(kind), "@pl");
+  for (const int one : below) {
+    is_several |= is_listed(graph.word(graph.arc(one).to).name, kManyKinds);
+    if (graph.arc(one).inverse && graph.arc(one).role == "mod") return;
+  }
+  graph.redirect(at, kind);
+  graph.replace(led, kind, at, "part-of");
+  if (is_several) attribute_add(graph.word(kind), "@pl");
+  attribute_add(graph.word(at), is_several && !is_uncounted(graph.word(at).name) ? "@pl" : "@noart");
 }
 
 // "Some person" is someone, "every thing" everything. "Some people", a plural, stays what it is.
@@ -501,6 +621,7 @@ void step_pronouns(Meaning& meaning) {
   for (int at = 0; at < graph.count(); ++at) someone_apply(graph, at);
   for (int at = 0, end = graph.count(); at < end; ++at) {
     rest_apply(graph, at);
+    kind_apply(graph, at);
     idiom_apply(graph, at);
     Concept& word = graph.word(at);
     const int counted = word.name == "thing" && word.sense.empty() ? graph.child(at, "quant") : -1;

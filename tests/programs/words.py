@@ -35,7 +35,10 @@ FRAMES = """<frameset><predicate lemma="give_up"><roleset id="give_up.07"><alias
 <roles><role n="0"/><role n="1" descr="thing given up"/><role n="2" descr="instrument"/><role n="3" f="GOL" descr="whom"/></roles>
 <example><text>She gave up to sing</text><propbank><rel relloc="1">gave</rel><arg type="ARG0" start="0">She</arg><arg type="ARG1" start="3">to sing</arg></propbank></example>
 <example><text>She gave up that</text><propbank><rel relloc="2">gave</rel><arg type="ARG1" start="3">that</arg></propbank></example></roleset>
-<roleset id="fall.01"><aliases/><roles><role n="1" descr="thing falling"/><role n="2" descr="place fallen from"/></roles></roleset></predicate></frameset>"""
+<roleset id="fall.01"><aliases/><roles><role n="1" descr="thing falling"/><role n="2" descr="place fallen from"/></roles></roleset>
+<roleset id="meet.02"><aliases/><roles><role n="0"/><role n="1" f="COM"/><role n="2" f="EXT"/><role n="3" f="LOC"/></roles></roleset>
+<roleset id="pull.01"><aliases/><roles><role n="0"/><role n="1"/><role n="2" f="GOL" descr="direction"/><role n="3" f="MNR"/></roles>
+<example><text>She pulled a door home a rope</text><propbank><rel relloc="1">pulled</rel><arg type="ARG0" start="0">She</arg><arg type="ARG1" start="2">a door</arg><arg type="ARG2" start="4">home</arg><arg type="ARG3" start="5">a rope</arg></propbank></example></roleset></predicate></frameset>"""
 
 
 def entry(form, concept, attributes, frequency=0, language=".", ident=""):
@@ -62,8 +65,8 @@ IMPORTS = [
      "wn/data.noun:4: not a synset of WordNet\n9 entries, 1 word left out, 1 bad line\n"),
     (["--from", "wordnet", "u.tsv"], 1, "", "u.tsv: not a file of WordNet that holds words: name data.noun and its like, or noun.exc, or their folder\n"),
     (["--from", "propbank", "frames"], 1, entry("give up", "give-up(>07)", "V,INF1,p2with,p3to,LVmake") + entry("surrender", "give-up(>07)", "N,NMZ,INF1,p2with,p3to,LVmake")
-     + entry("fall", "fall(>01)", "V,SA1,p2from"),
-     "frames/sing.xml:2: the file is left out, as it is not well-formed: Start-end tags mismatch\n3 entries, 1 bad line\n"),
+     + entry("fall", "fall(>01)", "V,SA1,p2from") + entry("meet", "meet(>02)", "V,p1with,p2by,p3in") + entry("pull", "pull(>01)", "V,p2to,p3with"),
+     "frames/sing.xml:2: the file is left out, as it is not well-formed: Start-end tags mismatch\n5 entries, 1 bad line\n"),
     (["--from", "propbank", "wn"], 1, "", "wn: no frame file (.xml) is in this folder\n"),
     (["--from", "unimorph"], 2, "", "no list is named: write it behind the options, - for standard input\n"),
 ]

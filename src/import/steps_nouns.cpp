@@ -1,0 +1,268 @@
+// A step about events that English says by nouns: "his hope of a rescue", "a short visit", and people and groups that a
+// frame names: "their employees", "a pair of shoes".
+#include <algorithm>
+#include <array>
+
+#include "import/rewriter.hpp"
+#include "import/steps.hpp"
+
+namespace lexon {
+namespace {
+
+// Verbs whose object is an event as a thing: nobody rejects that something was proposed, but a proposal.
+constexpr std::array kOfEvents{
+    "reject",     "support",  "describe",  "criticize", "discuss",  "condemn",     "praise",    "welcome",
+    "oppose",     "approve",  "examine",   "endorse",   "witness",  "accelerate",  "hinder",    "facilitate",
+    "cause",      "trigger",  "spark",     "provoke",   "increase", "decrease",    "reduce",    "improve",
+    "strengthen", "weaken",   "limit",     "restrict",  "control",  "regulate",    "measure",   "evaluate",
+    "assess",     "review",   "analyze",   "follow",    "survive",  "celebrate",   "mourn",     "fund",
+    "finance",    "organize", "oversee",   "supervise", "monitor",  "win",         "attract",   "accept",
+    "earn",       "gain",     "interrupt", "break",     "promote",  "foster",      "encourage", "inspire",
+    "ban",        "await",    "demand",    "seek",      "attack",   "defend",      "justify",   "repeat",
+    "exploit",    "base",     "trust",     "carry-out", "call-off", "postpone",    "cancel",    "delay",
+    "reverse",    "halt",     "resume",    "revive",    "study",    "investigate", "ignore",    "neglect",
+    "honor",      "rely",     "depend"};
+
+// Verbs that say little themselves: who is their subject does what the noun says, and is not said again.
+constexpr std::array kLight{"have",    "give",   "make",       "receive", "lack",    "provide", "do",
+                            "lose",    "get",    "hold",       "perform", "conduct", "commit",  "undertake",
+                            "undergo", "suffer", "experience", "launch",  "face"};
+
+// What is said of an event as of a thing: how long, great or strong it is.
+constexpr std::array kOfThings{
+    "strong",    "weak",      "deep",    "short",   "long",     "brief",  "great",   "big",        "small",
+    "large",     "high",      "low",     "slow",    "fast",     "quick",  "rapid",   "sudden",     "recent",
+    "frequent",  "rare",      "sharp",   "serious", "severe",   "old",    "new",     "intense",    "complete",
+    "full",      "thorough",  "careful", "loud",    "quiet",    "bloody", "violent", "successful", "joint",
+    "secret",    "public",    "legal",   "illegal", "fierce",   "heated", "mutual",  "final",      "first",
+    "last",      "unanimous", "massive", "huge",    "enormous", "late",   "early",   "peaceful",   "expensive",
+    "legendary", "famous",    "warm",    "cold",    "cool",     "bitter"};
+
+// What makes somebody feel something; of other verbs the person it is done to is no subject.
+constexpr std::array kFeelings{
+    "surprise", "please",    "delight",  "shock",      "amaze",     "astonish",  "sadden",  "excite",   "thrill",
+    "annoy",    "embarrass", "frighten", "scare",      "upset",     "horrify",   "relieve", "honor",    "amuse",
+    "dismay",   "puzzle",    "disgust",  "disappoint", "anger",     "irritate",  "move",    "worry",    "interest",
+    "bore",     "confuse",   "content",  "discourage", "encourage", "fascinate", "satisfy", "stun",     "astound",
+    "flatter",  "overjoy",   "appall",   "startle",    "baffle",    "enrage",    "perplex", "gratify",  "humiliate",
+    "shame",    "reassure",  "charm",    "enchant",    "touch",     "alarm",     "depress", "distress", "impress",
+    "intrigue", "outrage",   "tempt"};
+
+// Qualities of who feels, with what he feels it about: "glad about the news".
+constexpr std::array kFeelingQualities{"happy",        "unhappy",    "glad",        "sad",     "anxious",
+                                       "nervous",      "bitter",     "uneasy",      "giddy",   "curious",
+                                       "enthusiastic", "cynical",    "skeptical",   "touchy",  "content",
+                                       "stoked",       "optimistic", "pessimistic", "hopeful", "edgy"};
+
+bool is_one_clause(Rewriter& graph, int at) {
+  for (const char* mark : {"@can", "@must", "@should", "@may", "@neg", "@whether", "@int", "@ask", "@imp", "@quote"}) {
+    if (has_attribute(graph.word(at), mark)) return false;
+  }
+  return is_event(graph, at) && graph.child(at, "conjunct") < 0 && graph.child(at, "condition") < 0;
+}
+
+// "He gave a quick answer": what an act is like stands beside its noun.
+void event_to_noun(Rewriter& graph, int at) {
+  attribute_add(graph.word(at), "@nom");
+  attribute_add(graph.word(at), "@whose");
+  for (const int led : graph.children(at)) {
+    const Concept& word = graph.word(graph.arc(led).to);
+    const bool is_quality = graph.arc(led).role == "manner" && !graph.arc(led).inverse && word.sense.empty() &&
+                            !word.variable.empty() && graph.children(graph.arc(led).to).empty();
+    if (is_quality) graph.arc(led).role = "mod";
+  }
+}
+
+// Who takes part in the event and is named by the clause above: "she had great hopes", "walking tired him".
+void drop_again(Rewriter& graph, int event, int person) {
+  for (const char* role : {"ARG0", "ARG1"}) {
+    const int led = graph.child(event, role);
+    if (led >= 0 && graph.arc(led).to == person) graph.remove(led, Fate::relation);
+  }
+}
+
+// The object of a verb that governs no clause, and of one that says little: "they made a decision".
+void object_apply(Rewriter& graph, int at) {
+  const int led = graph.word(at).sense.empty() ? -1 : graph.child(at, "ARG1");
+  if (led < 0 || graph.parent(graph.arc(led).to) != led) return;
+  const int event = graph.arc(led).to;
+  const bool is_light = is_one_of(graph, at, kLight);
+  // "She had no interest": it is the verb that is denied.
+  if (graph.is(at, "have", "03") && !has_attribute(graph.word(at), "@neg") && is_event(graph, event) &&
+      std::erase(graph.word(event).attributes, "@neg") > 0)
+    attribute_add(graph.word(at), "@neg");
+  if (!is_one_clause(graph, event)) return;
+  if (!is_light && !is_one_of(graph, at, kOfEvents)) return;
+  // Who lets somebody do something: "it made him laugh".
+  if (graph.is(at, "make", "02") || graph.is(at, "have", "04") || graph.is(at, "get", "04")) return;
+  event_to_noun(graph, event);
+  if (!is_light) return;
+  // "She has a great hope": what it is a hope of makes it known.
+  bool is_known = false;
+  for (const char* mark : {"this", "that", "same", "such", "any", "no", "every", "all", "some", "other", "more"}) {
+    for (const int below : graph.children(event)) is_known |= graph.is(graph.arc(below).to, mark);
+  }
+  if (!is_known && graph.child(event, "ARG1") < 0 && graph.child(event, "poss") < 0 && graph.child(event, "ord") < 0)
+    attribute_add(graph.word(event), "@indef");
+  const int giver = graph.argument(at, "ARG0");
+  if (giver >= 0) drop_again(graph, event, graph.other(giver, at));
+}
+
+// "They waited for an answer": of whom nobody tells that he does anything, as no argument of any clause is named, it is
+// a thing. What is begun or wanted is an infinitive all the same.
+void bare_apply(Rewriter& graph, int at) {
+  constexpr std::array kActing{"want",  "begin",    "start",    "continue", "stop",  "try",    "let",   "make",
+                               "cease", "able",     "capable",  "ready",    "allow", "permit", "help",  "finish",
+                               "go",    "come",     "keep",     "like",     "love",  "hate",   "enjoy", "avoid",
+                               "learn", "have",     "obligate", "oblige",   "force", "compel", "ask",   "tell",
+                               "urge",  "persuade", "teach",    "invite",   "train"};
+  if (graph.word(at).sense.empty() || is_one_of(graph, at, kActing)) return;
+  for (const char* role : {"ARG1", "ARG2"}) {
+    const int led = graph.child(at, role);
+    const int event = led < 0 ? -1 : graph.arc(led).to;
+    const bool is_bare = event >= 0 && graph.parent(event) == led && graph.children(event).empty() &&
+                         graph.mentions(event) == 1 && is_one_clause(graph, event);
+    if (is_bare && graph.word(event).attributes.size() == 1) attribute_add(graph.word(event), "@nom");
+  }
+}
+
+// The subject of a quality of things, "his love is strong", and of a deed: "the loss of the key delayed us".
+void subject_apply(Rewriter& graph, int at) {
+  const bool is_deed = !graph.word(at).sense.empty() && graph.child(at, "ARG0") >= 0;
+  const int led = is_deed ? graph.child(at, "ARG0") : graph.child(at, graph.word(at).sense.empty() ? "domain" : "ARG1");
+  if (led < 0 || graph.parent(graph.arc(led).to) != led || !is_one_clause(graph, graph.arc(led).to)) return;
+  const int event = graph.arc(led).to;
+  if (graph.children(event).empty() || graph.child(event, "domain") >= 0) return;
+  const int whom = is_deed ? graph.child(at, "ARG1") : -1;
+  const bool is_felt = is_one_of(graph, at, kFeelings) || is_one_of(graph, at, kFeelingQualities);
+  if (is_deed ? is_felt || whom < 0 : !is_one_of(graph, at, kOfThings)) return;
+  event_to_noun(graph, event);
+  if (whom >= 0) drop_again(graph, event, graph.arc(whom).to);
+}
+
+// "She died in the defense of her home": an event of nobody is a place as a noun.
+void place_apply(Rewriter& graph, int at) {
+  const int led = graph.child(at, "location");
+  const int event = led < 0 ? -1 : graph.arc(led).to;
+  if (event < 0 || graph.parent(event) != led || !is_one_clause(graph, event) || graph.is(event, "be-located-at", "91"))
+    return;
+  const bool is_of_nobody = graph.child(event, "ARG0") < 0 && graph.child(event, "domain") < 0;
+  if (is_of_nobody && graph.child(event, "ARG1") >= 0 && graph.child(event, "location") < 0)
+    event_to_noun(graph, event);
+}
+
+// "All drawings", "another attempt": what is counted out by a determiner is a noun.
+void determined_apply(Rewriter& graph, int at) {
+  constexpr std::array kDeterminers{"all", "every", "each", "another", "these", "those", "many", "several", "such"};
+  const int above = graph.parent(at);
+  const bool is_part = above >= 0 && !graph.arc(above).inverse &&
+                       (graph.arc(above).role == "domain" || graph.arc(above).role.starts_with("ARG"));
+  if (!is_part || !is_one_clause(graph, at)) return;
+  // "His third attempt"; but "he was born first" tells when.
+  const int counted = graph.child(at, "ord");
+  if (counted >= 0 && graph.word(graph.arc(counted).to).name != "1" && graph.child(at, "time") < 0 &&
+      !has_attribute(graph.word(at), "@agent")) {
+    event_to_noun(graph, at);
+    return;
+  }
+  const int led = graph.child(at, "mod");
+  if (led < 0 || graph.arc(led).inverse || !is_one_of(graph, graph.arc(led).to, kDeterminers)) return;
+  if (!graph.children(graph.arc(led).to).empty() || has_attribute(graph.word(at), "@agent")) return;
+  event_to_noun(graph, at);
+  constexpr std::array kOne{"every", "each", "another", "such"};
+  if (!is_one_of(graph, graph.arc(led).to, kOne)) attribute_add(graph.word(at), "@pl");
+}
+
+// "Their decision to leave": what is decided has the same subject, and where nobody is named it is an infinitive, too.
+void bare_infinitive_apply(Rewriter& graph, int at) {
+  constexpr std::array kWilling{"decide",   "try",    "attempt", "refuse",  "promise",  "plan",    "intend",
+                                "threaten", "vow",    "pledge",  "manage",  "hesitate", "strive",  "aim",
+                                "offer",    "choose", "learn",   "prepare", "desire",   "propose", "agree",
+                                "want",     "hope",   "wish",    "need"};
+  const int led = graph.word(at).sense.empty() || !is_one_of(graph, at, kWilling) ? -1 : graph.child(at, "ARG1");
+  if (led < 0 || graph.argument(at, "ARG0") >= 0 || graph.parent(graph.arc(led).to) != led) return;
+  const int event = graph.arc(led).to;
+  if (!is_one_clause(graph, event) || graph.child(event, "ARG0") >= 0 || graph.child(event, "ord") >= 0) return;
+  if (graph.child(event, "mod") < 0 && graph.child(event, "poss") < 0) attribute_add(graph.word(event), "@bareinf");
+}
+
+// "The possibility of war".
+void possibility_apply(Rewriter& graph, int at) {
+  const int led = graph.is(at, "possible", "01") ? graph.child(at, "ARG1") : -1;
+  const int above = led < 0 ? -1 : graph.parent(at);
+  if (above < 0 || graph.arc(above).inverse || !graph.arc(above).role.starts_with("ARG")) return;
+  const Concept& what = graph.word(graph.arc(led).to);
+  if (!what.sense.empty() || what.variable.empty() || graph.child(graph.arc(led).to, "domain") >= 0) return;
+  graph.word(at).name = "possibility";
+  graph.word(at).sense.clear();
+  graph.word(at).attributes.clear();
+  graph.arc(led).role = "org";
+}
+
+// "The boy is glad about the news": who feels is the subject, whatever number the bank gives him.
+void feeling_apply(Rewriter& graph, int at) {
+  const bool is_felt = !graph.word(at).sense.empty() && is_one_of(graph, at, kFeelingQualities);
+  if (is_felt && graph.child(at, "ARG0") >= 0 && graph.child(at, "ARG1") >= 0) attribute_add(graph.word(at), "@psv");
+}
+
+// Who is named by what is done to him: "their employees", "the victims of the storm".
+void patient_apply(Rewriter& graph, int at) {
+  constexpr std::pair<const char*, const char*> kNamed[] = {
+      {"employ", "employee"},       {"imprison", "prisoner"}, {"jail", "prisoner"},   {"detain", "detainee"},
+      {"nominate", "nominee"},      {"victimize", "victim"},  {"suspect", "suspect"}, {"evacuate", "evacuee"},
+      {"interview", "interviewee"}, {"appoint", "appointee"}, {"train", "trainee"},   {"deport", "deportee"}};
+  const int led = graph.is(at, "person") ? graph.child(at, "ARG1", true) : -1;
+  if (led < 0 || graph.child(at, "ARG0", true) >= 0) return;
+  const int frame = graph.arc(led).to;
+  const std::vector<int> below = graph.children(frame);
+  const bool is_plain =
+      std::all_of(below.begin(), below.end(), [&](int one) { return graph.arc(one).role == "ARG0"; }) &&
+      graph.mentions(frame) == 1 && graph.word(frame).attributes.size() == 1;
+  const auto named = std::find_if(std::begin(kNamed), std::end(kNamed),
+                                  [&](const auto& one) { return graph.word(frame).name == one.first; });
+  if (!is_plain || named == std::end(kNamed)) return;
+  for (const int one : below) graph.replace(one, at, graph.arc(one).to, "org");
+  graph.settle_concept(frame, Fate::word);
+  graph.remove(led, Fate::word);
+  graph.word(at).name = named->second;
+}
+
+// "A pair of shoes", "a group of old friends": what a group is made of is several, and the group is mostly new.
+void group_members_apply(Rewriter& graph, int at) {
+  constexpr std::array kGroups{"group", "pair",   "crowd", "herd",   "flock",      "bunch",   "set",   "series",
+                               "row",   "couple", "list",  "gang",   "collection", "variety", "range", "number",
+                               "swarm", "fleet",  "chain", "bundle", "class",      "circle",  "dozen", "stack"};
+  const int led = graph.word(at).sense.empty() && is_one_of(graph, at, kGroups) ? graph.child(at, "consist-of") : -1;
+  if (led < 0) return;
+  Concept& member = graph.word(graph.arc(led).to);
+  const bool is_noun = (member.sense.empty() || has_attribute(member, "@agent")) && !member.variable.empty() &&
+                       !has_attribute(member, "@name") && !is_personal_pronoun(graph, graph.arc(led).to);
+  if (is_noun) attribute_add(member, "@pl");
+  const bool is_known = has_attribute(graph.word(at), "@pl") || has_attribute(graph.word(at), "@def") ||
+                        graph.child(at, "mod") >= 0 || graph.child(at, "poss") >= 0 || graph.child(at, "ord") >= 0;
+  constexpr std::array kCounts{"number", "variety", "range", "series"};
+  if (is_noun && !is_known && !is_one_of(graph, at, kCounts) && graph.child(at, "quant") < 0)
+    attribute_add(graph.word(at), "@indef");
+}
+
+}  // namespace
+
+// (r / reject-01 :ARG0 s :ARG1 (p / propose-01 :ARG0 t)): the proposal has @nom, and rules choose its noun. Runs behind
+// questions and quotations, whose clauses are none, and before voice and control, as a noun has no infinitive above it.
+void step_nouns(Meaning& meaning) {
+  Rewriter graph(meaning, "nouns");
+  for (int at = 0; at < graph.count(); ++at) {
+    object_apply(graph, at);
+    bare_apply(graph, at);
+    subject_apply(graph, at);
+    place_apply(graph, at);
+    determined_apply(graph, at);
+    bare_infinitive_apply(graph, at);
+    feeling_apply(graph, at);
+    possibility_apply(graph, at);
+    patient_apply(graph, at);
+    group_members_apply(graph, at);
+  }
+}
+
+}  // namespace lexon
