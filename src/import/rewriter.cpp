@@ -25,7 +25,7 @@ int Rewriter::child(int at, std::string_view role, bool inverse) {
 }
 
 // The first in the order of the source, whichever way the walk from the root would come: steps that need that way ask for
-// it themselves (first_arcs in steps_clauses.cpp).
+// it themselves (first_arcs in clauses.hpp).
 int Rewriter::parent(int at) {
   for (std::size_t i = 0; i < meaning_.arcs.size(); ++i) {
     if (meaning_.arcs[i].to == at && !meaning_.arcs[i].gone) return static_cast<int>(i);

@@ -1,0 +1,212 @@
+#include "import/clauses.hpp"
+
+#include <algorithm>
+#include <array>
+#include <cstddef>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+namespace lexon {
+
+namespace {
+
+// True for one person who is known as a woman by her first name or by what she is.
+bool is_woman(const Concept& word) {
+  constexpr std::array kFirst{
+      "Ada",       "Alice",   "Amelia",   "Amy",      "Andrea",   "Angela",   "Anita",     "Ann",      "Anna",
+      "Anne",      "Audrey",  "Barbara",  "Beatrice", "Betty",    "Bridget",  "Carla",     "Carmen",   "Carol",
+      "Caroline",  "Cecilia", "Claire",   "Clara",    "Cynthia",  "Daisy",    "Deborah",   "Denise",   "Diana",
+      "Donna",     "Doris",   "Dorothy",  "Edith",    "Elena",    "Eliza",    "Ella",      "Ellen",    "Elsa",
+      "Emily",     "Emma",    "Erica",    "Esther",   "Eva",      "Eve",      "Fatima",    "Fiona",    "Florence",
+      "Gloria",    "Greta",   "Hanna",    "Hannah",   "Harriet",  "Helen",    "Helena",    "Ida",      "Ingrid",
+      "Irene",     "Isabel",  "Isabella", "Jane",     "Janet",    "Jenny",    "Jessica",   "Joan",     "Joanna",
+      "Josephine", "Judith",  "Julia",    "Juliet",   "Karen",    "Kate",     "Katherine", "Kathleen", "Laura",
+      "Lena",      "Lilian",  "Linda",    "Lisa",     "Louise",   "Lucy",     "Lydia",     "Maria",    "Margaret",
+      "Marie",     "Martha",  "Mary",     "Matilda",  "Maya",     "Michelle", "Monica",    "Nadia",    "Nancy",
+      "Natalia",   "Nina",    "Nora",     "Olga",     "Olivia",   "Pamela",   "Patricia",  "Paula",    "Pauline",
+      "Rachel",    "Rebecca", "Rita",     "Rosa",     "Ruth",     "Sandra",   "Sara",      "Silvia",   "Sofia",
+      "Sonia",     "Sophia",  "Sophie",   "Stella",   "Susan",    "Sylvia",   "Tamara",    "Teresa",   "Theresa",
+      "Ursula",    "Valerie", "Vera",     "Veronica", "Victoria", "Virginia", "Wendy",     "Yvonne",   "Zoe"};
+  const bool is_one = has_attribute(word, "@name") && has_attribute(word, "@person") && !has_attribute(word, "@pl");
+  const bool is_called = is_listed(std::string_view(word.name).substr(0, word.name.find(' ')), kFirst);
+  bool is_so = is_called;
+  for (const char* what : {"@woman", "@girl", "@queen", "@princess", "@actress", "@aunt", "@sister"})
+    is_so = is_so || has_attribute(word, what);
+  return is_one && is_so;
+}
+
+constexpr Conjunction kConjunctions[] = {
+    {"and", "@and"},      {"or", "@or"},     {"amr-choice", "@or"},      {"umr-choice", "@or"},
+    {"sum-of", "@and"},   {"either", "@or"}, {"neither", "@nor"},        {"slash", "@slash"},
+    {"contrast", "@but"}, {"but", "@but"},   {"multi-sentence", "@snt"}, {"multiple-sentences", "@snt"}};
+
+}  // namespace
+
+bool is_clause(Rewriter& graph, int at) {
+  return !graph.word(at).sense.empty() || graph.child(at, "domain") >= 0;
+}
+
+std::vector<std::vector<int>> arcs_by_beginning(Rewriter& graph) {
+  std::vector<std::vector<int>> below(static_cast<std::size_t>(graph.count()));
+  for (int led = 0; led < static_cast<int>(graph.meaning().arcs.size()); ++led) {
+    if (!graph.arc(led).gone) below[static_cast<std::size_t>(graph.arc(led).from)].push_back(led);
+  }
+  return below;
+}
+
+bool is_long_receiver(Rewriter& graph, int receiver) {
+  const std::vector<int> below = graph.children(receiver);
+  return std::any_of(below.begin(), below.end(), [&](int led) { return graph.arc(led).inverse; });
+}
+
+bool gives(Rewriter& graph, int at) {
+  constexpr std::array kGiving{"give", "show",  "tell", "send", "bring", "lend",    "teach", "hand", "offer", "sell",
+                               "pay",  "throw", "pass", "feed", "owe",   "promise", "grant", "read", "write"};
+  return is_one_of(graph, at, kGiving);
+}
+
+std::vector<int> first_arcs(Rewriter& graph) {
+  std::vector<std::vector<int>> all = arcs_by_beginning(graph);
+  // As Rewriter::child and is_clause, but without a look at all arcs for each concept: coordination asks for this walk once
+  // for each conjunction.
+  const auto has_child = [&](int at, std::string_view role, bool inverse = false) {
+    const std::vector<int>& below = all[static_cast<std::size_t>(at)];
+    return std::any_of(below.begin(), below.end(),
+                       [&](int one) { return graph.arc(one).role == role && graph.arc(one).inverse == inverse; });
+  };
+  const auto has_clause = [&](int led) {
+    const int at = graph.arc(led).to;
+    return !graph.word(at).sense.empty() || has_child(at, "domain");
+  };
+  std::vector<int> first(static_cast<std::size_t>(graph.count()), -1);
+  std::vector<bool> seen(first.size());
+  std::vector<std::pair<int, int>> open{{-1, graph.meaning().root}};
+  while (!open.empty()) {
+    const auto [led, at] = open.back();
+    open.pop_back();
+    if (at < 0 || seen[static_cast<std::size_t>(at)]) continue;
+    seen[static_cast<std::size_t>(at)] = true;
+    first[static_cast<std::size_t>(at)] = led;
+    std::vector<int>& below = all[static_cast<std::size_t>(at)];
+    // A receiver is said before what it is told to do: "she asked the driver to stop".
+    std::stable_partition(below.begin(), below.end(), [&](int one) {
+      const Arc& led_down = graph.arc(one);
+      const bool is_argument = led_down.role.starts_with("ARG") || led_down.role == "speaker";
+      if (led_down.inverse || !is_argument) return false;
+      const Concept& word = graph.word(led_down.to);
+      if (has_clause(one)) return has_attribute(word, "@agent") || has_attribute(word, "@result");
+      // "She showed the boy how he should do it": a thing that a clause tells is one, too.
+      return word.name != "thing" || !has_child(led_down.to, "manner", true);
+    });
+    // "She gave the boy something to eat": who receives it is said before it.
+    if (gives(graph, at)) {
+      std::stable_partition(below.begin(), below.end(), [&](int one) {
+        return graph.arc(one).role == "ARG2" && !graph.arc(one).inverse && !has_clause(one) &&
+               !is_long_receiver(graph, graph.arc(one).to);
+      });
+    }
+    // An agent is said before what it does something to, and a condition before both, wherever the source writes them.
+    const bool is_bidden = has_attribute(graph.word(at), "@bid");
+    const char* subject = is_bidden ? "understood" : has_attribute(graph.word(at), "@psv") ? "ARG1" : "ARG0";
+    const bool has_agent = has_child(at, subject);
+    std::stable_partition(below.begin(), below.end(), [&](int one) {
+      return graph.arc(one).role == (has_agent ? subject : "domain") && !graph.arc(one).inverse;
+    });
+    // An infinitive, which has no subject of its own, has nothing in front of it.
+    const bool is_infinitive = has_child(at, "understood") || (led >= 0 && graph.arc(led).role == "domain");
+    std::stable_partition(below.begin(), below.end(), [&](int one) {
+      const Arc& led_down = graph.arc(one);
+      if (is_infinitive) return false;
+      const bool goes_in_front = led_down.role == "condition" || led_down.role == "time";
+      return goes_in_front && !led_down.inverse && has_clause(one);
+    });
+    for (auto one = below.rbegin(); one != below.rend(); ++one) open.emplace_back(*one, graph.arc(*one).to);
+  }
+  // "It was cheap, although it was a long trip": what is a statement of its own is said where a clause may stand.
+  for (std::size_t i = 0; i < graph.meaning().arcs.size(); ++i) {
+    const Arc& one = graph.meaning().arcs[i];
+    const bool is_circumstance = one.role == "concession" || one.role == "cause" || one.role == "condition";
+    if (one.gone || one.inverse || !is_circumstance || graph.child(one.to, "domain") < 0) continue;
+    int& before = first[static_cast<std::size_t>(one.to)];
+    if (before >= 0 && graph.arc(before).role == "ARG0" && !graph.arc(before).inverse) before = static_cast<int>(i);
+  }
+  return first;
+}
+
+int mention_of(Rewriter& graph, int at) {
+  const Concept model = graph.word(at);
+  const int made = graph.add_concept(model.name);
+  Concept& word = graph.word(made);
+  // Of a person that nothing names the pronoun is known.
+  const bool is_person = graph.is(at, "person") && !has_attribute(model, "@name") && !has_attribute(model, "@pl") &&
+                         !has_attribute(model, "@agent");
+  if (is_person) word.name = "he";
+  word.sense = model.sense;
+  word.is_text = model.is_text;
+  for (const char* kept : {"@v", "@person", "@pl", "@name", "@p1", "@p2", "@p3", "@agent", "@measure"}) {
+    if (has_attribute(model, kept)) attribute_add(word, kept);
+  }
+  attribute_add(word, "@ref");
+  if (is_woman(model)) {
+    word.name = "she";
+    std::erase(word.attributes, "@name");
+  }
+  // The poor are they.
+  if (has_attribute(model, "@people")) graph.word(made).name = "they";
+  return made;
+}
+
+bool is_core_role(const std::string& role) {
+  return role.starts_with("ARG");
+}
+
+bool is_core(const Arc& one) {
+  return !one.inverse && is_core_role(one.role);
+}
+
+const Conjunction* conjunction_of(Rewriter& graph, int at) {
+  for (const Conjunction& one : kConjunctions) {
+    // contrast-01 is a frame, the others are none: and-01 would be another word.
+    const bool is_frame = std::string_view(one.name) == "contrast";
+    if (graph.word(at).name == one.name && graph.word(at).sense.empty() != is_frame) return &one;
+  }
+  return nullptr;
+}
+
+int subject_arc(Rewriter& graph, int clause) {
+  if (has_attribute(graph.word(clause), "@psv")) return graph.child(clause, "ARG1");
+  for (const char* role : {"ARG0", "ARG1", "domain"}) {
+    if (const int led = graph.child(clause, role); led >= 0) return led;
+  }
+  return -1;
+}
+
+std::vector<int> clause_words(Rewriter& graph, std::vector<int> clauses) {
+  const std::vector<std::vector<int>> below = arcs_by_beginning(graph);
+  std::vector<bool> seen(below.size());
+  for (const int clause : clauses) seen[static_cast<std::size_t>(clause)] = true;
+  for (std::size_t i = 0; i < clauses.size(); ++i) {
+    for (const int led : below[static_cast<std::size_t>(clauses[i])]) {
+      const int to = graph.arc(led).to;
+      if (!seen[static_cast<std::size_t>(to)]) clauses.push_back(to);
+      seen[static_cast<std::size_t>(to)] = true;
+    }
+  }
+  return clauses;
+}
+
+bool is_plain_deed(Rewriter& graph, int at) {
+  constexpr std::array kMore{"@can", "@must",    "@should", "@may", "@fut", "@would", "@likely", "@perf",  "@neg",
+                             "@nom", "@whether", "@asked",  "@int", "@ask", "@imp",   "@quote",  "@agent", "@result"};
+  return is_event(graph, at) && graph.child(at, "conjunct") < 0 &&
+         std::none_of(kMore.begin(), kMore.end(), [&](const char* one) { return has_attribute(graph.word(at), one); });
+}
+
+void make_infinitive(Rewriter& graph, int clause, const char* mark) {
+  attribute_add(graph.word(clause), mark);
+  for (const char* tense : {"@past", "@pres"}) std::erase(graph.word(clause).attributes, tense);
+}
+
+}  // namespace lexon

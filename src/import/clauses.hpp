@@ -1,0 +1,71 @@
+// What several steps ask about clauses: their subject and core, and who is named where.
+#pragma once
+
+#include <array>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "import/rewriter.hpp"
+
+namespace lexon {
+
+// A frame, or anything that is said of a subject.
+bool is_clause(Rewriter& graph, int at);
+
+// For each concept the arcs that are written at it, in the order of the source: for walks over a whole graph, which would
+// look at all arcs for each concept else. It holds until an arc changes its beginning.
+std::vector<std::vector<int>> arcs_by_beginning(Rewriter& graph);
+
+// Who has a clause of his own stands behind: "she gave the key to the woman who lived there".
+bool is_long_receiver(Rewriter& graph, int receiver);
+
+// Verbs whose receiver stands in front of what he receives; for a pronoun that is received see giving_apply.
+bool gives(Rewriter& graph, int at);
+
+// For each concept the arc by which the walk from the beginning of the sentence first comes to it; -1 for none.
+std::vector<int> first_arcs(Rewriter& graph);
+
+// A word of its own for a further mention of a concept. Of the attributes it has those that say what it is; what is said
+// about it, degree or negation, stays with the first.
+// (w / want-01 :ARG0 (b / boy) :ARG1 (s / sing-01 :ARG0 b)) has one concept for two mentions: the second becomes boy.@ref,
+// of which a rule makes "he", or nothing.
+int mention_of(Rewriter& graph, int at);
+
+// Arguments of a frame, in contrast to circumstances.
+bool is_core_role(const std::string& role);
+
+bool is_core(const Arc& one);
+
+// A concept that joins its operands, and the attribute of all operands but the first.
+struct Conjunction {
+  const char* name;
+  const char* attribute;
+};
+
+// Null for what joins nothing.
+// contrast-01 has ARG1 and ARG2 instead of operands; the choices name alternatives, of which each bank has its own.
+const Conjunction* conjunction_of(Rewriter& graph, int at);
+
+// The subject of a clause as the source writes it: its agent, or else what it is said of.
+int subject_arc(Rewriter& graph, int clause);
+
+// Verbs that may have direct speech as what is said.
+inline constexpr std::array kSaying{"say",     "ask",      "answer",   "reply",    "exclaim",   "cry",      "demand",
+                                    "add",     "remark",   "repeat",   "state",    "murmur",    "respond",  "object",
+                                    "inquire", "explain",  "call-out", "tell",     "think",     "declare",  "shout",
+                                    "whisper", "announce", "observe",  "continue", "interrupt", "confess",  "insist",
+                                    "protest", "comment",  "complain", "warn",     "admit",     "conclude", "suggest",
+                                    "mutter",  "agree",    "call",     "mumble",   "sigh",      "yell",     "scream"};
+
+// All concepts that some clauses are made of, themselves first; graphs have circles and meet again, so each is there once.
+// Used to ask whether anybody in a quotation says "I".
+std::vector<int> clause_words(Rewriter& graph, std::vector<int> clauses);
+
+// A deed that is told without modal verb and negation, and may become an infinitive.
+bool is_plain_deed(Rewriter& graph, int at);
+
+// Marks `clause` as an infinitive that `mark` tells of: it has no tense.
+void make_infinitive(Rewriter& graph, int clause, const char* mark);
+
+}  // namespace lexon

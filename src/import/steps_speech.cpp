@@ -1,0 +1,392 @@
+// Steps about what people say and ask: who speaks, quotations, questions.
+#include <algorithm>
+#include <array>
+#include <cstddef>
+#include <string>
+#include <vector>
+
+#include "import/clauses.hpp"
+#include "import/rewriter.hpp"
+#include "import/steps.hpp"
+
+namespace lexon {
+
+namespace {
+
+// Those of them that say no more than that words were said: with these a reader expects the words themselves.
+constexpr std::array kUttering{"say",    "answer", "reply", "exclaim",  "cry",     "remark",
+                               "repeat", "murmur", "shout", "call-out", "respond", "whisper"};
+
+// Words that say who speaks to whom, and moods that only one who speaks has.
+// "He said that I know you" is a report only if the speaker of the whole sentence is meant, which no graph tells: such
+// words make it direct speech.
+bool has_speaker(Rewriter& graph, int clause) {
+  const std::vector<int> words = clause_words(graph, {clause});
+  return std::any_of(words.begin(), words.end(), [&](int at) {
+    constexpr std::array kMoods{"@imp", "@int", "@exp", "@ask"};
+    const auto has_mood = [&](const char* mood) { return has_attribute(graph.word(at), mood); };
+    return is_unknown(graph, at) || graph.is(at, "i") || graph.is(at, "we") || graph.is(at, "you") ||
+           std::any_of(kMoods.begin(), kMoods.end(), has_mood);
+  });
+}
+
+// What is said without being a clause can only be its words: "Good morning", she said. Not so for words that stand for
+// what somebody said.
+bool is_said_so(Rewriter& graph, int frame, int at) {
+  constexpr std::array kStandIn{"that",        "this",    "it",       "so",         "thing",
+                                "something",   "nothing", "anything", "everything", "word",
+                                "information", "name",    "truth",    "story",      "speech"};
+  return is_one_of(graph, frame, kUttering) && !is_clause(graph, at) && graph.mentions(at) == 1 &&
+         !is_one_of(graph, at, kStandIn) && !has_attribute(graph.word(at), "@name");
+}
+
+// Who speaks is I in his own words, and to whom he speaks is you; not so where the source has made an I or you of them
+// itself. Somebody who speaks to himself is I.
+void speak_of_oneself(Rewriter& graph, int frame, int said, int speaker, int hearer) {
+  const std::vector<int> words = clause_words(graph, {said});
+  const auto has_own = [&](const char* name) {
+    return std::any_of(words.begin(), words.end(), [&](int at) { return graph.is(at, name); });
+  };
+  const bool has_i = has_own("i") || has_own("we");
+  const bool has_you = has_own("you");
+  const std::vector<std::vector<int>> below = arcs_by_beginning(graph);
+  // One concept each, so that what is meant twice is known to be the same.
+  int i = -1;
+  int you = -1;
+  for (const int at : words) {
+    // Where the graph leads in a circle, the frame itself is among what is said.
+    if (at == frame || at == speaker || at == hearer) continue;
+    for (const int led : below[static_cast<std::size_t>(at)]) {
+      const bool is_speaker = graph.arc(led).to == speaker;
+      const bool is_person = (is_speaker && !has_i) || (graph.arc(led).to == hearer && !is_speaker && !has_you);
+      if (!is_person || graph.arc(led).inverse) continue;
+      int& person = is_speaker ? i : you;
+      if (person < 0) person = graph.add_concept(is_speaker ? "i" : "you");
+      attribute_add(graph.word(person), is_speaker ? "@p1" : "@p2");
+      graph.arc(led).to = person;
+    }
+  }
+}
+
+// (s / say-01 :ARG0 (k / king) :ARG1 (c / come-01 :mode imperative) :ARG2 (b / boy)): "Come," said the king. `led` is
+// the arc to what is said, `who` that to the speaker and `whom` to the hearer; verbs of answering number the last two
+// the other way round.
+void quote(Rewriter& graph, int at) {
+  // Who answers says the answer to a question.
+  constexpr std::array kAnswering{"answer", "reply", "respond", "interrupt"};
+  const bool is_answer = is_one_of(graph, at, kAnswering);
+  const int led = graph.child(at, is_answer ? "ARG2" : "ARG1");
+  const int who = graph.child(at, "ARG0");
+  int whom = graph.child(at, is_answer ? "ARG1" : "ARG2");
+  if (led < 0 || who < 0) return;
+  const int said = graph.arc(led).to;
+  if (is_unknown(graph, said) && graph.child(said, "domain") < 0) return;
+  // Whoever asks does not ask whether he asks: the question is what he says.
+  if (graph.is(at, "ask", "01") && has_attribute(graph.word(at), "@int") && !graph.is(graph.arc(who).to, "you")) {
+    std::erase(graph.word(at).attributes, "@int");
+    attribute_add(graph.word(said), "@int");
+  }
+  // "I said to you that ...": who says I inside is the same, so the sentence may as well report it.
+  const auto speaks_itself = [&](int arc_at) {
+    if (arc_at < 0) return false;
+    const int person = graph.arc(arc_at).to;
+    return graph.is(person, "i") || graph.is(person, "you") || graph.is(person, "we");
+  };
+  // "You are late," she said: who is you inside is the hearer, and need not be told.
+  const bool is_to_you = whom >= 0 && graph.is(graph.arc(whom).to, "you") && !speaks_itself(who) &&
+                         graph.mentions(graph.arc(whom).to) > 1 && is_clause(graph, said);
+  if (is_to_you) {
+    graph.remove(whom, Fate::left_out);
+    whom = -1;
+  }
+  const int subject = subject_arc(graph, said);
+  const bool is_to_oneself = whom >= 0 && graph.arc(who).to == graph.arc(whom).to;
+  const bool is_asked_to = whom >= 0 && subject >= 0 && graph.arc(subject).to == graph.arc(whom).to && !is_to_oneself;
+  const bool is_order = has_attribute(graph.word(said), "@imp") && !speaks_itself(who);
+  const bool is_reported = has_attribute(graph.word(said), "@whether") || has_attribute(graph.word(said), "@asked");
+  if (is_reported || (is_asked_to && !is_order)) return;
+  const bool is_other = !speaks_itself(who) && !speaks_itself(whom);
+  const bool is_direct = (is_other || is_order) && (has_speaker(graph, said) || is_said_so(graph, at, said));
+  // What the sentence is about, or is joined to that, is told; what stands below is spoken of.
+  const bool is_told = at == graph.meaning().root || !is_core(graph.arc(graph.parent(at)));
+  constexpr std::array kTakingTurns{"ask", "add", "demand", "interrupt"};
+  const bool is_uttering = is_one_of(graph, at, kUttering) || is_one_of(graph, at, kTakingTurns);
+  const bool is_report = is_told && is_clause(graph, said) && is_uttering && !has_attribute(graph.word(at), "@neg") &&
+                         !has_attribute(graph.word(at), "@can");
+  if (is_report && is_other) {
+    ++graph.meaning().reports;
+    graph.meaning().quotations += is_direct;
+  }
+  if (!is_direct && !(is_report && graph.meaning().is_dialogue)) return;
+  graph.arc(led).role = "quoted";
+  attribute_add(graph.word(said), "@quote");
+  speak_of_oneself(graph, at, said, graph.arc(who).to, whom >= 0 ? graph.arc(whom).to : -1);
+  // The quotation stands in front, so "then" cannot: '"Stop!" she said then.'
+  const int when = graph.child(at, "time");
+  if (when >= 0 && graph.word(graph.arc(when).to).sense.empty()) attribute_add(graph.word(graph.arc(when).to), "@late");
+  // Behind a quotation a verb without an auxiliary stands before its subject, if that is no pronoun: said the king.
+  const int subject_of_saying = graph.arc(who).to;
+  const bool is_pronoun = is_personal_pronoun(graph, subject_of_saying) || graph.word(subject_of_saying).name == "one";
+  const bool is_plain = !has_attribute(graph.word(at), "@neg") && !has_attribute(graph.word(at), "@ask") &&
+                        !has_attribute(graph.word(at), "@int") && !has_attribute(graph.word(at), "@can");
+  // "..., the girl asked the driver": turned round, two nouns would stand side by side.
+  constexpr std::array kBareHearer{"ask", "tell", "answer", "warn", "interrupt"};
+  const bool is_beside_hearer = whom >= 0 && is_one_of(graph, at, kBareHearer);
+  if (!is_plain || is_pronoun || is_beside_hearer) return;
+  graph.arc(who).role = "speaker";
+  const int office = graph.child(graph.arc(who).to, "apposition");
+  if (office >= 0) std::erase(graph.word(graph.arc(office).to).attributes, "@closed");
+}
+
+// What a frame's numbered role is called when it is asked for.
+// The name becomes an attribute, @wh_location, by which rules choose where, when, who; what a number means differs from
+// frame to frame.
+std::string asked_role(Rewriter& graph, int frame, const std::string& role) {
+  // "Where is the key": what a place is said of has no other verb.
+  const bool is_place = graph.is(frame, "be-located-at", "91") || graph.is(frame, "have-place", "91");
+  if (is_place && role == "ARG2") return "location";
+  // "Where do you take it": the place that something is moved to has another number in each frame.
+  const bool is_goal = (role == "ARG3" && graph.is(frame, "take", "01")) ||
+                       (role == "ARG2" && (graph.is(frame, "bring", "01") || graph.is(frame, "put", "01") ||
+                                           graph.is(frame, "send", "01") || graph.is(frame, "carry", "01")));
+  if (is_goal) return "destination";
+  // "How much does it weigh".
+  return graph.is(frame, "weigh", "01") && role == "ARG3" ? "amount" : role;
+}
+
+// (a / amr-unknown :domain (y / you)): what is asked for is the predicate. As :domain of the other it is the one word that
+// moves: "who are you".
+void asked_predicate(Rewriter& graph, int unknown) {
+  const int said = graph.child(unknown, "domain");
+  const int about = said >= 0 ? graph.arc(said).to : -1;
+  if (about < 0 || graph.mentions(about) != 1) return;
+  graph.redirect(unknown, about);
+  graph.replace(said, about, unknown, "domain");
+  for (const int below : graph.children(unknown)) graph.arc(below).from = about;
+  if (std::erase(graph.word(unknown).attributes, "@quote") > 0) attribute_add(graph.word(about), "@quote");
+}
+
+// "Tell me what it is": in the order of a statement what is asked for stands in front of what it is said of. Both stand
+// below a frame of being, which takes the place of the clause.
+void reported_predicate(Rewriter& graph, int about, int led) {
+  const int being = graph.add_concept("be-located-at");
+  graph.word(being).sense = "91";
+  attribute_add(graph.word(being), "@v");
+  std::erase(graph.word(graph.arc(led).to).attributes, "@asked");
+  graph.redirect(about, being);
+  graph.add(being, about, "ARG1");
+  attribute_add(graph.word(being), "@asked");
+  graph.replace(led, being, graph.arc(led).to, "questioned");
+}
+
+// What is asked for moves to the front of its clause, together with the phrase that it belongs to.
+// Three parts: which phrase goes along (how many stars), up to which clause it moves (where do you want to go), and
+// what the clause and the phrase must know of it (@ask or @asked; @wh_ with the role). The phrase becomes :questioned
+// of the clause.
+void question(Rewriter& graph, int unknown) {
+  asked_predicate(graph, unknown);
+  if (unknown == graph.meaning().root) attribute_add(graph.word(unknown), "@ask");
+  int led = graph.parent(unknown);  // the arc from what is above the phrase
+  if (led < 0 || graph.arc(led).inverse) return;
+  int phrase = unknown;
+  std::string role = graph.arc(led).role;
+  attribute_add(graph.word(unknown), "@wh");
+  // Both walks go up, and a graph may have a circle there: more steps than concepts are none.
+  int steps = graph.count();
+  // "How many stars", "whose hat": the noun goes with it.
+  const auto is_phrase = [&](int at) {
+    const int above = graph.parent(at);
+    return !is_clause(graph, at) || (above >= 0 && graph.is(graph.arc(above).from, "be-located-at", "91"));
+  };
+  while (is_phrase(graph.arc(led).from) && (role == "quant" || role == "poss" || role == "mod" || role == "degree" ||
+                                            role == "possessor" || role == "age")) {
+    if (--steps < 0) return;
+    attribute_add(graph.word(unknown), "@wh_" + role);
+    phrase = graph.arc(led).from;
+    const int above = graph.parent(phrase);
+    // "What a good idea!" asks nothing.
+    if (has_attribute(graph.word(phrase), "@exp")) return;
+    if (above < 0) return attribute_add(graph.word(phrase), "@ask");
+    attribute_add(graph.word(phrase), "@wh");
+    led = above;
+    role = graph.arc(led).role;
+    if (graph.arc(led).inverse) return;
+  }
+  // The question is that of the highest clause that the phrase can move to: "where do you want to go". A verb of knowing
+  // ends the way: "I know where he lives".
+  int clause = graph.arc(led).from;
+  const int asked_at = clause;
+  bool is_reported = false;
+  while (clause != graph.meaning().root && !has_attribute(graph.word(clause), "@quote") && --steps > 0) {
+    const int above = graph.parent(clause);
+    is_reported = above >= 0 && graph.is(graph.arc(above).from, "no-matter");
+    if (above < 0 || !is_core(graph.arc(above))) break;
+    const int governor = graph.arc(above).from;
+    const bool is_bidden = graph.is(governor, "think", "01") && has_attribute(graph.word(governor), "@imp");
+    if (is_bidden || is_one_of(graph, governor, kReporting) || has_attribute(graph.word(governor), "@int")) {
+      is_reported = true;
+      break;
+    }
+    clause = governor;
+  }
+  // A subject stands in front already: "who came".
+  const bool is_subject =
+      clause == asked_at && (role == "ARG0" || (role == "ARG1" && graph.child(clause, "ARG0") < 0) ||
+                             (role == "domain" && graph.is(unknown, "amr-unknown")));
+  role = asked_role(graph, asked_at, role);
+  // "Who are you".
+  const bool is_person = role == "domain" && phrase == unknown && is_personal_pronoun(graph, asked_at) &&
+                         graph.word(asked_at).name != "it";
+  attribute_add(graph.word(phrase), is_person ? "@wh_who" : "@wh_" + role);
+  if (is_reported && role == "domain" && phrase == unknown && graph.parent(asked_at) >= 0 &&
+      graph.word(asked_at).sense.empty())
+    return reported_predicate(graph, asked_at, led);
+  // An exclamation has the order of a statement: "how beautiful she is!"
+  is_reported |= has_attribute(graph.word(clause), "@exp");
+  attribute_add(graph.word(clause), is_reported ? "@asked" : is_subject ? "@asksub" : "@ask");
+  // Some files mark the mood beside the word that asks; one mark is enough.
+  std::erase(graph.word(clause).attributes, "@int");
+  // "What are you filling it with?": a preposition stays with its verb.
+  if (role == "ARG2" && clause == asked_at) attribute_add(graph.word(clause), "@st2");
+  if (!is_subject) graph.replace(led, clause, phrase, "questioned");
+}
+
+// Who is called is "you" everywhere else: "Kim, did you see that?"
+// The name is said once, in the address; in the clause the same person is "you".
+void called_apply(Rewriter& graph) {
+  const int end = static_cast<int>(graph.meaning().arcs.size());
+  for (int led = 0; led < end; ++led) {
+    if (graph.arc(led).gone || graph.arc(led).inverse || graph.arc(led).role != "vocative") continue;
+    int you = -1;
+    for (int other = 0; other < end; ++other) {
+      const Arc& one = graph.arc(other);
+      const bool is_mention = one.to == graph.arc(led).to && !one.gone && !one.inverse && one.role != "vocative";
+      if (!is_mention) continue;
+      if (you < 0) you = graph.add_concept("you");
+      attribute_add(graph.word(you), "@p2");
+      graph.arc(other).to = you;
+    }
+  }
+}
+
+// (c / come-01 :mode imperative :ARG0 (s / snail)): "come, snail". Who is bidden is called.
+void bidden_apply(Rewriter& graph, int at) {
+  constexpr std::array kMotion{"come", "sit-down", "wake-up", "hurry", "arrive", "stand-up", "get-up"};
+  int led = graph.child(at, "ARG0");
+  if (led < 0 && is_one_of(graph, at, kMotion)) led = graph.child(at, "ARG1");
+  const int whom = led < 0 ? -1 : graph.arc(led).to;
+  if (whom < 0 || is_personal_pronoun(graph, whom) || is_unknown(graph, whom) || graph.parent(whom) != led) return;
+  if (!graph.word(whom).sense.empty() || graph.word(whom).variable.empty()) return;
+  if (graph.child(at, "vocative") >= 0 || conjunction_of(graph, whom) != nullptr) return;
+  for (const Arc& one : graph.meaning().arcs) {
+    if (!one.gone && one.to == whom && is_one_of(graph, one.from, kSaying)) return;
+  }
+  graph.add(at, whom, "vocative");
+}
+
+}  // namespace
+
+// UMR puts an utterance below (s / say-01 :ARG0 (p / person) :ARG1 c :ARG2 (p2 / person) :quote s). A reader of the
+// sentence has c alone, in which p is "I" and p2 is "you"; a story that tells who speaks keeps the frame. Runs behind
+// pronouns, as the two may have become pronouns by then.
+void step_speaker(Meaning& meaning) {
+  Rewriter graph(meaning, "speaker");
+  // UMR marks what is uttered by :quote with the verb of saying as target.
+  bool is_utterance = false;
+  for (int led = 0; led < static_cast<int>(meaning.arcs.size()); ++led) {
+    if (graph.arc(led).gone || graph.arc(led).inverse || graph.arc(led).role != "quote") continue;
+    // The verb stands above; any other target would be lost with the arc.
+    if (!graph.reaches(graph.arc(led).to, graph.arc(led).from)) continue;
+    is_utterance |= graph.arc(led).to == meaning.root;
+    graph.remove(led, Fate::attribute);
+    attribute_add(graph.word(graph.arc(led).from), "@quote");
+  }
+  for (int at = 0; at < graph.count(); ++at) {
+    if (has_attribute(graph.word(at), "@imp")) bidden_apply(graph, at);
+  }
+  const int frame = meaning.root;
+  const int said = graph.child(frame, "ARG1");
+  const int who = graph.child(frame, "ARG0");
+  if (const int called = graph.child(frame, "ARG2");
+      said >= 0 && who < 0 && called >= 0 && graph.is(frame, "say", "01")) {
+    // Nobody says it, and to somebody with a name or who is spoken of in it: "Kim, that is true", "You are late, my son."
+    const int whom = graph.arc(called).to;
+    const bool is_anybody = is_personal_pronoun(graph, whom) || graph.word(whom).name == "person";
+    const bool is_called = has_attribute(graph.word(whom), "@name") ||
+                           (graph.mentions(whom) > 1 && !is_anybody && !is_clause(graph, whom));
+    if (!is_called) return;
+    graph.arc(called).role = "vocative";
+    if (graph.child(graph.arc(said).to, "vocative") >= 0) graph.remove(called, Fate::word);
+    graph.stand_in(frame, said);
+    return called_apply(graph);
+  }
+  if (said < 0 || who < 0) return called_apply(graph);
+  const auto is_bare = [&](int at) {
+    return graph.children(at).empty() && !has_attribute(graph.word(at), "@name") &&
+           (graph.is(at, "person") || graph.is(at, "i") || graph.is(at, "he") || graph.is(at, "you"));
+  };
+  // Some files leave out the mark, and name a person who speaks to a person, of whom nothing is said.
+  const int whom = graph.child(frame, "ARG2");
+  const auto is_nobody = [&](int at) { return graph.is(at, "person") && is_bare(at) && graph.mentions(at) == 1; };
+  const bool is_unnamed =
+      graph.is(frame, "say", "01") && whom >= 0 && is_nobody(graph.arc(who).to) && is_nobody(graph.arc(whom).to);
+  if (!is_bare(graph.arc(who).to) || !(is_utterance || is_unnamed)) return called_apply(graph);
+  // Nobody writes "a person says": the speaker is "i", and who is spoken to is "you".
+  graph.settle_concept(frame, Fate::left_out);
+  const int content = graph.arc(said).to;
+  std::erase(graph.word(content).attributes, "@quote");
+  const int called = graph.child(content, "vocative");
+  for (const int led : graph.children(frame)) {
+    const int to = graph.arc(led).to;
+    // Who is called need not be told that he is spoken to.
+    if (called >= 0 && graph.arc(led).role == "ARG2" && graph.arc(called).to == to) {
+      graph.remove(led, Fate::left_out);
+      continue;
+    }
+    const bool is_person = graph.arc(led).role == "ARG0" || (graph.arc(led).role == "ARG2" && is_bare(to));
+    if (is_person) {
+      if (graph.mentions(to) > 1) graph.word(to).name = graph.arc(led).role == "ARG0" ? "i" : "you";
+      if (graph.mentions(to) == 1) graph.settle_concept(to, Fate::left_out);
+    }
+    if (is_person || led == said) graph.remove(led, Fate::left_out);
+  }
+  graph.redirect(frame, content);
+  graph.move_children(frame, content);
+  called_apply(graph);
+}
+
+// (s / say-01 :ARG0 k :ARG1 c): c is :quoted and k :speaker where the words themselves are given. Stands behind
+// coordination, so that a quotation of several clauses has a head, and before control, as its subjects are its own.
+void step_quotation(Meaning& meaning) {
+  Rewriter graph(meaning, "quotation");
+  for (int at = 0; at < graph.count(); ++at) {
+    if (!graph.word(at).sense.empty() && is_one_of(graph, at, kSaying)) quote(graph, at);
+  }
+}
+
+// (g / go-02 :location (a / amr-unknown)): what is asked for becomes :questioned of the clause that asks.
+void step_questions(Meaning& meaning) {
+  Rewriter graph(meaning, "questions");
+  for (int at = 0; at < graph.count(); ++at) {
+    if (is_unknown(graph, at)) question(graph, at);
+  }
+  // "Which of you", "which one of these": what is asked for is taken out of a set that is known.
+  for (int at = 0; at < graph.count(); ++at) {
+    if (!is_unknown(graph, at)) continue;
+    const int above = graph.parent(at);
+    const bool is_mod = above >= 0 && !graph.arc(above).inverse && graph.arc(above).role == "mod" &&
+                        graph.child(graph.arc(above).from, "superset") >= 0;
+    if (is_mod || graph.child(at, "superset") >= 0) graph.word(at).name = "which";
+  }
+  // Only a clause of its own asks; below a verb of knowing it is "whether", elsewhere no question at all.
+  for (int at = 0; at < graph.count(); ++at) {
+    const int above = graph.parent(at);
+    const bool is_asking = has_attribute(graph.word(at), "@int") && !has_attribute(graph.word(at), "@quote");
+    if (!is_asking || above < 0 || at == meaning.root || graph.arc(above).role == "conjunct") continue;
+    std::erase(graph.word(at).attributes, "@int");
+    const bool is_told = is_core(graph.arc(above)) && is_one_of(graph, graph.arc(above).from, kReporting);
+    if (is_told) attribute_add(graph.word(at), "@whether");
+  }
+}
+
+}  // namespace lexon
