@@ -535,15 +535,17 @@ constexpr LightPhrase kLightPhrases[] = {
 
 // "He found a way to the sea": the noun is the object, and what was the object has the preposition of the noun.
 void light_phrase_apply(Rewriter& graph, int at) {
-  const auto phrase = std::find_if(std::begin(kLightPhrases), std::end(kLightPhrases),
-                                   [&](const LightPhrase& one) { return graph.word(at).name == one.name; });
   if (graph.is(at, "get-rid", "05")) graph.word(at).name = "get-rid-of";
   // A weekend is no deed, though frame files have one for it.
   if (graph.is(at, "weekend", "01")) {
     graph.word(at).sense.clear();
     graph.word(at).attributes.clear();
   }
-  if (phrase == std::end(kLightPhrases) || graph.word(at).sense.empty()) return;
+  const std::string& name = graph.word(at).name;
+  if (graph.word(at).sense.empty() || name.find('-') == std::string::npos) return;
+  const auto phrase = std::find_if(std::begin(kLightPhrases), std::end(kLightPhrases),
+                                   [&](const LightPhrase& one) { return name == one.name; });
+  if (phrase == std::end(kLightPhrases)) return;
   graph.word(at).name = phrase->verb;
   graph.word(at).sense = phrase->sense;
   const int noun = graph.add_concept(phrase->noun);

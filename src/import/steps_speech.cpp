@@ -163,7 +163,10 @@ void asked_predicate(Rewriter& graph, int unknown) {
   graph.redirect(unknown, about);
   graph.replace(said, about, unknown, "domain");
   for (const int below : graph.children(unknown)) graph.arc(below).from = about;
-  if (std::erase(graph.word(unknown).attributes, "@quote") > 0) attribute_add(graph.word(about), "@quote");
+  // What it says of the clause goes with it, and so does its conjunction.
+  for (const char* mark : {"@quote", "@and", "@but", "@or", "@snt"}) {
+    if (std::erase(graph.word(unknown).attributes, mark) > 0) attribute_add(graph.word(about), mark);
+  }
 }
 
 // "Tell me what it is": in the order of a statement what is asked for stands in front of what it is said of. Both stand
@@ -177,6 +180,18 @@ void reported_predicate(Rewriter& graph, int about, int led) {
   graph.add(being, about, "ARG1");
   attribute_add(graph.word(being), "@asked");
   graph.replace(led, being, graph.arc(led).to, "questioned");
+}
+
+// "Hello. What are you doing?": what is asked last ends the whole chain.
+void ends_with_question(Rewriter& graph, int asked) {
+  if (graph.child(asked, "conjunct") >= 0) return;
+  int head = asked;
+  for (int steps = graph.count(); steps > 0; --steps) {
+    const int above = graph.parent(head);
+    if (above < 0 || graph.arc(above).role != "conjunct") break;
+    head = graph.arc(above).from;
+  }
+  if (head != asked) attribute_add(graph.word(head), "@ends_int");
 }
 
 // What is asked for moves to the front of its clause, together with the phrase that it belongs to.
@@ -206,7 +221,14 @@ void question(Rewriter& graph, int unknown) {
     const int above = graph.parent(phrase);
     // "What a good idea!" asks nothing.
     if (has_attribute(graph.word(phrase), "@exp")) return;
-    if (above < 0) return attribute_add(graph.word(phrase), "@ask");
+    // "How many stars?" he asked: what is said is the phrase alone.
+    const bool is_joined = above >= 0 && graph.arc(above).role == "conjunct" && is_clause(graph, graph.arc(above).from);
+    if (above < 0 || is_joined || graph.arc(above).role == "quoted") {
+      attribute_add(graph.word(phrase), "@ask");
+      // "We do not write that. What kind?": a phrase is no part of the clause in front of it.
+      if (is_joined && std::erase(graph.word(phrase).attributes, "@and") > 0) attribute_add(graph.word(phrase), "@snt");
+      return ends_with_question(graph, phrase);
+    }
     attribute_add(graph.word(phrase), "@wh");
     led = above;
     role = graph.arc(led).role;
@@ -244,6 +266,7 @@ void question(Rewriter& graph, int unknown) {
   // An exclamation has the order of a statement: "how beautiful she is!"
   is_reported |= has_attribute(graph.word(clause), "@exp");
   attribute_add(graph.word(clause), is_reported ? "@asked" : is_subject ? "@asksub" : "@ask");
+  if (!is_reported) ends_with_question(graph, clause);
   // Some files mark the mood beside the word that asks; one mark is enough.
   std::erase(graph.word(clause).attributes, "@int");
   // "What are you filling it with?": a preposition stays with its verb.
