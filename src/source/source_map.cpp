@@ -169,7 +169,7 @@ struct Fields {
   }
 };
 
-std::string whole_path(const std::string& folder, std::string name) {
+std::string whole_path(const std::string& folder, const std::string& name) {
   return name.starts_with('/') ? name : folder + name;
 }
 
@@ -280,7 +280,7 @@ MappedPlace SourceMap::surroundings(std::uint32_t number) const {
 std::string surroundings_text(const MappedPlace& place) {
   std::string text;
   for (const auto& [name, value] : place.values) {
-    text += (text.empty() ? "with " : ", ") + name + '=' + value;
+    text.append(text.empty() ? "with " : ", ").append(name).append("=").append(value);
   }
   for (const auto& [file, line] : place.included_at) {
     text += (text.empty() ? "included at " : ", included at ") + file + ':' + std::to_string(line);
