@@ -568,6 +568,29 @@ void light_phrase_apply(Rewriter& graph, int at) {
   graph.add(preposition, object, "op1");
 }
 
+// What somebody or something is called, beside it or of it.
+void called_beside(Rewriter& graph, int at) {
+  // "The tailor, a thin man": what somebody is, said beside him.
+  const int is_what = graph.word(at).sense.empty() ? graph.child(at, "domain", true) : -1;
+  if (is_what >= 0) {
+    const int noun = graph.arc(is_what).to;
+    const bool is_noun = graph.word(noun).sense.empty() && !graph.children(noun).empty() && graph.mentions(noun) == 1;
+    if (is_noun) {
+      graph.replace(is_what, at, noun, "apposition");
+      attribute_add(graph.word(noun), "@indef");
+      attribute_add(graph.word(noun), "@closed");
+    }
+  }
+  // What is a trouble to somebody: "the road is an issue".
+  const int issue = graph.is(at, "issue", "02") ? graph.child(at, "ARG0") : -1;
+  if (issue >= 0) {
+    graph.arc(issue).role = "domain";
+    if (const int whose = graph.child(at, "ARG1"); whose >= 0) graph.arc(whose).role = "beneficiary";
+    graph.word(at).sense.clear();
+    std::erase(graph.word(at).attributes, "@v");
+  }
+}
+
 // Frames that are a word or a phrase of their own.
 void phrase_apply(Rewriter& graph, int at) {
   // (w / work-01 :temporal (u / use-03)): what used to be done.
@@ -605,25 +628,7 @@ void phrase_apply(Rewriter& graph, int at) {
   // "She preferred to wait instead of leaving".
   const int instead = graph.is(at, "prefer", "01") ? graph.child(at, "ARG2") : -1;
   if (instead >= 0 && !graph.word(graph.arc(instead).to).sense.empty()) graph.arc(instead).role = "substitute";
-  // "The tailor, a thin man": what somebody is, said beside him.
-  const int is_what = graph.word(at).sense.empty() ? graph.child(at, "domain", true) : -1;
-  if (is_what >= 0) {
-    const int noun = graph.arc(is_what).to;
-    const bool is_noun = graph.word(noun).sense.empty() && !graph.children(noun).empty() && graph.mentions(noun) == 1;
-    if (is_noun) {
-      graph.replace(is_what, at, noun, "apposition");
-      attribute_add(graph.word(noun), "@indef");
-      attribute_add(graph.word(noun), "@closed");
-    }
-  }
-  // What is a trouble to somebody: "the road is an issue".
-  const int issue = graph.is(at, "issue", "02") ? graph.child(at, "ARG0") : -1;
-  if (issue >= 0) {
-    graph.arc(issue).role = "domain";
-    if (const int whose = graph.child(at, "ARG1"); whose >= 0) graph.arc(whose).role = "beneficiary";
-    graph.word(at).sense.clear();
-    std::erase(graph.word(at).attributes, "@v");
-  }
+  called_beside(graph, at);
   // Nobody opines; people think.
   if (graph.is(at, "opine", "01")) graph.word(at).name = "think";
   // What is one of several, without them: "for example".
@@ -711,6 +716,35 @@ void same_deed_apply(Rewriter& graph, int part, int whole) {
   }
 }
 
+// Wholes are several: what something is among, and what others are taken from.
+void wholes_apply(Rewriter& graph) {
+  // "It is among the new books": what something is among is several.
+  for (int at = 0; at < graph.count(); ++at) {
+    const int led = graph.is(at, "include", "91") ? graph.child(at, "ARG2") : -1;
+    if (led < 0) continue;
+    Concept& whole = graph.word(graph.arc(led).to);
+    if (!has_attribute(whole, "@name")) plural_apply(whole);
+  }
+  // "One of these things": what others are taken from is several.
+  for (const Arc& one : graph.meaning().arcs) {
+    const bool is_whole = one.role == "superset" && !one.inverse && !one.gone;
+    const Concept& whole = graph.word(one.to);
+    const bool is_noun = whole.sense.empty() && !whole.variable.empty() && !has_attribute(whole, "@name");
+    if (!is_whole || !is_noun) continue;
+    plural_apply(graph.word(one.to));
+    if (graph.child(one.to, "mod") < 0 && graph.child(one.to, "quant") < 0) attribute_add(graph.word(one.to), "@def");
+    // "One of the stars" names the stars once.
+    const int number = graph.child(one.from, "quant");
+    const bool is_one = number < 0 ? !has_attribute(graph.word(one.from), "@pl") : graph.is(graph.arc(number).to, "1");
+    if (!is_one || graph.word(one.from).name != whole.name) continue;
+    graph.word(one.from).name = "one";
+    if (graph.child(one.from, "ord") >= 0) attribute_add(graph.word(one.from), "@def");
+    if (number < 0) continue;
+    graph.settle_concept(graph.arc(number).to, Fate::word);
+    graph.remove(number, Fate::word);
+  }
+}
+
 // What is taken out of a whole, and the whole.
 // A bank writes "some of us" as (s / some :superset we); where it has the frame include-91 for it, that has become
 // :superset by now. The part is the head in English, too. What is left to do is number, as a whole is several things, and
@@ -763,31 +797,7 @@ void sets_apply(Rewriter& graph) {
     if (!graph.is(graph.arc(quantity).to, "1")) attribute_add(graph.word(graph.arc(quantity).to), "@pl");
     graph.stand_in(at, quantity, Fate::word);
   }
-  // "It is among the new books": what something is among is several.
-  for (int at = 0; at < graph.count(); ++at) {
-    const int led = graph.is(at, "include", "91") ? graph.child(at, "ARG2") : -1;
-    if (led < 0) continue;
-    Concept& whole = graph.word(graph.arc(led).to);
-    if (!has_attribute(whole, "@name")) plural_apply(whole);
-  }
-  // "One of these things": what others are taken from is several.
-  for (const Arc& one : graph.meaning().arcs) {
-    const bool is_whole = one.role == "superset" && !one.inverse && !one.gone;
-    const Concept& whole = graph.word(one.to);
-    const bool is_noun = whole.sense.empty() && !whole.variable.empty() && !has_attribute(whole, "@name");
-    if (!is_whole || !is_noun) continue;
-    plural_apply(graph.word(one.to));
-    if (graph.child(one.to, "mod") < 0 && graph.child(one.to, "quant") < 0) attribute_add(graph.word(one.to), "@def");
-    // "One of the stars" names the stars once.
-    const int number = graph.child(one.from, "quant");
-    const bool is_one = number < 0 ? !has_attribute(graph.word(one.from), "@pl") : graph.is(graph.arc(number).to, "1");
-    if (!is_one || graph.word(one.from).name != whole.name) continue;
-    graph.word(one.from).name = "one";
-    if (graph.child(one.from, "ord") >= 0) attribute_add(graph.word(one.from), "@def");
-    if (number < 0) continue;
-    graph.settle_concept(graph.arc(number).to, Fate::word);
-    graph.remove(number, Fate::word);
-  }
+  wholes_apply(graph);
 }
 
 }  // namespace

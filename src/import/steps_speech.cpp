@@ -194,6 +194,17 @@ void ends_with_question(Rewriter& graph, int asked) {
   if (head != asked) attribute_add(graph.word(head), "@ends_int");
 }
 
+// A phrase that is no part of a clause asks by itself; `led` is the arc to it, or -1. False for any other.
+bool asked_alone(Rewriter& graph, int phrase, int led) {
+  const bool is_joined = led >= 0 && graph.arc(led).role == "conjunct" && is_clause(graph, graph.arc(led).from);
+  if (led >= 0 && !is_joined && graph.arc(led).role != "quoted") return false;
+  attribute_add(graph.word(phrase), "@ask");
+  // "We do not write that. What kind?"
+  if (is_joined && std::erase(graph.word(phrase).attributes, "@and") > 0) attribute_add(graph.word(phrase), "@snt");
+  ends_with_question(graph, phrase);
+  return true;
+}
+
 // What is asked for moves to the front of its clause, together with the phrase that it belongs to.
 // Three parts: which phrase goes along (how many stars), up to which clause it moves (where do you want to go), and
 // what the clause and the phrase must know of it (@ask or @asked; @wh_ with the role). The phrase becomes :questioned
@@ -222,13 +233,7 @@ void question(Rewriter& graph, int unknown) {
     // "What a good idea!" asks nothing.
     if (has_attribute(graph.word(phrase), "@exp")) return;
     // "How many stars?" he asked: what is said is the phrase alone.
-    const bool is_joined = above >= 0 && graph.arc(above).role == "conjunct" && is_clause(graph, graph.arc(above).from);
-    if (above < 0 || is_joined || graph.arc(above).role == "quoted") {
-      attribute_add(graph.word(phrase), "@ask");
-      // "We do not write that. What kind?": a phrase is no part of the clause in front of it.
-      if (is_joined && std::erase(graph.word(phrase).attributes, "@and") > 0) attribute_add(graph.word(phrase), "@snt");
-      return ends_with_question(graph, phrase);
-    }
+    if (asked_alone(graph, phrase, above)) return;
     attribute_add(graph.word(phrase), "@wh");
     led = above;
     role = graph.arc(led).role;

@@ -468,6 +468,28 @@ void several_apply(Rewriter& graph, int at) {
     attribute_add(word, "@pl");
 }
 
+// Among and between is several, and so is what something breaks into.
+void many_apply(Rewriter& graph, int at) {
+  const int within =
+      graph.is(at, "among") || (graph.is(at, "between") && graph.child(at, "op2") < 0) ? graph.child(at, "op1") : -1;
+  if (within >= 0) several_apply(graph, graph.arc(within).to);
+  constexpr std::array kBreaking{"break", "split", "divide", "cut", "tear", "smash", "shatter", "chop", "slice", "rip"};
+  constexpr std::array kPieces{"piece",    "part",  "half",  "bit",   "slice",
+                               "fragment", "strip", "chunk", "shred", "section"};
+  for (const char* role : {"ARG2", "ARG3", "consequence", "destination"}) {
+    const int led = is_one_of(graph, at, kBreaking) ? graph.child(at, role) : -1;
+    if (led >= 0 && is_one_of(graph, graph.arc(led).to, kPieces)) several_apply(graph, graph.arc(led).to);
+  }
+  // Each of several people has a hand: their hands.
+  const int owner = graph.child(at, "part", true) >= 0 ? graph.child(at, "part", true) : graph.child(at, "poss");
+  const bool is_theirs = owner >= 0 && (graph.is(graph.arc(owner).to, "they") || graph.is(graph.arc(owner).to, "we") ||
+                                        has_attribute(graph.word(graph.arc(owner).to), "@pl"));
+  constexpr std::array kBody{"head",   "hand", "eye",  "ear",   "leg",   "arm",   "foot",     "face",
+                             "nose",   "back", "neck", "heart", "mouth", "lip",   "shoulder", "knee",
+                             "finger", "tail", "wing", "body",  "brain", "tooth", "chest",    "throat"};
+  if (is_theirs && is_one_of(graph, at, kBody)) several_apply(graph, at);
+}
+
 // Words that mean something else together than one by one.
 void idiom_apply(Rewriter& graph, int at) {
   // "Far from the city".
@@ -505,25 +527,7 @@ void idiom_apply(Rewriter& graph, int at) {
   const bool is_answer = graph.word(at).sense.empty() && is_listed(graph.word(at).name, kAnswers) &&
                          graph.children(at).empty() && (said < 0 || graph.is(graph.arc(said).from, "say", "01"));
   if (is_answer) attribute_add(graph.word(at), "@answer");
-  // Among and between is several, and what something breaks into.
-  const int within =
-      graph.is(at, "among") || (graph.is(at, "between") && graph.child(at, "op2") < 0) ? graph.child(at, "op1") : -1;
-  if (within >= 0) several_apply(graph, graph.arc(within).to);
-  constexpr std::array kBreaking{"break", "split", "divide", "cut", "tear", "smash", "shatter", "chop", "slice", "rip"};
-  constexpr std::array kPieces{"piece",    "part",  "half",  "bit",   "slice",
-                               "fragment", "strip", "chunk", "shred", "section"};
-  for (const char* role : {"ARG2", "ARG3", "consequence", "destination"}) {
-    const int led = is_one_of(graph, at, kBreaking) ? graph.child(at, role) : -1;
-    if (led >= 0 && is_one_of(graph, graph.arc(led).to, kPieces)) several_apply(graph, graph.arc(led).to);
-  }
-  // Each of several people has a hand: their hands.
-  const int owner = graph.child(at, "part", true) >= 0 ? graph.child(at, "part", true) : graph.child(at, "poss");
-  const bool is_theirs = owner >= 0 && (graph.is(graph.arc(owner).to, "they") || graph.is(graph.arc(owner).to, "we") ||
-                                        has_attribute(graph.word(graph.arc(owner).to), "@pl"));
-  constexpr std::array kBody{"head",   "hand", "eye",  "ear",   "leg",   "arm",   "foot",     "face",
-                             "nose",   "back", "neck", "heart", "mouth", "lip",   "shoulder", "knee",
-                             "finger", "tail", "wing", "body",  "brain", "tooth", "chest",    "throat"};
-  if (is_theirs && is_one_of(graph, at, kBody)) several_apply(graph, at);
+  many_apply(graph, at);
   // (t / that :ARG0-of (w / watch-01)): those that watched.
   if (graph.is(at, "that") && graph.child(at, "ARG0", true) >= 0) {
     attribute_add(graph.word(at), "@pl");
