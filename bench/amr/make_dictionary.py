@@ -492,7 +492,8 @@ class Writer:
                     self.entry(form, concept, f"ADV,CMP{vowel(form)}")
         made = re.sub("ic$", "ical", re.sub("[^aeiou]le$", lambda end: end.group()[0], re.sub("y$", "i", lemma))) + "ly"
         made = made.replace("lly", "ly") if lemma.endswith("ll") else made
-        if adverb := self.sources.manner.get(lemma) or (made if "(>" in concept and made in self.sources.adverbs else None):
+        is_plain = "(>" in concept or (lemma.endswith(("ic", "al", "ous", "ive", "ful", "less")) and lemma not in self.sources.adverbs)
+        if adverb := self.sources.manner.get(lemma) or (made if is_plain and made in self.sources.adverbs else None):
             self.entry(adverb, concept, f"ADV{',LY' * adverb.endswith('ly')}{',SADV' * (adverb in MIDDLE)}{vowel(adverb)}{more}")
 
 

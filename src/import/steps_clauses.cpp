@@ -1135,6 +1135,36 @@ void particle_apply(Rewriter& graph, int at) {
     graph.arc(led).role = "particle-near";
 }
 
+// "A man who was hurt in the storm and whom she knows": beside a clause with a subject of its own a participle would be
+// taken for a part of it.
+void whole_relative_apply(Rewriter& graph, int at) {
+  std::vector<int> passive;
+  bool is_told = false;
+  for (const int led : graph.children(at)) {
+    const Arc& one = graph.arc(led);
+    if (!one.inverse || one.role != "ARG1" || !is_event(graph, one.to)) continue;
+    const bool has_doer = graph.child(one.to, "ARG0") >= 0;
+    is_told |= has_doer;
+    if (!has_doer && !graph.children(one.to).empty()) passive.push_back(one.to);
+  }
+  for (const int event : passive) {
+    if (is_told && graph.word(at).sense.empty()) attribute_add(graph.word(event), "@whole");
+  }
+}
+
+// "The current lending": a noun of an event has an adjective where its verb has an adverb of time.
+void noun_time_apply(Rewriter& graph, int at) {
+  constexpr std::array kAdjectives{"current", "recent", "previous", "former",   "subsequent", "initial",
+                                   "future",  "past",   "eventual", "original", "present",    "annual"};
+  const int led = graph.child(at, "time");
+  const bool is_noun = is_event(graph, at) && at != graph.meaning().root && !has_attribute(graph.word(at), "@cl") &&
+                       !has_attribute(graph.word(at), "@agent") && graph.parent(at) >= 0 &&
+                       !graph.arc(graph.parent(at)).inverse;
+  if (led >= 0 && is_noun && is_one_of(graph, graph.arc(led).to, kAdjectives) &&
+      graph.children(graph.arc(led).to).empty())
+    graph.arc(led).role = "mod";
+}
+
 }  // namespace
 
 // What the rules must know of a whole clause before its first word stands: whether it has a subject, an auxiliary, an
@@ -1147,6 +1177,7 @@ void step_forms(Meaning& meaning) {
   for (int at = 0; at < graph.count(); ++at) {
     bare_time_apply(graph, at);
     content_apply(graph, at);
+    whole_relative_apply(graph, at);
     giving_apply(graph, at);
     particle_apply(graph, at);
     perceived_apply(graph, at);
@@ -1190,6 +1221,7 @@ void step_forms(Meaning& meaning) {
     const bool is_auxiliary =
         std::any_of(kAuxiliary.begin(), kAuxiliary.end(), [&](const char* one) { return has_attribute(word, one); });
     if (is_auxiliary && is_clause(graph, at)) attribute_add(word, "@aux");
+    noun_time_apply(graph, at);
     extraposed_apply(graph, at);
     gerund_apply(graph, at);
     // "It is a pity that she left": what a predicate says of a whole clause.

@@ -160,6 +160,18 @@ void every_time_apply(Rewriter& graph, int led) {
   graph.replace(led, one.from, whenever, "time");
 }
 
+// "She spent the money on books": the money is the object, though the frame has what is bought for it.
+void spent_apply(Rewriter& graph, int at) {
+  const int bought = graph.is(at, "spend", "01") ? graph.child(at, "ARG1") : -1;
+  const int money = bought < 0 ? -1 : graph.child(at, "ARG3");
+  if (money < 0 || graph.argument(at, "ARG2") >= 0) return;
+  graph.word(at).sense = "02";
+  graph.arc(bought).role = "ARG2";
+  graph.arc(money).role = "ARG1";
+  const int what = graph.arc(bought).to;
+  if (is_event(graph, what) && graph.child(what, "ARG0") < 0) attribute_add(graph.word(what), "@nom");
+}
+
 }  // namespace
 
 // Behind the frames of roles, offices and degrees, whose arcs these look at.
@@ -172,6 +184,7 @@ void step_turned(Meaning& meaning) {
     quality_stated(graph, at);
     time_stated(graph, at);
     unnamed_subject(graph, at);
+    spent_apply(graph, at);
     consequence_behind(graph, at);
   }
   for (int led = 0, end = static_cast<int>(meaning.arcs.size()); led < end; ++led) {

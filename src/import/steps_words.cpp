@@ -343,6 +343,8 @@ void entity_value_apply(Rewriter& graph, int at) {
       graph.word(at).name = "percent";
       attribute_add(graph.word(at), "@measure");
       graph.replace(value, at, head, "quant");
+      // "The 100 percent share": beside another article a hundred has none.
+      if (graph.word(head).name == "100") graph.word(head).sense = "num";
     } else {
       if (is_ordinal) graph.word(head).sense = "ord", attribute_add(graph.word(head), "@ord");
       // "The first bridge in ten years".
