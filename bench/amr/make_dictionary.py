@@ -102,7 +102,9 @@ NOUNS = {verb: noun for verb, noun in (one.split(":") for one in (
     "pluck:plucking thaw:thaw melt:melting wed:wedding christen:christening beget:begetting ").split())}
 # Verbs with a noun that the frame files write without its article.
 PHRASES = {"make difference": "make a difference", "give hand": "give a hand", "get grip": "get a grip", "have clue": "have a clue",
-           "get kick": "get a kick", "make scene": "make a scene", "take picture": "take a picture", "have good run": "have a good run"}
+           "get kick": "get a kick", "make scene": "make a scene", "take picture": "take a picture", "have good run": "have a good run",
+           "point finger": "point the finger", "take effect": "take effect", "have point": "have a point", "shed blood": "shed blood",
+           "have eye on": "have an eye", "give pass": "give a pass", "break heart": "break the heart", "touch base": "touch base"}
 # Words that name no deed, though the frame files or WordNet have them for the verb: "the make of a coat", "the leave".
 NO_NOUNS = set("make leave build kill hold raise face head fire hand mind matter subject term feature average stem float center "
                "figure contain allow cause proceed commit watch drink sink file store stain show run feed set put take let "
@@ -171,6 +173,8 @@ GERUND_PREPOSITIONS = set("about against at by from in into of on with".split())
 # Adjectives that are adverbs as they are.
 FLAT_ADVERBS = set("hard fast early late long high low deep close near".split())
 STATE_FILES = {31, 37, 42}
+# Acts, what is thought and said, events, feelings, processes, states.
+DEED_FILES = {4, 9, 10, 11, 12, 22, 26}
 MASS_FILES = {7, 12, 27, 26}
 
 
@@ -416,6 +420,16 @@ class Sources:
             weight *= 0.5
         return weight * (10 if tag == "PTCP" and form.endswith("n") and is_known else 1)
 
+    def deed_of(self, verb):
+        """The noun of what a verb does, where the frame files have none: amazement, redefinition."""
+        found = [noun for noun in self.nominal.get(verb, ())
+                 if noun[:3] == verb[:3] and re.search("(tion|sion|ment|ance|ence|al|ure)$", noun) and noun != verb
+                 and self.nouns.get(noun, ("", 0))[1] in DEED_FILES]
+        # "A charge": of the same form, where people use it as a noun at least as often.
+        if not found and verb in self.nouns and self.nouns[verb][1] in (4, 10, 11, 12):
+            found = [verb] * (self.tagged[verb, "1"] >= max(3, self.tagged[verb, "2"]))
+        return sorted(found, key=lambda noun: -self.tagged[noun, "1"])[:1]
+
     def verb_forms(self, lemma):
         first, *rest = lemma.split(" ")
         forms = verb_rule(first)
@@ -446,7 +460,8 @@ class Writer:
         forms = self.sources.verb_forms(first if particle in PARTICLES else lemma)
         if particle in PARTICLES:
             more += f",ZP,Z{particle}"
-        if self.sources.is_state(lemma, forms):
+        # The spelling rules put the "s" of the present behind the last word.
+        if self.sources.is_state(lemma, forms) and (" " not in lemma or particle in PARTICLES):
             more = ",STATV" + more
         third = forms["S"]
         ending = ",YS" if third.endswith("ies") else ",ES" if third.endswith("es") and not forms["BASE"].endswith("e") else ""
@@ -557,6 +572,9 @@ def frames(path, writer, sources):
         verb = lemma if lemma in of["V"] else of["V"][0] if of["V"] else None
         if verb == lemma and len(names) == 1 and not {lemma, lemma.partition(" ")[0]} & (sources.verbs | set(sources.forms)):
             verb = None
+        # Frames that PropBank names by their noun alone.
+        if not verb and lemma in PHRASES:
+            verb = PHRASES[lemma]
         told = [a for a in names[0][1] if a not in ("V", "N", "ADJ", "NMZ", "QUAL")]
         seen = {a for a in told if a in ("INF1", "GER1", "THAT1")}
         built = list(told)
@@ -604,6 +622,8 @@ def frames(path, writer, sources):
             nouns = [NOUNS[lemma]]
         if verb and lemma in NO_NOUNS and lemma not in NOUNS:
             nouns, of["N"] = [], []
+        if verb and not nouns and lemma not in NO_NOUNS:
+            nouns = sources.deed_of(lemma)
         for noun in (nouns or [form for form in of["N"] if sources.tagged[form, "1"] > 19])[:1]:
             # A noun has the prepositions of its verb, "a look at the sea", and a verb of its own, "take a look".
             of_noun = NOUN_OBJECTS.get(lemma, "")
@@ -616,7 +636,8 @@ def frames(path, writer, sources):
                 writer.noun(sources.quality[adjective], concept, ",NMZ,QUAL")
             # Of a frame that is a noun: surgery, surgical.
             of_noun = ",OFN" * (not verb and lemma in of["N"] and lemma != adjective)
-            writer.adjective(adjective, concept, of_noun if verb else pattern + of_noun)
+            # "The education office": what a thing is about is named by the noun of the deed, if it has one.
+            writer.adjective(adjective, concept, ",OFV" * bool(nouns) if verb else pattern + of_noun)
         for agent in agent_of(sources, verb)[:1] if verb else ():
             writer.noun(agent, concept, ",AGT")
 

@@ -153,6 +153,11 @@ int mention_of(Rewriter& graph, int at) {
     word.name = "she";
     std::erase(word.attributes, "@name");
   }
+  // "The man and the woman" are they, whatever the first of them is.
+  if (has_attribute(model, "@group")) {
+    word.name = "they";
+    word.attributes = {"@ref", "@pl"};
+  }
   // The poor are they.
   if (has_attribute(model, "@people")) graph.word(made).name = "they";
   return made;

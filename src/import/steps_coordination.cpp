@@ -84,12 +84,24 @@ void mention_parts(Rewriter& graph, const Conjunction& conjunction, const std::v
 
 // The whole, mentioned again: "they".
 // (s / sing-01 :ARG0 (a / and :op1 x :op2 y)) and below that (t / they :ARG0 a): when `at` has become its first
-// operand, the other arcs would mean x alone.
-void mention_group(Rewriter& graph, int at, int group_arc) {
+// operand, the other arcs would mean x alone. Where nothing else means x alone, they lead to x, so that later steps
+// see who it is, "the man and the woman want to leave", and @group makes "they" of it.
+void mention_group(Rewriter& graph, int at, int group_arc, const std::vector<int>& parts) {
+  const int head = graph.arc(parts[0]).to;
+  const auto has_part = [&](const char* name) {
+    return std::any_of(parts.begin(), parts.end(), [&](int led) { return graph.is(graph.arc(led).to, name); });
+  };
+  const char* pronoun = has_part("i") || has_part("we") ? "we" : has_part("you") ? "you" : "they";
+  const bool is_head_alone = parts.size() > 1 && graph.mentions(head) == 1 && !is_clause(graph, head) &&
+                             !is_personal_pronoun(graph, head) && pronoun == std::string_view("they");
   for (std::size_t i = 0; i < graph.meaning().arcs.size(); ++i) {
     const int led = static_cast<int>(i);
     if (graph.arc(led).gone || graph.arc(led).to != at || led == group_arc || graph.arc(led).inverse) continue;
-    const int they = graph.add_concept("they");
+    if (is_head_alone) {
+      attribute_add(graph.word(head), "@group");
+      continue;
+    }
+    const int they = graph.add_concept(pronoun);
     attribute_add(graph.word(they), "@ref");
     attribute_add(graph.word(they), "@pl");
     graph.arc(led).to = they;
@@ -219,7 +231,7 @@ void coordinate(Rewriter& graph, int at, const Conjunction& conjunction) {
   mention_parts(graph, conjunction, parts, first);
   if (said_by_pronoun(graph, at, parts, conjunction)) return;
   nominal_parts(graph, at, parts);
-  mention_group(graph, at, first[static_cast<std::size_t>(at)]);
+  mention_group(graph, at, first[static_cast<std::size_t>(at)], parts);
   const int head = graph.arc(parts[0]).to;
   graph.settle_concept(at, Fate::attribute);
   // Within a sentence nothing is left that it could be tied to.

@@ -349,6 +349,10 @@ void degree_apply(Rewriter& graph, int at, bool is_quantity) {
   if (quality_led < 0) return;
   const int quality = graph.other(quality_led, at);
   const int bearer_led = graph.argument(at, "ARG1");
+  // "He did not sing so much": of what somebody does, the doing is denied.
+  const int deed = is_quantity && bearer_led >= 0 ? graph.other(bearer_led, at) : -1;
+  if (deed >= 0 && is_event(graph, deed) && std::erase(graph.word(at).attributes, "@neg") > 0)
+    attribute_add(graph.word(deed), "@neg");
   if (is_quantity && bearer_led >= 0) counted_apply(graph, quality, graph.other(bearer_led, at));
   graph.settle_concept(at, Fate::relation);
   // What is denied is the degree: "no thicker than a finger".

@@ -119,6 +119,13 @@ void lone_apply(Rewriter& graph, int at, const Reified& one, int up, int down) {
   const bool is_plain = graph.children(at).size() == 1;
   if (!is_plain || std::string_view(one.role) == "superset") return;
   const int kept = graph.arc(led).to;
+  // "That caused the noise": a thing is no clause that "so" could begin.
+  const bool is_thing = graph.word(kept).sense.empty() && !graph.word(kept).variable.empty() &&
+                        graph.child(kept, "domain") < 0 && graph.child(kept, "op1") < 0 && !is_unknown(graph, kept);
+  if (is_thing && up >= 0 && graph.is(at, "cause", "01")) {
+    graph.add(at, graph.add_concept("that"), "ARG0");
+    return;
+  }
   attribute_add(graph.word(kept), std::string("@") + (up >= 0 ? "so_" : "as_") + one.role);
   graph.settle_concept(at, Fate::attribute);
   graph.remove(led, Fate::attribute);
@@ -341,6 +348,31 @@ void likeness_apply(Rewriter& graph, int at) {
   graph.settle_concept(at, Fate::relation);
   graph.replace(like, event, other, is_clause ? "conj-as-if" : "likeness");
   graph.remove(led, Fate::relation);
+}
+
+// (t / time :ARG1-of (r / resemble-91 :ARG2 (t2 / time :mod (t3 / this)))): a time like this, which names the time once.
+void same_noun_apply(Rewriter& graph, int at) {
+  const int above = graph.parent(at);
+  const int like = graph.child(at, "ARG2");
+  if (above < 0 || like < 0 || !graph.arc(above).inverse) return;
+  const int noun = graph.arc(above).from;
+  const int other = graph.arc(like).to;
+  const int pointer = graph.child(other, "mod");
+  if (graph.word(other).name != graph.word(noun).name || pointer < 0 || graph.children(other).size() != 1) return;
+  if (!is_one_of(graph, graph.arc(pointer).to, kDemonstratives) || graph.mentions(other) > 1) return;
+  graph.stand_in(other, pointer, Fate::word);
+  attribute_add(graph.word(noun), "@indef");
+}
+
+// (s / stop-01 :ARG2-of (r / result-01 :ARG1 (b / break-01))): what it results from is its cause.
+void result_apply(Rewriter& graph, int at) {
+  const int above = graph.parent(at);
+  const int led = graph.child(at, "ARG1");
+  const bool is_below = above >= 0 && graph.arc(above).inverse && graph.arc(above).role == "ARG2";
+  if (!is_below || led < 0 || graph.children(at).size() != 1 || graph.word(graph.arc(above).from).sense.empty()) return;
+  graph.settle_concept(at, Fate::relation);
+  graph.replace(led, graph.arc(above).from, graph.arc(led).to, "cause");
+  graph.remove(above, Fate::relation);
 }
 
 // How often, as a bare number: "once", "twice".
@@ -591,6 +623,23 @@ void called_beside(Rewriter& graph, int at) {
   }
 }
 
+// What nobody has is there: (h / have-03 :ARG1 (p / party)) as "there was a party". And what money is spent on stands behind
+// the money, whatever numbers they have.
+void object_order_apply(Rewriter& graph, int at) {
+  const bool is_of_nobody = graph.is(at, "have", "03") || graph.is(at, "have", "04");
+  if (is_of_nobody && graph.argument(at, "ARG0") < 0 && graph.child(at, "ARG1") >= 0 && graph.child(at, "ARG2") < 0) {
+    graph.word(at).name = "exist";
+    graph.word(at).sense = "01";
+  }
+  if (!graph.is(at, "spend", "01")) return;
+  const int seller = graph.argument(at, "ARG2");
+  const int what = graph.argument(at, "ARG1");
+  const int money = graph.argument(at, "ARG3");
+  if (seller >= 0) graph.arc(seller).role = "source";
+  if (what >= 0) graph.arc(what).role = "ARG2";
+  if (money >= 0) graph.arc(money).role = "ARG1";
+}
+
 // Frames that are a word or a phrase of their own.
 void phrase_apply(Rewriter& graph, int at) {
   // (w / work-01 :temporal (u / use-03)): what used to be done.
@@ -754,6 +803,8 @@ void sets_apply(Rewriter& graph) {
   for (Arc& one : graph.meaning().arcs) {
     constexpr std::array kOffice{"former", "current", "future", "present", "then"};
     const bool is_time = !one.gone && !one.inverse && (one.role == "time" || one.role == "temporal");
+    // "In past years": of a span the time says which.
+    if (is_time && has_attribute(graph.word(one.from), "@measure") && graph.is(one.to, "past")) one.role = "mod";
     if (is_time && is_one_of(graph, one.to, kOffice) && graph.word(one.from).sense.empty() &&
         !graph.word(one.from).variable.empty() && graph.child(one.from, "domain") < 0 && graph.children(one.to).empty())
       one.role = "mod";
@@ -811,7 +862,10 @@ void step_reified(Meaning& meaning) {
     if (graph.is(at, "cause", "01")) reason_apply(graph, at), cause_noun_apply(graph, at);
     if (graph.is(at, "thing") || graph.is(at, "reason")) reason_role_apply(graph, at);
     if (graph.is(at, "regardless", "91")) regardless_apply(graph, at);
+    if (graph.word(at).name == "resemble") same_noun_apply(graph, at);
+    if (graph.is(at, "result", "01")) result_apply(graph, at);
     if (graph.is(at, "resemble", "01")) likeness_apply(graph, at);
+    object_order_apply(graph, at);
     phrase_apply(graph, at);
     light_phrase_apply(graph, at);
   }

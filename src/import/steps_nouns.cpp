@@ -173,6 +173,19 @@ void determined_apply(Rewriter& graph, int at) {
   if (!is_one_of(graph, graph.arc(led).to, kOne)) attribute_add(graph.word(at), "@pl");
 }
 
+// "The charge that the police brought": an event of nobody of which a clause is told is a noun.
+void described_apply(Rewriter& graph, int at) {
+  const int above = graph.parent(at);
+  const bool is_part = above >= 0 && !graph.arc(above).inverse && graph.arc(above).role.starts_with("ARG");
+  if (!is_part || !is_one_clause(graph, at) || graph.child(at, "ARG0") >= 0 || graph.child(at, "ARG1") >= 0) return;
+  if (graph.child(at, "domain") >= 0) return;
+  for (const char* role : {"ARG0", "ARG1"}) {
+    const int told = graph.child(at, role, true);
+    if (told >= 0 && is_event(graph, graph.arc(told).to) && !graph.children(graph.arc(told).to).empty())
+      return event_to_noun(graph, at);
+  }
+}
+
 // "Their decision to leave": what is decided has the same subject, and where nobody is named it is an infinitive, too.
 void bare_infinitive_apply(Rewriter& graph, int at) {
   constexpr std::array kWilling{"decide",   "try",    "attempt", "refuse",  "promise",  "plan",    "intend",
@@ -257,6 +270,7 @@ void step_nouns(Meaning& meaning) {
     subject_apply(graph, at);
     place_apply(graph, at);
     determined_apply(graph, at);
+    described_apply(graph, at);
     bare_infinitive_apply(graph, at);
     feeling_apply(graph, at);
     possibility_apply(graph, at);
