@@ -3,6 +3,7 @@
 #include <array>
 #include <cstddef>
 #include <string>
+#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -428,6 +429,20 @@ void pronoun_apply(Rewriter& graph, int at) {
   graph.replace(led, frame, at, graph.arc(led).role);
 }
 
+// (s / say-01 :ARG0 (m / man :domain (t / this))): who acts is this man, and not that this is a man.
+void pointing_apply(Rewriter& graph, int at) {
+  const int above = graph.parent(at);
+  const int led = graph.child(at, "domain");
+  // "This is the man who came": the statement itself presents him.
+  const bool is_agent =
+      above >= 0 && !graph.arc(above).inverse && graph.arc(above).role == "ARG0" &&
+      (graph.arc(above).from != graph.meaning().root || is_one_of(graph, graph.arc(above).from, kSaying));
+  if (led < 0 || !is_agent || !graph.word(at).sense.empty() || !graph.word(graph.arc(above).from).sense.size()) return;
+  const int pointer = graph.arc(led).to;
+  if ((graph.is(pointer, "this") || graph.is(pointer, "that")) && graph.children(pointer).empty())
+    graph.arc(led).role = "mod";
+}
+
 // (s / say-01 :ARG0 (h / he :ARG0-of (t / talk-01))): "he said ..., talking". A pronoun has no relative clause; what it does
 // besides goes with what is said of it.
 // What he does becomes :attendant of the clause, with himself as its subject, which step control takes out again.
@@ -619,6 +634,7 @@ void step_persons(Meaning& meaning) {
     described_apply(graph, led);
   }
   for (int at = 0; at < graph.count(); ++at) {
+    pointing_apply(graph, at);
     pronoun_apply(graph, at);
     attendant_apply(graph, at);
     if (graph.is(at, "person") || graph.is(at, "thing")) asked_content(graph, at);
@@ -771,6 +787,34 @@ void tense_of_place(Rewriter& graph, int at) {
   if (is_event(graph, deed) && graph.child(deed, "ARG0") >= 0) attribute_add(graph.word(at), "@past");
 }
 
+// "When they left, I remembered the house", "I had no time and looked away": what lasts is told of the same time as what
+// happens beside it, which rules have as past. Nothing where the graph says when either of them is.
+void tense_beside(Rewriter& graph, int at) {
+  constexpr std::array kLasting{"have", "know",  "remember", "want", "need",   "love",    "like",
+                                "hate", "think", "believe",  "fear", "belong", "contain", "understand"};
+  constexpr std::array kKnown{"@past",   "@pres",  "@fut",   "@would", "@imp", "@perf",  "@can", "@must", "@may",
+                              "@should", "@state", "@habit", "@asked", "@ask", "@quote", "@int", "@neg"};
+  const auto is_open = [&](int one) {
+    return is_event(graph, one) && std::none_of(kKnown.begin(), kKnown.end(),
+                                                [&](const char* mark) { return has_attribute(graph.word(one), mark); });
+  };
+  const auto is_lasting = [&](int one) { return is_one_of(graph, one, kLasting) && graph.child(one, "ARG0") >= 0; };
+  if (!is_open(at)) return;
+  for (const char* role : {"time", "conjunct"}) {
+    const int led = graph.child(at, role);
+    const int beside = led < 0 ? -1 : graph.arc(led).to;
+    if (beside < 0 || !is_open(beside)) continue;
+    const bool is_joined = std::string_view(role) == "conjunct";
+    if (is_joined && graph.child(beside, "shared") < 0) continue;
+    const bool happens = graph.child(at, "ARG0") >= 0 && !is_one_of(graph, at, kLasting);
+    const bool happens_beside = !is_one_of(graph, beside, kLasting) &&
+                                (is_joined ? graph.child(beside, "ARG1") >= 0 : graph.child(beside, "ARG0") >= 0);
+    if (happens && !is_joined) attribute_add(graph.word(beside), "@past");
+    if (happens && is_joined && is_one_of(graph, beside, kLasting)) attribute_add(graph.word(beside), "@past");
+    if (happens_beside && is_lasting(at)) attribute_add(graph.word(at), "@past");
+  }
+}
+
 // "I thank you": it is done by saying so.
 void tense_of_thanks(Rewriter& graph, int at) {
   constexpr std::array kDone{"thank", "congratulate", "assure", "beg", "promise"};
@@ -855,6 +899,7 @@ void step_tense(Meaning& meaning) {
     tense_from_time(graph, at);
     tense_of_age(graph, at);
     tense_of_place(graph, at);
+    if (!is_said[static_cast<std::size_t>(at)]) tense_beside(graph, at);
     Concept& clause = graph.word(at);
     const bool is_lasting = has_attribute(clause, "@state") || has_attribute(clause, "@habit");
     if (is_lasting && !has_attribute(clause, "@past") && !has_attribute(clause, "@fut")) attribute_add(clause, "@pres");
@@ -1037,6 +1082,12 @@ void extraposed_apply(Rewriter& graph, int at) {
   if (is_person && is_one_of(graph, at, kOfActs) && !has_attribute(graph.word(what), "@past"))
     attribute_add(graph.word(what), "@pres");
   const bool is_act = !is_clause && !is_person && is_one_of(graph, at, kOfActs) && !graph.children(what).empty();
+  // "It is good that the fox is very curious": a quality (ARG1 alone) with words of its own is no noun.
+  const auto is_circumstance = [&](int one) { return !is_core(graph.arc(one)) && !graph.arc(one).inverse; };
+  const std::vector<int> told = graph.children(what);
+  const bool is_long = graph.child(what, "conjunct") >= 0 || graph.child(what, "degree") >= 0 ||
+                       std::count_if(told.begin(), told.end(), is_circumstance) > 1;
+  if (!is_clause && sufferer >= 0 && is_long && !is_one_of(graph, at, kOfActs)) attribute_add(graph.word(at), "@xadj");
   constexpr std::array kHappening{"matter", "happen", "occur", "turn-out"};
   if (is_clause && is_one_of(graph, at, kHappening)) attribute_add(graph.word(at), "@xv");
   const bool is_for = is_clause && is_easy_for(graph, at, what);

@@ -326,6 +326,8 @@ void having_apply(Rewriter& graph, int at) {
   const int thing = graph.child(at, is_had ? "ARG0" : "ARG1");
   const bool is_inside = holder >= 0 && graph.arc(holder).inverse && (is_had || graph.arc(holder).role == "ARG0");
   if (!is_inside || thing < 0 || graph.children(at).size() != 1 || graph.mentions(at) > 1) return;
+  // "Your boat that she had": a thing has one owner in front.
+  if (is_had && graph.child(graph.arc(holder).from, "poss") >= 0) return;
   const std::vector<std::string>& marks = graph.word(at).attributes;
   if (std::any_of(marks.begin(), marks.end(), [](const std::string& mark) { return mark != "@v"; })) return;
   graph.settle_concept(at, Fate::relation);

@@ -68,6 +68,28 @@ void speak_of_oneself(Rewriter& graph, int frame, int said, int speaker, int hea
   }
 }
 
+// What has no place for words in front of it: a clause inside of another, and one that is denied, asked, bidden or only
+// possible.
+bool is_no_frame_of_words(Rewriter& graph, int at) {
+  for (const char* mark : {"@neg", "@int", "@imp", "@can", "@must", "@should"}) {
+    if (has_attribute(graph.word(at), mark)) return true;
+  }
+  int led = graph.parent(at);
+  for (int steps = graph.count(); led >= 0 && graph.arc(led).role == "conjunct" && steps > 0; --steps)
+    led = graph.parent(graph.arc(led).from);
+  if (led < 0) return false;
+  constexpr std::array kInside{"time",   "temporal",   "condition", "concession", "purpose", "cause",
+                               "reason", "conj-as-if", "manner",    "source",     "topic",   "op1"};
+  const std::string& role = graph.arc(led).role;
+  return is_core_role(role) || (!graph.arc(led).inverse && is_listed(role, kInside));
+}
+
+// "Before the king said that you should wait": an order and a question that are reported.
+void report_mood(Rewriter& graph, int said) {
+  if (std::erase(graph.word(said).attributes, "@imp") > 0) attribute_add(graph.word(said), "@should");
+  if (std::erase(graph.word(said).attributes, "@int") > 0) attribute_add(graph.word(said), "@whether");
+}
+
 // (s / say-01 :ARG0 (k / king) :ARG1 (c / come-01 :mode imperative) :ARG2 (b / boy)): "Come," said the king. `led` is
 // the arc to what is said, `who` that to the speaker and `whom` to the hearer; verbs of answering number the last two
 // the other way round.
@@ -118,6 +140,7 @@ void quote(Rewriter& graph, int at) {
     graph.meaning().quotations += is_direct;
   }
   if (!is_direct && !(is_report && graph.meaning().is_dialogue)) return;
+  if (is_no_frame_of_words(graph, at)) return report_mood(graph, said);
   graph.arc(led).role = "quoted";
   attribute_add(graph.word(said), "@quote");
   speak_of_oneself(graph, at, said, graph.arc(who).to, whom >= 0 ? graph.arc(whom).to : -1);

@@ -59,7 +59,8 @@ void raise_apply(Rewriter& graph, int at) {
                          !has_attribute(graph.word(at), "@imp") && graph.child(at, "ARG2") < 0 &&
                          graph.argument(at, "ARG0") < 0;
   const bool is_raising = is_phase || is_bidden || is_seeming(graph, at);
-  const int led = is_raising && graph.child(at, "ARG0") < 0 ? graph.child(at, "ARG1") : -1;
+  // "The boy who began to sing": he may be named above.
+  const int led = is_raising && graph.argument(at, "ARG0") < 0 ? graph.child(at, "ARG1") : -1;
   if (led < 0 || !is_clause(graph, graph.arc(led).to)) return;
   // What begins to be done has a doer, what begins to be a subject: "the rain began to fall".
   const int done = graph.arc(led).to;
