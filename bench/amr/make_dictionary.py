@@ -472,7 +472,7 @@ class Writer:
 
     def noun(self, lemma, concept, more=""):
         written, file, _ = self.sources.nouns.get(lemma.lower(), (lemma, 0, 0))
-        if lemma != lemma.lower() or more and lemma in self.sources.common:
+        if lemma != lemma.lower() or (more or concept == lemma) and lemma in self.sources.common:
             written = lemma
         kinds = {18: ",HUM", 28: ",TIM", 15: ",PLC"}.get(file, "") + (",MASS" if file in MASS_FILES else "")
         kinds += ",FEM" * (file == 18 and lemma.endswith(("ess", "woman")) and not lemma.endswith("witness"))
@@ -609,6 +609,10 @@ def frames(path, writer, sources):
         if verb:
             writer.verb(verb, concept, pattern + ",SMALLC" * (verb in ("make", "render", "keep") and "SMALLC" not in built)
                         + ",COPL" * (verb in COPULAR and "COPL" not in built))
+            # "The unknown island": what has not been done to it.
+            undone = "un" + sources.verb_forms(verb)["PTCP"]
+            if verb == lemma and undone in sources.adjectives:
+                writer.entry(undone, concept, "UN,UNDONE,VOW")
         # A word that is a noun at least as often as a verb names what the verb does: "the size of the garden".
         often = sources.tagged[lemma, "1"] >= max(5, 1.5 * sources.tagged[lemma, "2"])
         if verb == lemma and not of["N"] and often and not has_preposition:
@@ -678,6 +682,9 @@ def lemmas(writer, sources):
             concept = written if written != lemma else lemma
             for key in {concept, concept.replace(" ", "-")} if written == lemma else {concept}:
                 writer.noun(written, key)
+            # The crane, beside a poet of that name.
+            if written != lemma and lemma in sources.common and len(lemma) > 2:
+                writer.noun(lemma, lemma)
     for noun, adjectives in sources.adjectival.items():
         if noun[:1].isupper():
             for adjective in sorted(adjectives, key=lambda one: one[:3] != noun[:3])[:1]:

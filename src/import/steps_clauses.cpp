@@ -847,7 +847,7 @@ std::string mark_of_content(Rewriter& graph, int at) {
   constexpr std::array kHoping{"hope", "bet", "trust", "guarantee", "ensure"};
   constexpr std::array kPromising{"promise", "predict", "vow",      "pledge", "forecast",
                                   "decide",  "foresee", "threaten", "wish"};
-  constexpr std::array kDemanding{"demand", "recommend", "propose", "stipulate", "decree"};
+  constexpr std::array kDemanding{"demand", "recommend", "propose", "stipulate", "decree", "order", "command"};
   constexpr std::array kWondering{"wonder", "inquire", "enquire"};
   const Concept& word = graph.word(at);
   const bool is_now = has_attribute(word, "@pres") || has_attribute(word, "@fut");
@@ -869,6 +869,12 @@ void tense_of_content(Rewriter& graph, int at) {
   if (mark.empty() || subject < 0 || (is_own && !is_open) || has_attribute(graph.word(what), "@asked")) return;
   constexpr std::array kKnown{"@past", "@pres", "@fut",    "@would", "@imp",   "@perf",  "@can",
                               "@must", "@may",  "@should", "@ask",   "@quote", "@likely"};
+  // "She ordered that the gate should be opened": it does not open by itself.
+  constexpr std::array kCausable{"burn", "open", "close",  "shut",  "break", "move", "stop",   "ring",
+                                 "boil", "sink", "hang",   "turn",  "fill",  "sell", "gather", "start",
+                                 "end",  "melt", "change", "bring", "cook",  "cut",  "wake",   "drown"};
+  if (mark == "@should" && is_one_of(graph, what, kCausable) && graph.arc(subject).role == "ARG1")
+    attribute_add(graph.word(what), "@psv");
   // What is joined to it is told of the same time.
   for (int steps = graph.count(); what >= 0 && steps > 0; --steps) {
     const Concept& clause = graph.word(what);

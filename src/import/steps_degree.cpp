@@ -127,7 +127,9 @@ void degree_said(Rewriter& graph, int led, int quality) {
     graph.remove(led, Fate::word);
     graph.move_children(degree, quality);
   } else if (attribute != nullptr && graph.mentions(degree) == 1) {
-    attribute_add(graph.word(quality), attribute);
+    // "Not so tall as she": with what it is compared to, that is as tall.
+    const bool is_as = graph.is(degree, "so") && graph.child(graph.arc(led).from, "ARG4") >= 0;
+    attribute_add(graph.word(quality), is_as ? "@equal" : attribute);
     graph.settle_concept(degree, Fate::attribute);
     graph.remove(led, Fate::attribute);
     graph.move_children(degree, quality);
@@ -139,8 +141,8 @@ void degree_said(Rewriter& graph, int led, int quality) {
 // "A boy who is older than his sister": a comparison with something is a clause behind the noun.
 bool is_behind(Rewriter& graph, int quality, int bearer, std::string_view role) {
   constexpr std::array kAmounts{"many", "much", "few", "more", "less", "little"};
-  return role == "ARG4" && has_attribute(graph.word(quality), "@more") && graph.word(bearer).sense.empty() &&
-         !is_one_of(graph, quality, kAmounts);
+  const bool is_compared = has_attribute(graph.word(quality), "@more") || has_attribute(graph.word(quality), "@equal");
+  return role == "ARG4" && is_compared && graph.word(bearer).sense.empty() && !is_one_of(graph, quality, kAmounts);
 }
 
 // (t / tree :ARG1-of (h / have-degree-91 :ARG2 tall :ARG3 most :ARG5 (t2 / tree :location g))): the tallest tree in the garden.

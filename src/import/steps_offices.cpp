@@ -267,6 +267,18 @@ void step_office(Meaning& meaning) {
       }
     }
   }
+  // "He had two daughters", and not his own two.
+  for (int at = 0; at < graph.count(); ++at) {
+    const int owner = graph.is(at, "have", "03") ? graph.child(at, "ARG0") : -1;
+    const int had = owner < 0 ? -1 : graph.child(at, "ARG1");
+    const int again = had < 0 ? -1 : graph.child(graph.arc(had).to, "poss");
+    const int mod = again < 0 ? -1 : graph.child(graph.arc(had).to, "mod");
+    const bool is_own = mod >= 0 && graph.is(graph.arc(mod).to, "own");
+    if (again < 0 || is_own || graph.arc(again).to != graph.arc(owner).to) continue;
+    graph.remove(again, Fate::relation);
+    const int counted = graph.child(graph.arc(had).to, "quant");
+    if (counted >= 0 && graph.is(graph.arc(counted).to, "few")) graph.word(graph.arc(counted).to).name = "a-few";
+  }
   // "Kim, 81, sang".
   for (int at = 0; at < graph.count(); ++at) {
     const int led = has_attribute(graph.word(at), "@name") ? graph.child(at, "age") : -1;

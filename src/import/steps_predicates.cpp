@@ -164,6 +164,14 @@ void denial_apply(Rewriter& graph, Arc& one) {
   const bool is_clause = is_event(graph, one.from) || graph.child(one.from, "domain") >= 0;
   if (!is_clause || !graph.children(one.to).empty() || graph.mentions(one.to) > 1) return;
   if (has_attribute(graph.word(one.from), "@neg")) return;
+  // "She left without a word": what is done so is done.
+  constexpr std::array kLacked{"doubt",   "mercy", "hesitation", "effort", "haste",      "delay",  "shame",  "success",
+                               "warning", "fear",  "difficulty", "pity",   "permission", "regret", "reason", "help"};
+  constexpr std::array kCounted{"word", "sound", "noise", "hurry",  "smile",     "tear",
+                                "look", "aim",   "sigh",  "glance", "exception", "purpose"};
+  const bool is_counted = is_one_of(graph, one.to, kCounted);
+  if (one.role == "manner" && (is_counted || is_one_of(graph, one.to, kLacked)))
+    return attribute_add(graph.word(one.to), is_counted ? "@indef" : "@noart");
   std::erase(graph.word(one.to).attributes, "@neg");
   attribute_add(graph.word(one.from), "@neg");
 }

@@ -514,6 +514,9 @@ void idiom_apply(Rewriter& graph, int at) {
     if (is_people && role.starts_with("ARG") && graph.word(word).sense.empty())
       attribute_add(graph.word(word), "@people");
   }
+  // "Alone in the darkness": a place is no quality.
+  const int within_it = graph.is(at, "dark") && graph.children(at).empty() ? graph.parent(at) : -1;
+  if (within_it >= 0 && graph.arc(within_it).role == "location") graph.word(at).name = "darkness";
   // (t / thing :example-of (t2 / thing) :mod (s / such)): such an example.
   const int of = graph.is(at, "thing") ? graph.child(at, "example", true) : -1;
   if (of >= 0 && graph.is(graph.arc(of).to, "thing") && graph.children(graph.arc(of).to).empty() &&
@@ -536,6 +539,13 @@ void idiom_apply(Rewriter& graph, int at) {
     attribute_add(graph.word(at), "@person");
     // "Many people who want it": a number has no pronoun behind it.
     graph.word(at).name = graph.child(at, "quant") >= 0 ? "person" : "those";
+  }
+  // (w / way :mod (a / all) :destination (h / home)): all the way home.
+  const int every = graph.is(at, "way") ? graph.child(at, "mod") : -1;
+  if (every >= 0 && graph.is(graph.arc(every).to, "all") && graph.mentions(graph.arc(every).to) == 1) {
+    graph.word(at).name = "all-the-way";
+    graph.settle_concept(graph.arc(every).to, Fate::word);
+    return graph.remove(every, Fate::word);
   }
   // (t / time :mod (a / all)): all the time.
   const int above = graph.is(at, "time") && graph.children(at).size() == 1 ? graph.parent(at) : -1;
