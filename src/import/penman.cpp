@@ -165,11 +165,10 @@ class GraphParser {
     if (tokens_.head().kind != Token::Kind::open) return error(tokens_.head().place, "a graph begins with \"(\"");
     tokens_.take();
     meaning_.root = concept_begin(-1);
-    while (!open_.empty() && tokens_.head().kind != Token::Kind::end) {
-      if (!step()) break;
-    }
+    bool is_readable = true;
+    while (is_readable && !open_.empty() && tokens_.head().kind != Token::Kind::end) is_readable = step();
     // A graph that was given up for its size has been told of.
-    if (!open_.empty() && meaning_.triples.size() < kMaxTriples) {
+    if (!open_.empty() && is_readable) {
       error(tokens_.head().place, "the graph has " + std::to_string(open_.size()) +
                                       " parentheses that are not closed; it is read as far as it goes");
     }
@@ -224,7 +223,7 @@ class GraphParser {
       word.triple = triple_add(name.place, word.variable, ":instance", name.text);
     } else if (const auto known = variables_.find(word.variable); known != variables_.end()) {
       open_.push_back(known->second);  // `(x)` alone: a further mention
-      if (arc >= 0) meaning_.arcs[static_cast<std::size_t>(arc)].to = known->second;
+      if (arc >= 0) lead(arc, known->second);
       return known->second;
     } else {
       error(place, "the variable " + word.variable + " has no concept; write \"(" + word.variable + " / concept\"");
@@ -237,13 +236,16 @@ class GraphParser {
     if (!variables_.emplace(variable, at).second) {
       error(place, "the variable " + variable + " is defined twice; the second one is read as another concept");
     }
-    if (arc >= 0) {
-      Arc& led = meaning_.arcs[static_cast<std::size_t>(arc)];
-      led.to = at;
-      meaning_.triples[static_cast<std::size_t>(led.triple)].target = variable;
-    }
+    if (arc >= 0) lead(arc, at);
     open_.push_back(at);
     return at;
+  }
+
+  // The arc leads to a concept that has a variable, and its triple names that.
+  void lead(int arc, int at) {
+    Arc& led = meaning_.arcs[static_cast<std::size_t>(arc)];
+    led.to = at;
+    meaning_.triples[static_cast<std::size_t>(led.triple)].target = variable_of(at);
   }
 
   // One role with its target, or a closing parenthesis. False: the graph cannot be read on.

@@ -30,43 +30,97 @@ constexpr Modal kModals[] = {
     {"recommend", "01", "ARG1", "@should"}, {"use", "03", "ARG1", "@used"},
 };
 
+// Who is not obliged may do it all the same: "you need not go".
+const char* modal_mark(Rewriter& graph, int at, const Modal& modal) {
+  const bool is_need = graph.is(at, "obligate", "01") && has_attribute(graph.word(at), "@neg");
+  return is_need ? "@need" : modal.attribute;
+}
+
+// Who is obliged is the subject of what he is obliged to do, of each clause if they are several.
+void obliged_apply(Rewriter& graph, int at, const std::vector<int>& clauses) {
+  for (const char* role : {"ARG1", "ARG2"}) {
+    const int who = graph.child(at, role);
+    if (who < 0) continue;
+    const int person = graph.arc(who).to;
+    for (const int clause : clauses) {
+      int subject = graph.argument(clause, "ARG0");
+      // "The boy must come": of some verbs it is ARG1.
+      if (subject < 0) {
+        const int own = graph.argument(clause, graph.child(clause, "domain") >= 0 ? "domain" : "ARG1");
+        if (own >= 0 && graph.other(own, clause) == person) subject = own;
+      }
+      const bool is_own = subject >= 0 && graph.other(subject, clause) == person;
+      if (clause != clauses.front()) {
+        if (subject < 0) graph.add(clause, person, "ARG0");
+      } else if (is_own) {
+        graph.remove(who, Fate::relation);
+      } else {
+        graph.replace(who, clause, person, subject < 0 ? "ARG0" : "beneficiary");
+      }
+    }
+  }
+}
+
+// The clauses that are joined below `whole`, also in a conjunction within it; the nouns there have no verb.
+std::vector<int> joined_clauses(Rewriter& graph, int whole) {
+  std::vector<int> wholes{whole};
+  std::vector<int> clauses;
+  for (std::size_t i = 0; i < wholes.size(); ++i) {
+    for (const int led : graph.numbered(wholes[i], {"op"})) {
+      const int part = graph.arc(led).to;
+      const bool is_joining = graph.is(part, "and") || graph.is(part, "or");
+      // A graph may have a circle here.
+      if (is_joining && std::find(wholes.begin(), wholes.end(), part) == wholes.end()) wholes.push_back(part);
+      if (is_clause(graph, part)) clauses.push_back(part);
+    }
+  }
+  return clauses;
+}
+
+// "We should listen and wait": what holds of several holds of each. Mood and time of the frame are those of the whole.
+void modality_of_all(Rewriter& graph, int at, int led, const Modal& modal) {
+  const int whole = graph.other(led, at);
+  const std::vector<int> clauses = joined_clauses(graph, whole);
+  // "War and hunger are possible".
+  if (clauses.empty()) return;
+  const bool is_denied = has_attribute(graph.word(at), "@neg");
+  for (const int part : clauses) {
+    attribute_add(graph.word(part), modal_mark(graph, at, modal));
+    if (is_denied) attribute_add(graph.word(part), "@neg");
+  }
+  for (const std::string& attribute : graph.word(at).attributes) {
+    if (attribute != "@v" && attribute != "@neg") attribute_add(graph.word(whole), attribute);
+  }
+  const bool is_above = graph.arc(led).to == at;
+  graph.settle_concept(at, Fate::attribute);
+  graph.remove(led, Fate::attribute);
+  if (!is_above) graph.redirect(at, whole);
+  obliged_apply(graph, at, clauses);
+  graph.move_children(at, whole);
+}
+
 // The governed clause takes the place of the frame and an attribute in its stead; negation and mood of the frame go with
 // it. Nothing happens where a modal verb could not say it: no clause, somebody who recommends, a second modal.
 void modality_apply(Rewriter& graph, int at, const Modal& modal) {
-  // "It can be cleaned and sold": what holds of several clauses leads to each.
-  std::vector<int> further;
-  for (int led = 0; led < static_cast<int>(graph.meaning().arcs.size()); ++led) {
-    const Arc& one = graph.arc(led);
-    if (!one.gone && one.inverse && one.to == at && one.role == modal.governed) further.push_back(led);
-  }
-  for (std::size_t i = 1; i < further.size(); ++i) {
-    attribute_add(graph.word(graph.arc(further[i]).from), modal.attribute);
-    graph.remove(further[i], Fate::attribute);
-  }
   const int led = graph.argument(at, modal.governed);
-  if (led < 0) return;
-  const int clause = graph.other(led, at);
-  if (graph.is(clause, "and") || graph.is(clause, "or")) {
-    // What holds of several holds of each: "we should listen and wait".
-    const bool is_denied = has_attribute(graph.word(at), "@neg");
-    for (const int operand : graph.children(clause)) {
-      const int part = graph.arc(operand).to;
-      const bool is_said = !graph.word(part).sense.empty() || graph.child(part, "domain") >= 0;
-      if (!is_said || graph.arc(operand).inverse) continue;
-      attribute_add(graph.word(part), modal.attribute);
-      if (is_denied) attribute_add(graph.word(part), "@neg");
-    }
-    const bool above = graph.arc(led).to == at;
-    graph.settle_concept(at, Fate::attribute);
-    graph.remove(led, Fate::attribute);
-    if (!above) graph.redirect(at, clause);
-    return graph.move_children(at, clause);
-  }
-  const bool is_clause = !graph.word(clause).sense.empty() || graph.child(clause, "domain") >= 0;
   // Somebody who recommends is a subject: "she recommends that ...".
   // (r / recommend-01 :ARG0 s :ARG1 c).
-  const bool has_agent = graph.argument(at, "ARG0") >= 0;
-  if (!is_clause || has_agent || clause == at) return;
+  if (led < 0 || graph.argument(at, "ARG0") >= 0) return;
+  // "It can be cleaned and sold": what holds of several clauses leads to each.
+  std::vector<int> further;
+  for (int one = 0; one < static_cast<int>(graph.meaning().arcs.size()); ++one) {
+    const Arc& arc = graph.arc(one);
+    if (!arc.gone && arc.inverse && arc.to == at && arc.role == modal.governed) further.push_back(one);
+  }
+  for (std::size_t i = 1; i < further.size(); ++i) {
+    Concept& other = graph.word(graph.arc(further[i]).from);
+    attribute_add(other, modal_mark(graph, at, modal));
+    if (has_attribute(graph.word(at), "@neg")) attribute_add(other, "@neg");
+    graph.remove(further[i], Fate::attribute);
+  }
+  const int clause = graph.other(led, at);
+  if (graph.is(clause, "and") || graph.is(clause, "or")) return modality_of_all(graph, at, led, modal);
+  if (!is_clause(graph, clause) || clause == at) return;
   // English has one modal verb in a clause: the inner frame keeps it.
   for (const char* attribute : {"@can", "@must", "@should"}) {
     if (has_attribute(graph.word(clause), attribute)) return;
@@ -74,34 +128,14 @@ void modality_apply(Rewriter& graph, int at, const Modal& modal) {
   // A negated possibility: "cannot". The two negations of "it is not possible not to" stay apart.
   if (has_attribute(graph.word(at), "@neg") && has_attribute(graph.word(clause), "@neg")) return;
   graph.settle_concept(at, Fate::attribute);
-  attribute_add(graph.word(clause), modal.attribute);
-  // Who is not obliged may do it all the same: "you need not go".
-  if (graph.is(at, "obligate", "01") && has_attribute(graph.word(at), "@neg") &&
-      std::erase(graph.word(clause).attributes, "@must"))
-    attribute_add(graph.word(clause), "@need");
+  attribute_add(graph.word(clause), modal_mark(graph, at, modal));
   for (const std::string& attribute : graph.word(at).attributes) {
     if (attribute != "@v") attribute_add(graph.word(clause), attribute);
   }
-  const bool above = graph.arc(led).to == at;
+  const bool is_above = graph.arc(led).to == at;
   graph.remove(led, Fate::attribute);
-  if (!above) graph.redirect(at, clause);
-  // Who is obliged is the subject of what he is obliged to do.
-  for (const char* role : {"ARG1", "ARG2"}) {
-    const int who = graph.child(at, role);
-    if (who < 0) continue;
-    const int person = graph.arc(who).to;
-    int subject = graph.argument(clause, "ARG0");
-    // "The boy must come": of some verbs it is ARG1.
-    if (subject < 0) {
-      const int own = graph.argument(clause, graph.child(clause, "domain") >= 0 ? "domain" : "ARG1");
-      if (own >= 0 && graph.other(own, clause) == person) subject = own;
-    }
-    if (subject >= 0 && graph.other(subject, clause) == person) {
-      graph.remove(who, Fate::relation);
-    } else {
-      graph.replace(who, clause, person, subject < 0 ? "ARG0" : "beneficiary");
-    }
-  }
+  if (!is_above) graph.redirect(at, clause);
+  obliged_apply(graph, at, {clause});
   graph.move_children(at, clause);
 }
 

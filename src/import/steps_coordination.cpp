@@ -296,8 +296,6 @@ void not_but_apply(Rewriter& graph, int at, const char* denied, const char* othe
   graph.stand_in(at, second, Fate::word);
 }
 
-}  // namespace
-
 // "Oh, it is late": a cry that the graph has as a quality of the clause stands in front of it.
 void cry_apply(Rewriter& graph, int at) {
   constexpr std::array kCries{"oh",    "ah", "alas",  "hey",  "ha",  "aha", "wow",
@@ -333,6 +331,8 @@ void courtesy_apply(Rewriter& graph, int at) {
   }
   attribute_add(graph.word(at), "@imp");
 }
+
+}  // namespace
 
 // In front of coordination and quotation: "but" is no part of what is said.
 void step_contrast(Meaning& meaning) {

@@ -401,17 +401,13 @@ void amount_apply(Rewriter& graph, int at) {
 void step_degree(Meaning& meaning) {
   Rewriter graph(meaning, "degree");
   for (int at = 0; at < graph.count(); ++at) {
-    // "Such a small town": the degree of a quality stands in front of the noun.
-    const int degree = graph.child(at, "degree");
-    const int above = degree >= 0 && graph.is(graph.arc(degree).to, "such") ? graph.parent(at) : -1;
-    const bool is_inside =
-        above >= 0 && (graph.arc(above).inverse ? graph.arc(above).role == "ARG1" : graph.arc(above).role == "mod");
-    if (is_inside) graph.replace(degree, graph.arc(above).from, graph.arc(degree).to, "mod");
+    such_apply(graph, at);
     if (graph.is(at, "have-degree", "91") || graph.is(at, "have-degree", "92")) degree_apply(graph, at, false);
     if (graph.is(at, "have-quant", "91")) degree_apply(graph, at, true);
     ever_apply(graph, at);
     amount_apply(graph, at);
   }
+  // Once more, as a quality may have come to its noun only by its frame.
   for (int at = 0; at < graph.count(); ++at) such_apply(graph, at);
 }
 

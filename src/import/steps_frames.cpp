@@ -659,7 +659,8 @@ void phrase_apply(Rewriter& graph, int at) {
   }
   // Who thanks, with nobody to be thanked, says thanks.
   const int who = graph.is(at, "thank", "01") && graph.children(at).size() == 1 ? graph.child(at, "ARG0") : -1;
-  if (who >= 0 && graph.is(graph.arc(who).to, "i")) {
+  const bool is_denied = who >= 0 && graph.word(at).attributes.size() > 1;
+  if (who >= 0 && !is_denied && graph.is(graph.arc(who).to, "i")) {
     if (graph.mentions(graph.arc(who).to) == 1) graph.settle_concept(graph.arc(who).to, Fate::left_out);
     graph.remove(who, Fate::left_out);
     graph.word(at).name = "thanks";

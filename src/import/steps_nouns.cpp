@@ -229,7 +229,8 @@ void patient_apply(Rewriter& graph, int at) {
   const int frame = graph.arc(led).to;
   const std::vector<int> below = graph.children(frame);
   const bool is_plain =
-      std::all_of(below.begin(), below.end(), [&](int one) { return graph.arc(one).role == "ARG0"; }) &&
+      std::all_of(below.begin(), below.end(),
+                  [&](int one) { return graph.arc(one).role == "ARG0" && !graph.arc(one).inverse; }) &&
       graph.mentions(frame) == 1 && graph.word(frame).attributes.size() == 1;
   const auto named = std::find_if(std::begin(kNamed), std::end(kNamed),
                                   [&](const auto& one) { return graph.word(frame).name == one.first; });

@@ -130,7 +130,8 @@ void quote(Rewriter& graph, int at) {
   const bool is_other = !speaks_itself(who) && !speaks_itself(whom);
   const bool is_direct = (is_other || is_order) && (has_speaker(graph, said) || is_said_so(graph, at, said));
   // What the sentence is about, or is joined to that, is told; what stands below is spoken of.
-  const bool is_told = at == graph.meaning().root || !is_core(graph.arc(graph.parent(at)));
+  const int above = graph.parent(at);
+  const bool is_told = at == graph.meaning().root || above < 0 || !is_core(graph.arc(above));
   constexpr std::array kTakingTurns{"ask", "add", "demand", "interrupt"};
   const bool is_uttering = is_one_of(graph, at, kUttering) || is_one_of(graph, at, kTakingTurns);
   const bool is_report = is_told && is_clause(graph, said) && is_uttering && !has_attribute(graph.word(at), "@neg") &&

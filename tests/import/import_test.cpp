@@ -79,7 +79,9 @@ const StepRow kSteps[] = {
     {"noun_beside_a_light_verb", "nouns", "(g / give-01 :ARG0 (h / he) :ARG1 (p / promise-01 :ARG0 h :mod (n / new)))",
      "a0(give(>01).@entry.@v, he); a1(give(>01), promise(>01).@v.@nom.@whose.@indef); mod(promise(>01), new)"},
     {"noun_that_a_clause_describes", "nouns", "(a / answer-01 :ARG1 (c / charge-05 :ARG1-of (b / bring-01 :ARG0 (s / she))))",
-     "a1(answer(>01).@entry.@v, charge(>05).@v.@nom.@whose); r1(charge(>05), bring(>01).@v); a0(bring(>01), she)"},
+     "a1(answer(>01).@entry.@v, charge(>05).@v.@nom.@whose); a1(bring(>01).@v, charge(>05)); a0(bring(>01), she)"},
+    {"no_patient_of_what_follows", "nouns", "(p / person :ARG1-of (e / employ-01 :ARG0-of (t / tire-01)))",
+     "a1(employ(>01).@v, person.@entry); a0(tire(>01).@v, employ(>01))"},
     {"patient", "nouns", "(p / person :ARG1-of (e / employ-01 :ARG0 (c / company)))", "org(employee.@entry, company)"},
     {"had_of_the_owner", "office", "(h / have-03 :ARG0 (s / she) :ARG1 (p / person :ARG0-of (r / have-rel-role-91 :ARG1 s :ARG2 (a / aunt))))",
      "a0(have(>03).@entry.@v, she); a1(have(>03), aunt)"},
@@ -103,6 +105,18 @@ const StepRow kSteps[] = {
      "qty(star.@entry.@pl, 2 billion); prt(star, mile.@pl); qty(mile, \"462,511\")"},
     {"modality_of_several", "modality", "(r / recommend-01 :ARG1 (a / and :op1 (s / stop-01) :op2 (l / look-01)))",
      "o1(and.@entry, stop(>01).@v.@should); o2(and, look(>01).@v.@should)"},
+    {"possible_nouns_stay", "modality", "(p / possible-01 :ARG1 (a / and :op1 (w / war) :op2 (h / hunger)))",
+     "a1(possible(>01).@entry.@v, and); o1(and, war); o2(and, hunger)"},
+    {"mood_of_several", "modality", "(p / possible-01 :mode interrogative :ARG1 (a / or :op1 (s / sing-01) :op2 (d / dance-01)))",
+     "o1(or.@entry.@int, sing(>01).@v.@can); o2(or, dance(>01).@v.@can)"},
+    {"recommended_by_somebody", "modality", "(r / recommend-01 :ARG0 (s / she) :ARG1 (a / and :op1 (s2 / sing-01) :op2 (d / dance-01)))",
+     "a0(recommend(>01).@entry.@v, she); a1(recommend(>01), and); o1(and, sing(>01).@v); o2(and, dance(>01).@v)"},
+    {"obliged_to_several", "modality", "(o / obligate-01 :ARG1 (i / i) :ARG2 (a / and :op1 (s / sing-01 :ARG0 i) :op2 (d / dance-01)))",
+     "o1(and.@entry, sing(>01).@v.@must); a0(sing(>01), i); o2(and, dance(>01).@v.@must); a0(dance(>01), i)"},
+    {"need_none_of_several", "modality", "(o / obligate-01 :polarity - :ARG2 (a / or :op1 (s / sing-01) :op2 (b / and :op1 (d / dance-01))))",
+     "o1(or.@entry, sing(>01).@v.@need.@neg); o2(or, and); o1(and, dance(>01).@v.@need.@neg)"},
+    {"possible_for_two_clauses", "modality", "(a / and :op1 (c / clean-01 :ARG1-of (p / possible-01 :polarity -)) :op2 (s / sell-01 :ARG1-of p))",
+     "o1(and.@entry, clean(>01).@v.@can.@neg); o2(and, sell(>01).@v.@can.@neg)"},
     {"group_as_office", "office", "(h / have-org-role-92 :ARG1 (s / she) :ARG2 (p / party))", "dom(party.@entry, she)"},
     {"synonyms", "synonyms", "(g / go-02 :temporal (d / day) :place-of (s / song))", "tim(go(>02).@entry.@v, day); loc(song, go(>02))"},
     {"participants", "synonyms", "(m / move-01 :actor (s / she) :theme (b / boat))", "a0(move(>01).@entry.@v, she); a1(move(>01), boat)"},
@@ -219,6 +233,7 @@ const StepRow kSteps[] = {
      "a0(go(>02).@entry.@v, i); cnj(go(>02), see(>01).@v.@and); shr(see(>01), i)"},
     {"quoted", "quotation", "(s / say-01 :ARG0 (h / he) :ARG1 (g / go-02 :ARG0 (i / i)))",
      "a0(say(>01).@entry.@v, he); quo(say(>01), go(>02).@v.@quote); a0(go(>02), i)"},
+    {"said_out_of_reach", "all", "(r / run-02 :ARG0 (b / boy :wiki (s / say-01 :ARG0 (k / king) :ARG1 (o / oh))))", "a0(run(>02).@entry.@v.@cl, boy)"},
     {"quoted_fragment", "quotation", "(s / say-01 :ARG0 (h / he) :ARG1 (m / morning))", "a0(say(>01).@entry.@v, he); quo(say(>01), morning.@quote)"},
     {"said_the_king", "quotation", "(s / say-01 :ARG0 (k / king) :ARG1 (o / oh))", "spk(say(>01).@entry.@v, king); quo(say(>01), oh.@quote)"},
     {"reported", "quotation", "(s / say-01 :ARG0 (h / he) :ARG1 (g / go-02 :ARG0 (s2 / she)))",
@@ -360,6 +375,7 @@ const StepRow kSteps[] = {
     {"all_the_time", "all", "(s / sing-01 :ARG0 (b / bird) :time (t / time :mod (a / all)))",
      "a0(sing(>01).@entry.@v.@cl, bird); tim(sing(>01), all-the-time)"},
     {"thanks", "all", "(t / thank-01 :ARG0 (i / i))", "thanks.@entry"},
+    {"no_thanks", "reified", "(t / thank-01 :polarity - :ARG0 (i / i))", "a0(thank(>01).@entry.@v.@neg, i)"},
     {"shame", "all", "(s / shame-02 :ARG1 (l / leave-11 :ARG0 (s2 / she)))", "dom(shame.@entry.@cl.@xdom, leave(>11).@v.@past.@cl); a0(leave(>11), she)"},
     {"fun", "all", "(h / have-fun-00 :ARG0 (w / we))", "a0(have(>03).@entry.@v.@cl, we); a1(have(>03), fun.@indef.MASS)"},
     {"part_in", "all", "(t / take-part-01 :ARG0 (s / she) :ARG1 (g / game))",
@@ -442,6 +458,12 @@ TEST(Import, UmrFileWithTimes) {
 }
 
 TEST(Import, WhatIsTooMuchForASentenceIsListed) {
+  // A mention in parentheses names its concept on the list, too.
+  EXPECT_EQ(imported("(a / b :wiki (a))\n", {}).left_out, "bank.1\tbank.txt:1:8\ta :wiki a\tsource: a word stands below itself\n");
+  // A graph that is given up for its size is told of once.
+  std::string deep;
+  for (int i = 0; i < 600; ++i) deep += "(x" + std::to_string(i) + " / b :ARG0 ";
+  EXPECT_EQ(imported(deep, {}).figures.errors, 1U);
   std::string source = "(a / and";
   for (int i = 1; i <= 130; ++i) source += " :op" + std::to_string(i) + " (x" + std::to_string(i) + " / n" + std::to_string(i) + ")";
   const Result result = imported(source + ")\n", {});
