@@ -180,6 +180,14 @@ void truth_apply(Rewriter& graph, int at) {
 // a frame with a value, which is taken first. Of several governed roles the first that is there counts.
 void step_modality(Meaning& meaning) {
   Rewriter graph(meaning, "modality");
+  // "She refused to come": UMR marks below such verbs that nobody came.
+  constexpr std::array kImplying{"refuse", "fail",   "decline", "prevent", "stop",    "avoid", "ban",    "forbid",
+                                 "block",  "reject", "neglect", "refrain", "abstain", "deny",  "unable", "prohibit"};
+  for (const Arc& one : meaning.arcs) {
+    const bool is_governed = !one.gone && !one.inverse && (one.role == "ARG1" || one.role == "ARG2") &&
+                             !graph.word(one.from).sense.empty() && is_one_of(graph, one.from, kImplying);
+    if (is_governed && has_attribute(graph.word(one.to), "@done")) std::erase(graph.word(one.to).attributes, "@neg");
+  }
   for (int at = 0; at < graph.count(); ++at) {
     if (graph.is(at, "have-polarity", "91") || graph.is(at, "have-modal-strength", "91")) truth_apply(graph, at);
   }
@@ -393,7 +401,10 @@ void frame_stand_in(Rewriter& graph, int at, int led, const char* mark) {
 void thing_apply(Rewriter& graph, int at) {
   int led = -1;
   // "The lie that he told": of several clauses the one that is a noun by itself.
-  constexpr std::array kNouns{"lie", "dream", "promise", "order", "question", "plan", "claim", "request", "offer"};
+  constexpr std::array kNouns{"lie",       "dream",    "promise", "order",    "question", "plan",    "claim",
+                              "request",   "offer",    "resolve", "propose",  "suggest",  "agree",   "decide",
+                              "recommend", "allege",   "invest",  "discover", "invent",   "publish", "donate",
+                              "state",     "announce", "rule",    "predict",  "estimate", "produce", "create"};
   const std::vector<int> told = graph.children(at);
   const auto is_noun = [&](int one) {
     return graph.arc(one).inverse && graph.arc(one).role == "ARG1" && is_one_of(graph, graph.arc(one).to, kNouns) &&

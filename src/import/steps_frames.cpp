@@ -754,6 +754,19 @@ void directions_apply(Rewriter& graph) {
   }
 }
 
+// (t / team :ARG2-of (i / include-01 :ARG1 (c / captain))): the team, including the captain.
+void including_apply(Rewriter& graph, int at) {
+  const int led = graph.parent(at);
+  const int part = graph.child(at, "ARG1");
+  const bool is_below = led >= 0 && graph.arc(led).inverse && graph.arc(led).role == "ARG2" && part >= 0;
+  if (!is_below || graph.children(at).size() != 1 || graph.mentions(at) > 1) return;
+  if (has_attribute(graph.word(at), "@neg")) return;
+  const int whole = graph.arc(led).from;
+  graph.settle_concept(at, Fate::relation);
+  graph.replace(part, whole, graph.arc(part).to, "subset");
+  graph.remove(led, Fate::relation);
+}
+
 // "Some of the workers": a part that is called by the same deed as the whole is not called by it twice.
 void same_deed_apply(Rewriter& graph, int part, int whole) {
   for (const char* role : {"ARG0", "ARG1"}) {
@@ -869,6 +882,7 @@ void step_reified(Meaning& meaning) {
     if (graph.is(at, "result", "01")) result_apply(graph, at);
     if (graph.is(at, "resemble", "01")) likeness_apply(graph, at);
     object_order_apply(graph, at);
+    if (graph.is(at, "include", "01") || graph.is(at, "include", "91")) including_apply(graph, at);
     phrase_apply(graph, at);
     light_phrase_apply(graph, at);
   }

@@ -174,6 +174,11 @@ void office_apply(Rewriter& graph, int at, const Office& office) {
     return graph.remove(graph.parent(at), Fate::left_out);
   }
   auto [holds, whole, titled] = office_arcs(graph, at, office);
+  // "The former mayor": when he was it belongs to the office.
+  constexpr std::array kOfficeTimes{"former", "current", "future", "present", "then", "previous", "late", "longtime"};
+  const int when = titled >= 0 && graph.arc(titled).from == at ? graph.child(at, "time") : -1;
+  if (when >= 0 && is_one_of(graph, graph.arc(when).to, kOfficeTimes) && graph.children(graph.arc(when).to).empty())
+    graph.replace(when, graph.arc(titled).to, graph.arc(when).to, "mod");
   if (titled < 0 && std::string_view(office.name) == "have-role") std::swap(titled, whole);
   if (holds < 0) {
     // Nobody holds it in this sentence: the office is named, or what it belongs to.

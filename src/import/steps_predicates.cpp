@@ -501,6 +501,36 @@ void manner_apply(Rewriter& graph, int at) {
   if (goal >= 0 && graph.word(graph.arc(goal).to).name != "home") graph.arc(goal).role = "beneficiary";
 }
 
+// (f / find-out-03 :ARG1 (q / quick-02 :ARG1 (g / grow-01 ...) :degree (u / umr-unknown))): "how quickly it grows".
+void how_well_apply(Rewriter& graph, int at) {
+  constexpr std::array kManners{"quick", "fast", "slow", "easy", "well", "badly", "good", "bad", "soon", "rapid",
+                                "often", "effective", "efficient", "hard", "late", "early", "serious", "severe"};
+  const int degree = is_one_of(graph, at, kManners) ? graph.child(at, "degree") : -1;
+  if (degree < 0 || !is_unknown(graph, graph.arc(degree).to) || graph.mentions(at) > 1) return;
+  const int led = graph.child(at, graph.word(at).sense.empty() ? "domain" : "ARG1");
+  const int deed = led < 0 ? -1 : graph.arc(led).to;
+  if (deed < 0 || !is_event(graph, deed) || graph.mentions(deed) > 1 || graph.children(deed).empty()) return;
+  if (graph.child(deed, "ARG0") < 0 && graph.child(deed, "ARG1") < 0) return;
+  graph.redirect(at, deed);
+  graph.replace(led, deed, at, "manner");
+  for (const int one : graph.children(at)) {
+    if (one != degree) graph.arc(one).from = deed;
+  }
+  graph.word(at).sense.clear();
+  graph.word(at).attributes.clear();
+}
+
+// (v / volcano :mod (q / quiet :duration (y / year ...))): what has words of its own behind it stands behind the noun.
+void behind_noun_apply(Rewriter& graph, int led) {
+  const Arc& one = graph.arc(led);
+  if (one.gone || one.inverse || one.role != "mod" || !graph.word(one.to).sense.empty()) return;
+  constexpr std::array kBehind{"duration", "cause", "purpose", "source", "destination", "topic",
+                               "time", "location", "prep", "beneficiary", "accompanier", "condition", "concession"};
+  for (const char* role : kBehind) {
+    if (graph.child(one.to, role) >= 0) return attribute_add(graph.word(one.to), "@behind");
+  }
+}
+
 // The place of a quality among several in front of a noun, "a big old red hat": size, age, colour; 0 for others.
 int quality_rank(const std::string& name) {
   constexpr std::array kSizes{"big",  "small", "large", "tiny", "huge",     "long",  "short",
@@ -655,6 +685,7 @@ void step_predicates(Meaning& meaning) {
     behaving_apply(graph, at);
     exclaim_apply(graph, at);
     whenever_apply(graph, at);
+    how_well_apply(graph, at);
     how_apply(graph, at);
     first_to_apply(graph, at);
   }
@@ -662,6 +693,7 @@ void step_predicates(Meaning& meaning) {
   for (std::size_t i = 0; i < meaning.arcs.size(); ++i) {
     only_apply(graph, static_cast<int>(i));
     also_apply(graph, static_cast<int>(i));
+    behind_noun_apply(graph, static_cast<int>(i));
   }
   presented_apply(graph);
   existing_apply(graph);

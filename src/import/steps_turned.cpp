@@ -152,8 +152,15 @@ void consequence_behind(Rewriter& graph, int at) {
 // (b / buy-01 :frequency (v / visit-01 :ARG0 he) with @every): "whenever he visits".
 void every_time_apply(Rewriter& graph, int led) {
   const Arc one = graph.arc(led);
-  if (one.gone || one.inverse || one.role != "frequency" || !is_event(graph, one.to)) return;
-  if (!has_attribute(graph.word(one.to), "@every") || graph.children(one.to).empty()) return;
+  if (one.gone || one.inverse || (one.role != "frequency" && one.role != "time") || !is_event(graph, one.to)) return;
+  const int mod = graph.child(one.to, "mod");
+  const bool is_every = mod >= 0 && (graph.is(graph.arc(mod).to, "every") || graph.is(graph.arc(mod).to, "each"));
+  const bool is_told = graph.child(one.to, "ARG0") >= 0 || graph.child(one.to, "ARG1") >= 0;
+  if (!is_told || (!is_every && !(one.role == "frequency" && has_attribute(graph.word(one.to), "@every")))) return;
+  if (is_every) {
+    graph.settle_concept(graph.arc(mod).to, Fate::word);
+    graph.remove(mod, Fate::word);
+  }
   std::erase(graph.word(one.to).attributes, "@every");
   const int whenever = graph.add_concept("whenever");
   graph.add(whenever, one.to, "op1");

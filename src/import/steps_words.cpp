@@ -156,6 +156,15 @@ void step_dates(Meaning& meaning) {
   Rewriter graph(meaning, "dates");
   for (int at = 0; at < graph.count(); ++at) {
     if (!graph.is(at, "date-entity")) continue;
+    // "The third quarter of 2010".
+    if (const int quarter = graph.child(at, "quarter"); quarter >= 0) {
+      graph.word(at).name = "quarter";
+      graph.word(graph.arc(quarter).to).sense = "ord";
+      attribute_add(graph.word(graph.arc(quarter).to), "@ord");
+      graph.arc(quarter).role = "ord";
+      if (const int year = graph.child(at, "year"); year >= 0) graph.arc(year).role = "part-of";
+      continue;
+    }
     int led = -1;
     // (d / date-entity :year 2001 :month 7): "July 2001", so the month is the head and the year stands below it.
     for (const char* part : kHeads) {
@@ -357,6 +366,18 @@ void entity_value_apply(Rewriter& graph, int at) {
   }
 }
 
+// (s / score-entity :op1 3 :op2 1): 3-1.
+void score_apply(Rewriter& graph, int at) {
+  const std::vector<int> sides = graph.is(at, "score-entity") ? graph.numbered(at, {"op"}) : std::vector<int>{};
+  if (sides.size() != 2 || graph.children(at).size() != 2) return;
+  graph.word(at).name = graph.word(graph.arc(sides[0]).to).name + "-" + graph.word(graph.arc(sides[1]).to).name;
+  for (const int side : sides) graph.remove(side, Fate::word);
+  // How a match ended stands behind its verb.
+  const int led = graph.parent(at);
+  if (led >= 0 && graph.arc(led).role == "quant" && !graph.word(graph.arc(led).from).sense.empty())
+    graph.arc(led).role = "extent";
+}
+
 // Words beside a noun that determine it: each belongs to the noun, wherever the source writes it, and some go with a
 // plural. A number as :mod is a name: chapter 2.
 // (g / garden :mod (o / other :mod (a / any))): a bank lets "any" qualify "other", but English puts both before the
@@ -424,6 +445,7 @@ void step_quantities(Meaning& meaning) {
   for (int at = 0, end = graph.count(); at < end; ++at) {
     unit_apply(graph, at);
     entity_value_apply(graph, at);
+    score_apply(graph, at);
   }
   // Behind the loop above, which has made a unit of each quantity.
   for (int at = 0, end = graph.count(); at < end; ++at) {
