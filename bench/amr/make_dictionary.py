@@ -95,10 +95,9 @@ NOUNS = {verb: noun for verb, noun in (one.split(":") for one in (
     "delight:delight despair:despair disguise:disguise disregard:disregard draft:draft duel:duel escort:escort focus:focus "
     "hike:hike hug:hug lapse:lapse lease:lease lobby:lobby mandate:mandate misuse:misuse mortgage:mortgage "
     "overhaul:overhaul pledge:pledge prejudice:prejudice probe:probe quarantine:quarantine quarrel:quarrel query:query quest:quest "
-    "rampage:rampage rebuke:rebuke relapse:relapse revolt:revolt ridicule:ridicule sabotage:sabotage savings:savings "
+    "rampage:rampage rebuke:rebuke relapse:relapse revolt:revolt ridicule:ridicule sabotage:sabotage "
     "slump:slump stampede:stampede swap:swap swindle:swindle tie:tie toast:toast upset:upset "
-    "venture:venture wager:wager curse:curse yield:yield want:want craze:craze boycott:boycott kiss:kiss knock:knock bite:bite kick:kick punch:punch"
-    " 
+    "venture:venture wager:wager curse:curse yield:yield want:want craze:craze boycott:boycott kiss:kiss knock:knock bite:bite kick:kick punch:punch "
     "manufacture:manufacture fire:firing spend:spending hack:hacking scold:scolding mix:mixture "
     "weep:weeping happen:happening push:push pull:pull beat:beating "
     "whip:whipping flog:flogging fish:fishing farm:farming stab:stabbing loot:looting hang:hanging sing:singing "
@@ -168,7 +167,9 @@ ERGATIVE = set("increase decrease change improve begin start end stop continue d
                "evolve accumulate worsen widen accelerate collapse sink melt freeze move turn open close retire recover hang lean stand float spin bounce roll "
                "land drown heal crack snap pop shatter spill soften vary warm lie live sleep emerge depend belong bleed shake vibrate "
                "rattle hum buzz echo flash succeed suffer rot travel trip stumble collide shine ring crash explode burst fade "
-               "grow die swell dissolve thaw ripen dangle sway rotate revolve descend ascend".split())
+               "grow die swell dissolve thaw ripen dangle sway rotate revolve descend ascend".split()) | {
+    "calm down", "wake up", "settle down", "slow down", "speed up", "break up", "cheer up", "warm up", "cool down", "dry up",
+    "burn down", "blow up", "close down", "go ahead", "heat up", "line up", "burn out", "die out", "fall apart"}
 # What has a topic with about.
 ABOUT_NOUNS = set("information news story book article bullshit nonsense joke rumour rumor gossip film movie song poem theory "
                   "opinion view truth fact data documentary lesson lecture conversation discussion debate secret detail thing "

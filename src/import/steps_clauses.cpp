@@ -370,6 +370,17 @@ void step_polarity(Meaning& meaning) {
 
 namespace {
 
+// (e / employ-01 :polarity -), which nobody does to anybody: unemployment.
+void unemployment_apply(Rewriter& graph, int at) {
+  const int above = graph.parent(at);
+  const bool is_denied = graph.is(at, "employ", "01") && has_attribute(graph.word(at), "@neg");
+  if (!is_denied || (above >= 0 && graph.arc(above).inverse) || graph.child(at, "ARG0") >= 0) return;
+  graph.word(at).name = "unemployment";
+  graph.word(at).sense.clear();
+  graph.word(at).attributes.clear();
+  if (const int whose = graph.child(at, "ARG1"); whose >= 0) graph.arc(whose).role = "org";
+}
+
 // (g / government-organization :ARG0-of (g2 / govern-01 :ARG1 c)): the government of c.
 void government_apply(Rewriter& graph, int at) {
   const int led = graph.child(at, "ARG0", true);
@@ -684,6 +695,7 @@ void step_persons(Meaning& meaning) {
     attendant_apply(graph, at);
     if (graph.is(at, "person") || graph.is(at, "thing")) asked_content(graph, at);
     noun_content(graph, at);
+    unemployment_apply(graph, at);
     if (graph.is(at, "government-organization")) government_apply(graph, at);
     if (graph.is(at, "thing")) thing_apply(graph, at);
     if (!graph.is(at, "person") || has_attribute(graph.word(at), "@name")) continue;
@@ -1141,6 +1153,8 @@ void extraposed_apply(Rewriter& graph, int at) {
   if (!is_clause && sufferer >= 0 && is_long && !is_one_of(graph, at, kOfActs)) attribute_add(graph.word(at), "@xadj");
   constexpr std::array kHappening{"matter", "happen", "occur", "turn-out"};
   if (is_clause && is_one_of(graph, at, kHappening)) attribute_add(graph.word(at), "@xv");
+  // "The layout is easy to use": it has a subject already.
+  if (graph.child(at, "domain") >= 0) return;
   const bool is_for = is_clause && is_easy_for(graph, at, what);
   if (is_for) make_infinitive(graph, what, "@xfor");
   if (is_clause && !is_for) attribute_add(graph.word(at), "@xtra");

@@ -108,30 +108,6 @@ void object_apply(Rewriter& graph, int at) {
   if (giver >= 0) drop_again(graph, event, graph.other(giver, at));
 }
 
-// "He was jailed for fraud", "they responded to requests": what stands behind these is mostly the noun of an event.
-void oblique_apply(Rewriter& graph, int at) {
-  constexpr std::pair<const char*, const char*> kObliques[] = {
-      {"sentence", "ARG2"},  {"sentence", "ARG3"},   {"jail", "ARG2"},        {"imprison", "ARG2"}, {"respond", "ARG1"},
-      {"react", "ARG1"},     {"contribute", "ARG2"}, {"recover", "ARG1"},     {"subject", "ARG2"},  {"result", "ARG2"},
-      {"expose", "ARG2"},    {"threaten", "ARG2"},   {"suspect", "ARG2"},     {"pay", "ARG3"},      {"compare", "ARG2"},
-      {"lead", "ARG2"},      {"sell", "ARG1"},       {"buy", "ARG1"},         {"sign", "ARG1"},     {"lift", "ARG1"},
-      {"impose", "ARG1"},    {"object", "ARG1"},     {"wait", "ARG2"},        {"protest", "ARG1"},  {"blame", "ARG2"},
-      {"call", "ARG1"},      {"issue", "ARG1"},      {"offer", "ARG1"},       {"file", "ARG1"},     {"negotiate", "ARG2"},
-      {"implement", "ARG1"}, {"maintain", "ARG1"},   {"reach", "ARG1"},       {"compensate", "ARG2"}, {"protect", "ARG2"}};
-  if (graph.word(at).sense.empty()) return;
-  for (const auto& [verb, role] : kObliques) {
-    const int led = graph.word(at).name == verb ? graph.child(at, role) : -1;
-    if (led < 0 || graph.parent(graph.arc(led).to) != led || !is_one_clause(graph, graph.arc(led).to)) continue;
-    const int event = graph.arc(led).to;
-    if (graph.child(event, "domain") >= 0) continue;
-    event_to_noun(graph, event);
-    for (const char* subject : {"ARG0", "ARG1"}) {
-      const int own = graph.child(at, subject);
-      if (own >= 0) drop_again(graph, event, graph.arc(own).to);
-    }
-  }
-}
-
 // "Two attacks": what UMR counts is a noun.
 void counted_event_apply(Rewriter& graph, int at) {
   const bool is_counted = has_attribute(graph.word(at), "@pl") || has_attribute(graph.word(at), "@sg");
@@ -252,6 +228,13 @@ void feeling_apply(Rewriter& graph, int at) {
   if (is_felt && graph.child(at, "ARG0") >= 0 && graph.child(at, "ARG1") >= 0) attribute_add(graph.word(at), "@psv");
 }
 
+// "A humiliating defeat": what makes somebody feel something.
+void felt_apply(Rewriter& graph, int at) {
+  const int led = graph.parent(at);
+  const bool is_told = led >= 0 && graph.arc(led).inverse && graph.arc(led).role == "ARG0" && is_event(graph, at);
+  if (is_told && graph.children(at).empty() && is_one_of(graph, at, kFeelings)) attribute_add(graph.word(at), "@felt");
+}
+
 // Who is named by what is done to him: "their employees", "the victims of the storm".
 void patient_apply(Rewriter& graph, int at) {
   constexpr std::pair<const char*, const char*> kNamed[] = {
@@ -301,7 +284,6 @@ void step_nouns(Meaning& meaning) {
   Rewriter graph(meaning, "nouns");
   for (int at = 0; at < graph.count(); ++at) {
     object_apply(graph, at);
-    oblique_apply(graph, at);
     counted_event_apply(graph, at);
     bare_apply(graph, at);
     subject_apply(graph, at);
@@ -310,6 +292,7 @@ void step_nouns(Meaning& meaning) {
     described_apply(graph, at);
     bare_infinitive_apply(graph, at);
     feeling_apply(graph, at);
+    felt_apply(graph, at);
     possibility_apply(graph, at);
     patient_apply(graph, at);
     group_members_apply(graph, at);

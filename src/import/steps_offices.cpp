@@ -174,6 +174,11 @@ void office_apply(Rewriter& graph, int at, const Office& office) {
     return graph.remove(graph.parent(at), Fate::left_out);
   }
   auto [holds, whole, titled] = office_arcs(graph, at, office);
+  // "The finance minister".
+  const int field = titled >= 0 && graph.arc(titled).from == at ? graph.child(graph.arc(titled).to, "topic") : -1;
+  const bool is_field = field >= 0 && graph.children(graph.arc(field).to).empty() &&
+                        graph.word(graph.arc(field).to).sense.empty() && graph.mentions(graph.arc(field).to) == 1;
+  if (is_field) graph.arc(field).role = "mod";
   // "The former mayor": when he was it belongs to the office.
   constexpr std::array kOfficeTimes{"former", "current", "future", "present", "then", "previous", "late", "longtime"};
   const int when = titled >= 0 && graph.arc(titled).from == at ? graph.child(at, "time") : -1;

@@ -503,8 +503,9 @@ void manner_apply(Rewriter& graph, int at) {
 
 // (f / find-out-03 :ARG1 (q / quick-02 :ARG1 (g / grow-01 ...) :degree (u / umr-unknown))): "how quickly it grows".
 void how_well_apply(Rewriter& graph, int at) {
-  constexpr std::array kManners{"quick", "fast", "slow", "easy", "well", "badly", "good", "bad", "soon", "rapid",
-                                "often", "effective", "efficient", "hard", "late", "early", "serious", "severe"};
+  constexpr std::array kManners{"quick",     "fast", "slow", "easy",  "well",    "badly",
+                                "good",      "bad",  "soon", "rapid", "often",   "effective",
+                                "efficient", "hard", "late", "early", "serious", "severe"};
   const int degree = is_one_of(graph, at, kManners) ? graph.child(at, "degree") : -1;
   if (degree < 0 || !is_unknown(graph, graph.arc(degree).to) || graph.mentions(at) > 1) return;
   const int led = graph.child(at, graph.word(at).sense.empty() ? "domain" : "ARG1");
@@ -524,8 +525,8 @@ void how_well_apply(Rewriter& graph, int at) {
 void behind_noun_apply(Rewriter& graph, int led) {
   const Arc& one = graph.arc(led);
   if (one.gone || one.inverse || one.role != "mod" || !graph.word(one.to).sense.empty()) return;
-  constexpr std::array kBehind{"duration", "cause", "purpose", "source", "destination", "topic",
-                               "time", "location", "prep", "beneficiary", "accompanier", "condition", "concession"};
+  constexpr std::array kBehind{"duration", "cause", "purpose",     "source",      "destination", "topic",     "time",
+                               "location", "prep",  "beneficiary", "accompanier", "condition",   "concession"};
   for (const char* role : kBehind) {
     if (graph.child(one.to, role) >= 0) return attribute_add(graph.word(one.to), "@behind");
   }

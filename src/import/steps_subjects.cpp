@@ -66,7 +66,7 @@ void raise_apply(Rewriter& graph, int at) {
   const int done = graph.arc(led).to;
   const int subject = is_phase ? graph.child(done, "ARG0") : subject_arc(graph, done);
   if (is_phase && (has_attribute(graph.word(done), "@agent") || has_attribute(graph.word(done), "@result"))) return;
-  if (subject < 0) return;
+  if (subject < 0 || (is_phase && graph.child(at, "shared") >= 0)) return;
   if (is_clause(graph, graph.arc(subject).to) && !has_attribute(graph.word(graph.arc(subject).to), "@agent")) return;
   if (is_bidden) {
     if (graph.arc(subject).role == "domain" || graph.parent(done) != led || has_attribute(graph.word(done), "@neg"))
@@ -467,6 +467,19 @@ void said_above(Rewriter& graph, int at, int governor) {
   }
 }
 
+// "Exposed to ridicule", "jailed for fraud", "they responded to requests": what stands there is mostly a noun.
+bool has_noun_at(Rewriter& graph, int governor, const std::string& role) {
+  constexpr std::array kFirst{"respond", "react", "recover", "sell",    "buy",  "sign",      "lift",     "impose",
+                              "object",  "call",  "issue",   "protest", "file", "implement", "maintain", "reach"};
+  constexpr std::array kSecond{"subject",  "expose",   "devote",   "dedicate",   "limit",      "attribute", "reduce",
+                               "confine",  "restrict", "resort",   "react",      "accustom",   "addict",    "attach",
+                               "sentence", "jail",     "imprison", "contribute", "result",     "threaten",  "suspect",
+                               "compare",  "lead",     "blame",    "negotiate",  "compensate", "protect"};
+  if (role == "ARG1") return is_one_of(graph, governor, kFirst);
+  if (role == "ARG2") return is_one_of(graph, governor, kSecond);
+  return role == "ARG3" && (graph.is(governor, "sentence", "01") || graph.is(governor, "pay", "01"));
+}
+
 // An event that stands where English has a noun and no clause.
 void noun_of_event(Rewriter& graph, int at) {
   const int above = graph.parent(at);
@@ -474,13 +487,10 @@ void noun_of_event(Rewriter& graph, int at) {
   const int governor = graph.arc(above).from;
   const std::string& role = graph.arc(above).role;
   if (graph.word(governor).sense.empty()) return;
-  // "To" as a preposition: exposed to ridicule.
-  constexpr std::array kToThings{"subject", "expose",   "devote", "dedicate", "limit",    "attribute", "reduce",
-                                 "confine", "restrict", "resort", "react",    "accustom", "addict",    "attach"};
-  if (role == "ARG2" && is_one_of(graph, governor, kToThings)) {
-    attribute_add(graph.word(at), "@nom");
+  if (has_noun_at(graph, governor, role)) {
     int part = at;
     for (int steps = graph.count(); steps > 0; --steps) {
+      attribute_add(graph.word(part), "@nom");
       said_above(graph, part, governor);
       const int next = graph.child(part, "conjunct");
       if (next < 0) break;
@@ -499,7 +509,8 @@ void noun_of_event(Rewriter& graph, int at) {
                                  "warn",  "promise",   "wish",   "conclude", "argue",  "assure", "indicate", "realize"};
   constexpr std::array kTelling{"say", "think", "know", "believe", "tell", "mean", "feel", "report", "note", "add"};
   const int content = graph.child(at, "ARG1");
-  const bool is_held = content >= 0 && is_one_of(graph, at, kContents) && !is_one_of(graph, governor, kTelling);
+  const bool is_held = content >= 0 && is_one_of(graph, at, kContents) && !is_one_of(graph, governor, kTelling) &&
+                       !is_one_of(graph, governor, kSaying);
   if (!is_held || graph.child(at, "ARG0") >= 0 || graph.child(at, "understood") >= 0) return;
   if (is_clause(graph, graph.arc(content).to) && !has_attribute(graph.word(at), "@neg"))
     attribute_add(graph.word(at), "@nom");

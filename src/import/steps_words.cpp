@@ -366,6 +366,19 @@ void entity_value_apply(Rewriter& graph, int at) {
   }
 }
 
+// 1/3 is a third, 2/3 two thirds.
+void fraction_apply(Concept& word) {
+  constexpr std::pair<const char*, const char*> kFractions[] = {
+      {"1/2", "half"},           {"1/3", "a third"},  {"2/3", "two thirds"}, {"1/4", "a quarter"},
+      {"3/4", "three quarters"}, {"1/5", "a fifth"},  {"2/5", "two fifths"}, {"3/5", "three fifths"},
+      {"4/5", "four fifths"},    {"1/10", "a tenth"}, {"1/6", "a sixth"},    {"1/8", "an eighth"},
+      {"1/7", "a seventh"},      {"1/9", "a ninth"},  {"5/6", "five sixths"}};
+  if (!word.variable.empty() || word.name.find('/') == word.name.npos) return;
+  for (const auto& [digits, words] : kFractions) {
+    if (word.name == digits) word.name = words;
+  }
+}
+
 // (s / score-entity :op1 3 :op2 1): 3-1.
 void score_apply(Rewriter& graph, int at) {
   const std::vector<int> sides = graph.is(at, "score-entity") ? graph.numbered(at, {"op"}) : std::vector<int>{};
@@ -446,6 +459,7 @@ void step_quantities(Meaning& meaning) {
     unit_apply(graph, at);
     entity_value_apply(graph, at);
     score_apply(graph, at);
+    fraction_apply(graph.word(at));
   }
   // Behind the loop above, which has made a unit of each quantity.
   for (int at = 0, end = graph.count(); at < end; ++at) {
