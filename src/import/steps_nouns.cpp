@@ -184,7 +184,7 @@ void determined_apply(Rewriter& graph, int at) {
 }
 
 // "The charge that the police brought": an event of nobody of which a clause is told is a noun.
-void described_apply(Rewriter& graph, int at) {
+void described_event_apply(Rewriter& graph, int at) {
   const int above = graph.parent(at);
   const bool is_part = above >= 0 && !graph.arc(above).inverse && graph.arc(above).role.starts_with("ARG");
   if (!is_part || !is_one_clause(graph, at) || graph.child(at, "ARG0") >= 0 || graph.child(at, "ARG1") >= 0) return;
@@ -289,7 +289,7 @@ void step_nouns(Meaning& meaning) {
     subject_apply(graph, at);
     place_apply(graph, at);
     determined_apply(graph, at);
-    described_apply(graph, at);
+    described_event_apply(graph, at);
     bare_infinitive_apply(graph, at);
     feeling_apply(graph, at);
     felt_apply(graph, at);

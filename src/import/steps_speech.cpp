@@ -347,8 +347,13 @@ void step_speaker(Meaning& meaning) {
   bool is_utterance = false;
   for (int led = 0; led < static_cast<int>(meaning.arcs.size()); ++led) {
     if (graph.arc(led).gone || graph.arc(led).inverse || graph.arc(led).role != "quote") continue;
-    // The verb stands above; any other target would be lost with the arc.
-    if (!graph.reaches(graph.arc(led).to, graph.arc(led).from)) continue;
+    // The verb stands above, and the sentence leads to it without this arc; any other target would be lost with it.
+    const int verb = graph.arc(led).to;
+    const bool is_above = graph.reaches(verb, graph.arc(led).from);
+    graph.arc(led).gone = true;
+    const bool is_held = graph.reaches(meaning.root, verb);
+    graph.arc(led).gone = false;
+    if (!is_above || !is_held) continue;
     is_utterance |= graph.arc(led).to == meaning.root;
     graph.remove(led, Fate::attribute);
     attribute_add(graph.word(graph.arc(led).from), "@quote");
