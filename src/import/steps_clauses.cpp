@@ -858,7 +858,9 @@ void tense_beside(Rewriter& graph, int at) {
   const auto is_lasting = [&](int one) { return is_one_of(graph, one, kLasting) && graph.child(one, "ARG0") >= 0; };
   if (!is_open(at)) return;
   for (const char* role : {"time", "conjunct"}) {
-    const int led = graph.child(at, role);
+    int led = graph.child(at, role);
+    constexpr std::array kRelations{"before", "after", "until", "while", "since", "as-soon-as"};
+    if (led >= 0 && is_one_of(graph, graph.arc(led).to, kRelations)) led = graph.child(graph.arc(led).to, "op1");
     const int beside = led < 0 ? -1 : graph.arc(led).to;
     if (beside < 0 || !is_open(beside)) continue;
     const bool is_joined = std::string_view(role) == "conjunct";
@@ -1174,10 +1176,13 @@ void gerund_apply(Rewriter& graph, int at) {
 
 // "She now knows that he sings": behind the verb, "now" would be said of what she knows.
 void content_apply(Rewriter& graph, int at) {
-  const int led = graph.word(at).sense.empty() ? -1 : graph.child(at, "ARG1");
+  constexpr std::array kAnswering{"answer", "reply", "respond"};
+  const char* role = is_one_of(graph, at, kAnswering) ? "ARG2" : "ARG1";
+  const int led = graph.word(at).sense.empty() ? -1 : graph.child(at, role);
   if (led < 0) return;
-  if (is_event(graph, graph.arc(led).to) && !graph.children(graph.arc(led).to).empty())
-    attribute_add(graph.word(at), "@content");
+  const int told = graph.arc(led).to;
+  const bool is_clause = is_event(graph, told) || graph.child(told, "domain") >= 0;
+  if (is_clause && !graph.children(told).empty()) attribute_add(graph.word(at), "@content");
 }
 
 // "Next year", "this morning": such a time has no preposition.
@@ -1194,8 +1199,11 @@ void giving_apply(Rewriter& graph, int at) {
   const bool is_shared = has_attribute(graph.word(at), "@shr1");
   const int what = gives(graph, at) ? graph.child(at, is_shared ? "shared" : "ARG1") : -1;
   if (what < 0) return;
-  // "The boy that she gave it to".
-  if (graph.child(at, "ARG2") < 0) return attribute_add(graph.word(at), "@gives");
+  // "The boy that she gave it to", but "the boy that she told that it rained".
+  if (graph.child(at, "ARG2") < 0) {
+    if (!is_event(graph, graph.arc(what).to)) attribute_add(graph.word(at), "@gives");
+    return;
+  }
   // "They sent him to prison": what is no person may be a place.
   const int receiver = graph.arc(graph.child(at, "ARG2")).to;
   const bool is_person = is_personal_pronoun(graph, receiver) || has_attribute(graph.word(receiver), "@person") ||

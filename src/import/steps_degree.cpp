@@ -145,6 +145,15 @@ bool is_behind(Rewriter& graph, int quality, int bearer, std::string_view role) 
   return role == "ARG4" && is_compared && graph.word(bearer).sense.empty() && !is_one_of(graph, quality, kAmounts);
 }
 
+// "A tree that is as tall as the house", "a box that is so heavy that he dropped it": in front of the noun so much would
+// not be understood.
+bool is_long_degree(Rewriter& graph, int quality, int bearer) {
+  constexpr std::array kAmounts{"many", "much", "few", "more", "less", "little"};
+  if (!graph.word(bearer).sense.empty() || is_one_of(graph, quality, kAmounts)) return false;
+  return graph.child(quality, "consequence") >= 0 ||
+         (has_attribute(graph.word(quality), "@equal") && graph.child(quality, "compared-to") >= 0);
+}
+
 // (t / tree :ARG1-of (h / have-degree-91 :ARG2 tall :ARG3 most :ARG5 (t2 / tree :location g))): the tallest tree in the garden.
 // A set of the same things is not named a second time.
 bool set_of_same(Rewriter& graph, int led, int bearer) {
@@ -318,7 +327,8 @@ void tie_to_bearer(Rewriter& graph, int at, bool is_quantity, int quality_led, i
   } else if (bearer_above) {
     graph.remove(bearer_led, Fate::relation);
     const bool is_compared =
-        !is_quantity && graph.child(quality, "compared-to") >= 0 && is_behind(graph, quality, bearer, "ARG4");
+        !is_quantity && (is_long_degree(graph, quality, bearer) ||
+                         (graph.child(quality, "compared-to") >= 0 && is_behind(graph, quality, bearer, "ARG4")));
     if (is_compared) attribute_add(graph.word(quality), "@v");
     if (has_attribute(graph.word(quality), "@least")) attribute_add(graph.word(bearer), "@def");
     if (is_quantity) amount_follows(graph, quality, bearer);

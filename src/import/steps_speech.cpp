@@ -288,7 +288,14 @@ void question(Rewriter& graph, int unknown) {
   // "Who are you".
   const bool is_person = role == "domain" && phrase == unknown && is_personal_pronoun(graph, asked_at) &&
                          graph.word(asked_at).name != "it";
-  attribute_add(graph.word(phrase), is_person ? "@wh_who" : "@wh_" + role);
+  // Who does something is mostly somebody; what moves or changes others may be anything.
+  constexpr std::array kOfThings{
+      "cause",  "make",   "frighten", "scare", "surprise", "worry",  "happen", "mean",  "prevent", "hurt",     "help",
+      "please", "bother", "upset",    "annoy", "interest", "affect", "change", "bring", "trigger", "enable",   "move",
+      "matter", "fall",   "allow",    "lead",  "disturb",  "sadden", "excite", "break", "follow",  "have-part"};
+  const bool is_doer = is_subject && role == "ARG0" && phrase == unknown && is_event(graph, asked_at) &&
+                       !is_one_of(graph, asked_at, kOfThings);
+  attribute_add(graph.word(phrase), is_person || is_doer ? "@wh_who" : "@wh_" + role);
   if (is_reported && role == "domain" && phrase == unknown && graph.parent(asked_at) >= 0 &&
       graph.word(asked_at).sense.empty())
     return reported_predicate(graph, asked_at, led);
