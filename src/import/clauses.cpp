@@ -48,14 +48,6 @@ bool is_clause(Rewriter& graph, int at) {
   return !graph.word(at).sense.empty() || graph.child(at, "domain") >= 0;
 }
 
-std::vector<std::vector<int>> arcs_by_beginning(Rewriter& graph) {
-  std::vector<std::vector<int>> below(static_cast<std::size_t>(graph.count()));
-  for (int led = 0; led < static_cast<int>(graph.meaning().arcs.size()); ++led) {
-    if (!graph.arc(led).gone) below[static_cast<std::size_t>(graph.arc(led).from)].push_back(led);
-  }
-  return below;
-}
-
 bool is_long_receiver(Rewriter& graph, int receiver) {
   const std::vector<int> below = graph.children(receiver);
   return std::any_of(below.begin(), below.end(), [&](int led) { return graph.arc(led).inverse; });
@@ -68,18 +60,7 @@ bool gives(Rewriter& graph, int at) {
 }
 
 std::vector<int> first_arcs(Rewriter& graph) {
-  std::vector<std::vector<int>> all = arcs_by_beginning(graph);
-  // As Rewriter::child and is_clause, but without a look at all arcs for each concept: coordination asks for this walk once
-  // for each conjunction.
-  const auto has_child = [&](int at, std::string_view role, bool inverse = false) {
-    const std::vector<int>& below = all[static_cast<std::size_t>(at)];
-    return std::any_of(below.begin(), below.end(),
-                       [&](int one) { return graph.arc(one).role == role && graph.arc(one).inverse == inverse; });
-  };
-  const auto has_clause = [&](int led) {
-    const int at = graph.arc(led).to;
-    return !graph.word(at).sense.empty() || has_child(at, "domain");
-  };
+  const auto has_clause = [&](int led) { return is_clause(graph, graph.arc(led).to); };
   std::vector<int> first(static_cast<std::size_t>(graph.count()), -1);
   std::vector<bool> seen(first.size());
   std::vector<std::pair<int, int>> open{{-1, graph.meaning().root}};
@@ -89,7 +70,7 @@ std::vector<int> first_arcs(Rewriter& graph) {
     if (at < 0 || seen[static_cast<std::size_t>(at)]) continue;
     seen[static_cast<std::size_t>(at)] = true;
     first[static_cast<std::size_t>(at)] = led;
-    std::vector<int>& below = all[static_cast<std::size_t>(at)];
+    std::vector<int> below = graph.children(at);
     // A receiver is said before what it is told to do: "she asked the driver to stop".
     std::stable_partition(below.begin(), below.end(), [&](int one) {
       const Arc& led_down = graph.arc(one);
@@ -98,7 +79,7 @@ std::vector<int> first_arcs(Rewriter& graph) {
       const Concept& word = graph.word(led_down.to);
       if (has_clause(one)) return has_attribute(word, "@agent") || has_attribute(word, "@result");
       // "She showed the boy how he should do it": a thing that a clause tells is one, too.
-      return word.name != "thing" || !has_child(led_down.to, "manner", true);
+      return word.name != "thing" || graph.child(led_down.to, "manner", true) < 0;
     });
     // "She gave the boy something to eat": who receives it is said before it.
     if (gives(graph, at)) {
@@ -110,12 +91,12 @@ std::vector<int> first_arcs(Rewriter& graph) {
     // An agent is said before what it does something to, and a condition before both, wherever the source writes them.
     const bool is_bidden = has_attribute(graph.word(at), "@bid");
     const char* subject = is_bidden ? "understood" : has_attribute(graph.word(at), "@psv") ? "ARG1" : "ARG0";
-    const bool has_agent = has_child(at, subject);
+    const bool has_agent = graph.child(at, subject) >= 0;
     std::stable_partition(below.begin(), below.end(), [&](int one) {
       return graph.arc(one).role == (has_agent ? subject : "domain") && !graph.arc(one).inverse;
     });
     // An infinitive, which has no subject of its own, has nothing in front of it.
-    const bool is_infinitive = has_child(at, "understood") || (led >= 0 && graph.arc(led).role == "domain");
+    const bool is_infinitive = graph.child(at, "understood") >= 0 || (led >= 0 && graph.arc(led).role == "domain");
     std::stable_partition(below.begin(), below.end(), [&](int one) {
       const Arc& led_down = graph.arc(one);
       if (is_infinitive) return false;
@@ -189,11 +170,10 @@ int subject_arc(Rewriter& graph, int clause) {
 }
 
 std::vector<int> clause_words(Rewriter& graph, std::vector<int> clauses) {
-  const std::vector<std::vector<int>> below = arcs_by_beginning(graph);
-  std::vector<bool> seen(below.size());
+  std::vector<bool> seen(static_cast<std::size_t>(graph.count()));
   for (const int clause : clauses) seen[static_cast<std::size_t>(clause)] = true;
   for (std::size_t i = 0; i < clauses.size(); ++i) {
-    for (const int led : below[static_cast<std::size_t>(clauses[i])]) {
+    for (const int led : graph.children(clauses[i])) {
       const int to = graph.arc(led).to;
       if (!seen[static_cast<std::size_t>(to)]) clauses.push_back(to);
       seen[static_cast<std::size_t>(to)] = true;

@@ -13,10 +13,6 @@ namespace lexon {
 // A frame, or anything that is said of a subject.
 bool is_clause(Rewriter& graph, int at);
 
-// For each concept the arcs that are written at it, in the order of the source: for walks over a whole graph, which would
-// look at all arcs for each concept else. It holds until an arc changes its beginning.
-std::vector<std::vector<int>> arcs_by_beginning(Rewriter& graph);
-
 // Who has a clause of his own stands behind: "she gave the key to the woman who lived there".
 bool is_long_receiver(Rewriter& graph, int receiver);
 

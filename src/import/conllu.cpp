@@ -168,8 +168,8 @@ class Sentences {
       return;
     }
     Arc arc;
-    arc.from = known->second;
-    arc.to = self;
+    arc.from.read(known->second);
+    arc.to.read(self);
     arc.role = relation;
     // An enhanced relation carries its preposition, nmod:of, as a subtype; the table may know the first part alone.
     while (table_.find(arc.role) == nullptr && arc.role.find(':') != std::string::npos) {

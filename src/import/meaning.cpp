@@ -1,12 +1,6 @@
 #include "import/meaning.hpp"
 
-#include <algorithm>
-
 namespace lexon {
-
-bool has_attribute(const Concept& word, std::string_view attribute) {
-  return std::find(word.attributes.begin(), word.attributes.end(), attribute) != word.attributes.end();
-}
 
 // Two steps may find the same, and a word shows each attribute once.
 void attribute_add(Concept& word, std::string_view attribute) {

@@ -244,7 +244,7 @@ class GraphParser {
   // The arc leads to a concept that has a variable, and its triple names that.
   void lead(int arc, int at) {
     Arc& led = meaning_.arcs[static_cast<std::size_t>(arc)];
-    led.to = at;
+    led.to.read(at);
     meaning_.triples[static_cast<std::size_t>(led.triple)].target = variable_of(at);
   }
 
@@ -280,7 +280,7 @@ class GraphParser {
       return;
     }
     Arc arc;
-    arc.from = open_.back();
+    arc.from.read(open_.back());
     split_role(arc, role.text);
     const Token head = tokens_.take();
     arc.triple = triple_add(role.place, variable_of(arc.from), role.text, head.text);
@@ -302,7 +302,7 @@ class GraphParser {
     Concept word;
     word.name = text;
     word.is_text = is_text;
-    meaning_.arcs[static_cast<std::size_t>(arc)].to = concept_add(std::move(word));
+    meaning_.arcs[static_cast<std::size_t>(arc)].to.read(concept_add(std::move(word)));
   }
 
   // A symbol is a further mention of a concept if it is a variable of this graph, and a constant otherwise.
@@ -312,7 +312,7 @@ class GraphParser {
       if (known == variables_.end()) {
         constant(pending.arc, pending.symbol, false);
       } else {
-        meaning_.arcs[static_cast<std::size_t>(pending.arc)].to = known->second;
+        meaning_.arcs[static_cast<std::size_t>(pending.arc)].to.read(known->second);
       }
     }
     pending_.clear();

@@ -1,5 +1,5 @@
-// Arcs are looked for one by one: a sentence has a few dozen, and no step may make a list that the next step has to keep
-// true. An arc that is gone keeps its place, so that numbers of arcs hold through all steps.
+// Arcs are looked for along the chains of a concept, so that a step costs as much as it looks at, however large the
+// sentence is. An arc that is gone keeps its place, so that numbers of arcs hold through all steps.
 #include "import/rewriter.hpp"
 
 #include <map>
@@ -7,19 +7,70 @@
 
 namespace lexon {
 
+namespace {
+
+// Ties an arc in at its place. Arcs that are new, or that are moved in the order of the source, come last.
+void chain_add(ArcChains& chains, int at, int arc_at) {
+  int& first = chains.first[static_cast<std::size_t>(at)];
+  int& last = chains.last[static_cast<std::size_t>(at)];
+  int& next = chains.next[static_cast<std::size_t>(arc_at)];
+  if (last < arc_at) {
+    next = -1;
+    (last < 0 ? first : chains.next[static_cast<std::size_t>(last)]) = arc_at;
+    last = arc_at;
+    return;
+  }
+  int* link = &first;
+  while (*link < arc_at) link = &chains.next[static_cast<std::size_t>(*link)];
+  next = *link;
+  *link = arc_at;
+}
+
+void chain_remove(ArcChains& chains, int at, int arc_at) {
+  int* link = &chains.first[static_cast<std::size_t>(at)];
+  int before = -1;
+  while (*link != arc_at) before = *link, link = &chains.next[static_cast<std::size_t>(*link)];
+  *link = chains.next[static_cast<std::size_t>(arc_at)];
+  int& last = chains.last[static_cast<std::size_t>(at)];
+  if (last == arc_at) last = before;
+}
+
+void chains_grow(ArcChains& chains, const Meaning& meaning) {
+  chains.first.resize(meaning.concepts.size(), -1);
+  chains.last.resize(meaning.concepts.size(), -1);
+  chains.next.resize(meaning.arcs.size(), -1);
+}
+
+}  // namespace
+
+// The first step makes the chains, all others find them.
+Rewriter::Rewriter(Meaning& meaning, const char* step) : meaning_(meaning), step_(step) {
+  const std::size_t known = meaning.leaving.next.size();
+  chains_grow(meaning.leaving, meaning);
+  chains_grow(meaning.arriving, meaning);
+  for (std::size_t i = known; i < meaning.arcs.size(); ++i) {
+    chain_add(meaning.leaving, meaning.arcs[i].from, static_cast<int>(i));
+    chain_add(meaning.arriving, meaning.arcs[i].to, static_cast<int>(i));
+  }
+}
+
 // A copy of numbers and not a view of arcs: who walks over it may add arcs on the way, which moves the arcs in memory.
 std::vector<int> Rewriter::children(int at) {
+  const int first = first_from(at);
+  std::size_t count = 0;
+  for (int led = first; led >= 0; led = next_from(led)) count += arc(led).gone ? 0 : 1;
   std::vector<int> found;
-  for (std::size_t i = 0; i < meaning_.arcs.size(); ++i) {
-    if (meaning_.arcs[i].from == at && !meaning_.arcs[i].gone) found.push_back(static_cast<int>(i));
+  found.reserve(count);
+  for (int led = first; led >= 0; led = next_from(led)) {
+    if (!arc(led).gone) found.push_back(led);
   }
   return found;
 }
 
 int Rewriter::child(int at, std::string_view role, bool inverse) {
-  for (std::size_t i = 0; i < meaning_.arcs.size(); ++i) {
-    const Arc& one = meaning_.arcs[i];
-    if (one.from == at && !one.gone && one.inverse == inverse && one.role == role) return static_cast<int>(i);
+  for (int led = first_from(at); led >= 0; led = next_from(led)) {
+    const Arc& one = arc(led);
+    if (one.inverse == inverse && is_same(one.role, role) && !one.gone) return led;
   }
   return -1;
 }
@@ -27,26 +78,25 @@ int Rewriter::child(int at, std::string_view role, bool inverse) {
 // The first in the order of the source, whichever way the walk from the root would come: steps that need that way ask for
 // it themselves (first_arcs in clauses.hpp).
 int Rewriter::parent(int at) {
-  for (std::size_t i = 0; i < meaning_.arcs.size(); ++i) {
-    if (meaning_.arcs[i].to == at && !meaning_.arcs[i].gone) return static_cast<int>(i);
-  }
-  return -1;
+  int led = first_to(at);
+  while (led >= 0 && arc(led).gone) led = next_to(led);
+  return led;
 }
 
 int Rewriter::mentions(int at) {
   int count = 0;
-  for (const Arc& one : meaning_.arcs) count += one.to == at && !one.gone;
+  for (int led = first_to(at); led >= 0; led = next_to(led)) count += arc(led).gone ? 0 : 1;
   return count;
 }
 
-// (b / boy :ARG0-of (w / want-01)) and (w / want-01 :ARG0 (b / boy)) say the same of want-01.
+// (b / boy :ARG0-of (w / want-01)) and (w / want-01 :ARG0 (b / boy)) say the same of want-01. The first of both kinds.
 int Rewriter::argument(int frame, std::string_view role) {
-  for (std::size_t i = 0; i < meaning_.arcs.size(); ++i) {
-    const Arc& one = meaning_.arcs[i];
-    const bool is_here = (one.from == frame && !one.inverse) || (one.to == frame && one.inverse);
-    if (is_here && !one.gone && one.role == role) return static_cast<int>(i);
+  const int here = child(frame, role);
+  for (int led = first_to(frame); led >= 0 && (here < 0 || led < here); led = next_to(led)) {
+    const Arc& one = arc(led);
+    if (one.inverse && is_same(one.role, role) && !one.gone) return led;
   }
-  return -1;
+  return here;
 }
 
 // A number of more than three digits is part of a name that a bank made up, and not a place in a list.
@@ -71,10 +121,6 @@ std::vector<int> Rewriter::numbered(int at, std::initializer_list<std::string_vi
 
 // Depth first, each concept once: a graph may have circles.
 bool Rewriter::reaches(int above, int below) {
-  std::vector<std::vector<int>> under(meaning_.concepts.size());
-  for (const Arc& one : meaning_.arcs) {
-    if (!one.gone) under[static_cast<std::size_t>(one.from)].push_back(one.to);
-  }
   std::vector<bool> seen(meaning_.concepts.size());
   std::vector<int> open{above};
   while (!open.empty()) {
@@ -83,7 +129,9 @@ bool Rewriter::reaches(int above, int below) {
     if (at == below) return true;
     if (seen[static_cast<std::size_t>(at)]) continue;
     seen[static_cast<std::size_t>(at)] = true;
-    for (const int to : under[static_cast<std::size_t>(at)]) open.push_back(to);
+    for (int led = first_from(at); led >= 0; led = next_from(led)) {
+      if (!arc(led).gone) open.push_back(arc(led).to);
+    }
   }
   return false;
 }
@@ -96,38 +144,67 @@ void Rewriter::remove(int arc_at, Fate fate) {
 
 // The triple stays open: what writes the graph settles it as a relation.
 int Rewriter::replace(int arc_at, int from, int to, std::string role, bool inverse) {
-  Arc& changed = arc(arc_at);
-  changed.from = from;
-  changed.to = to;
-  changed.role = std::move(role);
-  changed.inverse = inverse;
+  lead_from(arc_at, from);
+  lead_to(arc_at, to);
+  arc(arc_at).role = std::move(role);
+  arc(arc_at).inverse = inverse;
   return arc_at;
 }
 
 // An arc of a step's own making has no triple: it is in the graph, and no figure counts it.
 int Rewriter::add(int from, int to, std::string role, bool inverse) {
-  meaning_.arcs.push_back({from, to, std::move(role), inverse, -1, false});
-  return static_cast<int>(meaning_.arcs.size()) - 1;
+  const int made = static_cast<int>(meaning_.arcs.size());
+  meaning_.arcs.push_back({ArcEnd(from), ArcEnd(to), std::move(role), inverse, -1, false});
+  chains_grow(meaning_.leaving, meaning_);
+  chains_grow(meaning_.arriving, meaning_);
+  chain_add(meaning_.leaving, from, made);
+  chain_add(meaning_.arriving, to, made);
+  return made;
+}
+
+void Rewriter::lead_from(int arc_at, int from) {
+  if (arc(arc_at).from == from) return;
+  chain_remove(meaning_.leaving, arc(arc_at).from, arc_at);
+  chain_add(meaning_.leaving, from, arc_at);
+  arc(arc_at).from.at_ = from;
+}
+
+void Rewriter::lead_to(int arc_at, int to) {
+  if (arc(arc_at).to == to) return;
+  chain_remove(meaning_.arriving, arc(arc_at).to, arc_at);
+  chain_add(meaning_.arriving, to, arc_at);
+  arc(arc_at).to.at_ = to;
+}
+
+void Rewriter::swap_places(int one_at, int other_at) {
+  const Arc kept = arc(one_at);
+  const Arc other = arc(other_at);
+  replace(one_at, other.from, other.to, other.role, other.inverse);
+  replace(other_at, kept.from, kept.to, kept.role, kept.inverse);
+  std::swap(arc(one_at).triple, arc(other_at).triple);
+  std::swap(arc(one_at).gone, arc(other_at).gone);
 }
 
 // An arc from `now` to `old` would lead from a concept to itself, so it goes; its words are said by `now`.
 void Rewriter::redirect(int old, int now) {
-  for (Arc& one : meaning_.arcs) {
-    if (one.to == old && one.from != now) one.to = now;
-    if (one.to == old && one.from == now) one.gone = true, settle(meaning_, one.triple, Fate::word, step_);
+  for (int led = first_to(old), next = -1; led >= 0; led = next) {
+    next = next_to(led);
+    if (arc(led).from != now) {
+      lead_to(led, now);
+    } else {
+      remove(led, Fate::word);
+    }
   }
   if (meaning_.root == old) meaning_.root = now;
 }
 
 // What led from `old` to `now` itself goes, as above. Arcs that are gone stay where they were, for the list of triples.
 void Rewriter::move_children(int old, int now) {
-  for (Arc& one : meaning_.arcs) {
-    if (one.from != old || one.gone) continue;
-    if (one.to == now) {
-      one.gone = true;
-      settle(meaning_, one.triple, Fate::word, step_);
+  for (const int led : children(old)) {
+    if (arc(led).to == now) {
+      remove(led, Fate::word);
     } else {
-      one.from = now;
+      lead_from(led, now);
     }
   }
 }
@@ -146,6 +223,8 @@ int Rewriter::add_concept(std::string name) {
   Concept made;
   made.name = std::move(name);
   meaning_.concepts.push_back(std::move(made));
+  chains_grow(meaning_.leaving, meaning_);
+  chains_grow(meaning_.arriving, meaning_);
   return count() - 1;
 }
 

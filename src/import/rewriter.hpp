@@ -17,14 +17,15 @@ namespace lexon {
 class Rewriter {
  public:
   // `step` names what the list of triples gives as the reason.
-  Rewriter(Meaning& meaning, const char* step) : meaning_(meaning), step_(step) {}
+  Rewriter(Meaning& meaning, const char* step);
 
   Meaning& meaning() { return meaning_; }
   int count() const { return static_cast<int>(meaning_.concepts.size()); }
   Concept& word(int at) { return meaning_.concepts[static_cast<std::size_t>(at)]; }
   Arc& arc(int at) { return meaning_.arcs[static_cast<std::size_t>(at)]; }
   bool is(int at, std::string_view name, std::string_view sense = {}) {
-    return word(at).name == name && word(at).sense == sense && !word(at).is_text;
+    const Concept& one = word(at);
+    return is_same(one.name, name) && is_same(one.sense, sense) && !one.is_text;
   }
 
   // The arcs that are written at a concept, in the order of the source.
@@ -52,6 +53,11 @@ class Rewriter {
   // A new arc in the place of an old one, whose triple it carries.
   int replace(int arc_at, int from, int to, std::string role, bool inverse = false);
   int add(int from, int to, std::string role, bool inverse = false);
+  // An arc gets another beginning or another end.
+  void lead_from(int arc_at, int from);
+  void lead_to(int arc_at, int to);
+  // Two arcs change places in the order of the source.
+  void swap_places(int one_at, int other_at);
   // Everything that led to `old` leads to `now`, the beginning of the sentence included.
   void redirect(int old, int now);
   // The other end of an arc takes the place of a concept that is no word of its own: it gets what led there and what is
@@ -63,15 +69,26 @@ class Rewriter {
   int add_concept(std::string name);
 
  private:
+  // Along the chains of a concept, arcs that are gone included.
+  int first_from(int at) { return meaning_.leaving.first[static_cast<std::size_t>(at)]; }
+  int next_from(int arc_at) { return meaning_.leaving.next[static_cast<std::size_t>(arc_at)]; }
+  int first_to(int at) { return meaning_.arriving.first[static_cast<std::size_t>(at)]; }
+  int next_to(int arc_at) { return meaning_.arriving.next[static_cast<std::size_t>(arc_at)]; }
+
   Meaning& meaning_;
   const char* step_;
 };
 
 template <std::size_t N>
 bool is_listed(std::string_view name, const std::array<const char*, N>& names) {
-  // Few names begin alike, so that hardly any is measured.
-  const char first = name.empty() ? '\0' : name.front();
-  return std::any_of(names.begin(), names.end(), [&](const char* one) { return *one == first && name == one; });
+  // Letter by letter, as the first mostly settles it; nothing is measured.
+  return std::any_of(names.begin(), names.end(), [&](const char* one) {
+    for (const char letter : name) {
+      if (*one != letter || letter == '\0') return false;
+      ++one;
+    }
+    return *one == '\0';
+  });
 }
 
 // True for a concept with one of these names, whatever its sense.

@@ -279,7 +279,7 @@ void nobody_apply(Rewriter& graph, int at) {
   const int doer = has_attribute(graph.word(at), "@neg") ? subject_arc(graph, at) : -1;
   if (doer < 0 || graph.parent(graph.arc(doer).to) != doer) return;
   const int any = graph.child(graph.arc(doer).to, "mod");
-  for (const int word : {graph.arc(doer).to, any >= 0 ? graph.arc(any).to : -1}) {
+  for (const int word : {int{graph.arc(doer).to}, any >= 0 ? graph.arc(any).to : -1}) {
     const std::string name = word < 0 ? "" : graph.word(word).name;
     if (!name.starts_with("any") && name != "somebody" && name != "someone") continue;
     if (const char* nobody = denied(graph, word); nobody != nullptr) {
@@ -596,7 +596,7 @@ void wanted_apply(Rewriter& graph, int led) {
   const bool is_governing = is_one_of(graph, frame, kGoverning) && graph.mentions(frame) == 1 &&
                             graph.child(frame, "ARG0") >= 0 && graph.child(frame, "ARG1") < 0;
   if (!is_governing) return;
-  graph.arc(led).to = frame;
+  graph.lead_to(led, frame);
   graph.replace(up, frame, deed, "ARG1");
 }
 
@@ -772,7 +772,7 @@ void tense_from_time(Rewriter& graph, int at) {
     if (graph.mentions(time) > 1 || graph.mentions(graph.arc(point).to) > 1) continue;
     // "In the last two years" lasted so long: for two years.
     const int lasting = graph.child(time, "duration");
-    if (lasting >= 0 && graph.is(time, "before")) graph.arc(lasting).from = at;
+    if (lasting >= 0 && graph.is(time, "before")) graph.lead_from(lasting, at);
     graph.settle_concept(graph.arc(point).to, Fate::attribute);
     graph.remove(point, Fate::attribute);
     if (graph.children(time).empty()) {

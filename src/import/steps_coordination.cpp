@@ -39,7 +39,7 @@ void promote_relative(Rewriter& graph, int led, const std::vector<int>& parts) {
   const std::string role = graph.arc(below).role;
   if (!graph.arc(below).inverse || role != "ARG1" || graph.child(frame, "ARG0") < 0 || graph.mentions(frame) > 1)
     return;
-  graph.arc(led).to = frame;
+  graph.lead_to(led, frame);
   graph.replace(below, frame, noun, role);
 }
 
@@ -74,10 +74,10 @@ void mention_parts(Rewriter& graph, const Conjunction& conjunction, const std::v
     }
     if (is_contrast) {
       // "You may not think so, but that is true."
-      graph.arc(led).to = graph.add_concept("true");
+      graph.lead_to(led, graph.add_concept("true"));
       graph.add(graph.arc(led).to, graph.add_concept("that"), "domain");
     } else {
-      graph.arc(led).to = mention_of(graph, part);
+      graph.lead_to(led, mention_of(graph, part));
     }
   }
 }
@@ -104,7 +104,7 @@ void mention_group(Rewriter& graph, int at, int group_arc, const std::vector<int
     const int they = graph.add_concept(pronoun);
     attribute_add(graph.word(they), "@ref");
     attribute_add(graph.word(they), "@pl");
-    graph.arc(led).to = they;
+    graph.lead_to(led, they);
   }
 }
 
@@ -129,7 +129,7 @@ void late_circumstances(Rewriter& graph, int at, int head, int last) {
     const bool is_time = one.role == "time" || one.role == "temporal";
     const bool goes_in_front = (is_time && is_clause(graph, one.to)) || has_attribute(graph.word(head), "@front");
     if (one.inverse || !is_listed(one.role, kLate) || goes_in_front || graph.children(one.to).empty()) continue;
-    if (!is_unknown(graph, one.to)) graph.arc(led).from = last;
+    if (!is_unknown(graph, one.to)) graph.lead_from(led, last);
   }
 }
 
@@ -249,7 +249,7 @@ void coordinate(Rewriter& graph, int at, const Conjunction& conjunction) {
   graph.remove(parts[0], Fate::relation);
   // What is joined to all of them stands behind the last: "she came and sang, but he left".
   const int to_all = graph.child(at, "conjunct");
-  if (to_all >= 0 && is_event(graph, last) && is_event(graph, graph.arc(to_all).to)) graph.arc(to_all).from = last;
+  if (to_all >= 0 && is_event(graph, last) && is_event(graph, graph.arc(to_all).to)) graph.lead_from(to_all, last);
   take_marks(graph, at, head);
   graph.redirect(at, head);
   noun_once(graph, head);
@@ -257,7 +257,7 @@ void coordinate(Rewriter& graph, int at, const Conjunction& conjunction) {
   // "The man and the woman who sat there": what is said of several things stands behind the last.
   for (const int led : graph.children(at)) {
     const bool is_relative = graph.arc(led).inverse && is_core_role(graph.arc(led).role);
-    if (is_relative && !is_clause(graph, head) && !is_clause(graph, last)) graph.arc(led).from = last;
+    if (is_relative && !is_clause(graph, head) && !is_clause(graph, last)) graph.lead_from(led, last);
   }
   graph.move_children(at, head);
 }

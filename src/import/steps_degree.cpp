@@ -81,7 +81,7 @@ bool sought_apply(Rewriter& graph, int at, int quality, int bearer) {
   if (is_predicate) {
     for (const char* role : {"superlative-of", "compared-to"}) {
       const int measured = graph.child(quality, role);
-      if (measured >= 0 && !has_attribute(graph.word(quality), "@equal")) graph.arc(measured).from = bearer;
+      if (measured >= 0 && !has_attribute(graph.word(quality), "@equal")) graph.lead_from(measured, bearer);
     }
     move_mood(graph, quality, bearer);
   }
@@ -200,7 +200,7 @@ void degree_measured(Rewriter& graph, int at, int quality, int bearer_led) {
     const bool is_of_noun = above >= 0 && graph.arc(above).inverse && graph.arc(above).role == "ARG1" &&
                             graph.word(graph.arc(above).from).sense.empty() && bearer_led >= 0 &&
                             graph.other(bearer_led, at) == graph.arc(above).from;
-    if (is_of_noun) graph.arc(graph.child(quality, "consequence")).from = graph.arc(above).from;
+    if (is_of_noun) graph.lead_from(graph.child(quality, "consequence"), graph.arc(above).from);
     // "As many books as I".
     const bool is_amount = graph.is(quality, "many") || graph.is(quality, "much") || graph.is(quality, "few");
     const bool is_as_many = is_amount && bearer_led >= 0 && graph.arc(bearer_led).to == at &&
@@ -252,7 +252,7 @@ void amount_stated(Rewriter& graph, int at, int quality_led, int bearer_led) {
   graph.replace(quality_led, bearer, quality, "quant");
   // "There is more water than I thought."
   if (const int led = graph.child(quality, "compared-to"); led >= 0 && !has_attribute(graph.word(quality), "@equal"))
-    graph.arc(led).from = bearer;
+    graph.lead_from(led, bearer);
   if (const int led = graph.child(quality, "consequence"); led >= 0) {
     graph.replace(led, being, graph.arc(led).to, graph.is(quality, "enough") ? "purpose" : "consequence");
     const int again = graph.child(graph.arc(led).to, "ARG1");

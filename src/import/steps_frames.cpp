@@ -196,7 +196,11 @@ void reified_apply(Rewriter& graph, int at, const Reified& one) {
   if (up < 0 || down < 0) return lone_apply(graph, at, one, up, down);
   // "I am with you": of two who are together, who speaks comes first.
   const bool is_together = one.role == std::string_view("accompanier") && graph.is(graph.other(down, at), "i");
-  if (is_together && graph.parent(at) < 0) std::swap(graph.arc(up).to, graph.arc(down).to);
+  if (is_together && graph.parent(at) < 0) {
+    const int first = graph.arc(down).to;
+    graph.lead_to(down, graph.arc(up).to);
+    graph.lead_to(up, first);
+  }
   const int head = graph.other(up, at);
   const int dependent = graph.other(down, at);
   if (head == dependent) return;
@@ -224,7 +228,7 @@ void reified_apply(Rewriter& graph, int at, const Reified& one) {
     graph.replace(down, head, dependent, one.role);
     graph.remove(up, Fate::relation);
     graph.move_children(at, head);
-    for (const int led : graph.children(dependent)) graph.arc(led).from = head;
+    for (const int led : graph.children(dependent)) graph.lead_from(led, head);
   } else if (dependent_above && !head_above) {
     graph.replace(down, dependent, head, one.role, true);
     graph.remove(up, Fate::relation);
@@ -315,7 +319,7 @@ void regardless_apply(Rewriter& graph, int at) {
   }
   const int word = graph.add_concept(is_asked ? "no-matter" : "regardless-of");
   graph.add(word, what, "op1");
-  graph.arc(led).to = word;
+  graph.lead_to(led, word);
 }
 
 // (f / flower :ARG0-of (h / have-03 :ARG1 t)): the flower with t. (f / flower :ARG1-of (h / have-03 :ARG0 i)): my flower.
@@ -388,7 +392,7 @@ void frequency_apply(Rewriter& graph, int at) {
   if (is_several && graph.children(graph.arc(led).to).empty()) {
     const int times = graph.add_concept("time");
     graph.add(times, graph.arc(led).to, "quant");
-    graph.arc(led).to = times;
+    graph.lead_to(led, times);
     return attribute_add(graph.word(times), "@pl");
   }
   if (number.empty() || number.find_first_not_of("0123456789") != number.npos) return;
@@ -399,7 +403,7 @@ void frequency_apply(Rewriter& graph, int at) {
   const int times = graph.add_concept("time");
   graph.move_children(graph.arc(led).to, times);
   graph.add(times, graph.arc(led).to, "quant");
-  graph.arc(led).to = times;
+  graph.lead_to(led, times);
   attribute_add(graph.word(times), "@pl");
   attribute_add(graph.word(times), "@measure");
 }
@@ -424,7 +428,7 @@ void part_place_apply(Rewriter& graph, int at) {
   const int part = graph.arc(led).to;
   const bool is_place = is_listed(graph.word(part).name, kPlaces);
   if (!is_place || !graph.children(part).empty() || graph.mentions(part) > 1) return;
-  graph.arc(above).to = part;
+  graph.lead_to(above, part);
   graph.replace(led, part, at, "part-of");
 }
 
@@ -841,7 +845,7 @@ void sets_apply(Rewriter& graph) {
     // "One of my stars".
     const int owner = graph.child(at, "poss");
     if (owner >= 0 && graph.word(graph.arc(whole).to).name == graph.word(at).name)
-      graph.arc(owner).from = graph.arc(whole).to;
+      graph.lead_from(owner, graph.arc(whole).to);
     if (graph.is(at, "someone") || graph.is(at, "something")) {
       graph.word(at).name = "some";
       attribute_add(graph.word(at), "@pl");

@@ -86,7 +86,7 @@ void somewhere_apply(Rewriter& graph, int at) {
   graph.settle_concept(being, Fate::relation);
   graph.replace(place, at, graph.arc(place).to, "location");
   graph.move_children(being, at);
-  graph.arc(led).to = graph.add_concept("it");
+  graph.lead_to(led, graph.add_concept("it"));
 }
 
 // Who speaks says something: no that-clause stands behind the verb. What is said to nobody, and is a clause,
@@ -136,7 +136,7 @@ void own_place_apply(Rewriter& graph, int at) {
     if (own < 0 || graph.arc(own).to != who) continue;
     const int being = add_being(graph);
     graph.add(being, who, "ARG1");
-    graph.arc(led).to = being;
+    graph.lead_to(led, being);
     for (const char* aspect : {"@habit", "@state", "@past", "@pres"}) {
       if (has_attribute(graph.word(at), aspect)) attribute_add(graph.word(being), aspect);
     }
@@ -307,7 +307,7 @@ void denied_somewhere(Rewriter& graph, int at) {
   graph.redirect(at, being);
   graph.replace(place, being, graph.arc(place).to, "location");
   graph.add(being, at, "ARG1");
-  if (const int time = graph.child(at, "time"); time >= 0) graph.arc(time).from = being;
+  if (const int time = graph.child(at, "time"); time >= 0) graph.lead_from(time, being);
 }
 
 // A noun at the top, with a clause of time: "there was a storm when we left".
@@ -494,7 +494,7 @@ void manner_apply(Rewriter& graph, int at) {
   const bool is_open = degree >= 0 && manner >= 0 && is_one_of(graph, graph.arc(degree).to, kVery) &&
                        graph.word(graph.arc(manner).to).sense.empty() && graph.children(graph.arc(manner).to).empty() &&
                        graph.mentions(graph.arc(manner).to) == 1;
-  if (is_open) graph.arc(degree).from = graph.arc(manner).to;
+  if (is_open) graph.lead_from(degree, graph.arc(manner).to);
   const int goal = graph.is(at, "leave", "11") || graph.is(at, "leave", "15") || graph.is(at, "depart", "01")
                        ? graph.child(at, "destination")
                        : -1;
@@ -515,7 +515,7 @@ void how_well_apply(Rewriter& graph, int at) {
   graph.redirect(at, deed);
   graph.replace(led, deed, at, "manner");
   for (const int one : graph.children(at)) {
-    if (one != degree) graph.arc(one).from = deed;
+    if (one != degree) graph.lead_from(one, deed);
   }
   graph.word(at).sense.clear();
   graph.word(at).attributes.clear();
@@ -553,7 +553,7 @@ void qualities_apply(Rewriter& graph, int at) {
   const auto rank = [&](int led) { return quality_rank(graph.word(graph.arc(led).to).name); };
   for (std::size_t i = 1; i < ranked.size(); ++i) {
     for (std::size_t j = i; j > 0 && rank(ranked[j - 1]) > rank(ranked[j]); --j)
-      std::swap(graph.arc(ranked[j - 1]), graph.arc(ranked[j]));
+      graph.swap_places(ranked[j - 1], ranked[j]);
   }
 }
 
@@ -609,7 +609,7 @@ void how_apply(Rewriter& graph, int at) {
   graph.redirect(at, being);
   graph.replace(subject, being, graph.arc(subject).to, "ARG1");
   for (const int led : graph.children(at)) {
-    if (led != degree && !graph.arc(led).role.starts_with("ARG")) graph.arc(led).from = being;
+    if (led != degree && !graph.arc(led).role.starts_with("ARG")) graph.lead_from(led, being);
   }
   graph.add(being, at, "ARG2");
   const std::vector<std::string> marks = graph.word(at).attributes;

@@ -49,21 +49,20 @@ void speak_of_oneself(Rewriter& graph, int frame, int said, int speaker, int hea
   };
   const bool has_i = has_own("i") || has_own("we");
   const bool has_you = has_own("you");
-  const std::vector<std::vector<int>> below = arcs_by_beginning(graph);
   // One concept each, so that what is meant twice is known to be the same.
   int i = -1;
   int you = -1;
   for (const int at : words) {
     // Where the graph leads in a circle, the frame itself is among what is said.
     if (at == frame || at == speaker || at == hearer) continue;
-    for (const int led : below[static_cast<std::size_t>(at)]) {
+    for (const int led : graph.children(at)) {
       const bool is_speaker = graph.arc(led).to == speaker;
       const bool is_person = (is_speaker && !has_i) || (graph.arc(led).to == hearer && !is_speaker && !has_you);
       if (!is_person || graph.arc(led).inverse) continue;
       int& person = is_speaker ? i : you;
       if (person < 0) person = graph.add_concept(is_speaker ? "i" : "you");
       attribute_add(graph.word(person), is_speaker ? "@p1" : "@p2");
-      graph.arc(led).to = person;
+      graph.lead_to(led, person);
     }
   }
 }
@@ -186,7 +185,7 @@ void asked_predicate(Rewriter& graph, int unknown) {
   if (about < 0 || graph.mentions(about) != 1) return;
   graph.redirect(unknown, about);
   graph.replace(said, about, unknown, "domain");
-  for (const int below : graph.children(unknown)) graph.arc(below).from = about;
+  for (const int below : graph.children(unknown)) graph.lead_from(below, about);
   // What it says of the clause goes with it, and so does its conjunction.
   for (const char* mark : {"@quote", "@and", "@but", "@or", "@snt"}) {
     if (std::erase(graph.word(unknown).attributes, mark) > 0) attribute_add(graph.word(about), mark);
@@ -323,7 +322,7 @@ void called_apply(Rewriter& graph) {
       if (!is_mention) continue;
       if (you < 0) you = graph.add_concept("you");
       attribute_add(graph.word(you), "@p2");
-      graph.arc(other).to = you;
+      graph.lead_to(other, you);
     }
   }
 }

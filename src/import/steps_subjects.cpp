@@ -96,7 +96,7 @@ void phase_apply(Rewriter& graph, int at) {
     const Arc& one = graph.arc(below);
     constexpr std::array kCircumstances{"time", "temporal", "location", "place"};
     const bool is_phrase = !graph.children(one.to).empty() && !is_clause(graph, one.to);
-    if (!one.inverse && is_listed(one.role, kCircumstances) && is_phrase) graph.arc(below).from = done;
+    if (!one.inverse && is_listed(one.role, kCircumstances) && is_phrase) graph.lead_from(below, done);
   }
 }
 
@@ -281,7 +281,7 @@ void understand_subject(Rewriter& graph, const std::vector<int>& first, int at) 
   if (is_let(graph, above, person)) {
     const int self = mention_of(graph, person);
     attribute_add(graph.word(self), "@self");
-    graph.arc(subject).to = self;
+    graph.lead_to(subject, self);
     return;
   }
   if (is_said_again(graph, above, at, subject) || is_bare_predicate(graph, above, subject)) return;
@@ -449,7 +449,7 @@ void able_apply(Rewriter& graph, int at) {
   attribute_add(graph.word(able), "@ctl1");
   if (std::erase(graph.word(at).attributes, "@neg") > 0) attribute_add(graph.word(able), "@neg");
   std::erase(graph.word(at).attributes, "@can");
-  graph.arc(led).to = able;
+  graph.lead_to(led, able);
   graph.add(able, graph.arc(known).to, "understood");
   graph.add(able, at, "ARG2");
 }
@@ -595,7 +595,7 @@ void step_mentions(Meaning& meaning) {
       }
       const bool is_own =
           agent >= 0 && agent != led && meant[static_cast<std::size_t>(agent)] == to && is_core(graph.arc(led));
-      graph.arc(led).to = mention_of(graph, to);
+      graph.lead_to(led, mention_of(graph, to));
       if (is_own) attribute_add(graph.word(graph.arc(led).to), "@self");
     }
   }

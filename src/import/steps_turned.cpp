@@ -146,7 +146,7 @@ void consequence_behind(Rewriter& graph, int at) {
   const int above = led >= 0 ? graph.parent(at) : -1;
   if (above < 0 || !graph.arc(above).inverse || !is_event(graph, graph.arc(above).from)) return;
   if (graph.reaches(graph.arc(led).to, graph.arc(above).from)) return;
-  graph.arc(led).from = graph.arc(above).from;
+  graph.lead_from(led, graph.arc(above).from);
 }
 
 // (b / buy-01 :frequency (v / visit-01 :ARG0 he) with @every): "whenever he visits".

@@ -304,7 +304,7 @@ void pointing_time_apply(Rewriter& graph) {
     if (!is_time || !is_bare || graph.arc(led).inverse || graph.arc(led).gone || graph.mentions(what) > 1) continue;
     const int time = graph.add_concept("time");
     graph.add(time, what, "mod");
-    graph.arc(led).to = time;
+    graph.lead_to(led, time);
   }
 }
 
@@ -323,7 +323,7 @@ void unit_apply(Rewriter& graph, int at) {
   if (const int unit = is_quantity ? graph.child(at, "unit") : -1; unit >= 0) {
     // One unit of two quantities is two words: "between two and three years".
     if (graph.mentions(graph.arc(unit).to) > 1)
-      graph.arc(unit).to = graph.add_concept(std::string(graph.word(graph.arc(unit).to).name));
+      graph.lead_to(unit, graph.add_concept(std::string(graph.word(graph.arc(unit).to).name)));
     attribute_add(graph.word(graph.arc(unit).to), "@measure");
     if (has_attribute(graph.word(at), "@pl")) attribute_add(graph.word(graph.arc(unit).to), "@pl");
     graph.stand_in(at, unit, Fate::word);
@@ -398,7 +398,8 @@ void score_apply(Rewriter& graph, int at) {
 void determiners_apply(Rewriter& graph) {
   constexpr std::array kDetermining{"any", "some", "every", "no", "this", "that", "all", "these"};
   constexpr std::array kSeveral{"all", "both", "most", "these", "those"};
-  for (Arc& one : graph.meaning().arcs) {
+  for (int led = 0; led < static_cast<int>(graph.meaning().arcs.size()); ++led) {
+    Arc& one = graph.arc(led);
     if (one.gone || one.inverse || one.role != "mod") continue;
     // "Any other garden", "all these".
     const std::string name = graph.word(one.to).name;
@@ -407,12 +408,13 @@ void determiners_apply(Rewriter& graph) {
     const bool is_moved = (is_determiner && (graph.is(one.from, "other") || graph.is(one.from, "same"))) ||
                           (is_pointing && graph.is(one.to, "all"));
     const int above = is_moved ? graph.parent(one.from) : -1;
-    if (above >= 0 && graph.arc(above).role == "mod" && !graph.arc(above).inverse) one.from = graph.arc(above).from;
+    if (above >= 0 && graph.arc(above).role == "mod" && !graph.arc(above).inverse)
+      graph.lead_from(led, graph.arc(above).from);
     // "Many other towns".
     constexpr std::array kCounting{"many", "several", "few"};
     const int counted = graph.is(one.from, "other") && is_listed(name, kCounting) ? graph.parent(one.from) : -1;
     if (counted >= 0 && graph.arc(counted).role == "mod" && !graph.arc(counted).inverse) {
-      one.from = graph.arc(counted).from;
+      graph.lead_from(led, graph.arc(counted).from);
       one.role = "quant";
     }
     if (graph.word(one.to).variable.empty() && is_number(name)) one.role = "number";
