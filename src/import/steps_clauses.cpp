@@ -760,7 +760,13 @@ void tense_from_time(Rewriter& graph, int at) {
     // "One never knows" is true at all times.
     const int who = subject_arc(graph, at);
     const bool is_general = who >= 0 && graph.is(graph.arc(who).to, "one");
-    const bool is_perfect = is_one_of(graph, time, kPerfect) && graph.word(time).sense.empty() && !is_general;
+    // "I already know that": what lasts is told of now.
+    constexpr std::array kLasting{"know",  "have", "want", "need", "believe",
+                                  "think", "like", "love", "own",  "understand"};
+    const bool is_lasting = graph.is(time, "already") && is_one_of(graph, at, kLasting);
+    if (is_lasting && !has_attribute(graph.word(at), "@past")) attribute_add(graph.word(at), "@pres");
+    const bool is_perfect =
+        is_one_of(graph, time, kPerfect) && graph.word(time).sense.empty() && !is_general && !is_lasting;
     if (is_perfect) attribute_add(graph.word(at), "@perf");
     const bool is_relation = graph.is(time, "before") || graph.is(time, "after");
     const int point = is_relation ? graph.child(time, "op1") : -1;
@@ -811,7 +817,8 @@ bool is_told_of_another(Rewriter& graph, int at) {
 void tense_of_coming(Rewriter& graph, int at) {
   const Concept& clause = graph.word(at);
   const bool is_ahead =
-      has_attribute(clause, "@imp") || has_attribute(clause, "@should") || has_attribute(clause, "@fut") ||
+      graph.child(at, "condition") >= 0 || has_attribute(clause, "@imp") || has_attribute(clause, "@should") ||
+      has_attribute(clause, "@fut") ||
       ((has_attribute(clause, "@can") || has_attribute(clause, "@must")) && has_attribute(clause, "@pres"));
   if (!is_ahead || has_attribute(clause, "@past")) return;
   constexpr std::array kRelations{"before",   "after",      "until",      "till", "while",
@@ -911,6 +918,9 @@ std::string mark_of_content(Rewriter& graph, int at) {
   const Concept& word = graph.word(at);
   const bool is_now = has_attribute(word, "@pres") || has_attribute(word, "@fut");
   if (is_one_of(graph, at, kHoping)) return has_attribute(word, "@past") ? "@would" : "@fut";
+  // "They decided that she was right".
+  const int decided = graph.is(at, "decide", "01") ? graph.child(at, "ARG1") : -1;
+  if (decided >= 0 && graph.child(graph.arc(decided).to, "ARG0") < 0) return "";
   if (is_one_of(graph, at, kPromising)) return is_now ? "@fut" : "@would";
   if (is_one_of(graph, at, kDemanding)) return "@should";
   return is_one_of(graph, at, kWondering) ? "@whether" : "";

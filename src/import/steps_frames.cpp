@@ -285,6 +285,7 @@ void reason_apply(Rewriter& graph, int at) {
   graph.remove(led, Fate::word);
   graph.redirect(thing, told);
   graph.add(told, graph.add_concept("amr-unknown"), "cause");
+  attribute_add(graph.word(told), "@asked");
 }
 
 // (k / know-01 :ARG1 (t / thing :cause-of (l / leave-11 :ARG0 s))): the same without a frame.
@@ -304,6 +305,7 @@ void reason_role_apply(Rewriter& graph, int at) {
   graph.remove(led, Fate::word);
   graph.redirect(at, told);
   graph.add(told, graph.add_concept("amr-unknown"), "cause");
+  attribute_add(graph.word(told), "@asked");
 }
 
 // (r / regardless-91 :ARG1 c :ARG2 x): whatever x is; "no matter how", if x asks.

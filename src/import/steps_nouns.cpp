@@ -11,17 +11,19 @@ namespace {
 
 // Verbs whose object is an event as a thing: nobody rejects that something was proposed, but a proposal.
 constexpr std::array kOfEvents{
-    "reject",     "support",  "describe",  "criticize", "discuss",  "condemn",     "praise",    "welcome",
-    "oppose",     "approve",  "examine",   "endorse",   "witness",  "accelerate",  "hinder",    "facilitate",
-    "cause",      "trigger",  "spark",     "provoke",   "increase", "decrease",    "reduce",    "improve",
-    "strengthen", "weaken",   "limit",     "restrict",  "control",  "regulate",    "measure",   "evaluate",
-    "assess",     "review",   "analyze",   "follow",    "survive",  "celebrate",   "mourn",     "fund",
-    "finance",    "organize", "oversee",   "supervise", "monitor",  "win",         "attract",   "accept",
-    "earn",       "gain",     "interrupt", "break",     "promote",  "foster",      "encourage", "inspire",
-    "ban",        "await",    "demand",    "seek",      "attack",   "defend",      "justify",   "repeat",
-    "exploit",    "base",     "trust",     "carry-out", "call-off", "postpone",    "cancel",    "delay",
-    "reverse",    "halt",     "resume",    "revive",    "study",    "investigate", "ignore",    "neglect",
-    "honor",      "rely",     "depend"};
+    "reject",      "support",  "describe",  "criticize", "discuss",  "condemn",     "praise",    "welcome",
+    "oppose",      "approve",  "examine",   "endorse",   "witness",  "accelerate",  "hinder",    "facilitate",
+    "cause",       "trigger",  "spark",     "provoke",   "increase", "decrease",    "reduce",    "improve",
+    "strengthen",  "weaken",   "limit",     "restrict",  "control",  "regulate",    "measure",   "evaluate",
+    "assess",      "review",   "analyze",   "follow",    "survive",  "celebrate",   "mourn",     "fund",
+    "finance",     "organize", "oversee",   "supervise", "monitor",  "win",         "attract",   "accept",
+    "earn",        "gain",     "interrupt", "break",     "promote",  "foster",      "encourage", "inspire",
+    "ban",         "await",    "demand",    "seek",      "attack",   "defend",      "justify",   "repeat",
+    "exploit",     "base",     "trust",     "carry-out", "call-off", "postpone",    "cancel",    "delay",
+    "reverse",     "halt",     "resume",    "revive",    "study",    "investigate", "ignore",    "neglect",
+    "honor",       "rely",     "depend",    "fulfill",   "violate",  "breach",      "publish",   "issue",
+    "sign",        "submit",   "deliver",   "implement", "draft",    "ratify",      "negotiate", "renew",
+    "commemorate", "avenge",   "host",      "stage",     "wage",     "prolong",     "mount"};
 
 // Verbs that say little themselves: who is their subject does what the noun says, and is not said again.
 constexpr std::array kLight{"have",    "give",   "make",       "receive", "lack",    "provide", "do",
@@ -92,7 +94,10 @@ void object_apply(Rewriter& graph, int at) {
       std::erase(graph.word(event).attributes, "@neg") > 0)
     attribute_add(graph.word(at), "@neg");
   if (!is_one_clause(graph, event)) return;
-  if (!is_light && !is_one_of(graph, at, kOfEvents)) return;
+  // "They kept their promise".
+  constexpr std::array kKept{"promise", "vow", "pledge", "watch", "balance"};
+  const bool is_kept = (graph.is(at, "keep", "01") || graph.is(at, "keep", "02")) && is_one_of(graph, event, kKept);
+  if (!is_light && !is_kept && !is_one_of(graph, at, kOfEvents)) return;
   // Who lets somebody do something: "it made him laugh".
   if (graph.is(at, "make", "02") || graph.is(at, "have", "04") || graph.is(at, "get", "04")) return;
   event_to_noun(graph, event);
@@ -235,6 +240,33 @@ void felt_apply(Rewriter& graph, int at) {
   if (is_told && graph.children(at).empty() && is_one_of(graph, at, kFeelings)) attribute_add(graph.word(at), "@felt");
 }
 
+// "She expressed her concern about the violence": the noun of what moves somebody has whom it moves as its owner, and
+// what moves him behind a preposition.
+void emotion_apply(Rewriter& graph, int at) {
+  constexpr std::pair<const char*, const char*> kEmotions[] = {
+      {"concern", "about"},   {"worry", "about"}, {"interest", "in"},     {"surprise", "at"},  {"shock", "at"},
+      {"anger", "at"},        {"delight", "at"},  {"disappoint", "with"}, {"satisfy", "with"}, {"frustrate", "with"},
+      {"fascinate", "with"},  {"outrage", "at"},  {"amaze", "at"},        {"excite", "about"}, {"confuse", "about"},
+      {"dissatisfy", "with"}, {"dismay", "at"},   {"disgust", "at"}};
+  const int above = graph.parent(at);
+  const int said = above < 0 || graph.arc(above).inverse ? -1 : graph.arc(above).from;
+  constexpr std::array kShown{"express", "voice", "show", "share", "hide", "feel", "cause", "arouse", "spark", "have"};
+  const bool is_shown = said >= 0 && graph.arc(above).role == "ARG1" && is_one_of(graph, said, kShown);
+  if (!is_shown || !is_one_clause(graph, at)) return;
+  for (const auto& [name, word] : kEmotions) {
+    if (!graph.is(at, name, "01")) continue;
+    event_to_noun(graph, at);
+    const int who = graph.child(at, "ARG1");
+    if (who >= 0) graph.replace(who, at, graph.arc(who).to, "poss");
+    const int what = graph.child(at, "ARG0");
+    if (what < 0) return;
+    const int preposition = graph.add_concept(word);
+    graph.add(preposition, graph.arc(what).to, "op1");
+    graph.replace(what, at, preposition, "prep");
+    return;
+  }
+}
+
 // Who is named by what is done to him: "their employees", "the victims of the storm".
 void patient_apply(Rewriter& graph, int at) {
   constexpr std::pair<const char*, const char*> kNamed[] = {
@@ -293,6 +325,7 @@ void step_nouns(Meaning& meaning) {
     bare_infinitive_apply(graph, at);
     feeling_apply(graph, at);
     felt_apply(graph, at);
+    emotion_apply(graph, at);
     possibility_apply(graph, at);
     patient_apply(graph, at);
     group_members_apply(graph, at);

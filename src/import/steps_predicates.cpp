@@ -628,10 +628,11 @@ void exist_apply(Rewriter& graph, int at) {
     if (const int place = graph.child(at, "ARG1"); place >= 0) graph.arc(place).role = "location";
     graph.arc(there).role = "ARG1";
   }
+  const bool is_being = graph.is(at, "exist", "91");
   // "There is no choice": what nobody has.
   bool is_had = graph.is(at, "have", "03") && graph.argument(at, "ARG0") < 0 && !has_attribute(graph.word(at), "@imp");
   for (const char* role : {"understood", "shared", "questioned", "ARG2"}) is_had &= graph.child(at, role) < 0;
-  const int led = graph.is(at, "exist", "01") || there >= 0 || is_had ? graph.child(at, "ARG1") : -1;
+  const int led = graph.is(at, "exist", "01") || is_being || is_had ? graph.child(at, "ARG1") : -1;
   if (led < 0) return;
   const int thing = graph.arc(led).to;
   const Concept& word = graph.word(thing);
@@ -639,7 +640,7 @@ void exist_apply(Rewriter& graph, int at) {
   if (is_pronoun(graph, thing) || is_joining(graph, thing) || graph.child(thing, "poss") >= 0) return;
   constexpr std::array kKnown{"this", "that", "these", "those", "same", "all", "every", "each", "both"};
   // What is denied, counted or somewhere is new; of a thing alone nobody knows.
-  bool is_new = has_attribute(graph.word(at), "@neg") || has_attribute(word, "@neg") ||
+  bool is_new = is_being || has_attribute(graph.word(at), "@neg") || has_attribute(word, "@neg") ||
                 graph.child(thing, "quant") >= 0 || graph.child(at, "location") >= 0;
   for (const int below : graph.children(thing)) {
     const int quality = graph.arc(below).to;

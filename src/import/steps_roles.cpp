@@ -129,7 +129,16 @@ void step_conjunctions(Meaning& meaning) {
       // "It held as the smith had promised", but "like the fall of a tree", of which nothing more is told.
       const bool is_told = graph.child(one.to, "ARG0") >= 0 && graph.child(one.to, "ARG1") >= 0;
       if (one.role == "likeness" && !is_told && !has_attribute(graph.word(one.to), "@neg")) break;
-      const bool is_ahead = !one.inverse && (one.role == "condition" || one.role == "time");
+      // "She came to help because she was free": an infinitive stands nearer than a clause.
+      const Concept& word = graph.word(one.to);
+      const bool is_infinitive = one.role == "purpose" && !one.inverse && graph.child(one.to, "understood") >= 0 &&
+                                 !has_attribute(word, "@ctl1") && !has_attribute(word, "@aux") &&
+                                 is_event(graph, one.to);
+      if (is_infinitive) break;
+      const bool is_timed =
+          one.role == "time" && (graph.child(one.from, "condition") < 0 || graph.child(one.from, "conjunct") >= 0);
+      const bool is_ahead =
+          !one.inverse && (one.role == "condition" || is_timed) && !has_attribute(graph.word(one.from), "@query");
       if (is_ahead) attribute_add(graph.word(one.to), "@ahead");
       // "How he sings", and not the thing how he sings.
       if (one.role == "manner" && !is_way) attribute_add(graph.word(one.from), "@how");

@@ -126,7 +126,9 @@ void quote(Rewriter& graph, int at) {
   const bool is_order = has_attribute(graph.word(said), "@imp") && !speaks_itself(who);
   const bool is_reported = has_attribute(graph.word(said), "@whether") || has_attribute(graph.word(said), "@asked");
   if (is_reported || (is_asked_to && !is_order)) return;
-  const bool is_other = !speaks_itself(who) && !speaks_itself(whom);
+  // "My teacher suggested that I read": whose teacher he is, is I in what he says.
+  const int owner = graph.child(graph.arc(who).to, "poss");
+  const bool is_other = !speaks_itself(who) && !speaks_itself(whom) && !speaks_itself(owner);
   const bool is_direct = (is_other || is_order) && (has_speaker(graph, said) || is_said_so(graph, at, said));
   // What the sentence is about, or is joined to that, is told; what stands below is spoken of.
   const int above = graph.parent(at);

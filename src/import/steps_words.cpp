@@ -308,6 +308,23 @@ void pointing_time_apply(Rewriter& graph) {
   }
 }
 
+// "In the north", "during the day": where and when something is, by words that are adverbs elsewhere.
+void pointed_apply(Rewriter& graph) {
+  constexpr std::array kSides{"north", "south", "east", "west", "northeast", "northwest", "southeast", "southwest"};
+  for (std::size_t i = 0, end = graph.meaning().arcs.size(); i < end; ++i) {
+    const int led = static_cast<int>(i);
+    const Arc one = graph.arc(led);
+    if (one.gone || one.inverse || !graph.children(one.to).empty() || graph.mentions(one.to) > 1) continue;
+    const bool is_side = one.role == "location" && is_one_of(graph, one.to, kSides);
+    const bool is_day = one.role == "time" && graph.is(one.to, "day");
+    if (!is_side && !is_day) continue;
+    attribute_add(graph.word(one.to), "@def");
+    const int preposition = graph.add_concept(is_side ? "in" : "during");
+    graph.replace(led, one.from, preposition, one.role);
+    graph.add(preposition, one.to, "op1");
+  }
+}
+
 // Whoever is of a country are its people: "French people".
 void people_apply(Rewriter& graph, int at) {
   const int led = graph.is(at, "person") && graph.children(at).size() == 1 ? graph.child(at, "mod") : -1;
@@ -411,6 +428,14 @@ void determiners_apply(Rewriter& graph) {
     if (above >= 0 && graph.arc(above).role == "mod" && !graph.arc(above).inverse)
       graph.lead_from(led, graph.arc(above).from);
     // "Many other towns".
+    // "Yet another town".
+    if (graph.is(one.from, "another") && name == "yet") {
+      graph.word(one.from).name = "yet-another";
+      graph.settle_concept(one.to, Fate::word);
+      settle(graph.meaning(), one.triple, Fate::word, "quantities");
+      one.gone = true;
+      continue;
+    }
     constexpr std::array kCounting{"many", "several", "few"};
     const int counted = graph.is(one.from, "other") && is_listed(name, kCounting) ? graph.parent(one.from) : -1;
     if (counted >= 0 && graph.arc(counted).role == "mod" && !graph.arc(counted).inverse) {
@@ -445,7 +470,10 @@ void counted_apply(Rewriter& graph) {
                                  "animal",   "bird",    "dog",    "country", "city",  "company", "letter",
                                  "question", "problem", "place",  "thing",   "word",  "idea"};
     const bool is_some = number.name == "some" && is_one_of(graph, one.from, kPeople);
-    const bool is_many = is_lot || is_some || is_listed(number.name, kMany);
+    // "More books".
+    const bool is_more = number.name == "more" && inner < 0 && graph.word(one.from).sense.empty() &&
+                         !is_uncounted(graph.word(one.from).name) && !has_attribute(graph.word(one.from), "@measure");
+    const bool is_many = is_lot || is_more || is_some || is_listed(number.name, kMany);
     if (is_plain || is_many) attribute_add(graph.word(one.from), number.name == "1" ? "@sg" : "@pl");
   }
 }
@@ -457,6 +485,7 @@ void counted_apply(Rewriter& graph) {
 void step_quantities(Meaning& meaning) {
   Rewriter graph(meaning, "quantities");
   pointing_time_apply(graph);
+  pointed_apply(graph);
   for (int at = 0, end = graph.count(); at < end; ++at) {
     unit_apply(graph, at);
     entity_value_apply(graph, at);
