@@ -863,7 +863,7 @@ void tense_beside(Rewriter& graph, int at) {
                                                 [&](const char* mark) { return has_attribute(graph.word(one), mark); });
   };
   const auto is_lasting = [&](int one) { return is_one_of(graph, one, kLasting) && graph.child(one, "ARG0") >= 0; };
-  if (!is_open(at)) return;
+  if (!is_open(at) || graph.child(at, "condition") >= 0) return;
   for (const char* role : {"time", "conjunct"}) {
     int led = graph.child(at, role);
     constexpr std::array kRelations{"before", "after", "until", "while", "since", "as-soon-as"};

@@ -161,7 +161,7 @@ const StepRow kSteps[] = {
     {"ordinal_range", "quantities", "(d / day :ord (o / ordinal-entity :value 2 :range (y / year)))", "ord(day.@entry, 2(>ord).@ord); loc(day, year)"},
     {"great_number", "quantities", "(d / dollar :quant 1200000000)", "qty(dollar.@entry.@pl, 1.2 billion)"},
     {"reason_told", "reified", "(k / know-01 :ARG1 (t / thing :ARG0-of (c / cause-01 :ARG1 (s / sing-01 :ARG0 (b / bird)))))",
-     "a1(know(>01).@entry.@v, sing(>01).@v); a0(sing(>01), bird); cau(sing(>01), amr-unknown)"},
+     "a1(know(>01).@entry.@v, sing(>01).@v.@asked); a0(sing(>01), bird); cau(sing(>01), amr-unknown)"},
     {"light_phrase", "reified", "(h / have-fun-00 :ARG0 (b / boy) :ARG1 (g / girl))",
      "a0(have(>03).@entry.@v, boy); prp(have(>03), with); a1(have(>03), fun.@indef.MASS); o1(with, girl)"},
     {"light_phrase_of_thing", "reified", "(m / make-sense-02 :ARG1 (p / plan))", "a0(make(>01).@entry.@v, plan); a1(make(>01), sense.@indef.MASS)"},
