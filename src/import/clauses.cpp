@@ -61,6 +61,10 @@ bool gives(Rewriter& graph, int at) {
 
 std::vector<int> first_arcs(Rewriter& graph) {
   const auto has_clause = [&](int led) { return is_clause(graph, graph.arc(led).to); };
+  std::vector<int> below;  // of the concept where the walk is
+  const auto put_first = [&](const auto& is_early) {
+    if (below.size() > 1) std::stable_partition(below.begin(), below.end(), is_early);
+  };
   std::vector<int> first(static_cast<std::size_t>(graph.count()), -1);
   std::vector<bool> seen(first.size());
   std::vector<std::pair<int, int>> open{{-1, graph.meaning().root}};
@@ -70,9 +74,9 @@ std::vector<int> first_arcs(Rewriter& graph) {
     if (at < 0 || seen[static_cast<std::size_t>(at)]) continue;
     seen[static_cast<std::size_t>(at)] = true;
     first[static_cast<std::size_t>(at)] = led;
-    std::vector<int> below = graph.children(at);
+    below = graph.children(at);
     // A receiver is said before what it is told to do: "she asked the driver to stop".
-    std::stable_partition(below.begin(), below.end(), [&](int one) {
+    put_first([&](int one) {
       const Arc& led_down = graph.arc(one);
       const bool is_argument = led_down.role.starts_with("ARG") || led_down.role == "speaker";
       if (led_down.inverse || !is_argument) return false;
@@ -83,7 +87,7 @@ std::vector<int> first_arcs(Rewriter& graph) {
     });
     // "She gave the boy something to eat": who receives it is said before it.
     if (gives(graph, at)) {
-      std::stable_partition(below.begin(), below.end(), [&](int one) {
+      put_first([&](int one) {
         return graph.arc(one).role == "ARG2" && !graph.arc(one).inverse && !has_clause(one) &&
                !is_long_receiver(graph, graph.arc(one).to);
       });
@@ -92,12 +96,11 @@ std::vector<int> first_arcs(Rewriter& graph) {
     const bool is_bidden = has_attribute(graph.word(at), "@bid");
     const char* subject = is_bidden ? "understood" : has_attribute(graph.word(at), "@psv") ? "ARG1" : "ARG0";
     const bool has_agent = graph.child(at, subject) >= 0;
-    std::stable_partition(below.begin(), below.end(), [&](int one) {
-      return graph.arc(one).role == (has_agent ? subject : "domain") && !graph.arc(one).inverse;
-    });
+    put_first(
+        [&](int one) { return graph.arc(one).role == (has_agent ? subject : "domain") && !graph.arc(one).inverse; });
     // An infinitive, which has no subject of its own, has nothing in front of it.
     const bool is_infinitive = graph.child(at, "understood") >= 0 || (led >= 0 && graph.arc(led).role == "domain");
-    std::stable_partition(below.begin(), below.end(), [&](int one) {
+    put_first([&](int one) {
       const Arc& led_down = graph.arc(one);
       if (is_infinitive) return false;
       const bool goes_in_front = led_down.role == "condition" || led_down.role == "time";
@@ -155,8 +158,8 @@ bool is_core(const Arc& one) {
 const Conjunction* conjunction_of(Rewriter& graph, int at) {
   for (const Conjunction& one : kConjunctions) {
     // contrast-01 is a frame, the others are none: and-01 would be another word.
-    const bool is_frame = std::string_view(one.name) == "contrast";
-    if (graph.word(at).name == one.name && graph.word(at).sense.empty() != is_frame) return &one;
+    const bool is_frame = one.name == "contrast";
+    if (is_same(graph.word(at).name, one.name) && graph.word(at).sense.empty() != is_frame) return &one;
   }
   return nullptr;
 }

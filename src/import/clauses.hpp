@@ -35,7 +35,7 @@ bool is_core(const Arc& one);
 
 // A concept that joins its operands, and the attribute of all operands but the first.
 struct Conjunction {
-  const char* name;
+  std::string_view name;
   const char* attribute;
 };
 

@@ -4,7 +4,9 @@ namespace lexon {
 
 // Two steps may find the same, and a word shows each attribute once.
 void attribute_add(Concept& word, std::string_view attribute) {
-  if (!has_attribute(word, attribute)) word.attributes.emplace_back(attribute);
+  if (has_attribute(word, attribute)) return;
+  if (word.attributes.empty()) word.attributes.reserve(4);
+  word.attributes.emplace_back(attribute);
 }
 
 // The first step that takes a triple says what became of it: what happens to the arc later happens to another arc that

@@ -161,6 +161,10 @@ class GraphParser {
       : tokens_(lines), meaning_(meaning), errors_(errors) {}
 
   void parse() {
+    // As many as most sentences have, so that few are moved in memory.
+    meaning_.triples.reserve(32);
+    meaning_.concepts.reserve(24);
+    meaning_.arcs.reserve(24);
     meaning_.place = tokens_.head().place;
     if (tokens_.head().kind != Token::Kind::open) return error(tokens_.head().place, "a graph begins with \"(\"");
     tokens_.take();

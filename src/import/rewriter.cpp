@@ -36,6 +36,7 @@ void chain_remove(ArcChains& chains, int at, int arc_at) {
 }
 
 void chains_grow(ArcChains& chains, const Meaning& meaning) {
+  if (chains.first.size() == meaning.concepts.size() && chains.next.size() == meaning.arcs.size()) return;
   chains.first.resize(meaning.concepts.size(), -1);
   chains.last.resize(meaning.concepts.size(), -1);
   chains.next.resize(meaning.arcs.size(), -1);

@@ -21,10 +21,10 @@ namespace {
 // knife) :ARG2 (c / cut-01)) is the knife with :purpose cut, and can be denied or asked for as a knot of its own. ARG1
 // is nearly always what the role belongs to.
 struct Reified {
-  const char* name;
-  const char* sense;
-  const char* head;
-  const char* dependent;
+  std::string_view name;
+  std::string_view sense;
+  std::string_view head;
+  std::string_view dependent;
   const char* role;
 };
 
@@ -92,6 +92,7 @@ bool is_statement(const Reified& one) {
 
 // Null for a frame that stands for no role.
 const Reified* reified_of(Rewriter& graph, int at) {
+  if (graph.word(at).sense.empty()) return nullptr;
   for (const Reified& one : kReified) {
     if (graph.is(at, one.name, one.sense)) return &one;
   }

@@ -32,13 +32,13 @@ void participants_apply(Rewriter& graph, int at) {
 void step_synonyms(Meaning& meaning) {
   Rewriter graph(meaning, "synonyms");
   for (int at = 0; at < graph.count(); ++at) participants_apply(graph, at);
-  constexpr std::pair<const char*, const char*> kSynonyms[] = {
+  constexpr std::pair<std::string_view, std::string_view> kSynonyms[] = {
       {"temporal", "time"}, {"place", "location"},      {"possessor", "poss"},
       {"reason", "cause"},  {"material", "consist-of"}, {"companion", "accompanier"},
   };
   for (Arc& one : meaning.arcs) {
     for (const auto& [name, kept] : kSynonyms) {
-      if (one.role == name) {
+      if (is_same(one.role, name)) {
         one.role = kept;
         break;
       }
@@ -82,7 +82,7 @@ void relative_apply(Rewriter& graph, int led) {
 // @ahead; what has a condition is still to come, @conditional.
 void step_conjunctions(Meaning& meaning) {
   struct Circumstance {
-    const char* role;
+    std::string_view role;
     bool inverse;
     const char* conjunction;
     const char* becomes;
@@ -117,7 +117,7 @@ void step_conjunctions(Meaning& meaning) {
     }
     if (!has_attribute(graph.word(one.to), "@cl")) continue;
     for (const Circumstance& circumstance : kCircumstances) {
-      if (one.role != circumstance.role || one.inverse != circumstance.inverse) continue;
+      if (one.inverse != circumstance.inverse || !is_same(one.role, circumstance.role)) continue;
       // "The reason why she left".
       const bool is_why = std::string_view(circumstance.conjunction) == "@s_why";
       if (one.inverse && one.role == "cause" && is_why != graph.is(one.from, "reason")) continue;
@@ -159,7 +159,7 @@ void step_conjunctions(Meaning& meaning) {
 // for them: :circumstance, where the word says which, @p_with.
 void step_merging(Meaning& meaning) {
   struct Merged {
-    const char* role;
+    std::string_view role;
     bool inverse;
     const char* becomes;
     const char* preposition;  // null for a role whose preposition stays
@@ -187,7 +187,7 @@ void step_merging(Meaning& meaning) {
   for (Arc& one : meaning.arcs) {
     if (one.gone) continue;
     for (const Merged& merged : kMerged) {
-      if (one.role != merged.role || one.inverse != merged.inverse) continue;
+      if (one.inverse != merged.inverse || !is_same(one.role, merged.role)) continue;
       // "The oldest of them": of a pronoun nothing is said, so that role keeps its name.
       if (one.role == "superlative-of" && has_attribute(graph.word(one.to), "@ref")) break;
       one.role = merged.becomes;
