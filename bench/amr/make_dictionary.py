@@ -113,6 +113,8 @@ PHRASES = {"make difference": "make a difference", "give hand": "give a hand", "
            "point finger": "point the finger", "take effect": "take effect", "have point": "have a point", "shed blood": "shed blood",
            "have eye on": "have an eye", "give pass": "give a pass", "break heart": "break the heart", "touch base": "touch base"}
 # Words that name no deed, though the frame files or WordNet have them for the verb: "the make of a coat", "the leave".
+# Verbs that nobody uses: who is proud does not pride.
+NO_VERBS = {"pride(>01)": "of", "hunger(>01)": "for", "thirst(>01)": "for"}
 NO_NOUNS = set("make leave build kill hold raise face head fire hand mind matter subject term feature average stem float center "
                "figure contain allow cause proceed commit watch drink sink file store stain show run feed set put take let "
                "carry bring keep stand sit lie wear beat lift drag pull push toss fill sweep draw back clear "
@@ -615,7 +617,9 @@ def frames(path, writer, sources):
             seen |= {a for a in more if a in ("INF1", "GER1", "THAT1")}
             built = told_of_verb(concept, lemma, built, seen, is_ergative, shapes, constructions)
         pattern = "".join("," + a for a in built)
-        if verb:
+        if verb and concept in NO_VERBS:
+            pattern = ",p1" + NO_VERBS[concept]
+        elif verb:
             writer.verb(verb, concept, pattern + ",SMALLC" * (verb in ("make", "render", "keep") and "SMALLC" not in built)
                         + ",COPL" * (verb in COPULAR and "COPL" not in built))
             # "The unknown island": what has not been done to it.
@@ -650,7 +654,7 @@ def frames(path, writer, sources):
             # Of a frame that is a noun: surgery, surgical.
             of_noun = ",OFN" * (not verb and lemma in of["N"] and lemma != adjective)
             # "The education office": what a thing is about is named by the noun of the deed, if it has one.
-            writer.adjective(adjective, concept, ",OFV" * bool(nouns) if verb else pattern + of_noun)
+            writer.adjective(adjective, concept, ",OFV" * bool(nouns) if verb and concept not in NO_VERBS else pattern + of_noun)
         for agent in agent_of(sources, verb)[:1] if verb else ():
             writer.noun(agent, concept, ",AGT")
 

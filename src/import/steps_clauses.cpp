@@ -572,7 +572,10 @@ void noun_content(Rewriter& graph, int at) {
   // "The idea of its size": these have a noun as often as a clause.
   constexpr std::array kOfNouns{"idea",     "message", "theory", "notion", "thought", "question", "opinion",
                                 "argument", "view",    "fear",   "word",   "feeling", "story"};
-  const bool is_clear = graph.child(told, "ARG0") >= 0 || has_attribute(graph.word(told), "@whether") ||
+  const std::vector<int> below = graph.children(told);
+  const bool is_open =
+      std::any_of(below.begin(), below.end(), [&](int one) { return is_unknown(graph, graph.arc(one).to); });
+  const bool is_clear = is_open || graph.child(told, "ARG0") >= 0 || has_attribute(graph.word(told), "@whether") ||
                         has_attribute(graph.word(told), "@int") || !is_one_of(graph, at, kOfNouns);
   const bool is_event_of = is_event(graph, told) && graph.mentions(told) == 1 && subject_arc(graph, told) >= 0;
   const bool is_told = (is_event_of && is_clear) || graph.child(told, "domain") >= 0;
@@ -1072,7 +1075,10 @@ void step_voice(Meaning& meaning) {
     const int whom = graph.arc(patient).to;
     const bool is_deed = !graph.word(what).sense.empty() && !has_attribute(graph.word(what), "@agent") &&
                          !has_attribute(graph.word(what), "@nom") && !graph.children(what).empty();
-    if (is_deed && is_one_of(graph, whom, kSomebody)) attribute_add(graph.word(at), "@psv");
+    // "The fact that he can swim helped her".
+    const bool is_fact = std::any_of(std::begin(kModals), std::end(kModals),
+                                     [&](const Modal& one) { return has_attribute(graph.word(what), one.attribute); });
+    if (is_deed && !is_fact && is_one_of(graph, whom, kSomebody)) attribute_add(graph.word(at), "@psv");
     if (is_one_of(graph, at, kMoving)) attribute_add(graph.word(at), "@moved");
   }
 }

@@ -129,6 +129,9 @@ void late_circumstances(Rewriter& graph, int at, int head, int last) {
     const bool is_time = one.role == "time" || one.role == "temporal";
     const bool goes_in_front = (is_time && is_clause(graph, one.to)) || has_attribute(graph.word(head), "@front");
     if (one.inverse || !is_listed(one.role, kLate) || goes_in_front || graph.children(one.to).empty()) continue;
+    // "On the third day the wind changed, and we sailed": behind the last it would be said of that alone.
+    const bool is_of_all = is_time || one.role == "location" || one.role == "place";
+    if (is_of_all && graph.child(last, "shared") < 0) continue;
     if (!is_unknown(graph, one.to)) graph.lead_from(led, last);
   }
 }
@@ -222,6 +225,16 @@ int parts_tied(Rewriter& graph, int at, const std::vector<int>& parts, const Con
   return last;
 }
 
+// "Neither he nor his wife believed it": who is joined by "or" and did not do it.
+bool is_neither(Rewriter& graph, int at, const std::vector<int>& parts) {
+  const int led = graph.is(at, "or") && parts.size() > 1 ? graph.parent(at) : -1;
+  const int clause = led < 0 ? -1 : graph.arc(led).from;
+  if (clause < 0 || graph.arc(led).inverse || subject_arc(graph, clause) != led || graph.mentions(at) > 1) return false;
+  const bool is_of_nouns =
+      std::none_of(parts.begin(), parts.end(), [&](int one) { return is_clause(graph, graph.arc(one).to); });
+  return is_of_nouns && std::erase(graph.word(clause).attributes, "@neg") > 0;
+}
+
 // The first operand takes the place of the conjunction, and each further one is tied to the one before it, so that rules
 // see them in their order.
 void coordinate(Rewriter& graph, int at, const Conjunction& conjunction) {
@@ -245,7 +258,9 @@ void coordinate(Rewriter& graph, int at, const Conjunction& conjunction) {
     attribute_add(graph.word(head), std::string("@lead_") + (conjunction.attribute + 1));
   }
   if (has_attribute(graph.word(at), "@pl")) plural_parts(graph, parts);
-  const int last = parts_tied(graph, at, parts, conjunction);
+  const bool is_nobody = is_neither(graph, at, parts);
+  if (is_nobody) attribute_add(graph.word(head), "@neither");
+  const int last = parts_tied(graph, at, parts, is_nobody ? Conjunction{"neither", "@nor"} : conjunction);
   graph.remove(parts[0], Fate::relation);
   // What is joined to all of them stands behind the last: "she came and sang, but he left".
   const int to_all = graph.child(at, "conjunct");

@@ -635,7 +635,12 @@ void called_beside(Rewriter& graph, int at) {
 // What nobody has is there: (h / have-03 :ARG1 (p / party)) as "there was a party". And what money is spent on stands behind
 // the money, whatever numbers they have.
 void object_order_apply(Rewriter& graph, int at) {
-  const bool is_of_nobody = graph.is(at, "have", "03") || graph.is(at, "have", "04");
+  // "It is better to have a garden and to water it": a deed among others.
+  const int joined = graph.parent(at);
+  const int above = joined >= 0 ? graph.arc(joined).from : -1;
+  const bool is_deed = above >= 0 && (graph.is(above, "have-degree", "91") || graph.arc(joined).role == "ARG4" ||
+                                      (is_one_of(graph, above, std::array{"and", "or"}) && graph.parent(above) >= 0));
+  const bool is_of_nobody = !is_deed && (graph.is(at, "have", "03") || graph.is(at, "have", "04"));
   if (is_of_nobody && graph.argument(at, "ARG0") < 0 && graph.child(at, "ARG1") >= 0 && graph.child(at, "ARG2") < 0) {
     graph.word(at).name = "exist";
     graph.word(at).sense = "01";
@@ -788,6 +793,43 @@ void same_deed_apply(Rewriter& graph, int part, int whole) {
   }
 }
 
+// (p / please-01 :ARG1 (w / we :mod (a / all))): it pleases all of us; as a subject it is "we all".
+void all_of_apply(Rewriter& graph, int at) {
+  const int led = is_one_of(graph, at, std::array{"we", "you", "they"}) ? graph.child(at, "mod") : -1;
+  const int above = led >= 0 && graph.is(graph.arc(led).to, "all") ? graph.parent(at) : -1;
+  if (above < 0 || graph.arc(above).inverse || graph.mentions(graph.arc(led).to) > 1) return;
+  const Arc& held = graph.arc(above);
+  const bool is_subject = held.role == "ARG0" || held.role == "domain" || held.role.starts_with("op") ||
+                          (held.role == "ARG1" && graph.child(held.from, "ARG0") < 0);
+  if (is_subject) return;
+  const int all = graph.arc(led).to;
+  graph.lead_to(above, all);
+  attribute_add(graph.word(all), "@pl");
+  graph.replace(led, all, at, "superset");
+}
+
+// (c / correlate-91 :ARG1 (m / more :ARG3-of (h / have-degree-91 :ARG1 x)) :ARG2 (m2 / more :ARG3-of (h2 ...))): the second
+// grows as the first does, "as he waited longer, he doubted more".
+void correlate_apply(Rewriter& graph, int at) {
+  const int first = graph.is(at, "correlate", "91") ? graph.child(at, "ARG1") : -1;
+  const int second = first < 0 ? -1 : graph.child(at, "ARG2");
+  if (second < 0) return;
+  for (const int led : {first, second}) {
+    const int degree = graph.arc(led).to;
+    const int frame = graph.child(degree, "ARG3", true);
+    if (frame < 0 || graph.mentions(degree) != 1) continue;
+    graph.lead_to(led, graph.arc(frame).to);
+    graph.replace(frame, graph.arc(frame).to, degree, "ARG3");
+  }
+  const int grows = graph.arc(second).to;
+  graph.settle_concept(at, Fate::relation);
+  graph.remove(second, Fate::relation);
+  graph.redirect(at, grows);
+  const int as = graph.add_concept("as");
+  graph.add(grows, as, "time");
+  graph.replace(first, as, graph.arc(first).to, "op1");
+}
+
 // Wholes are several: what something is among, and what others are taken from.
 void wholes_apply(Rewriter& graph) {
   // "It is among the new books": what something is among is several.
@@ -831,6 +873,10 @@ void sets_apply(Rewriter& graph) {
     if (is_time && is_one_of(graph, one.to, kOffice) && graph.word(one.from).sense.empty() &&
         !graph.word(one.from).variable.empty() && graph.child(one.from, "domain") < 0 && graph.children(one.to).empty())
       one.role = "mod";
+  }
+  for (int at = 0, end = graph.count(); at < end; ++at) {
+    all_of_apply(graph, at);
+    correlate_apply(graph, at);
   }
   // "Two of them".
   for (int at = 0, end = graph.count(); at < end; ++at) {

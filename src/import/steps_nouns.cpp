@@ -295,12 +295,18 @@ void group_members_apply(Rewriter& graph, int at) {
   constexpr std::array kGroups{"group", "pair",   "crowd", "herd",   "flock",      "bunch",   "set",   "series",
                                "row",   "couple", "list",  "gang",   "collection", "variety", "range", "number",
                                "swarm", "fleet",  "chain", "bundle", "class",      "circle",  "dozen", "stack"};
-  const int led = graph.word(at).sense.empty() && is_one_of(graph, at, kGroups) ? graph.child(at, "consist-of") : -1;
+  // "A glass of water".
+  constexpr std::array kVessels{"glass",  "cup",    "bottle", "sack",  "bag",   "basket", "bowl",    "plate", "pot",
+                                "jug",    "loaf",   "piece",  "heap",  "pile",  "drop",   "slice",   "bit",   "handful",
+                                "barrel", "bucket", "mug",    "spoon", "flask", "pinch",  "mouthful"};
+  const bool is_vessel = graph.word(at).sense.empty() && is_one_of(graph, at, kVessels);
+  const bool is_group = graph.word(at).sense.empty() && is_one_of(graph, at, kGroups);
+  const int led = is_vessel || is_group ? graph.child(at, "consist-of") : -1;
   if (led < 0) return;
   Concept& member = graph.word(graph.arc(led).to);
   const bool is_noun = (member.sense.empty() || has_attribute(member, "@agent")) && !member.variable.empty() &&
                        !has_attribute(member, "@name") && !is_personal_pronoun(graph, graph.arc(led).to);
-  if (is_noun) attribute_add(member, "@pl");
+  if (is_noun && is_group) attribute_add(member, "@pl");
   const bool is_known = has_attribute(graph.word(at), "@pl") || has_attribute(graph.word(at), "@def") ||
                         graph.child(at, "mod") >= 0 || graph.child(at, "poss") >= 0 || graph.child(at, "ord") >= 0;
   constexpr std::array kCounts{"number", "variety", "range", "series"};

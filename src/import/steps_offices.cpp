@@ -289,6 +289,16 @@ void step_office(Meaning& meaning) {
     const int counted = graph.child(graph.arc(had).to, "quant");
     if (counted >= 0 && graph.is(graph.arc(counted).to, "few")) graph.word(graph.arc(counted).to).name = "a-few";
   }
+  // "Each of his sons".
+  for (int at = 0, end = graph.count(); at < end; ++at) {
+    const int led = graph.child(at, "poss") >= 0 ? graph.child(at, "mod") : -1;
+    const int above = led >= 0 && graph.is(graph.arc(led).to, "each") ? graph.parent(at) : -1;
+    if (above < 0 || graph.arc(above).inverse || !graph.word(at).sense.empty()) continue;
+    const int each = graph.arc(led).to;
+    graph.lead_to(above, each);
+    graph.replace(led, each, at, "superset");
+    attribute_add(graph.word(at), "@pl");
+  }
   // "Kim, 81, sang".
   for (int at = 0; at < graph.count(); ++at) {
     const int led = has_attribute(graph.word(at), "@name") ? graph.child(at, "age") : -1;

@@ -158,6 +158,11 @@ void answer_apply(Rewriter& graph, int at) {
 // (l / live-01 :ARG0 he :location (h / here :polarity -)). Only what is a bare word: a denied clause, "because he does
 // not live here", keeps its own.
 void denial_apply(Rewriter& graph, Arc& one) {
+  // "They did not find it until the morning".
+  const bool is_limit = !one.gone && !one.inverse && (graph.is(one.to, "until") || graph.is(one.to, "before"));
+  if (is_limit && is_event(graph, one.from) && !has_attribute(graph.word(one.from), "@neg") &&
+      std::erase(graph.word(one.to).attributes, "@neg") > 0)
+    attribute_add(graph.word(one.from), "@neg");
   constexpr std::array kCircumstances{"location", "time", "manner", "frequency", "extent", "direction", "duration"};
   const bool is_circumstance = !one.gone && !one.inverse && is_listed(one.role, kCircumstances);
   if (!is_circumstance || !has_attribute(graph.word(one.to), "@neg") || !graph.word(one.to).sense.empty()) return;
@@ -232,8 +237,8 @@ void only_apply(Rewriter& graph, int led) {
 // "Next week", "last year", in clauses of time: no article.
 // (g / go-02 :time (w / week :mod (n / next))).
 void next_apply(Rewriter& graph, const Arc& one) {
-  constexpr std::array kTimes{"week",   "month",   "year",      "weekend",  "summer", "winter",   "spring", "autumn",
-                              "monday", "tuesday", "wednesday", "thursday", "friday", "saturday", "sunday"};
+  constexpr std::array kTimes{"week",  "month",  "year",    "weekend",   "summer",   "winter", "spring",   "autumn",
+                              "night", "monday", "tuesday", "wednesday", "thursday", "friday", "saturday", "sunday"};
   if (one.gone || one.inverse || (one.role != "time" && one.role != "temporal") || !is_one_of(graph, one.to, kTimes))
     return;
   const int mod = graph.child(one.to, "mod");
@@ -632,6 +637,9 @@ void exist_apply(Rewriter& graph, int at) {
   // "There is no choice": what nobody has.
   bool is_had = graph.is(at, "have", "03") && graph.argument(at, "ARG0") < 0 && !has_attribute(graph.word(at), "@imp");
   for (const char* role : {"understood", "shared", "questioned", "ARG2"}) is_had &= graph.child(at, role) < 0;
+  // "To have a garden and to water it": one of several things to do.
+  const int joined = is_had ? graph.parent(at) : -1;
+  is_had &= joined < 0 || !is_joining(graph, graph.arc(joined).from) || graph.parent(graph.arc(joined).from) < 0;
   const int led = graph.is(at, "exist", "01") || is_being || is_had ? graph.child(at, "ARG1") : -1;
   if (led < 0) return;
   const int thing = graph.arc(led).to;

@@ -291,9 +291,11 @@ void question(Rewriter& graph, int unknown) {
                          graph.word(asked_at).name != "it";
   // Who does something is mostly somebody; what moves or changes others may be anything.
   constexpr std::array kOfThings{
-      "cause",  "make",   "frighten", "scare", "surprise", "worry",  "happen", "mean",  "prevent", "hurt",     "help",
-      "please", "bother", "upset",    "annoy", "interest", "affect", "change", "bring", "trigger", "enable",   "move",
-      "matter", "fall",   "allow",    "lead",  "disturb",  "sadden", "excite", "break", "follow",  "have-part"};
+      "cause",  "make",    "frighten", "scare",   "surprise",  "worry",   "happen",   "mean",    "prevent",
+      "hurt",   "help",    "please",   "bother",  "upset",     "annoy",   "interest", "affect",  "change",
+      "bring",  "trigger", "enable",   "move",    "matter",    "fall",    "allow",    "lead",    "disturb",
+      "sadden", "excite",  "break",    "follow",  "have-part", "keep",    "drive",    "attract", "wake",
+      "kill",   "prove",   "stop",     "explain", "inspire",   "trouble", "puzzle",   "amuse"};
   const bool is_doer = is_subject && role == "ARG0" && phrase == unknown && is_event(graph, asked_at) &&
                        !is_one_of(graph, asked_at, kOfThings);
   attribute_add(graph.word(phrase), is_person || is_doer ? "@wh_who" : "@wh_" + role);

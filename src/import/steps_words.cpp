@@ -182,6 +182,17 @@ void step_dates(Meaning& meaning) {
     if (part == "month") graph.word(head).sense = graph.word(head).name, graph.word(head).name = "month";
     if (part == "decade") graph.word(head).name += 's';
     graph.stand_in(at, led, Fate::word);
+    // "This morning", "tonight": a part of today.
+    const int pointer = part == "dayperiod" ? graph.child(head, "mod") : -1;
+    if (pointer < 0 || !graph.is(graph.arc(pointer).to, "today") || graph.mentions(graph.arc(pointer).to) > 1) continue;
+    if (!graph.is(head, "night")) {
+      graph.word(graph.arc(pointer).to).name = "this";
+      continue;
+    }
+    graph.settle_concept(graph.arc(pointer).to, Fate::word);
+    graph.remove(pointer, Fate::word);
+    graph.word(head).name = "tonight";
+    graph.word(head).attributes.clear();
   }
 }
 
