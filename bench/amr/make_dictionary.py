@@ -481,11 +481,20 @@ class Writer:
             self.entry(forms[tag], concept, f"V,{tag}{before}{more}")
         self.entry(third, concept, f"V,THIRD{more}")
 
+    def is_counted(self, lemma, written):
+        """Of what is mostly not counted, that people use in the plural, too: problems, but no silences."""
+        counts = self.sources.text.counts
+        many = self.sources.plural(lemma.lower(), written.lower())
+        # "Lives" is mostly a verb.
+        if re.sub("(e?s|ies)$", "", many) + "e" in self.sources.verbs - {lemma.lower()}:
+            return False
+        return counts[many] > 2 and counts[many] > 0.3 * counts[lemma.lower()]
+
     def noun(self, lemma, concept, more=""):
         written, file, _ = self.sources.nouns.get(lemma.lower(), (lemma, 0, 0))
         if lemma != lemma.lower() or (more or concept == lemma) and lemma in self.sources.common:
             written = lemma
-        kinds = {18: ",HUM", 28: ",TIM", 15: ",PLC"}.get(file, "") + (",MASS" if file in MASS_FILES else "")
+        kinds = {18: ",HUM", 28: ",TIM", 15: ",PLC"}.get(file, "") + (",MASS" if file in MASS_FILES and not self.is_counted(lemma, written) else "")
         kinds += ",FEM" * (file == 18 and lemma.endswith(("ess", "woman")) and not lemma.endswith("witness"))
         kinds += ",ABT" * (lemma in ABOUT_NOUNS)
         kinds += self.sources.text.noun_marks(lemma, self.sources.plural(lemma, written))
@@ -548,7 +557,8 @@ def told_of_verb(concept, verb, built, seen, is_alone, shapes, senses):
     if told is None:
         own = [a for a in built if a not in clauses]
     else:
-        own = [a for a in built if a.startswith("LV")] + [a for a in told if not a.endswith("-")]
+        # A line that begins with "+" adds to what the examples show.
+        own = [a for a in built if a.startswith("LV") or "+" in told] + [a for a in told if not a.endswith("-") and a != "+"]
         own += ["SA1"] * is_alone
     if not clauses & set(own):
         own += shapes.get(verb, sorted(seen))

@@ -745,7 +745,8 @@ bool is_coming(Rewriter& graph, int at, int time) {
   if (!graph.is(time, "tomorrow") && !is_next) return false;
   const int above = graph.parent(at);
   if (above >= 0 && !is_core(graph.arc(above)) && graph.arc(above).role != "conjunct") return false;
-  constexpr std::array kSaid{"@past", "@pres", "@fut", "@imp", "@can", "@must", "@should", "@may", "@would", "@neg"};
+  constexpr std::array kSaid{"@past",   "@pres", "@fut",    "@imp",    "@can",   "@must",
+                             "@should", "@may",  "@maynot", "@likely", "@would", "@neg"};
   return has_attribute(graph.word(at), "@v") &&
          std::none_of(kSaid.begin(), kSaid.end(), [&](const char* one) { return has_attribute(graph.word(at), one); });
 }
@@ -1215,6 +1216,10 @@ void giving_apply(Rewriter& graph, int at) {
   const bool is_shared = has_attribute(graph.word(at), "@shr1");
   const int what = gives(graph, at) ? graph.child(at, is_shared ? "shared" : "ARG1") : -1;
   if (what < 0) return;
+  // "The prize was given to the writer".
+  const bool is_of_nobody = graph.argument(at, "ARG0") < 0 && graph.child(at, "understood") < 0 &&
+                            graph.child(at, "shared") < 0 && graph.child(at, "speaker") < 0;
+  if (is_of_nobody) attribute_add(graph.word(at), "@given");
   // "The boy that she gave it to", but "the boy that she told that it rained".
   if (graph.child(at, "ARG2") < 0) {
     if (!is_event(graph, graph.arc(what).to)) attribute_add(graph.word(at), "@gives");

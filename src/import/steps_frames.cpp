@@ -167,6 +167,11 @@ bool stated_apply(Rewriter& graph, int at, const Reified& one, int up, int down)
                              caused.attributes.size() == 1 && !caused.name.starts_with("have-");
   if (graph.is(at, "cause", "01") && (is_thing || is_bare_event)) return true;
   if (std::string_view(one.role) == "identity") {
+    // "Kim, the mayor, laughed": who does something is no statement.
+    const int above = graph.parent(at);
+    const bool is_participant = above >= 0 && !graph.arc(above).inverse && graph.arc(above).role == "ARG0" &&
+                                graph.word(head).sense.empty() && graph.word(dependent).sense.empty();
+    if (is_participant) return false;
     // "The trouble is that he lies" needs the verb.
     const bool is_told = !graph.word(dependent).sense.empty() && graph.word(head).sense.empty();
     if (is_told && (graph.child(dependent, "ARG0") >= 0 || graph.child(dependent, "ARG1") >= 0)) {
@@ -644,6 +649,17 @@ void object_order_apply(Rewriter& graph, int at) {
   if (is_of_nobody && graph.argument(at, "ARG0") < 0 && graph.child(at, "ARG1") >= 0 && graph.child(at, "ARG2") < 0) {
     graph.word(at).name = "exist";
     graph.word(at).sense = "01";
+  }
+  // "It is his to decide": what somebody may do belongs to him, at whichever end the bank has it.
+  const int owner = graph.is(at, "belong", "91") ? graph.child(at, "ARG2") : -1;
+  const int owned = owner < 0 ? -1 : graph.child(at, "ARG1");
+  if (owned >= 0 && is_event(graph, graph.arc(owner).to)) std::swap(graph.arc(owner).role, graph.arc(owned).role);
+  // "Sentenced to five years in prison".
+  const int term = graph.is(at, "sentence", "01") ? graph.child(at, "ARG4") : -1;
+  if (term >= 0) {
+    if (const int place = graph.child(at, "ARG2"); place >= 0)
+      graph.replace(place, graph.arc(term).to, graph.arc(place).to, "location");
+    graph.arc(term).role = "ARG2";
   }
   if (!graph.is(at, "spend", "01")) return;
   const int seller = graph.argument(at, "ARG2");

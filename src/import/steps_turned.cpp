@@ -95,7 +95,18 @@ void quality_stated(Rewriter& graph, int at) {
   const bool is_quality = graph.is(at, "have-mod", "91") || graph.is(at, "have-color", "91");
   const int what = is_quality ? graph.child(at, "ARG1") : -1;
   const int quality = is_quality ? graph.child(at, "ARG2") : -1;
-  if (what < 0 || quality < 0 || is_event(graph, graph.arc(quality).to)) return;
+  if (what < 0 || quality < 0) return;
+  // "The museum is closed": what was done to it is told by its own verb.
+  const int deed = graph.arc(quality).to;
+  if (is_event(graph, deed) && graph.child(deed, "ARG1") < 0 && graph.mentions(deed) == 1 &&
+      !has_attribute(graph.word(at), "@neg")) {
+    graph.settle_concept(at, Fate::relation);
+    graph.replace(what, deed, graph.arc(what).to, "ARG1");
+    graph.remove(quality, Fate::relation);
+    graph.redirect(at, deed);
+    return graph.move_children(at, deed);
+  }
+  if (is_event(graph, deed)) return;
   if (graph.mentions(graph.arc(quality).to) == 1) predicate_upright(graph, at, quality, what);
 }
 
@@ -167,18 +178,6 @@ void every_time_apply(Rewriter& graph, int led) {
   graph.replace(led, one.from, whenever, "time");
 }
 
-// "She spent the money on books": the money is the object, though the frame has what is bought for it.
-void spent_apply(Rewriter& graph, int at) {
-  const int bought = graph.is(at, "spend", "01") ? graph.child(at, "ARG1") : -1;
-  const int money = bought < 0 ? -1 : graph.child(at, "ARG3");
-  if (money < 0 || graph.argument(at, "ARG2") >= 0) return;
-  graph.word(at).sense = "02";
-  graph.arc(bought).role = "ARG2";
-  graph.arc(money).role = "ARG1";
-  const int what = graph.arc(bought).to;
-  if (is_event(graph, what) && graph.child(what, "ARG0") < 0) attribute_add(graph.word(what), "@nom");
-}
-
 }  // namespace
 
 // Behind the frames of roles, offices and degrees, whose arcs these look at.
@@ -191,7 +190,6 @@ void step_turned(Meaning& meaning) {
     quality_stated(graph, at);
     time_stated(graph, at);
     unnamed_subject(graph, at);
-    spent_apply(graph, at);
     consequence_behind(graph, at);
   }
   for (int led = 0, end = static_cast<int>(meaning.arcs.size()); led < end; ++led) {

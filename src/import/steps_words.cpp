@@ -120,7 +120,9 @@ void name_apply(Rewriter& graph, int at, int led) {
 void step_wiki(Meaning& meaning) {
   Rewriter graph(meaning, "wiki");
   for (Arc& one : meaning.arcs) {
-    if (one.role == "wiki" && !one.gone) one.gone = true, settle(meaning, one.triple, Fate::left_out, "wiki");
+    // From whose point of view a clause is certain is no part of it either.
+    const bool is_note = one.role == "wiki" || one.role == "modal-predicate";
+    if (is_note && !one.gone) one.gone = true, settle(meaning, one.triple, Fate::left_out, "wiki");
   }
 }
 
@@ -372,6 +374,17 @@ void entity_value_apply(Rewriter& graph, int at) {
                          graph.is(at, "url-entity") || graph.is(at, "string-entity") ||
                          graph.is(at, "email-address-entity") || graph.is(at, "phone-number-entity") ||
                          graph.is(at, "score-entity") || graph.is(at, "hyperlink", "91");
+  // "A score of 3-1".
+  const int first = graph.is(at, "score-entity") ? graph.child(at, "op1") : -1;
+  if (const int second = first < 0 ? -1 : graph.child(at, "op2"); second >= 0) {
+    graph.word(at).name = graph.word(graph.arc(first).to).name + "-" + graph.word(graph.arc(second).to).name;
+    attribute_add(graph.word(at), "@name");
+    for (const int led : {first, second}) {
+      graph.settle_concept(graph.arc(led).to, Fate::word);
+      graph.remove(led, Fate::word);
+    }
+    return;
+  }
   if (const int value = has_value ? graph.child(at, "value") : -1; value >= 0) {
     const int head = graph.arc(value).to;
     const bool is_ordinal = graph.is(at, "ordinal-entity");
