@@ -374,17 +374,6 @@ void entity_value_apply(Rewriter& graph, int at) {
                          graph.is(at, "url-entity") || graph.is(at, "string-entity") ||
                          graph.is(at, "email-address-entity") || graph.is(at, "phone-number-entity") ||
                          graph.is(at, "score-entity") || graph.is(at, "hyperlink", "91");
-  // "A score of 3-1".
-  const int first = graph.is(at, "score-entity") ? graph.child(at, "op1") : -1;
-  if (const int second = first < 0 ? -1 : graph.child(at, "op2"); second >= 0) {
-    graph.word(at).name = graph.word(graph.arc(first).to).name + "-" + graph.word(graph.arc(second).to).name;
-    attribute_add(graph.word(at), "@name");
-    for (const int led : {first, second}) {
-      graph.settle_concept(graph.arc(led).to, Fate::word);
-      graph.remove(led, Fate::word);
-    }
-    return;
-  }
   if (const int value = has_value ? graph.child(at, "value") : -1; value >= 0) {
     const int head = graph.arc(value).to;
     const bool is_ordinal = graph.is(at, "ordinal-entity");

@@ -185,7 +185,6 @@ const StepRow kSteps[] = {
      "a1(remember(>01).@entry.@v, attempt(>01).@v.@nom.@whose); ord(attempt(>01), ordinal-entity); val(ordinal-entity, 3)"},
     {"every_day", "quantities", "(s / sing-01 :frequency (r / rate-entity-91 :ARG3 (t / temporal-quantity :quant 1 :unit (d / day))))",
      "fre(sing(>01).@entry.@v, day.@measure.@every)"},
-    {"score", "quantities", "(s / score-entity :op1 3 :op2 1)", "3-1.@entry.@name"},
     {"percent", "quantities", "(p / percentage-entity :value 20)", "qty(percent.@entry.@measure.@pl, 20)"},
     {"pronoun", "pronouns", "(g / go-02 :ARG0 (p / person :refer-person 3rd :refer-number plural))", "a0(go(>02).@entry.@v, they.@p3.@pl)"},
     {"someone", "pronouns", "(s / see-01 :ARG0 (p / person :mod (s2 / some)))", "a0(see(>01).@entry.@v, someone)"},
