@@ -490,8 +490,9 @@ void pointing_apply(Rewriter& graph, int at) {
   const int above = graph.parent(at);
   const int led = graph.child(at, "domain");
   // "This is the man who came": the statement itself presents him.
+  constexpr std::array kOfNouns{"ARG0", "concession", "location", "beneficiary"};
   const bool is_agent =
-      above >= 0 && !graph.arc(above).inverse && graph.arc(above).role == "ARG0" &&
+      above >= 0 && !graph.arc(above).inverse && is_listed(graph.arc(above).role, kOfNouns) &&
       (graph.arc(above).from != graph.meaning().root || is_one_of(graph, graph.arc(above).from, kSaying));
   if (led < 0 || !is_agent || !graph.word(at).sense.empty() || !graph.word(graph.arc(above).from).sense.size()) return;
   const int pointer = graph.arc(led).to;
@@ -1180,8 +1181,13 @@ void extraposed_apply(Rewriter& graph, int at) {
   if (is_act || is_for) attribute_add(graph.word(at), "@xinf");
 }
 
-// "Waiting is better than rewarding them": acts that are compared.
+// "His never eating fish", "waiting is better than rewarding them": a time that only verbs have, and acts that are
+// compared.
 void gerund_apply(Rewriter& graph, int at) {
+  constexpr std::array kOfVerbs{"never", "ever", "no-longer", "already", "still", "always", "soon"};
+  const int when = graph.child(at, "time");
+  if (when >= 0 && is_event(graph, at) && is_one_of(graph, graph.arc(when).to, kOfVerbs) && subject_arc(graph, at) >= 0)
+    attribute_add(graph.word(at), "@ger");
   const int led = graph.child(at, "compared-to");
   if (led < 0) return;
   for (const int one : {led, subject_arc(graph, at)}) {
@@ -1211,6 +1217,21 @@ void bare_time_apply(Rewriter& graph, int at) {
   if (led >= 0 && is_one_of(graph, graph.arc(led).to, kPointing)) attribute_add(graph.word(at), "@bare");
 }
 
+// "The crown was given to him": where nobody gives it, what is given is the subject of a finite clause.
+bool is_given_passive(Rewriter& graph, int at) {
+  for (const char* role : {"ARG0", "shared", "understood", "speaker"}) {
+    if (graph.child(at, role) >= 0) return false;
+  }
+  const int led = graph.parent(at);
+  if (led < 0) return !has_attribute(graph.word(at), "@imp");
+  if (graph.arc(led).inverse) return graph.arc(led).role == "ARG1";
+  constexpr std::array kFinite{"time", "temporal", "cause", "condition", "concession"};
+  const int governor = graph.arc(led).from;
+  return is_listed(graph.arc(led).role, kFinite) ||
+         (graph.arc(led).role == "ARG1" &&
+          (is_one_of(graph, governor, kSaying) || is_one_of(graph, governor, kReporting)));
+}
+
 // "She gave it to him": a pronoun stands before who receives it, who then has a preposition.
 void giving_apply(Rewriter& graph, int at) {
   const bool is_shared = has_attribute(graph.word(at), "@shr1");
@@ -1225,6 +1246,7 @@ void giving_apply(Rewriter& graph, int at) {
     if (!is_event(graph, graph.arc(what).to)) attribute_add(graph.word(at), "@gives");
     return;
   }
+  if (is_given_passive(graph, at)) attribute_add(graph.word(at), "@pro1");
   // "They sent him to prison": what is no person may be a place.
   const int receiver = graph.arc(graph.child(at, "ARG2")).to;
   const bool is_person = is_personal_pronoun(graph, receiver) || has_attribute(graph.word(receiver), "@person") ||

@@ -73,6 +73,10 @@ bool is_no_frame_of_words(Rewriter& graph, int at) {
   for (const char* mark : {"@neg", "@int", "@imp", "@can", "@must", "@should"}) {
     if (has_attribute(graph.word(at), mark)) return true;
   }
+  // "What did she shout at the boy?"
+  for (const int below : graph.children(at)) {
+    if (is_unknown(graph, graph.arc(below).to) && graph.child(graph.arc(below).to, "domain") < 0) return true;
+  }
   int led = graph.parent(at);
   for (int steps = graph.count(); led >= 0 && graph.arc(led).role == "conjunct" && steps > 0; --steps)
     led = graph.parent(graph.arc(led).from);
@@ -298,7 +302,11 @@ void question(Rewriter& graph, int unknown) {
       "kill",   "prove",   "stop",     "explain", "inspire",   "trouble", "puzzle",   "amuse"};
   const bool is_doer = is_subject && role == "ARG0" && phrase == unknown && is_event(graph, asked_at) &&
                        !is_one_of(graph, asked_at, kOfThings);
-  attribute_add(graph.word(phrase), is_person || is_doer ? "@wh_who" : "@wh_" + role);
+  // "Who did she talk to?": who listens or gets something is somebody, too.
+  constexpr std::array kHearing{"talk", "speak", "explain", "apologize", "say", "ask", "answer", "whisper", "complain"};
+  const bool is_hearer = role == "ARG2" && phrase == unknown && graph.child(asked_at, "ARG0") >= 0 &&
+                         (gives(graph, asked_at) || is_one_of(graph, asked_at, kHearing));
+  attribute_add(graph.word(phrase), is_person || is_doer || is_hearer ? "@wh_who" : "@wh_" + role);
   if (is_reported && role == "domain" && phrase == unknown && graph.parent(asked_at) >= 0 &&
       graph.word(asked_at).sense.empty())
     return reported_predicate(graph, asked_at, led);
@@ -309,7 +317,12 @@ void question(Rewriter& graph, int unknown) {
   // Some files mark the mood beside the word that asks; one mark is enough.
   std::erase(graph.word(clause).attributes, "@int");
   // "What are you filling it with?": a preposition stays with its verb.
-  if (role == "ARG2" && clause == asked_at) attribute_add(graph.word(clause), "@st2");
+  const bool is_given = role == "ARG2" && is_hearer && gives(graph, asked_at);
+  if (is_given || (role == "ARG2" && clause == asked_at))
+    attribute_add(graph.word(asked_at), is_given ? "@stto" : "@st2");
+  constexpr std::array kThinking{"think", "know", "hear", "say", "tell", "believe", "learn"};
+  if (role == "ARG1" && !is_subject && !is_one_of(graph, asked_at, kThinking))
+    attribute_add(graph.word(asked_at), "@st1");
   if (!is_subject) graph.replace(led, clause, phrase, "questioned");
 }
 
