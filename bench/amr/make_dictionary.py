@@ -91,7 +91,7 @@ NOUNS = {verb: noun for verb, noun in (one.split(":") for one in (
     "kill:killing sign:signing bomb:bombing draw:drawing found:founding record:recording sail:sailing shoot:shooting "
     "write:writing lend:lending borrow:borrowing plant:planting form:formation declare:declaration "
     "imprison:imprisonment astonish:astonishment sympathize:sympathy rob:robbery trial:trial sound:sound lift:lift "
-    "stake:stake fraud:fraud sanction:sanction embargo:embargo auction:auction ambush:ambush breach:breach bribe:bribe cruise:cruise "
+    "book:booking stake:stake fraud:fraud sanction:sanction embargo:embargo auction:auction ambush:ambush breach:breach bribe:bribe cruise:cruise "
     "delight:delight despair:despair disguise:disguise disregard:disregard draft:draft duel:duel escort:escort focus:focus "
     "hike:hike hug:hug lapse:lapse lease:lease lobby:lobby mandate:mandate misuse:misuse mortgage:mortgage "
     "overhaul:overhaul pledge:pledge prejudice:prejudice probe:probe quarantine:quarantine quarrel:quarrel query:query quest:quest "

@@ -99,7 +99,13 @@ std::vector<int> first_arcs(Rewriter& graph) {
     put_first(
         [&](int one) { return graph.arc(one).role == (has_agent ? subject : "domain") && !graph.arc(one).inverse; });
     // An infinitive, which has no subject of its own, has nothing in front of it.
-    const bool is_infinitive = graph.child(at, "understood") >= 0 || (led >= 0 && graph.arc(led).role == "domain");
+    // "They expect the bank to lend when it opens".
+    constexpr std::array kLetting{"expect",  "want", "allow", "permit", "order", "force",
+                                  "require", "let",  "make",  "enable", "need"};
+    const bool is_let_do = led >= 0 && !graph.arc(led).inverse && graph.arc(led).role == "ARG1" &&
+                           is_one_of(graph, graph.arc(led).from, kLetting);
+    const bool is_infinitive =
+        graph.child(at, "understood") >= 0 || is_let_do || (led >= 0 && graph.arc(led).role == "domain");
     put_first([&](int one) {
       const Arc& led_down = graph.arc(one);
       if (is_infinitive) return false;

@@ -187,6 +187,14 @@ void step_modality(Meaning& meaning) {
     const bool is_governed = !one.gone && !one.inverse && (one.role == "ARG1" || one.role == "ARG2") &&
                              !graph.word(one.from).sense.empty() && is_one_of(graph, one.from, kImplying);
     if (is_governed && has_attribute(graph.word(one.to), "@done")) std::erase(graph.word(one.to).attributes, "@neg");
+    // Nor does it tell anything new that what is wanted is likely.
+    constexpr std::array kWilling{"want", "order", "ask",     "hope",   "plan",  "intend",  "expect",
+                                  "try",  "need",  "promise", "decide", "force", "require", "demand",
+                                  "urge", "tell",  "agree",   "offer",  "allow"};
+    const bool is_willed = !one.gone && !one.inverse && (one.role == "ARG1" || one.role == "ARG2") &&
+                           !graph.word(one.from).sense.empty() && is_one_of(graph, one.from, kWilling);
+    if (is_willed) std::erase(graph.word(one.to).attributes, "@likely");
+    if (is_willed && !graph.is(one.from, "hope", "01")) std::erase(graph.word(one.to).attributes, "@may");
   }
   for (int at = 0; at < graph.count(); ++at) {
     if (graph.is(at, "have-polarity", "91") || graph.is(at, "have-modal-strength", "91")) truth_apply(graph, at);
@@ -761,7 +769,17 @@ void tense_from_time(Rewriter& graph, int at) {
     const std::string& role = graph.arc(led).role;
     if (graph.arc(led).inverse || (role != "time" && role != "temporal")) continue;
     const int time = graph.arc(led).to;
-    if (is_coming(graph, at, time)) attribute_add(graph.word(at), "@fut");
+    if (is_coming(graph, at, time)) {
+      attribute_add(graph.word(at), "@fut");
+      // "I will call tomorrow and ask them".
+      int joined = graph.child(at, "conjunct");
+      for (int steps = graph.count(); joined >= 0 && steps > 0; --steps) {
+        const int part = graph.arc(joined).to;
+        if (graph.child(part, "shared") < 0 || !has_attribute(graph.word(part), "@v")) break;
+        if (is_coming(graph, part, time)) attribute_add(graph.word(part), "@fut");
+        joined = graph.child(part, "conjunct");
+      }
+    }
     // "One never knows" is true at all times.
     const int who = subject_arc(graph, at);
     const bool is_general = who >= 0 && graph.is(graph.arc(who).to, "one");
@@ -939,6 +957,10 @@ void tense_of_content(Rewriter& graph, int at) {
   const bool is_open = mark == "@whether";
   const int subject = subject_arc(graph, what);
   const int agent = graph.child(at, "ARG0");
+  // "The court ordered the company to pay".
+  const int told = graph.child(at, "ARG2");
+  const bool is_told = subject >= 0 && told >= 0 && graph.arc(subject).to == graph.arc(told).to;
+  if (is_told && mark == "@should") return;
   const bool is_own = subject >= 0 && agent >= 0 && graph.arc(subject).to == graph.arc(agent).to;
   if (mark.empty() || subject < 0 || (is_own && !is_open) || has_attribute(graph.word(what), "@asked")) return;
   constexpr std::array kKnown{"@past", "@pres", "@fut",    "@would", "@imp",   "@perf",  "@can",

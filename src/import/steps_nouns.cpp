@@ -23,7 +23,7 @@ constexpr std::array kOfEvents{
     "reverse",     "halt",     "resume",    "revive",    "study",    "investigate", "ignore",    "neglect",
     "honor",       "rely",     "depend",    "fulfill",   "violate",  "breach",      "publish",   "issue",
     "sign",        "submit",   "deliver",   "implement", "draft",    "ratify",      "negotiate", "renew",
-    "commemorate", "avenge",   "host",      "stage",     "wage",     "prolong",     "mount"};
+    "commemorate", "avenge",   "host",      "stage",     "wage",     "prolong",     "mount",     "spread"};
 
 // Verbs that say little themselves: who is their subject does what the noun says, and is not said again.
 constexpr std::array kLight{"have",    "give",   "make",       "receive", "lack",    "provide", "do",
@@ -267,6 +267,27 @@ void emotion_apply(Rewriter& graph, int at) {
   }
 }
 
+// "Because of a lack of rain": what nobody in particular lacks, fears or needs.
+void bare_cause_apply(Rewriter& graph, int at) {
+  constexpr std::array kHeld{"lack",     "need",  "fear",    "risk",    "concern", "demand",
+                             "interest", "doubt", "hope",    "support", "fail",    "increase",
+                             "decrease", "rise",  "decline", "fall",    "drop",    "shortage"};
+  for (const char* role : {"cause", "concession"}) {
+    const int led = graph.child(at, role);
+    const int event = led < 0 ? -1 : graph.arc(led).to;
+    if (event < 0 || !is_one_of(graph, event, kHeld) || !is_one_clause(graph, event)) continue;
+    const int what = graph.child(event, "ARG1");
+    const bool is_plain = what >= 0 && graph.parent(event) == led &&
+                          (!is_event(graph, graph.arc(what).to) || graph.children(graph.arc(what).to).empty());
+    if (is_plain && graph.child(event, "ARG0") < 0 && graph.child(event, "time") < 0) event_to_noun(graph, event);
+  }
+  // "Thank you for your advice".
+  const int led = graph.is(at, "thank", "01") || graph.is(at, "apologize", "01") ? graph.child(at, "ARG2") : -1;
+  const int event = led < 0 ? -1 : graph.arc(led).to;
+  if (event >= 0 && is_one_clause(graph, event) && graph.children(event).size() == 1 && graph.child(event, "ARG0") >= 0)
+    event_to_noun(graph, event);
+}
+
 // Who is named by what is done to him: "their employees", "the victims of the storm".
 void patient_apply(Rewriter& graph, int at) {
   constexpr std::pair<const char*, const char*> kNamed[] = {
@@ -277,14 +298,20 @@ void patient_apply(Rewriter& graph, int at) {
   if (led < 0 || graph.child(at, "ARG0", true) >= 0) return;
   const int frame = graph.arc(led).to;
   const std::vector<int> below = graph.children(frame);
-  const bool is_plain =
-      std::all_of(below.begin(), below.end(),
-                  [&](int one) { return graph.arc(one).role == "ARG0" && !graph.arc(one).inverse; }) &&
-      graph.mentions(frame) == 1 && graph.word(frame).attributes.size() == 1;
+  // "A former employee".
+  constexpr std::array kTimes{"former", "current", "future", "previous"};
+  const auto is_term = [&](int one) {
+    return graph.arc(one).role == "time" && is_one_of(graph, graph.arc(one).to, kTimes);
+  };
+  const bool is_plain = std::all_of(below.begin(), below.end(),
+                                    [&](int one) {
+                                      return (graph.arc(one).role == "ARG0" || is_term(one)) && !graph.arc(one).inverse;
+                                    }) &&
+                        graph.mentions(frame) == 1 && graph.word(frame).attributes.size() == 1;
   const auto named = std::find_if(std::begin(kNamed), std::end(kNamed),
                                   [&](const auto& one) { return graph.word(frame).name == one.first; });
   if (!is_plain || named == std::end(kNamed)) return;
-  for (const int one : below) graph.replace(one, at, graph.arc(one).to, "org");
+  for (const int one : below) graph.replace(one, at, graph.arc(one).to, is_term(one) ? "mod" : "org");
   graph.settle_concept(frame, Fate::word);
   graph.remove(led, Fate::word);
   graph.word(at).name = named->second;
@@ -295,6 +322,13 @@ void group_members_apply(Rewriter& graph, int at) {
   constexpr std::array kGroups{"group", "pair",   "crowd", "herd",   "flock",      "bunch",   "set",   "series",
                                "row",   "couple", "list",  "gang",   "collection", "variety", "range", "number",
                                "swarm", "fleet",  "chain", "bundle", "class",      "circle",  "dozen", "stack"};
+  // "The number of victims rose".
+  constexpr std::array kChanging{"rise",   "increase", "fall",   "grow",  "drop",  "decline", "decrease", "reach",
+                                 "exceed", "double",   "reduce", "climb", "surge", "limit",   "remain"};
+  const int above = graph.is(at, "number") || graph.is(at, "amount") ? graph.parent(at) : -1;
+  const bool is_changing = above >= 0 && !graph.arc(above).inverse && graph.arc(above).role.starts_with("ARG") &&
+                           is_one_of(graph, graph.arc(above).from, kChanging);
+  if (is_changing && graph.child(at, "mod") < 0) attribute_add(graph.word(at), "@def");
   // "A glass of water".
   constexpr std::array kVessels{"glass",  "cup",    "bottle", "sack",  "bag",   "basket", "bowl",    "plate", "pot",
                                 "jug",    "loaf",   "piece",  "heap",  "pile",  "drop",   "slice",   "bit",   "handful",
@@ -330,6 +364,7 @@ void step_nouns(Meaning& meaning) {
     described_event_apply(graph, at);
     bare_infinitive_apply(graph, at);
     feeling_apply(graph, at);
+    bare_cause_apply(graph, at);
     felt_apply(graph, at);
     emotion_apply(graph, at);
     possibility_apply(graph, at);

@@ -513,6 +513,15 @@ void how_well_apply(Rewriter& graph, int at) {
                                 "efficient", "hard", "late", "early", "serious", "severe"};
   const int degree = is_one_of(graph, at, kManners) ? graph.child(at, "degree") : -1;
   if (degree < 0 || !is_unknown(graph, graph.arc(degree).to) || graph.mentions(at) > 1) return;
+  const int above = graph.parent(at);
+  if (above >= 0 && graph.arc(above).inverse && graph.arc(above).role == "ARG1" &&
+      is_event(graph, graph.arc(above).from)) {
+    // (w / work-01 :ARG0 she :ARG1-of (h / hard-02 :degree (u / umr-unknown))): the same from above.
+    graph.replace(above, graph.arc(above).from, at, "manner");
+    graph.word(at).sense.clear();
+    graph.word(at).attributes.clear();
+    return;
+  }
   const int led = graph.child(at, graph.word(at).sense.empty() ? "domain" : "ARG1");
   const int deed = led < 0 ? -1 : graph.arc(led).to;
   if (deed < 0 || !is_event(graph, deed) || graph.mentions(deed) > 1 || graph.children(deed).empty()) return;

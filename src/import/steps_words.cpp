@@ -307,6 +307,22 @@ bool is_uncounted(const std::string& name) {
   return is_listed(name, kMass);
 }
 
+// (w / wheat :quant (a / about :op1 (t / ton :quant 5))): about five tons of wheat.
+void restricted_unit_apply(Rewriter& graph, int at) {
+  const int led = graph.child(at, "op1");
+  const int above = led < 0 ? -1 : graph.parent(at);
+  const int unit = led < 0 ? -1 : graph.arc(led).to;
+  if (above < 0 || graph.arc(above).role != "quant" || graph.arc(above).inverse || graph.children(at).size() != 1)
+    return;
+  const int number = has_attribute(graph.word(unit), "@measure") ? graph.child(unit, "quant") : -1;
+  if (number < 0 || !graph.word(at).sense.empty() || graph.mentions(unit) > 1) return;
+  const int count = graph.arc(number).to;
+  graph.replace(led, at, count, "op1");
+  graph.replace(number, unit, at, "quant");
+  graph.lead_to(above, unit);
+  attribute_add(graph.word(unit), "@pl");
+}
+
 // "At this" is no time; "at this time" is.
 void pointing_time_apply(Rewriter& graph) {
   for (std::size_t i = 0, end = graph.meaning().arcs.size(); i < end; ++i) {
@@ -459,7 +475,8 @@ void determiners_apply(Rewriter& graph) {
     const bool is_several = is_listed(name, kSeveral);
     const bool is_all_that = graph.is(one.from, "that") || graph.is(one.from, "this");
     // The noun of an event below "other" is several, too: "from all other attempts".
-    if (is_several && !is_all_that && (graph.word(one.from).sense.empty() || is_moved))
+    if (is_several && !is_all_that && !is_uncounted(graph.word(one.from).name) &&
+        (graph.word(one.from).sense.empty() || is_moved))
       attribute_add(graph.word(one.from), "@pl");
   }
 }
@@ -483,10 +500,12 @@ void counted_apply(Rewriter& graph) {
                                  "animal",   "bird",    "dog",    "country", "city",  "company", "letter",
                                  "question", "problem", "place",  "thing",   "word",  "idea"};
     const bool is_some = number.name == "some" && is_one_of(graph, one.from, kPeople);
+    // "Most of the money was".
+    const bool is_amount = (number.name == "all" || number.name == "most") && is_uncounted(graph.word(one.from).name);
     // "More books".
     const bool is_more = number.name == "more" && inner < 0 && graph.word(one.from).sense.empty() &&
                          !is_uncounted(graph.word(one.from).name) && !has_attribute(graph.word(one.from), "@measure");
-    const bool is_many = is_lot || is_more || is_some || is_listed(number.name, kMany);
+    const bool is_many = is_lot || is_more || is_some || (is_listed(number.name, kMany) && !is_amount);
     if (is_plain || is_many) attribute_add(graph.word(one.from), number.name == "1" ? "@sg" : "@pl");
   }
 }
@@ -514,13 +533,16 @@ void step_quantities(Meaning& meaning) {
   counted_apply(graph);
   for (int at = 0; at < graph.count(); ++at) {
     people_apply(graph, at);
+    restricted_unit_apply(graph, at);
     multiple_apply(graph, at);
     few_apply(graph, at);
     others_apply(graph, at);
   }
   for (int at = 0; at < graph.count(); ++at) {
     const int led = graph.parent(at);
-    if (led >= 0 && graph.arc(led).role == "quant" && is_number(graph.word(at).name)) {
+    const bool is_restricted = led >= 0 && graph.arc(led).role == "op1" &&
+                               graph.word(graph.arc(led).from).sense.empty() && graph.word(at).name.size() > 4;
+    if (led >= 0 && (graph.arc(led).role == "quant" || is_restricted) && is_number(graph.word(at).name)) {
       graph.word(at).name = number_text(graph.word(at).name);
     }
   }
