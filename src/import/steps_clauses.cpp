@@ -959,8 +959,8 @@ void tense_of_content(Rewriter& graph, int at) {
   const int agent = graph.child(at, "ARG0");
   // "The court ordered the company to pay".
   const int told = graph.child(at, "ARG2");
-  const bool is_told = subject >= 0 && told >= 0 && graph.arc(subject).to == graph.arc(told).to;
-  if (is_told && mark == "@should") return;
+  const bool is_bidden = subject >= 0 && told >= 0 && graph.arc(subject).to == graph.arc(told).to;
+  if (is_bidden && mark == "@should") return;
   const bool is_own = subject >= 0 && agent >= 0 && graph.arc(subject).to == graph.arc(agent).to;
   if (mark.empty() || subject < 0 || (is_own && !is_open) || has_attribute(graph.word(what), "@asked")) return;
   constexpr std::array kKnown{"@past", "@pres", "@fut",    "@would", "@imp",   "@perf",  "@can",
