@@ -877,30 +877,37 @@ void tense_of_place(Rewriter& graph, int at) {
 // "When they left, I remembered the house", "I had no time and looked away": what lasts is told of the same time as what
 // happens beside it, which rules have as past. Nothing where the graph says when either of them is.
 void tense_beside(Rewriter& graph, int at) {
-  constexpr std::array kLasting{"have", "know",  "remember", "want", "need",   "love",    "like",
-                                "hate", "think", "believe",  "fear", "belong", "contain", "understand"};
+  constexpr std::array kLasting{"have",  "know",    "remember", "want",   "need",    "love",       "like", "hate",
+                                "think", "believe", "fear",     "belong", "contain", "understand", "live", "wonder",
+                                "doubt", "hope",    "see",      "hear",   "seem",    "mean"};
   constexpr std::array kKnown{"@past",   "@pres",  "@fut",   "@would", "@imp", "@perf",  "@can", "@must", "@may",
                               "@should", "@state", "@habit", "@asked", "@ask", "@quote", "@int", "@neg"};
   const auto is_open = [&](int one) {
-    return is_event(graph, one) && std::none_of(kKnown.begin(), kKnown.end(),
-                                                [&](const char* mark) { return has_attribute(graph.word(one), mark); });
+    const bool is_predicate = one != at && graph.word(one).sense.empty() && graph.child(one, "domain") >= 0;
+    const bool is_verb = is_event(graph, one) && graph.child(one, "domain") < 0;
+    return (is_verb || is_predicate) && std::none_of(kKnown.begin(), kKnown.end(), [&](const char* mark) {
+             return has_attribute(graph.word(one), mark);
+           });
   };
   const auto is_lasting = [&](int one) { return is_one_of(graph, one, kLasting) && graph.child(one, "ARG0") >= 0; };
   if (!is_open(at) || graph.child(at, "condition") >= 0) return;
-  for (const char* role : {"time", "conjunct"}) {
+  for (const char* role : {"time", "conjunct", "cause", "concession"}) {
     int led = graph.child(at, role);
     constexpr std::array kRelations{"before", "after", "until", "while", "since", "as-soon-as"};
     if (led >= 0 && is_one_of(graph, graph.arc(led).to, kRelations)) led = graph.child(graph.arc(led).to, "op1");
     const int beside = led < 0 ? -1 : graph.arc(led).to;
-    if (beside < 0 || !is_open(beside)) continue;
+    const bool is_denied = beside >= 0 && is_event(graph, beside) && has_attribute(graph.word(beside), "@neg") &&
+                           !has_attribute(graph.word(beside), "@can") && !has_attribute(graph.word(beside), "@pres");
+    if (beside < 0 || (!is_open(beside) && !is_denied)) continue;
     const bool is_joined = std::string_view(role) == "conjunct";
-    if (is_joined && graph.child(beside, "shared") < 0) continue;
+    if (is_joined && (is_denied || graph.child(beside, "shared") < 0)) continue;
     const bool happens = graph.child(at, "ARG0") >= 0 && !is_one_of(graph, at, kLasting);
     const bool happens_beside = !is_one_of(graph, beside, kLasting) &&
                                 (is_joined ? graph.child(beside, "ARG1") >= 0 : graph.child(beside, "ARG0") >= 0);
     if (happens && !is_joined) attribute_add(graph.word(beside), "@past");
     if (happens && is_joined && is_one_of(graph, beside, kLasting)) attribute_add(graph.word(beside), "@past");
-    if (happens_beside && is_lasting(at)) attribute_add(graph.word(at), "@past");
+    const bool is_reason = std::string_view(role) == "cause" || std::string_view(role) == "concession";
+    if (happens_beside && !is_reason && !is_denied && is_lasting(at)) attribute_add(graph.word(at), "@past");
   }
 }
 
@@ -1208,7 +1215,9 @@ void extraposed_apply(Rewriter& graph, int at) {
 void gerund_apply(Rewriter& graph, int at) {
   constexpr std::array kOfVerbs{"never", "ever", "no-longer", "already", "still", "always", "soon"};
   const int when = graph.child(at, "time");
-  if (when >= 0 && is_event(graph, at) && is_one_of(graph, graph.arc(when).to, kOfVerbs) && subject_arc(graph, at) >= 0)
+  const int above = when < 0 ? -1 : graph.parent(at);
+  if (above >= 0 && is_core(graph.arc(above)) && is_event(graph, at) &&
+      is_one_of(graph, graph.arc(when).to, kOfVerbs) && subject_arc(graph, at) >= 0)
     attribute_add(graph.word(at), "@ger");
   const int led = graph.child(at, "compared-to");
   if (led < 0) return;
@@ -1406,6 +1415,8 @@ void step_forms(Meaning& meaning) {
     if (is_weather) attribute_add(word, "@cl");
     if (has_subject && !has_attribute(word, "@result") && !has_attribute(word, "@agent") && !nominal_apply(graph, at))
       attribute_add(word, "@cl");
+    // "I think that he is a teacher."
+    if (has_attribute(word, "@agent") && graph.child(at, "domain") >= 0) attribute_add(word, "@cl");
     if (has_attribute(word, "@whether") || has_attribute(word, "@asked")) attribute_add(word, "@query");
     const bool is_auxiliary =
         std::any_of(kAuxiliary.begin(), kAuxiliary.end(), [&](const char* one) { return has_attribute(word, one); });
