@@ -603,8 +603,10 @@ void wanted_apply(Rewriter& graph, int led) {
   const int up = is_relative && graph.mentions(deed) == 1 ? graph.child(deed, "ARG1", true) : -1;
   if (up < 0 || !is_event(graph, deed)) return;
   const int frame = graph.arc(up).to;
-  constexpr std::array kGoverning{"want",   "need",   "try", "like",   "love",    "hope", "plan", "wish",  "expect",
-                                  "intend", "refuse", "say", "decide", "attempt", "see",  "know", "think", "believe"};
+  constexpr std::array kGoverning{
+      "want",     "need",   "try",     "like", "love",   "hope",  "plan",    "wish",     "expect",  "intend", "refuse",
+      "say",      "decide", "attempt", "see",  "know",   "think", "believe", "fear",     "dread",   "manage", "fail",
+      "hesitate", "dare",   "learn",   "long", "forget", "begin", "start",   "continue", "promise", "prefer", "hate"};
   const bool is_governing = is_one_of(graph, frame, kGoverning) && graph.mentions(frame) == 1 &&
                             graph.child(frame, "ARG0") >= 0 && graph.child(frame, "ARG1") < 0;
   if (!is_governing) return;
@@ -1060,6 +1062,19 @@ void step_tense(Meaning& meaning) {
              !is_one_of(graph, at, kLasting) && is_question && !is_timed)
       attribute_add(clause, "@now");
     tense_of_content(graph, at);
+    // "Tell him that I will pay when my ship comes."
+    const int bidden = has_attribute(clause, "@imp") && is_one_of(graph, at, kSaying) ? graph.child(at, "ARG1") : -1;
+    const int told = bidden >= 0 ? graph.arc(bidden).to : -1;
+    const int about =
+        told >= 0 && is_event(graph, told) && graph.parent(told) == bidden ? subject_arc(graph, told) : -1;
+    if (about >= 0 && graph.child(told, "questioned") < 0 && !has_attribute(graph.word(told), "@past") &&
+        !has_attribute(graph.word(told), "@perf")) {
+      const int then = graph.child(told, "time");
+      const bool is_coming = then >= 0 && is_clause(graph, graph.arc(then).to);
+      const bool is_own = is_one_of(graph, graph.arc(about).to, std::array{"i", "we", "you"});
+      if (is_coming || is_own) attribute_add(graph.word(told), is_coming ? "@fut" : "@pres");
+      tense_of_coming(graph, told);
+    }
     if (!is_said[static_cast<std::size_t>(at)] && is_told_of_another(graph, at)) attribute_add(clause, "@past");
   }
 }

@@ -229,10 +229,12 @@ int parts_tied(Rewriter& graph, int at, const std::vector<int>& parts, const Con
 bool is_neither(Rewriter& graph, int at, const std::vector<int>& parts) {
   const int led = graph.is(at, "or") && parts.size() > 1 ? graph.parent(at) : -1;
   const int clause = led < 0 ? -1 : graph.arc(led).from;
-  if (clause < 0 || graph.arc(led).inverse || subject_arc(graph, clause) != led || graph.mentions(at) > 1) return false;
+  if (clause < 0 || graph.arc(led).inverse || graph.mentions(at) > 1) return false;
+  const bool is_own = has_attribute(graph.word(at), "@neg");
+  if (!is_own && subject_arc(graph, clause) != led) return false;
   const bool is_of_nouns =
       std::none_of(parts.begin(), parts.end(), [&](int one) { return is_clause(graph, graph.arc(one).to); });
-  return is_of_nouns && std::erase(graph.word(clause).attributes, "@neg") > 0;
+  return is_of_nouns && std::erase(graph.word(is_own ? at : clause).attributes, "@neg") > 0;
 }
 
 // The first operand takes the place of the conjunction, and each further one is tied to the one before it, so that rules

@@ -195,6 +195,17 @@ void degree_measured(Rewriter& graph, int at, int quality, int bearer_led) {
                               !is_behind(graph, quality, graph.other(bearer_led, at), role);
     const int kept = is_with_noun ? graph.other(bearer_led, at) : quality;
     graph.replace(led, kept, graph.arc(led).to, label);
+    // "The wisest of the birds": but for a place or a time, a set is several.
+    constexpr std::array kOne{"world",  "town",   "city",   "village", "country", "kingdom", "land",    "family",
+                              "school", "house",  "team",   "class",   "group",   "year",    "day",     "week",
+                              "month",  "time",   "life",   "history", "garden",  "forest",  "street",  "season",
+                              "army",   "crew",   "island", "state",   "company", "nation",  "century", "region",
+                              "area",   "circle", "court",  "all",     "any",     "sea",     "sky",     "river"};
+    Concept& set = graph.word(graph.arc(led).to);
+    const bool is_set = std::string_view(role) == "ARG5" && set.sense.empty() && !set.variable.empty() &&
+                        graph.children(graph.arc(led).to).empty() && !has_attribute(set, "@name") &&
+                        !is_personal_pronoun(graph, graph.arc(led).to);
+    if (is_set && !is_listed(set.name, kOne)) attribute_add(set, "@pl"), attribute_add(set, "@def");
     // "Such a cold day that we stayed": what follows stands behind the noun.
     const int above = std::string_view(role) == "ARG6" ? graph.parent(quality) : -1;
     const bool is_of_noun = above >= 0 && graph.arc(above).inverse && graph.arc(above).role == "ARG1" &&
@@ -206,6 +217,13 @@ void degree_measured(Rewriter& graph, int at, int quality, int bearer_led) {
     const bool is_as_many = is_amount && bearer_led >= 0 && graph.arc(bearer_led).to == at &&
                             has_attribute(graph.word(quality), "@equal") && std::string_view(role) == "ARG4";
     if (is_as_many) graph.replace(led, graph.other(bearer_led, at), graph.arc(led).to, "role");
+    // "More clever than pretty": two qualities of the same.
+    const int second = std::string_view(role) == "ARG4" && bearer_led >= 0 ? graph.arc(led).to : -1;
+    const std::vector<int> said = second < 0 ? std::vector<int>{} : graph.children(second);
+    if (said.size() == 1 && !graph.arc(said[0]).inverse && graph.arc(said[0]).to == graph.other(bearer_led, at)) {
+      graph.remove(said[0], Fate::relation);
+      attribute_add(graph.word(second), "@quality");
+    }
     measured_apply(graph, graph.arc(led).to);
   }
 }
@@ -282,6 +300,14 @@ void tie_to_bearer(Rewriter& graph, int at, bool is_quantity, int quality_led, i
   const int bearer = graph.other(bearer_led, at);
   const bool bearer_above = graph.arc(bearer_led).to == at;
   const bool quality_above = graph.arc(quality_led).to == at;
+  // "They listened less": how much somebody does it.
+  const bool is_deed = is_quantity && is_event(graph, bearer) && graph.child(bearer, "ARG0") >= 0;
+  if (is_deed && !bearer_above && !quality_above && graph.mentions(bearer) == 1) {
+    graph.remove(bearer_led, Fate::relation);
+    graph.replace(quality_led, bearer, quality, "extent");
+    graph.redirect(at, bearer);
+    return graph.move_children(at, bearer);
+  }
   // The quality may name its bearer by a role of its own: important-01 :ARG1 x, amuse-01 :ARG0 x.
   const auto names_bearer = [&](int frame, const char* role) {
     const int own = graph.argument(frame, role);

@@ -152,6 +152,10 @@ void subject_apply(Rewriter& graph, int at) {
   const bool is_felt = is_one_of(graph, at, kFeelings) || is_one_of(graph, at, kFeelingQualities);
   if (is_deed ? is_felt || whom < 0 : !is_one_of(graph, at, kOfThings)) return;
   event_to_noun(graph, event);
+  // "His fear is greater than his hope."
+  const int compared = graph.child(at, "compared-to");
+  if (compared >= 0 && is_one_clause(graph, graph.arc(compared).to) && graph.child(graph.arc(compared).to, "ARG0") >= 0)
+    event_to_noun(graph, graph.arc(compared).to);
   if (whom >= 0) drop_again(graph, event, graph.arc(whom).to);
 }
 

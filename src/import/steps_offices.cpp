@@ -222,6 +222,20 @@ void office_apply(Rewriter& graph, int at, const Office& office) {
     if (whole >= 0) graph.replace(whole, title, graph.other(whole, at), office.role);
     return graph.move_children(at, title);
   }
+  // "A woman with a husband who was lost": whose husband he is stands above.
+  const bool is_whole_above = whole >= 0 && graph.arc(whole).to == at && graph.arc(whole).inverse;
+  if (!holder_above && is_whole_above && graph.is(holder, "person") && graph.mentions(at) == 1) {
+    graph.remove(holds, Fate::relation);
+    graph.remove(titled, Fate::word);
+    graph.settle_concept(holder, Fate::word);
+    graph.word(holder).name = graph.word(title).name;
+    graph.word(holder).sense = graph.word(title).sense;
+    graph.word(holder).triple = graph.word(title).triple;
+    graph.move_children(title, holder);
+    graph.redirect(title, holder);
+    graph.replace(whole, graph.arc(whole).from, holder, "poss", true);
+    return graph.move_children(at, holder);
+  }
   if (!holder_above) {
     // The statement itself: "she is the mayor of Oslo".
     graph.replace(holds, title, holder, "domain");

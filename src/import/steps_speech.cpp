@@ -268,6 +268,12 @@ void question(Rewriter& graph, int unknown) {
     role = graph.arc(led).role;
     if (graph.arc(led).inverse) return;
   }
+  // "They quarreled about whose turn it was".
+  constexpr std::array kDisputing{"quarrel", "argue", "debate", "discuss", "wonder", "inquire", "dispute", "decide"};
+  const int disputed = graph.arc(led).from;
+  if (phrase != unknown && is_one_of(graph, disputed, kDisputing) && !has_attribute(graph.word(disputed), "@int") &&
+      subject_arc(graph, disputed) >= 0 && !graph.is(graph.arc(subject_arc(graph, disputed)).to, "you"))
+    return;
   // The question is that of the highest clause that the phrase can move to: "where do you want to go". A verb of knowing
   // ends the way: "I know where he lives".
   int clause = graph.arc(led).from;

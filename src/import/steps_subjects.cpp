@@ -120,7 +120,14 @@ void subject_once_apply(Rewriter& graph, int at) {
   // "It cost her five dollars": who pays stands nearer to the verb.
   const int buyer = graph.is(at, "cost", "01") ? graph.child(at, "ARG3") : -1;
   const int price = graph.child(at, "ARG2");
-  if (buyer >= 0 && price >= 0) std::swap(graph.arc(buyer).role, graph.arc(price).role);
+  if (buyer >= 0 && price >= 0 && price > buyer) std::swap(graph.arc(buyer).role, graph.arc(price).role);
+  if (buyer >= 0 && price >= 0 && price < buyer) {
+    // Who pays comes first and is named first: "it cost eleven men their lives".
+    const int who = graph.arc(buyer).to;
+    graph.lead_to(buyer, graph.arc(price).to);
+    graph.lead_to(price, who);
+    std::swap(graph.arc(buyer).triple, graph.arc(price).triple);
+  }
   // "She heard that he sang", and not of him that he sang.
   constexpr std::array kLearning{"hear", "know", "learn", "read", "think", "believe", "expect", "find-out", "discover"};
   const int content = is_one_of(graph, at, kLearning) ? graph.child(at, "ARG1") : -1;
