@@ -238,6 +238,7 @@ void office_apply(Rewriter& graph, int at, const Office& office) {
   }
   if (!holder_above) {
     // The statement itself: "she is the mayor of Oslo".
+    if (is_unknown(graph, holder)) attribute_add(graph.word(holder), "@wh_who");
     graph.replace(holds, title, holder, "domain");
     graph.remove(titled, Fate::relation);
     graph.redirect(at, title);

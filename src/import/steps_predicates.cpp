@@ -613,9 +613,12 @@ void how_apply(Rewriter& graph, int at) {
   if (degree < 0) return;
   const int unknown = graph.arc(degree).to;
   if (!is_unknown(graph, unknown)) return;
-  constexpr std::array kQualities{"good",    "bad",       "wonderful", "beautiful", "important", "happy", "sad",
-                                  "strange", "difficult", "easy",      "long",      "wide",      "large", "great",
-                                  "serious", "dangerous", "useful",    "strong",    "likely",    "clear", "far"};
+  constexpr std::array kQualities{"good",      "bad",   "wonderful", "beautiful", "important", "happy",   "sad",
+                                  "strange",   "easy",  "difficult", "long",      "wide",      "large",   "great",
+                                  "serious",   "clear", "dangerous", "useful",    "strong",    "likely",  "far",
+                                  "high",      "deep",  "heavy",     "tall",      "fast",      "old",     "young",
+                                  "expensive", "cheap", "common",    "safe",      "hungry",    "angry",   "tired",
+                                  "busy",      "rich",  "poor",      "close",     "near",      "popular", "accurate"};
   const bool is_frame = !graph.word(at).sense.empty();
   const int subject = graph.child(at, is_frame ? "ARG1" : "domain");
   if (subject < 0 || (is_frame && !is_measured && !is_one_of(graph, at, kQualities)) || graph.mentions(at) > 1) return;

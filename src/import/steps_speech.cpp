@@ -179,8 +179,42 @@ std::string asked_role(Rewriter& graph, int frame, const std::string& role) {
                        (role == "ARG2" && (graph.is(frame, "bring", "01") || graph.is(frame, "put", "01") ||
                                            graph.is(frame, "send", "01") || graph.is(frame, "carry", "01")));
   if (is_goal) return "destination";
-  // "How much does it weigh".
-  return graph.is(frame, "weigh", "01") && role == "ARG3" ? "amount" : role;
+  // "How much does it weigh", "how long did it last".
+  const bool is_amount =
+      (graph.is(frame, "weigh", "01") && role == "ARG3") || (graph.is(frame, "cost", "01") && role == "ARG2");
+  const bool is_duration =
+      (graph.is(frame, "last", "01") && role == "ARG2") || (graph.is(frame, "take", "10") && role == "ARG1");
+  // "Where do you come from": the preposition stays behind.
+  constexpr std::array kLeaving{"come",   "go",   "travel",   "move",   "arrive",
+                                "escape", "flee", "emigrate", "return", "fly"};
+  const bool is_start = role == "ARG3" && is_one_of(graph, frame, kLeaving);
+  return is_amount ? "amount" : is_duration ? "duration" : is_start ? "source" : role;
+}
+
+// True if a role of a frame is mostly that of a person: "who sent it", not "what sent it".
+bool is_somebody(Rewriter& graph, int frame, const std::string& role) {
+  // What makes something so may be a thing as well as a person.
+  constexpr std::array kCausing{
+      "cause",  "make",     "frighten", "scare",  "surprise", "worry",   "happen",    "mean",    "prevent", "hurt",
+      "please", "bother",   "upset",    "annoy",  "interest", "affect",  "change",    "bring",   "trigger", "enable",
+      "matter", "fall",     "allow",    "lead",   "disturb",  "sadden",  "excite",    "break",   "follow",  "have-part",
+      "prove",  "indicate", "motivate", "result", "explain",  "amuse",   "influence", "contain", "move",    "keep",
+      "drive",  "attract",  "wake",     "stop",   "inspire",  "trouble", "puzzle"};
+  constexpr std::array kComing{"come", "arrive", "die", "go", "live", "fall-asleep", "survive", "return"};
+  constexpr std::array kMet{"marry", "meet",   "arrest", "hire",  "invite", "elect", "murder",
+                            "thank", "accuse", "trust",  "blame", "greet",  "kiss",  "accompany"};
+  if (graph.is(frame, "have-rel-role", "91") || graph.is(frame, "have-org-role", "91")) return role == "ARG0";
+  if (role == "ARG0")
+    return is_event(graph, frame) && !is_one_of(graph, frame, kCausing) && graph.word(frame).sense != "91";
+  if (role == "ARG1") {
+    const bool is_subject = graph.child(frame, "ARG0") < 0 && is_one_of(graph, frame, kComing);
+    return is_subject || is_one_of(graph, frame, kMet);
+  }
+  constexpr std::array kHearing{"talk",  "speak",     "argue",     "agree", "quarrel", "fight",   "chat",
+                                "joke",  "negotiate", "say",       "ask",   "answer",  "whisper", "complain",
+                                "shout", "listen",    "apologize", "reply", "write",   "explain"};
+  const bool is_hearer = graph.child(frame, "ARG0") >= 0 && (gives(graph, frame) || is_one_of(graph, frame, kHearing));
+  return role == "accompanier" || role == "beneficiary" || (role == "ARG2" && is_hearer);
 }
 
 // (a / amr-unknown :domain (y / you)): what is asked for is the predicate. As :domain of the other it is the one word that
@@ -244,6 +278,13 @@ void question(Rewriter& graph, int unknown) {
   int led = graph.parent(unknown);  // the arc from what is above the phrase
   if (led < 0 || graph.arc(led).inverse) return;
   int phrase = unknown;
+  // "What are you afraid of": a preposition stays behind with its verb.
+  const int governed = graph.parent(graph.arc(led).from);
+  if (graph.arc(led).role == "op1" && governed >= 0 && graph.arc(governed).role == "prep") {
+    graph.arc(governed).role = "particle";
+    graph.lead_from(led, graph.arc(governed).from);
+    graph.arc(led).role = "prep";
+  }
   std::string role = graph.arc(led).role;
   attribute_add(graph.word(unknown), "@wh");
   // Both walks go up, and a graph may have a circle there: more steps than concepts are none.
@@ -251,7 +292,8 @@ void question(Rewriter& graph, int unknown) {
   // "How many stars", "whose hat": the noun goes with it.
   const auto is_phrase = [&](int at) {
     const int above = graph.parent(at);
-    return !is_clause(graph, at) || (above >= 0 && graph.is(graph.arc(above).from, "be-located-at", "91"));
+    return !is_clause(graph, at) || has_attribute(graph.word(at), "@agent") ||
+           (above >= 0 && graph.is(graph.arc(above).from, "be-located-at", "91"));
   };
   while (is_phrase(graph.arc(led).from) && (role == "quant" || role == "poss" || role == "mod" || role == "degree" ||
                                             role == "possessor" || role == "age")) {
@@ -297,22 +339,11 @@ void question(Rewriter& graph, int unknown) {
                              (role == "domain" && graph.is(unknown, "amr-unknown")));
   role = asked_role(graph, asked_at, role);
   // "Who are you".
-  const bool is_person = role == "domain" && phrase == unknown && is_personal_pronoun(graph, asked_at) &&
-                         graph.word(asked_at).name != "it";
-  // Who does something is mostly somebody; what moves or changes others may be anything.
-  constexpr std::array kOfThings{
-      "cause",  "make",    "frighten", "scare",   "surprise",  "worry",   "happen",   "mean",    "prevent",
-      "hurt",   "help",    "please",   "bother",  "upset",     "annoy",   "interest", "affect",  "change",
-      "bring",  "trigger", "enable",   "move",    "matter",    "fall",    "allow",    "lead",    "disturb",
-      "sadden", "excite",  "break",    "follow",  "have-part", "keep",    "drive",    "attract", "wake",
-      "kill",   "prove",   "stop",     "explain", "inspire",   "trouble", "puzzle",   "amuse"};
-  const bool is_doer = is_subject && role == "ARG0" && phrase == unknown && is_event(graph, asked_at) &&
-                       !is_one_of(graph, asked_at, kOfThings);
-  // "Who did she talk to?": who listens or gets something is somebody, too.
-  constexpr std::array kHearing{"talk", "speak", "explain", "apologize", "say", "ask", "answer", "whisper", "complain"};
-  const bool is_hearer = role == "ARG2" && phrase == unknown && graph.child(asked_at, "ARG0") >= 0 &&
-                         (gives(graph, asked_at) || is_one_of(graph, asked_at, kHearing));
-  attribute_add(graph.word(phrase), is_person || is_doer || is_hearer ? "@wh_who" : "@wh_" + role);
+  const bool is_pronoun = is_personal_pronoun(graph, asked_at) && graph.word(asked_at).name != "it";
+  const bool is_person = phrase == unknown && (role == "domain" ? is_pronoun || graph.is(asked_at, "person") ||
+                                                                      has_attribute(graph.word(asked_at), "@person")
+                                                                : is_somebody(graph, asked_at, role));
+  attribute_add(graph.word(phrase), is_person ? "@wh_who" : "@wh_" + role);
   if (is_reported && role == "domain" && phrase == unknown && graph.parent(asked_at) >= 0 &&
       graph.word(asked_at).sense.empty())
     return reported_predicate(graph, asked_at, led);
@@ -323,12 +354,20 @@ void question(Rewriter& graph, int unknown) {
   // Some files mark the mood beside the word that asks; one mark is enough.
   std::erase(graph.word(clause).attributes, "@int");
   // "What are you filling it with?": a preposition stays with its verb.
-  const bool is_given = role == "ARG2" && is_hearer && gives(graph, asked_at);
-  if (is_given || (role == "ARG2" && clause == asked_at))
-    attribute_add(graph.word(asked_at), is_given ? "@stto" : "@st2");
+  const char* left_behind = role == "accompanier"   ? "with"
+                            : role == "beneficiary" ? "for"
+                            : role == "topic"       ? "about"
+                            : role == "source"      ? "from"
+                                                    : nullptr;
+  const bool is_led = phrase == unknown && left_behind != nullptr && graph.child(asked_at, "particle") < 0;
+  if (is_led) graph.add(asked_at, graph.add_concept(left_behind), "particle");
+  const bool is_given = role == "ARG2" && is_person && gives(graph, asked_at);
+  // What is thought or known stands behind its verb without a preposition.
   constexpr std::array kThinking{"think", "know", "hear", "say", "tell", "believe", "learn"};
-  if (role == "ARG1" && !is_subject && !is_one_of(graph, asked_at, kThinking))
-    attribute_add(graph.word(asked_at), "@st1");
+  const bool is_behind =
+      (role == "ARG1" && !is_subject && !is_one_of(graph, asked_at, kThinking)) || role == "ARG2" || role == "ARG3";
+  if (is_given || (is_behind && !is_led))
+    attribute_add(graph.word(asked_at), is_given ? "@stto" : "@st" + role.substr(3));
   if (!is_subject) graph.replace(led, clause, phrase, "questioned");
 }
 
