@@ -455,7 +455,8 @@ void thing_apply(Rewriter& graph, int at) {
                                "lie",  "stand", "matter", "remain", "survive", "count", "belong"};
   const std::string& name = graph.word(frame).name;
   if (graph.word(frame).sense.empty() || !is_simple || !is_plain || name.find('-') != name.npos) return;
-  if (is_one_of(graph, frame, kMotion)) return;
+  // Who lies in bed does not tell a lie.
+  if (is_one_of(graph, frame, kMotion) && !graph.is(frame, "lie", "08")) return;
   // "Some more questions".
   const int mod = graph.child(at, "mod");
   constexpr std::array kSeveral{"some", "more", "other"};

@@ -73,7 +73,7 @@ bool is_party(const Concept& group) {
 void party_to_member(Concept& party) {
   if (party.name.ends_with(" Party")) party.name.resize(party.name.size() - 6);
   if (party.name == "Democratic") party.name = "Democrat";
-  std::erase(party.attributes, "@name");
+  for (const char* mark : {"@name", "@the"}) std::erase(party.attributes, mark);
 }
 
 // No office is named: whoever is of a group. As the statement: "she is a Whig".

@@ -256,6 +256,7 @@ void multiple_apply(Rewriter& graph, int at) {
   // "For weeks".
   if (inner >= 0 && graph.is(number, "1")) {
     graph.remove(inner, Fate::attribute);
+    std::erase(graph.word(graph.arc(led).to).attributes, "@sg");
     attribute_add(graph.word(graph.arc(led).to), "@pl");
     return graph.stand_in(at, led, Fate::word);
   }
