@@ -260,8 +260,11 @@ class GraphParser {
       return true;
     }
     if (token.kind != Token::Kind::role) {
-      const char* what = token.kind == Token::Kind::open ? "\"(\"" : "";
-      error(token.place, "a role or \")\" is missing in front of " + (*what != '\0' ? what : '"' + token.text + '"'));
+      const bool is_open = token.kind == Token::Kind::open;
+      const std::string what = is_open ? "(" : token.kind == Token::Kind::slash ? "/" : token.text;
+      error(token.place,
+            "a role or \")\" is missing in front of \"" + what + '"' + (is_open ? "; it is left out" : ""));
+      if (is_open) skip_parenthesis(token.place);
       return true;
     }
     if (meaning_.triples.size() + 2 >= kMaxTriples || open_.size() >= kMaxDepth) {
@@ -271,6 +274,16 @@ class GraphParser {
     }
     target(token);
     return true;
+  }
+
+  // Behind an opening parenthesis that no role leads to: up to its closing one, which would close the concept above else.
+  void skip_parenthesis(SourcePlace place) {
+    const int lost = triple_add(place, variable_of(open_.back()), ":", tokens_.head().text);
+    settle(meaning_, lost, Fate::left_out, "source: no role leads to the concept");
+    for (int depth = 1; depth > 0 && tokens_.head().kind != Token::Kind::end;) {
+      const Token::Kind kind = tokens_.take().kind;
+      depth += kind == Token::Kind::open ? 1 : kind == Token::Kind::close ? -1 : 0;
+    }
   }
 
   // Behind a role: a concept in parentheses, a text, or a symbol, which waits for the end of the graph. A role without

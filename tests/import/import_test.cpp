@@ -922,6 +922,13 @@ const MistakeRow kMistakes[] = {
     {"role_without_target", "(a / b :ARG0 :ARG1 (c / d))\n", "bank.txt:1:8: error: the role :ARG0 has no target; it is left out\n", 1},
     {"defined_twice", "(a / b :ARG0 (a / c))\n", "bank.txt:1:15: error: the variable a is defined twice; the second one is read as another concept\n", 1},
     {"no_concept", "(a :ARG0 (c / d))\n", "bank.txt:1:2: error: the variable a has no concept; write \"(a / concept\"\n", 1},
+    {"colon_alone", "(a / b : (c / d :ARG0 (e / f)) / :ARG1 (g / h :ARG0 (i / j)))\n",
+     "bank.txt:1:8: error: the role : has no target; it is left out\nbank.txt:1:10: error: a role or \")\" is missing in front of \"(\"; it is left out\n"
+     "bank.txt:1:32: error: a role or \")\" is missing in front of \"/\"\n",
+     1},
+    {"comment_in_a_graph", "(a / b # (c\n  :ARG0 (d / e))\n", "", 1},
+    {"graph_cut_by_the_next", "(a / b :ARG0 (c / d)\n# ::snt next\n(e / f)\n",
+     "bank.txt:1:1: error: the graph has 1 parentheses that are not closed; it is read as far as it goes\n", 2},
     {"loose_word", "(a / b c)\n", "bank.txt:1:8: error: a role or \")\" is missing in front of \"c\"\n", 1},
     {"behind_the_graph", "(a / b)) (c / d)\n",
      "bank.txt:1:8: error: the graph ends in front of \") (c / d)\", which is left out; a graph begins on a line of its own\n", 1},
@@ -955,6 +962,22 @@ TEST(Import, LabelsReferencesAndAttributes) {
   EXPECT_EQ(result.messages, "bank.txt:3:1: error: the table of attributes names the node zz (line 2), which x.1 lacks\n");
 }
 
+TEST(Import, ReferencesOfOtherForms) {
+  // The sentence counts more than its tokens, and a reference that begins like a label gets a sign in front.
+  EXPECT_EQ(imported("# ::id x ::tok Dogs ran .\n# ::snt [Dogs] ran.\n# ::tok Dogs\n(r / run-02)\n", {}).gold, "[S:x]\n\\[Dogs] ran.\n\n");
+  EXPECT_EQ(imported("# ::id x\n# ::tok Dogs ran .\n(r / run-02)\n", {}).gold, "[S:x]\nDogs ran .\n\n");
+  const char* tree = "# sent_id = t.7\n# text = Dogs run.\n# newpar\n1\trun\trun\t_\t_\t_\t0\troot\t_\t_\n";
+  EXPECT_EQ(imported(tree, {}, SourceFormat::conllu).gold, "[S:t.7]\nDogs run.\n\n");
+  // What ends a label or a line does not stand in one.
+  EXPECT_EQ(imported("# ::id a]b\n(r / rain)\n", {}).graphs, "[S:a b]\n[W]\nrain.@entry\n[/W]\n[/S]\n\n");
+}
+
+TEST(Import, LongWordsAreCutBetweenLetters) {
+  const std::string letters(199, 'a');
+  EXPECT_EQ(imported("(x / " + letters + "\u00e9b)\n", {}).relations, letters + ".@entry");
+  EXPECT_EQ(imported("(x / " + letters + "b\u00e9)\n", {}).relations, letters + "b.@entry");
+}
+
 TEST(Import, UmrFileWithTimes) {
   const Result result = imported(
       "# :: snt7\nIndex: 1\nWords: It ran .\n\n# sentence level graph:\n(s7r / run-02 :aspect performance\n  :theme (s7i / it))\n\n"
@@ -965,6 +988,10 @@ TEST(Import, UmrFileWithTimes) {
 }
 
 TEST(Import, WhatIsTooMuchForASentenceIsListed) {
+  // What no role leads to is left out, and what stands behind it is read.
+  const Result loose = imported("(a / b (c / d) :ARG1 (e / f))\n", {});
+  EXPECT_EQ(loose.relations, "a1(b.@entry, f)");
+  EXPECT_EQ(loose.left_out, "bank.1\tbank.txt:1:8\ta : c\tsource: no role leads to the concept\n");
   // A mention in parentheses names its concept on the list, too.
   EXPECT_EQ(imported("(a / b :wiki (a))\n", {}).left_out, "bank.1\tbank.txt:1:8\ta :wiki a\tsource: a word stands below itself\n");
   // A graph that is given up for its size is told of once.
@@ -1002,6 +1029,12 @@ const TreeRow kTrees[] = {
     {"no_dependencies", true, "1\ta\ta\t_\t_\t_\t_\t_\t1:obj|2\t_\n2\tb\tb\t_\t_\t_\t_\t_\t0:root\t_\n", "b.@entry",
      "bank.txt:1:1: error: a is its own head; this dependency is left out\n"
      "bank.txt:1:1: error: an enhanced dependency is a head, a colon and a relation; \"2\" is left out\n"},
+    {"span_of_a_written_word", false, "1-2\tdel\t_\t_\t_\t_\t_\t_\t_\t_\n1\tde\tof\t_\t_\t_\t2\tcase\t_\t_\n2\tel\tthe\t_\t_\t_\t0\troot\t_\t_\n", "cas(the.@entry, of)", ""},
+    {"empty_node", false, "1\ta\ta\t_\t_\t_\t0\troot\t_\t_\n1.1\tb\tb\t_\t_\t_\t_\t_\t1:conj\t_\n", "a.@entry", ""},
+    {"empty_node_enhanced", true, "1\ta\ta\t_\t_\t_\t0\troot\t0:root\t_\n1.1\tb\tb\t_\t_\t_\t_\t_\t1:conj\t_\n", "cnj(a.@entry, b)", ""},
+    {"form_without_lemma", false, "1\tdogs\t_\t_\t_\t_\t0\troot\t_\t_\r\n\r\n", "dogs.@entry", ""},
+    {"number_twice", false, "1\ta\ta\t_\t_\t_\t0\troot\t_\t_\n1\tb\tb\t_\t_\t_\t1\tobj\t_\t_\n", "pat(a.@entry, b)", "bank.txt:2:1: error: the sentence has two words 1\n"},
+    {"mark_in_front_of_the_file", false, "\xEF\xBB\xBF# sent_id = t\n1\ta\ta\t_\t_\t_\t0\troot\t_\t_\n", "a.@entry", ""},
     {"no_head", false, "1\ta\ta\t_\t_\t_\t7\tobj\t_\t_\n", "a.@entry",
      "bank.txt:1:1: error: the head 7 of a is no word of the sentence\nbank.txt:1:1: error: no word has the head 0; the first one begins the sentence\n"},
 };
