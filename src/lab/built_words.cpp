@@ -18,6 +18,7 @@ namespace fs = std::filesystem;
 std::string BuiltWords::dictionary_of(const std::vector<std::string>& files, const Overlay* unsaved) {
   if (files.empty()) return {};
   std::vector<TextMark> marks;
+  marks.reserve(files.size());
   for (const std::string& file : files) marks.push_back(text_mark(file, unsaved));
   // Neither files nor unsaved texts have changed.
   if (files == files_ && marks == marks_) return path_;

@@ -53,6 +53,23 @@ void answer(const WordIndex& index, std::uint32_t first_set, const std::unordere
   }
 }
 
+// Entries of a text that stand alike in one of the texts before it, since all of them count as one dictionary. Those that
+// stand twice in one text are findings of its own.
+void tell_of_repeated(const WordSurvey& survey, const WordIndex& index, std::vector<Finding>& findings) {
+  for (const auto& [hash, line] : index.lines_by_hash()) {
+    for (const std::shared_ptr<const WordIndex>& earlier : survey.indexes) {
+      const auto& lines = earlier->lines_by_hash();
+      const auto found = std::ranges::lower_bound(lines, std::pair<std::size_t, std::int64_t>(hash, 0));
+      if (found == lines.end() || found->first != hash) continue;
+      findings.push_back({index.path(), line, 1, 2, Level::warning, "duplicate-entry",
+                          "the same entry stands in " + earlier->path() + ", line " + std::to_string(found->second),
+                          "strike one of the two out"});
+      findings.back().fix.kind = Fix::Kind::strike_line;
+      break;
+    }
+  }
+}
+
 // Looks for the needles of one file; `wanted`: line and number of a finding, in order.
 void columns_find(std::string_view text, const std::vector<std::pair<std::int64_t, std::size_t>>& wanted,
                   const std::unordered_map<std::size_t, std::string>& needles, std::vector<Finding>& findings) {
@@ -96,8 +113,9 @@ WordSurvey survey_words(const CheckInput& input, const WordQuestions& questions,
     const auto file = static_cast<std::uint32_t>(survey.files.size());
     // The files count as one, so their sets and attributes are numbered through.
     survey.files.push_back(path);
-    survey.indexes.push_back(index);
     findings.insert(findings.end(), index->findings().begin(), index->findings().end());
+    tell_of_repeated(survey, *index, findings);
+    survey.indexes.push_back(index);
     const auto first_set = static_cast<std::uint32_t>(survey.attribute_sets.size());
     survey.first_sets.push_back(first_set);
     for (const WordIndex::AttributeSet& set : index->sets()) {

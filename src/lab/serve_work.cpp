@@ -431,7 +431,7 @@ Workplace::Json Workplace::check(const Unsaved& unsaved, const Wanted& wanted) {
   if (expansion.is_source) {
     for (const SourceMessage& message : expansion.messages) {
       add(message.file, message.line, message.line == 0 ? 0 : message.column + 1, 0,
-          message.is_warning ? "warning" : "error", "source", message.text, {});
+          message.is_warning ? "warning" : "error", "source-syntax", message.text, {});
     }
     if (expansion.has_errors()) return {{"findings", findings}};
     input.rules.text = expansion.text;

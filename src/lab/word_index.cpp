@@ -180,7 +180,8 @@ class Duplicates {
                         "two entries of [" + form_ + "] are alike in everything", "strike one out of the entries"});
   }
 
-  void finish(std::vector<Finding>& findings) {
+  // Tells those of a text, and returns its entries by their hashes.
+  std::vector<std::pair<std::size_t, std::int64_t>> finish(std::vector<Finding>& findings) {
     // Alike entries stand together then, in the order of their lines.
     std::ranges::sort(seen_);
     std::size_t first = 0;  // of those that are alike
@@ -194,6 +195,7 @@ class Duplicates {
                           "strike one of the two out"});
       findings.back().fix.kind = Fix::Kind::strike_line;
     }
+    return std::move(seen_);
   }
 
  private:
@@ -251,7 +253,7 @@ WordIndex::WordIndex(const std::string& path, const Overlay* unsaved) : path_(pa
   } else {
     read_text(source, use, findings_, encoded_);
   }
-  duplicates.finish(findings_);
+  lines_by_hash_ = duplicates.finish(findings_);
   sort_keys();
   look_for_twins();
 }

@@ -7,6 +7,7 @@
 #include <string>
 #include <string_view>
 #include <unordered_map>
+#include <utility>
 #include <vector>
 
 #include "lab/check.hpp"
@@ -17,7 +18,7 @@ namespace lexon {
 inline namespace v1 {
 namespace lab {
 
-// Takes some 30 to 40 bytes an entry besides its form and its concept word. Read-only once it is made.
+// Takes some 45 to 55 bytes an entry besides its form and its concept word. Read-only once it is made.
 class WordIndex {
  public:
   struct Entry {
@@ -45,6 +46,10 @@ class WordIndex {
     return found == glosses_.end() ? 0 : found->second;
   }
   [[nodiscard]] const EncodedLines& encoded() const { return encoded_; }  // of entry text
+  // Of entry text: the hash of each entry and its line, in ascending order; empty for a built dictionary.
+  [[nodiscard]] const std::vector<std::pair<std::size_t, std::int64_t>>& lines_by_hash() const {
+    return lines_by_hash_;
+  }
   // What is wrong with the entries themselves.
   [[nodiscard]] const std::vector<Finding>& findings() const { return findings_; }
 
@@ -83,7 +88,8 @@ class WordIndex {
   std::vector<std::uint64_t> by_concept_;
   std::vector<std::uint64_t> by_id_;
   EncodedLines encoded_;
-  std::unordered_map<std::string, std::int64_t> glosses_;  // see `with_gloss`
+  std::vector<std::pair<std::size_t, std::int64_t>> lines_by_hash_;  // see `lines_by_hash`
+  std::unordered_map<std::string, std::int64_t> glosses_;            // see `with_gloss`
   std::vector<Finding> findings_;
 };
 

@@ -173,6 +173,10 @@ def forms():
             table.check(f"check {more}: status", made.returncode, status)
             if told is not ...:
                 table.check(f"check {more}", made.stdout, told)
+        (target / "more.txt").write_text('[cat]{} "cat" (N);\n[dog]{} "dog" (N);\n')
+        made = table.run("lexon-lab", "check", "main.lxr", "-d", "entries.txt", "-d", "more.txt", folder=target)
+        table.check("an entry in two files", "more.txt:2:1: warning: the same entry stands in entries.txt, line 2 "
+                    "[duplicate-entry]" in made.stdout, True)
         (target / "bad.lxr").write_text("%for t in TENSES\nR{} {} P1;\n")
         made = table.run("lexon-lab", "check", "bad.lxr", "--format", "json", folder=target)
         table.check("a source that cannot be expanded", [(f["line"], f["code"]) for f in json.loads(made.stdout)],
