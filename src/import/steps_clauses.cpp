@@ -754,7 +754,7 @@ bool is_coming(Rewriter& graph, int at, int time) {
   constexpr std::array kPeriods{"week", "month", "year", "summer", "winter", "spring", "autumn"};
   const int pointer = is_one_of(graph, time, kPeriods) ? graph.child(time, "mod") : -1;
   const bool is_next = pointer >= 0 && graph.is(graph.arc(pointer).to, "next");
-  if (!graph.is(time, "tomorrow") && !is_next) return false;
+  if (!graph.is(time, "tomorrow") && !graph.is(time, "future") && !is_next) return false;
   const int above = graph.parent(at);
   if (above >= 0 && !is_core(graph.arc(above)) && graph.arc(above).role != "conjunct") return false;
   constexpr std::array kSaid{"@past",   "@pres", "@fut",    "@imp",    "@can",   "@must",
@@ -1279,6 +1279,28 @@ bool is_given_passive(Rewriter& graph, int at) {
           (is_one_of(graph, governor, kSaying) || is_one_of(graph, governor, kReporting)));
 }
 
+// "He said that it rained and that she came": without the second "that" the last clause would be told by itself.
+void content_joined_apply(Rewriter& graph, int at) {
+  const int led = is_event(graph, at) && (is_one_of(graph, at, kSaying) || is_one_of(graph, at, kReporting) ||
+                                          graph.is(at, "believe", "01") || graph.is(at, "hope", "01") ||
+                                          graph.is(at, "claim", "01") || graph.is(at, "report", "01"))
+                      ? graph.child(at, "ARG1")
+                      : -1;
+  int clause = led < 0 ? -1 : graph.arc(led).to;
+  constexpr std::array kNoStatement{"@whether", "@asked", "@quote", "@imp", "@nom", "@int", "@ask"};
+  const auto is_told = [&](int one) {
+    return is_clause(graph, one) && subject_arc(graph, one) >= 0 &&
+           std::none_of(kNoStatement.begin(), kNoStatement.end(),
+                        [&](const char* mark) { return has_attribute(graph.word(one), mark); });
+  };
+  for (int steps = graph.count(); clause >= 0 && is_told(clause) && steps > 0; --steps) {
+    const int next = graph.child(clause, "conjunct");
+    clause = next < 0 ? -1 : graph.arc(next).to;
+    if (clause >= 0 && graph.child(clause, "shared") < 0 && is_told(clause))
+      attribute_add(graph.word(clause), "@thatc");
+  }
+}
+
 // "She gave it to him": a pronoun stands before who receives it, who then has a preposition.
 void giving_apply(Rewriter& graph, int at) {
   const bool is_shared = has_attribute(graph.word(at), "@shr1");
@@ -1392,6 +1414,7 @@ void step_forms(Meaning& meaning) {
     bare_time_apply(graph, at);
     content_apply(graph, at);
     whole_relative_apply(graph, at);
+    content_joined_apply(graph, at);
     giving_apply(graph, at);
     particle_apply(graph, at);
     perceived_apply(graph, at);

@@ -473,7 +473,8 @@ void determiners_apply(Rewriter& graph) {
       one.role = "quant";
     }
     if (graph.word(one.to).variable.empty() && is_number(name)) one.role = "number";
-    const bool is_several = is_listed(name, kSeveral);
+    // "All the time".
+    const bool is_several = is_listed(name, kSeveral) && !is_uncounted(graph.word(one.from).name);
     const bool is_all_that = graph.is(one.from, "that") || graph.is(one.from, "this");
     // The noun of an event below "other" is several, too: "from all other attempts".
     if (is_several && !is_all_that && !is_uncounted(graph.word(one.from).name) &&
