@@ -252,7 +252,12 @@ void again_apply(Rewriter& graph, int quality, int bearer) {
 // "She knows more things than he", "there are too many stars".
 void counted_apply(Rewriter& graph, int quality, int bearer) {
   const bool is_counted = graph.is(quality, "many") || graph.is(quality, "few") || graph.is(bearer, "thing");
-  if (is_counted) attribute_add(graph.word(bearer), "@pl");
+  // "Fewer visitors".
+  const bool is_less =
+      graph.is(quality, "less") && (graph.is(bearer, "person") || has_attribute(graph.word(bearer), "@pl"));
+  if (is_less) graph.word(quality).name = "fewer";
+  if (is_counted || is_less || (graph.is(quality, "more") && graph.is(bearer, "person")))
+    attribute_add(graph.word(bearer), "@pl");
 }
 
 // "There are too many rules": how many of it there are is the statement.

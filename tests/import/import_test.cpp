@@ -691,9 +691,12 @@ const StepRow kSteps[] = {
     {"phrase_asked", "all", "(a / ask-01 :ARG0 (k / king) :ARG1 (s / star :quant (u / amr-unknown)))",
      "spk(ask(>01).@entry.@v.@cl, king); quo(ask(>01), star.@pl.@quote.@ask); qty(star, amr-unknown.@wh.@wh_quant)"},
     {"said_of_both", "all", "(s / say-01 :ARG0 (w / woman) :ARG1 (a / and :op1 (f / fall-01 :ARG1 (r / rain)) :op2 (d / dry-02 :ARG1 r)))",
-     "a0(say(>01).@entry.@v.@content.@cl, woman); a1(say(>01), fall(>01).@v.@cl); a1(fall(>01), rain:01); cnj(fall(>01), dry(>02).@v.@and.@shr1.@cl); shr(dry(>02), rain:02.@ref)"},
+     "a0(say(>01).@entry.@v.@content.@cl, woman); a1(say(>01), fall(>01).@v.@cl); a1(fall(>01), rain:01); cnj(fall(>01), dry(>02).@v.@and.@shr1.@cl); "
+     "shr(dry(>02), rain:02.@ref)"},
+    {"fewer_of_them", "degree", "(h / have-quant-91 :ARG1 (p / person) :ARG3 (l / less))", "a1(exist(>91).@entry.@v.@theres, person.@pl); qty(person, fewer)"},
     {"said_of_each", "all", "(s / say-01 :ARG0 (w / woman) :ARG1 (a / and :op1 (f / fall-01 :ARG1 (r / rain)) :op2 (l / leave-11 :ARG0 (b / boat))))",
-     "a0(say(>01).@entry.@v.@content.@cl, woman); a1(say(>01), fall(>01).@v.@cl); a1(fall(>01), rain); cnj(fall(>01), leave(>11).@v.@and.@thatc.@cl); a0(leave(>11), boat)"},
+     "a0(say(>01).@entry.@v.@content.@cl, woman); a1(say(>01), fall(>01).@v.@cl); a1(fall(>01), rain); cnj(fall(>01), leave(>11).@v.@and.@thatc.@cl); "
+     "a0(leave(>11), boat)"},
     {"told_of_me", "all", "(s / suggest-01 :ARG0 (t / teacher :poss (i / i)) :ARG1 (r / read-01 :ARG0 i))",
      "a0(suggest(>01).@entry.@v.@content.@cl, teacher); pos(teacher, i:01); a1(suggest(>01), read(>01).@v.@cl); a0(read(>01), i:02.@ref)"},
     {"phrase_asked_last", "all", "(a / and :op1 (c / come-01 :ARG1 (i / i)) :op2 (d / day :mod (u / amr-unknown)))",
