@@ -1324,6 +1324,10 @@ void giving_apply(Rewriter& graph, int at) {
   if (is_shared || (is_one_of(graph, at, kSending) && !is_person)) attribute_add(graph.word(at), "@pro1");
   const int thing = graph.arc(what).to;
   const bool is_light = !is_clause(graph, thing) && !is_long_receiver(graph, thing);
+  // "They sent the mayor a letter that asked for help": what has a clause of its own stands last.
+  const bool is_long_thing = !is_clause(graph, thing) && is_long_receiver(graph, thing);
+  if (is_long_thing && is_person && !is_shared && !is_long_receiver(graph, receiver))
+    attribute_add(graph.word(at), "@late1");
   const bool is_bare_pronoun = is_personal_pronoun(graph, thing) && !is_clause(graph, thing);
   if (is_bare_pronoun || graph.parent(thing) != what || (is_light && is_long_receiver(graph, receiver)))
     attribute_add(graph.word(at), "@pro1");

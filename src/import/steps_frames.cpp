@@ -670,6 +670,14 @@ void object_order_apply(Rewriter& graph, int at) {
   if (money >= 0) graph.arc(money).role = "ARG1";
 }
 
+// (t / thing :purpose (d / do-02 :ARG1 t)): a thing to do, and not a thing to do it.
+void purpose_of_thing_apply(Rewriter& graph, int at) {
+  const int led = graph.word(at).sense.empty() ? graph.child(at, "purpose") : -1;
+  const int deed = led < 0 ? -1 : graph.arc(led).to;
+  const int again = deed < 0 || graph.word(deed).sense.empty() ? -1 : graph.child(deed, "ARG1");
+  if (again >= 0 && graph.arc(again).to == at) graph.remove(again, Fate::relation);
+}
+
 // Frames that are a word or a phrase of their own.
 void phrase_apply(Rewriter& graph, int at) {
   // (w / work-01 :temporal (u / use-03)): what used to be done.
@@ -951,6 +959,7 @@ void step_reified(Meaning& meaning) {
     if (graph.is(at, "result", "01")) result_apply(graph, at);
     if (graph.is(at, "resemble", "01")) likeness_apply(graph, at);
     object_order_apply(graph, at);
+    purpose_of_thing_apply(graph, at);
     if (graph.is(at, "include", "01") || graph.is(at, "include", "91")) including_apply(graph, at);
     phrase_apply(graph, at);
     light_phrase_apply(graph, at);

@@ -226,6 +226,7 @@ const StepRow kSteps[] = {
      "a2(belong(>91).@entry.@v, she); a1(belong(>91), decide(>01).@v)"},
     {"identity_of_who_acts", "reified", "(l / laugh-01 :ARG0 (i / identity-91 :ARG1 (d / driver) :ARG2 (m / mayor)))",
      "a0(laugh(>01).@entry.@v, driver); app(driver, mayor)"},
+    {"thing_to_do", "reified", "(t / thing :purpose (d / do-02 :ARG0 (w / we) :ARG1 t))", "pur(thing.@entry, do(>02).@v); a0(do(>02), we)"},
     {"money_first", "reified", "(s / spend-01 :ARG0 (s2 / she) :ARG1 (b / boat) :ARG3 (c / coin))",
      "a0(spend(>01).@entry.@v, she); a2(spend(>01), boat); a1(spend(>01), coin)"},
     {"office", "office", "(p / person :ARG0-of (h / have-org-role-91 :ARG1 (c / club) :ARG2 (m / member)))", "org(member.@entry, club)"},
