@@ -13,7 +13,7 @@ import collections
 import pathlib
 import re
 
-VOWEL = re.compile(r"(?!(uni|use|usu|uti|eu|one\b|once|ubi|ura))(?:[aeiou]|hour|honest|honou?r|heir)", re.I)
+VOWEL = re.compile(r"(?!(uni(?!m|n(?!o)|dent)|use|usu|uti|eu|one\b|once|ubi|ura))(?:[aeiou]|hour|honest|honou?r|heir)", re.I)
 PREPOSITIONS = set("about above across after against along among around as at before behind between by for from in into "
                    "like near of off on onto out over through to toward towards under upon with within without".split())
 PARTICLES = set("about across ahead along apart around aside away back by down forward in off on out over through together "

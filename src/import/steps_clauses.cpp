@@ -414,6 +414,14 @@ void frame_stand_in(Rewriter& graph, int at, int led, const char* mark) {
   graph.stand_in(at, led);
 }
 
+// "The essential thing", and not "the essentiality".
+constexpr std::array kThingQualities{
+    "essential", "important", "good",    "bad",       "beautiful", "new",      "true",     "real",    "necessary",
+    "strange",   "useful",    "useless", "different", "wrong",     "right",    "simple",   "sure",    "dangerous",
+    "terrible",  "wonderful", "funny",   "serious",   "easy",      "hard",     "precious", "certain", "difficult",
+    "secret",    "ugly",      "nice",    "odd",       "sad",       "sacred",   "special",  "unique",  "great",
+    "absurd",    "curious",   "clear",   "obvious",   "similar",   "valuable", "pleasant", "fragile", "harmful"};
+
 // (t / thing :ARG1-of (o / order-01)): an order. Only what has no agent; "what she knows" stays a clause.
 // The thing is whatever the frame makes; only the arguments that a noun can have behind it may follow, "an answer to
 // the boy", and no negation or degree.
@@ -457,6 +465,7 @@ void thing_apply(Rewriter& graph, int at) {
   if (graph.word(frame).sense.empty() || !is_simple || !is_plain || name.find('-') != name.npos) return;
   // Who lies in bed does not tell a lie.
   if (is_one_of(graph, frame, kMotion) && !graph.is(frame, "lie", "08")) return;
+  if (is_one_of(graph, frame, kThingQualities)) return attribute_add(graph.word(at), "@quality");
   // "Some more questions".
   const int mod = graph.child(at, "mod");
   constexpr std::array kSeveral{"some", "more", "other"};

@@ -320,6 +320,7 @@ const StepRow kSteps[] = {
     {"government", "persons", "(g / government-organization :ARG0-of (g2 / govern-01 :ARG1 (c / country)))", "org(government.@entry, country)"},
     {"how_many", "quantities", "(s / star :quant (m / many))", "qty(star.@entry.@pl, many)"},
     {"result", "persons", "(t / thing :ARG1-of (o / order-01) :mod (o2 / old))", "mod(order(>01).@entry.@v.@result, old)"},
+    {"quality_of_a_thing", "persons", "(t / thing :ARG1-of (s / strange-01))", "a1(strange(>01).@v, thing.@entry.@quality)"},
     {"agent_with_more_stays", "persons", "(p / person :ARG0-of (d / drive-01 :location (h / here)))",
      "a0(drive(>01).@v, person.@entry); loc(drive(>01), here)"},
     {"identity", "reified", "(i / identity-91 :ARG1 (s / she) :ARG2 (m / mayor))", "dom(mayor.@entry, she)"},
