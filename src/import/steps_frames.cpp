@@ -689,7 +689,7 @@ void phrase_apply(Rewriter& graph, int at) {
   }
   // What is an example of something that is not told: for example.
   const int shown = graph.is(at, "have-example", "91") && graph.child(at, "ARG2") < 0 ? graph.child(at, "ARG1") : -1;
-  if (shown >= 0 && graph.mentions(graph.arc(shown).to) == 1) {
+  if (shown >= 0 && graph.parent(graph.arc(shown).to) == shown) {
     graph.add(graph.arc(shown).to, graph.add_concept("for-example"), "mod");
     graph.stand_in(at, shown, Fate::word);
   }
