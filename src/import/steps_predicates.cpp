@@ -296,6 +296,19 @@ void also_apply(Rewriter& graph, int led) {
   graph.replace(led, graph.arc(above).from, one.to, "mod");
 }
 
+// "Is there anyone among you who knows?": a pronoun alone asks whether there is one.
+void asked_pronoun(Rewriter& graph, int at) {
+  constexpr std::array kAny{"anyone", "anybody", "anything", "someone", "somebody", "something"};
+  if (at != graph.meaning().root || !is_one_of(graph, at, kAny) || graph.child(at, "domain") >= 0 ||
+      std::erase(graph.word(at).attributes, "@int") == 0)
+    return;
+  const int being = graph.add_concept("exist");
+  graph.word(being).sense = "91";
+  graph.word(being).attributes = {"@v", "@there", "@int"};
+  graph.meaning().root = being;
+  graph.add(being, at, "ARG1");
+}
+
 // A noun at the top that is denied or counted, with its place: "there were no stars in the sky".
 void denied_somewhere(Rewriter& graph, int at) {
   const int place = graph.child(at, "location");
@@ -320,6 +333,7 @@ void existing_apply(Rewriter& graph) {
   const int at = statement_of(graph);
   if (at < 0 || !graph.word(at).sense.empty() || graph.word(at).variable.empty()) return;
   if (has_attribute(graph.word(at), "@name") || graph.child(at, "domain") >= 0) return;
+  asked_pronoun(graph, at);
   const int led = graph.child(at, "time");
   if (led >= 0 && is_event(graph, graph.arc(led).to) && !graph.children(graph.arc(led).to).empty())
     attribute_add(graph.word(at), "@was");

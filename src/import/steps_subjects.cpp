@@ -64,7 +64,13 @@ void raise_apply(Rewriter& graph, int at) {
   if (led < 0 || !is_clause(graph, graph.arc(led).to)) return;
   // What begins to be done has a doer, what begins to be a subject: "the rain began to fall".
   const int done = graph.arc(led).to;
-  const int subject = is_phase ? graph.child(done, "ARG0") : subject_arc(graph, done);
+  // "The leaves began to fall": what these are said of does it by itself.
+  constexpr std::array kByItself{"fall",   "rise", "grow",   "burn",  "sink",      "tremble", "melt", "flow", "roll",
+                                 "shake",  "fade", "appear", "bloom", "ring",      "shine",   "glow", "rot",  "float",
+                                 "wither", "spin", "change", "turn",  "disappear", "freeze",  "boil", "bleed"};
+  const int subject = is_phase && (graph.child(done, "ARG0") >= 0 || !is_one_of(graph, done, kByItself))
+                          ? graph.child(done, "ARG0")
+                          : subject_arc(graph, done);
   if (is_phase && (has_attribute(graph.word(done), "@agent") || has_attribute(graph.word(done), "@result"))) return;
   if (subject < 0 || (is_phase && graph.child(at, "shared") >= 0)) return;
   if (is_clause(graph, graph.arc(subject).to) && !has_attribute(graph.word(graph.arc(subject).to), "@agent")) return;
