@@ -170,7 +170,8 @@ ERGATIVE = set("increase decrease change improve begin start end stop continue d
                "land drown heal crack snap pop shatter spill soften vary warm lie live sleep emerge depend belong bleed shake vibrate "
                "rattle hum buzz echo flash succeed suffer rot travel trip stumble collide shine ring crash explode burst fade "
                "grow die swell dissolve thaw ripen dangle sway rotate revolve descend ascend".split()) | {
-    "calm down", "wake up", "settle down", "slow down", "speed up", "break up", "cheer up", "warm up", "cool down", "dry up",
+    "weaken", "strengthen", "slow", "harden", "lessen", "darken", "cool", "tighten", "loosen", "thicken", "deepen", "broaden",
+    "lengthen", "narrow", "calm down", "wake up", "settle down", "slow down", "speed up", "break up", "cheer up", "warm up", "cool down", "dry up",
     "burn down", "blow up", "close down", "go ahead", "heat up", "line up", "burn out", "die out", "fall apart"}
 # What has a topic with about.
 ABOUT_NOUNS = set("information news story book article bullshit nonsense joke rumour rumor gossip film movie song poem theory "

@@ -133,7 +133,9 @@ int mention_of(Rewriter& graph, int at) {
   const bool is_person = graph.is(at, "person") && !has_attribute(model, "@name") && !has_attribute(model, "@pl") &&
                          !has_attribute(model, "@agent");
   if (is_person) word.name = "he";
-  word.sense = model.sense;
+  // That it is there has no word of its own.
+  if (graph.is(at, "be-located-at", "91")) word.name = "thing";
+  word.sense = word.name == "thing" ? "" : model.sense;
   word.is_text = model.is_text;
   for (const char* kept : {"@v", "@person", "@pl", "@name", "@p1", "@p2", "@p3", "@agent", "@measure"}) {
     if (has_attribute(model, kept)) attribute_add(word, kept);

@@ -186,7 +186,10 @@ void step_modality(Meaning& meaning) {
   for (const Arc& one : meaning.arcs) {
     const bool is_governed = !one.gone && !one.inverse && (one.role == "ARG1" || one.role == "ARG2") &&
                              !graph.word(one.from).sense.empty() && is_one_of(graph, one.from, kImplying);
-    if (is_governed && has_attribute(graph.word(one.to), "@done")) std::erase(graph.word(one.to).attributes, "@neg");
+    constexpr std::array kAspects{"@done", "@activity", "@state", "@habit", "@process", "@endeavor"};
+    const bool has_aspect = std::any_of(kAspects.begin(), kAspects.end(),
+                                        [&](const char* mark) { return has_attribute(graph.word(one.to), mark); });
+    if (is_governed && has_aspect) std::erase(graph.word(one.to).attributes, "@neg");
     // Nor does it tell anything new that what is wanted is likely.
     constexpr std::array kWilling{"want", "order", "ask",     "hope",   "plan",  "intend",  "expect",
                                   "try",  "need",  "promise", "decide", "force", "require", "demand",
@@ -346,6 +349,9 @@ void step_polarity(Meaning& meaning) {
   for (int at = 0; at < graph.count(); ++at) {
     // Some files deny "ever" itself.
     if (graph.is(at, "ever") && std::erase(graph.word(at).attributes, "@neg") > 0) graph.word(at).name = "never";
+    // "Nobody has ever been there": the subject takes it first.
+    const int doer = has_attribute(graph.word(at), "@neg") ? subject_arc(graph, at) : -1;
+    if (doer >= 0 && graph.word(graph.arc(doer).to).name.starts_with("any")) nobody_apply(graph, at);
     // "Not ever" is one word, and takes the negation with it.
     for (const int led : graph.children(at)) {
       if (!has_attribute(graph.word(at), "@neg") || !graph.is(graph.arc(led).to, "ever")) continue;
@@ -1031,7 +1037,8 @@ void step_tense(Meaning& meaning) {
     tense_of_thanks(graph, at);
     const int shared = graph.child(at, "shared");
     const int subject = shared >= 0 ? shared : subject_arc(graph, at);
-    const bool is_speech = has_attribute(clause, "@quote") && subject >= 0;
+    // What UMR calls done is over, though somebody says it.
+    const bool is_speech = has_attribute(clause, "@quote") && subject >= 0 && !has_attribute(clause, "@done");
     const bool is_to_you = subject >= 0 && graph.is(graph.arc(subject).to, "you");
     if (!is_known && (is_speech || is_to_you)) attribute_add(clause, "@pres");
     // "If it rains or snows".

@@ -339,6 +339,9 @@ void tie_to_bearer(Rewriter& graph, int at, bool is_quantity, int quality_led, i
   again_apply(graph, quality, bearer);
   // What is said to bear it may not be what it is a quality of: "it was so deeply rooted that ...".
   const int own = is_quantity ? -1 : graph.argument(quality, "ARG1");
+  // "It is too early to say": what nobody in particular does.
+  const bool is_too_early = has_attribute(graph.word(quality), "@too") &&
+                            (graph.is(quality, "early") || graph.is(quality, "late") || graph.is(quality, "soon"));
   const bool is_of_another = own >= 0 && own != quality_led && graph.other(own, quality) != bearer;
   if (bearer_above && !quality_above && names_frame && !is_of_another && !is_quantity) {
     // The bearer stands above and the quality leads back to it: a taller tree.
@@ -366,7 +369,7 @@ void tie_to_bearer(Rewriter& graph, int at, bool is_quantity, int quality_led, i
     graph.replace(quality_led, bearer, quality, is_quantity ? "quant" : is_compared ? "ARG1" : "mod", is_compared);
   } else if (!graph.word(bearer).sense.empty() && !is_quantity && graph.word(quality).sense.empty() &&
              !is_judgement(graph.word(quality).name) && graph.mentions(bearer) == 1 &&
-             (graph.child(bearer, "ARG0") >= 0 || graph.child(bearer, "ARG1") >= 0)) {
+             (graph.child(bearer, "ARG0") >= 0 || (graph.child(bearer, "ARG1") >= 0 && !is_too_early))) {
     // The bearer is an event: "he fell as gently as a tree falls".
     graph.remove(bearer_led, Fate::relation);
     graph.replace(quality_led, bearer, quality, "manner");

@@ -96,7 +96,8 @@ void object_apply(Rewriter& graph, int at) {
   if (!is_one_clause(graph, event)) return;
   // "They kept their promise".
   constexpr std::array kKept{"promise", "vow", "pledge", "watch", "balance"};
-  const bool is_kept = (graph.is(at, "keep", "01") || graph.is(at, "keep", "02")) && is_one_of(graph, event, kKept);
+  const bool is_kept = (graph.is(at, "keep", "01") || graph.is(at, "keep", "02")) && is_one_of(graph, event, kKept) &&
+                       (graph.is(at, "keep", "01") || graph.child(event, "ARG2") < 0);
   if (!is_light && !is_kept && !is_one_of(graph, at, kOfEvents)) return;
   // Who lets somebody do something: "it made him laugh".
   if (graph.is(at, "make", "02") || graph.is(at, "have", "04") || graph.is(at, "get", "04")) return;
@@ -119,8 +120,9 @@ void counted_event_apply(Rewriter& graph, int at) {
   const int above = graph.parent(at);
   if (!is_counted || above < 0 || graph.arc(above).inverse || !is_one_clause(graph, at)) return;
   const std::string& role = graph.arc(above).role;
-  if (!role.starts_with("ARG") || graph.child(at, "domain") >= 0 || has_attribute(graph.word(at), "@agent")) return;
-  event_to_noun(graph, at);
+  const bool is_reason = (role == "cause" || role == "concession") && has_attribute(graph.word(at), "@pl");
+  if ((!role.starts_with("ARG") && !is_reason) || graph.child(at, "domain") >= 0) return;
+  if (!has_attribute(graph.word(at), "@agent")) event_to_noun(graph, at);
 }
 
 // "They waited for an answer": of whom nobody tells that he does anything, as no argument of any clause is named, it is

@@ -53,8 +53,8 @@ void raise_apply(Rewriter& graph, int at) {
   constexpr std::array kPhases{"begin", "start", "continue", "cease", "stop"};
   const bool is_phase = graph.word(at).sense == "01" && is_one_of(graph, at, kPhases);
   // "She was allowed to stay": whom somebody allows it, is said in front where nobody does.
-  constexpr std::array kBidding{"allow",     "permit",  "force",  "oblige", "forbid",
-                                "encourage", "require", "compel", "expect", "order"};
+  constexpr std::array kBidding{"allow",   "permit", "force",  "oblige", "forbid",  "encourage",
+                                "require", "compel", "expect", "order",  "schedule"};
   const bool is_bidden = is_one_of(graph, at, kBidding) && is_event(graph, at) &&
                          !has_attribute(graph.word(at), "@imp") && graph.child(at, "ARG2") < 0 &&
                          graph.argument(at, "ARG0") < 0;
