@@ -320,26 +320,69 @@ void LineScanner::scan_rule(Scan& scan) {
       break;
     }
   }
-  if (is_source && scan.until <= scan.text.size()) {
-    // Behind a percent sign a name is wanted.
-    std::size_t begin = scan.until;
-    while (begin > 0 && is_name_char(scan.text[begin - 1])) --begin;
-    if (begin > 0 && scan.text[begin - 1] == '{') --begin;
-    if (begin > 0 && scan.text[begin - 1] == '%') {
-      wanted_ = Wanted::mark;
-      wanted_begin_ = scan.text[begin] == '{' ? begin + 1 : begin;
-    }
-  }
+  if (is_source) ask_for_mark(scan);
+}
+
+// Behind a percent sign a name is wanted.
+void LineScanner::ask_for_mark(const Scan& scan) {
+  if (scan.until > scan.text.size()) return;
+  std::size_t begin = scan.until;
+  while (begin > 0 && is_name_char(scan.text[begin - 1])) --begin;
+  if (begin > 0 && scan.text[begin - 1] == '{') --begin;
+  if (begin == 0 || scan.text[begin - 1] != '%') return;
+  wanted_ = Wanted::mark;
+  wanted_begin_ = scan.text[begin] == '{' ? begin + 1 : begin;
 }
 
 // ---- Sources
 
-namespace {
+// The words between `at` and `end`; whether each is an attribute, a label or neither is known from its other uses.
+void LineScanner::scan_values(Scan& scan, std::size_t at, std::size_t end) {
+  // What cannot be part of a name that a value of a list stands for.
+  constexpr std::string_view kAround = " \t,:(){}\"|^+-;";
+  scan.add_mark_tokens(at, end);
+  while (at < end) {
+    at = std::min(scan.text.find_first_not_of(kAround, at), end);
+    const std::size_t stop = std::min(scan.text.find_first_of(kAround, at), end);
+    const std::string_view word = std::string_view(scan.text).substr(at, stop - at);
+    // A word with a mark in it is no name before the source is expanded.
+    if (!has_mark(word)) scan.add(TokenKind::value, TokenUse::other, at, stop);
+    at = stop;
+  }
+}
 
-// What cannot be part of a name that a value of a list stands for.
-constexpr std::string_view kAroundValue = " \t,:(){}\"|^+-;";
+// The name behind blanks; from what is returned to `stop`.
+std::size_t LineScanner::name_at(const Scan& scan, std::size_t at, std::size_t& stop) {
+  at = std::min(scan.text.find_first_not_of(" \t", at), scan.text.size());
+  stop = at;
+  while (stop < scan.text.size() && is_name_char(scan.text[stop])) ++stop;
+  return at;
+}
 
-}  // namespace
+// %for NAME, NAME in LIST, or in values as they stand; `word_end` is behind the directive.
+void LineScanner::scan_for(Scan& scan, std::size_t word_end) {
+  const std::size_t in = scan.text.find(" in ", word_end);
+  for (std::size_t at = word_end; at < std::min(in, scan.text.size());) {
+    std::size_t stop = 0;
+    at = name_at(scan, at, stop);
+    // Something else stands where a name should: the source is being written.
+    if (stop == at) break;
+    scan.add(TokenKind::mark_name, TokenUse::gives, at, stop);
+    at = stop + (stop < scan.text.size() && scan.text[stop] == ',' ? 1 : 0);
+  }
+  if (in == std::string::npos) return;
+  std::size_t stop = 0;
+  const std::size_t at = name_at(scan, in + 4, stop);
+  if (stop > at) {
+    scan.add(TokenKind::mark, TokenUse::asks, at, stop);
+  } else {
+    scan_values(scan, in + 4, scan.text.size());
+  }
+  if (scan.is_asked(in + 4, std::max(stop, in + 4))) {
+    wanted_ = Wanted::mark;
+    wanted_begin_ = at;
+  }
+}
 
 // A line of a source: a directive, a line of a list or table that is written over several, or a rule.
 void LineScanner::scan_directive(Scan& scan) {
@@ -347,32 +390,13 @@ void LineScanner::scan_directive(Scan& scan) {
   if (goes_on_ && !in_block_) return scan_rule(scan);
   scan.blanks();
   const std::size_t begin = scan.at;
-  // The words between `at` and `end`; whether each is an attribute, a label or neither is known from its other uses.
-  const auto values = [&scan](std::size_t at, std::size_t end) {
-    scan.add_mark_tokens(at, end);
-    while (at < end) {
-      at = std::min(scan.text.find_first_not_of(kAroundValue, at), end);
-      const std::size_t stop = std::min(scan.text.find_first_of(kAroundValue, at), end);
-      const std::string_view word = std::string_view(scan.text).substr(at, stop - at);
-      // A word with a mark in it is no name before the source is expanded.
-      if (!has_mark(word)) scan.add(TokenKind::value, TokenUse::other, at, stop);
-      at = stop;
-    }
-  };
-  // The name behind blanks; from what is returned to `stop`.
-  const auto name_at = [&scan](std::size_t at, std::size_t& stop) {
-    at = std::min(scan.text.find_first_not_of(" \t", at), scan.text.size());
-    stop = at;
-    while (stop < scan.text.size() && is_name_char(scan.text[stop])) ++stop;
-    return at;
-  };
   if (scan.is_end() || *scan != '%') {
     if (!in_block_) {
       scan.at = 0;
       return scan_rule(scan);
     }
     // A line of a list or table.
-    if (!scan.is_end() && *scan != ';') values(begin, scan.text.size());
+    if (!scan.is_end() && *scan != ';') scan_values(scan, begin, scan.text.size());
     return;
   }
   std::size_t word_end = begin + 1;
@@ -385,44 +409,22 @@ void LineScanner::scan_directive(Scan& scan) {
   if (word == "end") {
     in_block_ = false;
   } else if (in_block_) {
-    values(begin, scan.text.size());
+    scan_values(scan, begin, scan.text.size());
   } else if (word == "define" || word == "list" || word == "table") {
     std::size_t stop = 0;
-    const std::size_t at = name_at(word_end, stop);
+    const std::size_t at = name_at(scan, word_end, stop);
     scan.add(TokenKind::mark_name, TokenUse::gives, at, stop);
     const std::size_t sign = scan.text.find('=', stop);
     // Without it a list or table goes on to its %end; with it the one of a table names a file.
     if (sign == std::string::npos) {
       in_block_ = word != "define";
     } else if (word != "table") {
-      values(sign + 1, scan.text.size());
+      scan_values(scan, sign + 1, scan.text.size());
     }
   } else if (word == "for") {
-    // %for NAME, NAME in LIST, or in values as they stand
-    const std::size_t in = scan.text.find(" in ", word_end);
-    for (std::size_t at = word_end; at < std::min(in, scan.text.size());) {
-      std::size_t stop = 0;
-      at = name_at(at, stop);
-      // Something else stands where a name should: the source is being written.
-      if (stop == at) break;
-      scan.add(TokenKind::mark_name, TokenUse::gives, at, stop);
-      at = stop + (stop < scan.text.size() && scan.text[stop] == ',' ? 1 : 0);
-    }
-    if (in != std::string::npos) {
-      std::size_t stop = 0;
-      const std::size_t at = name_at(in + 4, stop);
-      if (stop > at) {
-        scan.add(TokenKind::mark, TokenUse::asks, at, stop);
-      } else {
-        values(in + 4, scan.text.size());
-      }
-      if (scan.is_asked(in + 4, std::max(stop, in + 4))) {
-        wanted_ = Wanted::mark;
-        wanted_begin_ = at;
-      }
-    }
+    scan_for(scan, word_end);
   } else if (word == "if" || word == "elif") {
-    values(word_end, scan.text.size());
+    scan_values(scan, word_end, scan.text.size());
   } else if (word != "include" && word != "else" && word_end > begin + 1) {
     // No directive: a rule that begins with a mark.
     scan.at = 0;

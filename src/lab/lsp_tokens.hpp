@@ -88,6 +88,10 @@ class LineScanner {
   void scan_in_pattern(Scan& scan);
   void scan_rule(Scan& scan);
   void scan_directive(Scan& scan);
+  void scan_for(Scan& scan, std::size_t word_end);
+  static void scan_values(Scan& scan, std::size_t at, std::size_t end);
+  static std::size_t name_at(const Scan& scan, std::size_t at, std::size_t& stop);
+  void ask_for_mark(const Scan& scan);
   void scan_entry(Scan& scan) const;
   void scan_graph(Scan& scan);
 
