@@ -3,6 +3,8 @@
 #include <array>
 #include <cstddef>
 #include <string>
+#include <string_view>
+#include <utility>
 #include <vector>
 
 #include "import/clauses.hpp"
@@ -268,107 +270,144 @@ bool asked_alone(Rewriter& graph, int phrase, int led) {
   return true;
 }
 
-// What is asked for moves to the front of its clause, together with the phrase that it belongs to.
-// Three parts: which phrase goes along (how many stars), up to which clause it moves (where do you want to go), and
-// what the clause and the phrase must know of it (@ask or @asked; @wh_ with the role). The phrase becomes :questioned
-// of the clause.
-void question(Rewriter& graph, int unknown) {
-  asked_predicate(graph, unknown);
-  if (unknown == graph.meaning().root) attribute_add(graph.word(unknown), "@ask");
-  int led = graph.parent(unknown);  // the arc from what is above the phrase
-  if (led < 0 || graph.arc(led).inverse) return;
-  int phrase = unknown;
-  // "What are you afraid of": a preposition stays behind with its verb.
+// What is asked for, on its way to the front of a clause.
+struct Asked {
+  int unknown;
+  int phrase;        // what moves: the unknown itself, or the noun that it belongs to
+  int led;           // the arc to the phrase
+  std::string role;  // of the phrase in its clause; "destination" and the like where asked_role has a name for it
+  int steps;         // left for the walks up: a graph may have a circle there, and more steps than concepts are none
+};
+
+// (a / afraid-01 :ARG1 (o / of :op1 (a2 / amr-unknown))): "what are you afraid of", the preposition stays with its verb.
+void strand_preposition(Rewriter& graph, int led) {
   const int governed = graph.parent(graph.arc(led).from);
-  if (graph.arc(led).role == "op1" && governed >= 0 && graph.arc(governed).role == "prep") {
-    graph.arc(governed).role = "particle";
-    graph.lead_from(led, graph.arc(governed).from);
-    graph.arc(led).role = "prep";
-  }
-  std::string role = graph.arc(led).role;
-  attribute_add(graph.word(unknown), "@wh");
-  // Both walks go up, and a graph may have a circle there: more steps than concepts are none.
-  int steps = graph.count();
-  // "How many stars", "whose hat": the noun goes with it.
+  if (graph.arc(led).role != "op1" || governed < 0 || graph.arc(governed).role != "prep") return;
+  graph.arc(governed).role = "particle";
+  graph.lead_from(led, graph.arc(governed).from);
+  graph.arc(led).role = "prep";
+}
+
+// (s / see-01 :ARG1 (s2 / star :quant (a / amr-unknown))): "how many stars", "whose hat", the noun goes along. False if
+// the phrase belongs to no clause that could ask for it, or asks by itself.
+bool take_noun_along(Rewriter& graph, Asked& asked) {
+  constexpr std::array kOfNoun{"quant", "poss", "mod", "degree", "possessor", "age"};
+  // A verb or a predicate stays where it is; the driver is a noun, and so is what only a place is said of.
   const auto is_phrase = [&](int at) {
     const int above = graph.parent(at);
     return !is_clause(graph, at) || has_attribute(graph.word(at), "@agent") ||
            (above >= 0 && graph.is(graph.arc(above).from, "be-located-at", "91"));
   };
-  while (is_phrase(graph.arc(led).from) && (role == "quant" || role == "poss" || role == "mod" || role == "degree" ||
-                                            role == "possessor" || role == "age")) {
-    if (--steps < 0) return;
-    attribute_add(graph.word(unknown), "@wh_" + role);
-    phrase = graph.arc(led).from;
-    const int above = graph.parent(phrase);
+  while (is_phrase(graph.arc(asked.led).from) && is_listed(asked.role, kOfNoun)) {
+    if (--asked.steps < 0) return false;
+    attribute_add(graph.word(asked.unknown), "@wh_" + asked.role);
+    asked.phrase = graph.arc(asked.led).from;
+    const int above = graph.parent(asked.phrase);
     // "What a good idea!" asks nothing.
-    if (has_attribute(graph.word(phrase), "@exp")) return;
+    if (has_attribute(graph.word(asked.phrase), "@exp")) return false;
     // "How many stars?" he asked: what is said is the phrase alone.
-    if (asked_alone(graph, phrase, above)) return;
-    attribute_add(graph.word(phrase), "@wh");
-    led = above;
-    role = graph.arc(led).role;
-    if (graph.arc(led).inverse) return;
+    if (asked_alone(graph, asked.phrase, above)) return false;
+    attribute_add(graph.word(asked.phrase), "@wh");
+    asked.led = above;
+    asked.role = graph.arc(above).role;
+    if (graph.arc(above).inverse) return false;
   }
-  // "They quarreled about whose turn it was".
+  return true;
+}
+
+// "They quarreled about whose turn it was": what they quarrel about is the phrase, and nobody is asked.
+bool is_disputed(Rewriter& graph, const Asked& asked) {
   constexpr std::array kDisputing{"quarrel", "argue", "debate", "discuss", "wonder", "inquire", "dispute", "decide"};
-  const int disputed = graph.arc(led).from;
-  if (phrase != unknown && is_one_of(graph, disputed, kDisputing) && !has_attribute(graph.word(disputed), "@int") &&
-      subject_arc(graph, disputed) >= 0 && !graph.is(graph.arc(subject_arc(graph, disputed)).to, "you"))
-    return;
-  // The question is that of the highest clause that the phrase can move to: "where do you want to go". A verb of knowing
-  // ends the way: "I know where he lives".
-  int clause = graph.arc(led).from;
-  const int asked_at = clause;
+  const int at = graph.arc(asked.led).from;
+  const int subject = subject_arc(graph, at);
+  return asked.phrase != asked.unknown && is_one_of(graph, at, kDisputing) && !has_attribute(graph.word(at), "@int") &&
+         subject >= 0 && !graph.is(graph.arc(subject).to, "you");
+}
+
+// The clause in front of which the phrase comes to stand, and whether it reports the question.
+struct AskingClause {
+  int at;
+  bool is_reported;
+};
+
+// The question is that of the highest clause that the phrase can move to: "where do you want to go". A verb of knowing
+// ends the way: "I know where he lives"; so does "no matter where he lives".
+AskingClause asking_clause(Rewriter& graph, Asked& asked) {
+  int clause = graph.arc(asked.led).from;
   bool is_reported = false;
-  while (clause != graph.meaning().root && !has_attribute(graph.word(clause), "@quote") && --steps > 0) {
+  while (clause != graph.meaning().root && !has_attribute(graph.word(clause), "@quote") && --asked.steps > 0) {
     const int above = graph.parent(clause);
     is_reported = above >= 0 && graph.is(graph.arc(above).from, "no-matter");
     if (above < 0 || !is_core(graph.arc(above))) break;
     const int governor = graph.arc(above).from;
+    // "Think where you left it": elsewhere who thinks does not know, "where do you think you left it".
     const bool is_bidden = graph.is(governor, "think", "01") && has_attribute(graph.word(governor), "@imp");
-    if (is_bidden || is_one_of(graph, governor, kReporting) || has_attribute(graph.word(governor), "@int")) {
-      is_reported = true;
-      break;
-    }
+    if (is_bidden || is_one_of(graph, governor, kReporting) || has_attribute(graph.word(governor), "@int"))
+      return {clause, true};
     clause = governor;
   }
+  return {clause, is_reported};
+}
+
+// "Who are you", "who sent it": a person is asked for, and not a thing, a place or a number.
+bool asks_who(Rewriter& graph, const Asked& asked) {
+  if (asked.phrase != asked.unknown) return false;
+  const int at = graph.arc(asked.led).from;
+  if (asked.role != "domain") return is_somebody(graph, at, asked.role);
+  const bool is_pronoun = is_personal_pronoun(graph, at) && graph.word(at).name != "it";
+  return is_pronoun || graph.is(at, "person") || has_attribute(graph.word(at), "@person");
+}
+
+// "What are you filling it with", "who did you give it to": the preposition stays behind with its verb, as a particle
+// where the role tells which it is, else as the one that the verb has for the number of the role, @st2.
+void leave_preposition(Rewriter& graph, const Asked& asked, bool is_person, bool is_subject) {
+  constexpr std::pair<std::string_view, const char*> kPrepositions[] = {
+      {"accompanier", "with"}, {"beneficiary", "for"}, {"topic", "about"}, {"source", "from"}};
+  const int at = graph.arc(asked.led).from;
+  const bool has_place = asked.phrase == asked.unknown && graph.child(at, "particle") < 0;
+  for (const auto& [role, preposition] : kPrepositions) {
+    if (has_place && asked.role == role) graph.add(at, graph.add_concept(preposition), "particle");
+  }
+  // What is thought or known stands behind its verb without a preposition.
+  constexpr std::array kThinking{"think", "know", "hear", "say", "tell", "believe", "learn"};
+  const bool is_object = asked.role == "ARG1" && !is_subject && !is_one_of(graph, at, kThinking);
+  if (asked.role == "ARG2" && is_person && gives(graph, at))
+    attribute_add(graph.word(at), "@stto");
+  else if (is_object || asked.role == "ARG2" || asked.role == "ARG3")
+    attribute_add(graph.word(at), "@st" + asked.role.substr(3));
+}
+
+// (w / want-01 :ARG0 (y / you) :ARG1 (g / go-02 :ARG0 y :location (a / amr-unknown))): "where do you want to go".
+// What is asked for moves to the front of its clause, together with the phrase that it belongs to (how many stars), and
+// becomes :questioned there. The clause and the phrase must know of it, @ask or @asked and @wh_ with the role.
+void question(Rewriter& graph, int unknown) {
+  asked_predicate(graph, unknown);
+  if (unknown == graph.meaning().root) attribute_add(graph.word(unknown), "@ask");
+  const int led = graph.parent(unknown);
+  if (led < 0 || graph.arc(led).inverse) return;
+  strand_preposition(graph, led);
+  attribute_add(graph.word(unknown), "@wh");
+  Asked asked{unknown, unknown, led, graph.arc(led).role, graph.count()};
+  if (!take_noun_along(graph, asked) || is_disputed(graph, asked)) return;
+  const int asked_at = graph.arc(asked.led).from;
+  auto [clause, is_reported] = asking_clause(graph, asked);
   // A subject stands in front already: "who came".
   const bool is_subject =
-      clause == asked_at && (role == "ARG0" || (role == "ARG1" && graph.child(clause, "ARG0") < 0) ||
-                             (role == "domain" && graph.is(unknown, "amr-unknown")));
-  role = asked_role(graph, asked_at, role);
-  // "Who are you".
-  const bool is_pronoun = is_personal_pronoun(graph, asked_at) && graph.word(asked_at).name != "it";
-  const bool is_person = phrase == unknown && (role == "domain" ? is_pronoun || graph.is(asked_at, "person") ||
-                                                                      has_attribute(graph.word(asked_at), "@person")
-                                                                : is_somebody(graph, asked_at, role));
-  attribute_add(graph.word(phrase), is_person ? "@wh_who" : "@wh_" + role);
-  if (is_reported && role == "domain" && phrase == unknown && graph.parent(asked_at) >= 0 &&
-      graph.word(asked_at).sense.empty())
-    return reported_predicate(graph, asked_at, led);
+      clause == asked_at && (asked.role == "ARG0" || (asked.role == "ARG1" && graph.child(clause, "ARG0") < 0) ||
+                             (asked.role == "domain" && graph.is(unknown, "amr-unknown")));
+  asked.role = asked_role(graph, asked_at, asked.role);
+  const bool is_person = asks_who(graph, asked);
+  attribute_add(graph.word(asked.phrase), is_person ? "@wh_who" : "@wh_" + asked.role);
+  const bool is_predicate = asked.role == "domain" && asked.phrase == unknown && graph.word(asked_at).sense.empty();
+  if (is_reported && is_predicate && graph.parent(asked_at) >= 0) return reported_predicate(graph, asked_at, asked.led);
   // An exclamation has the order of a statement: "how beautiful she is!"
   is_reported |= has_attribute(graph.word(clause), "@exp");
   attribute_add(graph.word(clause), is_reported ? "@asked" : is_subject ? "@asksub" : "@ask");
   if (!is_reported) ends_with_question(graph, clause);
   // Some files mark the mood beside the word that asks; one mark is enough.
   std::erase(graph.word(clause).attributes, "@int");
-  // "What are you filling it with?": a preposition stays with its verb.
-  const char* left_behind = role == "accompanier"   ? "with"
-                            : role == "beneficiary" ? "for"
-                            : role == "topic"       ? "about"
-                            : role == "source"      ? "from"
-                                                    : nullptr;
-  const bool is_led = phrase == unknown && left_behind != nullptr && graph.child(asked_at, "particle") < 0;
-  if (is_led) graph.add(asked_at, graph.add_concept(left_behind), "particle");
-  const bool is_given = role == "ARG2" && is_person && gives(graph, asked_at);
-  // What is thought or known stands behind its verb without a preposition.
-  constexpr std::array kThinking{"think", "know", "hear", "say", "tell", "believe", "learn"};
-  const bool is_behind =
-      (role == "ARG1" && !is_subject && !is_one_of(graph, asked_at, kThinking)) || role == "ARG2" || role == "ARG3";
-  if (is_given || (is_behind && !is_led))
-    attribute_add(graph.word(asked_at), is_given ? "@stto" : "@st" + role.substr(3));
-  if (!is_subject) graph.replace(led, clause, phrase, "questioned");
+  leave_preposition(graph, asked, is_person, is_subject);
+  if (!is_subject) graph.replace(asked.led, clause, asked.phrase, "questioned");
 }
 
 // Who is called is "you" everywhere else: "Kim, did you see that?"
