@@ -13,6 +13,12 @@ namespace lexon {
 
 namespace {
 
+// Degrees that are amounts by themselves: "more money", "he slept more".
+constexpr std::array kAmounts{"more", "most", "less", "enough"};
+
+// What counts or measures its noun stands in front of it whatever follows: "more books than he had".
+constexpr std::array kCountWords{"many", "much", "few", "more", "less", "little"};
+
 // The attribute of a degree that is a word of its own; null for others, which stay words: "very much".
 // English puts these into the form of the adjective or in a fixed place beside it, so rules need to know them before
 // they choose the word.
@@ -116,7 +122,6 @@ void degree_said(Rewriter& graph, int led, int quality) {
   times_more(graph, led, quality);
   const char* attribute = degree_attribute(graph.word(degree));
   // "More money than he": more is the comparative of much and many.
-  constexpr std::array kAmounts{"more", "most", "less", "enough"};
   const bool is_amount =
       (graph.is(quality, "much") || graph.is(quality, "many")) && is_listed(graph.word(degree).name, kAmounts);
   // "Fewer people".
@@ -140,16 +145,14 @@ void degree_said(Rewriter& graph, int led, int quality) {
 
 // "A boy who is older than his sister": a comparison with something is a clause behind the noun.
 bool is_behind(Rewriter& graph, int quality, int bearer, std::string_view role) {
-  constexpr std::array kAmounts{"many", "much", "few", "more", "less", "little"};
   const bool is_compared = has_attribute(graph.word(quality), "@more") || has_attribute(graph.word(quality), "@equal");
-  return role == "ARG4" && is_compared && graph.word(bearer).sense.empty() && !is_one_of(graph, quality, kAmounts);
+  return role == "ARG4" && is_compared && graph.word(bearer).sense.empty() && !is_one_of(graph, quality, kCountWords);
 }
 
 // "A tree that is as tall as the house", "a box that is so heavy that he dropped it": in front of the noun so much would
 // not be understood.
 bool is_long_degree(Rewriter& graph, int quality, int bearer) {
-  constexpr std::array kAmounts{"many", "much", "few", "more", "less", "little"};
-  if (!graph.word(bearer).sense.empty() || is_one_of(graph, quality, kAmounts)) return false;
+  if (!graph.word(bearer).sense.empty() || is_one_of(graph, quality, kCountWords)) return false;
   return graph.child(quality, "consequence") >= 0 ||
          (has_attribute(graph.word(quality), "@equal") && graph.child(quality, "compared-to") >= 0);
 }
@@ -296,58 +299,113 @@ void amount_follows(Rewriter& graph, int quality, int bearer) {
   graph.replace(led, verb, graph.arc(led).to, is_for ? "purpose" : "consequence");
 }
 
-// The frame goes, and one arc between the quality and its bearer is left. Five cases in this order, x the bearer: x stands
-// above and the quality has a role of its own for it (x :ARG1-of important-01); the quality stands above, or it or the verb
-// above names x already, so that nothing but the frame's own arcs goes; x stands above, x :mod tall; x is an event, which
-// gets a :manner; else the quality is the statement, tall :domain x.
+// A frame of degree or quantity with its quality and who bears it, and which of the two lead to it in the source.
+struct Borne {
+  int at;
+  bool is_quantity;  // have-quant-91: the quality is an amount
+  int quality_led;
+  int quality;
+  bool quality_above;
+  int bearer_led;
+  int bearer;
+  bool bearer_above;
+};
+
+// (i / important-01 :ARG1 x), (a / amuse-01 :ARG0 x): true if `frame` has the bearer x by a role of its own.
+bool names_bearer(Rewriter& graph, const Borne& borne, int frame, const char* role) {
+  const int own = graph.argument(frame, role);
+  return own >= 0 && graph.other(own, frame) == borne.bearer && own != borne.bearer_led;
+}
+
+// (g / grow-01 :ARG1 (g2 / girl) :ARG2 (t / tall :ARG2-of (have-degree-91 :ARG1 g2))): "she grew tall", "he ran farther".
+// The verb above the quality says already who bears it, or bears it itself.
+bool is_borne_above(Rewriter& graph, const Borne& borne) {
+  const int above = borne.quality_above ? graph.parent(borne.quality) : -1;
+  if (above < 0 || graph.arc(above).inverse) return false;
+  const int verb = graph.arc(above).from;
+  if (graph.word(verb).sense.empty()) return false;
+  return verb == borne.bearer || (graph.arc(above).role == "ARG2" && (names_bearer(graph, borne, verb, "ARG1") ||
+                                                                      names_bearer(graph, borne, verb, "ARG0")));
+}
+
+// Annotators write the tie between the two a second time beside the frame, which has said it.
+void forget_second_tie(Rewriter& graph, const Borne& borne) {
+  // "It barked so loudly that we woke."
+  const int manner = graph.child(borne.quality, "manner", true);
+  if (manner >= 0 && graph.arc(manner).to == borne.bearer) graph.remove(manner, Fate::relation);
+  // (h / house :ARG1-of (have-degree-91 :ARG2 (b / big :domain h) :ARG3 more)): the house stands above its quality.
+  const bool is_below = borne.bearer_above && !borne.quality_above && !borne.is_quantity;
+  const int domain = is_below ? graph.child(borne.quality, "domain") : -1;
+  if (domain >= 0 && graph.arc(domain).to == borne.bearer) graph.remove(domain, Fate::relation);
+}
+
+// What somebody does is the statement, and has the quality beside it.
+void tie_to_event(Rewriter& graph, const Borne& borne, const char* role) {
+  graph.remove(borne.bearer_led, Fate::relation);
+  graph.replace(borne.quality_led, borne.bearer, borne.quality, role);
+  graph.redirect(borne.at, borne.bearer);
+  graph.move_children(borne.at, borne.bearer);
+}
+
+// (t / tree :ARG1-of (h / have-degree-91 :ARG2 tall :ARG3 more)): a taller tree, more trees. A comparison that is too long
+// to stand in front of the noun becomes a clause behind it.
+void tie_below_bearer(Rewriter& graph, const Borne& borne) {
+  const int quality = borne.quality;
+  graph.remove(borne.bearer_led, Fate::relation);
+  const bool is_compared =
+      !borne.is_quantity &&
+      (is_long_degree(graph, quality, borne.bearer) ||
+       (graph.child(quality, "compared-to") >= 0 && is_behind(graph, quality, borne.bearer, "ARG4")));
+  if (is_compared) attribute_add(graph.word(quality), "@v");
+  if (has_attribute(graph.word(quality), "@least")) attribute_add(graph.word(borne.bearer), "@def");
+  if (borne.is_quantity) amount_follows(graph, quality, borne.bearer);
+  const char* role = borne.is_quantity ? "quant" : is_compared ? "ARG1" : "mod";
+  graph.replace(borne.quality_led, borne.bearer, quality, role, is_compared);
+}
+
+// (h / have-degree-91 :ARG1 (f / fall-01 :ARG1 he) :ARG2 (g / gentle) :ARG3 more): "he fell more gently". A judgement is
+// no way to do something, nor is a time that is too early: "it is too early to say".
+bool is_way_of_event(Rewriter& graph, const Borne& borne) {
+  const Concept& quality = graph.word(borne.quality);
+  if (graph.word(borne.bearer).sense.empty() || borne.is_quantity || !quality.sense.empty()) return false;
+  if (is_judgement(quality.name) || graph.mentions(borne.bearer) != 1) return false;
+  constexpr std::array kEarly{"early", "late", "soon"};
+  const bool is_too_early = has_attribute(quality, "@too") && is_one_of(graph, borne.quality, kEarly);
+  return graph.child(borne.bearer, "ARG0") >= 0 || (graph.child(borne.bearer, "ARG1") >= 0 && !is_too_early);
+}
+
+// The frame goes, and one arc between the quality and its bearer is left. The cases in this order, x the bearer: x is a
+// deed, of which the amount is said; x stands above and the quality has a role of its own for it (x :ARG1-of
+// important-01); the quality stands above, or it or the verb above names x already, so that nothing but the frame's own
+// arcs goes; x stands above, x :mod tall; x is an event, which gets a :manner; there is so much of x; else the quality is
+// the statement, tall :domain x.
 void tie_to_bearer(Rewriter& graph, int at, bool is_quantity, int quality_led, int bearer_led) {
   const int quality = graph.other(quality_led, at);
   const int bearer = graph.other(bearer_led, at);
-  const bool bearer_above = graph.arc(bearer_led).to == at;
   const bool quality_above = graph.arc(quality_led).to == at;
+  const bool bearer_above = graph.arc(bearer_led).to == at;
+  const Borne borne{at, is_quantity, quality_led, quality, quality_above, bearer_led, bearer, bearer_above};
   // "They listened less": how much somebody does it.
   const bool is_deed = is_quantity && is_event(graph, bearer) && graph.child(bearer, "ARG0") >= 0;
-  if (is_deed && !bearer_above && !quality_above && graph.mentions(bearer) == 1) {
-    graph.remove(bearer_led, Fate::relation);
-    graph.replace(quality_led, bearer, quality, "extent");
-    graph.redirect(at, bearer);
-    return graph.move_children(at, bearer);
-  }
-  // The quality may name its bearer by a role of its own: important-01 :ARG1 x, amuse-01 :ARG0 x.
-  const auto names_bearer = [&](int frame, const char* role) {
-    const int own = graph.argument(frame, role);
-    return own >= 0 && graph.other(own, frame) == bearer && own != bearer_led;
-  };
+  if (is_deed && !bearer_above && !quality_above && graph.mentions(bearer) == 1)
+    return tie_to_event(graph, borne, "extent");
   // A few adjectives call who bears them by another number.
-  if (!is_quantity && !quality_above && graph.argument(quality, "ARG1") < 0 && names_bearer(quality, "ARG2"))
+  const bool is_unnumbered = !is_quantity && !quality_above && graph.argument(quality, "ARG1") < 0;
+  if (is_unnumbered && names_bearer(graph, borne, quality, "ARG2"))
     graph.arc(graph.argument(quality, "ARG2")).role = "ARG1";
   if (!is_quantity && sought_apply(graph, at, quality, bearer)) return;
-  // Or the verb above does: "she grew tall", "he ran farther".
-  const int above = quality_above ? graph.parent(quality) : -1;
-  const int governor = above >= 0 && !graph.arc(above).inverse ? graph.arc(above).from : -1;
-  const bool is_above = governor >= 0 && !graph.word(governor).sense.empty() &&
-                        (governor == bearer || (graph.arc(above).role == "ARG2" &&
-                                                (names_bearer(governor, "ARG1") || names_bearer(governor, "ARG0"))));
-  // "It barked so loudly that we woke": the manner is said by the frame.
-  const int manner = graph.child(quality, "manner", true);
-  if (manner >= 0 && graph.arc(manner).to == bearer) graph.remove(manner, Fate::relation);
-  // (h / house :ARG1-of (have-degree-91 :ARG2 (b / big :domain h) :ARG3 more)): the house stands above its quality.
-  const int domain = bearer_above && !quality_above && !is_quantity ? graph.child(quality, "domain") : -1;
-  if (domain >= 0 && graph.arc(domain).to == bearer) graph.remove(domain, Fate::relation);
-  const bool names_frame = names_bearer(quality, "ARG1") || names_bearer(quality, "ARG0");
-  const bool is_known = is_above || names_frame || names_bearer(quality, "domain");
+  const bool is_above = is_borne_above(graph, borne);
+  forget_second_tie(graph, borne);
+  const bool names_frame = names_bearer(graph, borne, quality, "ARG1") || names_bearer(graph, borne, quality, "ARG0");
+  const bool is_known = is_above || names_frame || names_bearer(graph, borne, quality, "domain");
   again_apply(graph, quality, bearer);
   // What is said to bear it may not be what it is a quality of: "it was so deeply rooted that ...".
   const int own = is_quantity ? -1 : graph.argument(quality, "ARG1");
-  // "It is too early to say": what nobody in particular does.
-  const bool is_too_early = has_attribute(graph.word(quality), "@too") &&
-                            (graph.is(quality, "early") || graph.is(quality, "late") || graph.is(quality, "soon"));
   const bool is_of_another = own >= 0 && own != quality_led && graph.other(own, quality) != bearer;
   if (bearer_above && !quality_above && names_frame && !is_of_another && !is_quantity) {
     // The bearer stands above and the quality leads back to it: a taller tree.
     const int led = own >= 0 ? own : graph.argument(quality, "ARG0");
-    const std::string role = own >= 0 ? "ARG1" : "ARG0";
-    graph.replace(led, bearer, quality, role, true);
+    graph.replace(led, bearer, quality, own >= 0 ? "ARG1" : "ARG0", true);
     graph.remove(quality_led, Fate::relation);
     graph.remove(bearer_led, Fate::relation);
   } else if (quality_above || is_known) {
@@ -359,23 +417,10 @@ void tie_to_bearer(Rewriter& graph, int at, bool is_quantity, int quality_led, i
     graph.remove(quality_led, Fate::relation);
     if (!quality_above && !bearer_above) graph.redirect(at, quality);
   } else if (bearer_above) {
-    graph.remove(bearer_led, Fate::relation);
-    const bool is_compared =
-        !is_quantity && (is_long_degree(graph, quality, bearer) ||
-                         (graph.child(quality, "compared-to") >= 0 && is_behind(graph, quality, bearer, "ARG4")));
-    if (is_compared) attribute_add(graph.word(quality), "@v");
-    if (has_attribute(graph.word(quality), "@least")) attribute_add(graph.word(bearer), "@def");
-    if (is_quantity) amount_follows(graph, quality, bearer);
-    graph.replace(quality_led, bearer, quality, is_quantity ? "quant" : is_compared ? "ARG1" : "mod", is_compared);
-  } else if (!graph.word(bearer).sense.empty() && !is_quantity && graph.word(quality).sense.empty() &&
-             !is_judgement(graph.word(quality).name) && graph.mentions(bearer) == 1 &&
-             (graph.child(bearer, "ARG0") >= 0 || (graph.child(bearer, "ARG1") >= 0 && !is_too_early))) {
-    // The bearer is an event: "he fell as gently as a tree falls".
-    graph.remove(bearer_led, Fate::relation);
-    graph.replace(quality_led, bearer, quality, "manner");
+    tie_below_bearer(graph, borne);
+  } else if (is_way_of_event(graph, borne)) {
     move_mood(graph, quality, bearer);
-    graph.redirect(at, bearer);
-    return graph.move_children(at, bearer);
+    return tie_to_event(graph, borne, "manner");
   } else if (is_quantity && graph.word(bearer).sense.empty() && !is_personal_pronoun(graph, bearer) &&
              !has_attribute(graph.word(bearer), "@name")) {
     return amount_stated(graph, at, quality_led, bearer_led);
@@ -434,7 +479,6 @@ void ever_apply(Rewriter& graph, int at) {
 // (h / help-01 :ARG0 it :ARG1 he :quant (m / more)).
 void amount_apply(Rewriter& graph, int at) {
   const int led = is_event(graph, at) && graph.child(at, "ARG0") >= 0 ? graph.child(at, "quant") : -1;
-  constexpr std::array kAmounts{"more", "less", "most", "enough"};
   const bool is_amount = led >= 0 && is_one_of(graph, graph.arc(led).to, kAmounts);
   if (is_amount && graph.children(graph.arc(led).to).empty()) graph.arc(led).role = "extent";
 }
