@@ -65,6 +65,7 @@ bool has_words_behind(Rewriter& graph, int at) {
   });
 }
 
+// Parties have a noun for whoever is of them, other groups have none: "a Green", but "a member of the choir".
 bool is_party(const Concept& group) {
   return has_attribute(group, "@political-party") || has_attribute(group, "@political-organization");
 }
@@ -74,6 +75,28 @@ void party_to_member(Concept& party) {
   if (party.name.ends_with(" Party")) party.name.resize(party.name.size() - 6);
   if (party.name == "Democratic") party.name = "Democrat";
   for (const char* mark : {"@name", "@the"}) std::erase(party.attributes, mark);
+}
+
+// The arcs to who holds an office, to what it belongs to, and to what it is called; -1 for those that are missing.
+struct OfficeArcs {
+  int holds;
+  int whole;
+  int titled;
+};
+
+// (h / have-org-role-91 :ARG0 p :ARG1 c :ARG2 (m / mayor)): p holds it, it belongs to c, and m is its title.
+OfficeArcs office_arcs(Rewriter& graph, int at, const Office& office) {
+  OfficeArcs found{graph.argument(at, office.holder), graph.argument(at, office.whole),
+                   graph.argument(at, office.title)};
+  // Annotators mix the two numberings: who holds it comes first, its name last.
+  if (found.holds < 0 || graph.argument(at, "ARG0") >= 0 || (found.titled < 0 && graph.argument(at, "ARG3") >= 0)) {
+    const bool from_zero = graph.argument(at, "ARG0") >= 0;
+    found.holds = graph.argument(at, from_zero ? "ARG0" : "ARG1");
+    found.whole = graph.argument(at, from_zero ? "ARG1" : "ARG2");
+    found.titled = graph.argument(at, from_zero ? "ARG2" : "ARG3");
+    if (from_zero && found.titled < 0) found.titled = graph.argument(at, "ARG3");
+  }
+  return found;
 }
 
 // No office is named: whoever is of a group. As the statement: "she is a Whig".
@@ -111,15 +134,29 @@ void group_apply(Rewriter& graph, int at, const Office& office, int holds, int w
   graph.move_children(at, holder);
 }
 
+// (p / person :ARG0-of (h / have-org-role-91 :ARG2 (m / mayor))): "the mayor". A person of whom no name is given is what
+// he is called, and the concept of the person is no word.
+void holder_becomes_title(Rewriter& graph, int titled, int holder, int title) {
+  graph.remove(titled, Fate::word);
+  graph.settle_concept(holder, Fate::word);
+  Concept& person = graph.word(holder);
+  person.name = graph.word(title).name;
+  person.sense = graph.word(title).sense;
+  person.triple = graph.word(title).triple;
+  graph.move_children(title, holder);
+  graph.redirect(title, holder);
+}
+
 // Who has no name is called by the office; a name keeps it as a title.
 // Three ways: Mayor Brown (a name keeps the office as :title), Brown, the mayor of Oslo (as :apposition, if the office
 // has a whole to name), and the mayor of Oslo (a person without a name becomes the office, whose concept then is no
 // word of its own).
-void call_by_office(Rewriter& graph, int at, const Office& office, int holds, int whole, int titled) {
-  const int holder = graph.other(holds, at);
-  const int title = graph.other(titled, at);
+void call_by_office(Rewriter& graph, int at, const Office& office, const OfficeArcs& arcs) {
+  const int holder = graph.other(arcs.holds, at);
+  const int title = graph.other(arcs.titled, at);
+  const int whole = arcs.whole;
   const bool is_named = has_attribute(graph.word(holder), "@name") || !graph.is(holder, "person");
-  graph.remove(holds, Fate::relation);
+  graph.remove(arcs.holds, Fate::relation);
   const bool has_whole = whole >= 0 && graph.arc(whole).from == at;
   const bool is_behind =
       has_attribute(graph.word(holder), "@name") && has_whole && !is_personal_pronoun(graph, graph.arc(whole).to);
@@ -127,42 +164,79 @@ void call_by_office(Rewriter& graph, int at, const Office& office, int holds, in
   if (has_whole) graph.replace(whole, is_of_title ? title : holder, graph.arc(whole).to, office.role);
   if (is_behind) {
     // "Kim, the mayor of Oslo, ..."
-    stand_behind(graph, titled, holder, title);
+    stand_behind(graph, arcs.titled, holder, title);
   } else if (is_named) {
-    graph.replace(titled, holder, title, "title");
+    graph.replace(arcs.titled, holder, title, "title");
   } else {
-    graph.remove(titled, Fate::word);
-    graph.settle_concept(holder, Fate::word);
-    Concept& person = graph.word(holder);
-    person.name = graph.word(title).name;
-    person.sense = graph.word(title).sense;
-    person.triple = graph.word(title).triple;
-    for (const std::string& attribute : graph.word(title).attributes) attribute_add(person, attribute);
-    graph.move_children(title, holder);
-    graph.redirect(title, holder);
+    for (const std::string& attribute : graph.word(title).attributes) attribute_add(graph.word(holder), attribute);
+    holder_becomes_title(graph, arcs.titled, holder, title);
   }
   graph.move_children(at, holder);
 }
 
-// The arcs to who holds an office, to what it belongs to, and to what it is called; -1 for those that are missing.
-struct OfficeArcs {
-  int holds;
-  int whole;
-  int titled;
-};
+// Words of the office that are written beside it.
+void title_words_apply(Rewriter& graph, int at, int titled) {
+  if (titled < 0 || graph.arc(titled).from != at) return;
+  // (m / minister :topic (f / finance)): "the finance minister".
+  const int title = graph.arc(titled).to;
+  const int field = graph.child(title, "topic");
+  const bool is_field = field >= 0 && graph.children(graph.arc(field).to).empty() &&
+                        graph.word(graph.arc(field).to).sense.empty() && graph.mentions(graph.arc(field).to) == 1;
+  if (is_field) graph.arc(field).role = "mod";
+  // "The former mayor": when he was it belongs to the office.
+  constexpr std::array kOfficeTimes{"former", "current", "future", "present", "then", "previous", "late", "longtime"};
+  const int when = graph.child(at, "time");
+  if (when >= 0 && is_one_of(graph, graph.arc(when).to, kOfficeTimes) && graph.children(graph.arc(when).to).empty())
+    graph.replace(when, title, graph.arc(when).to, "mod");
+}
 
-OfficeArcs office_arcs(Rewriter& graph, int at, const Office& office) {
-  OfficeArcs found{graph.argument(at, office.holder), graph.argument(at, office.whole),
-                   graph.argument(at, office.title)};
-  // Annotators mix the two numberings: who holds it comes first, its name last.
-  if (found.holds < 0 || graph.argument(at, "ARG0") >= 0 || (found.titled < 0 && graph.argument(at, "ARG3") >= 0)) {
-    const bool from_zero = graph.argument(at, "ARG0") >= 0;
-    found.holds = graph.argument(at, from_zero ? "ARG0" : "ARG1");
-    found.whole = graph.argument(at, from_zero ? "ARG1" : "ARG2");
-    found.titled = graph.argument(at, from_zero ? "ARG2" : "ARG3");
-    if (from_zero && found.titled < 0) found.titled = graph.argument(at, "ARG3");
+// The title takes the place of the frame, and what it belongs to stands beside it: "the mayor of Oslo".
+void title_stands_in(Rewriter& graph, int at, const Office& office, const OfficeArcs& arcs) {
+  const int title = graph.other(arcs.titled, at);
+  graph.remove(arcs.titled, Fate::relation);
+  graph.redirect(at, title);
+  if (arcs.whole >= 0) graph.replace(arcs.whole, title, graph.other(arcs.whole, at), office.role);
+  graph.move_children(at, title);
+}
+
+// The frame is the statement: "she is the mayor of Oslo".
+void office_stated(Rewriter& graph, int at, const Office& office, const OfficeArcs& arcs) {
+  const int holder = graph.other(arcs.holds, at);
+  const int title = graph.other(arcs.titled, at);
+  if (is_unknown(graph, holder)) attribute_add(graph.word(holder), "@wh_who");
+  graph.replace(arcs.holds, title, holder, "domain");
+  title_stands_in(graph, at, office, arcs);
+  // Of some offices there is one.
+  constexpr std::array kOnly{"president", "head",    "leader",    "director", "mayor",  "king",    "queen",
+                             "chairman",  "captain", "emperor",   "founder",  "owner",  "author",  "boss",
+                             "chief",     "pope",    "commander", "father",   "mother", "husband", "wife"};
+  if (arcs.whole >= 0 && is_listed(graph.word(title).name, kOnly)) attribute_add(graph.word(title), "@def");
+}
+
+// An office with a title, whose holder stands below it in the source: he may be nobody that the sentence speaks of
+// besides, else the office is said of him.
+void office_below(Rewriter& graph, int at, const Office& office, const OfficeArcs& arcs) {
+  const int holder = graph.other(arcs.holds, at);
+  const bool is_person = graph.is(holder, "person");
+  // (f / find-01 :ARG0 y :ARG1 (h / have-rel-role-91 :ARG0 (p / person) :ARG1 y :ARG2 (f2 / friend))): "you found a
+  // friend", who is the person.
+  const int above = graph.parent(at);
+  const bool is_met = above >= 0 && !graph.arc(above).inverse && graph.arc(above).role == "ARG1";
+  if (is_met && is_person && graph.children(holder).empty() && graph.mentions(holder) == 1) {
+    graph.settle_concept(holder, Fate::word);
+    graph.remove(arcs.holds, Fate::word);
+    return title_stands_in(graph, at, office, arcs);
   }
-  return found;
+  // (w / woman :ARG1-of (h / have-rel-role-91 :ARG0 (p / person :ARG1-of (l / lose-02)) :ARG2 (h2 / husband))): "a woman
+  // with a husband who was lost", whose husband he is stands above.
+  const bool is_whole_above = arcs.whole >= 0 && graph.arc(arcs.whole).to == at && graph.arc(arcs.whole).inverse;
+  if (is_whole_above && is_person && graph.mentions(at) == 1) {
+    graph.remove(arcs.holds, Fate::relation);
+    holder_becomes_title(graph, arcs.titled, holder, graph.other(arcs.titled, at));
+    graph.replace(arcs.whole, graph.arc(arcs.whole).from, holder, "poss", true);
+    return graph.move_children(at, holder);
+  }
+  office_stated(graph, at, office, arcs);
 }
 
 // Either the holder stands above, and is called by the office; or the frame is the statement, "she is the mayor". A holder
@@ -173,85 +247,33 @@ void office_apply(Rewriter& graph, int at, const Office& office) {
     graph.settle_concept(at, Fate::left_out);
     return graph.remove(graph.parent(at), Fate::left_out);
   }
-  auto [holds, whole, titled] = office_arcs(graph, at, office);
-  // "The finance minister".
-  const int field = titled >= 0 && graph.arc(titled).from == at ? graph.child(graph.arc(titled).to, "topic") : -1;
-  const bool is_field = field >= 0 && graph.children(graph.arc(field).to).empty() &&
-                        graph.word(graph.arc(field).to).sense.empty() && graph.mentions(graph.arc(field).to) == 1;
-  if (is_field) graph.arc(field).role = "mod";
-  // "The former mayor": when he was it belongs to the office.
-  constexpr std::array kOfficeTimes{"former", "current", "future", "present", "then", "previous", "late", "longtime"};
-  const int when = titled >= 0 && graph.arc(titled).from == at ? graph.child(at, "time") : -1;
-  if (when >= 0 && is_one_of(graph, graph.arc(when).to, kOfficeTimes) && graph.children(graph.arc(when).to).empty())
-    graph.replace(when, graph.arc(titled).to, graph.arc(when).to, "mod");
-  if (titled < 0 && std::string_view(office.name) == "have-role") std::swap(titled, whole);
-  if (holds < 0) {
+  OfficeArcs arcs = office_arcs(graph, at, office);
+  title_words_apply(graph, at, arcs.titled);
+  if (arcs.titled < 0 && std::string_view(office.name) == "have-role") std::swap(arcs.titled, arcs.whole);
+  const int said = arcs.titled >= 0 ? arcs.titled : arcs.whole;
+  if (arcs.holds < 0) {
     // Nobody holds it in this sentence: the office is named, or what it belongs to.
-    const int named = titled >= 0 ? titled : whole;
-    if (named >= 0 && graph.arc(named).from == at) graph.stand_in(at, named, Fate::word);
+    if (said >= 0 && graph.arc(said).from == at) graph.stand_in(at, said, Fate::word);
     return;
   }
-  const int holder = graph.other(holds, at);
+  const int holder = graph.other(arcs.holds, at);
   // What is stated of him may stand below him in the source: "if we cheat, we are fools".
-  const int stated = graph.parent(at);
-  const bool is_stated = at == graph.meaning().root || (stated >= 0 && stated != holds && !graph.arc(stated).inverse);
-  if (is_stated && graph.arc(holds).to == at) {
-    holds = graph.replace(holds, at, holder, graph.arc(holds).role);
-  }
-  const bool holder_above = graph.arc(holds).to == at;
-  if (!holder_above && (titled >= 0 || whole >= 0)) {
+  const int above = graph.parent(at);
+  const bool is_stated = at == graph.meaning().root || (above >= 0 && above != arcs.holds && !graph.arc(above).inverse);
+  if (is_stated && graph.arc(arcs.holds).to == at)
+    arcs.holds = graph.replace(arcs.holds, at, holder, graph.arc(arcs.holds).role);
+  const bool holder_above = graph.arc(arcs.holds).to == at;
+  if (!holder_above && said >= 0) {
     // What is denied or asked of the statement is that of its predicate.
-    const int predicate = graph.other(titled >= 0 ? titled : whole, at);
     for (const std::string& attribute : graph.word(at).attributes) {
-      if (attribute != "@v") attribute_add(graph.word(predicate), attribute);
+      if (attribute != "@v") attribute_add(graph.word(graph.other(said, at)), attribute);
     }
   }
-  if (titled < 0) return group_apply(graph, at, office, holds, whole);
-  const int title = graph.other(titled, at);
-  if (graph.arc(titled).from != at || title == holder) return;
+  if (arcs.titled < 0) return group_apply(graph, at, office, arcs.holds, arcs.whole);
+  if (graph.arc(arcs.titled).from != at || graph.other(arcs.titled, at) == holder) return;
   graph.settle_concept(at, Fate::relation);
-  // "You found a new friend": nobody else is spoken of, so the office stands for who holds it.
-  const int above = graph.parent(at);
-  const bool is_met = above >= 0 && !graph.arc(above).inverse && graph.arc(above).role == "ARG1";
-  if (!holder_above && is_met && graph.is(holder, "person") && graph.children(holder).empty() &&
-      graph.mentions(holder) == 1) {
-    graph.settle_concept(holder, Fate::word);
-    graph.remove(holds, Fate::word);
-    graph.remove(titled, Fate::relation);
-    graph.redirect(at, title);
-    if (whole >= 0) graph.replace(whole, title, graph.other(whole, at), office.role);
-    return graph.move_children(at, title);
-  }
-  // "A woman with a husband who was lost": whose husband he is stands above.
-  const bool is_whole_above = whole >= 0 && graph.arc(whole).to == at && graph.arc(whole).inverse;
-  if (!holder_above && is_whole_above && graph.is(holder, "person") && graph.mentions(at) == 1) {
-    graph.remove(holds, Fate::relation);
-    graph.remove(titled, Fate::word);
-    graph.settle_concept(holder, Fate::word);
-    graph.word(holder).name = graph.word(title).name;
-    graph.word(holder).sense = graph.word(title).sense;
-    graph.word(holder).triple = graph.word(title).triple;
-    graph.move_children(title, holder);
-    graph.redirect(title, holder);
-    graph.replace(whole, graph.arc(whole).from, holder, "poss", true);
-    return graph.move_children(at, holder);
-  }
-  if (!holder_above) {
-    // The statement itself: "she is the mayor of Oslo".
-    if (is_unknown(graph, holder)) attribute_add(graph.word(holder), "@wh_who");
-    graph.replace(holds, title, holder, "domain");
-    graph.remove(titled, Fate::relation);
-    graph.redirect(at, title);
-    if (whole >= 0) graph.replace(whole, title, graph.other(whole, at), office.role);
-    // "She is the mayor of Oslo": of some offices there is one.
-    constexpr std::array kOnly{"president", "head",    "leader",    "director", "mayor",  "king",    "queen",
-                               "chairman",  "captain", "emperor",   "founder",  "owner",  "author",  "boss",
-                               "chief",     "pope",    "commander", "father",   "mother", "husband", "wife"};
-    if (whole >= 0 && is_listed(graph.word(title).name, kOnly)) attribute_add(graph.word(title), "@def");
-    graph.move_children(at, title);
-    return;
-  }
-  call_by_office(graph, at, office, holds, whole, titled);
+  if (holder_above) return call_by_office(graph, at, office, arcs);
+  office_below(graph, at, office, arcs);
 }
 
 }  // namespace
