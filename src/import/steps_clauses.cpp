@@ -835,6 +835,12 @@ void tense_from_time(Rewriter& graph, int at) {
   }
 }
 
+// The arc to whom a clause is told of, who may stand in the clause that it is joined to: "she sang and danced".
+int told_of(Rewriter& graph, int at) {
+  const int shared = graph.child(at, "shared");
+  return shared >= 0 ? shared : subject_arc(graph, at);
+}
+
 // What is told of him or her is past, and so is when and why it was: people who are there are seldom he or she. True
 // where the clause itself has nothing that says otherwise.
 bool is_told_of_another(Rewriter& graph, int at) {
@@ -844,8 +850,7 @@ bool is_told_of_another(Rewriter& graph, int at) {
     if (has_attribute(graph.word(at), one)) return false;
   }
   if (!is_clause(graph, at)) return false;
-  const int shared = graph.child(at, "shared");
-  const int subject = shared >= 0 ? shared : subject_arc(graph, at);
+  const int subject = told_of(graph, at);
   constexpr std::array kAnother{"he", "she"};
   if (subject >= 0 && is_one_of(graph, graph.arc(subject).to, kAnother)) return true;
   const int led = graph.parent(at);
@@ -954,9 +959,7 @@ void tense_of_age(Rewriter& graph, int at) {
   attribute_add(graph.word(at), "@past");
 }
 
-// "She hopes that he will come", "she promised that it would rain", "she wonders whether it rains": what is hoped or
-// demanded is still to come, and what is wondered is open. Only what has a subject of its own: the rest is an infinitive.
-// The mark of what the clause of `at` says, "" for none.
+// The mark of what the clause of `at` says, "" for none: hopes and promises are of what is to come, @fut and @would.
 std::string mark_of_content(Rewriter& graph, int at) {
   constexpr std::array kHoping{"hope", "bet", "trust", "guarantee", "ensure"};
   constexpr std::array kPromising{"promise", "predict", "vow",      "pledge", "forecast",
@@ -974,6 +977,8 @@ std::string mark_of_content(Rewriter& graph, int at) {
   return is_one_of(graph, at, kWondering) ? "@whether" : "";
 }
 
+// "She hopes that he will come", "she promised that it would rain", "she wonders whether it rains": what is hoped or
+// demanded is still to come, and what is wondered is open. Only what has a subject of its own: the rest is an infinitive.
 void tense_of_content(Rewriter& graph, int at) {
   const int led = graph.word(at).sense.empty() ? -1 : graph.child(at, graph.is(at, "promise", "01") ? "ARG2" : "ARG1");
   int what = led >= 0 ? graph.arc(led).to : -1;
@@ -1008,6 +1013,87 @@ void tense_of_content(Rewriter& graph, int at) {
   }
 }
 
+// For each concept whether it is among the words of a quotation.
+std::vector<bool> quoted_words(Rewriter& graph) {
+  std::vector<int> quoted;
+  for (int at = 0; at < graph.count(); ++at) {
+    if (has_attribute(graph.word(at), "@quote")) quoted.push_back(at);
+  }
+  std::vector<bool> is_said(graph.meaning().concepts.size());
+  for (const int at : clause_words(graph, std::move(quoted))) is_said[static_cast<std::size_t>(at)] = true;
+  return is_said;
+}
+
+// (c / clause :condition (r / rain-01)): the condition, if somebody does it and it is not over; -1 for others. "If the
+// wall was painted" leaves open when that was.
+int open_condition(Rewriter& graph, int at) {
+  const int led = graph.child(at, "condition");
+  const int if_so = led >= 0 ? graph.arc(led).to : -1;
+  if (if_so < 0 || has_attribute(graph.word(if_so), "@past")) return -1;
+  const bool is_passive = graph.child(if_so, "ARG0") < 0 && graph.child(if_so, "ARG1") >= 0;
+  return is_passive ? -1 : if_so;
+}
+
+// "If it rains or snows, we stay": the first of them has its tense from its place behind "if", the others from here.
+void tense_of_condition(Rewriter& graph, int at) {
+  const int if_so = open_condition(graph, at);
+  int joined = if_so < 0 ? -1 : graph.child(if_so, "conjunct");
+  for (int steps = graph.count(); joined >= 0 && steps > 0; --steps) {
+    const int part = graph.arc(joined).to;
+    const Concept& word = graph.word(part);
+    if (has_attribute(word, "@v") && !has_attribute(word, "@past")) attribute_add(graph.word(part), "@pres");
+    joined = graph.child(part, "conjunct");
+  }
+}
+
+// "You sit here and wait": what is joined to a clause about the same person is told of the same time.
+void tense_of_joined(Rewriter& graph, int at) {
+  const int next = graph.child(at, "conjunct");
+  const int part = next >= 0 ? graph.arc(next).to : -1;
+  if (part < 0 || graph.child(part, "shared") < 0 || !has_attribute(graph.word(at), "@pres")) return;
+  const Concept& word = graph.word(part);
+  const bool is_open = !has_attribute(word, "@past") && !has_attribute(word, "@fut") && !has_attribute(word, "@imp");
+  if (is_open && has_attribute(word, "@v")) attribute_add(graph.word(part), "@pres");
+}
+
+// Who asks you what happens means now, "what are you doing?"; with a condition it is still to come, "will you stay if it
+// rains?"
+void tense_of_question(Rewriter& graph, int at, bool is_to_you) {
+  Concept& clause = graph.word(at);
+  if (!has_attribute(clause, "@ask") && !has_attribute(clause, "@int")) return;
+  if (open_condition(graph, at) >= 0) return attribute_add(clause, "@fut");
+  // "Did you sleep on Monday?", "can you swim?": another time, or none in particular.
+  constexpr std::array kStanding{"@can", "@must", "@should", "@may", "@maynot", "@likely", "@perf", "@habit", "@neg"};
+  const int when = graph.child(at, "time");
+  const bool is_timed =
+      graph.child(at, "frequency") >= 0 || (when >= 0 && !graph.is(graph.arc(when).to, "now")) ||
+      std::any_of(kStanding.begin(), kStanding.end(), [&](const char* one) { return has_attribute(clause, one); });
+  // What lasts has no progressive: "do you see it?"
+  constexpr std::array kLasting{"see",    "hear",     "smell",  "like",       "love",  "hate",     "want",
+                                "need",   "remember", "mind",   "have",       "know",  "mean",     "believe",
+                                "prefer", "own",      "belong", "understand", "agree", "disagree", "deserve",
+                                "matter", "doubt",    "care",   "suppose",    "hope",  "lack"};
+  const bool is_alone = graph.child(at, "shared") < 0 && graph.child(at, "conjunct") < 0;
+  if (is_to_you && is_alone && !is_one_of(graph, at, kLasting) && !is_timed) attribute_add(clause, "@now");
+}
+
+// (t / tell-01 :mode imperative :ARG1 (p / pay-01 :ARG0 i :time (c / come-01 ...))): "tell him that I will pay when my
+// ship comes", and "tell him that I am here": what somebody is to say is no story of the past.
+void tense_of_message(Rewriter& graph, int at) {
+  const bool is_bidden = has_attribute(graph.word(at), "@imp") && is_one_of(graph, at, kSaying);
+  const int led = is_bidden ? graph.child(at, "ARG1") : -1;
+  const int told = led >= 0 ? graph.arc(led).to : -1;
+  if (told < 0 || !is_event(graph, told) || graph.parent(told) != led) return;
+  const int about = subject_arc(graph, told);
+  if (about < 0 || graph.child(told, "questioned") >= 0) return;
+  if (has_attribute(graph.word(told), "@past") || has_attribute(graph.word(told), "@perf")) return;
+  const int then = graph.child(told, "time");
+  const bool is_to_come = then >= 0 && is_clause(graph, graph.arc(then).to);
+  const bool is_own = is_one_of(graph, graph.arc(about).to, std::array{"i", "we", "you"});
+  if (is_to_come || is_own) attribute_add(graph.word(told), is_to_come ? "@fut" : "@pres");
+  tense_of_coming(graph, told);
+}
+
 }  // namespace
 
 // Banks of AMR have no tense. What UMR gives, the attributes @past, @pres, @fut, is left alone; the rest is a guess by
@@ -1015,18 +1101,13 @@ void tense_of_content(Rewriter& graph, int at) {
 // `is_said`, are talk, whoever they are about. Runs behind quotation and questions, whose marks it asks for.
 void step_tense(Meaning& meaning) {
   Rewriter graph(meaning, "tense");
-  std::vector<int> quoted;
+  const std::vector<bool> is_said = quoted_words(graph);
   for (int at = 0; at < graph.count(); ++at) {
-    if (has_attribute(graph.word(at), "@quote")) quoted.push_back(at);
-  }
-  const std::vector<int> said = clause_words(graph, std::move(quoted));
-  std::vector<bool> is_said(meaning.concepts.size());
-  for (const int at : said) is_said[static_cast<std::size_t>(at)] = true;
-  for (int at = 0; at < graph.count(); ++at) {
+    const bool is_talk = is_said[static_cast<std::size_t>(at)];
     tense_from_time(graph, at);
     tense_of_age(graph, at);
     tense_of_place(graph, at);
-    if (!is_said[static_cast<std::size_t>(at)]) tense_beside(graph, at);
+    if (!is_talk) tense_beside(graph, at);
     Concept& clause = graph.word(at);
     const bool is_lasting = has_attribute(clause, "@state") || has_attribute(clause, "@habit");
     if (is_lasting && !has_attribute(clause, "@past") && !has_attribute(clause, "@fut")) attribute_add(clause, "@pres");
@@ -1035,64 +1116,17 @@ void step_tense(Meaning& meaning) {
                           !has_attribute(clause, "@v");
     tense_of_coming(graph, at);
     tense_of_thanks(graph, at);
-    const int shared = graph.child(at, "shared");
-    const int subject = shared >= 0 ? shared : subject_arc(graph, at);
+    const int subject = told_of(graph, at);
     // What UMR calls done is over, though somebody says it.
     const bool is_speech = has_attribute(clause, "@quote") && subject >= 0 && !has_attribute(clause, "@done");
     const bool is_to_you = subject >= 0 && graph.is(graph.arc(subject).to, "you");
     if (!is_known && (is_speech || is_to_you)) attribute_add(clause, "@pres");
-    // "If it rains or snows".
-    const int condition = graph.child(at, "condition");
-    const int if_so = condition >= 0 ? graph.arc(condition).to : -1;
-    const bool is_passive = if_so >= 0 && graph.child(if_so, "ARG0") < 0 && graph.child(if_so, "ARG1") >= 0;
-    if (if_so >= 0 && !is_passive && !has_attribute(graph.word(if_so), "@past")) {
-      const int led = condition;
-      int joined_to = graph.child(graph.arc(led).to, "conjunct");
-      for (int steps = graph.count(); joined_to >= 0 && steps > 0; --steps) {
-        Concept& part = graph.word(graph.arc(joined_to).to);
-        if (has_attribute(part, "@v") && !has_attribute(part, "@past")) attribute_add(part, "@pres");
-        joined_to = graph.child(graph.arc(joined_to).to, "conjunct");
-      }
-    }
-    // What is joined to a clause about the same person is told of the same time.
-    const int next = graph.child(at, "conjunct");
-    const int part = next >= 0 ? graph.arc(next).to : -1;
-    const bool is_open = part >= 0 && graph.child(part, "shared") >= 0 && !has_attribute(graph.word(part), "@past") &&
-                         !has_attribute(graph.word(part), "@fut") && !has_attribute(graph.word(part), "@imp");
-    if (is_open && has_attribute(clause, "@pres") && has_attribute(graph.word(part), "@v"))
-      attribute_add(graph.word(part), "@pres");
-    // Who asks you what happens means now: "what are you doing?"
-    const bool is_question = has_attribute(clause, "@ask") || has_attribute(clause, "@int");
-    constexpr std::array kStanding{"@can", "@must", "@should", "@may", "@maynot", "@likely", "@perf", "@habit", "@neg"};
-    const int when = graph.child(at, "time");
-    const bool is_timed = graph.child(at, "frequency") >= 0 || (when >= 0 && !graph.is(graph.arc(when).to, "now")) ||
-                          std::any_of(kStanding.begin(), kStanding.end(),
-                                      [&](const char* one) { return has_attribute(graph.word(at), one); });
-    // What lasts has no progressive: "do you see it?"
-    constexpr std::array kLasting{"see",    "hear",     "smell",  "like",       "love",  "hate",     "want",
-                                  "need",   "remember", "mind",   "have",       "know",  "mean",     "believe",
-                                  "prefer", "own",      "belong", "understand", "agree", "disagree", "deserve",
-                                  "matter", "doubt",    "care",   "suppose",    "hope",  "lack"};
-    if (!is_known && is_question && if_so >= 0 && !is_passive && !has_attribute(graph.word(if_so), "@past"))
-      attribute_add(clause, "@fut");
-    else if (!is_known && is_to_you && shared < 0 && graph.child(at, "conjunct") < 0 &&
-             !is_one_of(graph, at, kLasting) && is_question && !is_timed)
-      attribute_add(clause, "@now");
+    tense_of_condition(graph, at);
+    tense_of_joined(graph, at);
+    if (!is_known) tense_of_question(graph, at, is_to_you);
     tense_of_content(graph, at);
-    // "Tell him that I will pay when my ship comes."
-    const int bidden = has_attribute(clause, "@imp") && is_one_of(graph, at, kSaying) ? graph.child(at, "ARG1") : -1;
-    const int told = bidden >= 0 ? graph.arc(bidden).to : -1;
-    const int about =
-        told >= 0 && is_event(graph, told) && graph.parent(told) == bidden ? subject_arc(graph, told) : -1;
-    if (about >= 0 && graph.child(told, "questioned") < 0 && !has_attribute(graph.word(told), "@past") &&
-        !has_attribute(graph.word(told), "@perf")) {
-      const int then = graph.child(told, "time");
-      const bool is_coming = then >= 0 && is_clause(graph, graph.arc(then).to);
-      const bool is_own = is_one_of(graph, graph.arc(about).to, std::array{"i", "we", "you"});
-      if (is_coming || is_own) attribute_add(graph.word(told), is_coming ? "@fut" : "@pres");
-      tense_of_coming(graph, told);
-    }
-    if (!is_said[static_cast<std::size_t>(at)] && is_told_of_another(graph, at)) attribute_add(clause, "@past");
+    tense_of_message(graph, at);
+    if (!is_talk && is_told_of_another(graph, at)) attribute_add(clause, "@past");
   }
 }
 
