@@ -1455,15 +1455,105 @@ void noun_time_apply(Rewriter& graph, int at) {
     graph.arc(led).role = "mod";
 }
 
+// English has one modal verb in a clause, and the stronger stays.
+void one_modal_apply(Rewriter& graph, int at) {
+  Concept& word = graph.word(at);
+  if (has_attribute(word, "@must") || has_attribute(word, "@need")) std::erase(word.attributes, "@should");
+  if (has_attribute(word, "@can")) std::erase(word.attributes, "@may");
+}
+
+// (t / tire-01 :ARG1 he :degree (v / very)): "he is very tired". With a degree many verbs are participles; "a little" and
+// "completely" leave a verb a verb: he hesitated a little.
+void graded_apply(Rewriter& graph, int at) {
+  constexpr std::array kGrades{"@more", "@most", "@less", "@least", "@too", "@so", "@very"};
+  constexpr std::array kIntensifying{"so",    "very",      "too",    "more",  "most",        "less",
+                                     "least", "extremely", "rather", "quite", "amr-unknown", "umr-unknown"};
+  Concept& word = graph.word(at);
+  const int degree = graph.child(at, "degree");
+  const bool is_graded =
+      (degree >= 0 && is_one_of(graph, graph.arc(degree).to, kIntensifying)) ||
+      std::any_of(kGrades.begin(), kGrades.end(), [&](const char* one) { return has_attribute(word, one); });
+  if (is_graded && has_attribute(word, "@v")) attribute_add(word, "@graded");
+}
+
+// (s / say-01 :ARG0 (p / person) :ARG1 c): "people say that ...". Who does something, and of whom nothing else is said, is
+// nobody in particular.
+void anybody_apply(Rewriter& graph, int at) {
+  if (!graph.is(at, "person") || !graph.children(at).empty() || graph.mentions(at) != 1) return;
+  const int deed = graph.parent(at);
+  if (deed < 0 || graph.arc(deed).role != "ARG0" || graph.arc(deed).inverse) return;
+  Concept& word = graph.word(at);
+  if (!has_attribute(word, "@agent") && !has_attribute(word, "@ref")) word.name = "people";
+}
+
+// What is most of its kind is known: "the oldest tree", where no owner tells which.
+void most_apply(Rewriter& graph, int at) {
+  const int led = has_attribute(graph.word(at), "@most") ? graph.parent(at) : -1;
+  if (led < 0) return;
+  const Arc& one = graph.arc(led);
+  const bool is_beside_noun = one.inverse ? is_core_role(one.role) : one.role == "mod";
+  if (is_beside_noun && graph.word(one.from).sense.empty() && graph.child(one.from, "poss") < 0)
+    attribute_add(graph.word(one.from), "@def");
+}
+
+// @cl: the clause has a subject and a finite verb, or, of the weather, the subject "it". A noun of an event and a driver
+// have none.
+void clause_apply(Rewriter& graph, int at) {
+  Concept& word = graph.word(at);
+  const bool has_subject = subject_arc(graph, at) >= 0 || graph.child(at, "understood") >= 0 ||
+                           graph.child(at, "shared") >= 0 || graph.child(at, "speaker") >= 0;
+  // "It rained in the south for days"; without a time the rain may be a heading.
+  constexpr std::array kWeather{"rain", "snow", "hail", "drizzle", "thunder"};
+  const bool is_timed = graph.child(at, "duration") >= 0 || graph.child(at, "time") >= 0 ||
+                        graph.child(at, "temporal") >= 0 || has_attribute(word, "@activity");
+  const bool is_weather =
+      at == graph.meaning().root && is_event(graph, at) && is_one_of(graph, at, kWeather) && !has_subject && is_timed;
+  if (is_weather) attribute_add(word, "@cl");
+  if (has_subject && !has_attribute(word, "@result") && !has_attribute(word, "@agent") && !nominal_apply(graph, at))
+    attribute_add(word, "@cl");
+  // "I think that he is a teacher."
+  if (has_attribute(word, "@agent") && graph.child(at, "domain") >= 0) attribute_add(word, "@cl");
+}
+
+// @aux: what English says with an auxiliary in front of the basic form, "does not come", "can come".
+void auxiliary_apply(Rewriter& graph, int at) {
+  constexpr std::array kAuxiliary{"@need", "@can",   "@must", "@should", "@may", "@likely", "@maynot",
+                                  "@fut",  "@would", "@used", "@neg",    "@ask", "@int"};
+  Concept& word = graph.word(at);
+  const bool is_auxiliary =
+      std::any_of(kAuxiliary.begin(), kAuxiliary.end(), [&](const char* one) { return has_attribute(word, one); });
+  if (is_auxiliary && is_clause(graph, at)) attribute_add(word, "@aux");
+}
+
+// (p / pity :domain (l / leave-15 :ARG0 she)): "it is a pity that she left". What a predicate says of a whole clause has
+// "it" in front, @xdom, and the clause behind.
+void clause_judged_apply(Rewriter& graph, int at) {
+  const int led = graph.child(at, "domain");
+  const int told = led >= 0 ? graph.arc(led).to : -1;
+  if (told < 0 || graph.parent(told) != led) return;
+  if (!is_event(graph, told) || subject_arc(graph, told) < 0 || has_attribute(graph.word(told), "@nom")) return;
+  if (graph.child(at, "consequence") < 0) attribute_add(graph.word(at), "@xdom");
+  if (is_easy_for(graph, at, told)) make_infinitive(graph, told, "@xfor");
+}
+
+// (b / be-located-at-91 :ARG1 (b2 / bird :quant 3) :ARG2 (t / tree)): "there are three birds in the tree". What is only
+// counted is new.
+void there_apply(Rewriter& graph, int at) {
+  const bool is_being =
+      graph.is(at, "be-located-at", "91") || graph.is(at, "have-place", "91") || graph.is(at, "exist", "91");
+  const int led = is_being ? graph.child(at, "ARG1") : -1;
+  if (led < 0) return;
+  const Concept& thing = graph.word(graph.arc(led).to);
+  const bool is_new = graph.child(graph.arc(led).to, "quant") >= 0 || has_attribute(thing, "@indef");
+  if (is_new) attribute_add(graph.word(at), has_attribute(thing, "@pl") ? "@theres" : "@there");
+}
+
 }  // namespace
 
 // What the rules must know of a whole clause before its first word stands: whether it has a subject, an auxiliary, an
 // expletive. No graph is changed here but for attributes, so that this step sees what the reader will see.
 void step_forms(Meaning& meaning) {
   Rewriter graph(meaning, "forms");
-  // What English says with an auxiliary in front of the basic form.
-  constexpr std::array kAuxiliary{"@need", "@can",   "@must", "@should", "@may", "@likely", "@maynot",
-                                  "@fut",  "@would", "@used", "@neg",    "@ask", "@int"};
   for (int at = 0; at < graph.count(); ++at) {
     bare_time_apply(graph, at);
     content_apply(graph, at);
@@ -1472,66 +1562,19 @@ void step_forms(Meaning& meaning) {
     giving_apply(graph, at);
     particle_apply(graph, at);
     perceived_apply(graph, at);
+    one_modal_apply(graph, at);
+    graded_apply(graph, at);
+    anybody_apply(graph, at);
+    most_apply(graph, at);
+    clause_apply(graph, at);
     Concept& word = graph.word(at);
-    // English has one modal verb in a clause.
-    if (has_attribute(word, "@must") || has_attribute(word, "@need")) std::erase(word.attributes, "@should");
-    if (has_attribute(word, "@can")) std::erase(word.attributes, "@may");
-    constexpr std::array kGrades{"@more", "@most", "@less", "@least", "@too", "@so", "@very"};
-    // "A little" and "completely" leave a verb a verb: he hesitated a little.
-    constexpr std::array kIntensifying{"so",    "very",      "too",    "more",  "most",        "less",
-                                       "least", "extremely", "rather", "quite", "amr-unknown", "umr-unknown"};
-    const int degree = graph.child(at, "degree");
-    const bool is_graded =
-        (degree >= 0 && is_one_of(graph, graph.arc(degree).to, kIntensifying)) ||
-        std::any_of(kGrades.begin(), kGrades.end(), [&](const char* one) { return has_attribute(word, one); });
-    if (is_graded && has_attribute(word, "@v")) attribute_add(word, "@graded");
-    // Who does something, and of whom nothing else is said, is people.
-    const int deed =
-        graph.is(at, "person") && graph.children(at).empty() && graph.mentions(at) == 1 ? graph.parent(at) : -1;
-    const bool is_anybody = deed >= 0 && graph.arc(deed).role == "ARG0" && !graph.arc(deed).inverse;
-    if (is_anybody && !has_attribute(word, "@agent") && !has_attribute(word, "@ref")) word.name = "people";
-    // What is most of its kind is known: the oldest tree.
-    const int quality = has_attribute(word, "@most") ? graph.parent(at) : -1;
-    const bool is_below = quality >= 0 && graph.arc(quality).inverse == is_core_role(graph.arc(quality).role) &&
-                          (graph.arc(quality).inverse || graph.arc(quality).role == "mod") &&
-                          graph.word(graph.arc(quality).from).sense.empty();
-    if (is_below && graph.child(graph.arc(quality).from, "poss") < 0)
-      attribute_add(graph.word(graph.arc(quality).from), "@def");
-    const bool has_subject = subject_arc(graph, at) >= 0 || graph.child(at, "understood") >= 0 ||
-                             graph.child(at, "shared") >= 0 || graph.child(at, "speaker") >= 0;
-    // "It rained in the south for days".
-    constexpr std::array kWeather{"rain", "snow", "hail", "drizzle", "thunder"};
-    const bool is_weather = at == meaning.root && is_event(graph, at) && is_one_of(graph, at, kWeather) &&
-                            !has_subject &&
-                            (graph.child(at, "duration") >= 0 || graph.child(at, "time") >= 0 ||
-                             graph.child(at, "temporal") >= 0 || has_attribute(word, "@activity"));
-    if (is_weather) attribute_add(word, "@cl");
-    if (has_subject && !has_attribute(word, "@result") && !has_attribute(word, "@agent") && !nominal_apply(graph, at))
-      attribute_add(word, "@cl");
-    // "I think that he is a teacher."
-    if (has_attribute(word, "@agent") && graph.child(at, "domain") >= 0) attribute_add(word, "@cl");
     if (has_attribute(word, "@whether") || has_attribute(word, "@asked")) attribute_add(word, "@query");
-    const bool is_auxiliary =
-        std::any_of(kAuxiliary.begin(), kAuxiliary.end(), [&](const char* one) { return has_attribute(word, one); });
-    if (is_auxiliary && is_clause(graph, at)) attribute_add(word, "@aux");
+    auxiliary_apply(graph, at);
     noun_time_apply(graph, at);
     extraposed_apply(graph, at);
     gerund_apply(graph, at);
-    // "It is a pity that she left": what a predicate says of a whole clause.
-    const int about = graph.child(at, "domain");
-    const int told = about >= 0 && graph.parent(graph.arc(about).to) == about ? graph.arc(about).to : -1;
-    const bool is_told =
-        told >= 0 && is_event(graph, told) && subject_arc(graph, told) >= 0 && !has_attribute(graph.word(told), "@nom");
-    if (is_told && graph.child(at, "consequence") < 0) attribute_add(word, "@xdom");
-    if (is_told && is_easy_for(graph, at, told)) make_infinitive(graph, told, "@xfor");
-    // What is only counted is new: "there are three birds in the tree".
-    const bool is_being =
-        graph.is(at, "be-located-at", "91") || graph.is(at, "have-place", "91") || graph.is(at, "exist", "91");
-    const int what = is_being ? graph.child(at, "ARG1") : -1;
-    if (what < 0) continue;
-    const Concept& thing = graph.word(graph.arc(what).to);
-    const bool is_new = graph.child(graph.arc(what).to, "quant") >= 0 || has_attribute(thing, "@indef");
-    if (is_new) attribute_add(word, has_attribute(thing, "@pl") ? "@theres" : "@there");
+    clause_judged_apply(graph, at);
+    there_apply(graph, at);
   }
 }
 
