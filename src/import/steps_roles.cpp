@@ -48,8 +48,12 @@ void step_synonyms(Meaning& meaning) {
 
 namespace {
 
-// "The key that she opened it with", "the way that he sings": the preposition of a relative
-// clause stands at its end, and a noun that names its role needs none.
+// The two roles that all clauses of circumstance come to: behind a verb, and behind a noun.
+constexpr const char* kAdverbialClause = "adverbial-clause";
+constexpr const char* kAdverbialRelative = "adverbial-relative";
+
+// "The key that she opened it with", "the way that he sings": the preposition of a relative clause stands at its end, and a
+// noun that names its role needs none.
 void relative_apply(Rewriter& graph, int led) {
   struct Stranded {
     const char* role;
@@ -68,10 +72,100 @@ void relative_apply(Rewriter& graph, int led) {
     const bool is_it = one.role == stranded.role && (stranded.noun == nullptr || noun.name == stranded.noun);
     if (!is_it || graph.child(one.to, "particle") >= 0) continue;
     attribute_add(graph.word(one.to), "@s_that");
-    graph.arc(led).role = "adverbial-relative";
+    graph.arc(led).role = kAdverbialRelative;
     graph.arc(led).inverse = false;
     if (stranded.preposition != nullptr) graph.add(one.to, graph.add_concept(stranded.preposition), "particle");
     return;
+  }
+}
+
+// What a role of circumstance is called for the rules, and the conjunction that the clause has.
+struct Circumstance {
+  std::string_view role;
+  bool inverse;
+  const char* conjunction;
+  const char* becomes;
+};
+
+// The role :cause-of has two rows, between which circumstance_of chooses.
+constexpr Circumstance kAdverbials[] = {
+    {"concession", false, "@s_although", kAdverbialClause},
+    {"concession", true, "@s_although", kAdverbialClause},
+    {"cause", false, "@s_because", kAdverbialClause},
+    {"cause", true, "@s_so", kAdverbialClause},
+    {"cause", true, "@s_why", kAdverbialRelative},
+    {"condition", false, "@s_if", kAdverbialClause},
+    {"condition", true, "@s_so", kAdverbialClause},
+    {"concessive-conditional", false, "@s_evenif", kAdverbialClause},
+    {"conj-as-if", false, "@s_asif", kAdverbialClause},
+    {"time", false, "@s_when", kAdverbialClause},
+    {"purpose", false, "@s_sothat", kAdverbialClause},
+    {"consequence", false, "@s_that", kAdverbialClause},
+    {"result", false, "@s_that", kAdverbialClause},
+    {"location", false, "@s_where", kAdverbialClause},
+    {"time", true, "@s_when", kAdverbialRelative},
+    {"purpose", true, "@s_that", kAdverbialRelative},
+    {"source", true, "@s_where", kAdverbialRelative},
+    {"location", true, "@s_where", kAdverbialRelative},
+    {"manner", true, "@s_how", kAdverbialRelative},
+    {"likeness", false, "@s_as", kAdverbialClause},
+};
+
+// The row for an arc; null if its role is none of a clause.
+const Circumstance* circumstance_of(Rewriter& graph, const Arc& one) {
+  // (r / reason :cause-of (l / leave-11)): "the reason why she left"; behind another noun or verb what follows from it is
+  // told, "so she left".
+  const bool is_cause = one.inverse && one.role == "cause";
+  for (const Circumstance& row : kAdverbials) {
+    if (one.inverse != row.inverse || !is_same(one.role, row.role)) continue;
+    const bool is_why = std::string_view(row.conjunction) == "@s_why";
+    if (!is_cause || is_why == graph.is(one.from, "reason")) return &row;
+  }
+  return nullptr;
+}
+
+// What fills a role of circumstance may have no conjunction, though it has a subject.
+bool is_no_adverbial(Rewriter& graph, const Arc& one) {
+  const Concept& word = graph.word(one.to);
+  if (one.inverse) return false;
+  // "Where it is a mystery": what something is, is no place.
+  if (one.role == "location") return !has_attribute(word, "@v");
+  // "It held as the smith had promised", but "like the fall of a tree", of which nothing more is told.
+  if (one.role == "likeness") {
+    const bool is_told = graph.child(one.to, "ARG0") >= 0 && graph.child(one.to, "ARG1") >= 0;
+    return !is_told && !has_attribute(word, "@neg");
+  }
+  // "She came to help because she was free": an infinitive stands nearer than a clause.
+  return one.role == "purpose" && graph.child(one.to, "understood") >= 0 && !has_attribute(word, "@ctl1") &&
+         !has_attribute(word, "@aux") && is_event(graph, one.to);
+}
+
+// (l / leave-11 :cause (r / rain-01)): the role becomes that of all such clauses, and the word gets the conjunction.
+void conjunction_apply(Rewriter& graph, Arc& one) {
+  const Circumstance* row = circumstance_of(graph, one);
+  if (row == nullptr || is_no_adverbial(graph, one)) return;
+  const bool is_timed =
+      one.role == "time" && (graph.child(one.from, "condition") < 0 || graph.child(one.from, "conjunct") >= 0);
+  const bool is_ahead =
+      !one.inverse && (one.role == "condition" || is_timed) && !has_attribute(graph.word(one.from), "@query");
+  if (is_ahead) attribute_add(graph.word(one.to), "@ahead");
+  // "The way that she sings"; elsewhere "how he sings", and not the thing how he sings.
+  const bool is_way = one.inverse && one.role == "manner" && graph.is(one.from, "way");
+  if (one.role == "manner" && !is_way) attribute_add(graph.word(one.from), "@how");
+  attribute_add(graph.word(one.to), is_way ? "@s_that" : row->conjunction);
+  one.role = row->becomes;
+  one.inverse = false;
+}
+
+// What has a condition is still to come, and so is what is joined to it about the same person: "I will go with you and
+// look for it".
+void conditional_apply(Rewriter& graph, int at) {
+  attribute_add(graph.word(at), "@conditional");
+  int joined = graph.child(at, "conjunct");
+  for (int steps = graph.count(); joined >= 0 && steps > 0; --steps) {
+    const int part = graph.arc(joined).to;
+    if (graph.child(part, "shared") >= 0) attribute_add(graph.word(part), "@conditional");
+    joined = graph.child(part, "conjunct");
   }
 }
 
@@ -81,76 +175,17 @@ void relative_apply(Rewriter& graph, int led) {
 // like: one role for each kind, so that rules say their forms once. A condition and a clause of time stand in front,
 // @ahead; what has a condition is still to come, @conditional.
 void step_conjunctions(Meaning& meaning) {
-  struct Circumstance {
-    std::string_view role;
-    bool inverse;
-    const char* conjunction;
-    const char* becomes;
-  };
-  constexpr const char* kClause = "adverbial-clause";
-  constexpr const char* kRelative = "adverbial-relative";
-  constexpr Circumstance kCircumstances[] = {
-      {"concession", false, "@s_although", kClause}, {"concession", true, "@s_although", kClause},
-      {"cause", false, "@s_because", kClause},       {"cause", true, "@s_so", kClause},
-      {"cause", true, "@s_why", kRelative},          {"condition", false, "@s_if", kClause},
-      {"condition", true, "@s_so", kClause},         {"concessive-conditional", false, "@s_evenif", kClause},
-      {"conj-as-if", false, "@s_asif", kClause},     {"time", false, "@s_when", kClause},
-      {"purpose", false, "@s_sothat", kClause},      {"consequence", false, "@s_that", kClause},
-      {"result", false, "@s_that", kClause},         {"location", false, "@s_where", kClause},
-      {"time", true, "@s_when", kRelative},          {"purpose", true, "@s_that", kRelative},
-      {"source", true, "@s_where", kRelative},       {"location", true, "@s_where", kRelative},
-      {"manner", true, "@s_how", kRelative},         {"likeness", false, "@s_as", kClause},
-  };
   Rewriter graph(meaning, "conjunctions");
   for (int led = 0, end = static_cast<int>(meaning.arcs.size()); led < end; ++led) relative_apply(graph, led);
   for (Arc& one : meaning.arcs) {
     if (one.gone) continue;
-    if (one.role == "condition" && !one.inverse) {
-      attribute_add(graph.word(one.from), "@conditional");
-      // "I will go with you and look for it": what is joined about the same person has the same condition.
-      int joined = graph.child(one.from, "conjunct");
-      for (int steps = graph.count(); joined >= 0 && steps > 0; --steps) {
-        const int part = graph.arc(joined).to;
-        if (graph.child(part, "shared") >= 0) attribute_add(graph.word(part), "@conditional");
-        joined = graph.child(part, "conjunct");
-      }
-    }
+    if (one.role == "condition" && !one.inverse) conditional_apply(graph, one.from);
     if (!has_attribute(graph.word(one.to), "@cl")) continue;
-    for (const Circumstance& circumstance : kCircumstances) {
-      if (one.inverse != circumstance.inverse || !is_same(one.role, circumstance.role)) continue;
-      // "The reason why she left".
-      const bool is_why = std::string_view(circumstance.conjunction) == "@s_why";
-      if (one.inverse && one.role == "cause" && is_why != graph.is(one.from, "reason")) continue;
-      // "The way that she sings".
-      const bool is_way = one.inverse && one.role == "manner" && graph.is(one.from, "way");
-      // "Where it is a mystery": what something is, is no place.
-      const bool is_place = !one.inverse && one.role == "location";
-      if (is_place && !has_attribute(graph.word(one.to), "@v")) break;
-      // "It held as the smith had promised", but "like the fall of a tree", of which nothing more is told.
-      const bool is_told = graph.child(one.to, "ARG0") >= 0 && graph.child(one.to, "ARG1") >= 0;
-      if (one.role == "likeness" && !is_told && !has_attribute(graph.word(one.to), "@neg")) break;
-      // "She came to help because she was free": an infinitive stands nearer than a clause.
-      const Concept& word = graph.word(one.to);
-      const bool is_infinitive = one.role == "purpose" && !one.inverse && graph.child(one.to, "understood") >= 0 &&
-                                 !has_attribute(word, "@ctl1") && !has_attribute(word, "@aux") &&
-                                 is_event(graph, one.to);
-      if (is_infinitive) break;
-      const bool is_timed =
-          one.role == "time" && (graph.child(one.from, "condition") < 0 || graph.child(one.from, "conjunct") >= 0);
-      const bool is_ahead =
-          !one.inverse && (one.role == "condition" || is_timed) && !has_attribute(graph.word(one.from), "@query");
-      if (is_ahead) attribute_add(graph.word(one.to), "@ahead");
-      // "How he sings", and not the thing how he sings.
-      if (one.role == "manner" && !is_way) attribute_add(graph.word(one.from), "@how");
-      attribute_add(graph.word(one.to), is_way ? "@s_that" : circumstance.conjunction);
-      one.role = circumstance.becomes;
-      one.inverse = false;
-      break;
-    }
+    conjunction_apply(graph, one);
     // "As tall as she is".
     if (one.role == "compared-to" && !one.inverse && has_attribute(graph.word(one.from), "@equal")) {
       attribute_add(graph.word(one.to), "@s_as");
-      one.role = kRelative;
+      one.role = kAdverbialRelative;
     }
   }
 }
