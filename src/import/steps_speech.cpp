@@ -95,6 +95,22 @@ void report_mood(Rewriter& graph, int said) {
   if (std::erase(graph.word(said).attributes, "@int") > 0) attribute_add(graph.word(said), "@whether");
 }
 
+// Behind a quotation a verb without an auxiliary stands before its subject, if that is no pronoun: "Come," said the king.
+// `who` and `whom` are the arcs to him and to the hearer, who may be missing.
+void speaker_behind(Rewriter& graph, int at, int who, int whom) {
+  const int subject = graph.arc(who).to;
+  const bool is_pronoun = is_personal_pronoun(graph, subject) || graph.word(subject).name == "one";
+  const bool is_plain = !has_attribute(graph.word(at), "@neg") && !has_attribute(graph.word(at), "@ask") &&
+                        !has_attribute(graph.word(at), "@int") && !has_attribute(graph.word(at), "@can");
+  // "..., the girl asked the driver": turned round, two nouns would stand side by side.
+  constexpr std::array kBareHearer{"ask", "tell", "answer", "warn", "interrupt"};
+  const bool is_beside_hearer = whom >= 0 && is_one_of(graph, at, kBareHearer);
+  if (!is_plain || is_pronoun || is_beside_hearer) return;
+  graph.arc(who).role = "speaker";
+  const int office = graph.child(subject, "apposition");
+  if (office >= 0) std::erase(graph.word(graph.arc(office).to).attributes, "@closed");
+}
+
 // (s / say-01 :ARG0 (k / king) :ARG1 (c / come-01 :mode imperative) :ARG2 (b / boy)): "Come," said the king. `led` is
 // the arc to what is said, `who` that to the speaker and `whom` to the hearer; verbs of answering number the last two
 // the other way round.
@@ -155,18 +171,7 @@ void quote(Rewriter& graph, int at) {
   // The quotation stands in front, so "then" cannot: '"Stop!" she said then.'
   const int when = graph.child(at, "time");
   if (when >= 0 && graph.word(graph.arc(when).to).sense.empty()) attribute_add(graph.word(graph.arc(when).to), "@late");
-  // Behind a quotation a verb without an auxiliary stands before its subject, if that is no pronoun: said the king.
-  const int subject_of_saying = graph.arc(who).to;
-  const bool is_pronoun = is_personal_pronoun(graph, subject_of_saying) || graph.word(subject_of_saying).name == "one";
-  const bool is_plain = !has_attribute(graph.word(at), "@neg") && !has_attribute(graph.word(at), "@ask") &&
-                        !has_attribute(graph.word(at), "@int") && !has_attribute(graph.word(at), "@can");
-  // "..., the girl asked the driver": turned round, two nouns would stand side by side.
-  constexpr std::array kBareHearer{"ask", "tell", "answer", "warn", "interrupt"};
-  const bool is_beside_hearer = whom >= 0 && is_one_of(graph, at, kBareHearer);
-  if (!is_plain || is_pronoun || is_beside_hearer) return;
-  graph.arc(who).role = "speaker";
-  const int office = graph.child(graph.arc(who).to, "apposition");
-  if (office >= 0) std::erase(graph.word(graph.arc(office).to).attributes, "@closed");
+  speaker_behind(graph, at, who, whom);
 }
 
 // What a frame's numbered role is called when it is asked for.
@@ -443,6 +448,26 @@ void bidden_apply(Rewriter& graph, int at) {
   graph.add(at, whom, "vocative");
 }
 
+// UMR marks what is uttered by :quote with the verb of saying as target: (s / say-01 :ARG0 (p / person) :ARG1 (r / rain-01
+// :quote s)). True if the verb is the sentence itself.
+bool take_quote_marks(Rewriter& graph) {
+  bool is_utterance = false;
+  for (int led = 0; led < static_cast<int>(graph.meaning().arcs.size()); ++led) {
+    if (graph.arc(led).gone || graph.arc(led).inverse || graph.arc(led).role != "quote") continue;
+    // The verb stands above, and the sentence leads to it without this arc; any other target would be lost with it.
+    const int verb = graph.arc(led).to;
+    const bool is_above = graph.reaches(verb, graph.arc(led).from);
+    graph.arc(led).gone = true;
+    const bool is_held = graph.reaches(graph.meaning().root, verb);
+    graph.arc(led).gone = false;
+    if (!is_above || !is_held) continue;
+    is_utterance |= graph.arc(led).to == graph.meaning().root;
+    graph.remove(led, Fate::attribute);
+    attribute_add(graph.word(graph.arc(led).from), "@quote");
+  }
+  return is_utterance;
+}
+
 }  // namespace
 
 // UMR puts an utterance below (s / say-01 :ARG0 (p / person) :ARG1 c :ARG2 (p2 / person) :quote s). A reader of the
@@ -450,21 +475,7 @@ void bidden_apply(Rewriter& graph, int at) {
 // pronouns, as the two may have become pronouns by then.
 void step_speaker(Meaning& meaning) {
   Rewriter graph(meaning, "speaker");
-  // UMR marks what is uttered by :quote with the verb of saying as target.
-  bool is_utterance = false;
-  for (int led = 0; led < static_cast<int>(meaning.arcs.size()); ++led) {
-    if (graph.arc(led).gone || graph.arc(led).inverse || graph.arc(led).role != "quote") continue;
-    // The verb stands above, and the sentence leads to it without this arc; any other target would be lost with it.
-    const int verb = graph.arc(led).to;
-    const bool is_above = graph.reaches(verb, graph.arc(led).from);
-    graph.arc(led).gone = true;
-    const bool is_held = graph.reaches(meaning.root, verb);
-    graph.arc(led).gone = false;
-    if (!is_above || !is_held) continue;
-    is_utterance |= graph.arc(led).to == meaning.root;
-    graph.remove(led, Fate::attribute);
-    attribute_add(graph.word(graph.arc(led).from), "@quote");
-  }
+  const bool is_utterance = take_quote_marks(graph);
   for (int at = 0; at < graph.count(); ++at) {
     if (has_attribute(graph.word(at), "@imp")) bidden_apply(graph, at);
   }
