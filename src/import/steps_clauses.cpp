@@ -25,6 +25,7 @@ struct Modal {
   const char* attribute;
 };
 
+// obligate-01 has two rows, as some annotators number its clause ARG1.
 constexpr Modal kModals[] = {
     {"possible", "01", "ARG1", "@can"},     {"obligate", "01", "ARG2", "@must"}, {"obligate", "01", "ARG1", "@must"},
     {"recommend", "01", "ARG1", "@should"}, {"use", "03", "ARG1", "@used"},
@@ -37,7 +38,10 @@ const char* modal_mark(Rewriter& graph, int at, const Modal& modal) {
 }
 
 // Who is obliged is the subject of what he is obliged to do, of each clause if they are several.
+// (o / obligate-01 :ARG1 (b / boy) :ARG2 (a / and :op1 (w / wash-01) :op2 (e / eat-01))): "the boy must wash and eat", with
+// the boy below each.
 void obliged_apply(Rewriter& graph, int at, const std::vector<int>& clauses) {
+  // The clause itself has one of the two numbers, and is taken out by now: the other is a person.
   for (const char* role : {"ARG1", "ARG2"}) {
     const int who = graph.child(at, role);
     if (who < 0) continue;
@@ -50,11 +54,13 @@ void obliged_apply(Rewriter& graph, int at, const std::vector<int>& clauses) {
         if (own >= 0 && graph.other(own, clause) == person) subject = own;
       }
       const bool is_own = subject >= 0 && graph.other(subject, clause) == person;
+      // The arc of the frame can go to one clause; the others get arcs of their own.
       if (clause != clauses.front()) {
         if (subject < 0) graph.add(clause, person, "ARG0");
       } else if (is_own) {
         graph.remove(who, Fate::relation);
       } else {
+        // "It must open for her": where the clause has a subject, who is obliged profits from it.
         graph.replace(who, clause, person, subject < 0 ? "ARG0" : "beneficiary");
       }
     }
@@ -91,6 +97,7 @@ void modality_of_all(Rewriter& graph, int at, int led, const Modal& modal) {
   for (const std::string& attribute : graph.word(at).attributes) {
     if (attribute != "@v" && attribute != "@neg") attribute_add(graph.word(whole), attribute);
   }
+  // With the frame as :ARG1-of the whole, the sentence leads to the whole already.
   const bool is_above = graph.arc(led).to == at;
   graph.settle_concept(at, Fate::attribute);
   graph.remove(led, Fate::attribute);
@@ -183,9 +190,11 @@ void step_modality(Meaning& meaning) {
   // "She refused to come": UMR marks below such verbs that nobody came.
   constexpr std::array kImplying{"refuse", "fail",   "decline", "prevent", "stop",    "avoid", "ban",    "forbid",
                                  "block",  "reject", "neglect", "refrain", "abstain", "deny",  "unable", "prohibit"};
+  // First of all what a verb above has said already.
   for (const Arc& one : meaning.arcs) {
     const bool is_governed = !one.gone && !one.inverse && (one.role == "ARG1" || one.role == "ARG2") &&
                              !graph.word(one.from).sense.empty() && is_one_of(graph, one.from, kImplying);
+    // A clause without an aspect is AMR's, where the negation counts: "he failed not to laugh".
     constexpr std::array kAspects{"@done", "@activity", "@state", "@habit", "@process", "@endeavor"};
     const bool has_aspect = std::any_of(kAspects.begin(), kAspects.end(),
                                         [&](const char* mark) { return has_attribute(graph.word(one.to), mark); });
@@ -197,6 +206,7 @@ void step_modality(Meaning& meaning) {
     const bool is_willed = !one.gone && !one.inverse && (one.role == "ARG1" || one.role == "ARG2") &&
                            !graph.word(one.from).sense.empty() && is_one_of(graph, one.from, kWilling);
     if (is_willed) std::erase(graph.word(one.to).attributes, "@likely");
+    // "I hope that she may come" is English, "I want her to may come" is not.
     if (is_willed && !graph.is(one.from, "hope", "01")) std::erase(graph.word(one.to).attributes, "@may");
   }
   for (int at = 0; at < graph.count(); ++at) {
@@ -215,8 +225,10 @@ void step_modality(Meaning& meaning) {
 namespace {
 
 // A noun that no word picks out: no name, no pronoun, nobody's, none of several.
+// Only such a noun can have "no" in front: "she has no garden", but "she does not have this garden".
 bool is_any_of_its_kind(Rewriter& graph, int at) {
   const Concept& word = graph.word(at);
+  // They stand without an article, and so without "no".
   constexpr std::array kStandingAlone{"this",      "that",   "one", "anything", "nothing",
                                       "something", "anyone", "all", "any"};
   if (!word.sense.empty() || word.variable.empty() || has_attribute(word, "@name") || is_unknown(graph, at))
@@ -232,6 +244,8 @@ bool is_any_of_its_kind(Rewriter& graph, int at) {
 }
 
 // "Not ever" said of all that is joined: "I have never seen or heard anyone".
+// (o / or :op1 (s / see-01 :polarity -) :op2 (h / hear-01 :polarity -) :time (e / ever)): each of them is denied, and "never"
+// says it for all.
 void ever_of_all(Rewriter& graph, int at) {
   const int led = graph.is(at, "and") || graph.is(at, "or") ? graph.child(at, "time") : -1;
   if (led < 0 || !graph.is(graph.arc(led).to, "ever")) return;
@@ -262,6 +276,7 @@ void negation_once(Rewriter& graph, int at) {
 }
 
 // What a word for somebody is where it is denied; null for other words.
+// (n / notice-01 :polarity - :ARG0 (a / anybody)): "nobody noticed".
 const char* denied(Rewriter& graph, int at) {
   constexpr std::pair<const char*, const char*> kDenied[] = {
       {"somebody", "nobody"},   {"someone", "nobody"},   {"anybody", "nobody"},    {"anyone", "nobody"},
@@ -276,6 +291,7 @@ const char* denied(Rewriter& graph, int at) {
 void nobody_apply(Rewriter& graph, int at) {
   // A negated somebody is nobody.
   const std::vector<int> below = graph.children(at);
+  // (t / thing :polarity - :location h): "nothing here"; a thing with more words is "no thing that ...".
   const bool is_bare =
       std::all_of(below.begin(), below.end(), [&](int one) { return graph.arc(one).role == "location"; });
   if (is_bare && has_attribute(graph.word(at), "@neg") && graph.is(at, "thing")) {
@@ -290,6 +306,7 @@ void nobody_apply(Rewriter& graph, int at) {
   const int doer = has_attribute(graph.word(at), "@neg") ? subject_arc(graph, at) : -1;
   if (doer < 0 || graph.parent(graph.arc(doer).to) != doer) return;
   const int any = graph.child(graph.arc(doer).to, "mod");
+  // Either the subject is such a word itself, or it has "any" beside it: "no boy came".
   for (const int word : {int{graph.arc(doer).to}, any >= 0 ? graph.arc(any).to : -1}) {
     const std::string name = word < 0 ? "" : graph.word(word).name;
     if (!name.starts_with("any") && name != "somebody" && name != "someone") continue;
@@ -355,6 +372,7 @@ void step_polarity(Meaning& meaning) {
     // "Not ever" is one word, and takes the negation with it.
     for (const int led : graph.children(at)) {
       if (!has_attribute(graph.word(at), "@neg") || !graph.is(graph.arc(led).to, "ever")) continue;
+      // Before the mark of negation goes, by which that step knows its verb.
       any_of_verb(graph, at);
       graph.word(graph.arc(led).to).name = "never";
       std::erase(graph.word(at).attributes, "@neg");
@@ -369,6 +387,7 @@ void step_polarity(Meaning& meaning) {
       graph.remove(led, Fate::attribute);
       attribute_add(graph.word(at), "@int");
     }
+    // (k / know-01 :ARG1 (r / rain-01 :polarity (t / truth-value))): "know whether it rains", from either end.
     if (const int led = graph.child(at, "polarity"); led >= 0 && graph.is(graph.arc(led).to, "truth-value")) {
       graph.settle_concept(graph.arc(led).to, Fate::attribute);
       graph.remove(led, Fate::attribute);
@@ -385,6 +404,7 @@ void step_polarity(Meaning& meaning) {
 namespace {
 
 // (e / employ-01 :polarity -), which nobody does to anybody: unemployment.
+// The noun of the event with "not" would be no English.
 void unemployment_apply(Rewriter& graph, int at) {
   const int above = graph.parent(at);
   const bool is_denied = graph.is(at, "employ", "01") && has_attribute(graph.word(at), "@neg");
@@ -396,6 +416,7 @@ void unemployment_apply(Rewriter& graph, int at) {
 }
 
 // (g / government-organization :ARG0-of (g2 / govern-01 :ARG1 c)): the government of c.
+// Banks spell out what the word means; the frame says whose government it is, and goes.
 void government_apply(Rewriter& graph, int at) {
   const int led = graph.child(at, "ARG0", true);
   const bool is_administration = led >= 0 && graph.is(graph.arc(led).to, "administrate", "01");
@@ -514,6 +535,7 @@ void pointing_apply(Rewriter& graph, int at) {
   const int above = graph.parent(at);
   const int led = graph.child(at, "domain");
   // "This is the man who came": the statement itself presents him.
+  // In these places a person or thing is expected, and no statement.
   constexpr std::array kOfNouns{"ARG0", "concession", "location", "beneficiary"};
   const bool is_agent =
       above >= 0 && !graph.arc(above).inverse && is_listed(graph.arc(above).role, kOfNouns) &&
@@ -533,6 +555,7 @@ void attendant_apply(Rewriter& graph, int at) {
   const std::string role = graph.arc(above).role;
   const int clause = graph.arc(above).from;
   if (!is_core_role(role) || graph.word(clause).sense.empty()) return;
+  // They belong to the pronoun itself: "all of us", "he alone".
   constexpr std::array kNoQuality{"all",  "both", "each", "alone", "also", "only", "even", "just",
                                   "self", "too",  "two",  "other", "such", "poor", "dear", "most"};
   for (const int led : graph.children(at)) {
@@ -561,6 +584,7 @@ void attendant_apply(Rewriter& graph, int at) {
 // (k / know-01 :ARG1 (p / person :ARG1-of (c / come-01))): "she knows who came", (t / tell-01 :ARG1 (t2 / thing :domain
 // it)): "tell me what it is". Below what one knows or tells a person or thing without any other mark is what is asked.
 void asked_content(Rewriter& graph, int at) {
+  // With these verbs a question may stand behind; "she met a person who came" has none.
   constexpr std::array kOfClauses{"know",    "tell",  "ask",      "find-out", "guess", "wonder",
                                   "explain", "learn", "discover", "reveal",   "decide"};
   const int above = graph.parent(at);
@@ -570,6 +594,7 @@ void asked_content(Rewriter& graph, int at) {
   const std::vector<int> told = graph.children(at);
   if (!is_content || told.size() != 1 || !graph.word(at).attributes.empty()) return;
   const Arc& one = graph.arc(told[0]);
+  // "Tell me what it is": step questions moves it to the front, and knows by the mark that it is reported.
   if (!one.inverse && one.role == "domain") {
     graph.word(at).name = "amr-unknown";
     graph.word(at).attributes = {"@asked"};
@@ -588,6 +613,7 @@ void asked_content(Rewriter& graph, int at) {
 
 // (n / news :topic (i / ill-01 :ARG1 q)): "the news that the queen is ill", a clause and not what the news is about.
 void noun_content(Rewriter& graph, int at) {
+  // Nouns of what can be said or thought; behind any other, :topic is what it is about.
   constexpr std::array kOfClauses{"news",    "idea",  "rumor", "fact",   "message", "proof",    "evidence",    "theory",
                                   "notion",  "sign",  "hope",  "belief", "thought", "question", "possibility", "chance",
                                   "opinion", "claim", "view",  "fear",   "feeling", "word",     "argument",    "story"};
@@ -598,6 +624,7 @@ void noun_content(Rewriter& graph, int at) {
   constexpr std::array kOfNouns{"idea",     "message", "theory", "notion", "thought", "question", "opinion",
                                 "argument", "view",    "fear",   "word",   "feeling", "story"};
   const std::vector<int> below = graph.children(told);
+  // "The question who she is."
   const bool is_open =
       std::any_of(below.begin(), below.end(), [&](int one) { return is_unknown(graph, graph.arc(one).to); });
   const bool is_clear = is_open || graph.child(told, "ARG0") >= 0 || has_attribute(graph.word(told), "@whether") ||
@@ -615,10 +642,12 @@ void noun_content(Rewriter& graph, int at) {
 void wanted_apply(Rewriter& graph, int led) {
   const int deed = graph.arc(led).to;
   const std::string& role = graph.arc(led).role;
+  // "The man who wants to build" needs no turning.
   const bool is_relative = graph.arc(led).inverse && !graph.arc(led).gone && role != "ARG0" && is_core_role(role);
   const int up = is_relative && graph.mentions(deed) == 1 ? graph.child(deed, "ARG1", true) : -1;
   if (up < 0 || !is_event(graph, deed)) return;
   const int frame = graph.arc(up).to;
+  // Verbs that leave a gap open in what they govern: "the house that she said he built".
   constexpr std::array kGoverning{
       "want",     "need",   "try",     "like", "love",   "hope",  "plan",    "wish",     "expect",  "intend", "refuse",
       "say",      "decide", "attempt", "see",  "know",   "think", "believe", "fear",     "dread",   "manage", "fail",
@@ -634,6 +663,7 @@ void wanted_apply(Rewriter& graph, int led) {
 bool is_singled_out(Rewriter& graph, int at) {
   constexpr std::array kKnowing{"only", "same",  "this", "that", "first", "last", "next",   "other",
                                 "such", "every", "any",  "no",   "all",   "some", "another"};
+  // Several have no "a".
   if (has_attribute(graph.word(at), "@pl")) return true;
   for (const char* role : {"poss", "ord", "org", "quant"}) {
     if (graph.child(at, role) >= 0) return true;
@@ -651,6 +681,7 @@ void described_apply(Rewriter& graph, int led) {
   const Arc& one = graph.arc(led);
   if (one.gone || one.inverse || one.role != "mod" || !is_one_of(graph, one.to, kPeople)) return;
   const Concept& whole = graph.word(one.from);
+  // Nouns that call a person by what he is, so that a second one behind a comma describes him.
   constexpr std::array kSomebody{
       "brother", "sister",  "father", "mother",    "son",     "daughter", "uncle",   "aunt",    "husband", "wife",
       "friend",  "cousin",  "sailor", "soldier",   "captain", "doctor",   "nurse",   "judge",   "lawyer",  "king",
@@ -672,6 +703,7 @@ void described_apply(Rewriter& graph, int led) {
 // (p / person :ARG0-of (w / work-01 :manner (h / hard))): "a hard worker". What is said of a deed that has a noun of its
 // doer stands beside that noun, and whom it is done to belongs to it: "her teacher".
 void agent_words_apply(Rewriter& graph, int at, int frame) {
+  // Their nouns are everyday words: worker, singer, killer. "The comer" and "the goer" are none.
   constexpr std::array kDoers{
       "work",  "think",  "read",    "write",  "sing",   "dance",   "swim",   "drive",   "run",    "speak",  "talk",
       "lead",  "paint",  "play",    "teach",  "listen", "learn",   "dream",  "train",   "travel", "trade",  "farm",
@@ -680,7 +712,9 @@ void agent_words_apply(Rewriter& graph, int at, int frame) {
       "skate", "sail",   "ski",     "shoot",  "race",   "invest",  "report", "perform", "win",    "kill",   "rule",
       "own",   "manage", "garden",  "murder", "rob",    "publish", "edit"};
   if (!is_one_of(graph, frame, kDoers) || graph.word(frame).sense.empty() || graph.mentions(frame) != 1) return;
+  // With a name he stays who he is: "Kim, who works hard".
   if (graph.child(at, "ARG0", true) < 0 || has_attribute(graph.word(at), "@name")) return;
+  // An adjective in front of the noun can say these times alone: "an early riser", but "who came on Monday".
   constexpr std::array kWhen{"early", "late", "frequent", "regular", "occasional"};
   constexpr std::array kServing{"teach", "advise", "train", "employ"};
   std::vector<int> qualities;
@@ -697,6 +731,7 @@ void agent_words_apply(Rewriter& graph, int at, int frame) {
       qualities.push_back(led);
     } else if (!one.inverse && one.role == "ARG2" && is_one_of(graph, frame, kServing)) {
       served = led;
+      // What has no place beside the noun keeps the clause as a whole, so nothing is moved.
     } else if (one.inverse || one.role != "ARG1") {
       return;
     }
@@ -715,6 +750,7 @@ void agent_words_apply(Rewriter& graph, int at, int frame) {
 // the offices, as a mayor is no haver of a role.
 void step_persons(Meaning& meaning) {
   Rewriter graph(meaning, "persons");
+  // Before anybody becomes a driver, as both look for the person and the frame as the source has them.
   for (int led = 0; led < static_cast<int>(meaning.arcs.size()); ++led) {
     wanted_apply(graph, led);
     described_apply(graph, led);
@@ -728,6 +764,7 @@ void step_persons(Meaning& meaning) {
     unemployment_apply(graph, at);
     if (graph.is(at, "government-organization")) government_apply(graph, at);
     if (graph.is(at, "thing")) thing_apply(graph, at);
+    // From here on the doer of something, with a noun for what he does.
     if (!graph.is(at, "person") || has_attribute(graph.word(at), "@name")) continue;
     const int led = graph.child(at, "ARG0", true);
     if (led < 0) continue;
@@ -756,6 +793,7 @@ void step_persons(Meaning& meaning) {
                             (graph.child(at, "mod") >= 0 && graph.children(frame).empty());
     const bool is_plain = !has_attribute(graph.word(frame), "@neg") && graph.mentions(frame) == 1 && is_thinker;
     if (graph.word(frame).sense.empty() || !is_simple || !is_plain || is_nameless) continue;
+    // "She is a driver", one of several.
     const bool is_told = graph.child(at, "domain") >= 0 && below.empty();
     if (is_told && !is_singled_out(graph, at)) attribute_add(graph.word(frame), "@indef");
     frame_stand_in(graph, at, led, "@agent");
@@ -772,6 +810,7 @@ bool is_coming(Rewriter& graph, int at, int time) {
   if (!graph.is(time, "tomorrow") && !graph.is(time, "future") && !is_next) return false;
   const int above = graph.parent(at);
   if (above >= 0 && !is_core(graph.arc(above)) && graph.arc(above).role != "conjunct") return false;
+  // What has a tense or a modal verb needs no other; "he does not come tomorrow" is as good.
   constexpr std::array kSaid{"@past",   "@pres", "@fut",    "@imp",    "@can",   "@must",
                              "@should", "@may",  "@maynot", "@likely", "@would", "@neg"};
   return has_attribute(graph.word(at), "@v") &&
@@ -782,6 +821,7 @@ bool is_coming(Rewriter& graph, int at, int time) {
 // (c / come-01 :time (b / before :op1 (n / now))) is @past, with "after" @fut; (y / before :op1 n :quant (y2 / year
 // :quant 3)) is "three years ago" besides.
 void tense_from_time(Rewriter& graph, int at) {
+  // Times that reach up to now: "has never been there", "has already left".
   constexpr std::array kPerfect{"ever", "never", "already", "yet", "since", "so-far", "recent", "lately"};
   for (const int led : graph.children(at)) {
     const std::string& role = graph.arc(led).role;
@@ -844,6 +884,7 @@ int told_of(Rewriter& graph, int at) {
 // What is told of him or her is past, and so is when and why it was: people who are there are seldom he or she. True
 // where the clause itself has nothing that says otherwise.
 bool is_told_of_another(Rewriter& graph, int at) {
+  // What has one of these has its tense, or needs none.
   constexpr std::array kSays{"@past", "@pres", "@fut", "@would",  "@imp", "@perf",
                              "@can",  "@must", "@may", "@should", "@ask", "@int"};
   for (const char* one : kSays) {
@@ -855,6 +896,7 @@ bool is_told_of_another(Rewriter& graph, int at) {
   if (subject >= 0 && is_one_of(graph, graph.arc(subject).to, kAnother)) return true;
   const int led = graph.parent(at);
   if (led < 0 || graph.arc(led).inverse || !has_attribute(graph.word(graph.arc(led).from), "@past")) return false;
+  // A purpose or a condition may be still to come.
   constexpr std::array kSameTime{"time", "temporal", "cause", "concession", "conjunct"};
   return is_listed(graph.arc(led).role, kSameTime);
 }
@@ -867,6 +909,7 @@ void tense_of_coming(Rewriter& graph, int at) {
       has_attribute(clause, "@fut") ||
       ((has_attribute(clause, "@can") || has_attribute(clause, "@must")) && has_attribute(clause, "@pres"));
   if (!is_ahead || has_attribute(clause, "@past")) return;
+  // A preposition of time has the event below it: (a / after :op1 (c / come-01)).
   constexpr std::array kRelations{"before",   "after",      "until",      "till", "while",
                                   "whenever", "as-soon-as", "as-long-as", "since"};
   for (const int led : graph.children(at)) {
@@ -903,6 +946,7 @@ void tense_beside(Rewriter& graph, int at) {
   constexpr std::array kLasting{"have",  "know",    "remember", "want",   "need",    "love",       "like", "hate",
                                 "think", "believe", "fear",     "belong", "contain", "understand", "live", "wonder",
                                 "doubt", "hope",    "see",      "hear",   "seem",    "mean"};
+  // With any of these marks a clause has its tense, or none that follows from another.
   constexpr std::array kKnown{"@past",   "@pres",  "@fut",   "@would", "@imp", "@perf",  "@can", "@must", "@may",
                               "@should", "@state", "@habit", "@asked", "@ask", "@quote", "@int", "@neg"};
   const auto is_open = [&](int one) {
@@ -919,16 +963,19 @@ void tense_beside(Rewriter& graph, int at) {
     constexpr std::array kRelations{"before", "after", "until", "while", "since", "as-soon-as"};
     if (led >= 0 && is_one_of(graph, graph.arc(led).to, kRelations)) led = graph.child(graph.arc(led).to, "op1");
     const int beside = led < 0 ? -1 : graph.arc(led).to;
+    // "She left because he did not answer": what did not happen has its place in the story, too.
     const bool is_denied = beside >= 0 && is_event(graph, beside) && has_attribute(graph.word(beside), "@neg") &&
                            !has_attribute(graph.word(beside), "@can") && !has_attribute(graph.word(beside), "@pres");
     if (beside < 0 || (!is_open(beside) && !is_denied)) continue;
     const bool is_joined = std::string_view(role) == "conjunct";
+    // With a subject of its own, what is joined may be told of another time.
     if (is_joined && (is_denied || graph.child(beside, "shared") < 0)) continue;
     const bool happens = graph.child(at, "ARG0") >= 0 && !is_one_of(graph, at, kLasting);
     const bool happens_beside = !is_one_of(graph, beside, kLasting) &&
                                 (is_joined ? graph.child(beside, "ARG1") >= 0 : graph.child(beside, "ARG0") >= 0);
     if (happens && !is_joined) attribute_add(graph.word(beside), "@past");
     if (happens && is_joined && is_one_of(graph, beside, kLasting)) attribute_add(graph.word(beside), "@past");
+    // "She knows it because he told her": a reason may lie before what it explains.
     const bool is_reason = std::string_view(role) == "cause" || std::string_view(role) == "concession";
     if (happens_beside && !is_reason && !is_denied && is_lasting(at)) attribute_add(graph.word(at), "@past");
   }
@@ -936,6 +983,7 @@ void tense_beside(Rewriter& graph, int at) {
 
 // "I thank you": it is done by saying so.
 void tense_of_thanks(Rewriter& graph, int at) {
+  // Only "I" can do these by saying so, and only to "you".
   constexpr std::array kDone{"thank", "congratulate", "assure", "beg", "promise"};
   const int who = is_one_of(graph, at, kDone) ? graph.child(at, "ARG0") : -1;
   if (who < 0 || !(graph.is(graph.arc(who).to, "i") || graph.is(graph.arc(who).to, "we"))) return;
@@ -950,6 +998,7 @@ void tense_of_thanks(Rewriter& graph, int at) {
 void tense_of_age(Rewriter& graph, int at) {
   const int above = graph.is(at, "age", "01") ? graph.parent(at) : -1;
   if (above < 0 || graph.arc(above).inverse || graph.arc(above).role != "time") return;
+  // "When I am six, I will go to school."
   constexpr std::array kOther{"@pres", "@fut", "@would", "@imp", "@can", "@must", "@may", "@should", "@past"};
   Concept& told = graph.word(graph.arc(above).from);
   for (const char* one : kOther) {
@@ -967,6 +1016,7 @@ std::string mark_of_content(Rewriter& graph, int at) {
   constexpr std::array kDemanding{"demand", "recommend", "propose", "stipulate", "decree", "order", "command"};
   constexpr std::array kWondering{"wonder", "inquire", "enquire"};
   const Concept& word = graph.word(at);
+  // "She promises that she will come", "she promised that she would".
   const bool is_now = has_attribute(word, "@pres") || has_attribute(word, "@fut");
   if (is_one_of(graph, at, kHoping)) return has_attribute(word, "@past") ? "@would" : "@fut";
   // "They decided that she was right".
@@ -1020,6 +1070,7 @@ std::vector<bool> quoted_words(Rewriter& graph) {
     if (has_attribute(graph.word(at), "@quote")) quoted.push_back(at);
   }
   std::vector<bool> is_said(graph.meaning().concepts.size());
+  // In one walk for all quotations, so that a long dialogue costs no more than its words.
   for (const int at : clause_words(graph, std::move(quoted))) is_said[static_cast<std::size_t>(at)] = true;
   return is_said;
 }
@@ -1307,6 +1358,7 @@ void content_apply(Rewriter& graph, int at) {
 
 // "Next year", "this morning": such a time has no preposition.
 void bare_time_apply(Rewriter& graph, int at) {
+  // Words that tell which time it is; another has "in" or "on".
   constexpr std::array kPointing{"this",     "that",      "next",     "last",      "every", "each",    "all",
                                  "some",     "any",       "same",     "other",     "one",   "another", "few",
                                  "previous", "following", "tomorrow", "yesterday", "today"};
@@ -1322,6 +1374,7 @@ bool is_given_passive(Rewriter& graph, int at) {
   const int led = graph.parent(at);
   if (led < 0) return !has_attribute(graph.word(at), "@imp");
   if (graph.arc(led).inverse) return graph.arc(led).role == "ARG1";
+  // Below any other role it may become an infinitive, which has no subject.
   constexpr std::array kFinite{"time", "temporal", "cause", "condition", "concession"};
   const int governor = graph.arc(led).from;
   return is_listed(graph.arc(led).role, kFinite) ||
@@ -1337,6 +1390,7 @@ void content_joined_apply(Rewriter& graph, int at) {
                       ? graph.child(at, "ARG1")
                       : -1;
   int clause = led < 0 ? -1 : graph.arc(led).to;
+  // A question, an order or a quotation has no "that" to repeat.
   constexpr std::array kNoStatement{"@whether", "@asked", "@quote", "@imp", "@nom", "@int", "@ask"};
   const auto is_told = [&](int one) {
     return is_clause(graph, one) && subject_arc(graph, one) >= 0 &&
@@ -1346,6 +1400,7 @@ void content_joined_apply(Rewriter& graph, int at) {
   for (int steps = graph.count(); clause >= 0 && is_told(clause) && steps > 0; --steps) {
     const int next = graph.child(clause, "conjunct");
     clause = next < 0 ? -1 : graph.arc(next).to;
+    // "He said that she came and sang": with the subject goes the "that".
     if (clause >= 0 && graph.child(clause, "shared") < 0 && is_told(clause))
       attribute_add(graph.word(clause), "@thatc");
   }
@@ -1387,6 +1442,7 @@ void giving_apply(Rewriter& graph, int at) {
 // clause with "that".
 void perceived_apply(Rewriter& graph, int at) {
   constexpr std::array kSeeing{"see", "watch", "notice", "feel", "observe"};
+  // What eyes can see somebody do, and ears hear: "she saw that he agreed" is learnt.
   constexpr std::array kMoves{
       "come",  "go",      "walk",  "run",       "fall",  "fly",     "sit",      "stand",   "move",   "break",
       "shine", "rise",    "jump",  "dance",     "climb", "enter",   "shimmer",  "open",    "close",  "smile",
@@ -1403,6 +1459,7 @@ void perceived_apply(Rewriter& graph, int at) {
   const int what = led < 0 ? -1 : graph.arc(led).to;
   if (what < 0 || !is_event(graph, what) || graph.parent(what) != led || graph.mentions(what) > 1) return;
   if (!(is_seeing ? is_one_of(graph, what, kMoves) : is_one_of(graph, what, kSounds))) return;
+  // What is denied or only possible is not perceived, and a passive has no bare infinitive.
   constexpr std::array kClauses{"@neg",  "@can",     "@must",  "@should", "@may", "@fut",
                                 "@used", "@whether", "@asked", "@ask",    "@psv", "@nom"};
   for (const char* mark : kClauses) {
@@ -1418,6 +1475,7 @@ void particle_apply(Rewriter& graph, int at) {
   if (object < 0 || graph.child(at, "ARG0") < 0) return;
   const int thing = graph.arc(object).to;
   const std::vector<int> below = graph.children(thing);
+  // "She put the box down" as long as it is short.
   const bool is_long = below.size() > 1 || std::any_of(below.begin(), below.end(), [&](int one) {
                          return graph.arc(one).inverse || graph.arc(one).role == "conjunct";
                        });
@@ -1444,9 +1502,11 @@ void whole_relative_apply(Rewriter& graph, int at) {
 
 // "The current lending": a noun of an event has an adjective where its verb has an adverb of time.
 void noun_time_apply(Rewriter& graph, int at) {
+  // Adjectives of time, of which rules make adverbs beside a verb: "currently".
   constexpr std::array kAdjectives{"current", "recent", "previous", "former",   "subsequent", "initial",
                                    "future",  "past",   "eventual", "original", "present",    "annual"};
   const int led = graph.child(at, "time");
+  // What stands in a place of a noun and has no finite verb.
   const bool is_noun = is_event(graph, at) && at != graph.meaning().root && !has_attribute(graph.word(at), "@cl") &&
                        !has_attribute(graph.word(at), "@agent") && graph.parent(at) >= 0 &&
                        !graph.arc(graph.parent(at)).inverse;
@@ -1566,6 +1626,7 @@ void step_forms(Meaning& meaning) {
     graded_apply(graph, at);
     anybody_apply(graph, at);
     most_apply(graph, at);
+    // In front of what asks for @cl and @nom: times of nouns, clauses that stand behind.
     clause_apply(graph, at);
     Concept& word = graph.word(at);
     if (has_attribute(word, "@whether") || has_attribute(word, "@asked")) attribute_add(word, "@query");
