@@ -664,6 +664,12 @@ def frames(path, writer, sources):
             kept = "".join("," + a for a in built if re.match(r"p[2-5]|LV" if of_noun else r"p\d|LV", a))
             kept += f",p1{of_noun}" * bool(of_noun) + ",NOUNC" * (lemma not in THAT_NOUNS)
             writer.noun(noun, concept, (",NMZ" if verb else ",NMZ,QUAL") + kept)
+        # A verb that is a noun, too, though less often: only where the graph describes it as one, "a total ban".
+        # Not who does it, "a spy", and not where people say "ringing" for it.
+        gerund = max((sources.tagged[form, "1"] + 1 for form in of["N"]), default=0)
+        is_noun = lemma in sources.nouns and sources.nouns[lemma][1] != 18 and sources.tagged[lemma, "1"] >= 3 * gerund
+        if verb == lemma and not nouns and is_noun and lemma not in NO_NOUNS:
+            writer.noun(lemma, concept, ",ZNZ")
         adjectives = [lemma] if of["ADJ"] and lemma in sources.adjectives else of["ADJ"]
         for adjective in adjectives[:"POSTN" not in built]:
             if not verb and not of["N"] and adjective in sources.quality:

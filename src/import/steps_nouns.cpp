@@ -194,6 +194,29 @@ void determined_apply(Rewriter& graph, int at) {
   if (!is_one_of(graph, graph.arc(led).to, kOne)) attribute_add(graph.word(at), "@pl");
 }
 
+// (b / ban-01 :mod (t / total)) as an argument: "a total ban". A quality describes a noun; a deed has a manner. What it
+// is said of or done to stays a clause of its own.
+void qualified_apply(Rewriter& graph, int at) {
+  constexpr std::array kNoQuality{"only",    "even", "just",    "also",    "too",      "still", "again",
+                                  "already", "so",   "then",    "perhaps", "maybe",    "very",  "once",
+                                  "alone",   "soon", "yet",     "either",  "all",      "both",  "most",
+                                  "as",      "more", "exactly", "instead", "together", "ever"};
+  const int above = graph.parent(at);
+  if (above < 0 || graph.arc(above).inverse || !is_one_clause(graph, at)) return;
+  const int led = graph.child(at, "mod");
+  const int quality = led < 0 ? -1 : graph.arc(led).to;
+  const bool is_quality = quality >= 0 && graph.word(quality).sense.empty() && !graph.word(quality).variable.empty() &&
+                          !has_attribute(graph.word(quality), "@name") && !is_one_of(graph, quality, kNoQuality);
+  constexpr std::array kParts{"op1",  "topic",       "instrument",  "location", "source",
+                              "path", "destination", "beneficiary", "domain",   "accompanier"};
+  const std::string& role = graph.arc(above).role;
+  const bool is_part = role.starts_with("ARG") || is_listed(role, kParts);
+  if ((!is_quality && graph.child(at, "poss") < 0) || !is_part || has_attribute(graph.word(at), "@agent") ||
+      graph.child(at, "domain") >= 0)
+    return;
+  if (graph.child(at, "ARG0") < 0 && graph.child(at, "ARG1") < 0) event_to_noun(graph, at);
+}
+
 // "The charge that the police brought": an event of nobody of which a clause is told is a noun.
 void described_event_apply(Rewriter& graph, int at) {
   const int above = graph.parent(at);
@@ -368,6 +391,7 @@ void step_nouns(Meaning& meaning) {
     place_apply(graph, at);
     determined_apply(graph, at);
     described_event_apply(graph, at);
+    qualified_apply(graph, at);
     bare_infinitive_apply(graph, at);
     feeling_apply(graph, at);
     bare_cause_apply(graph, at);
