@@ -413,16 +413,22 @@ void entity_value_apply(Rewriter& graph, int at) {
   }
 }
 
-// 1/3 is a third, 2/3 two thirds.
+// 1/3 is a third, 2/3 two thirds; up to tenths, as beyond them people write digits.
 void fraction_apply(Concept& word) {
-  constexpr std::pair<const char*, const char*> kFractions[] = {
-      {"1/2", "half"},           {"1/3", "a third"},  {"2/3", "two thirds"}, {"1/4", "a quarter"},
-      {"3/4", "three quarters"}, {"1/5", "a fifth"},  {"2/5", "two fifths"}, {"3/5", "three fifths"},
-      {"4/5", "four fifths"},    {"1/10", "a tenth"}, {"1/6", "a sixth"},    {"1/8", "an eighth"},
-      {"1/7", "a seventh"},      {"1/9", "a ninth"},  {"5/6", "five sixths"}};
-  if (!word.variable.empty() || word.name.find('/') == word.name.npos) return;
-  for (const auto& [digits, words] : kFractions) {
-    if (word.name == digits) word.name = words;
+  constexpr std::array kParts{"third", "quarter", "fifth", "sixth", "seventh", "eighth", "ninth", "tenth"};
+  constexpr std::array kCounts{"a", "two", "three", "four", "five", "six", "seven", "eight", "nine"};
+  const std::string digits = word.name;
+  if (!word.variable.empty() || digits.size() < 3 || digits[1] != '/' || digits[0] < '1' || digits[0] > '9') return;
+  if (digits == "1/2") {
+    word.name = "half";
+    return;
+  }
+  const std::size_t count = static_cast<std::size_t>(digits[0] - '1');
+  for (std::size_t part = 0; part < kParts.size(); ++part) {
+    if (digits.substr(2) != std::to_string(part + 3) || count + 1 >= part + 3) continue;
+    const bool is_one = count == 0;
+    word.name = kCounts[count] + std::string(is_one && *kParts[part] == 'e' ? "n " : " ") + kParts[part];
+    if (!is_one) word.name += 's';
   }
 }
 
