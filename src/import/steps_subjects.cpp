@@ -173,7 +173,9 @@ bool is_named_above(Rewriter& graph, const std::vector<int>& first, int above, i
   const bool is_far = is_purpose && (is_agent || !is_clause(graph, noun));
   // "She has a plan to build it": the noun of an event does not say again whose it is.
   const bool is_of_noun = has_attribute(graph.word(noun), "@nom") && graph.child(noun, "ARG0") < 0;
-  for (int steps = is_far ? 3 : is_of_noun ? 2 : 1; steps > 0 && led_here >= 0; --steps) {
+  // "She can do nothing except weep".
+  const bool is_left_over = held == "exception" && is_agent && !is_clause(graph, noun);
+  for (int steps = is_far ? 3 : is_of_noun || is_left_over ? 2 : 1; steps > 0 && led_here >= 0; --steps) {
     const int governor = graph.arc(led_here).from;
     // "My plan is to leave".
     const int plan = graph.is(governor, "identity", "91") ? graph.child(governor, "ARG1") : -1;
@@ -300,6 +302,10 @@ void understand_subject(Rewriter& graph, const std::vector<int>& first, int at) 
   if (is_said_again(graph, above, at, subject) || is_bare_predicate(graph, above, subject)) return;
   if (graph.arc(subject).role != "ARG0") attribute_add(graph.word(at), "@ctl1");
   graph.arc(subject).role = "understood";
+  // Behind "do" a verb stands bare; behind another verb it is a gerund, "he likes nothing except singing".
+  const int doing = first[static_cast<std::size_t>(graph.arc(above).from)];
+  if (role == "exception" && doing >= 0 && graph.is(graph.arc(doing).from, "do", "02"))
+    attribute_add(graph.word(at), "@bare");
   if (role == "consequence" && has_attribute(graph.word(graph.arc(above).from), "@too")) {
     for (const char* mark : {"@can", "@neg"}) std::erase(graph.word(at).attributes, mark);
   }
