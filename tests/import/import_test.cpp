@@ -646,6 +646,8 @@ const StepRow kSteps[] = {
     {"left_silently", "control", "(l / leave-11 :ARG0 (g / girl) :manner (s / silent :domain g))", "a0(leave(>11).@entry.@v, girl); mnr(leave(>11), silent)"},
     {"left_without_being_seen", "control", "(l / leave-11 :ARG0 (g / girl) :manner (s / see-01 :polarity - :ARG1 g))",
      "a0(leave(>11).@entry.@v, girl); mnr(leave(>11), see(>01).@v.@neg.@ctl1.@unseen); ctl(see(>01), girl)"},
+    {"nothing_except_sleep", "control", "(d / do-02 :ARG0 (g / girl) :ARG1 (n / nothing :exception (s / sleep-01 :ARG0 g)))",
+     "a0(do(>02).@entry.@v, girl); a1(do(>02), nothing); exc(nothing, sleep(>01).@v.@bare); ctl(sleep(>01), girl)"},
     {"spent_dancing", "control", "(s / spend-02 :ARG0 (g / girl) :ARG1 (n / night) :ARG2 (d / dance-01 :ARG0 g))",
      "a0(spend(>02).@entry.@v, girl); a1(spend(>02), night); a2(spend(>02), dance(>01).@v.@along); ctl(dance(>01), girl)"},
     {"persuaded_of_being", "control", "(p / persuade-01 :ARG0 (k / king) :ARG1 (b / boy) :ARG2 (s / safe :domain b))",
