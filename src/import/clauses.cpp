@@ -37,10 +37,26 @@ bool is_woman(const Concept& word) {
   return is_one && is_so;
 }
 
-constexpr Conjunction kConjunctions[] = {
-    {"and", "@and"},      {"or", "@or"},     {"amr-choice", "@or"},      {"umr-choice", "@or"},
-    {"sum-of", "@and"},   {"either", "@or"}, {"neither", "@nor"},        {"slash", "@slash"},
-    {"contrast", "@but"}, {"but", "@but"},   {"multi-sentence", "@snt"}, {"multiple-sentences", "@snt"}};
+constexpr Conjunction kConjunctions[] = {{"and", "@and"},
+                                         {"or", "@or"},
+                                         {"amr-choice", "@or"},
+                                         {"umr-choice", "@or"},
+                                         {"sum-of", "@and"},
+                                         {"either", "@or"},
+                                         {"neither", "@nor"},
+                                         {"slash", "@slash"},
+                                         {"contrast", "@but"},
+                                         {"but", "@but"},
+                                         {"multi-sentence", "@snt"},
+                                         {"multiple-sentences", "@snt"},
+                                         // Newer names of the same, by what the parts are to each other.
+                                         {"and-but", "@but"},
+                                         {"and-contrast", "@but"},
+                                         {"and-unexpected", "@but"},
+                                         {"exclusive-disj", "@or"},
+                                         {"inclusive-disj", "@or"},
+                                         {"consecutive", "@and"},
+                                         {"additive", "@and"}};
 
 }  // namespace
 

@@ -43,7 +43,7 @@ constexpr RewriteStep kSteps[] = {
      step_predicates},
     // From here on the shape of the sentence: which clause stands beside which, and who is said in which of them. A
     // contrast is taken apart before other coordinations, so that "but" is outside of what is quoted.
-    {"contrast", "contrast-01 and a first operand that is missing: @but, @and on what follows", step_contrast},
+    {"contrast", "contrast-01, but-91 and a first operand that is missing: @but, @and on what follows", step_contrast},
     {"coordination", "operands become a chain of :conjunct, with @and, @or on the later; shared subjects :shared",
      step_coordination},
     {"quotation",

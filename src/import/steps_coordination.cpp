@@ -364,6 +364,7 @@ void courtesy_apply(Rewriter& graph, int at) {
 void step_contrast(Meaning& meaning) {
   Rewriter graph(meaning, "contrast");
   for (int at = 0, end = graph.count(); at < end; ++at) {
+    if (graph.is(at, "but", "91") || graph.is(at, "unexpected-co-occurrence", "91")) graph.word(at).name = "contrast";
     if (graph.is(at, "and") || graph.is(at, "but")) not_but_apply(graph, at, "op1", "op2");
     if (graph.is(at, "contrast", "01")) not_but_apply(graph, at, "ARG1", "ARG2");
     if (graph.is(at, "contrast", "01") || graph.is(at, "contrast", "91")) {

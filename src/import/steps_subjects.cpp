@@ -437,14 +437,16 @@ void order_apply(Rewriter& graph, const std::vector<int>& first, int at) {
 void how_to_apply(Rewriter& graph, int at) {
   constexpr std::array kOfSelf{"learn", "forget", "discover", "decide", "wonder", "consider", "figure-out", "find-out"};
   constexpr std::array kOfOther{"teach", "show", "tell", "advise", "instruct", "explain", "ask"};
-  const bool is_not_known = graph.is(at, "know", "01") && has_attribute(graph.word(at), "@neg");
-  const bool is_own = is_one_of(graph, at, kOfSelf) || is_not_known;
+  const bool is_known = graph.is(at, "know", "01");
+  const bool is_own = is_one_of(graph, at, kOfSelf) || is_known;
   const int led = is_own || is_one_of(graph, at, kOfOther) ? graph.child(at, "ARG1") : -1;
   const int thing = led >= 0 && graph.is(graph.arc(led).to, "thing") ? graph.arc(led).to : -1;
   if (thing < 0 || graph.children(thing).size() != 1) return;
   const Arc& held = graph.arc(graph.children(thing)[0]);
   const int deed = held.to;
   if (!held.inverse || (held.role != "ARG1" && held.role != "manner") || !is_plain_deed(graph, deed)) return;
+  // "She knows how to swim", but "she knows what she said".
+  if (is_known && held.role == "ARG1" && !has_attribute(graph.word(at), "@neg")) return;
   // "She told him what he ate" is no advice.
   if (!is_own && held.role == "ARG1" && !graph.is(at, "teach") && !graph.is(at, "advise")) return;
   const int doer = graph.child(deed, "ARG0");

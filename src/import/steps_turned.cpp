@@ -150,6 +150,21 @@ void unnamed_subject(Rewriter& graph, int at) {
   graph.word(at).attributes.assign(1, "@def");
 }
 
+// (t / take-10 :ARG0 (p / paint-01 :ARG0 s) :ARG1 (q / temporal-quantity ...)): "she took two hours to paint it", as who did
+// it is known.
+void time_taken(Rewriter& graph, int at) {
+  const int led = graph.is(at, "take", "10") ? graph.child(at, "ARG0") : -1;
+  const int length = led < 0 ? -1 : graph.child(at, "ARG1");
+  const int doer = length < 0 ? -1 : graph.child(graph.arc(led).to, "ARG0");
+  constexpr std::array kUnits{"second", "minute", "hour", "day", "week", "month", "year", "decade", "century"};
+  if (doer < 0 || !is_one_of(graph, graph.arc(length).to, kUnits) || graph.mentions(graph.arc(led).to) != 1) return;
+  const int taker = graph.child(at, "ARG2");
+  if (taker >= 0 && graph.arc(taker).to != graph.arc(doer).to) return;
+  graph.arc(led).role = "purpose";
+  if (taker >= 0) graph.arc(taker).role = "ARG0";
+  if (taker < 0) graph.add(at, graph.arc(doer).to, "ARG0");
+}
+
 // (d / drive-02 :ARG1-of (d2 / deep-02 :consequence c)) with @so: "so deeply driven that ...". What follows from how much
 // it is stands behind the whole clause.
 void consequence_behind(Rewriter& graph, int at) {
@@ -189,6 +204,7 @@ void step_turned(Meaning& meaning) {
     name_of(graph, at);
     quality_stated(graph, at);
     time_stated(graph, at);
+    time_taken(graph, at);
     unnamed_subject(graph, at);
     consequence_behind(graph, at);
   }
