@@ -433,6 +433,27 @@ void called_apply(Rewriter& graph) {
   }
 }
 
+// (c / come-01 :mode imperative :ARG1 (h / he)): "let him come". Nobody can bid one who is not there.
+// False for all others.
+bool permitted_apply(Rewriter& graph, int at) {
+  constexpr std::array kAbsent{"he",       "she",    "they",    "it",     "nobody",  "everybody",
+                               "everyone", "no-one", "anybody", "anyone", "someone", "somebody"};
+  const int led = subject_arc(graph, at);
+  if (led < 0 || !is_one_of(graph, graph.arc(led).to, kAbsent) || graph.word(at).sense.empty()) return false;
+  std::erase(graph.word(at).attributes, "@imp");
+  const int let = graph.add_concept("let");
+  graph.word(let).sense = "01";
+  attribute_add(graph.word(let), "@v");
+  attribute_add(graph.word(let), "@imp");
+  // "Do not let anybody enter", but "let nobody enter", which denies once.
+  const bool is_denied = std::erase(graph.word(at).attributes, "@neg") > 0;
+  constexpr std::array kNone{"nobody", "no-one"};
+  if (is_denied && !is_one_of(graph, graph.arc(led).to, kNone)) attribute_add(graph.word(let), "@neg");
+  graph.redirect(at, let);
+  graph.add(let, at, "ARG1");
+  return true;
+}
+
 // (c / come-01 :mode imperative :ARG0 (s / snail)): "come, snail". Who is bidden is called.
 void bidden_apply(Rewriter& graph, int at) {
   constexpr std::array kMotion{"come", "sit-down", "wake-up", "hurry", "arrive", "stand-up", "get-up"};
@@ -477,7 +498,7 @@ void step_speaker(Meaning& meaning) {
   Rewriter graph(meaning, "speaker");
   const bool is_utterance = take_quote_marks(graph);
   for (int at = 0; at < graph.count(); ++at) {
-    if (has_attribute(graph.word(at), "@imp")) bidden_apply(graph, at);
+    if (has_attribute(graph.word(at), "@imp") && !permitted_apply(graph, at)) bidden_apply(graph, at);
   }
   const int frame = meaning.root;
   const int said = graph.child(frame, "ARG1");

@@ -344,6 +344,8 @@ const StepRow kSteps[] = {
     {"agent_with_more_stays", "persons", "(p / person :ARG0-of (d / drive-01 :location (h / here)))",
      "a0(drive(>01).@v, person.@entry); loc(drive(>01), here)"},
     {"identity", "reified", "(i / identity-91 :ARG1 (s / she) :ARG2 (m / mayor))", "dom(mayor.@entry, she)"},
+    {"permitted", "all", "(s / sing-01 :mode imperative :polarity - :ARG0 (a / anybody))",
+     "a0(sing(>01).@v.@cl, anybody); a1(let(>01).@entry.@v.@imp.@neg.@content.@cl.@aux, sing(>01))"},
     {"nobody_says", "speaker", "(s / say-01 :ARG0 (p / person) :ARG2 (p2 / person) :ARG1 (r / rain-01))", "rain(>01).@entry.@v"},
     {"speaker", "speaker", "(s / say-01 :ARG0 (p / person) :ARG1 (g / go-02 :ARG0 p :quote s))", "a0(go(>02).@entry.@v, i)"},
     {"called_by_name", "speaker", "(s / say-01 :ARG1 (c / come-01 :ARG1 p) :ARG2 (p / person))",
