@@ -31,10 +31,14 @@ constexpr Modal kModals[] = {
     {"recommend", "01", "ARG1", "@should"}, {"use", "03", "ARG1", "@used"},
 };
 
-// Who is not obliged may do it all the same: "you need not go".
-const char* modal_mark(Rewriter& graph, int at, const Modal& modal) {
-  const bool is_need = graph.is(at, "obligate", "01") && has_attribute(graph.word(at), "@neg");
-  return is_need ? "@need" : modal.attribute;
+// Who is not obliged may do it all the same: "you need not go". What is possible may be that something is not so: "he might not
+// come", where "he cannot come" denies the possibility.
+const char* modal_mark(Rewriter& graph, int at, int clause, const Modal& modal) {
+  const bool is_denied = has_attribute(graph.word(at), "@neg");
+  if (graph.is(at, "obligate", "01") && is_denied) return "@need";
+  const bool is_open = graph.is(at, "possible", "01") && !is_denied && has_attribute(graph.word(clause), "@neg") &&
+                       !has_attribute(graph.word(at), "@int");
+  return is_open ? "@maynot" : modal.attribute;
 }
 
 // Who is obliged is the subject of what he is obliged to do, of each clause if they are several.
@@ -91,7 +95,7 @@ void modality_of_all(Rewriter& graph, int at, int led, const Modal& modal) {
   if (clauses.empty()) return;
   const bool is_denied = has_attribute(graph.word(at), "@neg");
   for (const int part : clauses) {
-    attribute_add(graph.word(part), modal_mark(graph, at, modal));
+    attribute_add(graph.word(part), modal_mark(graph, at, part, modal));
     if (is_denied) attribute_add(graph.word(part), "@neg");
   }
   for (const std::string& attribute : graph.word(at).attributes) {
@@ -121,7 +125,7 @@ void modality_apply(Rewriter& graph, int at, const Modal& modal) {
   }
   for (std::size_t i = 1; i < further.size(); ++i) {
     Concept& other = graph.word(graph.arc(further[i]).from);
-    attribute_add(other, modal_mark(graph, at, modal));
+    attribute_add(other, modal_mark(graph, at, graph.arc(further[i]).from, modal));
     if (has_attribute(graph.word(at), "@neg")) attribute_add(other, "@neg");
     graph.remove(further[i], Fate::attribute);
   }
@@ -135,7 +139,7 @@ void modality_apply(Rewriter& graph, int at, const Modal& modal) {
   // A negated possibility: "cannot". The two negations of "it is not possible not to" stay apart.
   if (has_attribute(graph.word(at), "@neg") && has_attribute(graph.word(clause), "@neg")) return;
   graph.settle_concept(at, Fate::attribute);
-  attribute_add(graph.word(clause), modal_mark(graph, at, modal));
+  attribute_add(graph.word(clause), modal_mark(graph, at, clause, modal));
   for (const std::string& attribute : graph.word(at).attributes) {
     if (attribute != "@v") attribute_add(graph.word(clause), attribute);
   }

@@ -214,15 +214,16 @@ int parts_tied(Rewriter& graph, int at, const std::vector<int>& parts, const Con
     if (!is_shared && subject >= 0 && has_attribute(graph.word(at), "@int") &&
         conjunction.attribute == std::string_view("@or"))
       attribute_add(graph.word(part), "@int");
-    // "Give him a fish, and he will eat": what follows from an order is to come.
+    // "Give him a fish, and he will eat", "be quiet, or he will hear us": what follows from an order is to come.
     constexpr std::array kTold{"@imp", "@past", "@pres", "@fut", "@can", "@must", "@should", "@int"};
     constexpr std::array kLasting{"know", "sure", "think", "believe", "hope", "want", "need", "love", "like", "mean"};
     const bool is_open = i == 1 && !is_shared && subject >= 0 && is_event(graph, part) &&
                          !is_one_of(graph, part, kLasting) &&
                          std::none_of(kTold.begin(), kTold.end(),
                                       [&](const char* mark) { return has_attribute(graph.word(part), mark); });
-    if (is_open && has_attribute(graph.word(head), "@imp") && conjunction.attribute == std::string_view("@and"))
-      attribute_add(graph.word(part), "@fut");
+    const bool is_consequence =
+        conjunction.attribute == std::string_view("@and") || conjunction.attribute == std::string_view("@or");
+    if (is_open && has_attribute(graph.word(head), "@imp") && is_consequence) attribute_add(graph.word(part), "@fut");
     if (is_shared && graph.arc(subject).role == "ARG1") attribute_add(graph.word(part), "@shr1");
     if (is_shared) graph.arc(subject).role = "shared";
     // "She came, sang and left": between clauses of one subject only the last has a conjunction.

@@ -380,6 +380,22 @@ void first_to_apply(Rewriter& graph, int at) {
   graph.add(place, at, "purpose");
 }
 
+// (r / raise-01 :ARG0 h :ord (o / ordinal-entity :value 2)): "he raised it for the second time". In front of the verb the
+// number would count him.
+void nth_time_apply(Rewriter& graph, int at) {
+  const int led = is_event(graph, at) ? graph.child(at, "ord") : -1;
+  if (led < 0 || !graph.children(graph.arc(led).to).empty() || graph.is(graph.arc(led).to, "1", "ord")) return;
+  const int above = graph.parent(at);
+  const bool is_stated = above < 0 || graph.arc(above).role == "conjunct" || graph.arc(above).role.starts_with("op");
+  if (!is_stated || graph.child(at, "ARG0") < 0 || graph.word(graph.arc(led).to).sense != "ord") return;
+  const int time = graph.add_concept("time");
+  attribute_add(graph.word(time), "@def");
+  const int preposition = graph.add_concept("for");
+  graph.lead_from(led, time);
+  graph.add(at, preposition, "prep");
+  graph.add(preposition, time, "op1");
+}
+
 // A thing that seems is there: "there seems to be something new". A quality of nobody is no thing.
 // @there is said of one, @theres of several; @raised and @seems tell the rules that "to be" follows.
 void seeming_apply(Rewriter& graph, int at) {
@@ -724,6 +740,7 @@ void step_predicates(Meaning& meaning) {
     how_well_apply(graph, at);
     how_apply(graph, at);
     first_to_apply(graph, at);
+    nth_time_apply(graph, at);
   }
   for (Arc& one : meaning.arcs) denial_apply(graph, one), measure_apply(graph, one), next_apply(graph, one);
   for (std::size_t i = 0; i < meaning.arcs.size(); ++i) {
