@@ -914,8 +914,8 @@ void tense_of_coming(Rewriter& graph, int at) {
       ((has_attribute(clause, "@can") || has_attribute(clause, "@must")) && has_attribute(clause, "@pres"));
   if (!is_ahead || has_attribute(clause, "@past")) return;
   // A preposition of time has the event below it: (a / after :op1 (c / come-01)).
-  constexpr std::array kRelations{"before",   "after",      "until",      "till", "while",
-                                  "whenever", "as-soon-as", "as-long-as", "since"};
+  constexpr std::array kRelations{"before",   "after",      "until",      "till",      "while",
+                                  "whenever", "as-soon-as", "as-long-as", "soon-after"};
   for (const int led : graph.children(at)) {
     if (graph.arc(led).inverse || (graph.arc(led).role != "time" && graph.arc(led).role != "temporal")) continue;
     int when = graph.arc(led).to;
@@ -964,7 +964,7 @@ void tense_beside(Rewriter& graph, int at) {
   if (!is_open(at) || graph.child(at, "condition") >= 0) return;
   for (const char* role : {"time", "conjunct", "cause", "concession"}) {
     int led = graph.child(at, role);
-    constexpr std::array kRelations{"before", "after", "until", "while", "since", "as-soon-as"};
+    constexpr std::array kRelations{"before", "after", "until", "while", "since", "as-soon-as", "soon-after"};
     if (led >= 0 && is_one_of(graph, graph.arc(led).to, kRelations)) led = graph.child(graph.arc(led).to, "op1");
     const int beside = led < 0 ? -1 : graph.arc(led).to;
     // "She left because he did not answer": what did not happen has its place in the story, too.

@@ -120,7 +120,10 @@ void times_more(Rewriter& graph, int led, int quality) {
 void degree_said(Rewriter& graph, int led, int quality) {
   const int degree = graph.arc(led).to;
   times_more(graph, led, quality);
-  const char* attribute = degree_attribute(graph.word(degree));
+  // "She most wants the clock": beside a deed it stays a word.
+  const bool is_deed = is_event(graph, quality) && graph.child(quality, "ARG0") >= 0 &&
+                       graph.child(quality, "ARG1") >= 0 && graph.is(degree, "most");
+  const char* attribute = is_deed ? nullptr : degree_attribute(graph.word(degree));
   // "More money than he": more is the comparative of much and many.
   const bool is_amount =
       (graph.is(quality, "much") || graph.is(quality, "many")) && is_listed(graph.word(degree).name, kAmounts);

@@ -6,6 +6,7 @@
 #include <utility>
 #include <vector>
 
+#include "import/clauses.hpp"
 #include "import/rewriter.hpp"
 #include "import/steps.hpp"
 
@@ -627,6 +628,18 @@ void whenever_apply(Rewriter& graph, int at) {
   graph.word(time).name = "whenever";
 }
 
+// (s / soon :op1 (c / come-01 :ARG1 h)): "as soon as he came"; (a / after :op1 c :mod (s / soon)): "soon after he came".
+void soon_apply(Rewriter& graph, int at) {
+  const int clause = graph.is(at, "soon") ? graph.child(at, "op1") : -1;
+  if (clause >= 0 && is_clause(graph, graph.arc(clause).to)) graph.word(at).name = "as-soon-as";
+  const int led = graph.is(at, "after") ? graph.child(at, "mod") : -1;
+  if (led < 0 || !graph.is(graph.arc(led).to, "soon") || !graph.children(graph.arc(led).to).empty()) return;
+  if (graph.mentions(graph.arc(led).to) > 1) return;
+  graph.settle_concept(graph.arc(led).to, Fate::word);
+  graph.remove(led, Fate::word);
+  graph.word(at).name = "soon-after";
+}
+
 // How great a quality is asked for: (t / tall :domain (s / she) :degree (a / amr-unknown)), "how tall is she". The quality
 // moves to the front with the word that asks.
 // What the clause is about moves to a verb of being with the quality as ARG2: the rules bring whatever is asked for to
@@ -737,6 +750,7 @@ void step_predicates(Meaning& meaning) {
     behaving_apply(graph, at);
     exclaim_apply(graph, at);
     whenever_apply(graph, at);
+    soon_apply(graph, at);
     how_well_apply(graph, at);
     how_apply(graph, at);
     first_to_apply(graph, at);
