@@ -13,6 +13,9 @@
 namespace lexon {
 namespace {
 
+// They stand for several without @pl.
+constexpr std::array kPluralPronouns{"they", "we", "these", "those"};
+
 // What needs no word that says what it is.
 bool is_pronoun(Rewriter& graph, int at) {
   return is_personal_pronoun(graph, at) || is_one_of(graph, at, kDemonstratives);
@@ -253,11 +256,10 @@ void number_apply(Rewriter& graph, int at) {
   const int led = graph.child(at, "domain");
   const Concept& word = graph.word(at);
   if (led < 0 || !word.sense.empty() || word.variable.empty() || has_attribute(word, "@name")) return;
-  constexpr std::array kSeveral{"they", "we", "these", "those"};
   constexpr std::array kGroups{"team", "family", "group", "couple", "pair", "majority", "minority", "people", "nation"};
   const int who = graph.arc(led).to;
   const bool is_several =
-      is_one_of(graph, who, kSeveral) || has_attribute(graph.word(who), "@pl") ||
+      is_one_of(graph, who, kPluralPronouns) || has_attribute(graph.word(who), "@pl") ||
       (graph.is(who, "and") && graph.child(who, "op2") >= 0 && !is_event(graph, graph.arc(graph.child(who, "op2")).to));
   if (is_several && graph.child(at, "quant") < 0 && !is_one_of(graph, at, kGroups))
     attribute_add(graph.word(at), "@pl");
@@ -451,9 +453,8 @@ void become_apply(Rewriter& graph, int at) {
   for (const char* role : {"poss", "org", "part-of", "ord", "quant", "superlative-of"}) {
     if (graph.child(kind, role) >= 0) return;
   }
-  constexpr std::array kSeveral{"they", "we", "these", "those"};
   const int who = graph.arc(subject).to;
-  const bool is_several = is_one_of(graph, who, kSeveral) || has_attribute(graph.word(who), "@pl");
+  const bool is_several = is_one_of(graph, who, kPluralPronouns) || has_attribute(graph.word(who), "@pl");
   attribute_add(graph.word(kind), is_several ? "@pl" : "@indef");
 }
 
