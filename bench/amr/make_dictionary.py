@@ -184,13 +184,8 @@ STRONG = {"bear": "bore borne", "drink": "drank drunk", "sink": "sank sunk", "cl
 GERUND_PREPOSITIONS = set("about against at by from in into of on with".split())
 # Adjectives that are adverbs as they are.
 FLAT_ADVERBS = set("hard fast early late long high low deep close near".split())
-STATE_FILES = {31, 37, 42}
-# Deeds that WordNet has there all the same.
-DEEDS = set("""end begin start stop cease finish appease arouse audit collide combine commemorate compensate compute
-conclude debate diagnose discredit disprove distract earmark elicit evaluate examine exclude exhibit expire explore harass
-hesitate invite mastermind memorize miscalculate misjudge misread mistake omit overreact override overrule pick plot
-postpone preserve procrastinate provoke react recapture reconsider redefine reexamine reprieve reshape retrain review
-schedule solve skip stall storm survey survive terrorize threaten torture upgrade uphold violate withstand""".split())
+STATES = {word for line in open(pathlib.Path(__file__).parents[2] / "src/import/states.txt", encoding="utf-8")
+          if not line.startswith("#") for word in line.split()}
 # Acts, what is thought and said, events, feelings, processes, states.
 DEED_FILES = {4, 9, 10, 11, 12, 22, 26}
 MASS_FILES = {7, 12, 27, 26}
@@ -322,7 +317,6 @@ class Sources:
         self.participles = {form for tags in self.forms.values() for form in tags.get("PTCP", ())}
         self.tagged = collections.Counter()
         self.nouns, self.adjectives, self.adverbs, self.verbs = {}, set(), set(), set()
-        self.states = set()
         self.common = set()
         self.shapes = collections.defaultdict(set)
         self.agents, self.nominal, self.adjectival, self.manner, self.opposite, self.quality, self.quality_ness = ({} for _ in range(7))
@@ -358,8 +352,6 @@ class Sources:
                     if any(fields[0] in synsets[part, sense][1] for sense in fields[-int(fields[2]):]):
                         self.common.add(lemma)
                 else:
-                    if part == "verb" and file in STATE_FILES:
-                        self.states.add(lemma)
                     {"verb": self.verbs, "adj": self.adjectives, "adv": self.adverbs}[part].add(lemma)
             if (folder / f"{part}.exc").exists() and part != "adv":
                 for line in open(folder / f"{part}.exc"):
@@ -416,7 +408,7 @@ class Sources:
     def is_state(self, lemma, forms):
         """A state stands in the present, unless the examples tell of the verb in the past nearly always."""
         present, past = self.text.counts[forms["S"]], self.text.counts[forms["PAST"]]
-        return lemma in self.states and lemma not in DEEDS and not (present + past >= 8 and present < 0.13 * (present + past))
+        return lemma in STATES and not (present + past >= 8 and present < 0.13 * (present + past))
 
     def plural(self, noun, written):
         """An irregular plural if people write it, or if it is of a kind that has no other: knives, men, crises, cacti."""

@@ -3,6 +3,9 @@
 #include <algorithm>
 #include <array>
 #include <cstddef>
+#include <functional>
+#include <set>
+#include <sstream>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -67,6 +70,19 @@ bool is_clause(Rewriter& graph, int at) {
 bool is_long_receiver(Rewriter& graph, int receiver) {
   const std::vector<int> below = graph.children(receiver);
   return std::any_of(below.begin(), below.end(), [&](int led) { return graph.arc(led).inverse; });
+}
+
+bool is_state(Rewriter& graph, int at) {
+  static const std::set<std::string, std::less<>> kVerbs = [] {
+    std::set<std::string, std::less<>> verbs;
+    std::istringstream lines(kStates);
+    for (std::string line; std::getline(lines, line);) {
+      std::istringstream words(line.starts_with('#') ? std::string() : line);
+      for (std::string word; words >> word;) verbs.insert(word);
+    }
+    return verbs;
+  }();
+  return !graph.word(at).sense.empty() && kVerbs.contains(graph.word(at).name);
 }
 
 bool gives(Rewriter& graph, int at) {

@@ -46,6 +46,12 @@ const Conjunction* conjunction_of(Rewriter& graph, int at);
 // The subject of a clause as the source writes it: its agent, or else what it is said of.
 int subject_arc(Rewriter& graph, int clause);
 
+// The verbs of states.txt, as text.
+extern const char* const kStates;
+
+// A frame whose verb tells of a state, which stands in the present if nothing else is known.
+bool is_state(Rewriter& graph, int at);
+
 // Verbs that may have direct speech as what is said.
 inline constexpr std::array kSaying{"say",     "ask",      "answer",   "reply",    "exclaim",   "cry",      "demand",
                                     "add",     "remark",   "repeat",   "state",    "murmur",    "respond",  "object",

@@ -885,6 +885,87 @@ int told_of(Rewriter& graph, int at) {
   return shared >= 0 ? shared : subject_arc(graph, at);
 }
 
+// With one of these marks a clause has its tense, or needs none.
+constexpr std::array kTensed{"@past",   "@pres", "@fut",   "@would", "@imp",   "@perf", "@may",   "@must",   "@should",
+                             "@maynot", "@used", "@state", "@habit", "@asked", "@ask",  "@quote", "@likely", "@int"};
+
+bool is_tensed(Rewriter& graph, int at) {
+  return std::any_of(kTensed.begin(), kTensed.end(),
+                     [&](const char* mark) { return has_attribute(graph.word(at), mark); });
+}
+
+// A deed that rules tell in the past, as nothing says otherwise.
+bool is_told_as_past(Rewriter& graph, int at) {
+  const Concept& word = graph.word(at);
+  if (has_attribute(word, "@past")) return true;
+  constexpr std::array kUnreal{"@can", "@conditional", "@nom"};
+  const bool is_real =
+      std::none_of(kUnreal.begin(), kUnreal.end(), [&](const char* mark) { return has_attribute(word, mark); });
+  return is_real && is_event(graph, at) && word.sense != "91" && !is_state(graph, at) && !is_tensed(graph, at) &&
+         graph.child(at, "condition") < 0 && graph.child(at, "ARG0") >= 0 && graph.child(at, "domain") < 0;
+}
+
+// The clause that a thing stands in, -1 for none: (b / buy-01 :ARG1 (h / house)).
+int clause_around(Rewriter& graph, int thing) {
+  int led = graph.parent(thing);
+  for (int steps = 3; led >= 0 && steps > 0; --steps) {
+    const int above = graph.arc(led).from;
+    if (graph.arc(led).inverse) return -1;
+    if (is_event(graph, above)) return above;
+    led = graph.parent(above);
+  }
+  return -1;
+}
+
+// "He said that it was late", "she bought a house that was old", "it was dark and we left": in a story what lasts is told
+// of the same time as the deed above it, or beside it. True for what stands so below what is told as past.
+bool is_of_same_time(Rewriter& graph, int at) {
+  const int led = graph.parent(at);
+  if (led < 0) return false;
+  const Arc& to = graph.arc(led);
+  // A relative clause: (h / house :ARG1-of (l / like-01)).
+  if (to.inverse) {
+    const int around = clause_around(graph, to.from);
+    return around >= 0 && is_told_as_past(graph, around);
+  }
+  constexpr std::array kRelations{"before", "after", "until", "while", "since", "as-soon-as", "soon-after"};
+  if (to.role == "op1" && is_one_of(graph, to.from, kRelations)) {
+    const int above = graph.parent(to.from);
+    return above >= 0 && is_told_as_past(graph, graph.arc(above).from);
+  }
+  if (!is_told_as_past(graph, to.from)) return false;
+  constexpr std::array kBeside{"time", "temporal", "cause", "concession", "conjunct"};
+  if (is_listed(to.role, kBeside)) return true;
+  constexpr std::array kTelling{
+      "say",    "tell",    "think",    "answer",  "reply", "explain",  "show",   "learn", "find-out",
+      "notice", "realize", "discover", "declare", "state", "announce", "report", "admit", "confess",
+      "claim",  "prove",   "decide",   "find",    "feel",  "believe",  "know",   "add",   "insist",
+      "recall", "guess",   "see",      "hear",    "deny",  "complain", "argue",  "write", "conclude"};
+  const bool is_content =
+      to.role == "ARG1" || (to.role == "ARG2" && is_one_of(graph, to.from, std::array{"say", "tell"}));
+  // "She told the driver to wait".
+  const int subject = subject_arc(graph, at);
+  const int told = graph.child(to.from, "ARG2");
+  const bool is_bidden = subject >= 0 && told >= 0 && graph.arc(subject).to == graph.arc(told).to;
+  return is_content && !is_bidden && is_one_of(graph, to.from, kTelling);
+}
+
+// What lasts stands in the past beside what happened: see is_of_same_time. What a story says of all times is told so as
+// well: nobody takes it amiss.
+void tense_in_story(Rewriter& graph, int at) {
+  const bool is_lasting = graph.child(at, "domain") >= 0 || (is_event(graph, at) && subject_arc(graph, at) >= 0);
+  // A deed is past as it is, or an infinitive: "she told him to wait".
+  const bool is_deed = graph.child(at, "ARG0") >= 0 && !is_state(graph, at) && !has_attribute(graph.word(at), "@can");
+  if (!is_lasting || is_deed || is_tensed(graph, at)) return;
+  if (is_of_same_time(graph, at)) return attribute_add(graph.word(at), "@past");
+  for (const char* role : {"time", "conjunct"}) {
+    const int led = graph.child(at, role);
+    const int beside = led >= 0 ? graph.arc(led).to : -1;
+    if (beside >= 0 && is_told_as_past(graph, beside) && graph.child(at, "condition") < 0)
+      return attribute_add(graph.word(at), "@past");
+  }
+}
+
 // What is told of him or her is past, and so is when and why it was: people who are there are seldom he or she. True
 // where the clause itself has nothing that says otherwise.
 bool is_told_of_another(Rewriter& graph, int at) {
@@ -1182,6 +1263,9 @@ void step_tense(Meaning& meaning) {
     tense_of_content(graph, at);
     tense_of_message(graph, at);
     if (!is_talk && is_told_of_another(graph, at)) attribute_add(clause, "@past");
+  }
+  for (int at = 0; at < graph.count(); ++at) {
+    if (!is_said[static_cast<std::size_t>(at)]) tense_in_story(graph, at);
   }
 }
 

@@ -481,6 +481,10 @@ const StepRow kSteps[] = {
     {"wondering", "tense", "(w / wonder-01 :ARG1 (s / sing-01 :ARG0 (g / girl)))", "a1(wonder(>01).@entry.@v, sing(>01).@v.@whether); a0(sing(>01), girl)"},
     {"lasting_beside_a_deed", "tense", "(k / know-01 :ARG0 (i / i) :time (s / sing-01 :ARG0 (b / boy)))",
      "a0(know(>01).@entry.@v.@past, i); tim(know(>01), sing(>01).@v.@past); a0(sing(>01), boy)"},
+    {"state_told_of", "tense", "(s / say-01 :ARG0 (i / i) :ARG1 (o / old :domain (b / box)))",
+     "a0(say(>01).@entry.@v, i); a1(say(>01), old.@past); dom(old, box)"},
+    {"state_of_a_thing_bought", "tense", "(b / buy-01 :ARG0 (i / i) :ARG1 (h / house :ARG1-of (l / like-01 :ARG0 (c / cat))))",
+     "a0(buy(>01).@entry.@v, i); a1(buy(>01), house); a1(like(>01).@v.@past, house); a0(like(>01), cat)"},
     {"denied_beside_a_deed", "tense", "(s / sing-01 :ARG0 (b / boy) :cause (c / come-01 :polarity - :ARG1 (i / i)))",
      "a0(sing(>01).@entry.@v, boy); cau(sing(>01), come(>01).@v.@neg.@past); a1(come(>01), i)"},
     {"being_beside_a_deed", "tense", "(s / sing-01 :ARG0 (b / boy) :time (s2 / sad-02 :ARG1 (i / i)))",
@@ -733,13 +737,13 @@ const StepRow kSteps[] = {
     {"phrase_asked", "all", "(a / ask-01 :ARG0 (k / king) :ARG1 (s / star :quant (u / amr-unknown)))",
      "spk(ask(>01).@entry.@v.@cl, king); quo(ask(>01), star.@pl.@quote.@ask); qty(star, amr-unknown.@wh.@wh_quant)"},
     {"said_of_both", "all", "(s / say-01 :ARG0 (w / woman) :ARG1 (a / and :op1 (f / fall-01 :ARG1 (r / rain)) :op2 (d / dry-02 :ARG1 r)))",
-     "a0(say(>01).@entry.@v.@content.@cl, woman); a1(say(>01), fall(>01).@v.@cl); a1(fall(>01), rain:01); cnj(fall(>01), dry(>02).@v.@and.@shr1.@cl); "
+     "a0(say(>01).@entry.@v.@content.@cl, woman); a1(say(>01), fall(>01).@v.@past.@cl); a1(fall(>01), rain:01); cnj(fall(>01), dry(>02).@v.@and.@shr1.@cl); "
      "shr(dry(>02), rain:02.@ref)"},
     {"fewer_of_them", "degree", "(h / have-quant-91 :ARG1 (p / person) :ARG3 (l / less))", "a1(exist(>91).@entry.@v.@theres, person.@pl); qty(person, fewer)"},
     {"ever_with_the_noun", "degree", "(h / house :ARG1-of (h2 / have-degree-91 :ARG2 (o / old :time (e / ever)) :ARG3 (m / most)))",
      "mod(house.@entry, old.@most); tim(house, ever)"},
     {"said_of_each", "all", "(s / say-01 :ARG0 (w / woman) :ARG1 (a / and :op1 (f / fall-01 :ARG1 (r / rain)) :op2 (l / leave-11 :ARG0 (b / boat))))",
-     "a0(say(>01).@entry.@v.@content.@cl, woman); a1(say(>01), fall(>01).@v.@cl); a1(fall(>01), rain); cnj(fall(>01), leave(>11).@v.@and.@thatc.@cl); "
+     "a0(say(>01).@entry.@v.@content.@cl, woman); a1(say(>01), fall(>01).@v.@past.@cl); a1(fall(>01), rain); cnj(fall(>01), leave(>11).@v.@and.@thatc.@cl); "
      "a0(leave(>11), boat)"},
     {"told_of_me", "all", "(s / suggest-01 :ARG0 (t / teacher :poss (i / i)) :ARG1 (r / read-01 :ARG0 i))",
      "a0(suggest(>01).@entry.@v.@content.@cl, teacher); pos(teacher, i:01); a1(suggest(>01), read(>01).@v.@cl); a0(read(>01), i:02.@ref)"},
@@ -871,7 +875,7 @@ const StepRow kSteps[] = {
      "a0(walk(>01).@entry.@v, boy); dir(walk(>01), down); o1(down, road)"},
     {"holder_of_the_key", "reified", "(k / key :ARG1-of (h / have-03 :ARG0 (b / boy)))", "pos(key.@entry, boy)"},
     {"decided_that", "all", "(d / decide-01 :ARG0 (j / jury) :ARG1 (g / guilty-01 :ARG1 (w / woman)))",
-     "a0(decide(>01).@entry.@v.@content.@cl, jury); a1(decide(>01), guilty(>01).@v.@cl); a1(guilty(>01), woman)"},
+     "a0(decide(>01).@entry.@v.@content.@cl, jury); a1(decide(>01), guilty(>01).@v.@past.@cl); a1(guilty(>01), woman)"},
     {"already_known", "all", "(k / know-01 :ARG0 (i / i) :ARG1 (t / this) :time (a / already))",
      "a0(know(>01).@entry.@v.@pres.@cl, i); a1(know(>01), this); tim(know(>01), already)"},
     {"shame", "all", "(s / shame-02 :ARG1 (l / leave-11 :ARG0 (s2 / she)))", "dom(shame.@entry.@cl.@xdom, leave(>11).@v.@past.@cl); a0(leave(>11), she)"},
