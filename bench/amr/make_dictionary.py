@@ -202,7 +202,7 @@ def short(word):
 
 def plural(noun):
     # Two sheep: these have no other form.
-    if re.search(r"(sheep|deer|fish|(air|space|hover)craft|series|species|offspring|swine|moose|salmon|trout|bison|headquarters)$", noun):
+    if re.search(r"(sheep|deer|fish|(air|space|hover)craft|series|species|offspring|swine|moose|salmon|trout|bison|headquarters|[^ ]{2}ics)$", noun):
         return noun
     if re.search(r"[^aeiou]y$", noun):
         return noun[:-1] + "ies"

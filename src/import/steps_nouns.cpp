@@ -377,6 +377,37 @@ void group_members_apply(Rewriter& graph, int at) {
     attribute_add(graph.word(at), "@indef");
 }
 
+// "I love flowers", "he is afraid of tigers": of whom or what somebody thinks so without a word of which one, he means all
+// of the kind. Rules keep what is not counted, "I love music".
+void kind_apply(Rewriter& graph, int at) {
+  constexpr std::array kOfKinds{"love",   "adore",   "like",    "hate", "dislike", "detest", "loathe", "fear",
+                                "prefer", "despise", "collect", "hunt", "breed",   "trade",  "afraid", "interest",
+                                "fond",   "need",    "lack",    "sell", "eat",     "gather", "count",  "distrust"};
+  // "She ate an apple", "he fears a war": a deed that is told once is about one.
+  constexpr std::array kDeeds{"eat", "sell", "hunt", "gather", "count", "need"};
+  if (!is_event(graph, at) || !is_one_of(graph, at, kOfKinds) || has_attribute(graph.word(at), "@past")) return;
+  const bool is_deed = is_one_of(graph, at, kDeeds);
+  const int who = graph.child(at, "ARG0");
+  const bool is_general =
+      has_attribute(graph.word(at), "@pres") || has_attribute(graph.word(at), "@can") ||
+      (who >= 0 && is_one_of(graph, graph.arc(who).to, std::array{"we", "they", "people", "one", "you"}));
+  if (is_deed && !is_general) return;
+  int led = graph.child(at, graph.is(at, "interest", "01") ? "ARG2" : "ARG1");
+  for (int steps = graph.count(); led >= 0 && steps > 0; --steps) {
+    const int kind = graph.arc(led).to;
+    Concept& word = graph.word(kind);
+    constexpr std::array kKnown{"@pl", "@sg", "@def", "@indef", "@name", "@measure", "@ref", "@neg", "@agent"};
+    const bool is_noun =
+        word.sense.empty() && !word.is_text && !word.variable.empty() && graph.mentions(kind) == 1 &&
+        std::none_of(kKnown.begin(), kKnown.end(), [&](const char* one) { return has_attribute(word, one); });
+    const std::vector<int> below = graph.children(kind);
+    const bool is_bare =
+        std::all_of(below.begin(), below.end(), [&](int one) { return graph.arc(one).role == "conjunct"; });
+    if (is_noun && is_bare && !is_personal_pronoun(graph, kind)) attribute_add(word, "@pl");
+    led = graph.child(kind, "conjunct");
+  }
+}
+
 }  // namespace
 
 // (r / reject-01 :ARG0 s :ARG1 (p / propose-01 :ARG0 t)): the proposal has @nom, and rules choose its noun. Runs behind
@@ -400,6 +431,7 @@ void step_nouns(Meaning& meaning) {
     possibility_apply(graph, at);
     patient_apply(graph, at);
     group_members_apply(graph, at);
+    kind_apply(graph, at);
   }
 }
 
