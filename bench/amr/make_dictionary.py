@@ -34,6 +34,9 @@ IN_PLACES = set("box bag pocket drawer cup glass bowl pot bottle basket room hou
 # Adverbs that stand in the middle of a clause, before its verb.
 MIDDLE = set("certainly probably possibly really truly surely obviously apparently indeed actually clearly finally usually "
              "generally normally rarely seldom hardly barely merely simply scarcely nearly frequently recently suddenly".split())
+# Those of them that are said of a clause as a whole, its negation included: it is obviously not so.
+OF_CLAUSE = set("certainly probably possibly surely obviously apparently indeed actually clearly finally simply recently "
+                "sometimes presumably evidently".split())
 # What English has in front of the object of a verb, and of its noun, whatever the examples make more frequent.
 VERB_OBJECTS = {verb: preposition for preposition, verbs in {
     "to": "subscribe adhere conform succumb resort refer object react respond listen belong attest allude cater cling consent "
@@ -528,7 +531,7 @@ class Writer:
         made = made.replace("lly", "ly") if lemma.endswith("ll") else made
         is_plain = "(>" in concept or (lemma.endswith(("ic", "al", "ous", "ive", "ful", "less")) and lemma not in self.sources.adverbs)
         if adverb := self.sources.manner.get(lemma) or (made if is_plain and made in self.sources.adverbs else None):
-            self.entry(adverb, concept, f"ADV{',LY' * adverb.endswith('ly')}{',SADV' * (adverb in MIDDLE)}{vowel(adverb)}{more}")
+            self.entry(adverb, concept, f"ADV{',LY' * adverb.endswith('ly')}{',SADV' * (adverb in MIDDLE)}{',WHOLE' * (adverb in OF_CLAUSE)}{vowel(adverb)}{more}")
 
 
 def surface(lemma):
@@ -731,7 +734,7 @@ def lemmas(writer, sources):
             continue
         if re.fullmatch(r"[a-z][a-z -]*", lemma):
             for key in {lemma, lemma.replace(" ", "-")}:
-                writer.entry(lemma, key, f"ADV{',MID' * (lemma in MIDDLE)}{',END' * (' ' in lemma)}{vowel(lemma)}")
+                writer.entry(lemma, key, f"ADV{',MID' * (lemma in MIDDLE)}{',WHOLE' * (lemma in OF_CLAUSE)}{',END' * (' ' in lemma)}{vowel(lemma)}")
     for lemma in sorted(sources.verbs | set(sources.forms)):
         if re.fullmatch(r"[a-z][a-z -]*", lemma):
             for key in {lemma, lemma.replace(" ", "-")}:

@@ -141,7 +141,8 @@ std::vector<int> first_arcs(Rewriter& graph) {
     put_first([&](int one) {
       const Arc& led_down = graph.arc(one);
       if (is_infinitive) return false;
-      const bool goes_in_front = led_down.role == "condition" || led_down.role == "time";
+      const bool is_quoting = graph.child(at, "quoted") >= 0;
+      const bool goes_in_front = led_down.role == "condition" || (led_down.role == "time" && !is_quoting);
       return goes_in_front && !led_down.inverse && has_clause(one);
     });
     for (auto one = below.rbegin(); one != below.rend(); ++one) open.emplace_back(*one, graph.arc(*one).to);

@@ -94,8 +94,14 @@ void modality_of_all(Rewriter& graph, int at, int led, const Modal& modal) {
   // "War and hunger are possible".
   if (clauses.empty()) return;
   const bool is_denied = has_attribute(graph.word(at), "@neg");
+  // "They can cheat and not lose": one verb for all that one person does.
+  const int first = subject_arc(graph, clauses.front());
+  const bool is_first_denied = has_attribute(graph.word(clauses.front()), "@neg");
   for (const int part : clauses) {
-    attribute_add(graph.word(part), modal_mark(graph, at, part, modal));
+    const int subject = subject_arc(graph, part);
+    const bool is_of_first = first >= 0 && subject >= 0 && graph.arc(subject).to == graph.arc(first).to;
+    const bool is_alike = is_of_first && !is_first_denied && part != clauses.front();
+    attribute_add(graph.word(part), is_alike ? modal.attribute : modal_mark(graph, at, part, modal));
     if (is_denied) attribute_add(graph.word(part), "@neg");
   }
   for (const std::string& attribute : graph.word(at).attributes) {
@@ -259,7 +265,24 @@ void ever_of_all(Rewriter& graph, int at) {
   };
   if (!std::all_of(below.begin(), below.end(), is_denied)) return;
   graph.word(graph.arc(led).to).name = "never";
+  // "He has never been cold or sad": what is denied of each.
+  graph.word(at).name = "or";
   for (const int one : below) std::erase(graph.word(graph.arc(one).to).attributes, "@neg");
+}
+
+// The same, with "ever" below each of them: `at` is the first that has it.
+// (o / or :op1 (s / see-01 :polarity - :time (e / ever)) :op2 (h / hear-01 :polarity - :time e)).
+void ever_again(Rewriter& graph, int at, int never) {
+  const int above = graph.parent(at);
+  const int whole = above < 0 ? -1 : graph.arc(above).from;
+  if (whole < 0 || !(graph.is(whole, "and") || graph.is(whole, "or"))) return;
+  for (const int led : graph.numbered(whole, {"op"})) {
+    const int part = graph.arc(led).to;
+    const int again = part == at ? -1 : graph.child(part, "time");
+    if (again < 0 || graph.arc(again).to != never || std::erase(graph.word(part).attributes, "@neg") == 0) continue;
+    graph.remove(again, Fate::word);
+    graph.word(whole).name = "or";
+  }
 }
 
 // "They do not ask any question": said of the verb, "they do not ask at all".
@@ -379,6 +402,7 @@ void step_polarity(Meaning& meaning) {
       // Before the mark of negation goes, by which that step knows its verb.
       any_of_verb(graph, at);
       graph.word(graph.arc(led).to).name = "never";
+      ever_again(graph, at, graph.arc(led).to);
       std::erase(graph.word(at).attributes, "@neg");
     }
     ever_of_all(graph, at);
@@ -1610,6 +1634,18 @@ void one_modal_apply(Rewriter& graph, int at) {
   if (has_attribute(word, "@can")) std::erase(word.attributes, "@may");
 }
 
+// "The badly damaged roof": a participle of which nothing is told but how it was done stands before its noun.
+// (r / roof :ARG1-of (d / damage-01 :ARG1-of (b / bad-07))).
+void participle_apply(Rewriter& graph, int at) {
+  const int above = is_event(graph, at) ? graph.parent(at) : -1;
+  const bool is_of_noun = above >= 0 && graph.arc(above).inverse && graph.arc(above).role == "ARG1" &&
+                          graph.word(graph.arc(above).from).sense.empty();
+  const std::vector<int> below = graph.children(at);
+  if (!is_of_noun || below.size() != 1 || !graph.arc(below[0]).inverse || graph.arc(below[0]).role != "ARG1") return;
+  const int how = graph.arc(below[0]).to;
+  if (graph.children(how).empty() && graph.word(how).attributes.size() == 1) attribute_add(graph.word(at), "@led");
+}
+
 // (t / tire-01 :ARG1 he :degree (v / very)): "he is very tired". With a degree many verbs are participles; "a little" and
 // "completely" leave a verb a verb: he hesitated a little.
 void graded_apply(Rewriter& graph, int at) {
@@ -1703,6 +1739,7 @@ void there_apply(Rewriter& graph, int at) {
 void step_forms(Meaning& meaning) {
   Rewriter graph(meaning, "forms");
   for (int at = 0; at < graph.count(); ++at) {
+    participle_apply(graph, at);
     bare_time_apply(graph, at);
     content_apply(graph, at);
     whole_relative_apply(graph, at);

@@ -191,17 +191,55 @@ bool said_by_pronoun(Rewriter& graph, int at, const std::vector<int>& parts, con
   return false;
 }
 
+// "They can sing and dance", "will you come or stay?", "he has never seen or heard it": the auxiliary that stands before the
+// first clause holds of `part`, and is not said again. A denied first clause would deny both. `at` joins them.
+bool takes_auxiliary(Rewriter& graph, int at, int head, int part) {
+  Concept& later = graph.word(part);
+  if (has_attribute(graph.word(head), "@neg") || !is_event(graph, head) || !is_event(graph, part)) return false;
+  for (const int above : {at, head}) {
+    const int when = graph.child(above, "time");
+    if (when < 0 || !graph.is(graph.arc(when).to, "never") || !graph.is(at, "or")) continue;
+    attribute_add(later, "@same");
+    return true;
+  }
+  for (const char* mark : {"@can", "@must", "@should", "@may", "@int"}) {
+    if (!has_attribute(graph.word(head), mark) || std::erase(later.attributes, mark) == 0) continue;
+    if (has_attribute(graph.word(head), "@int")) std::erase(later.attributes, "@int");
+    attribute_add(later, "@same");
+    return true;
+  }
+  return false;
+}
+
+// "She is old and wise": a quality that is told of the first part's subject, as that is, needs no "is" of its own.
+void quality_alike(Rewriter& graph, int head, int before, int part) {
+  constexpr std::array kOwn{"@neg", "@can", "@must", "@should", "@may", "@maynot", "@int", "@past", "@pres", "@fut"};
+  const bool is_told_otherwise = std::any_of(kOwn.begin(), kOwn.end(), [&](const char* mark) {
+    return has_attribute(graph.word(head), mark) != has_attribute(graph.word(part), mark);
+  });
+  if (is_told_otherwise || has_attribute(graph.word(head), "@neg") || graph.child(part, "time") >= 0) return;
+  // "She is old and wise and sings well": what has more to it is a verb, and no further quality.
+  const bool is_verb =
+      graph.child(part, "ARG2") >= 0 || graph.child(part, "ARG3") >= 0 || graph.child(part, "ARG4") >= 0;
+  if (is_verb && has_attribute(graph.word(before), "@alike")) attribute_add(graph.word(before), "@last");
+  if (!is_verb) attribute_add(graph.word(part), "@alike");
+}
+
 // Each part is tied to the one before. `joined_by` is what stands in front of it, and a subject that is that of the
 // first clause becomes :shared: "she came and sang". Returns the last part.
 int parts_tied(Rewriter& graph, int at, const std::vector<int>& parts, const Conjunction& conjunction) {
   const int head = graph.arc(parts[0]).to;
   int last = chain_end(graph, head);
   int listed = -1;
+  bool is_one_verb = true;
   for (std::size_t i = 1; i < parts.size(); ++i) {
     const int part = graph.arc(parts[i]).to;
     // A question behind what is none is a sentence of its own: "Look. Do you see it?"
     const bool is_asked = has_attribute(graph.word(part), "@int") && !has_attribute(graph.word(head), "@int");
     const char* joined_by = is_asked ? "@snt" : graph.is(part, "et-cetera") ? "@etc" : conjunction.attribute;
+    // "She not only sang but also danced."
+    const int only = i == 1 && parts.size() == 2 && is_event(graph, part) ? graph.child(head, "mod") : -1;
+    if (only >= 0 && graph.is(graph.arc(only).to, "not-only")) joined_by = "@but";
     if (is_asked && i + 1 == parts.size()) attribute_add(graph.word(head), "@ends_int");
     attribute_add(graph.word(part), joined_by);
     const int subject = subject_arc(graph, part);
@@ -226,6 +264,8 @@ int parts_tied(Rewriter& graph, int at, const std::vector<int>& parts, const Con
     if (is_open && has_attribute(graph.word(head), "@imp") && is_consequence) attribute_add(graph.word(part), "@fut");
     if (is_shared && graph.arc(subject).role == "ARG1") attribute_add(graph.word(part), "@shr1");
     if (is_shared) graph.arc(subject).role = "shared";
+    is_one_verb = is_one_verb && is_shared && takes_auxiliary(graph, at, head, part);
+    if (is_shared) quality_alike(graph, head, last, part);
     // "She came, sang and left": between clauses of one subject only the last has a conjunction.
     if (is_shared && listed >= 0) attribute_add(graph.word(listed), "@list");
     listed = is_shared && i + 1 < parts.size() ? part : -1;
@@ -276,7 +316,10 @@ void coordinate(Rewriter& graph, int at, const Conjunction& conjunction) {
   graph.remove(parts[0], Fate::relation);
   // What is joined to all of them stands behind the last: "she came and sang, but he left".
   const int to_all = graph.child(at, "conjunct");
-  if (to_all >= 0 && is_event(graph, last) && is_event(graph, graph.arc(to_all).to)) graph.lead_from(to_all, last);
+  const auto is_told = [&](int one) {
+    return is_event(graph, one) || graph.child(one, "domain") >= 0 || graph.child(one, "shared") >= 0;
+  };
+  if (to_all >= 0 && is_told(last) && is_told(graph.arc(to_all).to)) graph.lead_from(to_all, last);
   take_marks(graph, at, head);
   graph.redirect(at, head);
   noun_once(graph, head);

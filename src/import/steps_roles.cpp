@@ -144,8 +144,9 @@ bool is_no_adverbial(Rewriter& graph, const Arc& one) {
 void conjunction_apply(Rewriter& graph, Arc& one) {
   const Circumstance* row = circumstance_of(graph, one);
   if (row == nullptr || is_no_adverbial(graph, one)) return;
-  const bool is_timed =
-      one.role == "time" && (graph.child(one.from, "condition") < 0 || graph.child(one.from, "conjunct") >= 0);
+  // In front of a quotation stands nothing: '"Bring it," he said when he sat down.'
+  const bool is_timed = one.role == "time" && graph.child(one.from, "quoted") < 0 &&
+                        (graph.child(one.from, "condition") < 0 || graph.child(one.from, "conjunct") >= 0);
   const bool is_ahead =
       !one.inverse && (one.role == "condition" || is_timed) && !has_attribute(graph.word(one.from), "@query");
   if (is_ahead) attribute_add(graph.word(one.to), "@ahead");

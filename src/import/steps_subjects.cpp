@@ -318,7 +318,8 @@ void aim_apply(Rewriter& graph, int at) {
   const bool is_own = aim >= 0 && !graph.word(at).sense.empty() && is_event(graph, aim) && !is_modal(graph.word(aim)) &&
                       !has_attribute(graph.word(aim), "@nom") && graph.child(aim, "understood") < 0 &&
                       subject_arc(graph, aim) >= 0;
-  if (is_own) attribute_add(graph.word(aim), "@fut");
+  if (!is_own) return;
+  for (const char* mark : {"@fut", "@aim"}) attribute_add(graph.word(aim), mark);
 }
 
 // (r / cold-01 :consequence (s / swim-01 :ARG0 (c / child))) with @too: "so cold that the child cannot swim". Only what is
