@@ -10,6 +10,8 @@ constexpr RewriteStep kSteps[] = {
     // Words first: whoever asks later for a name, a number or a pronoun finds one concept, not a frame around a value.
     {"synonyms", "UMR's :temporal, :place, :possessor, :reason, ... get the names that AMR has for them",
      step_synonyms},
+    {"space", "UMR: frames of space become prepositions, parts of things nouns, coordinates a text; the viewpoint goes",
+     step_space},
     {"wiki", "leave out :wiki and UMR's :modal-predicate, which no sentence says", step_wiki},
     {"names", "a named thing becomes its name: one word with @name and its type as attribute", step_names},
     {"dates", "a date-entity becomes its month, weekday, part of the day or year, and the rest depends on that",

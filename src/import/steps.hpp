@@ -21,6 +21,7 @@ std::span<const RewriteStep> rewrite_steps();
 
 // The steps by subject; see the table in steps.cpp for what each does.
 void step_synonyms(Meaning& meaning);
+void step_space(Meaning& meaning);
 void step_wiki(Meaning& meaning);
 void step_names(Meaning& meaning);
 void step_dates(Meaning& meaning);

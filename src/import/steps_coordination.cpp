@@ -2,8 +2,10 @@
 #include <algorithm>
 #include <array>
 #include <cstddef>
+#include <iterator>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "import/clauses.hpp"
@@ -402,6 +404,39 @@ void courtesy_apply(Rewriter& graph, int at) {
   attribute_add(graph.word(at), "@imp");
 }
 
+// (o / okay-04), (s / sorry-01), (c / confirm-01 :ARG1 x), uttered: "okay", "sorry", "yes, x".
+void answer_word_apply(Rewriter& graph, int at) {
+  constexpr std::pair<std::string_view, const char*> kAnswers[] = {
+      {"okay", "okay"},           {"sorry", "sorry"},          {"confirm", "yes"},
+      {"great", "well-great"},    {"perfect", "well-perfect"}, {"good", "well-good"},
+      {"nice", "well-nice"},      {"cool", "well-cool"},       {"excellent", "well-excellent"},
+      {"awesome", "well-awesome"}};
+  const int above = graph.parent(at);
+  const bool is_uttered = above < 0 || (!graph.arc(above).inverse && graph.arc(above).role.starts_with("op"));
+  if (!is_uttered || graph.word(at).sense.empty() || graph.mentions(at) > 1) return;
+  const auto* row = std::find_if(std::begin(kAnswers), std::end(kAnswers),
+                                 [&](const auto& one) { return graph.word(at).name == one.first; });
+  if (row == std::end(kAnswers)) return;
+  const std::vector<int> below = graph.children(at);
+  const bool is_denied = has_attribute(graph.word(at), "@neg");
+  const int led = graph.is(at, "confirm", "01") ? graph.child(at, "ARG1") : -1;
+  if (below.size() != (led >= 0 ? 1 : 0) || graph.word(at).attributes.size() > (is_denied ? 2 : 1)) return;
+  if (is_denied && !graph.is(at, "confirm", "01")) return;
+  graph.word(at).name = is_denied ? "well-no" : row->second;
+  graph.word(at).sense.clear();
+  graph.word(at).attributes.clear();
+  if (led < 0) return;
+  // What is denied is said so, and not confirmed.
+  if (is_denied) {
+    attribute_add(graph.word(graph.arc(led).to), "@neg");
+    return graph.stand_in(at, led);
+  }
+  const int both = graph.add_concept("and");
+  graph.redirect(at, both);
+  graph.add(both, at, "op1");
+  graph.replace(led, both, graph.arc(led).to, "op2");
+}
+
 }  // namespace
 
 // In front of coordination and quotation: "but" is no part of what is said.
@@ -417,6 +452,7 @@ void step_contrast(Meaning& meaning) {
     }
     cry_apply(graph, at);
     courtesy_apply(graph, at);
+    answer_word_apply(graph, at);
   }
 }
 

@@ -408,6 +408,10 @@ void entity_value_apply(Rewriter& graph, int at) {
       const int noun = graph.parent(at);
       if (range >= 0 && noun >= 0 && !graph.arc(noun).inverse)
         graph.replace(range, graph.arc(noun).from, graph.arc(range).to, "location");
+      // "The second block from the left".
+      const int start = is_ordinal ? graph.child(at, "range-start") : -1;
+      if (start >= 0 && noun >= 0 && !graph.arc(noun).inverse)
+        graph.replace(start, graph.arc(noun).from, graph.arc(start).to, "source");
       graph.stand_in(at, value, Fate::word);
     }
   }
