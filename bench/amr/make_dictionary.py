@@ -175,7 +175,7 @@ ERGATIVE = set("increase decrease change improve begin start end stop continue d
                "grow die swell dissolve thaw ripen dangle sway rotate revolve descend ascend".split()) | {
     "weaken", "strengthen", "slow", "harden", "lessen", "darken", "cool", "tighten", "loosen", "thicken", "deepen", "broaden",
     "lengthen", "narrow", "calm down", "wake up", "settle down", "slow down", "speed up", "break up", "cheer up", "warm up", "cool down", "dry up",
-    "burn down", "blow up", "close down", "go ahead", "heat up", "line up", "burn out", "die out", "fall apart"}
+    "break", "split", "bend", "boil", "burn down", "blow up", "close down", "go ahead", "heat up", "line up", "burn out", "die out", "fall apart"}
 # What has a topic with about.
 ABOUT_NOUNS = set("information news story book article bullshit nonsense joke rumour rumor gossip film movie song poem theory "
                   "opinion view truth fact data documentary lesson lecture conversation discussion debate secret detail thing "
@@ -666,7 +666,7 @@ def frames(path, writer, sources):
         if verb == lemma and not nouns and is_noun and lemma not in NO_NOUNS:
             writer.noun(lemma, concept, ",ZNZ")
         adjectives = [lemma] if of["ADJ"] and lemma in sources.adjectives else of["ADJ"]
-        for adjective in adjectives[:"POSTN" not in built]:
+        for adjective in adjectives[:"POSTN" not in built and lemma != "own"]:
             if not verb and not of["N"] and adjective in sources.quality:
                 writer.noun(sources.quality[adjective], concept, ",NMZ,QUAL")
             # Of a frame that is a noun: surgery, surgical.

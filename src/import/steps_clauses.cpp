@@ -528,6 +528,19 @@ void thing_apply(Rewriter& graph, int at) {
   frame_stand_in(graph, at, led, "@result");
 }
 
+// (t / thing :ARG2-of (a / age-01 :ARG1 x)): the age of x.
+void age_apply(Rewriter& graph, int at) {
+  const int led = graph.is(at, "thing") ? graph.child(at, "ARG2", true) : -1;
+  const int frame = led >= 0 ? graph.arc(led).to : -1;
+  const int whose = frame >= 0 && graph.is(frame, "age", "01") ? graph.child(frame, "ARG1") : -1;
+  if (whose < 0 || graph.mentions(frame) != 1 || graph.children(frame).size() != 1) return;
+  graph.replace(whose, at, graph.arc(whose).to, "poss");
+  graph.settle_concept(frame, Fate::word);
+  graph.remove(led, Fate::word);
+  graph.word(at).name = "age";
+  attribute_add(graph.word(at), "@def");
+}
+
 // (t / that :ARG1-of (i / important-01)): "that is important". A pronoun has no relative clause; what is said of it is a
 // clause of its own.
 // Banks write "that is important" as a thing with a property, as they do "the important thing"; with a pronoun only the
@@ -791,6 +804,7 @@ void step_persons(Meaning& meaning) {
     noun_content(graph, at);
     unemployment_apply(graph, at);
     if (graph.is(at, "government-organization")) government_apply(graph, at);
+    age_apply(graph, at);
     if (graph.is(at, "thing")) thing_apply(graph, at);
     // From here on the doer of something, with a noun for what he does.
     if (!graph.is(at, "person") || has_attribute(graph.word(at), "@name")) continue;
@@ -978,6 +992,11 @@ bool is_of_same_time(Rewriter& graph, int at) {
 // well: nobody takes it amiss.
 void tense_in_story(Rewriter& graph, int at) {
   const bool is_lasting = graph.child(at, "domain") >= 0 || (is_event(graph, at) && subject_arc(graph, at) >= 0);
+  const int above = graph.parent(at);
+  if (above >= 0 && graph.arc(above).role == "attendant") return;
+  // "She looked as if she wanted to speak": unreal, so past beside any deed.
+  if (above >= 0 && graph.arc(above).role == "conj-as-if" && is_lasting && !is_tensed(graph, at))
+    return attribute_add(graph.word(at), "@past");
   // A deed is past as it is, or an infinitive: "she told him to wait".
   const bool is_deed = graph.child(at, "ARG0") >= 0 && !is_state(graph, at) && !has_attribute(graph.word(at), "@can");
   if (!is_lasting || is_deed || is_tensed(graph, at)) return;
@@ -1000,6 +1019,12 @@ bool is_told_of_another(Rewriter& graph, int at) {
     if (has_attribute(graph.word(at), one)) return false;
   }
   if (!is_clause(graph, at)) return false;
+  const int above = graph.parent(at);
+  // "If he has no glasses, he cannot read": the modal verb has no other time than its condition.
+  const bool is_condition =
+      above >= 0 && graph.arc(above).role == "condition" && has_attribute(graph.word(graph.arc(above).from), "@can");
+  // "He sat there, holding a lamp" has one tense.
+  if (is_condition || (above >= 0 && graph.arc(above).role == "attendant")) return false;
   const int subject = told_of(graph, at);
   constexpr std::array kAnother{"he", "she"};
   if (subject >= 0 && is_one_of(graph, graph.arc(subject).to, kAnother)) return true;

@@ -845,6 +845,19 @@ void correlate_apply(Rewriter& graph, int at) {
     graph.lead_to(led, graph.arc(frame).to);
     graph.replace(frame, graph.arc(frame).to, degree, "ARG3");
   }
+  // "As he ran more, she laughed more": how much somebody does is no quality.
+  for (const int led : {first, second}) {
+    const int frame = graph.arc(led).to;
+    const int deed =
+        graph.is(frame, "have-degree", "91") && graph.argument(frame, "ARG2") < 0 ? graph.child(frame, "ARG1") : -1;
+    const int degree = deed >= 0 ? graph.child(frame, "ARG3") : -1;
+    if (degree < 0 || !is_event(graph, graph.arc(deed).to) || graph.mentions(frame) != 1) continue;
+    const int done = graph.arc(deed).to;
+    graph.settle_concept(frame, Fate::relation);
+    graph.replace(degree, done, graph.arc(degree).to, "extent");
+    graph.remove(deed, Fate::relation);
+    graph.redirect(frame, done);
+  }
   const int grows = graph.arc(second).to;
   graph.settle_concept(at, Fate::relation);
   graph.remove(second, Fate::relation);

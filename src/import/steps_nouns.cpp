@@ -11,19 +11,20 @@ namespace {
 
 // Verbs whose object is an event as a thing: nobody rejects that something was proposed, but a proposal.
 constexpr std::array kOfEvents{
-    "reject",      "support",  "describe",  "criticize", "discuss",  "condemn",     "praise",    "welcome",
-    "oppose",      "approve",  "examine",   "endorse",   "witness",  "accelerate",  "hinder",    "facilitate",
-    "cause",       "trigger",  "spark",     "provoke",   "increase", "decrease",    "reduce",    "improve",
-    "strengthen",  "weaken",   "limit",     "restrict",  "control",  "regulate",    "measure",   "evaluate",
-    "assess",      "review",   "analyze",   "follow",    "survive",  "celebrate",   "mourn",     "fund",
-    "finance",     "organize", "oversee",   "supervise", "monitor",  "win",         "attract",   "accept",
-    "earn",        "gain",     "interrupt", "break",     "promote",  "foster",      "encourage", "inspire",
-    "ban",         "await",    "demand",    "seek",      "attack",   "defend",      "justify",   "repeat",
-    "exploit",     "base",     "trust",     "carry-out", "call-off", "postpone",    "cancel",    "delay",
-    "reverse",     "halt",     "resume",    "revive",    "study",    "investigate", "ignore",    "neglect",
-    "honor",       "rely",     "depend",    "fulfill",   "violate",  "breach",      "publish",   "issue",
-    "sign",        "submit",   "deliver",   "implement", "draft",    "ratify",      "negotiate", "renew",
-    "commemorate", "avenge",   "host",      "stage",     "wage",     "prolong",     "mount",     "spread"};
+    "reject",     "support",     "describe",  "criticize", "discuss",   "condemn",     "praise",    "welcome",
+    "oppose",     "approve",     "examine",   "endorse",   "witness",   "accelerate",  "hinder",    "facilitate",
+    "cause",      "trigger",     "spark",     "provoke",   "increase",  "decrease",    "reduce",    "improve",
+    "strengthen", "weaken",      "limit",     "restrict",  "control",   "regulate",    "measure",   "evaluate",
+    "assess",     "review",      "analyze",   "follow",    "survive",   "celebrate",   "mourn",     "fund",
+    "finance",    "organize",    "oversee",   "supervise", "monitor",   "win",         "attract",   "accept",
+    "earn",       "gain",        "interrupt", "break",     "promote",   "foster",      "encourage", "inspire",
+    "ban",        "await",       "demand",    "seek",      "attack",    "defend",      "justify",   "repeat",
+    "exploit",    "base",        "trust",     "carry-out", "call-off",  "postpone",    "cancel",    "delay",
+    "reverse",    "halt",        "resume",    "revive",    "study",     "investigate", "ignore",    "neglect",
+    "answer",     "honor",       "rely",      "depend",    "fulfill",   "violate",     "breach",    "publish",
+    "issue",      "sign",        "submit",    "deliver",   "implement", "draft",       "ratify",    "negotiate",
+    "renew",      "commemorate", "avenge",    "host",      "stage",     "wage",        "prolong",   "mount",
+    "spread"};
 
 // Verbs that say little themselves: who is their subject does what the noun says, and is not said again.
 constexpr std::array kLight{"have",    "give",   "make",       "receive", "lack",    "provide", "do",
@@ -377,6 +378,31 @@ void group_members_apply(Rewriter& graph, int at) {
     attribute_add(graph.word(at), "@indef");
 }
 
+// "A gold coin", "a wooden box": what a thing is made of stands in front of it where it is one word.
+void material_apply(Rewriter& graph, int at) {
+  constexpr std::pair<const char*, const char*> kMaterials[] = {
+      {"gold", "gold"},       {"silver", "silver"},       {"iron", "iron"},     {"steel", "steel"},
+      {"stone", "stone"},     {"wood", "wooden"},         {"paper", "paper"},   {"brick", "brick"},
+      {"plastic", "plastic"}, {"cotton", "cotton"},       {"wool", "woollen"},  {"silk", "silk"},
+      {"leather", "leather"}, {"metal", "metal"},         {"copper", "copper"}, {"bronze", "bronze"},
+      {"marble", "marble"},   {"cardboard", "cardboard"}, {"straw", "straw"},   {"velvet", "velvet"},
+      {"tin", "tin"},         {"clay", "clay"},           {"rubber", "rubber"}, {"concrete", "concrete"}};
+  // "A piece of wood" is no thing that is made of it.
+  constexpr std::array kParts{"piece", "block", "sheet", "bar",  "layer", "pile", "heap", "lump", "strip",  "plank",
+                              "bit",   "slab",  "sort",  "kind", "scrap", "ton",  "lot",  "mass", "handful"};
+  const int led = graph.word(at).sense.empty() && !is_one_of(graph, at, kParts) ? graph.child(at, "consist-of") : -1;
+  if (led < 0 || has_attribute(graph.word(at), "@measure") || graph.word(at).variable.empty()) return;
+  const int what = graph.arc(led).to;
+  Concept& material = graph.word(what);
+  if (!material.sense.empty() || graph.mentions(what) != 1 || !graph.children(what).empty()) return;
+  for (const auto& [name, said] : kMaterials) {
+    if (material.name != name) continue;
+    material.name = said;
+    graph.arc(led).role = "mod";
+    return;
+  }
+}
+
 // "I love flowers", "he is afraid of tigers": of whom or what somebody thinks so without a word of which one, he means all
 // of the kind. Rules keep what is not counted, "I love music".
 void kind_apply(Rewriter& graph, int at) {
@@ -431,6 +457,7 @@ void step_nouns(Meaning& meaning) {
     possibility_apply(graph, at);
     patient_apply(graph, at);
     group_members_apply(graph, at);
+    material_apply(graph, at);
     kind_apply(graph, at);
   }
 }

@@ -221,7 +221,8 @@ void only_apply(Rewriter& graph, int led) {
   }
   // "Only the doctor can help": who does something, of whom nothing else is said.
   const int doing = graph.parent(at);
-  const bool is_doer = doing >= 0 && !graph.arc(doing).inverse && graph.arc(doing).role == "ARG0" && said.size() == 1 &&
+  const bool is_subject = doing >= 0 && subject_arc(graph, graph.arc(doing).from) == doing;
+  const bool is_doer = is_subject && graph.arc(doing).role.starts_with("ARG") && said.size() == 1 &&
                        graph.word(at).sense.empty() && is_event(graph, graph.arc(doing).from);
   if (is_doer) graph.word(only).sense = "adv";
   if (!is_predicate) only_counted(graph, at, led);
@@ -338,8 +339,11 @@ void existing_apply(Rewriter& graph) {
   if (has_attribute(graph.word(at), "@name") || graph.child(at, "domain") >= 0) return;
   asked_pronoun(graph, at);
   const int led = graph.child(at, "time");
-  if (led >= 0 && is_event(graph, graph.arc(led).to) && !graph.children(graph.arc(led).to).empty())
-    attribute_add(graph.word(at), "@was");
+  // "There was once a clockmaker who had lost his key."
+  constexpr std::array kLongAgo{"once", "once-upon-a-time", "long-ago", "then"};
+  const bool is_past = led >= 0 && (is_one_of(graph, graph.arc(led).to, kLongAgo) ||
+                                    (is_event(graph, graph.arc(led).to) && !graph.children(graph.arc(led).to).empty()));
+  if (is_past) attribute_add(graph.word(at), "@was");
   // "It is night in one town when it is noon in another."
   constexpr std::array kPeriods{"night", "day", "noon", "midnight", "morning", "evening", "dawn", "summer", "winter"};
   const int when = led < 0 ? -1 : graph.arc(led).to;
@@ -522,6 +526,18 @@ void behaving_apply(Rewriter& graph, int at) {
   attribute_add(graph.word(at), "@xinf");
 }
 
+// "It is far from here": a place that is an adverb has the preposition in front of it.
+void source_apply(Rewriter& graph, int at) {
+  constexpr std::array kPlaces{"here",      "there",      "home",       "above",   "below",  "inside",
+                               "outside",   "behind",     "where",      "afar",    "abroad", "nowhere",
+                               "somewhere", "everywhere", "downstairs", "upstairs"};
+  const int led = graph.child(at, "source");
+  if (led < 0 || !is_one_of(graph, graph.arc(led).to, kPlaces) || !graph.word(graph.arc(led).to).sense.empty()) return;
+  const int from = graph.add_concept("from");
+  graph.add(from, graph.arc(led).to, "op1");
+  graph.replace(led, at, from, "source");
+}
+
 // "He worked very hard": how very is said of the manner, though a bank may write it at the verb. "She left for the city."
 void manner_apply(Rewriter& graph, int at) {
   if (!is_event(graph, at)) return;
@@ -532,6 +548,16 @@ void manner_apply(Rewriter& graph, int at) {
                        graph.word(graph.arc(manner).to).sense.empty() && graph.children(graph.arc(manner).to).empty() &&
                        graph.mentions(graph.arc(manner).to) == 1;
   if (is_open) graph.lead_from(degree, graph.arc(manner).to);
+  // (s / sing-01 :ARG0 she :manner (h / happy-01 :ARG1 she)): "she sang happily", as it is she whom both are about.
+  const int mood =
+      manner >= 0 && is_event(graph, graph.arc(manner).to) ? graph.child(graph.arc(manner).to, "ARG1") : -1;
+  const int who = subject_arc(graph, at);
+  if (mood >= 0 && who >= 0 && graph.arc(mood).to == graph.arc(who).to) {
+    const std::vector<int> told = graph.children(graph.arc(manner).to);
+    const bool is_plain =
+        std::all_of(told.begin(), told.end(), [&](int one) { return one == mood || graph.arc(one).role == "degree"; });
+    if (is_plain) graph.remove(mood, Fate::relation);
+  }
   const int goal = graph.is(at, "leave", "11") || graph.is(at, "leave", "15") || graph.is(at, "depart", "01")
                        ? graph.child(at, "destination")
                        : -1;
@@ -746,6 +772,7 @@ void step_predicates(Meaning& meaning) {
     become_apply(graph, at);
     judged_apply(graph, at);
     feeling_of_apply(graph, at);
+    source_apply(graph, at);
     manner_apply(graph, at);
     qualities_apply(graph, at);
     behaving_apply(graph, at);

@@ -156,7 +156,8 @@ void time_taken(Rewriter& graph, int at) {
   const int led = graph.is(at, "take", "10") ? graph.child(at, "ARG0") : -1;
   const int length = led < 0 ? -1 : graph.child(at, "ARG1");
   const int doer = length < 0 ? -1 : graph.child(graph.arc(led).to, "ARG0");
-  constexpr std::array kUnits{"second", "minute", "hour", "day", "week", "month", "year", "decade", "century"};
+  constexpr std::array kUnits{"second", "minute", "hour",    "day",  "week", "month",
+                              "year",   "decade", "century", "time", "while"};
   if (doer < 0 || !is_one_of(graph, graph.arc(length).to, kUnits) || graph.mentions(graph.arc(led).to) != 1) return;
   const int taker = graph.child(at, "ARG2");
   if (taker >= 0 && graph.arc(taker).to != graph.arc(doer).to) return;

@@ -324,6 +324,16 @@ void restricted_unit_apply(Rewriter& graph, int at) {
   attribute_add(graph.word(unit), "@pl");
 }
 
+// "One day she left": (l / leave-11 :time (d / day :quant 1)) tells of no number.
+void some_day_apply(Rewriter& graph, int at) {
+  constexpr std::array kTimes{"day", "night", "morning", "evening", "afternoon", "summer", "winter", "spring"};
+  const int led = is_one_of(graph, at, kTimes) ? graph.child(at, "quant") : -1;
+  const int above = led < 0 ? -1 : graph.parent(at);
+  if (above < 0 || graph.arc(above).role != "time" || !graph.is(graph.arc(led).to, "1")) return;
+  graph.word(graph.arc(led).to).name = "one";
+  graph.arc(led).role = "mod";
+}
+
 // "At this" is no time; "at this time" is.
 void pointing_time_apply(Rewriter& graph) {
   for (std::size_t i = 0, end = graph.meaning().arcs.size(); i < end; ++i) {
@@ -549,6 +559,7 @@ void step_quantities(Meaning& meaning) {
     multiple_apply(graph, at);
     few_apply(graph, at);
     others_apply(graph, at);
+    some_day_apply(graph, at);
   }
   for (int at = 0; at < graph.count(); ++at) {
     const int led = graph.parent(at);
