@@ -411,7 +411,8 @@ void kind_apply(Rewriter& graph, int at) {
                                 "fond",   "need",    "lack",    "sell", "eat",     "gather", "count",  "distrust"};
   // "She ate an apple", "he fears a war": a deed that is told once is about one.
   constexpr std::array kDeeds{"eat", "sell", "hunt", "gather", "count", "need"};
-  if (!is_event(graph, at) || !is_one_of(graph, at, kOfKinds) || has_attribute(graph.word(at), "@past")) return;
+  if (!is_event(graph, at) || !is_one_of(graph, at, kOfKinds)) return;
+  if (has_attribute(graph.word(at), "@past") || has_attribute(graph.word(at), "@nom")) return;
   const bool is_deed = is_one_of(graph, at, kDeeds);
   const int who = graph.child(at, "ARG0");
   const bool is_general =
