@@ -114,7 +114,10 @@ NOUNS = {verb: noun for verb, noun in (one.split(":") for one in (
 PHRASES = {"make difference": "make a difference", "give hand": "give a hand", "get grip": "get a grip", "have clue": "have a clue",
            "get kick": "get a kick", "make scene": "make a scene", "take picture": "take a picture", "have good run": "have a good run",
            "point finger": "point the finger", "take effect": "take effect", "have point": "have a point", "shed blood": "shed blood",
-           "have eye on": "have an eye", "give pass": "give a pass", "break heart": "break the heart", "touch base": "touch base"}
+           "have eye on": "have an eye", "give pass": "give a pass", "break heart": "break the heart", "touch base": "touch base",
+           "toe line": "toe the line", "jump gun": "jump the gun", "draw line": "draw the line", "have hand in": "have a hand",
+           "keep eye out": "keep an eye out", "jump on bandwagon": "jump on the bandwagon", "have to do with": "have to do",
+           "let know": "inform", "make up mind": "decide", "read between lines": "read between the lines", "line pocket": "line pockets"}
 # Words that name no deed, though the frame files or WordNet have them for the verb: "the make of a coat", "the leave".
 # Verbs that nobody uses: who is proud does not pride.
 NO_VERBS = {"pride(>01)": "of", "hunger(>01)": "for", "thirst(>01)": "for"}
@@ -163,6 +166,9 @@ ADJECTIVE_OBJECTS = {adjective: preposition for preposition, adjectives in {
     "from": "different absent distinct safe", "on": "dependent keen reliant", "at": "skilled",
     "in": "interested fluent", "to": "similar equal loyal accustomed relevant hostile responsive sensitive equal indifferent vulnerable immune allergic"}.items()
     for adjective in adjectives.split()}
+# Adjectives that never stand in front of a noun: "the child who is asleep".
+PREDICATIVE = set("asleep afraid alive alone awake aware alike ashamed afloat adrift ablaze aloof unable worth sorry ready glad "
+                  "sure unwell content unaware".split())
 # Behind these an adjective says what the subject is or becomes.
 COPULAR = set("become look feel sound smell taste stay remain grow turn get go seem appear keep".split())
 FACT_VERBS = set("refer object react respond attest allude depend rely focus concentrate elaborate dwell reflect account approve "
@@ -183,7 +189,7 @@ ABOUT_NOUNS = set("information news story book article bullshit nonsense joke ru
                   "comment letter email survey poll lie myth fuss law question report remark statement complaint concern worry doubt".split())
 # Of several forms of the past the one for a verb, where the examples have other words that look the same.
 STRONG = {"bear": "bore borne", "drink": "drank drunk", "sink": "sank sunk", "clothe": "clothed clothed", "melt": "melted melted",
-          "tread": "trod trodden", "forbid": "forbade forbidden", "abide": "abided abided", "pen": "penned penned"}
+          "tread": "trod trodden", "forbid": "forbade forbidden", "shine": "shone shone", "be": "was been", "abide": "abided abided", "pen": "penned penned"}
 GERUND_PREPOSITIONS = set("about against at by from in into of on with".split())
 # Adjectives that are adverbs as they are.
 FLAT_ADVERBS = set("hard fast early late long high low deep close near".split())
@@ -506,6 +512,7 @@ class Writer:
             self.entry(many, concept, f"N,PL{',PS' * many.endswith('s')}{kinds}{vowel(many)}{more}")
 
     def adjective(self, lemma, concept, more=""):
+        more += ",PREDA" * (lemma in PREDICATIVE or " " in lemma and lemma.partition(" ")[0] in PREPOSITIONS)
         if opposite := self.sources.opposite.get(lemma):
             self.entry(opposite, concept, f"UN,UNADJ{vowel(opposite)}")
             if adverb := self.sources.manner.get(opposite):
@@ -547,7 +554,9 @@ def read_constructions():
             for verb in rest:
                 shapes[verb.replace("-", " ")].append(first)
         elif first != "#":
-            senses[first.replace(".", "(>") + ")"] = rest
+            # A line that begins with "+" adds to an earlier one of the sense.
+            concept = first.replace(".", "(>") + ")"
+            senses[concept] = senses[concept] + rest[1:] if concept in senses and rest[0] == "+" else rest
     return shapes, senses
 
 
@@ -581,6 +590,14 @@ def told_of_verb(concept, verb, built, seen, is_alone, shapes, senses):
     return list(dict.fromkeys(own))
 
 
+def gerunds_of_adjective(built):
+    """Behind the preposition of an adjective stands a gerund: "good at singing", "honest about singing"."""
+    told = set(built)
+    second = any(a.startswith("p2") for a in built) and not told & {"INF2", "THAT2", "GER2", "NP2"}
+    first = any(a.startswith("p1") for a in built) and not told & {"INF1", "THAT1", "GER1", "SA1"}
+    return ["PG2"] * second + ["GER1"] * first
+
+
 def frames(path, writer, sources):
     """The senses that `lexon-dict import --from propbank` has found: their names, inflected, and how they are built."""
     shapes, constructions = read_constructions()
@@ -595,6 +612,9 @@ def frames(path, writer, sources):
         verb = lemma if lemma in of["V"] else of["V"][0] if of["V"] else None
         if verb == lemma and len(names) == 1 and not {lemma, lemma.partition(" ")[0]} & (sources.verbs | set(sources.forms)):
             verb = None
+        # "In trouble", "on fire": no verb, though the frame files call it one.
+        if " " in lemma and lemma.partition(" ")[0] in PREPOSITIONS:
+            verb, of["ADJ"] = None, [lemma]
         # Frames that PropBank names by their noun alone.
         if not verb and lemma in PHRASES:
             verb = PHRASES[lemma]
@@ -628,6 +648,10 @@ def frames(path, writer, sources):
         if verb:
             seen |= {a for a in more if a in ("INF1", "GER1", "THAT1")}
             built = told_of_verb(concept, lemma, built, seen, is_ergative, shapes, constructions)
+        elif concept in constructions:
+            built = [a for a in built if a.startswith("LV")] + [a for a in constructions[concept] if a != "-"]
+        if not verb and of["ADJ"]:
+            built += gerunds_of_adjective(built)
         pattern = "".join("," + a for a in built)
         if verb and concept in NO_VERBS:
             pattern = ",p1" + NO_VERBS[concept]
@@ -734,7 +758,8 @@ def lemmas(writer, sources):
             continue
         if re.fullmatch(r"[a-z][a-z -]*", lemma):
             for key in {lemma, lemma.replace(" ", "-")}:
-                writer.entry(lemma, key, f"ADV{',MID' * (lemma in MIDDLE)}{',WHOLE' * (lemma in OF_CLAUSE)}{',END' * (' ' in lemma)}{vowel(lemma)}")
+                kinds = ",MID" * (lemma in MIDDLE) + ",WHOLE" * (lemma in OF_CLAUSE) + ",END" * (" " in lemma)
+                writer.entry(lemma, key, f"ADV{kinds}{vowel(lemma)}{',PREDA' * (lemma == 'asleep')}")
     for lemma in sorted(sources.verbs | set(sources.forms)):
         if re.fullmatch(r"[a-z][a-z -]*", lemma):
             for key in {lemma, lemma.replace(" ", "-")}:

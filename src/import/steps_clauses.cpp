@@ -1447,14 +1447,16 @@ void extraposed_apply(Rewriter& graph, int at) {
   if (is_person && is_one_of(graph, at, kOfActs)) attribute_add(graph.word(at), "@xtra");
   if (is_person && is_one_of(graph, at, kOfActs) && !has_attribute(graph.word(what), "@past"))
     attribute_add(graph.word(what), "@pres");
-  const bool is_act = !is_clause && !is_person && is_one_of(graph, at, kOfActs) && !graph.children(what).empty();
+  // "It makes sense to sell the boat."
+  const bool is_of_acts = is_one_of(graph, at, kOfActs) || graph.is(at, "sense", "02");
+  const bool is_act = !is_clause && !is_person && is_of_acts && !graph.children(what).empty();
   // "It is good that the fox is very curious": a quality (ARG1 alone) with words of its own is no noun.
   const auto is_circumstance = [&](int one) { return !is_core(graph.arc(one)) && !graph.arc(one).inverse; };
   const std::vector<int> told = graph.children(what);
   const bool is_long = graph.child(what, "conjunct") >= 0 || graph.child(what, "degree") >= 0 ||
                        std::count_if(told.begin(), told.end(), is_circumstance) > 1;
   if (!is_clause && sufferer >= 0 && is_long && !is_one_of(graph, at, kOfActs)) attribute_add(graph.word(at), "@xadj");
-  constexpr std::array kHappening{"matter", "happen", "occur", "turn-out"};
+  constexpr std::array kHappening{"matter", "happen", "occur", "turn-out", "sense"};
   if (is_clause && is_one_of(graph, at, kHappening)) attribute_add(graph.word(at), "@xv");
   // "The layout is easy to use": it has a subject already.
   if (graph.child(at, "domain") >= 0) return;

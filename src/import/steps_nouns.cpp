@@ -52,10 +52,10 @@ constexpr std::array kFeelings{
     "intrigue", "outrage",   "tempt"};
 
 // Qualities of who feels, with what he feels it about: "glad about the news".
-constexpr std::array kFeelingQualities{"happy",        "unhappy",    "glad",        "sad",     "anxious",
-                                       "nervous",      "bitter",     "uneasy",      "giddy",   "curious",
-                                       "enthusiastic", "cynical",    "skeptical",   "touchy",  "content",
-                                       "stoked",       "optimistic", "pessimistic", "hopeful", "edgy"};
+constexpr std::array kFeelingQualities{"happy",     "unhappy", "glad",    "sad",     "anxious",      "nervous",
+                                       "bitter",    "uneasy",  "giddy",   "curious", "enthusiastic", "cynical",
+                                       "skeptical", "touchy",  "content", "stoked",  "optimistic",   "pessimistic",
+                                       "hopeful",   "edgy",    "mad",     "furious", "irritable"};
 
 bool is_one_clause(Rewriter& graph, int at) {
   for (const char* mark : {"@can", "@must", "@should", "@may", "@neg", "@whether", "@int", "@ask", "@imp", "@quote"}) {
@@ -260,7 +260,12 @@ void possibility_apply(Rewriter& graph, int at) {
 // "The boy is glad about the news": who feels is the subject, whatever number the bank gives him.
 void feeling_apply(Rewriter& graph, int at) {
   const bool is_felt = !graph.word(at).sense.empty() && is_one_of(graph, at, kFeelingQualities);
-  if (is_felt && graph.child(at, "ARG0") >= 0 && graph.child(at, "ARG1") >= 0) attribute_add(graph.word(at), "@psv");
+  // Who likes somebody madly is the subject anyway.
+  if (!is_felt || graph.is(at, "mad", "03") || graph.child(at, "ARG0") < 0 || graph.child(at, "ARG1") < 0) return;
+  attribute_add(graph.word(at), "@psv");
+  // "She was glad to see him", "she was curious about seeing him".
+  constexpr std::array kToAct{"happy", "unhappy", "glad", "sad", "content"};
+  attribute_add(graph.word(at), is_one_of(graph, at, kToAct) ? "@moved" : "@felt");
 }
 
 // "A humiliating defeat": what makes somebody feel something.

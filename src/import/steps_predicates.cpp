@@ -479,7 +479,9 @@ constexpr Judged kJudged[] = {{"acceptable", "to"},     {"accessible", "to"},   
                               {"profitable", "for"},    {"unbearable", "for"},      {"attainable", "for"},
                               {"unforgettable", "for"}, {"habitable", "for"},       {"predictable", "for"},
                               {"unavoidable", "for"},   {"imaginable", "to"},       {"sick", "of"},
-                              {"available", "to"},      {"believable", "to"},       {"unpredictable", "for"}};
+                              {"available", "to"},      {"believable", "to"},       {"unpredictable", "for"},
+                              {"fun", "for"},           {"livable", "for"},         {"admirable", "to"},
+                              {"deplorable", "to"},     {"remarkable", "to"},       {"adorable", "to"}};
 
 // (u / useful-05 :ARG0 (f / farmer) :ARG1 (t / tool)): the tool is useful to the farmer.
 void judged_apply(Rewriter& graph, int at) {
