@@ -918,11 +918,14 @@ void sets_apply(Rewriter& graph) {
   // "Two of them".
   for (int at = 0, end = graph.count(); at < end; ++at) {
     const int number = is_personal_pronoun(graph, at) ? graph.child(at, "quant") : -1;
-    if (number < 0 || !graph.children(graph.arc(number).to).empty() || is_unknown(graph, graph.arc(number).to))
-      continue;
+    if (number < 0 || is_unknown(graph, graph.arc(number).to)) continue;
     const int several = graph.arc(number).to;
+    // "Two or three of them".
+    const std::vector<int> below = graph.children(several);
+    if (std::any_of(below.begin(), below.end(), [&](int one) { return !graph.arc(one).role.starts_with("op"); }))
+      continue;
     graph.redirect(at, several);
-    graph.replace(number, several, at, "superset");
+    graph.replace(number, below.empty() ? several : graph.arc(below.back()).to, at, "superset");
   }
   for (int at = 0; at < graph.count(); ++at) {
     // "Some of us": how many are taken out of a whole stands for those that are taken.

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 
+#include "import/clauses.hpp"
 #include "import/rewriter.hpp"
 #include "import/steps.hpp"
 
@@ -408,6 +409,72 @@ void material_apply(Rewriter& graph, int at) {
   }
 }
 
+// True for a noun of which nothing tells whether it is one, several or known.
+bool is_open_noun(Rewriter& graph, int at) {
+  const Concept& word = graph.word(at);
+  constexpr std::array kKnown{"@pl", "@sg", "@def", "@indef", "@name", "@measure", "@ref", "@neg", "@agent", "@result"};
+  return word.sense.empty() && !word.is_text && !word.variable.empty() && graph.mentions(at) == 1 &&
+         !is_personal_pronoun(graph, at) &&
+         std::none_of(kKnown.begin(), kKnown.end(), [&](const char* one) { return has_attribute(word, one); });
+}
+
+// "A red apple and a green pear": the part of a list that has a quality of its own has its own article.
+void listed_apply(Rewriter& graph, int led) {
+  const Arc one = graph.arc(led);
+  if (one.gone || one.inverse || one.role != "conjunct" || !is_open_noun(graph, one.to)) return;
+  bool is_described = false;
+  constexpr std::array kDetermining{"this", "that", "these",   "those", "all",     "every", "each",
+                                    "some", "any",  "no",      "other", "another", "same",  "such",
+                                    "only", "both", "several", "many",  "few",     "more"};
+  for (const int below : graph.children(one.to)) {
+    const Arc& told = graph.arc(below);
+    if (told.role == "poss" || told.role == "quant" || told.role == "ord" || told.role == "domain" ||
+        told.role == "part-of")
+      return;
+    if (told.role == "mod" && (is_listed(graph.word(told.to).name, kDetermining) || !graph.word(told.to).sense.empty()))
+      return;
+    is_described |= told.inverse || told.role == "mod" || told.role == "location";
+  }
+  int first = one.from;
+  for (int steps = graph.count(); steps > 0 && graph.parent(first) >= 0; --steps) {
+    const Arc& above = graph.arc(graph.parent(first));
+    if (above.role != "conjunct") break;
+    first = above.from;
+  }
+  const bool is_noun = graph.word(first).sense.empty() && !has_attribute(graph.word(first), "@name") &&
+                       !is_personal_pronoun(graph, first) && graph.child(first, "poss") < 0;
+  const int held = graph.parent(first);
+  // "The left side and the right side".
+  if (graph.word(first).name == graph.word(one.to).name) return;
+  if (!is_described || !is_noun || held < 0 || graph.arc(held).inverse || !is_event(graph, graph.arc(held).from))
+    return;
+  const bool is_subject = subject_arc(graph, graph.arc(held).from) == held;
+  attribute_add(graph.word(one.to), is_subject ? "@def" : "@indef");
+  // "A red cup and a big plate": the first is no better known.
+  const bool is_alike = graph.child(first, "mod") >= 0 && graph.child(first, "ord") < 0 &&
+                        graph.child(first, "part-of") < 0 &&
+                        !is_listed(graph.word(graph.arc(graph.child(first, "mod")).to).name, kDetermining);
+  if (!is_subject && is_alike && is_open_noun(graph, first)) attribute_add(graph.word(first), "@indef");
+}
+
+// "She drew a picture of a horse", "he built a house": what is made is new, and so is what is shown.
+void made_apply(Rewriter& graph, int at) {
+  constexpr std::array kMaking{"draw", "build", "compose", "sketch", "carve", "sew", "knit", "bake", "dig"};
+  const int made = is_event(graph, at) && is_one_of(graph, at, kMaking) ? graph.child(at, "ARG1") : -1;
+  if (made >= 0 && is_open_noun(graph, graph.arc(made).to) && graph.child(graph.arc(made).to, "poss") < 0 &&
+      graph.child(graph.arc(made).to, "ord") < 0 && graph.child(graph.arc(made).to, "mod") < 0 &&
+      graph.child(graph.arc(made).to, "part-of") < 0 && graph.child(at, "ARG0") >= 0)
+    attribute_add(graph.word(graph.arc(made).to), "@indef");
+  constexpr std::array kPictures{"picture",    "drawing", "painting", "portrait", "photo",
+                                 "photograph", "sketch",  "image",    "statue"};
+  const int shown = graph.word(at).sense.empty() && is_one_of(graph, at, kPictures) ? graph.child(at, "topic") : -1;
+  if (shown < 0) return;
+  const int what = graph.arc(shown).to;
+  graph.arc(shown).role = "consist-of";
+  if (is_open_noun(graph, what) && graph.child(what, "poss") < 0 && graph.child(what, "ord") < 0)
+    attribute_add(graph.word(what), "@indef");
+}
+
 // "I love flowers", "he is afraid of tigers": of whom or what somebody thinks so without a word of which one, he means all
 // of the kind. Rules keep what is not counted, "I love music".
 void kind_apply(Rewriter& graph, int at) {
@@ -427,15 +494,10 @@ void kind_apply(Rewriter& graph, int at) {
   int led = graph.child(at, graph.is(at, "interest", "01") ? "ARG2" : "ARG1");
   for (int steps = graph.count(); led >= 0 && steps > 0; --steps) {
     const int kind = graph.arc(led).to;
-    Concept& word = graph.word(kind);
-    constexpr std::array kKnown{"@pl", "@sg", "@def", "@indef", "@name", "@measure", "@ref", "@neg", "@agent"};
-    const bool is_noun =
-        word.sense.empty() && !word.is_text && !word.variable.empty() && graph.mentions(kind) == 1 &&
-        std::none_of(kKnown.begin(), kKnown.end(), [&](const char* one) { return has_attribute(word, one); });
     const std::vector<int> below = graph.children(kind);
     const bool is_bare =
         std::all_of(below.begin(), below.end(), [&](int one) { return graph.arc(one).role == "conjunct"; });
-    if (is_noun && is_bare && !is_personal_pronoun(graph, kind)) attribute_add(word, "@pl");
+    if (is_bare && is_open_noun(graph, kind)) attribute_add(graph.word(kind), "@pl");
     led = graph.child(kind, "conjunct");
   }
 }
@@ -446,6 +508,7 @@ void kind_apply(Rewriter& graph, int at) {
 // questions and quotations, whose clauses are none, and before voice and control, as a noun has no infinitive above it.
 void step_nouns(Meaning& meaning) {
   Rewriter graph(meaning, "nouns");
+  for (int led = 0; led < static_cast<int>(meaning.arcs.size()); ++led) listed_apply(graph, led);
   for (int at = 0; at < graph.count(); ++at) {
     object_apply(graph, at);
     counted_event_apply(graph, at);
@@ -463,6 +526,7 @@ void step_nouns(Meaning& meaning) {
     possibility_apply(graph, at);
     patient_apply(graph, at);
     group_members_apply(graph, at);
+    made_apply(graph, at);
     material_apply(graph, at);
     kind_apply(graph, at);
   }
