@@ -338,7 +338,7 @@ const StepRow kSteps[] = {
      "a0(have(>03).@entry.@v.@neg, she); a1(have(>03), hope(>01).@v.@nom.@whose.@indef)"},
     {"died_in_defense", "nouns", "(d / die-01 :ARG1 (k / king) :location (d2 / defend-01 :ARG1 (h / home)))",
      "a1(die(>01).@entry.@v, king); loc(die(>01), defend(>01).@v.@nom.@whose); a1(defend(>01), home)"},
-    {"glad_about", "nouns", "(g / glad-02 :ARG0 (b / boy) :ARG1 (n / news))", "a0(glad(>02).@entry.@v.@psv, boy); a1(glad(>02), news)"},
+    {"glad_about", "nouns", "(g / glad-02 :ARG0 (b / boy) :ARG1 (n / news))", "a0(glad(>02).@entry.@v.@psv.@moved, boy); a1(glad(>02), news)"},
     {"group_of_friends", "nouns", "(g / group :consist-of (f / friend))", "cns(group.@entry.@indef, friend.@pl)"},
     {"waiting_for_an_answer", "nouns", "(w / wait-01 :ARG1 (a / answer-01))", "a1(wait(>01).@entry.@v, answer(>01).@v.@nom)"},
     {"wanting_to_answer", "nouns", "(w / want-01 :ARG1 (a / answer-01))", "a1(want(>01).@entry.@v, answer(>01).@v.@bareinf)"},
