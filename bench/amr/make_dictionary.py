@@ -37,6 +37,15 @@ MIDDLE = set("certainly probably possibly really truly surely obviously apparent
 # Those of them that are said of a clause as a whole, its negation included: it is obviously not so.
 OF_CLAUSE = set("certainly probably possibly surely obviously apparently indeed actually clearly finally simply recently "
                 "sometimes presumably evidently".split())
+# What is said of the fact that a clause tells stands in front of it, with a comma.
+OPENERS = set("fortunately unfortunately luckily unluckily surprisingly unsurprisingly interestingly ironically incidentally "
+              "admittedly regrettably hopefully meanwhile nevertheless nonetheless moreover furthermore".split())
+# What somebody thinks of a thing stands before its size and age: the good old days.
+OPINIONS = set("good bad nice beautiful great wonderful terrible horrible awful lovely ugly strange odd poor dear excellent pretty "
+               "magnificent splendid marvelous remarkable extraordinary charming delightful brave noble silly stupid foolish clever "
+               "dangerous important famous amazing fine perfect miserable wretched pathetic simple special lonely terrific "
+               "fantastic impressive attractive handsome cute sweet gentle kind nasty wicked evil cruel mean vile proud humble "
+               "honest innocent".split())
 # What English has in front of the object of a verb, and of its noun, whatever the examples make more frequent.
 VERB_OBJECTS = {verb: preposition for preposition, verbs in {
     "to": "subscribe adhere conform succumb resort refer object react respond listen belong attest allude cater cling consent "
@@ -516,8 +525,8 @@ class Writer:
         if opposite := self.sources.opposite.get(lemma):
             self.entry(opposite, concept, f"UN,UNADJ{vowel(opposite)}")
             if adverb := self.sources.manner.get(opposite):
-                self.entry(adverb, concept, f"UN,UNADV{vowel(adverb)}")
-        self.entry(lemma, concept, f"ADJ{vowel(lemma)}{more}")
+                self.entry(adverb, concept, f"UN,UNADV{',OPENER' * (adverb in OPENERS)}{vowel(adverb)}")
+        self.entry(lemma, concept, f"ADJ{',OPIN' * (lemma in OPINIONS)}{vowel(lemma)}{more}")
         # Behind a preposition stands the noun of the quality: after the silence.
         noun = self.sources.quality.get(lemma) or self.sources.quality_ness.get(lemma)
         if noun and "(>" not in concept:
@@ -538,7 +547,8 @@ class Writer:
         made = made.replace("lly", "ly") if lemma.endswith("ll") else made
         is_plain = "(>" in concept or (lemma.endswith(("ic", "al", "ous", "ive", "ful", "less")) and lemma not in self.sources.adverbs)
         if adverb := self.sources.manner.get(lemma) or (made if is_plain and made in self.sources.adverbs else None):
-            self.entry(adverb, concept, f"ADV{',LY' * adverb.endswith('ly')}{',SADV' * (adverb in MIDDLE)}{',WHOLE' * (adverb in OF_CLAUSE)}{vowel(adverb)}{more}")
+            self.entry(adverb, concept, f"ADV{',LY' * adverb.endswith('ly')}{',SADV' * (adverb in MIDDLE)}{',WHOLE' * (adverb in OF_CLAUSE)}"
+                       f"{',FRONT,OPENER' * (adverb in OPENERS)}{vowel(adverb)}{more}")
 
 
 def surface(lemma):
@@ -758,7 +768,7 @@ def lemmas(writer, sources):
             continue
         if re.fullmatch(r"[a-z][a-z -]*", lemma):
             for key in {lemma, lemma.replace(" ", "-")}:
-                kinds = ",MID" * (lemma in MIDDLE) + ",WHOLE" * (lemma in OF_CLAUSE) + ",END" * (" " in lemma)
+                kinds = ",MID" * (lemma in MIDDLE) + ",WHOLE" * (lemma in OF_CLAUSE) + ",FRONT,OPENER" * (lemma in OPENERS) + ",END" * (" " in lemma)
                 writer.entry(lemma, key, f"ADV{kinds}{vowel(lemma)}{',PREDA' * (lemma == 'asleep')}")
     for lemma in sorted(sources.verbs | set(sources.forms)):
         if re.fullmatch(r"[a-z][a-z -]*", lemma):

@@ -308,6 +308,9 @@ const char* denied(Rewriter& graph, int at) {
   constexpr std::pair<const char*, const char*> kDenied[] = {
       {"somebody", "nobody"},   {"someone", "nobody"},   {"anybody", "nobody"},    {"anyone", "nobody"},
       {"something", "nothing"}, {"anything", "nothing"}, {"somewhere", "nowhere"}, {"any", "no"}};
+  // "None of them".
+  const bool is_some_of = graph.is(at, "any") && (graph.child(at, "superset") >= 0 || graph.child(at, "sup") >= 0);
+  if (is_some_of) return "none";
   for (const auto& [positive, negative] : kDenied) {
     if (graph.is(at, positive)) return negative;
   }
@@ -886,8 +889,9 @@ void tense_from_time(Rewriter& graph, int at) {
     // "I already know that": what lasts is told of now.
     constexpr std::array kLasting{"know",  "have", "want", "need", "believe",
                                   "think", "like", "love", "own",  "understand"};
-    const bool is_lasting = graph.is(time, "already") && is_one_of(graph, at, kLasting);
-    if (is_lasting && !has_attribute(graph.word(at), "@past")) attribute_add(graph.word(at), "@pres");
+    const bool is_being = graph.is(at, "be-located-at", "91") || graph.child(at, "domain") >= 0;
+    const bool is_lasting = graph.is(time, "already") && (is_one_of(graph, at, kLasting) || is_being);
+    if (is_lasting && !is_being && !has_attribute(graph.word(at), "@past")) attribute_add(graph.word(at), "@pres");
     const bool is_perfect =
         is_one_of(graph, time, kPerfect) && graph.word(time).sense.empty() && !is_general && !is_lasting;
     if (is_perfect) attribute_add(graph.word(at), "@perf");
@@ -1115,6 +1119,20 @@ void tense_beside(Rewriter& graph, int at) {
   }
 }
 
+// "They did not leave until the gate was opened": what was waited for has its place in the story.
+void tense_until(Rewriter& graph, int at) {
+  constexpr std::array kKnown{"@past", "@pres", "@fut",    "@would", "@imp",   "@perf", "@can",
+                              "@must", "@may",  "@should", "@ask",   "@quote", "@int",  "@state"};
+  const Concept& clause = graph.word(at);
+  const int led = has_attribute(clause, "@neg") && graph.child(at, "ARG0") >= 0 ? graph.child(at, "time") : -1;
+  const int event = led >= 0 && graph.is(graph.arc(led).to, "until") ? graph.child(graph.arc(led).to, "op1") : -1;
+  if (event < 0 || !is_event(graph, graph.arc(event).to) || graph.child(at, "condition") >= 0) return;
+  for (const char* mark : kKnown) {
+    if (has_attribute(clause, mark) || has_attribute(graph.word(graph.arc(event).to), mark)) return;
+  }
+  attribute_add(graph.word(at), "@past");
+}
+
 // "I thank you": it is done by saying so.
 void tense_of_thanks(Rewriter& graph, int at) {
   // Only "I" can do these by saying so, and only to "you".
@@ -1293,6 +1311,7 @@ void step_tense(Meaning& meaning) {
     tense_of_age(graph, at);
     tense_of_place(graph, at);
     if (!is_talk) tense_beside(graph, at);
+    if (!is_talk) tense_until(graph, at);
     Concept& clause = graph.word(at);
     const bool is_lasting = has_attribute(clause, "@state") || has_attribute(clause, "@habit");
     if (is_lasting && !has_attribute(clause, "@past") && !has_attribute(clause, "@fut")) attribute_add(clause, "@pres");
@@ -1484,8 +1503,25 @@ void gerund_apply(Rewriter& graph, int at) {
   }
 }
 
+// "She often repairs what he breaks": an argument that holds a clause of its own takes what stands behind it.
+bool holds_clause(Rewriter& graph, int at) {
+  if (graph.word(at).sense.empty() || has_attribute(graph.word(at), "@agent")) return false;
+  for (const char* role : {"ARG1", "ARG2", "ARG3", "ARG4"}) {
+    const int led = graph.child(at, role);
+    if (led < 0) continue;
+    const std::vector<int> below = graph.children(graph.arc(led).to);
+    const auto is_told = [&](int one) {
+      return graph.arc(one).inverse && is_core_role(graph.arc(one).role) && is_event(graph, graph.arc(one).to) &&
+             !graph.children(graph.arc(one).to).empty();
+    };
+    if (graph.mentions(graph.arc(led).to) == 1 && std::any_of(below.begin(), below.end(), is_told)) return true;
+  }
+  return false;
+}
+
 // "She now knows that he sings": behind the verb, "now" would be said of what she knows.
 void content_apply(Rewriter& graph, int at) {
+  if (holds_clause(graph, at)) attribute_add(graph.word(at), "@heavy");
   constexpr std::array kAnswering{"answer", "reply", "respond"};
   const char* role = is_one_of(graph, at, kAnswering) ? "ARG2" : "ARG1";
   const int led = graph.word(at).sense.empty() ? -1 : graph.child(at, role);

@@ -486,6 +486,24 @@ void amount_apply(Rewriter& graph, int at) {
   if (is_amount && graph.children(graph.arc(led).to).empty()) graph.arc(led).role = "extent";
 }
 
+// (g / guess-01 :ARG1-of (e / easy-05 :mod (e2 / enough))): "he guessed easily enough".
+void enough_apply(Rewriter& graph, int at) {
+  const int above = graph.word(at).sense.empty() ? -1 : graph.parent(at);
+  if (above < 0 || !graph.arc(above).inverse || !is_event(graph, graph.arc(above).from)) return;
+  for (const char* role : {"mod", "degree"}) {
+    const int led = graph.child(at, role);
+    if (led >= 0 && graph.is(graph.arc(led).to, "enough") && graph.children(graph.arc(led).to).empty())
+      degree_said(graph, led, at);
+  }
+}
+
+// "The smallest mistake": there is one of which that is true.
+void superlative_apply(Rewriter& graph, int at) {
+  const int above = has_attribute(graph.word(at), "@most") ? graph.parent(at) : -1;
+  if (above < 0 || graph.arc(above).role != "mod" || graph.arc(above).inverse) return;
+  if (graph.child(graph.arc(above).from, "domain") < 0) attribute_add(graph.word(graph.arc(above).from), "@def");
+}
+
 }  // namespace
 
 // (h / have-degree-91 :ARG1 x :ARG2 (t / tall) :ARG3 (m / more) :ARG4 y): tall with @more, its bearer x, compared to y.
@@ -497,6 +515,10 @@ void step_degree(Meaning& meaning) {
     if (graph.is(at, "have-quant", "91")) degree_apply(graph, at, true);
     ever_apply(graph, at);
     amount_apply(graph, at);
+  }
+  for (int at = 0; at < graph.count(); ++at) {
+    superlative_apply(graph, at);
+    enough_apply(graph, at);
   }
   // Once more, as a quality may have come to its noun only by its frame.
   for (int at = 0; at < graph.count(); ++at) such_apply(graph, at);

@@ -147,8 +147,13 @@ void conjunction_apply(Rewriter& graph, Arc& one) {
   // In front of a quotation stands nothing: '"Bring it," he said when he sat down.'
   const bool is_timed = one.role == "time" && graph.child(one.from, "quoted") < 0 &&
                         (graph.child(one.from, "condition") < 0 || graph.child(one.from, "conjunct") >= 0);
-  const bool is_ahead =
-      !one.inverse && (one.role == "condition" || is_timed) && !has_attribute(graph.word(one.from), "@query");
+  // "Only when it rains": what picks out a clause belongs to its conjunction.
+  constexpr std::array kPicking{"only", "even", "especially", "particularly", "just", "not-only"};
+  const int picked = one.inverse ? -1 : graph.child(one.to, "mod");
+  const bool is_picked = picked >= 0 && is_one_of(graph, graph.arc(picked).to, kPicking);
+  if (is_picked) attribute_add(graph.word(one.to), "@focus");
+  const bool is_ahead = !one.inverse && (one.role == "condition" || is_timed) && !is_picked &&
+                        !has_attribute(graph.word(one.from), "@query");
   if (is_ahead) attribute_add(graph.word(one.to), "@ahead");
   // "The way that she sings"; elsewhere "how he sings", and not the thing how he sings.
   const bool is_way = one.inverse && one.role == "manner" && graph.is(one.from, "way");
@@ -226,8 +231,19 @@ void step_merging(Meaning& meaning) {
       if (one.inverse != merged.inverse || !is_same(one.role, merged.role)) continue;
       // "The oldest of them": of a pronoun nothing is said, so that role keeps its name.
       if (one.role == "superlative-of" && has_attribute(graph.word(one.to), "@ref")) break;
+      // "Through the town", but "along the road".
+      constexpr std::array kEntered{"town",  "city",  "village", "capital", "forest",  "wood",     "garden",
+                                    "room",  "house", "desert",  "park",    "country", "air",      "window",
+                                    "door",  "gate",  "crowd",   "field",   "jungle",  "tunnel",   "valley",
+                                    "hall",  "grass", "snow",    "rain",    "fog",     "darkness", "hole",
+                                    "world", "sky",   "space",   "region",  "square",  "water",    "sand"};
+      const Concept& entered = graph.word(one.to);
+      const bool is_entered = is_listed(entered.name, kEntered) || has_attribute(entered, "@city") ||
+                              has_attribute(entered, "@country") || has_attribute(entered, "@state");
+      const bool is_through = one.role == "path" && is_entered;
       one.role = merged.becomes;
-      if (merged.preposition != nullptr) attribute_add(graph.word(one.to), merged.preposition);
+      if (merged.preposition != nullptr)
+        attribute_add(graph.word(one.to), is_through ? "@p_through" : merged.preposition);
       break;
     }
   }

@@ -639,6 +639,11 @@ void idiom_apply(Rewriter& graph, int at) {
     if (is_people && role.starts_with("ARG") && graph.word(word).sense.empty())
       attribute_add(graph.word(word), "@people");
   }
+  // "In the middle of the night".
+  constexpr std::array kParts{"middle", "center", "centre",    "edge", "end",    "bottom",
+                              "start",  "rest",   "beginning", "half", "corner", "outskirts"};
+  const int parted = is_one_of(graph, at, kParts) && graph.word(at).sense.empty() ? graph.child(at, "op1") : -1;
+  if (parted >= 0 && graph.child(at, "op2") < 0) graph.arc(parted).role = "part-of";
   // "Alone in the darkness": a place is no quality.
   const int within_it = graph.is(at, "dark") && graph.children(at).empty() ? graph.parent(at) : -1;
   if (within_it >= 0 && graph.arc(within_it).role == "location") graph.word(at).name = "darkness";
