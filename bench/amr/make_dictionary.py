@@ -458,6 +458,12 @@ class Sources:
             found = [verb] * (self.tagged[verb, "1"] >= max(3, self.tagged[verb, "2"]))
         return sorted(found, key=lambda noun: -self.tagged[noun, "1"])[:1]
 
+    def quality_of(self, adjective):
+        """The noun of a quality, of the same root even where WordNet does not tell: loyalty."""
+        found = self.quality.get(adjective) or self.quality_ness.get(adjective)
+        return found or next((adjective + end for end in ("ty", "ity")
+                             if len(adjective) > 3 and adjective + end in self.nouns), None)
+
     def verb_forms(self, lemma):
         first, *rest = lemma.split(" ")
         forms = verb_rule(first)
@@ -528,7 +534,7 @@ class Writer:
                 self.entry(adverb, concept, f"UN,UNADV{',OPENER' * (adverb in OPENERS)}{vowel(adverb)}")
         self.entry(lemma, concept, f"ADJ{',OPIN' * (lemma in OPINIONS)}{vowel(lemma)}{more}")
         # Behind a preposition stands the noun of the quality: after the silence.
-        noun = self.sources.quality.get(lemma) or self.sources.quality_ness.get(lemma)
+        noun = self.sources.quality_of(lemma)
         if noun and "(>" not in concept:
             alone = ",QNO" * (lemma not in self.sources.nouns and not noun.startswith(lemma + " "))
             self.entry(noun, concept, f"QN{alone},{'MASS' if noun.endswith('ness') else 'THE'}{vowel(noun)}")
@@ -699,14 +705,21 @@ def frames(path, writer, sources):
         is_noun = lemma in sources.nouns and sources.nouns[lemma][1] != 18 and sources.tagged[lemma, "1"] >= 3 * gerund
         if verb == lemma and not nouns and is_noun and lemma not in NO_NOUNS:
             writer.noun(lemma, concept, ",ZNZ")
-        adjectives = [lemma] if of["ADJ"] and lemma in sources.adjectives else of["ADJ"]
+        # "The wounded soldier": of a verb an adjective of the same form is another word.
+        is_own = lemma in sources.adjectives and (not verb or lemma in of["ADJ"])
+        forms = sources.verb_forms(verb) if verb else {}
+        adjectives = [lemma] if of["ADJ"] and is_own else of["ADJ"]
         for adjective in adjectives[:"POSTN" not in built and lemma != "own"]:
-            if not verb and not of["N"] and adjective in sources.quality:
-                writer.noun(sources.quality[adjective], concept, ",NMZ,QUAL")
+            if not verb and not of["N"] and (quality := sources.quality_of(adjective)):
+                # "Loyalty to her friends", but "the similarity of the houses", which are similar to each other.
+                kept = re.findall(r",p[2-5]\w+" if "similar" in concept else r",p\d\w+", pattern)
+                writer.noun(quality, concept, ",NMZ,QUAL" + "".join(kept) + ",NOUNC")
             # Of a frame that is a noun: surgery, surgical.
             of_noun = ",OFN" * (not verb and lemma in of["N"] and lemma != adjective)
+            # "The confused boy", "the confusing book".
+            kind = ",DONE" * (adjective == forms.get("PTCP")) + ",DOING" * (adjective == forms.get("ING"))
             # "The education office": what a thing is about is named by the noun of the deed, if it has one.
-            writer.adjective(adjective, concept, ",OFV" * bool(nouns) if verb and concept not in NO_VERBS else pattern + of_noun)
+            writer.adjective(adjective, concept, kind + ",OFV" * bool(nouns) if verb and concept not in NO_VERBS else pattern + of_noun)
         for agent in agent_of(sources, verb)[:1] if verb else ():
             writer.noun(agent, concept, ",AGT")
 
@@ -770,7 +783,8 @@ def lemmas(writer, sources):
             for key in {lemma, lemma.replace(" ", "-")}:
                 kinds = ",MID" * (lemma in MIDDLE) + ",WHOLE" * (lemma in OF_CLAUSE) + ",FRONT,OPENER" * (lemma in OPENERS) + ",END" * (" " in lemma)
                 writer.entry(lemma, key, f"ADV{kinds}{vowel(lemma)}{',PREDA' * (lemma == 'asleep')}")
-    for lemma in sorted(sources.verbs | set(sources.forms)):
+    # UniMorph has forms of verbs that nobody uses, such as "younged".
+    for lemma in sorted(sources.verbs | set(sources.forms) - sources.adjectives):
         if re.fullmatch(r"[a-z][a-z -]*", lemma):
             for key in {lemma, lemma.replace(" ", "-")}:
                 writer.verb(lemma, key)

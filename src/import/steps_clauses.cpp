@@ -776,7 +776,8 @@ void agent_words_apply(Rewriter& graph, int at, int frame) {
     } else if (!one.inverse && one.role == "ARG2" && is_one_of(graph, frame, kServing)) {
       served = led;
       // What has no place beside the noun keeps the clause as a whole, so nothing is moved.
-    } else if (one.inverse || one.role != "ARG1") {
+      // "Who teaches children to read" is a clause.
+    } else if (one.inverse || one.role != "ARG1" || (is_clause(graph, one.to) && !is_leaf)) {
       return;
     }
   }
@@ -1743,6 +1744,22 @@ void most_apply(Rewriter& graph, int at) {
     attribute_add(graph.word(one.from), "@def");
 }
 
+// "They demanded a higher wage": what is more than another is mostly new.
+void more_apply(Rewriter& graph, int at) {
+  const int led = has_attribute(graph.word(at), "@more") ? graph.parent(at) : -1;
+  if (led < 0 || graph.arc(led).role != (graph.arc(led).inverse ? "ARG1" : "mod")) return;
+  const int noun = graph.arc(led).from;
+  const int above = graph.parent(noun);
+  const bool is_object = above >= 0 && !graph.arc(above).inverse && graph.arc(above).role.starts_with("ARG") &&
+                         graph.arc(above).role != "ARG0" && graph.child(graph.arc(above).from, "ARG0") >= 0;
+  const Concept& word = graph.word(noun);
+  if (!is_object || !word.sense.empty() || has_attribute(word, "@pl") || has_attribute(word, "@name")) return;
+  for (const char* role : {"poss", "org", "part-of", "ord", "quant"}) {
+    if (graph.child(noun, role) >= 0) return;
+  }
+  attribute_add(graph.word(noun), "@indef");
+}
+
 // @cl: the clause has a subject and a finite verb, or, of the weather, the subject "it". A noun of an event and a driver
 // have none.
 void clause_apply(Rewriter& graph, int at) {
@@ -1780,6 +1797,13 @@ void clause_judged_apply(Rewriter& graph, int at) {
   if (told < 0 || graph.parent(told) != led) return;
   if (!is_event(graph, told) || subject_arc(graph, told) < 0 || has_attribute(graph.word(told), "@nom")) return;
   if (graph.child(at, "consequence") < 0) attribute_add(graph.word(at), "@xdom");
+  // "It is her duty to wait": whose it is has been named.
+  const int owner = graph.child(at, "poss");
+  const int doer = owner < 0 ? -1 : graph.child(told, "ARG0");
+  if (doer >= 0 && graph.arc(doer).to == graph.arc(owner).to && is_plain_deed(graph, told)) {
+    graph.remove(doer, Fate::relation);
+    return make_infinitive(graph, told, "@xto");
+  }
   if (is_easy_for(graph, at, told)) make_infinitive(graph, told, "@xfor");
 }
 
@@ -1814,6 +1838,7 @@ void step_forms(Meaning& meaning) {
     graded_apply(graph, at);
     anybody_apply(graph, at);
     most_apply(graph, at);
+    more_apply(graph, at);
     // In front of what asks for @cl and @nom: times of nouns, clauses that stand behind.
     clause_apply(graph, at);
     Concept& word = graph.word(at);

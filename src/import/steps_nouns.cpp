@@ -160,6 +160,10 @@ void subject_apply(Rewriter& graph, int at) {
   const int compared = graph.child(at, "compared-to");
   if (compared >= 0 && is_one_clause(graph, graph.arc(compared).to) && graph.child(graph.arc(compared).to, "ARG0") >= 0)
     event_to_noun(graph, graph.arc(compared).to);
+  // "The boy's fear of losing the key kept him awake": who fears is the subject of what he fears.
+  const int feared = graph.child(event, "ARG1");
+  const int fearing = feared < 0 || whom < 0 ? -1 : graph.child(graph.arc(feared).to, "ARG0");
+  if (fearing >= 0 && graph.arc(fearing).to == graph.arc(whom).to) return;
   if (whom >= 0) drop_again(graph, event, graph.arc(whom).to);
 }
 
@@ -353,6 +357,56 @@ void patient_apply(Rewriter& graph, int at) {
   graph.word(at).name = named->second;
 }
 
+// (r / room :purpose (w / wait-01)): "the waiting room"; "time to wait" is no kind of time.
+void compound_apply(Rewriter& graph, int at) {
+  constexpr std::array kMade{"room",      "boat",    "ship",   "hall",     "machine", "board",  "pot",    "pan",
+                             "table",     "chair",   "pool",   "rod",      "net",     "knife",  "gun",    "ground",
+                             "suit",      "bag",     "trip",   "license",  "center",  "site",   "glass",  "shoe",
+                             "area",      "station", "can",    "house",    "school",  "tool",   "ticket", "stick",
+                             "device",    "lamp",    "light",  "line",     "club",    "lesson", "class",  "season",
+                             "equipment", "gear",    "method", "facility", "system"};
+  const int led = graph.word(at).sense.empty() && is_one_of(graph, at, kMade) ? graph.child(at, "purpose") : -1;
+  const int deed = led < 0 ? -1 : graph.arc(led).to;
+  const bool is_bare = deed >= 0 && is_event(graph, deed) && graph.children(deed).empty() &&
+                       graph.mentions(deed) == 1 && graph.word(deed).attributes.size() == 1;
+  if (!is_bare || graph.child(at, "domain") >= 0) return;
+  graph.arc(led).role = "mod";
+  attribute_add(graph.word(deed), "@ger");
+}
+
+// (b / book :ARG1-of (f / favor-01 :ARG0 s)): "her favorite book".
+void favorite_apply(Rewriter& graph, int at) {
+  const int led =
+      graph.word(at).sense.empty() && !has_attribute(graph.word(at), "@name") ? graph.child(at, "ARG1", true) : -1;
+  const int frame = led < 0 ? -1 : graph.arc(led).to;
+  if (frame < 0 || !graph.is(frame, "favor", "01") || graph.mentions(frame) != 1) return;
+  const std::vector<int> below = graph.children(frame);
+  const int whose = graph.child(frame, "ARG0");
+  if (below.size() != (whose < 0 ? 0U : 1U) || !is_one_clause(graph, frame)) return;
+  if (whose >= 0 && graph.child(at, "poss") >= 0) return;
+  if (whose >= 0) graph.replace(whose, at, graph.arc(whose).to, "poss");
+  graph.word(frame).name = "favorite";
+  graph.word(frame).sense.clear();
+  graph.word(frame).attributes.clear();
+  graph.replace(led, at, frame, "mod");
+}
+
+// "He remembered the sound of the bell": what is heard or smelt, and not that it sounded.
+void perceived_noun_apply(Rewriter& graph, int at) {
+  constexpr std::array kGiven{"sound", "smell", "taste", "ring", "echo", "glow", "flavor", "scent"};
+  const int above = graph.parent(at);
+  const bool is_part = above >= 0 && !graph.arc(above).inverse &&
+                       (graph.arc(above).role.starts_with("ARG") || graph.arc(above).role.starts_with("op"));
+  if (!is_part || !is_one_of(graph, at, kGiven) || !is_one_clause(graph, at)) return;
+  int sources = 0;
+  for (const int led : graph.children(at)) {
+    const Arc& one = graph.arc(led);
+    sources += !one.inverse && (one.role == "ARG0" || one.role == "ARG1");
+    if (!one.inverse && one.role != "ARG0" && one.role != "ARG1" && one.role != "mod") return;
+  }
+  if (sources == 1) event_to_noun(graph, at);
+}
+
 // "A pair of shoes", "a group of old friends": what a group is made of is several, and the group is mostly new.
 void group_members_apply(Rewriter& graph, int at) {
   constexpr std::array kGroups{"group", "pair",   "crowd", "herd",   "flock",      "bunch",   "set",   "series",
@@ -371,12 +425,20 @@ void group_members_apply(Rewriter& graph, int at) {
                                 "barrel", "bucket", "mug",    "spoon", "flask", "pinch",  "mouthful"};
   const bool is_vessel = graph.word(at).sense.empty() && is_one_of(graph, at, kVessels);
   const bool is_group = graph.word(at).sense.empty() && is_one_of(graph, at, kGroups);
-  const int led = is_vessel || is_group ? graph.child(at, "consist-of") : -1;
+  // "The union of miners".
+  constexpr std::array kBodies{
+      "team",       "union",        "crew",      "army",       "committee", "council",   "board",     "family",
+      "jury",       "panel",        "band",      "troop",      "squad",     "staff",     "network",   "league",
+      "club",       "society",      "party",     "choir",      "pack",      "audience",  "coalition", "association",
+      "delegation", "organization", "community", "generation", "nation",    "gathering", "assembly"};
+  const bool is_body = graph.word(at).sense.empty() && is_one_of(graph, at, kBodies);
+  const int led = is_vessel || is_group || is_body ? graph.child(at, "consist-of") : -1;
   if (led < 0) return;
   Concept& member = graph.word(graph.arc(led).to);
   const bool is_noun = (member.sense.empty() || has_attribute(member, "@agent")) && !member.variable.empty() &&
                        !has_attribute(member, "@name") && !is_personal_pronoun(graph, graph.arc(led).to);
-  if (is_noun && is_group) attribute_add(member, "@pl");
+  if (is_noun && (is_group || is_body)) attribute_add(member, "@pl");
+  if (is_body) return;
   const bool is_known = has_attribute(graph.word(at), "@pl") || has_attribute(graph.word(at), "@def") ||
                         graph.child(at, "mod") >= 0 || graph.child(at, "poss") >= 0 || graph.child(at, "ord") >= 0;
   constexpr std::array kCounts{"number", "variety", "range", "series"};
@@ -525,6 +587,9 @@ void step_nouns(Meaning& meaning) {
     emotion_apply(graph, at);
     possibility_apply(graph, at);
     patient_apply(graph, at);
+    compound_apply(graph, at);
+    favorite_apply(graph, at);
+    perceived_noun_apply(graph, at);
     group_members_apply(graph, at);
     made_apply(graph, at);
     material_apply(graph, at);

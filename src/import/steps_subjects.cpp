@@ -237,9 +237,10 @@ bool is_said_again(Rewriter& graph, int above, int at, int subject) {
   if (is_told) return true;
   // "She told him that she sang", "she suggested to him that he sing": only of some verbs who listens does what is said.
   constexpr std::array kOfHearers{"tell", "warn", "remind", "assure", "inform", "notify"};
-  constexpr std::array kBidding{"tell",   "ask",    "beg",  "teach", "help",   "permit", "allow",  "forbid", "warn",
-                                "remind", "advise", "want", "mean",  "enable", "let",    "train",  "need",   "expect",
-                                "get",    "cause",  "show", "learn", "assist", "leave",  "assign", "require"};
+  constexpr std::array kBidding{"tell",   "ask",     "beg",    "teach",   "help",     "permit",  "allow",  "forbid",
+                                "warn",   "remind",  "advise", "want",    "mean",     "enable",  "let",    "train",
+                                "need",   "expect",  "get",    "cause",   "show",     "learn",   "assist", "leave",
+                                "assign", "require", "order",  "command", "instruct", "request", "direct"};
   const bool is_hearers = hearer >= 0 && graph.arc(hearer).to == person;
   const int teller = graph.child(higher, "ARG0");
   const bool is_tellers = teller >= 0 && graph.arc(teller).to == person;

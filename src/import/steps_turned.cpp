@@ -136,6 +136,12 @@ void extent_apply(Rewriter& graph, int led) {
 
 // "It takes courage to leave", "the result is a loss": frames whose first argument nobody names.
 void unnamed_subject(Rewriter& graph, int at) {
+  // "It takes patience to teach a parrot": nobody in particular teaches it.
+  const int deed = graph.is(at, "take", "10") && graph.child(at, "ARG1") >= 0 ? graph.child(at, "ARG0") : -1;
+  const bool is_of_nobody = deed >= 0 && is_event(graph, graph.arc(deed).to) &&
+                            graph.parent(graph.arc(deed).to) == deed && graph.child(graph.arc(deed).to, "ARG0") < 0 &&
+                            !graph.children(graph.arc(deed).to).empty();
+  if (is_of_nobody) graph.arc(deed).role = "purpose";
   if (graph.is(at, "take", "10") && graph.argument(at, "ARG0") < 0 && graph.child(at, "ARG1") >= 0)
     graph.add(at, graph.add_concept("it"), "ARG0");
   const int outcome = graph.is(at, "result", "01") && graph.argument(at, "ARG1") < 0 ? graph.child(at, "ARG2") : -1;
