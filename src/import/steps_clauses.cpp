@@ -848,6 +848,13 @@ void step_persons(Meaning& meaning) {
 
 namespace {
 
+// What has a tense or a modal verb needs no other.
+bool is_undated(const Concept& clause) {
+  constexpr std::array kSaid{"@past", "@pres",   "@fut",    "@imp",    "@can",  "@must",
+                             "@may",  "@should", "@maynot", "@likely", "@would"};
+  return std::none_of(kSaid.begin(), kSaid.end(), [&](const char* one) { return has_attribute(clause, one); });
+}
+
 // "She calls tomorrow", "next week", is to come; in a story the next day has been.
 bool is_coming(Rewriter& graph, int at, int time) {
   constexpr std::array kPeriods{"week", "month", "year", "summer", "winter", "spring", "autumn"};
@@ -856,11 +863,16 @@ bool is_coming(Rewriter& graph, int at, int time) {
   if (!graph.is(time, "tomorrow") && !graph.is(time, "future") && !is_next) return false;
   const int above = graph.parent(at);
   if (above >= 0 && !is_core(graph.arc(above)) && graph.arc(above).role != "conjunct") return false;
-  // What has a tense or a modal verb needs no other; "he does not come tomorrow" is as good.
-  constexpr std::array kSaid{"@past",   "@pres", "@fut",    "@imp",    "@can",   "@must",
-                             "@should", "@may",  "@maynot", "@likely", "@would", "@neg"};
-  return has_attribute(graph.word(at), "@v") &&
-         std::none_of(kSaid.begin(), kSaid.end(), [&](const char* one) { return has_attribute(graph.word(at), one); });
+  // "He does not come tomorrow" is as good.
+  return has_attribute(graph.word(at), "@v") && !has_attribute(graph.word(at), "@neg") && is_undated(graph.word(at));
+}
+
+// "Did it rain yesterday?", "she was not there last night".
+bool is_over(Rewriter& graph, int time) {
+  constexpr std::array kPeriods{"night",  "week",   "month",  "year",   "monday",   "tuesday", "wednesday", "thursday",
+                                "friday", "summer", "winter", "spring", "saturday", "sunday",  "weekend"};
+  const int pointer = is_one_of(graph, time, kPeriods) ? graph.child(time, "mod") : -1;
+  return graph.is(time, "yesterday") || (pointer >= 0 && graph.is(graph.arc(pointer).to, "last"));
 }
 
 // What the time of a clause says of its tense. "Before now" alone is no phrase of the sentence: it is the past.
@@ -896,6 +908,7 @@ void tense_from_time(Rewriter& graph, int at) {
     const bool is_perfect =
         is_one_of(graph, time, kPerfect) && graph.word(time).sense.empty() && !is_general && !is_lasting;
     if (is_perfect) attribute_add(graph.word(at), "@perf");
+    if (is_over(graph, time) && is_undated(graph.word(at))) attribute_add(graph.word(at), "@past");
     const bool is_relation = graph.is(time, "before") || graph.is(time, "after");
     const int point = is_relation ? graph.child(time, "op1") : -1;
     // After what was told: two days later.
@@ -993,6 +1006,16 @@ bool is_of_same_time(Rewriter& graph, int at) {
   return is_content && !is_bidden && is_one_of(graph, to.from, kTelling);
 }
 
+// "You cannot stay here until the sun rises": what holds at all times has no time in the past.
+void tense_of_bound(Rewriter& graph, int at) {
+  constexpr std::array kRelations{"before", "until", "while", "as-soon-as"};
+  const int led = has_attribute(graph.word(at), "@pres") ? graph.child(at, "time") : -1;
+  int when = led >= 0 ? graph.arc(led).to : -1;
+  const int below = when >= 0 && is_one_of(graph, when, kRelations) ? graph.child(when, "op1") : -1;
+  if (below >= 0) when = graph.arc(below).to;
+  if (when >= 0 && is_event(graph, when) && !is_tensed(graph, when)) attribute_add(graph.word(when), "@pres");
+}
+
 // What lasts stands in the past beside what happened: see is_of_same_time. What a story says of all times is told so as
 // well: nobody takes it amiss.
 void tense_in_story(Rewriter& graph, int at) {
@@ -1004,6 +1027,14 @@ void tense_in_story(Rewriter& graph, int at) {
     return attribute_add(graph.word(at), "@past");
   // A deed is past as it is, or an infinitive: "she told him to wait".
   const bool is_deed = graph.child(at, "ARG0") >= 0 && !is_state(graph, at) && !has_attribute(graph.word(at), "@can");
+  // "She said that she would come if it was fine."
+  const bool is_told_of_coming = graph.child(at, "condition") >= 0 && !has_attribute(graph.word(at), "@can") &&
+                                 !is_tensed(graph, at) && is_of_same_time(graph, at);
+  if (is_told_of_coming) {
+    const int if_so = graph.arc(graph.child(at, "condition")).to;
+    if (subject_arc(graph, if_so) >= 0 && !is_tensed(graph, if_so)) attribute_add(graph.word(if_so), "@past");
+    return attribute_add(graph.word(at), "@would");
+  }
   if (!is_lasting || is_deed || is_tensed(graph, at)) return;
   if (is_of_same_time(graph, at)) return attribute_add(graph.word(at), "@past");
   for (const char* role : {"time", "conjunct"}) {
@@ -1023,7 +1054,7 @@ bool is_told_of_another(Rewriter& graph, int at) {
   for (const char* one : kSays) {
     if (has_attribute(graph.word(at), one)) return false;
   }
-  if (!is_clause(graph, at)) return false;
+  if (!is_clause(graph, at) || graph.child(at, "condition") >= 0) return false;
   const int above = graph.parent(at);
   // "If he has no glasses, he cannot read": the modal verb has no other time than its condition.
   const bool is_condition =
@@ -1278,6 +1309,14 @@ void tense_of_question(Rewriter& graph, int at, bool is_to_you) {
                                 "prefer", "own",      "belong", "understand", "agree", "disagree", "deserve",
                                 "matter", "doubt",    "care",   "suppose",    "hope",  "lack"};
   const bool is_alone = graph.child(at, "shared") < 0 && graph.child(at, "conjunct") < 0;
+  // "How long have you lived here?"
+  const int asked = graph.child(at, "questioned");
+  constexpr std::array kGoing{"live", "wait", "work", "know", "be-located-at", "study", "sit", "stand", "stay"};
+  const bool is_since = asked >= 0 && has_attribute(graph.word(graph.arc(asked).to), "@wh_duration");
+  if (is_since && is_to_you && is_one_of(graph, at, kGoing)) {
+    std::erase(clause.attributes, "@pres");
+    return attribute_add(clause, "@perf");
+  }
   if (is_to_you && is_alone && !is_one_of(graph, at, kLasting) && !is_timed) attribute_add(clause, "@now");
 }
 
@@ -1323,7 +1362,10 @@ void step_tense(Meaning& meaning) {
     tense_of_thanks(graph, at);
     const int subject = told_of(graph, at);
     // What UMR calls done is over, though somebody says it.
-    const bool is_speech = has_attribute(clause, "@quote") && subject >= 0 && !has_attribute(clause, "@done");
+    // "Who told you that?"
+    const bool is_who = subject >= 0 && is_unknown(graph, graph.arc(subject).to);
+    const bool is_speech =
+        has_attribute(clause, "@quote") && subject >= 0 && !is_who && !has_attribute(clause, "@done");
     const bool is_to_you = subject >= 0 && graph.is(graph.arc(subject).to, "you");
     if (!is_known && (is_speech || is_to_you)) attribute_add(clause, "@pres");
     tense_of_condition(graph, at);
@@ -1335,6 +1377,7 @@ void step_tense(Meaning& meaning) {
   }
   for (int at = 0; at < graph.count(); ++at) {
     if (!is_said[static_cast<std::size_t>(at)]) tense_in_story(graph, at);
+    tense_of_bound(graph, at);
   }
 }
 
@@ -1734,6 +1777,13 @@ void anybody_apply(Rewriter& graph, int at) {
   if (!has_attribute(word, "@agent") && !has_attribute(word, "@ref")) word.name = "people";
 }
 
+// (c / calm-down-03 :mode imperative :ARG1 (y / you)): "calm down". Who is bidden does it, whatever the number of his role.
+void bidden_subject(Rewriter& graph, int at) {
+  const int led = has_attribute(graph.word(at), "@imp") && graph.child(at, "ARG0") < 0 ? graph.child(at, "ARG1") : -1;
+  if (led >= 0 && graph.is(graph.arc(led).to, "you") && is_event(graph, at) && !graph.is(at, "thank", "01"))
+    graph.arc(led).role = "ARG0";
+}
+
 // What is most of its kind is known: "the oldest tree", where no owner tells which.
 void most_apply(Rewriter& graph, int at) {
   const int led = has_attribute(graph.word(at), "@most") ? graph.parent(at) : -1;
@@ -1837,6 +1887,7 @@ void step_forms(Meaning& meaning) {
     one_modal_apply(graph, at);
     graded_apply(graph, at);
     anybody_apply(graph, at);
+    bidden_subject(graph, at);
     most_apply(graph, at);
     more_apply(graph, at);
     // In front of what asks for @cl and @nom: times of nouns, clauses that stand behind.

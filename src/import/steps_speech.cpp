@@ -456,7 +456,9 @@ bool permitted_apply(Rewriter& graph, int at) {
 
 // (c / come-01 :mode imperative :ARG0 (s / snail)): "come, snail". Who is bidden is called.
 void bidden_apply(Rewriter& graph, int at) {
-  constexpr std::array kMotion{"come", "sit-down", "wake-up", "hurry", "arrive", "stand-up", "get-up"};
+  constexpr std::array kMotion{"come",    "sit-down", "wake-up", "hurry",  "arrive",  "stand-up", "get-up",
+                               "come-in", "quiet",    "silent",  "calm",   "careful", "brave",    "happy",
+                               "patient", "kind",     "stay",    "return", "grow-up", "come-on",  "calm-down"};
   int led = graph.child(at, "ARG0");
   if (led < 0 && is_one_of(graph, at, kMotion)) led = graph.child(at, "ARG1");
   const int whom = led < 0 ? -1 : graph.arc(led).to;

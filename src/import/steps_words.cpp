@@ -175,6 +175,21 @@ void step_dates(Meaning& meaning) {
     if (led < 0) continue;
     const std::string part = graph.arc(led).role;
     const int head = graph.arc(led).to;
+    // "On Thursday, March 2".
+    if (const int weekday = graph.child(at, "weekday"); part == "month" && weekday >= 0) {
+      for (const char* below : {"day", "year"}) {
+        if (const int one = graph.child(at, below); one >= 0) graph.lead_from(one, head);
+      }
+      graph.word(head).sense = graph.word(head).name;
+      graph.word(head).name = "month";
+      graph.word(head).attributes = {"@date", "@month"};
+      const int named = graph.arc(weekday).to;
+      attribute_add(graph.word(named), "@date");
+      attribute_add(graph.word(named), "@weekday");
+      graph.replace(led, named, head, "apposition");
+      graph.stand_in(at, weekday, Fate::word);
+      continue;
+    }
     // "At 12:20 yesterday".
     const int day = part == "time" ? graph.child(at, "mod") : -1;
     if (day >= 0) graph.arc(day).role = "weekday";
