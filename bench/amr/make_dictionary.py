@@ -152,14 +152,15 @@ AGENTS = {"apply": "applicant", "assist": "assistant", "inhabit": "inhabitant", 
           "immigrate": "immigrant", "participate": "participant", "compete": "competitor", "represent": "representative",
           "counsel": "counselor", "act": "actor", "account": "accountant", "assail": "assailant", "defend": "defender",
           "witness": "witness", "negotiate": "negotiator", "oppose": "opponent", "assault": "assailant", "tour": "tourist",
-          "trick": "trickster"}
+          "trick": "trickster", "volunteer": "volunteer"}
 # Who does it has no noun, or one that means something else: nobody who waits is a waiter.
 NO_AGENTS = set("account attract captivate cart close come condition confide connect count date deify demonize despair draw dress "
                 "equal equate fail go hang have hear hit idolize incarnate know let log look major man marry mutate name open "
-                "arrive depart laugh surrender crime mistake pray smile escape sacrifice obey warn journey "
+                "arrive block depart laugh surrender crime mistake pray smile escape sacrifice obey warn journey "
                 "oust pass personify port pretend prey process rest see sit stand tell tie turn wait wake walk want".split())
 # Nouns of agents that the examples lack.
-MORE_AGENTS = set("abuser achiever adopter aggressor avenger bowler campaigner colonizer complainer debater deceiver defector "
+MORE_AGENTS = set("abuser achiever adopter aggressor avenger boater bomber bowler builder cleaner climber commuter founder "
+                  "holder manufacturer moderator operator publisher shooter strangler campaigner colonizer complainer debater deceiver defector "
                   "deserter doer earner emigrant exhibitor facilitator flatterer forecaster hitchhiker imitator informer "
                   "inheritor infiltrator interrogator jailer lawbreaker lodger looter molester nominee objector onlooker "
                   "overseer owner pickpocket poisoner polluter quitter rapist recruiter redeemer rescuer retiree rioter robber "
@@ -745,7 +746,7 @@ def agent_of(sources, verb):
         return agent.islower() and verb not in NO_AGENTS and (count or is_rare) and not re.search("(ee|tion|ure|ity)$", agent)
 
     return sorted((a for a in sources.agents.get(verb, ()) if a.lower().startswith(stem) and is_used(a)
-                   and sources.nouns.get(a.lower(), (a, 18))[1] not in (range(18) if a == verb else (5, 8))),
+                   and (a in MORE_AGENTS or sources.nouns.get(a.lower(), (a, 18))[1] == 18)),
                   key=lambda a: (a != AGENTS.get(verb), a[0].isupper(), a == verb, a.endswith("ee"), len(a)))
 
 

@@ -91,6 +91,47 @@ void raise_apply(Rewriter& graph, int at) {
   if (!is_phase && graph.arc(subject).role != "ARG0") attribute_add(graph.word(at), "@raised");
 }
 
+// "He was told that it rains", "she was asked to stay", "they were given bread": who receives it is the subject where
+// nobody gives it.
+// (t / tell-01 :ARG1 r :ARG2 (h / he)), and for offer-01 ARG3: the receiver becomes :understood, with @psv and @bid.
+void told_apply(Rewriter& graph, int at) {
+  constexpr std::array kTelling{"tell",  "ask",  "give", "show", "teach", "grant",
+                                "award", "warn", "lend", "deny", "offer"};
+  const bool is_told = is_one_of(graph, at, kTelling) && is_event(graph, at) && graph.argument(at, "ARG0") < 0;
+  const int led = graph.parent(at);
+  const int receiver = is_told ? graph.child(at, graph.is(at, "offer", "01") ? "ARG3" : "ARG2") : -1;
+  const int content = receiver >= 0 ? graph.child(at, "ARG1") : -1;
+  if (content < 0 || (led >= 0 && graph.arc(led).inverse) || has_attribute(graph.word(at), "@imp")) return;
+  const int who = graph.arc(receiver).to;
+  const int what = graph.arc(content).to;
+  const bool is_person =
+      is_personal_pronoun(graph, who) || has_attribute(graph.word(who), "@agent") || graph.word(who).sense.empty();
+  if (!is_person || graph.is(who, "it") || is_unknown(graph, who) || is_unknown(graph, what)) return;
+  for (const char* own : {"understood", "shared", "domain", "questioned", "speaker"}) {
+    if (graph.child(at, own) >= 0) return;
+  }
+  constexpr std::array kAbove{"ARG1",      "op1",        "op2",  "op3",      "cause",
+                              "condition", "concession", "time", "conjunct", "quoted"};
+  if (led >= 0 && (!is_listed(graph.arc(led).role, kAbove) || has_attribute(graph.word(graph.arc(led).from), "@nom")))
+    return;
+  for (const int below : graph.children(what)) {
+    if (is_unknown(graph, graph.arc(below).to)) return;
+  }
+  // A question asks for one of the two. "The key was given to the boy", but "he was given time to think".
+  if (has_attribute(graph.word(at), "@ask") || (graph.is(at, "give", "01") && graph.children(what).empty())) return;
+  // A thing that is a pronoun already stands in front: "it was given to him".
+  if (is_personal_pronoun(graph, what) || is_listed(graph.word(what).name, kDemonstratives)) return;
+  const int doer = is_clause(graph, what) ? subject_arc(graph, what) : -1;
+  if (doer >= 0 && graph.arc(doer).to == who && graph.is(at, "ask", "02")) {
+    if (graph.arc(doer).role == "domain" || graph.parent(what) != content) return;
+    if (graph.arc(doer).role != "ARG0") attribute_add(graph.word(what), "@ctl1");
+    graph.arc(doer).role = "understood";
+  }
+  graph.arc(receiver).role = "understood";
+  attribute_add(graph.word(at), "@psv");
+  attribute_add(graph.word(at), "@bid");
+}
+
 // "Everyone began to talk when the music stopped": when something begins stands behind what begins.
 void phase_apply(Rewriter& graph, int at) {
   constexpr std::array kPhases{"begin", "start", "continue", "cease", "stop", "try", "manage"};
@@ -576,6 +617,7 @@ void step_control(Meaning& meaning) {
   for (int at = 0, end = graph.count(); at < end; ++at) {
     copular_apply(graph, at);
     phase_apply(graph, at);
+    told_apply(graph, at);
     raise_apply(graph, at);
   }
   for (int at = 0; at < graph.count(); ++at) subject_once_apply(graph, at);
@@ -605,6 +647,13 @@ void step_mentions(Meaning& meaning) {
     const int led = static_cast<int>(i);
     if (graph.arc(led).gone) continue;
     const int to = graph.arc(led).to;
+    // "Do not hurt yourself", with a concept for each.
+    constexpr std::array kNamed{"i", "we", "you"};
+    const int doer = graph.child(graph.arc(led).from, "ARG0");
+    if (doer >= 0 && meant[static_cast<std::size_t>(doer)] != to && first[static_cast<std::size_t>(to)] == led &&
+        is_core(graph.arc(led)) && is_one_of(graph, to, kNamed) && graph.is(graph.arc(doer).to, graph.word(to).name)) {
+      attribute_add(graph.word(to), "@self");
+    }
     if (first[static_cast<std::size_t>(to)] == led || (to == meaning.root && graph.arc(led).from == to)) continue;
     if (graph.arc(led).inverse && is_core_role(graph.arc(led).role)) {
       // A clause that stands above, or elsewhere, has this one as an argument: it is said there.

@@ -518,13 +518,46 @@ void determiners_apply(Rewriter& graph) {
   }
 }
 
+// Half, a third, two thirds: what a part of is said.
+bool is_share(const std::string& name) {
+  constexpr std::array kShares{"half", "third", "quarter", "fifth", "sixth", "seventh", "eighth", "ninth", "tenth"};
+  const std::size_t space = name.find(' ');
+  const std::string part = space == name.npos ? name : name.substr(space + 1);
+  return is_listed(part, kShares) ||
+         (space != name.npos && part.back() == 's' && is_listed(part.substr(0, part.size() - 1), kShares));
+}
+
+// "More than half of the houses", "two thirds of his sheep", "most of her friends"; "all her friends". The rest of the
+// noun phrase stands behind "of", so a share of what is owned or known keeps its article.
+void share_apply(Rewriter& graph, int led, int number) {
+  const int noun = graph.arc(led).from;
+  Concept& share = graph.word(number);
+  const Concept& whole = graph.word(noun);
+  if (has_attribute(whole, "@measure") || !whole.sense.empty() || !share.sense.empty() || whole.variable.empty())
+    return;
+  const bool is_owned = graph.child(noun, "poss") >= 0;
+  constexpr std::array kBefore{"all", "both"};
+  if (is_owned && is_listed(share.name, kBefore)) graph.arc(led).role = "mod";
+  const bool is_most = is_owned && share.name == "most";
+  if (!is_most && !is_share(share.name)) return;
+  if (!is_most && share.name != "half" && share.name.find(' ') == std::string::npos)
+    share.name = (share.name == "eighth" ? "an " : "a ") + share.name;
+  attribute_add(graph.word(noun), "@part");
+  if (is_owned || has_attribute(whole, "@name")) return;
+  const int pointing = graph.child(noun, "mod");
+  if (pointing < 0 || !is_one_of(graph, graph.arc(pointing).to, kDemonstratives))
+    attribute_add(graph.word(noun), "@def");
+  if (!is_uncounted(whole.name)) attribute_add(graph.word(noun), "@pl");
+}
+
 // Numbers other than one go with a plural, and words that say how many.
 // (s / star :quant 3) has @pl, (s / star :quant 1) @sg. A frame that a bank gives instead of a number, "how many
 // stars", counts as many.
 void counted_apply(Rewriter& graph) {
   constexpr std::array kMany{"many", "few",  "several", "multiple",    "various",    "numerous",
                              "all",  "both", "most",    "amr-unknown", "umr-unknown"};
-  for (const Arc& one : graph.meaning().arcs) {
+  for (int led = 0; led < static_cast<int>(graph.meaning().arcs.size()); ++led) {
+    const Arc& one = graph.arc(led);
     if (one.gone || one.inverse || one.role != "quant") continue;
     // "Only four": the number stands below the word that restricts it.
     const int inner = graph.child(one.to, "op1");
@@ -542,8 +575,12 @@ void counted_apply(Rewriter& graph) {
     // "More books".
     const bool is_more = number.name == "more" && inner < 0 && graph.word(one.from).sense.empty() &&
                          !is_uncounted(graph.word(one.from).name) && !has_attribute(graph.word(one.from), "@measure");
-    const bool is_many = is_lot || is_more || is_some || (is_listed(number.name, kMany) && !is_amount);
+    // "Thirty percent of the boats".
+    const bool is_percentage =
+        number.name == "percent" && graph.word(one.from).sense.empty() && !is_uncounted(graph.word(one.from).name);
+    const bool is_many = is_lot || is_more || is_percentage || is_some || (is_listed(number.name, kMany) && !is_amount);
     if (is_plain || is_many) attribute_add(graph.word(one.from), number.name == "1" ? "@sg" : "@pl");
+    share_apply(graph, led, inner >= 0 ? graph.arc(inner).to : one.to);
   }
 }
 
