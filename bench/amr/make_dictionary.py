@@ -684,7 +684,7 @@ def frames(path, writer, sources):
         if verb == lemma and not of["N"] and often and not has_preposition:
             of["N"].append(lemma)
         # A gerund only where people use it as a noun: a meeting.
-        nouns = [form for form in of["N"] if not form.endswith("ing")]
+        nouns = [form for form in of["N"] if not re.search("ing( |$)", form)]
         # Of several nouns the one that is made of the verb, and that people use: death, not die.
         derived = sources.nominal.get(verb, ()) if verb else (lemma,)
         nouns.sort(key=lambda form: -(sources.tagged[form, "1"] + 1) * (4 if form in derived else 1))
@@ -755,7 +755,9 @@ def lemmas(writer, sources):
         rare = sources.tagged[lemma, "1"] * 3
         if lemma in sources.adjectives and not rare and re.search("(ible|able|ous|ful|ive|less|ish|ical)$", lemma):
             continue
-        if sources.tagged[lemma, "3"] > rare or sources.tagged[lemma, "4"] > rare:
+        # Civilians and militants are people, however often the word is an adjective.
+        is_people = file == 18 and lemma.endswith(("ist", "ant", "ilian", "rival"))
+        if not is_people and (sources.tagged[lemma, "3"] > rare or sources.tagged[lemma, "4"] > rare):
             continue
         if re.fullmatch(r"[A-Za-z][A-Za-z .'-]*", lemma):
             concept = written if written != lemma else lemma

@@ -462,6 +462,35 @@ void government_apply(Rewriter& graph, int at) {
   graph.move_children(frame, at);
 }
 
+// (o / organization :ARG0-of (d / defend-01)): "the defense". A body that is known by what it does.
+void body_apply(Rewriter& graph, int at) {
+  constexpr std::pair<const char*, const char*> kBodies[] = {{"oppose", "opposition"},
+                                                             {"defend", "defense"},
+                                                             {"prosecute", "prosecution"},
+                                                             {"resist", "resistance"},
+                                                             {"administrate", "administration"}};
+  const int led = graph.child(at, "ARG0", true);
+  const int frame = led < 0 || has_attribute(graph.word(at), "@name") ? -1 : graph.arc(led).to;
+  const bool is_bare = frame >= 0 && graph.children(frame).empty() && graph.mentions(frame) == 1 &&
+                       graph.word(frame).attributes.size() == 1;
+  for (const auto& [verb, noun] : kBodies) {
+    if (!is_bare || !graph.is(frame, verb, "01")) continue;
+    graph.settle_concept(frame, Fate::word);
+    graph.remove(led, Fate::word);
+    graph.word(at).name = noun;
+    return attribute_add(graph.word(at), "@def");
+  }
+}
+
+// "A private insurer": a firm is called by what it does, too.
+bool is_firm_of(Rewriter& graph, int at, int frame) {
+  constexpr std::array kTrades{"provide", "lend",    "produce", "manufacture", "publish", "supply", "sponsor",
+                               "retail",  "employ",  "carry",   "distribute",  "export",  "import", "broker",
+                               "make",    "operate", "develop", "buy",         "sell"};
+  return (graph.is(at, "company") || graph.is(at, "organization")) && is_one_of(graph, frame, kTrades) &&
+         graph.children(frame).empty();
+}
+
 // The frame names its participant: `mark` says which one.
 // (p / person :ARG0-of (d / drive-01)): drive takes the place of the person, with @agent, and the dictionary has
 // drive(>01) with @agent as "driver". What was known of the person, number or mention, goes along.
@@ -810,11 +839,12 @@ void step_persons(Meaning& meaning) {
     if (graph.is(at, "government-organization")) government_apply(graph, at);
     age_apply(graph, at);
     if (graph.is(at, "thing")) thing_apply(graph, at);
+    if (graph.is(at, "organization") || graph.is(at, "government-organization")) body_apply(graph, at);
     // From here on the doer of something, with a noun for what he does.
-    if (!graph.is(at, "person") || has_attribute(graph.word(at), "@name")) continue;
-    const int led = graph.child(at, "ARG0", true);
+    const int led = has_attribute(graph.word(at), "@name") ? -1 : graph.child(at, "ARG0", true);
     if (led < 0) continue;
     const int frame = graph.arc(led).to;
+    if (!graph.is(at, "person") && !is_firm_of(graph, at, frame)) continue;
     agent_words_apply(graph, at, frame);
     const std::vector<int> below = graph.children(frame);
     const bool is_simple = std::all_of(below.begin(), below.end(), [&](int one) {

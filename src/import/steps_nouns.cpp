@@ -155,6 +155,14 @@ void subject_apply(Rewriter& graph, int at) {
   const int whom = is_deed ? graph.child(at, "ARG1") : -1;
   const bool is_felt = is_one_of(graph, at, kFeelings) || is_one_of(graph, at, kFeelingQualities);
   if (is_deed ? is_felt || whom < 0 : !is_one_of(graph, at, kOfThings)) return;
+  // "Helping others made her happy": who helps is whom it makes so.
+  const int made = whom >= 0 && graph.is(at, "make", "02") ? subject_arc(graph, graph.arc(whom).to) : -1;
+  const int helper = made < 0 ? -1 : graph.child(event, "ARG0");
+  if (helper >= 0 && graph.arc(helper).to == graph.arc(made).to && graph.child(event, "ARG1") >= 0 &&
+      graph.mentions(event) == 1) {
+    graph.remove(helper, Fate::relation);
+    return attribute_add(graph.word(event), "@ger");
+  }
   event_to_noun(graph, event);
   // "His fear is greater than his hope."
   const int compared = graph.child(at, "compared-to");
@@ -407,6 +415,22 @@ void perceived_noun_apply(Rewriter& graph, int at) {
   if (sources == 1) event_to_noun(graph, at);
 }
 
+// "He nodded with some doubt": so much of an act is no way to do it.
+void manner_amount_apply(Rewriter& graph, int at) {
+  constexpr std::array kAmounts{"some", "much", "little", "great", "lot", "any", "certain", "considerable", "more"};
+  const int led = graph.word(at).sense.empty() ? -1 : graph.child(at, "manner");
+  const int event = led < 0 || graph.arc(led).inverse ? -1 : graph.arc(led).to;
+  if (event < 0 || !is_one_clause(graph, event) || graph.mentions(event) != 1) return;
+  for (const char* role : {"mod", "quant"}) {
+    const int amount = graph.child(event, role);
+    if (amount < 0 || !is_one_of(graph, graph.arc(amount).to, kAmounts)) continue;
+    event_to_noun(graph, event);
+    const int doer = graph.child(at, "ARG0");
+    if (doer >= 0) drop_again(graph, event, graph.arc(doer).to);
+    return;
+  }
+}
+
 // "A pair of shoes", "a group of old friends": what a group is made of is several, and the group is mostly new.
 void group_members_apply(Rewriter& graph, int at) {
   constexpr std::array kGroups{"group", "pair",   "crowd", "herd",   "flock",      "bunch",   "set",   "series",
@@ -590,6 +614,7 @@ void step_nouns(Meaning& meaning) {
     compound_apply(graph, at);
     favorite_apply(graph, at);
     perceived_noun_apply(graph, at);
+    manner_amount_apply(graph, at);
     group_members_apply(graph, at);
     made_apply(graph, at);
     material_apply(graph, at);
