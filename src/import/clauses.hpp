@@ -58,7 +58,7 @@ inline constexpr std::array kSaying{"say",     "ask",      "answer",   "reply", 
                                     "inquire", "explain",  "call-out", "tell",     "think",     "declare",  "shout",
                                     "whisper", "announce", "observe",  "continue", "interrupt", "confess",  "insist",
                                     "protest", "comment",  "complain", "warn",     "admit",     "conclude", "suggest",
-                                    "mutter",  "agree",    "call",     "mumble",   "sigh",      "yell",     "scream"};
+                                    "mutter",  "agree",    "call",     "mumble",   "sigh",      "yell",     "scream",   "enquire"};
 
 // All concepts that some clauses are made of, themselves first; graphs have circles and meet again, so each is there once.
 // Used to ask whether anybody in a quotation says "I".

@@ -1036,14 +1036,20 @@ bool is_of_same_time(Rewriter& graph, int at) {
   return is_content && !is_bidden && is_one_of(graph, to.from, kTelling);
 }
 
-// "You cannot stay here until the sun rises": what holds at all times has no time in the past.
+// "You cannot stay here until the sun rises", "where is the cook when mould grows?": what holds at all times has
+// no time in the past.
 void tense_of_bound(Rewriter& graph, int at) {
   constexpr std::array kRelations{"before", "until", "while", "as-soon-as"};
-  const int led = has_attribute(graph.word(at), "@pres") ? graph.child(at, "time") : -1;
+  const int led = graph.child(at, "time");
   int when = led >= 0 ? graph.arc(led).to : -1;
   const int below = when >= 0 && is_one_of(graph, when, kRelations) ? graph.child(when, "op1") : -1;
   if (below >= 0) when = graph.arc(below).to;
-  if (when >= 0 && is_event(graph, when) && !is_tensed(graph, when)) attribute_add(graph.word(when), "@pres");
+  if (when < 0 || has_attribute(graph.word(at), "@past")) return;
+  const bool is_general = has_attribute(graph.word(at), "@pres") || has_attribute(graph.word(at), "@ask") ||
+                          has_attribute(graph.word(at), "@int");
+  if (!is_general || !is_event(graph, when) || is_tensed(graph, when)) return;
+  attribute_add(graph.word(when), "@pres");
+  attribute_add(graph.word(at), "@pres");
 }
 
 // What lasts stands in the past beside what happened: see is_of_same_time. What a story says of all times is told so as

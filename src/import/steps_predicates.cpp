@@ -332,12 +332,44 @@ void denied_somewhere(Rewriter& graph, int at) {
   if (const int time = graph.child(at, "time"); time >= 0) graph.lead_from(time, being);
 }
 
+// (r / riddle :mod (t / that)) at the top: "that is a riddle". (n / nothing :ARG0-of (h / help-01)): "there is nothing that
+// helps". (l / lake :polarity amr-unknown :location-of (s / swim-01)): "is there a lake where they swim?"
+bool presented_noun(Rewriter& graph, int at) {
+  int pointer = -1;
+  bool is_told_of = false;
+  for (const int led : graph.children(at)) {
+    const Arc& one = graph.arc(led);
+    const bool is_pointing = one.role == "mod" && (graph.is(one.to, "this") || graph.is(one.to, "that"));
+    if (is_pointing && graph.children(one.to).empty() && graph.mentions(one.to) == 1) pointer = led;
+    is_told_of |= one.inverse && is_clause(graph, one.to);
+  }
+  for (const char* mood : {"@exp", "@imp", "@quote", "@pl"}) {
+    if (has_attribute(graph.word(at), mood)) return false;
+  }
+  const bool is_asked = has_attribute(graph.word(at), "@int");
+  if (pointer >= 0 && !is_told_of && !is_asked && graph.children(at).size() > 1) {
+    graph.arc(pointer).role = "domain";
+    return true;
+  }
+  constexpr std::array kNone{"nothing", "nobody", "no-one"};
+  if (!is_told_of || !(is_asked || has_attribute(graph.word(at), "@neg") || is_one_of(graph, at, kNone))) return false;
+  const int being = graph.add_concept("exist");
+  graph.word(being).sense = "91";
+  graph.word(being).attributes = {"@v", "@there"};
+  if (std::erase(graph.word(at).attributes, "@int") > 0) attribute_add(graph.word(being), "@int");
+  if (is_asked) attribute_add(graph.word(at), "@indef");
+  graph.redirect(at, being);
+  graph.add(being, at, "ARG1");
+  return true;
+}
+
 // A noun at the top, with a clause of time: "there was a storm when we left".
 void existing_apply(Rewriter& graph) {
   const int at = statement_of(graph);
   if (at < 0 || !graph.word(at).sense.empty() || graph.word(at).variable.empty()) return;
   if (has_attribute(graph.word(at), "@name") || graph.child(at, "domain") >= 0) return;
   asked_pronoun(graph, at);
+  if (presented_noun(graph, at)) return;
   const int led = graph.child(at, "time");
   // "There was once a clockmaker who had lost his key."
   constexpr std::array kLongAgo{"once", "once-upon-a-time", "long-ago", "then"};

@@ -38,7 +38,10 @@ bool is_said_so(Rewriter& graph, int frame, int at) {
   constexpr std::array kStandIn{"that",        "this",    "it",       "so",         "thing",
                                 "something",   "nothing", "anything", "everything", "word",
                                 "information", "name",    "truth",    "story",      "speech"};
-  return is_one_of(graph, frame, kUttering) && !is_clause(graph, at) && graph.mentions(at) == 1 &&
+  // "Forty years," he thought, "and nobody thanks me": a clause is joined to what is none.
+  const int joined = graph.child(at, "conjunct");
+  const bool is_mixed = joined >= 0 && is_clause(graph, graph.arc(joined).to) && graph.is(frame, "think", "01");
+  return (is_one_of(graph, frame, kUttering) || is_mixed) && !is_clause(graph, at) && graph.mentions(at) == 1 &&
          !is_one_of(graph, at, kStandIn) && !has_attribute(graph.word(at), "@name");
 }
 
@@ -111,13 +114,26 @@ void speaker_behind(Rewriter& graph, int at, int who, int whom) {
   if (office >= 0) std::erase(graph.word(graph.arc(office).to).attributes, "@closed");
 }
 
+// (o / offer-01 :ARG0 (s / she) :ARG1 (t / take-01 :mode interrogative ...)): a question or an order, of which no verb of
+// knowing tells, can only be somebody's words, whatever the verb: "May I take it?" she offered.
+bool is_uttered(Rewriter& graph, int at, const char* role) {
+  const int led = graph.child(at, role);
+  const int said = led >= 0 ? graph.arc(led).to : -1;
+  constexpr std::array kOwn{"let", "make", "cause", "want", "seem", "matter", "depend", "thank"};
+  const int who = graph.child(at, "ARG0");
+  if (said < 0 || who < 0 || graph.word(at).sense.empty() || graph.word(at).sense == "91" || is_one_of(graph, at, kOwn))
+    return false;
+  const bool is_mood = has_attribute(graph.word(said), "@imp") || has_attribute(graph.word(said), "@int");
+  return is_mood && is_clause(graph, said) && !is_one_of(graph, at, kReporting) && !is_clause(graph, graph.arc(who).to);
+}
+
 // (s / say-01 :ARG0 (k / king) :ARG1 (c / come-01 :mode imperative) :ARG2 (b / boy)): "Come," said the king. `led` is
 // the arc to what is said, `who` that to the speaker and `whom` to the hearer; verbs of answering number the last two
 // the other way round.
 void quote(Rewriter& graph, int at) {
   // Who answers says the answer to a question.
   constexpr std::array kAnswering{"answer", "reply", "respond", "interrupt"};
-  const bool is_answer = is_one_of(graph, at, kAnswering);
+  const bool is_answer = is_one_of(graph, at, kAnswering) || is_uttered(graph, at, "ARG2");
   const int led = graph.child(at, is_answer ? "ARG2" : "ARG1");
   const int who = graph.child(at, "ARG0");
   int whom = graph.child(at, is_answer ? "ARG1" : "ARG2");
@@ -553,12 +569,27 @@ void step_speaker(Meaning& meaning) {
   called_apply(graph);
 }
 
+namespace {
+
+// "He continued to ask": what is continued is no speech, but the asking of the same person.
+bool is_going_on(Rewriter& graph, int at) {
+  const int led = graph.is(at, "continue", "01") ? graph.child(at, "ARG1") : -1;
+  const int who = graph.child(at, "ARG0");
+  const int inner =
+      led >= 0 && is_one_of(graph, graph.arc(led).to, kSaying) ? graph.child(graph.arc(led).to, "ARG0") : -1;
+  return inner >= 0 && who >= 0 && graph.arc(inner).to == graph.arc(who).to;
+}
+
+}  // namespace
+
 // (s / say-01 :ARG0 k :ARG1 c): c is :quoted and k :speaker where the words themselves are given. Stands behind
 // coordination, so that a quotation of several clauses has a head, and before control, as its subjects are its own.
 void step_quotation(Meaning& meaning) {
   Rewriter graph(meaning, "quotation");
   for (int at = 0; at < graph.count(); ++at) {
-    if (!graph.word(at).sense.empty() && is_one_of(graph, at, kSaying)) quote(graph, at);
+    const bool is_saying = !graph.word(at).sense.empty() && is_one_of(graph, at, kSaying);
+    if (is_saying ? !is_going_on(graph, at) : is_uttered(graph, at, "ARG1") || is_uttered(graph, at, "ARG2"))
+      quote(graph, at);
   }
 }
 
