@@ -1720,7 +1720,49 @@ void perceived_apply(Rewriter& graph, int at) {
   for (const char* mark : kClauses) {
     if (has_attribute(graph.word(what), mark)) return;
   }
-  if (graph.child(what, "conjunct") < 0) attribute_add(graph.word(what), "@perceived");
+  // "I saw him climb the wall and run".
+  for (int next = graph.child(what, "conjunct"); next >= 0; next = graph.child(graph.arc(next).to, "conjunct")) {
+    const int other = graph.arc(next).to;
+    if (graph.child(other, "shared") < 0 || !is_one_of(graph, other, kMoves)) return;
+  }
+  attribute_add(graph.word(what), "@perceived");
+}
+
+// "She let the dog sleep in the kitchen on Monday", "he began to paint in 1990": between a verb and the infinitive that it
+// governs there is no place for a time, so it stands with the infinitive.
+void governed_time_apply(Rewriter& graph, int at) {
+  constexpr std::array kLetting{"let",  "allow",  "permit",  "enable",  "want",   "need",  "expect", "intend",
+                                "wish", "desire", "require", "request", "prefer", "await", "help",   "cause"};
+  constexpr std::array kOneDeed{"want", "try",  "begin", "start",  "continue", "attempt", "like",  "love",
+                                "hate", "need", "fail",  "manage", "cease",    "help",    "enjoy", "struggle",
+                                "seek", "stop", "keep",  "finish", "resume",   "avoid",   "learn", "intend"};
+  const int led = is_event(graph, at) ? graph.child(at, "ARG1") : -1;
+  const int deed = led < 0 ? -1 : graph.arc(led).to;
+  if (deed < 0 || graph.parent(deed) != led || graph.child(deed, "conjunct") >= 0) return;
+  const Concept& word = graph.word(deed);
+  if (has_attribute(word, "@nom") || has_attribute(word, "@quote") || (!is_event(graph, deed) && word.sense.empty()))
+    return;
+  const bool is_letting = is_one_of(graph, at, kLetting) || graph.is(at, "make", "02") || graph.is(at, "have", "04") ||
+                          graph.is(at, "get", "04") || has_attribute(word, "@perceived");
+  const bool is_of_another = is_letting && subject_arc(graph, deed) >= 0;
+  const bool is_own = is_one_of(graph, at, kOneDeed) && graph.child(deed, "understood") >= 0;
+  if (!is_of_another && !is_own) return;
+  constexpr std::array kRoles{"time",        "location",    "duration", "manner", "instrument",
+                              "accompanier", "beneficiary", "medium",   "prep"};
+  constexpr std::array kDays{"yesterday", "today", "tomorrow", "tonight"};
+  for (const int one : graph.children(at)) {
+    const int what = graph.arc(one).to;
+    // An adverb stands in front of the verb, and a clause in front of the whole.
+    const bool is_phrase = !graph.children(what).empty() || has_attribute(graph.word(what), "@date") ||
+                           is_one_of(graph, what, kDays) || graph.arc(one).role == "location" ||
+                           has_attribute(graph.word(what), "@neg");
+    if (graph.arc(one).inverse || !is_listed(graph.arc(one).role, kRoles) || !is_phrase || is_unknown(graph, what))
+      continue;
+    const int inner = graph.child(what, "op1");
+    const bool is_bare_manner = graph.arc(one).role == "manner" && subject_arc(graph, what) < 0;
+    if ((is_clause(graph, what) && !is_bare_manner) || (inner >= 0 && is_clause(graph, graph.arc(inner).to))) continue;
+    graph.lead_from(one, deed);
+  }
 }
 
 // "She put down the box that he had sent": a particle stands in front of an object that has more than a word beside it.
@@ -1859,6 +1901,11 @@ void clause_apply(Rewriter& graph, int at) {
   const bool is_weather =
       at == graph.meaning().root && is_event(graph, at) && is_one_of(graph, at, kWeather) && !has_subject && is_timed;
   if (is_weather) attribute_add(word, "@cl");
+  // "We stayed because it was cold outside": such a quality is said of nothing, and no noun.
+  constexpr std::array kAround{"cold", "hot", "warm", "dark", "late", "early", "foggy", "sunny", "windy", "cloudy"};
+  constexpr std::array kClauses{"cause", "concession", "condition", "reason"};
+  const int above = is_event(graph, at) && is_one_of(graph, at, kAround) && !has_subject ? graph.parent(at) : -1;
+  if (above >= 0 && !graph.arc(above).inverse && is_listed(graph.arc(above).role, kClauses)) attribute_add(word, "@cl");
   if (has_subject && !has_attribute(word, "@result") && !has_attribute(word, "@agent") && !nominal_apply(graph, at))
     attribute_add(word, "@cl");
   // "I think that he is a teacher."
@@ -1920,6 +1967,7 @@ void step_forms(Meaning& meaning) {
     giving_apply(graph, at);
     particle_apply(graph, at);
     perceived_apply(graph, at);
+    governed_time_apply(graph, at);
     one_modal_apply(graph, at);
     graded_apply(graph, at);
     anybody_apply(graph, at);

@@ -470,6 +470,46 @@ void becoming_apply(Rewriter& graph, int at) {
     attribute_add(graph.word(quality), "@res");
 }
 
+// "She painted the fence green": what is done to something makes it so, and is not done so.
+void resulting_apply(Rewriter& graph, int at) {
+  constexpr std::array kMaking{"paint", "dye",   "color",  "hammer", "wipe", "scrub", "wash", "sweep", "shave",
+                               "cut",   "press", "push",   "pull",   "kick", "knock", "slam", "shut",  "freeze",
+                               "burn",  "beat",  "squash", "shoot",  "lick", "rub",   "tie",  "turn",  "bake",
+                               "set",   "break", "tear",   "sand",   "boil", "render"};
+  if (graph.word(at).sense.empty() || !is_one_of(graph, at, kMaking) || graph.child(at, "ARG1") < 0) return;
+  for (const char* role : {"ARG2", "ARG3", "ARG4"}) {
+    const int led = graph.child(at, role);
+    const int quality = led < 0 ? -1 : graph.arc(led).to;
+    if (quality < 0 || !graph.word(quality).sense.empty() || graph.word(quality).variable.empty()) continue;
+    if (!graph.children(quality).empty() || graph.mentions(quality) > 1) continue;
+    attribute_add(graph.word(quality), "@res");
+    if (graph.child(at, "ARG2") < 0) graph.arc(led).role = "ARG2";
+  }
+}
+
+// "He left the door open", "she left him waiting": the new state is that of the object.
+// (l / leave-13 :ARG0 h :ARG1 (o / open-09 :ARG1 d)) becomes leave with d as ARG1 and open as ARG2, of which control
+// knows the subject.
+void left_apply(Rewriter& graph, int at) {
+  const bool is_leaving = graph.is(at, "leave", "13") || graph.is(at, "keep", "02");
+  const int led = is_leaving && graph.child(at, "ARG2") < 0 ? graph.child(at, "ARG1") : -1;
+  if (led < 0) return;
+  const int state = graph.arc(led).to;
+  const int own = subject_arc(graph, state);
+  const int agent = graph.argument(at, "ARG0");
+  if (own < 0 || graph.parent(state) != led || (graph.word(state).sense.empty() && graph.arc(own).role != "domain"))
+    return;
+  const int who = graph.arc(own).to;
+  if ((agent >= 0 && graph.other(agent, at) == who) || graph.child(state, "op1") >= 0) return;
+  graph.arc(led).role = "ARG2";
+  if (graph.arc(own).role == "domain") {
+    graph.replace(own, at, who, "ARG1");
+    attribute_add(graph.word(state), "@res");
+    return;
+  }
+  graph.add(at, who, "ARG1");
+}
+
 // What somebody becomes or is called is one of a kind: "she became a doctor", "they became doctors".
 // (b / become-01 :ARG1 s :ARG2 (d / doctor)), (c / call-01 :ARG1 h :ARG2 (f / fool)).
 void become_apply(Rewriter& graph, int at) {
@@ -804,6 +844,8 @@ void step_predicates(Meaning& meaning) {
     seeming_apply(graph, at);
     becoming_apply(graph, at);
     become_apply(graph, at);
+    resulting_apply(graph, at);
+    left_apply(graph, at);
     judged_apply(graph, at);
     feeling_of_apply(graph, at);
     source_apply(graph, at);

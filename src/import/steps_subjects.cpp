@@ -132,21 +132,6 @@ void told_apply(Rewriter& graph, int at) {
   attribute_add(graph.word(at), "@bid");
 }
 
-// "Everyone began to talk when the music stopped": when something begins stands behind what begins.
-void phase_apply(Rewriter& graph, int at) {
-  constexpr std::array kPhases{"begin", "start", "continue", "cease", "stop", "try", "manage"};
-  const int led = is_event(graph, at) && is_one_of(graph, at, kPhases) ? graph.child(at, "ARG1") : -1;
-  if (led < 0 || !is_event(graph, graph.arc(led).to) || graph.parent(graph.arc(led).to) != led) return;
-  const int done = graph.arc(led).to;
-  if (has_attribute(graph.word(done), "@agent") || graph.child(done, "ARG0") < 0) return;
-  for (const int below : graph.children(at)) {
-    const Arc& one = graph.arc(below);
-    constexpr std::array kCircumstances{"time", "temporal", "location", "place"};
-    const bool is_phrase = !graph.children(one.to).empty() && !is_clause(graph, one.to);
-    if (!one.inverse && is_listed(one.role, kCircumstances) && is_phrase) graph.lead_from(below, done);
-  }
-}
-
 // What says once more who does it goes.
 void subject_once_apply(Rewriter& graph, int at) {
   // "The law requires the owner to pay", and not of the owner: what is required is his.
@@ -175,6 +160,10 @@ void subject_once_apply(Rewriter& graph, int at) {
     graph.lead_to(price, who);
     std::swap(graph.arc(buyer).triple, graph.arc(price).triple);
   }
+  // "They suspect him of theft": whom they suspect is the object.
+  const int suspected = graph.is(at, "suspect", "01") ? graph.child(at, "ARG2") : -1;
+  const int crime = suspected < 0 ? -1 : graph.child(at, "ARG1");
+  if (crime >= 0) std::swap(graph.arc(suspected).role, graph.arc(crime).role);
   // "She heard that he sang", and not of him that he sang.
   constexpr std::array kLearning{"hear", "know", "learn", "read", "think", "believe", "expect", "find-out", "discover"};
   const int content = is_one_of(graph, at, kLearning) ? graph.child(at, "ARG1") : -1;
@@ -616,7 +605,6 @@ void step_control(Meaning& meaning) {
   Rewriter graph(meaning, "control");
   for (int at = 0, end = graph.count(); at < end; ++at) {
     copular_apply(graph, at);
-    phase_apply(graph, at);
     told_apply(graph, at);
     raise_apply(graph, at);
   }

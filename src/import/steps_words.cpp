@@ -511,9 +511,16 @@ void determiners_apply(Rewriter& graph) {
     // "All the time".
     const bool is_several = is_listed(name, kSeveral) && !is_uncounted(graph.word(one.from).name);
     const bool is_all_that = graph.is(one.from, "that") || graph.is(one.from, "this");
+    // "All night".
+    constexpr std::array kSpans{"day",  "night", "morning", "afternoon", "evening", "week",
+                                "year", "month", "summer",  "winter",    "spring",  "autumn"};
+    const int span = name == "all" && is_listed(graph.word(one.from).name, kSpans) ? graph.parent(one.from) : -1;
+    const bool is_span = span >= 0 && (graph.arc(span).role == "duration" || graph.arc(span).role == "time") &&
+                         !has_attribute(graph.word(one.from), "@pl");
+    if (is_span) attribute_add(graph.word(one.from), "@sg");
     // The noun of an event below "other" is several, too: "from all other attempts".
     if (is_several && !is_all_that && !is_uncounted(graph.word(one.from).name) &&
-        (graph.word(one.from).sense.empty() || is_moved))
+        (graph.word(one.from).sense.empty() || is_moved) && !is_span)
       attribute_add(graph.word(one.from), "@pl");
   }
 }
