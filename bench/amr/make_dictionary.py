@@ -512,7 +512,8 @@ class Writer:
         # "Lives" is mostly a verb.
         if re.sub("(e?s|ies)$", "", many) + "e" in self.sources.verbs - {lemma.lower()}:
             return False
-        return counts[many] > 2 and counts[many] > 0.3 * counts[lemma.lower()]
+        seen = self.sources.text.articles[lemma.lower()]
+        return counts[many] > 2 and counts[many] > 0.3 * counts[lemma.lower()] or seen["a"] > 2 and seen["a"] > 2 * seen["bare"]
 
     def noun(self, lemma, concept, more=""):
         written, file, _ = self.sources.nouns.get(lemma.lower(), (lemma, 0, 0))

@@ -227,15 +227,28 @@ void quality_alike(Rewriter& graph, int head, int before, int part) {
   if (!is_verb) attribute_add(graph.word(part), "@alike");
 }
 
+// True for a clause that asks for one of those in it.
+bool has_unknown(Rewriter& graph, int clause) {
+  const std::vector<int> below = graph.children(clause);
+  return std::any_of(below.begin(), below.end(), [&](int led) { return is_unknown(graph, graph.arc(led).to); });
+}
+
 // Each part is tied to the one before. `joined_by` is what stands in front of it, and a subject that is that of the
 // first clause becomes :shared: "she came and sang". Returns the last part.
 int parts_tied(Rewriter& graph, int at, const std::vector<int>& parts, const Conjunction& conjunction) {
   const int head = graph.arc(parts[0]).to;
+  const int led_here = graph.parent(at);
   int last = chain_end(graph, head);
   int listed = -1;
   bool is_one_verb = true;
   for (std::size_t i = 1; i < parts.size(); ++i) {
     const int part = graph.arc(parts[i]).to;
+    // "She did not say who left, or whether it rained".
+    const bool is_reported = led_here >= 0 && is_one_of(graph, graph.arc(led_here).from, kReporting);
+    if (is_reported && has_attribute(graph.word(part), "@int") && has_unknown(graph, head)) {
+      std::erase(graph.word(part).attributes, "@int");
+      attribute_add(graph.word(part), "@whether");
+    }
     // A question behind what is none is a sentence of its own: "Look. Do you see it?"
     const bool is_asked = has_attribute(graph.word(part), "@int") && !has_attribute(graph.word(head), "@int");
     const char* joined_by = is_asked ? "@snt" : graph.is(part, "et-cetera") ? "@etc" : conjunction.attribute;

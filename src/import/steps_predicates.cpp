@@ -678,8 +678,11 @@ void behind_noun_apply(Rewriter& graph, int led) {
   }
 }
 
-// The place of a quality among several in front of a noun, "a big old red hat": size, age, colour; 0 for others.
+// The place of a quality among several in front of a noun, "a big old red hat": size, age, colour; 0 for others. When
+// somebody held an office stands before all, and its rank before its kind: "the former chief executive officer".
 int quality_rank(const std::string& name) {
+  if (name == "former" || name == "current" || name == "late") return -2;
+  if (name == "chief" || name == "deputy" || name == "vice" || name == "senior") return -1;
   constexpr std::array kSizes{"big",  "small", "large", "tiny", "huge",     "long",  "short",
                               "tall", "high",  "low",   "wide", "enormous", "thick", "thin"};
   constexpr std::array kAges{"old", "new", "young", "ancient", "modern"};
@@ -694,8 +697,15 @@ void qualities_apply(Rewriter& graph, int at) {
   for (const int led : graph.children(at)) {
     const int quality = graph.arc(led).to;
     const bool is_plain = graph.arc(led).role == "mod" && !graph.arc(led).inverse && graph.word(quality).sense.empty();
-    if (is_plain && quality_rank(graph.word(quality).name) > 0) ranked.push_back(led);
+    // "The best chance", of an event that is a noun, too.
+    if (graph.arc(led).inverse && graph.arc(led).role == "ARG1" && has_attribute(graph.word(quality), "@most") &&
+        is_event(graph, at))
+      attribute_add(graph.word(at), "@def");
+    if (is_plain) ranked.push_back(led);
   }
+  const bool is_office = std::any_of(ranked.begin(), ranked.end(),
+                                     [&](int led) { return quality_rank(graph.word(graph.arc(led).to).name) < 0; });
+  if (!is_office) std::erase_if(ranked, [&](int led) { return quality_rank(graph.word(graph.arc(led).to).name) == 0; });
   const auto rank = [&](int led) { return quality_rank(graph.word(graph.arc(led).to).name); };
   for (std::size_t i = 1; i < ranked.size(); ++i) {
     for (std::size_t j = i; j > 0 && rank(ranked[j - 1]) > rank(ranked[j]); --j)

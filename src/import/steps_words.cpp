@@ -557,6 +557,39 @@ void share_apply(Rewriter& graph, int led, int number) {
   if (!is_uncounted(whole.name)) attribute_add(graph.word(noun), "@pl");
 }
 
+// "A growing number of doctors": a participle of what counts them stands in front of it.
+void growing_apply(Rewriter& graph, int led) {
+  constexpr std::array kCounts{"number", "amount", "share", "proportion", "part", "majority", "minority"};
+  const int count = graph.arc(led).to;
+  if (!is_one_of(graph, count, kCounts) || !graph.word(count).sense.empty()) return;
+  const int noun = graph.arc(led).from;
+  if (!is_uncounted(graph.word(noun).name) && graph.word(noun).sense.empty()) attribute_add(graph.word(noun), "@pl");
+  for (const int one : graph.children(count)) {
+    const int frame = graph.arc(one).to;
+    constexpr std::array kMoving{"grow", "increase", "rise", "shrink", "decline", "decrease", "dwindle", "overwhelm"};
+    if (!graph.arc(one).inverse || !is_one_of(graph, frame, kMoving) || !graph.children(frame).empty()) continue;
+    graph.replace(one, count, frame, "mod");
+    attribute_add(graph.word(frame), "@ger");
+  }
+}
+
+// "It fell by a third", "by up to 40 percent": how much something changes.
+void change_apply(Rewriter& graph, int at) {
+  constexpr std::array kChanging{"rise",   "fall",  "drop",    "increase", "decrease", "reduce",
+                                 "cut",    "grow",  "decline", "lower",    "raise",    "expand",
+                                 "shrink", "climb", "jump",    "soar",     "plunge",   "slip"};
+  const int led = is_one_of(graph, at, kChanging) && !graph.word(at).sense.empty() ? graph.child(at, "ARG2") : -1;
+  if (led < 0) return;
+  Concept& extent = graph.word(graph.arc(led).to);
+  const int within = graph.child(graph.arc(led).to, "op1");
+  const bool is_range = within >= 0 && has_attribute(graph.word(graph.arc(within).to), "@measure");
+  const bool is_part = extent.sense.empty() && !extent.variable.empty() && is_share(extent.name);
+  if (!is_range && !is_part) return;
+  if (is_part && extent.name != "half" && extent.name.find(' ') == std::string::npos) extent.name = "a " + extent.name;
+  graph.arc(led).role = "circumstance";
+  attribute_add(extent, "@p_by");
+}
+
 // Numbers other than one go with a plural, and words that say how many.
 // (s / star :quant 3) has @pl, (s / star :quant 1) @sg. A frame that a bank gives instead of a number, "how many
 // stars", counts as many.
@@ -566,8 +599,9 @@ void counted_apply(Rewriter& graph) {
   for (int led = 0; led < static_cast<int>(graph.meaning().arcs.size()); ++led) {
     const Arc& one = graph.arc(led);
     if (one.gone || one.inverse || one.role != "quant") continue;
-    // "Only four": the number stands below the word that restricts it.
-    const int inner = graph.child(one.to, "op1");
+    // "Only four": the number stands below the word that restricts it. "One or two": the last one counts.
+    const std::vector<int> counts = graph.is(one.to, "or") ? graph.numbered(one.to, {"op"}) : std::vector<int>{};
+    const int inner = counts.empty() ? graph.child(one.to, "op1") : counts.back();
     const Concept& number = graph.word(inner >= 0 ? graph.arc(inner).to : one.to);
     const bool is_plain = number.sense.empty() && is_number(number.name);
     const bool is_lot =
@@ -588,6 +622,7 @@ void counted_apply(Rewriter& graph) {
     const bool is_many = is_lot || is_more || is_percentage || is_some || (is_listed(number.name, kMany) && !is_amount);
     if (is_plain || is_many) attribute_add(graph.word(one.from), number.name == "1" ? "@sg" : "@pl");
     share_apply(graph, led, inner >= 0 ? graph.arc(inner).to : one.to);
+    growing_apply(graph, led);
   }
 }
 
@@ -617,6 +652,7 @@ void step_quantities(Meaning& meaning) {
     restricted_unit_apply(graph, at);
     multiple_apply(graph, at);
     few_apply(graph, at);
+    change_apply(graph, at);
     others_apply(graph, at);
     some_day_apply(graph, at);
   }
