@@ -482,6 +482,25 @@ void body_apply(Rewriter& graph, int at) {
   }
 }
 
+// "A truck driver": what such people always drive, make or sell stands in front of their noun.
+void kind_of_doer(Rewriter& graph, int frame) {
+  constexpr std::array kKinds{"drive",  "make",    "sell",  "collect", "own",     "build",   "keep",
+                              "repair", "clean",   "buy",   "train",   "hunt",    "breed",   "grow",
+                              "import", "export",  "fight", "throw",   "play",    "ride",    "eat",
+                              "drink",  "design",  "trade", "bake",    "pick",    "carry",   "mine",
+                              "rob",    "smuggle", "lend",  "produce", "operate", "process", "provide"};
+  const int led = is_one_of(graph, frame, kKinds) ? graph.child(frame, "ARG1") : -1;
+  const int what = led < 0 ? -1 : graph.arc(led).to;
+  if (what < 0 || !graph.children(what).empty() || graph.mentions(what) != 1 || graph.child(frame, "mod") >= 0) return;
+  Concept& word = graph.word(what);
+  const bool is_noun = word.sense.empty() && !word.variable.empty() && !has_attribute(word, "@name") &&
+                       !is_personal_pronoun(graph, what) && !is_one_of(graph, what, kDemonstratives) &&
+                       !is_unknown(graph, what) && word.name != "thing" && word.name != "one" && word.name != "person";
+  if (!is_noun) return;
+  graph.arc(led).role = "mod";
+  for (const char* mark : {"@pl", "@sg"}) std::erase(word.attributes, mark);
+}
+
 // "A private insurer": a firm is called by what it does, too.
 bool is_firm_of(Rewriter& graph, int at, int frame) {
   constexpr std::array kTrades{"provide", "lend",    "produce", "manufacture", "publish", "supply", "sponsor",
@@ -872,6 +891,7 @@ void step_persons(Meaning& meaning) {
     // "She is a driver", one of several.
     const bool is_told = graph.child(at, "domain") >= 0 && below.empty();
     if (is_told && !is_singled_out(graph, at)) attribute_add(graph.word(frame), "@indef");
+    kind_of_doer(graph, frame);
     frame_stand_in(graph, at, led, "@agent");
   }
 }
@@ -1929,6 +1949,21 @@ void clause_judged_apply(Rewriter& graph, int at) {
   const int told = led >= 0 ? graph.arc(led).to : -1;
   if (told < 0 || graph.parent(told) != led) return;
   if (!is_event(graph, told) || subject_arc(graph, told) < 0 || has_attribute(graph.word(told), "@nom")) return;
+  // "Her travels are a long story", but "it is a pity that she travels": most nouns judge no clause.
+  constexpr std::array kJudging{
+      "pity",      "shame",       "fact",      "wonder",   "surprise", "luck",     "miracle",  "tragedy",  "lie",
+      "truth",     "secret",      "mistake",   "problem",  "rule",     "duty",     "disgrace", "honor",    "pleasure",
+      "relief",    "joy",         "crime",     "sin",      "scandal",  "job",      "task",     "goal",     "idea",
+      "habit",     "way",         "time",      "reason",   "accident", "thing",    "sign",     "law",      "right",
+      "work",      "role",        "business",  "good",     "dream",    "wish",     "hope",     "chance",   "matter",
+      "tradition", "custom",      "proof",     "question", "case",     "nonsense", "concern",  "disaster", "success",
+      "failure",   "point",       "purpose",   "aim",      "ambition", "pastime",  "hobby",    "result",   "news",
+      "comfort",   "consolation", "beginning", "end",      "part",     "kind",     "nuisance"};
+  const bool is_deed_of = graph.child(told, "ARG0") >= 0 && graph.child(told, "ARG1") < 0 &&
+                          is_plain_deed(graph, told) && graph.word(at).sense.empty() &&
+                          !graph.word(at).variable.empty() && graph.child(at, "poss") < 0;
+  const bool is_noun = graph.child(at, "mod") >= 0 || graph.child(at, "topic") >= 0;
+  if (is_deed_of && is_noun && !is_one_of(graph, at, kJudging)) return attribute_add(graph.word(told), "@nom");
   if (graph.child(at, "consequence") < 0) attribute_add(graph.word(at), "@xdom");
   // "It is her duty to wait": whose it is has been named.
   const int owner = graph.child(at, "poss");

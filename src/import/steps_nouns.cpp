@@ -415,6 +415,42 @@ void perceived_noun_apply(Rewriter& graph, int at) {
   if (sources == 1) event_to_noun(graph, at);
 }
 
+// (c / control-01 :ARG1 (p / pest)): "pest control", where nobody in particular controls it.
+void kind_of_deed(Rewriter& graph, int at) {
+  constexpr std::array kDeeds{"control", "protect", "create",  "manage",  "conserve", "consume",   "insure", "enforce",
+                              "prevent", "detect",  "pollute", "traffic", "smuggle",  "transport", "reform"};
+  const bool is_deed = is_one_of(graph, at, kDeeds) || graph.is(at, "care", "03");
+  constexpr std::array kMarks{"@v", "@nom", "@whose", "@and", "@or"};
+  const std::vector<std::string>& marks = graph.word(at).attributes;
+  const bool is_plain =
+      is_event(graph, at) && graph.mentions(at) == 1 &&
+      std::all_of(marks.begin(), marks.end(), [&](const auto& one) { return is_listed(one, kMarks); });
+  const int above = is_deed && is_plain ? graph.parent(at) : -1;
+  const int joined = graph.child(at, "conjunct");
+  if (above < 0 || graph.arc(above).inverse || graph.children(at).size() != (joined < 0 ? 1U : 2U)) return;
+  const std::string& role = graph.arc(above).role;
+  const int governor = graph.arc(above).from;
+  constexpr std::array kActing{"want",    "try",     "begin",    "start",  "help",   "need",   "stop",   "fail",
+                               "promise", "like",    "continue", "allow",  "let",    "make",   "permit", "force",
+                               "order",   "tell",    "ask",      "teach",  "learn",  "decide", "plan",   "able",
+                               "capable", "attempt", "refuse",   "manage", "intend", "hope",   "have",   "use"};
+  const bool is_listed_noun =
+      role == "conjunct" && (graph.word(governor).sense.empty() || has_attribute(graph.word(governor), "@nom"));
+  const bool is_part =
+      is_listed_noun || role.starts_with("op") || role.starts_with("ARG") || role == "topic" || role == "domain";
+  if (!is_part || is_one_of(graph, governor, kActing) || has_attribute(graph.word(at), "@agent")) return;
+  const int led = graph.child(at, "ARG1");
+  const int what = led < 0 ? -1 : graph.arc(led).to;
+  if (what < 0 || !graph.children(what).empty() || graph.mentions(what) != 1) return;
+  const Concept& word = graph.word(what);
+  if (!word.sense.empty() || word.variable.empty() || !word.attributes.empty() || is_personal_pronoun(graph, what) ||
+      word.name == "thing" || word.name == "person" || is_one_of(graph, what, kDemonstratives))
+    return;
+  attribute_add(graph.word(at), "@nom");
+  attribute_add(graph.word(at), "@noart");
+  graph.arc(led).role = "mod";
+}
+
 // "He nodded with some doubt": so much of an act is no way to do it.
 void manner_amount_apply(Rewriter& graph, int at) {
   constexpr std::array kAmounts{"some", "much", "little", "great", "lot", "any", "certain", "considerable", "more"};
@@ -615,6 +651,7 @@ void step_nouns(Meaning& meaning) {
     favorite_apply(graph, at);
     perceived_noun_apply(graph, at);
     manner_amount_apply(graph, at);
+    kind_of_deed(graph, at);
     group_members_apply(graph, at);
     made_apply(graph, at);
     material_apply(graph, at);
