@@ -545,15 +545,18 @@ void share_apply(Rewriter& graph, int led, int number) {
   const bool is_owned = graph.child(noun, "poss") >= 0;
   constexpr std::array kBefore{"all", "both"};
   if (is_owned && is_listed(share.name, kBefore)) graph.arc(led).role = "mod";
-  const bool is_most = is_owned && share.name == "most";
+  const int pointing = graph.child(noun, "mod");
+  const bool is_pointed = pointing >= 0 && is_one_of(graph, graph.arc(pointing).to, kDemonstratives);
+  // "Many of those sailors".
+  constexpr std::array kPicked{"most", "lot", "many", "some"};
+  const bool is_most = (is_owned && share.name == "most") || (is_pointed && is_listed(share.name, kPicked));
   if (!is_most && !is_share(share.name)) return;
+  if (share.name == "lot") share.name = "a lot";
   if (!is_most && share.name != "half" && share.name.find(' ') == std::string::npos)
     share.name = (share.name == "eighth" ? "an " : "a ") + share.name;
   attribute_add(graph.word(noun), "@part");
   if (is_owned || has_attribute(whole, "@name")) return;
-  const int pointing = graph.child(noun, "mod");
-  if (pointing < 0 || !is_one_of(graph, graph.arc(pointing).to, kDemonstratives))
-    attribute_add(graph.word(noun), "@def");
+  if (!is_pointed) attribute_add(graph.word(noun), "@def");
   if (!is_uncounted(whole.name)) attribute_add(graph.word(noun), "@pl");
 }
 
@@ -739,6 +742,9 @@ void idiom_apply(Rewriter& graph, int at) {
                               "start",  "rest",   "beginning", "half", "corner", "outskirts"};
   const int parted = is_one_of(graph, at, kParts) && graph.word(at).sense.empty() ? graph.child(at, "op1") : -1;
   if (parted >= 0 && graph.child(at, "op2") < 0) graph.arc(parted).role = "part-of";
+  // "He came later": what is nothing's after.
+  const int when = graph.is(at, "after") && graph.children(at).empty() ? graph.parent(at) : -1;
+  if (when >= 0 && graph.arc(when).role == "time" && !graph.arc(when).inverse) graph.word(at).name = "later";
   // "Alone in the darkness": a place is no quality.
   const int within_it = graph.is(at, "dark") && graph.children(at).empty() ? graph.parent(at) : -1;
   if (within_it >= 0 && graph.arc(within_it).role == "location") graph.word(at).name = "darkness";
