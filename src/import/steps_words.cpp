@@ -576,6 +576,17 @@ void growing_apply(Rewriter& graph, int led) {
   }
 }
 
+// "Elected to the council", but "elected mayor".
+void elected_apply(Rewriter& graph, int at) {
+  const int led = graph.is(at, "elect", "01") ? graph.child(at, "ARG2") : -1;
+  constexpr std::array kBodies{"parliament", "congress",  "senate", "council",     "assembly",
+                               "board",      "committee", "house",  "legislature", "government-organization"};
+  if (led < 0 || graph.arc(led).inverse) return;
+  const int body = graph.arc(led).to;
+  if (is_one_of(graph, body, kBodies) || has_attribute(graph.word(body), "@government-organization"))
+    graph.arc(led).role = "destination";
+}
+
 // "It fell by a third", "by up to 40 percent": how much something changes.
 void change_apply(Rewriter& graph, int at) {
   constexpr std::array kChanging{"rise",   "fall",  "drop",    "increase", "decrease", "reduce",
@@ -656,6 +667,7 @@ void step_quantities(Meaning& meaning) {
     multiple_apply(graph, at);
     few_apply(graph, at);
     change_apply(graph, at);
+    elected_apply(graph, at);
     others_apply(graph, at);
     some_day_apply(graph, at);
   }
