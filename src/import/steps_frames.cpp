@@ -661,6 +661,14 @@ void object_order_apply(Rewriter& graph, int at) {
       graph.replace(place, graph.arc(term).to, graph.arc(place).to, "location");
     graph.arc(term).role = "ARG2";
   }
+  // "They suspect him of theft", "who was suspected of theft": whom they suspect is the object.
+  const int suspected = graph.is(at, "suspect", "01") ? graph.argument(at, "ARG2") : -1;
+  const int crime = suspected < 0 ? -1 : graph.argument(at, "ARG1");
+  if (suspected >= 0) graph.arc(suspected).role = "ARG1";
+  if (crime >= 0) graph.arc(crime).role = "ARG2";
+  // "She played the violin": where no piece is named, the instrument is the object.
+  const int instrument = graph.is(at, "play", "11") && graph.child(at, "ARG1") < 0 ? graph.child(at, "ARG2") : -1;
+  if (instrument >= 0) graph.arc(instrument).role = "ARG1";
   if (!graph.is(at, "spend", "01")) return;
   const int seller = graph.argument(at, "ARG2");
   const int what = graph.argument(at, "ARG1");

@@ -160,10 +160,6 @@ void subject_once_apply(Rewriter& graph, int at) {
     graph.lead_to(price, who);
     std::swap(graph.arc(buyer).triple, graph.arc(price).triple);
   }
-  // "They suspect him of theft": whom they suspect is the object.
-  const int suspected = graph.is(at, "suspect", "01") ? graph.child(at, "ARG2") : -1;
-  const int crime = suspected < 0 ? -1 : graph.child(at, "ARG1");
-  if (crime >= 0) std::swap(graph.arc(suspected).role, graph.arc(crime).role);
   // "She heard that he sang", and not of him that he sang.
   constexpr std::array kLearning{"hear", "know", "learn", "read", "think", "believe", "expect", "find-out", "discover"};
   const int content = is_one_of(graph, at, kLearning) ? graph.child(at, "ARG1") : -1;
