@@ -720,7 +720,8 @@ void noun_content(Rewriter& graph, int at) {
   const bool is_open =
       std::any_of(below.begin(), below.end(), [&](int one) { return is_unknown(graph, graph.arc(one).to); });
   const bool is_clear = is_open || graph.child(told, "ARG0") >= 0 || has_attribute(graph.word(told), "@whether") ||
-                        has_attribute(graph.word(told), "@int") || !is_one_of(graph, at, kOfNouns);
+                        has_attribute(graph.word(told), "@neg") || has_attribute(graph.word(told), "@int") ||
+                        !is_one_of(graph, at, kOfNouns);
   const bool is_event_of = is_event(graph, told) && graph.mentions(told) == 1 && subject_arc(graph, told) >= 0;
   const bool is_told = (is_event_of && is_clear) || graph.child(told, "domain") >= 0;
   if (!is_told) return;
