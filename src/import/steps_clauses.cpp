@@ -240,7 +240,7 @@ bool is_any_of_its_kind(Rewriter& graph, int at) {
   const Concept& word = graph.word(at);
   // They stand without an article, and so without "no".
   constexpr std::array kStandingAlone{"this",      "that",   "one", "anything", "nothing",
-                                      "something", "anyone", "all", "any"};
+                                      "something", "anyone", "all", "any", "both", "half", "none"};
   if (!word.sense.empty() || word.variable.empty() || has_attribute(word, "@name") || is_unknown(graph, at))
     return false;
   if (is_personal_pronoun(graph, at) || is_one_of(graph, at, kStandingAlone)) return false;
@@ -1984,8 +1984,10 @@ void there_apply(Rewriter& graph, int at) {
   const int led = is_being ? graph.child(at, "ARG1") : -1;
   if (led < 0) return;
   const Concept& thing = graph.word(graph.arc(led).to);
+  // "Where your two shoes are": what is somebody's is known.
+  const bool is_known = graph.child(graph.arc(led).to, "poss") >= 0 || has_attribute(graph.word(at), "@query");
   const bool is_new = graph.child(graph.arc(led).to, "quant") >= 0 || has_attribute(thing, "@indef");
-  if (is_new) attribute_add(graph.word(at), has_attribute(thing, "@pl") ? "@theres" : "@there");
+  if (is_new && !is_known) attribute_add(graph.word(at), has_attribute(thing, "@pl") ? "@theres" : "@there");
 }
 
 }  // namespace

@@ -966,6 +966,16 @@ void sets_apply(Rewriter& graph) {
     graph.stand_in(at, quantity, Fate::word);
   }
   wholes_apply(graph);
+  // "All of us sing".
+  for (int at = 0, end = graph.count(); at < end; ++at) {
+    const int all = is_one_of(graph, at, std::array{"we", "you", "they"}) ? graph.child(at, "mod") : -1;
+    const int above = graph.parent(at);
+    const bool is_plain = all >= 0 && above >= 0 && graph.mentions(at) == 1 && graph.is(graph.arc(all).to, "all");
+    if (!is_plain || !graph.arc(above).role.starts_with("ARG") || graph.arc(above).inverse) continue;
+    graph.redirect(at, graph.arc(all).to);
+    attribute_add(graph.word(graph.arc(all).to), "@pl");
+    graph.replace(all, graph.arc(all).to, at, "superset");
+  }
 }
 
 }  // namespace

@@ -107,8 +107,13 @@ void speaker_behind(Rewriter& graph, int at, int who, int whom) {
                         !has_attribute(graph.word(at), "@int") && !has_attribute(graph.word(at), "@can");
   // "..., the girl asked the driver": turned round, two nouns would stand side by side.
   constexpr std::array kBareHearer{"ask", "tell", "answer", "warn", "interrupt"};
+  // "..., the men who rowed us grumbled": between the verb and its end nothing long may stand.
+  const std::vector<int> told = graph.children(subject);
+  const bool is_heavy = std::any_of(told.begin(), told.end(), [&](int led) {
+    return graph.arc(led).inverse && !graph.children(graph.arc(led).to).empty();
+  });
   const bool is_beside_hearer = whom >= 0 && is_one_of(graph, at, kBareHearer);
-  if (!is_plain || is_pronoun || is_beside_hearer) return;
+  if (!is_plain || is_pronoun || is_beside_hearer || is_heavy) return;
   graph.arc(who).role = "speaker";
   const int office = graph.child(subject, "apposition");
   if (office >= 0) std::erase(graph.word(graph.arc(office).to).attributes, "@closed");
