@@ -139,7 +139,7 @@ NO_NOUNS = set("make leave build kill hold raise face head fire hand mind matter
 BUILT = {
     "grateful(>01)": "p1to p2for", "thankful(>02)": "p1to p2for", "innocent(>01)": "p2of",
     "responsible(>01)": "GER1",
-    "answer(>01)": "p2with", "capable(>01)": "p2of PG2", "attend(>02)": "p1to", "comment(>01)": "p3on",
+    "answer(>01)": "p2with", "capable(>01)": "p2of PG2", "sick(>04)": "p2of PG2", "attend(>02)": "p1to", "comment(>01)": "p3on",
     "ask(>02)": "p1for", "grateful(>01)": "p1to p2for GER2", "reluctant(>01)": "INF1", "hesitant(>01)": "INF1", "unwilling(>01)": "INF1", "dress(>01)": "p2in", "come(>01)": "p3from p4to", "draw(>01)": "p2for", "excuse(>01)": "p2for GER2", "leave(>17)": "POSTN",
     "question(>01)": "p1about", "policy(>01)": "p2on", "remain(>01)": "GER3", "speak(>01)": "p1about p2to", "split(>01)": "p2into",
     "sit-down(>02)": "p2on", "do(>02)": "p2to", "go-back(>19)": "p2to",
@@ -197,6 +197,8 @@ ABOUT_NOUNS = set("information news story book article bullshit nonsense joke ru
                   "opinion view truth fact data documentary lesson lecture conversation discussion debate secret detail thing "
                   "something anything nothing everything speech talk paper essay research argument rumour video program post "
                   "comment letter email survey poll lie myth fuss law question report remark statement complaint concern worry doubt".split())
+# Verbs that differ by their sense alone.
+SENSE_FORMS = {"lie(>08)": {"PAST": "lied", "PTCP": "lied"}, "lie(>07)": {"PTCP": "lain"}, "lie-down(>09)": {"PTCP": "lain"}}
 # Of several forms of the past the one for a verb, where the examples have other words that look the same.
 STRONG = {"bear": "bore borne", "drink": "drank drunk", "sink": "sank sunk", "clothe": "clothed clothed", "melt": "melted melted",
           "tread": "trod trodden", "forbid": "forbade forbidden", "shine": "shone shone", "be": "was been", "abide": "abided abided", "pen": "penned penned"}
@@ -465,7 +467,7 @@ class Sources:
         return found or next((adjective + end for end in ("ty", "ity")
                              if len(adjective) > 3 and adjective + end in self.nouns), None)
 
-    def verb_forms(self, lemma):
+    def verb_forms(self, lemma, concept=""):
         first, *rest = lemma.split(" ")
         forms = verb_rule(first)
         for tag, known in self.forms.get(first, {}).items():
@@ -474,6 +476,7 @@ class Sources:
             forms[tag] = max(known or [forms[tag]], key=lambda form: (self.form_weight(first, tag, form), form == forms[tag]))
         if first in STRONG:
             forms["PAST"], forms["PTCP"] = STRONG[first].split()
+        forms.update(SENSE_FORMS.get(concept, {}))
         tail = "".join(" " + word for word in rest)
         return {tag: form + tail for tag, form in forms.items()}
 
@@ -492,7 +495,7 @@ class Writer:
 
     def verb(self, lemma, concept, more=""):
         first, _, particle = lemma.partition(" ")
-        forms = self.sources.verb_forms(first if particle in PARTICLES else lemma)
+        forms = self.sources.verb_forms(first if particle in PARTICLES else lemma, concept)
         if particle in PARTICLES:
             more += f",ZP,Z{particle}"
         # The spelling rules put the "s" of the present behind the last word.
@@ -501,6 +504,10 @@ class Writer:
         third = forms["S"]
         ending = ",YS" if third.endswith("ies") else ",ES" if third.endswith("es") and not forms["BASE"].endswith("e") else ""
         for tag in ("BASE", "PAST", "PTCP", "ING"):
+            # "More boring": people use it as an adjective, where "walking" is what somebody does.
+            if tag == "ING" and self.sources.tagged[forms[tag], "3"] > 1:
+                self.entry(forms[tag], concept, f"V,ING,QING{vowel(forms[tag])}{more}")
+                continue
             before = ending if tag == "BASE" else vowel(forms[tag]) if tag in ("PTCP", "ING") else ""
             self.entry(forms[tag], concept, f"V,{tag}{before}{more}")
         self.entry(third, concept, f"V,THIRD{more}")
@@ -601,7 +608,8 @@ def told_of_verb(concept, verb, built, seen, is_alone, shapes, senses):
         own.append("GER1")
     # "She accused him of lying", "they are used to waiting".
     second = {a[2:] for a in own if a.startswith("p2")}
-    if second & GERUND_PREPOSITIONS and "INF2" not in own or second and "GER2" in own:
+    is_bare = told is not None and "PG2-" in told
+    if not is_bare and (second & GERUND_PREPOSITIONS and "INF2" not in own or second and "GER2" in own):
         own.append("PG2")
     if about and verb in FACT_VERBS and "THAT1" not in own:
         own.append("FACT1")

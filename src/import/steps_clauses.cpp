@@ -1128,6 +1128,23 @@ bool is_told_of_another(Rewriter& graph, int at) {
   return is_listed(graph.arc(led).role, kSameTime);
 }
 
+// (w / wait-01 :ARG0 i :condition (y / you :domain i)): if I was you, I would wait.
+void tense_of_unreal(Rewriter& graph, int at) {
+  const int led = graph.child(at, "condition");
+  const int unreal = led < 0 ? -1 : graph.arc(led).to;
+  const int who = unreal < 0 ? -1 : graph.child(unreal, "domain");
+  if (who < 0 || !is_personal_pronoun(graph, unreal) || !is_personal_pronoun(graph, graph.arc(who).to)) return;
+  if (is_tensed(graph, unreal) || is_tensed(graph, at)) return;
+  attribute_add(graph.word(unreal), "@past");
+  int part = at;
+  for (int steps = graph.count(); steps > 0; --steps) {
+    if (!is_tensed(graph, part) && !has_attribute(graph.word(part), "@can")) attribute_add(graph.word(part), "@would");
+    const int joined = graph.child(part, "conjunct");
+    if (joined < 0) break;
+    part = graph.arc(joined).to;
+  }
+}
+
 // "You should eat before we leave", "Call me when he comes": what is bidden or will be is not past, nor is its time.
 void tense_of_coming(Rewriter& graph, int at) {
   const Concept& clause = graph.word(at);
@@ -1415,6 +1432,7 @@ void step_tense(Meaning& meaning) {
     const bool is_known = has_attribute(clause, "@past") || has_attribute(clause, "@pres") ||
                           has_attribute(clause, "@fut") || has_attribute(clause, "@imp") ||
                           !has_attribute(clause, "@v");
+    tense_of_unreal(graph, at);
     tense_of_coming(graph, at);
     tense_of_thanks(graph, at);
     const int subject = told_of(graph, at);

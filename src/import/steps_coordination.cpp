@@ -280,7 +280,8 @@ int parts_tied(Rewriter& graph, int at, const std::vector<int>& parts, const Con
                                       [&](const char* mark) { return has_attribute(graph.word(part), mark); });
     const bool is_consequence =
         conjunction.attribute == std::string_view("@and") || conjunction.attribute == std::string_view("@or");
-    if (is_open && has_attribute(graph.word(head), "@imp") && is_consequence) attribute_add(graph.word(part), "@fut");
+    const bool is_bidding = has_attribute(graph.word(head), "@imp") && !graph.is(head, "thank", "01");
+    if (is_open && is_bidding && is_consequence) attribute_add(graph.word(part), "@fut");
     if (is_shared && graph.arc(subject).role == "ARG1") attribute_add(graph.word(part), "@shr1");
     if (is_shared) graph.arc(subject).role = "shared";
     is_one_verb = is_one_verb && is_shared && takes_auxiliary(graph, at, head, part);

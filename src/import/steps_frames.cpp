@@ -294,24 +294,42 @@ void reason_apply(Rewriter& graph, int at) {
   attribute_add(graph.word(told), "@asked");
 }
 
+// True for what somebody knows, asks or is told.
+bool is_asked_for(Rewriter& graph, int at) {
+  const int asked = graph.parent(at);
+  return asked >= 0 && !graph.arc(asked).inverse && graph.arc(asked).role.starts_with("ARG") &&
+         is_one_of(graph, graph.arc(asked).from, kReporting) && graph.mentions(at) == 1;
+}
+
+// The clause that a thing has a role in takes its place, and asks for that role.
+void ask_for_role(Rewriter& graph, int at, int led, const char* role) {
+  const int told = graph.arc(led).to;
+  graph.settle_concept(at, Fate::word);
+  graph.remove(led, Fate::word);
+  graph.redirect(at, told);
+  graph.add(told, graph.add_concept("amr-unknown"), role);
+  attribute_add(graph.word(told), "@asked");
+}
+
+// (k / know-01 :ARG1 (l / location :location-of (l2 / live-01 :ARG0 s))): to know where she lives.
+void place_role_apply(Rewriter& graph, int at) {
+  const int led = graph.child(at, "location", true);
+  if (led < 0 || graph.children(at).size() != 1 || !is_asked_for(graph, at)) return;
+  const int told = graph.arc(led).to;
+  if (graph.word(told).sense.empty() || graph.mentions(told) > 1 || graph.children(told).empty()) return;
+  ask_for_role(graph, at, led, "location");
+}
+
 // (k / know-01 :ARG1 (t / thing :cause-of (l / leave-11 :ARG0 s))): the same without a frame.
 void reason_role_apply(Rewriter& graph, int at) {
   const int led =
       graph.child(at, "cause", true) >= 0 ? graph.child(at, "cause", true) : graph.child(at, "reason", true);
-  const int asked = led < 0 ? -1 : graph.parent(at);
-  const bool is_asked = asked >= 0 && !graph.arc(asked).inverse && graph.arc(asked).role.starts_with("ARG") &&
-                        is_one_of(graph, graph.arc(asked).from, kReporting) && graph.mentions(at) == 1;
   if (led < 0 || graph.children(at).size() != 1) return;
   const int told = graph.arc(led).to;
   if (graph.word(told).sense.empty() || graph.mentions(told) > 1) return;
   graph.arc(led).role = "cause";
   graph.word(at).name = "reason";
-  if (!is_asked) return;
-  graph.settle_concept(at, Fate::word);
-  graph.remove(led, Fate::word);
-  graph.redirect(at, told);
-  graph.add(told, graph.add_concept("amr-unknown"), "cause");
-  attribute_add(graph.word(told), "@asked");
+  if (is_asked_for(graph, at)) ask_for_role(graph, at, led, "cause");
 }
 
 // (r / regardless-91 :ARG1 c :ARG2 x): whatever x is; "no matter how", if x asks.
@@ -988,6 +1006,7 @@ void step_reified(Meaning& meaning) {
     if (graph.is(at, "have", "03")) having_apply(graph, at);
     if (graph.is(at, "cause", "01")) reason_apply(graph, at), cause_noun_apply(graph, at);
     if (graph.is(at, "thing") || graph.is(at, "reason")) reason_role_apply(graph, at);
+    if (graph.is(at, "location") || graph.is(at, "place")) place_role_apply(graph, at);
     if (graph.is(at, "regardless", "91")) regardless_apply(graph, at);
     if (graph.word(at).name == "resemble") same_noun_apply(graph, at);
     if (graph.is(at, "result", "01")) result_apply(graph, at);

@@ -621,6 +621,15 @@ void step_questions(Meaning& meaning) {
     const bool is_told = is_core(graph.arc(above)) && is_one_of(graph, graph.arc(above).from, kReporting);
     if (is_told) attribute_add(graph.word(at), "@whether");
   }
+  // "Why do you ask? Everybody knows it." The first sentence of several ends where the next begins.
+  const int next = meaning.root < 0 ? -1 : graph.child(meaning.root, "conjunct");
+  if (next < 0 || !has_attribute(graph.word(graph.arc(next).to), "@snt")) return;
+  const Concept& first = graph.word(meaning.root);
+  const bool is_asking =
+      has_attribute(first, "@ask") || has_attribute(first, "@asksub") || has_attribute(first, "@int");
+  if (!is_asking) return;
+  attribute_add(graph.word(graph.arc(next).to), "@after_int");
+  if (!has_attribute(first, "@ends_int")) attribute_add(graph.word(meaning.root), "@ends_stop");
 }
 
 }  // namespace lexon

@@ -518,9 +518,11 @@ void determiners_apply(Rewriter& graph) {
     const bool is_span = span >= 0 && (graph.arc(span).role == "duration" || graph.arc(span).role == "time") &&
                          !has_attribute(graph.word(one.from), "@pl");
     if (is_span) attribute_add(graph.word(one.from), "@sg");
+    // "Both the girl and her brother".
+    const bool is_both = name == "both" && graph.is(one.from, "and");
     // The noun of an event below "other" is several, too: "from all other attempts".
     if (is_several && !is_all_that && !is_uncounted(graph.word(one.from).name) &&
-        (graph.word(one.from).sense.empty() || is_moved) && !is_span)
+        (graph.word(one.from).sense.empty() || is_moved) && !is_span && !is_both)
       attribute_add(graph.word(one.from), "@pl");
   }
 }
@@ -626,7 +628,8 @@ void counted_apply(Rewriter& graph) {
                                  "question", "problem", "place",  "thing",   "word",  "idea"};
     const bool is_some = number.name == "some" && is_one_of(graph, one.from, kPeople);
     // "Most of the money was".
-    const bool is_amount = (number.name == "all" || number.name == "most") && is_uncounted(graph.word(one.from).name);
+    const bool is_amount = (number.name == "all" || number.name == "most" || number.name.ends_with("-unknown")) &&
+                           is_uncounted(graph.word(one.from).name);
     // "More books".
     const bool is_more = number.name == "more" && inner < 0 && graph.word(one.from).sense.empty() &&
                          !is_uncounted(graph.word(one.from).name) && !has_attribute(graph.word(one.from), "@measure");
