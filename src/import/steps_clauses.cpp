@@ -336,6 +336,12 @@ void nobody_apply(Rewriter& graph, int at) {
   const int doer = has_attribute(graph.word(at), "@neg") ? subject_arc(graph, at) : -1;
   if (doer < 0 || graph.parent(graph.arc(doer).to) != doer) return;
   const int any = graph.child(graph.arc(doer).to, "mod");
+  // "No sailor can", where a bank has it that all of them cannot.
+  if (any >= 0 && graph.is(graph.arc(any).to, "all") && has_attribute(graph.word(at), "@can")) {
+    graph.word(graph.arc(any).to).name = "no";
+    std::erase(graph.word(at).attributes, "@neg");
+    return;
+  }
   // Either the subject is such a word itself, or it has "any" beside it: "no boy came".
   for (const int word : {int{graph.arc(doer).to}, any >= 0 ? graph.arc(any).to : -1}) {
     const std::string name = word < 0 ? "" : graph.word(word).name;
