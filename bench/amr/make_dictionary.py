@@ -30,7 +30,9 @@ IN_PLACES = set("box bag pocket drawer cup glass bowl pot bottle basket room hou
                 "envelope folder oven fridge pan hospital prison jail school office cell tank pool river lake sea forest field "
                 "town city village country building mouth cupboard closet garage barn shed cellar nest bank cave grave "
                 "tomb coffin sack barrel tin kettle chest bathtub sink bathroom bedroom car wallet purse safe hole tunnel "
-                "refrigerator freezer museum library church courtyard yard park jungle desert valley shade sun".split())
+                "refrigerator freezer museum library church courtyard yard park jungle desert valley shade sun spring summer autumn winter".split())
+# Where something is at.
+AT_PLACES = set("edge entrance exit gate stove counter foot crossroads frontier finish".split())
 # Adverbs that stand in the middle of a clause, before its verb.
 MIDDLE = set("certainly probably possibly really truly surely obviously apparently indeed actually clearly finally usually "
              "generally normally rarely seldom hardly barely merely simply scarcely nearly frequently recently suddenly".split())
@@ -200,7 +202,7 @@ ABOUT_NOUNS = set("information news story book article bullshit nonsense joke ru
 # Verbs that differ by their sense alone.
 SENSE_FORMS = {"lie(>08)": {"PAST": "lied", "PTCP": "lied"}, "lie(>07)": {"PTCP": "lain"}, "lie-down(>09)": {"PTCP": "lain"}}
 # Of several forms of the past the one for a verb, where the examples have other words that look the same.
-STRONG = {"bear": "bore borne", "drink": "drank drunk", "sink": "sank sunk", "clothe": "clothed clothed", "melt": "melted melted",
+STRONG = {"bear": "bore borne", "wake": "woke woken", "awake": "awoke awoken", "drink": "drank drunk", "sink": "sank sunk", "clothe": "clothed clothed", "melt": "melted melted",
           "tread": "trod trodden", "forbid": "forbade forbidden", "shine": "shone shone", "be": "was been", "abide": "abided abided", "pen": "penned penned"}
 GERUND_PREPOSITIONS = set("about against at by from in into of on with".split())
 # Adjectives that are adverbs as they are.
@@ -315,14 +317,14 @@ class Text:
                 marks += ",AN"
             elif seen["the"] > 2.5 * seen["a"]:
                 marks += ",THE"
-        if self.counts[many] > 1.3 * self.counts[noun] and self.counts[many] > 3:
+        if self.counts[many] > 1.5 * self.counts[noun] and self.counts[many] > 7:
             marks += ",PLUR"
         if self.prepositions[noun]:
             best, count = max(((p, n) for p, n in self.prepositions[noun].items() if p in ("in", "on", "at")),
                               key=lambda one: one[1], default=("", 0))
             if count > (1 if best != "on" and noun not in ON_PLACES else 3):
                 return marks + f",{best.upper()}P"
-        return marks + ",ONP" * (noun in ON_PLACES) + ",INP" * (noun in IN_PLACES)
+        return marks + ",ONP" * (noun in ON_PLACES) + ",INP" * (noun in IN_PLACES) + ",ATP" * (noun in AT_PLACES)
 
 
 class Sources:

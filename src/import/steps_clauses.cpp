@@ -888,8 +888,16 @@ void step_persons(Meaning& meaning) {
                                     "desperate",   "generous",  "grateful",  "thankful", "brave",    "cruel"};
     constexpr std::array kNoAgents{"know", "see",  "want",  "go",  "come", "hear", "have", "feel", "need", "like",
                                    "say",  "tell", "stand", "sit", "lie",  "wait", "ask",  "get",  "take"};
-    const bool is_nameless =
-        is_one_of(graph, frame, kQualities) || (is_one_of(graph, frame, kNoAgents) && graph.children(at).size() > 1);
+    // "The only one who believes me": a doer is somebody's where it is his office.
+    constexpr std::array kOffices{"teach",   "employ", "help",    "lead",   "follow",  "protect", "kill",    "murder",
+                                  "coach",   "train",  "advise",  "own",    "save",    "rescue",  "publish", "defend",
+                                  "sponsor", "rule",   "guide",   "love",   "admire",  "attack",  "create",  "build",
+                                  "make",    "serve",  "support", "oppose", "compete", "accuse"};
+    const int of_whom = graph.child(frame, "ARG1");
+    const bool is_of_me =
+        of_whom >= 0 && is_personal_pronoun(graph, graph.arc(of_whom).to) && !is_one_of(graph, frame, kOffices);
+    const bool is_nameless = is_of_me || is_one_of(graph, frame, kQualities) ||
+                             (is_one_of(graph, frame, kNoAgents) && graph.children(at).size() > 1);
     // "A great thinker", but "the person who thinks".
     const bool is_thinker = !graph.is(frame, "think", "01") || graph.children(at).size() == 1 ||
                             (graph.child(at, "mod") >= 0 && graph.children(frame).empty());
@@ -1088,6 +1096,17 @@ void tense_in_story(Rewriter& graph, int at) {
   // "She looked as if she wanted to speak": unreal, so past beside any deed.
   if (above >= 0 && graph.arc(above).role == "conj-as-if" && is_lasting && !is_tensed(graph, at))
     return attribute_add(graph.word(at), "@past");
+  // "Birds sing when you laugh", "you cry when the wind blows": beside what is told of now.
+  const int when = graph.child(at, "time");
+  const auto is_of_now = [&](int one) {
+    return has_attribute(graph.word(one), "@pres") && !has_attribute(graph.word(one), "@now") && is_clause(graph, one);
+  };
+  const bool is_beside =
+      (when >= 0 && is_of_now(graph.arc(when).to)) ||
+      (above >= 0 && !graph.arc(above).inverse && graph.arc(above).role == "time" && is_of_now(graph.arc(above).from));
+  if (is_beside && is_lasting && !is_tensed(graph, at) && !has_attribute(graph.word(at), "@can") &&
+      graph.child(at, "condition") < 0)
+    return attribute_add(graph.word(at), "@pres");
   // A deed is past as it is, or an infinitive: "she told him to wait".
   const bool is_deed = graph.child(at, "ARG0") >= 0 && !is_state(graph, at) && !has_attribute(graph.word(at), "@can");
   // "She said that she would come if it was fine."
@@ -1555,6 +1574,36 @@ constexpr std::array kOfActs{"easy",   "difficult", "hard",     "dangerous",  "s
                              "useful", "useless",   "pleasant", "impossible", "necessary",
                              "wrong",  "cruel",     "stupid",   "wise",       "expensive"};
 
+// What is good or bad to do, or for it to happen.
+constexpr std::array kJudging{"good",      "bad",     "nice",     "important",  "fun",      "boring",   "sad",
+                              "great",     "lovely",  "sweet",    "awful",      "terrible", "possible", "essential",
+                              "tiring",    "fine",    "right",    "sufficient", "tempting", "horrible", "beautiful",
+                              "wonderful", "painful", "exciting", "enough",     "best"};
+// What happens to somebody and is no deed of his.
+constexpr std::array kHappening{"come",   "go",     "leave", "arrive", "return", "stay",   "die",
+                                "live",   "exist",  "fall",  "move",   "grow",   "change", "wake",
+                                "remain", "travel", "rest",  "sit",    "stand",  "appear"};
+
+// "The automatic transport", "a better chance": an event with a quality of its own, and what is hardly a verb, is a noun.
+bool is_named_event(Rewriter& graph, int at) {
+  constexpr std::array kNouns{"chance", "risk", "opportunity", "job", "tour", "trip", "party", "war"};
+  const std::vector<int> below = graph.children(at);
+  return graph.child(at, "mod") >= 0 || below.empty() || (below.size() == 1 && graph.arc(below[0]).role == "manner") ||
+         is_one_of(graph, at, kNouns);
+}
+
+// (d / difficult :domain (s / sleep-01 :location h)): the same as for a frame.
+void judged_apply(Rewriter& graph, int at) {
+  const int led = graph.word(at).sense.empty() ? graph.child(at, "domain") : -1;
+  const int act = led >= 0 ? graph.arc(led).to : -1;
+  if (act < 0 || !is_event(graph, act) || graph.parent(act) != led || has_attribute(graph.word(act), "@nom")) return;
+  if (!is_one_of(graph, at, kOfActs) && !is_one_of(graph, at, kJudging)) return;
+  if (subject_arc(graph, act) >= 0 || has_attribute(graph.word(at), "@imp") || graph.child(at, "ARG1") >= 0) return;
+  if (is_named_event(graph, act)) return;
+  attribute_add(graph.word(at), "@xdom");
+  attribute_add(graph.word(act), "@xto");
+}
+
 // "It is easy for her to climb the tree": `at` is easy and `act` climb, which somebody does.
 bool is_easy_for(Rewriter& graph, int at, int act) {
   return is_one_of(graph, at, kOfActs) && is_plain_deed(graph, act) && graph.child(act, "ARG0") >= 0;
@@ -1591,17 +1640,21 @@ void extraposed_apply(Rewriter& graph, int at) {
   if (is_person && is_one_of(graph, at, kOfActs)) attribute_add(graph.word(at), "@xtra");
   if (is_person && is_one_of(graph, at, kOfActs) && !has_attribute(graph.word(what), "@past"))
     attribute_add(graph.word(what), "@pres");
-  // "It makes sense to sell the boat."
-  const bool is_of_acts = is_one_of(graph, at, kOfActs) || graph.is(at, "sense", "02");
-  const bool is_act = !is_clause && !is_person && is_of_acts && !graph.children(what).empty();
   // "It is good that the fox is very curious": a quality (ARG1 alone) with words of its own is no noun.
   const auto is_circumstance = [&](int one) { return !is_core(graph.arc(one)) && !graph.arc(one).inverse; };
   const std::vector<int> told = graph.children(what);
   const bool is_long = graph.child(what, "conjunct") >= 0 || graph.child(what, "degree") >= 0 ||
                        std::count_if(told.begin(), told.end(), is_circumstance) > 1;
   if (!is_clause && sufferer >= 0 && is_long && !is_one_of(graph, at, kOfActs)) attribute_add(graph.word(at), "@xadj");
-  constexpr std::array kHappening{"matter", "happen", "occur", "turn-out", "sense"};
-  if (is_clause && is_one_of(graph, at, kHappening)) attribute_add(graph.word(at), "@xv");
+  // "It makes sense to sell the boat."
+  const bool is_of_acts =
+      is_one_of(graph, at, kOfActs) || is_one_of(graph, at, kJudging) || graph.is(at, "sense", "02");
+  // "It is good to see you": who is seen does nothing; "that you came" tells what happens to you.
+  const bool is_undergone = is_person && (is_one_of(graph, at, kOfActs) || is_one_of(graph, what, kHappening));
+  const bool is_act = !is_clause && !is_undergone && is_of_acts && !is_named_event(graph, what) &&
+                      !has_attribute(graph.word(at), "@xadj") && graph.child(at, "compared-to") < 0;
+  constexpr std::array kVerbs{"matter", "happen", "occur", "turn-out", "sense"};
+  if (is_clause && is_one_of(graph, at, kVerbs)) attribute_add(graph.word(at), "@xv");
   // "The layout is easy to use": it has a subject already.
   if (graph.child(at, "domain") >= 0) return;
   const bool is_for = is_clause && is_easy_for(graph, at, what);
@@ -2042,6 +2095,7 @@ void step_forms(Meaning& meaning) {
     if (has_attribute(word, "@whether") || has_attribute(word, "@asked")) attribute_add(word, "@query");
     auxiliary_apply(graph, at);
     noun_time_apply(graph, at);
+    judged_apply(graph, at);
     extraposed_apply(graph, at);
     gerund_apply(graph, at);
     clause_judged_apply(graph, at);

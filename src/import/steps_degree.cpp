@@ -105,6 +105,7 @@ void times_more(Rewriter& graph, int led, int quality) {
   const int quant = graph.child(degree, "quant");
   const int product = graph.is(degree, "product-of") ? degree : quant < 0 ? -1 : graph.arc(quant).to;
   const int number = product >= 0 && graph.is(product, "product-of") ? graph.child(product, "op1") : -1;
+  if (graph.is(degree, "twice")) attribute_add(graph.word(quality), "@equal");
   if (number < 0 || graph.children(product).size() != 1) return;
   for (const auto& [digits, word] : kTimes) {
     if (!graph.is(graph.arc(number).to, digits)) continue;
@@ -440,9 +441,12 @@ void degree_apply(Rewriter& graph, int at, bool is_quantity) {
   int quality_led = graph.argument(at, "ARG2");
   // A quantity may be the degree itself: "enough oil".
   if (quality_led < 0 && is_quantity) quality_led = graph.argument(at, "ARG3");
+  // (t / tall :ARG1-of (h / have-degree-91 :ARG3 (m / more))): what is more so is the quality itself.
+  const bool is_bare = quality_led < 0;
+  if (is_bare && graph.child(at, "ARG3") >= 0) quality_led = graph.argument(at, "ARG1");
   if (quality_led < 0) return;
   const int quality = graph.other(quality_led, at);
-  const int bearer_led = graph.argument(at, "ARG1");
+  const int bearer_led = is_bare ? -1 : graph.argument(at, "ARG1");
   // "He did not sing so much": of what somebody does, the doing is denied.
   const int deed = is_quantity && bearer_led >= 0 ? graph.other(bearer_led, at) : -1;
   if (deed >= 0 && is_event(graph, deed) && std::erase(graph.word(at).attributes, "@neg") > 0)
