@@ -162,7 +162,7 @@ const StepRow kSteps[] = {
     {"restricted_unit", "quantities", "(w / wheat :quant (a / about :op1 (m / mass-quantity :quant 15000 :unit (t / ton))))",
      "qty(wheat.@entry, ton.@measure.@pl); o1(about, \"15,000\"); qty(ton, about)"},
     {"score_and_fraction", "quantities", "(w / win-01 :ARG1 (c / cake :quant 2/3) :quant (s / score-entity :op1 3 :op2 1))",
-     "a1(win(>01).@entry.@v, cake); qty(cake, two thirds); ext(win(>01), 3-1)"},
+     "a1(win(>01).@entry.@v, cake.@part.@def.@pl); qty(cake, two thirds); ext(win(>01), 3-1)"},
     {"long_numbers", "quantities", "(s / star :quant 2000000000 :part (m / mile :quant 462511))",
      "qty(star.@entry.@pl, 2 billion); prt(star, mile.@pl); qty(mile, \"462,511\")"},
     {"possibly_not", "modality", "(p / possible-01 :ARG1 (s / sing-01 :polarity - :ARG0 (k / king)))", "a0(sing(>01).@entry.@v.@neg.@maynot, king)"},
