@@ -1575,7 +1575,7 @@ constexpr std::array kOfActs{"easy",   "difficult", "hard",     "dangerous",  "s
                              "wrong",  "cruel",     "stupid",   "wise",       "expensive"};
 
 // What is good or bad to do, or for it to happen.
-constexpr std::array kJudging{"good",      "bad",     "nice",     "important",  "fun",      "boring",   "sad",
+constexpr std::array kGoodOrBad{"good",      "bad",     "nice",     "important",  "fun",      "boring",   "sad",
                               "great",     "lovely",  "sweet",    "awful",      "terrible", "possible", "essential",
                               "tiring",    "fine",    "right",    "sufficient", "tempting", "horrible", "beautiful",
                               "wonderful", "painful", "exciting", "enough",     "best"};
@@ -1597,7 +1597,7 @@ void judged_apply(Rewriter& graph, int at) {
   const int led = graph.word(at).sense.empty() ? graph.child(at, "domain") : -1;
   const int act = led >= 0 ? graph.arc(led).to : -1;
   if (act < 0 || !is_event(graph, act) || graph.parent(act) != led || has_attribute(graph.word(act), "@nom")) return;
-  if (!is_one_of(graph, at, kOfActs) && !is_one_of(graph, at, kJudging)) return;
+  if (!is_one_of(graph, at, kOfActs) && !is_one_of(graph, at, kGoodOrBad)) return;
   if (subject_arc(graph, act) >= 0 || has_attribute(graph.word(at), "@imp") || graph.child(at, "ARG1") >= 0) return;
   if (is_named_event(graph, act)) return;
   attribute_add(graph.word(at), "@xdom");
@@ -1648,7 +1648,7 @@ void extraposed_apply(Rewriter& graph, int at) {
   if (!is_clause && sufferer >= 0 && is_long && !is_one_of(graph, at, kOfActs)) attribute_add(graph.word(at), "@xadj");
   // "It makes sense to sell the boat."
   const bool is_of_acts =
-      is_one_of(graph, at, kOfActs) || is_one_of(graph, at, kJudging) || graph.is(at, "sense", "02");
+      is_one_of(graph, at, kOfActs) || is_one_of(graph, at, kGoodOrBad) || graph.is(at, "sense", "02");
   // "It is good to see you": who is seen does nothing; "that you came" tells what happens to you.
   const bool is_undergone = is_person && (is_one_of(graph, at, kOfActs) || is_one_of(graph, what, kHappening));
   const bool is_act = !is_clause && !is_undergone && is_of_acts && !is_named_event(graph, what) &&
