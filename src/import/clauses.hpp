@@ -53,12 +53,12 @@ extern const char* const kStates;
 bool is_state(Rewriter& graph, int at);
 
 // Verbs that may have direct speech as what is said.
-inline constexpr std::array kSaying{"say",     "ask",      "answer",   "reply",    "exclaim",   "cry",      "demand",
-                                    "add",     "remark",   "repeat",   "state",    "murmur",    "respond",  "object",
-                                    "inquire", "explain",  "call-out", "tell",     "think",     "declare",  "shout",
-                                    "whisper", "announce", "observe",  "continue", "interrupt", "confess",  "insist",
-                                    "protest", "comment",  "complain", "warn",     "admit",     "conclude", "suggest",
-                                    "mutter",  "agree",    "call",     "mumble",   "sigh",      "yell",     "scream",   "enquire"};
+inline constexpr std::array kSaying{
+    "say",    "ask",     "answer",  "reply",    "exclaim",  "cry",     "demand",   "add",       "remark",
+    "repeat", "state",   "murmur",  "respond",  "object",   "inquire", "explain",  "call-out",  "tell",
+    "think",  "declare", "shout",   "whisper",  "announce", "observe", "continue", "interrupt", "confess",
+    "insist", "protest", "comment", "complain", "warn",     "admit",   "conclude", "suggest",   "mutter",
+    "agree",  "call",    "mumble",  "sigh",     "yell",     "scream",  "enquire"};
 
 // All concepts that some clauses are made of, themselves first; graphs have circles and meet again, so each is there once.
 // Used to ask whether anybody in a quotation says "I".
