@@ -336,9 +336,14 @@ void nobody_apply(Rewriter& graph, int at) {
   const int doer = has_attribute(graph.word(at), "@neg") ? subject_arc(graph, at) : -1;
   if (doer < 0 || graph.parent(graph.arc(doer).to) != doer) return;
   const int any = graph.child(graph.arc(doer).to, "mod");
-  // "No sailor can", where a bank has it that all of them cannot.
-  if (any >= 0 && graph.is(graph.arc(any).to, "all") && has_attribute(graph.word(at), "@can")) {
-    graph.word(graph.arc(any).to).name = "no";
+  // "All of them cannot": none can.
+  if (any >= 0 && graph.is(graph.arc(any).to, "all") && graph.children(graph.arc(any).to).empty() &&
+      graph.mentions(graph.arc(any).to) == 1 && has_attribute(graph.word(at), "@can")) {
+    const int who = graph.arc(doer).to;
+    const bool is_anybody = graph.is(who, "person") && graph.children(who).size() == 1;
+    graph.word(is_anybody ? who : int{graph.arc(any).to}).name = is_anybody ? "nobody" : "no";
+    if (is_anybody) std::erase(graph.word(who).attributes, "@pl");
+    if (is_anybody) graph.settle_concept(graph.arc(any).to, Fate::word), graph.remove(any, Fate::word);
     std::erase(graph.word(at).attributes, "@neg");
     return;
   }
@@ -574,6 +579,9 @@ void thing_apply(Rewriter& graph, int at) {
   constexpr std::array kMotion{"come", "go",    "happen", "occur",  "arrive",  "fall",  "appear", "exist",
                                "lie",  "stand", "matter", "remain", "survive", "count", "belong"};
   const std::string& name = graph.word(frame).name;
+  // "The most important thing".
+  const bool is_graded = has_attribute(graph.word(frame), "@most") || has_attribute(graph.word(frame), "@more");
+  if (is_graded && below.empty() && is_one_of(graph, frame, kThingQualities)) attribute_add(graph.word(at), "@quality");
   if (graph.word(frame).sense.empty() || !is_simple || !is_plain || name.find('-') != name.npos) return;
   // Who lies in bed does not tell a lie.
   if (is_one_of(graph, frame, kMotion) && !graph.is(frame, "lie", "08")) return;
@@ -940,6 +948,20 @@ bool is_over(Rewriter& graph, int time) {
   return graph.is(time, "yesterday") || (pointer >= 0 && graph.is(graph.arc(pointer).to, "last"));
 }
 
+// The arc to whom a clause is told of, who may stand in the clause that it is joined to: "she sang and danced".
+int told_of(Rewriter& graph, int at) {
+  const int shared = graph.child(at, "shared");
+  return shared >= 0 ? shared : subject_arc(graph, at);
+}
+
+// What no rule would tell in the past, if the graph says nothing else.
+bool is_told_of_now(Rewriter& graph, int at) {
+  constexpr std::array kMarks{"@pres",   "@fut", "@would", "@imp",   "@perf",  "@can",   "@must", "@may",
+                              "@should", "@ask", "@int",   "@quote", "@state", "@habit", "@neg",  "@asked"};
+  return !is_event(graph, at) || std::any_of(kMarks.begin(), kMarks.end(),
+                                             [&](const char* mark) { return has_attribute(graph.word(at), mark); });
+}
+
 // What the time of a clause says of its tense. "Before now" alone is no phrase of the sentence: it is the past.
 // (c / come-01 :time (b / before :op1 (n / now))) is @past, with "after" @fut; (y / before :op1 n :quant (y2 / year
 // :quant 3)) is "three years ago" besides.
@@ -972,13 +994,20 @@ void tense_from_time(Rewriter& graph, int at) {
     if (is_lasting && !is_being && !has_attribute(graph.word(at), "@past")) attribute_add(graph.word(at), "@pres");
     const bool is_perfect =
         is_one_of(graph, time, kPerfect) && graph.word(time).sense.empty() && !is_general && !is_lasting;
-    if (is_perfect) attribute_add(graph.word(at), "@perf");
+    // "He took it and never spoke of it": in a story what is joined is told as that is.
+    const int before = graph.parent(at);
+    const bool is_in_story = is_perfect && before >= 0 && graph.arc(before).role == "conjunct" &&
+                             graph.child(at, "shared") >= 0 && told_of(graph, graph.arc(before).from) >= 0 &&
+                             !is_told_of_now(graph, graph.arc(before).from);
+    if (is_perfect) attribute_add(graph.word(at), is_in_story ? "@past" : "@perf");
     if (is_over(graph, time) && is_undated(graph.word(at))) attribute_add(graph.word(at), "@past");
     const bool is_relation = graph.is(time, "before") || graph.is(time, "after");
     const int point = is_relation ? graph.child(time, "op1") : -1;
     // After what was told: two days later.
     const bool is_open = is_relation && point < 0 && graph.child(time, "quant") >= 0;
     if (is_open) graph.word(time).name = graph.is(time, "before") ? "earlier" : "later";
+    // "They arrived later."
+    if (graph.is(time, "after") && graph.children(time).empty()) graph.word(time).name = "later";
     if (point < 0 || !graph.is(graph.arc(point).to, "now")) continue;
     attribute_add(graph.word(at), graph.is(time, "before") ? "@past" : "@fut");
     if (graph.mentions(time) > 1 || graph.mentions(graph.arc(point).to) > 1) continue;
@@ -998,12 +1027,6 @@ void tense_from_time(Rewriter& graph, int at) {
       graph.arc(length).role = "op1";
     }
   }
-}
-
-// The arc to whom a clause is told of, who may stand in the clause that it is joined to: "she sang and danced".
-int told_of(Rewriter& graph, int at) {
-  const int shared = graph.child(at, "shared");
-  return shared >= 0 ? shared : subject_arc(graph, at);
 }
 
 // With one of these marks a clause has its tense, or needs none.
@@ -1173,9 +1196,11 @@ void tense_of_unreal(Rewriter& graph, int at) {
 // "You should eat before we leave", "Call me when he comes": what is bidden or will be is not past, nor is its time.
 void tense_of_coming(Rewriter& graph, int at) {
   const Concept& clause = graph.word(at);
+  const int above = graph.parent(at);
+  const bool is_condition = above >= 0 && !graph.arc(above).inverse && graph.arc(above).role == "condition";
   const bool is_ahead =
-      graph.child(at, "condition") >= 0 || has_attribute(clause, "@imp") || has_attribute(clause, "@should") ||
-      has_attribute(clause, "@fut") ||
+      is_condition || graph.child(at, "condition") >= 0 || has_attribute(clause, "@imp") ||
+      has_attribute(clause, "@should") || has_attribute(clause, "@fut") ||
       ((has_attribute(clause, "@can") || has_attribute(clause, "@must")) && has_attribute(clause, "@pres"));
   if (!is_ahead || has_attribute(clause, "@past")) return;
   // A preposition of time has the event below it: (a / after :op1 (c / come-01)).
@@ -1226,7 +1251,9 @@ void tense_beside(Rewriter& graph, int at) {
            });
   };
   const auto is_lasting = [&](int one) { return is_one_of(graph, one, kLasting) && graph.child(one, "ARG0") >= 0; };
-  if (!is_open(at) || graph.child(at, "condition") >= 0) return;
+  const int above = graph.parent(at);
+  const bool is_condition = above >= 0 && !graph.arc(above).inverse && graph.arc(above).role == "condition";
+  if (!is_open(at) || is_condition || graph.child(at, "condition") >= 0) return;
   for (const char* role : {"time", "conjunct", "cause", "concession"}) {
     int led = graph.child(at, role);
     constexpr std::array kRelations{"before", "after", "until", "while", "since", "as-soon-as", "soon-after"};

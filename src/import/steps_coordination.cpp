@@ -193,6 +193,8 @@ bool said_by_pronoun(Rewriter& graph, int at, const std::vector<int>& parts, con
   return false;
 }
 
+constexpr const char* kModalMarks[] = {"@can", "@must", "@should", "@may"};
+
 // "They can sing and dance", "will you come or stay?", "he has never seen or heard it": the auxiliary that stands before the
 // first clause holds of `part`, and is not said again. A denied first clause would deny both. `at` joins them.
 bool takes_auxiliary(Rewriter& graph, int at, int head, int part) {
@@ -210,7 +212,24 @@ bool takes_auxiliary(Rewriter& graph, int at, int head, int part) {
     attribute_add(later, "@same");
     return true;
   }
-  return false;
+  // (a / and :op1 (p / possible-01 :ARG1 (s / sail-01)) :op2 (f / fish-01)): "can sail and fish".
+  const bool is_modal = std::any_of(std::begin(kModalMarks), std::end(kModalMarks),
+                                    [&](const char* mark) { return has_attribute(graph.word(head), mark); });
+  // It has its frame and the conjunction.
+  const bool is_bare = later.attributes.size() == 2 && graph.child(part, "time") < 0 && graph.child(part, "domain") < 0;
+  if (!is_modal || !is_bare || graph.is(at, "contrast")) return false;
+  attribute_add(later, "@same");
+  return true;
+}
+
+// "Without eating or drinking": what is lacked is denied once.
+void lacked_once(Rewriter& graph, int at, const std::vector<int>& parts) {
+  const int above = graph.parent(at);
+  if (above < 0 || graph.arc(above).inverse || graph.arc(above).role != "manner") return;
+  const auto is_denied = [&](int led) { return has_attribute(graph.word(graph.arc(led).to), "@neg"); };
+  if (parts.size() < 2 || !std::all_of(parts.begin(), parts.end(), is_denied)) return;
+  for (std::size_t i = 1; i < parts.size(); ++i) std::erase(graph.word(graph.arc(parts[i]).to).attributes, "@neg");
+  graph.word(at).name = "or";
 }
 
 // "She is old and wise": a quality that is told of the first part's subject, as that is, needs no "is" of its own.
@@ -494,6 +513,7 @@ void step_coordination(Meaning& meaning) {
       graph.replace(second, graph.arc(first).to, graph.arc(second).to, "conjunct");
       continue;
     }
+    if (graph.is(at, "and") || graph.is(at, "or")) lacked_once(graph, at, graph.numbered(at, {"op"}));
     const Conjunction* conjunction = conjunction_of(graph, at);
     if (conjunction != nullptr && graph.word(at).sense.empty()) coordinate(graph, at, *conjunction);
   }

@@ -139,6 +139,11 @@ void degree_said(Rewriter& graph, int led, int quality) {
     // "Not so tall as she": with what it is compared to, that is as tall.
     const bool is_as = graph.is(degree, "so") && graph.child(graph.arc(led).from, "ARG4") >= 0;
     attribute_add(graph.word(quality), is_as ? "@equal" : attribute);
+    // "Even older", "far too late".
+    constexpr std::array kHowMuch{"even", "far", "much", "slightly", "still", "way"};
+    for (const int one : graph.children(degree)) {
+      if (graph.arc(one).role == "mod" && is_one_of(graph, graph.arc(one).to, kHowMuch)) graph.arc(one).role = "degree";
+    }
     graph.settle_concept(degree, Fate::attribute);
     graph.remove(led, Fate::attribute);
     graph.move_children(degree, quality);
@@ -501,6 +506,16 @@ void enough_apply(Rewriter& graph, int at) {
   }
 }
 
+// (l / long :degree (m / more)), without a frame of degree: longer.
+void bare_degree_apply(Rewriter& graph, int at) {
+  constexpr std::array kBare{"more", "most", "less", "least"};
+  const int led = graph.child(at, "degree");
+  const bool is_quality = graph.child(at, "ARG0") < 0 && graph.parent(at) >= 0;
+  const bool is_bare = led >= 0 && is_quality && is_one_of(graph, graph.arc(led).to, kBare);
+  if (is_bare && graph.children(graph.arc(led).to).empty() && graph.mentions(graph.arc(led).to) == 1)
+    degree_said(graph, led, at);
+}
+
 // "The smallest mistake": there is one of which that is true.
 void superlative_apply(Rewriter& graph, int at) {
   const int above = has_attribute(graph.word(at), "@most") ? graph.parent(at) : -1;
@@ -521,6 +536,7 @@ void step_degree(Meaning& meaning) {
     amount_apply(graph, at);
   }
   for (int at = 0; at < graph.count(); ++at) {
+    bare_degree_apply(graph, at);
     superlative_apply(graph, at);
     enough_apply(graph, at);
   }

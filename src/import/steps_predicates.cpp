@@ -211,6 +211,8 @@ void only_apply(Rewriter& graph, int led) {
   }
   if (!graph.is(only, "only") || !graph.children(only).empty() || graph.mentions(only) > 1) return;
   const int at = graph.arc(led).from;
+  // "Only ten years".
+  if (has_attribute(graph.word(at), "@measure")) graph.word(only).sense = "adv";
   const bool is_predicate = graph.child(at, "domain") >= 0;
   // "The only one who can read", "the only man who saw it".
   const std::vector<int> said = graph.children(at);

@@ -149,7 +149,9 @@ void conjunction_apply(Rewriter& graph, Arc& one) {
                         (graph.child(one.from, "condition") < 0 || graph.child(one.from, "conjunct") >= 0);
   // "Only when it rains": what picks out a clause belongs to its conjunction.
   constexpr std::array kPicking{"only", "even", "especially", "particularly", "just", "not-only"};
-  const int picked = one.inverse ? -1 : graph.child(one.to, "mod");
+  const bool is_picking =
+      one.role == "time" || one.role == "condition" || one.role == "cause" || one.role == "location";
+  const int picked = one.inverse || !is_picking ? -1 : graph.child(one.to, "mod");
   const bool is_picked = picked >= 0 && is_one_of(graph, graph.arc(picked).to, kPicking);
   if (is_picked) attribute_add(graph.word(one.to), "@focus");
   const bool is_ahead = !one.inverse && (one.role == "condition" || is_timed) && !is_picked &&
@@ -196,6 +198,20 @@ void step_conjunctions(Meaning& meaning) {
   }
 }
 
+namespace {
+
+// "He was busy all week": such a time has no preposition, and there is one.
+void whole_time_apply(Rewriter& graph, Arc& one) {
+  constexpr std::array kTimes{"day",     "night",  "week",   "month",  "year",   "morning",
+                              "evening", "summer", "winter", "spring", "autumn", "afternoon"};
+  const int whole = one.role == "duration" && is_one_of(graph, one.to, kTimes) ? graph.child(one.to, "mod") : -1;
+  if (whole < 0 || !(graph.is(graph.arc(whole).to, "all") || graph.is(graph.arc(whole).to, "whole"))) return;
+  std::erase(graph.word(one.to).attributes, "@pl");
+  one.role = "extent";
+}
+
+}  // namespace
+
 // Rules need a row for each form that what fills a role may have, so roles that differ by a preposition alone are one role
 // for them: :circumstance, where the word says which, @p_with.
 void step_merging(Meaning& meaning) {
@@ -227,6 +243,7 @@ void step_merging(Meaning& meaning) {
   Rewriter graph(meaning, "merging");
   for (Arc& one : meaning.arcs) {
     if (one.gone) continue;
+    whole_time_apply(graph, one);
     for (const Merged& merged : kMerged) {
       if (one.inverse != merged.inverse || !is_same(one.role, merged.role)) continue;
       // "The oldest of them": of a pronoun nothing is said, so that role keeps its name.
