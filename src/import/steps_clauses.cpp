@@ -1993,8 +1993,8 @@ void most_apply(Rewriter& graph, int at) {
   if (led < 0) return;
   const Arc& one = graph.arc(led);
   const bool is_beside_noun = one.inverse ? is_core_role(one.role) : one.role == "mod";
-  if (is_beside_noun && graph.word(one.from).sense.empty() && graph.child(one.from, "poss") < 0)
-    attribute_add(graph.word(one.from), "@def");
+  const bool is_noun = graph.word(one.from).sense.empty() || has_attribute(graph.word(one.from), "@nom");
+  if (is_beside_noun && is_noun && graph.child(one.from, "poss") < 0) attribute_add(graph.word(one.from), "@def");
 }
 
 // "They demanded a higher wage": what is more than another is mostly new.

@@ -516,13 +516,6 @@ void bare_degree_apply(Rewriter& graph, int at) {
     degree_said(graph, led, at);
 }
 
-// "The smallest mistake": there is one of which that is true.
-void superlative_apply(Rewriter& graph, int at) {
-  const int above = has_attribute(graph.word(at), "@most") ? graph.parent(at) : -1;
-  if (above < 0 || graph.arc(above).role != "mod" || graph.arc(above).inverse) return;
-  if (graph.child(graph.arc(above).from, "domain") < 0) attribute_add(graph.word(graph.arc(above).from), "@def");
-}
-
 }  // namespace
 
 // (h / have-degree-91 :ARG1 x :ARG2 (t / tall) :ARG3 (m / more) :ARG4 y): tall with @more, its bearer x, compared to y.
@@ -537,7 +530,6 @@ void step_degree(Meaning& meaning) {
   }
   for (int at = 0; at < graph.count(); ++at) {
     bare_degree_apply(graph, at);
-    superlative_apply(graph, at);
     enough_apply(graph, at);
   }
   // Once more, as a quality may have come to its noun only by its frame.

@@ -925,25 +925,6 @@ void wholes_apply(Rewriter& graph) {
   }
 }
 
-// (s / soup :quant (m / most) :poss (s2 / she)): most of her soup, as a noun with an owner or "that" has no quantity beside it.
-void partitive_apply(Rewriter& graph, int at) {
-  constexpr std::array kParts{"most", "some", "many", "few", "several", "lot", "half", "much"};
-  const Concept& noun = graph.word(at);
-  const int led = noun.sense.empty() && !noun.variable.empty() ? graph.child(at, "quant") : -1;
-  if (led < 0 || !is_one_of(graph, graph.arc(led).to, kParts) || !graph.children(graph.arc(led).to).empty()) return;
-  const int part = graph.arc(led).to;
-  const int mod = graph.child(at, "mod");
-  const bool is_shown = mod >= 0 && (graph.is(graph.arc(mod).to, "that") || graph.is(graph.arc(mod).to, "this"));
-  const int owned = graph.child(at, "poss");
-  const int owner = owned < 0 ? -1 : graph.arc(owned).to;
-  const bool is_owned = owner >= 0 && (is_personal_pronoun(graph, owner) || graph.is(owner, "person") ||
-                                       has_attribute(graph.word(owner), "@name") || graph.mentions(owner) > 1);
-  if (!(is_shown || is_owned) || graph.mentions(part) > 1 || graph.child(at, "superset") >= 0) return;
-  if (graph.is(at, "person") || has_attribute(noun, "@pl")) attribute_add(graph.word(part), "@several");
-  graph.redirect(at, part);
-  graph.replace(led, part, at, "superset");
-}
-
 // What is taken out of a whole, and the whole.
 // A bank writes "some of us" as (s / some :superset we); where it has the frame include-91 for it, that has become
 // :superset by now. The part is the head in English, too. What is left to do is number, as a whole is several things, and
@@ -963,7 +944,6 @@ void sets_apply(Rewriter& graph) {
     all_of_apply(graph, at);
     correlate_apply(graph, at);
   }
-  for (int at = 0, end = graph.count(); at < end; ++at) partitive_apply(graph, at);
   // "Two of them".
   for (int at = 0, end = graph.count(); at < end; ++at) {
     const int number = is_personal_pronoun(graph, at) ? graph.child(at, "quant") : -1;
