@@ -262,10 +262,6 @@ int parts_tied(Rewriter& graph, int at, const std::vector<int>& parts, const Con
   bool is_one_verb = true;
   for (std::size_t i = 1; i < parts.size(); ++i) {
     const int part = graph.arc(parts[i]).to;
-    // "Without eating or sleeping".
-    if (led_here >= 0 && graph.arc(led_here).role == "manner" && has_attribute(graph.word(head), "@neg") &&
-        conjunction.attribute == std::string_view("@or"))
-      std::erase(graph.word(part).attributes, "@neg");
     // "She did not say who left, or whether it rained".
     const bool is_reported = led_here >= 0 && is_one_of(graph, graph.arc(led_here).from, kReporting);
     if (is_reported && has_attribute(graph.word(part), "@int") && has_unknown(graph, head)) {

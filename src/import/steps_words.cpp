@@ -757,9 +757,6 @@ void idiom_apply(Rewriter& graph, int at) {
                               "start",  "rest",   "beginning", "half", "corner", "outskirts"};
   const int parted = is_one_of(graph, at, kParts) && graph.word(at).sense.empty() ? graph.child(at, "op1") : -1;
   if (parted >= 0 && graph.child(at, "op2") < 0) graph.arc(parted).role = "part-of";
-  // "He came later": what is nothing's after.
-  const int when = graph.is(at, "after") && graph.children(at).empty() ? graph.parent(at) : -1;
-  if (when >= 0 && graph.arc(when).role == "time" && !graph.arc(when).inverse) graph.word(at).name = "later";
   // "Alone in the darkness": a place is no quality.
   const int within_it = graph.is(at, "dark") && graph.children(at).empty() ? graph.parent(at) : -1;
   if (within_it >= 0 && graph.arc(within_it).role == "location") graph.word(at).name = "darkness";
