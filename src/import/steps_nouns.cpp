@@ -557,6 +557,7 @@ void listed_apply(Rewriter& graph, int led) {
       return;
     is_described |= told.inverse || told.role == "mod" || told.role == "location";
   }
+  if (!is_described) return;
   int first = one.from;
   for (int steps = graph.count(); steps > 0 && graph.parent(first) >= 0; --steps) {
     const Arc& above = graph.arc(graph.parent(first));
@@ -568,8 +569,7 @@ void listed_apply(Rewriter& graph, int led) {
   const int held = graph.parent(first);
   // "The left side and the right side".
   if (graph.word(first).name == graph.word(one.to).name) return;
-  if (!is_described || !is_noun || held < 0 || graph.arc(held).inverse || !is_event(graph, graph.arc(held).from))
-    return;
+  if (!is_noun || held < 0 || graph.arc(held).inverse || !is_event(graph, graph.arc(held).from)) return;
   const bool is_subject = subject_arc(graph, graph.arc(held).from) == held;
   attribute_add(graph.word(one.to), is_subject ? "@def" : "@indef");
   // "A red cup and a big plate": the first is no better known.
