@@ -118,13 +118,17 @@ void object_apply(Rewriter& graph, int at) {
 
 // "Two attacks": what UMR counts is a noun.
 void counted_event_apply(Rewriter& graph, int at) {
-  const bool is_counted = has_attribute(graph.word(at), "@pl") || has_attribute(graph.word(at), "@sg");
+  // "Six lies", with a bare number.
+  const int number = is_event(graph, at) ? graph.child(at, "quant") : -1;
+  const bool is_numbered = number >= 0 && graph.word(graph.arc(number).to).variable.empty();
+  const bool is_counted = is_numbered || has_attribute(graph.word(at), "@pl") || has_attribute(graph.word(at), "@sg");
   const int above = graph.parent(at);
   if (!is_counted || above < 0 || graph.arc(above).inverse || !is_one_clause(graph, at)) return;
   const std::string& role = graph.arc(above).role;
   const bool is_reason = (role == "cause" || role == "concession") && has_attribute(graph.word(at), "@pl");
   if ((!role.starts_with("ARG") && !is_reason) || graph.child(at, "domain") >= 0) return;
   if (!has_attribute(graph.word(at), "@agent")) event_to_noun(graph, at);
+  if (is_numbered && !graph.is(graph.arc(number).to, "1")) attribute_add(graph.word(at), "@pl");
 }
 
 // "They waited for an answer": of whom nobody tells that he does anything, as no argument of any clause is named, it is
