@@ -239,8 +239,8 @@ namespace {
 bool is_any_of_its_kind(Rewriter& graph, int at) {
   const Concept& word = graph.word(at);
   // They stand without an article, and so without "no".
-  constexpr std::array kStandingAlone{"this",      "that",   "one", "anything", "nothing",
-                                      "something", "anyone", "all", "any", "both", "half", "none"};
+  constexpr std::array kStandingAlone{"this",   "that", "one", "anything", "nothing", "something",
+                                      "anyone", "all",  "any", "both",     "half",    "none"};
   if (!word.sense.empty() || word.variable.empty() || has_attribute(word, "@name") || is_unknown(graph, at))
     return false;
   if (is_personal_pronoun(graph, at) || is_one_of(graph, at, kStandingAlone)) return false;
@@ -897,13 +897,13 @@ void step_persons(Meaning& meaning) {
     constexpr std::array kNoAgents{"know", "see",  "want",  "go",  "come", "hear", "have", "feel", "need", "like",
                                    "say",  "tell", "stand", "sit", "lie",  "wait", "ask",  "get",  "take"};
     // "The only one who believes me": a doer is somebody's where it is his office.
-    constexpr std::array kOffices{"teach",   "employ", "help",    "lead",   "follow",  "protect", "kill",    "murder",
-                                  "coach",   "train",  "advise",  "own",    "save",    "rescue",  "publish", "defend",
-                                  "sponsor", "rule",   "guide",   "love",   "admire",  "attack",  "create",  "build",
-                                  "make",    "serve",  "support", "oppose", "compete", "accuse"};
+    constexpr std::array kServices{"teach",   "employ", "help",    "lead",   "follow",  "protect", "kill",    "murder",
+                                   "coach",   "train",  "advise",  "own",    "save",    "rescue",  "publish", "defend",
+                                   "sponsor", "rule",   "guide",   "love",   "admire",  "attack",  "create",  "build",
+                                   "make",    "serve",  "support", "oppose", "compete", "accuse"};
     const int of_whom = graph.child(frame, "ARG1");
     const bool is_of_me =
-        of_whom >= 0 && is_personal_pronoun(graph, graph.arc(of_whom).to) && !is_one_of(graph, frame, kOffices);
+        of_whom >= 0 && is_personal_pronoun(graph, graph.arc(of_whom).to) && !is_one_of(graph, frame, kServices);
     const bool is_nameless = is_of_me || is_one_of(graph, frame, kQualities) ||
                              (is_one_of(graph, frame, kNoAgents) && graph.children(at).size() > 1);
     // "A great thinker", but "the person who thinks".
@@ -1603,9 +1603,9 @@ constexpr std::array kOfActs{"easy",   "difficult", "hard",     "dangerous",  "s
 
 // What is good or bad to do, or for it to happen.
 constexpr std::array kGoodOrBad{"good",      "bad",     "nice",     "important",  "fun",      "boring",   "sad",
-                              "great",     "lovely",  "sweet",    "awful",      "terrible", "possible", "essential",
-                              "tiring",    "fine",    "right",    "sufficient", "tempting", "horrible", "beautiful",
-                              "wonderful", "painful", "exciting", "enough",     "best"};
+                                "great",     "lovely",  "sweet",    "awful",      "terrible", "possible", "essential",
+                                "tiring",    "fine",    "right",    "sufficient", "tempting", "horrible", "beautiful",
+                                "wonderful", "painful", "exciting", "enough",     "best"};
 // What happens to somebody and is no deed of his.
 constexpr std::array kHappening{"come",   "go",     "leave", "arrive", "return", "stay",   "die",
                                 "live",   "exist",  "fall",  "move",   "grow",   "change", "wake",
@@ -1620,7 +1620,7 @@ bool is_named_event(Rewriter& graph, int at) {
 }
 
 // (d / difficult :domain (s / sleep-01 :location h)): the same as for a frame.
-void judged_apply(Rewriter& graph, int at) {
+void judged_act_apply(Rewriter& graph, int at) {
   const int led = graph.word(at).sense.empty() ? graph.child(at, "domain") : -1;
   const int act = led >= 0 ? graph.arc(led).to : -1;
   if (act < 0 || !is_event(graph, act) || graph.parent(act) != led || has_attribute(graph.word(act), "@nom")) return;
@@ -2122,7 +2122,7 @@ void step_forms(Meaning& meaning) {
     if (has_attribute(word, "@whether") || has_attribute(word, "@asked")) attribute_add(word, "@query");
     auxiliary_apply(graph, at);
     noun_time_apply(graph, at);
-    judged_apply(graph, at);
+    judged_act_apply(graph, at);
     extraposed_apply(graph, at);
     gerund_apply(graph, at);
     clause_judged_apply(graph, at);

@@ -457,13 +457,13 @@ void kind_of_deed(Rewriter& graph, int at) {
 
 // "He nodded with some doubt": so much of an act is no way to do it.
 void manner_amount_apply(Rewriter& graph, int at) {
-  constexpr std::array kAmounts{"some", "much", "little", "great", "lot", "any", "certain", "considerable", "more"};
+  constexpr std::array kOfAnAct{"some", "much", "little", "great", "lot", "any", "certain", "considerable", "more"};
   const int led = graph.word(at).sense.empty() ? -1 : graph.child(at, "manner");
   const int event = led < 0 || graph.arc(led).inverse ? -1 : graph.arc(led).to;
   if (event < 0 || !is_one_clause(graph, event) || graph.mentions(event) != 1) return;
   for (const char* role : {"mod", "quant"}) {
     const int amount = graph.child(event, role);
-    if (amount < 0 || !is_one_of(graph, graph.arc(amount).to, kAmounts)) continue;
+    if (amount < 0 || !is_one_of(graph, graph.arc(amount).to, kOfAnAct)) continue;
     event_to_noun(graph, event);
     const int doer = graph.child(at, "ARG0");
     if (doer >= 0) drop_again(graph, event, graph.arc(doer).to);
@@ -603,7 +603,7 @@ void made_apply(Rewriter& graph, int at) {
 
 // "I love flowers", "he is afraid of tigers": of whom or what somebody thinks so without a word of which one, he means all
 // of the kind. Rules keep what is not counted, "I love music".
-void kind_apply(Rewriter& graph, int at) {
+void of_kind_apply(Rewriter& graph, int at) {
   constexpr std::array kOfKinds{"love",   "adore",   "like",    "hate", "dislike", "detest", "loathe", "fear",
                                 "prefer", "despise", "collect", "hunt", "breed",   "trade",  "afraid", "interest",
                                 "fond",   "need",    "lack",    "sell", "eat",     "gather", "count",  "distrust"};
@@ -659,7 +659,7 @@ void step_nouns(Meaning& meaning) {
     group_members_apply(graph, at);
     made_apply(graph, at);
     material_apply(graph, at);
-    kind_apply(graph, at);
+    of_kind_apply(graph, at);
   }
 }
 

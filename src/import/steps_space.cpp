@@ -19,7 +19,7 @@ struct Relation {
   const char* alone;
 };
 
-constexpr Relation kRelations[] = {
+constexpr Relation kSpaceRelations[] = {
     {"on-top", "03", "on-top-of", "on-top"},
     {"front", "03", "in-front-of", "in-front"},
     {"next-to", "02", "next-to", "alongside"},
@@ -56,10 +56,10 @@ struct Part {
   std::string_view senses;
 };
 
-constexpr Part kParts[] = {{"corner", "02 03 04"}, {"end", "05 06"}, {"center", "03"}, {"middle", "01"},
-                           {"base", "03"},         {"bottom", "03"}, {"top", "06"},    {"back", "12 13"}};
+constexpr Part kSpaceParts[] = {{"corner", "02 03 04"}, {"end", "05 06"}, {"center", "03"}, {"middle", "01"},
+                                {"base", "03"},         {"bottom", "03"}, {"top", "06"},    {"back", "12 13"}};
 // What is no noun, and which of several parts is meant.
-constexpr Part kSides[] = {{"left", "20 24"}, {"right", "04 10"}, {"upper", "12"}, {"diagonal", "02"}};
+constexpr Part kSpaceSides[] = {{"left", "20 24"}, {"right", "04 10"}, {"upper", "12"}, {"diagonal", "02"}};
 constexpr std::array kNoDeeds{"cartesian-framework", "space", "thing", "trajectory", "place", "point", "position"};
 
 // The row of a table for a frame, null for none.
@@ -74,7 +74,7 @@ const Row* row_of(Rewriter& graph, int at, const Row (&rows)[N]) {
 }
 
 const Relation* relation_of(Rewriter& graph, int at) {
-  return row_of(graph, at, kRelations);
+  return row_of(graph, at, kSpaceRelations);
 }
 
 // A space or a way of which nothing but where it is has to be told.
@@ -167,7 +167,7 @@ void part_apply(Rewriter& graph, int noun, int led, bool is_head) {
 
 // (s / space :ARG1-of (c / corner-02 :ARG2 (b / box))): the corner of the box. (b / block :ARG1-of (t / top-06)): the top
 // block. (s / space :ARG1-of (o / on-top-03 :ARG2 (b / box))): on top of the box.
-void described_apply(Rewriter& graph, int noun) {
+void placed_apply(Rewriter& graph, int noun) {
   if (!graph.word(noun).sense.empty()) return;
   const bool nameless = is_nameless(graph, noun);
   std::vector<int> frames;
@@ -178,22 +178,23 @@ void described_apply(Rewriter& graph, int noun) {
     if (is_below) frames.push_back(led);
   }
   int head = -1;
-  for (const Part& part : kParts) {
+  for (const Part& part : kSpaceParts) {
     for (const int led : frames) {
-      if (head < 0 && nameless && row_of(graph, graph.arc(led).to, kParts) == &part) head = led;
+      if (head < 0 && nameless && row_of(graph, graph.arc(led).to, kSpaceParts) == &part) head = led;
     }
   }
   // "The second from the left": a side of which nothing else is told.
   if (head < 0 && graph.is(noun, "thing") && frames.size() == 1 && nameless &&
-      graph.child(graph.arc(frames[0]).to, "ARG2") < 0 && row_of(graph, graph.arc(frames[0]).to, kSides) != nullptr)
+      graph.child(graph.arc(frames[0]).to, "ARG2") < 0 &&
+      row_of(graph, graph.arc(frames[0]).to, kSpaceSides) != nullptr)
     head = frames[0];
   bool has_place = head >= 0 || !nameless;
   for (const int led : frames) {
     const int frame = graph.arc(led).to;
     const Relation* relation = relation_of(graph, frame);
-    const bool is_side = row_of(graph, frame, kSides) != nullptr && has_place && graph.child(frame, "ARG2") < 0 &&
+    const bool is_side = row_of(graph, frame, kSpaceSides) != nullptr && has_place && graph.child(frame, "ARG2") < 0 &&
                          graph.arc(led).role == "ARG1";
-    if (row_of(graph, frame, kParts) != nullptr || is_side) {
+    if (row_of(graph, frame, kSpaceParts) != nullptr || is_side) {
       part_apply(graph, noun, led, led == head);
       continue;
     }
@@ -279,7 +280,7 @@ void one_apply(Rewriter& graph, int at) {
 
 // (p / place-01 :frequency (r / rate-entity-91 :ARG1 (b / block :quant 1) :ARG2 (s / side :quant 1))): one each, where both
 // are among what the sentence has named.
-void share_apply(Rewriter& graph, int at) {
+void each_apply(Rewriter& graph, int at) {
   const int what = graph.is(at, "rate-entity", "91") ? graph.child(at, "ARG1") : -1;
   const int above = what < 0 ? -1 : graph.parent(at);
   if (above < 0 || graph.arc(above).inverse || graph.arc(above).role != "frequency") return;
@@ -372,11 +373,11 @@ void step_space(Meaning& meaning) {
     if (graph.is(at, "cartesian-coordinate-entity")) coordinates_apply(graph, at);
     size_apply(graph, at);
     one_apply(graph, at);
-    share_apply(graph, at);
+    each_apply(graph, at);
     sequence_apply(graph, at);
     shape_apply(graph, at);
   }
-  for (int at = 0, end = graph.count(); at < end; ++at) described_apply(graph, at);
+  for (int at = 0, end = graph.count(); at < end; ++at) placed_apply(graph, at);
   for (int at = 0, end = graph.count(); at < end; ++at) stated_place_apply(graph, at);
   for (int at = 0, end = graph.count(); at < end; ++at) fragment_apply(graph, at);
 }

@@ -94,7 +94,7 @@ void raise_apply(Rewriter& graph, int at) {
 // "He was told that it rains", "she was asked to stay", "they were given bread": who receives it is the subject where
 // nobody gives it.
 // (t / tell-01 :ARG1 r :ARG2 (h / he)), and for offer-01 ARG3: the receiver becomes :understood, with @psv and @bid.
-void told_apply(Rewriter& graph, int at) {
+void receiver_apply(Rewriter& graph, int at) {
   constexpr std::array kTelling{"tell",  "ask",  "give", "show", "teach", "grant",
                                 "award", "warn", "lend", "deny", "offer"};
   const bool is_told = is_one_of(graph, at, kTelling) && is_event(graph, at) && graph.argument(at, "ARG0") < 0;
@@ -601,7 +601,7 @@ void step_control(Meaning& meaning) {
   Rewriter graph(meaning, "control");
   for (int at = 0, end = graph.count(); at < end; ++at) {
     copular_apply(graph, at);
-    told_apply(graph, at);
+    receiver_apply(graph, at);
     raise_apply(graph, at);
   }
   for (int at = 0; at < graph.count(); ++at) subject_once_apply(graph, at);
