@@ -451,7 +451,12 @@ void degree_apply(Rewriter& graph, int at, bool is_quantity) {
   if (is_bare && graph.child(at, "ARG3") >= 0) quality_led = graph.argument(at, "ARG1");
   if (quality_led < 0) return;
   const int quality = graph.other(quality_led, at);
-  const int bearer_led = is_bare ? -1 : graph.argument(at, "ARG1");
+  int bearer_led = is_bare ? -1 : graph.argument(at, "ARG1");
+  // (d / dark-02 :ARG1 it :ARG1-of (h / have-degree-91 :ARG2 d :ARG3 so)): it bears itself, and who is dark it says.
+  if (bearer_led >= 0 && graph.other(bearer_led, at) == quality) {
+    graph.remove(bearer_led, Fate::relation);
+    bearer_led = -1;
+  }
   // "He did not sing so much": of what somebody does, the doing is denied.
   const int deed = is_quantity && bearer_led >= 0 ? graph.other(bearer_led, at) : -1;
   if (deed >= 0 && is_event(graph, deed) && std::erase(graph.word(at).attributes, "@neg") > 0)

@@ -1109,6 +1109,7 @@ const StepRow kSteps[] = {
      "(c / correlate-91 :ARG1 (h / have-degree-91 :ARG1 (r / run-02 :ARG0 (b / boy)) :ARG3 (m / more)) :ARG2 (h2 / have-degree-91 :ARG1 (l / laugh-01 :ARG0 (g "
      "/ girl)) :ARG3 (m2 / more)))",
      "o1(as, run(>02).@v); a0(run(>02), boy); ext(run(>02), more:01); a0(laugh(>01).@entry.@v, girl); ext(laugh(>01), more:02); tim(laugh(>01), as)"},
+    {"bears_itself", "degree", "(d / dark-02 :ARG1 (i / it) :ARG1-of (h / have-degree-91 :ARG2 d :ARG3 (s / so)))", "a1(dark(>02).@entry.@v.@so, it)"},
     {"bare_degree", "degree", "(t / taste-01 :ARG0 (s / soup) :ARG1 (g / good-02 :ARG1 s :ARG1-of (h / have-degree-91 :ARG3 (m / more))))",
      "a0(taste(>01).@entry.@v, soup); a1(taste(>01), good(>02).@v.@more); a1(good(>02), soup)"},
     {"he_was_told", "control", "(t / tell-01 :ARG1 (r / rain-01) :ARG2 (b / boy))", "a1(tell(>01).@entry.@v.@psv.@bid, rain(>01).@v); ctl(tell(>01), boy)"},
