@@ -205,6 +205,16 @@ const Conjunction* conjunction_of(Rewriter& graph, int at) {
   return nullptr;
 }
 
+int joined_in(Rewriter& graph, int at) {
+  // A circle of operands has no end.
+  for (int left = graph.count(); left > 0; --left) {
+    const int above = graph.parent(at);
+    if (above < 0 || graph.arc(above).inverse || !graph.arc(above).role.starts_with("op")) break;
+    at = graph.arc(above).from;
+  }
+  return at;
+}
+
 int subject_arc(Rewriter& graph, int clause) {
   if (has_attribute(graph.word(clause), "@psv")) return graph.child(clause, "ARG1");
   for (const char* role : {"ARG0", "ARG1", "domain"}) {

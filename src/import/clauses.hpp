@@ -43,6 +43,9 @@ struct Conjunction {
 // contrast-01 has ARG1 and ARG2 instead of operands; the choices name alternatives, of which each bank has its own.
 const Conjunction* conjunction_of(Rewriter& graph, int at);
 
+// What a concept is a part of, however often it is joined: (a / and :op1 (b / but :op1 at)) is a. Itself if it is not joined.
+int joined_in(Rewriter& graph, int at);
+
 // The subject of a clause as the source writes it: its agent, or else what it is said of.
 int subject_arc(Rewriter& graph, int clause);
 

@@ -101,6 +101,10 @@ bool is_one_of(Rewriter& graph, int at, const std::array<const char*, N>& names)
 inline constexpr std::array kPersonalPronouns{"i", "we", "you", "he", "she", "it", "they"};
 inline constexpr std::array kDemonstratives{"this", "that", "these", "those"};
 
+// Times that last: "all night", "the whole summer".
+inline constexpr std::array kSpans{"day",  "night", "morning", "afternoon", "evening", "week",
+                                   "year", "month", "summer",  "winter",    "spring",  "autumn"};
+
 // Verbs below which a question is reported and not asked.
 inline constexpr std::array kReporting{
     "know",     "wonder", "understand", "forget", "remember", "learn",    "explain", "tell",     "see",       "ask",

@@ -444,8 +444,10 @@ void answer_word_apply(Rewriter& graph, int at) {
       {"great", "well-great"},    {"perfect", "well-perfect"}, {"good", "well-good"},
       {"nice", "well-nice"},      {"cool", "well-cool"},       {"excellent", "well-excellent"},
       {"awesome", "well-awesome"}};
-  const int above = graph.parent(at);
-  const bool is_uttered = above < 0 || (!graph.arc(above).inverse && graph.arc(above).role.starts_with("op"));
+  // "It seems good and right" utters none of the two.
+  const int whole = joined_in(graph, at);
+  const int above = graph.parent(whole);
+  const bool is_uttered = above < 0 || (whole != at && is_one_of(graph, graph.arc(above).from, kSaying));
   if (!is_uttered || graph.word(at).sense.empty() || graph.mentions(at) > 1) return;
   const auto* row = std::find_if(std::begin(kAnswers), std::end(kAnswers),
                                  [&](const auto& one) { return graph.word(at).name == one.first; });

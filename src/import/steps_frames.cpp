@@ -414,12 +414,10 @@ void result_apply(Rewriter& graph, int at) {
 // From three on English counts times: (r / ring-01 :frequency 3) becomes ring with :frequency (time :quant 3), "three
 // times".
 void frequency_apply(Rewriter& graph, int at) {
-  // (a / attack-01 :quant 3), as a clause: three times.
+  // (a / attack-01 :quant 3), as a clause: three times. "They feared three attacks and two raids" counts nouns.
   const int number_of = is_event(graph, at) ? graph.child(at, "quant") : -1;
-  const int above = number_of < 0 ? -1 : graph.parent(at);
-  const bool is_clause = above < 0 || graph.arc(above).role.starts_with("op");
-  if (number_of >= 0 && is_clause && graph.word(graph.arc(number_of).to).variable.empty() &&
-      graph.child(at, "frequency") < 0)
+  const bool is_clause = number_of >= 0 && graph.parent(joined_in(graph, at)) < 0;
+  if (is_clause && graph.word(graph.arc(number_of).to).variable.empty() && graph.child(at, "frequency") < 0)
     graph.arc(number_of).role = "frequency";
   const int led = graph.child(at, "frequency");
   if (led < 0) return;

@@ -459,7 +459,7 @@ void kind_of_deed(Rewriter& graph, int at) {
 void manner_amount_apply(Rewriter& graph, int at) {
   constexpr std::array kOfAnAct{"some", "much", "little", "great", "lot", "any", "certain", "considerable", "more"};
   const int led = graph.word(at).sense.empty() ? -1 : graph.child(at, "manner");
-  const int event = led < 0 || graph.arc(led).inverse ? -1 : graph.arc(led).to;
+  const int event = led < 0 ? -1 : graph.arc(led).to;
   if (event < 0 || !is_one_clause(graph, event) || graph.mentions(event) != 1) return;
   for (const char* role : {"mod", "quant"}) {
     const int amount = graph.child(event, role);
@@ -526,7 +526,10 @@ void material_apply(Rewriter& graph, int at) {
   if (led < 0 || has_attribute(graph.word(at), "@measure") || graph.word(at).variable.empty()) return;
   const int what = graph.arc(led).to;
   Concept& material = graph.word(what);
-  if (!material.sense.empty() || graph.mentions(what) != 1 || !graph.children(what).empty()) return;
+  // "A circle of stones" is made of several.
+  if (!material.sense.empty() || has_attribute(material, "@pl") || graph.mentions(what) != 1 ||
+      !graph.children(what).empty())
+    return;
   for (const auto& [name, said] : kMaterials) {
     if (material.name != name) continue;
     material.name = said;
@@ -657,8 +660,8 @@ void step_nouns(Meaning& meaning) {
     manner_amount_apply(graph, at);
     kind_of_deed(graph, at);
     group_members_apply(graph, at);
-    made_apply(graph, at);
     material_apply(graph, at);
+    made_apply(graph, at);
     of_kind_apply(graph, at);
   }
 }

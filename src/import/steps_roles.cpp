@@ -202,11 +202,8 @@ namespace {
 
 // "He was busy all week": such a time has no preposition, and there is one.
 void whole_time_apply(Rewriter& graph, Arc& one) {
-  constexpr std::array kTimes{"day",     "night",  "week",   "month",  "year",   "morning",
-                              "evening", "summer", "winter", "spring", "autumn", "afternoon"};
-  const int whole = one.role == "duration" && is_one_of(graph, one.to, kTimes) ? graph.child(one.to, "mod") : -1;
+  const int whole = one.role == "duration" && is_one_of(graph, one.to, kSpans) ? graph.child(one.to, "mod") : -1;
   if (whole < 0 || !(graph.is(graph.arc(whole).to, "all") || graph.is(graph.arc(whole).to, "whole"))) return;
-  std::erase(graph.word(one.to).attributes, "@pl");
   one.role = "extent";
 }
 

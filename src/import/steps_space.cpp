@@ -157,6 +157,7 @@ void part_apply(Rewriter& graph, int noun, int led, bool is_head) {
     attribute_add(graph.word(noun), "@def");
     graph.settle_concept(frame, Fate::word);
     graph.remove(led, Fate::word);
+    graph.move_children(frame, noun);
     return;
   }
   graph.word(frame).sense.clear();
@@ -173,7 +174,9 @@ void placed_apply(Rewriter& graph, int noun) {
   std::vector<int> frames;
   for (const int led : graph.children(noun)) {
     const int frame = graph.arc(led).to;
-    const bool is_below = graph.arc(led).inverse && graph.arc(led).role.starts_with("ARG") &&
+    // "The box that has a corner" is no corner.
+    const bool is_whole = graph.arc(led).role != "ARG1" && row_of(graph, frame, kSpaceParts) != nullptr;
+    const bool is_below = graph.arc(led).inverse && graph.arc(led).role.starts_with("ARG") && !is_whole &&
                           !graph.word(frame).sense.empty() && graph.mentions(frame) == 1;
     if (is_below) frames.push_back(led);
   }
@@ -224,7 +227,7 @@ void stated_place_apply(Rewriter& graph, int at) {
     return preposition_apply(graph, at, *relation);
   if (led < 0 || graph.child(at, "ARG0") >= 0) return;
   const bool is_beside =
-      above >= 0 && !graph.arc(above).inverse && !graph.arc(above).role.starts_with("op") &&
+      above >= 0 && !graph.arc(above).inverse &&
       (graph.arc(above).role == "manner" || graph.arc(above).role == "direction" || graph.arc(above).role == "result");
   if (above >= 0 && graph.arc(above).inverse) return;
   if (is_beside) {
@@ -252,6 +255,7 @@ void size_apply(Rewriter& graph, int at) {
     const int size = graph.arc(led).to;
     const int value = graph.is(size, "dimension-entity") ? graph.child(size, "value") : -1;
     if (value < 0 || graph.arc(led).inverse || graph.arc(led).role != "size") continue;
+    if (is_unknown(graph, graph.arc(value).to)) continue;
     text += (text.empty() ? "" : " x ") + graph.word(graph.arc(value).to).name;
     graph.settle_concept(graph.arc(value).to, Fate::word);
     graph.remove(value, Fate::word);
@@ -271,10 +275,8 @@ void size_apply(Rewriter& graph, int at) {
 
 // "The red one": a thing that is told from others by its color.
 void one_apply(Rewriter& graph, int at) {
-  if (graph.is(at, "thing") && graph.child(at, "color") >= 0 && graph.child(at, "configuration") < 0)
-    graph.word(at).name = "one";
-  else
-    return;
+  if (!graph.is(at, "thing") || graph.child(at, "color") < 0 || graph.child(at, "configuration") >= 0) return;
+  graph.word(at).name = "one";
   if (graph.child(at, "quant") < 0 && graph.child(at, "mod") < 0) attribute_add(graph.word(at), "@def");
 }
 

@@ -23,9 +23,9 @@ bool is_modal(const Concept& clause) {
 // (b / become-01 :ARG1 s :ARG2 (s2 / small :domain s)): behind such a verb an adjective has no subject of its own.
 // "She became small": both frames name her in the bank.
 void copular_apply(Rewriter& graph, int at) {
-  constexpr std::array kCopular{"become", "look", "feel",  "sound",   "smell", "taste",    "stay",    "remain", "grow",
-                                "turn",   "get",  "elect", "appoint", "name",  "nominate", "declare", "choose", "call",
-                                "crown",  "make", "elect", "promote", "hire",  "consider", "regard"};
+  constexpr std::array kCopular{"become", "look", "feel",  "sound", "smell",   "taste", "stay",     "remain",
+                                "grow",   "turn", "get",   "elect", "appoint", "name",  "nominate", "declare",
+                                "choose", "call", "crown", "make",  "promote", "hire",  "consider", "regard"};
   if (graph.word(at).sense.empty() || !is_one_of(graph, at, kCopular)) return;
   const std::vector<int> below = graph.children(at);
   for (const int led : below) {

@@ -512,8 +512,6 @@ void determiners_apply(Rewriter& graph) {
     const bool is_several = is_listed(name, kSeveral) && !is_uncounted(graph.word(one.from).name);
     const bool is_all_that = graph.is(one.from, "that") || graph.is(one.from, "this");
     // "All night".
-    constexpr std::array kSpans{"day",  "night", "morning", "afternoon", "evening", "week",
-                                "year", "month", "summer",  "winter",    "spring",  "autumn"};
     const int span = name == "all" && is_listed(graph.word(one.from).name, kSpans) ? graph.parent(one.from) : -1;
     const bool is_span = span >= 0 && (graph.arc(span).role == "duration" || graph.arc(span).role == "time") &&
                          !has_attribute(graph.word(one.from), "@pl");
@@ -533,7 +531,7 @@ bool is_share(const std::string& name) {
   const std::size_t space = name.find(' ');
   const std::string part = space == name.npos ? name : name.substr(space + 1);
   return is_listed(part, kShares) ||
-         (space != name.npos && part.back() == 's' && is_listed(part.substr(0, part.size() - 1), kShares));
+         (space != name.npos && part.ends_with('s') && is_listed(part.substr(0, part.size() - 1), kShares));
 }
 
 // "More than half of the houses", "two thirds of his sheep", "most of her friends"; "all her friends". The rest of the
@@ -583,7 +581,7 @@ void elected_apply(Rewriter& graph, int at) {
   const int led = graph.is(at, "elect", "01") ? graph.child(at, "ARG2") : -1;
   constexpr std::array kBodies{"parliament", "congress",  "senate", "council",     "assembly",
                                "board",      "committee", "house",  "legislature", "government-organization"};
-  if (led < 0 || graph.arc(led).inverse) return;
+  if (led < 0) return;
   const int body = graph.arc(led).to;
   if (is_one_of(graph, body, kBodies) || has_attribute(graph.word(body), "@government-organization"))
     graph.arc(led).role = "destination";

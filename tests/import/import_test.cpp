@@ -1145,6 +1145,15 @@ const StepRow kSteps[] = {
      "(o / or :op1 (s / see-01 :polarity - :ARG0 (i / i) :ARG1 (b / bird) :time (e / ever)) :op2 (h / hear-01 :polarity - :ARG0 i :ARG1 b :time e))",
      "a0(see(>01).@entry.@v.@perf.@cl, i:01); a1(see(>01), bird:01); tim(see(>01), never); cnj(see(>01), hear(>01).@v.@or.@same.@alike.@cl); shr(hear(>01), "
      "i:02.@ref); a1(hear(>01), bird:02.@ref)"},
+    {"circle_of_stones", "nouns", "(c / circle :consist-of (s / stone :refer-number plural))", "cns(circle.@entry.@indef, stone.@pl)"},
+    {"attacks_feared", "reified", "(f / fear-01 :ARG0 (t / they) :ARG1 (a / and :op1 (a2 / attack-01 :quant 3) :op2 (r / raid-01 :quant 2)))",
+     "a0(fear(>01).@entry.@v, they); a1(fear(>01), and); o1(and, attack(>01).@v); qty(attack(>01), 3); o2(and, raid(>01).@v); qty(raid(>01), 2)"},
+    {"box_with_a_corner", "space", "(t / take-01 :ARG1 (b / box :ARG2-of (c / corner-02 :ARG1 (s / seat))))",
+     "a1(take(>01).@entry.@v, box); a2(corner(>02).@v, box); a1(corner(>02), seat)"},
+    {"size_unknown", "space", "(b / build-01 :ARG1 (s / square :size (d / dimension-entity :value umr-unknown)))",
+     "a1(build(>01).@entry.@v, square); siz(square, dimension-entity); val(dimension-entity, umr-unknown)"},
+    {"good_in_a_story", "all", "(s / seem-01 :ARG1 (a / and :op1 (g / good-02) :op2 (r / right-06)))",
+     "a1(seem(>01).@entry.@v.@content.@cl, good(>02).@v); cnj(good(>02), right(>06).@v.@and)"},
 };
 
 TEST(Import, Steps) {
