@@ -324,6 +324,8 @@ void shape_apply(Rewriter& graph, int at) {
   const int above = graph.parent(at);
   if (form >= 0 && above >= 0 && graph.arc(above).role == "manner" && !graph.arc(above).inverse) {
     graph.arc(above).role = "medium";
+    const int what = graph.child(at, "ARG1");
+    if (what >= 0 && graph.mentions(graph.arc(what).to) > 1) graph.remove(what, Fate::word);
     return graph.stand_in(at, form, Fate::relation);
   }
   if (form >= 0) graph.word(at).name = "be-located-at";
