@@ -598,7 +598,7 @@ void age_apply(Rewriter& graph, int at) {
   const int led = graph.is(at, "thing") ? graph.child(at, "ARG2", true) : -1;
   const int frame = led >= 0 ? graph.arc(led).to : -1;
   const int whose = frame >= 0 && graph.is(frame, "age", "01") ? graph.child(frame, "ARG1") : -1;
-  if (whose < 0 || graph.mentions(frame) != 1 || graph.children(frame).size() != 1) return;
+  if (whose < 0 || graph.arc(whose).to == at || graph.mentions(frame) != 1 || graph.children(frame).size() != 1) return;
   graph.replace(whose, at, graph.arc(whose).to, "poss");
   graph.settle_concept(frame, Fate::word);
   graph.remove(led, Fate::word);
@@ -1249,7 +1249,10 @@ void perceived_apply(Rewriter& graph, int at) {
   const int led = graph.child(at, "ARG1");
   const int what = led < 0 ? -1 : graph.arc(led).to;
   if (what < 0 || !is_event(graph, what) || graph.parent(what) != led || graph.mentions(what) > 1) return;
-  if (!(is_seeing ? is_one_of(graph, what, kMoves) : is_one_of(graph, what, kSounds))) return;
+  const auto is_perceptible = [&](int deed) {
+    return is_seeing ? is_one_of(graph, deed, kMoves) : is_one_of(graph, deed, kSounds);
+  };
+  if (!is_perceptible(what)) return;
   // What is denied or only possible is not perceived, and a passive has no bare infinitive.
   constexpr std::array kClauses{"@neg",  "@can",     "@must",  "@should", "@may", "@fut",
                                 "@used", "@whether", "@asked", "@ask",    "@psv", "@nom"};
@@ -1257,9 +1260,11 @@ void perceived_apply(Rewriter& graph, int at) {
     if (has_attribute(graph.word(what), mark)) return;
   }
   // "I saw him climb the wall and run".
-  for (int next = graph.child(what, "conjunct"); next >= 0; next = graph.child(graph.arc(next).to, "conjunct")) {
+  int next = graph.child(what, "conjunct");
+  for (int steps = graph.count(); next >= 0 && steps > 0; --steps) {
     const int other = graph.arc(next).to;
-    if (graph.child(other, "shared") < 0 || !is_one_of(graph, other, kMoves)) return;
+    if (graph.child(other, "shared") < 0 || !is_perceptible(other)) return;
+    next = graph.child(other, "conjunct");
   }
   attribute_add(graph.word(what), "@perceived");
 }

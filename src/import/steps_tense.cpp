@@ -95,7 +95,9 @@ void tense_from_time(Rewriter& graph, int at) {
                              graph.child(at, "shared") >= 0 && told_of(graph, graph.arc(before).from) >= 0 &&
                              !is_told_of_now(graph, graph.arc(before).from);
     if (is_perfect) attribute_add(graph.word(at), is_in_story ? "@past" : "@perf");
-    if (is_over(graph, time) && is_undated(graph.word(at))) attribute_add(graph.word(at), "@past");
+    // "Yesterday's newspaper" is no event.
+    if (is_clause(graph, at) && is_over(graph, time) && is_undated(graph.word(at)))
+      attribute_add(graph.word(at), "@past");
     const bool is_relation = graph.is(time, "before") || graph.is(time, "after");
     const int point = is_relation ? graph.child(time, "op1") : -1;
     // After what was told: two days later.
@@ -156,6 +158,9 @@ int clause_around(Rewriter& graph, int thing) {
   return -1;
 }
 
+// What lies beside a deed in time has its clause below one of these.
+constexpr std::array kBesides{"before", "after", "until", "while", "since", "as-soon-as", "soon-after"};
+
 // "He said that it was late", "she bought a house that was old", "it was dark and we left": in a story what lasts is told
 // of the same time as the deed above it, or beside it. True for what stands so below what is told as past.
 bool is_of_same_time(Rewriter& graph, int at) {
@@ -167,8 +172,7 @@ bool is_of_same_time(Rewriter& graph, int at) {
     const int around = clause_around(graph, to.from);
     return around >= 0 && is_told_as_past(graph, around);
   }
-  constexpr std::array kRelations{"before", "after", "until", "while", "since", "as-soon-as", "soon-after"};
-  if (to.role == "op1" && is_one_of(graph, to.from, kRelations)) {
+  if (to.role == "op1" && is_one_of(graph, to.from, kBesides)) {
     const int above = graph.parent(to.from);
     return above >= 0 && is_told_as_past(graph, graph.arc(above).from);
   }
@@ -341,6 +345,9 @@ void tense_beside(Rewriter& graph, int at) {
   const auto is_open = [&](int one) {
     const bool is_predicate = one != at && graph.word(one).sense.empty() && graph.child(one, "domain") >= 0;
     const bool is_verb = is_event(graph, one) && graph.child(one, "domain") < 0;
+    // "You cry when the wind blows": talk with "you" is about now.
+    const int who = told_of(graph, one);
+    if (who >= 0 && graph.is(graph.arc(who).to, "you")) return false;
     return (is_verb || is_predicate) && std::none_of(kKnown.begin(), kKnown.end(), [&](const char* mark) {
              return has_attribute(graph.word(one), mark);
            });
@@ -351,8 +358,7 @@ void tense_beside(Rewriter& graph, int at) {
   if (!is_open(at) || is_condition || graph.child(at, "condition") >= 0) return;
   for (const char* role : {"time", "conjunct", "cause", "concession"}) {
     int led = graph.child(at, role);
-    constexpr std::array kRelations{"before", "after", "until", "while", "since", "as-soon-as", "soon-after"};
-    if (led >= 0 && is_one_of(graph, graph.arc(led).to, kRelations)) led = graph.child(graph.arc(led).to, "op1");
+    if (led >= 0 && is_one_of(graph, graph.arc(led).to, kBesides)) led = graph.child(graph.arc(led).to, "op1");
     const int beside = led < 0 ? -1 : graph.arc(led).to;
     // "She left because he did not answer": what did not happen has its place in the story, too.
     const bool is_denied = beside >= 0 && is_event(graph, beside) && has_attribute(graph.word(beside), "@neg") &&
@@ -583,9 +589,9 @@ void step_tense(Meaning& meaning) {
     tense_of_coming(graph, at);
     tense_of_thanks(graph, at);
     const int subject = told_of(graph, at);
-    // What UMR calls done is over, though somebody says it.
     // "Who told you that?"
     const bool is_who = subject >= 0 && is_unknown(graph, graph.arc(subject).to);
+    // What UMR calls done is over, though somebody says it.
     const bool is_speech =
         has_attribute(clause, "@quote") && subject >= 0 && !is_who && !has_attribute(clause, "@done");
     const bool is_to_you = subject >= 0 && graph.is(graph.arc(subject).to, "you");
