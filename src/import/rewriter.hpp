@@ -97,6 +97,16 @@ bool is_one_of(Rewriter& graph, int at, const std::array<const char*, N>& names)
   return is_listed(graph.word(at).name, names);
 }
 
+// The first arc with this role that leads to one of these names; -1 for none.
+template <std::size_t N>
+int child_among(Rewriter& graph, int at, std::string_view role, const std::array<const char*, N>& names) {
+  for (const int led : graph.children(at)) {
+    const Arc& one = graph.arc(led);
+    if (!one.inverse && one.role == role && is_one_of(graph, one.to, names)) return led;
+  }
+  return -1;
+}
+
 // The concepts that stand for people and things spoken of before, and those that point at them.
 inline constexpr std::array kPersonalPronouns{"i", "we", "you", "he", "she", "it", "they"};
 inline constexpr std::array kDemonstratives{"this", "that", "these", "those"};

@@ -388,10 +388,15 @@ void compound_apply(Rewriter& graph, int at) {
 
 // (b / book :ARG1-of (f / favor-01 :ARG0 s)): "her favorite book".
 void favorite_apply(Rewriter& graph, int at) {
-  const int led =
-      graph.word(at).sense.empty() && !has_attribute(graph.word(at), "@name") ? graph.child(at, "ARG1", true) : -1;
-  const int frame = led < 0 ? -1 : graph.arc(led).to;
-  if (frame < 0 || !graph.is(frame, "favor", "01") || graph.mentions(frame) != 1) return;
+  if (!graph.word(at).sense.empty() || has_attribute(graph.word(at), "@name")) return;
+  const std::vector<int> told = graph.children(at);
+  const auto favored = std::find_if(told.begin(), told.end(), [&](int one) {
+    return graph.arc(one).inverse && graph.arc(one).role == "ARG1" && graph.is(graph.arc(one).to, "favor", "01");
+  });
+  if (favored == told.end()) return;
+  const int led = *favored;
+  const int frame = graph.arc(led).to;
+  if (graph.mentions(frame) != 1) return;
   const std::vector<int> below = graph.children(frame);
   const int whose = graph.child(frame, "ARG0");
   if (below.size() != (whose < 0 ? 0U : 1U) || !is_one_clause(graph, frame)) return;
@@ -410,6 +415,11 @@ void perceived_noun_apply(Rewriter& graph, int at) {
   const bool is_part = above >= 0 && !graph.arc(above).inverse &&
                        (graph.arc(above).role.starts_with("ARG") || graph.arc(above).role.starts_with("op"));
   if (!is_part || !is_one_of(graph, at, kGiven) || !is_one_clause(graph, at)) return;
+  // "The bell began to ring", "he said that the soup tasted", "after the bell rang".
+  constexpr std::array kOfClauses{"begin", "start", "continue", "cease",  "stop",  "say",   "think", "believe",
+                                  "claim", "hope",  "expect",   "before", "after", "until", "since", "while"};
+  const int governor = graph.arc(above).from;
+  if (is_one_of(graph, governor, kOfClauses) || is_seeming(graph, governor)) return;
   int sources = 0;
   for (const int led : graph.children(at)) {
     const Arc& one = graph.arc(led);

@@ -151,8 +151,7 @@ void conjunction_apply(Rewriter& graph, Arc& one) {
   constexpr std::array kPicking{"only", "even", "especially", "particularly", "just", "not-only"};
   const bool is_picking =
       one.role == "time" || one.role == "condition" || one.role == "cause" || one.role == "location";
-  const int picked = one.inverse || !is_picking ? -1 : graph.child(one.to, "mod");
-  const bool is_picked = picked >= 0 && is_one_of(graph, graph.arc(picked).to, kPicking);
+  const bool is_picked = !one.inverse && is_picking && child_among(graph, one.to, "mod", kPicking) >= 0;
   if (is_picked) attribute_add(graph.word(one.to), "@focus");
   const bool is_ahead = !one.inverse && (one.role == "condition" || is_timed) && !is_picked &&
                         !has_attribute(graph.word(one.from), "@query");
@@ -202,9 +201,9 @@ namespace {
 
 // "He was busy all week": such a time has no preposition, and there is one.
 void whole_time_apply(Rewriter& graph, Arc& one) {
-  const int whole = one.role == "duration" && is_one_of(graph, one.to, kSpans) ? graph.child(one.to, "mod") : -1;
-  if (whole < 0 || !(graph.is(graph.arc(whole).to, "all") || graph.is(graph.arc(whole).to, "whole"))) return;
-  one.role = "extent";
+  constexpr std::array kWhole{"all", "whole"};
+  const bool is_span = one.role == "duration" && is_one_of(graph, one.to, kSpans);
+  if (is_span && child_among(graph, one.to, "mod", kWhole) >= 0) one.role = "extent";
 }
 
 }  // namespace

@@ -545,8 +545,7 @@ void share_apply(Rewriter& graph, int led, int number) {
   const bool is_owned = graph.child(noun, "poss") >= 0;
   constexpr std::array kBefore{"all", "both"};
   if (is_owned && is_listed(share.name, kBefore)) graph.arc(led).role = "mod";
-  const int pointing = graph.child(noun, "mod");
-  const bool is_pointed = pointing >= 0 && is_one_of(graph, graph.arc(pointing).to, kDemonstratives);
+  const bool is_pointed = child_among(graph, noun, "mod", kDemonstratives) >= 0;
   // "Many of those sailors".
   constexpr std::array kPicked{"most", "lot", "many", "some"};
   const bool is_most = (is_owned && share.name == "most") || (is_pointed && is_listed(share.name, kPicked));
