@@ -619,10 +619,10 @@ void counted_apply(Rewriter& graph) {
     const bool is_plain = number.sense.empty() && is_number(number.name);
     const bool is_lot =
         number.name == "lot" && graph.word(one.from).sense.empty() && !is_uncounted(graph.word(one.from).name);
-    constexpr std::array kPeople{"person",   "man",     "woman",  "child",   "boy",   "girl",    "friend",
-                                 "farmer",   "soldier", "animal", "tree",    "house", "book",    "flower",
-                                 "animal",   "bird",    "dog",    "country", "city",  "company", "letter",
-                                 "question", "problem", "place",  "thing",   "word",  "idea"};
+    constexpr std::array kPeople{"person",  "man",     "woman",   "child", "boy",     "girl",   "friend",
+                                 "farmer",  "soldier", "animal",  "tree",  "house",   "book",   "flower",
+                                 "bird",    "dog",     "country", "city",  "company", "letter", "question",
+                                 "problem", "place",   "thing",   "word",  "idea"};
     const bool is_some = number.name == "some" && is_one_of(graph, one.from, kPeople);
     // "Most of the money was".
     const bool is_amount = (number.name == "all" || number.name == "most" || number.name.ends_with("-unknown")) &&
