@@ -772,7 +772,7 @@ def lemmas(writer, sources):
             continue
         if re.fullmatch(r"[A-Za-z][A-Za-z .'-]*", lemma):
             concept = written if written != lemma else lemma
-            for key in {concept, concept.replace(" ", "-")} if written == lemma else {concept}:
+            for key in sorted({concept, concept.replace(" ", "-")} if written == lemma else {concept}):
                 writer.noun(written, key)
             # The crane, beside a poet of that name.
             if written != lemma and lemma in sources.common and len(lemma) > 2:
@@ -781,26 +781,26 @@ def lemmas(writer, sources):
         if noun[:1].isupper():
             for adjective in sorted(adjectives, key=lambda one: one[:3] != noun[:3])[:1]:
                 writer.entry(adjective, noun, f"ADJ{vowel(adjective)}")
-    for lemma in sources.adjectives:
+    for lemma in sorted(sources.adjectives):
         if sources.tagged[lemma, "1"] > 20 * sources.tagged[lemma, "3"] or sources.tagged[lemma, "4"] > 20 * sources.tagged[lemma, "3"]:
             continue
         if re.fullmatch(r"[A-Za-z][A-Za-z -]*", lemma):
-            for key in {lemma, lemma.replace(" ", "-")}:
+            for key in sorted({lemma, lemma.replace(" ", "-")}):
                 told = ADJECTIVE_OBJECTS.get(lemma)
                 writer.adjective(lemma, key, f",p1{told},p2{told}" if told else "")
-    for lemma in sources.adverbs:
+    for lemma in sorted(sources.adverbs):
         # "He said softly": of the two adverbs of an adjective that is plain.
         made = sources.manner.get(lemma, "")
         if lemma in sources.adjectives and made.endswith("ly") and sources.tagged[made, "4"] > sources.tagged[lemma, "4"]:
             continue
         if re.fullmatch(r"[a-z][a-z -]*", lemma):
-            for key in {lemma, lemma.replace(" ", "-")}:
+            for key in sorted({lemma, lemma.replace(" ", "-")}):
                 kinds = ",MID" * (lemma in MIDDLE) + ",WHOLE" * (lemma in OF_CLAUSE) + ",FRONT,OPENER" * (lemma in OPENERS) + ",END" * (" " in lemma)
                 writer.entry(lemma, key, f"ADV{kinds}{vowel(lemma)}{',PREDA' * (lemma == 'asleep')}")
     # UniMorph has forms of verbs that nobody uses, such as "younged".
     for lemma in sorted(sources.verbs | set(sources.forms) - sources.adjectives):
         if re.fullmatch(r"[a-z][a-z -]*", lemma):
-            for key in {lemma, lemma.replace(" ", "-")}:
+            for key in sorted({lemma, lemma.replace(" ", "-")}):
                 writer.verb(lemma, key)
                 for agent in agent_of(sources, lemma)[:1]:
                     writer.noun(agent, key, ",AGT")

@@ -652,6 +652,16 @@ void step_mentions(Meaning& meaning) {
       const bool is_own =
           agent >= 0 && agent != led && meant[static_cast<std::size_t>(agent)] == to && is_core(graph.arc(led));
       graph.lead_to(led, mention_of(graph, to));
+      // "She asked the old sailor where he lived": whoever is he, or it, is one. Subjects are so without a mark.
+      constexpr std::array kUnsaid{"understood", "shared"};
+      constexpr std::array kOther{"@v", "@pl", "@group", "@people", "@name"};
+      const int told = first[static_cast<std::size_t>(to)];
+      const Concept& word = graph.word(to);
+      const bool is_object = told >= 0 && graph.arc(told).role != "ARG0" && graph.arc(told).role != "speaker";
+      const bool is_thing =
+          std::none_of(kOther.begin(), kOther.end(), [&](const char* one) { return has_attribute(word, one); }) &&
+          word.sense.empty() && !is_personal_pronoun(graph, to);
+      if (is_object && is_thing && !is_listed(graph.arc(led).role, kUnsaid)) attribute_add(graph.word(to), "@sg");
       if (is_own) attribute_add(graph.word(graph.arc(led).to), "@self");
     }
   }

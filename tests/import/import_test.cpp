@@ -525,6 +525,8 @@ const StepRow kSteps[] = {
     {"being_beside_a_deed", "tense", "(s / sing-01 :ARG0 (b / boy) :time (s2 / sad-02 :ARG1 (i / i)))",
      "a0(sing(>01).@entry.@v, boy); tim(sing(>01), sad(>02).@v.@past); a1(sad(>02), i)"},
     {"tense_of_you", "tense", "(s / sing-01 :ARG0 (y / you))", "a0(sing(>01).@entry.@v.@pres, you)"},
+    {"who_is_he_is_one", "mentions", "(a / ask-01 :ARG0 (g / girl) :ARG1 (l / late-02 :ARG1 (s / sailor)) :ARG2 s)",
+     "a0(ask(>01).@entry.@v, girl); a1(ask(>01), late(>02).@v); a1(late(>02), sailor:02.@ref); a2(ask(>01), sailor:01.@sg)"},
     {"reflexive", "mentions", "(h / hide-01 :ARG0 (b / boy) :ARG1 b)", "a0(hide(>01).@entry.@v, boy:01); a1(hide(>01), boy:02.@ref.@self)"},
     {"hurt_yourself", "mentions", "(h / hurt-01 :ARG0 (y / you) :ARG1 (y2 / you))", "a0(hurt(>01).@entry.@v, you:01); a1(hurt(>01), you:02.@self)"},
     {"a_boy_hurts_a_boy", "mentions", "(h / hurt-01 :ARG0 (b / boy) :ARG1 (b2 / boy))", "a0(hurt(>01).@entry.@v, boy:01); a1(hurt(>01), boy:02)"},
