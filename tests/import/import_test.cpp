@@ -525,8 +525,6 @@ const StepRow kSteps[] = {
     {"being_beside_a_deed", "tense", "(s / sing-01 :ARG0 (b / boy) :time (s2 / sad-02 :ARG1 (i / i)))",
      "a0(sing(>01).@entry.@v, boy); tim(sing(>01), sad(>02).@v.@past); a1(sad(>02), i)"},
     {"tense_of_you", "tense", "(s / sing-01 :ARG0 (y / you))", "a0(sing(>01).@entry.@v.@pres, you)"},
-    {"who_is_he_is_one", "mentions", "(a / ask-01 :ARG0 (g / girl) :ARG1 (l / late-02 :ARG1 (s / sailor)) :ARG2 s)",
-     "a0(ask(>01).@entry.@v, girl); a1(ask(>01), late(>02).@v); a1(late(>02), sailor:02.@ref); a2(ask(>01), sailor:01.@sg)"},
     {"reflexive", "mentions", "(h / hide-01 :ARG0 (b / boy) :ARG1 b)", "a0(hide(>01).@entry.@v, boy:01); a1(hide(>01), boy:02.@ref.@self)"},
     {"hurt_yourself", "mentions", "(h / hurt-01 :ARG0 (y / you) :ARG1 (y2 / you))", "a0(hurt(>01).@entry.@v, you:01); a1(hurt(>01), you:02.@self)"},
     {"a_boy_hurts_a_boy", "mentions", "(h / hurt-01 :ARG0 (b / boy) :ARG1 (b2 / boy))", "a0(hurt(>01).@entry.@v, boy:01); a1(hurt(>01), boy:02)"},
@@ -594,7 +592,7 @@ const StepRow kSteps[] = {
      "a0(let(>01).@entry.@v, boy:01); a1(let(>01), fall(>01).@v); a1(fall(>01), boy:02.@ref.@self)"},
     {"asked_finite", "all", "(a / ask-01 :ARG0 (k / king) :ARG1 (c / call-01 :ARG1 (b / boy) :ARG2 (u / amr-unknown)) :ARG2 b)",
      "a0(ask(>01).@entry.@v.@content.@cl, king); a1(ask(>01), call(>01).@v.@asked.@st2.@cl.@query); a1(call(>01), boy:02.@ref); wh(call(>01), "
-     "amr-unknown.@wh.@wh_ARG2); a2(ask(>01), boy:01)"},
+     "amr-unknown.@wh.@wh_ARG2); a2(ask(>01), boy:01.@sg)"},
     {"dared", "reified", "(d / dare-01 :ARG1 (b / boy) :ARG2 (s / sing-01 :ARG0 b))",
      "a0(dare(>01).@entry.@v, boy); a2(dare(>01), sing(>01).@v); a0(sing(>01), boy)"},
     {"moved", "voice", "(s / shock-01 :ARG0 (s2 / see-01 :ARG0 i) :ARG1 (i / i))",
@@ -1479,7 +1477,7 @@ const StepRow kSteps[] = {
      "a0(stand(>01).@entry.@v.@past.@cl, he:01); ptc(stand(>01), own(>01).@v.@cl); a1(own(>01), lamp); ctl(own(>01), he:02.@ref)"},
     {"ever_shared", "all",
      "(o / or :op1 (s / see-01 :polarity - :ARG0 (i / i) :ARG1 (b / bird) :time (e / ever)) :op2 (h / hear-01 :polarity - :ARG0 i :ARG1 b :time e))",
-     "a0(see(>01).@entry.@v.@perf.@cl, i:01); a1(see(>01), bird:01); tim(see(>01), never); cnj(see(>01), hear(>01).@v.@or.@same.@alike.@cl); shr(hear(>01), "
+     "a0(see(>01).@entry.@v.@perf.@cl, i:01); a1(see(>01), bird:01.@sg); tim(see(>01), never); cnj(see(>01), hear(>01).@v.@or.@same.@alike.@cl); shr(hear(>01), "
      "i:02.@ref); a1(hear(>01), bird:02.@ref)"},
     {"no_dogs_can", "all", "(p / possible-01 :polarity - :ARG1 (s / sing-01 :ARG0 (d / dog :mod (a / all))))",
      "a0(sing(>01).@entry.@v.@can.@cl.@aux, dog.@pl); mod(dog, no)"},
