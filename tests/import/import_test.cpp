@@ -1477,7 +1477,8 @@ const StepRow kSteps[] = {
      "a0(stand(>01).@entry.@v.@past.@cl, he:01); ptc(stand(>01), own(>01).@v.@cl); a1(own(>01), lamp); ctl(own(>01), he:02.@ref)"},
     {"ever_shared", "all",
      "(o / or :op1 (s / see-01 :polarity - :ARG0 (i / i) :ARG1 (b / bird) :time (e / ever)) :op2 (h / hear-01 :polarity - :ARG0 i :ARG1 b :time e))",
-     "a0(see(>01).@entry.@v.@perf.@cl, i:01); a1(see(>01), bird:01.@sg); tim(see(>01), never); cnj(see(>01), hear(>01).@v.@or.@same.@alike.@cl); shr(hear(>01), "
+     "a0(see(>01).@entry.@v.@perf.@cl, i:01); a1(see(>01), bird:01.@sg); tim(see(>01), never); cnj(see(>01), hear(>01).@v.@or.@same.@alike.@cl); "
+     "shr(hear(>01), "
      "i:02.@ref); a1(hear(>01), bird:02.@ref)"},
     {"no_dogs_can", "all", "(p / possible-01 :polarity - :ARG1 (s / sing-01 :ARG0 (d / dog :mod (a / all))))",
      "a0(sing(>01).@entry.@v.@can.@cl.@aux, dog.@pl); mod(dog, no)"},
