@@ -1037,7 +1037,7 @@ void judged_act_apply(Rewriter& graph, int at) {
   if (act < 0 || !is_event(graph, act) || graph.parent(act) != led || has_attribute(graph.word(act), "@nom")) return;
   if (!is_one_of(graph, at, kOfActs) && !is_one_of(graph, at, kGoodOrBad)) return;
   if (subject_arc(graph, act) >= 0 || has_attribute(graph.word(at), "@imp") || graph.child(at, "ARG1") >= 0) return;
-  if (is_named_event(graph, act)) return;
+  if (is_named_event(graph, act) || has_attribute(graph.word(act), "@ger")) return;
   attribute_add(graph.word(at), "@xdom");
   attribute_add(graph.word(act), "@xto");
 }
@@ -1062,6 +1062,8 @@ void extraposed_apply(Rewriter& graph, int at) {
   const bool is_told = is_event(graph, what) || graph.child(what, "domain") >= 0;
   if (!is_told || graph.parent(what) != said || what == graph.meaning().root || has_attribute(graph.word(what), "@nom"))
     return;
+  // "Singing is better than weeping."
+  if (graph.child(at, "compared-to") >= 0 && has_attribute(graph.word(what), "@ger")) return;
   // "It is known that the house was sold", "it is clear that he is wrong": what is known or true is a clause even if nobody
   // does it.
   constexpr std::array kFacts{"suspect", "believe",   "know",    "say",    "report",  "think",    "expect",
@@ -1470,6 +1472,8 @@ void clause_judged_apply(Rewriter& graph, int at) {
   const int told = led >= 0 ? graph.arc(led).to : -1;
   if (told < 0 || graph.parent(told) != led) return;
   if (!is_event(graph, told) || subject_arc(graph, told) < 0 || has_attribute(graph.word(told), "@nom")) return;
+  // "Burning a bridge is easier than building one."
+  if (graph.child(at, "compared-to") >= 0 && has_attribute(graph.word(told), "@ger")) return;
   // "Her travels are a long story", but "it is a pity that she travels": most nouns judge no clause.
   constexpr std::array kJudging{
       "pity",      "shame",       "fact",      "wonder",   "surprise", "luck",     "miracle",  "tragedy",  "lie",
@@ -1538,9 +1542,9 @@ void step_forms(Meaning& meaning) {
     if (has_attribute(word, "@whether") || has_attribute(word, "@asked")) attribute_add(word, "@query");
     auxiliary_apply(graph, at);
     noun_time_apply(graph, at);
+    gerund_apply(graph, at);
     judged_act_apply(graph, at);
     extraposed_apply(graph, at);
-    gerund_apply(graph, at);
     clause_judged_apply(graph, at);
     there_apply(graph, at);
   }

@@ -441,6 +441,22 @@ void tie_to_bearer(Rewriter& graph, int at, bool is_quantity, int quality_led, i
   graph.move_children(at, quality);
 }
 
+// "She loved her garden more than her house": what somebody does more has it behind the object. True if it was so.
+// (l / love-01 :ARG0 s :ARG1-of (h / have-degree-91 :ARG3 (m / more) :ARG4 h2)).
+bool deed_compared(Rewriter& graph, int at, int deed_led, int deed) {
+  const int degree = graph.child(at, "ARG3");
+  const int other = graph.child(at, "ARG4");
+  constexpr std::array kMore{"more", "less"};
+  const bool is_deed = is_event(graph, deed) && graph.child(deed, "ARG0") >= 0 && graph.arc(deed_led).from == deed;
+  if (!is_deed || other < 0 || !is_one_of(graph, graph.arc(degree).to, kMore)) return false;
+  if (graph.mentions(graph.arc(degree).to) > 1) return false;
+  graph.replace(other, graph.arc(degree).to, graph.arc(other).to, "compared-to");
+  graph.replace(degree, deed, graph.arc(degree).to, "extent");
+  graph.settle_concept(at, Fate::relation);
+  graph.remove(deed_led, Fate::relation);
+  return true;
+}
+
 // (x :ARG1-of (have-degree-91 :ARG2 tall :ARG3 more :ARG4 y)): tall is the quality, x its bearer.
 void degree_apply(Rewriter& graph, int at, bool is_quantity) {
   int quality_led = graph.argument(at, "ARG2");
@@ -451,6 +467,7 @@ void degree_apply(Rewriter& graph, int at, bool is_quantity) {
   if (is_bare && graph.child(at, "ARG3") >= 0) quality_led = graph.argument(at, "ARG1");
   if (quality_led < 0) return;
   const int quality = graph.other(quality_led, at);
+  if (is_bare && deed_compared(graph, at, quality_led, quality)) return;
   int bearer_led = is_bare ? -1 : graph.argument(at, "ARG1");
   // (d / dark-02 :ARG1 it :ARG1-of (h / have-degree-91 :ARG2 d :ARG3 so)): it bears itself, and who is dark it says.
   if (bearer_led >= 0 && graph.other(bearer_led, at) == quality) {
@@ -471,14 +488,34 @@ void degree_apply(Rewriter& graph, int at, bool is_quantity) {
   tie_to_bearer(graph, at, is_quantity, quality_led, bearer_led);
 }
 
-// "Such a secret place": such belongs to the noun, though it says how secret it is.
-// (p / place :mod (s / secret :degree (s2 / such))).
+// "Such a secret place": such belongs to the noun, though it says how secret it is; so does "so" of a quality that has
+// nothing else. (p / place :mod (s / secret :degree (s2 / such))).
 void such_apply(Rewriter& graph, int at) {
   const int led = graph.child(at, "degree");
-  const int above = led >= 0 && graph.is(graph.arc(led).to, "such") ? graph.parent(at) : -1;
+  const int degree = led >= 0 ? graph.arc(led).to : -1;
+  const int above = led >= 0 && (graph.is(degree, "such") || graph.is(degree, "so")) ? graph.parent(at) : -1;
   if (above < 0) return;
+  const int bearer = graph.arc(above).from;
   const bool is_inside = graph.arc(above).inverse ? graph.arc(above).role == "ARG1" : graph.arc(above).role == "mod";
-  if (is_inside) graph.replace(led, graph.arc(above).from, graph.arc(led).to, "mod");
+  if (!is_inside) return;
+  if (graph.is(degree, "so")) {
+    constexpr std::array kNoQuality{"many", "much", "few", "little", "long", "far", "only"};
+    constexpr std::array kPlainNot{"thing",     "person",  "one",      "anyone", "anything", "someone",
+                                   "something", "nothing", "somebody", "nobody", "anybody",  "everybody"};
+    const bool is_noun = graph.word(bearer).sense.empty() && !is_personal_pronoun(graph, bearer) &&
+                         !is_one_of(graph, bearer, kPlainNot) && !is_one_of(graph, bearer, kDemonstratives);
+    const bool is_bare = graph.children(at).size() == 1 && graph.children(degree).empty() && graph.mentions(at) == 1;
+    if (!is_noun || !is_bare || is_one_of(graph, at, kNoQuality) || graph.child(bearer, "poss") >= 0 ||
+        graph.child(bearer, "quant") >= 0 || child_among(graph, bearer, "mod", kDemonstratives) >= 0)
+      return;
+    // "He has no such hat" is another thing.
+    const int governed = graph.parent(bearer);
+    const int verb = governed >= 0 ? graph.arc(governed).from : -1;
+    const bool is_denied = verb >= 0 && graph.is(verb, "have", "03") && has_attribute(graph.word(verb), "@neg");
+    if (is_denied || has_attribute(graph.word(at), "@neg") || has_attribute(graph.word(at), "@more")) return;
+    graph.word(degree).name = "such";
+  }
+  graph.replace(led, bearer, degree, "mod");
 }
 
 // "The oldest house ever": behind the noun.

@@ -465,20 +465,29 @@ void kind_of_deed(Rewriter& graph, int at) {
   graph.arc(led).role = "mod";
 }
 
-// "He nodded with some doubt": so much of an act is no way to do it.
+// "He nodded with some doubt", "she looked at him with astonishment": so much of an act is no way to do it, nor is what
+// is felt meanwhile.
 void manner_amount_apply(Rewriter& graph, int at) {
   constexpr std::array kOfAnAct{"some", "much", "little", "great", "lot", "any", "certain", "considerable", "more"};
   const int led = graph.word(at).sense.empty() ? -1 : graph.child(at, "manner");
   const int event = led < 0 ? -1 : graph.arc(led).to;
   if (event < 0 || !is_one_clause(graph, event) || graph.mentions(event) != 1) return;
+  bool is_amount = false;
   for (const char* role : {"mod", "quant"}) {
     const int amount = graph.child(event, role);
-    if (amount < 0 || !is_one_of(graph, graph.arc(amount).to, kOfAnAct)) continue;
-    event_to_noun(graph, event);
-    const int doer = graph.child(at, "ARG0");
-    if (doer >= 0) drop_again(graph, event, graph.arc(doer).to);
-    return;
+    is_amount |= amount >= 0 && is_one_of(graph, graph.arc(amount).to, kOfAnAct);
   }
+  // What is felt is felt by the doer, and about nothing that is told.
+  constexpr std::array kFelt{"admire", "fear",    "envy", "pity",  "respect",
+                             "doubt",  "despair", "care", "enjoy", "desire"};
+  const bool is_moved = is_one_of(graph, event, kFeelings);
+  const int feeler = is_moved || is_one_of(graph, event, kFelt) ? graph.child(event, is_moved ? "ARG1" : "ARG0") : -1;
+  const int doer = graph.child(at, "ARG0");
+  const bool is_felt = feeler >= 0 && doer >= 0 && graph.arc(feeler).to == graph.arc(doer).to &&
+                       graph.child(event, is_moved ? "ARG0" : "ARG1") < 0;
+  if (!is_amount && !is_felt) return;
+  event_to_noun(graph, event);
+  if (doer >= 0) drop_again(graph, event, graph.arc(doer).to);
 }
 
 // "A pair of shoes", "a group of old friends": what a group is made of is several, and the group is mostly new.

@@ -214,6 +214,8 @@ void only_apply(Rewriter& graph, int led) {
   // "Only ten years".
   if (has_attribute(graph.word(at), "@measure")) graph.word(only).sense = "adv";
   const bool is_predicate = graph.child(at, "domain") >= 0;
+  // "She is my only friend."
+  if (is_predicate && graph.child(at, "poss") >= 0) return;
   // "The only one who can read", "the only man who saw it".
   const std::vector<int> said = graph.children(at);
   const bool is_told_of = std::any_of(said.begin(), said.end(), [&](int below) { return graph.arc(below).inverse; });

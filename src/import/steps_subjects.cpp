@@ -594,6 +594,24 @@ void dead_apply(Rewriter& graph, int at) {
   graph.word(death).attributes.assign(1, "@res");
 }
 
+// "Judging oneself is harder than judging others": nobody in particular does either, or the same in both.
+void compared_acts_apply(Rewriter& graph, int at) {
+  const int led = graph.child(at, "compared-to");
+  const int subject = led < 0 ? -1 : subject_arc(graph, at);
+  if (subject < 0 || graph.arc(subject).role == "ARG0") return;
+  const int acts[] = {graph.arc(subject).to, graph.arc(led).to};
+  if (!is_plain_deed(graph, acts[0]) || !is_plain_deed(graph, acts[1])) return;
+  const int doers[] = {graph.child(acts[0], "ARG0"), graph.child(acts[1], "ARG0")};
+  const auto is_anybody = [&](int doer) {
+    return doer < 0 || is_one_of(graph, graph.arc(doer).to, std::array{"you", "one"});
+  };
+  const bool is_same = doers[0] >= 0 && doers[1] >= 0 && graph.arc(doers[0]).to == graph.arc(doers[1]).to;
+  if (!is_anybody(doers[0]) || !(is_anybody(doers[1]) || is_same)) return;
+  for (const int doer : doers) {
+    if (doer >= 0) graph.arc(doer).role = "understood";
+  }
+}
+
 }  // namespace
 
 // (w / want-01 :ARG0 b :ARG1 (g / go-02 :ARG0 b)): the b of go-02 becomes :understood, and rules make an infinitive of it.
@@ -608,6 +626,7 @@ void step_control(Meaning& meaning) {
   const std::vector<int> first = first_arcs(graph);
   for (int at = 0; at < graph.count(); ++at) dead_apply(graph, at);
   for (int at = 0, end = graph.count(); at < end; ++at) understand_subject(graph, first, at);
+  for (int at = 0; at < graph.count(); ++at) compared_acts_apply(graph, at);
   for (int at = 0; at < graph.count(); ++at) noun_of_event(graph, at), too_much_apply(graph, at), aim_apply(graph, at);
   for (int at = 0; at < graph.count(); ++at)
     polite_apply(graph, at), along_apply(graph, at), done_apply(graph, at), order_apply(graph, first, at),

@@ -64,9 +64,16 @@ void tense_from_time(Rewriter& graph, int at) {
   // Times that reach up to now: "has never been there", "has already left".
   constexpr std::array kPerfect{"ever", "never", "already", "yet", "since", "so-far", "recent", "lately"};
   for (const int led : graph.children(at)) {
+    // "They have been here since Monday", which banks draw as how long it lasts, too.
+    if (graph.arc(led).role == "duration" && graph.is(graph.arc(led).to, "since")) graph.arc(led).role = "time";
     const std::string& role = graph.arc(led).role;
     if (graph.arc(led).inverse || (role != "time" && role != "temporal")) continue;
     const int time = graph.arc(led).to;
+    // "Since we were children".
+    const int begun = graph.is(time, "since") ? graph.child(time, "op1") : -1;
+    if (begun >= 0 && is_clause(graph, graph.arc(begun).to) && subject_arc(graph, graph.arc(begun).to) >= 0 &&
+        is_undated(graph.word(graph.arc(begun).to)))
+      attribute_add(graph.word(graph.arc(begun).to), "@past");
     if (is_coming(graph, at, time)) {
       attribute_add(graph.word(at), "@fut");
       // "I will call tomorrow and ask them".
@@ -87,8 +94,14 @@ void tense_from_time(Rewriter& graph, int at) {
     const bool is_being = graph.is(at, "be-located-at", "91") || graph.child(at, "domain") >= 0;
     const bool is_lasting = graph.is(time, "already") && (is_one_of(graph, at, kLasting) || is_being);
     if (is_lasting && !is_being && !has_attribute(graph.word(at), "@past")) attribute_add(graph.word(at), "@pres");
-    const bool is_perfect =
-        is_one_of(graph, time, kPerfect) && graph.word(time).sense.empty() && !is_general && !is_lasting;
+    // "She told me never to open it."
+    const int told = graph.parent(at);
+    const int hearer = told >= 0 && graph.arc(told).role == "ARG1" && !graph.arc(told).inverse
+                           ? graph.child(graph.arc(told).from, "ARG2")
+                           : -1;
+    const bool is_bidden = who >= 0 && hearer >= 0 && graph.arc(hearer).to == graph.arc(who).to;
+    const bool is_perfect = is_one_of(graph, time, kPerfect) && graph.word(time).sense.empty() && !is_general &&
+                            !is_lasting && !is_bidden;
     // "He took it and never spoke of it": in a story what is joined is told as that is.
     const int before = graph.parent(at);
     const bool is_in_story = is_perfect && before >= 0 && graph.arc(before).role == "conjunct" &&
