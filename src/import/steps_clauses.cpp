@@ -398,6 +398,9 @@ void request_apply(Rewriter& graph, int at) {
   }
 }
 
+// Who is nobody where what he does is denied.
+constexpr std::array kAnybody{"anyone", "anybody", "anything", "someone", "somebody"};
+
 }  // namespace
 
 // :polarity - is @neg by the table of roles before any step. Here it meets the words that have a negation in them, and
@@ -409,7 +412,7 @@ void step_polarity(Meaning& meaning) {
     if (graph.is(at, "ever") && std::erase(graph.word(at).attributes, "@neg") > 0) graph.word(at).name = "never";
     // "Nobody has ever been there": the subject takes it first.
     const int doer = has_attribute(graph.word(at), "@neg") ? subject_arc(graph, at) : -1;
-    if (doer >= 0 && graph.word(graph.arc(doer).to).name.starts_with("any")) nobody_apply(graph, at);
+    if (doer >= 0 && is_one_of(graph, graph.arc(doer).to, kAnybody)) nobody_apply(graph, at);
     // "Not ever" is one word, and takes the negation with it.
     for (const int led : graph.children(at)) {
       if (!has_attribute(graph.word(at), "@neg") || !graph.is(graph.arc(led).to, "ever")) continue;
@@ -1441,14 +1444,17 @@ void clause_apply(Rewriter& graph, int at) {
   constexpr std::array kWeather{"rain", "snow", "hail", "drizzle", "thunder"};
   const bool is_timed = graph.child(at, "duration") >= 0 || graph.child(at, "time") >= 0 ||
                         graph.child(at, "temporal") >= 0 || has_attribute(word, "@activity");
-  const bool is_weather =
-      at == graph.meaning().root && is_event(graph, at) && is_one_of(graph, at, kWeather) && !has_subject && is_timed;
-  if (is_weather) attribute_add(word, "@cl");
+  // "Birds hide when it rains."
+  constexpr std::array kAround{"time", "cause", "concession", "condition", "reason"};
+  const int led = graph.parent(at);
+  const bool is_around = led >= 0 && !graph.arc(led).inverse && is_listed(graph.arc(led).role, kAround);
+  const bool is_when = is_around && (graph.arc(led).role == "time" || graph.arc(led).role == "condition");
+  const bool is_stated = at == graph.meaning().root ? is_timed : is_when;
+  if (is_event(graph, at) && is_one_of(graph, at, kWeather) && !has_subject && is_stated) attribute_add(word, "@cl");
   // "We stayed because it was cold outside": such a quality is said of nothing, and no noun.
-  constexpr std::array kAround{"cold", "hot", "warm", "dark", "late", "early", "foggy", "sunny", "windy", "cloudy"};
-  constexpr std::array kClauses{"cause", "concession", "condition", "reason"};
-  const int above = is_event(graph, at) && is_one_of(graph, at, kAround) && !has_subject ? graph.parent(at) : -1;
-  if (above >= 0 && !graph.arc(above).inverse && is_listed(graph.arc(above).role, kClauses)) attribute_add(word, "@cl");
+  constexpr std::array kQualities{"cold", "hot", "warm", "dark", "late", "early", "foggy", "sunny", "windy", "cloudy"};
+  const bool is_quality = is_event(graph, at) && is_one_of(graph, at, kQualities) && !has_subject;
+  if (is_quality && is_around && graph.arc(led).role != "time") attribute_add(word, "@cl");
   if (has_subject && !has_attribute(word, "@result") && !has_attribute(word, "@agent") && !nominal_apply(graph, at))
     attribute_add(word, "@cl");
   // "I think that he is a teacher."

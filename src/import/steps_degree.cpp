@@ -140,7 +140,8 @@ void degree_said(Rewriter& graph, int led, int quality) {
     const bool is_as = graph.is(degree, "so") && graph.child(graph.arc(led).from, "ARG4") >= 0;
     attribute_add(graph.word(quality), is_as ? "@equal" : attribute);
     // "Even older", "far too late".
-    constexpr std::array kHowMuch{"even", "far", "much", "slightly", "still", "way"};
+    constexpr std::array kHowMuch{"even", "far",   "much", "slightly", "still",
+                                  "way",  "exact", "just", "almost",   "nearly"};
     for (const int one : graph.children(degree)) {
       if (graph.arc(one).role == "mod" && is_one_of(graph, graph.arc(one).to, kHowMuch)) graph.arc(one).role = "degree";
     }

@@ -3,6 +3,7 @@
 #include <string_view>
 #include <utility>
 
+#include "import/clauses.hpp"
 #include "import/rewriter.hpp"
 #include "import/steps.hpp"
 
@@ -146,6 +147,7 @@ void conjunction_apply(Rewriter& graph, Arc& one) {
   if (row == nullptr || is_no_adverbial(graph, one)) return;
   // In front of a quotation stands nothing: '"Bring it," he said when he sat down.'
   const bool is_timed = one.role == "time" && graph.child(one.from, "quoted") < 0 &&
+                        !has_attribute(graph.word(one.from), "@ask") && !has_attribute(graph.word(one.from), "@int") &&
                         (graph.child(one.from, "condition") < 0 || graph.child(one.from, "conjunct") >= 0);
   // "Only when it rains": what picks out a clause belongs to its conjunction.
   constexpr std::array kPicking{"only", "even", "especially", "particularly", "just", "not-only"};
@@ -159,9 +161,48 @@ void conjunction_apply(Rewriter& graph, Arc& one) {
   // "The way that she sings"; elsewhere "how he sings", and not the thing how he sings.
   const bool is_way = one.inverse && one.role == "manner" && graph.is(one.from, "way");
   if (one.role == "manner" && !is_way) attribute_add(graph.word(one.from), "@how");
-  attribute_add(graph.word(one.to), is_way ? "@s_that" : row->conjunction);
+  // "The first time that she saw it".
+  const bool is_turn =
+      one.inverse && one.role == "time" && graph.is(one.from, "time") &&
+      (graph.child(one.from, "ord") >= 0 || child_among(graph, one.from, "mod", std::array{"only", "last"}) >= 0);
+  attribute_add(graph.word(one.to), is_way || is_turn ? "@s_that" : row->conjunction);
   one.role = row->becomes;
   one.inverse = false;
+}
+
+// "As soon as the rain stopped, she ran out to play": in front, where nobody takes what she does for a part of the time.
+// (r / run-02 :time (a / after :op1 (s / stop-01 ...)) :purpose p): the clause takes the place of its preposition.
+void time_in_front(Rewriter& graph, int led) {
+  constexpr std::pair<const char*, const char*> kRelations[] = {
+      {"after", "@s_after"}, {"before", "@s_before"}, {"as-soon-as", "@s_assoonas"}};
+  const Arc one = graph.arc(led);
+  const std::vector<int> below =
+      one.gone || one.inverse || one.role != "time" ? std::vector<int>{} : graph.children(one.to);
+  if (below.size() != 1 || graph.arc(below[0]).role != "op1" || !has_attribute(graph.word(one.from), "@cl") ||
+      has_attribute(graph.word(one.from), "@nom"))
+    return;
+  const int clause = graph.arc(below[0]).to;
+  const bool is_sentence = subject_arc(graph, one.from) >= 0 && graph.child(one.from, "quoted") < 0 &&
+                           graph.child(one.from, "shared") < 0 && graph.child(one.from, "condition") < 0 &&
+                           !has_attribute(graph.word(one.from), "@query");
+  if (!has_attribute(graph.word(clause), "@cl") || !is_sentence) return;
+  bool is_long = false;
+  for (const char* role : {"purpose", "ARG1", "ARG2"}) {
+    const int held = graph.child(one.from, role);
+    const Concept* word = held < 0 ? nullptr : &graph.word(graph.arc(held).to);
+    is_long |= word != nullptr && (has_attribute(*word, "@cl") || graph.child(graph.arc(held).to, "understood") >= 0) &&
+               !has_attribute(*word, "@nom");
+  }
+  if (!is_long) return;
+  for (const auto& [name, mark] : kRelations) {
+    if (!graph.is(one.to, name)) continue;
+    graph.settle_concept(one.to, Fate::word);
+    graph.remove(below[0], Fate::word);
+    graph.lead_to(led, clause);
+    graph.arc(led).role = kAdverbialClause;
+    attribute_add(graph.word(clause), mark);
+    return attribute_add(graph.word(clause), "@ahead");
+  }
 }
 
 // What has a condition is still to come, and so is what is joined to it about the same person: "I will go with you and
@@ -184,6 +225,7 @@ void conditional_apply(Rewriter& graph, int at) {
 void step_conjunctions(Meaning& meaning) {
   Rewriter graph(meaning, "conjunctions");
   for (int led = 0, end = static_cast<int>(meaning.arcs.size()); led < end; ++led) relative_apply(graph, led);
+  for (int led = 0, end = static_cast<int>(meaning.arcs.size()); led < end; ++led) time_in_front(graph, led);
   for (Arc& one : meaning.arcs) {
     if (one.gone) continue;
     if (one.role == "condition" && !one.inverse) conditional_apply(graph, one.from);

@@ -100,8 +100,8 @@ void tense_from_time(Rewriter& graph, int at) {
                            ? graph.child(graph.arc(told).from, "ARG2")
                            : -1;
     const bool is_bidden = who >= 0 && hearer >= 0 && graph.arc(hearer).to == graph.arc(who).to;
-    const bool is_perfect = is_one_of(graph, time, kPerfect) && graph.word(time).sense.empty() && !is_general &&
-                            !is_lasting && !is_bidden;
+    const bool is_perfect =
+        is_one_of(graph, time, kPerfect) && graph.word(time).sense.empty() && !is_general && !is_lasting && !is_bidden;
     // "He took it and never spoke of it": in a story what is joined is told as that is.
     const int before = graph.parent(at);
     const bool is_in_story = is_perfect && before >= 0 && graph.arc(before).role == "conjunct" &&

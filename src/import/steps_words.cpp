@@ -729,8 +729,8 @@ void many_apply(Rewriter& graph, int at) {
 
 // Words that mean something else together than one by one.
 void idiom_apply(Rewriter& graph, int at) {
-  // "Far from the city".
-  const int distant = graph.is(at, "far") ? graph.child(at, "op1") : -1;
+  // "Far from the city", "away from it".
+  const int distant = graph.is(at, "far") || graph.is(at, "away") ? graph.child(at, "op1") : -1;
   if (distant >= 0) graph.arc(distant).role = "source";
   for (const int led : graph.children(at)) {
     const int word = graph.arc(led).to;
