@@ -1698,8 +1698,7 @@ const StepRow kSteps[] = {
      "a0(sing(>01).@v.@cl, girl); a1(good(>02).@entry.@v.@more.@content.@graded.@cl.@xtra, sing(>01)); cmp(good(>02), weep(>01).@v.@cl); a0(weep(>01), boy)"},
     {"loved_it_more", "degree", "(l / love-01 :ARG0 (s / she) :ARG1 (g / garden) :ARG1-of (h / have-degree-91 :ARG3 (m / more) :ARG4 (h2 / house)))",
      "a0(love(>01).@entry.@v, she); a1(love(>01), garden); ext(love(>01), more); cmp(more, house)"},
-    {"when_it_rains", "forms", "(s / sleep-01 :ARG0 (b / bird) :time (r / rain-01))",
-     "a0(sleep(>01).@entry.@v.@cl, bird); tim(sleep(>01), rain(>01).@v.@cl)"},
+    {"when_it_rains", "forms", "(s / sleep-01 :ARG0 (b / bird) :time (r / rain-01))", "a0(sleep(>01).@entry.@v.@cl, bird); tim(sleep(>01), rain(>01).@v.@cl)"},
     {"away_from_it", "pronouns", "(g / go-02 :ARG0 (g2 / girl) :direction (a / away :op1 (c / city)))",
      "a0(go(>02).@entry.@v, girl); dir(go(>02), away); sou(away, city)"},
     {"exactly_as_big", "degree", "(h / have-degree-91 :ARG1 (h2 / house) :ARG2 (b / big) :ARG3 (e / equal :mod (e2 / exact)) :ARG4 (s / ship))",
@@ -1708,8 +1707,10 @@ const StepRow kSteps[] = {
      "a0(ask(>01).@entry.@v, nobody); a1(ask(>01), question); tim(ask(>01), ever)"},
     {"first_time_that", "all", "(t / time :ord (o / ordinal-entity :value 1) :domain (i / it) :time-of (s / see-01 :ARG0 (h / he) :ARG1 (s2 / sea)))",
      "ord(time.@entry.@cl, 1(>ord).@ord); dom(time, it); adr(time, see(>01).@v.@past.@cl.@s_that); a0(see(>01), he); a1(see(>01), sea)"},
-    {"after_in_front", "all", "(g / go-02 :ARG0 (s / she) :purpose (f / feed-01 :ARG0 s :ARG1 (c / cat)) :time (a / after :op1 (r / ring-01 :ARG1 (b / bell))))",
-     "a0(go(>02).@entry.@v.@past.@cl, she:01); pur(go(>02), feed(>01).@v.@past.@gives.@cl); ctl(feed(>01), she:02.@ref); a1(feed(>01), cat); adv(go(>02), ring(>01).@v.@past.@cl.@s_after.@ahead); a1(ring(>01), bell)"},
+    {"after_in_front", "all",
+     "(g / go-02 :ARG0 (s / she) :purpose (f / feed-01 :ARG0 s :ARG1 (c / cat)) :time (a / after :op1 (r / ring-01 :ARG1 (b / bell))))",
+     "a0(go(>02).@entry.@v.@past.@cl, she:01); pur(go(>02), feed(>01).@v.@past.@gives.@cl); ctl(feed(>01), she:02.@ref); a1(feed(>01), cat); adv(go(>02), "
+     "ring(>01).@v.@past.@cl.@s_after.@ahead); a1(ring(>01), bell)"},
     {"after_behind", "all", "(g / go-02 :ARG0 (s / she) :time (a / after :op1 (r / ring-01 :ARG1 (b / bell))))",
      "a0(go(>02).@entry.@v.@past.@cl, she); tim(go(>02), after); o1(after, ring(>01).@v.@past.@cl); a1(ring(>01), bell)"},
 };
