@@ -412,7 +412,9 @@ void step_polarity(Meaning& meaning) {
     if (graph.is(at, "ever") && std::erase(graph.word(at).attributes, "@neg") > 0) graph.word(at).name = "never";
     // "Nobody has ever been there": the subject takes it first.
     const int doer = has_attribute(graph.word(at), "@neg") ? subject_arc(graph, at) : -1;
-    if (doer >= 0 && is_one_of(graph, graph.arc(doer).to, kAnybody)) nobody_apply(graph, at);
+    const bool is_any = doer >= 0 && (is_one_of(graph, graph.arc(doer).to, kAnybody) ||
+                                      child_among(graph, graph.arc(doer).to, "mod", std::array{"any"}) >= 0);
+    if (is_any) nobody_apply(graph, at);
     // "Not ever" is one word, and takes the negation with it.
     for (const int led : graph.children(at)) {
       if (!has_attribute(graph.word(at), "@neg") || !graph.is(graph.arc(led).to, "ever")) continue;
@@ -1240,15 +1242,17 @@ void perceived_apply(Rewriter& graph, int at) {
   constexpr std::array kSeeing{"see", "watch", "notice", "feel", "observe"};
   // What eyes can see somebody do, and ears hear: "she saw that he agreed" is learnt.
   constexpr std::array kMoves{
-      "come",  "go",      "walk",  "run",       "fall",  "fly",     "sit",      "stand",   "move",   "break",
-      "shine", "rise",    "jump",  "dance",     "climb", "enter",   "shimmer",  "open",    "close",  "smile",
-      "cry",   "play",    "shake", "swim",      "drive", "cross",   "wave",     "nod",     "turn",   "burn",
-      "glow",  "sleep",   "eat",   "drink",     "bloom", "blow",    "push",     "pull",    "throw",  "kick",
-      "pass",  "rush",    "roll",  "float",     "sink",  "crawl",   "approach", "tremble", "vanish", "laugh",
-      "sing",  "flicker", "drop",  "disappear", "stop",  "stumble", "shiver",   "swing"};
-  constexpr std::array kSounds{"sing",  "laugh", "cry",  "bark",   "shout", "scream",  "call",    "weep",     "whistle",
-                               "knock", "ring",  "roar", "speak",  "talk",  "play",    "whisper", "howl",     "growl",
-                               "sigh",  "creak", "tick", "rumble", "buzz",  "breathe", "snore",   "approach", "groan"};
+      "come",    "go",      "walk",     "run",       "fall",    "fly",     "sit",      "stand",   "move",   "break",
+      "shine",   "rise",    "jump",     "dance",     "climb",   "enter",   "shimmer",  "open",    "close",  "smile",
+      "cry",     "play",    "shake",    "swim",      "drive",   "cross",   "wave",     "nod",     "turn",   "burn",
+      "glow",    "sleep",   "eat",      "drink",     "bloom",   "blow",    "push",     "pull",    "throw",  "kick",
+      "pass",    "rush",    "roll",     "float",     "sink",    "crawl",   "approach", "tremble", "vanish", "laugh",
+      "sing",    "flicker", "drop",     "disappear", "stop",    "stumble", "shiver",   "swing",   "leave",  "arrive",
+      "set-out", "get-up",  "sit-down", "stand-up",  "pick-up", "put-down"};
+  constexpr std::array kSounds{"sing",    "laugh",    "cry",   "bark",  "shout", "scream", "call", "weep",
+                               "whistle", "knock",    "ring",  "roar",  "speak", "talk",   "play", "whisper",
+                               "howl",    "growl",    "sigh",  "creak", "tick",  "rumble", "buzz", "breathe",
+                               "snore",   "approach", "groan", "leave", "come",  "enter",  "fall", "walk"};
   const bool is_seeing = is_one_of(graph, at, kSeeing);
   if (!is_event(graph, at) || (!is_seeing && !graph.is(at, "hear", "01"))) return;
   const int led = graph.child(at, "ARG1");

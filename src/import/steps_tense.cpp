@@ -57,12 +57,40 @@ bool is_told_of_now(Rewriter& graph, int at) {
                                              [&](const char* mark) { return has_attribute(graph.word(at), mark); });
 }
 
+// Times that reach up to now: "has never been there", "has already left".
+void tense_up_to_now(Rewriter& graph, int at, int time) {
+  constexpr std::array kPerfect{"ever", "never", "already", "yet", "since", "so-far", "recent", "lately"};
+  // "One never knows" is true at all times.
+  const int who = subject_arc(graph, at);
+  const bool is_general = who >= 0 && graph.is(graph.arc(who).to, "one");
+  // "I already know that": what lasts is told of now.
+  constexpr std::array kLasting{"know",  "have", "want", "need", "believe",
+                                "think", "like", "love", "own",  "understand"};
+  // "He is already very sick."
+  const bool is_being = graph.is(at, "be-located-at", "91") || graph.child(at, "domain") >= 0 ||
+                        (graph.child(at, "degree") >= 0 && graph.child(at, "ARG0") < 0);
+  const bool is_lasting = graph.is(time, "already") && (is_one_of(graph, at, kLasting) || is_being);
+  if (is_lasting && !is_being && !has_attribute(graph.word(at), "@past")) attribute_add(graph.word(at), "@pres");
+  // "She told me never to open it."
+  const int told = graph.parent(at);
+  const int hearer = told >= 0 && graph.arc(told).role == "ARG1" && !graph.arc(told).inverse
+                         ? graph.child(graph.arc(told).from, "ARG2")
+                         : -1;
+  const bool is_bidden = who >= 0 && hearer >= 0 && graph.arc(hearer).to == graph.arc(who).to;
+  const bool is_perfect =
+      is_one_of(graph, time, kPerfect) && graph.word(time).sense.empty() && !is_general && !is_lasting && !is_bidden;
+  // "He took it and never spoke of it": in a story what is joined is told as that is.
+  const int before = graph.parent(at);
+  const bool is_in_story = is_perfect && before >= 0 && graph.arc(before).role == "conjunct" &&
+                           graph.child(at, "shared") >= 0 && told_of(graph, graph.arc(before).from) >= 0 &&
+                           !is_told_of_now(graph, graph.arc(before).from);
+  if (is_perfect) attribute_add(graph.word(at), is_in_story ? "@past" : "@perf");
+}
+
 // What the time of a clause says of its tense. "Before now" alone is no phrase of the sentence: it is the past.
 // (c / come-01 :time (b / before :op1 (n / now))) is @past, with "after" @fut; (y / before :op1 n :quant (y2 / year
 // :quant 3)) is "three years ago" besides.
 void tense_from_time(Rewriter& graph, int at) {
-  // Times that reach up to now: "has never been there", "has already left".
-  constexpr std::array kPerfect{"ever", "never", "already", "yet", "since", "so-far", "recent", "lately"};
   for (const int led : graph.children(at)) {
     // "They have been here since Monday", which banks draw as how long it lasts, too.
     if (graph.arc(led).role == "duration" && graph.is(graph.arc(led).to, "since")) graph.arc(led).role = "time";
@@ -85,29 +113,7 @@ void tense_from_time(Rewriter& graph, int at) {
         joined = graph.child(part, "conjunct");
       }
     }
-    // "One never knows" is true at all times.
-    const int who = subject_arc(graph, at);
-    const bool is_general = who >= 0 && graph.is(graph.arc(who).to, "one");
-    // "I already know that": what lasts is told of now.
-    constexpr std::array kLasting{"know",  "have", "want", "need", "believe",
-                                  "think", "like", "love", "own",  "understand"};
-    const bool is_being = graph.is(at, "be-located-at", "91") || graph.child(at, "domain") >= 0;
-    const bool is_lasting = graph.is(time, "already") && (is_one_of(graph, at, kLasting) || is_being);
-    if (is_lasting && !is_being && !has_attribute(graph.word(at), "@past")) attribute_add(graph.word(at), "@pres");
-    // "She told me never to open it."
-    const int told = graph.parent(at);
-    const int hearer = told >= 0 && graph.arc(told).role == "ARG1" && !graph.arc(told).inverse
-                           ? graph.child(graph.arc(told).from, "ARG2")
-                           : -1;
-    const bool is_bidden = who >= 0 && hearer >= 0 && graph.arc(hearer).to == graph.arc(who).to;
-    const bool is_perfect =
-        is_one_of(graph, time, kPerfect) && graph.word(time).sense.empty() && !is_general && !is_lasting && !is_bidden;
-    // "He took it and never spoke of it": in a story what is joined is told as that is.
-    const int before = graph.parent(at);
-    const bool is_in_story = is_perfect && before >= 0 && graph.arc(before).role == "conjunct" &&
-                             graph.child(at, "shared") >= 0 && told_of(graph, graph.arc(before).from) >= 0 &&
-                             !is_told_of_now(graph, graph.arc(before).from);
-    if (is_perfect) attribute_add(graph.word(at), is_in_story ? "@past" : "@perf");
+    tense_up_to_now(graph, at, time);
     // "Yesterday's newspaper" is no event.
     if (is_clause(graph, at) && is_over(graph, time) && is_undated(graph.word(at)))
       attribute_add(graph.word(at), "@past");

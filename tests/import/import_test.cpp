@@ -1713,6 +1713,10 @@ const StepRow kSteps[] = {
      "ring(>01).@v.@past.@cl.@s_after.@ahead); a1(ring(>01), bell)"},
     {"after_behind", "all", "(g / go-02 :ARG0 (s / she) :time (a / after :op1 (r / ring-01 :ARG1 (b / bell))))",
      "a0(go(>02).@entry.@v.@past.@cl, she); tim(go(>02), after); o1(after, ring(>01).@v.@past.@cl); a1(ring(>01), bell)"},
+    {"no_grown_up_has_ever", "polarity", "(u / understand-01 :polarity - :ARG0 (g / farmer :mod (a2 / any)) :ARG1 (t / this) :time (e / ever))",
+     "a0(understand(>01).@entry.@v, farmer); mod(farmer, no); a1(understand(>01), this); tim(understand(>01), ever)"},
+    {"already_very_sick", "tense", "(s / sick-05 :ARG1 (h / horse) :degree (v / very) :time (a2 / already))",
+     "a1(sick(>05).@entry.@v, horse); deg(sick(>05), very); tim(sick(>05), already)"},
 };
 
 TEST(Import, Steps) {
