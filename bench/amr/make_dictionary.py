@@ -339,6 +339,7 @@ class Sources:
                     self.forms[lemma].setdefault(tags[features], []).append(form)
         self.participles = {form for tags in self.forms.values() for form in tags.get("PTCP", ())}
         self.tagged = collections.Counter()
+        self.women = set()
         self.nouns, self.adjectives, self.adverbs, self.verbs = {}, set(), set(), set()
         self.common = set()
         self.shapes = collections.defaultdict(set)
@@ -349,7 +350,7 @@ class Sources:
             self.read_wordnet(pathlib.Path(arguments.wordnet))
 
     def read_wordnet(self, folder):
-        synsets = {}
+        synsets, women = {}, set()
         for part in ("noun", "verb", "adj", "adv"):
             for line in open(folder / f"data.{part}", encoding="latin-1"):
                 if line.startswith(" "):
@@ -360,6 +361,8 @@ class Sources:
                 at = 4 + 2 * count
                 if part == "verb":
                     self.read_verb_frames(words, fields[at + 1 + 4 * int(fields[at]):])
+                if part == "noun" and re.match(r"(an? |the )(\w+ )?(woman|female|girl|mother|daughter) (?!or\b)", line.partition(" | ")[2]):
+                    women.add(fields[0])
                 pointers = [fields[at + 1 + 4 * i:at + 5 + 4 * i] for i in range(int(fields[at]))]
                 synsets[part, fields[0]] = int(fields[1]), words, pointers
             for line in open(folder / f"index.{part}", encoding="latin-1"):
@@ -371,6 +374,8 @@ class Sources:
                 lemma = fields[0].replace("_", " ")
                 written = next((w for w in synsets[part, first][1] if w.lower() == fields[0]), fields[0])
                 if part == "noun":
+                    if first in women:
+                        self.women.add(lemma)
                     self.nouns[lemma] = written.replace("_", " "), file, int(fields[-int(fields[2]) - 1])
                     if any(fields[0] in synsets[part, sense][1] for sense in fields[-int(fields[2]):]):
                         self.common.add(lemma)
@@ -529,7 +534,7 @@ class Writer:
         if lemma != lemma.lower() or (more or concept == lemma) and lemma in self.sources.common:
             written = lemma
         kinds = {18: ",HUM", 28: ",TIM", 15: ",PLC"}.get(file, "") + (",MASS" if file in MASS_FILES and not self.is_counted(lemma, written) else "")
-        kinds += ",FEM" * (file == 18 and lemma.endswith(("ess", "woman")) and not lemma.endswith("witness"))
+        kinds += ",FEM" * (file == 18 and (lemma.endswith(("ess", "woman")) and not lemma.endswith("witness") or lemma in self.sources.women))
         kinds += ",ABT" * (lemma in ABOUT_NOUNS)
         kinds += self.sources.text.noun_marks(lemma, self.sources.plural(lemma, written))
         self.entry(written, concept, f"N{kinds}{vowel(written)}{more}")

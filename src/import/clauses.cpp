@@ -91,6 +91,20 @@ bool gives(Rewriter& graph, int at) {
   return is_one_of(graph, at, kGiving);
 }
 
+bool is_asked_into(Rewriter& graph, int clause) {
+  for (int at = clause, steps = graph.count(); steps > 0; --steps) {
+    const int above = graph.parent(at);
+    if (above < 0 || !is_core(graph.arc(above))) return false;
+    at = graph.arc(above).from;
+    if (graph.child(at, "questioned") >= 0) return true;
+  }
+  return false;
+}
+
+bool is_front_taken(Rewriter& graph, int clause) {
+  return has_attribute(graph.word(clause), "@as_condition") || is_asked_into(graph, clause);
+}
+
 std::vector<int> first_arcs(Rewriter& graph) {
   const auto has_clause = [&](int led) { return is_clause(graph, graph.arc(led).to); };
   std::vector<int> below;  // of the concept where the walk is
@@ -140,7 +154,7 @@ std::vector<int> first_arcs(Rewriter& graph) {
         graph.child(at, "understood") >= 0 || is_let_do || (led >= 0 && graph.arc(led).role == "domain");
     put_first([&](int one) {
       const Arc& led_down = graph.arc(one);
-      if (is_infinitive) return false;
+      if (is_infinitive || is_front_taken(graph, at)) return false;
       const bool is_quoting = graph.child(at, "quoted") >= 0;
       const bool goes_in_front = led_down.role == "condition" || (led_down.role == "time" && !is_quoting);
       return goes_in_front && !led_down.inverse && has_clause(one);

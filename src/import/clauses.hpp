@@ -19,6 +19,12 @@ bool is_long_receiver(Rewriter& graph, int receiver);
 // Verbs whose receiver stands in front of what he receives; for a pronoun that is received see giving_apply.
 bool gives(Rewriter& graph, int at);
 
+// True for a clause that a question was asked into: "what do you think he will do if it rains?" A clause in front of it would
+// hide where the answer stands.
+bool is_asked_into(Rewriter& graph, int clause);
+// True for such a clause, and for one that begins with a conjunction of its own: "if the bridge breaks when we cross it?"
+bool is_front_taken(Rewriter& graph, int clause);
+
 // For each concept the arc by which the walk from the beginning of the sentence first comes to it; -1 for none.
 std::vector<int> first_arcs(Rewriter& graph);
 

@@ -252,6 +252,27 @@ bool has_unknown(Rewriter& graph, int clause) {
   return std::any_of(below.begin(), below.end(), [&](int led) { return is_unknown(graph, graph.arc(led).to); });
 }
 
+// "Where did he go, and whose hat did he wear?": what asks for something of its own has a subject of its own, too.
+bool asks_anew(Rewriter& graph, int clause) {
+  const auto is_asked = [&](int at) { return is_unknown(graph, at) && graph.mentions(at) == 1; };
+  for (const int led : graph.children(clause)) {
+    const int phrase = graph.arc(led).to;
+    if (graph.arc(led).inverse) continue;
+    if (is_asked(phrase)) return true;
+    for (const char* role : {"mod", "poss", "quant"}) {
+      const int own = graph.word(phrase).sense.empty() ? graph.child(phrase, role) : -1;
+      if (own >= 0 && is_asked(graph.arc(own).to)) return true;
+    }
+  }
+  return false;
+}
+
+// "Do not climb, or you will fall": what comes of it is no further order.
+bool is_warned(Rewriter& graph, int head, int part, const Conjunction& conjunction) {
+  return conjunction.attribute == std::string_view("@or") && has_attribute(graph.word(head), "@imp") &&
+         !has_attribute(graph.word(part), "@imp");
+}
+
 // Each part is tied to the one before. `joined_by` is what stands in front of it, and a subject that is that of the
 // first clause becomes :shared: "she came and sang". Returns the last part.
 int parts_tied(Rewriter& graph, int at, const std::vector<int>& parts, const Conjunction& conjunction) {
@@ -281,7 +302,9 @@ int parts_tied(Rewriter& graph, int at, const std::vector<int>& parts, const Con
     // A condition of its own stands between: "..., and if it rains, I stay".
     const bool is_shared = subject >= 0 && model >= 0 && graph.child(part, "condition") < 0 &&
                            graph.arc(subject).to == graph.arc(model).to && std::string_view(joined_by) != "@snt" &&
-                           !has_attribute(graph.word(part), "@agent");
+                           !has_attribute(graph.word(part), "@agent") && !asks_anew(graph, part) &&
+                           !is_warned(graph, head, part, conjunction) &&
+                           !(asks_anew(graph, head) && has_attribute(graph.word(part), "@whether"));
     // "Did it rain, or did the wind blow?"
     if (!is_shared && subject >= 0 && has_attribute(graph.word(at), "@int") &&
         conjunction.attribute == std::string_view("@or"))

@@ -127,9 +127,18 @@ void lone_apply(Rewriter& graph, int at, const Reified& one, int up, int down) {
     graph.add(at, graph.add_concept("that"), "ARG0");
     return;
   }
-  attribute_add(graph.word(kept), std::string("@") + (up >= 0 ? "so_" : "as_") + one.role);
+  // "If it rains?"
+  if (has_attribute(graph.word(at), "@int")) attribute_add(graph.word(kept), "@ends_int");
   graph.settle_concept(at, Fate::attribute);
   graph.remove(led, Fate::attribute);
+  if (is_thing && up < 0 && std::string_view(one.role) == "cause") {
+    // "Because of the fog."
+    const int because = graph.add_concept("because-of");
+    graph.redirect(at, because);
+    graph.add(because, kept, "op1");
+    return;
+  }
+  attribute_add(graph.word(kept), std::string("@") + (up >= 0 ? "so_" : "as_") + one.role);
   graph.redirect(at, kept);
 }
 

@@ -231,6 +231,17 @@ void only_apply(Rewriter& graph, int led) {
   if (is_doer) graph.word(only).sense = "adv";
   if (!is_predicate) only_counted(graph, at, led);
   if (graph.arc(led).role != "mod") return;
+  // "The owl only comes at night": with the verb it is heard of the circumstance, before the noun it would pick one out.
+  constexpr std::array kCircumstances{"time", "location", "instrument", "source", "manner", "condition", "accompanier"};
+  const bool is_circumstance = doing >= 0 && !graph.arc(doing).inverse && is_event(graph, graph.arc(doing).from) &&
+                               is_listed(graph.arc(doing).role, kCircumstances) && graph.word(at).sense.empty() &&
+                               !has_attribute(graph.word(at), "@measure") && graph.child(at, "poss") < 0 &&
+                               child_among(graph, graph.arc(doing).from, "mod", std::array{"only"}) < 0;
+  if (is_circumstance) {
+    graph.replace(led, graph.arc(doing).from, only, "mod");
+    graph.word(only).sense = "adv";
+    return;
+  }
   if (!is_event(graph, at) && !is_predicate) return;
   const int above = graph.parent(at);
   const bool is_noun = above >= 0 && !is_predicate && !graph.arc(above).inverse && graph.arc(above).role == "ARG1" &&
@@ -317,6 +328,18 @@ void asked_pronoun(Rewriter& graph, int at) {
   graph.add(being, at, "ARG1");
 }
 
+// Says of a noun that there is such a thing, at its place and time.
+void say_there_is(Rewriter& graph, int at) {
+  const int being = graph.add_concept("exist");
+  graph.word(being).sense = "91";
+  graph.word(being).attributes = {"@v", has_attribute(graph.word(at), "@pl") ? "@theres" : "@there"};
+  graph.redirect(at, being);
+  for (const char* role : {"location", "time"}) {
+    if (const int led = graph.child(at, role); led >= 0) graph.lead_from(led, being);
+  }
+  graph.add(being, at, "ARG1");
+}
+
 // A noun at the top that is denied or counted, with its place: "there were no stars in the sky".
 void denied_somewhere(Rewriter& graph, int at) {
   const int place = graph.child(at, "location");
@@ -327,13 +350,24 @@ void denied_somewhere(Rewriter& graph, int at) {
   for (const char* mood : {"@int", "@exp", "@imp"}) {
     if (has_attribute(graph.word(at), mood)) return;
   }
-  const int being = graph.add_concept("exist");
-  graph.word(being).sense = "91";
-  graph.word(being).attributes = {"@v", has_attribute(graph.word(at), "@pl") ? "@theres" : "@there"};
-  graph.redirect(at, being);
-  graph.replace(place, being, graph.arc(place).to, "location");
-  graph.add(being, at, "ARG1");
-  if (const int time = graph.child(at, "time"); time >= 0) graph.lead_from(time, being);
+  say_there_is(graph, at);
+}
+
+// (c / contrast-01 :ARG1 (e / egg :quant 3 :location n) :ARG2 (s / sing-01 ...)): "there were three eggs in the nest, but".
+// What is joined to a clause is one, too.
+void joined_nouns(Rewriter& graph) {
+  const int root = graph.meaning().root;
+  if (root < 0 || conjunction_of(graph, root) == nullptr) return;
+  const std::vector<int> parts = graph.numbered(root, {"op", "ARG"});
+  const bool has_clause =
+      std::any_of(parts.begin(), parts.end(), [&](int led) { return is_clause(graph, graph.arc(led).to); });
+  if (!has_clause) return;
+  for (const int led : parts) {
+    const int at = graph.arc(led).to;
+    const Concept& word = graph.word(at);
+    if (is_clause(graph, at) || !word.sense.empty() || word.variable.empty() || has_attribute(word, "@name")) continue;
+    if (conjunction_of(graph, at) == nullptr) denied_somewhere(graph, at);
+  }
 }
 
 // (r / riddle :mod (t / that)) at the top: "that is a riddle". (n / nothing :ARG0-of (h / help-01)): "there is nothing that
@@ -717,6 +751,60 @@ void qualities_apply(Rewriter& graph, int at) {
   }
 }
 
+// (h / house :mod (t / town :mod (t2 / this))): "a house of this town"; only what has no article of its own stands in
+// front. (b / brother :poss i :mod (s / shoemaker :location c)): "my brother, a shoemaker in Trieste".
+void modified_mod_apply(Rewriter& graph, int led) {
+  const Arc& one = graph.arc(led);
+  if (one.gone || one.inverse || one.role != "mod") return;
+  const int at = one.from;
+  const int noun = one.to;
+  const Concept& word = graph.word(noun);
+  if (!word.sense.empty() || word.variable.empty() || graph.mentions(noun) > 1 || is_event(graph, at)) return;
+  const int pointer = child_among(graph, noun, "mod", kDemonstratives);
+  const bool is_known = graph.child(noun, "poss") >= 0 || pointer >= 0;
+  const bool is_known_person = graph.child(at, "poss") >= 0 && graph.child(noun, "location") >= 0;
+  if (is_known_person && !is_known) {
+    graph.arc(led).role = "apposition";
+    // Before the end of the sentence it needs no comma behind it.
+    const int above = graph.parent(at);
+    if (above >= 0 && subject_arc(graph, graph.arc(above).from) == above) attribute_add(graph.word(noun), "@closed");
+    attribute_add(graph.word(noun), "@indef");
+    return;
+  }
+  if (!is_known || graph.child(at, "domain") >= 0) return;
+  const int of = graph.add_concept("of");
+  graph.replace(led, at, of, "prep");
+  graph.add(of, noun, "op1");
+}
+
+// What somebody can be and one says in one word; a question after its degree takes it along.
+constexpr std::array kQualities{
+    "good",      "bad",     "wonderful", "beautiful", "important", "happy",     "sad",      "strange", "easy",
+    "difficult", "long",    "wide",      "large",     "great",     "serious",   "clear",    "useful",  "strong",
+    "likely",    "far",     "high",      "deep",      "heavy",     "tall",      "fast",     "old",     "young",
+    "expensive", "cheap",   "common",    "safe",      "hungry",    "angry",     "tired",    "busy",    "rich",
+    "poor",      "close",   "near",      "popular",   "accurate",  "dangerous", "proud",    "lonely",  "small",
+    "big",       "tiny",    "brave",     "clever",    "stupid",    "foolish",   "kind",     "cruel",   "nice",
+    "pretty",    "ugly",    "quiet",     "silent",    "loud",      "bright",    "dark",     "cold",    "warm",
+    "hot",       "glad",    "grateful",  "curious",   "jealous",   "sick",      "ill",      "weak",    "dry",
+    "wet",       "empty",   "full",      "rare",      "simple",    "precious",  "terrible", "fragile", "vain",
+    "modest",    "patient", "polite",    "shy",       "honest",    "afraid",    "fond",     "eager",   "lucky"};
+
+// "You see how small it is": below a verb of seeing or knowing, with nothing that follows from the degree.
+void seen_degree_apply(Rewriter& graph, int at) {
+  constexpr std::array kSeeing{"show",   "imagine", "see",      "realize", "notice",   "guess",   "understand",
+                               "forget", "know",    "discover", "learn",   "find-out", "consider"};
+  const int degree = graph.child(at, "degree");
+  if (degree < 0 || !graph.is(graph.arc(degree).to, "so") || graph.mentions(at) > 1) return;
+  const int above = graph.parent(at);
+  const int so = graph.arc(degree).to;
+  const bool is_seen = above >= 0 && !graph.arc(above).inverse && graph.arc(above).role == "ARG1" &&
+                       is_one_of(graph, graph.arc(above).from, kSeeing) && graph.children(so).empty();
+  const bool is_quality =
+      graph.word(at).sense.empty() ? graph.child(at, "domain") >= 0 : is_one_of(graph, at, kQualities);
+  if (is_seen && is_quality && !has_attribute(graph.word(at), "@neg")) graph.word(so).name = "amr-unknown";
+}
+
 // Who exclaims how great something is does not ask.
 void exclaim_apply(Rewriter& graph, int at) {
   const int led = graph.is(at, "exclaim", "01") ? graph.child(at, "ARG1") : -1;
@@ -771,14 +859,18 @@ void how_apply(Rewriter& graph, int at) {
   if (degree < 0) return;
   const int unknown = graph.arc(degree).to;
   if (!is_unknown(graph, unknown)) return;
-  constexpr std::array kQualities{"good",      "bad",   "wonderful", "beautiful", "important", "happy",   "sad",
-                                  "strange",   "easy",  "difficult", "long",      "wide",      "large",   "great",
-                                  "serious",   "clear", "dangerous", "useful",    "strong",    "likely",  "far",
-                                  "high",      "deep",  "heavy",     "tall",      "fast",      "old",     "young",
-                                  "expensive", "cheap", "common",    "safe",      "hungry",    "angry",   "tired",
-                                  "busy",      "rich",  "poor",      "close",     "near",      "popular", "accurate"};
   const bool is_frame = !graph.word(at).sense.empty();
-  const int subject = graph.child(at, is_frame ? "ARG1" : "domain");
+  // "How far is it to the mill", "how late is it": nothing has the quality but the way or the hour.
+  constexpr std::array kOfNothing{"far", "late", "early", "cold", "warm", "hot", "dark"};
+  constexpr std::array kSaid{"degree", "source", "destination", "time", "mod", "location"};
+  const std::vector<int> said = graph.children(at);
+  const bool is_of_nothing = at == graph.meaning().root && is_one_of(graph, at, kOfNothing) &&
+                             std::all_of(said.begin(), said.end(), [&](int led) {
+                               return !graph.arc(led).inverse && is_listed(graph.arc(led).role, kSaid);
+                             });
+  if (is_of_nothing) graph.add(at, graph.add_concept("it"), is_frame ? "ARG1" : "domain");
+  const int feeling = is_frame ? graph.child(at, "ARG0") : -1;
+  const int subject = feeling >= 0 ? feeling : graph.child(at, is_frame ? "ARG1" : "domain");
   if (subject < 0 || (is_frame && !is_measured && !is_one_of(graph, at, kQualities)) || graph.mentions(at) > 1) return;
   const int being = add_being(graph);
   graph.redirect(at, being);
@@ -867,6 +959,7 @@ void step_predicates(Meaning& meaning) {
     qualities_apply(graph, at);
     behaving_apply(graph, at);
     exclaim_apply(graph, at);
+    seen_degree_apply(graph, at);
     whenever_apply(graph, at);
     soon_apply(graph, at);
     how_well_apply(graph, at);
@@ -878,10 +971,12 @@ void step_predicates(Meaning& meaning) {
   for (std::size_t i = 0; i < meaning.arcs.size(); ++i) {
     only_apply(graph, static_cast<int>(i));
     also_apply(graph, static_cast<int>(i));
+    modified_mod_apply(graph, static_cast<int>(i));
     behind_noun_apply(graph, static_cast<int>(i));
   }
   presented_apply(graph);
   existing_apply(graph);
+  joined_nouns(graph);
 }
 
 }  // namespace lexon

@@ -156,8 +156,12 @@ void conjunction_apply(Rewriter& graph, Arc& one) {
   const bool is_picked = !one.inverse && is_picking && child_among(graph, one.to, "mod", kPicking) >= 0;
   if (is_picked) attribute_add(graph.word(one.to), "@focus");
   const bool is_ahead = !one.inverse && (one.role == "condition" || is_timed) && !is_picked &&
-                        !has_attribute(graph.word(one.from), "@query");
+                        !is_front_taken(graph, one.from) && !has_attribute(graph.word(one.from), "@query");
   if (is_ahead) attribute_add(graph.word(one.to), "@ahead");
+  if (one.role == "condition" && !is_ahead && is_front_taken(graph, one.from)) {
+    attribute_add(graph.word(one.to), "@behind");
+    if (!has_attribute(graph.word(one.to), "@past")) attribute_add(graph.word(one.to), "@pres");
+  }
   // "The way that she sings"; elsewhere "how he sings", and not the thing how he sings.
   const bool is_way = one.inverse && one.role == "manner" && graph.is(one.from, "way");
   if (one.role == "manner" && !is_way) attribute_add(graph.word(one.from), "@how");
@@ -228,6 +232,10 @@ void step_conjunctions(Meaning& meaning) {
   for (int led = 0, end = static_cast<int>(meaning.arcs.size()); led < end; ++led) time_in_front(graph, led);
   for (Arc& one : meaning.arcs) {
     if (one.gone) continue;
+    // "What do you think he will do?"
+    constexpr std::array kThinking{"think", "believe", "say", "suppose", "guess", "hope", "expect", "imagine"};
+    if (is_core(one) && is_one_of(graph, one.from, kThinking) && is_asked_into(graph, one.to))
+      attribute_add(graph.word(one.to), "@thatless");
     if (one.role == "condition" && !one.inverse) conditional_apply(graph, one.from);
     if (!has_attribute(graph.word(one.to), "@cl")) continue;
     conjunction_apply(graph, one);

@@ -362,8 +362,14 @@ AskingClause asking_clause(Rewriter& graph, Asked& asked) {
   int clause = graph.arc(asked.led).from;
   bool is_reported = false;
   while (clause != graph.meaning().root && !has_attribute(graph.word(clause), "@quote") && --asked.steps > 0) {
-    const int above = graph.parent(clause);
+    int above = graph.parent(clause);
     is_reported = above >= 0 && graph.is(graph.arc(above).from, "no-matter");
+    // "He asked why she left and where she went": the second question is told like the first.
+    if (above >= 0 && graph.arc(above).role == "conjunct") {
+      for (; above >= 0 && graph.arc(above).role == "conjunct" && --asked.steps > 0;)
+        above = graph.parent(graph.arc(above).from);
+      if (above < 0 || !is_core(graph.arc(above)) || !is_one_of(graph, graph.arc(above).from, kReporting)) break;
+    }
     if (above < 0 || !is_core(graph.arc(above))) break;
     const int governor = graph.arc(above).from;
     // "Think where you left it": elsewhere who thinks does not know, "where do you think you left it".
@@ -389,10 +395,18 @@ bool asks_who(Rewriter& graph, const Asked& asked) {
 void leave_preposition(Rewriter& graph, const Asked& asked, bool is_person, bool is_subject) {
   constexpr std::pair<std::string_view, const char*> kPrepositions[] = {
       {"accompanier", "with"}, {"beneficiary", "for"}, {"topic", "about"}, {"source", "from"}};
+  // "Which street do you live in", "whose spoon did you stir it with": for such a role alone there is another word.
+  constexpr std::pair<std::string_view, const char*> kOfPhrases[] = {
+      {"location", "in"}, {"instrument", "with"}, {"path", "by"}, {"destination", "to"}, {"direction", "to"}};
   const int at = graph.arc(asked.led).from;
-  const bool has_place = asked.phrase == asked.unknown && graph.child(at, "particle") < 0;
+  const bool is_free = graph.child(at, "particle") < 0;
+  for (const auto& [role, preposition] : kOfPhrases) {
+    const bool is_phrase = asked.phrase != asked.unknown && is_event(graph, at) && graph.word(at).sense != "91" &&
+                           graph.word(asked.phrase).sense.empty();
+    if (is_free && is_phrase && asked.role == role) graph.add(at, graph.add_concept(preposition), "particle");
+  }
   for (const auto& [role, preposition] : kPrepositions) {
-    if (has_place && asked.role == role) graph.add(at, graph.add_concept(preposition), "particle");
+    if (is_free && asked.role == role) graph.add(at, graph.add_concept(preposition), "particle");
   }
   // What is thought or known stands behind its verb without a preposition.
   constexpr std::array kThinking{"think", "know", "hear", "say", "tell", "believe", "learn"};

@@ -635,6 +635,23 @@ void step_control(Meaning& meaning) {
   for (int at = 0, end = graph.count(); at < end; ++at) nobody_decides(graph, at);
 }
 
+// "They greeted each other": what several people do to themselves is mostly done by each to the other, where the verb is
+// one of meeting, of feeling or of speech.
+bool is_mutual(Rewriter& graph, int frame, int several) {
+  constexpr std::array kMutual{"love",    "like",  "hate",         "greet",      "hug",       "kiss",    "embrace",
+                               "meet",    "marry", "help",         "need",       "miss",      "trust",   "look",
+                               "glance",  "stare", "gaze",         "nod",        "smile",     "wave",    "talk",
+                               "speak",   "chat",  "whisper",      "shout",      "write",     "argue",   "quarrel",
+                               "fight",   "chase", "follow",       "call",       "visit",     "respect", "admire",
+                               "forgive", "thank", "avoid",        "tease",      "mock",      "insult",  "hit",
+                               "push",    "bump",  "collide",      "resemble",   "recognize", "support", "attack",
+                               "accuse",  "blame", "congratulate", "understand", "know",      "fear",    "dislike"};
+  constexpr std::array kMany{"we", "they"};
+  const bool is_many = has_attribute(graph.word(several), "@pl") || has_attribute(graph.word(several), "@group") ||
+                       is_one_of(graph, several, kMany) || graph.child(several, "conjunct") >= 0;
+  return is_many && is_one_of(graph, frame, kMutual);
+}
+
 // A concept is one word. Where the graph leads to it a second time, a word of its own with @ref stands for it, and rules
 // make a pronoun of that; with @self if it is the subject of the same verb.
 // (w / want-01 :ARG0 (b / boy) :ARG1 (s / see-01 :ARG0 b :ARG1 b)): of the three arcs to b the first is the boy, the
@@ -670,6 +687,10 @@ void step_mentions(Meaning& meaning) {
       }
       const bool is_own =
           agent >= 0 && agent != led && meant[static_cast<std::size_t>(agent)] == to && is_core(graph.arc(led));
+      if (is_own && is_mutual(graph, graph.arc(led).from, to)) {
+        graph.lead_to(led, graph.add_concept("each-other"));
+        continue;
+      }
       graph.lead_to(led, mention_of(graph, to));
       // "She asked the old sailor where he lived": whoever is he, or it, is one. Subjects are so without a mark.
       constexpr std::array kUnsaid{"understood", "shared"};

@@ -279,11 +279,15 @@ bool is_told_of_another(Rewriter& graph, int at) {
   }
   if (!is_clause(graph, at) || graph.child(at, "condition") >= 0) return false;
   const int above = graph.parent(at);
-  // "If he has no glasses, he cannot read": the modal verb has no other time than its condition.
-  const bool is_condition =
-      above >= 0 && graph.arc(above).role == "condition" && has_attribute(graph.word(graph.arc(above).from), "@can");
+  // "If she falls, he will cry": what is still to come has no condition that is past.
+  const bool is_condition = above >= 0 && graph.arc(above).role == "condition" && !graph.arc(above).inverse &&
+                            !has_attribute(graph.word(graph.arc(above).from), "@past") &&
+                            !has_attribute(graph.word(graph.arc(above).from), "@would");
+  // "You see how happy she is": what somebody sees of her is as it is now.
+  const bool is_seen = above >= 0 && !graph.arc(above).inverse && graph.arc(above).role == "ARG1" &&
+                       graph.is(at, "be-located-at", "91") && has_attribute(graph.word(graph.arc(above).from), "@pres");
   // "He sat there, holding a lamp" has one tense.
-  if (is_condition || (above >= 0 && graph.arc(above).role == "attendant")) return false;
+  if (is_condition || is_seen || (above >= 0 && graph.arc(above).role == "attendant")) return false;
   const int subject = told_of(graph, at);
   constexpr std::array kAnother{"he", "she"};
   if (subject >= 0 && is_one_of(graph, graph.arc(subject).to, kAnother)) return true;
@@ -317,8 +321,8 @@ void tense_of_coming(Rewriter& graph, int at) {
   const int above = graph.parent(at);
   const bool is_condition = above >= 0 && !graph.arc(above).inverse && graph.arc(above).role == "condition";
   const bool is_ahead =
-      is_condition || graph.child(at, "condition") >= 0 || has_attribute(clause, "@imp") ||
-      has_attribute(clause, "@should") || has_attribute(clause, "@fut") ||
+      is_condition || graph.child(at, "condition") >= 0 || has_attribute(clause, "@as_condition") ||
+      has_attribute(clause, "@imp") || has_attribute(clause, "@should") || has_attribute(clause, "@fut") ||
       ((has_attribute(clause, "@can") || has_attribute(clause, "@must")) && has_attribute(clause, "@pres"));
   if (!is_ahead || has_attribute(clause, "@past")) return;
   // A preposition of time has the event below it: (a / after :op1 (c / come-01)).
@@ -604,6 +608,8 @@ void step_tense(Meaning& meaning) {
     const bool is_known = has_attribute(clause, "@past") || has_attribute(clause, "@pres") ||
                           has_attribute(clause, "@fut") || has_attribute(clause, "@imp") ||
                           !has_attribute(clause, "@v");
+    // "If the bridge breaks?"
+    if (!is_known && has_attribute(clause, "@as_condition")) attribute_add(clause, "@pres");
     tense_of_unreal(graph, at);
     tense_of_coming(graph, at);
     tense_of_thanks(graph, at);
