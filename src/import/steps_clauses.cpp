@@ -28,14 +28,26 @@ struct Modal {
 // obligate-01 has two rows, as some annotators number its clause ARG1.
 constexpr Modal kModals[] = {
     {"possible", "01", "ARG1", "@can"},     {"obligate", "01", "ARG2", "@must"}, {"obligate", "01", "ARG1", "@must"},
-    {"recommend", "01", "ARG1", "@should"}, {"use", "03", "ARG1", "@used"},
+    {"recommend", "01", "ARG1", "@should"}, {"use", "03", "ARG1", "@used"},      {"permit", "01", "ARG1", "@may"},
+    {"allow", "01", "ARG1", "@may"},
 };
+
+// "You may leave", "nobody can enter": who talks permits it, or some rule does; "he was permitted to leave" is a story.
+bool is_permission(Rewriter& graph, int at, int clause) {
+  constexpr std::array kHere{"i", "you", "we", "one", "nobody", "anybody", "anyone", "everybody", "everyone"};
+  const int subject = subject_arc(graph, clause);
+  const int whom = graph.child(at, "ARG2");
+  return subject >= 0 && is_one_of(graph, graph.arc(subject).to, kHere) && graph.argument(at, "ARG0") < 0 &&
+         (whom < 0 || graph.arc(whom).to == graph.arc(subject).to);
+}
 
 // Who is not obliged may do it all the same: "you need not go". What is possible may be that something is not so: "he might not
 // come", where "he cannot come" denies the possibility.
 const char* modal_mark(Rewriter& graph, int at, int clause, const Modal& modal) {
   const bool is_denied = has_attribute(graph.word(at), "@neg");
-  if (graph.is(at, "obligate", "01") && is_denied) return "@need";
+  // "She never had to wait."
+  const bool is_never = child_among(graph, at, "time", std::array{"ever"}) >= 0;
+  if (graph.is(at, "obligate", "01") && is_denied && !is_never) return "@need";
   const bool is_open = graph.is(at, "possible", "01") && !is_denied && has_attribute(graph.word(clause), "@neg") &&
                        !has_attribute(graph.word(at), "@int");
   return is_open ? "@maynot" : modal.attribute;
@@ -138,6 +150,8 @@ void modality_apply(Rewriter& graph, int at, const Modal& modal) {
   const int clause = graph.other(led, at);
   if (graph.is(clause, "and") || graph.is(clause, "or")) return modality_of_all(graph, at, led, modal);
   if (!is_clause(graph, clause) || clause == at) return;
+  const std::string_view frame = modal.name;
+  if ((frame == "permit" || frame == "allow") && !is_permission(graph, at, clause)) return;
   // English has one modal verb in a clause: the inner frame keeps it.
   for (const char* attribute : {"@can", "@must", "@should"}) {
     if (has_attribute(graph.word(clause), attribute)) return;
@@ -149,6 +163,9 @@ void modality_apply(Rewriter& graph, int at, const Modal& modal) {
   for (const std::string& attribute : graph.word(at).attributes) {
     if (attribute != "@v") attribute_add(graph.word(clause), attribute);
   }
+  const bool is_never = child_among(graph, at, "time", std::array{"ever"}) >= 0;
+  if (graph.is(at, "obligate", "01") && has_attribute(graph.word(at), "@neg") && is_never)
+    attribute_add(graph.word(clause), "@past");
   const bool is_above = graph.arc(led).to == at;
   graph.remove(led, Fate::attribute);
   if (!is_above) graph.redirect(at, clause);
@@ -570,8 +587,8 @@ void thing_apply(Rewriter& graph, int at) {
   const int frame = graph.arc(led).to;
   const std::vector<int> below = graph.children(frame);
   // What somebody asks is his question, and what he knows is "what he knows".
-  constexpr std::array kOwned{"question", "answer", "plan",  "propose", "promise",
-                              "decide",   "offer",  "order", "request"};
+  constexpr std::array kOwned{"question", "answer", "plan",  "propose", "promise", "decide",   "offer", "order",
+                              "request",  "draw",   "paint", "invent",  "suggest", "discover", "create"};
   const bool may_be_owned = is_one_of(graph, frame, kOwned);
   // A clause below needs a verb above it, which the noun is not.
   const bool is_simple = std::all_of(below.begin(), below.end(), [&](int one) {

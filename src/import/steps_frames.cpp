@@ -430,6 +430,14 @@ void frequency_apply(Rewriter& graph, int at) {
     graph.arc(number_of).role = "frequency";
   const int led = graph.child(at, "frequency");
   if (led < 0) return;
+  // "Two or three times."
+  const int first = graph.is(graph.arc(led).to, "or") ? graph.child(graph.arc(led).to, "op1") : -1;
+  if (first >= 0 && graph.word(graph.arc(first).to).variable.empty()) {
+    const int times = graph.add_concept("time");
+    graph.add(times, graph.arc(led).to, "quant");
+    graph.lead_to(led, times);
+    return attribute_add(graph.word(times), "@pl");
+  }
   const std::string number = graph.word(graph.arc(led).to).name;
   const bool is_several = number == "several" || number == "many" || number == "multiple" || number == "few";
   if (is_several && graph.children(graph.arc(led).to).empty()) {

@@ -608,7 +608,10 @@ void listed_apply(Rewriter& graph, int led) {
 // "She drew a picture of a horse", "he built a house": what is made is new, and so is what is shown.
 void made_apply(Rewriter& graph, int at) {
   constexpr std::array kMaking{"draw", "build", "compose", "sketch", "carve", "sew", "knit", "bake", "dig"};
-  const int made = is_event(graph, at) && is_one_of(graph, at, kMaking) ? graph.child(at, "ARG1") : -1;
+  int made = is_event(graph, at) && is_one_of(graph, at, kMaking) ? graph.child(at, "ARG1") : -1;
+  // "Can I ask you a question?"
+  const int told = graph.is(at, "ask", "01") || graph.is(at, "tell", "01") ? graph.child(at, "ARG1") : -1;
+  if (told >= 0 && is_one_of(graph, graph.arc(told).to, std::array{"question", "story", "joke", "lie"})) made = told;
   if (made >= 0 && is_open_noun(graph, graph.arc(made).to) && graph.child(graph.arc(made).to, "poss") < 0 &&
       graph.child(graph.arc(made).to, "ord") < 0 && graph.child(graph.arc(made).to, "mod") < 0 &&
       graph.child(graph.arc(made).to, "part-of") < 0 && graph.child(at, "ARG0") >= 0)

@@ -833,7 +833,7 @@ void whenever_apply(Rewriter& graph, int at) {
 
 // (s / soon :op1 (c / come-01 :ARG1 h)): "as soon as he came"; (a / after :op1 c :mod (s / soon)): "soon after he came".
 void soon_apply(Rewriter& graph, int at) {
-  const int clause = graph.is(at, "soon") ? graph.child(at, "op1") : -1;
+  const int clause = graph.is(at, "soon") || graph.is(at, "once") ? graph.child(at, "op1") : -1;
   if (clause >= 0 && is_clause(graph, graph.arc(clause).to)) graph.word(at).name = "as-soon-as";
   const int led = graph.is(at, "after") ? graph.child(at, "mod") : -1;
   if (led < 0 || !graph.is(graph.arc(led).to, "soon") || !graph.children(graph.arc(led).to).empty()) return;

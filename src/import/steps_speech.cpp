@@ -146,7 +146,10 @@ void quote(Rewriter& graph, int at) {
   const int said = graph.arc(led).to;
   if (is_unknown(graph, said) && graph.child(said, "domain") < 0) return;
   // Whoever asks does not ask whether he asks: the question is what he says.
-  if (graph.is(at, "ask", "01") && has_attribute(graph.word(at), "@int") && !graph.is(graph.arc(who).to, "you")) {
+  // "Can I ask you something?" asks itself.
+  const bool is_possible = has_attribute(graph.word(at), "@can") || has_attribute(graph.word(at), "@may");
+  if (graph.is(at, "ask", "01") && has_attribute(graph.word(at), "@int") && !is_possible &&
+      !graph.is(graph.arc(who).to, "you")) {
     std::erase(graph.word(at).attributes, "@int");
     attribute_add(graph.word(said), "@int");
   }

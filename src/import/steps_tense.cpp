@@ -263,7 +263,12 @@ void tense_in_story(Rewriter& graph, int at) {
   for (const char* role : {"time", "conjunct"}) {
     const int led = graph.child(at, role);
     const int beside = led >= 0 ? graph.arc(led).to : -1;
-    if (beside >= 0 && is_told_as_past(graph, beside) && graph.child(at, "condition") < 0)
+    // "I did not know her and walked on."
+    const bool is_going_on = beside >= 0 && has_attribute(graph.word(at), "@neg") &&
+                             graph.child(beside, "shared") >= 0 && !has_attribute(graph.word(at), "@can") &&
+                             is_event(graph, beside) && !is_state(graph, beside) && is_undated(graph.word(beside)) &&
+                             !is_tensed(graph, beside) && !has_attribute(graph.word(beside), "@neg");
+    if (beside >= 0 && (is_going_on || is_told_as_past(graph, beside)) && graph.child(at, "condition") < 0)
       return attribute_add(graph.word(at), "@past");
   }
 }

@@ -727,6 +727,27 @@ void many_apply(Rewriter& graph, int at) {
   if (is_theirs && is_one_of(graph, at, kBody)) several_apply(graph, at);
 }
 
+// "A dark blue dress": how dark a colour is stands beside it as it is. "For a long time".
+void plain_word_apply(Rewriter& graph, int at) {
+  constexpr std::array kColours{"blue", "green", "red", "brown", "grey", "gray", "yellow", "purple", "pink", "orange"};
+  constexpr std::array kShades{"dark", "light", "bright", "pale", "deep"};
+  const int shade = is_one_of(graph, at, kColours) ? child_among(graph, at, "mod", kShades) : -1;
+  const int above = shade < 0 ? -1 : graph.parent(at);
+  if (above >= 0 && graph.children(graph.arc(shade).to).empty() && graph.children(at).size() == 1) {
+    // The shade first, as both stand in the order of the graph.
+    const bool is_of_noun = graph.arc(above).role == "mod" || graph.arc(above).inverse;
+    if (is_of_noun) graph.lead_from(shade, graph.arc(above).from), graph.swap_places(shade, above);
+  }
+  const int lasting = graph.child(at, "duration");
+  const int how_long = lasting < 0 ? -1 : graph.arc(lasting).to;
+  if (how_long >= 0 && graph.word(how_long).name == "long" && graph.children(how_long).empty() &&
+      graph.mentions(how_long) == 1) {
+    graph.word(how_long).name = "for-a-long-time";
+    graph.word(how_long).sense.clear();
+    graph.word(how_long).attributes.clear();
+  }
+}
+
 // Words that mean something else together than one by one.
 void idiom_apply(Rewriter& graph, int at) {
   // "Far from the city", "away from it".
@@ -878,6 +899,7 @@ void step_pronouns(Meaning& meaning) {
   for (int at = 0, end = graph.count(); at < end; ++at) {
     rest_apply(graph, at);
     kind_apply(graph, at);
+    plain_word_apply(graph, at);
     idiom_apply(graph, at);
     Concept& word = graph.word(at);
     const int counted = word.name == "thing" && word.sense.empty() ? graph.child(at, "quant") : -1;

@@ -1717,6 +1717,21 @@ const StepRow kSteps[] = {
      "a0(understand(>01).@entry.@v, farmer); mod(farmer, no); a1(understand(>01), this); tim(understand(>01), ever)"},
     {"already_very_sick", "tense", "(s / sick-05 :ARG1 (h / horse) :degree (v / very) :time (a2 / already))",
      "a1(sick(>05).@entry.@v, horse); deg(sick(>05), very); tim(sick(>05), already)"},
+    {"you_may_leave", "modality", "(p / permit-01 :ARG1 (l / leave-11 :ARG0 (y / you)))", "a0(leave(>11).@entry.@v.@may, you)"},
+    {"he_was_permitted", "modality", "(p / permit-01 :ARG1 (l / leave-11 :ARG0 (h / he)))", "a1(permit(>01).@entry.@v, leave(>11).@v); a0(leave(>11), he)"},
+    {"she_never_had_to", "modality", "(o / obligate-01 :polarity - :ARG1 (s / she) :ARG2 (w / work-01 :ARG0 s) :time (e / ever))",
+     "a0(work(>01).@entry.@v.@must.@neg.@past, she); tim(work(>01), ever)"},
+    {"two_or_three_times", "reified", "(c / cough-01 :ARG0 (s / she) :frequency (o / or :op1 2 :op2 3))",
+     "a0(cough(>01).@entry.@v, she); fre(cough(>01), time.@pl); o1(or, 2); o2(or, 3); qty(time, or)"},
+    {"once_found", "predicates", "(s / stop-01 :ARG0 (g / girl) :time (o / once :op1 (f / find-01 :ARG0 g :ARG1 (k / key))))",
+     "a0(stop(>01).@entry.@v, girl); tim(stop(>01), as-soon-as); o1(as-soon-as, find(>01).@v); a0(find(>01), girl); a1(find(>01), key)"},
+    {"did_not_know_and_walked", "all", "(a / and :op1 (k / know-02 :polarity - :ARG0 (i / i) :ARG1 (h / he)) :op2 (w / walk-01 :ARG0 i))",
+     "a0(know(>02).@entry.@v.@neg.@past.@cl.@aux, i:01); a1(know(>02), he); cnj(know(>02), walk(>01).@v.@and.@cl); shr(walk(>01), i:02.@ref)"},
+    {"can_i_ask_you", "all", "(p / possible-01 :polarity (a / amr-unknown) :ARG1 (a2 / ask-01 :ARG0 (i / i) :ARG1 (q / question) :ARG2 (y / you)))",
+     "a0(ask(>01).@entry.@v.@can.@int.@cl.@aux, i); a1(ask(>01), question.@indef); a2(ask(>01), you)"},
+    {"my_drawing", "persons", "(t / thing :ARG1-of (d / draw-01 :ARG0 (i / i)))", "a0(draw(>01).@entry.@v.@result, i)"},
+    {"dark_blue", "pronouns", "(d / dress :mod (b / blue :mod (d2 / dark)))", "mod(dress.@entry, dark); mod(dress, blue)"},
+    {"looked_for_long", "pronouns", "(l / look-01 :ARG0 (h / he) :duration (l2 / long-03))", "a0(look(>01).@entry.@v, he); dur(look(>01), for-a-long-time)"},
 };
 
 TEST(Import, Steps) {
