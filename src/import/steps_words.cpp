@@ -738,6 +738,11 @@ void plain_word_apply(Rewriter& graph, int at) {
     const bool is_of_noun = graph.arc(above).role == "mod" || graph.arc(above).inverse;
     if (is_of_noun) graph.lead_from(shade, graph.arc(above).from), graph.swap_places(shade, above);
   }
+  // "A matter of great importance".
+  constexpr std::array kWorth{"importance", "significance", "consequence", "value",        "interest", "beauty",
+                              "strength",   "quality",      "courage",     "intelligence", "talent",   "wealth"};
+  const int worth = graph.word(at).sense.empty() ? child_among(graph, at, "mod", kWorth) : -1;
+  if (worth >= 0 && graph.child(graph.arc(worth).to, "mod") >= 0) graph.arc(worth).role = "consist-of";
   const int lasting = graph.child(at, "duration");
   const int how_long = lasting < 0 ? -1 : graph.arc(lasting).to;
   if (how_long >= 0 && graph.word(how_long).name == "long" && graph.children(how_long).empty() &&
