@@ -156,7 +156,8 @@ std::vector<int> first_arcs(Rewriter& graph) {
       const Arc& led_down = graph.arc(one);
       if (is_infinitive || is_front_taken(graph, at)) return false;
       const bool is_quoting = graph.child(at, "quoted") >= 0;
-      const bool goes_in_front = led_down.role == "condition" || (led_down.role == "time" && !is_quoting);
+      const bool is_asking = has_attribute(graph.word(at), "@ask") || has_attribute(graph.word(at), "@int");
+      const bool goes_in_front = led_down.role == "condition" || (led_down.role == "time" && !is_quoting && !is_asking);
       return goes_in_front && !led_down.inverse && has_clause(one);
     });
     for (auto one = below.rbegin(); one != below.rend(); ++one) open.emplace_back(*one, graph.arc(*one).to);

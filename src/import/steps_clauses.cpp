@@ -1535,8 +1535,10 @@ void there_apply(Rewriter& graph, int at) {
   const int led = is_being ? graph.child(at, "ARG1") : -1;
   if (led < 0) return;
   const Concept& thing = graph.word(graph.arc(led).to);
-  // "Where your two shoes are": what is somebody's is known.
-  const bool is_known = graph.child(graph.arc(led).to, "poss") >= 0 || has_attribute(graph.word(at), "@query");
+  // "Where your two shoes are", "who are those three men": what is somebody's or pointed at is known.
+  const bool is_known = graph.child(graph.arc(led).to, "poss") >= 0 ||
+                        child_among(graph, graph.arc(led).to, "mod", kDemonstratives) >= 0 ||
+                        has_attribute(graph.word(at), "@query");
   const bool is_new = graph.child(graph.arc(led).to, "quant") >= 0 || has_attribute(thing, "@indef");
   if (is_new && !is_known) attribute_add(graph.word(at), has_attribute(thing, "@pl") ? "@theres" : "@there");
 }

@@ -500,6 +500,47 @@ void times_apply(Rewriter& graph, int at) {
   attribute_add(graph.word(times), "@pl");
 }
 
+// (p / place :location-of (l / live-01 :ARG0 t)) as the whole sentence: "where they live".
+void place_alone_apply(Rewriter& graph, int at) {
+  constexpr std::array kOpen{"place", "location", "time"};
+  const std::vector<int> below = graph.children(at);
+  if (at != graph.meaning().root || !is_one_of(graph, at, kOpen) || below.size() != 1) return;
+  const Arc& one = graph.arc(below[0]);
+  const int whole = one.to;
+  const std::vector<int> parts = graph.numbered(whole, {"op"});
+  const int clause = graph.is(whole, "and") && !parts.empty() ? graph.arc(parts[0]).to : whole;
+  if (!one.inverse || (one.role != "location" && one.role != "time") || !is_event(graph, clause)) return;
+  attribute_add(graph.word(clause), "@as_" + one.role);
+  bool is_asked = has_attribute(graph.word(at), "@int");
+  for (const int asked : {whole, clause}) is_asked |= std::erase(graph.word(asked).attributes, "@int") > 0;
+  const int polarity = graph.child(whole, "polarity");
+  if (polarity >= 0 && is_unknown(graph, graph.arc(polarity).to)) {
+    is_asked = true;
+    graph.remove(polarity, Fate::attribute);
+  }
+  if (is_asked) {
+    attribute_add(graph.word(clause), "@ends_int");
+    for (const int part : {clause, parts.size() > 1 ? static_cast<int>(graph.arc(parts[1]).to) : clause})
+      attribute_add(graph.word(part), "@pres");
+  }
+  graph.settle_concept(at, Fate::attribute);
+  graph.remove(below[0], Fate::attribute);
+  graph.redirect(at, whole);
+}
+
+// (u / uncle :ARG1-of (m / mean-01 :ARG2 (b / barber))): my uncle, the barber. As mean-91 it is that role.
+void meant_apply(Rewriter& graph, int at) {
+  const int led = graph.is(at, "mean", "01") ? graph.parent(at) : -1;
+  const int other = led >= 0 ? graph.child(at, "ARG2") : -1;
+  if (other < 0 || !graph.arc(led).inverse || graph.arc(led).role != "ARG1" || graph.child(at, "ARG0") >= 0) return;
+  const bool is_thing = graph.word(graph.arc(other).to).sense.empty() && !is_event(graph, graph.arc(led).from);
+  if (!is_thing) return;
+  graph.word(at).sense = "91";
+  const int above = graph.parent(graph.arc(led).from);
+  if (above >= 0 && subject_arc(graph, graph.arc(above).from) == above)
+    attribute_add(graph.word(graph.arc(other).to), "@closed");
+}
+
 // (d / depart-01 :condition-of (t / thing)): what it is a condition of stands in another sentence: "if you depart".
 // @as_condition, @as_cause, @as_concession: the conjunction stands in front of the clause, and nothing follows.
 void outer_apply(Rewriter& graph, int at) {
@@ -1039,6 +1080,7 @@ void step_reified(Meaning& meaning) {
     object_order_apply(graph, at);
     purpose_of_thing_apply(graph, at);
     if (graph.is(at, "include", "01") || graph.is(at, "include", "91")) including_apply(graph, at);
+    meant_apply(graph, at);
     phrase_apply(graph, at);
     light_phrase_apply(graph, at);
   }
@@ -1055,6 +1097,7 @@ void step_reified(Meaning& meaning) {
     times_apply(graph, at);
     part_place_apply(graph, at);
     outer_apply(graph, at);
+    place_alone_apply(graph, at);
     here_apply(graph, at);
   }
   for (Arc& one : meaning.arcs) {

@@ -109,9 +109,10 @@ void speaker_behind(Rewriter& graph, int at, int who, int whom) {
   constexpr std::array kBareHearer{"ask", "tell", "answer", "warn", "interrupt"};
   // "..., the men who rowed us grumbled": between the verb and its end nothing long may stand.
   const std::vector<int> told = graph.children(subject);
-  const bool is_heavy = std::any_of(told.begin(), told.end(), [&](int led) {
+  const bool is_long = std::any_of(told.begin(), told.end(), [&](int led) {
     return graph.arc(led).inverse && !graph.children(graph.arc(led).to).empty();
   });
+  const bool is_heavy = is_long && graph.children(at).size() > 2;
   const bool is_beside_hearer = whom >= 0 && is_one_of(graph, at, kBareHearer);
   if (!is_plain || is_pronoun || is_beside_hearer || is_heavy) return;
   graph.arc(who).role = "speaker";
@@ -232,8 +233,9 @@ bool is_somebody(Rewriter& graph, int frame, const std::string& role) {
       "prove",  "indicate", "motivate", "result", "explain",  "amuse",   "influence", "contain", "move",    "keep",
       "drive",  "attract",  "wake",     "stop",   "inspire",  "trouble", "puzzle"};
   constexpr std::array kComing{"come", "arrive", "die", "go", "live", "fall-asleep", "survive", "return"};
-  constexpr std::array kMet{"marry", "meet",   "arrest", "hire",  "invite", "elect", "murder",
-                            "thank", "accuse", "trust",  "blame", "greet",  "kiss",  "accompany"};
+  constexpr std::array kMet{"marry", "meet",    "arrest", "hire",   "invite", "elect",   "murder", "thank",    "accuse",
+                            "trust", "blame",   "greet",  "kiss",   "hug",    "belong",  "help",   "warn",     "punish",
+                            "envy",  "forgive", "obey",   "admire", "fight",  "quarrel", "kill",   "accompany"};
   if (graph.is(frame, "have-rel-role", "91") || graph.is(frame, "have-org-role", "91")) return role == "ARG0";
   if (role == "ARG0")
     return is_event(graph, frame) && !is_one_of(graph, frame, kCausing) && graph.word(frame).sense != "91";
@@ -263,16 +265,24 @@ void asked_predicate(Rewriter& graph, int unknown) {
   }
 }
 
-// "Tell me what it is": in the order of a statement what is asked for stands in front of what it is said of. Both stand
-// below a frame of being, which takes the place of the clause.
-void reported_predicate(Rewriter& graph, int about, int led) {
+// "Tell me what it is": in the order of a statement what is asked for stands in front of what it is said of; "who is that
+// man": what is pointed at, or somebody's, is no predicate. Both stand below a frame of being, which takes the place of
+// the clause and has `mark`.
+void predicate_below_being(Rewriter& graph, int about, int led, const char* mark) {
   const int being = graph.add_concept("be-located-at");
   graph.word(being).sense = "91";
   attribute_add(graph.word(being), "@v");
   std::erase(graph.word(graph.arc(led).to).attributes, "@asked");
   graph.redirect(about, being);
   graph.add(being, about, "ARG1");
-  attribute_add(graph.word(being), "@asked");
+  attribute_add(graph.word(being), mark);
+  for (const char* role : {"time", "conjunct"}) {
+    if (const int outer = graph.child(about, role); outer >= 0) graph.lead_from(outer, being);
+  }
+  for (const char* outer :
+       {"@quote", "@and", "@but", "@or", "@snt", "@past", "@pres", "@lead_and", "@lead_but", "@lead_or"}) {
+    if (std::erase(graph.word(about).attributes, outer) > 0) attribute_add(graph.word(being), outer);
+  }
   graph.replace(led, being, graph.arc(led).to, "questioned");
 }
 
@@ -390,7 +400,8 @@ bool asks_who(Rewriter& graph, const Asked& asked) {
   const int at = graph.arc(asked.led).from;
   if (asked.role != "domain") return is_somebody(graph, at, asked.role);
   const bool is_pronoun = is_personal_pronoun(graph, at) && graph.word(at).name != "it";
-  return is_pronoun || graph.is(at, "person") || has_attribute(graph.word(at), "@person");
+  constexpr std::array kPeople{"person", "man", "woman", "boy", "girl", "child", "guy", "lady", "fellow", "people"};
+  return is_pronoun || is_one_of(graph, at, kPeople) || has_attribute(graph.word(at), "@person");
 }
 
 // "What are you filling it with", "who did you give it to": the preposition stays behind with its verb, as a particle
@@ -442,7 +453,13 @@ void question(Rewriter& graph, int unknown) {
   const bool is_person = asks_who(graph, asked);
   attribute_add(graph.word(asked.phrase), is_person ? "@wh_who" : "@wh_" + asked.role);
   const bool is_predicate = asked.role == "domain" && asked.phrase == unknown && graph.word(asked_at).sense.empty();
-  if (is_reported && is_predicate && graph.parent(asked_at) >= 0) return reported_predicate(graph, asked_at, asked.led);
+  if (is_reported && is_predicate && graph.parent(asked_at) >= 0)
+    return predicate_below_being(graph, asked_at, asked.led, "@asked");
+  const bool is_known = child_among(graph, asked_at, "mod", kDemonstratives) >= 0 || graph.child(asked_at, "poss") >= 0;
+  if (is_predicate && !is_reported && is_known && !has_attribute(graph.word(asked_at), "@exp")) {
+    predicate_below_being(graph, asked_at, asked.led, "@ask");
+    return ends_with_question(graph, graph.parent(asked_at) >= 0 ? graph.arc(graph.parent(asked_at)).from : asked_at);
+  }
   // An exclamation has the order of a statement: "how beautiful she is!"
   is_reported |= has_attribute(graph.word(clause), "@exp");
   attribute_add(graph.word(clause), is_reported ? "@asked" : is_subject ? "@asksub" : "@ask");
@@ -619,7 +636,11 @@ void step_quotation(Meaning& meaning) {
 void step_questions(Meaning& meaning) {
   Rewriter graph(meaning, "questions");
   for (int at = 0; at < graph.count(); ++at) {
-    if (is_unknown(graph, at)) question(graph, at);
+    if (!is_unknown(graph, at)) continue;
+    // "Who else knows it?"
+    const int other = graph.child(at, "mod");
+    if (other >= 0 && graph.is(graph.arc(other).to, "other")) graph.word(graph.arc(other).to).name = "else";
+    question(graph, at);
   }
   // "Which of you", "which one of these": what is asked for is taken out of a set that is known.
   for (int at = 0; at < graph.count(); ++at) {
