@@ -182,7 +182,9 @@ ADJECTIVE_OBJECTS = {adjective: preposition for preposition, adjectives in {
 PREDICATIVE = set("asleep afraid alive alone awake aware alike ashamed afloat adrift ablaze aloof unable worth sorry ready glad "
                   "sure unwell content unaware".split())
 # Behind these an adjective says what the subject is or becomes.
-COPULAR = set("become look feel sound smell taste stay remain grow turn get go seem appear keep".split())
+# With the senses that are so, where others take an object or a place: "it smells good", but "she smells a flower".
+COPULAR = {"become": (), "seem": (), "remain": (), "keep": (), "look": (2,), "sound": (1,), "smell": (2,), "taste": (2,),
+           "feel": (1, 2, 5), "grow": (2,), "turn": (2,), "get": (3,), "go": (8,), "appear": (2,), "stay": (1,)}
 FACT_VERBS = set("refer object react respond attest allude depend rely focus concentrate elaborate dwell reflect account approve "
                  "disapprove benefit stem result arise cope point".split())
 # What happens to things by itself as well: "the door opened" where nobody is named who opens it.
@@ -665,6 +667,7 @@ def frames(path, writer, sources):
                 built = [a for a in built if not a.startswith("p1")] + ["p1" + told] * bool(told)
         if verb and sense_of(concept) < 3 and (told := VERB_SECOND.get(lemma)):
             built = [a for a in built if not a.startswith("p2") and a not in ("NP2", "INF2")] + ["p2" + told]
+        is_copular = verb in COPULAR and (not COPULAR[verb] or sense_of(concept) in COPULAR[verb])
         is_getting = verb == "get" and sense_of(concept) > 2
         more = BUILT.get(concept, "").split()
         if not verb and (told := ADJECTIVE_OBJECTS.get(lemma)):
@@ -690,7 +693,7 @@ def frames(path, writer, sources):
             pattern = ",p1" + NO_VERBS[concept]
         elif verb:
             writer.verb(verb, concept, pattern + ",SMALLC" * (verb in ("make", "render", "keep") and "SMALLC" not in built)
-                        + ",COPL" * (verb in COPULAR and "COPL" not in built))
+                        + ",COPL" * (is_copular and "COPL" not in built))
             # "The unknown island": what has not been done to it.
             undone = "un" + sources.verb_forms(verb)["PTCP"]
             if verb == lemma and undone in sources.adjectives:

@@ -933,7 +933,16 @@ void correlate_apply(Rewriter& graph, int at) {
   for (const int led : {first, second}) {
     const int degree = graph.arc(led).to;
     const int frame = graph.child(degree, "ARG3", true);
-    if (frame < 0 || graph.mentions(degree) != 1) continue;
+    if (graph.mentions(degree) != 1) continue;
+    // (m / more :frequency-of (r / read-01 ...)).
+    for (const char* role : {"frequency", "degree", "extent", "consist-of"}) {
+      const int much = graph.child(degree, role, std::string_view(role) != "consist-of");
+      if (frame >= 0 || much < 0 || !is_event(graph, graph.arc(much).to)) continue;
+      graph.lead_to(led, graph.arc(much).to);
+      graph.replace(much, graph.arc(much).to, degree, "extent");
+      break;
+    }
+    if (frame < 0) continue;
     graph.lead_to(led, graph.arc(frame).to);
     graph.replace(frame, graph.arc(frame).to, degree, "ARG3");
   }

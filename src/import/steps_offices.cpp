@@ -276,6 +276,18 @@ void office_apply(Rewriter& graph, int at, const Office& office) {
   office_below(graph, at, office, arcs);
 }
 
+// (h / have-rel-role-91 :ARG1 (i / i) :ARG2 (f / friend)): nobody in particular is the friend, so "I have a friend".
+void friend_had(Rewriter& graph, int at) {
+  const int whose = graph.is(at, "have-rel-role", "91") ? graph.child(at, "ARG1") : -1;
+  const int relative = whose < 0 || graph.argument(at, "ARG0") >= 0 ? -1 : graph.child(at, "ARG2");
+  if (relative < 0 || is_unknown(graph, graph.arc(relative).to) || is_unknown(graph, graph.arc(whose).to)) return;
+  graph.word(at).name = "have";
+  graph.word(at).sense = "03";
+  graph.arc(whose).role = "ARG0";
+  graph.arc(relative).role = "ARG1";
+  if (graph.children(graph.arc(relative).to).empty()) attribute_add(graph.word(graph.arc(relative).to), "@indef");
+}
+
 }  // namespace
 
 // (p / person :ARG0-of (h / have-org-role-91 :ARG1 c :ARG2 (m / mayor))): the mayor of c. A person with a name keeps it:
@@ -307,6 +319,7 @@ void step_office(Meaning& meaning) {
     }
   }
   for (int at = 0; at < graph.count(); ++at) {
+    friend_had(graph, at);
     for (const Office& office : kOffices) {
       if (graph.is(at, office.name, office.sense)) {
         office_apply(graph, at, office);

@@ -134,7 +134,8 @@ bool is_no_adverbial(Rewriter& graph, const Arc& one) {
   // "It held as the smith had promised", but "like the fall of a tree", of which nothing more is told.
   if (one.role == "likeness") {
     const bool is_told = graph.child(one.to, "ARG0") >= 0 && graph.child(one.to, "ARG1") >= 0;
-    return !is_told && !has_attribute(word, "@neg");
+    constexpr std::array kLiking{"like", "want", "please", "wish", "choose"};
+    return !is_told && !has_attribute(word, "@neg") && !is_one_of(graph, one.to, kLiking);
   }
   // "She came to help because she was free": an infinitive stands nearer than a clause.
   return one.role == "purpose" && graph.child(one.to, "understood") >= 0 && !has_attribute(word, "@ctl1") &&

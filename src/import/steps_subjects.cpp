@@ -237,6 +237,9 @@ bool may_be_infinite(Rewriter& graph, int above, int at) {
   // Nor is "she asked what he was called".
   constexpr std::array kAsking{"ask", "inquire", "question", "wonder"};
   if (has_attribute(graph.word(at), "@asked") && is_one_of(graph, graph.arc(above).from, kAsking)) return false;
+  // "So that you are sure to find it": a quality that is aimed at.
+  constexpr std::array kQualities{"sure", "certain", "happy", "safe", "free", "ready", "famous", "warm", "healthy"};
+  if (role == "purpose" && is_one_of(graph, at, kQualities)) return false;
   // "They said that they were tempted": what is said has a subject, whichever it is.
   constexpr std::array kTelling{"say", "state", "explain", "report", "note", "mention", "announce", "think", "believe"};
   if (role == "ARG1" && is_one_of(graph, graph.arc(above).from, kTelling)) return false;

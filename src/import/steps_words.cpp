@@ -743,6 +743,22 @@ void plain_word_apply(Rewriter& graph, int at) {
                               "strength",   "quality",      "courage",     "intelligence", "talent",   "wealth"};
   const int worth = graph.word(at).sense.empty() ? child_among(graph, at, "mod", kWorth) : -1;
   if (worth >= 0 && graph.child(graph.arc(worth).to, "mod") >= 0) graph.arc(worth).role = "consist-of";
+  // "For the first time".
+  const int when = graph.child(at, "time");
+  const int turn = when >= 0 && graph.is(graph.arc(when).to, "time") ? graph.arc(when).to : -1;
+  const bool is_turn =
+      turn >= 0 && (graph.child(turn, "ord") >= 0 || child_among(graph, turn, "mod", std::array{"last", "only"}) >= 0);
+  if (is_turn && is_event(graph, at)) {
+    const int preposition = graph.add_concept("for");
+    graph.add(preposition, turn, "op1");
+    graph.lead_to(when, preposition);
+  }
+  // "Do as you like."
+  constexpr std::array kLiking{"like", "want", "please", "wish", "choose"};
+  const int way = graph.child(at, "manner");
+  const bool is_liked = way >= 0 && is_one_of(graph, graph.arc(way).to, kLiking) &&
+                        graph.child(graph.arc(way).to, "ARG0") >= 0 && graph.child(graph.arc(way).to, "ARG1") < 0;
+  if (is_liked) graph.arc(way).role = "likeness";
   const int lasting = graph.child(at, "duration");
   const int how_long = lasting < 0 ? -1 : graph.arc(lasting).to;
   if (how_long >= 0 && graph.word(how_long).name == "long" && graph.children(how_long).empty() &&

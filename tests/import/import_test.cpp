@@ -1732,6 +1732,18 @@ const StepRow kSteps[] = {
     {"my_drawing", "persons", "(t / thing :ARG1-of (d / draw-01 :ARG0 (i / i)))", "a0(draw(>01).@entry.@v.@result, i)"},
     {"dark_blue", "pronouns", "(d / dress :mod (b / blue :mod (d2 / dark)))", "mod(dress.@entry, dark); mod(dress, blue)"},
     {"looked_for_long", "pronouns", "(l / look-01 :ARG0 (h / he) :duration (l2 / long-03))", "a0(look(>01).@entry.@v, he); dur(look(>01), for-a-long-time)"},
+    {"i_have_a_friend", "office", "(n / need-01 :ARG0 (i / i) :ARG1 (h / have-rel-role-91 :ARG1 i :ARG2 (f / friend)))",
+     "a0(need(>01).@entry.@v, i); a1(need(>01), have(>03).@v); a0(have(>03), i); a1(have(>03), friend.@indef)"},
+    {"for_the_first_time", "pronouns", "(s / sleep-01 :ARG0 (g / girl) :time (t / time :ord (o / ordinal-entity :value 1)))",
+     "a0(sleep(>01).@entry.@v, girl); tim(sleep(>01), for); ord(time, ordinal-entity); val(ordinal-entity, 1); o1(for, time)"},
+    {"do_as_you_like", "all", "(d / do-02 :mode imperative :ARG0 (y / you) :manner (l / like-01 :ARG0 y))",
+     "a0(do(>02).@entry.@v.@imp.@cl, you:01); adv(do(>02), like(>01).@v.@pres.@cl.@s_as); a0(like(>01), you:02.@ref)"},
+    {"so_that_you_are_sure", "all", "(r / read-01 :ARG0 (y / you) :ARG1 (i / it) :purpose (s / sure-02 :ARG0 y :ARG1 (w / win-01 :ARG0 y)))",
+     "a0(read(>01).@entry.@v.@pres.@gives.@cl, you:01); a1(read(>01), it); adv(read(>01), sure(>02).@v.@pres.@fut.@aim.@content.@cl.@aux.@s_sothat); "
+     "a0(sure(>02), you:02.@ref); a1(sure(>02), win(>01).@v.@pres.@cl); ctl(win(>01), you:03.@ref)"},
+    {"read_more_understood_less", "reified",
+     "(c / correlate-91 :ARG1 (m / more :frequency-of (r / read-01 :ARG0 (i / i))) :ARG2 (l / less :quant-of (u / understand-01 :ARG0 i)))",
+     "o1(as, read(>01).@v); ext(read(>01), more); a0(read(>01), i); ext(understand(>01).@entry.@v, less); a0(understand(>01), i); tim(understand(>01), as)"},
 };
 
 TEST(Import, Steps) {
