@@ -117,9 +117,10 @@ inline constexpr std::array kSpans{"day",  "night", "morning", "afternoon", "eve
 
 // Verbs below which a question is reported and not asked.
 inline constexpr std::array kReporting{
-    "know",     "wonder", "understand", "forget", "remember", "learn",    "explain", "tell",     "see",       "ask",
-    "find-out", "show",   "discover",   "teach",  "inquire",  "question", "say",     "decide",   "realize",   "hear",
-    "doubt",    "matter", "idea",       "care",   "imagine",  "guess",    "notice",  "describe", "determine", "reveal"};
+    "know",     "wonder",    "understand", "forget",    "remember", "learn",   "explain",  "tell",    "see",
+    "ask",      "find-out",  "show",       "discover",  "teach",    "inquire", "question", "say",     "decide",
+    "realize",  "hear",      "doubt",      "matter",    "idea",     "care",    "imagine",  "guess",   "notice",
+    "describe", "determine", "reveal",     "important", "clear",    "sure",    "certain",  "obvious", "unclear"};
 
 bool is_personal_pronoun(Rewriter& graph, int at);
 // What a question asks for, in either bank: amr-unknown, umr-unknown.

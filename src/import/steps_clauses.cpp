@@ -1470,7 +1470,10 @@ void clause_apply(Rewriter& graph, int at) {
   const int led = graph.parent(at);
   const bool is_around = led >= 0 && !graph.arc(led).inverse && is_listed(graph.arc(led).role, kAround);
   const bool is_when = is_around && (graph.arc(led).role == "time" || graph.arc(led).role == "condition");
-  const bool is_stated = at == graph.meaning().root ? is_timed : is_when;
+  // "A country where it never rains."
+  const bool is_where =
+      led >= 0 && graph.arc(led).inverse && (graph.arc(led).role == "location" || graph.arc(led).role == "time");
+  const bool is_stated = at == graph.meaning().root ? is_timed : is_when || is_where;
   if (is_event(graph, at) && is_one_of(graph, at, kWeather) && !has_subject && is_stated) attribute_add(word, "@cl");
   // "We stayed because it was cold outside": such a quality is said of nothing, and no noun.
   constexpr std::array kQualities{"cold", "hot", "warm", "dark", "late", "early", "foggy", "sunny", "windy", "cloudy"};

@@ -285,7 +285,9 @@ int parts_tied(Rewriter& graph, int at, const std::vector<int>& parts, const Con
     const int part = graph.arc(parts[i]).to;
     // "She did not say who left, or whether it rained".
     const bool is_reported = led_here >= 0 && is_one_of(graph, graph.arc(led_here).from, kReporting);
-    if (is_reported && has_attribute(graph.word(part), "@int") && has_unknown(graph, head)) {
+    const bool is_thought = !has_attribute(graph.word(head), "@int") && is_reported && is_core(graph.arc(led_here)) &&
+                            !is_one_of(graph, graph.arc(led_here).from, kSaying);
+    if (is_reported && has_attribute(graph.word(part), "@int") && (is_thought || has_unknown(graph, head))) {
       std::erase(graph.word(part).attributes, "@int");
       attribute_add(graph.word(part), "@whether");
     }

@@ -79,6 +79,14 @@ void located_apply(Rewriter& graph, int at) {
   }
 }
 
+// "She is at home": nobody's in particular.
+void at_home_apply(Rewriter& graph, int at) {
+  const int led = graph.is(at, "home") && graph.children(at).empty() ? graph.parent(at) : -1;
+  if (led < 0 || graph.arc(led).inverse || graph.mentions(at) > 1) return;
+  const bool is_place = graph.arc(led).role == "ARG2" && graph.is(graph.arc(led).from, "be-located-at", "91");
+  if (is_place) attribute_add(graph.word(at), "@noart");
+}
+
 // (l / lonely :domain (b / be-located-at-91 :ARG2 (c / city))): "it is lonely in the city".
 // What is lonely is the being there; English puts "it" in the place of the subject and says the place behind.
 void somewhere_apply(Rewriter& graph, int at) {
@@ -940,6 +948,7 @@ void step_predicates(Meaning& meaning) {
   for (int at = 0, end = graph.count(); at < end; ++at) {
     if (graph.is(at, "top") && graph.child(at, "op1") >= 0) graph.word(at).name = "on-top-of";
     located_apply(graph, at);
+    at_home_apply(graph, at);
     somewhere_apply(graph, at);
     speaking_apply(graph, at);
     own_place_apply(graph, at);
