@@ -636,11 +636,14 @@ void step_quotation(Meaning& meaning) {
 void step_questions(Meaning& meaning) {
   Rewriter graph(meaning, "questions");
   for (int at = 0; at < graph.count(); ++at) {
-    if (!is_unknown(graph, at)) continue;
-    // "Who else knows it?"
-    const int other = graph.child(at, "mod");
-    if (other >= 0 && graph.is(graph.arc(other).to, "other")) graph.word(graph.arc(other).to).name = "else";
-    question(graph, at);
+    // "Who else knows it?", "is there anything else?"
+    constexpr std::array kAnyone{"anything", "something", "nothing", "everything", "anyone",   "someone",
+                                 "anybody",  "somebody",  "nobody",  "everyone",   "everybody"};
+    const int other = is_unknown(graph, at) || is_one_of(graph, at, kAnyone)
+                          ? child_among(graph, at, "mod", std::array{"other"})
+                          : -1;
+    if (other >= 0) graph.word(graph.arc(other).to).name = "else";
+    if (is_unknown(graph, at)) question(graph, at);
   }
   // "Which of you", "which one of these": what is asked for is taken out of a set that is known.
   for (int at = 0; at < graph.count(); ++at) {
