@@ -605,6 +605,8 @@ void thing_apply(Rewriter& graph, int at) {
   const bool is_graded = has_attribute(graph.word(frame), "@most") || has_attribute(graph.word(frame), "@more");
   if (is_graded && below.empty() && is_one_of(graph, frame, kThingQualities)) attribute_add(graph.word(at), "@quality");
   if (graph.word(frame).sense.empty() || !is_simple || !is_plain || name.find('-') != name.npos) return;
+  // "What freedom means", where it is told whose meaning it is.
+  if (name == "mean" && !below.empty()) return;
   // Who lies in bed does not tell a lie.
   if (is_one_of(graph, frame, kMotion) && !graph.is(frame, "lie", "08")) return;
   if (is_one_of(graph, frame, kThingQualities)) return attribute_add(graph.word(at), "@quality");

@@ -561,7 +561,7 @@ void material_apply(Rewriter& graph, int at) {
 bool is_open_noun(Rewriter& graph, int at) {
   const Concept& word = graph.word(at);
   constexpr std::array kKnown{"@pl", "@sg", "@def", "@indef", "@name", "@measure", "@ref", "@neg", "@agent", "@result"};
-  return word.sense.empty() && !word.is_text && !word.variable.empty() && graph.mentions(at) == 1 &&
+  return word.sense.empty() && !word.is_text && !word.variable.empty() && graph.mentions(at) <= 1 &&
          !is_personal_pronoun(graph, at) &&
          std::none_of(kKnown.begin(), kKnown.end(), [&](const char* one) { return has_attribute(word, one); });
 }
@@ -595,14 +595,38 @@ void listed_apply(Rewriter& graph, int led) {
   const int held = graph.parent(first);
   // "The left side and the right side".
   if (graph.word(first).name == graph.word(one.to).name) return;
-  if (!is_noun || held < 0 || graph.arc(held).inverse || !is_event(graph, graph.arc(held).from)) return;
-  const bool is_subject = subject_arc(graph, graph.arc(held).from) == held;
+  // "A lovely song and a warm voice": nouns with no verb above them are as new as one alone.
+  const bool is_alone = held < 0 && first == graph.meaning().root && graph.child(first, "domain") < 0;
+  const bool is_of_verb = held >= 0 && !graph.arc(held).inverse && is_event(graph, graph.arc(held).from);
+  if (!is_noun || (!is_alone && !is_of_verb)) return;
+  const bool is_subject = is_of_verb && subject_arc(graph, graph.arc(held).from) == held;
   attribute_add(graph.word(one.to), is_subject ? "@def" : "@indef");
   // "A red cup and a big plate": the first is no better known.
   const bool is_alike = graph.child(first, "mod") >= 0 && graph.child(first, "ord") < 0 &&
                         graph.child(first, "part-of") < 0 &&
                         !is_listed(graph.word(graph.arc(graph.child(first, "mod")).to).name, kDetermining);
   if (!is_subject && is_alike && is_open_noun(graph, first)) attribute_add(graph.word(first), "@indef");
+}
+
+// "She had a beak and a tail": what somebody has or gets, if several things are named at once, is new, and each of them has
+// an article.
+void gained_apply(Rewriter& graph, int at) {
+  constexpr std::array kGaining{"have", "own", "buy", "build", "draw", "make", "carry", "get", "find", "bring", "wear"};
+  const int led = is_event(graph, at) && is_one_of(graph, at, kGaining) ? graph.child(at, "ARG1") : -1;
+  const int first = led < 0 || graph.child(at, "ARG0") < 0 ? -1 : graph.arc(led).to;
+  if (first < 0 || graph.child(first, "conjunct") < 0) return;
+  const auto is_bare = [&](int part) {
+    const std::vector<int> below = graph.children(part);
+    return is_open_noun(graph, part) && std::all_of(below.begin(), below.end(), [&](int one) {
+             return graph.arc(one).role == "conjunct" || graph.arc(one).role == "purpose" ||
+                    graph.arc(one).role == "consist-of";
+           });
+  };
+  for (int part = first, steps = graph.count(); part >= 0 && steps > 0; --steps) {
+    if (is_bare(part)) attribute_add(graph.word(part), "@indef");
+    const int next = graph.child(part, "conjunct");
+    part = next < 0 ? -1 : graph.arc(next).to;
+  }
 }
 
 // "She drew a picture of a horse", "he built a house": what is made is new, and so is what is shown.
@@ -684,6 +708,7 @@ void step_nouns(Meaning& meaning) {
     group_members_apply(graph, at);
     material_apply(graph, at);
     made_apply(graph, at);
+    gained_apply(graph, at);
     of_kind_apply(graph, at);
   }
 }

@@ -136,6 +136,18 @@ void presented_apply(Rewriter& graph) {
   graph.meaning().root = noun;
 }
 
+// (w / we :domain-of (c / club :mod (o / old))): "we are an old club". Nothing else is told of the pronoun, so it is told what
+// it is.
+void identified_apply(Rewriter& graph) {
+  const int root = graph.meaning().root;
+  if (root < 0 || !is_personal_pronoun(graph, root) || graph.children(root).size() != 1) return;
+  const int led = graph.child(root, "mod");
+  const int noun = led < 0 ? -1 : graph.arc(led).to;
+  if (noun < 0 || is_event(graph, noun) || graph.children(noun).empty() || graph.mentions(noun) > 1) return;
+  graph.replace(led, noun, root, "domain");
+  graph.meaning().root = noun;
+}
+
 // (s / sleep-01 :ARG0 h :location h): "he sleeps where he is".
 // A bank that has no place to name writes the sleeper himself in its stead. The verb of being has the aspect and tense
 // of the clause, as both are about the same time.
@@ -984,6 +996,7 @@ void step_predicates(Meaning& meaning) {
     behind_noun_apply(graph, static_cast<int>(i));
   }
   presented_apply(graph);
+  identified_apply(graph);
   existing_apply(graph);
   joined_nouns(graph);
 }

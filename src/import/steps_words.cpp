@@ -313,13 +313,14 @@ void others_apply(Rewriter& graph, int at) {
 
 // Nouns of which there is a lot, and not lots of them; frames are no matter here.
 bool is_uncounted(const std::string& name) {
-  constexpr std::array kMass{"money",   "time",      "water",   "food",    "energy",    "attention", "information",
-                             "news",    "stuff",     "traffic", "trouble", "noise",     "music",     "air",
-                             "gas",     "oil",       "snow",    "rain",    "sand",      "wood",      "gold",
-                             "power",   "sense",     "fun",     "room",    "space",     "land",      "evidence",
-                             "crap",    "shit",      "luck",    "courage", "knowledge", "furniture", "paper",
-                             "coffee",  "wine",      "milk",    "sugar",   "blood",     "freedom",   "bullshit",
-                             "weather", "equipment", "emotion", "wealth",  "progress",  "support"};
+  constexpr std::array kMass{
+      "money",    "time",     "water",   "food",  "energy",  "attention", "information", "news",      "stuff",
+      "traffic",  "trouble",  "noise",   "music", "air",     "gas",       "oil",         "snow",      "rain",
+      "sand",     "wood",     "gold",    "power", "sense",   "fun",       "room",        "space",     "land",
+      "evidence", "crap",     "shit",    "luck",  "courage", "knowledge", "furniture",   "paper",     "coffee",
+      "wine",     "milk",     "sugar",   "blood", "freedom", "bullshit",  "weather",     "equipment", "emotion",
+      "wealth",   "progress", "support", "soup",  "bread",   "butter",    "cheese",      "tea",       "beer",
+      "rice",     "flour",    "wool",    "silk",  "cotton",  "honey",     "salt",        "grass"};
   return is_listed(name, kMass);
 }
 
@@ -548,7 +549,10 @@ void share_apply(Rewriter& graph, int led, int number) {
   const bool is_pointed = child_among(graph, noun, "mod", kDemonstratives) >= 0;
   // "Many of those sailors".
   constexpr std::array kPicked{"most", "lot", "many", "some"};
-  const bool is_most = (is_owned && share.name == "most") || (is_pointed && is_listed(share.name, kPicked));
+  // "Most of the soup".
+  const bool is_of_mass = share.name == "most" && is_uncounted(whole.name);
+  const bool is_most =
+      is_of_mass || (is_owned && share.name == "most") || (is_pointed && is_listed(share.name, kPicked));
   if (!is_most && !is_share(share.name)) return;
   if (share.name == "lot") share.name = "a lot";
   if (!is_most && share.name != "half" && share.name.find(' ') == std::string::npos)
