@@ -182,6 +182,8 @@ ADJECTIVE_OBJECTS = {adjective: preposition for preposition, adjectives in {
 PREDICATIVE = set("asleep afraid alive alone awake aware alike ashamed afloat adrift ablaze aloof unable worth sorry ready glad "
                   "sure unwell content unaware".split())
 # Behind these an adjective says what the subject is or becomes.
+# Verbs with a particle that nobody does to anything.
+ALONE = re.compile("(come|go|fall|sit|lie|stand|run|walk|fly|grow) (back|away|down|up|out|in|on|home|asleep|apart|along|around)")
 # With the senses that are so, where others take an object or a place: "it smells good", but "she smells a flower".
 COPULAR = {"become": (), "seem": (), "remain": (), "keep": (), "look": (2,), "sound": (1,), "smell": (2,), "taste": (2,),
            "feel": (1, 2, 5), "grow": (2,), "turn": (2,), "get": (3,), "go": (8,), "appear": (2,), "stay": (1,)}
@@ -808,8 +810,10 @@ def lemmas(writer, sources):
     # UniMorph has forms of verbs that nobody uses, such as "younged".
     for lemma in sorted(sources.verbs | set(sources.forms) - sources.adjectives):
         if re.fullmatch(r"[a-z][a-z -]*", lemma):
+            # "He came back": of senses that the frame files do not have.
+            is_alone = ALONE.fullmatch(lemma) is not None
             for key in sorted({lemma, lemma.replace(" ", "-")}):
-                writer.verb(lemma, key)
+                writer.verb(lemma, key, ",SA1" * is_alone)
                 for agent in agent_of(sources, lemma)[:1]:
                     writer.noun(agent, key, ",AGT")
 

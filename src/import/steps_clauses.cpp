@@ -599,7 +599,7 @@ void thing_apply(Rewriter& graph, int at) {
                         !has_attribute(graph.word(frame), "@more") && graph.mentions(frame) == 1;
   // Nothing is the result of a motion: "the first thing that came".
   constexpr std::array kMotion{"come", "go",    "happen", "occur",  "arrive",  "fall",  "appear", "exist",
-                               "lie",  "stand", "matter", "remain", "survive", "count", "belong"};
+                               "lie",  "stand", "matter", "remain", "survive", "count", "belong", "miss"};
   const std::string& name = graph.word(frame).name;
   // "The most important thing".
   const bool is_graded = has_attribute(graph.word(frame), "@most") || has_attribute(graph.word(frame), "@more");
@@ -988,8 +988,13 @@ void step_voice(Meaning& meaning) {
     // "The fact that he can swim helped her".
     const bool is_fact = std::any_of(std::begin(kModals), std::end(kModals),
                                      [&](const Modal& one) { return has_attribute(graph.word(what), one.attribute); });
-    if (is_deed && !is_fact && is_one_of(graph, whom, kSomebody)) attribute_add(graph.word(at), "@psv");
-    if (is_one_of(graph, at, kMoving)) attribute_add(graph.word(at), "@moved");
+    // "The farmer was surprised to see the wolf": what sees and is moved is somebody.
+    const int seeing = is_deed ? graph.child(what, "ARG0") : -1;
+    const bool is_moved = is_one_of(graph, at, kMoving);
+    const bool is_somebody =
+        is_one_of(graph, whom, kSomebody) || (is_moved && seeing >= 0 && graph.arc(seeing).to == whom);
+    if (is_deed && !is_fact && is_somebody) attribute_add(graph.word(at), "@psv");
+    if (is_moved) attribute_add(graph.word(at), "@moved");
   }
 }
 

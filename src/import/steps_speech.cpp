@@ -662,6 +662,15 @@ void step_questions(Meaning& meaning) {
     const bool is_told = is_core(graph.arc(above)) && is_one_of(graph, graph.arc(above).from, kReporting);
     if (is_told) attribute_add(graph.word(at), "@whether");
   }
+  // "She asked him what he did": who says a question asks it.
+  for (int at = 0; at < graph.count(); ++at) {
+    const int led = graph.is(at, "say", "01") ? graph.child(at, "ARG1") : -1;
+    if (led < 0 || graph.child(at, "ARG2") < 0) continue;
+    Concept& said = graph.word(graph.arc(led).to);
+    if (!has_attribute(said, "@whether") && !has_attribute(said, "@asked")) continue;
+    graph.word(at).name = "ask";
+    for (const char* joint : {"@but", "@lead_but"}) std::erase(said.attributes, joint);
+  }
   // "Why do you ask? Everybody knows it." The first sentence of several ends where the next begins.
   const int next = meaning.root < 0 ? -1 : graph.child(meaning.root, "conjunct");
   if (next < 0 || !has_attribute(graph.word(graph.arc(next).to), "@snt")) return;

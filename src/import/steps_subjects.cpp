@@ -71,6 +71,9 @@ void raise_apply(Rewriter& graph, int at) {
   const int subject = is_phase && (graph.child(done, "ARG0") >= 0 || !is_one_of(graph, done, kByItself))
                           ? graph.child(done, "ARG0")
                           : subject_arc(graph, done);
+  // "It seems to me that I dream."
+  const int to_whom = is_seeming(graph, at) ? graph.child(at, "ARG2") : -1;
+  if (to_whom >= 0 && subject >= 0 && graph.arc(to_whom).to == graph.arc(subject).to) return;
   if (is_phase && (has_attribute(graph.word(done), "@agent") || has_attribute(graph.word(done), "@result"))) return;
   if (subject < 0 || (is_phase && graph.child(at, "shared") >= 0)) return;
   if (is_clause(graph, graph.arc(subject).to) && !has_attribute(graph.word(graph.arc(subject).to), "@agent")) return;
@@ -264,6 +267,8 @@ bool is_said_again(Rewriter& graph, int above, int at, int subject) {
   const bool is_told = role == "ARG1" && graph.arc(subject).role == "ARG1" && is_one_of(graph, higher, kThatVerbs) &&
                        (hearer < 0 || graph.arc(hearer).to != person);
   if (is_told) return true;
+  // "It seems to me that I dream."
+  if (is_seeming(graph, higher) && hearer >= 0 && graph.arc(hearer).to == person) return true;
   // "She told him that she sang", "she suggested to him that he sing": only of some verbs who listens does what is said.
   constexpr std::array kOfHearers{"tell", "warn", "remind", "assure", "inform", "notify"};
   constexpr std::array kBidding{"tell",   "ask",     "beg",    "teach",   "help",     "permit",  "allow",  "forbid",

@@ -1410,7 +1410,8 @@ const StepRow kSteps[] = {
      "a0(continue(>01).@entry.@v, boy); a1(continue(>01), ask(>01).@v); a0(ask(>01), boy); a1(ask(>01), stay(>01).@v); a1(stay(>01), girl)"},
     {"went_on_you_stay", "quotation", "(c / continue-01 :ARG0 (b / boy) :ARG1 (s / stay-01 :ARG1 (y / you) :mode imperative))",
      "spk(continue(>01).@entry.@v, boy); quo(continue(>01), stay(>01).@v.@imp.@quote); a1(stay(>01), you)"},
-    {"heavy_speaker", "quotation", "(g / grumble-01 :ARG0 (m / man :ARG0-of (r / row-01 :ARG1 (w / we))) :ARG1 (c / come-01 :mode imperative) :manner (l / loud))",
+    {"heavy_speaker", "quotation",
+     "(g / grumble-01 :ARG0 (m / man :ARG0-of (r / row-01 :ARG1 (w / we))) :ARG1 (c / come-01 :mode imperative) :manner (l / loud))",
      "a0(grumble(>01).@entry.@v, man); a0(row(>01).@v, man); a1(row(>01), we); quo(grumble(>01), come(>01).@v.@imp.@quote); mnr(grumble(>01), loud)"},
     {"through_the_town", "merging", "(w / walk-01 :ARG0 (g / girl) :path (t / town))", "a0(walk(>01).@entry.@v, girl); cir(walk(>01), town.@p_through)"},
     {"along_the_road", "merging", "(w / walk-01 :ARG0 (g / girl) :path (r / road))", "a0(walk(>01).@entry.@v, girl); cir(walk(>01), road.@p_along)"},
@@ -1749,6 +1750,14 @@ const StepRow kSteps[] = {
     {"read_more_understood_less", "reified",
      "(c / correlate-91 :ARG1 (m / more :frequency-of (r / read-01 :ARG0 (i / i))) :ARG2 (l / less :quant-of (u / understand-01 :ARG0 i)))",
      "o1(as, read(>01).@v); ext(read(>01), more); a0(read(>01), i); ext(understand(>01).@entry.@v, less); a0(understand(>01), i); tim(understand(>01), as)"},
+    {"asked_what_he_did", "questions", "(s / say-01 :ARG0 (i / i) :ARG1 (d / do-02 :ARG0 (h / he) :ARG1 (a / amr-unknown)) :ARG2 h)",
+     "a0(ask(>01).@entry.@v, i); a1(ask(>01), do(>02).@v.@asked.@st1); a0(do(>02), he); wh(do(>02), amr-unknown.@wh.@wh_ARG1); a2(ask(>01), he)"},
+    {"seems_to_me_that_i", "control", "(s / seem-01 :ARG1 (c / carry-01 :ARG0 i :ARG1 (t / lamp)) :ARG2 (i / i))",
+     "a1(seem(>01).@entry.@v, carry(>01).@v); a0(carry(>01), i); a1(carry(>01), lamp); a2(seem(>01), i)"},
+    {"farmer_surprised_to_see", "voice", "(s / surprise-01 :ARG0 (s2 / see-01 :ARG0 f :ARG1 (w / wolf)) :ARG1 (f / farmer))",
+     "a0(surprise(>01).@entry.@v.@psv.@moved, see(>01).@v); a0(see(>01), farmer); a1(see(>01), wolf); a1(surprise(>01), farmer)"},
+    {"what_is_missing", "persons", "(f / find-01 :ARG0 (i / i) :ARG1 (t / thing :ARG1-of (m / miss-02 :ARG2 (e / engine))))",
+     "a0(find(>01).@entry.@v, i); a1(find(>01), thing); a1(miss(>02).@v, thing); a2(miss(>02), engine)"},
 };
 
 TEST(Import, Steps) {
