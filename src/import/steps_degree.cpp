@@ -96,7 +96,8 @@ bool sought_apply(Rewriter& graph, int at, int quality, int bearer) {
   return true;
 }
 
-// (e / equal :quant (p / product-of :op1 2)), or the product alone: twice as large; with more, "three times larger".
+// (e / equal :quant (p / product-of :op1 2)), (e / equal :quant 2), or the product alone: twice as large; with
+// more, "three times larger".
 void times_more(Rewriter& graph, int led, int quality) {
   constexpr std::pair<const char*, const char*> kTimes[] = {
       {"2", "twice"},      {"3", "three-times"},       {"4", "four-times"},         {"5", "five-times"},
@@ -106,11 +107,15 @@ void times_more(Rewriter& graph, int led, int quality) {
   const int product = graph.is(degree, "product-of") ? degree : quant < 0 ? -1 : graph.arc(quant).to;
   const int number = product >= 0 && graph.is(product, "product-of") ? graph.child(product, "op1") : -1;
   if (graph.is(degree, "twice")) attribute_add(graph.word(quality), "@equal");
-  if (number < 0 || graph.children(product).size() != 1) return;
+  // With "equal" a bare number means the same.
+  const bool is_bare = quant >= 0 && graph.is(degree, "equal") && graph.word(product).variable.empty();
+  if (!is_bare && (number < 0 || graph.children(product).size() != 1)) return;
   for (const auto& [digits, word] : kTimes) {
-    if (!graph.is(graph.arc(number).to, digits)) continue;
-    graph.settle_concept(graph.arc(number).to, Fate::word);
-    graph.remove(number, Fate::word);
+    if (!graph.is(is_bare ? product : graph.arc(number).to, digits)) continue;
+    if (!is_bare) {
+      graph.settle_concept(graph.arc(number).to, Fate::word);
+      graph.remove(number, Fate::word);
+    }
     graph.word(product).name = word;
     if (product == degree) attribute_add(graph.word(quality), "@equal");
     if (quant >= 0) graph.arc(quant).role = "degree";
