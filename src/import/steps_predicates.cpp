@@ -484,7 +484,9 @@ void nth_time_apply(Rewriter& graph, int at) {
   if (led < 0 || !graph.children(graph.arc(led).to).empty() || graph.is(graph.arc(led).to, "1", "ord")) return;
   const int above = graph.parent(at);
   const bool is_stated = above < 0 || graph.arc(above).role == "conjunct" || graph.arc(above).role.starts_with("op");
-  if (!is_stated || graph.child(at, "ARG0") < 0 || graph.word(graph.arc(led).to).sense != "ord") return;
+  const bool is_relative = above >= 0 && graph.arc(above).inverse && graph.arc(above).role == "ARG0";
+  if (!is_relative && (!is_stated || graph.child(at, "ARG0") < 0)) return;
+  if (graph.word(graph.arc(led).to).sense != "ord") return;
   const int time = graph.add_concept("time");
   attribute_add(graph.word(time), "@def");
   const int preposition = graph.add_concept("for");
