@@ -263,4 +263,18 @@ void make_infinitive(Rewriter& graph, int clause, const char* mark) {
   for (const char* tense : {"@past", "@pres"}) std::erase(graph.word(clause).attributes, tense);
 }
 
+bool is_uncounted(const std::string& name) {
+  constexpr std::array kMass{
+      "money",     "time",     "water",    "food",    "energy",  "attention", "information", "news",      "stuff",
+      "traffic",   "trouble",  "noise",    "music",   "air",     "gas",       "oil",         "snow",      "rain",
+      "sand",      "wood",     "gold",     "power",   "sense",   "fun",       "room",        "space",     "land",
+      "evidence",  "crap",     "shit",     "luck",    "courage", "knowledge", "furniture",   "paper",     "coffee",
+      "wine",      "milk",     "sugar",    "blood",   "freedom", "bullshit",  "weather",     "equipment", "emotion",
+      "wealth",    "progress", "support",  "soup",    "bread",   "butter",    "cheese",      "tea",       "beer",
+      "rice",      "flour",    "wool",     "silk",    "cotton",  "honey",     "salt",        "grass",     "help",
+      "advice",    "cloth",    "clothing", "jewelry", "corn",    "toast",     "work",        "peace",     "love",
+      "breakfast", "lunch",    "dinner"};
+  return is_listed(name, kMass);
+}
+
 }  // namespace lexon

@@ -79,4 +79,7 @@ bool is_plain_deed(Rewriter& graph, int at);
 // Marks `clause` as an infinitive that `mark` tells of: it has no tense.
 void make_infinitive(Rewriter& graph, int clause, const char* mark);
 
+// Nouns of which there is a lot, and not lots of them; frames are no matter here.
+bool is_uncounted(const std::string& name);
+
 }  // namespace lexon

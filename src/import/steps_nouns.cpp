@@ -623,7 +623,7 @@ void gained_apply(Rewriter& graph, int at) {
            });
   };
   for (int part = first, steps = graph.count(); part >= 0 && steps > 0; --steps) {
-    if (is_bare(part)) attribute_add(graph.word(part), "@indef");
+    if (is_bare(part)) attribute_add(graph.word(part), is_uncounted(graph.word(part).name) ? "@noart" : "@indef");
     const int next = graph.child(part, "conjunct");
     part = next < 0 ? -1 : graph.arc(next).to;
   }

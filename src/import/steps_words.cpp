@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 
+#include "import/clauses.hpp"
 #include "import/rewriter.hpp"
 #include "import/steps.hpp"
 
@@ -309,19 +310,6 @@ void others_apply(Rewriter& graph, int at) {
   if (led < 0 || graph.arc(led).inverse) return;
   const std::string& role = graph.arc(led).role;
   if (role.starts_with("ARG") || role == "beneficiary" || role == "accompanier") attribute_add(graph.word(at), "@pl");
-}
-
-// Nouns of which there is a lot, and not lots of them; frames are no matter here.
-bool is_uncounted(const std::string& name) {
-  constexpr std::array kMass{
-      "money",    "time",     "water",   "food",  "energy",  "attention", "information", "news",      "stuff",
-      "traffic",  "trouble",  "noise",   "music", "air",     "gas",       "oil",         "snow",      "rain",
-      "sand",     "wood",     "gold",    "power", "sense",   "fun",       "room",        "space",     "land",
-      "evidence", "crap",     "shit",    "luck",  "courage", "knowledge", "furniture",   "paper",     "coffee",
-      "wine",     "milk",     "sugar",   "blood", "freedom", "bullshit",  "weather",     "equipment", "emotion",
-      "wealth",   "progress", "support", "soup",  "bread",   "butter",    "cheese",      "tea",       "beer",
-      "rice",     "flour",    "wool",    "silk",  "cotton",  "honey",     "salt",        "grass"};
-  return is_listed(name, kMass);
 }
 
 // (w / wheat :quant (a / about :op1 (t / ton :quant 5))): about five tons of wheat.

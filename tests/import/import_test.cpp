@@ -1586,6 +1586,8 @@ const StepRow kSteps[] = {
      "a0(sleep(>01).@entry.@v, man); mod(man, old); cnj(man, woman.@def); mod(woman, young)"},
     {"apple_and_his_pear", "nouns", "(b / buy-01 :ARG0 (b2 / boy) :ARG1 (a / apple :conjunct (p / pear :mod (g / green) :poss (h / he))))",
      "a0(buy(>01).@entry.@v, boy); a1(buy(>01), apple.@indef); cnj(apple, pear); mod(pear, green); pos(pear, he)"},
+    {"food_and_a_shelter", "nouns", "(f / find-01 :ARG0 (b / boy) :ARG1 (f2 / food :conjunct (s / shelter)))",
+     "a0(find(>01).@entry.@v, boy); a1(find(>01), food.@noart); cnj(food, shelter.@indef)"},
     {"apple_and_other_pear", "nouns", "(b / buy-01 :ARG0 (b2 / boy) :ARG1 (a / apple :conjunct (p / pear :mod (o / other))))",
      "a0(buy(>01).@entry.@v, boy); a1(buy(>01), apple.@indef); cnj(apple, pear); mod(pear, other)"},
     {"his_apple_green_pear", "nouns", "(b / buy-01 :ARG0 (b2 / boy) :ARG1 (a / apple :poss (h / he) :conjunct (p / pear :mod (g / green))))",
