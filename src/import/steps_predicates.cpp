@@ -853,6 +853,27 @@ void whenever_apply(Rewriter& graph, int at) {
   graph.word(time).name = "whenever";
 }
 
+// (e / evidence-01 :polarity - :ARG1 (c / cause-01 ...)): "there is no evidence that ..." Nobody in particular has it.
+void evidence_apply(Rewriter& graph, int at) {
+  const bool is_such = graph.is(at, "evidence", "01") || graph.is(at, "doubt", "01");
+  const int told = is_such && subject_arc(graph, at) == graph.child(at, "ARG1") ? graph.child(at, "ARG1") : -1;
+  if (told < 0 || !is_event(graph, graph.arc(told).to) || graph.argument(at, "ARG0") >= 0) return;
+  const int above = graph.parent(at);
+  const bool is_stated =
+      above < 0 || graph.arc(above).role.starts_with("op") || graph.arc(above).role.starts_with("snt");
+  if (!is_stated) return;
+  const int being = graph.add_concept("exist");
+  graph.word(being).sense = "91";
+  graph.word(being).attributes = {"@v", "@there"};
+  attribute_add(graph.word(at), "@nom");
+  if (std::erase(graph.word(at).attributes, "@neg") > 0)
+    graph.add(at, graph.add_concept("no"), "mod");
+  else
+    attribute_add(graph.word(at), "@noart");
+  graph.redirect(at, being);
+  graph.add(being, at, "ARG1");
+}
+
 // (s / soon :op1 (c / come-01 :ARG1 h)): "as soon as he came"; (a / after :op1 c :mod (s / soon)): "soon after he came".
 void soon_apply(Rewriter& graph, int at) {
   const int clause = graph.is(at, "soon") || graph.is(at, "once") ? graph.child(at, "op1") : -1;
@@ -985,6 +1006,7 @@ void step_predicates(Meaning& meaning) {
     seen_degree_apply(graph, at);
     whenever_apply(graph, at);
     soon_apply(graph, at);
+    evidence_apply(graph, at);
     how_well_apply(graph, at);
     how_apply(graph, at);
     first_to_apply(graph, at);

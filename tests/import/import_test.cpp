@@ -163,8 +163,7 @@ const StepRow kSteps[] = {
      "qty(wheat.@entry, ton.@measure.@pl); o1(about, \"15,000\"); qty(ton, about)"},
     {"score_and_fraction", "quantities", "(w / win-01 :ARG1 (c / cake :quant 2/3) :quant (s / score-entity :op1 3 :op2 1))",
      "a1(win(>01).@entry.@v, cake.@part.@def.@pl); qty(cake, two thirds); ext(win(>01), 3-1)"},
-    {"most_of_a_mass", "quantities", "(s / spill-01 :ARG1 (s2 / soup :quant (m / most)))",
-     "a1(spill(>01).@entry.@v, soup.@part.@def); qty(soup, most)"},
+    {"most_of_a_mass", "quantities", "(s / spill-01 :ARG1 (s2 / soup :quant (m / most)))", "a1(spill(>01).@entry.@v, soup.@part.@def); qty(soup, most)"},
     {"what_it_means", "persons", "(k / know-01 :ARG1 (t / thing :ARG2-of (m / mean-01 :ARG1 (w / word))))",
      "a1(know(>01).@entry.@v, thing); a2(mean(>01).@v, thing); a1(mean(>01), word)"},
     {"what_a_pronoun_is", "predicates", "(w / we :domain-of (c / club :mod (o / old)))", "dom(club.@entry, we); mod(club, old)"},
@@ -1760,6 +1759,9 @@ const StepRow kSteps[] = {
      "a0(surprise(>01).@entry.@v.@psv.@moved, see(>01).@v); a0(see(>01), farmer); a1(see(>01), wolf); a1(surprise(>01), farmer)"},
     {"what_is_missing", "persons", "(f / find-01 :ARG0 (i / i) :ARG1 (t / thing :ARG1-of (m / miss-02 :ARG2 (e / engine))))",
      "a0(find(>01).@entry.@v, i); a1(find(>01), thing); a1(miss(>02).@v, thing); a2(miss(>02), engine)"},
+    {"no_evidence_that", "predicates", "(e / evidence-01 :polarity - :ARG1 (c / cause-01 :ARG0 (v / water) :ARG1 (d / damage)))",
+     "a1(evidence(>01).@v.@nom, cause(>01).@v); a0(cause(>01), water); a1(cause(>01), damage); mod(evidence(>01), no); a1(exist(>91).@entry.@v.@there, "
+     "evidence(>01))"},
 };
 
 TEST(Import, Steps) {
