@@ -76,7 +76,10 @@ void raise_apply(Rewriter& graph, int at) {
   if (to_whom >= 0 && subject >= 0 && graph.arc(to_whom).to == graph.arc(subject).to) return;
   if (is_phase && (has_attribute(graph.word(done), "@agent") || has_attribute(graph.word(done), "@result"))) return;
   if (subject < 0 || (is_phase && graph.child(at, "shared") >= 0)) return;
-  if (is_clause(graph, graph.arc(subject).to) && !has_attribute(graph.word(graph.arc(subject).to), "@agent")) return;
+  // "The offer seemed to shock him": an event of nobody is a noun.
+  const int whose = graph.arc(subject).to;
+  const bool is_noun = has_attribute(graph.word(whose), "@agent") || graph.children(whose).empty();
+  if (is_clause(graph, whose) && !is_noun) return;
   if (is_bidden) {
     if (graph.arc(subject).role == "domain" || graph.parent(done) != led || has_attribute(graph.word(done), "@neg"))
       return;

@@ -284,6 +284,9 @@ bool is_told_of_another(Rewriter& graph, int at) {
   }
   if (!is_clause(graph, at) || graph.child(at, "condition") >= 0) return false;
   const int above = graph.parent(at);
+  // "If you let him go, he will run and be lost."
+  if (above >= 0 && graph.arc(above).role == "conjunct" && graph.child(graph.arc(above).from, "condition") >= 0)
+    return false;
   // "If she falls, he will cry": what is still to come has no condition that is past.
   const bool is_condition = above >= 0 && graph.arc(above).role == "condition" && !graph.arc(above).inverse &&
                             !has_attribute(graph.word(graph.arc(above).from), "@past") &&

@@ -740,7 +740,10 @@ void plain_word_apply(Rewriter& graph, int at) {
   const int turn = when >= 0 && graph.is(graph.arc(when).to, "time") ? graph.arc(when).to : -1;
   const bool is_turn =
       turn >= 0 && (graph.child(turn, "ord") >= 0 || child_among(graph, turn, "mod", std::array{"last", "only"}) >= 0);
-  if (is_turn && is_event(graph, at)) {
+  // "The first time that she saw it, she laughed."
+  const bool is_told_of = turn >= 0 && graph.child(turn, "time", true) >= 0;
+  if (is_turn && is_told_of) attribute_add(graph.word(turn), "@bare");
+  if (is_turn && is_event(graph, at) && !is_told_of) {
     const int preposition = graph.add_concept("for");
     graph.add(preposition, turn, "op1");
     graph.lead_to(when, preposition);

@@ -1762,6 +1762,15 @@ const StepRow kSteps[] = {
     {"no_evidence_that", "predicates", "(e / evidence-01 :polarity - :ARG1 (c / cause-01 :ARG0 (v / water) :ARG1 (d / damage)))",
      "a1(evidence(>01).@v.@nom, cause(>01).@v); a0(cause(>01), water); a1(cause(>01), damage); mod(evidence(>01), no); a1(exist(>91).@entry.@v.@there, "
      "evidence(>01))"},
+    {"offer_seems_to_shock", "control", "(s / seem-01 :ARG1 (s2 / shock-01 :ARG0 (o / offer-01) :ARG1 (h / he)))",
+     "a1(seem(>01).@entry.@v, shock(>01).@v); ctl(shock(>01), offer(>01).@v); a1(shock(>01), he); a0(seem(>01), offer(>01))"},
+    {"joined_to_a_condition", "all",
+     "(a / and :op1 (g / go-02 :ARG0 (h / he)) :op2 (l / lose-02 :ARG1 h) :condition (t / tie-01 :polarity - :ARG0 (y / you) :ARG1 h))",
+     "a0(go(>02).@entry.@v.@cl.@conditional, he:02.@ref); cnj(go(>02), lose(>02).@v.@and.@shr1.@alike.@cl.@conditional); shr(lose(>02), he:03.@ref); "
+     "adv(go(>02), tie(>01).@v.@neg.@pres.@cl.@aux.@ahead.@s_if); a0(tie(>01), you); a1(tie(>01), he:01)"},
+    {"first_time_told_of", "pronouns", "(l / laugh-01 :ARG0 (s / she) :time (t / time :ord (o / ordinal-entity :value 1) :time-of (s2 / see-01 :ARG0 s)))",
+     "a0(laugh(>01).@entry.@v, she); tim(laugh(>01), time.@bare); ord(time, ordinal-entity); val(ordinal-entity, 1); tim(see(>01).@v, time); a0(see(>01), "
+     "she)"},
 };
 
 TEST(Import, Steps) {
