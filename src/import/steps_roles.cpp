@@ -137,9 +137,12 @@ bool is_no_adverbial(Rewriter& graph, const Arc& one) {
     constexpr std::array kLiking{"like", "want", "please", "wish", "choose"};
     return !is_told && !has_attribute(word, "@neg") && !is_one_of(graph, one.to, kLiking);
   }
-  // "She came to help because she was free": an infinitive stands nearer than a clause.
-  return one.role == "purpose" && graph.child(one.to, "understood") >= 0 && !has_attribute(word, "@ctl1") &&
-         !has_attribute(word, "@aux") && is_event(graph, one.to);
+  // "She came to help because she was free": an infinitive stands nearer than a clause. Of these the subject is ARG1.
+  constexpr std::array kByItself{"rest", "sleep",  "sit-down", "lie-down", "stay",
+                                 "live", "travel", "escape",   "come",     "arrive"};
+  const bool is_deed = !has_attribute(word, "@ctl1") || is_one_of(graph, one.to, kByItself);
+  return one.role == "purpose" && graph.child(one.to, "understood") >= 0 && is_deed && !has_attribute(word, "@aux") &&
+         is_event(graph, one.to);
 }
 
 // (l / leave-11 :cause (r / rain-01)): the role becomes that of all such clauses, and the word gets the conjunction.

@@ -696,6 +696,11 @@ void step_mentions(Meaning& meaning) {
       for (const char* role : {"ARG0", "speaker", "shared", "understood"}) {
         if (agent < 0) agent = graph.child(graph.arc(led).from, role);
       }
+      // "He walked along, talking to himself."
+      const int above = graph.parent(graph.arc(led).from);
+      const bool is_of_doer = above >= 0 && graph.arc(above).inverse && graph.arc(above).role == "ARG0" &&
+                              is_event(graph, graph.arc(above).from);
+      if (agent < 0 && is_of_doer) agent = graph.child(graph.arc(above).from, "ARG0");
       const bool is_own =
           agent >= 0 && agent != led && meant[static_cast<std::size_t>(agent)] == to && is_core(graph.arc(led));
       if (is_own && is_mutual(graph, graph.arc(led).from, to)) {
