@@ -1391,6 +1391,9 @@ void one_modal_apply(Rewriter& graph, int at) {
   Concept& word = graph.word(at);
   if (has_attribute(word, "@must") || has_attribute(word, "@need")) std::erase(word.attributes, "@should");
   if (has_attribute(word, "@can")) std::erase(word.attributes, "@may");
+  // UMR tells of what one should do how sure it is, too.
+  if (!has_attribute(word, "@should")) return;
+  for (const char* weaker : {"@likely", "@may"}) std::erase(word.attributes, weaker);
 }
 
 // "The badly damaged roof": a participle of which nothing is told but how it was done stands before its noun.

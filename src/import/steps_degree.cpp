@@ -333,14 +333,14 @@ bool names_bearer(Rewriter& graph, const Borne& borne, int frame, const char* ro
 }
 
 // (g / grow-01 :ARG1 (g2 / girl) :ARG2 (t / tall :ARG2-of (have-degree-91 :ARG1 g2))): "she grew tall", "he ran farther".
-// The verb above the quality says already who bears it, or bears it itself.
+// The verb above the quality says already who bears it, or bears it itself, as the noun of an amount does: "too much tea".
 bool is_borne_above(Rewriter& graph, const Borne& borne) {
   const int above = borne.quality_above ? graph.parent(borne.quality) : -1;
   if (above < 0 || graph.arc(above).inverse) return false;
   const int verb = graph.arc(above).from;
-  if (graph.word(verb).sense.empty()) return false;
-  return verb == borne.bearer || (graph.arc(above).role == "ARG2" && (names_bearer(graph, borne, verb, "ARG1") ||
-                                                                      names_bearer(graph, borne, verb, "ARG0")));
+  if (verb == borne.bearer) return true;
+  if (graph.word(verb).sense.empty() || graph.arc(above).role != "ARG2") return false;
+  return names_bearer(graph, borne, verb, "ARG1") || names_bearer(graph, borne, verb, "ARG0");
 }
 
 // Annotators write the tie between the two a second time beside the frame, which has said it.

@@ -554,7 +554,14 @@ void tense_of_joined(Rewriter& graph, int at) {
 void tense_of_question(Rewriter& graph, int at, bool is_to_you) {
   Concept& clause = graph.word(at);
   if (!has_attribute(clause, "@ask") && !has_attribute(clause, "@int")) return;
-  if (open_condition(graph, at) >= 0) return attribute_add(clause, "@fut");
+  if (open_condition(graph, at) >= 0) {
+    // "Can you stay if it rains?" has its modal verb.
+    constexpr std::array kModal{"@can", "@must", "@should", "@may", "@maynot", "@likely", "@would"};
+    const bool is_modal =
+        std::any_of(kModal.begin(), kModal.end(), [&](const char* one) { return has_attribute(clause, one); });
+    if (!is_modal) attribute_add(clause, "@fut");
+    return;
+  }
   // "Did you sleep on Monday?", "can you swim?": another time, or none in particular.
   constexpr std::array kStanding{"@can", "@must", "@should", "@may", "@maynot", "@likely", "@perf", "@habit", "@neg"};
   const int when = graph.child(at, "time");
