@@ -555,7 +555,9 @@ class Writer:
         self.entry(lemma, concept, f"ADJ{',OPIN' * (lemma in OPINIONS)}{vowel(lemma)}{more}")
         # Behind a preposition stands the noun of the quality: after the silence.
         noun = self.sources.quality_of(lemma)
-        if noun and "(>" not in concept:
+        # "In the light": of what is a noun itself that is the one.
+        is_noun = lemma in self.sources.nouns and self.sources.tagged[lemma, "1"] > 0
+        if noun and "(>" not in concept and not is_noun:
             alone = ",QNO" * (lemma not in self.sources.nouns and not noun.startswith(lemma + " "))
             self.entry(noun, concept, f"QN{alone},{'MASS' if noun.endswith('ness') else 'THE'}{vowel(noun)}")
         exceptions = [f for f in self.sources.irregular["adj"].get(lemma, ()) if re.search(r"(r|st|e)$", f)]

@@ -35,7 +35,8 @@ constexpr RewriteStep kSteps[] = {
      "from a degree behind the clause, a place without a name is the place where",
      step_turned},
     // What a modal verb, a negation or a mood says stands as an attribute of the clause from here on.
-    {"modality", "possible-01, obligate-01, recommend-01: @can, @must, @should on what they govern", step_modality},
+    {"modality", "possible-01, obligate-01, recommend-01, permit-01: @can, @must, @should, @may on what they govern",
+     step_modality},
     {"polarity", "yes-no questions get @int, truth-value @whether", step_polarity},
     // Nouns out of frames, then clauses out of nouns: what is left is what the sentence states.
     {"persons",

@@ -991,6 +991,16 @@ void step_voice(Meaning& meaning) {
     // "The farmer was surprised to see the wolf": what sees and is moved is somebody.
     const int seeing = is_deed ? graph.child(what, "ARG0") : -1;
     const bool is_moved = is_one_of(graph, at, kMoving);
+    // "She was shocked that he sold it": what somebody else does is a clause of its own.
+    const int other = subject_arc(graph, what);
+    const bool is_clause_of_other = is_moved && other >= 0 && graph.arc(other).to != whom &&
+                                    (seeing >= 0 || graph.child(what, "domain") >= 0) && graph.parent(what) == agent &&
+                                    !has_attribute(graph.word(what), "@nom") && graph.child(at, "shared") < 0;
+    if (is_clause_of_other) {
+      graph.arc(agent).role = "consequence";
+      attribute_add(graph.word(at), "@psv");
+      continue;
+    }
     const bool is_somebody =
         is_one_of(graph, whom, kSomebody) || (is_moved && seeing >= 0 && graph.arc(seeing).to == whom);
     if (is_deed && !is_fact && is_somebody) attribute_add(graph.word(at), "@psv");

@@ -1081,6 +1081,9 @@ void step_reified(Meaning& meaning) {
     if (graph.is(at, "have", "03")) having_apply(graph, at);
     if (graph.is(at, "cause", "01")) reason_apply(graph, at), cause_noun_apply(graph, at);
     if (graph.is(at, "thing") || graph.is(at, "reason")) reason_role_apply(graph, at);
+    // "I know where it is", as some write it.
+    if (graph.is(at, "thing") && graph.children(at).size() == 1 && graph.child(at, "location", true) >= 0)
+      graph.word(at).name = "location";
     if (graph.is(at, "location") || graph.is(at, "place")) place_role_apply(graph, at);
     if (graph.is(at, "regardless", "91")) regardless_apply(graph, at);
     if (graph.word(at).name == "resemble") same_noun_apply(graph, at);

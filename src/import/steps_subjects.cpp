@@ -416,7 +416,10 @@ void polite_apply(Rewriter& graph, int at) {
   if (!graph.is(at, "like", "02") || !is_plain_deed(graph, at) || graph.child(at, "ARG0") < 0) return;
   const bool is_timed = has_attribute(graph.word(at), "@past") || has_attribute(graph.word(at), "@pres");
   const int wish = graph.child(at, "ARG1");
-  const bool is_to_do = wish >= 0 && graph.child(graph.arc(wish).to, "understood") >= 0;
+  // "I would like you to meet her."
+  const bool is_to_do =
+      wish >= 0 && (graph.child(graph.arc(wish).to, "understood") >= 0 ||
+                    (is_plain_deed(graph, graph.arc(wish).to) && graph.child(graph.arc(wish).to, "ARG0") >= 0));
   if (!is_timed && is_to_do) attribute_add(graph.word(at), "@would");
 }
 

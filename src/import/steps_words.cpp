@@ -748,6 +748,20 @@ void plain_word_apply(Rewriter& graph, int at) {
     graph.add(preposition, turn, "op1");
     graph.lead_to(when, preposition);
   }
+  // "She left without her hat."
+  const int lacking = graph.child(at, "manner");
+  const int frame = lacking >= 0 && graph.is(graph.arc(lacking).to, "have", "03") ? graph.arc(lacking).to : -1;
+  const int owner = frame >= 0 && has_attribute(graph.word(frame), "@neg") ? graph.child(frame, "ARG0") : -1;
+  const int lacked = owner >= 0 && graph.mentions(frame) == 1 && graph.mentions(graph.arc(owner).to) > 1
+                         ? graph.child(frame, "ARG1")
+                         : -1;
+  if (lacked >= 0 && graph.children(frame).size() == 2) {
+    graph.word(frame).name = "without";
+    graph.word(frame).sense.clear();
+    graph.word(frame).attributes.clear();
+    graph.remove(owner, Fate::relation);
+    graph.arc(lacked).role = "op1";
+  }
   // "Do as you like."
   constexpr std::array kLiking{"like", "want", "please", "wish", "choose"};
   const int way = graph.child(at, "manner");

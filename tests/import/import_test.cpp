@@ -1771,6 +1771,14 @@ const StepRow kSteps[] = {
     {"first_time_told_of", "pronouns", "(l / laugh-01 :ARG0 (s / she) :time (t / time :ord (o / ordinal-entity :value 1) :time-of (s2 / see-01 :ARG0 s)))",
      "a0(laugh(>01).@entry.@v, she); tim(laugh(>01), time.@bare); ord(time, ordinal-entity); val(ordinal-entity, 1); tim(see(>01).@v, time); a0(see(>01), "
      "she)"},
+    {"shocked_that_he_sold_it", "voice", "(s / shock-01 :ARG0 (c / sell-01 :ARG0 (f / farmer) :ARG1 (h / horse)) :ARG1 (s2 / she))",
+     "csq(shock(>01).@entry.@v.@psv, sell(>01).@v); a0(sell(>01), farmer); a1(sell(>01), horse); a1(shock(>01), she)"},
+    {"would_like_you_to", "control", "(l / like-02 :ARG0 (i / i) :ARG1 (m / meet-02 :ARG0 (y / you) :ARG1 (s / she)))",
+     "a0(like(>02).@entry.@v.@would, i); a1(like(>02), meet(>02).@v); a0(meet(>02), you); a1(meet(>02), she)"},
+    {"without_his_hat", "pronouns", "(l / leave-11 :ARG0 (h / he) :manner (h2 / have-03 :polarity - :ARG0 h :ARG1 (h3 / hat)))",
+     "a0(leave(>11).@entry.@v, he); mnr(leave(>11), without); o1(without, hat)"},
+    {"thing_where_it_begins", "reified", "(k / know-01 :ARG0 (i / i) :ARG1 (t / thing :location-of (b / begin-01 :ARG1 (r / river))))",
+     "a0(know(>01).@entry.@v, i); a1(know(>01), begin(>01).@v.@asked); a1(begin(>01), river); loc(begin(>01), amr-unknown)"},
 };
 
 TEST(Import, Steps) {
