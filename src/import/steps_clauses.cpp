@@ -433,8 +433,11 @@ void step_polarity(Meaning& meaning) {
                                       child_among(graph, graph.arc(doer).to, "mod", std::array{"any"}) >= 0);
     if (is_any) nobody_apply(graph, at);
     // "Not ever" is one word, and takes the negation with it.
+    // "Without ever moving."
+    const int way = graph.parent(at);
+    const bool is_way = way >= 0 && !graph.arc(way).inverse && graph.arc(way).role == "manner";
     for (const int led : graph.children(at)) {
-      if (!has_attribute(graph.word(at), "@neg") || !graph.is(graph.arc(led).to, "ever")) continue;
+      if (!has_attribute(graph.word(at), "@neg") || is_way || !graph.is(graph.arc(led).to, "ever")) continue;
       // Before the mark of negation goes, by which that step knows its verb.
       any_of_verb(graph, at);
       graph.word(graph.arc(led).to).name = "never";

@@ -439,7 +439,9 @@ void to_do_apply(Rewriter& graph, int at) {
   constexpr std::array kThings{"nothing", "something", "anything", "much", "lot"};
   const bool is_using = !graph.word(at).sense.empty() && is_one_of(graph, at, kUsing);
   const int led = is_using ? graph.child(at, "ARG1") : -1;
-  const int user = led < 0 ? -1 : graph.child(at, "ARG0");
+  // "She wants to find a place to hide": who finds it may be named above.
+  const int agent = led < 0 ? -1 : graph.child(at, "ARG0");
+  const int user = led < 0 || agent >= 0 ? agent : graph.child(at, "understood");
   const int thing = user >= 0 && is_one_of(graph, graph.arc(led).to, kThings) ? graph.arc(led).to : -1;
   const int done = thing < 0 ? -1 : graph.child(thing, "ARG1", true);
   const int doer = done < 0 ? -1 : graph.child(graph.arc(done).to, "ARG0");
@@ -450,10 +452,12 @@ void to_do_apply(Rewriter& graph, int at) {
   }
   const bool is_place = user >= 0 && graph.is(graph.arc(led).to, "place");
   const int place = is_place ? graph.child(graph.arc(led).to, "location", true) : -1;
-  const int sleeper = place < 0 ? -1 : graph.child(graph.arc(place).to, "ARG0");
+  const int sleeper = place < 0 ? -1 : subject_arc(graph, graph.arc(place).to);
   const bool is_there = sleeper >= 0 && graph.arc(sleeper).to == graph.arc(user).to;
   if (is_there && is_plain_deed(graph, graph.arc(place).to)) {
+    if (graph.arc(sleeper).role == "ARG1") attribute_add(graph.word(graph.arc(place).to), "@ctl1");
     graph.arc(sleeper).role = "understood";
+    attribute_add(graph.word(graph.arc(led).to), "@indef");
     make_infinitive(graph, graph.arc(place).to, "@toinf");
   }
   const int way = graph.is(at, "way") ? graph.child(at, "manner", true) : -1;

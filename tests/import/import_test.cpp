@@ -1779,6 +1779,10 @@ const StepRow kSteps[] = {
      "a0(leave(>11).@entry.@v, he); mnr(leave(>11), without); o1(without, hat)"},
     {"thing_where_it_begins", "reified", "(k / know-01 :ARG0 (i / i) :ARG1 (t / thing :location-of (b / begin-01 :ARG1 (r / river))))",
      "a0(know(>01).@entry.@v, i); a1(know(>01), begin(>01).@v.@asked); a1(begin(>01), river); loc(begin(>01), amr-unknown)"},
+    {"a_place_to_sit_down", "control", "(f / find-01 :ARG0 (g / girl) :ARG1 (p / place :location-of (s / sit-down-02 :ARG1 g)))",
+     "a0(find(>01).@entry.@v, girl); a1(find(>01), place.@indef); loc(sit-down(>02).@v.@ctl1.@toinf, place); ctl(sit-down(>02), girl)"},
+    {"without_ever_moving", "polarity", "(w / watch-01 :ARG0 (t / they) :manner (m / move-01 :polarity - :ARG0 t :time (e / ever)))",
+     "a0(watch(>01).@entry.@v, they); mnr(watch(>01), move(>01).@v.@neg); a0(move(>01), they); tim(move(>01), ever)"},
 };
 
 TEST(Import, Steps) {
