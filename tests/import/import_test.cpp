@@ -704,7 +704,7 @@ const StepRow kSteps[] = {
     {"nothing_to_say", "control", "(h / have-03 :ARG0 (s / she) :ARG1 (n / nothing :ARG1-of (s2 / say-01 :ARG0 s)))",
      "a0(have(>03).@entry.@v, she); a1(have(>03), nothing); a1(say(>01).@v.@toinf, nothing); ctl(say(>01), she)"},
     {"place_to_sleep", "control", "(h / have-03 :ARG0 (s / she) :ARG1 (p / place :location-of (s2 / sleep-01 :ARG0 s)))",
-     "a0(have(>03).@entry.@v, she); a1(have(>03), place); loc(sleep(>01).@v.@toinf, place); ctl(sleep(>01), she)"},
+     "a0(have(>03).@entry.@v, she); a1(have(>03), place.@indef); loc(sleep(>01).@v.@toinf, place); ctl(sleep(>01), she)"},
     {"way_to_cross", "control", "(w / way :manner-of (c / cross-02 :ARG1 (r / river)))", "mnr(cross(>02).@v.@toinf, way.@entry); a1(cross(>02), river)"},
     {"exposed_to_abuse", "control", "(e / expose-01 :ARG1 (h / he) :ARG2 (a / abuse-01 :ARG1 h))",
      "a1(expose(>01).@entry.@v, he); a2(expose(>01), abuse(>01).@v.@ctl1.@nom)"},
