@@ -554,14 +554,25 @@ void enough_apply(Rewriter& graph, int at) {
   }
 }
 
+// "Much bigger", which some write as very more big.
+void much_apply(Rewriter& graph, int at) {
+  if (!has_attribute(graph.word(at), "@more")) return;
+  for (const char* role : {"degree", "mod"}) {
+    const int led = child_among(graph, at, role, std::array{"very"});
+    if (led < 0) continue;
+    graph.word(graph.arc(led).to).name = "much";
+    graph.arc(led).role = "degree";
+  }
+}
+
 // (l / long :degree (m / more)), without a frame of degree: longer.
 void bare_degree_apply(Rewriter& graph, int at) {
   constexpr std::array kBare{"more", "most", "less", "least"};
-  const int led = graph.child(at, "degree");
+  const int led = child_among(graph, at, "degree", kBare);
   const bool is_quality = graph.child(at, "ARG0") < 0 && graph.parent(at) >= 0;
-  const bool is_bare = led >= 0 && is_quality && is_one_of(graph, graph.arc(led).to, kBare);
-  if (is_bare && graph.children(graph.arc(led).to).empty() && graph.mentions(graph.arc(led).to) == 1)
+  if (led >= 0 && is_quality && graph.children(graph.arc(led).to).empty() && graph.mentions(graph.arc(led).to) == 1)
     degree_said(graph, led, at);
+  much_apply(graph, at);
 }
 
 }  // namespace

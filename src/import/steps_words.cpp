@@ -721,6 +721,8 @@ void many_apply(Rewriter& graph, int at) {
 
 // "A dark blue dress": how dark a colour is stands beside it as it is. "For a long time".
 void plain_word_apply(Rewriter& graph, int at) {
+  // "Out of the box."
+  if (graph.is(at, "out") && graph.child(at, "op1") >= 0) graph.word(at).name = "out-of";
   constexpr std::array kColours{"blue", "green", "red", "brown", "grey", "gray", "yellow", "purple", "pink", "orange"};
   constexpr std::array kShades{"dark", "light", "bright", "pale", "deep"};
   const int shade = is_one_of(graph, at, kColours) ? child_among(graph, at, "mod", kShades) : -1;

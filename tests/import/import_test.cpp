@@ -1783,6 +1783,11 @@ const StepRow kSteps[] = {
      "a0(find(>01).@entry.@v, girl); a1(find(>01), place.@indef); loc(sit-down(>02).@v.@ctl1.@toinf, place); ctl(sit-down(>02), girl)"},
     {"without_ever_moving", "polarity", "(w / watch-01 :ARG0 (t / they) :manner (m / move-01 :polarity - :ARG0 t :time (e / ever)))",
      "a0(watch(>01).@entry.@v, they); mnr(watch(>01), move(>01).@v.@neg); a0(move(>01), they); tim(move(>01), ever)"},
+    {"out_of_the_house", "pronouns", "(r / run-02 :ARG0 (s / she) :direction (o / out :op1 (h / house)))",
+     "a0(run(>02).@entry.@v, she); dir(run(>02), out-of); o1(out-of, house)"},
+    {"much_bigger", "degree", "(h2 / have-degree-91 :ARG1 (h / house) :ARG2 (b / big) :ARG3 (m / more :mod (v / very)) :ARG4 (b2 / barn))",
+     "dom(big.@entry.@more, house); deg(big, much); cmp(big, barn)"},
+    {"very_big", "degree", "(b / big :domain (h / house) :degree (v / very))", "dom(big.@entry, house); deg(big, very)"},
 };
 
 TEST(Import, Steps) {
