@@ -431,6 +431,24 @@ void leave_preposition(Rewriter& graph, const Asked& asked, bool is_person, bool
     attribute_add(graph.word(at), "@st" + asked.role.substr(3));
 }
 
+// "Who do you think came": the clause that tells what is thought keeps the place of its subject, which nothing says and
+// which the verb agrees with. Without it the object would be taken for what the verb speaks of.
+// False where it is no subject that is asked for, or no such clause.
+bool leave_subject(Rewriter& graph, const Asked& asked) {
+  constexpr std::array kHolding{"think", "believe", "say", "suppose", "guess", "imagine", "claim", "reckon"};
+  const int at = graph.arc(asked.led).from;
+  const int above = graph.parent(at);
+  const bool is_held = above >= 0 && !graph.arc(above).inverse && graph.arc(above).role == "ARG1" &&
+                       is_one_of(graph, graph.arc(above).from, kHolding);
+  const bool is_first = asked.role == "ARG1" && graph.child(at, "ARG0") < 0;
+  if (!is_held || !is_event(graph, at) || (asked.role != "ARG0" && !is_first)) return false;
+  const bool is_plural = has_attribute(graph.word(asked.phrase), "@pl");
+  graph.add(at, graph.add_concept(is_plural ? "they" : "it"), "shared");
+  if (is_first) attribute_add(graph.word(at), "@shr1");
+  graph.replace(asked.led, graph.arc(above).from, asked.phrase, "questioned");
+  return true;
+}
+
 // (w / want-01 :ARG0 (y / you) :ARG1 (g / go-02 :ARG0 y :location (a / amr-unknown))): "where do you want to go".
 // What is asked for moves to the front of its clause, together with the phrase that it belongs to (how many stars), and
 // becomes :questioned there. The clause and the phrase must know of it, @ask or @asked and @wh_ with the role.
@@ -466,6 +484,7 @@ void question(Rewriter& graph, int unknown) {
   if (!is_reported) ends_with_question(graph, clause);
   // Some files mark the mood beside the word that asks; one mark is enough.
   std::erase(graph.word(clause).attributes, "@int");
+  if (!is_subject && !is_reported && clause != asked_at && leave_subject(graph, asked)) return;
   leave_preposition(graph, asked, is_person, is_subject);
   if (!is_subject) graph.replace(asked.led, clause, asked.phrase, "questioned");
 }

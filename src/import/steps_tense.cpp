@@ -57,6 +57,15 @@ bool is_told_of_now(Rewriter& graph, int at) {
                                              [&](const char* mark) { return has_attribute(graph.word(at), mark); });
 }
 
+// "Let me sleep until she calls": what somebody is bidden to let happen is still to come, and so is its time.
+bool is_let_happen(Rewriter& graph, int at) {
+  constexpr std::array kLetting{"let", "help", "make", "allow"};
+  const int led = graph.parent(at);
+  if (led < 0 || graph.arc(led).inverse || !is_core(graph.arc(led))) return false;
+  const int governor = graph.arc(led).from;
+  return has_attribute(graph.word(governor), "@imp") && is_one_of(graph, governor, kLetting);
+}
+
 // Times that reach up to now: "has never been there", "has already left".
 void tense_up_to_now(Rewriter& graph, int at, int time) {
   constexpr std::array kPerfect{"ever", "never", "already", "yet", "since", "so-far", "recent", "lately"};
@@ -332,7 +341,7 @@ void tense_of_coming(Rewriter& graph, int at) {
       is_condition || graph.child(at, "condition") >= 0 || has_attribute(clause, "@as_condition") ||
       has_attribute(clause, "@imp") || has_attribute(clause, "@should") || has_attribute(clause, "@fut") ||
       ((has_attribute(clause, "@can") || has_attribute(clause, "@must")) && has_attribute(clause, "@pres"));
-  if (!is_ahead || has_attribute(clause, "@past")) return;
+  if ((!is_ahead && !is_let_happen(graph, at)) || has_attribute(clause, "@past")) return;
   // A preposition of time has the event below it: (a / after :op1 (c / come-01)).
   constexpr std::array kRelations{"before",   "after",      "until",      "till",      "while",
                                   "whenever", "as-soon-as", "as-long-as", "soon-after"};
@@ -386,7 +395,7 @@ void tense_beside(Rewriter& graph, int at) {
   const auto is_lasting = [&](int one) { return is_one_of(graph, one, kLasting) && graph.child(one, "ARG0") >= 0; };
   const int above = graph.parent(at);
   const bool is_condition = above >= 0 && !graph.arc(above).inverse && graph.arc(above).role == "condition";
-  if (!is_open(at) || is_condition || graph.child(at, "condition") >= 0) return;
+  if (!is_open(at) || is_condition || graph.child(at, "condition") >= 0 || is_let_happen(graph, at)) return;
   for (const char* role : {"time", "conjunct", "cause", "concession"}) {
     int led = graph.child(at, role);
     if (led >= 0 && is_one_of(graph, graph.arc(led).to, kBesides)) led = graph.child(graph.arc(led).to, "op1");

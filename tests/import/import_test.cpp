@@ -1788,6 +1788,14 @@ const StepRow kSteps[] = {
     {"much_bigger", "degree", "(h2 / have-degree-91 :ARG1 (h / house) :ARG2 (b / big) :ARG3 (m / more :mod (v / very)) :ARG4 (b2 / barn))",
      "dom(big.@entry.@more, house); deg(big, much); cmp(big, barn)"},
     {"very_big", "degree", "(b / big :domain (h / house) :degree (v / very))", "dom(big.@entry, house); deg(big, very)"},
+    {"who_do_you_think_rang", "questions", "(t / think-01 :ARG0 (y / you) :ARG1 (r / ring-01 :ARG0 (a / amr-unknown) :ARG1 (b / bell)))",
+     "a0(think(>01).@entry.@v.@ask, you); a1(think(>01), ring(>01).@v); wh(think(>01), amr-unknown.@wh.@wh_who); a1(ring(>01), bell); shr(ring(>01), it)"},
+    {"what_do_you_think_he_rang", "questions", "(t / think-01 :ARG0 (y / you) :ARG1 (r / ring-01 :ARG0 (h / he) :ARG1 (a / amr-unknown)))",
+     "a0(think(>01).@entry.@v.@ask, you); a1(think(>01), ring(>01).@v.@st1); a0(ring(>01), he); wh(think(>01), amr-unknown.@wh.@wh_ARG1)"},
+    {"let_me_sleep_until", "tense",
+     "(l / let-01 :mode imperative :ARG0 (y / you) :ARG1 (s / sleep-01 :ARG0 (i / i) :time (u / until :op1 (c / call-01 :ARG0 (s2 / she)))))",
+     "a0(let(>01).@entry.@v.@imp, you); a1(let(>01), sleep(>01).@v); a0(sleep(>01), i); tim(sleep(>01), until); o1(until, call(>01).@v.@pres); a0(call(>01), "
+     "she)"},
 };
 
 TEST(Import, Steps) {
