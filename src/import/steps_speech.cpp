@@ -286,6 +286,21 @@ void predicate_below_being(Rewriter& graph, int about, int led, const char* mark
   graph.replace(led, being, graph.arc(led).to, "questioned");
 }
 
+// (l / lamp :purpose (a / amr-unknown)): "what is the lamp for?". "Why" would ask for a cause, of which a thing has none.
+// False for what is done or said to be something.
+bool asked_use(Rewriter& graph, int led) {
+  const int about = graph.arc(led).from;
+  if (graph.arc(led).role != "purpose" || !graph.word(about).sense.empty() || about != graph.meaning().root)
+    return false;
+  const int said = graph.child(about, "domain");
+  if (said >= 0 && !is_one_of(graph, graph.arc(said).to, kDemonstratives)) return false;
+  // "This lamp", and no lamp that this is.
+  if (said >= 0) graph.arc(said).role = "mod";
+  predicate_below_being(graph, about, led, "@ask");
+  graph.add(graph.meaning().root, graph.add_concept("for"), "particle");
+  return true;
+}
+
 // "Hello. What are you doing?": what is asked last ends the whole chain.
 void ends_with_question(Rewriter& graph, int asked) {
   if (graph.child(asked, "conjunct") >= 0) return;
@@ -462,6 +477,7 @@ void question(Rewriter& graph, int unknown) {
   Asked asked{unknown, unknown, led, graph.arc(led).role, graph.count()};
   if (!take_noun_along(graph, asked) || is_disputed(graph, asked)) return;
   const int asked_at = graph.arc(asked.led).from;
+  if (asked.phrase == unknown && asked_use(graph, asked.led)) return;
   auto [clause, is_reported] = asking_clause(graph, asked);
   // A subject stands in front already: "who came".
   const bool is_subject =

@@ -1796,6 +1796,10 @@ const StepRow kSteps[] = {
      "(l / let-01 :mode imperative :ARG0 (y / you) :ARG1 (s / sleep-01 :ARG0 (i / i) :time (u / until :op1 (c / call-01 :ARG0 (s2 / she)))))",
      "a0(let(>01).@entry.@v.@imp, you); a1(let(>01), sleep(>01).@v); a0(sleep(>01), i); tim(sleep(>01), until); o1(until, call(>01).@v.@pres); a0(call(>01), "
      "she)"},
+    {"what_is_this_ladder_for", "questions", "(l / ladder :mod (t / this) :purpose (a / amr-unknown))",
+     "mod(ladder, this); wh(be-located-at(>91).@entry.@v.@ask, amr-unknown.@wh); a1(be-located-at(>91), ladder); prl(be-located-at(>91), for)"},
+    {"why_does_he_build_it", "questions", "(b / build-01 :ARG0 (h / he) :ARG1 (i / it) :purpose (a / amr-unknown))",
+     "a0(build(>01).@entry.@v.@ask, he); a1(build(>01), it); wh(build(>01), amr-unknown.@wh.@wh_purpose)"},
 };
 
 TEST(Import, Steps) {
