@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <string>
+#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -801,16 +802,25 @@ void modified_mod_apply(Rewriter& graph, int led) {
 
 // What somebody can be and one says in one word; a question after its degree takes it along.
 constexpr std::array kQualities{
-    "good",      "bad",     "wonderful", "beautiful", "important", "happy",     "sad",      "strange", "easy",
-    "difficult", "long",    "wide",      "large",     "great",     "serious",   "clear",    "useful",  "strong",
-    "likely",    "far",     "high",      "deep",      "heavy",     "tall",      "fast",     "old",     "young",
-    "expensive", "cheap",   "common",    "safe",      "hungry",    "angry",     "tired",    "busy",    "rich",
-    "poor",      "close",   "near",      "popular",   "accurate",  "dangerous", "proud",    "lonely",  "small",
-    "big",       "tiny",    "brave",     "clever",    "stupid",    "foolish",   "kind",     "cruel",   "nice",
-    "pretty",    "ugly",    "quiet",     "silent",    "loud",      "bright",    "dark",     "cold",    "warm",
-    "hot",       "glad",    "grateful",  "curious",   "jealous",   "sick",      "ill",      "weak",    "dry",
-    "wet",       "empty",   "full",      "rare",      "simple",    "precious",  "terrible", "fragile", "vain",
-    "modest",    "patient", "polite",    "shy",       "honest",    "afraid",    "fond",     "eager",   "lucky"};
+    "good",      "bad",     "wonderful", "beautiful",   "important", "happy",     "sad",      "strange", "easy",
+    "difficult", "long",    "wide",      "large",       "great",     "serious",   "clear",    "useful",  "strong",
+    "likely",    "far",     "high",      "deep",        "heavy",     "tall",      "fast",     "old",     "young",
+    "expensive", "cheap",   "common",    "safe",        "hungry",    "angry",     "tired",    "busy",    "rich",
+    "poor",      "close",   "near",      "popular",     "accurate",  "dangerous", "proud",    "lonely",  "small",
+    "big",       "tiny",    "brave",     "clever",      "stupid",    "foolish",   "kind",     "cruel",   "nice",
+    "pretty",    "ugly",    "quiet",     "silent",      "loud",      "bright",    "dark",     "cold",    "warm",
+    "hot",       "glad",    "grateful",  "curious",     "jealous",   "sick",      "ill",      "weak",    "dry",
+    "wet",       "empty",   "full",      "rare",        "simple",    "precious",  "terrible", "fragile", "vain",
+    "modest",    "patient", "polite",    "shy",         "honest",    "afraid",    "fond",     "eager",   "lucky",
+    "wise",      "healthy", "hard",      "ready",       "sure",      "certain",   "gentle",   "smart",   "lazy",
+    "greedy",    "thirsty", "sleepy",    "wealthy",     "sweet",     "rude",      "noble",    "loyal",   "fierce",
+    "friendly",  "urgent",  "reliable",  "comfortable", "capable",   "valuable",  "bitter",   "bold",    "tough"};
+
+// English makes no verbs with these endings.
+bool names_quality(Rewriter& graph, int at) {
+  const std::string_view name = graph.word(at).name;
+  return is_one_of(graph, at, kQualities) || name.ends_with("ful") || name.ends_with("ous") || name.ends_with("ible");
+}
 
 // "You see how small it is": below a verb of seeing or knowing, with nothing that follows from the degree.
 void seen_degree_apply(Rewriter& graph, int at) {
@@ -822,8 +832,7 @@ void seen_degree_apply(Rewriter& graph, int at) {
   const int so = graph.arc(degree).to;
   const bool is_seen = above >= 0 && !graph.arc(above).inverse && graph.arc(above).role == "ARG1" &&
                        is_one_of(graph, graph.arc(above).from, kSeeing) && graph.children(so).empty();
-  const bool is_quality =
-      graph.word(at).sense.empty() ? graph.child(at, "domain") >= 0 : is_one_of(graph, at, kQualities);
+  const bool is_quality = graph.word(at).sense.empty() ? graph.child(at, "domain") >= 0 : names_quality(graph, at);
   if (is_seen && is_quality && !has_attribute(graph.word(at), "@neg")) graph.word(so).name = "amr-unknown";
 }
 
@@ -914,7 +923,7 @@ void how_apply(Rewriter& graph, int at) {
   if (is_of_nothing) graph.add(at, graph.add_concept("it"), is_frame ? "ARG1" : "domain");
   const int feeling = is_frame ? graph.child(at, "ARG0") : -1;
   const int subject = feeling >= 0 ? feeling : graph.child(at, is_frame ? "ARG1" : "domain");
-  if (subject < 0 || (is_frame && !is_measured && !is_one_of(graph, at, kQualities)) || graph.mentions(at) > 1) return;
+  if (subject < 0 || (is_frame && !is_measured && !names_quality(graph, at)) || graph.mentions(at) > 1) return;
   const int being = add_being(graph);
   graph.redirect(at, being);
   graph.replace(subject, being, graph.arc(subject).to, "ARG1");

@@ -1800,6 +1800,11 @@ const StepRow kSteps[] = {
      "mod(ladder, this); wh(be-located-at(>91).@entry.@v.@ask, amr-unknown.@wh); a1(be-located-at(>91), ladder); prl(be-located-at(>91), for)"},
     {"why_does_he_build_it", "questions", "(b / build-01 :ARG0 (h / he) :ARG1 (i / it) :purpose (a / amr-unknown))",
      "a0(build(>01).@entry.@v.@ask, he); a1(build(>01), it); wh(build(>01), amr-unknown.@wh.@wh_purpose)"},
+    {"how_wise_is_the_horse", "predicates", "(w / wise-02 :ARG1 (h / horse) :degree (a / amr-unknown))",
+     "a1(be-located-at(>91).@entry.@v, horse); deg(wise(>02).@v, amr-unknown); a2(be-located-at(>91), wise(>02))"},
+    {"how_careful_is_she", "predicates", "(c / careful-01 :ARG0 (s / she) :degree (a / amr-unknown))",
+     "a1(be-located-at(>91).@entry.@v, she); deg(careful(>01).@v, amr-unknown); a2(be-located-at(>91), careful(>01))"},
+    {"how_does_it_vary", "predicates", "(v / vary-01 :ARG1 (i / it) :degree (a / amr-unknown))", "a1(vary(>01).@entry.@v, it); deg(vary(>01), amr-unknown)"},
 };
 
 TEST(Import, Steps) {
