@@ -429,7 +429,7 @@ void not_but_apply(Rewriter& graph, int at, const char* denied, const char* othe
 // "Oh, it is late": a cry that the graph has as a quality of the clause stands in front of it.
 void cry_apply(Rewriter& graph, int at) {
   constexpr std::array kCries{"oh",    "ah", "alas",  "hey",  "ha",  "aha", "wow",
-                              "hello", "hi", "bravo", "ouch", "ugh", "ooh"};
+                              "hello", "hi", "bravo", "ouch", "ugh", "ooh", "yes"};
   const int above = graph.parent(at);
   if (above < 0 || graph.arc(above).inverse || !graph.word(at).sense.empty() || !is_one_of(graph, at, kCries)) return;
   const std::string& role = graph.arc(above).role;

@@ -1805,6 +1805,7 @@ const StepRow kSteps[] = {
     {"how_careful_is_she", "predicates", "(c / careful-01 :ARG0 (s / she) :degree (a / amr-unknown))",
      "a1(be-located-at(>91).@entry.@v, she); deg(careful(>01).@v, amr-unknown); a2(be-located-at(>91), careful(>01))"},
     {"how_does_it_vary", "predicates", "(v / vary-01 :ARG1 (i / it) :degree (a / amr-unknown))", "a1(vary(>01).@entry.@v, it); deg(vary(>01), amr-unknown)"},
+    {"yes_he_is_a_farmer", "contrast", "(f / farmer :domain (h / he) :mod (y / yes))", "dom(farmer, he); o1(and.@entry, yes); o2(and, farmer)"},
 };
 
 TEST(Import, Steps) {
