@@ -383,10 +383,16 @@ void having_apply(Rewriter& graph, int at) {
 void likeness_apply(Rewriter& graph, int at) {
   const int led = graph.parent(at);
   const int like = graph.child(at, "ARG2");
-  const bool is_inside = led >= 0 && graph.arc(led).inverse && graph.arc(led).role == "ARG1";
-  if (!is_inside || like < 0 || graph.children(at).size() != 1 || graph.mentions(at) > 1) return;
+  if (led < 0 || like < 0 || graph.mentions(at) > 1 || has_attribute(graph.word(at), "@neg")) return;
   const int event = graph.arc(led).from;
-  if (graph.word(event).sense.empty() || has_attribute(graph.word(at), "@neg")) return;
+  if (graph.word(event).sense.empty()) return;
+  // (b / bend-01 :ARG1 p :manner (r / resemble-01 :ARG1 p :ARG2 (h / hook))): the event is like it, and so is what is bent.
+  const bool is_manner = !graph.arc(led).inverse && graph.arc(led).role == "manner";
+  const int what = is_manner ? graph.child(at, "ARG1") : -1;
+  if (what >= 0 && graph.children(at).size() == 2 && graph.mentions(graph.arc(what).to) > 1)
+    graph.remove(what, Fate::left_out);
+  const bool is_inside = is_manner || (graph.arc(led).inverse && graph.arc(led).role == "ARG1");
+  if (!is_inside || graph.children(at).size() != 1) return;
   const int other = graph.arc(like).to;
   const bool is_clause = !graph.word(other).sense.empty() && graph.child(other, "ARG0") >= 0;
   graph.settle_concept(at, Fate::relation);
@@ -779,6 +785,16 @@ void phrase_apply(Rewriter& graph, int at) {
     graph.settle_concept(at, Fate::attribute);
     graph.remove(once, Fate::attribute);
   }
+  // (i / in-time :op1 (c / catch-01 :mod just)): "just in time to catch it".
+  const int aim = graph.is(at, "in-time") ? graph.child(at, "op1") : -1;
+  if (aim >= 0 && is_event(graph, graph.arc(aim).to)) {
+    graph.arc(aim).role = "purpose";
+    const int just = child_among(graph, graph.arc(aim).to, "mod", std::array{"just"});
+    if (just >= 0) graph.lead_from(just, at);
+  }
+  // (t / time :duration-of (r / repair-01 ...)): "time to repair it".
+  const int use = graph.is(at, "time") ? graph.child(at, "duration", true) : -1;
+  if (use >= 0 && is_event(graph, graph.arc(use).to)) graph.replace(use, at, graph.arc(use).to, "purpose");
   // What is an example of something that is not told: for example.
   const int shown = graph.is(at, "have-example", "91") && graph.child(at, "ARG2") < 0 ? graph.child(at, "ARG1") : -1;
   if (shown >= 0 && graph.parent(graph.arc(shown).to) == shown) {
@@ -794,6 +810,17 @@ void phrase_apply(Rewriter& graph, int at) {
     graph.word(at).name = "thanks";
     graph.word(at).sense.clear();
     graph.word(at).attributes.clear();
+  }
+  // (h / hope-01 :ARG0 i :ARG2-of (d / dare-01 :ARG1 i)): "I dared to hope". What is dared stands below.
+  const int ventured = graph.is(at, "dare", "01") ? graph.parent(at) : -1;
+  const int venturer = ventured < 0 ? -1 : graph.child(at, "ARG1");
+  if (venturer >= 0 && graph.arc(ventured).inverse && graph.arc(ventured).role == "ARG2" && graph.mentions(at) == 1) {
+    const int deed = graph.arc(ventured).from;
+    const int doer = graph.child(deed, "ARG0");
+    if (doer >= 0 && graph.arc(doer).to == graph.arc(venturer).to) {
+      graph.redirect(deed, at);
+      graph.replace(ventured, at, deed, "ARG2");
+    }
   }
   // Whom nobody dares to do it dares to do it himself.
   const int daring = graph.is(at, "dare", "01") && graph.argument(at, "ARG0") < 0 ? graph.child(at, "ARG1") : -1;
@@ -849,6 +876,13 @@ void role_apply(Rewriter& graph, Arc& one) {
                                   "economic", "financial", "national", "international", "legal",  "medical"};
   const bool is_quality = one.role == "topic" && !one.inverse && is_one_of(graph, one.to, kQualities);
   if (is_quality && graph.children(one.to).empty() && graph.word(one.from).sense.empty()) one.role = "mod";
+  // "The whole world".
+  const bool is_whole = one.role == "extent" && !one.inverse && graph.is(one.to, "all") &&
+                        graph.word(one.from).sense.empty() && graph.children(one.to).empty();
+  if (is_whole) {
+    one.role = "mod";
+    if (!has_attribute(graph.word(one.from), "@pl")) graph.word(one.to).name = "whole";
+  }
   // "It is a lot for me": who feels it is no subject where there is one.
   if (one.role != "experiencer" || one.inverse) return;
   const bool has_subject =

@@ -683,6 +683,13 @@ void of_kind_apply(Rewriter& graph, int at) {
 // questions and quotations, whose clauses are none, and before voice and control, as a noun has no infinitive above it.
 void step_nouns(Meaning& meaning) {
   Rewriter graph(meaning, "nouns");
+  // "This flower", though it is mostly flowers that are spoken of.
+  for (const Arc& one : meaning.arcs) {
+    const bool is_pointed_at = !one.gone && !one.inverse && one.role == "mod" &&
+                               is_one_of(graph, one.to, std::array{"this", "that"}) &&
+                               graph.word(one.from).sense.empty();
+    if (is_pointed_at && !has_attribute(graph.word(one.from), "@pl")) attribute_add(graph.word(one.from), "@sg");
+  }
   for (int led = 0; led < static_cast<int>(meaning.arcs.size()); ++led) listed_apply(graph, led);
   for (int at = 0; at < graph.count(); ++at) {
     object_apply(graph, at);

@@ -63,7 +63,8 @@ void speak_of_oneself(Rewriter& graph, int frame, int said, int speaker, int hea
     for (const int led : graph.children(at)) {
       const bool is_speaker = graph.arc(led).to == speaker;
       const bool is_person = (is_speaker && !has_i) || (graph.arc(led).to == hearer && !is_speaker && !has_you);
-      if (!is_person || graph.arc(led).inverse) continue;
+      // "Close your eyes": a part is written from its whole.
+      if (!is_person || (graph.arc(led).inverse && graph.arc(led).role != "part")) continue;
       int& person = is_speaker ? i : you;
       if (person < 0) person = graph.add_concept(is_speaker ? "i" : "you");
       attribute_add(graph.word(person), is_speaker ? "@p1" : "@p2");
@@ -170,7 +171,9 @@ void quote(Rewriter& graph, int at) {
   const int subject = subject_arc(graph, said);
   const bool is_to_oneself = whom >= 0 && graph.arc(who).to == graph.arc(whom).to;
   const bool is_asked_to = whom >= 0 && subject >= 0 && graph.arc(subject).to == graph.arc(whom).to && !is_to_oneself;
-  const bool is_order = has_attribute(graph.word(said), "@imp") && !speaks_itself(who);
+  // "Hide!" I said: an order is nobody's report, but "I told you to hide".
+  const bool is_own_order = whom < 0 && graph.is(graph.arc(who).to, "i") && is_one_of(graph, at, kUttering);
+  const bool is_order = has_attribute(graph.word(said), "@imp") && (!speaks_itself(who) || is_own_order);
   const bool is_reported = has_attribute(graph.word(said), "@whether") || has_attribute(graph.word(said), "@asked");
   if (is_reported || (is_asked_to && !is_order)) return;
   // "My teacher suggested that I read": whose teacher he is, is I in what he says.
@@ -253,6 +256,11 @@ bool is_somebody(Rewriter& graph, int frame, const std::string& role) {
 // (a / amr-unknown :domain (y / you)): what is asked for is the predicate. As :domain of the other it is the one word that
 // moves: "who are you".
 void asked_predicate(Rewriter& graph, int unknown) {
+  // (a / ask-01 :ARG1 (y / you :mod (a2 / amr-unknown))): "who are you?", as nobody asks which you.
+  const int named = graph.parent(unknown);
+  if (named >= 0 && !graph.arc(named).inverse && graph.arc(named).role == "mod" &&
+      is_personal_pronoun(graph, graph.arc(named).from))
+    graph.arc(named).role = "domain";
   const int said = graph.child(unknown, "domain");
   const int about = said >= 0 ? graph.arc(said).to : -1;
   if (about < 0 || graph.mentions(about) != 1) return;
@@ -530,6 +538,12 @@ bool permitted_apply(Rewriter& graph, int at) {
                                "everyone", "no-one", "anybody", "anyone", "someone", "somebody"};
   const int led = subject_arc(graph, at);
   if (led < 0 || !is_one_of(graph, graph.arc(led).to, kAbsent) || graph.word(at).sense.empty()) return false;
+  // "Close your eyes," she told him: he is there.
+  const int above = graph.parent(at);
+  for (const char* role : {"ARG1", "ARG2"}) {
+    const int hearer = above < 0 ? -1 : graph.child(graph.arc(above).from, role);
+    if (hearer >= 0 && graph.arc(hearer).to == graph.arc(led).to) return false;
+  }
   std::erase(graph.word(at).attributes, "@imp");
   const int let = graph.add_concept("let");
   graph.word(let).sense = "01";

@@ -632,6 +632,21 @@ void compared_acts_apply(Rewriter& graph, int at) {
 
 }  // namespace
 
+// (s / seize-01 :ARG0 (d / desire-01 :ARG1 (w / wake-01 :ARG0 x))), x named elsewhere: "the desire to wake seized her".
+void wish_apply(Rewriter& graph, const std::vector<int>& first, int at) {
+  constexpr std::array kWishes{"desire", "wish", "need", "decide",  "attempt", "hope",  "plan",    "urge",
+                               "long",   "tend", "try",  "refuse",  "promise", "fail",  "inspire", "opportunity",
+                               "intend", "able", "free", "capable", "yearn",   "crave", "tempt",   "oblige"};
+  const int above = is_one_of(graph, at, kWishes) && is_event(graph, at) ? graph.parent(at) : -1;
+  const int led = above < 0 || graph.child(at, "ARG0") >= 0 ? -1 : graph.child(at, "ARG1");
+  if (led < 0 || graph.arc(above).inverse || graph.arc(above).role != "ARG0") return;
+  const int deed = graph.arc(led).to;
+  const int subject = is_event(graph, deed) && graph.mentions(deed) == 1 ? subject_arc(graph, deed) : -1;
+  if (subject < 0 || first[static_cast<std::size_t>(graph.arc(subject).to)] == subject) return;
+  if (graph.arc(subject).role != "ARG0") attribute_add(graph.word(deed), "@ctl1");
+  graph.arc(subject).role = "understood";
+}
+
 // (w / want-01 :ARG0 b :ARG1 (g / go-02 :ARG0 b)): the b of go-02 becomes :understood, and rules make an infinitive of it.
 void step_control(Meaning& meaning) {
   Rewriter graph(meaning, "control");
@@ -644,7 +659,7 @@ void step_control(Meaning& meaning) {
   const std::vector<int> first = first_arcs(graph);
   for (int at = 0; at < graph.count(); ++at) dead_apply(graph, at);
   for (int at = 0, end = graph.count(); at < end; ++at) understand_subject(graph, first, at);
-  for (int at = 0; at < graph.count(); ++at) compared_acts_apply(graph, at);
+  for (int at = 0; at < graph.count(); ++at) wish_apply(graph, first, at), compared_acts_apply(graph, at);
   for (int at = 0; at < graph.count(); ++at) noun_of_event(graph, at), too_much_apply(graph, at), aim_apply(graph, at);
   for (int at = 0; at < graph.count(); ++at)
     polite_apply(graph, at), along_apply(graph, at), done_apply(graph, at), order_apply(graph, first, at),

@@ -1053,7 +1053,7 @@ const StepRow kSteps[] = {
     {"ate_an_apple", "nouns", "(e / eat-01 :ARG0 (b / boy) :ARG1 (a / apple))", "a0(eat(>01).@entry.@v, boy); a1(eat(>01), apple)"},
     {"they_eat_apples", "nouns", "(e / eat-01 :ARG0 (t / they) :ARG1 (a / apple))", "a0(eat(>01).@entry.@v, they); a1(eat(>01), apple.@pl)"},
     {"fears_this_dog", "nouns", "(f / fear-01 :ARG0 (i / i) :ARG1 (d / dog :mod (t / this)))",
-     "a0(fear(>01).@entry.@v, i); a1(fear(>01), dog); mod(dog, this)"},
+     "a0(fear(>01).@entry.@v, i); a1(fear(>01), dog.@sg); mod(dog, this)"},
     {"built_a_house", "nouns", "(b / build-01 :ARG0 (f / farmer) :ARG1 (h / house))", "a0(build(>01).@entry.@v, farmer); a1(build(>01), house.@indef)"},
     {"house_was_built", "nouns", "(b / build-01 :ARG1 (h / house))", "a1(build(>01).@entry.@v, house)"},
     {"built_his_house", "nouns", "(b / build-01 :ARG0 (f / farmer) :ARG1 (h / house :poss f))",
@@ -1594,7 +1594,7 @@ const StepRow kSteps[] = {
     {"left_side_right_side", "nouns", "(b / buy-01 :ARG0 (b2 / boy) :ARG1 (s / side :mod (l / left) :conjunct (s2 / side :mod (r / right))))",
      "a0(buy(>01).@entry.@v, boy); a1(buy(>01), side:01); mod(side:01, left); cnj(side:01, side:02); mod(side:02, right)"},
     {"this_apple_green_pear", "nouns", "(b / buy-01 :ARG0 (b2 / boy) :ARG1 (a / apple :mod (t / this) :conjunct (p / pear :mod (g / green))))",
-     "a0(buy(>01).@entry.@v, boy); a1(buy(>01), apple); mod(apple, this); cnj(apple, pear.@indef); mod(pear, green)"},
+     "a0(buy(>01).@entry.@v, boy); a1(buy(>01), apple.@sg); mod(apple, this); cnj(apple, pear.@indef); mod(pear, green)"},
     {"third_apple_green_pear", "nouns",
      "(b / buy-01 :ARG0 (b2 / boy) :ARG1 (a / apple :mod (r / red) :ord (o / ordinal) :conjunct (p / pear :mod (g / green))))",
      "a0(buy(>01).@entry.@v, boy); a1(buy(>01), apple); mod(apple, red); ord(apple, ordinal); cnj(apple, pear.@indef); mod(pear, green)"},
@@ -1806,6 +1806,28 @@ const StepRow kSteps[] = {
      "a1(be-located-at(>91).@entry.@v, she); deg(careful(>01).@v, amr-unknown); a2(be-located-at(>91), careful(>01))"},
     {"how_does_it_vary", "predicates", "(v / vary-01 :ARG1 (i / it) :degree (a / amr-unknown))", "a1(vary(>01).@entry.@v, it); deg(vary(>01), amr-unknown)"},
     {"yes_he_is_a_farmer", "contrast", "(f / farmer :domain (h / he) :mod (y / yes))", "dom(farmer, he); o1(and.@entry, yes); o2(and, farmer)"},
+    {"own_order", "quotation", "(s / say-01 :ARG0 (i / i) :ARG1 (h / hide-01 :mode imperative :ARG0 (y / you) :ARG1 (b / boat)))",
+     "a0(say(>01).@entry.@v, i); quo(say(>01), hide(>01).@v.@imp.@quote); a0(hide(>01), you); a1(hide(>01), boat)"},
+    {"bidden_hearer", "quotation", "(t / tell-01 :ARG0 (n / nurse) :ARG2 (h / he) :ARG1 (c / close-01 :mode imperative :ARG0 h :ARG1 (e / eye :part-of h)))",
+     "a0(tell(>01).@entry.@v, nurse); a2(tell(>01), he); quo(tell(>01), close(>01).@v.@imp.@quote); a0(close(>01), you.@p2); a1(close(>01), eye); prt(you, "
+     "eye)"},
+    {"like_manner", "reified", "(b / bend-01 :ARG1 (p / pipe) :manner (r / resemble-01 :ARG1 p :ARG2 (h / hook)))",
+     "a1(bend(>01).@entry.@v, pipe); lik(bend(>01), hook)"},
+    {"in_time_to", "reified", "(r / reach-01 :ARG0 (i / i) :time (t / in-time :op1 (m / meet-03 :ARG0 i :mod (j / just))))",
+     "a0(reach(>01).@entry.@v, i); tim(reach(>01), in-time); pur(in-time, meet(>03).@v); a0(meet(>03), i); mod(in-time, just)"},
+    {"time_to", "reified", "(h / have-03 :ARG0 (f / farmer) :ARG1 (t / time :duration-of (r / repair-01 :ARG0 f)) :polarity -)",
+     "a0(have(>03).@entry.@v.@neg, farmer); a1(have(>03), time); pur(time, repair(>01).@v); a0(repair(>01), farmer)"},
+    {"dared", "reified", "(l / list :ARG1-of (e / expect-01 :ARG0 (h / he) :ARG2-of (d / dare-01 :ARG1 h)))",
+     "a1(dare(>01).@v, list.@entry); a0(expect(>01).@v, he); a2(dare(>01), expect(>01)); a0(dare(>01), he)"},
+    {"whole_country", "reified", "(s / search-01 :ARG0 (h / he) :ARG1 (c / country :extent (a / all)))",
+     "a0(search(>01).@entry.@v, he); a1(search(>01), country); mod(country, whole)"},
+    {"which_you", "questions", "(a / ask-01 :ARG0 (f / farmer) :ARG1 (y / you :mod (u / amr-unknown)))",
+     "a0(ask(>01).@entry.@v, farmer); a1(ask(>01), be-located-at(>91).@v.@asked); wh(be-located-at(>91), amr-unknown.@wh.@wh_who); a1(be-located-at(>91), "
+     "you)"},
+    {"desire_to", "control",
+     "(s / sleep-01 :ARG0 (t / they) :time (u / until :op1 (s2 / seize-01 :ARG0 (d / desire-01 :ARG1 (w / wake-01 :ARG0 t)) :ARG1 (g / guard))))",
+     "a0(sleep(>01).@entry.@v, they); tim(sleep(>01), until); o1(until, seize(>01).@v); a0(seize(>01), desire(>01).@v); a1(desire(>01), wake(>01).@v); "
+     "ctl(wake(>01), they); a1(seize(>01), guard)"},
 };
 
 TEST(Import, Steps) {
