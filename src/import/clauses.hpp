@@ -67,7 +67,7 @@ inline constexpr std::array kSaying{
     "repeat", "state",   "murmur",  "respond",  "object",   "inquire", "explain",  "call-out",  "tell",
     "think",  "declare", "shout",   "whisper",  "announce", "observe", "continue", "interrupt", "confess",
     "insist", "protest", "comment", "complain", "warn",     "admit",   "conclude", "suggest",   "mutter",
-    "agree",  "call",    "mumble",  "sigh",     "yell",     "scream",  "enquire"};
+    "agree",  "call",    "mumble",  "sigh",     "yell",     "scream",  "enquire",  "go-on"};
 
 // All concepts that some clauses are made of, themselves first; graphs have circles and meet again, so each is there once.
 // Used to ask whether anybody in a quotation says "I".

@@ -776,15 +776,8 @@ void purpose_of_thing_apply(Rewriter& graph, int at) {
   if (again >= 0 && graph.arc(again).to == at) graph.remove(again, Fate::relation);
 }
 
-// Frames that are a word or a phrase of their own.
-void phrase_apply(Rewriter& graph, int at) {
-  // (w / work-01 :temporal (u / use-03)): what used to be done.
-  const int once = graph.is(at, "use", "03") && graph.children(at).empty() ? graph.parent(at) : -1;
-  if (once >= 0 && (graph.arc(once).role == "time" || graph.arc(once).role == "temporal")) {
-    attribute_add(graph.word(graph.arc(once).from), "@used");
-    graph.settle_concept(at, Fate::attribute);
-    graph.remove(once, Fate::attribute);
-  }
+// What there is time for, and what somebody dares to do.
+void ventured_apply(Rewriter& graph, int at) {
   // (i / in-time :op1 (c / catch-01 :mod just)): "just in time to catch it".
   const int aim = graph.is(at, "in-time") ? graph.child(at, "op1") : -1;
   if (aim >= 0 && is_event(graph, graph.arc(aim).to)) {
@@ -795,6 +788,31 @@ void phrase_apply(Rewriter& graph, int at) {
   // (t / time :duration-of (r / repair-01 ...)): "time to repair it".
   const int use = graph.is(at, "time") ? graph.child(at, "duration", true) : -1;
   if (use >= 0 && is_event(graph, graph.arc(use).to)) graph.replace(use, at, graph.arc(use).to, "purpose");
+  // (h / hope-01 :ARG0 i :ARG2-of (d / dare-01 :ARG1 i)): "I dared to hope". What is dared stands below.
+  const int ventured = graph.is(at, "dare", "01") ? graph.parent(at) : -1;
+  const int venturer = ventured < 0 ? -1 : graph.child(at, "ARG1");
+  if (venturer >= 0 && graph.arc(ventured).inverse && graph.arc(ventured).role == "ARG2" && graph.mentions(at) == 1) {
+    const int deed = graph.arc(ventured).from;
+    const int doer = graph.child(deed, "ARG0");
+    if (doer >= 0 && graph.arc(doer).to == graph.arc(venturer).to) {
+      graph.redirect(deed, at);
+      graph.replace(ventured, at, deed, "ARG2");
+    }
+  }
+  // Whom nobody dares to do it dares to do it himself.
+  const int daring = graph.is(at, "dare", "01") && graph.argument(at, "ARG0") < 0 ? graph.child(at, "ARG1") : -1;
+  if (daring >= 0 && graph.child(at, "ARG2") >= 0) graph.arc(daring).role = "ARG0";
+}
+
+// Frames that are a word or a phrase of their own.
+void phrase_apply(Rewriter& graph, int at) {
+  // (w / work-01 :temporal (u / use-03)): what used to be done.
+  const int once = graph.is(at, "use", "03") && graph.children(at).empty() ? graph.parent(at) : -1;
+  if (once >= 0 && (graph.arc(once).role == "time" || graph.arc(once).role == "temporal")) {
+    attribute_add(graph.word(graph.arc(once).from), "@used");
+    graph.settle_concept(at, Fate::attribute);
+    graph.remove(once, Fate::attribute);
+  }
   // What is an example of something that is not told: for example.
   const int shown = graph.is(at, "have-example", "91") && graph.child(at, "ARG2") < 0 ? graph.child(at, "ARG1") : -1;
   if (shown >= 0 && graph.parent(graph.arc(shown).to) == shown) {
@@ -811,20 +829,6 @@ void phrase_apply(Rewriter& graph, int at) {
     graph.word(at).sense.clear();
     graph.word(at).attributes.clear();
   }
-  // (h / hope-01 :ARG0 i :ARG2-of (d / dare-01 :ARG1 i)): "I dared to hope". What is dared stands below.
-  const int ventured = graph.is(at, "dare", "01") ? graph.parent(at) : -1;
-  const int venturer = ventured < 0 ? -1 : graph.child(at, "ARG1");
-  if (venturer >= 0 && graph.arc(ventured).inverse && graph.arc(ventured).role == "ARG2" && graph.mentions(at) == 1) {
-    const int deed = graph.arc(ventured).from;
-    const int doer = graph.child(deed, "ARG0");
-    if (doer >= 0 && graph.arc(doer).to == graph.arc(venturer).to) {
-      graph.redirect(deed, at);
-      graph.replace(ventured, at, deed, "ARG2");
-    }
-  }
-  // Whom nobody dares to do it dares to do it himself.
-  const int daring = graph.is(at, "dare", "01") && graph.argument(at, "ARG0") < 0 ? graph.child(at, "ARG1") : -1;
-  if (daring >= 0 && graph.child(at, "ARG2") >= 0) graph.arc(daring).role = "ARG0";
   // "It is a shame that ..."
   const int shame = graph.is(at, "shame", "02") || graph.is(at, "pity", "01") ? graph.child(at, "ARG1") : -1;
   if (shame >= 0 && graph.argument(at, "ARG0") < 0 && !graph.word(graph.arc(shame).to).sense.empty()) {
@@ -1127,6 +1131,7 @@ void step_reified(Meaning& meaning) {
     purpose_of_thing_apply(graph, at);
     if (graph.is(at, "include", "01") || graph.is(at, "include", "91")) including_apply(graph, at);
     meant_apply(graph, at);
+    ventured_apply(graph, at);
     phrase_apply(graph, at);
     light_phrase_apply(graph, at);
   }

@@ -114,7 +114,7 @@ void speaker_behind(Rewriter& graph, int at, int who, int whom) {
     return graph.arc(led).inverse && !graph.children(graph.arc(led).to).empty();
   });
   const bool is_heavy = is_long && graph.children(at).size() > 2;
-  const bool is_beside_hearer = whom >= 0 && is_one_of(graph, at, kBareHearer);
+  const bool is_beside_hearer = (whom >= 0 && is_one_of(graph, at, kBareHearer)) || graph.is(at, "go-on", "25");
   if (!is_plain || is_pronoun || is_beside_hearer || is_heavy) return;
   graph.arc(who).role = "speaker";
   const int office = graph.child(subject, "apposition");
@@ -183,7 +183,7 @@ void quote(Rewriter& graph, int at) {
   // What the sentence is about, or is joined to that, is told; what stands below is spoken of.
   const int above = graph.parent(at);
   const bool is_told = at == graph.meaning().root || above < 0 || !is_core(graph.arc(above));
-  constexpr std::array kTakingTurns{"ask", "add", "demand", "interrupt"};
+  constexpr std::array kTakingTurns{"ask", "add", "demand", "interrupt", "go-on"};
   const bool is_uttering = is_one_of(graph, at, kUttering) || is_one_of(graph, at, kTakingTurns);
   const bool is_report = is_told && is_clause(graph, said) && is_uttering && !has_attribute(graph.word(at), "@neg") &&
                          !has_attribute(graph.word(at), "@can");
@@ -195,6 +195,8 @@ void quote(Rewriter& graph, int at) {
   if (is_no_frame_of_words(graph, at)) return report_mood(graph, said);
   graph.arc(led).role = "quoted";
   attribute_add(graph.word(said), "@quote");
+  // In front of a quotation "still" would be a part of it.
+  if (std::erase(graph.word(at).attributes, "@so_concession") > 0) attribute_add(graph.word(at), "@lead_but");
   speak_of_oneself(graph, at, said, graph.arc(who).to, whom >= 0 ? graph.arc(whom).to : -1);
   // The quotation stands in front, so "then" cannot: '"Stop!" she said then.'
   const int when = graph.child(at, "time");
@@ -675,7 +677,9 @@ bool is_going_on(Rewriter& graph, int at) {
 void step_quotation(Meaning& meaning) {
   Rewriter graph(meaning, "quotation");
   for (int at = 0; at < graph.count(); ++at) {
-    const bool is_saying = !graph.word(at).sense.empty() && is_one_of(graph, at, kSaying);
+    // "The king went on", with his words, but "he went on asking you".
+    const bool is_saying = !graph.word(at).sense.empty() && is_one_of(graph, at, kSaying) &&
+                           (graph.word(at).name != "go-on" || graph.word(at).sense == "25");
     if (is_saying ? !is_going_on(graph, at) : is_uttered(graph, at, "ARG1") || is_uttered(graph, at, "ARG2"))
       quote(graph, at);
   }

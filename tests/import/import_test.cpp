@@ -1828,6 +1828,12 @@ const StepRow kSteps[] = {
      "(s / sleep-01 :ARG0 (t / they) :time (u / until :op1 (s2 / seize-01 :ARG0 (d / desire-01 :ARG1 (w / wake-01 :ARG0 t)) :ARG1 (g / guard))))",
      "a0(sleep(>01).@entry.@v, they); tim(sleep(>01), until); o1(until, seize(>01).@v); a0(seize(>01), desire(>01).@v); a1(desire(>01), wake(>01).@v); "
      "ctl(wake(>01), they); a1(seize(>01), guard)"},
+    {"went_on", "quotation", "(g / go-on-25 :ARG0 (k / king) :ARG1 (p / pay-01 :ARG0 (y / you)))",
+     "a0(go-on(>25).@entry.@v, king); quo(go-on(>25), pay(>01).@v.@quote); a0(pay(>01), you)"},
+    {"went_on_asking", "quotation", "(g / go-on-15 :ARG0 (k / king) :ARG1 (a / ask-01 :ARG0 k :ARG2 (y / you)))",
+     "a0(go-on(>15).@entry.@v, king); a1(go-on(>15), ask(>01).@v); a0(ask(>01), king); a2(ask(>01), you)"},
+    {"still_said", "quotation", "(h / have-concession-91 :ARG1 (s / say-01 :ARG0 (d / driver) :ARG1 (p / pay-01 :ARG0 (y / you))))",
+     "a1(have-concession(>91).@entry.@v, say(>01).@v); a0(say(>01), driver); a1(say(>01), pay(>01).@v); a0(pay(>01), you)"},
 };
 
 TEST(Import, Steps) {
