@@ -1832,8 +1832,8 @@ const StepRow kSteps[] = {
      "a0(go-on(>25).@entry.@v, king); quo(go-on(>25), pay(>01).@v.@quote); a0(pay(>01), you)"},
     {"went_on_asking", "quotation", "(g / go-on-15 :ARG0 (k / king) :ARG1 (a / ask-01 :ARG0 k :ARG2 (y / you)))",
      "a0(go-on(>15).@entry.@v, king); a1(go-on(>15), ask(>01).@v); a0(ask(>01), king); a2(ask(>01), you)"},
-    {"still_said", "quotation", "(h / have-concession-91 :ARG1 (s / say-01 :ARG0 (d / driver) :ARG1 (p / pay-01 :ARG0 (y / you))))",
-     "a1(have-concession(>91).@entry.@v, say(>01).@v); a0(say(>01), driver); a1(say(>01), pay(>01).@v); a0(pay(>01), you)"},
+    {"still_said", "all", "(h / have-concession-91 :ARG1 (s / say-01 :ARG0 (d / driver) :ARG1 (p / pay-01 :ARG0 (y / you))))",
+     "spk(say(>01).@entry.@v.@lead_but.@cl, driver); quo(say(>01), pay(>01).@v.@quote.@pres.@cl); a0(pay(>01), you)"},
 };
 
 TEST(Import, Steps) {
