@@ -1078,6 +1078,11 @@ void sets_apply(Rewriter& graph) {
       graph.word(at).name = "some";
       attribute_add(graph.word(at), "@pl");
     }
+    // "The first one of them."
+    if (graph.is(at, "thing") && graph.child(at, "ord") >= 0) {
+      graph.word(at).name = "one";
+      attribute_add(graph.word(at), "@def");
+    }
     same_deed_apply(graph, at, graph.arc(whole).to);
     if (const int led = graph.child(at, "ARG3"); led >= 0) graph.arc(led).role = "quant";
     // "Each of us": the word that picks them out stands for the persons.

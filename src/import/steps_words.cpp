@@ -780,6 +780,18 @@ void plain_word_apply(Rewriter& graph, int at) {
   }
 }
 
+// (w / water-01 :ARG1 (f / flower-01)): a thing whose name is a verb as well, of which no deed is told.
+void plain_thing_apply(Rewriter& graph, int at) {
+  constexpr std::array kThings{"flower", "blossom", "fence",  "bridge", "seed",   "stamp",  "map",   "butter", "oil",
+                               "water",  "fuel",    "salt",   "dust",   "house",  "ship",   "nail",  "bottle", "saddle",
+                               "bomb",   "wine",    "shadow", "fish",   "mirror", "garden", "fruit", "root",   "wall"};
+  const int led = is_one_of(graph, at, kThings) && !graph.word(at).sense.empty() ? graph.parent(at) : -1;
+  if (led < 0 || graph.arc(led).inverse || !is_core_role(graph.arc(led).role) || !graph.children(at).empty()) return;
+  if (graph.word(at).attributes.size() > 1) return;
+  graph.word(at).sense.clear();
+  std::erase(graph.word(at).attributes, "@v");
+}
+
 // Words that mean something else together than one by one.
 void idiom_apply(Rewriter& graph, int at) {
   // "Far from the city", "away from it".
@@ -799,7 +811,9 @@ void idiom_apply(Rewriter& graph, int at) {
     constexpr std::array kPeople{"poor", "rich", "young", "old",  "homeless", "unemployed", "elderly",
                                  "sick", "dead", "blind", "deaf", "disabled", "wealthy",    "needy"};
     const bool is_people = is_listed(graph.word(word).name, kPeople);
-    if (is_people && role.starts_with("ARG") && graph.word(word).sense.empty())
+    // "You grow old."
+    constexpr std::array kTurning{"grow", "become", "get", "turn", "stay", "remain", "look", "feel", "seem", "sound"};
+    if (is_people && role.starts_with("ARG") && graph.word(word).sense.empty() && !is_one_of(graph, at, kTurning))
       attribute_add(graph.word(word), "@people");
   }
   // "In the middle of the night".
@@ -932,6 +946,7 @@ void step_pronouns(Meaning& meaning) {
     rest_apply(graph, at);
     kind_apply(graph, at);
     plain_word_apply(graph, at);
+    plain_thing_apply(graph, at);
     idiom_apply(graph, at);
     Concept& word = graph.word(at);
     const int counted = word.name == "thing" && word.sense.empty() ? graph.child(at, "quant") : -1;

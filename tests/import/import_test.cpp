@@ -1834,6 +1834,13 @@ const StepRow kSteps[] = {
      "a0(go-on(>15).@entry.@v, king); a1(go-on(>15), ask(>01).@v); a0(ask(>01), king); a2(ask(>01), you)"},
     {"still_said", "all", "(h / have-concession-91 :ARG1 (s / say-01 :ARG0 (d / driver) :ARG1 (p / pay-01 :ARG0 (y / you))))",
      "spk(say(>01).@entry.@v.@lead_but.@cl, driver); quo(say(>01), pay(>01).@v.@quote.@pres.@cl); a0(pay(>01), you)"},
+    {"first_one_of_them", "reified",
+     "(s / see-01 :ARG0 (h / he) :ARG1 (t / thing :ord (o / ordinal-entity :value 1) :ARG1-of (i / include-91 :ARG2 (t2 / they))))",
+     "a0(see(>01).@entry.@v, he); a1(see(>01), one.@def); ord(one, ordinal-entity); val(ordinal-entity, 1); sup(one, they.@pl.@def)"},
+    {"waters_flower", "pronouns", "(w / water-01 :ARG0 (g / gardener) :ARG1 (f / flower-01))", "a0(water(>01).@entry.@v, gardener); a1(water(>01), flower)"},
+    {"begins_to_flower", "pronouns", "(b / begin-01 :ARG0 (t / tree) :ARG1 (f / flower-01 :ARG0 t))",
+     "a0(begin(>01).@entry.@v, tree); a1(begin(>01), flower(>01).@v); a0(flower(>01), tree)"},
+    {"grow_rich", "pronouns", "(g / grow-02 :ARG1 (y / you) :ARG2 (r / rich))", "a1(grow(>02).@entry.@v, you); a2(grow(>02), rich)"},
 };
 
 TEST(Import, Steps) {
