@@ -1025,8 +1025,10 @@ void wholes_apply(Rewriter& graph) {
     if (graph.child(one.to, "mod") < 0 && graph.child(one.to, "quant") < 0) attribute_add(graph.word(one.to), "@def");
     // "One of the stars" names the stars once.
     const int number = graph.child(one.from, "quant");
+    // "The first one of them."
+    const bool is_thing = graph.is(one.from, "thing") && graph.child(one.from, "ord") >= 0;
     const bool is_one = number < 0 ? !has_attribute(graph.word(one.from), "@pl") : graph.is(graph.arc(number).to, "1");
-    if (!is_one || graph.word(one.from).name != whole.name) continue;
+    if (!is_one || (graph.word(one.from).name != whole.name && !is_thing)) continue;
     graph.word(one.from).name = "one";
     if (graph.child(one.from, "ord") >= 0) attribute_add(graph.word(one.from), "@def");
     if (number < 0) continue;
@@ -1077,11 +1079,6 @@ void sets_apply(Rewriter& graph) {
     if (graph.is(at, "someone") || graph.is(at, "something")) {
       graph.word(at).name = "some";
       attribute_add(graph.word(at), "@pl");
-    }
-    // "The first one of them."
-    if (graph.is(at, "thing") && graph.child(at, "ord") >= 0) {
-      graph.word(at).name = "one";
-      attribute_add(graph.word(at), "@def");
     }
     same_deed_apply(graph, at, graph.arc(whole).to);
     if (const int led = graph.child(at, "ARG3"); led >= 0) graph.arc(led).role = "quant";

@@ -792,6 +792,17 @@ void plain_thing_apply(Rewriter& graph, int at) {
   std::erase(graph.word(at).attributes, "@v");
 }
 
+// Whoever is fed are the poor, not poorly; but "you grow old".
+void poor_apply(Rewriter& graph, int led) {
+  constexpr std::array kPeople{"poor", "rich", "young", "old",  "homeless", "unemployed", "elderly",
+                               "sick", "dead", "blind", "deaf", "disabled", "wealthy",    "needy"};
+  constexpr std::array kTurning{"grow", "become", "get", "turn", "stay", "remain", "look", "feel", "seem", "sound"};
+  const Arc& one = graph.arc(led);
+  if (is_one_of(graph, one.to, kPeople) && one.role.starts_with("ARG") && graph.word(one.to).sense.empty() &&
+      !is_one_of(graph, one.from, kTurning))
+    attribute_add(graph.word(one.to), "@people");
+}
+
 // Words that mean something else together than one by one.
 void idiom_apply(Rewriter& graph, int at) {
   // "Far from the city", "away from it".
@@ -807,14 +818,7 @@ void idiom_apply(Rewriter& graph, int at) {
       graph.word(word).name = "not-only";
       std::erase(graph.word(word).attributes, "@neg");
     }
-    // Whoever is fed are the poor, not poorly.
-    constexpr std::array kPeople{"poor", "rich", "young", "old",  "homeless", "unemployed", "elderly",
-                                 "sick", "dead", "blind", "deaf", "disabled", "wealthy",    "needy"};
-    const bool is_people = is_listed(graph.word(word).name, kPeople);
-    // "You grow old."
-    constexpr std::array kTurning{"grow", "become", "get", "turn", "stay", "remain", "look", "feel", "seem", "sound"};
-    if (is_people && role.starts_with("ARG") && graph.word(word).sense.empty() && !is_one_of(graph, at, kTurning))
-      attribute_add(graph.word(word), "@people");
+    poor_apply(graph, led);
   }
   // "In the middle of the night".
   constexpr std::array kParts{"middle", "center", "centre",    "edge", "end",    "bottom",
