@@ -64,8 +64,11 @@ def kill_a_worker(address):
     import distributed
 
     with distributed.Client(address, set_as_default=False) as client:
-        for process in list(client.run(os.getpid).values())[:1]:
-            os.kill(process, signal.SIGKILL)
+        # One that was killed may still be listed, and answers no more.
+        living = []
+        while not living:
+            living = list(client.run(os.getpid, on_error="ignore").values())
+        os.kill(living[0], signal.SIGKILL)
 
 
 def wait_for_size(path, size, process):
